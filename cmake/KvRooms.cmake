@@ -1,0 +1,50 @@
+# One static library a folder. All rooms share the warnings, the sanitizers and the include roots: a header is named by
+# its room ("link/Channel.h", "KvCmDrv1/Driver.h", "simulator/Controller.h").
+
+find_program(CCACHE ccache)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_library(kv_options INTERFACE)
+target_include_directories(kv_options INTERFACE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/libs
+                                                ${PROJECT_SOURCE_DIR})
+if(MSVC)
+  target_compile_options(kv_options INTERFACE /W4 /WX /utf-8 /permissive-)
+  target_compile_definitions(kv_options INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+else()
+  target_compile_options(kv_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+                                              -Woverloaded-virtual -Werror)
+endif()
+if(KV_SANITIZE)
+  target_compile_options(kv_options INTERFACE -fsanitize=${KV_SANITIZE} -fno-sanitize-recover=all
+                                              -fno-omit-frame-pointer)
+  target_link_options(kv_options INTERFACE -fsanitize=${KV_SANITIZE})
+endif()
+
+# kv_room(<target> SOURCES ... [ON rooms or libraries that this one stands on])
+function(kv_room target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;ON" ${ARGN})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  target_link_libraries(${target} PUBLIC kv_options ${ARG_ON})
+endfunction()
+
+# kv_program(<target> SOURCES ... [ON ...])
+function(kv_program target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;ON" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE kv_options ${ARG_ON})
+  set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+endfunction()
+
+# kv_test(<target> SOURCES ... [ON ...]): one GoogleTest program, one ctest entry.
+function(kv_test target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;ON" ${ARGN})
+  find_package(GTest REQUIRED)
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE kv_options ${ARG_ON} GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${target} PRIVATE KV_TEST_DATA="${PROJECT_SOURCE_DIR}/tests")
+  set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+  add_test(NAME ${target} COMMAND ${target})
+  set_tests_properties(${target} PROPERTIES TIMEOUT 300)
+endfunction()

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <expected>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace kv {
+
+// What went wrong with a file: which one, where in it (a line or an offset, when that is known), and what was expected.
+struct FileError {
+  std::string file;
+  std::string place;
+  std::string what;
+
+  [[nodiscard]] std::string Text() const;  // "settings.ini, line 3: a number was expected"
+};
+
+// Writes `content` to a temporary file beside `file`, flushes it, renames it over `file` and flushes the folder. On
+// failure `file` is as it was and no temporary file is left.
+[[nodiscard]] std::expected<void, FileError> SaveAtomically(const std::filesystem::path& file, std::string_view content);
+
+// The whole file; refused when it is larger than `limit` bytes.
+[[nodiscard]] std::expected<std::string, FileError> ReadWholeFile(const std::filesystem::path& file, std::size_t limit);
+
+}  // namespace kv

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "link/Channel.h"
+#include "link/ListeningSocket.h"
+
+namespace kv {
+
+// What the driver is told about the session that it serves.
+struct SessionLink {
+  std::string folder;           // the session's folder, UTF-8: the driver keeps its settings there
+  bool isCompactDriver = false; // IsCompactDriverModel of the model
+  bool isBrio = false;          // the upper-cased model is "BRIO"
+  bool isColour = false;        // IsColourModel of the model
+  ListeningSocket* socket = nullptr;  // for controllers that dial in; may be null, must outlive the driver
+};
+
+// The communication driver: owns the physical link and its settings, and hands out the channel. Exactly one exists
+// while the program runs.
+class CommDriver {
+ public:
+  virtual ~CommDriver() = default;
+
+  virtual void SetDriverActive(bool active) = 0;
+  // Loads the session's link settings; closes a link that they no longer describe.
+  virtual void ConfigureForSession(const SessionLink& session) = 0;
+
+  // The current channel, opened when it was not. Null when the link cannot be opened; LastError() says why.
+  [[nodiscard]] virtual std::shared_ptr<Channel> GetChannel() = 0;
+  virtual void SetChannel(std::shared_ptr<Channel> channel) = 0;
+  [[nodiscard]] virtual const LinkError& LastError() const = 0;
+  virtual void CloseDriver() = 0;
+
+  // A text like "COM3, 115200 8N1, unit 1", "192.168.1.20:20300, unit 1" or "Simulated K220-22-R1".
+  [[nodiscard]] virtual std::string LinkDescription() const = 0;
+
+  // Marks who opens the settings dialog, then the dialogs themselves, modal. Without windows they do nothing.
+  virtual void ComParamsCaller(const std::string& caller) = 0;
+  virtual void ShowComParams() = 0;
+  virtual void ShowModemSettings() = 0;
+
+  // Event: texts for the status line of the host.
+  std::function<void(const std::string& message)> OnComMessage;
+};
+
+}  // namespace kv
