@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string_view>
+
+namespace kv {
+
+// What the code behind ERROR means, and what helps. Both read on behind "the controller refused: " and "What to do: ".
+struct ControllerErrorMeaning {
+  std::string_view meaning;
+  std::string_view cure;
+};
+
+// The refusal codes of docs/controller-protocol.md, 1 to 15; any other code gives a meaning that says that it is
+// unknown.
+[[nodiscard]] ControllerErrorMeaning ControllerErrorText(int code);
+
+}  // namespace kv
