@@ -18,7 +18,8 @@ struct FileError {
 
 // Writes `content` to a temporary file beside `file`, flushes it, renames it over `file` and flushes the folder. On
 // failure `file` is as it was and no temporary file is left.
-[[nodiscard]] std::expected<void, FileError> SaveAtomically(const std::filesystem::path& file, std::string_view content);
+[[nodiscard]] std::expected<void, FileError> SaveAtomically(const std::filesystem::path& file,
+                                                            std::string_view content);
 
 // The whole file; refused when it is larger than `limit` bytes.
 [[nodiscard]] std::expected<std::string, FileError> ReadWholeFile(const std::filesystem::path& file, std::size_t limit);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -7,15 +8,18 @@
 
 namespace kv {
 
-// Numbers to text and back, without the locale. Parsing takes the whole text or nothing: no blanks, no "+", no overflow.
+// Numbers to text and back, without the locale. Parsing takes the whole text or nothing: no blanks, no "+", no
+// overflow.
 [[nodiscard]] std::optional<std::int64_t> ParseInteger(std::string_view text);
-[[nodiscard]] std::optional<float> ParseFloat(std::string_view text);   // finite; "." is the decimal point
+[[nodiscard]] std::optional<float> ParseFloat(std::string_view text);        // finite; "." is the decimal point
 [[nodiscard]] std::optional<std::uint32_t> ParseHex(std::string_view text);  // 1 to 8 digits of either case
 
 // Upper-case hexadecimal, padded on the left with "0" to `digits`, cut on the left when it is longer.
 [[nodiscard]] std::string ToHex(std::uint32_t value, std::size_t digits);
 
-// The general decimal form with at most 7 significant digits: the shortest text among those that read back as the value rounded to 7 digits.
+// The general decimal form of the value rounded to 7 significant digits, without trailing zeros: "0.1", "1234567",
+// and with an exponent from 1e+07 upward and below 0.0001: "1.234568e+07", "1e-05". Not a number is "nan", the
+// infinities are "inf" and "-inf".
 [[nodiscard]] std::string FloatText(float value);
 
 }  // namespace kv

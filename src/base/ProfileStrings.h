@@ -8,14 +8,14 @@
 namespace kv {
 
 // The platform's profile-string calls on one ini file. On Windows they are called; elsewhere a line-preserving reader
-// and writer does the same, as measured on the platform. Texts are Windows-1252 bytes, as in the file; a missing file reads as
-// an empty one.
+// and writer does the same, as measured on the platform. Texts are Windows-1252 bytes, as in the file; a missing file
+// reads as an empty one.
 
 // The size of the buffer that tools read values with: 255 characters, the terminating NUL among them.
 inline constexpr std::size_t kProfileBuffer = 255;
 
-// The value of `key` in `section`, cut to `bufferSize` - 1 bytes; `fallback` without trailing blanks when the key is missing.
-// "key=" gives "". A file over 16 MiB is not read and counts as empty.
+// The value of `key` in `section`, cut to `bufferSize` - 1 bytes; `fallback` without trailing blanks when the key is
+// missing. "key=" gives "". A file over 16 MiB is not read and counts as empty.
 [[nodiscard]] std::string ReadProfileString(const std::filesystem::path& file, std::string_view section,
                                             std::string_view key, std::string_view fallback,
                                             std::size_t bufferSize = kProfileBuffer);

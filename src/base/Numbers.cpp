@@ -1,0 +1,57 @@
+#include "base/Numbers.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <system_error>
+
+namespace kv {
+
+namespace {
+
+constexpr int kFloatDigits = 7;
+constexpr std::size_t kMaxHexDigits = 8;
+constexpr std::size_t kFloatTextLimit = 16;  // "-1.234567e-38" and a few more
+
+// from_chars that takes the whole text or nothing.
+template <typename Number, typename... Form>
+std::optional<Number> ParseWhole(std::string_view text, Form... form) {
+  Number value{};
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value, form...);
+  if (error != std::errc{} || stop != end) return std::nullopt;
+  return value;
+}
+
+}  // namespace
+
+std::optional<std::int64_t> ParseInteger(std::string_view text) {
+  return ParseWhole<std::int64_t>(text);
+}
+
+std::optional<float> ParseFloat(std::string_view text) {
+  const auto value = ParseWhole<float>(text);
+  return value && std::isfinite(*value) ? value : std::nullopt;
+}
+
+std::optional<std::uint32_t> ParseHex(std::string_view text) {
+  return text.size() > kMaxHexDigits ? std::nullopt : ParseWhole<std::uint32_t>(text, 16);
+}
+
+std::string ToHex(std::uint32_t value, std::size_t digits) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text(digits, '0');
+  for (auto at = text.rbegin(); at != text.rend() && value != 0; ++at, value >>= 4) *at = kDigits[value & 0xFU];
+  return text;
+}
+
+std::string FloatText(float value) {
+  if (std::isnan(value)) return "nan";
+  std::array<char, kFloatTextLimit> text;
+  const auto [end, error] =
+      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, kFloatDigits);
+  return error == std::errc{} ? std::string(text.data(), end) : std::string{};
+}
+
+}  // namespace kv
