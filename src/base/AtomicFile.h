@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <expected>
 #include <filesystem>
 #include <string>
@@ -16,12 +17,14 @@ struct FileError {
   [[nodiscard]] std::string Text() const;  // "settings.ini, line 3: a number was expected"
 };
 
-// Writes `content` to a temporary file beside `file`, flushes it, renames it over `file` and flushes the folder. On
-// failure `file` is as it was and no temporary file is left.
+// Writes `content` to a temporary file beside `file`, flushes it, renames it over `file` and flushes the folder. The
+// file keeps its permissions; a link stays a link, and what it points at is replaced. A write-protected file is
+// refused. On failure `file` is as it was and no temporary file is left. A folder that cannot be flushed (some network
+// drives) is no failure: the new content is already in place.
 [[nodiscard]] std::expected<void, FileError> SaveAtomically(const std::filesystem::path& file,
                                                             std::string_view content);
 
-// The whole file; refused when it is larger than `limit` bytes.
+// The whole file; refused when it is larger than `limit` bytes, missing, or no plain file.
 [[nodiscard]] std::expected<std::string, FileError> ReadWholeFile(const std::filesystem::path& file, std::size_t limit);
 
 }  // namespace kv

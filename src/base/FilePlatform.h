@@ -1,0 +1,28 @@
+#pragma once
+
+#include <expected>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+namespace kv {
+
+// The file calls in which the platforms differ; FilePlatformPosix.cpp and FilePlatformWindows.cpp implement them for
+// AtomicFile and ProgramPaths.
+
+// Writes `content` to the new file `temporary` and flushes it. The file gets the permissions of `model` when that
+// exists. Fails with errc::file_exists, and leaves that file alone, when `temporary` is already there; after any
+// other failure it is removed.
+[[nodiscard]] std::error_code WriteNewFile(const std::filesystem::path& temporary, const std::filesystem::path& model,
+                                           std::string_view content);
+
+// Renames `from` over `to`, and flushes their folder.
+[[nodiscard]] std::error_code ReplaceFileWith(const std::filesystem::path& to, const std::filesystem::path& from);
+
+// A number that no other running process has.
+[[nodiscard]] unsigned long ProcessNumber();
+
+// The running executable's path; empty when the platform does not tell.
+[[nodiscard]] std::filesystem::path ExecutableFile();
+
+}  // namespace kv

@@ -1,0 +1,63 @@
+#include <windows.h>
+
+#include <algorithm>
+#include <string>
+
+#include "base/FilePlatform.h"
+#include "base/ScopeGuard.h"
+
+namespace kv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::error_code LastError() {
+  return {static_cast<int>(GetLastError()), std::system_category()};
+}
+
+std::error_code WriteAll(HANDLE handle, std::string_view content) {
+  constexpr std::size_t kPiece = std::size_t{1} << 30;  // the call counts in 32 bits
+  while (!content.empty()) {
+    DWORD written = 0;
+    const auto size = static_cast<DWORD>(std::min(content.size(), kPiece));
+    if (WriteFile(handle, content.data(), size, &written, nullptr) == 0) return LastError();
+    content.remove_prefix(written);
+  }
+  return FlushFileBuffers(handle) != 0 ? std::error_code{} : LastError();
+}
+
+}  // namespace
+
+// A new file inherits the access list of its folder, as the model did; hidden and the like are taken over.
+std::error_code WriteNewFile(const fs::path& temporary, const fs::path& model, std::string_view content) {
+  const DWORD attributes = GetFileAttributesW(model.c_str());
+  const HANDLE handle =
+      CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                  attributes == INVALID_FILE_ATTRIBUTES ? FILE_ATTRIBUTE_NORMAL : attributes, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return LastError();
+  ScopeGuard remove([&temporary] { DeleteFileW(temporary.c_str()); });
+  std::error_code error = WriteAll(handle, content);
+  if (CloseHandle(handle) == 0 && !error) error = LastError();
+  if (!error) remove.Dismiss();
+  return error;
+}
+
+std::error_code ReplaceFileWith(const fs::path& to, const fs::path& from) {
+  // Write-through does what flushing the folder does elsewhere.
+  const BOOL moved = MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+  return moved != 0 ? std::error_code{} : LastError();
+}
+
+unsigned long ProcessNumber() {
+  return GetCurrentProcessId();
+}
+
+fs::path ExecutableFile() {
+  constexpr DWORD kLongestPath = 32768;
+  std::wstring name(kLongestPath, L'\0');
+  name.resize(GetModuleFileNameW(nullptr, name.data(), kLongestPath));
+  return name;
+}
+
+}  // namespace kv
