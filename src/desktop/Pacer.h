@@ -16,7 +16,8 @@ class Pacer {
   // Lets `span` pass. Windows are painted meanwhile, user input is kept for later.
   virtual void Sleep(Duration span) = 0;
 
-  // Delivers everything that is pending, user input included. Engines call it only where they can bear to be re-entered.
+  // Delivers everything that is pending, user input included. Engines call it only where they can bear to be
+  // re-entered.
   virtual void DoEvents() = 0;
 
   // A short turn for the surroundings in the middle of a wait: windows are painted, the stop request is noticed; no

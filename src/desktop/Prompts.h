@@ -9,12 +9,44 @@ enum class PromptIcon { None, Information, Exclamation, Question, Critical };
 enum class PromptButtons { Ok, OkCancel, YesNo };
 enum class PromptAnswer { Ok, Cancel, Yes, No };
 
+[[nodiscard]] constexpr bool HasButton(PromptButtons buttons, PromptAnswer answer) {
+  switch (buttons) {
+    case PromptButtons::Ok:
+      return answer == PromptAnswer::Ok;
+    case PromptButtons::OkCancel:
+      return answer == PromptAnswer::Ok || answer == PromptAnswer::Cancel;
+    case PromptButtons::YesNo:
+      return answer == PromptAnswer::Yes || answer == PromptAnswer::No;
+  }
+  return false;
+}
+
+// The button that commits to the most: Ok or Yes.
+[[nodiscard]] constexpr PromptAnswer Consent(PromptButtons buttons) {
+  return buttons == PromptButtons::YesNo ? PromptAnswer::Yes : PromptAnswer::Ok;
+}
+
+// The button that commits to the least: Ok when there is no other, Cancel or No. Closing a box counts as this one.
+[[nodiscard]] constexpr PromptAnswer LeastCommitting(PromptButtons buttons) {
+  switch (buttons) {
+    case PromptButtons::OkCancel:
+      return PromptAnswer::Cancel;
+    case PromptButtons::YesNo:
+      return PromptAnswer::No;
+    case PromptButtons::Ok:
+      break;
+  }
+  return PromptAnswer::Ok;
+}
+
 // One message box. Texts are UTF-8 with CR LF between lines.
 struct MessageBox {
   std::string text;
   std::string title = "Telepanel";
   PromptIcon icon = PromptIcon::None;
   PromptButtons buttons = PromptButtons::Ok;
+
+  bool operator==(const MessageBox&) const = default;
 };
 
 // One input box.
@@ -23,6 +55,8 @@ struct InputBox {
   std::string title = "Telepanel";
   std::string initial;
   bool secret = false;  // typed characters are not shown
+
+  bool operator==(const InputBox&) const = default;
 };
 
 // One file dialog. `filter` reads "Description|*.ext".
@@ -31,6 +65,8 @@ struct FileDialog {
   std::string filter;
   std::string folder;   // UTF-8 path in which the dialog opens; empty: where it was last
   std::string initial;  // file name that stands in the dialog at first
+
+  bool operator==(const FileDialog&) const = default;
 };
 
 // Questions to the user. Qt shows them, the console prints them and answers from its flags, the test script answers
@@ -39,7 +75,7 @@ class Prompts {
  public:
   virtual ~Prompts() = default;
 
-  // Shows the box and returns the pressed button. Closing the box counts as its least committing button: Ok, Cancel or No.
+  // Shows the box and returns the pressed button. Closing the box counts as LeastCommitting.
   virtual PromptAnswer Show(const MessageBox& box) = 0;
 
   // The text entered with OK; nothing when the user cancelled.

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "desktop/WallClock.h"
+
+namespace kv {
+
+// The machine's wall clock in its own time zone; it goes with the real pacers.
+class PacerWallClock final : public WallClock {
+ public:
+  [[nodiscard]] std::chrono::local_seconds LocalTime() const override;
+};
+
+}  // namespace kv

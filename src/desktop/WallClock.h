@@ -1,0 +1,16 @@
+#pragma once
+
+#include <chrono>
+
+namespace kv {
+
+// The time of day where the user sits, for texts and file titles. It jumps when the clock is set and by the hour in
+// spring and autumn, so nothing is timed with it: spans are a Pacer's business.
+class WallClock {
+ public:
+  virtual ~WallClock() = default;
+
+  [[nodiscard]] virtual std::chrono::local_seconds LocalTime() const = 0;
+};
+
+}  // namespace kv
