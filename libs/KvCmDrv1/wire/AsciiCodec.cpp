@@ -1,0 +1,58 @@
+#include "KvCmDrv1/wire/AsciiCodec.h"
+
+#include <algorithm>
+
+#include "KvCmDrv1/wire/HexDigits.h"
+
+namespace kv {
+namespace {
+
+constexpr std::size_t kUnitDigits = 2;
+constexpr std::size_t kCheckDigits = 2;
+
+TextFault FaultOf(std::string_view text) {
+  if (text.empty()) return TextFault::Empty;
+  if (text.size() > kMaxFrameText) return TextFault::TooLong;
+  const bool isPlain = std::ranges::all_of(text, [](char c) { return c >= 0x20 && c <= 0x7E; });
+  return isPlain ? TextFault::None : TextFault::BadCharacter;
+}
+
+}  // namespace
+
+TextFault EncodeFrame(std::uint8_t unit, std::string_view text, std::string& frame) {
+  frame.clear();
+  if (const TextFault fault = FaultOf(text); fault != TextFault::None) return fault;
+  frame += kFrameStart;
+  AppendHex(frame, unit, kUnitDigits);
+  frame += text;
+  AppendHex(frame, AsciiChecksum(std::string_view(frame).substr(1)), kCheckDigits);
+  if (text.find(kFrameStart) != std::string_view::npos && FindFrame(frame)->text.size() != text.size()) {
+    frame.clear();
+    return TextFault::TailIsFrame;
+  }
+  frame += kFrameEnd;
+  return TextFault::None;
+}
+
+std::optional<AsciiFrame> FindFrame(std::string_view line) {
+  if (line.size() < 1 + kUnitDigits + 1 + kCheckDigits) return std::nullopt;
+  const std::size_t textEnd = line.size() - kCheckDigits;
+  const std::optional<std::uint32_t> check = HexValue(line.substr(textEnd));
+  if (!check) return std::nullopt;
+
+  // From the end to the front with the sum of what has been passed: one walk, however many "/" the line holds.
+  std::uint32_t sum = 0;
+  for (std::size_t at = textEnd; at-- > 0;) {
+    const std::size_t textStart = at + 1 + kUnitDigits;
+    if (textStart + kMaxFrameText < textEnd) return std::nullopt;
+    if (line[at] == kFrameStart && textStart < textEnd && (sum & 0xFFU) == *check) {
+      if (const std::optional<std::uint32_t> unit = HexValue(line.substr(at + 1, kUnitDigits))) {
+        return AsciiFrame{static_cast<std::uint8_t>(*unit), line.substr(textStart, textEnd - textStart)};
+      }
+    }
+    sum += static_cast<unsigned char>(line[at]);
+  }
+  return std::nullopt;
+}
+
+}  // namespace kv

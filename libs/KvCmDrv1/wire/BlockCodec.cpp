@@ -1,0 +1,96 @@
+#include "KvCmDrv1/wire/BlockCodec.h"
+
+#include "base/Crc32.h"
+
+namespace kv {
+namespace {
+
+constexpr std::uint8_t kVersion = 1;
+constexpr std::uint8_t kRequest = 1;
+constexpr std::uint8_t kReply = 2;
+
+// Where the fields of a head stand.
+constexpr std::size_t kAtVersion = 2;
+constexpr std::size_t kAtKind = 3;
+constexpr std::size_t kAtUnit = 4;
+constexpr std::size_t kAtStatus = 5;
+constexpr std::size_t kAtSequence = 6;
+constexpr std::size_t kAtOpCode = 8;
+constexpr std::size_t kAtParam1 = 10;
+constexpr std::size_t kAtDataLength = 14;
+constexpr std::size_t kAtParam3 = 18;
+constexpr std::size_t kAtParam4 = 20;
+constexpr std::size_t kAtPayloadLength = 22;
+constexpr std::size_t kAtHeadCheck = 26;
+
+std::uint32_t Field(std::string_view bytes, std::size_t at, std::size_t count) {
+  return LittleEndian(bytes.substr(at, count));
+}
+
+std::uint16_t Word(std::string_view bytes, std::size_t at) {
+  return static_cast<std::uint16_t>(Field(bytes, at, 2));
+}
+
+std::uint8_t Byte(std::string_view bytes, std::size_t at) {
+  return static_cast<std::uint8_t>(bytes[at]);
+}
+
+}  // namespace
+
+void EncodeBlockRequest(const BlockMessage& request, std::string& bytes) {
+  bytes.clear();
+  bytes.reserve(kBlockHead + request.payload.size() + kBlockCheck);
+  bytes += kBlockStart;
+  bytes += kBlockSecond;
+  AppendLittleEndian(bytes, kVersion, 1);
+  AppendLittleEndian(bytes, kRequest, 1);
+  AppendLittleEndian(bytes, request.unit, 1);
+  AppendLittleEndian(bytes, 0, 1);  // status
+  AppendLittleEndian(bytes, request.sequence, 2);
+  AppendLittleEndian(bytes, request.fields.opCode, 2);
+  AppendLittleEndian(bytes, request.fields.param1, 4);
+  AppendLittleEndian(bytes, request.fields.dataLength, 4);
+  AppendLittleEndian(bytes, request.fields.param3, 2);
+  AppendLittleEndian(bytes, request.fields.param4, 2);
+  AppendLittleEndian(bytes, static_cast<std::uint32_t>(request.payload.size()), 4);
+  AppendLittleEndian(bytes, Crc32(bytes) & 0xFFFFU, 2);
+  bytes += request.payload;
+  AppendLittleEndian(bytes, Crc32(bytes), kBlockCheck);
+}
+
+std::optional<std::size_t> ReplyPayloadLength(std::string_view head) {
+  if (head.size() < kBlockHead || head[0] != kBlockStart || head[1] != kBlockSecond) return std::nullopt;
+  if (Byte(head, kAtVersion) != kVersion || Byte(head, kAtKind) != kReply) return std::nullopt;
+  if (Word(head, kAtHeadCheck) != (Crc32(head.substr(0, kAtHeadCheck)) & 0xFFFFU)) return std::nullopt;
+  const std::uint32_t length = Field(head, kAtPayloadLength, 4);
+  if (length > kMaxReplyPayload) return std::nullopt;
+  return length;
+}
+
+std::optional<BlockMessage> DecodeBlockReply(std::string_view bytes) {
+  const std::optional<std::size_t> length = ReplyPayloadLength(bytes);
+  if (!length || bytes.size() != kBlockHead + *length + kBlockCheck) return std::nullopt;
+  const std::size_t checked = bytes.size() - kBlockCheck;
+  if (Field(bytes, checked, kBlockCheck) != Crc32(bytes.substr(0, checked))) return std::nullopt;
+  return BlockMessage{.unit = Byte(bytes, kAtUnit),
+                      .status = Byte(bytes, kAtStatus),
+                      .sequence = Word(bytes, kAtSequence),
+                      .fields = {.opCode = Word(bytes, kAtOpCode),
+                                 .param1 = Field(bytes, kAtParam1, 4),
+                                 .dataLength = Field(bytes, kAtDataLength, 4),
+                                 .param3 = Word(bytes, kAtParam3),
+                                 .param4 = Word(bytes, kAtParam4)},
+                      .payload = bytes.substr(kBlockHead, *length)};
+}
+
+std::uint32_t LittleEndian(std::string_view bytes) {
+  std::uint32_t value = 0;
+  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<unsigned char>(bytes[i]);
+  return value;
+}
+
+void AppendLittleEndian(std::string& bytes, std::uint32_t value, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i, value >>= 8) bytes += static_cast<char>(value & 0xFFU);
+}
+
+}  // namespace kv

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "link/DownloadEngine.h"
+
+namespace kv {
+
+inline constexpr char kBlockStart = static_cast<char>(0xB4);
+inline constexpr char kBlockSecond = 0x4B;
+inline constexpr std::size_t kBlockHead = 28;  // bytes before the payload
+inline constexpr std::size_t kBlockCheck = 4;  // bytes after it
+inline constexpr std::size_t kMaxRequestPayload = 1048576;
+inline constexpr std::size_t kMaxReplyPayload = 8192;
+
+// A block message; `payload` points into the bytes that were read or are to be sent.
+struct BlockMessage {
+  std::uint8_t unit = 0;
+  std::uint8_t status = 0;
+  std::uint16_t sequence = 0;
+  BlockFields fields;
+  std::string_view payload;
+};
+
+// Puts the bytes of a request into `bytes`, in place of what was there. The payload is kMaxRequestPayload bytes at
+// most.
+void EncodeBlockRequest(const BlockMessage& request, std::string& bytes);
+
+// The length of the payload that the head of a reply announces; nothing when `head` (kBlockHead bytes) is not the head
+// of a reply.
+[[nodiscard]] std::optional<std::size_t> ReplyPayloadLength(std::string_view head);
+
+// The reply in `bytes`, which is as long as its head announced; nothing when its check does not hold.
+[[nodiscard]] std::optional<BlockMessage> DecodeBlockReply(std::string_view bytes);
+
+// Little-endian integers of block messages.
+[[nodiscard]] std::uint32_t LittleEndian(std::string_view bytes);  // of 1 to 4 bytes
+void AppendLittleEndian(std::string& bytes, std::uint32_t value, std::size_t count);
+
+}  // namespace kv

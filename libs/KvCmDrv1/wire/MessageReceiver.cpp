@@ -1,0 +1,96 @@
+#include "KvCmDrv1/wire/MessageReceiver.h"
+
+#include <algorithm>
+
+namespace kv {
+namespace {
+
+bool BeginsMessage(char byte) {
+  return byte == kFrameStart || byte == kBlockStart;
+}
+
+// Where the next message may begin, from `from` on; the size of `bytes` when nowhere.
+std::size_t NextStart(std::string_view bytes, std::size_t from) {
+  const auto found = std::find_if(bytes.begin() + static_cast<std::ptrdiff_t>(from), bytes.end(), BeginsMessage);
+  return static_cast<std::size_t>(found - bytes.begin());
+}
+
+bool EndsStretch(char byte) {
+  return byte < 0x20 || byte > 0x7E;  // CR is one of these
+}
+
+// Characters from the first "/" on without CR that are too many: one more than the page allows.
+constexpr std::size_t kTooMany = 1108;
+
+}  // namespace
+
+void MessageReceiver::Feed(std::string_view bytes, Instant now) {
+  if (bytes.empty()) return;
+  if (mStart != 0) {
+    mBytes.erase(0, mStart);
+    mStart = 0;
+  }
+  mBytes += bytes;
+  mLastArrival = now;
+}
+
+std::optional<Received> MessageReceiver::Next(Instant now) {
+  const std::string_view pending = std::string_view(mBytes).substr(mStart);
+  if (pending.empty()) return std::nullopt;
+  if (const std::size_t start = NextStart(pending, 0); start != 0) return UseUp(start, Received::Kind::Noise);
+  return pending.front() == kFrameStart ? NextFrame(pending) : NextBlock(pending, now);
+}
+
+void MessageReceiver::Clear() {
+  mBytes.clear();
+  mStart = 0;
+  mLooked = 0;
+}
+
+std::optional<Received> MessageReceiver::NextFrame(std::string_view pending) {
+  const std::string_view looked = pending.substr(0, kTooMany);
+  const auto end = std::find_if(looked.begin() + static_cast<std::ptrdiff_t>(mLooked), looked.end(), EndsStretch);
+  mLooked = static_cast<std::size_t>(end - looked.begin());
+  const std::size_t length = mLooked;
+  if (end == looked.end()) {
+    if (looked.size() < kTooMany) return std::nullopt;
+    return UseUp(NextStart(pending, 1), Received::Kind::TooLong);
+  }
+  if (*end != kFrameEnd) return UseUp(length, Received::Kind::Noise);
+
+  const std::optional<AsciiFrame> frame = FindFrame(looked.substr(0, length));
+  Received received = UseUp(length + 1, frame ? Received::Kind::Frame : Received::Kind::BadCheck);
+  if (frame) received.frame = *frame;
+  return received;
+}
+
+std::optional<Received> MessageReceiver::NextBlock(std::string_view pending, Instant now) {
+  // A second byte that is wrong settles the head at once: there is nothing to wait for.
+  if (pending.size() > 1 && pending[1] != kBlockSecond) return UseUp(1, Received::Kind::BadHead);
+
+  const bool isIdle = now - mLastArrival >= kIdle;
+  const auto incomplete = [&]() -> std::optional<Received> {
+    if (isIdle) return UseUp(1, Received::Kind::Cut);
+    return std::nullopt;
+  };
+  if (pending.size() < kBlockHead) return incomplete();
+  const std::optional<std::size_t> length = ReplyPayloadLength(pending);
+  if (!length) return UseUp(1, Received::Kind::BadHead);
+  const std::size_t whole = kBlockHead + *length + kBlockCheck;
+  if (pending.size() < whole) return incomplete();
+
+  const std::optional<BlockMessage> block = DecodeBlockReply(pending.substr(0, whole));
+  if (!block) return UseUp(1, Received::Kind::BadCheck);
+  Received received = UseUp(whole, Received::Kind::Block);
+  received.block = *block;
+  return received;
+}
+
+Received MessageReceiver::UseUp(std::size_t count, Received::Kind kind) {
+  const std::string_view bytes = std::string_view(mBytes).substr(mStart, count);
+  mStart += count;
+  mLooked -= std::min(mLooked, count);
+  return {.kind = kind, .bytes = bytes, .frame = {}, .block = {}};
+}
+
+}  // namespace kv

@@ -1,0 +1,244 @@
+#include "KvCmDrv1/wire/Replies.h"
+
+#include <algorithm>
+
+#include "KvCmDrv1/wire/BlockCodec.h"
+#include "KvCmDrv1/wire/HexDigits.h"
+#include "KvCmDrv1/wire/Requests.h"
+#include "base/Bytes.h"
+
+namespace kv {
+namespace {
+
+constexpr std::size_t kLetters = 2;
+
+FieldReader Begin(std::string_view reply, std::string_view letters, std::uint16_t tag) {
+  FieldReader reader(reply);
+  reader.Expect(letters);
+  reader.ExpectHex(tag, kTagDigits);
+  return reader;
+}
+
+void ExpectRange(FieldReader& reader, const OperandRange& range) {
+  reader.ExpectHex(static_cast<std::uint32_t>(range.type->code), 2);
+  reader.ExpectHex(range.start, 4);
+  reader.ExpectHex(range.count, 4);
+}
+
+// One number of a reply, and the check that a bit is one.
+void AddHex(FieldReader& reader, OperandListValues& values, std::size_t digits) {
+  values.push_back(reader.Hex(digits));
+}
+
+void AddHexBit(FieldReader& reader, OperandListValues& values) {
+  AddHex(reader, values, 2);
+  if (values.back() > 1) reader.Fail();
+}
+
+void AddHexOperand(FieldReader& reader, OperandListValues& values, OperandShape shape) {
+  switch (shape) {
+    case OperandShape::Bit:
+      AddHexBit(reader, values);
+      return;
+    case OperandShape::Word:
+    case OperandShape::Long:
+      AddHex(reader, values, DigitsOf(shape));
+      return;
+    case OperandShape::Timer:
+    case OperandShape::Counter: {
+      const std::size_t digits = shape == OperandShape::Timer ? 8 : 4;
+      AddHex(reader, values, digits);
+      AddHex(reader, values, digits);
+      AddHexBit(reader, values);
+      return;
+    }
+  }
+}
+
+// Takes binary values from the front of a payload that is known to be long enough.
+class PayloadReader {
+ public:
+  explicit PayloadReader(std::string_view payload) : mRest(payload) {}
+
+  std::uint32_t Number(std::size_t bytes) {
+    const std::uint32_t value = LittleEndian(mRest.substr(0, bytes));
+    mRest.remove_prefix(bytes);
+    return value;
+  }
+
+ private:
+  std::string_view mRest;
+};
+
+std::size_t PayloadBytes(const OperandRange& range) {
+  const std::size_t count = range.count;
+  switch (range.type->shape) {
+    case OperandShape::Bit:
+      return (count + 7) / 8;
+    case OperandShape::Word:
+      return 2 * count;
+    case OperandShape::Long:
+      return 4 * count;
+    case OperandShape::Timer:
+      return 9 * count;
+    case OperandShape::Counter:
+      return 5 * count;
+  }
+  return 0;
+}
+
+// False when the bits that fill the last byte are not 0.
+bool TakeBits(PayloadReader& reader, std::size_t count, OperandListValues& values) {
+  std::uint32_t byte = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i % 8 == 0) byte = reader.Number(1);
+    values.push_back(byte & 1U);
+    byte >>= 1;
+  }
+  return count % 8 == 0 || byte == 0;
+}
+
+// False when a timer's or counter's bit is none.
+bool TakeTriple(PayloadReader& reader, std::size_t bytes, OperandListValues& values) {
+  values.push_back(reader.Number(bytes));
+  values.push_back(reader.Number(bytes));
+  values.push_back(reader.Number(1));
+  return values.back() <= 1;
+}
+
+bool TakeRange(PayloadReader& reader, const OperandRange& range, OperandListValues& values) {
+  const OperandShape shape = range.type->shape;
+  values.reserve(range.count * NumbersOf(shape));
+  if (shape == OperandShape::Bit) return TakeBits(reader, range.count, values);
+  bool good = true;
+  for (int i = 0; i < range.count; ++i) {
+    switch (shape) {
+      case OperandShape::Timer:
+        good &= TakeTriple(reader, 4, values);
+        break;
+      case OperandShape::Counter:
+        good &= TakeTriple(reader, 2, values);
+        break;
+      case OperandShape::Word:
+        values.push_back(reader.Number(2));
+        break;
+      default:
+        values.push_back(reader.Number(4));
+        break;
+    }
+  }
+  return good;
+}
+
+}  // namespace
+
+std::optional<int> ReadRefusal(std::string_view reply, std::string_view request) {
+  FieldReader reader(reply);
+  reader.Expect(request.substr(0, kLetters));
+  reader.Expect("ERROR");
+  const std::uint32_t code = reader.Hex(2);
+  if (!reader.GoodToTheEnd() || code == 0) return std::nullopt;
+  return static_cast<int>(code);
+}
+
+bool EchoesTag(std::string_view reply, std::string_view request) {
+  constexpr std::size_t kEcho = kLetters + kTagDigits;
+  return reply.size() >= kEcho && reply.substr(0, kEcho) == request.substr(0, kEcho);
+}
+
+std::optional<VersionInfo> ReadIdentification(std::string_view reply) {
+  FieldReader reader(reply);
+  reader.Expect("ID");
+  if (!reader.Good() || std::ranges::count(reader.Rest(), '|') != 3) return std::nullopt;
+  std::string_view rest = reader.Rest();
+  const auto next = [&rest] {
+    const std::size_t end = std::min(rest.find('|'), rest.size());
+    std::string field(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    return field;
+  };
+  VersionInfo info;
+  info.model = next();
+  info.hardwareCode = next();
+  info.osVersion = next();
+  info.osBuild = next();
+  return info;
+}
+
+std::optional<Channel::ControllerInfo> ReadInformation(std::string_view reply, std::uint16_t tag) {
+  constexpr std::string_view kStates = "RSBL";
+  constexpr std::size_t kLongestName = 20;
+  FieldReader reader = Begin(reply, "IN", tag);
+  Channel::ControllerInfo info;
+  info.serialNumber = reader.Hex(8);
+  const std::string_view state = reader.Take(1);
+  const std::string_view name = reader.Rest();
+  if (!reader.Good() || kStates.find(state) == std::string_view::npos || name.size() > 2 * kLongestName) {
+    return std::nullopt;
+  }
+  Bytes bytes(name.size() / 2);
+  if (!HexToBytes(name, bytes)) return std::nullopt;
+  info.state = state.front();
+  info.projectName.assign(bytes.begin(), bytes.end());
+  return info;
+}
+
+bool ReadsAccessGiven(std::string_view reply, std::uint16_t tag) {
+  FieldReader reader = Begin(reply, "AC", tag);
+  reader.Expect("OK");
+  return reader.GoodToTheEnd();
+}
+
+std::optional<OperandListValues> ReadOperandValues(std::string_view reply, std::uint16_t tag,
+                                                   const OperandRange& range) {
+  FieldReader reader = Begin(reply, "RO", tag);
+  ExpectRange(reader, range);
+  const OperandShape shape = range.type->shape;
+  if (!reader.Good() || reader.Rest().size() != range.count * DigitsOf(shape)) return std::nullopt;
+  OperandListValues values;
+  values.reserve(range.count * NumbersOf(shape));
+  for (int i = 0; i < range.count; ++i) AddHexOperand(reader, values, shape);
+  if (!reader.GoodToTheEnd()) return std::nullopt;
+  return values;
+}
+
+bool ReadsWriteDone(std::string_view reply, std::uint16_t tag, const OperandRange& range) {
+  FieldReader reader = Begin(reply, "WO", tag);
+  ExpectRange(reader, range);
+  reader.Expect("OK");
+  return reader.GoodToTheEnd();
+}
+
+bool ReadMemoryBytes(std::string_view reply, std::uint16_t tag, std::uint32_t address, std::span<std::uint8_t> bytes) {
+  FieldReader reader = Begin(reply, "RM", tag);
+  reader.ExpectHex(address, 8);
+  reader.ExpectHex(static_cast<std::uint32_t>(bytes.size()), 4);
+  return reader.Good() && HexToBytes(reader.Rest(), bytes);
+}
+
+std::optional<StepReply> ReadStep(std::string_view reply, std::uint16_t tag) {
+  constexpr std::size_t kKept = 40;
+  FieldReader reader = Begin(reply, "SY", tag);
+  StepReply step;
+  step.counter = static_cast<std::uint16_t>(reader.Hex(4));
+  step.check = reader.Hex(8);
+  step.reply = reader.Rest();
+  if (!reader.Good() || step.reply.size() > kKept) return std::nullopt;
+  return step;
+}
+
+std::optional<std::vector<OperandListValues>> ReadListPayload(std::string_view payload,
+                                                              std::span<const OperandRange> ranges) {
+  std::size_t expected = 0;
+  for (const OperandRange& range : ranges) expected += PayloadBytes(range);
+  if (payload.size() != expected) return std::nullopt;
+
+  PayloadReader reader(payload);
+  std::vector<OperandListValues> lists(ranges.size());
+  for (std::size_t i = 0; i < ranges.size(); ++i) {
+    if (!TakeRange(reader, ranges[i], lists[i])) return std::nullopt;
+  }
+  return lists;
+}
+
+}  // namespace kv

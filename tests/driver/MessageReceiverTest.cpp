@@ -1,0 +1,169 @@
+#include "KvCmDrv1/wire/MessageReceiver.h"
+
+#include <gtest/gtest.h>
+
+#include "KvCmDrv1/wire/Seal.h"
+#include "base/Crc32.h"
+
+namespace kv {
+namespace {
+
+using Kind = Received::Kind;
+using namespace std::chrono_literals;
+
+std::string Frame(std::string_view text) {
+  std::string frame;
+  EXPECT_EQ(EncodeFrame(1, text, frame), TextFault::None);
+  return frame;
+}
+
+// A good reply message with this payload.
+std::string Block(std::string_view payload) {
+  std::string bytes("\xB4\x4B\x01\x02\x01\x0A\x05\x00\x01\x01\0\0\0\0\0\0\0\0\0\0\0\0", 22);
+  AppendLittleEndian(bytes, static_cast<std::uint32_t>(payload.size()), 4);
+  AppendLittleEndian(bytes, Crc32(bytes) & 0xFFFFU, 2);
+  bytes += payload;
+  AppendLittleEndian(bytes, Crc32(bytes), 4);
+  return bytes;
+}
+
+std::string Damaged(std::string bytes, std::size_t at) {
+  bytes[at] = static_cast<char>(bytes[at] ^ 1);
+  return bytes;
+}
+
+std::string Finds(MessageReceiver& receiver, Instant now) {
+  std::string finds;
+  while (const auto received = receiver.Next(now)) {
+    switch (received->kind) {
+      case Kind::Frame:
+        finds += "[" + std::string(received->frame.text) + "]";
+        break;
+      case Kind::Block:
+        finds += "{" + std::string(received->block.payload) + "}";
+        break;
+      case Kind::BadCheck:
+        finds += "c";
+        break;
+      case Kind::BadHead:
+        finds += "h";
+        break;
+      case Kind::Cut:
+        finds += "x";
+        break;
+      case Kind::TooLong:
+        finds += "l";
+        break;
+      case Kind::Noise:
+        finds += "n";
+        break;
+    }
+  }
+  return finds;
+}
+
+TEST(MessageReceiver, FindsWhatIsGoodInWhatIsNot) {
+  const std::string good = Frame("AB12");
+  const std::string block = Block("data");
+  const struct {
+    const char* what;
+    std::string bytes;
+    const char* finds;
+  } cases[] = {
+      {"noise before a frame", "\x01\xFFxy" + good, "n[AB12]"},
+      {"an empty line", "\r\r" + good, "n[AB12]"},
+      {"a frame that was cut, then a good one", good.substr(0, 5) + good, "[AB12]"},
+      {"a damaged character", Damaged(good, 4) + good, "c[AB12]"},
+      {"a damaged end joins two lines", Frame("ZZ").substr(0, 7) + " " + good, "[AB12]"},
+      {"a control character inside", "/01A\nB" + good, "nn[AB12]"},
+      {"a start and nothing else", "/\r" + good, "c[AB12]"},
+      {"two frames at once", good + good, "[AB12][AB12]"},
+      {"a slash inside the text", Frame("GI/x/y"), "[GI/x/y]"},
+      {"lower-case check",
+       "/01ID"
+       "ee\r" +
+           good,
+       "c[AB12]"},
+      {"a block message behind a cut frame", good.substr(0, 6) + block, "n{data}"},
+      {"a lone block start before a frame", "\xB4" + good, "h[AB12]"},
+      {"a block message with a damaged head", Damaged(block, 9) + good, "hn[AB12]"},
+      {"a block message with a damaged payload", Damaged(block, 29) + good, "cn[AB12]"},
+      {"a frame inside a block's payload stays inside", Block(good), nullptr},
+      {"a block start inside a block's payload", Block("\xB4\x4B\x01"), nullptr},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    MessageReceiver receiver;
+    receiver.Feed(c.bytes, Instant{});
+    const std::string finds = Finds(receiver, Instant{});
+    if (c.finds != nullptr) {
+      EXPECT_EQ(finds, c.finds);
+    } else {
+      EXPECT_EQ(finds, "{" + c.bytes.substr(kBlockHead, c.bytes.size() - kBlockHead - kBlockCheck) + "}");
+    }
+    EXPECT_TRUE(receiver.IsEmpty());
+  }
+}
+
+TEST(MessageReceiver, GivesUpABlockMessageThatStopsArriving) {
+  const std::string good = Frame("AB12");
+  for (const std::size_t arrived : {std::size_t{2}, std::size_t{27}, std::size_t{28}, std::size_t{33}}) {
+    MessageReceiver receiver;
+    receiver.Feed(Block("data").substr(0, arrived), Instant{});
+    EXPECT_EQ(Finds(receiver, Instant(99ms)), "");
+    EXPECT_EQ(Finds(receiver, Instant(100ms)), arrived > 1 ? "xn" : "x") << arrived;
+    receiver.Feed(good, Instant(101ms));
+    EXPECT_EQ(Finds(receiver, Instant(101ms)), "[AB12]") << arrived;
+  }
+}
+
+TEST(MessageReceiver, AnnouncedLengthCannotBeBeyondAReply) {
+  std::string head("\xB4\x4B\x01\x02\x01\x0A\x05\x00\x01\x01\0\0\0\0\0\0\0\0\0\0\0\0", 22);
+  AppendLittleEndian(head, kMaxReplyPayload + 1, 4);
+  AppendLittleEndian(head, Crc32(head) & 0xFFFFU, 2);
+  MessageReceiver receiver;
+  receiver.Feed(head, Instant{});
+  EXPECT_EQ(Finds(receiver, Instant{})[0], 'h');
+}
+
+TEST(MessageReceiver, EndlessCharactersAreDroppedAndTheNextFrameFound) {
+  const std::string longest = Frame(std::string(kMaxFrameText, 'x'));
+  MessageReceiver receiver;
+  receiver.Feed("/" + std::string(5000, 'y') + longest, Instant{});
+  EXPECT_EQ(Finds(receiver, Instant{}), "l[" + std::string(kMaxFrameText, 'x') + "]");
+  receiver.Feed(std::string(100000, '/'), Instant{});
+  EXPECT_EQ(Finds(receiver, Instant{}), std::string(100000 - 1107, 'l'));
+  receiver.Feed(longest, Instant{});
+  EXPECT_TRUE(Finds(receiver, Instant{}).ends_with("[" + std::string(kMaxFrameText, 'x') + "]"));
+}
+
+TEST(EncodeFrame, RefusesWhatAReceiverWouldMisread) {
+  std::string frame;
+  EXPECT_EQ(EncodeFrame(1, "", frame), TextFault::Empty);
+  EXPECT_EQ(EncodeFrame(1, std::string(kMaxFrameText + 1, 'x'), frame), TextFault::TooLong);
+  EXPECT_EQ(EncodeFrame(1, "A\rB", frame), TextFault::BadCharacter);
+  EXPECT_EQ(EncodeFrame(1, "A\x7F", frame), TextFault::BadCharacter);
+
+  // A text with a tail that ends in the very checksum of the frame around it: one of the 256 two-character fillings.
+  int refused = 0;
+  for (int filling = 0; filling < 95 * 95; ++filling) {
+    const std::string text =
+        std::string(1, static_cast<char>(0x20 + filling / 95)) + static_cast<char>(0x20 + filling % 95) + "/01ID";
+    if (EncodeFrame(1, text, frame) != TextFault::TailIsFrame) continue;
+    ++refused;
+    EXPECT_TRUE(frame.empty());
+  }
+  EXPECT_GT(refused, 10);
+}
+
+TEST(Seal, CounterIsNewerOnlyAhead) {
+  const struct {
+    std::uint16_t counter, last;
+    bool isNewer;
+  } cases[] = {{2, 1, true},     {1, 1, false},     {1, 2, false},        {1, 65535, true},
+               {32768, 1, true}, {32769, 1, false}, {32766, 65534, true}, {65535, 1, false}};
+  for (const auto& c : cases) EXPECT_EQ(IsNewer(c.counter, c.last), c.isNewer) << c.counter << " after " << c.last;
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,116 @@
+#include "KvCmDrv1/wire/Replies.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace kv {
+namespace {
+
+OperandRange Range(std::int32_t code, int start, int count) {
+  return {FindOperandType(code), static_cast<std::uint16_t>(start), static_cast<std::uint16_t>(count)};
+}
+
+std::string Joined(const std::optional<OperandListValues>& values) {
+  if (!values) return "none";
+  std::string text;
+  for (const std::uint32_t value : *values) text += std::to_string(value) + " ";
+  return text;
+}
+
+TEST(Replies, OperandValuesOfEveryShape) {
+  const struct {
+    const char* reply;
+    OperandRange range;
+    const char* values;
+  } cases[] = {
+      {"RO0004010000000400010001", Range(1, 0, 4), "0 1 0 1 "},
+      {"RO0005030064000300007FFFFFFF", Range(3, 100, 3), "0 32767 65535 "},
+      {"RO00060500000002800000000001E240", Range(5, 0, 2), "2147483648 123456 "},
+      {"RO00080B00000001000003E8000000FA01", Range(11, 0, 1), "1000 250 1 "},
+      {"RO00090C000200010064000700", Range(12, 2, 1), "100 7 0 "},
+      {"RO0004010000000400010002", Range(1, 0, 4), "none"},  // a bit of 2
+      {"RO00090C000200010064000702", Range(12, 2, 1), "none"},
+      {"RO0005030064000300007FFFFFFf", Range(3, 100, 3), "none"},  // lower case
+  };
+  for (const auto& c : cases) {
+    const auto tag = static_cast<std::uint16_t>(c.reply[5] - '0');
+    EXPECT_EQ(Joined(ReadOperandValues(c.reply, tag, c.range)), c.values) << c.reply;
+  }
+}
+
+// A reply that is off by one character anywhere, too short or too long must give nothing at all.
+TEST(Replies, NothingIsTakenFromAReplyThatDoesNotFit) {
+  Bytes memory(8);
+  const struct {
+    std::string reply;
+    std::function<bool(std::string_view)> takes;
+  } cases[] = {
+      {"RO0005030064000300007FFFFFFF",
+       [](std::string_view r) { return ReadOperandValues(r, 5, Range(3, 100, 3)).has_value(); }},
+      {"WO000B0300000002OK", [](std::string_view r) { return ReadsWriteDone(r, 11, Range(3, 0, 2)); }},
+      {"RM000F0030000000080001020304FFFE2F",
+       [&memory](std::string_view r) { return ReadMemoryBytes(r, 15, 0x300000, memory); }},
+      {"IN000112345678R", [](std::string_view r) { return ReadInformation(r, 1).has_value(); }},
+      {"AC0002OK", [](std::string_view r) { return ReadsAccessGiven(r, 2); }},
+      {"WOERROR04", [](std::string_view r) { return ReadRefusal(r, "WO000B").has_value(); }},
+  };
+  for (const auto& c : cases) {
+    EXPECT_TRUE(c.takes(c.reply)) << c.reply;
+    for (std::size_t at = 0; at < c.reply.size(); ++at) {
+      std::string damaged = c.reply;
+      damaged[at] = 'g';
+      EXPECT_FALSE(c.takes(damaged)) << damaged;
+      EXPECT_FALSE(c.takes(c.reply.substr(0, at))) << c.reply.substr(0, at);
+    }
+    EXPECT_FALSE(c.takes(c.reply + "0")) << c.reply;
+  }
+  ASSERT_TRUE(ReadMemoryBytes(cases[2].reply, 15, 0x300000, memory));
+  EXPECT_EQ(memory, (Bytes{0x00, 0x01, 0x02, 0x03, 0x04, 0xFF, 0xFE, 0x2F}));
+}
+
+TEST(Replies, Identification) {
+  const VersionInfo expected{"K670-67-T40 / K390", "20", "HW 1.0;BT 1.2;FL 2.0;O/S 1.10;", "B07;"};
+  EXPECT_EQ(ReadIdentification("IDK670-67-T40 / K390|20|HW 1.0;BT 1.2;FL 2.0;O/S 1.10;|B07;"), expected);
+  EXPECT_EQ(ReadIdentification("IDQ50|||"), (VersionInfo{"Q50", "", "", ""}));
+  for (const char* wrong : {"IDQ50||", "IDQ50||||", "DIQ50|||", ""}) EXPECT_FALSE(ReadIdentification(wrong)) << wrong;
+}
+
+TEST(Replies, InformationAndStep) {
+  const auto info = ReadInformation("IN000012345678S50756D702031", 0);
+  ASSERT_TRUE(info);
+  EXPECT_EQ(info->serialNumber, 0x12345678U);
+  EXPECT_EQ(info->state, 'S');
+  EXPECT_EQ(info->projectName, "Pump 1");
+  EXPECT_FALSE(ReadInformation("IN000012345678S" + std::string(42, '4'), 0)) << "a name of 21 bytes";
+  EXPECT_FALSE(ReadInformation("IN000012345678S504", 0)) << "half a byte";
+
+  const auto step = ReadStep("SY000C0012ED3ED2DEWO000B0300000002OK", 12);
+  ASSERT_TRUE(step);
+  EXPECT_EQ(step->counter, 0x12);
+  EXPECT_EQ(step->check, 0xED3ED2DEU);
+  EXPECT_EQ(step->reply, "WO000B0300000002OK");
+  EXPECT_FALSE(ReadStep("SY000C0012ED3ED2DE" + std::string(41, 'x'), 12));
+  EXPECT_FALSE(ReadStep("SY000C0012ED3ED2DE", 13));
+}
+
+TEST(Replies, OperandListPayload) {
+  const std::vector<OperandRange> ranges = {Range(1, 0, 10), Range(3, 0, 1), Range(11, 0, 1), Range(12, 0, 1)};
+  std::string payload("\x05\x02\xFE\xFF\xE8\x03\0\0\xFA\0\0\0\x01\x64\0\x07\0\0", 18);
+  const auto lists = ReadListPayload(payload, ranges);
+  ASSERT_TRUE(lists);
+  EXPECT_EQ(Joined(lists->at(0)), "1 0 1 0 0 0 0 0 0 1 ");
+  EXPECT_EQ(Joined(lists->at(1)), "65534 ");
+  EXPECT_EQ(Joined(lists->at(2)), "1000 250 1 ");
+  EXPECT_EQ(Joined(lists->at(3)), "100 7 0 ");
+  EXPECT_FALSE(ReadListPayload(payload + '\0', ranges));
+  EXPECT_FALSE(ReadListPayload(payload.substr(1), ranges));
+  payload[1] = '\x06';  // a bit that belongs to no operand
+  EXPECT_FALSE(ReadListPayload(payload, ranges));
+  payload[1] = '\x02';
+  payload[12] = '\x02';  // a timer's bit of 2
+  EXPECT_FALSE(ReadListPayload(payload, ranges));
+}
+
+}  // namespace
+}  // namespace kv
