@@ -22,11 +22,23 @@ if(KV_SANITIZE)
   target_link_options(kv_options INTERFACE -fsanitize=${KV_SANITIZE})
 endif()
 
+if(KV_FUZZ)
+  target_compile_options(kv_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # kv_room(<target> SOURCES ... [ON rooms or libraries that this one stands on])
 function(kv_room target)
   cmake_parse_arguments(ARG "" "" "SOURCES;ON" ${ARGN})
   add_library(${target} STATIC ${ARG_SOURCES})
   target_link_libraries(${target} PUBLIC kv_options ${ARG_ON})
+  set_property(GLOBAL APPEND PROPERTY KV_ROOMS ${target})
+endfunction()
+
+# kv_engines(<variable>): every room that knows no window, for benchmarks and fuzz targets, which may use them all.
+function(kv_engines variable)
+  get_property(rooms GLOBAL PROPERTY KV_ROOMS)
+  list(FILTER rooms EXCLUDE REGEX "_ui$|^kv_host_library$")
+  set(${variable} ${rooms} PARENT_SCOPE)
 endfunction()
 
 # kv_program(<target> SOURCES ... [ON ...])
