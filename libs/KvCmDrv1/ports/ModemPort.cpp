@@ -1,0 +1,200 @@
+#include "KvCmDrv1/ports/ModemPort.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace kv {
+namespace {
+
+using std::chrono::seconds;
+
+constexpr Duration kSlice = std::chrono::milliseconds(10);
+constexpr Duration kAnswerTime = seconds(3);  // a modem answers a command at once, a reset within a second or two
+constexpr Duration kGuardTime = seconds(1);   // silence before and after the escape
+constexpr std::size_t kLongestLine = 1024;    // no answer of a modem is longer
+constexpr std::string_view kCarrierLoss = "\r\nNO CARRIER\r\n";
+
+}  // namespace
+
+// How a modem's answers are spelt and what they mean to the user. "%" stands for the number or the command.
+struct ModemPort::AnswerText {
+  Answer answer;
+  std::string_view line;  // what a line begins with; empty: not an answer of the modem
+  const char* happened;
+  const char* cause;
+  const char* cure;
+
+  static const std::array<AnswerText, 9> kTable;
+};
+
+const std::array<ModemPort::AnswerText, 9> ModemPort::AnswerText::kTable{{
+    {Answer::Busy, "BUSY", "% is engaged", "another call to the controller's modem is under way", "dial again later"},
+    {Answer::NoCarrier, "NO CARRIER", "the call to % found no modem",
+     "the other side hung up, is not a modem, or the line is bad", "check the number and the modem at the controller"},
+    {Answer::NoDialTone, "NO DIALTONE", "the modem hears no dial tone",
+     "it is not plugged into the telephone line, or the exchange wants a prefix first",
+     "check the telephone cable, and whether outside calls need a prefix such as \"0,\""},
+    {Answer::NoDialTone, "NO DIAL TONE", "the modem hears no dial tone",
+     "it is not plugged into the telephone line, or the exchange wants a prefix first",
+     "check the telephone cable, and whether outside calls need a prefix such as \"0,\""},
+    {Answer::NoAnswer, "NO ANSWER", "% does not answer", "the controller's modem is switched off or does not pick up",
+     "check the number and the modem at the controller"},
+    {Answer::Error, "ERROR", "the modem refused the command \"%\"", "it does not know this command",
+     "check init text and number in the modem settings against the modem's manual"},
+    {Answer::Silence, "", "the modem does not answer \"%\"",
+     "it is switched off, on another port, or set to another speed", "check power, port and speed of the modem"},
+    {Answer::Stopped, "", "connecting by modem was stopped", "it was asked to end", "connect again"},
+    {Answer::Lost, "", "the port of the modem is gone", "its adapter was unplugged",
+     "plug it in again, then connect again"},
+}};
+
+ModemPort::ModemPort(std::unique_ptr<Port> line, ModemSettings settings, Pacer& pacer)
+    : mLine(std::move(line)), mSettings(std::move(settings)), mPacer(pacer) {}
+
+ModemPort::~ModemPort() {
+  ModemPort::Close();
+}
+
+std::expected<void, PortError> ModemPort::Open(Duration limit) {
+  Close();
+  mLoss = {};
+  mReceived.clear();
+  mTail.clear();
+  const Instant start = mPacer.Now();
+  if (auto opened = mLine->Open(limit); !opened) return opened;
+  if (auto failure = SetUpAndDial(limit - (mPacer.Now() - start))) {
+    mLine->Close();
+    return std::unexpected(std::move(*failure));
+  }
+  mIsOnline = true;
+  return {};
+}
+
+std::optional<PortError> ModemPort::SetUpAndDial(Duration limit) {
+  const Instant deadline = mPacer.Now() + limit;
+  for (const std::string& command : {std::string("ATZ"), mSettings.init}) {
+    if (command.empty()) continue;
+    const auto answer = Ask(command, "OK", std::min<Duration>(kAnswerTime, deadline - mPacer.Now()));
+    if (answer != Answer::Awaited) return ErrorOf(answer, command);
+  }
+  const std::string dialling = (mSettings.isPulse ? "ATDP" : "ATDT") + mSettings.number;
+  const auto answer = Ask(dialling, "CONNECT", mSettings.dialTimeOut);
+  if (answer == Answer::Awaited) return std::nullopt;
+  if (answer == Answer::Error) return ErrorOf(answer, dialling);
+  if (answer == Answer::Silence || answer == Answer::Stopped) {
+    (void)Send("\r", mPacer.Now() + kAnswerTime);  // any character calls the dialling off
+  }
+  return ErrorOf(answer == Answer::Silence ? Answer::NoAnswer : answer, mSettings.number);
+}
+
+ModemPort::Answer ModemPort::Ask(const std::string& command, std::string_view awaited, Duration limit, Stops stops) {
+  const Instant deadline = mPacer.Now() + limit;
+  mReceived.clear();
+  if (!Send(command + "\r", deadline)) return mLine->IsOpen() ? Answer::Silence : Answer::Lost;
+  return AwaitLine(awaited, deadline, stops);
+}
+
+bool ModemPort::Send(std::string_view bytes, Instant deadline) {
+  while (!bytes.empty()) {
+    if (mLine->Write(bytes, kSlice) == Result::Lost || mPacer.Now() >= deadline) return bytes.empty();
+  }
+  return true;
+}
+
+ModemPort::Answer ModemPort::AwaitLine(std::string_view awaited, Instant deadline, Stops stops) {
+  for (;;) {
+    while (const auto line = TakeLine()) {
+      if (line->starts_with(awaited)) return Answer::Awaited;
+      for (const auto& text : AnswerText::kTable) {
+        if (!text.line.empty() && line->starts_with(text.line)) return text.answer;
+      }
+    }
+    if (stops == Stops::Heeded && mPacer.StopRequested()) return Answer::Stopped;
+    if (mPacer.Now() >= deadline) return Answer::Silence;
+    if (mLine->Read(mReceived, kSlice) == Result::Lost) return Answer::Lost;
+  }
+}
+
+// Takes the next line that holds anything; what is behind its end stays.
+std::optional<std::string> ModemPort::TakeLine() {
+  mReceived.erase(0, std::min(mReceived.find_first_not_of("\r\n"), mReceived.size()));
+  const auto end = mReceived.find_first_of("\r\n");
+  if (end == std::string::npos) {
+    if (mReceived.size() > kLongestLine) mReceived.clear();
+    return std::nullopt;
+  }
+  auto line = mReceived.substr(0, end);
+  mReceived.erase(0, mReceived.compare(end, 2, "\r\n") == 0 ? end + 2 : end + 1);
+  return line;
+}
+
+PortError ModemPort::ErrorOf(Answer answer, const std::string& subject) const {
+  const auto found = std::find_if(AnswerText::kTable.begin(), AnswerText::kTable.end(),
+                                  [answer](const AnswerText& text) { return text.answer == answer; });
+  std::string happened = found->happened;
+  if (const auto place = happened.find('%'); place != std::string::npos) happened.replace(place, 1, subject);
+  if (answer == Answer::Lost && !mLine->LossReason().happened.empty()) return mLine->LossReason();
+  return {happened, found->cause, found->cure};
+}
+
+void ModemPort::Close() {
+  if (mIsOnline) HangUp();
+  mIsOnline = false;
+  mLine->Close();
+}
+
+// The modem takes "+++" for a wish to command it only with silence around it.
+void ModemPort::HangUp() {
+  mPacer.Sleep(kGuardTime);
+  mReceived.clear();
+  const Instant deadline = mPacer.Now() + kAnswerTime;
+  if (!Send("+++", deadline)) return;
+  if (AwaitLine("OK", deadline, Stops::Ignored) == Answer::Lost) return;
+  (void)Ask("ATH", "OK", kAnswerTime, Stops::Ignored);  // without an answer the closing line drops the call
+}
+
+Port::Result ModemPort::Write(std::string_view& bytes, Duration slice) {
+  if (!mIsOnline) return Result::Lost;
+  const auto result = mLine->Write(bytes, slice);
+  return result == Result::Lost ? Lose(mLine->LossReason()) : result;
+}
+
+Port::Result ModemPort::Read(std::string& buffer, Duration slice) {
+  if (!mIsOnline) return Result::Lost;
+  const std::size_t start = buffer.size();
+  auto result = Result::Done;
+  if (mReceived.empty()) {
+    result = mLine->Read(buffer, slice);
+  } else {
+    buffer += std::exchange(mReceived, {});
+  }
+  if (result == Result::Lost) return Lose(mLine->LossReason());
+  if (result == Result::Done && HeardCarrierLoss(std::string_view(buffer).substr(start))) {
+    return Lose({"the telephone connection to " + mSettings.number + " broke",
+                 "the other side hung up, or the line was cut", "dial again"});
+  }
+  return result;
+}
+
+// The modem says it in the middle of the data, perhaps in pieces. No ASCII frame holds a line feed, so it cannot be
+// data.
+bool ModemPort::HeardCarrierLoss(std::string_view bytes) {
+  mTail += bytes;
+  if (mTail.find(kCarrierLoss) != std::string::npos) return true;
+  if (mTail.size() >= kCarrierLoss.size()) mTail.erase(0, mTail.size() - kCarrierLoss.size() + 1);
+  return false;
+}
+
+Port::Result ModemPort::Lose(PortError reason) {
+  mLoss = std::move(reason);
+  mIsOnline = false;
+  mLine->Close();
+  return Result::Lost;
+}
+
+std::string ModemPort::Description() const {
+  return mLine->Description() + ", modem " + mSettings.number;
+}
+
+}  // namespace kv

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "KvCmDrv1/LinkSettings.h"
+#include "KvCmDrv1/ports/Port.h"
+#include "desktop/Pacer.h"
+
+namespace kv {
+
+// A modem on another port: set up, dialled and hung up with AT commands, a plain line between.
+class ModemPort final : public Port {
+ public:
+  // `line`: the port that the modem is on. `pacer` must outlive this port.
+  ModemPort(std::unique_ptr<Port> line, ModemSettings settings, Pacer& pacer);
+  ~ModemPort() override;
+
+  // `limit` is that of opening the line and setting the modem up; dialling has its own in the settings.
+  [[nodiscard]] std::expected<void, PortError> Open(Duration limit) override;
+  // Hangs up first, which takes two seconds with a modem that is well.
+  void Close() override;
+  [[nodiscard]] bool IsOpen() const override { return mIsOnline; }
+  [[nodiscard]] Result Write(std::string_view& bytes, Duration slice) override;
+  // "NO CARRIER" between the bytes is the loss of the connection.
+  [[nodiscard]] Result Read(std::string& buffer, Duration slice) override;
+  [[nodiscard]] const PortError& LossReason() const override { return mLoss; }
+  [[nodiscard]] Duration ByteTime() const override { return mLine->ByteTime(); }
+  [[nodiscard]] bool SetBaudRate(int baudRate) override { return mIsOnline && mLine->SetBaudRate(baudRate); }
+  [[nodiscard]] std::string Description() const override;
+  [[nodiscard]] int CommPort() const override { return mLine->CommPort(); }
+
+ private:
+  enum class Answer { Awaited, Busy, NoCarrier, NoDialTone, NoAnswer, Error, Silence, Stopped, Lost };
+  struct AnswerText;
+  enum class Stops { Heeded, Ignored };  // whether a stop request ends the wait
+
+  [[nodiscard]] std::optional<PortError> SetUpAndDial(Duration limit);
+  [[nodiscard]] Answer Ask(const std::string& command, std::string_view awaited, Duration limit,
+                           Stops stops = Stops::Heeded);
+  [[nodiscard]] bool Send(std::string_view bytes, Instant deadline);
+  [[nodiscard]] Answer AwaitLine(std::string_view awaited, Instant deadline, Stops stops);
+  [[nodiscard]] std::optional<std::string> TakeLine();
+  [[nodiscard]] PortError ErrorOf(Answer answer, const std::string& subject) const;
+  void HangUp();
+  [[nodiscard]] Result Lose(PortError reason);
+  [[nodiscard]] bool HeardCarrierLoss(std::string_view bytes);
+
+  std::unique_ptr<Port> mLine;
+  ModemSettings mSettings;
+  Pacer& mPacer;
+  bool mIsOnline = false;
+  std::string mReceived;  // from the modem, not yet taken; while online, what came right behind CONNECT
+  std::string mTail;      // the last bytes of the data, where a "NO CARRIER" may have begun
+  PortError mLoss;
+};
+
+}  // namespace kv
