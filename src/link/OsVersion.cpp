@@ -9,8 +9,14 @@ namespace {
 
 constexpr std::int64_t kLargestNumber = 999999999;
 
+std::string_view Trim(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
 std::optional<int> ParseVersionNumber(std::string_view text) {
-  const auto number = ParseInteger(text);
+  const auto number = ParseInteger(Trim(text));
   if (!number || *number < 0 || *number > kLargestNumber) return std::nullopt;
   return static_cast<int>(*number);
 }
@@ -25,19 +31,13 @@ std::optional<std::string_view> Part(std::string_view text, char separator, int 
   return text.substr(0, text.find(separator));
 }
 
-std::string_view Trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 }  // namespace
 
 std::optional<ColourOsVersion> ParseColourOsVersion(std::string_view osVersion) {
   constexpr std::size_t kLabel = 4;  // "O/S "
   const auto field = Part(osVersion, ';', 3);
   if (!field || field->size() <= kLabel) return std::nullopt;
-  const std::string_view version = Trim(field->substr(kLabel));
+  const std::string_view version = field->substr(kLabel);
   const auto minorText = Part(version, '.', 1);
   if (!minorText) return std::nullopt;
   const auto major = ParseVersionNumber(*Part(version, '.', 0));

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <expected>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "dataview/OperandTypes.h"
+#include "desktop/Prompts.h"
+#include "link/Channel.h"
+#include "link/LinkError.h"
+
+// Whether the O/S in the controller has all operands of the regions: an older one has fewer of them.
+namespace kv::mdlDataTypesView {
+
+inline constexpr std::string_view kRegionsNotSupportedMessage =
+    "Some of the defined regions are not supported by the O/S currently installed in the controller.";
+
+// Whether an O/S, as the controller reports its version, has the present operand counts: from 1.1 on for colour models
+// and the K230, from 3.00 on for all others. A version that cannot be read counts as older.
+[[nodiscard]] bool IsOsCurrent(std::string_view model, std::string_view osVersion);
+
+// Whether all regions end within what the controller has with this O/S. As with IsPastOperandCount, a region that ends
+// at the count itself passes.
+[[nodiscard]] bool AreRegionsSupported(std::string_view model, std::string_view osVersion,
+                                       std::span<const Region> regions);
+
+// Asks the controller for its version and judges. False: the message has been shown under `title`, and the operation
+// must not go on. An error: the controller did not tell its version; nothing has been shown.
+[[nodiscard]] std::expected<bool, LinkError> CheckOsSupport(Channel& channel, std::string_view model,
+                                                            std::span<const Region> regions, Prompts& prompts,
+                                                            const std::string& title);
+
+}  // namespace kv::mdlDataTypesView

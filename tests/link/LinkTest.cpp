@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "link/AsciiFrame.h"
+#include "link/ControllerErrorText.h"
+#include "link/HexHelpers.h"
+#include "link/LinkError.h"
+#include "link/OsVersion.h"
+#include "link/Reply.h"
+
+// clang-format off: the tables are laid out by hand
+namespace kv {
+namespace {
+
+TEST(AsciiFrame, CarriesUnitTextAndChecksum) {
+  EXPECT_EQ(BuildFrame(0, "ID"), "/00IDED\r");
+  EXPECT_EQ(BuildFrame(255, "ID"), "/FFID19\r");  // 70 + 70 + 73 + 68 = 0x119
+  EXPECT_EQ(BuildFrame(1, "A"), "/01AA2\r");
+  EXPECT_EQ(BuildFrame(0, "PP"), "/00PP00\r");  // 48 + 48 + 80 + 80 = 256
+  EXPECT_EQ(BuildFrame(0xAB, "\xFF\x01"),
+            "/AB\xFF\x01"
+            "83\r");
+}
+
+TEST(HexHelpers, TurnDigitPairsIntoBytesAndRefuseAnythingElse) {
+  EXPECT_EQ(HexStringToBytes("0A1"), Bytes({10}));
+  EXPECT_EQ(HexStringToBytes("00ff7FZ"), Bytes({0, 255, 127}));  // the odd last character is not looked at
+  EXPECT_EQ(HexStringToBytes(""), Bytes());
+  EXPECT_EQ(HexPairToByte("9c"), 0x9C);
+  for (const std::string bad : {"0G", " 1", "+1", "-1", "0x", "1", "123", ""}) EXPECT_FALSE(HexPairToByte(bad)) << bad;
+  EXPECT_FALSE(HexStringToBytes("00 1"));
+}
+
+TEST(CommandReply, GivesDataWithoutEchoAndChecksum) {
+  const std::vector<std::pair<std::string, std::string>> rows = {
+      {"DR5200ED", "5200"}, {"WDOK9A", "OK"}, {"IDE1", ""}, {"ID1", ""}, {"", ""}};
+  for (const auto& [text, data] : rows) EXPECT_EQ(CommandReply{.text = text}.Data(), data);
+  EXPECT_TRUE(CommandReply{.text = "ROERROR0473"}.IsError());
+  EXPECT_FALSE(CommandReply{.text = "WDOK9A"}.IsError());
+}
+
+TEST(LinkError, ReadsAsOneSentenceALine) {
+  const LinkError whole{.code = LinkErrorCode::NoReply,
+                        .doing = "reading MI 0..59",
+                        .happened = "no reply after 3 tries",
+                        .cause = "the controller is switched off",
+                        .cure = "check cable and power."};
+  EXPECT_EQ(whole.Text(),
+            "Reading MI 0..59 failed: no reply after 3 tries.\n"
+            "Likely cause: the controller is switched off.\n"
+            "What to do: check cable and power.");
+  LinkError bare;
+  bare.code = LinkErrorCode::Stopped;
+  bare.happened = "stopped by the user";
+  EXPECT_EQ(bare.Text(), "Stopped by the user.");
+  bare.doing = "opening COM3";
+  bare.happened.clear();
+  EXPECT_EQ(bare.Text(), "Opening COM3 failed.");
+  EXPECT_EQ(LinkError{}.Text(), "");
+}
+
+TEST(ControllerErrorText, StandsAtTheCodeOfTheProtocolPage) {
+  EXPECT_EQ(ControllerErrorText(0x01).meaning, "it does not know the command");
+  EXPECT_EQ(ControllerErrorText(0x05).meaning, "the operand is read-only");
+  EXPECT_EQ(ControllerErrorText(0x08).meaning, "the password is wrong");
+  EXPECT_EQ(ControllerErrorText(0x0A).meaning, "it is busy");
+  EXPECT_EQ(ControllerErrorText(0x0F).meaning, "the data do not belong together or are for another model");
+  for (const int code : {-1, 0, 0x10, 255}) {
+    EXPECT_EQ(ControllerErrorText(code).meaning, "it gave a code that this program does not know");
+  }
+}
+
+TEST(OsVersion, IsReadFromTheTextsThatControllersReport) {
+  using Version = std::optional<ColourOsVersion>;
+  const std::vector<std::pair<std::string, Version>> colour = {
+      {"HW 1.0;BT 1.2;FL 2.0;O/S 1.10;", ColourOsVersion{1, 10}}, {"a;b;c;O/S   2.3 ", ColourOsVersion{2, 3}},
+      {";;;xxxx1.0.7;more", ColourOsVersion{1, 0}}, {"a;b;O/S 1.10", {}}, {"a;b;c;O/S", {}}, {"a;b;c;O/S ", {}},
+      {"a;b;c;O/S 1", {}}, {"a;b;c;O/S 1.", {}}, {"a;b;c;O/S -1.5", {}}, {"a;b;c;O/S 9999999999.1", {}}, {"", {}}};
+  for (const auto& [text, version] : colour) EXPECT_EQ(ParseColourOsVersion(text), version) << text;
+  EXPECT_EQ((ColourOsVersion{1, 1}).Number(), 1001);
+
+  const std::vector<std::pair<std::string, std::optional<int>>> plain = {
+      {"4.60", 460}, {"2.9", 29}, {"10.1", 101}, {"3.0.0", 300}, {"B03", {}}, {"", {}}, {"12345678901.2", {}}};
+  for (const auto& [text, version] : plain) EXPECT_EQ(ParsePlainOsVersion(text), version) << text;
+}
+
+}  // namespace
+}  // namespace kv
