@@ -23,28 +23,28 @@ namespace kv {
 // The parameters of the link as one opaque value: saved with GetComParams, given back with SetComParams. Only the two
 // fields that tools may change have a name.
 struct ComParams {
-  std::string link;        // the driver's own text
-  int baudRate = 0;        // bits a second; 0 on a link without a rate
-  int mode = 0;            // 0 as set by the user, 1 while a boot loader's speed is being agreed
+  std::string link;  // the driver's own text
+  int baudRate = 0;  // bits a second; 0 on a link without a rate
+  int mode = 0;      // 0 as set by the user, 1 while a boot loader's speed is being agreed
   bool operator==(const ComParams&) const = default;
 };
 
 // Numbers about the quality of the link since it was opened.
 struct LinkQuality {
-  Duration roundTrip{};             // smoothed time from request to reply; 0 before the first
-  std::uint64_t exchanges = 0;      // requests that ended with an accepted reply (a refusal is one)
-  std::uint64_t repeats = 0;        // requests sent again
-  std::uint64_t errors = 0;         // requests that ended without one
+  Duration roundTrip{};         // smoothed time from request to reply; 0 before the first
+  std::uint64_t exchanges = 0;  // requests that ended with an accepted reply (a refusal is one)
+  std::uint64_t repeats = 0;    // requests sent again
+  std::uint64_t errors = 0;     // requests that ended without one
   std::uint64_t bytesSent = 0;
   std::uint64_t bytesReceived = 0;
 };
 
-// What tools ask of the controller. Every call sends one request and waits for its reply, within a total deadline; false or
-// nothing means failure, and LastError() says why until the next call. Values are handed back only when unit, echo,
-// length and check of the reply were right.
+// What tools ask of the controller. Every call sends one request and waits for its reply, within a total deadline;
+// false or nothing means failure, and LastError() says why until the next call. Values are handed back only when unit,
+// echo, length and check of the reply were right.
 //
-// Unit ids are 0 to 255. Addresses and counts of the typed operations are 16-bit as tools pass them; a negative start, a
-// count below 1, or one past what a request may carry is BadArgument and sends nothing.
+// Unit ids are 0 to 255. Addresses and counts of the typed operations are 16-bit as tools pass them; a negative start,
+// a count below 1, or one past what a request may carry is BadArgument and sends nothing.
 class Channel {
  public:
   virtual ~Channel() = default;

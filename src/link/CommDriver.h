@@ -11,10 +11,10 @@ namespace kv {
 
 // What the driver is told about the session that it serves.
 struct SessionLink {
-  std::string folder;           // the session's folder, UTF-8: the driver keeps its settings there
-  bool isCompactDriver = false; // IsCompactDriverModel of the model
-  bool isBrio = false;          // the upper-cased model is "BRIO"
-  bool isColour = false;        // IsColourModel of the model
+  std::string folder;                 // the session's folder, UTF-8: the driver keeps its settings there
+  bool isCompactDriver = false;       // IsCompactDriverModel of the model
+  bool isBrio = false;                // the upper-cased model is "BRIO"
+  bool isColour = false;              // IsColourModel of the model
   ListeningSocket* socket = nullptr;  // for controllers that dial in; may be null, must outlive the driver
 };
 

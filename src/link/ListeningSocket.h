@@ -5,8 +5,8 @@
 
 namespace kv {
 
-// An Ethernet socket that takes one incoming connection. A request closes the listening side and is then accepted on the
-// same socket; after the partner has gone it can be put back to listening.
+// An Ethernet socket that takes one incoming connection. A request closes the listening side and is then accepted on
+// the same socket; after the partner has gone it can be put back to listening.
 class ListeningSocket {
  public:
   enum class State { Closed, Listening, Requested, Connected };

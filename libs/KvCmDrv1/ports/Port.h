@@ -19,7 +19,8 @@ struct PortError {
 
 // A byte line to a controller. The channel cannot tell a serial line from TCP: all it sees is this.
 //
-// States: closed -> open -> lost (the other side has gone) -> closed. Read and Write on a port that is not open report Lost.
+// States: closed -> open -> lost (the other side has gone) -> closed. Read and Write on a port that is not open report
+// Lost.
 class Port {
  public:
   enum class Result { Done, Nothing, Lost };
@@ -31,10 +32,12 @@ class Port {
   virtual void Close() = 0;
   [[nodiscard]] virtual bool IsOpen() const = 0;
 
-  // Sends what the line takes within `slice` and removes it from the front of `bytes`. Nothing: the line takes no byte now.
+  // Sends what the line takes within `slice` and removes it from the front of `bytes`. Nothing: the line takes no byte
+  // now.
   [[nodiscard]] virtual Result Write(std::string_view& bytes, Duration slice) = 0;
 
-  // Appends what arrives within `slice` (a few milliseconds) to `buffer` and returns as soon as anything has. Nothing: silence.
+  // Appends what arrives within `slice` (a few milliseconds) to `buffer` and returns as soon as anything has. Nothing:
+  // silence.
   [[nodiscard]] virtual Result Read(std::string& buffer, Duration slice) = 0;
 
   // Why the port was lost; empty texts before that.

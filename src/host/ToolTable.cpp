@@ -1,0 +1,248 @@
+#include "host/ToolTable.h"
+
+#include <array>
+#include <filesystem>
+#include <system_error>
+
+#include "base/AtomicFile.h"
+#include "host/ModalBracket.h"
+#include "link/identification/GoOnline.h"
+#include "models/ModelCatalogue.h"
+#include "sessions/RecentCaches.h"
+#include "sessions/SessionIni.h"
+
+namespace kv {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The operand view's grids, which mean nothing for a model of another family.
+constexpr std::array<const char*, 2> kGridFiles{"vsfOperands_1.vsf", "vsfRegions_1.vsf"};
+// The panel designer's blocks: design, cell values, layout.
+constexpr std::array<const char*, 3> kDesignFiles{"DesignBlock.bin", "CellsValues.bin", "DesignLayoutBlock.bin"};
+constexpr std::size_t kLargestDesignBlock = 64u << 20;
+
+void RemoveSessionFiles(const SharedState& shared, std::span<const char* const> names) {
+  for (const char* name : names) {
+    std::error_code ignored;
+    fs::remove(SessionFile(shared, name), ignored);
+  }
+}
+
+bool AllDesignFilesExist(const SharedState& shared) {
+  std::error_code ignored;
+  for (const char* name : kDesignFiles) {
+    if (!fs::exists(SessionFile(shared, name), ignored)) return false;
+  }
+  return true;
+}
+
+std::expected<PanelDesigner::Blocks, FileError> ReadDesign(const SharedState& shared) {
+  PanelDesigner::Blocks blocks;
+  for (std::size_t i = 0; i < kDesignFiles.size(); ++i) {
+    auto content = ReadWholeFile(SessionFile(shared, kDesignFiles[i]), kLargestDesignBlock);
+    if (!content) return std::unexpected(content.error());
+    blocks[i].assign(content->begin(), content->end());
+  }
+  return blocks;
+}
+
+std::expected<void, FileError> WriteDesign(const SharedState& shared, const PanelDesigner::Blocks& blocks) {
+  for (std::size_t i = 0; i < kDesignFiles.size(); ++i) {
+    const std::string content(blocks[i].begin(), blocks[i].end());
+    if (auto saved = SaveAtomically(SessionFile(shared, kDesignFiles[i]), content); !saved) return saved;
+  }
+  return {};
+}
+
+}  // namespace
+
+std::span<const ToolRow> ToolTable() {
+  using C = clsCallerExe;
+  using W = ToolWindows;
+  static constexpr std::array<ToolRow, 20> kRows{{
+      {"ID_ComParams", &C::ShowComParams},
+      {"ID_Modem", &C::ShowModem},
+      {"ID_OnLine", &C::OnLine},
+      {"ID_Exit", &C::Exit},
+      {"ID_OPLC_Model", &C::ChangeModel},
+      {"Escape", &C::Escape},
+      {"ID_Help", &C::Help},
+      {"ID_About", &C::About, &W::frmAbout},
+      {"ID_Downloader", &C::Downloader, &W::frmDownloader},
+      {"ID_DataTypes", &C::DataTypes, &W::frmDataTypesView},
+      {"ID_Session", &C::Session, &W::frmSession},
+      {"ID_PLC_DB", &C::PanelDesign, nullptr, ToolNeed::PanelDesigner},
+      {"ID_LogIn", &C::LogIn, &W::frmLogIn},
+      {"ID_LogOff", &C::LogOff},
+      {"ID_PID_Srv", &C::PidServer},
+      {"ID_DownloadDesigner", &C::DownloadDesigner},
+      {"ID_PagesFile", &C::PagesFile},
+      {"ID_ImportFontsAndImages", &C::ImportFontsAndImages, nullptr, ToolNeed::ColourCaches},
+      {"ID_DumpPLC", &C::DumpPlc, &W::frmDumpPLC},
+      {"ID_ImportCacheFromPLC", &C::ImportCacheFromPlc, &W::frmRestoreCache},
+  }};
+  return kRows;
+}
+
+void clsCallerExe::ShowWindow(const ToolWindowFactory& factory, const std::string& argument) {
+  ModalBracket bracket(*mRemote);
+  const auto window = factory(argument);
+  window->ShowModal();
+}
+
+void clsCallerExe::Open(const std::string& verb, const fs::path& file, const std::string& parameters) {
+  if (const auto opened = mParts.shell->Open(verb, PathText(file), parameters); !opened) Warn(opened.error());
+}
+
+fs::path clsCallerExe::InstalledProgram(const char* name) const {
+  return PathFromText(mRemote->InstallFolder()) / name;
+}
+
+void clsCallerExe::Warn(const std::string& text) {
+  mParts.prompts->Show({.text = text, .title = "Telepanel", .icon = PromptIcon::Exclamation});
+}
+
+void clsCallerExe::ShowComParams(const std::string& argument) {
+  {
+    ModalBracket bracket(*mRemote);
+    mVsCon->ComParamsCaller(argument);
+    mVsCon->ShowComParams();
+    UpdateLinkDescription();
+  }
+  mRemote->Refresh();
+}
+
+void clsCallerExe::ShowModem(const std::string&) {
+  ModalBracket bracket(*mRemote);
+  mVsCon->ShowModemSettings();
+}
+
+void clsCallerExe::OnLine(const std::string&) {
+  GoOnline(mShared, *mParts.prompts);
+}
+
+void clsCallerExe::Exit(const std::string&) {
+  mVsCon->CloseDriver();
+  mRemote->Quit();
+  mRemote.reset();
+}
+
+void clsCallerExe::ChangeModel(const std::string& model) {
+  WriteSessionIni(mShared, "LastModel", model);
+  if (GridFilesMustGo(mRemote->Model(), model)) RemoveSessionFiles(mShared, kGridFiles);
+  mRemote->SetModel(model);
+  mRemote->Refresh();
+  ConfigureDriverForSession(mShared, mWinsock);
+}
+
+void clsCallerExe::Escape(const std::string&) {
+  HelpSuppressed = false;
+}
+
+void clsCallerExe::Help(const std::string& argument) {
+  if (argument == "USER_RBK") {
+    mRemote_OnToolClicked("ID_About", argument);
+    return;
+  }
+  if (HelpSuppressed) return;
+  Open("", mParts.paths.HelpFile());
+}
+
+void clsCallerExe::About(const std::string& argument) {
+  ShowWindow(mWindows.frmAbout, argument);
+}
+
+void clsCallerExe::Downloader(const std::string& argument) {
+  ShowWindow(mWindows.frmDownloader, argument);
+}
+
+void clsCallerExe::DataTypes(const std::string& argument) {
+  ShowWindow(mWindows.frmDataTypesView, argument);
+}
+
+void clsCallerExe::Session(const std::string& argument) {
+  const std::string before = mShared.CurrentSession;
+  ShowWindow(mWindows.frmSession, argument);
+  if (mShared.CurrentSession != before) FollowSession();
+  UpdateLinkDescription();
+  mRemote->SetSessionPath(PathText(SessionFolder(mShared)));
+  mRemote->Refresh();
+}
+
+void clsCallerExe::FollowSession() {
+  mRemote->SetSessionName(mShared.CurrentSession);
+  mRemote->SetRecentCaches(ReadRecentCaches(mShared));
+  ConfigureDriverForSession(mShared, mWinsock);
+}
+
+void clsCallerExe::PanelDesign(const std::string&) {
+  ModalBracket bracket(*mRemote);
+  const auto designer = mParts.createPanelDesigner();
+  designer->SetDriver(*mVsCon);
+  const bool hadDesign = AllDesignFilesExist(mShared);
+  if (hadDesign) {
+    const auto blocks = ReadDesign(mShared);
+    if (!blocks) return Warn(blocks.error().Text());
+    designer->SetBlocks(*blocks);
+  }
+  designer->Run();
+  if (hadDesign) RemoveSessionFiles(mShared, kDesignFiles);
+  if (designer->ItemCount() == 0) return;
+  if (const auto saved = WriteDesign(mShared, designer->GetBlocks()); !saved) Warn(saved.error().Text());
+}
+
+void clsCallerExe::LogIn(const std::string& argument) {
+  ShowWindow(mWindows.frmLogIn, argument);
+}
+
+void clsCallerExe::LogOff(const std::string&) {
+  ModalBracket bracket(*mRemote);
+  const auto answer = mParts.prompts->Show({.text = "Are you sure you want to log off?",
+                                            .title = "Log Off",
+                                            .icon = PromptIcon::Question,
+                                            .buttons = PromptButtons::YesNo});
+  if (answer != PromptAnswer::Yes) return;
+  mShared.UserName.clear();
+  mShared.UserPassword.clear();
+  mRemote->SetUserName("");
+}
+
+void clsCallerExe::PidServer(const std::string&) {
+  Open("open", InstalledProgram("PID Server.exe"));
+}
+
+void clsCallerExe::DownloadDesigner(const std::string&) {
+  const std::string code = DesignerModelCode(mRemote->Model());
+  Open("open", InstalledProgram("KorDownloadDesigner.exe"), code.empty() ? "" : "/t:" + code);
+}
+
+void clsCallerExe::PagesFile(const std::string&) {
+  const auto chosen = mParts.prompts->OpenFile({.title = "Open Telepanel File",
+                                                .filter = "Telepanel Files (*.kta)|*.kta",
+                                                .folder = ReadSessionIni(mShared, "KtaPath", "")});
+  if (!chosen) return;
+  WriteSessionIni(mShared, "KtaPath", PathText(PathFromText(*chosen).parent_path()));
+  mRemote->OpenPagesFile(*chosen);
+}
+
+void clsCallerExe::ImportFontsAndImages(const std::string&) {
+  ModalBracket bracket(*mRemote);
+  const auto chosen =
+      mParts.prompts->OpenFile({.title = "Open Cache File", .filter = "Telepanel For Color Cache Files (*.ktc)|*.ktc"});
+  if (!chosen) return;
+  mRemote->SetRecentCaches(AddRecentCache(mShared, *chosen));
+  if (mRemote->OpenColourCache(*chosen)) return;
+  mParts.prompts->Show({.text = "Error Opening Cache File. Please Check for Disk Space", .title = "Error"});
+}
+
+void clsCallerExe::DumpPlc(const std::string& argument) {
+  ShowWindow(mWindows.frmDumpPLC, argument);
+  mRemote->StatusMessage("");
+}
+
+void clsCallerExe::ImportCacheFromPlc(const std::string& argument) {
+  ShowWindow(mWindows.frmRestoreCache, argument);
+}
+
+}  // namespace kv

@@ -1,0 +1,138 @@
+#include "host/clsCallerExe.h"
+
+#include <algorithm>
+
+#include "base/ScopeGuard.h"
+#include "host/ToolTable.h"
+#include "sessions/RecentCaches.h"
+#include "sessions/SessionIni.h"
+
+namespace kv {
+namespace {
+
+constexpr const char* kFirstSession = "Default";
+constexpr const char* kFirstModel = "K220-22-R1";
+constexpr int kNormalStart = 1;
+constexpr const char* kMissing = "This build does not have this tool.";
+
+}  // namespace
+
+clsCallerExe::clsCallerExe(HostParts parts) : mParts(std::move(parts)), mShared(mParts.paths) {}
+
+clsCallerExe::~clsCallerExe() = default;
+
+void clsCallerExe::StartUp() {
+  ConnectHost();
+  // The tool "ID_Exit" lets go of the host while the host's own Run is still on the stack.
+  const std::shared_ptr<RemoteHost> host = mRemote;
+  mShared.BitsHandler = std::make_unique<clsBitsHandler>();
+  mShared.CurrentSession = kFirstSession;
+  host->SetSessionName(mShared.CurrentSession);
+  host->SetSessionPath(PathText(SessionFolder(mShared)));
+  if (!SessionExists(mShared)) {
+    mParts.prompts->Show({.text = "Default Session not found", .title = "Telepanel", .icon = PromptIcon::Exclamation});
+  }
+  LoadLastModel();
+  LoadSocket();
+  ConnectDriver();
+  ConfigureDriverForSession(mShared, mWinsock);
+  UpdateLinkDescription();
+  GreyMissingTools();
+  host->SetRecentCaches(ReadRecentCaches(mShared));
+  host->Run();
+  ShutDown();
+}
+
+void clsCallerExe::ConnectHost() {
+  mRemote = mParts.createHost();
+  mRemote->OnToolClicked = [this](const std::string& id, const std::string& argument) {
+    mRemote_OnToolClicked(id, argument);
+  };
+  mShared.Remote = mRemote.get();
+}
+
+void clsCallerExe::LoadLastModel() {
+  const std::string model = ReadSessionIni(mShared, "LastModel", kFirstModel);
+  mRemote->SetStartupOption(kNormalStart);
+  mRemote->SetModel(model);
+}
+
+void clsCallerExe::LoadSocket() {
+  mTapi = mParts.loadTapi();
+  mWinsock = mTapi ? mTapi->Winsock.get() : nullptr;
+  if (!mWinsock) return;
+  mWinsock->OnConnectionRequest = [this](int requestId) { mWinsock_ConnectionRequest(requestId); };
+  mWinsock->OnClose = [this] { mWinsock_Close(); };
+}
+
+void clsCallerExe::ConnectDriver() {
+  mVsCon = mParts.createDriver();
+  mShared.ComDriver = mVsCon.get();
+  mVsCon->SetDriverActive(true);
+  mVsCon->OnComMessage = [this](const std::string& message) { mVsCon_OnComMessage(message); };
+}
+
+void clsCallerExe::GreyMissingTools() {
+  mWindows = mParts.createWindows(mShared);
+  for (const ToolRow& row : ToolTable()) {
+    if (IsMissing(row)) mRemote->SetToolMissing(std::string(row.id), kMissing);
+  }
+}
+
+void clsCallerExe::ShutDown() {
+  mShared.Remote = nullptr;
+  mRemote.reset();
+  mShared.BitsHandler.reset();
+  mVsCon->SetDriverActive(false);
+  mShared.ComDriver = nullptr;
+  mVsCon.reset();
+  MarkSessionInUse(mShared, false);
+}
+
+bool clsCallerExe::IsMissing(const ToolRow& row) const {
+  switch (row.need) {
+    case ToolNeed::PanelDesigner:
+      return !mParts.createPanelDesigner;
+    case ToolNeed::ColourCaches:
+      return !mRemote->ReadsColourCaches();
+    case ToolNeed::Nothing:
+      break;
+  }
+  return row.window && !(mWindows.*row.window);
+}
+
+void clsCallerExe::mRemote_OnToolClicked(const std::string& toolId, const std::string& argument) {
+  const auto rows = ToolTable();
+  const auto row = std::ranges::find(rows, toolId, &ToolRow::id);
+  if (row == rows.end() || IsMissing(*row)) return;
+  (this->*row->action)(argument);
+}
+
+void clsCallerExe::mVsCon_OnComMessage(const std::string& message) {
+  if (mRemote) mRemote->StatusMessage(message);
+}
+
+std::string clsCallerExe::ReadFromRemoteIni(const std::string& key, const std::string& fallback) const {
+  return ReadHostIni(mShared, key, fallback);
+}
+
+void clsCallerExe::UpdateLinkDescription() {
+  mRemote->SetComDescription(mVsCon->LinkDescription());
+}
+
+void clsCallerExe::mWinsock_ConnectionRequest(int requestId) {
+  mWinsock->Close();
+  if (!mWinsock->Accept(requestId)) return;
+  mRemote->StatusMessage("Ethernet connection established");
+}
+
+void clsCallerExe::mWinsock_Close() {
+  mWinsock->Close();
+  if (mWinsock->GetState() == ListeningSocket::State::Closed && !mWinsock->Listen()) {
+    mRemote->StatusMessage("The Ethernet port could not be opened again for controllers that dial in.");
+    return;
+  }
+  mRemote->StatusMessage("Ethernet connection terminated");
+}
+
+}  // namespace kv

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "host/HostParts.h"
+#include "host/ToolWindow.h"
+#include "host/shared/SharedState.h"
+
+namespace kv {
+
+// The program's life and its tool dispatch: creates the host and the driver, lets the host run, opens a tool for every
+// command that the host hands back, and takes everything down again.
+//
+//   made -> StartUp: running inside the host's Run() -> shut down
+class clsCallerExe {
+ public:
+  explicit clsCallerExe(HostParts parts);
+  ~clsCallerExe();
+
+  // The whole life of the program; returns when the host has ended.
+  void StartUp();
+
+  // Opens the tool with this id. Ids are compared exactly; an unknown one does nothing, nor does one whose window this
+  // build does not have.
+  void mRemote_OnToolClicked(const std::string& toolId, const std::string& argument);
+
+  void mVsCon_OnComMessage(const std::string& message);
+
+  // One value of the host's settings in the current session.
+  [[nodiscard]] std::string ReadFromRemoteIni(const std::string& key, const std::string& fallback) const;
+
+  // The host; null before StartUp and after it.
+  [[nodiscard]] RemoteHost* Remote() const { return mShared.Remote; }
+
+  void UpdateLinkDescription();
+
+  // Keeps "ID_Help" quiet until the tool id "Escape" arrives.
+  void SuppressHelp() { HelpSuppressed = true; }
+
+  // Events of the Ethernet socket.
+  void mWinsock_ConnectionRequest(int requestId);
+  void mWinsock_Close();
+
+ private:
+  friend std::span<const struct ToolRow> ToolTable();
+
+  void ConnectHost();
+  void LoadLastModel();
+  void LoadSocket();
+  void ConnectDriver();
+  void GreyMissingTools();
+  void ShutDown();
+  [[nodiscard]] bool IsMissing(const struct ToolRow& row) const;
+  void ShowWindow(const ToolWindowFactory& factory, const std::string& argument);
+  void Open(const std::string& verb, const std::filesystem::path& file, const std::string& parameters = "");
+  [[nodiscard]] std::filesystem::path InstalledProgram(const char* name) const;
+  void Warn(const std::string& text);
+  void FollowSession();
+
+  // The tools, in the order of the dispatch table.
+  void ShowComParams(const std::string& argument);
+  void ShowModem(const std::string& argument);
+  void OnLine(const std::string& argument);
+  void Exit(const std::string& argument);
+  void ChangeModel(const std::string& argument);
+  void Escape(const std::string& argument);
+  void Help(const std::string& argument);
+  void About(const std::string& argument);
+  void Downloader(const std::string& argument);
+  void DataTypes(const std::string& argument);
+  void Session(const std::string& argument);
+  void PanelDesign(const std::string& argument);
+  void LogIn(const std::string& argument);
+  void LogOff(const std::string& argument);
+  void PidServer(const std::string& argument);
+  void DownloadDesigner(const std::string& argument);
+  void PagesFile(const std::string& argument);
+  void ImportFontsAndImages(const std::string& argument);
+  void DumpPlc(const std::string& argument);
+  void ImportCacheFromPlc(const std::string& argument);
+
+  HostParts mParts;
+  SharedState mShared;
+  ToolWindows mWindows;
+  std::shared_ptr<RemoteHost> mRemote;
+  std::unique_ptr<frmTAPI> mTapi;
+  ListeningSocket* mWinsock = nullptr;
+  std::unique_ptr<CommDriver> mVsCon;
+  bool HelpSuppressed = false;
+};
+
+}  // namespace kv

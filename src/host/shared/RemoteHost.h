@@ -1,0 +1,75 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "link/Channel.h"
+
+namespace kv {
+
+// What tools ask of the host: the program that owns the main window, the selected model and the panel session. The host
+// library implements it; tests implement it by recording.
+//
+// Texts are UTF-8. Paths are complete. Everything runs on the user-interface thread.
+class RemoteHost {
+ public:
+  virtual ~RemoteHost() = default;
+
+  // Event: a toolbar or menu command that belongs to a tool, with the tool's id ("ID_Session") and a free text.
+  std::function<void(const std::string& toolId, const std::string& argument)> OnToolClicked;
+
+  // Whether the host takes user input. Tools set it to false while their modal window is open.
+  [[nodiscard]] virtual bool Enabled() const = 0;
+  virtual void SetEnabled(bool enabled) = 0;
+
+  virtual void StatusMessage(const std::string& text) = 0;
+  virtual void Refresh() = 0;
+  // Runs the host until the user leaves it; every tool is used inside this call, through the event above.
+  virtual void Run() = 0;
+  virtual void Quit() = 0;
+
+  virtual void SetSessionName(const std::string& name) = 0;
+  virtual void SetSessionPath(const std::string& folder) = 0;
+  virtual void SetStartupOption(int option) = 0;
+  [[nodiscard]] virtual std::string Model() const = 0;
+  virtual void SetModel(const std::string& model) = 0;
+  virtual void SetComDescription(const std::string& text) = 0;
+  virtual void SetUserName(const std::string& name) = 0;
+  // The folder in which sibling programs are installed.
+  [[nodiscard]] virtual std::string InstallFolder() const = 0;
+  // While true the pointer is the hourglass.
+  virtual void SetHourglass(bool busy) = 0;
+
+  // Tools that this build does not have: shown greyed, with `reason` as their tooltip.
+  virtual void SetToolMissing(const std::string& toolId, const std::string& reason) = 0;
+
+  // The Telepanel pages file. Opening reports its own errors and keeps the file that was open when the new one is bad.
+  virtual bool OpenPagesFile(const std::string& path) = 0;
+  // The recent colour cache files, newest first.
+  virtual void SetRecentCaches(const std::vector<std::string>& entries) = 0;
+  // Whether this host reads colour cache files at all, and the opening of one.
+  [[nodiscard]] virtual bool ReadsColourCaches() const = 0;
+  [[nodiscard]] virtual bool OpenColourCache(const std::string& path) = 0;
+
+  // Going on line.
+  [[nodiscard]] virtual bool IsOnline() const = 0;
+  virtual void BeginConnect() = 0;  // around the lookup of the channel
+  virtual void EndConnect() = 0;
+  virtual void SetConnectedUnit(int unit) = 0;
+  virtual void AttachChannel(std::shared_ptr<Channel> channel) = 0;
+  virtual void SetControllerModelText(const std::string& text) = 0;
+  virtual void SetCompactIdentification(bool compact) = 0;
+  // The panel information byte, 0 to 255; -1 (all bits set) when it is not known.
+  virtual void SetControllerInfoByte(int value) = 0;
+  // Whether the open pages file belongs to the controller's project; true when no file is open.
+  [[nodiscard]] virtual bool ProjectMatches() = 0;
+  // The file from which a colour panel draws its data.
+  virtual void SetPanelData(const std::string& path) = 0;
+  virtual void GoOnline() = 0;
+  // Runs the panel session of a controller that is on line; `caption` is the host's own setting, "0" when it has none.
+  virtual void RunPanelSession(const std::string& caption) = 0;
+};
+
+}  // namespace kv

@@ -1,0 +1,89 @@
+#include "sessions/SessionIni.h"
+
+#include <system_error>
+
+#include "base/AnsiText.h"
+#include "base/ProfileStrings.h"
+#include "models/ModelCatalogue.h"
+
+namespace kv {
+namespace {
+
+// The executable's name is both the file's base name and its section.
+constexpr std::string_view kProgram = "KvTeleExe";
+constexpr std::string_view kHost = "KvTele2";
+constexpr std::string_view kMarkFile = "tmp.txt";
+constexpr std::string_view kUnmarkedSession = "Default";
+
+std::filesystem::path IniFile(const SharedState& shared, std::string_view owner) {
+  return SessionFile(shared, std::string(owner) + ".ini");
+}
+
+std::string TrimmedAtNul(std::string text) {
+  text.resize(std::min(text.find('\0'), text.size()));
+  const auto first = text.find_first_not_of(' ');
+  if (first == std::string::npos) return "";
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+std::string ReadIni(const SharedState& shared, std::string_view owner, std::string_view key,
+                    std::string_view fallback) {
+  return AnsiToUtf8(TrimmedAtNul(ReadProfileString(IniFile(shared, owner), owner, key, Utf8ToAnsi(fallback))));
+}
+
+}  // namespace
+
+std::filesystem::path SessionFolder(const SharedState& shared) {
+  return shared.paths.Session(shared.CurrentSession);
+}
+
+std::filesystem::path SessionFile(const SharedState& shared, std::string_view fileName) {
+  return SessionFolder(shared) / fileName;
+}
+
+bool SessionExists(const SharedState& shared) {
+  std::error_code error;
+  return std::filesystem::is_directory(SessionFolder(shared), error);
+}
+
+std::string ReadSessionIni(const SharedState& shared, std::string_view key, std::string_view fallback) {
+  return ReadIni(shared, kProgram, key, fallback);
+}
+
+bool WriteSessionIni(const SharedState& shared, std::string_view key, std::string_view value) {
+  return WriteProfileString(IniFile(shared, kProgram), kProgram, key, Utf8ToAnsi(value));
+}
+
+bool RemoveSessionIni(const SharedState& shared, std::string_view key) {
+  return WriteProfileString(IniFile(shared, kProgram), kProgram, key, std::nullopt);
+}
+
+std::string ReadHostIni(const SharedState& shared, std::string_view key, std::string_view fallback) {
+  return ReadIni(shared, kHost, key, fallback);
+}
+
+void MarkSessionInUse(const SharedState& shared, bool inUse) {
+  if (shared.CurrentSession == kUnmarkedSession) return;
+  using std::filesystem::perms;
+  constexpr perms kWrite = perms::owner_write | perms::group_write | perms::others_write;
+  const auto file = SessionFile(shared, kMarkFile);
+  std::error_code error;
+  if (inUse) {
+    std::filesystem::permissions(file, kWrite, std::filesystem::perm_options::remove, error);
+  } else {
+    std::filesystem::permissions(file, perms::owner_write, std::filesystem::perm_options::add, error);
+  }
+}
+
+void ConfigureDriverForSession(SharedState& shared, ListeningSocket* socket) {
+  const std::string model = shared.Remote->Model();
+  shared.ComDriver->ConfigureForSession({
+      .folder = SessionFolder(shared).string(),
+      .isCompactDriver = IsCompactDriverModel(model),
+      .isBrio = IsBrioModel(model),
+      .isColour = IsColourModel(model),
+      .socket = socket,
+  });
+}
+
+}  // namespace kv

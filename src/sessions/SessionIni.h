@@ -1,0 +1,37 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "host/shared/SharedState.h"
+
+namespace kv {
+
+// The folder of the current session, and a file in it.
+[[nodiscard]] std::filesystem::path SessionFolder(const SharedState& shared);
+[[nodiscard]] std::filesystem::path SessionFile(const SharedState& shared, std::string_view fileName);
+
+// Whether the current session's folder exists.
+[[nodiscard]] bool SessionExists(const SharedState& shared);
+
+// One value of this program's settings in the current session ("KvTeleExe.ini", section "KvTeleExe"), UTF-8. The value
+// is cut at 254 characters and trimmed of blanks; a missing key reads as `fallback`, an empty value as "".
+[[nodiscard]] std::string ReadSessionIni(const SharedState& shared, std::string_view key, std::string_view fallback);
+// False when the file cannot be written; it is then as it was.
+bool WriteSessionIni(const SharedState& shared, std::string_view key, std::string_view value);
+// Deletes the key.
+bool RemoveSessionIni(const SharedState& shared, std::string_view key);
+
+// The same read from the host's settings in the current session ("KvTele2.ini", section "KvTele2").
+[[nodiscard]] std::string ReadHostIni(const SharedState& shared, std::string_view key, std::string_view fallback);
+
+// Marks the current session as in use, or no longer so: its "tmp.txt" becomes read-only or normal. "Default" is never
+// marked; a session without that file is left alone.
+void MarkSessionInUse(const SharedState& shared, bool inUse);
+
+// Tells the driver which session and what kind of model it serves, and hands it the socket for controllers that dial
+// in.
+void ConfigureDriverForSession(SharedState& shared, ListeningSocket* socket);
+
+}  // namespace kv

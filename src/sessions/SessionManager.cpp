@@ -1,0 +1,157 @@
+#include "sessions/SessionManager.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "base/ScopeGuard.h"
+#include "sessions/SessionIni.h"
+
+namespace kv {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kDefaultSession = "Default";
+constexpr std::string_view kMarkFile = "tmp.txt";
+constexpr std::size_t kLongestName = 255;  // what the common file systems take for one folder's name, in bytes
+
+// Names that a Windows machine keeps for devices, with or without an extension.
+constexpr std::array<std::string_view, 4> kDeviceNames{"CON", "PRN", "AUX", "NUL"};
+constexpr std::array<std::string_view, 2> kNumberedDevices{"COM", "LPT"};
+
+bool IsDeviceName(const std::string& name) {
+  std::string stem = name.substr(0, name.find('.'));
+  std::ranges::transform(stem, stem.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  if (std::ranges::find(kDeviceNames, stem) != kDeviceNames.end()) return true;
+  return stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9' &&
+         std::ranges::find(kNumberedDevices, stem.substr(0, 3)) != kNumberedDevices.end();
+}
+
+bool IsReadOnly(const fs::directory_entry& entry) {
+  std::error_code error;
+  const auto status = entry.symlink_status(error);
+  return !error && fs::is_regular_file(status) && (status.permissions() & fs::perms::owner_write) == fs::perms::none;
+}
+
+bool HoldsReadOnlyFile(const fs::path& folder) {
+  std::error_code error;
+  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    if (IsReadOnly(*entry)) return true;
+  }
+  return static_cast<bool>(error);  // what cannot be looked through is not deleted
+}
+
+std::string Failure(const std::string& what, const std::error_code& error) {
+  return what + ": " + error.message() + ".";
+}
+
+}  // namespace
+
+std::string SessionNameFault(const std::string& name) {
+  const auto isForbidden = [](char c) {
+    return static_cast<unsigned char>(c) < 0x20 || std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos;
+  };
+  if (name.empty()) return "A session needs a name.";
+  if (name == "." || name == "..") return "\"" + name + "\" is not a name: it stands for a folder that exists already.";
+  if (std::ranges::any_of(name, isForbidden)) return "A session name cannot contain any of  \\ / : * ? \" < > | .";
+  if (name.back() == ' ' || name.back() == '.') return "A session name cannot end with a blank or a point.";
+  if (IsDeviceName(name)) return "\"" + name + "\" is kept for a device and cannot be the name of a session.";
+  if (name.size() > kLongestName) return "The session name is too long: a folder's name has at most 255 characters.";
+  return "";
+}
+
+std::vector<std::string> SessionManager::List() const {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (fs::directory_iterator entry(mShared.paths.Sessions(), error), end; !error && entry != end;
+       entry.increment(error)) {
+    std::error_code unreadable;
+    if (entry->is_directory(unreadable)) names.push_back(entry->path().filename().string());
+  }
+  return names;
+}
+
+bool SessionManager::Create(const std::string& name) {
+  MarkSessionInUse(mShared, false);
+  if (const auto copied = CopyCurrentTo(name); !copied) {
+    MarkSessionInUse(mShared, true);
+    mPrompts.Show({.text = copied.error(), .title = "Create Session", .icon = PromptIcon::Exclamation});
+    return false;
+  }
+  MakeCurrent(name);
+  return true;
+}
+
+std::expected<void, std::string> SessionManager::CopyCurrentTo(const std::string& name) const {
+  if (const std::string fault = SessionNameFault(name); !fault.empty()) return std::unexpected(fault);
+  const fs::path source = SessionFolder(mShared);
+  const fs::path target = mShared.paths.Session(name);
+  std::error_code error;
+  if (fs::exists(target, error)) return std::unexpected("A session named \"" + name + "\" exists already.");
+  if (!fs::is_directory(source, error)) {
+    return std::unexpected("The folder of the current session, " + source.string() + ", is not there any more.");
+  }
+  fs::create_directory(target, error);
+  if (error) return std::unexpected(Failure("The folder " + target.string() + " could not be made", error));
+  ScopeGuard removeHalfMade([&] {
+    std::error_code ignored;
+    fs::remove_all(target, ignored);
+  });
+  fs::copy(source, target, fs::copy_options::recursive, error);
+  if (error) return std::unexpected(Failure("The current session could not be copied", error));
+  fs::permissions(target / kMarkFile, fs::perms::owner_write, fs::perm_options::add, error);
+  if (!std::ofstream(target / kMarkFile, std::ios::trunc)) {
+    return std::unexpected("The file " + (target / kMarkFile).string() + " could not be written.");
+  }
+  removeHalfMade.Dismiss();
+  return {};
+}
+
+bool SessionManager::Activate(const std::string& name) {
+  std::error_code error;
+  if (name.empty() || !fs::is_directory(mShared.paths.Session(name), error)) {
+    mPrompts.Show({.text = "The session \"" + name + "\" is not there any more.",
+                   .title = "Activate Session",
+                   .icon = PromptIcon::Exclamation});
+    return false;
+  }
+  MarkSessionInUse(mShared, false);
+  MakeCurrent(name);
+  return true;
+}
+
+void SessionManager::MakeCurrent(const std::string& name) {
+  mShared.CurrentSession = name;
+  MarkSessionInUse(mShared, true);
+}
+
+bool SessionManager::Delete(const std::string& name) {
+  if (name == kDefaultSession) {
+    mPrompts.Show(
+        {.text = "'Default' Session cannot be deleted.", .title = "Remove Session", .icon = PromptIcon::Exclamation});
+    return false;
+  }
+  const fs::path folder = mShared.paths.Session(name);
+  if (!SessionNameFault(name).empty() || HoldsReadOnlyFile(folder)) return false;
+  std::error_code ignored;
+  fs::remove_all(folder, ignored);
+  return !fs::exists(folder, ignored);
+}
+
+std::string SessionManager::SaveCaption() const {
+  return "Save '" + mShared.CurrentSession + "' As...";
+}
+
+std::string SessionManager::ActiveCaption() const {
+  return "Active Session: " + mShared.CurrentSession;
+}
+
+std::string SessionManager::ActivateCaption(const std::string& selected) {
+  return "Activate '" + selected + " ' And Exit";
+}
+
+}  // namespace kv

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <expected>
+#include <string>
+#include <vector>
+
+#include "desktop/Prompts.h"
+#include "host/shared/SharedState.h"
+
+namespace kv {
+
+// What the session window and the command line do with sessions: list, create as a copy of the current one, activate,
+// delete. A session is a folder under Sessions; exactly one is current. The session made current carries the in-use
+// mark, "Default" never.
+class SessionManager {
+ public:
+  SessionManager(SharedState& shared, Prompts& prompts) : mShared(shared), mPrompts(prompts) {}
+
+  // Names of the session folders, in the order in which the folder lists them. Files are not sessions. Empty when the
+  // Sessions folder is missing.
+  [[nodiscard]] std::vector<std::string> List() const;
+
+  // Copies the current session to `name` and makes the copy current. A failure of any step is told under "Create
+  // Session", leaves the current session as it was and no half-made folder behind.
+  bool Create(const std::string& name);
+
+  // Makes an existing session current. False, told under "Activate Session", when its folder is not there.
+  bool Activate(const std::string& name);
+
+  // Deletes a session's folder; "Default" is refused under "Remove Session". A folder that holds a read-only file (the
+  // mark of a session in use) stays as it is, without a message. True when the folder is gone.
+  bool Delete(const std::string& name);
+
+  [[nodiscard]] std::string SaveCaption() const;    // "Save 'Default' As..."
+  [[nodiscard]] std::string ActiveCaption() const;  // "Active Session: Default"
+  // The blank before the closing quote belongs to the text.
+  [[nodiscard]] static std::string ActivateCaption(const std::string& selected);  // "Activate 'Default ' And Exit"
+
+ private:
+  [[nodiscard]] std::expected<void, std::string> CopyCurrentTo(const std::string& name) const;
+  void MakeCurrent(const std::string& name);
+
+  SharedState& mShared;
+  Prompts& mPrompts;
+};
+
+// Why `name` cannot be the name of a session's folder; empty when it can. A name must be one folder's name on every
+// platform that the program runs on, since session folders are carried between machines.
+[[nodiscard]] std::string SessionNameFault(const std::string& name);
+
+}  // namespace kv

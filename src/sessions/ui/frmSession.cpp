@@ -1,0 +1,154 @@
+#include "sessions/ui/frmSession.h"
+
+#include <QAction>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeySequence>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+#include "sessions/SessionIni.h"
+
+namespace kv {
+namespace {
+
+// A name may hold "&", which a button would take for the mark of its shortcut.
+QString ButtonText(const std::string& text) {
+  return QString::fromStdString(text).replace("&", "&&");
+}
+
+}  // namespace
+
+frmSession::frmSession(SharedState& shared, Prompts& prompts, QWidget* parent)
+    : QDialog(parent), mShared(shared), mSessions(shared, prompts) {
+  setObjectName("frmSession");
+  setWindowTitle("Sessions");
+  BuildList();
+  BuildSaveFrame();
+  BuildMenu();
+  ArrangeControls();
+  Fill();
+}
+
+void frmSession::BuildList() {
+  mActive = new QLabel(this);
+  mActive->setObjectName("lblActive");
+  mActive->setTextFormat(Qt::PlainText);
+  mList = new QTableWidget(0, 1, this);
+  mList->setObjectName("flgSession");
+  mList->setAccessibleName("Sessions");
+  mList->setToolTip("The sessions beside the program. Delete removes the selected one.");
+  mList->setHorizontalHeaderLabels({"Session"});
+  mList->horizontalHeader()->setStretchLastSection(true);
+  mList->horizontalHeader()->setHighlightSections(false);
+  mList->verticalHeader()->hide();
+  mList->setSelectionMode(QAbstractItemView::SingleSelection);
+  mList->setSelectionBehavior(QAbstractItemView::SelectRows);
+  mList->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  mList->setTabKeyNavigation(false);
+  mList->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(mList, &QTableWidget::itemSelectionChanged, this, [this] { RefreshCaptions(); });
+  connect(mList, &QTableWidget::customContextMenuRequested, this, [this](const QPoint& at) { ShowMenu(at); });
+}
+
+void frmSession::BuildSaveFrame() {
+  mSaveFrame = new QGroupBox(this);
+  mSaveFrame->setObjectName("fSaveSession");
+  mFolder = new QLineEdit(mSaveFrame);
+  mFolder->setObjectName("txtFolder");
+  mFolder->setAccessibleName("Name of the new session");
+  mFolder->setPlaceholderText("Name of the new session");
+  mSave = new QPushButton("&Save", mSaveFrame);
+  mSave->setObjectName("cmdSave");
+  mSave->setAutoDefault(false);
+  mSave->setToolTip("Copies the active session to a new one of this name (Enter in the name)");
+  mClose = new QPushButton(this);
+  mClose->setObjectName("cmdClose");
+  mClose->setAutoDefault(false);
+  mClose->setToolTip("Makes the selected session the active one and closes this window");
+  connect(mSave, &QPushButton::clicked, this, [this] { Create(); });
+  connect(mFolder, &QLineEdit::returnPressed, this, [this] {
+    if (mSave->isEnabled()) Create();
+  });
+  connect(mClose, &QPushButton::clicked, this, [this] { ActivateAndClose(); });
+}
+
+void frmSession::BuildMenu() {
+  mDelete = new QAction("&Delete", mList);
+  mDelete->setObjectName("mnuDelete");
+  mDelete->setShortcut(QKeySequence::Delete);
+  mDelete->setShortcutContext(Qt::WidgetShortcut);
+  mList->addAction(mDelete);
+  connect(mDelete, &QAction::triggered, this, [this] { DeleteSelected(); });
+}
+
+void frmSession::ArrangeControls() {
+  auto* save = new QHBoxLayout(mSaveFrame);
+  save->addWidget(mFolder);
+  save->addWidget(mSave);
+  auto* page = new QVBoxLayout(this);
+  page->addWidget(mActive);
+  page->addWidget(mList);
+  page->addWidget(mSaveFrame);
+  page->addWidget(mClose);
+  mList->setFocus();
+}
+
+void frmSession::Fill() {
+  const QSignalBlocker quiet(mList);
+  mList->setRowCount(0);
+  for (const std::string& name : mSessions.List()) {
+    const int row = mList->rowCount();
+    mList->insertRow(row);
+    mList->setItem(row, 0, new QTableWidgetItem(QString::fromStdString(name)));
+    if (name == mShared.CurrentSession) mList->setCurrentCell(row, 0);
+  }
+  RefreshCaptions();
+}
+
+void frmSession::RefreshCaptions() {
+  mSaveFrame->setTitle(ButtonText(mSessions.SaveCaption()));
+  mActive->setText(QString::fromStdString(mSessions.ActiveCaption()));
+  mClose->setText(ButtonText(SessionManager::ActivateCaption(Selected())));
+  mClose->setEnabled(!Selected().empty());
+  mSave->setEnabled(!Selected().empty());
+}
+
+std::string frmSession::Selected() const {
+  const auto rows = mList->selectionModel()->selectedRows();
+  return rows.isEmpty() ? "" : rows.front().data().toString().toStdString();
+}
+
+void frmSession::Create() {
+  if (!mSessions.Create(mFolder->text().toStdString())) return;
+  Fill();
+  mFolder->clear();
+}
+
+void frmSession::ActivateAndClose() {
+  if (mSessions.Activate(Selected())) {
+    accept();
+  } else {
+    Fill();
+  }
+}
+
+void frmSession::DeleteSelected() {
+  if (Selected().empty()) return;
+  mSessions.Delete(Selected());
+  Fill();
+}
+
+void frmSession::ShowMenu(const QPoint& position) {
+  if (mList->rowCount() == 0) return;
+  QMenu menu(this);
+  menu.addAction(mDelete);
+  menu.exec(mList->viewport()->mapToGlobal(position));
+}
+
+}  // namespace kv
