@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include "base/AtomicFile.h"
+#include "base/PathText.h"
+#include "base/ProgramPaths.h"
+#include "tests/base/TemporaryFolder.h"
+
+namespace kv {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(SaveAtomically, ReplacesContentAndLeavesNothingElse) {
+  const TemporaryFolder folder;
+  const fs::path file = folder.Put("a.bin", "old and longer");
+  const std::string content("new\0\r\n\xFF", 7);
+  ASSERT_TRUE(SaveAtomically(file, content));
+  ASSERT_TRUE(SaveAtomically(folder.Path() / "b.bin", ""));
+  EXPECT_EQ(TemporaryFolder::Content(file), content);
+  EXPECT_EQ(folder.EntryCount(), 2);
+}
+
+TEST(SaveAtomically, WorksBesideANameWithoutAFolder) {
+  const TemporaryFolder folder;
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.Path());
+  const bool saved = SaveAtomically("plain.txt", "x").has_value();
+  fs::current_path(before);
+  EXPECT_TRUE(saved);
+  EXPECT_EQ(TemporaryFolder::Content(folder.Path() / "plain.txt"), "x");
+}
+
+#ifndef _WIN32
+TEST(SaveAtomically, KeepsPermissionsAndLinks) {
+  const TemporaryFolder folder;
+  const fs::path file = folder.Put("real.txt", "old");
+  const fs::path link = folder.Path() / "link.txt";
+  const fs::path dangling = folder.Path() / "dangling.txt";
+  fs::permissions(file, fs::perms{0640});
+  fs::create_symlink("real.txt", link);
+  fs::create_symlink("made.txt", dangling);
+
+  ASSERT_TRUE(SaveAtomically(link, "new"));
+  ASSERT_TRUE(SaveAtomically(dangling, "made"));
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(TemporaryFolder::Content(file), "new");
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms{0640});
+  EXPECT_EQ(TemporaryFolder::Content(folder.Path() / "made.txt"), "made");
+}
+
+TEST(SaveAtomically, RefusesALoopOfLinks) {
+  const TemporaryFolder folder;
+  fs::create_symlink("b", folder.Path() / "a");
+  fs::create_symlink("a", folder.Path() / "b");
+  EXPECT_FALSE(SaveAtomically(folder.Path() / "a", "x"));
+  EXPECT_EQ(folder.EntryCount(), 2);
+}
+#endif
+
+TEST(SaveAtomically, FailuresNameTheFileAndChangeNothing) {
+  const TemporaryFolder folder;
+  const fs::path file = folder.Put("file", "kept");
+  const fs::path locked = folder.Put("locked", "kept");
+  fs::permissions(locked, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                  fs::perm_options::remove);
+  fs::create_directory(folder.Path() / "sub");
+  for (const fs::path& target : {folder.Path() / "missing" / "x", file / "x", folder.Path() / "sub", locked}) {
+    const auto saved = SaveAtomically(target, "new");
+    ASSERT_FALSE(saved) << target;
+    EXPECT_EQ(saved.error().file, Utf8FromPath(target));
+    EXPECT_NE(saved.error().what, "");
+  }
+  fs::permissions(locked, fs::perms::owner_write, fs::perm_options::add);
+  EXPECT_EQ(TemporaryFolder::Content(file), "kept");
+  EXPECT_EQ(TemporaryFolder::Content(locked), "kept");
+  EXPECT_EQ(folder.EntryCount(), 3);
+}
+
+TEST(ReadWholeFile, TakesNothingOverTheLimit) {
+  const TemporaryFolder folder;
+  const std::string content(200000, 'x');
+  const fs::path file = folder.Put("big", content);
+  EXPECT_EQ(ReadWholeFile(file, content.size()).value_or(""), content);
+  EXPECT_FALSE(ReadWholeFile(file, content.size() - 1));
+  EXPECT_EQ(ReadWholeFile(folder.Put("empty", ""), 0).value_or("?"), "");
+  EXPECT_FALSE(ReadWholeFile(folder.Path(), 100));
+  EXPECT_EQ(ReadWholeFile(folder.Path() / "none", 100).error().what, "it does not exist");
+}
+
+TEST(FileError, TextNamesThePlaceWhenItIsKnown) {
+  EXPECT_EQ((FileError{"a.ini", "line 3", "a number was expected"}.Text()), "a.ini, line 3: a number was expected");
+  EXPECT_EQ((FileError{"a.ini", "", "it does not exist"}.Text()), "a.ini: it does not exist");
+}
+
+TEST(ProgramPaths, NamesStayBelowTheirFolder) {
+  const ProgramPaths paths(fs::path("home"));
+  const fs::path session = fs::path("home") / "Sessions" / PathFromUtf8("M\u00FChle");
+  EXPECT_EQ(paths.Session("M\u00FChle"), session);
+  EXPECT_EQ(paths.SessionFile("M\u00FChle", "KvTeleExe.ini"), session / "KvTeleExe.ini");
+  EXPECT_EQ(paths.Session("/etc"), fs::path("home") / "Sessions" / "etc");
+  EXPECT_EQ(Utf8FromPath(paths.Session("M\u00FChle").filename()), "M\u00FChle");
+}
+
+TEST(ProgramPaths, TheExecutableIsInItsFolder) {
+  const fs::path folder = ExecutableFolder();
+  EXPECT_TRUE(fs::exists(folder / "test_base") || fs::exists(folder / "test_base.exe")) << folder;
+}
+
+}  // namespace
+}  // namespace kv
