@@ -1,0 +1,112 @@
+#include "simulator/ControllerDesk.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "base/Crc32.h"
+#include "base/Numbers.h"
+#include "base/ScopeGuard.h"
+
+namespace sim {
+namespace {
+
+constexpr kv::Duration kResetTime = std::chrono::milliseconds(200);
+constexpr std::size_t kSyncRequestSize = 14;  // SY, tag, check
+constexpr std::size_t kSyncTagEnd = 6;
+constexpr std::size_t kRememberedReply = 40;  // characters
+constexpr int kBlockBusy = 5;
+constexpr int kBlockRefused = 128;
+
+}  // namespace
+
+ControllerDesk::ControllerDesk(std::unique_ptr<Controller> controller, Faults faults, const SimulatorOptions& options)
+    : mController(std::move(controller)),
+      mFaults(std::move(faults)),
+      mSeed(options.seed),
+      mUsualBaud(options.baud),
+      mBaud(options.baud) {}
+
+ControllerDesk::Answer ControllerDesk::AnswerText(const AsciiFrame& request, ClientState& client, const FaultPlan& plan,
+                                                  kv::Instant now) {
+  Attend(client, now);
+  mCounter = mCounter == UINT16_MAX ? std::uint16_t{1} : static_cast<std::uint16_t>(mCounter + 1);
+  const TextReply reply = Execute(request.text, client.connection, plan);
+  if (!reply.changesNothing) mLast = {mCounter, kv::Crc32(request.text), reply.text.substr(0, kRememberedReply)};
+  const auto unit = static_cast<std::uint8_t>(request.unit + (plan.isFromWrongUnit ? 1 : 0));
+  return {EncodeFrame(unit, Seal(unit, request.text, reply.text, mCounter)), reply.newBaud, reply.resets};
+}
+
+TextReply ControllerDesk::Execute(std::string_view text, Connection& connection, const FaultPlan& plan) {
+  if (plan.refusal) return {RefusalText(text, *plan.refusal), true, std::nullopt, false};
+  if (text.starts_with("SY")) return AnswerSync(text);
+  mController->SetLying(plan.isLie);
+  const kv::ScopeGuard honest([this] { mController->SetLying(false); });
+  return mController->ExecuteText(text, connection);
+}
+
+TextReply ControllerDesk::AnswerSync(std::string_view text) const {
+  TextReply reply;
+  if (text.size() != kSyncRequestSize) {
+    reply.text = RefusalText(text, Refusal::Malformed);
+  } else {
+    reply.text =
+        std::string(text.substr(0, kSyncTagEnd)) + kv::ToHex(mLast.counter, 4) + kv::ToHex(mLast.crc, 8) + mLast.reply;
+  }
+  return reply;
+}
+
+std::string ControllerDesk::AnswerBlock(const BlockMessage& request, ClientState& client, const FaultPlan& plan,
+                                        kv::Instant now) {
+  Attend(client, now);
+  auto& last = client.lastBlock;
+  BlockReply reply;
+  if (last && last->sequence == request.sequence && last->crc == request.crc) {
+    reply = last->reply;
+  } else {
+    reply = Execute(request, client.connection, plan);
+    // Busy is not an answer for good: the same request may be tried again.
+    if (reply.status != kBlockBusy) last = {request.sequence, request.crc, reply};
+  }
+  BlockMessage message = request;
+  message.kind = BlockMessage::Reply;
+  message.unit = static_cast<std::uint8_t>(request.unit + (plan.isFromWrongUnit ? 1 : 0));
+  message.status = static_cast<std::uint8_t>(reply.status);
+  message.payload = reply.payload;
+  return EncodeBlock(message);
+}
+
+BlockReply ControllerDesk::Execute(const BlockMessage& request, Connection& connection, const FaultPlan& plan) {
+  if (plan.refusal == Refusal::Busy) return {kBlockBusy, {}};
+  if (plan.refusal) return {kBlockRefused + static_cast<int>(*plan.refusal), {}};
+  mController->SetLying(plan.isLie);
+  const kv::ScopeGuard honest([this] { mController->SetLying(false); });
+  return mController->ExecuteBlock({request.opCode, request.param1, request.dataLength, request.param3, request.param4,
+                                    std::string(request.payload)},
+                                   connection);
+}
+
+void ControllerDesk::Attend(ClientState& client, kv::Instant now) {
+  // Lines are served one after another, so one of them may be a little behind the clock of another.
+  mNow = std::max(mNow, now);
+  mController->Advance(mNow);
+  if (std::exchange(client.resetsSeen, mResets) != mResets) client.connection.hasAccess = false;
+}
+
+void ControllerDesk::Reset(kv::Instant now) {
+  Connection own{true};
+  (void)mController->ExecuteText("CCE", own);
+  BeginReset(now);
+}
+
+void ControllerDesk::BeginReset(kv::Instant now) {
+  ++mResets;
+  mBaud = mUsualBaud;
+  mResetUntil = now + kResetTime;
+}
+
+void ControllerDesk::SetBaud(int baud) {
+  if (mUsualBaud != 0) mBaud = baud;
+}
+
+}  // namespace sim

@@ -1,0 +1,149 @@
+#include "simulator/Line.h"
+
+#include <algorithm>
+#include <utility>
+#include <variant>
+
+namespace sim {
+namespace {
+
+std::string_view CommandOf(const FrameReader::Message& message) {
+  const auto* frame = std::get_if<AsciiFrame>(&message.content);
+  return frame ? frame->text.substr(0, 2) : kBlockCommand;
+}
+
+std::optional<kv::Instant> Earlier(std::optional<kv::Instant> one, std::optional<kv::Instant> other) {
+  if (!one || !other) return one ? one : other;
+  return std::min(*one, *other);
+}
+
+}  // namespace
+
+Line::Line(std::shared_ptr<ControllerDesk> desk)
+    : mDesk(std::move(desk)), mReader(mDesk->TheController().UnderstandsBlocks()) {}
+
+bool Line::Connect(kv::Instant now) {
+  if (mConnected) Disconnect(now);
+  mConnected = mDesk->TakesConnectionsAt(now);
+  return mConnected;
+}
+
+void Line::Disconnect(kv::Instant now) {
+  Run(now);  // what arrived before is still executed
+  Drop();
+}
+
+void Line::Write(std::string_view bytes, kv::Instant now) {
+  if (!mConnected) return;
+  mToController.Send(std::string(bytes), now, mDesk->LinePace());
+  Run(now);
+}
+
+std::string Line::Read(kv::Instant now) {
+  if (!mConnected) return {};
+  Run(now);
+  std::string bytes = mToClient.Take(now);
+  if (mCutAt && *mCutAt <= now) Drop();
+  return bytes;
+}
+
+std::optional<kv::Instant> Line::NextEvent() const {
+  if (!mConnected) return std::nullopt;
+  const auto atController = Earlier(mToController.NextArrival(), mReader.Deadline());
+  return Earlier(atController, Earlier(mToClient.NextArrival(), mCutAt));
+}
+
+void Line::Run(kv::Instant now) {
+  while (true) {
+    const auto arrival = mToController.NextArrival();
+    const auto deadline = mReader.Deadline();
+    if (deadline && *deadline <= now && (!arrival || *deadline <= *arrival)) {
+      HandleMessages(*deadline);
+    } else if (const auto arrived = mToController.TakeFirst(now)) {
+      mReader.Feed(arrived->bytes, arrived->at);
+      HandleMessages(arrived->at);
+    } else {
+      return;
+    }
+  }
+}
+
+void Line::HandleMessages(kv::Instant now) {
+  while (const auto message = mReader.Next(now)) Handle(*message, now);
+}
+
+void Line::Handle(const FrameReader::Message& message, kv::Instant now) {
+  if (mCutAt || !mDesk->AnswersAt(now) || !IsForUs(message)) return;
+  const FaultPlan plan = mDesk->FaultRules().PlanFor(CommandOf(message));
+  if (!IsStopped(message, plan, now)) Answer(message, plan, now);
+}
+
+bool Line::IsForUs(const FrameReader::Message& message) const {
+  const std::uint8_t unit = mDesk->TheController().Unit();
+  if (const auto* frame = std::get_if<AsciiFrame>(&message.content)) {
+    return frame->unit == unit && IsRequestSound(*frame);
+  }
+  const auto& block = std::get<BlockMessage>(message.content);
+  return block.unit == unit && block.kind == BlockMessage::Request;
+}
+
+bool Line::IsStopped(const FrameReader::Message& message, const FaultPlan& plan, kv::Instant now) {
+  if (plan.requestDamage && message.position >= mAlreadyDamaged) {
+    mAlreadyDamaged = message.position + message.bytes.size();
+    mReader.ReadAgain(message, mDesk->FaultRules().Damaged(message.bytes, *plan.requestDamage));
+    return true;
+  }
+  if (plan.loss && plan.loss->isBeforeRequest) {
+    Cut(plan, now);
+    return true;
+  }
+  if (plan.resets) mDesk->Reset(now);
+  return plan.resets;
+}
+
+void Line::Answer(const FrameReader::Message& message, const FaultPlan& plan, kv::Instant now) {
+  if (const auto* block = std::get_if<BlockMessage>(&message.content)) {
+    Send(mDesk->AnswerBlock(*block, mClient, plan, now), message.bytes, plan, now);
+    return;
+  }
+  ControllerDesk::Answer answer = mDesk->AnswerText(std::get<AsciiFrame>(message.content), mClient, plan, now);
+  Send(std::move(answer.bytes), message.bytes, plan, now);
+  if (answer.newBaud) mDesk->SetBaud(*answer.newBaud);
+  if (answer.resets) mDesk->BeginReset(std::max(now, mToClient.End()));
+}
+
+void Line::Send(std::string reply, std::string_view request, const FaultPlan& plan, kv::Instant now) {
+  const Pace pace = mDesk->LinePace();
+  Faults& faults = mDesk->FaultRules();
+  if (plan.isEchoed) mToClient.Send(std::string(request), now, pace);
+  if (plan.garbage) {
+    const Pace noisePace{1'000'000, plan.garbage->bytesASecond};
+    if (plan.garbage->bytes == 0) return mToClient.Jam(faults.RandomSeed(), now, noisePace);
+    mToClient.Send(faults.RandomBytes(plan.garbage->bytes), now, noisePace);
+  }
+  if (plan.replyDamage) reply = faults.Damaged(reply, *plan.replyDamage);
+  if (plan.isUnanswered) reply.clear();
+  if (plan.cutAfter) reply.resize(std::min(reply.size(), *plan.cutAfter));
+  if (plan.loss) reply.resize(std::min(reply.size(), plan.loss->at));
+  const kv::Instant start = now + plan.delay;
+  const Pace slowest = Slower(pace, Pace::WithGap(plan.gap));
+  if (plan.isDoubled) mToClient.Send(reply, start, slowest);
+  mToClient.Send(std::move(reply), start, slowest);
+  if (plan.loss) Cut(plan, std::max(start, mToClient.End()));
+}
+
+void Line::Cut(const FaultPlan& plan, kv::Instant at) {
+  mCutAt = at;
+  mDesk->StayAwayUntil(at + plan.loss->away);
+}
+
+void Line::Drop() {
+  mConnected = false;
+  mToController.Clear();
+  mToClient.Clear();
+  mReader.Clear();
+  mClient = {};
+  mCutAt.reset();
+}
+
+}  // namespace sim
