@@ -32,10 +32,12 @@ function MayInclude(room, other,   parent, allowed) {
   return index(allowed, " all ") || index(allowed, " " other " ")
 }
 
-# The file that a header's name means, "" when there is none: from the include roots only.
-function Resolve(name,   i) {
+# The file that a header's name means, "" when there is none: from the include roots only; a test may also name the helper beside it.
+function Resolve(name,   i, beside) {
   for (i = 1; i <= 3; ++i) if ((roots[i] name) in exists) return roots[i] name
-  return ""
+  beside = FILENAME
+  sub(/[^\/]*$/, name, beside)
+  return beside ~ /^tests\// && name !~ /\// && beside in exists ? beside : ""
 }
 
 BEGIN { roots[1] = "src/"; roots[2] = "libs/"; roots[3] = "" }
