@@ -10,9 +10,9 @@ namespace kv {
 
 // What went wrong with a file: which one, where in it (a line or an offset, when that is known), and what was expected.
 struct FileError {
-  std::string file;
-  std::string place;
-  std::string what;
+  std::string file = {};
+  std::string place = {};
+  std::string what = {};
 
   [[nodiscard]] std::string Text() const;  // "settings.ini, line 3: a number was expected"
 };

@@ -142,8 +142,7 @@ std::optional<IniText::Key> IniText::FindKey(const Section& section, std::string
     const std::string_view line = Line(begin, end);
     const auto key = KeyName(line);
     if (!key || !SameName(*key, name)) continue;
-    const std::size_t value = line.find_first_not_of(kBlanks, line.find('=') + 1);
-    return Key{.begin = begin, .value = begin + std::min(value, line.size()), .end = end};
+    return Key{.begin = begin, .value = begin + line.find('=') + 1, .end = end};
   }
   return std::nullopt;
 }

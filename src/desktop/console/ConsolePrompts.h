@@ -13,10 +13,10 @@ namespace kv {
 
 // What the user has answered beforehand, by flags and arguments.
 struct ConsoleAnswers {
-  bool yes = false;                     // consents to every message box, overwriting among them
-  std::optional<std::string> password;  // answers the boxes that ask for a secret
-  std::deque<std::string> openFiles;    // paths for the open dialogs, in the order in which they come
-  std::deque<std::string> saveFiles;    // the same for the save dialogs
+  bool yes = false;                          // consents to every message box, overwriting among them
+  std::optional<std::string> password = {};  // answers the boxes that ask for a secret
+  std::deque<std::string> openFiles = {};    // paths for the open dialogs, in the order in which they come
+  std::deque<std::string> saveFiles = {};    // the same for the save dialogs
 };
 
 // Prompts on the terminal: every box is printed, answered from the flags, else typed by the user; where nobody can be

@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <sstream>
+
+#include "base/PathText.h"
+#include "desktop/ScriptedPrompts.h"
+#include "desktop/console/ConsolePrompts.h"
+#include "tests/base/TemporaryFolder.h"
+
+namespace kv {
+namespace {
+
+using Lines = std::deque<std::string>;
+
+class TypedLines final : public ConsoleInput {  // no lines at all: nobody to ask
+ public:
+  explicit TypedLines(std::optional<Lines> lines) : mLines(std::move(lines)) {}
+  [[nodiscard]] bool IsInteractive() const override { return mLines.has_value(); }
+  [[nodiscard]] std::optional<std::string> ReadLine(bool secret) override {
+    mLastWasSecret = secret;
+    if (mLines->empty()) return std::nullopt;
+    std::string line = mLines->front();
+    mLines->pop_front();
+    return line;
+  }
+  [[nodiscard]] bool LastWasSecret() const { return mLastWasSecret; }
+
+ private:
+  std::optional<Lines> mLines;
+  bool mLastWasSecret = false;
+};
+
+struct Console {
+  explicit Console(ConsoleAnswers answers, std::optional<Lines> typed = std::nullopt)
+      : input(std::move(typed)), prompts(std::move(answers), out, input) {}
+  std::ostringstream out;
+  TypedLines input;
+  ConsolePrompts prompts;
+};
+
+TEST(ConsolePrompts, MessageBoxes) {
+  struct Row {
+    PromptButtons buttons;
+    bool yes;
+    std::optional<Lines> typed;
+    PromptAnswer answer;
+    const char* printed;
+  };
+  const Row rows[] = {
+      {PromptButtons::Ok, false, {}, PromptAnswer::Ok, "T: a\n  b\n"},
+      {PromptButtons::YesNo, true, {}, PromptAnswer::Yes, "T: a\n  b [y/N] yes (--yes)\n"},
+      {PromptButtons::YesNo, false, {}, PromptAnswer::No, "T: a\n  b [y/N] no (nobody to ask; --yes consents)\n"},
+      {PromptButtons::YesNo, false, Lines{"y"}, PromptAnswer::Yes, "T: a\n  b [y/N] "},
+      {PromptButtons::YesNo, false, Lines{"yup"}, PromptAnswer::No, "T: a\n  b [y/N] "},
+      {PromptButtons::YesNo, false, Lines{}, PromptAnswer::No, "T: a\n  b [y/N] "},
+      {PromptButtons::OkCancel, true, {}, PromptAnswer::Ok, "T: a\n  b [ok/CANCEL] ok (--yes)\n"},
+      {PromptButtons::OkCancel,
+       false,
+       {},
+       PromptAnswer::Cancel,
+       "T: a\n  b [ok/CANCEL] cancel (nobody to ask; --yes consents)\n"},
+      {PromptButtons::OkCancel, false, Lines{"ok"}, PromptAnswer::Ok, "T: a\n  b [ok/CANCEL] "},
+      {PromptButtons::OkCancel, false, Lines{""}, PromptAnswer::Cancel, "T: a\n  b [ok/CANCEL] "},
+  };
+  for (const Row& row : rows) {
+    Console console({.yes = row.yes}, row.typed);
+    EXPECT_EQ(console.prompts.Show({.text = "a\r\nb", .title = "T", .buttons = row.buttons}), row.answer)
+        << row.printed;
+    EXPECT_EQ(console.out.str(), row.printed);
+  }
+}
+
+TEST(ConsolePrompts, APasswordAnswersSecretsOnlyAndNotForEver) {
+  Console console({.password = "pw"});
+  const InputBox secret{.text = "Password", .secret = true};
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(console.prompts.Ask(secret), "pw");
+  EXPECT_EQ(console.prompts.Ask(secret), std::nullopt);
+  EXPECT_EQ(console.prompts.Ask({.text = "Another", .secret = true}), "pw");
+  EXPECT_EQ(console.prompts.Ask({.text = "Name", .initial = "x"}), std::nullopt);
+  EXPECT_EQ(console.out.str().find("pw"), std::string::npos);
+}
+
+TEST(ConsolePrompts, TextsAreTyped) {
+  Console console({}, Lines{"hidden", "", "typed", ""});
+  EXPECT_EQ(console.prompts.Ask({.text = "Password", .initial = "no", .secret = true}), "hidden");
+  EXPECT_TRUE(console.input.LastWasSecret());
+  EXPECT_EQ(console.prompts.Ask({.text = "Name", .initial = "initial"}), "initial");
+  EXPECT_FALSE(console.input.LastWasSecret());
+  EXPECT_EQ(console.prompts.Ask({.text = "Name", .initial = "initial"}), "typed");
+  EXPECT_EQ(console.prompts.Ask({.text = "Name"}), "");
+  EXPECT_EQ(console.prompts.Ask({.text = "Name", .initial = "initial"}), std::nullopt);  // end of the input
+}
+
+TEST(ConsolePrompts, FilesComeInTheirOrder) {
+  Console console({.openFiles = {"a", "b"}, .saveFiles = {"c"}});
+  EXPECT_EQ(console.prompts.OpenFile({}), "a");
+  EXPECT_EQ(console.prompts.SaveFile({}), "c");
+  EXPECT_EQ(console.prompts.OpenFile({}), "b");
+  EXPECT_EQ(console.prompts.OpenFile({}), std::nullopt);
+  EXPECT_EQ(console.prompts.SaveFile({}), std::nullopt);
+}
+
+TEST(ConsolePrompts, AFileThatIsThereIsReplacedWithConsentOnly) {
+  const TemporaryFolder folder;
+  const std::string file = Utf8FromPath(folder.Put("x.txt", ""));
+  EXPECT_EQ(Console({.yes = true, .saveFiles = {file}}).prompts.SaveFile({}), file);
+  EXPECT_EQ(Console({.saveFiles = {file}}).prompts.SaveFile({}), std::nullopt);
+  EXPECT_EQ(Console({}, Lines{file, "y"}).prompts.SaveFile({}), file);
+}
+
+TEST(ScriptedPrompts, AnswersInOrderAndRecordsExactly) {
+  std::vector<std::string> failures;
+  ScriptedPrompts prompts([&](const std::string& what) { failures.push_back(what); });
+  prompts.Press(PromptAnswer::Yes);
+  prompts.Enter("text");
+  prompts.Choose("path");
+  prompts.Choose(std::nullopt);
+  const MessageBox box{.text = "Sure?", .icon = PromptIcon::Question, .buttons = PromptButtons::YesNo};
+  EXPECT_EQ(prompts.Show(box), PromptAnswer::Yes);
+  EXPECT_EQ(prompts.Ask({.text = "Name"}), "text");
+  EXPECT_EQ(prompts.OpenFile({.title = "Open"}), "path");
+  EXPECT_EQ(prompts.SaveFile({.title = "Save"}), std::nullopt);
+  EXPECT_EQ(prompts.Boxes(), std::vector{box});
+  EXPECT_EQ(prompts.Inputs(), std::vector{InputBox{.text = "Name"}});
+  EXPECT_EQ(prompts.OpenDialogs(), std::vector{FileDialog{.title = "Open"}});
+  EXPECT_EQ(prompts.SaveDialogs(), std::vector{FileDialog{.title = "Save"}});
+  EXPECT_EQ(failures, std::vector<std::string>{});
+}
+
+TEST(ScriptedPrompts, SurprisesAreNamed) {
+  std::vector<std::string> failures;
+  {
+    ScriptedPrompts prompts([&](const std::string& what) { failures.push_back(what); });
+    EXPECT_EQ(prompts.Show({.text = "Boom", .buttons = PromptButtons::OkCancel}), PromptAnswer::Cancel);
+    prompts.Press(PromptAnswer::Yes);
+    EXPECT_EQ(prompts.Ask({.text = "Name", .title = "T"}), std::nullopt);
+    EXPECT_EQ(prompts.Show({.text = "Done", .title = "T"}), PromptAnswer::Ok);
+    prompts.Enter("x");
+  }
+  const std::vector<std::string> expected = {
+      "unexpected prompt, no answer is left: message box 'Telepanel': Boom",
+      "unexpected prompt, the next answer is of another kind: input box 'T': Name",
+      "the told answer is no button of the message box 'T': Done",
+      "1 told answers were never asked for",
+  };
+  EXPECT_EQ(failures, expected);
+}
+
+}  // namespace
+}  // namespace kv
