@@ -1,0 +1,65 @@
+#include "apps/support/SimulatedControllers.h"
+
+#include <system_error>
+
+#include "base/PathText.h"
+#include "simulator/ModelTable.h"
+#include "simulator/SimulatedController.h"
+
+namespace kv {
+
+namespace {
+
+// Model texts contain "/" and blanks; a file name must not contain the former.
+std::string FileNameOf(std::string_view model) {
+  std::string name = "Simulated " + std::string(model) + ".state";
+  for (char& c : name) {
+    if (c == '/') c = '-';
+  }
+  return name;
+}
+
+}  // namespace
+
+SimulatedControllers::SimulatedControllers(std::filesystem::path folder) : mFolder(std::move(folder)) {}
+
+SimulatedControllers::~SimulatedControllers() {
+  (void)Save();
+}
+
+std::expected<std::unique_ptr<InProcessLine>, std::string> SimulatedControllers::NewLine(const std::string& model) {
+  const sim::Model* known = sim::FindModel(model);
+  if (!known) return std::unexpected("there is no simulated controller \"" + model + "\"");
+  const std::string name(known->name);
+  auto found = mControllers.find(name);
+  if (found == mControllers.end()) {
+    sim::SimulatorOptions options;
+    options.model = name;
+    options.stateFile = StateFile(name);
+    auto created = sim::SimulatedController::Create(options);
+    if (!created) return std::unexpected(created.error());
+    found = mControllers.emplace(name, std::move(*created)).first;
+  }
+  return found->second->NewLine();
+}
+
+std::expected<void, std::string> SimulatedControllers::Save() {
+  std::expected<void, std::string> result;
+  for (const auto& [name, controller] : mControllers) {
+    if (const auto saved = controller->SaveState(); !saved) result = saved;
+  }
+  return result;
+}
+
+std::string SimulatedControllers::StateFile(std::string_view model) const {
+  std::error_code ignored;
+  if (mFolder.empty() || !std::filesystem::is_directory(mFolder, ignored)) return {};
+  return Utf8FromPath(mFolder / PathFromUtf8(FileNameOf(model)));
+}
+
+std::string ReportedModelOfSimulated(std::string_view name) {
+  const sim::Model* model = sim::FindModel(name);
+  return model ? std::string(model->reported) : std::string();
+}
+
+}  // namespace kv
