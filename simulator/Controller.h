@@ -34,24 +34,25 @@ struct Connection {
 // What a text command did: the reply text without seal and frame, and what the line has to do after it was sent.
 struct TextReply {
   std::string text;
-  bool changesNothing = true;     // a read: SY does not remember it
-  std::optional<int> newBaud;     // line speed from after the reply on
-  bool resets = false;            // the controller restarts after the reply: every connection loses its access
+  bool changesNothing = true;  // a read: SY does not remember it
+  std::optional<int> newBaud;  // line speed from after the reply on
+  bool resets = false;         // the controller restarts after the reply: every connection loses its access
 };
 
 // One simulated controller: what it is, what it holds and what it does with a request. It knows nothing of frames,
 // seals, tags of block messages or faults: those are the line's (simulator/Line.h).
 class Controller {
  public:
-  // Refused with a plain sentence when the options do not fit together (unknown model, bad version, damaged state file).
+  // Refused with a plain sentence when the options do not fit together (unknown model, bad version, damaged state
+  // file).
   [[nodiscard]] static std::expected<std::unique_ptr<Controller>, std::string> Create(const SimulatorOptions& options);
   virtual ~Controller() = default;
 
   // Lets the controller's own life go on until `now`: clock, ramps, counters, running timers, flash work.
   virtual void Advance(kv::Instant now) = 0;
 
-  // Executes one ASCII request, the text as it stood in the frame (for our own commands with tag and check, the check having been
-  // found good by the line). Everything but SY, which is the line's.
+  // Executes one ASCII request, the text as it stood in the frame (for our own commands with tag and check, the check
+  // having been found good by the line). Everything but SY, which is the line's.
   [[nodiscard]] virtual TextReply ExecuteText(std::string_view text, Connection& connection) = 0;
 
   // Executes one block message.
@@ -59,7 +60,8 @@ class Controller {
 
   [[nodiscard]] virtual bool UnderstandsBlocks() const = 0;
   [[nodiscard]] virtual std::uint8_t Unit() const = 0;
-  // A write that lies: requests that change operands or memory are answered as done but change nothing while this is on.
+  // A write that lies: requests that change operands or memory are answered as done but change nothing while this is
+  // on.
   virtual void SetLying(bool lying) = 0;
 
   // Writes the state file when there is one and something has changed. False with the reason on stderr's text.

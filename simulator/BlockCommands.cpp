@@ -1,0 +1,182 @@
+#include "simulator/BlockCommands.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include "simulator/OperandList.h"
+
+namespace sim {
+namespace {
+
+constexpr int kDone = 10;
+constexpr int kDoneInBackground = 11;
+constexpr int kBusy = 5;
+constexpr int kRefused = 128;
+
+constexpr std::uint32_t kRunStateField = 7;
+constexpr std::uint32_t kRunStateLength = 2;
+constexpr std::uint32_t kStatusLength = 106;
+constexpr std::size_t kPasswordBlock = 8;
+constexpr std::uint32_t kLongestRead = 4096;
+
+using Answer = Result<BlockReply>;
+
+Answer Done(std::string payload = {}) {
+  return BlockReply{kDone, std::move(payload)};
+}
+
+Answer AnswerOf(const Result<void>& done) {
+  return done ? Done() : Refuse(done.error());
+}
+
+Answer AnswerOf(Result<std::string> payload) {
+  if (!payload) return Refuse(payload.error());
+  return Done(std::move(*payload));
+}
+
+bool IsInBootLoader(const Machine& machine) {
+  return machine.State() == RunState::Boot;
+}
+
+Answer TellRunState(Machine& machine, const BlockRequest& request) {
+  if (request.param1 != kRunStateField || request.dataLength != kRunStateLength) return Refuse(Refusal::Malformed);
+  return Done({machine.StateLetter(), '\0'});
+}
+
+Answer Accept(Machine&, const BlockRequest&) {
+  return Done();
+}
+
+Answer TellStatus(Machine& machine, const BlockRequest& request) {
+  if (request.dataLength != kStatusLength) return Refuse(Refusal::Malformed);
+  const bool inBoot = IsInBootLoader(machine);
+  const bool programs = machine.flash.IsBusyWith(FlashWork::Kind::Program);
+  const bool isValid = inBoot ? machine.aurexOs.IsGoodSoFar() : machine.project.IsProgrammed();
+  std::string status(kStatusLength, '\0');
+  status[0] = 'R';
+  status[2] = programs ? 'P' : 'I';
+  status[3] = static_cast<char>(machine.flash.PercentDone());
+  status[8] = static_cast<char>(inBoot ? machine.aurexOs.ChunkCount() : machine.project.TopicCount());
+  status[9] = isValid && !programs ? 1 : 0;
+  status[28] = inBoot ? 3 : 0;
+  return Done(std::move(status));
+}
+
+Answer BeginProject(Machine& machine, const BlockRequest& request) {
+  if (request.payload.size() != kPasswordBlock) return Refuse(Refusal::Malformed);
+  if (machine.flash.IsBusy()) return Refuse(Refusal::Busy);
+  machine.BeginLoad();
+  machine.project.Begin(request.payload);
+  return Done();
+}
+
+Answer ConfirmProject(Machine& machine, const BlockRequest& request) {
+  return AnswerOf(machine.project.Confirm(request.payload));
+}
+
+Answer TakeTopic(Machine& machine, const BlockRequest& request) {
+  if (request.dataLength != request.payload.size()) return Refuse(Refusal::Malformed);
+  if (machine.flash.IsBusy()) return Refuse(Refusal::Busy);
+  if (!IsInBootLoader(machine)) return AnswerOf(machine.project.TakeTopic(request.param3, request.payload));
+  return AnswerOf(machine.aurexOs.Take({request.param1, request.param3, request.param4, request.payload}));
+}
+
+// 300 ms and 20 us a byte, 5 s at most: a status poll sees it at work, nobody waits long.
+kv::Duration ProgrammingTime(std::size_t bytes) {
+  const kv::Duration time = std::chrono::milliseconds(300) + kv::Duration(20) * static_cast<std::int64_t>(bytes);
+  return std::min<kv::Duration>(time, std::chrono::seconds(5));
+}
+
+Answer Program(Machine& machine, const BlockRequest&) {
+  if (machine.flash.IsBusy()) return Refuse(Refusal::Busy);
+  const auto bytes = IsInBootLoader(machine) ? machine.aurexOs.Program() : machine.project.Program();
+  if (!bytes) return Refuse(bytes.error());
+  machine.flash.Start(FlashWork::Kind::Program, ProgrammingTime(*bytes));
+  return BlockReply{kDoneInBackground, {}};
+}
+
+Answer ReadOperandRecords(Machine& machine, const BlockRequest& request) {
+  const std::uint64_t expected = std::uint64_t{request.dataLength} * kOperandRecordSize;
+  if (request.payload.size() != expected) return Refuse(Refusal::Malformed);
+  return AnswerOf(ReadOperandList(machine.operands, request.payload));
+}
+
+Answer ReadMemory(Machine& machine, const BlockRequest& request) {
+  if (request.dataLength > kLongestRead) return Refuse(Refusal::OutsideMemory);
+  return AnswerOf(machine.memory.Read(request.param1, request.dataLength));
+}
+
+Answer ListResources(Machine& machine, const BlockRequest& request) {
+  return AnswerOf(machine.resources.Directory(request.param3));
+}
+
+Answer ReadResource(Machine& machine, const BlockRequest& request) {
+  return AnswerOf(machine.resources.Piece(request.param3, request.param4, request.param1, request.dataLength));
+}
+
+Answer SetSystemMode(Machine& machine, const BlockRequest& request) {
+  if (request.param1 > 1) return Refuse(Refusal::Malformed);
+  machine.displayInSystemMode = request.param1 == 1;
+  return Done();
+}
+
+struct Operation {
+  std::uint16_t opCode;
+  bool needsAccess;
+  bool needsColour;
+  bool worksInBoot;
+  Answer (*execute)(Machine&, const BlockRequest&);
+};
+
+// clang-format off
+constexpr Operation kOperations[] = {
+    // code access colour boot   does
+    {0,    false, false, true,  TellRunState},
+    {1,    false, false, true,  Accept},
+    {2,    true,  false, false, ConfirmProject},
+    {7,    false, false, true,  TellStatus},
+    {8,    false, false, true,  Accept},
+    {65,   true,  false, true,  TakeTopic},
+    {66,   true,  false, false, BeginProject},
+    {69,   true,  false, true,  Program},
+    {256,  false, false, false, ReadOperandRecords},
+    {257,  false, false, false, ReadMemory},
+    {258,  false, true,  false, ListResources},
+    {259,  false, true,  false, ReadResource},
+    {260,  false, true,  false, SetSystemMode},
+};
+// clang-format on
+
+const Operation* FindOperation(std::uint16_t opCode) {
+  const auto operation = std::ranges::find(kOperations, opCode, &Operation::opCode);
+  return operation == std::end(kOperations) ? nullptr : &*operation;
+}
+
+Answer Execute(Machine& machine, const BlockRequest& request, const Connection& connection) {
+  const Operation* operation = FindOperation(request.opCode);
+  if (operation == nullptr) return Refuse(Refusal::UnknownCommand);
+  const bool isMissing = operation->needsColour && !machine.model.HasColour();
+  if (isMissing || !machine.model.UnderstandsBlocks()) return Refuse(Refusal::NotOnThisModel);
+  if (operation->needsAccess && !machine.MayAccess(connection)) return Refuse(Refusal::PasswordNeeded);
+  if (IsInBootLoader(machine) && !operation->worksInBoot) return Refuse(Refusal::WrongState);
+  return operation->execute(machine, request);
+}
+
+}  // namespace
+
+BlockReply ExecuteBlock(Machine& machine, const BlockRequest& request, const Connection& connection) {
+  auto answer = Execute(machine, request, connection);
+  if (answer) return std::move(*answer);
+  if (answer.error() == Refusal::Busy) return {kBusy, {}};
+  return {kRefused + static_cast<int>(answer.error()), {}};
+}
+
+// What a controller guards is what it keeps.
+bool MayChangeState(std::uint16_t opCode) {
+  const Operation* operation = FindOperation(opCode);
+  return operation != nullptr && operation->needsAccess;
+}
+
+}  // namespace sim

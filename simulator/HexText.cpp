@@ -1,0 +1,77 @@
+#include "simulator/HexText.h"
+
+#include <optional>
+
+namespace sim {
+namespace {
+
+constexpr std::string_view kDigits = "0123456789ABCDEF";
+
+std::optional<std::uint32_t> ParseDigits(std::string_view digits) {
+  std::uint32_t value = 0;
+  for (const char digit : digits) {
+    const std::size_t place = kDigits.find(digit);
+    if (place == std::string_view::npos) return std::nullopt;
+    value = value << 4 | static_cast<std::uint32_t>(place);
+  }
+  return value;
+}
+
+}  // namespace
+
+std::uint32_t HexReader::Number(std::size_t digits) {
+  const auto value = mRest.size() < digits ? std::nullopt : ParseDigits(mRest.substr(0, digits));
+  if (!value) {
+    Spoil();
+    return 0;
+  }
+  mRest.remove_prefix(digits);
+  return *value;
+}
+
+std::string HexReader::Bytes(std::size_t count) {
+  if (mRest.size() / 2 < count) {
+    Spoil();
+    return {};
+  }
+  std::string bytes(count, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(Number(2));
+  return mGood ? bytes : std::string();
+}
+
+std::string HexReader::RestAsBytes() {
+  if (mRest.size() % 2 != 0) Spoil();
+  return Bytes(mRest.size() / 2);
+}
+
+char HexReader::Letter() {
+  if (mRest.empty()) {
+    Spoil();
+    return '\0';
+  }
+  const char letter = mRest.front();
+  mRest.remove_prefix(1);
+  return letter;
+}
+
+void HexReader::Spoil() {
+  mGood = false;
+  mRest = {};
+}
+
+bool IsHexText(std::string_view text) {
+  return ParseDigits(text).has_value();
+}
+
+std::string HexOfBytes(std::string_view bytes) {
+  std::string text;
+  text.reserve(bytes.size() * 2);
+  for (const char byte : bytes) {
+    const auto value = static_cast<unsigned char>(byte);
+    text += kDigits[value >> 4];
+    text += kDigits[value & 0xF];
+  }
+  return text;
+}
+
+}  // namespace sim

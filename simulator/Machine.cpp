@@ -1,0 +1,104 @@
+#include "simulator/Machine.h"
+
+#include <algorithm>
+
+#include "base/Crc32.h"
+
+namespace sim {
+namespace {
+
+constexpr std::size_t kPasswordSize = 8;
+
+std::uint32_t MemorySeed(const Model& model, std::uint8_t unit) {
+  return kv::Crc32(std::string(model.name) + "|" + std::to_string(unit));
+}
+
+}  // namespace
+
+Machine::Machine(const Model& itsModel, const Identity& itsIdentity, std::uint64_t seed)
+    : model(itsModel),
+      identity(itsIdentity),
+      operands(itsModel),
+      memory(itsModel.memory, MemorySeed(itsModel, itsIdentity.unit)),
+      aurexOs(itsModel),
+      compactOs(itsModel),
+      mMovingValues(seed) {
+  MovingValues::SetFirstValues(operands);
+  SetOs(itsIdentity.os);
+}
+
+void Machine::SetOs(const OsVersion& os) {
+  identity.os = os;
+  operands.SetOlderOs(HasOlderOperandCounts(model, os.number));
+}
+
+Result<void> Machine::Stop() {
+  if (mState == RunState::Boot) return Refuse(Refusal::WrongState);
+  if (mState == RunState::Running) mState = RunState::Stopped;  // a load has stopped the program already
+  return {};
+}
+
+Result<void> Machine::Run() {
+  if (mState == RunState::Boot) return Refuse(Refusal::WrongState);
+  if (const auto idle = CheckIdle(); !idle) return idle;
+  restore.End();
+  compactProjectBegun = false;
+  if (!project.IsProgrammed()) project.Drop();
+  mState = RunState::Running;
+  return {};
+}
+
+Result<void> Machine::Reset() {
+  if (const auto idle = CheckIdle(); !idle) return idle;
+  if (const auto name = project.NewName()) identity.projectName = *name;
+  if (const auto os = aurexOs.NewVersion()) SetOs(*os);
+  if (const auto os = compactOs.NewVersion()) {
+    SetOs(*os);
+    identity.hasOs = true;
+    compactOs.Drop();
+  }
+  project.Drop();
+  aurexOs.Drop();
+  restore.End();
+  compactProjectBegun = false;
+  displayInSystemMode = false;
+  mState = identity.hasOs ? RunState::Running : RunState::Boot;
+  return {};
+}
+
+Result<void> Machine::EnterBootLoader() {
+  if (const auto idle = CheckIdle(); !idle) return idle;
+  if (mState == RunState::Boot) return {};
+  BeginLoad();
+  mState = RunState::Boot;
+  return {};
+}
+
+void Machine::BeginLoad() {
+  restore.End();
+  project.Drop();
+  compactProjectBegun = false;
+  mState = RunState::Loading;
+}
+
+bool Machine::TakePassword(const std::string& padded, Connection& connection) const {
+  std::string wanted = password;
+  wanted.resize(kPasswordSize, ' ');
+  if (!password.empty() && padded != wanted) return false;
+  connection.hasAccess = true;
+  return true;
+}
+
+void Machine::Advance(kv::Instant now) {
+  const kv::Duration elapsed = mNow ? std::max(now - *mNow, kv::Duration{0}) : kv::Duration{0};
+  mNow = std::max(mNow.value_or(now), now);
+  flash.Advance(elapsed);
+  mMovingValues.Advance(operands, elapsed, mState == RunState::Running);
+}
+
+Result<void> Machine::CheckIdle() const {
+  if (flash.IsBusy()) return Refuse(Refusal::Busy);
+  return {};
+}
+
+}  // namespace sim

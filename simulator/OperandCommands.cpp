@@ -1,0 +1,60 @@
+// RO and WO: typed operands in ASCII frames.
+#include <cstdint>
+#include <vector>
+
+#include "base/Numbers.h"
+#include "simulator/TextCommands.h"
+
+namespace sim::commands {
+namespace {
+
+struct OperandSpan {
+  const OperandTypeRow* type;
+  std::uint32_t start;
+  std::uint32_t count;
+
+  [[nodiscard]] std::string Echo() const {
+    return kv::ToHex(type->code, 2) + kv::ToHex(start, 4) + kv::ToHex(count, 4);
+  }
+};
+
+Result<OperandSpan> TakeSpan(HexReader& fields) {
+  const std::uint32_t code = fields.Number(2);
+  const std::uint32_t start = fields.Number(4);
+  const std::uint32_t count = fields.Number(4);
+  if (!fields.IsGood()) return Refuse(Refusal::Malformed);
+  const OperandTypeRow* type = FindOperandType(code);
+  if (type == nullptr) return Refuse(Refusal::UnknownOperandType);
+  return OperandSpan{type, start, count};
+}
+
+}  // namespace
+
+Answer ReadOperands(TextCall& call) {
+  const auto span = TakeSpan(call.fields);
+  if (!span) return Refuse(span.error());
+  if (!call.fields.IsGoodAndDone()) return Refuse(Refusal::Malformed);
+  const auto values = call.machine.operands.Read(*span->type, span->start, span->count);
+  if (!values) return Refuse(values.error());
+  std::string reply = span->Echo();
+  for (std::size_t i = 0; i < values->size(); ++i) {
+    reply += kv::ToHex((*values)[i], span->type->digits[i % span->type->fields]);
+  }
+  return reply;
+}
+
+Answer WriteOperands(TextCall& call) {
+  const auto span = TakeSpan(call.fields);
+  if (!span) return Refuse(span.error());
+  if (const auto allowed = call.machine.operands.CheckWrite(*span->type, span->start, span->count); !allowed) {
+    return Refuse(allowed.error());
+  }
+  std::vector<std::uint32_t> values(span->count);
+  for (std::uint32_t& value : values) value = call.fields.Number(span->type->Digits());
+  if (!call.fields.IsGoodAndDone()) return Refuse(Refusal::Malformed);
+  const auto written = call.machine.operands.Write(*span->type, span->start, values);
+  if (!written) return Refuse(written.error());
+  return span->Echo() + "OK";
+}
+
+}  // namespace sim::commands

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "simulator/Controller.h"
+
+namespace sim::test {
+
+inline SimulatorOptions Options(const std::string& model, const std::string& osVersion = "") {
+  SimulatorOptions options;
+  options.model = model;
+  options.osVersion = osVersion;
+  return options;
+}
+
+// One controller with one connection to it and a clock of its own.
+class Bench {
+ public:
+  explicit Bench(const SimulatorOptions& options) {
+    auto made = Controller::Create(options);
+    if (!made) throw std::runtime_error(made.error());
+    mController = std::move(*made);
+    mController->Advance(mNow);
+  }
+  explicit Bench(const std::string& model) : Bench(Options(model)) {}
+
+  TextReply Send(const std::string& text) { return mController->ExecuteText(text, connection); }
+  std::string Text(const std::string& text) { return Send(text).text; }
+  // A command with tag and check; the reply without name and tag, which are verified.
+  std::string Own(const std::string& name, const std::string& fields) {
+    const std::string reply = Text(name + "A1B2" + fields + "00000000");
+    if (reply.starts_with(name + "ERROR")) return reply.substr(2);
+    EXPECT_EQ(reply.substr(0, 6), name + "A1B2");
+    return reply.substr(6);
+  }
+  BlockReply Block(std::uint16_t opCode, std::uint32_t param1 = 0, std::uint32_t dataLength = 0,
+                   std::uint16_t param3 = 0, std::uint16_t param4 = 0, const std::string& payload = "") {
+    return mController->ExecuteBlock({opCode, param1, dataLength, param3, param4, payload}, connection);
+  }
+  void Wait(kv::Duration time) {
+    mNow += time;
+    mController->Advance(mNow);
+  }
+  char State() { return Own("IN", "")[8]; }
+  Controller& It() { return *mController; }
+
+  Connection connection;
+
+ private:
+  kv::Instant mNow{std::chrono::hours(7)};
+  std::unique_ptr<Controller> mController;
+};
+
+}  // namespace sim::test

@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+#include "ControllerBench.h"
+#include "simulator/ModelTable.h"
+
+namespace sim::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(ControllerCommands, IdentifyEachKindOfModel) {
+  const struct {
+    std::string model, os, running, inBootLoader;
+  } cases[] = {
+      {"K220-22-R1", "", "K220-22-R1|10|4.60|19", "BOOT|10|4.60|19"},
+      {"K220-32", "3.73", "K220-32|20|3.73|19", "BOOT|20|3.73|19"},
+      {"K230", "", "K230|23|HW 1.0;BT 1.2;FL 2.0;O/S 1.10;|B19;", "BOOT|23|HW 1.0;BT 1.2;FL 2.0;O/S 1.10;|B19;"},
+      {"K670-T40", "1.0", "K670-67-T40 / K390-29-T40|67|HW 1.0;BT 1.2;FL 2.0;O/S 1.0;|B19;",
+       "CLR BOOT|67|HW 1.0;BT 1.2;FL 2.0;O/S 1.0;|B19;"},
+      {"AurexQ50", "", "AurexQ50|50|4.60|19", "BOOT|50|4.60|19"},
+      {"Q50Net", "", "Q50-2-R34|5N|4.60|19", "BQ50|5N|4.60|19"},
+      {"BRIO", "", "BRIO-R16|16|4.60|19", "BRBOOT|16|4.60|19"},
+  };
+  for (const auto& c : cases) {
+    Bench bench(Options(c.model, c.os));
+    EXPECT_EQ(bench.Text("ID"), "ID" + c.running);
+    EXPECT_EQ(bench.Text("CCB"), "CCOK");
+    EXPECT_EQ(bench.Text("ID"), "ID" + c.inBootLoader);
+  }
+}
+
+TEST(ControllerCommands, OptionsThatCannotBeAreRefusedWithASentence) {
+  const auto why = [](const SimulatorOptions& options) {
+    const auto made = Controller::Create(options);
+    return made ? std::string("made") : made.error();
+  };
+  SimulatorOptions options = Options("K999");
+  EXPECT_EQ(why(options), "There is no simulated model \"K999\".");
+  EXPECT_NE(why(Options("K670", "4.6.0")).find("\"4.6.0\" does not fit the model"), std::string::npos);
+  EXPECT_NE(why(Options("K330", "4,60")).find("digits with points"), std::string::npos);
+  options = Options("K330");
+  options.osBuild = 100;
+  EXPECT_EQ(why(options), "The O/S build must be from 0 to 99.");
+  options.osBuild = 7;
+  options.password = "123456789";
+  EXPECT_NE(why(options).find("at most 8 characters"), std::string::npos);
+}
+
+TEST(ControllerCommands, RefuseByModelShapeAndState) {
+  const struct {
+    std::string model, before, text, reply;
+  } cases[] = {
+      {"K330", "", "XY12", "XYERROR01"},
+      {"K330", "", "X", "XERROR01"},
+      {"K330", "", "CCX", "CCERROR01"},
+      {"K330", "", "IDX", "IDERROR01"},
+      {"K330", "", "DE", "DEERROR0E"},
+      {"K330", "", "FS05", "FSERROR0E"},
+      {"AurexQ50", "", "DI", "DIERROR0E"},
+      {"Q50", "CCB", "OSP00000", "OSERROR0E"},
+      {"K330", "", "IN12G400000000", "INERROR02"},
+      {"K330", "", "IN1234", "INERROR02"},
+      {"K330", "", "DRS00002", "DRERROR02"},
+      {"K330", "", "DRS00F020", "DRERROR04"},
+      {"K330", "", "DRS000000", "DRERROR04"},
+      {"K330", "CCB", "CCS", "CCERROR09"},
+      {"K330", "CCB", "CCR", "CCERROR09"},
+      {"K330", "CCB", "GI        ", "GIERROR09"},
+      {"K330", "CCB", "PV000A", "PVERROR09"},
+      {"K330", "", "ED", "EDERROR09"},
+      {"Q51", "", "FS05", "FSERROR09"},
+      {"Q51", "CCS", "LN41", "LNERROR09"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.model + " " + c.text);
+    Bench bench(c.model);
+    if (!c.before.empty()) {
+      EXPECT_EQ(bench.Text(c.before), "CCOK");
+    }
+    EXPECT_EQ(bench.Text(c.text), c.reply);
+  }
+}
+
+TEST(ControllerCommands, StepFromStateToState) {
+  Bench bench("K330");
+  const struct {
+    std::string text;
+    char state;
+    bool resets;
+  } steps[] = {
+      {"CCS", 'S', false}, {"CCS", 'S', false}, {"CCR", 'R', false}, {"CCM", 'L', false}, {"CCS", 'L', false},
+      {"CCR", 'R', false}, {"CCM", 'L', false}, {"ED", 'R', true},   {"CCS", 'S', false}, {"CCE", 'R', true},
+      {"CCM", 'L', false}, {"CCB", 'B', false}, {"CCB", 'B', false}, {"CCE", 'R', true},
+  };
+  for (const auto& step : steps) {
+    EXPECT_EQ(bench.Send(step.text).resets, step.resets) << step.text;
+    EXPECT_EQ(bench.State(), step.state) << step.text;
+    EXPECT_EQ(bench.Block(0, 7, 2).payload, std::string({step.state, '\0'}));
+    EXPECT_EQ(bench.Text("DRS000001").substr(2), step.state == 'R'   ? "52"
+                                                 : step.state == 'S' ? "53"
+                                                 : step.state == 'L' ? "4C"
+                                                                     : "42");
+  }
+}
+
+TEST(ControllerCommands, TellTheLineWhatToDoNext) {
+  Bench bench("Q51");
+  EXPECT_EQ(bench.Send("CPSR010A").newBaud, 57600);
+  EXPECT_EQ(bench.Send("CPSR0007").newBaud, 9600);
+  EXPECT_EQ(bench.Send("CB0A").newBaud, 57600);
+  EXPECT_TRUE(bench.Send("ID").changesNothing);
+  EXPECT_TRUE(bench.Send("ROxx").changesNothing);
+  EXPECT_FALSE(bench.Send("DI").changesNothing);
+  EXPECT_FALSE(bench.Send("WOxx").changesNothing);
+  EXPECT_FALSE(bench.Send("??").changesNothing);
+}
+
+TEST(ControllerCommands, APasswordGuardsWhatStopsOrWrites) {
+  SimulatorOptions options = Options("K330");
+  options.password = "key";
+  Bench bench(options);
+  for (const char* text : {"CCS", "CCR", "CCE", "CCB", "CCM", "PV000A", "ED",
+                           "WDR0010000002"
+                           "0102"}) {
+    EXPECT_EQ(bench.Text(text), std::string(text).substr(0, 2) + "ERROR07");
+  }
+  EXPECT_EQ(bench.Own("WO", "010000000101"), "ERROR07");
+  for (const std::uint16_t op : std::initializer_list<std::uint16_t>{2, 65, 66, 69})
+    EXPECT_EQ(bench.Block(op).status, 128 + 7);
+  EXPECT_EQ(bench.State(), 'R');
+
+  EXPECT_EQ(bench.Own("AC", "6B6579202020204B"), "ERROR08");
+  EXPECT_EQ(bench.Text("GIwrong   "), "GI0");
+  EXPECT_EQ(bench.Text("CCS"), "CCERROR07");
+  EXPECT_EQ(bench.Text("GIkey     ").substr(0, 7), "GI10008");
+  EXPECT_EQ(bench.Text("CCS"), "CCOK");
+  EXPECT_EQ(bench.Text("CCE"), "CCOK");  // the reset takes the access back
+  EXPECT_EQ(bench.Text("CCS"), "CCERROR07");
+  EXPECT_EQ(bench.Own("AC", "6B65792020202020"), "OK");
+  EXPECT_EQ(bench.Text("CCS"), "CCOK");
+
+  SimulatorOptions compact = Options("Q51");
+  compact.password = "key";
+  Bench q51(compact);
+  for (const char* text : {"DE", "LN41", "LD00000041"}) EXPECT_EQ(q51.Text(text).substr(2), "ERROR07");
+}
+
+TEST(ControllerCommands, ResourcesAreReadPieceByPiece) {
+  Bench bench("K670");
+  const std::string directory = bench.Block(258, 0, 0, 2).payload;
+  ASSERT_EQ(directory.size(), 2U + 3 * 38);
+  EXPECT_EQ(directory.substr(0, 2), std::string("\3\0", 2));
+  EXPECT_EQ(directory.substr(2 + 2 * 38, 2), std::string("\7\0", 2));
+  EXPECT_EQ(std::string(directory.substr(2 + 2 * 38 + 6).c_str()), "Alarm");
+  const BlockReply first = bench.Block(259, 0, 4096, 2, 7);
+  const BlockReply rest = bench.Block(259, 4096, 54 + 48 * 48 * 3 - 4096, 2, 7);
+  EXPECT_EQ(first.payload.substr(0, 6), std::string("BM\x36\x1B\0\0", 6));
+  EXPECT_EQ(first.payload.size() + rest.payload.size(), 54U + 48 * 48 * 3);
+  EXPECT_EQ(bench.Block(259, 0, 4, 1, 1).payload, "KFNT");
+  EXPECT_EQ(bench.Block(259, 4096, 4096, 2, 7).status, 128 + 0x0B);
+  EXPECT_EQ(bench.Block(259, 0, 1, 2, 9).status, 128 + 0x0B);
+  EXPECT_EQ(bench.Block(258, 0, 0, 3).status, 128 + 2);
+  EXPECT_EQ(Bench("K330").Block(258, 0, 0, 1).status, 128 + 0x0E);
+
+  EXPECT_EQ(bench.Text("DRS001A01"), "DR05");
+  EXPECT_EQ(bench.Block(260, 1).status, 10);
+  EXPECT_EQ(bench.Text("DRS001A01"), "DR0D");
+}
+
+TEST(ControllerCommands, EveryModelComesUpUnderAllItsNames) {
+  for (const Model& model : AllModels()) {
+    Bench bench{std::string(model.name)};
+    EXPECT_EQ(bench.Text("ID").substr(2, model.reported.size()), model.reported);
+    EXPECT_EQ(bench.State(), 'R');
+    EXPECT_EQ(bench.It().UnderstandsBlocks(), model.family == Family::Aurex) << model.name;
+  }
+  for (const char* name : {"K220", "K380", "K670", "K670-C30", "K670-T40", "K660", "K450"})
+    EXPECT_NE(FindModel(name), nullptr);
+}
+
+}  // namespace
+}  // namespace sim::test

@@ -1,0 +1,176 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+#include "ControllerBench.h"
+
+namespace sim::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kRefused = 128;
+
+std::string ProjectName(Bench& bench) {
+  return bench.Own("IN", "").substr(9);
+}
+char StatusByte(Bench& bench, std::size_t index) {
+  return bench.Block(7, 0, 106).payload.at(index);
+}
+
+TEST(Downloads, AnAurexProjectTakesEffectWithTheReset) {
+  Bench bench("K330");
+  EXPECT_EQ(bench.Block(65, 0, 4, 1, 0, "Name").status, kRefused + 9);
+  EXPECT_EQ(bench.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
+  EXPECT_EQ(bench.State(), 'L');
+  EXPECT_EQ(bench.Block(65, 0, 4, 1, 0, "Name").status, kRefused + 0xF);  // before 2
+  EXPECT_EQ(bench.Block(2, 0, 0, 0, 0, "PASSWORX").status, kRefused + 8);
+  EXPECT_EQ(bench.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
+  EXPECT_EQ(bench.Block(65, 0, 9, 1, 0, "Hall").status, kRefused + 2);
+  EXPECT_EQ(bench.Block(65, 0, 9, 1, 0, std::string("Hall\0xxxx", 9)).status, 10);
+  EXPECT_EQ(bench.Block(65, 7, 3, 2, 5, "abc").status, 10);
+  EXPECT_EQ(StatusByte(bench, 8), 2);
+  EXPECT_EQ(StatusByte(bench, 9), 0);
+  EXPECT_EQ(bench.Block(69).status, 11);
+  EXPECT_EQ(StatusByte(bench, 2), 'P');
+  EXPECT_EQ(bench.Block(69).status, 5);
+  EXPECT_EQ(bench.Text("CCE"), "CCERROR0A");
+  bench.Wait(1s);
+  EXPECT_EQ(StatusByte(bench, 2), 'I');
+  EXPECT_NE(StatusByte(bench, 9), 0);
+  EXPECT_EQ(ProjectName(bench), "");
+  EXPECT_EQ(bench.Text("CCE"), "CCOK");
+  EXPECT_EQ(ProjectName(bench), "48616C6C");
+  EXPECT_EQ(bench.State(), 'R');
+}
+
+TEST(Downloads, ACutAurexProjectLeavesTheOldOne) {
+  Bench bench("K330");
+  const auto send = [&bench](const std::string& name) {
+    EXPECT_EQ(bench.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
+    EXPECT_EQ(bench.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
+    EXPECT_EQ(bench.Block(65, 0, static_cast<std::uint32_t>(name.size()), 1, 0, name).status, 10);
+  };
+  send("First");
+  EXPECT_EQ(bench.Block(69).status, 11);
+  bench.Wait(1s);
+  EXPECT_EQ(bench.Text("CCE"), "CCOK");
+  send("Second");
+  EXPECT_EQ(bench.Text("CCE"), "CCOK");
+  EXPECT_EQ(ProjectName(bench), "4669727374");
+  EXPECT_EQ(bench.Block(69).status, kRefused + 9);
+}
+
+TEST(Downloads, ACompactProjectIsErasedAndWritten) {
+  Bench bench("Q51");
+  EXPECT_EQ(bench.Text("DI"), "DII");
+  EXPECT_EQ(bench.Text("CCS"), "CCOK");
+  EXPECT_EQ(bench.Text("DE"), "DEOK");
+  EXPECT_EQ(bench.State(), 'L');
+  EXPECT_EQ(bench.Text("DI"), "DIB");
+  EXPECT_EQ(bench.Text("LN50756D70"), "LNERROR0A");
+  bench.Wait(2s);
+  EXPECT_EQ(bench.Text("DI"), "DII");
+  EXPECT_EQ(bench.Text("LN50756D70"), "LNOK");
+  EXPECT_EQ(bench.Text("LN" + std::string(42, '4')), "LNERROR02");
+  EXPECT_EQ(bench.Text("LD0000020102"), "LDOK");
+  EXPECT_EQ(bench.Text("LD004E3A01"), "LDERROR0B");
+  EXPECT_EQ(bench.Text("LD000002"), "LDERROR02");
+  EXPECT_EQ(bench.Text("RX00000000").substr(0, 20), "RX00000000FFFF0102FF");
+  EXPECT_EQ(bench.Text("CCE"), "CCOK");
+  EXPECT_EQ(ProjectName(bench), "50756D70");
+  EXPECT_EQ(bench.State(), 'R');
+}
+
+std::string OsHeader(const std::string& model, const std::string& version) {
+  return std::string("OS\x64\x01") + model + version + std::string(5, '\0');
+}
+
+TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
+  const struct {
+    std::string model, image, reported;
+  } cases[] = {{"K220-22-R1", "K220", "|4.75|00"},
+               {"K220-32", "K222", "|4.75|00"},
+               {"K380", "K330", "|4.75|00"},
+               {"K670", "CLR ", "O/S 4.75;|B00;"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.model);
+    Bench bench(c.model);
+    EXPECT_EQ(bench.Text("CCB"), "CCOK");
+    EXPECT_EQ(StatusByte(bench, 28), 3);
+    const auto chunk = [&bench](std::uint16_t topic, std::uint16_t sequence, const std::string& data) {
+      return bench.Block(65, 0x1000, static_cast<std::uint32_t>(data.size()), sequence, topic, data).status;
+    };
+    EXPECT_EQ(chunk(1, 1, "data"), kRefused + 0xF);  // no header yet
+    EXPECT_EQ(chunk(0, 0, OsHeader("K999", "475")), kRefused + 0xF);
+    EXPECT_EQ(chunk(0, 0, OsHeader(c.image, "4x5")), kRefused + 0xF);
+    EXPECT_EQ(chunk(0, 0, OsHeader(c.image, "475")), 10);
+    EXPECT_EQ(bench.Block(69).status, kRefused + 0xF);
+    EXPECT_EQ(chunk(1, 2, "data"), kRefused + 0xF);
+    for (std::uint16_t k = 1; k <= 256; ++k) EXPECT_EQ(chunk(1, k == 256 ? 1 : k, std::string(500, 'x')), 10);
+    EXPECT_EQ(chunk(1, 1, std::string(500, 'x')), 10);  // a repeat
+    EXPECT_EQ(chunk(1, 3, "data"), kRefused + 0xF);
+    EXPECT_EQ(chunk(1, 2, std::string(501, 'x')), kRefused + 2);
+    EXPECT_EQ(chunk(2, 1, "fonts"), 10);
+    EXPECT_EQ(bench.Block(69).status, 11);
+    bench.Wait(10s);
+    EXPECT_NE(StatusByte(bench, 9), 0);
+    EXPECT_EQ(bench.Text("CCE"), "CCOK");
+    EXPECT_TRUE(bench.Text("ID").ends_with(c.reported)) << bench.Text("ID");
+    EXPECT_EQ(bench.State(), 'R');
+  }
+}
+
+TEST(Downloads, AnOsThatWasNotProgrammedLeavesTheOldOne) {
+  Bench bench("K330");
+  EXPECT_EQ(bench.Text("CCB"), "CCOK");
+  EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", "299")).status, 10);
+  EXPECT_EQ(bench.Text("CCE"), "CCOK");
+  EXPECT_EQ(bench.Text("ID"), "IDK330|33|4.60|19");
+}
+
+std::string Digits(const std::string& bytes) {
+  std::string hex;
+  for (const char c : bytes) hex += std::string{"0123456789ABCDEF"[c >> 4 & 15], "0123456789ABCDEF"[c & 15]};
+  return hex;
+}
+
+TEST(Downloads, ACompactOsReplacesTheReportedVersion) {
+  const struct {
+    std::string model, erase, write, image;
+  } cases[] = {{"Q50", "OSE0", "FW0000", "Q50"}, {"Q51", "OSE0", "OSP0", "Q51"},  {"Q58", "OSE0", "OSP0", "Q58"},
+               {"PX1", "OSC7F", "OSP0", "PX1"},  {"PR1", "OSC7F", "OSP0", "PR1"}, {"BRIO", "OSC7F", "OSP0", "BRI"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.model);
+    Bench bench(c.model);
+    const std::string ok = c.write.substr(0, 2) + "OK";
+    const std::string refused = c.write.substr(0, 2) + "ERROR";
+    const auto image = [](const std::string& model) { return Digits("KOSI" + model + "v4712" + std::string(52, 'x')); };
+    EXPECT_EQ(bench.Text("CCB"), "CCOK");
+    EXPECT_EQ(bench.Text("FS05"), "FSOK");
+    EXPECT_EQ(bench.Text("FI"), "FI10");
+    EXPECT_EQ(bench.Text(c.erase), "OSERROR0A");
+    bench.Wait(1s);
+    EXPECT_EQ(bench.Text("FI"), "FI20");
+    EXPECT_EQ(bench.Text("OSS"), "OS20");
+    EXPECT_EQ(bench.Text(c.write + "0000" + image(c.image)), refused + "0D");
+    EXPECT_EQ(bench.Text(c.erase), "OSOK");
+    EXPECT_EQ(bench.Text("OSS"), "OS10");
+    bench.Wait(3s);
+    EXPECT_EQ(bench.Text("OSS"), "OS00");
+    EXPECT_EQ(bench.Text(c.write + "0040" + Digits(std::string(64, 'y'))), ok);
+    EXPECT_EQ(bench.Text("CCE"), "CCOK");
+    EXPECT_EQ(bench.State(), 'B');  // no first block yet
+    EXPECT_EQ(bench.Text(c.write + "0000" + image("Q99")), refused + "0F");
+    EXPECT_EQ(bench.Text(c.write + "0000" + image(c.image)), ok);
+    EXPECT_EQ(bench.Text(c.write + "0000" + image(c.image)), ok);  // a repeat
+    EXPECT_EQ(bench.Text(c.write + "0040" + Digits(std::string(64, 'z'))), refused + "0D");
+    EXPECT_EQ(bench.Text("CCE"), "CCOK");
+    EXPECT_TRUE(bench.Text("ID").ends_with("|4.71|02")) << bench.Text("ID");
+    EXPECT_EQ(bench.State(), 'R');
+  }
+}
+
+}  // namespace
+}  // namespace sim::test

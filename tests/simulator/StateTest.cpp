@@ -1,0 +1,138 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "ControllerBench.h"
+
+namespace sim::test {
+namespace {
+
+class State : public testing::Test {
+ protected:
+  void TearDown() override { std::filesystem::remove(mFile); }
+
+  SimulatorOptions Kept(const std::string& model) const {
+    SimulatorOptions options = Options(model);
+    options.stateFile = mFile.string();
+    return options;
+  }
+  std::string Content() const {
+    std::ifstream file(mFile, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  void SetContent(const std::string& content) const { std::ofstream(mFile, std::ios::binary) << content; }
+  std::string Error(const std::string& model) const {
+    const auto made = Controller::Create(Kept(model));
+    return made ? "" : made.error();
+  }
+
+  std::filesystem::path mFile = std::filesystem::temp_directory_path() /
+                                ("kvsim-state-" + std::to_string(testing::UnitTest::GetInstance()->random_seed()) +
+                                 testing::UnitTest::GetInstance()->current_test_info()->name());
+};
+
+TEST_F(State, IsThereAgainAfterSwitchingOff) {
+  std::string information;
+  {
+    Bench bench(Kept("Q51"));
+    EXPECT_EQ(bench.Text("DE"), "DEOK");
+    bench.Wait(std::chrono::seconds(2));
+    EXPECT_EQ(bench.Text("LN41"), "LNOK");
+    EXPECT_EQ(bench.Text("LD00001001"), "LDOK");
+    EXPECT_EQ(bench.Text("CCR"), "CCOK");
+    EXPECT_EQ(bench.Own("WO",
+                        "0300000002"
+                        "12348001"),
+              "0300000002OK");
+    EXPECT_EQ(bench.Own("WO",
+                        "5100050001"
+                        "00000064"),
+              "5100050001OK");
+    EXPECT_EQ(bench.Text("CCS"), "CCOK");
+    information = bench.Own("IN", "");
+    EXPECT_TRUE(bench.It().SaveState());
+  }
+  Bench bench(Kept("Q51"));
+  EXPECT_EQ(bench.Own("IN", ""), information);
+  EXPECT_EQ(information.substr(8), "S41");
+  EXPECT_EQ(bench.Own("RO", "0300000002"),
+            "0300000002"
+            "12348001");
+  EXPECT_EQ(bench.Own("RO", "5100050001"),
+            "5100050001"
+            "00000064");
+  EXPECT_EQ(bench.Text("RX0000000F").substr(0, 16), "RX0000000FFF01FF");
+}
+
+TEST_F(State, ABrokenOsReplacementStaysInTheBootLoader) {
+  {
+    Bench bench(Kept("Q50"));
+    EXPECT_EQ(bench.Text("CCB"), "CCOK");
+    EXPECT_EQ(bench.Text("OSE0"), "OSOK");
+    EXPECT_TRUE(bench.It().SaveState());
+  }
+  Bench bench(Kept("Q50"));
+  EXPECT_EQ(bench.Text("CCE"), "CCOK");
+  EXPECT_EQ(bench.State(), 'B');
+}
+
+TEST_F(State, OptionsWinOverTheFile) {
+  EXPECT_TRUE(Bench(Kept("K330")).It().SaveState());
+  SimulatorOptions options = Kept("K330");
+  options.osVersion = "2.95";
+  options.boot = true;
+  Bench bench(options);
+  EXPECT_EQ(bench.Text("ID"), "IDBOOT|33|2.95|19");
+}
+
+TEST_F(State, IsWrittenOnlyWhenSomethingHasChanged) {
+  Bench bench(Kept("K330"));
+  EXPECT_TRUE(bench.It().SaveState());
+  std::filesystem::remove(mFile);
+  EXPECT_EQ(bench.Text("ID").substr(0, 2), "ID");
+  EXPECT_TRUE(bench.It().SaveState());
+  EXPECT_FALSE(std::filesystem::exists(mFile));
+  EXPECT_EQ(bench.Text("CCS"), "CCOK");
+  EXPECT_TRUE(bench.It().SaveState());
+  EXPECT_TRUE(std::filesystem::exists(mFile));
+}
+
+TEST_F(State, ADamagedFileIsRefusedWithItsPlace) {
+  EXPECT_TRUE(Bench(Kept("K330")).It().SaveState());
+  const std::string good = Content();
+  EXPECT_NE(Error("K390").find("line 2: \"model K390\" was expected"), std::string::npos);
+  const struct {
+    std::string from, to, error;
+  } cases[] = {
+      {"KVSIM-STATE 1", "KVSIM-STATE 2", "line 1: \"KVSIM-STATE 1\""},
+      {"serial ", "serial X", "line 3: a serial number of 8 digits"},
+      {"build 19", "build 190", "line 5: a build from 0 to 99"},
+      {"state R", "state Q", "line 7: \"state\""},
+      {"project ", "project 4", "line 8: a project name"},
+      {"cells SI 0020", "cells SI 01FF", "an address and values inside the area"},
+      {"memory OP 00000000", "memory OP 00001790", "an offset and bytes inside the segment"},
+      {"memory OP ", "memory OQ ", "the code of a segment"},
+      {"cells TIMER-PRESET 0000 000003E8", "cells TIMER-PRESET 0000 000003E9", "the file is damaged"},
+      {"check ", "chuck ", "\"check\" was expected"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.to);
+    std::string bad = good;
+    ASSERT_NE(bad.find(c.from), std::string::npos);
+    SetContent(bad.replace(bad.find(c.from), c.from.size(), c.to));
+    EXPECT_NE(Error("K330").find(c.error), std::string::npos) << Error("K330");
+  }
+  for (std::size_t cut = 0; cut < good.size(); cut += 997) {
+    SetContent(good.substr(0, cut));
+    EXPECT_NE(Error("K330"), "") << cut;
+  }
+  SetContent(good);
+  EXPECT_EQ(Error("K330"), "");
+}
+
+}  // namespace
+}  // namespace sim::test
