@@ -1,0 +1,77 @@
+#include <iostream>
+#include <memory>
+#include <utility>
+
+#include "apps/kvsim/Options.h"
+#include "apps/kvsim/PtyDoor.h"
+#include "apps/kvsim/Server.h"
+#include "apps/kvsim/TcpDoors.h"
+#include "desktop/console/ConsolePacer.h"
+#include "simulator/ModelTable.h"
+#include "simulator/SimulatedController.h"
+#include "simulator/SimulatedModem.h"
+
+namespace kvsim {
+namespace {
+
+using Controller = std::unique_ptr<sim::SimulatedController>;
+
+int Complain(int exitCode, const std::string& text) {
+  std::cerr << "kvsim: " << text << '\n';
+  return exitCode;
+}
+
+// The user has mistyped something, unless the state file alone is to blame.
+int CodeOfRefusal(sim::SimulatorOptions options) {
+  if (options.stateFile.empty()) return kUsage;
+  options.stateFile.clear();
+  return sim::SimulatedController::Create(options) ? kFailed : kUsage;
+}
+
+std::expected<std::unique_ptr<Door>, std::string> OpenDoor(const Options& options) {
+  if (options.tcp) return ListenOn(options.bind, *options.tcp);
+  if (options.dial) return DialTo(options.dial->host, options.dial->port);
+  return ServeOnPty(options.pty);
+}
+
+std::unique_ptr<kv::InProcessLine> MakeLine(sim::SimulatedController& controller, const Options& options) {
+  auto line = controller.NewLine();
+  if (options.modem) return std::make_unique<sim::SimulatedModem>(std::move(line), *options.modem);
+  return line;
+}
+
+bool SaveState(sim::SimulatedController& controller) {
+  const auto saved = controller.SaveState();
+  if (!saved) Complain(kFailed, "the state is not kept: " + saved.error());
+  return saved.has_value();
+}
+
+int Serve(const Options& options) {
+  if (sim::FindModel(options.controller.model) == nullptr) {
+    return Complain(kUsage, UnknownModelText(options.controller.model));
+  }
+  auto controller = sim::SimulatedController::Create(options.controller);
+  if (!controller) return Complain(CodeOfRefusal(options.controller), controller.error());
+  auto door = OpenDoor(options);
+  if (!door) return Complain(kFailed, door.error());
+
+  kv::ConsolePacer pacer;
+  std::cerr << "kvsim: simulated " << options.controller.model << ", unit " << int{options.controller.unit} << ", seed "
+            << (*controller)->Seed() << '\n';
+  std::cout << (*door)->ReadyText() << std::endl;
+  Server server(
+      std::move(*door), [&] { return MakeLine(**controller, options); }, pacer, [&] { (void)SaveState(**controller); });
+  server.Run();
+  return SaveState(**controller) ? kDone : kFailed;
+}
+
+}  // namespace
+}  // namespace kvsim
+
+int main(int argc, char** argv) {
+  const auto options = kvsim::ReadOptions(argc, argv);
+  if (!options) return options.error();
+  if (!options->listsModels) return kvsim::Serve(*options);
+  std::cout << kvsim::ModelListText();
+  return kvsim::kDone;
+}

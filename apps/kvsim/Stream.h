@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/Time.h"
+
+namespace kvsim {
+
+#ifdef _WIN32
+using Handle = std::uintptr_t;  // a SOCKET
+#else
+using Handle = int;
+#endif
+
+// The bytes between this program and one client. Nothing here ever waits: the server does, for all streams at once.
+class Stream {
+ public:
+  enum class Result { Done, Nothing, Ended };
+
+  virtual ~Stream() = default;
+
+  // What to wait on for bytes.
+  [[nodiscard]] virtual Handle WaitHandle() const = 0;
+
+  // Appends what has arrived. Ended: the client has left.
+  [[nodiscard]] virtual Result Read(std::string& buffer) = 0;
+
+  // Sends what the line takes and removes it from the front of `bytes`.
+  [[nodiscard]] virtual Result Write(std::string_view& bytes) = 0;
+
+  // Cuts the client off.
+  virtual void Cut() = 0;
+
+  // Whether another client can come in on this stream after one has left or was cut off.
+  [[nodiscard]] virtual bool OutlivesClients() const { return false; }
+};
+
+}  // namespace kvsim
