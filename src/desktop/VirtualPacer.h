@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <utility>
 
 #include "desktop/Pacer.h"
 #include "desktop/WallClock.h"

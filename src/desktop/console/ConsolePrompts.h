@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "desktop/Prompts.h"
 #include "desktop/console/ConsoleInput.h"
