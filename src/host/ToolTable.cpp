@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "base/AtomicFile.h"
+#include "base/PathText.h"
 #include "host/ModalBracket.h"
 #include "link/identification/GoOnline.h"
 #include "models/ModelCatalogue.h"
@@ -87,16 +88,15 @@ std::span<const ToolRow> ToolTable() {
 
 void clsCallerExe::ShowWindow(const ToolWindowFactory& factory, const std::string& argument) {
   ModalBracket bracket(*mRemote);
-  const auto window = factory(argument);
-  window->ShowModal();
+  if (const auto window = factory(argument)) window->ShowModal();
 }
 
 void clsCallerExe::Open(const std::string& verb, const fs::path& file, const std::string& parameters) {
-  if (const auto opened = mParts.shell->Open(verb, PathText(file), parameters); !opened) Warn(opened.error());
+  if (const auto opened = mParts.shell->Open(verb, Utf8FromPath(file), parameters); !opened) Warn(opened.error());
 }
 
 fs::path clsCallerExe::InstalledProgram(const char* name) const {
-  return PathFromText(mRemote->InstallFolder()) / name;
+  return PathFromUtf8(mRemote->InstallFolder()) / name;
 }
 
 void clsCallerExe::Warn(const std::string& text) {
@@ -146,7 +146,7 @@ void clsCallerExe::Help(const std::string& argument) {
     return;
   }
   if (HelpSuppressed) return;
-  Open("", mParts.paths.HelpFile());
+  Open("", mParts.paths.Help() / "KvTeleExe.chm");
 }
 
 void clsCallerExe::About(const std::string& argument) {
@@ -166,7 +166,7 @@ void clsCallerExe::Session(const std::string& argument) {
   ShowWindow(mWindows.frmSession, argument);
   if (mShared.CurrentSession != before) FollowSession();
   UpdateLinkDescription();
-  mRemote->SetSessionPath(PathText(SessionFolder(mShared)));
+  mRemote->SetSessionPath(Utf8FromPath(SessionFolder(mShared)));
   mRemote->Refresh();
 }
 
@@ -180,15 +180,16 @@ void clsCallerExe::PanelDesign(const std::string&) {
   ModalBracket bracket(*mRemote);
   const auto designer = mParts.createPanelDesigner();
   designer->SetDriver(*mVsCon);
-  const bool hadDesign = AllDesignFilesExist(mShared);
-  if (hadDesign) {
+  if (AllDesignFilesExist(mShared)) {
     const auto blocks = ReadDesign(mShared);
     if (!blocks) return Warn(blocks.error().Text());
     designer->SetBlocks(*blocks);
   }
   designer->Run();
-  if (hadDesign) RemoveSessionFiles(mShared, kDesignFiles);
-  if (designer->ItemCount() == 0) return;
+  if (designer->ItemCount() == 0) {
+    if (AllDesignFilesExist(mShared)) RemoveSessionFiles(mShared, kDesignFiles);
+    return;
+  }
   if (const auto saved = WriteDesign(mShared, designer->GetBlocks()); !saved) Warn(saved.error().Text());
 }
 
@@ -213,8 +214,9 @@ void clsCallerExe::PidServer(const std::string&) {
 }
 
 void clsCallerExe::DownloadDesigner(const std::string&) {
-  const std::string code = DesignerModelCode(mRemote->Model());
-  Open("open", InstalledProgram("KorDownloadDesigner.exe"), code.empty() ? "" : "/t:" + code);
+  const std::string model = mRemote->Model();
+  const std::string_view code = DesignerModelCode(model);
+  Open("open", InstalledProgram("KorDownloadDesigner.exe"), code.empty() ? "" : "/t:" + std::string(code));
 }
 
 void clsCallerExe::PagesFile(const std::string&) {
@@ -222,7 +224,7 @@ void clsCallerExe::PagesFile(const std::string&) {
                                                 .filter = "Telepanel Files (*.kta)|*.kta",
                                                 .folder = ReadSessionIni(mShared, "KtaPath", "")});
   if (!chosen) return;
-  WriteSessionIni(mShared, "KtaPath", PathText(PathFromText(*chosen).parent_path()));
+  WriteSessionIni(mShared, "KtaPath", Utf8FromPath(PathFromUtf8(*chosen).parent_path()));
   mRemote->OpenPagesFile(*chosen);
 }
 

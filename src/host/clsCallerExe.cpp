@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/ScopeGuard.h"
+#include "base/PathText.h"
 #include "host/ToolTable.h"
 #include "sessions/RecentCaches.h"
 #include "sessions/SessionIni.h"
@@ -10,7 +10,6 @@
 namespace kv {
 namespace {
 
-constexpr const char* kFirstSession = "Default";
 constexpr const char* kFirstModel = "K220-22-R1";
 constexpr int kNormalStart = 1;
 constexpr const char* kMissing = "This build does not have this tool.";
@@ -23,23 +22,16 @@ clsCallerExe::~clsCallerExe() = default;
 
 void clsCallerExe::StartUp() {
   ConnectHost();
-  // The tool "ID_Exit" lets go of the host while the host's own Run is still on the stack.
-  const std::shared_ptr<RemoteHost> host = mRemote;
   mShared.BitsHandler = std::make_unique<clsBitsHandler>();
-  mShared.CurrentSession = kFirstSession;
-  host->SetSessionName(mShared.CurrentSession);
-  host->SetSessionPath(PathText(SessionFolder(mShared)));
-  if (!SessionExists(mShared)) {
-    mParts.prompts->Show({.text = "Default Session not found", .title = "Telepanel", .icon = PromptIcon::Exclamation});
-  }
+  BeginInDefaultSession();
   LoadLastModel();
   LoadSocket();
   ConnectDriver();
   ConfigureDriverForSession(mShared, mWinsock);
   UpdateLinkDescription();
   GreyMissingTools();
-  host->SetRecentCaches(ReadRecentCaches(mShared));
-  host->Run();
+  mRemote->SetRecentCaches(ReadRecentCaches(mShared));
+  RunHost();
   ShutDown();
 }
 
@@ -49,6 +41,13 @@ void clsCallerExe::ConnectHost() {
     mRemote_OnToolClicked(id, argument);
   };
   mShared.Remote = mRemote.get();
+}
+
+void clsCallerExe::BeginInDefaultSession() {
+  mShared.CurrentSession = kDefaultSession;
+  mRemote->SetSessionName(mShared.CurrentSession);
+  mRemote->SetSessionPath(Utf8FromPath(SessionFolder(mShared)));
+  if (!SessionExists(mShared)) Warn("Default Session not found");
 }
 
 void clsCallerExe::LoadLastModel() {
@@ -79,6 +78,13 @@ void clsCallerExe::GreyMissingTools() {
   }
 }
 
+void clsCallerExe::RunHost() {
+  // The tool "ID_Exit" lets go of the host while the host's own Run is still on the stack.
+  const std::shared_ptr<RemoteHost> host = mRemote;
+  host->Run();
+  host->OnToolClicked = nullptr;
+}
+
 void clsCallerExe::ShutDown() {
   mShared.Remote = nullptr;
   mRemote.reset();
@@ -102,6 +108,7 @@ bool clsCallerExe::IsMissing(const ToolRow& row) const {
 }
 
 void clsCallerExe::mRemote_OnToolClicked(const std::string& toolId, const std::string& argument) {
+  if (!mRemote) return;  // the user has left, and what was clicked before still arrives
   const auto rows = ToolTable();
   const auto row = std::ranges::find(rows, toolId, &ToolRow::id);
   if (row == rows.end() || IsMissing(*row)) return;
@@ -109,7 +116,11 @@ void clsCallerExe::mRemote_OnToolClicked(const std::string& toolId, const std::s
 }
 
 void clsCallerExe::mVsCon_OnComMessage(const std::string& message) {
-  if (mRemote) mRemote->StatusMessage(message);
+  TellHost(message);
+}
+
+void clsCallerExe::TellHost(const std::string& text) {
+  if (mRemote) mRemote->StatusMessage(text);
 }
 
 std::string clsCallerExe::ReadFromRemoteIni(const std::string& key, const std::string& fallback) const {
@@ -123,16 +134,16 @@ void clsCallerExe::UpdateLinkDescription() {
 void clsCallerExe::mWinsock_ConnectionRequest(int requestId) {
   mWinsock->Close();
   if (!mWinsock->Accept(requestId)) return;
-  mRemote->StatusMessage("Ethernet connection established");
+  TellHost("Ethernet connection established");
 }
 
 void clsCallerExe::mWinsock_Close() {
   mWinsock->Close();
   if (mWinsock->GetState() == ListeningSocket::State::Closed && !mWinsock->Listen()) {
-    mRemote->StatusMessage("The Ethernet port could not be opened again for controllers that dial in.");
+    TellHost("The Ethernet port could not be opened again for controllers that dial in.");
     return;
   }
-  mRemote->StatusMessage("Ethernet connection terminated");
+  TellHost("Ethernet connection terminated");
 }
 
 }  // namespace kv

@@ -11,6 +11,8 @@
 
 namespace kv {
 
+struct ToolRow;
+
 // The program's life and its tool dispatch: creates the host and the driver, lets the host run, opens a tool for every
 // command that the host hands back, and takes everything down again.
 //
@@ -45,19 +47,22 @@ class clsCallerExe {
   void mWinsock_Close();
 
  private:
-  friend std::span<const struct ToolRow> ToolTable();
+  friend std::span<const ToolRow> ToolTable();
 
   void ConnectHost();
+  void BeginInDefaultSession();
   void LoadLastModel();
   void LoadSocket();
   void ConnectDriver();
   void GreyMissingTools();
+  void RunHost();
   void ShutDown();
-  [[nodiscard]] bool IsMissing(const struct ToolRow& row) const;
+  [[nodiscard]] bool IsMissing(const ToolRow& row) const;
   void ShowWindow(const ToolWindowFactory& factory, const std::string& argument);
   void Open(const std::string& verb, const std::filesystem::path& file, const std::string& parameters = "");
   [[nodiscard]] std::filesystem::path InstalledProgram(const char* name) const;
   void Warn(const std::string& text);
+  void TellHost(const std::string& text);
   void FollowSession();
 
   // The tools, in the order of the dispatch table.

@@ -1,12 +1,36 @@
 #include "sessions/RecentCaches.h"
 
+#include <algorithm>
+#include <array>
+
 #include "sessions/SessionIni.h"
 
 namespace kv {
 namespace {
 
+using Places = std::array<std::string, kMostRecentCaches>;
+
 std::string Key(std::size_t index) {
   return "RecentCache" + std::to_string(index);
+}
+
+// By place, the empty ones among them.
+Places ReadPlaces(const SharedState& shared) {
+  Places places;
+  for (std::size_t i = 0; i < places.size(); ++i) places[i] = ReadSessionIni(shared, Key(i), "");
+  return places;
+}
+
+// From the end, so that a crash leaves an entry twice rather than none.
+void WritePlaces(const SharedState& shared, const Places& before, const Places& after) {
+  for (std::size_t i = after.size(); i-- > 0;) {
+    if (after[i] == before[i]) continue;
+    if (after[i].empty()) {
+      RemoveSessionIni(shared, Key(i));
+    } else {
+      WriteSessionIni(shared, Key(i), after[i]);
+    }
+  }
 }
 
 }  // namespace
@@ -16,10 +40,9 @@ std::string CachePath(const std::string& entry) {
 }
 
 std::vector<std::string> ReadRecentCaches(const SharedState& shared) {
-  std::vector<std::string> entries;
-  for (std::size_t i = 0; i < kMostRecentCaches; ++i) {
-    if (auto entry = ReadSessionIni(shared, Key(i), ""); !entry.empty()) entries.push_back(std::move(entry));
-  }
+  const Places places = ReadPlaces(shared);
+  std::vector<std::string> entries(places.begin(), places.end());
+  std::erase(entries, "");
   return entries;
 }
 
@@ -28,13 +51,9 @@ std::vector<std::string> AddRecentCache(const SharedState& shared, const std::st
   std::erase_if(entries, [&](const std::string& old) { return CachePath(old) == CachePath(entry); });
   entries.insert(entries.begin(), entry);
   if (entries.size() > kMostRecentCaches) entries.resize(kMostRecentCaches);
-  for (std::size_t i = 0; i < kMostRecentCaches; ++i) {
-    if (i < entries.size()) {
-      WriteSessionIni(shared, Key(i), entries[i]);
-    } else {
-      RemoveSessionIni(shared, Key(i));
-    }
-  }
+  Places places;
+  std::ranges::copy(entries, places.begin());
+  WritePlaces(shared, ReadPlaces(shared), places);
   return entries;
 }
 

@@ -1,8 +1,10 @@
 #include "sessions/SessionIni.h"
 
+#include <algorithm>
 #include <system_error>
 
 #include "base/AnsiText.h"
+#include "base/PathText.h"
 #include "base/ProfileStrings.h"
 #include "models/ModelCatalogue.h"
 
@@ -12,8 +14,6 @@ namespace {
 // The executable's name is both the file's base name and its section.
 constexpr std::string_view kProgram = "KvTeleExe";
 constexpr std::string_view kHost = "KvTele2";
-constexpr std::string_view kMarkFile = "tmp.txt";
-constexpr std::string_view kUnmarkedSession = "Default";
 
 std::filesystem::path IniFile(const SharedState& shared, std::string_view owner) {
   return SessionFile(shared, std::string(owner) + ".ini");
@@ -38,7 +38,7 @@ std::filesystem::path SessionFolder(const SharedState& shared) {
 }
 
 std::filesystem::path SessionFile(const SharedState& shared, std::string_view fileName) {
-  return SessionFolder(shared) / fileName;
+  return shared.paths.SessionFile(shared.CurrentSession, fileName);
 }
 
 bool SessionExists(const SharedState& shared) {
@@ -63,10 +63,10 @@ std::string ReadHostIni(const SharedState& shared, std::string_view key, std::st
 }
 
 void MarkSessionInUse(const SharedState& shared, bool inUse) {
-  if (shared.CurrentSession == kUnmarkedSession) return;
+  if (shared.CurrentSession == kDefaultSession) return;
   using std::filesystem::perms;
   constexpr perms kWrite = perms::owner_write | perms::group_write | perms::others_write;
-  const auto file = SessionFile(shared, kMarkFile);
+  const auto file = SessionFile(shared, kSessionMarkFile);
   std::error_code error;
   if (inUse) {
     std::filesystem::permissions(file, kWrite, std::filesystem::perm_options::remove, error);
@@ -78,7 +78,7 @@ void MarkSessionInUse(const SharedState& shared, bool inUse) {
 void ConfigureDriverForSession(SharedState& shared, ListeningSocket* socket) {
   const std::string model = shared.Remote->Model();
   shared.ComDriver->ConfigureForSession({
-      .folder = SessionFolder(shared).string(),
+      .folder = Utf8FromPath(SessionFolder(shared)),
       .isCompactDriver = IsCompactDriverModel(model),
       .isBrio = IsBrioModel(model),
       .isColour = IsColourModel(model),

@@ -8,6 +8,11 @@
 
 namespace kv {
 
+// The session that every start begins in. It always exists, is never marked as in use and cannot be deleted.
+inline constexpr std::string_view kDefaultSession = "Default";
+// The empty file of every other session that carries the mark.
+inline constexpr std::string_view kSessionMarkFile = "tmp.txt";
+
 // The folder of the current session, and a file in it.
 [[nodiscard]] std::filesystem::path SessionFolder(const SharedState& shared);
 [[nodiscard]] std::filesystem::path SessionFile(const SharedState& shared, std::string_view fileName);

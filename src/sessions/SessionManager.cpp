@@ -7,6 +7,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "sessions/SessionIni.h"
 
@@ -15,17 +16,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kDefaultSession = "Default";
-constexpr std::string_view kMarkFile = "tmp.txt";
 constexpr std::size_t kLongestName = 255;  // what the common file systems take for one folder's name, in bytes
 
 // Names that a Windows machine keeps for devices, with or without an extension.
 constexpr std::array<std::string_view, 4> kDeviceNames{"CON", "PRN", "AUX", "NUL"};
 constexpr std::array<std::string_view, 2> kNumberedDevices{"COM", "LPT"};
 
+std::string UpperCased(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  return text;
+}
+
 bool IsDeviceName(const std::string& name) {
-  std::string stem = name.substr(0, name.find('.'));
-  std::ranges::transform(stem, stem.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  const std::string stem = UpperCased(name.substr(0, name.find('.')));
   if (std::ranges::find(kDeviceNames, stem) != kDeviceNames.end()) return true;
   return stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9' &&
          std::ranges::find(kNumberedDevices, stem.substr(0, 3)) != kNumberedDevices.end();
@@ -70,9 +73,18 @@ std::vector<std::string> SessionManager::List() const {
   for (fs::directory_iterator entry(mShared.paths.Sessions(), error), end; !error && entry != end;
        entry.increment(error)) {
     std::error_code unreadable;
-    if (entry->is_directory(unreadable)) names.push_back(entry->path().filename().string());
+    if (entry->is_directory(unreadable)) names.push_back(Utf8FromPath(entry->path().filename()));
   }
+  // Some file systems list in no order that a user could follow.
+  std::ranges::sort(names, [](const std::string& a, const std::string& b) {
+    return std::pair(UpperCased(a), a) < std::pair(UpperCased(b), b);
+  });
   return names;
+}
+
+bool SessionManager::IsListed(const std::string& name) const {
+  const auto names = List();
+  return std::ranges::find(names, name) != names.end();
 }
 
 bool SessionManager::Create(const std::string& name) {
@@ -93,27 +105,27 @@ std::expected<void, std::string> SessionManager::CopyCurrentTo(const std::string
   std::error_code error;
   if (fs::exists(target, error)) return std::unexpected("A session named \"" + name + "\" exists already.");
   if (!fs::is_directory(source, error)) {
-    return std::unexpected("The folder of the current session, " + source.string() + ", is not there any more.");
+    return std::unexpected("The folder of the current session, " + Utf8FromPath(source) + ", is not there any more.");
   }
   fs::create_directory(target, error);
-  if (error) return std::unexpected(Failure("The folder " + target.string() + " could not be made", error));
+  if (error) return std::unexpected(Failure("The folder " + Utf8FromPath(target) + " could not be made", error));
   ScopeGuard removeHalfMade([&] {
     std::error_code ignored;
     fs::remove_all(target, ignored);
   });
   fs::copy(source, target, fs::copy_options::recursive, error);
   if (error) return std::unexpected(Failure("The current session could not be copied", error));
-  fs::permissions(target / kMarkFile, fs::perms::owner_write, fs::perm_options::add, error);
-  if (!std::ofstream(target / kMarkFile, std::ios::trunc)) {
-    return std::unexpected("The file " + (target / kMarkFile).string() + " could not be written.");
+  const fs::path mark = target / kSessionMarkFile;
+  fs::permissions(mark, fs::perms::owner_write, fs::perm_options::add, error);  // the copy of a marked one is read-only
+  if (!std::ofstream(mark, std::ios::trunc)) {
+    return std::unexpected("The file " + Utf8FromPath(mark) + " could not be written.");
   }
   removeHalfMade.Dismiss();
   return {};
 }
 
 bool SessionManager::Activate(const std::string& name) {
-  std::error_code error;
-  if (name.empty() || !fs::is_directory(mShared.paths.Session(name), error)) {
+  if (!IsListed(name)) {
     mPrompts.Show({.text = "The session \"" + name + "\" is not there any more.",
                    .title = "Activate Session",
                    .icon = PromptIcon::Exclamation});
@@ -136,7 +148,7 @@ bool SessionManager::Delete(const std::string& name) {
     return false;
   }
   const fs::path folder = mShared.paths.Session(name);
-  if (!SessionNameFault(name).empty() || HoldsReadOnlyFile(folder)) return false;
+  if (!IsListed(name) || HoldsReadOnlyFile(folder)) return false;
   std::error_code ignored;
   fs::remove_all(folder, ignored);
   return !fs::exists(folder, ignored);

@@ -16,15 +16,14 @@ class SessionManager {
  public:
   SessionManager(SharedState& shared, Prompts& prompts) : mShared(shared), mPrompts(prompts) {}
 
-  // Names of the session folders, in the order in which the folder lists them. Files are not sessions. Empty when the
-  // Sessions folder is missing.
+  // Names of the session folders, by name. Files are not sessions. Empty when the Sessions folder is missing.
   [[nodiscard]] std::vector<std::string> List() const;
 
   // Copies the current session to `name` and makes the copy current. A failure of any step is told under "Create
   // Session", leaves the current session as it was and no half-made folder behind.
   bool Create(const std::string& name);
 
-  // Makes an existing session current. False, told under "Activate Session", when its folder is not there.
+  // Makes an existing session current. False, told under "Activate Session", when it is not listed.
   bool Activate(const std::string& name);
 
   // Deletes a session's folder; "Default" is refused under "Remove Session". A folder that holds a read-only file (the
@@ -37,6 +36,7 @@ class SessionManager {
   [[nodiscard]] static std::string ActivateCaption(const std::string& selected);  // "Activate 'Default ' And Exit"
 
  private:
+  [[nodiscard]] bool IsListed(const std::string& name) const;
   [[nodiscard]] std::expected<void, std::string> CopyCurrentTo(const std::string& name) const;
   void MakeCurrent(const std::string& name);
 

@@ -5,7 +5,9 @@ namespace {
 
 constexpr std::size_t kBitsAByte = 8;
 
-std::uint8_t MaskInByte(std::size_t bit) { return static_cast<std::uint8_t>(1u << (bit % kBitsAByte)); }
+std::uint8_t MaskInByte(std::size_t bit) {
+  return static_cast<std::uint8_t>(1u << (bit % kBitsAByte));
+}
 
 }  // namespace
 

@@ -6,8 +6,8 @@
 
 namespace kv {
 
-// Sets, clears and tests single bits of a 32-bit value, and of an array of bytes. Bit 0 is the least significant one; bit n
-// of an array is bit n mod 8 of byte n div 8. A bit past the end is left alone and reads as clear.
+// Sets, clears and tests single bits of a 32-bit value, and of an array of bytes. Bit 0 is the least significant one;
+// bit n of an array is bit n mod 8 of byte n div 8. A bit past the end is left alone and reads as clear.
 class clsBitsHandler {
  public:
   static constexpr unsigned kBits = 32;

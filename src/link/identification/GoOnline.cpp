@@ -7,10 +7,12 @@
 #include <system_error>
 
 #include "base/Numbers.h"
+#include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "link/HexHelpers.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
+#include "sessions/RecentCaches.h"
 #include "sessions/SessionIni.h"
 
 namespace kv {
@@ -97,7 +99,7 @@ class OnlineSequence {
 
   void TellUnit() {
     mHost.SetConnectedUnit(mUnit);
-    mChannel->SetRecordFile(SessionFile(mShared, "CommDriver.txt").string(), kRecordOfConnection);
+    mChannel->SetRecordFile(Utf8FromPath(SessionFile(mShared, "CommDriver.txt")), kRecordOfConnection);
   }
 
   void TellBrio() {
@@ -171,29 +173,27 @@ class OnlineSequence {
     return true;
   }
 
-  // A colour panel draws from a file: a fresh one when the controller was found in its boot loader, else the working
+  // A colour panel draws from a file: an empty one when the controller was found in its boot loader, else a working
   // copy of the most recent cache.
   void PreparePanelData() {
     if (!IsColourModel(mVersion.model)) return;
+    const std::string recent = ReadSessionIni(mShared, "RecentCache0", "");
     if (mBootSubstitute) {
-      PrepareFreshPanelData();
-    } else if (!ReadSessionIni(mShared, "RecentCache0", "").empty()) {
-      mHost.SetPanelData(SessionFile(mShared, "APP_TEMP.ktc").string());
+      const auto target = SessionFile(mShared, "DOS_TEMP");
+      std::error_code ignored;
+      std::filesystem::remove(target, ignored);
+      HandOverCopy(PathFromUtf8(mHost.InstallFolder()) / "TP_Temp" / "TP_Temp_1", target);
+    } else if (!recent.empty()) {
+      HandOverCopy(PathFromUtf8(CachePath(recent)), SessionFile(mShared, "APP_TEMP.ktc"));
     }
   }
 
-  void PrepareFreshPanelData() {
-    const auto target = SessionFile(mShared, "DOS_TEMP");
-    const auto source = std::filesystem::path(mHost.InstallFolder()) / "TP_Temp" / "TP_Temp_1";
+  void HandOverCopy(const std::filesystem::path& source, const std::filesystem::path& copy) {
     std::error_code error;
-    std::filesystem::remove(target, error);
-    std::filesystem::copy_file(source, target, std::filesystem::copy_options::overwrite_existing, error);
-    if (error) {
-      mHost.StatusMessage("The panel data could not be prepared: " + source.string() + " could not be copied (" +
-                          error.message() + ").");
-      return;
-    }
-    mHost.SetPanelData(target.string());
+    std::filesystem::copy_file(source, copy, std::filesystem::copy_options::overwrite_existing, error);
+    if (!error) return mHost.SetPanelData(Utf8FromPath(copy));
+    mHost.StatusMessage("The panel data could not be prepared: " + Utf8FromPath(source) + " could not be copied (" +
+                        error.message() + ").");
   }
 
   void Refuse(const std::string& text) {

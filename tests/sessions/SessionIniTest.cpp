@@ -1,0 +1,74 @@
+#include "sessions/SessionIni.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "sessions/RecentCaches.h"
+#include "tests/support/SessionBench.h"
+
+namespace kv {
+namespace {
+
+using testing::ElementsAre;
+
+struct SessionIniTest : testing::Test, test::SessionBench {};
+
+TEST_F(SessionIniTest, ReadsAnEmptyValueAsEmptyAndAMissingOneAsItsDefault) {
+  EXPECT_EQ(ReadSessionIni(shared, "LastModel", "K220-22-R1"), "K220-22-R1");  // no file
+  Put("KvTeleExe.ini", "[KvTeleExe]\r\nEmpty=\r\nLong=" + std::string(300, 'x') + "\r\nName=M\xFCller \r\n");
+  Put("KvTele2.ini", "[KvTele2]\r\nCaption=  Plant  \r\n");
+  EXPECT_EQ(ReadSessionIni(shared, "Empty", "default"), "");
+  EXPECT_EQ(ReadSessionIni(shared, "Missing", "default"), "default");
+  EXPECT_EQ(ReadSessionIni(shared, "Long", "").size(), 254u);
+  EXPECT_EQ(ReadSessionIni(shared, "name", ""), "M\xC3\xBCller");
+  EXPECT_EQ(ReadHostIni(shared, "Caption", "0"), "Plant");
+  EXPECT_EQ(ReadHostIni(shared, "Name", "0"), "0");
+}
+
+TEST_F(SessionIniTest, WritesAndKeepsWhatItDoesNotKnow) {
+  const auto file = Put("KvTeleExe.ini", "\x01\x02 noise\r\n[Other\r\n[KvTeleExe]\r\nA=1");
+  EXPECT_TRUE(WriteSessionIni(shared, "KtaPath", "C:\\M\xC3\xBCll"));
+  EXPECT_EQ(ReadSessionIni(shared, "KtaPath", ""), "C:\\M\xC3\xBCll");
+  EXPECT_EQ(ReadSessionIni(shared, "A", ""), "1");
+  EXPECT_TRUE(RemoveSessionIni(shared, "KtaPath"));
+  EXPECT_EQ(ReadSessionIni(shared, "KtaPath", "gone"), "gone");
+  EXPECT_TRUE(TemporaryFolder::Content(file).starts_with("\x01\x02 noise\r\n[Other\r\n"));
+
+  std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+  EXPECT_FALSE(WriteSessionIni(shared, "A", "2"));
+  EXPECT_EQ(ReadSessionIni(shared, "A", ""), "1");
+}
+
+TEST_F(SessionIniTest, TenRecentCachesNewestFirstEachPathOnce) {
+  for (int i = 0; i < 12; ++i) AddRecentCache(shared, "/c/" + std::to_string(i) + ".ktc*note");
+  auto entries = ReadRecentCaches(shared);
+  ASSERT_EQ(entries.size(), kMostRecentCaches);
+  EXPECT_EQ(entries.front(), "/c/11.ktc*note");
+  EXPECT_EQ(entries.back(), "/c/2.ktc*note");
+
+  entries = AddRecentCache(shared, "/c/5.ktc*other");
+  EXPECT_EQ(entries, ReadRecentCaches(shared));
+  EXPECT_EQ(entries.size(), kMostRecentCaches);
+  EXPECT_EQ(entries.front(), "/c/5.ktc*other");
+  EXPECT_EQ(std::ranges::count(entries, "/c/5.ktc", &CachePath), 1);
+}
+
+TEST_F(SessionIniTest, TellsTheDriverTheSessionAndTheKindOfModel) {
+  struct Row {
+    const char* model;
+    bool compact, brio, colour;
+  };
+  for (const Row& row :
+       {Row{"K220-22-R1", false, false, false}, Row{"Q50Net", true, false, false}, Row{"AurexQ50", false, false, false},
+        Row{"Brio", false, true, false}, Row{"K450-45", false, false, true}}) {
+    host.model = row.model;
+    ConfigureDriverForSession(shared, nullptr);
+    EXPECT_EQ(driver.session.isCompactDriver, row.compact) << row.model;
+    EXPECT_EQ(driver.session.isBrio, row.brio) << row.model;
+    EXPECT_EQ(driver.session.isColour, row.colour) << row.model;
+  }
+  EXPECT_THAT(Taken(), testing::Each("Driver ConfigureForSession HOME/Sessions/Default"));
+}
+
+}  // namespace
+}  // namespace kv

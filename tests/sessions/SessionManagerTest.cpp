@@ -1,0 +1,128 @@
+#include "sessions/SessionManager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "sessions/SessionIni.h"
+#include "tests/support/SessionBench.h"
+
+namespace kv {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+struct SessionsTest : testing::Test, test::SessionBench {
+  SessionManager sessions{shared, prompts};
+
+  [[nodiscard]] bool IsMarked(const std::string& name) const {
+    return (fs::status(Session(name) / "tmp.txt").permissions() & fs::perms::owner_write) == fs::perms::none;
+  }
+  void ExpectCreateFails(const std::string& name, const std::string& reason) {
+    prompts.Press(PromptAnswer::Ok);
+    EXPECT_FALSE(sessions.Create(name)) << name;
+    EXPECT_THAT(Taken(), ElementsAre(HasSubstr("Box (!) Create Session: "))) << name;
+    EXPECT_THAT(prompts.Boxes().back().text, HasSubstr(reason)) << name;
+  }
+};
+
+TEST_F(SessionsTest, ANewSessionIsACopyOfTheCurrentOneAndBecomesCurrent) {
+  Put("KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=K230\r\n");
+  fs::create_directory(Session("Default") / "sub");
+  home.Put("Sessions/Default/sub/vsfOperands_1.vsf", "grid");
+
+  ASSERT_TRUE(sessions.Create("Plant 2"));
+  EXPECT_EQ(shared.CurrentSession, "Plant 2");
+  EXPECT_EQ(ReadSessionIni(shared, "LastModel", ""), "K230");
+  EXPECT_EQ(TemporaryFolder::Content(Session("Plant 2") / "sub" / "vsfOperands_1.vsf"), "grid");
+  EXPECT_TRUE(IsMarked("Plant 2"));
+  EXPECT_FALSE(fs::exists(Session("Default") / "tmp.txt"));
+
+  Put("../Plant 2/notes.txt", "x");
+  ASSERT_TRUE(sessions.Create("Plant 3"));  // from a marked one: its mark goes, and is not what the copy carries
+  EXPECT_FALSE(IsMarked("Plant 2"));
+  EXPECT_TRUE(IsMarked("Plant 3"));
+  EXPECT_TRUE(fs::exists(Session("Plant 3") / "notes.txt"));
+}
+
+TEST_F(SessionsTest, TheListIsTheFoldersByName) {
+  for (const char* name : {"b", "C", "\xC3\x9C", "a"}) fs::create_directory(Session(name));
+  for (int i = 0; i < 50; ++i) home.Put("Sessions/file" + std::to_string(i), "no session");
+  EXPECT_THAT(sessions.List(), ElementsAre("a", "b", "C", "Default", "\xC3\x9C"));
+  fs::remove_all(home.Path() / "Sessions");
+  EXPECT_THAT(sessions.List(), IsEmpty());
+}
+
+TEST_F(SessionsTest, NamesThatAreNoFolderNameAreRefusedAndNothingIsCopied) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "needs a name"},         {"..", "stands for a folder"},      {"a/b", "cannot contain"},
+      {"a\\b", "cannot contain"},   {"a:b", "cannot contain"},          {"tab\t", "cannot contain"},
+      {"CON", "kept for a device"}, {"com1.old", "kept for a device"},  {"a.", "cannot end"},
+      {"a ", "cannot end"},         {std::string(300, 'n'), "too long"}};
+  for (const auto& [name, reason] : cases) ExpectCreateFails(name, reason);
+  EXPECT_THAT(sessions.List(), ElementsAre("Default"));
+  EXPECT_EQ(shared.CurrentSession, "Default");
+  for (const char* name : {"CONSOLE", "COM10", "Plant.2", "100 %", "\xC3\x9C"}) EXPECT_EQ(SessionNameFault(name), "");
+}
+
+TEST_F(SessionsTest, AFailedCreateLeavesTheCurrentSessionMarkedAndNoHalfMadeFolder) {
+  ASSERT_TRUE(sessions.Create("mine"));
+  ExpectCreateFails("Default", "exists already");
+  EXPECT_TRUE(IsMarked("mine"));
+
+  fs::create_directory(Session("mine") / "tmp.txt.d");
+  fs::create_directory_symlink(Session("mine") / "nowhere", Session("mine") / "link");  // cannot be copied
+  ExpectCreateFails("copy", "could not be copied");
+  EXPECT_FALSE(fs::exists(Session("copy")));
+  EXPECT_EQ(shared.CurrentSession, "mine");
+
+  fs::remove_all(Session("mine"));  // under the program's feet
+  ExpectCreateFails("copy", "is not there any more");
+  fs::remove_all(home.Path() / "Sessions");
+  ExpectCreateFails("copy", "is not there any more");
+}
+
+TEST_F(SessionsTest, ActivatingMovesTheMark) {
+  ASSERT_TRUE(sessions.Create("one"));
+  ASSERT_TRUE(sessions.Create("two"));
+  ASSERT_TRUE(sessions.Activate("one"));
+  EXPECT_EQ(shared.CurrentSession, "one");
+  EXPECT_TRUE(IsMarked("one"));
+  EXPECT_FALSE(IsMarked("two"));
+
+  for (const char* name : {"gone", "", ".."}) {
+    prompts.Press(PromptAnswer::Ok);
+    EXPECT_FALSE(sessions.Activate(name));
+    EXPECT_EQ(shared.CurrentSession, "one");
+  }
+  fs::remove_all(Session("one"));
+  ASSERT_TRUE(sessions.Activate("Default"));
+  EXPECT_FALSE(fs::exists(Session("Default") / "tmp.txt"));
+}
+
+TEST_F(SessionsTest, DeletingSparesDefaultAndWhatIsInUse) {
+  ASSERT_TRUE(sessions.Create("one"));
+  ASSERT_TRUE(sessions.Create("two"));
+  EXPECT_FALSE(sessions.Delete("two"));  // in use: stays, without a message
+  EXPECT_FALSE(sessions.Delete(".."));
+  EXPECT_FALSE(sessions.Delete("gone"));
+  EXPECT_TRUE(sessions.Delete("one"));
+  EXPECT_THAT(Taken(), IsEmpty());
+  EXPECT_THAT(sessions.List(), ElementsAre("Default", "two"));
+  EXPECT_TRUE(fs::exists(Session("two") / "tmp.txt"));
+
+  prompts.Press(PromptAnswer::Ok);
+  EXPECT_FALSE(sessions.Delete("Default"));
+  EXPECT_THAT(Taken(), ElementsAre("Box (!) Remove Session: 'Default' Session cannot be deleted."));
+}
+
+TEST_F(SessionsTest, CaptionsNameTheSessions) {
+  EXPECT_EQ(sessions.SaveCaption(), "Save 'Default' As...");
+  EXPECT_EQ(sessions.ActiveCaption(), "Active Session: Default");
+  EXPECT_EQ(SessionManager::ActivateCaption("Plant 2"), "Activate 'Plant 2 ' And Exit");
+}
+
+}  // namespace
+}  // namespace kv

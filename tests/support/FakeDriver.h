@@ -1,0 +1,45 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "link/CommDriver.h"
+#include "tests/support/FakeHost.h"
+
+namespace kv::test {
+
+// A driver without a link: writes into the log what it is told, and hands out the channel that the test gives it.
+class FakeDriver : public CommDriver {
+ public:
+  explicit FakeDriver(CallLog& log) : mLog(log) {}
+  ~FakeDriver() override { Note("gone"); }
+
+  std::shared_ptr<Channel> channel;
+  std::string description = "COM3, 115200 8N1, unit 1";
+  SessionLink session;  // of the last ConfigureForSession
+
+  void SetDriverActive(bool active) override { Note(active ? "active" : "not active"); }
+  void ConfigureForSession(const SessionLink& link) override {
+    session = link;
+    Note("ConfigureForSession " + link.folder);
+  }
+  std::shared_ptr<Channel> GetChannel() override {
+    Note("GetChannel");
+    return channel;
+  }
+  void SetChannel(std::shared_ptr<Channel> newChannel) override { channel = std::move(newChannel); }
+  const LinkError& LastError() const override { return mError; }
+  void CloseDriver() override { Note("CloseDriver"); }
+  std::string LinkDescription() const override { return description; }
+  void ComParamsCaller(const std::string& caller) override { Note("ComParamsCaller " + caller); }
+  void ShowComParams() override { Note("ShowComParams"); }
+  void ShowModemSettings() override { Note("ShowModemSettings"); }
+
+ private:
+  void Note(const std::string& what) { mLog.push_back("Driver " + what); }
+
+  CallLog& mLog;
+  LinkError mError;
+};
+
+}  // namespace kv::test
