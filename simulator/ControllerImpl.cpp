@@ -62,6 +62,12 @@ std::string Quoted(std::string_view text) {
   return "\"" + std::string(text) + "\"";
 }
 
+std::string ModelNames() {
+  std::string names;
+  for (const Model& model : AllModels()) names += (names.empty() ? "" : ", ") + std::string(model.name);
+  return names;
+}
+
 // The sentence for people when an option cannot be used.
 std::optional<std::string> WhyUnusable(const SimulatorOptions& options, const Model& model) {
   if (!options.osVersion.empty() && !IsOsNumber(model, options.osVersion)) {
@@ -109,7 +115,9 @@ void ApplyOptions(const SimulatorOptions& options, Machine& machine) {
 
 std::expected<std::unique_ptr<Controller>, std::string> Controller::Create(const SimulatorOptions& options) {
   const Model* model = FindModel(options.model);
-  if (model == nullptr) return std::unexpected("There is no simulated model " + Quoted(options.model) + ".");
+  if (model == nullptr)
+    return std::unexpected("There is no simulated model " + Quoted(options.model) + ". There are: " + ModelNames() +
+                           ".");
   if (auto why = WhyUnusable(options, *model)) return std::unexpected(std::move(*why));
   auto machine = std::make_unique<Machine>(*model, FirstIdentity(options, *model), options.seed);
   auto stateFile = kv::PathFromUtf8(options.stateFile);

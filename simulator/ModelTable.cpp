@@ -80,7 +80,8 @@ std::span<const Model> AllModels() {
 const Model* FindModel(std::string_view name) {
   const auto alias = std::ranges::find(kShortNames, name, &ShortName::shortName);
   const std::string_view wanted = alias == std::end(kShortNames) ? name : alias->name;
-  const auto model = std::ranges::find(kModels, wanted, &Model::name);
+  auto model = std::ranges::find(kModels, wanted, &Model::name);
+  if (model == std::end(kModels)) model = std::ranges::find(kModels, wanted, &Model::reported);
   return model == std::end(kModels) ? nullptr : &*model;
 }
 

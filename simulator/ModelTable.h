@@ -49,7 +49,8 @@ struct Model {
 // All models, in the order of a list for people.
 [[nodiscard]] std::span<const Model> AllModels();
 
-// The model of that name, or of one of the short names ("K670", "K670-T40"); null when there is none.
+// The model of that name, of one of the short names ("K670", "K670-T40"), or the first that reports the text
+// ("Q50-2-R34"); null when there is none.
 [[nodiscard]] const Model* FindModel(std::string_view name);
 
 }  // namespace sim
