@@ -22,11 +22,11 @@ struct frmTAPI {
 // The pieces from which the program is put together. Each function is called at its step of the start-up, not before.
 struct HostParts {
   ProgramPaths paths;
-  std::function<std::shared_ptr<RemoteHost>()> createHost;
-  std::function<std::unique_ptr<frmTAPI>()> loadTapi;
-  std::function<std::unique_ptr<CommDriver>()> createDriver;
-  std::function<ToolWindows(SharedState&)> createWindows;
-  std::function<std::unique_ptr<PanelDesigner>()> createPanelDesigner;  // empty: this build has none
+  std::function<std::shared_ptr<RemoteHost>()> createHost{};
+  std::function<std::unique_ptr<frmTAPI>()> loadTapi{};
+  std::function<std::unique_ptr<CommDriver>()> createDriver{};
+  std::function<ToolWindows(SharedState&)> createWindows{};
+  std::function<std::unique_ptr<PanelDesigner>()> createPanelDesigner{};  // empty: this build has none
   Prompts* prompts = nullptr;
   Shell* shell = nullptr;
 };
