@@ -34,9 +34,13 @@ std::optional<SealedReply> Seal::Open(const AsciiFrame& frame) const {
   return SealedReply{frame.text.substr(0, sealed - kCounterDigits), static_cast<std::uint16_t>(*counter)};
 }
 
-bool IsNewer(std::uint16_t counter, std::uint16_t last) {
+int StepsAhead(std::uint16_t counter, std::uint16_t last) {
   constexpr int kRing = 65535;
-  const int ahead = (counter - last + kRing) % kRing;
+  return (counter - last + kRing) % kRing;
+}
+
+bool IsNewer(std::uint16_t counter, std::uint16_t last) {
+  const int ahead = StepsAhead(counter, last);
   return ahead >= 1 && ahead <= 32767;
 }
 

@@ -26,6 +26,8 @@ class Seal {
   std::uint32_t mCheckOfRequest;
 };
 
+// How far `counter` is ahead of `last` on the ring 1 to 65535: 0 to 65534.
+[[nodiscard]] int StepsAhead(std::uint16_t counter, std::uint16_t last);
 // Whether `counter` is 1 to 32767 ahead of `last`, on the ring 1 to 65535.
 [[nodiscard]] bool IsNewer(std::uint16_t counter, std::uint16_t last);
 

@@ -1,0 +1,317 @@
+#include <algorithm>
+
+#include "KvCmDrv1/ChannelImpl.h"
+#include "KvCmDrv1/LinkText.h"
+#include "base/Numbers.h"
+#include "base/PathText.h"
+#include "link/AsciiFrame.h"
+#include "link/ControllerErrorText.h"
+
+namespace kv {
+namespace {
+
+constexpr int kBusyCode = 0x0A;
+
+// How long opening may take, by what has to happen.
+Duration OpenLimit(const LinkSettings& settings) {
+  using namespace std::chrono_literals;
+  switch (settings.transport) {
+    case Transport::Simulated:
+      return 1s;
+    case Transport::Tcp:
+      return 5s;
+    case Transport::Serial:
+      return 3s;
+    case Transport::Modem:
+      return settings.modem.dialTimeOut + 15s;  // reset and init before it
+    case Transport::Listen:
+      return 30s;  // a controller dials in every few seconds
+  }
+  return 1s;
+}
+
+// Other links go as fast as they go, whatever speed a tool asks for.
+bool HasRate(const LinkSettings& settings) {
+  return settings.transport == Transport::Serial || settings.transport == Transport::Modem;
+}
+
+// The name of serial port `number`, beside the one in the settings: COM3 -> COM5, /dev/ttyS3 -> /dev/ttyS5.
+std::string WithPortNumber(std::string name, int number) {
+  while (!name.empty() && name.back() >= '0' && name.back() <= '9') name.pop_back();
+  return name + std::to_string(number);
+}
+
+std::string WithUnit(const std::string& what, std::uint8_t unit) {
+  return what + " unit " + std::to_string(unit);
+}
+
+}  // namespace
+
+ChannelImpl::ChannelImpl(Pacer& pacer, std::shared_ptr<Trace> trace, const LinkSettings& settings, MakePortOf makePort,
+                         Say say)
+    : mPacer(pacer),
+      mTrace(std::move(trace)),
+      mSettings(settings),
+      mMakePort(std::move(makePort)),
+      mSay(std::move(say)),
+      mLine(pacer, *mTrace, mMakePort(settings)),
+      mExchange(pacer, mLine, {}, [this](const std::string& message) { Tell(message); }),
+      mRawPort(pacer, mLine, [this](Outcome outcome) { OnRawOutcome(outcome); }),
+      mBlockEngine(*this) {
+  ConfigureExchange();
+}
+
+void ChannelImpl::ConfigureExchange() {
+  // A modem that lost its call is not dialled again in the middle of a request: that costs minutes, and money.
+  const bool reconnects = mSettings.reconnects && mSettings.transport != Transport::Modem;
+  mExchange.Configure({.timeOut = mSettings.timeOut, .tries = mSettings.tries, .reconnects = reconnects});
+}
+
+bool ChannelImpl::Open() {
+  if (mExchange.IsOtherController() || mIsRetired) {
+    Fail(mExchange.Explain(mIsRetired ? Outcome::Closed : Outcome::OtherController), "opening the link");
+    return false;
+  }
+  if (mLine.IsOpen()) return true;
+  if (const auto opened = mLine.Open(OpenLimit(mSettings)); !opened) {
+    const PortError& error = opened.error();
+    const LinkErrorCode code = mLine.StopAsked() ? LinkErrorCode::Stopped : LinkErrorCode::CannotOpen;
+    Fail({.code = code,
+          .controllerCode = 0,
+          .doing = {},
+          .happened = error.happened,
+          .cause = error.cause,
+          .cure = error.cure},
+         "opening the link");
+    return false;
+  }
+  mExchange.Reopened();
+  Tell("Connected to " + DescribeLink(mSettings));
+  Succeed();
+  return true;
+}
+
+void ChannelImpl::Close() {
+  const bool wasOpen = mLine.IsOpen();
+  mLine.Close();
+  mExchange.Shut();
+  mExchange.ForgetUnits();
+  if (wasOpen) Tell("Disconnected from " + DescribeLink(mSettings));
+}
+
+void ChannelImpl::Retire() {
+  Close();
+  mIsRetired = true;
+  mSay = [](const std::string&) {};
+}
+
+std::optional<CommandReply> ChannelImpl::SendCommand(std::string_view command) {
+  constexpr std::size_t kPassword = 8;
+  const std::uint8_t unit = mSettings.unit;
+  const auto reply = mExchange.SendText({unit, command, FactsOf(command), std::nullopt});
+  if (!reply) {
+    const bool isSecret = command.starts_with("GI");
+    Fail(reply.error(), WithUnit("sending " + std::string(command.substr(0, isSecret ? 2 : 20)) + " to", unit));
+    return std::nullopt;
+  }
+  Succeed();
+  CommandReply result{std::string(*reply), ReadRefusal(*reply, command).value_or(0)};
+  if (command.size() == 2 + kPassword && command.starts_with("GI") && reply->starts_with("GI1")) {
+    const std::string_view password = command.substr(2);
+    mExchange.Unit(unit).password = password.substr(0, password.find_last_not_of(' ') + 1);
+  }
+  result.text += ToHex(AsciiChecksum(result.text), 2);
+  return result;
+}
+
+void ChannelImpl::SetRecordFile(const std::string& path, int purpose) {
+  constexpr int kConnection = 1;
+  if (purpose != kConnection) return;
+  mRecord.close();
+  mRecord.clear();
+  mRecord.open(PathFromUtf8(path), std::ios::binary | std::ios::trunc);
+  mRecord << "Link: " << DescribeLink(mSettings) << "\r\n" << std::flush;
+}
+
+int ChannelImpl::TimeOut() const {
+  return static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(mSettings.timeOut).count());
+}
+
+void ChannelImpl::SetTimeOut(int milliseconds) {
+  mSettings.timeOut = std::chrono::milliseconds(std::clamp(milliseconds, 50, 300000));
+  ConfigureExchange();
+}
+
+ComParams ChannelImpl::GetComParams() const {
+  return {.link = PrintLink(mSettings), .baudRate = HasRate(mSettings) ? mSettings.baudRate : 0, .mode = mMode};
+}
+
+bool ChannelImpl::SetComParams(const ComParams& params) {
+  const auto parsed = ParseLink(params.link, mSettings);
+  if (!parsed) {
+    FailArgument(parsed.error(), "setting the link parameters");
+    return false;
+  }
+  LinkSettings settings = *parsed;
+  if (params.baudRate > 0 && HasRate(settings))
+    settings.baudRate = std::clamp(params.baudRate, kLowestBaudRate, kHighestBaudRate);
+  mMode = params.mode;
+  return UseSettings(settings);
+}
+
+bool ChannelImpl::OpenLink(int commPort, int baudRate) {
+  const bool isSerial = HasRate(mSettings);
+  LinkSettings settings = mSettings;
+  if (isSerial && commPort > 0 && commPort != CommPort()) {
+    settings.serialPort = WithPortNumber(settings.serialPort, commPort);
+  }
+  if (isSerial && baudRate > 0) settings.baudRate = std::clamp(baudRate, kLowestBaudRate, kHighestBaudRate);
+  return UseSettings(settings) && Open();
+}
+
+bool ChannelImpl::UseSettings(const LinkSettings& settings) {
+  if (settings == mSettings) return true;
+  if (mIsRetired) return Open();  // says why not
+  LinkSettings speedAside = settings;
+  speedAside.baudRate = mSettings.baudRate;
+  const bool isSpeedOnly = speedAside == mSettings;
+  const bool wasOpen = mLine.IsOpen();
+
+  // A change of the speed alone keeps the connection, and with it the access that was given on it.
+  if (isSpeedOnly && wasOpen && mLine.GetPort().SetBaudRate(settings.baudRate)) {
+    mSettings = settings;
+    mExchange.LoseStep();
+    return true;
+  }
+  if (!isSpeedOnly) Close();
+  mSettings = settings;
+  mLine.Replace(mMakePort(mSettings));
+  ConfigureExchange();
+  return !wasOpen || Open();
+}
+
+bool ChannelImpl::StopController(std::uint8_t unit) {
+  return Control("CCS", "stopping", unit);
+}
+
+bool ChannelImpl::RunController(std::uint8_t unit) {
+  return Control("CCR", "starting the program of", unit);
+}
+
+bool ChannelImpl::ResetController(std::uint8_t unit) {
+  return Control("CCE", "resetting", unit);
+}
+
+bool ChannelImpl::Control(std::string_view command, const char* verb, std::uint8_t unit) {
+  const auto doing = [&] { return WithUnit(verb, unit); };
+  const auto reply = Ask({unit, command, FactsOf(command), std::nullopt}, doing);
+  if (!reply) return false;
+  if (*reply != "CCOK") {
+    FailMalformed(doing());
+    return false;
+  }
+  Succeed();
+  return true;
+}
+
+std::optional<VersionInfo> ChannelImpl::GetVersionInfo(std::uint8_t unit) {
+  const auto doing = [unit] { return WithUnit("identifying", unit); };
+  const auto reply = Ask({unit, "ID", FactsOf("ID"), std::nullopt}, doing);
+  if (!reply) return std::nullopt;
+  std::optional<VersionInfo> version = ReadIdentification(*reply);
+  if (!version) {
+    FailMalformed(doing());
+    return std::nullopt;
+  }
+  if (std::optional<Identity>& identity = mExchange.Unit(unit).identity) identity->version = *version;
+  Succeed();
+  return version;
+}
+
+bool ChannelImpl::GiveAccess(std::string_view password, std::uint8_t unit) {
+  constexpr std::size_t kLongest = 8;
+  const auto doing = [unit] { return WithUnit("giving the password to", unit); };
+  if (password.size() > kLongest) {
+    FailArgument("the password has more than 8 characters", doing());
+    return false;
+  }
+  const std::uint16_t tag = mExchange.NextTag();
+  constexpr std::size_t kReply = 9;
+  const auto reply = Ask({unit, mWriter.GiveAccess(unit, tag, password), TaggedRead(kReply), std::nullopt}, doing);
+  if (!reply) return false;
+  if (!ReadsAccessGiven(*reply, tag)) {
+    FailMalformed(doing());
+    return false;
+  }
+  mExchange.Unit(unit).password = password;
+  Succeed();
+  return true;
+}
+
+std::optional<Channel::ControllerInfo> ChannelImpl::GetControllerInfo(std::uint8_t unit) {
+  constexpr std::size_t kReply = 55;
+  const auto doing = [unit] { return WithUnit("asking for serial number and state of", unit); };
+  const std::uint16_t tag = mExchange.NextTag();
+  const auto reply = Ask({unit, mWriter.Information(unit, tag), TaggedRead(kReply), std::nullopt}, doing);
+  if (!reply) return std::nullopt;
+  std::optional<ControllerInfo> info = ReadInformation(*reply, tag);
+  if (info) {
+    Succeed();
+  } else {
+    FailMalformed(doing());
+  }
+  return info;
+}
+
+void ChannelImpl::Succeed() {
+  if (mError.code != LinkErrorCode::None) mError = {};
+}
+
+void ChannelImpl::Fail(LinkError error, const std::string& doing) {
+  mError = std::move(error);
+  mError.doing = doing + " on " + DescribeLine(mSettings);
+}
+
+void ChannelImpl::FailArgument(std::string happened, const std::string& doing) {
+  LinkError error;
+  error.code = LinkErrorCode::BadArgument;
+  error.happened = std::move(happened);
+  error.cause = "no controller can do this, so nothing was sent";
+  error.cure = "change what is asked for";
+  Fail(std::move(error), doing);
+}
+
+void ChannelImpl::FailRefused(int controllerCode, const std::string& doing) {
+  const ControllerErrorMeaning meaning = ControllerErrorText(controllerCode);
+  LinkError error;
+  error.code = controllerCode == kBusyCode ? LinkErrorCode::Busy : LinkErrorCode::Refused;
+  error.controllerCode = controllerCode;
+  error.happened = "the controller refused: " + std::string(meaning.meaning) + " (code " +
+                   ToHex(static_cast<std::uint32_t>(controllerCode), 2) + ")";
+  error.cure = meaning.cure;
+  Fail(std::move(error), doing);
+}
+
+void ChannelImpl::FailMalformed(const std::string& doing) {
+  LinkError error;
+  error.code = LinkErrorCode::Damaged;
+  error.happened = "the controller's reply does not fit the request";
+  error.cause = "the controller's O/S and this program do not agree about this request";
+  error.cure = "keep the trace for an error report; a newer O/S may help";
+  Fail(std::move(error), doing);
+}
+
+void ChannelImpl::Tell(const std::string& message) {
+  mTrace->Add(mPacer.Now(), Trace::Direction::Note, message);
+  if (mRecord.is_open()) mRecord << message << "\r\n" << std::flush;
+  mSay(message);
+}
+
+void ChannelImpl::OnRawOutcome(Outcome outcome) {
+  mExchange.LoseStep();
+  if (outcome == Outcome::Done) return;
+  if (outcome == Outcome::Lost) mExchange.NoteLoss();
+  Fail(mExchange.Explain(outcome), "sending raw frames");
+}
+
+}  // namespace kv

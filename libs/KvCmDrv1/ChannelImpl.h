@@ -1,0 +1,184 @@
+#pragma once
+
+#include <fstream>
+#include <functional>
+
+#include "KvCmDrv1/BlockEngine.h"
+#include "KvCmDrv1/Exchange.h"
+#include "KvCmDrv1/LinkSettings.h"
+#include "KvCmDrv1/PieceSize.h"
+#include "KvCmDrv1/RawPort.h"
+#include "link/Channel.h"
+
+namespace kv {
+
+// The channel over our wire. The text commands and the control of the link stand in ChannelControl.cpp, typed reads in
+// ChannelReads.cpp, typed writes in ChannelWrites.cpp, memory and block messages in ChannelMemory.cpp.
+//
+//   Closed -> Open (Open, OpenLink) -> Closed (Close, settings that need another port)
+//   Open -> Lost -> Open            within a request or with the next one, when the settings say so
+//   Open -> OtherController         another controller came back: closed for good, until Close
+class ChannelImpl final : public Channel {
+ public:
+  using MakePortOf = std::function<std::unique_ptr<Port>(const LinkSettings& settings)>;
+  using Say = std::function<void(const std::string& message)>;
+
+  // `makePort` gives a port for any settings and is not called after Retire.
+  ChannelImpl(Pacer& pacer, std::shared_ptr<Trace> trace, const LinkSettings& settings, MakePortOf makePort, Say say);
+
+  // Opens the link; true when it is open already. A modem dials, a listening link waits for its controller.
+  [[nodiscard]] bool Open();
+  void Close();
+  // Closes the link for good: who still holds the channel is told that the link is closed.
+  void Retire();
+  [[nodiscard]] bool IsOpen() const { return mLine.IsOpen(); }
+  [[nodiscard]] bool IsBusy() const { return mIsBusy; }
+  [[nodiscard]] bool IsOtherController() const { return mExchange.IsOtherController(); }
+  [[nodiscard]] const LinkSettings& Settings() const { return mSettings; }
+
+  [[nodiscard]] std::optional<CommandReply> SendCommand(std::string_view command) override;
+  void SetCommandOwner(std::string_view owner) override { mTrace->SetOwner(owner); }
+  void SetRecordFile(const std::string& path, int purpose) override;
+  [[nodiscard]] std::uint8_t UnitID() const override { return mSettings.unit; }
+  [[nodiscard]] int TimeOut() const override;
+  void SetTimeOut(int milliseconds) override;
+  [[nodiscard]] ComParams GetComParams() const override;
+  [[nodiscard]] bool SetComParams(const ComParams& params) override;
+  [[nodiscard]] bool OpenLink(int commPort, int baudRate) override;
+  void SetLinkBusy(bool busy) override { mIsBusy = busy; }
+  void AbortComm(bool abort) override { mExchange.Abort(abort); }
+  [[nodiscard]] int CommPort() const override { return mLine.GetPort().CommPort(); }
+
+  [[nodiscard]] bool StopController(std::uint8_t unit) override;
+  [[nodiscard]] bool RunController(std::uint8_t unit) override;
+  [[nodiscard]] bool ResetController(std::uint8_t unit) override;
+  [[nodiscard]] std::optional<VersionInfo> GetVersionInfo(std::uint8_t unit) override;
+  [[nodiscard]] bool GiveAccess(std::string_view password, std::uint8_t unit) override;
+  [[nodiscard]] std::optional<ControllerInfo> GetControllerInfo(std::uint8_t unit) override;
+
+  [[nodiscard]] std::optional<std::vector<OperandListValues>> ReadOperandList(
+      std::span<const OperandListRequest> records, std::uint8_t unit) override;
+  [[nodiscard]] BitValues ReadMB(std::int16_t start, std::int16_t count, std::uint8_t unit) override;
+  [[nodiscard]] BitValues ReadSB(std::int16_t start, std::int16_t count, std::uint8_t unit) override;
+  [[nodiscard]] BitValues ReadInputs(std::int16_t start, std::int16_t count, std::uint8_t unit) override;
+  [[nodiscard]] BitValues ReadOutputs(std::int16_t start, std::int16_t count, std::uint8_t unit) override;
+  [[nodiscard]] BitValues ReadTimerBits(std::int16_t start, std::int16_t count, std::uint8_t unit) override;
+  [[nodiscard]] WordValues ReadMI(std::int16_t start, std::int16_t count, std::uint8_t unit) override;
+  [[nodiscard]] WordValues ReadSI(std::int16_t start, std::int16_t count, std::uint8_t unit) override;
+  [[nodiscard]] WordValues ReadDBI(std::int16_t start, std::int16_t count, std::uint8_t unit) override;
+  [[nodiscard]] TimerWords ReadTimerPresets(std::int16_t start, std::int16_t count, std::uint8_t unit) override;
+  [[nodiscard]] TimerWords ReadTimerCurrents(std::int16_t start, std::int16_t count, std::uint8_t unit) override;
+
+  [[nodiscard]] bool WriteMB(std::int16_t start, BitSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteXB(std::int16_t start, BitSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteSB(std::int16_t start, BitSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteMI(std::int16_t start, WordSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteDBI(std::int16_t start, WordSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteXI(std::int16_t start, WordSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteML(std::int16_t start, LongSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteXL(std::int16_t start, LongSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteDW(std::int16_t start, UnsignedSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteXDW(std::int16_t start, UnsignedSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteCounterPresets(std::int16_t start, UnsignedSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteCounterCurrents(std::int16_t start, UnsignedSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteTimerPresets(std::int16_t start, UnsignedSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteTimerCurrents(std::int16_t start, UnsignedSpan values, std::uint8_t unit) override;
+  [[nodiscard]] bool WriteMF(std::int16_t start, FloatWordSpan values, std::uint8_t unit) override;
+
+  [[nodiscard]] std::optional<Bytes> ReadMemoryBlock(std::uint32_t address, std::uint32_t length,
+                                                     std::uint8_t unit) override;
+  [[nodiscard]] DownloadEngine* GetDownloadEngine() override;
+  [[nodiscard]] SerialPortObject* GetSerialPort() override;
+  [[nodiscard]] const LinkError& LastError() const override { return mError; }
+  [[nodiscard]] LinkQuality Quality() const override { return mExchange.Quality(); }
+
+  // For the block engine: the reply to one block message, whatever its status; nothing leaves the reason in
+  // LastError().
+  [[nodiscard]] std::optional<BlockReply> AskBlock(const BlockFields& fields, std::string_view payload);
+
+ private:
+  // What is being done, in words, made only when an error needs it: "reading MI 0..59 from unit 1".
+  template <typename Doing>
+  [[nodiscard]] std::optional<std::string_view> Ask(const TextRequest& request, const Doing& doing);
+
+  // Whether a status code means that the request was not done; the error then says so.
+  template <typename Doing>
+  [[nodiscard]] bool FailedStatus(int status, const Doing& doing);
+
+  void Succeed();
+  void Fail(LinkError error, const std::string& doing);
+  void FailArgument(std::string happened, const std::string& doing);
+  void FailRefused(int controllerCode, const std::string& doing);
+  void FailMalformed(const std::string& doing);
+
+  [[nodiscard]] std::optional<OperandRange> CheckedRange(std::int32_t code, std::int64_t start, std::int64_t count,
+                                                         std::string_view verb);
+  [[nodiscard]] std::optional<OperandListValues> ReadRange(const OperandRange& range, std::uint8_t unit);
+  [[nodiscard]] std::optional<std::vector<OperandListValues>> ReadBlockList(std::span<const OperandRange> ranges,
+                                                                            std::uint8_t unit);
+  template <typename Value>
+  [[nodiscard]] std::optional<std::vector<Value>> ReadTyped(std::int32_t code, std::int16_t start, std::int16_t count,
+                                                            std::uint8_t unit);
+  template <typename Value>
+  [[nodiscard]] bool WriteTyped(std::int32_t code, std::int16_t start, std::span<const Value> values,
+                                std::uint8_t unit);
+  [[nodiscard]] bool Control(std::string_view command, const char* verb, std::uint8_t unit);
+  [[nodiscard]] bool IsAsciiOnly(std::uint8_t unit);
+  [[nodiscard]] bool ReadPiece(bool isAsciiOnly, std::uint32_t address, std::span<std::uint8_t> bytes,
+                               std::uint8_t unit, Instant notAfter);
+  [[nodiscard]] bool UseSettings(const LinkSettings& settings);
+  void ConfigureExchange();
+  void Tell(const std::string& message);
+  void OnRawOutcome(Outcome outcome);
+
+  Pacer& mPacer;
+  std::shared_ptr<Trace> mTrace;
+  LinkSettings mSettings;
+  MakePortOf mMakePort;
+  Say mSay;
+  Line mLine;
+  Exchange mExchange;
+  RawPort mRawPort;
+  BlockEngine mBlockEngine;
+  RequestWriter mWriter;
+  std::vector<std::uint32_t> mNumbers;  // of the write under way
+  PieceSize mTextPiece{512};
+  PieceSize mBlockPiece{4096};
+  LinkError mError;
+  std::ofstream mRecord;
+  int mMode = 0;
+  bool mIsBusy = false;
+  bool mIsRetired = false;
+};
+
+template <typename Doing>
+std::optional<std::string_view> ChannelImpl::Ask(const TextRequest& request, const Doing& doing) {
+  const std::expected<std::string_view, LinkError> reply = mExchange.SendText(request);
+  if (!reply) {
+    Fail(reply.error(), doing());
+    return std::nullopt;
+  }
+  if (const std::optional<int> code = ReadRefusal(*reply, request.text)) {
+    FailRefused(*code, doing());
+    return std::nullopt;
+  }
+  return *reply;
+}
+
+template <typename Doing>
+bool ChannelImpl::FailedStatus(int status, const Doing& doing) {
+  constexpr int kRefused = 128;
+  constexpr int kBusyCode = 0x0A;
+  if (status == kBlockDone) return false;
+  if (status == kBlockBusy || status > kRefused) {
+    FailRefused(status == kBlockBusy ? kBusyCode : status - kRefused, doing());
+  } else {
+    FailMalformed(doing());
+  }
+  return true;
+}
+
+// "MI 0..59".
+[[nodiscard]] std::string RangeText(const OperandRange& range);
+
+}  // namespace kv

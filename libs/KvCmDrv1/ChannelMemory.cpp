@@ -1,0 +1,163 @@
+#include <algorithm>
+
+#include "KvCmDrv1/ChannelImpl.h"
+#include "KvCmDrv1/FrameMeaning.h"
+#include "KvCmDrv1/wire/BlockCodec.h"
+#include "base/Numbers.h"
+
+namespace kv {
+namespace {
+
+constexpr std::uint32_t kMostMemory = 4096;
+constexpr std::uint16_t kReadMemory = 257;
+
+std::string MemoryText(std::uint32_t address, std::size_t length, std::uint8_t unit) {
+  return "reading " + std::to_string(length) + " bytes of memory at " + ToHex(address, 8) + " from unit " +
+         std::to_string(unit);
+}
+
+// Bytes of payload that the reply to a block operation has at most.
+std::size_t ReplyPayloadOf(const BlockFields& fields) {
+  switch (fields.opCode) {
+    case 0:
+      return 2;
+    case 7:
+      return 106;
+    case 257:
+    case 259:
+      return std::min<std::size_t>(fields.dataLength, kMaxReplyPayload);
+    case 256:
+    case 258:
+      return kMaxReplyPayload;
+    default:
+      return 0;
+  }
+}
+
+}  // namespace
+
+std::optional<Bytes> ChannelImpl::ReadMemoryBlock(std::uint32_t address, std::uint32_t length, std::uint8_t unit) {
+  if (length < 1 || length > kMostMemory || address > 0xFFFFFFFF - (length - 1)) {
+    FailArgument(std::to_string(length) + " bytes; one request takes 1 to 4096, up to address FFFFFFFF",
+                 MemoryText(address, length, unit));
+    return std::nullopt;
+  }
+  if (const auto met = mExchange.MeetUnit(unit); !met) {
+    Fail(met.error(), MemoryText(address, length, unit));
+    return std::nullopt;
+  }
+  const bool isAsciiOnly = IsAsciiOnly(unit);
+  PieceSize& piece = isAsciiOnly ? mTextPiece : mBlockPiece;
+
+  // What the largest pieces would be allowed, for all of them together.
+  const std::uint32_t pieces = (length + piece.Most() - 1) / piece.Most();
+  const Duration wire = mLine.WireTime(3 * std::size_t{length} + 100 * std::size_t{pieces});
+  const Instant notAfter = mPacer.Now() + mSettings.tries * (pieces * mSettings.timeOut + wire);
+
+  Bytes bytes(length);
+  for (std::uint32_t done = 0; done < length;) {
+    const std::uint32_t count = std::min(piece.Size(), length - done);
+    if (ReadPiece(isAsciiOnly, address + done, std::span(bytes).subspan(done, count), unit, notAfter)) {
+      if (mExchange.LastWasSmooth()) {
+        piece.Good();
+      } else {
+        piece.Damaged();
+      }
+      done += count;
+    } else {
+      const bool isWorthSmaller = mError.code == LinkErrorCode::Damaged && count > PieceSize::kSmallest;
+      if (!isWorthSmaller || mPacer.Now() >= notAfter) return std::nullopt;
+      piece.Damaged();
+    }
+  }
+  Succeed();
+  return bytes;
+}
+
+bool ChannelImpl::ReadPiece(bool isAsciiOnly, std::uint32_t address, std::span<std::uint8_t> bytes, std::uint8_t unit,
+                            Instant notAfter) {
+  constexpr std::size_t kEcho = 18;  // letters, tag, address, length
+  const auto doing = [&] { return MemoryText(address, bytes.size(), unit); };
+  const auto length = static_cast<std::uint32_t>(bytes.size());
+  if (isAsciiOnly) {
+    const std::uint16_t tag = mExchange.NextTag();
+    const std::string_view text = mWriter.ReadMemory(unit, tag, address, length);
+    const auto reply = Ask({unit, text, TaggedRead(kEcho + 2 * bytes.size()), notAfter}, doing);
+    if (!reply) return false;
+    if (ReadMemoryBytes(*reply, tag, address, bytes)) return true;
+  } else {
+    const auto reply = mExchange.SendBlock(
+        {.unit = unit,
+         .fields = {.opCode = kReadMemory, .param1 = address, .dataLength = length, .param3 = 0, .param4 = 0},
+         .payload = {},
+         .replyPayload = bytes.size(),
+         .notAfter = notAfter});
+    if (!reply) {
+      Fail(reply.error(), doing());
+      return false;
+    }
+    if (FailedStatus(reply->status, doing)) return false;
+    if (reply->payload.size() == bytes.size()) {
+      std::ranges::copy(reply->payload, bytes.begin());
+      return true;
+    }
+  }
+  FailMalformed(doing());
+  return false;
+}
+
+bool ChannelImpl::IsAsciiOnly(std::uint8_t unit) {
+  const std::optional<Identity>& identity = mExchange.Unit(unit).identity;
+  return !identity || UnderstandsAsciiOnly(identity->version.model);
+}
+
+DownloadEngine* ChannelImpl::GetDownloadEngine() {
+  const std::string doing = "asking unit " + std::to_string(mSettings.unit) + " for block messages";
+  if (const auto met = mExchange.MeetUnit(mSettings.unit); !met) {
+    Fail(met.error(), doing);
+    return nullptr;
+  }
+  if (IsAsciiOnly(mSettings.unit)) {
+    Fail(mExchange.Explain(Outcome::NotSupported), doing);
+    return nullptr;
+  }
+  Succeed();
+  return &mBlockEngine;
+}
+
+SerialPortObject* ChannelImpl::GetSerialPort() {
+  return mLine.IsOpen() ? &mRawPort : nullptr;
+}
+
+std::optional<BlockReply> ChannelImpl::AskBlock(const BlockFields& fields, std::string_view payload) {
+  const std::uint8_t unit = mSettings.unit;
+  const auto doing = [&] {
+    return "block operation " + std::to_string(fields.opCode) + " (" + std::string(BlockOperationName(fields.opCode)) +
+           ") with unit " + std::to_string(unit);
+  };
+  if (payload.size() > kMaxRequestPayload) {
+    FailArgument(std::to_string(payload.size()) + " bytes; one message takes 1048576 at most", doing());
+    return std::nullopt;
+  }
+  const auto reply = mExchange.SendBlock(
+      {.unit = unit, .fields = fields, .payload = payload, .replyPayload = ReplyPayloadOf(fields), .notAfter = {}});
+  if (!reply) {
+    Fail(reply.error(), doing());
+    return std::nullopt;
+  }
+  Succeed();
+  return *reply;
+}
+
+bool BlockEngine::SendWithData(std::span<const std::uint8_t> data) {
+  const std::string_view payload(reinterpret_cast<const char*>(data.data()), data.size());
+  mReply.clear();
+  mStatus = 0;
+  const std::optional<BlockReply> reply = mChannel.AskBlock(mMessage, payload);
+  if (!reply) return false;
+  mReply.assign(reply->payload.begin(), reply->payload.end());
+  mStatus = reply->status;
+  return true;
+}
+
+}  // namespace kv

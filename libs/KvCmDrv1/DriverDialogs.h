@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "KvCmDrv1/LinkSettings.h"
+
+namespace kv {
+
+// The driver's dialogs, modal, as the program with windows provides them.
+class DriverDialogs {
+ public:
+  virtual ~DriverDialogs() = default;
+
+  // What the user confirmed, every value within its range; nothing after Cancel. `caller` names the window behind.
+  [[nodiscard]] virtual std::optional<LinkSettings> EditLink(const LinkSettings& current,
+                                                             const std::string& caller) = 0;
+  [[nodiscard]] virtual std::optional<ModemSettings> EditModem(const ModemSettings& current,
+                                                               const std::string& caller) = 0;
+};
+
+}  // namespace kv

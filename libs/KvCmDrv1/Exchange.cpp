@@ -1,0 +1,352 @@
+#include "KvCmDrv1/Exchange.h"
+
+#include <algorithm>
+#include <array>
+
+#include "KvCmDrv1/wire/Seal.h"
+
+namespace kv {
+namespace {
+
+constexpr int kNeedsPassword = 0x07;
+constexpr int kBlockRefusal = 128;
+
+// Characters that finding step, identification and access may add to a request on a new connection.
+constexpr std::size_t kMeetingBytes = 400;
+
+// Block operations that change nothing, and answer at once.
+bool IsReadOperation(std::uint16_t opCode) {
+  constexpr auto kReads = std::to_array<std::uint16_t>({0, 1, 7, 8, 256, 257, 258, 259});
+  return std::ranges::find(kReads, opCode) != kReads.end();
+}
+
+LinkError TextFaultError(TextFault fault) {
+  LinkError error;
+  error.code = LinkErrorCode::BadArgument;
+  error.cause = "a fault of the program, or of the file that it works on";
+  error.cure = "check the file; if it is right, keep the trace for an error report";
+  switch (fault) {
+    case TextFault::None:
+      break;
+    case TextFault::Empty:
+      error.happened = "the command is empty";
+      break;
+    case TextFault::TooLong:
+      error.happened = "the command is longer than 1100 characters";
+      break;
+    case TextFault::BadCharacter:
+      error.happened = "the command holds a character that no frame can carry";
+      break;
+    case TextFault::TailIsFrame:
+      error.happened = "the end of the command could be taken for a command of its own";
+      break;
+  }
+  return error;
+}
+
+}  // namespace
+
+// Takes the reply to one text request.
+class Exchange::TextJudge final : public ReplyJudge {
+ public:
+  TextJudge(const TextRequest& request, const UnitState& unit, std::string& reply)
+      : mRequest(request), mUnit(unit), mReply(reply), mSeal(request.text) {}
+
+  bool Accepts(const Received& received) override {
+    if (received.kind != Received::Kind::Frame || received.frame.unit != mRequest.unit) return false;
+    const std::optional<SealedReply> sealed = mSeal.Open(received.frame);
+    if (!sealed || !IsOurs(*sealed)) return false;
+    mReply = sealed->text;
+    mCounter = sealed->counter;
+    return true;
+  }
+
+  [[nodiscard]] std::uint16_t Counter() const { return mCounter; }
+
+ private:
+  // A text with a tag was sent for this request only, and so was its refusal's seal; a settled text may have been sent
+  // before.
+  [[nodiscard]] bool IsOurs(const SealedReply& sealed) const {
+    if (mRequest.facts.isSettled) return IsNewer(sealed.counter, mUnit.counter);
+    return EchoesTag(sealed.text, mRequest.text) || ReadRefusal(sealed.text, mRequest.text).has_value();
+  }
+
+  const TextRequest& mRequest;
+  const UnitState& mUnit;
+  std::string& mReply;
+  Seal mSeal;
+  std::uint16_t mCounter = 0;
+};
+
+// Takes the reply to one block message.
+class Exchange::BlockJudge final : public ReplyJudge {
+ public:
+  BlockJudge(const BlockMessage& request, std::string& payload) : mRequest(request), mPayload(payload) {}
+
+  bool Accepts(const Received& received) override {
+    const BlockMessage& block = received.block;
+    if (received.kind != Received::Kind::Block || block.unit != mRequest.unit) return false;
+    if (block.sequence != mRequest.sequence || block.fields != mRequest.fields) return false;
+    mPayload = block.payload;
+    mStatus = block.status;
+    return true;
+  }
+
+  [[nodiscard]] int Status() const { return mStatus; }
+
+ private:
+  const BlockMessage& mRequest;
+  std::string& mPayload;
+  int mStatus = 0;
+};
+
+// One request under way: a second one, from an event that the wait lets in, is refused meanwhile.
+class Exchange::UnderWay {
+ public:
+  explicit UnderWay(Exchange& exchange) : mExchange(exchange) {
+    exchange.mIsUnderWay = true;
+    exchange.mWentOut = false;
+    exchange.mTriesUsed = 0;
+    exchange.mLosses = 0;
+  }
+  ~UnderWay() {
+    mExchange.mIsUnderWay = false;
+    mExchange.mLine.RequestAbort(false);
+  }
+  UnderWay(const UnderWay&) = delete;
+  UnderWay& operator=(const UnderWay&) = delete;
+
+ private:
+  Exchange& mExchange;
+};
+
+Exchange::Exchange(Pacer& pacer, Line& line, const ExchangeSettings& settings, Say say)
+    : mPacer(pacer),
+      mLine(line),
+      mSettings(settings),
+      mSay(std::move(say)),
+      mUnits(256),
+      mRandom(std::random_device{}()) {
+  mTag = static_cast<std::uint16_t>(mRandom());
+}
+
+std::expected<std::string_view, LinkError> Exchange::SendText(const TextRequest& request) {
+  if (std::optional<LinkError> refused = Refuse()) return std::unexpected(std::move(*refused));
+  if (const TextFault fault = EncodeFrame(request.unit, request.text, mMain.frame); fault != TextFault::None) {
+    return std::unexpected(TextFaultError(fault));
+  }
+  const UnderWay underWay(*this);
+  SetDeadline(mMain.frame.size() + request.facts.longestReply, request.notAfter);
+  Outcome outcome = RunText(request);
+  if (outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text) == kNeedsPassword &&
+      GiveAccess(request.unit) == Outcome::Done) {
+    mWentOut = false;  // refused: it has changed nothing
+    outcome = RunText(request);
+  }
+  Count(outcome);
+  if (outcome != Outcome::Done) return std::unexpected(Explain(outcome));
+  if (request.facts.changesModel) mUnits[request.unit].modelMayChange = true;
+  return mMain.reply;
+}
+
+std::expected<BlockReply, LinkError> Exchange::SendBlock(const BlockRequest& request) {
+  if (std::optional<LinkError> refused = Refuse()) return std::unexpected(std::move(*refused));
+  const UnderWay underWay(*this);
+  const std::size_t bytes = 2 * (kBlockHead + kBlockCheck) + request.payload.size() + request.replyPayload;
+  SetDeadline(bytes, request.notAfter);
+  Outcome outcome = RunBlock(request);
+  if (outcome == Outcome::Done && mBlockStatus == kBlockRefusal + kNeedsPassword &&
+      GiveAccess(request.unit) == Outcome::Done) {
+    mWentOut = false;
+    outcome = RunBlock(request);
+  }
+  Count(outcome);
+  if (outcome != Outcome::Done) return std::unexpected(Explain(outcome));
+  return BlockReply{mBlockStatus, mMain.reply};
+}
+
+std::expected<void, LinkError> Exchange::MeetUnit(std::uint8_t unit) {
+  if (std::optional<LinkError> refused = Refuse()) return std::unexpected(std::move(*refused));
+  if (mLine.IsOpen() && mUnits[unit].connection == mLine.Connection()) return {};
+  const UnderWay underWay(*this);
+  SetDeadline(0, std::nullopt);
+  Outcome outcome = GetReady(unit, false);
+  while (outcome == Outcome::Lost) {
+    LoseLink();
+    outcome = MayGoOn() ? GetReady(unit, false) : Outcome::CannotReopen;
+  }
+  if (outcome == Outcome::Done) return {};
+  Count(outcome);
+  return std::unexpected(Explain(outcome));
+}
+
+void Exchange::SetDeadline(std::size_t wireBytes, std::optional<Instant> notAfter) {
+  mStart = mPacer.Now();
+  mDeadline = mStart + mSettings.tries * (mSettings.timeOut + mLine.WireTime(wireBytes + kMeetingBytes));
+  if (notAfter) mDeadline = std::min(mDeadline, *notAfter);
+}
+
+Outcome Exchange::RunText(const TextRequest& request) {
+  const bool isRead = request.facts.kind == RequestKind::Read;
+  while (true) {
+    Outcome outcome = GetReady(request.unit, request.facts.isSettled || !isRead);
+    if (outcome == Outcome::Done && mWentOut && !isRead) {
+      outcome = WhatBecameOf(request);
+    } else if (outcome == Outcome::Done) {
+      // A link that has gone quietly is noticed before a request that could not be sent again.
+      if (!isRead) outcome = mLine.DropInput();
+      if (outcome == Outcome::Done) outcome = TryText(request, mMain);
+    } else if (mWentOut && !isRead && outcome != Outcome::Lost && outcome != Outcome::Stopped &&
+               outcome != Outcome::OtherController) {
+      return Outcome::Unsure;
+    }
+    if (outcome != Outcome::Lost) return outcome;
+    LoseLink();
+    if (!MayGoOn()) return mWentOut && !isRead ? Outcome::Unsure : Outcome::CannotReopen;
+  }
+}
+
+Outcome Exchange::TryText(const TextRequest& request, Buffers& buffers) {
+  const bool isMain = &buffers == &mMain;
+  const CommandFacts& facts = request.facts;
+  UnitState& unit = mUnits[request.unit];
+  if (isMain) mCounterBefore = unit.counter;
+  TextJudge judge(request, unit, buffers.reply);
+  Outcome worst = Outcome::Silence;  // damage in any try tells more than silence in the last
+  for (int tryNumber = 1;; ++tryNumber) {
+    const std::uint64_t sentBefore = mLine.BytesSent();
+    const Instant start = mPacer.Now();
+    const Outcome outcome =
+        OneTry(judge, buffers.frame, facts.longestReply, WaitOf(facts.isSlow, tryNumber), ReserveOf(facts));
+    if (isMain) {
+      mWentOut = mWentOut || mLine.BytesSent() != sentBefore;
+      mTriesUsed = tryNumber;
+    }
+    if (outcome == Outcome::Done) {
+      unit.counter = judge.Counter();
+      if (tryNumber == 1 && !facts.isSlow) {
+        mRoundTrip.Sample(mPacer.Now() - start - mLine.WireTime(buffers.frame.size() + buffers.reply.size()));
+      }
+      return outcome;
+    }
+    if (facts.isSettled || facts.kind != RequestKind::Read) unit.isInStep = false;
+    if (outcome != Outcome::Silence && outcome != Outcome::Damaged) return outcome;
+    if (outcome == Outcome::Silence) mRoundTrip.Silence();
+    if (outcome == Outcome::Damaged) worst = outcome;
+    if (facts.kind == RequestKind::Once) {
+      if (const Outcome became = WhatBecameOf(request); became != Outcome::NotExecuted) return became;
+    }
+    if (tryNumber >= mSettings.tries || mPacer.Now() >= mDeadline) return worst;
+    if (facts.isSettled && !unit.isInStep) {
+      if (const Outcome found = FindStep(request.unit); found != Outcome::Done) return found;
+    }
+    ++mQuality.repeats;
+  }
+}
+
+Outcome Exchange::RunBlock(const BlockRequest& request) {
+  const bool isRead = IsReadOperation(request.fields.opCode);
+  while (true) {
+    Outcome outcome = GetReady(request.unit, false);
+    if (outcome == Outcome::Done) {
+      const std::optional<Identity>& identity = mUnits[request.unit].identity;
+      if (!identity || UnderstandsAsciiOnly(identity->version.model)) return Outcome::NotSupported;
+      if (mWentOut && !isRead) return Outcome::Unsure;  // the new connection does not know the sequence number
+      if (!isRead) outcome = mLine.DropInput();
+      if (outcome == Outcome::Done) outcome = TryBlock(request);
+    } else if (mWentOut && !isRead && outcome == Outcome::CannotReopen) {
+      return Outcome::Unsure;
+    }
+    if (outcome != Outcome::Lost) return outcome;
+    LoseLink();
+    if (!MayGoOn()) return mWentOut && !isRead ? Outcome::Unsure : Outcome::CannotReopen;
+  }
+}
+
+Outcome Exchange::TryBlock(const BlockRequest& request) {
+  if (mSequenceConnection != mLine.Connection()) {
+    mSequenceConnection = mLine.Connection();
+    mSequence = static_cast<std::uint16_t>(mRandom());
+  }
+  const BlockMessage message{
+      .unit = request.unit, .status = 0, .sequence = ++mSequence, .fields = request.fields, .payload = request.payload};
+  EncodeBlockRequest(message, mMain.frame);
+  BlockJudge judge(message, mMain.reply);
+  const bool isSlow = !IsReadOperation(request.fields.opCode);
+  const std::size_t replyBytes = kBlockHead + request.replyPayload + kBlockCheck;
+  Outcome worst = Outcome::Silence;
+  for (int tryNumber = 1;; ++tryNumber) {
+    const std::uint64_t sentBefore = mLine.BytesSent();
+    const Instant start = mPacer.Now();
+    const Outcome outcome = OneTry(judge, mMain.frame, replyBytes, WaitOf(isSlow, tryNumber), Duration{});
+    mWentOut = mWentOut || mLine.BytesSent() != sentBefore;
+    mTriesUsed = tryNumber;
+    if (outcome == Outcome::Done) {
+      mBlockStatus = judge.Status();
+      if (tryNumber == 1 && !isSlow)
+        mRoundTrip.Sample(mPacer.Now() - start - mLine.WireTime(mMain.frame.size() + replyBytes));
+      return outcome;
+    }
+    if (outcome != Outcome::Silence && outcome != Outcome::Damaged) return outcome;
+    if (outcome == Outcome::Silence) mRoundTrip.Silence();
+    if (outcome == Outcome::Damaged) worst = outcome;
+    if (tryNumber >= mSettings.tries || mPacer.Now() >= mDeadline) return worst;
+    ++mQuality.repeats;
+  }
+}
+
+Outcome Exchange::OneTry(ReplyJudge& judge, std::string_view frame, std::size_t replyBytes, Duration wait,
+                         Duration reserve) {
+  const Instant now = mPacer.Now();
+  const Instant end = std::min(now + mLine.WireTime(frame.size() + replyBytes) + wait, mDeadline - reserve);
+  if (now >= end) return Outcome::Silence;
+  const Outcome sent = mLine.Send(frame, end);
+  return sent == Outcome::Done ? mLine.Await(judge, end) : sent;
+}
+
+Duration Exchange::WaitOf(bool isSlow, int tryNumber) const {
+  const bool isLast = tryNumber >= mSettings.tries;
+  return isSlow || isLast ? mSettings.timeOut : mRoundTrip.TimeOut(mSettings.timeOut);
+}
+
+// Time that a request which must not be done twice leaves for asking what became of it.
+Duration Exchange::ReserveOf(const CommandFacts& facts) const {
+  constexpr std::size_t kStepBytes = 110;  // request and reply of SY
+  if (facts.kind != RequestKind::Once) return Duration{};
+  return std::min(mSettings.timeOut / 4, mRoundTrip.TimeOut(mSettings.timeOut)) + mLine.WireTime(kStepBytes);
+}
+
+void Exchange::LoseStep() {
+  for (UnitState& unit : mUnits) unit.isInStep = false;
+}
+
+void Exchange::ForgetUnits() {
+  mUnits.assign(mUnits.size(), UnitState{});
+  mIsOtherController = false;
+}
+
+void Exchange::Abort(bool abort) {
+  if (mIsUnderWay || !abort) {
+    mLine.RequestAbort(abort);
+  } else if (mLine.IsOpen()) {
+    (void)mLine.DropInput();  // a loss shows with the next request
+  }
+}
+
+void Exchange::Count(Outcome outcome) {
+  if (outcome == Outcome::Done) {
+    ++mQuality.exchanges;
+  } else {
+    ++mQuality.errors;
+  }
+}
+
+LinkQuality Exchange::Quality() const {
+  LinkQuality quality = mQuality;
+  quality.roundTrip = mRoundTrip.Smoothed();
+  quality.bytesSent = mLine.BytesSent();
+  quality.bytesReceived = mLine.BytesReceived();
+  return quality;
+}
+
+}  // namespace kv

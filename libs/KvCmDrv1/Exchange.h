@@ -1,0 +1,177 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <functional>
+#include <optional>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvCmDrv1/Line.h"
+#include "KvCmDrv1/RoundTrip.h"
+#include "KvCmDrv1/UnitState.h"
+#include "KvCmDrv1/wire/CommandFacts.h"
+#include "KvCmDrv1/wire/Replies.h"
+#include "KvCmDrv1/wire/Requests.h"
+#include "link/Channel.h"
+
+namespace kv {
+
+// How exchanges go about on this link.
+struct ExchangeSettings {
+  Duration timeOut = std::chrono::seconds(1);  // for one reply, without the time on the wire
+  int tries = 3;
+  bool reconnects = true;  // a lost link is reopened within the request's deadline
+};
+
+struct TextRequest {
+  std::uint8_t unit = 1;
+  std::string_view text;  // complete, with tag and check where the command has them
+  CommandFacts facts;
+  std::optional<Instant> notAfter;  // an earlier deadline than the request's own
+};
+
+struct BlockRequest {
+  std::uint8_t unit = 1;
+  BlockFields fields;
+  std::string_view payload;
+  std::size_t replyPayload = 0;  // bytes expected
+  std::optional<Instant> notAfter;
+};
+
+struct BlockReply {
+  int status = 0;
+  std::string_view payload;  // good until the next exchange
+};
+
+// Gets one request through to a controller and its answer back, whatever the line does meanwhile, or says why not.
+//
+//   Idle -> Ready           the link is open, this unit was met on it, and the exchange is in step where it must be
+//   Ready -> Sent           one write
+//   Sent -> Answered        a reply with the right unit, seal or sequence number, tag or newer counter
+//   Sent -> Ready           silence or damage; a read, a placing request or a block message goes out again
+//   Sent -> Asking          silence or damage; a request that must not be done twice: SY is asked what became of it
+//   Asking -> Answered      it was done, and SY tells the answer
+//   Asking -> Ready         it was not done: it goes out again
+//   Asking -> Unsure        nobody knows
+//   any -> Reopening        the link is lost: reopened with growing pauses, the unit met again
+//   Reopening -> Ready      a read, or a request that had not gone out
+//   Reopening -> Asking     any other, which is never sent again over a new connection
+//   Reopening -> OtherController   serial number or model are not what they were; the link stays closed from then on
+//   any -> Stopped          the pacer's stop request, or AbortComm
+//
+// All of it ends within tries x (time on the wire + time-out). What arrives late is told apart by tag, counter, seal
+// and sequence number, never by time. The last try waits for as long as the time-out allows, the ones before for as
+// long as replies on this link have been taking.
+class Exchange {
+ public:
+  using Say = std::function<void(const std::string& message)>;
+
+  Exchange(Pacer& pacer, Line& line, const ExchangeSettings& settings, Say say);
+
+  // The reply text without its seal, good until the next exchange; a refusal is a reply.
+  [[nodiscard]] std::expected<std::string_view, LinkError> SendText(const TextRequest& request);
+  // NotSupported, without traffic beyond meeting the unit, on a controller that understands ASCII frames only.
+  [[nodiscard]] std::expected<BlockReply, LinkError> SendBlock(const BlockRequest& request);
+  // Makes sure that the unit has been met on this connection.
+  [[nodiscard]] std::expected<void, LinkError> MeetUnit(std::uint8_t unit);
+
+  // A number for the next request with a tag.
+  [[nodiscard]] std::uint16_t NextTag() { return ++mTag; }
+  // What is known of a unit. Passwords and identifications that tools come by are put here.
+  [[nodiscard]] UnitState& Unit(std::uint8_t unit) { return mUnits[unit]; }
+  // Raw traffic has passed, or the speed has changed: no unit is in step any more.
+  void LoseStep();
+  // Another controller is meant from now on.
+  void ForgetUnits();
+  // The other side has gone, as raw traffic found out.
+  void NoteLoss() { LoseLink(); }
+  // The link is closed until it is opened from outside.
+  void Shut() { mIsShut = true; }
+  void Reopened() { mIsShut = false; }
+
+  void Configure(const ExchangeSettings& settings) { mSettings = settings; }
+  // Throws away what is on its way, or ends the exchange that is under way.
+  void Abort(bool abort);
+
+  [[nodiscard]] LinkQuality Quality() const;
+  // An outcome in words; what was being done is the caller's to say.
+  [[nodiscard]] LinkError Explain(Outcome outcome) const;
+  // Tries, damage or silence were needed to get the last answer.
+  [[nodiscard]] bool LastWasSmooth() const { return mTriesUsed <= 1; }
+  [[nodiscard]] bool IsOtherController() const { return mIsOtherController; }
+
+ private:
+  // Bytes of one request under way and of its answer, used again and again.
+  struct Buffers {
+    std::string frame;
+    std::string reply;
+  };
+  class TextJudge;
+  class BlockJudge;
+  class UnderWay;
+
+  [[nodiscard]] std::optional<LinkError> Refuse() const;
+  void SetDeadline(std::size_t wireBytes, std::optional<Instant> notAfter);
+  void Count(Outcome outcome);
+
+  // Getting ready (ExchangeSteps.cpp).
+  [[nodiscard]] Outcome GetReady(std::uint8_t unit, bool needsStep);
+  [[nodiscard]] Outcome Reopen();
+  [[nodiscard]] Outcome Meet(std::uint8_t unit);
+  [[nodiscard]] Outcome FindStep(std::uint8_t unit);
+  [[nodiscard]] Outcome Identify(std::uint8_t unit);
+  [[nodiscard]] Outcome GiveAccess(std::uint8_t unit);
+  [[nodiscard]] Outcome Ask(const TextRequest& request, Buffers& buffers);
+  [[nodiscard]] Outcome Compare(UnitState& unit, const std::optional<Identity>& found);
+  [[nodiscard]] Outcome WhatBecameOf(const TextRequest& request);
+  [[nodiscard]] bool MayGoOn();
+
+  // Sending.
+  [[nodiscard]] Outcome RunText(const TextRequest& request);
+  [[nodiscard]] Outcome TryText(const TextRequest& request, Buffers& buffers);
+  [[nodiscard]] Outcome RunBlock(const BlockRequest& request);
+  [[nodiscard]] Outcome TryBlock(const BlockRequest& request);
+  [[nodiscard]] Outcome OneTry(ReplyJudge& judge, std::string_view frame, std::size_t replyBytes, Duration wait,
+                               Duration reserve);
+  [[nodiscard]] Duration WaitOf(bool isSlow, int tryNumber) const;
+  [[nodiscard]] Duration ReserveOf(const CommandFacts& facts) const;
+  void LoseLink();
+
+  Pacer& mPacer;
+  Line& mLine;
+  ExchangeSettings mSettings;
+  Say mSay;
+  RoundTrip mRoundTrip;
+  std::vector<UnitState> mUnits;
+  RequestWriter mWriter;
+  Buffers mMain;         // the request itself
+  Buffers mMeeting;      // identification and access
+  Buffers mStep;         // finding step
+  StepReply mStepReply;  // points into mStep
+
+  std::uint16_t mTag;
+  std::uint16_t mSequence = 0;
+  unsigned mSequenceConnection = 0;
+  std::minstd_rand mRandom;
+
+  // Of the request under way.
+  Instant mStart{};
+  Instant mDeadline{};
+  bool mIsUnderWay = false;
+  bool mWentOut = false;  // any of it has reached the line
+  int mTriesUsed = 0;
+  int mLosses = 0;
+  std::uint16_t mCounterBefore = 0;
+  int mBlockStatus = 0;
+
+  bool mIsShut = true;
+  bool mIsOtherController = false;
+  PortError mLoss;         // why the link was lost or cannot be opened
+  std::string mOtherName;  // who answered instead
+  LinkQuality mQuality;
+};
+
+}  // namespace kv

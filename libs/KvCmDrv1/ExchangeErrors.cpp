@@ -1,0 +1,83 @@
+#include "KvCmDrv1/Exchange.h"
+
+// Why an exchange ended without an answer, in words.
+
+namespace kv {
+namespace {
+
+LinkError MakeError(LinkErrorCode code, std::string happened, std::string cause, std::string cure) {
+  LinkError error;
+  error.code = code;
+  error.happened = std::move(happened);
+  error.cause = std::move(cause);
+  error.cure = std::move(cure);
+  return error;
+}
+
+// "1.5 s", "0.05 s": to the hundredth.
+std::string Seconds(Duration span) {
+  const auto hundredths = (span.count() + 5000) / 10000;
+  std::string text = std::to_string(hundredths / 100) + "." + std::to_string(hundredths % 100 / 10);
+  if (hundredths % 10 != 0) text += std::to_string(hundredths % 10);
+  return text + " s";
+}
+
+}  // namespace
+
+std::optional<LinkError> Exchange::Refuse() const {
+  using enum LinkErrorCode;
+  if (mIsUnderWay) {
+    return MakeError(Busy, "another request is under way", "two tools work on the link at once",
+                     "wait until the other operation has ended");
+  }
+  if (mIsOtherController) return Explain(Outcome::OtherController);
+  if (mIsShut) return Explain(Outcome::Closed);
+  if (mPacer.StopRequested()) return Explain(Outcome::Stopped);
+  return std::nullopt;
+}
+
+LinkError Exchange::Explain(Outcome outcome) const {
+  using enum LinkErrorCode;
+  const std::string effort = std::to_string(mSettings.tries) + (mSettings.tries == 1 ? " try" : " tries") + " (" +
+                             Seconds(mPacer.Now() - mStart) + ")";
+  switch (outcome) {
+    case Outcome::Done:
+      return {};
+    case Outcome::Silence:
+      return MakeError(NoReply, "no reply after " + effort,
+                       "the controller is switched off, is not connected, or has another unit id or line speed",
+                       "check cable and power, and unit id and speed in the communication settings");
+    case Outcome::Damaged:
+      return MakeError(
+          Damaged, "no reply arrived whole after " + effort,
+          "a disturbed line, a wrong line speed, or another device on the same line",
+          "check the cable and its shield, and the speed in the communication settings; a lower speed may help");
+    case Outcome::Lost:
+    case Outcome::CannotReopen:
+      return MakeError(LinkLost, "the connection was lost: " + mLoss.happened, mLoss.cause, mLoss.cure);
+    case Outcome::NotExecuted:
+      return MakeError(LinkLost, "the connection was lost, and the controller has not executed the request",
+                       mLoss.cause, "do it again; the connection stands again");
+    case Outcome::Stopped:
+      return MakeError(Stopped, "stopped on request", "", "");
+    case Outcome::Closed:
+      return MakeError(LinkLost, "the link is closed", "the driver was closed, or the link settings were changed",
+                       "start the operation again");
+    case Outcome::OtherController:
+      return MakeError(OtherController, "another controller answered: " + mOtherName,
+                       "the cable was moved, or the address now belongs to another controller",
+                       "connect the right controller, or close the link and connect to this one");
+    case Outcome::Unsure:
+      return MakeError(
+          Unsure, "the request was sent, but whether it was executed could not be found out",
+          "the connection broke, the controller restarted, or another program works on it at the same time",
+          "look at what it should have changed before doing it again");
+    case Outcome::NotSupported:
+      return MakeError(NotSupported, "this controller understands text commands only",
+                       "a controller of the compact family does not have this operation",
+                       "use the tool that is made for this model");
+  }
+  return {};
+}
+
+}  // namespace kv

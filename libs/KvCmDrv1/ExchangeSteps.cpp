@@ -1,0 +1,151 @@
+#include <algorithm>
+
+#include "KvCmDrv1/Exchange.h"
+#include "KvCmDrv1/wire/Seal.h"
+#include "base/Crc32.h"
+
+// How an exchange gets ready: opening a lost link, meeting the unit on a new connection, finding step, and asking what
+// became of a request.
+
+namespace kv {
+namespace {
+
+constexpr std::size_t kStepReply = 58;         // SY: letters, tag, counter, check, 40 characters
+constexpr std::size_t kInformationReply = 55;  // IN: letters, tag, serial number, state, name
+constexpr std::size_t kAccessReply = 9;
+
+std::string NameOf(const Identity& identity) {
+  return identity.version.model + ", serial number " + std::to_string(identity.serialNumber);
+}
+
+}  // namespace
+
+Outcome Exchange::GetReady(std::uint8_t unit, bool needsStep) {
+  if (!mLine.IsOpen()) {
+    if (const Outcome opened = Reopen(); opened != Outcome::Done) return opened;
+  }
+  if (mUnits[unit].connection != mLine.Connection()) return Meet(unit);
+  return needsStep && !mUnits[unit].isInStep ? FindStep(unit) : Outcome::Done;
+}
+
+Outcome Exchange::Reopen() {
+  // A controller that restarts needs a moment, a network that is down minutes: the pauses grow between these.
+  constexpr Duration kFirstPause = std::chrono::milliseconds(100);
+  constexpr Duration kLongestPause = std::chrono::seconds(5);
+  if (!mSettings.reconnects) return Outcome::CannotReopen;
+  for (Duration pause = kFirstPause;; pause = std::min(2 * pause, kLongestPause)) {
+    const Duration rest = mDeadline - mPacer.Now();
+    if (rest <= Duration{}) return Outcome::CannotReopen;
+    const std::expected<void, PortError> opened = mLine.Open(rest);
+    if (opened) break;
+    mLoss = opened.error();
+    if (!mLine.Pause(std::min(pause, std::max(mDeadline - mPacer.Now(), Duration{})))) return Outcome::Stopped;
+  }
+  mSay("Connected again to " + mLine.GetPort().Description());
+  return Outcome::Done;
+}
+
+Outcome Exchange::Meet(std::uint8_t unit) {
+  Outcome outcome = FindStep(unit);
+  if (outcome == Outcome::Done) outcome = Identify(unit);
+  if (outcome != Outcome::Done) return outcome;
+  if (!mUnits[unit].password.empty()) {
+    // A password that is refused now will be asked for by the request that needs it.
+    outcome = GiveAccess(unit);
+    if (outcome == Outcome::Lost || outcome == Outcome::Stopped) return outcome;
+  }
+  mUnits[unit].connection = mLine.Connection();
+  return Outcome::Done;
+}
+
+Outcome Exchange::FindStep(std::uint8_t unit) {
+  const std::uint16_t tag = NextTag();
+  const Outcome outcome = Ask({unit, mWriter.FindStep(unit, tag), TaggedRead(kStepReply), {}}, mStep);
+  if (outcome != Outcome::Done) return outcome;
+  const std::optional<StepReply> step = ReadStep(mStep.reply, tag);
+  if (!step) return Outcome::Damaged;
+  mStepReply = *step;
+  mUnits[unit].isInStep = true;
+  return Outcome::Done;
+}
+
+Outcome Exchange::Identify(std::uint8_t unit) {
+  Outcome outcome = Ask({unit, "ID", FactsOf("ID"), {}}, mMeeting);
+  if (outcome != Outcome::Done) return outcome;
+  const std::optional<VersionInfo> version = ReadIdentification(mMeeting.reply);
+
+  const std::uint16_t tag = NextTag();
+  outcome = Ask({unit, mWriter.Information(unit, tag), TaggedRead(kInformationReply), {}}, mMeeting);
+  if (outcome != Outcome::Done) return outcome;
+  const std::optional<Channel::ControllerInfo> info = ReadInformation(mMeeting.reply, tag);
+
+  std::optional<Identity> found;
+  if (version && info) found = Identity{info->serialNumber, *version};
+  return Compare(mUnits[unit], found);
+}
+
+Outcome Exchange::Compare(UnitState& unit, const std::optional<Identity>& found) {
+  if (unit.identity) {
+    const bool isSameModel = unit.modelMayChange || (found && found->version.model == unit.identity->version.model);
+    if (!found || found->serialNumber != unit.identity->serialNumber || !isSameModel) {
+      mOtherName = (found ? NameOf(*found) : "a controller that does not identify itself") + " instead of " +
+                   NameOf(*unit.identity);
+      mIsOtherController = true;
+      mLine.Close();
+      mSay("Connection closed: another controller answered");
+      return Outcome::OtherController;
+    }
+  }
+  unit.identity = found;
+  unit.modelMayChange = false;
+  return Outcome::Done;
+}
+
+Outcome Exchange::GiveAccess(std::uint8_t unit) {
+  UnitState& state = mUnits[unit];
+  if (state.password.empty()) return Outcome::NotSupported;
+  const std::uint16_t tag = NextTag();
+  const Outcome outcome =
+      Ask({unit, mWriter.GiveAccess(unit, tag, state.password), TaggedRead(kAccessReply), {}}, mMeeting);
+  if (outcome != Outcome::Done) return outcome;
+  if (ReadsAccessGiven(mMeeting.reply, tag)) return Outcome::Done;
+  state.password.clear();
+  return Outcome::NotSupported;
+}
+
+Outcome Exchange::Ask(const TextRequest& request, Buffers& buffers) {
+  const TextFault fault = EncodeFrame(request.unit, request.text, buffers.frame);
+  return fault == TextFault::None ? TryText(request, buffers) : Outcome::Damaged;
+}
+
+// The last request other than a read tells: when it was executed since ours went out it must be ours, and when none
+// was, ours was not.
+Outcome Exchange::WhatBecameOf(const TextRequest& request) {
+  const Outcome outcome = FindStep(request.unit);
+  if (outcome == Outcome::Lost || outcome == Outcome::Stopped) return outcome;
+  if (outcome != Outcome::Done) return Outcome::Unsure;
+
+  const std::uint16_t counterNow = mUnits[request.unit].counter;
+  const bool hasRestarted = !IsNewer(counterNow, mCounterBefore);
+  const int since = StepsAhead(mStepReply.counter, mCounterBefore);
+  const bool isSince = mStepReply.counter != 0 && since >= 1 && since < StepsAhead(counterNow, mCounterBefore);
+  const bool isOurs = mStepReply.counter != 0 && mStepReply.check == Crc32(request.text);
+  if (isOurs && (isSince || hasRestarted)) {
+    mMain.reply = mStepReply.reply;
+    return Outcome::Done;
+  }
+  return hasRestarted || isSince ? Outcome::Unsure : Outcome::NotExecuted;
+}
+
+bool Exchange::MayGoOn() {
+  return mSettings.reconnects && mLosses <= mSettings.tries && mPacer.Now() < mDeadline && !mLine.StopAsked();
+}
+
+void Exchange::LoseLink() {
+  ++mLosses;
+  mLoss = mLine.GetPort().LossReason();
+  mLine.Close();
+  mSay("Connection lost: " + (mLoss.happened.empty() ? std::string("the other side has gone") : mLoss.happened));
+}
+
+}  // namespace kv

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "KvCmDrv1/Outcome.h"
+#include "KvCmDrv1/Trace.h"
+#include "KvCmDrv1/ports/Port.h"
+#include "KvCmDrv1/wire/MessageReceiver.h"
+#include "desktop/Pacer.h"
+
+namespace kv {
+
+// Decides which of the messages that arrive answers the request that is waiting.
+class ReplyJudge {
+ public:
+  virtual ~ReplyJudge() = default;
+  // Called with each good frame and block message. True takes it as the answer; what is needed of it must be copied
+  // now.
+  virtual bool Accepts(const Received& received) = 0;
+};
+
+// The line under the exchanges: a port, the receiver behind it, the trace and the counts. Sends bytes, waits for an
+// answer, and nothing else: what is repeated and when is the exchange's business.
+//
+// A wait goes in slices of a few milliseconds with a turn of the pacer between them; what is answered at once costs no
+// turn. A stop (of the pacer, or RequestAbort) is noticed with the next slice.
+class Line {
+ public:
+  static constexpr Duration kSlice = std::chrono::milliseconds(5);
+
+  Line(Pacer& pacer, Trace& trace, std::unique_ptr<Port> port);
+
+  // Another port from now on; the one before is closed.
+  void Replace(std::unique_ptr<Port> port);
+
+  [[nodiscard]] std::expected<void, PortError> Open(Duration limit);
+  void Close();
+  [[nodiscard]] bool IsOpen() const { return mPort->IsOpen(); }
+  // Number of the connection, raised with every Open that succeeds; 0 before the first.
+  [[nodiscard]] unsigned Connection() const { return mConnection; }
+
+  // Done when all bytes are with the port; Silence when the line did not take them until `deadline`.
+  [[nodiscard]] Outcome Send(std::string_view bytes, Instant deadline);
+
+  // Done when the judge took a message. Damaged when something else arrived and the line was quiet again, or at the
+  // deadline; Silence when nothing arrived until then. All that arrives goes through the receiver, so endless garbage
+  // costs no memory.
+  [[nodiscard]] Outcome Await(ReplyJudge& judge, Instant deadline);
+
+  // Throws away what has arrived. Lost when the other side has gone.
+  [[nodiscard]] Outcome DropInput();
+  // Appends what has arrived, about `most` bytes, to `bytes` without looking at it, for raw traffic.
+  [[nodiscard]] Outcome TakeRaw(std::string& bytes, std::size_t most);
+
+  // Lets `span` pass unless a stop is asked for; false then.
+  [[nodiscard]] bool Pause(Duration span);
+
+  void RequestAbort(bool abort) { mAbort = abort; }
+  [[nodiscard]] bool StopAsked() const { return mAbort || mPacer.StopRequested(); }
+
+  [[nodiscard]] Duration WireTime(std::size_t bytes) const {
+    return mPort->ByteTime() * static_cast<Duration::rep>(bytes);
+  }
+  [[nodiscard]] std::uint64_t BytesSent() const { return mBytesSent; }
+  [[nodiscard]] std::uint64_t BytesReceived() const { return mBytesReceived; }
+  [[nodiscard]] Port& GetPort() { return *mPort; }
+  [[nodiscard]] const Port& GetPort() const { return *mPort; }
+
+ private:
+  struct Wait;
+  [[nodiscard]] bool TakeMessages(ReplyJudge& judge, Wait& wait);
+  [[nodiscard]] Port::Result ReadSlice(Duration slice);
+
+  Pacer& mPacer;
+  Trace& mTrace;
+  std::unique_ptr<Port> mPort;
+  MessageReceiver mReceiver;
+  std::string mArrived;
+  unsigned mConnection = 0;
+  bool mAbort = false;
+  std::uint64_t mBytesSent = 0;
+  std::uint64_t mBytesReceived = 0;
+};
+
+}  // namespace kv

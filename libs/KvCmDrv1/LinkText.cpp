@@ -1,0 +1,196 @@
+#include "KvCmDrv1/LinkText.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "base/Numbers.h"
+
+namespace kv {
+namespace {
+
+using Parsed = std::expected<LinkSettings, std::string>;
+
+std::unexpected<std::string> Expected(std::string_view what, std::string_view found) {
+  return std::unexpected("\"" + std::string(found) + "\": expected " + std::string(what));
+}
+
+std::optional<int> NumberWithin(std::string_view text, std::int64_t lowest, std::int64_t highest) {
+  const std::optional<std::int64_t> number = ParseInteger(text);
+  if (!number || *number < lowest || *number > highest) return std::nullopt;
+  return static_cast<int>(*number);
+}
+
+std::vector<std::string_view> SplitAtCommas(std::string_view text) {
+  std::vector<std::string_view> parts;
+  while (true) {
+    const std::size_t comma = text.find(',');
+    parts.push_back(text.substr(0, comma));
+    if (comma == std::string_view::npos) return parts;
+    text.remove_prefix(comma + 1);
+  }
+}
+
+bool SetTcpPort(std::string_view text, LinkSettings& settings) {
+  const std::optional<int> port = NumberWithin(text, 1, 65535);
+  if (port) settings.tcpPort = static_cast<std::uint16_t>(*port);
+  return port.has_value();
+}
+
+bool SetBaudRate(std::string_view text, LinkSettings& settings) {
+  const std::optional<int> rate = NumberWithin(text, kLowestBaudRate, kHighestBaudRate);
+  if (rate) settings.baudRate = *rate;
+  return rate.has_value();
+}
+
+constexpr std::string_view kBaudText = "a speed of 300 to 921600 baud";
+constexpr std::string_view kPortText = "a port of 1 to 65535";
+
+Parsed ParseSimulated(std::string_view rest, LinkSettings settings) {
+  if (rest.empty()) return Expected("a model behind sim:, for example sim:K220-22-R1", rest);
+  settings.transport = Transport::Simulated;
+  settings.model = rest;
+  return settings;
+}
+
+Parsed ParseTcp(std::string_view rest, LinkSettings settings) {
+  settings.transport = Transport::Tcp;
+  settings.tcpPort = kDefaultTcpPort;
+  std::size_t hostEnd = rest.rfind(':');
+  if (rest.starts_with('[')) {
+    const std::size_t bracket = rest.find(']');
+    if (bracket == std::string_view::npos) return Expected("a \"]\" behind the address", rest);
+    settings.host = rest.substr(1, bracket - 1);
+    rest.remove_prefix(bracket + 1);
+    hostEnd = 0;
+    if (!rest.empty() && rest.front() != ':') return Expected("\":\" and a port behind the address", rest);
+  } else {
+    settings.host = rest.substr(0, hostEnd);
+    if (settings.host.find(':') != std::string::npos) return Expected("brackets around an IPv6 address", rest);
+  }
+  if (settings.host.empty()) return Expected("a host name or address, as in tcp:192.168.1.20:20300", rest);
+  const bool hasPort = !rest.empty() && hostEnd != std::string_view::npos;
+  if (hasPort && !SetTcpPort(rest.substr(hostEnd + 1), settings)) return Expected(kPortText, rest.substr(hostEnd + 1));
+  return settings;
+}
+
+Parsed ParseSerial(std::string_view rest, LinkSettings settings) {
+  const std::vector<std::string_view> parts = SplitAtCommas(rest);
+  settings.transport = Transport::Serial;
+  settings.serialPort = parts[0];
+  if (parts[0].empty() || parts.size() > 3) return Expected("PORT[,BAUD[,8N1]], as in serial:COM3,115200", rest);
+  if (parts.size() > 1 && !SetBaudRate(parts[1], settings)) return Expected(kBaudText, parts[1]);
+  if (parts.size() > 2) {
+    const auto framing = ParseFraming(parts[2]);
+    if (!framing) return std::unexpected(framing.error());
+    settings.framing = *framing;
+  }
+  return settings;
+}
+
+Parsed ParseModem(std::string_view rest, LinkSettings settings) {
+  const std::vector<std::string_view> parts = SplitAtCommas(rest);
+  settings.transport = Transport::Modem;
+  if (parts.size() < 2 || parts.size() > 3 || parts[0].empty() || parts[1].empty()) {
+    return Expected("PORT,NUMBER[,BAUD], as in modem:COM3,0123456", rest);
+  }
+  settings.serialPort = parts[0];
+  settings.modem.number = parts[1];
+  if (parts.size() > 2 && !SetBaudRate(parts[2], settings)) return Expected(kBaudText, parts[2]);
+  return settings;
+}
+
+Parsed ParseListen(std::string_view rest, LinkSettings settings) {
+  settings.transport = Transport::Listen;
+  if (!SetTcpPort(rest, settings)) return Expected(kPortText, rest);
+  return settings;
+}
+
+struct Kind {
+  std::string_view prefix;
+  Parsed (*parse)(std::string_view rest, LinkSettings settings);
+};
+
+constexpr auto kKinds = std::to_array<Kind>({
+    {"sim:", ParseSimulated},
+    {"tcp:", ParseTcp},
+    {"serial:", ParseSerial},
+    {"modem:", ParseModem},
+    {"listen:", ParseListen},
+});
+
+std::string Endpoint(const LinkSettings& settings) {
+  const bool isIpV6 = settings.host.find(':') != std::string::npos;
+  return (isIpV6 ? "[" + settings.host + "]" : settings.host) + ":" + std::to_string(settings.tcpPort);
+}
+
+constexpr std::string_view kParityLetters = "NEO";
+
+}  // namespace
+
+std::expected<LinkSettings, std::string> ParseLink(std::string_view text, const LinkSettings& base) {
+  for (const Kind& kind : kKinds) {
+    if (text.starts_with(kind.prefix)) return kind.parse(text.substr(kind.prefix.size()), base);
+  }
+  return Expected("sim:MODEL, tcp:HOST:PORT, serial:PORT[,BAUD[,8N1]], modem:PORT,NUMBER[,BAUD] or listen:PORT", text);
+}
+
+std::string PrintLink(const LinkSettings& settings) {
+  const std::string rate = "," + std::to_string(settings.baudRate);
+  switch (settings.transport) {
+    case Transport::Simulated:
+      return "sim:" + settings.model;
+    case Transport::Tcp:
+      return "tcp:" + Endpoint(settings);
+    case Transport::Serial:
+      return "serial:" + settings.serialPort + rate + "," + PrintFraming(settings.framing);
+    case Transport::Modem:
+      return "modem:" + settings.serialPort + "," + settings.modem.number + rate;
+    case Transport::Listen:
+      return "listen:" + std::to_string(settings.tcpPort);
+  }
+  return {};
+}
+
+std::expected<SerialFraming, std::string> ParseFraming(std::string_view text) {
+  SerialFraming framing;
+  const std::size_t parity = text.size() == 3 ? kParityLetters.find(text[1]) : std::string_view::npos;
+  const bool isGood =
+      parity != std::string_view::npos && (text[0] == '7' || text[0] == '8') && (text[2] == '1' || text[2] == '2');
+  if (!isGood) return Expected("data bits 7 or 8, parity N, E or O, stop bits 1 or 2, as in 8N1", text);
+  framing.dataBits = text[0] - '0';
+  framing.parity = static_cast<Parity>(parity);
+  framing.stopBits = text[2] - '0';
+  return framing;
+}
+
+std::string PrintFraming(const SerialFraming& framing) {
+  return std::to_string(framing.dataBits) + kParityLetters[static_cast<std::size_t>(framing.parity)] +
+         std::to_string(framing.stopBits);
+}
+
+std::string DescribeLine(const LinkSettings& settings) {
+  const std::string serial =
+      settings.serialPort + ", " + std::to_string(settings.baudRate) + " " + PrintFraming(settings.framing);
+  switch (settings.transport) {
+    case Transport::Simulated:
+      return "Simulated " + settings.model;
+    case Transport::Tcp:
+      return Endpoint(settings);
+    case Transport::Serial:
+      return serial;
+    case Transport::Modem:
+      return serial + ", modem " + settings.modem.number;
+    case Transport::Listen:
+      return "port " + std::to_string(settings.tcpPort) + " (listening)";
+  }
+  return {};
+}
+
+std::string DescribeLink(const LinkSettings& settings) {
+  if (settings.transport == Transport::Simulated) return DescribeLine(settings);
+  return DescribeLine(settings) + ", unit " + std::to_string(settings.unit);
+}
+
+}  // namespace kv

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <expected>
+#include <string>
+#include <string_view>
+
+#include "KvCmDrv1/LinkSettings.h"
+
+namespace kv {
+
+// A link as one text, for the command line and for saved link parameters:
+//
+//   sim:MODEL | tcp:HOST:PORT | serial:PORT[,BAUD[,8N1]] | modem:PORT,NUMBER[,BAUD] | listen:PORT
+//
+// tcp: without a port takes 20300; an IPv6 host stands in brackets ("tcp:[::1]:20300").
+
+// `base` with the link that `text` names; what the text leaves open stays as in `base`. The error says what was
+// expected.
+[[nodiscard]] std::expected<LinkSettings, std::string> ParseLink(std::string_view text, const LinkSettings& base = {});
+[[nodiscard]] std::string PrintLink(const LinkSettings& settings);
+
+// "8N1".
+[[nodiscard]] std::expected<SerialFraming, std::string> ParseFraming(std::string_view text);
+[[nodiscard]] std::string PrintFraming(const SerialFraming& framing);
+
+// For people: "COM3, 115200 8N1", "192.168.1.20:20300", "Simulated K220-22-R1".
+[[nodiscard]] std::string DescribeLine(const LinkSettings& settings);
+// The same with ", unit 1" behind it, where there are units.
+[[nodiscard]] std::string DescribeLink(const LinkSettings& settings);
+
+inline constexpr int kLowestBaudRate = 300;
+inline constexpr int kHighestBaudRate = 921600;
+
+}  // namespace kv

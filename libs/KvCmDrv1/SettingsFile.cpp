@@ -1,0 +1,159 @@
+#include "KvCmDrv1/SettingsFile.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "KvCmDrv1/LinkText.h"
+#include "base/AnsiText.h"
+#include "base/Numbers.h"
+#include "base/ProfileStrings.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view kFile = "KvCmDrv1.ini";
+constexpr std::string_view kSection = "KvCmDrv1";
+constexpr std::size_t kLongestText = 200;
+
+constexpr auto kTransports = std::to_array<std::string_view>({"sim", "tcp", "serial", "modem", "listen"});
+
+// Texts of the file by key.
+class Reader {
+ public:
+  Reader(std::filesystem::path file, std::vector<std::string>& complaints)
+      : mFile(std::move(file)), mComplaints(complaints) {}
+
+  // The value; nothing when the key is not there.
+  [[nodiscard]] std::optional<std::string> Text(std::string_view key) const {
+    constexpr std::string_view kMissing = "\x01";  // no value has this character: the file's own are kept from it
+    const std::string value = ReadProfileString(mFile, kSection, key, kMissing);
+    if (value == kMissing) return std::nullopt;
+    return value;
+  }
+
+  void Read(std::string_view key, std::string& value) const {
+    const std::optional<std::string> text = Text(key);
+    if (!text) return;
+    const bool isPlain = std::ranges::all_of(*text, [](char c) { return static_cast<unsigned char>(c) >= 0x20; });
+    if (text->size() > kLongestText || !isPlain) {
+      Complain(key, "printable characters, at most 200", value);
+    } else {
+      value = AnsiToUtf8(*text);
+    }
+  }
+
+  // A whole number from `lowest` to `highest`.
+  template <typename T>
+  void Read(std::string_view key, T& value, std::int64_t lowest, std::int64_t highest) const {
+    const std::optional<std::string> text = Text(key);
+    if (!text) return;
+    const std::optional<std::int64_t> number = ParseInteger(*text);
+    if (!number || *number < lowest || *number > highest) {
+      Complain(key, "a number from " + std::to_string(lowest) + " to " + std::to_string(highest),
+               std::to_string(value));
+    } else {
+      value = static_cast<T>(*number);
+    }
+  }
+
+  void Read(std::string_view key, bool& value) const {
+    int number = value ? 1 : 0;
+    Read(key, number, 0, 1);
+    value = number == 1;
+  }
+
+  void ReadMilliseconds(std::string_view key, Duration& value, std::int64_t lowest, std::int64_t highest) const {
+    auto number = std::chrono::duration_cast<std::chrono::milliseconds>(value).count();
+    Read(key, number, lowest, highest);
+    value = std::chrono::milliseconds(number);
+  }
+
+  void Complain(std::string_view key, std::string_view expected, std::string_view instead) const {
+    mComplaints.push_back(std::string(kFile) + ", " + std::string(key) + ": expected " + std::string(expected) +
+                          "; using " + (instead.empty() ? "nothing" : std::string(instead)));
+  }
+
+ private:
+  std::filesystem::path mFile;
+  std::vector<std::string>& mComplaints;
+};
+
+void ReadTransport(const Reader& reader, Transport& transport) {
+  const std::optional<std::string> text = reader.Text("Transport");
+  if (!text) return;
+  const auto found = std::ranges::find(kTransports, *text);
+  if (found == kTransports.end()) {
+    reader.Complain("Transport", "sim, tcp, serial, modem or listen", kTransports[static_cast<std::size_t>(transport)]);
+  } else {
+    transport = static_cast<Transport>(found - kTransports.begin());
+  }
+}
+
+void ReadFraming(const Reader& reader, SerialFraming& framing) {
+  const std::optional<std::string> text = reader.Text("Framing");
+  if (!text) return;
+  if (const auto parsed = ParseFraming(*text)) {
+    framing = *parsed;
+  } else {
+    reader.Complain("Framing", "a framing like 8N1", PrintFraming(framing));
+  }
+}
+
+std::string Milliseconds(Duration span) {
+  return std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(span).count());
+}
+
+}  // namespace
+
+LoadedSettings LoadSettings(const std::filesystem::path& folder, const LinkSettings& defaults) {
+  LoadedSettings loaded{defaults, {}};
+  LinkSettings& settings = loaded.settings;
+  const Reader reader(folder / kFile, loaded.complaints);
+  ReadTransport(reader, settings.transport);
+  reader.Read("Model", settings.model);
+  reader.Read("Host", settings.host);
+  reader.Read("TcpPort", settings.tcpPort, 1, 65535);
+  reader.Read("SerialPort", settings.serialPort);
+  reader.Read("BaudRate", settings.baudRate, kLowestBaudRate, kHighestBaudRate);
+  ReadFraming(reader, settings.framing);
+  reader.Read("ModemInit", settings.modem.init);
+  reader.Read("ModemNumber", settings.modem.number);
+  reader.Read("ModemPulse", settings.modem.isPulse);
+  reader.ReadMilliseconds("ModemDialTimeOut", settings.modem.dialTimeOut, 5000, 300000);
+  reader.Read("UnitID", settings.unit, 0, 255);
+  reader.ReadMilliseconds("TimeOut", settings.timeOut, 50, 300000);
+  reader.Read("Tries", settings.tries, 1, 10);
+  reader.Read("Reconnect", settings.reconnects);
+  return loaded;
+}
+
+bool SaveSettings(const std::filesystem::path& folder, const LinkSettings& settings) {
+  const struct {
+    std::string_view key;
+    std::string value;
+  } values[] = {
+      {"Transport", std::string(kTransports[static_cast<std::size_t>(settings.transport)])},
+      {"Model", Utf8ToAnsi(settings.model)},
+      {"Host", Utf8ToAnsi(settings.host)},
+      {"TcpPort", std::to_string(settings.tcpPort)},
+      {"SerialPort", Utf8ToAnsi(settings.serialPort)},
+      {"BaudRate", std::to_string(settings.baudRate)},
+      {"Framing", PrintFraming(settings.framing)},
+      {"ModemInit", Utf8ToAnsi(settings.modem.init)},
+      {"ModemNumber", Utf8ToAnsi(settings.modem.number)},
+      {"ModemPulse", settings.modem.isPulse ? "1" : "0"},
+      {"ModemDialTimeOut", Milliseconds(settings.modem.dialTimeOut)},
+      {"UnitID", std::to_string(settings.unit)},
+      {"TimeOut", Milliseconds(settings.timeOut)},
+      {"Tries", std::to_string(settings.tries)},
+      {"Reconnect", settings.reconnects ? "1" : "0"},
+  };
+  return std::ranges::all_of(values, [&folder](const auto& entry) {
+    return WriteProfileString(folder / kFile, kSection, entry.key, entry.value);
+  });
+}
+
+}  // namespace kv

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "KvCmDrv1/LinkSettings.h"
+
+namespace kv {
+
+// The link settings of a session: "KvCmDrv1.ini" in its folder, section "KvCmDrv1".
+
+struct LoadedSettings {
+  LinkSettings settings;
+  std::vector<std::string> complaints;  // values that could not be used: which, what was expected, what is used instead
+};
+
+// What the file does not have is as in `defaults`.
+[[nodiscard]] LoadedSettings LoadSettings(const std::filesystem::path& folder, const LinkSettings& defaults);
+
+// False when the file cannot be written.
+[[nodiscard]] bool SaveSettings(const std::filesystem::path& folder, const LinkSettings& settings);
+
+}  // namespace kv

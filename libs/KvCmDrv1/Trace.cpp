@@ -1,0 +1,130 @@
+#include "KvCmDrv1/Trace.h"
+
+#include <algorithm>
+
+#include "KvCmDrv1/FrameMeaning.h"
+#include "base/Numbers.h"
+#include "base/PathText.h"
+
+namespace kv {
+namespace {
+
+// Seconds with microseconds: the clock of the pacer, whose origin means nothing, but whose differences do.
+std::string TimeText(Instant when) {
+  const auto micros = when.time_since_epoch().count();
+  std::string fraction = std::to_string(micros % 1000000);
+  fraction.insert(0, 6 - std::min<std::size_t>(6, fraction.size()), '0');
+  return std::to_string(micros / 1000000) + "." + fraction;
+}
+
+std::string_view Arrow(Trace::Direction direction) {
+  switch (direction) {
+    case Trace::Direction::Sent:
+      return "-->";
+    case Trace::Direction::Received:
+      return "<--";
+    case Trace::Direction::Dropped:
+      return "<xx";
+    case Trace::Direction::Note:
+      return "---";
+  }
+  return "";
+}
+
+// Bytes as they are where they can be shown, others as <0D>.
+std::string Shown(std::string_view bytes) {
+  std::string text;
+  text.reserve(bytes.size() + 8);
+  for (const char c : bytes) {
+    if (c >= 0x20 && c <= 0x7E) {
+      text += c;
+    } else {
+      text += "<" + ToHex(static_cast<unsigned char>(c), 2) + ">";
+    }
+  }
+  return text;
+}
+
+// What stands where a password is sent, so that a trace can be passed on.
+std::string WithoutPassword(std::string_view sent) {
+  struct Place {
+    std::string_view letters;  // of the command, behind "/" and unit id
+    std::size_t from, count;
+  };
+  constexpr std::array<Place, 2> kPlaces = {{{"GI", 5, 8}, {"AC", 9, 16}}};
+  std::string bytes(sent);
+  for (const Place& place : kPlaces) {
+    if (bytes.starts_with('/') && bytes.substr(std::min<std::size_t>(3, bytes.size())).starts_with(place.letters)) {
+      for (std::size_t at = place.from; at < std::min(bytes.size(), place.from + place.count); ++at) bytes[at] = '*';
+    }
+  }
+  constexpr std::size_t kBlockPayload = 28;
+  const bool isBlock = bytes.size() > kBlockPayload && bytes[0] == static_cast<char>(0xB4);
+  if (isBlock && bytes[9] == 0 && (bytes[8] == 2 || bytes[8] == 66)) {
+    std::fill(bytes.begin() + kBlockPayload, bytes.end(), '*');
+  }
+  return bytes;
+}
+
+}  // namespace
+
+Trace::Trace() : mEntries(kEntries), mOwners(1) {}
+
+void Trace::Add(Instant when, Direction direction, std::string_view bytes) {
+  Entry& entry = mEntries[mNext];
+  mNext = (mNext + 1) % kEntries;
+  mCount = std::min(mCount + 1, kEntries);
+  entry.when = when;
+  entry.direction = direction;
+  entry.length = static_cast<std::uint32_t>(bytes.size());
+  entry.owner = mOwner;
+  std::copy_n(bytes.begin(), std::min(bytes.size(), kKeptBytes), entry.bytes.begin());
+  if (mFile.is_open() || mWatcher) PassOn(entry, bytes);
+}
+
+void Trace::SetOwner(std::string_view owner) {
+  constexpr std::size_t kMostOwners = 200;  // names beyond these share the first place
+  const auto found = std::ranges::find(mOwners, owner);
+  if (found == mOwners.end() && mOwners.size() >= kMostOwners) {
+    mOwner = 0;
+    return;
+  }
+  mOwner = static_cast<std::uint16_t>(found - mOwners.begin());
+  if (found == mOwners.end()) mOwners.emplace_back(owner);
+}
+
+bool Trace::WriteTo(const std::string& path) {
+  mFile.close();
+  mFile.clear();
+  if (path.empty()) return true;
+  mFile.open(PathFromUtf8(path), std::ios::binary | std::ios::trunc);
+  return mFile.is_open();
+}
+
+std::string Trace::Text() const {
+  std::string text;
+  for (std::size_t i = 0; i < mCount; ++i) {
+    const Entry& entry = mEntries[(mNext + kEntries - mCount + i) % kEntries];
+    const std::size_t kept = std::min<std::size_t>(entry.length, kKeptBytes);
+    text += LineOf(entry, std::string_view(entry.bytes.data(), kept)) + "\n";
+  }
+  return text;
+}
+
+void Trace::PassOn(const Entry& entry, std::string_view bytes) {
+  const std::string line = LineOf(entry, bytes);
+  if (mFile.is_open()) mFile << line << '\n' << std::flush;
+  if (mWatcher) mWatcher(line);
+}
+
+std::string Trace::LineOf(const Entry& entry, std::string_view bytes) const {
+  std::string line = TimeText(entry.when) + " " + std::string(Arrow(entry.direction)) + " ";
+  if (!mOwners[entry.owner].empty()) line += mOwners[entry.owner] + " ";
+  line += Shown(entry.direction == Direction::Sent ? WithoutPassword(bytes) : std::string(bytes));
+  if (bytes.size() < entry.length) line += "... (" + std::to_string(entry.length) + " bytes)";
+  if (entry.direction == Direction::Note) return line;
+  const std::string meaning = FrameMeaning(bytes);
+  return meaning.empty() ? line : line + "   [" + meaning + "]";
+}
+
+}  // namespace kv

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Time.h"
+
+namespace kv {
+
+// What passed on the line. The last 1000 entries are always kept for an error report: their memory is there from the
+// start and nothing is formatted before somebody asks, so keeping them costs a copy of a few bytes. On request every
+// entry is also written to a file and given to a window, as it passes.
+class Trace {
+ public:
+  enum class Direction {
+    Sent,
+    Received,  // a good frame or block message
+    Dropped,   // noise, damage, or a message that answers nothing
+    Note,      // something about the connection, in words
+  };
+
+  static constexpr std::size_t kEntries = 1000;
+  static constexpr std::size_t kKeptBytes = 288;  // of each entry; an operand request or reply fits whole
+
+  Trace();
+
+  void Add(Instant when, Direction direction, std::string_view bytes);
+  // Who is talking from now on; a few letters.
+  void SetOwner(std::string_view owner);
+
+  // Writes every entry from now on to this file (UTF-8 path), from its beginning; an empty path ends it. False when the
+  // file cannot be written.
+  [[nodiscard]] bool WriteTo(const std::string& path);
+  // Gets every entry from now on as one line; an empty function ends it.
+  void SetWatcher(std::function<void(const std::string& line)> watcher) { mWatcher = std::move(watcher); }
+
+  // The kept entries, oldest first, one a line.
+  [[nodiscard]] std::string Text() const;
+
+ private:
+  struct Entry {
+    Instant when{};
+    Direction direction = Direction::Note;
+    std::uint32_t length = 0;  // of the whole; kKeptBytes at most are kept
+    std::uint16_t owner = 0;
+    std::array<char, kKeptBytes> bytes;
+  };
+
+  void PassOn(const Entry& entry, std::string_view bytes);
+  [[nodiscard]] std::string LineOf(const Entry& entry, std::string_view bytes) const;
+
+  std::vector<Entry> mEntries;
+  std::size_t mNext = 0;
+  std::size_t mCount = 0;
+  std::vector<std::string> mOwners;
+  std::uint16_t mOwner = 0;
+  std::ofstream mFile;
+  std::function<void(const std::string& line)> mWatcher;
+};
+
+}  // namespace kv

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "link/VersionInfo.h"
+
+namespace kv {
+
+// Who a controller is: after a reconnect both must be what they were.
+struct Identity {
+  std::uint32_t serialNumber = 0;
+  VersionInfo version;
+};
+
+// What the driver knows of one unit on the line.
+struct UnitState {
+  unsigned connection = 0;    // on which it was last met
+  bool isInStep = false;      // every answer to a settled request from here on has a counter newer than `counter`
+  std::uint16_t counter = 0;  // of the seal of the last answer
+  std::optional<Identity> identity;
+  bool modelMayChange = false;  // it was sent into its boot loader or out of it since it was identified
+  std::string password;         // with which access was given
+};
+
+// Whether a controller that identifies itself as `model` understands ASCII frames only: the compact family, its boot
+// loaders included.
+[[nodiscard]] bool UnderstandsAsciiOnly(std::string_view model);
+
+}  // namespace kv
