@@ -26,7 +26,9 @@ int WholeMilliseconds(Duration span) {
   return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(std::max(span, Duration::zero())).count());
 }
 
-// The calls that the platforms spell differently. Neither send nor a receive at once ever waits.
+enum class Receiving { Waiting, AtOnce, Peek };
+
+// The calls that the platforms spell differently. A send never waits.
 #ifdef _WIN32
 using PollEntry = WSAPOLLFD;
 constexpr short kReadable = POLLRDNORM;
@@ -47,8 +49,8 @@ void CloseHandleOf(ConnectedSocket::Handle handle) {
 std::ptrdiff_t SendNow(ConnectedSocket::Handle handle, std::string_view bytes) {
   return send(handle, bytes.data(), static_cast<int>(std::min<std::size_t>(bytes.size(), 1 << 20)), 0);
 }
-std::ptrdiff_t Receive(ConnectedSocket::Handle handle, char* data, std::size_t size, bool peeks) {
-  return recv(handle, data, static_cast<int>(size), peeks ? MSG_PEEK : 0);
+std::ptrdiff_t Receive(ConnectedSocket::Handle handle, char* data, std::size_t size, Receiving how) {
+  return recv(handle, data, static_cast<int>(size), how == Receiving::Peek ? MSG_PEEK : 0);
 }
 int PollOne(PollEntry& entry, int milliseconds) {
   return WSAPoll(&entry, 1, milliseconds);
@@ -71,8 +73,9 @@ void CloseHandleOf(ConnectedSocket::Handle handle) {
 std::ptrdiff_t SendNow(ConnectedSocket::Handle handle, std::string_view bytes) {
   return ::send(handle, bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
 }
-std::ptrdiff_t Receive(ConnectedSocket::Handle handle, char* data, std::size_t size, bool peeks) {
-  return ::recv(handle, data, size, peeks ? MSG_PEEK | MSG_DONTWAIT : 0);
+std::ptrdiff_t Receive(ConnectedSocket::Handle handle, char* data, std::size_t size, Receiving how) {
+  constexpr std::array<int, 3> kFlags{0, MSG_DONTWAIT, MSG_DONTWAIT | MSG_PEEK};
+  return ::recv(handle, data, size, kFlags[static_cast<std::size_t>(how)]);
 }
 int PollOne(PollEntry& entry, int milliseconds) {
   return ::poll(&entry, 1, milliseconds);
@@ -130,12 +133,13 @@ Port::Result ConnectedSocket::Write(std::string_view& bytes, Duration slice) {
 
 Port::Result ConnectedSocket::Read(std::string& buffer, Duration slice) {
   if (!IsOpen()) return Port::Result::Lost;
-  SetReceiveLimit(slice);
+  const auto how = slice > Duration::zero() ? Receiving::Waiting : Receiving::AtOnce;
+  if (how == Receiving::Waiting) SetReceiveLimit(slice);
 #ifdef _WIN32
   if (!WaitFor(mHandle, kReadable, slice)) return Port::Result::Nothing;
 #endif
   std::array<char, kReadSize> chunk;
-  const std::ptrdiff_t received = Receive(mHandle, chunk.data(), chunk.size(), false);
+  const std::ptrdiff_t received = Receive(mHandle, chunk.data(), chunk.size(), how);
   if (received == 0) return Lose({});
   if (received < 0) {
     const auto code = LastCode();
@@ -145,17 +149,15 @@ Port::Result ConnectedSocket::Read(std::string& buffer, Duration slice) {
   return Port::Result::Done;
 }
 
-// Waiting inside the receiving call saves a call an exchange. The limit is told to the system only when it changes; a
-// limit of 0 would mean for ever, so the shortest is one microsecond.
+// Waiting inside the receiving call saves a call an exchange. The limit is told to the system only when it changes.
 void ConnectedSocket::SetReceiveLimit([[maybe_unused]] Duration slice) {
 #ifndef _WIN32
-  const Duration limit = std::max(slice, Duration(1));
-  if (limit == mReceiveLimit) return;
-  mReceiveLimit = limit;
-  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(limit);
+  if (slice == mReceiveLimit) return;
+  mReceiveLimit = slice;
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(slice);
   timeval value{};
   value.tv_sec = static_cast<decltype(value.tv_sec)>(seconds.count());
-  value.tv_usec = static_cast<decltype(value.tv_usec)>((limit - seconds).count());
+  value.tv_usec = static_cast<decltype(value.tv_usec)>((slice - seconds).count());
   ::setsockopt(mHandle, SOL_SOCKET, SO_RCVTIMEO, &value, sizeof value);
 #endif
 }
@@ -163,7 +165,7 @@ void ConnectedSocket::SetReceiveLimit([[maybe_unused]] Duration slice) {
 bool ConnectedSocket::HasEnded() const {
   if (!IsOpen()) return true;
   char byte = 0;
-  const std::ptrdiff_t received = Receive(mHandle, &byte, 1, true);
+  const std::ptrdiff_t received = Receive(mHandle, &byte, 1, Receiving::Peek);
   return received == 0 || (received < 0 && !WouldWait(LastCode()));
 }
 

@@ -48,7 +48,7 @@ class ConnectedSocket {
   void SetReceiveLimit(Duration slice);
 
   Handle mHandle = kNone;
-  Duration mReceiveLimit{-1};  // what the system was told; nothing yet
+  Duration mReceiveLimit{};  // what the system was told; 0: nothing yet
   std::error_code mLossCode;
 };
 

@@ -70,7 +70,6 @@ Port::Result ListeningPort::Read(std::string& buffer, Duration slice) {
 }
 
 Port::Result ListeningPort::Handle(Result result) {
-  if (result == Result::Nothing) mPacer.Turn();
   if (result == Result::Lost && mConnectionNumber != 0) {
     mConnectionNumber = 0;
     mLoss = ConnectionLossError(mSocket.PartnerText(), mSocket.Connection().LossCode());

@@ -112,7 +112,9 @@ ModemPort::Answer ModemPort::AwaitLine(std::string_view awaited, Instant deadlin
     }
     if (stops == Stops::Heeded && mPacer.StopRequested()) return Answer::Stopped;
     if (mPacer.Now() >= deadline) return Answer::Silence;
-    if (mLine->Read(mReceived, kSlice) == Result::Lost) return Answer::Lost;
+    const auto result = mLine->Read(mReceived, kSlice);
+    if (result == Result::Lost) return Answer::Lost;
+    if (result == Result::Nothing) mPacer.Turn();
   }
 }
 

@@ -96,7 +96,7 @@ PortError ConnectionLossError(const std::string& endpoint, std::error_code code)
     return {endpoint + " closed the connection", "the controller restarted, was switched off, or lets another in",
             cure};
   }
-  if (code == asio::error::connection_reset || code == asio::error::broken_pipe) {
+  if (code == std::errc::connection_reset || code == std::errc::broken_pipe) {
     return {endpoint + " broke the connection off", "the controller restarted or lost power, or its network did", cure};
   }
   return {"the connection to " + endpoint + " broke", code.message(), cure};

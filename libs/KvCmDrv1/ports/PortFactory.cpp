@@ -9,8 +9,8 @@
 namespace kv {
 namespace {
 
-std::unique_ptr<Port> MakeSerialPort(const LinkSettings& settings, Pacer& pacer) {
-  return std::make_unique<SerialPort>(settings.serialPort, settings.baudRate, settings.framing, pacer);
+std::unique_ptr<Port> MakeSerialPort(const LinkSettings& settings) {
+  return std::make_unique<SerialPort>(settings.serialPort, settings.baudRate, settings.framing);
 }
 
 }  // namespace
@@ -20,9 +20,9 @@ std::unique_ptr<Port> MakePort(const LinkSettings& settings, Pacer& pacer, Liste
     case Transport::Tcp:
       return std::make_unique<TcpPort>(settings.host, settings.tcpPort, pacer);
     case Transport::Serial:
-      return MakeSerialPort(settings, pacer);
+      return MakeSerialPort(settings);
     case Transport::Modem:
-      return std::make_unique<ModemPort>(MakeSerialPort(settings, pacer), settings.modem, pacer);
+      return std::make_unique<ModemPort>(MakeSerialPort(settings), settings.modem, pacer);
     case Transport::Listen: {
       auto* ours = dynamic_cast<ListeningSocketImpl*>(socket);
       return ours ? std::make_unique<ListeningPort>(*ours, settings.tcpPort, pacer) : nullptr;

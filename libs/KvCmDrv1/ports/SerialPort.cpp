@@ -3,13 +3,38 @@
 #include <cstdint>
 #include <utility>
 
-#include "KvCmDrv1/ports/FramingText.h"
+#include "KvCmDrv1/LinkText.h"
 #include "KvCmDrv1/ports/PortErrors.h"
+#include "base/Numbers.h"
 
 namespace kv {
+namespace {
 
-SerialPort::SerialPort(std::string port, int baudRate, const SerialFraming& framing, Pacer& pacer)
-    : mPort(std::move(port)), mBaudRate(baudRate), mFraming(framing), mPacer(pacer) {}
+bool StartsWithLetters(std::string_view text, std::string_view upperCase) {
+  if (text.size() < upperCase.size()) return false;
+  for (std::size_t i = 0; i < upperCase.size(); ++i) {
+    const char letter = text[i] >= 'a' && text[i] <= 'z' ? static_cast<char>(text[i] - 'a' + 'A') : text[i];
+    if (letter != upperCase[i]) return false;
+  }
+  return true;
+}
+
+// Start bit, data, parity, stop.
+int BitsOnWire(const SerialFraming& framing) {
+  return 1 + framing.dataBits + (framing.parity == Parity::None ? 0 : 1) + framing.stopBits;
+}
+
+}  // namespace
+
+int SerialPortNumber(std::string_view port) {
+  const std::string_view name = port.substr(port.find_last_of("/\\") + 1);
+  const std::size_t letters = StartsWithLetters(name, "COM") ? 3 : name.starts_with("ttyS") ? 4 : name.size();
+  const auto number = ParseInteger(name.substr(letters));
+  return number && *number > 0 && *number <= 65535 ? static_cast<int>(*number) : 0;
+}
+
+SerialPort::SerialPort(std::string port, int baudRate, const SerialFraming& framing)
+    : mPort(std::move(port)), mBaudRate(baudRate), mFraming(framing) {}
 
 // A serial line opens at once or not at all.
 std::expected<void, PortError> SerialPort::Open(Duration) {
@@ -30,7 +55,6 @@ Port::Result SerialPort::Read(std::string& buffer, Duration slice) {
 }
 
 Port::Result SerialPort::Handle(Result result) {
-  if (result == Result::Nothing) mPacer.Turn();
   if (result == Result::Lost) {
     mLoss = SerialLossError(mPort, mLine->LossCode());
     mLine.reset();
@@ -51,7 +75,7 @@ bool SerialPort::SetBaudRate(int baudRate) {
 }
 
 std::string SerialPort::Description() const {
-  return mPort + ", " + std::to_string(mBaudRate) + " " + FramingText(mFraming);
+  return mPort + ", " + std::to_string(mBaudRate) + " " + PrintFraming(mFraming);
 }
 
 int SerialPort::CommPort() const {

@@ -2,19 +2,22 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "KvCmDrv1/LinkSettings.h"
 #include "KvCmDrv1/ports/Port.h"
 #include "KvCmDrv1/ports/SerialLine.h"
-#include "desktop/Pacer.h"
 
 namespace kv {
+
+// The number in "COM3", "/dev/ttyS3" or a name of these; 0 in other names.
+[[nodiscard]] int SerialPortNumber(std::string_view port);
 
 // A serial line: a UART, a USB adapter or a pseudo terminal. It is opened for this program alone.
 class SerialPort final : public Port {
  public:
-  // `port`: "COM3", "/dev/ttyUSB0". `pacer` must outlive the port.
-  SerialPort(std::string port, int baudRate, const SerialFraming& framing, Pacer& pacer);
+  // `port`: "COM3", "/dev/ttyUSB0".
+  SerialPort(std::string port, int baudRate, const SerialFraming& framing);
 
   [[nodiscard]] std::expected<void, PortError> Open(Duration limit) override;
   void Close() override { mLine.reset(); }
@@ -34,7 +37,6 @@ class SerialPort final : public Port {
   std::string mPort;
   int mBaudRate;
   SerialFraming mFraming;
-  Pacer& mPacer;
   std::unique_ptr<SerialLine> mLine;  // null while closed or lost
   PortError mLoss;
 };

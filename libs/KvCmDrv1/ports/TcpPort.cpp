@@ -28,7 +28,6 @@ Port::Result TcpPort::Read(std::string& buffer, Duration slice) {
 }
 
 Port::Result TcpPort::Handle(Result result) {
-  if (result == Result::Nothing) mPacer.Turn();
   if (result == Result::Lost) mLoss = ConnectionLossError(Description(), mSocket.LossCode());
   return result;
 }

@@ -1,0 +1,110 @@
+#include "KvCmDrv1/ports/ListeningPort.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Partners.h"
+#include "desktop/console/ConsolePacer.h"
+
+namespace kv {
+namespace {
+
+using State = ListeningSocket::State;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using testing::HasSubstr;
+
+class ListeningPortTest : public testing::Test {
+ protected:
+  // Polls until the socket is in `state`: what the other side did is seen a moment later.
+  bool Reaches(State state) {
+    for (int i = 0; i < kvtest::kLongestMilliseconds / 10 && socket.GetState() != state; ++i) {
+      socket.Poll();
+      if (socket.GetState() != state) pacer.Sleep(milliseconds(10));
+    }
+    return socket.GetState() == state;
+  }
+
+  ConsolePacer pacer;
+  ListeningSocketImpl socket;
+  const std::uint16_t number = kvtest::FreePort();
+  ListeningPort port{socket, number, pacer};
+};
+
+TEST_F(ListeningPortTest, TakesOneControllerThatDialsIn) {
+  ASSERT_TRUE(socket.Listen(number));
+  const auto controller = kvtest::DialLoopback(number);
+  ASSERT_TRUE(port.Open(seconds(5)).has_value());
+  ASSERT_TRUE(kvtest::WriteAll(port, "/01IDEE\r"));
+  EXPECT_EQ(controller.Take(8), "/01IDEE\r");
+  controller.Give("answer");
+  EXPECT_EQ(kvtest::ReadFrom(port, 6), "answer");
+  EXPECT_THAT(port.Description(), HasSubstr("127.0.0.1:"));
+  EXPECT_LT(kvtest::DialLoopback(number).Get(), 0);  // one only
+
+  port.Close();
+  EXPECT_EQ(controller.Take(1), "");
+  EXPECT_GE(kvtest::DialLoopback(number).Get(), 0);  // and can come back
+}
+
+TEST_F(ListeningPortTest, LetsTheProgramAnswerTheEvents) {
+  std::vector<std::string> events;
+  socket.OnConnectionRequest = [&](int requestId) {
+    socket.Close();
+    events.push_back(socket.Accept(requestId) ? "established" : "gone");
+  };
+  socket.OnClose = [&] {
+    socket.Close();
+    if (socket.GetState() == State::Closed) (void)socket.Listen();
+    events.push_back("terminated");
+  };
+  ASSERT_TRUE(socket.Listen(number));
+  for (int round = 1; round <= 2; ++round) {
+    auto controller = kvtest::DialLoopback(number);
+    ASSERT_TRUE(port.Open(seconds(5)).has_value());
+    controller.Close();
+    EXPECT_EQ(kvtest::ReadFrom(port, 1), "");
+    EXPECT_THAT(port.LossReason().happened, HasSubstr("closed the connection"));
+    EXPECT_TRUE(Reaches(State::Listening));
+  }
+  EXPECT_EQ(events, (std::vector<std::string>{"established", "terminated", "established", "terminated"}));
+}
+
+TEST_F(ListeningPortTest, IsLostWhenAnotherConnectionTakesItsPlace) {
+  ASSERT_TRUE(socket.Listen(number));
+  const auto first = kvtest::DialLoopback(number);
+  ASSERT_TRUE(port.Open(seconds(5)).has_value());
+  ASSERT_TRUE(socket.Listen());
+  const auto second = kvtest::DialLoopback(number);
+  ASSERT_TRUE(Reaches(State::Requested));
+  ASSERT_TRUE(socket.Accept(socket.RequestId()));
+  std::string bytes;
+  EXPECT_EQ(port.Read(bytes, milliseconds(1)), Port::Result::Lost);
+  EXPECT_TRUE(port.Open(seconds(5)).has_value());
+}
+
+TEST_F(ListeningPortTest, RefusesARequestThatHasGone) {
+  ASSERT_TRUE(socket.Listen(number));
+  auto controller = kvtest::DialLoopback(number);
+  ASSERT_TRUE(Reaches(State::Requested));
+  const int requestId = socket.RequestId();
+  EXPECT_FALSE(socket.Accept(requestId + 1));
+  controller.Close();
+  EXPECT_TRUE(Reaches(State::Listening));
+  EXPECT_FALSE(socket.Accept(requestId));
+}
+
+TEST_F(ListeningPortTest, SaysWhyNobodyIsThere) {
+  const auto nobody = port.Open(milliseconds(30));
+  ASSERT_FALSE(nobody.has_value());
+  EXPECT_THAT(nobody.error().happened, HasSubstr("no controller has dialled in"));
+
+  const kvtest::Listener other;
+  EXPECT_FALSE(socket.Listen(other.Port()));
+  const auto inUse = ListeningPort(socket, other.Port(), pacer).Open(seconds(5));
+  ASSERT_FALSE(inUse.has_value());
+  EXPECT_THAT(inUse.error().happened, HasSubstr("cannot be listened on"));
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,121 @@
+#include "KvCmDrv1/ports/TcpPort.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "KvCmDrv1/ports/PortErrors.h"
+#include "Partners.h"
+#include "desktop/console/ConsolePacer.h"
+
+namespace kv {
+namespace {
+
+using kvtest::Descriptor;
+using kvtest::Listener;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using testing::HasSubstr;
+
+class TcpPortTest : public testing::Test {
+ protected:
+  // Opens `opening` on `listener` and gives the other end.
+  Descriptor Connect(TcpPort& opening) {
+    EXPECT_TRUE(opening.Open(seconds(5)).has_value());
+    return listener.Accept();
+  }
+
+  ConsolePacer pacer;
+  Listener listener;
+  TcpPort port{"127.0.0.1", listener.Port(), pacer};
+};
+
+TEST_F(TcpPortTest, CarriesEveryByteBothWaysAndTellsSilence) {
+  const auto partner = Connect(port);
+  ASSERT_TRUE(kvtest::WriteAll(port, kvtest::EveryByte()));
+  EXPECT_EQ(partner.Take(256), kvtest::EveryByte());
+  partner.Give(kvtest::EveryByte());
+  EXPECT_EQ(kvtest::ReadFrom(port, 256), kvtest::EveryByte());
+
+  std::string nothing;
+  EXPECT_EQ(port.Read(nothing, milliseconds(1)), Port::Result::Nothing);
+  EXPECT_EQ(port.Read(nothing, Duration::zero()), Port::Result::Nothing);
+  EXPECT_TRUE(port.IsOpen());
+}
+
+TEST_F(TcpPortTest, FindsAHostByName) {
+  TcpPort byName("localhost", listener.Port(), pacer);
+  EXPECT_GE(Connect(byName).Get(), 0);
+}
+
+TEST_F(TcpPortTest, HandsOverTheLastBytesBeforeItTellsTheLoss) {
+  auto partner = Connect(port);
+  partner.Give("last words");
+  partner.Close();
+  EXPECT_EQ(kvtest::ReadFrom(port, 100), "last words");
+  EXPECT_FALSE(port.IsOpen());
+  EXPECT_EQ(port.LossReason().happened, port.Description() + " closed the connection");
+  std::string_view more = "x";
+  EXPECT_EQ(port.Write(more, milliseconds(1)), Port::Result::Lost);
+  EXPECT_TRUE(port.Open(seconds(5)).has_value());
+  EXPECT_EQ(port.LossReason().happened, "");
+}
+
+TEST_F(TcpPortTest, TellsAResetFromAClose) {
+  auto partner = Connect(port);
+  kvtest::Reset(partner);
+  EXPECT_EQ(kvtest::ReadFrom(port, 1), "");
+  EXPECT_THAT(port.LossReason().happened, HasSubstr("broke the connection off"));
+}
+
+TEST_F(TcpPortTest, KeepsTheRestWhenTheLineTakesNoMore) {
+  const auto partner = Connect(port);
+  const std::string bytes(16'000'000, 'k');
+  std::string_view rest = bytes;
+  auto result = Port::Result::Done;
+  while (result == Port::Result::Done && !rest.empty()) result = port.Write(rest, milliseconds(1));
+  ASSERT_EQ(result, Port::Result::Nothing);
+  const std::size_t sent = bytes.size() - rest.size();
+  EXPECT_EQ(partner.Take(sent).size(), sent);
+  EXPECT_EQ(port.Write(rest, milliseconds(1)), Port::Result::Done);
+}
+
+TEST_F(TcpPortTest, SaysWhyItDoesNotConnect) {
+  listener.Close();
+  const auto refused = port.Open(seconds(5));
+  ASSERT_FALSE(refused.has_value());
+  EXPECT_EQ(refused.error().happened, port.Description() + " refused the connection");
+  EXPECT_THAT(refused.error().cause, HasSubstr("nothing listens on that TCP port"));
+
+  // The name is refused by the system itself, without asking anybody.
+  const auto unknown = TcpPort("no..such..host", 20300, pacer).Open(seconds(5));
+  ASSERT_FALSE(unknown.has_value());
+  EXPECT_EQ(unknown.error().happened, "the host of no..such..host:20300 is not known");
+}
+
+TEST_F(TcpPortTest, GivesUpAtTheLimitAndWhenItIsStopped) {
+  Listener full(0);  // takes one connection into its queue and is silent to the others
+  std::vector<Descriptor> queue;
+  for (int i = 0; i < 2; ++i) {
+    Descriptor waiting(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
+    const auto address = kvtest::Loopback(full.Port());
+    ::connect(waiting.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    queue.push_back(std::move(waiting));
+  }
+  TcpPort silent("127.0.0.1", full.Port(), pacer);
+  const auto late = silent.Open(milliseconds(50));
+  ASSERT_FALSE(late.has_value());
+  EXPECT_THAT(late.error().happened, HasSubstr("did not answer in time"));
+
+  pacer.RequestStop();
+  const auto stopped = silent.Open(std::chrono::hours(1));
+  ASSERT_FALSE(stopped.has_value());
+  EXPECT_THAT(stopped.error().happened, HasSubstr("was stopped"));
+}
+
+TEST(EndpointTextTest, PutsBracketsAroundAnAddressWithColons) {
+  EXPECT_EQ(EndpointText("::1", 20300), "[::1]:20300");
+  EXPECT_EQ(EndpointText("plc.local", 1), "plc.local:1");
+}
+
+}  // namespace
+}  // namespace kv
