@@ -14,7 +14,7 @@ enum class DialResult { Connect, Busy, NoCarrier, NoDialTone, NoAnswer };
 
 struct ModemOptions {
   DialResult result = DialResult::Connect;
-  kv::Duration dialTime = std::chrono::seconds(2);  // from the dialling to its result
+  kv::Duration dialTime = std::chrono::seconds(1);  // from the dialling to its result
 };
 
 // A modem with a controller behind the telephone line: the near end of it, as the serial line to the modem sees it.

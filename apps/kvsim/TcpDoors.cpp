@@ -12,9 +12,9 @@ namespace {
 using asio::ip::tcp;
 
 constexpr std::size_t kReadSize = 16384;
-constexpr kv::Duration kDialPause = std::chrono::seconds(1);       // between two tries to get through
-constexpr kv::Duration kDialLimit = std::chrono::seconds(5);       // for one try
-constexpr kv::Duration kDialLook = std::chrono::milliseconds(10);  // between two looks at a try under way
+constexpr kv::Duration kDialPause = std::chrono::milliseconds(500);  // between two tries to get through
+constexpr kv::Duration kDialLimit = std::chrono::seconds(5);         // for one try
+constexpr kv::Duration kDialLook = std::chrono::milliseconds(10);    // between two looks at a try under way
 
 class SocketStream final : public Stream {
  public:

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/ports/Partners.h"
+
+namespace kvtest {
+
+// A running kvsim. It is ended in any case.
+class KvsimProcess {
+ public:
+  explicit KvsimProcess(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), KVSIM_PROGRAM);
+    std::vector<char*> pointers;
+    for (auto& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    int out[2];
+    int error[2];
+    if (::pipe2(out, O_CLOEXEC) != 0 || ::pipe2(error, O_CLOEXEC) != 0) return;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, error[1], STDERR_FILENO);
+    if (::posix_spawn(&mProcess, pointers[0], &actions, nullptr, pointers.data(), environ) != 0) mProcess = -1;
+    posix_spawn_file_actions_destroy(&actions);
+    ::close(out[1]);
+    ::close(error[1]);
+    mOut = Descriptor(out[0]);
+    mError = Descriptor(error[0]);
+  }
+  ~KvsimProcess() {
+    if (mProcess > 0) {
+      ::kill(mProcess, SIGKILL);
+      ::waitpid(mProcess, nullptr, 0);
+    }
+  }
+  KvsimProcess(const KvsimProcess&) = delete;
+  KvsimProcess& operator=(const KvsimProcess&) = delete;
+
+  // The line that tells that clients can come.
+  std::string ReadyLine() {
+    std::string line;
+    while (!line.ends_with('\n')) {
+      const auto letter = mOut.Take(1);
+      if (letter.empty()) break;
+      line += letter;
+    }
+    return line.empty() ? line : line.substr(0, line.size() - 1);
+  }
+  // The number behind the last ":" of the ready line.
+  std::uint16_t Port() {
+    const auto line = ReadyLine();
+    return static_cast<std::uint16_t>(std::stoi("0" + line.substr(line.rfind(':') + 1)));
+  }
+
+  // Waits for the end, after `signal` if one is given; the exit code, or -1 when it ended otherwise.
+  int End(int signal = 0) {
+    if (signal != 0) ::kill(mProcess, signal);
+    mOutput = mOut.Take(1 << 20);
+    mComplaint = mError.Take(1 << 20);
+    int status = 0;
+    if (mOut.IsReady(0) && ::waitpid(mProcess, &status, 0) == mProcess) mProcess = -1;
+    return WIFEXITED(status) && mProcess < 0 ? WEXITSTATUS(status) : -1;
+  }
+  // What it printed, after End().
+  [[nodiscard]] const std::string& Output() const { return mOutput; }
+  [[nodiscard]] const std::string& Complaint() const { return mComplaint; }
+
+ private:
+  pid_t mProcess = -1;
+  Descriptor mOut;
+  Descriptor mError;
+  std::string mOutput;
+  std::string mComplaint;
+};
+
+}  // namespace kvtest

@@ -1,0 +1,147 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "KvsimProcess.h"
+
+namespace kvtest {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+// A frame to unit 1, as the protocol page gives it: sum of the characters behind "/" in two digits.
+std::string Frame(const std::string& text) {
+  unsigned sum = '0' + '1';
+  for (const char letter : text) sum += static_cast<unsigned char>(letter);
+  const char* const digits = "0123456789ABCDEF";
+  return "/01" + text + digits[sum / 16 % 16] + digits[sum % 16] + "\r";
+}
+
+// The reply's frame, or what came of it.
+std::string Exchange(const Descriptor& client, const std::string& text) {
+  client.Give(Frame(text));
+  std::string reply;
+  while (!reply.ends_with('\r')) {
+    const auto byte = client.Take(1);
+    if (byte.empty()) break;
+    reply += byte;
+  }
+  return reply;
+}
+
+Descriptor OpenTerminal(const fs::path& link) {
+  Descriptor terminal(::open(link.c_str(), O_RDWR | O_NOCTTY));
+  termios settings{};
+  ::tcgetattr(terminal.Get(), &settings);
+  ::cfmakeraw(&settings);
+  ::tcsetattr(terminal.Get(), TCSANOW, &settings);
+  return terminal;
+}
+
+class KvsimTest : public testing::Test {
+ protected:
+  KvsimTest() { fs::create_directories(folder); }
+  ~KvsimTest() override { fs::remove_all(folder); }
+  const fs::path folder = fs::temp_directory_path() / ("kvsim-test-" + std::to_string(::getpid()));
+};
+
+TEST_F(KvsimTest, ServesSeveralClientsInTurnAndAtOnce) {
+  KvsimProcess kvsim({"--tcp", "0", "--model", "Q50"});
+  const auto port = kvsim.Port();
+  ASSERT_NE(port, 0);
+  auto first = DialLoopback(port);
+  EXPECT_THAT(Exchange(first, "ID"), StartsWith("/01IDQ50-2-R34|"));
+  const auto second = DialLoopback(port);
+  EXPECT_THAT(Exchange(second, "ID"), StartsWith("/01IDQ50-2-R34|"));
+  EXPECT_THAT(Exchange(first, "ID"), StartsWith("/01IDQ50-2-R34|"));
+  first.Close();
+  EXPECT_THAT(Exchange(second, "ID"), StartsWith("/01IDQ50-2-R34|"));
+  EXPECT_THAT(Exchange(DialLoopback(port), "ID"), StartsWith("/01IDQ50-2-R34|"));
+  EXPECT_EQ(kvsim.End(SIGTERM), 0);
+}
+
+TEST_F(KvsimTest, KeepsATerminalForClientsThatComeAndGo) {
+  const auto link = folder / "plc";
+  KvsimProcess kvsim({"--pty", link.string()});
+  EXPECT_THAT(kvsim.ReadyLine(), StartsWith("serving " + link.string() + " (/dev/pts/"));
+  for (int round = 0; round < 3; ++round) {
+    EXPECT_THAT(Exchange(OpenTerminal(link), "ID"), StartsWith("/01IDK220-22-R1|")) << round;
+  }
+  EXPECT_EQ(kvsim.End(SIGINT), 0);
+  EXPECT_FALSE(fs::is_symlink(link));
+}
+
+TEST_F(KvsimTest, PullsTheTerminalFromAClientWhoseLineIsCut) {
+  const auto link = folder / "plc";
+  KvsimProcess kvsim({"--pty", link.string(), "--fault", "lost:nth=1,at=3"});
+  kvsim.ReadyLine();
+  EXPECT_EQ(Exchange(OpenTerminal(link), "ID").find('\r'), std::string::npos);
+  EXPECT_THAT(Exchange(OpenTerminal(link), "ID"), StartsWith("/01IDK220-22-R1|"));
+}
+
+TEST_F(KvsimTest, DialsOutAgainAfterTheConnectionHasEnded) {
+  const Listener driver;
+  KvsimProcess kvsim({"--dial", "127.0.0.1:" + std::to_string(driver.Port())});
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_THAT(Exchange(driver.Accept(), "ID"), StartsWith("/01IDK220-22-R1|")) << round;
+  }
+}
+
+TEST_F(KvsimTest, AnswersAsAModem) {
+  KvsimProcess kvsim({"--tcp", "0", "--modem", "--dial-result", "busy"});
+  const auto client = DialLoopback(kvsim.Port());
+  client.Give("ATE0\r");
+  EXPECT_THAT(client.Take(11), HasSubstr("OK"));
+  client.Give("ATDT12345\r");
+  EXPECT_EQ(client.Take(8), "\r\nBUSY\r\n");
+}
+
+TEST_F(KvsimTest, KeepsTheControllersMemoryInAFile) {
+  const std::vector<std::string> arguments{"--tcp", "0", "--state", (folder / "plc.state").string()};
+  for (const char* const state : {"R", "S"}) {  // running at first, stopped by the run before
+    KvsimProcess kvsim(arguments);
+    const auto client = DialLoopback(kvsim.Port());
+    const std::string letter = std::string("/01DR") + (*state == 'R' ? "52" : "53");
+    EXPECT_THAT(Exchange(client, "DRS000001"), StartsWith(letter));
+    EXPECT_THAT(Exchange(client, "CCS"), StartsWith("/01CCOK"));
+    EXPECT_EQ(kvsim.End(SIGINT), 0);
+  }
+}
+
+TEST_F(KvsimTest, SaysWhatIsWrongWithWhatItWasTold) {
+  const Listener other;
+  const auto otherPort = std::to_string(other.Port());
+  const auto notALink = (folder / "file").string();
+  Descriptor(::creat(notALink.c_str(), 0600)).Close();
+  struct {
+    std::vector<std::string> arguments;
+    int exitCode;
+    std::string complaint;
+  } const cases[] = {
+      {{}, 2, "--tcp"},
+      {{"--tcp", "0", "--pty", "x"}, 2, "--pty"},
+      {{"--tcp", "70000"}, 2, "65535"},
+      {{"--tcp", "0", "--model", "K220-22-R9"}, 2, "K220-22-R1"},
+      {{"--tcp", "0", "--fault", "banana"}, 2, "banana"},
+      {{"--dial", "nowhere"}, 2, "HOST:PORT"},
+      {{"--tcp", "0", "--baud", "7"}, 2, "300 to 921600"},
+      {{"--tcp", otherPort}, 1, "127.0.0.1:" + otherPort},
+      {{"--tcp", "0", "--bind", "banana"}, 1, "\"banana\" is not an address"},
+      {{"--pty", notALink}, 1, "not a link to a pseudo terminal"},
+      {{"--tcp", "0", "--state", notALink}, 1, "file"},
+  };
+  for (const auto& entry : cases) {
+    KvsimProcess kvsim(entry.arguments);
+    EXPECT_EQ(kvsim.End(), entry.exitCode) << testing::PrintToString(entry.arguments);
+    EXPECT_THAT(kvsim.Complaint(), HasSubstr(entry.complaint));
+  }
+  KvsimProcess help({"--help"});
+  EXPECT_EQ(help.End(), 0);
+  EXPECT_THAT(help.Output(), StartsWith("Examples:"));
+}
+
+}  // namespace
+}  // namespace kvtest
