@@ -130,11 +130,13 @@ Exchange::Exchange(Pacer& pacer, Line& line, const ExchangeSettings& settings, S
   mTag = static_cast<std::uint16_t>(mRandom());
 }
 
-std::expected<std::string_view, LinkError> Exchange::SendText(const TextRequest& request) {
+std::expected<std::string_view, LinkError> Exchange::SendText(const TextRequest& given) {
   if (std::optional<LinkError> refused = Refuse()) return std::unexpected(std::move(*refused));
-  if (const TextFault fault = EncodeFrame(request.unit, request.text, mMain.frame); fault != TextFault::None) {
+  if (const TextFault fault = EncodeFrame(given.unit, given.text, mMain.frame); fault != TextFault::None) {
     return std::unexpected(TextFaultError(fault));
   }
+  TextRequest request = given;
+  request.text = TextOf(mMain.frame);  // the caller's own may be built anew by a request that is refused meanwhile
   const UnderWay underWay(*this);
   SetDeadline(mMain.frame.size() + request.facts.longestReply, request.notAfter);
   Outcome outcome = RunText(request);

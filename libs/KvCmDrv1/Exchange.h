@@ -72,7 +72,7 @@ class Exchange {
   Exchange(Pacer& pacer, Line& line, const ExchangeSettings& settings, Say say);
 
   // The reply text without its seal, good until the next exchange; a refusal is a reply.
-  [[nodiscard]] std::expected<std::string_view, LinkError> SendText(const TextRequest& request);
+  [[nodiscard]] std::expected<std::string_view, LinkError> SendText(const TextRequest& given);
   // NotSupported, without traffic beyond meeting the unit, on a controller that understands ASCII frames only.
   [[nodiscard]] std::expected<BlockReply, LinkError> SendBlock(const BlockRequest& request);
   // Makes sure that the unit has been met on this connection.

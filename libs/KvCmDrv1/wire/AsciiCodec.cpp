@@ -34,6 +34,11 @@ TextFault EncodeFrame(std::uint8_t unit, std::string_view text, std::string& fra
   return TextFault::None;
 }
 
+std::string_view TextOf(std::string_view frame) {
+  constexpr std::size_t kBefore = 1 + kUnitDigits;
+  return frame.substr(kBefore, frame.size() - kBefore - kCheckDigits - 1);
+}
+
 std::optional<AsciiFrame> FindFrame(std::string_view line) {
   if (line.size() < 1 + kUnitDigits + 1 + kCheckDigits) return std::nullopt;
   const std::size_t textEnd = line.size() - kCheckDigits;

@@ -33,6 +33,9 @@ enum class TextFault {
 // Puts the frame of `text` into `frame`, in place of what was there. On a fault `frame` is empty.
 [[nodiscard]] TextFault EncodeFrame(std::uint8_t unit, std::string_view text, std::string& frame);
 
+// The text in a frame that EncodeFrame made.
+[[nodiscard]] std::string_view TextOf(std::string_view frame);
+
 // Finds the frame in `line`, which begins with "/" and ends before a CR: of all stretches from a "/" to the end, the
 // last that is a good frame. Nothing when none is.
 [[nodiscard]] std::optional<AsciiFrame> FindFrame(std::string_view line);
