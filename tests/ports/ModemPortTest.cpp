@@ -16,6 +16,8 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using testing::HasSubstr;
 
+constexpr Duration kLimit = seconds(75);
+
 // A controller that sends back what it gets.
 class EchoLine final : public InProcessLine {
  public:
@@ -97,7 +99,7 @@ class ModemPortTest : public testing::Test {
 TEST_F(ModemPortTest, DialsCarriesBytesAndHangsUp) {
   for (const std::size_t piece : {1, 1000}) {  // the modem's answers arrive letter by letter, or whole
     auto& modem = Make({}, piece);
-    ASSERT_TRUE(modem.Open(seconds(5)).has_value());
+    ASSERT_TRUE(modem.Open(kLimit).has_value());
     EXPECT_EQ(modem.Description(), "COM3, 115200 8N1, modem 0,12345");
     controller.waiting.clear();
     ASSERT_TRUE(kvtest::WriteAll(modem, "/01IDEE\r"));
@@ -119,7 +121,7 @@ TEST_F(ModemPortTest, SaysWhatBecameOfTheCall) {
       {DialResult::NoAnswer, "0,12345 does not answer"},
   };
   for (const auto& entry : cases) {
-    const auto opened = Make({.result = entry.result}).Open(seconds(5));
+    const auto opened = Make({.result = entry.result}).Open(kLimit);
     ASSERT_FALSE(opened.has_value()) << entry.happened;
     EXPECT_EQ(opened.error().happened, entry.happened);
     EXPECT_NE(opened.error().cure, "");
@@ -129,22 +131,27 @@ TEST_F(ModemPortTest, SaysWhatBecameOfTheCall) {
 
 TEST_F(ModemPortTest, GivesUpAfterTheTimeForDialling) {
   const auto start = pacer.Now();
-  const auto opened = Make({.dialTime = std::chrono::hours(1)}).Open(seconds(5));
+  const auto opened = Make({.dialTime = std::chrono::hours(1)}).Open(kLimit);
   ASSERT_FALSE(opened.has_value());
   EXPECT_EQ(opened.error().happened, "0,12345 does not answer");
   EXPECT_GE(pacer.Now() - start, seconds(60));
   EXPECT_LT(pacer.Now() - start, seconds(62));
 }
 
+TEST_F(ModemPortTest, EndsAtTheLimitOfTheOpening) {
+  ASSERT_FALSE(Make({.dialTime = std::chrono::hours(1)}).Open(seconds(10)).has_value());
+  EXPECT_LT(pacer.Now().time_since_epoch(), seconds(11));
+}
+
 TEST_F(ModemPortTest, NamesTheCommandThatTheModemDoesNotKnowOrLeavesUnanswered) {
   settings.number = "nobody";  // no digit in it
-  const auto refused = Make({}).Open(seconds(5));
+  const auto refused = Make({}).Open(kLimit);
   ASSERT_FALSE(refused.has_value());
   EXPECT_EQ(refused.error().happened, "the modem refused the command \"ATDTnobody\"");
 
   controller.isConnected = true;
   auto dead = std::make_unique<LinePort>(std::make_unique<EchoLine>(controller), pacer, 1000);
-  const auto silent = ModemPort(std::move(dead), settings, pacer).Open(seconds(5));
+  const auto silent = ModemPort(std::move(dead), settings, pacer).Open(kLimit);
   ASSERT_FALSE(silent.has_value());
   EXPECT_EQ(silent.error().happened, "the modem does not answer \"ATZ\"");
 }
@@ -152,7 +159,7 @@ TEST_F(ModemPortTest, NamesTheCommandThatTheModemDoesNotKnowOrLeavesUnanswered) 
 TEST_F(ModemPortTest, IsStoppedWhileItDials) {
   auto& modem = Make({.dialTime = seconds(30)});
   pacer.After(seconds(5), [this] { pacer.RequestStop(); });
-  const auto opened = modem.Open(seconds(5));
+  const auto opened = modem.Open(kLimit);
   ASSERT_FALSE(opened.has_value());
   EXPECT_THAT(opened.error().happened, HasSubstr("was stopped"));
   EXPECT_LT(pacer.Now().time_since_epoch(), seconds(6));
@@ -161,7 +168,7 @@ TEST_F(ModemPortTest, IsStoppedWhileItDials) {
 TEST_F(ModemPortTest, IsLostWhenTheCarrierIs) {
   for (const std::size_t piece : {1, 1000}) {
     auto& modem = Make({}, piece);
-    ASSERT_TRUE(modem.Open(seconds(5)).has_value());
+    ASSERT_TRUE(modem.Open(kLimit).has_value());
     controller.waiting = "half a re";
     controller.isConnected = false;
     EXPECT_THAT(kvtest::ReadFrom(modem, 1000), HasSubstr("half a re"));

@@ -61,9 +61,9 @@ std::expected<void, PortError> ModemPort::Open(Duration limit) {
   mLoss = {};
   mReceived.clear();
   mTail.clear();
-  const Instant start = mPacer.Now();
+  const Instant deadline = mPacer.Now() + limit;
   if (auto opened = mLine->Open(limit); !opened) return opened;
-  if (auto failure = SetUpAndDial(limit - (mPacer.Now() - start))) {
+  if (auto failure = SetUpAndDial(deadline)) {
     mLine->Close();
     return std::unexpected(std::move(*failure));
   }
@@ -71,15 +71,14 @@ std::expected<void, PortError> ModemPort::Open(Duration limit) {
   return {};
 }
 
-std::optional<PortError> ModemPort::SetUpAndDial(Duration limit) {
-  const Instant deadline = mPacer.Now() + limit;
+std::optional<PortError> ModemPort::SetUpAndDial(Instant deadline) {
   for (const std::string& command : {std::string("ATZ"), mSettings.init}) {
     if (command.empty()) continue;
-    const auto answer = Ask(command, "OK", std::min<Duration>(kAnswerTime, deadline - mPacer.Now()));
+    const auto answer = Ask(command, "OK", std::min(kAnswerTime, deadline - mPacer.Now()));
     if (answer != Answer::Awaited) return ErrorOf(answer, command);
   }
   const std::string dialling = (mSettings.isPulse ? "ATDP" : "ATDT") + mSettings.number;
-  const auto answer = Ask(dialling, "CONNECT", mSettings.dialTimeOut);
+  const auto answer = Ask(dialling, "CONNECT", std::min(mSettings.dialTimeOut, deadline - mPacer.Now()));
   if (answer == Answer::Awaited) return std::nullopt;
   if (answer == Answer::Error) return ErrorOf(answer, dialling);
   if (answer == Answer::Silence || answer == Answer::Stopped) {

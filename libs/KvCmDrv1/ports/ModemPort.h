@@ -18,7 +18,7 @@ class ModemPort final : public Port {
   ModemPort(std::unique_ptr<Port> line, ModemSettings settings, Pacer& pacer);
   ~ModemPort() override;
 
-  // `limit` is that of opening the line and setting the modem up; dialling has its own in the settings.
+  // Ends at `limit` or, when that comes first, with the time for dialling of the settings.
   [[nodiscard]] std::expected<void, PortError> Open(Duration limit) override;
   // Hangs up first, which takes two seconds with a modem that is well.
   void Close() override;
@@ -37,7 +37,7 @@ class ModemPort final : public Port {
   struct AnswerText;
   enum class Stops { Heeded, Ignored };  // whether a stop request ends the wait
 
-  [[nodiscard]] std::optional<PortError> SetUpAndDial(Duration limit);
+  [[nodiscard]] std::optional<PortError> SetUpAndDial(Instant deadline);
   [[nodiscard]] Answer Ask(const std::string& command, std::string_view awaited, Duration limit,
                            Stops stops = Stops::Heeded);
   [[nodiscard]] bool Send(std::string_view bytes, Instant deadline);
