@@ -19,6 +19,14 @@ std::string FileNameOf(std::string_view model) {
   return name;
 }
 
+const sim::Model* FindByNameOrReport(std::string_view text) {
+  if (const sim::Model* model = sim::FindModel(text)) return model;
+  for (const sim::Model& each : sim::AllModels()) {
+    if (each.reported == text) return &each;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 SimulatedControllers::SimulatedControllers(std::filesystem::path folder) : mFolder(std::move(folder)) {}
@@ -28,7 +36,7 @@ SimulatedControllers::~SimulatedControllers() {
 }
 
 std::expected<std::unique_ptr<InProcessLine>, std::string> SimulatedControllers::NewLine(const std::string& model) {
-  const sim::Model* known = sim::FindModel(model);
+  const sim::Model* known = FindByNameOrReport(model);
   if (!known) return std::unexpected("there is no simulated controller \"" + model + "\"");
   const std::string name(known->name);
   auto found = mControllers.find(name);
@@ -58,8 +66,14 @@ std::string SimulatedControllers::StateFile(std::string_view model) const {
 }
 
 std::string ReportedModelOfSimulated(std::string_view name) {
-  const sim::Model* model = sim::FindModel(name);
+  const sim::Model* model = FindByNameOrReport(name);
   return model ? std::string(model->reported) : std::string();
+}
+
+std::string SimulatedModelNames() {
+  std::string names;
+  for (const sim::Model& each : sim::AllModels()) names += (names.empty() ? "" : ", ") + std::string(each.name);
+  return names;
 }
 
 }  // namespace kv

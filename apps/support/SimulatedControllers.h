@@ -40,7 +40,11 @@ class SimulatedControllers {
   std::map<std::string, std::unique_ptr<sim::SimulatedController>, std::less<>> mControllers;  // by full name
 };
 
-// The model text with which the simulated controller of that name reports itself; empty when there is none.
+// The model text with which the simulated controller of that name reports itself; empty when there is none. A
+// controller may also be asked for by that text.
 [[nodiscard]] std::string ReportedModelOfSimulated(std::string_view name);
+
+// The names of all simulated controllers, joined by ", ".
+[[nodiscard]] std::string SimulatedModelNames();
 
 }  // namespace kv

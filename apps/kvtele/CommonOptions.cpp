@@ -1,0 +1,73 @@
+#include "apps/kvtele/CommonOptions.h"
+
+#include <CLI/Option.hpp>
+#include <algorithm>
+
+#include "base/Numbers.h"
+#include "models/ModelCatalogue.h"
+
+namespace kv::cli {
+
+namespace {
+
+constexpr std::size_t kLongestPassword = 8;
+
+// The checks of the parser return what is wrong, or nothing.
+std::string CheckModel(const std::string& model) {
+  const auto models = SelectableModels();
+  if (std::ranges::find(models, model) != models.end()) return {};
+  std::string text = "there is no model \"" + model + "\"; the models are";
+  std::string separator = " ";
+  for (const std::string_view each : models) {
+    text.append(separator).append(each);
+    separator = ", ";
+  }
+  return text;
+}
+
+std::string CheckPassword(const std::string& password) {
+  const auto isPlain = [](char c) { return c >= 0x20 && c <= 0x7E; };
+  if (!password.empty() && password.size() <= kLongestPassword && std::ranges::all_of(password, isPlain)) return {};
+  return "a password has 1 to 8 plain characters";
+}
+
+auto Within(std::int64_t least, std::int64_t most) {
+  return [least, most](const std::string& text) -> std::string {
+    const auto number = ParseInteger(text);
+    if (number && *number >= least && *number <= most) return {};
+    return "\"" + text + "\" is no number from " + std::to_string(least) + " to " + std::to_string(most);
+  };
+}
+
+void DeclareLinkOptions(CLI::App& app, CommonOptions& options) {
+  app.add_option("--link", options.link,
+                 "The way to the controller: sim:MODEL, tcp:HOST[:PORT], serial:PORT[,BAUD[,8N1]],\n"
+                 "modem:PORT,NUMBER or listen:PORT. Default: the session's own link")
+      ->type_name("LINK");
+  app.add_option("--unit", options.unit, "Unit id of the controller, 0 to 255")->type_name("N")->check(Within(0, 255));
+  app.add_option("--timeout", options.timeOut, "Longest time for a reply, 50 to 300000 ms")
+      ->type_name("MS")
+      ->check(Within(50, 300000));
+  app.add_option("--retries", options.retries, "How often an unanswered request is sent again, 0 to 9")
+      ->type_name("N")
+      ->check(Within(0, 9));
+}
+
+}  // namespace
+
+void DeclareCommonOptions(CLI::App& app, CommonOptions& options) {
+  app.add_option("--home", options.home, "Folder that holds Sessions. Default: the program's own")->type_name("DIR");
+  app.add_option("--session", options.session, "Session whose link settings are used. Default: Default")
+      ->type_name("NAME")
+      ->each([&options](const std::string&) { options.isSessionNamed = true; });
+  DeclareLinkOptions(app, options);
+  app.add_option("--password", options.password, "The controller's password")->type_name("PW")->check(CheckPassword);
+  app.add_option("--model", options.model, "The model that the controller must be. Default: what it says itself")
+      ->type_name("MODEL")
+      ->check(CheckModel);
+  app.add_flag("--json", options.json, "Print one JSON document, also for errors");
+  app.add_option("--trace", options.trace, "Write every frame of the line to a file")->type_name("FILE");
+  app.add_flag("--yes", options.yes, "Answer questions with yes");
+}
+
+}  // namespace kv::cli

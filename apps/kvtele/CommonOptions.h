@@ -1,0 +1,30 @@
+#pragma once
+
+#include <CLI/App.hpp>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace kv::cli {
+
+// What every command takes. Paths and names are UTF-8; what is not given stays empty.
+struct CommonOptions {
+  std::string home;  // the folder that holds Sessions; empty: that of the program
+  std::string session = "Default";
+  bool isSessionNamed = false;          // --session was given
+  std::string link;                     // text of a link; empty: the session's own
+  std::optional<int> unit;              // 0 to 255
+  std::optional<int> timeOut;           // milliseconds a reply may take, 50 to 300000
+  std::optional<int> retries;           // how often a request is repeated, 0 to 9
+  std::optional<std::string> password;  // the controller's, 1 to 8 characters
+  std::string model;                    // a selectable model; empty: what the controller says it is
+  bool json = false;
+  std::string trace;  // file that every frame is written to; empty: none
+  bool yes = false;   // questions are answered with yes
+};
+
+// Tells the parser these options; `options` must outlive the parsing. Everything that can be judged without a
+// controller is checked by it.
+void DeclareCommonOptions(CLI::App& app, CommonOptions& options);
+
+}  // namespace kv::cli

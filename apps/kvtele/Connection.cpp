@@ -1,0 +1,64 @@
+#include "apps/kvtele/Connection.h"
+
+#include "apps/kvtele/LinkChoice.h"
+#include "models/ModelCatalogue.h"
+
+namespace kv::cli {
+
+namespace {
+
+std::expected<std::unique_ptr<CommDriver>, Failure> MakeDriver(Environment& environment, const CommonOptions& common) {
+  const auto choice = ChooseLink(environment, common);
+  if (!choice) return std::unexpected(choice.error());
+  for (const std::string& complaint : choice->complaints) environment.err << complaint << "\n";
+  return environment.makeDriver({choice->settings, choice->sessionFolder, common.trace});
+}
+
+// Q50 and its relatives answer with one text, so each of them is as good as the others.
+bool IsModelAsked(const std::string& asked, const std::string& found) {
+  return asked == found || (IsCompactModel(asked) && IsCompactModel(found));
+}
+
+Failure OtherModel(const std::string& asked, const VersionInfo& version, const std::string& link) {
+  return NotFitFailure("connecting to " + link, "the controller is a " + version.model + ", not a " + asked,
+                       "another controller answers on this link, or it is running its boot loader",
+                       "check the link and the unit id, or leave out --model");
+}
+
+}  // namespace
+
+Connection::~Connection() {
+  mDriver->OnComMessage = nullptr;  // that the link is closed at the end is no news
+  mChannel.reset();
+  mDriver->CloseDriver();
+}
+
+std::expected<std::unique_ptr<Connection>, Failure> Connection::Open(Environment& environment,
+                                                                     const CommonOptions& common) {
+  auto driver = MakeDriver(environment, common);
+  if (!driver) return std::unexpected(driver.error());
+  std::unique_ptr<Connection> connection(new Connection(std::move(*driver)));
+  if (const auto reached = connection->Reach(); !reached) return std::unexpected(reached.error());
+  // From here on only: a link that never came about is the failure itself.
+  connection->mDriver->OnComMessage = [&err = environment.err](const std::string& message) { err << message << "\n"; };
+  connection->mModel = ModelOfIdentification(connection->mVersion.model);
+  if (common.model.empty()) return connection;
+  if (!IsModelAsked(common.model, connection->mModel)) {
+    return std::unexpected(OtherModel(common.model, connection->mVersion, connection->Description()));
+  }
+  connection->mModel = common.model;
+  return connection;
+}
+
+std::expected<void, Failure> Connection::Reach() {
+  mDriver->SetDriverActive(true);
+  mChannel = mDriver->GetChannel();
+  if (!mChannel) return std::unexpected(LinkFailure(mDriver->LastError(), false));
+  mChannel->SetCommandOwner("kvtele");
+  const auto version = mChannel->GetVersionInfo(mChannel->UnitID());
+  if (!version) return std::unexpected(LinkFailure(mChannel->LastError(), false));
+  mVersion = *version;
+  return {};
+}
+
+}  // namespace kv::cli

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <memory>
+#include <string>
+
+#include "apps/kvtele/CommonOptions.h"
+#include "apps/kvtele/Environment.h"
+#include "apps/kvtele/Failure.h"
+#include "link/CommDriver.h"
+
+namespace kv::cli {
+
+// A controller that has been reached and said who it is. Closes the link when it goes.
+class Connection {
+ public:
+  // Reaches the controller that the options describe and identifies it. With --model it must be that model.
+  [[nodiscard]] static std::expected<std::unique_ptr<Connection>, Failure> Open(Environment& environment,
+                                                                                const CommonOptions& common);
+  ~Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  [[nodiscard]] Channel& Link() { return *mChannel; }
+  [[nodiscard]] std::uint8_t Unit() const { return mChannel->UnitID(); }
+  [[nodiscard]] const VersionInfo& Version() const { return mVersion; }
+  // The model that the catalogue is asked about.
+  [[nodiscard]] const std::string& Model() const { return mModel; }
+  [[nodiscard]] std::string Description() const { return mDriver->LinkDescription(); }
+
+  // Why the last call of the channel failed.
+  [[nodiscard]] Failure LastFailure() const { return LinkFailure(mChannel->LastError(), true); }
+
+ private:
+  explicit Connection(std::unique_ptr<CommDriver> driver) : mDriver(std::move(driver)) {}
+
+  [[nodiscard]] std::expected<void, Failure> Reach();
+
+  std::unique_ptr<CommDriver> mDriver;
+  std::shared_ptr<Channel> mChannel;
+  VersionInfo mVersion;
+  std::string mModel;
+};
+
+}  // namespace kv::cli

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "host/shared/RemoteHost.h"
+
+namespace kv::cli {
+
+// The host of a program without windows: keeps what going on line tells it, so that it can be printed, and prints
+// status messages. It has no panel, no pages file and no recent caches of its own.
+class ConsoleHost final : public RemoteHost {
+ public:
+  ConsoleHost(std::ostream& err, std::string model, std::string installFolder)
+      : mErr(err), mModel(std::move(model)), mInstallFolder(std::move(installFolder)) {}
+
+  // What the controller's panel would be shown with; nothing where the sequence did not say.
+  struct Panel {
+    std::optional<bool> isCompact;
+    std::optional<int> information;  // 0 to 255
+    std::string data;                // path of the file; empty: none
+    std::string caption;
+  };
+  [[nodiscard]] const Panel& PanelSettings() const { return mPanel; }
+
+  [[nodiscard]] bool Enabled() const override { return mIsEnabled; }
+  void SetEnabled(bool enabled) override { mIsEnabled = enabled; }
+  void StatusMessage(const std::string& text) override { mErr << text << "\n"; }
+  void Refresh() override {}
+  void Run() override {}
+  void Quit() override {}
+  void SetSessionName(const std::string&) override {}
+  void SetSessionPath(const std::string&) override {}
+  void SetStartupOption(int) override {}
+  [[nodiscard]] std::string Model() const override { return mModel; }
+  void SetModel(const std::string& model) override { mModel = model; }
+  void SetComDescription(const std::string&) override {}
+  void SetUserName(const std::string&) override {}
+  [[nodiscard]] std::string InstallFolder() const override { return mInstallFolder; }
+  void SetHourglass(bool) override {}
+  void SetToolMissing(const std::string&, const std::string&) override {}
+  bool OpenPagesFile(const std::string&) override { return false; }
+  void SetRecentCaches(const std::vector<std::string>&) override {}
+  [[nodiscard]] bool ReadsColourCaches() const override { return false; }
+  [[nodiscard]] bool OpenColourCache(const std::string&) override { return false; }
+
+  [[nodiscard]] bool IsOnline() const override { return mIsOnline; }
+  void BeginConnect() override {}
+  void EndConnect() override {}
+  void SetConnectedUnit(int) override {}
+  void AttachChannel(std::shared_ptr<Channel>) override {}
+  void SetControllerModelText(const std::string&) override {}
+  void SetCompactIdentification(bool compact) override { mPanel.isCompact = compact; }
+  void SetControllerInfoByte(int value) override {
+    mPanel.information = value < 0 ? std::nullopt : std::optional(value);
+  }
+  [[nodiscard]] bool ProjectMatches() override { return true; }
+  void SetPanelData(const std::string& path) override { mPanel.data = path; }
+  void GoOnline() override { mIsOnline = true; }
+  void RunPanelSession(const std::string& caption) override { mPanel.caption = caption; }
+
+ private:
+  std::ostream& mErr;
+  std::string mModel;
+  std::string mInstallFolder;
+  Panel mPanel;
+  bool mIsEnabled = true;
+  bool mIsOnline = false;
+};
+
+}  // namespace kv::cli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <expected>
+#include <memory>
+#include <ostream>
+
+#include "KvCmDrv1/Driver.h"
+#include "KvCmDrv1/ports/ListeningSocketImpl.h"
+#include "apps/kvtele/Environment.h"
+#include "apps/support/SimulatedControllers.h"
+
+namespace kv::cli {
+
+// Makes the program's driver, and keeps what must outlive it.
+class DriverMaker {
+ public:
+  DriverMaker(Pacer& pacer, std::ostream& err) : mPacer(pacer), mErr(err) {}
+
+  [[nodiscard]] std::expected<std::unique_ptr<CommDriver>, Failure> Make(const DriverOrder& order);
+
+ private:
+  [[nodiscard]] std::unique_ptr<InProcessLine> SimulatedLine(const std::string& model);
+
+  Pacer& mPacer;
+  std::ostream& mErr;
+  ListeningSocketImpl mSocket;
+  std::unique_ptr<SimulatedControllers> mControllers;
+};
+
+// A driver on the ordered link, with its trace on. Fails when the trace cannot be written.
+[[nodiscard]] std::expected<std::unique_ptr<CommDriver>, Failure> SetUpDriver(std::unique_ptr<Driver> driver,
+                                                                              const DriverOrder& order,
+                                                                              ListeningSocket* socket);
+
+}  // namespace kv::cli

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <expected>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "KvCmDrv1/LinkSettings.h"
+#include "KvCmDrv1/ports/PortList.h"
+#include "apps/kvtele/Failure.h"
+#include "desktop/Pacer.h"
+#include "desktop/console/ConsoleInput.h"
+#include "link/CommDriver.h"
+
+namespace kv::cli {
+
+// The driver that a command needs.
+struct DriverOrder {
+  LinkSettings link;
+  std::filesystem::path sessionFolder;  // need not exist
+  std::string traceFile;                // UTF-8; empty: no trace
+};
+
+// What the program is given from outside, so that a test can run every command in its own process. All streams carry
+// UTF-8.
+struct Environment {
+  std::ostream& out;           // data, and nothing else
+  std::ostream& err;           // messages, questions and progress
+  bool errIsTerminal = false;  // progress is shown
+  ConsoleInput& input;
+  Pacer& pacer;
+  std::filesystem::path home;  // the program folder, when --home does not name another
+  std::function<std::expected<std::unique_ptr<CommDriver>, Failure>(const DriverOrder&)> makeDriver;
+  std::function<std::vector<SerialPortInfo>()> listSerialPorts;
+};
+
+}  // namespace kv::cli

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+#include "apps/kvtele/ExitCode.h"
+#include "link/LinkError.h"
+
+namespace kv::cli {
+
+// Why a command ended without its result: one word for scripts, and for people what was being done, what happened, the
+// likely cause and what to do. Parts that have nothing to say are empty.
+struct Failure {
+  ExitCode exit = ExitCode::Failed;
+  std::string code;  // "usage", "noReply", "refused" ...
+  std::string doing;
+  std::string happened;
+  std::string cause;
+  std::string cure;
+
+  // The texts for a terminal, each part on a line of its own, ending with a line feed.
+  [[nodiscard]] std::string Text() const;
+};
+
+// A command line that cannot be understood.
+[[nodiscard]] Failure UsageFailure(std::string happened, std::string cure = {});
+// A command that is understood but does not fit the controller.
+[[nodiscard]] Failure NotFitFailure(std::string doing, std::string happened, std::string cause, std::string cure);
+// The user's Ctrl-C; `doing` says how far the work had come.
+[[nodiscard]] Failure InterruptedFailure(std::string doing);
+// What a link call left behind. `wasConnected` tells a link that never came about from one that broke.
+[[nodiscard]] Failure LinkFailure(const LinkError& error, bool wasConnected);
+
+}  // namespace kv::cli

@@ -1,0 +1,140 @@
+#include "apps/kvtele/KvTele.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cerrno>
+
+#include "apps/kvtele/Verb.h"
+
+namespace kv::cli {
+
+namespace {
+
+constexpr const char* kProgramExamples =
+    "  kvtele --link sim:K220-22-R1 identify             who is there? (a simulated controller)\n"
+    "  kvtele --link tcp:192.168.1.20:20300 read MI 0 9  ten integers, one a line\n"
+    "  kvtele --link serial:COM3 write MI 0 4660 22136   two integers, read back and compared\n"
+    "  kvtele --session Plant2 read \"TIMER PRESET\" 0     with the link settings of a session\n"
+    "  kvtele ports                                      the serial lines of this machine\n";
+
+constexpr const char* kExitCodes =
+    "Exit codes: 0 done, 1 failed, 2 wrong usage, 3 no connection, 4 refused by or not fit for the\n"
+    "controller, 5 differs, 6 bad file, 7 connection lost midway, 130 interrupted.\n"
+    "Data goes to stdout, messages and progress to stderr.";
+
+// Help begins with what most readers came for.
+void SetHelp(CLI::App& app, const char* examples) {
+  app.formatter_fn([examples](const CLI::App* each, std::string name, CLI::AppFormatMode mode) {
+    CLI::Formatter plain;
+    plain.column_width(26);
+    plain.label("SUBCOMMAND", "VERB");
+    return "Examples:\n" + std::string(examples) + "\n" + plain.make_help(each, std::move(name), mode);
+  });
+}
+
+// The parsed command line: the chosen verb, or what there is to say instead of running one.
+struct Parsed {
+  Verb* verb = nullptr;
+  std::string help;
+};
+
+class CommandLine {
+ public:
+  CommandLine() {
+    mApp.set_version_flag("--version", "kvtele " KV_VERSION);
+    mApp.allow_windows_style_options(false);  // "/..." is a path
+    mApp.require_subcommand(1);
+    mApp.footer(kExitCodes);
+    SetHelp(mApp, kProgramExamples);
+    DeclareCommonOptions(mApp, mCommon);
+    for (const auto& verb : mVerbs) {
+      CLI::App* sub = mApp.add_subcommand(verb->Name(), verb->Summary())->fallthrough()->group("Verbs");
+      verb->Declare(*sub);
+      SetHelp(*sub, verb->Examples());
+    }
+  }
+
+  [[nodiscard]] const CommonOptions& Common() const { return mCommon; }
+
+  [[nodiscard]] std::expected<Parsed, Failure> Parse(const std::vector<std::string>& arguments) {
+    try {
+      mApp.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::CallForHelp&) {
+      return Parsed{nullptr, mApp.help()};
+    } catch (const CLI::CallForVersion& version) {
+      return Parsed{nullptr, std::string(version.what()) + "\n"};
+    } catch (const CLI::Error& error) {
+      return std::unexpected(mApp.get_subcommands().empty() && dynamic_cast<const CLI::RequiredError*>(&error)
+                                 ? NoVerbFailure()
+                                 : UsageFailure(error.what(), "see kvtele --help, or kvtele VERB --help"));
+    }
+    const auto chosen =
+        std::ranges::find_if(mVerbs, [&](const auto& verb) { return mApp.got_subcommand(verb->Name()); });
+    return Parsed{chosen->get(), {}};
+  }
+
+ private:
+  [[nodiscard]] Failure NoVerbFailure() const {
+    std::string verbs;
+    for (const auto& verb : mVerbs) verbs += (verbs.empty() ? "" : ", ") + std::string(verb->Name());
+    const std::vector<std::string> rest = mApp.remaining();
+    return UsageFailure(rest.empty() ? "no verb is given" : "there is no verb \"" + rest.front() + "\"",
+                        "use one of " + verbs + "; see kvtele --help");
+  }
+
+  CommonOptions mCommon;
+  std::vector<std::unique_ptr<Verb>> mVerbs = MakeVerbs();
+  CLI::App mApp{"Reads and writes Korvantis controllers from the command line.", "kvtele"};
+};
+
+// Asked for where the command line itself may be what could not be understood.
+bool WantsJson(const std::vector<std::string>& arguments) {
+  const auto end = std::ranges::find(arguments, "--");
+  return std::find(arguments.begin(), end, "--json") != end;
+}
+
+std::string JsonText(const nlohmann::ordered_json& document) {
+  // Texts come from controllers and file names; what is not UTF-8 in them must not cost the user the document.
+  return document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+std::string JsonText(const Failure& failure) {
+  return JsonText({{"error",
+                    {{"code", failure.code},
+                     {"exit", static_cast<int>(failure.exit)},
+                     {"doing", failure.doing},
+                     {"happened", failure.happened},
+                     {"cause", failure.cause},
+                     {"cure", failure.cure}}}});
+}
+
+// Writes the result in one piece. A reader that has gone away (as "| head" does) is no news to anybody; a full disk is.
+bool WriteOut(const std::string& text, Environment& environment) {
+  errno = 0;
+  environment.out << text << std::flush;
+  if (environment.out) return true;
+  if (errno != EPIPE) environment.err << "The result could not be written to the output: is the disk full?\n";
+  return false;
+}
+
+ExitCode Report(const Outcome& outcome, bool json, Environment& environment) {
+  if (outcome) {
+    const std::string text = json ? JsonText(outcome->document) : outcome->text;
+    return WriteOut(text, environment) ? ExitCode::Done : ExitCode::Failed;
+  }
+  environment.err << outcome.error().Text() << std::flush;
+  if (json) (void)WriteOut(JsonText(outcome.error()), environment);
+  return outcome.error().exit;
+}
+
+}  // namespace
+
+ExitCode RunKvTele(const std::vector<std::string>& arguments, Environment& environment) {
+  CommandLine line;
+  const auto parsed = line.Parse(arguments);
+  if (!parsed) return Report(std::unexpected(parsed.error()), WantsJson(arguments), environment);
+  if (!parsed->verb) return WriteOut(parsed->help, environment) ? ExitCode::Done : ExitCode::Failed;
+  return Report(parsed->verb->Run(environment, line.Common()), line.Common().json, environment);
+}
+
+}  // namespace kv::cli

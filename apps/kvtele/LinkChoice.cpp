@@ -1,0 +1,84 @@
+#include "apps/kvtele/LinkChoice.h"
+
+#include <chrono>
+#include <system_error>
+
+#include "KvCmDrv1/LinkText.h"
+#include "KvCmDrv1/SettingsFile.h"
+#include "apps/support/SimulatedControllers.h"
+#include "base/PathText.h"
+#include "base/ProgramPaths.h"
+#include "models/ModelCatalogue.h"
+#include "sessions/SessionManager.h"
+
+namespace kv::cli {
+
+namespace {
+
+using Chosen = std::expected<LinkChoice, Failure>;
+
+Failure NoSession(const std::string& name, const std::filesystem::path& folder) {
+  Failure failure = UsageFailure("there is no session \"" + name + "\"",
+                                 "name another with --session, the program folder with --home, or a link with --link");
+  failure.doing = "looking for " + Utf8FromPath(folder);
+  return failure;
+}
+
+// The session's folder; it must be there when its settings are needed, or when the user named it.
+Chosen FindSession(const Environment& environment, const CommonOptions& common) {
+  if (const std::string fault = SessionNameFault(common.session); !fault.empty())
+    return std::unexpected(UsageFailure(fault));
+  const ProgramPaths paths(common.home.empty() ? environment.home : PathFromUtf8(common.home));
+  LinkChoice choice;
+  choice.sessionFolder = paths.Session(common.session);
+  const bool isNeeded = common.link.empty() || common.isSessionNamed;
+  std::error_code ignored;
+  if (isNeeded && !std::filesystem::is_directory(choice.sessionFolder, ignored)) {
+    return std::unexpected(NoSession(common.session, choice.sessionFolder));
+  }
+  return choice;
+}
+
+Chosen WithLink(LinkChoice choice, const std::string& text) {
+  if (text.empty()) {
+    LoadedSettings loaded = LoadSettings(choice.sessionFolder, LinkSettings());
+    choice.settings = std::move(loaded.settings);
+    choice.complaints = std::move(loaded.complaints);
+    return choice;
+  }
+  const auto settings = ParseLink(text);
+  if (!settings) return std::unexpected(UsageFailure("--link: " + settings.error()));
+  choice.settings = *settings;
+  return choice;
+}
+
+void ApplyOptions(LinkSettings& settings, const CommonOptions& common) {
+  if (common.unit) settings.unit = static_cast<std::uint8_t>(*common.unit);
+  if (common.timeOut) settings.timeOut = std::chrono::milliseconds(*common.timeOut);
+  if (common.retries) settings.tries = *common.retries + 1;
+}
+
+bool IsSimulatedModelMissing(const LinkSettings& settings) {
+  return settings.transport == Transport::Simulated && ReportedModelOfSimulated(settings.model).empty();
+}
+
+}  // namespace
+
+Chosen ChooseLink(const Environment& environment, const CommonOptions& common) {
+  Chosen choice = FindSession(environment, common);
+  if (choice) choice = WithLink(std::move(*choice), common.link);
+  if (!choice) return choice;
+  ApplyOptions(choice->settings, common);
+  if (!IsSimulatedModelMissing(choice->settings)) return choice;
+  return std::unexpected(UsageFailure("there is no simulated controller \"" + choice->settings.model + "\"",
+                                      "use one of " + SimulatedModelNames()));
+}
+
+std::string ModelKnownBeforehand(const Environment& environment, const CommonOptions& common) {
+  if (!common.model.empty()) return common.model;
+  const auto choice = ChooseLink(environment, common);
+  if (!choice || choice->settings.transport != Transport::Simulated) return {};
+  return ModelOfIdentification(ReportedModelOfSimulated(choice->settings.model));
+}
+
+}  // namespace kv::cli

@@ -1,0 +1,106 @@
+#include "apps/kvtele/OperandLink.h"
+
+#include <iterator>
+
+#include "apps/kvtele/LinkChoice.h"
+#include "apps/kvtele/Progress.h"
+#include "dataview/OsSupport.h"
+#include "dataview/RegionTransfer.h"
+
+namespace kv::cli {
+
+using mdlDataTypesView::AreRegionsSupported;
+using mdlDataTypesView::kRegionsNotSupportedMessage;
+
+namespace {
+
+// Code 07 of a refusal: the controller wants its password first.
+constexpr int kRefusedWithoutPassword = 7;
+
+std::size_t CountOf(const Region& region) {
+  return static_cast<std::size_t>(region.Count());
+}
+
+// The operands of `region` before the piece that was not written any more; empty when nothing was.
+std::string WrittenBefore(const Region& region, const Region& piece) {
+  if (piece.from == region.from) return "nothing was written";
+  return RegionText({region.from, piece.from - 1, region.type}) + " had been written before";
+}
+
+Failure WriteFailure(const LinkError& error, const Region& region, const Region& piece) {
+  Failure failure = LinkFailure(error, true);
+  failure.happened += "; " + WrittenBefore(region, piece);
+  if (error.controllerCode == kRefusedWithoutPassword) {
+    failure.code = kPasswordNeeded;
+    failure.cure = "give the controller's password with --password";
+  }
+  return failure;
+}
+
+std::expected<void, Failure> CheckFitsController(Connection& connection, const Region& region) {
+  const std::string doing = "using " + RegionText(region);
+  const auto info = connection.Link().GetControllerInfo(connection.Unit());
+  if (!info) return std::unexpected(connection.LastFailure());
+  if (info->state == 'B') {
+    return std::unexpected(NotFitFailure(doing, "the controller is running its boot loader",
+                                         "it has no O/S, or was sent into its boot loader",
+                                         "reset it, or replace its O/S"));
+  }
+  if (const auto fits = CheckFitsModel(region, connection.Model()); !fits) return fits;
+  if (AreRegionsSupported(connection.Model(), connection.Version().osVersion, {&region, 1})) return {};
+  return std::unexpected(NotFitFailure(doing, std::string(kRegionsNotSupportedMessage),
+                                       "the O/S \"" + connection.Version().osVersion + "\" is an older one",
+                                       "use lower addresses, or replace the O/S"));
+}
+
+}  // namespace
+
+std::expected<std::unique_ptr<Connection>, Failure> ConnectFor(Environment& environment, const CommonOptions& common,
+                                                               const Region& region) {
+  if (const std::string model = ModelKnownBeforehand(environment, common); !model.empty()) {
+    if (const auto fits = CheckFitsModel(region, model); !fits) return std::unexpected(fits.error());
+  }
+  auto connection = Connection::Open(environment, common);
+  if (!connection) return connection;
+  if (const auto fits = CheckFitsController(**connection, region); !fits) return std::unexpected(fits.error());
+  return connection;
+}
+
+std::expected<std::vector<std::string>, Failure> ReadOperands(Environment& environment, Connection& connection,
+                                                              const Region& region) {
+  const std::string doing = "reading " + RegionText(region);
+  const std::vector<Region> pieces = SplitIntoRequests(region);
+  Progress progress(environment, doing, CountOf(region));
+  std::vector<std::string> texts;
+  for (const Region& piece : pieces) {
+    if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure(doing));
+    auto read = mdlDataTypesView::ReadRegion(connection.Link(), connection.Model(), piece);
+    if (!read) return std::unexpected(LinkFailure(read.error(), true));
+    if (read->size() != CountOf(piece)) {
+      return std::unexpected(NotFitFailure(doing, "the controller has no such operands", {}, "choose another type"));
+    }
+    texts.insert(texts.end(), std::make_move_iterator(read->begin()), std::make_move_iterator(read->end()));
+    progress.Show(texts.size());
+  }
+  return texts;
+}
+
+std::expected<void, Failure> WriteOperands(Environment& environment, Connection& connection, const Region& region,
+                                           std::span<const std::string> texts) {
+  const std::string doing = "writing " + RegionText(region);
+  Progress progress(environment, doing, CountOf(region));
+  std::size_t done = 0;
+  for (const Region& piece : SplitIntoRequests(region)) {
+    if (environment.pacer.StopRequested()) {
+      return std::unexpected(InterruptedFailure(doing + " (" + WrittenBefore(region, piece) + ")"));
+    }
+    const auto values = texts.subspan(done, CountOf(piece));
+    const auto written = mdlDataTypesView::WriteRegion(connection.Link(), connection.Model(), piece, values);
+    if (!written) return std::unexpected(WriteFailure(written.error(), region, piece));
+    done += values.size();
+    progress.Show(done);
+  }
+  return {};
+}
+
+}  // namespace kv::cli

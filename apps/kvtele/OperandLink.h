@@ -1,0 +1,35 @@
+#pragma once
+
+#include <expected>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/Environment.h"
+#include "apps/kvtele/Operands.h"
+
+// Operands of a connected controller, as many as one likes: a request carries up to MaxOperandsPerRequest.
+namespace kv::cli {
+
+// Reaches the controller and makes sure that it has these operands as it is now: it is no boot loader, its model has
+// them, and its O/S is new enough. Where the options name the model, operands that it does not have are refused before
+// anything is sent.
+[[nodiscard]] std::expected<std::unique_ptr<Connection>, Failure> ConnectFor(Environment& environment,
+                                                                             const CommonOptions& common,
+                                                                             const Region& region);
+
+// All raw value texts in address order, or none: half an answer would be taken for a whole one.
+[[nodiscard]] std::expected<std::vector<std::string>, Failure> ReadOperands(Environment& environment,
+                                                                            Connection& connection,
+                                                                            const Region& region);
+
+// Writes one text an operand. A failure says which operands have been written before it; its code is kPasswordNeeded
+// when the controller wants its password first.
+inline constexpr std::string_view kPasswordNeeded = "passwordNeeded";
+[[nodiscard]] std::expected<void, Failure> WriteOperands(Environment& environment, Connection& connection,
+                                                         const Region& region, std::span<const std::string> texts);
+
+}  // namespace kv::cli

@@ -1,0 +1,140 @@
+#include "apps/kvtele/Operands.h"
+
+#include <algorithm>
+#include <span>
+
+#include "base/Numbers.h"
+#include "dataview/OperandCatalogue.h"
+#include "models/ModelCatalogue.h"
+
+namespace kv::cli {
+
+using namespace mdlDataTypesView;
+
+namespace {
+
+std::string UpperCase(std::string text) {
+  for (char& c : text) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return text;
+}
+
+std::string LowerCase(std::string text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
+}
+
+std::string AllTypeNames() {
+  std::string names;
+  for (std::int32_t code = 1; code <= kOperandTypeCount; ++code) {
+    names += (code == 1 ? "" : ", ") + std::string(TypeName(OperandTypeCode{code}));
+  }
+  return names;
+}
+
+std::int32_t LargestCountOfAnyModel(OperandTypeCode type) {
+  std::int32_t largest = 0;
+  for (const std::string_view model : SelectableModels()) largest = std::max(largest, OperandCount(type, model));
+  return largest;
+}
+
+// The catalogue writes "16 BIT"; the command line takes the number alone.
+std::string SizeOption(SizeCode size) {
+  const std::string_view name = SizeName(size);
+  return std::string(name.substr(0, name.find(' ')));
+}
+
+std::string OfferText(OperandTypeCode type) {
+  std::string text;
+  for (const SizeCode size : SizesOffered(type)) {
+    text += (text.empty() ? "" : "; ") + std::string("--size ") + SizeOption(size) + " --format";
+    std::string separator = " ";
+    for (const FormatCode format : FormatsOffered(size)) {
+      text += separator + LowerCase(std::string(FormatName(format)));
+      separator = "|";
+    }
+  }
+  return text;
+}
+
+Failure PastTheEnd(const Region& region, std::int32_t count, const std::string& who) {
+  const std::string name(TypeName(region.type));
+  const std::string doing = "using " + RegionText(region);
+  if (count == 0) {
+    return NotFitFailure(doing, who + " has no " + name + " operands", {}, "choose a type that the controller has");
+  }
+  return NotFitFailure(doing, "there is no " + name + " " + std::to_string(region.to) + " on " + who, {},
+                       "use addresses from 0 to " + std::to_string(count - 1));
+}
+
+std::optional<std::int32_t> ParseAddress(const std::string& text) {
+  const auto number = ParseInteger(text);
+  if (!number || *number < 0 || *number > INT32_MAX) return std::nullopt;
+  return static_cast<std::int32_t>(*number);
+}
+
+}  // namespace
+
+std::expected<OperandTypeCode, Failure> ParseType(const std::string& name) {
+  const auto type = TypeFromName(UpperCase(name));
+  if (type) return *type;
+  return std::unexpected(UsageFailure("there is no operand type \"" + name + "\"",
+                                      "use one of " + AllTypeNames() + "; a minus may stand for the blank"));
+}
+
+std::expected<Region, Failure> ParseRegion(OperandTypeCode type, const std::string& from, const std::string& to) {
+  const auto first = ParseAddress(from);
+  const auto last = ParseAddress(to);
+  if (!first || !last) {
+    return std::unexpected(
+        UsageFailure("\"" + (first ? to : from) + "\" is no operand address", "use whole numbers from 0"));
+  }
+  if (*last < *first) {
+    return std::unexpected(
+        UsageFailure("the range " + from + " to " + to + " runs backwards", "name the lower address first"));
+  }
+  const Region region{*first, *last, type};
+  const std::int32_t largest = LargestCountOfAnyModel(type);
+  if (region.to >= largest) return std::unexpected(PastTheEnd(region, largest, "any model"));
+  return region;
+}
+
+std::expected<std::optional<View>, Failure> ParseView(OperandTypeCode type, const std::string& size,
+                                                      const std::string& format) {
+  if (size.empty() && format.empty()) return std::nullopt;
+  for (const SizeCode eachSize : SizesOffered(type)) {
+    if (SizeOption(eachSize) != size) continue;
+    for (const FormatCode eachFormat : FormatsOffered(eachSize)) {
+      if (FormatName(eachFormat) == UpperCase(format)) return View{eachSize, eachFormat};
+    }
+  }
+  std::string happened = "size \"" + size + "\" with format \"" + format + "\" is not offered for ";
+  if (size.empty() || format.empty()) happened = "--size and --format belong together for ";
+  return std::unexpected(UsageFailure(happened.append(TypeName(type)), "use " + OfferText(type)));
+}
+
+std::expected<void, Failure> CheckFitsModel(const Region& region, std::string_view model) {
+  const std::int32_t count = OperandCount(region.type, model);
+  if (region.to < count) return {};
+  return std::unexpected(PastTheEnd(region, count, std::string(model)));
+}
+
+std::vector<Region> SplitIntoRequests(const Region& region) {
+  const std::int32_t most = MaxOperandsPerRequest(region.type);
+  std::vector<Region> pieces;
+  for (std::int32_t from = region.from; from <= region.to; from += most) {
+    pieces.push_back({from, std::min(region.to, from + most - 1), region.type});
+  }
+  return pieces;
+}
+
+std::string RegionText(const Region& region) {
+  std::string text = std::string(TypeName(region.type)) + " " + std::to_string(region.from);
+  if (region.to != region.from) text += ".." + std::to_string(region.to);
+  return text;
+}
+
+}  // namespace kv::cli

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apps/kvtele/Failure.h"
+#include "dataview/OperandTypes.h"
+
+// What the command line knows of operands beyond the catalogue: how they are named there, and which of them there is a
+// reason to ask a controller for.
+namespace kv::cli {
+
+using mdlDataTypesView::FormatCode;
+using mdlDataTypesView::OperandTypeCode;
+using mdlDataTypesView::Region;
+using mdlDataTypesView::SizeCode;
+
+// A size with a format, as --size and --format name them.
+struct View {
+  SizeCode size = SizeCode::Bit8;
+  FormatCode format = FormatCode::Hex;
+};
+
+// The type with this name, in either case; a minus may stand for the blank.
+[[nodiscard]] std::expected<OperandTypeCode, Failure> ParseType(const std::string& name);
+
+// The operands `from` to `to` as typed. Refused: what is no number, `to` before `from`, and what no model at all has.
+[[nodiscard]] std::expected<Region, Failure> ParseRegion(OperandTypeCode type, const std::string& from,
+                                                         const std::string& to);
+
+// The view that the two options ask for; nothing when both are empty. Refused when the catalogue does not offer the
+// pair for the type.
+[[nodiscard]] std::expected<std::optional<View>, Failure> ParseView(OperandTypeCode type, const std::string& size,
+                                                                    const std::string& format);
+
+// Whether the model has all operands of the region, so that nothing is sent that the controller must refuse.
+[[nodiscard]] std::expected<void, Failure> CheckFitsModel(const Region& region, std::string_view model);
+
+// The region in pieces that one request each can carry, in address order.
+[[nodiscard]] std::vector<Region> SplitIntoRequests(const Region& region);
+
+// "MI 0..59", "MI 5".
+[[nodiscard]] std::string RegionText(const Region& region);
+
+}  // namespace kv::cli

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "apps/kvtele/CommonOptions.h"
+#include "apps/kvtele/Environment.h"
+#include "desktop/console/ConsolePrompts.h"
+
+namespace kv::cli {
+
+// The prompts of a command: answered from --yes and --password, else by the user.
+[[nodiscard]] inline ConsolePrompts PromptsFor(Environment& environment, const CommonOptions& common) {
+  ConsoleAnswers answers;
+  answers.yes = common.yes;
+  answers.password = common.password;
+  return {std::move(answers), environment.err, environment.input};
+}
+
+}  // namespace kv::cli

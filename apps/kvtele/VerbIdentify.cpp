@@ -1,0 +1,95 @@
+#include "apps/kvtele/VerbIdentify.h"
+
+#include <array>
+#include <string_view>
+
+#include "apps/kvtele/Connection.h"
+#include "base/AnsiText.h"
+
+namespace kv::cli {
+
+namespace {
+
+constexpr char kBootLoader = 'B';
+
+std::string_view StateText(char state) {
+  switch (state) {
+    case 'R':
+      return "running";
+    case 'S':
+      return "stopped";
+    case kBootLoader:
+      return "boot loader";
+    case 'L':
+      return "loading";
+    default:
+      return "unknown";
+  }
+}
+
+nlohmann::ordered_json DocumentOf(const Connection& connection, const Channel::ControllerInfo& info) {
+  const VersionInfo& version = connection.Version();
+  return {{"model", version.model},
+          {"hostModel", connection.Model()},
+          {"hardwareCode", version.hardwareCode},
+          {"os", version.osVersion},
+          {"build", version.osBuild},
+          {"unit", connection.Unit()},
+          {"link", connection.Description()},
+          {"serialNumber", info.serialNumber},
+          {"state", StateText(info.state)},
+          {"bootLoader", info.state == kBootLoader},
+          {"project", AnsiToUtf8(info.projectName)}};
+}
+
+struct Line {
+  std::string_view label;  // padded to one width
+  std::string_view key;    // of the document
+};
+
+// clang-format off
+constexpr std::array kLines = {
+    Line{"model          ", "model"},
+    Line{"host model     ", "hostModel"},
+    Line{"hardware code  ", "hardwareCode"},
+    Line{"O/S            ", "os"},
+    Line{"build          ", "build"},
+    Line{"unit           ", "unit"},
+    Line{"link           ", "link"},
+    Line{"serial number  ", "serialNumber"},
+    Line{"state          ", "state"},
+    Line{"project        ", "project"},
+};
+// clang-format on
+
+std::string TextOf(const nlohmann::ordered_json& document) {
+  std::string text;
+  for (const Line& line : kLines) {
+    const auto& value = document.at(std::string(line.key));
+    std::string shown = value.is_string() ? value.get<std::string>() : value.dump();
+    if (shown.empty()) shown = "-";
+    text.append(line.label).append(shown).append("\n");
+  }
+  return text;
+}
+
+}  // namespace
+
+const char* VerbIdentify::Examples() const {
+  return "  kvtele --link sim:K670 identify                a simulated controller with a colour screen\n"
+         "  kvtele --link tcp:192.168.1.20 identify        over the network, port 20300\n"
+         "  kvtele --link serial:COM3,57600 identify       over a serial line\n"
+         "  kvtele --link sim:Q50 identify --json          for a script\n";
+}
+
+Outcome VerbIdentify::Run(Environment& environment, const CommonOptions& common) {
+  const auto connection = Connection::Open(environment, common);
+  if (!connection) return std::unexpected(connection.error());
+  Connection& controller = **connection;
+  const auto info = controller.Link().GetControllerInfo(controller.Unit());
+  if (!info) return std::unexpected(controller.LastFailure());
+  const auto document = DocumentOf(controller, *info);
+  return Answer{TextOf(document), document};
+}
+
+}  // namespace kv::cli

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "apps/kvtele/Verb.h"
+
+namespace kv::cli {
+
+// Goes through what On Line does in the window, up to where the panel would be shown, and tells the result.
+class VerbOnline : public Verb {
+ public:
+  [[nodiscard]] const char* Name() const override { return "online"; }
+  [[nodiscard]] const char* Summary() const override { return "Tell whether Telepanel can go on line, and with what"; }
+  [[nodiscard]] const char* Examples() const override;
+  void Declare(CLI::App&) override {}
+  [[nodiscard]] Outcome Run(Environment& environment, const CommonOptions& common) override;
+};
+
+}  // namespace kv::cli

@@ -1,0 +1,75 @@
+#include "apps/kvtele/VerbSessions.h"
+
+#include <CLI/Option.hpp>
+#include <CLI/Validators.hpp>
+#include <algorithm>
+
+#include "apps/kvtele/NotedPrompts.h"
+#include "apps/kvtele/ProgramFolder.h"
+#include "sessions/SessionManager.h"
+
+namespace kv::cli {
+
+namespace {
+
+Failure SessionFailure(std::string doing, std::string happened, std::string cure) {
+  return {ExitCode::Failed, "failed", std::move(doing), std::move(happened), {}, std::move(cure)};
+}
+
+Outcome List(const SessionManager& sessions) {
+  Answer answer;
+  answer.document["sessions"] = sessions.List();
+  for (const std::string& name : sessions.List()) answer.text += name + "\n";
+  return answer;
+}
+
+// The session that --session names is the one that is copied. Which session a running window works in is its own
+// affair, so its mark stays as it is.
+Outcome Create(const SessionManager& sessions, const std::string& name) {
+  if (const std::string fault = SessionNameFault(name); !fault.empty()) return std::unexpected(UsageFailure(fault));
+  const auto copied = sessions.CopyCurrent(name);
+  if (!copied) return std::unexpected(SessionFailure("creating session \"" + name + "\"", copied.error(), {}));
+  return Answer{"", {{"created", name}}};
+}
+
+Outcome Delete(SessionManager& sessions, const NotedPrompts& prompts, const std::string& name) {
+  const auto names = sessions.List();
+  if (std::ranges::find(names, name) == names.end()) {
+    return std::unexpected(UsageFailure("there is no session \"" + name + "\"", "see kvtele sessions list"));
+  }
+  if (sessions.Delete(name)) return Answer{"", {{"deleted", name}}};
+  const std::string doing = "deleting session \"" + name + "\"";
+  if (!prompts.Said().empty()) return std::unexpected(SessionFailure(doing, prompts.Said(), {}));
+  return std::unexpected(SessionFailure(doing, "it is in use, or holds a file that must not be written to",
+                                        "activate another session in the window that uses it, then delete it"));
+}
+
+}  // namespace
+
+const char* VerbSessions::Examples() const {
+  return "  kvtele sessions list                           one name a line\n"
+         "  kvtele sessions create Plant2                  a copy of session Default\n"
+         "  kvtele --session Plant2 sessions create Plant3 a copy of Plant2\n"
+         "  kvtele sessions delete Plant3\n";
+}
+
+void VerbSessions::Declare(CLI::App& app) {
+  app.add_option("ACTION", mAction, "list, create or delete")->required()->check(CLI::IsMember({"list", "create", "delete"}));
+  app.add_option("NAME", mName, "The session to create or delete");
+}
+
+Outcome VerbSessions::Run(Environment& environment, const CommonOptions& common) {
+  if (mName.empty() != (mAction == "list")) {
+    return std::unexpected(UsageFailure(mAction == "list" ? "list takes no name" : mAction + " needs the session's name",
+                                        "see kvtele sessions --help"));
+  }
+  SharedState shared(PathsOf(environment, common));
+  shared.CurrentSession = common.session;
+  NotedPrompts prompts;
+  SessionManager sessions(shared, prompts);
+  if (mAction == "create") return Create(sessions, mName);
+  if (mAction == "delete") return Delete(sessions, prompts, mName);
+  return List(sessions);
+}
+
+}  // namespace kv::cli

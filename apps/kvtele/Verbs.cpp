@@ -1,0 +1,18 @@
+#include "apps/kvtele/Verb.h"
+#include "apps/kvtele/VerbIdentify.h"
+#include "apps/kvtele/VerbPorts.h"
+#include "apps/kvtele/VerbRead.h"
+#include "apps/kvtele/VerbWrite.h"
+
+namespace kv::cli {
+
+std::vector<std::unique_ptr<Verb>> MakeVerbs() {
+  std::vector<std::unique_ptr<Verb>> verbs;
+  verbs.push_back(std::make_unique<VerbIdentify>());
+  verbs.push_back(std::make_unique<VerbRead>());
+  verbs.push_back(std::make_unique<VerbWrite>());
+  verbs.push_back(std::make_unique<VerbPorts>());
+  return verbs;
+}
+
+}  // namespace kv::cli
