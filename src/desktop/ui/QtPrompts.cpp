@@ -1,0 +1,154 @@
+#include "desktop/ui/QtPrompts.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <array>
+
+#include "base/ScopeGuard.h"
+
+namespace kv {
+
+namespace {
+
+struct Button {
+  PromptAnswer answer;
+  QMessageBox::StandardButton standard;
+  const char* name;
+};
+
+constexpr auto kButtons = std::to_array<Button>({
+    {PromptAnswer::Ok, QMessageBox::Ok, "cmdOk"},
+    {PromptAnswer::Yes, QMessageBox::Yes, "cmdYes"},
+    {PromptAnswer::No, QMessageBox::No, "cmdNo"},
+    {PromptAnswer::Cancel, QMessageBox::Cancel, "cmdCancel"},
+});
+
+QMessageBox::Icon BoxIcon(PromptIcon icon) {
+  switch (icon) {
+    case PromptIcon::None:
+      return QMessageBox::NoIcon;
+    case PromptIcon::Information:
+      return QMessageBox::Information;
+    case PromptIcon::Exclamation:
+      return QMessageBox::Warning;
+    case PromptIcon::Question:
+      return QMessageBox::Question;
+    case PromptIcon::Critical:
+      return QMessageBox::Critical;
+  }
+  return QMessageBox::NoIcon;
+}
+
+QString FromText(const std::string& text) {
+  return QString::fromStdString(text).replace("\r\n", "\n");
+}
+
+QWidget* Owner() {
+  QWidget* modal = QApplication::activeModalWidget();
+  return modal ? modal : QApplication::activeWindow();
+}
+
+// Runs a dialog with the ordinary pointer, whatever the operation behind it shows.
+int Run(QDialog& dialog) {
+  const bool isBusy = QGuiApplication::overrideCursor() != nullptr;
+  if (isBusy) QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
+  const ScopeGuard restore([&] {
+    if (isBusy) QGuiApplication::restoreOverrideCursor();
+  });
+  return dialog.exec();
+}
+
+// "Description|*.ext;*.ext2|..." as the toolkit writes it: "Description (*.ext *.ext2)". A description that names the
+// patterns itself does not name them twice.
+QStringList NameFilters(const std::string& filter) {
+  const QStringList fields = QString::fromStdString(filter).split('|');
+  QStringList filters;
+  for (qsizetype i = 0; i + 1 < fields.size(); i += 2) {
+    QString description = fields[i];
+    if (description.endsWith(')')) description.truncate(description.lastIndexOf('('));
+    const QString patterns = QString(fields[i + 1]).replace(';', ' ');
+    filters << description.trimmed() + " (" + patterns + ")";
+  }
+  return filters;
+}
+
+// The extension of the filter's first pattern: "kdf" of "Clone files|*.kdf".
+QString DefaultSuffix(const std::string& filter) {
+  const QString pattern = QString::fromStdString(filter).section('|', 1, 1).section(';', 0, 0);
+  const QString suffix = pattern.section('.', -1);
+  return pattern.contains('.') && !suffix.contains('*') ? suffix : QString();
+}
+
+std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::AcceptMode mode) {
+  QFileDialog dialog(Owner(), QString::fromStdString(asked.title), QString::fromStdString(asked.folder));
+  dialog.setObjectName("FileDialog");
+  dialog.setAcceptMode(mode);
+  dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+  dialog.setNameFilters(NameFilters(asked.filter));
+  if (mode == QFileDialog::AcceptSave) dialog.setDefaultSuffix(DefaultSuffix(asked.filter));
+  if (!asked.initial.empty()) dialog.selectFile(QString::fromStdString(asked.initial));
+  if (Run(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  return dialog.selectedFiles().first().toStdString();
+}
+
+}  // namespace
+
+PromptAnswer QtPrompts::Show(const MessageBox& box) {
+  QMessageBox shown(BoxIcon(box.icon), QString::fromStdString(box.title), FromText(box.text), QMessageBox::NoButton,
+                    Owner());
+  shown.setObjectName("MessageBox");
+  shown.setTextFormat(Qt::PlainText);
+  shown.setTextInteractionFlags(Qt::TextSelectableByMouse);
+  for (const Button& button : kButtons) {
+    if (!HasButton(box.buttons, button.answer)) continue;
+    shown.addButton(button.standard)->setObjectName(button.name);
+    if (button.answer == LeastCommitting(box.buttons)) shown.setEscapeButton(button.standard);
+    if (button.answer == Consent(box.buttons)) shown.setDefaultButton(button.standard);
+  }
+  const int pressed = Run(shown);
+  for (const Button& button : kButtons) {
+    if (button.standard == pressed) return button.answer;
+  }
+  return LeastCommitting(box.buttons);
+}
+
+std::optional<std::string> QtPrompts::Ask(const InputBox& box) {
+  QDialog dialog(Owner());
+  dialog.setObjectName("InputBox");
+  dialog.setWindowTitle(QString::fromStdString(box.title));
+  auto* label = new QLabel(FromText(box.text));
+  label->setTextFormat(Qt::PlainText);
+  auto* input = new QLineEdit(QString::fromStdString(box.initial));
+  input->setObjectName("txtInput");
+  input->setAccessibleName(label->text());
+  input->setEchoMode(box.secret ? QLineEdit::Password : QLineEdit::Normal);
+  input->selectAll();
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+  buttons->button(QDialogButtonBox::Ok)->setObjectName("cmdOk");
+  buttons->button(QDialogButtonBox::Cancel)->setObjectName("cmdCancel");
+  QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+  QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+  auto* page = new QVBoxLayout(&dialog);
+  page->addWidget(label);
+  page->addWidget(input);
+  page->addWidget(buttons);
+  if (Run(dialog) != QDialog::Accepted) return std::nullopt;
+  return input->text().toStdString();
+}
+
+std::optional<std::string> QtPrompts::OpenFile(const FileDialog& dialog) {
+  return ChooseFile(dialog, QFileDialog::AcceptOpen);
+}
+
+std::optional<std::string> QtPrompts::SaveFile(const FileDialog& dialog) {
+  return ChooseFile(dialog, QFileDialog::AcceptSave);
+}
+
+}  // namespace kv

@@ -1,0 +1,77 @@
+#include "desktop/ui/WindowGeometry.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QSplitter>
+#include <string>
+
+#include "base/ProfileStrings.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::size_t kLongestState = 8192;  // of a table header of a few hundred columns
+
+class PlaceKeeper final : public QObject {
+ public:
+  PlaceKeeper(QWidget& window, std::filesystem::path file) : QObject(&window), mWindow(window), mFile(std::move(file)) {
+    mWindow.installEventFilter(this);
+  }
+
+  void Restore() {
+    mWindow.restoreGeometry(Read("Place"));
+    for (QSplitter* splitter : mWindow.findChildren<QSplitter*>()) splitter->restoreState(Read(KeyOf(*splitter)));
+    for (QHeaderView* header : mWindow.findChildren<QHeaderView*>()) header->restoreState(Read(KeyOf(*header)));
+  }
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::Hide && !event->spontaneous()) Save();
+    return false;
+  }
+
+ private:
+  void Save() {
+    Write("Place", mWindow.saveGeometry());
+    for (const QSplitter* splitter : mWindow.findChildren<QSplitter*>()) Write(KeyOf(*splitter), splitter->saveState());
+    for (const QHeaderView* header : mWindow.findChildren<QHeaderView*>()) Write(KeyOf(*header), header->saveState());
+  }
+
+  // Empty for one that is not remembered. A header has no name of its own but its table has.
+  [[nodiscard]] static std::string KeyOf(const QSplitter& splitter) { return splitter.objectName().toStdString(); }
+  [[nodiscard]] static std::string KeyOf(const QHeaderView& header) {
+    const QString table = header.parent() ? header.parent()->objectName() : QString();
+    if (table.isEmpty() || header.orientation() != Qt::Horizontal) return "";
+    return (table + ".Columns").toStdString();
+  }
+
+  [[nodiscard]] QByteArray Read(const std::string& key) const {
+    if (key.empty()) return {};
+    const std::string text = ReadProfileString(mFile, Section(), key, "", kLongestState);
+    return QByteArray::fromBase64(QByteArray::fromStdString(text));
+  }
+
+  void Write(const std::string& key, const QByteArray& state) const {
+    if (key.empty()) return;
+    // A place that cannot be kept is no reason to disturb anybody.
+    (void)WriteProfileString(mFile, Section(), key, state.toBase64().toStdString());
+  }
+
+  [[nodiscard]] std::string Section() const { return mWindow.objectName().toStdString(); }
+
+  QWidget& mWindow;
+  std::filesystem::path mFile;
+};
+
+}  // namespace
+
+std::filesystem::path WindowsFile(const ProgramPaths& paths) {
+  return paths.Home() / "Windows.ini";
+}
+
+void RememberPlace(QWidget& window, const std::filesystem::path& file) {
+  (new PlaceKeeper(window, file))->Restore();
+}
+
+}  // namespace kv

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QWidget>
+#include <filesystem>
+
+#include "base/ProgramPaths.h"
+
+namespace kv {
+
+// Where windows remember their places: one file for all sessions, since a place belongs to the screen and not to
+// the installation that is served. "Windows.ini" in the program folder, one section a window.
+[[nodiscard]] std::filesystem::path WindowsFile(const ProgramPaths& paths);
+
+// Gives `window` the size and position that it had last, and the splitters and table headers inside theirs, then keeps
+// them each time the window is hidden or closed. They are known by their object names. Places that are damaged or
+// missing leave everything as it is; one outside of the screens of today is moved inside. To be called when the window
+// is built and not shown; `file` may be write-protected.
+void RememberPlace(QWidget& window, const std::filesystem::path& file);
+
+}  // namespace kv
