@@ -1,0 +1,70 @@
+#include "KvTele2/ControllerFacts.h"
+
+#include <algorithm>
+
+#include "base/AnsiText.h"
+#include "base/Numbers.h"
+#include "link/OsVersion.h"
+
+namespace kv {
+namespace {
+
+std::string OsText(const VersionInfo& version) {
+  const auto fields = ParseColourOsVersion(version.osVersion);
+  if (!fields) return AnsiToUtf8(version.osVersion);
+  return std::to_string(fields->major) + "." + std::to_string(fields->minor);
+}
+
+// The build number stands at the end of the text, which may be ended by ";".
+std::string BuildText(std::string build) {
+  std::erase(build, ';');
+  return AnsiToUtf8(build.size() > 2 ? build.substr(build.size() - 2) : build);
+}
+
+std::string StateText(char state) {
+  switch (state) {
+    case 'R':
+      return "Running";
+    case 'S':
+      return "Stopped";
+    case 'B':
+      return "Boot loader";
+    case 'L':
+      return "Loading";
+    default:
+      return "Unknown";
+  }
+}
+
+// Milliseconds with two decimals: a fast link answers in a fraction of one.
+std::string Milliseconds(Duration span) {
+  if (span <= Duration::zero()) return "";
+  const std::string hundredths = std::to_string((span.count() + 5) / 10 % 100);
+  return std::to_string((span.count() + 5) / 1000) + "." + (hundredths.size() < 2 ? "0" : "") + hundredths + " ms";
+}
+
+}  // namespace
+
+ControllerFacts FactsOf(const VersionInfo& version, int unit) {
+  ControllerFacts facts;
+  facts.model = AnsiToUtf8(version.model);
+  facts.os = OsText(version);
+  facts.build = BuildText(version.osBuild);
+  facts.unit = std::to_string(unit);
+  return facts;
+}
+
+void AddInfo(ControllerFacts& facts, const Channel::ControllerInfo& info) {
+  facts.state = StateText(info.state);
+  facts.project = AnsiToUtf8(info.projectName);
+  facts.serialNumber = ToHex(info.serialNumber, 8);
+}
+
+LinkFacts FactsOf(const LinkQuality& quality) {
+  return {.roundTrip = Milliseconds(quality.roundTrip),
+          .exchanges = std::to_string(quality.exchanges),
+          .repeats = std::to_string(quality.repeats),
+          .errors = std::to_string(quality.errors)};
+}
+
+}  // namespace kv

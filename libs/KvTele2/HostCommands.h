@@ -1,0 +1,43 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace kv {
+
+// One command of the main window: a tool's id, or one of the host's own, which begin with "HOST_".
+struct HostCommand {
+  std::string_view id;
+  std::string_view text;      // with "&" before the mnemonic
+  std::string_view icon;      // of the set in desktop/ui
+  std::string_view shortcut;  // "Ctrl+O"; empty: none
+  std::string_view tip;       // what it does, for tooltip and status bar
+  bool isInToolBar = false;
+};
+
+// One menu: its title with a mnemonic, and its commands; a command without an id separates.
+struct HostMenu {
+  std::string_view title;
+  std::span<const HostCommand> commands;
+};
+
+[[nodiscard]] std::span<const HostMenu> HostMenus();
+
+namespace command {
+// Places of the menus that the window fills itself.
+inline constexpr std::string_view kModel = "ID_OPLC_Model";           // one entry a model
+inline constexpr std::string_view kRecentPages = "HOST_RecentPages";  // one entry a file
+
+inline constexpr std::string_view kOnLine = "ID_OnLine";
+inline constexpr std::string_view kComParams = "ID_ComParams";
+inline constexpr std::string_view kExit = "ID_Exit";
+inline constexpr std::string_view kEscape = "Escape";  // in no menu: the Escape key
+inline constexpr std::string_view kLogOff = "ID_LogOff";
+inline constexpr std::string_view kOffLine = "HOST_OffLine";
+inline constexpr std::string_view kSavePages = "HOST_SavePages";
+inline constexpr std::string_view kClosePages = "HOST_ClosePages";
+inline constexpr std::string_view kCopyLog = "HOST_CopyLog";
+inline constexpr std::string_view kClearLog = "HOST_ClearLog";
+}  // namespace command
+
+}  // namespace kv

@@ -1,0 +1,46 @@
+#include "KvTele2/HostSettings.h"
+
+#include <system_error>
+
+#include "base/AnsiText.h"
+#include "base/ProfileStrings.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view kSection = "KvTele2";
+
+std::string RecentKey(std::size_t index) {
+  return "RecentPages" + std::to_string(index);
+}
+
+}  // namespace
+
+std::string HostSettings::Read(std::string_view key) const {
+  return AnsiToUtf8(ReadProfileString(mFile, kSection, key, ""));
+}
+
+bool HostSettings::Write(std::string_view key, std::string_view value) const {
+  std::error_code ignored;
+  if (!std::filesystem::is_directory(mFile.parent_path(), ignored)) return false;
+  return WriteProfileString(mFile, kSection, key, Utf8ToAnsi(value));
+}
+
+std::vector<std::string> HostSettings::ReadRecentPages() const {
+  std::vector<std::string> pages;
+  for (std::size_t i = 0; i < kMostRecentPages; ++i) {
+    if (std::string path = Read(RecentKey(i)); !path.empty()) pages.push_back(std::move(path));
+  }
+  return pages;
+}
+
+std::vector<std::string> HostSettings::AddRecentPages(const std::string& path) const {
+  std::vector<std::string> pages = ReadRecentPages();
+  std::erase(pages, path);
+  pages.insert(pages.begin(), path);
+  if (pages.size() > kMostRecentPages) pages.pop_back();
+  for (std::size_t i = 0; i < pages.size(); ++i) Write(RecentKey(i), pages[i]);
+  return pages;
+}
+
+}  // namespace kv

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kv {
+
+// The host's own settings in a session's folder: "KvTele2.ini", section "KvTele2". Texts are UTF-8.
+class HostSettings {
+ public:
+  static constexpr std::size_t kMostRecentPages = 10;
+
+  explicit HostSettings(std::filesystem::path folder) : mFile(std::move(folder) / "KvTele2.ini") {}
+
+  [[nodiscard]] std::string Read(std::string_view key) const;  // empty when it is missing
+  // False when the file cannot be written, or the folder is not there: a deleted session is not made again.
+  bool Write(std::string_view key, std::string_view value) const;
+
+  // The pages files that were opened last, newest first: keys RecentPages0 to RecentPages9.
+  [[nodiscard]] std::vector<std::string> ReadRecentPages() const;
+  // Puts `path` first; returns the new list.
+  std::vector<std::string> AddRecentPages(const std::string& path) const;
+
+ private:
+  std::filesystem::path mFile;
+};
+
+}  // namespace kv

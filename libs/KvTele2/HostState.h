@@ -1,0 +1,54 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "KvTele2/ControllerFacts.h"
+#include "KvTele2/PagesFile.h"
+
+namespace kv {
+
+enum class Connection {
+  Offline,
+  Connecting,
+  Online,
+  Lost,  // was on line, and the controller has stopped answering
+};
+
+// A pages file that is open.
+struct OpenPages {
+  std::string path;
+  PagesFile content;
+};
+
+// Everything that the main window shows, but for the log. Texts are UTF-8.
+struct HostState {
+  std::string session;
+  std::string user;   // empty: nobody is logged in
+  std::string link;   // "COM3, 115200 8N1, unit 1"
+  std::string model;  // the selected one
+  std::string message;
+  std::string caption;  // of the panel session; empty: the host's own
+
+  Connection connection = Connection::Offline;
+  std::string trouble;  // why the controller could not be reached or was lost: what happened, cause and cure
+  std::optional<ControllerFacts> controller;  // on line or lost
+  std::optional<LinkFacts> quality;           // on line or lost
+
+  std::optional<OpenPages> pages;
+  std::vector<std::string> recentPages;  // newest first
+  bool isEnabled = true;                 // takes user input
+  bool isPointerBusy = false;
+};
+
+// "On line", "Connection lost".
+[[nodiscard]] std::string ConnectionText(Connection connection);
+// "Default - K220-22-R1 - Telepanel".
+[[nodiscard]] std::string WindowTitle(const HostState& state);
+// "Line2.kta: project Bakery, model K220-22-R1", or "None".
+[[nodiscard]] std::string PagesText(const HostState& state);
+// Whether the catalogue offers this model for selection.
+[[nodiscard]] bool IsOfferedModel(const std::string& model);
+
+}  // namespace kv

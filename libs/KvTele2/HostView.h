@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+#include "KvTele2/HostState.h"
+#include "KvTele2/Journal.h"
+
+namespace kv {
+
+// What the host asks of its main window.
+class HostView {
+ public:
+  enum class Wait {
+    Asked,  // the user waits for it: shown at once
+    Quiet,  // goes on behind the user's back: shown only when it lasts
+  };
+
+  virtual ~HostView() = default;
+
+  // Shows the state and the log as they now are.
+  virtual void Show(const HostState& state, const Journal& journal) = 0;
+  // Shows the window and serves the user until Quit is called.
+  virtual void Run() = 0;
+  virtual void Quit() = 0;
+  // A wait for the controller begins or ends. The user may end it with Escape or a Cancel button: the pacer's stop
+  // request. Waits are not nested.
+  virtual void BeginWait(Wait wait, const std::string& what) = 0;
+  virtual void EndWait() = 0;
+  // Another session is current: where the window stands is kept with the session.
+  virtual void SessionChanged() = 0;
+};
+
+}  // namespace kv

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <expected>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "base/AtomicFile.h"
+
+namespace kv {
+
+// A Telepanel pages file (".kta"): which project of which model its pages belong to. Lines of Windows-1252 text, each
+// ended by LF or CR LF, in this order:
+//
+//   TELEPANEL-PAGES 1
+//   project <name, 1 to 20 characters>
+//   model <a model's text>
+//   check <CRC-32 of everything before this line, 8 hexadecimal digits>
+//
+// The check makes a half-written or damaged file known as such.
+struct PagesFile {
+  std::string project;  // UTF-8
+  std::string model;    // UTF-8; one of SelectableModels()
+
+  bool operator==(const PagesFile&) const = default;
+};
+
+inline constexpr std::size_t kLongestProjectName = 20;  // characters, as a controller keeps it
+inline constexpr std::size_t kLargestPagesFile = 4096;  // bytes
+
+// What the bytes of a file say. The error names the line, counted from 1, and what was expected there.
+struct PagesFault {
+  std::size_t line = 0;
+  std::string what;
+};
+[[nodiscard]] std::expected<PagesFile, PagesFault> ParsePagesFile(std::string_view bytes);
+// The bytes of a file, with CR LF. `pages` must be one that a file can hold: see IsProjectName.
+[[nodiscard]] std::string PrintPagesFile(const PagesFile& pages);
+
+// Whether a project of this name (UTF-8) can have a pages file.
+[[nodiscard]] bool IsProjectName(std::string_view name);
+
+[[nodiscard]] std::expected<PagesFile, FileError> ReadPagesFile(const std::filesystem::path& file);
+[[nodiscard]] std::expected<void, FileError> SavePagesFile(const std::filesystem::path& file, const PagesFile& pages);
+
+}  // namespace kv

@@ -1,0 +1,193 @@
+#include "KvTele2/TelepanelHost.h"
+
+#include <chrono>
+
+#include "KvTele2/HostCommands.h"
+#include "base/PathText.h"
+#include "base/ScopeGuard.h"
+#include "models/ModelCatalogue.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view kOwnCommands = "HOST_";
+constexpr const char* kPagesFilter = "Telepanel Files (*.kta)|*.kta";
+
+std::string TwoDigits(std::int64_t number) {
+  return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+std::string TimeText(std::chrono::local_seconds time) {
+  const std::chrono::hh_mm_ss clock(time - std::chrono::floor<std::chrono::days>(time));
+  return TwoDigits(clock.hours().count()) + ":" + TwoDigits(clock.minutes().count()) + ":" +
+         TwoDigits(clock.seconds().count());
+}
+
+// A project's name as a file's name: without the characters that some platform does not take.
+std::string FileNameOf(std::string project) {
+  for (char& c : project) {
+    if (std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos) c = '-';
+  }
+  return project + ".kta";
+}
+
+}  // namespace
+
+TelepanelHost::TelepanelHost(HostView& view, HostServices services) : mView(view), mServices(std::move(services)) {}
+
+void TelepanelHost::Click(std::string_view id, const std::string& argument) {
+  if (!mState.isEnabled || mIsInTool || mIsAsking || !WhyDisabled(id).empty()) return;
+  if (id == command::kOnLine) {
+    Connect(argument);
+  } else if (id.starts_with(kOwnCommands)) {
+    ClickOwn(id, argument);
+  } else {
+    ClickTool(std::string(id), argument);
+  }
+  Show();
+}
+
+std::string TelepanelHost::WhyDisabled(std::string_view id) const {
+  if (const auto missing = mMissing.find(id); missing != mMissing.end()) return missing->second;
+  const bool isOnline = mState.connection == Connection::Online;
+  const bool isOffline = mState.connection == Connection::Offline;
+  if (id == command::kOnLine && isOnline) return "The controller is on line already.";
+  if (id == command::kOffLine && isOffline) return "No controller is on line.";
+  if (id == command::kModel && !isOffline) return "The model is the one of the controller that is on line.";
+  if (id == command::kLogOff && mState.user.empty()) return "Nobody is logged in.";
+  if (id == command::kRecentPages && mState.recentPages.empty()) return "No Telepanel file has been opened before.";
+  if (id == command::kClosePages && !mState.pages) return "No Telepanel file is open.";
+  if (id == command::kSavePages && !isOnline) return "The file is made for a controller's project: go on line first.";
+  if (id == command::kSavePages && !(mState.controller && IsProjectName(mState.controller->project))) {
+    return "The controller that is on line has no project.";
+  }
+  const bool isOfLog = id == command::kCopyLog || id == command::kClearLog;
+  if (isOfLog && mJournal.Entries().empty()) return "The log is empty.";
+  return {};
+}
+
+void TelepanelHost::ClickTool(const std::string& id, const std::string& argument) {
+  mIsInTool = true;
+  mLastMessage.clear();
+  const ScopeGuard done([this] { mIsInTool = false; });
+  if (OnToolClicked) OnToolClicked(id, argument);
+  mWatch.AskNow();  // what the tool did to the controller or to the link is seen at once
+}
+
+void TelepanelHost::ClickOwn(std::string_view id, const std::string& argument) {
+  if (id == command::kOffLine) GoOffline("Off line", "");
+  if (id == command::kRecentPages) OpenPagesFile(argument);
+  if (id == command::kSavePages) SavePages();
+  if (id == command::kClosePages) ClosePages();
+  if (id == command::kClearLog) mJournal.Clear();
+}
+
+void TelepanelHost::Show() {
+  mView.Show(mState, mJournal);
+}
+
+void TelepanelHost::Note(const std::string& text) {
+  mJournal.Add(TimeText(mServices.clock.LocalTime()), text);
+}
+
+void TelepanelHost::Warn(const std::string& text) {
+  Note(text);
+  mServices.prompts.Show({.text = text, .title = "Telepanel", .icon = PromptIcon::Exclamation});
+}
+
+void TelepanelHost::StatusMessage(const std::string& text) {
+  mState.message = text;
+  if (!text.empty()) {
+    mLastMessage = text;
+    Note(text);
+  }
+  Show();
+}
+
+void TelepanelHost::SetEnabled(bool enabled) {
+  mState.isEnabled = enabled;
+  Show();
+}
+
+void TelepanelHost::Quit() {
+  LetGo();
+  mState.connection = Connection::Offline;
+  mView.Quit();
+}
+
+void TelepanelHost::SetSessionName(const std::string& name) {
+  mState.session = name;
+  Show();
+}
+
+void TelepanelHost::SetSessionPath(const std::string& folder) {
+  if (folder == mSessionFolder) return;
+  GoOffline("Off line: another session is active", "");
+  mSessionFolder = folder;
+  mSettings = HostSettings(PathFromUtf8(folder));
+  mState.pages.reset();
+  mState.caption.clear();
+  mState.recentPages = mSettings.ReadRecentPages();
+  mView.SessionChanged();
+  Show();
+}
+
+void TelepanelHost::SetModel(const std::string& model) {
+  mState.model = model;
+  if (IsOfferedModel(ModelOfIdentification(model))) return Show();
+  StatusMessage(model.empty() ? "No model is selected. Choose one from the list of models."
+                              : "The model \"" + model +
+                                    "\" is not one that this program knows. Choose one from the list of models.");
+}
+
+void TelepanelHost::SetComDescription(const std::string& text) {
+  if (text != mState.link) GoOffline("Off line: the link was changed", "");
+  mState.link = text;
+  Show();
+}
+
+void TelepanelHost::SetUserName(const std::string& name) {
+  mState.user = name;
+  Show();
+}
+
+void TelepanelHost::SetHourglass(bool busy) {
+  mState.isPointerBusy = busy;
+  Show();
+}
+
+void TelepanelHost::SetToolMissing(const std::string& toolId, const std::string& reason) {
+  mMissing[toolId] = reason;
+}
+
+bool TelepanelHost::OpenPagesFile(const std::string& path) {
+  const auto pages = ReadPagesFile(PathFromUtf8(path));
+  if (!pages) {
+    Warn("The Telepanel file was not opened; everything stays as it was.\r\n" + pages.error().Text());
+    return false;
+  }
+  mState.pages = OpenPages{path, *pages};
+  mState.recentPages = mSettings.AddRecentPages(path);
+  std::string said = "Opened " + path + " (project " + pages->project + ", model " + pages->model + ")";
+  if (pages->model != ModelOfIdentification(mState.model)) said += ". The selected model is " + mState.model;
+  StatusMessage(said);
+  mWatch.AskNow();
+  return true;
+}
+
+void TelepanelHost::ClosePages() {
+  StatusMessage("Closed " + mState.pages->path);
+  mState.pages.reset();
+}
+
+void TelepanelHost::SavePages() {
+  const PagesFile pages{mState.controller->project, ModelOfIdentification(mState.model)};
+  const auto chosen = mServices.prompts.SaveFile(
+      {.title = "Save Telepanel File", .filter = kPagesFilter, .initial = FileNameOf(pages.project)});
+  if (!chosen) return;
+  const auto saved = SavePagesFile(PathFromUtf8(*chosen), pages);
+  if (!saved) return Warn("The Telepanel file was not saved.\r\n" + saved.error().Text());
+  OpenPagesFile(*chosen);
+}
+
+}  // namespace kv

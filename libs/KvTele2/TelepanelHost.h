@@ -1,0 +1,133 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvTele2/HostSettings.h"
+#include "KvTele2/HostState.h"
+#include "KvTele2/HostView.h"
+#include "KvTele2/Journal.h"
+#include "KvTele2/LinkWatch.h"
+#include "desktop/Pacer.h"
+#include "desktop/Prompts.h"
+#include "desktop/WallClock.h"
+#include "host/shared/RemoteHost.h"
+
+namespace kv {
+
+// The surroundings of the host; all outlive it.
+struct HostServices {
+  Pacer& pacer;
+  WallClock& clock;
+  Prompts& prompts;
+  std::string installFolder;  // of sibling programs, UTF-8
+};
+
+// The host without its window: everything that the main window shows and every rule behind its commands.
+//
+//   Offline -> Connecting (the channel is looked up) -> Online (GoOnline)
+//   Connecting -> Offline                              refused, cancelled, or no answer
+//   Online <-> Lost                                    the controller stops answering, or answers again
+//   any -> Offline                                     the command, another session or link, another project
+//
+// While it is on line the controller is asked at times for its run state and project (LinkWatch), from Tick, and only
+// while no tool works with it.
+class TelepanelHost final : public RemoteHost {
+ public:
+  TelepanelHost(HostView& view, HostServices services);
+
+  [[nodiscard]] const HostState& State() const { return mState; }
+  [[nodiscard]] const Journal& Log() const { return mJournal; }
+  // Those of the current session.
+  [[nodiscard]] const HostSettings& Settings() const { return mSettings; }
+
+  // A command of the main window: a tool's id goes to OnToolClicked, the host's own are done. One that is disabled does
+  // nothing.
+  void Click(std::string_view id, const std::string& argument = {});
+  // Why a command cannot be used now; empty when it can.
+  [[nodiscard]] std::string WhyDisabled(std::string_view id) const;
+  // To be called about once a second.
+  void Tick();
+
+  [[nodiscard]] bool Enabled() const override { return mState.isEnabled; }
+  void SetEnabled(bool enabled) override;
+  // Shown in the status bar and kept in the log; an empty text only clears the status bar.
+  void StatusMessage(const std::string& text) override;
+  void Refresh() override { Show(); }
+  void Run() override { mView.Run(); }
+  void Quit() override;
+
+  void SetSessionName(const std::string& name) override;
+  // Another session's folder takes the controller off line and closes the pages file, which belong to the session.
+  void SetSessionPath(const std::string& folder) override;
+  void SetStartupOption(int) override {}  // there is one way to start
+  [[nodiscard]] std::string Model() const override { return mState.model; }
+  void SetModel(const std::string& model) override;
+  // Another link takes the controller off line.
+  void SetComDescription(const std::string& text) override;
+  void SetUserName(const std::string& name) override;
+  [[nodiscard]] std::string InstallFolder() const override { return mServices.installFolder; }
+  void SetHourglass(bool busy) override;
+  void SetToolMissing(const std::string& toolId, const std::string& reason) override;
+
+  bool OpenPagesFile(const std::string& path) override;
+  void SetRecentCaches(const std::vector<std::string>&) override {}  // this host reads no caches
+  [[nodiscard]] bool ReadsColourCaches() const override { return false; }
+  [[nodiscard]] bool OpenColourCache(const std::string&) override { return false; }
+
+  [[nodiscard]] bool IsOnline() const override { return mState.connection == Connection::Online; }
+  void BeginConnect() override;
+  void EndConnect() override {}
+  void SetConnectedUnit(int unit) override;
+  void AttachChannel(std::shared_ptr<Channel> channel) override { mChannel = std::move(channel); }
+  void SetControllerModelText(const std::string&) override {}  // what the page shows comes from the controller itself
+  void SetCompactIdentification(bool) override {}              // the panel's business, as are the two below
+  void SetControllerInfoByte(int) override {}
+  [[nodiscard]] bool ProjectMatches() override;
+  void SetPanelData(const std::string&) override {}
+  void GoOnline() override;
+  void RunPanelSession(const std::string& caption) override;
+
+ private:
+  void Show();
+  void Note(const std::string& text);
+  void Warn(const std::string& text);
+
+  void ClickTool(const std::string& id, const std::string& argument);
+  void ClickOwn(std::string_view id, const std::string& argument);
+  void SavePages();
+  void ClosePages();
+
+  void Connect(const std::string& argument);
+  void GoOffline(const std::string& why, const std::string& trouble);
+  void LetGo();
+  void AskController(HostView::Wait wait, const std::string& what);
+  [[nodiscard]] bool Ask();
+  void TakeInfo(const Channel::ControllerInfo& info);
+  void TakeFailure(const LinkError& error);
+  void BeginWait(HostView::Wait wait, const std::string& what);
+  void EndWait();
+
+  HostView& mView;
+  HostServices mServices;
+  HostState mState;
+  Journal mJournal;
+  std::string mSessionFolder;
+  HostSettings mSettings{{}};
+  std::map<std::string, std::string, std::less<>> mMissing;  // reason by tool id
+
+  std::shared_ptr<Channel> mChannel;
+  std::uint8_t mUnit = 0;
+  bool mIsIdentified = false;  // in the attempt to connect that is under way
+  LinkWatch mWatch;
+  std::string mLastMessage;  // of the tool that is at work
+  bool mIsInTool = false;
+  bool mIsAsking = false;
+  bool mIsWaiting = false;
+};
+
+}  // namespace kv
