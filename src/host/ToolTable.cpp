@@ -129,7 +129,7 @@ void clsCallerExe::Exit(const std::string&) {
 }
 
 void clsCallerExe::ChangeModel(const std::string& model) {
-  WriteSessionIni(mShared, "LastModel", model);
+  SetLastModel(mShared, model);
   if (GridFilesMustGo(mRemote->Model(), model)) RemoveSessionFiles(mShared, kGridFiles);
   mRemote->SetModel(model);
   mRemote->Refresh();

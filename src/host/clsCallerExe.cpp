@@ -10,7 +10,6 @@
 namespace kv {
 namespace {
 
-constexpr const char* kFirstModel = "K220-22-R1";
 constexpr int kNormalStart = 1;
 constexpr const char* kMissing = "This build does not have this tool.";
 
@@ -51,7 +50,7 @@ void clsCallerExe::BeginInDefaultSession() {
 }
 
 void clsCallerExe::LoadLastModel() {
-  const std::string model = ReadSessionIni(mShared, "LastModel", kFirstModel);
+  const std::string model = LastModel(mShared);
   mRemote->SetStartupOption(kNormalStart);
   mRemote->SetModel(model);
 }

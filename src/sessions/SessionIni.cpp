@@ -14,6 +14,8 @@ namespace {
 // The executable's name is both the file's base name and its section.
 constexpr std::string_view kProgram = "KvTeleExe";
 constexpr std::string_view kHost = "KvTele2";
+constexpr std::string_view kLastModelKey = "LastModel";
+constexpr std::string_view kFirstModel = "K220-22-R1";
 
 std::filesystem::path IniFile(const SharedState& shared, std::string_view owner) {
   return SessionFile(shared, std::string(owner) + ".ini");
@@ -60,6 +62,14 @@ bool RemoveSessionIni(const SharedState& shared, std::string_view key) {
 
 std::string ReadHostIni(const SharedState& shared, std::string_view key, std::string_view fallback) {
   return ReadIni(shared, kHost, key, fallback);
+}
+
+std::string LastModel(const SharedState& shared) {
+  return ReadSessionIni(shared, kLastModelKey, kFirstModel);
+}
+
+void SetLastModel(const SharedState& shared, std::string_view model) {
+  WriteSessionIni(shared, kLastModelKey, model);
 }
 
 void MarkSessionInUse(const SharedState& shared, bool inUse) {

@@ -31,6 +31,10 @@ bool RemoveSessionIni(const SharedState& shared, std::string_view key);
 // The same read from the host's settings in the current session ("KvTele2.ini", section "KvTele2").
 [[nodiscard]] std::string ReadHostIni(const SharedState& shared, std::string_view key, std::string_view fallback);
 
+// The model that the session was last used with; a new session starts with "K220-22-R1".
+[[nodiscard]] std::string LastModel(const SharedState& shared);
+void SetLastModel(const SharedState& shared, std::string_view model);
+
 // Marks the current session as in use, or no longer so: its "tmp.txt" becomes read-only or normal. "Default" is never
 // marked; a session without that file is left alone.
 void MarkSessionInUse(const SharedState& shared, bool inUse);

@@ -89,7 +89,7 @@ bool SessionManager::IsListed(const std::string& name) const {
 
 bool SessionManager::Create(const std::string& name) {
   MarkSessionInUse(mShared, false);
-  if (const auto copied = CopyCurrentTo(name); !copied) {
+  if (const auto copied = CopyCurrent(name); !copied) {
     MarkSessionInUse(mShared, true);
     mPrompts.Show({.text = copied.error(), .title = "Create Session", .icon = PromptIcon::Exclamation});
     return false;
@@ -98,7 +98,7 @@ bool SessionManager::Create(const std::string& name) {
   return true;
 }
 
-std::expected<void, std::string> SessionManager::CopyCurrentTo(const std::string& name) const {
+std::expected<void, std::string> SessionManager::CopyCurrent(const std::string& name) const {
   if (const std::string fault = SessionNameFault(name); !fault.empty()) return std::unexpected(fault);
   const fs::path source = SessionFolder(mShared);
   const fs::path target = mShared.paths.Session(name);

@@ -23,6 +23,9 @@ class SessionManager {
   // Session", leaves the current session as it was and no half-made folder behind.
   bool Create(const std::string& name);
 
+  // The copy alone: the current session stays current. The error is a sentence for the user.
+  [[nodiscard]] std::expected<void, std::string> CopyCurrent(const std::string& name) const;
+
   // Makes an existing session current. False, told under "Activate Session", when it is not listed.
   bool Activate(const std::string& name);
 
@@ -37,7 +40,6 @@ class SessionManager {
 
  private:
   [[nodiscard]] bool IsListed(const std::string& name) const;
-  [[nodiscard]] std::expected<void, std::string> CopyCurrentTo(const std::string& name) const;
   void MakeCurrent(const std::string& name);
 
   SharedState& mShared;

@@ -136,7 +136,7 @@ class OnlineSequence {
     if (mVersion.model.starts_with("Q5")) return true;
     if (RefuseOldVersion()) return false;
     mHost.SetModel(mVersion.model);
-    WriteSessionIni(mShared, "LastModel", mVersion.model);
+    SetLastModel(mShared, mVersion.model);
     return true;
   }
 
