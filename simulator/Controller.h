@@ -55,6 +55,10 @@ class Controller {
   // having been found good by the line). Everything but SY, which is the line's.
   [[nodiscard]] virtual TextReply ExecuteText(std::string_view text, Connection& connection) = 0;
 
+  // Power fails and comes back: what was going on is cut short, whatever it was, and the controller starts as after a
+  // reset.
+  virtual void Restart() = 0;
+
   // Executes one block message.
   [[nodiscard]] virtual BlockReply ExecuteBlock(const BlockRequest& request, Connection& connection) = 0;
 

@@ -86,16 +86,24 @@ BlockReply ControllerDesk::Execute(const BlockMessage& request, Connection& conn
                                    connection);
 }
 
-void ControllerDesk::Attend(ClientState& client, kv::Instant now) {
+void ControllerDesk::Advance(kv::Instant now) {
   // Lines are served one after another, so one of them may be a little behind the clock of another.
   mNow = std::max(mNow, now);
   mController->Advance(mNow);
-  if (std::exchange(client.resetsSeen, mResets) != mResets) client.connection.hasAccess = false;
 }
 
-void ControllerDesk::Reset(kv::Instant now) {
-  Connection own{true};
-  (void)mController->ExecuteText("CCE", own);
+void ControllerDesk::Attend(ClientState& client, kv::Instant now) {
+  Advance(now);
+  if (std::exchange(client.resetsSeen, mResets) == mResets) return;
+  client.connection.hasAccess = false;
+  client.lastBlock.reset();
+}
+
+void ControllerDesk::Restart(kv::Instant now) {
+  Advance(now);
+  mController->Restart();
+  mCounter = 0;
+  mLast = {};
   BeginReset(now);
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/Time.h"
 #include "simulator/BlockMessage.h"
@@ -46,10 +47,11 @@ class ControllerDesk {
   [[nodiscard]] std::string AnswerBlock(const BlockMessage& request, ClientState& client, const FaultPlan& plan,
                                         kv::Instant now);
 
-  // The controller restarts as it does on command: nothing is answered for a while and every connection loses its
-  // access.
-  void Reset(kv::Instant now);
-  // The same, after a reply that has made the controller restart.
+  // Power fails and comes back: what was going on is cut short, the counter and what SY names begin anew, nothing is
+  // answered for a while, and every connection loses its access and its last block message.
+  void Restart(kv::Instant now);
+  // After a reply that has made the controller reset: nothing is answered for a while and every connection loses its
+  // access and its last block message.
   void BeginReset(kv::Instant now);
   // Takes no connection until then.
   void StayAwayUntil(kv::Instant until) { mAwayUntil = until; }
@@ -61,6 +63,7 @@ class ControllerDesk {
   [[nodiscard]] Pace LinePace() const { return Pace::AtBaud(mBaud); }
 
   [[nodiscard]] Faults& FaultRules() { return mFaults; }
+  void UseFaults(Faults faults) { mFaults = std::move(faults); }
   [[nodiscard]] Controller& TheController() { return *mController; }
   [[nodiscard]] const Controller& TheController() const { return *mController; }
   [[nodiscard]] std::uint64_t Seed() const { return mSeed; }
@@ -76,6 +79,7 @@ class ControllerDesk {
   [[nodiscard]] TextReply Execute(std::string_view text, Connection& connection, const FaultPlan& plan);
   [[nodiscard]] TextReply AnswerSync(std::string_view text) const;
   [[nodiscard]] BlockReply Execute(const BlockMessage& request, Connection& connection, const FaultPlan& plan);
+  void Advance(kv::Instant now);
   void Attend(ClientState& client, kv::Instant now);
 
   std::unique_ptr<Controller> mController;

@@ -31,6 +31,11 @@ class ControllerImpl final : public Controller {
     return reply;
   }
 
+  void Restart() override {
+    mMachine->Restart();
+    mHasChanged = true;
+  }
+
   BlockReply ExecuteBlock(const BlockRequest& request, Connection& connection) override {
     mHasChanged = mHasChanged || MayChangeState(request.opCode);
     return sim::ExecuteBlock(*mMachine, request, connection);

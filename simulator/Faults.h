@@ -24,8 +24,8 @@ namespace sim {
 //   double                        the reply is sent twice
 //   dribble    ms=                so many milliseconds pass between two bytes of the reply
 //   cut        after=             only so many bytes of the reply are sent
-//   damage     chars=1 dir=out    so many bytes of the reply (dir=in: of the request) become other bytes, "/" and CR
-//   too
+//   damage     chars=1 dir=out    so many bytes of the reply (dir=in: of the request) become other bytes; "/" and CR
+//                                 may be among them
 //              rate=              instead of chars: the share of bytes, 0 to 1, that become other bytes
 //   wrongunit                     the reply is that of another unit id, with good checks
 //   echo                          the request comes back before the reply
@@ -34,8 +34,9 @@ namespace sim {
 //   busy                          refused as busy and not executed
 //   refuse     code=              refused with this code (two hexadecimal digits) and not executed
 //   lie                           answered as done, but operands and memory stay as they are
-//   reset                         the controller resets instead of executing: no reply, every connection loses its
-//   access lost       at=0 dir=out       the connection is cut when so many bytes of the reply have been sent
+//   reset                         the power fails and comes back instead: not executed, no reply, work of the flash cut
+//                                 short, counter and access of every connection gone
+//   lost       at=0 dir=out       the connection is cut when so many bytes of the reply have been sent
 //              away=0             no connection is taken for so many milliseconds after that
 //              dir=in             the connection is cut while the request is on its way: it is not executed
 //

@@ -97,7 +97,7 @@ bool Line::IsStopped(const FrameReader::Message& message, const FaultPlan& plan,
     Cut(plan, now);
     return true;
   }
-  if (plan.resets) mDesk->Reset(now);
+  if (plan.resets) mDesk->Restart(now);
   return plan.resets;
 }
 

@@ -50,20 +50,41 @@ Result<void> Machine::Run() {
 
 Result<void> Machine::Reset() {
   if (const auto idle = CheckIdle(); !idle) return idle;
+  PowerUp();
+  return {};
+}
+
+void Machine::Restart() {
+  if (flash.IsBusyWith(FlashWork::Kind::EraseOs)) compactOs.Drop();
+  if (flash.IsBusyWith(FlashWork::Kind::Program)) {
+    // Half programmed: neither the old contents nor the new.
+    if (mState == RunState::Boot) {
+      identity.hasOs = false;
+    } else {
+      identity.projectName.clear();
+    }
+    project.Drop();
+    aurexOs.Drop();
+  }
+  flash = FlashWork();
+  PowerUp();
+}
+
+// What was programmed takes effect, what was going on is forgotten.
+void Machine::PowerUp() {
   if (const auto name = project.NewName()) identity.projectName = *name;
-  if (const auto os = aurexOs.NewVersion()) SetOs(*os);
-  if (const auto os = compactOs.NewVersion()) {
+  const auto compactVersion = compactOs.NewVersion();
+  if (const auto os = compactVersion ? compactVersion : aurexOs.NewVersion()) {
     SetOs(*os);
     identity.hasOs = true;
-    compactOs.Drop();
   }
+  if (compactVersion) compactOs.Drop();
   project.Drop();
   aurexOs.Drop();
   restore.End();
   compactProjectBegun = false;
   displayInSystemMode = false;
   mState = identity.hasOs ? RunState::Running : RunState::Boot;
-  return {};
 }
 
 Result<void> Machine::EnterBootLoader() {

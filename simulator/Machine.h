@@ -39,7 +39,7 @@ struct Identity {
 //   any but Boot --WD, CCM, block 66, DE--> Loading --CCR, CCE, ED--> Running
 //   any --CCB--> Boot --CCE, with an O/S--> Running
 //
-// Run, Reset and EnterBootLoader are refused as busy while the flash is at work.
+// Run, Reset and EnterBootLoader are refused as busy while the flash is at work; Restart cuts its work short.
 class Machine {
  public:
   // A controller at its first power-up.
@@ -69,6 +69,7 @@ class Machine {
   [[nodiscard]] Result<void> Stop();
   [[nodiscard]] Result<void> Run();
   [[nodiscard]] Result<void> Reset();  // takes what was programmed into effect
+  void Restart();                      // power fails and comes back
   [[nodiscard]] Result<void> EnterBootLoader();
   void BeginLoad();  // stops the program, drops what was being loaded before
 
@@ -80,6 +81,7 @@ class Machine {
 
  private:
   [[nodiscard]] Result<void> CheckIdle() const;
+  void PowerUp();
 
   RunState mState = RunState::Running;
   MovingValues mMovingValues;

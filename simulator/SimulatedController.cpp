@@ -31,6 +31,13 @@ std::unique_ptr<kv::InProcessLine> SimulatedController::NewLine() {
   return std::make_unique<Line>(mDesk);
 }
 
+std::expected<void, std::string> SimulatedController::UseFaults(const std::vector<std::string>& rules) {
+  auto faults = Faults::Create(rules, mDesk->Seed());
+  if (!faults) return std::unexpected(faults.error());
+  mDesk->UseFaults(*std::move(faults));
+  return {};
+}
+
 std::expected<void, std::string> SimulatedController::SaveState() {
   return mDesk->TheController().SaveState();
 }

@@ -4,6 +4,7 @@
 #include <expected>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/InProcessLine.h"
 #include "simulator/Controller.h"
@@ -31,6 +32,10 @@ class SimulatedController {
 
   // One line for each client. A line may outlive this object.
   [[nodiscard]] std::unique_ptr<kv::InProcessLine> NewLine();
+
+  // Other fault rules from now on, with counts that begin anew; refused as in Create. A line on which endless garbage
+  // has begun carries it until it is closed.
+  [[nodiscard]] std::expected<void, std::string> UseFaults(const std::vector<std::string>& rules);
 
   // Writes the state file when there is one and something has changed; the reason when that failed.
   [[nodiscard]] std::expected<void, std::string> SaveState();

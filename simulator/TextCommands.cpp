@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "base/Numbers.h"
 #include "simulator/HexText.h"
+#include "simulator/Seal.h"
 
 namespace sim {
 namespace {
@@ -124,10 +124,6 @@ commands::Answer Execute(const Command& command, Machine& machine, std::string_v
   if ((command.states & MaskOf(machine.State())) == 0) return Refuse(Refusal::WrongState);
   TextCall call{machine, connection, HexReader(*fields), reply};
   return command.execute(call);
-}
-
-std::string RefusalText(std::string_view text, Refusal refusal) {
-  return std::string(text.substr(0, kNameSize)) + "ERROR" + kv::ToHex(static_cast<std::uint32_t>(refusal), 2);
 }
 
 }  // namespace

@@ -62,6 +62,46 @@ TEST(Downloads, ACutAurexProjectLeavesTheOldOne) {
   EXPECT_EQ(bench.Block(69).status, kRefused + 9);
 }
 
+// What is left when the power fails: nothing half done, and a boot loader that can still be used.
+TEST(Downloads, APowerFailureCutsTheWorkOfTheFlash) {
+  Bench project("K330");
+  EXPECT_EQ(project.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
+  EXPECT_EQ(project.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
+  EXPECT_EQ(project.Block(65, 0, 4, 1, 0, "Hall").status, 10);
+  EXPECT_EQ(project.Block(69).status, 11);
+  project.It().Restart();
+  EXPECT_EQ(ProjectName(project), "");
+  EXPECT_EQ(project.State(), 'R');
+  EXPECT_EQ(StatusByte(project, 2), 'I');
+
+  Bench os("K330");
+  const auto transfer = [&os] {
+    EXPECT_EQ(os.Text("CCB"), "CCOK");
+    EXPECT_EQ(os.Block(65, 0, 16, 0, 0, std::string("OS\x64\x01K330461\0\0\0\0\0", 16)).status, 10);
+    EXPECT_EQ(StatusByte(os, 9), 0);
+    EXPECT_EQ(os.Block(65, 0, 2, 1, 1, "ab").status, 10);
+    EXPECT_EQ(StatusByte(os, 9), 1) << "an O/S is there, and all of it in step";
+    EXPECT_EQ(os.Block(69).status, 11);
+  };
+  transfer();
+  os.It().Restart();
+  EXPECT_EQ(os.State(), 'B') << "neither the old O/S nor the new one";
+  EXPECT_EQ(os.Text("CCE"), "CCOK");
+  EXPECT_EQ(os.State(), 'B');
+  transfer();
+  os.Wait(1s);
+  os.It().Restart();
+  EXPECT_EQ(os.State(), 'R') << "programmed: a power failure does what the reset would do";
+  EXPECT_EQ(os.Text("ID"), "IDK330|33|4.61|00");
+
+  Bench compact("Q51");
+  EXPECT_EQ(compact.Text("CCB"), "CCOK");
+  EXPECT_EQ(compact.Text("OSE0"), "OSOK");
+  compact.It().Restart();
+  EXPECT_EQ(compact.Text("OSS"), "OS20");
+  EXPECT_EQ(compact.Text("OSE0"), "OSOK") << "and again";
+}
+
 TEST(Downloads, ACompactProjectIsErasedAndWritten) {
   Bench bench("Q51");
   EXPECT_EQ(bench.Text("DI"), "DII");

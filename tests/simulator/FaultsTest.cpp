@@ -41,7 +41,7 @@ TEST(Faults, EachDoesWhatItSays) {
       {"busy", refusal("WDERROR0A"), 0, "", 0ms},
       {"refuse:code=0D", refusal("WDERROR0D"), 0, "", 0ms},
       {"lie", reply, 1, "", 0ms},
-      {"reset", "", 1, "", 0ms},  // what reaches the controller is the reset
+      {"reset", "", 1, "", 0ms},  // what reaches the controller is the restart
       {"lost:at=5", reply.substr(0, 5), 1, "5", 0ms},
       {"lost:dir=in", "", 0, "", 0ms},
   };

@@ -33,6 +33,7 @@ class FakeController : public Controller {
     if (text == "CPSR0007") reply.newBaud = 9600;
     return reply;
   }
+  void Restart() override { executed.emplace_back("restart"); }
   BlockReply ExecuteBlock(const BlockRequest& request, Connection&) override {
     executed.push_back("block " + request.payload);
     return {10, "done " + std::to_string(executed.size())};
