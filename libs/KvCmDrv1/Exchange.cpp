@@ -300,10 +300,11 @@ Outcome Exchange::TryBlock(const BlockRequest& request) {
 Outcome Exchange::OneTry(ReplyJudge& judge, std::string_view frame, std::size_t replyBytes, Duration wait,
                          Duration reserve) {
   const Instant now = mPacer.Now();
-  const Instant end = std::min(now + mLine.WireTime(frame.size() + replyBytes) + wait, mDeadline - reserve);
+  const Instant utmost = mDeadline - reserve;
+  const Instant end = std::min(now + mLine.WireTime(frame.size() + replyBytes) + wait, utmost);
   if (now >= end) return Outcome::Silence;
   const Outcome sent = mLine.Send(frame, end);
-  return sent == Outcome::Done ? mLine.Await(judge, end) : sent;
+  return sent == Outcome::Done ? mLine.Await(judge, end, utmost) : sent;
 }
 
 Duration Exchange::WaitOf(bool isSlow, int tryNumber) const {

@@ -58,7 +58,7 @@ Outcome Line::Send(std::string_view bytes, Instant deadline) {
   }
 }
 
-Outcome Line::Await(ReplyJudge& judge, Instant deadline) {
+Outcome Line::Await(ReplyJudge& judge, Instant deadline, Instant utmost) {
   const Duration quiet = std::max(kQuiet, kQuietBytes * mPort->ByteTime());
   Wait wait{.now = mPacer.Now(), .lastTurn = {}, .lastArrival = {}};
   wait.lastTurn = wait.now;
@@ -66,9 +66,10 @@ Outcome Line::Await(ReplyJudge& judge, Instant deadline) {
     if (!mReceiver.IsEmpty() && TakeMessages(judge, wait)) return Outcome::Done;
     if (StopAsked()) return Outcome::Stopped;
     if (wait.isDamaged && wait.now - wait.lastArrival >= quiet) return Outcome::Damaged;
-    if (wait.now >= deadline) return wait.hasArrived ? Outcome::Damaged : Outcome::Silence;
+    const Instant end = IsArriving(wait) ? utmost : deadline;
+    if (wait.now >= end) return wait.hasArrived ? Outcome::Damaged : Outcome::Silence;
 
-    const Port::Result result = ReadSlice(std::min(kSlice, deadline - wait.now));
+    const Port::Result result = ReadSlice(std::min(kSlice, end - wait.now));
     wait.now = mPacer.Now();
     if (!mArrived.empty()) {
       mReceiver.Feed(mArrived, wait.now);
@@ -82,6 +83,10 @@ Outcome Line::Await(ReplyJudge& judge, Instant deadline) {
       wait.now = wait.lastTurn;
     }
   }
+}
+
+bool Line::IsArriving(const Wait& wait) const {
+  return !mReceiver.IsEmpty() && !wait.isDamaged && wait.now - wait.lastArrival < MessageReceiver::kIdle;
 }
 
 bool Line::TakeMessages(ReplyJudge& judge, Wait& wait) {

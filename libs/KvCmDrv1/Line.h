@@ -47,9 +47,10 @@ class Line {
   [[nodiscard]] Outcome Send(std::string_view bytes, Instant deadline);
 
   // Done when the judge took a message. Damaged when something else arrived and the line was quiet again, or at the
-  // deadline; Silence when nothing arrived until then. All that arrives goes through the receiver, so endless garbage
-  // costs no memory.
-  [[nodiscard]] Outcome Await(ReplyJudge& judge, Instant deadline);
+  // deadline; Silence when nothing arrived until then. A message that is just arriving, undamaged, is waited for beyond
+  // the deadline, until `utmost`: a line may be slower than it says. All that arrives goes through the receiver, so
+  // endless garbage costs no memory.
+  [[nodiscard]] Outcome Await(ReplyJudge& judge, Instant deadline, Instant utmost);
 
   // Throws away what has arrived. Lost when the other side has gone.
   [[nodiscard]] Outcome DropInput();
@@ -72,6 +73,7 @@ class Line {
 
  private:
   struct Wait;
+  [[nodiscard]] bool IsArriving(const Wait& wait) const;
   [[nodiscard]] bool TakeMessages(ReplyJudge& judge, Wait& wait);
   [[nodiscard]] Port::Result ReadSlice(Duration slice);
 

@@ -1,41 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "FakeController.h"
-#include "KvCmDrv1/ChannelImpl.h"
+#include "Bench.h"
 
 namespace kv {
 namespace {
 
 using namespace std::chrono_literals;
-
-LinkSettings SerialSettings() {
-  LinkSettings settings;
-  settings.transport = Transport::Serial;
-  settings.serialPort = "COM3";
-  return settings;
-}
-
-struct Bench {
-  VirtualPacer pacer;
-  FakeController controller{pacer};
-  std::vector<std::string> messages;
-  ChannelImpl channel{pacer, std::make_shared<Trace>(), SerialSettings(),
-                      [this](const LinkSettings&) { return std::make_unique<FakePort>(controller, pacer); },
-                      [this](const std::string& message) { messages.push_back(message); }};
-
-  Bench() {
-    controller.listPayload = [] { return std::string("\x07\0", 2); };
-    EXPECT_TRUE(channel.Open());
-    EXPECT_TRUE(channel.ReadMI(0, 1, 1));  // the unit is met, and the link's time is known
-  }
-
-  // The next request that begins with `start` meets the fault, `times` times.
-  void Arm(const std::string& start, Fault fault, int times = 1) {
-    controller.faultOf = [start, fault, times](const std::string& text) mutable {
-      return text.starts_with(start) && times > 0 && times-- > 0 ? fault : Fault::None;
-    };
-  }
-};
 
 enum class Kind { Read, Placing, Once, BlockRead, BlockWrite };
 

@@ -162,7 +162,7 @@ std::string FakeController::Execute(const std::string& text) {
 void FakeController::HandleBlock(const std::string& message) {
   const std::uint32_t opCode = NumberAt(message, 8, 2);
   const std::string name = "block " + std::to_string(opCode);
-  const Fault fault = faultOf(name);
+  const Fault fault = faultOf(name + " " + std::to_string(NumberAt(message, 14, 4)));
   if (fault == Fault::NotHeard) return;
   if (fault == Fault::LostBefore) return CutLink();
   if (message != mLastBlock) {

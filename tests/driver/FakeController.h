@@ -40,7 +40,7 @@ class FakeController {
  public:
   explicit FakeController(VirtualPacer& pacer) : mPacer(pacer) {}
 
-  // What happens to the request `text` ("block 66" for a block message); asked once for each that arrives.
+  // What happens to the request `text` ("block 257 512" for a block message with DataLength 512); asked once for each.
   std::function<Fault(const std::string& text)> faultOf = [](const std::string&) { return Fault::None; };
   std::string model = "K220-22-R1";
   std::uint32_t serial = 0x12345678;

@@ -5,18 +5,11 @@
 namespace kv {
 namespace {
 
-bool BeginsMessage(char byte) {
-  return byte == kFrameStart || byte == kBlockStart;
-}
-
 // Where the next message may begin, from `from` on; the size of `bytes` when nowhere.
 std::size_t NextStart(std::string_view bytes, std::size_t from) {
-  const auto found = std::find_if(bytes.begin() + static_cast<std::ptrdiff_t>(from), bytes.end(), BeginsMessage);
+  const auto begins = [](char byte) { return byte == kFrameStart || byte == kBlockStart; };
+  const auto found = std::find_if(bytes.begin() + static_cast<std::ptrdiff_t>(from), bytes.end(), begins);
   return static_cast<std::size_t>(found - bytes.begin());
-}
-
-bool EndsStretch(char byte) {
-  return byte < 0x20 || byte > 0x7E;  // CR is one of these
 }
 
 // Characters from the first "/" on without CR that are too many: one more than the page allows.
@@ -49,7 +42,8 @@ void MessageReceiver::Clear() {
 
 std::optional<Received> MessageReceiver::NextFrame(std::string_view pending) {
   const std::string_view looked = pending.substr(0, kTooMany);
-  const auto end = std::find_if(looked.begin() + static_cast<std::ptrdiff_t>(mLooked), looked.end(), EndsStretch);
+  const auto endsStretch = [](char byte) { return byte < 0x20 || byte > 0x7E; };  // CR is one of these
+  const auto end = std::find_if(looked.begin() + static_cast<std::ptrdiff_t>(mLooked), looked.end(), endsStretch);
   mLooked = static_cast<std::size_t>(end - looked.begin());
   const std::size_t length = mLooked;
   if (end == looked.end()) {

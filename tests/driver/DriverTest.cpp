@@ -1,0 +1,225 @@
+#include "KvCmDrv1/Driver.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "Bench.h"
+#include "KvCmDrv1/LinkText.h"
+#include "KvCmDrv1/RoundTrip.h"
+#include "KvCmDrv1/SettingsFile.h"
+
+namespace kv {
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+// A folder that goes with the test.
+struct Folder {
+  fs::path path =
+      fs::temp_directory_path() / ("kv_driver_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
+                                   "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+  Folder() { fs::create_directories(path); }
+  ~Folder() { fs::remove_all(path); }
+  void Write(const std::string& text) const { std::ofstream(path / "KvCmDrv1.ini", std::ios::binary) << text; }
+};
+
+TEST(LinkText, ParsesAndPrintsEveryKind) {
+  const struct {
+    const char* text;
+    const char* printed;
+    const char* described;
+  } rows[] = {
+      {"sim:K670-67-T40 / K390", "sim:K670-67-T40 / K390", "Simulated K670-67-T40 / K390"},
+      {"tcp:192.168.1.20:20301", "tcp:192.168.1.20:20301", "192.168.1.20:20301, unit 1"},
+      {"tcp:plc", "tcp:plc:20300", "plc:20300, unit 1"},
+      {"tcp:[::1]:5", "tcp:[::1]:5", "[::1]:5, unit 1"},
+      {"tcp:[::1]", "tcp:[::1]:20300", "[::1]:20300, unit 1"},
+      {"serial:COM3", "serial:COM3,115200,8N1", "COM3, 115200 8N1, unit 1"},
+      {"serial:/dev/ttyS3,9600,7E2", "serial:/dev/ttyS3,9600,7E2", "/dev/ttyS3, 9600 7E2, unit 1"},
+      {"modem:COM4,0123456,19200", "modem:COM4,0123456,19200", "COM4, 19200 8N1, modem 0123456, unit 1"},
+      {"listen:20302", "listen:20302", "port 20302 (listening), unit 1"},
+  };
+  for (const auto& row : rows) {
+    const auto parsed = ParseLink(row.text);
+    ASSERT_TRUE(parsed) << parsed.error();
+    EXPECT_EQ(PrintLink(*parsed), row.printed);
+    EXPECT_EQ(DescribeLink(*parsed), row.described);
+    EXPECT_EQ(ParseLink(row.printed), parsed);
+  }
+}
+
+TEST(LinkText, SaysWhatItExpected) {
+  for (const char* text : {"", "sim:", "COM3", "tcp:", "tcp::20300", "tcp:host:0", "tcp:host:65536", "tcp:::1:5",
+                           "tcp:[::1", "tcp:[::1]x", "serial:", "serial:COM3,100", "serial:COM3,9600,9N1",
+                           "serial:COM3,9600,8N1,x", "modem:COM3", "modem:COM3,", "listen:", "listen:x"}) {
+    const auto parsed = ParseLink(text);
+    ASSERT_FALSE(parsed) << text;
+    EXPECT_NE(parsed.error().find("expected"), std::string::npos) << parsed.error();
+  }
+}
+
+TEST(SettingsFile, KeepsEverything) {
+  const Folder folder;
+  LinkSettings settings;
+  settings.transport = Transport::Modem;
+  settings.model = "K450-45";
+  settings.host = "pl\xC3\xA4tz";
+  settings.tcpPort = 1;
+  settings.serialPort = "/dev/ttyUSB0";
+  settings.baudRate = 9600;
+  settings.framing = {7, Parity::Odd, 2};
+  settings.modem = {"AT&F \"x\"", "0,12 34", true, 90s};
+  settings.unit = 255;
+  settings.timeOut = 250ms;
+  settings.tries = 7;
+  settings.reconnects = false;
+  ASSERT_TRUE(SaveSettings(folder.path, settings));
+  const LoadedSettings loaded = LoadSettings(folder.path, {});
+  EXPECT_EQ(loaded.settings, settings);
+  EXPECT_TRUE(loaded.complaints.empty());
+}
+
+TEST(SettingsFile, BadValueIsNamedAndReplaced) {
+  const Folder folder;
+  folder.Write(
+      "[KvCmDrv1]\r\nTransport=pigeon\r\nTcpPort=0\r\nBaudRate=99\r\nFraming=9X1\r\nUnitID=256\r\nTimeOut=49\r\n"
+      "Tries=many\r\nReconnect=2\r\nHost=" +
+      std::string(201, 'h') + "\r\nSerialPort=COM7\r\nModemDialTimeOut=\r\n");
+  const LoadedSettings loaded = LoadSettings(folder.path, {});
+  LinkSettings expected;
+  expected.serialPort = "COM7";
+  EXPECT_EQ(loaded.settings, expected);
+  ASSERT_EQ(loaded.complaints.size(), 10U);
+  EXPECT_EQ(loaded.complaints[0], "KvCmDrv1.ini, Transport: expected sim, tcp, serial, modem or listen; using sim");
+  EXPECT_EQ(LoadSettings(folder.path / "none", expected).settings, expected);
+}
+
+TEST(RoundTrip, FollowsTheLinkBetweenFloorAndCeiling) {
+  RoundTrip time;
+  EXPECT_EQ(time.TimeOut(1s), 1s) << "nothing is known yet";
+  for (int i = 0; i < 100; ++i) time.Sample(1ms);
+  EXPECT_EQ(time.TimeOut(1s), RoundTrip::kFloor);
+  time.Silence();
+  time.Silence();
+  EXPECT_EQ(time.TimeOut(1s), 4 * RoundTrip::kFloor);
+  for (int i = 0; i < 50; ++i) time.Silence();
+  EXPECT_EQ(time.TimeOut(1s), 1s);
+  for (int i = 0; i < 100; ++i) time.Sample(200ms);
+  EXPECT_NEAR(static_cast<double>(time.TimeOut(1s).count()), 200000.0, 20000.0);
+}
+
+// A driver whose every port leads to one fake controller.
+struct DriverBench {
+  VirtualPacer pacer;
+  FakeController controller{pacer};
+  std::vector<std::string> messages;
+  int portsMade = 0;
+  Driver driver{pacer, {}, [this](const LinkSettings&, Pacer&, ListeningSocket*) {
+                  ++portsMade;
+                  return std::make_unique<FakePort>(controller, pacer);
+                }};
+
+  DriverBench() {
+    driver.OnComMessage = [this](const std::string& message) { messages.push_back(message); };
+  }
+};
+
+TEST(Driver, OpensWithTheSessionsSettingsAndKeepsTheLinkWhileTheyDescribeIt) {
+  const Folder folder;
+  folder.Write("[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.20\r\nTries=0\r\n");
+  DriverBench bench;
+  const SessionLink session{.folder = folder.path.string()};
+  bench.driver.ConfigureForSession(session);
+  EXPECT_EQ(bench.messages, std::vector<std::string>{"KvCmDrv1.ini, Tries: expected a number from 1 to 10; using 3"});
+  const auto channel = bench.driver.GetChannel();
+  ASSERT_TRUE(channel);
+  EXPECT_TRUE(channel->GetVersionInfo(1));
+  EXPECT_EQ(bench.driver.LinkDescription(), "192.168.1.20:20300, unit 1");
+  bench.driver.ConfigureForSession(session);
+  EXPECT_EQ(bench.driver.GetChannel(), channel);
+  folder.Write("[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.21\r\n");
+  bench.driver.ConfigureForSession(session);
+  EXPECT_NE(bench.driver.GetChannel(), channel);
+  EXPECT_FALSE(channel->GetVersionInfo(1)) << "a channel of the link before";
+  EXPECT_EQ(channel->LastError().happened, "the link is closed");
+  EXPECT_FALSE(channel->OpenLink(0, 0));
+}
+
+TEST(Driver, SaysWhyItCannotOpen) {
+  DriverBench bench;
+  EXPECT_FALSE(bench.driver.GetChannel());
+  EXPECT_EQ(bench.driver.LastError().code, LinkErrorCode::CannotOpen);
+  EXPECT_EQ(bench.driver.LastError().happened, "there is no simulated controller \"K220-22-R1\"");
+  LinkSettings settings = SerialSettings();
+  bench.driver.UseSettings(settings, false);
+  bench.controller.isReachable = false;
+  EXPECT_FALSE(bench.driver.GetChannel());
+  EXPECT_EQ(bench.driver.LastError().Text().substr(0, 65),
+            "Opening the link on COM3, 115200 8N1 failed: nobody is there.\nLik");
+  bench.controller.isReachable = true;
+  EXPECT_TRUE(bench.driver.GetChannel());
+  bench.driver.SetDriverActive(false);
+  EXPECT_FALSE(bench.driver.GetChannel());
+}
+
+// A dialog that chooses another speed.
+struct ScriptedDialogs final : DriverDialogs {
+  int shown = 0;
+  std::optional<LinkSettings> EditLink(const LinkSettings& current, const std::string&) override {
+    ++shown;
+    LinkSettings settings = current;
+    settings.baudRate = 9600;
+    return settings;
+  }
+  std::optional<ModemSettings> EditModem(const ModemSettings&, const std::string&) override { return std::nullopt; }
+};
+
+TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
+  const Folder folder;
+  DriverBench bench;
+  ScriptedDialogs dialogs;
+  bench.driver.ShowComParams();  // without windows: nothing
+  bench.driver.SetDialogs(&dialogs);
+  bench.driver.ConfigureForSession({.folder = folder.path.string()});
+  bench.driver.UseSettings(SerialSettings(), true);
+  const auto channel = bench.driver.GetChannel();
+  ASSERT_TRUE(channel);
+  channel->SetLinkBusy(true);
+  bench.driver.ShowComParams();
+  EXPECT_EQ(dialogs.shown, 0);
+  channel->SetLinkBusy(false);
+  bench.driver.ShowComParams();
+  EXPECT_EQ(bench.driver.LinkDescription(), "COM3, 9600 8N1, unit 1");
+  EXPECT_EQ(LoadSettings(folder.path, {}).settings.baudRate, 9600);
+}
+
+TEST(Trace, KeepsTheLastFramesWithTheirMeaningAndNoPassword) {
+  DriverBench bench;
+  bench.driver.UseSettings(SerialSettings(), false);
+  const Folder folder;
+  ASSERT_TRUE(bench.driver.GetTrace().WriteTo((folder.path / "trace.txt").string()));
+  const auto channel = bench.driver.GetChannel();
+  ASSERT_TRUE(channel);
+  channel->SetCommandOwner("test");
+  EXPECT_TRUE(channel->ReadMI(0, 60, 1));
+  EXPECT_FALSE(channel->GiveAccess("topsecrt", 1));
+  (void)channel->SendCommand("GItopsecrt");
+  const std::string text = bench.driver.GetTrace().Text();
+  for (const char* part : {"--- Connected to COM3", "--> test /01RO", "[unit 1: read MI 0..59]", "<-- test /01AC",
+                           "refused: the password is wrong", "/01GI********"}) {
+    EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
+  }
+  EXPECT_EQ(text.find("topsecrt"), std::string::npos);
+  EXPECT_EQ(text.find("746F70"), std::string::npos);
+  std::ifstream file(folder.path / "trace.txt");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), text);
+  for (int i = 0; i < 600; ++i) EXPECT_TRUE(channel->ReadMI(0, 1, 1));
+  const std::string later = bench.driver.GetTrace().Text();
+  EXPECT_EQ(std::ranges::count(later, '\n'), 1000);
+}
+
+}  // namespace
+}  // namespace kv
