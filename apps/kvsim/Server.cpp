@@ -27,6 +27,10 @@ int PollAll(std::vector<PollEntry>& entries, int milliseconds) {
 // A signal ends a wait, except one that comes in the moment before it: that one is noticed after this long.
 constexpr int kLongestWait = 250;  // milliseconds
 
+// For how long one client may have the server's ear before others are looked for, and how long it may be silent.
+constexpr kv::Duration kLookInterval = std::chrono::milliseconds(10);
+constexpr kv::Duration kTalkPause = std::chrono::milliseconds(2);
+
 }  // namespace
 
 struct Server::Client {
@@ -60,14 +64,38 @@ Server::~Server() = default;
 void Server::Run() {
   Admit(mPacer.Now());
   while (!mPacer.StopRequested()) {
+    if (IsOnlyOneTalking()) {
+      ServeOnlyOne();
+      continue;
+    }
     const int ready = Wait();
     const auto now = mPacer.Now();
+    mLastLook = now;
+    mIsTalking = false;
     for (std::size_t i = 0; i < mClients.size(); ++i) {
       Serve(*mClients[i], ready > 0 && (mWaits->entries[i].revents & ~POLLOUT) != 0, now);
     }
     Forget(now);
     Admit(now);
   }
+}
+
+bool Server::IsOnlyOneTalking() const {
+  if (!mIsTalking || mClients.size() != 1) return false;
+  const Client& client = *mClients.front();
+  return client.stream->CanWaitInside() && client.outgoing.empty() && !client.line->NextEvent();
+}
+
+void Server::ServeOnlyOne() {
+  Client& client = *mClients.front();
+  mArrived.clear();
+  const auto result = client.stream->ReadWithin(mArrived, kTalkPause);
+  const auto now = mPacer.Now();
+  mIsTalking = false;
+  TakeIn(client, result, now);
+  SendBack(client, now);
+  if (now - mLastLook >= kLookInterval) mIsTalking = false;
+  Forget(now);
 }
 
 int Server::Wait() {
@@ -111,7 +139,15 @@ void Server::Admit(kv::Instant now) {
 }
 
 void Server::Serve(Client& client, bool isReadable, kv::Instant now) {
-  if (isReadable) TakeIn(client, now);
+  if (isReadable) {
+    mArrived.clear();
+    TakeIn(client, client.stream->Read(mArrived), now);
+  }
+  SendBack(client, now);
+}
+
+// What the controller has to say, and the end of the connection when the controller has cut it.
+void Server::SendBack(Client& client, kv::Instant now) {
   if (!client.isGone) SendOut(client, now);
   if (!client.isGone && client.isConnected && !client.line->IsConnected() && client.outgoing.empty()) {
     client.stream->Cut();
@@ -119,10 +155,9 @@ void Server::Serve(Client& client, bool isReadable, kv::Instant now) {
   }
 }
 
-void Server::TakeIn(Client& client, kv::Instant now) {
-  mArrived.clear();
-  const auto result = client.stream->Read(mArrived);
+void Server::TakeIn(Client& client, Stream::Result result, kv::Instant now) {
   if (!mArrived.empty()) {
+    mIsTalking = true;
     if (!client.isConnected) client.isConnected = client.line->Connect(now);
     client.line->Write(mArrived, now);
   }

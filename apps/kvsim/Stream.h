@@ -15,7 +15,7 @@ using Handle = std::uintptr_t;  // a SOCKET
 using Handle = int;
 #endif
 
-// The bytes between this program and one client. Nothing here ever waits: the server does, for all streams at once.
+// The bytes between this program and one client. Nothing but ReadWithin ever waits: the server does, for all at once.
 class Stream {
  public:
   enum class Result { Done, Nothing, Ended };
@@ -27,6 +27,10 @@ class Stream {
 
   // Appends what has arrived. Ended: the client has left.
   [[nodiscard]] virtual Result Read(std::string& buffer) = 0;
+
+  // The same, waiting inside the call for `limit` at most, where that is cheaper than waiting first.
+  [[nodiscard]] virtual Result ReadWithin(std::string& buffer, kv::Duration) { return Read(buffer); }
+  [[nodiscard]] virtual bool CanWaitInside() const { return false; }
 
   // Sends what the line takes and removes it from the front of `bytes`.
   [[nodiscard]] virtual Result Write(std::string_view& bytes) = 0;

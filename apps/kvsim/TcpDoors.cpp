@@ -1,64 +1,59 @@
 #include "apps/kvsim/TcpDoors.h"
 
-#include <array>
 #include <asio.hpp>
 #include <exception>
 #include <optional>
 #include <utility>
+#include <vector>
+
+#include "KvCmDrv1/ports/ConnectedSocket.h"
 
 namespace kvsim {
 namespace {
 
 using asio::ip::tcp;
 
-constexpr std::size_t kReadSize = 16384;
 constexpr kv::Duration kDialPause = std::chrono::milliseconds(500);  // between two tries to get through
 constexpr kv::Duration kDialLimit = std::chrono::seconds(5);         // for one try
 constexpr kv::Duration kDialLook = std::chrono::milliseconds(10);    // between two looks at a try under way
 
 class SocketStream final : public Stream {
  public:
-  SocketStream(std::shared_ptr<asio::io_context> context, tcp::socket socket)
-      : mContext(std::move(context)), mSocket(std::move(socket)) {
-    std::error_code ignored;
-    mSocket.set_option(tcp::no_delay(true), ignored);
-    mSocket.non_blocking(true, ignored);
+  explicit SocketStream(kv::ConnectedSocket socket) : mSocket(std::move(socket)) {}
+
+  [[nodiscard]] Handle WaitHandle() const override { return mSocket.NativeHandle(); }
+  [[nodiscard]] Result Read(std::string& buffer) override { return ReadWithin(buffer, kv::Duration::zero()); }
+  [[nodiscard]] Result ReadWithin(std::string& buffer, kv::Duration limit) override {
+    return ResultOf(mSocket.Read(buffer, limit));
   }
-
-  [[nodiscard]] Handle WaitHandle() const override { return const_cast<tcp::socket&>(mSocket).native_handle(); }
-
-  [[nodiscard]] Result Read(std::string& buffer) override {
-    std::array<char, kReadSize> chunk;
-    std::error_code code;
-    const auto count = mSocket.read_some(asio::buffer(chunk), code);
-    buffer.append(chunk.data(), count);
-    return ResultOf(code);
-  }
-
+  [[nodiscard]] bool CanWaitInside() const override { return true; }
   [[nodiscard]] Result Write(std::string_view& bytes) override {
-    std::error_code code;
-    bytes.remove_prefix(mSocket.write_some(asio::buffer(bytes.data(), bytes.size()), code));
-    return ResultOf(code);
+    return ResultOf(mSocket.Write(bytes, kv::Duration::zero()));
   }
-
-  void Cut() override {
-    std::error_code ignored;
-    mSocket.close(ignored);
-  }
+  void Cut() override { mSocket.Close(); }
 
  private:
-  static Result ResultOf(std::error_code code) {
-    if (!code) return Result::Done;
-    return code == asio::error::would_block || code == asio::error::try_again ? Result::Nothing : Result::Ended;
+  static Result ResultOf(kv::Port::Result result) {
+    return result == kv::Port::Result::Done   ? Result::Done
+           : result == kv::Port::Result::Lost ? Result::Ended
+                                              : Result::Nothing;
   }
 
-  std::shared_ptr<asio::io_context> mContext;  // before the socket, which needs it to its end
-  tcp::socket mSocket;
+  kv::ConnectedSocket mSocket;
 };
+
+// Null when the client has gone already.
+std::unique_ptr<Stream> MakeStream(tcp::socket socket) {
+  std::error_code code;
+  socket.set_option(tcp::no_delay(true), code);
+  const auto handle = socket.release(code);
+  if (code) return nullptr;
+  return std::make_unique<SocketStream>(kv::ConnectedSocket(handle));
+}
 
 class ListeningDoor final : public Door {
  public:
-  ListeningDoor() : mContext(std::make_shared<asio::io_context>()), mAcceptor(*mContext) {}
+  ListeningDoor() : mAcceptor(mContext) {}
 
   std::error_code Open(const tcp::endpoint& place) {
     std::error_code code;
@@ -84,21 +79,21 @@ class ListeningDoor final : public Door {
 
   [[nodiscard]] std::unique_ptr<Stream> Admit(kv::Instant) override {
     std::error_code code;
-    tcp::socket socket(*mContext);
+    tcp::socket socket(mContext);
     mAcceptor.accept(socket, code);
     if (code) return nullptr;
-    return std::make_unique<SocketStream>(mContext, std::move(socket));
+    return MakeStream(std::move(socket));
   }
 
  private:
-  std::shared_ptr<asio::io_context> mContext;
+  asio::io_context mContext;
   tcp::acceptor mAcceptor;
 };
 
 class DiallingDoor final : public Door {
  public:
   DiallingDoor(std::string place, std::vector<tcp::endpoint> endpoints)
-      : mContext(std::make_shared<asio::io_context>()), mPlace(std::move(place)), mEndpoints(std::move(endpoints)) {}
+      : mPlace(std::move(place)), mEndpoints(std::move(endpoints)) {}
 
   [[nodiscard]] std::string ReadyText() const override { return "dialling " + mPlace; }
   [[nodiscard]] std::optional<Handle> WaitHandle() const override { return std::nullopt; }
@@ -111,8 +106,8 @@ class DiallingDoor final : public Door {
   [[nodiscard]] std::unique_ptr<Stream> Admit(kv::Instant now) override {
     if (mIsConnected || now < mNextLook) return nullptr;
     if (!mTry) StartTry(now);
-    mContext->restart();
-    mContext->poll();
+    mContext.restart();
+    mContext.poll();
     mNextLook = now + kDialLook;
     if (mCode == asio::error::would_block && now < mTryEnds) return nullptr;
     auto socket = std::exchange(mTry, std::nullopt);
@@ -120,8 +115,9 @@ class DiallingDoor final : public Door {
       mNextLook = now + kDialPause;
       return nullptr;
     }
-    mIsConnected = true;
-    return std::make_unique<SocketStream>(mContext, std::move(*socket));
+    auto stream = MakeStream(std::move(*socket));
+    mIsConnected = stream != nullptr;
+    return stream;
   }
 
   void Dismissed(kv::Instant now) override {
@@ -131,7 +127,7 @@ class DiallingDoor final : public Door {
 
  private:
   void StartTry(kv::Instant now) {
-    mTry.emplace(*mContext);
+    mTry.emplace(mContext);
     mCode = asio::error::would_block;
     mTryEnds = now + kDialLimit;
     const int number = ++mTryNumber;
@@ -141,7 +137,7 @@ class DiallingDoor final : public Door {
     });
   }
 
-  std::shared_ptr<asio::io_context> mContext;
+  asio::io_context mContext;
   std::string mPlace;
   std::vector<tcp::endpoint> mEndpoints;  // tried in turn
   std::optional<tcp::socket> mTry;        // nothing between tries
