@@ -19,7 +19,7 @@ class ConsoleSetup {
   ConsoleSetup& operator=(const ConsoleSetup&) = delete;
 
  private:
-  unsigned mPreviousCodePage = 0;
+  [[maybe_unused]] unsigned mPreviousCodePage = 0;  // on Windows
 };
 
 // Whether the standard error is a terminal.

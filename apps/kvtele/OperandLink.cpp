@@ -4,12 +4,12 @@
 
 #include "apps/kvtele/LinkChoice.h"
 #include "apps/kvtele/Progress.h"
+#include "dataview/OperandCatalogue.h"
 #include "dataview/OsSupport.h"
 #include "dataview/RegionTransfer.h"
 
 namespace kv::cli {
 
-using mdlDataTypesView::AreRegionsSupported;
 using mdlDataTypesView::kRegionsNotSupportedMessage;
 
 namespace {
@@ -37,6 +37,18 @@ Failure WriteFailure(const LinkError& error, const Region& region, const Region&
   return failure;
 }
 
+// Stricter than the check of a whole table of regions, which lets one address too many pass: the controller would
+// refuse it.
+std::expected<void, Failure> CheckFitsOs(const Region& region, const Connection& connection) {
+  const std::string& os = connection.Version().osVersion;
+  if (mdlDataTypesView::IsOsCurrent(connection.Model(), os)) return {};
+  const std::int32_t count = mdlDataTypesView::LegacyOsOperandCount(region.type, connection.Model());
+  if (region.to < count) return {};
+  const std::string cure = count > 0 ? "use addresses from 0 to " + std::to_string(count - 1) + ", or " : "";
+  return std::unexpected(NotFitFailure("using " + RegionText(region), std::string(kRegionsNotSupportedMessage),
+                                       "\"" + os + "\" is an older O/S", cure + "replace the O/S"));
+}
+
 std::expected<void, Failure> CheckFitsController(Connection& connection, const Region& region) {
   const std::string doing = "using " + RegionText(region);
   const auto info = connection.Link().GetControllerInfo(connection.Unit());
@@ -47,10 +59,7 @@ std::expected<void, Failure> CheckFitsController(Connection& connection, const R
                                          "reset it, or replace its O/S"));
   }
   if (const auto fits = CheckFitsModel(region, connection.Model()); !fits) return fits;
-  if (AreRegionsSupported(connection.Model(), connection.Version().osVersion, {&region, 1})) return {};
-  return std::unexpected(NotFitFailure(doing, std::string(kRegionsNotSupportedMessage),
-                                       "the O/S \"" + connection.Version().osVersion + "\" is an older one",
-                                       "use lower addresses, or replace the O/S"));
+  return CheckFitsOs(region, connection);
 }
 
 }  // namespace

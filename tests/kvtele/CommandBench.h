@@ -1,0 +1,56 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "apps/kvtele/DriverMaker.h"
+#include "apps/kvtele/KvTele.h"
+#include "desktop/VirtualPacer.h"
+#include "simulator/SimulatedController.h"
+#include "tests/base/TemporaryFolder.h"
+
+namespace kv::test {
+
+// A terminal at which somebody sits who types these lines; nobody does while there are none.
+class TypedInput : public ConsoleInput {
+ public:
+  std::vector<std::string> lines;
+
+  [[nodiscard]] bool IsInteractive() const override { return !lines.empty(); }
+  [[nodiscard]] std::optional<std::string> ReadLine(bool secret) override;
+};
+
+// What a command left behind.
+struct Result {
+  int exit = -1;
+  std::string out;
+  std::string err;
+  std::string trace;  // what passed on the line
+};
+
+// Runs commands in this process, on a virtual clock and on simulated controllers. A controller lives as long as the
+// bench, so one command finds what another has written.
+class CommandBench {
+ public:
+  CommandBench();
+
+  sim::SimulatorOptions options;  // of the controllers that are made from now on; the model is that of the link
+  TypedInput input;
+  VirtualPacer pacer;
+  bool errIsTerminal = false;
+  std::vector<SerialPortInfo> serialPorts;
+  TemporaryFolder home;  // with an empty session "Default"
+
+  // `kvtele --link sim:MODEL arguments`
+  Result On(const std::string& model, const std::vector<std::string>& arguments);
+  Result Run(const std::vector<std::string>& arguments);
+
+ private:
+  [[nodiscard]] std::unique_ptr<InProcessLine> NewLine(const std::string& model);
+
+  std::map<std::string, std::unique_ptr<sim::SimulatedController>> mControllers;
+};
+
+}  // namespace kv::test

@@ -1,0 +1,119 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+#include "tests/kvtele/CommandBench.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+// 150 words: three requests.
+std::vector<std::string> LongWrite() {
+  std::vector<std::string> arguments{"write", "DBI", "0"};
+  arguments.resize(3 + 150, "1");
+  return arguments;
+}
+
+struct Trouble {
+  const char* fault;
+  std::vector<std::string> arguments;
+  int exit;
+  const char* message;
+};
+
+TEST(Trouble, EndsWithTheExitCodeThatTellsWhatToDo) {
+  const Trouble rows[] = {
+      {"lie:on=WO", {"write", "MI", "7", "5"}, 5, "MI 7 reads 0, written was 5"},
+      {"busy:on=RO", {"read", "MI", "0"}, 4, "busy"},
+      {"refuse:on=WO,code=06", {"write", "MI", "0", "1"}, 4, "nothing was written"},
+      {"refuse:on=WO,code=06,nth=3", LongWrite(), 4, "DBI 0..119 had been written before"},
+      {"noreply:on=RO", {"read", "MI", "0"}, 7, "no reply"},
+      {"noreply:on=ID", {"read", "MI", "0"}, 3, "no reply"},
+      {"lost:on=WO,nth=2,dir=in,away=600000", LongWrite(), 7, "DBI 0..59 had been written before"},
+  };
+  for (const Trouble& row : rows) {
+    SCOPED_TRACE(row.fault);
+    CommandBench bench;
+    bench.options.faults = {row.fault};
+    const Result result = bench.On("Q50", row.arguments);
+    EXPECT_EQ(result.exit, row.exit);
+    EXPECT_THAT(result.err, HasSubstr(row.message));
+    EXPECT_EQ(result.out, "");
+  }
+}
+
+TEST(Trouble, ThatPassesIsNoTrouble) {
+  CommandBench bench;
+  bench.options.faults = {"damage:chars=2,every=3", "noreply:every=7", "double:every=5"};
+  const Result result = bench.On("Q50", LongWrite());
+  EXPECT_EQ(result.exit, 0) << result.err;
+}
+
+TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
+  const std::vector<std::string> write{"write", "MI", "7", "5"};
+  CommandBench bench;
+  bench.options.password = "1234";
+  const Result without = bench.On("Q50", write);
+  EXPECT_EQ(without.exit, 4);
+  EXPECT_THAT(without.err, HasSubstr("give the controller's password with --password"));
+  EXPECT_THAT(bench.On("Q50", {"write", "MI", "7", "5", "--json"}).out, HasSubstr("\"code\": \"passwordNeeded\""));
+
+  std::vector<std::string> withPassword = write;
+  withPassword.insert(withPassword.end(), {"--password", "0000"});
+  EXPECT_EQ(bench.On("Q50", withPassword).exit, 4);
+  EXPECT_EQ(bench.On("Q50", {"read", "MI", "7"}).out, "7\t0\n");
+  withPassword.back() = "1234";
+  EXPECT_EQ(bench.On("Q50", withPassword).exit, 0);
+
+  bench.input.lines = {"1234"};
+  EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "6"}).exit, 0);
+  EXPECT_EQ(bench.On("Q50", {"read", "MI", "7"}).out, "7\t6\n");
+}
+
+TEST(CtrlC, EndsEveryCommandAndSaysHowFarItWas) {
+  CommandBench bench;
+  bench.pacer.RequestStop();
+  EXPECT_EQ(bench.On("Q50", {"identify"}).exit, 130);
+  bench.pacer.ClearStop();
+
+  // Stopped while the second request waits for a reply that is late.
+  bench.options.faults = {"late:on=WO,nth=2,ms=900"};
+  bench.pacer.After(std::chrono::milliseconds(400), [&] { bench.pacer.RequestStop(); });
+  const Result result = bench.On("Q58", {[] {
+                                   std::vector<std::string> arguments = LongWrite();
+                                   arguments[1] = "MI";
+                                   return arguments;
+                                 }()});
+  EXPECT_EQ(result.exit, 130);
+  EXPECT_THAT(result.err, HasSubstr("MI 0..59 had been written before"));
+  EXPECT_EQ(result.out, "");
+}
+
+// A reader that has gone away, or a full disk: every write fails.
+class BrokenPipe : public std::streambuf {
+  int_type overflow(int_type) override { return traits_type::eof(); }
+};
+
+TEST(Output, ThatCannotBeWrittenFailsWithoutHarm) {
+  BrokenPipe buffer;
+  std::ostream out(&buffer);
+  std::ostringstream err;
+  TypedInput input;
+  VirtualPacer pacer;
+  cli::Environment environment{.out = out,
+                               .err = err,
+                               .errIsTerminal = false,
+                               .input = input,
+                               .pacer = pacer,
+                               .home = {},
+                               .makeDriver = {},
+                               .listSerialPorts = [] { return std::vector<SerialPortInfo>{{"COM3", "COM3", "", ""}}; }};
+  EXPECT_EQ(static_cast<int>(cli::RunKvTele({"ports"}, environment)), 1);
+  EXPECT_THAT(err.str(), HasSubstr("could not be written"));
+}
+
+}  // namespace
+}  // namespace kv::test
