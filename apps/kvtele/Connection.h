@@ -23,6 +23,7 @@ class Connection {
   Connection& operator=(const Connection&) = delete;
 
   [[nodiscard]] Channel& Link() { return *mChannel; }
+  [[nodiscard]] CommDriver& Driver() { return *mDriver; }
   [[nodiscard]] std::uint8_t Unit() const { return mChannel->UnitID(); }
   [[nodiscard]] const VersionInfo& Version() const { return mVersion; }
   // The model that the catalogue is asked about.

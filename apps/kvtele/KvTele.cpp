@@ -15,6 +15,7 @@ constexpr const char* kProgramExamples =
     "  kvtele --link tcp:192.168.1.20:20300 read MI 0 9  ten integers, one a line\n"
     "  kvtele --link serial:COM3 write MI 0 4660 22136   two integers, read back and compared\n"
     "  kvtele --session Plant2 read \"TIMER PRESET\" 0     with the link settings of a session\n"
+    "  kvtele sessions create Plant2                     a copy of session Default\n"
     "  kvtele ports                                      the serial lines of this machine\n";
 
 constexpr const char* kExitCodes =

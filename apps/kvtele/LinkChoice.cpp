@@ -5,9 +5,9 @@
 
 #include "KvCmDrv1/LinkText.h"
 #include "KvCmDrv1/SettingsFile.h"
+#include "apps/kvtele/ProgramFolder.h"
 #include "apps/support/SimulatedControllers.h"
 #include "base/PathText.h"
-#include "base/ProgramPaths.h"
 #include "models/ModelCatalogue.h"
 #include "sessions/SessionManager.h"
 
@@ -28,9 +28,8 @@ Failure NoSession(const std::string& name, const std::filesystem::path& folder) 
 Chosen FindSession(const Environment& environment, const CommonOptions& common) {
   if (const std::string fault = SessionNameFault(common.session); !fault.empty())
     return std::unexpected(UsageFailure(fault));
-  const ProgramPaths paths(common.home.empty() ? environment.home : PathFromUtf8(common.home));
   LinkChoice choice;
-  choice.sessionFolder = paths.Session(common.session);
+  choice.sessionFolder = PathsOf(environment, common).Session(common.session);
   const bool isNeeded = common.link.empty() || common.isSessionNamed;
   std::error_code ignored;
   if (isNeeded && !std::filesystem::is_directory(choice.sessionFolder, ignored)) {

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "apps/kvtele/Connection.h"
+#include "apps/kvtele/DocumentText.h"
 #include "base/AnsiText.h"
 
 namespace kv::cli {
@@ -42,36 +43,20 @@ nlohmann::ordered_json DocumentOf(const Connection& connection, const Channel::C
           {"project", AnsiToUtf8(info.projectName)}};
 }
 
-struct Line {
-  std::string_view label;  // padded to one width
-  std::string_view key;    // of the document
-};
-
 // clang-format off
 constexpr std::array kLines = {
-    Line{"model          ", "model"},
-    Line{"host model     ", "hostModel"},
-    Line{"hardware code  ", "hardwareCode"},
-    Line{"O/S            ", "os"},
-    Line{"build          ", "build"},
-    Line{"unit           ", "unit"},
-    Line{"link           ", "link"},
-    Line{"serial number  ", "serialNumber"},
-    Line{"state          ", "state"},
-    Line{"project        ", "project"},
+    DocumentLine{"model          ", "model"},
+    DocumentLine{"host model     ", "hostModel"},
+    DocumentLine{"hardware code  ", "hardwareCode"},
+    DocumentLine{"O/S            ", "os"},
+    DocumentLine{"build          ", "build"},
+    DocumentLine{"unit           ", "unit"},
+    DocumentLine{"link           ", "link"},
+    DocumentLine{"serial number  ", "serialNumber"},
+    DocumentLine{"state          ", "state"},
+    DocumentLine{"project        ", "project"},
 };
 // clang-format on
-
-std::string TextOf(const nlohmann::ordered_json& document) {
-  std::string text;
-  for (const Line& line : kLines) {
-    const auto& value = document.at(std::string(line.key));
-    std::string shown = value.is_string() ? value.get<std::string>() : value.dump();
-    if (shown.empty()) shown = "-";
-    text.append(line.label).append(shown).append("\n");
-  }
-  return text;
-}
 
 }  // namespace
 
@@ -89,7 +74,7 @@ Outcome VerbIdentify::Run(Environment& environment, const CommonOptions& common)
   const auto info = controller.Link().GetControllerInfo(controller.Unit());
   if (!info) return std::unexpected(controller.LastFailure());
   const auto document = DocumentOf(controller, *info);
-  return Answer{TextOf(document), document};
+  return Answer{DocumentText(document, kLines), document};
 }
 
 }  // namespace kv::cli

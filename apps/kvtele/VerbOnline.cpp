@@ -1,7 +1,6 @@
 #include "apps/kvtele/VerbOnline.h"
 
 #include <array>
-#include <string_view>
 
 #include "apps/kvtele/Connection.h"
 #include "apps/kvtele/ConsoleHost.h"
@@ -15,8 +14,6 @@
 namespace kv::cli {
 
 namespace {
-
-constexpr std::string_view kDoing = "going on line";
 
 // clang-format off
 constexpr std::array kLines = {
@@ -32,58 +29,37 @@ constexpr std::array kLines = {
 };
 // clang-format on
 
-// One run: the driver on its link, and the host that is told about it.
-class OnlineRun {
- public:
-  OnlineRun(Environment& environment, const CommonOptions& common, CommDriver& driver)
-      : mShared(PathsOf(environment, common)), mDriver(driver) {
-    mShared.CurrentSession = common.session;
-    const std::string model = common.model.empty() ? LastModel(mShared) : common.model;
-    mHost.emplace(environment.err, model, Utf8FromPath(mShared.paths.Home()));
-    mShared.Remote = &*mHost;
-    mShared.ComDriver = &driver;
-  }
+// What the window's programs share, for one run on the terminal.
+SharedState SharedFor(const Environment& environment, const CommonOptions& common, Connection& connection) {
+  SharedState shared(PathsOf(environment, common));
+  shared.CurrentSession = common.session;
+  shared.ComDriver = &connection.Driver();
+  return shared;
+}
 
-  Outcome Run() {
-    mDriver.SetDriverActive(true);
-    mChannel = mDriver.GetChannel();
-    if (!mChannel) return std::unexpected(LinkFailure(mDriver.LastError(), false));
-    GoOnline(mShared, mPrompts);
-    if (mHost->IsOnline()) return Tell();
-    if (mPrompts.Said().empty()) return std::unexpected(LinkFailure(mChannel->LastError(), false));
-    Failure refusal = NotFitFailure(std::string(kDoing), mPrompts.Said(), {}, {});
-    refusal.code = "refused";
-    return std::unexpected(refusal);
-  }
+Answer MakeAnswer(Connection& connection, const Channel::ControllerInfo& info, const ConsoleHost& host) {
+  const ConsoleHost::Panel& panel = host.PanelSettings();
+  Answer answer;
+  answer.document = {{"model", host.Model()},
+                     {"reported", connection.Version().model},
+                     {"os", connection.Version().osVersion},
+                     {"build", connection.Version().osBuild},
+                     {"unit", connection.Unit()},
+                     {"link", connection.Description()},
+                     {"project", AnsiToUtf8(info.projectName)},
+                     {"panelData", panel.data},
+                     {"panelInformation", nullptr},
+                     {"caption", panel.caption}};
+  if (panel.information) answer.document["panelInformation"] = *panel.information;
+  answer.text = DocumentText(answer.document, kLines);
+  return answer;
+}
 
- private:
-  Outcome Tell() {
-    const auto version = mChannel->GetVersionInfo(mChannel->UnitID());
-    const auto info = version ? mChannel->GetControllerInfo(mChannel->UnitID()) : std::nullopt;
-    if (!info) return std::unexpected(LinkFailure(mChannel->LastError(), true));
-    const ConsoleHost::Panel& panel = mHost->PanelSettings();
-    Answer answer;
-    answer.document = {{"model", mHost->Model()},
-                       {"reported", version->model},
-                       {"os", version->osVersion},
-                       {"build", version->osBuild},
-                       {"unit", mChannel->UnitID()},
-                       {"link", mDriver.LinkDescription()},
-                       {"project", AnsiToUtf8(info->projectName)},
-                       {"panelData", panel.data},
-                       {"panelInformation", nullptr},
-                       {"caption", panel.caption}};
-    if (panel.information) answer.document["panelInformation"] = *panel.information;
-    answer.text = DocumentText(answer.document, kLines);
-    return answer;
-  }
-
-  SharedState mShared;
-  CommDriver& mDriver;
-  NotedPrompts mPrompts;
-  std::optional<ConsoleHost> mHost;
-  std::shared_ptr<Channel> mChannel;
-};
+Failure Refusal(const std::string& text) {
+  Failure failure = NotFitFailure("going on line", text, {}, {});
+  failure.code = "refused";
+  return failure;
+}
 
 }  // namespace
 
@@ -94,11 +70,20 @@ const char* VerbOnline::Examples() const {
 }
 
 Outcome VerbOnline::Run(Environment& environment, const CommonOptions& common) {
-  const auto driver = MakeDriver(environment, common);
-  if (!driver) return std::unexpected(driver.error());
-  const Outcome outcome = OnlineRun(environment, common, **driver).Run();
-  (*driver)->CloseDriver();
-  return outcome;
+  const auto connection = Connection::Open(environment, common);
+  if (!connection) return std::unexpected(connection.error());
+  Connection& controller = **connection;
+  SharedState shared = SharedFor(environment, common, controller);
+  const std::string model = common.model.empty() ? LastModel(shared) : common.model;
+  ConsoleHost host(environment.err, model, Utf8FromPath(shared.paths.Home()));
+  shared.Remote = &host;
+  NotedPrompts prompts;
+  GoOnline(shared, prompts);
+  if (!prompts.Said().empty()) return std::unexpected(Refusal(prompts.Said()));
+  if (!host.IsOnline()) return std::unexpected(controller.LastFailure());
+  const auto info = controller.Link().GetControllerInfo(controller.Unit());
+  if (!info) return std::unexpected(controller.LastFailure());
+  return MakeAnswer(controller, *info, host);
 }
 
 }  // namespace kv::cli

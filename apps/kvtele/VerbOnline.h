@@ -4,7 +4,8 @@
 
 namespace kv::cli {
 
-// Goes through what On Line does in the window, up to where the panel would be shown, and tells the result.
+// Goes through what On Line does in the window, up to where the panel would be shown, and tells the result. As there,
+// the model becomes the session's last one.
 class VerbOnline : public Verb {
  public:
   [[nodiscard]] const char* Name() const override { return "online"; }

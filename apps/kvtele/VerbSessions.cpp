@@ -23,20 +23,27 @@ Outcome List(const SessionManager& sessions) {
   return answer;
 }
 
-// The session that --session names is the one that is copied. Which session a running window works in is its own
-// affair, so its mark stays as it is.
-Outcome Create(const SessionManager& sessions, const std::string& name) {
+bool IsListed(const SessionManager& sessions, const std::string& name) {
+  const auto names = sessions.List();
+  return std::ranges::find(names, name) != names.end();
+}
+
+Failure NoSession(const std::string& name) {
+  return UsageFailure("there is no session \"" + name + "\"", "see kvtele sessions list");
+}
+
+// Copies the session that --session names. The copy does not become current: which session a running window works in is
+// its own affair, and so is the mark of that.
+Outcome Create(const SessionManager& sessions, const std::string& source, const std::string& name) {
   if (const std::string fault = SessionNameFault(name); !fault.empty()) return std::unexpected(UsageFailure(fault));
+  if (!IsListed(sessions, source)) return std::unexpected(NoSession(source));
   const auto copied = sessions.CopyCurrent(name);
   if (!copied) return std::unexpected(SessionFailure("creating session \"" + name + "\"", copied.error(), {}));
   return Answer{"", {{"created", name}}};
 }
 
 Outcome Delete(SessionManager& sessions, const NotedPrompts& prompts, const std::string& name) {
-  const auto names = sessions.List();
-  if (std::ranges::find(names, name) == names.end()) {
-    return std::unexpected(UsageFailure("there is no session \"" + name + "\"", "see kvtele sessions list"));
-  }
+  if (!IsListed(sessions, name)) return std::unexpected(NoSession(name));
   if (sessions.Delete(name)) return Answer{"", {{"deleted", name}}};
   const std::string doing = "deleting session \"" + name + "\"";
   if (!prompts.Said().empty()) return std::unexpected(SessionFailure(doing, prompts.Said(), {}));
@@ -54,20 +61,23 @@ const char* VerbSessions::Examples() const {
 }
 
 void VerbSessions::Declare(CLI::App& app) {
-  app.add_option("ACTION", mAction, "list, create or delete")->required()->check(CLI::IsMember({"list", "create", "delete"}));
+  app.add_option("ACTION", mAction, "list, create or delete")
+      ->required()
+      ->check(CLI::IsMember({"list", "create", "delete"}));
   app.add_option("NAME", mName, "The session to create or delete");
 }
 
 Outcome VerbSessions::Run(Environment& environment, const CommonOptions& common) {
   if (mName.empty() != (mAction == "list")) {
-    return std::unexpected(UsageFailure(mAction == "list" ? "list takes no name" : mAction + " needs the session's name",
-                                        "see kvtele sessions --help"));
+    return std::unexpected(
+        UsageFailure(mAction == "list" ? "list takes no name" : mAction + " needs the session's name",
+                     "see kvtele sessions --help"));
   }
   SharedState shared(PathsOf(environment, common));
   shared.CurrentSession = common.session;
   NotedPrompts prompts;
   SessionManager sessions(shared, prompts);
-  if (mAction == "create") return Create(sessions, mName);
+  if (mAction == "create") return Create(sessions, common.session, mName);
   if (mAction == "delete") return Delete(sessions, prompts, mName);
   return List(sessions);
 }

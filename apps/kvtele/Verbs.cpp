@@ -1,7 +1,9 @@
 #include "apps/kvtele/Verb.h"
 #include "apps/kvtele/VerbIdentify.h"
+#include "apps/kvtele/VerbOnline.h"
 #include "apps/kvtele/VerbPorts.h"
 #include "apps/kvtele/VerbRead.h"
+#include "apps/kvtele/VerbSessions.h"
 #include "apps/kvtele/VerbWrite.h"
 
 namespace kv::cli {
@@ -9,8 +11,10 @@ namespace kv::cli {
 std::vector<std::unique_ptr<Verb>> MakeVerbs() {
   std::vector<std::unique_ptr<Verb>> verbs;
   verbs.push_back(std::make_unique<VerbIdentify>());
+  verbs.push_back(std::make_unique<VerbOnline>());
   verbs.push_back(std::make_unique<VerbRead>());
   verbs.push_back(std::make_unique<VerbWrite>());
+  verbs.push_back(std::make_unique<VerbSessions>());
   verbs.push_back(std::make_unique<VerbPorts>());
   return verbs;
 }

@@ -1,0 +1,22 @@
+#include "apps/kvtele/DocumentText.h"
+
+namespace kv::cli {
+
+namespace {
+
+std::string Shown(const nlohmann::ordered_json& value) {
+  if (value.is_null() || value == "") return std::string(1, '-');
+  return value.is_string() ? value.get<std::string>() : value.dump();
+}
+
+}  // namespace
+
+std::string DocumentText(const nlohmann::ordered_json& document, std::span<const DocumentLine> lines) {
+  std::string text;
+  for (const DocumentLine& line : lines) {
+    text.append(line.label).append(Shown(document.at(std::string(line.key)))).append("\n");
+  }
+  return text;
+}
+
+}  // namespace kv::cli
