@@ -20,6 +20,13 @@ bool IsReadOperation(std::uint16_t opCode) {
   return std::ranges::find(kReads, opCode) != kReads.end();
 }
 
+// Whether a controller that could not be asked again leaves a request that went out in doubt. A stop and another
+// controller are told as what they are, and after a loss it is asked once more.
+bool LeavesUnsure(Outcome ofGettingReady) {
+  return ofGettingReady != Outcome::Lost && ofGettingReady != Outcome::Stopped &&
+         ofGettingReady != Outcome::OtherController;
+}
+
 LinkError TextFaultError(TextFault fault) {
   LinkError error;
   error.code = LinkErrorCode::BadArgument;
@@ -198,8 +205,7 @@ Outcome Exchange::RunText(const TextRequest& request) {
       // A link that has gone quietly is noticed before a request that could not be sent again.
       if (!isRead) outcome = mLine.DropInput();
       if (outcome == Outcome::Done) outcome = TryText(request, mMain);
-    } else if (mWentOut && !isRead && outcome != Outcome::Lost && outcome != Outcome::Stopped &&
-               outcome != Outcome::OtherController) {
+    } else if (mWentOut && !isRead && LeavesUnsure(outcome)) {
       return Outcome::Unsure;
     }
     if (outcome != Outcome::Lost) return outcome;
@@ -256,7 +262,7 @@ Outcome Exchange::RunBlock(const BlockRequest& request) {
       if (mWentOut && !isRead) return Outcome::Unsure;  // the new connection does not know the sequence number
       if (!isRead) outcome = mLine.DropInput();
       if (outcome == Outcome::Done) outcome = TryBlock(request);
-    } else if (mWentOut && !isRead && outcome == Outcome::CannotReopen) {
+    } else if (mWentOut && !isRead && LeavesUnsure(outcome)) {
       return Outcome::Unsure;
     }
     if (outcome != Outcome::Lost) return outcome;

@@ -125,7 +125,7 @@ class Exchange {
   [[nodiscard]] Outcome Identify(std::uint8_t unit);
   [[nodiscard]] Outcome GiveAccess(std::uint8_t unit);
   [[nodiscard]] Outcome Ask(const TextRequest& request, Buffers& buffers);
-  [[nodiscard]] Outcome Compare(UnitState& unit, const std::optional<Identity>& found);
+  [[nodiscard]] Outcome Compare(UnitState& unit, const Identity& found);
   [[nodiscard]] Outcome WhatBecameOf(const TextRequest& request);
   [[nodiscard]] bool MayGoOn();
 

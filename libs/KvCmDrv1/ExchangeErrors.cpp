@@ -63,6 +63,9 @@ LinkError Exchange::Explain(Outcome outcome) const {
     case Outcome::Closed:
       return MakeError(LinkLost, "the link is closed", "the driver was closed, or the link settings were changed",
                        "start the operation again");
+    case Outcome::NotIdentified:
+      return MakeError(Busy, "the controller does not say who it is", "it is starting, or too busy to answer",
+                       "try again in a few seconds");
     case Outcome::OtherController:
       return MakeError(OtherController, "another controller answered: " + mOtherName,
                        "the cable was moved, or the address now belongs to another controller",

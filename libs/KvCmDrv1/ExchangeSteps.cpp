@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t kStepReply = 58;         // SY: letters, tag, counter, check, 40 characters
 constexpr std::size_t kInformationReply = 55;  // IN: letters, tag, serial number, state, name
 constexpr std::size_t kAccessReply = 9;
+constexpr int kWrongPassword = 0x08;
 
 std::string NameOf(const Identity& identity) {
   return identity.version.model + ", serial number " + std::to_string(identity.serialNumber);
@@ -79,22 +80,19 @@ Outcome Exchange::Identify(std::uint8_t unit) {
   if (outcome != Outcome::Done) return outcome;
   const std::optional<Channel::ControllerInfo> info = ReadInformation(mMeeting.reply, tag);
 
-  std::optional<Identity> found;
-  if (version && info) found = Identity{info->serialNumber, *version};
-  return Compare(mUnits[unit], found);
+  if (!version || !info) return Outcome::NotIdentified;
+  return Compare(mUnits[unit], {info->serialNumber, *version});
 }
 
-Outcome Exchange::Compare(UnitState& unit, const std::optional<Identity>& found) {
-  if (unit.identity) {
-    const bool isSameModel = unit.modelMayChange || (found && found->version.model == unit.identity->version.model);
-    if (!found || found->serialNumber != unit.identity->serialNumber || !isSameModel) {
-      mOtherName = (found ? NameOf(*found) : "a controller that does not identify itself") + " instead of " +
-                   NameOf(*unit.identity);
-      mIsOtherController = true;
-      mLine.Close();
-      mSay("Connection closed: another controller answered");
-      return Outcome::OtherController;
-    }
+Outcome Exchange::Compare(UnitState& unit, const Identity& found) {
+  const std::optional<Identity>& known = unit.identity;
+  const bool isSameModel = unit.modelMayChange || !known || found.version.model == known->version.model;
+  if (known && (found.serialNumber != known->serialNumber || !isSameModel)) {
+    mOtherName = NameOf(found) + " instead of " + NameOf(*known);
+    mIsOtherController = true;
+    mLine.Close();
+    mSay("Connection closed: another controller answered");
+    return Outcome::OtherController;
   }
   unit.identity = found;
   unit.modelMayChange = false;
@@ -109,7 +107,8 @@ Outcome Exchange::GiveAccess(std::uint8_t unit) {
       Ask({unit, mWriter.GiveAccess(unit, tag, state.password), TaggedRead(kAccessReply), {}}, mMeeting);
   if (outcome != Outcome::Done) return outcome;
   if (ReadsAccessGiven(mMeeting.reply, tag)) return Outcome::Done;
-  state.password.clear();
+  // A controller that is only busy now will take it the next time.
+  if (ReadRefusal(mMeeting.reply, "AC") == kWrongPassword) state.password.clear();
   return Outcome::NotSupported;
 }
 
@@ -119,14 +118,16 @@ Outcome Exchange::Ask(const TextRequest& request, Buffers& buffers) {
 }
 
 // The last request other than a read tells: when it was executed since ours went out it must be ours, and when none
-// was, ours was not.
+// was, ours was not. A controller that has restarted knows nothing of what it did before: its counter is behind, or
+// seems to have gone around, and it names no request or one from after the restart.
 Outcome Exchange::WhatBecameOf(const TextRequest& request) {
   const Outcome outcome = FindStep(request.unit);
   if (outcome == Outcome::Lost || outcome == Outcome::Stopped) return outcome;
   if (outcome != Outcome::Done) return Outcome::Unsure;
 
   const std::uint16_t counterNow = mUnits[request.unit].counter;
-  const bool hasRestarted = !IsNewer(counterNow, mCounterBefore);
+  const bool mayHaveRestarted = counterNow < mCounterBefore && mStepReply.counter == 0;
+  const bool hasRestarted = !IsNewer(counterNow, mCounterBefore) || mayHaveRestarted;
   const int since = StepsAhead(mStepReply.counter, mCounterBefore);
   const bool isSince = mStepReply.counter != 0 && since >= 1 && since < StepsAhead(counterNow, mCounterBefore);
   const bool isOurs = mStepReply.counter != 0 && mStepReply.check == Crc32(request.text);

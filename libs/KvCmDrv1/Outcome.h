@@ -11,6 +11,7 @@ enum class Outcome {
   Stopped,          // the user or AbortComm ended it
   Closed,           // the link is closed, and is not to be opened by an exchange
   CannotReopen,     // lost, and did not come back until the deadline
+  NotIdentified,    // the controller answers, but does not say who it is
   OtherController,  // came back, to another controller
   NotExecuted,      // lost on the way; the controller says that it has not executed the request
   NotSupported,     // the controller does not have this

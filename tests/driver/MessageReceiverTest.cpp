@@ -117,15 +117,6 @@ TEST(MessageReceiver, GivesUpABlockMessageThatStopsArriving) {
   }
 }
 
-TEST(MessageReceiver, AnnouncedLengthCannotBeBeyondAReply) {
-  std::string head("\xB4\x4B\x01\x02\x01\x0A\x05\x00\x01\x01\0\0\0\0\0\0\0\0\0\0\0\0", 22);
-  AppendLittleEndian(head, kMaxReplyPayload + 1, 4);
-  AppendLittleEndian(head, Crc32(head) & 0xFFFFU, 2);
-  MessageReceiver receiver;
-  receiver.Feed(head, Instant{});
-  EXPECT_EQ(Finds(receiver, Instant{})[0], 'h');
-}
-
 TEST(MessageReceiver, EndlessCharactersAreDroppedAndTheNextFrameFound) {
   const std::string longest = Frame(std::string(kMaxFrameText, 'x'));
   MessageReceiver receiver;

@@ -85,6 +85,15 @@ TEST(Reconnect, GoesOnWithTheSameControllerOnly) {
   }
 }
 
+TEST(Reconnect, ControllerThatIsTooBusyToSayWhoItIsIsNoOther) {
+  Bench bench;
+  bench.controller.CutLink();
+  bench.Arm("IN", Fault::Refused);
+  EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
+  EXPECT_EQ(bench.Error().code, LinkErrorCode::Busy);
+  EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1));
+}
+
 TEST(Reconnect, ModelMayChangeThroughTheBootLoader) {
   Bench bench;
   ASSERT_TRUE(bench.channel.SendCommand("CCB"));
