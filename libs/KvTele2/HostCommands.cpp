@@ -11,48 +11,48 @@ constexpr HostCommand kSeparator{};
 
 // clang-format off
 constexpr std::array kFile{
-    // id                        text                              icon        shortcut        what it does
-    HostCommand{"ID_PagesFile",            "&Open Telepanel File...",        "open",     "Ctrl+O",       "Opens the pages file of a project", true},
-    HostCommand{kRecentPages,              "&Recent Telepanel Files",        "pages",    "",             "Opens a pages file that was open before"},
-    HostCommand{kSavePages,                "&Save Telepanel File...",        "save",     "Ctrl+S",       "Saves a pages file for the project of the controller that is on line"},
-    HostCommand{kClosePages,               "&Close Telepanel File",          "delete",   "Ctrl+W",       "Closes the pages file, so that a controller with any project can go on line"},
+    //          id                         text                                shortcut        what it does                                                               tool bar
+    HostCommand{"ID_PagesFile",            "&Open Telepanel File...",          "Ctrl+O",       "Opens the pages file of a project",                                       "Open"},
+    HostCommand{kRecentPages,              "&Recent Telepanel Files",          "",             "Opens a pages file that was open before",                                 ""},
+    HostCommand{kSavePages,                "&Save Telepanel File...",          "Ctrl+S",       "Saves a pages file for the project of the controller that is on line",    ""},
+    HostCommand{kClosePages,               "&Close Telepanel File",            "Ctrl+W",       "Closes the pages file, so that any project can go on line",                ""},
     kSeparator,
-    HostCommand{"ID_ImportFontsAndImages", "Import &Fonts and Images...",    "images",   "",             "Opens a colour cache file with the fonts and images of a controller"},
-    HostCommand{"ID_ImportCacheFromPLC",   "Import Cache from Co&ntroller...", "cache",  "",             "Reads the fonts and images of a colour controller into a cache file"},
+    HostCommand{"ID_ImportFontsAndImages", "Import &Fonts and Images...",      "",             "Opens a colour cache file with the fonts and images of a controller",     ""},
+    HostCommand{"ID_ImportCacheFromPLC",   "Import Cache from Co&ntroller...", "",             "Reads the fonts and images of a colour controller into a cache file",     ""},
     kSeparator,
-    HostCommand{"ID_Session",              "S&essions...",                   "session",  "Ctrl+E",       "Creates, activates and deletes sessions", true},
+    HostCommand{"ID_Session",              "S&essions...",                     "Ctrl+E",       "Creates, activates and deletes sessions",                                 "Sessions"},
     kSeparator,
-    HostCommand{kExit,                     "E&xit",                          "exit",     "Ctrl+Q",       "Leaves the program"},
+    HostCommand{kExit,                     "E&xit",                            "Ctrl+Q",       "Leaves the program",                                                      ""},
 };
 constexpr std::array kController{
-    HostCommand{kOnLine,                   "&On Line",                       "online",   "F5",           "Connects to the controller and identifies it", true},
-    HostCommand{kOffLine,                  "O&ff Line",                      "offline",  "Shift+F5",     "Lets go of the controller", true},
+    HostCommand{kOnLine,                   "&On Line",                         "F5",           "Connects to the controller and identifies it",                            "On Line"},
+    HostCommand{kOffLine,                  "O&ff Line",                        "Shift+F5",     "Lets go of the controller",                                               "Off Line"},
     kSeparator,
-    HostCommand{kModel,                    "&Model",                         "model",    "",             "Selects the model of the controller"},
+    HostCommand{kModel,                    "&Model",                           "",             "Selects the model of the controller",                                     ""},
     kSeparator,
-    HostCommand{kComParams,                "&Communication Settings...",     "link",     "Ctrl+K",       "Chooses the link to the controller: port, address, unit id, time-outs", true},
-    HostCommand{"ID_Modem",                "Mo&dem Settings...",             "modem",    "",             "Number and dialling of the modem"},
+    HostCommand{kComParams,                "&Communication Settings...",       "Ctrl+K",       "Chooses the link to the controller: port, address, unit id, time-outs",   "Link"},
+    HostCommand{"ID_Modem",                "Mo&dem Settings...",               "",             "Number and dialling of the modem",                                        ""},
 };
 constexpr std::array kTools{
-    HostCommand{"ID_DataTypes",            "&Operand View...",               "datatypes", "Ctrl+D",      "Shows and writes the operands of the controller", true},
-    HostCommand{"ID_Downloader",           "&Downloader...",                 "download", "Ctrl+L",       "Loads projects and operating systems into the controller", true},
-    HostCommand{"ID_DumpPLC",              "&Cloner...",                     "clone",    "Ctrl+B",       "Creates a clone file of the whole controller, or restores one", true},
-    HostCommand{"ID_PLC_DB",               "&Panel Design...",               "panel",    "",             "Opens the editor for panel designs"},
+    HostCommand{"ID_DataTypes",            "&Operand View...",                 "Ctrl+D",       "Shows and writes the operands of the controller",                         "Operands"},
+    HostCommand{"ID_Downloader",           "&Downloader...",                   "Ctrl+L",       "Loads projects and operating systems into the controller",                "Downloader"},
+    HostCommand{"ID_DumpPLC",              "&Cloner...",                       "Ctrl+B",       "Creates a clone file of the whole controller, or restores one",           "Cloner"},
+    HostCommand{"ID_PLC_DB",               "&Panel Design...",                 "",             "Opens the editor for panel designs",                                      ""},
     kSeparator,
-    HostCommand{"ID_PID_Srv",              "P&ID Server",                    "pid",      "",             "Starts the PID Server"},
-    HostCommand{"ID_DownloadDesigner",     "Download Desi&gner",             "designer", "",             "Starts the Download Designer for the selected model"},
+    HostCommand{"ID_PID_Srv",              "P&ID Server",                      "",             "Starts the PID Server",                                                   ""},
+    HostCommand{"ID_DownloadDesigner",     "Download Desi&gner",               "",             "Starts the Download Designer for the selected model",                     ""},
 };
 constexpr std::array kUser{
-    HostCommand{"ID_LogIn",                "Log &In...",                     "login",    "",             "Tells the tools who works with them"},
-    HostCommand{kLogOff,                   "Log &Off",                       "logoff",   "",             "Forgets the user and the password"},
+    HostCommand{"ID_LogIn",                "Log &In...",                       "",             "Tells the tools who works with them",                                     ""},
+    HostCommand{kLogOff,                   "Log &Off",                         "",             "Forgets the user and the password",                                       ""},
 };
 constexpr std::array kLog{
-    HostCommand{kCopyLog,                  "&Copy",                          "copy",     "Ctrl+Shift+C", "Copies the selected entries of the log, or all of them"},
-    HostCommand{kClearLog,                 "C&lear",                         "delete",   "",             "Empties the log"},
+    HostCommand{kCopyLog,                  "&Copy",                            "Ctrl+Shift+C", "Copies the selected entries of the log, or all of them",                  ""},
+    HostCommand{kClearLog,                 "C&lear",                           "",             "Empties the log",                                                         ""},
 };
 constexpr std::array kHelp{
-    HostCommand{"ID_Help",                 "&Help",                          "help",     "F1",           "Opens the help", true},
-    HostCommand{"ID_About",                "&About Telepanel...",            "about",    "",             "Version and addresses"},
+    HostCommand{"ID_Help",                 "&Help",                            "F1",           "Opens the help",                                                          "Help"},
+    HostCommand{"ID_About",                "&About Telepanel...",              "",             "Version and addresses",                                                   ""},
 };
 // clang-format on
 

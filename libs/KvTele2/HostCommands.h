@@ -9,10 +9,9 @@ namespace kv {
 struct HostCommand {
   std::string_view id;
   std::string_view text;      // with "&" before the mnemonic
-  std::string_view icon;      // of the set in desktop/ui
   std::string_view shortcut;  // "Ctrl+O"; empty: none
   std::string_view tip;       // what it does, for tooltip and status bar
-  bool isInToolBar = false;
+  std::string_view button;    // its text in the tool bar; empty: it is not there
 };
 
 // One menu: its title with a mnemonic, and its commands; a command without an id separates.

@@ -16,7 +16,7 @@ class HostSettings {
   explicit HostSettings(std::filesystem::path folder) : mFile(std::move(folder) / "KvTele2.ini") {}
 
   [[nodiscard]] std::string Read(std::string_view key) const;  // empty when it is missing
-  // False when the file cannot be written, or the folder is not there: a deleted session is not made again.
+  // False when the file cannot be written, or the folder is not there.
   bool Write(std::string_view key, std::string_view value) const;
 
   // The pages files that were opened last, newest first: keys RecentPages0 to RecentPages9.

@@ -32,8 +32,12 @@ std::string PagesText(const HostState& state) {
   return Utf8FromPath(PathFromUtf8(path).filename()) + ": project " + content.project + ", model " + content.model;
 }
 
-bool IsOfferedModel(const std::string& model) {
+bool IsOfferedModel(std::string_view model) {
   return std::ranges::find(SelectableModels(), model) != SelectableModels().end();
+}
+
+bool IsAurexModel(std::string_view model) {
+  return model.starts_with("K") || model.starts_with("TQ");
 }
 
 }  // namespace kv

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "KvTele2/ControllerFacts.h"
@@ -48,7 +49,8 @@ struct HostState {
 [[nodiscard]] std::string WindowTitle(const HostState& state);
 // "Line2.kta: project Bakery, model K220-22-R1", or "None".
 [[nodiscard]] std::string PagesText(const HostState& state);
-// Whether the catalogue offers this model for selection.
-[[nodiscard]] bool IsOfferedModel(const std::string& model);
+// Whether the catalogue offers this model for selection, and whether it is offered among those of the Aurex family.
+[[nodiscard]] bool IsOfferedModel(std::string_view model);
+[[nodiscard]] bool IsAurexModel(std::string_view model);
 
 }  // namespace kv

@@ -26,8 +26,6 @@ class HostView {
   // request. Waits are not nested.
   virtual void BeginWait(Wait wait, const std::string& what) = 0;
   virtual void EndWait() = 0;
-  // Another session is current: where the window stands is kept with the session.
-  virtual void SessionChanged() = 0;
 };
 
 }  // namespace kv

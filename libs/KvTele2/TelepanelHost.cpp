@@ -109,6 +109,11 @@ void TelepanelHost::SetEnabled(bool enabled) {
   Show();
 }
 
+void TelepanelHost::Run() {
+  Show();
+  mView.Run();
+}
+
 void TelepanelHost::Quit() {
   LetGo();
   mState.connection = Connection::Offline;
@@ -128,7 +133,6 @@ void TelepanelHost::SetSessionPath(const std::string& folder) {
   mState.pages.reset();
   mState.caption.clear();
   mState.recentPages = mSettings.ReadRecentPages();
-  mView.SessionChanged();
   Show();
 }
 

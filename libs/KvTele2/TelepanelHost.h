@@ -58,7 +58,7 @@ class TelepanelHost final : public RemoteHost {
   // Shown in the status bar and kept in the log; an empty text only clears the status bar.
   void StatusMessage(const std::string& text) override;
   void Refresh() override { Show(); }
-  void Run() override { mView.Run(); }
+  void Run() override;
   void Quit() override;
 
   void SetSessionName(const std::string& name) override;

@@ -1,0 +1,143 @@
+#include "KvTele2/ui/CommandBar.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QComboBox>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QToolBar>
+
+#include "KvTele2/ui/CommandPictures.h"
+#include "desktop/ui/Commands.h"
+#include "models/ModelCatalogue.h"
+
+namespace kv {
+namespace {
+
+QString Text(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// A file's name in a menu, with "&" where it stands in the name.
+QString MenuText(const std::string& path) {
+  return QString::fromStdString(path).replace("&", "&&");
+}
+
+}  // namespace
+
+CommandBar::CommandBar(QMainWindow& window, OnCommand onCommand) : mWindow(window), mOnCommand(std::move(onCommand)) {
+  BuildMenus();
+  BuildToolBar();
+}
+
+void CommandBar::BuildMenus() {
+  for (const HostMenu& each : HostMenus()) {
+    QMenu* menu = mWindow.menuBar()->addMenu(Text(each.title));
+    menu->setToolTipsVisible(true);
+    for (const HostCommand& command : each.commands) AddCommand(*menu, command);
+  }
+}
+
+void CommandBar::AddCommand(QMenu& menu, const HostCommand& command) {
+  if (command.id.empty()) {
+    menu.addSeparator();
+    return;
+  }
+  QAction* action = MakeAction(menu, command);
+  action->setObjectName(Text(command.id));
+  action->setIcon(IconOf(PictureOf(command.id)));
+  if (!command.button.empty()) action->setIconText(Text(command.button));
+  Describe(*action, Text(command.tip));
+  mActions[command.id] = action;
+}
+
+QAction* CommandBar::MakeAction(QMenu& menu, const HostCommand& command) {
+  if (command.id == command::kModel) {
+    QMenu* models = menu.addMenu(Text(command.text));
+    FillModels(*models);
+    return models->menuAction();
+  }
+  if (command.id == command::kRecentPages) {
+    mRecentMenu = menu.addMenu(Text(command.text));
+    return mRecentMenu->menuAction();
+  }
+  QAction* action = menu.addAction(Text(command.text));
+  if (!command.shortcut.empty()) action->setShortcut(QKeySequence(Text(command.shortcut), QKeySequence::PortableText));
+  QObject::connect(action, &QAction::triggered, &mWindow, [this, id = command.id] { mOnCommand(id, ""); });
+  return action;
+}
+
+void CommandBar::FillModels(QMenu& menu) {
+  AddModels(*menu.addMenu("&Aurex Family"), true);
+  AddModels(*menu.addMenu("&Compact Family"), false);
+}
+
+void CommandBar::AddModels(QMenu& menu, bool isAurex) {
+  auto* group = new QActionGroup(&menu);
+  // What is checked follows the state; a model that is not in the list leaves nothing checked.
+  group->setExclusionPolicy(QActionGroup::ExclusionPolicy::None);
+  for (const std::string_view model : SelectableModels()) {
+    if (IsAurexModel(model) != isAurex) continue;
+    QAction* action = group->addAction(Text(model));
+    action->setCheckable(true);
+    QObject::connect(action, &QAction::triggered, &mWindow,
+                     [this, model] { mOnCommand(command::kModel, std::string(model)); });
+    mModels[model] = action;
+  }
+  menu.addActions(group->actions());
+}
+
+void CommandBar::BuildToolBar() {
+  mToolBar = mWindow.addToolBar("Tool Bar");
+  mToolBar->setObjectName("toolBar");
+  mToolBar->setMovable(false);
+  mToolBar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+  mToolBar->setContextMenuPolicy(Qt::PreventContextMenu);  // there is no way back for a bar that was hidden
+  for (const HostMenu& menu : HostMenus()) {
+    for (const HostCommand& command : menu.commands) {
+      if (!command.button.empty()) mToolBar->addAction(mActions[command.id]);
+      if (command.id == command::kModel) BuildModelBox();
+    }
+  }
+}
+
+void CommandBar::BuildModelBox() {
+  mModelBox = new QComboBox(mToolBar);
+  mModelBox->setObjectName("cboModel");
+  mModelBox->setAccessibleName("Model");
+  for (const std::string_view model : SelectableModels()) mModelBox->addItem(Text(model));
+  mModelBox->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  mModelBox->setMaxVisibleItems(20);
+  QObject::connect(mModelBox, &QComboBox::textActivated, &mWindow,
+                   [this](const QString& model) { mOnCommand(command::kModel, model.toStdString()); });
+  mToolBar->addWidget(mModelBox);
+}
+
+void CommandBar::Show(const HostState& state, const WhyDisabled& whyDisabled) {
+  for (const auto& [id, action] : mActions) Allow(*action, QString::fromStdString(whyDisabled(id)));
+  ShowModel(state.model, whyDisabled(command::kModel));
+  ShowRecent(state.recentPages);
+}
+
+void CommandBar::ShowModel(const std::string& model, const std::string& whyNot) {
+  for (const auto& [name, action] : mModels) action->setChecked(name == model);
+  const QString text = QString::fromStdString(model);
+  // A text that is not in the list (a variant that a controller reports, or a damaged setting) is shown as it is.
+  mModelBox->setCurrentIndex(mModelBox->findText(text));
+  mModelBox->setPlaceholderText(text.isEmpty() ? "Choose a model" : text);
+  mModelBox->setEnabled(whyNot.empty());
+  mModelBox->setToolTip(whyNot.empty() ? "Selects the model of the controller" : QString::fromStdString(whyNot));
+}
+
+void CommandBar::ShowRecent(const std::vector<std::string>& files) {
+  if (files == mRecent) return;
+  mRecent = files;
+  mRecentMenu->clear();
+  for (const std::string& file : files) {
+    QAction* action = mRecentMenu->addAction(MenuText(file));
+    QObject::connect(action, &QAction::triggered, &mWindow, [this, file] { mOnCommand(command::kRecentPages, file); });
+  }
+}
+
+}  // namespace kv

@@ -1,0 +1,49 @@
+#include "KvTele2/ui/LogView.h"
+
+#include <QHeaderView>
+#include <QResizeEvent>
+#include <QScrollBar>
+#include <algorithm>
+
+namespace kv {
+
+LogView::LogView(QWidget* parent) : QTableView(parent) {
+  setObjectName("tblLog");
+  setAccessibleName("Log");
+  setModel(&mModel);
+  setSelectionBehavior(SelectRows);
+  setTabKeyNavigation(false);
+  setShowGrid(false);
+  setWordWrap(true);
+  setVerticalScrollMode(ScrollPerPixel);
+  verticalHeader()->hide();
+  horizontalHeader()->setStretchLastSection(true);
+  horizontalHeader()->setHighlightSections(false);
+  setColumnWidth(LogModel::Time, fontMetrics().horizontalAdvance("00:00:00") + 4 * fontMetrics().averageCharWidth());
+}
+
+void LogView::Follow(const Journal& journal) {
+  const QScrollBar* bar = verticalScrollBar();
+  const bool isAtEnd = bar->value() == bar->maximum();  // a user who reads further up is left there
+  const int before = mModel.rowCount();
+  if (!mModel.Follow(journal)) return;
+  for (int row = std::min(before, mModel.rowCount() - 1); row < mModel.rowCount(); ++row) resizeRowToContents(row);
+  if (isAtEnd) scrollToBottom();
+}
+
+QString LogView::CopyText() const {
+  const QModelIndexList selected = selectionModel()->selectedRows();
+  QString text;
+  for (int row = 0; row < mModel.rowCount(); ++row) {
+    if (!selected.isEmpty() && !selectionModel()->isRowSelected(row)) continue;
+    text += QString::fromStdString(EntryText(mModel.EntryAt(row))) + "\n";
+  }
+  return text;
+}
+
+void LogView::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  if (event->oldSize().width() != event->size().width()) resizeRowsToContents();
+}
+
+}  // namespace kv
