@@ -9,6 +9,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 namespace kv {
@@ -18,7 +19,7 @@ namespace {
 // What ends sooner ends without a flicker.
 constexpr std::chrono::milliseconds kDelay{300};
 constexpr int kVeil = 150;  // opacity, of 255: the window below stays readable
-constexpr int kNarrowest = 280;
+constexpr int kWide = 280;  // the panel, where the window is not narrower
 
 int gStates = 0;  // nested states of the one user-interface thread
 
@@ -33,12 +34,13 @@ class BusyOverlay final : public QWidget {
     auto* panel = new QFrame(this);
     panel->setFrameShape(QFrame::StyledPanel);
     panel->setAutoFillBackground(true);
-    panel->setMinimumWidth(kNarrowest);
+    panel->setMinimumWidth(std::min(kWide, window.width()));
     auto* lines = new QVBoxLayout(panel);
     lines->addWidget(MakeLabel(text));
     lines->addWidget(MakeProgress());
     lines->addWidget(MakeCancel(), 0, Qt::AlignRight);
     auto* page = new QVBoxLayout(this);
+    page->setContentsMargins({});
     page->addWidget(panel, 0, Qt::AlignCenter);
     setGeometry(window.rect());
     window.installEventFilter(this);

@@ -1,5 +1,6 @@
 #include "desktop/ui/QtPacer.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QEvent>
 #include <QEventLoop>
@@ -52,8 +53,8 @@ bool IsEscape(const QEvent& event) {
   return event.type() == QEvent::KeyPress && static_cast<const QKeyEvent&>(event).key() == Qt::Key_Escape;
 }
 
-bool IsCloseByUser(const QObject& receiver, const QEvent& event) {
-  return event.type() == QEvent::Close && event.spontaneous() && receiver.isWidgetType();
+bool IsCloseByUser(const QEvent& event) {
+  return event.type() == QEvent::Close && event.spontaneous();
 }
 
 }  // namespace
@@ -73,9 +74,13 @@ class QtPacer::Guard final : public QObject {
     QCoreApplication::processEvents(flags);
   }
 
+  // To be called after a wait: one of the toolkit's dispatchers looks again at input that it had to keep only when it
+  // is woken.
+  static void RecallKeptInput() { QAbstractEventDispatcher::instance()->wakeUp(); }
+
   bool eventFilter(QObject* receiver, QEvent* event) override {
     if (state == State::Idle || !gate.widget || IsOtherModalWindowOpen()) return false;
-    if (IsEscape(*event) || IsCloseByUser(*receiver, *event)) return Cancel(*event);
+    if (IsEscape(*event) || IsCloseByUser(*event)) return Cancel(*event);
     if (state == State::Delivering || !IsUserInput(event->type()) || MayReceive(*receiver, *event)) return false;
     // An accepted override keeps the key from being looked up among the shortcuts.
     event->setAccepted(event->type() == QEvent::ShortcutOverride);
@@ -114,14 +119,15 @@ Instant QtPacer::Now() const {
 
 void QtPacer::Sleep(Duration span) {
   const Instant end = Now() + span;
-  Turn();
-  QTimer wakeUp;
-  wakeUp.setTimerType(Qt::PreciseTimer);
-  wakeUp.setSingleShot(true);
+  mGuard->Pump(Guard::State::Waiting, QEventLoop::AllEvents);
+  QTimer alarm;
+  alarm.setTimerType(Qt::PreciseTimer);
+  alarm.setSingleShot(true);
   for (Duration left = end - Now(); left > Duration::zero(); left = end - Now()) {
-    wakeUp.start(std::chrono::ceil<std::chrono::milliseconds>(std::min(left, kLongestTimer)));
+    alarm.start(std::chrono::ceil<std::chrono::milliseconds>(std::min(left, kLongestTimer)));
     mGuard->Pump(Guard::State::Waiting, QEventLoop::WaitForMoreEvents);
   }
+  Guard::RecallKeptInput();
 }
 
 void QtPacer::DoEvents() {
@@ -130,6 +136,7 @@ void QtPacer::DoEvents() {
 
 void QtPacer::Turn() {
   mGuard->Pump(Guard::State::Waiting, QEventLoop::AllEvents);
+  Guard::RecallKeptInput();
 }
 
 InputGate QtPacer::ExchangeGate(InputGate gate) {

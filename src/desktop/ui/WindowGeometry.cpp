@@ -3,14 +3,18 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QSplitter>
+#include <algorithm>
 #include <string>
 
+#include "base/Crc32.h"
+#include "base/Numbers.h"
 #include "base/ProfileStrings.h"
 
 namespace kv {
 
 namespace {
 
+constexpr std::size_t kCheckDigits = 8;
 constexpr std::size_t kLongestState = 8192;  // of a table header of a few hundred columns
 
 class PlaceKeeper final : public QObject {
@@ -46,16 +50,22 @@ class PlaceKeeper final : public QObject {
     return (table + ".Columns").toStdString();
   }
 
+  // The states are the toolkit's own and not all of them are checked when they are restored: a check stands in front.
   [[nodiscard]] QByteArray Read(const std::string& key) const {
     if (key.empty()) return {};
     const std::string text = ReadProfileString(mFile, Section(), key, "", kLongestState);
-    return QByteArray::fromBase64(QByteArray::fromStdString(text));
+    const std::string state = text.substr(std::min(text.size(), kCheckDigits));
+    return text == Checked(state) ? QByteArray::fromBase64(QByteArray::fromStdString(state)) : QByteArray();
   }
 
   void Write(const std::string& key, const QByteArray& state) const {
     if (key.empty()) return;
     // A place that cannot be kept is no reason to disturb anybody.
-    (void)WriteProfileString(mFile, Section(), key, state.toBase64().toStdString());
+    (void)WriteProfileString(mFile, Section(), key, Checked(state.toBase64().toStdString()));
+  }
+
+  [[nodiscard]] static std::string Checked(const std::string& state) {
+    return ToHex(Crc32(state), kCheckDigits) + state;
   }
 
   [[nodiscard]] std::string Section() const { return mWindow.objectName().toStdString(); }

@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QPainter>
+#include <QPalette>
+#include <QSplitter>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QVBoxLayout>
+
+#include "base/ProfileStrings.h"
+#include "base/ScopeGuard.h"
+#include "desktop/ui/Commands.h"
+#include "desktop/ui/Icons.h"
+#include "desktop/ui/QtClipboard.h"
+#include "desktop/ui/QtShell.h"
+#include "desktop/ui/WindowGeometry.h"
+#include "tests/base/TemporaryFolder.h"
+#include "tests/desktop_ui/QtBench.h"
+
+namespace kv {
+namespace {
+
+using namespace kv::test;
+
+TEST(IconsTest, EveryPictureIsSeenInLightAndDark) {
+  const ScopeGuard restore([before = QApplication::palette()] { QApplication::setPalette(before); });
+  for (const auto& [text, ground] : {std::pair(Qt::black, Qt::white), std::pair(Qt::white, Qt::black)}) {
+    QPalette palette;
+    palette.setColor(QPalette::ButtonText, text);
+    QApplication::setPalette(palette);
+    for (int i = 0; i < kPictureCount; ++i) {
+      QImage image(48, 48, QImage::Format_RGB32);
+      image.fill(ground);
+      QPainter painter(&image);
+      IconOf(static_cast<Picture>(i)).paint(&painter, image.rect());
+      painter.end();
+      int seen = 0;
+      for (int y = 0; y < 48; ++y) {
+        for (int x = 0; x < 48; ++x) seen += std::abs(qGray(image.pixel(x, y)) - QColor(ground).value()) > 128;
+      }
+      EXPECT_GT(seen, 40) << "picture " << i;
+    }
+  }
+}
+
+TEST(CommandsTest, ATooltipNamesTheShortcutAndWhyACommandIsGreyed) {
+  QAction action("On Line");
+  action.setShortcut(Qt::Key_F5);
+  Describe(action, "Identifies the controller");
+  EXPECT_EQ(action.toolTip(), "Identifies the controller (F5)");
+  Allow(action, "This build has no such window.");
+  EXPECT_FALSE(action.isEnabled());
+  EXPECT_EQ(action.toolTip(), "Identifies the controller (F5)\nThis build has no such window.");
+  Allow(action, "");
+  EXPECT_TRUE(action.isEnabled());
+  EXPECT_EQ(action.toolTip(), "Identifies the controller (F5)");
+}
+
+struct Window : QWidget {
+  Window() {
+    setObjectName("frmThing");
+    splitter->setObjectName("splitMain");
+    table->setObjectName("flgThings");
+    table->setColumnCount(3);
+    splitter->addWidget(table);
+    splitter->addWidget(new QWidget);
+    (new QVBoxLayout(this))->addWidget(splitter);
+    resize(400, 300);
+  }
+  QSplitter* splitter = new QSplitter;
+  QTableWidget* table = new QTableWidget;
+};
+
+TEST(WindowGeometryTest, AWindowComesBackAsItWasLeft) {
+  const TemporaryFolder folder;
+  const auto file = folder.Path() / "Windows.ini";
+  QList<int> sizes;
+  {
+    Window window;
+    RememberPlace(window, file);
+    window.show();
+    window.setGeometry(60, 70, 500, 333);
+    window.splitter->setSizes({100, 350});
+    window.table->setColumnWidth(1, 77);
+    sizes = window.splitter->sizes();
+    window.close();
+  }
+  Window again;
+  RememberPlace(again, file);
+  again.show();
+  EXPECT_EQ(again.geometry(), QRect(60, 70, 500, 333));
+  EXPECT_EQ(again.splitter->sizes(), sizes);
+  EXPECT_EQ(again.table->columnWidth(1), 77);
+}
+
+TEST(WindowGeometryTest, DamagedPlacesChangeNothing) {
+  const TemporaryFolder folder;
+  const auto file = folder.Path() / "Windows.ini";
+  {
+    Window window;
+    RememberPlace(window, file);
+    window.show();
+    window.resize(500, 333);
+  }
+  const std::string good = TemporaryFolder::Content(file);
+  for (std::size_t at = 0; at < good.size(); at += 7) {
+    std::string damaged = good.substr(0, at) + (at % 2 == 0 ? "" : "#" + good.substr(at + 1));
+    folder.Put("Windows.ini", damaged);
+    Window window;
+    RememberPlace(window, file);
+    const QSize size = window.size();
+    EXPECT_TRUE(size == QSize(400, 300) || size == QSize(500, 333)) << damaged;
+    EXPECT_EQ(window.table->columnCount(), 3);
+  }
+}
+
+TEST(QtShellTest, AMissingProgramIsNamedAndAPresentOneStartsInItsFolder) {
+  const TemporaryFolder folder;
+  QtShell shell;
+  const auto missing = shell.Open("open", "nowhere/PID Server.exe", "");
+  ASSERT_FALSE(missing);
+  EXPECT_EQ(missing.error(), "nowhere/PID Server.exe cannot be opened: it does not exist. Check the installation.");
+#ifndef _WIN32
+  const auto program = folder.Put("designer", "#!/bin/sh\necho \"$1\" > started.tmp && mv started.tmp started\n");
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  EXPECT_TRUE(shell.Open("open", program.string(), "/t:7"));
+  ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(folder.Path() / "started"); }));
+  EXPECT_EQ(TemporaryFolder::Content(folder.Path() / "started"), "/t:7\n");
+#endif
+}
+
+TEST(QtClipboardTest, TextGoesThereAndBack) {
+  QtClipboard clipboard;
+  clipboard.SetText("MI 0\t12\r\n\xC2\xB5");
+  EXPECT_TRUE(clipboard.HasText());
+  EXPECT_EQ(clipboard.GetText(), "MI 0\t12\r\n\xC2\xB5");
+}
+
+}  // namespace
+}  // namespace kv

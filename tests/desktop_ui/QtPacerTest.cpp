@@ -1,0 +1,160 @@
+#include "desktop/ui/QtPacer.h"
+
+#include <gtest/gtest.h>
+
+#include <QCursor>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include "desktop/ui/BusyState.h"
+#include "desktop/ui/QtPrompts.h"
+#include "tests/desktop_ui/QtBench.h"
+
+namespace kv {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace kv::test;
+
+// A window with a field, a button and a command with a shortcut, and what the user achieves with them.
+class QtPacerTest : public ::testing::Test {
+ protected:
+  QtPacerTest() {
+    auto* page = new QVBoxLayout(&window);
+    page->addWidget(&field);
+    page->addWidget(&button);
+    action.setShortcut(Qt::Key_F5);
+    window.addAction(&action);
+    QObject::connect(&button, &QPushButton::clicked, &window, [this] { ++clicks; });
+    QObject::connect(&action, &QAction::triggered, &window, [this] { ++shortcuts; });
+    window.resize(400, 200);
+    window.show();
+    field.setFocus();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window, kPatience));
+  }
+
+  void Type(int key, const QString& text = {}) {
+    qt_handleKeyEvent(window.windowHandle(), QEvent::KeyPress, key, Qt::NoModifier, text);
+    qt_handleKeyEvent(window.windowHandle(), QEvent::KeyRelease, key, Qt::NoModifier, text);
+  }
+  // Presses what is seen at the place of the widget.
+  void ClickOn(const QWidget& widget) {
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, widget.mapTo(&window, widget.rect().center()));
+  }
+  [[nodiscard]] QWidget* Overlay() const { return window.findChild<QWidget*>("busyOverlay"); }
+  [[nodiscard]] bool IsOverlayShown() const { return Overlay() && Overlay()->isVisible(); }
+
+  // What the user does in the next turn of the event loop.
+  void Meanwhile(std::function<void()> act) { QTimer::singleShot(0, &window, std::move(act)); }
+
+  // Waits as an engine does until `done`, and gives up after a time that no test needs.
+  bool Wait(const std::function<bool()>& done) {
+    const Instant end = pacer.Now() + std::chrono::milliseconds(kPatience);
+    while (!done() && pacer.Now() < end) pacer.Sleep(2ms);
+    return done();
+  }
+
+  QtPacer pacer;
+  QWidget window;
+  QLineEdit field;
+  QPushButton button{"Go"};
+  QAction action{"Command"};
+  int clicks = 0;
+  int shortcuts = 0;
+};
+
+TEST_F(QtPacerTest, TheEventLoopBeatsWhileAnEngineSleeps) {
+  const Instant before = pacer.Now();
+  EXPECT_LT(LongestGap(pacer, [&] { pacer.Sleep(200ms); }), kLongestAllowedGap);
+  EXPECT_GE(pacer.Now() - before, 200ms);
+}
+
+TEST_F(QtPacerTest, InputDuringAWaitIsKeptAndThenDelivered) {
+  struct Watcher final : QObject {
+    bool eventFilter(QObject*, QEvent* event) override {
+      moves += event->type() == QEvent::MouseMove;
+      return false;
+    }
+    int moves = 0;
+  } watcher;
+  window.windowHandle()->installEventFilter(&watcher);
+  QCursor::setPos(window.mapToGlobal(QPoint(30, 30)));  // without a screen only the pointer goes through the queue
+  pacer.Turn();
+  pacer.Sleep(20ms);
+  EXPECT_EQ(watcher.moves, 0);
+  pacer.DoEvents();
+  EXPECT_EQ(watcher.moves, 1);
+}
+
+TEST_F(QtPacerTest, ABusyWindowHearsOnlyItsCancel) {
+  struct Case {
+    const char* name;
+    std::function<void()> act;
+  };
+  const Case cases[] = {
+      {"Escape", [this] { Type(Qt::Key_Escape); }},
+      {"button", [this] { ClickOn(Find<QPushButton>(window, "cmdCancelBusy")); }},
+      {"blank on the button", [this] { Type(Qt::Key_Space, " "); }},
+      {"close", [this] { window.windowHandle()->close(); }},
+  };
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.name);
+    {
+      pacer.RequestStop();  // of an operation before
+      BusyState busy(pacer, window, "Waiting");
+      EXPECT_FALSE(pacer.StopRequested());
+      ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
+      bool isIgnored = false;
+      Meanwhile([&] {
+        Type(Qt::Key_A, "a");
+        Type(Qt::Key_F5);
+        Type(Qt::Key_Tab);
+        ClickOn(button);
+        isIgnored = !pacer.StopRequested();
+      });
+      EXPECT_TRUE(Wait([&] { return isIgnored; }));
+      Meanwhile(each.act);
+      EXPECT_TRUE(Wait([this] { return pacer.StopRequested(); }));
+      EXPECT_EQ(Find<QPushButton>(window, "cmdCancelBusy").text(), "Stopping...");
+    }
+    pacer.DoEvents();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(Overlay(), nullptr);
+    EXPECT_EQ(field.text(), "");
+    EXPECT_EQ(clicks + shortcuts, 0);
+    EXPECT_TRUE(field.hasFocus());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+  }
+  Type(Qt::Key_F5);
+  ClickOn(button);
+  EXPECT_EQ(clicks + shortcuts, 2);
+}
+
+TEST_F(QtPacerTest, ANestedBusyStateGivesTheOuterOneBack) {
+  BusyState outer(pacer, window, "Outer");
+  ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
+  pacer.RequestStop();
+  {
+    BusyState inner(pacer, window, "Inner");
+    EXPECT_TRUE(pacer.StopRequested());  // the outer operation has not seen it
+    ASSERT_TRUE(Wait([this] { return window.findChildren<QWidget*>("busyOverlay").last()->isVisible(); }));
+  }
+  pacer.ClearStop();
+  Meanwhile([this] { Type(Qt::Key_Escape); });
+  EXPECT_TRUE(Wait([this] { return pacer.StopRequested(); }));
+}
+
+TEST_F(QtPacerTest, AQuestionOfABusyOperationIsAnswered) {
+  BusyState busy(pacer, window, "Waiting");
+  ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
+  WhenOpen<QMessageBox>(window, [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); });
+  QtPrompts prompts;
+  EXPECT_EQ(prompts.Show({.text = "Go on?", .buttons = PromptButtons::YesNo}), PromptAnswer::No);
+  EXPECT_FALSE(pacer.StopRequested());
+}
+
+}  // namespace
+}  // namespace kv
