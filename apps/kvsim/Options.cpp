@@ -151,14 +151,15 @@ std::optional<HostAndPort> ParseHostAndPort(const std::string& text) {
 
 std::string UnknownModelText(const std::string& name) {
   constexpr std::size_t kNear = 3;
-  std::vector<std::pair<std::size_t, std::string>> models;
+  std::vector<std::pair<std::size_t, std::string_view>> models;
   for (const auto& model : sim::AllModels()) {
     const auto distance = [&name](std::string_view to) { return Distance(ToUpper(name), ToUpper(std::string(to))); };
     models.emplace_back(std::min(distance(model.name), distance(model.reported)), model.name);
   }
-  std::stable_sort(models.begin(), models.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::sort(models.begin(), models.end());
   std::string text = "there is no model \"" + name + "\"; the nearest are";
-  for (std::size_t i = 0; i < std::min(kNear, models.size()); ++i) text += (i == 0 ? " " : ", ") + models[i].second;
+  for (std::size_t i = 0; i < std::min(kNear, models.size()); ++i)
+    text += (i == 0 ? " " : ", ") + std::string(models[i].second);
   return text + " (--list-models lists all)";
 }
 

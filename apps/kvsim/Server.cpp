@@ -27,9 +27,8 @@ int PollAll(std::vector<PollEntry>& entries, int milliseconds) {
 // A signal ends a wait, except one that comes in the moment before it: that one is noticed after this long.
 constexpr int kLongestWait = 250;  // milliseconds
 
-// For how long one client may have the server's ear before others are looked for, and how long it may be silent.
+// For how long one client may have the server's ear before others are looked for.
 constexpr kv::Duration kLookInterval = std::chrono::milliseconds(10);
-constexpr kv::Duration kTalkPause = std::chrono::milliseconds(2);
 
 }  // namespace
 
@@ -89,7 +88,7 @@ bool Server::IsOnlyOneTalking() const {
 void Server::ServeOnlyOne() {
   Client& client = *mClients.front();
   mArrived.clear();
-  const auto result = client.stream->ReadWithin(mArrived, kTalkPause);
+  const auto result = client.stream->ReadWaiting(mArrived);
   const auto now = mPacer.Now();
   mIsTalking = false;
   TakeIn(client, result, now);

@@ -15,7 +15,10 @@ using Handle = std::uintptr_t;  // a SOCKET
 using Handle = int;
 #endif
 
-// The bytes between this program and one client. Nothing but ReadWithin ever waits: the server does, for all at once.
+// How long a client that talks may be silent before the server looks at all of them again.
+inline constexpr kv::Duration kTalkPause = std::chrono::milliseconds(2);
+
+// The bytes between this program and one client. Nothing but ReadWaiting ever waits: the server does, for all at once.
 class Stream {
  public:
   enum class Result { Done, Nothing, Ended };
@@ -28,8 +31,8 @@ class Stream {
   // Appends what has arrived. Ended: the client has left.
   [[nodiscard]] virtual Result Read(std::string& buffer) = 0;
 
-  // The same, waiting inside the call for `limit` at most, where that is cheaper than waiting first.
-  [[nodiscard]] virtual Result ReadWithin(std::string& buffer, kv::Duration) { return Read(buffer); }
+  // The same, waiting for kTalkPause at most inside the call, where CanWaitInside() says that this is possible.
+  [[nodiscard]] virtual Result ReadWaiting(std::string& buffer) { return Read(buffer); }
   [[nodiscard]] virtual bool CanWaitInside() const { return false; }
 
   // Sends what the line takes and removes it from the front of `bytes`.

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "KvCmDrv1/ports/ConnectedSocket.h"
+#include "apps/kvsim/SocketStream.h"
 
 namespace kvsim {
 namespace {
@@ -16,40 +16,6 @@ using asio::ip::tcp;
 constexpr kv::Duration kDialPause = std::chrono::milliseconds(500);  // between two tries to get through
 constexpr kv::Duration kDialLimit = std::chrono::seconds(5);         // for one try
 constexpr kv::Duration kDialLook = std::chrono::milliseconds(10);    // between two looks at a try under way
-
-class SocketStream final : public Stream {
- public:
-  explicit SocketStream(kv::ConnectedSocket socket) : mSocket(std::move(socket)) {}
-
-  [[nodiscard]] Handle WaitHandle() const override { return mSocket.NativeHandle(); }
-  [[nodiscard]] Result Read(std::string& buffer) override { return ReadWithin(buffer, kv::Duration::zero()); }
-  [[nodiscard]] Result ReadWithin(std::string& buffer, kv::Duration limit) override {
-    return ResultOf(mSocket.Read(buffer, limit));
-  }
-  [[nodiscard]] bool CanWaitInside() const override { return true; }
-  [[nodiscard]] Result Write(std::string_view& bytes) override {
-    return ResultOf(mSocket.Write(bytes, kv::Duration::zero()));
-  }
-  void Cut() override { mSocket.Close(); }
-
- private:
-  static Result ResultOf(kv::Port::Result result) {
-    return result == kv::Port::Result::Done   ? Result::Done
-           : result == kv::Port::Result::Lost ? Result::Ended
-                                              : Result::Nothing;
-  }
-
-  kv::ConnectedSocket mSocket;
-};
-
-// Null when the client has gone already.
-std::unique_ptr<Stream> MakeStream(tcp::socket socket) {
-  std::error_code code;
-  socket.set_option(tcp::no_delay(true), code);
-  const auto handle = socket.release(code);
-  if (code) return nullptr;
-  return std::make_unique<SocketStream>(kv::ConnectedSocket(handle));
-}
 
 class ListeningDoor final : public Door {
  public:
@@ -82,7 +48,7 @@ class ListeningDoor final : public Door {
     tcp::socket socket(mContext);
     mAcceptor.accept(socket, code);
     if (code) return nullptr;
-    return MakeStream(std::move(socket));
+    return std::make_unique<SocketStream>(std::move(socket));
   }
 
  private:
@@ -115,9 +81,8 @@ class DiallingDoor final : public Door {
       mNextLook = now + kDialPause;
       return nullptr;
     }
-    auto stream = MakeStream(std::move(*socket));
-    mIsConnected = stream != nullptr;
-    return stream;
+    mIsConnected = true;
+    return std::make_unique<SocketStream>(std::move(*socket));
   }
 
   void Dismissed(kv::Instant now) override {

@@ -97,7 +97,7 @@ class ModemPortTest : public testing::Test {
 };
 
 TEST_F(ModemPortTest, DialsCarriesBytesAndHangsUp) {
-  for (const std::size_t piece : {1, 1000}) {  // the modem's answers arrive letter by letter, or whole
+  for (const std::size_t piece : {1U, 1000U}) {  // the modem's answers arrive letter by letter, or whole
     auto& modem = Make({}, piece);
     ASSERT_TRUE(modem.Open(kLimit).has_value());
     EXPECT_EQ(modem.Description(), "COM3, 115200 8N1, modem 0,12345");
@@ -166,7 +166,7 @@ TEST_F(ModemPortTest, IsStoppedWhileItDials) {
 }
 
 TEST_F(ModemPortTest, IsLostWhenTheCarrierIs) {
-  for (const std::size_t piece : {1, 1000}) {
+  for (const std::size_t piece : {1U, 1000U}) {
     auto& modem = Make({}, piece);
     ASSERT_TRUE(modem.Open(kLimit).has_value());
     controller.waiting = "half a re";

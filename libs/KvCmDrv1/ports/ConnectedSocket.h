@@ -31,8 +31,6 @@ class ConnectedSocket {
   ConnectedSocket& operator=(ConnectedSocket&& other) noexcept;
 
   [[nodiscard]] bool IsOpen() const { return mHandle != kNone; }
-  // For waiting on several sockets at once.
-  [[nodiscard]] Handle NativeHandle() const { return mHandle; }
   void Close();
 
   // As in Port. Lost leaves the reason in LossCode().
