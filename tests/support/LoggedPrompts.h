@@ -26,18 +26,7 @@ class LoggedPrompts : public ScriptedPrompts {
   }
 
  private:
-  static char Sign(PromptIcon icon) {
-    switch (icon) {
-      case PromptIcon::Information:
-        return 'i';
-      case PromptIcon::Exclamation:
-        return '!';
-      case PromptIcon::Question:
-        return '?';
-      default:
-        return ' ';
-    }
-  }
+  static char Sign(PromptIcon icon) { return " i!?x"[static_cast<std::size_t>(icon)]; }  // in the order of PromptIcon
 
   CallLog& mLog;
 };
