@@ -9,13 +9,21 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
-#include "sessions/SessionIni.h"
+#include "desktop/ui/Commands.h"
+#include "desktop/ui/Icons.h"
 
 namespace kv {
 namespace {
+
+constexpr QSize kFirstSize(380, 420);
+constexpr const char* kNothingSelected = "No session is selected.";
+
+// The caption is fixed to the last character, so it has no letter to underline.
+const QKeySequence kCloseShortcut(Qt::ALT | Qt::Key_A);
 
 // A name may hold "&", which a button would take for the mark of its shortcut.
 QString ButtonText(const std::string& text) {
@@ -28,6 +36,8 @@ frmSession::frmSession(SharedState& shared, Prompts& prompts, QWidget* parent)
     : QDialog(parent), mShared(shared), mSessions(shared, prompts) {
   setObjectName("frmSession");
   setWindowTitle("Sessions");
+  setWindowIcon(IconOf(Picture::Session));
+  resize(kFirstSize);
   BuildList();
   BuildSaveFrame();
   BuildMenu();
@@ -42,7 +52,7 @@ void frmSession::BuildList() {
   mList = new QTableWidget(0, 1, this);
   mList->setObjectName("flgSession");
   mList->setAccessibleName("Sessions");
-  mList->setToolTip("The sessions beside the program. Delete removes the selected one.");
+  mList->setToolTip("The sessions beside the program; Delete removes the selected one");
   mList->setHorizontalHeaderLabels({"Session"});
   mList->horizontalHeader()->setStretchLastSection(true);
   mList->horizontalHeader()->setHighlightSections(false);
@@ -63,14 +73,16 @@ void frmSession::BuildSaveFrame() {
   mFolder->setObjectName("txtFolder");
   mFolder->setAccessibleName("Name of the new session");
   mFolder->setPlaceholderText("Name of the new session");
-  mSave = new QPushButton("&Save", mSaveFrame);
+  mFolder->setToolTip("The name of a folder that is made beside the other sessions (Alt+N)");
+  mSave = new QPushButton(IconOf(Picture::Save), "&Save", mSaveFrame);
   mSave->setObjectName("cmdSave");
   mSave->setAutoDefault(false);
-  mSave->setToolTip("Copies the active session to a new one of this name (Enter in the name)");
-  mClose = new QPushButton(this);
+  Describe(*mSave, "Copies the active session to a new one of this name, and makes that the active one", "Enter");
+  mClose = new QPushButton(IconOf(Picture::Test), "", this);
   mClose->setObjectName("cmdClose");
   mClose->setAutoDefault(false);
-  mClose->setToolTip("Makes the selected session the active one and closes this window");
+  Describe(*mClose, "Makes the selected session the active one and closes this window",
+           kCloseShortcut.toString(QKeySequence::NativeText));
   connect(mSave, &QPushButton::clicked, this, [this] { Create(); });
   connect(mFolder, &QLineEdit::returnPressed, this, [this] {
     if (mSave->isEnabled()) Create();
@@ -79,16 +91,20 @@ void frmSession::BuildSaveFrame() {
 }
 
 void frmSession::BuildMenu() {
-  mDelete = new QAction("&Delete", mList);
+  mDelete = new QAction(IconOf(Picture::Delete), "&Delete", mList);
   mDelete->setObjectName("mnuDelete");
   mDelete->setShortcut(QKeySequence::Delete);
   mDelete->setShortcutContext(Qt::WidgetShortcut);
+  Describe(*mDelete, "Deletes the selected session with everything in it");
   mList->addAction(mDelete);
   connect(mDelete, &QAction::triggered, this, [this] { DeleteSelected(); });
 }
 
 void frmSession::ArrangeControls() {
+  auto* name = new QLabel("&Name:", mSaveFrame);
+  name->setBuddy(mFolder);
   auto* save = new QHBoxLayout(mSaveFrame);
+  save->addWidget(name);
   save->addWidget(mFolder);
   save->addWidget(mSave);
   auto* page = new QVBoxLayout(this);
@@ -115,8 +131,11 @@ void frmSession::RefreshCaptions() {
   mSaveFrame->setTitle(ButtonText(mSessions.SaveCaption()));
   mActive->setText(QString::fromStdString(mSessions.ActiveCaption()));
   mClose->setText(ButtonText(SessionManager::ActivateCaption(Selected())));
-  mClose->setEnabled(!Selected().empty());
-  mSave->setEnabled(!Selected().empty());
+  mClose->setShortcut(kCloseShortcut);  // a new text has taken it away
+  const QString whyNot = Selected().empty() ? kNothingSelected : "";
+  Allow(*mClose, whyNot);
+  Allow(*mSave, whyNot);
+  Allow(*mDelete, whyNot);
 }
 
 std::string frmSession::Selected() const {
@@ -139,7 +158,6 @@ void frmSession::ActivateAndClose() {
 }
 
 void frmSession::DeleteSelected() {
-  if (Selected().empty()) return;
   mSessions.Delete(Selected());
   Fill();
 }
@@ -147,6 +165,7 @@ void frmSession::DeleteSelected() {
 void frmSession::ShowMenu(const QPoint& position) {
   if (mList->rowCount() == 0) return;
   QMenu menu(this);
+  menu.setToolTipsVisible(true);
   menu.addAction(mDelete);
   menu.exec(mList->viewport()->mapToGlobal(position));
 }

@@ -1,0 +1,156 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QTableWidget>
+
+#include "sessions/SessionIni.h"
+#include "sessions/ui/frmSession.h"
+#include "tests/desktop_ui/QtBench.h"
+#include "tests/support/SessionBench.h"
+
+namespace kv {
+namespace {
+
+using namespace kv::test;
+using ::testing::ElementsAre;
+
+class SessionWindowTest : public ::testing::Test {
+ protected:
+  void Open() {
+    window = std::make_unique<frmSession>(bench.shared, bench.prompts, nullptr);
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
+  }
+  void MakeSession(const std::string& name) const { std::filesystem::create_directories(bench.Session(name)); }
+
+  [[nodiscard]] QTableWidget& List() const { return Find<QTableWidget>(*window, "flgSession"); }
+  [[nodiscard]] QLineEdit& Folder() const { return Find<QLineEdit>(*window, "txtFolder"); }
+  [[nodiscard]] QPushButton& Save() const { return Find<QPushButton>(*window, "cmdSave"); }
+  [[nodiscard]] QPushButton& Close() const { return Find<QPushButton>(*window, "cmdClose"); }
+
+  [[nodiscard]] std::vector<std::string> Rows() const {
+    std::vector<std::string> rows;
+    for (int i = 0; i < List().rowCount(); ++i) rows.push_back(List().item(i, 0)->text().toStdString());
+    return rows;
+  }
+  void Select(const QString& name) const { List().setCurrentItem(List().findItems(name, Qt::MatchExactly).front()); }
+  // Active session, frame, and closing button as they are read on the screen.
+  [[nodiscard]] std::vector<std::string> Captions() const {
+    const QString shown[] = {Find<QLabel>(*window, "lblActive").text(),
+                             Find<QGroupBox>(*window, "fSaveSession").title(), Close().text()};
+    std::vector<std::string> captions;
+    for (QString text : shown) captions.push_back(text.replace("&&", "&").toStdString());
+    return captions;
+  }
+
+  SessionBench bench;
+  std::unique_ptr<frmSession> window;
+};
+
+TEST_F(SessionWindowTest, OpensOnTheCurrentSessionAndFollowsTheSelection) {
+  MakeSession("Pumps & Valves");
+  bench.home.Put("Sessions/notes.txt", "");
+  Open();
+  EXPECT_EQ(List().horizontalHeaderItem(0)->text(), "Session");
+  EXPECT_THAT(Rows(), ElementsAre("Default", "Pumps & Valves"));
+  EXPECT_THAT(Captions(),
+              ElementsAre("Active Session: Default", "Save 'Default' As...", "Activate 'Default ' And Exit"));
+  Select("Pumps & Valves");
+  EXPECT_EQ(Captions().back(), "Activate 'Pumps & Valves ' And Exit");
+  List().clearSelection();
+  EXPECT_FALSE(Save().isEnabled());
+  EXPECT_FALSE(Close().isEnabled());
+  EXPECT_TRUE(Close().toolTip().endsWith("\nNo session is selected.")) << Close().toolTip().toStdString();
+}
+
+TEST_F(SessionWindowTest, CreatesByButtonAndByEnter) {
+  bench.Put("KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=K230\r\n");
+  Open();
+  Folder().setText("Mill");
+  Save().click();
+  EXPECT_THAT(Captions(), ElementsAre("Active Session: Mill", "Save 'Mill' As...", "Activate 'Mill ' And Exit"));
+  EXPECT_EQ(Folder().text(), "");
+  EXPECT_EQ(ReadSessionIni(bench.shared, "LastModel", ""), "K230");
+
+  QTest::keyClicks(&Folder(), "R&D");
+  QTest::keyClick(&Folder(), Qt::Key_Return);
+  EXPECT_THAT(Rows(), ElementsAre("Default", "Mill", "R&D"));
+  EXPECT_THAT(Captions(), ElementsAre("Active Session: R&D", "Save 'R&D' As...", "Activate 'R&D ' And Exit"));
+  EXPECT_TRUE(window->isVisible());
+
+  bench.prompts.Press(PromptAnswer::Ok);
+  Folder().setText("a/b");
+  Save().click();
+  EXPECT_EQ(bench.prompts.Boxes().back().title, "Create Session");
+  EXPECT_EQ(Folder().text(), "a/b");
+  EXPECT_EQ(bench.shared.CurrentSession, "R&D");
+
+  List().clearSelection();
+  Folder().setText("Nothing");
+  QTest::keyClick(&Folder(), Qt::Key_Return);
+  EXPECT_FALSE(std::filesystem::exists(bench.Session("Nothing")));
+}
+
+TEST_F(SessionWindowTest, ActivatesAndLeavesUnlessTheSessionIsGone) {
+  MakeSession("Gone");
+  MakeSession("Mill");
+  Open();
+  Select("Gone");
+  std::filesystem::remove(bench.Session("Gone"));
+  bench.prompts.Press(PromptAnswer::Ok);
+  Close().click();
+  EXPECT_EQ(bench.prompts.Boxes().back().title, "Activate Session");
+  EXPECT_THAT(Rows(), ElementsAre("Default", "Mill"));
+  EXPECT_TRUE(window->isVisible());
+
+  Select("Mill");
+  QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier);
+  EXPECT_TRUE(WaitUntil([this] { return !window->isVisible(); }));
+  EXPECT_EQ(bench.shared.CurrentSession, "Mill");
+}
+
+TEST_F(SessionWindowTest, DeletesByKeyAndByMenu) {
+  for (const char* name : {"A", "B", "C"}) MakeSession(name);
+  bench.shared.CurrentSession = "C";
+  bench.home.Put("Sessions/C/tmp.txt", "");
+  MarkSessionInUse(bench.shared, true);
+  Open();
+  Select("A");
+  QTest::keyClick(&List(), Qt::Key_Delete);
+  EXPECT_THAT(Rows(), ElementsAre("B", "C", "Default"));
+
+  Select("B");
+  When(
+      *window, [] { return QApplication::activePopupWidget() != nullptr; },
+      [] { QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_D); });
+  emit List().customContextMenuRequested(QPoint(5, 5));
+  EXPECT_THAT(Rows(), ElementsAre("C", "Default"));
+  EXPECT_EQ(bench.prompts.Boxes().size(), 0U);
+
+  Select("C");  // in use: stays, without a word
+  QTest::keyClick(&List(), Qt::Key_Delete);
+  EXPECT_THAT(Rows(), ElementsAre("C", "Default"));
+  EXPECT_EQ(bench.prompts.Boxes().size(), 0U);
+
+  Select("Default");
+  bench.prompts.Press(PromptAnswer::Ok);
+  QTest::keyClick(&List(), Qt::Key_Delete);
+  EXPECT_THAT(Rows(), ElementsAre("C", "Default"));
+  EXPECT_EQ(bench.prompts.Boxes().back().text, "'Default' Session cannot be deleted.");
+}
+
+TEST_F(SessionWindowTest, WithoutSessionsThereIsNoMenuAndNothingToSave) {
+  std::filesystem::remove_all(bench.home.Path() / "Sessions");
+  Open();
+  EXPECT_THAT(Rows(), ElementsAre());
+  EXPECT_FALSE(Save().isEnabled());
+  emit List().customContextMenuRequested(QPoint(5, 5));  // an open menu would not return
+}
+
+}  // namespace
+}  // namespace kv
