@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "base/AtomicFile.h"
 #include "base/PathText.h"
+#include "host/DesignFiles.h"
 #include "host/ModalBracket.h"
 #include "link/identification/GoOnline.h"
 #include "models/ModelCatalogue.h"
@@ -19,41 +19,12 @@ namespace fs = std::filesystem;
 
 // The operand view's grids, which mean nothing for a model of another family.
 constexpr std::array<const char*, 2> kGridFiles{"vsfOperands_1.vsf", "vsfRegions_1.vsf"};
-// The panel designer's blocks: design, cell values, layout.
-constexpr std::array<const char*, 3> kDesignFiles{"DesignBlock.bin", "CellsValues.bin", "DesignLayoutBlock.bin"};
-constexpr std::size_t kLargestDesignBlock = 64u << 20;
 
-void RemoveSessionFiles(const SharedState& shared, std::span<const char* const> names) {
-  for (const char* name : names) {
+void RemoveGridFiles(const SharedState& shared) {
+  for (const char* name : kGridFiles) {
     std::error_code ignored;
     fs::remove(SessionFile(shared, name), ignored);
   }
-}
-
-bool AllDesignFilesExist(const SharedState& shared) {
-  std::error_code ignored;
-  for (const char* name : kDesignFiles) {
-    if (!fs::exists(SessionFile(shared, name), ignored)) return false;
-  }
-  return true;
-}
-
-std::expected<PanelDesigner::Blocks, FileError> ReadDesign(const SharedState& shared) {
-  PanelDesigner::Blocks blocks;
-  for (std::size_t i = 0; i < kDesignFiles.size(); ++i) {
-    auto content = ReadWholeFile(SessionFile(shared, kDesignFiles[i]), kLargestDesignBlock);
-    if (!content) return std::unexpected(content.error());
-    blocks[i].assign(content->begin(), content->end());
-  }
-  return blocks;
-}
-
-std::expected<void, FileError> WriteDesign(const SharedState& shared, const PanelDesigner::Blocks& blocks) {
-  for (std::size_t i = 0; i < kDesignFiles.size(); ++i) {
-    const std::string content(blocks[i].begin(), blocks[i].end());
-    if (auto saved = SaveAtomically(SessionFile(shared, kDesignFiles[i]), content); !saved) return saved;
-  }
-  return {};
 }
 
 }  // namespace
@@ -61,28 +32,30 @@ std::expected<void, FileError> WriteDesign(const SharedState& shared, const Pane
 std::span<const ToolRow> ToolTable() {
   using C = clsCallerExe;
   using W = ToolWindows;
+  // clang-format off
   static constexpr std::array<ToolRow, 20> kRows{{
-      {"ID_ComParams", &C::ShowComParams},
-      {"ID_Modem", &C::ShowModem},
-      {"ID_OnLine", &C::OnLine},
-      {"ID_Exit", &C::Exit},
-      {"ID_OPLC_Model", &C::ChangeModel},
-      {"Escape", &C::Escape},
-      {"ID_Help", &C::Help},
-      {"ID_About", &C::About, &W::frmAbout},
-      {"ID_Downloader", &C::Downloader, &W::frmDownloader},
-      {"ID_DataTypes", &C::DataTypes, &W::frmDataTypesView},
-      {"ID_Session", &C::Session, &W::frmSession},
-      {"ID_PLC_DB", &C::PanelDesign, nullptr, ToolNeed::PanelDesigner},
-      {"ID_LogIn", &C::LogIn, &W::frmLogIn},
-      {"ID_LogOff", &C::LogOff},
-      {"ID_PID_Srv", &C::PidServer},
-      {"ID_DownloadDesigner", &C::DownloadDesigner},
-      {"ID_PagesFile", &C::PagesFile},
+      {"ID_ComParams",            &C::ShowComParams},
+      {"ID_Modem",                &C::ShowModem},
+      {"ID_OnLine",               &C::OnLine},
+      {"ID_Exit",                 &C::Exit},
+      {"ID_OPLC_Model",           &C::ChangeModel},
+      {"Escape",                  &C::Escape},
+      {"ID_Help",                 &C::Help},
+      {"ID_About",                &C::About,                &W::frmAbout},
+      {"ID_Downloader",           &C::Downloader,           &W::frmDownloader},
+      {"ID_DataTypes",            &C::DataTypes,            &W::frmDataTypesView},
+      {"ID_Session",              &C::Session,              &W::frmSession},
+      {"ID_PLC_DB",               &C::PanelDesign,          nullptr, ToolNeed::PanelDesigner},
+      {"ID_LogIn",                &C::LogIn,                &W::frmLogIn},
+      {"ID_LogOff",               &C::LogOff},
+      {"ID_PID_Srv",              &C::PidServer},
+      {"ID_DownloadDesigner",     &C::DownloadDesigner},
+      {"ID_PagesFile",            &C::PagesFile},
       {"ID_ImportFontsAndImages", &C::ImportFontsAndImages, nullptr, ToolNeed::ColourCaches},
-      {"ID_DumpPLC", &C::DumpPlc, &W::frmDumpPLC},
-      {"ID_ImportCacheFromPLC", &C::ImportCacheFromPlc, &W::frmRestoreCache},
+      {"ID_DumpPLC",              &C::DumpPlc,              &W::frmDumpPLC},
+      {"ID_ImportCacheFromPLC",   &C::ImportCacheFromPlc,   &W::frmRestoreCache},
   }};
+  // clang-format on
   return kRows;
 }
 
@@ -130,7 +103,7 @@ void clsCallerExe::Exit(const std::string&) {
 
 void clsCallerExe::ChangeModel(const std::string& model) {
   SetLastModel(mShared, model);
-  if (GridFilesMustGo(mRemote->Model(), model)) RemoveSessionFiles(mShared, kGridFiles);
+  if (GridFilesMustGo(mRemote->Model(), model)) RemoveGridFiles(mShared);
   mRemote->SetModel(model);
   mRemote->Refresh();
   ConfigureDriverForSession(mShared, mWinsock);
@@ -180,16 +153,11 @@ void clsCallerExe::PanelDesign(const std::string&) {
   ModalBracket bracket(*mRemote);
   const auto designer = mParts.createPanelDesigner();
   designer->SetDriver(*mVsCon);
-  if (AllDesignFilesExist(mShared)) {
-    const auto blocks = ReadDesign(mShared);
-    if (!blocks) return Warn(blocks.error().Text());
-    designer->SetBlocks(*blocks);
-  }
+  const auto kept = ReadDesign(mShared);
+  if (!kept) return Warn(kept.error().Text());
+  if (*kept) designer->SetBlocks(**kept);
   designer->Run();
-  if (designer->ItemCount() == 0) {
-    if (AllDesignFilesExist(mShared)) RemoveSessionFiles(mShared, kDesignFiles);
-    return;
-  }
+  if (designer->ItemCount() == 0) return RemoveDesign(mShared);
   if (const auto saved = WriteDesign(mShared, designer->GetBlocks()); !saved) Warn(saved.error().Text());
 }
 

@@ -191,7 +191,12 @@ class OnlineSequence {
   void HandOverCopy(const std::filesystem::path& source, const std::filesystem::path& copy) {
     std::error_code error;
     std::filesystem::copy_file(source, copy, std::filesystem::copy_options::overwrite_existing, error);
-    if (!error) return mHost.SetPanelData(Utf8FromPath(copy));
+    if (!error) {
+      // The host writes into it, and the file that was copied may be read-only.
+      std::filesystem::permissions(copy, std::filesystem::perms::owner_write, std::filesystem::perm_options::add,
+                                   error);
+      return mHost.SetPanelData(Utf8FromPath(copy));
+    }
     mHost.StatusMessage("The panel data could not be prepared: " + Utf8FromPath(source) + " could not be copied (" +
                         error.message() + ").");
   }
@@ -227,8 +232,10 @@ std::int64_t ColourVersionNumber(const VersionInfo& version) {
   if (!os) return 0;
   std::string build = version.osBuild;
   std::erase(build, ';');
-  const auto number = ParseInteger(build.size() > 2 ? std::string_view(build).substr(build.size() - 2) : build);
-  return number ? os->Number() * 100 + *number : 0;
+  if (build.size() > 2) build.erase(0, build.size() - 2);
+  std::erase(build, ' ');
+  const auto number = ParseInteger(build);
+  return number && *number >= 0 ? os->Number() * 100 + *number : 0;
 }
 
 std::int64_t PlainVersionNumber(const VersionInfo& version) {
