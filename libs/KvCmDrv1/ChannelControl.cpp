@@ -217,7 +217,10 @@ bool ChannelImpl::Control(std::string_view command, const char* verb, std::uint8
 std::optional<VersionInfo> ChannelImpl::GetVersionInfo(std::uint8_t unit) {
   const auto doing = [unit] { return WithUnit("identifying", unit); };
   const auto reply = Ask({unit, "ID", FactsOf("ID"), std::nullopt}, doing);
-  if (!reply) return std::nullopt;
+  if (!reply) {
+    Tell(mError.Text());  // going on line ends here without a word of its own
+    return std::nullopt;
+  }
   std::optional<VersionInfo> version = ReadIdentification(*reply);
   if (!version) {
     FailMalformed(doing());

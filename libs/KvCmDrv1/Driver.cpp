@@ -92,7 +92,7 @@ std::shared_ptr<Channel> Driver::GetChannel() {
   }
   if (!mChannel->Open()) {
     mError = mChannel->LastError();
-    Tell("Not connected: " + mError.happened);
+    Tell(mError.Text());
     return nullptr;
   }
   mError = {};

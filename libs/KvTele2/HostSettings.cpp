@@ -35,11 +35,14 @@ std::vector<std::string> HostSettings::ReadRecentPages() const {
 }
 
 std::vector<std::string> HostSettings::AddRecentPages(const std::string& path) const {
-  std::vector<std::string> pages = ReadRecentPages();
+  const std::vector<std::string> before = ReadRecentPages();
+  std::vector<std::string> pages = before;
   std::erase(pages, path);
   pages.insert(pages.begin(), path);
   if (pages.size() > kMostRecentPages) pages.pop_back();
-  for (std::size_t i = 0; i < pages.size(); ++i) Write(RecentKey(i), pages[i]);
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    if (i >= before.size() || before[i] != pages[i]) Write(RecentKey(i), pages[i]);
+  }
   return pages;
 }
 

@@ -6,6 +6,11 @@
 #include <algorithm>
 
 namespace kv {
+namespace {
+
+constexpr int kRowSpace = 2;  // between the texts of two entries
+
+}  // namespace
 
 LogView::LogView(QWidget* parent) : QTableView(parent) {
   setObjectName("tblLog");
@@ -27,8 +32,12 @@ void LogView::Follow(const Journal& journal) {
   const bool isAtEnd = bar->value() == bar->maximum();  // a user who reads further up is left there
   const int before = mModel.rowCount();
   if (!mModel.Follow(journal)) return;
-  for (int row = std::min(before, mModel.rowCount() - 1); row < mModel.rowCount(); ++row) resizeRowToContents(row);
+  for (int row = std::min(before, mModel.rowCount() - 1); row < mModel.rowCount(); ++row) FitRow(row);
   if (isAtEnd) scrollToBottom();
+}
+
+void LogView::FitRow(int row) {
+  setRowHeight(row, sizeHintForRow(row) + kRowSpace);
 }
 
 QString LogView::CopyText() const {
@@ -43,7 +52,8 @@ QString LogView::CopyText() const {
 
 void LogView::resizeEvent(QResizeEvent* event) {
   QTableView::resizeEvent(event);
-  if (event->oldSize().width() != event->size().width()) resizeRowsToContents();
+  if (event->oldSize().width() == event->size().width()) return;
+  for (int row = 0; row < mModel.rowCount(); ++row) FitRow(row);
 }
 
 }  // namespace kv

@@ -19,6 +19,8 @@ class LogView final : public QTableView {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void FitRow(int row);
+
   LogModel mModel;
 };
 

@@ -1,0 +1,78 @@
+#include "KvTele2/PagesFile.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/base/TemporaryFolder.h"
+
+namespace kv {
+namespace {
+
+std::string WithLines(const std::string& text) {
+  std::string lines;
+  for (const char c : text) lines += c == '|' ? std::string("\r\n") : std::string(1, c);
+  return lines;
+}
+
+TEST(PagesFileTest, AFileSaysAgainWhatWasSaved) {
+  const TemporaryFolder folder;
+  const PagesFile pages{
+      "Br\u00FC"
+      "cke 7",
+      "K670-67-T40 / K390-29-T40"};
+  const auto file = folder.Path() / "a.kta";
+  ASSERT_TRUE(SavePagesFile(file, pages));
+  const auto read = ReadPagesFile(file);
+  ASSERT_TRUE(read) << read.error().Text();
+  EXPECT_EQ(*read, pages);
+  EXPECT_TRUE(
+      TemporaryFolder::Content(file).starts_with("TELEPANEL-PAGES 1\r\nproject Br\xFC"
+                                                 "cke 7\r\n"));
+}
+
+TEST(PagesFileTest, AFileOfAnotherProgramWithPlainLineEndsIsRead) {
+  const auto pages = ParsePagesFile("TELEPANEL-PAGES 1\nproject Bakery\nmodel K220-22-R1\ncheck 364ae7e9\n");
+  ASSERT_TRUE(pages) << pages.error().what;
+  EXPECT_EQ(*pages, (PagesFile{"Bakery", "K220-22-R1"}));
+}
+
+TEST(PagesFileTest, AFileThatEndsAnywhereBeforeItsEndIsRefused) {
+  const std::string whole = PrintPagesFile({"Bakery", "Q50"});
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    const auto cut = ParsePagesFile(std::string_view(whole).substr(0, length));
+    ASSERT_FALSE(cut) << "cut at " << length;
+  }
+  EXPECT_TRUE(ParsePagesFile(whole));
+}
+
+TEST(PagesFileTest, WhatIsWrongIsNamedWithItsLine) {
+  const struct {
+    const char* text;  // "|" ends a line
+    std::size_t line;
+    const char* what;
+  } cases[] = {
+      {"PAGES 1|", 1, "expected a line that begins with \"TELEPANEL-PAGES \""},
+      {"TELEPANEL-PAGES 2|project A|", 1, "expected version 1, the only one that this program reads"},
+      {"TELEPANEL-PAGES 1|project |", 2, "expected a project name of 1 to 20 characters"},
+      {"TELEPANEL-PAGES 1|project 123456789012345678901|", 2, "expected a project name of 1 to 20 characters"},
+      {"TELEPANEL-PAGES 1|project A\tB|", 2, "expected a project name of 1 to 20 characters"},
+      {"TELEPANEL-PAGES 1|project A|model K999|", 3,
+       "expected the text of a model that this program knows, such as K220-22-R1"},
+      {"TELEPANEL-PAGES 1|project A|model Q50", 3, "expected the line \"model ...\", whole"},
+      {"TELEPANEL-PAGES 1|project A|model Q50|check 00000000|", 4,
+       "expected the check of the lines before: the file is damaged"},
+      {"TELEPANEL-PAGES 1|project A|model Q50|check 0x12|", 4,
+       "expected the check of the lines before: the file is damaged"},
+  };
+  for (const auto& each : cases) {
+    const auto pages = ParsePagesFile(WithLines(each.text));
+    ASSERT_FALSE(pages) << each.text;
+    EXPECT_EQ(pages.error().line, each.line) << each.text;
+    EXPECT_EQ(pages.error().what, each.what) << each.text;
+  }
+  const auto more = ParsePagesFile(PrintPagesFile({"A", "Q50"}) + "page 1\r\n");
+  ASSERT_FALSE(more);
+  EXPECT_EQ(more.error().line, 4u);
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,287 @@
+#include "KvTele2/TelepanelHost.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "KvTele2/HostCommands.h"
+#include "base/PathText.h"
+#include "desktop/VirtualPacer.h"
+#include "host/ToolTable.h"
+#include "tests/base/TemporaryFolder.h"
+#include "tests/support/FakeChannel.h"
+#include "tests/support/LoggedPrompts.h"
+
+namespace kv {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+// A window that only remembers what it was last told to show, and which waits it saw.
+class ShownView : public HostView {
+ public:
+  void Show(const HostState& state, const Journal& journal) override {
+    shown = state;
+    entries = journal.Entries().size();
+  }
+  void Run() override {}
+  void Quit() override { hasQuit = true; }
+  void BeginWait(Wait, const std::string& what) override {
+    waits.push_back(what);
+    isWaiting = true;
+    if (onWait) onWait();
+  }
+  void EndWait() override { isWaiting = false; }
+
+  HostState shown;
+  std::size_t entries = 0;
+  std::vector<std::string> waits;
+  bool isWaiting = false;
+  bool hasQuit = false;
+  std::function<void()> onWait;
+};
+
+class TelepanelHostTest : public testing::Test {
+ protected:
+  TelepanelHostTest() {
+    host.SetSessionName("Default");
+    host.SetSessionPath(Utf8FromPath(folder.Path()));
+    host.SetModel("K220-22-R1");
+    host.SetComDescription("COM3, 115200 8N1, unit 1");
+    channel->version = VersionInfo{"K220-22-R1", "10", "4.60", "19"};
+    channel->info = Channel::ControllerInfo{.serialNumber = 0xABC, .state = 'R', .projectName = "Bakery"};
+    host.OnToolClicked = [this](const std::string& id, const std::string&) {
+      clicked.push_back(id);
+      if (id == "ID_OnLine") onLine();
+    };
+  }
+
+  // What the tool "ID_OnLine" does to the host when nothing is amiss.
+  void Connect() {
+    host.BeginConnect();
+    host.EndConnect();
+    host.SetConnectedUnit(1);
+    host.AttachChannel(channel);
+    if (!host.ProjectMatches()) return;
+    host.GoOnline();
+    host.RunPanelSession("0");
+  }
+  void LoseController() { channel->info.reset(); }
+  void Pass(Duration span) {
+    for (const Instant end = pacer.Now() + span; pacer.Now() < end;) {
+      pacer.Sleep(std::chrono::seconds(1));
+      host.Tick();
+    }
+  }
+  [[nodiscard]] std::ptrdiff_t Questions() const { return std::ranges::count(channel->calls, "GetControllerInfo @1"); }
+  std::string PutPages(const std::string& name, const PagesFile& pages) {
+    return Utf8FromPath(folder.Put(name, PrintPagesFile(pages)));
+  }
+
+  TemporaryFolder folder;
+  test::CallLog log;
+  test::LoggedPrompts prompts{log};
+  VirtualPacer pacer;
+  ShownView view;
+  TelepanelHost host{view, {pacer, pacer, prompts, "C:\\Program Files"}};
+  std::shared_ptr<test::FakeChannel> channel = std::make_shared<test::FakeChannel>();
+  std::vector<std::string> clicked;
+  std::function<void()> onLine = [this] { Connect(); };
+};
+
+TEST_F(TelepanelHostTest, EveryToolOfTheDispatchHasItsCommand) {
+  std::set<std::string_view> ids{command::kEscape};
+  for (const HostMenu& menu : HostMenus()) {
+    for (const HostCommand& each : menu.commands) {
+      EXPECT_TRUE(each.id.empty() || ids.insert(each.id).second) << each.id << " is there twice";
+    }
+  }
+  for (const ToolRow& row : ToolTable()) EXPECT_TRUE(ids.contains(row.id)) << row.id;
+}
+
+TEST_F(TelepanelHostTest, AControllerOnLineIsShown) {
+  host.Click(command::kOnLine);
+  EXPECT_EQ(view.shown.connection, Connection::Online);
+  EXPECT_EQ(view.shown.controller, (ControllerFacts{"K220-22-R1", "4.60", "19", "1", "Running", "Bakery", "00000ABC"}));
+  EXPECT_FALSE(view.isWaiting);
+  EXPECT_THAT(host.WhyDisabled(command::kModel), HasSubstr("on line"));
+  EXPECT_EQ(host.WhyDisabled(command::kOffLine), "");
+
+  host.Click(command::kOffLine);
+  EXPECT_EQ(view.shown.connection, Connection::Offline);
+  EXPECT_EQ(view.shown.controller, std::nullopt);
+  EXPECT_EQ(channel.use_count(), 1) << "the controller is let go of";
+}
+
+TEST_F(TelepanelHostTest, WhyAControllerCannotBeReachedStaysOnThePage) {
+  onLine = [this] {
+    host.BeginConnect();
+    EXPECT_TRUE(view.isWaiting);
+    host.StatusMessage("Identifying unit 1 failed: no reply.\nWhat to do: check the cable.");
+  };
+  host.Click(command::kOnLine);
+  EXPECT_EQ(view.shown.connection, Connection::Offline);
+  EXPECT_THAT(view.shown.trouble, HasSubstr("check the cable"));
+  EXPECT_FALSE(view.isWaiting);
+
+  onLine = [this] {  // refused in a box of its own: nothing to repeat on the page
+    host.BeginConnect();
+    host.StatusMessage("Connected to COM3");
+    host.SetConnectedUnit(1);
+    EXPECT_FALSE(view.isWaiting) << "a box in front of a busy window";
+  };
+  host.Click(command::kOnLine);
+  EXPECT_EQ(view.shown.connection, Connection::Offline);
+  EXPECT_EQ(view.shown.trouble, "");
+}
+
+TEST_F(TelepanelHostTest, ALostControllerIsAskedLessAndLessOftenAndFoundAgain) {
+  host.Click(command::kOnLine);
+  channel->calls.clear();
+  Pass(std::chrono::seconds(10));
+  EXPECT_EQ(Questions(), 5);
+
+  LoseController();
+  Pass(std::chrono::seconds(2));
+  EXPECT_EQ(view.shown.connection, Connection::Lost);
+  EXPECT_THAT(view.shown.trouble, HasSubstr("no reply"));
+  EXPECT_TRUE(view.shown.controller.has_value()) << "whom it was";
+  EXPECT_FALSE(host.IsOnline()) << "the tool connects anew";
+  channel->calls.clear();
+  Pass(std::chrono::seconds(120));
+  EXPECT_EQ(Questions(), 6);  // after 4, 8, 16 and then every 30 seconds
+
+  channel->info = Channel::ControllerInfo{.serialNumber = 0xABC, .state = 'S', .projectName = "Bakery"};
+  Pass(std::chrono::seconds(30));
+  EXPECT_EQ(view.shown.connection, Connection::Online);
+  EXPECT_EQ(view.shown.controller->state, "Stopped");
+  EXPECT_EQ(view.shown.trouble, "");
+}
+
+TEST_F(TelepanelHostTest, WhatEndsBeingOnLine) {
+  const struct {
+    const char* what;
+    std::function<void()> happens;
+    const char* told;
+  } cases[] = {
+      {"another session", [this] { host.SetSessionPath("C:\\Other"); }, "another session is active"},
+      {"another link", [this] { host.SetComDescription("COM4"); }, "the link was changed"},
+      {"another controller",
+       [this] {
+         LoseController();
+         channel->error.code = LinkErrorCode::OtherController;
+         channel->error.happened = "another controller answered";
+         Pass(std::chrono::seconds(2));
+       },
+       "another controller answered"},
+      {"the user cancels a question",
+       [this] {
+         LoseController();
+         channel->error.code = LinkErrorCode::Stopped;
+         Pass(std::chrono::seconds(2));
+       },
+       "stopped on request"},
+      {"the controller gets another project",
+       [this] {
+         host.OpenPagesFile(PutPages("a.kta", {"Bakery", "K220-22-R1"}));
+         channel->info->projectName = "Mill";
+         Pass(std::chrono::seconds(2));
+       },
+       "the controller holds Mill"},
+  };
+  for (const auto& each : cases) {
+    channel->info = Channel::ControllerInfo{.serialNumber = 1, .state = 'R', .projectName = "Bakery"};
+    host.Click(command::kOnLine);
+    ASSERT_TRUE(host.IsOnline()) << each.what;
+    each.happens();
+    EXPECT_EQ(view.shown.connection, Connection::Offline) << each.what;
+    EXPECT_THAT(view.shown.message, HasSubstr(each.told)) << each.what;
+  }
+}
+
+TEST_F(TelepanelHostTest, NobodyIsAskedWhileAToolWorksWithTheController) {
+  host.Click(command::kOnLine);
+  channel->calls.clear();
+  host.OnToolClicked = [this](const std::string&, const std::string&) {
+    host.Click("ID_Session");  // a click that comes through while a tool is at work
+    Pass(std::chrono::seconds(10));
+    host.SetEnabled(false);
+  };
+  host.Click("ID_DataTypes");
+  Pass(std::chrono::seconds(10));
+  EXPECT_EQ(Questions(), 0);
+  host.Click("ID_Session");
+  EXPECT_THAT(clicked, ElementsAre("ID_OnLine"));
+  host.SetEnabled(true);
+  host.Tick();
+  EXPECT_EQ(Questions(), 1) << "what the tool did is seen at once";
+}
+
+TEST_F(TelepanelHostTest, ABadPagesFileLeavesTheOpenOne) {
+  const std::string good = PutPages("good.kta", {"Bakery", "K220-22-R1"});
+  const std::string half = Utf8FromPath(folder.Put("half.kta", "TELEPANEL-PAGES 1\r\nproject Mi"));
+  EXPECT_TRUE(host.OpenPagesFile(good));
+  prompts.Press(PromptAnswer::Ok);
+  EXPECT_FALSE(host.OpenPagesFile(half));
+  ASSERT_EQ(prompts.Boxes().size(), 1u);
+  EXPECT_THAT(prompts.Boxes()[0].text, HasSubstr("half.kta, line 2: expected the line \"project ...\", whole"));
+  EXPECT_EQ(view.shown.pages->content.project, "Bakery");
+  EXPECT_THAT(view.shown.recentPages, ElementsAre(good));
+}
+
+TEST_F(TelepanelHostTest, TheTenPagesFilesThatWereOpenedLastAreKeptWithTheSession) {
+  std::vector<std::string> files;
+  for (int i = 0; i < 11; ++i) files.push_back(PutPages(std::to_string(i) + ".kta", {"Bakery", "Q50"}));
+  for (const std::string& file : files) host.OpenPagesFile(file);
+  host.OpenPagesFile(files[5]);
+  const std::vector<std::string> expected{files[5], files[10], files[9], files[8], files[7],
+                                          files[6], files[4],  files[3], files[2], files[1]};
+  EXPECT_EQ(host.Settings().ReadRecentPages(), expected);
+  host.SetSessionPath(Utf8FromPath(folder.Path() / "Other"));
+  EXPECT_TRUE(view.shown.recentPages.empty());
+  EXPECT_FALSE(view.shown.pages.has_value());
+}
+
+TEST_F(TelepanelHostTest, APagesFileIsMadeForTheControllerOnLineAndThenAsked) {
+  EXPECT_THAT(host.WhyDisabled(command::kSavePages), HasSubstr("go on line first"));
+  channel->info->projectName = "A/B";
+  host.Click(command::kOnLine);
+  const std::string file = Utf8FromPath(folder.Path() / "saved.kta");
+  prompts.Choose(file);
+  host.Click(command::kSavePages);
+  ASSERT_EQ(prompts.SaveDialogs().size(), 1u);
+  EXPECT_EQ(prompts.SaveDialogs()[0].initial, "A-B.kta");
+  EXPECT_EQ(view.shown.pages->content, (PagesFile{"A/B", "K220-22-R1"}));
+
+  host.Click(command::kOffLine);
+  channel->info->projectName = "Other";
+  host.Click(command::kOnLine);
+  EXPECT_EQ(view.shown.connection, Connection::Offline) << "the tool refuses it";
+  host.Click(command::kClosePages);
+  host.Click(command::kOnLine);
+  EXPECT_EQ(view.shown.connection, Connection::Online);
+}
+
+TEST_F(TelepanelHostTest, UnknownModelsAndMissingToolsSayWhatToDo) {
+  host.SetModel("K9000");
+  EXPECT_THAT(view.shown.message, HasSubstr("\"K9000\" is not one that this program knows. Choose one"));
+  host.SetModel("PX1-R8");
+  EXPECT_THAT(view.shown.message, HasSubstr("K9000")) << "a controller's own text for a model of the list";
+  host.SetToolMissing("ID_DataTypes", "This build does not have this tool.");
+  host.Click("ID_DataTypes");
+  EXPECT_TRUE(clicked.empty());
+  EXPECT_EQ(host.WhyDisabled("ID_DataTypes"), "This build does not have this tool.");
+}
+
+TEST_F(TelepanelHostTest, TheLogIsBounded) {
+  for (int i = 0; i < 1100; ++i) host.StatusMessage("message " + std::to_string(i));
+  EXPECT_EQ(host.Log().Entries().size(), Journal::kMostEntries);
+  EXPECT_EQ(EntryText({"14:05:09", "one\r\ntwo"}), "14:05:09  one\n          two");
+  host.Click(command::kClearLog);
+  EXPECT_EQ(view.entries, 0u);
+}
+
+}  // namespace
+}  // namespace kv
