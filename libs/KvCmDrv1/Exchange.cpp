@@ -223,7 +223,6 @@ Outcome Exchange::TryText(const TextRequest& request, Buffers& buffers) {
   Outcome worst = Outcome::Silence;  // damage in any try tells more than silence in the last
   for (int tryNumber = 1;; ++tryNumber) {
     const std::uint64_t sentBefore = mLine.BytesSent();
-    const Instant start = mPacer.Now();
     const Outcome outcome =
         OneTry(judge, buffers.frame, facts.longestReply, WaitOf(facts.isSlow, tryNumber), ReserveOf(facts));
     if (isMain) {
@@ -233,7 +232,7 @@ Outcome Exchange::TryText(const TextRequest& request, Buffers& buffers) {
     if (outcome == Outcome::Done) {
       unit.counter = judge.Counter();
       if (tryNumber == 1 && !facts.isSlow) {
-        mRoundTrip.Sample(mPacer.Now() - start - mLine.WireTime(buffers.frame.size() + buffers.reply.size()));
+        mRoundTrip.Sample(mLine.AnswerTime() - mTryStart - mLine.WireTime(buffers.frame.size() + buffers.reply.size()));
       }
       return outcome;
     }
@@ -285,14 +284,13 @@ Outcome Exchange::TryBlock(const BlockRequest& request) {
   Outcome worst = Outcome::Silence;
   for (int tryNumber = 1;; ++tryNumber) {
     const std::uint64_t sentBefore = mLine.BytesSent();
-    const Instant start = mPacer.Now();
     const Outcome outcome = OneTry(judge, mMain.frame, replyBytes, WaitOf(isSlow, tryNumber), Duration{});
     mWentOut = mWentOut || mLine.BytesSent() != sentBefore;
     mTriesUsed = tryNumber;
     if (outcome == Outcome::Done) {
       mBlockStatus = judge.Status();
       if (tryNumber == 1 && !isSlow)
-        mRoundTrip.Sample(mPacer.Now() - start - mLine.WireTime(mMain.frame.size() + replyBytes));
+        mRoundTrip.Sample(mLine.AnswerTime() - mTryStart - mLine.WireTime(mMain.frame.size() + replyBytes));
       return outcome;
     }
     if (outcome != Outcome::Silence && outcome != Outcome::Damaged) return outcome;
@@ -305,12 +303,12 @@ Outcome Exchange::TryBlock(const BlockRequest& request) {
 
 Outcome Exchange::OneTry(ReplyJudge& judge, std::string_view frame, std::size_t replyBytes, Duration wait,
                          Duration reserve) {
-  const Instant now = mPacer.Now();
+  mTryStart = mPacer.Now();
   const Instant utmost = mDeadline - reserve;
-  const Instant end = std::min(now + mLine.WireTime(frame.size() + replyBytes) + wait, utmost);
-  if (now >= end) return Outcome::Silence;
-  const Outcome sent = mLine.Send(frame, end);
-  return sent == Outcome::Done ? mLine.Await(judge, end, utmost) : sent;
+  const Instant end = std::min(mTryStart + mLine.WireTime(frame.size() + replyBytes) + wait, utmost);
+  if (mTryStart >= end) return Outcome::Silence;
+  const Outcome sent = mLine.Send(frame, mTryStart, end);
+  return sent == Outcome::Done ? mLine.Await(judge, mTryStart, end, utmost) : sent;
 }
 
 Duration Exchange::WaitOf(bool isSlow, int tryNumber) const {

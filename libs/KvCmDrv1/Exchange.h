@@ -160,6 +160,7 @@ class Exchange {
   // Of the request under way.
   Instant mStart{};
   Instant mDeadline{};
+  Instant mTryStart{};
   bool mIsUnderWay = false;
   bool mWentOut = false;  // any of it has reached the line
   int mTriesUsed = 0;

@@ -43,8 +43,8 @@ void Line::Close() {
   mReceiver.Clear();
 }
 
-Outcome Line::Send(std::string_view bytes, Instant deadline) {
-  mTrace.Add(mPacer.Now(), Trace::Direction::Sent, bytes);
+Outcome Line::Send(std::string_view bytes, Instant now, Instant deadline) {
+  mTrace.Add(now, Trace::Direction::Sent, bytes);
   mReceiver.Clear();  // the start of a message that never ended must not swallow the answer
   while (true) {
     const std::size_t before = bytes.size();
@@ -58,10 +58,9 @@ Outcome Line::Send(std::string_view bytes, Instant deadline) {
   }
 }
 
-Outcome Line::Await(ReplyJudge& judge, Instant deadline, Instant utmost) {
+Outcome Line::Await(ReplyJudge& judge, Instant now, Instant deadline, Instant utmost) {
   const Duration quiet = std::max(kQuiet, kQuietBytes * mPort->ByteTime());
-  Wait wait{.now = mPacer.Now(), .lastTurn = {}, .lastArrival = {}};
-  wait.lastTurn = wait.now;
+  Wait wait{.now = now, .lastTurn = now, .lastArrival = {}};
   while (true) {
     if (!mReceiver.IsEmpty() && TakeMessages(judge, wait)) return Outcome::Done;
     if (StopAsked()) return Outcome::Stopped;
@@ -93,7 +92,10 @@ bool Line::TakeMessages(ReplyJudge& judge, Wait& wait) {
   while (const std::optional<Received> received = mReceiver.Next(wait.now)) {
     const bool isAnswer = received->IsGood() && judge.Accepts(*received);
     mTrace.Add(wait.now, isAnswer ? Trace::Direction::Received : Trace::Direction::Dropped, received->bytes);
-    if (isAnswer) return true;
+    if (isAnswer) {
+      mAnswerTime = wait.now;
+      return true;
+    }
     // A whole message that answers something else is no damage: the answer may be right behind it.
     if (!received->IsGood()) wait.isDamaged = true;
   }

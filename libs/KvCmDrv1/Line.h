@@ -43,14 +43,18 @@ class Line {
   // Number of the connection, raised with every Open that succeeds; 0 before the first.
   [[nodiscard]] unsigned Connection() const { return mConnection; }
 
+  // `now` is the time of the call here and below, which the caller knows: reading the clock is not free.
+  //
   // Done when all bytes are with the port; Silence when the line did not take them until `deadline`.
-  [[nodiscard]] Outcome Send(std::string_view bytes, Instant deadline);
+  [[nodiscard]] Outcome Send(std::string_view bytes, Instant now, Instant deadline);
 
   // Done when the judge took a message. Damaged when something else arrived and the line was quiet again, or at the
   // deadline; Silence when nothing arrived until then. A message that is just arriving, undamaged, is waited for beyond
   // the deadline, until `utmost`: a line may be slower than it says. All that arrives goes through the receiver, so
   // endless garbage costs no memory.
-  [[nodiscard]] Outcome Await(ReplyJudge& judge, Instant deadline, Instant utmost);
+  [[nodiscard]] Outcome Await(ReplyJudge& judge, Instant now, Instant deadline, Instant utmost);
+  // When the bytes arrived that ended the last Await with Done.
+  [[nodiscard]] Instant AnswerTime() const { return mAnswerTime; }
 
   // Throws away what has arrived. Lost when the other side has gone.
   [[nodiscard]] Outcome DropInput();
@@ -84,6 +88,7 @@ class Line {
   std::string mArrived;
   unsigned mConnection = 0;
   bool mAbort = false;
+  Instant mAnswerTime{};
   std::uint64_t mBytesSent = 0;
   std::uint64_t mBytesReceived = 0;
 };

@@ -15,7 +15,8 @@ bool RawPort::Output(std::string_view bytes) {
     mOnOutcome(Outcome::Closed);
     return false;
   }
-  const Outcome outcome = mLine.Send(bytes, mPacer.Now() + mLine.WireTime(bytes.size()) + kTaken);
+  const Instant now = mPacer.Now();
+  const Outcome outcome = mLine.Send(bytes, now, now + mLine.WireTime(bytes.size()) + kTaken);
   mOnOutcome(outcome);
   return outcome == Outcome::Done;
 }

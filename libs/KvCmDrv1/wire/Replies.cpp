@@ -1,6 +1,7 @@
 #include "KvCmDrv1/wire/Replies.h"
 
 #include <algorithm>
+#include <array>
 
 #include "KvCmDrv1/wire/BlockCodec.h"
 #include "KvCmDrv1/wire/HexDigits.h"
@@ -11,6 +12,7 @@ namespace kv {
 namespace {
 
 constexpr std::size_t kLetters = 2;
+constexpr std::size_t kMostValueBytes = 300;  // 60 counters of 5 bytes
 
 FieldReader Begin(std::string_view reply, std::string_view letters, std::uint16_t tag) {
   FieldReader reader(reply);
@@ -25,34 +27,34 @@ void ExpectRange(FieldReader& reader, const OperandRange& range) {
   reader.ExpectHex(range.count, 4);
 }
 
-// One number of a reply, and the check that a bit is one.
-void AddHex(FieldReader& reader, OperandListValues& values, std::size_t digits) {
-  values.push_back(reader.Hex(digits));
-}
-
-void AddHexBit(FieldReader& reader, OperandListValues& values) {
-  AddHex(reader, values, 2);
-  if (values.back() > 1) reader.Fail();
-}
-
-void AddHexOperand(FieldReader& reader, OperandListValues& values, OperandShape shape) {
+// Takes the numbers of one operand from the bytes that its digits stand for; false when a bit is neither 0 nor 1.
+bool TakeOperand(std::span<const std::uint8_t>& bytes, OperandShape shape, OperandListValues& values) {
+  const auto take = [&](std::size_t count) {
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < count; ++i) value = value << 8 | bytes[i];
+    bytes = bytes.subspan(count);
+    values.push_back(value);
+    return value;
+  };
   switch (shape) {
     case OperandShape::Bit:
-      AddHexBit(reader, values);
-      return;
+      return take(1) <= 1;
     case OperandShape::Word:
+      take(2);
+      return true;
     case OperandShape::Long:
-      AddHex(reader, values, DigitsOf(shape));
-      return;
+      take(4);
+      return true;
     case OperandShape::Timer:
-    case OperandShape::Counter: {
-      const std::size_t digits = shape == OperandShape::Timer ? 8 : 4;
-      AddHex(reader, values, digits);
-      AddHex(reader, values, digits);
-      AddHexBit(reader, values);
-      return;
-    }
+      take(4);
+      take(4);
+      return take(1) <= 1;
+    case OperandShape::Counter:
+      take(2);
+      take(2);
+      return take(1) <= 1;
   }
+  return false;
 }
 
 // Takes binary values from the front of a payload that is known to be long enough.
@@ -194,11 +196,17 @@ std::optional<OperandListValues> ReadOperandValues(std::string_view reply, std::
   FieldReader reader = Begin(reply, "RO", tag);
   ExpectRange(reader, range);
   const OperandShape shape = range.type->shape;
-  if (!reader.Good() || reader.Rest().size() != range.count * DigitsOf(shape)) return std::nullopt;
+  const std::size_t length = range.count * DigitsOf(shape) / 2;
+  std::array<std::uint8_t, kMostValueBytes> buffer;
+  if (!reader.Good() || length > buffer.size()) return std::nullopt;
+  if (!HexToBytes(reader.Rest(), std::span(buffer).first(length))) return std::nullopt;
+
+  std::span<const std::uint8_t> bytes = std::span(buffer).first(length);
   OperandListValues values;
   values.reserve(range.count * NumbersOf(shape));
-  for (int i = 0; i < range.count; ++i) AddHexOperand(reader, values, shape);
-  if (!reader.GoodToTheEnd()) return std::nullopt;
+  for (int i = 0; i < range.count; ++i) {
+    if (!TakeOperand(bytes, shape, values)) return std::nullopt;
+  }
   return values;
 }
 
