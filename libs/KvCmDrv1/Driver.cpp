@@ -115,11 +115,7 @@ void Driver::ShowComParams() {
 
 void Driver::ShowModemSettings() {
   if (!MayEdit()) return;
-  const auto edited = mDialogs->EditModem(mSettings.modem, mCaller);
-  if (!edited) return;
-  LinkSettings settings = mSettings;
-  settings.modem = *edited;
-  (void)UseSettings(settings, true);
+  if (const auto edited = mDialogs->EditModem(mSettings, mCaller)) (void)UseSettings(*edited, true);
 }
 
 // Settings that change in the middle of a download would cut it.

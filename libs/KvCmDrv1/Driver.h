@@ -1,5 +1,6 @@
 #pragma once
 
+#include <expected>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -9,6 +10,7 @@
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/DriverDialogs.h"
 #include "KvCmDrv1/LinkSettings.h"
+#include "KvCmDrv1/LinkTrial.h"
 #include "KvCmDrv1/Trace.h"
 #include "KvCmDrv1/ports/PortFactory.h"
 #include "base/InProcessLine.h"
@@ -49,9 +51,15 @@ class Driver final : public CommDriver {
   // Takes other settings; the link is closed when they differ. `keep` writes them into the session's file; false when
   // that failed.
   bool UseSettings(const LinkSettings& settings, bool keep);
+  // Opens a link with these settings, identifies the controller, and closes it; nothing is kept. The driver's own link
+  // is closed for the time, since a port, and many a controller, serves one link. A call by telephone and a controller
+  // that dialled in are not got back by themselves. A stop request ends the trial and is used up by it.
+  [[nodiscard]] std::expected<LinkTrial, LinkError> TryLink(const LinkSettings& settings);
   // The dialogs of a program with windows; null for one without. They outlive the driver.
   void SetDialogs(DriverDialogs* dialogs) { mDialogs = dialogs; }
   [[nodiscard]] Trace& GetTrace() { return *mTrace; }
+  // For a window that may outlive the driver.
+  [[nodiscard]] std::shared_ptr<const Trace> ShareTrace() const { return mTrace; }
 
  private:
   [[nodiscard]] std::unique_ptr<Port> MakeAnyPort(const LinkSettings& settings);

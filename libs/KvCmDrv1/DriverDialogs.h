@@ -15,8 +15,9 @@ class DriverDialogs {
   // What the user confirmed, every value within its range; nothing after Cancel. `caller` names the window behind.
   [[nodiscard]] virtual std::optional<LinkSettings> EditLink(const LinkSettings& current,
                                                              const std::string& caller) = 0;
-  [[nodiscard]] virtual std::optional<ModemSettings> EditModem(const ModemSettings& current,
-                                                               const std::string& caller) = 0;
+  // The same for the modem: its own settings, and the port that it is on.
+  [[nodiscard]] virtual std::optional<LinkSettings> EditModem(const LinkSettings& current,
+                                                              const std::string& caller) = 0;
 };
 
 }  // namespace kv

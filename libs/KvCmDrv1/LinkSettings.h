@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -24,10 +25,27 @@ struct ModemSettings {
   std::string init;                                 // sent after the reset; empty: nothing
   std::string number;                               // digits and the marks a modem understands ("0,12345")
   bool isPulse = false;                             // pulse dialling
-  Duration dialTimeOut = std::chrono::seconds(60);  // 5 s to 300 s: how long the other side may take to answer
+  Duration dialTimeOut = std::chrono::seconds(60);  // how long the other side may take to answer
 
   bool operator==(const ModemSettings&) const = default;
 };
+
+// What the numbers of the settings may be.
+struct NumberRange {
+  std::int64_t lowest;
+  std::int64_t highest;
+
+  [[nodiscard]] constexpr bool Holds(std::int64_t number) const { return lowest <= number && number <= highest; }
+};
+inline constexpr int kLowestBaudRate = 300;
+inline constexpr int kHighestBaudRate = 921600;
+inline constexpr NumberRange kTcpPorts{1, 65535};
+inline constexpr NumberRange kBaudRates{kLowestBaudRate, kHighestBaudRate};  // bits a second
+inline constexpr NumberRange kUnits{0, 255};
+inline constexpr NumberRange kTimeOuts{50, 300'000};  // milliseconds
+inline constexpr NumberRange kTries{1, 10};
+inline constexpr NumberRange kDialTimeOuts{5, 300};      // seconds
+inline constexpr std::size_t kLongestSettingText = 200;  // of the texts, in bytes
 
 inline constexpr std::uint16_t kDefaultTcpPort = 20300;
 inline constexpr int kDefaultBaudRate = 115200;
@@ -41,13 +59,13 @@ struct LinkSettings {
   std::string host = "127.0.0.1";           // name or address
   std::uint16_t tcpPort = kDefaultTcpPort;  // to connect to, or to listen on
   std::string serialPort;                   // "COM3", "/dev/ttyS3": also the modem's
-  int baudRate = kDefaultBaudRate;          // 300 to 921600 bits a second
+  int baudRate = kDefaultBaudRate;
   SerialFraming framing;
   ModemSettings modem;
 
   std::uint8_t unit = 1;
-  Duration timeOut = std::chrono::seconds(1);  // longest time for a reply, 50 ms to 300 s
-  int tries = 3;                               // 1 to 10: how often a request is sent before it counts as unanswered
+  Duration timeOut = std::chrono::seconds(1);  // longest time for a reply
+  int tries = 3;                               // how often a request is sent before it counts as unanswered
   bool reconnects = true;                      // reopen a lost link by itself
 
   bool operator==(const LinkSettings&) const = default;

@@ -28,7 +28,4 @@ namespace kv {
 // The same with ", unit 1" behind it, where there are units.
 [[nodiscard]] std::string DescribeLink(const LinkSettings& settings);
 
-inline constexpr int kLowestBaudRate = 300;
-inline constexpr int kHighestBaudRate = 921600;
-
 }  // namespace kv

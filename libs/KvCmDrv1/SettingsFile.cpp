@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::string_view kFile = "KvCmDrv1.ini";
 constexpr std::string_view kSection = "KvCmDrv1";
-constexpr std::size_t kLongestText = 200;
 
 constexpr auto kTransports = std::to_array<std::string_view>({"sim", "tcp", "serial", "modem", "listen"});
 
@@ -38,21 +37,21 @@ class Reader {
     const std::optional<std::string> text = Text(key);
     if (!text) return;
     const bool isPlain = std::ranges::all_of(*text, [](char c) { return static_cast<unsigned char>(c) >= 0x20; });
-    if (text->size() > kLongestText || !isPlain) {
-      Complain(key, "printable characters, at most 200", value);
+    if (text->size() > kLongestSettingText || !isPlain) {
+      Complain(key, "printable characters, at most " + std::to_string(kLongestSettingText), value);
     } else {
       value = AnsiToUtf8(*text);
     }
   }
 
-  // A whole number from `lowest` to `highest`.
+  // A whole number within `range`.
   template <typename T>
-  void Read(std::string_view key, T& value, std::int64_t lowest, std::int64_t highest) const {
+  void Read(std::string_view key, T& value, NumberRange range) const {
     const std::optional<std::string> text = Text(key);
     if (!text) return;
     const std::optional<std::int64_t> number = ParseInteger(*text);
-    if (!number || *number < lowest || *number > highest) {
-      Complain(key, "a number from " + std::to_string(lowest) + " to " + std::to_string(highest),
+    if (!number || !range.Holds(*number)) {
+      Complain(key, "a number from " + std::to_string(range.lowest) + " to " + std::to_string(range.highest),
                std::to_string(value));
     } else {
       value = static_cast<T>(*number);
@@ -61,13 +60,13 @@ class Reader {
 
   void Read(std::string_view key, bool& value) const {
     int number = value ? 1 : 0;
-    Read(key, number, 0, 1);
+    Read(key, number, {0, 1});
     value = number == 1;
   }
 
-  void ReadMilliseconds(std::string_view key, Duration& value, std::int64_t lowest, std::int64_t highest) const {
+  void ReadMilliseconds(std::string_view key, Duration& value, NumberRange range) const {
     auto number = std::chrono::duration_cast<std::chrono::milliseconds>(value).count();
-    Read(key, number, lowest, highest);
+    Read(key, number, range);
     value = std::chrono::milliseconds(number);
   }
 
@@ -115,17 +114,18 @@ LoadedSettings LoadSettings(const std::filesystem::path& folder, const LinkSetti
   ReadTransport(reader, settings.transport);
   reader.Read("Model", settings.model);
   reader.Read("Host", settings.host);
-  reader.Read("TcpPort", settings.tcpPort, 1, 65535);
+  reader.Read("TcpPort", settings.tcpPort, kTcpPorts);
   reader.Read("SerialPort", settings.serialPort);
-  reader.Read("BaudRate", settings.baudRate, kLowestBaudRate, kHighestBaudRate);
+  reader.Read("BaudRate", settings.baudRate, kBaudRates);
   ReadFraming(reader, settings.framing);
   reader.Read("ModemInit", settings.modem.init);
   reader.Read("ModemNumber", settings.modem.number);
   reader.Read("ModemPulse", settings.modem.isPulse);
-  reader.ReadMilliseconds("ModemDialTimeOut", settings.modem.dialTimeOut, 5000, 300000);
-  reader.Read("UnitID", settings.unit, 0, 255);
-  reader.ReadMilliseconds("TimeOut", settings.timeOut, 50, 300000);
-  reader.Read("Tries", settings.tries, 1, 10);
+  reader.ReadMilliseconds("ModemDialTimeOut", settings.modem.dialTimeOut,
+                          {kDialTimeOuts.lowest * 1000, kDialTimeOuts.highest * 1000});
+  reader.Read("UnitID", settings.unit, kUnits);
+  reader.ReadMilliseconds("TimeOut", settings.timeOut, kTimeOuts);
+  reader.Read("Tries", settings.tries, kTries);
   reader.Read("Reconnect", settings.reconnects);
   return loaded;
 }

@@ -71,9 +71,7 @@ std::string WithoutPassword(std::string_view sent) {
 Trace::Trace() : mEntries(kEntries), mOwners(1) {}
 
 void Trace::Add(Instant when, Direction direction, std::string_view bytes) {
-  Entry& entry = mEntries[mNext];
-  mNext = (mNext + 1) % kEntries;
-  mCount = std::min(mCount + 1, kEntries);
+  Entry& entry = mEntries[mTotal++ % kEntries];
   entry.when = when;
   entry.direction = direction;
   entry.length = static_cast<std::uint32_t>(bytes.size());
@@ -101,29 +99,35 @@ bool Trace::WriteTo(const std::string& path) {
   return mFile.is_open();
 }
 
+Trace::Row Trace::RowAt(std::uint64_t index) const {
+  const Entry& entry = mEntries[index % kEntries];
+  return RowOf(entry, std::string_view(entry.bytes.data(), std::min<std::size_t>(entry.length, kKeptBytes)));
+}
+
 std::string Trace::Text() const {
   std::string text;
-  for (std::size_t i = 0; i < mCount; ++i) {
-    const Entry& entry = mEntries[(mNext + kEntries - mCount + i) % kEntries];
-    const std::size_t kept = std::min<std::size_t>(entry.length, kKeptBytes);
-    text += LineOf(entry, std::string_view(entry.bytes.data(), kept)) + "\n";
-  }
+  for (std::uint64_t index = FirstKept(); index < mTotal; ++index) text += RowAt(index).Line() + "\n";
   return text;
 }
 
 void Trace::PassOn(const Entry& entry, std::string_view bytes) {
-  const std::string line = LineOf(entry, bytes);
+  const std::string line = RowOf(entry, bytes).Line();
   if (mFile.is_open()) mFile << line << '\n' << std::flush;
   if (mWatcher) mWatcher(line);
 }
 
-std::string Trace::LineOf(const Entry& entry, std::string_view bytes) const {
-  std::string line = TimeText(entry.when) + " " + std::string(Arrow(entry.direction)) + " ";
-  if (!mOwners[entry.owner].empty()) line += mOwners[entry.owner] + " ";
-  line += Shown(entry.direction == Direction::Sent ? WithoutPassword(bytes) : std::string(bytes));
-  if (bytes.size() < entry.length) line += "... (" + std::to_string(entry.length) + " bytes)";
-  if (entry.direction == Direction::Note) return line;
-  const std::string meaning = FrameMeaning(bytes);
+Trace::Row Trace::RowOf(const Entry& entry, std::string_view bytes) const {
+  Row row{TimeText(entry.when), Arrow(entry.direction), mOwners[entry.owner], {}, {}};
+  row.text = Shown(entry.direction == Direction::Sent ? WithoutPassword(bytes) : std::string(bytes));
+  if (bytes.size() < entry.length) row.text += "... (" + std::to_string(entry.length) + " bytes)";
+  if (entry.direction != Direction::Note) row.meaning = FrameMeaning(bytes);
+  return row;
+}
+
+std::string Trace::Row::Line() const {
+  std::string line = time + " " + std::string(arrow) + " ";
+  if (!owner.empty()) line += owner + " ";
+  line += text;
   return meaning.empty() ? line : line + "   [" + meaning + "]";
 }
 

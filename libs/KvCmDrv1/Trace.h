@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -40,6 +41,24 @@ class Trace {
   // Gets every entry from now on as one line; an empty function ends it.
   void SetWatcher(std::function<void(const std::string& line)> watcher) { mWatcher = std::move(watcher); }
 
+  // One entry in words. The time is in seconds, with microseconds, from an origin that means nothing; its differences
+  // do.
+  struct Row {
+    std::string time;
+    std::string_view arrow;  // "-->" sent, "<--" received, "<xx" dropped, "---" note
+    std::string owner;
+    std::string text;     // the bytes, or the words of a note
+    std::string meaning;  // of the frame; empty when it has none
+
+    [[nodiscard]] std::string Line() const;
+  };
+
+  // How many entries there have been; the last kEntries of them are kept.
+  [[nodiscard]] std::uint64_t Total() const { return mTotal; }
+  [[nodiscard]] std::uint64_t FirstKept() const { return mTotal - std::min<std::uint64_t>(mTotal, kEntries); }
+  // One that is kept: FirstKept() to Total() - 1.
+  [[nodiscard]] Row RowAt(std::uint64_t index) const;
+
   // The kept entries, oldest first, one a line.
   [[nodiscard]] std::string Text() const;
 
@@ -53,11 +72,10 @@ class Trace {
   };
 
   void PassOn(const Entry& entry, std::string_view bytes);
-  [[nodiscard]] std::string LineOf(const Entry& entry, std::string_view bytes) const;
+  [[nodiscard]] Row RowOf(const Entry& entry, std::string_view bytes) const;
 
   std::vector<Entry> mEntries;
-  std::size_t mNext = 0;
-  std::size_t mCount = 0;
+  std::uint64_t mTotal = 0;
   std::vector<std::string> mOwners;
   std::uint16_t mOwner = 0;
   std::ofstream mFile;

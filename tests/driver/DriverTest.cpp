@@ -174,7 +174,7 @@ struct ScriptedDialogs final : DriverDialogs {
     settings.baudRate = 9600;
     return settings;
   }
-  std::optional<ModemSettings> EditModem(const ModemSettings&, const std::string&) override { return std::nullopt; }
+  std::optional<LinkSettings> EditModem(const LinkSettings&, const std::string&) override { return std::nullopt; }
 };
 
 TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
@@ -194,6 +194,39 @@ TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
   bench.driver.ShowComParams();
   EXPECT_EQ(bench.driver.LinkDescription(), "COM3, 9600 8N1, unit 1");
   EXPECT_EQ(LoadSettings(folder.path, {}).settings.baudRate, 9600);
+}
+
+TEST(Driver, ATrialFindsWhoAnswersAndLeavesTheLinkAsItWas) {
+  DriverBench bench;
+  bench.driver.UseSettings(SerialSettings(), false);
+  LinkSettings other = SerialSettings();
+  other.serialPort = "COM4";
+
+  const auto trial = bench.driver.TryLink(other);
+  ASSERT_TRUE(trial) << trial.error().Text();
+  EXPECT_EQ(trial->version.model, "K220-22-R1");
+  EXPECT_EQ(bench.driver.LinkDescription(), "COM3, 115200 8N1, unit 1");
+
+  const auto channel = bench.driver.GetChannel();
+  ASSERT_TRUE(channel);
+  const int connections = bench.controller.connections;
+  EXPECT_TRUE(bench.driver.TryLink(SerialSettings()));  // over the open link
+  EXPECT_EQ(bench.controller.connections, connections);
+  EXPECT_TRUE(bench.driver.TryLink(other));
+  EXPECT_TRUE(channel->ReadMI(0, 1, 1)) << channel->LastError().Text();
+
+  bench.controller.faultOf = [](const std::string&) { return Fault::NoReply; };
+  const auto silent = bench.driver.TryLink(other);
+  ASSERT_FALSE(silent);
+  EXPECT_EQ(silent.error().code, LinkErrorCode::NoReply);
+  bench.controller.faultOf = [](const std::string&) { return Fault::None; };
+
+  bench.pacer.RequestStop();
+  const auto stopped = bench.driver.TryLink(other);
+  ASSERT_FALSE(stopped);
+  EXPECT_EQ(stopped.error().code, LinkErrorCode::Stopped);
+  EXPECT_FALSE(bench.pacer.StopRequested());
+  EXPECT_TRUE(channel->ReadMI(0, 1, 1)) << channel->LastError().Text();
 }
 
 TEST(Trace, KeepsTheLastFramesWithTheirMeaningAndNoPassword) {

@@ -56,6 +56,7 @@ void frmSession::BuildList() {
   mList->setHorizontalHeaderLabels({"Session"});
   mList->horizontalHeader()->setStretchLastSection(true);
   mList->horizontalHeader()->setHighlightSections(false);
+  mList->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   mList->verticalHeader()->hide();
   mList->setSelectionMode(QAbstractItemView::SingleSelection);
   mList->setSelectionBehavior(QAbstractItemView::SelectRows);
