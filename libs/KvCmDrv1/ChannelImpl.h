@@ -113,9 +113,13 @@ class ChannelImpl final : public Channel {
 
   [[nodiscard]] std::optional<OperandRange> CheckedRange(std::int32_t code, std::int64_t start, std::int64_t count,
                                                          std::string_view verb);
-  [[nodiscard]] std::optional<OperandListValues> ReadRange(const OperandRange& range, std::uint8_t unit);
+  // How long an operation may take, meeting the unit included, that takes so many exchanges with so many bytes in all.
+  [[nodiscard]] Duration Longest(std::size_t exchanges, std::size_t bytes) const;
+  [[nodiscard]] std::optional<OperandListValues> ReadRange(const OperandRange& range, std::uint8_t unit,
+                                                           std::optional<Instant> notAfter = {});
   [[nodiscard]] std::optional<std::vector<OperandListValues>> ReadBlockList(std::span<const OperandRange> ranges,
-                                                                            std::uint8_t unit);
+                                                                            std::uint8_t unit,
+                                                                            std::optional<Instant> notAfter);
   template <typename Value>
   [[nodiscard]] std::optional<std::vector<Value>> ReadTyped(std::int32_t code, std::int16_t start, std::int16_t count,
                                                             std::uint8_t unit);

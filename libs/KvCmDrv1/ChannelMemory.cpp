@@ -42,6 +42,7 @@ std::optional<Bytes> ChannelImpl::ReadMemoryBlock(std::uint32_t address, std::ui
                  MemoryText(address, length, unit));
     return std::nullopt;
   }
+  const Instant start = mPacer.Now();
   if (const auto met = mExchange.MeetUnit(unit); !met) {
     Fail(met.error(), MemoryText(address, length, unit));
     return std::nullopt;
@@ -50,9 +51,8 @@ std::optional<Bytes> ChannelImpl::ReadMemoryBlock(std::uint32_t address, std::ui
   PieceSize& piece = isAsciiOnly ? mTextPiece : mBlockPiece;
 
   // What the largest pieces would be allowed, for all of them together.
-  const std::uint32_t pieces = (length + piece.Most() - 1) / piece.Most();
-  const Duration wire = mLine.WireTime(3 * std::size_t{length} + 100 * std::size_t{pieces});
-  const Instant notAfter = mPacer.Now() + mSettings.tries * (pieces * mSettings.timeOut + wire);
+  const std::size_t pieces = (length + piece.Most() - 1) / piece.Most();
+  const Instant notAfter = start + Longest(pieces, 3 * std::size_t{length} + 100 * pieces);
 
   Bytes bytes(length);
   for (std::uint32_t done = 0; done < length;) {
@@ -104,6 +104,11 @@ bool ChannelImpl::ReadPiece(bool isAsciiOnly, std::uint32_t address, std::span<s
   }
   FailMalformed(doing());
   return false;
+}
+
+Duration ChannelImpl::Longest(std::size_t exchanges, std::size_t bytes) const {
+  const Duration wait = static_cast<Duration::rep>(exchanges) * mSettings.timeOut;
+  return mSettings.tries * (wait + mLine.WireTime(bytes));
 }
 
 bool ChannelImpl::IsAsciiOnly(std::uint8_t unit) {

@@ -11,6 +11,8 @@ constexpr std::size_t kMostRecords = 16;
 constexpr std::int64_t kHighestAddress = 0xFFFF;
 constexpr std::size_t kEcho = 16;  // letters, tag, type, start, count
 constexpr std::uint16_t kOperandList = 256;
+constexpr std::size_t kLongestRecord = 600;  // 60 counters, as text
+constexpr std::size_t kMessageFrame = 100;   // around a request and its reply
 
 std::string Reading(const OperandRange& range, std::uint8_t unit) {
   return "reading " + RangeText(range) + " from unit " + std::to_string(unit);
@@ -56,11 +58,12 @@ std::optional<OperandRange> ChannelImpl::CheckedRange(std::int32_t code, std::in
   return std::nullopt;
 }
 
-std::optional<OperandListValues> ChannelImpl::ReadRange(const OperandRange& range, std::uint8_t unit) {
+std::optional<OperandListValues> ChannelImpl::ReadRange(const OperandRange& range, std::uint8_t unit,
+                                                        std::optional<Instant> notAfter) {
   const auto doing = [&] { return Reading(range, unit); };
   const std::uint16_t tag = mExchange.NextTag();
   const std::size_t length = kEcho + range.count * DigitsOf(range.type->shape);
-  const auto reply = Ask({unit, mWriter.ReadOperands(unit, tag, range), TaggedRead(length), std::nullopt}, doing);
+  const auto reply = Ask({unit, mWriter.ReadOperands(unit, tag, range), TaggedRead(length), notAfter}, doing);
   if (!reply) return std::nullopt;
   std::optional<OperandListValues> values = ReadOperandValues(*reply, tag, range);
   if (values) {
@@ -86,16 +89,24 @@ std::optional<std::vector<OperandListValues>> ChannelImpl::ReadOperandList(std::
     fitsBlock = fitsBlock && record.driverTypeCode < kFirstAsciiOnlyCode;
     ranges.push_back(*range);
   }
+  // A request that is alone has a deadline of its own; meeting the unit must not add to it.
+  const bool isAlone = mExchange.HasMet(unit);
+  const Instant start = isAlone ? Instant() : mPacer.Now();
   if (const auto met = mExchange.MeetUnit(unit); !met) {
     Fail(met.error(), Reading(ranges.front(), unit));
     return std::nullopt;
   }
-  if (fitsBlock && !IsAsciiOnly(unit)) return ReadBlockList(ranges, unit);
+  const bool isBlock = fitsBlock && !IsAsciiOnly(unit);
+  std::optional<Instant> notAfter;
+  if (!isAlone) {
+    notAfter = start + Longest(isBlock ? 1 : ranges.size(), ranges.size() * (kLongestRecord + kMessageFrame));
+  }
+  if (isBlock) return ReadBlockList(ranges, unit, notAfter);
 
   std::vector<OperandListValues> lists;
   lists.reserve(ranges.size());
   for (const OperandRange& range : ranges) {
-    std::optional<OperandListValues> values = ReadRange(range, unit);
+    std::optional<OperandListValues> values = ReadRange(range, unit, notAfter);
     if (!values) return std::nullopt;
     lists.push_back(std::move(*values));
   }
@@ -103,8 +114,8 @@ std::optional<std::vector<OperandListValues>> ChannelImpl::ReadOperandList(std::
 }
 
 std::optional<std::vector<OperandListValues>> ChannelImpl::ReadBlockList(std::span<const OperandRange> ranges,
-                                                                         std::uint8_t unit) {
-  constexpr std::size_t kLongestRecord = 300;  // 60 counters of 5 bytes
+                                                                         std::uint8_t unit,
+                                                                         std::optional<Instant> notAfter) {
   std::string names = "reading";
   const auto doing = [&] {
     for (const OperandRange& range : ranges) names += (names.size() > 7 ? ", " : " ") + RangeText(range);
@@ -119,7 +130,7 @@ std::optional<std::vector<OperandListValues>> ChannelImpl::ReadBlockList(std::sp
                                                      .param4 = 0},
                                           .payload = payload,
                                           .replyPayload = kLongestRecord * ranges.size(),
-                                          .notAfter = {}});
+                                          .notAfter = notAfter});
   if (!reply) {
     Fail(reply.error(), doing());
     return std::nullopt;

@@ -176,7 +176,7 @@ std::expected<BlockReply, LinkError> Exchange::SendBlock(const BlockRequest& req
 
 std::expected<void, LinkError> Exchange::MeetUnit(std::uint8_t unit) {
   if (std::optional<LinkError> refused = Refuse()) return std::unexpected(std::move(*refused));
-  if (mLine.IsOpen() && mUnits[unit].connection == mLine.Connection()) return {};
+  if (HasMet(unit)) return {};
   const UnderWay underWay(*this);
   SetDeadline(0, std::nullopt);
   Outcome outcome = GetReady(unit, false);

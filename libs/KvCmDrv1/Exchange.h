@@ -75,6 +75,9 @@ class Exchange {
   [[nodiscard]] std::expected<std::string_view, LinkError> SendText(const TextRequest& given);
   // NotSupported, without traffic beyond meeting the unit, on a controller that understands ASCII frames only.
   [[nodiscard]] std::expected<BlockReply, LinkError> SendBlock(const BlockRequest& request);
+  [[nodiscard]] bool HasMet(std::uint8_t unit) const {
+    return mLine.IsOpen() && mUnits[unit].connection == mLine.Connection();
+  }
   // Makes sure that the unit has been met on this connection.
   [[nodiscard]] std::expected<void, LinkError> MeetUnit(std::uint8_t unit);
 

@@ -33,6 +33,7 @@ class CountingController final : public sim::Controller {
   }
   void Restart() override {
     mInner->Restart();
+    mHasRestarted = true;
     mBlocks.clear();  // what block messages prepare does not outlive the power
   }
   bool UnderstandsBlocks() const override { return mInner->UnderstandsBlocks(); }
@@ -47,8 +48,10 @@ class CountingController final : public sim::Controller {
     mExecuted.clear();
     mBlocks.clear();
     mHasLied = false;
+    mHasRestarted = false;
   }
   [[nodiscard]] bool HasLied() const { return mHasLied; }
+  [[nodiscard]] bool HasRestarted() const { return mHasRestarted; }
   // How often the request that was executed most often was executed.
   [[nodiscard]] int MostExecutions() const {
     int most = 0;
@@ -67,6 +70,7 @@ class CountingController final : public sim::Controller {
   std::map<std::string, int, std::less<>> mExecuted;
   std::map<std::string, int, std::less<>> mBlocks;
   bool mHasLied = false;
+  bool mHasRestarted = false;
 };
 
 // The driver on its simulated port, a controller whose line misbehaves, and a way to the controller beside that line:
@@ -89,6 +93,8 @@ class Bench {
     if (mChannel && !mHasGivenPassword) mHasGivenPassword = mChannel->GiveAccess(kPassword, 1);
     return mChannel.get();
   }
+  // Calls with a deadline of their own that come before the next request.
+  [[nodiscard]] int CallsBefore() const { return mHasGivenPassword ? 0 : 1; }
   // As a user does who closes the link and opens it again.
   void Reopen() {
     driver.CloseDriver();

@@ -1,14 +1,9 @@
 #include "Requests.h"
 
-#include <chrono>
-
 #include "base/Numbers.h"
 
 namespace kv::matrix {
 namespace {
-
-constexpr std::uint32_t kApplicationOfQ50 = 0x00300000;
-constexpr std::uint32_t kApplicationOfK670 = 0x03000000;
 
 std::vector<std::int16_t> FreshWords(Bench& bench, std::size_t count) {
   std::vector<std::int16_t> words(count);
@@ -75,14 +70,22 @@ Attempt WriteWords(Bench& bench) {
   return {isDone, !isDone || held.substr(10) == Digits(words), bench.controller->MostExecutions()};
 }
 
-Attempt ReadMemory(Bench& bench, std::uint32_t address, std::uint32_t length) {
+// Where the application memory begins, by the segment table.
+std::uint32_t ApplicationStart(Bench& bench) {
+  std::string password = Bench::kPassword;
+  password.resize(8, ' ');
+  const std::string table = bench.Tell("GI" + password);
+  return ParseHex(std::string_view(table).substr(table.find("APF") + 3, 8)).value_or(0);
+}
+
+Attempt ReadMemory(Bench& bench, std::uint32_t length) {
   (void)bench.Tell("CCS");
   const std::string line = ToHex(bench.Fresh(), 4) + ToHex(bench.Fresh(), 4);
   for (std::uint32_t offset = 0; offset < length; offset += 0x40) {
     (void)bench.Tell("FW" + ToHex(offset, 8) + line);
   }
   Channel* link = bench.Link();
-  const auto read = link != nullptr ? link->ReadMemoryBlock(address, length, 1) : std::nullopt;
+  const auto read = link != nullptr ? link->ReadMemoryBlock(ApplicationStart(bench), length, 1) : std::nullopt;
   if (!read) return {};
   std::string held;
   for (std::uint32_t offset = 0; offset < length; offset += 0x40)
@@ -93,11 +96,11 @@ Attempt ReadMemory(Bench& bench, std::uint32_t address, std::uint32_t length) {
 }
 
 Attempt ReadMemoryAsText(Bench& bench) {
-  return ReadMemory(bench, kApplicationOfQ50, 700);
+  return ReadMemory(bench, 700);
 }
 
 Attempt ReadMemoryAsBlock(Bench& bench) {
-  return ReadMemory(bench, kApplicationOfK670, 4096);
+  return ReadMemory(bench, 4096);
 }
 
 Attempt ReadList(Bench& bench) {
@@ -164,7 +167,8 @@ Attempt Control(Bench& bench, std::string_view before, bool (Channel::*operation
   Channel* link = bench.Link();
   const bool isDone = link != nullptr && (link->*operation)(1);
   const int executions = bench.controller->MostExecutions();
-  return {isDone, !isDone || (executions == 1 && bench.TellOwn("IN").at(8) == state), executions};
+  const bool isInState = bench.TellOwn("IN").at(8) == state || bench.controller->HasRestarted();
+  return {isDone, !isDone || (executions == 1 && isInState), executions};
 }
 
 Attempt Stop(Bench& bench) {
@@ -177,7 +181,7 @@ Attempt Run(Bench& bench) {
 
 Attempt Reset(Bench& bench) {
   Attempt attempt = Control(bench, "CCS", &Channel::ResetController, 'R');
-  bench.pacer.Sleep(std::chrono::milliseconds(300));  // until it is up again
+  attempt.restarts = true;
   return attempt;
 }
 
@@ -193,8 +197,8 @@ constexpr Request kRequests[] = {
     {"memory as text",     "Q50",  "RM",     2,     false, true,  ReadMemoryAsText},
     {"memory as block",    "K670", "block",  1,     false, true,  ReadMemoryAsBlock},
     {"operand list",       "K670", "block",  1,     false, true,  ReadList},
-    {"block status",       "K670", "block",  1,     false, true,  ReadStatus},
-    {"block write",        "K670", "block",  1,     true,  false, SendTopic},
+    {"block status",       "K670", "block",  2,     false, true,  ReadStatus},
+    {"block write",        "K670", "block",  2,     true,  false, SendTopic},
     {"information",        "Q50",  "IN",     1,     false, true,  AskInformation},
     {"stop",               "Q50",  "CC",     1,     true,  false, Stop},
     {"run",                "K670", "CC",     1,     true,  false, Run},

@@ -9,9 +9,10 @@ namespace kv::matrix {
 
 // What became of one request, judged by what the controller holds.
 struct Attempt {
-  bool isDone = false;  // the driver says so
-  bool isRight = true;  // the values, or the effect, are those of the controller
-  int executions = 0;   // of what must not be done twice
+  bool isDone = false;    // the driver says so
+  bool isRight = true;    // the values, or the effect, are those of the controller
+  int executions = 0;     // of what must not be done twice
+  bool restarts = false;  // the controller may need a moment now
 };
 
 // One kind of request. Each run changes the controller first, past the line, so that an answer to an earlier request
@@ -20,7 +21,7 @@ struct Request {
   const char* name;
   const char* model;
   const char* on;  // what fault rules call it
-  int pieces;      // exchanges that it may take
+  int pieces;      // calls or messages that it may take, each with its own deadline
   bool isOnce;     // must not be done twice
   bool isRead;     // changes nothing: to be had from a controller that has just restarted, too
   Attempt (*run)(Bench&);
