@@ -41,7 +41,7 @@ endfunction()
 # kv_engines(<variable>): every room that knows no window, for benchmarks and fuzz targets, which may use them all.
 function(kv_engines variable)
   get_property(rooms GLOBAL PROPERTY KV_ROOMS)
-  list(FILTER rooms EXCLUDE REGEX "_ui$|^kv_host_library$")
+  list(FILTER rooms EXCLUDE REGEX "_ui$")
   set(${variable} ${rooms} PARENT_SCOPE)
 endfunction()
 
