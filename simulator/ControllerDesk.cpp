@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <random>
 #include <utility>
 
 #include "base/Crc32.h"
@@ -25,7 +26,8 @@ ControllerDesk::ControllerDesk(std::unique_ptr<Controller> controller, Faults fa
       mFaults(std::move(faults)),
       mSeed(options.seed),
       mUsualBaud(options.baud),
-      mBaud(options.baud) {}
+      mBaud(options.baud),
+      mPowerUp(options.powerUp.value_or(static_cast<std::uint16_t>(std::random_device{}()))) {}
 
 ControllerDesk::Answer ControllerDesk::AnswerText(const AsciiFrame& request, ClientState& client, const FaultPlan& plan,
                                                   kv::Instant now) {
@@ -50,8 +52,8 @@ TextReply ControllerDesk::AnswerSync(std::string_view text) const {
   if (text.size() != kSyncRequestSize) {
     reply.text = RefusalText(text, Refusal::Malformed);
   } else {
-    reply.text =
-        std::string(text.substr(0, kSyncTagEnd)) + kv::ToHex(mLast.counter, 4) + kv::ToHex(mLast.crc, 8) + mLast.reply;
+    reply.text = std::string(text.substr(0, kSyncTagEnd)) + kv::ToHex(mLast.counter, 4) + kv::ToHex(mLast.crc, 8) +
+                 kv::ToHex(mPowerUp, 4) + mLast.reply;
   }
   return reply;
 }
@@ -104,6 +106,7 @@ void ControllerDesk::Restart(kv::Instant now) {
   mController->Restart();
   mCounter = 0;
   mLast = {};
+  ++mPowerUp;
   BeginReset(now);
 }
 

@@ -218,7 +218,10 @@ Outcome Exchange::TryText(const TextRequest& request, Buffers& buffers) {
   const bool isMain = &buffers == &mMain;
   const CommandFacts& facts = request.facts;
   UnitState& unit = mUnits[request.unit];
-  if (isMain) mCounterBefore = unit.counter;
+  if (isMain) {
+    mCounterBefore = unit.counter;
+    mPowerUpBefore = unit.powerUp;
+  }
   TextJudge judge(request, unit, buffers.reply);
   Outcome worst = Outcome::Silence;  // damage in any try tells more than silence in the last
   for (int tryNumber = 1;; ++tryNumber) {

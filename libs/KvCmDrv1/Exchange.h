@@ -169,6 +169,7 @@ class Exchange {
   int mTriesUsed = 0;
   int mLosses = 0;
   std::uint16_t mCounterBefore = 0;
+  std::uint16_t mPowerUpBefore = 0;
   int mBlockStatus = 0;
 
   bool mIsShut = true;

@@ -10,7 +10,7 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t kStepReply = 58;         // SY: letters, tag, counter, check, 40 characters
+constexpr std::size_t kStepReply = 62;         // SY: letters, tag, counter, check, power-up, 40 characters
 constexpr std::size_t kInformationReply = 55;  // IN: letters, tag, serial number, state, name
 constexpr std::size_t kAccessReply = 9;
 constexpr int kWrongPassword = 0x08;
@@ -66,6 +66,7 @@ Outcome Exchange::FindStep(std::uint8_t unit) {
   const std::optional<StepReply> step = ReadStep(mStep.reply, tag);
   if (!step) return Outcome::Damaged;
   mStepReply = *step;
+  mUnits[unit].powerUp = step->powerUp;
   mUnits[unit].isInStep = true;
   return Outcome::Done;
 }
@@ -118,20 +119,19 @@ Outcome Exchange::Ask(const TextRequest& request, Buffers& buffers) {
 }
 
 // The last request other than a read tells: when it was executed since ours went out it must be ours, and when none
-// was, ours was not. A controller that has restarted knows nothing of what it did before: its counter is behind, or
-// seems to have gone around, and it names no request or one from after the restart.
+// was, ours was not. A controller that has restarted knows nothing of what it did before and counts anew; only a text
+// with a tag is then known for ours, a settled one may have been sent and answered earlier since the restart.
 Outcome Exchange::WhatBecameOf(const TextRequest& request) {
   const Outcome outcome = FindStep(request.unit);
   if (outcome == Outcome::Lost || outcome == Outcome::Stopped) return outcome;
   if (outcome != Outcome::Done) return Outcome::Unsure;
 
   const std::uint16_t counterNow = mUnits[request.unit].counter;
-  const bool mayHaveRestarted = counterNow < mCounterBefore && mStepReply.counter == 0;
-  const bool hasRestarted = !IsNewer(counterNow, mCounterBefore) || mayHaveRestarted;
+  const bool hasRestarted = mStepReply.powerUp != mPowerUpBefore;
   const int since = StepsAhead(mStepReply.counter, mCounterBefore);
   const bool isSince = mStepReply.counter != 0 && since >= 1 && since < StepsAhead(counterNow, mCounterBefore);
   const bool isOurs = mStepReply.counter != 0 && mStepReply.check == Crc32(request.text);
-  if (isOurs && (isSince || hasRestarted)) {
+  if (isOurs && (hasRestarted ? !request.facts.isSettled : isSince)) {
     mMain.reply = mStepReply.reply;
     return Outcome::Done;
   }

@@ -19,6 +19,7 @@ struct UnitState {
   unsigned connection = 0;    // on which it was last met
   bool isInStep = false;      // every answer to a settled request from here on has a counter newer than `counter`
   std::uint16_t counter = 0;  // of the seal of the last answer
+  std::uint16_t powerUp = 0;  // as it was when the exchange last came in step
   std::optional<Identity> identity;
   bool modelMayChange = false;  // it was sent into its boot loader or out of it since it was identified
   std::string password;         // with which access was given

@@ -77,7 +77,7 @@ bool FakeController::Connect() {
 
 void FakeController::PowerUp() {
   mCounter = 0;
-  mLastWrite.clear();
+  mLastWrite = "000000000000" + ToHex(++mPowerUp, 4);
   mHasAccess = false;
 }
 
@@ -115,7 +115,7 @@ void FakeController::HandleFrame(const std::string& frame) {
     reply = Execute(text);
   }
   const std::string sealed = FrameOf(text, reply, 1);
-  if (!IsRead(text)) mLastWrite = ToHex(mCounter, 4) + ToHex(Crc32(text), 8) + reply.substr(0, 40);
+  if (!IsRead(text)) mLastWrite = ToHex(mCounter, 4) + ToHex(Crc32(text), 8) + ToHex(mPowerUp, 4) + reply.substr(0, 40);
   if (fault == Fault::Restarted) PowerUp();
   Deliver(fault, frame, fault == Fault::WrongUnit ? FrameOf(text, reply, 2) : sealed);
 }
@@ -135,7 +135,7 @@ std::string FakeController::Execute(const std::string& text) {
   if (text == "ID") return "ID" + model + "|20|4.60|07";
   if (text.starts_with("CC")) return "CCOK";
   if (text.starts_with("LN")) return "LNOK";
-  if (text.starts_with("SY")) return echo + (mLastWrite.empty() ? "000000000000" : mLastWrite);
+  if (text.starts_with("SY")) return echo + mLastWrite;
   if (text.starts_with("IN")) return echo + ToHex(serial, 8) + "R";
   if (text.starts_with("AC")) {
     std::string given;

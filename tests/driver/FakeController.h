@@ -77,7 +77,8 @@ class FakeController {
   std::string mPreviousReply;
   std::string mLastBlock, mLastBlockReply;
   std::uint16_t mCounter = 0;
-  std::string mLastWrite;  // counter(4) check(8) reply of SY
+  std::uint16_t mPowerUp = 0;
+  std::string mLastWrite = "0000000000000000";  // counter(4) check(8) power-up(4) reply of SY
   bool mIsConnected = false;
   bool mHasAccess = false;
   bool mIsGarbage = false;

@@ -151,7 +151,7 @@ Attempt SendTopic(Bench& bench) {
   const Bytes data(topic.begin(), topic.end());
   const bool isDone = engine->SendWithData(data) && engine->ReplyStatus() == kBlockDone;
   const int executions = bench.controller->MostBlockExecutions();
-  return {isDone, !isDone || executions == 1, executions};
+  return {isDone, !isDone || executions == 1 || bench.controller->HasRestarted(), executions};
 }
 
 Attempt AskInformation(Bench& bench) {

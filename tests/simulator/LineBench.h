@@ -55,6 +55,7 @@ struct LineBench {
     SimulatorOptions options;
     options.faults = std::move(faults);
     options.baud = baud;
+    options.powerUp = 7;
     auto fake = std::make_unique<FakeController>();
     controller = fake.get();
     simulated = SimulatedController::CreateAround(std::move(fake), options).value();

@@ -23,7 +23,7 @@ TEST(Line, AnswersOnlySoundRequestsForItsUnit) {
 TEST(Line, CounterAndSyncOutliveConnectionsAndResets) {
   LineBench bench;
   const auto sync = [&] { return bench.Ask("SYFFFE3B1F5E1E"); };
-  EXPECT_EQ(sync(), "SYFFFE000000000000");
+  EXPECT_EQ(sync(), "SYFFFE0000000000000007");
   EXPECT_EQ(bench.counter, 1);
   EXPECT_EQ(bench.Ask("WD42"), "WD-");
   EXPECT_EQ(bench.Ask("RD"), "RD-42");
@@ -33,7 +33,7 @@ TEST(Line, CounterAndSyncOutliveConnectionsAndResets) {
   bench.line->Disconnect(bench.now);
   ASSERT_TRUE(bench.line->Connect(bench.now));
   // 507F4352 is the CRC-32 of "CCE", from another tool.
-  EXPECT_EQ(sync(), "SYFFFE0004507F4352CC-");
+  EXPECT_EQ(sync(), "SYFFFE0004507F43520007CC-");
   EXPECT_EQ(bench.counter, 5);
   EXPECT_EQ(bench.Ask("SYFFFE00BADC0DE5"), "");
 }
@@ -45,7 +45,7 @@ TEST(Line, CounterSyncAndBlockAnswersEndWithThePower) {
   ASSERT_TRUE(bench.simulated->UseFaults({"reset:nth=1"}));
   EXPECT_EQ(bench.Ask("RD"), "");
   bench.now += 200ms;
-  EXPECT_EQ(bench.Ask("SYFFFE3B1F5E1E"), "SYFFFE000000000000");
+  EXPECT_EQ(bench.Ask("SYFFFE3B1F5E1E"), "SYFFFE0000000000000008");
   EXPECT_EQ(bench.counter, 1);
   EXPECT_NE(bench.Say(LineBench::Block(1, "x")), first) << "executed anew";
 }

@@ -230,6 +230,7 @@ std::optional<StepReply> ReadStep(std::string_view reply, std::uint16_t tag) {
   StepReply step;
   step.counter = static_cast<std::uint16_t>(reader.Hex(4));
   step.check = reader.Hex(8);
+  step.powerUp = static_cast<std::uint16_t>(reader.Hex(4));
   step.reply = reader.Rest();
   if (!reader.Good() || step.reply.size() > kKept) return std::nullopt;
   return step;

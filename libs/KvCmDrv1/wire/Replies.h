@@ -37,6 +37,7 @@ namespace kv {
 struct StepReply {
   std::uint16_t counter = 0;  // of that request's seal; 0: there was none
   std::uint32_t check = 0;    // CRC-32 of that request's text
+  std::uint16_t powerUp = 0;  // another number after each power-up
   std::string_view reply;     // the first 40 characters of its reply text
 };
 [[nodiscard]] std::optional<StepReply> ReadStep(std::string_view reply, std::uint16_t tag);
