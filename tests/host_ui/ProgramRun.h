@@ -10,22 +10,27 @@
 
 namespace kv::test {
 
+inline QMainWindow* ShownMainWindow() {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    auto* window = dynamic_cast<QMainWindow*>(widget);
+    if (window && window->isVisible()) return window;
+  }
+  return nullptr;
+}
+
 // Runs the whole program in this process, in the program folder `home`: `user` is what the user does once the main
 // window is shown. Then the program is left.
 inline void RunProgram(const std::filesystem::path& home, const std::function<void(QMainWindow& window)>& user) {
   TelepanelProgram program(home);
   QTimer begin;
-  begin.setSingleShot(true);
-  QObject::connect(&begin, &QTimer::timeout, [&user] {
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-      auto* window = dynamic_cast<QMainWindow*>(widget);
-      if (!window || !window->isVisible()) continue;
-      user(*window);
-      window->close();
-      return;
-    }
+  QObject::connect(&begin, &QTimer::timeout, [&] {
+    QMainWindow* window = ShownMainWindow();
+    if (!window) return;  // a box may come before it
+    begin.stop();
+    user(*window);
+    window->close();
   });
-  begin.start(0);
+  begin.start(1);
   program.Run();
 }
 

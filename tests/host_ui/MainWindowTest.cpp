@@ -1,0 +1,224 @@
+#include <gmock/gmock.h>
+
+#include <QAbstractItemView>
+#include <QAbstractSlider>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QMenu>
+#include <QTableWidget>
+#include <set>
+
+#include "KvTele2/HostCommands.h"
+#include "KvTele2/PagesFile.h"
+#include "tests/host_ui/WindowBench.h"
+
+namespace kv::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+using MainWindowTest = WindowBench;
+
+TEST_F(MainWindowTest, AControllerOfEachKindGoesOnLine) {
+  const struct {
+    const char* selected;
+    const char* simulated;
+    const char* reports;
+    const char* os;
+    const char* becomes;  // the selected model
+  } cases[] = {
+      {"K220-22-R1", "K220-22-R1", "K220-22-R1", "4.60", "K220-22-R1"},
+      {"K220-22-R1", "K670-67-T40", "K670-67-T40 / K390-29-T40", "1.10", "K670-67-T40 / K390-29-T40"},
+      {"K220-22-R1", "K230", "K230", "1.10", "K230"},
+      {"Q50", "Q50", "Q50-2-R34", "4.60", "Q50"},
+      {"Q50", "BRIO", "BRIO-R16", "4.60", "BRIO"},
+  };
+  for (const auto& each : cases) {
+    PutLink(std::string("Model=") + each.simulated + "\r\n");
+    Put("KvTeleExe.ini", std::string("[KvTeleExe]\r\nLastModel=") + each.selected + "\r\n");
+    Run([&](QMainWindow& window) {
+      EXPECT_EQ(Text(window, "lblOnline"), "Off line");
+      Trigger(window, "ID_OnLine");
+      EXPECT_EQ(Text(window, "lblOnline"), "On line") << each.simulated << ": " << Text(window, "lblMessage");
+      EXPECT_EQ(Text(window, "lblModel"), each.reports);
+      EXPECT_EQ(Text(window, "lblOs"), each.os);
+      EXPECT_EQ(Text(window, "lblBuild"), "19");
+      EXPECT_EQ(Text(window, "lblState"), "Running");
+      EXPECT_EQ(Text(window, "lblErrors"), "0");
+      EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), each.becomes);
+      EXPECT_FALSE(Find<QComboBox>(window, "cboModel").isEnabled());
+      Trigger(window, "HOST_OffLine");
+      EXPECT_EQ(Text(window, "lblOnline"), "Off line");
+      EXPECT_EQ(Text(window, "lblModel"), "-");
+    });
+  }
+}
+
+TEST_F(MainWindowTest, AControllerThatCannotBeUsedIsRefusedInABox) {
+  const struct {
+    QStringList arguments;
+    const char* told;
+  } cases[] = {
+      {{"--model", "K220-22-R1", "--boot"}, "BOOTSTRAP mode"},
+      {{"--model", "K220-22-R1", "--os", "2.90"}, "(O/S) 2.91 and higher"},
+      {{"--model", "K670-67-T40", "--os", "1.0", "--build", "18"}, "(O/S) 1.0(19) and higher"},
+  };
+  for (const auto& each : cases) {
+    const Kvsim controller(each.arguments);
+    PutTcp(controller.Port());
+    Run([&](QMainWindow& window) {
+      const Boxes boxes(window);
+      Trigger(window, "ID_OnLine");
+      EXPECT_THAT(boxes.texts, ElementsAre(HasSubstr(each.told)));
+      EXPECT_EQ(Text(window, "lblOnline"), "Off line");
+      EXPECT_TRUE(Find<QAction>(window, "ID_OnLine").isEnabled());
+    });
+  }
+}
+
+TEST_F(MainWindowTest, AFileOfAnotherProjectKeepsTheControllerOffLine) {
+  const auto file = Put("mill.kta", PrintPagesFile({"Mill", "K220-22-R1"}));
+  Run([&](QMainWindow& window) {
+    WhenOpen<QFileDialog>(window, [&](QFileDialog& dialog) {
+      dialog.selectFile(QString::fromStdString(file.string()));
+      QMetaObject::invokeMethod(&dialog, "accept");
+    });
+    Trigger(window, "ID_PagesFile");
+    EXPECT_EQ(Text(window, "lblPages"), "mill.kta: project Mill, model K220-22-R1");
+    {
+      const Boxes boxes(window);
+      Trigger(window, "ID_OnLine");
+      EXPECT_THAT(boxes.texts, ElementsAre(StartsWith("The Telepanel file does not match the project")));
+    }
+    EXPECT_EQ(Text(window, "lblOnline"), "Off line");
+    Trigger(window, "HOST_ClosePages");
+    Trigger(window, "ID_OnLine");
+    EXPECT_EQ(Text(window, "lblOnline"), "On line");
+  });
+}
+
+TEST_F(MainWindowTest, ASilentControllerNeitherFreezesTheWindowNorHoldsItsUser) {
+  const Kvsim controller({"--model", "K220-22-R1", "--unit", "9"});
+  PutTcp(controller.Port(), "TimeOut=400\r\nTries=2\r\n");
+  Run([&](QMainWindow& window) {
+    QtPacer clock;
+    EXPECT_LE(LongestGap(clock, [&] { Trigger(window, "ID_OnLine"); }), kLongestAllowedGap);
+    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("no reply after 2 tries"));
+    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("What to do: check"));
+    EXPECT_EQ(Text(window, "lblOnline"), "Off line");
+  });
+  PutTcp(controller.Port(), "TimeOut=60000\r\n");
+  Run([&](QMainWindow& window) {
+    When(
+        window,
+        [&] {
+          const auto* cancel = window.findChild<QPushButton*>("cmdCancelBusy");
+          return cancel && cancel->isVisible();
+        },
+        [&] { QTest::keyClick(window.windowHandle(), Qt::Key_Escape); });
+    Trigger(window, "ID_OnLine");
+    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("stopped on request"));
+    EXPECT_EQ(window.findChild<QPushButton*>("cmdCancelBusy"), nullptr);
+  });
+}
+
+TEST_F(MainWindowTest, ALinkThatIsPulledAndGivenBackIsTakenUpAgain) {
+  const QStringList arguments{"--model", "K220-22-R1", "--state",
+                              QString::fromStdString((home.Path() / "plc.state").string())};
+  auto controller = std::make_unique<Kvsim>(arguments);
+  const int port = controller->Port();
+  PutTcp(port, "TimeOut=200\r\nTries=1\r\n");
+  Run([&](QMainWindow& window) {
+    Trigger(window, "ID_OnLine");
+    ASSERT_EQ(Text(window, "lblOnline"), "On line");
+    controller->Kill();
+    ASSERT_TRUE(WaitUntil([&] { return Text(window, "lblOnline") == "Connection lost"; }));
+    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("What to do"));
+    EXPECT_EQ(Text(window, "lblModel"), "K220-22-R1");
+    controller = std::make_unique<Kvsim>(arguments, port);
+    Trigger(window, "ID_OnLine");
+    EXPECT_EQ(Text(window, "lblOnline"), "On line") << Text(window, "lblTrouble");
+  });
+}
+
+TEST_F(MainWindowTest, BadSettingsAreToldAndLeftAlone) {
+  const std::string settings = "[KvCmDrv1]\r\nTransport=serial\r\nSerialPort=COM77\r\nTries=many\r\n";
+  const auto link = Put("KvCmDrv1.ini", settings);
+  const auto tools = Put("KvTeleExe.ini", "[KvTeleExe\r\nLastModel");
+  Put("KvTele2.ini", "[KvTele2]\r\nRecentPages0=gone.kta\r\n");
+  Run([&](QMainWindow& window) {
+    EXPECT_EQ(Text(window, "lblMessage"), "KvCmDrv1.ini, Tries: expected a number from 1 to 10; using 3");
+    EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), "K220-22-R1");
+    Trigger(window, "ID_OnLine");
+    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("COM77"));
+    const Boxes boxes(window);
+    Find<QAction>(window, "HOST_RecentPages").menu()->actions().front()->trigger();
+    EXPECT_THAT(boxes.texts, ElementsAre(HasSubstr("gone.kta")));
+  });
+  EXPECT_EQ(TemporaryFolder::Content(link), settings);
+  EXPECT_EQ(TemporaryFolder::Content(tools), "[KvTeleExe\r\nLastModel");
+
+  Put("KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=K9000\r\n");
+  Run([&](QMainWindow& window) {
+    EXPECT_EQ(Find<QComboBox>(window, "cboModel").placeholderText(), "K9000");
+    Find<QComboBox>(window, "cboModel").textActivated("K330");
+    EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), "K330");
+  });
+}
+
+TEST_F(MainWindowTest, AnotherSessionIsActivatedInItsWindow) {
+  std::filesystem::create_directories(home.Path() / "Sessions" / "Bakery");
+  home.Put("Sessions/Bakery/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=plc.example\r\n");
+  Run([&](QMainWindow& window) {
+    Trigger(window, "ID_OnLine");
+    WhenOpen<QDialog>(window, [](QDialog& dialog) {
+      Find<QTableWidget>(dialog, "flgSession").setCurrentCell(0, 0);
+      Find<QPushButton>(dialog, "cmdClose").click();
+    });
+    Trigger(window, "ID_Session");
+    EXPECT_EQ(Text(window, "lblSession"), "Session Bakery");
+    EXPECT_EQ(Text(window, "lblLink"), "plc.example:20300, unit 1");
+    EXPECT_EQ(Text(window, "lblOnline"), "Off line");
+    EXPECT_TRUE(window.isEnabled());
+  });
+}
+
+TEST_F(MainWindowTest, EveryCommandAndControlCanBeReadAndReached) {
+  Run([](QMainWindow& window) {
+    std::set<QString> shortcuts;
+    for (const HostMenu& menu : HostMenus()) {
+      for (const HostCommand& command : menu.commands) {
+        if (command.id.empty()) continue;
+        const auto& action = Find<QAction>(window, std::string(command.id).c_str());
+        EXPECT_FALSE(action.icon().isNull()) << command.id;
+        EXPECT_TRUE(action.text().contains('&')) << command.id;
+        EXPECT_THAT(action.toolTip().toStdString(), HasSubstr(std::string(command.shortcut))) << command.id;
+        // What is grey says why, in a line of its own.
+        EXPECT_EQ(action.isEnabled(), !action.toolTip().contains('\n')) << command.id;
+        const QString keys = action.shortcut().toString();
+        EXPECT_TRUE(keys.isEmpty() || shortcuts.insert(keys).second) << keys.toStdString();
+      }
+    }
+    EXPECT_THAT(Find<QAction>(window, "ID_DataTypes").toolTip().toStdString(), HasSubstr("does not have this tool"));
+    for (const QWidget* widget : window.findChildren<QWidget*>()) {
+      const bool isReached = (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisible();
+      if (!isReached || widget->inherits("QToolButton")) continue;  // a button reads its command's text
+      EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+    }
+  });
+}
+
+TEST_F(MainWindowTest, AMissingDefaultSessionIsToldAndTheProgramGoesOn) {
+  std::filesystem::remove(home.Path() / "Sessions" / "Default");
+  QObject context;
+  const Boxes boxes(context);
+  Run([&](QMainWindow& window) { EXPECT_EQ(Text(window, "lblSession"), "Session Default"); });
+  EXPECT_THAT(boxes.texts, Contains("Default Session not found"));
+}
+
+}  // namespace
+}  // namespace kv::test

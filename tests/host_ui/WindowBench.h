@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QLabel>
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <string>
+#include <vector>
+
+#include "tests/base/TemporaryFolder.h"
+#include "tests/desktop_ui/QtBench.h"
+#include "tests/host_ui/ProgramRun.h"
+
+namespace kv::test {
+
+// A simulated controller in a process of its own, behind TCP; ended in any case.
+class Kvsim {
+ public:
+  explicit Kvsim(QStringList arguments, int port = 0) {
+    arguments << "--tcp" << QString::number(port);
+    mProcess.start(KVSIM_PROGRAM, arguments);
+    mProcess.waitForReadyRead(kPatience);
+    mPort = mProcess.readAllStandardOutput().trimmed().split(':').last().toInt();
+  }
+  ~Kvsim() { Kill(); }
+  Kvsim(const Kvsim&) = delete;
+  Kvsim& operator=(const Kvsim&) = delete;
+
+  [[nodiscard]] int Port() const { return mPort; }
+  void Kill() {
+    mProcess.kill();
+    mProcess.waitForFinished(kPatience);
+  }
+
+ private:
+  QProcess mProcess;
+  int mPort = 0;
+};
+
+// A program folder, and the program run in it with a user.
+class WindowBench : public testing::Test {
+ protected:
+  WindowBench() { std::filesystem::create_directories(home.Path() / "Sessions" / "Default"); }
+
+  std::filesystem::path Put(const std::string& file, const std::string& content) const {
+    return home.Put("Sessions/Default/" + file, content);
+  }
+  void PutLink(const std::string& settings) const { Put("KvCmDrv1.ini", "[KvCmDrv1]\r\n" + settings); }
+  void PutTcp(int port, const std::string& more = "") const {
+    PutLink("Transport=tcp\r\nHost=127.0.0.1\r\nTcpPort=" + std::to_string(port) + "\r\n" + more);
+  }
+
+  // A failure in the middle of what the user does still leaves the program.
+  void Run(const std::function<void(QMainWindow& window)>& user) const {
+    RunProgram(home.Path(), [&user](QMainWindow& window) {
+      try {
+        user(window);
+      } catch (const std::exception& failure) {
+        ADD_FAILURE() << failure.what();
+      }
+    });
+  }
+
+  static void Trigger(QMainWindow& window, const char* id) { Find<QAction>(window, id).trigger(); }
+  static std::string Text(const QMainWindow& window, const char* label) {
+    return Find<QLabel>(window, label).text().toStdString();
+  }
+  // Presses OK in every message box that opens, and keeps their texts.
+  struct Boxes {
+    explicit Boxes(QObject& context) : mContext(context) { Expect(); }
+    std::vector<std::string> texts;
+
+   private:
+    void Expect() {
+      WhenOpen<QMessageBox>(mContext, [this](QMessageBox& box) {
+        texts.push_back(box.text().toStdString());
+        Find<QPushButton>(box, "cmdOk").click();
+        Expect();
+      });
+    }
+    QObject& mContext;
+  };
+
+  TemporaryFolder home;
+};
+
+}  // namespace kv::test
