@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kFloatDigits = 7;
 constexpr std::size_t kMaxHexDigits = 8;
-constexpr std::size_t kFloatTextLimit = 16;  // "-1.234567e-38" and a few more
+constexpr std::size_t kFloatTextLimit = 32;  // "-1.23456789e-38" and some more
 
 // from_chars that takes the whole text or nothing.
 template <typename Number, typename... Form>
@@ -49,9 +49,12 @@ std::string ToHex(std::uint32_t value, std::size_t digits) {
 std::string FloatText(float value) {
   if (std::isnan(value)) return "nan";
   std::array<char, kFloatTextLimit> text;
-  const auto [end, error] =
-      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, kFloatDigits);
-  return error == std::errc{} ? std::string(text.data(), end) : std::string{};
+  const auto shortest = std::to_chars(text.data(), text.data() + text.size(), value);
+  double decimal = 0;
+  std::from_chars(text.data(), shortest.ptr, decimal);
+  const auto rounded =
+      std::to_chars(text.data(), text.data() + text.size(), decimal, std::chars_format::general, kFloatDigits);
+  return std::string(text.data(), rounded.ptr);
 }
 
 }  // namespace kv

@@ -17,9 +17,9 @@ namespace kv {
 // Upper-case hexadecimal, padded on the left with "0" to `digits`, cut on the left when it is longer.
 [[nodiscard]] std::string ToHex(std::uint32_t value, std::size_t digits);
 
-// The general decimal form of the value rounded to 7 significant digits, without trailing zeros: "0.1", "1234567",
-// and with an exponent from 1e+07 upward and below 0.0001: "1.234568e+07", "1e-05". Not a number is "nan", the
-// infinities are "inf" and "-inf".
+// The shortest decimal that reads back as the value, rounded to 7 significant digits where it has more, in the general
+// form without trailing zeros: "0.1", "1234567", and with an exponent from 1e+07 upward and below 0.0001:
+// "1.234568e+07", "1e-05". Not a number is "nan", the infinities are "inf" and "-inf".
 [[nodiscard]] std::string FloatText(float value);
 
 }  // namespace kv

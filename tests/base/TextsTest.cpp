@@ -86,9 +86,10 @@ TEST(Numbers, FloatTexts) {
       {9999999.0F, "9999999"},
       {12345678.0F, "1.234568e+07"},
       {0.0001F, "0.0001"},
+      {9e9F, "9e+09"},  // is 8999999488: what was typed comes back, not what the bits stand for
       {0.00001F, "1e-05"},
       {std::numeric_limits<float>::max(), "3.402823e+38"},
-      {-std::numeric_limits<float>::denorm_min(), "-1.401298e-45"},
+      {-std::numeric_limits<float>::denorm_min(), "-1e-45"},
       {-kInfinity, "-inf"},
       {-std::numeric_limits<float>::quiet_NaN(), "nan"},
   };
