@@ -59,7 +59,7 @@ class Driver final : public CommDriver {
   void SetDialogs(DriverDialogs* dialogs) { mDialogs = dialogs; }
   [[nodiscard]] Trace& GetTrace() { return *mTrace; }
   // For a window that may outlive the driver.
-  [[nodiscard]] std::shared_ptr<const Trace> ShareTrace() const { return mTrace; }
+  [[nodiscard]] std::shared_ptr<Trace> ShareTrace() const { return mTrace; }
 
  private:
   [[nodiscard]] std::unique_ptr<Port> MakeAnyPort(const LinkSettings& settings);

@@ -92,11 +92,14 @@ void Trace::SetOwner(std::string_view owner) {
 }
 
 bool Trace::WriteTo(const std::string& path) {
+  mPath.clear();
   mFile.close();
   mFile.clear();
   if (path.empty()) return true;
   mFile.open(PathFromUtf8(path), std::ios::binary | std::ios::trunc);
-  return mFile.is_open();
+  if (!mFile.is_open()) return false;
+  mPath = path;
+  return true;
 }
 
 Trace::Row Trace::RowAt(std::uint64_t index) const {
@@ -117,7 +120,7 @@ void Trace::PassOn(const Entry& entry, std::string_view bytes) {
 }
 
 Trace::Row Trace::RowOf(const Entry& entry, std::string_view bytes) const {
-  Row row{TimeText(entry.when), Arrow(entry.direction), mOwners[entry.owner], {}, {}};
+  Row row{TimeText(entry.when), entry.direction, mOwners[entry.owner], {}, {}};
   row.text = Shown(entry.direction == Direction::Sent ? WithoutPassword(bytes) : std::string(bytes));
   if (bytes.size() < entry.length) row.text += "... (" + std::to_string(entry.length) + " bytes)";
   if (entry.direction != Direction::Note) row.meaning = FrameMeaning(bytes);
@@ -125,7 +128,7 @@ Trace::Row Trace::RowOf(const Entry& entry, std::string_view bytes) const {
 }
 
 std::string Trace::Row::Line() const {
-  std::string line = time + " " + std::string(arrow) + " ";
+  std::string line = time + " " + std::string(Arrow(direction)) + " ";
   if (!owner.empty()) line += owner + " ";
   line += text;
   return meaning.empty() ? line : line + "   [" + meaning + "]";

@@ -38,6 +38,8 @@ class Trace {
   // Writes every entry from now on to this file (UTF-8 path), from its beginning; an empty path ends it. False when the
   // file cannot be written.
   [[nodiscard]] bool WriteTo(const std::string& path);
+  // The file that is being written; empty: none.
+  [[nodiscard]] const std::string& File() const { return mPath; }
   // Gets every entry from now on as one line; an empty function ends it.
   void SetWatcher(std::function<void(const std::string& line)> watcher) { mWatcher = std::move(watcher); }
 
@@ -45,12 +47,12 @@ class Trace {
   // do.
   struct Row {
     std::string time;
-    std::string_view arrow;  // "-->" sent, "<--" received, "<xx" dropped, "---" note
+    Direction direction = Direction::Note;
     std::string owner;
     std::string text;     // the bytes, or the words of a note
     std::string meaning;  // of the frame; empty when it has none
 
-    [[nodiscard]] std::string Line() const;
+    [[nodiscard]] std::string Line() const;  // "0.012345 --> owner /01ID   [unit 1: identify]"
   };
 
   // How many entries there have been; the last kEntries of them are kept.
@@ -78,6 +80,7 @@ class Trace {
   std::uint64_t mTotal = 0;
   std::vector<std::string> mOwners;
   std::uint16_t mOwner = 0;
+  std::string mPath;
   std::ofstream mFile;
   std::function<void(const std::string& line)> mWatcher;
 };

@@ -1,0 +1,115 @@
+#include "KvCmDrv1/ui/frmComParams.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <array>
+
+#include "KvCmDrv1/LinkText.h"
+#include "desktop/ui/BusyState.h"
+#include "desktop/ui/Commands.h"
+#include "desktop/ui/Icons.h"
+
+namespace kv {
+namespace {
+
+struct TransportName {
+  Transport transport;
+  const char* name;
+};
+constexpr auto kTransports = std::to_array<TransportName>({
+    {Transport::Simulated, "Simulated controller"},
+    {Transport::Serial, "Serial line"},
+    {Transport::Tcp, "Ethernet, to the controller"},
+    {Transport::Listen, "Ethernet, the controller dials in"},
+    {Transport::Modem, "Modem"},
+});
+
+QString ResultText(const std::expected<LinkTrial, LinkError>& result) {
+  if (!result) return QString::fromStdString(result.error().Text());
+  const auto milliseconds = static_cast<double>(result->roundTrip.count()) / 1000.0;
+  const QString time = milliseconds < 0.1 ? "below 0.1" : QString::number(milliseconds, 'f', 1);
+  return QString("Connected to %1, O/S %2, build %3.\nRound trip %4 ms.")
+      .arg(result->version.model.c_str(), result->version.osVersion.c_str(), result->version.osBuild.c_str(), time);
+}
+
+}  // namespace
+
+frmComParams::frmComParams(const LinkSettings& current, const std::string& caller, const LinkChoices& choices,
+                           Parts parts, QWidget* parent)
+    : LinkDialog(current, caller, choices, parent), mParts(std::move(parts)) {
+  setObjectName("frmComParams");
+  setWindowTitle("Communication settings");
+  setWindowIcon(IconOf(Picture::Link));
+  AddTransports(current.transport);
+  AddCommands();
+  Fields().SetInput(InputOf(current));
+  Fields().onChange = [this] { Check(); };
+  connect(mTransport, &QComboBox::currentIndexChanged, this, [this] { ChooseTransport(); });
+  ChooseTransport();
+  mTransport->setFocus();
+}
+
+void frmComParams::AddTransports(Transport current) {
+  mTransport = new QComboBox(this);
+  mTransport->setObjectName("cboTransport");
+  mTransport->setAccessibleName("Kind of link");
+  mTransport->setToolTip("How this computer reaches the controller (Alt+K)");
+  for (const TransportName& each : kTransports) {
+    mTransport->addItem(each.name, static_cast<int>(each.transport));
+    if (each.transport == current) mTransport->setCurrentIndex(mTransport->count() - 1);
+  }
+  Fields().InsertAbove("&Kind of link:", mTransport);
+}
+
+void frmComParams::AddCommands() {
+  mTest = new QPushButton(IconOf(Picture::Test), "&Test connection", this);
+  mTest->setObjectName("cmdTest");
+  mTest->setAutoDefault(false);
+  Describe(*mTest, "Opens the link with these settings, without keeping them, and asks who is there", "Alt+T");
+  connect(mTest, &QPushButton::clicked, this, [this] { Test(); });
+  auto* trace = new QPushButton(IconOf(Picture::Trace), "Tr&ace...", this);
+  trace->setObjectName("cmdTrace");
+  trace->setAutoDefault(false);
+  Describe(*trace, "Shows every frame that passes on the link", "Alt+A");
+  connect(trace, &QPushButton::clicked, this, [this] { mParts.showTrace(*this); });
+  AddButton(mTest);
+  AddButton(trace);
+  BeginTabsWith(mTransport);
+  mResult = new QLabel(this);
+  mResult->setObjectName("lblResult");
+  mResult->setAccessibleName("Result of the test");
+  mResult->setTextFormat(Qt::PlainText);
+  mResult->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  mResult->setWordWrap(true);
+  Below().addWidget(mResult);
+}
+
+void frmComParams::ChooseTransport() {
+  const auto transport = static_cast<Transport>(mTransport->currentData().toInt());
+  Fields().SetTransport(transport);
+  Fields().ShowOnly([transport](LinkField field) { return UsesField(transport, field); });
+  Check();
+}
+
+void frmComParams::Check() {
+  LinkDialog::Check();
+  const auto& faults = Checked().faults;
+  Allow(*mTest, faults.empty() ? "" : QString::fromStdString(faults.front().text));
+  mResult->clear();  // it was about other settings
+}
+
+void frmComParams::Test() {
+  mResult->clear();
+  const LinkSettings tried = Settings();
+  BusyState busy(mParts.pacer, *this, "Asking who is there on " + QString::fromStdString(DescribeLink(tried)) + "...");
+  mResult->setText(ResultText(mParts.test(tried)));
+  // A text that breaks into lines does not make a window higher by itself.
+  layout()->activate();
+  resize(width(), std::max(height(), layout()->heightForWidth(width())));
+}
+
+}  // namespace kv

@@ -1,0 +1,34 @@
+#include "KvCmDrv1/ui/frmModem.h"
+
+#include "desktop/ui/Icons.h"
+
+namespace kv {
+namespace {
+
+constexpr bool IsOfTheModem(LinkField field) {
+  using enum LinkField;
+  return field == SerialPort || field == BaudRate || field == Framing || field == ModemNumber || field == ModemPulse ||
+         field == DialTimeOut || field == ModemInit;
+}
+
+}  // namespace
+
+frmModem::frmModem(const LinkSettings& current, const std::string& caller, const LinkChoices& choices, QWidget* parent)
+    : LinkDialog(current, caller, choices, parent), mTransport(current.transport) {
+  setObjectName("frmModem");
+  setWindowTitle("Modem settings");
+  setWindowIcon(IconOf(Picture::Modem));
+  Fields().ShowOnly(IsOfTheModem);
+  Fields().SetInput(InputOf(current));
+  Fields().SetTransport(Transport::Modem);  // so that its fields are checked
+  Fields().onChange = [this] { Check(); };
+  Check();
+}
+
+LinkSettings frmModem::Settings() const {
+  LinkSettings settings = LinkDialog::Settings();
+  settings.transport = mTransport;
+  return settings;
+}
+
+}  // namespace kv

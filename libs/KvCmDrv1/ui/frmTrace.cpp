@@ -1,0 +1,130 @@
+#include "KvCmDrv1/ui/frmTrace.h"
+
+#include <QAction>
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QTableView>
+#include <QToolBar>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "desktop/ui/Commands.h"
+#include "desktop/ui/Icons.h"
+
+namespace kv {
+namespace {
+
+constexpr std::chrono::milliseconds kInterval{100};  // an eye sees no difference to at once
+constexpr QSize kFirstSize(900, 400);
+constexpr int kWidths[TraceModel::ColumnCount] = {110, 80, 70, 320, 300};  // in pixels of a normal screen
+
+}  // namespace
+
+frmTrace::frmTrace(std::shared_ptr<Trace> trace, Prompts& prompts, Clipboard& clipboard, QWidget* parent)
+    : QWidget(parent, Qt::Window), mTrace(std::move(trace)), mPrompts(prompts), mClipboard(clipboard), mModel(mTrace) {
+  setObjectName("frmTrace");
+  setWindowTitle("Trace of the link");
+  setWindowIcon(IconOf(Picture::Trace));
+  resize(kFirstSize);
+  BuildTable();
+  auto* page = new QVBoxLayout(this);
+  page->setContentsMargins({});
+  page->addWidget(BuildCommands());
+  page->addWidget(mTable);
+  mTimer.setInterval(kInterval);
+  connect(&mTimer, &QTimer::timeout, this, [this] { Update(); });
+  mTable->setFocus();
+}
+
+QToolBar* frmTrace::BuildCommands() {
+  auto* bar = new QToolBar(this);
+  bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  mPause = bar->addAction(IconOf(Picture::Pause), "&Pause");
+  mPause->setObjectName("cmdPause");
+  mPause->setCheckable(true);
+  mPause->setShortcut(Qt::CTRL | Qt::Key_P);
+  Describe(*mPause, "Halts the list; what passes meanwhile is shown afterwards, as far as it is kept");
+  QAction* copy = bar->addAction(IconOf(Picture::Copy), "&Copy");
+  copy->setObjectName("cmdCopy");
+  copy->setShortcut(QKeySequence::Copy);
+  Describe(*copy, "Copies the selected entries, or all of them");
+  connect(copy, &QAction::triggered, this, [this] { Copy(); });
+  mWrite = bar->addAction(IconOf(Picture::Save), "&Write to file...");
+  mWrite->setObjectName("cmdWriteToFile");
+  mWrite->setCheckable(true);
+  mWrite->setShortcut(QKeySequence::Save);
+  connect(mWrite, &QAction::triggered, this, [this](bool on) { WriteToFile(on); });
+  ShowFile();
+  return bar;
+}
+
+void frmTrace::BuildTable() {
+  mTable = new QTableView(this);
+  mTable->setObjectName("flgTrace");
+  mTable->setAccessibleName("Frames");
+  mTable->setModel(&mModel);
+  mTable->setSelectionBehavior(QAbstractItemView::SelectRows);
+  mTable->setTabKeyNavigation(false);
+  mTable->setWordWrap(false);
+  mTable->verticalHeader()->hide();
+  mTable->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  mTable->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 5 / 4);
+  mTable->horizontalHeader()->setStretchLastSection(true);
+  mTable->horizontalHeader()->setHighlightSections(false);
+  mTable->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  for (int column = 0; column < TraceModel::ColumnCount; ++column) mTable->setColumnWidth(column, kWidths[column]);
+}
+
+void frmTrace::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  Update();
+  mTimer.start();
+}
+
+void frmTrace::hideEvent(QHideEvent* event) {
+  mTimer.stop();
+  QWidget::hideEvent(event);
+}
+
+// Goes along with the newest entry unless the user has scrolled away from it.
+void frmTrace::Update() {
+  if (mPause->isChecked()) return;
+  const QScrollBar* bar = mTable->verticalScrollBar();
+  const bool wasAtEnd = bar->value() >= bar->maximum();
+  mModel.Update();
+  if (wasAtEnd) mTable->scrollToBottom();
+}
+
+void frmTrace::Copy() {
+  QModelIndexList chosen = mTable->selectionModel()->selectedRows();
+  std::ranges::sort(chosen, {}, &QModelIndex::row);
+  std::string text;
+  for (const QModelIndex& index : chosen) text += mModel.Line(index.row()) + "\n";
+  for (int row = 0; chosen.isEmpty() && row < mModel.rowCount(); ++row) text += mModel.Line(row) + "\n";
+  mClipboard.SetText(text);
+}
+
+void frmTrace::WriteToFile(bool on) {
+  std::string path;
+  if (on) {
+    path = mPrompts.SaveFile({.title = "Write the trace to", .filter = "Trace files|*.txt", .initial = "trace.txt"})
+               .value_or("");
+  }
+  if (!mTrace->WriteTo(path)) {
+    mPrompts.Show({.text = path +
+                           " cannot be written.\r\nThe folder or the file may be write-protected. Choose another "
+                           "place.",
+                   .title = "Trace",
+                   .icon = PromptIcon::Exclamation});
+  }
+  ShowFile();
+}
+
+void frmTrace::ShowFile() {
+  const bool isWriting = !mTrace->File().empty();
+  mWrite->setChecked(isWriting);
+  Describe(*mWrite, isWriting ? "Writing to " + QString::fromStdString(mTrace->File()) + "; ends it"
+                              : QString("Writes every entry from now on to a file"));
+}
+
+}  // namespace kv

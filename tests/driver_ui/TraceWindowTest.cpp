@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include <QAbstractItemModelTester>
+#include <QTableView>
+
+#include "KvCmDrv1/ui/TraceModel.h"
+#include "KvCmDrv1/ui/frmTrace.h"
+#include "tests/driver_ui/DialogBench.h"
+
+namespace kv {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace kv::test;
+
+TEST(TraceModelTest, FollowsTheTraceOverItsWholeLengthAndPastIt) {
+  const auto trace = std::make_shared<Trace>();
+  TraceModel model(trace);
+  const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+  int number = 0;
+  for (const int added : {0, 1, 2, 996, 1, 1, 700, 1000, 2500}) {
+    for (int i = 0; i < added; ++i) {
+      trace->Add(Instant{} + std::chrono::microseconds(number), Trace::Direction::Note, std::to_string(number));
+      ++number;
+    }
+    model.Update();
+    ASSERT_EQ(model.rowCount(), std::min(number, 1000));
+    for (const int row : {0, model.rowCount() / 2, model.rowCount() - 1}) {
+      if (number == 0) break;
+      const int expected = number - model.rowCount() + row;
+      EXPECT_EQ(model.index(row, TraceModel::Text).data().toInt(), expected);
+    }
+  }
+}
+
+class TraceWindowTest : public ::testing::Test, protected DialogBench {
+ protected:
+  void Talk() {
+    const auto channel = driver.GetChannel();
+    ASSERT_TRUE(channel);
+    EXPECT_TRUE(channel->ReadMI(0, 60, 1));
+  }
+  static frmTrace* Window() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      if (auto* trace = dynamic_cast<frmTrace*>(window)) return trace;
+    }
+    return nullptr;
+  }
+  static QAction& Command(const char* name) { return Find<QAction>(*Window(), name); }
+  static const QAbstractItemModel& Rows() { return *Find<QTableView>(*Window(), "flgTrace").model(); }
+  static QString Last(TraceModel::Column column) {
+    return Rows().index(Rows().rowCount() - 1, column).data().toString();
+  }
+};
+
+TEST_F(TraceWindowTest, ShowsFramesAsTheyPassUntilItIsHalted) {
+  dialogs.ShowTrace(nullptr);
+  Talk();
+  ASSERT_TRUE(WaitUntil([] { return Rows().rowCount() > 2; }));
+  EXPECT_EQ(Last(TraceModel::Direction), "Received");
+  EXPECT_TRUE(Last(TraceModel::Text).startsWith("/01RO"));
+  EXPECT_EQ(Last(TraceModel::Meaning), "unit 1: read MI 0..59");
+
+  Command("cmdCopy").trigger();
+  EXPECT_EQ(clipboard.GetText(), driver.GetTrace().Text());
+  Find<QTableView>(*Window(), "flgTrace").selectRow(0);
+  Command("cmdCopy").trigger();
+  EXPECT_TRUE(clipboard.GetText().ends_with("--- Connected to Simulated K220-22-R1\n")) << clipboard.GetText();
+
+  Command("cmdPause").trigger();
+  const int halted = Rows().rowCount();
+  Talk();
+  pacer.Sleep(250ms);
+  EXPECT_EQ(Rows().rowCount(), halted);
+  Command("cmdPause").trigger();
+  EXPECT_TRUE(WaitUntil([&] { return Rows().rowCount() > halted; }));
+}
+
+TEST_F(TraceWindowTest, WritesToAFileUntilItIsEnded) {
+  dialogs.ShowTrace(nullptr);
+  const auto file = folder.Path() / "trace.txt";
+  prompts.Choose(Utf8FromPath(file));
+  Command("cmdWriteToFile").trigger();
+  EXPECT_TRUE(Command("cmdWriteToFile").isChecked());
+  Talk();
+  Command("cmdWriteToFile").trigger();
+  EXPECT_FALSE(Command("cmdWriteToFile").isChecked());
+  EXPECT_EQ(TemporaryFolder::Content(file), driver.GetTrace().Text());
+
+  prompts.Choose(Utf8FromPath(folder.Path() / "nowhere" / "trace.txt"));
+  prompts.Press(PromptAnswer::Ok);
+  Command("cmdWriteToFile").trigger();
+  EXPECT_FALSE(Command("cmdWriteToFile").isChecked());
+  EXPECT_NE(prompts.Boxes().back().text.find("cannot be written"), std::string::npos);
+}
+
+TEST_F(TraceWindowTest, OpenedFromTheSettingsItOutlivesThem) {
+  InSettings([](QDialog& dialog) {
+    Press(dialog, "cmdTrace");
+    ASSERT_TRUE(QTest::qWaitForWindowActive(Window(), kPatience));
+    Command("cmdPause").trigger();
+    EXPECT_TRUE(Command("cmdPause").isChecked());
+    dialog.reject();
+  });
+  ASSERT_NE(Window(), nullptr);
+  EXPECT_TRUE(Window()->isVisible());
+  EXPECT_EQ(Window()->parentWidget(), nullptr);
+}
+
+}  // namespace
+}  // namespace kv
