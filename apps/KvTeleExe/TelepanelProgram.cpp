@@ -1,6 +1,7 @@
 #include "apps/KvTeleExe/TelepanelProgram.h"
 
 #include "KvCmDrv1/ports/ListeningSocketImpl.h"
+#include "KvCmDrv1/ports/PortList.h"
 #include "KvTele2/ui/HostLibrary.h"
 #include "apps/KvTeleExe/DialogWindow.h"
 #include "base/PathText.h"
@@ -18,7 +19,13 @@ constexpr std::chrono::milliseconds kSocketInterval{200};
 
 // One memory for each simulated model, with the session that every start begins in.
 TelepanelProgram::TelepanelProgram(const std::filesystem::path& home)
-    : mPaths(home), mControllers(mPaths.Session(kDefaultSession)) {
+    : mPaths(home),
+      mControllers(mPaths.Session(kDefaultSession)),
+      mDialogs({.pacer = mPacer,
+                .prompts = mPrompts,
+                .clipboard = mClipboard,
+                .choices = {SimulatedModels(), ListSerialPorts},
+                .windowsFile = WindowsFile(mPaths)}) {
   mSocketTimer.setInterval(kSocketInterval);
 }
 
@@ -59,6 +66,7 @@ std::unique_ptr<CommDriver> TelepanelProgram::MakeDriver() {
   auto driver =
       std::make_unique<Driver>(mPacer, [this](const std::string& model) { return SimulatedLine(model); }, MakePort);
   mDriver = driver.get();
+  mDialogs.Serve(*driver);
   return driver;
 }
 

@@ -4,9 +4,11 @@
 #include <memory>
 
 #include "KvCmDrv1/Driver.h"
+#include "KvCmDrv1/ui/QtDriverDialogs.h"
 #include "apps/support/SimulatedControllers.h"
 #include "base/ProgramPaths.h"
 #include "desktop/PacerWallClock.h"
+#include "desktop/ui/QtClipboard.h"
 #include "desktop/ui/QtPacer.h"
 #include "desktop/ui/QtPrompts.h"
 #include "desktop/ui/QtShell.h"
@@ -35,9 +37,10 @@ class TelepanelProgram {
   QtPacer mPacer;
   PacerWallClock mClock;
   QtPrompts mPrompts;
+  QtClipboard mClipboard;
   QtShell mShell;
   SimulatedControllers mControllers;
-  std::unique_ptr<DriverDialogs> mDialogs;
+  QtDriverDialogs mDialogs;
   Driver* mDriver = nullptr;  // while the program runs
   QTimer mSocketTimer;        // lets the Ethernet socket tell what has happened
 };

@@ -70,9 +70,15 @@ std::string ReportedModelOfSimulated(std::string_view name) {
   return model ? std::string(model->reported) : std::string();
 }
 
+std::vector<std::string> SimulatedModels() {
+  std::vector<std::string> names;
+  for (const sim::Model& each : sim::AllModels()) names.emplace_back(each.name);
+  return names;
+}
+
 std::string SimulatedModelNames() {
   std::string names;
-  for (const sim::Model& each : sim::AllModels()) names += (names.empty() ? "" : ", ") + std::string(each.name);
+  for (const std::string& name : SimulatedModels()) names += (names.empty() ? "" : ", ") + name;
   return names;
 }
 

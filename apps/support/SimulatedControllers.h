@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/InProcessLine.h"
 
@@ -44,7 +45,8 @@ class SimulatedControllers {
 // controller may also be asked for by that text.
 [[nodiscard]] std::string ReportedModelOfSimulated(std::string_view name);
 
-// The names of all simulated controllers, joined by ", ".
+// The names of all simulated controllers, and the same joined by ", ".
+[[nodiscard]] std::vector<std::string> SimulatedModels();
 [[nodiscard]] std::string SimulatedModelNames();
 
 }  // namespace kv
