@@ -314,9 +314,13 @@ Outcome Exchange::OneTry(ReplyJudge& judge, std::string_view frame, std::size_t 
   return sent == Outcome::Done ? mLine.Await(judge, mTryStart, end, utmost) : sent;
 }
 
+// The first try waits as long as replies have been taking, the last one as long as they may; those between wait a part
+// of that at least, so that a controller that is away for a moment is not asked three times within that moment.
 Duration Exchange::WaitOf(bool isSlow, int tryNumber) const {
-  const bool isLast = tryNumber >= mSettings.tries;
-  return isSlow || isLast ? mSettings.timeOut : mRoundTrip.TimeOut(mSettings.timeOut);
+  constexpr int kPartBetween = 4;
+  if (isSlow || tryNumber >= mSettings.tries) return mSettings.timeOut;
+  const Duration learnt = mRoundTrip.TimeOut(mSettings.timeOut);
+  return tryNumber == 1 ? learnt : std::max(learnt, mSettings.timeOut / kPartBetween);
 }
 
 // Time that a request which must not be done twice leaves for asking what became of it.

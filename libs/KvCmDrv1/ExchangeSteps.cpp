@@ -15,6 +15,17 @@ constexpr std::size_t kInformationReply = 55;  // IN: letters, tag, serial numbe
 constexpr std::size_t kAccessReply = 9;
 constexpr int kWrongPassword = 0x08;
 
+// How long to wait before the link is opened, after so many attempts of this request that led nowhere: it could not be
+// opened, or was lost again before the answer. A controller that restarts needs a moment, a network that is down
+// minutes.
+Duration PauseAfter(int failures) {
+  constexpr Duration kFirstPause = std::chrono::milliseconds(100);
+  constexpr Duration kLongestPause = std::chrono::seconds(5);
+  constexpr int kMostDoublings = 6;
+  if (failures == 0) return Duration{};
+  return std::min(kFirstPause * (1 << std::min(failures - 1, kMostDoublings)), kLongestPause);
+}
+
 std::string NameOf(const Identity& identity) {
   return identity.version.model + ", serial number " + std::to_string(identity.serialNumber);
 }
@@ -30,17 +41,15 @@ Outcome Exchange::GetReady(std::uint8_t unit, bool needsStep) {
 }
 
 Outcome Exchange::Reopen() {
-  // A controller that restarts needs a moment, a network that is down minutes: the pauses grow between these.
-  constexpr Duration kFirstPause = std::chrono::milliseconds(100);
-  constexpr Duration kLongestPause = std::chrono::seconds(5);
   if (!mSettings.reconnects) return Outcome::CannotReopen;
-  for (Duration pause = kFirstPause;; pause = std::min(2 * pause, kLongestPause)) {
+  for (int failures = std::max(mLosses - 1, 0);; ++failures) {
+    const Duration pause = std::min(PauseAfter(failures), std::max(mDeadline - mPacer.Now(), Duration{}));
+    if (!mLine.Pause(pause)) return Outcome::Stopped;
     const Duration rest = mDeadline - mPacer.Now();
     if (rest <= Duration{}) return Outcome::CannotReopen;
     const std::expected<void, PortError> opened = mLine.Open(rest);
     if (opened) break;
     mLoss = opened.error();
-    if (!mLine.Pause(std::min(pause, std::max(mDeadline - mPacer.Now(), Duration{})))) return Outcome::Stopped;
   }
   mSay("Connected again to " + mLine.GetPort().Description());
   return Outcome::Done;
@@ -139,7 +148,7 @@ Outcome Exchange::WhatBecameOf(const TextRequest& request) {
 }
 
 bool Exchange::MayGoOn() {
-  return mSettings.reconnects && mLosses <= mSettings.tries && mPacer.Now() < mDeadline && !mLine.StopAsked();
+  return mSettings.reconnects && mPacer.Now() < mDeadline && !mLine.StopAsked();
 }
 
 void Exchange::LoseLink() {
