@@ -24,16 +24,6 @@ LinkSettings Unusual(Transport transport) {
   return settings;
 }
 
-TEST(LinkInput, EverySettingComesBackAsItWas) {
-  for (const Transport transport :
-       {Transport::Simulated, Transport::Tcp, Transport::Serial, Transport::Modem, Transport::Listen}) {
-    const LinkSettings settings = Unusual(transport);
-    const CheckedInput checked = CheckInput(InputOf(settings), {});
-    EXPECT_TRUE(checked.faults.empty()) << checked.faults.front().text;
-    EXPECT_EQ(checked.settings, settings);
-  }
-}
-
 TEST(LinkInput, ABadFieldIsNamedWithItsRangeWhereItIsUsedAndKeepsItsSetting) {
   const struct {
     Transport transport;
@@ -96,15 +86,6 @@ TEST(LinkInput, ABadFieldIsNamedWithItsRangeWhereItIsUsedAndKeepsItsSetting) {
       EXPECT_TRUE(CheckInput(input, {}).faults.empty()) << row.fault << ": " << bad;
     }
   }
-}
-
-TEST(LinkInput, BlanksAroundAFieldDoNotCount) {
-  LinkInput input = InputOf(Unusual(Transport::Tcp));
-  input.host = "  plc.mill ";
-  input.tcpPort = " 502 ";
-  const CheckedInput checked = CheckInput(input, {});
-  EXPECT_EQ(checked.settings.host, "plc.mill");
-  EXPECT_EQ(checked.settings.tcpPort, 502);
 }
 
 }  // namespace

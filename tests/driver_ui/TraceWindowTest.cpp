@@ -86,12 +86,6 @@ TEST_F(TraceWindowTest, WritesToAFileUntilItIsEnded) {
   Command("cmdWriteToFile").trigger();
   EXPECT_FALSE(Command("cmdWriteToFile").isChecked());
   EXPECT_EQ(TemporaryFolder::Content(file), driver.GetTrace().Text());
-
-  prompts.Choose(Utf8FromPath(folder.Path() / "nowhere" / "trace.txt"));
-  prompts.Press(PromptAnswer::Ok);
-  Command("cmdWriteToFile").trigger();
-  EXPECT_FALSE(Command("cmdWriteToFile").isChecked());
-  EXPECT_NE(prompts.Boxes().back().text.find("cannot be written"), std::string::npos);
 }
 
 TEST_F(TraceWindowTest, OpenedFromTheSettingsItOutlivesThem) {
