@@ -8,6 +8,8 @@
 namespace sim::commands {
 namespace {
 
+constexpr std::size_t kLongestReply = 640;  // the values of 60 counters, and what stands around them
+
 struct OperandSpan {
   const OperandTypeRow* type;
   std::uint32_t start;
@@ -37,8 +39,9 @@ Answer ReadOperands(TextCall& call) {
   const auto values = call.machine.operands.Read(*span->type, span->start, span->count);
   if (!values) return Refuse(values.error());
   std::string reply = span->Echo();
+  reply.reserve(kLongestReply);
   for (std::size_t i = 0; i < values->size(); ++i) {
-    reply += kv::ToHex((*values)[i], span->type->digits[i % span->type->fields]);
+    kv::AppendHex(reply, (*values)[i], span->type->digits[i % span->type->fields]);
   }
   return reply;
 }

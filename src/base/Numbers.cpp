@@ -40,10 +40,16 @@ std::optional<std::uint32_t> ParseHex(std::string_view text) {
 }
 
 std::string ToHex(std::uint32_t value, std::size_t digits) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text(digits, '0');
-  for (auto at = text.rbegin(); at != text.rend() && value != 0; ++at, value >>= 4) *at = kDigits[value & 0xFU];
+  std::string text;
+  AppendHex(text, value, digits);
   return text;
+}
+
+void AppendHex(std::string& text, std::uint32_t value, std::size_t digits) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  const std::size_t start = text.size();
+  text.resize(start + digits);
+  for (std::size_t i = digits; i-- > 0; value >>= 4) text[start + i] = kDigits[value & 0xFU];
 }
 
 std::string FloatText(float value) {

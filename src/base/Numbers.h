@@ -16,6 +16,8 @@ namespace kv {
 
 // Upper-case hexadecimal, padded on the left with "0" to `digits`, cut on the left when it is longer.
 [[nodiscard]] std::string ToHex(std::uint32_t value, std::size_t digits);
+// The same behind what `text` holds: for texts of many numbers.
+void AppendHex(std::string& text, std::uint32_t value, std::size_t digits);
 
 // The shortest decimal that reads back as the value, rounded to 7 significant digits where it has more, in the general
 // form without trailing zeros: "0.1", "1234567", and with an exponent from 1e+07 upward and below 0.0001:

@@ -25,12 +25,6 @@ std::uint8_t ValueOf(char digit) {
 
 }  // namespace
 
-void AppendHex(std::string& text, std::uint32_t value, std::size_t digits) {
-  const std::size_t start = text.size();
-  text.resize(start + digits);
-  for (std::size_t i = digits; i-- > 0; value >>= 4) text[start + i] = kDigits[value & 0xFU];
-}
-
 void AppendHexBytes(std::string& text, std::span<const std::uint8_t> bytes) {
   std::size_t at = text.size();
   text.resize(at + 2 * bytes.size());

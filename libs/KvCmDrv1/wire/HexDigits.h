@@ -7,12 +7,13 @@
 #include <string>
 #include <string_view>
 
+#include "base/Numbers.h"
+
 namespace kv {
 
 // The digits of the wire: upper-case hexadecimal, most significant first. Lower case is not a digit.
 
-// Appends the low `digits` digits (1 to 8) of `value`.
-void AppendHex(std::string& text, std::uint32_t value, std::size_t digits);
+// Appends two digits a byte.
 void AppendHexBytes(std::string& text, std::span<const std::uint8_t> bytes);
 
 // The value of 1 to 8 digits; nothing for any other text.
