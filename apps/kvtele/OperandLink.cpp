@@ -7,6 +7,7 @@
 #include "dataview/OperandCatalogue.h"
 #include "dataview/OsSupport.h"
 #include "dataview/RegionTransfer.h"
+#include "link/LinkTexts.h"
 
 namespace kv::cli {
 
@@ -27,9 +28,30 @@ std::string WrittenBefore(const Region& region, const Region& piece) {
   return RegionText({region.from, piece.from - 1, region.type}) + " had been written before";
 }
 
+// Whether the error means that the controller has not executed the request. After any other one it may have: the
+// request had gone out, or may have gone out.
+bool IsSurelyNotWritten(const LinkError& error) {
+  switch (error.code) {
+    case LinkErrorCode::BadArgument:
+    case LinkErrorCode::CannotOpen:
+    case LinkErrorCode::Refused:
+    case LinkErrorCode::Busy:
+    case LinkErrorCode::NotSupported:
+      return true;
+    default:
+      return error.happened.ends_with(kNotExecutedText);
+  }
+}
+
+std::string WrittenSoFar(const LinkError& error, const Region& region, const Region& piece) {
+  if (IsSurelyNotWritten(error)) return WrittenBefore(region, piece);
+  const std::string unsure = RegionText(piece) + " may have been written";
+  return piece.from == region.from ? unsure : unsure + "; " + WrittenBefore(region, piece);
+}
+
 Failure WriteFailure(const LinkError& error, const Region& region, const Region& piece) {
   Failure failure = LinkFailure(error, true);
-  failure.happened += "; " + WrittenBefore(region, piece);
+  failure.happened += "; " + WrittenSoFar(error, region, piece);
   if (error.controllerCode == kRefusedWithoutPassword) {
     failure.code = kPasswordNeeded;
     failure.cure = "give the controller's password with --password";
@@ -78,6 +100,11 @@ std::expected<std::unique_ptr<Connection>, Failure> ConnectFor(Environment& envi
 std::expected<std::vector<std::string>, Failure> ReadOperands(Environment& environment, Connection& connection,
                                                               const Region& region) {
   const std::string doing = "reading " + RegionText(region);
+  if (!mdlDataTypesView::IsReadableFrom(connection.Model(), region.type)) {
+    return std::unexpected(NotFitFailure(doing, "operands of this type cannot be read from " + connection.Model(),
+                                         "this model is read with list reads, which do not know them",
+                                         "use --model Q50 or --model Q50Net if the controller is one of these"));
+  }
   const std::vector<Region> pieces = SplitIntoRequests(region);
   Progress progress(environment, doing, CountOf(region));
   std::vector<std::string> texts;

@@ -26,8 +26,8 @@ namespace kv::cli {
                                                                             Connection& connection,
                                                                             const Region& region);
 
-// Writes one text an operand. A failure says which operands have been written before it; its code is kPasswordNeeded
-// when the controller wants its password first.
+// Writes one text an operand. A failure says which operands were written before it and which may have been; its code is
+// kPasswordNeeded when the controller wants its password first.
 inline constexpr std::string_view kPasswordNeeded = "passwordNeeded";
 [[nodiscard]] std::expected<void, Failure> WriteOperands(Environment& environment, Connection& connection,
                                                          const Region& region, std::span<const std::string> texts);

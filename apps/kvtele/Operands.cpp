@@ -5,6 +5,7 @@
 
 #include "base/Numbers.h"
 #include "dataview/OperandCatalogue.h"
+#include "link/LinkTexts.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::cli {
@@ -132,9 +133,7 @@ std::vector<Region> SplitIntoRequests(const Region& region) {
 }
 
 std::string RegionText(const Region& region) {
-  std::string text = std::string(TypeName(region.type)) + " " + std::to_string(region.from);
-  if (region.to != region.from) text += ".." + std::to_string(region.to);
-  return text;
+  return RangeText(TypeName(region.type), region.from, region.to);
 }
 
 }  // namespace kv::cli

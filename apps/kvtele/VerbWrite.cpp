@@ -5,6 +5,7 @@
 #include "apps/kvtele/Prompting.h"
 #include "apps/kvtele/Values.h"
 #include "dataview/OperandCatalogue.h"
+#include "dataview/RegionTransfer.h"
 
 namespace kv::cli {
 
@@ -17,8 +18,23 @@ Failure DiffersFailure(const Region& region, std::size_t index, const std::strin
           "differs",
           "comparing what was written to " + RegionText(region),
           RegionText({address, address, region.type}) + " reads " + readBack + ", written was " + written,
-          "the controller's program changed it in between, or the write did not take",
+          "the operand moves by itself (a running timer or the controller's program), or the write did not take",
           "read it again; see what the program does with this operand"};
+}
+
+Failure NotReadBack(Failure failure, const Region& region) {
+  failure.doing.clear();
+  failure.happened = RegionText(region) + " was written, but could not be read back: " + failure.happened;
+  return failure;
+}
+
+Answer MakeAnswer(const Region& region, const nlohmann::ordered_json& valuesReadBack) {
+  Answer answer;
+  answer.document = {{"type", mdlDataTypesView::TypeName(region.type)},
+                     {"from", region.from},
+                     {"to", region.to},
+                     {"values", valuesReadBack}};
+  return answer;
 }
 
 InputBox PasswordBox() {
@@ -93,19 +109,20 @@ std::expected<void, Failure> VerbWrite::Write(Environment& environment, const Co
 }
 
 Outcome VerbWrite::Compare(Environment& environment, Connection& connection, const Region& region) const {
+  if (!mdlDataTypesView::IsReadableFrom(connection.Model(), region.type)) {
+    environment.err << "Written: " << RegionText(region)
+                    << ". It was not compared: operands of this type cannot be read "
+                    << "back on " << connection.Model() << ".\n";
+    return MakeAnswer(region, nullptr);
+  }
   const auto readBack = ReadOperands(environment, connection, region);
-  if (!readBack) return std::unexpected(readBack.error());
+  if (!readBack) return std::unexpected(NotReadBack(readBack.error(), region));
   for (std::size_t i = 0; i < mValues.size(); ++i) {
     if (IsSameValue(region.type, connection.Model(), mValues[i], (*readBack)[i])) continue;
     return std::unexpected(DiffersFailure(region, i, mValues[i], (*readBack)[i]));
   }
   environment.err << "Written and read back: " << RegionText(region) << "\n";
-  Answer answer;
-  answer.document = {{"type", mdlDataTypesView::TypeName(region.type)},
-                     {"from", region.from},
-                     {"to", region.to},
-                     {"values", *readBack}};
-  return answer;
+  return MakeAnswer(region, *readBack);
 }
 
 }  // namespace kv::cli

@@ -3,6 +3,7 @@
 
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/wire/BlockCodec.h"
+#include "link/LinkTexts.h"
 
 namespace kv {
 namespace {
@@ -33,9 +34,7 @@ std::string ListPayload(std::span<const OperandRange> ranges) {
 }  // namespace
 
 std::string RangeText(const OperandRange& range) {
-  const int last = range.start + range.count - 1;
-  return std::string(range.type->name) + " " + std::to_string(range.start) +
-         (range.count > 1 ? ".." + std::to_string(last) : "");
+  return RangeText(range.type->name, range.start, range.start + range.count - 1);
 }
 
 std::optional<OperandRange> ChannelImpl::CheckedRange(std::int32_t code, std::int64_t start, std::int64_t count,

@@ -7,6 +7,7 @@
 #include "KvCmDrv1/wire/HexDigits.h"
 #include "KvCmDrv1/wire/OperandTypes.h"
 #include "link/ControllerErrorText.h"
+#include "link/LinkTexts.h"
 
 namespace kv {
 namespace {
@@ -76,8 +77,7 @@ std::string OperandMeaning(std::string_view text) {
   if (!reader.Good()) return {};
   const OperandType* type = FindOperandType(code);
   const std::string name = type != nullptr ? std::string(type->name) : "type " + std::to_string(code);
-  return std::string(isRead ? "read " : "write ") + name + " " + std::to_string(start) + ".." +
-         std::to_string(static_cast<std::int64_t>(start) + count - 1);
+  return (isRead ? "read " : "write ") + RangeText(name, start, std::int64_t{start} + count - 1);
 }
 
 std::string TextMeaning(std::string_view text) {

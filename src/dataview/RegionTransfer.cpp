@@ -12,6 +12,7 @@
 #include "dataview/TypeTable.h"
 #include "dataview/ValueRange.h"
 #include "dataview/mdlFloatHandling.h"
+#include "link/LinkTexts.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::mdlDataTypesView {
@@ -25,8 +26,7 @@ constexpr std::size_t kNumbersOfTimerOrCounter = 3;
 
 std::string Doing(std::string_view verb, const Region& region) {
   const std::string_view name = TypeName(region.type);
-  return std::string(verb) + " " + std::string(name.empty() ? "operands" : name) + " " + std::to_string(region.from) +
-         ".." + std::to_string(region.to);
+  return std::string(verb) + " " + RangeText(name.empty() ? "operands" : name, region.from, region.to);
 }
 
 LinkError NoSuchRegion(std::string_view verb, const Region& region) {
@@ -222,6 +222,13 @@ struct WriteWith {
 };
 
 }  // namespace
+
+bool IsReadableFrom(std::string_view model, OperandTypeCode type) {
+  const TypeFacts* facts = FactsOf(type);
+  if (facts == nullptr) return false;
+  if (IsCompactDriverModel(model)) return !std::holds_alternative<std::monostate>(facts->compactRead);
+  return facts->driverTypeCode != 0;
+}
 
 ReadResult ReadRegion(Channel& channel, std::string_view model, const Region& region) {
   if (!IsRequest(region)) return std::unexpected(NoSuchRegion("reading", region));

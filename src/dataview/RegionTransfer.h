@@ -23,8 +23,11 @@
 // nothing.
 namespace kv::mdlDataTypesView {
 
+// Whether operands of this type can be read from this model at all. DBI has no list read.
+[[nodiscard]] bool IsReadableFrom(std::string_view model, OperandTypeCode type);
+
 // The region's raw value texts in address order. None, and nothing sent, for a type that such a controller does not
-// have. DBI has no list read: an error, and nothing sent.
+// have. A type without a list read, where one is needed, is an error and sends nothing.
 [[nodiscard]] std::expected<std::vector<std::string>, LinkError> ReadRegion(Channel& channel, std::string_view model,
                                                                             const Region& region);
 

@@ -32,7 +32,9 @@ TEST(Trouble, EndsWithTheExitCodeThatTellsWhatToDo) {
       {"refuse:on=WO,code=06,nth=3", LongWrite(), 4, "DBI 0..119 had been written before"},
       {"noreply:on=RO", {"read", "MI", "0"}, 7, "no reply"},
       {"noreply:on=ID", {"read", "MI", "0"}, 3, "no reply"},
-      {"lost:on=WO,nth=2,dir=in,away=600000", LongWrite(), 7, "DBI 0..59 had been written before"},
+      {"lost:on=WO,nth=2,dir=in,away=600000", LongWrite(), 7,
+       "DBI 60..119 may have been written; DBI 0..59 had been written before"},
+      {"noreply:on=RO", {"write", "MI", "0", "1"}, 7, "MI 0 was written, but could not be read back: no reply"},
   };
   for (const Trouble& row : rows) {
     SCOPED_TRACE(row.fault);
@@ -43,6 +45,16 @@ TEST(Trouble, EndsWithTheExitCodeThatTellsWhatToDo) {
     EXPECT_THAT(result.err, HasSubstr(row.message));
     EXPECT_EQ(result.out, "");
   }
+}
+
+TEST(Write, OfWhatCannotBeReadBackSaysSo) {
+  CommandBench bench;
+  const Result written = bench.On("Q50", {"--model", "AurexQ50", "write", "DBI", "0", "7", "--json"});
+  EXPECT_EQ(written.exit, 0);
+  EXPECT_THAT(written.err, HasSubstr("Written: DBI 0. It was not compared"));
+  EXPECT_THAT(written.out, HasSubstr("\"values\": null"));
+  EXPECT_EQ(bench.On("Q50", {"--model", "AurexQ50", "read", "DBI", "0"}).exit, 4);
+  EXPECT_EQ(bench.On("Q50", {"read", "DBI", "0"}).out, "0\t7\n");
 }
 
 TEST(Trouble, ThatPassesIsNoTrouble) {
