@@ -169,6 +169,9 @@ TEST_F(ModemPortTest, IsLostWhenTheCarrierIs) {
   for (const std::size_t piece : {1U, 1000U}) {
     auto& modem = Make({}, piece);
     ASSERT_TRUE(modem.Open(kLimit).has_value());
+    controller.waiting = "data\r\nNO CARRIER\r\n,";  // the other end's own bytes
+    EXPECT_EQ(kvtest::ReadFrom(modem, 19).size(), 19U);
+    EXPECT_TRUE(modem.IsOpen());
     controller.waiting = "half a re";
     controller.isConnected = false;
     EXPECT_THAT(kvtest::ReadFrom(modem, 1000), HasSubstr("half a re"));

@@ -13,6 +13,7 @@ constexpr Duration kSlice = std::chrono::milliseconds(10);
 constexpr Duration kAnswerTime = seconds(3);  // a modem answers a command at once, a reset within a second or two
 constexpr Duration kGuardTime = seconds(1);   // silence before and after the escape
 constexpr std::size_t kLongestLine = 1024;    // no answer of a modem is longer
+constexpr Duration kLossSilence = std::chrono::milliseconds(100);  // behind the word of a modem that lost its call
 constexpr std::string_view kCarrierLoss = "\r\nNO CARRIER\r\n";
 
 }  // namespace
@@ -61,6 +62,7 @@ std::expected<void, PortError> ModemPort::Open(Duration limit) {
   mLoss = {};
   mReceived.clear();
   mTail.clear();
+  mLossHeard.reset();
   const Instant deadline = mPacer.Now() + limit;
   if (auto opened = mLine->Open(limit); !opened) return opened;
   if (auto failure = SetUpAndDial(deadline)) {
@@ -68,6 +70,7 @@ std::expected<void, PortError> ModemPort::Open(Duration limit) {
     return std::unexpected(std::move(*failure));
   }
   mIsOnline = true;
+  WatchForCarrierLoss(mReceived);
   return {};
 }
 
@@ -87,21 +90,24 @@ std::optional<PortError> ModemPort::SetUpAndDial(Instant deadline) {
   return ErrorOf(answer == Answer::Silence ? Answer::NoAnswer : answer, mSettings.number);
 }
 
-ModemPort::Answer ModemPort::Ask(const std::string& command, std::string_view awaited, Duration limit, Stops stops) {
+ModemPort::Answer ModemPort::Ask(const std::string& command, std::string_view awaited, Duration limit) {
   const Instant deadline = mPacer.Now() + limit;
   mReceived.clear();
-  if (!Send(command + "\r", deadline)) return mLine->IsOpen() ? Answer::Silence : Answer::Lost;
-  return AwaitLine(awaited, deadline, stops);
+  if (Send(command + "\r", deadline)) return AwaitLine(awaited, deadline);
+  if (!mLine->IsOpen()) return Answer::Lost;
+  return mPacer.StopRequested() ? Answer::Stopped : Answer::Silence;
 }
 
 bool ModemPort::Send(std::string_view bytes, Instant deadline) {
-  while (!bytes.empty()) {
-    if (mLine->Write(bytes, kSlice) == Result::Lost || mPacer.Now() >= deadline) return bytes.empty();
+  for (;;) {
+    const auto result = mLine->Write(bytes, kSlice);
+    if (bytes.empty()) return true;
+    if (result == Result::Lost || mPacer.StopRequested() || mPacer.Now() >= deadline) return false;
+    mPacer.Turn();
   }
-  return true;
 }
 
-ModemPort::Answer ModemPort::AwaitLine(std::string_view awaited, Instant deadline, Stops stops) {
+ModemPort::Answer ModemPort::AwaitLine(std::string_view awaited, Instant deadline) {
   for (;;) {
     while (const auto line = TakeLine()) {
       if (line->starts_with(awaited)) return Answer::Awaited;
@@ -109,7 +115,7 @@ ModemPort::Answer ModemPort::AwaitLine(std::string_view awaited, Instant deadlin
         if (!text.line.empty() && line->starts_with(text.line)) return text.answer;
       }
     }
-    if (stops == Stops::Heeded && mPacer.StopRequested()) return Answer::Stopped;
+    if (mPacer.StopRequested()) return Answer::Stopped;
     if (mPacer.Now() >= deadline) return Answer::Silence;
     const auto result = mLine->Read(mReceived, kSlice);
     if (result == Result::Lost) return Answer::Lost;
@@ -145,46 +151,59 @@ void ModemPort::Close() {
   mLine->Close();
 }
 
-// The modem takes "+++" for a wish to command it only with silence around it.
+// The modem takes "+++" for a wish to command it only with silence around it. Where that cannot be waited for, or
+// brings no answer, the closing line drops the call.
 void ModemPort::HangUp() {
-  mPacer.Sleep(kGuardTime);
+  const Instant silentUntil = mPacer.Now() + kGuardTime;
+  while (mPacer.Now() < silentUntil) {
+    if (mPacer.StopRequested()) return;
+    mPacer.Sleep(kSlice);
+  }
   mReceived.clear();
   const Instant deadline = mPacer.Now() + kAnswerTime;
   if (!Send("+++", deadline)) return;
-  if (AwaitLine("OK", deadline, Stops::Ignored) == Answer::Lost) return;
-  (void)Ask("ATH", "OK", kAnswerTime, Stops::Ignored);  // without an answer the closing line drops the call
+  if (AwaitLine("OK", deadline) == Answer::Lost) return;
+  (void)Ask("ATH", "OK", kAnswerTime);
 }
 
 Port::Result ModemPort::Write(std::string_view& bytes, Duration slice) {
   if (!mIsOnline) return Result::Lost;
+  if (mLossHeard) {  // a modem without a call would take the bytes for a command, and echo them
+    if (Listen(mReceived, slice) == Result::Lost) return Result::Lost;
+    if (mLossHeard) return Result::Nothing;
+  }
   const auto result = mLine->Write(bytes, slice);
   return result == Result::Lost ? Lose(mLine->LossReason()) : result;
 }
 
 Port::Result ModemPort::Read(std::string& buffer, Duration slice) {
   if (!mIsOnline) return Result::Lost;
+  if (mReceived.empty()) return Listen(buffer, slice);
+  buffer += std::exchange(mReceived, {});
+  return Result::Done;
+}
+
+// Reads from the line. The modem says the loss of its call in the middle of the data, perhaps in pieces, and then
+// nothing more; the same bytes with others behind them are data.
+Port::Result ModemPort::Listen(std::string& buffer, Duration slice) {
   const std::size_t start = buffer.size();
-  auto result = Result::Done;
-  if (mReceived.empty()) {
-    result = mLine->Read(buffer, slice);
-  } else {
-    buffer += std::exchange(mReceived, {});
-  }
+  const auto result = mLine->Read(buffer, slice);
   if (result == Result::Lost) return Lose(mLine->LossReason());
-  if (result == Result::Done && HeardCarrierLoss(std::string_view(buffer).substr(start))) {
+  if (result == Result::Done) {
+    WatchForCarrierLoss(std::string_view(buffer).substr(start));
+  } else if (mLossHeard && mPacer.Now() - *mLossHeard >= kLossSilence) {
     return Lose({"the telephone connection to " + mSettings.number + " broke",
                  "the other side hung up, or the line was cut", "dial again"});
   }
   return result;
 }
 
-// The modem says it in the middle of the data, perhaps in pieces. No ASCII frame holds a line feed, so it cannot be
-// data.
-bool ModemPort::HeardCarrierLoss(std::string_view bytes) {
+void ModemPort::WatchForCarrierLoss(std::string_view bytes) {
+  if (bytes.empty()) return;
   mTail += bytes;
-  if (mTail.find(kCarrierLoss) != std::string::npos) return true;
-  if (mTail.size() >= kCarrierLoss.size()) mTail.erase(0, mTail.size() - kCarrierLoss.size() + 1);
-  return false;
+  if (mTail.size() > kCarrierLoss.size()) mTail.erase(0, mTail.size() - kCarrierLoss.size());
+  mLossHeard.reset();
+  if (mTail == kCarrierLoss) mLossHeard = mPacer.Now();
 }
 
 Port::Result ModemPort::Lose(PortError reason) {

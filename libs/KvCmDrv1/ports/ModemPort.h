@@ -20,11 +20,12 @@ class ModemPort final : public Port {
 
   // Ends at `limit` or, when that comes first, with the time for dialling of the settings.
   [[nodiscard]] std::expected<void, PortError> Open(Duration limit) override;
-  // Hangs up first, which takes two seconds with a modem that is well.
+  // Hangs up first, which takes two seconds with a modem that is well; not after a stop request, when only the closing
+  // line drops the call.
   void Close() override;
   [[nodiscard]] bool IsOpen() const override { return mIsOnline; }
   [[nodiscard]] Result Write(std::string_view& bytes, Duration slice) override;
-  // "NO CARRIER" between the bytes is the loss of the connection.
+  // "NO CARRIER" with silence behind it is the loss of the connection.
   [[nodiscard]] Result Read(std::string& buffer, Duration slice) override;
   [[nodiscard]] const PortError& LossReason() const override { return mLoss; }
   [[nodiscard]] Duration ByteTime() const override { return mLine->ByteTime(); }
@@ -35,25 +36,25 @@ class ModemPort final : public Port {
  private:
   enum class Answer { Awaited, Busy, NoCarrier, NoDialTone, NoAnswer, Error, Silence, Stopped, Lost };
   struct AnswerText;
-  enum class Stops { Heeded, Ignored };  // whether a stop request ends the wait
 
   [[nodiscard]] std::optional<PortError> SetUpAndDial(Instant deadline);
-  [[nodiscard]] Answer Ask(const std::string& command, std::string_view awaited, Duration limit,
-                           Stops stops = Stops::Heeded);
+  [[nodiscard]] Answer Ask(const std::string& command, std::string_view awaited, Duration limit);
   [[nodiscard]] bool Send(std::string_view bytes, Instant deadline);
-  [[nodiscard]] Answer AwaitLine(std::string_view awaited, Instant deadline, Stops stops);
+  [[nodiscard]] Answer AwaitLine(std::string_view awaited, Instant deadline);
   [[nodiscard]] std::optional<std::string> TakeLine();
   [[nodiscard]] PortError ErrorOf(Answer answer, const std::string& subject) const;
   void HangUp();
   [[nodiscard]] Result Lose(PortError reason);
-  [[nodiscard]] bool HeardCarrierLoss(std::string_view bytes);
+  [[nodiscard]] Result Listen(std::string& buffer, Duration slice);
+  void WatchForCarrierLoss(std::string_view bytes);
 
   std::unique_ptr<Port> mLine;
   ModemSettings mSettings;
   Pacer& mPacer;
   bool mIsOnline = false;
-  std::string mReceived;  // from the modem, not yet taken; while online, what came right behind CONNECT
-  std::string mTail;      // the last bytes of the data, where a "NO CARRIER" may have begun
+  std::string mReceived;              // from the modem, not yet taken; while online, what Read has still to hand over
+  std::string mTail;                  // the last bytes of the data, where a "NO CARRIER" may have begun
+  std::optional<Instant> mLossHeard;  // when the data ended with "NO CARRIER"; nothing has come since
   PortError mLoss;
 };
 
