@@ -38,9 +38,10 @@ TEST_F(PortListTest, ListsWhatHasHardwareWithWhatIsPluggedIn) {
   // Two of the kernel's table of ports, one of them without hardware; two adapters; a console that is no serial port.
   Put("sys/devices/platform/serial8250/type", "");
   LinkTo("sys/devices/platform/serial8250/driver", "../../../bus/platform/drivers/serial8250");
+  LinkTo("sys/devices/platform/serial8250/0/driver", "../../../../bus/serial-base/drivers/port");
   for (const std::string name : {"ttyS0", "ttyS1"}) {
     Put("sys/class/tty/" + name + "/type", name == "ttyS0" ? "4" : "0");
-    LinkTo("sys/class/tty/" + name + "/device", "../../../devices/platform/serial8250");
+    LinkTo("sys/class/tty/" + name + "/device", "../../../devices/platform/serial8250/0");
   }
   Put("sys/devices/usb1/1-2/product", "USB-Serial Controller");
   Put("sys/devices/usb1/1-2/manufacturer", "Adapter Works");
@@ -54,7 +55,7 @@ TEST_F(PortListTest, ListsWhatHasHardwareWithWhatIsPluggedIn) {
 
   const std::string adapter = "USB-Serial Controller (Adapter Works)";
   const std::vector<SerialPortInfo> expected{
-      {"ttyS0", "/dev/ttyS0", "serial8250", ""},
+      {"ttyS0", "/dev/ttyS0", "serial port, driver serial8250", ""},
       {"ttyUSB2", "/dev/ttyUSB2", adapter, ""},
       {"ttyUSB10", "/dev/ttyUSB10", adapter, "/dev/serial/by-id/usb-Adapter_Works-if00-port0"},
   };

@@ -74,16 +74,31 @@ std::string FirstLine(const fs::path& file) {
   return line.substr(0, 100);
 }
 
-// The nearest folder above the port that says what is plugged in; for a port without one, the driver's name.
+constexpr int kLevels = 6;  // from a port up to the adapter that it belongs to
+
+// What drives the port. Newer kernels put two layers of their own, "port" and "ctrl", between it and the chip's driver.
+std::string DriverName(fs::path folder) {
+  std::error_code code;
+  for (int level = 0; level < kLevels && folder.has_relative_path(); ++level, folder = folder.parent_path()) {
+    const fs::path driver = fs::read_symlink(folder / "driver", code);
+    if (!driver.empty() && driver.string().find("/serial-base/") == std::string::npos)
+      return driver.filename().string();
+  }
+  return {};
+}
+
+// The nearest folder above the port that says what is plugged in; for a port without one, its driver.
 std::string Describe(const fs::path& device) {
   std::error_code code;
-  fs::path folder = fs::canonical(device, code);
-  for (int level = 0; level < 6 && folder.has_relative_path(); ++level, folder = folder.parent_path()) {
+  const fs::path port = fs::canonical(device, code);
+  fs::path folder = port;
+  for (int level = 0; level < kLevels && folder.has_relative_path(); ++level, folder = folder.parent_path()) {
     const auto product = FirstLine(folder / "product");
     const auto maker = FirstLine(folder / "manufacturer");
     if (!product.empty()) return maker.empty() ? product : product + " (" + maker + ")";
   }
-  return fs::read_symlink(device / "driver", code).filename().string();
+  const std::string driver = DriverName(port);
+  return driver.empty() ? driver : "serial port, driver " + driver;
 }
 
 std::string StablePath(const fs::path& byId, const std::string& name) {
