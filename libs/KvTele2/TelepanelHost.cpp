@@ -39,6 +39,8 @@ void TelepanelHost::Click(std::string_view id, const std::string& argument) {
   if (!mState.isEnabled || mIsInTool || mIsAsking || !WhyDisabled(id).empty()) return;
   if (id == command::kOnLine) {
     Connect(argument);
+  } else if (id == command::kComParams) {
+    ClickTool(std::string(id), "Session " + mState.session);  // whose settings they are
   } else if (id.starts_with(kOwnCommands)) {
     ClickOwn(id, argument);
   } else {

@@ -2,6 +2,7 @@
 // named after its window, with SUFFIX behind it.
 
 #include <QAction>
+#include <QComboBox>
 #include <QPalette>
 #include <QStyleFactory>
 #include <QTest>
@@ -45,13 +46,15 @@ class Photographer {
     if (!window.grab().save(file)) std::cerr << "cannot write " << file.toStdString() << "\n";
   }
 
-  // The next dialog that opens is taken and closed.
-  void TakeDialog(QObject& context, const char* name) {
+  // The next dialog that opens is taken, after `prepare`, and closed.
+  void TakeDialog(
+      QObject& context, const char* name, const std::function<void(QWidget& dialog)>& prepare = [](QWidget&) {}) {
     auto* timer = new QTimer(&context);
-    QObject::connect(timer, &QTimer::timeout, &context, [this, timer, name] {
+    QObject::connect(timer, &QTimer::timeout, &context, [=, this] {
       QWidget* dialog = QApplication::activeModalWidget();
       if (!dialog) return;
       timer->stop();
+      prepare(*dialog);
       Take(*dialog, name);
       dialog->close();
     });
@@ -67,6 +70,11 @@ void Trigger(QObject& window, const char* id) {
   window.findChild<QAction*>(id)->trigger();
 }
 
+void ChooseSerial(QWidget& dialog) {
+  auto* transport = dialog.findChild<QComboBox*>("cboTransport");
+  transport->setCurrentIndex(transport->findText("Serial", Qt::MatchStartsWith));
+}
+
 void TakePictures(Photographer& camera, QMainWindow& window) {
   camera.Take(window, "main-off-line");
   Trigger(window, "ID_OnLine");
@@ -74,8 +82,17 @@ void TakePictures(Photographer& camera, QMainWindow& window) {
   camera.Take(window, "main-on-line");
   camera.TakeDialog(window, "sessions");
   Trigger(window, "ID_Session");
-  camera.TakeDialog(window, "driver-settings");
+  camera.TakeDialog(window, "link-simulated");
   Trigger(window, "ID_ComParams");
+  camera.TakeDialog(window, "link-serial", ChooseSerial);
+  Trigger(window, "ID_ComParams");
+  camera.TakeDialog(window, "modem");
+  Trigger(window, "ID_Modem");
+}
+
+void ConnectInVain(Photographer& camera, QMainWindow& window) {
+  Trigger(window, "ID_OnLine");
+  camera.Take(window, "main-no-answer");
 }
 
 void MakeHome(const std::filesystem::path& home) {
@@ -100,5 +117,7 @@ int main(int argc, char** argv) {
   kv::test::MakeHome(home.Path());
   kv::test::Photographer camera(argv[1], argv[2]);
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::TakePictures(camera, window); });
+  home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nTcpPort=9\r\n");  // nobody listens there
+  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::ConnectInVain(camera, window); });
   return 0;
 }

@@ -20,7 +20,7 @@ QString Described(const std::string& port, const std::string& description) {
 }
 
 bool IsCalled(const SerialPortInfo& port, const std::string& text) {
-  return text == port.path || text == port.name || text == port.stablePath;
+  return !text.empty() && (text == port.path || text == port.name || text == port.stablePath);
 }
 
 }  // namespace

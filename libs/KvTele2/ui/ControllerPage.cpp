@@ -53,17 +53,9 @@ void ShowRows(const QWidget& box, const std::array<Row<Facts>, Count>& rows, con
   }
 }
 
-Picture PictureOf(Connection connection) {
-  switch (connection) {
-    case Connection::Online:
-      return Picture::Online;
-    case Connection::Lost:
-      return Picture::Warning;
-    case Connection::Connecting:
-    case Connection::Offline:
-      break;
-  }
-  return Picture::Offline;
+Picture PictureOf(const HostState& state) {
+  if (!state.trouble.empty()) return Picture::Warning;
+  return state.connection == Connection::Online ? Picture::Online : Picture::Offline;
 }
 
 }  // namespace
@@ -143,11 +135,8 @@ void ControllerPage::Show(const HostState& state) {
 }
 
 void ControllerPage::ShowConnection(const HostState& state) {
-  const QString text = QString::fromStdString(ConnectionText(state.connection) + ": " + state.link);
-  if (mConnection->text() != text) {
-    mConnection->setText(text);
-    mPicture->setPixmap(IconOf(PictureOf(state.connection)).pixmap(kPictureSize));
-  }
+  mPicture->setPixmap(IconOf(PictureOf(state)).pixmap(kPictureSize));
+  mConnection->setText(QString::fromStdString(ConnectionText(state.connection) + ": " + state.link));
   mTrouble->setText(QString::fromStdString(state.trouble).remove('\r'));
   mTrouble->setVisible(!state.trouble.empty());
 }

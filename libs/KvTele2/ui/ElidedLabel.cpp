@@ -25,6 +25,11 @@ void ElidedLabel::paintEvent(QPaintEvent*) {
                    fontMetrics().elidedText(line, Qt::ElideRight, place.width()));
 }
 
+// One line high, whatever the text.
+QSize ElidedLabel::sizeHint() const {
+  return {QLabel::sizeHint().width(), fontMetrics().height()};
+}
+
 QSize ElidedLabel::minimumSizeHint() const {
   return {0, fontMetrics().height()};
 }

@@ -14,6 +14,7 @@ class ElidedLabel final : public QLabel {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override;
 };
 
