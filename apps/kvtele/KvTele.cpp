@@ -10,13 +10,16 @@ namespace kv::cli {
 
 namespace {
 
+// All work as they stand, in this order, on a machine without any controller; the last line tells how to name a real
+// one.
 constexpr const char* kProgramExamples =
-    "  kvtele --link sim:K220-22-R1 identify             who is there? (a simulated controller)\n"
-    "  kvtele --link tcp:192.168.1.20:20300 read MI 0 9  ten integers, one a line\n"
-    "  kvtele --link serial:COM3 write MI 0 4660 22136   two integers, read back and compared\n"
-    "  kvtele --session Plant2 read \"TIMER PRESET\" 0     with the link settings of a session\n"
-    "  kvtele sessions create Plant2                     a copy of session Default\n"
-    "  kvtele ports                                      the serial lines of this machine\n";
+    "  kvtele --link sim:K220-22-R1 identify                who is there? (a simulated controller)\n"
+    "  kvtele --link sim:K220-22-R1 read MI 0 9             ten integers, one a line\n"
+    "  kvtele --link sim:K220-22-R1 write MI 0 4660 22136   two integers, read back and compared\n"
+    "  kvtele sessions create Plant2                        a copy of session Default\n"
+    "  kvtele --session Plant2 read \"TIMER PRESET\" 0        with the link settings of a session\n"
+    "  kvtele ports                                         the serial lines of this machine\n"
+    "A controller of your own: --link tcp:HOST, --link serial:PORT or --link modem:PORT,NUMBER.\n";
 
 constexpr const char* kExitCodes =
     "Exit codes: 0 done, 1 failed, 2 wrong usage, 3 no connection, 4 refused by or not fit for the\n"

@@ -65,7 +65,7 @@ Failure Refusal(const std::string& text) {
 
 const char* VerbOnline::Examples() const {
   return "  kvtele --link sim:K220-22-R1 online             a simulated controller\n"
-         "  kvtele --session Plant2 online                  the controller of a session\n"
+         "  kvtele --session Default online                 the controller of a session\n"
          "  kvtele --link tcp:192.168.1.20 --json online    for a script: exit 4 when it is refused\n";
 }
 
