@@ -1,0 +1,242 @@
+// The driver and kvsim over a real TCP connection and a real pseudo terminal.
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <ctime>
+#include <iostream>
+
+#include "RealBench.h"
+#include "dataview/OperandCatalogue.h"
+#include "dataview/RegionTransfer.h"
+
+namespace kv::matrix {
+namespace {
+
+using namespace mdlDataTypesView;
+using namespace std::chrono_literals;
+using enum OperandTypeCode;
+using Texts = std::vector<std::string>;
+using Words = std::vector<std::int16_t>;
+
+class RealLine : public testing::TestWithParam<Transport> {};
+
+struct TypeRow {
+  OperandTypeCode type;
+  Texts texts;  // written, if it can be, and read again
+};
+
+// The lowest and the highest value of each type that can be written.
+const std::vector<TypeRow> kAurexTypes = {
+    {MB, {"1", "0", "1"}},
+    {MI, {"-32768", "32767", "4660"}},
+    {MF, {"1.5", "-0.25", "1e+10"}},
+    {ML, {"-2147483648", "2147483647", "-1"}},
+    {DW, {"0", "4294967295", "305419896"}},
+    {TimerPreset, {"00:00:00.00", "99:59:59.99", "01:02:03.04"}},
+    {TimerCurrent, {"00:00:00.01", "99:59:59.98", "10:20:30.40"}},
+    {CounterPreset, {"0", "65535", "12"}},
+    {CounterCurrent, {"1", "65534", "13"}},
+    {XB, {"0", "1", "1"}},
+    {XI, {"-32768", "32767", "-2"}},
+    {XL, {"-2147483648", "2147483647", "3"}},
+    {XDW, {"0", "4294967295", "4"}},
+    {SB, {"0", "0", "0"}},
+    {SI, {"0", "0", "0"}},
+    {SL, {"0", "0", "0"}},
+    {SDW, {"0", "0", "0"}},
+    {Input, {"0", "0", "0"}},
+    {Output, {"0", "0", "0"}},
+    {TimerValue, {"0", "0", "0"}},
+    {CounterValue, {"0", "0", "0"}},
+};
+const std::vector<TypeRow> kCompactTypes = {
+    {MB, {"1", "0", "1"}},
+    {MI, {"-32768", "32767", "4660"}},
+    {DBI, {"-32768", "32767", "22136"}},
+    {TimerPreset, {"0", "163830", "35990000"}},
+    {TimerCurrent, {"10", "1638300", "20000"}},
+    {SB, {"0", "0", "0"}},
+    {SI, {"0", "0", "0"}},
+    {Input, {"0", "0", "0"}},
+    {Output, {"0", "0", "0"}},
+    {TimerValue, {"0", "0", "0"}},
+};
+
+TEST_P(RealLine, EachTypeIsReadAndEachWritableOneWritten) {
+  const struct {
+    const char* model;
+    const std::vector<TypeRow>& rows;
+  } controllers[] = {{"K670-T40", kAurexTypes}, {"Q50", kCompactTypes}};
+  for (const auto& controller : controllers) {
+    RealBench bench(GetParam());
+    ASSERT_TRUE(bench.Serve({"--model", controller.model}));
+    Channel* link = bench.Link();
+    ASSERT_NE(link, nullptr) << bench.driver.LastError().Text();
+    ASSERT_TRUE(link->StopController(1)) << link->LastError().Text();  // nothing moves by itself
+    for (const TypeRow& row : controller.rows) {
+      SCOPED_TRACE(std::string(controller.model) + ", " + std::string(TypeName(row.type)));
+      const Region region{7, 9, row.type};
+      EXPECT_TRUE(WriteRegion(*link, controller.model, region, row.texts));
+    }
+    for (const TypeRow& row : controller.rows) {
+      SCOPED_TRACE(std::string(controller.model) + ", " + std::string(TypeName(row.type)));
+      EXPECT_EQ(ReadRegion(*link, controller.model, {7, 9, row.type}), row.texts);
+    }
+  }
+}
+
+struct FaultRow {
+  std::string rule;
+  bool isLie = false;
+  bool isDeaf = false;  // the line has to be opened again
+};
+
+const FaultRow kFaults[] = {
+    {"noreply"},        {"late:ms=120"}, {"double"}, {"dribble:ms=2"},      {"cut:after=9"},          {"damage"},
+    {"damage:dir=in"},  {"wrongunit"},   {"echo"},   {"garbage:bytes=300"}, {"garbage", false, true}, {"busy"},
+    {"refuse:code=04"}, {"lie", true},   {"reset"},  {"lost:at=9"},         {"lost:dir=in"},
+};
+
+// A write, a read and a piece of memory, judged by what was written before.
+class Work {
+ public:
+  explicit Work(RealBench& bench) : mBench(bench) {}
+
+  // How many of the three the driver says are done. Each ends in time, and what it says is right.
+  int Do(bool isLie) {
+    const Words next = {++mNumber, ++mNumber};
+    const bool isWritten = Timed([&](Channel& link) { return link.WriteMI(0, next, 1); });
+    if (isWritten && !isLie) {
+      mHeld = {next};
+    } else {
+      mHeld.push_back(next);  // this, or what was there before
+    }
+    Channel::WordValues words;
+    Timed([&](Channel& link) { return (words = link.ReadMI(0, 2, 1)).has_value(); });
+    if (words) {
+      EXPECT_NE(std::ranges::find(mHeld, *words), mHeld.end()) << "wrong or stale";
+      mHeld = {*words};
+    }
+    std::optional<Bytes> memory;
+    Timed([&](Channel& link) { return (memory = link.ReadMemoryBlock(kHardware, 100, 1)).has_value(); });
+    if (memory && mMemory.empty()) mMemory = *memory;
+    EXPECT_TRUE(!memory || *memory == mMemory) << "wrong memory";
+    return int{isWritten} + int{words.has_value()} + int{memory.has_value()};
+  }
+
+ private:
+  static constexpr std::uint32_t kHardware = 0x00200000;
+
+  template <typename Call>
+  bool Timed(Call call) {
+    const Instant start = mBench.pacer.Now();
+    Channel* link = mBench.Link();
+    const bool isDone = link != nullptr && call(*link);
+    EXPECT_LT(mBench.pacer.Now() - start, 3s);  // 0.9 s, were the machine not busy with other things
+    return isDone;
+  }
+
+  RealBench& mBench;
+  std::int16_t mNumber = 0;
+  std::vector<Words> mHeld;
+  Bytes mMemory;
+};
+
+TEST_P(RealLine, EveryFaultIsPassedOrTold) {
+  for (const FaultRow& fault : kFaults) {
+    SCOPED_TRACE(fault.rule);
+    RealBench bench(GetParam());
+    std::vector<std::string> arguments = {"--model", "Q50", "--seed", "1"};
+    for (const char* command : {"WO", "RO", "RM"}) {
+      const std::string separator = fault.rule.find(':') == std::string::npos ? ":" : ",";
+      arguments.insert(arguments.end(), {"--fault", fault.rule + separator + "nth=2,on=" + command});
+    }
+    ASSERT_TRUE(bench.Serve(arguments));
+    Work work(bench);
+    ASSERT_EQ(work.Do(false), 3);
+    (void)work.Do(fault.isLie);
+    // Endless garbage hides two of the three faults until the line is opened again.
+    for (int opened = 0; fault.isDeaf && opened < 3; ++opened) {
+      bench.driver.CloseDriver();
+      bench.pacer.Sleep(100ms);  // a terminal that is opened again at once was never closed for the other end
+      (void)work.Do(false);
+    }
+    (void)work.Do(false);
+    EXPECT_EQ(work.Do(false), 3) << "two rounds after it";
+  }
+}
+
+TEST_P(RealLine, AStopTakesEffectAtOnceWhenNobodyAnswers) {
+  const kvtest::Listener silent;
+  const kvtest::Pty terminal;
+  RealBench bench(GetParam());
+  bench.UsePort(silent.Port());
+  bench.UseTerminal(terminal.name);
+  Channel* link = bench.Link();
+  ASSERT_NE(link, nullptr) << bench.driver.LastError().Text();
+  link->SetTimeOut(20000);
+
+  // Ctrl-C in 150 ms from now.
+  sigevent event{};
+  event.sigev_notify = SIGEV_SIGNAL;
+  event.sigev_signo = SIGINT;
+  timer_t timer{};
+  ASSERT_EQ(::timer_create(CLOCK_MONOTONIC, &event, &timer), 0);
+  const itimerspec soon{{}, {0, 150'000'000}};
+  const Instant stop = bench.pacer.Now() + 150ms;
+  ASSERT_EQ(::timer_settime(timer, 0, &soon, nullptr), 0);
+  EXPECT_FALSE(link->ReadMI(0, 1, 1));
+  const Duration took = bench.pacer.Now() - stop;
+  ::timer_delete(timer);
+  EXPECT_EQ(link->LastError().code, LinkErrorCode::Stopped);
+  EXPECT_LT(took, 1s);
+  std::cout << "stopped after " << took.count() << " us\n";
+}
+
+TEST_P(RealLine, AfterACutTheSameControllerIsWorkedOnAndNoOther) {
+  RealBench bench(GetParam());
+  const std::string state = (bench.folder.Path() / "plc.state").string();
+  const std::string otherState = (bench.folder.Path() / "other.state").string();
+  const std::vector<std::string> same = {"--model", "K670-T40", "--state", state};
+  ASSERT_TRUE(bench.Serve(same));
+  Channel* link = bench.Link();
+  ASSERT_NE(link, nullptr) << bench.driver.LastError().Text();
+  ASSERT_TRUE(link->WriteMI(5, Words{41, 42}, 1));
+
+  bench.End();
+  EXPECT_FALSE(link->ReadMI(5, 2, 1));
+  EXPECT_EQ(link->LastError().code, LinkErrorCode::LinkLost);
+  EXPECT_FALSE(link->LastError().cause.empty() || link->LastError().cure.empty()) << link->LastError().Text();
+  ASSERT_TRUE(bench.Serve(same));
+  EXPECT_EQ(link->ReadMI(5, 2, 1), (Words{41, 42})) << link->LastError().Text();
+  EXPECT_TRUE(link->WriteMI(5, Words{43}, 1)) << link->LastError().Text();
+
+  for (const std::vector<std::string>& other : {std::vector<std::string>{"--model", "K670-T40", "--state", otherState},
+                                                std::vector<std::string>{"--model", "K450"}}) {
+    bench.End();
+    ASSERT_TRUE(bench.Serve(other));
+    for (int i = 0; i < 2; ++i) {
+      EXPECT_FALSE(link->WriteMI(5, Words{99}, 1));
+      EXPECT_EQ(link->LastError().code, LinkErrorCode::OtherController) << link->LastError().Text();
+    }
+    EXPECT_EQ(bench.Link(), nullptr) << "not even opened until the user closes the link";
+    EXPECT_EQ(bench.driver.LastError().code, LinkErrorCode::OtherController);
+    bench.driver.CloseDriver();
+    link = bench.Link();
+    ASSERT_NE(link, nullptr);
+    EXPECT_EQ(link->ReadMI(5, 1, 1), Words{0}) << "nothing has reached it";
+    bench.driver.CloseDriver();
+    bench.End();
+    ASSERT_TRUE(bench.Serve(same));
+    link = bench.Link();
+    ASSERT_NE(link, nullptr);
+    EXPECT_EQ(link->ReadMI(5, 1, 1), Words{43});
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, RealLine, testing::Values(Transport::Tcp, Transport::Serial),
+                         [](const auto& line) { return line.param == Transport::Tcp ? "tcp" : "pty"; });
+
+}  // namespace
+}  // namespace kv::matrix
