@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -36,6 +37,15 @@ class Bench {
     if (reply.starts_with(name + "ERROR")) return reply.substr(2);
     EXPECT_EQ(reply.substr(0, 6), name + "A1B2");
     return reply.substr(6);
+  }
+  // The values of operands, by type, start and count in digits.
+  std::string Read(const std::string& place) {
+    const std::string reply = Own("RO", place);
+    EXPECT_TRUE(reply.starts_with(place)) << reply;
+    return reply.substr(std::min(place.size(), reply.size()));
+  }
+  void Write(const std::string& place, const std::string& values) {
+    EXPECT_EQ(Own("WO", place + values), place + "OK");
   }
   BlockReply Block(std::uint16_t opCode, std::uint32_t param1 = 0, std::uint32_t dataLength = 0,
                    std::uint16_t param3 = 0, std::uint16_t param4 = 0, const std::string& payload = "") {

@@ -4,33 +4,11 @@
 #include <string>
 
 #include "ControllerBench.h"
-#include "simulator/ModelTable.h"
 
 namespace sim::test {
 namespace {
 
 using namespace std::chrono_literals;
-
-TEST(ControllerCommands, IdentifyEachKindOfModel) {
-  const struct {
-    std::string model, os, running, inBootLoader;
-  } cases[] = {
-      {"K220-22-R1", "", "K220-22-R1|10|4.60|19", "BOOT|10|4.60|19"},
-      {"K220-32", "3.73", "K220-32|20|3.73|19", "BOOT|20|3.73|19"},
-      {"K230", "", "K230|23|HW 1.0;BT 1.2;FL 2.0;O/S 1.10;|B19;", "BOOT|23|HW 1.0;BT 1.2;FL 2.0;O/S 1.10;|B19;"},
-      {"K670-T40", "1.0", "K670-67-T40 / K390-29-T40|67|HW 1.0;BT 1.2;FL 2.0;O/S 1.0;|B19;",
-       "CLR BOOT|67|HW 1.0;BT 1.2;FL 2.0;O/S 1.0;|B19;"},
-      {"AurexQ50", "", "AurexQ50|50|4.60|19", "BOOT|50|4.60|19"},
-      {"Q50Net", "", "Q50-2-R34|5N|4.60|19", "BQ50|5N|4.60|19"},
-      {"BRIO", "", "BRIO-R16|16|4.60|19", "BRBOOT|16|4.60|19"},
-  };
-  for (const auto& c : cases) {
-    Bench bench(Options(c.model, c.os));
-    EXPECT_EQ(bench.Text("ID"), "ID" + c.running);
-    EXPECT_EQ(bench.Text("CCB"), "CCOK");
-    EXPECT_EQ(bench.Text("ID"), "ID" + c.inBootLoader);
-  }
-}
 
 TEST(ControllerCommands, OptionsThatCannotBeAreRefusedWithASentence) {
   const auto why = [](const SimulatorOptions& options) {
@@ -168,17 +146,6 @@ TEST(ControllerCommands, ResourcesAreReadPieceByPiece) {
   EXPECT_EQ(bench.Text("DRS001A01"), "DR05");
   EXPECT_EQ(bench.Block(260, 1).status, 10);
   EXPECT_EQ(bench.Text("DRS001A01"), "DR0D");
-}
-
-TEST(ControllerCommands, EveryModelComesUpUnderAllItsNames) {
-  for (const Model& model : AllModels()) {
-    Bench bench{std::string(model.name)};
-    EXPECT_EQ(bench.Text("ID").substr(2, model.reported.size()), model.reported);
-    EXPECT_EQ(bench.State(), 'R');
-    EXPECT_EQ(bench.It().UnderstandsBlocks(), model.family == Family::Aurex) << model.name;
-  }
-  for (const char* name : {"K220", "K380", "K670", "K670-C30", "K670-T40", "K660", "K450", "Q51-2-R34", "BRIO-R16"})
-    EXPECT_NE(FindModel(name), nullptr);
 }
 
 }  // namespace

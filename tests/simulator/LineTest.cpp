@@ -38,26 +38,6 @@ TEST(Line, CounterAndSyncOutliveConnectionsAndResets) {
   EXPECT_EQ(bench.Ask("SYFFFE00BADC0DE5"), "");
 }
 
-TEST(Line, CounterSyncAndBlockAnswersEndWithThePower) {
-  LineBench bench;
-  const std::string first = bench.Say(LineBench::Block(1, "x"));
-  EXPECT_EQ(bench.Ask("WD42"), "WD-");
-  ASSERT_TRUE(bench.simulated->UseFaults({"reset:nth=1"}));
-  EXPECT_EQ(bench.Ask("RD"), "");
-  bench.now += 200ms;
-  EXPECT_EQ(bench.Ask("SYFFFE3B1F5E1E"), "SYFFFE0000000000000008");
-  EXPECT_EQ(bench.counter, 1);
-  EXPECT_NE(bench.Say(LineBench::Block(1, "x")), first) << "executed anew";
-}
-
-TEST(Line, TheCounterGoesAroundPastZero) {
-  LineBench bench;
-  for (int i = 0; i < 0xFFFF; ++i) bench.line->Write("/01RDF7\r", bench.now);
-  (void)bench.line->Read(bench.now);
-  (void)bench.Ask("RD");
-  EXPECT_EQ(bench.counter, 1);
-}
-
 TEST(Line, TheSameBlockMessageIsNotExecutedTwice) {
   LineBench bench;
   const std::string first = bench.Say(LineBench::Block(9, "a"));

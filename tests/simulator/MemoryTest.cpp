@@ -42,6 +42,11 @@ std::string ReadAll(Bench& bench, const Listed& segment) {
   return hex;
 }
 
+// Bytes of memory, by address and length in digits.
+std::string Read(Bench& bench, const std::string& place) {
+  return bench.Own("RM", place).substr(place.size());
+}
+
 TEST(Memory, SegmentsAreOfBothKindsAndFitNoBlock) {
   for (const char* model : {"K330", "K670", "Q50"}) {
     Bench bench(model);
@@ -85,46 +90,16 @@ TEST(Memory, RefusesWhatIsOutsideOrMalformed) {
 
 TEST(Memory, TheFirstWriteOfALoadErasesItsSegmentAndSwapsFlash) {
   Bench bench("K330");
-  EXPECT_EQ(bench.Text("WDF0020004004"
-                       "01020304"),
-            "WDOK");
+  EXPECT_EQ(bench.Text("WDF002000400401020304"), "WDOK");
   EXPECT_EQ(bench.State(), 'L');
-  EXPECT_EQ(bench.Own("RM",
-                      "0020003E"
-                      "0008"),
-            "0020003E"
-            "0008"
-            "FFFF"
-            "02010403"
-            "FFFF");
-  EXPECT_EQ(bench.Text("WDF0020004202"
-                       "0506"),
-            "WDOK");  // the second does not
-  EXPECT_EQ(bench.Own("RM",
-                      "00200040"
-                      "0004"),
-            "00200040"
-            "0004"
-            "02010605");
-  EXPECT_EQ(bench.Text("WDR0022000002"
-                       "0102"),
-            "WDOK");
-  EXPECT_EQ(bench.Own("RM",
-                      "00220000"
-                      "0004"),
-            "00220000"
-            "0004"
-            "0102FFFF");
+  EXPECT_EQ(Read(bench, "0020003E0008"), "FFFF02010403FFFF");
+  EXPECT_EQ(bench.Text("WDF00200042020506"), "WDOK");  // the second does not
+  EXPECT_EQ(Read(bench, "002000400004"), "02010605");
+  EXPECT_EQ(bench.Text("WDR00220000020102"), "WDOK");
+  EXPECT_EQ(Read(bench, "002200000004"), "0102FFFF");
   bench.It().SetLying(true);
-  EXPECT_EQ(bench.Text("WDR0022000002"
-                       "AAAA"),
-            "WDOK");
-  EXPECT_EQ(bench.Own("RM",
-                      "00220000"
-                      "0002"),
-            "00220000"
-            "0002"
-            "0102");
+  EXPECT_EQ(bench.Text("WDR0022000002AAAA"), "WDOK");
+  EXPECT_EQ(Read(bench, "002200000002"), "0102");
 }
 
 // What a clone does: every line that is not erased, flash in swapped words, RAM as it is; 00 counts 256.
@@ -160,21 +135,15 @@ TEST(Memory, ARestoreMakesTwoControllersEqual) {
 
 TEST(Memory, ApplicationFlashIsReadAndWrittenFromZero) {
   Bench bench("Q51");
-  EXPECT_EQ(bench.Text("FW00000000"
-                       "AA"),
-            "FWERROR09");  // running
+  EXPECT_EQ(bench.Text("FW00000000AA"), "FWERROR09");  // running
   EXPECT_EQ(bench.Text("CCS"), "CCOK");
-  EXPECT_EQ(bench.Text("FW00000001"
-                       "AABB"),
-            "FWOK");
+  EXPECT_EQ(bench.Text("FW00000001AABB"), "FWOK");
   EXPECT_EQ(bench.Text("FW00000000"), "FWOK");
   EXPECT_EQ(bench.Text("RX00000001").substr(0, 14), "RX00000001AABB");
   EXPECT_EQ(bench.Text("RX00000001").size(), 10U + 128);
   EXPECT_EQ(bench.Text("RX00004E39").size(), 10U + 2);
   EXPECT_EQ(bench.Text("RX00004E3A"), "RX00004E3A");
-  EXPECT_EQ(bench.Text("FW00004E3A"
-                       "AA"),
-            "FWERROR0B");
+  EXPECT_EQ(bench.Text("FW00004E3AAA"), "FWERROR0B");
 }
 
 }  // namespace

@@ -44,14 +44,8 @@ TEST_F(State, IsThereAgainAfterSwitchingOff) {
     EXPECT_EQ(bench.Text("LN41"), "LNOK");
     EXPECT_EQ(bench.Text("LD00001001"), "LDOK");
     EXPECT_EQ(bench.Text("CCR"), "CCOK");
-    EXPECT_EQ(bench.Own("WO",
-                        "0300000002"
-                        "12348001"),
-              "0300000002OK");
-    EXPECT_EQ(bench.Own("WO",
-                        "5100050001"
-                        "00000064"),
-              "5100050001OK");
+    bench.Write("0300000002", "12348001");
+    bench.Write("5100050001", "00000064");
     EXPECT_EQ(bench.Text("CCS"), "CCOK");
     information = bench.Own("IN", "");
     EXPECT_TRUE(bench.It().SaveState());
@@ -59,12 +53,8 @@ TEST_F(State, IsThereAgainAfterSwitchingOff) {
   Bench bench(Kept("Q51"));
   EXPECT_EQ(bench.Own("IN", ""), information);
   EXPECT_EQ(information.substr(8), "S41");
-  EXPECT_EQ(bench.Own("RO", "0300000002"),
-            "0300000002"
-            "12348001");
-  EXPECT_EQ(bench.Own("RO", "5100050001"),
-            "5100050001"
-            "00000064");
+  EXPECT_EQ(bench.Read("0300000002"), "12348001");
+  EXPECT_EQ(bench.Read("5100050001"), "00000064");
   EXPECT_EQ(bench.Text("RX0000000F").substr(0, 16), "RX0000000FFF01FF");
 }
 
