@@ -93,35 +93,6 @@ TEST(ReadRegion, SaysWhyItFailsAndSendsNothingThatCannotBeAsked) {
   EXPECT_TRUE(channel.calls.empty());
 }
 
-TEST(WriteRegion, HandsOverTheConvertedValues) {
-  struct Row {
-    OperandTypeCode type;
-    Texts texts;
-    std::string call;
-    std::string model = std::string(kAurex);
-  };
-  const std::vector<Row> rows = {
-      {MB, {"1", "0"}, "WriteMB 5 @1: 1 0"}, {XB, {"1"}, "WriteXB 5 @1: 1"},
-      {MI, {"-32768", "7"}, "WriteMI 5 @1: -32768 7"}, {DBI, {"-1"}, "WriteDBI 5 @1: -1", "Q50"},
-      {XI, {"12.0"}, "WriteXI 5 @1: 12"}, {ML, {"-2147483648"}, "WriteML 5 @1: -2147483648"},
-      {XL, {"8"}, "WriteXL 5 @1: 8"}, {DW, {"4294967295", "0"}, "WriteDW 5 @1: 4294967295 0"},
-      {XDW, {"4294967295"}, "WriteXDW 5 @1: 4294967295"}, {CounterPreset, {"65535"}, "WriteCounterPresets 5 @1: 65535"},
-      {CounterCurrent, {"3"}, "WriteCounterCurrents 5 @1: 3"},
-      {TimerPreset, {"01:01:01.01"}, "WriteTimerPresets 5 @1: 366101"},
-      {TimerCurrent, {"00:00:02.00"}, "WriteTimerCurrents 5 @1: 200"},
-      {TimerPreset, {"1000", "00:00:02.00"}, "WriteTimerPresets 5 @1: 100 200", "Q50"},
-      {TimerPreset, {"00:00:02.00"}, "WriteTimerPresets 5 @1: 200", "AurexQ50"}, {MF, {"1.5"}, "WriteMF 5 @1: 16320"}};
-  for (const Row& row : rows) {
-    test::FakeChannel channel;
-    channel.succeeds = true;
-    EXPECT_TRUE(WriteRegion(channel, row.model, From5(row.type, row.texts.size()), row.texts)) << row.call;
-    EXPECT_EQ(channel.calls, Calls{row.call});
-    channel.succeeds = false;
-    const auto failed = WriteRegion(channel, row.model, From5(row.type, row.texts.size()), row.texts);
-    EXPECT_EQ(failed.error().code, LinkErrorCode::NoReply) << row.call;
-  }
-}
-
 TEST(WriteRegion, SendsNothingForATextThatCannotBeConvertedOrATypeThatIsReadOnly) {
   test::FakeChannel channel;
   channel.succeeds = true;

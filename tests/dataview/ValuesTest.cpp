@@ -6,7 +6,6 @@
 #include "dataview/RowDisplay.h"
 #include "dataview/TimerText.h"
 #include "dataview/ValueRange.h"
-#include "dataview/mdlFloatHandling.h"
 
 // clang-format off: the tables are laid out by hand
 namespace kv::mdlDataTypesView {
@@ -51,12 +50,6 @@ TEST(RowDisplay, ShowsEverySizeAndFormat) {
         << "type " << static_cast<int>(row.type) << " size " << static_cast<int>(row.size) << " format "
         << static_cast<int>(row.format);
   }
-}
-
-TEST(FloatHandling, SwapsTheHalves) {
-  EXPECT_EQ(mdlFloatHandling::ControllerFromFloat(1.5F), 0x00003FC0U);  // IEEE 754: 0x3FC00000
-  EXPECT_EQ(mdlFloatHandling::FloatFromController(0x00003FC0U), 1.5F);
-  EXPECT_EQ(mdlFloatHandling::SwapHalves(0x12345678U), 0x56781234U);
 }
 
 TEST(TimerText, ShowsAndReadsTimes) {
