@@ -87,11 +87,6 @@ TEST(ReadWholeFile, TakesNothingOverTheLimit) {
   EXPECT_EQ(ReadWholeFile(folder.Path() / "none", 100).error().what, "it does not exist");
 }
 
-TEST(FileError, TextNamesThePlaceWhenItIsKnown) {
-  EXPECT_EQ((FileError{"a.ini", "line 3", "a number was expected"}.Text()), "a.ini, line 3: a number was expected");
-  EXPECT_EQ((FileError{"a.ini", "", "it does not exist"}.Text()), "a.ini: it does not exist");
-}
-
 TEST(ProgramPaths, NamesStayBelowTheirFolder) {
   const ProgramPaths paths(fs::path("home"));
   const fs::path session = fs::path("home") / "Sessions" / PathFromUtf8("M\u00FChle");

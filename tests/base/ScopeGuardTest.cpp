@@ -5,26 +5,6 @@
 namespace kv {
 namespace {
 
-TEST(ScopeGuard, RunsExactlyOnceOnEveryWayOut) {
-  int runs = 0;
-  const auto count = [&runs] { ++runs; };
-  const auto leaveEarly = [&](bool early) {
-    const ScopeGuard guard(count);
-    if (early) return;
-    runs += 10;
-  };
-  leaveEarly(true);
-  EXPECT_EQ(runs, 1);
-  leaveEarly(false);
-  EXPECT_EQ(runs, 12);
-  try {
-    const ScopeGuard guard(count);
-    throw 1;
-  } catch (int) {
-  }
-  EXPECT_EQ(runs, 13);
-}
-
 TEST(ScopeGuard, RunDismissAndMoveLeaveOneDutyAtMost) {
   int runs = 0;
   const auto make = [&runs] { return ScopeGuard([&runs] { ++runs; }); };
