@@ -109,25 +109,6 @@ TEST(ConsolePrompts, AFileThatIsThereIsReplacedWithConsentOnly) {
   EXPECT_EQ(Console({}, Lines{file, "y"}).prompts.SaveFile({}), file);
 }
 
-TEST(ScriptedPrompts, AnswersInOrderAndRecordsExactly) {
-  std::vector<std::string> failures;
-  ScriptedPrompts prompts([&](const std::string& what) { failures.push_back(what); });
-  prompts.Press(PromptAnswer::Yes);
-  prompts.Enter("text");
-  prompts.Choose("path");
-  prompts.Choose(std::nullopt);
-  const MessageBox box{.text = "Sure?", .icon = PromptIcon::Question, .buttons = PromptButtons::YesNo};
-  EXPECT_EQ(prompts.Show(box), PromptAnswer::Yes);
-  EXPECT_EQ(prompts.Ask({.text = "Name"}), "text");
-  EXPECT_EQ(prompts.OpenFile({.title = "Open"}), "path");
-  EXPECT_EQ(prompts.SaveFile({.title = "Save"}), std::nullopt);
-  EXPECT_EQ(prompts.Boxes(), std::vector{box});
-  EXPECT_EQ(prompts.Inputs(), std::vector{InputBox{.text = "Name"}});
-  EXPECT_EQ(prompts.OpenDialogs(), std::vector{FileDialog{.title = "Open"}});
-  EXPECT_EQ(prompts.SaveDialogs(), std::vector{FileDialog{.title = "Save"}});
-  EXPECT_EQ(failures, std::vector<std::string>{});
-}
-
 TEST(ScriptedPrompts, SurprisesAreNamed) {
   std::vector<std::string> failures;
   {
