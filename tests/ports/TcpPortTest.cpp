@@ -112,10 +112,5 @@ TEST_F(TcpPortTest, GivesUpAtTheLimitAndWhenItIsStopped) {
   EXPECT_THAT(stopped.error().happened, HasSubstr("was stopped"));
 }
 
-TEST(EndpointTextTest, PutsBracketsAroundAnAddressWithColons) {
-  EXPECT_EQ(EndpointText("::1", 20300), "[::1]:20300");
-  EXPECT_EQ(EndpointText("plc.local", 1), "plc.local:1");
-}
-
 }  // namespace
 }  // namespace kv
