@@ -29,14 +29,6 @@ TEST_F(CallerExeTest, LivesItsLifeInOrder) {
   EXPECT_EQ(callerState->BitsHandler, nullptr);
 }
 
-TEST_F(CallerExeTest, SaysThatTheDefaultSessionIsMissingAndGoesOn) {
-  std::filesystem::remove_all(Session("Default"));
-  prompts.Press(PromptAnswer::Ok);
-  clsCallerExe(parts).StartUp();
-  EXPECT_THAT(Taken(),
-              testing::IsSupersetOf({"Box (!) Telepanel: Default Session not found", "Model K220-22-R1", "Run"}));
-}
-
 TEST_F(CallerExeTest, ClearsTheMarkOfTheSessionThatItEndsIn) {
   constexpr auto kWrite = std::filesystem::perms::owner_write;
   std::filesystem::create_directory(Session("Plant"));
@@ -70,17 +62,6 @@ TEST_F(CallerExeTest, AfterExitNothingIsOpenedAnyMore) {
               }),
               ElementsAre("Driver CloseDriver", "Quit", "Socket Close", "Socket Accept 1"));
   EXPECT_THAT(Taken(), ElementsAre("host released", "Driver not active", "Driver gone"));
-}
-
-TEST_F(CallerExeTest, PassesMessagesAndSettingsOn) {
-  Put("KvTele2.ini", "[KvTele2]\r\nCaption= Plant \r\nEmpty=\r\n");
-  EXPECT_THAT(CallsOf([&](clsCallerExe& caller) {
-                shared.ComDriver->OnComMessage("no reply from COM3");
-                EXPECT_EQ(caller.ReadFromRemoteIni("Caption", "0"), "Plant");
-                EXPECT_EQ(caller.ReadFromRemoteIni("Empty", "0"), "");
-                EXPECT_EQ(caller.ReadFromRemoteIni("Missing", "0"), "0");
-              }),
-              ElementsAre("StatusMessage no reply from COM3"));
 }
 
 TEST_F(CallerExeTest, TheSocketTakesOneConnectionAndListensAgain) {

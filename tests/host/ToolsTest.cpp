@@ -61,14 +61,6 @@ TEST_F(ToolsTest, TheBracketGivesBackWhatTheHostWasOnEveryPath) {
             Shown("frmDataTypesView"));
 }
 
-TEST_F(ToolsTest, AChangedSessionIsToldToHostAndDriver) {
-  onShow = [this] { callerState->CurrentSession = "Plant"; };
-  EXPECT_EQ(CallsOf("ID_Session"),
-            Shown("frmSession", "",
-                  {"SessionName Plant", "RecentCaches 0", "Driver ConfigureForSession HOME/Sessions/Plant",
-                   "ComDescription COM3, 115200 8N1, unit 1", "SessionPath HOME/Sessions/Plant", "Refresh"}));
-}
-
 TEST_F(ToolsTest, AModelOfAnotherFamilyDeletesTheGrids) {
   struct Row {
     const char* from;
