@@ -118,11 +118,5 @@ TEST_F(SessionsTest, DeletingSparesDefaultAndWhatIsInUse) {
   EXPECT_THAT(Taken(), ElementsAre("Box (!) Remove Session: 'Default' Session cannot be deleted."));
 }
 
-TEST_F(SessionsTest, CaptionsNameTheSessions) {
-  EXPECT_EQ(sessions.SaveCaption(), "Save 'Default' As...");
-  EXPECT_EQ(sessions.ActiveCaption(), "Active Session: Default");
-  EXPECT_EQ(SessionManager::ActivateCaption("Plant 2"), "Activate 'Plant 2 ' And Exit");
-}
-
 }  // namespace
 }  // namespace kv
