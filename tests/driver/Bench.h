@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "FakeController.h"
 #include "KvCmDrv1/ChannelImpl.h"
+#include "KvCmDrv1/ports/SimulatedPort.h"
+#include "tests/matrix/MatrixBench.h"
 
 namespace kv {
 
@@ -17,31 +20,72 @@ inline LinkSettings SerialSettings() {
   return settings;
 }
 
-// A channel on a fake controller, met and in step.
+// A simulated controller that counts what it does, at the end of a cable that can be pulled.
+struct Plant {
+  explicit Plant(const std::string& model, const std::string& password = {}) {
+    sim::SimulatorOptions options;
+    options.model = model;
+    options.password = password;
+    options.baud = 115200;
+    auto counting = std::make_unique<matrix::CountingController>(sim::Controller::Create(options).value());
+    controller = counting.get();
+    simulated = sim::SimulatedController::CreateAround(std::move(counting), options).value();
+  }
+  void UseFaults(const std::vector<std::string>& rules) const { EXPECT_TRUE(simulated->UseFaults(rules)); }
+
+  matrix::CountingController* controller = nullptr;
+  std::unique_ptr<sim::SimulatedController> simulated;
+  bool isReachable = true;
+  bool isCut = false;
+  int connections = 0;
+};
+
+class PlantPort final : public Port {
+ public:
+  PlantPort(Plant& plant, Pacer& pacer) : mPlant(plant), mLine(plant.simulated->NewLine(), "", pacer) {}
+
+  std::expected<void, PortError> Open(Duration limit) override {
+    if (!mPlant.isReachable) return std::unexpected(PortError{"nobody is there", "the test", "none"});
+    mPlant.isCut = false;
+    ++mPlant.connections;
+    return mLine.Open(limit);
+  }
+  void Close() override { mLine.Close(); }
+  bool IsOpen() const override { return mLine.IsOpen(); }
+  Result Write(std::string_view& bytes, Duration slice) override {
+    return mPlant.isCut ? Result::Lost : mLine.Write(bytes, slice);
+  }
+  Result Read(std::string& buffer, Duration slice) override {
+    return mPlant.isCut ? Result::Lost : mLine.Read(buffer, slice);
+  }
+  const PortError& LossReason() const override { return mLoss; }
+  Duration ByteTime() const override { return Duration(87); }  // 115200 baud
+  bool SetBaudRate(int) override { return true; }
+  std::string Description() const override { return "the cable"; }
+
+ private:
+  Plant& mPlant;
+  SimulatedPort mLine;
+  PortError mLoss{"it was cut", "the test", "none"};
+};
+
+// A channel to such a controller, met and in step.
 struct Bench {
   VirtualPacer pacer;
-  FakeController controller{pacer};
+  Plant plant;
   std::vector<std::string> messages;
+  std::shared_ptr<Trace> trace = std::make_shared<Trace>();
   ChannelImpl channel;
 
-  explicit Bench(const std::string& model = "K220-22-R1", const LinkSettings& settings = SerialSettings())
-      : channel(
-            pacer, std::make_shared<Trace>(), settings,
-            [this](const LinkSettings&) { return std::make_unique<FakePort>(controller, pacer); },
+  explicit Bench(const std::string& model = "K220", const LinkSettings& settings = SerialSettings(),
+                 const std::string& password = {})
+      : plant(model, password),
+        channel(
+            pacer, trace, settings, [this](const LinkSettings&) { return std::make_unique<PlantPort>(plant, pacer); },
             [this](const std::string& message) { messages.push_back(message); }) {
-    controller.model = model;
-    controller.listPayload = [] { return std::string("\x07\0", 2); };
     EXPECT_TRUE(channel.Open());
     EXPECT_TRUE(channel.ReadMI(0, 1, 1));  // the unit is met, and the link's time is known
   }
-
-  // The next `times` requests that begin with `start` meet the fault.
-  void Arm(const std::string& start, Fault fault, int times = 1) {
-    controller.faultOf = [start, fault, times](const std::string& text) mutable {
-      return text.starts_with(start) && times > 0 && times-- > 0 ? fault : Fault::None;
-    };
-  }
-
   [[nodiscard]] const LinkError& Error() const { return channel.LastError(); }
 };
 

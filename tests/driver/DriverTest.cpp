@@ -2,29 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
+#include <algorithm>
 
 #include "Bench.h"
 #include "KvCmDrv1/LinkText.h"
 #include "KvCmDrv1/RoundTrip.h"
 #include "KvCmDrv1/SettingsFile.h"
+#include "tests/base/TemporaryFolder.h"
 
 namespace kv {
 namespace {
 
 using namespace std::chrono_literals;
-namespace fs = std::filesystem;
-
-// A folder that goes with the test.
-struct Folder {
-  fs::path path =
-      fs::temp_directory_path() / ("kv_driver_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-                                   "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
-  Folder() { fs::create_directories(path); }
-  ~Folder() { fs::remove_all(path); }
-  void Write(const std::string& text) const { std::ofstream(path / "KvCmDrv1.ini", std::ios::binary) << text; }
-};
 
 TEST(LinkText, ParsesAndPrintsEveryKind) {
   const struct {
@@ -62,7 +51,7 @@ TEST(LinkText, SaysWhatItExpected) {
 }
 
 TEST(SettingsFile, KeepsEverything) {
-  const Folder folder;
+  const TemporaryFolder folder;
   LinkSettings settings;
   settings.transport = Transport::Modem;
   settings.model = "K450-45";
@@ -76,25 +65,25 @@ TEST(SettingsFile, KeepsEverything) {
   settings.timeOut = 250ms;
   settings.tries = 7;
   settings.reconnects = false;
-  ASSERT_TRUE(SaveSettings(folder.path, settings));
-  const LoadedSettings loaded = LoadSettings(folder.path, {});
+  ASSERT_TRUE(SaveSettings(folder.Path(), settings));
+  const LoadedSettings loaded = LoadSettings(folder.Path(), {});
   EXPECT_EQ(loaded.settings, settings);
   EXPECT_TRUE(loaded.complaints.empty());
 }
 
 TEST(SettingsFile, BadValueIsNamedAndReplaced) {
-  const Folder folder;
-  folder.Write(
-      "[KvCmDrv1]\r\nTransport=pigeon\r\nTcpPort=0\r\nBaudRate=99\r\nFraming=9X1\r\nUnitID=256\r\nTimeOut=49\r\n"
-      "Tries=many\r\nReconnect=2\r\nHost=" +
-      std::string(201, 'h') + "\r\nSerialPort=COM7\r\nModemDialTimeOut=\r\n");
-  const LoadedSettings loaded = LoadSettings(folder.path, {});
+  const TemporaryFolder folder;
+  folder.Put("KvCmDrv1.ini",
+             "[KvCmDrv1]\r\nTransport=pigeon\r\nTcpPort=0\r\nBaudRate=99\r\nFraming=9X1\r\nUnitID=256\r\nTimeOut=49\r\n"
+             "Tries=many\r\nReconnect=2\r\nHost=" +
+                 std::string(201, 'h') + "\r\nSerialPort=COM7\r\nModemDialTimeOut=\r\n");
+  const LoadedSettings loaded = LoadSettings(folder.Path(), {});
   LinkSettings expected;
   expected.serialPort = "COM7";
   EXPECT_EQ(loaded.settings, expected);
   ASSERT_EQ(loaded.complaints.size(), 10U);
   EXPECT_EQ(loaded.complaints[0], "KvCmDrv1.ini, Transport: expected sim, tcp, serial, modem or listen; using sim");
-  EXPECT_EQ(LoadSettings(folder.path / "none", expected).settings, expected);
+  EXPECT_EQ(LoadSettings(folder.Path() / "none", expected).settings, expected);
 }
 
 TEST(RoundTrip, FollowsTheLinkBetweenFloorAndCeiling) {
@@ -114,12 +103,10 @@ TEST(RoundTrip, FollowsTheLinkBetweenFloorAndCeiling) {
 // A driver whose every port leads to one fake controller.
 struct DriverBench {
   VirtualPacer pacer;
-  FakeController controller{pacer};
+  Plant plant{"K220", "Secret"};
   std::vector<std::string> messages;
-  int portsMade = 0;
   Driver driver{pacer, {}, [this](const LinkSettings&, Pacer&, ListeningSocket*) {
-                  ++portsMade;
-                  return std::make_unique<FakePort>(controller, pacer);
+                  return std::make_unique<PlantPort>(plant, pacer);
                 }};
 
   DriverBench() {
@@ -128,10 +115,10 @@ struct DriverBench {
 };
 
 TEST(Driver, OpensWithTheSessionsSettingsAndKeepsTheLinkWhileTheyDescribeIt) {
-  const Folder folder;
-  folder.Write("[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.20\r\nTries=0\r\n");
+  const TemporaryFolder folder;
+  folder.Put("KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.20\r\nTries=0\r\n");
   DriverBench bench;
-  const SessionLink session{.folder = folder.path.string()};
+  const SessionLink session{.folder = folder.Path().string()};
   bench.driver.ConfigureForSession(session);
   EXPECT_EQ(bench.messages, std::vector<std::string>{"KvCmDrv1.ini, Tries: expected a number from 1 to 10; using 3"});
   const auto channel = bench.driver.GetChannel();
@@ -140,7 +127,7 @@ TEST(Driver, OpensWithTheSessionsSettingsAndKeepsTheLinkWhileTheyDescribeIt) {
   EXPECT_EQ(bench.driver.LinkDescription(), "192.168.1.20:20300, unit 1");
   bench.driver.ConfigureForSession(session);
   EXPECT_EQ(bench.driver.GetChannel(), channel);
-  folder.Write("[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.21\r\n");
+  folder.Put("KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.21\r\n");
   bench.driver.ConfigureForSession(session);
   EXPECT_NE(bench.driver.GetChannel(), channel);
   EXPECT_FALSE(channel->GetVersionInfo(1)) << "a channel of the link before";
@@ -155,11 +142,11 @@ TEST(Driver, SaysWhyItCannotOpen) {
   EXPECT_EQ(bench.driver.LastError().happened, "there is no simulated controller \"K220-22-R1\"");
   LinkSettings settings = SerialSettings();
   bench.driver.UseSettings(settings, false);
-  bench.controller.isReachable = false;
+  bench.plant.isReachable = false;
   EXPECT_FALSE(bench.driver.GetChannel());
   EXPECT_EQ(bench.driver.LastError().Text().substr(0, 65),
             "Opening the link on COM3, 115200 8N1 failed: nobody is there.\nLik");
-  bench.controller.isReachable = true;
+  bench.plant.isReachable = true;
   EXPECT_TRUE(bench.driver.GetChannel());
   bench.driver.SetDriverActive(false);
   EXPECT_FALSE(bench.driver.GetChannel());
@@ -178,12 +165,12 @@ struct ScriptedDialogs final : DriverDialogs {
 };
 
 TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
-  const Folder folder;
+  const TemporaryFolder folder;
   DriverBench bench;
   ScriptedDialogs dialogs;
   bench.driver.ShowComParams();  // without windows: nothing
   bench.driver.SetDialogs(&dialogs);
-  bench.driver.ConfigureForSession({.folder = folder.path.string()});
+  bench.driver.ConfigureForSession({.folder = folder.Path().string()});
   bench.driver.UseSettings(SerialSettings(), true);
   const auto channel = bench.driver.GetChannel();
   ASSERT_TRUE(channel);
@@ -193,7 +180,7 @@ TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
   channel->SetLinkBusy(false);
   bench.driver.ShowComParams();
   EXPECT_EQ(bench.driver.LinkDescription(), "COM3, 9600 8N1, unit 1");
-  EXPECT_EQ(LoadSettings(folder.path, {}).settings.baudRate, 9600);
+  EXPECT_EQ(LoadSettings(folder.Path(), {}).settings.baudRate, 9600);
 }
 
 TEST(Driver, ATrialFindsWhoAnswersAndLeavesTheLinkAsItWas) {
@@ -209,17 +196,17 @@ TEST(Driver, ATrialFindsWhoAnswersAndLeavesTheLinkAsItWas) {
 
   const auto channel = bench.driver.GetChannel();
   ASSERT_TRUE(channel);
-  const int connections = bench.controller.connections;
+  const int connections = bench.plant.connections;
   EXPECT_TRUE(bench.driver.TryLink(SerialSettings()));  // over the open link
-  EXPECT_EQ(bench.controller.connections, connections);
+  EXPECT_EQ(bench.plant.connections, connections);
   EXPECT_TRUE(bench.driver.TryLink(other));
   EXPECT_TRUE(channel->ReadMI(0, 1, 1)) << channel->LastError().Text();
 
-  bench.controller.faultOf = [](const std::string&) { return Fault::NoReply; };
+  bench.plant.UseFaults({"noreply"});
   const auto silent = bench.driver.TryLink(other);
   ASSERT_FALSE(silent);
   EXPECT_EQ(silent.error().code, LinkErrorCode::NoReply);
-  bench.controller.faultOf = [](const std::string&) { return Fault::None; };
+  bench.plant.UseFaults({});
 
   bench.pacer.RequestStop();
   const auto stopped = bench.driver.TryLink(other);
@@ -232,8 +219,8 @@ TEST(Driver, ATrialFindsWhoAnswersAndLeavesTheLinkAsItWas) {
 TEST(Trace, KeepsTheLastFramesWithTheirMeaningAndNoPassword) {
   DriverBench bench;
   bench.driver.UseSettings(SerialSettings(), false);
-  const Folder folder;
-  ASSERT_TRUE(bench.driver.GetTrace().WriteTo((folder.path / "trace.txt").string()));
+  const TemporaryFolder folder;
+  ASSERT_TRUE(bench.driver.GetTrace().WriteTo((folder.Path() / "trace.txt").string()));
   const auto channel = bench.driver.GetChannel();
   ASSERT_TRUE(channel);
   channel->SetCommandOwner("test");
@@ -247,8 +234,7 @@ TEST(Trace, KeepsTheLastFramesWithTheirMeaningAndNoPassword) {
   }
   EXPECT_EQ(text.find("topsecrt"), std::string::npos);
   EXPECT_EQ(text.find("746F70"), std::string::npos);
-  std::ifstream file(folder.path / "trace.txt");
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), text);
+  EXPECT_EQ(TemporaryFolder::Content(folder.Path() / "trace.txt"), text);
   for (int i = 0; i < 600; ++i) EXPECT_TRUE(channel->ReadMI(0, 1, 1));
   const std::string later = bench.driver.GetTrace().Text();
   EXPECT_EQ(std::ranges::count(later, '\n'), 1000);
