@@ -57,13 +57,6 @@ TEST(Write, OfWhatCannotBeReadBackSaysSo) {
   EXPECT_EQ(bench.On("Q50", {"read", "DBI", "0"}).out, "0\t7\n");
 }
 
-TEST(Trouble, ThatPassesIsNoTrouble) {
-  CommandBench bench;
-  bench.options.faults = {"damage:chars=2,every=3", "noreply:every=7", "double:every=5"};
-  const Result result = bench.On("Q50", LongWrite());
-  EXPECT_EQ(result.exit, 0) << result.err;
-}
-
 TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
   const std::vector<std::string> write{"write", "MI", "7", "5"};
   CommandBench bench;
