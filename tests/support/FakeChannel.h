@@ -13,7 +13,7 @@ namespace kv::test {
 // put an answer for it below. A test that needs more derives from it and overrides the calls that it is about.
 class FakeChannel : public Channel {
  public:
-  std::vector<std::string> calls;  // "ReadMB 0 10 @1": name, arguments, unit; "WriteMI 5 @1: 7 -8": start, unit, values
+  std::vector<std::string> calls;  // "ReadMB 0 10 @1": name, start and count, unit
   LinkError error{.code = LinkErrorCode::NoReply, .doing = "asking", .happened = "no reply", .cause = "", .cure = ""};
 
   std::uint8_t unit = 1;
@@ -137,14 +137,7 @@ class FakeChannel : public Channel {
   }
   template <typename Value>
   bool Write(std::string_view name, Int16 start, std::span<const Value> values, Unit u) {
-    std::string call = std::string(name) + " " + std::to_string(start) + At(u) + ":";
-    for (const Value& value : values) call += " " + NumberText(value);
-    return Note(std::move(call));
-  }
-  static std::string NumberText(FixedPoint value) { return std::to_string(value.Whole()); }
-  template <typename Integer>
-  static std::string NumberText(Integer value) {
-    return std::to_string(value);
+    return Note(std::string(name) + " " + std::to_string(start) + " " + std::to_string(values.size()) + At(u));
   }
 
   LinkError mLastError;
