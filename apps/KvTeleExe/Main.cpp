@@ -8,7 +8,6 @@
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setApplicationName("KvTeleExe");
-  QApplication::setApplicationDisplayName("Telepanel");
   QApplication::setApplicationVersion(KV_VERSION);
   QApplication::setQuitOnLastWindowClosed(false);  // the program ends when its host does
 

@@ -107,8 +107,9 @@ std::expected<void, std::string> SessionManager::CopyCurrent(const std::string& 
   if (!fs::is_directory(source, error)) {
     return std::unexpected("The folder of the current session, " + Utf8FromPath(source) + ", is not there any more.");
   }
-  fs::create_directory(target, error);
+  const bool isMade = fs::create_directory(target, error);
   if (error) return std::unexpected(Failure("The folder " + Utf8FromPath(target) + " could not be made", error));
+  if (!isMade) return std::unexpected("A session named \"" + name + "\" has just been made by another program.");
   ScopeGuard removeHalfMade([&] {
     std::error_code ignored;
     fs::remove_all(target, ignored);

@@ -28,11 +28,13 @@ LogView::LogView(QWidget* parent) : QTableView(parent) {
 }
 
 void LogView::Follow(const Journal& journal) {
+  updateGeometries();  // row heights that were set last count for the bar only from now on
   const QScrollBar* bar = verticalScrollBar();
   const bool isAtEnd = bar->value() == bar->maximum();  // a user who reads further up is left there
   const int before = mModel.rowCount();
   if (!mModel.Follow(journal)) return;
   for (int row = std::min(before, mModel.rowCount() - 1); row < mModel.rowCount(); ++row) FitRow(row);
+  updateGeometries();
   if (isAtEnd) scrollToBottom();
 }
 

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QFrame>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPaintEvent>
 #include <QPainter>
@@ -66,6 +67,12 @@ class BusyOverlay final : public QWidget {
 
   bool focusNextPrevChild(bool) override { return true; }  // the Tab key stays here
 
+  void keyPressEvent(
+      QKeyEvent* event) override {  // Enter is for the button that has the focus, never for the window below
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) mCancel->click();
+    event->accept();
+  }
+
  private:
   QLabel* MakeLabel(const QString& text) {
     mLabel = new QLabel(text);
@@ -87,6 +94,7 @@ class BusyOverlay final : public QWidget {
   QPushButton* MakeCancel() {
     mCancel = new QPushButton("Cancel");
     mCancel->setObjectName("cmdCancelBusy");
+    mCancel->setAutoDefault(false);  // a dialog's own default button would not get its place back
     mCancel->setToolTip("Ends what is under way (Esc)");
     QObject::connect(mCancel, &QPushButton::clicked, this, [this] {
       if (onCancel) onCancel();
