@@ -36,7 +36,9 @@ std::string FileNameOf(std::string project) {
 TelepanelHost::TelepanelHost(HostView& view, HostServices services) : mView(view), mServices(std::move(services)) {}
 
 void TelepanelHost::Click(std::string_view id, const std::string& argument) {
-  if (!mState.isEnabled || mIsInTool || mIsAsking || !WhyDisabled(id).empty()) return;
+  if (!mState.isEnabled || mIsInTool || mIsAsking || !WhyDisabled(id).empty()) {
+    return Show();  // a control may show what was not done
+  }
   if (id == command::kOnLine) {
     Connect(argument);
   } else if (id == command::kComParams) {
