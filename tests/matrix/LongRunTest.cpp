@@ -26,10 +26,19 @@ std::int64_t FromEnvironment(const char* name, std::int64_t otherwise) {
   return text != nullptr ? ParseInteger(text).value_or(otherwise) : otherwise;
 }
 
-// Bytes of memory that this process holds; 0 where the system does not tell.
+#ifdef __has_feature
+constexpr bool kKeepsFreedMemory = __has_feature(address_sanitizer);
+#elif defined(__SANITIZE_ADDRESS__)
+constexpr bool kKeepsFreedMemory = true;
+#else
+constexpr bool kKeepsFreedMemory = false;
+#endif
+
+// Bytes of memory that this process holds; 0 where the system does not tell, or tells what has been freed too.
 std::int64_t MemoryHeld() {
   std::int64_t total = 0;
   std::int64_t resident = 0;
+  if (kKeepsFreedMemory) return 0;
   std::ifstream("/proc/self/statm") >> total >> resident;
   return resident * 4096;
 }
