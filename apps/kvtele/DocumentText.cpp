@@ -5,8 +5,8 @@ namespace kv::cli {
 namespace {
 
 std::string Shown(const nlohmann::ordered_json& value) {
-  if (value.is_null() || value == "") return std::string(1, '-');
-  return value.is_string() ? value.get<std::string>() : value.dump();
+  const std::string text = value.is_null() ? "" : value.is_string() ? value.get<std::string>() : value.dump();
+  return text.empty() ? "-" : text;
 }
 
 }  // namespace
