@@ -19,26 +19,27 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::int64_t kUsualExchanges = 200'000;
-
 std::int64_t FromEnvironment(const char* name, std::int64_t otherwise) {
   const char* text = std::getenv(name);
   return text != nullptr ? ParseInteger(text).value_or(otherwise) : otherwise;
 }
 
+// A sanitizer keeps freed memory for a while, and takes its time.
 #ifdef __has_feature
-constexpr bool kKeepsFreedMemory = __has_feature(address_sanitizer);
+constexpr bool kIsSanitized = __has_feature(address_sanitizer);
 #elif defined(__SANITIZE_ADDRESS__)
-constexpr bool kKeepsFreedMemory = true;
+constexpr bool kIsSanitized = true;
 #else
-constexpr bool kKeepsFreedMemory = false;
+constexpr bool kIsSanitized = false;
 #endif
+
+constexpr std::int64_t kUsualExchanges = kIsSanitized ? 50'000 : 200'000;
 
 // Bytes of memory that this process holds; 0 where the system does not tell, or tells what has been freed too.
 std::int64_t MemoryHeld() {
   std::int64_t total = 0;
   std::int64_t resident = 0;
-  if (kKeepsFreedMemory) return 0;
+  if (kIsSanitized) return 0;
   std::ifstream("/proc/self/statm") >> total >> resident;
   return resident * 4096;
 }
