@@ -39,8 +39,9 @@ std::optional<LinkError> Exchange::Refuse() const {
 
 LinkError Exchange::Explain(Outcome outcome) const {
   using enum LinkErrorCode;
-  const std::string effort = std::to_string(mSettings.tries) + (mSettings.tries == 1 ? " try" : " tries") + " (" +
-                             Seconds(mPacer.Now() - mStart) + ")";
+  const int tries = mTriesUsed > 0 ? mTriesUsed : mSettings.tries;  // none of its own: meeting the unit took them all
+  const std::string effort =
+      std::to_string(tries) + (tries == 1 ? " try" : " tries") + " (" + Seconds(mPacer.Now() - mStart) + ")";
   switch (outcome) {
     case Outcome::Done:
       return {};
