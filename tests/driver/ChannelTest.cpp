@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-
 #include "Bench.h"
 
 namespace kv {
