@@ -1,0 +1,75 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Time.h"
+#include "dataview/OperandTypes.h"
+
+namespace kv::mdlDataTypesView {
+
+// How the text of one operand came into the grid.
+enum class CellOrigin : std::uint8_t {
+  None,    // nothing is known of the operand; its text is empty
+  Read,    // as the controller told it last
+  Edited,  // typed, pasted or imported, and not written since
+};
+
+// The raw value texts of all operands that a model has: 22 types by up to 8192 addresses. It is what the operand grid
+// shows, what regions are read into and written from. A row takes memory when its first text is set.
+//
+// An address outside a type's count is no cell: it reads as empty and cannot be set.
+class OperandStore {
+ public:
+  explicit OperandStore(std::string_view model);
+
+  [[nodiscard]] const std::string& Model() const { return mModel; }
+  // Cells of the type, from address 0 on; 0 when the model has none.
+  [[nodiscard]] std::int32_t CountOf(OperandTypeCode type) const;
+  // The most that any type has: the width of the grid.
+  [[nodiscard]] std::int32_t WidestCount() const;
+  [[nodiscard]] bool IsCell(OperandTypeCode type, std::int32_t address) const;
+
+  [[nodiscard]] const std::string& Text(OperandTypeCode type, std::int32_t address) const;
+  [[nodiscard]] CellOrigin Origin(OperandTypeCode type, std::int32_t address) const;
+  // When a read last brought another text than the cell had; Instant::min() when none has.
+  [[nodiscard]] Instant ChangedAt(OperandTypeCode type, std::int32_t address) const;
+
+  // The texts of a region, one an operand; empty where nothing is known, and past the type's count.
+  [[nodiscard]] std::vector<std::string> Texts(const Region& region) const;
+
+  // Sets what the user entered. Empty takes the cell back to None. False when there is no such cell.
+  bool Edit(OperandTypeCode type, std::int32_t address, std::string_view text);
+  // Sets what the controller told at `now`, one text an operand from `region.from` on. Edited cells are replaced too:
+  // a read shows the controller. Returns the cells whose text or origin changed (from > to: none).
+  Region SetRead(const Region& region, std::span<const std::string> texts, Instant now);
+  // The cells of the region now stand in the controller as they are here.
+  void SetWritten(const Region& region);
+  void Clear();
+
+  // Edited cells, of all types.
+  [[nodiscard]] std::size_t EditedCount() const { return mEditedCount; }
+
+ private:
+  struct Cell {
+    std::string text;
+    Instant changedAt = Instant::min();
+    CellOrigin origin = CellOrigin::None;
+  };
+
+  [[nodiscard]] const Cell* Find(OperandTypeCode type, std::int32_t address) const;
+  [[nodiscard]] Cell* Touch(OperandTypeCode type, std::int32_t address);
+  void Mark(Cell& cell, CellOrigin origin);
+
+  std::string mModel;
+  std::array<std::int32_t, kOperandTypeCount> mCounts{};
+  std::array<std::vector<Cell>, kOperandTypeCount> mRows;
+  std::size_t mEditedCount = 0;
+};
+
+}  // namespace kv::mdlDataTypesView
