@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "base/AtomicFile.h"
+#include "link/LinkError.h"
+
+namespace kv {
+
+enum class CloneEnd { Done, Stopped, Failed };
+
+// What kind of thing was in the way.
+enum class CloneCause {
+  None,
+  Stop,      // the user
+  NotFit,    // the controller cannot be cloned: its O/S, or memory of a shape that a clone file cannot hold
+  Password,  // none was given, it was too long, or the controller does not take it
+  File,      // the clone file cannot be read, written or understood
+  Link,      // an exchange with the controller failed; `link` says how
+  Reply,     // the controller did not answer a line of a restore with OK
+};
+
+// How an operation ended. `reason` is for the log, beside the boxes that the user sees: what happened, the likely cause
+// and what to do, a sentence a line, UTF-8. Empty when it is done.
+struct CloneOutcome {
+  CloneEnd end = CloneEnd::Done;
+  CloneCause cause = CloneCause::None;
+  std::string reason = {};
+  LinkError link = {};  // of the exchange that failed; code None for other causes
+
+  [[nodiscard]] static CloneOutcome Failed(CloneCause cause, std::string reason) {
+    return {CloneEnd::Failed, cause, std::move(reason), {}};
+  }
+  [[nodiscard]] static CloneOutcome OfFile(const FileError& error) { return Failed(CloneCause::File, error.Text()); }
+  // An exchange that failed because it was stopped is a stop.
+  [[nodiscard]] static CloneOutcome OfLink(const LinkError& error);
+  [[nodiscard]] static CloneOutcome OfStop();
+};
+
+// How long work without callbacks of its own is watched and ended: both may be empty. Amounts are bytes.
+struct CloneWork {
+  std::function<bool()> isStopped;
+  std::function<void(std::string_view stage, std::uint64_t done, std::uint64_t total)> onProgress;
+
+  [[nodiscard]] bool IsStopped() const { return isStopped && isStopped(); }
+  void Report(std::string_view stage, std::uint64_t done, std::uint64_t total) const {
+    if (onProgress) onProgress(stage, done, total);
+  }
+};
+
+}  // namespace kv

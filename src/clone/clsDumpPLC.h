@@ -1,0 +1,82 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+#include <vector>
+
+#include "clone/AppendFile.h"
+#include "clone/CloneOutcome.h"
+#include "clone/CloneSegment.h"
+#include "clone/DumpWindow.h"
+#include "desktop/Pacer.h"
+#include "desktop/Prompts.h"
+#include "desktop/WallClock.h"
+#include "link/Channel.h"
+
+namespace kv {
+
+// Title of every box of the cloner, and caption of its window.
+inline constexpr std::string_view kClonerCaption = "Korvantis PLC Cloner";
+
+// Copies the memory of a controller into a clone file, and a clone file into a controller.
+//
+//   idle -> creating  -> done
+//        -> restoring -> done
+//
+// One instance serves one operation. Both operations tell the user themselves how they ended, in boxes of settled
+// text; Outcome() holds what the boxes do not say. What file and controller are left as when the work is cut at each
+// step: docs/cloning.md.
+class clsDumpPLC {
+ public:
+  clsDumpPLC(DumpWindow& window, Prompts& prompts, Pacer& pacer, const WallClock& clock)
+      : mWindow(window), mPrompts(prompts), mPacer(pacer), mClock(clock) {}
+  clsDumpPLC(const clsDumpPLC&) = delete;
+  clsDumpPLC& operator=(const clsDumpPLC&) = delete;
+
+  // Reads the connected controller into `file`. A file of that name is deleted first, whatever comes then.
+  void CreateGhost(Channel& link, const std::filesystem::path& file);
+
+  // Sends the command lines of `file` on the port and waits for the reply to each. `link`, the channel over the port,
+  // is only asked for its last error, for the reason of a failure; it may be null.
+  void RestoreGhost(SerialPortObject& port, const std::filesystem::path& file, const Channel* link = nullptr);
+
+  // Asks the running operation to end; it notices after the block, the segment or the line that it is busy with, as it
+  // does a stop that was asked of the pacer. Never taken back.
+  void StopDump() { mIsStopped = true; }
+
+  // How the operation ended; Done before there was one.
+  [[nodiscard]] const CloneOutcome& Outcome() const { return mOutcome; }
+
+ private:
+  using Step = std::expected<void, CloneOutcome>;
+  using Segments = std::vector<CloneSegment>;
+
+  [[nodiscard]] Step Create(Channel& link, const std::filesystem::path& file);
+  [[nodiscard]] std::expected<VersionInfo, CloneOutcome> SupportsCloning(Channel& link);
+  [[nodiscard]] std::expected<Segments, CloneOutcome> ReadSegmentTable(Channel& link);
+  [[nodiscard]] std::expected<bool, CloneOutcome> IsRunning(Channel& link);
+  [[nodiscard]] Step StopProgram(Channel& link);
+  [[nodiscard]] Step WriteHead(const VersionInfo& version, const Segments& segments, const SegmentBoxes& boxes);
+  [[nodiscard]] Step DumpSegments(Channel& link, const Segments& segments, const SegmentBoxes& boxes);
+  [[nodiscard]] Step DumpSegment(Channel& link, const CloneSegment& segment);
+  [[nodiscard]] Step DumpBlock(Channel& link, const CloneSegment& segment, std::uint32_t offset, std::uint32_t count);
+  [[nodiscard]] Step LeaveRunning(Channel& link);
+  [[nodiscard]] Step WriteLine(std::string_view line);
+
+  [[nodiscard]] Step Restore(SerialPortObject& port, const std::filesystem::path& file, const Channel* link);
+  [[nodiscard]] Step SendCloneCommand(SerialPortObject& port, std::string_view line, const Channel* link);
+  [[nodiscard]] Step WaitCloneReply(SerialPortObject& port, const Channel* link);
+
+  void Show(std::string_view text, PromptIcon icon);
+  [[nodiscard]] bool IsStopRequested() const { return mIsStopped || mPacer.StopRequested(); }
+
+  DumpWindow& mWindow;
+  Prompts& mPrompts;
+  Pacer& mPacer;
+  const WallClock& mClock;
+  AppendFile mFile;
+  CloneOutcome mOutcome;
+  bool mIsStopped = false;
+};
+
+}  // namespace kv
