@@ -2,7 +2,7 @@
 
 #include <QLabel>
 
-#include "KvTele2/ui/ElidedLabel.h"
+#include "desktop/ui/ElidedLabel.h"
 
 namespace kv {
 

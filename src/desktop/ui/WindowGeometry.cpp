@@ -15,7 +15,8 @@ namespace kv {
 namespace {
 
 constexpr std::size_t kCheckDigits = 8;
-constexpr std::size_t kLongestState = 8192;  // of a table header of a few hundred columns
+constexpr const char* kLeftOut = "kvLeftOutOfPlace";  // a header's property
+constexpr std::size_t kLongestState = 8192;           // of a table header of a few hundred columns
 
 class PlaceKeeper final : public QObject {
  public:
@@ -46,7 +47,8 @@ class PlaceKeeper final : public QObject {
   [[nodiscard]] static std::string KeyOf(const QSplitter& splitter) { return splitter.objectName().toStdString(); }
   [[nodiscard]] static std::string KeyOf(const QHeaderView& header) {
     const QString table = header.parent() ? header.parent()->objectName() : QString();
-    if (table.isEmpty() || header.orientation() != Qt::Horizontal) return "";
+    const bool isLeftOut = header.orientation() != Qt::Horizontal || header.property(kLeftOut).toBool();
+    if (table.isEmpty() || isLeftOut) return "";
     return (table + ".Columns").toStdString();
   }
 
@@ -82,6 +84,10 @@ std::filesystem::path WindowsFile(const ProgramPaths& paths) {
 
 void RememberPlace(QWidget& window, const std::filesystem::path& file) {
   (new PlaceKeeper(window, file))->Restore();
+}
+
+void LeaveOutOfPlace(QHeaderView& header) {
+  header.setProperty(kLeftOut, true);
 }
 
 }  // namespace kv

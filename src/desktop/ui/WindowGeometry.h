@@ -5,6 +5,8 @@
 
 #include "base/ProgramPaths.h"
 
+class QHeaderView;
+
 namespace kv {
 
 // Where windows remember their places: one file for all sessions, since a place belongs to the screen and not to
@@ -16,5 +18,8 @@ namespace kv {
 // missing leave everything as it is; one outside of the screens of today is moved inside. To be called when the window
 // is built and not shown; `file` may be write-protected.
 void RememberPlace(QWidget& window, const std::filesystem::path& file);
+
+// Leaves a table's header out of it: its widths belong to what the table shows, and are kept with that.
+void LeaveOutOfPlace(QHeaderView& header);
 
 }  // namespace kv

@@ -1,4 +1,4 @@
-#include "KvTele2/ui/ElidedLabel.h"
+#include "desktop/ui/ElidedLabel.h"
 
 #include <QFontMetrics>
 #include <QPainter>
