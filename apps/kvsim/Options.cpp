@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/Numbers.h"
+#include "base/Texts.h"
 #include "simulator/ModelTable.h"
 
 namespace kvsim {
@@ -112,11 +113,6 @@ std::size_t Distance(const std::string& left, const std::string& right) {
   return row.back();
 }
 
-std::string ToUpper(std::string text) {
-  for (char& letter : text) letter = letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-  return text;
-}
-
 }  // namespace
 
 std::expected<Options, int> ReadOptions(int argc, const char* const* argv) {
@@ -153,7 +149,7 @@ std::string UnknownModelText(const std::string& name) {
   constexpr std::size_t kNear = 3;
   std::vector<std::pair<std::size_t, std::string_view>> models;
   for (const auto& model : sim::AllModels()) {
-    const auto distance = [&name](std::string_view to) { return Distance(ToUpper(name), ToUpper(std::string(to))); };
+    const auto distance = [&name](std::string_view to) { return Distance(UpperCased(name), UpperCased(to)); };
     models.emplace_back(std::min(distance(model.name), distance(model.reported)), model.name);
   }
   std::sort(models.begin(), models.end());

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "base/Numbers.h"
+#include "base/Texts.h"
 #include "dataview/OperandCatalogue.h"
 #include "link/LinkTexts.h"
 #include "models/ModelCatalogue.h"
@@ -13,13 +14,6 @@ namespace kv::cli {
 using namespace mdlDataTypesView;
 
 namespace {
-
-std::string UpperCase(std::string text) {
-  for (char& c : text) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return text;
-}
 
 std::string LowerCase(std::string text) {
   for (char& c : text) {
@@ -80,7 +74,7 @@ std::optional<std::int32_t> ParseAddress(const std::string& text) {
 }  // namespace
 
 std::expected<OperandTypeCode, Failure> ParseType(const std::string& name) {
-  const auto type = TypeFromName(UpperCase(name));
+  const auto type = TypeFromName(UpperCased(name));
   if (type) return *type;
   return std::unexpected(UsageFailure("there is no operand type \"" + name + "\"",
                                       "use one of " + AllTypeNames() + "; a minus may stand for the blank"));
@@ -109,7 +103,7 @@ std::expected<std::optional<View>, Failure> ParseView(OperandTypeCode type, cons
   for (const SizeCode eachSize : SizesOffered(type)) {
     if (SizeOption(eachSize) != size) continue;
     for (const FormatCode eachFormat : FormatsOffered(eachSize)) {
-      if (FormatName(eachFormat) == UpperCase(format)) return View{eachSize, eachFormat};
+      if (FormatName(eachFormat) == UpperCased(format)) return View{eachSize, eachFormat};
     }
   }
   std::string happened = "size \"" + size + "\" with format \"" + format + "\" is not offered for ";

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "base/Numbers.h"
+#include "base/Texts.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -26,12 +27,6 @@ std::optional<double> ParseDouble(std::string_view text) {
 }
 
 }  // namespace
-
-std::string_view TrimBlanks(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 std::optional<std::int64_t> ParseWholeNumber(std::string_view text) {
   const std::string_view number = WithoutPlus(text);

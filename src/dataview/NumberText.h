@@ -7,8 +7,6 @@
 // Numbers as users and spreadsheets write them into a grid: blanks around them and a leading "+" are fine.
 namespace kv::mdlDataTypesView {
 
-[[nodiscard]] std::string_view TrimBlanks(std::string_view text);
-
 // A number that is whole, however it is written ("12", "12.0", "1.2e1"); nothing for any other text and past 2^53,
 // where a decimal fraction is no longer exact.
 [[nodiscard]] std::optional<std::int64_t> ParseWholeNumber(std::string_view text);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Texts.h"
 #include "dataview/NumberText.h"
 
 namespace kv::mdlDataTypesView {

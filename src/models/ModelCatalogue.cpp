@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Texts.h"
+
 namespace kv {
 namespace {
 
@@ -118,10 +120,6 @@ Text FirstMatch(Text text, std::span<const PrefixRow> rows) {
   return row == rows.end() ? Text() : row->result;
 }
 
-char ToUpper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
 }  // namespace
 
 bool IsCompactModel(std::string_view model) {
@@ -137,7 +135,7 @@ bool IsCompactOrBrio(std::string_view model) {
 }
 
 bool IsBrioModel(std::string_view model) {
-  return std::ranges::equal(model, Text("BRIO"), {}, ToUpper);
+  return UpperCased(model) == "BRIO";
 }
 
 bool IsBrioCode(std::string_view reported) {

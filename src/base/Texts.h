@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kv {
+
+// Without the blanks (character 32) around it.
+[[nodiscard]] std::string_view TrimBlanks(std::string_view text);
+
+// With the letters a to z in upper case; other bytes stay, so UTF-8 and ANSI texts keep what is not ASCII.
+[[nodiscard]] std::string UpperCased(std::string_view text);
+
+}  // namespace kv
