@@ -149,7 +149,7 @@ std::string UnknownModelText(const std::string& name) {
   constexpr std::size_t kNear = 3;
   std::vector<std::pair<std::size_t, std::string_view>> models;
   for (const auto& model : sim::AllModels()) {
-    const auto distance = [&name](std::string_view to) { return Distance(UpperCased(name), UpperCased(to)); };
+    const auto distance = [&name](std::string_view to) { return Distance(kv::UpperCased(name), kv::UpperCased(to)); };
     models.emplace_back(std::min(distance(model.name), distance(model.reported)), model.name);
   }
   std::sort(models.begin(), models.end());
