@@ -1,0 +1,30 @@
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kv {
+
+// Appends a number with its least significant byte first.
+template <std::unsigned_integral Number>
+void AppendLittleEndian(std::string& bytes, Number value) {
+  for (std::size_t i = 0; i < sizeof(Number); ++i) {
+    bytes += static_cast<char>(static_cast<unsigned char>(value >> (8 * i)));
+  }
+}
+
+// The number that stands at `at`; 0 where the bytes end before it does, so a reader checks lengths first where that
+// makes a difference.
+template <std::unsigned_integral Number>
+[[nodiscard]] Number LittleEndianAt(std::string_view bytes, std::size_t at) {
+  if (at > bytes.size() || bytes.size() - at < sizeof(Number)) return 0;
+  Number value = 0;
+  for (std::size_t i = sizeof(Number); i-- > 0;) {
+    value = static_cast<Number>((sizeof(Number) > 1 ? value << 8 : 0) | static_cast<unsigned char>(bytes[at + i]));
+  }
+  return value;
+}
+
+}  // namespace kv
