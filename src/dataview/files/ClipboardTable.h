@@ -34,6 +34,7 @@ struct ClipboardTable {
   std::size_t rows = 0;
   std::size_t columns = 0;
   std::vector<std::string> cells;  // row by row
+  bool hasRest = false;            // text behind the end of the last row, which is no row
 
   [[nodiscard]] const std::string& At(std::size_t row, std::size_t column) const {
     return cells[row * columns + column];
@@ -45,13 +46,13 @@ struct ClipboardTable {
 [[nodiscard]] std::string CopyText(const OperandStore& store, const GridSelection& selection);
 
 // The table in a text. Rows end with CR LF; where there is no CR LF in the whole text, with LF, as other programs write
-// them. What follows the last end of a row is no row, so that text without any line end is an empty table.
+// them. What follows the last end of a row is no row.
 // A row with fewer cells than the widest one makes the text unusable, but for an empty row, whose cells are all empty.
 [[nodiscard]] std::expected<ClipboardTable, PasteFault> ParseClipboard(std::string_view text);
 
 // Where the table's cells go: down and to the right from a single selected cell, or exactly into a larger selection.
 // Hidden rows do not count and are passed over. A text that would land where the model has no operand is refused as not
-// fitting.
+// fitting, and a table without a row as unknown: a paste that does nothing would pass for one that was done.
 [[nodiscard]] std::expected<std::vector<CellAssignment>, PasteFault> PlacePaste(const ClipboardTable& table,
                                                                                 const GridSelection& selection,
                                                                                 const HiddenRows& hidden,
