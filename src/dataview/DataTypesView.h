@@ -2,52 +2,20 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "dataview/GridChanges.h"
-#include "dataview/GridSelection.h"
-#include "dataview/OperandStore.h"
-#include "dataview/RegionTable.h"
-#include "desktop/Clipboard.h"
-#include "desktop/Pacer.h"
-#include "desktop/Prompts.h"
-#include "host/shared/SharedState.h"
-
-namespace kv {
-class clsHexSelector;
-}
+#include "dataview/GridEdits.h"
+#include "dataview/GridState.h"
+#include "dataview/OnlineMode.h"
+#include "dataview/RegionEngine.h"
+#include "dataview/ViewDesk.h"
+#include "dataview/ViewParts.h"
 
 namespace kv::mdlDataTypesView {
-
-// What the view keeps beside the contents of its two grids, between one opening and the next.
-struct GridSettings {
-  HiddenRows hidden;
-  std::vector<std::int32_t> regionColumnWidths;  // device-independent pixels; empty: the window's own
-  std::int32_t operandColumnWidth = 0;           // 0: the window's own
-  std::int32_t currentRow = 1;                   // the operand grid's cursor
-  std::int32_t currentColumn = 1;
-
-  bool operator==(const GridSettings&) const = default;
-};
-
-// Both grids as they are saved and restored.
-struct GridState {
-  OperandStore operands;
-  RegionTable regions;
-  GridSettings settings;
-};
-
-struct DataTypesViewParts {
-  SharedState& shared;
-  Prompts& prompts;
-  Pacer& pacer;
-  Clipboard& clipboard;
-  clsHexSelector& hexSelector;  // asks for the separator of CSV files
-};
 
 // The operand data view without its window: both grids, all commands, reading and writing the controller.
 //
@@ -55,21 +23,25 @@ struct DataTypesViewParts {
 //                        <-> on line (passes until the tool is pressed again, or Close)
 //        -> Close
 // A command that is not allowed in the state does nothing and WhyNot says why.
+//
+// A command calls the listener at most once with all that it has changed in the grids. While "ID_OnLine" runs, the
+// pacer's DoEvents may come back into the view, between two passes: other commands, edits, Close. The view has to stay
+// until Run has returned.
 class DataTypesView {
  public:
   DataTypesView(DataTypesViewParts parts, GridListener& listener);
-  ~DataTypesView();
 
   // Loads the grids of the current session; those that an interrupted read-all or write-all left behind come first.
   void Open();
-  // Ends the on-line mode and saves the grids to the session. False, told to the user, when they could not be saved.
+  // Ends the on-line mode and saves the grids to the session. False, told to the user, when they could not be saved;
+  // and while a read or write runs, which is then asked to stop.
   bool Close();
 
-  [[nodiscard]] std::string Caption() const;  // "Data Types - Default"
-  [[nodiscard]] const OperandStore& Operands() const { return mState.operands; }
-  [[nodiscard]] const RegionTable& Regions() const { return mState.regions; }
-  [[nodiscard]] const GridSettings& Settings() const { return mState.settings; }
-  [[nodiscard]] const ViewStatus& Status() const { return mStatus; }
+  [[nodiscard]] std::string Caption() const { return mDesk.Caption(); }  // "Data Types - Default"
+  [[nodiscard]] const OperandStore& Operands() const { return mDesk.state.operands; }
+  [[nodiscard]] const RegionTable& Regions() const { return mDesk.state.regions; }
+  [[nodiscard]] const GridSettings& Settings() const { return mDesk.state.settings; }
+  [[nodiscard]] const ViewStatus& Status() const { return mDesk.status; }
 
   // Where the commands work; the window tells it as the user moves.
   void Select(const GridSelection& operands);
@@ -84,15 +56,17 @@ class DataTypesView {
   // Edits of the user. An edit is refused with the reason (legal range named) and changes nothing.
   [[nodiscard]] std::string EditFault(OperandTypeCode type, std::int32_t address, std::string_view text) const;
   bool Edit(OperandTypeCode type, std::int32_t address, std::string_view text);
+  // False, and nothing changed, for a row that is not there, a code that is not offered, and during a read or write.
   bool SetDescription(std::size_t row, std::string_view text);
   bool SetSize(std::size_t row, SizeCode size);
   bool SetFormat(std::size_t row, FormatCode format);
   void SetHidden(std::int32_t row, bool hidden);
+  // What is only kept: nobody is told.
   void SetLayout(std::vector<std::int32_t> regionColumnWidths, std::int32_t operandColumnWidth);
 
   // What "ID_Undo" and "ID_Redo" would take back or do again: "Undo typing MI 5"; empty when there is nothing.
-  [[nodiscard]] std::string UndoText() const;
-  [[nodiscard]] std::string RedoText() const;
+  [[nodiscard]] std::string UndoText() const { return mDesk.history.UndoText(); }
+  [[nodiscard]] std::string RedoText() const { return mDesk.history.RedoText(); }
 
   // How long ago the row's values were read ("12 s"); empty when they never were.
   [[nodiscard]] std::string AgeText(std::size_t row) const;
@@ -100,12 +74,34 @@ class DataTypesView {
   [[nodiscard]] double ChangeMark(OperandTypeCode type, std::int32_t address) const;
 
  private:
-  DataTypesViewParts mParts;
-  GridListener& mListener;
-  GridState mState;
+  // A command of the tool bar: what it needs, and what it does.
+  struct Tool;
+  [[nodiscard]] static const Tool* FindTool(std::string_view toolId);
+  [[nodiscard]] std::string ModeFault(const Tool& tool) const;
+  [[nodiscard]] std::string NeedFault(const Tool& tool) const;
+
+  void ToggleOnline();
+  void ReadRegions() { mEngine.Read(); }
+  void WriteRegions() { mEngine.Write(); }
+  void AddRegion() { mEdits.AddRegions(mSelection); }
+  void RemoveRegion();
+  void NewRegions() { mEdits.NewRegions(); }
+  void Undo() { mEdits.Undo(); }
+  void Redo() { mEdits.Redo(); }
+
+  [[nodiscard]] bool IsBusy() const { return mDesk.status.mode == ViewMode::Busy; }
+  [[nodiscard]] bool IsOnline() const { return mDesk.status.mode == ViewMode::Online; }
+  [[nodiscard]] bool IsReadOnline(OperandTypeCode type, std::int32_t address) const;
+  // Tells the listener what has changed, and hands the result on.
+  bool Tell(bool result);
+
+  ViewDesk mDesk;
+  RegionEngine mEngine{mDesk};
+  OnlineMode mOnline{mDesk, mEngine};
+  GridEdits mEdits{mDesk};
   GridSelection mSelection;
   std::vector<std::size_t> mSelectedRegions;
-  ViewStatus mStatus;
+  bool mIsOpen = false;
 };
 
 }  // namespace kv::mdlDataTypesView

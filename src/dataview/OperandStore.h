@@ -20,6 +20,14 @@ enum class CellOrigin : std::uint8_t {
   Edited,  // typed, pasted or imported, and not written since
 };
 
+// A cell as the grid shows it.
+struct CellText {
+  std::string text;
+  CellOrigin origin = CellOrigin::None;
+
+  bool operator==(const CellText&) const = default;
+};
+
 // The raw value texts of all operands that a model has: 22 types by up to 8192 addresses. It is what the operand grid
 // shows, what regions are read into and written from. A row takes memory when its first text is set.
 //
@@ -37,8 +45,11 @@ class OperandStore {
 
   [[nodiscard]] const std::string& Text(OperandTypeCode type, std::int32_t address) const;
   [[nodiscard]] CellOrigin Origin(OperandTypeCode type, std::int32_t address) const;
-  // When a read last brought another text than the cell had; Instant::min() when none has.
+  [[nodiscard]] CellText Shown(OperandTypeCode type, std::int32_t address) const;
+  // When a read last brought another text than the read before it; Instant::min() when none has.
   [[nodiscard]] Instant ChangedAt(OperandTypeCode type, std::int32_t address) const;
+  // When the controller last told the operand, or took it; Instant::min() when it never did.
+  [[nodiscard]] Instant ReadAt(OperandTypeCode type, std::int32_t address) const;
 
   // The texts of a region, one an operand; empty where nothing is known, and past the type's count.
   [[nodiscard]] std::vector<std::string> Texts(const Region& region) const;
@@ -48,8 +59,11 @@ class OperandStore {
   // Sets what the controller told at `now`, one text an operand from `region.from` on. Edited cells are replaced too:
   // a read shows the controller. Returns the cells whose text or origin changed (from > to: none).
   Region SetRead(const Region& region, std::span<const std::string> texts, Instant now);
-  // The cells of the region now stand in the controller as they are here.
-  void SetWritten(const Region& region);
+  // The cells of the region that have a text stand in the controller, since `now`, as they are here.
+  void SetWritten(const Region& region, Instant now);
+  // Undoes or does again a change of the cell from `from` to `to`, as far as that is still true: a cell that the
+  // controller has told anew meanwhile is not given an older text as a read one. True when the cell changed.
+  bool Restore(OperandTypeCode type, std::int32_t address, const CellText& from, const CellText& to);
   void Clear();
 
   // Edited cells, of all types.
@@ -58,13 +72,20 @@ class OperandStore {
  private:
   struct Cell {
     std::string text;
+    std::string readText;  // while edited: what the controller told last
     Instant changedAt = Instant::min();
+    Instant readAt = Instant::min();
     CellOrigin origin = CellOrigin::None;
   };
 
   [[nodiscard]] const Cell* Find(OperandTypeCode type, std::int32_t address) const;
   [[nodiscard]] Cell* Touch(OperandTypeCode type, std::int32_t address);
   void Mark(Cell& cell, CellOrigin origin);
+  void EditCell(Cell& cell, std::string_view text);
+  void Empty(Cell& cell);
+  bool TakeRead(Cell& cell, const std::string& text, Instant now);
+  bool GoBackToRead(Cell& cell, const CellText& from, const std::string& text);
+  bool GoBackToNone(Cell& cell, const CellText& from);
 
   std::string mModel;
   std::array<std::int32_t, kOperandTypeCount> mCounts{};

@@ -18,6 +18,9 @@ class OperandStore;
 
 inline constexpr std::string_view kRegionOverlapMessage =
     "The selected region overlaps with an already defined region.";
+// Asked before the regions are replaced.
+inline constexpr std::string_view kValuesWillBeDeletedQuestion =
+    "Performing this operation will delete all of the current values. Do you want to continue?";
 
 // One row of the regions table.
 struct RegionRow {
@@ -66,10 +69,13 @@ class RegionTable {
   bool SetFormat(std::size_t row, FormatCode format);
   void SetReadAt(std::size_t row, Instant when);
 
-  // Builds the row's values from the store again; whether its text changed.
+  // Builds the row's values from the store again; whether its text changed. A row is empty until all of its operands
+  // have a text.
   bool RefreshValues(std::size_t row, const OperandStore& store);
 
  private:
+  void AddType(const Region& region, const OperandStore& store, AddResult& result);
+
   std::vector<RegionRow> mRows;
 };
 

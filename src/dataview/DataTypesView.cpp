@@ -1,0 +1,147 @@
+#include "dataview/DataTypesView.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <utility>
+
+#include "dataview/OperandCatalogue.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr Duration kMarkFades = 2s;
+
+struct AgeUnit {
+  Duration length;
+  std::string_view name;
+};
+constexpr std::array kAgeUnits = {AgeUnit{24h, " d"}, AgeUnit{1h, " h"}, AgeUnit{1min, " min"}, AgeUnit{1s, " s"}};
+
+}  // namespace
+
+DataTypesView::DataTypesView(DataTypesViewParts parts, GridListener& listener) : mDesk(parts, listener) {}
+
+void DataTypesView::Open() {
+  const RemoteHost* host = mDesk.parts.shared.Remote;
+  mDesk.state = {
+      .operands = OperandStore(host != nullptr ? host->Model() : std::string()), .regions = {}, .settings = {}};
+  mDesk.history.Clear();
+  mDesk.changes.operandsReplaced = true;
+  mDesk.RowsReplaced();
+  mIsOpen = true;
+  Tell(true);
+}
+
+bool DataTypesView::Close() {
+  if (!mIsOpen) return true;
+  if (IsBusy()) {
+    mDesk.parts.pacer.RequestStop();
+    return false;
+  }
+  mOnline.Stop();
+  mIsOpen = false;
+  return true;
+}
+
+void DataTypesView::Select(const GridSelection& operands) {
+  mSelection = operands;
+  const GridSelection at = operands.Normalised();
+  mDesk.state.settings.currentRow = at.top;
+  mDesk.state.settings.currentColumn = at.left;
+}
+
+void DataTypesView::SelectRegions(std::vector<std::size_t> rows) {
+  mSelectedRegions = std::move(rows);
+}
+
+// ---- edits ----
+
+std::string DataTypesView::EditFault(OperandTypeCode type, std::int32_t address, std::string_view text) const {
+  if (!mIsOpen) return "The view is closed.";
+  if (IsBusy()) return "A read or write is running: wait for its end, or cancel it.";
+  if (IsReadOnline(type, address)) {
+    return "This operand is being read on line, which would take the place of what you enter: end the on-line mode "
+           "first.";
+  }
+  return mEdits.EntryFault(type, address, text);
+}
+
+bool DataTypesView::Edit(OperandTypeCode type, std::int32_t address, std::string_view text) {
+  std::string fault = EditFault(type, address, text);
+  if (fault.empty()) {
+    mEdits.Enter(type, address, text);
+  } else {
+    mDesk.SayError(fault);
+  }
+  return Tell(fault.empty());
+}
+
+bool DataTypesView::IsReadOnline(OperandTypeCode type, std::int32_t address) const {
+  return IsOnline() && std::ranges::any_of(mDesk.state.regions.Rows(), [&](const RegionRow& row) {
+           return row.region.type == type && address >= row.region.from && address <= row.region.to;
+         });
+}
+
+bool DataTypesView::SetDescription(std::size_t row, std::string_view text) {
+  return !IsBusy() && Tell(mEdits.SetDescription(row, text));
+}
+
+bool DataTypesView::SetSize(std::size_t row, SizeCode size) {
+  return !IsBusy() && Tell(mEdits.SetSize(row, size));
+}
+
+bool DataTypesView::SetFormat(std::size_t row, FormatCode format) {
+  return !IsBusy() && Tell(mEdits.SetFormat(row, format));
+}
+
+void DataTypesView::SetHidden(std::int32_t row, bool hidden) {
+  if (IsBusy()) return;
+  mEdits.SetHidden(row, hidden);
+  Tell(true);
+}
+
+void DataTypesView::SetLayout(std::vector<std::int32_t> regionColumnWidths, std::int32_t operandColumnWidth) {
+  mDesk.state.settings.regionColumnWidths = std::move(regionColumnWidths);
+  mDesk.state.settings.operandColumnWidth = operandColumnWidth;
+}
+
+bool DataTypesView::Tell(bool result) {
+  mDesk.TellChanges();
+  mDesk.TellStatus();
+  return result;
+}
+
+// ---- commands ----
+
+void DataTypesView::ToggleOnline() {
+  if (IsOnline()) return mOnline.Stop();
+  mOnline.Run();
+}
+
+void DataTypesView::RemoveRegion() {
+  mEdits.RemoveRegions(mSelectedRegions);
+  mSelectedRegions.clear();
+}
+
+// ---- marks ----
+
+std::string DataTypesView::AgeText(std::size_t row) const {
+  const auto rows = Regions().Rows();
+  if (row >= rows.size() || !rows[row].readAt) return {};
+  const Duration age = mDesk.Now() - *rows[row].readAt;
+  const auto unit = std::ranges::find_if(kAgeUnits, [age](const AgeUnit& u) { return age >= u.length; });
+  if (unit == kAgeUnits.end()) return "0 s";
+  return std::to_string(age / unit->length) + std::string(unit->name);
+}
+
+double DataTypesView::ChangeMark(OperandTypeCode type, std::int32_t address) const {
+  const Instant changedAt = Operands().ChangedAt(type, address);
+  if (!IsOnline() || changedAt == Instant::min()) return 0.0;
+  const std::chrono::duration<double> age = mDesk.Now() - changedAt;
+  return std::clamp(1.0 - age / std::chrono::duration<double>(kMarkFades), 0.0, 1.0);
+}
+
+}  // namespace kv::mdlDataTypesView

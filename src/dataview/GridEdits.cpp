@@ -1,0 +1,250 @@
+#include "dataview/GridEdits.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "dataview/OperandCatalogue.h"
+#include "dataview/ValueEntry.h"
+#include "dataview/ValueRange.h"
+#include "dataview/ViewDesk.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+std::string NameOf(OperandTypeCode type, std::int32_t address) {
+  return std::string(TypeName(type)) + " " + std::to_string(address);
+}
+
+std::string Counted(std::size_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+// All cells of the grid, type by type.
+template <typename Visit>
+void ForEachCell(const OperandStore& store, Visit visit) {
+  for (std::int32_t code = 1; code <= kOperandTypeCount; ++code) {
+    const auto type = static_cast<OperandTypeCode>(code);
+    for (std::int32_t address = 0; address < store.CountOf(type); ++address) visit(type, address);
+  }
+}
+
+bool AreSameRegions(std::span<const RegionRow> one, std::span<const RegionRow> other) {
+  return std::ranges::equal(one, other, {}, &RegionRow::region, &RegionRow::region);
+}
+
+}  // namespace
+
+// ---- the operand grid ----
+
+std::string GridEdits::EntryFault(OperandTypeCode type, std::int32_t address, std::string_view text) const {
+  const std::string name = NameOf(type, address);
+  const OperandStore& store = mDesk.state.operands;
+  if (!store.IsCell(type, address)) return "A " + store.Model() + " has no " + name + ".";
+  if (!IsWritableType(type)) return name + " cannot be changed: only the controller sets operands of this type.";
+  if (text.empty() || IsLegalEntry(type, store.Model(), text)) return {};
+  return name + " cannot be \"" + std::string(text) + "\": it takes " + std::string(LegalEntries(type, store.Model())) +
+         ".";
+}
+
+void GridEdits::Enter(OperandTypeCode type, std::int32_t address, std::string_view text) {
+  const CellText before = mDesk.state.operands.Shown(type, address);
+  if (before.text == text) return;
+  mDesk.state.operands.Edit(type, address, text);
+  FinishCells(
+      {.title = "typing " + NameOf(type, address),
+       .cells = {
+           {.type = type, .address = address, .before = before, .after = mDesk.state.operands.Shown(type, address)}}});
+}
+
+bool GridEdits::Assign(std::span<const CellAssignment> cells, const std::string& title) {
+  for (const CellAssignment& cell : cells) {
+    const std::string fault =
+        IsWritableType(cell.type) ? EntryFault(cell.type, cell.address, cell.text) : std::string();
+    if (fault.empty()) continue;
+    mDesk.SayError(fault + " Nothing was changed.");
+    mDesk.ShowBox(kValueOutOfRangeMessage);
+    return false;
+  }
+  UndoStep step{.title = title};
+  std::size_t readOnly = 0;
+  for (const CellAssignment& cell : cells) {
+    OperandStore& store = mDesk.state.operands;
+    const CellText before = store.Shown(cell.type, cell.address);
+    if (before.text == cell.text) continue;
+    if (!IsWritableType(cell.type)) {
+      ++readOnly;
+      continue;
+    }
+    store.Edit(cell.type, cell.address, cell.text);
+    step.cells.push_back(
+        {.type = cell.type, .address = cell.address, .before = before, .after = store.Shown(cell.type, cell.address)});
+  }
+  std::string told = Counted(step.cells.size(), "cell") + " changed by " + title + ".";
+  if (readOnly > 0)
+    told += " " + Counted(readOnly, "cell") + " of types that only the controller sets left as they were.";
+  FinishCells(std::move(step));
+  mDesk.Say(told);
+  return true;
+}
+
+std::size_t GridEdits::TakeRead(const OperandStore& read, const std::string& title) {
+  UndoStep step{.title = title};
+  OperandStore& store = mDesk.state.operands;
+  ForEachCell(read, [&](OperandTypeCode type, std::int32_t address) {
+    const Instant readAt = read.ReadAt(type, address);
+    if (readAt == Instant::min() || readAt <= store.ReadAt(type, address)) return;
+    const CellText before = store.Shown(type, address);
+    const std::string& text = read.Text(type, address);
+    store.SetRead({.from = address, .to = address, .type = type}, {&text, 1}, readAt);
+    const CellText after = store.Shown(type, address);
+    if (before != after) step.cells.push_back({.type = type, .address = address, .before = before, .after = after});
+  });
+  const std::size_t count = step.cells.size();
+  FinishCells(std::move(step));
+  return count;
+}
+
+void GridEdits::FinishCells(UndoStep step) {
+  CellSpans spans;
+  for (const CellChange& cell : step.cells) spans.Add(cell.type, cell.address, cell.address);
+  mDesk.CellsChanged(spans);
+  mDesk.history.Add(std::move(step));
+}
+
+std::vector<CellChange> GridEdits::EmptyOperands() {
+  std::vector<CellChange> cells;
+  ForEachCell(mDesk.state.operands, [&](OperandTypeCode type, std::int32_t address) {
+    CellText before = mDesk.state.operands.Shown(type, address);
+    if (before.origin == CellOrigin::None) return;
+    cells.push_back({.type = type, .address = address, .before = std::move(before), .after = {}});
+  });
+  mDesk.state.operands.Clear();
+  mDesk.changes.operandsReplaced = true;
+  return cells;
+}
+
+// ---- the regions table ----
+
+void GridEdits::AddRegions(const GridSelection& selection) {
+  const std::vector<RegionRow> before = Rows();
+  const auto result = mDesk.state.regions.AddSelection(selection, mDesk.state.settings.hidden, mDesk.state.operands);
+  FinishRows({.title = "adding regions"}, before);
+  if (result.added > 0) mDesk.Say(Counted(result.added, "region") + " added.");
+  if (!result.overlap) return;
+  mDesk.SayError(std::string(kRegionOverlapMessage));
+  mDesk.ShowBox(kRegionOverlapMessage);
+}
+
+void GridEdits::RemoveRegions(std::span<const std::size_t> rows) {
+  const std::vector<RegionRow> before = Rows();
+  mDesk.state.regions.Remove(rows);
+  FinishRows({.title = "removing regions"}, before);
+  mDesk.Say(Counted(before.size() - mDesk.state.regions.Rows().size(), "region") + " removed.");
+}
+
+void GridEdits::NewRegions() {
+  if (!mDesk.AskYesNo(kValuesWillBeDeletedQuestion)) return;
+  ReplaceRegions({}, "starting anew");
+  mDesk.Say("All regions and values were removed; Undo brings them back.");
+}
+
+void GridEdits::ReplaceRegions(std::vector<RegionRow> rows, const std::string& title) {
+  const std::vector<RegionRow> before = Rows();
+  UndoStep step{.title = title, .cells = EmptyOperands()};
+  mDesk.state.regions.Assign(std::move(rows));
+  FinishRows(std::move(step), before);
+}
+
+bool GridEdits::SetDescription(std::size_t row, std::string_view text) {
+  return ChangeRow(row, "describing a region", [&] { return mDesk.state.regions.SetDescription(row, text); });
+}
+
+bool GridEdits::SetSize(std::size_t row, SizeCode size) {
+  return ChangeRow(row, "changing a size", [&] { return mDesk.state.regions.SetSize(row, size); });
+}
+
+bool GridEdits::SetFormat(std::size_t row, FormatCode format) {
+  return ChangeRow(row, "changing a format", [&] { return mDesk.state.regions.SetFormat(row, format); });
+}
+
+template <typename Change>
+bool GridEdits::ChangeRow(std::size_t row, const std::string& title, Change change) {
+  if (row >= mDesk.state.regions.Rows().size()) return false;
+  const RegionRow before = mDesk.state.regions.Rows()[row];
+  if (!change()) return false;
+  UndoStep step{.title = title};
+  step.rows = DifferenceOf({&before, 1}, mDesk.state.regions.Rows().subspan(row, 1));
+  if (step.rows.IsNone()) return true;
+  step.rows.at = row;
+  mDesk.RowSettingsChanged(row);
+  mDesk.history.Add(std::move(step));
+  return true;
+}
+
+void GridEdits::SetHidden(std::int32_t row, bool hidden) {
+  HiddenRows& rows = mDesk.state.settings.hidden;
+  const HiddenRows before = rows;
+  rows.Set(row, hidden);
+  if (rows == before) return;
+  mDesk.changes.operandsReplaced = true;
+  mDesk.history.Add({.title = hidden ? "hiding a row" : "showing a row", .hiddenBefore = before, .hiddenAfter = rows});
+}
+
+std::vector<RegionRow> GridEdits::Rows() const {
+  const auto rows = mDesk.state.regions.Rows();
+  return {rows.begin(), rows.end()};
+}
+
+void GridEdits::FinishRows(UndoStep step, const std::vector<RegionRow>& before) {
+  step.rows = DifferenceOf(before, mDesk.state.regions.Rows());
+  if (!step.rows.IsNone()) mDesk.RowsReplaced();
+  mDesk.history.Add(std::move(step));
+}
+
+// ---- taking back and doing again ----
+
+void GridEdits::Undo() {
+  const UndoStep* step = mDesk.history.TakeBack();
+  if (step == nullptr) return;
+  Apply(*step, true);
+  mDesk.Say("Taken back: " + step->title + ".");
+}
+
+void GridEdits::Redo() {
+  const UndoStep* step = mDesk.history.DoAgain();
+  if (step == nullptr) return;
+  Apply(*step, false);
+  mDesk.Say("Done again: " + step->title + ".");
+}
+
+void GridEdits::Apply(const UndoStep& step, bool isBack) {
+  CellSpans spans;
+  for (const CellChange& cell : step.cells) {
+    const CellText& from = isBack ? cell.after : cell.before;
+    const CellText& to = isBack ? cell.before : cell.after;
+    if (!mDesk.state.operands.Restore(cell.type, cell.address, from, to)) continue;
+    spans.Add(cell.type, cell.address, cell.address);
+  }
+  if (const auto& hidden = isBack ? step.hiddenBefore : step.hiddenAfter) {
+    mDesk.state.settings.hidden = *hidden;
+    mDesk.changes.operandsReplaced = true;
+  }
+  if (!step.rows.IsNone()) SpliceRows(step.rows, isBack);
+  mDesk.CellsChanged(spans);
+}
+
+void GridEdits::SpliceRows(const RowsChange& change, bool isBack) {
+  const std::vector<RegionRow>& from = isBack ? change.after : change.before;
+  std::vector<RegionRow> to = isBack ? change.before : change.after;
+  std::vector<RegionRow> rows = Rows();
+  const auto begin = rows.begin() + static_cast<std::ptrdiff_t>(change.at);
+  const auto end = begin + static_cast<std::ptrdiff_t>(from.size());
+  const bool areSameRegions = AreSameRegions(from, to);
+  for (std::size_t i = 0; areSameRegions && i < to.size(); ++i) to[i].readAt = rows[change.at + i].readAt;
+  rows.insert(rows.erase(begin, end), to.begin(), to.end());
+  mDesk.state.regions.Assign(std::move(rows));
+  if (!areSameRegions) return mDesk.RowsReplaced();
+  for (std::size_t i = 0; i < to.size(); ++i) mDesk.RowSettingsChanged(change.at + i);
+}
+
+}  // namespace kv::mdlDataTypesView

@@ -1,0 +1,215 @@
+#include "dataview/RegionEngine.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "base/ScopeGuard.h"
+#include "dataview/ChannelLease.h"
+#include "dataview/OperandCatalogue.h"
+#include "dataview/OsSupport.h"
+#include "dataview/RegionTransfer.h"
+#include "dataview/ValueEntry.h"
+#include "dataview/ValueRange.h"
+#include "dataview/ViewDesk.h"
+#include "link/LinkTexts.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+// A controller that answers at once gives the pacer no turn; a long table must not keep the window from painting.
+constexpr Duration kTurnInterval = std::chrono::milliseconds(20);
+
+constexpr std::string_view kReadOnlyRegionsMessage =
+    "Values cannot be written to some of the defined regions. \r\n"
+    "This is because the defined regions include data types that cannot be written to in the controller. \r\n"
+    "All legal values will be written to permitted regions.\r\n";
+
+std::string Regions(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " region" : " regions");
+}
+
+std::string TextOf(const Region& region) {
+  return RangeText(TypeName(region.type), region.from, region.to);
+}
+
+// The check before a write, and the forms of times, which only fail while they are converted.
+bool IsWritableText(const Region& region, std::string_view model, const std::string& text) {
+  const bool isTime = region.type == OperandTypeCode::TimerPreset || region.type == OperandTypeCode::TimerCurrent;
+  return isTime ? IsLegalEntry(region.type, model, text) : IsValueInRange(region.type, text);
+}
+
+}  // namespace
+
+void RegionEngine::Read() {
+  mDesk.parts.pacer.ClearStop();
+  mDesk.SetMode(ViewMode::Busy);
+  const ScopeGuard idle([&] { mDesk.SetMode(ViewMode::Idle); });
+  const ChannelLease channel(mDesk);
+  if (!channel || !IsSupported(*channel, mDesk.state.regions.Regions())) return;
+  SayRead(ReadPass(*channel), mDesk.state.regions.Rows().size());
+}
+
+void RegionEngine::Write() {
+  const std::vector<Region> regions = mDesk.state.regions.Regions();
+  if (const std::string place = FirstFault(regions); !place.empty()) {
+    mDesk.SayError(place + "; nothing was written.");
+    return mDesk.ShowBox(kValueOutOfRangeMessage);
+  }
+  mDesk.parts.pacer.ClearStop();
+  mDesk.SetMode(ViewMode::Busy);
+  const ScopeGuard idle([&] { mDesk.SetMode(ViewMode::Idle); });
+  const ChannelLease channel(mDesk);
+  if (!channel || !IsSupported(*channel, regions)) return;
+  SayWritten(WritePass(*channel, regions), regions);
+}
+
+bool RegionEngine::IsSupported(Channel& channel, std::span<const Region> regions) {
+  const auto isSupported = CheckOsSupport(channel, mDesk.Model(), regions, mDesk.parts.prompts, mDesk.Caption());
+  if (!isSupported) {
+    mDesk.SayLinkError(isSupported.error());
+    return false;
+  }
+  if (!*isSupported) mDesk.SayError(std::string(kRegionsNotSupportedMessage));
+  return *isSupported;
+}
+
+PassOutcome RegionEngine::ReadPass(Channel& channel) {
+  PassOutcome outcome;
+  mReplaced.clear();
+  const std::size_t total = mDesk.state.regions.Rows().size();
+  for (std::size_t row = 0; row < total && GoOn(row, total, outcome); ++row) ReadRow(channel, row, outcome);
+  outcome.replaced = mReplaced.size();
+  mDesk.history.Add({.title = "reading over edited values", .cells = std::exchange(mReplaced, {})});
+  if (outcome.IsWhole()) mDesk.status.linkLost = false;
+  return outcome;
+}
+
+void RegionEngine::ReadRow(Channel& channel, std::size_t row, PassOutcome& outcome) {
+  const Region region = mDesk.state.regions.Rows()[row].region;
+  const auto texts = ReadRegion(channel, mDesk.Model(), region);
+  if (!texts) return Fail(texts.error(), outcome);
+  if (texts->empty()) {
+    ++outcome.unreadable;
+    return;
+  }
+  ++outcome.done;
+  if (mDesk.state.operands.EditedCount() > 0) NoteReplaced(region, *texts);
+  const Instant now = mDesk.Now();
+  const Region changed = mDesk.state.operands.SetRead(region, *texts, now);
+  mDesk.state.regions.SetReadAt(row, now);
+  if (changed.to < changed.from) return;
+  mDesk.changes.AddOperands(changed.type, changed.from, changed.to);
+  mDesk.RefreshRow(row);
+}
+
+void RegionEngine::NoteReplaced(const Region& region, std::span<const std::string> texts) {
+  for (std::int64_t i = 0; i < region.Count(); ++i) {
+    const auto address = static_cast<std::int32_t>(region.from + i);
+    if (mDesk.state.operands.Origin(region.type, address) != CellOrigin::Edited) continue;
+    mReplaced.push_back({.type = region.type,
+                         .address = address,
+                         .before = mDesk.state.operands.Shown(region.type, address),
+                         .after = {.text = texts[static_cast<std::size_t>(i)], .origin = CellOrigin::Read}});
+  }
+}
+
+PassOutcome RegionEngine::WritePass(Channel& channel, std::span<const Region> regions) {
+  PassOutcome outcome;
+  for (std::size_t i = 0; i < regions.size() && GoOn(i, regions.size(), outcome); ++i) {
+    if (IsWritableType(regions[i].type)) {
+      WriteOne(channel, regions[i], outcome);
+    } else if (outcome.readOnly++ == 0) {
+      mDesk.ShowBox(kReadOnlyRegionsMessage);
+    }
+  }
+  if (outcome.IsWhole() && outcome.done > 0) mDesk.status.linkLost = false;
+  return outcome;
+}
+
+void RegionEngine::WriteOne(Channel& channel, const Region& region, PassOutcome& outcome) {
+  const auto written = WriteRegion(channel, mDesk.Model(), region, mDesk.state.operands.Texts(region));
+  if (!written) return Fail(written.error(), outcome);
+  ++outcome.done;
+  const Region edited = EditedIn(region);
+  mDesk.state.operands.SetWritten(region, mDesk.Now());
+  mDesk.changes.AddOperands(edited.type, edited.from, edited.to);
+}
+
+Region RegionEngine::EditedIn(const Region& region) const {
+  const auto isEdited = [&](std::int32_t address) {
+    return mDesk.state.operands.Origin(region.type, address) == CellOrigin::Edited;
+  };
+  Region edited = region;
+  while (edited.from <= edited.to && !isEdited(edited.from)) ++edited.from;
+  while (edited.from <= edited.to && !isEdited(edited.to)) --edited.to;
+  return edited;
+}
+
+bool RegionEngine::GoOn(std::size_t done, std::size_t total, PassOutcome& outcome) {
+  mDesk.status.done = done;
+  mDesk.status.total = total;
+  mDesk.TellProgress();
+  if (mLastTurn == Instant::min() || mDesk.Now() - mLastTurn >= kTurnInterval) {
+    mDesk.parts.pacer.Turn();
+    mLastTurn = mDesk.Now();
+  }
+  outcome.isStopped = outcome.isStopped || mDesk.parts.pacer.StopRequested();
+  return outcome.IsWhole();
+}
+
+void RegionEngine::Fail(const LinkError& error, PassOutcome& outcome) {
+  outcome.isStopped = error.code == LinkErrorCode::Stopped;
+  outcome.error = error;
+}
+
+std::string RegionEngine::FirstFault(std::span<const Region> regions) const {
+  for (const Region& region : regions) {
+    if (!IsWritableType(region.type)) continue;
+    const std::vector<std::string> texts = mDesk.state.operands.Texts(region);
+    const auto bad = std::ranges::find_if_not(
+        texts, [&](const std::string& text) { return IsWritableText(region, mDesk.Model(), text); });
+    if (bad == texts.end()) continue;
+    const std::string name =
+        std::string(TypeName(region.type)) + " " + std::to_string(region.from + (bad - texts.begin()));
+    const std::string takes = " (it takes " + std::string(LegalEntries(region.type, mDesk.Model())) + ")";
+    return bad->empty() ? name + " has no value: read it, or enter one" : name + " cannot be \"" + *bad + "\"" + takes;
+  }
+  return {};
+}
+
+std::string RegionEngine::ReplacedText(std::size_t replaced) {
+  if (replaced == 0) return {};
+  return " " + std::to_string(replaced) + (replaced == 1 ? " edited value was" : " edited values were") +
+         " replaced by what the controller holds; Undo brings " + (replaced == 1 ? "it" : "them") + " back.";
+}
+
+void RegionEngine::SayRead(const PassOutcome& outcome, std::size_t total) {
+  const std::string read = Regions(outcome.done) + " of " + std::to_string(total) + " read";
+  const std::string replaced = ReplacedText(outcome.replaced);
+  if (outcome.error && !outcome.isStopped) {
+    return mDesk.SayLinkError(*outcome.error, read + " before that; the others show what they showed." + replaced);
+  }
+  if (outcome.isStopped) return mDesk.Say("Stopped. " + read + "; the others show what they showed." + replaced);
+  std::string text = Regions(outcome.done) + " read.";
+  if (outcome.unreadable > 0)
+    text += " " + Regions(outcome.unreadable) + " cannot be read from a " + mDesk.Model() + ".";
+  mDesk.Say(text + replaced);
+}
+
+void RegionEngine::SayWritten(const PassOutcome& outcome, std::span<const Region> regions) {
+  if (outcome.IsWhole()) {
+    std::string text = Regions(outcome.done) + " written.";
+    if (outcome.readOnly > 0) text += " " + Regions(outcome.readOnly) + " of types that cannot be written left out.";
+    return mDesk.Say(text);
+  }
+  const std::size_t reached = outcome.done + outcome.readOnly;
+  std::string text = outcome.done == 0
+                         ? std::string("Nothing was written before that")
+                         : Regions(outcome.done) + " written before that, up to " + TextOf(regions[reached - 1]);
+  text += "; " + Regions(regions.size() - reached) + " not.";
+  if (outcome.error) return mDesk.SayLinkError(*outcome.error, text);
+  mDesk.SayError("Stopped. " + text);
+}
+
+}  // namespace kv::mdlDataTypesView

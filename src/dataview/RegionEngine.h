@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "base/Time.h"
+#include "dataview/OperandTypes.h"
+#include "dataview/UndoHistory.h"
+#include "link/Channel.h"
+#include "link/LinkError.h"
+
+namespace kv::mdlDataTypesView {
+
+class ViewDesk;
+
+// How far a pass over the regions came. What it read or wrote until then stays.
+struct PassOutcome {
+  std::size_t done = 0;        // regions
+  std::size_t unreadable = 0;  // regions that such a controller cannot be asked for: they stay as they were
+  std::size_t readOnly = 0;    // regions that were not written, because their type is not
+  std::size_t replaced = 0;    // edited texts that what was read took the place of
+  bool isStopped = false;      // on the user's request
+  std::optional<LinkError> error = {};
+
+  [[nodiscard]] bool IsWhole() const { return !isStopped && !error; }
+};
+
+// Reads the regions of the table into the operand grid, and writes them from it: one request a region, in the order of
+// the table.
+class RegionEngine {
+ public:
+  explicit RegionEngine(ViewDesk& desk) : mDesk(desk) {}
+
+  void Read();
+  void Write();
+
+  // Whether the controller's O/S has all the regions. False: the user has been told, or the status line says why it
+  // could not be found out.
+  [[nodiscard]] bool IsSupported(Channel& channel, std::span<const Region> regions);
+  // One pass over the table, without any message. What is read goes into the desk's changes.
+  [[nodiscard]] PassOutcome ReadPass(Channel& channel);
+  // The same for writing; the message about read-only types is shown where the first one stands.
+  [[nodiscard]] PassOutcome WritePass(Channel& channel, std::span<const Region> regions);
+  // The first text of the regions that cannot be written ("MI 5"); nothing when all can.
+  [[nodiscard]] std::string FirstFault(std::span<const Region> regions) const;
+
+  // " 3 edited values were replaced ...": what the status line adds about them; empty for none.
+  [[nodiscard]] static std::string ReplacedText(std::size_t replaced);
+
+ private:
+  void ReadRow(Channel& channel, std::size_t row, PassOutcome& outcome);
+  void WriteOne(Channel& channel, const Region& region, PassOutcome& outcome);
+  [[nodiscard]] Region EditedIn(const Region& region) const;
+  void NoteReplaced(const Region& region, std::span<const std::string> texts);
+  bool GoOn(std::size_t done, std::size_t total, PassOutcome& outcome);
+  void Fail(const LinkError& error, PassOutcome& outcome);
+  void SayRead(const PassOutcome& outcome, std::size_t total);
+  void SayWritten(const PassOutcome& outcome, std::span<const Region> regions);
+
+  ViewDesk& mDesk;
+  std::vector<CellChange> mReplaced;  // by the pass that runs
+  Instant mLastTurn = Instant::min();
+};
+
+}  // namespace kv::mdlDataTypesView

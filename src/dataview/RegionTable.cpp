@@ -1,0 +1,139 @@
+#include "dataview/RegionTable.h"
+
+#include <algorithm>
+
+#include "dataview/OperandCatalogue.h"
+#include "dataview/OperandStore.h"
+#include "dataview/RowDisplay.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+bool Contains(const Region& region, std::int32_t address) {
+  return address >= region.from && address <= region.to;
+}
+
+bool Overlap(const Region& one, const Region& other) {
+  return one.type == other.type &&
+         (Contains(other, one.from) || Contains(other, one.to) || Contains(one, other.from) || Contains(one, other.to));
+}
+
+// The operands of one selected row; from > to when it has none there.
+Region SelectedRegion(const GridSelection& selection, OperandTypeCode type, std::int32_t count) {
+  return {.from = std::max(selection.left, 1) - 1, .to = std::min(selection.right - 1, count - 1), .type = type};
+}
+
+template <typename Code>
+bool IsOffered(std::span<const Code> offered, Code code) {
+  return std::ranges::find(offered, code) != offered.end();
+}
+
+SizeCode OwnSize(OperandTypeCode type) {
+  if (IsBitType(type)) return SizeCode::Bit1;
+  constexpr std::int32_t kWordsPerRequest = 60;
+  return MaxOperandsPerRequest(type) >= kWordsPerRequest ? SizeCode::Bit16 : SizeCode::Bit32;
+}
+
+FormatCode UsualFormat(SizeCode size) {
+  return size == SizeCode::Bit1 ? FormatCode::Binary : FormatCode::Decimal;
+}
+
+}  // namespace
+
+RegionRow NewRegionRow(const Region& region) {
+  const SizeCode size = OwnSize(region.type);
+  return {.region = region, .description = {}, .size = size, .format = UsualFormat(size), .values = {}, .readAt = {}};
+}
+
+std::vector<Region> SplitRegion(const Region& region) {
+  std::vector<Region> pieces;
+  const std::int64_t most = MaxOperandsPerRequest(region.type);
+  if (most < 1) return pieces;
+  for (std::int64_t from = region.from; from <= region.to; from += most) {
+    const auto last = static_cast<std::int32_t>(std::min<std::int64_t>(from + most - 1, region.to));
+    pieces.push_back({.from = static_cast<std::int32_t>(from), .to = last, .type = region.type});
+  }
+  return pieces;
+}
+
+std::vector<Region> RegionTable::Regions() const {
+  std::vector<Region> regions;
+  regions.reserve(mRows.size());
+  for (const RegionRow& row : mRows) regions.push_back(row.region);
+  return regions;
+}
+
+RegionTable::AddResult RegionTable::AddSelection(const GridSelection& selection, const HiddenRows& hidden,
+                                                 const OperandStore& store) {
+  AddResult result;
+  const GridSelection wanted = selection.Normalised();
+  const std::int32_t bottom = std::min(wanted.bottom, kOperandTypeCount);
+  for (std::int32_t row = std::max(wanted.top, 1); row <= bottom; ++row) {
+    if (hidden.IsHidden(row)) continue;
+    const OperandTypeCode type = TypeOfRow(row);
+    AddType(SelectedRegion(wanted, type, store.CountOf(type)), store, result);
+  }
+  return result;
+}
+
+void RegionTable::AddType(const Region& region, const OperandStore& store, AddResult& result) {
+  if (region.to < region.from) return;
+  if (region.from == 0 && region.to == store.CountOf(region.type) - 1) {
+    result.removed += std::erase_if(mRows, [&](const RegionRow& row) { return row.region.type == region.type; });
+  }
+  if (std::ranges::any_of(mRows, [&](const RegionRow& row) { return Overlap(region, row.region); })) {
+    result.overlap = true;
+    return;
+  }
+  for (const Region& piece : SplitRegion(region)) {
+    mRows.push_back(NewRegionRow(piece));
+    RefreshValues(mRows.size() - 1, store);
+    ++result.added;
+  }
+}
+
+void RegionTable::Remove(std::span<const std::size_t> rows) {
+  std::vector<bool> isGone(mRows.size());
+  for (const std::size_t row : rows) {
+    if (row < isGone.size()) isGone[row] = true;
+  }
+  std::size_t index = 0;
+  std::erase_if(mRows, [&](const RegionRow&) { return isGone[index++]; });
+}
+
+bool RegionTable::SetDescription(std::size_t row, std::string_view text) {
+  if (row >= mRows.size()) return false;
+  mRows[row].description = text;
+  return true;
+}
+
+bool RegionTable::SetSize(std::size_t row, SizeCode size) {
+  if (row >= mRows.size() || !IsOffered(SizesOffered(mRows[row].region.type), size)) return false;
+  mRows[row].size = size;
+  if (!IsOffered(FormatsOffered(size), mRows[row].format)) mRows[row].format = UsualFormat(size);
+  return true;
+}
+
+bool RegionTable::SetFormat(std::size_t row, FormatCode format) {
+  if (row >= mRows.size() || !IsOffered(FormatsOffered(mRows[row].size), format)) return false;
+  mRows[row].format = format;
+  return true;
+}
+
+void RegionTable::SetReadAt(std::size_t row, Instant when) {
+  if (row < mRows.size()) mRows[row].readAt = when;
+}
+
+bool RegionTable::RefreshValues(std::size_t row, const OperandStore& store) {
+  if (row >= mRows.size()) return false;
+  RegionRow& shown = mRows[row];
+  const std::vector<std::string> texts = store.Texts(shown.region);
+  // An operand that is not known would be shown as 0, which it may not be.
+  const bool isKnown = std::ranges::none_of(texts, &std::string::empty);
+  std::string values = isKnown ? DisplayRow(shown.region.type, texts, shown.size, shown.format) : std::string();
+  if (values == shown.values) return false;
+  shown.values = std::move(values);
+  return true;
+}
+
+}  // namespace kv::mdlDataTypesView

@@ -1,0 +1,68 @@
+#include "dataview/ValueEntry.h"
+
+#include <cstdint>
+
+#include "dataview/OperandCatalogue.h"
+#include "dataview/TimerText.h"
+#include "dataview/ValueRange.h"
+#include "models/ModelCatalogue.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+constexpr std::int64_t kLargestCounter = 65535;
+
+bool IsLegalTime(std::string_view model, std::string_view text) {
+  if (IsCompactDriverModel(model)) return ParseCompactTimerText(text).has_value();
+  return ParseTimerText(text).has_value() || (model.empty() && ParseCompactTimerText(text).has_value());
+}
+
+// The range check before a write lets any 32-bit number through to a counter.
+bool IsLegalCounter(std::string_view text) {
+  const auto number = WholeValueInRange(OperandTypeCode::CounterPreset, text);
+  return number && *number >= 0 && *number <= kLargestCounter;
+}
+
+}  // namespace
+
+std::string_view LegalEntries(OperandTypeCode type, std::string_view model) {
+  if (!IsWritableType(type)) return {};
+  switch (type) {
+    case OperandTypeCode::MB:
+    case OperandTypeCode::XB:
+      return "0 or 1";
+    case OperandTypeCode::MI:
+    case OperandTypeCode::XI:
+    case OperandTypeCode::DBI:
+      return "whole numbers from -32768 to 32767";
+    case OperandTypeCode::ML:
+    case OperandTypeCode::XL:
+      return "whole numbers from -2147483648 to 2147483647";
+    case OperandTypeCode::DW:
+    case OperandTypeCode::XDW:
+      return "whole numbers from 0 to 4294967295";
+    case OperandTypeCode::CounterPreset:
+    case OperandTypeCode::CounterCurrent:
+      return "whole numbers from 0 to 65535";
+    case OperandTypeCode::MF:
+      return "numbers from -3.402823e+38 to 3.402823e+38";
+    default:
+      return IsCompactDriverModel(model) ? "milliseconds (a multiple of 10) or times as hh:mm:ss.cc"
+                                         : "times as hh:mm:ss.cc, up to 99:59:59.99";
+  }
+}
+
+bool IsLegalEntry(OperandTypeCode type, std::string_view model, std::string_view text) {
+  switch (type) {
+    case OperandTypeCode::TimerPreset:
+    case OperandTypeCode::TimerCurrent:
+      return IsLegalTime(model, text);
+    case OperandTypeCode::CounterPreset:
+    case OperandTypeCode::CounterCurrent:
+      return IsLegalCounter(text);
+    default:
+      return IsWritableType(type) && IsValueInRange(type, text);
+  }
+}
+
+}  // namespace kv::mdlDataTypesView

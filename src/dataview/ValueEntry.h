@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string_view>
+
+#include "dataview/OperandTypes.h"
+
+// What a user may enter as the value of one operand. Stricter than the check before a write (ValueRange.h) where no
+// controller takes what that lets through: timers must be times, counters hold 16 bits.
+namespace kv::mdlDataTypesView {
+
+// "whole numbers from -32768 to 32767"; empty for a type that cannot be written. Without a model the times of both
+// families are meant.
+[[nodiscard]] std::string_view LegalEntries(OperandTypeCode type, std::string_view model);
+
+// False for a type that cannot be written.
+[[nodiscard]] bool IsLegalEntry(OperandTypeCode type, std::string_view model, std::string_view text);
+
+}  // namespace kv::mdlDataTypesView

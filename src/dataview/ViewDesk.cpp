@@ -1,0 +1,135 @@
+#include "dataview/ViewDesk.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+constexpr Duration kProgressPause = std::chrono::milliseconds(100);
+constexpr std::string_view kTitle = "Data Types";
+
+std::size_t IndexOf(OperandTypeCode type) {
+  return static_cast<std::size_t>(type) - 1;
+}
+
+// After these the controller may be out of reach, so that what is shown grows old.
+bool IsLoss(LinkErrorCode code) {
+  switch (code) {
+    case LinkErrorCode::CannotOpen:
+    case LinkErrorCode::NoReply:
+    case LinkErrorCode::Damaged:
+    case LinkErrorCode::LinkLost:
+    case LinkErrorCode::OtherController:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+void CellSpans::Add(OperandTypeCode type, std::int32_t from, std::int32_t to) {
+  if (to < from) return;
+  Span& span = mSpans[IndexOf(type)];
+  const bool isFirst = span.to < span.from;
+  span = {.from = isFirst ? from : std::min(span.from, from), .to = isFirst ? to : std::max(span.to, to)};
+}
+
+bool CellSpans::Touches(const Region& region) const {
+  const Span& span = mSpans[IndexOf(region.type)];
+  return span.from <= span.to && span.from <= region.to && span.to >= region.from;
+}
+
+void CellSpans::AddTo(GridChanges& changes) const {
+  for (std::int32_t code = 1; code <= kOperandTypeCount; ++code) {
+    const auto type = static_cast<OperandTypeCode>(code);
+    changes.AddOperands(type, mSpans[IndexOf(type)].from, mSpans[IndexOf(type)].to);
+  }
+}
+
+ViewDesk::ViewDesk(DataTypesViewParts viewParts, GridListener& viewListener)
+    : parts(viewParts), state{.operands = OperandStore({}), .regions = {}, .settings = {}}, mListener(viewListener) {}
+
+std::string ViewDesk::Caption() const {
+  return std::string(kTitle) + " - " + parts.shared.CurrentSession;
+}
+
+void ViewDesk::Say(std::string message) {
+  status.message = std::move(message);
+  status.isError = false;
+}
+
+void ViewDesk::SayError(std::string message) {
+  status.message = std::move(message);
+  status.isError = true;
+}
+
+void ViewDesk::SayLinkError(const LinkError& error, const std::string& whatElse) {
+  SayError(whatElse.empty() ? error.Text() : error.Text() + "\n" + whatElse);
+  status.linkLost = status.linkLost || IsLoss(error.code);
+}
+
+void ViewDesk::ShowBox(std::string_view text, bool isExclamation) {
+  parts.prompts.Show({.text = std::string(text),
+                      .title = Caption(),
+                      .icon = isExclamation ? PromptIcon::Exclamation : PromptIcon::Information});
+}
+
+bool ViewDesk::AskYesNo(std::string_view text) {
+  return parts.prompts.Show({.text = std::string(text),
+                             .title = Caption(),
+                             .icon = PromptIcon::Question,
+                             .buttons = PromptButtons::YesNo}) == PromptAnswer::Yes;
+}
+
+void ViewDesk::SetMode(ViewMode mode) {
+  status.mode = mode;
+  status.done = 0;
+  status.total = 0;
+  TellStatus();
+}
+
+void ViewDesk::TellStatus() {
+  status.edited = state.operands.EditedCount();
+  mProgressToldAt = Now();
+  mListener.StatusChanged();
+}
+
+void ViewDesk::TellProgress() {
+  if (mProgressToldAt == Instant::min() || Now() - mProgressToldAt >= kProgressPause) TellStatus();
+}
+
+void ViewDesk::TellChanges() {
+  const GridChanges told = std::exchange(changes, {});
+  if (!told.IsEmpty()) mListener.GridsChanged(told);
+}
+
+void ViewDesk::CellsChanged(const CellSpans& spans) {
+  spans.AddTo(changes);
+  const auto rows = state.regions.Rows();
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    if (spans.Touches(rows[row].region)) RefreshRow(row);
+  }
+}
+
+void ViewDesk::RefreshRow(std::size_t row) {
+  if (state.regions.RefreshValues(row, state.operands)) changes.AddRegion(static_cast<std::int32_t>(row));
+}
+
+void ViewDesk::RowSettingsChanged(std::size_t row) {
+  state.regions.RefreshValues(row, state.operands);
+  changes.AddRegion(static_cast<std::int32_t>(row));
+  changes.onlyValues = false;
+}
+
+void ViewDesk::RowsReplaced() {
+  for (std::size_t row = 0; row < state.regions.Rows().size(); ++row) {
+    state.regions.RefreshValues(row, state.operands);
+  }
+  changes.regionRowsReplaced = true;
+  changes.onlyValues = false;
+}
+
+}  // namespace kv::mdlDataTypesView

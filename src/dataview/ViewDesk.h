@@ -1,0 +1,77 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "dataview/GridChanges.h"
+#include "dataview/GridState.h"
+#include "dataview/UndoHistory.h"
+#include "dataview/ViewParts.h"
+#include "link/LinkError.h"
+
+namespace kv::mdlDataTypesView {
+
+// Cells that changed, one span a type.
+class CellSpans {
+ public:
+  void Add(OperandTypeCode type, std::int32_t from, std::int32_t to);
+  [[nodiscard]] bool Touches(const Region& region) const;
+  void AddTo(GridChanges& changes) const;
+
+ private:
+  struct Span {
+    std::int32_t from = 0;
+    std::int32_t to = -1;
+  };
+  std::array<Span, kOperandTypeCount> mSpans{};
+};
+
+// What the parts of the view work on in common: both grids, what has changed since the listener was last told, the
+// status and the history. It holds no rule about regions or the controller.
+class ViewDesk {
+ public:
+  ViewDesk(DataTypesViewParts viewParts, GridListener& viewListener);
+
+  DataTypesViewParts parts;
+  GridState state;
+  ViewStatus status;
+  GridChanges changes;
+  UndoHistory history;
+
+  [[nodiscard]] const std::string& Model() const { return state.operands.Model(); }
+  [[nodiscard]] std::string Caption() const;
+  [[nodiscard]] Instant Now() const { return parts.pacer.Now(); }
+
+  // The status line; shown with the next TellStatus.
+  void Say(std::string message);
+  void SayError(std::string message);
+  void SayLinkError(const LinkError& error, const std::string& whatElse = {});
+  // A message box under the view's caption.
+  void ShowBox(std::string_view text, bool isExclamation = true);
+  [[nodiscard]] bool AskYesNo(std::string_view text);
+
+  void SetMode(ViewMode mode);
+  void TellStatus();
+  // The same, but not more often than a user can read it.
+  void TellProgress();
+  // Announces what has changed since the last time, if anything, in one call.
+  void TellChanges();
+
+  // Notes cells that changed, and builds anew the regions that show them.
+  void CellsChanged(const CellSpans& spans);
+  void RefreshRow(std::size_t row);
+  // The row's description, size or format changed.
+  void RowSettingsChanged(std::size_t row);
+  // Rows came, went or moved.
+  void RowsReplaced();
+
+ private:
+  GridListener& mListener;
+  Instant mProgressToldAt = Instant::min();
+};
+
+}  // namespace kv::mdlDataTypesView
