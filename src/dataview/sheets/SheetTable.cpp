@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <system_error>
+#include <utility>
 
 namespace kv {
 namespace {
@@ -38,11 +39,15 @@ std::string NumberText(double value) {
   return IsWhole(value) ? Decimal(value, std::chars_format::fixed) : Decimal(value);
 }
 
+std::optional<std::string> FloatNumberText(double value) {
+  std::string text = Decimal(value, std::chars_format::general, kFloatDigits);
+  return ParseNumber(text) == value ? std::optional(std::move(text)) : std::nullopt;
+}
+
 SheetCell CellOf(std::string_view text) {
   if (text.empty()) return {};
   const auto value = ParseNumber(text);
-  const bool isNumber =
-      value && (NumberText(*value) == text || Decimal(*value, std::chars_format::general, kFloatDigits) == text);
+  const bool isNumber = value && (NumberText(*value) == text || FloatNumberText(*value) == text);
   return {isNumber ? SheetCell::Kind::Number : SheetCell::Kind::Text, std::string(text)};
 }
 

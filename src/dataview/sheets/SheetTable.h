@@ -42,6 +42,9 @@ inline constexpr std::size_t kMaxCellBytes = 4000;
 // back the same.
 [[nodiscard]] std::string NumberText(double value);
 
+// A single-precision value as the view writes it ("1.234568e+07"); nothing when its 7 digits do not say all of it.
+[[nodiscard]] std::optional<std::string> FloatNumberText(double value);
+
 // The number that a text or a file's characters say, without the locale; nothing for any other text and for what is
 // not finite.
 [[nodiscard]] std::optional<double> ParseNumber(std::string_view text);
