@@ -1,0 +1,396 @@
+#include "dataview/files/GridText.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "base/Crc32.h"
+#include "base/Numbers.h"
+#include "base/Time.h"
+#include "dataview/OperandCatalogue.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+constexpr std::string_view kRegionsFormat = "TELEPANEL-REGIONS 1";
+constexpr std::string_view kOperandsFormat = "TELEPANEL-OPERANDS 1";
+constexpr std::string_view kCheck = "check ";
+constexpr std::size_t kCheckDigits = 8;
+constexpr std::size_t kCheckLineLength = kCheck.size() + kCheckDigits + 1;
+
+// The first word of each line behind the format.
+constexpr std::string_view kSession = "session";
+constexpr std::string_view kModel = "model";
+constexpr std::string_view kWidths = "widths";
+constexpr std::string_view kRegion = "region";
+constexpr std::string_view kCursor = "cursor";
+constexpr std::string_view kWidth = "width";
+constexpr std::string_view kHidden = "hidden";
+constexpr std::string_view kRead = "read";
+constexpr std::string_view kEdited = "edited";
+
+constexpr std::int32_t kWidestColumn = 10000;
+
+// ---- writing ----
+
+// Keeps a text within its line and its cell.
+void AppendEscaped(std::string& out, std::string_view text) {
+  for (const char c : text) {
+    switch (c) {
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      default:
+        out += c;
+    }
+  }
+}
+
+void AppendNumbers(std::string& out, std::span<const std::int32_t> numbers) {
+  for (const std::int32_t number : numbers) out.append(" ").append(std::to_string(number));
+}
+
+void AppendNumberLine(std::string& out, std::string_view word, std::span<const std::int32_t> numbers) {
+  out += word;
+  AppendNumbers(out, numbers);
+  out += '\n';
+}
+
+void AppendTextLine(std::string& out, std::string_view word, std::string_view text) {
+  out.append(word).append(" ");
+  AppendEscaped(out, text);
+  out += '\n';
+}
+
+std::string Begin(std::string_view format, std::string_view session, std::string_view model) {
+  std::string out;
+  out.append(format).append("\n");
+  AppendTextLine(out, kSession, session);
+  AppendTextLine(out, kModel, model);
+  return out;
+}
+
+std::string WithCheck(std::string out) {
+  const std::uint32_t check = Crc32(out);
+  out += kCheck;
+  AppendHex(out, check, kCheckDigits);
+  out += '\n';
+  return out;
+}
+
+void AppendRegion(std::string& out, const RegionRow& row) {
+  const std::array numbers{static_cast<std::int32_t>(row.region.type), row.region.from, row.region.to,
+                           static_cast<std::int32_t>(row.size), static_cast<std::int32_t>(row.format)};
+  out += kRegion;
+  AppendNumbers(out, numbers);
+  out += ' ';
+  AppendEscaped(out, row.description);
+  out += '\n';
+}
+
+// The texts of a type, a line for each run of cells that came into the grid in the same way.
+void AppendCells(std::string& out, const OperandStore& store, OperandTypeCode type) {
+  CellOrigin run = CellOrigin::None;
+  for (std::int32_t address = 0; address < store.CountOf(type); ++address) {
+    const std::string& text = store.Text(type, address);
+    const CellOrigin origin = text.empty() ? CellOrigin::None : store.Origin(type, address);
+    if (origin != run && run != CellOrigin::None) out += '\n';
+    if (origin != run && origin != CellOrigin::None) {
+      out += origin == CellOrigin::Read ? kRead : kEdited;
+      AppendNumbers(out, std::array{static_cast<std::int32_t>(type), address});
+    }
+    if (origin != CellOrigin::None) {
+      out += '\t';
+      AppendEscaped(out, text);
+    }
+    run = origin;
+  }
+  if (run != CellOrigin::None) out += '\n';
+}
+
+std::vector<std::int32_t> NumbersOf(const HiddenRows& hidden) {
+  std::vector<std::int32_t> rows;
+  for (std::int32_t row = 1; row <= kOperandTypeCount; ++row) {
+    if (hidden.IsHidden(row)) rows.push_back(row);
+  }
+  return rows;
+}
+
+// ---- reading ----
+
+// Takes the text before the next `end` off `rest`, and the end with it; all of it when there is no end.
+std::string_view TakeUntil(std::string_view& rest, char end) {
+  const std::size_t at = rest.find(end);
+  const std::string_view piece = rest.substr(0, at);
+  rest.remove_prefix(at == std::string_view::npos ? rest.size() : at + 1);
+  return piece;
+}
+
+std::optional<std::string> Unescaped(std::string_view text) {
+  std::string plain;
+  plain.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\\') {
+      plain += text[i];
+      continue;
+    }
+    constexpr std::string_view kEscapes = "\\trn";
+    const std::size_t which = ++i < text.size() ? kEscapes.find(text[i]) : std::string_view::npos;
+    if (which == std::string_view::npos) return std::nullopt;
+    plain += "\\\t\r\n"[which];
+  }
+  return plain;
+}
+
+// Takes so many numbers off the front of `rest`, each followed by a blank or by the end.
+template <std::size_t count>
+std::optional<std::array<std::int32_t, count>> TakeNumbers(std::string_view& rest) {
+  std::array<std::int32_t, count> numbers;
+  for (std::int32_t& number : numbers) {
+    const auto parsed = ParseInteger(TakeUntil(rest, ' '));
+    if (!parsed || !std::in_range<std::int32_t>(*parsed)) return std::nullopt;
+    number = static_cast<std::int32_t>(*parsed);
+  }
+  return numbers;
+}
+
+std::optional<std::vector<std::int32_t>> AllNumbers(std::string_view rest, std::size_t most) {
+  std::vector<std::int32_t> numbers;
+  while (!rest.empty()) {
+    const auto number = TakeNumbers<1>(rest);
+    if (!number || numbers.size() == most) return std::nullopt;
+    numbers.push_back((*number)[0]);
+  }
+  return numbers;
+}
+
+bool IsTypeCode(std::int32_t code) {
+  return code >= 1 && code <= kOperandTypeCount;
+}
+
+// The lines of a file that is whole, without the check.
+class Lines {
+ public:
+  explicit Lines(std::string_view rest) : mRest(rest) {}
+
+  // The next line: its first word, and the rest behind the blank.
+  bool Next() {
+    if (mRest.empty()) return false;
+    ++mNumber;
+    mText = TakeUntil(mRest, '\n');
+    mWord = TakeUntil(mText, ' ');
+    return true;
+  }
+  [[nodiscard]] std::string_view Word() const { return mWord; }
+  [[nodiscard]] std::string_view Text() const { return mText; }
+
+  [[nodiscard]] std::unexpected<GridFault> Expected(const std::string& what) const {
+    return std::unexpected(GridFault{mNumber, "expected " + what});
+  }
+
+ private:
+  std::string_view mRest;
+  std::string_view mWord;
+  std::string_view mText;
+  std::size_t mNumber = 0;
+};
+
+std::expected<std::string_view, GridFault> WithoutCheck(std::string_view bytes) {
+  const auto lines = static_cast<std::size_t>(std::ranges::count(bytes, '\n'));
+  const GridFault fault{lines, "expected the check of all lines before: the file is damaged or was cut off"};
+  if (bytes.size() < kCheckLineLength || !bytes.ends_with('\n')) return std::unexpected(fault);
+  const std::string_view checked = bytes.substr(0, bytes.size() - kCheckLineLength);
+  const std::string_view check = bytes.substr(checked.size());
+  if (!checked.ends_with('\n') || !check.starts_with(kCheck)) return std::unexpected(fault);
+  if (ParseHex(check.substr(kCheck.size(), kCheckDigits)) != Crc32(checked)) return std::unexpected(fault);
+  return checked;
+}
+
+std::expected<std::string, GridFault> TakeText(Lines& lines, std::string_view word) {
+  if (!lines.Next() || lines.Word() != word) return lines.Expected("a line \"" + std::string(word) + " ...\"");
+  auto text = Unescaped(lines.Text());
+  if (!text) return lines.Expected("a text");
+  return *std::move(text);
+}
+
+std::expected<GridOwner, GridFault> TakeOwner(Lines& lines) {
+  auto session = TakeText(lines, kSession);
+  if (!session) return std::unexpected(session.error());
+  auto model = TakeText(lines, kModel);
+  if (!model) return std::unexpected(model.error());
+  return GridOwner{*std::move(session), *std::move(model)};
+}
+
+// The lines behind the first one, which must be `format`.
+std::expected<Lines, GridFault> Open(std::string_view bytes, std::string_view format) {
+  const auto checked = WithoutCheck(bytes);
+  if (!checked) return std::unexpected(checked.error());
+  Lines lines(*checked);
+  if (!checked->starts_with(format) || !checked->substr(format.size()).starts_with('\n')) {
+    return std::unexpected(GridFault{1, "expected \"" + std::string(format) + "\""});
+  }
+  lines.Next();
+  return lines;
+}
+
+// Which operands a region takes already.
+class TakenOperands {
+ public:
+  explicit TakenOperands(std::string_view model) : mModel(model) {}
+
+  // Takes the operands of the region; false when it is none of this model, or overlaps.
+  bool Take(const Region& region) {
+    if (OperandCount(region.type, mModel) == 0 || region.from < 0 || region.Count() < 1) return false;
+    if (IsPastOperandCount(region, mModel) || region.Count() > MaxOperandsPerRequest(region.type)) return false;
+    std::vector<bool>& taken = mTaken[static_cast<std::size_t>(region.type) - 1];
+    taken.resize(static_cast<std::size_t>(OperandCount(region.type, mModel)) + 1);  // one address too many passes
+    const auto first = taken.begin() + region.from;
+    const auto last = taken.begin() + region.to + 1;
+    if (std::find(first, last, true) != last) return false;
+    std::fill(first, last, true);
+    return true;
+  }
+
+ private:
+  std::string_view mModel;
+  std::array<std::vector<bool>, kOperandTypeCount> mTaken;
+};
+
+// Nothing for a line that is no region. A view that is not offered for the type becomes that of a new row.
+std::optional<RegionRow> ParseRegion(std::string_view text) {
+  const auto numbers = TakeNumbers<5>(text);
+  if (!numbers || !IsTypeCode((*numbers)[0])) return std::nullopt;
+  const auto [type, from, to, size, format] = *numbers;
+  auto description = Unescaped(text);
+  if (!description) return std::nullopt;
+  RegionRow row = NewRegionRow({from, to, OperandTypeCode{type}});
+  row.description = *std::move(description);
+  const auto sizes = SizesOffered(row.region.type);
+  if (std::ranges::find(sizes, SizeCode{size}) != sizes.end()) row.size = SizeCode{size};
+  const auto formats = FormatsOffered(row.size);
+  if (std::ranges::find(formats, FormatCode{format}) != formats.end()) row.format = FormatCode{format};
+  return row;
+}
+
+std::expected<void, GridFault> TakeRegionsLine(const Lines& lines, TakenOperands& taken, RegionsGrid& grid) {
+  if (lines.Word() == kWidths) {
+    auto widths = AllNumbers(lines.Text(), kRegionColumnCount);
+    const auto isWidth = [](std::int32_t width) { return width >= 0 && width <= kWidestColumn; };
+    if (!widths || !std::ranges::all_of(*widths, isWidth)) return lines.Expected("the widths of up to 8 columns");
+    grid.columnWidths = *std::move(widths);
+    return {};
+  }
+  if (lines.Word() != kRegion) return lines.Expected("a line of the regions table");
+  auto row = ParseRegion(lines.Text());
+  if (!row) return lines.Expected("type, first and last address, size, format and description of a region");
+  if (taken.Take(row->region)) {
+    grid.rows.push_back(*std::move(row));
+  } else {
+    ++grid.leftOut;
+  }
+  return {};
+}
+
+// The texts of a line "type from TAB text TAB text ...", as far as the model has such operands.
+std::expected<void, GridFault> TakeCells(const Lines& lines, OperandsGrid& grid) {
+  std::string_view texts = lines.Text();
+  std::string_view place = TakeUntil(texts, '\t');
+  const auto numbers = TakeNumbers<2>(place);
+  if (!numbers || !place.empty() || !IsTypeCode((*numbers)[0]) || (*numbers)[1] < 0 || texts.empty()) {
+    return lines.Expected("an operand type, an address and the texts from there on");
+  }
+  const OperandTypeCode type{(*numbers)[0]};
+  const std::int64_t from = (*numbers)[1];
+  for (std::int64_t address = from; !texts.empty(); ++address) {
+    const auto text = Unescaped(TakeUntil(texts, '\t'));
+    if (!text || text->empty()) return lines.Expected("texts separated by tabs");
+    if (address >= grid.operands.CountOf(type)) {
+      ++grid.leftOut;
+    } else if (const auto cell = static_cast<std::int32_t>(address); lines.Word() == kEdited) {
+      grid.operands.Edit(type, cell, *text);
+    } else {
+      grid.operands.SetRead({cell, cell, type}, std::span(&*text, 1), Instant::min());
+    }
+  }
+  return {};
+}
+
+std::expected<void, GridFault> TakeOperandsLine(const Lines& lines, OperandsGrid& grid) {
+  if (lines.Word() == kRead || lines.Word() == kEdited) return TakeCells(lines, grid);
+  const auto numbers = AllNumbers(lines.Text(), kOperandTypeCount);
+  if (!numbers) return lines.Expected("numbers");
+  if (lines.Word() == kHidden) {
+    for (const std::int32_t row : *numbers) grid.settings.hidden.Set(row, true);
+  } else if (lines.Word() == kWidth && numbers->size() == 1) {
+    grid.settings.operandColumnWidth = std::clamp(numbers->front(), 0, kWidestColumn);
+  } else if (lines.Word() == kCursor && numbers->size() == 2) {
+    grid.settings.currentRow = std::clamp(numbers->front(), 1, kOperandTypeCount);
+    grid.settings.currentColumn = std::clamp(numbers->back(), 1, grid.operands.WidestCount());
+  } else {
+    return lines.Expected("a line of the operand grid");
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string PrintRegionsGrid(const GridState& state, std::string_view session) {
+  std::string out = Begin(kRegionsFormat, session, state.operands.Model());
+  AppendNumberLine(out, kWidths, state.settings.regionColumnWidths);
+  for (const RegionRow& row : state.regions.Rows()) AppendRegion(out, row);
+  return WithCheck(std::move(out));
+}
+
+std::string PrintOperandsGrid(const GridState& state, std::string_view session) {
+  const GridSettings& settings = state.settings;
+  std::string out = Begin(kOperandsFormat, session, state.operands.Model());
+  AppendNumberLine(out, kCursor, std::array{settings.currentRow, settings.currentColumn});
+  AppendNumberLine(out, kWidth, std::array{settings.operandColumnWidth});
+  AppendNumberLine(out, kHidden, NumbersOf(settings.hidden));
+  for (std::int32_t row = 1; row <= kOperandTypeCount; ++row) AppendCells(out, state.operands, TypeOfRow(row));
+  return WithCheck(std::move(out));
+}
+
+std::expected<RegionsGrid, GridFault> ParseRegionsGrid(std::string_view bytes, std::string_view model) {
+  auto lines = Open(bytes, kRegionsFormat);
+  if (!lines) return std::unexpected(lines.error());
+  auto owner = TakeOwner(*lines);
+  if (!owner) return std::unexpected(owner.error());
+  RegionsGrid grid{.owner = *std::move(owner), .rows = {}, .columnWidths = {}, .leftOut = 0};
+  TakenOperands taken(model);
+  while (lines->Next()) {
+    if (const auto line = TakeRegionsLine(*lines, taken, grid); !line) return std::unexpected(line.error());
+  }
+  return grid;
+}
+
+std::expected<OperandsGrid, GridFault> ParseOperandsGrid(std::string_view bytes, std::string_view model) {
+  auto lines = Open(bytes, kOperandsFormat);
+  if (!lines) return std::unexpected(lines.error());
+  auto owner = TakeOwner(*lines);
+  if (!owner) return std::unexpected(owner.error());
+  OperandsGrid grid{.owner = *std::move(owner), .operands = OperandStore(model), .settings = {}, .leftOut = 0};
+  while (lines->Next()) {
+    if (const auto line = TakeOperandsLine(*lines, grid); !line) return std::unexpected(line.error());
+  }
+  return grid;
+}
+
+std::expected<GridOwner, GridFault> OwnerOfGrid(std::string_view bytes) {
+  auto lines = Open(bytes, bytes.starts_with(kRegionsFormat) ? kRegionsFormat : kOperandsFormat);
+  if (!lines) return std::unexpected(lines.error());
+  return TakeOwner(*lines);
+}
+
+}  // namespace kv::mdlDataTypesView
