@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <string>
+#include <expected>
+#include <span>
 #include <vector>
 
 #include "clone/CloneInfo.h"
@@ -23,5 +25,32 @@ struct CloneComparison {
   [[nodiscard]] bool IsSame() const;
   [[nodiscard]] std::uint64_t DifferingBytes() const;
 };
+
+// For the two comparisons. Adds the places at which two stretches of one length, both from `address` on, differ.
+void AddDifferences(std::uint32_t address, std::span<const std::uint8_t> first, std::span<const std::uint8_t> second,
+                    AddressRanges& differing);
+
+// Bytes of all segments that the file names.
+[[nodiscard]] std::uint64_t BytesOf(const CloneInfo& info);
+
+// Compares a segment piece by piece: `readPiece(offset, count, differing)` compares one of them. `done` counts the
+// bytes of all segments and goes on.
+template <typename ReadPiece>
+[[nodiscard]] std::expected<SegmentDifference, CloneOutcome> CompareSegment(const CloneSegment& segment,
+                                                                            const CloneWork& work, std::uint64_t& done,
+                                                                            std::uint64_t total, ReadPiece readPiece) {
+  constexpr std::uint32_t kPiece = 4096;  // the most that one memory read may carry
+  SegmentDifference difference{segment, {}};
+  for (std::uint32_t offset = 0; offset < segment.length;) {
+    if (work.IsStopped()) return std::unexpected(CloneOutcome::OfStop());
+    const std::uint32_t count = segment.length - offset < kPiece ? segment.length - offset : kPiece;
+    const std::expected<void, CloneOutcome> compared = readPiece(offset, count, difference.differing);
+    if (!compared) return std::unexpected(compared.error());
+    offset += count;
+    done += count;
+    work.Report(segment.code, done, total);
+  }
+  return difference;
+}
 
 }  // namespace kv

@@ -16,7 +16,8 @@ enum class CloneEnd { Done, Stopped, Failed };
 enum class CloneCause {
   None,
   Stop,      // the user
-  NotFit,    // the controller cannot be cloned: its O/S, or memory of a shape that a clone file cannot hold
+  OldOs,     // the controller's O/S is too old to be cloned
+  Segments,  // its memory is named by a table that cannot be used, or of a shape that a clone file cannot hold
   Password,  // none was given, it was too long, or the controller does not take it
   File,      // the clone file cannot be read, written or understood
   Link,      // an exchange with the controller failed; `link` says how

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <expected>
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -63,9 +67,14 @@ class clsDumpPLC {
   [[nodiscard]] Step LeaveRunning(Channel& link);
   [[nodiscard]] Step WriteLine(std::string_view line);
 
-  [[nodiscard]] Step Restore(SerialPortObject& port, const std::filesystem::path& file, const Channel* link);
-  [[nodiscard]] Step SendCloneCommand(SerialPortObject& port, std::string_view line, const Channel* link);
-  [[nodiscard]] Step WaitCloneReply(SerialPortObject& port, const Channel* link);
+  [[nodiscard]] Step Restore(SerialPortObject& port, const std::filesystem::path& file);
+  // Shows the head; the number of command lines.
+  [[nodiscard]] std::expected<std::int64_t, CloneOutcome> ShowHead(const std::filesystem::path& file);
+  [[nodiscard]] Step RestoreLine(SerialPortObject& port, std::string_view line, std::size_t number);
+  [[nodiscard]] Step SendCloneCommand(SerialPortObject& port, std::string_view line);
+  [[nodiscard]] Step WaitCloneReply(SerialPortObject& port);
+  [[nodiscard]] CloneOutcome PortFailure(CloneCause cause, const std::string& reason) const;
+  [[nodiscard]] std::string WhatIsLeft() const;
 
   void Show(std::string_view text, PromptIcon icon);
   [[nodiscard]] bool IsStopRequested() const { return mIsStopped || mPacer.StopRequested(); }
@@ -77,6 +86,13 @@ class clsDumpPLC {
   AppendFile mFile;
   CloneOutcome mOutcome;
   bool mIsStopped = false;
+  bool mHasStoppedProgram = false;  // and not started it again
+
+  // Of a restore.
+  const Channel* mLink = nullptr;
+  std::string mOldLinkError;    // what its last error was before
+  std::int64_t mCommands = 0;   // lines to send
+  std::int64_t mSentLines = 0;  // that were answered with OK
 };
 
 }  // namespace kv

@@ -1,0 +1,235 @@
+#include "clone/clsDumpPLC.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "base/AnsiText.h"
+#include "clone/CloneFrame.h"
+#include "clone/CloneLines.h"
+#include "link/OsVersion.h"
+
+// Creating a clone. Restoring is in clsDumpPLCRestore.cpp.
+namespace kv {
+namespace {
+
+constexpr int kFirstOsWithClones = 460;
+constexpr std::size_t kLongestPassword = 8;
+constexpr std::uint32_t kBlock = 512;
+constexpr int kFirstRefusalStatus = 128;
+
+// Short date, TAB, short time, both without the locale so that a file says the same everywhere.
+std::string DateAndTime(std::chrono::local_seconds now) {
+  const auto day = std::chrono::floor<std::chrono::days>(now);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss time(now - day);
+  std::array<char, 64> text;
+  std::snprintf(text.data(), text.size(), "%04d-%02u-%02u\t%02d:%02d:%02d", static_cast<int>(date.year()),
+                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+                static_cast<int>(time.seconds().count()));
+  return text.data();
+}
+
+std::unexpected<CloneOutcome> Failure(CloneCause cause, std::string reason) {
+  return std::unexpected(CloneOutcome::Failed(cause, std::move(reason)));
+}
+
+std::unexpected<CloneOutcome> LinkFailure(const Channel& link) {
+  return std::unexpected(CloneOutcome::OfLink(link.LastError()));
+}
+
+std::unexpected<CloneOutcome> FileFailure(const FileError& error) {
+  return std::unexpected(CloneOutcome::OfFile(error));
+}
+
+std::string SegmentLine(const std::vector<CloneSegment>& segments, const SegmentBoxes& boxes) {
+  std::string line;
+  for (const CloneSegment& segment : segments) {
+    if (!IsIncluded(segment.code, boxes)) continue;
+    line += segment.code + "," + std::to_string(segment.start) + "," + std::to_string(segment.length) + "\t";
+  }
+  return line;
+}
+
+// Frames carry whole words, so a last single byte would be lost.
+std::expected<void, CloneOutcome> CheckLengths(const std::vector<CloneSegment>& segments, const SegmentBoxes& boxes) {
+  for (const CloneSegment& segment : segments) {
+    if (segment.length % 2 == 0 || !IsIncluded(segment.code, boxes)) continue;
+    return Failure(CloneCause::Segments, "Segment " + segment.code + " has an odd length (" +
+                                             std::to_string(segment.length) +
+                                             " bytes), which a clone file cannot hold. Nothing was read; take its "
+                                             "segment out of the clone, if there is a box for it.");
+  }
+  return {};
+}
+
+}  // namespace
+
+void clsDumpPLC::CreateGhost(Channel& link, const std::filesystem::path& file) {
+  mHasStoppedProgram = false;
+  const Step created = Create(link, file);
+  mOutcome = created ? CloneOutcome() : created.error();
+  if (created) return Show("Clone File Created Successfully.", PromptIcon::Information);
+  if (mOutcome.cause == CloneCause::OldOs) {
+    Show("The PLC does not supports clones.", PromptIcon::None);
+    static_cast<void>(mFile.Keep());  // the empty file stays, safe or not
+    return;
+  }
+  if (mHasStoppedProgram) {
+    mOutcome.reason += "\nThe controller's program was stopped for this clone and still is: start it again.";
+  }
+  Show("Operation Failed.", PromptIcon::None);
+  mFile.Delete();
+}
+
+clsDumpPLC::Step clsDumpPLC::Create(Channel& link, const std::filesystem::path& file) {
+  if (auto made = mFile.Create(file); !made) return FileFailure(made.error());
+  const auto version = SupportsCloning(link);
+  if (!version) return std::unexpected(version.error());
+  const auto segments = ReadSegmentTable(link);
+  if (!segments) return std::unexpected(segments.error());
+  mWindow.FillSegments(*segments);
+  const SegmentBoxes boxes = mWindow.CheckedSegments();
+  if (auto fit = CheckLengths(*segments, boxes); !fit) return fit;
+
+  if (auto stopped = StopProgram(link); !stopped) return stopped;
+  if (auto written = WriteHead(*version, *segments, boxes); !written) return written;
+  if (auto dumped = DumpSegments(link, *segments, boxes); !dumped) return dumped;
+  if (auto written = WriteLine(BuildEndFrame(link.UnitID())); !written) return written;
+  if (auto running = LeaveRunning(link); !running) return running;
+  if (auto kept = mFile.Keep(); !kept) return FileFailure(kept.error());
+  return {};
+}
+
+std::expected<VersionInfo, CloneOutcome> clsDumpPLC::SupportsCloning(Channel& link) {
+  const auto version = link.GetVersionInfo(link.UnitID());
+  if (!version) return LinkFailure(link);
+  if (ParsePlainOsVersion(version->osVersion).value_or(0) < kFirstOsWithClones) {
+    return Failure(CloneCause::OldOs, "The controller's O/S version is \"" + AnsiToUtf8(version->osVersion) +
+                                          "\"; clones need 4.60 or newer, in plain digits. Update its O/S first.");
+  }
+  return *version;
+}
+
+std::expected<clsDumpPLC::Segments, CloneOutcome> clsDumpPLC::ReadSegmentTable(Channel& link) {
+  const auto entered = mPrompts.Ask(
+      {.text = "Enter Password Up To 8 Chars", .title = std::string(kClonerCaption), .initial = "", .secret = true});
+  std::string password = Utf8ToAnsi(entered.value_or(""));
+  if (password.empty()) return Failure(CloneCause::Password, "No password was given.");
+  if (password.size() > kLongestPassword) {
+    return Failure(CloneCause::Password, "The password that was given has more than 8 characters.");
+  }
+  password.resize(kLongestPassword, ' ');
+  const auto reply = link.SendCommand("GI" + password);
+  if (!reply) return LinkFailure(link);
+  auto segments = ParseSegmentTable(reply->text);
+  if (segments) return *std::move(segments);
+  const bool isPassword = reply->text.starts_with("GI0");
+  return Failure(isPassword ? CloneCause::Password : CloneCause::Segments,
+                 "Reading the segment table failed: " + segments.error() + ".");
+}
+
+std::expected<bool, CloneOutcome> clsDumpPLC::IsRunning(Channel& link) {
+  DownloadEngine* engine = link.GetDownloadEngine();
+  if (engine == nullptr) return LinkFailure(link);
+  engine->SetMessage({.opCode = 0, .param1 = 7, .dataLength = 2, .param3 = 0, .param4 = 0});
+  if (!engine->Send()) return LinkFailure(link);
+  if (engine->ReplyStatus() >= kFirstRefusalStatus || engine->ReplyBytes().empty()) {
+    return Failure(CloneCause::Link, "The controller did not tell whether its program runs (status " +
+                                         std::to_string(engine->ReplyStatus()) + "). Try again.");
+  }
+  const std::uint8_t state = engine->ReplyBytes().front();
+  return state == 'R' || state == 'I';
+}
+
+clsDumpPLC::Step clsDumpPLC::StopProgram(Channel& link) {
+  const auto isRunning = IsRunning(link);
+  if (!isRunning) return std::unexpected(isRunning.error());
+  if (!*isRunning) return {};
+  const PromptAnswer answer = mPrompts.Show({.text = "The PLC is about to STOP, Continue?",
+                                             .title = std::string(kClonerCaption),
+                                             .icon = PromptIcon::Question,
+                                             .buttons = PromptButtons::YesNo});
+  if (answer != PromptAnswer::Yes) return {};  // the clone is then made of the running controller
+  if (!link.StopController(link.UnitID())) return LinkFailure(link);
+  mHasStoppedProgram = true;
+  return {};
+}
+
+clsDumpPLC::Step clsDumpPLC::WriteHead(const VersionInfo& version, const Segments& segments,
+                                       const SegmentBoxes& boxes) {
+  const std::string lines[] = {
+      "Korvantis Clone File:\tV100\t" + DateAndTime(mClock.LocalTime()),
+      version.model + "\t" + version.hardwareCode + "\t" + version.osVersion + "\t" + version.osBuild,
+      SegmentLine(segments, boxes),
+      "",
+  };
+  for (const std::string& line : lines) {
+    if (auto written = WriteLine(line); !written) return written;
+  }
+  return {};
+}
+
+clsDumpPLC::Step clsDumpPLC::DumpSegments(Channel& link, const Segments& segments, const SegmentBoxes& boxes) {
+  for (std::size_t i = 0; i < segments.size(); ++i) {
+    if (!IsIncluded(segments[i].code, boxes)) continue;
+    mWindow.Event_SegmentIndex(static_cast<int>(i + 1));
+    if (auto dumped = DumpSegment(link, segments[i]); !dumped) return dumped;
+    mPacer.DoEvents();
+    if (IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
+  }
+  return {};
+}
+
+clsDumpPLC::Step clsDumpPLC::DumpSegment(Channel& link, const CloneSegment& segment) {
+  const std::uint32_t blocks = segment.length / kBlock;
+  const std::uint32_t rest = segment.length % kBlock;
+  mWindow.Event_ProgressBarInit(0, blocks);
+  for (std::uint32_t block = 1; block <= blocks; ++block) {
+    if (auto dumped = DumpBlock(link, segment, (block - 1) * kBlock, kBlock); !dumped) return dumped;
+    mWindow.Event_ProgressBarValue(block);
+    mPacer.DoEvents();  // lets the stop button be pressed
+    if (IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
+  }
+  if (rest == 0) return {};
+  return DumpBlock(link, segment, blocks * kBlock, rest);
+}
+
+clsDumpPLC::Step clsDumpPLC::DumpBlock(Channel& link, const CloneSegment& segment, std::uint32_t offset,
+                                       std::uint32_t count) {
+  const std::uint32_t address = segment.start + offset;
+  const auto block = link.ReadMemoryBlock(address, count, link.UnitID());
+  if (!block) return LinkFailure(link);
+  if (block->size() != count) {
+    return Failure(CloneCause::Link, "The controller handed over " + std::to_string(block->size()) +
+                                         " bytes of segment " + segment.code + " instead of " + std::to_string(count) +
+                                         ".");
+  }
+  const auto write = [this](std::string_view frame) -> std::expected<void, FileError> {
+    return mFile.Append(std::string(frame) + "\r\n");
+  };
+  if (auto written = WriteDataLines(*block, address, segment.kind, link.UnitID(), write); !written) {
+    return FileFailure(written.error());
+  }
+  return {};
+}
+
+clsDumpPLC::Step clsDumpPLC::LeaveRunning(Channel& link) {
+  const auto isRunning = IsRunning(link);
+  if (!isRunning) return std::unexpected(isRunning.error());
+  if (!*isRunning && !link.RunController(link.UnitID())) return LinkFailure(link);
+  mHasStoppedProgram = false;
+  return {};
+}
+
+clsDumpPLC::Step clsDumpPLC::WriteLine(std::string_view line) {
+  if (auto written = mFile.Append(std::string(line) + "\r\n"); !written) return FileFailure(written.error());
+  return {};
+}
+
+void clsDumpPLC::Show(std::string_view text, PromptIcon icon) {
+  mPrompts.Show({.text = std::string(text), .title = std::string(kClonerCaption), .icon = icon});
+}
+
+}  // namespace kv

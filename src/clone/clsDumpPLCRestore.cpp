@@ -1,0 +1,172 @@
+#include <algorithm>
+#include <chrono>
+
+#include "base/AnsiText.h"
+#include "base/PathText.h"
+#include "clone/CloneFile.h"
+#include "clone/clsDumpPLC.h"
+#include "link/ControllerErrorText.h"
+#include "link/HexHelpers.h"
+
+// Restoring a clone: nothing but sending the lines of the file and waiting for an OK to each.
+namespace kv {
+namespace {
+
+constexpr Duration kTurn = std::chrono::milliseconds(10);
+constexpr Duration kLongestReply = std::chrono::seconds(10);
+constexpr std::size_t kBufferReserve = 10;
+
+constexpr std::string_view kNotReady = "PLC Reply Error, the PLC is not ready for Cloning";
+
+using Line = std::expected<std::string, CloneOutcome>;
+
+Line NextHeadLine(CloneLineReader& lines) {
+  auto line = lines.Next();
+  if (!line) return std::unexpected(CloneOutcome::OfFile(line.error()));
+  if (*line) return std::string(**line);
+  return std::unexpected(CloneOutcome::OfFile({lines.Name(), "line " + std::to_string(lines.LineNumber() + 1),
+                                               "expected four head lines: the file ends before"}));
+}
+
+// The first lines as the user is shown them.
+std::expected<std::string, CloneOutcome> ReadHead(CloneLineReader& lines) {
+  std::string head;
+  for (int i = 0; i < 3; ++i) {
+    const auto line = NextHeadLine(lines);
+    if (!line) return std::unexpected(line.error());
+    head += (i > 0 ? "\r\n" : "") + AnsiToUtf8(*line);
+  }
+  return head;
+}
+
+std::expected<std::int64_t, CloneOutcome> CountCommands(CloneLineReader& lines) {
+  if (const auto empty = NextHeadLine(lines); !empty) return std::unexpected(empty.error());
+  std::int64_t count = 0;
+  while (true) {
+    const auto line = lines.Next();
+    if (!line) return std::unexpected(CloneOutcome::OfFile(line.error()));
+    if (!*line) return count;
+    ++count;
+  }
+}
+
+// What a controller means that answers without OK.
+std::string MeaningOf(const std::string& reply) {
+  constexpr std::string_view kError = "ERROR";
+  const std::string shown = "\"" + AnsiToUtf8(reply.substr(0, std::min<std::size_t>(reply.find('\r'), 60))) + "\"";
+  const std::size_t at = reply.find(kError);
+  const auto code = at == std::string::npos ? std::nullopt : HexPairToByte(reply.substr(at + kError.size(), 2));
+  if (!code) return "it was answered with " + shown + ", which is no OK. Likely cause: noise on the line.";
+  const ControllerErrorMeaning meaning = ControllerErrorText(*code);
+  return "the controller refused it: " + std::string(meaning.meaning) + " (" + shown +
+         "). What to do: " + std::string(meaning.cure) + ".";
+}
+
+}  // namespace
+
+void clsDumpPLC::RestoreGhost(SerialPortObject& port, const std::filesystem::path& file, const Channel* link) {
+  mLink = link;
+  mOldLinkError = link == nullptr ? "" : link->LastError().Text();
+  mCommands = 0;
+  mSentLines = 0;
+  const Step restored = Restore(port, file);
+  mOutcome = restored ? CloneOutcome() : restored.error();
+  if (restored) return Show("Clone Restore Successfully.", PromptIcon::Information);
+  if (mSentLines > 0) mOutcome.reason += "\n" + WhatIsLeft();
+  Show("Operation Failed.", PromptIcon::None);
+}
+
+std::string clsDumpPLC::WhatIsLeft() const {
+  if (mSentLines >= mCommands) return "All lines of the clone file were written before.";
+  return std::to_string(mSentLines) + " of " + std::to_string(mCommands) +
+         " lines of the clone file were written before and stay so: the controller's memory is part of the clone, and "
+         "its program is stopped. Restore the whole file again.";
+}
+
+CloneOutcome clsDumpPLC::PortFailure(CloneCause cause, const std::string& reason) const {
+  CloneOutcome outcome = CloneOutcome::Failed(cause, reason);
+  const bool hasReason = mLink != nullptr && mLink->LastError().Text() != mOldLinkError;
+  if (!hasReason) return outcome;
+  outcome.link = mLink->LastError();
+  outcome.reason += "\n" + outcome.link.Text();
+  return outcome;
+}
+
+clsDumpPLC::Step clsDumpPLC::Restore(SerialPortObject& port, const std::filesystem::path& file) {
+  const auto commands = ShowHead(file);
+  if (!commands) return std::unexpected(commands.error());
+  mCommands = *commands;
+  mWindow.Event_ProgressBarInit(0, mCommands);
+
+  auto stream = OpenCloneFile(file);
+  if (!stream) return std::unexpected(CloneOutcome::OfFile(stream.error()));
+  CloneLineReader lines(*stream, Utf8FromPath(file));
+  for (std::size_t i = 0; i < kCloneHeadLines; ++i) {
+    if (const auto line = NextHeadLine(lines); !line) return std::unexpected(line.error());
+  }
+  while (true) {
+    const auto line = lines.Next();
+    if (!line) return std::unexpected(CloneOutcome::OfFile(line.error()));
+    if (!*line) return {};
+    if (auto sent = RestoreLine(port, **line, lines.LineNumber()); !sent) return sent;
+  }
+}
+
+std::expected<std::int64_t, CloneOutcome> clsDumpPLC::ShowHead(const std::filesystem::path& file) {
+  auto stream = OpenCloneFile(file);
+  if (!stream) return std::unexpected(CloneOutcome::OfFile(stream.error()));
+  CloneLineReader lines(*stream, Utf8FromPath(file));
+  const auto head = ReadHead(lines);
+  if (!head) return std::unexpected(head.error());
+  Show(*head, PromptIcon::None);
+  return CountCommands(lines);
+}
+
+clsDumpPLC::Step clsDumpPLC::RestoreLine(SerialPortObject& port, std::string_view line, std::size_t number) {
+  mWindow.Event_AddWriteCommand(line);
+  Step done = SendCloneCommand(port, line);
+  if (done) done = WaitCloneReply(port);
+  if (!done) {
+    done.error().reason = "Line " + std::to_string(number) + " of the clone file: " + done.error().reason;
+    return done;
+  }
+  mWindow.Event_ProgressBarValue(++mSentLines);
+  if (IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
+  return {};
+}
+
+clsDumpPLC::Step clsDumpPLC::SendCloneCommand(SerialPortObject& port, std::string_view line) {
+  port.SetInBufferCount(0);
+  if (port.Output(line)) return {};
+  return std::unexpected(PortFailure(CloneCause::Link, "it could not be sent, because the link is down."));
+}
+
+clsDumpPLC::Step clsDumpPLC::WaitCloneReply(SerialPortObject& port) {
+  const auto fail = [&](const std::string& reason) -> Step {
+    Show(kNotReady, PromptIcon::None);
+    return std::unexpected(PortFailure(CloneCause::Reply, reason));
+  };
+  const Instant start = mPacer.Now();
+  std::string reply;
+  while (reply.find('\r') == std::string::npos) {
+    mPacer.Sleep(kTurn);
+    mPacer.DoEvents();
+    reply += port.Input();
+    if (reply.find('/') != std::string::npos && reply.find('\r') != std::string::npos) {
+      mPacer.Sleep(kTurn);
+      break;
+    }
+    if (reply.size() + kBufferReserve > port.InBufferSize()) {
+      return fail("the reply does not end. Likely cause: noise on the line, or another speed.");
+    }
+    if (mPacer.Now() - start > kLongestReply) {
+      return fail(
+          "no reply within 10 s. Likely cause: the controller is switched off, has another unit id than the file, or "
+          "the line broke.");
+    }
+  }
+  if (reply.find("OK") == std::string::npos) return fail(MeaningOf(reply));
+  return {};
+}
+
+}  // namespace kv

@@ -1,0 +1,129 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "clone/CloneFrame.h"
+#include "clone/CloneInfo.h"
+
+namespace kv {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const std::string kTitle = "Korvantis Clone File:\tV100\ta\tb\r\n";
+const std::string kVersion = "K220-22-R1\t10\t4.60\t19\r\n";
+const std::string kSegments = "HW,4096,260\tMM,8192,520\t\r\n";
+const std::string kHead = kTitle + kVersion + kSegments + "\r\n";
+
+std::string Write(MemoryKind kind, std::uint32_t address, std::size_t count, std::uint8_t unit = 1) {
+  return BuildWriteFrame(unit, kind, address, Bytes(count, 0x5A)) + "\r\n";
+}
+const std::string kHw1 = Write(MemoryKind::Flash, 0x1000, 128);
+const std::string kHw2 = Write(MemoryKind::Flash, 0x1080, 128);
+const std::string kHw3 = Write(MemoryKind::Flash, 0x1100, 4);
+const std::string kMm1 = Write(MemoryKind::Ram, 0x2000, 256);
+const std::string kMm2 = Write(MemoryKind::Ram, 0x2100, 256);
+const std::string kMm3 = Write(MemoryKind::Ram, 0x2200, 8);
+const std::string kEnd = BuildEndFrame(1) + "\r\n";
+
+CloneInfo Inspect(const std::string& content) {
+  std::istringstream stream(content);
+  return InspectClone(stream, "x.kdf", content.size()).value();
+}
+
+TEST(CloneInfo, TellsWhatAWholeFileHolds) {
+  const CloneInfo info = Inspect(kHead + kHw1 + kHw3 + kMm1 + kMm2 + kEnd);
+  EXPECT_THAT(info.damages, IsEmpty());
+  EXPECT_EQ(info.head->version.model, "K220-22-R1");
+  EXPECT_EQ(info.head->created, "a b");
+  EXPECT_EQ(info.unit, 1);
+  EXPECT_EQ(info.frames, 5U);
+  ASSERT_EQ(info.segments.size(), 2U);
+  EXPECT_EQ(info.segments[0].segment, (CloneSegment{"HW", MemoryKind::Flash, 4096, 260}));
+  EXPECT_EQ(info.segments[0].covered.Ranges(), (std::vector<AddressRange>{{0x1000, 0x107F}, {0x1100, 0x1103}}));
+  EXPECT_EQ(info.segments[1].covered.Ranges(), (std::vector<AddressRange>{{0x2000, 0x21FF}}));
+  EXPECT_THAT(FindingsBeforeRestore(info, info.head->version, 1), IsEmpty());
+  EXPECT_EQ(FindingsBeforeRestore(info, {.model = "K330"}, 2).size(), 2U);
+  const std::string unsized = "HW,4096,260\tMM,8192,0\t\r\n";
+  EXPECT_TRUE(Inspect(kTitle + kVersion + unsized + "\r\n" + kEnd).IsSound());  // all of it erased
+}
+
+TEST(CloneInfo, NamesTheLineOfEachDamage) {
+  std::string wrongSum = kHw1;
+  wrongSum[20] = '4';
+  struct Row {
+    std::string content;
+    std::size_t line;
+    std::string expected;
+  };
+  const std::vector<Row> rows = {
+      {"", 1, "four head lines"},
+      {"PK\x03\x04", 1, "title"},
+      {"Korvantis Clone File:\tV200\ta\tb\r\n", 2 - 1, "V100"},
+      {kTitle + "K220\t10\t4.60\r\n", 2, "four version texts"},
+      {kTitle + kVersion + "HW,4096,261\t\r\n", 3, "even length of segment 1"},
+      {kTitle + kVersion + "HW,4294967294,4\t\r\n", 3, "segment 1"},
+      {kTitle + kVersion + "HW,4096,260\tMM,8192\t\r\n", 3, "segment 2"},
+      {kTitle + kVersion + "HW,4096,260\r\n", 3, "a tab"},
+      {kTitle + kVersion + kSegments + kEnd, 4, "an empty line"},
+      {kHead, 5, "cut"},
+      {kHead + kHw1 + kHw2.substr(0, 100), 6, "cut"},
+      {kHead + kHw1 + kMm1 + kMm2, 8, "end frame"},
+      {kHead + wrongSum + kHw2 + kMm1 + kMm2 + kEnd, 5, "the checksum"},
+      {kHead + kHw1.substr(1) + kMm1 + kMm2 + kEnd, 5, "begins with"},
+      {kHead + kHw2 + kHw1 + kMm1 + kMm2 + kEnd, 6, "out of order"},
+      {kHead + kMm1 + kMm2 + kHw1 + kEnd, 7, "segment that the head names"},
+      {kHead + Write(MemoryKind::Flash, 0x3000, 128) + kEnd, 5, "segment that the head names"},
+      {kHead + Write(MemoryKind::Flash, 0x1040, 128) + kEnd, 5, "128 bytes from 00001000"},
+      {kHead + Write(MemoryKind::Flash, 0x1000, 64) + kEnd, 5, "128 bytes from 00001000"},
+      {kHead + Write(MemoryKind::Flash, 0x1100, 128) + kEnd, 5, "4 bytes from 00001100"},
+      {kHead + kHw1 + Write(MemoryKind::Ram, 0x1100, 4) + kEnd, 6, "letter F"},
+      {kHead + kMm2 + kEnd, 5, "address 00002000 before"},
+      {kHead + kMm1 + kEnd, 6, "address 00002100 on"},
+      {kHead + kHw1 + Write(MemoryKind::Ram, 0x2000, 256, 2) + kEnd, 6, "unit 1"},
+      {kHead + kEnd + kEnd, 6, "nothing behind"},
+      {kHead + BuildWriteFrame(1, MemoryKind::Flash, 0x1100, Bytes(3)) + "\r\n" + kEnd, 5, "even number"},
+      {kHead + "/01IDEE\r\r\n" + kEnd, 5, "WD or ED"},
+      {kHead + kHw1 + std::string(5000, 'F') + "\r\n" + kEnd, 6, "longer than"}};
+  for (const Row& row : rows) {
+    const CloneInfo info = Inspect(row.content);
+    ASSERT_FALSE(info.damages.empty()) << row.expected;
+    EXPECT_EQ(info.damages[0].line, row.line) << row.expected;
+    EXPECT_THAT(info.damages[0].what, HasSubstr(row.expected));
+    EXPECT_THAT(FindingsBeforeRestore(info, {.model = "K220-22-R1"}, 1).at(0), HasSubstr("is damaged: line"));
+  }
+  EXPECT_EQ(Inspect(kHead + kMm1 + "/\r\n" + kMm3 + kEnd).damageCount, 1U);  // one broken line is one damage
+}
+
+TEST(CloneInfo, FindsEveryCutAndAnySingleWrongCharacterOfTheFrames) {
+  const std::string frames = kHw1 + kHw3 + kMm1 + kMm2 + kMm3 + kEnd;
+  const std::string whole = kHead + frames;
+  ASSERT_TRUE(Inspect(whole).IsSound());
+  for (std::size_t length = 0; length + 2 < whole.size(); ++length) {  // the last line may lack CR LF
+    EXPECT_FALSE(Inspect(whole.substr(0, length)).IsSound()) << length;
+  }
+  for (std::size_t at = kHead.size(); at + 2 < whole.size(); ++at) {
+    const bool isLineEnd = whole[at] == '\r' && whole[at - 1] == '\r';  // CR CR LF or CR LF: no difference
+    std::string damaged = whole;
+    damaged[at] = damaged[at] == '0' ? '1' : '0';
+    EXPECT_TRUE(isLineEnd || !Inspect(damaged).IsSound()) << at;
+  }
+}
+
+TEST(CloneFrame, TakesApartOnlyWhatItBuilds) {
+  const Bytes bytes = {1, 2, 3, 4};
+  EXPECT_EQ(BuildWriteFrame(0xFF, MemoryKind::Flash, 0x89ABCDEF, bytes), "/FFWDF89ABCDEF040201040361\r");
+  const std::string full = BuildWriteFrame(0, MemoryKind::Ram, 0, Bytes(256, 9));
+  EXPECT_EQ(full.substr(14, 4), "0009");
+  EXPECT_EQ(ParseCloneFrame(full)->data, Bytes(256, 9));
+  EXPECT_EQ(ParseCloneFrame("/FFWDF89ABCDEF040201040361\r")->data, bytes);
+  for (const char* bad :
+       {"/\r", "/01\r", "/01EDEA", "/01edEA\r", "/01EDEA\r\r", "/0iED19\r", "/01WDR003000000AABCD4C\r"}) {
+    EXPECT_FALSE(ParseCloneFrame(bad)) << bad;
+  }
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,266 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#ifndef _WIN32
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+
+#include "clone/CloneLines.h"
+#include "tests/clone/CloneBench.h"
+
+namespace kv::test {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kCreated = "Box (i) Korvantis PLC Cloner: Clone File Created Successfully.";
+constexpr const char* kAbout = "Box (?) Korvantis PLC Cloner: The PLC is about to STOP, Continue?";
+
+std::string Times(int count, std::string_view text) {
+  std::string all;
+  while (count-- > 0) all += text;
+  return all;
+}
+
+TEST(CreateGhost, WritesTheFileToTheByteAndAsksInTheSettledOrder) {
+  CloneBench bench;
+  bench.channel.SetSegments({"HWF00001000 00000104", "ZZR00009000 00000010", "MMR00200000 00000208",
+                             "OPR00300000 00000006", "DTR00400000 00000000"});
+  bench.channel.byteAt = [](std::uint32_t address) -> std::uint8_t {
+    if (address >= 0x1080 && address < 0x1084) return static_cast<std::uint8_t>(address - 0x107F);
+    if (address >= 0x1084 && address < 0x1100) return 0;
+    constexpr std::uint8_t kRest[] = {0xA5, 0xFF, 0x00, 0x10};
+    return address >= 0x1100 && address < 0x1104 ? kRest[address - 0x1100] : 255;
+  };
+  bench.window.boxes.op = false;
+  bench.prompts.Enter("AB");
+  bench.prompts.Press(PromptAnswer::Yes);
+  bench.prompts.Press(PromptAnswer::Ok);
+  bench.folder.Put("clone.kdf", "an older clone");
+  EXPECT_EQ(bench.Create().end, CloneEnd::Done);
+  EXPECT_EQ(bench.Content(),
+            "Korvantis Clone File:\tV100\t2026-03-09\t07:00:00\r\n"
+            "K220-22-R1\t10\t4.60\t19\r\n"
+            "HW,4096,260\tMM,2097152,520\tDT,4194304,0\t\r\n"
+            "\r\n"
+            "/1FWDF0000108080"
+            "02010403" +
+                Times(124, "00") +
+                "53\r\r\n"
+                "/1FWDF0000110004"
+                "FFA5"
+                "1000"
+                "01\r\r\n"
+                "/1FWDR0020000000" +
+                Times(256, "FF") +
+                "46\r\r\n"
+                "/1FWDR0020010000" +
+                Times(256, "FF") +
+                "47\r\r\n"
+                "/1FED00\r\r\n");
+  EXPECT_EQ(bench.channel.calls,
+            (CallLog{"GetVersionInfo", "SendCommand GIAB      ", "Segments HW ZZ MM OP DT", "State 0,7,2,0,0", kAbout,
+                     "StopController", "Segment 1", "Bar 0..0", "Read 00001000 260", "Segment 3", "Bar 0..1",
+                     "Read 00200000 512", "Bar 1", "Read 00200200 8", "Segment 5", "Bar 0..0", "State 0,7,2,0,0",
+                     "RunController", kCreated}));
+  EXPECT_EQ(bench.prompts.Inputs().at(0).text, "Enter Password Up To 8 Chars");
+}
+
+// What the user answers: the password, the stop question when it is asked, and the box at the end.
+void Answer(CloneBench& bench, std::optional<std::string> password, std::optional<PromptAnswer> stop = {}) {
+  bench.prompts.Enter(std::move(password));
+  if (stop) bench.prompts.Press(*stop);
+  bench.prompts.Press(PromptAnswer::Ok);
+}
+
+TEST(CreateGhost, CutsBlocksIntoLinesByTheRulesOfTheirMemory) {
+  struct Row {
+    std::string segment;
+    std::uint32_t erasedFrom, erasedTo;  // offsets
+    std::string lines;                   // address and count digits
+  };
+  const std::vector<Row> rows = {{"MMR00001000 000003E8", 0, 0, "1000:00 1100:00 1200:00 1300:E8"},
+                                 {"MMR00001000 000003E8", 0x300, 0x3E8, "1000:00 1100:00 1200:00"},
+                                 {"MMR00001000 00000300", 0, 0x300, "1000:00 1100:00 1200:00"},
+                                 {"MMR00001000 00000002", 0, 0, "1000:02"},
+                                 {"FTF00001000 00000200", 0x80, 0x100, "1000:80 1100:80 1180:80"},
+                                 {"FTF00001000 00000282", 0, 0x280, "1280:02"},
+                                 {"FTF00001000 00000282", 0x7F, 0x282, "1000:80"},
+                                 {"FTF00001000 00000000", 0, 0, ""},
+                                 {"MMR00001000 00000000", 0, 0, ""}};
+  for (const Row& row : rows) {
+    CloneBench bench;
+    bench.channel.SetSegments({row.segment});
+    bench.channel.byteAt = [&](std::uint32_t a) {
+      return a >= 0x1000 + row.erasedFrom && a < 0x1000 + row.erasedTo ? 255 : 7;
+    };
+    Answer(bench, "x", PromptAnswer::No);
+    EXPECT_EQ(bench.Create().end, CloneEnd::Done);
+    std::string lines;
+    const std::string content = bench.Content();
+    for (std::size_t at = content.find("WD"); at != std::string::npos; at = content.find("WD", at + 1)) {
+      lines += (lines.empty() ? "" : " ") + content.substr(at + 7, 4) + ":" + content.substr(at + 11, 2);
+    }
+    EXPECT_EQ(lines, row.lines) << row.segment;
+  }
+}
+
+TEST(CreateGhost, LeavesTheControllerRunningWhateverItsStateWas) {
+  for (const auto& [state, stop, stops, after] :
+       std::vector<std::tuple<char, std::optional<PromptAnswer>, bool, char>>{{'R', PromptAnswer::Yes, true, 'R'},
+                                                                              {'R', PromptAnswer::No, false, 'R'},
+                                                                              {'S', {}, false, 'R'},
+                                                                              {'I', PromptAnswer::No, false, 'I'},
+                                                                              {'L', {}, false, 'R'}}) {
+    CloneBench bench;
+    bench.channel.SetSegments({"HWF00001000 00000010"});
+    bench.channel.state = state;
+    Answer(bench, "12345678", stop);
+    EXPECT_EQ(bench.Create().end, CloneEnd::Done);
+    EXPECT_EQ(bench.channel.state, after) << state;
+    EXPECT_EQ(std::ranges::count(bench.channel.calls, "StopController"), stops ? 1 : 0) << state;
+    EXPECT_EQ(std::ranges::count(bench.channel.calls, "SendCommand GI12345678"), 1);
+  }
+}
+
+TEST(CreateGhost, TakesNothingFromAControllerWithAnOldOsAndLeavesAnEmptyFile) {
+  for (const std::string os : {"4.59", "2.9", "10.1", "", "ABC", "4.60a", "HW 1.0;BT 1.2;FL 2.0;O/S 4.60;"}) {
+    CloneBench bench;
+    bench.channel.version->osVersion = os;
+    bench.prompts.Press(PromptAnswer::Ok);
+    EXPECT_EQ(bench.Create().cause, CloneCause::OldOs);
+    EXPECT_EQ(bench.channel.calls,
+              (CallLog{"GetVersionInfo", "Box ( ) Korvantis PLC Cloner: The PLC does not supports clones."}));
+    EXPECT_TRUE(bench.Exists() && bench.Content().empty()) << os;
+  }
+  for (const std::string os : {"4.60", "4.6.0", "12.03", "460"}) {
+    CloneBench bench;
+    bench.channel.version->osVersion = os;
+    Answer(bench, std::nullopt);
+    EXPECT_EQ(bench.Create().cause, CloneCause::Password) << os;
+  }
+}
+
+TEST(CreateGhost, EndsBeforeTheControllerIsTouchedWhenPasswordOrTableCannotBeUsed) {
+  const std::string hw = "HWF0000100000000010";
+  struct Row {
+    std::optional<std::string> password, reply;
+    CloneCause cause;
+    std::string reason;
+  };
+  const std::vector<Row> rows = {
+      {"", {}, CloneCause::Password, "No password"},
+      {std::nullopt, {}, CloneCause::Password, "No password"},
+      {"123456789", {}, CloneCause::Password, "more than 8"},
+      {"x", "GIERROR0797", CloneCause::Segments, "ERROR07"},
+      {"x", "GI0??", CloneCause::Password, "did not accept"},
+      {"x", "GI1??", CloneCause::Segments, "number of segments"},
+      {"x", "GI10000??", CloneCause::Segments, "no segments"},
+      {"x", "GI1000G" + hw + "??", CloneCause::Segments, "number of segments"},
+      {"x", "GI10002" + hw + "??", CloneCause::Segments, "length of 2 segments"},
+      {"x", "GI10001" + hw + hw + "??", CloneCause::Segments, "length of 1 segments"},
+      {"x", "GI1FFFF" + hw + "??", CloneCause::Segments, "length of 65535"},
+      {"x", "GI10001HWF0000100000000O10??", CloneCause::Segments, "segment 1"},
+      {"x", "GI10001H\tF0000100000000010??", CloneCause::Segments, "printed"},
+      {"x", "GI10001HWFFFFFFFF000000011??", CloneCause::Segments, "FFFFFFFF"},
+      {"x", "GI10001MMR0000100000000201??", CloneCause::Segments, "MM has an odd length (513"}};
+  for (const Row& row : rows) {
+    CloneBench bench;
+    if (row.reply) bench.channel.reply = CommandReply{*row.reply};
+    Answer(bench, row.password);
+    const CloneOutcome outcome = bench.Create();
+    EXPECT_EQ(outcome.cause, row.cause) << row.reason;
+    EXPECT_THAT(outcome.reason, HasSubstr(row.reason));
+    EXPECT_EQ(bench.channel.calls.back(), kFailed);
+    EXPECT_EQ(bench.channel.exchanges, row.reply ? 2 : 1) << row.reason;
+    EXPECT_FALSE(bench.Exists()) << row.reason;
+  }
+  CloneBench bench;  // an odd segment that is not taken is no harm
+  bench.channel.SetSegments({"OPR00001000 00000201", "ZZR00002000 00000201", "HWF00003000 00000010"});
+  bench.window.boxes.op = false;
+  Answer(bench, "x", PromptAnswer::No);
+  EXPECT_EQ(bench.Create().end, CloneEnd::Done);
+}
+
+TEST(CreateGhost, FailsAtEachExchangeInTurnWithoutAFileAndWithoutOneMore) {
+  int exchanges = 0;
+  for (int failAt = 1;; ++failAt) {
+    CloneBench bench;
+    bench.channel.SetSegments({"HWF00001000 00000410", "OSF00002000 00000200"});
+    bench.channel.failAt = failAt;
+    if (failAt > 1) bench.prompts.Enter("x");
+    if (failAt > 3) bench.prompts.Press(PromptAnswer::Yes);
+    bench.prompts.Press(PromptAnswer::Ok);
+    const CloneOutcome outcome = bench.Create();
+    if (outcome.end == CloneEnd::Done) break;
+    exchanges = failAt;
+    EXPECT_EQ(bench.channel.exchanges, failAt);
+    EXPECT_EQ(outcome.link.code, LinkErrorCode::NoReply) << failAt;
+    EXPECT_EQ(bench.channel.calls.back(), kFailed);
+    EXPECT_FALSE(bench.Exists());
+    const bool isLeftStopped = failAt > 4;
+    EXPECT_EQ(bench.channel.state, isLeftStopped ? 'S' : 'R') << failAt;
+    EXPECT_EQ(outcome.reason.find("still is") != std::string::npos, isLeftStopped) << failAt;
+  }
+  EXPECT_EQ(exchanges, 10);  // version, table, state, stop, three reads and one, state, run
+}
+
+TEST(CreateGhost, StopsAfterTheBlockOrSegmentThatItIsBusyWith) {
+  for (const auto& [turn, reads] : {std::pair(1, 1), {2, 2}, {3, 3}, {4, 4}, {5, 4}}) {
+    CloneBench bench;
+    bench.channel.SetSegments({"HWF00001000 00000410", "OSF00002000 00000200"});
+    int turns = 0;
+    bench.pacer.OnDoEvents([&, stopAt = turn] {
+      if (++turns == stopAt) bench.running->StopDump();
+    });
+    Answer(bench, "x", PromptAnswer::No);
+    EXPECT_EQ(bench.Create().end, CloneEnd::Stopped) << turn;
+    const auto isRead = [](const std::string& call) { return call.starts_with("Read"); };
+    EXPECT_EQ(std::ranges::count_if(bench.channel.calls, isRead), reads) << turn;
+    EXPECT_EQ(bench.channel.calls.back(), kFailed);
+    EXPECT_FALSE(bench.Exists());
+  }
+}
+
+TEST(CreateGhost, FailsPlainlyWhenTheFileCannotBeWrittenOrKept) {
+  CloneBench bench;
+  const auto fails = [&](const char* reason) {
+    const CloneOutcome outcome = bench.Create();
+    EXPECT_EQ(outcome.cause, CloneCause::File);
+    EXPECT_THAT(outcome.reason, HasSubstr(reason));
+    EXPECT_EQ(bench.channel.calls.back(), kFailed);
+  };
+  bench.prompts.Press(PromptAnswer::Ok);
+  bench.prompts.Press(PromptAnswer::Ok);
+  bench.file = bench.folder.Path() / "missing" / "clone.kdf";
+  fails("cannot be created");
+  bench.file = bench.folder.Path() / "folder.kdf";
+  std::filesystem::create_directory(bench.file);
+  fails("no plain file");
+  EXPECT_TRUE(bench.Exists());
+  EXPECT_EQ(bench.channel.exchanges, 0);
+
+  bench.file = bench.folder.Path() / "clone.kdf";
+  bench.channel.SetSegments({"HWF00001000 00010000"});
+  bench.channel.state = 'S';
+#ifndef _WIN32
+  Answer(bench, "x");
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const rlimit small{20000, before.rlim_max};
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &small);
+  fails("room on the disk");
+  setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_LT(bench.channel.exchanges, 30);  // as soon as it happens
+  EXPECT_FALSE(bench.Exists());
+  Answer(bench, "x");
+  bench.pacer.OnDoEvents([&] { std::filesystem::remove(bench.file); });
+  fails("removed or changed");
+#endif
+}
+
+}  // namespace
+}  // namespace kv::test

@@ -1,0 +1,184 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "clone/CloneFrame.h"
+#include "tests/clone/CloneBench.h"
+
+namespace kv::test {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kNotReady = "Box ( ) Korvantis PLC Cloner: PLC Reply Error, the PLC is not ready for Cloning";
+constexpr const char* kHead = "Korvantis Clone File:\tV100\ta\tb\r\nK220-22-R1\t10\t4.60\t19\r\nMM,3145728,4\t\r\n\r\n";
+constexpr const char* kFirst = "/01WDR0030000002ABCD3D\r";
+constexpr const char* kLast = "/01EDEA\r";
+
+// A port whose partner answers each line with what the test says, so much later.
+class FakePort : public SerialPortObject {
+ public:
+  explicit FakePort(CloneBench& bench) : mBench(bench) {}
+
+  std::function<std::string(int number)> answer = [](int) { return "/01WDOK12345678\r"; };
+  Duration delay = std::chrono::milliseconds(4);
+  int downAt = 0;  // the link is down from this line on
+  int sent = 0;
+
+  void SetInBufferCount(std::size_t count) override { mWaiting.resize(count); }
+  bool Output(std::string_view bytes) override {
+    mBench.channel.calls.push_back("Out " + std::string(bytes));
+    if (++sent == downAt) return false;
+    mBench.pacer.After(delay, [this, reply = answer(sent)] { mWaiting += reply; });
+    return true;
+  }
+  std::string Input() override { return std::exchange(mWaiting, {}); }
+  std::size_t InBufferSize() const override { return 1024; }
+
+ private:
+  CloneBench& mBench;
+  std::string mWaiting = "/01WDOK left over\r";
+};
+
+// The restore of `content`, with as many boxes closed as it shall show.
+CloneOutcome RestoreOf(CloneBench& bench, FakePort& port, const std::string& content, int boxes) {
+  bench.folder.Put("clone.kdf", content);
+  while (boxes-- > 0) bench.prompts.Press(PromptAnswer::Ok);
+  return bench.Restore(port);
+}
+const std::string kFile = std::string(kHead) + kFirst + "\r\n" + kLast + "\r\n";
+
+TEST(RestoreGhost, SendsTheLinesOfTheFileAsTheyAreAndWaitsForAnOkToEach) {
+  CloneBench bench;
+  FakePort port(bench);
+  EXPECT_EQ(RestoreOf(bench, port, kFile, 2).end, CloneEnd::Done);
+  const std::string box = "Box ( ) Korvantis PLC Cloner: ";
+  const std::string good = "Box (i) Korvantis PLC Cloner: Clone Restore Successfully.";
+  const std::string head = std::string(kHead).substr(0, std::string(kHead).size() - 4);
+  EXPECT_EQ(bench.channel.calls,
+            (CallLog{box + head, "Bar 0..2", std::string("Line ") + kFirst, std::string("Out ") + kFirst, "Bar 1",
+                     std::string("Line ") + kLast, std::string("Out ") + kLast, "Bar 2", good}));
+  EXPECT_EQ(bench.pacer.Now().time_since_epoch(), std::chrono::milliseconds(40));  // two turns a line
+
+  FakePort second(bench);
+  EXPECT_EQ(RestoreOf(bench, second, kHead, 2).end, CloneEnd::Done);  // four head lines restore nothing
+  EXPECT_EQ(bench.channel.calls, (CallLog{box + head, "Bar 0..0", good}));
+}
+
+TEST(RestoreGhost, ReadsLinesThatLostTheirLineEnds) {
+  const auto unix = [](std::string text) {
+    std::string kept;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (text.compare(i, 2, "\r\n") != 0) kept += text[i];
+    }
+    return kept;
+  };
+  for (const std::string& content :
+       {unix(kFile), kFile.substr(0, kFile.size() - 2), kFile.substr(0, kFile.size() - 1)}) {
+    CloneBench bench;
+    FakePort port(bench);
+    EXPECT_EQ(RestoreOf(bench, port, content, 2).end, CloneEnd::Done);
+    EXPECT_EQ(bench.channel.calls.at(3), std::string("Out ") + kFirst);
+    EXPECT_THAT(bench.channel.calls.at(6), HasSubstr(kLast));
+  }
+}
+
+TEST(RestoreGhost, JudgesRepliesByOkAloneAndByTenSeconds) {
+  using namespace std::chrono_literals;
+  const std::string endless(2000, 'x');
+  struct Row {
+    std::string answer;
+    Duration delay;
+    bool isGood;
+    std::string reason;
+  };
+  const std::vector<Row> rows = {{"/01WDOK\r", 9900ms, true, ""},
+                                 {"/01WDOK\r", 10100ms, false, "no reply within 10 s"},
+                                 {"", 0ms, false, "no reply within 10 s"},
+                                 {"/01WDOK", 0ms, false, "no reply within 10 s"},
+                                 {"noise OK\r", 0ms, true, ""},
+                                 {"/01WDERROR07AB\r", 0ms, false, "refused it"},
+                                 {"/01WD\xFFKO\r", 0ms, false, "no OK"},
+                                 {endless, 0ms, false, "does not end"},
+                                 {std::string(1015, 'x'), 0ms, false, "does not end"},
+                                 {std::string(1010, 'x') + "OK\r/", 0ms, true, ""}};
+  for (const Row& row : rows) {
+    for (const int at : {1, 2}) {
+      CloneBench bench;
+      FakePort port(bench);
+      port.answer = [&](int number) { return number == at ? row.answer : "/01OK\r"; };
+      port.delay = row.delay;
+      const CloneOutcome outcome = RestoreOf(bench, port, kFile, row.isGood ? 2 : 3);
+      EXPECT_EQ(outcome.end, row.isGood ? CloneEnd::Done : CloneEnd::Failed) << row.answer << row.reason;
+      if (row.isGood) continue;
+      EXPECT_EQ(outcome.cause, CloneCause::Reply);
+      EXPECT_THAT(outcome.reason, HasSubstr("Line " + std::to_string((row.delay > 1s ? 1 : at) + 4)));
+      EXPECT_THAT(outcome.reason, HasSubstr(row.reason));
+      EXPECT_EQ(port.sent, row.delay > 1s ? 1 : at);
+      EXPECT_EQ(CallLog(bench.channel.calls.end() - 2, bench.channel.calls.end()), (CallLog{kNotReady, kFailed}));
+    }
+  }
+}
+
+TEST(RestoreGhost, EndsAtAStopOrALostLinkAndTellsWhatIsLeft) {
+  for (const int at : {1, 2}) {
+    CloneBench bench;
+    FakePort port(bench);
+    port.answer = [&](int number) {
+      if (number == at) bench.running->StopDump();
+      return "/01OK\r";
+    };
+    const CloneOutcome outcome = RestoreOf(bench, port, kFile, 2);
+    EXPECT_EQ(outcome.end, CloneEnd::Stopped);
+    EXPECT_EQ(port.sent, at);
+    EXPECT_THAT(outcome.reason, HasSubstr(at == 1 ? "1 of 2 lines" : "All lines"));
+    EXPECT_EQ(bench.channel.calls.back(), kFailed);
+
+    CloneBench other;
+    FakePort down(other);
+    down.downAt = at;
+    EXPECT_EQ(RestoreOf(other, down, kFile, 2).cause, CloneCause::Link);
+    EXPECT_EQ(down.sent, at);
+    EXPECT_EQ(other.channel.calls.back(), kFailed);
+  }
+}
+
+TEST(RestoreGhost, SendsNothingOfAFileThatCannotBeReadToItsEnd) {
+  const std::string head = kHead;
+  const std::vector<std::tuple<std::string, int, std::string>> rows = {
+      {"", 1, "line 1"},
+      {head.substr(0, head.find('\n') + 1), 1, "line 2"},
+      {head.substr(0, head.size() - 2), 2, "line 4"},
+      {std::string(10'000'000, 'x'), 1, "line 1: it is longer"},
+      {kFile + std::string(10'000'000, 'F'), 2, "line 7: it is longer"}};
+  for (const auto& [content, boxes, reason] : rows) {
+    CloneBench bench;
+    FakePort port(bench);
+    const CloneOutcome outcome = RestoreOf(bench, port, content, boxes);
+    EXPECT_EQ(outcome.cause, CloneCause::File);
+    EXPECT_THAT(outcome.reason, HasSubstr(reason));
+    EXPECT_THAT(outcome.reason, HasSubstr("clone.kdf"));
+    EXPECT_EQ(port.sent, 0);
+    EXPECT_EQ(bench.channel.calls.back(), kFailed);
+  }
+  struct Removing : LoggedPrompts {
+    using LoggedPrompts::LoggedPrompts;
+    std::filesystem::path file;
+    PromptAnswer Show(const MessageBox& box) override {
+      std::filesystem::remove(file);
+      return LoggedPrompts::Show(box);
+    }
+  };
+  CloneBench bench;
+  FakePort port(bench);
+  Removing prompts(bench.channel.calls);
+  prompts.file = bench.folder.Put("clone.kdf", kFile);
+  prompts.Press(PromptAnswer::Ok);
+  prompts.Press(PromptAnswer::Ok);
+  clsDumpPLC engine(bench.window, prompts, bench.pacer, bench.pacer);
+  engine.RestoreGhost(port, prompts.file);
+  EXPECT_THAT(engine.Outcome().reason, HasSubstr("does not exist"));
+  EXPECT_EQ(port.sent, 0);
+}
+
+}  // namespace
+}  // namespace kv::test
