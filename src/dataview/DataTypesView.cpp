@@ -5,7 +5,7 @@
 #include <chrono>
 #include <utility>
 
-#include "dataview/OperandCatalogue.h"
+#include "dataview/files/GridFile.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -25,14 +25,27 @@ constexpr std::array kAgeUnits = {AgeUnit{24h, " d"}, AgeUnit{1h, " h"}, AgeUnit
 DataTypesView::DataTypesView(DataTypesViewParts parts, GridListener& listener) : mDesk(parts, listener) {}
 
 void DataTypesView::Open() {
-  const RemoteHost* host = mDesk.parts.shared.Remote;
-  mDesk.state = {
-      .operands = OperandStore(host != nullptr ? host->Model() : std::string()), .regions = {}, .settings = {}};
+  const SharedState& shared = mDesk.parts.shared;
+  const std::string model = shared.Remote != nullptr ? shared.Remote->Model() : std::string();
+  const bool isRecovered = RecoverInterruptedGrids(shared.paths, shared.CurrentSession);
+  LoadedGrids loaded = LoadGrids(SessionGridFiles(shared.paths, shared.CurrentSession), model);
+  mDesk.state = std::move(loaded.state);
   mDesk.history.Clear();
+  mAll.Forget();
   mDesk.changes.operandsReplaced = true;
   mDesk.RowsReplaced();
+  SayLoaded(isRecovered, loaded.notes);
   mIsOpen = true;
   Tell(true);
+}
+
+void DataTypesView::SayLoaded(bool isRecovered, const std::vector<std::string>& notes) {
+  std::string text;
+  if (isRecovered)
+    text = "The program ended during a read or write of all values; the grids are as they were before it.";
+  for (const std::string& note : notes) text += (text.empty() ? "" : " ") + note;
+  if (notes.empty()) return mDesk.Say(text);
+  mDesk.SayError(text);
 }
 
 bool DataTypesView::Close() {
@@ -42,8 +55,17 @@ bool DataTypesView::Close() {
     return false;
   }
   mOnline.Stop();
+  if (!SaveState()) return Tell(false);
   mIsOpen = false;
   return true;
+}
+
+bool DataTypesView::SaveState() {
+  const SharedState& shared = mDesk.parts.shared;
+  const auto saved = SaveSessionGrids(shared.paths, mDesk.state, shared.CurrentSession);
+  if (saved) return true;
+  mDesk.SayError("The grids could not be saved. " + saved.error().Text() + ".");
+  return mDesk.AskYesNo(mDesk.status.message + "\r\n\r\nClose the view all the same, and lose what was changed in it?");
 }
 
 void DataTypesView::Select(const GridSelection& operands) {
@@ -119,6 +141,11 @@ bool DataTypesView::Tell(bool result) {
 void DataTypesView::ToggleOnline() {
   if (IsOnline()) return mOnline.Stop();
   mOnline.Run();
+}
+
+void DataTypesView::WriteRegions() {
+  const std::vector<Region> regions = mDesk.state.regions.Regions();
+  if (mEngine.IsInRange(regions)) mEngine.Write(regions);
 }
 
 void DataTypesView::RemoveRegion() {

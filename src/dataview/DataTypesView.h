@@ -7,9 +7,11 @@
 #include <string_view>
 #include <vector>
 
+#include "dataview/AllValues.h"
 #include "dataview/GridChanges.h"
 #include "dataview/GridEdits.h"
 #include "dataview/GridState.h"
+#include "dataview/GridTransfers.h"
 #include "dataview/OnlineMode.h"
 #include "dataview/RegionEngine.h"
 #include "dataview/ViewDesk.h"
@@ -33,8 +35,8 @@ class DataTypesView {
 
   // Loads the grids of the current session; those that an interrupted read-all or write-all left behind come first.
   void Open();
-  // Ends the on-line mode and saves the grids to the session. False, told to the user, when they could not be saved;
-  // and while a read or write runs, which is then asked to stop.
+  // Ends the on-line mode and saves the grids to the session. False, and the view stays open, when they could not be
+  // saved and the user does not want to leave without; and while a read or write runs, which is then asked to stop.
   bool Close();
 
   [[nodiscard]] std::string Caption() const { return mDesk.Caption(); }  // "Data Types - Default"
@@ -82,16 +84,30 @@ class DataTypesView {
 
   void ToggleOnline();
   void ReadRegions() { mEngine.Read(); }
-  void WriteRegions() { mEngine.Write(); }
+  void WriteRegions();
+  void ReadAll() { mAll.Read(); }
+  void WriteAll() { mAll.Write(); }
+  void TakeAllValues() { mAll.Take(); }
   void AddRegion() { mEdits.AddRegions(mSelection); }
   void RemoveRegion();
   void NewRegions() { mEdits.NewRegions(); }
+  void SaveRegions() { mTransfers.SaveRegions(); }
+  void LoadRegions() { mTransfers.LoadRegions(); }
+  void ExportSheet() { mTransfers.ExportSheet(); }
+  void ImportSheet() { mTransfers.ImportSheet(); }
+  void ExportToCsv() { mTransfers.ExportToCsv(); }
+  void ImportFromCsv() { mTransfers.ImportFromCsv(); }
+  void Copy() { mTransfers.Copy(mSelection); }
+  void Cut() { mTransfers.Cut(mSelection); }
+  void Paste() { mTransfers.Paste(mSelection); }
   void Undo() { mEdits.Undo(); }
   void Redo() { mEdits.Redo(); }
 
   [[nodiscard]] bool IsBusy() const { return mDesk.status.mode == ViewMode::Busy; }
   [[nodiscard]] bool IsOnline() const { return mDesk.status.mode == ViewMode::Online; }
   [[nodiscard]] bool IsReadOnline(OperandTypeCode type, std::int32_t address) const;
+  void SayLoaded(bool isRecovered, const std::vector<std::string>& notes);
+  [[nodiscard]] bool SaveState();
   // Tells the listener what has changed, and hands the result on.
   bool Tell(bool result);
 
@@ -99,6 +115,8 @@ class DataTypesView {
   RegionEngine mEngine{mDesk};
   OnlineMode mOnline{mDesk, mEngine};
   GridEdits mEdits{mDesk};
+  AllValues mAll{mDesk, mEngine, mEdits};
+  GridTransfers mTransfers{mDesk, mEdits};
   GridSelection mSelection;
   std::vector<std::size_t> mSelectedRegions;
   bool mIsOpen = false;

@@ -144,13 +144,14 @@ void GridEdits::RemoveRegions(std::span<const std::size_t> rows) {
 
 void GridEdits::NewRegions() {
   if (!mDesk.AskYesNo(kValuesWillBeDeletedQuestion)) return;
-  ReplaceRegions({}, "starting anew");
+  ReplaceRegions({}, Values::Removed, "starting anew");
   mDesk.Say("All regions and values were removed; Undo brings them back.");
 }
 
-void GridEdits::ReplaceRegions(std::vector<RegionRow> rows, const std::string& title) {
+void GridEdits::ReplaceRegions(std::vector<RegionRow> rows, Values values, const std::string& title) {
   const std::vector<RegionRow> before = Rows();
-  UndoStep step{.title = title, .cells = EmptyOperands()};
+  UndoStep step{.title = title};
+  if (values == Values::Removed) step.cells = EmptyOperands();
   mDesk.state.regions.Assign(std::move(rows));
   FinishRows(std::move(step), before);
 }

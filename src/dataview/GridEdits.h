@@ -30,8 +30,9 @@ class GridEdits {
   void RemoveRegions(std::span<const std::size_t> rows);
   // Asks first.
   void NewRegions();
-  // Puts other rows into the regions table, and empties the operand grid.
-  void ReplaceRegions(std::vector<RegionRow> rows, const std::string& title);
+  // Puts other rows into the regions table.
+  enum class Values { Kept, Removed };  // those of the operand grid
+  void ReplaceRegions(std::vector<RegionRow> rows, Values values, const std::string& title);
 
   bool SetDescription(std::size_t row, std::string_view text);
   bool SetSize(std::size_t row, SizeCode size);

@@ -50,12 +50,15 @@ void RegionEngine::Read() {
   SayRead(ReadPass(*channel), mDesk.state.regions.Rows().size());
 }
 
-void RegionEngine::Write() {
-  const std::vector<Region> regions = mDesk.state.regions.Regions();
-  if (const std::string place = FirstFault(regions); !place.empty()) {
-    mDesk.SayError(place + "; nothing was written.");
-    return mDesk.ShowBox(kValueOutOfRangeMessage);
-  }
+bool RegionEngine::IsInRange(std::span<const Region> regions) {
+  const std::string fault = FirstFault(regions);
+  if (fault.empty()) return true;
+  mDesk.SayError(fault + "; nothing was written.");
+  mDesk.ShowBox(kValueOutOfRangeMessage);
+  return false;
+}
+
+void RegionEngine::Write(std::span<const Region> regions) {
   mDesk.parts.pacer.ClearStop();
   mDesk.SetMode(ViewMode::Busy);
   const ScopeGuard idle([&] { mDesk.SetMode(ViewMode::Idle); });

@@ -35,22 +35,24 @@ class RegionEngine {
   explicit RegionEngine(ViewDesk& desk) : mDesk(desk) {}
 
   void Read();
-  void Write();
+  // Whether all texts of the regions may be written; false after the user has been told of one that may not.
+  [[nodiscard]] bool IsInRange(std::span<const Region> regions);
+  void Write(std::span<const Region> regions);
 
   // Whether the controller's O/S has all the regions. False: the user has been told, or the status line says why it
   // could not be found out.
   [[nodiscard]] bool IsSupported(Channel& channel, std::span<const Region> regions);
   // One pass over the table, without any message. What is read goes into the desk's changes.
   [[nodiscard]] PassOutcome ReadPass(Channel& channel);
-  // The same for writing; the message about read-only types is shown where the first one stands.
-  [[nodiscard]] PassOutcome WritePass(Channel& channel, std::span<const Region> regions);
-  // The first text of the regions that cannot be written ("MI 5"); nothing when all can.
-  [[nodiscard]] std::string FirstFault(std::span<const Region> regions) const;
 
   // " 3 edited values were replaced ...": what the status line adds about them; empty for none.
   [[nodiscard]] static std::string ReplacedText(std::size_t replaced);
 
  private:
+  // The first text that cannot be written, with its place and what is legal there; empty when all can.
+  [[nodiscard]] std::string FirstFault(std::span<const Region> regions) const;
+  // The message about read-only types is shown where the first one stands.
+  [[nodiscard]] PassOutcome WritePass(Channel& channel, std::span<const Region> regions);
   void ReadRow(Channel& channel, std::size_t row, PassOutcome& outcome);
   void WriteOne(Channel& channel, const Region& region, PassOutcome& outcome);
   [[nodiscard]] Region EditedIn(const Region& region) const;

@@ -71,10 +71,8 @@ void ViewDesk::SayLinkError(const LinkError& error, const std::string& whatElse)
   status.linkLost = status.linkLost || IsLoss(error.code);
 }
 
-void ViewDesk::ShowBox(std::string_view text, bool isExclamation) {
-  parts.prompts.Show({.text = std::string(text),
-                      .title = Caption(),
-                      .icon = isExclamation ? PromptIcon::Exclamation : PromptIcon::Information});
+void ViewDesk::ShowBox(std::string_view text, PromptIcon icon) {
+  parts.prompts.Show({.text = std::string(text), .title = Caption(), .icon = icon});
 }
 
 bool ViewDesk::AskYesNo(std::string_view text) {

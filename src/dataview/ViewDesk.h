@@ -51,7 +51,7 @@ class ViewDesk {
   void SayError(std::string message);
   void SayLinkError(const LinkError& error, const std::string& whatElse = {});
   // A message box under the view's caption.
-  void ShowBox(std::string_view text, bool isExclamation = true);
+  void ShowBox(std::string_view text, PromptIcon icon = PromptIcon::Exclamation);
   [[nodiscard]] bool AskYesNo(std::string_view text);
 
   void SetMode(ViewMode mode);

@@ -15,7 +15,8 @@ struct DataTypesView::Tool {
     kOperandsSelected = 4,
     kRegionsSelected = 8,
     kUndo = 16,
-    kRedo = 32
+    kRedo = 32,
+    kAllValues = 64
   };
 
   std::string_view id;
@@ -30,15 +31,27 @@ const DataTypesView::Tool* DataTypesView::FindTool(std::string_view toolId) {
   using enum Tool::Need;
   // clang-format off
   static constexpr auto kTools = std::to_array<Tool>({
-      // id               on line  needs                    does
-      {"ID_OnLine",       On,      kController | kRegions,  &V::ToggleOnline},
-      {"ID_ReadRegions",  Off,     kController | kRegions,  &V::ReadRegions},
-      {"ID_WriteRegions", Off,     kController | kRegions,  &V::WriteRegions},
-      {"ID_NewRegions",   Off,     kNothing,                &V::NewRegions},
-      {"ID_AddRegion",    Off,     kOperandsSelected,       &V::AddRegion},
-      {"ID_RemoveRegion", Off,     kRegionsSelected,        &V::RemoveRegion},
-      {"ID_Undo",         Off,     kUndo,                   &V::Undo},
-      {"ID_Redo",         Off,     kRedo,                   &V::Redo},
+      // id                 on line  needs                    does
+      {"ID_OnLine",         On,      kController | kRegions,  &V::ToggleOnline},
+      {"ID_ReadRegions",    Off,     kController | kRegions,  &V::ReadRegions},
+      {"ID_WriteRegions",   Off,     kController | kRegions,  &V::WriteRegions},
+      {"ID_ReadAll",        Off,     kController,             &V::ReadAll},
+      {"ID_WriteAll",       Off,     kController,             &V::WriteAll},
+      {"ID_TakeAllValues",  Off,     kAllValues,              &V::TakeAllValues},
+      {"ID_NewRegions",     Off,     kNothing,                &V::NewRegions},
+      {"ID_AddRegion",      Off,     kOperandsSelected,       &V::AddRegion},
+      {"ID_RemoveRegion",   Off,     kRegionsSelected,        &V::RemoveRegion},
+      {"ID_SaveRegions",    Off,     kNothing,                &V::SaveRegions},
+      {"ID_LoadRegions",    Off,     kNothing,                &V::LoadRegions},
+      {"ID_Export",         Off,     kNothing,                &V::ExportSheet},
+      {"ID_Import",         Off,     kNothing,                &V::ImportSheet},
+      {"ID_ExportToCSV",    On,      kNothing,                &V::ExportToCsv},
+      {"ID_ImportFromCSV",  On,      kNothing,                &V::ImportFromCsv},
+      {"ID_Copy",           Off,     kOperandsSelected,       &V::Copy},
+      {"ID_Cut",            Off,     kOperandsSelected,       &V::Cut},
+      {"ID_Paste",          Off,     kOperandsSelected,       &V::Paste},
+      {"ID_Undo",           Off,     kUndo,                   &V::Undo},
+      {"ID_Redo",           Off,     kRedo,                   &V::Redo},
   });
   // clang-format on
   const auto* tool = std::ranges::find(kTools, toolId, &Tool::id);
@@ -78,6 +91,7 @@ std::string DataTypesView::NeedFault(const Tool& tool) const {
   }
   if (needs(Tool::kOperandsSelected) && mSelection.Normalised().right < 1) return "Select operands in the grid first.";
   if (needs(Tool::kRegionsSelected) && mSelectedRegions.empty()) return "Select rows of the regions table first.";
+  if (needs(Tool::kAllValues) && !mAll.HasRead()) return "All values have not been read yet: use Read All first.";
   if (needs(Tool::kUndo) && UndoText().empty()) return "There is nothing to take back.";
   if (needs(Tool::kRedo) && RedoText().empty()) return "There is nothing to do again.";
   return {};

@@ -1,0 +1,140 @@
+#include "dataview/AllValues.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/ScopeGuard.h"
+#include "dataview/ChannelLease.h"
+#include "dataview/GridEdits.h"
+#include "dataview/OperandCatalogue.h"
+#include "dataview/OsSupport.h"
+#include "dataview/RegionEngine.h"
+#include "dataview/RegionTransfer.h"
+#include "dataview/ViewDesk.h"
+#include "dataview/files/GridFile.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+void AppendPieces(std::vector<Region>& regions, const Region& region) {
+  const std::vector<Region> pieces = SplitRegion(region);
+  regions.insert(regions.end(), pieces.begin(), pieces.end());
+}
+
+// Shows on the user's desk how far the work on another one is.
+class ProgressOn final : public GridListener {
+ public:
+  explicit ProgressOn(ViewDesk& shown) : mShown(shown) {}
+  void Follow(const ViewStatus& working) { mWorking = &working; }
+
+  void GridsChanged(const GridChanges&) override {}
+  void StatusChanged() override {
+    mShown.status.done = mWorking->done;
+    mShown.status.total = mWorking->total;
+    mShown.TellStatus();
+  }
+
+ private:
+  ViewDesk& mShown;
+  const ViewStatus* mWorking = nullptr;
+};
+
+}  // namespace
+
+void AllValues::Read() {
+  mDesk.parts.pacer.ClearStop();
+  if (!SaveTemporary()) return;
+  const ScopeGuard removed([&] { RemoveGrids(TemporaryGridFiles(mDesk.parts.shared.paths)); });
+  mDesk.SetMode(ViewMode::Busy);
+  const ScopeGuard idle([&] { mDesk.SetMode(ViewMode::Idle); });
+  const ChannelLease channel(mDesk);
+  if (!channel) return;
+  if (const auto regions = ReadableRegions(*channel)) ReadFrom(*channel, *regions);
+}
+
+// An older O/S has fewer operands: it is asked for those alone.
+std::optional<std::vector<Region>> AllValues::ReadableRegions(Channel& channel) {
+  const auto version = channel.GetVersionInfo(channel.UnitID());
+  if (!version) {
+    mDesk.SayLinkError(channel.LastError());
+    return std::nullopt;
+  }
+  const std::string& model = mDesk.Model();
+  const bool isCurrent = IsOsCurrent(model, version->osVersion);
+  std::vector<Region> regions;
+  for (std::int32_t code = 1; code <= kOperandTypeCount; ++code) {
+    const auto type = static_cast<OperandTypeCode>(code);
+    if (!IsReadableFrom(model, type)) continue;
+    const std::int32_t count = OperandCount(type, model);
+    const std::int32_t has = isCurrent ? count : std::min(count, LegacyOsOperandCount(type, model));
+    AppendPieces(regions, {.from = 0, .to = has - 1, .type = type});
+  }
+  return regions;
+}
+
+void AllValues::ReadFrom(Channel& channel, const std::vector<Region>& regions) {
+  ProgressOn progress(mDesk);
+  ViewDesk aside(mDesk.parts, progress);
+  progress.Follow(aside.status);
+  aside.state.operands = OperandStore(mDesk.Model());
+  std::vector<RegionRow> rows;
+  for (const Region& region : regions) rows.push_back(NewRegionRow(region));
+  aside.state.regions.Assign(std::move(rows));
+
+  const PassOutcome outcome = RegionEngine(aside).ReadPass(channel);
+  if (outcome.IsWhole()) mDesk.status.linkLost = false;
+  if (outcome.done > 0) mRead = std::move(aside.state.operands);
+  SayRead(outcome, regions.size());
+}
+
+void AllValues::SayRead(const PassOutcome& outcome, std::size_t total) {
+  const std::string show =
+      " Your regions and values are as they were; Show All Read Values puts into the grid what was read.";
+  const std::string part = std::to_string(outcome.done) + " of " + std::to_string(total) + " requests were answered";
+  if (outcome.IsWhole()) return mDesk.Say("All values read." + show);
+  const std::string what = outcome.done > 0 ? part + "." + show : "Nothing was read.";
+  if (outcome.isStopped) return mDesk.Say("Stopped. " + what);
+  mDesk.SayLinkError(*outcome.error, what);
+}
+
+void AllValues::Take() {
+  if (!mRead) return;
+  const std::size_t changed = mEdits.TakeRead(*mRead, "showing all read values");
+  mDesk.Say(std::to_string(changed) + " cells show what was read last.");
+}
+
+void AllValues::Write() {
+  const std::vector<Region> regions = FilledRegions();
+  if (regions.empty()) return mDesk.Say("There are no values in the grid to write.");
+  if (!mEngine.IsInRange(regions) || !SaveTemporary()) return;
+  const ScopeGuard removed([&] { RemoveGrids(TemporaryGridFiles(mDesk.parts.shared.paths)); });
+  mEngine.Write(regions);
+}
+
+std::vector<Region> AllValues::FilledRegions() const {
+  const OperandStore& store = mDesk.state.operands;
+  std::vector<Region> regions;
+  for (std::int32_t code = 1; code <= kOperandTypeCount; ++code) {
+    const auto type = static_cast<OperandTypeCode>(code);
+    const std::int32_t count = store.CountOf(type);
+    for (std::int32_t from = 0; from < count; ++from) {
+      std::int32_t end = from;
+      while (end < count && store.Origin(type, end) != CellOrigin::None) ++end;
+      AppendPieces(regions, {.from = from, .to = end - 1, .type = type});
+      from = end;
+    }
+  }
+  return regions;
+}
+
+bool AllValues::SaveTemporary() {
+  const SharedState& shared = mDesk.parts.shared;
+  const auto saved = SaveTemporaryGrids(shared.paths, mDesk.state, shared.CurrentSession);
+  if (saved) return true;
+  mDesk.SayError("Nothing was read or written, because the grids could not be kept safe before it: " +
+                 saved.error().Text() + ". Make room on the disk, or see to the rights of the program's folder.");
+  mDesk.ShowBox(mDesk.status.message);
+  return false;
+}
+
+}  // namespace kv::mdlDataTypesView

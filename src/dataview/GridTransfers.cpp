@@ -1,0 +1,153 @@
+#include "dataview/GridTransfers.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "base/PathText.h"
+#include "dataview/GridEdits.h"
+#include "dataview/ViewDesk.h"
+#include "dataview/files/ClipboardTable.h"
+#include "dataview/files/RegionFile.h"
+#include "editors/clsHexSelector.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+constexpr const char* kRegionFilter = "*.axt|*.axt";
+constexpr const char* kCsvFilter = "*.csv|*.csv";
+constexpr const char* kSheetFilter = "*.xls|*.xls";
+
+std::string NameOf(const std::filesystem::path& file) {
+  return Utf8FromPath(file.filename());
+}
+
+std::optional<std::filesystem::path> PathOf(const std::optional<std::string>& chosen) {
+  return chosen.transform([](const std::string& text) { return PathFromUtf8(text); });
+}
+
+}  // namespace
+
+// ---- region files ----
+
+void GridTransfers::SaveRegions() {
+  const auto file = AskSave("Save Regions", kRegionFilter);
+  if (!file) return;
+  const auto saved = SaveRegionFile(*file, mDesk.state.regions.Rows(), mDesk.Model());
+  if (!saved) {
+    const std::string text = "The regions could not be saved. " + saved.error().Text() + ".";
+    return Refuse(text, text);
+  }
+  mDesk.Say("Regions saved in " + NameOf(*file) + "." +
+            (*saved ? " Some characters of the descriptions cannot stand in such a file; \"?\" stands for them." : ""));
+}
+
+void GridTransfers::LoadRegions() {
+  if (!mDesk.AskYesNo(kValuesWillBeDeletedQuestion)) return;
+  const auto file = AskOpen("Load Regions", kRegionFilter);
+  if (!file) return;
+  auto rows = LoadRegionFile(*file, mDesk.Model());
+  if (rows) {
+    mEdits.ReplaceRegions(*std::move(rows), GridEdits::Values::Removed, "loading regions");
+    return mDesk.Say("Regions loaded from " + NameOf(*file) + ".");
+  }
+  if (rows.error().kind == RegionFileFault::Kind::InvalidRegions) {
+    mEdits.ReplaceRegions({}, GridEdits::Values::Kept, "loading regions");
+  }
+  Refuse(rows.error().Message(), NameOf(*file) + ": " + rows.error().reason);
+}
+
+// ---- exports and imports ----
+
+void GridTransfers::ExportSheet() {
+  const auto file = AskSave("Export All values to Excel", kSheetFilter);
+  if (file) FinishExport(ExportSpreadsheet(mDesk.parts.shared.paths, *file, mDesk.state.operands), *file);
+}
+
+void GridTransfers::ImportSheet() {
+  const auto file = AskOpen("Import All values from Excel", kSheetFilter);
+  if (file) FinishImport(ImportSpreadsheet(*file, mDesk.state.operands));
+}
+
+void GridTransfers::ExportToCsv() {
+  const auto separator = AskSeparator();
+  if (!separator) return;
+  const auto file = AskSave("Export to CSV", kCsvFilter);
+  if (file) FinishExport(ExportCsv(*file, mDesk.state.operands, *separator), *file);
+}
+
+void GridTransfers::ImportFromCsv() {
+  const auto separator = AskSeparator();
+  if (!separator) return;
+  const auto file = AskOpen("Import from CSV", kCsvFilter);
+  if (file) FinishImport(ImportCsv(*file, mDesk.state.operands, *separator));
+}
+
+void GridTransfers::FinishExport(const std::expected<void, TransferFault>& exported,
+                                 const std::filesystem::path& file) {
+  if (!exported) return Refuse(exported.error().message, exported.error().reason);
+  mDesk.Say("All values exported to " + NameOf(file) + ".");
+}
+
+void GridTransfers::FinishImport(const Imported& imported) {
+  if (!imported) return Refuse(imported.error().message, imported.error().reason);
+  if (mEdits.Assign(imported->cells, "importing") && !imported->note.empty()) {
+    mDesk.Say(mDesk.status.message + " " + imported->note);
+  }
+}
+
+// ---- the clipboard ----
+
+void GridTransfers::Copy(const GridSelection& selection) {
+  mDesk.parts.clipboard.SetText(CopyText(mDesk.state.operands, selection));
+  mDesk.Say("Copied.");
+}
+
+void GridTransfers::Cut(const GridSelection& selection) {
+  Copy(selection);
+  const GridSelection cells = selection.Normalised();
+  std::vector<CellAssignment> emptied;
+  for (std::int32_t row = std::max(cells.top, 1); row <= std::min(cells.bottom, kOperandTypeCount); ++row) {
+    if (mDesk.state.settings.hidden.IsHidden(row)) continue;
+    const OperandTypeCode type = TypeOfRow(row);
+    const std::int32_t end = std::min(cells.right, mDesk.state.operands.CountOf(type));
+    for (std::int32_t column = std::max(cells.left, 1); column <= end; ++column) {
+      emptied.push_back({.type = type, .address = column - 1, .text = {}});
+    }
+  }
+  mEdits.Assign(emptied, "cutting");
+}
+
+void GridTransfers::Paste(const GridSelection& selection) {
+  if (!mDesk.parts.clipboard.HasText()) return Refuse(kClipboardNoTextMessage, std::string(kClipboardNoTextMessage));
+  const auto table = ParseClipboard(mDesk.parts.clipboard.GetText());
+  if (!table) return Refuse(table.error());
+  const auto cells = PlacePaste(*table, selection, mDesk.state.settings.hidden, mDesk.state.operands);
+  if (!cells) return Refuse(cells.error());
+  mEdits.Assign(*cells, "pasting");
+}
+
+// ---- asking and telling ----
+
+std::optional<std::filesystem::path> GridTransfers::AskSave(const std::string& title, const std::string& filter) {
+  return PathOf(mDesk.parts.prompts.SaveFile({.title = title, .filter = filter}));
+}
+
+std::optional<std::filesystem::path> GridTransfers::AskOpen(const std::string& title, const std::string& filter) {
+  return PathOf(mDesk.parts.prompts.OpenFile({.title = title, .filter = filter}));
+}
+
+std::optional<char> GridTransfers::AskSeparator() {
+  return mDesk.parts.hexSelector.SelectChar().transform([](std::uint8_t code) { return static_cast<char>(code); });
+}
+
+void GridTransfers::Refuse(std::string_view message, const std::string& reason, PromptIcon icon) {
+  mDesk.SayError(reason.empty() ? std::string(message) : reason);
+  mDesk.ShowBox(message, icon);
+}
+
+void GridTransfers::Refuse(const PasteFault& fault) {
+  Refuse(fault.message, fault.reason, fault.icon);
+}
+
+}  // namespace kv::mdlDataTypesView
