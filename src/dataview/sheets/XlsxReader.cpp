@@ -1,22 +1,19 @@
 #include "dataview/sheets/XlsxReader.h"
 
-#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <pugixml.hpp>
 #include <utility>
 
 #include "base/Numbers.h"
-#include "base/Utf8.h"
 #include "dataview/sheets/SheetBuilder.h"
+#include "dataview/sheets/XlsxText.h"
 #include "dataview/sheets/ZipParts.h"
 
 namespace kv {
 namespace {
 
 using Done = std::expected<void, SheetError>;
-
-constexpr std::size_t kEscapeLength = 7;  // "_x000D_"
 
 // The name without the prefix that a file may choose for its namespace.
 std::string_view LocalName(const char* name) {
@@ -39,24 +36,6 @@ std::string_view Attribute(const pugi::xml_node& node, std::string_view name) {
   return {};
 }
 
-// The character that "_x000D_" at the start of the text stands for: one that XML cannot hold.
-std::optional<char16_t> EscapedAt(std::string_view text) {
-  if (text.size() < kEscapeLength || !text.starts_with("_x") || text[kEscapeLength - 1] != '_') return std::nullopt;
-  const auto code = ParseHex(text.substr(2, 4));
-  return code ? std::optional(static_cast<char16_t>(*code)) : std::nullopt;
-}
-
-std::string Unescaped(std::string_view text) {
-  std::string plain;
-  while (!text.empty()) {
-    const auto character = EscapedAt(text);
-    const std::size_t next = character ? kEscapeLength : std::min(text.find('_', 1), text.size());
-    plain += character ? Utf8FromUtf16(std::u16string(1, *character)) : std::string(text.substr(0, next));
-    text.remove_prefix(next);
-  }
-  return plain;
-}
-
 // The text of a cell or a shared text: its own, or that of the pieces with fonts of their own; readings of Asian
 // characters ("rPh") stand beside them and are no part of it.
 std::string RichText(const pugi::xml_node& node) {
@@ -65,7 +44,7 @@ std::string RichText(const pugi::xml_node& node) {
     if (Is(child, "t")) text += child.child_value();
     if (Is(child, "r")) text += Child(child, "t").child_value();
   }
-  return Unescaped(text);
+  return UnescapedText(text);
 }
 
 // Row and column of "C7".
@@ -196,7 +175,7 @@ Done XlsxReader::ReadCell(const pugi::xml_node& cell, const Place& at) {
 
 Done XlsxReader::ReadValue(std::string_view kind, std::string_view value, const Place& at) {
   if (kind == "e") return mBuilder.PutText(at.row, at.column, {});
-  if (kind == "str" || kind == "d") return mBuilder.PutText(at.row, at.column, Unescaped(value));
+  if (kind == "str" || kind == "d") return mBuilder.PutText(at.row, at.column, UnescapedText(value));
   const std::string place = mSheetPart + ", cell " + CellPlace(at.row, at.column);
   if (kind == "s") {
     const auto index = ParseInteger(value);

@@ -6,6 +6,7 @@
 #include "base/ScopeGuard.h"
 #include "dataview/sheets/DecimalPoint.h"
 #include "dataview/sheets/SheetLook.h"
+#include "dataview/sheets/XlsxText.h"
 
 namespace kv {
 namespace {
@@ -30,7 +31,8 @@ lxw_error WriteCell(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const
       return worksheet_write_number(sheet, row, column, ParseNumber(cell.text).value_or(0),
                                     row == 0 ? formats.heading : nullptr);
     case SheetCell::Kind::Text:
-      return worksheet_write_string(sheet, row, column, cell.text.c_str(), row == 0 ? formats.heading : formats.asText);
+      return worksheet_write_string(sheet, row, column, EscapedText(cell.text).c_str(),
+                                    row == 0 ? formats.heading : formats.asText);
   }
   return LXW_NO_ERROR;
 }

@@ -76,6 +76,9 @@ void frmHexSelector::BuildTable() {
   mTable->setHorizontalHeaderLabels({"Dec", "Hex", "Character"});
   mTable->horizontalHeader()->setStretchLastSection(true);
   mTable->horizontalHeader()->setHighlightSections(false);
+  for (const Column column : {kDecimal, kHex}) {
+    mTable->setColumnWidth(column, mTable->fontMetrics().horizontalAdvance("0000000000"));
+  }
   mTable->verticalHeader()->hide();
   mTable->setSelectionMode(QAbstractItemView::SingleSelection);
   mTable->setSelectionBehavior(QAbstractItemView::SelectRows);

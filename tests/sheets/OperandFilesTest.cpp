@@ -1,0 +1,180 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "dataview/files/Csv.h"
+#include "dataview/files/OperandSheet.h"
+#include "tests/base/TemporaryFolder.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+using ::testing::HasSubstr;
+using Fields = std::vector<std::string>;
+using enum OperandTypeCode;
+
+std::vector<Fields> Lines(std::string_view bytes, char separator) {
+  std::vector<Fields> lines;
+  const auto records = ReadCsv(bytes, separator);
+  if (!records) return {{"fault", std::to_string(records.error().line), records.error().what}};
+  for (const CsvRecord& record : *records) lines.push_back(record.fields);
+  return lines;
+}
+
+TEST(CsvTest, ReadsWhatOtherProgramsWrite) {
+  struct Case {
+    std::string_view bytes;
+    char separator;
+    std::vector<Fields> lines;
+  };
+  const Case cases[] = {
+      {"", ',', {}},
+      {"a,b\r\n1,2\r\n", ',', {{"a", "b"}, {"1", "2"}}},
+      {"a,b\n\n1,2", ',', {{"a", "b"}, {"1", "2"}}},
+      {"a,b\r1,2\r", ',', {{"a", "b"}, {"1", "2"}}},
+      {"a;b,c\r\n", ';', {{"a", "b,c"}}},
+      {"a\t\t", '\t', {{"a", "", ""}}},
+      {"\"a,\"\"b\"\"\",c", ',', {{"a,\"b\"", "c"}}},
+      {"\"two\r\nlines\",x\r\ny", ',', {{"two\r\nlines", "x"}, {"y"}}},
+      {"5\" pipe,x", ',', {{"5\" pipe", "x"}}},
+      {"\xEF\xBB\xBF\xC3\xA4,1", ',', {{"\xC3\xA4", "1"}}},
+      {"\xC3\xA4,1", ',', {{"\xC3\xA4", "1"}}},  // UTF-8 without a mark, as many programs write it
+      {"\xE4\xA7"
+       "1",
+       '\xA7',
+       {{"\xC3\xA4", "1"}}},  // Windows-1252, as this program writes it
+      {"x\xC2\xA7"
+       "1",
+       '\xA7',
+       {{"x", "1"}}},
+      {"a,\"b\r\n1", ',', {{"fault", "1", "a field begins with a quote and has none at its end"}}},
+      {std::string_view("\xFF\xFE"
+                        "a\0",
+                        4),
+       ',',
+       {{"fault", "0", "its characters take two bytes each (UTF-16); save it as CSV or as UTF-8 text"}}},
+  };
+  for (const Case& c : cases) EXPECT_EQ(Lines(c.bytes, c.separator), c.lines) << c.bytes;
+  EXPECT_EQ(Lines("\n\n" + std::string(5000, 'x'), ',').front()[1], "3");
+  EXPECT_EQ(Lines(std::string(1'000'001, ','), ',').front()[2], "there are more than a million fields up to here");
+}
+
+TEST(CsvTest, EachSeparatorBringsEachFieldBack) {
+  const Fields fields = {"1.5", "-2",           "",       "00:01:02.50", "1e-05", "a\"b", "\r\n",
+                         " x ", "\u20AC\u00E4", "\u03A9", "\u00C2\u00A7"};
+  for (int code = 0; code < 256; ++code) {
+    const char separator = static_cast<char>(code);
+    EXPECT_EQ(WhyNoSeparator(separator).empty(), code != 10 && code != 13 && code != 34) << code;
+    if (!WhyNoSeparator(separator).empty()) continue;
+    for (const std::size_t count : {std::size_t{5}, fields.size() - 1, fields.size()}) {
+      CsvWriter writer(separator);
+      for (std::size_t i = 0; i < count; ++i) writer.Add(fields[i]);
+      writer.EndLine();
+      EXPECT_EQ(Lines(writer.Take(), separator),
+                (std::vector<Fields>{Fields(fields.begin(), fields.begin() + static_cast<int>(count))}))
+          << code;
+    }
+  }
+}
+
+TEST(CsvTest, TheGridIsALineForEachType) {
+  const TypeTexts rows[] = {{MB, {"0", "1", ""}, 0}, {TimerPreset, {"00:00:01.00"}, 0}, {MF, {"nan", "1.5"}, 0}};
+  const std::string file = PrintGridCsv(rows, ';');
+  EXPECT_EQ(file,
+            "Operand Type;0;1;2\r\n"
+            "MB;0;1;\r\n"
+            "TIMER PRESET;00:00:01.00\r\n"
+            "MF;nan;1.5\r\n");
+  const auto read = ParseGridCsv(file, ';');
+  ASSERT_TRUE(read);
+  ASSERT_EQ(read->rows.size(), 3U);
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(read->rows[i], (TypeTexts{rows[i].type, rows[i].texts, i + 2}));
+}
+
+TEST(CsvTest, LinesBelongToTheTypeTheyNameOrToTheirRow) {
+  const auto read = ParseGridCsv(
+      "Operand Type,0,1\n"
+      "MB,1,0\n"    // 2
+      "\n"          // stands for no row
+      "x,7\n"       // 4: the second row, MI
+      "only\n"      // 5: a single field; stands for MF
+      "y,text,5\n"  // 6: no value; stands for ML
+      "z,,8\n"      // 7: DW
+      "XI,-1\n"     // 8: named
+      "MB,,\n"      // 9: no value
+      "w,9\n",      // 10: the eighth, SI
+      ',');
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->rows,
+            (std::vector<TypeTexts>{
+                {MB, {"1", "0"}, 2}, {MI, {"7"}, 4}, {DW, {"", "8"}, 7}, {XI, {"-1"}, 8}, {SI, {"9"}, 10}}));
+  EXPECT_EQ(read->leftOut, (std::vector<std::size_t>{5, 6, 9}));
+
+  std::string tooMany = "\nOperand Type,0\n";  // a heading is none of the data wherever it stands
+  for (int row = 0; row < kOperandTypeCount + 1; ++row) tooMany += "x,1\n";
+  const auto past = ParseGridCsv(tooMany, ',');
+  ASSERT_TRUE(past);
+  EXPECT_EQ(past->rows.back(), (TypeTexts{XDW, {"1"}, 24}));
+  EXPECT_EQ(past->leftOut, (std::vector<std::size_t>{25}));
+}
+
+SheetTable Sheet(std::initializer_list<std::vector<const char*>> rows) {
+  SheetTable sheet;
+  for (const auto& texts : rows) {
+    auto& row = sheet.rows.emplace_back();
+    for (const char* text : texts) row.push_back(CellOf(text));
+  }
+  return sheet;
+}
+
+TEST(OperandSheetTest, TheTemplateThatShipsIsTheOneForTheseTypes) {
+  const TemporaryFolder folder;
+  const auto shipped = std::filesystem::path(KV_TEST_DATA) / "../runtime/Templates/DataTypes_Tmp";
+  const auto fresh = folder.Path() / "DataTypes_Tmp";
+  ASSERT_TRUE(WriteSheet(fresh, OperandSheetTemplate()));
+  EXPECT_TRUE(TemporaryFolder::Content(shipped) == TemporaryFolder::Content(fresh));
+
+  const auto chosen = folder.Path() / "values.xls";
+  const TypeTexts values[] = {{MF, {"1.5", "1.234568e+07", "nan"}, 0}, {TimerPreset, {"00:01:02.50"}, 0}};
+  ASSERT_TRUE(ExportSheet(shipped, chosen, OperandSheetRows(values)));
+  const auto sheet = ReadSheet(chosen);
+  ASSERT_TRUE(sheet);
+  const auto read = ParseOperandSheet(*sheet);
+  ASSERT_TRUE(read) << read.error().Text();
+  std::vector<SheetValue> known;
+  std::ranges::copy_if(*read, std::back_inserter(known), [](const SheetValue& value) { return !value.text.empty(); });
+  EXPECT_EQ(known, (std::vector<SheetValue>{{MF, 0, "1.5", 1, 3},
+                                            {TimerPreset, 0, "00:01:02.50", 1, 13},
+                                            {MF, 1, "1.234568e+07", 2, 3},
+                                            {MF, 2, "nan", 3, 3}}));
+}
+
+TEST(OperandSheetTest, ColumnsAndRowsMayStandInAnyOrder) {
+  const auto read = ParseOperandSheet(Sheet({{"Address", "MI", "", "MB"}, {"7", "-5"}, {}, {"3", "", "", "1"}}));
+  ASSERT_TRUE(read) << read.error().Text();
+  EXPECT_EQ(*read,
+            (std::vector<SheetValue>{{MI, 7, "-5", 1, 1}, {MB, 7, "", 1, 3}, {MI, 3, "", 3, 1}, {MB, 3, "1", 3, 3}}));
+}
+
+TEST(OperandSheetTest, RefusesWhatCouldLandInTheWrongPlace) {
+  const std::pair<SheetTable, const char*> cases[] = {
+      {{}, "cell A1: the heading \"Address\" was expected"},
+      {Sheet({{"MB", "MI"}}), "cell A1: the heading \"Address\" was expected"},
+      {Sheet({{"Address"}}), "cell B1: the name of an operand type was expected"},
+      {Sheet({{"Address", "MB", "Pump"}}), "cell C1: no operand type has this name"},
+      {Sheet({{"Address", "MB", "MB"}}), "cell C1: this operand type is there twice"},
+      {Sheet({{"Address", "MB"}, {"", "1"}}), "cell A2: the address of an operand was expected"},
+      {Sheet({{"Address", "MB"}, {"-1", "1"}}), "cell A2: the address of an operand was expected"},
+      {Sheet({{"Address", "MB"}, {"1.5", "1"}}), "cell A2: the address of an operand was expected"},
+      {Sheet({{"Address", "MB"}, {"1", "1"}, {"1", "0"}}), "cell A3: the same address is in A2"},
+      {Sheet({{"Address", "MB"}, {"1", "1", "5"}}), "cell C2: its column has no heading"},
+      {Sheet({{"Address", "TIMER PRESET"}, {"1", "0.000723"}}), "cell B2: a time as a text was expected"},
+  };
+  for (const auto& [sheet, why] : cases) {
+    const auto read = ParseOperandSheet(sheet);
+    ASSERT_FALSE(read) << why;
+    EXPECT_THAT(read.error().place + ": " + read.error().what, HasSubstr(why));
+  }
+}
+
+}  // namespace
+}  // namespace kv::mdlDataTypesView
