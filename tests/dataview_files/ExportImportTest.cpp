@@ -1,0 +1,130 @@
+#include "dataview/files/ExportImport.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "dataview/GridSelection.h"
+#include "dataview/files/OperandSheet.h"
+#include "tests/base/TemporaryFolder.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using enum OperandTypeCode;
+
+constexpr const char* kModel = "K220-22-R1";
+
+struct Bench {
+  Bench() {
+    std::filesystem::create_directory(paths.Templates());
+    EXPECT_TRUE(WriteSheet(paths.Templates() / "DataTypes_Tmp", OperandSheetTemplate()));
+    store.Edit(MB, 4095, "1");
+    store.Edit(MI, 0, "-32768");
+    store.Edit(MI, 2, "7");
+    store.Edit(MF, 1, "1.5e-10");
+    store.Edit(DW, 0, "4294967295");
+    store.SetRead({0, 0, SI}, std::vector<std::string>{"5"}, Instant());
+    store.Edit(TimerPreset, 3, "00:00:01.50");
+  }
+
+  TemporaryFolder folder;
+  ProgramPaths paths{folder.Path()};
+  OperandStore store{kModel};
+};
+
+std::string TextsOf(const std::vector<CellAssignment>& cells) {
+  std::string texts;
+  for (const CellAssignment& cell : cells) {
+    texts += std::to_string(RowOfType(cell.type)) + ":" + std::to_string(cell.address) + "=" + cell.text + " ";
+  }
+  return texts;
+}
+
+TEST(ExportImport, BringsAllValuesBackWithAnySeparator) {
+  constexpr const char* kAll = "1:4095=1 2:0=-32768 2:2=7 3:1=1.5e-10 5:0=4294967295 8:0=5 13:3=00:00:01.50 ";
+  Bench bench;
+  const OperandStore empty(kModel);
+  for (const char separator : {',', ';', '\t', ' ', '.', '-', '1', ':', 'e', '\xFC'}) {
+    const auto file = bench.folder.Path() / "values.csv";
+    ASSERT_TRUE(ExportCsv(file, bench.store, separator));
+    const auto imported = ImportCsv(file, empty, separator);
+    ASSERT_TRUE(imported) << separator << imported.error().reason;
+    EXPECT_EQ(TextsOf(imported->cells), kAll) << separator;
+    EXPECT_THAT(ImportCsv(file, bench.store, separator)->cells, IsEmpty());  // they are there already
+  }
+  for (const char* name : {"values.xls", "values.xlsx"}) {
+    const auto file = bench.folder.Path() / name;
+    ASSERT_TRUE(ExportSpreadsheet(bench.paths, file, bench.store));
+    auto imported = ImportSpreadsheet(file, empty);
+    ASSERT_TRUE(imported) << imported.error().reason;
+    std::ranges::stable_sort(imported->cells, {}, &CellAssignment::type);
+    EXPECT_EQ(TextsOf(imported->cells), kAll) << name;
+    EXPECT_THAT(ImportSpreadsheet(file, bench.store)->cells, IsEmpty());
+  }
+}
+
+TEST(ExportImport, EmptiesCellsThatAreEmptyInTheFile) {
+  Bench bench;
+  const auto file = bench.folder.Put("values.csv", "Operand Type,0,1,2\r\nMB,1\r\nMI,1,,\r\nMF\r\n");
+  const auto imported = ImportCsv(file, bench.store, ',');
+  ASSERT_TRUE(imported);
+  EXPECT_EQ(TextsOf(imported->cells), "1:0=1 2:0=1 2:2= ");
+  EXPECT_THAT(imported->note, HasSubstr("1 line of the file"));
+}
+
+TEST(ExportImport, RefusesAFileAsAWhole) {
+  constexpr std::string_view kCsv = "The CSV file you have selected cannot be imported.";
+  Bench bench;
+  struct {
+    const char* content;
+    char separator;
+    const char* reason;
+  } const cases[] = {
+      {"", ',', "no line holds values"},
+      {"Operand Type;0\r\nMI;1\r\n", ',', "is it the separator"},
+      {"Operand Type,0\r\nMI,1\r\nMF"
+       ","
+       ",,,,,,,,,,,,,,,,,,,,,,,,5\r\n",
+       ',', "line 3"},
+      {"x\r\nMI,1\r\n", '\n', ""},
+  };
+  for (const auto& each : cases) {
+    const auto imported = ImportCsv(bench.folder.Put("bad.csv", each.content), bench.store, each.separator);
+    ASSERT_FALSE(imported) << each.content;
+    EXPECT_EQ(imported.error().message, kCsv);
+    EXPECT_THAT(imported.error().reason, HasSubstr("bad.csv"));
+    EXPECT_THAT(imported.error().reason, HasSubstr(each.reason));
+  }
+  EXPECT_EQ(ImportCsv(bench.folder.Path() / "none.csv", bench.store, ',').error().message, kCsv);
+
+  const auto wide = bench.folder.Path() / "wide.xls";
+  OperandStore large("K670");
+  large.Edit(MI, 4095, "1");
+  ASSERT_TRUE(ExportSpreadsheet(bench.paths, wide, large));
+  const auto imported = ImportSpreadsheet(wide, bench.store);
+  ASSERT_FALSE(imported);
+  EXPECT_EQ(imported.error().message, "The Excel file you have selected cannot be imported.");
+  EXPECT_THAT(imported.error().reason, HasSubstr("cell C4097: there is no MI 4095 on K220-22-R1"));
+  EXPECT_FALSE(ImportSpreadsheet(bench.folder.Put("text.xls", "no sheet"), bench.store));
+}
+
+TEST(ExportImport, SaysWhatCouldNotBeWritten) {
+  Bench bench;
+  const auto csv = ExportCsv(bench.folder.Path() / "none" / "values.csv", bench.store, ',');
+  ASSERT_FALSE(csv);
+  EXPECT_EQ(csv.error().message, "The CSV file you have selected cannot support the exported values.");
+  EXPECT_THAT(csv.error().reason, HasSubstr("values.csv"));
+
+  std::filesystem::remove(bench.paths.Templates() / "DataTypes_Tmp");
+  const auto sheet = ExportSpreadsheet(bench.paths, bench.folder.Path() / "values.xls", bench.store);
+  ASSERT_FALSE(sheet);
+  EXPECT_EQ(sheet.error().message, "The Excel file you have selected cannot support the exported values.");
+  EXPECT_THAT(sheet.error().reason, HasSubstr("DataTypes_Tmp"));
+  EXPECT_FALSE(std::filesystem::exists(bench.folder.Path() / "values.xls"));
+}
+
+}  // namespace
+}  // namespace kv::mdlDataTypesView

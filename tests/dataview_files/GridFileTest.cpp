@@ -1,0 +1,172 @@
+#include "dataview/files/GridFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "dataview/files/GridText.h"
+#include "tests/base/TemporaryFolder.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using enum OperandTypeCode;
+
+constexpr const char* kLarge = "K670-67-T40 / K390-29-T40";
+constexpr const char* kSmall = "K220-22-R1";
+
+GridState SomeState(std::string_view model) {
+  GridState state{OperandStore(model), {}, {}};
+  const std::vector<std::string> read = {"12", "-13", "14"};
+  state.operands.SetRead({4, 6, MI}, read, Instant());
+  state.operands.Edit(MI, 5, "a\tb\r\n\\n");
+  state.operands.Edit(MI, 9, "\xC3\xBC");
+  state.operands.Edit(XDW, 63, "4294967295");
+  RegionRow row = NewRegionRow({4, 6, MI});
+  row.description = "Gr\xC3\xBC\xC3\x9F\x65\tand more \\ ";
+  row.size = SizeCode::Bit8;
+  row.format = FormatCode::Hex;
+  row.values = "old";
+  state.regions.Assign({row, NewRegionRow({0, 0, TimerPreset})});
+  state.settings.hidden.Set(3, true);
+  state.settings.hidden.Set(22, true);
+  state.settings.regionColumnWidths = {0, 120, 60};
+  state.settings.operandColumnWidth = 70;
+  state.settings.currentRow = 22;
+  state.settings.currentColumn = 64;
+  return state;
+}
+
+class GridFile : public ::testing::Test {
+ protected:
+  GridFile() { fs::create_directories(mFolder.Path() / "Sessions" / "Plant"); }
+
+  fs::path SessionFile(const char* name) const { return mFolder.Path() / "Sessions" / "Plant" / name; }
+  LoadedGrids Load(const char* model = kLarge) const { return LoadGrids(SessionGridFiles(mPaths, "Plant"), model); }
+
+  TemporaryFolder mFolder;
+  ProgramPaths mPaths{mFolder.Path()};
+};
+
+void ExpectSame(const GridState& loaded, const GridState& saved) {
+  EXPECT_EQ(loaded.settings, saved.settings);
+  EXPECT_EQ(loaded.operands.EditedCount(), saved.operands.EditedCount());
+  for (const Region region : {Region{0, 20, MI}, Region{50, 63, XDW}}) {
+    EXPECT_EQ(loaded.operands.Texts(region), saved.operands.Texts(region));
+    for (std::int32_t address = region.from; address <= region.to; ++address) {
+      EXPECT_EQ(loaded.operands.Origin(region.type, address), saved.operands.Origin(region.type, address)) << address;
+    }
+  }
+  ASSERT_EQ(loaded.regions.Rows().size(), saved.regions.Rows().size());
+  for (std::size_t i = 0; i < saved.regions.Rows().size(); ++i) {
+    const RegionRow& row = loaded.regions.Rows()[i];
+    EXPECT_EQ(row.region, saved.regions.Rows()[i].region);
+    EXPECT_EQ(row.description, saved.regions.Rows()[i].description);
+    EXPECT_EQ(row.size, saved.regions.Rows()[i].size);
+    EXPECT_EQ(row.format, saved.regions.Rows()[i].format);
+    EXPECT_EQ(row.values, "");
+  }
+}
+
+TEST_F(GridFile, BringsBothGridsBackAsTheyWere) {
+  const GridState state = SomeState(kLarge);
+  ASSERT_TRUE(SaveSessionGrids(mPaths, state, "Plant"));
+  const LoadedGrids loaded = Load();
+  EXPECT_TRUE(loaded.isWhole);
+  EXPECT_THAT(loaded.notes, ElementsAre());
+  ExpectSame(loaded.state, state);
+  EXPECT_EQ(loaded.state.operands.ReadAt(MI, 4), Instant::min());
+  EXPECT_THAT(TemporaryFolder::Content(SessionFile("vsfRegions_1.vsf")),
+              HasSubstr("TELEPANEL-REGIONS 1\nsession Plant\nmodel K670-67-T40 / K390-29-T40\nwidths 0 120 60\n"
+                        "region 2 4 6 1 4 Gr\xC3\xBC\xC3\x9F\x65\\tand more \\\\ \nregion 13 0 0 4 5 \ncheck "));
+  EXPECT_THAT(
+      TemporaryFolder::Content(SessionFile("vsfOperands_1.vsf")),
+      HasSubstr("cursor 22 64\nwidth 70\nhidden 3 22\nread 2 4\t12\nedited 2 5\ta\\tb\\r\\n\\\\n\nread 2 6\t14\n"
+                "edited 2 9\t\xC3\xBC\nedited 22 63\t4294967295\ncheck "));
+}
+
+TEST_F(GridFile, ThatIsMissingIsAnEmptyGrid) {
+  const LoadedGrids loaded = Load();
+  EXPECT_FALSE(loaded.isWhole);
+  EXPECT_THAT(loaded.notes, ElementsAre());
+  EXPECT_TRUE(loaded.state.regions.Rows().empty());
+  EXPECT_EQ(loaded.state.operands.Model(), kLarge);
+  EXPECT_EQ(loaded.state.settings, GridSettings());
+}
+
+TEST_F(GridFile, OfALargerModelGivesWhatFits) {
+  GridState state = SomeState(kLarge);
+  state.operands.Edit(MB, 5000, "1");
+  state.settings.currentColumn = 8000;
+  state.regions.Assign({NewRegionRow({5000, 5001, MB}), NewRegionRow({1, 2, MB})});
+  ASSERT_TRUE(SaveSessionGrids(mPaths, state, "Plant"));
+  const LoadedGrids loaded = Load(kSmall);
+  EXPECT_FALSE(loaded.isWhole);
+  EXPECT_THAT(loaded.notes, ElementsAre(HasSubstr("1 saved values of K670"), HasSubstr("1 saved regions of K670")));
+  EXPECT_EQ(loaded.state.regions.Regions(), (std::vector<Region>{{1, 2, MB}}));
+  EXPECT_EQ(loaded.state.operands.Text(MI, 4), "12");
+  EXPECT_EQ(loaded.state.settings.currentColumn, 4096);
+}
+
+// Every cut and every damaged byte is found, and the file is not lost.
+TEST_F(GridFile, ThatIsDamagedIsKeptAside) {
+  const GridState state = SomeState(kLarge);
+  const std::string regions = PrintRegionsGrid(state, "Plant");
+  const std::string operands = PrintOperandsGrid(state, "Plant");
+  for (std::size_t i = 0; i < regions.size(); ++i) {
+    std::string damaged = regions;
+    damaged[i] = static_cast<char>(damaged[i] ^ 1);
+    EXPECT_FALSE(ParseRegionsGrid(damaged, kLarge)) << i;
+    EXPECT_FALSE(ParseRegionsGrid(regions.substr(0, i), kLarge)) << i;
+  }
+  for (std::size_t i = 0; i < operands.size(); ++i) EXPECT_FALSE(ParseOperandsGrid(operands.substr(0, i), kLarge)) << i;
+
+  ASSERT_TRUE(SaveSessionGrids(mPaths, state, "Plant"));
+  mFolder.Put("Sessions/Plant/vsfRegions_1.vsf", regions.substr(0, 60));
+  const LoadedGrids loaded = Load();
+  EXPECT_FALSE(loaded.isWhole);
+  EXPECT_THAT(loaded.notes, ElementsAre(HasSubstr("It is kept as vsfRegions_1.vsf.bad.")));
+  EXPECT_TRUE(loaded.state.regions.Rows().empty());
+  EXPECT_EQ(loaded.state.operands.Text(MI, 4), "12");
+  EXPECT_EQ(TemporaryFolder::Content(SessionFile("vsfRegions_1.vsf.bad")), regions.substr(0, 60));
+  EXPECT_FALSE(fs::exists(SessionFile("vsfRegions_1.vsf")));
+}
+
+TEST_F(GridFile, LeftBehindByAKilledProgramBecomesThatOfItsSession) {
+  const GridState state = SomeState(kLarge);
+  ASSERT_TRUE(SaveSessionGrids(mPaths, {OperandStore(kLarge), {}, {}}, "Plant"));
+  EXPECT_FALSE(RecoverInterruptedGrids(mPaths, "Plant"));
+
+  ASSERT_TRUE(SaveTemporaryGrids(mPaths, state, "Plant"));
+  EXPECT_TRUE(LoadGrids(TemporaryGridFiles(mPaths), kLarge).isWhole);
+  EXPECT_FALSE(RecoverInterruptedGrids(mPaths, "Default"));  // it was not this one's
+  ExpectSame(Load().state, state);
+  EXPECT_TRUE(fs::is_empty(mFolder.Path() / "Tmp"));
+
+  // Killed between the two files.
+  ASSERT_TRUE(SaveTemporaryGrids(mPaths, {OperandStore(kLarge), {}, {}}, "Plant"));
+  fs::remove(TemporaryGridFiles(mPaths).operands);
+  EXPECT_TRUE(RecoverInterruptedGrids(mPaths, "Plant"));
+  EXPECT_TRUE(Load().state.regions.Rows().empty());
+  EXPECT_EQ(Load().state.operands.Text(MI, 4), "12");
+
+  for (const char* session : {"Deleted", "../..", ".."}) {
+    ASSERT_TRUE(SaveTemporaryGrids(mPaths, state, session));
+    EXPECT_FALSE(RecoverInterruptedGrids(mPaths, "Plant"));
+    EXPECT_EQ(Load().state.regions.Rows().size(), 0U);
+    EXPECT_EQ(mFolder.EntryCount(), 2) << session;
+  }
+}
+
+TEST_F(GridFile, IsNotSavedIntoASessionThatIsGone) {
+  fs::remove_all(mFolder.Path() / "Sessions" / "Plant");
+  const auto saved = SaveSessionGrids(mPaths, SomeState(kLarge), "Plant");
+  ASSERT_FALSE(saved);
+  EXPECT_THAT(saved.error().Text(), HasSubstr("check that its folder exists"));
+  EXPECT_FALSE(fs::exists(mFolder.Path() / "Sessions" / "Plant"));
+}
+
+}  // namespace
+}  // namespace kv::mdlDataTypesView

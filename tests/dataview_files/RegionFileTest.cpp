@@ -1,0 +1,169 @@
+#include "dataview/files/RegionFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/base/TemporaryFolder.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+using ::testing::HasSubstr;
+using Kind = RegionFileFault::Kind;
+
+constexpr const char* kLarge = "K670-67-T40 / K390-29-T40";
+const std::string kAurex = "Version 100\r\nAurex\r\n";
+
+RegionRow Row(Region region, std::string description, SizeCode size, FormatCode format, std::string values) {
+  return {region, std::move(description), size, format, std::move(values), std::nullopt};
+}
+
+std::string File(const std::string& rows) {
+  return kAurex + rows + "\r\n";
+}
+
+TEST(RegionFile, IsWrittenToTheByte) {
+  const std::vector<RegionRow> rows = {
+      Row({0, 1, OperandTypeCode::MI}, "Gr\xC3\xBC\xC3\x9F\x65\tand\r\nmore", SizeCode::Bit8, FormatCode::Hex,
+          "12 34 56 78"),
+      Row({0, 0, OperandTypeCode::TimerPreset}, "", SizeCode::Bit32, FormatCode::Decimal, "00:00:01.00")};
+  const RegionFileText text = PrintRegionFile(rows, kLarge);
+  EXPECT_EQ(text.bytes,
+            "Version 100\r\nAurex\r\n"
+            "2\tMI\t0\t1\tGr\xFC\xDF\x65 and  more\t8 BIT\tHEX\t12 34 56 78\t\r\n"
+            "13\tTIMER PRESET\t0\t0\t\t32 BIT\tDECIMAL\t00:00:01.00\t\r\n"
+            "\r\n");
+  EXPECT_FALSE(text.charactersLost);
+  for (const char* compact : {"Q50", "AurexQ50", "Q50Net"}) {
+    EXPECT_EQ(PrintRegionFile({}, compact).bytes, "Version 100\r\nQ50\r\n\r\n");
+  }
+  EXPECT_TRUE(PrintRegionFile(std::vector{Row({}, "\xCE\xA9", {}, {}, "")}, kLarge).charactersLost);
+}
+
+TEST(RegionFile, BringsBackTheRowsButNotTheirOldValues) {
+  const std::vector<RegionRow> rows = {
+      Row({5, 9, OperandTypeCode::MB}, "Pumps \xE2\x82\xAC", SizeCode::Bit1, FormatCode::Binary, "1 0 1 0 1"),
+      Row({0, 59, OperandTypeCode::MI}, "", SizeCode::Bit32, FormatCode::Float, "1.5"),
+      Row({60, 119, OperandTypeCode::MI}, "x", SizeCode::Bit8, FormatCode::Ascii, "\t\r\n")};
+  const TemporaryFolder folder;
+  const auto file = folder.Path() / "regions.axt";
+  ASSERT_TRUE(SaveRegionFile(file, rows, "K220-22-R1"));
+  const auto loaded = LoadRegionFile(file, "K220-22-R1");
+  ASSERT_TRUE(loaded) << loaded.error().reason;
+  ASSERT_EQ(loaded->size(), rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const RegionRow& row = (*loaded)[i];
+    EXPECT_EQ(row.region, rows[i].region);
+    EXPECT_EQ(row.description, rows[i].description);
+    EXPECT_EQ(row.size, rows[i].size);
+    EXPECT_EQ(row.format, rows[i].format);
+    EXPECT_EQ(row.values, "");
+    EXPECT_FALSE(row.readAt);
+  }
+  EXPECT_TRUE(ParseRegionFile(kAurex + "\r\n", kLarge)->empty());
+}
+
+TEST(RegionFile, TakesWhatUsersHaveInTheirFiles) {
+  struct {
+    const char* row;
+    Region region;
+    SizeCode size;
+    FormatCode format;
+  } const cases[] = {
+      {"2\tWHATEVER\t7\t9", {7, 9, OperandTypeCode::MI}, SizeCode::Bit16, FormatCode::Decimal},
+      {"2\tMI\t7\t9\td\t1\t4\t\tmore\t", {7, 9, OperandTypeCode::MI}, SizeCode::Bit8, FormatCode::Hex},
+      {"2\tMI\t7\t9\td\t16 BIT\tBINARY\t\t", {7, 9, OperandTypeCode::MI}, SizeCode::Bit16, FormatCode::Decimal},
+      {"1\tMB\t7\t9\td\t8 BIT\tHEX\t\t", {7, 9, OperandTypeCode::MB}, SizeCode::Bit1, FormatCode::Binary},
+      {"3\tMF\t0\t64\t", {0, 64, OperandTypeCode::MF}, SizeCode::Bit32, FormatCode::Decimal},  // one past the last
+  };
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.row);
+    const auto rows = ParseRegionFile(File(each.row + std::string("\r\n")), kLarge);
+    ASSERT_TRUE(rows) << rows.error().reason;
+    EXPECT_EQ(rows->front().region.from, each.region.from);
+    EXPECT_EQ(rows->front().size, each.size);
+    EXPECT_EQ(rows->front().format, each.format);
+  }
+}
+
+TEST(RegionFile, CutsLongRegionsIntoRequestsBehindTheOthers) {
+  const auto rows = ParseRegionFile(File("2\tMI\t10\t140\tlong\t8 BIT\tHEX\t\t\r\n1\tMB\t0\t119\t\r\n"), kLarge);
+  ASSERT_TRUE(rows);
+  std::vector<Region> regions;
+  for (const RegionRow& row : *rows) regions.push_back(row.region);
+  EXPECT_EQ(regions, (std::vector<Region>{{0, 119, OperandTypeCode::MB},
+                                          {10, 69, OperandTypeCode::MI},
+                                          {70, 129, OperandTypeCode::MI},
+                                          {130, 140, OperandTypeCode::MI}}));
+  EXPECT_EQ(rows->back().description, "long");
+  EXPECT_EQ(rows->back().format, FormatCode::Hex);
+}
+
+TEST(RegionFile, IsRefusedWithTheMessageThatFits) {
+  struct {
+    std::string bytes;
+    const char* model;
+    Kind kind;
+    const char* reason;
+  } const cases[] = {
+      {"", kLarge, Kind::Format, "line 1"},
+      {"Version 101\r\nAurex\r\n\r\n", kLarge, Kind::Format, "line 1"},
+      {"Version 100\nAurex\n\n", kLarge, Kind::Format, "line 1"},
+      {"Version 100\r\nQ50\r\n1\tMB\t0\t0\t\r\n\r\n", kLarge, Kind::Format, "line 2: expected \"Aurex\""},
+      {kAurex + "\r\n", "Q50", Kind::Format, "line 2: expected \"Q50\""},
+      {File("1\tMB\t0\r\n"), kLarge, Kind::Format, "line 3"},
+      {File("1\tMB\t0\t9\t\r\nMB\tMB\t0\t9\t\r\n"), kLarge, Kind::Format, "line 4"},
+      {File("1\tMB\t0\t \t\r\n"), kLarge, Kind::Format, "line 3"},
+      {File("\r\n1\tMB\t0\t9\t\r\n"), kLarge, Kind::Format, "line 3"},
+      {File("6\tDBI\t0\t9\t\r\n"), kLarge, Kind::InvalidRegions, "has no DBI operands"},
+      {File("6\tDBI\t0\t0\t\r\n"), kLarge, Kind::InvalidRegions, "has no DBI operands"},
+      {File("23\tMB\t0\t0\t\r\n"), kLarge, Kind::InvalidRegions, "no operand type 23"},
+      {File("1\tMB\t0\t9\t\r\n1\tMB\t8192\t8193\t\r\n"), kLarge, Kind::InvalidRegions, "line 4: MB 8192..8193 ends"},
+      {File("1\tMB\t0\t99999999999999999999\t\r\n"), kLarge, Kind::Format, "line 3"},
+      {File("1\tMB\t0\t9999999999\t\r\n"), kLarge, Kind::InvalidRegions, "line 3"},
+      {File("1\tMB\t-1\t9\t\r\n"), kLarge, Kind::InvalidRegions, "no range of addresses"},
+      {File("1\tMB\t9\t8\t\r\n"), kLarge, Kind::InvalidRegions, "no range of addresses"},
+      {File("1\tMB\t9\t20\t\r\n2\tMI\t0\t9\t\r\n1\tMB\t0\t9\t\r\n"), kLarge, Kind::InvalidRegions, "overlaps"},
+  };
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.bytes);
+    const auto rows = ParseRegionFile(each.bytes, each.model);
+    ASSERT_FALSE(rows);
+    EXPECT_EQ(rows.error().kind, each.kind);
+    EXPECT_THAT(rows.error().reason, HasSubstr(each.reason));
+  }
+  EXPECT_EQ((RegionFileFault{Kind::Format, ""}).Message(),
+            "This file cannot be opened. This may be because: \r\nThe file applies to a different controller model, or "
+            "\r\nThe file is corrupted or is in invalid format.\r\n");
+  EXPECT_EQ((RegionFileFault{Kind::InvalidRegions, ""}).Message(),
+            "This file cannot be opened. This may be because: \r\nThe file contains invalid regions for the current "
+            "selected PLC.");
+}
+
+TEST(RegionFile, ThatWasCutAnywhereIsRefusedAsCorrupted) {
+  const std::string whole = File("2\tMI\t0\t1\tx\t8 BIT\tHEX\t12 34 56 78\t\r\n1\tMB\t0\t9\t\t1 BIT\tBINARY\t\t\r\n");
+  ASSERT_TRUE(ParseRegionFile(whole, kLarge));
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    const auto rows = ParseRegionFile(std::string_view(whole).substr(0, length), kLarge);
+    ASSERT_FALSE(rows) << length;
+    EXPECT_EQ(rows.error().kind, Kind::Format) << length;
+  }
+}
+
+TEST(RegionFile, OfAMillionLinesIsRefusedEarly) {
+  std::string rows;
+  for (int i = 0; i < 1'000'000; ++i) rows += "1\tMB\t0\t0\t\r\n";
+  const auto refused = ParseRegionFile(File(rows), kLarge);
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().kind, Kind::InvalidRegions);
+  EXPECT_THAT(refused.error().reason, HasSubstr("more regions than the model has operands"));
+
+  const TemporaryFolder folder;
+  const auto large = LoadRegionFile(folder.Put("large.axt", std::string(kLargestRegionFile + 1, ' ')), kLarge);
+  ASSERT_FALSE(large);
+  EXPECT_THAT(large.error().reason, HasSubstr("larger than"));
+  EXPECT_EQ(LoadRegionFile(folder.Path() / "none.axt", kLarge).error().kind, Kind::Format);
+}
+
+}  // namespace
+}  // namespace kv::mdlDataTypesView
