@@ -20,11 +20,6 @@ namespace {
 // A controller that answers at once gives the pacer no turn; a long table must not keep the window from painting.
 constexpr Duration kTurnInterval = std::chrono::milliseconds(20);
 
-constexpr std::string_view kReadOnlyRegionsMessage =
-    "Values cannot be written to some of the defined regions. \r\n"
-    "This is because the defined regions include data types that cannot be written to in the controller. \r\n"
-    "All legal values will be written to permitted regions.\r\n";
-
 std::string Regions(std::size_t count) {
   return std::to_string(count) + (count == 1 ? " region" : " regions");
 }

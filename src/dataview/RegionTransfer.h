@@ -23,6 +23,12 @@
 // nothing.
 namespace kv::mdlDataTypesView {
 
+// Shown once for a write of several regions, some of which are of read-only types.
+inline constexpr std::string_view kReadOnlyRegionsMessage =
+    "Values cannot be written to some of the defined regions. \r\n"
+    "This is because the defined regions include data types that cannot be written to in the controller. \r\n"
+    "All legal values will be written to permitted regions.\r\n";
+
 // Whether operands of this type can be read from this model at all. DBI has no list read.
 [[nodiscard]] bool IsReadableFrom(std::string_view model, OperandTypeCode type);
 
