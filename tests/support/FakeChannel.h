@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,7 +14,8 @@ namespace kv::test {
 // put an answer for it below. A test that needs more derives from it and overrides the calls that it is about.
 class FakeChannel : public Channel {
  public:
-  std::vector<std::string> calls;  // "ReadMB 0 10 @1": name, start and count, unit
+  std::vector<std::string> calls;                       // "ReadMB 0 10 @1": name, start and count, unit
+  std::function<bool(const std::string& call)> onCall;  // sees each call; false fails it
   LinkError error{.code = LinkErrorCode::NoReply, .doing = "asking", .happened = "no reply", .cause = "", .cure = ""};
 
   std::uint8_t unit = 1;
@@ -116,19 +118,19 @@ class FakeChannel : public Channel {
 
  protected:
   // Notes the call; its result is what the call answers, and sets the last error.
-  bool Note(std::string call) {
-    calls.push_back(std::move(call));
-    mLastError = succeeds ? LinkError() : error;
-    return succeeds;
-  }
+  bool Note(std::string call) { return Finish(std::move(call), succeeds); }
   template <typename Value>
   std::optional<Value> Answer(std::string call, const std::optional<Value>& answer) {
-    calls.push_back(std::move(call));
-    mLastError = answer ? LinkError() : error;
-    return answer;
+    return Finish(std::move(call), answer.has_value()) ? answer : std::nullopt;
   }
 
  private:
+  bool Finish(std::string call, bool isGood) {
+    isGood = (!onCall || onCall(call)) && isGood;
+    calls.push_back(std::move(call));
+    mLastError = isGood ? LinkError() : error;
+    return isGood;
+  }
   static std::string At(std::uint8_t u) { return " @" + std::to_string(u); }
 
   template <typename Values>

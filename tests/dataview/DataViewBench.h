@@ -1,0 +1,83 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "dataview/DataTypesView.h"
+#include "desktop/MemoryClipboard.h"
+#include "desktop/VirtualPacer.h"
+#include "editors/clsHexSelector.h"
+#include "tests/support/FakeChannel.h"
+#include "tests/support/SessionBench.h"
+
+namespace kv::test {
+
+using namespace mdlDataTypesView;
+
+// A controller that answers list reads with `value` and takes every write. Its calls stand in the bench's log.
+class OperandChannel : public FakeChannel {
+ public:
+  explicit OperandChannel(CallLog& log) {
+    version.emplace().osVersion = "4.00";
+    succeeds = true;
+    onCall = [this, &log](const std::string& call) {
+      log.push_back(call);
+      if (during) during();
+      return failAt-- != 0;
+    };
+  }
+
+  std::function<std::uint32_t(std::int32_t address)> value = [](std::int32_t address) {
+    return static_cast<std::uint32_t>(address);
+  };
+  int failAt = -1;               // the call that fails, from 0; less: none
+  std::function<void()> during;  // each call
+
+  std::optional<std::vector<OperandListValues>> ReadOperandList(std::span<const OperandListRequest> records,
+                                                                std::uint8_t unitId) override {
+    OperandListValues values;
+    for (std::int32_t i = 0; i < records.front().count; ++i) values.push_back(value(records.front().start + i));
+    lists = std::vector<OperandListValues>{values};
+    return FakeChannel::ReadOperandList(records, unitId);
+  }
+};
+
+// The view on fakes: whatever it asks, sends and tells is in one log.
+struct DataViewBench : SessionBench, GridListener, HexSelectorWindow {
+  explicit DataViewBench(const std::string& model = "K220-22-R1") {
+    host.model = model;
+    driver.channel = channel;
+    view.Open();
+  }
+
+  void GridsChanged(const GridChanges& changes) override { changed.push_back(changes); }
+  void StatusChanged() override { modes.push_back(view.Status().mode); }
+  std::optional<std::string> Edit(const std::string& hexCode) override { return hexCode; }
+
+  // Adds what the grid's cells of one type and these addresses make.
+  void Add(OperandTypeCode type, std::int32_t from, std::int32_t to) {
+    view.Select({.top = RowOfType(type), .left = from + 1, .bottom = RowOfType(type), .right = to + 1});
+    view.Run("ID_AddRegion");
+  }
+  // Runs a command whose boxes are answered so, and gives what was logged meanwhile.
+  CallLog Run(std::string_view tool, std::initializer_list<PromptAnswer> answers = {}) {
+    for (const PromptAnswer answer : answers) prompts.Press(answer);
+    Taken();
+    changed.clear();
+    view.Run(tool);
+    return Taken();
+  }
+
+  std::vector<GridChanges> changed;
+  std::vector<ViewMode> modes;
+  std::shared_ptr<OperandChannel> channel = std::make_shared<OperandChannel>(log);
+  VirtualPacer pacer;
+  MemoryClipboard clipboard;
+  clsHexSelector selector{*this};
+  DataTypesView view{{shared, prompts, pacer, clipboard, selector}, *this};
+};
+
+}  // namespace kv::test

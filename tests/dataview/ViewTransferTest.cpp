@@ -1,0 +1,234 @@
+// Reading and writing the regions: what is sent, in which order, what the user is told, and that nothing wrong is
+// shown.
+#include <gmock/gmock.h>
+
+#include "tests/dataview/DataViewBench.h"
+
+namespace kv::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using enum OperandTypeCode;
+
+constexpr auto kOk = PromptAnswer::Ok;
+
+const CallLog kTaken = {"Driver GetChannel", "SetCommandOwner frmDataTypesView", "AbortComm on", "GetVersionInfo @1"};
+
+// What a command logs that gets as far as its requests.
+CallLog WithRequests(CallLog requests) {
+  CallLog log = kTaken;
+  log.insert(log.end(), requests.begin(), requests.end());
+  log.emplace_back("AbortComm on");
+  return log;
+}
+
+constexpr const char* kOutOfRangeBox =
+    "Box (!) Data Types - Default: The values you have entered are out of the legal range for this data type.";
+constexpr const char* kNotSupportedBox =
+    "Box (!) Data Types - Default: Some of the defined regions are not supported by the O/S currently installed in the "
+    "controller.";
+constexpr const char* kReadOnlyBox =
+    "Box (!) Data Types - Default: Values cannot be written to some of the defined regions. \r\n"
+    "This is because the defined regions include data types that cannot be written to in the controller. \r\n"
+    "All legal values will be written to permitted regions.\r\n";
+
+TEST(ReadRegions, OneRequestARegionAndOneChangeForAll) {
+  DataViewBench bench;
+  EXPECT_THAT(bench.Run("ID_ReadRegions"), IsEmpty()) << "no regions: nothing is sent";
+  EXPECT_THAT(bench.view.WhyNot("ID_ReadRegions"), HasSubstr("no regions"));
+  bench.Add(MI, 5, 70);
+  bench.Add(SI, 0, 1);
+  EXPECT_EQ(bench.Run("ID_ReadRegions"),
+            WithRequests(
+                {"ReadOperandList @1: 0,3,5,60,0", "ReadOperandList @1: 0,3,65,6,0", "ReadOperandList @1: 0,4,0,2,0"}));
+  EXPECT_EQ(bench.view.Operands().Text(MI, 70), "70");
+  EXPECT_EQ(bench.view.Regions().Rows()[2].values, "     0      1");
+  ASSERT_EQ(bench.changed.size(), 1U);
+  EXPECT_EQ(bench.changed[0].operands, (GridSelection{RowOfType(MI), 1, RowOfType(SI), 71}));
+  EXPECT_EQ(bench.changed[0].firstRegion, 0);
+  EXPECT_EQ(bench.changed[0].lastRegion, 2);
+  EXPECT_TRUE(bench.changed[0].onlyValues);
+  EXPECT_EQ(bench.view.Status().mode, ViewMode::Idle);
+  EXPECT_THAT(bench.modes, Contains(ViewMode::Busy));
+
+  bench.channel->value = [](std::int32_t address) { return address == 66 ? 1U : static_cast<std::uint32_t>(address); };
+  bench.Run("ID_ReadRegions");
+  ASSERT_EQ(bench.changed.size(), 1U) << "only what changed";
+  EXPECT_EQ(bench.changed[0].operands, (GridSelection{RowOfType(MI), 67, RowOfType(MI), 67}));
+  EXPECT_EQ(bench.changed[0].firstRegion, 1);
+  bench.Run("ID_ReadRegions");
+  EXPECT_THAT(bench.changed, IsEmpty());
+}
+
+TEST(ReadRegions, FailingAtAnyCallLeavesWhatWasShown) {
+  for (int call = 3; call <= 6; ++call) {  // the version, and three regions
+    SCOPED_TRACE(call);
+    DataViewBench bench;
+    bench.Add(MI, 0, 129);
+    bench.Run("ID_ReadRegions");
+    bench.channel->value = [](std::int32_t) { return 9U; };
+    bench.channel->failAt = call - 1;
+    bench.pacer.Sleep(std::chrono::seconds(90));
+    EXPECT_EQ(bench.Run("ID_ReadRegions").back(), "AbortComm on") << "the channel is given back";
+    const auto rows = bench.view.Regions().Rows();
+    for (int row = 0; row < 3; ++row) {
+      const bool isNew = row < call - 4;
+      EXPECT_EQ(bench.view.Operands().Text(MI, 60 * row), isNew ? "9" : std::to_string(60 * row)) << row;
+      EXPECT_EQ(bench.view.AgeText(static_cast<std::size_t>(row)), isNew ? "0 s" : "1 min") << row;
+    }
+    EXPECT_EQ(rows.size(), 3U);
+    EXPECT_TRUE(bench.view.Status().isError);
+    EXPECT_TRUE(bench.view.Status().linkLost);
+    EXPECT_THAT(bench.view.Status().message, HasSubstr("no reply"));
+    EXPECT_EQ(bench.view.Status().mode, ViewMode::Idle);
+  }
+}
+
+TEST(ReadRegions, StopAndRefusal) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 179);
+  bench.channel->during = [&] {
+    if (bench.view.Operands().Text(MI, 0) == "0") bench.pacer.RequestStop();
+  };
+  bench.Run("ID_ReadRegions");
+  EXPECT_THAT(bench.view.Status().message, HasSubstr("Stopped. 2 regions of 3 read"));
+  EXPECT_EQ(bench.view.Operands().Text(MI, 60), "60");
+  EXPECT_EQ(bench.view.Operands().Text(MI, 120), "");
+
+  bench.channel->during = nullptr;
+  bench.channel->version->osVersion = "2.99";
+  EXPECT_THAT(bench.Run("ID_ReadRegions"), Contains("ReadOperandList @1: 0,3,0,60,0")) << "an older O/S has MI 0..1024";
+  bench.Add(MI, 1100, 1101);
+  EXPECT_EQ(bench.Run("ID_ReadRegions", {kOk}), WithRequests({kNotSupportedBox}));
+  EXPECT_EQ(bench.Run("ID_OnLine", {kOk}), WithRequests({kNotSupportedBox}));
+
+  bench.driver.channel = nullptr;
+  EXPECT_THAT(bench.Run("ID_ReadRegions"), ElementsAre("Driver GetChannel"));
+  bench.host.model = "Q50";
+  EXPECT_THAT(bench.Run("ID_ReadRegions"), IsEmpty());
+  EXPECT_THAT(bench.view.WhyNot("ID_ReadRegions"), HasSubstr("Q50"));
+}
+
+TEST(WriteRegions, NothingIsSentUntilAllIsInRange) {
+  for (const OperandTypeCode type : {MI, TimerPreset, CounterPreset, MF}) {
+    DataViewBench bench;
+    bench.Add(MB, 0, 0);
+    bench.view.Edit(MB, 0, "1");
+    bench.Add(type, 0, 1);
+    bench.view.Edit(type, 0, "1");
+    EXPECT_THAT(bench.Run("ID_WriteRegions", {kOk}), ElementsAre(kOutOfRangeBox));
+    EXPECT_THAT(bench.view.Status().message, HasSubstr(" 1 has no value"));
+    EXPECT_EQ(bench.view.Status().edited, 2U);
+  }
+}
+
+TEST(WriteRegions, ReadOnlyTypesAreToldOnceAndTheOthersWritten) {
+  DataViewBench bench;
+  bench.Add(SI, 0, 1);
+  bench.Add(MI, 0, 1);
+  bench.Add(SB, 0, 1);
+  bench.Add(ML, 3, 3);
+  bench.Run("ID_ReadRegions");
+  bench.view.Edit(MI, 1, "-5");
+  bench.view.Edit(ML, 3, "70000");
+  EXPECT_EQ(bench.view.Status().edited, 2U);
+  EXPECT_EQ(bench.Run("ID_WriteRegions", {kOk}), WithRequests({kReadOnlyBox, "WriteMI 0 2 @1", "WriteML 3 1 @1"}));
+  EXPECT_EQ(bench.view.Status().edited, 0U);
+  ASSERT_EQ(bench.changed.size(), 1U);
+  EXPECT_EQ(bench.changed[0].operands, (GridSelection{RowOfType(MI), 2, RowOfType(ML), 4})) << "the marks that went";
+
+  bench.view.SelectRegions({1, 3});
+  bench.Run("ID_RemoveRegion");
+  EXPECT_EQ(bench.Run("ID_WriteRegions", {kOk}), WithRequests({kReadOnlyBox}));
+}
+
+TEST(WriteRegions, SaysHowFarItCameAndKeepsTheMarksOfTheRest) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 179);
+  for (std::int32_t address = 0; address < 180; ++address) bench.view.Edit(MI, address, "3");
+  bench.channel->failAt = 4;  // the second region
+  EXPECT_EQ(bench.Run("ID_WriteRegions"), WithRequests({"WriteMI 0 60 @1", "WriteMI 60 60 @1"}));
+  EXPECT_EQ(bench.view.Status().edited, 120U);
+  EXPECT_THAT(bench.view.Status().message, HasSubstr("1 region written before that, up to MI 0..59; 2 regions not."));
+}
+
+// ---- on line ----
+
+TEST(OnLine, PassesBackToBackUntilTheToolIsPressedAgain) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 61);
+  int passes = 0;
+  bench.pacer.OnDoEvents([&] {
+    ++passes;
+    EXPECT_EQ(bench.view.Status().mode, ViewMode::Online);
+    for (const char* tool : {"ID_ReadRegions", "ID_WriteRegions", "ID_ReadAll", "ID_WriteAll", "ID_NewRegions",
+                             "ID_AddRegion", "ID_RemoveRegion", "ID_SaveRegions", "ID_LoadRegions", "ID_Export",
+                             "ID_Import", "ID_Copy", "ID_Paste", "ID_Cut"}) {
+      EXPECT_THAT(bench.view.WhyNot(tool), HasSubstr("on line")) << tool;
+    }
+    EXPECT_EQ(bench.view.WhyNot("ID_OnLine"), "");
+    EXPECT_THAT(bench.view.EditFault(MI, 61, "5"), HasSubstr("read on line"));
+    EXPECT_EQ(bench.view.EditFault(MI, 62, "5"), "");
+    EXPECT_TRUE(bench.view.SetFormat(0, passes == 1 ? FormatCode::Hex : FormatCode::Decimal));
+    if (passes == 3) bench.view.Run("ID_OnLine");
+  });
+  const CallLog log = bench.Run("ID_OnLine");
+  EXPECT_EQ(std::ranges::count(log, "Driver GetChannel"), 1);
+  EXPECT_EQ(std::ranges::count(log, "ReadOperandList @1: 0,3,60,2,0"), 3) << "to the end of the pass, and no further";
+  EXPECT_EQ(log.back(), "AbortComm on");
+  EXPECT_EQ(bench.view.Status().mode, ViewMode::Idle);
+  EXPECT_EQ(bench.view.Status().passes, 3U);
+}
+
+TEST(OnLine, EndsWithAnErrorOrTheViewAndKeepsTheValues) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 61);
+  bench.channel->failAt = 7;  // in the third pass
+  bench.channel->during = [&] { bench.pacer.Sleep(std::chrono::milliseconds(100)); };
+  bench.pacer.OnDoEvents([&] { bench.channel->value = [](std::int32_t) { return 5U; }; });
+  bench.Run("ID_OnLine");
+  EXPECT_EQ(bench.view.Operands().Text(MI, 0), "5");
+  EXPECT_TRUE(bench.view.Status().linkLost);
+  EXPECT_THAT(bench.view.Status().message, HasSubstr("no reply"));
+  bench.pacer.Sleep(std::chrono::hours(3));
+  EXPECT_EQ(bench.view.AgeText(1), "3 h");
+
+  bench.pacer.OnDoEvents([&] { EXPECT_TRUE(bench.view.Close()); });
+  bench.Run("ID_OnLine");
+  EXPECT_FALSE(bench.view.Status().linkLost);
+  EXPECT_EQ(bench.view.Status().mode, ViewMode::Idle);
+}
+
+TEST(OnLine, MarksValuesThatChangeAndFadesTheMarks) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 1);
+  bench.channel->value = [&](std::int32_t address) { return address == 1 ? bench.view.Status().passes < 2 : 7U; };
+  std::vector<double> marks;
+  bench.pacer.OnDoEvents([&] {
+    marks.push_back(bench.view.ChangeMark(MI, 1));
+    EXPECT_EQ(bench.view.ChangeMark(MI, 0), 0.0);
+    bench.pacer.Sleep(std::chrono::seconds(1));
+    if (marks.size() == 5) bench.view.Run("ID_OnLine");
+  });
+  bench.Run("ID_OnLine");
+  EXPECT_THAT(marks, ElementsAre(0.0, 0.0, 1.0, 0.5, 0.0)) << "the first read is no change";
+}
+
+TEST(OnLine, TypedTextsThatAReadReplacesComeBackWithUndo) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 3);
+  bench.view.Edit(MI, 2, "99");
+  bench.pacer.OnDoEvents([&] { bench.view.Run("ID_OnLine"); });
+  bench.Run("ID_OnLine");
+  EXPECT_EQ(bench.view.Operands().Text(MI, 2), "2");
+  EXPECT_EQ(bench.view.Operands().EditedCount(), 0U);
+  bench.view.Run("ID_Undo");
+  EXPECT_EQ(bench.view.Operands().Text(MI, 2), "99");
+  EXPECT_EQ(bench.view.Operands().EditedCount(), 1U);
+}
+
+}  // namespace
+}  // namespace kv::test
