@@ -108,7 +108,7 @@ std::expected<std::optional<std::string_view>, FileError> CloneLineReader::Next(
 }
 
 bool CloneLineReader::Fill() {
-  constexpr std::size_t kPiece = std::size_t{64} * 1024;
+  constexpr std::size_t kPiece = std::size_t{8} * 1024;
   mNext = 0;
   mBuffer.resize(kPiece);
   mStream.read(mBuffer.data(), kPiece);

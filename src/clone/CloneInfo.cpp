@@ -67,7 +67,6 @@ class Inspector {
       holder.hasFrames = true;
       holder.segment.kind = frame.kind;
       holder.position = position;
-      holder.lineBefore = mLine - 1;
     }
     const auto bytes = static_cast<std::uint32_t>(frame.data.size());
     holder.covered.Add(frame.address, bytes);

@@ -51,7 +51,6 @@ struct CloneInfoSegment {
   bool hasFrames = false;      // false: the kind is not known; all of it was 255, or it is empty
   AddressRanges covered;       // what its frames write; the rest was erased (255) when the file was made
   std::uint64_t position = 0;  // in the file, of its first frame
-  std::size_t lineBefore = 0;  // number of the line before that frame
 };
 
 // What can be told about a clone file without a controller.

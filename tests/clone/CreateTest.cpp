@@ -9,6 +9,7 @@
 #include "clone/CloneLines.h"
 #include "tests/clone/CloneBench.h"
 
+// clang-format off: the tables are laid out by hand
 namespace kv::test {
 namespace {
 
@@ -80,15 +81,12 @@ TEST(CreateGhost, CutsBlocksIntoLinesByTheRulesOfTheirMemory) {
     std::uint32_t erasedFrom, erasedTo;  // offsets
     std::string lines;                   // address and count digits
   };
-  const std::vector<Row> rows = {{"MMR00001000 000003E8", 0, 0, "1000:00 1100:00 1200:00 1300:E8"},
-                                 {"MMR00001000 000003E8", 0x300, 0x3E8, "1000:00 1100:00 1200:00"},
-                                 {"MMR00001000 00000300", 0, 0x300, "1000:00 1100:00 1200:00"},
-                                 {"MMR00001000 00000002", 0, 0, "1000:02"},
-                                 {"FTF00001000 00000200", 0x80, 0x100, "1000:80 1100:80 1180:80"},
-                                 {"FTF00001000 00000282", 0, 0x280, "1280:02"},
-                                 {"FTF00001000 00000282", 0x7F, 0x282, "1000:80"},
-                                 {"FTF00001000 00000000", 0, 0, ""},
-                                 {"MMR00001000 00000000", 0, 0, ""}};
+  const std::vector<Row> rows = {
+      {"MMR00001000 000003E8", 0, 0, "1000:00 1100:00 1200:00 1300:E8"}, {"MMR00001000 00000000", 0, 0, ""},
+      {"MMR00001000 000003E8", 0x300, 0x3E8, "1000:00 1100:00 1200:00"}, {"MMR00001000 00000002", 0, 0, "1000:02"},
+      {"MMR00001000 00000300", 0, 0x300, "1000:00 1100:00 1200:00"}, {"FTF00001000 00000000", 0, 0, ""},
+      {"FTF00001000 00000200", 0x80, 0x100, "1000:80 1100:80 1180:80"},
+      {"FTF00001000 00000282", 0, 0x280, "1280:02"}, {"FTF00001000 00000282", 0x7F, 0x282, "1000:80"}};
   for (const Row& row : rows) {
     CloneBench bench;
     bench.channel.SetSegments({row.segment});
@@ -107,19 +105,22 @@ TEST(CreateGhost, CutsBlocksIntoLinesByTheRulesOfTheirMemory) {
 }
 
 TEST(CreateGhost, LeavesTheControllerRunningWhateverItsStateWas) {
+  using enum PromptAnswer;
+  struct Row {
+    char state;
+    std::optional<PromptAnswer> answer;
+    int stops;
+    char after;
+  };
   for (const auto& [state, stop, stops, after] :
-       std::vector<std::tuple<char, std::optional<PromptAnswer>, bool, char>>{{'R', PromptAnswer::Yes, true, 'R'},
-                                                                              {'R', PromptAnswer::No, false, 'R'},
-                                                                              {'S', {}, false, 'R'},
-                                                                              {'I', PromptAnswer::No, false, 'I'},
-                                                                              {'L', {}, false, 'R'}}) {
+       {Row{'R', Yes, 1, 'R'}, Row{'R', No, 0, 'R'}, Row{'S', {}, 0, 'R'}, Row{'I', No, 0, 'I'}, Row{'L', {}, 0, 'R'}}) {
     CloneBench bench;
     bench.channel.SetSegments({"HWF00001000 00000010"});
     bench.channel.state = state;
     Answer(bench, "12345678", stop);
     EXPECT_EQ(bench.Create().end, CloneEnd::Done);
     EXPECT_EQ(bench.channel.state, after) << state;
-    EXPECT_EQ(std::ranges::count(bench.channel.calls, "StopController"), stops ? 1 : 0) << state;
+    EXPECT_EQ(std::ranges::count(bench.channel.calls, "StopController"), stops) << state;
     EXPECT_EQ(std::ranges::count(bench.channel.calls, "SendCommand GI12345678"), 1);
   }
 }
@@ -149,22 +150,18 @@ TEST(CreateGhost, EndsBeforeTheControllerIsTouchedWhenPasswordOrTableCannotBeUse
     CloneCause cause;
     std::string reason;
   };
+  using enum CloneCause;
   const std::vector<Row> rows = {
-      {"", {}, CloneCause::Password, "No password"},
-      {std::nullopt, {}, CloneCause::Password, "No password"},
-      {"123456789", {}, CloneCause::Password, "more than 8"},
-      {"x", "GIERROR0797", CloneCause::Segments, "ERROR07"},
-      {"x", "GI0??", CloneCause::Password, "did not accept"},
-      {"x", "GI1??", CloneCause::Segments, "number of segments"},
-      {"x", "GI10000??", CloneCause::Segments, "no segments"},
-      {"x", "GI1000G" + hw + "??", CloneCause::Segments, "number of segments"},
-      {"x", "GI10002" + hw + "??", CloneCause::Segments, "length of 2 segments"},
-      {"x", "GI10001" + hw + hw + "??", CloneCause::Segments, "length of 1 segments"},
-      {"x", "GI1FFFF" + hw + "??", CloneCause::Segments, "length of 65535"},
-      {"x", "GI10001HWF0000100000000O10??", CloneCause::Segments, "segment 1"},
-      {"x", "GI10001H\tF0000100000000010??", CloneCause::Segments, "printed"},
-      {"x", "GI10001HWFFFFFFFF000000011??", CloneCause::Segments, "FFFFFFFF"},
-      {"x", "GI10001MMR0000100000000201??", CloneCause::Segments, "MM has an odd length (513"}};
+      {"", {}, Password, "No password"}, {std::nullopt, {}, Password, "No password"},
+      {"123456789", {}, Password, "more than 8"}, {"x", "GIERROR0797", Segments, "ERROR07"},
+      {"x", "GI0??", Password, "did not accept"}, {"x", "GI1??", Segments, "number of segments"},
+      {"x", "GI10000??", Segments, "no segments"}, {"x", "GI1000G" + hw + "??", Segments, "number of segments"},
+      {"x", "GI10002" + hw + "??", Segments, "length of 2 segments"},
+      {"x", "GI10001" + hw + hw + "??", Segments, "length of 1 segments"},
+      {"x", "GI1FFFF" + hw + "??", Segments, "length of 65535"},
+      {"x", "GI10001HWF0000100000000O10??", Segments, "segment 1"}, {"x", "GI10001H\tF0000100000000010??", Segments, "printed"},
+      {"x", "GI10001HWFFFFFFFF000000011??", Segments, "FFFFFFFF"},
+      {"x", "GI10001MMR0000100000000201??", Segments, "MM has an odd length (513"}};
   for (const Row& row : rows) {
     CloneBench bench;
     if (row.reply) bench.channel.reply = CommandReply{*row.reply};

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "KvCmDrv1/Driver.h"
+#include "clone/CloneDiff.h"
 #include "clone/CloneVerify.h"
 #include "simulator/SimulatedController.h"
 #include "tests/clone/CloneBench.h"
@@ -11,18 +12,122 @@ namespace {
 
 using testing::HasSubstr;
 
-// A simulated controller behind the driver, on virtual time.
-struct Simulated {
-  explicit Simulated(VirtualPacer& pacer, std::uint64_t seed, std::string password = {},
-                     std::vector<std::string> faults = {}, std::string model = "K220-22-R1")
-      : driver(pacer, [this](const std::string&) { return controller->NewLine(); }, nullptr) {
-    sim::SimulatorOptions options;
-    options.model = std::move(model);
-    options.password = std::move(password);
-    options.faults = std::move(faults);
-    options.seed = seed;
-    controller = sim::SimulatedController::Create(options).value();
-  }
-  std::unique_ptr<sim::SimulatedController> controller;
-  Driver driver;
+// Says yes to everything.
+struct ConsentingPrompts : Prompts {
+  std::string password = "x";
+  PromptAnswer Show(const MessageBox& box) override { return Consent(box.buttons); }
+  std::optional<std::string> Ask(const InputBox&) override { return password; }
+  std::optional<std::string> OpenFile(const FileDialog&) override { return {}; }
+  std::optional<std::string> SaveFile(const FileDialog&) override { return {}; }
 };
+
+// A simulated controller behind the driver, and the engine at work on it, on virtual time.
+class Plc {
+ public:
+  explicit Plc(CloneBench& bench, const std::string& password = {})
+      : mBench(bench), mDriver(bench.pacer, [this](const std::string&) { return simulated->NewLine(); }, nullptr) {
+    sim::SimulatorOptions options;
+    options.model = "AurexQ50";
+    options.password = password;
+    simulated = sim::SimulatedController::Create(options).value();
+  }
+  std::unique_ptr<sim::SimulatedController> simulated;
+  ConsentingPrompts prompts;
+
+  Channel& Link() { return *(mChannel = mDriver.GetChannel()); }
+  char State() { return Link().GetControllerInfo(1).value_or(Channel::ControllerInfo()).state; }
+
+  CloneOutcome Create(const std::filesystem::path& file) {
+    clsDumpPLC engine(mBench.window, prompts, mBench.pacer, mBench.pacer);
+    engine.CreateGhost(Link(), file);
+    return engine.Outcome();
+  }
+  CloneOutcome Restore(const std::filesystem::path& file) {
+    clsDumpPLC engine(mBench.window, prompts, mBench.pacer, mBench.pacer);
+    mBench.pacer.Sleep(std::chrono::seconds(1));  // a controller that was reset does not listen at once
+    Channel& link = Link();
+    engine.RestoreGhost(*link.GetSerialPort(), file, &link);
+    return engine.Outcome();
+  }
+  // Every segment becomes two zeros and 255 behind them.
+  void Wipe() {
+    const auto table = ParseSegmentTable(Link().SendCommand("GIx       ")->text).value();
+    for (const CloneSegment& segment : table) {
+      ASSERT_THAT(
+          Link().SendCommand("WD" + std::string(1, LetterOf(segment.kind)) + ToHex(segment.start, 8) + "020000")->text,
+          HasSubstr("OK"));
+    }
+    ASSERT_THAT(Link().SendCommand("ED")->text, HasSubstr("OK"));
+  }
+
+ private:
+  CloneBench& mBench;
+  Driver mDriver;
+  std::shared_ptr<Channel> mChannel;
+};
+
+TEST(SimulatedClone, MakesAnotherControllerTheSameInEverySegmentThatIsTaken) {
+  CloneBench bench;
+  bench.window.boxes.dt = false;
+  Plc first(bench);
+  Plc second(bench);
+  ASSERT_EQ(first.Create(bench.file).end, CloneEnd::Done);
+  EXPECT_EQ(first.State(), 'R');
+  second.Wipe();
+  const auto wiped = VerifyClone(second.Link(), bench.file);
+  EXPECT_EQ(wiped->segments.size(), 6U);
+  for (const SegmentDifference& segment : wiped->segments) EXPECT_FALSE(segment.differing.IsEmpty());
+
+  ASSERT_EQ(second.Restore(bench.file).end, CloneEnd::Done);
+  EXPECT_EQ(second.State(), 'R');
+  EXPECT_TRUE(VerifyClone(second.Link(), bench.file)->IsSame());
+  bench.window.boxes.dt = true;
+  const auto clone = bench.folder.Path() / "second.kdf";
+  ASSERT_EQ(second.Create(clone).end, CloneEnd::Done);
+  const auto found = DiffClones(bench.file, clone);
+  EXPECT_EQ(found->DifferingBytes(), 0U);
+  EXPECT_EQ(found->onlyInSecond.at(0).code, "DT");  // it was not taken, and is still wiped
+  EXPECT_EQ(second.Link().ReadMemoryBlock(0x00110000, 4, 1), (Bytes{0, 0, 255, 255}));
+}
+
+TEST(SimulatedClone, NeedsThePasswordBothWays) {
+  CloneBench bench;
+  Plc plc(bench, "Secret");
+  plc.prompts.password = "secret";
+  EXPECT_EQ(plc.Create(bench.file).cause, CloneCause::Password);
+  plc.prompts.password = "Secret";
+  ASSERT_EQ(plc.Create(bench.file).end, CloneEnd::Done);   // and that gives access on this connection
+  EXPECT_EQ(plc.Restore(bench.file).end, CloneEnd::Done);  // whose end resets the controller
+  const CloneOutcome refused = plc.Restore(bench.file);
+  EXPECT_EQ(refused.cause, CloneCause::Reply);
+  EXPECT_THAT(refused.reason, HasSubstr("password"));
+  EXPECT_EQ(plc.State(), 'R');
+  EXPECT_TRUE(VerifyClone(plc.Link(), bench.file)->IsSame());
+}
+
+TEST(SimulatedClone, FailsPlainlyAtEachLineOfARestoreOrIsFoundOutByVerify) {
+  CloneBench bench;
+  ASSERT_EQ(Plc(bench).Create(bench.file).end, CloneEnd::Done);
+  const auto lines = static_cast<int>(InspectClone(bench.file)->frames);
+  for (int nth = 1; nth <= lines; nth += nth < lines - 5 ? 7 : 1) {
+    const std::string selector = ":nth=" + std::to_string(nth);
+    for (const std::string kind : {"noreply", "reset", "lost:at=0,away=1"}) {
+      Plc plc(bench);
+      plc.Wipe();
+      const std::string rule = kind + (kind.contains(':') ? "," : ":") + selector.substr(1);
+      ASSERT_TRUE(plc.simulated->UseFaults({rule}));
+      const CloneOutcome outcome = plc.Restore(bench.file);
+      EXPECT_EQ(outcome.cause, CloneCause::Reply) << rule;
+      EXPECT_THAT(outcome.reason, HasSubstr("Line " + std::to_string(nth + 4))) << rule;
+      EXPECT_EQ(plc.State(), nth == lines || kind == "reset" ? 'R' : 'L') << rule;
+    }
+    Plc liar(bench);
+    liar.Wipe();
+    ASSERT_TRUE(liar.simulated->UseFaults({"lie" + selector}));
+    EXPECT_EQ(liar.Restore(bench.file).end, CloneEnd::Done);
+    EXPECT_EQ(VerifyClone(liar.Link(), bench.file)->IsSame(), nth == lines) << nth;
+  }
+}
+
+}  // namespace
+}  // namespace kv::test
