@@ -1,0 +1,368 @@
+// What the user types, defines and takes back; and that taking back never shows a value that is not true any more.
+#include <gmock/gmock.h>
+
+#include "dataview/files/GridFile.h"
+#include "tests/dataview/DataViewBench.h"
+
+namespace kv::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using enum OperandTypeCode;
+
+constexpr auto kOk = PromptAnswer::Ok;
+constexpr auto kYes = PromptAnswer::Yes;
+constexpr auto kNo = PromptAnswer::No;
+constexpr const char* kDeletesQuestion =
+    "Box (?) Data Types - Default: Performing this operation will delete all of the current values. Do you want to "
+    "continue?";
+
+TEST(Edit, RefusesWhatCannotBeWrittenAndSaysWhatCan) {
+  struct Case {
+    OperandTypeCode type;
+    std::int32_t address;
+    const char* text;
+    const char* fault;  // part of it; empty when the text is taken
+  };
+  const Case colour[] = {
+      {MI, 0, "32767", ""},
+      {MI, 0, "", ""},
+      {MI, 0, "32768", "-32768 to 32767"},
+      {MI, 2047, "x", "MI 2047 cannot be \"x\""},
+      {MI, 2048, "1", "no MI 2048"},
+      {MI, -1, "1", "no MI -1"},
+      {MB, 0, "2", "0 or 1"},
+      {ML, 0, "2147483648", "-2147483648 to 2147483647"},
+      {DW, 0, "4294967295", ""},
+      {DW, 0, "-1", "0 to 4294967295"},
+      {CounterPreset, 0, "65536", "0 to 65535"},
+      {MF, 0, "1e39", "3.402823e+38"},
+      {TimerPreset, 0, "99:59:59.99", ""},
+      {TimerPreset, 0, "100:00:00.00", "99:59:59.99"},
+      {SI, 0, "1", "only the controller"},
+      {DBI, 0, "1", "no DBI 0"},
+  };
+  DataViewBench bench;
+  for (const Case& c : colour) {
+    SCOPED_TRACE(std::string(c.text) + " " + c.fault);
+    const std::size_t edited = bench.view.Operands().EditedCount();
+    EXPECT_EQ(bench.view.Edit(c.type, c.address, c.text), *c.fault == '\0');
+    EXPECT_THAT(bench.view.EditFault(c.type, c.address, c.text), HasSubstr(c.fault));
+    if (*c.fault != '\0') {
+      EXPECT_EQ(bench.view.Operands().EditedCount(), edited);
+    }
+  }
+  EXPECT_EQ(DataViewBench("Q50").view.EditFault(TimerPreset, 0, "1500"), "");
+  EXPECT_THAT(DataViewBench("Q50").view.EditFault(TimerPreset, 0, "1505"), HasSubstr("multiple of 10"));
+}
+
+// What MI 0 shows: "r3" read, "e3" edited, "" nothing.
+std::string Shown(const DataViewBench& bench) {
+  const CellText cell = bench.view.Operands().Shown(MI, 0);
+  if (cell.origin == CellOrigin::None) return cell.text;
+  return (cell.origin == CellOrigin::Read ? "r" : "e") + cell.text;
+}
+
+// Steps on MI 0: "=3" types, "r3" reads a 3, "w" writes, "u" takes back, "d" does again, "n" starts anew with the
+// region put back, "a3" reads all with a 3, "t" takes over what that brought.
+std::string After(const std::string& steps) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 0);
+  std::uint32_t value = 0;
+  bench.channel->value = [&](std::int32_t) { return value; };
+  bench.channel->during = [&] { bench.pacer.Sleep(std::chrono::milliseconds(1)); };
+  for (std::size_t i = 0; i < steps.size(); ++i) {
+    if (std::string_view("=ra").contains(steps[i])) value = static_cast<std::uint32_t>(steps[i + 1] - '0');
+    switch (steps[i]) {
+      case '=':
+        EXPECT_TRUE(bench.view.Edit(MI, 0, steps.substr(++i, 1)));
+        break;
+      case 'r':
+        bench.Run("ID_ReadRegions");
+        break;
+      case 'w':
+        bench.Run("ID_WriteRegions");
+        break;
+      case 'u':
+        bench.Run("ID_Undo");
+        break;
+      case 'd':
+        bench.Run("ID_Redo");
+        break;
+      case 'n':
+        bench.Run("ID_NewRegions", {kYes});
+        break;
+      case 'a':
+        bench.Run("ID_ReadAll");
+        break;
+      case 't':
+        bench.Run("ID_TakeAllValues");
+        break;
+      default:
+        break;
+    }
+  }
+  EXPECT_EQ(bench.view.Status().edited, Shown(bench).starts_with("e") ? 1U : 0U) << steps;
+  return Shown(bench);
+}
+
+TEST(Undo, NeverShowsAnOldTextAsRead) {
+  struct Case {
+    const char* steps;
+    const char* shown;
+    const char* why;
+  };
+  const Case cases[] = {
+      {"=3u", "", "nothing was known before"},
+      {"=3ud", "e3", ""},
+      {"r3=4u", "r3", "what the controller told"},
+      {"r3=4=5uu", "r3", ""},
+      {"r3=4ud", "e4", ""},
+      {"=3r5", "r5", "a read shows the controller"},
+      {"=3r5u", "e3", "and the typed text is not lost"},
+      {"=3r5r6uu", "r6", "not the older 5, and not nothing"},
+      {"r3=4r5r6uu", "r6", "not 3, which the controller no longer holds"},
+      {"r3=4r5r6uud", "e4", ""},
+      {"r3=4wu", "e3", "the controller holds 4 now; 3 is to be written"},
+      {"r3=4wud", "e4", ""},
+      {"r3=4wr6u", "r6", "told anew since"},
+      {"=4wu", "r4", "what stood there before was never known"},
+      {"r3=4n", "", ""},
+      {"r3=4nu", "e4", ""},
+      {"r3=4nuu", "r3", ""},
+      {"a5", "", "the user's grid is as it was"},
+      {"r3a5", "r3", ""},
+      {"r3a5t", "r5", ""},
+      {"a5t", "r5", ""},
+      {"a5tu", "", ""},
+      {"=4a5t", "r5", ""},
+      {"=4a5tu", "e4", ""},
+      {"a5r6t", "r6", "newer than what is taken over"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(After(c.steps), c.shown) << c.steps << ": " << c.why;
+  }
+}
+
+TEST(Undo, TakesRegionsAndTheirSettingsBack) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 9);
+  bench.Run("ID_ReadRegions");
+  bench.Add(ML, 0, 9);
+  bench.view.SetDescription(0, "Tank");
+  bench.view.SetSize(0, SizeCode::Bit8);
+  bench.view.SetHidden(RowOfType(SB), true);
+  bench.view.SelectRegions({0});
+  bench.Run("ID_RemoveRegion");
+  EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
+  EXPECT_EQ(bench.view.UndoText(), "Undo removing regions");
+  bench.Run("ID_Undo");
+  const auto row = [&]() -> const RegionRow& { return bench.view.Regions().Rows()[0]; };
+  EXPECT_EQ(row().description, "Tank");
+  EXPECT_THAT(row().values, HasSubstr("  9"));
+  EXPECT_EQ(bench.view.AgeText(0), "0 s");
+  EXPECT_THAT(bench.changed, ElementsAre(testing::Field(&GridChanges::regionRowsReplaced, true)));
+  bench.Run("ID_Undo");
+  EXPECT_FALSE(bench.view.Settings().hidden.IsHidden(RowOfType(SB)));
+  bench.Run("ID_Undo");
+  EXPECT_EQ(row().size, SizeCode::Bit16);
+  EXPECT_EQ(bench.changed[0].regionRowsReplaced, false) << "one row's settings";
+  bench.Run("ID_Undo");
+  bench.Run("ID_Undo");
+  EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
+  for (int i = 0; i < 5; ++i) bench.Run("ID_Redo");
+  EXPECT_THAT(bench.view.Regions().Regions(), ElementsAre(Region{0, 9, ML}));
+  EXPECT_EQ(bench.view.WhyNot("ID_Redo"), "There is nothing to do again.");
+  bench.Run("ID_Undo");
+  bench.view.SetFormat(0, FormatCode::Hex);
+  EXPECT_EQ(bench.view.RedoText(), "") << "another change has taken its place";
+}
+
+TEST(Undo, ForgetsTheOldestFirst) {
+  UndoHistory history(2000);
+  for (int i = 0; i < 100; ++i) {
+    history.Add({.title = std::to_string(i), .cells = {{.type = MI, .address = 0, .before = {}, .after = {"1"}}}});
+  }
+  EXPECT_EQ(history.UndoText(), "Undo 99");
+  int kept = 0;
+  while (history.TakeBack() != nullptr) ++kept;
+  EXPECT_GT(kept, 1);
+  EXPECT_LT(kept, 20);
+  history.Add({.title = "large", .cells = std::vector<CellChange>(1000)});
+  EXPECT_EQ(history.UndoText(), "Undo large");
+}
+
+TEST(NewRegions, AsksFirst) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 9);
+  bench.view.Edit(MI, 20, "5");
+  EXPECT_THAT(bench.Run("ID_NewRegions", {kNo}), ElementsAre(kDeletesQuestion));
+  EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
+  bench.Run("ID_NewRegions", {kYes});
+  EXPECT_THAT(bench.view.Regions().Rows(), IsEmpty());
+  EXPECT_EQ(bench.view.Operands().Text(MI, 20), "");
+  EXPECT_EQ(bench.view.Status().edited, 0U);
+}
+
+TEST(AddRegion, TellsAnOverlapOnceAndAddsTheOthers) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 9);
+  bench.Add(ML, 0, 9);
+  bench.view.Select({.top = RowOfType(MB), .left = 1, .bottom = RowOfType(ML), .right = 3});
+  EXPECT_THAT(
+      bench.Run("ID_AddRegion", {kOk}),
+      ElementsAre("Box (!) Data Types - Default: The selected region overlaps with an already defined region."));
+  EXPECT_THAT(bench.view.Regions().Regions(),
+              ElementsAre(Region{0, 9, MI}, Region{0, 9, ML}, Region{0, 2, MB}, Region{0, 2, MF}));
+}
+
+// ---- files and the clipboard: that each command does what it says, and leaves the grids alone when it is refused ----
+
+TEST(ViewFiles, RegionsGoIntoAFileAndComeBack) {
+  DataViewBench bench;
+  const std::string file = Utf8FromPath(bench.home.Path() / "a.axt");
+  bench.Add(MI, 0, 9);
+  bench.view.SetDescription(0, "Tank");
+  bench.prompts.Choose(file);
+  bench.Run("ID_SaveRegions");
+  bench.Run("ID_NewRegions", {kYes});
+  bench.prompts.Press(kYes);
+  bench.prompts.Choose(file);
+  EXPECT_THAT(bench.Run("ID_LoadRegions"), ElementsAre(kDeletesQuestion, "OpenFile *.axt|*.axt"));
+  EXPECT_EQ(bench.view.Regions().Rows()[0].description, "Tank");
+
+  bench.home.Put("a.axt", "Version 99\r\n");
+  for (const auto& path : {std::optional(file), std::optional<std::string>()}) {
+    bench.prompts.Press(kYes);
+    bench.prompts.Choose(path);
+    if (path) bench.prompts.Press(kOk);
+    EXPECT_EQ(bench.Run("ID_LoadRegions").size(), path ? 3U : 2U);
+    EXPECT_THAT(bench.changed, IsEmpty());
+    EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
+  }
+  bench.view.Edit(MI, 0, "5");
+  bench.home.Put("a.axt", "Version 100\r\nAurex\r\n6\tDBI\t0\t9\t\r\n\r\n");
+  bench.prompts.Press(kYes);
+  bench.prompts.Choose(file);
+  EXPECT_THAT(bench.Run("ID_LoadRegions", {kOk}).back(), HasSubstr("contains invalid regions"));
+  EXPECT_THAT(bench.view.Regions().Rows(), IsEmpty());
+  EXPECT_EQ(bench.view.Operands().Text(MI, 0), "5") << "only the regions go";
+  bench.Run("ID_Undo");
+  EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
+}
+
+TEST(ViewFiles, PasteAndImportTakeAllOrNothing) {
+  DataViewBench bench;
+  bench.Add(SI, 0, 1);
+  bench.Run("ID_ReadRegions");
+  const auto paste = [&](const char* text, std::int32_t row, std::initializer_list<PromptAnswer> answers) {
+    bench.clipboard.SetText(text);
+    bench.view.Select({.top = row, .left = 1, .bottom = row, .right = 1});
+    bench.Run("ID_Paste", answers);
+  };
+  paste("1\t2\r\n", RowOfType(MI), {});
+  EXPECT_EQ(bench.view.Operands().Text(MI, 1), "2");
+  EXPECT_EQ(bench.changed.size(), 1U);
+  paste("7\t40000\r\n", RowOfType(MI), {kOk});
+  EXPECT_THAT(bench.view.Status().message, HasSubstr("MI 1 cannot be \"40000\""));
+  EXPECT_EQ(bench.view.Operands().Text(MI, 0), "1");
+  paste("7\t8\r\n", RowOfType(SI), {});
+  EXPECT_EQ(bench.view.Operands().Text(SI, 1), "1") << "what only the controller sets shows what it told";
+  EXPECT_THAT(bench.view.Status().message, HasSubstr("2 cells of types that only the controller sets"));
+
+  bench.view.Select({.top = RowOfType(MI), .left = 1, .bottom = RowOfType(SI), .right = 2});
+  bench.Run("ID_Cut");
+  EXPECT_EQ(bench.view.Operands().Text(MI, 1), "");
+  EXPECT_EQ(bench.view.Operands().Text(SI, 1), "1");
+  bench.view.Select({.top = RowOfType(MI), .left = 1, .bottom = RowOfType(MI), .right = 1});
+  bench.Run("ID_Paste");
+  EXPECT_EQ(bench.view.Operands().Text(MI, 1), "2");
+  for (int i = 0; i < 3; ++i) bench.Run("ID_Undo");
+  EXPECT_EQ(bench.view.Operands().EditedCount(), 0U);
+  EXPECT_EQ(bench.view.UndoText(), "Undo adding regions");
+}
+
+// ---- all values ----
+
+TEST(ReadAll, AsksForWhatTheControllerHasAndLeavesTheGridsAlone) {
+  for (const auto& [os, requests] : {std::pair("4.00", 35 + 35 + 1 + 9 + 3), std::pair("2.00", 9 + 18 + 9 + 3)}) {
+    DataViewBench bench;
+    bench.channel->version->osVersion = os;
+    bench.view.Edit(MI, 3, "8");
+    const CallLog log = bench.Run("ID_ReadAll");
+    EXPECT_THAT(bench.changed, IsEmpty()) << bench.view.Status().message;
+    EXPECT_EQ(bench.view.Operands().Text(MI, 3), "8");
+    const auto ofMemory = [](const std::string& call) {
+      return call.starts_with("ReadOperandList @1: 0,1,") || call.starts_with("ReadOperandList @1: 0,3,") ||
+             call.starts_with("ReadOperandList @1: 0,5,") || call.starts_with("ReadOperandList @1: 0,7,") ||
+             call.starts_with("ReadOperandList @1: 0,16,");
+    };
+    EXPECT_EQ(std::ranges::count_if(log, ofMemory), requests) << os;
+    EXPECT_FALSE(std::filesystem::exists(bench.home.Path() / "Tmp" / "Regions.tmp"));
+  }
+}
+
+TEST(ReadAll, AProgramThatIsKilledInTheMiddleLosesNothing) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 9);
+  bench.view.Edit(MI, 3, "8");
+  bool isFirst = true;
+  bench.channel->during = [&] {
+    if (!std::exchange(isFirst, false)) return;
+    // The next program finds the folder as it stands now.
+    std::filesystem::copy(bench.home.Path() / "Tmp", bench.home.Path() / "Kept");
+  };
+  bench.Run("ID_ReadAll");
+  std::filesystem::remove_all(bench.home.Path() / "Tmp");
+  std::filesystem::rename(bench.home.Path() / "Kept", bench.home.Path() / "Tmp");
+  bench.view.Open();
+  EXPECT_THAT(bench.view.Regions().Regions(), ElementsAre(Region{0, 9, MI}));
+  EXPECT_EQ(bench.view.Operands().Shown(MI, 3), (CellText{"8", CellOrigin::Edited}));
+  EXPECT_THAT(bench.view.Status().message, HasSubstr("ended during a read or write of all values"));
+}
+
+TEST(WriteAll, WritesEveryTextThatMayBeWritten) {
+  DataViewBench bench;
+  bench.Add(SI, 0, 1);
+  bench.Run("ID_ReadRegions");
+  EXPECT_THAT(bench.Run("ID_WriteAll", {kOk}), testing::Not(Contains(HasSubstr("Write"))));
+  for (const std::int32_t address : {0, 1, 3}) bench.view.Edit(MI, address, "8");
+  for (std::int32_t address = 10; address < 41; ++address) bench.view.Edit(ML, address, "-8");
+  const CallLog log = bench.Run("ID_WriteAll", {kOk});
+  EXPECT_THAT(log, Contains("WriteMI 0 2 @1"));
+  EXPECT_THAT(log, Contains("WriteMI 3 1 @1"));
+  EXPECT_THAT(log, Contains("WriteML 10 30 @1"));
+  EXPECT_THAT(log, Contains("WriteML 40 1 @1"));
+  EXPECT_EQ(bench.view.Status().edited, 0U);
+  EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
+}
+
+// ---- between openings ----
+
+TEST(Close, KeepsBothGridsOrAsks) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 9);
+  bench.Run("ID_ReadRegions");
+  bench.view.Edit(MI, 3, "8");
+  EXPECT_TRUE(bench.view.Close());
+  EXPECT_FALSE(bench.view.Edit(MI, 3, "9"));
+  bench.view.Open();
+  EXPECT_EQ(bench.view.Regions().Rows()[0].values,
+            "     0      1      2      8      4      5      6      7      8      9");
+  EXPECT_EQ(bench.view.Operands().Shown(MI, 3), (CellText{"8", CellOrigin::Edited}));
+  EXPECT_EQ(bench.view.AgeText(0), "") << "how old the values are is not known any more";
+  EXPECT_EQ(bench.view.UndoText(), "");
+
+  std::filesystem::remove_all(bench.Session("Default"));
+  bench.prompts.Press(kNo);
+  EXPECT_FALSE(bench.view.Close());
+  EXPECT_TRUE(bench.view.Edit(MI, 3, "9")) << "it is still open";
+  bench.prompts.Press(kYes);
+  EXPECT_TRUE(bench.view.Close());
+}
+
+}  // namespace
+}  // namespace kv::test
