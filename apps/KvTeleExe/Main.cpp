@@ -1,5 +1,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QMessageBox>
+#include <exception>
 #include <filesystem>
 
 #include "apps/KvTeleExe/TelepanelProgram.h"
@@ -23,6 +25,15 @@ int main(int argc, char** argv) {
   const std::filesystem::path folder =
       options.isSet(home) ? std::filesystem::absolute(kv::PathFromUtf8(options.value(home).toStdString()))
                           : kv::ExecutableFolder();
-  kv::TelepanelProgram(folder).Run();
-  return 0;
+  try {
+    kv::TelepanelProgram(folder).Run();
+    return 0;
+  } catch (const std::exception& failure) {  // the session has been left in order
+    const QString text =
+        "Telepanel has to end: %1.\nLikely cause: the memory is used up, or an error of the program.\nWhat to do: "
+        "start it "
+        "again; when it happens again, report this text with what was done before.";
+    QMessageBox::critical(nullptr, "Telepanel", text.arg(failure.what()));
+    return 1;
+  }
 }

@@ -4,16 +4,19 @@
 #include <ostream>
 #include <string>
 
+#include "KvTele2/PagesFile.h"
+#include "base/AnsiText.h"
 #include "host/shared/RemoteHost.h"
 
 namespace kv::cli {
 
 // The host of a program without windows: keeps what going on line tells it, so that it can be printed, and prints
-// status messages. It has no panel, no pages file and no recent caches of its own.
+// status messages. It has no panel and no recent caches of its own.
 class ConsoleHost final : public RemoteHost {
  public:
-  ConsoleHost(std::ostream& err, std::string model, std::string installFolder)
-      : mErr(err), mModel(std::move(model)), mInstallFolder(std::move(installFolder)) {}
+  // `pages` is the file whose project the controller must hold; nothing lets every project pass.
+  ConsoleHost(std::ostream& err, std::string model, std::string installFolder, std::optional<PagesFile> pages)
+      : mErr(err), mModel(std::move(model)), mInstallFolder(std::move(installFolder)), mPages(std::move(pages)) {}
 
   // What the controller's panel would be shown with; nothing where the sequence did not say.
   struct Panel {
@@ -23,6 +26,8 @@ class ConsoleHost final : public RemoteHost {
     std::string caption;
   };
   [[nodiscard]] const Panel& PanelSettings() const { return mPanel; }
+  // Why the controller was refused, with line feeds between the lines; empty when it was not.
+  [[nodiscard]] const std::string& Refusal() const { return mRefusal; }
 
   [[nodiscard]] bool Enabled() const override { return mIsEnabled; }
   void SetEnabled(bool enabled) override { mIsEnabled = enabled; }
@@ -48,14 +53,25 @@ class ConsoleHost final : public RemoteHost {
   [[nodiscard]] bool IsOnline() const override { return mIsOnline; }
   void BeginConnect() override {}
   void EndConnect() override {}
-  void SetConnectedUnit(int) override {}
-  void AttachChannel(std::shared_ptr<Channel>) override {}
+  void SetConnectedUnit(int unit) override { mUnit = static_cast<std::uint8_t>(unit); }
+  void AttachChannel(std::shared_ptr<Channel> channel) override { mChannel = std::move(channel); }
   void SetControllerModelText(const std::string&) override {}
   void SetCompactIdentification(bool compact) override { mPanel.isCompact = compact; }
   void SetControllerInfoByte(int value) override {
     mPanel.information = value < 0 ? std::nullopt : std::optional(value);
   }
-  [[nodiscard]] bool ProjectMatches() override { return true; }
+  // A controller that does not answer is no other project: that it is lost is found out by the next question.
+  [[nodiscard]] bool ProjectMatches() override {
+    if (!mPages) return true;
+    const auto info = mChannel->GetControllerInfo(mUnit);
+    if (!info || IsOfProject(*mPages, info->projectName)) return true;
+    mOtherProject = "\n" + OtherProjectText(*mPages, AnsiToUtf8(info->projectName));
+    return false;
+  }
+  void ConnectionRefused(const std::string& text) override {
+    mRefusal = text + mOtherProject;
+    std::erase(mRefusal, '\r');
+  }
   void SetPanelData(const std::string& path) override { mPanel.data = path; }
   void GoOnline() override { mIsOnline = true; }
   void RunPanelSession(const std::string& caption) override { mPanel.caption = caption; }
@@ -64,6 +80,11 @@ class ConsoleHost final : public RemoteHost {
   std::ostream& mErr;
   std::string mModel;
   std::string mInstallFolder;
+  std::optional<PagesFile> mPages;
+  std::shared_ptr<Channel> mChannel;
+  std::uint8_t mUnit = 0;
+  std::string mOtherProject;  // a line about the project that was found instead
+  std::string mRefusal;
   Panel mPanel;
   bool mIsEnabled = true;
   bool mIsOnline = false;

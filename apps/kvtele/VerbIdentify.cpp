@@ -6,6 +6,7 @@
 #include "apps/kvtele/Connection.h"
 #include "apps/kvtele/DocumentText.h"
 #include "base/AnsiText.h"
+#include "link/OsVersion.h"
 
 namespace kv::cli {
 
@@ -30,11 +31,13 @@ std::string_view StateText(char state) {
 
 nlohmann::ordered_json DocumentOf(const Connection& connection, const Channel::ControllerInfo& info) {
   const VersionInfo& version = connection.Version();
-  return {{"model", version.model},
+  return {{"model", AnsiToUtf8(version.model)},
           {"hostModel", connection.Model()},
           {"hardwareCode", version.hardwareCode},
-          {"os", version.osVersion},
-          {"build", version.osBuild},
+          {"os", OsVersionText(version)},
+          {"build", OsBuildText(version)},
+          {"osReported", AnsiToUtf8(version.osVersion)},
+          {"buildReported", AnsiToUtf8(version.osBuild)},
           {"unit", connection.Unit()},
           {"link", connection.Description()},
           {"serialNumber", info.serialNumber},

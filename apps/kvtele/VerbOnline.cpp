@@ -1,5 +1,6 @@
 #include "apps/kvtele/VerbOnline.h"
 
+#include <CLI/Option.hpp>
 #include <array>
 
 #include "apps/kvtele/Connection.h"
@@ -7,8 +8,10 @@
 #include "apps/kvtele/DocumentText.h"
 #include "apps/kvtele/NotedPrompts.h"
 #include "apps/kvtele/ProgramFolder.h"
-#include "base/AnsiText.h"
+#include "apps/kvtele/SessionCopy.h"
+#include "link/OsVersion.h"
 #include "link/identification/GoOnline.h"
+#include "sessions/RecentCaches.h"
 #include "sessions/SessionIni.h"
 
 namespace kv::cli {
@@ -29,25 +32,33 @@ constexpr std::array kLines = {
 };
 // clang-format on
 
-// What the window's programs share, for one run on the terminal.
-SharedState SharedFor(const Environment& environment, const CommonOptions& common, Connection& connection) {
-  SharedState shared(PathsOf(environment, common));
-  shared.CurrentSession = common.session;
-  shared.ComDriver = &connection.Driver();
-  return shared;
+// What was found out, and whether a project was compared.
+struct Found {
+  const VersionInfo& version;
+  const Channel::ControllerInfo& info;
+  bool isProjectCompared;
+};
+
+// The file that a colour panel's data would be taken from: the copy that was made of it is gone when it is read.
+std::string PanelSource(const SharedState& shared, const ConsoleHost& host) {
+  const std::string& copy = host.PanelSettings().data;
+  if (copy.ends_with("DOS_TEMP")) return Utf8FromPath(PathFromUtf8(host.InstallFolder()) / "TP_Temp" / "TP_Temp_1");
+  const auto recent = ReadRecentCaches(shared);
+  return copy.empty() || recent.empty() ? "" : CachePath(recent.front());
 }
 
-Answer MakeAnswer(Connection& connection, const Channel::ControllerInfo& info, const ConsoleHost& host) {
+Answer MakeAnswer(Connection& connection, const Found& found, const ConsoleHost& host, const std::string& panelData) {
   const ConsoleHost::Panel& panel = host.PanelSettings();
   Answer answer;
   answer.document = {{"model", host.Model()},
-                     {"reported", connection.Version().model},
-                     {"os", connection.Version().osVersion},
-                     {"build", connection.Version().osBuild},
+                     {"reported", AnsiToUtf8(found.version.model)},
+                     {"os", OsVersionText(found.version)},
+                     {"build", OsBuildText(found.version)},
                      {"unit", connection.Unit()},
                      {"link", connection.Description()},
-                     {"project", AnsiToUtf8(info.projectName)},
-                     {"panelData", panel.data},
+                     {"project", AnsiToUtf8(found.info.projectName)},
+                     {"projectCompared", found.isProjectCompared},
+                     {"panelData", panelData},
                      {"panelInformation", nullptr},
                      {"caption", panel.caption}};
   if (panel.information) answer.document["panelInformation"] = *panel.information;
@@ -61,29 +72,56 @@ Failure Refusal(const std::string& text) {
   return failure;
 }
 
+std::expected<std::optional<PagesFile>, Failure> ReadProject(const std::string& path) {
+  if (path.empty()) return std::nullopt;
+  const auto pages = ReadPagesFile(PathFromUtf8(path));
+  if (pages) return *pages;
+  return std::unexpected(Failure{ExitCode::BadFile,
+                                 "badFile",
+                                 "reading the Telepanel file",
+                                 pages.error().Text(),
+                                 {},
+                                 "name a file that the window has saved, or make it anew there"});
+}
+
 }  // namespace
 
 const char* VerbOnline::Examples() const {
   return "  kvtele --link sim:K220-22-R1 online             a simulated controller\n"
          "  kvtele --session Default online                 the controller of a session\n"
+         "  kvtele online --project mill.kta                refused when it holds another project\n"
          "  kvtele --link tcp:192.168.1.20 --json online    for a script: exit 4 when it is refused\n";
 }
 
+void VerbOnline::Declare(CLI::App& app) {
+  app.add_option("--project", mProject, "Telepanel file whose project the controller must hold. Default: not compared")
+      ->type_name("FILE.kta");
+}
+
 Outcome VerbOnline::Run(Environment& environment, const CommonOptions& common) {
+  auto pages = ReadProject(mProject);
+  if (!pages) return std::unexpected(pages.error());
   const auto connection = Connection::Open(environment, common);
   if (!connection) return std::unexpected(connection.error());
   Connection& controller = **connection;
-  SharedState shared = SharedFor(environment, common, controller);
+  const ProgramPaths paths = PathsOf(environment, common);
+  const auto copy = SessionCopy::Make(paths, common.session);
+  if (!copy) return std::unexpected(copy.error());
+
+  SharedState shared((*copy)->Paths());
+  shared.CurrentSession = common.session;
+  shared.ComDriver = &controller.Driver();
   const std::string model = common.model.empty() ? LastModel(shared) : common.model;
-  ConsoleHost host(environment.err, model, Utf8FromPath(shared.paths.Home()));
+  ConsoleHost host(environment.err, model, Utf8FromPath(paths.Home()), *pages);
   shared.Remote = &host;
   NotedPrompts prompts;
   GoOnline(shared, prompts);
-  if (!prompts.Said().empty()) return std::unexpected(Refusal(prompts.Said()));
+  if (!host.Refusal().empty()) return std::unexpected(Refusal(host.Refusal()));
   if (!host.IsOnline()) return std::unexpected(controller.LastFailure());
   const auto info = controller.Link().GetControllerInfo(controller.Unit());
   if (!info) return std::unexpected(controller.LastFailure());
-  return MakeAnswer(controller, *info, host);
+  if (!*pages) environment.err << "No project was compared: name a Telepanel file with --project.\n";
+  return MakeAnswer(controller, {controller.Version(), *info, pages->has_value()}, host, PanelSource(shared, host));
 }
 
 }  // namespace kv::cli

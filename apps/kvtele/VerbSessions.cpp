@@ -17,6 +17,9 @@ Failure SessionFailure(std::string doing, std::string happened, std::string cure
 }
 
 Outcome List(const SessionManager& sessions) {
+  if (const std::string fault = sessions.ListFault(); !fault.empty()) {
+    return std::unexpected(SessionFailure("listing the sessions", fault, {}));
+  }
   Answer answer;
   answer.document["sessions"] = sessions.List();
   for (const std::string& name : sessions.List()) answer.text += name + "\n";

@@ -224,6 +224,7 @@ std::optional<VersionInfo> ChannelImpl::GetVersionInfo(std::uint8_t unit) {
   std::optional<VersionInfo> version = ReadIdentification(*reply);
   if (!version) {
     FailMalformed(doing());
+    Tell(mError.Text());
     return std::nullopt;
   }
   if (std::optional<Identity>& identity = mExchange.Unit(unit).identity) identity->version = *version;

@@ -31,10 +31,12 @@ class NoPort final : public Port {
   PortError mLoss;
 };
 
-// A session without settings of its own starts with a simulated controller of its model's kind.
+// A session without settings of its own starts with a simulated controller of its model, or at least of its kind.
 LinkSettings DefaultsFor(const SessionLink& session) {
   LinkSettings settings;
-  if (session.isBrio) {
+  if (!session.model.empty()) {
+    settings.model = session.model;
+  } else if (session.isBrio) {
     settings.model = "BRIO";
   } else if (session.isCompactDriver) {
     settings.model = "Q50";
@@ -62,9 +64,10 @@ void Driver::SetDriverActive(bool active) {
 }
 
 void Driver::ConfigureForSession(const SessionLink& session) {
-  mFolder = PathFromUtf8(session.folder);
-  if (session.socket != mSocket) CloseDriver();
+  const std::filesystem::path folder = PathFromUtf8(session.folder);
+  if (session.socket != mSocket || folder != mFolder) CloseDriver();
   mSocket = session.socket;
+  mFolder = folder;
   const LoadedSettings loaded = LoadSettings(mFolder, DefaultsFor(session));
   for (const std::string& complaint : loaded.complaints) Tell(complaint);
   (void)UseSettings(loaded.settings, false);
@@ -74,9 +77,10 @@ bool Driver::UseSettings(const LinkSettings& settings, bool keep) {
   const bool isSame = settings == mSettings && (!mChannel || settings == mChannel->Settings());
   if (!isSame) CloseDriver();
   mSettings = settings;
-  if (!keep || SaveSettings(mFolder, settings)) return true;
-  Tell("The communication settings could not be saved in " + Utf8FromPath(mFolder));
-  return false;
+  if (!keep) return true;
+  const auto saved = SaveSettings(mFolder, settings);
+  if (!saved) Tell("The communication settings are used, but were not kept. " + saved.error());
+  return saved.has_value();
 }
 
 std::shared_ptr<Channel> Driver::GetChannel() {

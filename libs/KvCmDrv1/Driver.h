@@ -35,7 +35,8 @@ class Driver final : public CommDriver {
 
   // False closes the link; no channel is given out then.
   void SetDriverActive(bool active) override;
-  // Settings that cannot be used are told through OnComMessage, one message each.
+  // Settings that cannot be used are told through OnComMessage, one message each. The link of another session is closed
+  // even when the settings are the same.
   void ConfigureForSession(const SessionLink& session) override;
   [[nodiscard]] std::shared_ptr<Channel> GetChannel() override;
   // A channel of the caller's in place of the driver's own; null gives that back.

@@ -63,7 +63,7 @@ LinkError Exchange::Explain(Outcome outcome) const {
     case Outcome::Stopped:
       return MakeError(Stopped, "stopped on request", "", "");
     case Outcome::Closed:
-      return MakeError(LinkLost, "the link is closed", "the driver was closed, or the link settings were changed",
+      return MakeError(Closed, "the link is closed", "the driver was closed, or the link settings were changed",
                        "start the operation again");
     case Outcome::NotIdentified:
       return MakeError(Busy, "the controller does not say who it is", "it is starting, or too busy to answer",

@@ -8,6 +8,7 @@
 
 #include "KvCmDrv1/LinkText.h"
 #include "base/AnsiText.h"
+#include "base/KeepSetting.h"
 #include "base/Numbers.h"
 #include "base/ProfileStrings.h"
 
@@ -130,20 +131,20 @@ LoadedSettings LoadSettings(const std::filesystem::path& folder, const LinkSetti
   return loaded;
 }
 
-bool SaveSettings(const std::filesystem::path& folder, const LinkSettings& settings) {
+std::expected<void, std::string> SaveSettings(const std::filesystem::path& folder, const LinkSettings& settings) {
   const struct {
     std::string_view key;
     std::string value;
   } values[] = {
       {"Transport", std::string(kTransports[static_cast<std::size_t>(settings.transport)])},
-      {"Model", Utf8ToAnsi(settings.model)},
-      {"Host", Utf8ToAnsi(settings.host)},
+      {"Model", settings.model},
+      {"Host", settings.host},
       {"TcpPort", std::to_string(settings.tcpPort)},
-      {"SerialPort", Utf8ToAnsi(settings.serialPort)},
+      {"SerialPort", settings.serialPort},
       {"BaudRate", std::to_string(settings.baudRate)},
       {"Framing", PrintFraming(settings.framing)},
-      {"ModemInit", Utf8ToAnsi(settings.modem.init)},
-      {"ModemNumber", Utf8ToAnsi(settings.modem.number)},
+      {"ModemInit", settings.modem.init},
+      {"ModemNumber", settings.modem.number},
       {"ModemPulse", settings.modem.isPulse ? "1" : "0"},
       {"ModemDialTimeOut", Milliseconds(settings.modem.dialTimeOut)},
       {"UnitID", std::to_string(settings.unit)},
@@ -151,9 +152,10 @@ bool SaveSettings(const std::filesystem::path& folder, const LinkSettings& setti
       {"Tries", std::to_string(settings.tries)},
       {"Reconnect", settings.reconnects ? "1" : "0"},
   };
-  return std::ranges::all_of(values, [&folder](const auto& entry) {
-    return WriteProfileString(folder / kFile, kSection, entry.key, entry.value);
-  });
+  for (const auto& [key, value] : values) {
+    if (auto kept = KeepSetting(folder / kFile, kSection, key, value); !kept) return kept;
+  }
+  return {};
 }
 
 }  // namespace kv

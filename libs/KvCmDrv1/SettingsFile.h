@@ -1,5 +1,6 @@
 #pragma once
 
+#include <expected>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -18,7 +19,8 @@ struct LoadedSettings {
 // What the file does not have is as in `defaults`.
 [[nodiscard]] LoadedSettings LoadSettings(const std::filesystem::path& folder, const LinkSettings& defaults);
 
-// False when the file cannot be written.
-[[nodiscard]] bool SaveSettings(const std::filesystem::path& folder, const LinkSettings& settings);
+// The error, sentences for the user, says why they could not be kept.
+[[nodiscard]] std::expected<void, std::string> SaveSettings(const std::filesystem::path& folder,
+                                                            const LinkSettings& settings);
 
 }  // namespace kv

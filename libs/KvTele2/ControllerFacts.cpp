@@ -1,25 +1,11 @@
 #include "KvTele2/ControllerFacts.h"
 
-#include <algorithm>
-
 #include "base/AnsiText.h"
 #include "base/Numbers.h"
 #include "link/OsVersion.h"
 
 namespace kv {
 namespace {
-
-std::string OsText(const VersionInfo& version) {
-  const auto fields = ParseColourOsVersion(version.osVersion);
-  if (!fields) return AnsiToUtf8(version.osVersion);
-  return std::to_string(fields->major) + "." + std::to_string(fields->minor);
-}
-
-// The build number stands at the end of the text, which may be ended by ";".
-std::string BuildText(std::string build) {
-  std::erase(build, ';');
-  return AnsiToUtf8(build.size() > 2 ? build.substr(build.size() - 2) : build);
-}
 
 std::string StateText(char state) {
   switch (state) {
@@ -48,8 +34,8 @@ std::string Milliseconds(Duration span) {
 ControllerFacts FactsOf(const VersionInfo& version, int unit) {
   ControllerFacts facts;
   facts.model = AnsiToUtf8(version.model);
-  facts.os = OsText(version);
-  facts.build = BuildText(version.osBuild);
+  facts.os = OsVersionText(version);
+  facts.build = OsBuildText(version);
   facts.unit = std::to_string(unit);
   return facts;
 }

@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "base/AnsiText.h"
+#include "base/KeepSetting.h"
 #include "base/ProfileStrings.h"
 
 namespace kv {
@@ -20,10 +21,10 @@ std::string HostSettings::Read(std::string_view key) const {
   return AnsiToUtf8(ReadProfileString(mFile, kSection, key, ""));
 }
 
-bool HostSettings::Write(std::string_view key, std::string_view value) const {
+std::expected<void, std::string> HostSettings::Write(std::string_view key, std::string_view value) const {
   std::error_code ignored;
-  if (!std::filesystem::is_directory(mFile.parent_path(), ignored)) return false;
-  return WriteProfileString(mFile, kSection, key, Utf8ToAnsi(value));
+  if (!std::filesystem::is_directory(mFile.parent_path(), ignored)) return std::unexpected(NotWritableText(mFile));
+  return KeepSetting(mFile, kSection, key, value);
 }
 
 std::vector<std::string> HostSettings::ReadRecentPages() const {
@@ -34,14 +35,17 @@ std::vector<std::string> HostSettings::ReadRecentPages() const {
   return pages;
 }
 
-std::vector<std::string> HostSettings::AddRecentPages(const std::string& path) const {
+std::expected<std::vector<std::string>, std::string> HostSettings::AddRecentPages(const std::string& path) const {
   const std::vector<std::string> before = ReadRecentPages();
   std::vector<std::string> pages = before;
   std::erase(pages, path);
   pages.insert(pages.begin(), path);
   if (pages.size() > kMostRecentPages) pages.pop_back();
   for (std::size_t i = 0; i < pages.size(); ++i) {
-    if (i >= before.size() || before[i] != pages[i]) Write(RecentKey(i), pages[i]);
+    if (i < before.size() && before[i] == pages[i]) continue;
+    if (const auto kept = Write(RecentKey(i), pages[i]); !kept) {
+      return std::unexpected("The list of recent Telepanel files was not kept. " + kept.error());
+    }
   }
   return pages;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <expected>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -16,13 +17,13 @@ class HostSettings {
   explicit HostSettings(std::filesystem::path folder) : mFile(std::move(folder) / "KvTele2.ini") {}
 
   [[nodiscard]] std::string Read(std::string_view key) const;  // empty when it is missing
-  // False when the file cannot be written, or the folder is not there.
-  bool Write(std::string_view key, std::string_view value) const;
+  // The error, sentences for the user, says why the value could not be kept.
+  [[nodiscard]] std::expected<void, std::string> Write(std::string_view key, std::string_view value) const;
 
   // The pages files that were opened last, newest first: keys RecentPages0 to RecentPages9.
   [[nodiscard]] std::vector<std::string> ReadRecentPages() const;
-  // Puts `path` first; returns the new list.
-  std::vector<std::string> AddRecentPages(const std::string& path) const;
+  // Puts `path` first; returns the new list. The error, sentences for the user, says why it could not be kept.
+  [[nodiscard]] std::expected<std::vector<std::string>, std::string> AddRecentPages(const std::string& path) const;
 
  private:
   std::filesystem::path mFile;

@@ -7,18 +7,36 @@
 
 namespace kv {
 
-std::string ConnectionText(Connection connection) {
-  switch (connection) {
+std::string ConnectionText(const HostState& state) {
+  switch (state.connection) {
     case Connection::Offline:
       return "Off line";
     case Connection::Connecting:
       return "Connecting";
     case Connection::Online:
-      return "On line";
+      return state.isSilent ? "No answer" : "On line";
     case Connection::Lost:
       return "Connection lost";
   }
   return {};
+}
+
+std::string ConnectionHeading(const HostState& state) {
+  const bool isSearching = state.connection == Connection::Lost || state.isSilent;
+  return ConnectionText(state) + (isSearching ? ", looking for the controller: " : ": ") + state.link;
+}
+
+std::string MisfitText(const HostState& state) {
+  if (!state.controller) return {};
+  const std::string found = ModelOfIdentification(state.controller->model);
+  const std::string selected = ModelOfIdentification(state.model);
+  const bool isAlike = found == selected || (IsCompactModel(found) && IsCompactModel(selected));
+  if (isAlike || !IsOfferedModel(found)) return {};  // a boot loader's text is of no model
+  return "The controller is of the model " + found + ", but the selected model is " +
+         (selected.empty() ? "none" : selected) +
+         ".\nLikely cause: another controller is connected, or another model was selected.\nWhat to do: go off line, "
+         "select " +
+         found + " in the list of models, and go on line again.";
 }
 
 std::string WindowTitle(const HostState& state) {

@@ -33,7 +33,9 @@ struct HostState {
   std::string caption;  // of the panel session; empty: the host's own
 
   Connection connection = Connection::Offline;
-  std::string trouble;  // why the controller could not be reached or was lost: what happened, cause and cure
+  bool isSilent = false;  // on line, and the controller has owed an answer for some time
+  // Why the controller could not be reached, was refused or lost, or does not fit: what happened, cause and cure.
+  std::string trouble;
   std::optional<ControllerFacts> controller;  // on line or lost
   std::optional<LinkFacts> quality;           // on line or lost
 
@@ -44,11 +46,15 @@ struct HostState {
 };
 
 // "On line", "Connection lost".
-[[nodiscard]] std::string ConnectionText(Connection connection);
+[[nodiscard]] std::string ConnectionText(const HostState& state);
+// The same with the link, and what the program does about it: "Connection lost, looking for the controller: COM3".
+[[nodiscard]] std::string ConnectionHeading(const HostState& state);
 // "Default - K220-22-R1 - Telepanel".
 [[nodiscard]] std::string WindowTitle(const HostState& state);
 // "Line2.kta: project Bakery, model K220-22-R1", or "None".
 [[nodiscard]] std::string PagesText(const HostState& state);
+// What to do when the controller that is on line is another one than the selected model; empty when it fits.
+[[nodiscard]] std::string MisfitText(const HostState& state);
 // Whether the catalogue offers this model for selection, and whether it is offered among those of the Aurex family.
 [[nodiscard]] bool IsOfferedModel(std::string_view model);
 [[nodiscard]] bool IsAurexModel(std::string_view model);

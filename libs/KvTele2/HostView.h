@@ -11,8 +11,8 @@ namespace kv {
 class HostView {
  public:
   enum class Wait {
-    Asked,  // the user waits for it: shown at once
-    Quiet,  // goes on behind the user's back: shown only when it lasts
+    Asked,  // the user waits for it: shown, and other input is refused
+    Quiet,  // goes on behind the user's back: takes nothing from him; the host is told when it lasts (NoteSilence)
   };
 
   virtual ~HostView() = default;

@@ -115,6 +115,16 @@ bool IsProjectName(std::string_view name) {
   return IsAnsiProjectName(ansi) && AnsiToUtf8(ansi) == name;
 }
 
+bool IsOfProject(const PagesFile& pages, std::string_view projectName) {
+  return AnsiToUtf8(projectName) == pages.project;
+}
+
+std::string OtherProjectText(const PagesFile& pages, const std::string& projectName) {
+  return "The Telepanel file is for the project " + pages.project + ", but the controller holds " +
+         (projectName.empty() ? "none" : projectName) +
+         ".\nWhat to do: open the file of the controller's project, or none.";
+}
+
 std::expected<PagesFile, FileError> ReadPagesFile(const std::filesystem::path& file) {
   const auto bytes = ReadWholeFile(file, kLargestPagesFile);
   if (!bytes) return std::unexpected(bytes.error());

@@ -41,6 +41,11 @@ struct PagesFault {
 // Whether a project of this name (UTF-8) can have a pages file.
 [[nodiscard]] bool IsProjectName(std::string_view name);
 
+// Whether the pages are of the project that a controller says it holds (Windows-1252 bytes).
+[[nodiscard]] bool IsOfProject(const PagesFile& pages, std::string_view projectName);
+// What is told when they are not: both projects, and what to do. `projectName` is UTF-8.
+[[nodiscard]] std::string OtherProjectText(const PagesFile& pages, const std::string& projectName);
+
 [[nodiscard]] std::expected<PagesFile, FileError> ReadPagesFile(const std::filesystem::path& file);
 [[nodiscard]] std::expected<void, FileError> SavePagesFile(const std::filesystem::path& file, const PagesFile& pages);
 

@@ -36,9 +36,15 @@ std::string FileNameOf(std::string project) {
 TelepanelHost::TelepanelHost(HostView& view, HostServices services) : mView(view), mServices(std::move(services)) {}
 
 void TelepanelHost::Click(std::string_view id, const std::string& argument) {
-  if (!mState.isEnabled || mIsInTool || mIsAsking || !WhyDisabled(id).empty()) {
-    return Show();  // a control may show what was not done
+  const bool isPossible = mState.isEnabled && WhyDisabled(id).empty();
+  const bool isBusy = mIsInTool || mIsAsking;
+  if (isBusy && isPossible && mWait == HostView::Wait::Quiet) {
+    mNext = Order{std::string(id), argument};
+    mServices.pacer.RequestStop();
+  } else if (isBusy && mWait && id == command::kExit) {
+    mServices.pacer.RequestStop();  // whoever closes the window during a wait ends the wait
   }
+  if (isBusy || !isPossible) return Show();  // a control may show what was not done
   if (id == command::kOnLine) {
     Connect(argument);
   } else if (id == command::kComParams) {
@@ -125,6 +131,7 @@ void TelepanelHost::Quit() {
 }
 
 void TelepanelHost::SetSessionName(const std::string& name) {
+  if (!mState.session.empty() && name != mState.session) GoOffline("Off line: another session is active", "");
   mState.session = name;
   Show();
 }
@@ -134,7 +141,10 @@ void TelepanelHost::SetSessionPath(const std::string& folder) {
   GoOffline("Off line: another session is active", "");
   mSessionFolder = folder;
   mSettings = HostSettings(PathFromUtf8(folder));
-  mState.pages.reset();
+  if (mState.pages) {
+    StatusMessage("Closed " + mState.pages->path + ": a Telepanel file is open in its session only");
+    mState.pages.reset();
+  }
   mState.caption.clear();
   mState.recentPages = mSettings.ReadRecentPages();
   Show();
@@ -175,7 +185,11 @@ bool TelepanelHost::OpenPagesFile(const std::string& path) {
     return false;
   }
   mState.pages = OpenPages{path, *pages};
-  mState.recentPages = mSettings.AddRecentPages(path);
+  if (const auto added = mSettings.AddRecentPages(path)) {
+    mState.recentPages = *added;
+  } else {
+    Note(added.error());
+  }
   std::string said = "Opened " + path + " (project " + pages->project + ", model " + pages->model + ")";
   if (pages->model != ModelOfIdentification(mState.model)) said += ". The selected model is " + mState.model;
   StatusMessage(said);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,8 +35,10 @@ struct HostServices {
 //   Online <-> Lost                                    the controller stops answering, or answers again
 //   any -> Offline                                     the command, another session or link, another project
 //
+// Whoever leaves Connecting, Online or Lost for Offline has the link closed (OnLinkReleased).
+//
 // While it is on line the controller is asked at times for its run state and project (LinkWatch), from Tick, and only
-// while no tool works with it.
+// while no tool works with it. Such a question gives way to any command: it is stopped, and the command done then.
 class TelepanelHost final : public RemoteHost {
  public:
   TelepanelHost(HostView& view, HostServices services);
@@ -52,6 +55,8 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] std::string WhyDisabled(std::string_view id) const;
   // To be called about once a second.
   void Tick();
+  // To be called by the view when a quiet wait has lasted for about a second.
+  void NoteSilence();
 
   [[nodiscard]] bool Enabled() const override { return mState.isEnabled; }
   void SetEnabled(bool enabled) override;
@@ -88,6 +93,7 @@ class TelepanelHost final : public RemoteHost {
   void SetCompactIdentification(bool) override {}              // the panel's business, as are the two below
   void SetControllerInfoByte(int) override {}
   [[nodiscard]] bool ProjectMatches() override;
+  void ConnectionRefused(const std::string& text) override;
   void SetPanelData(const std::string&) override {}
   void GoOnline() override;
   void RunPanelSession(const std::string& caption) override;
@@ -96,6 +102,11 @@ class TelepanelHost final : public RemoteHost {
   void Show();
   void Note(const std::string& text);
   void Warn(const std::string& text);
+
+  struct Order {
+    std::string id;
+    std::string argument;
+  };
 
   void ClickTool(const std::string& id, const std::string& argument);
   void ClickOwn(std::string_view id, const std::string& argument);
@@ -122,12 +133,13 @@ class TelepanelHost final : public RemoteHost {
 
   std::shared_ptr<Channel> mChannel;
   std::uint8_t mUnit = 0;
-  bool mIsIdentified = false;  // in the attempt to connect that is under way
+  std::optional<std::string> mOtherProject;  // of the controller that was compared last
+  std::optional<Order> mNext;                // came during a quiet question
   LinkWatch mWatch;
   std::string mLastMessage;  // of the tool that is at work
   bool mIsInTool = false;
   bool mIsAsking = false;
-  bool mIsWaiting = false;
+  std::optional<HostView::Wait> mWait;  // under way
 };
 
 }  // namespace kv

@@ -1,5 +1,7 @@
 // The host on line: connecting, asking at times how the controller is, and letting go of it.
 
+#include <utility>
+
 #include "KvTele2/TelepanelHost.h"
 #include "base/AnsiText.h"
 #include "base/ScopeGuard.h"
@@ -19,14 +21,15 @@ void TelepanelHost::Connect(const std::string& argument) {
   LetGo();
   mState.connection = Connection::Connecting;
   mState.trouble.clear();
-  mIsIdentified = false;
+  mOtherProject.reset();
   ClickTool("ID_OnLine", argument);
   EndWait();
   if (mState.connection != Connection::Connecting) return;
+  const std::string why = mState.trouble.empty() ? mLastMessage : mState.trouble;
   LetGo();
   mState.connection = Connection::Offline;
-  // Of a controller that was refused the user has been told in a box.
-  if (!mIsIdentified) mState.trouble = mLastMessage;
+  mState.trouble = why;
+  mState.message = why;  // that the link is closed is no news
 }
 
 void TelepanelHost::BeginConnect() {
@@ -37,7 +40,6 @@ void TelepanelHost::BeginConnect() {
 
 void TelepanelHost::SetConnectedUnit(int unit) {
   mUnit = static_cast<std::uint8_t>(unit);
-  mIsIdentified = true;
   EndWait();  // questions to the user may follow
 }
 
@@ -46,7 +48,16 @@ bool TelepanelHost::ProjectMatches() {
   const auto info = mChannel->GetControllerInfo(mUnit);
   // A controller that does not answer is no other project: it is found lost right afterwards, and compared as soon as
   // it answers again.
-  return !info || AnsiToUtf8(info->projectName) == mState.pages->content.project;
+  if (!info || IsOfProject(mState.pages->content, info->projectName)) return true;
+  mOtherProject = AnsiToUtf8(info->projectName);
+  return false;
+}
+
+void TelepanelHost::ConnectionRefused(const std::string& text) {
+  EndWait();  // a box follows
+  mState.trouble = "Refused: " + text;
+  if (mOtherProject) mState.trouble += "\n" + OtherProjectText(mState.pages->content, *mOtherProject);
+  StatusMessage(mState.trouble);
 }
 
 void TelepanelHost::GoOnline() {
@@ -57,7 +68,10 @@ void TelepanelHost::GoOnline() {
 void TelepanelHost::RunPanelSession(const std::string& caption) {
   mState.caption = caption == "0" ? "" : caption;
   AskController(HostView::Wait::Asked, "Asking the controller");
-  if (IsOnline() && mState.controller) StatusMessage("On line with " + mState.controller->model + ", " + mState.link);
+  if (!IsOnline() || !mState.controller) return;
+  StatusMessage("On line with " + mState.controller->model + ", " + mState.link);
+  mState.trouble = MisfitText(mState);
+  if (!mState.trouble.empty()) StatusMessage(mState.trouble);
 }
 
 void TelepanelHost::GoOffline(const std::string& why, const std::string& trouble) {
@@ -72,12 +86,20 @@ void TelepanelHost::LetGo() {
   mChannel.reset();
   mState.controller.reset();
   mState.quality.reset();
+  if (OnLinkReleased) OnLinkReleased();
 }
 
 void TelepanelHost::Tick() {
   const bool isHeld = mState.connection == Connection::Online || mState.connection == Connection::Lost;
   if (!isHeld || !mState.isEnabled || mIsInTool || mIsAsking) return;
   if (mWatch.IsDue(mServices.pacer.Now())) AskController(HostView::Wait::Quiet, "Asking the controller");
+  Show();
+  if (const auto next = std::exchange(mNext, std::nullopt)) Click(next->id, next->argument);
+}
+
+void TelepanelHost::NoteSilence() {
+  if (mWait != HostView::Wait::Quiet || !IsOnline()) return;
+  mState.isSilent = true;
   Show();
 }
 
@@ -87,8 +109,9 @@ void TelepanelHost::AskController(HostView::Wait wait, const std::string& what) 
   BeginWait(wait, what + ": " + mState.link);
   const std::shared_ptr<Channel> channel = mChannel;
   const bool hasAnswered = Ask();
-  EndWait();
+  mState.isSilent = false;
   if (!hasAnswered) TakeFailure(channel->LastError());
+  EndWait();
   if (mChannel) mState.quality = FactsOf(mChannel->Quality());
 }
 
@@ -108,23 +131,24 @@ void TelepanelHost::TakeInfo(const Channel::ControllerInfo& info) {
   mWatch.Answered(mServices.pacer.Now());
   if (mState.connection == Connection::Lost) {
     mState.connection = Connection::Online;
-    mState.trouble.clear();
+    mState.trouble = MisfitText(mState);
     StatusMessage("The controller answers again");
   }
-  const std::string project = mState.controller->project;
-  if (!mState.pages || mState.pages->content.project == project) return;
-  const std::string trouble = "The Telepanel file is for the project " + mState.pages->content.project +
-                              ", but the controller holds " + (project.empty() ? "none" : project) +
-                              ".\nWhat to do: open the file of the controller's project, or close the file.";
+  if (!mState.pages || IsOfProject(mState.pages->content, info.projectName)) return;
+  const std::string trouble = OtherProjectText(mState.pages->content, mState.controller->project);
   GoOffline("Off line: " + trouble, trouble);
 }
 
 void TelepanelHost::TakeFailure(const LinkError& error) {
   const Instant now = mServices.pacer.Now();
   if (IsNoLoss(error.code)) return mWatch.Answered(now);
-  if (error.code == LinkErrorCode::Stopped) return GoOffline("Off line: stopped on request", "");
+  if (error.code == LinkErrorCode::Stopped) {
+    // A quiet question was stopped for a command; nothing is known about the controller.
+    return mWait == HostView::Wait::Quiet ? mWatch.AskNow() : GoOffline("Off line: stopped on request", "");
+  }
   const std::string trouble = error.Text();
-  if (error.code == LinkErrorCode::OtherController) return GoOffline("Off line: " + trouble, trouble);
+  const bool isOver = error.code == LinkErrorCode::OtherController || error.code == LinkErrorCode::Closed;
+  if (isOver) return GoOffline("Off line: " + trouble, trouble);
   mWatch.Silent(now);
   mState.trouble = trouble;
   if (mState.connection == Connection::Lost) return;
@@ -135,13 +159,13 @@ void TelepanelHost::TakeFailure(const LinkError& error) {
 void TelepanelHost::BeginWait(HostView::Wait wait, const std::string& what) {
   EndWait();
   mServices.pacer.ClearStop();
-  mIsWaiting = true;
+  mWait = wait;
   mView.BeginWait(wait, what);
 }
 
 void TelepanelHost::EndWait() {
-  if (!mIsWaiting) return;
-  mIsWaiting = false;
+  if (!mWait) return;
+  mWait.reset();
   mView.EndWait();
   mServices.pacer.ClearStop();
 }

@@ -102,11 +102,14 @@ void clsCallerExe::Exit(const std::string&) {
 }
 
 void clsCallerExe::ChangeModel(const std::string& model) {
-  SetLastModel(mShared, model);
+  if (const auto kept = SetLastModel(mShared, model); !kept) TellHost(kept.error());
   if (GridFilesMustGo(mRemote->Model(), model)) RemoveGridFiles(mShared);
   mRemote->SetModel(model);
   mRemote->Refresh();
+  const std::string before = mVsCon->LinkDescription();
   ConfigureDriverForSession(mShared, mWinsock);
+  if (mVsCon->LinkDescription() != before)
+    UpdateLinkDescription();  // a session without link settings follows its model
 }
 
 void clsCallerExe::Escape(const std::string&) {
@@ -192,7 +195,10 @@ void clsCallerExe::PagesFile(const std::string&) {
                                                 .filter = "Telepanel Files (*.kta)|*.kta",
                                                 .folder = ReadSessionIni(mShared, "KtaPath", "")});
   if (!chosen) return;
-  WriteSessionIni(mShared, "KtaPath", Utf8FromPath(PathFromUtf8(*chosen).parent_path()));
+  const std::string folder = Utf8FromPath(PathFromUtf8(*chosen).parent_path());
+  if (const auto kept = WriteSessionIni(mShared, "KtaPath", folder); !kept) {
+    TellHost("The folder of the Telepanel files was not kept. " + kept.error());
+  }
   mRemote->OpenPagesFile(*chosen);
 }
 
@@ -201,7 +207,11 @@ void clsCallerExe::ImportFontsAndImages(const std::string&) {
   const auto chosen =
       mParts.prompts->OpenFile({.title = "Open Cache File", .filter = "Telepanel For Color Cache Files (*.ktc)|*.ktc"});
   if (!chosen) return;
-  mRemote->SetRecentCaches(AddRecentCache(mShared, *chosen));
+  if (const auto added = AddRecentCache(mShared, *chosen)) {
+    mRemote->SetRecentCaches(*added);
+  } else {
+    TellHost(added.error());
+  }
   if (mRemote->OpenColourCache(*chosen)) return;
   mParts.prompts->Show({.text = "Error Opening Cache File. Please Check for Disk Space", .title = "Error"});
 }

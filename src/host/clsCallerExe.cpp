@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/PathText.h"
+#include "base/ScopeGuard.h"
 #include "host/ToolTable.h"
 #include "sessions/RecentCaches.h"
 #include "sessions/SessionIni.h"
@@ -20,6 +21,7 @@ clsCallerExe::clsCallerExe(HostParts parts) : mParts(std::move(parts)), mShared(
 clsCallerExe::~clsCallerExe() = default;
 
 void clsCallerExe::StartUp() {
+  const ScopeGuard end([this] { ShutDown(); });  // also when something breaks out of the host
   ConnectHost();
   mShared.BitsHandler = std::make_unique<clsBitsHandler>();
   BeginInDefaultSession();
@@ -31,13 +33,15 @@ void clsCallerExe::StartUp() {
   GreyMissingTools();
   mRemote->SetRecentCaches(ReadRecentCaches(mShared));
   RunHost();
-  ShutDown();
 }
 
 void clsCallerExe::ConnectHost() {
   mRemote = mParts.createHost();
   mRemote->OnToolClicked = [this](const std::string& id, const std::string& argument) {
     mRemote_OnToolClicked(id, argument);
+  };
+  mRemote->OnLinkReleased = [this] {
+    if (mVsCon) mVsCon->CloseDriver();
   };
   mShared.Remote = mRemote.get();
 }
@@ -80,15 +84,18 @@ void clsCallerExe::GreyMissingTools() {
 void clsCallerExe::RunHost() {
   // The tool "ID_Exit" lets go of the host while the host's own Run is still on the stack.
   const std::shared_ptr<RemoteHost> host = mRemote;
+  const ScopeGuard silent([&host] {
+    host->OnToolClicked = nullptr;
+    host->OnLinkReleased = nullptr;
+  });
   host->Run();
-  host->OnToolClicked = nullptr;
 }
 
 void clsCallerExe::ShutDown() {
   mShared.Remote = nullptr;
   mRemote.reset();
   mShared.BitsHandler.reset();
-  mVsCon->SetDriverActive(false);
+  if (mVsCon) mVsCon->SetDriverActive(false);
   mShared.ComDriver = nullptr;
   mVsCon.reset();
   MarkSessionInUse(mShared, false);

@@ -39,8 +39,8 @@ class clsCallerExe {
 
   void UpdateLinkDescription();
 
-  // Keeps "ID_Help" quiet until the tool id "Escape" arrives.
-  void SuppressHelp() { HelpSuppressed = true; }
+  // While set, "ID_Help" does nothing; the tool id "Escape" clears it. For whoever takes the help key for himself.
+  bool HelpSuppressed = false;
 
   // Events of the Ethernet socket.
   void mWinsock_ConnectionRequest(int requestId);
@@ -94,7 +94,6 @@ class clsCallerExe {
   std::unique_ptr<frmTAPI> mTapi;
   ListeningSocket* mWinsock = nullptr;
   std::unique_ptr<CommDriver> mVsCon;
-  bool HelpSuppressed = false;
 };
 
 }  // namespace kv

@@ -11,7 +11,8 @@ namespace kv {
 
 // What the driver is told about the session that it serves.
 struct SessionLink {
-  std::string folder;                 // the session's folder, UTF-8: the driver keeps its settings there
+  std::string folder{};               // the session's folder, UTF-8: the driver keeps its settings there
+  std::string model{};                // the catalogue's text of the model; empty: none that it offers
   bool isCompactDriver = false;       // IsCompactDriverModel of the model
   bool isBrio = false;                // the upper-cased model is "BRIO"
   bool isColour = false;              // IsColourModel of the model

@@ -16,6 +16,7 @@ enum class LinkErrorCode {
   NotSupported,     // this controller or this kind of link has no such operation
   Stopped,          // the user or AbortComm ended it
   LinkLost,         // the connection broke and did not come back in time
+  Closed,           // the link was closed, or its settings were changed: this channel is of no use any more
   OtherController,  // the connection came back to another controller
   Unsure,           // a request that must not be done twice: whether it was done could not be found out
 };

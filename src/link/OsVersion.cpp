@@ -2,21 +2,19 @@
 
 #include <string>
 
+#include "base/AnsiText.h"
 #include "base/Numbers.h"
+#include "base/Texts.h"
 
 namespace kv {
 namespace {
 
 constexpr std::int64_t kLargestNumber = 999999999;
-
-std::string_view Trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
+constexpr int kVersionField = 3;
+constexpr std::size_t kVersionLabel = 4;  // "O/S "
 
 std::optional<int> ParseVersionNumber(std::string_view text) {
-  const auto number = ParseInteger(Trim(text));
+  const auto number = ParseInteger(TrimBlanks(text));
   if (!number || *number < 0 || *number > kLargestNumber) return std::nullopt;
   return static_cast<int>(*number);
 }
@@ -34,10 +32,9 @@ std::optional<std::string_view> Part(std::string_view text, char separator, int 
 }  // namespace
 
 std::optional<ColourOsVersion> ParseColourOsVersion(std::string_view osVersion) {
-  constexpr std::size_t kLabel = 4;  // "O/S "
-  const auto field = Part(osVersion, ';', 3);
-  if (!field || field->size() <= kLabel) return std::nullopt;
-  const std::string_view version = field->substr(kLabel);
+  const auto field = Part(osVersion, ';', kVersionField);
+  if (!field || field->size() <= kVersionLabel) return std::nullopt;
+  const std::string_view version = field->substr(kVersionLabel);
   const auto minorText = Part(version, '.', 1);
   if (!minorText) return std::nullopt;
   const auto major = ParseVersionNumber(*Part(version, '.', 0));
@@ -50,6 +47,18 @@ std::optional<int> ParsePlainOsVersion(std::string_view osVersion) {
   std::string digits(osVersion);
   std::erase(digits, '.');
   return ParseVersionNumber(digits);
+}
+
+std::string OsVersionText(const VersionInfo& version) {
+  // Of the fields the text is shown, not the numbers: 1.10 and 1.1 are two versions.
+  if (!ParseColourOsVersion(version.osVersion)) return AnsiToUtf8(version.osVersion);
+  return AnsiToUtf8(TrimBlanks(Part(version.osVersion, ';', kVersionField)->substr(kVersionLabel)));
+}
+
+std::string OsBuildText(const VersionInfo& version) {
+  std::string build = version.osBuild;
+  std::erase(build, ';');
+  return AnsiToUtf8(build.size() > 2 ? build.substr(build.size() - 2) : build);
 }
 
 }  // namespace kv

@@ -2,7 +2,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
+
+#include "link/VersionInfo.h"
 
 namespace kv {
 
@@ -25,5 +28,9 @@ struct ColourOsVersion {
 // The version text of all other controllers as a number: its digits without the points, so "4.60" is 460 and "2.9"
 // is 29. Nothing when the rest is no number from 0 to 999999999.
 [[nodiscard]] std::optional<int> ParsePlainOsVersion(std::string_view osVersion);
+
+// What people read, UTF-8: the version as "1.10" or "4.60" whichever way it is reported, and the build as "19".
+[[nodiscard]] std::string OsVersionText(const VersionInfo& version);
+[[nodiscard]] std::string OsBuildText(const VersionInfo& version);
 
 }  // namespace kv

@@ -22,15 +22,14 @@ Places ReadPlaces(const SharedState& shared) {
 }
 
 // From the end, so that a crash leaves an entry twice rather than none.
-void WritePlaces(const SharedState& shared, const Places& before, const Places& after) {
+std::expected<void, std::string> WritePlaces(const SharedState& shared, const Places& before, const Places& after) {
   for (std::size_t i = after.size(); i-- > 0;) {
     if (after[i] == before[i]) continue;
-    if (after[i].empty()) {
-      RemoveSessionIni(shared, Key(i));
-    } else {
-      WriteSessionIni(shared, Key(i), after[i]);
-    }
+    const auto written =
+        after[i].empty() ? RemoveSessionIni(shared, Key(i)) : WriteSessionIni(shared, Key(i), after[i]);
+    if (!written) return written;
   }
+  return {};
 }
 
 }  // namespace
@@ -46,14 +45,17 @@ std::vector<std::string> ReadRecentCaches(const SharedState& shared) {
   return entries;
 }
 
-std::vector<std::string> AddRecentCache(const SharedState& shared, const std::string& entry) {
+std::expected<std::vector<std::string>, std::string> AddRecentCache(const SharedState& shared,
+                                                                    const std::string& entry) {
   auto entries = ReadRecentCaches(shared);
   std::erase_if(entries, [&](const std::string& old) { return CachePath(old) == CachePath(entry); });
   entries.insert(entries.begin(), entry);
   if (entries.size() > kMostRecentCaches) entries.resize(kMostRecentCaches);
   Places places;
   std::ranges::copy(entries, places.begin());
-  WritePlaces(shared, ReadPlaces(shared), places);
+  if (const auto written = WritePlaces(shared, ReadPlaces(shared), places); !written) {
+    return std::unexpected("The list of recent cache files was not kept. " + written.error());
+  }
   return entries;
 }
 

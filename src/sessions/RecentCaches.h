@@ -1,5 +1,6 @@
 #pragma once
 
+#include <expected>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,10 @@ inline constexpr std::size_t kMostRecentCaches = 10;
 
 [[nodiscard]] std::vector<std::string> ReadRecentCaches(const SharedState& shared);
 
-// Puts `entry` first; an entry with the same path goes, and with ten entries the last one. Returns the new list.
-std::vector<std::string> AddRecentCache(const SharedState& shared, const std::string& entry);
+// Puts `entry` first; an entry with the same path goes, and with ten entries the last one. Returns the new list. The
+// error, sentences for the user, says why the entry could not be kept.
+[[nodiscard]] std::expected<std::vector<std::string>, std::string> AddRecentCache(const SharedState& shared,
+                                                                                  const std::string& entry);
 
 // The first field of an entry.
 [[nodiscard]] std::string CachePath(const std::string& entry);

@@ -4,8 +4,10 @@
 #include <system_error>
 
 #include "base/AnsiText.h"
+#include "base/KeepSetting.h"
 #include "base/PathText.h"
 #include "base/ProfileStrings.h"
+#include "base/Texts.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv {
@@ -23,9 +25,7 @@ std::filesystem::path IniFile(const SharedState& shared, std::string_view owner)
 
 std::string TrimmedAtNul(std::string text) {
   text.resize(std::min(text.find('\0'), text.size()));
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+  return std::string(TrimBlanks(text));
 }
 
 std::string ReadIni(const SharedState& shared, std::string_view owner, std::string_view key,
@@ -52,12 +52,15 @@ std::string ReadSessionIni(const SharedState& shared, std::string_view key, std:
   return ReadIni(shared, kProgram, key, fallback);
 }
 
-bool WriteSessionIni(const SharedState& shared, std::string_view key, std::string_view value) {
-  return WriteProfileString(IniFile(shared, kProgram), kProgram, key, Utf8ToAnsi(value));
+std::expected<void, std::string> WriteSessionIni(const SharedState& shared, std::string_view key,
+                                                 std::string_view value) {
+  return KeepSetting(IniFile(shared, kProgram), kProgram, key, value);
 }
 
-bool RemoveSessionIni(const SharedState& shared, std::string_view key) {
-  return WriteProfileString(IniFile(shared, kProgram), kProgram, key, std::nullopt);
+std::expected<void, std::string> RemoveSessionIni(const SharedState& shared, std::string_view key) {
+  const std::filesystem::path file = IniFile(shared, kProgram);
+  if (!WriteProfileString(file, kProgram, key, std::nullopt)) return std::unexpected(NotWritableText(file));
+  return {};
 }
 
 std::string ReadHostIni(const SharedState& shared, std::string_view key, std::string_view fallback) {
@@ -68,8 +71,10 @@ std::string LastModel(const SharedState& shared) {
   return ReadSessionIni(shared, kLastModelKey, kFirstModel);
 }
 
-void SetLastModel(const SharedState& shared, std::string_view model) {
-  WriteSessionIni(shared, kLastModelKey, model);
+std::expected<void, std::string> SetLastModel(const SharedState& shared, std::string_view model) {
+  auto kept = WriteSessionIni(shared, kLastModelKey, model);
+  if (!kept) return std::unexpected("The model was not kept for the next start. " + kept.error());
+  return kept;
 }
 
 void MarkSessionInUse(const SharedState& shared, bool inUse) {
@@ -87,8 +92,11 @@ void MarkSessionInUse(const SharedState& shared, bool inUse) {
 
 void ConfigureDriverForSession(SharedState& shared, ListeningSocket* socket) {
   const std::string model = shared.Remote->Model();
+  const std::string offered = ModelOfIdentification(model);
+  const bool isOffered = std::ranges::find(SelectableModels(), offered) != SelectableModels().end();
   shared.ComDriver->ConfigureForSession({
       .folder = Utf8FromPath(SessionFolder(shared)),
+      .model = isOffered ? offered : "",
       .isCompactDriver = IsCompactDriverModel(model),
       .isBrio = IsBrioModel(model),
       .isColour = IsColourModel(model),

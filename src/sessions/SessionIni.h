@@ -1,5 +1,6 @@
 #pragma once
 
+#include <expected>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -23,17 +24,19 @@ inline constexpr std::string_view kSessionMarkFile = "tmp.txt";
 // One value of this program's settings in the current session ("KvTeleExe.ini", section "KvTeleExe"), UTF-8. The value
 // is cut at 254 characters and trimmed of blanks; a missing key reads as `fallback`, an empty value as "".
 [[nodiscard]] std::string ReadSessionIni(const SharedState& shared, std::string_view key, std::string_view fallback);
-// False when the file cannot be written; it is then as it was.
-bool WriteSessionIni(const SharedState& shared, std::string_view key, std::string_view value);
+// Fails when the file cannot be written, or cannot hold the value so that it is read back as it is; the file is then as
+// it was. The error is what happened, the likely cause and what to do, in sentences for the user.
+[[nodiscard]] std::expected<void, std::string> WriteSessionIni(const SharedState& shared, std::string_view key,
+                                                               std::string_view value);
 // Deletes the key.
-bool RemoveSessionIni(const SharedState& shared, std::string_view key);
+[[nodiscard]] std::expected<void, std::string> RemoveSessionIni(const SharedState& shared, std::string_view key);
 
 // The same read from the host's settings in the current session ("KvTele2.ini", section "KvTele2").
 [[nodiscard]] std::string ReadHostIni(const SharedState& shared, std::string_view key, std::string_view fallback);
 
 // The model that the session was last used with; a new session starts with "K220-22-R1".
 [[nodiscard]] std::string LastModel(const SharedState& shared);
-void SetLastModel(const SharedState& shared, std::string_view model);
+[[nodiscard]] std::expected<void, std::string> SetLastModel(const SharedState& shared, std::string_view model);
 
 // Marks the current session as in use, or no longer so: its "tmp.txt" becomes read-only or normal. "Default" is never
 // marked; a session without that file is left alone.

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
 
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
+#include "base/Texts.h"
 #include "sessions/SessionIni.h"
 
 namespace kv {
@@ -19,19 +19,39 @@ namespace fs = std::filesystem;
 constexpr std::size_t kLongestName = 255;  // what the common file systems take for one folder's name, in bytes
 
 // Names that a Windows machine keeps for devices, with or without an extension.
-constexpr std::array<std::string_view, 4> kDeviceNames{"CON", "PRN", "AUX", "NUL"};
-constexpr std::array<std::string_view, 2> kNumberedDevices{"COM", "LPT"};
+constexpr auto kDeviceNames = std::to_array<std::string_view>({"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"});
+constexpr auto kNumberedDevices = std::to_array<std::string_view>({"COM", "LPT"});
+constexpr auto kSuperscripts = std::to_array<std::string_view>({"\xC2\xB9", "\xC2\xB2", "\xC2\xB3"});  // 1, 2, 3
 
-std::string UpperCased(std::string text) {
-  std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return text;
+constexpr std::string_view kForbidden = "\\/:*?\"<>|";
+
+bool IsDeviceNumber(std::string_view text) {
+  return (text.size() == 1 && text[0] >= '0' && text[0] <= '9') ||
+         std::ranges::find(kSuperscripts, text) != kSuperscripts.end();
 }
 
 bool IsDeviceName(const std::string& name) {
-  const std::string stem = UpperCased(name.substr(0, name.find('.')));
+  std::string stem = UpperCased(name.substr(0, name.find('.')));
+  stem.erase(stem.find_last_not_of(' ') + 1);
   if (std::ranges::find(kDeviceNames, stem) != kDeviceNames.end()) return true;
-  return stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9' &&
+  return stem.size() > 3 && IsDeviceNumber(std::string_view(stem).substr(3)) &&
          std::ranges::find(kNumberedDevices, stem.substr(0, 3)) != kNumberedDevices.end();
+}
+
+bool IsControl(char c) {
+  return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
+
+// What is alike in two names that a file system without case takes for one; of letters beyond A to Z, those of Western
+// Europe.
+std::string CaseFolded(const std::string& name) {
+  std::string folded = UpperCased(name);
+  for (std::size_t i = 1; i < folded.size(); ++i) {
+    const auto second = static_cast<unsigned char>(folded[i]);
+    const bool isSmall = folded[i - 1] == '\xC3' && second >= 0xA0 && second <= 0xBE && second != 0xB7;
+    if (isSmall) folded[i] = static_cast<char>(second - 0x20);
+  }
+  return folded;
 }
 
 bool IsReadOnly(const fs::directory_entry& entry) {
@@ -55,15 +75,19 @@ std::string Failure(const std::string& what, const std::error_code& error) {
 }  // namespace
 
 std::string SessionNameFault(const std::string& name) {
-  const auto isForbidden = [](char c) {
-    return static_cast<unsigned char>(c) < 0x20 || std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos;
-  };
   if (name.empty()) return "A session needs a name.";
   if (name == "." || name == "..") return "\"" + name + "\" is not a name: it stands for a folder that exists already.";
-  if (std::ranges::any_of(name, isForbidden)) return "A session name cannot contain any of  \\ / : * ? \" < > | .";
+  if (std::ranges::any_of(name, IsControl)) return "A session name cannot contain tabs or other control characters.";
+  if (const auto at = name.find_first_of(kForbidden); at != std::string::npos) {
+    return std::string("A session name cannot contain the character  ") + name[at] +
+           "  , which no folder's name can have on every computer.";
+  }
   if (name.back() == ' ' || name.back() == '.') return "A session name cannot end with a blank or a point.";
   if (IsDeviceName(name)) return "\"" + name + "\" is kept for a device and cannot be the name of a session.";
-  if (name.size() > kLongestName) return "The session name is too long: a folder's name has at most 255 characters.";
+  if (name.size() > kLongestName) {
+    return "The session name is too long: it takes " + std::to_string(name.size()) + " bytes, and a folder's name " +
+           std::to_string(kLongestName) + ". A letter beyond A to Z takes two or more.";
+  }
   return "";
 }
 
@@ -80,6 +104,16 @@ std::vector<std::string> SessionManager::List() const {
     return std::pair(UpperCased(a), a) < std::pair(UpperCased(b), b);
   });
   return names;
+}
+
+std::string SessionManager::ListFault() const {
+  const fs::path folder = mShared.paths.Sessions();
+  std::error_code error;
+  const fs::directory_iterator entries(folder, error);
+  if (!error) return "";
+  return "The folder " + Utf8FromPath(folder) + " with the sessions cannot be read: " + error.message() +
+         ".\nLikely cause: it was moved, deleted or protected, or this is not the program folder.\nWhat to do: put the "
+         "folder back, or start with the program folder that it is in.";
 }
 
 bool SessionManager::IsListed(const std::string& name) const {
@@ -103,7 +137,7 @@ std::expected<void, std::string> SessionManager::CopyCurrent(const std::string& 
   const fs::path source = SessionFolder(mShared);
   const fs::path target = mShared.paths.Session(name);
   std::error_code error;
-  if (fs::exists(target, error)) return std::unexpected("A session named \"" + name + "\" exists already.");
+  if (const std::string taken = WhyTaken(name); !taken.empty()) return std::unexpected(taken);
   if (!fs::is_directory(source, error)) {
     return std::unexpected("The folder of the current session, " + Utf8FromPath(source) + ", is not there any more.");
   }
@@ -123,6 +157,18 @@ std::expected<void, std::string> SessionManager::CopyCurrent(const std::string& 
   }
   removeHalfMade.Dismiss();
   return {};
+}
+
+std::string SessionManager::WhyTaken(const std::string& name) const {
+  const auto names = List();
+  const auto isSame = [&](const std::string& other) { return CaseFolded(other) == CaseFolded(name); };
+  if (const auto found = std::ranges::find_if(names, isSame); found != names.end()) {
+    const std::string text = "A session named \"" + *found + "\" exists already.";
+    return *found == name ? text : text + " On many computers capital and small letters are the same in a name.";
+  }
+  std::error_code error;
+  if (!fs::exists(mShared.paths.Session(name), error)) return "";
+  return "The Sessions folder has a file named \"" + name + "\", so that no session can be.";
 }
 
 bool SessionManager::Activate(const std::string& name) {

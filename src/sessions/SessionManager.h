@@ -16,8 +16,10 @@ class SessionManager {
  public:
   SessionManager(SharedState& shared, Prompts& prompts) : mShared(shared), mPrompts(prompts) {}
 
-  // Names of the session folders, by name. Files are not sessions. Empty when the Sessions folder is missing.
+  // Names of the session folders, by name. Files are not sessions. Empty when the Sessions folder cannot be read.
   [[nodiscard]] std::vector<std::string> List() const;
+  // Why the Sessions folder cannot be read, with cause and cure; empty when it can.
+  [[nodiscard]] std::string ListFault() const;
 
   // Copies the current session to `name` and makes the copy current. A failure of any step is told under "Create
   // Session", leaves the current session as it was and no half-made folder behind.
@@ -40,6 +42,7 @@ class SessionManager {
 
  private:
   [[nodiscard]] bool IsListed(const std::string& name) const;
+  [[nodiscard]] std::string WhyTaken(const std::string& name) const;
   void MakeCurrent(const std::string& name);
 
   SharedState& mShared;

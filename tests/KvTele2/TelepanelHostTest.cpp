@@ -28,10 +28,10 @@ class ShownView : public HostView {
   }
   void Run() override {}
   void Quit() override { hasQuit = true; }
-  void BeginWait(Wait, const std::string& what) override {
+  void BeginWait(Wait wait, const std::string& what) override {
     waits.push_back(what);
     isWaiting = true;
-    if (onWait) onWait();
+    if (onWait) onWait(wait);
   }
   void EndWait() override { isWaiting = false; }
 
@@ -40,7 +40,7 @@ class ShownView : public HostView {
   std::vector<std::string> waits;
   bool isWaiting = false;
   bool hasQuit = false;
-  std::function<void()> onWait;
+  std::function<void(Wait)> onWait;
 };
 
 class TelepanelHostTest : public testing::Test {
@@ -52,6 +52,7 @@ class TelepanelHostTest : public testing::Test {
     host.SetComDescription("COM3, 115200 8N1, unit 1");
     channel->version = VersionInfo{"K220-22-R1", "10", "4.60", "19"};
     channel->info = Channel::ControllerInfo{.serialNumber = 0xABC, .state = 'R', .projectName = "Bakery"};
+    host.OnLinkReleased = [this] { ++releases; };
     host.OnToolClicked = [this](const std::string& id, const std::string&) {
       clicked.push_back(id);
       if (id == "ID_OnLine") onLine();
@@ -64,7 +65,7 @@ class TelepanelHostTest : public testing::Test {
     host.EndConnect();
     host.SetConnectedUnit(1);
     host.AttachChannel(channel);
-    if (!host.ProjectMatches()) return;
+    if (!host.ProjectMatches()) return host.ConnectionRefused("The file does not match.");
     host.GoOnline();
     host.RunPanelSession("0");
   }
@@ -88,6 +89,7 @@ class TelepanelHostTest : public testing::Test {
   TelepanelHost host{view, {pacer, pacer, prompts, "C:\\Program Files"}};
   std::shared_ptr<test::FakeChannel> channel = std::make_shared<test::FakeChannel>();
   std::vector<std::string> clicked;
+  int releases = 0;  // of the link
   std::function<void()> onLine = [this] { Connect(); };
 };
 
@@ -109,10 +111,32 @@ TEST_F(TelepanelHostTest, AControllerOnLineIsShown) {
   EXPECT_THAT(host.WhyDisabled(command::kModel), HasSubstr("on line"));
   EXPECT_EQ(host.WhyDisabled(command::kOffLine), "");
 
+  releases = 0;
   host.Click(command::kOffLine);
   EXPECT_EQ(view.shown.connection, Connection::Offline);
   EXPECT_EQ(view.shown.controller, std::nullopt);
   EXPECT_EQ(channel.use_count(), 1) << "the controller is let go of";
+  EXPECT_EQ(releases, 1) << "and its port, for other programs";
+}
+
+TEST_F(TelepanelHostTest, AControllerOfAnotherModelThanTheSelectedIsToldWithACure) {
+  const struct {
+    const char* selected;
+    const char* reported;
+    const char* told;
+  } cases[] = {{"K220-22-R1", "Q50-2-R34", "of the model Q50, but the selected model is K220-22-R1"},
+               {"Q50", "K330", "of the model K330, but the selected model is Q50"},
+               {"Q50Net", "Q50-2-R34", ""},
+               {"PX1-R8", "PX1-R8", ""},
+               {"K450-45", "K450-45-BOOT", ""}};
+  for (const auto& each : cases) {
+    host.SetModel(each.selected);
+    channel->version->model = each.reported;
+    host.Click(command::kOnLine);
+    EXPECT_THAT(view.shown.trouble, HasSubstr(each.told)) << each.reported;
+    EXPECT_EQ(view.shown.trouble.empty(), std::string(each.told).empty()) << view.shown.trouble;
+    host.Click(command::kOffLine);
+  }
 }
 
 TEST_F(TelepanelHostTest, WhyAControllerCannotBeReachedStaysOnThePage) {
@@ -126,15 +150,46 @@ TEST_F(TelepanelHostTest, WhyAControllerCannotBeReachedStaysOnThePage) {
   EXPECT_THAT(view.shown.trouble, HasSubstr("check the cable"));
   EXPECT_FALSE(view.isWaiting);
 
-  onLine = [this] {  // refused in a box of its own: nothing to repeat on the page
+  host.OnLinkReleased = [this] { host.StatusMessage("Disconnected from COM3"); };
+  onLine = [this] {
     host.BeginConnect();
     host.StatusMessage("Connected to COM3");
     host.SetConnectedUnit(1);
+    host.ConnectionRefused("It is in BOOTSTRAP mode.");
     EXPECT_FALSE(view.isWaiting) << "a box in front of a busy window";
   };
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, Connection::Offline);
-  EXPECT_EQ(view.shown.trouble, "");
+  EXPECT_EQ(view.shown.trouble, "Refused: It is in BOOTSTRAP mode.");
+  EXPECT_EQ(view.shown.message, view.shown.trouble);
+}
+
+TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
+  host.Click(command::kOnLine);
+  LoseController();
+  channel->error.code = LinkErrorCode::Stopped;
+  view.onWait = [this](HostView::Wait wait) {
+    if (wait != HostView::Wait::Quiet) return;
+    host.NoteSilence();
+    EXPECT_EQ(ConnectionHeading(view.shown), "No answer, looking for the controller: COM3, 115200 8N1, unit 1");
+    host.Click("ID_Session");
+    host.Click(command::kOnLine);  // cannot be used, and so does not replace it
+    EXPECT_TRUE(pacer.StopRequested());
+    EXPECT_THAT(clicked, ElementsAre("ID_OnLine")) << "not in the middle of the question";
+  };
+  Pass(std::chrono::seconds(1));
+  EXPECT_THAT(clicked, ElementsAre("ID_OnLine", "ID_Session"));
+  EXPECT_FALSE(pacer.StopRequested());
+  EXPECT_EQ(ConnectionText(view.shown), "On line") << "nothing is known but that the question was stopped";
+
+  view.onWait = [this](HostView::Wait) { host.Click(command::kExit); };
+  host.Click(command::kOffLine);
+  onLine = [this] {
+    host.BeginConnect();
+    EXPECT_TRUE(pacer.StopRequested()) << "closing the window while it connects is Cancel";
+  };
+  host.Click(command::kOnLine);
+  EXPECT_EQ(clicked.back(), "ID_OnLine");
 }
 
 TEST_F(TelepanelHostTest, ALostControllerIsAskedLessAndLessOftenAndFoundAgain) {
@@ -145,7 +200,7 @@ TEST_F(TelepanelHostTest, ALostControllerIsAskedLessAndLessOftenAndFoundAgain) {
 
   LoseController();
   Pass(std::chrono::seconds(2));
-  EXPECT_EQ(view.shown.connection, Connection::Lost);
+  EXPECT_EQ(ConnectionHeading(view.shown), "Connection lost, looking for the controller: COM3, 115200 8N1, unit 1");
   EXPECT_THAT(view.shown.trouble, HasSubstr("no reply"));
   EXPECT_TRUE(view.shown.controller.has_value()) << "whom it was";
   EXPECT_FALSE(host.IsOnline()) << "the tool connects anew";
@@ -166,7 +221,8 @@ TEST_F(TelepanelHostTest, WhatEndsBeingOnLine) {
     std::function<void()> happens;
     const char* told;
   } cases[] = {
-      {"another session", [this] { host.SetSessionPath("C:\\Other"); }, "another session is active"},
+      {"another session", [this] { host.SetSessionName("Plant"); }, "another session is active"},
+      {"another session's folder", [this] { host.SetSessionPath("C:\\Other"); }, "another session is active"},
       {"another link", [this] { host.SetComDescription("COM4"); }, "the link was changed"},
       {"another controller",
        [this] {
@@ -176,13 +232,13 @@ TEST_F(TelepanelHostTest, WhatEndsBeingOnLine) {
          Pass(std::chrono::seconds(2));
        },
        "another controller answered"},
-      {"the user cancels a question",
+      {"other settings of the same link",
        [this] {
          LoseController();
-         channel->error.code = LinkErrorCode::Stopped;
+         channel->error.code = LinkErrorCode::Closed;
          Pass(std::chrono::seconds(2));
        },
-       "stopped on request"},
+       "Off line: Asking failed"},
       {"the controller gets another project",
        [this] {
          host.OpenPagesFile(PutPages("a.kta", {"Bakery", "K220-22-R1"}));
@@ -195,8 +251,10 @@ TEST_F(TelepanelHostTest, WhatEndsBeingOnLine) {
     channel->info = Channel::ControllerInfo{.serialNumber = 1, .state = 'R', .projectName = "Bakery"};
     host.Click(command::kOnLine);
     ASSERT_TRUE(host.IsOnline()) << each.what;
+    releases = 0;
     each.happens();
     EXPECT_EQ(view.shown.connection, Connection::Offline) << each.what;
+    EXPECT_GE(releases, 1) << each.what;
     EXPECT_THAT(view.shown.message, HasSubstr(each.told)) << each.what;
   }
 }
@@ -242,6 +300,10 @@ TEST_F(TelepanelHostTest, TheTenPagesFilesThatWereOpenedLastAreKeptWithTheSessio
   host.SetSessionPath(Utf8FromPath(folder.Path() / "Other"));
   EXPECT_TRUE(view.shown.recentPages.empty());
   EXPECT_FALSE(view.shown.pages.has_value());
+  EXPECT_EQ(view.shown.message, "Closed " + files[5] + ": a Telepanel file is open in its session only");
+  EXPECT_TRUE(host.OpenPagesFile(files[5]));
+  EXPECT_THAT(host.Log().Entries()[host.Log().Entries().size() - 2].text, HasSubstr("files was not kept. "))
+      << "the session's folder is not there";
 }
 
 TEST_F(TelepanelHostTest, APagesFileIsMadeForTheControllerOnLineAndThenAsked) {
@@ -259,6 +321,7 @@ TEST_F(TelepanelHostTest, APagesFileIsMadeForTheControllerOnLineAndThenAsked) {
   channel->info->projectName = "Other";
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, Connection::Offline) << "the tool refuses it";
+  EXPECT_THAT(view.shown.trouble, HasSubstr("for the project A/B, but the controller holds Other"));
   host.Click(command::kClosePages);
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, Connection::Online);

@@ -127,12 +127,29 @@ TEST(Driver, OpensWithTheSessionsSettingsAndKeepsTheLinkWhileTheyDescribeIt) {
   EXPECT_EQ(bench.driver.LinkDescription(), "192.168.1.20:20300, unit 1");
   bench.driver.ConfigureForSession(session);
   EXPECT_EQ(bench.driver.GetChannel(), channel);
+  const TemporaryFolder copy;
+  copy.Put("KvCmDrv1.ini", TemporaryFolder::Content(folder.Path() / "KvCmDrv1.ini"));
+  bench.driver.ConfigureForSession({.folder = copy.Path().string()});
+  EXPECT_NE(bench.driver.GetChannel(), channel) << "of another session";
+  bench.driver.ConfigureForSession(session);
   folder.Put("KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.21\r\n");
   bench.driver.ConfigureForSession(session);
   EXPECT_NE(bench.driver.GetChannel(), channel);
   EXPECT_FALSE(channel->GetVersionInfo(1)) << "a channel of the link before";
   EXPECT_EQ(channel->LastError().happened, "the link is closed");
   EXPECT_FALSE(channel->OpenLink(0, 0));
+}
+
+TEST(Driver, ASessionWithoutSettingsGetsASimulatedControllerOfItsModel) {
+  DriverBench bench;
+  const std::pair<SessionLink, std::string> cases[] = {
+      {{.model = "Q51"}, "Simulated Q51"},       {{.model = "PR1"}, "Simulated PR1"},
+      {{.isBrio = true}, "Simulated BRIO"},      {{.isCompactDriver = true}, "Simulated Q50"},
+      {{.isColour = true}, "Simulated K450-45"}, {{}, "Simulated K220-22-R1"}};
+  for (const auto& [session, link] : cases) {
+    bench.driver.ConfigureForSession(session);
+    EXPECT_EQ(bench.driver.LinkDescription(), link);
+  }
 }
 
 TEST(Driver, SaysWhyItCannotOpen) {
@@ -181,6 +198,9 @@ TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
   bench.driver.ShowComParams();
   EXPECT_EQ(bench.driver.LinkDescription(), "COM3, 9600 8N1, unit 1");
   EXPECT_EQ(LoadSettings(folder.Path(), {}).settings.baudRate, 9600);
+  bench.driver.ConfigureForSession({.folder = (folder.Path() / "gone").string()});
+  bench.driver.UseSettings(SerialSettings(), true);
+  EXPECT_NE(bench.messages.back().find("were not kept. "), std::string::npos) << bench.messages.back();
 }
 
 TEST(Driver, ATrialFindsWhoAnswersAndLeavesTheLinkAsItWas) {

@@ -54,7 +54,7 @@ class TraceWindowTest : public ::testing::Test, protected DialogBench {
 };
 
 TEST_F(TraceWindowTest, ShowsFramesAsTheyPassUntilItIsHalted) {
-  dialogs.ShowTrace(nullptr);
+  dialogs.ShowTrace();
   Talk();
   ASSERT_TRUE(WaitUntil([] { return Rows().rowCount() > 2; }));
   EXPECT_EQ(Last(TraceModel::Direction), "Received");
@@ -77,7 +77,7 @@ TEST_F(TraceWindowTest, ShowsFramesAsTheyPassUntilItIsHalted) {
 }
 
 TEST_F(TraceWindowTest, WritesToAFileUntilItIsEnded) {
-  dialogs.ShowTrace(nullptr);
+  dialogs.ShowTrace();
   const auto file = folder.Path() / "trace.txt";
   prompts.Choose(Utf8FromPath(file));
   Command("cmdWriteToFile").trigger();
@@ -88,17 +88,25 @@ TEST_F(TraceWindowTest, WritesToAFileUntilItIsEnded) {
   EXPECT_EQ(TemporaryFolder::Content(file), driver.GetTrace().Text());
 }
 
-TEST_F(TraceWindowTest, OpenedFromTheSettingsItOutlivesThem) {
-  InSettings([](QDialog& dialog) {
+TEST_F(TraceWindowTest, OpenedFromTheSettingsItAnswersBesideThemAndStaysWhereItIs) {
+  QWidget owner;
+  owner.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&owner, kPatience));
+  QRect place;
+  InSettings([&](QDialog& dialog) {
     Press(dialog, "cmdTrace");
     ASSERT_TRUE(QTest::qWaitForWindowActive(Window(), kPatience));
-    Command("cmdPause").trigger();
+    QTest::keyClick(Window()->windowHandle(), Qt::Key_P, Qt::ControlModifier);
     EXPECT_TRUE(Command("cmdPause").isChecked());
+    Window()->move(60, 70);
+    place = Window()->geometry();
+    dialog.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog, kPatience));
     dialog.reject();
   });
-  ASSERT_NE(Window(), nullptr);
   EXPECT_TRUE(Window()->isVisible());
-  EXPECT_EQ(Window()->parentWidget(), nullptr);
+  EXPECT_EQ(Window()->geometry(), place);
+  EXPECT_NE(QApplication::activeWindow(), Window()) << "the work goes on where the settings were opened";
 }
 
 }  // namespace

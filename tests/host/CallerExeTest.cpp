@@ -29,6 +29,18 @@ TEST_F(CallerExeTest, LivesItsLifeInOrder) {
   EXPECT_EQ(callerState->BitsHandler, nullptr);
 }
 
+TEST_F(CallerExeTest, TearsEverythingDownWhenSomethingBreaksOutOfTheHost) {
+  host.onRun = [this] {
+    Taken();
+    host.OnLinkReleased();  // what a host does that goes off line
+    throw std::string("broken");
+  };
+  clsCallerExe caller(parts);
+  EXPECT_THROW(caller.StartUp(), std::string);
+  EXPECT_THAT(Taken(), ElementsAre("Driver CloseDriver", "host released", "Driver not active", "Driver gone"));
+  EXPECT_FALSE(host.OnToolClicked);
+}
+
 TEST_F(CallerExeTest, ClearsTheMarkOfTheSessionThatItEndsIn) {
   constexpr auto kWrite = std::filesystem::perms::owner_write;
   std::filesystem::create_directory(Session("Plant"));

@@ -71,7 +71,7 @@ TEST_F(ToolsTest, AModelOfAnotherFamilyDeletesTheGrids) {
                          Row{"K330", "Q50", false}, Row{"Q50", "AurexQ50", true}}) {
     Put("vsfOperands_1.vsf", "grid");
     Put("vsfRegions_1.vsf", "grid");
-    SetLastModel(shared, row.from);
+    EXPECT_TRUE(SetLastModel(shared, row.from));
     CallsOf("ID_OPLC_Model", row.to);
     EXPECT_EQ(HasFile("vsfOperands_1.vsf"), row.kept) << row.from << " to " << row.to;
     EXPECT_EQ(HasFile("vsfRegions_1.vsf"), row.kept) << row.from << " to " << row.to;
@@ -81,7 +81,7 @@ TEST_F(ToolsTest, AModelOfAnotherFamilyDeletesTheGrids) {
 
 TEST_F(ToolsTest, HelpIsQuietUntilEscape) {
   EXPECT_THAT(CallsOf([&](clsCallerExe& caller) {
-                caller.SuppressHelp();
+                caller.HelpSuppressed = true;
                 for (const char* id : {"ID_Help", "Escape", "ID_Help"}) host.OnToolClicked(id, "user_rbk");
               }),
               ElementsAre("Shell '' HOME/help/KvTeleExe.chm ''"));
@@ -103,7 +103,7 @@ TEST_F(ToolsTest, LogOffAsksFirst) {
 }
 
 TEST_F(ToolsTest, ProgramsThatAreNotThereAreNamedAndModelsWithoutADesignerCodeGetNoParameters) {
-  SetLastModel(shared, "Q51");
+  EXPECT_TRUE(SetLastModel(shared, "Q51"));
   shell.result = std::unexpected("It is not installed.");
   prompts.Press(PromptAnswer::Ok);
   EXPECT_THAT(CallsOf("ID_DownloadDesigner"),
@@ -118,6 +118,10 @@ TEST_F(ToolsTest, ThePagesFolderIsRemembered) {
   prompts.Choose(std::nullopt);
   EXPECT_EQ(CallsOf("ID_PagesFile").size(), 1u);
   EXPECT_EQ(prompts.OpenDialogs().back().folder, Utf8FromPath(folder));
+  prompts.Choose("/\xD0\x9C/plant.kta");  // letters that the settings cannot hold
+  EXPECT_THAT(CallsOf("ID_PagesFile"),
+              ElementsAre(testing::_, testing::HasSubstr("The folder of the Telepanel files was not kept. "),
+                          "OpenPagesFile /\xD0\x9C/plant.kta"));
 }
 
 TEST_F(ToolsTest, AChosenCacheIsRecentAndAFailureToOpenItIsTold) {

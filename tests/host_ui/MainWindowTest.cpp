@@ -6,6 +6,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QMenu>
+#include <QTableView>
 #include <QTableWidget>
 #include <set>
 
@@ -75,6 +76,8 @@ TEST_F(MainWindowTest, AControllerThatCannotBeUsedIsRefusedInABox) {
       Trigger(window, "ID_OnLine");
       EXPECT_THAT(boxes.texts, ElementsAre(HasSubstr(each.told)));
       EXPECT_EQ(Text(window, "lblOnline"), "Off line");
+      EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr(each.told));
+      EXPECT_THAT(Text(window, "lblMessage"), StartsWith("Refused: "));
       EXPECT_TRUE(Find<QAction>(window, "ID_OnLine").isEnabled());
     });
   }
@@ -142,6 +145,51 @@ TEST_F(MainWindowTest, ALinkThatIsPulledAndGivenBackIsTakenUpAgain) {
     controller = std::make_unique<Kvsim>(arguments, port);
     Trigger(window, "ID_OnLine");
     EXPECT_EQ(Text(window, "lblOnline"), "On line") << Text(window, "lblTrouble");
+  });
+}
+
+TEST_F(MainWindowTest, OffLineGivesThePortBackAndOnLineBeginsAnew) {
+  auto controller = std::make_unique<Kvsim>(QStringList{"--model", "K220-22-R1"});
+  const int port = controller->Port();
+  PutTcp(port, "TimeOut=200\r\nTries=1\r\n");
+  const auto exchangeFor = [&](const char* model) {
+    controller->Kill();
+    controller = std::make_unique<Kvsim>(QStringList{"--model", model}, port);
+  };
+  Run([&](QMainWindow& window) {
+    Trigger(window, "ID_OnLine");
+    ASSERT_EQ(Text(window, "lblModel"), "K220-22-R1");
+    Trigger(window, "HOST_OffLine");
+    exchangeFor("K330");
+    Trigger(window, "ID_OnLine");
+    EXPECT_EQ(Text(window, "lblModel"), "K330") << Text(window, "lblTrouble");
+
+    exchangeFor("K360");
+    ASSERT_TRUE(WaitUntil([&] { return Text(window, "lblOnline") == "Off line"; }));
+    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("another controller answered"));
+    Trigger(window, "ID_OnLine");
+    EXPECT_EQ(Text(window, "lblModel"), "K360") << "the user has said that it is meant";
+  });
+}
+
+TEST_F(MainWindowTest, LookingForASilentControllerTakesNothingFromTheUser) {
+  const Kvsim controller({"--model", "K220-22-R1"});
+  PutTcp(controller.Port(), "TimeOut=20000\r\nTries=1\r\n");
+  Run([&](QMainWindow& window) {
+    Trigger(window, "ID_OnLine");
+    auto& log = Find<QTableView>(window, "tblLog");
+    log.setFocus();
+    controller.Freeze();
+    When(
+        window, [&] { return Text(window, "lblOnline") == "No answer"; },
+        [&] {  // long before the time-out
+          EXPECT_THAT(Text(window, "lblConnection"), StartsWith("No answer, looking for the controller: "));
+          EXPECT_EQ(window.findChild<QWidget*>("busyOverlay"), nullptr);
+          EXPECT_EQ(window.focusWidget(), &log);
+          Trigger(window, "HOST_OffLine");
+        });
+    EXPECT_TRUE(WaitUntil([&] { return Text(window, "lblOnline") == "Off line"; }));
+    EXPECT_EQ(Text(window, "lblTrouble"), "");
   });
 }
 

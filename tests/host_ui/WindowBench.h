@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,8 @@ class Kvsim {
   Kvsim& operator=(const Kvsim&) = delete;
 
   [[nodiscard]] int Port() const { return mPort; }
+  // It hears everything and says nothing any more.
+  void Freeze() const { ::kill(static_cast<pid_t>(mProcess.processId()), SIGSTOP); }
   void Kill() {
     mProcess.kill();
     mProcess.waitForFinished(kPatience);

@@ -103,12 +103,14 @@ TEST_F(GoOnlineTest, AcceptsAndRefusesByModelAndVersion) {
       {Colour("K2040", "1.10", "B19;"), ""},
   };
   for (const auto& [reported, refusal] : rows) {
-    RemoveSessionIni(shared, "LastModel");
+    ASSERT_TRUE(RemoveSessionIni(shared, "LastModel"));
+    host.refusal.clear();
     EXPECT_EQ(CallsFor(reported, !refusal.empty()),
               refusal.empty() ? (CallLog{"AttachChannel", "Model " + reported.model, "GoOnline", "RunPanelSession 0"})
                               : (CallLog{"AttachChannel", refusal}))
         << reported.model << " " << reported.osVersion << " " << reported.osBuild;
     EXPECT_EQ(ReadSessionIni(shared, "LastModel", ""), refusal.empty() ? reported.model : "");
+    EXPECT_EQ(host.refusal.empty() ? "" : "Box (!) Telepanel: " + host.refusal, refusal);
   }
 }
 
@@ -117,7 +119,7 @@ TEST_F(GoOnlineTest, ABootLoaderIsRefusedOrStandsForItsModel) {
   EXPECT_EQ(CallsFor(Plain("FACTORY BOOT", "4.60"), true), CallLog{kBoot});
   std::filesystem::create_directory(home.Path() / "TP_Temp");
   home.Put("TP_Temp/TP_Temp_1", "empty");
-  AddRecentCache(shared, "/nowhere.ktc");  // is not what a controller without an O/S draws from
+  EXPECT_TRUE(AddRecentCache(shared, "/nowhere.ktc"));  // is not what a controller without an O/S draws from
   for (const auto& [reported, used] : {std::pair("CLR BOOT", "K670-67-C30 / K390-29-C30"),
                                        std::pair("K450-45-BOOT", "K450-45"), std::pair("K530-J-BOOT", "K530-J")}) {
     const auto file = Put("DOS_TEMP", "what was there");
@@ -129,7 +131,7 @@ TEST_F(GoOnlineTest, ABootLoaderIsRefusedOrStandsForItsModel) {
 }
 
 TEST_F(GoOnlineTest, AColourPanelDrawsFromACopyOfTheMostRecentCache) {
-  AddRecentCache(shared, Utf8FromPath(home.Put("plant.ktc", "fonts")) + "*Plant");
+  EXPECT_TRUE(AddRecentCache(shared, Utf8FromPath(home.Put("plant.ktc", "fonts")) + "*Plant"));
   EXPECT_THAT(CallsFor(Colour(kT40, "1.10", "B20;")),
               testing::Contains("PanelData HOME/Sessions/Default/APP_TEMP.ktc"));
   EXPECT_EQ(TemporaryFolder::Content(Session("Default") / "APP_TEMP.ktc"), "fonts");

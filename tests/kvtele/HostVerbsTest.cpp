@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "KvTele2/PagesFile.h"
+#include "base/PathText.h"
 #include "tests/kvtele/CommandBench.h"
 
 namespace kv::test {
@@ -9,18 +11,41 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-TEST(Online, TellsWithWhatItIsOnLineAndKeepsTheModel) {
+TEST(Online, TellsWithWhatItIsOnLineAndLeavesTheSessionAlone) {
   CommandBench bench;
-  const Result result = bench.On("K230", {"online"});
+  const std::string settings =
+      "[KvTeleExe]\r\nLastModel=K230\r\nRecentCache0=" + Utf8FromPath(bench.home.Put("plant.ktc", "fonts")) +
+      "*Plant\r\n";
+  const auto ini = bench.home.Put("Sessions/Default/KvTeleExe.ini", settings);
+  const Result result = bench.On("K670-T40", {"online"});
   EXPECT_EQ(result.exit, 0);
-  EXPECT_EQ(result.err, "");
-  EXPECT_THAT(result.out, StartsWith("model          K230\nreported as    K230\nO/S            HW 1.0;"));
+  EXPECT_EQ(result.err, "No project was compared: name a Telepanel file with --project.\n");
+  EXPECT_THAT(result.out,
+              HasSubstr("\nreported as    K670-67-T40 / K390-29-T40\nO/S            1.10\nbuild          19\n"));
+  EXPECT_THAT(result.out, HasSubstr("plant.ktc"));
 
-  // The session's last model decides how the next controller is asked.
+  // The model decides how the controller is asked.
   EXPECT_THAT(bench.On("Q50", {"online", "--json"}).out, HasSubstr("\"panelInformation\": null"));
   EXPECT_THAT(bench.On("Q50", {"--model", "Q50", "online", "--json"}).out, HasSubstr("\"panelInformation\": 3"));
-  EXPECT_THAT(TemporaryFolder::Content(bench.home.Path() / "Sessions" / "Default" / "KvTeleExe.ini"),
-              HasSubstr("LastModel=K230"));
+
+  EXPECT_EQ(TemporaryFolder::Content(ini), settings);
+  const std::filesystem::directory_iterator files(ini.parent_path());
+  EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "nothing was added to the session";
+}
+
+TEST(Online, ComparesTheProjectOfATelepanelFile) {
+  CommandBench bench;
+  const auto file = [&](const std::string& project) {
+    return Utf8FromPath(bench.home.Put("a.kta", PrintPagesFile({project, "K330"})));
+  };
+  const Result other = bench.On("K330", {"online", "--project", file("Mill")});
+  EXPECT_EQ(other.exit, 4);
+  EXPECT_THAT(other.err, HasSubstr("does not match the project currently installed in the controller."));
+  EXPECT_THAT(other.err, HasSubstr("for the project Mill, but the controller holds none"));
+  bench.home.Put("bad.kta", "TELEPANEL-PAGES 1\r\n");
+  const Result bad = bench.On("K330", {"online", "--project", Utf8FromPath(bench.home.Path() / "bad.kta")});
+  EXPECT_EQ(bad.exit, 6);
+  EXPECT_EQ(bad.trace, "") << "nothing is sent";
 }
 
 TEST(Online, EndsWithACodeForEachRefusal) {
@@ -77,6 +102,10 @@ TEST(Sessions, SayWhatTheyCannotDo) {
     EXPECT_EQ(result.exit, row.exit) << row.text;
     EXPECT_THAT(result.err, HasSubstr(row.text));
   }
+  std::filesystem::remove_all(bench.home.Path() / "Sessions");
+  const Result gone = RunSessions(bench, {"list"});
+  EXPECT_EQ(gone.exit, 1);
+  EXPECT_THAT(gone.err, HasSubstr("with the sessions cannot be read"));
 }
 
 }  // namespace

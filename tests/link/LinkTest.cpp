@@ -80,6 +80,9 @@ TEST(OsVersion, IsReadFromTheTextsThatControllersReport) {
       {"a;b;c;O/S 1", {}}, {"a;b;c;O/S 1.", {}}, {"a;b;c;O/S -1.5", {}}, {"a;b;c;O/S 9999999999.1", {}}, {"", {}}};
   for (const auto& [text, version] : colour) EXPECT_EQ(ParseColourOsVersion(text), version) << text;
   EXPECT_EQ((ColourOsVersion{1, 1}).Number(), 1001);
+  const VersionInfo fields{.osVersion = "HW 1.0;BT 1.2;FL 2.0;O/S 1.10;", .osBuild = "B19;"};
+  EXPECT_EQ(OsVersionText(fields) + " build " + OsBuildText(fields), "1.10 build 19");
+  EXPECT_EQ(OsVersionText({.osVersion = "4.60\xB2"}), "4.60\xC2\xB2");
 
   const std::vector<std::pair<std::string, std::optional<int>>> plain = {
       {"4.60", 460}, {"2.9", 29}, {"10.1", 101}, {"3.0.0", 300}, {"B03", {}}, {"", {}}, {"12345678901.2", {}}};

@@ -35,18 +35,33 @@ TEST_F(SessionIniTest, WritesAndKeepsWhatItDoesNotKnow) {
   EXPECT_TRUE(TemporaryFolder::Content(file).starts_with("\x01\x02 noise\r\n[Other\r\n"));
 
   std::filesystem::permissions(file, std::filesystem::perms::owner_read);
-  EXPECT_FALSE(WriteSessionIni(shared, "A", "2"));
+  const auto protectedFile = WriteSessionIni(shared, "A", "2");
+  ASSERT_FALSE(protectedFile);
+  EXPECT_THAT(protectedFile.error(), testing::HasSubstr("KvTeleExe.ini could not be written.\nLikely cause: "));
   EXPECT_EQ(ReadSessionIni(shared, "A", ""), "1");
 }
 
+TEST_F(SessionIniTest, RefusesWhatWouldNotBeReadBackAsItIs) {
+  const std::string longest(254, 'x');
+  EXPECT_TRUE(WriteSessionIni(shared, "KtaPath", longest));
+  for (const std::string& value :
+       {longest + "x", std::string("/\xD0\x9C"), std::string("a\nB=1"), std::string("\"a\""), std::string("a ")}) {
+    const auto kept = WriteSessionIni(shared, "KtaPath", value);
+    ASSERT_FALSE(kept) << value;
+    EXPECT_THAT(kept.error(), testing::HasSubstr("cannot be kept in KvTeleExe.ini: "));
+    EXPECT_FALSE(AddRecentCache(shared, value));
+    EXPECT_EQ(ReadSessionIni(shared, "KtaPath", ""), longest);
+  }
+}
+
 TEST_F(SessionIniTest, TenRecentCachesNewestFirstEachPathOnce) {
-  for (int i = 0; i < 12; ++i) AddRecentCache(shared, "/c/" + std::to_string(i) + ".ktc*note");
+  for (int i = 0; i < 12; ++i) EXPECT_TRUE(AddRecentCache(shared, "/c/" + std::to_string(i) + ".ktc*note"));
   auto entries = ReadRecentCaches(shared);
   ASSERT_EQ(entries.size(), kMostRecentCaches);
   EXPECT_EQ(entries.front(), "/c/11.ktc*note");
   EXPECT_EQ(entries.back(), "/c/2.ktc*note");
 
-  entries = AddRecentCache(shared, "/c/5.ktc*other");
+  entries = AddRecentCache(shared, "/c/5.ktc*other").value();
   EXPECT_EQ(entries, ReadRecentCaches(shared));
   EXPECT_EQ(entries.size(), kMostRecentCaches);
   EXPECT_EQ(entries.front(), "/c/5.ktc*other");
@@ -57,15 +72,18 @@ TEST_F(SessionIniTest, TellsTheDriverTheSessionAndTheKindOfModel) {
   struct Row {
     const char* model;
     bool compact, brio, colour;
+    const char* offered;
   };
-  for (const Row& row :
-       {Row{"K220-22-R1", false, false, false}, Row{"Q50Net", true, false, false}, Row{"AurexQ50", false, false, false},
-        Row{"Brio", false, true, false}, Row{"K450-45", false, false, true}}) {
+  for (const Row& row : {Row{"K220-22-R1", false, false, false, "K220-22-R1"},
+                         Row{"Q50Net", true, false, false, "Q50Net"}, Row{"AurexQ50", false, false, false, "AurexQ50"},
+                         Row{"Brio", false, true, false, "BRIO"}, Row{"K450-45", false, false, true, "K450-45"},
+                         Row{"PX1-R8", false, false, false, "PX1"}, Row{"K9000", false, false, false, ""}}) {
     host.model = row.model;
     ConfigureDriverForSession(shared, nullptr);
     EXPECT_EQ(driver.session.isCompactDriver, row.compact) << row.model;
     EXPECT_EQ(driver.session.isBrio, row.brio) << row.model;
     EXPECT_EQ(driver.session.isColour, row.colour) << row.model;
+    EXPECT_EQ(driver.session.model, row.offered);
   }
   EXPECT_THAT(Taken(), testing::Each("Driver ConfigureForSession HOME/Sessions/Default"));
 }

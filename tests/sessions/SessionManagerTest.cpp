@@ -51,20 +51,42 @@ TEST_F(SessionsTest, TheListIsTheFoldersByName) {
   for (const char* name : {"b", "C", "\xC3\x9C", "a"}) fs::create_directory(Session(name));
   for (int i = 0; i < 50; ++i) home.Put("Sessions/file" + std::to_string(i), "no session");
   EXPECT_THAT(sessions.List(), ElementsAre("a", "b", "C", "Default", "\xC3\x9C"));
+  EXPECT_EQ(sessions.ListFault(), "");
   fs::remove_all(home.Path() / "Sessions");
   EXPECT_THAT(sessions.List(), IsEmpty());
+  EXPECT_THAT(sessions.ListFault(), HasSubstr("Sessions with the sessions cannot be read: "));
 }
 
 TEST_F(SessionsTest, NamesThatAreNoFolderNameAreRefusedAndNothingIsCopied) {
-  const std::pair<std::string, std::string> cases[] = {
-      {"", "needs a name"},         {"..", "stands for a folder"},      {"a/b", "cannot contain"},
-      {"a\\b", "cannot contain"},   {"a:b", "cannot contain"},          {"tab\t", "cannot contain"},
-      {"CON", "kept for a device"}, {"com1.old", "kept for a device"},  {"a.", "cannot end"},
-      {"a ", "cannot end"},         {std::string(300, 'n'), "too long"}};
+  const std::pair<std::string, std::string> cases[] = {{"", "needs a name"},
+                                                       {"..", "stands for a folder"},
+                                                       {"a/b", "cannot contain"},
+                                                       {"a\\b", "cannot contain"},
+                                                       {"a<b", "the character  <"},
+                                                       {"tab\t", "control characters"},
+                                                       {"\x7F", "control characters"},
+                                                       {"CON", "kept for a device"},
+                                                       {"con .txt", "kept for a device"},
+                                                       {"CONIN$", "kept for a device"},
+                                                       {"com1.old", "kept for a device"},
+                                                       {"LPT\xC2\xB2", "kept for a device"},
+                                                       {"a.", "cannot end"},
+                                                       {"a ", "cannot end"},
+                                                       {std::string(300, 'n'), "takes 300 bytes"},
+                                                       {"default", "\"Default\" exists already. On many"},
+                                                       {"KvTele.log", "a file named"}};
+  home.Put("Sessions/KvTele.log", "");
   for (const auto& [name, reason] : cases) ExpectCreateFails(name, reason);
   EXPECT_THAT(sessions.List(), ElementsAre("Default"));
   EXPECT_EQ(shared.CurrentSession, "Default");
   for (const char* name : {"CONSOLE", "COM10", "Plant.2", "100 %", "\xC3\x9C"}) EXPECT_EQ(SessionNameFault(name), "");
+  ASSERT_TRUE(
+      sessions.Create("\xC3\x9C"
+                      "ber"));
+  ExpectCreateFails(
+      "\xC3\xBC"
+      "BER",
+      "exists already");
 }
 
 TEST_F(SessionsTest, AFailedCreateLeavesTheCurrentSessionMarkedAndNoHalfMadeFolder) {

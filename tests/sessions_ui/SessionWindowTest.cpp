@@ -132,6 +132,7 @@ TEST_F(SessionWindowTest, WithoutSessionsThereIsNoMenuAndNothingToSave) {
   std::filesystem::remove_all(bench.home.Path() / "Sessions");
   Open();
   EXPECT_THAT(Rows(), ElementsAre());
+  EXPECT_TRUE(Find<QLabel>(*window, "lblFault").text().contains("What to do: put the folder back"));
   EXPECT_FALSE(Save().isEnabled());
   emit List().customContextMenuRequested(QPoint(5, 5));  // an open menu would not return
 }

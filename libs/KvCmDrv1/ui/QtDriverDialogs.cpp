@@ -20,15 +20,12 @@ void QtDriverDialogs::Serve(Driver& driver) {
 }
 
 std::optional<LinkSettings> QtDriverDialogs::EditLink(const LinkSettings& current, const std::string& caller) {
-  QWidget* owner = QApplication::activeWindow();
   frmComParams dialog(current, caller, mParts.choices,
                       {.pacer = mParts.pacer,
                        .test = [this](const LinkSettings& settings) { return mDriver->TryLink(settings); },
-                       .showTrace = [this](QWidget& window) { ShowTrace(&window); }},
-                      owner);
-  auto result = Run(dialog);
-  if (mTraceWindow && mTraceWindow->isVisible()) ShowTrace(owner);
-  return result;
+                       .showTrace = [this] { ShowTrace(); }},
+                      QApplication::activeWindow());
+  return Run(dialog);
 }
 
 std::optional<LinkSettings> QtDriverDialogs::EditModem(const LinkSettings& current, const std::string& caller) {
@@ -37,21 +34,17 @@ std::optional<LinkSettings> QtDriverDialogs::EditModem(const LinkSettings& curre
 }
 
 std::optional<LinkSettings> QtDriverDialogs::Run(LinkDialog& dialog) const {
+  // The window that the dialog was opened from waits for it; the trace, which belongs to no window, answers meanwhile.
+  if (dialog.parentWidget()) dialog.setWindowModality(Qt::WindowModal);
   RememberPlace(dialog, mParts.windowsFile);
   if (dialog.exec() != QDialog::Accepted) return std::nullopt;
   return dialog.Settings();
 }
 
-// A window answers while a modal dialog is open only when it belongs to the dialog; so the trace goes from one to the
-// other and back.
-void QtDriverDialogs::ShowTrace(QWidget* owner) {
+void QtDriverDialogs::ShowTrace() {
   if (!mTraceWindow) {
-    mTraceWindow = new frmTrace(mTrace, mParts.prompts, mParts.clipboard, owner);
+    mTraceWindow = new frmTrace(mTrace, mParts.prompts, mParts.clipboard);
     RememberPlace(*mTraceWindow, mParts.windowsFile);
-  } else if (mTraceWindow->parentWidget() != owner) {
-    const QByteArray place = mTraceWindow->saveGeometry();
-    mTraceWindow->setParent(owner, Qt::Window);
-    mTraceWindow->restoreGeometry(place);
   }
   mTraceWindow->show();
   mTraceWindow->raise();

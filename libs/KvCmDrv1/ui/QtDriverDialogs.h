@@ -40,8 +40,8 @@ class QtDriverDialogs final : public DriverDialogs {
   [[nodiscard]] std::optional<LinkSettings> EditLink(const LinkSettings& current, const std::string& caller) override;
   [[nodiscard]] std::optional<LinkSettings> EditModem(const LinkSettings& current, const std::string& caller) override;
 
-  // The trace, in a window of its own beside `owner`; brought to the front when it is open.
-  void ShowTrace(QWidget* owner);
+  // The trace, in a window of its own that lives beside all others; brought to the front when it is open.
+  void ShowTrace();
 
  private:
   [[nodiscard]] std::optional<LinkSettings> Run(LinkDialog& dialog) const;

@@ -9,9 +9,11 @@
 #include <array>
 
 #include "KvCmDrv1/LinkText.h"
+#include "base/AnsiText.h"
 #include "desktop/ui/BusyState.h"
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
+#include "link/OsVersion.h"
 
 namespace kv {
 namespace {
@@ -33,7 +35,9 @@ QString ResultText(const std::expected<LinkTrial, LinkError>& result) {
   const auto milliseconds = static_cast<double>(result->roundTrip.count()) / 1000.0;
   const QString time = milliseconds < 0.1 ? "below 0.1" : QString::number(milliseconds, 'f', 1);
   return QString("Connected to %1, O/S %2, build %3.\nRound trip %4 ms.")
-      .arg(result->version.model.c_str(), result->version.osVersion.c_str(), result->version.osBuild.c_str(), time);
+      .arg(QString::fromStdString(AnsiToUtf8(result->version.model)),
+           QString::fromStdString(OsVersionText(result->version)), QString::fromStdString(OsBuildText(result->version)),
+           time);
 }
 
 }  // namespace
@@ -75,7 +79,7 @@ void frmComParams::AddCommands() {
   trace->setObjectName("cmdTrace");
   trace->setAutoDefault(false);
   Describe(*trace, "Shows every frame that passes on the link", "Alt+A");
-  connect(trace, &QPushButton::clicked, this, [this] { mParts.showTrace(*this); });
+  connect(trace, &QPushButton::clicked, this, [this] { mParts.showTrace(); });
   AddButton(mTest);
   AddButton(trace);
   BeginTabsWith(mTransport);

@@ -21,7 +21,7 @@ class frmComParams final : public LinkDialog {
   struct Parts {
     QtPacer& pacer;
     LinkTester test;
-    std::function<void(QWidget& owner)> showTrace;
+    std::function<void()> showTrace;
   };
 
   frmComParams(const LinkSettings& current, const std::string& caller, const LinkChoices& choices, Parts parts,

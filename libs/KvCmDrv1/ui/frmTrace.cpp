@@ -20,8 +20,8 @@ constexpr int kWidths[TraceModel::ColumnCount] = {110, 80, 70, 320, 300};  // in
 
 }  // namespace
 
-frmTrace::frmTrace(std::shared_ptr<Trace> trace, Prompts& prompts, Clipboard& clipboard, QWidget* parent)
-    : QWidget(parent, Qt::Window), mTrace(std::move(trace)), mPrompts(prompts), mClipboard(clipboard), mModel(mTrace) {
+frmTrace::frmTrace(std::shared_ptr<Trace> trace, Prompts& prompts, Clipboard& clipboard)
+    : mTrace(std::move(trace)), mPrompts(prompts), mClipboard(clipboard), mModel(mTrace) {
   setObjectName("frmTrace");
   setWindowTitle("Trace of the link");
   setWindowIcon(IconOf(Picture::Trace));

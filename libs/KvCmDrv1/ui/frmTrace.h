@@ -17,7 +17,7 @@ namespace kv {
 // What passes on the link, as it passes: the last 1000 entries, which can be halted, copied, and written to a file.
 class frmTrace final : public QWidget {
  public:
-  frmTrace(std::shared_ptr<Trace> trace, Prompts& prompts, Clipboard& clipboard, QWidget* parent);
+  frmTrace(std::shared_ptr<Trace> trace, Prompts& prompts, Clipboard& clipboard);
 
  protected:
   void showEvent(QShowEvent* event) override;

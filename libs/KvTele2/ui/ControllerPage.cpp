@@ -54,7 +54,7 @@ void ShowRows(const QWidget& box, const std::array<Row<Facts>, Count>& rows, con
 }
 
 Picture PictureOf(const HostState& state) {
-  if (!state.trouble.empty()) return Picture::Warning;
+  if (!state.trouble.empty() || state.isSilent) return Picture::Warning;
   return state.connection == Connection::Online ? Picture::Online : Picture::Offline;
 }
 
@@ -77,7 +77,7 @@ void ControllerPage::BuildHeading() {
   mConnection->setFont(large);
   mTrouble = new QLabel(this);
   mTrouble->setObjectName("lblTrouble");
-  mTrouble->setAccessibleName("Why the controller could not be reached");
+  mTrouble->setAccessibleName("What is wrong with the connection");
   mTrouble->setTextFormat(Qt::PlainText);
   mTrouble->setWordWrap(true);
   mTrouble->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -136,7 +136,7 @@ void ControllerPage::Show(const HostState& state) {
 
 void ControllerPage::ShowConnection(const HostState& state) {
   mPicture->setPixmap(IconOf(PictureOf(state)).pixmap(kPictureSize));
-  mConnection->setText(QString::fromStdString(ConnectionText(state.connection) + ": " + state.link));
+  mConnection->setText(QString::fromStdString(ConnectionHeading(state)));
   mTrouble->setText(QString::fromStdString(state.trouble).remove('\r'));
   mTrouble->setVisible(!state.trouble.empty());
 }

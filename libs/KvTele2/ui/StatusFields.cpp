@@ -36,7 +36,7 @@ void StatusFields::Show(const HostState& state) {
   mLink->setText(QString::fromStdString(state.link));
   mSession->setText("Session " + QString::fromStdString(state.session));
   mUser->setText(state.user.empty() ? "Nobody logged in" : QString::fromStdString(state.user));
-  mConnection->setText(QString::fromStdString(ConnectionText(state.connection)));
+  mConnection->setText(QString::fromStdString(ConnectionText(state)));
 }
 
 }  // namespace kv

@@ -6,6 +6,7 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <utility>
 
 #include "KvTele2/TelepanelHost.h"
 #include "KvTele2/ui/ControllerPage.h"
@@ -18,8 +19,10 @@ namespace kv {
 namespace {
 
 constexpr std::chrono::seconds kHeartbeat{1};
-// A question to the controller that takes longer is shown, so that it can be cancelled.
-constexpr std::chrono::milliseconds kQuietLimit{300};
+// A quiet question that takes longer keeps nobody waiting: input is delivered while it goes on.
+constexpr std::chrono::milliseconds kInputDelay{300};
+// Longer than any answer takes but on the slowest lines.
+constexpr std::chrono::seconds kSilence{1};
 
 }  // namespace
 
@@ -58,9 +61,12 @@ void frmMain::BuildMiddle() {
 void frmMain::BuildTimers() {
   mHeartbeat.setInterval(kHeartbeat);
   connect(&mHeartbeat, &QTimer::timeout, this, [this] { Tick(); });
-  mQuietWait.setSingleShot(true);
-  mQuietWait.setInterval(kQuietLimit);
-  connect(&mQuietWait, &QTimer::timeout, this, [this] { ShowBusy(); });
+  mInputDelay.setSingleShot(true);
+  mInputDelay.setInterval(kInputDelay);
+  connect(&mInputDelay, &QTimer::timeout, this, [this] { LetInputThrough(); });
+  mSilence.setSingleShot(true);
+  mSilence.setInterval(kSilence);
+  connect(&mSilence, &QTimer::timeout, this, [this] { mHost->NoteSilence(); });
 }
 
 void frmMain::Command(std::string_view id, const std::string& argument) {
@@ -102,21 +108,23 @@ void frmMain::Quit() {
 }
 
 void frmMain::BeginWait(Wait wait, const std::string& what) {
-  mWaitText = QString::fromStdString(what);
   if (wait == Wait::Asked) {
-    ShowBusy();
+    mBusy.emplace(mPacer, *this, QString::fromStdString(what));
   } else {
-    mQuietWait.start();
+    mInputDelay.start();
+    mSilence.start();
   }
 }
 
 void frmMain::EndWait() {
-  mQuietWait.stop();
+  mInputDelay.stop();
+  mSilence.stop();
   mBusy.reset();
+  if (mGateBefore) mPacer.ExchangeGate(*std::exchange(mGateBefore, std::nullopt));
 }
 
-void frmMain::ShowBusy() {
-  mBusy.emplace(mPacer, *this, mWaitText);
+void frmMain::LetInputThrough() {
+  mGateBefore = mPacer.ExchangeGate({.isOpen = true});
 }
 
 void frmMain::Tick() {

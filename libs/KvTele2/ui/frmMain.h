@@ -45,7 +45,7 @@ class frmMain final : public QMainWindow, public HostView {
   void BuildMiddle();
   void BuildTimers();
   void Command(std::string_view id, const std::string& argument);
-  void ShowBusy();
+  void LetInputThrough();
   void ShowPointer(bool busy);
   void Tick();
 
@@ -57,9 +57,10 @@ class frmMain final : public QMainWindow, public HostView {
   LogView* mLog = nullptr;
   StatusFields* mStatus = nullptr;
   QTimer mHeartbeat;  // of the host, while a controller is held
-  QTimer mQuietWait;
-  QString mWaitText;
+  QTimer mInputDelay;
+  QTimer mSilence;
   std::optional<BusyState> mBusy;
+  std::optional<InputGate> mGateBefore;  // while input is let through
   bool mIsPointerBusy = false;
   QEventLoop mLoop;
 };

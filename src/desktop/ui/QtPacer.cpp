@@ -70,7 +70,7 @@ class QtPacer::Guard final : public QObject {
   // Pumps the event loop once in `pumping`; handlers that run meanwhile may pump again.
   void Pump(State pumping, QEventLoop::ProcessEventsFlags flags) {
     const ScopeGuard restore([this, before = std::exchange(state, pumping)] { state = before; });
-    if (pumping == State::Waiting && !gate.widget) flags |= QEventLoop::ExcludeUserInputEvents;
+    if (pumping == State::Waiting && !gate.widget && !gate.isOpen) flags |= QEventLoop::ExcludeUserInputEvents;
     QCoreApplication::processEvents(flags);
   }
 

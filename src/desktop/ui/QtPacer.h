@@ -10,10 +10,12 @@
 namespace kv {
 
 // Where input goes while an operation waits: to `widget` and what is inside it; Escape, and closing a window, call
-// `cancel`; all other input is thrown away, since the user sees that the program is busy.
+// `cancel`; all other input is thrown away, since the user sees that the program is busy. An open gate has no widget:
+// all input is delivered, so what it leads to must bear that the operation is still under way.
 struct InputGate {
   QPointer<QWidget> widget{};
   std::function<void()> cancel{};
+  bool isOpen = false;
 };
 
 // The pacer of programs with windows: waits inside the event loop, so windows are painted and timers run. Needs the
@@ -36,7 +38,7 @@ class QtPacer final : public Pacer {
   void RequestStop() override { mStop = true; }
   void ClearStop() override { mStop = false; }
 
-  // Sets the gate and returns the one before, which is to be given back; one without a widget is none.
+  // Sets the gate and returns the one before, which is to be given back; one without a widget that is not open is none.
   InputGate ExchangeGate(InputGate gate);
 
  private:

@@ -20,6 +20,10 @@ class RemoteHost {
   // Event: a toolbar or menu command that belongs to a tool, with the tool's id ("ID_Session") and a free text.
   std::function<void(const std::string& toolId, const std::string& argument)> OnToolClicked;
 
+  // Event: the host has let go of the controller, and the link is to be closed, so that others can use it and the next
+  // attempt to go on line begins anew.
+  std::function<void()> OnLinkReleased;
+
   // Whether the host takes user input. Tools set it to false while their modal window is open.
   [[nodiscard]] virtual bool Enabled() const = 0;
   virtual void SetEnabled(bool enabled) = 0;
@@ -65,6 +69,8 @@ class RemoteHost {
   virtual void SetControllerInfoByte(int value) = 0;
   // Whether the open pages file belongs to the controller's project; true when no file is open.
   [[nodiscard]] virtual bool ProjectMatches() = 0;
+  // The controller that has just been identified is refused, and why. The user is told by whoever refuses it.
+  virtual void ConnectionRefused(const std::string& text) = 0;
   // The file from which a colour panel draws its data.
   virtual void SetPanelData(const std::string& path) = 0;
   virtual void GoOnline() = 0;

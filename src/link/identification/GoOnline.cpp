@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <filesystem>
 #include <system_error>
 
+#include "base/AnsiText.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
+#include "base/Texts.h"
 #include "link/HexHelpers.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
@@ -45,11 +46,6 @@ constexpr std::size_t kInfoByteIndex = 26;
 constexpr std::string_view kSystemRead = "DRS000020";
 constexpr std::string_view kCommandOwner = "Korvantis";
 constexpr int kRecordOfConnection = 1;
-
-std::string UpperCased(std::string text) {
-  std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return text;
-}
 
 bool IsBrioText(const std::string& model) {
   return UpperCased(model.substr(0, 2)) == "BR";
@@ -93,8 +89,10 @@ class OnlineSequence {
   bool Identify() {
     mUnit = mChannel->UnitID();
     const auto version = mChannel->GetVersionInfo(mUnit);
-    if (version) mVersion = *version;
-    return version.has_value();
+    if (!version) return false;
+    mVersion = *version;
+    mVersion.model = AnsiToUtf8(version->model);
+    return true;
   }
 
   void TellUnit() {
@@ -136,7 +134,7 @@ class OnlineSequence {
     if (mVersion.model.starts_with("Q5")) return true;
     if (RefuseOldVersion()) return false;
     mHost.SetModel(mVersion.model);
-    SetLastModel(mShared, mVersion.model);
+    if (const auto kept = SetLastModel(mShared, mVersion.model); !kept) mHost.StatusMessage(kept.error());
     return true;
   }
 
@@ -202,6 +200,7 @@ class OnlineSequence {
   }
 
   void Refuse(const std::string& text) {
+    mHost.ConnectionRefused(text);
     mPrompts.Show({.text = text, .title = "Telepanel", .icon = PromptIcon::Exclamation});
   }
 

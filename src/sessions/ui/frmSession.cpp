@@ -49,6 +49,12 @@ void frmSession::BuildList() {
   mActive = new QLabel(this);
   mActive->setObjectName("lblActive");
   mActive->setTextFormat(Qt::PlainText);
+  mFault = new QLabel(this);
+  mFault->setObjectName("lblFault");
+  mFault->setAccessibleName("Why there are no sessions");
+  mFault->setTextFormat(Qt::PlainText);
+  mFault->setWordWrap(true);
+  mFault->setTextInteractionFlags(Qt::TextSelectableByMouse);
   mList = new QTableWidget(0, 1, this);
   mList->setObjectName("flgSession");
   mList->setAccessibleName("Sessions");
@@ -110,6 +116,7 @@ void frmSession::ArrangeControls() {
   save->addWidget(mSave);
   auto* page = new QVBoxLayout(this);
   page->addWidget(mActive);
+  page->addWidget(mFault);
   page->addWidget(mList);
   page->addWidget(mSaveFrame);
   page->addWidget(mClose);
@@ -125,6 +132,8 @@ void frmSession::Fill() {
     mList->setItem(row, 0, new QTableWidgetItem(QString::fromStdString(name)));
     if (name == mShared.CurrentSession) mList->setCurrentCell(row, 0);
   }
+  mFault->setText(QString::fromStdString(mSessions.ListFault()));
+  mFault->setVisible(!mFault->text().isEmpty());
   RefreshCaptions();
 }
 

@@ -38,6 +38,7 @@ class frmSession : public QDialog {
   SessionManager mSessions;
   QTableWidget* mList = nullptr;
   QLabel* mActive = nullptr;
+  QLabel* mFault = nullptr;
   QGroupBox* mSaveFrame = nullptr;
   QLineEdit* mFolder = nullptr;
   QPushButton* mSave = nullptr;
