@@ -99,6 +99,7 @@ class DataTypesView {
   void ImportFromCsv() { mTransfers.ImportFromCsv(); }
   void Copy() { mTransfers.Copy(mSelection); }
   void Cut() { mTransfers.Cut(mSelection); }
+  void Clear() { mTransfers.Clear(mSelection, "clearing"); }
   void Paste() { mTransfers.Paste(mSelection); }
   void Undo() { mEdits.Undo(); }
   void Redo() { mEdits.Redo(); }

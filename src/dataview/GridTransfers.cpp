@@ -105,6 +105,10 @@ void GridTransfers::Copy(const GridSelection& selection) {
 
 void GridTransfers::Cut(const GridSelection& selection) {
   Copy(selection);
+  Clear(selection, "cutting");
+}
+
+void GridTransfers::Clear(const GridSelection& selection, const std::string& title) {
   const GridSelection cells = selection.Normalised();
   std::vector<CellAssignment> emptied;
   for (std::int32_t row = std::max(cells.top, 1); row <= std::min(cells.bottom, kOperandTypeCount); ++row) {
@@ -115,7 +119,7 @@ void GridTransfers::Cut(const GridSelection& selection) {
       emptied.push_back({.type = type, .address = column - 1, .text = {}});
     }
   }
-  mEdits.Assign(emptied, "cutting");
+  mEdits.Assign(emptied, title);
 }
 
 void GridTransfers::Paste(const GridSelection& selection) {

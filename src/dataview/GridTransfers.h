@@ -30,8 +30,10 @@ class GridTransfers {
   void ImportFromCsv();
 
   void Copy(const GridSelection& selection);
-  // Copies, and empties those cells that may be changed and are not hidden.
+  // Copies and clears.
   void Cut(const GridSelection& selection);
+  // Empties those cells that may be changed and are not hidden.
+  void Clear(const GridSelection& selection, const std::string& title);
   void Paste(const GridSelection& selection);
 
  private:

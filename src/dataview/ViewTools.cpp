@@ -49,6 +49,7 @@ const DataTypesView::Tool* DataTypesView::FindTool(std::string_view toolId) {
       {"ID_ImportFromCSV",  On,      kNothing,                &V::ImportFromCsv},
       {"ID_Copy",           Off,     kOperandsSelected,       &V::Copy},
       {"ID_Cut",            Off,     kOperandsSelected,       &V::Cut},
+      {"ID_Clear",          Off,     kOperandsSelected,       &V::Clear},
       {"ID_Paste",          Off,     kOperandsSelected,       &V::Paste},
       {"ID_Undo",           Off,     kUndo,                   &V::Undo},
       {"ID_Redo",           Off,     kRedo,                   &V::Redo},
