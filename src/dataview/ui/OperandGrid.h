@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QTableView>
+#include <functional>
+
+#include "dataview/DataTypesView.h"
+#include "dataview/PlaceText.h"
+#include "dataview/ui/OperandDelegate.h"
+#include "dataview/ui/OperandModel.h"
+
+namespace kv::mdlDataTypesView {
+
+// The operand grid: a row a type, a column an address, one rectangle selected. Enter goes on to the next address.
+class OperandGrid final : public QTableView {
+ public:
+  // `view` outlives the grid.
+  OperandGrid(DataTypesView& view, QWidget* parent);
+
+  // The user has tried to edit a cell that cannot be changed just now; with the reason.
+  std::function<void(const QString& why)> onRefusedEdit;
+  // The user wants the selected cells emptied.
+  std::function<void()> onClear;
+
+  void Follow(const GridChanges& changes);
+  // Takes over hidden rows, column width and cursor as they are kept.
+  void ShowSettings();
+  // The same without moving the cursor.
+  void ShowHiddenRows();
+
+  void GoTo(const OperandPlace& place);
+  [[nodiscard]] OperandTypeCode CurrentType() const;
+
+  // Empty when nothing is selected.
+  [[nodiscard]] GridSelection SelectedRectangle() const;
+  // The types of the selected rows that are not hidden, as rows of the grid's own counting (from 1).
+  [[nodiscard]] std::vector<std::int32_t> SelectedRows() const;
+
+  void ChangeColumnWidth(int characters);
+  [[nodiscard]] int ColumnWidth() const;
+
+  // Repaints what is seen: marks of changes fade.
+  void Fade() { viewport()->update(); }
+
+ protected:
+  bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+  void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void BuildHeaders();
+  void FollowLooks();
+  void GoRight();
+
+  DataTypesView& mView;
+  OperandModel mModel;
+  OperandDelegate mDelegate;
+};
+
+}  // namespace kv::mdlDataTypesView

@@ -1,0 +1,81 @@
+#include "dataview/ui/RegionDelegates.h"
+
+#include <QComboBox>
+#include <QPainter>
+#include <algorithm>
+
+#include "dataview/OperandCatalogue.h"
+#include "dataview/ui/GridColours.h"
+#include "dataview/ui/RegionModel.h"
+#include "desktop/ui/Commands.h"
+
+namespace kv::mdlDataTypesView {
+namespace {
+
+constexpr int kMargin = 4;
+
+template <typename Codes, typename Name>
+void Fill(QComboBox& list, const Codes& codes, Name name) {
+  for (const auto code : codes) {
+    const std::string_view text = name(code);
+    list.addItem(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())), static_cast<int>(code));
+  }
+}
+
+}  // namespace
+
+QWidget* ChoiceDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& index) const {
+  auto* list = new QComboBox(parent);
+  const RegionRow& row = mModel.RowAt(index.row());
+  const bool isSize = index.column() == static_cast<int>(RegionColumn::Size);
+  list->setObjectName(isSize ? "cboSize" : "cboFormat");
+  list->setAccessibleName(isSize ? "Size" : "Format");
+  if (isSize) {
+    Fill(*list, SizesOffered(row.region.type), SizeName);
+  } else {
+    Fill(*list, FormatsOffered(row.size), FormatName);
+  }
+  const auto choose = [self = const_cast<ChoiceDelegate*>(this), list] {
+    emit self->commitData(list);
+    emit self->closeEditor(list);
+  };
+  connect(list, &QComboBox::activated, list, choose);
+  QMetaObject::invokeMethod(list, &QComboBox::showPopup, Qt::QueuedConnection);
+  return list;
+}
+
+void ChoiceDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
+  auto* list = static_cast<QComboBox*>(editor);
+  list->setCurrentIndex(list->findData(index.data(RegionModel::kCodeRole)));
+}
+
+void ChoiceDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const {
+  const QVariant chosen = static_cast<QComboBox*>(editor)->currentData();
+  if (chosen.isValid() && chosen != index.data(RegionModel::kCodeRole)) model->setData(index, chosen, Qt::EditRole);
+}
+
+void RegionValuesDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const {
+  const GridColours colours = ColoursFor(option.palette);
+  const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+  if (isSelected) painter->fillRect(option.rect, colours.selection);
+  const QColor text = isSelected ? option.palette.color(QPalette::HighlightedText) : colours.text;
+  QRect place = option.rect.adjusted(kMargin, 0, -kMargin, 0);
+
+  const QString age = mModel.AgeOf(index.row());
+  if (!age.isEmpty()) {
+    painter->setFont(option.font);
+    painter->setPen(isSelected ? text : colours.faint);
+    const QString told = age + " ago";
+    painter->drawText(place, Qt::AlignRight | Qt::AlignVCenter, told);
+    place.setRight(place.right() - QFontMetrics(option.font).horizontalAdvance(told) - 2 * kMargin);
+  }
+  const QFont font = FixedFont(option.font);
+  painter->setFont(font);
+  painter->setPen(text);
+  const QString values = QString::fromStdString(mModel.RowAt(index.row()).values);
+  painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
+                    QFontMetrics(font).elidedText(values, Qt::ElideRight, std::max(0, place.width())));
+}
+
+}  // namespace kv::mdlDataTypesView

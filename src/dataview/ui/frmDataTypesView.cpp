@@ -1,0 +1,281 @@
+#include "dataview/ui/frmDataTypesView.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QSplitter>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "base/ScopeGuard.h"
+#include "dataview/PlaceText.h"
+#include "dataview/ui/OperandGrid.h"
+#include "dataview/ui/RegionGrid.h"
+#include "dataview/ui/ToolBands.h"
+#include "dataview/ui/ViewStatusBar.h"
+#include "desktop/ui/Icons.h"
+
+namespace kv {
+
+using namespace mdlDataTypesView;
+
+namespace {
+
+constexpr QSize kFirstSize(1180, 760);
+constexpr std::chrono::milliseconds kFadeInterval{100};
+constexpr std::chrono::seconds kAgeInterval{1};
+// A single answer that takes longer is shown as a wait, so that it can be cancelled.
+constexpr std::chrono::milliseconds kStallLimit{1000};
+constexpr int kColumnStep = 2;  // characters
+constexpr const char* kHelpTopic = "Data Types";
+
+QWidget* Pane(QWidget& band, QWidget& grid, QSplitter* parent) {
+  auto* pane = new QWidget(parent);
+  auto* lines = new QVBoxLayout(pane);
+  lines->setContentsMargins({});
+  lines->addWidget(&band);
+  lines->addWidget(&grid, 1);
+  return pane;
+}
+
+}  // namespace
+
+frmDataTypesView::frmDataTypesView(const DataTypesViewParts& parts, QtPacer& pacer, QWidget* parent)
+    : QDialog(parent), mParts(parts), mPacer(pacer), mView(parts, *this) {
+  setObjectName("frmDataTypesView");
+  setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
+                 Qt::WindowCloseButtonHint);
+  setWindowIcon(IconOf(Picture::DataTypes));
+  mView.Open();
+  setWindowTitle(QString::fromStdString(mView.Caption()));
+  BuildGrids();
+  BuildTools();
+  BuildTimers();
+  Arrange();
+  mOperands->ShowSettings();
+  mRegions->ShowSettings();
+  StatusChanged();
+  mOperands->setFocus();
+}
+
+frmDataTypesView::~frmDataTypesView() = default;
+
+void frmDataTypesView::BuildGrids() {
+  mOperands = new OperandGrid(mView, this);
+  mRegions = new RegionGrid(mView, this);
+  mOperands->onRefusedEdit = [this](const QString& why) { mStatus->Say(why); };
+  mOperands->onClear = [this] { OnTool(command::kClear); };
+  mRegions->onRemove = [this] { OnTool(command::kRemoveRegion); };
+  connect(mOperands->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+    mView.Select(mOperands->SelectedRectangle());
+    mToolsTimer.start();
+  });
+  connect(mRegions->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+    mView.SelectRegions(mRegions->SelectedRegions());
+    mToolsTimer.start();
+  });
+  connect(mOperands, &QWidget::customContextMenuRequested, this,
+          [this](const QPoint& at) { mTools->Popup().popup(mOperands->viewport()->mapToGlobal(at)); });
+}
+
+void frmDataTypesView::BuildTools() {
+  mTools = new ToolBands(*this, [this](std::string_view id) { OnTool(id); });
+  connect(&mTools->GoToLine(), &QLineEdit::returnPressed, this, [this] { GoToPlace(); });
+  mStatus = new ViewStatusBar(this);
+}
+
+void frmDataTypesView::BuildTimers() {
+  mToolsTimer.setSingleShot(true);
+  connect(&mToolsTimer, &QTimer::timeout, this, [this] { ShowTools(); });
+  mFadeTimer.setInterval(kFadeInterval);
+  connect(&mFadeTimer, &QTimer::timeout, this, [this] { mOperands->Fade(); });
+  mAgeTimer.setInterval(kAgeInterval);
+  connect(&mAgeTimer, &QTimer::timeout, this, [this] {
+    ShowStatus();
+    mRegions->ShowAges();
+  });
+  mStallTimer.setSingleShot(true);
+  mStallTimer.setInterval(kStallLimit);
+  connect(&mStallTimer, &QTimer::timeout, this, [this] { ShowStall(); });
+}
+
+void frmDataTypesView::Arrange() {
+  auto* panes = new QSplitter(Qt::Vertical, this);
+  panes->setObjectName("splDataTypes");
+  panes->setChildrenCollapsible(false);
+  panes->addWidget(Pane(mTools->OperandBand(), *mOperands, panes));
+  panes->addWidget(Pane(mTools->RegionBand(), *mRegions, panes));
+  panes->setStretchFactor(0, 3);
+  panes->setStretchFactor(1, 2);
+  auto* page = new QVBoxLayout(this);
+  page->addWidget(&mTools->MenuBand());
+  page->addWidget(panes, 1);
+  page->addWidget(mStatus);
+  page->setContentsMargins(6, 2, 6, 0);
+  resize(kFirstSize);
+}
+
+void frmDataTypesView::GridsChanged(const GridChanges& changes) {
+  if (!mRegions) return;  // the view opens
+  mOperands->Follow(changes);
+  mRegions->Follow(changes);
+}
+
+void frmDataTypesView::StatusChanged() {
+  if (!mStatus) return;
+  ShowBusy();
+  WatchOnline();
+  ShowStatus();
+  ShowTools();
+}
+
+void frmDataTypesView::ShowStatus() {
+  mStatus->Show(mView.Status(), OldestAge());
+}
+
+void frmDataTypesView::ShowTools() {
+  mTools->Show([this](std::string_view id) { return WhyNot(id); }, mView.Status().mode == ViewMode::Online,
+               QString::fromStdString(mView.UndoText()), QString::fromStdString(mView.RedoText()));
+}
+
+void frmDataTypesView::ShowBusy() {
+  const ViewStatus& status = mView.Status();
+  if (status.mode != ViewMode::Busy) {
+    mBusy.reset();
+    return;
+  }
+  const QString amount = status.total == 0 ? "" : QString("\n%1 of %2 regions").arg(status.done).arg(status.total);
+  if (mBusy) {
+    mBusy->SetText(mRunning + amount);
+  } else {
+    mBusy.emplace(mPacer, *this, mRunning + amount);
+  }
+}
+
+void frmDataTypesView::WatchOnline() {
+  if (mIsWatched) {
+    mStallTimer.start();
+  } else {
+    mStallTimer.stop();
+  }
+  if (mView.Status().mode == ViewMode::Online) {
+    mAgeTimer.stop();
+    if (!mFadeTimer.isActive()) mFadeTimer.start();
+  } else {
+    if (!mAgeTimer.isActive()) mAgeTimer.start();
+    if (mFadeTimer.isActive()) mOperands->Fade();
+    mFadeTimer.stop();
+  }
+}
+
+void frmDataTypesView::ShowStall() {
+  // An open menu or question holds the mode up, not the controller.
+  const QWidget* modal = QApplication::activeModalWidget();
+  if (QApplication::activePopupWidget() || (modal && modal != this)) {
+    mStallTimer.start();
+  } else {
+    mBusy.emplace(mPacer, *this, "Waiting for an answer of the controller");
+  }
+}
+
+QString frmDataTypesView::OldestAge() const {
+  if (mView.Status().mode == ViewMode::Online) return {};
+  const auto rows = mView.Regions().Rows();
+  std::optional<std::size_t> oldest;
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    if (rows[row].readAt && (!oldest || *rows[row].readAt < *rows[*oldest].readAt)) oldest = row;
+  }
+  return oldest ? QString::fromStdString(mView.AgeText(*oldest)) : QString();
+}
+
+QString frmDataTypesView::WhyNot(std::string_view id) const {
+  if (id == command::kHideRows && mOperands->SelectedRows().empty()) return "No row is selected.";
+  if (id == command::kShowRows && mView.Settings().hidden == HiddenRows()) return "No row is hidden.";
+  return QString::fromStdString(mView.WhyNot(id));
+}
+
+void frmDataTypesView::OnTool(std::string_view id) {
+  if (!WhyNot(id).isEmpty() || OnWindowTool(id)) return;
+  const ScopeGuard ended([this, wasWatched = std::exchange(mIsWatched, mIsWatched || id == command::kOnLine)] {
+    mIsWatched = wasWatched;
+    StatusChanged();
+  });
+  mRunning = mTools->Action(id).text().remove('&').remove("...");
+  WatchOnline();
+  mView.Run(id);
+}
+
+bool frmDataTypesView::OnWindowTool(std::string_view id) {
+  if (id == command::kClose) {
+    close();
+  } else if (id == command::kGoTo) {
+    mTools->GoToLine().setFocus();
+    mTools->GoToLine().selectAll();
+  } else if (id == command::kHideRows) {
+    HideRows();
+  } else if (id == command::kShowRows) {
+    ShowRows();
+  } else if (id == command::kWider || id == command::kNarrower) {
+    mOperands->ChangeColumnWidth(id == command::kWider ? kColumnStep : -kColumnStep);
+  } else if (id == command::kHelp) {
+    ShowHelp();
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void frmDataTypesView::HideRows() {
+  for (const std::int32_t row : mOperands->SelectedRows()) mView.SetHidden(row, true);
+  ShowTools();
+}
+
+void frmDataTypesView::ShowRows() {
+  for (std::int32_t row = 1; row <= kOperandTypeCount; ++row) {
+    if (mView.Settings().hidden.IsHidden(row)) mView.SetHidden(row, false);
+  }
+  ShowTools();
+}
+
+void frmDataTypesView::GoToPlace() {
+  const auto place = ParsePlace(mTools->GoToLine().text().toStdString(), mOperands->CurrentType(), mView.Operands());
+  if (!place) {
+    mStatus->Say(QString::fromStdString(place.error()));
+    return mTools->GoToLine().selectAll();
+  }
+  mOperands->GoTo(*place);
+  mOperands->setFocus();
+}
+
+void frmDataTypesView::ShowHelp() {
+  const RemoteHost* host = mParts.shared.Remote;
+  if (host && host->OnToolClicked) host->OnToolClicked(std::string(command::kHelp), kHelpTopic);
+}
+
+void frmDataTypesView::done(int result) {
+  if (mView.Status().mode == ViewMode::Busy) return mPacer.RequestStop();
+  setFocus();  // what is being typed is taken or given back
+  mView.SetLayout(mRegions->ColumnWidths(), mOperands->ColumnWidth());
+  if (mView.Close() || LeaveWithoutSaving()) QDialog::done(result);
+}
+
+bool frmDataTypesView::LeaveWithoutSaving() {
+  return mParts.prompts.Show({.text = "The regions and values could not be kept in the session and are lost when the "
+                                      "view closes.\r\nDo you want to close it?",
+                              .title = mView.Caption(),
+                              .icon = PromptIcon::Question,
+                              .buttons = PromptButtons::YesNo}) == PromptAnswer::Yes;
+}
+
+// Escape gives back what is typed and cancels a wait; the view has too much in it to be closed by it.
+void frmDataTypesView::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape) {
+    event->accept();
+  } else {
+    QDialog::keyPressEvent(event);
+  }
+}
+
+}  // namespace kv

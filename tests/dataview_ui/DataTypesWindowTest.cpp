@@ -1,0 +1,327 @@
+#include <gmock/gmock.h>
+
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMenu>
+#include <QSignalSpy>
+#include <QToolButton>
+#include <set>
+
+#include "dataview/ui/ViewMenus.h"
+#include "tests/dataview_ui/ViewBench.h"
+
+namespace kv::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using enum OperandTypeCode;
+
+using DataTypesWindowTest = ViewBench;
+
+TEST_F(DataTypesWindowTest, ASelectionBecomesRegions) {
+  Open();
+  EXPECT_FALSE(Tool("ID_ReadRegions").isEnabled());
+  AddRegion(MB, 0, 249);
+  EXPECT_THAT(RegionTexts(), ElementsAre("MB 0..119", "MB 120..239", "MB 240..249"));
+  session.prompts.Press(PromptAnswer::Ok);
+  AddRegion(MB, 200, 300);
+  EXPECT_EQ(session.prompts.Boxes().back().text, kRegionOverlapMessage);
+  Operands().verticalHeader()->sectionClicked(RowOfType(DW) - 1);
+  Operands().selectRow(RowOfType(DW) - 1);
+  QCoreApplication::processEvents();
+  Trigger("ID_AddRegion");
+  EXPECT_EQ(RegionTexts().back(), "DW 240..255");
+  EXPECT_EQ(RegionTexts().size(), 12U);
+  Regions().selectRow(1);
+  QTest::keyClick(&Regions(), Qt::Key_Delete);
+  EXPECT_EQ(RegionTexts()[1], "MB 240..249");
+  Trigger("ID_Undo");
+  EXPECT_EQ(RegionTexts()[1], "MB 120..239");
+  session.prompts.Press(PromptAnswer::No);
+  Trigger("ID_NewRegions");
+  EXPECT_EQ(RegionTexts().size(), 12U);
+  session.prompts.Press(PromptAnswer::Yes);
+  Trigger("ID_NewRegions");
+  EXPECT_THAT(RegionTexts(), IsEmpty());
+}
+
+TEST_F(DataTypesWindowTest, HiddenRowsStayOutOfASelectionAndCanBeBroughtBack) {
+  Open();
+  Select(MI, 0, MI, 0);
+  Trigger("VIEW_HideRows");
+  EXPECT_TRUE(Operands().isRowHidden(RowOfType(MI) - 1));
+  Select(MB, 5, MF, 9);
+  Trigger("ID_AddRegion");
+  EXPECT_THAT(RegionTexts(), ElementsAre("MB 5..9", "MF 5..9"));
+  Trigger("VIEW_ShowRows");
+  EXPECT_FALSE(Operands().isRowHidden(RowOfType(MI) - 1));
+  EXPECT_FALSE(Tool("VIEW_ShowRows").isEnabled());
+}
+
+TEST_F(DataTypesWindowTest, SizesAndFormatsAreThoseOfTheTypeAndTheSize) {
+  Open();
+  AddRegion(MI, 0, 1);
+  AddRegion(MB, 0, 1);
+  const struct {
+    int row;
+    RegionColumn column;
+    const char* list;
+    std::vector<std::string> offered;
+    int chosen;
+  } cases[] = {
+      {0, RegionColumn::Size, "cboSize", {"8 BIT", "16 BIT", "32 BIT"}, 0},
+      {0, RegionColumn::Format, "cboFormat", {"ASCII", "BINARY", "HEX", "DECIMAL"}, 2},
+      {1, RegionColumn::Size, "cboSize", {"1 BIT"}, 0},
+      {1, RegionColumn::Format, "cboFormat", {"BINARY"}, 0},
+  };
+  for (const auto& each : cases) {
+    Regions().edit(RegionIndex(each.row, each.column));
+    auto& list = Find<QComboBox>(Regions(), each.list);
+    std::vector<std::string> offered;
+    for (int i = 0; i < list.count(); ++i) offered.push_back(list.itemText(i).toStdString());
+    EXPECT_EQ(offered, each.offered);
+    list.setCurrentIndex(each.chosen);
+    emit list.activated(each.chosen);
+    EXPECT_EQ(RegionCell(each.row, each.column), each.offered[static_cast<std::size_t>(each.chosen)]);
+    ASSERT_TRUE(WaitUntil([&] { return !Regions().findChild<QComboBox*>(); }));
+  }
+  Trigger("ID_ReadRegions");
+  EXPECT_EQ(RegionCell(0, RegionColumn::Values), "00 00 00 00");
+  EXPECT_EQ(RegionCell(1, RegionColumn::Values), "0 0");
+}
+
+TEST_F(DataTypesWindowTest, AnEditIsCheckedAsItIsTyped) {
+  Open();
+  QLineEdit& editor = Type(Cell(MI, 5), "40000");
+  EXPECT_THAT(editor.toolTip().toStdString(), HasSubstr("-32768 to 32767"));
+  QTest::keyClick(&editor, Qt::Key_Return);
+  EXPECT_EQ(Operands().findChild<QLineEdit*>("cellEditor"), &editor);  // not taken, and nothing is lost
+  EXPECT_EQ(editor.text(), "40000");
+  QTest::keyClick(&editor, Qt::Key_Escape);
+  ASSERT_TRUE(IsEditorGone());
+  EXPECT_EQ(Value(MI, 5), "");
+  EXPECT_TRUE(window->isVisible());
+
+  QLineEdit& refused = Type(Cell(MI, 5), "1.5");
+  Regions().setFocus();  // leaving the cell gives the old text back
+  EXPECT_FALSE(refused.hasFocus());
+  ASSERT_TRUE(IsEditorGone());
+  EXPECT_EQ(Value(MI, 5), "");
+
+  QTest::keyClick(&Type(Cell(MI, 5), "-7"), Qt::Key_Return);
+  ASSERT_TRUE(IsEditorGone());
+  EXPECT_EQ(Value(MI, 5), "-7");
+  EXPECT_EQ(Operands().currentIndex(), Cell(MI, 6));  // on to the next address
+  EXPECT_EQ(Label("lblEdited"), "1 edited");
+  EXPECT_THAT(Cell(MI, 5).data(Qt::AccessibleTextRole).toString().toStdString(), HasSubstr("edited"));
+  EXPECT_EQ(Tool("ID_Undo").text(), "&Undo typing MI 5");
+  Trigger("ID_Undo");
+  EXPECT_EQ(Value(MI, 5), "");
+  Trigger("ID_Redo");
+  EXPECT_EQ(Value(MI, 5), "-7");
+
+  Operands().setCurrentIndex(Cell(SI, 5));
+  QTest::keyClicks(&Operands(), "1");
+  EXPECT_EQ(Operands().findChild<QLineEdit*>("cellEditor"), nullptr);
+  EXPECT_THAT(Label("lblMessage"), HasSubstr("SI 5 cannot be changed"));
+}
+
+TEST_F(DataTypesWindowTest, WritesWhatWasTypedAndReadsItBack) {
+  Open();
+  AddRegion(MI, 10, 12);
+  Trigger("ID_ReadRegions");
+  EXPECT_EQ(Value(MI, 10), "0");
+  QTest::keyClick(&Type(Cell(MI, 11), "77"), Qt::Key_Return);
+  ASSERT_TRUE(IsEditorGone());
+  Trigger("ID_WriteRegions");
+  EXPECT_EQ(Label("lblEdited"), "");
+  Trigger("ID_ReadRegions");
+  EXPECT_EQ(Value(MI, 11), "77");
+  EXPECT_THAT(RegionCell(0, RegionColumn::Values), HasSubstr("77"));
+}
+
+TEST_F(DataTypesWindowTest, OnLineValuesMoveUnderAnOpenEditor) {
+  Open();
+  AddRegion(MI, 100, 101);
+  AddRegion(SB, 3, 3);
+  QSignalSpy changes(Operands().model(), &QAbstractItemModel::dataChanged);
+  std::string before;
+  const auto hasMoved = [&] { return !before.empty() && Value(MI, 100) != before; };
+  Online({{[&] { return Label("lblMode") == "On line" && Label("lblPasses") != "0.0 passes/s"; },
+           [&] {
+             EXPECT_FALSE(Tool("ID_ReadRegions").isEnabled());
+             EXPECT_TRUE(Find<QToolButton>(*window, "cmdOnLine").isChecked());
+             Select(ML, 3, ML, 5);
+             before = Value(MI, 100);
+           }},
+          {hasMoved,
+           [&] {
+             const QModelIndex from = changes.back().at(0).toModelIndex();
+             const QModelIndex to = changes.back().at(1).toModelIndex();
+             EXPECT_TRUE(from.column() >= 3 && to.column() <= 101) << "only what has changed is told";
+             EXPECT_EQ(Operands().selectionModel()->selectedIndexes().size(), 3);
+             Type(Cell(MI, 50), "12");
+             before = Value(MI, 100);
+           }},
+          {hasMoved, [&] {
+             auto& editor = Find<QLineEdit>(Operands(), "cellEditor");
+             EXPECT_EQ(editor.text(), "12");
+             QTest::keyClick(&editor, Qt::Key_Return);
+           }}});
+  ASSERT_TRUE(IsEditorGone());
+  EXPECT_EQ(Value(MI, 50), "12");
+  EXPECT_EQ(Label("lblMode"), "Off line");
+  EXPECT_FALSE(Find<QToolButton>(*window, "cmdOnLine").isChecked());
+  EXPECT_TRUE(Tool("ID_ReadRegions").isEnabled());
+  EXPECT_THAT(Label("lblAge"), testing::StartsWith("Read "));
+}
+
+TEST_F(DataTypesWindowTest, ClosingEndsTheOnLineModeAndOpeningFindsEverything) {
+  Open();
+  Select(XB, 0, XB, 0);
+  Trigger("VIEW_HideRows");
+  AddRegion(MI, 100, 101);
+  Regions().model()->setData(RegionIndex(0, RegionColumn::Description), "ramp");
+  QTest::keyClick(&Type(Cell(MI, 7), "123"), Qt::Key_Return);
+  ASSERT_TRUE(IsEditorGone());
+  Online({{[&] { return Label("lblMode") == "On line"; }, [&] { window->close(); }}});
+  EXPECT_FALSE(window->isVisible());
+  Open();
+  EXPECT_THAT(RegionTexts(), ElementsAre("MI 100..101"));
+  EXPECT_EQ(RegionCell(0, RegionColumn::Description), "ramp");
+  EXPECT_TRUE(Operands().isRowHidden(RowOfType(XB) - 1));
+  EXPECT_EQ(Value(MI, 7), "123");
+  EXPECT_EQ(Label("lblEdited"), "1 edited");
+  EXPECT_EQ(window->windowTitle(), "Data Types - Default");
+}
+
+TEST_F(DataTypesWindowTest, PasteOfARefusedShapeChangesNothing) {
+  Open();
+  const struct {
+    const char* text;
+    OperandTypeCode first;
+    int from;
+    OperandTypeCode last;
+    int to;
+    const char* told;
+  } cases[] = {
+      {"", MI, 0, MI, 0, "Clipboard is empty."},
+      {"1\t2\r\n3\r\n", MI, 0, MI, 0, "The Clipboard contents are in unknown format."},
+      {"1\t2\t3\r\n4\t5\t6\r\n", XDW, 0, XDW, 0, "There are not enough cells"},
+      {"1\t2\r\n3\t4\r\n5\t6\r\n", MI, 0, MF, 1, "Try one of the following:"},
+      {"1\t40000\r\n", MI, 0, MI, 0, "out of the legal range"},
+  };
+  for (const auto& each : cases) {
+    Select(each.first, each.from, each.last, each.to);
+    clipboard.SetText(each.text);
+    session.prompts.Press(PromptAnswer::Ok);
+    Trigger("ID_Paste");
+    EXPECT_THAT(session.prompts.Boxes().back().text, HasSubstr(each.told));
+    EXPECT_EQ(Label("lblEdited"), "") << each.told;
+  }
+  Select(MI, 3, MI, 3);
+  clipboard.SetText("1\t2\r\n");
+  QTest::keyClick(&Operands(), Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(Value(MI, 3) + Value(MI, 4), "12");
+  Select(MI, 3, MI, 4);
+  QTest::keyClick(&Operands(), Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(clipboard.GetText(), "1\t2\r\n");
+  QTest::keyClick(&Operands(), Qt::Key_Delete);
+  EXPECT_EQ(Value(MI, 3) + Value(MI, 4), "");
+}
+
+TEST_F(DataTypesWindowTest, ACancelledDialogChangesNothing) {
+  Open();
+  AddRegion(MI, 0, 1);
+  for (const char* tool : {"ID_SaveRegions", "ID_LoadRegions", "ID_Export", "ID_Import"}) {
+    if (tool == std::string("ID_LoadRegions")) session.prompts.Press(PromptAnswer::Yes);
+    session.prompts.Choose(std::nullopt);
+    Trigger(tool);
+    EXPECT_THAT(RegionTexts(), ElementsAre("MI 0..1")) << tool;
+  }
+  Trigger("ID_ExportToCSV");  // no separator was chosen
+  Trigger("ID_ImportFromCSV");
+  EXPECT_THAT(RegionTexts(), ElementsAre("MI 0..1"));
+}
+
+TEST_F(DataTypesWindowTest, ASilentControllerNeitherFreezesTheWindowNorHoldsItsUser) {
+  Open();
+  AddRegion(MI, 0, 9);
+  BeSilent(std::chrono::milliseconds(400));
+  EXPECT_LE(LongestGap(pacer, [&] { Trigger("ID_ReadRegions"); }), kLongestAllowedGap);
+  EXPECT_THAT(Label("lblMessage"), HasSubstr("no reply"));
+  EXPECT_THAT(Label("lblError"), HasSubstr("Last error"));
+  EXPECT_EQ(Label("lblMode"), "Connection lost");
+
+  BeSilent(std::chrono::seconds(60));
+  for (const char* tool : {"ID_ReadRegions", "ID_OnLine"}) {
+    When(
+        *window,
+        [&] {
+          const auto* cancel = window->findChild<QPushButton*>("cmdCancelBusy");
+          return cancel && cancel->isVisible();
+        },
+        [&] { QTest::keyClick(window->windowHandle(), Qt::Key_Escape); });
+    Trigger(tool);
+    EXPECT_EQ(window->findChild<QPushButton*>("cmdCancelBusy"), nullptr);
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_FALSE(Tool("ID_OnLine").isChecked());
+  }
+}
+
+TEST_F(DataTypesWindowTest, TheCursorGoesToANamedOperand) {
+  Open();
+  auto& line = Find<QLineEdit>(*window, "txtGoTo");
+  const struct {
+    const char* text;
+    OperandTypeCode type;
+    int address;
+    const char* told;
+  } cases[] = {
+      {"mi 1000", MI, 1000, ""},
+      {"12", MI, 12, ""},
+      {"timer preset", TimerPreset, 0, ""},
+      {"MI 9999", TimerPreset, 0, "MI has the addresses 0 to 4095."},
+      {"DBI 1", TimerPreset, 0, "has no DBI"},
+      {"QX 1", TimerPreset, 0, "no operand type \"QX\""},
+  };
+  for (const auto& each : cases) {
+    Trigger("VIEW_GoTo");
+    line.setText(each.text);
+    QTest::keyClick(&line, Qt::Key_Return);
+    EXPECT_EQ(Operands().currentIndex(), Cell(each.type, each.address)) << each.text;
+    EXPECT_THAT(Label("lblMessage"), HasSubstr(each.told));
+    EXPECT_EQ(line.hasFocus(), *each.told != '\0');
+  }
+}
+
+TEST_F(DataTypesWindowTest, EveryCommandAndControlCanBeReadAndReached) {
+  Open();
+  std::set<QString> shortcuts;
+  for (const ViewMenu& menu : ViewMenus()) {
+    for (const ViewCommand& each : menu.tools) {
+      if (each.id.empty()) continue;
+      const QAction& action = Tool(std::string(each.id).c_str());
+      EXPECT_FALSE(action.icon().isNull()) << each.id;
+      EXPECT_TRUE(action.text().contains('&')) << each.id;
+      EXPECT_EQ(action.isEnabled(), !action.toolTip().contains('\n')) << each.id;  // what is grey says why
+      const QString keys = action.shortcut().toString();
+      EXPECT_TRUE(keys.isEmpty() || shortcuts.insert(keys).second) << keys.toStdString();
+    }
+  }
+  for (const QWidget* widget : window->findChildren<QWidget*>()) {
+    const bool isReached = (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisible();
+    if (!isReached || widget->inherits("QToolButton")) continue;  // a button reads its command's text
+    EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+  }
+  session.host.OnToolClicked = [&](const std::string& id, const std::string&) { session.log.push_back(id); };
+  session.log.clear();
+  Trigger("ID_Help");
+  EXPECT_THAT(session.log, ElementsAre("ID_Help"));
+}
+
+}  // namespace
+}  // namespace kv::test
