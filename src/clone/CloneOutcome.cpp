@@ -1,5 +1,9 @@
 #include "clone/CloneOutcome.h"
 
+#include "base/Numbers.h"
+#include "link/ControllerErrorText.h"
+#include "link/HexHelpers.h"
+
 namespace kv {
 
 CloneOutcome CloneOutcome::OfLink(const LinkError& error) {
@@ -14,6 +18,21 @@ CloneOutcome CloneOutcome::OfLink(const LinkError& error) {
 
 CloneOutcome CloneOutcome::OfStop() {
   return {CloneEnd::Stopped, CloneCause::Stop, "Stopped by the user.", {}};
+}
+
+std::optional<LinkError> RefusalIn(std::string_view reply) {
+  constexpr std::string_view kError = "ERROR";
+  const std::size_t at = reply.find(kError);
+  if (at == std::string_view::npos) return std::nullopt;
+  const int code = HexPairToByte(reply.substr(at + kError.size(), 2)).value_or(0);
+  const ControllerErrorMeaning meaning = ControllerErrorText(code);
+  LinkError error;
+  error.code = LinkErrorCode::Refused;
+  error.controllerCode = code;
+  error.happened = "the controller refused: " + std::string(meaning.meaning) + " (code " +
+                   ToHex(static_cast<std::uint32_t>(code), 2) + ")";
+  error.cure = meaning.cure;
+  return error;
 }
 
 }  // namespace kv

@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/AtomicFile.h"
 #include "link/LinkError.h"
@@ -21,7 +23,7 @@ enum class CloneCause {
   Password,  // none was given, it was too long, or the controller does not take it
   File,      // the clone file cannot be read, written or understood
   Link,      // an exchange with the controller failed; `link` says how
-  Reply,     // the controller did not answer a line of a restore with OK
+  Reply,     // the controller did not answer a line of a restore with OK; `link` says Refused when it refused
 };
 
 // How an operation ended. `reason` is for the log, beside the boxes that the user sees: what happened, the likely cause
@@ -30,7 +32,7 @@ struct CloneOutcome {
   CloneEnd end = CloneEnd::Done;
   CloneCause cause = CloneCause::None;
   std::string reason = {};
-  LinkError link = {};  // of the exchange that failed; code None for other causes
+  LinkError link = {};  // of the exchange that failed or was refused; code None for other causes
 
   [[nodiscard]] static CloneOutcome Failed(CloneCause cause, std::string reason) {
     return {CloneEnd::Failed, cause, std::move(reason), {}};
@@ -40,6 +42,10 @@ struct CloneOutcome {
   [[nodiscard]] static CloneOutcome OfLink(const LinkError& error);
   [[nodiscard]] static CloneOutcome OfStop();
 };
+
+// The refusal that a reply to a text command holds ("ERROR" and a code), as the channel would tell it; nothing when it
+// is none.
+[[nodiscard]] std::optional<LinkError> RefusalIn(std::string_view reply);
 
 // How long work without callbacks of its own is watched and ended: both may be empty. Amounts are bytes.
 struct CloneWork {

@@ -123,6 +123,12 @@ std::expected<clsDumpPLC::Segments, CloneOutcome> clsDumpPLC::ReadSegmentTable(C
   password.resize(kLongestPassword, ' ');
   const auto reply = link.SendCommand("GI" + password);
   if (!reply) return LinkFailure(link);
+  if (auto refusal = RefusalIn(reply->text)) {
+    refusal->doing = "reading the segment table";
+    CloneOutcome outcome = CloneOutcome::Failed(CloneCause::Segments, refusal->Text());
+    outcome.link = *std::move(refusal);
+    return std::unexpected(std::move(outcome));
+  }
   auto segments = ParseSegmentTable(reply->text);
   if (segments) return *std::move(segments);
   const bool isPassword = reply->text.starts_with("GI0");

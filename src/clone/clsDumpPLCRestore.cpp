@@ -5,8 +5,6 @@
 #include "base/PathText.h"
 #include "clone/CloneFile.h"
 #include "clone/clsDumpPLC.h"
-#include "link/ControllerErrorText.h"
-#include "link/HexHelpers.h"
 
 // Restoring a clone: nothing but sending the lines of the file and waiting for an OK to each.
 namespace kv {
@@ -50,16 +48,18 @@ std::expected<std::int64_t, CloneOutcome> CountCommands(CloneLineReader& lines) 
   }
 }
 
-// What a controller means that answers without OK.
-std::string MeaningOf(const std::string& reply) {
-  constexpr std::string_view kError = "ERROR";
-  const std::string shown = "\"" + AnsiToUtf8(reply.substr(0, std::min<std::size_t>(reply.find('\r'), 60))) + "\"";
-  const std::size_t at = reply.find(kError);
-  const auto code = at == std::string::npos ? std::nullopt : HexPairToByte(reply.substr(at + kError.size(), 2));
-  if (!code) return "it was answered with " + shown + ", which is no OK. Likely cause: noise on the line.";
-  const ControllerErrorMeaning meaning = ControllerErrorText(*code);
-  return "the controller refused it: " + std::string(meaning.meaning) + " (" + shown +
-         "). What to do: " + std::string(meaning.cure) + ".";
+// A reply that came and says no.
+CloneOutcome WithoutOk(std::string_view reply) {
+  constexpr std::size_t kShown = 60;
+  if (auto refusal = RefusalIn(reply)) {
+    CloneOutcome outcome =
+        CloneOutcome::Failed(CloneCause::Reply, refusal->happened + ".\nWhat to do: " + refusal->cure + ".");
+    outcome.link = *std::move(refusal);
+    return outcome;
+  }
+  const std::string_view shown = reply.substr(0, std::min(reply.find('\r'), kShown));
+  return CloneOutcome::Failed(CloneCause::Reply, "it was answered with \"" + AnsiToUtf8(shown) +
+                                                     "\", which is no OK.\nLikely cause: noise on the line.");
 }
 
 }  // namespace
@@ -157,16 +157,17 @@ clsDumpPLC::Step clsDumpPLC::WaitCloneReply(SerialPortObject& port) {
       break;
     }
     if (reply.size() + kBufferReserve > port.InBufferSize()) {
-      return fail("the reply does not end. Likely cause: noise on the line, or another speed.");
+      return fail("the reply does not end.\nLikely cause: noise on the line, or another speed.");
     }
     if (mPacer.Now() - start > kLongestReply) {
       return fail(
-          "no reply within 10 s. Likely cause: the controller is switched off, has another unit id than the file, or "
+          "no reply within 10 s.\nLikely cause: the controller is switched off, has another unit id than the file, or "
           "the line broke.");
     }
   }
-  if (reply.find("OK") == std::string::npos) return fail(MeaningOf(reply));
-  return {};
+  if (reply.find("OK") != std::string::npos) return {};
+  Show(kNotReady, PromptIcon::None);
+  return std::unexpected(WithoutOk(reply));
 }
 
 }  // namespace kv

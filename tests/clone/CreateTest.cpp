@@ -153,7 +153,7 @@ TEST(CreateGhost, EndsBeforeTheControllerIsTouchedWhenPasswordOrTableCannotBeUse
   using enum CloneCause;
   const std::vector<Row> rows = {
       {"", {}, Password, "No password"}, {std::nullopt, {}, Password, "No password"},
-      {"123456789", {}, Password, "more than 8"}, {"x", "GIERROR0797", Segments, "ERROR07"},
+      {"123456789", {}, Password, "more than 8"}, {"x", "GIERROR0797", Segments, "password is needed first (code 07)"},
       {"x", "GI0??", Password, "did not accept"}, {"x", "GI1??", Segments, "number of segments"},
       {"x", "GI10000??", Segments, "no segments"}, {"x", "GI1000G" + hw + "??", Segments, "number of segments"},
       {"x", "GI10002" + hw + "??", Segments, "length of 2 segments"},

@@ -92,7 +92,7 @@ TEST(RestoreGhost, JudgesRepliesByOkAloneAndByTenSeconds) {
   };
   const std::vector<Row> rows = {
       {"/01WDOK\r", 9900ms, ""}, {"/01WDOK\r", 10100ms, "no reply within 10 s"}, {"", 0ms, "no reply within 10 s"},
-      {"/01WDOK", 0ms, "no reply within 10 s"}, {"noise OK\r", 0ms, ""}, {"/01WDERROR07AB\r", 0ms, "refused it"},
+      {"/01WDOK", 0ms, "no reply within 10 s"}, {"noise OK\r", 0ms, ""}, {"/01WDERROR07AB\r", 0ms, "(code 07)"},
       {"/01WD\xFFKO\r", 0ms, "no OK"}, {std::string(2000, 'x'), 0ms, "does not end"},
       {std::string(1015, 'x'), 0ms, "does not end"}, {std::string(1010, 'x') + "OK\r/", 0ms, ""}};
   for (const Row& row : rows) {
