@@ -64,6 +64,13 @@ void AppendUtf8(std::string& text, char32_t code) {
   }
 }
 
+bool IsUtf8(std::string_view text) {
+  while (!text.empty()) {
+    if (!TakeCharacter(text)) return false;
+  }
+  return true;
+}
+
 std::u16string Utf16FromUtf8(std::string_view text) {
   std::u16string units;
   units.reserve(text.size());

@@ -13,6 +13,8 @@ namespace kv {
 // Appends a character of at most 0x10FFFF.
 void AppendUtf8(std::string& text, char32_t code);
 
+[[nodiscard]] bool IsUtf8(std::string_view text);
+
 // The same text in 16-bit units, as some files and interfaces want it; each byte that is no UTF-8 becomes "?".
 [[nodiscard]] std::u16string Utf16FromUtf8(std::string_view text);
 

@@ -29,9 +29,13 @@ std::string Decoded(std::string_view bytes) {
   return IsClearlyUtf8(bytes) ? std::string(bytes) : AnsiToUtf8(bytes);
 }
 
+bool IsUtf16(std::string_view bytes) {
+  return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+}
+
 std::string Encoded(std::string_view text) {
   std::string ansi = Utf8ToAnsi(text);
-  const bool isReadAsWritten = AnsiToUtf8(ansi) == text && !IsClearlyUtf8(ansi);
+  const bool isReadAsWritten = !IsUtf16(ansi) && Decoded(ansi) == text;
   return isReadAsWritten ? ansi : std::string(kUtf8Mark).append(text);
 }
 
@@ -169,7 +173,7 @@ std::string CsvWriter::Take() {
 
 std::expected<std::vector<CsvRecord>, CsvFault> ReadCsv(std::string_view bytes, char separator) {
   if (bytes.size() > kLargestCsvFile) return Fault(0, "it is larger than 64 MB");
-  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
+  if (IsUtf16(bytes)) {
     return Fault(0, "its characters take two bytes each (UTF-16); save it as CSV or as UTF-8 text");
   }
   const std::string text = Decoded(bytes);

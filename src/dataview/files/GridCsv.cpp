@@ -8,6 +8,7 @@
 #include "dataview/OperandCatalogue.h"
 #include "dataview/TimerText.h"
 #include "dataview/files/Csv.h"
+#include "dataview/files/OperandSheet.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -27,6 +28,12 @@ bool HasValues(const CsvRecord& record) {
   const auto first = std::find_if(record.fields.begin() + 1, record.fields.end(),
                                   [](const std::string& field) { return !field.empty(); });
   return first != record.fields.end() && IsValue(*first);
+}
+
+// An exported spreadsheet that was saved as a CSV: by its places, each value would be another operand's.
+bool IsOfAddresses(const std::vector<CsvRecord>& records) {
+  return !records.empty() && records.front().fields.size() > 1 &&
+         TrimBlanks(records.front().fields.front()) == kAddressHeading && TypeFromName(records.front().fields[1]);
 }
 
 OperandTypeCode TypeOf(const CsvRecord& record, std::int32_t gridRow) {
@@ -53,6 +60,11 @@ std::string PrintGridCsv(std::span<const TypeTexts> rows, char separator) {
 std::expected<GridCsv, CsvFault> ParseGridCsv(std::string_view bytes, char separator) {
   auto records = ReadCsv(bytes, separator);
   if (!records) return std::unexpected(records.error());
+  if (IsOfAddresses(*records)) {
+    return std::unexpected(CsvFault{1,
+                                    "its lines stand for addresses, as those of an exported spreadsheet do; save it "
+                                    "as a spreadsheet and import that"});
+  }
   GridCsv grid;
   std::int32_t gridRow = 0;
   for (CsvRecord& record : *records) {

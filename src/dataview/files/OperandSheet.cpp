@@ -4,7 +4,6 @@
 #include <map>
 #include <optional>
 #include <set>
-#include <string_view>
 #include <utility>
 
 #include "base/Numbers.h"
@@ -13,8 +12,6 @@
 
 namespace kv::mdlDataTypesView {
 namespace {
-
-constexpr std::string_view kAddressHeading = "Address";
 
 std::unexpected<SheetError> Refused(std::size_t row, std::size_t column, std::string what) {
   return std::unexpected(SheetError{.place = "cell " + CellPlace(row, column), .what = std::move(what)});

@@ -5,6 +5,7 @@
 #include <expected>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "dataview/OperandTypes.h"
@@ -14,6 +15,9 @@
 // The operand grid as a spreadsheet: a row for each address and a column for each operand type, because sheets may be
 // long but not wide.
 namespace kv::mdlDataTypesView {
+
+// Of the first column, in which the addresses are.
+inline constexpr std::string_view kAddressHeading = "Address";
 
 // The headings "Address", "MB", "MI" ... with nothing below: what the template holds.
 [[nodiscard]] SheetTable OperandSheetTemplate();

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <utility>
 
+#include "base/Utf8.h"
+
 namespace kv {
 
 std::unexpected<SheetError> SheetFailure(std::string place, std::string what) {
@@ -17,6 +19,7 @@ std::expected<void, SheetError> SheetBuilder::Put(std::size_t row, std::size_t c
   if (cell.text.size() > kMaxCellBytes) {
     return SheetFailure("cell " + CellPlace(row, column), "its text is longer than a value can be");
   }
+  if (!IsUtf8(cell.text)) return SheetFailure("cell " + CellPlace(row, column), "its text is damaged: it is not UTF-8");
   auto& rows = mTable.rows;
   if (rows.size() <= row) rows.resize(row + 1);
   if (rows[row].size() <= column) {

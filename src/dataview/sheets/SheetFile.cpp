@@ -29,13 +29,6 @@ std::unexpected<SheetError> InFile(const fs::path& file, SheetError error) {
   return std::unexpected(std::move(error));
 }
 
-bool IsUtf8(std::string_view text) {
-  while (!text.empty()) {
-    if (!TakeCharacter(text)) return false;
-  }
-  return true;
-}
-
 std::expected<void, SheetError> CheckCell(const SheetCell& cell) {
   if (cell.text.size() > kMaxCellBytes) return SheetFailure({}, "the text is longer than a cell may be");
   if (!IsUtf8(cell.text)) return SheetFailure({}, "the text is not UTF-8");
