@@ -5,6 +5,7 @@
 #include "KvTele2/ui/HostLibrary.h"
 #include "apps/KvTeleExe/DialogWindow.h"
 #include "base/PathText.h"
+#include "dataview/ui/frmDataTypesView.h"
 #include "desktop/ui/WindowGeometry.h"
 #include "host/mdlMain.h"
 #include "sessions/SessionIni.h"
@@ -25,7 +26,8 @@ TelepanelProgram::TelepanelProgram(const std::filesystem::path& home)
                 .prompts = mPrompts,
                 .clipboard = mClipboard,
                 .choices = {SimulatedModels(), ListSerialPorts},
-                .windowsFile = WindowsFile(mPaths)}) {
+                .windowsFile = WindowsFile(mPaths)}),
+      mCharacters(WindowsFile(mPaths)) {
   mSocketTimer.setInterval(kSocketInterval);
 }
 
@@ -82,6 +84,13 @@ ToolWindows TelepanelProgram::MakeWindows(SharedState& shared) {
   windows.frmSession = [this, &shared](const std::string&) {
     const auto make = [this, &shared](QWidget* parent) {
       return std::make_unique<frmSession>(shared, mPrompts, parent);
+    };
+    return std::make_unique<DialogWindow>(make, WindowsFile(mPaths));
+  };
+  windows.frmDataTypesView = [this, &shared](const std::string&) {
+    const auto make = [this, &shared](QWidget* parent) {
+      const mdlDataTypesView::DataTypesViewParts parts{shared, mPrompts, mPacer, mClipboard, mHexSelector};
+      return std::make_unique<frmDataTypesView>(parts, mPacer, parent);
     };
     return std::make_unique<DialogWindow>(make, WindowsFile(mPaths));
   };

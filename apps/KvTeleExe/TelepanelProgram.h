@@ -5,6 +5,7 @@
 
 #include "KvCmDrv1/Driver.h"
 #include "KvCmDrv1/ui/QtDriverDialogs.h"
+#include "apps/KvTeleExe/CharacterSelector.h"
 #include "apps/support/SimulatedControllers.h"
 #include "base/ProgramPaths.h"
 #include "desktop/PacerWallClock.h"
@@ -42,7 +43,9 @@ class TelepanelProgram {
   SimulatedControllers mControllers;
   QtDriverDialogs mDialogs;
   Driver* mDriver = nullptr;  // while the program runs
-  QTimer mSocketTimer;        // lets the Ethernet socket tell what has happened
+  CharacterSelector mCharacters;
+  clsHexSelector mHexSelector{mCharacters};
+  QTimer mSocketTimer;  // lets the Ethernet socket tell what has happened
 };
 
 }  // namespace kv
