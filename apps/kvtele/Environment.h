@@ -12,6 +12,7 @@
 #include "KvCmDrv1/ports/PortList.h"
 #include "apps/kvtele/Failure.h"
 #include "desktop/Pacer.h"
+#include "desktop/WallClock.h"
 #include "desktop/console/ConsoleInput.h"
 #include "link/CommDriver.h"
 
@@ -32,6 +33,7 @@ struct Environment {
   bool errIsTerminal = false;  // progress is shown
   ConsoleInput& input;
   Pacer& pacer;
+  const WallClock& clock;      // for the times in printed lines
   std::filesystem::path home;  // the program folder, when --home does not name another
   std::function<std::expected<std::unique_ptr<CommDriver>, Failure>(const DriverOrder&)> makeDriver;
   std::function<std::vector<SerialPortInfo>()> listSerialPorts;

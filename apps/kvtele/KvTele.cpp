@@ -98,6 +98,7 @@ bool WantsJson(const std::vector<std::string>& arguments) {
 }
 
 std::string JsonText(const nlohmann::ordered_json& document) {
+  if (document.is_null()) return {};  // the command has printed everything by itself
   // Texts come from controllers and file names; what is not UTF-8 in them must not cost the user the document.
   return document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }

@@ -9,8 +9,8 @@
 namespace kv::cli {
 
 // The whole program but for its platform edge: understands `arguments` (UTF-8, without the program's name), runs the
-// command and writes its result. Data goes to `environment.out` in one piece when the command has ended, messages to
-// `environment.err`.
+// command and writes its result. Data goes to `environment.out`, in one piece when the command has ended, or line by
+// line where it runs on; messages go to `environment.err`.
 [[nodiscard]] ExitCode RunKvTele(const std::vector<std::string>& arguments, Environment& environment);
 
 }  // namespace kv::cli

@@ -18,13 +18,15 @@ namespace {
 // Code 07 of a refusal: the controller wants its password first.
 constexpr int kRefusedWithoutPassword = 7;
 
+constexpr const char* kNothingWritten = "nothing was written";
+
 std::size_t CountOf(const Region& region) {
   return static_cast<std::size_t>(region.Count());
 }
 
-// The operands of `region` before the piece that was not written any more; empty when nothing was.
+// The operands of `region` before the piece that was not written any more; empty when there are none.
 std::string WrittenBefore(const Region& region, const Region& piece) {
-  if (piece.from == region.from) return "nothing was written";
+  if (piece.from == region.from) return {};
   return RegionText({region.from, piece.from - 1, region.type}) + " had been written before";
 }
 
@@ -43,20 +45,10 @@ bool IsSurelyNotWritten(const LinkError& error) {
   }
 }
 
-std::string WrittenSoFar(const LinkError& error, const Region& region, const Region& piece) {
-  if (IsSurelyNotWritten(error)) return WrittenBefore(region, piece);
+std::string WrittenSoFar(const LinkError& error, const Region& piece, const std::string& before) {
+  if (IsSurelyNotWritten(error)) return before.empty() ? kNothingWritten : before;
   const std::string unsure = RegionText(piece) + " may have been written";
-  return piece.from == region.from ? unsure : unsure + "; " + WrittenBefore(region, piece);
-}
-
-Failure WriteFailure(const LinkError& error, const Region& region, const Region& piece) {
-  Failure failure = LinkFailure(error, true);
-  failure.happened += "; " + WrittenSoFar(error, region, piece);
-  if (error.controllerCode == kRefusedWithoutPassword) {
-    failure.code = kPasswordNeeded;
-    failure.cure = "give the controller's password with --password";
-  }
-  return failure;
+  return before.empty() ? unsure : unsure + "; " + before;
 }
 
 // Stricter than the check of a whole table of regions, which lets one address too many pass: the controller would
@@ -71,29 +63,52 @@ std::expected<void, Failure> CheckFitsOs(const Region& region, const Connection&
                                        "\"" + os + "\" is an older O/S", cure + "replace the O/S"));
 }
 
-std::expected<void, Failure> CheckFitsController(Connection& connection, const Region& region) {
-  const std::string doing = "using " + RegionText(region);
+// A boot loader has no operands at all.
+std::expected<void, Failure> CheckHasOperands(Connection& connection, const std::string& doing) {
   const auto info = connection.Link().GetControllerInfo(connection.Unit());
   if (!info) return std::unexpected(connection.LastFailure());
-  if (info->state == 'B') {
-    return std::unexpected(NotFitFailure(doing, "the controller is running its boot loader",
-                                         "it has no O/S, or was sent into its boot loader",
-                                         "reset it, or replace its O/S"));
+  if (info->state != 'B') return {};
+  return std::unexpected(NotFitFailure(doing, "the controller is running its boot loader",
+                                       "it has no O/S, or was sent into its boot loader",
+                                       "reset it, or replace its O/S"));
+}
+
+std::expected<void, Failure> CheckAllFitModel(std::span<const Region> regions, const std::string& model) {
+  for (const Region& region : regions) {
+    if (const auto fits = CheckFitsModel(region, model); !fits) return fits;
   }
-  if (const auto fits = CheckFitsModel(region, connection.Model()); !fits) return fits;
-  return CheckFitsOs(region, connection);
+  return {};
+}
+
+std::expected<void, Failure> CheckFitsController(Connection& connection, std::span<const Region> regions) {
+  if (regions.empty()) return {};
+  if (const auto has = CheckHasOperands(connection, "using " + RegionText(regions.front())); !has) return has;
+  if (const auto fits = CheckAllFitModel(regions, connection.Model()); !fits) return fits;
+  for (const Region& region : regions) {
+    if (const auto fits = CheckFitsOs(region, connection); !fits) return fits;
+  }
+  return {};
 }
 
 }  // namespace
 
 std::expected<std::unique_ptr<Connection>, Failure> ConnectFor(Environment& environment, const CommonOptions& common,
                                                                const Region& region) {
+  return ConnectFor(environment, common, [&region](const std::string&) { return std::vector{region}; });
+}
+
+std::expected<std::unique_ptr<Connection>, Failure> ConnectFor(Environment& environment, const CommonOptions& common,
+                                                               const RegionsFor& regionsFor) {
   if (const std::string model = ModelKnownBeforehand(environment, common); !model.empty()) {
-    if (const auto fits = CheckFitsModel(region, model); !fits) return std::unexpected(fits.error());
+    const auto regions = regionsFor(model);
+    if (!regions) return std::unexpected(regions.error());
+    if (const auto fits = CheckAllFitModel(*regions, model); !fits) return std::unexpected(fits.error());
   }
   auto connection = Connection::Open(environment, common);
   if (!connection) return connection;
-  if (const auto fits = CheckFitsController(**connection, region); !fits) return std::unexpected(fits.error());
+  const auto regions = regionsFor((*connection)->Model());
+  if (!regions) return std::unexpected(regions.error());
+  if (const auto fits = CheckFitsController(**connection, *regions); !fits) return std::unexpected(fits.error());
   return connection;
 }
 
@@ -128,15 +143,26 @@ std::expected<void, Failure> WriteOperands(Environment& environment, Connection&
   std::size_t done = 0;
   for (const Region& piece : SplitIntoRequests(region)) {
     if (environment.pacer.StopRequested()) {
-      return std::unexpected(InterruptedFailure(doing + " (" + WrittenBefore(region, piece) + ")"));
+      const std::string before = WrittenBefore(region, piece);
+      return std::unexpected(InterruptedFailure(doing + " (" + (before.empty() ? kNothingWritten : before) + ")"));
     }
     const auto values = texts.subspan(done, CountOf(piece));
     const auto written = mdlDataTypesView::WriteRegion(connection.Link(), connection.Model(), piece, values);
-    if (!written) return std::unexpected(WriteFailure(written.error(), region, piece));
+    if (!written) return std::unexpected(WriteFailure(written.error(), piece, WrittenBefore(region, piece)));
     done += values.size();
     progress.Show(done);
   }
   return {};
+}
+
+Failure WriteFailure(const LinkError& error, const Region& piece, const std::string& before) {
+  Failure failure = LinkFailure(error, true);
+  failure.happened += "; " + WrittenSoFar(error, piece, before);
+  if (error.controllerCode == kRefusedWithoutPassword) {
+    failure.code = kPasswordNeeded;
+    failure.cure = "give the controller's password with --password";
+  }
+  return failure;
 }
 
 }  // namespace kv::cli

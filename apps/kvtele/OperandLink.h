@@ -1,6 +1,7 @@
 #pragma once
 
 #include <expected>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -21,6 +22,13 @@ namespace kv::cli {
                                                                              const CommonOptions& common,
                                                                              const Region& region);
 
+// The same for any number of regions. They may depend on the model: `regionsFor` is asked with the model that the
+// options name, if they do, and with that of the controller.
+using RegionsFor = std::function<std::expected<std::vector<Region>, Failure>(const std::string& model)>;
+[[nodiscard]] std::expected<std::unique_ptr<Connection>, Failure> ConnectFor(Environment& environment,
+                                                                             const CommonOptions& common,
+                                                                             const RegionsFor& regionsFor);
+
 // All raw value texts in address order, or none: half an answer would be taken for a whole one.
 [[nodiscard]] std::expected<std::vector<std::string>, Failure> ReadOperands(Environment& environment,
                                                                             Connection& connection,
@@ -31,5 +39,9 @@ namespace kv::cli {
 inline constexpr std::string_view kPasswordNeeded = "passwordNeeded";
 [[nodiscard]] std::expected<void, Failure> WriteOperands(Environment& environment, Connection& connection,
                                                          const Region& region, std::span<const std::string> texts);
+
+// What there is to say when the request for `piece` failed; `before` says what had been written by then, and is empty
+// when nothing had.
+[[nodiscard]] Failure WriteFailure(const LinkError& error, const Region& piece, const std::string& before);
 
 }  // namespace kv::cli

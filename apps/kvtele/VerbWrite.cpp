@@ -2,7 +2,8 @@
 
 #include "apps/kvtele/LinkChoice.h"
 #include "apps/kvtele/OperandLink.h"
-#include "apps/kvtele/Prompting.h"
+#include "apps/kvtele/PasswordGiven.h"
+#include "apps/kvtele/ReadBack.h"
 #include "apps/kvtele/Values.h"
 #include "dataview/OperandCatalogue.h"
 #include "dataview/RegionTransfer.h"
@@ -11,23 +12,6 @@ namespace kv::cli {
 
 namespace {
 
-Failure DiffersFailure(const Region& region, std::size_t index, const std::string& written,
-                       const std::string& readBack) {
-  const std::int32_t address = region.from + static_cast<std::int32_t>(index);
-  return {ExitCode::Differs,
-          "differs",
-          "comparing what was written to " + RegionText(region),
-          RegionText({address, address, region.type}) + " reads " + readBack + ", written was " + written,
-          "the operand moves by itself (a running timer or the controller's program), or the write did not take",
-          "read it again; see what the program does with this operand"};
-}
-
-Failure NotReadBack(Failure failure, const Region& region) {
-  failure.doing.clear();
-  failure.happened = RegionText(region) + " was written, but could not be read back: " + failure.happened;
-  return failure;
-}
-
 Answer MakeAnswer(const Region& region, const nlohmann::ordered_json& valuesReadBack) {
   Answer answer;
   answer.document = {{"type", mdlDataTypesView::TypeName(region.type)},
@@ -35,13 +19,6 @@ Answer MakeAnswer(const Region& region, const nlohmann::ordered_json& valuesRead
                      {"to", region.to},
                      {"values", valuesReadBack}};
   return answer;
-}
-
-InputBox PasswordBox() {
-  InputBox box;
-  box.text = "The controller's password:";
-  box.secret = true;
-  return box;
 }
 
 }  // namespace
@@ -68,9 +45,9 @@ Outcome VerbWrite::Run(Environment& environment, const CommonOptions& common) {
   if (const auto legal = CheckValues(region->type, controller.Model(), mValues); !legal) {
     return std::unexpected(legal.error());
   }
-  if (const auto written = Write(environment, common, controller, *region); !written) {
-    return std::unexpected(written.error());
-  }
+  const auto written = WithPassword(environment, common, controller,
+                                    [&] { return WriteOperands(environment, controller, *region, mValues); });
+  if (!written) return std::unexpected(written.error());
   return Compare(environment, controller, *region);
 }
 
@@ -93,21 +70,6 @@ std::expected<Region, Failure> VerbWrite::CheckOrder(const Environment& environm
   return region;
 }
 
-// With the password that was given; where none was, a user at a terminal is asked when the controller wants one.
-std::expected<void, Failure> VerbWrite::Write(Environment& environment, const CommonOptions& common,
-                                              Connection& connection, const Region& region) const {
-  std::optional<std::string> password = common.password;
-  if (!password) {
-    auto written = WriteOperands(environment, connection, region, mValues);
-    if (written || written.error().code != kPasswordNeeded || !environment.input.IsInteractive()) return written;
-    password = PromptsFor(environment, common).Ask(PasswordBox());
-    if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure("asking for the password"));
-    if (!password) return written;
-  }
-  if (!connection.Link().GiveAccess(*password, connection.Unit())) return std::unexpected(connection.LastFailure());
-  return WriteOperands(environment, connection, region, mValues);
-}
-
 Outcome VerbWrite::Compare(Environment& environment, Connection& connection, const Region& region) const {
   if (!mdlDataTypesView::IsReadableFrom(connection.Model(), region.type)) {
     environment.err << "Written: " << RegionText(region)
@@ -115,12 +77,8 @@ Outcome VerbWrite::Compare(Environment& environment, Connection& connection, con
                     << "back on " << connection.Model() << ".\n";
     return MakeAnswer(region, nullptr);
   }
-  const auto readBack = ReadOperands(environment, connection, region);
-  if (!readBack) return std::unexpected(NotReadBack(readBack.error(), region));
-  for (std::size_t i = 0; i < mValues.size(); ++i) {
-    if (IsSameValue(region.type, connection.Model(), mValues[i], (*readBack)[i])) continue;
-    return std::unexpected(DiffersFailure(region, i, mValues[i], (*readBack)[i]));
-  }
+  const auto readBack = ReadBack(environment, connection, region, mValues);
+  if (!readBack) return std::unexpected(readBack.error());
   environment.err << "Written and read back: " << RegionText(region) << "\n";
   return MakeAnswer(region, *readBack);
 }

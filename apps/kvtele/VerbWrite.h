@@ -21,8 +21,6 @@ class VerbWrite : public Verb {
  private:
   [[nodiscard]] std::expected<Region, Failure> CheckOrder(const Environment& environment,
                                                           const CommonOptions& common) const;
-  [[nodiscard]] std::expected<void, Failure> Write(Environment& environment, const CommonOptions& common,
-                                                   Connection& connection, const Region& region) const;
   [[nodiscard]] Outcome Compare(Environment& environment, Connection& connection, const Region& region) const;
 
   std::string mType;

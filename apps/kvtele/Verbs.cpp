@@ -3,7 +3,9 @@
 #include "apps/kvtele/VerbOnline.h"
 #include "apps/kvtele/VerbPorts.h"
 #include "apps/kvtele/VerbRead.h"
+#include "apps/kvtele/VerbRegions.h"
 #include "apps/kvtele/VerbSessions.h"
+#include "apps/kvtele/VerbWatch.h"
 #include "apps/kvtele/VerbWrite.h"
 
 namespace kv::cli {
@@ -14,6 +16,8 @@ std::vector<std::unique_ptr<Verb>> MakeVerbs() {
   verbs.push_back(std::make_unique<VerbOnline>());
   verbs.push_back(std::make_unique<VerbRead>());
   verbs.push_back(std::make_unique<VerbWrite>());
+  verbs.push_back(std::make_unique<VerbRegions>());
+  verbs.push_back(std::make_unique<VerbWatch>());
   verbs.push_back(std::make_unique<VerbSessions>());
   verbs.push_back(std::make_unique<VerbPorts>());
   return verbs;

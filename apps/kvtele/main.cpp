@@ -5,12 +5,14 @@
 #include "apps/kvtele/DriverMaker.h"
 #include "apps/kvtele/KvTele.h"
 #include "base/ProgramPaths.h"
+#include "desktop/PacerWallClock.h"
 #include "desktop/console/ConsolePacer.h"
 
 int main(int argc, char** argv) {
   using namespace kv;
   const cli::ConsoleSetup setup;
   ConsolePacer pacer;
+  const PacerWallClock clock;
   TerminalInput input;
   cli::DriverMaker drivers(pacer, std::cerr);
   cli::Environment environment{
@@ -19,6 +21,7 @@ int main(int argc, char** argv) {
       .errIsTerminal = cli::ErrorIsTerminal(),
       .input = input,
       .pacer = pacer,
+      .clock = clock,
       .home = ExecutableFolder(),
       .makeDriver = [&drivers](const cli::DriverOrder& order) { return drivers.Make(order); },
       .listSerialPorts = ListSerialPorts,

@@ -33,6 +33,7 @@ Result CommandBench::Run(const std::vector<std::string>& arguments) {
       .errIsTerminal = errIsTerminal,
       .input = input,
       .pacer = pacer,
+      .clock = pacer,
       .home = home.Path(),
       .makeDriver =
           [&](cli::DriverOrder order) {

@@ -113,6 +113,7 @@ TEST(Output, ThatCannotBeWrittenFailsWithoutHarm) {
                                .errIsTerminal = false,
                                .input = input,
                                .pacer = pacer,
+                               .clock = pacer,
                                .home = {},
                                .makeDriver = {},
                                .listSerialPorts = [] { return std::vector<SerialPortInfo>{{"COM3", "COM3", "", ""}}; }};

@@ -1,0 +1,138 @@
+#include "apps/kvtele/RegionWatch.h"
+
+#include <algorithm>
+#include <chrono>
+#include <nlohmann/json.hpp>
+
+#include "dataview/OperandCatalogue.h"
+#include "dataview/RegionTransfer.h"
+
+namespace kv::cli {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// As the window asks again after a controller that does not answer.
+constexpr Duration kFirstPause = 2s;
+constexpr Duration kLongestPause = 30s;
+
+constexpr Duration kSlice = 50ms;  // Ctrl-C is noticed between two slices
+
+// Failures after which the link may be there again: nothing is wrong with the request.
+bool MayComeBack(LinkErrorCode code) {
+  switch (code) {
+    case LinkErrorCode::CannotOpen:
+    case LinkErrorCode::NoReply:
+    case LinkErrorCode::Damaged:
+    case LinkErrorCode::Busy:
+    case LinkErrorCode::LinkLost:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// "2024-01-01 13:05:09"
+std::string TimeText(std::chrono::local_seconds time) {
+  const auto day = std::chrono::floor<std::chrono::days>(time);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss clock(time - day);
+  const auto two = [](auto number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+  return std::to_string(static_cast<int>(date.year())) + "-" + two(static_cast<unsigned>(date.month())) + "-" +
+         two(static_cast<unsigned>(date.day())) + " " + two(clock.hours().count()) + ":" +
+         two(clock.minutes().count()) + ":" + two(clock.seconds().count());
+}
+
+}  // namespace
+
+RegionWatch::RegionWatch(Environment& environment, Connection& connection, std::vector<Region> regions,
+                         WatchOptions options)
+    : mEnvironment(environment),
+      mConnection(connection),
+      mRegions(std::move(regions)),
+      mOptions(options),
+      mLast(mRegions.size()),
+      mStart(environment.pacer.Now()) {}
+
+std::expected<void, Failure> RegionWatch::Run() {
+  while (!IsOver()) {
+    for (std::size_t row = 0; row < mRegions.size(); ++row) {
+      if (IsStopped()) return std::unexpected(StoppedFailure());
+      auto texts = Read(mRegions[row]);
+      if (!texts) return std::unexpected(texts.error());
+      Show(row, *std::move(texts));
+      if (IsOver()) return {};
+      if (!mEnvironment.out) {
+        return std::unexpected(Failure{ExitCode::Failed, "output", {}, "the output was closed", {}, {}});
+      }
+    }
+    Pause(mOptions.pause);
+  }
+  return {};
+}
+
+// The region's texts, however long the link stays away.
+std::expected<RegionWatch::Texts, Failure> RegionWatch::Read(const Region& region) {
+  Duration pause = kFirstPause;
+  for (bool wasLost = false;; wasLost = true) {
+    auto texts = mdlDataTypesView::ReadRegion(mConnection.Link(), mConnection.Model(), region);
+    if (texts) {
+      if (wasLost) mEnvironment.err << "The controller answers again.\n" << std::flush;
+      return *std::move(texts);
+    }
+    if (IsStopped()) return std::unexpected(StoppedFailure());
+    if (!MayComeBack(texts.error().code)) return std::unexpected(LinkFailure(texts.error(), true));
+    if (!wasLost) mEnvironment.err << texts.error().Text() << "\nThe watch goes on when it answers.\n" << std::flush;
+    if (const auto waited = WaitForLink(texts.error(), pause); !waited) return std::unexpected(waited.error());
+    pause = std::min(2 * pause, kLongestPause);
+  }
+}
+
+std::expected<void, Failure> RegionWatch::WaitForLink(const LinkError& error, Duration pause) {
+  Pause(pause);
+  if (IsStopped()) return std::unexpected(StoppedFailure());
+  if (IsOver()) return std::unexpected(LinkFailure(error, true));
+  return {};
+}
+
+void RegionWatch::Show(std::size_t row, Texts texts) {
+  const Texts& before = mLast[row];
+  for (std::size_t i = 0; i < before.size() && i < texts.size(); ++i) {
+    if (texts[i] != before[i]) ShowChange(mRegions[row], i, before[i], texts[i]);
+    if (mOptions.count > 0 && mChanges == mOptions.count) return;
+  }
+  mLast[row] = std::move(texts);
+}
+
+void RegionWatch::ShowChange(const Region& region, std::size_t index, const std::string& before,
+                             const std::string& now) {
+  ++mChanges;
+  const std::string time = TimeText(mEnvironment.clock.LocalTime());
+  const std::string type(mdlDataTypesView::TypeName(region.type));
+  const std::int64_t address = region.from + static_cast<std::int64_t>(index);
+  if (mOptions.json) {
+    const nlohmann::ordered_json change = {
+        {"time", time}, {"type", type}, {"address", address}, {"old", before}, {"new", now}};
+    mEnvironment.out << change.dump() << "\n" << std::flush;
+    return;
+  }
+  mEnvironment.out << time << "\t" << type << "\t" << address << "\t" << before << "\t" << now << "\n" << std::flush;
+}
+
+void RegionWatch::Pause(Duration span) {
+  for (; span > Duration::zero() && !IsStopped() && !IsOver(); span -= kSlice) {
+    mEnvironment.pacer.Sleep(std::min(span, kSlice));
+  }
+}
+
+bool RegionWatch::IsOver() const {
+  if (mOptions.count > 0 && mChanges >= mOptions.count) return true;
+  return mOptions.span > Duration::zero() && mEnvironment.pacer.Now() - mStart >= mOptions.span;
+}
+
+Failure RegionWatch::StoppedFailure() const {
+  return InterruptedFailure("watching (" + std::to_string(mChanges) + (mChanges == 1 ? " change)" : " changes)"));
+}
+
+}  // namespace kv::cli

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <expected>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/Environment.h"
+#include "apps/kvtele/RegionsFile.h"
+
+namespace kv::cli {
+
+struct WatchOptions {
+  std::size_t count = 0;              // ends after so many changes; 0: no limit
+  Duration span = Duration::zero();   // ends after so long; zero: no limit
+  Duration pause = Duration::zero();  // between two passes
+  bool json = false;
+};
+
+// Reads regions pass by pass and prints a line for each operand that has another value than at its last reading. What
+// is there at first is no change.
+//
+//   passes -> lost (the link failed; asks again with growing pauses) -> passes
+//   ends: count or span reached | stopped by the user | refused by the controller, or another one | span over while
+//   lost
+class RegionWatch {
+ public:
+  // `connection` outlives the watch. The regions are each one request.
+  RegionWatch(Environment& environment, Connection& connection, std::vector<Region> regions, WatchOptions options);
+
+  // Runs until it ends; the failure is why it did not end as it was meant to.
+  [[nodiscard]] std::expected<void, Failure> Run();
+
+  [[nodiscard]] std::size_t Changes() const { return mChanges; }
+
+ private:
+  using Texts = std::vector<std::string>;
+
+  [[nodiscard]] std::expected<Texts, Failure> Read(const Region& region);
+  [[nodiscard]] std::expected<void, Failure> WaitForLink(const LinkError& error, Duration pause);
+  void Show(std::size_t row, Texts texts);
+  void ShowChange(const Region& region, std::size_t index, const std::string& before, const std::string& now);
+  void Pause(Duration span);
+  [[nodiscard]] bool IsOver() const;
+  [[nodiscard]] bool IsStopped() const { return mEnvironment.pacer.StopRequested(); }
+  [[nodiscard]] Failure StoppedFailure() const;
+
+  Environment& mEnvironment;
+  Connection& mConnection;
+  std::vector<Region> mRegions;
+  WatchOptions mOptions;
+  std::vector<Texts> mLast;  // of each region; empty before its first reading
+  Instant mStart;
+  std::size_t mChanges = 0;
+};
+
+}  // namespace kv::cli

@@ -1,0 +1,52 @@
+#include "apps/kvtele/RegionsFile.h"
+
+#include "base/AtomicFile.h"
+#include "base/PathText.h"
+#include "dataview/files/RegionFile.h"
+
+namespace kv::cli {
+
+using namespace mdlDataTypesView;
+
+namespace {
+
+// The text of a message box, whose lines end with CR LF, as one line.
+std::string OneLine(std::string_view text) {
+  std::string line;
+  for (const char c : text) {
+    if (c != '\r' && c != '\n') line += c;
+  }
+  return line;
+}
+
+}  // namespace
+
+Failure BadFileFailure(const std::string& file, std::string happened, std::string cause) {
+  return {ExitCode::BadFile, "badFile", "loading " + file, std::move(happened), std::move(cause), {}};
+}
+
+std::expected<std::string, Failure> ReadFileFor(const std::string& file, std::size_t limit) {
+  auto bytes = ReadWholeFile(PathFromUtf8(file), limit);
+  if (bytes) return *std::move(bytes);
+  return std::unexpected(BadFileFailure(file, bytes.error().what, {}));
+}
+
+std::expected<RegionsFile, Failure> RegionsFile::Read(const std::string& file) {
+  auto bytes = ReadFileFor(file, kLargestRegionFile);
+  if (!bytes) return std::unexpected(bytes.error());
+  return RegionsFile(file, *std::move(bytes));
+}
+
+std::expected<std::vector<RegionRow>, Failure> RegionsFile::RowsFor(std::string_view model) const {
+  auto rows = ParseRegionFile(mBytes, model);
+  if (rows) return *std::move(rows);
+  return std::unexpected(BadFileFailure(mFile, OneLine(rows.error().Message()), rows.error().reason));
+}
+
+std::vector<Region> RegionsOf(const std::vector<RegionRow>& rows) {
+  std::vector<Region> regions;
+  for (const RegionRow& row : rows) regions.push_back(row.region);
+  return regions;
+}
+
+}  // namespace kv::cli

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <expected>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apps/kvtele/CommonOptions.h"
+#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/Environment.h"
+#include "apps/kvtele/Operands.h"
+#include "dataview/RegionTable.h"
+
+// The region file that a command works with.
+namespace kv::cli {
+
+using mdlDataTypesView::RegionRow;
+
+// A file that cannot be used; `cause` names the place in it.
+[[nodiscard]] Failure BadFileFailure(const std::string& file, std::string happened, std::string cause);
+
+// What is in a file; a failure when it cannot be read.
+[[nodiscard]] std::expected<std::string, Failure> ReadFileFor(const std::string& file, std::size_t limit);
+
+// A region file whose regions are checked as soon as the model is known.
+class RegionsFile {
+ public:
+  [[nodiscard]] static std::expected<RegionsFile, Failure> Read(const std::string& file);
+
+  // The rows for this model, in the order of the table.
+  [[nodiscard]] std::expected<std::vector<RegionRow>, Failure> RowsFor(std::string_view model) const;
+
+ private:
+  RegionsFile(std::string file, std::string bytes) : mFile(std::move(file)), mBytes(std::move(bytes)) {}
+
+  std::string mFile;
+  std::string mBytes;
+};
+
+[[nodiscard]] std::vector<Region> RegionsOf(const std::vector<RegionRow>& rows);
+
+}  // namespace kv::cli

@@ -1,0 +1,231 @@
+#include "apps/kvtele/VerbRegions.h"
+
+#include <CLI/Option.hpp>
+#include <CLI/Validators.hpp>
+#include <algorithm>
+
+#include "apps/kvtele/OperandLink.h"
+#include "apps/kvtele/PasswordGiven.h"
+#include "apps/kvtele/Progress.h"
+#include "apps/kvtele/Prompting.h"
+#include "apps/kvtele/ReadBack.h"
+#include "dataview/OperandCatalogue.h"
+#include "dataview/RegionTransfer.h"
+#include "dataview/RowDisplay.h"
+
+namespace kv::cli {
+
+using namespace mdlDataTypesView;
+
+namespace {
+
+using RowTexts = std::vector<std::vector<std::string>>;  // of each row, one an operand
+
+// ---- reading ----
+
+std::expected<RowTexts, Failure> ReadRows(Environment& environment, Connection& connection,
+                                          const std::vector<RegionRow>& rows) {
+  Progress progress(environment, "reading regions", rows.size());
+  RowTexts all;
+  for (const RegionRow& row : rows) {
+    auto texts = ReadOperands(environment, connection, row.region);
+    if (!texts) return std::unexpected(texts.error());
+    all.push_back(*std::move(texts));
+    progress.Show(all.size());
+  }
+  return all;
+}
+
+// Characters of a controller's memory can be line ends and tabs; a region is one line.
+std::string OneLine(std::string text) {
+  std::ranges::replace_if(text, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
+  return text;
+}
+
+Answer MakeAnswer(const std::string& model, const std::vector<RegionRow>& rows, const RowTexts& texts, bool asCsv) {
+  Answer answer;
+  answer.document = {{"model", model}, {"regions", nlohmann::ordered_json::array()}};
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const RegionRow& row = rows[i];
+    const std::string shown = DisplayRow(row.region.type, texts[i], row.size, row.format);
+    answer.document["regions"].push_back({{"type", TypeName(row.region.type)},
+                                          {"from", row.region.from},
+                                          {"to", row.region.to},
+                                          {"description", row.description},
+                                          {"size", SizeName(row.size)},
+                                          {"format", FormatName(row.format)},
+                                          {"values", texts[i]},
+                                          {"text", shown}});
+    answer.text += std::string(TypeName(row.region.type)) + "\t" + std::to_string(row.region.from) + "\t" +
+                   std::to_string(row.region.to) + "\t" + OneLine(row.description) + "\t" + OneLine(shown) + "\n";
+  }
+  if (asCsv) answer.text = PrintValues(rows, texts);
+  return answer;
+}
+
+// ---- writing ----
+
+std::size_t CountOf(const std::vector<ValueRun>& runs) {
+  std::size_t count = 0;
+  for (const ValueRun& run : runs) count += run.texts.size();
+  return count;
+}
+
+std::string CountText(std::size_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+std::string WrittenBefore(std::size_t values, std::size_t total) {
+  if (values == 0) return {};
+  return std::to_string(values) + " of " + std::to_string(total) + " values had been written before";
+}
+
+std::expected<void, Failure> WriteRuns(Environment& environment, Connection& connection,
+                                       const std::vector<ValueRun>& runs) {
+  const std::size_t total = CountOf(runs);
+  Progress progress(environment, "writing regions", total);
+  std::size_t done = 0;
+  for (const ValueRun& run : runs) {
+    const std::string before = WrittenBefore(done, total);
+    if (environment.pacer.StopRequested()) {
+      return std::unexpected(
+          InterruptedFailure("writing regions (" + (before.empty() ? "nothing was written" : before) + ")"));
+    }
+    const auto written = WriteRegion(connection.Link(), connection.Model(), run.region, run.texts);
+    if (!written) return std::unexpected(WriteFailure(written.error(), run.region, before));
+    done += run.texts.size();
+    progress.Show(done);
+  }
+  return {};
+}
+
+std::expected<void, Failure> Confirm(Environment& environment, const CommonOptions& common, Connection& connection,
+                                     std::size_t count) {
+  MessageBox box;
+  box.text = "Write " + CountText(count, "value") + " to " + connection.Description() + "?";
+  box.icon = PromptIcon::Question;
+  box.buttons = PromptButtons::YesNo;
+  if (PromptsFor(environment, common).Show(box) == PromptAnswer::Yes) return {};
+  if (environment.pacer.StopRequested()) {
+    return std::unexpected(InterruptedFailure("writing regions (nothing was written)"));
+  }
+  return std::unexpected(Failure{ExitCode::Failed, "declined", "writing regions", "nothing was written",
+                                 "the question was not answered with yes", "give --yes to write without a question"});
+}
+
+MessageBox ReadOnlyBox() {
+  MessageBox box;
+  box.text = kReadOnlyRegionsMessage;
+  box.icon = PromptIcon::Exclamation;
+  return box;
+}
+
+// Reads back what can be read and compares; how many values were compared.
+std::expected<std::size_t, Failure> Compare(Environment& environment, Connection& connection,
+                                            const std::vector<ValueRun>& runs) {
+  std::size_t compared = 0;
+  for (const ValueRun& run : runs) {
+    if (!IsReadableFrom(connection.Model(), run.region.type)) continue;
+    const auto readBack = ReadBack(environment, connection, run.region, run.texts);
+    if (!readBack) return std::unexpected(readBack.error());
+    compared += run.texts.size();
+  }
+  return compared;
+}
+
+Answer WriteAnswer(Environment& environment, const ValuesToWrite& values, std::size_t compared) {
+  const std::size_t count = CountOf(values.runs);
+  environment.err << "Written: " << CountText(count, "value") << ", of which " << compared << " were read back.\n";
+  Answer answer;
+  answer.document = {{"written", count}, {"compared", compared}, {"missing", values.missing}};
+  return answer;
+}
+
+}  // namespace
+
+const char* VerbRegions::Examples() const {
+  return "  kvtele --link sim:K220-22-R1 regions read plant.axt               a line each: type, from, to,\n"
+         "                                                                    description, values as shown\n"
+         "  kvtele --link sim:K220-22-R1 regions read plant.axt --csv > v.csv  one line an operand\n"
+         "  kvtele --link sim:K220-22-R1 regions write plant.axt v.csv         after asking; --yes does not\n"
+         "The values in a region file itself are texts to be looked at, so what is written comes from a file\n"
+         "as read --csv prints it. Operands that it leaves out stay as they are.\n";
+}
+
+void VerbRegions::Declare(CLI::App& app) {
+  app.add_option("ACTION", mAction, "read or write")->required()->check(CLI::IsMember({"read", "write"}));
+  app.add_option("FILE", mFile, "Region file (.axt) that the operand view has saved")->required()->type_name("");
+  app.add_option("VALUES", mValuesFile, "With write: the values, as read --csv prints them")->type_name("");
+  app.add_flag("--csv", mAsCsv, "With read: one line an operand, type, address and value");
+}
+
+Outcome VerbRegions::Run(Environment& environment, const CommonOptions& common) {
+  if (const auto checked = CheckArguments(); !checked) return std::unexpected(checked.error());
+  const auto file = RegionsFile::Read(mFile);
+  if (!file) return std::unexpected(file.error());
+  return mAction == "read" ? Read(environment, common, *file) : Write(environment, common, *file);
+}
+
+std::expected<void, Failure> VerbRegions::CheckArguments() const {
+  const bool isWrite = mAction == "write";
+  if (isWrite && mValuesFile.empty()) {
+    return std::unexpected(UsageFailure("write needs the file with the values", "see kvtele regions --help"));
+  }
+  if (!isWrite && !mValuesFile.empty()) {
+    return std::unexpected(UsageFailure("read takes one file", "see kvtele regions --help"));
+  }
+  if (isWrite && mAsCsv) {
+    return std::unexpected(UsageFailure("--csv goes with read", "see kvtele regions --help"));
+  }
+  return {};
+}
+
+Outcome VerbRegions::Read(Environment& environment, const CommonOptions& common, const RegionsFile& file) const {
+  std::vector<RegionRow> rows;
+  const auto understand = [&](const std::string& model) -> std::expected<std::vector<Region>, Failure> {
+    auto parsed = file.RowsFor(model);
+    if (!parsed) return std::unexpected(parsed.error());
+    rows = *std::move(parsed);
+    return RegionsOf(rows);
+  };
+  const auto connection = ConnectFor(environment, common, understand);
+  if (!connection) return std::unexpected(connection.error());
+  const auto texts = ReadRows(environment, **connection, rows);
+  if (!texts) return std::unexpected(texts.error());
+  return MakeAnswer((*connection)->Model(), rows, *texts, mAsCsv);
+}
+
+Outcome VerbRegions::Write(Environment& environment, const CommonOptions& common, const RegionsFile& file) const {
+  const auto bytes = ReadFileFor(mValuesFile, kLargestValuesFile);
+  if (!bytes) return std::unexpected(bytes.error());
+  ValuesToWrite values;
+  const auto understand = [&](const std::string& model) -> std::expected<std::vector<Region>, Failure> {
+    const auto rows = file.RowsFor(model);
+    if (!rows) return std::unexpected(rows.error());
+    auto parsed = ParseValues(*bytes, mValuesFile, *rows, model);
+    if (!parsed) return std::unexpected(parsed.error());
+    values = *std::move(parsed);
+    return RegionsOf(*rows);
+  };
+  const auto connection = ConnectFor(environment, common, understand);
+  if (!connection) return std::unexpected(connection.error());
+  Connection& controller = **connection;
+  if (values.readOnly > 0) PromptsFor(environment, common).Show(ReadOnlyBox());
+  if (values.missing > 0) {
+    environment.err << CountText(values.missing, "operand") << " without a value in " << mValuesFile
+                    << " stay as they are.\n";
+  }
+  if (values.runs.empty()) return WriteAnswer(environment, values, 0);
+
+  if (const auto yes = Confirm(environment, common, controller, CountOf(values.runs)); !yes) {
+    return std::unexpected(yes.error());
+  }
+  const auto written =
+      WithPassword(environment, common, controller, [&] { return WriteRuns(environment, controller, values.runs); });
+  if (!written) return std::unexpected(written.error());
+  const auto compared = Compare(environment, controller, values.runs);
+  if (!compared) return std::unexpected(compared.error());
+  return WriteAnswer(environment, values, *compared);
+}
+
+}  // namespace kv::cli

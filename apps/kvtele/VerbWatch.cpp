@@ -1,0 +1,63 @@
+#include "apps/kvtele/VerbWatch.h"
+
+#include <CLI/Option.hpp>
+#include <CLI/Validators.hpp>
+#include <chrono>
+
+#include "apps/kvtele/OperandLink.h"
+#include "apps/kvtele/RegionWatch.h"
+
+namespace kv::cli {
+
+namespace {
+
+constexpr int kMostChanges = 1'000'000'000;
+constexpr int kMostSeconds = 31'536'000;  // a year
+constexpr int kLongestPause = 3'600'000;
+
+}  // namespace
+
+const char* VerbWatch::Examples() const {
+  return "  kvtele --link sim:K220-22-R1 watch plant.axt            until Ctrl-C; a line for each change:\n"
+         "                                                          time, type, address, old value, new value\n"
+         "  kvtele --link sim:K220-22-R1 watch plant.axt --for 60   for a minute\n"
+         "  kvtele --link sim:K220-22-R1 watch plant.axt --count 1  until something changes\n"
+         "A link that breaks is waited for, and messages say so. With --json each line is a document.\n";
+}
+
+void VerbWatch::Declare(CLI::App& app) {
+  app.add_option("FILE", mFile, "Region file (.axt) that the operand view has saved")->required()->type_name("");
+  app.add_option("--count", mCount, "End after so many changes")->check(CLI::Range(1, kMostChanges))->type_name("N");
+  app.add_option("--for", mSeconds, "End after so many seconds")
+      ->check(CLI::Range(1, kMostSeconds))
+      ->type_name("SECONDS");
+  app.add_option("--every", mPause, "Pause between two readings of all regions. Default: 200")
+      ->check(CLI::Range(0, kLongestPause))
+      ->type_name("MS");
+}
+
+Outcome VerbWatch::Run(Environment& environment, const CommonOptions& common) {
+  const auto file = RegionsFile::Read(mFile);
+  if (!file) return std::unexpected(file.error());
+  std::vector<Region> regions;
+  const auto understand = [&](const std::string& model) -> std::expected<std::vector<Region>, Failure> {
+    const auto rows = file->RowsFor(model);
+    if (!rows) return std::unexpected(rows.error());
+    return regions = RegionsOf(*rows);
+  };
+  const auto connection = ConnectFor(environment, common, understand);
+  if (!connection) return std::unexpected(connection.error());
+  if (regions.empty()) {
+    environment.err << "The file has no regions; there is nothing to watch.\n";
+    return Answer{};
+  }
+  RegionWatch watch(environment, **connection, std::move(regions),
+                    {.count = static_cast<std::size_t>(mCount),
+                     .span = std::chrono::seconds(mSeconds),
+                     .pause = std::chrono::milliseconds(mPause),
+                     .json = common.json});
+  if (const auto ended = watch.Run(); !ended) return std::unexpected(ended.error());
+  return Answer{};  // everything has been printed
+}
+
+}  // namespace kv::cli
