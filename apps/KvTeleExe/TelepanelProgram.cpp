@@ -5,6 +5,7 @@
 #include "KvTele2/ui/HostLibrary.h"
 #include "apps/KvTeleExe/DialogWindow.h"
 #include "base/PathText.h"
+#include "clone/ui/frmDumpPLC.h"
 #include "dataview/ui/frmDataTypesView.h"
 #include "desktop/ui/WindowGeometry.h"
 #include "host/mdlMain.h"
@@ -84,6 +85,14 @@ ToolWindows TelepanelProgram::MakeWindows(SharedState& shared) {
   windows.frmSession = [this, &shared](const std::string&) {
     const auto make = [this, &shared](QWidget* parent) {
       return std::make_unique<frmSession>(shared, mPrompts, parent);
+    };
+    return std::make_unique<DialogWindow>(make, WindowsFile(mPaths));
+  };
+  windows.frmDumpPLC = [this, &shared](const std::string&) {
+    const auto make = [this, &shared](QWidget* parent) {
+      return std::make_unique<frmDumpPLC>(
+          ClonerServices{.shared = shared, .prompts = mPrompts, .pacer = mPacer, .clock = mClock, .shell = mShell},
+          parent);
     };
     return std::make_unique<DialogWindow>(make, WindowsFile(mPaths));
   };

@@ -1,0 +1,231 @@
+#include "clone/ui/frmDumpPLC.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QTableView>
+#include <QToolBar>
+#include <algorithm>
+#include <limits>
+
+#include "base/AnsiText.h"
+#include "base/PathText.h"
+#include "clone/CloneInfo.h"
+#include "clone/ui/DumpList.h"
+#include "desktop/ui/Commands.h"
+
+// What the window does; how it looks is in frmDumpPLCLayout.cpp.
+namespace kv {
+namespace {
+
+constexpr const char* kFilter = "Korvantis Dump File|*.kdf";
+constexpr const char* kBusy = "An operation is running; Stop ends it.";
+constexpr const char* kIdle = "No operation is running.";
+
+QString Caption(std::string_view suffix = {}) {
+  return QString::fromStdString(std::string(kClonerCaption).append(suffix));
+}
+
+int Clamped(std::int64_t value) {
+  return static_cast<int>(std::clamp<std::int64_t>(value, 0, std::numeric_limits<int>::max()));
+}
+
+// "K220-22-R1, O/S 4.60, cloned on 2026-11-21 at 10:15:00".
+std::string HeadText(const CloneHead& head) {
+  const std::string created = head.created.substr(0, head.created.find('\t'));
+  const std::string time = created.size() < head.created.size() ? head.created.substr(created.size() + 1) : "";
+  return AnsiToUtf8(head.version.model + ", O/S " + head.version.osVersion + ", cloned on " + created +
+                    (time.empty() ? "" : " at " + time));
+}
+
+}  // namespace
+
+// Everything that is given back when an operation ends, however it ends.
+class frmDumpPLC::Operation {
+ public:
+  Operation(frmDumpPLC& window, std::string_view caption) : mWindow(window) {
+    mWindow.setWindowTitle(Caption(caption));
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    QtPacer& pacer = mWindow.mServices.pacer;
+    pacer.ClearStop();
+    mGateBefore = pacer.ExchangeGate({.isOpen = true});  // all but the stop tool is disabled
+    mWindow.mInformation->clear();
+    mWindow.mProgress = std::make_unique<DumpProgress>(pacer);
+    mWindow.mIsStopAsked = false;
+    mWindow.mEngine = std::make_unique<clsDumpPLC>(mWindow, mWindow.mServices.prompts, pacer, mWindow.mServices.clock);
+  }
+  ~Operation() {
+    mWindow.mEngine.reset();
+    mWindow.mServices.pacer.ExchangeGate(std::move(mGateBefore));
+    mWindow.mServices.pacer.ClearStop();
+    QApplication::restoreOverrideCursor();
+    mWindow.setWindowTitle(Caption());
+    mWindow.EnableCommands(true);
+  }
+  Operation(const Operation&) = delete;
+  Operation& operator=(const Operation&) = delete;
+
+ private:
+  frmDumpPLC& mWindow;
+  InputGate mGateBefore;
+};
+
+void frmDumpPLC::EnableCommands(bool enabled) {
+  for (QAction* each : {mCreate, mRestore, mExit}) Allow(*each, enabled ? "" : kBusy);
+  Allow(*mStop, enabled ? kIdle : "");
+  mIsBusy = !enabled;
+  for (QCheckBox* each : {mOp, mDt, mAp, mOs}) each->setEnabled(enabled);
+  if (mIsBusy) mTools->widgetForAction(mStop)->setFocus();  // what had the focus may just have been disabled
+}
+
+void frmDumpPLC::reject() {
+  if (mIsBusy) return mProgressText->setText(kBusy);
+  QDialog::reject();
+}
+
+void frmDumpPLC::CreateClone() {
+  EnableCommands(false);
+  const auto chosen = mServices.prompts.SaveFile({.title = "Create Clone File", .filter = kFilter});
+  if (!chosen) return EnableCommands(true);
+  const Operation operation(*this, ": Create Clone File");
+  const auto link = mServices.shared.ComDriver->GetChannel();
+  if (!link) {
+    // Nothing can be read, so the file that may stand there is left alone.
+    mServices.prompts.Show({.text = "Operation Failed.", .title = std::string(kClonerCaption)});
+    return ShowNoLink("The clone file was not created.");
+  }
+  const std::filesystem::path file = PathFromUtf8(*chosen);
+  mEngine->CreateGhost(*link, file);
+  ShowOutcome("Creating the clone file", file);
+}
+
+void frmDumpPLC::RestoreClone() {
+  EnableCommands(false);
+  const auto chosen = mServices.prompts.OpenFile({.title = "Restore Clone File", .filter = kFilter});
+  if (!chosen) return EnableCommands(true);
+  const Operation operation(*this, ": Restore Clone File");
+  mRows->BeginCommands();
+  const auto link = mServices.shared.ComDriver->GetChannel();
+  if (!link) return ShowNoLink("The clone file was not restored.");
+  RestoreInto(*link, PathFromUtf8(*chosen));
+}
+
+void frmDumpPLC::RestoreInto(Channel& link, const std::filesystem::path& file) {
+  if (!Inspect(link, file)) return Say("Stopped before anything was sent to the controller.");
+  SerialPortObject* port = link.GetSerialPort();
+  if (port == nullptr) return ShowNoLink("The clone file was not restored.");
+  mEngine->RestoreGhost(*port, file, &link);
+  ShowOutcome("Restoring the clone file", file);
+}
+
+// Tells what the file holds and what speaks against restoring it, before the engine shows its own information. False
+// when the user has stopped it. What cannot be read is told; the engine then fails on it in its own way.
+bool frmDumpPLC::Inspect(Channel& link, const std::filesystem::path& file) {
+  const CloneWork work{.isStopped =
+                           [this] {
+                             mServices.pacer.Turn();
+                             return mIsStopAsked;
+                           },
+                       .onProgress = {}};
+  mProgressText->setText("Looking through the clone file");
+  const auto info = InspectClone(file, work);
+  if (mIsStopAsked) return false;
+  if (!info) {
+    Say(info.error().reason);
+    return true;
+  }
+  const auto version = link.GetVersionInfo(link.UnitID());
+  if (mIsStopAsked) return false;
+  if (info->head) Say(Utf8FromPath(file) + ": " + HeadText(*info->head) + ".");
+  if (!version) Say("The controller did not tell its model.\n" + link.LastError().Text());
+  // Without an answer the model is taken to be right: there is nothing to compare it with.
+  const auto findings = FindingsBeforeRestore(
+      *info, version || !info->head ? version.value_or(VersionInfo()) : info->head->version, link.UnitID());
+  for (const std::string& finding : findings) Say("Warning: " + finding);
+  if (findings.empty() && version) Say("The file is whole, and made from a controller of this model.");
+  return true;
+}
+
+// The engine notices after the piece that it is busy with; an exchange that waits for a reply ends at once.
+void frmDumpPLC::StopDump() {
+  mIsStopAsked = true;
+  if (!mEngine) return;
+  mEngine->StopDump();
+  mServices.pacer.RequestStop();
+  mProgressText->setText("Stopping");
+}
+
+void frmDumpPLC::ShowHelp() {
+  const std::string topic = Utf8FromPath(mServices.shared.paths.Help() / "Cloner.html");
+  if (const auto opened = mServices.shell.Open("", topic, ""); !opened) {
+    mServices.prompts.Show(
+        {.text = opened.error(), .title = std::string(kClonerCaption), .icon = PromptIcon::Exclamation});
+  }
+}
+
+void frmDumpPLC::ShowNoLink(const std::string& what) {
+  Say(what + "\n" + mServices.shared.ComDriver->LastError().Text());
+  mProgressText->clear();
+}
+
+void frmDumpPLC::ShowOutcome(const std::string& what, const std::filesystem::path& file) {
+  const CloneOutcome& outcome = mEngine->Outcome();
+  const std::string end = outcome.end == CloneEnd::Done      ? " has ended well: " + Utf8FromPath(file)
+                          : outcome.end == CloneEnd::Stopped ? " was stopped."
+                                                             : " has failed.";
+  const std::string text = what + end + (outcome.reason.empty() ? "" : "\n" + outcome.reason);
+  Say(text);
+  if (outcome.end != CloneEnd::Done) mServices.shared.Remote->StatusMessage(text);
+  ShowProgress();
+}
+
+void frmDumpPLC::Say(const std::string& text) {
+  mInformation->appendPlainText(QString::fromStdString(text));
+}
+
+void frmDumpPLC::ShowProgress() {
+  mProgressText->setText(QString::fromStdString(mProgress->Text()));
+}
+
+void frmDumpPLC::FillSegments(std::span<const CloneSegment> segments) {
+  mRows->ShowSegments(segments);
+  mProgress->FillSegments(segments, CheckedSegments());
+}
+
+void frmDumpPLC::Event_SegmentIndex(int index) {
+  mProgress->SegmentIndex(index);
+  mGrid->selectRow(index - 1);
+  mGrid->scrollTo(mRows->index(index - 1, 0));
+}
+
+void frmDumpPLC::Event_ProgressBarInit(std::int64_t minimum, std::int64_t maximum) {
+  mProgressBar->setMaximum(Clamped(maximum));
+  mProgressBar->setMinimum(Clamped(minimum));
+  mProgressBar->setValue(Clamped(minimum));
+  mProgress->ProgressBarInit(maximum);
+  ShowProgress();
+}
+
+void frmDumpPLC::Event_ProgressBarValue(std::int64_t value) {
+  mProgressBar->setValue(Clamped(value));
+  mProgress->ProgressBarValue(value);
+  if (!mIsStopAsked) ShowProgress();
+}
+
+void frmDumpPLC::Event_AddWriteCommand(std::string_view line) {
+  mRows->AddCommand(line);
+  if (!mScroll.isActive()) mScroll.start();
+}
+
+void frmDumpPLC::Event_Refresh() {
+  mGrid->viewport()->update();
+}
+
+SegmentBoxes frmDumpPLC::CheckedSegments() const {
+  return {.op = mOp->isChecked(), .dt = mDt->isChecked(), .ap = mAp->isChecked(), .os = mOs->isChecked()};
+}
+
+}  // namespace kv

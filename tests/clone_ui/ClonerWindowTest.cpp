@@ -1,0 +1,287 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAbstractItemModelTester>
+#include <QCheckBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QTableView>
+
+#include "KvCmDrv1/Driver.h"
+#include "clone/CloneFrame.h"
+#include "clone/CloneInfo.h"
+#include "clone/CloneVerify.h"
+#include "clone/ui/DumpList.h"
+#include "clone/ui/frmDumpPLC.h"
+#include "desktop/PacerWallClock.h"
+#include "simulator/SimulatedController.h"
+#include "tests/desktop_ui/QtBench.h"
+#include "tests/support/SessionBench.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+// Lets a test look at the window each time the user is asked something.
+struct WatchedPrompts : LoggedPrompts {
+  using LoggedPrompts::LoggedPrompts;
+  std::function<void(const std::string& asked)> onAsk = [](const std::string&) {};
+
+  PromptAnswer Show(const MessageBox& box) override {
+    onAsk(box.text);
+    return LoggedPrompts::Show(box);
+  }
+  std::optional<std::string> SaveFile(const FileDialog& dialog) override {
+    onAsk(dialog.filter);
+    return LoggedPrompts::SaveFile(dialog);
+  }
+};
+
+constexpr Duration kRestart = std::chrono::milliseconds(300);  // of a controller, with some to spare
+
+struct NotedShell : Shell {
+  std::string opened;
+  std::expected<void, std::string> Open(std::string_view, std::string_view file, std::string_view) override {
+    opened = file;
+    return {};
+  }
+};
+
+class ClonerWindowTest : public ::testing::Test {
+ protected:
+  ClonerWindowTest() {
+    bench.shared.ComDriver = &driver;
+    PlugIn("AurexQ50");
+  }
+
+  void PlugIn(const char* model, std::uint64_t seed = 1, int baud = 0) {
+    driver.CloseDriver();
+    sim::SimulatorOptions options;
+    options.model = model;
+    options.seed = seed;
+    options.baud = baud;
+    controller = sim::SimulatedController::Create(options).value();
+    LinkSettings settings;
+    settings.model = model + std::to_string(seed);  // the driver keeps one line for each
+    driver.UseSettings(settings, false);
+  }
+  void Open() {
+    window = std::make_unique<frmDumpPLC>(
+        ClonerServices{.shared = bench.shared, .prompts = prompts, .pacer = pacer, .clock = clock, .shell = shell},
+        nullptr);
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
+  }
+  // The segments that every clone takes become two zeros and 255 behind them.
+  void Wipe() {
+    const auto link = driver.GetChannel();
+    for (const char* first : {"F00200000", "F00210000", "R00220000"}) {
+      EXPECT_TRUE(link->SendCommand("WD" + std::string(first) + "020000"));
+    }
+    EXPECT_TRUE(link->SendCommand("ED"));
+    pacer.Sleep(kRestart);
+  }
+  void OnlySmallSegments() const {
+    for (const char* box : {"chkOP", "chkDT", "chkAP", "chkOS"}) Find<QCheckBox>(*window, box).setChecked(false);
+  }
+  void Create() {
+    prompts.Choose(Utf8FromPath(file));
+    prompts.Enter("1");
+    prompts.Press(PromptAnswer::Yes);
+    prompts.Press(PromptAnswer::Ok);
+    Trigger("ID_CreateGhost");
+  }
+  void Restore(int boxes = 2) {
+    prompts.Choose(Utf8FromPath(file));
+    while (boxes-- > 0) prompts.Press(PromptAnswer::Ok);
+    Trigger("ID_RestoreGhost");
+  }
+  void Trigger(const char* id) const { Find<QAction>(*window, id).trigger(); }
+  // Does it once the operation is under way.
+  void WhenAtWork(std::function<void()> action) const {
+    const auto& bar = Find<QProgressBar>(*window, "ProgressBar");
+    When(*window, [&bar] { return bar.value() > 0; }, std::move(action));
+  }
+
+  [[nodiscard]] std::string Enabled() const {
+    std::string ids;
+    for (const char* id : {"ID_CreateGhost", "ID_RestoreGhost", "ID_StopDump", "ID_Exit"}) {
+      if (Find<QAction>(*window, id).isEnabled()) ids += std::string(ids.empty() ? "" : " ") + (id + 3);
+    }
+    return ids;
+  }
+  [[nodiscard]] QAbstractItemModel& Rows() const { return *Find<QTableView>(*window, "vsSegments").model(); }
+  [[nodiscard]] std::string Heading() const {
+    return Rows().headerData(0, Qt::Horizontal, Qt::DisplayRole).toString().toStdString();
+  }
+  [[nodiscard]] std::string Row(int row) const { return Rows().index(row, 0).data().toString().toStdString(); }
+  [[nodiscard]] std::string Information() const {
+    return Find<QPlainTextEdit>(*window, "txtInformation").toPlainText().toStdString();
+  }
+  // Caption, pointer and commands as they are while the user is asked.
+  [[nodiscard]] std::string Look() const {
+    const QCursor* pointer = QApplication::overrideCursor();
+    const bool isHourglass = pointer && pointer->shape() == Qt::WaitCursor;
+    return window->windowTitle().toStdString() + (isHourglass ? " (hourglass): " : ": ") + Enabled();
+  }
+  static constexpr const char* kIdleLook = "Korvantis PLC Cloner: CreateGhost RestoreGhost Exit";
+
+  SessionBench bench;
+  std::filesystem::path file = bench.home.Path() / "clone.kdf";
+  WatchedPrompts prompts{bench.log};
+  QtPacer pacer;
+  PacerWallClock clock;
+  NotedShell shell;
+  std::unique_ptr<sim::SimulatedController> controller;
+  Driver driver{pacer, [this](const std::string&) { return controller ? controller->NewLine() : nullptr; }, nullptr};
+  std::unique_ptr<frmDumpPLC> window;
+};
+
+TEST_F(ClonerWindowTest, CreatesAFileAndShowsTheSegments) {
+  Open();
+  EXPECT_EQ(Look(), kIdleLook);
+  std::vector<std::string> looks;
+  prompts.onAsk = [&](const std::string&) { looks.push_back(Look()); };
+  Find<QCheckBox>(*window, "chkDT").setChecked(false);
+  Create();
+  const char* busy = "Korvantis PLC Cloner: Create Clone File (hourglass): StopDump";
+  EXPECT_THAT(looks, ElementsAre("Korvantis PLC Cloner: StopDump", busy, busy));
+  EXPECT_EQ(prompts.SaveDialogs().front().filter, "Korvantis Dump File|*.kdf");
+  EXPECT_EQ(Look(), kIdleLook);
+  EXPECT_EQ(Heading(), "Segment Name");
+  EXPECT_EQ(Rows().rowCount(), 8);
+  EXPECT_EQ(Row(1), "DT");
+  EXPECT_EQ(Find<QTableView>(*window, "vsSegments").currentIndex().row(), 7);
+  EXPECT_THAT(Find<QLabel>(*window, "lblProgress").text().toStdString(), HasSubstr("OS (6 of 6): 9 of 10 KiB; in all"));
+  const auto info = InspectClone(file);
+  EXPECT_TRUE(info->IsSound());
+  EXPECT_EQ(info->segments.size(), 6U);
+}
+
+TEST_F(ClonerWindowTest, RestoresAFileAndTellsBeforehandWhatSpeaksAgainstIt) {
+  Open();
+  OnlySmallSegments();
+  Create();
+  PlugIn("AurexQ50", 2);
+  Wipe();
+  auto other = driver.GetChannel();
+  ASSERT_FALSE(VerifyClone(*other, file)->IsSame());
+  std::vector<std::string> found;
+  prompts.onAsk = [&](const std::string&) { found.push_back(Look() + "\n" + Information()); };
+  Restore();
+  EXPECT_THAT(found.front(), HasSubstr("Restore Clone File (hourglass): StopDump\n"));
+  EXPECT_THAT(found.front(), HasSubstr("The file is whole"));
+  EXPECT_THAT(prompts.Boxes(), Contains(::testing::Field(&MessageBox::text, "Clone Restore Successfully.")));
+  EXPECT_EQ(Look(), kIdleLook);
+  EXPECT_EQ(Heading(), "Write Command");
+  const auto info = InspectClone(file);
+  EXPECT_EQ(Rows().rowCount(), static_cast<int>(info->frames));
+  EXPECT_EQ(Row(Rows().rowCount() - 1), "/01EDEA");
+  pacer.Sleep(kRestart);
+  EXPECT_TRUE(VerifyClone(*other, file)->IsSame());
+  other.reset();
+
+  // A line for an address that no segment has, in front: nothing is written any more.
+  std::string content = TemporaryFolder::Content(file);
+  content.insert(content.find("/01WD"), BuildWriteFrame(1, MemoryKind::Flash, 0, Bytes{1, 2}) + "\r\n");
+  bench.home.Put("clone.kdf", content);
+  PlugIn("K450", 3);
+  bench.log.clear();
+  Restore(3);
+  EXPECT_THAT(found.end()[-3], HasSubstr("Warning: The clone file is damaged: line 5"));
+  EXPECT_THAT(found.end()[-3], HasSubstr("but the controller is a K450"));
+  EXPECT_THAT(Information(), HasSubstr("has failed.\nLine 5 of the clone file"));
+  EXPECT_THAT(bench.log, Contains(HasSubstr("StatusMessage Restoring the clone file has failed.")));
+}
+
+TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
+  PlugIn("AurexQ50", 1, 115200);
+  Open();
+  WhenAtWork([&] {
+    window->close();
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(Enabled(), "StopDump");
+    EXPECT_FALSE(Find<QCheckBox>(*window, "chkOP").isEnabled());
+    EXPECT_EQ(Find<QLabel>(*window, "lblProgress").text(), "An operation is running; Stop ends it.");
+    QTest::keyClick(window.get(), Qt::Key_Escape, Qt::ShiftModifier);
+  });
+  Create();
+  EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
+  EXPECT_THAT(Information(), HasSubstr("was stopped"));
+  EXPECT_FALSE(std::filesystem::exists(file));
+  EXPECT_EQ(Look(), kIdleLook);
+
+  PlugIn("AurexQ50", 4);
+  OnlySmallSegments();
+  Create();
+  Find<QProgressBar>(*window, "ProgressBar").reset();
+  WhenAtWork([&] { Trigger("ID_StopDump"); });
+  Restore();
+  EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
+  EXPECT_LT(Rows().rowCount(), static_cast<int>(InspectClone(file)->frames));
+  Trigger("ID_Exit");
+  EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(ClonerWindowTest, StaysIdleWhenADialogIsCancelledOrNobodyIsThere) {
+  bench.home.Put("clone.kdf", "kept");
+  Open();
+  prompts.Choose(std::nullopt);
+  Trigger("ID_CreateGhost");
+  prompts.Choose(std::nullopt);
+  Trigger("ID_RestoreGhost");
+  EXPECT_EQ(Look(), kIdleLook);
+  EXPECT_EQ(Heading(), "Segment Name");
+
+  driver.CloseDriver();
+  controller.reset();
+  LinkSettings settings;
+  settings.model = "none";
+  driver.UseSettings(settings, false);
+  prompts.Choose(Utf8FromPath(file));
+  Trigger("ID_RestoreGhost");
+  EXPECT_EQ(prompts.Boxes().size(), 0U);
+  EXPECT_THAT(Information(), HasSubstr("was not restored"));
+  EXPECT_EQ(Look(), kIdleLook);
+  prompts.Choose(Utf8FromPath(file));
+  prompts.Press(PromptAnswer::Ok);
+  Trigger("ID_CreateGhost");
+  EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
+  EXPECT_EQ(TemporaryFolder::Content(file), "kept");
+  EXPECT_EQ(Look(), kIdleLook);
+  Trigger("ID_ClonerHelp");
+  EXPECT_THAT(shell.opened, ::testing::EndsWith("help/Cloner.html"));
+}
+
+TEST_F(ClonerWindowTest, ControlsAreNamedAndSayWhyTheyAreDisabled) {
+  Open();
+  for (const QWidget* widget : window->findChildren<QWidget*>()) {
+    if ((widget->focusPolicy() & Qt::TabFocus) == 0 || !widget->isVisible()) continue;
+    const bool hasText = widget->inherits("QToolButton") || widget->inherits("QCheckBox");
+    EXPECT_TRUE(hasText || !widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+    EXPECT_FALSE(hasText && widget->toolTip().isEmpty()) << widget->objectName().toStdString();
+  }
+  EXPECT_TRUE(Find<QAction>(*window, "ID_StopDump").toolTip().endsWith("\nNo operation is running."));
+}
+
+TEST(DumpList, KeepsTheLastLinesOfABigFile) {
+  constexpr int kMost = 100;
+  DumpList list(nullptr, kMost);
+  const QAbstractItemModelTester tester(&list, QAbstractItemModelTester::FailureReportingMode::Fatal);
+  list.BeginCommands();
+  for (int i = 1; i <= 3 * kMost; ++i) list.AddCommand("/01WD" + std::to_string(i) + "\r");
+  EXPECT_LE(list.rowCount(), kMost);
+  EXPECT_GT(list.rowCount(), kMost / 2);
+  const int last = list.rowCount() - 1;
+  EXPECT_EQ(list.data(list.index(last, 0), Qt::DisplayRole), "/01WD300");
+  EXPECT_EQ(list.headerData(last, Qt::Vertical, Qt::DisplayRole), 300);
+}
+
+}  // namespace
+}  // namespace kv::test
