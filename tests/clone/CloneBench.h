@@ -84,6 +84,7 @@ class LoggedWindow : public DumpWindow {
   explicit LoggedWindow(CallLog& log) : mLog(log) {}
 
   SegmentBoxes boxes;
+  std::function<void()> onBar = [] {};  // when the bar is begun anew
 
   void FillSegments(std::span<const CloneSegment> segments) override {
     std::string codes;
@@ -93,6 +94,7 @@ class LoggedWindow : public DumpWindow {
   void Event_SegmentIndex(int index) override { mLog.push_back("Segment " + std::to_string(index)); }
   void Event_ProgressBarInit(std::int64_t minimum, std::int64_t maximum) override {
     mLog.push_back("Bar " + std::to_string(minimum) + ".." + std::to_string(maximum));
+    onBar();
   }
   void Event_ProgressBarValue(std::int64_t value) override { mLog.push_back("Bar " + std::to_string(value)); }
   void Event_AddWriteCommand(std::string_view line) override { mLog.push_back("Line " + std::string(line)); }
