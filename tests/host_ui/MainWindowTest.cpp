@@ -251,7 +251,7 @@ TEST_F(MainWindowTest, EveryCommandAndControlCanBeReadAndReached) {
         EXPECT_TRUE(keys.isEmpty() || shortcuts.insert(keys).second) << keys.toStdString();
       }
     }
-    EXPECT_THAT(Find<QAction>(window, "ID_DataTypes").toolTip().toStdString(), HasSubstr("does not have this tool"));
+    EXPECT_THAT(Find<QAction>(window, "ID_Downloader").toolTip().toStdString(), HasSubstr("does not have this tool"));
     for (const QWidget* widget : window.findChildren<QWidget*>()) {
       const bool isReached = (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisible();
       if (!isReached || widget->inherits("QToolButton")) continue;  // a button reads its command's text

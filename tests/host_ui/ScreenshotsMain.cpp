@@ -5,9 +5,12 @@
 #include <QComboBox>
 #include <QPalette>
 #include <QStyleFactory>
+#include <QTableView>
 #include <QTest>
 #include <fstream>
+#include <initializer_list>
 #include <iostream>
+#include <optional>
 
 #include "tests/base/TemporaryFolder.h"
 #include "tests/host_ui/ProgramRun.h"
@@ -90,6 +93,82 @@ void TakePictures(Photographer& camera, QMainWindow& window) {
   Trigger(window, "ID_Modem");
 }
 
+void Fill(QTableView& operands, int row, std::initializer_list<const char*> values) {
+  int column = 0;
+  for (const char* value : values) operands.model()->setData(operands.model()->index(row, column++), value);
+}
+
+void AddRegion(QDialog& view, int row, int from, int to) {
+  auto& operands = *view.findChild<QTableView*>("vsfOperands");
+  const QAbstractItemModel& model = *operands.model();
+  operands.setCurrentIndex(model.index(row, from));
+  operands.selectionModel()->select(QItemSelection(model.index(row, from), model.index(row, to)),
+                                    QItemSelectionModel::ClearAndSelect);
+  QCoreApplication::processEvents();
+  Trigger(view, "ID_AddRegion");
+}
+
+void Describe(QDialog& view, int row, const char* description, std::optional<int> size, std::optional<int> format) {
+  QAbstractItemModel& regions = *view.findChild<QTableView*>("vsfRegions")->model();
+  regions.setData(regions.index(row, 4), description);
+  if (size) regions.setData(regions.index(row, 5), *size);
+  if (format) regions.setData(regions.index(row, 6), *format);
+}
+
+// Rows of the grid, from 0: MB, MI, MF, ML; INPUT is the 11th, TIMER CURRENT the 14th.
+void PrepareOperands(QDialog& view) {
+  auto& operands = *view.findChild<QTableView*>("vsfOperands");
+  AddRegion(view, 1, 0, 9);
+  Trigger(view, "ID_ReadRegions");  // a region is written whole
+  Fill(operands, 1, {"4660", "22136", "-7", "0", "19279"});
+  Trigger(view, "ID_WriteRegions");
+  AddRegion(view, 1, 100, 101);
+  AddRegion(view, 0, 96, 111);
+  AddRegion(view, 2, 8, 12);
+  AddRegion(view, 10, 0, 15);
+  AddRegion(view, 13, 0, 3);
+  AddRegion(view, 7, 30, 35);
+  Describe(view, 0, "Recipe", 1, 4);
+  Describe(view, 1, "Ramp and noise", {}, {});
+  Describe(view, 2, "Blinker", {}, {});
+  Describe(view, 3, "Wave", {}, {});
+  Describe(view, 4, "Switches", {}, {});
+  Describe(view, 6, "Clock", {}, {});
+}
+
+void TakeOperands(Photographer& camera, QDialog& view) {
+  PrepareOperands(view);
+  Trigger(view, "ID_ReadRegions");
+  auto& operands = *view.findChild<QTableView*>("vsfOperands");
+  Fill(operands, 3, {"100000", "-2147483648", "7"});
+  operands.setCurrentIndex(operands.model()->index(1, 2));
+  operands.selectionModel()->select(QItemSelection(operands.model()->index(1, 2), operands.model()->index(2, 5)),
+                                    QItemSelectionModel::ClearAndSelect);
+  QTest::qWait(1200);  // the values have an age
+  camera.Take(view, "operands");
+  operands.setCurrentIndex(operands.model()->index(1, 103));
+  operands.setCurrentIndex(operands.model()->index(1, 98));
+  QTimer::singleShot(1500, &view, [&] {
+    camera.Take(view, "operands-on-line");
+    Trigger(view, "ID_OnLine");
+  });
+  Trigger(view, "ID_OnLine");
+  view.close();
+}
+
+void OpenOperands(Photographer& camera, QMainWindow& window) {
+  Trigger(window, "ID_OnLine");
+  QTimer begin;
+  QObject::connect(&begin, &QTimer::timeout, [&] {
+    auto* view = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+    if (!view) return;
+    begin.stop();
+    TakeOperands(camera, *view);
+  });
+  begin.start(10);
+  Trigger(window, "ID_DataTypes");
+}
+
 void ConnectInVain(Photographer& camera, QMainWindow& window) {
   Trigger(window, "ID_OnLine");
   camera.Take(window, "main-no-answer");
@@ -117,6 +196,8 @@ int main(int argc, char** argv) {
   kv::test::MakeHome(home.Path());
   kv::test::Photographer camera(argv[1], argv[2]);
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::TakePictures(camera, window); });
+  home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nModel=K670-67-C30\r\n");
+  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::OpenOperands(camera, window); });
   home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nTcpPort=9\r\n");  // nobody listens there
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::ConnectInVain(camera, window); });
   return 0;
