@@ -11,7 +11,7 @@
 namespace kv::mdlDataTypesView {
 namespace {
 
-constexpr int kUsualCharacters = 12;  // "-2147483648", "00:00:00.00", and a margin
+constexpr int kUsualCharacters = 13;  // "-2147483648", "00:00:00.00", and a margin
 constexpr int kFewestCharacters = 4;
 constexpr int kMostCharacters = 40;
 

@@ -14,7 +14,7 @@
 namespace kv::mdlDataTypesView {
 namespace {
 
-constexpr int kGoToCharacters = 22;
+constexpr int kGoToCharacters = 25;
 
 QString Text(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -30,8 +30,8 @@ ToolBands::ToolBands(QWidget& window, OnTool onTool) : QObject(&window), mWindow
     }
   }
   BuildMenuBand();
-  mRegionBand = MakeBand("BandRegions", "ToolRegions", "&Regions", RegionBandTools());
-  mOperandBand = MakeBand("BandOperands", "ToolOperands", "O&perands", OperandBandTools());
+  mRegionBand = MakeBand("BandRegions", "ToolRegions", "Reg&ions", RegionBandTools());
+  mOperandBand = MakeBand("BandOperands", "ToolOperands", "Operan&ds", OperandBandTools());
   AddGoTo(*static_cast<QHBoxLayout*>(mOperandBand->layout()));
   BuildPopup();
 }

@@ -8,6 +8,7 @@ namespace kv::mdlDataTypesView {
 namespace {
 
 constexpr int kErrorCharacters = 24;
+constexpr double kManyPasses = 10.0;  // from here on tenths are noise
 
 QString ModeText(const ViewStatus& status) {
   switch (status.mode) {
@@ -19,6 +20,10 @@ QString ModeText(const ViewStatus& status) {
       return "On line";
   }
   return {};
+}
+
+QString PassesText(double aSecond) {
+  return QString("%1 passes/s").arg(aSecond, 0, 'f', aSecond < kManyPasses ? 1 : 0);
 }
 
 }  // namespace
@@ -63,7 +68,7 @@ void ViewStatusBar::Show(const ViewStatus& status, const QString& age) {
   SetField(*mEdited, status.edited == 0 ? QString() : QString("%1 edited").arg(status.edited));
   SetField(*mAge, age.isEmpty() ? QString() : "Read " + age + " ago");
   const bool isOnline = status.mode == ViewMode::Online;
-  SetField(*mPasses, isOnline ? QString("%1 passes/s").arg(status.passesPerSecond, 0, 'f', 1) : QString());
+  SetField(*mPasses, isOnline ? PassesText(status.passesPerSecond) : QString());
   SetField(*mMode, ModeText(status));
 }
 

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QSplitter>
@@ -36,6 +37,7 @@ QWidget* Pane(QWidget& band, QWidget& grid, QSplitter* parent) {
   auto* lines = new QVBoxLayout(pane);
   lines->setContentsMargins({});
   lines->addWidget(&band);
+  if (auto* heading = band.findChild<QLabel*>()) heading->setBuddy(&grid);
   lines->addWidget(&grid, 1);
   return pane;
 }
