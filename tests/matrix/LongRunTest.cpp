@@ -6,13 +6,13 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <random>
 #include <utility>
 
 #include "Requests.h"
 #include "base/Numbers.h"
+#include "tests/support/HeldMemory.h"
 
 namespace kv::matrix {
 namespace {
@@ -24,25 +24,7 @@ std::int64_t FromEnvironment(const char* name, std::int64_t otherwise) {
   return text != nullptr ? ParseInteger(text).value_or(otherwise) : otherwise;
 }
 
-// A sanitizer keeps freed memory for a while, and takes its time.
-#ifdef __has_feature
-constexpr bool kIsSanitized = __has_feature(address_sanitizer);
-#elif defined(__SANITIZE_ADDRESS__)
-constexpr bool kIsSanitized = true;
-#else
-constexpr bool kIsSanitized = false;
-#endif
-
-constexpr std::int64_t kUsualExchanges = kIsSanitized ? 50'000 : 200'000;
-
-// Bytes of memory that this process holds; 0 where the system does not tell, or tells what has been freed too.
-std::int64_t MemoryHeld() {
-  std::int64_t total = 0;
-  std::int64_t resident = 0;
-  if (kIsSanitized) return 0;
-  std::ifstream("/proc/self/statm") >> total >> resident;
-  return resident * 4096;
-}
+constexpr std::int64_t kUsualExchanges = test::kIsSanitized ? 50'000 : 200'000;
 
 // A line and how bad it is. Power failures are rare on one of each model's, so that counters go around.
 struct Weather {
@@ -174,9 +156,9 @@ TEST(LongRun, NothingWrongNothingTwiceNothingLate) {
       const std::int64_t count = exchanges / 4 * weather.share / 100;
       Voyage run(model, weather, seed);
       for (std::int64_t i = 0; i < count / 4; ++i) run.Exchange();
-      const std::int64_t held = MemoryHeld();
+      const std::int64_t held = test::MemoryHeld();
       for (std::int64_t i = count / 4; i < count; ++i) run.Exchange();
-      EXPECT_LT(MemoryHeld() - held, 1 << 20) << "memory grows";
+      EXPECT_LT(test::MemoryHeld() - held, 1 << 20) << "memory grows";
       std::cout << model << ", " << weather.name << ": " << run.Text() << "\n";
       EXPECT_FALSE(run.HasFailed());
       EXPECT_GE(run.Percent(), 50);
