@@ -9,10 +9,11 @@
 namespace kv::cli {
 
 // The result of a command, in both forms: text for the screen, ending with a line feed when there is any, and the one
-// document of --json.
+// document of --json. A comparison that found a difference is a result too, with an exit code of its own.
 struct Answer {
-  std::string text;
-  nlohmann::ordered_json document;
+  std::string text{};
+  nlohmann::ordered_json document{};
+  ExitCode exit = ExitCode::Done;
 };
 
 using Outcome = std::expected<Answer, Failure>;

@@ -125,7 +125,7 @@ bool WriteOut(const std::string& text, Environment& environment) {
 ExitCode Report(const Outcome& outcome, bool json, Environment& environment) {
   if (outcome) {
     const std::string text = json ? JsonText(outcome->document) : outcome->text;
-    return WriteOut(text, environment) ? ExitCode::Done : ExitCode::Failed;
+    return WriteOut(text, environment) ? outcome->exit : ExitCode::Failed;
   }
   environment.err << outcome.error().Text() << std::flush;
   if (json) (void)WriteOut(JsonText(outcome.error()), environment);

@@ -1,4 +1,5 @@
 #include "apps/kvtele/Verb.h"
+#include "apps/kvtele/VerbClone.h"
 #include "apps/kvtele/VerbIdentify.h"
 #include "apps/kvtele/VerbOnline.h"
 #include "apps/kvtele/VerbPorts.h"
@@ -18,6 +19,7 @@ std::vector<std::unique_ptr<Verb>> MakeVerbs() {
   verbs.push_back(std::make_unique<VerbWrite>());
   verbs.push_back(std::make_unique<VerbRegions>());
   verbs.push_back(std::make_unique<VerbWatch>());
+  verbs.push_back(std::make_unique<VerbClone>());
   verbs.push_back(std::make_unique<VerbSessions>());
   verbs.push_back(std::make_unique<VerbPorts>());
   return verbs;

@@ -128,7 +128,7 @@ TEST(Sessions, GiveTheirLinkWhenNoneIsNamed) {
 
 TEST(Help, BeginsWithExamplesAndGoesToStandardOutput) {
   CommandBench bench;
-  for (const char* verb : {"identify", "read", "write", "ports"}) {
+  for (const char* verb : {"identify", "read", "write", "clone", "ports"}) {
     const Result result = bench.Run({verb, "--help"});
     EXPECT_EQ(result.exit, 0);
     EXPECT_THAT(result.out, StartsWith("Examples:\n  kvtele "));

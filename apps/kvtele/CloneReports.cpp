@@ -1,0 +1,223 @@
+#include "apps/kvtele/CloneReports.h"
+
+#include <array>
+
+#include "apps/kvtele/DocumentText.h"
+#include "base/AnsiText.h"
+#include "base/Numbers.h"
+#include "base/PathText.h"
+#include "clone/CloneDiff.h"
+#include "clone/CloneVerify.h"
+
+namespace kv::cli {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t kAddressDigits = 8;
+
+// clang-format off
+constexpr std::array kInfoLines = {
+    DocumentLine{"model          ", "model"},
+    DocumentLine{"hardware code  ", "hardwareCode"},
+    DocumentLine{"O/S            ", "os"},
+    DocumentLine{"build          ", "build"},
+    DocumentLine{"cloned         ", "created"},
+    DocumentLine{"format         ", "format"},
+    DocumentLine{"unit           ", "unit"},
+    DocumentLine{"lines          ", "frames"},
+};
+// clang-format on
+
+Json RangesOf(const AddressRanges& ranges) {
+  Json list = Json::array();
+  for (const AddressRange& range : ranges.Ranges()) {
+    list.push_back({{"first", ToHex(range.first, kAddressDigits)}, {"last", ToHex(range.last, kAddressDigits)}});
+  }
+  return list;
+}
+
+Json DocumentOf(const CloneSegment& segment) {
+  return {
+      {"code", AnsiToUtf8(segment.code)}, {"start", ToHex(segment.start, kAddressDigits)}, {"length", segment.length}};
+}
+
+// "OP  00100000  1554 bytes"; an empty segment has no last address.
+std::string SegmentText(const CloneSegment& segment) {
+  return AnsiToUtf8(segment.code) + "  " + ToHex(segment.start, kAddressDigits) + "  " +
+         std::to_string(segment.length) + " bytes";
+}
+
+std::string RangesText(const AddressRanges& ranges) {
+  std::string text;
+  for (const AddressRange& range : ranges.Ranges()) text += "    " + AddressText(range) + "\n";
+  const std::uint64_t more = ranges.RangeCount() - ranges.Ranges().size();
+  return more == 0 ? text : text + "    and " + std::to_string(more) + " more ranges\n";
+}
+
+Json DocumentOf(const CloneInfo& info, const std::filesystem::path& file) {
+  Json document = {{"file", Utf8FromPath(file)}, {"sound", info.IsSound()}};
+  const CloneHead head = info.head.value_or(CloneHead());
+  document["model"] = AnsiToUtf8(head.version.model);
+  document["hardwareCode"] = AnsiToUtf8(head.version.hardwareCode);
+  document["os"] = AnsiToUtf8(head.version.osVersion);
+  document["build"] = AnsiToUtf8(head.version.osBuild);
+  document["created"] = AnsiToUtf8(head.created);
+  document["format"] = AnsiToUtf8(head.format);
+  document["unit"] = info.unit ? Json(*info.unit) : Json();
+  document["frames"] = info.frames;
+  document["segments"] = Json::array();
+  for (const CloneInfoSegment& each : info.segments) {
+    Json segment = DocumentOf(each.segment);
+    segment["memory"] = !each.hasFrames ? Json() : Json(each.segment.kind == MemoryKind::Flash ? "flash" : "RAM");
+    segment["storedBytes"] = each.covered.Bytes();
+    segment["stored"] = RangesOf(each.covered);
+    document["segments"].push_back(std::move(segment));
+  }
+  document["damageCount"] = info.damageCount;
+  document["damages"] = Json::array();
+  for (const CloneDamage& damage : info.damages) {
+    document["damages"].push_back({{"line", damage.line}, {"what", damage.what}});
+  }
+  return document;
+}
+
+std::string InfoText(const CloneInfo& info, const Json& document) {
+  std::string text = info.head ? DocumentText(document, kInfoLines) : "";
+  for (const CloneInfoSegment& each : info.segments) {
+    text += "segment        " + SegmentText(each.segment) + ", " + std::to_string(each.covered.Bytes()) + " of them " +
+            (each.segment.length == 0 ? "stored\n" : "stored, the rest is 255\n");
+  }
+  if (info.IsSound()) return text + "damage         none\n";
+  for (const CloneDamage& damage : info.damages) text += "damage         " + damage.Text() + "\n";
+  const std::size_t more = info.damageCount - info.damages.size();
+  return more == 0 ? text : text + "damage         and " + std::to_string(more) + " more\n";
+}
+
+Answer MakeAnswer(const CloneComparison& comparison) {
+  Answer answer;
+  answer.exit = comparison.IsSame() ? ExitCode::Done : ExitCode::Differs;
+  answer.document = {{"same", comparison.IsSame()}, {"differingBytes", comparison.DifferingBytes()}};
+  answer.document["segments"] = Json::array();
+  for (const SegmentDifference& each : comparison.segments) {
+    Json segment = DocumentOf(each.segment);
+    segment["differingBytes"] = each.differing.Bytes();
+    segment["rangeCount"] = each.differing.RangeCount();
+    segment["ranges"] = RangesOf(each.differing);
+    answer.document["segments"].push_back(std::move(segment));
+    const std::string verdict =
+        each.differing.IsEmpty() ? "same\n" : std::to_string(each.differing.Bytes()) + " bytes differ\n";
+    answer.text += SegmentText(each.segment) + ": " + verdict + RangesText(each.differing);
+  }
+  const auto add = [&](const char* key, const char* verdict, const std::vector<CloneSegment>& segments) {
+    answer.document[key] = Json::array();
+    for (const CloneSegment& segment : segments) {
+      answer.document[key].push_back(DocumentOf(segment));
+      answer.text += SegmentText(segment) + ": " + verdict + "\n";
+    }
+  };
+  add("onlyInFirst", "only in the first file", comparison.onlyInFirst);
+  add("onlyInSecond", "only in the second file", comparison.onlyInSecond);
+  return answer;
+}
+
+ExitCode ExitOf(const CloneOutcome& outcome) {
+  switch (outcome.cause) {
+    case CloneCause::Stop:
+      return ExitCode::Interrupted;
+    case CloneCause::OldOs:
+    case CloneCause::Segments:
+    case CloneCause::Password:
+      return ExitCode::Refused;
+    case CloneCause::File:
+      return ExitCode::BadFile;
+    case CloneCause::Reply:
+    case CloneCause::Link:
+      if (outcome.link.code == LinkErrorCode::None) return ExitCode::LinkLost;  // nothing usable came
+      break;
+    case CloneCause::None:
+      break;
+  }
+  return LinkFailure(outcome.link, true).exit;
+}
+
+std::string CodeOf(const CloneOutcome& outcome) {
+  switch (outcome.cause) {
+    case CloneCause::Stop:
+      return "interrupted";
+    case CloneCause::OldOs:
+      return "notFit";
+    case CloneCause::Segments:
+      return "segments";
+    case CloneCause::Password:
+      return "password";
+    case CloneCause::File:
+      return "badFile";
+    case CloneCause::Reply:
+      return "badReply";
+    case CloneCause::None:
+    case CloneCause::Link:
+      break;
+  }
+  return LinkFailure(outcome.link, true).code;
+}
+
+}  // namespace
+
+WatchedWork::WatchedWork(Environment& environment) : mLine(environment), mRemaining(environment.pacer) {
+  mRemaining.Begin();
+  mWork.isStopped = [&pacer = environment.pacer] { return pacer.StopRequested(); };
+  mWork.onProgress = [this](std::string_view stage, std::uint64_t done, std::uint64_t total) {
+    const std::string left = mRemaining.Text(done, total);
+    mLine.Show(std::string(stage) + ": " + std::to_string(done / 1024) + " of " + std::to_string(total / 1024) +
+               " KiB" + (left.empty() ? "" : ", " + left));
+  };
+}
+
+Failure CloneFailure(std::string doing, const CloneOutcome& outcome) {
+  return {ExitOf(outcome), CodeOf(outcome), std::move(doing), outcome.reason, {}, {}};
+}
+
+Outcome ReportClone(Environment& environment, const std::filesystem::path& file) {
+  const auto info = [&] {
+    const WatchedWork watched(environment);
+    return InspectClone(file, watched.Work());
+  }();
+  if (!info) return std::unexpected(CloneFailure("reading the clone file", info.error()));
+  Answer answer;
+  answer.document = DocumentOf(*info, file);
+  answer.text = InfoText(*info, answer.document);
+  answer.exit = info->IsSound() ? ExitCode::Done : ExitCode::BadFile;
+  return answer;
+}
+
+Outcome CompareClones(Environment& environment, const std::filesystem::path& first,
+                      const std::filesystem::path& second) {
+  const auto comparison = [&] {
+    const WatchedWork watched(environment);
+    return DiffClones(first, second, watched.Work());
+  }();
+  if (!comparison) return std::unexpected(CloneFailure("comparing the clone files", comparison.error()));
+  return MakeAnswer(*comparison);
+}
+
+Outcome CompareWithController(Environment& environment, const CommonOptions& common,
+                              const std::filesystem::path& file) {
+  const auto controller = Connection::Open(environment, common);
+  if (!controller) return std::unexpected(controller.error());
+  return CompareWithController(environment, **controller, file);
+}
+
+Outcome CompareWithController(Environment& environment, Connection& controller, const std::filesystem::path& file) {
+  const auto comparison = [&] {
+    const WatchedWork watched(environment);
+    return VerifyClone(controller.Link(), file, watched.Work());
+  }();
+  if (!comparison) {
+    return std::unexpected(CloneFailure("comparing the controller with " + Utf8FromPath(file), comparison.error()));
+  }
+  return MakeAnswer(*comparison);
+}
+
+}  // namespace kv::cli

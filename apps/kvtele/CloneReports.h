@@ -1,0 +1,45 @@
+#pragma once
+
+#include <filesystem>
+
+#include "apps/kvtele/Answer.h"
+#include "apps/kvtele/CommonOptions.h"
+#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/TerminalLine.h"
+#include "clone/CloneInfo.h"
+#include "clone/CloneOutcome.h"
+#include "desktop/RemainingTime.h"
+
+namespace kv::cli {
+
+// What a clone file holds and what is wrong with it; exit code BadFile with the whole report when something is.
+[[nodiscard]] Outcome ReportClone(Environment& environment, const std::filesystem::path& file);
+
+// Two files, segment by segment; exit code Differs when they are not the same.
+[[nodiscard]] Outcome CompareClones(Environment& environment, const std::filesystem::path& first,
+                                    const std::filesystem::path& second);
+// A file and the controller, in the same way.
+[[nodiscard]] Outcome CompareWithController(Environment& environment, const CommonOptions& common,
+                                            const std::filesystem::path& file);
+[[nodiscard]] Outcome CompareWithController(Environment& environment, Connection& controller,
+                                            const std::filesystem::path& file);
+
+// A failure of the cloner's engine; `doing` says what for.
+[[nodiscard]] Failure CloneFailure(std::string doing, const CloneOutcome& outcome);
+
+// Work of the cloner without a window: Ctrl-C ends it, and the terminal shows how far it is.
+class WatchedWork {
+ public:
+  explicit WatchedWork(Environment& environment);
+  WatchedWork(const WatchedWork&) = delete;
+  WatchedWork& operator=(const WatchedWork&) = delete;
+
+  [[nodiscard]] const CloneWork& Work() const { return mWork; }
+
+ private:
+  TerminalLine mLine;
+  RemainingTime mRemaining;
+  CloneWork mWork;
+};
+
+}  // namespace kv::cli

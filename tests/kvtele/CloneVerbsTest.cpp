@@ -1,0 +1,161 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/PathText.h"
+#include "tests/kvtele/CommandBench.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using Arguments = std::vector<std::string>;
+
+constexpr const char* kModel = "AurexQ50";  // a small one that can be cloned
+
+// A clone file, and what is done with it on simulated controllers.
+struct CloneVerbs : ::testing::Test {
+  CommandBench bench;
+  std::string file = Utf8FromPath(bench.home.Path() / "plc.kdf");
+
+  Result Clone(const std::string& action, Arguments more = {}, const std::string& model = kModel) {
+    Arguments arguments{"clone", action, file};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return bench.On(model, arguments);
+  }
+  Result Create(Arguments more = {}) {
+    more.insert(more.end(), {"--password", "1", "--yes"});
+    return Clone("create", more);
+  }
+  // Changes one letter of line `number`, a frame.
+  void Damage(int number) {
+    std::string content = TemporaryFolder::Content(file);
+    std::size_t at = 0;
+    for (int line = 1; line < number; ++line) at = content.find('\n', at) + 1;
+    content[at + 20] = content[at + 20] == '0' ? '1' : '0';
+    bench.home.Put("plc.kdf", content);
+  }
+};
+
+TEST_F(CloneVerbs, CreateInfoVerifyRestore) {
+  const Result created = Create({"--segments", "AP"});
+  EXPECT_EQ(created.exit, 0) << created.err;
+  EXPECT_EQ(created.out, "");
+  EXPECT_THAT(created.err, HasSubstr("about to STOP, Continue? [y/N] yes (--yes)\n"));
+  EXPECT_THAT(created.err, EndsWith("Korvantis PLC Cloner: Clone File Created Successfully.\n"));
+  const Result info = bench.Run({"clone", "info", file});
+  EXPECT_EQ(info.exit, 0);
+  EXPECT_THAT(info.out, HasSubstr("model          AurexQ50"));
+  EXPECT_THAT(info.out, HasSubstr("segment        HW  00200000  210 bytes, "));
+  EXPECT_THAT(info.out, Not(HasSubstr("  OP  ")));
+  EXPECT_THAT(info.out, EndsWith("damage         none\n"));
+
+  const Result same = Clone("verify");
+  EXPECT_EQ(same.exit, 0) << same.err;
+  EXPECT_THAT(same.out, HasSubstr("AP  00300000  20026 bytes: same\n"));
+  const Result restored = Clone("restore", {"--yes", "--verify"});
+  EXPECT_EQ(restored.exit, 0) << restored.err;
+  EXPECT_EQ(restored.out, same.out);
+  EXPECT_THAT(restored.err, HasSubstr("Clone Restore Successfully."));
+}
+
+TEST_F(CloneVerbs, DifferencesAreTheAnswerWithACodeOfTheirOwn) {
+  ASSERT_EQ(Create().exit, 0);
+  const std::string second = Utf8FromPath(bench.home.Path() / "second.kdf");
+  std::filesystem::copy_file(file, second);
+  EXPECT_EQ(bench.Run({"clone", "diff", file, second}).exit, 0);
+  EXPECT_EQ(Clone("diff").exit, 0);
+
+  ASSERT_EQ(Clone("create", {"--password", "1", "--yes", "--segments", "HW"}).exit, 0);
+  const Result fewer = bench.Run({"clone", "diff", second, file});
+  EXPECT_EQ(fewer.exit, 5);
+  EXPECT_THAT(fewer.out, HasSubstr("OP  00100000  1554 bytes: only in the first file\n"));
+
+  CommandBench liar;
+  liar.options.faults = {"lie:on=WD,nth=2"};
+  liar.options.seed = 2;
+  const Result told = liar.On(kModel, {"clone", "restore", second, "--yes", "--verify"});
+  EXPECT_EQ(told.exit, 5);
+  EXPECT_THAT(told.out, HasSubstr("bytes differ\n    00100"));
+  const Result json = liar.On(kModel, {"clone", "verify", second, "--json"});
+  EXPECT_EQ(json.exit, 5);
+  EXPECT_THAT(json.out, HasSubstr("\"same\": false"));
+}
+
+TEST_F(CloneVerbs, ARestoreThatWouldHarmIsRefusedUnlessForced) {
+  ASSERT_EQ(Create({"--segments", "HW"}).exit, 0);
+  EXPECT_EQ(Clone("restore").exit, 1) << "nobody has said yes";
+  const Result other = Clone("restore", {"--yes"}, "K450");
+  EXPECT_EQ(other.exit, 4);
+  EXPECT_THAT(other.err, HasSubstr("but the controller is a K450"));
+  EXPECT_THAT(other.trace, Not(HasSubstr("/01WD")));
+
+  Damage(6);
+  const Result info = Clone("info");
+  EXPECT_EQ(info.exit, 6);
+  EXPECT_THAT(info.out, HasSubstr("damage         line 6: expected"));
+  const Result damaged = Clone("restore", {"--yes"});
+  EXPECT_EQ(damaged.exit, 6);
+  EXPECT_EQ(damaged.trace, "") << "not even connected";
+  EXPECT_EQ(Clone("verify").exit, 6);
+  const Result forced = Clone("restore", {"--yes", "--force"});
+  EXPECT_THAT(forced.err, HasSubstr("Warning: The clone file is damaged: line 6"));
+  EXPECT_EQ(forced.exit, 7) << "the controller does not answer a frame with a bad checksum: " << forced.err;
+  EXPECT_THAT(forced.err, HasSubstr("Line 6 of the clone file: no reply within 10 s"));
+}
+
+struct Trouble {
+  const char* what;
+  Arguments arguments;
+  int exit;
+  const char* message;
+};
+
+TEST_F(CloneVerbs, EndWithTheExitCodeThatTellsWhatToDo) {
+  ASSERT_EQ(Create({"--segments", "HW"}).exit, 0);
+  const std::string nowhere = Utf8FromPath(bench.home.Path() / "no" / "such.kdf");
+  const Trouble rows[] = {
+      {"", {"create", nowhere}, 2, "--password"},
+      {"", {"create", nowhere, "--password", "1"}, 6, "such.kdf"},
+      {"", {"create", nowhere, "--password", "1", "--segments", "OP,XY"}, 2, "no segment \"XY\""},
+      {"", {"create", file, "--password", "1"}, 1, "exists. Replace it?"},
+      {"", {"create", file, "--password", "2", "--yes"}, 4, "password"},
+      {"", {"info", nowhere}, 6, "such.kdf"},
+      {"", {"info", file, file}, 2, "takes one file"},
+      {"", {"verify", file, "--force"}, 2, "go with restore"},
+      {"lost:on=WD,nth=2,away=600000", {"restore", file, "--yes", "--password", "1"}, 7, "Line 6 of the clone file"},
+      {"refuse:on=WD,nth=2,code=0D",
+       {"restore", file, "--yes", "--password", "1"},
+       4,
+       "the controller refused: its flash"},
+      {"noreply:on=block", {"verify", file}, 7, "no reply"},
+  };
+  for (const Trouble& row : rows) {
+    SCOPED_TRACE(row.message);
+    const std::string before = TemporaryFolder::Content(file);
+    CommandBench troubled;
+    troubled.options.password = "1";
+    if (*row.what) troubled.options.faults = {row.what};
+    Arguments arguments{"clone"};
+    arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+    const Result result = troubled.On(kModel, arguments);
+    EXPECT_EQ(result.exit, row.exit) << result.err;
+    EXPECT_THAT(result.err, HasSubstr(row.message));
+    if (!std::filesystem::exists(file)) bench.home.Put("plc.kdf", before);  // a create deletes what it replaces
+  }
+}
+
+TEST_F(CloneVerbs, CtrlCEndsACreateAndTheTerminalShowsHowLongItTakes) {
+  bench.options.baud = 9600;
+  bench.errIsTerminal = true;
+  bench.pacer.After(std::chrono::seconds(20), [&] { bench.pacer.RequestStop(); });
+  const Result result = Create();
+  EXPECT_EQ(result.exit, 130);
+  EXPECT_FALSE(std::filesystem::exists(file));
+  EXPECT_THAT(result.err, HasSubstr("DT (2 of 7): 1 of 3 KiB; in all 3 of 37 KiB, about "));
+  EXPECT_THAT(result.err, HasSubstr("Operation Failed."));
+}
+
+}  // namespace
+}  // namespace kv::test
