@@ -2,6 +2,7 @@
 
 #include "KvCmDrv1/Exchange.h"
 #include "KvCmDrv1/wire/Seal.h"
+#include "base/AnsiText.h"
 #include "base/Crc32.h"
 
 // How an exchange gets ready: opening a lost link, meeting the unit on a new connection, finding step, and asking what
@@ -27,7 +28,7 @@ Duration PauseAfter(int failures) {
 }
 
 std::string NameOf(const Identity& identity) {
-  return identity.version.model + ", serial number " + std::to_string(identity.serialNumber);
+  return AnsiToUtf8(identity.version.model) + ", serial number " + std::to_string(identity.serialNumber);
 }
 
 }  // namespace

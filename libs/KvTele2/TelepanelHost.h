@@ -87,7 +87,7 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] bool IsOnline() const override { return mState.connection == Connection::Online; }
   void BeginConnect() override;
   void EndConnect() override {}
-  void SetConnectedUnit(int unit) override;
+  void SetConnectedUnit(int unit) override { mUnit = static_cast<std::uint8_t>(unit); }
   void AttachChannel(std::shared_ptr<Channel> channel) override { mChannel = std::move(channel); }
   void SetControllerModelText(const std::string&) override {}  // what the page shows comes from the controller itself
   void SetCompactIdentification(bool) override {}              // the panel's business, as are the two below
@@ -118,6 +118,7 @@ class TelepanelHost final : public RemoteHost {
   void LetGo();
   void AskController(HostView::Wait wait, const std::string& what);
   [[nodiscard]] bool Ask();
+  void EndSilence();
   void TakeInfo(const Channel::ControllerInfo& info);
   void TakeFailure(const LinkError& error);
   void BeginWait(HostView::Wait wait, const std::string& what);
@@ -133,10 +134,12 @@ class TelepanelHost final : public RemoteHost {
 
   std::shared_ptr<Channel> mChannel;
   std::uint8_t mUnit = 0;
+  bool mIsRefused = false;                   // in the attempt to connect that is under way
   std::optional<std::string> mOtherProject;  // of the controller that was compared last
   std::optional<Order> mNext;                // came during a quiet question
   LinkWatch mWatch;
-  std::string mLastMessage;  // of the tool that is at work
+  std::string mMessageBefore;  // the silence
+  std::string mLastMessage;    // of the tool that is at work
   bool mIsInTool = false;
   bool mIsAsking = false;
   std::optional<HostView::Wait> mWait;  // under way

@@ -9,6 +9,8 @@
 namespace kv {
 namespace {
 
+constexpr const char* kSilenceText = "No answer, looking for the controller";
+
 // Errors of a controller that is there and answers, or of a question that was never sent.
 bool IsNoLoss(LinkErrorCode code) {
   using enum LinkErrorCode;
@@ -22,9 +24,10 @@ void TelepanelHost::Connect(const std::string& argument) {
   mState.connection = Connection::Connecting;
   mState.trouble.clear();
   mOtherProject.reset();
+  mIsRefused = false;
   ClickTool("ID_OnLine", argument);
   EndWait();
-  if (mState.connection != Connection::Connecting) return;
+  if (mState.connection != Connection::Connecting && !mIsRefused) return;
   const std::string why = mState.trouble.empty() ? mLastMessage : mState.trouble;
   LetGo();
   mState.connection = Connection::Offline;
@@ -36,11 +39,6 @@ void TelepanelHost::BeginConnect() {
   mState.connection = Connection::Connecting;
   BeginWait(HostView::Wait::Asked, "Connecting to " + mState.link);
   Show();
-}
-
-void TelepanelHost::SetConnectedUnit(int unit) {
-  mUnit = static_cast<std::uint8_t>(unit);
-  EndWait();  // questions to the user may follow
 }
 
 bool TelepanelHost::ProjectMatches() {
@@ -55,6 +53,8 @@ bool TelepanelHost::ProjectMatches() {
 
 void TelepanelHost::ConnectionRefused(const std::string& text) {
   EndWait();  // a box follows
+  mIsRefused = true;
+  mState.connection = Connection::Offline;
   mState.trouble = "Refused: " + text;
   if (mOtherProject) mState.trouble += "\n" + OtherProjectText(mState.pages->content, *mOtherProject);
   StatusMessage(mState.trouble);
@@ -66,6 +66,7 @@ void TelepanelHost::GoOnline() {
 }
 
 void TelepanelHost::RunPanelSession(const std::string& caption) {
+  if (mServices.pacer.StopRequested()) return GoOffline("Off line: stopped on request", "");
   mState.caption = caption == "0" ? "" : caption;
   AskController(HostView::Wait::Asked, "Asking the controller");
   if (!IsOnline() || !mState.controller) return;
@@ -98,9 +99,15 @@ void TelepanelHost::Tick() {
 }
 
 void TelepanelHost::NoteSilence() {
-  if (mWait != HostView::Wait::Quiet || !IsOnline()) return;
+  if (mWait != HostView::Wait::Quiet || !IsOnline() || mState.isSilent) return;
   mState.isSilent = true;
+  mMessageBefore = std::exchange(mState.message, kSilenceText);
   Show();
+}
+
+void TelepanelHost::EndSilence() {
+  mState.isSilent = false;
+  if (mState.message == kSilenceText) mState.message = mMessageBefore;  // unless something has been told meanwhile
 }
 
 void TelepanelHost::AskController(HostView::Wait wait, const std::string& what) {
@@ -109,7 +116,7 @@ void TelepanelHost::AskController(HostView::Wait wait, const std::string& what) 
   BeginWait(wait, what + ": " + mState.link);
   const std::shared_ptr<Channel> channel = mChannel;
   const bool hasAnswered = Ask();
-  mState.isSilent = false;
+  EndSilence();
   if (!hasAnswered) TakeFailure(channel->LastError());
   EndWait();
   if (mChannel) mState.quality = FactsOf(mChannel->Quality());

@@ -157,6 +157,7 @@ TEST_F(TelepanelHostTest, WhyAControllerCannotBeReachedStaysOnThePage) {
     host.SetConnectedUnit(1);
     host.ConnectionRefused("It is in BOOTSTRAP mode.");
     EXPECT_FALSE(view.isWaiting) << "a box in front of a busy window";
+    EXPECT_EQ(ConnectionText(view.shown), "Off line");
   };
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, Connection::Offline);
@@ -172,6 +173,7 @@ TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
     if (wait != HostView::Wait::Quiet) return;
     host.NoteSilence();
     EXPECT_EQ(ConnectionHeading(view.shown), "No answer, looking for the controller: COM3, 115200 8N1, unit 1");
+    EXPECT_EQ(view.shown.message, "No answer, looking for the controller");
     host.Click("ID_Session");
     host.Click(command::kOnLine);  // cannot be used, and so does not replace it
     EXPECT_TRUE(pacer.StopRequested());
@@ -181,15 +183,17 @@ TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
   EXPECT_THAT(clicked, ElementsAre("ID_OnLine", "ID_Session"));
   EXPECT_FALSE(pacer.StopRequested());
   EXPECT_EQ(ConnectionText(view.shown), "On line") << "nothing is known but that the question was stopped";
+  EXPECT_THAT(view.shown.message, HasSubstr("On line with K220-22-R1"));
+}
 
+TEST_F(TelepanelHostTest, ClosingTheWindowWhileItConnectsIsCancel) {
   view.onWait = [this](HostView::Wait) { host.Click(command::kExit); };
-  host.Click(command::kOffLine);
-  onLine = [this] {
-    host.BeginConnect();
-    EXPECT_TRUE(pacer.StopRequested()) << "closing the window while it connects is Cancel";
-  };
   host.Click(command::kOnLine);
-  EXPECT_EQ(clicked.back(), "ID_OnLine");
+  EXPECT_THAT(clicked, ElementsAre("ID_OnLine"));
+  EXPECT_THAT(view.waits, ElementsAre(HasSubstr("Connecting to COM3"))) << "the controller is not asked any more";
+  EXPECT_EQ(view.shown.connection, Connection::Offline);
+  EXPECT_EQ(view.shown.message, "Off line: stopped on request");
+  EXPECT_FALSE(pacer.StopRequested());
 }
 
 TEST_F(TelepanelHostTest, ALostControllerIsAskedLessAndLessOftenAndFoundAgain) {
