@@ -44,6 +44,15 @@ std::string TimeText(std::chrono::local_seconds time) {
          two(clock.minutes().count()) + ":" + two(clock.seconds().count());
 }
 
+Failure OutputFailure() {
+  return {ExitCode::Failed,
+          "output",
+          "printing a change",
+          "the output takes no more",
+          "its reader has ended, or the disk is full",
+          {}};
+}
+
 }  // namespace
 
 RegionWatch::RegionWatch(Environment& environment, Connection& connection, std::vector<Region> regions,
@@ -63,9 +72,7 @@ std::expected<void, Failure> RegionWatch::Run() {
       if (!texts) return std::unexpected(texts.error());
       Show(row, *std::move(texts));
       if (IsOver()) return {};
-      if (!mEnvironment.out) {
-        return std::unexpected(Failure{ExitCode::Failed, "output", {}, "the output was closed", {}, {}});
-      }
+      if (!mEnvironment.out) return std::unexpected(OutputFailure());
     }
     Pause(mOptions.pause);
   }

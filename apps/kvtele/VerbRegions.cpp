@@ -135,7 +135,12 @@ std::expected<std::size_t, Failure> Compare(Environment& environment, Connection
 
 Answer WriteAnswer(Environment& environment, const ValuesToWrite& values, std::size_t compared) {
   const std::size_t count = CountOf(values.runs);
-  environment.err << "Written: " << CountText(count, "value") << ", of which " << compared << " were read back.\n";
+  if (compared == count) {
+    environment.err << "Written and read back: " << CountText(count, "value") << ".\n";
+  } else {
+    environment.err << "Written: " << CountText(count, "value") << ". Not compared: " << count - compared
+                    << ", because operands of their types cannot be read back on this model.\n";
+  }
   Answer answer;
   answer.document = {{"written", count}, {"compared", compared}, {"missing", values.missing}};
   return answer;

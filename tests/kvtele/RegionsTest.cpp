@@ -43,7 +43,7 @@ TEST_F(Regions, AreReadAsTheViewShowsThemAndWrittenAsOneLineAnOperand) {
                                "mb, 6 ,1\n");
   EXPECT_EQ(written.exit, 0) << written.err;
   EXPECT_THAT(written.err, HasSubstr("1 operand without a value in "));
-  EXPECT_THAT(written.err, HasSubstr("Written: 5 values, of which 5 were read back."));
+  EXPECT_THAT(written.err, HasSubstr("Written and read back: 5 values."));
   EXPECT_EQ(written.out, "");
 
   const Result read = Read("K220-22-R1");
