@@ -36,7 +36,8 @@ class DataTypesView {
   // Loads the grids of the current session; those that an interrupted read-all or write-all left behind come first.
   void Open();
   // Ends the on-line mode and saves the grids to the session. False, and the view stays open, when they could not be
-  // saved and the user does not want to leave without; and while a read or write runs, which is then asked to stop.
+  // saved and the user, who is asked, does not want to leave without; and while a read or write runs, which is then
+  // asked to stop.
   bool Close();
 
   [[nodiscard]] std::string Caption() const { return mDesk.Caption(); }  // "Data Types - Default"

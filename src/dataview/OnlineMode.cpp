@@ -19,6 +19,11 @@ constexpr Duration kIdlePause = 50ms;   // after a pass in which nothing could b
 
 void OnlineMode::Run() {
   mDesk.parts.pacer.ClearStop();
+  mDesk.SetMode(ViewMode::Busy);
+  const ScopeGuard idle([&] {
+    mDesk.status.passesPerSecond = 0.0;
+    mDesk.SetMode(ViewMode::Idle);
+  });
   const ChannelLease channel(mDesk);
   if (!channel || !mEngine.IsSupported(*channel, mDesk.state.regions.Regions())) return;
 
@@ -28,10 +33,6 @@ void OnlineMode::Run() {
   mDesk.status.passes = 0;
   mDesk.Say("On line.");
   mDesk.SetMode(ViewMode::Online);
-  const ScopeGuard idle([&] {
-    mDesk.status.passesPerSecond = 0.0;
-    mDesk.SetMode(ViewMode::Idle);
-  });
   while (mIsRunning) OnePass(*channel);
 }
 

@@ -124,7 +124,7 @@ void ViewDesk::RowSettingsChanged(std::size_t row) {
 
 void ViewDesk::RowsReplaced() {
   for (std::size_t row = 0; row < state.regions.Rows().size(); ++row) {
-    state.regions.RefreshValues(row, state.operands);
+    if (state.regions.Rows()[row].values.empty()) state.regions.RefreshValues(row, state.operands);
   }
   changes.regionRowsReplaced = true;
   changes.onlyValues = false;

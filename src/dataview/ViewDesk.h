@@ -66,7 +66,7 @@ class ViewDesk {
   void RefreshRow(std::size_t row);
   // The row's description, size or format changed.
   void RowSettingsChanged(std::size_t row);
-  // Rows came, went or moved.
+  // Rows came, went or moved. The new ones have no values yet: they are built here.
   void RowsReplaced();
 
  private:

@@ -260,15 +260,7 @@ void frmDataTypesView::done(int result) {
   if (mView.Status().mode == ViewMode::Busy) return mPacer.RequestStop();
   setFocus();  // what is being typed is taken or given back
   mView.SetLayout(mRegions->ColumnWidths(), mOperands->ColumnWidth());
-  if (mView.Close() || LeaveWithoutSaving()) QDialog::done(result);
-}
-
-bool frmDataTypesView::LeaveWithoutSaving() {
-  return mParts.prompts.Show({.text = "The regions and values could not be kept in the session and are lost when the "
-                                      "view closes.\r\nDo you want to close it?",
-                              .title = mView.Caption(),
-                              .icon = PromptIcon::Question,
-                              .buttons = PromptButtons::YesNo}) == PromptAnswer::Yes;
+  if (mView.Close()) QDialog::done(result);
 }
 
 // Escape gives back what is typed and cancels a wait; the view has too much in it to be closed by it.

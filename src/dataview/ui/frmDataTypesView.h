@@ -56,7 +56,6 @@ class frmDataTypesView final : public QDialog, private mdlDataTypesView::GridLis
   void ShowRows();
   void GoToPlace();
   void ShowHelp();
-  [[nodiscard]] bool LeaveWithoutSaving();
 
   mdlDataTypesView::DataTypesViewParts mParts;
   QtPacer& mPacer;
