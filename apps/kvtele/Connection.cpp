@@ -1,6 +1,7 @@
 #include "apps/kvtele/Connection.h"
 
 #include "apps/kvtele/LinkChoice.h"
+#include "base/AnsiText.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::cli {
@@ -20,7 +21,7 @@ bool IsModelAsked(const std::string& asked, const std::string& found) {
 }
 
 Failure OtherModel(const std::string& asked, const VersionInfo& version, const std::string& link) {
-  return NotFitFailure("connecting to " + link, "the controller is a " + version.model + ", not a " + asked,
+  return NotFitFailure("connecting to " + link, "the controller is a " + AnsiToUtf8(version.model) + ", not a " + asked,
                        "another controller answers on this link, or it is running its boot loader",
                        "check the link and the unit id, or leave out --model");
 }
@@ -41,7 +42,7 @@ std::expected<std::unique_ptr<Connection>, Failure> Connection::Open(Environment
   if (const auto reached = connection->Reach(); !reached) return std::unexpected(reached.error());
   // From here on only: a link that never came about is the failure itself.
   connection->mDriver->OnComMessage = [&err = environment.err](const std::string& message) { err << message << "\n"; };
-  connection->mModel = ModelOfIdentification(connection->mVersion.model);
+  connection->mModel = ModelOfIdentification(AnsiToUtf8(connection->mVersion.model));
   if (common.model.empty()) return connection;
   if (!IsModelAsked(common.model, connection->mModel)) {
     return std::unexpected(OtherModel(common.model, connection->mVersion, connection->Description()));

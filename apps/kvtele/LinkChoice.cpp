@@ -9,6 +9,7 @@
 #include "apps/support/SimulatedControllers.h"
 #include "base/PathText.h"
 #include "models/ModelCatalogue.h"
+#include "sessions/SessionIni.h"
 #include "sessions/SessionManager.h"
 
 namespace kv::cli {
@@ -38,9 +39,19 @@ Chosen FindSession(const Environment& environment, const CommonOptions& common) 
   return choice;
 }
 
-Chosen WithLink(LinkChoice choice, const std::string& text) {
+// As in the window: a session without link settings has a simulated controller of its model.
+LinkSettings DefaultsOf(const Environment& environment, const CommonOptions& common) {
+  SharedState shared(PathsOf(environment, common));
+  shared.CurrentSession = common.session;
+  const std::string model = ModelOfIdentification(LastModel(shared));
+  LinkSettings defaults;
+  if (!ReportedModelOfSimulated(model).empty()) defaults.model = model;
+  return defaults;
+}
+
+Chosen WithLink(LinkChoice choice, const std::string& text, const LinkSettings& defaults) {
   if (text.empty()) {
-    LoadedSettings loaded = LoadSettings(choice.sessionFolder, LinkSettings());
+    LoadedSettings loaded = LoadSettings(choice.sessionFolder, defaults);
     choice.settings = std::move(loaded.settings);
     choice.complaints = std::move(loaded.complaints);
     return choice;
@@ -65,7 +76,7 @@ bool IsSimulatedModelMissing(const LinkSettings& settings) {
 
 Chosen ChooseLink(const Environment& environment, const CommonOptions& common) {
   Chosen choice = FindSession(environment, common);
-  if (choice) choice = WithLink(std::move(*choice), common.link);
+  if (choice) choice = WithLink(std::move(*choice), common.link, DefaultsOf(environment, common));
   if (!choice) return choice;
   ApplyOptions(choice->settings, common);
   if (!IsSimulatedModelMissing(choice->settings)) return choice;

@@ -28,6 +28,8 @@ TEST(Online, TellsWithWhatItIsOnLineAndLeavesTheSessionAlone) {
   EXPECT_THAT(bench.On("Q50", {"online", "--json"}).out, HasSubstr("\"panelInformation\": null"));
   EXPECT_THAT(bench.On("Q50", {"--model", "Q50", "online", "--json"}).out, HasSubstr("\"panelInformation\": 3"));
 
+  EXPECT_THAT(bench.Run({"online"}).out, HasSubstr("Simulated K230")) << "a session without a link has its model's";
+
   EXPECT_EQ(TemporaryFolder::Content(ini), settings);
   const std::filesystem::directory_iterator files(ini.parent_path());
   EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "nothing was added to the session";
