@@ -153,9 +153,9 @@ void TelepanelHost::TakeFailure(const LinkError& error) {
     // A quiet question was stopped for a command; nothing is known about the controller.
     return mWait == HostView::Wait::Quiet ? mWatch.AskNow() : GoOffline("Off line: stopped on request", "");
   }
+  if (error.code == LinkErrorCode::Closed) return GoOffline("Off line: the settings of the link were changed", "");
   const std::string trouble = error.Text();
-  const bool isOver = error.code == LinkErrorCode::OtherController || error.code == LinkErrorCode::Closed;
-  if (isOver) return GoOffline("Off line: " + trouble, trouble);
+  if (error.code == LinkErrorCode::OtherController) return GoOffline("Off line: " + trouble, trouble);
   mWatch.Silent(now);
   mState.trouble = trouble;
   if (mState.connection == Connection::Lost) return;
