@@ -146,18 +146,22 @@ TEST_F(ClonerWindowTest, CreatesAFileAndShowsTheSegments) {
   Open();
   EXPECT_EQ(Look(), kIdleLook);
   std::vector<std::string> looks;
-  prompts.onAsk = [&](const std::string&) { looks.push_back(Look()); };
+  std::string progress;
+  prompts.onAsk = [&](const std::string&) {
+    looks.push_back(Look());
+    progress = Find<QLabel>(*window, "lblProgress").text().toStdString();
+  };
   Find<QCheckBox>(*window, "chkDT").setChecked(false);
   Create();
   const char* busy = "Korvantis PLC Cloner: Create Clone File (hourglass): StopDump";
   EXPECT_THAT(looks, ElementsAre("Korvantis PLC Cloner: StopDump", busy, busy));
+  EXPECT_THAT(progress, HasSubstr("OS (6 of 6): 9 of 10 KiB; in all"));
   EXPECT_EQ(prompts.SaveDialogs().front().filter, "Korvantis Dump File|*.kdf");
   EXPECT_EQ(Look(), kIdleLook);
   EXPECT_EQ(Heading(), "Segment Name");
   EXPECT_EQ(Rows().rowCount(), 8);
   EXPECT_EQ(Row(1), "DT");
   EXPECT_EQ(Find<QTableView>(*window, "vsSegments").currentIndex().row(), 7);
-  EXPECT_THAT(Find<QLabel>(*window, "lblProgress").text().toStdString(), HasSubstr("OS (6 of 6): 9 of 10 KiB; in all"));
   const auto info = InspectClone(file);
   EXPECT_TRUE(info->IsSound());
   EXPECT_EQ(info->segments.size(), 6U);

@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "tests/base/TemporaryFolder.h"
+#include "tests/host_ui/ClonerPictures.h"
 #include "tests/host_ui/ProgramRun.h"
 
 namespace kv::test {
@@ -196,6 +197,10 @@ int main(int argc, char** argv) {
   kv::test::MakeHome(home.Path());
   kv::test::Photographer camera(argv[1], argv[2]);
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::TakePictures(camera, window); });
+  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) {
+    kv::test::TakeClonerPictures(window, home.Path(),
+                                 [&](QWidget& cloner, const char* name) { camera.Take(cloner, name); });
+  });
   home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nModel=K670-67-C30\r\n");
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::OpenOperands(camera, window); });
   home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nTcpPort=9\r\n");  // nobody listens there

@@ -33,12 +33,9 @@ int Clamped(std::int64_t value) {
   return static_cast<int>(std::clamp<std::int64_t>(value, 0, std::numeric_limits<int>::max()));
 }
 
-// "K220-22-R1, O/S 4.60, cloned on 2026-11-21 at 10:15:00".
+// "K220-22-R1, O/S 4.60, cloned on 2026-11-21 10:15:00".
 std::string HeadText(const CloneHead& head) {
-  const std::string created = head.created.substr(0, head.created.find('\t'));
-  const std::string time = created.size() < head.created.size() ? head.created.substr(created.size() + 1) : "";
-  return AnsiToUtf8(head.version.model + ", O/S " + head.version.osVersion + ", cloned on " + created +
-                    (time.empty() ? "" : " at " + time));
+  return AnsiToUtf8(head.version.model + ", O/S " + head.version.osVersion + ", cloned on " + head.created);
 }
 
 }  // namespace
@@ -74,7 +71,7 @@ class frmDumpPLC::Operation {
 };
 
 void frmDumpPLC::EnableCommands(bool enabled) {
-  for (QAction* each : {mCreate, mRestore, mExit}) Allow(*each, enabled ? "" : kBusy);
+  for (QAction* each : {mCreate, mRestore, mExit, mHelp}) Allow(*each, enabled ? "" : kBusy);
   Allow(*mStop, enabled ? kIdle : "");
   mIsBusy = !enabled;
   for (QCheckBox* each : {mOp, mDt, mAp, mOs}) each->setEnabled(enabled);
@@ -139,7 +136,7 @@ bool frmDumpPLC::Inspect(Channel& link, const std::filesystem::path& file) {
   }
   const auto version = link.GetVersionInfo(link.UnitID());
   if (mIsStopAsked) return false;
-  if (info->head) Say(Utf8FromPath(file) + ": " + HeadText(*info->head) + ".");
+  if (info->head) Say(Utf8FromPath(file.filename()) + ": " + HeadText(*info->head) + ".");
   if (!version) Say("The controller did not tell its model.\n" + link.LastError().Text());
   // Without an answer the model is taken to be right: there is nothing to compare it with.
   const auto findings = FindingsBeforeRestore(
@@ -179,7 +176,7 @@ void frmDumpPLC::ShowOutcome(const std::string& what, const std::filesystem::pat
   const std::string text = what + end + (outcome.reason.empty() ? "" : "\n" + outcome.reason);
   Say(text);
   if (outcome.end != CloneEnd::Done) mServices.shared.Remote->StatusMessage(text);
-  ShowProgress();
+  if (outcome.end == CloneEnd::Done) mProgressText->setText("Done.");
 }
 
 void frmDumpPLC::Say(const std::string& text) {

@@ -84,6 +84,7 @@ class frmDumpPLC final : public QDialog, public DumpWindow {
   QAction* mRestore = nullptr;
   QAction* mStop = nullptr;
   QAction* mExit = nullptr;
+  QAction* mHelp = nullptr;
   DumpList* mRows = nullptr;
   QTableView* mGrid = nullptr;
   QCheckBox* mOp = nullptr;

@@ -20,6 +20,8 @@ namespace kv {
 namespace {
 
 constexpr QSize kFirstSize(720, 520);
+constexpr int kGridHeight = 250;
+constexpr int kInformationHeight = 150;
 constexpr int kScrollPause = 50;  // milliseconds
 constexpr int kMostLines = 1000;  // of the information
 
@@ -51,13 +53,12 @@ void frmDumpPLC::BuildTools() {
       AddTool("ID_StopDump", IconOf(Picture::Stop), "&Stop", QKeySequence("Shift+Esc"),
               "Ends the running operation. A restore that is stopped leaves the controller with a part of the clone");
   mExit = AddTool("ID_Exit", IconOf(Picture::Exit), "E&xit", QKeySequence("Ctrl+W"), "Closes this window");
-  QAction* help =
-      AddTool("ID_ClonerHelp", IconOf(Picture::Help), "&Help", QKeySequence("F1"), "Opens the help on cloning");
+  mHelp = AddTool("ID_ClonerHelp", IconOf(Picture::Help), "&Help", QKeySequence("F1"), "Opens the help on cloning");
   connect(mCreate, &QAction::triggered, this, [this] { CreateClone(); });
   connect(mRestore, &QAction::triggered, this, [this] { RestoreClone(); });
   connect(mStop, &QAction::triggered, this, [this] { StopDump(); });
   connect(mExit, &QAction::triggered, this, [this] { close(); });
-  connect(help, &QAction::triggered, this, [this] { ShowHelp(); });
+  connect(mHelp, &QAction::triggered, this, [this] { ShowHelp(); });
 }
 
 QAction* frmDumpPLC::AddTool(const char* id, const QIcon& icon, const QString& text, const QKeySequence& shortcut,
@@ -148,8 +149,9 @@ void frmDumpPLC::ArrangeControls() {
   parts->setChildrenCollapsible(false);
   parts->addWidget(top);
   parts->addWidget(mInformation);
-  parts->setStretchFactor(0, 3);
-  parts->setStretchFactor(1, 1);
+  parts->setStretchFactor(0, 1);
+  parts->setStretchFactor(1, 0);
+  parts->setSizes({kGridHeight, kInformationHeight});
   auto* page = new QVBoxLayout(this);
   page->addWidget(bar);
   page->addWidget(parts, 1);
