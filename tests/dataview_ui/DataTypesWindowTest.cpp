@@ -189,6 +189,7 @@ TEST_F(DataTypesWindowTest, ClosingEndsTheOnLineModeAndOpeningFindsEverything) {
   ASSERT_TRUE(IsEditorGone());
   Online({{[&] { return Label("lblMode") == "On line"; }, [&] { window->close(); }}});
   EXPECT_FALSE(window->isVisible());
+  EXPECT_THAT(session.log, testing::Contains(HasSubstr("keeps 1 edited")));
   Open();
   EXPECT_THAT(RegionTexts(), ElementsAre("MI 100..101"));
   EXPECT_EQ(RegionCell(0, RegionColumn::Description), "ramp");
@@ -196,6 +197,7 @@ TEST_F(DataTypesWindowTest, ClosingEndsTheOnLineModeAndOpeningFindsEverything) {
   EXPECT_EQ(Value(MI, 7), "123");
   EXPECT_EQ(Label("lblEdited"), "1 edited");
   EXPECT_EQ(window->windowTitle(), "Data Types - Default");
+  EXPECT_EQ(Label("lblAge"), "Values from before");  // and not as if they had just been read
 }
 
 TEST_F(DataTypesWindowTest, PasteOfARefusedShapeChangesNothing) {

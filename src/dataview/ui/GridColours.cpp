@@ -6,7 +6,7 @@ namespace kv::mdlDataTypesView {
 namespace {
 
 constexpr int kHalfLight = 128;  // of 255
-constexpr double kFaint = 0.45;  // how far faint text goes towards its background
+constexpr double kFaint = 0.4;   // how far faint text goes towards its background
 
 // A grid colour value has blue in its high byte.
 QColor FromGridValue(std::uint32_t value) {

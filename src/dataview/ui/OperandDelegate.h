@@ -14,6 +14,7 @@ namespace kv::mdlDataTypesView {
 //   background   writable, read-only or no operand
 //   bar, left    the value has just changed; it shrinks and pales while the change grows old
 //   corner       edited and not written; the text is italic as well
+//   faint text   kept from an earlier opening of the view, not read since
 class OperandDelegate final : public CellEditDelegate {
  public:
   // `view` outlives the delegate.
@@ -30,6 +31,7 @@ class OperandDelegate final : public CellEditDelegate {
     std::int32_t address;
     double change;
     bool isEdited;
+    bool isOld;
   };
 
   void PaintBackground(QPainter& painter, const QStyleOptionViewItem& option, const Cell& cell) const;

@@ -90,7 +90,7 @@ void OperandGrid::GoTo(const OperandPlace& place) {
   const QModelIndex cell = mModel.index(RowOfType(place.type) - 1, column);
   if (!cell.isValid()) return;
   setCurrentIndex(cell);
-  scrollTo(cell);
+  if (isVisible()) scrollTo(cell);  // otherwise when it has its size
 }
 
 OperandTypeCode OperandGrid::CurrentType() const {

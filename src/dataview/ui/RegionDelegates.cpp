@@ -66,9 +66,8 @@ void RegionValuesDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
   if (!age.isEmpty()) {
     painter->setFont(option.font);
     painter->setPen(isSelected ? text : colours.faint);
-    const QString told = age + " ago";
-    painter->drawText(place, Qt::AlignRight | Qt::AlignVCenter, told);
-    place.setRight(place.right() - QFontMetrics(option.font).horizontalAdvance(told) - 2 * kMargin);
+    painter->drawText(place, Qt::AlignRight | Qt::AlignVCenter, age);
+    place.setRight(place.right() - QFontMetrics(option.font).horizontalAdvance(age) - 2 * kMargin);
   }
   const QFont font = FixedFont(option.font);
   painter->setFont(font);

@@ -67,7 +67,9 @@ void RegionModel::Copy(int first, int last) {
 
 QString RegionModel::AgeOf(int row) const {
   if (mView.Status().mode == ViewMode::Online) return {};
-  return QString::fromStdString(mView.AgeText(static_cast<std::size_t>(row)));
+  if (RowAt(row).values.empty()) return {};
+  const std::string age = mView.AgeText(static_cast<std::size_t>(row));
+  return age.empty() ? QString("from before") : QString::fromStdString(age) + " ago";
 }
 
 int RegionModel::rowCount(const QModelIndex& parent) const {
@@ -92,7 +94,7 @@ QVariant RegionModel::data(const QModelIndex& index, int role) const {
       return QVariant::fromValue((IsNumber(column) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     case Qt::ToolTipRole: {
       const QString age = AgeOf(index.row());
-      return Text(row, column) + (age.isEmpty() || column != RegionColumn::Values ? "" : "\nread " + age + " ago");
+      return Text(row, column) + (age.isEmpty() || column != RegionColumn::Values ? "" : "\nread " + age);
     }
     default:
       return {};

@@ -20,7 +20,7 @@ class RegionModel final : public QAbstractTableModel {
   void Follow(const GridChanges& changes);
 
   [[nodiscard]] const RegionRow& RowAt(int row) const { return mRows[static_cast<std::size_t>(row)]; }
-  // How old the row's values are; empty when that is shown by the mode, or not known.
+  // How old the row's values are: "12 s ago"; empty when the mode tells it, and where there are none.
   [[nodiscard]] QString AgeOf(int row) const;
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

@@ -66,7 +66,7 @@ void ViewStatusBar::Show(const ViewStatus& status, const QString& age) {
   mMessage->SetFullText(QString::fromStdString(status.message));
   ShowError(status);
   SetField(*mEdited, status.edited == 0 ? QString() : QString("%1 edited").arg(status.edited));
-  SetField(*mAge, age.isEmpty() ? QString() : "Read " + age + " ago");
+  SetField(*mAge, age);
   const bool isOnline = status.mode == ViewMode::Online;
   SetField(*mPasses, isOnline ? PassesText(status.passesPerSecond) : QString());
   SetField(*mMode, ModeText(status));

@@ -18,7 +18,7 @@ class ViewStatusBar final : public QStatusBar {
  public:
   explicit ViewStatusBar(QWidget* parent);
 
-  // `age` of the oldest shown value; empty when nothing was read, or values are being refreshed.
+  // `age` says how old the oldest shown value is; empty when there is none, or values are being refreshed.
   void Show(const ViewStatus& status, const QString& age);
   // A sentence of the window's own, until the next status.
   void Say(const QString& message);

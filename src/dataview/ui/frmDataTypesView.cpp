@@ -8,9 +8,7 @@
 #include <QMenu>
 #include <QSplitter>
 #include <QVBoxLayout>
-#include <utility>
 
-#include "base/ScopeGuard.h"
 #include "dataview/PlaceText.h"
 #include "dataview/ui/OperandGrid.h"
 #include "dataview/ui/RegionGrid.h"
@@ -157,18 +155,16 @@ void frmDataTypesView::ShowBusy() {
 }
 
 void frmDataTypesView::WatchOnline() {
-  if (mIsWatched) {
-    mStallTimer.start();
-  } else {
-    mStallTimer.stop();
-  }
   if (mView.Status().mode == ViewMode::Online) {
+    mStallTimer.start();
     mAgeTimer.stop();
     if (!mFadeTimer.isActive()) mFadeTimer.start();
   } else {
+    mStallTimer.stop();
     if (!mAgeTimer.isActive()) mAgeTimer.start();
     if (mFadeTimer.isActive()) mOperands->Fade();
     mFadeTimer.stop();
+    mRegions->ShowAges();
   }
 }
 
@@ -187,9 +183,10 @@ QString frmDataTypesView::OldestAge() const {
   const auto rows = mView.Regions().Rows();
   std::optional<std::size_t> oldest;
   for (std::size_t row = 0; row < rows.size(); ++row) {
+    if (!rows[row].values.empty() && !rows[row].readAt) return "Values from before";
     if (rows[row].readAt && (!oldest || *rows[row].readAt < *rows[*oldest].readAt)) oldest = row;
   }
-  return oldest ? QString::fromStdString(mView.AgeText(*oldest)) : QString();
+  return oldest ? "Read " + QString::fromStdString(mView.AgeText(*oldest)) + " ago" : QString();
 }
 
 QString frmDataTypesView::WhyNot(std::string_view id) const {
@@ -200,13 +197,9 @@ QString frmDataTypesView::WhyNot(std::string_view id) const {
 
 void frmDataTypesView::OnTool(std::string_view id) {
   if (!WhyNot(id).isEmpty() || OnWindowTool(id)) return;
-  const ScopeGuard ended([this, wasWatched = std::exchange(mIsWatched, mIsWatched || id == command::kOnLine)] {
-    mIsWatched = wasWatched;
-    StatusChanged();
-  });
   mRunning = mTools->Action(id).text().remove('&').remove("...");
-  WatchOnline();
   mView.Run(id);
+  ShowTools();
 }
 
 bool frmDataTypesView::OnWindowTool(std::string_view id) {
@@ -260,7 +253,16 @@ void frmDataTypesView::done(int result) {
   if (mView.Status().mode == ViewMode::Busy) return mPacer.RequestStop();
   setFocus();  // what is being typed is taken or given back
   mView.SetLayout(mRegions->ColumnWidths(), mOperands->ColumnWidth());
-  if (mView.Close()) QDialog::done(result);
+  if (!mView.Close()) return;
+  TellUnwritten();
+  QDialog::done(result);
+}
+
+void frmDataTypesView::TellUnwritten() {
+  const std::size_t edited = mView.Operands().EditedCount();
+  if (edited == 0 || !mParts.shared.Remote) return;
+  mParts.shared.Remote->StatusMessage("The operand view keeps " + std::to_string(edited) +
+                                      " edited value(s) in the session; the controller does not have them.");
 }
 
 // Escape gives back what is typed and cancels a wait; the view has too much in it to be closed by it.

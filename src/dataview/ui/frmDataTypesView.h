@@ -50,12 +50,14 @@ class frmDataTypesView final : public QDialog, private mdlDataTypesView::GridLis
   void ShowBusy();
   void WatchOnline();
   void ShowStall();
+  // Of the regions' values; empty when there are none, and on line.
   [[nodiscard]] QString OldestAge() const;
 
   void HideRows();
   void ShowRows();
   void GoToPlace();
   void ShowHelp();
+  void TellUnwritten();
 
   mdlDataTypesView::DataTypesViewParts mParts;
   QtPacer& mPacer;
@@ -69,8 +71,7 @@ class frmDataTypesView final : public QDialog, private mdlDataTypesView::GridLis
   QTimer mToolsTimer;  // several changes of the selection show the tools once
   QTimer mFadeTimer;   // while on line
   QTimer mAgeTimer;
-  QTimer mStallTimer;       // runs out when an exchange of the on-line mode takes long
-  bool mIsWatched = false;  // the on-line mode begins or runs
+  QTimer mStallTimer;  // runs out when an exchange of the on-line mode takes long
 };
 
 }  // namespace kv
