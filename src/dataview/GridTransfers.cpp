@@ -128,7 +128,9 @@ void GridTransfers::Paste(const GridSelection& selection) {
   if (!table) return Refuse(table.error());
   const auto cells = PlacePaste(*table, selection, mDesk.state.settings.hidden, mDesk.state.operands);
   if (!cells) return Refuse(cells.error());
-  mEdits.Assign(*cells, "pasting");
+  if (mEdits.Assign(*cells, "pasting") && table->hasRest) {
+    mDesk.Say(mDesk.status.message + " What followed the last line end was left out.");
+  }
 }
 
 // ---- asking and telling ----
