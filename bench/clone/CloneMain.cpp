@@ -20,6 +20,7 @@
 #include "desktop/console/ConsolePacer.h"
 #include "simulator/SimulatedController.h"
 #include "tests/support/FakeChannel.h"
+#include "tests/support/SilentCloner.h"
 
 // Creating and restoring a clone beside the least that it can cost: what a serial line of 115200 baud needs for the
 // same bytes (on virtual time, so the figure is always the same), and two processes that pass as many bytes back and
@@ -45,27 +46,6 @@ struct Effort {
 constexpr Effort kFull{"K220-22-R1", "K220-22-R1", 9, {}, 64U << 20};
 constexpr Effort kOnce{"AurexQ50", "AurexQ50", 1, {.op = false, .dt = false, .ap = false, .os = false}, 4U << 20};
 
-class Window final : public kv::DumpWindow {
- public:
-  kv::SegmentBoxes boxes;
-
-  void FillSegments(std::span<const kv::CloneSegment>) override {}
-  void Event_SegmentIndex(int) override {}
-  void Event_ProgressBarInit(std::int64_t, std::int64_t) override {}
-  void Event_ProgressBarValue(std::int64_t) override {}
-  void Event_AddWriteCommand(std::string_view) override {}
-  void Event_Refresh() override {}
-  [[nodiscard]] kv::SegmentBoxes CheckedSegments() const override { return boxes; }
-};
-
-class Consent final : public kv::Prompts {
- public:
-  kv::PromptAnswer Show(const kv::MessageBox& box) override { return kv::Consent(box.buttons); }
-  std::optional<std::string> Ask(const kv::InputBox&) override { return "1"; }
-  std::optional<std::string> OpenFile(const kv::FileDialog&) override { return {}; }
-  std::optional<std::string> SaveFile(const kv::FileDialog&) override { return {}; }
-};
-
 // What every part needs to let the engine work.
 struct Bench {
   ~Bench() { std::filesystem::remove(file); }
@@ -86,8 +66,8 @@ struct Bench {
   }
 
   std::filesystem::path file = std::filesystem::temp_directory_path() / ("clone-bench-" + std::to_string(::getpid()));
-  Window window;
-  Consent prompts;
+  kv::test::SilentCloner window;
+  kv::test::KnowingPrompts prompts;
   kv::PacerWallClock clock;
 };
 

@@ -12,6 +12,7 @@
 #include "clone/CloneVerify.h"
 #include "clone/clsDumpPLC.h"
 #include "tests/base/TemporaryFolder.h"
+#include "tests/support/SilentCloner.h"
 
 namespace kv::matrix {
 namespace {
@@ -79,22 +80,6 @@ std::string MemoryOf(const std::string& content) {
   return memory;
 }
 
-struct Nobody : DumpWindow {
-  void FillSegments(std::span<const CloneSegment>) override {}
-  void Event_SegmentIndex(int) override {}
-  void Event_ProgressBarInit(std::int64_t, std::int64_t) override {}
-  void Event_ProgressBarValue(std::int64_t) override {}
-  void Event_AddWriteCommand(std::string_view) override {}
-  void Event_Refresh() override {}
-  SegmentBoxes CheckedSegments() const override { return {}; }
-};
-struct Consent : Prompts {
-  PromptAnswer Show(const MessageBox& box) override { return kv::Consent(box.buttons); }
-  std::optional<std::string> Ask(const InputBox&) override { return Bench::kPassword; }
-  std::optional<std::string> OpenFile(const FileDialog&) override { return {}; }
-  std::optional<std::string> SaveFile(const FileDialog&) override { return {}; }
-};
-
 struct Counts {
   int created = 0;
   int restored = 0;
@@ -109,7 +94,7 @@ struct Counts {
 
 class CloneRun {
  public:
-  CloneRun(std::uint64_t seed, Counts& counts) : mSeed(seed), mCounts(counts) {}
+  CloneRun(std::uint64_t seed, Counts& counts) : mSeed(seed), mCounts(counts) { mPrompts.password = Bench::kPassword; }
 
   void Create() {
     Bench bench(kModel, mSeed);
@@ -174,8 +159,8 @@ class CloneRun {
   Counts& mCounts;
   TemporaryFolder mFolder;
   std::filesystem::path mFile = mFolder.Path() / "plc.kdf";
-  Nobody mWindow;
-  Consent mPrompts;
+  test::SilentCloner mWindow;
+  test::KnowingPrompts mPrompts;
 };
 
 TEST(CloneRun, EndsRightOrWithAPlainFailure) {

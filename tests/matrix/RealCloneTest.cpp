@@ -1,0 +1,67 @@
+// Clones with kvsim as a program of its own, over a real TCP connection and a real pseudo terminal.
+
+#include <gtest/gtest.h>
+
+#include "RealBench.h"
+#include "clone/CloneVerify.h"
+#include "clone/clsDumpPLC.h"
+#include "desktop/PacerWallClock.h"
+#include "tests/support/SilentCloner.h"
+
+namespace kv::matrix {
+namespace {
+
+using namespace std::chrono_literals;
+
+class RealClone : public testing::TestWithParam<Transport> {
+ protected:
+  RealClone() { mWindow.boxes = {.op = false, .dt = false, .ap = false, .os = false}; }
+
+  // Another controller takes the place of the one before; nothing when it cannot be reached.
+  Channel* Serve() {
+    bench.driver.CloseDriver();
+    bench.End();
+    return bench.Serve({"--model", "AurexQ50"}) ? bench.Link() : nullptr;
+  }
+  CloneOutcome Create(Channel& link) {
+    clsDumpPLC engine(mWindow, mPrompts, bench.pacer, mClock);
+    engine.CreateGhost(link, file);
+    return engine.Outcome();
+  }
+  CloneOutcome Restore(Channel& link) {
+    clsDumpPLC engine(mWindow, mPrompts, bench.pacer, mClock);
+    engine.RestoreGhost(*link.GetSerialPort(), file, &link);
+    return engine.Outcome();
+  }
+
+  RealBench bench{GetParam()};
+  std::filesystem::path file = bench.folder.Path() / "plc.kdf";
+
+ private:
+  test::SilentCloner mWindow;
+  test::KnowingPrompts mPrompts;
+  PacerWallClock mClock;
+};
+
+TEST_P(RealClone, MakesAnotherControllerTheSame) {
+  Channel* link = Serve();
+  ASSERT_NE(link, nullptr);
+  ASSERT_EQ(Create(*link).reason, "");
+  link = Serve();
+  ASSERT_NE(link, nullptr);
+  for (const char* first : {"F00200000", "F00210000", "R00220000"}) {
+    ASSERT_TRUE(link->SendCommand("WD" + std::string(first) + "020000"));  // two zeros, and 255 behind them
+  }
+  ASSERT_TRUE(link->SendCommand("ED"));
+  bench.pacer.Sleep(500ms);  // it restarts
+  EXPECT_GT(VerifyClone(*link, file)->DifferingBytes(), 1000U);
+  ASSERT_EQ(Restore(*link).reason, "");
+  bench.pacer.Sleep(500ms);
+  EXPECT_TRUE(VerifyClone(*link, file)->IsSame());
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, RealClone, testing::Values(Transport::Tcp, Transport::Serial),
+                         [](const auto& line) { return line.param == Transport::Tcp ? "tcp" : "pty"; });
+
+}  // namespace
+}  // namespace kv::matrix
