@@ -23,6 +23,7 @@ namespace {
 
 constexpr const char* kFilter = "Korvantis Dump File|*.kdf";
 constexpr const char* kBusy = "An operation is running; Stop ends it.";
+constexpr const char* kStoppedBefore = "Stopped before anything was done.";
 constexpr const char* kIdle = "No operation is running.";
 
 QString Caption(std::string_view suffix = {}) {
@@ -94,6 +95,7 @@ void frmDumpPLC::CreateClone() {
     mServices.prompts.Show({.text = "Operation Failed.", .title = std::string(kClonerCaption)});
     return ShowNoLink("The clone file was not created.");
   }
+  if (mIsStopAsked) return Say(kStoppedBefore);  // while the link was opened
   const std::filesystem::path file = PathFromUtf8(*chosen);
   mEngine->CreateGhost(*link, file);
   ShowOutcome("Creating the clone file", file);
@@ -111,7 +113,7 @@ void frmDumpPLC::RestoreClone() {
 }
 
 void frmDumpPLC::RestoreInto(Channel& link, const std::filesystem::path& file) {
-  if (!Inspect(link, file)) return Say("Stopped before anything was sent to the controller.");
+  if (!Inspect(link, file)) return Say(kStoppedBefore);
   SerialPortObject* port = link.GetSerialPort();
   if (port == nullptr) return ShowNoLink("The clone file was not restored.");
   mEngine->RestoreGhost(*port, file, &link);
