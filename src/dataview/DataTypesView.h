@@ -27,7 +27,7 @@ namespace kv::mdlDataTypesView {
 // A command that is not allowed in the state does nothing and WhyNot says why.
 //
 // A command calls the listener at most once with all that it has changed in the grids. While "ID_OnLine" runs, the
-// pacer's DoEvents may come back into the view, between two passes: other commands, edits, Close. The view has to stay
+// pacer's DoEvents may come back into the view, between two reads: other commands, edits, Close. The view has to stay
 // until Run has returned.
 class DataTypesView {
  public:

@@ -11,7 +11,7 @@ class RegionEngine;
 class ViewDesk;
 
 // Reads all regions again and again, without a pause, until it is told to stop. The user's clicks are handled between
-// two passes.
+// two passes, and in a pass that takes long also between two regions; what ends the mode ends it with the pass.
 class OnlineMode {
  public:
   OnlineMode(ViewDesk& desk, RegionEngine& engine) : mDesk(desk), mEngine(engine) {}

@@ -19,6 +19,8 @@ namespace {
 
 // A controller that answers at once gives the pacer no turn; a long table must not keep the window from painting.
 constexpr Duration kTurnInterval = std::chrono::milliseconds(20);
+// A pass over a slow line takes seconds; a user who goes on working on line must not wait for its end.
+constexpr Duration kInputInterval = std::chrono::milliseconds(200);
 
 std::string Regions(std::size_t count) {
   return std::to_string(count) + (count == 1 ? " region" : " regions");
@@ -75,6 +77,7 @@ bool RegionEngine::IsSupported(Channel& channel, std::span<const Region> regions
 PassOutcome RegionEngine::ReadPass(Channel& channel) {
   PassOutcome outcome;
   mReplaced.clear();
+  mLastInput = mDesk.Now();
   const std::size_t total = mDesk.state.regions.Rows().size();
   for (std::size_t row = 0; row < total && GoOn(row, total, outcome); ++row) ReadRow(channel, row, outcome);
   outcome.replaced = mReplaced.size();
@@ -151,6 +154,10 @@ bool RegionEngine::GoOn(std::size_t done, std::size_t total, PassOutcome& outcom
   if (mLastTurn == Instant::min() || mDesk.Now() - mLastTurn >= kTurnInterval) {
     mDesk.parts.pacer.Turn();
     mLastTurn = mDesk.Now();
+  }
+  if (mDesk.status.mode == ViewMode::Online && mDesk.Now() - mLastInput >= kInputInterval) {
+    mDesk.parts.pacer.DoEvents();
+    mLastInput = mDesk.Now();
   }
   outcome.isStopped = outcome.isStopped || mDesk.parts.pacer.StopRequested();
   return outcome.IsWhole();

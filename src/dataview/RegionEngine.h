@@ -65,6 +65,7 @@ class RegionEngine {
   ViewDesk& mDesk;
   std::vector<CellChange> mReplaced;  // by the pass that runs
   Instant mLastTurn = Instant::min();
+  Instant mLastInput{};
 };
 
 }  // namespace kv::mdlDataTypesView

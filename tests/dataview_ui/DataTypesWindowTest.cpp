@@ -187,7 +187,7 @@ TEST_F(DataTypesWindowTest, ClosingEndsTheOnLineModeAndOpeningFindsEverything) {
   Regions().model()->setData(RegionIndex(0, RegionColumn::Description), "ramp");
   QTest::keyClick(&Type(Cell(MI, 7), "123"), Qt::Key_Return);
   ASSERT_TRUE(IsEditorGone());
-  Online({{[&] { return Label("lblMode") == "On line"; }, [&] { window->close(); }}});
+  Online({{[&] { return !Value(MI, 100).empty(); }, [&] { window->close(); }}});
   EXPECT_FALSE(window->isVisible());
   EXPECT_THAT(session.log, testing::Contains(HasSubstr("keeps 1 edited")));
   Open();

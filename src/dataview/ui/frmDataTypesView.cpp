@@ -199,6 +199,7 @@ void frmDataTypesView::OnTool(std::string_view id) {
   if (!WhyNot(id).isEmpty() || OnWindowTool(id)) return;
   mRunning = mTools->Action(id).text().remove('&').remove("...");
   mView.Run(id);
+  mPacer.ClearStop();  // a stop was meant for this command only
   ShowTools();
 }
 
