@@ -64,6 +64,18 @@ Instant OperandStore::ReadAt(OperandTypeCode type, std::int32_t address) const {
   return cell != nullptr ? cell->readAt : Instant::min();
 }
 
+bool OperandStore::IsKept(OperandTypeCode type, std::int32_t address) const {
+  return Origin(type, address) == CellOrigin::Read && ReadAt(type, address) == Instant::min();
+}
+
+std::optional<Instant> OperandStore::OldestReadAt(const Region& region) const {
+  Instant oldest = Instant::max();
+  for (std::int32_t address = region.from; address <= region.to; ++address) {
+    oldest = std::min(oldest, ReadAt(region.type, address));
+  }
+  return oldest == Instant::min() || oldest == Instant::max() ? std::nullopt : std::optional(oldest);
+}
+
 std::vector<std::string> OperandStore::Texts(const Region& region) const {
   std::vector<std::string> texts;
   if (region.Count() < 1) return texts;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -50,6 +51,11 @@ class OperandStore {
   [[nodiscard]] Instant ChangedAt(OperandTypeCode type, std::int32_t address) const;
   // When the controller last told the operand, or took it; Instant::min() when it never did.
   [[nodiscard]] Instant ReadAt(OperandTypeCode type, std::int32_t address) const;
+
+  // Whether the cell still shows what an earlier opening of the view had read: nobody knows how old that is.
+  [[nodiscard]] bool IsKept(OperandTypeCode type, std::int32_t address) const;
+  // When the operand of the region that was read first was read; nothing when one never was.
+  [[nodiscard]] std::optional<Instant> OldestReadAt(const Region& region) const;
 
   // The texts of a region, one an operand; empty where nothing is known, and past the type's count.
   [[nodiscard]] std::vector<std::string> Texts(const Region& region) const;

@@ -127,6 +127,7 @@ void RegionTable::SetReadAt(std::size_t row, Instant when) {
 bool RegionTable::RefreshValues(std::size_t row, const OperandStore& store) {
   if (row >= mRows.size()) return false;
   RegionRow& shown = mRows[row];
+  if (const auto oldest = store.OldestReadAt(shown.region)) shown.readAt = oldest;
   const std::vector<std::string> texts = store.Texts(shown.region);
   // An operand that is not known would be shown as 0, which it may not be.
   const bool isKnown = std::ranges::none_of(texts, &std::string::empty);

@@ -198,6 +198,9 @@ TEST_F(DataTypesWindowTest, ClosingEndsTheOnLineModeAndOpeningFindsEverything) {
   EXPECT_EQ(Label("lblEdited"), "1 edited");
   EXPECT_EQ(window->windowTitle(), "Data Types - Default");
   EXPECT_EQ(Label("lblAge"), "Values from before");  // and not as if they had just been read
+  Trigger("ID_ReadRegions");
+  AddRegion(MI, 7, 7);
+  EXPECT_THAT(Label("lblAge"), testing::StartsWith("Read "));
 }
 
 TEST_F(DataTypesWindowTest, PasteOfARefusedShapeChangesNothing) {

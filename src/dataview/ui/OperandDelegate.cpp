@@ -50,7 +50,7 @@ void OperandDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
                   .address = index.column(),
                   .change = mView.ChangeMark(type, index.column()),
                   .isEdited = operands.Origin(type, index.column()) == CellOrigin::Edited,
-                  .isOld = operands.ReadAt(type, index.column()) == Instant::min()};
+                  .isKept = operands.IsKept(type, index.column())};
   PaintBackground(*painter, option, cell);
   PaintMarks(*painter, option.rect, cell);
   PaintText(*painter, option.rect, cell);
@@ -85,7 +85,7 @@ void OperandDelegate::PaintText(QPainter& painter, const QRect& place, const Cel
   const int room = place.width() - 2 * kMargin;
   const QString shown = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
   painter.setFont(cell.isEdited ? mItalic : mFont);
-  painter.setPen(cell.isOld && !cell.isEdited ? mColours.faint : mColours.text);
+  painter.setPen(cell.isKept ? mColours.faint : mColours.text);
   const int width = static_cast<int>(shown.size()) * mDigitWidth;
   const int baseline = place.top() + (place.height() + mMetrics.ascent() - mMetrics.descent()) / 2;
   if (width <= room) {

@@ -31,7 +31,7 @@ class OperandDelegate final : public CellEditDelegate {
     std::int32_t address;
     double change;
     bool isEdited;
-    bool isOld;
+    bool isKept;
   };
 
   void PaintBackground(QPainter& painter, const QStyleOptionViewItem& option, const Cell& cell) const;

@@ -74,15 +74,11 @@ QString OperandModel::Describe(const QModelIndex& index) const {
     case CellOrigin::None:
       return place + ": not read";
     case CellOrigin::Read:
-      return place + ": " + value + (IsOld(type, index.column()) ? ", kept from before; not read since" : "");
+      return place + ": " + value + (operands.IsKept(type, index.column()) ? ", kept from before; not read since" : "");
     case CellOrigin::Edited:
       return place + ": " + value + ", edited and not written";
   }
   return place;
-}
-
-bool OperandModel::IsOld(OperandTypeCode type, int address) const {
-  return mView.Operands().ReadAt(type, address) == Instant::min();
 }
 
 QVariant OperandModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -29,7 +29,6 @@ class OperandModel final : public QAbstractTableModel {
 
  private:
   [[nodiscard]] QString Describe(const QModelIndex& index) const;
-  [[nodiscard]] bool IsOld(OperandTypeCode type, int address) const;
   [[nodiscard]] QVariant TypeHeader(int row, int role) const;
 
   DataTypesView& mView;

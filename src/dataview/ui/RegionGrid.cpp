@@ -73,6 +73,13 @@ std::vector<std::size_t> RegionGrid::SelectedRegions() const {
   return regions;
 }
 
+bool RegionGrid::HasKept() const {
+  for (int row = 0; row < mModel.rowCount(); ++row) {
+    if (!mModel.RowAt(row).values.empty() && mModel.HasKept(row)) return true;
+  }
+  return false;
+}
+
 std::vector<std::int32_t> RegionGrid::ColumnWidths() const {
   std::vector<std::int32_t> widths;
   for (int column = 0; column < kRegionColumnCount; ++column) widths.push_back(columnWidth(column));

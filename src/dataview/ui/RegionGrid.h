@@ -25,6 +25,8 @@ class RegionGrid final : public QTableView {
   // Takes over the column widths as they are kept.
   void ShowSettings();
 
+  // Whether a region shows values that the session kept.
+  [[nodiscard]] bool HasKept() const;
   // The indices of the selected regions, in the order of the table.
   [[nodiscard]] std::vector<std::size_t> SelectedRegions() const;
   // One a column, the hidden one among them.

@@ -69,7 +69,16 @@ QString RegionModel::AgeOf(int row) const {
   if (mView.Status().mode == ViewMode::Online) return {};
   if (RowAt(row).values.empty()) return {};
   const std::string age = mView.AgeText(static_cast<std::size_t>(row));
-  return age.empty() ? QString("from before") : QString::fromStdString(age) + " ago";
+  if (!age.empty()) return QString::fromStdString(age) + " ago";
+  return HasKept(row) ? "from before" : "";
+}
+
+bool RegionModel::HasKept(int row) const {
+  const Region& region = RowAt(row).region;
+  for (std::int32_t address = region.from; address <= region.to; ++address) {
+    if (mView.Operands().IsKept(region.type, address)) return true;
+  }
+  return false;
 }
 
 int RegionModel::rowCount(const QModelIndex& parent) const {

@@ -23,6 +23,9 @@ class RegionModel final : public QAbstractTableModel {
   // How old the row's values are: "12 s ago"; empty when the mode tells it, and where there are none.
   [[nodiscard]] QString AgeOf(int row) const;
 
+  // Whether some of its values are those that the session kept.
+  [[nodiscard]] bool HasKept(int row) const;
+
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;

@@ -181,9 +181,9 @@ void frmDataTypesView::ShowStall() {
 QString frmDataTypesView::OldestAge() const {
   if (mView.Status().mode == ViewMode::Online) return {};
   const auto rows = mView.Regions().Rows();
+  if (mRegions->HasKept()) return "Values from before";
   std::optional<std::size_t> oldest;
   for (std::size_t row = 0; row < rows.size(); ++row) {
-    if (!rows[row].values.empty() && !rows[row].readAt) return "Values from before";
     if (rows[row].readAt && (!oldest || *rows[row].readAt < *rows[*oldest].readAt)) oldest = row;
   }
   return oldest ? "Read " + QString::fromStdString(mView.AgeText(*oldest)) + " ago" : QString();
