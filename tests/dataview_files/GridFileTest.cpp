@@ -105,6 +105,10 @@ TEST_F(GridFile, OfALargerModelGivesWhatFits) {
   const LoadedGrids loaded = Load(kSmall);
   EXPECT_FALSE(loaded.isWhole);
   EXPECT_THAT(loaded.notes, ElementsAre(HasSubstr("1 saved values of K670"), HasSubstr("1 saved regions of K670")));
+  for (const std::string name : {"vsfRegions_1.vsf", "vsfOperands_1.vsf"}) {  // the next save writes over these
+    EXPECT_EQ(TemporaryFolder::Content(SessionFile((name + ".old").c_str())),
+              TemporaryFolder::Content(SessionFile(name.c_str())));
+  }
   EXPECT_EQ(loaded.state.regions.Regions(), (std::vector<Region>{{1, 2, MB}}));
   EXPECT_EQ(loaded.state.operands.Text(MI, 4), "12");
   EXPECT_EQ(loaded.state.settings.currentColumn, 4096);

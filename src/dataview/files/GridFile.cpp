@@ -61,11 +61,19 @@ std::optional<Grid> LoadHalf(const fs::path& file, std::string_view model, std::
   return std::nullopt;
 }
 
-void NoteLeftOut(std::vector<std::string>& notes, std::size_t count, std::string_view what, const GridOwner& owner,
-                 std::string_view model) {
-  if (count == 0) return;
-  notes.push_back(std::to_string(count) + " saved " + std::string(what) + " of " + owner.model +
-                  " left out: " + std::string(model) + " does not have them.");
+// Copies a file of which something is left out: the next save writes over it.
+void KeepWhole(const fs::path& file, std::size_t leftOut, std::string_view what, const GridOwner& owner,
+               LoadedGrids& loaded) {
+  if (leftOut == 0) return;
+  const std::string& model = loaded.state.operands.Model();
+  fs::path whole = file;
+  whole += ".old";
+  std::error_code error;
+  fs::copy_file(file, whole, fs::copy_options::overwrite_existing, error);
+  const std::string kept = error ? " They could not be kept aside and will be written over."
+                                 : " The file with them is kept as " + Utf8FromPath(whole.filename()) + ".";
+  loaded.notes.push_back(std::to_string(leftOut) + " saved " + std::string(what) + " of " + owner.model +
+                         " left out: " + model + " does not have them." + kept);
 }
 
 // A damaged or made-up name must not lead out of the folder of the sessions.
@@ -118,12 +126,12 @@ LoadedGrids LoadGrids(const GridFilePair& files, std::string_view model) {
   auto operands = LoadHalf<OperandsGrid>(files.operands, model, loaded.notes, ParseOperandsGrid);
   auto regions = LoadHalf<RegionsGrid>(files.regions, model, loaded.notes, ParseRegionsGrid);
   if (operands) {
-    NoteLeftOut(loaded.notes, operands->leftOut, "values", operands->owner, model);
+    KeepWhole(files.operands, operands->leftOut, "values", operands->owner, loaded);
     loaded.state.operands = std::move(operands->operands);
     loaded.state.settings = std::move(operands->settings);
   }
   if (regions) {
-    NoteLeftOut(loaded.notes, regions->leftOut, "regions", regions->owner, model);
+    KeepWhole(files.regions, regions->leftOut, "regions", regions->owner, loaded);
     loaded.state.regions.Assign(std::move(regions->rows));
     loaded.state.settings.regionColumnWidths = std::move(regions->columnWidths);
   }

@@ -36,7 +36,8 @@ struct LoadedGrids {
   bool isWhole = false;            // both files were there, undamaged, and everything in them was taken
   std::vector<std::string> notes;  // sentences for the user: what is missing, why, and where it is kept
 };
-// A damaged file is kept aside under its name with ".bad" behind it.
+// A damaged file is kept aside under its name with ".bad" behind it, a copy of one of which something does not fit with
+// ".old".
 [[nodiscard]] LoadedGrids LoadGrids(const GridFilePair& files, std::string_view model);
 
 // Deletes them, as far as they are there.
