@@ -84,7 +84,7 @@ void DataTypesView::SelectRegions(std::vector<std::size_t> rows) {
 std::string DataTypesView::EditFault(OperandTypeCode type, std::int32_t address, std::string_view text) const {
   if (!mIsOpen) return "The view is closed.";
   if (IsBusy()) return "A read or write is running: wait for its end, or cancel it.";
-  if (IsReadOnline(type, address)) {
+  if (mDesk.IsReadOnline(type, address)) {
     return "This operand is being read on line, which would take the place of what you enter: end the on-line mode "
            "first.";
   }
@@ -99,12 +99,6 @@ bool DataTypesView::Edit(OperandTypeCode type, std::int32_t address, std::string
     mDesk.SayError(fault);
   }
   return Tell(fault.empty());
-}
-
-bool DataTypesView::IsReadOnline(OperandTypeCode type, std::int32_t address) const {
-  return IsOnline() && std::ranges::any_of(mDesk.state.regions.Rows(), [&](const RegionRow& row) {
-           return row.region.type == type && address >= row.region.from && address <= row.region.to;
-         });
 }
 
 bool DataTypesView::SetDescription(std::size_t row, std::string_view text) {

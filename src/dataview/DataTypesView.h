@@ -107,7 +107,6 @@ class DataTypesView {
 
   [[nodiscard]] bool IsBusy() const { return mDesk.status.mode == ViewMode::Busy; }
   [[nodiscard]] bool IsOnline() const { return mDesk.status.mode == ViewMode::Online; }
-  [[nodiscard]] bool IsReadOnline(OperandTypeCode type, std::int32_t address) const;
   void SayLoaded(bool isRecovered, const std::vector<std::string>& notes);
   [[nodiscard]] bool SaveState();
   // Tells the listener what has changed, and hands the result on.

@@ -58,8 +58,8 @@ void GridEdits::Enter(OperandTypeCode type, std::int32_t address, std::string_vi
 
 bool GridEdits::Assign(std::span<const CellAssignment> cells, const std::string& title) {
   for (const CellAssignment& cell : cells) {
-    const std::string fault =
-        IsWritableType(cell.type) ? EntryFault(cell.type, cell.address, cell.text) : std::string();
+    if (!IsWritableType(cell.type) || IsLegalTransfer(cell.type, mDesk.Model(), cell.text)) continue;
+    const std::string fault = EntryFault(cell.type, cell.address, cell.text);
     if (fault.empty()) continue;
     mDesk.SayError(fault + " Nothing was changed.");
     mDesk.ShowBox(kValueOutOfRangeMessage);
@@ -67,12 +67,17 @@ bool GridEdits::Assign(std::span<const CellAssignment> cells, const std::string&
   }
   UndoStep step{.title = title};
   std::size_t readOnly = 0;
+  std::size_t readOnline = 0;
   for (const CellAssignment& cell : cells) {
     OperandStore& store = mDesk.state.operands;
     const CellText before = store.Shown(cell.type, cell.address);
     if (before.text == cell.text) continue;
     if (!IsWritableType(cell.type)) {
       ++readOnly;
+      continue;
+    }
+    if (mDesk.IsReadOnline(cell.type, cell.address)) {
+      ++readOnline;
       continue;
     }
     store.Edit(cell.type, cell.address, cell.text);
@@ -82,6 +87,7 @@ bool GridEdits::Assign(std::span<const CellAssignment> cells, const std::string&
   std::string told = Counted(step.cells.size(), "cell") + " changed by " + title + ".";
   if (readOnly > 0)
     told += " " + Counted(readOnly, "cell") + " of types that only the controller sets left as they were.";
+  if (readOnline > 0) told += " " + Counted(readOnline, "cell") + " of regions being read on line left as they were.";
   FinishCells(std::move(step));
   mDesk.Say(told);
   return true;
@@ -154,6 +160,7 @@ void GridEdits::ReplaceRegions(std::vector<RegionRow> rows, Values values, const
   if (values == Values::Removed) step.cells = EmptyOperands();
   mDesk.state.regions.Assign(std::move(rows));
   FinishRows(std::move(step), before);
+  mDesk.RowsReplaced();  // also when the same regions come again: what they showed is gone
 }
 
 bool GridEdits::SetDescription(std::size_t row, std::string_view text) {

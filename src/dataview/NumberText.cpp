@@ -44,4 +44,8 @@ std::optional<float> ParseSingle(std::string_view text) {
   return ParseFloat(WithoutPlus(text));
 }
 
+bool IsNoNumber(std::string_view text) {
+  return text == "nan" || text == "inf" || text == "-inf";
+}
+
 }  // namespace kv::mdlDataTypesView

@@ -14,4 +14,7 @@ namespace kv::mdlDataTypesView {
 // A number that a single-precision float can hold.
 [[nodiscard]] std::optional<float> ParseSingle(std::string_view text);
 
+// "nan", "inf" or "-inf": what a controller tells of a float that is no number.
+[[nodiscard]] bool IsNoNumber(std::string_view text);
+
 }  // namespace kv::mdlDataTypesView

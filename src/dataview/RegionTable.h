@@ -30,6 +30,7 @@ struct RegionRow {
   FormatCode format = FormatCode::Decimal;
   std::string values;             // the region's values in that size and format
   std::optional<Instant> readAt;  // when all of its values were last read; none before that
+  bool isFromFile = false;        // the values are those of a region file, as old as that; nobody read them
 };
 
 // The columns of the regions table.

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "dataview/NumberText.h"
 #include "dataview/OperandCatalogue.h"
 #include "dataview/TimerText.h"
 #include "dataview/ValueRange.h"
@@ -63,6 +64,10 @@ bool IsLegalEntry(OperandTypeCode type, std::string_view model, std::string_view
     default:
       return IsWritableType(type) && IsValueInRange(type, text);
   }
+}
+
+bool IsLegalTransfer(OperandTypeCode type, std::string_view model, std::string_view text) {
+  return IsLegalEntry(type, model, text) || (type == OperandTypeCode::MF && IsNoNumber(text));
 }
 
 }  // namespace kv::mdlDataTypesView

@@ -15,4 +15,8 @@ namespace kv::mdlDataTypesView {
 // False for a type that cannot be written.
 [[nodiscard]] bool IsLegalEntry(OperandTypeCode type, std::string_view model, std::string_view text);
 
+// Whether a grid that was exported or copied may have had the text there: beside the entries, what a controller tells
+// and takes from nobody.
+[[nodiscard]] bool IsLegalTransfer(OperandTypeCode type, std::string_view model, std::string_view text);
+
 }  // namespace kv::mdlDataTypesView

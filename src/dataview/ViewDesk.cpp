@@ -56,6 +56,12 @@ std::string ViewDesk::Caption() const {
   return std::string(kTitle) + " - " + parts.shared.CurrentSession;
 }
 
+bool ViewDesk::IsReadOnline(OperandTypeCode type, std::int32_t address) const {
+  return status.mode == ViewMode::Online && std::ranges::any_of(state.regions.Rows(), [&](const RegionRow& row) {
+           return row.region.type == type && address >= row.region.from && address <= row.region.to;
+         });
+}
+
 void ViewDesk::Say(std::string message) {
   status.message = std::move(message);
   status.isError = false;

@@ -45,6 +45,8 @@ class ViewDesk {
   [[nodiscard]] const std::string& Model() const { return state.operands.Model(); }
   [[nodiscard]] std::string Caption() const;
   [[nodiscard]] Instant Now() const { return parts.pacer.Now(); }
+  // Whether the on-line mode reads the operand, which would take the place of what is put there.
+  [[nodiscard]] bool IsReadOnline(OperandTypeCode type, std::int32_t address) const;
 
   // The status line; shown with the next TellStatus.
   void Say(std::string message);

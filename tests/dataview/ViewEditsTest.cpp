@@ -234,6 +234,18 @@ TEST(ViewFiles, RegionsGoIntoAFileAndComeBack) {
   EXPECT_THAT(bench.Run("ID_LoadRegions"), ElementsAre(kDeletesQuestion, "OpenFile *.axt|*.axt"));
   EXPECT_EQ(bench.view.Regions().Rows()[0].description, "Tank");
 
+  bench.home.Put("a.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t9\tTank\t16 BIT\tDECIMAL\t7 8\t\r\n\r\n");
+  bench.prompts.Press(kYes);
+  bench.prompts.Choose(file);
+  bench.Run("ID_LoadRegions");
+  const auto row = [&]() -> const RegionRow& { return bench.view.Regions().Rows()[0]; };
+  EXPECT_EQ(row().values, "7 8");
+  EXPECT_THAT(bench.changed, ElementsAre(testing::Field(&GridChanges::regionRowsReplaced, true)))
+      << "the same regions, but other texts";
+  bench.view.Edit(MI, 0, "5");
+  EXPECT_EQ(row().values, "") << "not the file's any more";
+  EXPECT_FALSE(row().isFromFile);
+
   bench.home.Put("a.axt", "Version 99\r\n");
   for (const auto& path : {std::optional(file), std::optional<std::string>()}) {
     bench.prompts.Press(kYes);
@@ -272,6 +284,10 @@ TEST(ViewFiles, PasteAndImportTakeAllOrNothing) {
   paste("7\t8\r\n", RowOfType(SI), {});
   EXPECT_EQ(bench.view.Operands().Text(SI, 1), "1") << "what only the controller sets shows what it told";
   EXPECT_THAT(bench.view.Status().message, HasSubstr("2 cells of types that only the controller sets"));
+
+  paste("nan\t-inf\r\n", RowOfType(MF), {});
+  EXPECT_EQ(bench.view.Operands().Text(MF, 1), "-inf") << "a controller may have told it";
+  bench.Run("ID_Undo");
 
   bench.view.Select({.top = RowOfType(MI), .left = 1, .bottom = RowOfType(SI), .right = 2});
   bench.Run("ID_Cut");

@@ -172,6 +172,11 @@ TEST(OnLine, PassesBackToBackUntilTheToolIsPressedAgain) {
     EXPECT_EQ(bench.view.WhyNot("ID_OnLine"), "");
     EXPECT_THAT(bench.view.EditFault(MI, 61, "5"), HasSubstr("read on line"));
     EXPECT_EQ(bench.view.EditFault(MI, 62, "5"), "");
+    bench.home.Put("a.csv", ",0,1\r\nMI,7,8\r\nML,7,8\r\n");
+    if (passes == 1) bench.prompts.Choose(Utf8FromPath(bench.home.Path() / "a.csv"));
+    if (passes == 1) bench.view.Run("ID_ImportFromCSV");
+    EXPECT_THAT(bench.view.Status().message, HasSubstr("2 cells of regions being read on line left as they were"));
+    EXPECT_EQ(bench.view.Operands().Text(ML, 1), "8");
     EXPECT_TRUE(bench.view.SetFormat(0, passes == 1 ? FormatCode::Hex : FormatCode::Decimal));
     if (passes == 3) bench.view.Run("ID_OnLine");
   });

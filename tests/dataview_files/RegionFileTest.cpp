@@ -40,7 +40,7 @@ TEST(RegionFile, IsWrittenToTheByte) {
   EXPECT_TRUE(PrintRegionFile(std::vector{Row({}, "\xCE\xA9", {}, {}, "")}, kLarge).charactersLost);
 }
 
-TEST(RegionFile, BringsBackTheRowsButNotTheirOldValues) {
+TEST(RegionFile, BringsBackTheRowsAndMarksTheirValuesAsTheFiles) {
   const std::vector<RegionRow> rows = {
       Row({5, 9, OperandTypeCode::MB}, "Pumps \xE2\x82\xAC", SizeCode::Bit1, FormatCode::Binary, "1 0 1 0 1"),
       Row({0, 59, OperandTypeCode::MI}, "", SizeCode::Bit32, FormatCode::Float, "1.5"),
@@ -57,7 +57,8 @@ TEST(RegionFile, BringsBackTheRowsButNotTheirOldValues) {
     EXPECT_EQ(row.description, rows[i].description);
     EXPECT_EQ(row.size, rows[i].size);
     EXPECT_EQ(row.format, rows[i].format);
-    EXPECT_EQ(row.values, "");
+    EXPECT_EQ(row.values, i == 2 ? "   " : rows[i].values);
+    EXPECT_TRUE(row.isFromFile);
     EXPECT_FALSE(row.readAt);
   }
   EXPECT_TRUE(ParseRegionFile(kAurex + "\r\n", kLarge)->empty());

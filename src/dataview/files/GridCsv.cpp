@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <string>
 #include <utility>
 
@@ -17,10 +16,8 @@ constexpr std::string_view kFirstHeading = "Operand Type";
 
 // What a controller may have told, so that every line that was written is taken.
 bool IsValue(std::string_view text) {
-  constexpr std::array<std::string_view, 3> kNoNumbers = {"nan", "inf", "-inf"};
   const std::string_view trimmed = TrimBlanks(text);
-  return ParseWholeNumber(trimmed) || ParseSingle(trimmed) || ParseTimerText(trimmed) ||
-         std::ranges::find(kNoNumbers, trimmed) != kNoNumbers.end();
+  return ParseWholeNumber(trimmed) || ParseSingle(trimmed) || ParseTimerText(trimmed) || IsNoNumber(trimmed);
 }
 
 // The first field is the heading.

@@ -96,6 +96,8 @@ std::optional<RegionRow> ParseRow(std::string_view line) {
   if (const auto format = OfferedCode(at(RegionColumn::Format), FormatsOffered(row.size), FormatName)) {
     row.format = *format;
   }
+  row.values = AnsiToUtf8(at(RegionColumn::Values));
+  row.isFromFile = !row.values.empty();
   return row;
 }
 
@@ -163,6 +165,8 @@ Rows Resplit(Rows rows) {
   std::ranges::remove_copy_if(rows, std::back_inserter(fitting), isLong);
   for (RegionRow& row : rows) {
     if (!isLong(row)) continue;
+    row.values.clear();  // a piece has a part of them only
+    row.isFromFile = false;
     for (const Region& piece : SplitRegion(row.region)) {
       row.region = piece;
       fitting.push_back(row);

@@ -55,7 +55,7 @@ struct RegionFileText {
 // The rows of a file in the order of the table, those that are too long for one request cut into several at its end.
 // They are checked against the model: its family, its types and their counts (one address too many passes, see
 // IsPastOperandCount); within one type they must not overlap. A size or format that is not offered for a type becomes
-// that of a new row. The values in the file are not taken: they are as old as the file.
+// that of a new row. The values are texts to be looked at, and marked as those of a file; rows that are cut lose them.
 [[nodiscard]] std::expected<std::vector<RegionRow>, RegionFileFault> ParseRegionFile(std::string_view bytes,
                                                                                      std::string_view model);
 

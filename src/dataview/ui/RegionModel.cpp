@@ -66,8 +66,9 @@ void RegionModel::Copy(int first, int last) {
 }
 
 QString RegionModel::AgeOf(int row) const {
-  if (mView.Status().mode == ViewMode::Online) return {};
   if (RowAt(row).values.empty()) return {};
+  if (RowAt(row).isFromFile) return "from the file";
+  if (mView.Status().mode == ViewMode::Online) return {};
   const std::string age = mView.AgeText(static_cast<std::size_t>(row));
   if (!age.empty()) return QString::fromStdString(age) + " ago";
   return HasKept(row) ? "from before" : "";
@@ -103,7 +104,7 @@ QVariant RegionModel::data(const QModelIndex& index, int role) const {
       return QVariant::fromValue((IsNumber(column) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     case Qt::ToolTipRole: {
       const QString age = AgeOf(index.row());
-      return Text(row, column) + (age.isEmpty() || column != RegionColumn::Values ? "" : "\nread " + age);
+      return Text(row, column) + (age.isEmpty() || column != RegionColumn::Values ? "" : "\nValues " + age);
     }
     default:
       return {};

@@ -20,7 +20,8 @@ class RegionModel final : public QAbstractTableModel {
   void Follow(const GridChanges& changes);
 
   [[nodiscard]] const RegionRow& RowAt(int row) const { return mRows[static_cast<std::size_t>(row)]; }
-  // How old the row's values are: "12 s ago"; empty when the mode tells it, and where there are none.
+  // How old the row's values are: "12 s ago", "from before", "from the file"; empty when the mode tells it, and where
+  // there are none.
   [[nodiscard]] QString AgeOf(int row) const;
 
   // Whether some of its values are those that the session kept.
