@@ -7,6 +7,7 @@
 #include "dataview/OperandCatalogue.h"
 #include "dataview/OsSupport.h"
 #include "dataview/RegionTransfer.h"
+#include "link/ControllerErrorText.h"
 #include "link/LinkTexts.h"
 
 namespace kv::cli {
@@ -14,9 +15,6 @@ namespace kv::cli {
 using mdlDataTypesView::kRegionsNotSupportedMessage;
 
 namespace {
-
-// Code 07 of a refusal: the controller wants its password first.
-constexpr int kRefusedWithoutPassword = 7;
 
 constexpr const char* kNothingWritten = "nothing was written";
 
@@ -41,7 +39,7 @@ bool IsSurelyNotWritten(const LinkError& error) {
     case LinkErrorCode::NotSupported:
       return true;
     default:
-      return error.happened.ends_with(kNotExecutedText);
+      return error.isNotExecuted;
   }
 }
 
@@ -158,7 +156,7 @@ std::expected<void, Failure> WriteOperands(Environment& environment, Connection&
 Failure WriteFailure(const LinkError& error, const Region& piece, const std::string& before) {
   Failure failure = LinkFailure(error, true);
   failure.happened += "; " + WrittenSoFar(error, piece, before);
-  if (error.controllerCode == kRefusedWithoutPassword) {
+  if (error.controllerCode == kNeedsPasswordCode) {
     failure.code = kPasswordNeeded;
     failure.cure = "give the controller's password with --password";
   }

@@ -10,8 +10,6 @@
 namespace kv {
 namespace {
 
-constexpr int kBusyCode = 0x0A;
-
 // How long opening may take, by what has to happen.
 Duration OpenLimit(const LinkSettings& settings) {
   using namespace std::chrono_literals;

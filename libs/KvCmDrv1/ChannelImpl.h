@@ -9,6 +9,7 @@
 #include "KvCmDrv1/PieceSize.h"
 #include "KvCmDrv1/RawPort.h"
 #include "link/Channel.h"
+#include "link/ControllerErrorText.h"
 
 namespace kv {
 
@@ -171,11 +172,9 @@ std::optional<std::string_view> ChannelImpl::Ask(const TextRequest& request, con
 
 template <typename Doing>
 bool ChannelImpl::FailedStatus(int status, const Doing& doing) {
-  constexpr int kRefused = 128;
-  constexpr int kBusyCode = 0x0A;
   if (status == kBlockDone) return false;
-  if (status == kBlockBusy || status > kRefused) {
-    FailRefused(status == kBlockBusy ? kBusyCode : status - kRefused, doing());
+  if (status == kBlockBusy || status > kBlockRefused) {
+    FailRefused(status == kBlockBusy ? kBusyCode : status - kBlockRefused, doing());
   } else {
     FailMalformed(doing());
   }

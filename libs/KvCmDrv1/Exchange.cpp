@@ -4,12 +4,11 @@
 #include <array>
 
 #include "KvCmDrv1/wire/Seal.h"
+#include "link/ControllerErrorText.h"
+#include "link/DownloadEngine.h"
 
 namespace kv {
 namespace {
-
-constexpr int kNeedsPassword = 0x07;
-constexpr int kBlockRefusal = 128;
 
 // Characters that finding step, identification and access may add to a request on a new connection.
 constexpr std::size_t kMeetingBytes = 400;
@@ -147,7 +146,7 @@ std::expected<std::string_view, LinkError> Exchange::SendText(const TextRequest&
   const UnderWay underWay(*this);
   SetDeadline(mMain.frame.size() + request.facts.longestReply, request.notAfter);
   Outcome outcome = RunText(request);
-  if (outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text) == kNeedsPassword &&
+  if (outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text) == kNeedsPasswordCode &&
       GiveAccess(request.unit) == Outcome::Done) {
     mWentOut = false;  // refused: it has changed nothing
     outcome = RunText(request);
@@ -164,7 +163,7 @@ std::expected<BlockReply, LinkError> Exchange::SendBlock(const BlockRequest& req
   const std::size_t bytes = 2 * (kBlockHead + kBlockCheck) + request.payload.size() + request.replyPayload;
   SetDeadline(bytes, request.notAfter);
   Outcome outcome = RunBlock(request);
-  if (outcome == Outcome::Done && mBlockStatus == kBlockRefusal + kNeedsPassword &&
+  if (outcome == Outcome::Done && mBlockStatus == kBlockRefused + kNeedsPasswordCode &&
       GiveAccess(request.unit) == Outcome::Done) {
     mWentOut = false;
     outcome = RunBlock(request);

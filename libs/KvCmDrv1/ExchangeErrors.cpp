@@ -1,5 +1,4 @@
 #include "KvCmDrv1/Exchange.h"
-#include "link/LinkTexts.h"
 
 // Why an exchange ended without an answer, in words.
 
@@ -57,9 +56,12 @@ LinkError Exchange::Explain(Outcome outcome) const {
     case Outcome::Lost:
     case Outcome::CannotReopen:
       return MakeError(LinkLost, "the connection was lost: " + mLoss.happened, mLoss.cause, mLoss.cure);
-    case Outcome::NotExecuted:
-      return MakeError(LinkLost, "the connection was lost, and " + std::string(kNotExecutedText), mLoss.cause,
-                       "do it again; the connection stands again");
+    case Outcome::NotExecuted: {
+      LinkError error = MakeError(LinkLost, "the connection was lost, and the controller has not executed the request",
+                                  mLoss.cause, "do it again; the connection stands again");
+      error.isNotExecuted = true;
+      return error;
+    }
     case Outcome::Stopped:
       return MakeError(Stopped, "stopped on request", "", "");
     case Outcome::Closed:

@@ -23,6 +23,7 @@ inline constexpr int kBlockDone = 10;
 inline constexpr int kBlockDoneProgramming = 11;
 inline constexpr int kBlockTakesEffectWithReset = 100;
 inline constexpr int kBlockBusy = 5;
+inline constexpr int kBlockRefused = 128;
 
 // Binary block messages to the controller, one at a time: set the fields, send, look at the reply.
 class DownloadEngine {

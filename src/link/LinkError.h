@@ -24,11 +24,12 @@ enum class LinkErrorCode {
 // What a failed link call leaves to be read: what was being done, what happened, the likely cause and what to do.
 struct LinkError {
   LinkErrorCode code = LinkErrorCode::None;
-  int controllerCode = 0;  // the code behind ERROR, 1 to 255, when code is Refused or Busy
-  std::string doing{};     // "reading MI 0..59 from unit 1 on 192.168.1.20:20300"
-  std::string happened{};  // "no reply after 3 tries (1.5 s)"
-  std::string cause{};     // "the controller is switched off or has another unit id"
-  std::string cure{};      // "check cable and power, and the unit id in the communication settings"
+  int controllerCode = 0;      // the code behind ERROR, 1 to 255, when code is Refused or Busy
+  std::string doing{};         // "reading MI 0..59 from unit 1 on 192.168.1.20:20300"
+  std::string happened{};      // "no reply after 3 tries (1.5 s)"
+  std::string cause{};         // "the controller is switched off or has another unit id"
+  std::string cure{};          // "check cable and power, and the unit id in the communication settings"
+  bool isNotExecuted = false;  // the request may have gone out, but it is certain that it was not executed
 
   // The whole as one sentence a line, for a message box or a terminal; empty when there is no error.
   [[nodiscard]] std::string Text() const;

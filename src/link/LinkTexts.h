@@ -10,7 +10,4 @@ namespace kv {
 // "MI 0..59", and "MI 0" for a single operand.
 [[nodiscard]] std::string RangeText(std::string_view name, std::int64_t first, std::int64_t last);
 
-// Ends the text of an error after which it is certain that the request was not executed, although it may have gone out.
-inline constexpr std::string_view kNotExecutedText = "the controller has not executed the request";
-
 }  // namespace kv
