@@ -93,6 +93,16 @@ TEST(WindowGeometryTest, AWindowComesBackAsItWasLeftUnlessItsPlaceIsDamaged) {
   }
 }
 
+TEST(WindowGeometryTest, AFirstSizeThatIsTooLargeForTheScreenIsMadeToFit) {
+  const TemporaryFolder folder;
+  Window window;
+  const QSize room = window.screen()->availableSize();
+  window.resize(4 * room.width(), 300);
+  RememberPlace(window, folder.Path() / "Windows.ini");
+  EXPECT_LT(window.width(), room.width());
+  EXPECT_EQ(window.height(), 300);
+}
+
 TEST(QtShellTest, AMissingProgramIsNamedAndAPresentOneStartsInItsFolder) {
   const TemporaryFolder folder;
   QtShell shell;

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QHeaderView>
+#include <QScreen>
 #include <QSplitter>
 #include <algorithm>
 #include <string>
@@ -17,6 +18,15 @@ namespace {
 constexpr std::size_t kCheckDigits = 8;
 constexpr const char* kLeftOut = "kvLeftOutOfPlace";  // a header's property
 constexpr std::size_t kLongestState = 8192;           // of a table header of a few hundred columns
+
+constexpr QSize kFrame(8, 40);  // around a window, with its title
+
+// A first size that was chosen for a large screen would put the lower edge, with its buttons, out of sight on a small
+// one. A window that has chosen none takes the size of its contents.
+void FitToScreen(QWidget& window) {
+  if (!window.testAttribute(Qt::WA_Resized)) return;
+  window.resize(window.size().boundedTo(window.screen()->availableSize() - kFrame));
+}
 
 class PlaceKeeper final : public QObject {
  public:
@@ -83,6 +93,7 @@ std::filesystem::path WindowsFile(const ProgramPaths& paths) {
 }
 
 void RememberPlace(QWidget& window, const std::filesystem::path& file) {
+  FitToScreen(window);
   (new PlaceKeeper(window, file))->Restore();
 }
 
