@@ -139,17 +139,20 @@ void clsCallerExe::UpdateLinkDescription() {
 
 void clsCallerExe::mWinsock_ConnectionRequest(int requestId) {
   mWinsock->Close();
-  if (!mWinsock->Accept(requestId)) return;
-  TellHost("Ethernet connection established");
+  if (mWinsock->Accept(requestId)) return TellHost("Ethernet connection established");
+  (void)ListenAgain();  // who dialled in has gone meanwhile, and the next one needs an open port
 }
 
 void clsCallerExe::mWinsock_Close() {
   mWinsock->Close();
-  if (mWinsock->GetState() == ListeningSocket::State::Closed && !mWinsock->Listen()) {
-    TellHost("The Ethernet port could not be opened again for controllers that dial in.");
-    return;
-  }
+  if (mWinsock->GetState() == ListeningSocket::State::Closed && !ListenAgain()) return;
   TellHost("Ethernet connection terminated");
+}
+
+bool clsCallerExe::ListenAgain() {
+  const bool listens = mWinsock->Listen();
+  if (!listens) TellHost("The Ethernet port could not be opened again for controllers that dial in.");
+  return listens;
 }
 
 }  // namespace kv

@@ -79,6 +79,7 @@ TEST_F(CallerExeTest, AfterExitNothingIsOpenedAnyMore) {
 TEST_F(CallerExeTest, TheSocketTakesOneConnectionAndListensAgain) {
   const std::string established = "StatusMessage Ethernet connection established";
   const std::string terminated = "StatusMessage Ethernet connection terminated";
+  const auto notOpened = testing::HasSubstr("could not be opened again");
   EXPECT_THAT(CallsOf([&](clsCallerExe&) {
                 socket->OnConnectionRequest(5);
                 socket->OnClose();
@@ -92,8 +93,8 @@ TEST_F(CallerExeTest, TheSocketTakesOneConnectionAndListensAgain) {
                 socket->OnConnectionRequest(6);
                 socket->OnClose();
               }),
-              ElementsAre("Socket Close", "Socket Accept 6", "Socket Close", "Socket Listen",
-                          testing::HasSubstr("could not be opened again")));
+              ElementsAre("Socket Close", "Socket Accept 6", "Socket Listen", notOpened, "Socket Close",
+                          "Socket Listen", notOpened));
 }
 
 }  // namespace
