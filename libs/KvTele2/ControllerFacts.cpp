@@ -1,7 +1,6 @@
 #include "KvTele2/ControllerFacts.h"
 
 #include "base/AnsiText.h"
-#include "base/Numbers.h"
 #include "link/OsVersion.h"
 
 namespace kv {
@@ -43,7 +42,7 @@ ControllerFacts FactsOf(const VersionInfo& version, int unit) {
 void AddInfo(ControllerFacts& facts, const Channel::ControllerInfo& info) {
   facts.state = StateText(info.state);
   facts.project = AnsiToUtf8(info.projectName);
-  facts.serialNumber = ToHex(info.serialNumber, 8);
+  facts.serialNumber = std::to_string(info.serialNumber);
 }
 
 LinkFacts FactsOf(const LinkQuality& quality) {

@@ -16,7 +16,7 @@ struct ControllerFacts {
   std::string unit;
   std::string state;  // "Running"
   std::string project;
-  std::string serialNumber;  // 8 hexadecimal digits
+  std::string serialNumber;  // decimal, as in error texts and on the command line
 
   bool operator==(const ControllerFacts&) const = default;
 };

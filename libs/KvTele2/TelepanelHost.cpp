@@ -102,6 +102,7 @@ void TelepanelHost::Note(const std::string& text) {
 
 void TelepanelHost::Warn(const std::string& text) {
   Note(text);
+  Show();  // beneath the box
   mServices.prompts.Show({.text = text, .title = "Telepanel", .icon = PromptIcon::Exclamation});
 }
 

@@ -106,7 +106,7 @@ TEST_F(TelepanelHostTest, EveryToolOfTheDispatchHasItsCommand) {
 TEST_F(TelepanelHostTest, AControllerOnLineIsShown) {
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, Connection::Online);
-  EXPECT_EQ(view.shown.controller, (ControllerFacts{"K220-22-R1", "4.60", "19", "1", "Running", "Bakery", "00000ABC"}));
+  EXPECT_EQ(view.shown.controller, (ControllerFacts{"K220-22-R1", "4.60", "19", "1", "Running", "Bakery", "2748"}));
   EXPECT_FALSE(view.isWaiting);
   EXPECT_THAT(host.WhyDisabled(command::kModel), HasSubstr("on line"));
   EXPECT_EQ(host.WhyDisabled(command::kOffLine), "");
