@@ -27,7 +27,7 @@ namespace kv::mdlDataTypesView {
 inline constexpr std::string_view kReadOnlyRegionsMessage =
     "Values cannot be written to some of the defined regions. \r\n"
     "This is because the defined regions include data types that cannot be written to in the controller. \r\n"
-    "All legal values will be written to permitted regions.\r\n";
+    "All legal values will be written to permitted regions.";
 
 // Whether operands of this type can be read from this model at all. DBI has no list read.
 [[nodiscard]] bool IsReadableFrom(std::string_view model, OperandTypeCode type);

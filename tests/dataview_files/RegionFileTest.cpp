@@ -135,7 +135,7 @@ TEST(RegionFile, IsRefusedWithTheMessageThatFits) {
   }
   EXPECT_EQ((RegionFileFault{Kind::Format, ""}).Message(),
             "This file cannot be opened. This may be because: \r\nThe file applies to a different controller model, or "
-            "\r\nThe file is corrupted or is in invalid format.\r\n");
+            "\r\nThe file is corrupted or is in invalid format.");
   EXPECT_EQ((RegionFileFault{Kind::InvalidRegions, ""}).Message(),
             "This file cannot be opened. This may be because: \r\nThe file contains invalid regions for the current "
             "selected PLC.");

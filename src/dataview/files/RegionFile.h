@@ -24,7 +24,7 @@ namespace kv::mdlDataTypesView {
 inline constexpr std::string_view kRegionFileRefusedMessage =
     "This file cannot be opened. This may be because: \r\n"
     "The file applies to a different controller model, or \r\n"
-    "The file is corrupted or is in invalid format.\r\n";
+    "The file is corrupted or is in invalid format.";
 inline constexpr std::string_view kRegionFileInvalidRegionsMessage =
     "This file cannot be opened. This may be because: \r\n"
     "The file contains invalid regions for the current selected PLC.";
