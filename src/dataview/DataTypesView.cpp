@@ -56,6 +56,7 @@ bool DataTypesView::Close() {
   }
   mOnline.Stop();
   if (!SaveState()) return Tell(false);
+  mOnline.StopAtOnce();
   mIsOpen = false;
   return true;
 }

@@ -26,9 +26,9 @@ namespace kv::mdlDataTypesView {
 //        -> Close
 // A command that is not allowed in the state does nothing and WhyNot says why.
 //
-// A command calls the listener at most once with all that it has changed in the grids. While "ID_OnLine" runs, the
-// pacer's DoEvents may come back into the view, between two reads: other commands, edits, Close. The view has to stay
-// until Run has returned.
+// A command calls the listener at most once with all that it has changed in the grids; the on-line mode once a pass,
+// and in a long pass also each time that it lets the user in. While "ID_OnLine" runs, the pacer's DoEvents may come
+// back into the view, between two reads: other commands, edits, Close. The view has to stay until Run has returned.
 class DataTypesView {
  public:
   DataTypesView(DataTypesViewParts parts, GridListener& listener);

@@ -36,6 +36,11 @@ void OnlineMode::Run() {
   while (mIsRunning) OnePass(*channel);
 }
 
+void OnlineMode::StopAtOnce() {
+  Stop();
+  mEngine.EndPass();
+}
+
 void OnlineMode::OnePass(Channel& channel) {
   const PassOutcome outcome = mEngine.ReadPass(channel);
   mDesk.TellChanges();

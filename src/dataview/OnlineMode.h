@@ -20,6 +20,8 @@ class OnlineMode {
   void Run();
   // Ends the mode with the pass that runs.
   void Stop() { mIsRunning = false; }
+  // The same before the next region: nobody looks at the rest of the pass.
+  void StopAtOnce();
 
  private:
   void OnePass(Channel& channel);

@@ -77,6 +77,7 @@ bool RegionEngine::IsSupported(Channel& channel, std::span<const Region> regions
 PassOutcome RegionEngine::ReadPass(Channel& channel) {
   PassOutcome outcome;
   mReplaced.clear();
+  mIsEnded = false;
   mLastInput = mDesk.Now();
   const std::size_t total = mDesk.state.regions.Rows().size();
   for (std::size_t row = 0; row < total && GoOn(row, total, outcome); ++row) ReadRow(channel, row, outcome);
@@ -156,10 +157,11 @@ bool RegionEngine::GoOn(std::size_t done, std::size_t total, PassOutcome& outcom
     mLastTurn = mDesk.Now();
   }
   if (mDesk.status.mode == ViewMode::Online && mDesk.Now() - mLastInput >= kInputInterval) {
+    mDesk.TellChanges();  // values and their rows are not to be seconds apart
     mDesk.parts.pacer.DoEvents();
     mLastInput = mDesk.Now();
   }
-  outcome.isStopped = outcome.isStopped || mDesk.parts.pacer.StopRequested();
+  outcome.isStopped = outcome.isStopped || mIsEnded || mDesk.parts.pacer.StopRequested();
   return outcome.IsWhole();
 }
 

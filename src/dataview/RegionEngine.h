@@ -45,6 +45,9 @@ class RegionEngine {
   // One pass over the table, without any message. What is read goes into the desk's changes.
   [[nodiscard]] PassOutcome ReadPass(Channel& channel);
 
+  // Ends the pass that runs before its next region.
+  void EndPass() { mIsEnded = true; }
+
   // " 3 edited values were replaced ...": what the status line adds about them; empty for none.
   [[nodiscard]] static std::string ReplacedText(std::size_t replaced);
 
@@ -66,6 +69,7 @@ class RegionEngine {
   std::vector<CellChange> mReplaced;  // by the pass that runs
   Instant mLastTurn = Instant::min();
   Instant mLastInput{};
+  bool mIsEnded = false;
 };
 
 }  // namespace kv::mdlDataTypesView

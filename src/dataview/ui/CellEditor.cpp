@@ -1,5 +1,6 @@
 #include "dataview/ui/CellEditor.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
@@ -13,6 +14,7 @@ namespace kv::mdlDataTypesView {
 namespace {
 
 constexpr int kFrame = 2;  // of a refused text, in pixels of a normal screen
+constexpr const char* kCellEditor = "cellEditor";
 constexpr const char* kBusyVeil = "busyOverlay";
 
 // A line edit that shows why its text is refused.
@@ -72,10 +74,23 @@ bool IsFocusWithVeil() {
 
 }  // namespace
 
+bool CellEditDelegate::TakeTyped(const QAbstractItemView& grid) {
+  auto* editor = dynamic_cast<CellEditor*>(grid.viewport()->findChild<QLineEdit*>(kCellEditor));
+  if (!editor || !editor->isVisible()) return true;  // one that is closed goes later
+  if (editor->IsRefused()) {
+    editor->setFocus();
+    editor->TellFault();
+    return false;
+  }
+  emit commitData(editor);
+  emit closeEditor(editor);
+  return true;
+}
+
 QWidget* CellEditDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                                         const QModelIndex& index) const {
   auto* editor = new CellEditor(parent);
-  editor->setObjectName("cellEditor");
+  editor->setObjectName(kCellEditor);
   editor->setAccessibleName(index.data(Qt::AccessibleTextRole).toString());
   editor->setFrame(false);
   editor->setFont(option.font);

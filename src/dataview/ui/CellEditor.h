@@ -4,6 +4,8 @@
 #include <QStyledItemDelegate>
 #include <functional>
 
+class QAbstractItemView;
+
 namespace kv::mdlDataTypesView {
 
 // Editing of a cell as text: the text is set once, when the editor opens, so a refresh under it does not take away
@@ -15,6 +17,10 @@ class CellEditDelegate : public QStyledItemDelegate {
   using Fault = std::function<QString(const QModelIndex& index, const QString& text)>;
 
   explicit CellEditDelegate(Fault fault) : mFault(std::move(fault)) {}
+
+  // Before a command of the view: takes what is being typed into a cell of `grid`, which uses this delegate. False, and
+  // the user is shown why, when the text is refused.
+  bool TakeTyped(const QAbstractItemView& grid);
 
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
   void setEditorData(QWidget* editor, const QModelIndex& index) const override;

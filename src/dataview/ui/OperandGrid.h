@@ -35,6 +35,9 @@ class OperandGrid final : public QTableView {
   // The types of the selected rows that are not hidden, as rows of the grid's own counting (from 1).
   [[nodiscard]] std::vector<std::int32_t> SelectedRows() const;
 
+  // Takes what is being typed; false, and the user is shown why, when it is refused.
+  bool TakeTyped() { return mDelegate.TakeTyped(*this); }
+
   void ChangeColumnWidth(int characters);
   [[nodiscard]] int ColumnWidth() const;
 

@@ -25,6 +25,9 @@ class RegionGrid final : public QTableView {
   // Takes over the column widths as they are kept.
   void ShowSettings();
 
+  // Takes the description that is being typed.
+  bool TakeTyped() { return mText.TakeTyped(*this); }
+
   // Whether a region shows values that the session kept.
   [[nodiscard]] bool HasKept() const;
   // The indices of the selected regions, in the order of the table.

@@ -22,7 +22,10 @@ QString ModeText(const ViewStatus& status) {
   return {};
 }
 
-QString PassesText(double aSecond) {
+QString PassesText(const ViewStatus& status) {
+  if (status.mode != ViewMode::Online) return {};
+  if (status.passes == 0) return QString("First pass: %1 of %2 regions").arg(status.done).arg(status.total);
+  const double aSecond = status.passesPerSecond;
   return QString("%1 passes/s").arg(aSecond, 0, 'f', aSecond < kManyPasses ? 1 : 0);
 }
 
@@ -67,8 +70,7 @@ void ViewStatusBar::Show(const ViewStatus& status, const QString& age) {
   ShowError(status);
   SetField(*mEdited, status.edited == 0 ? QString() : QString("%1 edited").arg(status.edited));
   SetField(*mAge, age);
-  const bool isOnline = status.mode == ViewMode::Online;
-  SetField(*mPasses, isOnline ? PassesText(status.passesPerSecond) : QString());
+  SetField(*mPasses, PassesText(status));
   SetField(*mMode, ModeText(status));
 }
 

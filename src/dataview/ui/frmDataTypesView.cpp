@@ -121,6 +121,8 @@ void frmDataTypesView::GridsChanged(const GridChanges& changes) {
   if (!mRegions) return;  // the view opens
   mOperands->Follow(changes);
   mRegions->Follow(changes);
+  // Rows that come or go above the selected ones move them without a signal.
+  if (changes.regionRowsReplaced) mView.SelectRegions(mRegions->SelectedRegions());
 }
 
 void frmDataTypesView::StatusChanged() {
@@ -197,10 +199,17 @@ QString frmDataTypesView::WhyNot(std::string_view id) const {
 
 void frmDataTypesView::OnTool(std::string_view id) {
   if (!WhyNot(id).isEmpty() || OnWindowTool(id)) return;
+  const bool isEndOfOnline = id == command::kOnLine && mView.Status().mode == ViewMode::Online;
+  if (!isEndOfOnline && !TakeTyped()) return;
   mRunning = mTools->Action(id).text().remove('&').remove("...");
   mView.Run(id);
   mPacer.ClearStop();  // a stop was meant for this command only
   ShowTools();
+}
+
+// Shortcuts and buttons leave an editor open: a write would send the text that was there before.
+bool frmDataTypesView::TakeTyped() {
+  return mOperands->TakeTyped() && mRegions->TakeTyped();
 }
 
 bool frmDataTypesView::OnWindowTool(std::string_view id) {

@@ -43,6 +43,8 @@ class frmDataTypesView final : public QDialog, private mdlDataTypesView::GridLis
   void Arrange();
 
   void OnTool(std::string_view id);
+  // What is typed into either grid; false when it is refused.
+  bool TakeTyped();
   bool OnWindowTool(std::string_view id);
   [[nodiscard]] QString WhyNot(std::string_view id) const;
   void ShowTools();
