@@ -82,6 +82,11 @@ TEST_F(QtPromptsTest, FileDialogsShowTheFilterAndAddItsExtension) {
   });
   EXPECT_EQ(prompts.SaveFile({.filter = "Clone files|*.kdf", .folder = folder.path().toStdString(), .initial = "pump"}),
             path + ".kdf");
+  WhenOpen<QFileDialog>(user, [&](QFileDialog& dialog) {
+    EXPECT_EQ(dialog.directory(), QDir(folder.path()));
+    dialog.reject();
+  });
+  EXPECT_EQ(prompts.OpenFile({}), std::nullopt);
 }
 
 }  // namespace

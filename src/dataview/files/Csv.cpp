@@ -89,7 +89,8 @@ class CsvReader {
     }
     field += mText.substr(0, end);
     mText.remove_prefix(end);
-    if (field.size() > kLongestCsvField) return Fault(mLine, "a field is longer than any value");
+    if (field.size() > kLongestCsvField)
+      return Fault(mLine, "a field is longer than any value; is it the separator with which the file was written?");
     return field;
   }
 

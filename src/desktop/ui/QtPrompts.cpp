@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
@@ -86,8 +87,9 @@ QString DefaultSuffix(const std::string& filter) {
   return pattern.contains('.') && !suffix.contains('*') ? suffix : QString();
 }
 
-std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::AcceptMode mode) {
-  QFileDialog dialog(Owner(), QString::fromStdString(asked.title), QString::fromStdString(asked.folder));
+std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::AcceptMode mode, std::string& lastFolder) {
+  const std::string& folder = asked.folder.empty() ? lastFolder : asked.folder;
+  QFileDialog dialog(Owner(), QString::fromStdString(asked.title), QString::fromStdString(folder));
   dialog.setObjectName("FileDialog");
   dialog.setAcceptMode(mode);
   dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
@@ -95,7 +97,9 @@ std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::Acce
   if (mode == QFileDialog::AcceptSave) dialog.setDefaultSuffix(DefaultSuffix(asked.filter));
   if (!asked.initial.empty()) dialog.selectFile(QString::fromStdString(asked.initial));
   if (Run(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-  return dialog.selectedFiles().first().toStdString();
+  const QString chosen = dialog.selectedFiles().first();
+  lastFolder = QFileInfo(chosen).path().toStdString();  // a path may have been typed into a dialog that shows another
+  return chosen.toStdString();
 }
 
 }  // namespace
@@ -144,11 +148,11 @@ std::optional<std::string> QtPrompts::Ask(const InputBox& box) {
 }
 
 std::optional<std::string> QtPrompts::OpenFile(const FileDialog& dialog) {
-  return ChooseFile(dialog, QFileDialog::AcceptOpen);
+  return ChooseFile(dialog, QFileDialog::AcceptOpen, mLastFolder);
 }
 
 std::optional<std::string> QtPrompts::SaveFile(const FileDialog& dialog) {
-  return ChooseFile(dialog, QFileDialog::AcceptSave);
+  return ChooseFile(dialog, QFileDialog::AcceptSave, mLastFolder);
 }
 
 }  // namespace kv

@@ -13,6 +13,9 @@ class QtPrompts final : public Prompts {
   [[nodiscard]] std::optional<std::string> Ask(const InputBox& box) override;
   [[nodiscard]] std::optional<std::string> OpenFile(const FileDialog& dialog) override;
   [[nodiscard]] std::optional<std::string> SaveFile(const FileDialog& dialog) override;
+
+ private:
+  std::string mLastFolder;  // in which a file was chosen last
 };
 
 }  // namespace kv
