@@ -5,7 +5,11 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 tools/build dev screenshots
 mkdir -p docs/images
-export QT_QPA_PLATFORM=offscreen QT_LOGGING_RULES="qt.qpa.*=false"
+# A screen on which every window has its full size; the toolkit's own is 800 pixels wide.
+screen=$(mktemp)
+trap 'rm -f "$screen"' EXIT
+echo '{"screens": [{"name": "wide", "x": 0, "y": 0, "width": 3840, "height": 2400}]}' >"$screen"
+export QT_QPA_PLATFORM=offscreen:configfile=$screen QT_LOGGING_RULES="qt.qpa.*=false"
 program=build/dev/tests/screenshots
 "$program" docs/images ""
 "$program" docs/images "-dark" dark
