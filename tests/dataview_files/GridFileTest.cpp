@@ -29,7 +29,10 @@ GridState SomeState(std::string_view model) {
   row.size = SizeCode::Bit8;
   row.format = FormatCode::Hex;
   row.values = "old";
-  state.regions.Assign({row, NewRegionRow({0, 0, TimerPreset})});
+  RegionRow fromFile = NewRegionRow({0, 0, TimerPreset});
+  fromFile.values = "1\\0";
+  fromFile.isFromFile = true;
+  state.regions.Assign({row, fromFile});
   state.settings.hidden.Set(3, true);
   state.settings.hidden.Set(22, true);
   state.settings.regionColumnWidths = {0, 120, 60};
@@ -66,7 +69,8 @@ void ExpectSame(const GridState& loaded, const GridState& saved) {
     EXPECT_EQ(row.description, saved.regions.Rows()[i].description);
     EXPECT_EQ(row.size, saved.regions.Rows()[i].size);
     EXPECT_EQ(row.format, saved.regions.Rows()[i].format);
-    EXPECT_EQ(row.values, "");
+    EXPECT_EQ(row.isFromFile, saved.regions.Rows()[i].isFromFile);
+    EXPECT_EQ(row.values, row.isFromFile ? saved.regions.Rows()[i].values : "");
   }
 }
 
@@ -78,9 +82,11 @@ TEST_F(GridFile, BringsBothGridsBackAsTheyWere) {
   EXPECT_THAT(loaded.notes, ElementsAre());
   ExpectSame(loaded.state, state);
   EXPECT_EQ(loaded.state.operands.ReadAt(MI, 4), Instant::min());
-  EXPECT_THAT(TemporaryFolder::Content(SessionFile("vsfRegions_1.vsf")),
-              HasSubstr("TELEPANEL-REGIONS 1\nsession Plant\nmodel K670-67-T40 / K390-29-T40\nwidths 0 120 60\n"
-                        "region 2 4 6 1 4 Gr\xC3\xBC\xC3\x9F\x65\\tand more \\\\ \nregion 13 0 0 4 5 \ncheck "));
+  EXPECT_THAT(
+      TemporaryFolder::Content(SessionFile("vsfRegions_1.vsf")),
+      HasSubstr("TELEPANEL-REGIONS 1\nsession Plant\nmodel K670-67-T40 / K390-29-T40\nwidths 0 120 60\n"
+                "region 2 4 6 1 4 Gr\xC3\xBC\xC3\x9F\x65\\tand more \\\\ \nregion 13 0 0 4 5 \nfilevalues 1\\\\0\n"
+                "check "));
   EXPECT_THAT(
       TemporaryFolder::Content(SessionFile("vsfOperands_1.vsf")),
       HasSubstr("cursor 22 64\nwidth 70\nhidden 3 22\nread 2 4\t12\nedited 2 5\ta\\tb\\r\\n\\\\n\nread 2 6\t14\n"
@@ -100,7 +106,10 @@ TEST_F(GridFile, OfALargerModelGivesWhatFits) {
   GridState state = SomeState(kLarge);
   state.operands.Edit(MB, 5000, "1");
   state.settings.currentColumn = 8000;
-  state.regions.Assign({NewRegionRow({5000, 5001, MB}), NewRegionRow({1, 2, MB})});
+  RegionRow tooLarge = NewRegionRow({5000, 5001, MB});
+  tooLarge.values = "1 1";
+  tooLarge.isFromFile = true;
+  state.regions.Assign({NewRegionRow({1, 2, MB}), tooLarge});
   ASSERT_TRUE(SaveSessionGrids(mPaths, state, "Plant"));
   const LoadedGrids loaded = Load(kSmall);
   EXPECT_FALSE(loaded.isWhole);
@@ -110,6 +119,7 @@ TEST_F(GridFile, OfALargerModelGivesWhatFits) {
               TemporaryFolder::Content(SessionFile(name.c_str())));
   }
   EXPECT_EQ(loaded.state.regions.Regions(), (std::vector<Region>{{1, 2, MB}}));
+  EXPECT_EQ(loaded.state.regions.Rows()[0].values, "") << "not those of the one that was left out";
   EXPECT_EQ(loaded.state.operands.Text(MI, 4), "12");
   EXPECT_EQ(loaded.state.settings.currentColumn, 4096);
 }

@@ -30,7 +30,8 @@ struct GridFilePair {
                                                                 std::string_view session);
 
 // What the two files hold, as far as they are there, whole, and fit the model. Values come back with their origin; when
-// they were read is not known any more. The texts of the regions' values are left empty.
+// they were read is not known any more. The texts of the regions' values are left empty, but for those of a region
+// file.
 struct LoadedGrids {
   GridState state;
   bool isWhole = false;            // both files were there, undamaged, and everything in them was taken

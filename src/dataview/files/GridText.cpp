@@ -25,6 +25,7 @@ constexpr std::string_view kSession = "session";
 constexpr std::string_view kModel = "model";
 constexpr std::string_view kWidths = "widths";
 constexpr std::string_view kRegion = "region";
+constexpr std::string_view kFileValues = "filevalues";
 constexpr std::string_view kCursor = "cursor";
 constexpr std::string_view kWidth = "width";
 constexpr std::string_view kHidden = "hidden";
@@ -97,6 +98,7 @@ void AppendRegion(std::string& out, const RegionRow& row) {
   out += ' ';
   AppendEscaped(out, row.description);
   out += '\n';
+  if (row.isFromFile) AppendTextLine(out, kFileValues, row.values);
 }
 
 // The texts of a type, a line for each run of cells that came into the grid in the same way.
@@ -251,6 +253,13 @@ class TakenOperands {
 
   // Takes the operands of the region; false when it is none of this model, or overlaps.
   bool Take(const Region& region) {
+    mTookLast = CanTake(region);
+    return mTookLast;
+  }
+  [[nodiscard]] bool TookLast() const { return mTookLast; }
+
+ private:
+  bool CanTake(const Region& region) {
     if (OperandCount(region.type, mModel) == 0 || region.from < 0 || region.Count() < 1) return false;
     if (IsPastOperandCount(region, mModel) || region.Count() > MaxOperandsPerRequest(region.type)) return false;
     std::vector<bool>& taken = mTaken[static_cast<std::size_t>(region.type) - 1];
@@ -262,9 +271,9 @@ class TakenOperands {
     return true;
   }
 
- private:
   std::string_view mModel;
   std::array<std::vector<bool>, kOperandTypeCount> mTaken;
+  bool mTookLast = false;
 };
 
 // Nothing for a line that is no region. A view that is not offered for the type becomes that of a new row.
@@ -289,6 +298,14 @@ std::expected<void, GridFault> TakeRegionsLine(const Lines& lines, TakenOperands
     const auto isWidth = [](std::int32_t width) { return width >= 0 && width <= kWidestColumn; };
     if (!widths || !std::ranges::all_of(*widths, isWidth)) return lines.Expected("the widths of up to 8 columns");
     grid.columnWidths = *std::move(widths);
+    return {};
+  }
+  if (lines.Word() == kFileValues) {
+    auto values = Unescaped(lines.Text());
+    if (!values || values->empty()) return lines.Expected("the values of a region");
+    if (!taken.TookLast()) return {};
+    grid.rows.back().values = *std::move(values);
+    grid.rows.back().isFromFile = true;
     return {};
   }
   if (lines.Word() != kRegion) return lines.Expected("a line of the regions table");

@@ -26,7 +26,7 @@ struct GridOwner {
 
 struct RegionsGrid {
   GridOwner owner;
-  std::vector<RegionRow> rows;  // without values, and not read
+  std::vector<RegionRow> rows;  // without values but those of a region file, and not read
   std::vector<std::int32_t> columnWidths;
   std::size_t leftOut = 0;  // regions that `model` does not have, or that overlap with one before
 };
