@@ -15,11 +15,12 @@ std::uint32_t MemorySeed(const Model& model, std::uint8_t unit) {
 
 }  // namespace
 
-Machine::Machine(const Model& itsModel, const Identity& itsIdentity, std::uint64_t seed)
+Machine::Machine(const Model& itsModel, const Identity& itsIdentity, std::uint64_t seed,
+                 std::optional<std::uint32_t> memorySeed)
     : model(itsModel),
       identity(itsIdentity),
       operands(itsModel),
-      memory(itsModel.memory, MemorySeed(itsModel, itsIdentity.unit)),
+      memory(itsModel.memory, memorySeed.value_or(MemorySeed(itsModel, itsIdentity.unit))),
       aurexOs(itsModel),
       compactOs(itsModel),
       mMovingValues(seed) {

@@ -42,8 +42,9 @@ struct Identity {
 // Run, Reset and EnterBootLoader are refused as busy while the flash is at work; Restart cuts its work short.
 class Machine {
  public:
-  // A controller at its first power-up.
-  Machine(const Model& itsModel, const Identity& itsIdentity, std::uint64_t seed);
+  // A controller at its first power-up. Without a seed of its own the memory depends on model and unit.
+  Machine(const Model& itsModel, const Identity& itsIdentity, std::uint64_t seed,
+          std::optional<std::uint32_t> memorySeed);
 
   const Model& model;
   Identity identity;

@@ -73,6 +73,9 @@ void DescribeController(CLI::App& app, sim::SimulatorOptions& controller, Raw& r
   app.add_flag("--boot", controller.boot, "Start in its boot loader");
   app.add_option("--password", controller.password, "Its password, at most 8 characters")->type_name("PW");
   app.add_option("--state", controller.stateFile, "Keep its memory in this file")->type_name("FILE");
+  app.add_option("--memory-seed", controller.memorySeed,
+                 "What its memory holds at first: two controllers of a model with different numbers differ")
+      ->type_name("N");
   app.add_option("--baud", controller.baud, "Imitate a serial line of this speed")
       ->type_name("BAUD")
       ->check(CheckBaud, "", "baud");

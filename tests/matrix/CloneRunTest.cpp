@@ -39,14 +39,6 @@ constexpr Segment kSegments[] = {{'R', 0x00100000, 0x0612}, {'R', 0x00110000, 0x
                                  {'F', 0x00210000, 0x0C4A}, {'R', 0x00220000, 0x0156}, {'F', 0x00300000, 0x4E3A},
                                  {'F', 0x00400000, 0x251E}};
 
-// Every segment becomes two zeros and 255 behind them.
-void Wipe(Bench& bench) {
-  for (const Segment& segment : kSegments) {
-    EXPECT_EQ(bench.Tell(std::string("WD") + segment.letter + ToHex(segment.start, 8) + "020000"), "WDOK");
-  }
-  EXPECT_EQ(bench.Tell("ED"), "EDOK");
-}
-
 std::string MemoryOf(Bench& bench) {
   std::string memory;
   for (const Segment& segment : kSegments) {
@@ -112,7 +104,6 @@ class CloneRun {
     Bench source(kModel, mSeed);
     ASSERT_EQ(Create(source).end, CloneEnd::Done);
     Bench bench(kModel, mSeed + 1'000'000);
-    Wipe(bench);
     ASSERT_NE(bench.Link(), nullptr);  // gives access
     EXPECT_TRUE(bench.simulated->UseFaults(faults));
     clsDumpPLC engine(mWindow, mPrompts, bench.pacer, bench.pacer);

@@ -81,6 +81,7 @@ class Bench {
     sim::SimulatorOptions options;
     options.model = model;
     options.seed = seed;
+    options.memorySeed = static_cast<std::uint32_t>(seed);
     options.osVersion = osVersion;
     options.password = kPassword;
     auto counting = std::make_unique<CountingController>(sim::Controller::Create(options).value());

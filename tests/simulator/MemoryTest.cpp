@@ -122,7 +122,7 @@ void Restore(Bench& to, const Listed& segment, const std::string& hex) {
 TEST(Memory, ARestoreMakesTwoControllersEqual) {
   Bench from("Q51");
   SimulatorOptions other = Options("Q51");
-  other.unit = 9;
+  other.memorySeed = 9;
   Bench to(other);
   const auto segments = ListSegments(from);
   ASSERT_NE(ReadAll(from, segments[0]), ReadAll(to, segments[0]));
