@@ -16,7 +16,6 @@ namespace {
 constexpr int kFirstOsWithClones = 460;
 constexpr std::size_t kLongestPassword = 8;
 constexpr std::uint32_t kBlock = 512;
-constexpr int kFirstRefusalStatus = 128;
 
 // Short date, TAB, short time, both without the locale so that a file says the same everywhere.
 std::string DateAndTime(std::chrono::local_seconds now) {
@@ -77,7 +76,9 @@ void clsDumpPLC::CreateGhost(Channel& link, const std::filesystem::path& file) {
     return;
   }
   if (mHasStoppedProgram) {
-    mOutcome.reason += "\nThe controller's program was stopped for this clone and still is: start it again.";
+    mOutcome.reason +=
+        "\nThe controller's program was stopped for this clone and still is. It starts when a clone is created "
+        "again, or when the controller is switched off and on.";
   }
   Show("Operation Failed.", PromptIcon::None);
   mFile.Delete();
@@ -141,7 +142,7 @@ std::expected<bool, CloneOutcome> clsDumpPLC::IsRunning(Channel& link) {
   if (engine == nullptr) return LinkFailure(link);
   engine->SetMessage({.opCode = 0, .param1 = 7, .dataLength = 2, .param3 = 0, .param4 = 0});
   if (!engine->Send()) return LinkFailure(link);
-  if (engine->ReplyStatus() >= kFirstRefusalStatus || engine->ReplyBytes().empty()) {
+  if (engine->ReplyStatus() >= kBlockRefused || engine->ReplyBytes().empty()) {
     return Failure(CloneCause::Link, "The controller did not tell whether its program runs (status " +
                                          std::to_string(engine->ReplyStatus()) + "). Try again.");
   }

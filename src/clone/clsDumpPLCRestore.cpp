@@ -72,11 +72,17 @@ void clsDumpPLC::RestoreGhost(SerialPortObject& port, const std::filesystem::pat
   const Step restored = Restore(port, file);
   mOutcome = restored ? CloneOutcome() : restored.error();
   if (restored) return Show("Clone Restore Successfully.", PromptIcon::Information);
-  if (mSentLines > 0) mOutcome.reason += "\n" + WhatIsLeft();
+  if (const std::string left = WhatIsLeft(); !left.empty()) mOutcome.reason += "\n" + left;
   Show("Operation Failed.", PromptIcon::None);
 }
 
 std::string clsDumpPLC::WhatIsLeft() const {
+  if (mSentLines == 0) {
+    const bool isUnsure = mOutcome.cause == CloneCause::Reply && mOutcome.link.code != LinkErrorCode::Refused;
+    return isUnsure ? "The controller may have taken the line all the same: its program is then stopped, and the rest "
+                      "of that segment erased."
+                    : "";
+  }
   if (mSentLines >= mCommands) return "All lines of the clone file were written before.";
   return std::to_string(mSentLines) + " of " + std::to_string(mCommands) +
          " lines of the clone file were written before and stay so: the controller's memory is part of the clone, and "

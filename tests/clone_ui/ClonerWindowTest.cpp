@@ -56,18 +56,25 @@ class ClonerWindowTest : public ::testing::Test {
  protected:
   ClonerWindowTest() {
     bench.shared.ComDriver = &driver;
-    PlugIn("AurexQ50");
+    PlugIn({});
   }
 
-  void PlugIn(const char* model, std::uint64_t seed = 1, int baud = 0) {
+  struct Plc {
+    const char* model = "AurexQ50";
+    int baud = 0;
+    const char* password = "";
+  };
+  // Another controller takes the place of the one before; its memory differs.
+  void PlugIn(const Plc& plc) {
     driver.CloseDriver();
     sim::SimulatorOptions options;
-    options.model = model;
-    options.seed = seed;
-    options.baud = baud;
+    options.model = plc.model;
+    options.memorySeed = ++plugged;
+    options.baud = plc.baud;
+    options.password = plc.password;
     controller = sim::SimulatedController::Create(options).value();
     LinkSettings settings;
-    settings.model = model + std::to_string(seed);  // the driver keeps one line for each
+    settings.model = plc.model + std::to_string(plugged);  // the driver keeps one line for each
     driver.UseSettings(settings, false);
   }
   void Open() {
@@ -76,15 +83,6 @@ class ClonerWindowTest : public ::testing::Test {
         nullptr);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
-  }
-  // The segments that every clone takes become two zeros and 255 behind them.
-  void Wipe() {
-    const auto link = driver.GetChannel();
-    for (const char* first : {"F00200000", "F00210000", "R00220000"}) {
-      EXPECT_TRUE(link->SendCommand("WD" + std::string(first) + "020000"));
-    }
-    EXPECT_TRUE(link->SendCommand("ED"));
-    pacer.Sleep(kRestart);
   }
   void OnlySmallSegments() const {
     for (const char* box : {"chkOP", "chkDT", "chkAP", "chkOS"}) Find<QCheckBox>(*window, box).setChecked(false);
@@ -96,8 +94,10 @@ class ClonerWindowTest : public ::testing::Test {
     prompts.Press(PromptAnswer::Ok);
     Trigger("ID_CreateGhost");
   }
-  void Restore(int boxes = 2) {
+  void Restore(int boxes = 2, std::optional<PromptAnswer> despite = {}, const char* password = nullptr) {
     prompts.Choose(Utf8FromPath(file));
+    if (despite) prompts.Press(*despite);
+    if (password) prompts.Enter(password);
     while (boxes-- > 0) prompts.Press(PromptAnswer::Ok);
     Trigger("ID_RestoreGhost");
   }
@@ -137,6 +137,7 @@ class ClonerWindowTest : public ::testing::Test {
   QtPacer pacer;
   PacerWallClock clock;
   NotedShell shell;
+  std::uint32_t plugged = 0;  // controllers so far
   std::unique_ptr<sim::SimulatedController> controller;
   Driver driver{pacer, [this](const std::string&) { return controller ? controller->NewLine() : nullptr; }, nullptr};
   std::unique_ptr<frmDumpPLC> window;
@@ -171,8 +172,7 @@ TEST_F(ClonerWindowTest, RestoresAFileAndTellsBeforehandWhatSpeaksAgainstIt) {
   Open();
   OnlySmallSegments();
   Create();
-  PlugIn("AurexQ50", 2);
-  Wipe();
+  PlugIn({});
   auto other = driver.GetChannel();
   ASSERT_FALSE(VerifyClone(*other, file)->IsSame());
   std::vector<std::string> found;
@@ -194,17 +194,35 @@ TEST_F(ClonerWindowTest, RestoresAFileAndTellsBeforehandWhatSpeaksAgainstIt) {
   std::string content = TemporaryFolder::Content(file);
   content.insert(content.find("/01WD"), BuildWriteFrame(1, MemoryKind::Flash, 0, Bytes{1, 2}) + "\r\n");
   bench.home.Put("clone.kdf", content);
-  PlugIn("K450", 3);
+  PlugIn({.model = "K450"});
+  Restore(0, PromptAnswer::No);
+  EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("controller is a K450-45.\r\n\r\nRestore it all the same?"));
+  EXPECT_EQ(Rows().rowCount(), 0);
+  EXPECT_EQ(Look(), kIdleLook);
   bench.log.clear();
-  Restore(3);
-  EXPECT_THAT(found.end()[-3], HasSubstr("Warning: The clone file is damaged: line 5"));
-  EXPECT_THAT(found.end()[-3], HasSubstr("but the controller is a K450"));
+  Restore(3, PromptAnswer::Yes);
+  EXPECT_THAT(found.back(), HasSubstr("Warning: The clone file is damaged: line 5"));
+  EXPECT_THAT(found.back(), HasSubstr("Warning: The clone file was made from"));
   EXPECT_THAT(Information(), HasSubstr("has failed.\nLine 5 of the clone file"));
   EXPECT_THAT(bench.log, Contains(HasSubstr("StatusMessage Restoring the clone file has failed.")));
 }
 
+TEST_F(ClonerWindowTest, GivesThePasswordBeforeARestoreToAControllerThatWantsIt) {
+  Open();
+  OnlySmallSegments();
+  Create();
+  PlugIn({.password = "Secret"});
+  Restore(1, {}, "secret");
+  EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
+  EXPECT_FALSE(VerifyClone(*driver.GetChannel(), file)->IsSame());
+  Restore(2, {}, "Secret");
+  EXPECT_EQ(prompts.Inputs().back().text, "Enter Password Up To 8 Chars");
+  pacer.Sleep(kRestart);
+  EXPECT_TRUE(VerifyClone(*driver.GetChannel(), file)->IsSame());
+}
+
 TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
-  PlugIn("AurexQ50", 1, 115200);
+  PlugIn({.baud = 115200});
   Open();
   WhenAtWork([&] {
     window->close();
@@ -212,16 +230,17 @@ TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(Enabled(), "StopDump");
     EXPECT_FALSE(Find<QCheckBox>(*window, "chkOP").isEnabled());
-    EXPECT_EQ(Find<QLabel>(*window, "lblProgress").text(), "An operation is running; Stop ends it.");
+    EXPECT_EQ(Information(), "An operation is running; Stop ends it.");
     QTest::keyClick(window.get(), Qt::Key_Escape, Qt::ShiftModifier);
   });
   Create();
   EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
   EXPECT_THAT(Information(), HasSubstr("was stopped"));
+  EXPECT_EQ(Find<QLabel>(*window, "lblProgress").text(), "Stopped.");
   EXPECT_FALSE(std::filesystem::exists(file));
   EXPECT_EQ(Look(), kIdleLook);
 
-  PlugIn("AurexQ50", 4);
+  PlugIn({});
   OnlySmallSegments();
   Create();
   Find<QProgressBar>(*window, "ProgressBar").reset();

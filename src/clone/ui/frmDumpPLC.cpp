@@ -25,6 +25,7 @@ constexpr const char* kFilter = "Korvantis Dump File|*.kdf";
 constexpr const char* kBusy = "An operation is running; Stop ends it.";
 constexpr const char* kStoppedBefore = "Stopped before anything was done.";
 constexpr const char* kIdle = "No operation is running.";
+constexpr const char* kNotRestored = "The clone file was not restored; the controller is as it was.";
 
 QString Caption(std::string_view suffix = {}) {
   return QString::fromStdString(std::string(kClonerCaption).append(suffix));
@@ -51,6 +52,8 @@ class frmDumpPLC::Operation {
     pacer.ClearStop();
     mGateBefore = pacer.ExchangeGate({.isOpen = true});  // all but the stop tool is disabled
     mWindow.mInformation->clear();
+    mWindow.mProgressBar->reset();
+    mWindow.mProgressText->clear();
     mWindow.mProgress = std::make_unique<DumpProgress>(pacer);
     mWindow.mIsStopAsked = false;
     mWindow.mEngine = std::make_unique<clsDumpPLC>(mWindow, mWindow.mServices.prompts, pacer, mWindow.mServices.clock);
@@ -80,8 +83,9 @@ void frmDumpPLC::EnableCommands(bool enabled) {
 }
 
 void frmDumpPLC::reject() {
-  if (mIsBusy) return mProgressText->setText(kBusy);
-  QDialog::reject();
+  if (!mIsBusy) return QDialog::reject();
+  // Once an operation, and not where the progress would wipe it away at once.
+  if (!mInformation->toPlainText().endsWith(kBusy)) Say(kBusy);
 }
 
 void frmDumpPLC::CreateClone() {
@@ -95,7 +99,7 @@ void frmDumpPLC::CreateClone() {
     mServices.prompts.Show({.text = "Operation Failed.", .title = std::string(kClonerCaption)});
     return ShowNoLink("The clone file was not created.");
   }
-  if (mIsStopAsked) return Say(kStoppedBefore);  // while the link was opened
+  if (mIsStopAsked) return ShowEnd(CloneEnd::Stopped, kStoppedBefore);  // while the link was opened
   const std::filesystem::path file = PathFromUtf8(*chosen);
   mEngine->CreateGhost(*link, file);
   ShowOutcome("Creating the clone file", file);
@@ -113,16 +117,19 @@ void frmDumpPLC::RestoreClone() {
 }
 
 void frmDumpPLC::RestoreInto(Channel& link, const std::filesystem::path& file) {
-  if (!Inspect(link, file)) return Say(kStoppedBefore);
+  const std::vector<std::string> findings = Inspect(link, file);
+  const bool isWanted = !mIsStopAsked && IsWantedDespite(findings) && GiveAccess(link);
+  if (mIsStopAsked) return ShowEnd(CloneEnd::Stopped, kStoppedBefore);
+  if (!isWanted) return ShowEnd(CloneEnd::Stopped, kNotRestored);
   SerialPortObject* port = link.GetSerialPort();
   if (port == nullptr) return ShowNoLink("The clone file was not restored.");
   mEngine->RestoreGhost(*port, file, &link);
   ShowOutcome("Restoring the clone file", file);
 }
 
-// Tells what the file holds and what speaks against restoring it, before the engine shows its own information. False
-// when the user has stopped it. What cannot be read is told; the engine then fails on it in its own way.
-bool frmDumpPLC::Inspect(Channel& link, const std::filesystem::path& file) {
+// Tells what the file holds and what speaks against restoring it, before the engine shows its own information; what
+// speaks against it is returned too. What cannot be read is told; the engine then fails on it in its own way.
+std::vector<std::string> frmDumpPLC::Inspect(Channel& link, const std::filesystem::path& file) {
   const CloneWork work{.isStopped =
                            [this] {
                              mServices.pacer.Turn();
@@ -131,24 +138,49 @@ bool frmDumpPLC::Inspect(Channel& link, const std::filesystem::path& file) {
                        .onProgress = {}};
   mProgressText->setText("Looking through the clone file");
   const auto info = InspectClone(file, work);
-  if (mIsStopAsked) return false;
+  if (mIsStopAsked) return {};
   if (!info) {
     Say(info.error().reason);
-    return true;
+    return {};
   }
   const auto version = link.GetVersionInfo(link.UnitID());
-  if (mIsStopAsked) return false;
+  if (mIsStopAsked) return {};
   if (info->head) Say(Utf8FromPath(file.filename()) + ": " + HeadText(*info->head) + ".");
   if (!version) Say("The controller did not tell its model.\n" + link.LastError().Text());
   // Without an answer the model is taken to be right: there is nothing to compare it with.
-  const auto findings = FindingsBeforeRestore(
+  std::vector<std::string> findings = FindingsBeforeRestore(
       *info, version || !info->head ? version.value_or(VersionInfo()) : info->head->version, link.UnitID());
   for (const std::string& finding : findings) Say("Warning: " + finding);
   if (findings.empty() && version) Say("The file is whole, and made from a controller of this model.");
-  return true;
+  return findings;
 }
 
-// The engine notices after the piece that it is busy with; an exchange that waits for a reply ends at once.
+// The information that the engine shows has no button but OK, so who does not want it must be able to say so before.
+bool frmDumpPLC::IsWantedDespite(const std::vector<std::string>& findings) {
+  if (findings.empty()) return true;
+  std::string question;
+  for (const std::string& finding : findings) question += finding + "\r\n";
+  return mServices.prompts.Show({.text = question + "\r\nRestore it all the same?",
+                                 .title = std::string(kClonerCaption),
+                                 .icon = PromptIcon::Exclamation,
+                                 .buttons = PromptButtons::YesNo}) == PromptAnswer::Yes;
+}
+
+// The lines of a restore cannot carry the password, so a controller that wants one gets it before the first of them.
+bool frmDumpPLC::GiveAccess(Channel& link) {
+  const bool isOpen = link.GiveAccess("", link.UnitID());
+  if (isOpen || mIsStopAsked || link.LastError().code != LinkErrorCode::Refused) return true;  // else the engine tells
+  const auto password = mServices.prompts.Ask(
+      {.text = "Enter Password Up To 8 Chars", .title = std::string(kClonerCaption), .initial = "", .secret = true});
+  if (!password) return false;
+  if (link.GiveAccess(Utf8ToAnsi(*password), link.UnitID())) return true;
+  Say(link.LastError().Text());
+  mServices.prompts.Show({.text = "Operation Failed.", .title = std::string(kClonerCaption)});
+  return false;
+}
+
+// The engine notices after the piece that it is busy with. An exchange of a create that waits for a reply ends at once;
+// a restore hears the reply to its line out, because only that tells whether the line was written.
 void frmDumpPLC::StopDump() {
   mIsStopAsked = true;
   if (!mEngine) return;
@@ -166,8 +198,7 @@ void frmDumpPLC::ShowHelp() {
 }
 
 void frmDumpPLC::ShowNoLink(const std::string& what) {
-  Say(what + "\n" + mServices.shared.ComDriver->LastError().Text());
-  mProgressText->clear();
+  ShowEnd(CloneEnd::Failed, what + "\n" + mServices.shared.ComDriver->LastError().Text());
 }
 
 void frmDumpPLC::ShowOutcome(const std::string& what, const std::filesystem::path& file) {
@@ -176,9 +207,13 @@ void frmDumpPLC::ShowOutcome(const std::string& what, const std::filesystem::pat
                           : outcome.end == CloneEnd::Stopped ? " was stopped."
                                                              : " has failed.";
   const std::string text = what + end + (outcome.reason.empty() ? "" : "\n" + outcome.reason);
-  Say(text);
   if (outcome.end != CloneEnd::Done) mServices.shared.Remote->StatusMessage(text);
-  if (outcome.end == CloneEnd::Done) mProgressText->setText("Done.");
+  ShowEnd(outcome.end, text);
+}
+
+void frmDumpPLC::ShowEnd(CloneEnd end, const std::string& text) {
+  Say(text);
+  mProgressText->setText(end == CloneEnd::Done ? "Done." : end == CloneEnd::Stopped ? "Stopped." : "Failed.");
 }
 
 void frmDumpPLC::Say(const std::string& text) {

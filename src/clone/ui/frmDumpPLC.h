@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "clone/DumpProgress.h"
 #include "clone/DumpWindow.h"
@@ -39,7 +40,8 @@ struct ClonerServices {
 //   idle (create, restore, exit) -> busy (only stop; closing is refused) -> idle
 //
 // Beside the boxes of the engine it tells in txtInformation what the boxes do not: what a file holds and what speaks
-// against restoring it, filled in before the restore begins, and afterwards why an operation failed.
+// against restoring it, filled in before the restore begins (the user is then asked whether it is wanted all the same),
+// and afterwards why an operation failed.
 class frmDumpPLC final : public QDialog, public DumpWindow {
  public:
   frmDumpPLC(ClonerServices services, QWidget* parent);
@@ -69,12 +71,15 @@ class frmDumpPLC final : public QDialog, public DumpWindow {
   void CreateClone();
   void RestoreClone();
   void RestoreInto(Channel& link, const std::filesystem::path& file);
-  [[nodiscard]] bool Inspect(Channel& link, const std::filesystem::path& file);
+  [[nodiscard]] std::vector<std::string> Inspect(Channel& link, const std::filesystem::path& file);
+  [[nodiscard]] bool IsWantedDespite(const std::vector<std::string>& findings);
+  [[nodiscard]] bool GiveAccess(Channel& link);
   void StopDump();
   void ShowHelp();
 
   void ShowNoLink(const std::string& what);
   void ShowOutcome(const std::string& what, const std::filesystem::path& file);
+  void ShowEnd(CloneEnd end, const std::string& text);
   void Say(const std::string& text);
   void ShowProgress();
 
