@@ -3,6 +3,7 @@
 #include <CLI/Option.hpp>
 #include <array>
 
+#include "KvTele2/HostState.h"
 #include "apps/kvtele/Connection.h"
 #include "apps/kvtele/ConsoleHost.h"
 #include "apps/kvtele/DocumentText.h"
@@ -84,6 +85,14 @@ std::expected<std::optional<PagesFile>, Failure> ReadProject(const std::string& 
                                  "name a file that the window has saved, or make it anew there"});
 }
 
+// Going on line leaves the model alone that the host has for some controllers of the compact family.
+bool IsMisfit(const VersionInfo& version, int unit, const std::string& hostModel) {
+  HostState state;
+  state.model = hostModel;
+  state.controller = FactsOf(version, unit);
+  return !MisfitText(state).empty();
+}
+
 }  // namespace
 
 const char* VerbOnline::Examples() const {
@@ -120,6 +129,11 @@ Outcome VerbOnline::Run(Environment& environment, const CommonOptions& common) {
   if (!host.IsOnline()) return std::unexpected(controller.LastFailure());
   const auto info = controller.Link().GetControllerInfo(controller.Unit());
   if (!info) return std::unexpected(controller.LastFailure());
+  if (IsMisfit(controller.Version(), controller.Unit(), host.Model())) {
+    environment.err << "The controller is a " << AnsiToUtf8(controller.Version().model)
+                    << ", but it was served as the session's model, " << host.Model()
+                    << ": name its own with --model.\n";
+  }
   if (!*pages) environment.err << "No project was compared: name a Telepanel file with --project.\n";
   return MakeAnswer(controller, {controller.Version(), *info, pages->has_value()}, host, PanelSource(shared, host));
 }

@@ -25,7 +25,9 @@ TEST(Online, TellsWithWhatItIsOnLineAndLeavesTheSessionAlone) {
   EXPECT_THAT(result.out, HasSubstr("plant.ktc"));
 
   // The model decides how the controller is asked.
-  EXPECT_THAT(bench.On("Q50", {"online", "--json"}).out, HasSubstr("\"panelInformation\": null"));
+  const Result misfit = bench.On("Q50", {"online", "--json"});
+  EXPECT_THAT(misfit.out, HasSubstr("\"panelInformation\": null"));
+  EXPECT_THAT(misfit.err, StartsWith("The controller is a Q50-2-R34, but it was served as the session's model, K230"));
   EXPECT_THAT(bench.On("Q50", {"--model", "Q50", "online", "--json"}).out, HasSubstr("\"panelInformation\": 3"));
 
   EXPECT_THAT(bench.Run({"online"}).out, HasSubstr("Simulated K230")) << "a session without a link has its model's";
