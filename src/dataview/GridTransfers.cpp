@@ -8,6 +8,7 @@
 #include "dataview/GridEdits.h"
 #include "dataview/ViewDesk.h"
 #include "dataview/files/ClipboardTable.h"
+#include "dataview/files/Csv.h"
 #include "dataview/files/RegionFile.h"
 #include "editors/clsHexSelector.h"
 
@@ -144,7 +145,13 @@ std::optional<std::filesystem::path> GridTransfers::AskOpen(const std::string& t
 }
 
 std::optional<char> GridTransfers::AskSeparator() {
-  return mDesk.parts.hexSelector.SelectChar().transform([](std::uint8_t code) { return static_cast<char>(code); });
+  const auto code = mDesk.parts.hexSelector.SelectChar();
+  if (!code) return std::nullopt;
+  const char separator = static_cast<char>(*code);
+  const std::string why = WhyNoSeparator(separator);
+  if (why.empty()) return separator;
+  Refuse(why, why);
+  return std::nullopt;
 }
 
 void GridTransfers::Refuse(std::string_view message, const std::string& reason, PromptIcon icon) {

@@ -55,7 +55,7 @@ struct DataViewBench : SessionBench, GridListener, HexSelectorWindow {
 
   void GridsChanged(const GridChanges& changes) override { changed.push_back(changes); }
   void StatusChanged() override { modes.push_back(view.Status().mode); }
-  std::optional<std::string> Edit(const std::string& hexCode) override { return hexCode; }
+  std::optional<std::string> Edit(const std::string& hexCode) override { return separator(hexCode); }
 
   // Adds what the grid's cells of one type and these addresses make.
   void Add(OperandTypeCode type, std::int32_t from, std::int32_t to) {
@@ -75,6 +75,9 @@ struct DataViewBench : SessionBench, GridListener, HexSelectorWindow {
     return Taken();
   }
 
+  std::function<std::optional<std::string>(const std::string&)> separator = [](const std::string& offered) {
+    return offered;
+  };
   std::vector<GridChanges> changed;
   std::vector<ViewMode> modes;
   std::shared_ptr<OperandChannel> channel = std::make_shared<OperandChannel>(log);

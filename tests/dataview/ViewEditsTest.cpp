@@ -301,6 +301,19 @@ TEST(ViewFiles, PasteAndImportTakeAllOrNothing) {
   EXPECT_EQ(bench.view.UndoText(), "Undo adding regions");
 }
 
+TEST(ViewFiles, TheSeparatorIsAskedForBeforeTheFile) {
+  DataViewBench bench;
+  for (const char* tool : {"ID_ExportToCSV", "ID_ImportFromCSV"}) {
+    bench.separator = [](const std::string&) { return std::nullopt; };
+    EXPECT_THAT(bench.Run(tool), IsEmpty()) << "cancelled";
+    bench.separator = [](const std::string&) { return "0A"; };
+    EXPECT_THAT(bench.Run(tool, {kOk}), ElementsAre(HasSubstr("The line feed (0A) ends a line")));
+  }
+  bench.separator = [](const std::string& offered) { return offered; };
+  bench.prompts.Choose(std::nullopt);
+  EXPECT_THAT(bench.Run("ID_ImportFromCSV"), ElementsAre("OpenFile *.csv|*.csv"));
+}
+
 // ---- all values ----
 
 TEST(ReadAll, AsksForWhatTheControllerHasAndLeavesTheGridsAlone) {

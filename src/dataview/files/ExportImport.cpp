@@ -99,7 +99,7 @@ std::optional<Finding> TakeSheet(std::vector<SheetValue> values, Changes& change
 // A type without any value has such a line in every export.
 std::string LeftOutText(std::size_t lines) {
   if (lines == 0) return {};
-  return std::to_string(lines) + (lines == 1 ? " line" : " lines") + " of the file without a value in front left out.";
+  return "Left out: " + std::to_string(lines) + (lines == 1 ? " line" : " lines") + " of the file without values.";
 }
 
 }  // namespace
