@@ -134,8 +134,9 @@ bool DataTypesView::Tell(bool result) {
 // ---- commands ----
 
 void DataTypesView::ToggleOnline() {
-  if (IsOnline()) return mOnline.Stop();
-  mOnline.Run();
+  if (!IsOnline()) return mOnline.Run();
+  mOnline.Stop();
+  mDesk.Say("The on-line mode ends with the pass that runs.");
 }
 
 void DataTypesView::WriteRegions() {
