@@ -1,5 +1,10 @@
 #pragma once
 
+#include <gtest/gtest.h>
+#ifndef _WIN32
+#include <unistd.h>
+#endif
+
 #include <algorithm>
 #include <functional>
 #include <string>
@@ -138,5 +143,29 @@ struct CloneBench {
   LoggedWindow window{channel.calls};
   clsDumpPLC* running = nullptr;
 };
+
+#ifndef _WIN32
+// As long as this lives nobody may read the file of a bench or change its folder. Root may do all, and so is somebody
+// else meanwhile.
+class WithoutRights {
+ public:
+  explicit WithoutRights(const CloneBench& bench) : mFolder(bench.folder.Path()) {
+    constexpr uid_t kNobody = 65534;
+    std::filesystem::permissions(bench.file, std::filesystem::perms::none);
+    std::filesystem::permissions(mFolder, std::filesystem::perms{0555});
+    EXPECT_TRUE(mUser != 0 || seteuid(kNobody) == 0);
+  }
+  ~WithoutRights() {
+    EXPECT_TRUE(mUser != 0 || seteuid(mUser) == 0);
+    std::filesystem::permissions(mFolder, std::filesystem::perms::owner_all);
+  }
+  WithoutRights(const WithoutRights&) = delete;
+  WithoutRights& operator=(const WithoutRights&) = delete;
+
+ private:
+  std::filesystem::path mFolder;
+  uid_t mUser = geteuid();
+};
+#endif
 
 }  // namespace kv::test

@@ -254,6 +254,18 @@ TEST(CreateGhost, FailsPlainlyWhenTheFileCannotBeWrittenOrKept) {
   Answer(bench, "x");
   bench.pacer.OnDoEvents([&] { std::filesystem::remove(bench.file); });
   fails("removed or changed");
+
+  bench.folder.Put("clone.kdf", "kept");
+  bench.prompts.Press(PromptAnswer::Ok);
+  bench.prompts.Press(PromptAnswer::Ok);
+  {
+    const WithoutRights withoutRights(bench);
+    fails("cannot be deleted (Permission denied); check the rights");
+    bench.file = bench.folder.Path() / "new.kdf";
+    fails("cannot be created (Permission denied)");
+  }
+  EXPECT_EQ(bench.channel.exchanges, 0);
+  EXPECT_TRUE(std::filesystem::exists(bench.folder.Path() / "clone.kdf"));
 #endif
 }
 

@@ -102,6 +102,8 @@ TEST(RestoreGhost, JudgesRepliesByOkAloneAndByTenSeconds) {
     EXPECT_THAT(outcome.reason, HasSubstr("Line 5 of the clone file: "));
     EXPECT_THAT(outcome.reason, HasSubstr(row.reason));
     EXPECT_EQ(port.sent, 1);
+    const bool isUnsure = outcome.reason.find("may have taken the line") != std::string::npos;
+    EXPECT_EQ(isUnsure, !row.answer.contains("ERROR")) << row.answer;  // a refused line has changed nothing
     EXPECT_EQ(CallLog(bench.channel.calls.end() - 2, bench.channel.calls.end()), (CallLog{kNotReady, kFailed}));
   }
 }
@@ -151,6 +153,12 @@ TEST(RestoreGhost, SendsNothingOfAFileThatCannotBeReadToItsEnd) {
   FakePort port(bench);
   bench.window.onBar = [&] { std::filesystem::remove(bench.file); };  // all is counted, nothing is sent
   EXPECT_THAT(RestoreOf(bench, port, kFile, 2).reason, HasSubstr("does not exist"));
+#ifndef _WIN32
+  bench.folder.Put("clone.kdf", kFile);
+  bench.prompts.Press(PromptAnswer::Ok);
+  const WithoutRights withoutRights(bench);
+  EXPECT_THAT(bench.Restore(port).reason, HasSubstr("check the rights to it"));
+#endif
   EXPECT_EQ(port.sent, 0);
 }
 
