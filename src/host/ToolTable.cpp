@@ -88,7 +88,9 @@ void clsCallerExe::ShowComParams(const std::string& argument) {
 
 void clsCallerExe::ShowModem(const std::string&) {
   ModalBracket bracket(*mRemote);
+  const std::string before = mVsCon->LinkDescription();
   mVsCon->ShowModemSettings();
+  UpdateLinkDescriptionIfNot(before);  // the line and the number are part of it
 }
 
 void clsCallerExe::OnLine(const std::string&) {
@@ -108,8 +110,7 @@ void clsCallerExe::ChangeModel(const std::string& model) {
   mRemote->Refresh();
   const std::string before = mVsCon->LinkDescription();
   ConfigureDriverForSession(mShared, mWinsock);
-  if (mVsCon->LinkDescription() != before)
-    UpdateLinkDescription();  // a session without link settings follows its model
+  UpdateLinkDescriptionIfNot(before);  // a session without link settings follows its model
 }
 
 void clsCallerExe::Escape(const std::string&) {

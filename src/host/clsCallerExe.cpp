@@ -137,6 +137,10 @@ void clsCallerExe::UpdateLinkDescription() {
   mRemote->SetComDescription(mVsCon->LinkDescription());
 }
 
+void clsCallerExe::UpdateLinkDescriptionIfNot(const std::string& shown) {
+  if (mVsCon->LinkDescription() != shown) UpdateLinkDescription();
+}
+
 void clsCallerExe::mWinsock_ConnectionRequest(int requestId) {
   mWinsock->Close();
   if (mWinsock->Accept(requestId)) return TellHost("Ethernet connection established");

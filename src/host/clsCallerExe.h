@@ -64,6 +64,7 @@ class clsCallerExe {
   void Warn(const std::string& text);
   void TellHost(const std::string& text);
   void FollowSession();
+  void UpdateLinkDescriptionIfNot(const std::string& shown);
   [[nodiscard]] bool ListenAgain();  // the host is told when it fails
 
   // The tools, in the order of the dispatch table.

@@ -52,6 +52,16 @@ TEST_F(ToolsTest, EachRowOfTheTableDoesItsCallsInOrder) {
   for (const Row& row : rows) EXPECT_EQ(CallsOf(row.id, row.argument), row.expected) << row.id;
 }
 
+TEST_F(ToolsTest, TheHostIsToldOfALinkThatIsDescribedOtherwise) {
+  for (const char* id : {"ID_Modem", "ID_OPLC_Model"}) {
+    const CallLog calls = CallsOf([&](clsCallerExe&) {
+      static_cast<test::FakeDriver&>(*shared.ComDriver).nextDescription = "COM4, modem 123";
+      host.OnToolClicked(id, "K230");
+    });
+    EXPECT_THAT(calls, testing::Contains("ComDescription COM4, modem 123")) << id;
+  }
+}
+
 TEST_F(ToolsTest, TheBracketGivesBackWhatTheHostWasOnEveryPath) {
   host.enabled = false;
   EXPECT_THAT(CallsOf("ID_Modem"), ElementsAre("Enabled off", testing::_, "Enabled off"));

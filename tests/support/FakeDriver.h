@@ -16,11 +16,13 @@ class FakeDriver : public CommDriver {
 
   std::shared_ptr<Channel> channel;
   std::string description = "COM3, 115200 8N1, unit 1";
-  SessionLink session;  // of the last ConfigureForSession
+  std::string nextDescription;  // after the next change of its settings; empty: as it is
+  SessionLink session;          // of the last ConfigureForSession
 
   void SetDriverActive(bool active) override { Note(active ? "active" : "not active"); }
   void ConfigureForSession(const SessionLink& link) override {
     session = link;
+    Change();
     Note("ConfigureForSession " + link.folder);
   }
   std::shared_ptr<Channel> GetChannel() override {
@@ -33,9 +35,15 @@ class FakeDriver : public CommDriver {
   std::string LinkDescription() const override { return description; }
   void ComParamsCaller(const std::string& caller) override { Note("ComParamsCaller " + caller); }
   void ShowComParams() override { Note("ShowComParams"); }
-  void ShowModemSettings() override { Note("ShowModemSettings"); }
+  void ShowModemSettings() override {
+    Change();
+    Note("ShowModemSettings");
+  }
 
  private:
+  void Change() {
+    if (!nextDescription.empty()) description = nextDescription;
+  }
   void Note(const std::string& what) { mLog.push_back("Driver " + what); }
 
   CallLog& mLog;
