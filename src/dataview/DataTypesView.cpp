@@ -114,9 +114,9 @@ bool DataTypesView::SetFormat(std::size_t row, FormatCode format) {
   return !IsBusy() && Tell(mEdits.SetFormat(row, format));
 }
 
-void DataTypesView::SetHidden(std::int32_t row, bool hidden) {
+void DataTypesView::SetHidden(const HiddenRows& hidden) {
   if (IsBusy()) return;
-  mEdits.SetHidden(row, hidden);
+  mEdits.SetHidden(hidden);
   Tell(true);
 }
 

@@ -63,7 +63,7 @@ class DataTypesView {
   bool SetDescription(std::size_t row, std::string_view text);
   bool SetSize(std::size_t row, SizeCode size);
   bool SetFormat(std::size_t row, FormatCode format);
-  void SetHidden(std::int32_t row, bool hidden);
+  void SetHidden(const HiddenRows& hidden);
   // What is only kept: nobody is told.
   void SetLayout(std::vector<std::int32_t> regionColumnWidths, std::int32_t operandColumnWidth);
 

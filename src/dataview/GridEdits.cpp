@@ -189,13 +189,13 @@ bool GridEdits::ChangeRow(std::size_t row, const std::string& title, Change chan
   return true;
 }
 
-void GridEdits::SetHidden(std::int32_t row, bool hidden) {
-  HiddenRows& rows = mDesk.state.settings.hidden;
-  const HiddenRows before = rows;
-  rows.Set(row, hidden);
-  if (rows == before) return;
+void GridEdits::SetHidden(const HiddenRows& hidden) {
+  const HiddenRows before = std::exchange(mDesk.state.settings.hidden, hidden);
+  if (hidden == before) return;
   mDesk.changes.operandsReplaced = true;
-  mDesk.history.Add({.title = hidden ? "hiding a row" : "showing a row", .hiddenBefore = before, .hiddenAfter = rows});
+  mDesk.history.Add({.title = hidden == HiddenRows() ? "showing all rows" : "hiding rows",
+                     .hiddenBefore = before,
+                     .hiddenAfter = hidden});
 }
 
 std::vector<RegionRow> GridEdits::Rows() const {

@@ -37,7 +37,7 @@ class GridEdits {
   bool SetDescription(std::size_t row, std::string_view text);
   bool SetSize(std::size_t row, SizeCode size);
   bool SetFormat(std::size_t row, FormatCode format);
-  void SetHidden(std::int32_t row, bool hidden);
+  void SetHidden(const HiddenRows& hidden);
 
   // Puts texts that the controller told at `when` into cells that have not been read since.
   std::size_t TakeRead(const OperandStore& read, const std::string& title);

@@ -154,7 +154,9 @@ TEST(Undo, TakesRegionsAndTheirSettingsBack) {
   bench.Add(ML, 0, 9);
   bench.view.SetDescription(0, "Tank");
   bench.view.SetSize(0, SizeCode::Bit8);
-  bench.view.SetHidden(RowOfType(SB), true);
+  HiddenRows hidden;
+  hidden.Set(RowOfType(SB), true);
+  bench.view.SetHidden(hidden);
   bench.view.SelectRegions({0});
   bench.Run("ID_RemoveRegion");
   EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);

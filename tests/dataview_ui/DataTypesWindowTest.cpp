@@ -63,6 +63,11 @@ TEST_F(DataTypesWindowTest, HiddenRowsStayOutOfASelectionAndCanBeBroughtBack) {
   Trigger("VIEW_ShowRows");
   EXPECT_FALSE(Operands().isRowHidden(RowOfType(MI) - 1));
   EXPECT_FALSE(Tool("VIEW_ShowRows").isEnabled());
+  Select(MI, 0, ML, 0);
+  Trigger("VIEW_HideRows");
+  EXPECT_TRUE(Operands().isRowHidden(RowOfType(ML) - 1));
+  Trigger("ID_Undo");  // one step for all of them
+  EXPECT_FALSE(Tool("VIEW_ShowRows").isEnabled());
 }
 
 TEST_F(DataTypesWindowTest, SizesAndFormatsAreThoseOfTheTypeAndTheSize) {

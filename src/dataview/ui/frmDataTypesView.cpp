@@ -233,14 +233,14 @@ bool frmDataTypesView::OnWindowTool(std::string_view id) {
 }
 
 void frmDataTypesView::HideRows() {
-  for (const std::int32_t row : mOperands->SelectedRows()) mView.SetHidden(row, true);
+  HiddenRows hidden = mView.Settings().hidden;
+  for (const std::int32_t row : mOperands->SelectedRows()) hidden.Set(row, true);
+  mView.SetHidden(hidden);
   ShowTools();
 }
 
 void frmDataTypesView::ShowRows() {
-  for (std::int32_t row = 1; row <= kOperandTypeCount; ++row) {
-    if (mView.Settings().hidden.IsHidden(row)) mView.SetHidden(row, false);
-  }
+  mView.SetHidden({});
   ShowTools();
 }
 
