@@ -219,6 +219,10 @@ TEST_F(DataTypesWindowTest, ClosingEndsTheOnLineModeAndOpeningFindsEverything) {
 
 TEST_F(DataTypesWindowTest, PasteOfARefusedShapeChangesNothing) {
   Open();
+  Select(MI, 0, MI, 0);
+  session.prompts.Press(PromptAnswer::Ok);
+  Trigger("ID_Paste");  // nothing, as with a picture
+  EXPECT_EQ(session.prompts.Boxes().back().text, "Clipboard contents must be either numerals or characters.");
   const struct {
     const char* text;
     OperandTypeCode first;
