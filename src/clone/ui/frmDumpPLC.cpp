@@ -25,6 +25,8 @@ constexpr const char* kFilter = "Korvantis Dump File|*.kdf";
 constexpr const char* kBusy = "An operation is running; Stop ends it.";
 constexpr const char* kStoppedBefore = "Stopped before anything was done.";
 constexpr const char* kIdle = "No operation is running.";
+constexpr const char* kNotReadBack =
+    "A restore is not read back by itself. The command \"kvtele clone verify\" compares the controller with the file.";
 constexpr const char* kNotRestored = "The clone file was not restored; the controller is as it was.";
 
 QString Caption(std::string_view suffix = {}) {
@@ -125,6 +127,7 @@ void frmDumpPLC::RestoreInto(Channel& link, const std::filesystem::path& file) {
   if (port == nullptr) return ShowNoLink("The clone file was not restored.");
   mEngine->RestoreGhost(*port, file, &link);
   ShowOutcome("Restoring the clone file", file);
+  if (mEngine->Outcome().end == CloneEnd::Done) Say(kNotReadBack);
 }
 
 // Tells what the file holds and what speaks against restoring it, before the engine shows its own information; what
