@@ -66,7 +66,8 @@ bool DataTypesView::SaveState() {
   const auto saved = SaveSessionGrids(shared.paths, mDesk.state, shared.CurrentSession);
   if (saved) return true;
   mDesk.SayError("The grids could not be saved. " + saved.error().Text() + ".");
-  return mDesk.AskYesNo(mDesk.status.message + "\r\n\r\nClose the view all the same, and lose what was changed in it?");
+  return mDesk.AskYesNo(mDesk.status.message + "\r\n\r\nClose the view all the same, and lose what was changed in it?",
+                        true);
 }
 
 void DataTypesView::Select(const GridSelection& operands) {

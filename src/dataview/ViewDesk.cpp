@@ -81,11 +81,12 @@ void ViewDesk::ShowBox(std::string_view text, PromptIcon icon) {
   parts.prompts.Show({.text = std::string(text), .title = Caption(), .icon = icon});
 }
 
-bool ViewDesk::AskYesNo(std::string_view text) {
+bool ViewDesk::AskYesNo(std::string_view text, bool canLose) {
   return parts.prompts.Show({.text = std::string(text),
                              .title = Caption(),
                              .icon = PromptIcon::Question,
-                             .buttons = PromptButtons::YesNo}) == PromptAnswer::Yes;
+                             .buttons = PromptButtons::YesNo,
+                             .canLose = canLose}) == PromptAnswer::Yes;
 }
 
 void ViewDesk::SetMode(ViewMode mode) {

@@ -54,7 +54,7 @@ class ViewDesk {
   void SayLinkError(const LinkError& error, const std::string& whatElse = {});
   // A message box under the view's caption.
   void ShowBox(std::string_view text, PromptIcon icon = PromptIcon::Exclamation);
-  [[nodiscard]] bool AskYesNo(std::string_view text);
+  [[nodiscard]] bool AskYesNo(std::string_view text, bool canLose = false);
 
   void SetMode(ViewMode mode);
   void TellStatus();

@@ -45,6 +45,7 @@ struct MessageBox {
   std::string title = "Telepanel";
   PromptIcon icon = PromptIcon::None;
   PromptButtons buttons = PromptButtons::Ok;
+  bool canLose = false;  // what is lost by consent cannot be brought back: Enter presses the other button
 
   bool operator==(const MessageBox&) const = default;
 };

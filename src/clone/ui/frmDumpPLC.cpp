@@ -166,7 +166,8 @@ bool frmDumpPLC::IsWantedDespite(const std::vector<std::string>& findings) {
   return mServices.prompts.Show({.text = question + "\r\nRestore it all the same?",
                                  .title = std::string(kClonerCaption),
                                  .icon = PromptIcon::Exclamation,
-                                 .buttons = PromptButtons::YesNo}) == PromptAnswer::Yes;
+                                 .buttons = PromptButtons::YesNo,
+                                 .canLose = true}) == PromptAnswer::Yes;
 }
 
 // The lines of a restore cannot carry the password, so a controller that wants one gets it before the first of them.

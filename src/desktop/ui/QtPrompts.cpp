@@ -110,11 +110,12 @@ PromptAnswer QtPrompts::Show(const MessageBox& box) {
   shown.setObjectName("MessageBox");
   shown.setTextFormat(Qt::PlainText);
   shown.setTextInteractionFlags(Qt::TextSelectableByMouse);
+  const PromptAnswer preset = box.canLose ? LeastCommitting(box.buttons) : Consent(box.buttons);
   for (const Button& button : kButtons) {
     if (!HasButton(box.buttons, button.answer)) continue;
     shown.addButton(button.standard)->setObjectName(button.name);
     if (button.answer == LeastCommitting(box.buttons)) shown.setEscapeButton(button.standard);
-    if (button.answer == Consent(box.buttons)) shown.setDefaultButton(button.standard);
+    if (button.answer == preset) shown.setDefaultButton(button.standard);
   }
   const int pressed = Run(shown);
   for (const Button& button : kButtons) {
