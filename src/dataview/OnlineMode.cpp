@@ -12,8 +12,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr Duration kCountingTime = 1s;  // over which passes per second are counted
-constexpr Duration kIdlePause = 50ms;   // after a pass in which nothing could be asked
+constexpr Duration kCountingTime = 1s;      // over which passes per second are counted
+constexpr Duration kFirstCounting = 200ms;  // the same for the first figure: one pass alone tells little
+constexpr Duration kIdlePause = 50ms;       // after a pass in which nothing could be asked
 
 }  // namespace
 
@@ -62,7 +63,7 @@ void OnlineMode::CountPass() {
   ++mDesk.status.passes;
   ++mCounted;
   const Duration passed = mDesk.Now() - mCountedFrom;
-  if (passed >= kCountingTime || (mDesk.status.passesPerSecond == 0.0 && passed > Duration::zero())) {
+  if (passed >= (mDesk.status.passesPerSecond == 0.0 ? kFirstCounting : kCountingTime)) {
     mDesk.status.passesPerSecond = static_cast<double>(mCounted) / std::chrono::duration<double>(passed).count();
     mCountedFrom = mDesk.Now();
     mCounted = 0;

@@ -26,6 +26,7 @@ QString PassesText(const ViewStatus& status) {
   if (status.mode != ViewMode::Online) return {};
   if (status.passes == 0) return QString("First pass: %1 of %2 regions").arg(status.done).arg(status.total);
   const double aSecond = status.passesPerSecond;
+  if (aSecond == 0.0) return QString("Counting");
   return QString("%1 passes/s").arg(aSecond, 0, 'f', aSecond < kManyPasses ? 1 : 0);
 }
 
