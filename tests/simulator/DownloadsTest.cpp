@@ -19,6 +19,12 @@ char StatusByte(Bench& bench, std::size_t index) {
   return bench.Block(7, 0, 106).payload.at(index);
 }
 
+void SendProject(Bench& bench, const std::string& name) {
+  EXPECT_EQ(bench.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
+  EXPECT_EQ(bench.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
+  EXPECT_EQ(bench.Block(65, 0, static_cast<std::uint32_t>(name.size()), 1, 0, name).status, 10);
+}
+
 TEST(Downloads, AnAurexProjectTakesEffectWithTheReset) {
   Bench bench("K330");
   EXPECT_EQ(bench.Block(65, 0, 4, 1, 0, "Name").status, kRefused + 9);
@@ -47,16 +53,11 @@ TEST(Downloads, AnAurexProjectTakesEffectWithTheReset) {
 
 TEST(Downloads, ACutAurexProjectLeavesTheOldOne) {
   Bench bench("K330");
-  const auto send = [&bench](const std::string& name) {
-    EXPECT_EQ(bench.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
-    EXPECT_EQ(bench.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
-    EXPECT_EQ(bench.Block(65, 0, static_cast<std::uint32_t>(name.size()), 1, 0, name).status, 10);
-  };
-  send("First");
+  SendProject(bench, "First");
   EXPECT_EQ(bench.Block(69).status, 11);
   bench.Wait(1s);
   EXPECT_EQ(bench.Text("CCE"), "CCOK");
-  send("Second");
+  SendProject(bench, "Second");
   EXPECT_EQ(bench.Text("CCE"), "CCOK");
   EXPECT_EQ(ProjectName(bench), "4669727374");
   EXPECT_EQ(bench.Block(69).status, kRefused + 9);
@@ -65,9 +66,7 @@ TEST(Downloads, ACutAurexProjectLeavesTheOldOne) {
 // What is left when the power fails: nothing half done, and a boot loader that can still be used.
 TEST(Downloads, APowerFailureCutsTheWorkOfTheFlash) {
   Bench project("K330");
-  EXPECT_EQ(project.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
-  EXPECT_EQ(project.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
-  EXPECT_EQ(project.Block(65, 0, 4, 1, 0, "Hall").status, 10);
+  SendProject(project, "Hall");
   EXPECT_EQ(project.Block(69).status, 11);
   project.It().Restart();
   EXPECT_EQ(ProjectName(project), "");

