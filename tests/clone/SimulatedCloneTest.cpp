@@ -6,20 +6,12 @@
 #include "clone/CloneVerify.h"
 #include "simulator/SimulatedController.h"
 #include "tests/clone/CloneBench.h"
+#include "tests/support/SilentCloner.h"
 
 namespace kv::test {
 namespace {
 
 using testing::HasSubstr;
-
-// Says yes to everything.
-struct ConsentingPrompts : Prompts {
-  std::string password = "x";
-  PromptAnswer Show(const MessageBox& box) override { return Consent(box.buttons); }
-  std::optional<std::string> Ask(const InputBox&) override { return password; }
-  std::optional<std::string> OpenFile(const FileDialog&) override { return {}; }
-  std::optional<std::string> SaveFile(const FileDialog&) override { return {}; }
-};
 
 // A simulated controller behind the driver, and the engine at work on it, on virtual time.
 class Plc {
@@ -33,7 +25,7 @@ class Plc {
     simulated = sim::SimulatedController::Create(options).value();
   }
   std::unique_ptr<sim::SimulatedController> simulated;
-  ConsentingPrompts prompts;
+  KnowingPrompts prompts;
 
   Channel& Link() { return *(mChannel = mDriver.GetChannel()); }
   char State() { return Link().GetControllerInfo(1).value_or(Channel::ControllerInfo()).state; }

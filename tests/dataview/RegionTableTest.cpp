@@ -1,7 +1,7 @@
 // What is selected becomes regions, by every rule; what the user has defined before is not lost.
 #include "dataview/RegionTable.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "dataview/OperandCatalogue.h"
 #include "dataview/OperandStore.h"
@@ -9,7 +9,6 @@
 namespace kv::mdlDataTypesView {
 namespace {
 
-using testing::ElementsAre;
 using enum OperandTypeCode;
 
 constexpr const char* kColour = "K220-22-R1";
@@ -67,14 +66,6 @@ TEST(AddRegion, SelectionsBecomeRegions) {
     EXPECT_EQ(TextOf(table), c.after);
     EXPECT_EQ(result.overlap, c.overlap);
   }
-}
-
-TEST(AddRegion, HiddenRowsAreLeftOut) {
-  RegionTable table;
-  HiddenRows hidden;
-  hidden.Set(RowOfType(MI), true);
-  table.AddSelection({1, 1, 3, 2}, hidden, OperandStore(kColour));
-  EXPECT_THAT(TextOf(table), ElementsAre("MB 0..1", "MF 0..1"));
 }
 
 TEST(RegionRow, OffersWhatTheTypeHasAndShowsNothingUnknown) {

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "dataview/OsSupport.h"
-#include "desktop/ScriptedPrompts.h"
 #include "tests/support/FakeChannel.h"
 
 // clang-format off: the tables are laid out by hand
@@ -130,24 +129,6 @@ TEST(OsSupport, HoldsRegionsToTheLimitsOfAnOlderOs) {
   for (const Row& row : rows) {
     EXPECT_EQ(AreRegionsSupported(row.model, row.os, std::vector{row.region}), row.supported) << row.model << row.os;
   }
-}
-
-TEST(OsSupport, TellsTheUserOnceAndReportsASilentController) {
-  test::FakeChannel channel;
-  ScriptedPrompts prompts([](const std::string& what) { ADD_FAILURE() << what; });
-  const std::vector<Region> regions = {{0, 1, MB}, {0, 1, XB}, {0, 2000, MB}};
-  EXPECT_EQ(CheckOsSupport(channel, kAurex, regions, prompts, "View").error().code, LinkErrorCode::NoReply);
-  channel.version.emplace().osVersion = "4.60";
-  EXPECT_EQ(CheckOsSupport(channel, kAurex, regions, prompts, "View"), true);
-  EXPECT_TRUE(prompts.Boxes().empty());
-  prompts.Press(PromptAnswer::Ok);
-  channel.version->osVersion = "2.99";
-  EXPECT_EQ(CheckOsSupport(channel, kAurex, regions, prompts, "View"), false);
-  ASSERT_EQ(prompts.Boxes().size(), 1U);
-  EXPECT_EQ(prompts.Boxes()[0].text,
-            "Some of the defined regions are not supported by the O/S currently installed in the controller.");
-  EXPECT_EQ(prompts.Boxes()[0].title, "View");
-  EXPECT_EQ(prompts.Boxes()[0].icon, PromptIcon::Exclamation);
 }
 
 }  // namespace

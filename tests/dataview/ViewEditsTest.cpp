@@ -1,6 +1,9 @@
 // What the user types, defines and takes back; and that taking back never shows a value that is not true any more.
 #include <gmock/gmock.h>
 
+#include <cctype>
+#include <map>
+
 #include "dataview/files/GridFile.h"
 #include "tests/dataview/DataViewBench.h"
 
@@ -66,44 +69,30 @@ std::string Shown(const DataViewBench& bench) {
   return (cell.origin == CellOrigin::Read ? "r" : "e") + cell.text;
 }
 
-// Steps on MI 0: "=3" types, "r3" reads a 3, "w" writes, "u" takes back, "d" does again, "n" starts anew with the
-// region put back, "a3" reads all with a 3, "t" takes over what that brought.
+// Steps on MI 0: "=3" types, any other letter runs its command; a number behind it is what the controller then tells.
+// The on-line mode, "o", ends after its first pass; "n" starts anew with the region put back.
 std::string After(const std::string& steps) {
+  const std::map<char, const char*> tools = {{'r', "ID_ReadRegions"},   {'w', "ID_WriteRegions"}, {'u', "ID_Undo"},
+                                             {'d', "ID_Redo"},          {'n', "ID_NewRegions"},   {'a', "ID_ReadAll"},
+                                             {'t', "ID_TakeAllValues"}, {'o', "ID_OnLine"}};
   DataViewBench bench;
   bench.Add(MI, 0, 0);
   std::uint32_t value = 0;
   bench.channel->value = [&](std::int32_t) { return value; };
   bench.channel->during = [&] { bench.pacer.Sleep(std::chrono::milliseconds(1)); };
+  bench.pacer.OnDoEvents([&] {
+    if (bench.view.Status().mode == ViewMode::Online) bench.view.Run("ID_OnLine");
+  });
   for (std::size_t i = 0; i < steps.size(); ++i) {
-    if (std::string_view("=ra").contains(steps[i])) value = static_cast<std::uint32_t>(steps[i + 1] - '0');
-    switch (steps[i]) {
-      case '=':
-        EXPECT_TRUE(bench.view.Edit(MI, 0, steps.substr(++i, 1)));
-        break;
-      case 'r':
-        bench.Run("ID_ReadRegions");
-        break;
-      case 'w':
-        bench.Run("ID_WriteRegions");
-        break;
-      case 'u':
-        bench.Run("ID_Undo");
-        break;
-      case 'd':
-        bench.Run("ID_Redo");
-        break;
-      case 'n':
-        bench.Run("ID_NewRegions", {kYes});
-        break;
-      case 'a':
-        bench.Run("ID_ReadAll");
-        break;
-      case 't':
-        bench.Run("ID_TakeAllValues");
-        break;
-      default:
-        break;
+    const char step = steps[i];
+    const std::string number = i + 1 < steps.size() && std::isdigit(steps[i + 1]) != 0 ? steps.substr(++i, 1) : "";
+    if (step == '=') {
+      EXPECT_TRUE(bench.view.Edit(MI, 0, number));
+      continue;
     }
+    if (!number.empty()) value = static_cast<std::uint32_t>(number[0] - '0');
+    if (step == 'n') bench.prompts.Press(kYes);
+    bench.Run(tools.at(step));
   }
   EXPECT_EQ(bench.view.Status().edited, Shown(bench).starts_with("e") ? 1U : 0U) << steps;
   return Shown(bench);
@@ -123,6 +112,8 @@ TEST(Undo, NeverShowsAnOldTextAsRead) {
       {"r3=4ud", "e4", ""},
       {"=3r5", "r5", "a read shows the controller"},
       {"=3r5u", "e3", "and the typed text is not lost"},
+      {"=3o5", "r5", ""},
+      {"=3o5u", "e3", "nor is it on line"},
       {"=3r5r6uu", "r6", "not the older 5, and not nothing"},
       {"r3=4r5r6uu", "r6", "not 3, which the controller no longer holds"},
       {"r3=4r5r6uud", "e4", ""},
@@ -195,30 +186,6 @@ TEST(Undo, ForgetsTheOldestFirst) {
   EXPECT_LT(kept, 20);
   history.Add({.title = "large", .cells = std::vector<CellChange>(1000)});
   EXPECT_EQ(history.UndoText(), "Undo large");
-}
-
-TEST(NewRegions, AsksFirst) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 9);
-  bench.view.Edit(MI, 20, "5");
-  EXPECT_THAT(bench.Run("ID_NewRegions", {kNo}), ElementsAre(kDeletesQuestion));
-  EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
-  bench.Run("ID_NewRegions", {kYes});
-  EXPECT_THAT(bench.view.Regions().Rows(), IsEmpty());
-  EXPECT_EQ(bench.view.Operands().Text(MI, 20), "");
-  EXPECT_EQ(bench.view.Status().edited, 0U);
-}
-
-TEST(AddRegion, TellsAnOverlapOnceAndAddsTheOthers) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 9);
-  bench.Add(ML, 0, 9);
-  bench.view.Select({.top = RowOfType(MB), .left = 1, .bottom = RowOfType(ML), .right = 3});
-  EXPECT_THAT(
-      bench.Run("ID_AddRegion", {kOk}),
-      ElementsAre("Box (!) Data Types - Default: The selected region overlaps with an already defined region."));
-  EXPECT_THAT(bench.view.Regions().Regions(),
-              ElementsAre(Region{0, 9, MI}, Region{0, 9, ML}, Region{0, 2, MB}, Region{0, 2, MF}));
 }
 
 // ---- files and the clipboard: that each command does what it says, and leaves the grids alone when it is refused ----

@@ -119,11 +119,12 @@ TEST(ExportImport, SaysWhatCouldNotBeWritten) {
   EXPECT_THAT(csv.error().reason, HasSubstr("values.csv"));
 
   std::filesystem::remove(bench.paths.Templates() / "DataTypes_Tmp");
-  const auto sheet = ExportSpreadsheet(bench.paths, bench.folder.Path() / "values.xls", bench.store);
+  const auto chosen = bench.folder.Put("values.xls", "before");
+  const auto sheet = ExportSpreadsheet(bench.paths, chosen, bench.store);
   ASSERT_FALSE(sheet);
   EXPECT_EQ(sheet.error().message, "The Excel file you have selected cannot support the exported values.");
   EXPECT_THAT(sheet.error().reason, HasSubstr("DataTypes_Tmp"));
-  EXPECT_FALSE(std::filesystem::exists(bench.folder.Path() / "values.xls"));
+  EXPECT_EQ(TemporaryFolder::Content(chosen), "before");
 }
 
 }  // namespace

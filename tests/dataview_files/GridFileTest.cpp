@@ -174,13 +174,5 @@ TEST_F(GridFile, LeftBehindByAKilledProgramBecomesThatOfItsSession) {
   }
 }
 
-TEST_F(GridFile, IsNotSavedIntoASessionThatIsGone) {
-  fs::remove_all(mFolder.Path() / "Sessions" / "Plant");
-  const auto saved = SaveSessionGrids(mPaths, SomeState(kLarge), "Plant");
-  ASSERT_FALSE(saved);
-  EXPECT_THAT(saved.error().Text(), HasSubstr("check that its folder exists"));
-  EXPECT_FALSE(fs::exists(mFolder.Path() / "Sessions" / "Plant"));
-}
-
 }  // namespace
 }  // namespace kv::mdlDataTypesView

@@ -81,6 +81,10 @@ TEST_F(DataTypesWindowTest, SizesAndFormatsAreThoseOfTheTypeAndTheSize) {
     std::vector<std::string> offered;
     int chosen;
   } cases[] = {
+      {0, RegionColumn::Size, "cboSize", {"8 BIT", "16 BIT", "32 BIT"}, 2},
+      {0, RegionColumn::Format, "cboFormat", {"ASCII", "HEX", "DECIMAL", "UNSIGNED", "FLOAT"}, 3},
+      {0, RegionColumn::Size, "cboSize", {"8 BIT", "16 BIT", "32 BIT"}, 1},
+      {0, RegionColumn::Format, "cboFormat", {"ASCII", "HEX", "DECIMAL", "UNSIGNED"}, 3},
       {0, RegionColumn::Size, "cboSize", {"8 BIT", "16 BIT", "32 BIT"}, 0},
       {0, RegionColumn::Format, "cboFormat", {"ASCII", "BINARY", "HEX", "DECIMAL"}, 2},
       {1, RegionColumn::Size, "cboSize", {"1 BIT"}, 0},
