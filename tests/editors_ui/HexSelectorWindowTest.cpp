@@ -40,6 +40,8 @@ TEST_F(HexSelectorWindowTest, ConfirmsWhatWasChosenByMouseOrKeyboard) {
       {9, [](auto& open) { ClickRow(open, 9), Press(open, "cmdOK"); }},
       {44, [](auto& open) { Press(open, "cmdOK"); }},  // each time anew
       {59, [](auto& open) { QTest::keyClick(&Grid(open), ';'), QTest::keyClick(&Grid(open), Qt::Key_Return); }},
+      {0, [](auto& open) { ClickRow(open, 0), Press(open, "cmdOK"); }},
+      {255, [](auto& open) { ClickRow(open, 255), Press(open, "cmdOK"); }},
       {32, [](auto& open) { QTest::keyClick(&Grid(open), Qt::Key_Space), Press(open, "cmdOK"); }},
       {45, [](auto& open) { QTest::keyClick(&Grid(open), Qt::Key_Down), QTest::keyClick(&Grid(open), Qt::Key_Enter); }},
       {124,
@@ -61,7 +63,7 @@ TEST_F(HexSelectorWindowTest, LeavingChoosesNothing) {
   for (const auto& act : ways) EXPECT_EQ(Select(act), std::nullopt);
 }
 
-TEST_F(HexSelectorWindowTest, MarksTheCharactersThatAreFitAndUnfit) {
+TEST_F(HexSelectorWindowTest, NamesTheCharactersAndMarksTheFitAndUnfit) {
   QTableWidget& grid = Grid(window);
   ASSERT_EQ(grid.rowCount(), 256);
   for (const auto& [row, colour] :
@@ -72,6 +74,9 @@ TEST_F(HexSelectorWindowTest, MarksTheCharactersThatAreFitAndUnfit) {
     }
   }
   EXPECT_EQ(grid.item(11, 0)->background().style(), Qt::NoBrush);
+  for (const auto& [row, name] : {std::pair(25, "(EM)"), {31, "(US)"}, {44, ","}, {128, "\u20AC"}, {255, "\u00FF"}}) {
+    EXPECT_TRUE(grid.item(row, 2)->text().startsWith(name)) << name;
+  }
 }
 
 }  // namespace
