@@ -139,32 +139,6 @@ TEST_F(TelepanelHostTest, AControllerOfAnotherModelThanTheSelectedIsToldWithACur
   }
 }
 
-TEST_F(TelepanelHostTest, WhyAControllerCannotBeReachedStaysOnThePage) {
-  onLine = [this] {
-    host.BeginConnect();
-    EXPECT_TRUE(view.isWaiting);
-    host.StatusMessage("Identifying unit 1 failed: no reply.\nWhat to do: check the cable.");
-  };
-  host.Click(command::kOnLine);
-  EXPECT_EQ(view.shown.connection, Connection::Offline);
-  EXPECT_THAT(view.shown.trouble, HasSubstr("check the cable"));
-  EXPECT_FALSE(view.isWaiting);
-
-  host.OnLinkReleased = [this] { host.StatusMessage("Disconnected from COM3"); };
-  onLine = [this] {
-    host.BeginConnect();
-    host.StatusMessage("Connected to COM3");
-    host.SetConnectedUnit(1);
-    host.ConnectionRefused("It is in BOOTSTRAP mode.");
-    EXPECT_FALSE(view.isWaiting) << "a box in front of a busy window";
-    EXPECT_EQ(ConnectionText(view.shown), "Off line");
-  };
-  host.Click(command::kOnLine);
-  EXPECT_EQ(view.shown.connection, Connection::Offline);
-  EXPECT_EQ(view.shown.trouble, "Refused: It is in BOOTSTRAP mode.");
-  EXPECT_EQ(view.shown.message, view.shown.trouble);
-}
-
 TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
   host.Click(command::kOnLine);
   LoseController();

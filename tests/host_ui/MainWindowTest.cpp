@@ -148,30 +148,6 @@ TEST_F(MainWindowTest, ALinkThatIsPulledAndGivenBackIsTakenUpAgain) {
   });
 }
 
-TEST_F(MainWindowTest, OffLineGivesThePortBackAndOnLineBeginsAnew) {
-  auto controller = std::make_unique<Kvsim>(QStringList{"--model", "K220-22-R1"});
-  const int port = controller->Port();
-  PutTcp(port, "TimeOut=200\r\nTries=1\r\n");
-  const auto exchangeFor = [&](const char* model) {
-    controller->Kill();
-    controller = std::make_unique<Kvsim>(QStringList{"--model", model}, port);
-  };
-  Run([&](QMainWindow& window) {
-    Trigger(window, "ID_OnLine");
-    ASSERT_EQ(Text(window, "lblModel"), "K220-22-R1");
-    Trigger(window, "HOST_OffLine");
-    exchangeFor("K330");
-    Trigger(window, "ID_OnLine");
-    EXPECT_EQ(Text(window, "lblModel"), "K330") << Text(window, "lblTrouble");
-
-    exchangeFor("K360");
-    ASSERT_TRUE(WaitUntil([&] { return Text(window, "lblOnline") == "Off line"; }));
-    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("another controller answered"));
-    Trigger(window, "ID_OnLine");
-    EXPECT_EQ(Text(window, "lblModel"), "K360") << "the user has said that it is meant";
-  });
-}
-
 TEST_F(MainWindowTest, LookingForASilentControllerTakesNothingFromTheUser) {
   const Kvsim controller({"--model", "K220-22-R1"});
   PutTcp(controller.Port(), "TimeOut=20000\r\nTries=1\r\n");
