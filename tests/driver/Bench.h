@@ -20,6 +20,24 @@ inline LinkSettings SerialSettings() {
   return settings;
 }
 
+// Every setting is another than the default.
+inline LinkSettings UnusualSettings(Transport transport) {
+  LinkSettings settings;
+  settings.transport = transport;
+  settings.model = "K450-45";
+  settings.host = "plc.mill";
+  settings.tcpPort = 65535;
+  settings.serialPort = "/dev/ttyUSB0";
+  settings.baudRate = 300;
+  settings.framing = {7, Parity::Even, 2};
+  settings.modem = {"AT&F", "0,12-34", true, std::chrono::seconds(300)};
+  settings.unit = 255;
+  settings.timeOut = std::chrono::seconds(300);
+  settings.tries = 10;
+  settings.reconnects = false;
+  return settings;
+}
+
 // A simulated controller that counts what it does, at the end of a cable that can be pulled.
 struct Plant {
   explicit Plant(const std::string& model, const std::string& password = {}) {

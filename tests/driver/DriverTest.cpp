@@ -21,7 +21,7 @@ TEST(LinkText, ParsesAndPrintsEveryKind) {
     const char* printed;
     const char* described;
   } rows[] = {
-      {"sim:K670-67-T40 / K390", "sim:K670-67-T40 / K390", "Simulated K670-67-T40 / K390"},
+      {"sim:K670 / K390", "sim:K670 / K390", "Simulated K670 / K390"},
       {"tcp:192.168.1.20:20301", "tcp:192.168.1.20:20301", "192.168.1.20:20301, unit 1"},
       {"tcp:plc", "tcp:plc:20300", "plc:20300, unit 1"},
       {"tcp:[::1]:5", "tcp:[::1]:5", "[::1]:5, unit 1"},
@@ -42,7 +42,7 @@ TEST(LinkText, ParsesAndPrintsEveryKind) {
 
 TEST(LinkText, SaysWhatItExpected) {
   for (const char* text : {"", "sim:", "COM3", "tcp:", "tcp::20300", "tcp:host:0", "tcp:host:65536", "tcp:::1:5",
-                           "tcp:[::1", "tcp:[::1]x", "serial:", "serial:COM3,100", "serial:COM3,9600,9N1",
+                           "tcp:[::1", "tcp:[::1]x", "serial:COM3,100", "serial:COM3,9600,9N1",
                            "serial:COM3,9600,8N1,x", "modem:COM3", "modem:COM3,", "listen:", "listen:x"}) {
     const auto parsed = ParseLink(text);
     ASSERT_FALSE(parsed) << text;
@@ -52,19 +52,9 @@ TEST(LinkText, SaysWhatItExpected) {
 
 TEST(SettingsFile, KeepsEverything) {
   const TemporaryFolder folder;
-  LinkSettings settings;
-  settings.transport = Transport::Modem;
-  settings.model = "K450-45";
+  LinkSettings settings = UnusualSettings(Transport::Modem);
   settings.host = "pl\xC3\xA4tz";
-  settings.tcpPort = 1;
-  settings.serialPort = "/dev/ttyUSB0";
-  settings.baudRate = 9600;
-  settings.framing = {7, Parity::Odd, 2};
-  settings.modem = {"AT&F \"x\"", "0,12 34", true, 90s};
-  settings.unit = 255;
-  settings.timeOut = 250ms;
-  settings.tries = 7;
-  settings.reconnects = false;
+  settings.modem.init = "AT&F \"x\"";
   ASSERT_TRUE(SaveSettings(folder.Path(), settings));
   const LoadedSettings loaded = LoadSettings(folder.Path(), {});
   EXPECT_EQ(loaded.settings, settings);
@@ -157,12 +147,10 @@ TEST(Driver, SaysWhyItCannotOpen) {
   EXPECT_FALSE(bench.driver.GetChannel());
   EXPECT_EQ(bench.driver.LastError().code, LinkErrorCode::CannotOpen);
   EXPECT_EQ(bench.driver.LastError().happened, "there is no simulated controller \"K220-22-R1\"");
-  LinkSettings settings = SerialSettings();
-  bench.driver.UseSettings(settings, false);
+  bench.driver.UseSettings(SerialSettings(), false);
   bench.plant.isReachable = false;
   EXPECT_FALSE(bench.driver.GetChannel());
-  EXPECT_EQ(bench.driver.LastError().Text().substr(0, 65),
-            "Opening the link on COM3, 115200 8N1 failed: nobody is there.\nLik");
+  EXPECT_TRUE(bench.driver.LastError().Text().starts_with("Opening the link on COM3, 115200 8N1 failed: nobody "));
   bench.plant.isReachable = true;
   EXPECT_TRUE(bench.driver.GetChannel());
   bench.driver.SetDriverActive(false);
@@ -172,11 +160,9 @@ TEST(Driver, SaysWhyItCannotOpen) {
 // A dialog that chooses another speed.
 struct ScriptedDialogs final : DriverDialogs {
   int shown = 0;
-  std::optional<LinkSettings> EditLink(const LinkSettings& current, const std::string&) override {
+  std::optional<LinkSettings> EditLink(const LinkSettings&, const std::string&) override {
     ++shown;
-    LinkSettings settings = current;
-    settings.baudRate = 9600;
-    return settings;
+    return UnusualSettings(Transport::Serial);
   }
   std::optional<LinkSettings> EditModem(const LinkSettings&, const std::string&) override { return std::nullopt; }
 };
@@ -185,7 +171,6 @@ TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
   const TemporaryFolder folder;
   DriverBench bench;
   ScriptedDialogs dialogs;
-  bench.driver.ShowComParams();  // without windows: nothing
   bench.driver.SetDialogs(&dialogs);
   bench.driver.ConfigureForSession({.folder = folder.Path().string()});
   bench.driver.UseSettings(SerialSettings(), true);
@@ -196,8 +181,7 @@ TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
   EXPECT_EQ(dialogs.shown, 0);
   channel->SetLinkBusy(false);
   bench.driver.ShowComParams();
-  EXPECT_EQ(bench.driver.LinkDescription(), "COM3, 9600 8N1, unit 1");
-  EXPECT_EQ(LoadSettings(folder.Path(), {}).settings.baudRate, 9600);
+  EXPECT_EQ(LoadSettings(folder.Path(), {}).settings, UnusualSettings(Transport::Serial));
   bench.driver.ConfigureForSession({.folder = (folder.Path() / "gone").string()});
   bench.driver.UseSettings(SerialSettings(), true);
   EXPECT_NE(bench.messages.back().find("were not kept. "), std::string::npos) << bench.messages.back();
@@ -209,29 +193,22 @@ TEST(Driver, ATrialFindsWhoAnswersAndLeavesTheLinkAsItWas) {
   LinkSettings other = SerialSettings();
   other.serialPort = "COM4";
 
-  const auto trial = bench.driver.TryLink(other);
-  ASSERT_TRUE(trial) << trial.error().Text();
-  EXPECT_EQ(trial->version.model, "K220-22-R1");
-  EXPECT_EQ(bench.driver.LinkDescription(), "COM3, 115200 8N1, unit 1");
-
   const auto channel = bench.driver.GetChannel();
   ASSERT_TRUE(channel);
   const int connections = bench.plant.connections;
   EXPECT_TRUE(bench.driver.TryLink(SerialSettings()));  // over the open link
   EXPECT_EQ(bench.plant.connections, connections);
-  EXPECT_TRUE(bench.driver.TryLink(other));
-  EXPECT_TRUE(channel->ReadMI(0, 1, 1)) << channel->LastError().Text();
+  const auto trial = bench.driver.TryLink(other);
+  ASSERT_TRUE(trial) << trial.error().Text();
+  EXPECT_EQ(trial->version.model, "K220-22-R1");
+  EXPECT_EQ(bench.driver.LinkDescription(), "COM3, 115200 8N1, unit 1");
 
   bench.plant.UseFaults({"noreply"});
-  const auto silent = bench.driver.TryLink(other);
-  ASSERT_FALSE(silent);
-  EXPECT_EQ(silent.error().code, LinkErrorCode::NoReply);
+  EXPECT_EQ(bench.driver.TryLink(other).error().code, LinkErrorCode::NoReply);
   bench.plant.UseFaults({});
 
   bench.pacer.RequestStop();
-  const auto stopped = bench.driver.TryLink(other);
-  ASSERT_FALSE(stopped);
-  EXPECT_EQ(stopped.error().code, LinkErrorCode::Stopped);
+  EXPECT_EQ(bench.driver.TryLink(other).error().code, LinkErrorCode::Stopped);
   EXPECT_FALSE(bench.pacer.StopRequested());
   EXPECT_TRUE(channel->ReadMI(0, 1, 1)) << channel->LastError().Text();
 }

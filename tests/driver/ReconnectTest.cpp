@@ -33,13 +33,6 @@ TEST(Reconnect, WriteIsNotReplayedAndItsFateIsReported) {
   EXPECT_TRUE(notDone.channel.WriteMI(0, kSeven, 1)) << "the next one goes through";
 }
 
-TEST(Reconnect, QuietLossIsNoticedBeforeAWriteGoesOut) {
-  Bench bench;
-  bench.plant.isCut = true;
-  EXPECT_TRUE(bench.channel.WriteMI(0, kSeven, 1));
-  EXPECT_EQ(bench.plant.connections, 2);
-}
-
 TEST(Reconnect, ControllerThatIsTooBusyToSayWhoItIsIsNoOther) {
   Bench bench;
   bench.plant.isCut = true;
