@@ -10,15 +10,10 @@ TEST(ScopeGuard, RunDismissAndMoveLeaveOneDutyAtMost) {
   const auto make = [&runs] { return ScopeGuard([&runs] { ++runs; }); };
   {
     auto first = make();
-    auto second = std::move(first);
-    EXPECT_EQ(runs, 0);
+    const auto second = std::move(first);
   }
   EXPECT_EQ(runs, 1);
-  {
-    auto guard = make();
-    guard.Run();
-    EXPECT_EQ(runs, 2);
-  }
+  make().Run();
   EXPECT_EQ(runs, 2);
   make().Dismiss();
   EXPECT_EQ(runs, 2);

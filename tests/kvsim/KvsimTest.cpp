@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "KvsimProcess.h"
+#include "link/AsciiFrame.h"
+#include "tests/base/TemporaryFolder.h"
 
 namespace kvtest {
 namespace {
@@ -12,17 +12,9 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-// A frame to unit 1, as the protocol page gives it: sum of the characters behind "/" in two digits.
-std::string Frame(const std::string& text) {
-  unsigned sum = '0' + '1';
-  for (const char letter : text) sum += static_cast<unsigned char>(letter);
-  const char* const digits = "0123456789ABCDEF";
-  return "/01" + text + digits[sum / 16 % 16] + digits[sum % 16] + "\r";
-}
-
 // The reply's frame, or what came of it.
 std::string Exchange(const Descriptor& client, const std::string& text) {
-  client.Give(Frame(text));
+  client.Give(kv::BuildFrame(1, text));
   std::string reply;
   while (!reply.ends_with('\r')) {
     const auto byte = client.Take(1);
@@ -41,11 +33,9 @@ Descriptor OpenTerminal(const fs::path& link) {
   return terminal;
 }
 
-class KvsimTest : public testing::Test {
- protected:
-  KvsimTest() { fs::create_directories(folder); }
-  ~KvsimTest() override { fs::remove_all(folder); }
-  const fs::path folder = fs::temp_directory_path() / ("kvsim-test-" + std::to_string(::getpid()));
+struct KvsimTest : testing::Test {
+  kv::TemporaryFolder home;
+  const fs::path folder = home.Path();
 };
 
 TEST_F(KvsimTest, ServesSeveralClientsInTurnAndAtOnce) {
@@ -53,10 +43,10 @@ TEST_F(KvsimTest, ServesSeveralClientsInTurnAndAtOnce) {
   const auto port = kvsim.Port();
   ASSERT_NE(port, 0);
   auto first = DialLoopback(port);
-  EXPECT_THAT(Exchange(first, "ID"), StartsWith("/01IDQ50-2-R34|"));
-  const auto second = DialLoopback(port);
-  EXPECT_THAT(Exchange(second, "ID"), StartsWith("/01IDQ50-2-R34|"));
-  EXPECT_THAT(Exchange(first, "ID"), StartsWith("/01IDQ50-2-R34|"));
+  auto second = DialLoopback(port);
+  for (auto* client : {&first, &second, &first}) {
+    EXPECT_THAT(Exchange(*client, "ID"), StartsWith("/01IDQ50-2-R34|"));
+  }
   first.Close();
   EXPECT_THAT(Exchange(second, "ID"), StartsWith("/01IDQ50-2-R34|"));
   EXPECT_THAT(Exchange(DialLoopback(port), "ID"), StartsWith("/01IDQ50-2-R34|"));
@@ -114,8 +104,7 @@ TEST_F(KvsimTest, KeepsTheControllersMemoryInAFile) {
 TEST_F(KvsimTest, SaysWhatIsWrongWithWhatItWasTold) {
   const Listener other;
   const auto otherPort = std::to_string(other.Port());
-  const auto notALink = (folder / "file").string();
-  Descriptor(::creat(notALink.c_str(), 0600)).Close();
+  const auto notALink = home.Put("file", "").string();
   struct {
     std::vector<std::string> arguments;
     int exitCode;

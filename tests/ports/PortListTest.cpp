@@ -1,11 +1,10 @@
 #include "KvCmDrv1/ports/PortList.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
 #include <ostream>
+
+#include "tests/base/TemporaryFolder.h"
 
 namespace kv {
 
@@ -19,19 +18,17 @@ namespace fs = std::filesystem;
 
 class PortListTest : public testing::Test {
  protected:
-  PortListTest() { fs::remove_all(root); }
-  ~PortListTest() override { fs::remove_all(root); }
-
   void Put(const std::string& file, const std::string& line) const {
     fs::create_directories((root / file).parent_path());
-    std::ofstream(root / file) << line << '\n';
+    (void)folder.Put(file, line + "\n");
   }
   void LinkTo(const std::string& link, const std::string& target) const {
     fs::create_directories((root / link).parent_path());
     fs::create_symlink(target, root / link);
   }
 
-  const fs::path root = fs::temp_directory_path() / ("kv-port-list-" + std::to_string(::getpid()));
+  const TemporaryFolder folder;
+  const fs::path root = folder.Path();
 };
 
 TEST_F(PortListTest, ListsWhatHasHardwareWithWhatIsPluggedIn) {

