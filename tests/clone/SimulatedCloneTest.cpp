@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "KvCmDrv1/Driver.h"
-#include "clone/CloneDiff.h"
 #include "clone/CloneVerify.h"
 #include "simulator/SimulatedController.h"
 #include "tests/clone/CloneBench.h"
@@ -48,30 +47,6 @@ class Plc {
   Driver mDriver;
   std::shared_ptr<Channel> mChannel;
 };
-
-TEST(SimulatedClone, MakesAnotherControllerTheSameInEverySegmentThatIsTaken) {
-  CloneBench bench;
-  bench.window.boxes.dt = false;
-  Plc first(bench);
-  Plc second(bench, 2);
-  const auto tables = second.Link().ReadMemoryBlock(0x00110000, 0x0A36, 1);
-  ASSERT_EQ(first.Create(bench.file).end, CloneEnd::Done);
-  EXPECT_EQ(first.State(), 'R');
-  const auto before = VerifyClone(second.Link(), bench.file);
-  EXPECT_EQ(before->segments.size(), 6U);
-  for (const SegmentDifference& segment : before->segments) EXPECT_FALSE(segment.differing.IsEmpty());
-
-  ASSERT_EQ(second.Restore(bench.file).end, CloneEnd::Done);
-  EXPECT_EQ(second.State(), 'R');
-  EXPECT_TRUE(VerifyClone(second.Link(), bench.file)->IsSame());
-  bench.window.boxes.dt = true;
-  const auto clone = bench.folder.Path() / "second.kdf";
-  ASSERT_EQ(second.Create(clone).end, CloneEnd::Done);
-  const auto found = DiffClones(bench.file, clone);
-  EXPECT_EQ(found->DifferingBytes(), 0U);
-  EXPECT_EQ(found->onlyInSecond.at(0).code, "DT");  // it was not taken, and is as it was
-  EXPECT_EQ(second.Link().ReadMemoryBlock(0x00110000, 0x0A36, 1), tables);
-}
 
 TEST(SimulatedClone, NeedsThePasswordBothWays) {
   CloneBench bench;

@@ -17,8 +17,8 @@
 #include "clone/ui/frmDumpPLC.h"
 #include "desktop/PacerWallClock.h"
 #include "simulator/SimulatedController.h"
-#include "tests/desktop_ui/QtBench.h"
 #include "tests/support/SessionBench.h"
+#include "tests/support/UsableWindow.h"
 
 namespace kv::test {
 namespace {
@@ -284,12 +284,7 @@ TEST_F(ClonerWindowTest, StaysIdleWhenADialogIsCancelledOrNobodyIsThere) {
 
 TEST_F(ClonerWindowTest, ControlsAreNamedAndSayWhyTheyAreDisabled) {
   Open();
-  for (const QWidget* widget : window->findChildren<QWidget*>()) {
-    if ((widget->focusPolicy() & Qt::TabFocus) == 0 || !widget->isVisible()) continue;
-    const bool hasText = widget->inherits("QToolButton") || widget->inherits("QCheckBox");
-    EXPECT_TRUE(hasText || !widget->accessibleName().isEmpty()) << widget->metaObject()->className();
-    EXPECT_FALSE(hasText && widget->toolTip().isEmpty()) << widget->objectName().toStdString();
-  }
+  ExpectControlsCanBeRead(*window);
   EXPECT_TRUE(Find<QAction>(*window, "ID_StopDump").toolTip().endsWith("\nNo operation is running."));
 }
 

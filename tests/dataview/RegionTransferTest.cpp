@@ -31,18 +31,13 @@ TEST(ReadRegion, AsksForOneListOnTheAurexFamilyAndPicksByType) {
   const OperandListValues timers = {100, 50, 1, 36000000, 0xFFFFFFFB, 0};
   const OperandListValues counters = {65535, 7, 0, 3, 4, 1};
   const std::vector<Row> rows = {
-      {MB, "0,1,5,2,0", {1, 0}, {"1", "0"}}, {SB, "0,2,5,2,0", {0, 1}, {"0", "1"}},
-      {MI, "0,3,5,2,0", {0x8000, 7}, {"-32768", "7"}}, {SI, "0,4,5,2,0", {0xFFFF, 0}, {"-1", "0"}},
-      {ML, "0,5,5,2,0", {0x80000000, 1}, {"-2147483648", "1"}}, {SL, "0,6,5,2,0", {0xFFFFFFFF, 1}, {"-1", "1"}},
+      {MI, "0,3,5,2,0", {0x8000, 7}, {"-32768", "7"}}, {SB, "0,2,5,2,0", {0, 1}, {"0", "1"}},
+      {SI, "0,4,5,2,0", {0xFFFF, 0}, {"-1", "0"}}, {SL, "0,6,5,2,0", {0xFFFFFFFF, 1}, {"-1", "1"}},
       {MF, "0,7,5,2,0", {0x00003FC0, 0x00007FC0}, {"1.5", "nan"}}, {Input, "0,9,5,2,0", {1, 1}, {"1", "1"}},
       {Output, "0,10,5,2,0", {0, 0}, {"0", "0"}}, {TimerPreset, "0,11,5,2,0", timers, {"00:00:01.00", "99:59:59.99"}},
       {TimerCurrent, "0,11,5,2,0", timers, {"00:00:00.50", "00:00:00.00"}},
-      {TimerValue, "0,11,5,2,0", timers, {"1", "0"}}, {CounterPreset, "0,12,5,2,0", counters, {"65535", "3"}},
-      {CounterCurrent, "0,12,5,2,0", counters, {"7", "4"}}, {CounterValue, "0,12,5,2,0", counters, {"0", "1"}},
-      {DW, "0,16,5,2,0", {0xFFFFFFFF, 1}, {"4294967295", "1"}},
-      {SDW, "0,36,5,2,0", {0x80000000, 1}, {"2147483648", "1"}}, {XB, "0,64,5,2,0", {1, 0}, {"1", "0"}},
-      {XI, "0,65,5,2,0", {0xFFFE, 1}, {"-2", "1"}}, {XL, "0,66,5,2,0", {0xFFFFFFFE, 1}, {"-2", "1"}},
-      {XDW, "0,67,5,2,0", {0xFFFFFFFE, 1}, {"4294967294", "1"}}};
+      {TimerValue, "0,11,5,2,0", timers, {"1", "0"}}, {CounterValue, "0,12,5,2,0", counters, {"0", "1"}},
+      {SDW, "0,36,5,2,0", {0x80000000, 1}, {"2147483648", "1"}}};
   for (const Row& row : rows) {
     test::FakeChannel channel;
     channel.unit = 9;

@@ -6,10 +6,10 @@
 #include <QMenu>
 #include <QSignalSpy>
 #include <QToolButton>
-#include <set>
 
 #include "dataview/ui/ViewMenus.h"
 #include "tests/dataview_ui/ViewBench.h"
+#include "tests/support/UsableWindow.h"
 
 namespace kv::test {
 namespace {
@@ -285,13 +285,7 @@ TEST_F(DataTypesWindowTest, ASilentControllerNeitherFreezesTheWindowNorHoldsItsU
 
   BeSilent(std::chrono::seconds(60));
   for (const char* tool : {"ID_ReadRegions", "ID_OnLine"}) {
-    When(
-        *window,
-        [&] {
-          const auto* cancel = window->findChild<QPushButton*>("cmdCancelBusy");
-          return cancel && cancel->isVisible();
-        },
-        [&] { QTest::keyClick(window->windowHandle(), Qt::Key_Escape); });
+    CancelWhenBusy(*window);
     Trigger(tool);
     EXPECT_EQ(window->findChild<QPushButton*>("cmdCancelBusy"), nullptr);
     EXPECT_TRUE(window->isVisible());
@@ -327,23 +321,11 @@ TEST_F(DataTypesWindowTest, TheCursorGoesToANamedOperand) {
 
 TEST_F(DataTypesWindowTest, EveryCommandAndControlCanBeReadAndReached) {
   Open();
-  std::set<QString> shortcuts;
-  for (const ViewMenu& menu : ViewMenus()) {
-    for (const ViewCommand& each : menu.tools) {
-      if (each.id.empty()) continue;
-      const QAction& action = Tool(std::string(each.id).c_str());
-      EXPECT_FALSE(action.icon().isNull()) << each.id;
-      EXPECT_TRUE(action.text().contains('&')) << each.id;
-      EXPECT_EQ(action.isEnabled(), !action.toolTip().contains('\n')) << each.id;  // what is grey says why
-      const QString keys = action.shortcut().toString();
-      EXPECT_TRUE(keys.isEmpty() || shortcuts.insert(keys).second) << keys.toStdString();
-    }
-  }
-  for (const QWidget* widget : window->findChildren<QWidget*>()) {
-    const bool isReached = (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisible();
-    if (!isReached || widget->inherits("QToolButton")) continue;  // a button reads its command's text
-    EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
-  }
+  std::vector<std::string_view> ids;
+  for (const ViewMenu& menu : ViewMenus())
+    std::ranges::transform(menu.tools, std::back_inserter(ids), &ViewCommand::id);
+  ExpectCommandsCanBeRead(*window, ids);
+  ExpectControlsCanBeRead(*window);
   session.host.OnToolClicked = [&](const std::string& id, const std::string&) { session.log.push_back(id); };
   session.log.clear();
   Trigger("ID_Help");

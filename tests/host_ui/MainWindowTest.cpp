@@ -8,11 +8,11 @@
 #include <QMenu>
 #include <QTableView>
 #include <QTableWidget>
-#include <set>
 
 #include "KvTele2/HostCommands.h"
 #include "KvTele2/PagesFile.h"
 #include "tests/host_ui/WindowBench.h"
+#include "tests/support/UsableWindow.h"
 
 namespace kv::test {
 namespace {
@@ -116,13 +116,7 @@ TEST_F(MainWindowTest, ASilentControllerNeitherFreezesTheWindowNorHoldsItsUser) 
   });
   PutTcp(controller.Port(), "TimeOut=60000\r\n");
   Run([&](QMainWindow& window) {
-    When(
-        window,
-        [&] {
-          const auto* cancel = window.findChild<QPushButton*>("cmdCancelBusy");
-          return cancel && cancel->isVisible();
-        },
-        [&] { QTest::keyClick(window.windowHandle(), Qt::Key_Escape); });
+    CancelWhenBusy(window);
     Trigger(window, "ID_OnLine");
     EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("stopped on request"));
     EXPECT_EQ(window.findChild<QPushButton*>("cmdCancelBusy"), nullptr);
@@ -213,26 +207,13 @@ TEST_F(MainWindowTest, AnotherSessionIsActivatedInItsWindow) {
 
 TEST_F(MainWindowTest, EveryCommandAndControlCanBeReadAndReached) {
   Run([](QMainWindow& window) {
-    std::set<QString> shortcuts;
+    std::vector<std::string_view> ids;
     for (const HostMenu& menu : HostMenus()) {
-      for (const HostCommand& command : menu.commands) {
-        if (command.id.empty()) continue;
-        const auto& action = Find<QAction>(window, std::string(command.id).c_str());
-        EXPECT_FALSE(action.icon().isNull()) << command.id;
-        EXPECT_TRUE(action.text().contains('&')) << command.id;
-        EXPECT_THAT(action.toolTip().toStdString(), HasSubstr(std::string(command.shortcut))) << command.id;
-        // What is grey says why, in a line of its own.
-        EXPECT_EQ(action.isEnabled(), !action.toolTip().contains('\n')) << command.id;
-        const QString keys = action.shortcut().toString();
-        EXPECT_TRUE(keys.isEmpty() || shortcuts.insert(keys).second) << keys.toStdString();
-      }
+      std::ranges::transform(menu.commands, std::back_inserter(ids), &HostCommand::id);
     }
+    ExpectCommandsCanBeRead(window, ids);
+    ExpectControlsCanBeRead(window);
     EXPECT_THAT(Find<QAction>(window, "ID_Downloader").toolTip().toStdString(), HasSubstr("does not have this tool"));
-    for (const QWidget* widget : window.findChildren<QWidget*>()) {
-      const bool isReached = (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisible();
-      if (!isReached || widget->inherits("QToolButton")) continue;  // a button reads its command's text
-      EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
-    }
   });
 }
 

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QPushButton>
+#include <set>
+#include <string_view>
+#include <vector>
+
+#include "tests/desktop_ui/QtBench.h"
+
+namespace kv::test {
+
+// Each command has its icon, a letter, keys of its own, and in grey the reason in a line of its own.
+inline void ExpectCommandsCanBeRead(const QObject& window, const std::vector<std::string_view>& ids) {
+  std::set<QString> shortcuts;
+  for (const std::string_view id : ids) {
+    if (id.empty()) continue;  // a line between two commands
+    const auto& action = Find<QAction>(window, std::string(id).c_str());
+    EXPECT_FALSE(action.icon().isNull()) << id;
+    EXPECT_TRUE(action.text().contains('&')) << id;
+    EXPECT_EQ(action.isEnabled(), !action.toolTip().contains('\n')) << id;
+    const QString keys = action.shortcut().toString();
+    EXPECT_TRUE(keys.isEmpty() || (shortcuts.insert(keys).second && action.toolTip().contains(keys)))
+        << id << " " << keys.toStdString();
+  }
+}
+
+// Each control that Tab reaches has a name or reads its text, and a button then says what it does.
+inline void ExpectControlsCanBeRead(const QObject& window) {
+  for (const QWidget* widget : window.findChildren<QWidget*>()) {
+    if ((widget->focusPolicy() & Qt::TabFocus) == 0 || !widget->isVisible()) continue;
+    const bool hasText = widget->inherits("QToolButton") || widget->inherits("QCheckBox");
+    EXPECT_TRUE(hasText || !widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+    EXPECT_FALSE(hasText && widget->toolTip().isEmpty()) << widget->objectName().toStdString();
+  }
+}
+
+// Presses Escape as soon as the window offers to cancel what it waits for.
+inline void CancelWhenBusy(QWidget& window) {
+  const auto isOffered = [&window] {
+    const auto* cancel = window.findChild<QPushButton*>("cmdCancelBusy");
+    return cancel && cancel->isVisible();
+  };
+  When(window, isOffered, [&window] { QTest::keyClick(window.windowHandle(), Qt::Key_Escape); });
+}
+
+}  // namespace kv::test
