@@ -17,8 +17,8 @@
 #include "clone/ui/frmDumpPLC.h"
 #include "desktop/PacerWallClock.h"
 #include "simulator/SimulatedController.h"
+#include "tests/desktop_ui/UsableWindow.h"
 #include "tests/support/SessionBench.h"
-#include "tests/support/UsableWindow.h"
 
 namespace kv::test {
 namespace {

@@ -9,7 +9,7 @@
 
 #include "dataview/ui/ViewMenus.h"
 #include "tests/dataview_ui/ViewBench.h"
-#include "tests/support/UsableWindow.h"
+#include "tests/desktop_ui/UsableWindow.h"
 
 namespace kv::test {
 namespace {

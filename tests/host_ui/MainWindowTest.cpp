@@ -11,8 +11,8 @@
 
 #include "KvTele2/HostCommands.h"
 #include "KvTele2/PagesFile.h"
+#include "tests/desktop_ui/UsableWindow.h"
 #include "tests/host_ui/WindowBench.h"
-#include "tests/support/UsableWindow.h"
 
 namespace kv::test {
 namespace {
