@@ -4,12 +4,10 @@
 #include <QPalette>
 #include <QSplitter>
 #include <QTableWidget>
-#include <QTemporaryDir>
 #include <QVBoxLayout>
 
 #include "base/ProfileStrings.h"
 #include "base/ScopeGuard.h"
-#include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/QtShell.h"
 #include "desktop/ui/WindowGeometry.h"
@@ -34,17 +32,6 @@ TEST(IconsTest, EveryPictureIsSeenInTheColourOfThePalette) {
       EXPECT_GT(seen, 40) << "picture " << i;
     }
   }
-}
-
-TEST(CommandsTest, ATooltipNamesTheShortcutAndWhyACommandIsGreyed) {
-  QAction action("On Line");
-  action.setShortcut(Qt::Key_F5);
-  Describe(action, "Identifies the controller");
-  Allow(action, "This build has no such window.");
-  EXPECT_FALSE(action.isEnabled());
-  EXPECT_EQ(action.toolTip(), "Identifies the controller (F5)\nThis build has no such window.");
-  Allow(action, "");
-  EXPECT_EQ(action.toolTip(), "Identifies the controller (F5)");
 }
 
 struct Window : QWidget {

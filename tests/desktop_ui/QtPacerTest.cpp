@@ -90,18 +90,14 @@ TEST_F(QtPacerTest, InputDuringAWaitIsKeptAndThenDelivered) {
 }
 
 TEST_F(QtPacerTest, ABusyWindowHearsOnlyItsCancel) {
-  struct Case {
-    const char* name;
-    std::function<void()> act;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, std::function<void()>> cases[] = {
       {"Escape", [this] { Type(Qt::Key_Escape); }},
       {"button", [this] { ClickOn(Find<QPushButton>(window, "cmdCancelBusy")); }},
       {"blank on the button", [this] { Type(Qt::Key_Space, " "); }},
       {"close", [this] { window.windowHandle()->close(); }},
   };
-  for (const Case& each : cases) {
-    SCOPED_TRACE(each.name);
+  for (const auto& [name, act] : cases) {
+    SCOPED_TRACE(name);
     {
       pacer.RequestStop();  // of an operation before
       BusyState busy(pacer, window, "Waiting");
@@ -116,7 +112,7 @@ TEST_F(QtPacerTest, ABusyWindowHearsOnlyItsCancel) {
         isIgnored = !pacer.StopRequested();
       });
       EXPECT_TRUE(Wait([&] { return isIgnored; }));
-      Meanwhile(each.act);
+      Meanwhile(act);
       EXPECT_TRUE(Wait([this] { return pacer.StopRequested(); }));
       EXPECT_EQ(Find<QPushButton>(window, "cmdCancelBusy").text(), "Stopping...");
     }

@@ -10,8 +10,8 @@
 #include "apps/support/SimulatedControllers.h"
 #include "base/PathText.h"
 #include "desktop/MemoryClipboard.h"
-#include "desktop/ScriptedPrompts.h"
 #include "tests/base/TemporaryFolder.h"
+#include "tests/desktop/TestPrompts.h"
 #include "tests/desktop_ui/QtBench.h"
 
 namespace kv::test {
@@ -36,7 +36,7 @@ struct DialogBench {
 
   TemporaryFolder folder;
   QtPacer pacer;
-  ScriptedPrompts prompts{[](const std::string& what) { ADD_FAILURE() << what; }};
+  TestPrompts prompts;
   MemoryClipboard clipboard;
   std::vector<SerialPortInfo> ports = {{"ttyS0", "/dev/ttyS0", "16550A", ""},
                                        {"ttyUSB0", "/dev/ttyUSB0", "USB-Serial Controller (Prolific)", ""}};

@@ -96,17 +96,6 @@ TEST_F(LinkDialogsTest, EachKindOfLinkShowsItsFieldsAndKeepsThemInTheSession) {
   EXPECT_FALSE(Saved().reconnects);
 }
 
-TEST_F(LinkDialogsTest, CancelChangesNothing) {
-  const LinkSettings before = driver.Settings();
-  InSettings([](QDialog& dialog) {
-    Enter(dialog, "cboTransport", "Serial");
-    Enter(dialog, "txtUnit", "77");
-    QTest::keyClick(&dialog, Qt::Key_Escape);
-  });
-  EXPECT_EQ(driver.Settings(), before);
-  EXPECT_FALSE(std::filesystem::exists(folder.Path() / "KvCmDrv1.ini"));
-}
-
 TEST_F(LinkDialogsTest, ABadValueIsSaidWhileItIsTypedAndCannotBeKept) {
   InSettings([](QDialog& dialog) {
     Enter(dialog, "cboTransport", "Ethernet, to");

@@ -44,9 +44,10 @@ TEST_F(TestConnectionTest, ShowsWhoAnswersAndForgetsItWithTheNextChange) {
     EXPECT_TRUE(Result(dialog).startsWith("Connected to K450-45, O/S 1.10, build 19.")) << Result(dialog).toStdString();
     Find<QComboBox>(dialog, "cboModel").setCurrentIndex(0);
     EXPECT_EQ(Result(dialog), "");
-    dialog.reject();
+    QTest::keyClick(&dialog, Qt::Key_Escape);
   });
   EXPECT_EQ(driver.Settings(), before);
+  EXPECT_FALSE(std::filesystem::exists(folder.Path() / "KvCmDrv1.ini"));
 }
 
 TEST_F(TestConnectionTest, SaysWhyNobodyAnswers) {
@@ -60,8 +61,8 @@ TEST_F(TestConnectionTest, SaysWhyNobodyAnswers) {
     EXPECT_TRUE(Result(dialog).startsWith("Opening the link on /dev/ttyUSB7, 115200 8N1 failed: "))
         << Result(dialog).toStdString();
     EXPECT_GT(dialog.height(), height);  // the whole text is seen
-    EXPECT_GE(dialog.findChild<QLabel*>("lblResult")->height(),
-              dialog.findChild<QLabel*>("lblResult")->heightForWidth(dialog.findChild<QLabel*>("lblResult")->width()));
+    const auto& label = Find<QLabel>(dialog, "lblResult");
+    EXPECT_GE(label.height(), label.heightForWidth(label.width()));
     dialog.reject();
   });
 }

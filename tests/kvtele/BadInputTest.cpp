@@ -14,6 +14,8 @@ struct BadInput {
   std::vector<std::string> arguments;
   int exit;
   const char* message;  // the part that helps
+  const char* os = "";
+  bool boot = false;
 };
 
 TEST(BadInput, IsRefusedBeforeAnythingIsSent) {
@@ -31,27 +33,22 @@ TEST(BadInput, IsRefusedBeforeAnythingIsSent) {
       {{"identify", "--link", "sim:K"}, 2, "There is no simulated controller \"K\""},
       {{"identify", "--link", "carrier-pigeon"}, 2, "sim:MODEL, tcp:HOST:PORT"},
       {{"identify", "--session", "Nowhere"}, 2, "there is no session \"Nowhere\""},
-      {{"identify", "--link", "sim:Q50", "--session", "Nowhere"}, 2, "there is no session \"Nowhere\""},
       {{"identify", "--session", "../Default"}, 2, "A session name cannot contain"},
       {{"identify", "--trace", "/nowhere/at/all.txt"}, 6, "Opening the trace file"},
 
       {{"read", "QI", "0"}, 2, "There is no operand type \"QI\""},
       {{"read", "MI", "-1"}, 2, "\"-1\" is no operand address"},
       {{"read", "MI", "5", "4"}, 2, "runs backwards"},
-      {{"read", "MI", "4096"}, 4, "use addresses from 0 to 4095"},
       {{"read", "MI", "0", "--size", "16", "--format", "binary"}, 2, "--size 16 --format ascii|hex|decimal|unsigned"},
-      {{"read", "MB", "0", "--size", "8", "--format", "hex"}, 2, "use --size 1 --format binary"},
       {{"read", "MI", "0", "--size", "16"}, 2, "--size and --format belong together"},
       {{"read", "MI", "0", "--link", "sim:K220-22-R1", "--size", "64", "--format", "hex"}, 2, "is not offered"},
       {{"read", "MI", "2048", "--link", "sim:K220-22-R1"}, 4, "use addresses from 0 to 2047"},
       {{"read", "MF", "0", "--link", "sim:Q50"}, 4, "Q50 has no MF operands"},
 
       {{"write", "MI", "0"}, 2, "VALUE is required"},
-      {{"write", "MI", "0", "1.5"}, 2, "value 1 is \"1.5\""},
       {{"write", "MI", "0", "1", "32768"}, 2, "value 2 is \"32768\""},
       {{"write", "TIMER-PRESET", "0", "15", "--link", "sim:Q50"}, 2, "a multiple of 10"},
       {{"write", "SI", "0", "1"}, 4, "can only be read"},
-      {{"write", "MI", "4095", "1", "2"}, 4, "there is no MI 4096"},
       {{"write", "MI", "255", "1", "2", "--link", "sim:Q50"}, 4, "there is no MI 256 on Q50"},
   };
   CommandBench bench;
@@ -67,30 +64,23 @@ TEST(BadInput, IsRefusedBeforeAnythingIsSent) {
 
 // What only the controller can tell, or the line to it. No operand is asked for or written.
 TEST(BadInput, IsRefusedAsSoonAsTheControllerIsKnown) {
-  struct {
-    const char* os;
-    bool boot;
-    BadInput input;
-  } const rows[] = {
-      {"", false, {{"identify", "--link", "tcp:127.0.0.1:1"}, 3, "refused the connection"}},
-      {"", false, {{"identify", "--link", "serial:/nowhere/ttyS99"}, 3, "/nowhere/ttyS99"}},
-      {"", false, {{"identify", "--link", "sim:Q50", "--unit", "7"}, 3, "no reply after 3 tries"}},
-      {"",
-       false,
-       {{"read", "MI", "0", "--link", "sim:Q50", "--retries", "0", "--unit", "7"}, 3, "no reply after 1 try"}},
-      {"", false, {{"read", "MI", "0", "--link", "sim:Q51", "--model", "K220-22-R1"}, 4, "not a K220-22-R1"}},
-      {"2.90", false, {{"read", "MI", "1024", "--link", "sim:K220-22-R1"}, 4, "use addresses from 0 to 1023"}},
-      {"2.90", false, {{"write", "XI", "0", "1", "--link", "sim:K220-22-R1"}, 4, "not supported by the O/S"}},
-      {"", true, {{"read", "MI", "0", "--link", "sim:K220-22-R1"}, 4, "running its boot loader"}},
+  const BadInput rows[] = {
+      {{"identify", "--link", "tcp:127.0.0.1:1"}, 3, "refused the connection"},
+      {{"identify", "--link", "serial:/nowhere/ttyS99"}, 3, "/nowhere/ttyS99"},
+      {{"read", "MI", "0", "--link", "sim:Q50", "--retries", "0", "--unit", "7"}, 3, "no reply after 1 try"},
+      {{"read", "MI", "0", "--link", "sim:Q51", "--model", "K220-22-R1"}, 4, "not a K220-22-R1"},
+      {{"read", "MI", "1024", "--link", "sim:K220-22-R1"}, 4, "use addresses from 0 to 1023", "2.90"},
+      {{"write", "XI", "0", "1", "--link", "sim:K220-22-R1"}, 4, "not supported by the O/S", "2.90"},
+      {{"read", "MI", "0", "--link", "sim:K220-22-R1"}, 4, "running its boot loader", "", true},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(::testing::PrintToString(row.input.arguments));
+  for (const BadInput& row : rows) {
+    SCOPED_TRACE(::testing::PrintToString(row.arguments));
     CommandBench bench;
     bench.options.osVersion = row.os;
     bench.options.boot = row.boot;
-    const Result result = bench.Run(row.input.arguments);
-    EXPECT_EQ(result.exit, row.input.exit);
-    EXPECT_THAT(result.err, HasSubstr(row.input.message));
+    const Result result = bench.Run(row.arguments);
+    EXPECT_EQ(result.exit, row.exit);
+    EXPECT_THAT(result.err, HasSubstr(row.message));
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(result.trace, Not(HasSubstr(": read ")));
     EXPECT_THAT(result.trace, Not(HasSubstr(": write ")));

@@ -105,17 +105,15 @@ TEST_F(CloneVerbs, ARestoreThatWouldHarmIsRefusedUnlessForced) {
   EXPECT_THAT(forced.err, HasSubstr("Line 6 of the clone file: no reply within 10 s"));
 }
 
-struct Trouble {
-  const char* what;
-  Arguments arguments;
-  int exit;
-  const char* message;
-};
-
 TEST_F(CloneVerbs, EndWithTheExitCodeThatTellsWhatToDo) {
   ASSERT_EQ(Create({"--segments", "HW"}).exit, 0);
   const std::string nowhere = Utf8FromPath(bench.home.Path() / "no" / "such.kdf");
-  const Trouble rows[] = {
+  const struct {
+    const char* fault;
+    Arguments arguments;
+    int exit;
+    const char* message;
+  } rows[] = {
       {"", {"create", nowhere}, 2, "--password"},
       {"", {"create", nowhere, "--password", "1"}, 6, "such.kdf"},
       {"", {"create", nowhere, "--password", "1", "--segments", "OP,XY"}, 2, "no segment \"XY\""},
@@ -125,18 +123,15 @@ TEST_F(CloneVerbs, EndWithTheExitCodeThatTellsWhatToDo) {
       {"", {"info", file, file}, 2, "takes one file"},
       {"", {"verify", file, "--force"}, 2, "go with restore"},
       {"lost:on=WD,nth=2,away=600000", {"restore", file, "--yes", "--password", "1"}, 7, "Line 6 of the clone file"},
-      {"refuse:on=WD,nth=2,code=0D",
-       {"restore", file, "--yes", "--password", "1"},
-       4,
-       "the controller refused: its flash"},
+      {"refuse:on=WD,nth=2,code=0D", {"restore", file, "--yes", "--password", "1"}, 4, "refused: its flash"},
       {"noreply:on=block", {"verify", file}, 7, "no reply"},
   };
-  for (const Trouble& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.message);
     const std::string before = TemporaryFolder::Content(file);
     CommandBench troubled;
     troubled.options.password = "1";
-    if (*row.what) troubled.options.faults = {row.what};
+    if (*row.fault) troubled.options.faults = {row.fault};
     Arguments arguments{"clone"};
     arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
     const Result result = troubled.On(kModel, arguments);

@@ -26,6 +26,7 @@ Result CommandBench::On(const std::string& model, const std::vector<std::string>
 Result CommandBench::Run(const std::vector<std::string>& arguments) {
   std::ostringstream out;
   std::ostringstream err;
+  if (outIsBroken) out.setstate(std::ios::badbit);
   const std::filesystem::path trace = home.Path() / "trace.txt";
   cli::Environment environment{
       .out = out,

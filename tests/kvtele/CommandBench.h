@@ -40,6 +40,7 @@ class CommandBench {
   TypedInput input;
   VirtualPacer pacer;
   bool errIsTerminal = false;
+  bool outIsBroken = false;  // its reader has gone away, or the disk is full
   std::vector<SerialPortInfo> serialPorts;
   TemporaryFolder home;  // with an empty session "Default"
 

@@ -20,15 +20,5 @@ TEST(SimulatedControllers, KeepTheirMemoryInTheSessionAndSayWhenItIsDamaged) {
   EXPECT_NE(damaged.error().find(file), std::string::npos) << damaged.error();
 }
 
-TEST(SimulatedControllers, AreFoundByNameAndByTheTextTheyReport) {
-  SimulatedControllers controllers({});
-  for (const char* model : {"Q50", "Q50-2-R34", "BRIO-R16", "K670"}) {
-    EXPECT_TRUE(controllers.NewLine(model).has_value()) << model;
-    EXPECT_FALSE(ReportedModelOfSimulated(model).empty()) << model;
-  }
-  EXPECT_FALSE(controllers.NewLine("K").has_value());
-  EXPECT_EQ(ReportedModelOfSimulated("K"), "");
-}
-
 }  // namespace
 }  // namespace kv::test

@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 #include "tests/kvtele/CommandBench.h"
 
 namespace kv::test {
@@ -11,8 +9,8 @@ namespace {
 using ::testing::HasSubstr;
 
 // 150 words: three requests.
-std::vector<std::string> LongWrite() {
-  std::vector<std::string> arguments{"write", "DBI", "0"};
+std::vector<std::string> LongWrite(const char* type = "DBI") {
+  std::vector<std::string> arguments{"write", type, "0"};
   arguments.resize(3 + 150, "1");
   return arguments;
 }
@@ -58,20 +56,16 @@ TEST(Write, OfWhatCannotBeReadBackSaysSo) {
 }
 
 TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
-  const std::vector<std::string> write{"write", "MI", "7", "5"};
   CommandBench bench;
   bench.options.password = "1234";
-  const Result without = bench.On("Q50", write);
+  const Result without = bench.On("Q50", {"write", "MI", "7", "5"});
   EXPECT_EQ(without.exit, 4);
   EXPECT_THAT(without.err, HasSubstr("give the controller's password with --password"));
   EXPECT_THAT(bench.On("Q50", {"write", "MI", "7", "5", "--json"}).out, HasSubstr("\"code\": \"passwordNeeded\""));
 
-  std::vector<std::string> withPassword = write;
-  withPassword.insert(withPassword.end(), {"--password", "0000"});
-  EXPECT_EQ(bench.On("Q50", withPassword).exit, 4);
+  EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "5", "--password", "0000"}).exit, 4);
   EXPECT_EQ(bench.On("Q50", {"read", "MI", "7"}).out, "7\t0\n");
-  withPassword.back() = "1234";
-  EXPECT_EQ(bench.On("Q50", withPassword).exit, 0);
+  EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "5", "--password", "1234"}).exit, 0);
 
   bench.input.lines = {"1234"};
   EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "6"}).exit, 0);
@@ -87,38 +81,19 @@ TEST(CtrlC, EndsEveryCommandAndSaysHowFarItWas) {
   // Stopped while the second request waits for a reply that is late.
   bench.options.faults = {"late:on=WO,nth=2,ms=900"};
   bench.pacer.After(std::chrono::milliseconds(400), [&] { bench.pacer.RequestStop(); });
-  const Result result = bench.On("Q58", {[] {
-                                   std::vector<std::string> arguments = LongWrite();
-                                   arguments[1] = "MI";
-                                   return arguments;
-                                 }()});
+  const Result result = bench.On("Q58", LongWrite("MI"));
   EXPECT_EQ(result.exit, 130);
   EXPECT_THAT(result.err, HasSubstr("MI 0..59 had been written before"));
   EXPECT_EQ(result.out, "");
 }
 
-// A reader that has gone away, or a full disk: every write fails.
-class BrokenPipe : public std::streambuf {
-  int_type overflow(int_type) override { return traits_type::eof(); }
-};
-
 TEST(Output, ThatCannotBeWrittenFailsWithoutHarm) {
-  BrokenPipe buffer;
-  std::ostream out(&buffer);
-  std::ostringstream err;
-  TypedInput input;
-  VirtualPacer pacer;
-  cli::Environment environment{.out = out,
-                               .err = err,
-                               .errIsTerminal = false,
-                               .input = input,
-                               .pacer = pacer,
-                               .clock = pacer,
-                               .home = {},
-                               .makeDriver = {},
-                               .listSerialPorts = [] { return std::vector<SerialPortInfo>{{"COM3", "COM3", "", ""}}; }};
-  EXPECT_EQ(static_cast<int>(cli::RunKvTele({"ports"}, environment)), 1);
-  EXPECT_THAT(err.str(), HasSubstr("could not be written"));
+  CommandBench bench;
+  bench.outIsBroken = true;
+  bench.serialPorts = {{"COM3", "COM3", "", ""}};
+  const Result result = bench.Run({"ports"});
+  EXPECT_EQ(result.exit, 1);
+  EXPECT_THAT(result.err, HasSubstr("could not be written"));
 }
 
 }  // namespace
