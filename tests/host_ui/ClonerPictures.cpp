@@ -2,7 +2,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QDialog>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -13,6 +12,7 @@
 
 #include "base/Bytes.h"
 #include "clone/CloneFrame.h"
+#include "tests/host_ui/ProgramRun.h"
 
 namespace kv::test {
 namespace {
@@ -74,14 +74,7 @@ void Use(QDialog& cloner, const std::filesystem::path& file,
 
 void TakeClonerPictures(QMainWindow& main, const std::filesystem::path& folder,
                         const std::function<void(QWidget& window, const char* name)>& take) {
-  QTimer begin;
-  QObject::connect(&begin, &QTimer::timeout, [&] {
-    auto* cloner = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
-    if (!cloner) return;
-    begin.stop();
-    Use(*cloner, folder / "K220-22-R1.kdf", take);
-  });
-  begin.start(10);
+  WithNextDialog(main, [&](QDialog& cloner) { Use(cloner, folder / "K220-22-R1.kdf", take); });
   main.findChild<QAction*>("ID_DumpPLC")->trigger();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QDialog>
 #include <QMainWindow>
 #include <QTimer>
 #include <filesystem>
@@ -9,6 +10,18 @@
 #include "apps/KvTeleExe/TelepanelProgram.h"
 
 namespace kv::test {
+
+// Does something to the dialog that opens next while `context` lives.
+inline void WithNextDialog(QObject& context, const std::function<void(QDialog& dialog)>& use) {
+  auto* timer = new QTimer(&context);
+  QObject::connect(timer, &QTimer::timeout, &context, [=] {
+    auto* dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+    if (!dialog) return;
+    timer->stop();
+    use(*dialog);
+  });
+  timer->start(10);
+}
 
 inline QMainWindow* ShownMainWindow() {
   for (QWidget* widget : QApplication::topLevelWidgets()) {

@@ -53,16 +53,11 @@ class Photographer {
   // The next dialog that opens is taken, after `prepare`, and closed.
   void TakeDialog(
       QObject& context, const char* name, const std::function<void(QWidget& dialog)>& prepare = [](QWidget&) {}) {
-    auto* timer = new QTimer(&context);
-    QObject::connect(timer, &QTimer::timeout, &context, [=, this] {
-      QWidget* dialog = QApplication::activeModalWidget();
-      if (!dialog) return;
-      timer->stop();
-      prepare(*dialog);
-      Take(*dialog, name);
-      dialog->close();
+    WithNextDialog(context, [=, this](QDialog& dialog) {
+      prepare(dialog);
+      Take(dialog, name);
+      dialog.close();
     });
-    timer->start(10);
   }
 
  private:
@@ -159,14 +154,7 @@ void TakeOperands(Photographer& camera, QDialog& view) {
 
 void OpenOperands(Photographer& camera, QMainWindow& window) {
   Trigger(window, "ID_OnLine");
-  QTimer begin;
-  QObject::connect(&begin, &QTimer::timeout, [&] {
-    auto* view = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
-    if (!view) return;
-    begin.stop();
-    TakeOperands(camera, *view);
-  });
-  begin.start(10);
+  WithNextDialog(window, [&](QDialog& view) { TakeOperands(camera, view); });
   Trigger(window, "ID_DataTypes");
 }
 
