@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gmock/gmock.h>
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -16,6 +18,13 @@
 namespace kv::test {
 
 using namespace mdlDataTypesView;
+using enum OperandTypeCode;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+inline constexpr auto kOk = PromptAnswer::Ok;
 
 // A controller that answers list reads with `value` and takes every write. Its calls stand in the bench's log.
 class OperandChannel : public FakeChannel {

@@ -3,8 +3,6 @@
 // One hour on line is simulated; with KV_LONG_RUN set it is a day. A run is replayed with the seed that it prints, in
 // KV_SEED.
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <iostream>
 #include <random>
@@ -18,7 +16,6 @@ namespace kv::test {
 namespace {
 
 using namespace std::chrono_literals;
-using enum OperandTypeCode;
 
 constexpr const char* kModel = "K220-22-R1";
 

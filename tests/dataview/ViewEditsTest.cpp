@@ -1,6 +1,4 @@
 // What the user types, defines and takes back; and that taking back never shows a value that is not true any more.
-#include <gmock/gmock.h>
-
 #include <cctype>
 #include <map>
 
@@ -10,13 +8,6 @@
 namespace kv::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using enum OperandTypeCode;
-
-constexpr auto kOk = PromptAnswer::Ok;
 constexpr auto kYes = PromptAnswer::Yes;
 constexpr auto kNo = PromptAnswer::No;
 constexpr const char* kDeletesQuestion =

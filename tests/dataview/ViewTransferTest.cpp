@@ -1,19 +1,9 @@
 // Reading and writing the regions: what is sent, in which order, what the user is told, and that nothing wrong is
 // shown.
-#include <gmock/gmock.h>
-
 #include "tests/dataview/DataViewBench.h"
 
 namespace kv::test {
 namespace {
-
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using enum OperandTypeCode;
-
-constexpr auto kOk = PromptAnswer::Ok;
 
 const CallLog kTaken = {"Driver GetChannel", "SetCommandOwner frmDataTypesView", "AbortComm on", "GetVersionInfo @1"};
 
