@@ -139,6 +139,17 @@ TEST_F(TelepanelHostTest, AControllerOfAnotherModelThanTheSelectedIsToldWithACur
   }
 }
 
+TEST_F(TelepanelHostTest, ARefusalIsNotToldInFrontOfABusyWindow) {
+  onLine = [this] {
+    host.BeginConnect();
+    EXPECT_TRUE(view.isWaiting);
+    host.ConnectionRefused("It is in BOOTSTRAP mode.");
+    EXPECT_FALSE(view.isWaiting);
+    EXPECT_EQ(ConnectionText(view.shown), "Off line");
+  };
+  host.Click(command::kOnLine);
+}
+
 TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
   host.Click(command::kOnLine);
   LoseController();
