@@ -90,13 +90,10 @@ TEST(ProfileStrings, ReadAndWriteAFile) {
 
   EXPECT_TRUE(WriteProfileString(file, "s", "k", "1"));
   EXPECT_TRUE(WriteProfileString(file, "s", "b", ""));
-  EXPECT_EQ(TemporaryFolder::Content(file), "[s]\r\nk=1\r\nb=\r\n");
-  EXPECT_EQ(ReadProfileString(file, "s", "b", "default"), "");
   EXPECT_TRUE(WriteProfileString(file, "s", "k", std::nullopt));
-  EXPECT_EQ(ReadProfileString(file, "s", "k", "default"), "default");
+  EXPECT_EQ(TemporaryFolder::Content(file), "[s]\r\nb=\r\n");
   EXPECT_TRUE(WriteProfileString(file, "s", std::nullopt, std::nullopt));
   EXPECT_EQ(TemporaryFolder::Content(file), "");
-  EXPECT_EQ(folder.EntryCount(), 1);
 }
 
 TEST(ProfileStrings, ValuesAreCutToTheBuffer) {

@@ -16,11 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 
 TEST(LinkText, ParsesAndPrintsEveryKind) {
-  const struct {
-    const char* text;
-    const char* printed;
-    const char* described;
-  } rows[] = {
+  const std::tuple<const char*, const char*, const char*> rows[] = {
       {"sim:K670 / K390", "sim:K670 / K390", "Simulated K670 / K390"},
       {"tcp:192.168.1.20:20301", "tcp:192.168.1.20:20301", "192.168.1.20:20301, unit 1"},
       {"tcp:plc", "tcp:plc:20300", "plc:20300, unit 1"},
@@ -31,12 +27,12 @@ TEST(LinkText, ParsesAndPrintsEveryKind) {
       {"modem:COM4,0123456,19200", "modem:COM4,0123456,19200", "COM4, 19200 8N1, modem 0123456, unit 1"},
       {"listen:20302", "listen:20302", "port 20302 (listening), unit 1"},
   };
-  for (const auto& row : rows) {
-    const auto parsed = ParseLink(row.text);
+  for (const auto& [text, printed, described] : rows) {
+    const auto parsed = ParseLink(text);
     ASSERT_TRUE(parsed) << parsed.error();
-    EXPECT_EQ(PrintLink(*parsed), row.printed);
-    EXPECT_EQ(DescribeLink(*parsed), row.described);
-    EXPECT_EQ(ParseLink(row.printed), parsed);
+    EXPECT_EQ(PrintLink(*parsed), printed);
+    EXPECT_EQ(DescribeLink(*parsed), described);
+    EXPECT_EQ(ParseLink(printed), parsed);
   }
 }
 
@@ -117,9 +113,8 @@ TEST(Driver, OpensWithTheSessionsSettingsAndKeepsTheLinkWhileTheyDescribeIt) {
   EXPECT_EQ(bench.driver.LinkDescription(), "192.168.1.20:20300, unit 1");
   bench.driver.ConfigureForSession(session);
   EXPECT_EQ(bench.driver.GetChannel(), channel);
-  const TemporaryFolder copy;
-  copy.Put("KvCmDrv1.ini", TemporaryFolder::Content(folder.Path() / "KvCmDrv1.ini"));
-  bench.driver.ConfigureForSession({.folder = copy.Path().string()});
+  std::filesystem::copy(folder.Path(), folder.Path() / "copy");
+  bench.driver.ConfigureForSession({.folder = (folder.Path() / "copy").string()});
   EXPECT_NE(bench.driver.GetChannel(), channel) << "of another session";
   bench.driver.ConfigureForSession(session);
   folder.Put("KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.21\r\n");

@@ -55,11 +55,7 @@ std::string Finds(MessageReceiver& receiver, Instant now) {
 TEST(MessageReceiver, FindsWhatIsGoodInWhatIsNot) {
   const std::string good = Frame("AB12");
   const std::string block = Block("data");
-  const struct {
-    const char* what;
-    std::string bytes;
-    const char* finds;
-  } cases[] = {
+  const std::tuple<const char*, std::string, const char*> cases[] = {
       {"noise before a frame", "\x01\xFFxy" + good, "n[AB12]"},
       {"an empty line", "\r\r" + good, "n[AB12]"},
       {"a frame that was cut, then a good one", good.substr(0, 5) + good, "[AB12]"},
@@ -77,11 +73,11 @@ TEST(MessageReceiver, FindsWhatIsGoodInWhatIsNot) {
       {"a frame inside a block's payload stays inside", Block("/01IDEE\r"), "{/01IDEE\r}"},
       {"a block start inside a block's payload", Block("\xB4\x4B\x01"), "{\xB4\x4B\x01}"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
+  for (const auto& [what, bytes, finds] : cases) {
+    SCOPED_TRACE(what);
     MessageReceiver receiver;
-    receiver.Feed(c.bytes, Instant{});
-    EXPECT_EQ(Finds(receiver, Instant{}), c.finds);
+    receiver.Feed(bytes, Instant{});
+    EXPECT_EQ(Finds(receiver, Instant{}), finds);
     EXPECT_TRUE(receiver.IsEmpty());
   }
 }
@@ -129,12 +125,11 @@ TEST(EncodeFrame, RefusesWhatAReceiverWouldMisread) {
 }
 
 TEST(Seal, CounterIsNewerOnlyAhead) {
-  const struct {
-    std::uint16_t counter, last;
-    bool isNewer;
-  } cases[] = {{2, 1, true},     {1, 1, false},     {1, 2, false},        {1, 65535, true},
-               {32768, 1, true}, {32769, 1, false}, {32766, 65534, true}, {65535, 1, false}};
-  for (const auto& c : cases) EXPECT_EQ(IsNewer(c.counter, c.last), c.isNewer) << c.counter << " after " << c.last;
+  const std::tuple<std::uint16_t, std::uint16_t, bool> cases[] = {
+      {2, 1, true},     {1, 1, false},     {1, 2, false},        {1, 65535, true},
+      {32768, 1, true}, {32769, 1, false}, {32766, 65534, true}, {65535, 1, false}};
+  for (const auto& [counter, last, isNewer] : cases)
+    EXPECT_EQ(IsNewer(counter, last), isNewer) << counter << " after " << last;
 }
 
 }  // namespace

@@ -19,11 +19,7 @@ std::string Joined(const std::optional<OperandListValues>& values) {
 }
 
 TEST(Replies, OperandValuesOfEveryShape) {
-  const struct {
-    const char* reply;
-    OperandRange range;
-    const char* values;
-  } cases[] = {
+  const std::tuple<const char*, OperandRange, const char*> cases[] = {
       {"RO0004010000000400010001", Range(1, 0, 4), "0 1 0 1 "},
       {"RO0005030064000300007FFFFFFF", Range(3, 100, 3), "0 32767 65535 "},
       {"RO00060500000002800000000001E240", Range(5, 0, 2), "2147483648 123456 "},
@@ -32,9 +28,9 @@ TEST(Replies, OperandValuesOfEveryShape) {
       {"RO0004010000000400010002", Range(1, 0, 4), "none"},  // a bit of 2
       {"RO00090C000200010064000702", Range(12, 2, 1), "none"},
   };
-  for (const auto& c : cases) {
-    const auto tag = static_cast<std::uint16_t>(c.reply[5] - '0');
-    EXPECT_EQ(Joined(ReadOperandValues(c.reply, tag, c.range)), c.values) << c.reply;
+  for (const auto& [reply, range, values] : cases) {
+    const auto tag = static_cast<std::uint16_t>(reply[5] - '0');
+    EXPECT_EQ(Joined(ReadOperandValues(reply, tag, range)), values) << reply;
   }
 }
 

@@ -57,10 +57,7 @@ class LinkDialogsTest : public ::testing::Test, protected DialogBench {
 };
 
 TEST_F(LinkDialogsTest, EachKindOfLinkShowsItsFieldsAndKeepsThemInTheSession) {
-  const struct {
-    const char* entries;
-    const char* description;
-  } rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {"cboTransport=Simulated controller|cboModel=K450-45|txtUnit=1|txtTimeOut=50|txtTries=10", "Simulated K450-45"},
       {"cboTransport=Ethernet, to the controller|txtHost=10.0.0.7|txtTcpPort=65535|txtUnit=255|txtTimeOut=300000|"
        "txtTries=1",
@@ -74,21 +71,21 @@ TEST_F(LinkDialogsTest, EachKindOfLinkShowsItsFieldsAndKeepsThemInTheSession) {
        "txtDialTimeOut=300|txtModemInit=AT&F|txtUnit=3|txtTimeOut=900|txtTries=4",
        "COM12, 9600 8N1, modem 0,12345, unit 3"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.description);
+  for (const auto& [entries, description] : rows) {
+    SCOPED_TRACE(description);
     InSettings([&](QDialog& dialog) {
       EXPECT_EQ(Find<QLabel>(dialog, "lblCaller").text(), "Telepanel");
-      for (const QString& entry : QString(row.entries).split('|')) {
+      for (const QString& entry : QString(entries).split('|')) {
         Enter(dialog, entry.section('=', 0, 0).toStdString(), entry.section('=', 1).toStdString());
       }
       Find<QCheckBox>(dialog, "chkReconnect").setChecked(false);
-      EXPECT_EQ(Shown(dialog), row.entries);
+      EXPECT_EQ(Shown(dialog), entries);
       Press(dialog, "cmdOk");
     });
-    EXPECT_EQ(driver.LinkDescription(), row.description);
+    EXPECT_EQ(driver.LinkDescription(), description);
     EXPECT_EQ(Saved(), driver.Settings());
     InSettings([&](QDialog& dialog) {
-      EXPECT_EQ(Shown(dialog), row.entries);
+      EXPECT_EQ(Shown(dialog), entries);
       Press(dialog, "cmdOk");
     });
   }

@@ -105,11 +105,7 @@ TEST_F(KvsimTest, SaysWhatIsWrongWithWhatItWasTold) {
   const Listener other;
   const auto otherPort = std::to_string(other.Port());
   const auto notALink = home.Put("file", "").string();
-  struct {
-    std::vector<std::string> arguments;
-    int exitCode;
-    std::string complaint;
-  } const cases[] = {
+  const std::tuple<std::vector<std::string>, int, std::string> cases[] = {
       {{}, 2, "--tcp"},
       {{"--tcp", "0", "--pty", "x"}, 2, "--pty"},
       {{"--tcp", "70000"}, 2, "65535"},
@@ -122,10 +118,10 @@ TEST_F(KvsimTest, SaysWhatIsWrongWithWhatItWasTold) {
       {{"--pty", notALink}, 1, "not a link to a pseudo terminal"},
       {{"--tcp", "0", "--state", notALink}, 1, "file"},
   };
-  for (const auto& entry : cases) {
-    KvsimProcess kvsim(entry.arguments);
-    EXPECT_EQ(kvsim.End(), entry.exitCode) << testing::PrintToString(entry.arguments);
-    EXPECT_THAT(kvsim.Complaint(), HasSubstr(entry.complaint));
+  for (const auto& [arguments, exitCode, complaint] : cases) {
+    KvsimProcess kvsim(arguments);
+    EXPECT_EQ(kvsim.End(), exitCode) << testing::PrintToString(arguments);
+    EXPECT_THAT(kvsim.Complaint(), HasSubstr(complaint));
   }
   KvsimProcess help({"--help"});
   EXPECT_EQ(help.End(), 0);

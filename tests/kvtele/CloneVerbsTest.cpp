@@ -108,12 +108,7 @@ TEST_F(CloneVerbs, ARestoreThatWouldHarmIsRefusedUnlessForced) {
 TEST_F(CloneVerbs, EndWithTheExitCodeThatTellsWhatToDo) {
   ASSERT_EQ(Create({"--segments", "HW"}).exit, 0);
   const std::string nowhere = Utf8FromPath(bench.home.Path() / "no" / "such.kdf");
-  const struct {
-    const char* fault;
-    Arguments arguments;
-    int exit;
-    const char* message;
-  } rows[] = {
+  const std::tuple<const char*, Arguments, int, const char*> rows[] = {
       {"", {"create", nowhere}, 2, "--password"},
       {"", {"create", nowhere, "--password", "1"}, 6, "such.kdf"},
       {"", {"create", nowhere, "--password", "1", "--segments", "OP,XY"}, 2, "no segment \"XY\""},
@@ -126,17 +121,17 @@ TEST_F(CloneVerbs, EndWithTheExitCodeThatTellsWhatToDo) {
       {"refuse:on=WD,nth=2,code=0D", {"restore", file, "--yes", "--password", "1"}, 4, "refused: its flash"},
       {"noreply:on=block", {"verify", file}, 7, "no reply"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.message);
+  for (const auto& [fault, arguments, exit, message] : rows) {
+    SCOPED_TRACE(message);
     const std::string before = TemporaryFolder::Content(file);
     CommandBench troubled;
     troubled.options.password = "1";
-    if (*row.fault) troubled.options.faults = {row.fault};
-    Arguments arguments{"clone"};
-    arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
-    const Result result = troubled.On(kModel, arguments);
-    EXPECT_EQ(result.exit, row.exit) << result.err;
-    EXPECT_THAT(result.err, HasSubstr(row.message));
+    if (*fault) troubled.options.faults = {fault};
+    Arguments all{"clone"};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    const Result result = troubled.On(kModel, all);
+    EXPECT_EQ(result.exit, exit) << result.err;
+    EXPECT_THAT(result.err, HasSubstr(message));
     if (!std::filesystem::exists(file)) bench.home.Put("plc.kdf", before);  // a create deletes what it replaces
   }
 }

@@ -127,25 +127,21 @@ TEST_F(Regions, AreWrittenAfterAskingAndReadOnlyOnesAside) {
 
 TEST_F(Regions, EndWithTheExitCodeThatTellsWhatToDo) {
   const std::string values = "MI,0,5\nMI,1,6\nMB,0,1\n";
-  struct {
-    const char* fault;
-    int exit;
-    const char* message;
-  } const cases[] = {
+  const std::tuple<const char*, int, const char*> cases[] = {
       {"lie:on=WO,nth=2", 5, "MB 0 reads 0, written was 1"},
       {"refuse:on=WO,code=06,nth=2", 4, "2 of 3 values had been written before"},
       {"refuse:on=WO,code=06", 4, "nothing was written"},
       {"lost:on=WO,nth=2,dir=in,away=600000", 7, "MB 0 may have been written; 2 of 3 values had been written before"},
       {"noreply:on=RO", 7, "was written, but could not be read back"},
   };
-  for (const auto& each : cases) {
-    SCOPED_TRACE(each.fault);
+  for (const auto& [fault, exit, message] : cases) {
+    SCOPED_TRACE(fault);
     CommandBench fresh;
-    fresh.options.faults = {each.fault};
+    fresh.options.faults = {fault};
     const std::string axt = Axt("2\tMI\t0\t1\t\r\n1\tMB\t0\t0\t\r\n", "Q50");
     const Result result = fresh.On("Q50", {"regions", "write", axt, Put("values.csv", values), "--yes"});
-    EXPECT_EQ(result.exit, each.exit);
-    EXPECT_THAT(result.err, HasSubstr(each.message));
+    EXPECT_EQ(result.exit, exit);
+    EXPECT_THAT(result.err, HasSubstr(message));
   }
 }
 

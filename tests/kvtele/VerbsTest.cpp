@@ -36,11 +36,7 @@ TEST(Identify, ShowsABootLoaderAsSuch) {
 }
 
 TEST(WriteAndRead, BringsBackWhatWasWritten) {
-  const struct {
-    const char* model;
-    std::vector<std::string> write, read;
-    const char* out;
-  } rows[] = {
+  const std::tuple<const char*, std::vector<std::string>, std::vector<std::string>, const char*> rows[] = {
       {"K670", {"MI", "0", "4660", "22136"}, {"mi", "0", "1", "--format", "HEX", "--size", "8"}, "12 34 56 78\n"},
       {"K220-22-R1", {"MI", "2047", "-32768"}, {"MI", "2047"}, "2047\t-32768\n"},
       {"K670", {"MB", "8190", "1", "1"}, {"MB", "8189", "8191"}, "8189\t0\n8190\t1\n8191\t1\n"},
@@ -50,17 +46,17 @@ TEST(WriteAndRead, BringsBackWhatWasWritten) {
       {"K670", {"COUNTER-PRESET", "31", "65535"}, {"COUNTER PRESET", "31"}, "31\t65535\n"},
       {"BRIO", {"ML", "1", "-7"}, {"ML", "1", "--size", "32", "--format", "decimal"}, "         -7\n"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.model + (" " + row.write[0]));
+  for (const auto& [model, write, read, out] : rows) {
+    SCOPED_TRACE(model + (" " + write[0]));
     CommandBench bench;
     const auto run = [&](const char* verb, std::vector<std::string> arguments) {
       arguments.insert(arguments.begin(), verb);
-      const Result result = bench.On(row.model, arguments);
+      const Result result = bench.On(model, arguments);
       EXPECT_EQ(result.exit, 0) << result.err;
       return result.out;
     };
-    EXPECT_EQ(run("write", row.write), "");
-    EXPECT_EQ(run("read", row.read), row.out);
+    EXPECT_EQ(run("write", write), "");
+    EXPECT_EQ(run("read", read), out);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "KvCmDrv1/ports/SimulatedPort.h"
 #include "Partners.h"
 #include "base/InProcessLine.h"
 #include "desktop/VirtualPacer.h"
@@ -42,51 +43,37 @@ class EchoLine final : public InProcessLine {
   State& mState;
 };
 
-// The serial port that the modem is on, in virtual time. It hands over at most `piece` bytes at once.
-class LinePort final : public Port {
+// Hands over what another line sends, at most `piece` bytes at once.
+class PieceLine final : public InProcessLine {
  public:
-  LinePort(std::unique_ptr<InProcessLine> line, VirtualPacer& pacer, std::size_t piece)
-      : mLine(std::move(line)), mPacer(pacer), mPiece(piece) {}
+  PieceLine(std::unique_ptr<InProcessLine> line, std::size_t piece) : mLine(std::move(line)), mPiece(piece) {}
 
-  std::expected<void, PortError> Open(Duration) override {
-    if (!mLine->Connect(mPacer.Now())) return std::unexpected(PortError{"no port", "", ""});
-    return {};
-  }
-  void Close() override { mLine->Disconnect(mPacer.Now()); }
-  bool IsOpen() const override { return mLine->IsConnected(); }
-  Result Write(std::string_view& bytes, Duration) override {
-    mLine->Write(bytes, mPacer.Now());
-    bytes = {};
-    return Result::Done;
-  }
-  Result Read(std::string& buffer, Duration slice) override {
-    mWaiting += mLine->Read(mPacer.Now());
-    if (mWaiting.empty()) {
-      mPacer.Sleep(slice);
-      return Result::Nothing;
-    }
-    buffer += mWaiting.substr(0, mPiece);
+  bool Connect(Instant now) override { return mLine->Connect(now); }
+  void Disconnect(Instant now) override { mLine->Disconnect(now); }
+  bool IsConnected() const override { return mLine->IsConnected() || !mWaiting.empty(); }
+  void Write(std::string_view bytes, Instant now) override { mLine->Write(bytes, now); }
+  std::string Read(Instant now) override {
+    mWaiting += mLine->Read(now);
+    const std::string bytes = mWaiting.substr(0, mPiece);
     mWaiting.erase(0, mPiece);
-    return Result::Done;
+    return bytes;
   }
-  const PortError& LossReason() const override { return mLoss; }
-  Duration ByteTime() const override { return Duration(87); }
-  bool SetBaudRate(int) override { return true; }
-  std::string Description() const override { return "COM3, 115200 8N1"; }
+  std::optional<Instant> NextEvent() const override { return mLine->NextEvent(); }
 
  private:
   std::unique_ptr<InProcessLine> mLine;
-  VirtualPacer& mPacer;
   std::size_t mPiece;
   std::string mWaiting;
-  PortError mLoss;
 };
 
 class ModemPortTest : public testing::Test {
  protected:
+  std::unique_ptr<Port> PortOn(std::shared_ptr<InProcessLine> line) {
+    return std::make_unique<SimulatedPort>(std::move(line), "COM3", pacer);
+  }
   ModemPort& Make(const sim::ModemOptions& options, std::size_t piece = 1000) {
     auto modem = std::make_unique<sim::SimulatedModem>(std::make_unique<EchoLine>(controller), options);
-    port = std::make_unique<ModemPort>(std::make_unique<LinePort>(std::move(modem), pacer, piece), settings, pacer);
+    port = std::make_unique<ModemPort>(PortOn(std::make_unique<PieceLine>(std::move(modem), piece)), settings, pacer);
     return *port;
   }
 
@@ -100,7 +87,7 @@ TEST_F(ModemPortTest, DialsCarriesBytesAndHangsUp) {
   for (const std::size_t piece : {1U, 1000U}) {  // the modem's answers arrive letter by letter, or whole
     auto& modem = Make({}, piece);
     ASSERT_TRUE(modem.Open(kLimit).has_value());
-    EXPECT_EQ(modem.Description(), "COM3, 115200 8N1, modem 0,12345");
+    EXPECT_EQ(modem.Description(), "Simulated COM3, modem 0,12345");
     controller.waiting.clear();
     ASSERT_TRUE(kvtest::WriteAll(modem, "/01IDEE\r"));
     EXPECT_THAT(kvtest::ReadFrom(modem, 9), HasSubstr("/01IDEE\r"));
@@ -111,41 +98,35 @@ TEST_F(ModemPortTest, DialsCarriesBytesAndHangsUp) {
 }
 
 TEST_F(ModemPortTest, SaysWhatBecameOfTheCall) {
-  struct {
-    DialResult result;
-    const char* happened;
-  } const cases[] = {
+  const std::pair<DialResult, const char*> cases[] = {
       {DialResult::Busy, "0,12345 is engaged"},
       {DialResult::NoCarrier, "the call to 0,12345 found no modem"},
       {DialResult::NoDialTone, "the modem hears no dial tone"},
       {DialResult::NoAnswer, "0,12345 does not answer"},
   };
-  for (const auto& entry : cases) {
-    const auto opened = Make({.result = entry.result}).Open(kLimit);
-    ASSERT_FALSE(opened.has_value()) << entry.happened;
-    EXPECT_EQ(opened.error().happened, entry.happened);
+  for (const auto& [result, happened] : cases) {
+    const auto opened = Make({.result = result}).Open(kLimit);
+    ASSERT_FALSE(opened.has_value()) << happened;
+    EXPECT_EQ(opened.error().happened, happened);
     EXPECT_NE(opened.error().cure, "");
     EXPECT_FALSE(port->IsOpen());
   }
 }
 
 TEST_F(ModemPortTest, EndsACallThatTakesTooLong) {
-  const struct {
-    Duration limit, stop, end;
-    const char* happened;
-  } cases[] = {
+  const std::tuple<Duration, Duration, Duration, const char*> cases[] = {
       {kLimit, seconds(99), settings.dialTimeOut, "does not answer"},
       {seconds(10), seconds(99), seconds(10), "does not answer"},
       {kLimit, seconds(5), seconds(5), "was stopped"},
   };
-  for (const auto& entry : cases) {
+  for (const auto& [limit, stop, end, happened] : cases) {
     const auto start = pacer.Now();
-    pacer.After(entry.stop, [this] { pacer.RequestStop(); });
-    const auto opened = Make({.dialTime = std::chrono::hours(1)}).Open(entry.limit);
+    pacer.After(stop, [this] { pacer.RequestStop(); });
+    const auto opened = Make({.dialTime = std::chrono::hours(1)}).Open(limit);
     ASSERT_FALSE(opened.has_value());
-    EXPECT_THAT(opened.error().happened, HasSubstr(entry.happened));
-    EXPECT_GE(pacer.Now() - start, entry.end);
-    EXPECT_LT(pacer.Now() - start, entry.end + seconds(2));
+    EXPECT_THAT(opened.error().happened, HasSubstr(happened));
+    EXPECT_GE(pacer.Now() - start, end);
+    EXPECT_LT(pacer.Now() - start, end + seconds(2));
     pacer.Sleep(seconds(100));
     pacer.ClearStop();
   }
@@ -158,8 +139,7 @@ TEST_F(ModemPortTest, NamesTheCommandThatTheModemDoesNotKnowOrLeavesUnanswered) 
   EXPECT_EQ(refused.error().happened, "the modem refused the command \"ATDTnobody\"");
 
   controller.isConnected = true;
-  auto dead = std::make_unique<LinePort>(std::make_unique<EchoLine>(controller), pacer, 1000);
-  const auto silent = ModemPort(std::move(dead), settings, pacer).Open(kLimit);
+  const auto silent = ModemPort(PortOn(std::make_shared<EchoLine>(controller)), settings, pacer).Open(kLimit);
   ASSERT_FALSE(silent.has_value());
   EXPECT_EQ(silent.error().happened, "the modem does not answer \"ATZ\"");
 }

@@ -28,9 +28,7 @@ TEST(ControllerCommands, OptionsThatCannotBeAreRefusedWithASentence) {
 }
 
 TEST(ControllerCommands, RefuseByModelShapeAndState) {
-  const struct {
-    std::string model, before, text, reply;
-  } cases[] = {
+  const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
       {"K330", "", "XY12", "XYERROR01"},
       {"K330", "", "X", "XERROR01"},
       {"K330", "", "IDX", "IDERROR01"},
@@ -49,29 +47,25 @@ TEST(ControllerCommands, RefuseByModelShapeAndState) {
       {"Q51", "", "FS05", "FSERROR09"},
       {"Q51", "CCS", "LN41", "LNERROR09"},
   };
-  for (const auto& c : cases) {
-    Bench bench(c.model);
-    if (!c.before.empty()) bench.Text(c.before);
-    EXPECT_EQ(bench.Text(c.text), c.reply) << c.model;
+  for (const auto& [model, before, text, reply] : cases) {
+    Bench bench(model);
+    if (!before.empty()) bench.Text(before);
+    EXPECT_EQ(bench.Text(text), reply) << model;
   }
 }
 
 TEST(ControllerCommands, StepFromStateToState) {
   Bench bench("K330");
-  const struct {
-    std::string text;
-    char state;
-    bool resets;
-  } steps[] = {
+  const std::tuple<std::string, char, bool> steps[] = {
       {"CCS", 'S', false}, {"CCS", 'S', false}, {"CCR", 'R', false}, {"CCM", 'L', false}, {"CCS", 'L', false},
       {"CCR", 'R', false}, {"CCM", 'L', false}, {"ED", 'R', true},   {"CCS", 'S', false}, {"CCE", 'R', true},
       {"CCM", 'L', false}, {"CCB", 'B', false}, {"CCB", 'B', false}, {"CCE", 'R', true},
   };
-  for (const auto& step : steps) {
-    EXPECT_EQ(bench.Send(step.text).resets, step.resets) << step.text;
-    EXPECT_EQ(bench.State(), step.state) << step.text;
-    EXPECT_EQ(bench.Block(0, 7, 2).payload, std::string({step.state, '\0'}));
-    EXPECT_EQ(std::stoi(bench.Text("DRS000001").substr(2), nullptr, 16), step.state) << step.text;
+  for (const auto& [text, state, resets] : steps) {
+    EXPECT_EQ(bench.Send(text).resets, resets) << text;
+    EXPECT_EQ(bench.State(), state) << text;
+    EXPECT_EQ(bench.Block(0, 7, 2).payload, std::string({state, '\0'}));
+    EXPECT_EQ(std::stoi(bench.Text("DRS000001").substr(2), nullptr, 16), state) << text;
   }
 }
 

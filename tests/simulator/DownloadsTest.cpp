@@ -127,15 +127,13 @@ std::string OsHeader(const std::string& model, const std::string& version) {
 }
 
 TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
-  const struct {
-    std::string model, image, reported;
-  } cases[] = {{"K220-22-R1", "K220", "|4.75|00"},
-               {"K220-32", "K222", "|4.75|00"},
-               {"K380", "K330", "|4.75|00"},
-               {"K670", "CLR ", "O/S 4.75;|B00;"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.model);
-    Bench bench(c.model);
+  const std::tuple<std::string, std::string, std::string> cases[] = {{"K220-22-R1", "K220", "|4.75|00"},
+                                                                     {"K220-32", "K222", "|4.75|00"},
+                                                                     {"K380", "K330", "|4.75|00"},
+                                                                     {"K670", "CLR ", "O/S 4.75;|B00;"}};
+  for (const auto& [model, image, reported] : cases) {
+    SCOPED_TRACE(model);
+    Bench bench(model);
     EXPECT_EQ(bench.Text("CCB"), "CCOK");
     EXPECT_EQ(StatusByte(bench, 28), 3);
     const auto chunk = [&bench](std::uint16_t topic, std::uint16_t sequence, const std::string& data) {
@@ -143,8 +141,8 @@ TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
     };
     EXPECT_EQ(chunk(1, 1, "data"), kRefused + 0xF);  // no header yet
     EXPECT_EQ(chunk(0, 0, OsHeader("K999", "475")), kRefused + 0xF);
-    EXPECT_EQ(chunk(0, 0, OsHeader(c.image, "4x5")), kRefused + 0xF);
-    EXPECT_EQ(chunk(0, 0, OsHeader(c.image, "475")), 10);
+    EXPECT_EQ(chunk(0, 0, OsHeader(image, "4x5")), kRefused + 0xF);
+    EXPECT_EQ(chunk(0, 0, OsHeader(image, "475")), 10);
     EXPECT_EQ(bench.Block(69).status, kRefused + 0xF);
     EXPECT_EQ(chunk(1, 2, "data"), kRefused + 0xF);
     for (std::uint16_t k = 1; k <= 256; ++k) EXPECT_EQ(chunk(1, k == 256 ? 1 : k, std::string(500, 'x')), 10);
@@ -156,7 +154,7 @@ TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
     bench.Wait(10s);
     EXPECT_NE(StatusByte(bench, 9), 0);
     EXPECT_EQ(bench.Text("CCE"), "CCOK");
-    EXPECT_TRUE(bench.Text("ID").ends_with(c.reported)) << bench.Text("ID");
+    EXPECT_TRUE(bench.Text("ID").ends_with(reported)) << bench.Text("ID");
     EXPECT_EQ(bench.State(), 'R');
   }
 }
@@ -176,35 +174,34 @@ std::string Digits(const std::string& bytes) {
 }
 
 TEST(Downloads, ACompactOsReplacesTheReportedVersion) {
-  const struct {
-    std::string model, erase, write, image;
-  } cases[] = {{"Q50", "OSE0", "FW0000", "Q50"}, {"Q51", "OSE0", "OSP0", "Q51"},  {"Q58", "OSE0", "OSP0", "Q58"},
-               {"PX1", "OSC7F", "OSP0", "PX1"},  {"PR1", "OSC7F", "OSP0", "PR1"}, {"BRIO", "OSC7F", "OSP0", "BRI"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.model);
-    Bench bench(c.model);
-    const std::string ok = c.write.substr(0, 2) + "OK";
-    const std::string refused = c.write.substr(0, 2) + "ERROR";
-    const auto image = [](const std::string& model) { return Digits("KOSI" + model + "v4712" + std::string(52, 'x')); };
+  const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
+      {"Q50", "OSE0", "FW0000", "Q50"}, {"Q51", "OSE0", "OSP0", "Q51"},  {"Q58", "OSE0", "OSP0", "Q58"},
+      {"PX1", "OSC7F", "OSP0", "PX1"},  {"PR1", "OSC7F", "OSP0", "PR1"}, {"BRIO", "OSC7F", "OSP0", "BRI"}};
+  for (const auto& [model, erase, write, code] : cases) {
+    SCOPED_TRACE(model);
+    Bench bench(model);
+    const std::string ok = write.substr(0, 2) + "OK";
+    const std::string refused = write.substr(0, 2) + "ERROR";
+    const auto image = [](const std::string& name) { return Digits("KOSI" + name + "v4712" + std::string(52, 'x')); };
     EXPECT_EQ(bench.Text("CCB"), "CCOK");
     EXPECT_EQ(bench.Text("FS05"), "FSOK");
     EXPECT_EQ(bench.Text("FI"), "FI10");
-    EXPECT_EQ(bench.Text(c.erase), "OSERROR0A");
+    EXPECT_EQ(bench.Text(erase), "OSERROR0A");
     bench.Wait(1s);
     EXPECT_EQ(bench.Text("FI"), "FI20");
     EXPECT_EQ(bench.Text("OSS"), "OS20");
-    EXPECT_EQ(bench.Text(c.write + "0000" + image(c.image)), refused + "0D");
-    EXPECT_EQ(bench.Text(c.erase), "OSOK");
+    EXPECT_EQ(bench.Text(write + "0000" + image(code)), refused + "0D");
+    EXPECT_EQ(bench.Text(erase), "OSOK");
     EXPECT_EQ(bench.Text("OSS"), "OS10");
     bench.Wait(3s);
     EXPECT_EQ(bench.Text("OSS"), "OS00");
-    EXPECT_EQ(bench.Text(c.write + "0040" + Digits(std::string(64, 'y'))), ok);
+    EXPECT_EQ(bench.Text(write + "0040" + Digits(std::string(64, 'y'))), ok);
     EXPECT_EQ(bench.Text("CCE"), "CCOK");
     EXPECT_EQ(bench.State(), 'B');  // no first block yet
-    EXPECT_EQ(bench.Text(c.write + "0000" + image("Q99")), refused + "0F");
-    EXPECT_EQ(bench.Text(c.write + "0000" + image(c.image)), ok);
-    EXPECT_EQ(bench.Text(c.write + "0000" + image(c.image)), ok);  // a repeat
-    EXPECT_EQ(bench.Text(c.write + "0040" + Digits(std::string(64, 'z'))), refused + "0D");
+    EXPECT_EQ(bench.Text(write + "0000" + image("Q99")), refused + "0F");
+    EXPECT_EQ(bench.Text(write + "0000" + image(code)), ok);
+    EXPECT_EQ(bench.Text(write + "0000" + image(code)), ok);  // a repeat
+    EXPECT_EQ(bench.Text(write + "0040" + Digits(std::string(64, 'z'))), refused + "0D");
     EXPECT_EQ(bench.Text("CCE"), "CCOK");
     EXPECT_TRUE(bench.Text("ID").ends_with("|4.71|02")) << bench.Text("ID");
     EXPECT_EQ(bench.State(), 'R');

@@ -11,9 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 
 TEST(Operands, RefuseWhatTheyCannotDo) {
-  const struct {
-    std::string model, command, fields, code;
-  } cases[] = {
+  const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
       {"K330", "RO", "010000000", "02"},             // a digit is missing
       {"K330", "RO", "01000000010", "02"},           // a digit too many
       {"K330", "RO", "010000000a", "02"},            // lower case
@@ -34,7 +32,8 @@ TEST(Operands, RefuseWhatTheyCannotDo) {
       {"K330", "WO", "560000000100010000", "06"},    // 65536
       {"Q50", "WO", "510000000100004E21", "06"},     // 200.01 s fits no time base
   };
-  for (const auto& c : cases) EXPECT_EQ(Bench(c.model).Own(c.command, c.fields), "ERROR" + c.code) << c.fields;
+  for (const auto& [model, command, fields, code] : cases)
+    EXPECT_EQ(Bench(model).Own(command, fields), "ERROR" + code) << fields;
 }
 
 TEST(Operands, RefusedOrLyingWritesChangeNothing) {

@@ -87,9 +87,7 @@ TEST_F(State, ADamagedFileIsRefusedWithItsPlace) {
   EXPECT_TRUE(Bench(Kept("K330")).It().SaveState());
   const std::string good = kv::TemporaryFolder::Content(mFile);
   EXPECT_NE(Error("K390").find("line 2: \"model K390\" was expected"), std::string::npos);
-  const struct {
-    std::string from, to, error;
-  } cases[] = {
+  const std::tuple<std::string, std::string, std::string> cases[] = {
       {"KVSIM-STATE 1", "KVSIM-STATE 2", "line 1: \"KVSIM-STATE 1\""},
       {"serial ", "serial X", "line 3: a serial number of 8 digits"},
       {"build 19", "build 190", "line 5: a build from 0 to 99"},
@@ -101,12 +99,12 @@ TEST_F(State, ADamagedFileIsRefusedWithItsPlace) {
       {"cells TIMER-PRESET 0000 000003E8", "cells TIMER-PRESET 0000 000003E9", "the file is damaged"},
       {"check ", "chuck ", "\"check\" was expected"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.to);
+  for (const auto& [from, to, error] : cases) {
+    SCOPED_TRACE(to);
     std::string bad = good;
-    ASSERT_NE(bad.find(c.from), std::string::npos);
-    SetContent(bad.replace(bad.find(c.from), c.from.size(), c.to));
-    EXPECT_NE(Error("K330").find(c.error), std::string::npos) << Error("K330");
+    ASSERT_NE(bad.find(from), std::string::npos);
+    SetContent(bad.replace(bad.find(from), from.size(), to));
+    EXPECT_NE(Error("K330").find(error), std::string::npos) << Error("K330");
   }
   for (std::size_t cut = 0; cut < good.size(); cut += 997) {
     SetContent(good.substr(0, cut));
