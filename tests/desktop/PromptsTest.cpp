@@ -1,54 +1,31 @@
 #include <gtest/gtest.h>
 
-#include <deque>
 #include <sstream>
 
 #include "base/PathText.h"
 #include "desktop/ScriptedPrompts.h"
 #include "desktop/console/ConsolePrompts.h"
 #include "tests/base/TemporaryFolder.h"
+#include "tests/desktop/TypedInput.h"
 
 namespace kv {
 namespace {
 
 using Lines = std::deque<std::string>;
 
-class TypedLines final : public ConsoleInput {  // no lines at all: nobody to ask
- public:
-  explicit TypedLines(std::optional<Lines> lines) : mLines(std::move(lines)) {}
-  [[nodiscard]] bool IsInteractive() const override { return mLines.has_value(); }
-  [[nodiscard]] std::optional<std::string> ReadLine(bool secret) override {
-    mLastWasSecret = secret;
-    if (mLines->empty()) return std::nullopt;
-    std::string line = mLines->front();
-    mLines->pop_front();
-    return line;
-  }
-  [[nodiscard]] bool LastWasSecret() const { return mLastWasSecret; }
-
- private:
-  std::optional<Lines> mLines;
-  bool mLastWasSecret = false;
-};
-
 struct Console {
   explicit Console(ConsoleAnswers answers, std::optional<Lines> typed = std::nullopt)
-      : input(std::move(typed)), prompts(std::move(answers), out, input) {}
+      : prompts(std::move(answers), out, input) {
+    input.lines = std::move(typed);
+  }
   std::ostringstream out;
-  TypedLines input;
+  test::TypedInput input;
   ConsolePrompts prompts;
 };
 
 TEST(ConsolePrompts, MessageBoxes) {
   using enum PromptButtons;
-  struct Row {
-    PromptButtons buttons;
-    bool yes;
-    std::optional<Lines> typed;
-    PromptAnswer answer;
-    const char* printed;
-  };
-  const Row rows[] = {
+  const std::tuple<PromptButtons, bool, std::optional<Lines>, PromptAnswer, const char*> rows[] = {
       {Ok, false, {}, PromptAnswer::Ok, "T: a\n  b\n"},
       {YesNo, true, {}, PromptAnswer::Yes, "T: a\n  b [y/N] yes (--yes)\n"},
       {YesNo, false, {}, PromptAnswer::No, "T: a\n  b [y/N] no (nobody to ask; --yes consents)\n"},
@@ -59,11 +36,10 @@ TEST(ConsolePrompts, MessageBoxes) {
       {OkCancel, false, Lines{"ok"}, PromptAnswer::Ok, "T: a\n  b [ok/CANCEL] "},
       {OkCancel, false, Lines{""}, PromptAnswer::Cancel, "T: a\n  b [ok/CANCEL] "},
   };
-  for (const Row& row : rows) {
-    Console console({.yes = row.yes}, row.typed);
-    EXPECT_EQ(console.prompts.Show({.text = "a\r\nb", .title = "T", .buttons = row.buttons}), row.answer)
-        << row.printed;
-    EXPECT_EQ(console.out.str(), row.printed);
+  for (const auto& [buttons, yes, typed, answer, printed] : rows) {
+    Console console({.yes = yes}, typed);
+    EXPECT_EQ(console.prompts.Show({.text = "a\r\nb", .title = "T", .buttons = buttons}), answer) << printed;
+    EXPECT_EQ(console.out.str(), printed);
   }
 }
 
@@ -80,9 +56,9 @@ TEST(ConsolePrompts, APasswordAnswersSecretsOnlyAndNotForEver) {
 TEST(ConsolePrompts, TextsAreTyped) {
   Console console({}, Lines{"hidden", "", "typed", ""});
   EXPECT_EQ(console.prompts.Ask({.text = "Password", .initial = "no", .secret = true}), "hidden");
-  EXPECT_TRUE(console.input.LastWasSecret());
+  EXPECT_TRUE(console.input.lastWasSecret);
   EXPECT_EQ(console.prompts.Ask({.text = "Name", .initial = "initial"}), "initial");
-  EXPECT_FALSE(console.input.LastWasSecret());
+  EXPECT_FALSE(console.input.lastWasSecret);
   EXPECT_EQ(console.prompts.Ask({.text = "Name", .initial = "initial"}), "typed");
   EXPECT_EQ(console.prompts.Ask({.text = "Name"}), "");
   EXPECT_EQ(console.prompts.Ask({.text = "Name", .initial = "initial"}), std::nullopt);  // end of the input

@@ -6,13 +6,6 @@
 
 namespace kv::test {
 
-std::optional<std::string> TypedInput::ReadLine(bool) {
-  if (lines.empty()) return std::nullopt;
-  std::string line = lines.front();
-  lines.erase(lines.begin());
-  return line;
-}
-
 CommandBench::CommandBench() {
   std::filesystem::create_directories(home.Path() / "Sessions" / "Default");
 }

@@ -10,17 +10,9 @@
 #include "desktop/VirtualPacer.h"
 #include "simulator/SimulatedController.h"
 #include "tests/base/TemporaryFolder.h"
+#include "tests/desktop/TypedInput.h"
 
 namespace kv::test {
-
-// A terminal at which somebody sits who types these lines; nobody does while there are none.
-class TypedInput : public ConsoleInput {
- public:
-  std::vector<std::string> lines;
-
-  [[nodiscard]] bool IsInteractive() const override { return !lines.empty(); }
-  [[nodiscard]] std::optional<std::string> ReadLine(bool secret) override;
-};
 
 // What a command left behind.
 struct Result {

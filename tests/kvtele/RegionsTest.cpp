@@ -112,7 +112,7 @@ TEST_F(Regions, AreWrittenAfterAskingAndReadOnlyOnesAside) {
   EXPECT_THAT(declined.err, HasSubstr("nothing was written"));
   EXPECT_THAT(declined.trace, Not(HasSubstr(": write ")));
 
-  bench.input.lines = {"y"};
+  bench.input.lines.emplace(1, "y");
   const Result written = Write("Q50", "MI,0,5\nSB,0,1\n", {});
   EXPECT_EQ(written.exit, 0);
   const std::string message = "Values cannot be written to some of the defined regions.";

@@ -15,15 +15,8 @@ std::vector<std::string> LongWrite(const char* type = "DBI") {
   return arguments;
 }
 
-struct Trouble {
-  const char* fault;
-  std::vector<std::string> arguments;
-  int exit;
-  const char* message;
-};
-
 TEST(Trouble, EndsWithTheExitCodeThatTellsWhatToDo) {
-  const Trouble rows[] = {
+  const std::tuple<const char*, std::vector<std::string>, int, const char*> rows[] = {
       {"lie:on=WO", {"write", "MI", "7", "5"}, 5, "MI 7 reads 0, written was 5"},
       {"busy:on=RO", {"read", "MI", "0"}, 4, "busy"},
       {"refuse:on=WO,code=06", {"write", "MI", "0", "1"}, 4, "nothing was written"},
@@ -34,13 +27,13 @@ TEST(Trouble, EndsWithTheExitCodeThatTellsWhatToDo) {
        "DBI 60..119 may have been written; DBI 0..59 had been written before"},
       {"noreply:on=RO", {"write", "MI", "0", "1"}, 7, "MI 0 was written, but could not be read back: no reply"},
   };
-  for (const Trouble& row : rows) {
-    SCOPED_TRACE(row.fault);
+  for (const auto& [fault, arguments, exit, message] : rows) {
+    SCOPED_TRACE(fault);
     CommandBench bench;
-    bench.options.faults = {row.fault};
-    const Result result = bench.On("Q50", row.arguments);
-    EXPECT_EQ(result.exit, row.exit);
-    EXPECT_THAT(result.err, HasSubstr(row.message));
+    bench.options.faults = {fault};
+    const Result result = bench.On("Q50", arguments);
+    EXPECT_EQ(result.exit, exit);
+    EXPECT_THAT(result.err, HasSubstr(message));
     EXPECT_EQ(result.out, "");
   }
 }
@@ -67,7 +60,7 @@ TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
   EXPECT_EQ(bench.On("Q50", {"read", "MI", "7"}).out, "7\t0\n");
   EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "5", "--password", "1234"}).exit, 0);
 
-  bench.input.lines = {"1234"};
+  bench.input.lines.emplace(1, "1234");
   EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "6"}).exit, 0);
   EXPECT_EQ(bench.On("Q50", {"read", "MI", "7"}).out, "7\t6\n");
 }
