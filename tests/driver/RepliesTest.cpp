@@ -37,10 +37,7 @@ TEST(Replies, OperandValuesOfEveryShape) {
 // A reply that is off by one character anywhere, too short or too long must give nothing at all.
 TEST(Replies, NothingIsTakenFromAReplyThatDoesNotFit) {
   Bytes memory(8);
-  const struct {
-    std::string reply;
-    std::function<bool(std::string_view)> takes;
-  } cases[] = {
+  const std::pair<std::string, std::function<bool(std::string_view)>> cases[] = {
       {"RO0005030064000300007FFFFFFF",
        [](std::string_view r) { return ReadOperandValues(r, 5, Range(3, 100, 3)).has_value(); }},
       {"WO000B0300000002OK", [](std::string_view r) { return ReadsWriteDone(r, 11, Range(3, 0, 2)); }},
@@ -50,17 +47,17 @@ TEST(Replies, NothingIsTakenFromAReplyThatDoesNotFit) {
       {"AC0002OK", [](std::string_view r) { return ReadsAccessGiven(r, 2); }},
       {"WOERROR04", [](std::string_view r) { return ReadRefusal(r, "WO000B").has_value(); }},
   };
-  for (const auto& c : cases) {
-    EXPECT_TRUE(c.takes(c.reply)) << c.reply;
-    for (std::size_t at = 0; at < c.reply.size(); ++at) {
-      std::string damaged = c.reply;
+  for (const auto& [reply, takes] : cases) {
+    EXPECT_TRUE(takes(reply)) << reply;
+    for (std::size_t at = 0; at < reply.size(); ++at) {
+      std::string damaged = reply;
       damaged[at] = 'g';
-      EXPECT_FALSE(c.takes(damaged)) << damaged;
-      EXPECT_FALSE(c.takes(c.reply.substr(0, at))) << c.reply.substr(0, at);
+      EXPECT_FALSE(takes(damaged)) << damaged;
+      EXPECT_FALSE(takes(reply.substr(0, at))) << reply.substr(0, at);
     }
-    EXPECT_FALSE(c.takes(c.reply + "0")) << c.reply;
+    EXPECT_FALSE(takes(reply + "0")) << reply;
   }
-  ASSERT_TRUE(ReadMemoryBytes(cases[2].reply, 15, 0x300000, memory));
+  ASSERT_TRUE(ReadMemoryBytes(cases[2].first, 15, 0x300000, memory));
   EXPECT_EQ(memory, (Bytes{0x00, 0x01, 0x02, 0x03, 0x04, 0xFF, 0xFE, 0x2F}));
 }
 

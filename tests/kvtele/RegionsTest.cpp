@@ -59,14 +59,7 @@ TEST_F(Regions, AreReadAsTheViewShowsThemAndWrittenAsOneLineAnOperand) {
 
 TEST_F(Regions, ThatCannotBeUsedAreRefusedBeforeAnyOperandIsAskedFor) {
   const std::string mi = "2\tMI\t0\t9\t\r\n";
-  struct {
-    const char* model;
-    const char* family;
-    std::string rows;
-    const char* values;
-    int exit;
-    const char* message;
-  } const cases[] = {
+  const std::tuple<const char*, const char*, std::string, const char*, int, const char*> cases[] = {
       {"K220-22-R1", "Q50", mi, nullptr, 6, "The file applies to a different controller model"},
       {"K220-22-R1", "Aurex", "2\tMI\t2048\t2048\t\r\n", nullptr, 4, "use addresses from 0 to 2047"},
       {"K220-22-R1", "Aurex", mi, "MI,0,1\nMI,1,1.5\n", 6, "line 2: MI 1 is \"1.5\""},
@@ -77,12 +70,12 @@ TEST_F(Regions, ThatCannotBeUsedAreRefusedBeforeAnyOperandIsAskedFor) {
       {"K220-22-R1", "Aurex", mi, "QI,0,1\n", 6, "no operand type \"QI\""},
       {"K220-22-R1", "Aurex", mi, "MI,x,1\n", 6, "\"x\" is no operand address"},
   };
-  for (const auto& each : cases) {
-    SCOPED_TRACE(each.message);
-    Axt(each.rows, each.family);
-    const Result result = each.values != nullptr ? Write(each.model, each.values) : Read(each.model);
-    EXPECT_EQ(result.exit, each.exit);
-    EXPECT_THAT(result.err, HasSubstr(each.message));
+  for (const auto& [model, family, rows, values, exit, message] : cases) {
+    SCOPED_TRACE(message);
+    Axt(rows, family);
+    const Result result = values != nullptr ? Write(model, values) : Read(model);
+    EXPECT_EQ(result.exit, exit);
+    EXPECT_THAT(result.err, HasSubstr(message));
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.trace, "");
   }
