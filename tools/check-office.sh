@@ -4,7 +4,7 @@
 # ./test and .ci/run. To be run by hand after a change in src/dataview/sheets or src/dataview/files.
 set -euo pipefail
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-values=${1:-$top/build/dev}/tests/office_values
+values=${1:-$top/build/dev}/tools/office_values
 
 command -v soffice >/dev/null || { echo "LibreOffice is not there. Install libreoffice-calc-nogui." >&2; exit 2; }
 [ -x "$values" ] || { echo "$values is not there. Build it with tools/build dev office_values." >&2; exit 2; }

@@ -10,7 +10,7 @@ screen=$(mktemp)
 trap 'rm -f "$screen"' EXIT
 echo '{"screens": [{"name": "wide", "x": 0, "y": 0, "width": 3840, "height": 2400}]}' >"$screen"
 export QT_QPA_PLATFORM=offscreen:configfile=$screen QT_LOGGING_RULES="qt.qpa.*=false"
-program=build/dev/tests/screenshots
+program=build/dev/tools/screenshots
 "$program" docs/images ""
 "$program" docs/images "-dark" dark
 QT_SCALE_FACTOR=2 "$program" docs/images "-200"

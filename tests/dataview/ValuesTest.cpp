@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "dataview/OperandCatalogue.h"
 #include "dataview/RowDisplay.h"
 #include "dataview/TimerText.h"
 #include "dataview/ValueRange.h"
@@ -14,6 +15,14 @@ namespace {
 using enum OperandTypeCode;
 using enum SizeCode;
 using enum FormatCode;
+
+// The lists in the form in which a grid's cell stores the code and shows the text.
+TEST(OperandCatalogue, ComboListsPairTheCodeWithTheText) {
+  EXPECT_EQ(SizeComboList(MI), "#1;8 BIT|#2;16 BIT|#4;32 BIT");
+  EXPECT_EQ(SizeComboList(MB), "#0;1 BIT");
+  EXPECT_EQ(FormatComboList(Bit8), "#1;ASCII|#2;BINARY|#4;HEX|#5;DECIMAL");
+  EXPECT_EQ(FormatComboList(Bit32), "#1;ASCII|#4;HEX|#5;DECIMAL|#3;UNSIGNED|#6;FLOAT");
+}
 
 TEST(RowDisplay, ShowsEverySizeAndFormat) {
   struct Row {

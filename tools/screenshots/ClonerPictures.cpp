@@ -1,4 +1,4 @@
-#include "tests/host_ui/ClonerPictures.h"
+#include "tools/screenshots/ClonerPictures.h"
 
 #include <QAction>
 #include <QApplication>

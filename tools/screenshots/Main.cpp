@@ -13,8 +13,8 @@
 #include <optional>
 
 #include "tests/base/TemporaryFolder.h"
-#include "tests/host_ui/ClonerPictures.h"
 #include "tests/host_ui/ProgramRun.h"
+#include "tools/screenshots/ClonerPictures.h"
 
 namespace kv::test {
 namespace {
