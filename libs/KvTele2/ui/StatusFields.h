@@ -1,27 +1,19 @@
 #pragma once
 
-#include <QStatusBar>
-
 #include "KvTele2/HostState.h"
-
-class QLabel;
+#include "desktop/ui/MessageBar.h"
 
 namespace kv {
 
-class ElidedLabel;
-
 // The status bar: the last message, and on the right the link, the session, the user, and whether a controller is on
 // line.
-class StatusFields final : public QStatusBar {
+class StatusFields final : public MessageBar {
  public:
   explicit StatusFields(QWidget* parent);
 
   void Show(const HostState& state);
 
  private:
-  [[nodiscard]] QLabel* AddField(const char* name, const char* what);
-
-  ElidedLabel* mMessage;
   QLabel* mLink;
   QLabel* mSession;
   QLabel* mUser;

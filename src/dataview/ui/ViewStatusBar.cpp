@@ -2,8 +2,6 @@
 
 #include <QLabel>
 
-#include "desktop/ui/ElidedLabel.h"
-
 namespace kv::mdlDataTypesView {
 namespace {
 
@@ -33,31 +31,13 @@ QString PassesText(const ViewStatus& status) {
 }  // namespace
 
 ViewStatusBar::ViewStatusBar(QWidget* parent)
-    : QStatusBar(parent),
-      mMessage(new ElidedLabel(this)),
+    : MessageBar(parent),
       mError(AddField("lblError", "The last error")),
       mEdited(AddField("lblEdited", "Values that were edited and are not written to the controller")),
       mAge(AddField("lblAge", "How long ago the oldest value of the regions was read")),
       mPasses(AddField("lblPasses", "How often all regions are read in a second")),
       mMode(AddField("lblMode", "Whether the regions are read again and again")) {
-  setObjectName("statusBar");
-  mMessage->setObjectName("lblMessage");
-  mMessage->setAccessibleName("Message");
-  addWidget(mMessage, 1);
-}
-
-QLabel* ViewStatusBar::AddField(const char* name, const QString& what) {
-  auto* field = new QLabel(this);
-  field->setObjectName(name);
-  field->setAccessibleName(what);
-  field->setToolTip(what);
-  field->setTextFormat(Qt::PlainText);
-  field->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
-  field->setMargin(2);
-  field->hide();
-  addPermanentWidget(field);
-  field->hide();
-  return field;
+  for (QLabel* field : {mError, mEdited, mAge, mPasses, mMode}) field->hide();
 }
 
 // A field without a text takes no room.
@@ -67,7 +47,7 @@ void ViewStatusBar::SetField(QLabel& field, const QString& text) {
 }
 
 void ViewStatusBar::Show(const ViewStatus& status, const QString& age) {
-  mMessage->SetFullText(QString::fromStdString(status.message));
+  ShowText(QString::fromStdString(status.message));
   ShowError(status);
   SetField(*mEdited, status.edited == 0 ? QString() : QString("%1 edited").arg(status.edited));
   SetField(*mAge, age);
@@ -84,10 +64,6 @@ void ViewStatusBar::ShowError(const ViewStatus& status) {
   SetField(*mError, "Last error: " + fontMetrics().elidedText(line, Qt::ElideRight, room));
   mError->setToolTip(error);
   mError->setAccessibleDescription(error);
-}
-
-void ViewStatusBar::Say(const QString& message) {
-  mMessage->SetFullText(message);
 }
 
 }  // namespace kv::mdlDataTypesView

@@ -65,7 +65,7 @@ frmDataTypesView::~frmDataTypesView() = default;
 void frmDataTypesView::BuildGrids() {
   mOperands = new OperandGrid(mView, this);
   mRegions = new RegionGrid(mView, this);
-  mOperands->onRefusedEdit = [this](const QString& why) { mStatus->Say(why); };
+  mOperands->onRefusedEdit = [this](const QString& why) { mStatus->ShowText(why); };
   mOperands->onClear = [this] { OnTool(command::kClear); };
   mRegions->onRemove = [this] { OnTool(command::kRemoveRegion); };
   connect(mOperands->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
@@ -247,7 +247,7 @@ void frmDataTypesView::ShowRows() {
 void frmDataTypesView::GoToPlace() {
   const auto place = ParsePlace(mTools->GoToLine().text().toStdString(), mOperands->CurrentType(), mView.Operands());
   if (!place) {
-    mStatus->Say(QString::fromStdString(place.error()));
+    mStatus->ShowText(QString::fromStdString(place.error()));
     return mTools->GoToLine().selectAll();
   }
   mOperands->GoTo(*place);
