@@ -123,8 +123,10 @@ TEST_F(SessionWindowTest, DeletesByKeyAndByMenu) {
 
   Select("Default");
   bench.prompts.Press(PromptAnswer::Ok);
+  ASSERT_TRUE(WaitUntil([this] { return List().hasFocus(); }));  // the menu gives the focus back when it has closed
   QTest::keyClick(&List(), Qt::Key_Delete);
   EXPECT_THAT(Rows(), ElementsAre("C", "Default"));
+  ASSERT_EQ(bench.prompts.Boxes().size(), 1U);
   EXPECT_EQ(bench.prompts.Boxes().back().text, "'Default' Session cannot be deleted.");
 }
 
