@@ -161,8 +161,4 @@ std::int32_t DriverTypeCode(OperandTypeCode type) {
   return facts != nullptr ? facts->driverTypeCode : 0;
 }
 
-std::uint32_t TypeColour(OperandTypeCode type) {
-  return IsWritableType(type) ? kWritableColour : kReadOnlyColour;
-}
-
 }  // namespace kv::mdlDataTypesView

@@ -57,9 +57,8 @@ namespace kv::mdlDataTypesView {
 // The type code of the driver's list read; 0 for DBI, which it does not know. Timers share one code, counters another.
 [[nodiscard]] std::int32_t DriverTypeCode(OperandTypeCode type);
 
-// Backgrounds of the operand grid's rows, blue in the high byte, red in the low one.
+// Backgrounds of the rows of types that may be written and of the others, blue in the high byte, red in the low one.
 inline constexpr std::uint32_t kWritableColour = 15854029;
 inline constexpr std::uint32_t kReadOnlyColour = 10804728;
-[[nodiscard]] std::uint32_t TypeColour(OperandTypeCode type);
 
 }  // namespace kv::mdlDataTypesView
