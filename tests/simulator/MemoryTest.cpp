@@ -58,6 +58,22 @@ TEST(Memory, TheFirstWriteOfALoadErasesItsSegmentAndSwapsFlash) {
   EXPECT_EQ(Read(bench, "002200000002"), "0102");
 }
 
+TEST(Memory, ABeginningWhileLoadingErasesWhatACutLoadWrote) {
+  const std::string cut = "WDF002000400401020304";
+  const std::string again = "WDF00200042020506";
+  Bench bench("K330");
+  EXPECT_EQ(bench.Text(cut), "WDOK");
+  EXPECT_EQ(bench.Text(again), "WDOK");
+  EXPECT_EQ(Read(bench, "002000400004"), "02010605");  // without CCM it is the same load
+  for (const std::string begin : {"CCM", "CCR", "CCE"}) {
+    EXPECT_EQ(bench.Text(cut), "WDOK");
+    EXPECT_EQ(bench.Text(begin), "CCOK");
+    EXPECT_EQ(bench.Text(again), "WDOK");
+    EXPECT_EQ(Read(bench, "002000400004"), "FFFF0605") << begin;
+    EXPECT_EQ(bench.State(), 'L');
+  }
+}
+
 TEST(Memory, ApplicationFlashIsReadAndWrittenFromZero) {
   Bench bench("Q51");
   EXPECT_EQ(bench.Text("FW00000000AA"), "FWERROR09");  // running
