@@ -22,6 +22,7 @@ constexpr std::chrono::milliseconds kSocketInterval{200};
 // One memory for each simulated model, with the session that every start begins in.
 TelepanelProgram::TelepanelProgram(const std::filesystem::path& home)
     : mPaths(home),
+      mPrompts(WindowsFile(mPaths)),
       mControllers(mPaths.Session(kDefaultSession)),
       mDialogs({.pacer = mPacer,
                 .prompts = mPrompts,

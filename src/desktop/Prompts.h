@@ -64,7 +64,8 @@ struct InputBox {
 struct FileDialog {
   std::string title = {};
   std::string filter = {};
-  std::string folder = {};   // UTF-8 path in which the dialog opens; empty: where it was last
+  std::string purpose = {};  // one short word, "Clones": the dialog opens in the folder that was used last for it
+  std::string folder = {};   // UTF-8 path in which it opens instead; one that is not there counts as none
   std::string initial = {};  // file name that stands in the dialog at first
 
   bool operator==(const FileDialog&) const = default;

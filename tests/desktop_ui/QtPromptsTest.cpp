@@ -82,11 +82,43 @@ TEST_F(QtPromptsTest, FileDialogsShowTheFilterAndAddItsExtension) {
   });
   EXPECT_EQ(prompts.SaveFile({.filter = "Clone files|*.kdf", .folder = folder.path().toStdString(), .initial = "pump"}),
             path + ".kdf");
-  WhenOpen<QFileDialog>(user, [&](QFileDialog& dialog) {
-    EXPECT_EQ(dialog.directory(), QDir(folder.path()));
-    dialog.reject();
-  });
-  EXPECT_EQ(prompts.OpenFile({}), std::nullopt);
+}
+
+// A day's work goes back and forth between a few folders: each kind of file has its own, over the end of the program
+// too.
+TEST_F(QtPromptsTest, FileDialogsBeginInTheFolderUsedLastForTheSamePurpose) {
+  const QTemporaryDir home;
+  const QDir folder(home.path());
+  const QString clones = QString::fromUtf8("Клоны & Co"), gone = "gone";
+  for (const QString& each : {clones, gone}) ASSERT_TRUE(folder.mkdir(each));
+  const std::filesystem::path settings = folder.filePath("Windows.ini").toStdString();
+
+  const auto choose = [&](QtPrompts& asked, const std::string& purpose, const QString& name) {
+    WhenOpen<QFileDialog>(user, [&](QFileDialog& dialog) {
+      Find<QLineEdit>(dialog, "fileNameEdit").setText(folder.filePath(name + "/plant.kdf"));
+      static_cast<QDialog&>(dialog).accept();
+    });
+    EXPECT_NE(asked.SaveFile({.purpose = purpose}), std::nullopt);
+  };
+  const auto begin = [&](QtPrompts& asked, const std::string& purpose) {
+    QString shown;
+    WhenOpen<QFileDialog>(user, [&](QFileDialog& dialog) {
+      shown = dialog.directory().absolutePath();
+      dialog.reject();
+    });
+    EXPECT_EQ(asked.OpenFile({.purpose = purpose}), std::nullopt);
+    return folder.relativeFilePath(shown);
+  };
+
+  QtPrompts first(settings);
+  choose(first, "Clones", clones);
+  choose(first, "Regions", gone);
+  EXPECT_EQ(begin(first, "Clones"), clones);
+  EXPECT_EQ(begin(first, "Sheets"), gone) << "the folder used last, while there is none for the purpose";
+  QtPrompts second(settings);
+  EXPECT_EQ(begin(second, "Clones"), clones);
+  ASSERT_TRUE(folder.rmdir(gone));
+  EXPECT_NE(begin(second, "Regions"), gone) << "the folder is not there any more";
 }
 
 }  // namespace

@@ -107,7 +107,11 @@ void frmTrace::Copy() {
 void frmTrace::WriteToFile(bool on) {
   std::string path;
   if (on) {
-    path = mPrompts.SaveFile({.title = "Write the trace to", .filter = "Trace files|*.txt", .initial = "trace.txt"})
+    path = mPrompts
+               .SaveFile({.title = "Write the trace to",
+                          .filter = "Trace files|*.txt",
+                          .purpose = "Traces",
+                          .initial = "trace.txt"})
                .value_or("");
   }
   if (!mTrace->WriteTo(path)) {

@@ -87,8 +87,9 @@ QString DefaultSuffix(const std::string& filter) {
   return pattern.contains('.') && !suffix.contains('*') ? suffix : QString();
 }
 
-std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::AcceptMode mode, std::string& lastFolder) {
-  const std::string& folder = asked.folder.empty() ? lastFolder : asked.folder;
+std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::AcceptMode mode, LastFolders& folders) {
+  const bool isNamed = !asked.folder.empty() && QFileInfo(QString::fromStdString(asked.folder)).isDir();
+  const std::string folder = isNamed ? asked.folder : folders.Of(asked.purpose);
   QFileDialog dialog(Owner(), QString::fromStdString(asked.title), QString::fromStdString(folder));
   dialog.setObjectName("FileDialog");
   dialog.setAcceptMode(mode);
@@ -98,7 +99,8 @@ std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::Acce
   if (!asked.initial.empty()) dialog.selectFile(QString::fromStdString(asked.initial));
   if (Run(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   const QString chosen = dialog.selectedFiles().first();
-  lastFolder = QFileInfo(chosen).path().toStdString();  // a path may have been typed into a dialog that shows another
+  // A path may have been typed into a dialog that shows another folder.
+  folders.Remember(asked.purpose, QFileInfo(chosen).path().toStdString());
   return chosen.toStdString();
 }
 
@@ -149,11 +151,11 @@ std::optional<std::string> QtPrompts::Ask(const InputBox& box) {
 }
 
 std::optional<std::string> QtPrompts::OpenFile(const FileDialog& dialog) {
-  return ChooseFile(dialog, QFileDialog::AcceptOpen, mLastFolder);
+  return ChooseFile(dialog, QFileDialog::AcceptOpen, mFolders);
 }
 
 std::optional<std::string> QtPrompts::SaveFile(const FileDialog& dialog) {
-  return ChooseFile(dialog, QFileDialog::AcceptSave, mLastFolder);
+  return ChooseFile(dialog, QFileDialog::AcceptSave, mFolders);
 }
 
 }  // namespace kv
