@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "base/FilePlatform.h"
+#include "base/FileToReplace.h"
 #include "base/PathText.h"
 
 namespace kv {
@@ -21,31 +22,6 @@ std::unexpected<FileError> Failed(const fs::path& file, std::string what) {
 std::unexpected<FileError> CannotSave(const fs::path& file, const std::error_code& error) {
   return Failed(file,
                 "it cannot be saved (" + error.message() + "); check that its folder exists and may be written to");
-}
-
-// Follows links by hand, for the last one may point at a file that is yet to be made.
-std::expected<fs::path, std::error_code> BehindLinks(fs::path file) {
-  constexpr int kMaxLinks = 40;  // as many as the platforms follow
-  for (int i = 0; i < kMaxLinks; ++i) {
-    std::error_code error;
-    if (!fs::is_symlink(file, error)) return file;
-    const fs::path target = fs::read_symlink(file, error);
-    if (error) return std::unexpected(error);
-    file = file.parent_path() / target;
-  }
-  return std::unexpected(std::make_error_code(std::errc::too_many_symbolic_link_levels));
-}
-
-// Why a file that stands where we want to save must not be replaced; empty when it may.
-std::string WhyNotReplaceable(const fs::path& file) {
-  std::error_code error;
-  const fs::file_status status = fs::status(file, error);
-  if (!fs::exists(status)) return {};
-  if (!fs::is_regular_file(status)) return "it cannot be saved to, because it is no plain file";
-  if ((status.permissions() & fs::perms::owner_write) == fs::perms::none) {
-    return "it is write-protected; remove the protection or choose another name";
-  }
-  return {};
 }
 
 // Writes a file of a free name in the folder of `file`, and returns its path.

@@ -8,7 +8,7 @@
 namespace kv {
 
 // The file calls in which the platforms differ; FilePlatformPosix.cpp and FilePlatformWindows.cpp implement them for
-// AtomicFile and ProgramPaths.
+// the files that save others.
 
 // Writes `content` to the new file `temporary` and flushes it. The file gets the permissions of `model` when that
 // exists. Fails with errc::file_exists, and leaves that file alone, when `temporary` is already there; after any
@@ -18,6 +18,10 @@ namespace kv {
 
 // Renames `from` over `to`, and flushes their folder.
 [[nodiscard]] std::error_code ReplaceFileWith(const std::filesystem::path& to, const std::filesystem::path& from);
+
+// Renames `from` to the name `to`, which nobody has as yet, and flushes their folder. Fails with errc::file_exists, and
+// leaves both files alone, when there is something of that name.
+[[nodiscard]] std::error_code MoveToFreeName(const std::filesystem::path& to, const std::filesystem::path& from);
 
 // A number that no other running process has.
 [[nodiscard]] unsigned long ProcessNumber();

@@ -62,6 +62,20 @@ std::error_code ReplaceFileWith(const fs::path& to, const fs::path& from) {
   return {};
 }
 
+// A second name and the removal of the first: unlike a rename this fails when the name is taken. File systems without
+// second names are asked before, and whoever takes the name in that very moment loses.
+std::error_code MoveToFreeName(const fs::path& to, const fs::path& from) {
+  if (link(from.c_str(), to.c_str()) == 0) {
+    unlink(from.c_str());
+    FlushFolder(to.parent_path());
+    return {};
+  }
+  if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS) return LastError();
+  struct stat there{};
+  if (lstat(to.c_str(), &there) == 0) return std::make_error_code(std::errc::file_exists);
+  return ReplaceFileWith(to, from);
+}
+
 unsigned long ProcessNumber() {
   return static_cast<unsigned long>(getpid());
 }

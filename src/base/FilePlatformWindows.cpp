@@ -49,6 +49,10 @@ std::error_code ReplaceFileWith(const fs::path& to, const fs::path& from) {
   return moved != 0 ? std::error_code{} : LastError();
 }
 
+std::error_code MoveToFreeName(const fs::path& to, const fs::path& from) {
+  return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0 ? std::error_code{} : LastError();
+}
+
 unsigned long ProcessNumber() {
   return GetCurrentProcessId();
 }

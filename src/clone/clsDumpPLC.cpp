@@ -65,9 +65,9 @@ std::expected<void, CloneOutcome> CheckLengths(const std::vector<CloneSegment>& 
 
 }  // namespace
 
-void clsDumpPLC::CreateGhost(Channel& link, const std::filesystem::path& file) {
+void clsDumpPLC::CreateGhost(Channel& link, const std::filesystem::path& file, const Finish& finish) {
   mHasStoppedProgram = false;
-  const Step created = Create(link, file);
+  const Step created = Create(link, file, finish);
   mOutcome = created ? CloneOutcome() : created.error();
   if (created) return Show("Clone File Created Successfully.", PromptIcon::Information);
   if (mOutcome.cause == CloneCause::OldOs) {
@@ -80,11 +80,11 @@ void clsDumpPLC::CreateGhost(Channel& link, const std::filesystem::path& file) {
         "\nThe controller's program was stopped for this clone and still is. It starts when a clone is created "
         "again, or when the controller is switched off and on.";
   }
-  Show("Operation Failed.", PromptIcon::None);
+  Show(kOperationFailed, PromptIcon::None);
   mFile.Delete();
 }
 
-clsDumpPLC::Step clsDumpPLC::Create(Channel& link, const std::filesystem::path& file) {
+clsDumpPLC::Step clsDumpPLC::Create(Channel& link, const std::filesystem::path& file, const Finish& finish) {
   if (auto made = mFile.Create(file); !made) return FileFailure(made.error());
   const auto version = SupportsCloning(link);
   if (!version) return std::unexpected(version.error());
@@ -100,7 +100,7 @@ clsDumpPLC::Step clsDumpPLC::Create(Channel& link, const std::filesystem::path& 
   if (auto written = WriteLine(BuildEndFrame(link.UnitID())); !written) return written;
   if (auto running = LeaveRunning(link); !running) return running;
   if (auto kept = mFile.Keep(); !kept) return FileFailure(kept.error());
-  return {};
+  return finish ? finish() : Step();
 }
 
 std::expected<VersionInfo, CloneOutcome> clsDumpPLC::SupportsCloning(Channel& link) {

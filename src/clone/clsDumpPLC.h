@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <expected>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,8 @@ namespace kv {
 
 // Title of every box of the cloner, and caption of its window.
 inline constexpr std::string_view kClonerCaption = "Korvantis PLC Cloner";
+// What every failed operation of it says; the reason stands elsewhere.
+inline constexpr std::string_view kOperationFailed = "Operation Failed.";
 
 // Copies the memory of a controller into a clone file, and a clone file into a controller.
 //
@@ -37,8 +40,11 @@ class clsDumpPLC {
   clsDumpPLC(const clsDumpPLC&) = delete;
   clsDumpPLC& operator=(const clsDumpPLC&) = delete;
 
-  // Reads the connected controller into `file`. A file of that name is deleted first, whatever comes then.
-  void CreateGhost(Channel& link, const std::filesystem::path& file);
+  // Reads the connected controller into `file`. A file of that name is deleted first, whatever comes then; SafeCreate
+  // keeps it. `finish` is called when the file is closed and safe on the disk, before success is told: its failure is
+  // that of the create, and what then becomes of the file is its own business.
+  using Finish = std::function<std::expected<void, CloneOutcome>()>;
+  void CreateGhost(Channel& link, const std::filesystem::path& file, const Finish& finish = {});
 
   // Sends the command lines of `file` on the port and waits for the reply to each. `link`, the channel over the port,
   // is only asked for its last error, for the reason of a failure; it may be null.
@@ -55,7 +61,7 @@ class clsDumpPLC {
   using Step = std::expected<void, CloneOutcome>;
   using Segments = std::vector<CloneSegment>;
 
-  [[nodiscard]] Step Create(Channel& link, const std::filesystem::path& file);
+  [[nodiscard]] Step Create(Channel& link, const std::filesystem::path& file, const Finish& finish);
   [[nodiscard]] std::expected<VersionInfo, CloneOutcome> SupportsCloning(Channel& link);
   [[nodiscard]] std::expected<Segments, CloneOutcome> ReadSegmentTable(Channel& link);
   [[nodiscard]] std::expected<bool, CloneOutcome> IsRunning(Channel& link);

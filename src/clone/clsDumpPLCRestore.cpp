@@ -73,7 +73,7 @@ void clsDumpPLC::RestoreGhost(SerialPortObject& port, const std::filesystem::pat
   mOutcome = restored ? CloneOutcome() : restored.error();
   if (restored) return Show("Clone Restore Successfully.", PromptIcon::Information);
   if (const std::string left = WhatIsLeft(); !left.empty()) mOutcome.reason += "\n" + left;
-  Show("Operation Failed.", PromptIcon::None);
+  Show(kOperationFailed, PromptIcon::None);
 }
 
 std::string clsDumpPLC::WhatIsLeft() const {

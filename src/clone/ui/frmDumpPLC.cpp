@@ -14,6 +14,8 @@
 #include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "clone/CloneInfo.h"
+#include "clone/SafeCreate.h"
+#include "clone/WorkProgress.h"
 #include "clone/ui/DumpList.h"
 #include "desktop/ui/Commands.h"
 
@@ -40,6 +42,14 @@ int Clamped(std::int64_t value) {
 // "K220-22-R1, O/S 4.60, cloned on 2026-11-21 10:15:00".
 std::string HeadText(const CloneHead& head) {
   return AnsiToUtf8(head.version.model + ", O/S " + head.version.osVersion + ", cloned on " + head.created);
+}
+
+// "It was read back and is whole: HW, FT, MM, OP for unit 1, 87 lines."
+std::string FoundText(const CloneInfo& info) {
+  std::string codes;
+  for (const CloneInfoSegment& each : info.segments) codes += (codes.empty() ? "" : ", ") + each.segment.code;
+  return "It was read back and is whole: " + AnsiToUtf8(codes) + " for unit " + std::to_string(info.unit.value_or(0)) +
+         ", " + std::to_string(info.frames) + " lines.";
 }
 
 }  // namespace
@@ -94,6 +104,7 @@ void frmDumpPLC::CreateClone() {
   EnableCommands(false);
   const auto chosen = mServices.prompts.SaveFile({.title = "Create Clone File", .filter = kFilter});
   if (!chosen) return EnableCommands(true);
+  SafeCreate safe(PathFromUtf8(*chosen));
   const Operation operation(*this, ": Create Clone File");
   const auto link = mServices.shared.ComDriver->GetChannel();
   if (!link) {
@@ -102,9 +113,9 @@ void frmDumpPLC::CreateClone() {
     return ShowNoLink("The clone file was not created.");
   }
   if (mIsStopAsked) return ShowEnd(CloneEnd::Stopped, kStoppedBefore);  // while the link was opened
-  const std::filesystem::path file = PathFromUtf8(*chosen);
-  mEngine->CreateGhost(*link, file);
-  ShowOutcome("Creating the clone file", file);
+  safe.Create(*mEngine, mServices.prompts, *link, Watched());
+  ShowOutcome("Creating the clone file", safe.Outcome(), PathFromUtf8(*chosen));
+  if (safe.Info() && safe.File()) Say(FoundText(*safe.Info()));
 }
 
 void frmDumpPLC::RestoreClone() {
@@ -126,21 +137,27 @@ void frmDumpPLC::RestoreInto(Channel& link, const std::filesystem::path& file) {
   SerialPortObject* port = link.GetSerialPort();
   if (port == nullptr) return ShowNoLink("The clone file was not restored.");
   mEngine->RestoreGhost(*port, file, &link);
-  ShowOutcome("Restoring the clone file", file);
+  ShowOutcome("Restoring the clone file", mEngine->Outcome(), file);
   if (mEngine->Outcome().end == CloneEnd::Done) Say(kNotReadBack);
+}
+
+// For work that has no callbacks of its own: it shows how far it is, and the stop tool ends it.
+CloneWork frmDumpPLC::Watched() {
+  const auto isStopped = [this] {
+    mServices.pacer.Turn();
+    return mIsStopAsked;
+  };
+  const auto onProgress = [this, progress = std::make_shared<WorkProgress>(mServices.pacer)](
+                              std::string_view stage, std::uint64_t done, std::uint64_t total) {
+    if (!mIsStopAsked) mProgressText->setText(QString::fromStdString(progress->Text(stage, done, total)));
+  };
+  return {.isStopped = isStopped, .onProgress = onProgress};
 }
 
 // Tells what the file holds and what speaks against restoring it, before the engine shows its own information; what
 // speaks against it is returned too. What cannot be read is told; the engine then fails on it in its own way.
 std::vector<std::string> frmDumpPLC::Inspect(Channel& link, const std::filesystem::path& file) {
-  const CloneWork work{.isStopped =
-                           [this] {
-                             mServices.pacer.Turn();
-                             return mIsStopAsked;
-                           },
-                       .onProgress = {}};
-  mProgressText->setText("Looking through the clone file");
-  const auto info = InspectClone(file, work);
+  const auto info = InspectClone(file, Watched());
   if (mIsStopAsked) return {};
   if (!info) {
     Say(info.error().reason);
@@ -205,13 +222,12 @@ void frmDumpPLC::ShowNoLink(const std::string& what) {
   ShowEnd(CloneEnd::Failed, what + "\n" + mServices.shared.ComDriver->LastError().Text());
 }
 
-void frmDumpPLC::ShowOutcome(const std::string& what, const std::filesystem::path& file) {
-  const CloneOutcome& outcome = mEngine->Outcome();
+void frmDumpPLC::ShowOutcome(const std::string& what, const CloneOutcome& outcome, const std::filesystem::path& file) {
   const std::string end = outcome.end == CloneEnd::Done      ? " has ended well: " + Utf8FromPath(file)
                           : outcome.end == CloneEnd::Stopped ? " was stopped."
                                                              : " has failed.";
   const std::string text = what + end + (outcome.reason.empty() ? "" : "\n" + outcome.reason);
-  if (outcome.end != CloneEnd::Done) mServices.shared.Remote->StatusMessage(text);
+  mServices.shared.Remote->StatusMessage(text);
   ShowEnd(outcome.end, text);
 }
 

@@ -71,6 +71,7 @@ class frmDumpPLC final : public QDialog, public DumpWindow {
   void CreateClone();
   void RestoreClone();
   void RestoreInto(Channel& link, const std::filesystem::path& file);
+  [[nodiscard]] CloneWork Watched();
   [[nodiscard]] std::vector<std::string> Inspect(Channel& link, const std::filesystem::path& file);
   [[nodiscard]] bool IsWantedDespite(const std::vector<std::string>& findings);
   [[nodiscard]] bool GiveAccess(Channel& link);
@@ -78,7 +79,7 @@ class frmDumpPLC final : public QDialog, public DumpWindow {
   void ShowHelp();
 
   void ShowNoLink(const std::string& what);
-  void ShowOutcome(const std::string& what, const std::filesystem::path& file);
+  void ShowOutcome(const std::string& what, const CloneOutcome& outcome, const std::filesystem::path& file);
   void ShowEnd(CloneEnd end, const std::string& text);
   void Say(const std::string& text);
   void ShowProgress();

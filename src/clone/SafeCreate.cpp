@@ -1,0 +1,118 @@
+#include "clone/SafeCreate.h"
+
+#include <system_error>
+
+#include "base/FilePlatform.h"
+#include "base/FileToReplace.h"
+#include "base/PathText.h"
+
+namespace kv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kMostNames = 100;
+
+// "plant.kdf.1234.part": beside the clone, for a rename works only there; with the process in its name, so that two
+// programs never write the same file; and with an ending that no dialog offers as a clone.
+fs::path FreeNameBeside(const fs::path& file) {
+  fs::path free;
+  for (int i = 0; i < kMostNames; ++i) {
+    free = file;
+    free += "." + std::to_string(ProcessNumber()) + (i == 0 ? "" : "-" + std::to_string(i)) + ".part";
+    std::error_code ignored;
+    if (!fs::exists(fs::symlink_status(free, ignored))) break;
+  }
+  return free;
+}
+
+void Remove(const fs::path& file) {
+  std::error_code ignored;
+  fs::remove(file, ignored);
+}
+
+CloneOutcome FileFailure(const fs::path& file, const std::string& what) {
+  return CloneOutcome::OfFile({.file = Utf8FromPath(file), .place = {}, .what = what});
+}
+
+}  // namespace
+
+SafeCreate::SafeCreate(const fs::path& file) : mFile(file) {
+  if (auto behind = BehindLinks(file)) {
+    mFile = *std::move(behind);
+  } else {
+    mLinkError = behind.error();
+  }
+  mBefore = StampOf(mFile);
+}
+
+void SafeCreate::Create(clsDumpPLC& engine, Prompts& prompts, Channel& link, const CloneWork& work) {
+  if (const std::string why = WhyImpossible(); !why.empty()) {
+    mOutcome = FileFailure(mFile, why);
+    prompts.Show({.text = std::string(kOperationFailed), .title = std::string(kClonerCaption)});
+    return;
+  }
+  mTemporary = FreeNameBeside(mFile);
+  engine.CreateGhost(link, mTemporary, [&] { return TakeName(work); });
+  mOutcome = engine.Outcome();
+  if (mOutcome.cause == CloneCause::OldOs) LeaveEmptyFile();
+}
+
+std::string SafeCreate::WhyImpossible() const {
+  if (mLinkError) return "the link of this name leads nowhere (" + mLinkError.message() + ")";
+  return WhyNotReplaceable(mFile);
+}
+
+std::optional<SafeCreate::Stamp> SafeCreate::StampOf(const fs::path& file) const {
+  std::error_code error;
+  if (!fs::exists(fs::symlink_status(file, error))) return std::nullopt;
+  return Stamp{fs::last_write_time(file, error), fs::file_size(file, error)};
+}
+
+SafeCreate::Step SafeCreate::TakeName(const CloneWork& work) {
+  if (auto whole = CheckIsWhole(work); !whole) {
+    Remove(mTemporary);
+    return whole;
+  }
+  if (const std::error_code error = MoveToName()) return std::unexpected(KeptElsewhere(error));
+  mMade = mFile;
+  return {};
+}
+
+SafeCreate::Step SafeCreate::CheckIsWhole(const CloneWork& work) {
+  auto info = InspectClone(mTemporary, work);
+  if (!info) return std::unexpected(info.error());
+  if (!info->IsSound()) {
+    return std::unexpected(FileFailure(mTemporary, "it was read back and is damaged: " + info->damages.front().Text() +
+                                                       ". It was deleted; check the disk and create the clone again"));
+  }
+  mInfo = *std::move(info);
+  return {};
+}
+
+// Replaces what the user consented to replace, and nothing else.
+std::error_code SafeCreate::MoveToName() {
+  const auto now = StampOf(mFile);
+  if (!now) return MoveToFreeName(mFile, mTemporary);
+  if (now != mBefore) return std::make_error_code(std::errc::file_exists);
+  return ReplaceFileWith(mFile, mTemporary);
+}
+
+// The clone is good and must not be lost, but it is not where scripts and people will look for it: no success.
+CloneOutcome SafeCreate::KeptElsewhere(const std::error_code& error) {
+  mMade = mTemporary;
+  const std::string why = error == std::errc::file_exists
+                              ? "somebody else has put another file there meanwhile, which was left as it is"
+                              : "the new clone cannot be given this name (" + error.message() + ")";
+  return FileFailure(mFile, why + ".\nThe new clone is whole. It is in " + Utf8FromPath(mTemporary) +
+                                "\nWhat to do: give it another name, which ends with .kdf");
+}
+
+// What a controller that is too old leaves where there was nothing; it never costs anybody a clone.
+void SafeCreate::LeaveEmptyFile() {
+  if (!mBefore && !MoveToFreeName(mFile, mTemporary)) return;
+  Remove(mTemporary);
+}
+
+}  // namespace kv

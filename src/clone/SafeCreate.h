@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "clone/CloneInfo.h"
+#include "clone/clsDumpPLC.h"
+
+namespace kv {
+
+// Creates a clone without risking the one that it is to replace: the engine writes beside it, the new file is read back
+// and inspected, and only when it is whole it takes the name. Whatever fails, and however the program ends, a file that
+// stood there stays as it was.
+//
+// Made at the moment in which the user has chosen the name, and so consented to replace what stood there then. A file
+// that somebody else puts there afterwards is not replaced: the create then fails, and says where the new clone is.
+class SafeCreate {
+ public:
+  explicit SafeCreate(const std::filesystem::path& file);
+
+  // Once, with an engine of its own. `work` is for the inspection. How it ended is told by the engine's boxes, shown
+  // when all of it is over; `prompts` is the engine's, for a name that cannot be written to.
+  void Create(clsDumpPLC& engine, Prompts& prompts, Channel& link, const CloneWork& work = {});
+
+  [[nodiscard]] const CloneOutcome& Outcome() const { return mOutcome; }
+  // Where the new clone is. Nothing when there is none.
+  [[nodiscard]] const std::optional<std::filesystem::path>& File() const { return mMade; }
+  // What was found in it; nothing before there is one.
+  [[nodiscard]] const std::optional<CloneInfo>& Info() const { return mInfo; }
+
+ private:
+  using Step = std::expected<void, CloneOutcome>;
+
+  // Enough of a file to see that it is another one now.
+  struct Stamp {
+    std::filesystem::file_time_type written;
+    std::uintmax_t size = 0;
+    bool operator==(const Stamp&) const = default;
+  };
+
+  [[nodiscard]] std::string WhyImpossible() const;
+  [[nodiscard]] std::optional<Stamp> StampOf(const std::filesystem::path& file) const;
+  [[nodiscard]] Step TakeName(const CloneWork& work);
+  [[nodiscard]] Step CheckIsWhole(const CloneWork& work);
+  [[nodiscard]] std::error_code MoveToName();
+  [[nodiscard]] CloneOutcome KeptElsewhere(const std::error_code& error);
+  void LeaveEmptyFile();
+
+  std::filesystem::path mFile;  // behind links
+  std::error_code mLinkError;   // of following them
+  std::optional<Stamp> mBefore;
+  std::filesystem::path mTemporary;
+  CloneOutcome mOutcome;
+  std::optional<std::filesystem::path> mMade;
+  std::optional<CloneInfo> mInfo;
+};
+
+}  // namespace kv
