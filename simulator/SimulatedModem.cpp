@@ -10,14 +10,27 @@ namespace {
 constexpr kv::Duration kGuardTime = std::chrono::seconds(1);
 constexpr std::size_t kLongestCommand = 255;
 
-constexpr std::array<std::string_view, 5> kDialAnswers{
-    // in the order of DialResult
-    "CONNECT 9600", "BUSY", "NO CARRIER", "NO DIALTONE", "NO ANSWER"};
-
 }  // namespace
 
+// An answer in words and as a number.
+struct SimulatedModem::ResultCode {
+  std::string_view word;
+  char number;
+
+  static const ResultCode kOk, kNoCarrier, kError;
+  static const std::array<ResultCode, 5> kDialling;  // in the order of DialResult
+};
+
+constexpr SimulatedModem::ResultCode SimulatedModem::ResultCode::kOk{"OK", '0'};
+constexpr SimulatedModem::ResultCode SimulatedModem::ResultCode::kNoCarrier{"NO CARRIER", '3'};
+constexpr SimulatedModem::ResultCode SimulatedModem::ResultCode::kError{"ERROR", '4'};
+constexpr std::array<SimulatedModem::ResultCode, 5> SimulatedModem::ResultCode::kDialling{
+    {{"CONNECT 9600", '1'}, {"BUSY", '7'}, {"NO CARRIER", '3'}, {"NO DIALTONE", '6'}, {"NO ANSWER", '8'}}};
+
 SimulatedModem::SimulatedModem(std::unique_ptr<kv::InProcessLine> controller, const ModemOptions& options)
-    : mController(std::move(controller)), mOptions(options) {}
+    : mController(std::move(controller)), mOptions(options) {
+  UseProfile(options.answers);
+}
 
 bool SimulatedModem::Connect(kv::Instant now) {
   Disconnect(now);
@@ -29,7 +42,7 @@ bool SimulatedModem::Connect(kv::Instant now) {
 void SimulatedModem::Disconnect(kv::Instant now) {
   HangUp(now);
   mIsConnected = false;
-  mEchoes = true;
+  UseProfile(mOptions.answers);
   mCommand.clear();
   mOut.clear();
 }
@@ -56,7 +69,7 @@ std::string SimulatedModem::Read(kv::Instant now) {
   bytes += mController->Read(now);
   if (!mController->IsConnected()) {
     HangUp(now);
-    Answer("NO CARRIER");
+    Answer(ResultCode::kNoCarrier);
     bytes += std::exchange(mOut, {});
   }
   return bytes;
@@ -81,7 +94,7 @@ void SimulatedModem::Advance(kv::Instant now) {
     EndDialling(now);
   } else if (mState == State::Online) {
     mState = State::Escaped;
-    Answer("OK");
+    Answer(ResultCode::kOk);
   }
 }
 
@@ -92,14 +105,14 @@ void SimulatedModem::EndDialling(kv::Instant now) {
   if (result == DialResult::Connect) mState = State::Online;
   mLastByte.reset();
   mPluses = 0;
-  Answer(kDialAnswers[static_cast<std::size_t>(result)]);
+  Answer(ResultCode::kDialling[static_cast<std::size_t>(result)]);
 }
 
 void SimulatedModem::TakeCommandByte(char byte, kv::Instant now) {
   if (mState == State::Dialling) {
     mState = State::Command;
     mDue.reset();
-    Answer("NO CARRIER");
+    Answer(ResultCode::kNoCarrier);
     return;
   }
   if (mEchoes) mOut += byte;
@@ -110,25 +123,45 @@ void SimulatedModem::TakeCommandByte(char byte, kv::Instant now) {
   }
 }
 
-void SimulatedModem::Execute(std::string command, kv::Instant now) {
-  if (!command.starts_with("AT")) return;  // a modem passes over what does not call for its attention
-  command.erase(0, 2);
-  if (command.starts_with("D")) {
-    if (command.find_first_of("0123456789") == std::string::npos) return Answer("ERROR");
-    HangUp(now);
-    mState = State::Dialling;
-    mDue = now + mOptions.dialTime;
-    return;
+void SimulatedModem::Execute(std::string_view line, kv::Instant now) {
+  if (!line.starts_with("AT")) return;  // a modem passes over what does not call for its attention
+  line.remove_prefix(2);
+  while (!line.empty()) {
+    const char letter = line.front();
+    line.remove_prefix(1);
+    if (letter == 'D') return Dial(line, now);
+    if (letter == '+') break;  // of a mobile modem: takes the rest of the line
+    if (letter == 'O' && mState == State::Escaped) {
+      mState = State::Online;
+      return Answer(ResultCode::kDialling.front());
+    }
+    if (letter == '&' && line.starts_with('F')) UseProfile(ModemAnswers::Words);
+    const auto end = std::min(line.find_first_not_of("0123456789"), line.size());
+    Set(letter, line.substr(0, end).find_first_not_of('0') < end, now);
+    line.remove_prefix(end);
   }
-  if (command == "O" && mState == State::Escaped) {
-    mState = State::Online;
-    return Answer(kDialAnswers[0]);
-  }
-  if (command.starts_with("H") || command.starts_with("Z")) HangUp(now);
-  if (command.starts_with("Z")) mEchoes = true;
-  if (command == "E0") mEchoes = false;
-  if (command == "E1") mEchoes = true;
-  Answer("OK");
+  Answer(ResultCode::kOk);
+}
+
+void SimulatedModem::Dial(std::string_view number, kv::Instant now) {
+  if (number.find_first_of("0123456789") == std::string_view::npos) return Answer(ResultCode::kError);
+  HangUp(now);
+  mState = State::Dialling;
+  mDue = now + mOptions.dialTime;
+}
+
+void SimulatedModem::Set(char letter, bool isOn, kv::Instant now) {
+  if (letter == 'E') mEchoes = isOn;
+  if (letter == 'Q') mIsQuiet = isOn;
+  if (letter == 'V') mUsesNumbers = !isOn;
+  if (letter == 'H' || letter == 'Z') HangUp(now);
+  if (letter == 'Z') UseProfile(mOptions.answers);
+}
+
+void SimulatedModem::UseProfile(ModemAnswers answers) {
+  mEchoes = true;
+  mIsQuiet = answers == ModemAnswers::None;
+  mUsesNumbers = answers == ModemAnswers::Numbers;
 }
 
 // The pluses themselves reach the other end like any other byte.
@@ -149,9 +182,15 @@ void SimulatedModem::HangUp(kv::Instant now) {
   mDue.reset();
 }
 
-void SimulatedModem::Answer(std::string_view text) {
+void SimulatedModem::Answer(ResultCode code) {
+  if (mIsQuiet) return;
+  if (mUsesNumbers) {
+    mOut += code.number;
+    mOut += '\r';
+    return;
+  }
   mOut += "\r\n";
-  mOut += text;
+  mOut += code.word;
   mOut += "\r\n";
 }
 

@@ -33,6 +33,9 @@ const std::map<std::string, sim::DialResult> kDialResults{{"connect", sim::DialR
                                                           {"no-dialtone", sim::DialResult::NoDialTone},
                                                           {"no-answer", sim::DialResult::NoAnswer}};
 
+const std::map<std::string, sim::ModemAnswers> kModemAnswers{
+    {"words", sim::ModemAnswers::Words}, {"numbers", sim::ModemAnswers::Numbers}, {"none", sim::ModemAnswers::None}};
+
 // Puts the examples before everything else.
 class ExamplesFirst : public CLI::Formatter {
  public:
@@ -63,6 +66,7 @@ struct Raw {
   std::string dial;
   bool modem = false;
   sim::DialResult dialResult = sim::DialResult::Connect;
+  sim::ModemAnswers modemAnswers = sim::ModemAnswers::Words;
 };
 
 void DescribeController(CLI::App& app, sim::SimulatorOptions& controller, Raw& raw) {
@@ -100,6 +104,9 @@ void DescribeWaysIn(CLI::App& app, Options& options, Raw& raw) {
   app.add_option("--dial-result", raw.dialResult, "What dialling that modem comes to")
       ->transform(CLI::CheckedTransformer(kDialResults, CLI::ignore_case).description(""))
       ->type_name("connect|busy|no-carrier|no-dialtone|no-answer");
+  app.add_option("--modem-answers", raw.modemAnswers, "How that modem answers commands after a reset")
+      ->transform(CLI::CheckedTransformer(kModemAnswers, CLI::ignore_case).description(""))
+      ->type_name("words|numbers|none");
 }
 
 // How many single changes of a letter lead from one name to the other.
@@ -134,7 +141,7 @@ std::expected<Options, int> ReadOptions(int argc, const char* const* argv) {
   options.controller.unit = static_cast<std::uint8_t>(raw.unit);
   if (raw.tcp) options.tcp = static_cast<std::uint16_t>(*raw.tcp);
   if (!raw.dial.empty()) options.dial = ParseHostAndPort(raw.dial);
-  if (raw.modem) options.modem = sim::ModemOptions{.result = raw.dialResult};
+  if (raw.modem) options.modem = sim::ModemOptions{.result = raw.dialResult, .answers = raw.modemAnswers};
   return options;
 }
 

@@ -24,11 +24,21 @@ struct Line::Wait {
 };
 
 Line::Line(Pacer& pacer, Trace& trace, std::unique_ptr<Port> port)
-    : mPacer(pacer), mTrace(trace), mPort(std::move(port)) {}
+    : mPacer(pacer), mTrace(trace), mPort(std::move(port)) {
+  TraceDialogue();
+}
 
 void Line::Replace(std::unique_ptr<Port> port) {
   Close();
   mPort = std::move(port);
+  TraceDialogue();
+}
+
+void Line::TraceDialogue() {
+  mPort->OnDialogue = [this](Port::Side side, std::string_view bytes) {
+    const auto direction = side == Port::Side::Said ? Trace::Direction::Sent : Trace::Direction::Received;
+    mTrace.Add(mPacer.Now(), direction, bytes);
+  };
 }
 
 std::expected<void, PortError> Line::Open(Duration limit) {
@@ -40,6 +50,11 @@ std::expected<void, PortError> Line::Open(Duration limit) {
 
 void Line::Close() {
   mPort->Close();
+  mReceiver.Clear();
+}
+
+void Line::DropPartner() {
+  mPort->DropPartner();
   mReceiver.Clear();
 }
 

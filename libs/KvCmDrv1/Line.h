@@ -39,6 +39,8 @@ class Line {
 
   [[nodiscard]] std::expected<void, PortError> Open(Duration limit);
   void Close();
+  // Ends the connection; where partners call, the port goes on listening.
+  void DropPartner();
   [[nodiscard]] bool IsOpen() const { return mPort->IsOpen(); }
   // Number of the connection, raised with every Open that succeeds; 0 before the first.
   [[nodiscard]] unsigned Connection() const { return mConnection; }
@@ -80,6 +82,7 @@ class Line {
   [[nodiscard]] bool IsArriving(const Wait& wait) const;
   [[nodiscard]] bool TakeMessages(ReplyJudge& judge, Wait& wait);
   [[nodiscard]] Port::Result ReadSlice(Duration slice);
+  void TraceDialogue();
 
   Pacer& mPacer;
   Trace& mTrace;

@@ -40,11 +40,10 @@ TEST_F(ListeningPortTest, TakesOneControllerThatDialsIn) {
   controller.Give("answer");
   EXPECT_EQ(kvtest::ReadFrom(port, 6), "answer");
   EXPECT_THAT(port.Description(), HasSubstr("127.0.0.1:"));
-  EXPECT_LT(kvtest::DialLoopback(number).Get(), 0);  // one only
+  EXPECT_FALSE(port.HasNewerCall());
 
   port.Close();
   EXPECT_EQ(controller.Take(1), "");
-  EXPECT_GE(kvtest::DialLoopback(number).Get(), 0);  // and can come back
 }
 
 TEST_F(ListeningPortTest, LetsTheProgramAnswerTheEvents) {
@@ -81,6 +80,44 @@ TEST_F(ListeningPortTest, IsLostWhenAnotherConnectionTakesItsPlace) {
   std::string bytes;
   EXPECT_EQ(port.Read(bytes, milliseconds(1)), Port::Result::Lost);
   EXPECT_TRUE(port.Open(seconds(5)).has_value());
+}
+
+// Whether the program answers the events, as that with windows does, or the port does.
+TEST_F(ListeningPortTest, TakesTheNewestCallerWhenAPartnerIsDropped) {
+  for (const bool isAnswered : {false, true}) {
+    if (isAnswered) {
+      socket.OnConnectionRequest = [&](int requestId) {
+        socket.Close();
+        EXPECT_TRUE(socket.Accept(requestId));
+      };
+    }
+    ASSERT_TRUE(socket.Listen(number));
+    std::vector<kvtest::Descriptor> strangers;
+    strangers.push_back(kvtest::DialLoopback(number));
+    ASSERT_TRUE(port.Open(seconds(5)).has_value());
+    // Far more than may wait; the system refuses none of them, and none of them is answered.
+    for (int i = 0; i < 300; ++i) {
+      strangers.push_back(kvtest::DialLoopback(number));
+      ASSERT_GE(strangers.back().Get(), 0) << i;
+      ASSERT_TRUE(port.HasNewerCall()) << i;
+    }
+    const auto controller = kvtest::DialLoopback(number);
+    ASSERT_TRUE(port.HasNewerCall());
+    EXPECT_TRUE(port.IsOpen());
+    port.DropPartner();
+    EXPECT_EQ(strangers.front().Take(1), "");
+    EXPECT_EQ(strangers[150].Take(1), "") << "bounded: the oldest have left";
+    ASSERT_TRUE(port.Open(seconds(5)).has_value());
+    controller.Give("here");
+    EXPECT_EQ(kvtest::ReadFrom(port, 4), "here");
+    EXPECT_FALSE(port.HasNewerCall()) << "those that wait have called before";
+    port.DropPartner();
+    ASSERT_TRUE(port.Open(seconds(5)).has_value());
+    strangers.back().Give("last");
+    EXPECT_EQ(kvtest::ReadFrom(port, 4), "last");
+    socket.Close();
+    EXPECT_LT(kvtest::DialLoopback(number).Get(), 0) << "nobody is meant to dial in";
+  }
 }
 
 TEST_F(ListeningPortTest, RefusesARequestThatHasGone) {

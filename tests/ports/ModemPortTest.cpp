@@ -142,6 +142,78 @@ TEST_F(ModemPortTest, NamesTheCommandThatTheModemDoesNotKnowOrLeavesUnanswered) 
   const auto silent = ModemPort(PortOn(std::make_shared<EchoLine>(controller)), settings, pacer).Open(kLimit);
   ASSERT_FALSE(silent.has_value());
   EXPECT_EQ(silent.error().happened, "the modem does not answer \"ATZ\"");
+  for (const char* cause : {"quiet mode (Q1)", "numeric answers (V0)", "holds an earlier call"}) {
+    EXPECT_THAT(silent.error().cause, HasSubstr(cause));
+  }
+}
+
+TEST_F(ModemPortTest, WakesAModemWhoseProfileIsQuietOrAnswersWithNumbers) {
+  const std::tuple<sim::ModemAnswers, const char*, const char*> rows[] = {
+      {sim::ModemAnswers::None, "AT&F", ""},
+      {sim::ModemAnswers::Numbers, "", ""},
+      {sim::ModemAnswers::Words, "ATV0", "the modem answers \"ATV0\" with a number instead of a word"},
+      {sim::ModemAnswers::Words, "ATQ1", "the modem does not answer \"ATQ1\", although it has answered before"},
+  };
+  for (const auto& [answers, init, happened] : rows) {
+    settings.init = init;
+    const auto opened = Make({.answers = answers}).Open(kLimit);
+    EXPECT_EQ(opened ? "" : opened.error().happened, happened) << init;
+  }
+}
+
+// What a modem says for ever, as fast as it is read.
+class EndlessLine final : public InProcessLine {
+ public:
+  bool Connect(Instant) override { return true; }
+  void Disconnect(Instant) override {}
+  bool IsConnected() const override { return true; }
+  void Write(std::string_view, Instant) override {}
+  std::string Read(Instant) override { return "RING RING "; }
+  std::optional<Instant> NextEvent() const override { return std::nullopt; }
+};
+
+// A millisecond passes each time that the clock is read, and the longest gap between two turns is kept.
+class CountingPacer final : public Pacer {
+ public:
+  [[nodiscard]] Instant Now() const override { return Instant(milliseconds(++mNow)); }
+  void Sleep(Duration) override { Turn(); }
+  void DoEvents() override { Turn(); }
+  void Turn() override { longestGap = std::max(longestGap, mNow - std::exchange(mLastTurn, mNow)); }
+  [[nodiscard]] bool StopRequested() const override { return false; }
+  void RequestStop() override {}
+  void ClearStop() override {}
+
+  int longestGap = 0;  // milliseconds
+
+ private:
+  mutable int mNow = 0;
+  int mLastTurn = 0;
+};
+
+TEST_F(ModemPortTest, GivesTurnsWhileAModemNeverStopsTalking) {
+  CountingPacer counting;
+  auto line = std::make_unique<SimulatedPort>(std::make_shared<EndlessLine>(), "COM3", counting);
+  ModemPort modem(std::move(line), settings, counting);
+  const auto start = counting.Now();
+  EXPECT_FALSE(modem.Open(kLimit));
+  EXPECT_LE(counting.Now() - start, seconds(7));
+  EXPECT_GT(counting.longestGap, 0);
+  EXPECT_LE(counting.longestGap, 50);
+}
+
+TEST_F(ModemPortTest, TellsItsDialogueWithoutThePinOfAMobileCard) {
+  settings.init = "AT+CPIN=1234;+CREG?";
+  auto& modem = Make({});
+  std::string said;
+  std::string heard;
+  modem.OnDialogue = [&](Port::Side side, std::string_view bytes) {
+    (side == Port::Side::Said ? said : heard) += std::string(bytes) + "|";
+  };
+  ASSERT_TRUE(modem.Open(kLimit).has_value());
+  modem.Close();
+  EXPECT_EQ(said, "ATZ\r|AT+CPIN=****;+CREG?\r|ATE0\r|ATDT0,12345\r|+++|ATH\r|");
+  EXPECT_EQ(heard, "ATZ|OK|AT+CPIN=****;+CREG?|OK|ATE0|OK|CONNECT 9600|+++|OK|OK|");  // the pluses reach the far end,
+                                                                                      // which sends all back
 }
 
 TEST_F(ModemPortTest, IsLostWhenTheCarrierIs) {
@@ -155,6 +227,26 @@ TEST_F(ModemPortTest, IsLostWhenTheCarrierIs) {
     controller.isConnected = false;
     EXPECT_THAT(kvtest::ReadFrom(modem, 1000), HasSubstr("half a re"));
     EXPECT_FALSE(modem.IsOpen());
+    EXPECT_EQ(modem.LossReason().happened, "the telephone connection to 0,12345 broke");
+  }
+}
+
+// Behind a modem that echoes, the echo of a request would come back as if a controller had sent it.
+TEST_F(ModemPortTest, NoticesACallThatWasLostBetweenTwoRequests) {
+  for (const std::size_t piece : {1U, 1000U}) {
+    settings.init = "ATE1";
+    auto& modem = Make({}, piece);
+    ASSERT_TRUE(modem.Open(kLimit).has_value());
+    controller.isConnected = false;
+    controller.taken.clear();
+    pacer.Sleep(seconds(10));
+    std::string_view request = "/01IDEE\r";
+    auto result = Port::Result::Done;
+    for (int i = 0; i < 100 && result != Port::Result::Lost && !request.empty(); ++i) {
+      result = modem.Write(request, milliseconds(5));
+    }
+    EXPECT_EQ(result, Port::Result::Lost);
+    EXPECT_EQ(controller.taken, "");
     EXPECT_EQ(modem.LossReason().happened, "the telephone connection to 0,12345 broke");
   }
 }

@@ -56,6 +56,17 @@ void ListeningPort::Close() {
   (void)mSocket.Listen();  // when it does not work now, the next opening says so
 }
 
+void ListeningPort::DropPartner() {
+  if (IsOpen()) mSocket.DropConnection();
+  mConnectionNumber = 0;
+}
+
+bool ListeningPort::HasNewerCall() {
+  if (!IsOpen()) return false;
+  mSocket.Poll();
+  return IsOpen() && mSocket.HasNewerCaller();
+}
+
 bool ListeningPort::IsOpen() const {
   return mConnectionNumber != 0 && mSocket.GetState() == State::Connected && mSocket.Connection().IsOpen() &&
          mSocket.ConnectionNumber() == mConnectionNumber;

@@ -27,6 +27,9 @@ class ListeningPort final : public Port {
   [[nodiscard]] Duration ByteTime() const override { return Duration::zero(); }
   [[nodiscard]] bool SetBaudRate(int) override { return false; }
   [[nodiscard]] std::string Description() const override;
+  [[nodiscard]] bool IsCalled() const override { return true; }
+  void DropPartner() override;
+  [[nodiscard]] bool HasNewerCall() override;
 
  private:
   [[nodiscard]] bool Listens() const;

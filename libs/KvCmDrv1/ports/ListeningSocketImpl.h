@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "KvCmDrv1/ports/ConnectedSocket.h"
 #include "link/ListeningSocket.h"
@@ -10,8 +11,14 @@
 namespace kv {
 
 // The Ethernet socket of a program: listens on IPv4, on every network of this machine.
+//
+// It goes on listening behind a request and behind a connection: who calls meanwhile waits, up to kMostCallers of them,
+// the oldest leaving first. So a stranger who holds the line cannot keep the controller out, and one that has lost
+// power without hanging up can call anew. The newest caller is the next request.
 class ListeningSocketImpl final : public ListeningSocket {
  public:
+  static constexpr std::size_t kMostCallers = 8;
+
   ListeningSocketImpl();
   ~ListeningSocketImpl() override;
 
@@ -30,20 +37,36 @@ class ListeningSocketImpl final : public ListeningSocket {
   [[nodiscard]] ConnectedSocket& Connection() { return mConnection; }
   // "192.168.1.20:49152", the other end of the request or connection.
   [[nodiscard]] const std::string& PartnerText() const { return mPartner; }
+  // Whether somebody has called since the connection was accepted, and still waits.
+  [[nodiscard]] bool HasNewerCaller() const;
+  // Ends the connection and listens on; who waits stays.
+  void DropConnection();
   [[nodiscard]] std::uint16_t LocalPort() const { return mPort; }
 
  private:
   struct Listener;
 
-  void TakeRequest();
-  void StopListening();
+  struct Caller {
+    ConnectedSocket socket;
+    std::string name;
+    int number = 0;  // rises with each caller
+  };
 
-  std::unique_ptr<Listener> mListener;  // null unless listening
-  ConnectedSocket mRequest;             // connected by the system, not yet accepted here
+  [[nodiscard]] bool OpenPort();
+  void TakeCallers();
+  void TakeRequest();
+  void EndRequest();
+  void EndConnection();
+
+  std::unique_ptr<Listener> mListener;  // null: the port is closed
+  std::vector<Caller> mCallers;         // connected by the system and waiting, the oldest first
+  ConnectedSocket mRequest;             // one of them, not yet accepted here
   ConnectedSocket mConnection;
   State mState = State::Closed;
   std::uint16_t mPort = 0;
-  int mRequestId = 0;
+  int mCallerNumber = 0;
+  int mRequestId = 0;       // the number of its caller
+  bool mIsTelling = false;  // that the connection has ended
   int mConnectionNumber = 0;
   std::string mPartner;
 };

@@ -13,8 +13,29 @@ constexpr Duration kSlice = std::chrono::milliseconds(10);
 constexpr Duration kAnswerTime = seconds(3);  // a modem answers a command at once, a reset within a second or two
 constexpr Duration kGuardTime = seconds(1);   // silence before and after the escape
 constexpr std::size_t kLongestLine = 1024;    // no answer of a modem is longer
+constexpr std::size_t kMostWaiting = 65536;   // bytes of a call that nobody has taken yet
+constexpr Duration kTurnInterval = std::chrono::milliseconds(20);  // while a modem talks without a pause
 constexpr Duration kLossSilence = std::chrono::milliseconds(100);  // behind the word of a modem that lost its call
 constexpr std::string_view kCarrierLoss = "\r\nNO CARRIER\r\n";
+
+bool IsNumber(std::string_view line) {
+  return line.size() <= 2 && line.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// A command as it may be shown: the init text of a mobile modem may hold the card's PIN ("AT+CPIN=1234").
+std::string WithoutPin(std::string_view text) {
+  constexpr std::string_view kPin = "PIN=";
+  std::string shown(text);
+  const auto isSame = [](char left, char right) { return (left & ~0x20) == (right & ~0x20); };
+  auto from = shown.begin();
+  while ((from = std::search(from, shown.end(), kPin.begin(), kPin.end(), isSame)) != shown.end()) {
+    from += kPin.size();
+    const auto end = std::find_if(from, shown.end(), [](char c) { return c == ';' || c == '\r'; });
+    std::fill(from, end, '*');
+    from = end;
+  }
+  return shown;
+}
 
 }  // namespace
 
@@ -26,10 +47,10 @@ struct ModemPort::AnswerText {
   const char* cause;
   const char* cure;
 
-  static const std::array<AnswerText, 9> kTable;
+  static const std::array<AnswerText, 11> kTable;
 };
 
-const std::array<ModemPort::AnswerText, 9> ModemPort::AnswerText::kTable{{
+const std::array<ModemPort::AnswerText, 11> ModemPort::AnswerText::kTable{{
     {Answer::Busy, "BUSY", "% is engaged", "another call to the controller's modem is under way", "dial again later"},
     {Answer::NoCarrier, "NO CARRIER", "the call to % found no modem",
      "the other side hung up, is not a modem, or the line is bad", "check the number and the modem at the controller"},
@@ -43,8 +64,16 @@ const std::array<ModemPort::AnswerText, 9> ModemPort::AnswerText::kTable{{
      "check the number and the modem at the controller"},
     {Answer::Error, "ERROR", "the modem refused the command \"%\"", "it does not know this command",
      "check init text and number in the modem settings against the modem's manual"},
+    {Answer::Number, "", "the modem answers \"%\" with a number instead of a word", "it is set to numeric answers (V0)",
+     "take V0 out of the init text; if it is not there, send ATQ0V1&W to the modem once with a terminal program"},
     {Answer::Silence, "", "the modem does not answer \"%\"",
-     "it is switched off, on another port, or set to another speed", "check power, port and speed of the modem"},
+     "it is switched off, on another port, or set to another speed; it still holds an earlier call; or it stays in "
+     "quiet mode (Q1) or with numeric answers (V0), which ATQ0V1 should have ended",
+     "switch the modem off and on, which also ends a call, and check port and speed; if it stays silent, send ATQ0V1&W "
+     "to it once with a terminal program"},
+    {Answer::LaterSilence, "", "the modem does not answer \"%\", although it has answered before",
+     "the command makes it quiet (Q1), takes longer than 3 s, or the modem was switched off",
+     "check the init text in the modem settings: the modem must go on answering in words (Q0V1)"},
     {Answer::Stopped, "", "connecting by modem was stopped", "it was asked to end", "connect again"},
     {Answer::Lost, "", "the port of the modem is gone", "its adapter was unplugged",
      "plug it in again, then connect again"},
@@ -75,19 +104,41 @@ std::expected<void, PortError> ModemPort::Open(Duration limit) {
 }
 
 std::optional<PortError> ModemPort::SetUpAndDial(Instant deadline) {
-  for (const std::string& command : {std::string("ATZ"), mSettings.init}) {
-    if (command.empty()) continue;
-    const auto answer = Ask(command, "OK", std::min(kAnswerTime, deadline - mPacer.Now()));
-    if (answer != Answer::Awaited) return ErrorOf(answer, command);
-  }
+  if (auto failure = SetUp(deadline)) return failure;
   const std::string dialling = (mSettings.isPulse ? "ATDP" : "ATDT") + mSettings.number;
   const auto answer = Ask(dialling, "CONNECT", std::min(mSettings.dialTimeOut, deadline - mPacer.Now()));
   if (answer == Answer::Awaited) return std::nullopt;
-  if (answer == Answer::Error) return ErrorOf(answer, dialling);
+  if (answer == Answer::Error || answer == Answer::Number) return ErrorOf(answer, dialling);
   if (answer == Answer::Silence || answer == Answer::Stopped) {
     (void)Send("\r", mPacer.Now() + kAnswerTime);  // any character calls the dialling off
   }
   return ErrorOf(answer == Answer::Silence ? Answer::NoAnswer : answer, mSettings.number);
+}
+
+std::optional<PortError> ModemPort::SetUp(Instant deadline) {
+  if (const auto answer = Wake(deadline); answer != Answer::Awaited) return ErrorOf(answer, "ATZ");
+  if (!mSettings.init.empty()) {
+    const auto answer = Command(mSettings.init, deadline);
+    if (answer != Answer::Awaited) {
+      return ErrorOf(answer == Answer::Silence ? Answer::LaterSilence : answer, mSettings.init);
+    }
+  }
+  // Without a call an echo would come back in place of a reply. A modem that cannot be told so is used all the same.
+  const auto answer = Command("ATE0", deadline);
+  if (answer == Answer::Awaited || answer == Answer::Error) return std::nullopt;
+  return ErrorOf(answer == Answer::Silence ? Answer::LaterSilence : answer, "ATE0");
+}
+
+// The profile that the reset brings back may be a quiet one, or one with numeric answers.
+ModemPort::Answer ModemPort::Wake(Instant deadline) {
+  const auto answer = Command("ATZ", deadline);
+  if (answer != Answer::Silence && answer != Answer::Number) return answer;
+  const auto second = Command("ATQ0V1", deadline);
+  return second == Answer::Silence ? answer : second;
+}
+
+ModemPort::Answer ModemPort::Command(const std::string& command, Instant deadline) {
+  return Ask(command, "OK", std::min(kAnswerTime, deadline - mPacer.Now()));
 }
 
 ModemPort::Answer ModemPort::Ask(const std::string& command, std::string_view awaited, Duration limit) {
@@ -99,6 +150,7 @@ ModemPort::Answer ModemPort::Ask(const std::string& command, std::string_view aw
 }
 
 bool ModemPort::Send(std::string_view bytes, Instant deadline) {
+  Note(Side::Said, bytes);
   for (;;) {
     const auto result = mLine->Write(bytes, kSlice);
     if (bytes.empty()) return true;
@@ -108,9 +160,12 @@ bool ModemPort::Send(std::string_view bytes, Instant deadline) {
 }
 
 ModemPort::Answer ModemPort::AwaitLine(std::string_view awaited, Instant deadline) {
+  Instant lastTurn = mPacer.Now();
   for (;;) {
     while (const auto line = TakeLine()) {
+      Note(Side::Heard, *line);
       if (line->starts_with(awaited)) return Answer::Awaited;
+      if (IsNumber(*line)) return Answer::Number;
       for (const auto& text : AnswerText::kTable) {
         if (!text.line.empty() && line->starts_with(text.line)) return text.answer;
       }
@@ -119,7 +174,10 @@ ModemPort::Answer ModemPort::AwaitLine(std::string_view awaited, Instant deadlin
     if (mPacer.Now() >= deadline) return Answer::Silence;
     const auto result = mLine->Read(mReceived, kSlice);
     if (result == Result::Lost) return Answer::Lost;
-    if (result == Result::Nothing) mPacer.Turn();
+    if (result == Result::Nothing || mPacer.Now() - lastTurn >= kTurnInterval) {
+      mPacer.Turn();
+      lastTurn = mPacer.Now();
+    }
   }
 }
 
@@ -136,11 +194,16 @@ std::optional<std::string> ModemPort::TakeLine() {
   return line;
 }
 
+void ModemPort::Note(Side side, std::string_view bytes) const {
+  if (OnDialogue) OnDialogue(side, WithoutPin(bytes));
+}
+
 PortError ModemPort::ErrorOf(Answer answer, const std::string& subject) const {
   const auto found = std::find_if(AnswerText::kTable.begin(), AnswerText::kTable.end(),
                                   [answer](const AnswerText& text) { return text.answer == answer; });
   std::string happened = found->happened;
-  if (const auto place = happened.find('%'); place != std::string::npos) happened.replace(place, 1, subject);
+  if (const auto place = happened.find('%'); place != std::string::npos)
+    happened.replace(place, 1, WithoutPin(subject));
   if (answer == Answer::Lost && !mLine->LossReason().happened.empty()) return mLine->LossReason();
   return {happened, found->cause, found->cure};
 }
@@ -166,12 +229,15 @@ void ModemPort::HangUp() {
   (void)Ask("ATH", "OK", kAnswerTime);
 }
 
+// A modem that lost its call takes the bytes for a command, and may echo them: what it has said is read first.
 Port::Result ModemPort::Write(std::string_view& bytes, Duration slice) {
   if (!mIsOnline) return Result::Lost;
-  if (mLossHeard) {  // a modem without a call would take the bytes for a command, and echo them
-    if (Listen(mReceived, slice) == Result::Lost) return Result::Lost;
-    if (mLossHeard) return Result::Nothing;
+  auto heard = Result::Done;
+  while (heard == Result::Done && mReceived.size() < kMostWaiting) {
+    heard = Listen(mReceived, mLossHeard ? slice : Duration{});
   }
+  if (heard == Result::Lost) return heard;
+  if (mLossHeard) return Result::Nothing;
   const auto result = mLine->Write(bytes, slice);
   return result == Result::Lost ? Lose(mLine->LossReason()) : result;
 }

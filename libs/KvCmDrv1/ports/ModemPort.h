@@ -34,14 +34,30 @@ class ModemPort final : public Port {
   [[nodiscard]] int CommPort() const override { return mLine->CommPort(); }
 
  private:
-  enum class Answer { Awaited, Busy, NoCarrier, NoDialTone, NoAnswer, Error, Silence, Stopped, Lost };
+  enum class Answer {
+    Awaited,
+    Busy,
+    NoCarrier,
+    NoDialTone,
+    NoAnswer,
+    Error,
+    Number,        // a code in digits, in place of a word
+    Silence,       // to the first commands: perhaps there is no modem
+    LaterSilence,  // to one after them
+    Stopped,
+    Lost
+  };
   struct AnswerText;
 
   [[nodiscard]] std::optional<PortError> SetUpAndDial(Instant deadline);
+  [[nodiscard]] std::optional<PortError> SetUp(Instant deadline);
+  [[nodiscard]] Answer Wake(Instant deadline);
+  [[nodiscard]] Answer Command(const std::string& command, Instant deadline);
   [[nodiscard]] Answer Ask(const std::string& command, std::string_view awaited, Duration limit);
   [[nodiscard]] bool Send(std::string_view bytes, Instant deadline);
   [[nodiscard]] Answer AwaitLine(std::string_view awaited, Instant deadline);
   [[nodiscard]] std::optional<std::string> TakeLine();
+  void Note(Side side, std::string_view bytes) const;
   [[nodiscard]] PortError ErrorOf(Answer answer, const std::string& subject) const;
   void HangUp();
   [[nodiscard]] Result Lose(PortError reason);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <expected>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -54,6 +55,17 @@ class Port {
 
   // Number of the serial port (the 3 of COM3 or ttyS3); 0 on other ports.
   [[nodiscard]] virtual int CommPort() const { return 0; }
+
+  // Whether it is the other side that calls, so that anybody may be there after Open.
+  [[nodiscard]] virtual bool IsCalled() const { return false; }
+  // Ends the connection that is there. Where partners call, the others wait on, and the next Open takes the next one.
+  virtual void DropPartner() { Close(); }
+  // Whether somebody has called since the partner that is there was taken.
+  [[nodiscard]] virtual bool HasNewerCall() { return false; }
+
+  // Gets what the port says and hears before and after the connection, where it does: the dialogue with a modem.
+  enum class Side { Said, Heard };
+  std::function<void(Side side, std::string_view bytes)> OnDialogue;
 };
 
 }  // namespace kv
