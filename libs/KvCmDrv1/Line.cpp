@@ -148,6 +148,21 @@ Outcome Line::TakeRaw(std::string& bytes, std::size_t most) {
   return Outcome::Done;
 }
 
+Outcome Line::AwaitRaw(std::string& bytes, Duration span) {
+  const Instant end = mPacer.Now() + span;
+  for (Instant now = end - span; now < end; now = mPacer.Now()) {
+    const Port::Result result = ReadSlice(std::min(kSlice, end - now));
+    if (!mArrived.empty()) {
+      mTrace.Add(mPacer.Now(), Trace::Direction::Received, mArrived);
+      bytes += mArrived;
+      return Outcome::Done;
+    }
+    if (result == Port::Result::Lost) return Outcome::Lost;
+    mPacer.Turn();
+  }
+  return Outcome::Silence;
+}
+
 bool Line::Pause(Duration span) {
   constexpr Duration kStep = std::chrono::milliseconds(50);
   const Instant end = mPacer.Now() + span;

@@ -62,6 +62,8 @@ class Line {
   [[nodiscard]] Outcome DropInput();
   // Appends what has arrived, about `most` bytes, to `bytes` without looking at it, for raw traffic.
   [[nodiscard]] Outcome TakeRaw(std::string& bytes, std::size_t most);
+  // The same of the first that arrives within `span`, with turns of the pacer; Silence when nothing does.
+  [[nodiscard]] Outcome AwaitRaw(std::string& bytes, Duration span);
 
   // Lets `span` pass unless a stop is asked for; false then.
   [[nodiscard]] bool Pause(Duration span);

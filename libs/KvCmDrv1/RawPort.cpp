@@ -1,11 +1,31 @@
 #include "KvCmDrv1/RawPort.h"
 
+#include <algorithm>
+#include <utility>
+
+#include "KvCmDrv1/wire/AsciiCodec.h"
+#include "KvCmDrv1/wire/Seal.h"
+
 namespace kv {
+namespace {
+
+// The frame that `bytes` are, from the first to the last of them.
+std::optional<AsciiFrame> WholeFrame(std::string_view bytes) {
+  constexpr std::size_t kTextStart = 3;  // behind "/" and the unit id
+  if (bytes.size() <= kTextStart || bytes.front() != kFrameStart || bytes.find(kFrameEnd) + 1 != bytes.size()) {
+    return std::nullopt;
+  }
+  const auto frame = FindFrame(bytes.substr(0, bytes.size() - 1));
+  return frame && frame->text.data() == bytes.data() + kTextStart ? frame : std::nullopt;
+}
+
+}  // namespace
 
 RawPort::RawPort(Pacer& pacer, Line& line, std::function<void(Outcome outcome)> onOutcome)
     : mPacer(pacer), mLine(line), mOnOutcome(std::move(onOutcome)) {}
 
 void RawPort::SetInBufferCount(std::size_t count) {
+  mWaiting.resize(std::min(count, mWaiting.size()));
   if (count == 0 && mLine.IsOpen()) mOnOutcome(mLine.DropInput());
 }
 
@@ -22,9 +42,21 @@ bool RawPort::Output(std::string_view bytes) {
 }
 
 std::string RawPort::Input() {
-  std::string bytes;
-  if (mLine.IsOpen()) mOnOutcome(mLine.TakeRaw(bytes, kInBuffer));
-  return bytes;
+  if (mLine.IsOpen()) mOnOutcome(mLine.TakeRaw(mWaiting, kInBuffer));
+  return std::exchange(mWaiting, {});
+}
+
+bool RawPort::WaitForInput(Duration span) {
+  if (!mWaiting.empty()) return true;
+  const Outcome outcome = mLine.IsOpen() ? mLine.AwaitRaw(mWaiting, span) : Outcome::Silence;
+  if (outcome != Outcome::Silence) mOnOutcome(outcome);
+  return !mWaiting.empty();
+}
+
+bool RawPort::IsReplyTo(std::string_view frame, std::string_view bytes) const {
+  const auto request = WholeFrame(frame);
+  const auto reply = WholeFrame(bytes);
+  return request && reply && request->unit == reply->unit && Seal(request->text).Open(*reply);
 }
 
 }  // namespace kv

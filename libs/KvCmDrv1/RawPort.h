@@ -20,11 +20,14 @@ class RawPort final : public SerialPortObject {
   bool Output(std::string_view bytes) override;
   [[nodiscard]] std::string Input() override;
   [[nodiscard]] std::size_t InBufferSize() const override { return kInBuffer; }
+  [[nodiscard]] bool WaitForInput(Duration span) override;
+  [[nodiscard]] bool IsReplyTo(std::string_view frame, std::string_view bytes) const override;
 
  private:
   Pacer& mPacer;
   Line& mLine;
   std::function<void(Outcome outcome)> mOnOutcome;
+  std::string mWaiting;  // received, and not yet taken
 };
 
 }  // namespace kv

@@ -78,7 +78,9 @@ class clsDumpPLC {
   [[nodiscard]] std::expected<std::int64_t, CloneOutcome> ShowHead(const std::filesystem::path& file);
   [[nodiscard]] Step RestoreLine(SerialPortObject& port, std::string_view line, std::size_t number);
   [[nodiscard]] Step SendCloneCommand(SerialPortObject& port, std::string_view line);
-  [[nodiscard]] Step WaitCloneReply(SerialPortObject& port);
+  [[nodiscard]] Step WaitCloneReply(SerialPortObject& port, std::string_view line);
+  void WaitTurn(SerialPortObject& port, std::string_view line, std::string& reply);
+  void TakeInput(SerialPortObject& port, std::string& reply);
   [[nodiscard]] CloneOutcome PortFailure(CloneCause cause, const std::string& reason) const;
   [[nodiscard]] std::string WhatIsLeft() const;
 
@@ -99,6 +101,7 @@ class clsDumpPLC {
   std::string mOldLinkError;    // what its last error was before
   std::int64_t mCommands = 0;   // lines to send
   std::int64_t mSentLines = 0;  // that were answered with OK
+  std::string mLineBefore;      // the last of them
 };
 
 }  // namespace kv

@@ -69,6 +69,7 @@ void clsDumpPLC::RestoreGhost(SerialPortObject& port, const std::filesystem::pat
   mOldLinkError = link == nullptr ? "" : link->LastError().Text();
   mCommands = 0;
   mSentLines = 0;
+  mLineBefore.clear();
   const Step restored = Restore(port, file);
   mOutcome = restored ? CloneOutcome() : restored.error();
   if (restored) return Show("Clone Restore Successfully.", PromptIcon::Information);
@@ -131,7 +132,7 @@ std::expected<std::int64_t, CloneOutcome> clsDumpPLC::ShowHead(const std::filesy
 clsDumpPLC::Step clsDumpPLC::RestoreLine(SerialPortObject& port, std::string_view line, std::size_t number) {
   mWindow.Event_AddWriteCommand(line);
   Step done = SendCloneCommand(port, line);
-  if (done) done = WaitCloneReply(port);
+  if (done) done = WaitCloneReply(port, line);
   if (!done) {
     done.error().reason = "Line " + std::to_string(number) + " of the clone file: " + done.error().reason;
     return done;
@@ -147,19 +148,20 @@ clsDumpPLC::Step clsDumpPLC::SendCloneCommand(SerialPortObject& port, std::strin
   return std::unexpected(PortFailure(CloneCause::Link, "it could not be sent, because the link is down."));
 }
 
-clsDumpPLC::Step clsDumpPLC::WaitCloneReply(SerialPortObject& port) {
+clsDumpPLC::Step clsDumpPLC::WaitCloneReply(SerialPortObject& port, std::string_view line) {
   const auto fail = [&](const std::string& reason) -> Step {
     Show(kNotReady, PromptIcon::None);
     return std::unexpected(PortFailure(CloneCause::Reply, reason));
   };
+  if (line == mLineBefore) mLineBefore.clear();  // their replies are alike
   const Instant start = mPacer.Now();
   std::string reply;
   while (reply.find('\r') == std::string::npos) {
-    mPacer.Sleep(kTurn);
+    WaitTurn(port, line, reply);
     mPacer.DoEvents();
-    reply += port.Input();
+    TakeInput(port, reply);
     if (reply.find('/') != std::string::npos && reply.find('\r') != std::string::npos) {
-      mPacer.Sleep(kTurn);
+      if (!port.IsReplyTo(line, reply)) mPacer.Sleep(kTurn);
       break;
     }
     if (reply.size() + kBufferReserve > port.InBufferSize()) {
@@ -171,9 +173,31 @@ clsDumpPLC::Step clsDumpPLC::WaitCloneReply(SerialPortObject& port) {
           "the line broke.");
     }
   }
+  mLineBefore = line;
   if (reply.find("OK") != std::string::npos) return {};
   Show(kNotReady, PromptIcon::None);
   return std::unexpected(WithoutOk(reply));
+}
+
+// Both waits of a line end before their time only when what has arrived is the reply to this line, nothing but it, and
+// the line is quiet. Any other "OK" may be a late or doubled one: then the whole time passes, and what comes in the
+// second is thrown away before the next line.
+void clsDumpPLC::WaitTurn(SerialPortObject& port, std::string_view line, std::string& reply) {
+  const Instant end = mPacer.Now() + kTurn;
+  const std::size_t most = port.InBufferSize();
+  for (Instant now = end - kTurn; now < end && reply.size() < most; now = mPacer.Now()) {
+    if (port.IsReplyTo(line, reply)) return;
+    if (!port.WaitForInput(end - now)) mPacer.Sleep(std::max(end - mPacer.Now(), Duration{}));
+    TakeInput(port, reply);
+  }
+}
+
+// The reply to the line before, once more, is no reply to this one.
+void clsDumpPLC::TakeInput(SerialPortObject& port, std::string& reply) {
+  reply += port.Input();
+  const std::size_t end = reply.find('\r') + 1;
+  if (end == 0 || mLineBefore.empty()) return;
+  if (port.IsReplyTo(mLineBefore, std::string_view(reply).substr(0, end))) reply.erase(0, end);
 }
 
 }  // namespace kv

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/Time.h"
+
 namespace kv {
 
 // The port under a link, for raw traffic past the channel's exchanges (the cloner sends ready-made frames on it).
@@ -20,6 +22,16 @@ class SerialPortObject {
   [[nodiscard]] virtual std::string Input() = 0;
   // How many received bytes are kept until Input() takes them.
   [[nodiscard]] virtual std::size_t InBufferSize() const = 0;
+
+  // Waits until Input() has something to hand out, `span` at most; the surroundings get their turns meanwhile. False
+  // when nothing came, and at once where a port cannot wait: whoever has to wait all the same then sleeps.
+  [[nodiscard]] virtual bool WaitForInput([[maybe_unused]] Duration span) { return false; }
+  // Whether `bytes` are one whole reply to the request in `frame` and nothing else, beyond doubt: of its unit, with all
+  // checks, and to no other request. False also where the wire cannot tell.
+  [[nodiscard]] virtual bool IsReplyTo([[maybe_unused]] std::string_view frame,
+                                       [[maybe_unused]] std::string_view bytes) const {
+    return false;
+  }
 };
 
 }  // namespace kv

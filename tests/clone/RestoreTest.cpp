@@ -35,6 +35,10 @@ class FakePort : public SerialPortObject {
   std::string Input() override { return std::exchange(mWaiting, {}); }
   std::size_t InBufferSize() const override { return 1024; }
 
+ protected:
+  [[nodiscard]] bool HasInput() const { return !mWaiting.empty(); }
+  void Add(std::string_view bytes) { mWaiting += bytes; }
+
  private:
   CloneBench& mBench;
   std::string mWaiting = "/01WDOK left over\r";
@@ -63,6 +67,67 @@ TEST(RestoreGhost, SendsTheLinesOfTheFileAsTheyAreAndWaitsForAnOkToEach) {
   FakePort second(bench);
   EXPECT_EQ(RestoreOf(bench, second, kHead, 2).end, CloneEnd::Done);  // four head lines restore nothing
   EXPECT_EQ(bench.channel.calls, (CallLog{box + head, "Bar 0..0", good}));
+}
+
+// A port that can wait, and a partner whose replies say which line they answer.
+class SealedPort : public FakePort {
+ public:
+  explicit SealedPort(CloneBench& bench) : FakePort(bench), mBench(bench) {
+    delay = std::chrono::milliseconds(1);
+    answer = [this](int) { return ReplyTo(mLast); };
+  }
+
+  std::optional<Duration> doubledAfter;  // the first reply comes once more
+  int silentFrom = 1000;                 // this line and all behind it are not answered
+
+  static std::string ReplyTo(std::string_view frame) { return "/01OK" + std::string(frame.substr(1)); }
+
+  bool Output(std::string_view bytes) override {
+    mLast = bytes;
+    if (sent == 0 && doubledAfter) mBench.pacer.After(delay + *doubledAfter, [this, again = ReplyTo(bytes)] { Add(again); });
+    if (sent + 1 < silentFrom) return FakePort::Output(bytes);
+    ++sent;
+    return true;
+  }
+  bool WaitForInput(Duration span) override {
+    constexpr Duration kStep = std::chrono::microseconds(100);
+    for (Duration waited{}; waited < span && !HasInput(); waited += kStep) mBench.pacer.Sleep(kStep);
+    return HasInput();
+  }
+  bool IsReplyTo(std::string_view frame, std::string_view bytes) const override { return bytes == ReplyTo(frame); }
+
+ private:
+  CloneBench& mBench;
+  std::string mLast;
+};
+
+TEST(RestoreGhost, WaitsNoLongerThanForAReplyThatIsBeyondDoubt) {
+  CloneBench bench;
+  SealedPort port(bench);
+  EXPECT_EQ(RestoreOf(bench, port, kFile, 2).end, CloneEnd::Done);
+  EXPECT_EQ(bench.pacer.Now().time_since_epoch(), std::chrono::milliseconds(2));  // the time of the replies
+
+  CloneBench noisy;
+  SealedPort untidy(noisy);
+  untidy.answer = [](int) { return "/01OK\r"; };  // of whatever line
+  EXPECT_EQ(RestoreOf(noisy, untidy, kFile, 2).end, CloneEnd::Done);
+  EXPECT_EQ(noisy.pacer.Now().time_since_epoch(), std::chrono::milliseconds(40));
+}
+
+TEST(RestoreGhost, NeverTakesADoubledReplyForTheNextLines) {
+  for (const int after : {0, 1, 5, 9, 15, 30, 5000}) {
+    CloneBench bench;
+    SealedPort port(bench);
+    port.doubledAfter = std::chrono::milliseconds(after);
+    EXPECT_EQ(RestoreOf(bench, port, kFile, 2).end, CloneEnd::Done) << after;
+    EXPECT_EQ(port.sent, 2);
+
+    CloneBench silent;
+    SealedPort deaf(silent);
+    deaf.doubledAfter = std::chrono::milliseconds(after);
+    deaf.silentFrom = 2;
+    EXPECT_THAT(RestoreOf(silent, deaf, kFile, 3).reason, HasSubstr("no reply within 10 s")) << after;
+  }
 }
 
 TEST(RestoreGhost, ReadsLinesThatLostTheirLineEnds) {
