@@ -3,7 +3,6 @@
 namespace sim {
 namespace {
 
-constexpr std::size_t kPasswordBlock = 8;
 constexpr std::uint16_t kNameTopic = 1;
 constexpr std::size_t kLongestName = 20;
 constexpr std::size_t kProjectMemory = std::size_t{16} << 20;  // more than any project; a bound on what is believed
@@ -18,7 +17,6 @@ void AurexProject::Begin(std::string_view passwordBlock) {
 
 Result<void> AurexProject::Confirm(std::string_view passwordBlock) {
   if (mStep == Step::None || mStep == Step::Programmed) return Refuse(Refusal::WrongState);
-  if (passwordBlock.size() != kPasswordBlock) return Refuse(Refusal::Malformed);
   if (passwordBlock != mPasswordBlock) return Refuse(Refusal::WrongPassword);
   mStep = Step::Confirmed;
   return {};

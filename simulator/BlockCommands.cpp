@@ -21,7 +21,7 @@ constexpr std::uint32_t kStatusLength = 106;
 constexpr std::size_t kPasswordBlock = 8;
 constexpr std::uint32_t kLongestRead = 4096;
 
-using Answer = Result<BlockReply>;
+using Answer = BlockAnswer;
 
 Answer Done(std::string payload = {}) {
   return BlockReply{kDone, std::move(payload)};
@@ -66,19 +66,18 @@ Answer TellStatus(Machine& machine, const BlockRequest& request) {
 
 Answer BeginProject(Machine& machine, const BlockRequest& request) {
   if (request.payload.size() != kPasswordBlock) return Refuse(Refusal::Malformed);
-  if (machine.flash.IsBusy()) return Refuse(Refusal::Busy);
   machine.BeginLoad();
   machine.project.Begin(request.payload);
   return Done();
 }
 
 Answer ConfirmProject(Machine& machine, const BlockRequest& request) {
+  if (request.payload.size() != kPasswordBlock) return Refuse(Refusal::Malformed);
   return AnswerOf(machine.project.Confirm(request.payload));
 }
 
 Answer TakeTopic(Machine& machine, const BlockRequest& request) {
   if (request.dataLength != request.payload.size()) return Refuse(Refusal::Malformed);
-  if (machine.flash.IsBusy()) return Refuse(Refusal::Busy);
   if (!IsInBootLoader(machine)) return AnswerOf(machine.project.TakeTopic(request.param3, request.payload));
   return AnswerOf(machine.aurexOs.Take({request.param1, request.param3, request.param4, request.payload}));
 }
@@ -90,7 +89,6 @@ kv::Duration ProgrammingTime(std::size_t bytes) {
 }
 
 Answer Program(Machine& machine, const BlockRequest&) {
-  if (machine.flash.IsBusy()) return Refuse(Refusal::Busy);
   const auto bytes = IsInBootLoader(machine) ? machine.aurexOs.Program() : machine.project.Program();
   if (!bytes) return Refuse(bytes.error());
   machine.flash.Start(FlashWork::Kind::Program, ProgrammingTime(*bytes));
@@ -104,7 +102,7 @@ Answer ReadOperandRecords(Machine& machine, const BlockRequest& request) {
 }
 
 Answer ReadMemory(Machine& machine, const BlockRequest& request) {
-  if (request.dataLength > kLongestRead) return Refuse(Refusal::OutsideMemory);
+  if (request.dataLength == 0 || request.dataLength > kLongestRead) return Refuse(Refusal::PastTheEnd);
   return AnswerOf(machine.memory.Read(request.param1, request.dataLength));
 }
 
@@ -122,49 +120,47 @@ Answer SetSystemMode(Machine& machine, const BlockRequest& request) {
   return Done();
 }
 
-struct Operation {
-  std::uint16_t opCode;
-  bool needsAccess;
-  bool needsColour;
-  bool worksInBoot;
-  Answer (*execute)(Machine&, const BlockRequest&);
-};
-
 // clang-format off
-constexpr Operation kOperations[] = {
-    // code access colour boot   does
-    {0,    false, false, true,  TellRunState},
-    {1,    false, false, true,  Accept},
-    {2,    true,  false, false, ConfirmProject},
-    {7,    false, false, true,  TellStatus},
-    {8,    false, false, true,  Accept},
-    {65,   true,  false, true,  TakeTopic},
-    {66,   true,  false, false, BeginProject},
-    {69,   true,  false, true,  Program},
-    {256,  false, false, false, ReadOperandRecords},
-    {257,  false, false, false, ReadMemory},
-    {258,  false, true,  false, ListResources},
-    {259,  false, true,  false, ReadResource},
-    {260,  false, true,  false, SetSystemMode},
+constexpr BlockOperation kOperations[] = {
+    // code access flash  colour boot   payload does
+    {0,    false, false, false, true,  false,  TellRunState},
+    {1,    false, false, false, true,  false,  Accept},
+    {2,    true,  true,  false, false, true,   ConfirmProject},
+    {7,    false, false, false, true,  false,  TellStatus},
+    {8,    false, false, false, true,  false,  Accept},
+    {65,   true,  true,  false, true,  true,   TakeTopic},
+    {66,   true,  true,  false, false, true,   BeginProject},
+    {69,   true,  true,  false, true,  false,  Program},
+    {256,  false, false, false, false, true,   ReadOperandRecords},
+    {257,  false, false, false, false, false,  ReadMemory},
+    {258,  false, false, true,  true,  false,  ListResources},
+    {259,  false, false, true,  true,  false,  ReadResource},
+    {260,  false, false, true,  true,  false,  SetSystemMode},
 };
 // clang-format on
 
-const Operation* FindOperation(std::uint16_t opCode) {
-  const auto operation = std::ranges::find(kOperations, opCode, &Operation::opCode);
+const BlockOperation* FindOperation(std::uint16_t opCode) {
+  const auto operation = std::ranges::find(kOperations, opCode, &BlockOperation::opCode);
   return operation == std::end(kOperations) ? nullptr : &*operation;
 }
 
 Answer Execute(Machine& machine, const BlockRequest& request, const Connection& connection) {
-  const Operation* operation = FindOperation(request.opCode);
+  const BlockOperation* operation = FindOperation(request.opCode);
   if (operation == nullptr) return Refuse(Refusal::UnknownCommand);
   const bool isMissing = operation->needsColour && !machine.model.HasColour();
   if (isMissing || !machine.model.UnderstandsBlocks()) return Refuse(Refusal::NotOnThisModel);
   if (operation->needsAccess && !machine.MayAccess(connection)) return Refuse(Refusal::PasswordNeeded);
   if (IsInBootLoader(machine) && !operation->worksInBoot) return Refuse(Refusal::WrongState);
+  if (operation->needsFlash && machine.flash.IsBusy()) return Refuse(Refusal::Busy);
+  if (!operation->takesPayload && !request.payload.empty()) return Refuse(Refusal::Malformed);
   return operation->execute(machine, request);
 }
 
 }  // namespace
+
+std::span<const BlockOperation> AllBlockOperations() {
+  return kOperations;
+}
 
 BlockReply ExecuteBlock(Machine& machine, const BlockRequest& request, const Connection& connection) {
   auto answer = Execute(machine, request, connection);
@@ -175,7 +171,7 @@ BlockReply ExecuteBlock(Machine& machine, const BlockRequest& request, const Con
 
 // What a controller guards is what it keeps.
 bool MayChangeState(std::uint16_t opCode) {
-  const Operation* operation = FindOperation(opCode);
+  const BlockOperation* operation = FindOperation(opCode);
   return operation != nullptr && operation->needsAccess;
 }
 

@@ -8,6 +8,7 @@
 #include "base/Crc32.h"
 #include "base/Numbers.h"
 #include "base/ScopeGuard.h"
+#include "simulator/HexText.h"
 
 namespace sim {
 namespace {
@@ -49,7 +50,7 @@ TextReply ControllerDesk::Execute(std::string_view text, Connection& connection,
 
 TextReply ControllerDesk::AnswerSync(std::string_view text) const {
   TextReply reply;
-  if (text.size() != kSyncRequestSize) {
+  if (text.size() != kSyncRequestSize || !IsHexText(text.substr(2, kSyncTagEnd - 2))) {
     reply.text = RefusalText(text, Refusal::Malformed);
   } else {
     reply.text = std::string(text.substr(0, kSyncTagEnd)) + kv::ToHex(mLast.counter, 4) + kv::ToHex(mLast.crc, 8) +

@@ -19,25 +19,11 @@ constexpr std::size_t kLongestName = 20;
 constexpr std::size_t kLongestProjectPiece = 256;
 constexpr std::size_t kOsBlock = 64;
 
-Result<void> StartWork(Machine& machine, FlashWork::Kind kind, milliseconds length) {
-  if (machine.flash.IsBusy()) return Refuse(Refusal::Busy);
-  machine.flash.Start(kind, length);
-  return {};
-}
-
-Result<void> CheckProjectDownload(const Machine& machine) {
-  if (!machine.compactProjectBegun) return Refuse(Refusal::WrongState);
-  if (machine.flash.IsBusy()) return Refuse(Refusal::Busy);
-  return {};
-}
-
 }  // namespace
 
 Answer EraseProject(TextCall& call) {
   Machine& machine = call.machine;
-  if (const auto works = StartWork(machine, FlashWork::Kind::EraseProject, kProjectEraseTime); !works) {
-    return Refuse(works.error());
-  }
+  machine.flash.Start(FlashWork::Kind::EraseProject, kProjectEraseTime);
   machine.BeginLoad();
   machine.compactProjectBegun = true;
   machine.identity.projectName.clear();
@@ -52,7 +38,7 @@ Answer TellProjectMemory(TextCall& call) {
 Answer NameProject(TextCall& call) {
   const std::string name = call.fields.RestAsBytes();
   if (!call.fields.IsGood() || name.size() > kLongestName) return Refuse(Refusal::Malformed);
-  if (const auto ready = CheckProjectDownload(call.machine); !ready) return Refuse(ready.error());
+  if (!call.machine.compactProjectBegun) return Refuse(Refusal::WrongState);
   call.machine.identity.projectName = ProjectNameIn(name);
   return std::string();
 }
@@ -62,7 +48,7 @@ Answer WriteProject(TextCall& call) {
   const std::string bytes = call.fields.RestAsBytes();
   if (!call.fields.IsGood() || bytes.empty() || bytes.size() > kLongestProjectPiece) return Refuse(Refusal::Malformed);
   Machine& machine = call.machine;
-  if (const auto ready = CheckProjectDownload(machine); !ready) return Refuse(ready.error());
+  if (!machine.compactProjectBegun) return Refuse(Refusal::WrongState);
   const std::size_t segment = machine.memory.IndexOf("AP");
   const std::size_t size = machine.memory.Content(segment).size();
   if (address > size || bytes.size() > size - address) return Refuse(Refusal::OutsideMemory);
@@ -71,8 +57,8 @@ Answer WriteProject(TextCall& call) {
 }
 
 Answer TestFlash(TextCall& call) {
-  const auto works = StartWork(call.machine, FlashWork::Kind::Test, kTestTime);
-  return works ? Answer(std::string()) : Refuse(works.error());
+  call.machine.flash.Start(FlashWork::Kind::Test, kTestTime);
+  return std::string();
 }
 
 Answer TellFlash(TextCall& call) {
@@ -80,8 +66,7 @@ Answer TellFlash(TextCall& call) {
 }
 
 Answer EraseOs(TextCall& call) {
-  const auto works = StartWork(call.machine, FlashWork::Kind::EraseOs, kOsEraseTime);
-  if (!works) return Refuse(works.error());
+  call.machine.flash.Start(FlashWork::Kind::EraseOs, kOsEraseTime);
   call.machine.compactOs.Erase();
   call.machine.identity.hasOs = false;
   return std::string();
@@ -96,7 +81,6 @@ Answer WriteOsBlock(TextCall& call) {
   const std::uint32_t address = call.fields.Number(4);
   const std::string block = call.fields.Bytes(kOsBlock);
   if (!call.fields.IsGoodAndDone()) return Refuse(Refusal::Malformed);
-  if (call.machine.flash.IsBusy()) return Refuse(Refusal::Busy);
   const auto written = call.machine.compactOs.Write(address, block);
   return written ? Answer(std::string()) : Refuse(written.error());
 }

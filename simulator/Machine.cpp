@@ -33,26 +33,19 @@ void Machine::SetOs(const OsVersion& os) {
   operands.SetOlderOs(HasOlderOperandCounts(model, os.number));
 }
 
-Result<void> Machine::Stop() {
-  if (mState == RunState::Boot) return Refuse(Refusal::WrongState);
+void Machine::Stop() {
   if (mState == RunState::Running) mState = RunState::Stopped;  // a load has stopped the program already
-  return {};
 }
 
-Result<void> Machine::Run() {
-  if (mState == RunState::Boot) return Refuse(Refusal::WrongState);
-  if (const auto idle = CheckIdle(); !idle) return idle;
+void Machine::Run() {
   restore.End();
   compactProjectBegun = false;
   if (!project.IsProgrammed()) project.Drop();
   mState = RunState::Running;
-  return {};
 }
 
-Result<void> Machine::Reset() {
-  if (const auto idle = CheckIdle(); !idle) return idle;
+void Machine::Reset() {
   PowerUp();
-  return {};
 }
 
 void Machine::Restart() {
@@ -88,12 +81,10 @@ void Machine::PowerUp() {
   mState = identity.hasOs ? RunState::Running : RunState::Boot;
 }
 
-Result<void> Machine::EnterBootLoader() {
-  if (const auto idle = CheckIdle(); !idle) return idle;
-  if (mState == RunState::Boot) return {};
+void Machine::EnterBootLoader() {
+  if (mState == RunState::Boot) return;
   BeginLoad();
   mState = RunState::Boot;
-  return {};
 }
 
 void Machine::BeginLoad() {
@@ -116,11 +107,6 @@ void Machine::Advance(kv::Instant now) {
   mNow = std::max(mNow.value_or(now), now);
   flash.Advance(elapsed);
   mMovingValues.Advance(operands, elapsed, mState == RunState::Running);
-}
-
-Result<void> Machine::CheckIdle() const {
-  if (flash.IsBusy()) return Refuse(Refusal::Busy);
-  return {};
 }
 
 }  // namespace sim

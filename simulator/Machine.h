@@ -39,7 +39,7 @@ struct Identity {
 //   any but Boot --WD, CCM, block 66, DE--> Loading --CCR, CCE, ED--> Running
 //   any --CCB--> Boot --CCE, with an O/S--> Running
 //
-// Run, Reset and EnterBootLoader are refused as busy while the flash is at work; Restart cuts its work short.
+// Which step is possible when (state, flash at rest) is in the command tables; Restart cuts the flash's work short.
 class Machine {
  public:
   // A controller at its first power-up. Without a seed of its own the memory depends on model and unit.
@@ -67,11 +67,11 @@ class Machine {
   // Says what is reported and how many operands there are from now on.
   void SetOs(const OsVersion& os);
 
-  [[nodiscard]] Result<void> Stop();
-  [[nodiscard]] Result<void> Run();
-  [[nodiscard]] Result<void> Reset();  // takes what was programmed into effect
-  void Restart();                      // power fails and comes back
-  [[nodiscard]] Result<void> EnterBootLoader();
+  void Stop();
+  void Run();
+  void Reset();    // takes what was programmed into effect
+  void Restart();  // power fails and comes back
+  void EnterBootLoader();
   void BeginLoad();  // stops the program, drops what was being loaded before
 
   // Takes the password of a request: on the right one the connection has access from now on.
@@ -81,7 +81,6 @@ class Machine {
   void Advance(kv::Instant now);
 
  private:
-  [[nodiscard]] Result<void> CheckIdle() const;
   void PowerUp();
 
   RunState mState = RunState::Running;

@@ -48,14 +48,13 @@ Answer ReadMemory(TextCall& call) {
   const std::uint32_t address = call.fields.Number(8);
   const std::uint32_t length = call.fields.Number(4);
   if (!call.fields.IsGoodAndDone()) return Refuse(Refusal::Malformed);
-  if (length > kLongestRead) return Refuse(Refusal::OutsideMemory);
+  if (length == 0 || length > kLongestRead) return Refuse(Refusal::PastTheEnd);
   const auto bytes = call.machine.memory.Read(address, length);
   if (!bytes) return Refuse(bytes.error());
   return kv::ToHex(address, 8) + kv::ToHex(length, 4) + HexOfBytes(*bytes);
 }
 
 Answer BeginRestore(TextCall& call) {
-  if (call.machine.flash.IsBusy()) return Refuse(Refusal::Busy);
   OpenRestore(call.machine);
   return std::string();
 }
@@ -68,7 +67,6 @@ Answer WriteMemory(TextCall& call) {
   const bool isWellFormed = call.fields.IsGoodAndDone() && (letter == 'F' || letter == 'R') && count % 2 == 0;
   if (!isWellFormed) return Refuse(Refusal::Malformed);
   Machine& machine = call.machine;
-  if (machine.flash.IsBusy()) return Refuse(Refusal::Busy);
   if (const auto fits = Restore::Check(machine.memory, letter, address, bytes); !fits) return Refuse(fits.error());
   if (!machine.restore.IsOpen()) OpenRestore(machine);
   machine.restore.Write(machine.memory, address, bytes);
@@ -97,7 +95,6 @@ Answer WriteFlash(TextCall& call) {
   if (!call.fields.IsGood() || bytes.size() > kFlashBlock) return Refuse(Refusal::Malformed);
   if (bytes.empty()) return address == 0 ? Answer(std::string()) : Refuse(Refusal::Malformed);  // the closing text
   Machine& machine = call.machine;
-  if (machine.flash.IsBusy()) return Refuse(Refusal::Busy);
   if (WritesOs(machine)) {
     const auto written = machine.compactOs.Write(address, bytes);
     return written ? Answer(std::string()) : Refuse(written.error());

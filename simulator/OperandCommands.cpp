@@ -20,12 +20,17 @@ struct OperandSpan {
   }
 };
 
-Result<OperandSpan> TakeSpan(HexReader& fields) {
+// Type, start, count, and digits to the end: `hasValues` tells whether so many values follow or nothing. How many
+// digits a value has is not known for a type that nobody knows, so that is told last.
+Result<OperandSpan> TakeSpan(HexReader& fields, bool hasValues) {
   const std::uint32_t code = fields.Number(2);
   const std::uint32_t start = fields.Number(4);
   const std::uint32_t count = fields.Number(4);
-  if (!fields.IsGood()) return Refuse(Refusal::Malformed);
+  if (!fields.IsGood() || !IsHexText(fields.Rest())) return Refuse(Refusal::Malformed);
   const OperandTypeRow* type = FindOperandType(code);
+  const bool isKnownLength = type != nullptr || !hasValues;
+  const std::size_t digits = hasValues && type != nullptr ? count * type->Digits() : 0;
+  if (isKnownLength && fields.Rest().size() != digits) return Refuse(Refusal::Malformed);
   if (type == nullptr) return Refuse(Refusal::UnknownOperandType);
   return OperandSpan{type, start, count};
 }
@@ -33,9 +38,8 @@ Result<OperandSpan> TakeSpan(HexReader& fields) {
 }  // namespace
 
 Answer ReadOperands(TextCall& call) {
-  const auto span = TakeSpan(call.fields);
+  const auto span = TakeSpan(call.fields, false);
   if (!span) return Refuse(span.error());
-  if (!call.fields.IsGoodAndDone()) return Refuse(Refusal::Malformed);
   const auto values = call.machine.operands.Read(*span->type, span->start, span->count);
   if (!values) return Refuse(values.error());
   std::string reply = span->Echo();
@@ -47,14 +51,13 @@ Answer ReadOperands(TextCall& call) {
 }
 
 Answer WriteOperands(TextCall& call) {
-  const auto span = TakeSpan(call.fields);
+  const auto span = TakeSpan(call.fields, true);
   if (!span) return Refuse(span.error());
   if (const auto allowed = call.machine.operands.CheckWrite(*span->type, span->start, span->count); !allowed) {
     return Refuse(allowed.error());
   }
   std::vector<std::uint32_t> values(span->count);
   for (std::uint32_t& value : values) value = call.fields.Number(span->type->Digits());
-  if (!call.fields.IsGoodAndDone()) return Refuse(Refusal::Malformed);
   const auto written = call.machine.operands.Write(*span->type, span->start, values);
   if (!written) return Refuse(written.error());
   return span->Echo() + "OK";

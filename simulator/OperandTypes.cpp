@@ -65,8 +65,8 @@ constexpr OperandTypeRow kTypes[] = {
     {0x53, 1, {Area::TimerPreset},    {4},        60, false, true},
     {0x54, 1, {Area::TimerCurrent},   {4},        60, false, true},
     {0x55, 1, {Area::TimerBit},       {2},       120, false, false},
-    {0x56, 1, {Area::CounterPreset},  {8},        30, true,  false},
-    {0x57, 1, {Area::CounterCurrent}, {8},        30, true,  false},
+    {0x56, 1, {Area::CounterPreset},  {8},        60, true,  false},
+    {0x57, 1, {Area::CounterCurrent}, {8},        60, true,  false},
 };
 // clang-format on
 

@@ -97,12 +97,11 @@ Result<std::string> Resources::Piece(std::uint16_t kind, std::uint16_t id, std::
                                      std::uint32_t length) const {
   const auto resources = Of(kind);
   if (!resources) return Refuse(resources.error());
+  if (length == 0 || length > kLargestPiece) return Refuse(Refusal::PastTheEnd);
   const auto resource = std::ranges::find(**resources, id, &Resource::id);
   if (resource == (*resources)->end()) return Refuse(Refusal::OutsideMemory);
   const std::string& data = resource->data;
-  if (length == 0 || length > kLargestPiece || offset > data.size() || length > data.size() - offset) {
-    return Refuse(Refusal::OutsideMemory);
-  }
+  if (offset > data.size() || length > data.size() - offset) return Refuse(Refusal::OutsideMemory);
   return data.substr(offset, length);
 }
 

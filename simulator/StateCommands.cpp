@@ -8,29 +8,27 @@ constexpr int kFastBaud = 57600;
 constexpr int kSlowBaud = 9600;
 constexpr std::size_t kPasswordSize = 8;
 
-Answer AnswerOf(const Result<void>& done) {
-  if (!done) return Refuse(done.error());
-  return std::string();
-}
-
 }  // namespace
 
 Answer Stop(TextCall& call) {
-  return AnswerOf(call.machine.Stop());
+  call.machine.Stop();
+  return std::string();
 }
 
 Answer Run(TextCall& call) {
-  return AnswerOf(call.machine.Run());
+  call.machine.Run();
+  return std::string();
 }
 
 Answer Reset(TextCall& call) {
-  const auto done = call.machine.Reset();
-  call.reply.resets = done.has_value();
-  return AnswerOf(done);
+  call.machine.Reset();
+  call.reply.resets = true;
+  return std::string();
 }
 
 Answer EnterBootLoader(TextCall& call) {
-  return AnswerOf(call.machine.EnterBootLoader());
+  call.machine.EnterBootLoader();
+  return std::string();
 }
 
 // Nothing has to be made ready in here.

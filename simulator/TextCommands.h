@@ -18,9 +18,8 @@ struct TextCall {
   TextReply& reply;  // for what the line has to do afterwards
 };
 
-// Finds the command, checks what the command table says of it (model, access, state), and executes it. The refusals are
-// checked in the order: not known, not on this model, malformed tag, no access, wrong state, then what the command
-// itself finds.
+// Finds the command, checks what the command table says of it, and executes it. Refusals come in the order: not known,
+// not on this model, no access, wrong state, busy, malformed, then what the command itself finds.
 [[nodiscard]] TextReply ExecuteText(Machine& machine, std::string_view text, Connection& connection);
 
 // The commands, by file. Each gives the reply behind the name (and tag), or why it is refused.

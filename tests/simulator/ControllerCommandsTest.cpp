@@ -120,6 +120,7 @@ TEST(ControllerCommands, ResourcesAreReadPieceByPiece) {
   EXPECT_EQ(first.payload.substr(0, 6), std::string("BM\x36\x1B\0\0", 6));
   EXPECT_EQ(first.payload.size() + rest.payload.size(), 54U + 48 * 48 * 3);
   EXPECT_EQ(bench.Block(259, 4096, 4096, 2, 7).status, 128 + 0x0B);
+  EXPECT_EQ(bench.Block(259, 0, 0, 2, 9).status, 128 + 4);
   EXPECT_EQ(bench.Block(259, 0, 1, 2, 9).status, 128 + 0x0B);
   EXPECT_EQ(bench.Block(258, 0, 0, 3).status, 128 + 2);
   EXPECT_EQ(Bench("K330").Block(258, 0, 0, 1).status, 128 + 0x0E);

@@ -31,7 +31,7 @@ TEST(Memory, SegmentsAreOfBothKindsAndFitNoBlock) {
 TEST(Memory, RefusesWhatIsOutsideOrMalformed) {
   const std::string reads[][2] = {{"000FFFFF0001", "0B"},  // before the first segment
                                   {"001017A10002", "0B"},  // over the end of OP
-                                  {"001000000000", "0B"}, {"001000000201", "0B"},
+                                  {"001000000000", "04"}, {"001000000201", "04"},
                                   {"FFFFFFFF0200", "0B"}, {"0010000001", "02"}};
   Bench bench("K330");
   for (const auto& [fields, code] : reads) EXPECT_EQ(bench.Own("RM", fields), "ERROR" + code) << fields;
@@ -40,7 +40,10 @@ TEST(Memory, RefusesWhatIsOutsideOrMalformed) {
                                    {"WDR00200000020102", "0C"},   {"WDR001017A2020102", "0B"}};
   for (const auto& [text, code] : writes) EXPECT_EQ(bench.Text(text), "WDERROR" + code) << text;
   EXPECT_EQ(bench.State(), 'R');  // none of them began a load
-  EXPECT_EQ(bench.Block(257, 0x00100000, 4097).status, 128 + 0x0B);
+  for (const std::uint32_t count : {0U, 4097U}) {
+    EXPECT_EQ(bench.Block(257, 0xFFFFFFFF, count).status, 128 + 4);
+  }
+  EXPECT_EQ(bench.Block(257, 0x00100000, 1, 0, 0, "x").status, 128 + 2);  // takes no payload
   EXPECT_EQ(bench.Block(257, 0x00100000, 4096).payload.size(), 4096U);
 }
 

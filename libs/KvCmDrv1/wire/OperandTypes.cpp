@@ -37,8 +37,8 @@ constexpr auto kTypes = std::to_array<OperandType>({
     {0x53, "TIMER PRESET",      Word,    60,  kWord},
     {0x54, "TIMER CURRENT",     Word,    60,  kWord},
     {0x55, "TIMER VALUE",       Bit,     120, 1},
-    {0x56, "COUNTER PRESET",    Long,    30,  kWord},
-    {0x57, "COUNTER CURRENT",   Long,    30,  kWord},
+    {0x56, "COUNTER PRESET",    Long,    60,  kWord},
+    {0x57, "COUNTER CURRENT",   Long,    60,  kWord},
 });
 // clang-format on
 
