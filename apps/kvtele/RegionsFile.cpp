@@ -1,7 +1,9 @@
 #include "apps/kvtele/RegionsFile.h"
 
+#include "apps/kvtele/Operands.h"
 #include "base/AtomicFile.h"
 #include "base/PathText.h"
+#include "dataview/RegionTransfer.h"
 #include "dataview/files/RegionFile.h"
 
 namespace kv::cli {
@@ -9,6 +11,18 @@ namespace kv::cli {
 using namespace mdlDataTypesView;
 
 namespace {
+
+// Stricter than the file, in which a region may end one address too far: the controller would refuse it.
+std::expected<std::vector<RegionRow>, Failure> AllOfModel(std::vector<RegionRow> rows, std::string_view model) {
+  for (const RegionRow& row : rows) {
+    auto fits = CheckFitsModel(row.region, model);
+    if (fits) continue;
+    fits.error().cure =
+        "open the file in the operand view, " + PastEndCure(row.region, model) + "; save the file again";
+    return std::unexpected(std::move(fits).error());
+  }
+  return rows;
+}
 
 // The text of a message box, whose lines end with CR LF, as one line.
 std::string OneLine(std::string_view text) {
@@ -39,7 +53,7 @@ std::expected<RegionsFile, Failure> RegionsFile::Read(const std::string& file) {
 
 std::expected<std::vector<RegionRow>, Failure> RegionsFile::RowsFor(std::string_view model) const {
   auto rows = ParseRegionFile(mBytes, model);
-  if (rows) return *std::move(rows);
+  if (rows) return AllOfModel(*std::move(rows), model);
   return std::unexpected(BadFileFailure(mFile, OneLine(rows.error().Message()), rows.error().reason));
 }
 

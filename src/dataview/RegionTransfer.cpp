@@ -12,6 +12,7 @@
 #include "dataview/TypeTable.h"
 #include "dataview/ValueRange.h"
 #include "dataview/mdlFloatHandling.h"
+#include "link/ControllerErrorText.h"
 #include "link/LinkTexts.h"
 #include "models/ModelCatalogue.h"
 
@@ -46,6 +47,13 @@ LinkError NotInList(const Region& region) {
           .happened = "operands of this type cannot be read from this model",
           .cause = "the model is read with list reads, which do not know this type",
           .cure = "select the model Q50 or Q50Net, or remove the regions of this type"};
+}
+
+// What the channel has found, with a cure for somebody who works with regions.
+LinkError ChannelError(Channel& channel, const Region& region, std::string_view model) {
+  LinkError error = channel.LastError();
+  if (error.controllerCode == kPastEndCode) error.cure = PastEndCure(region, model);
+  return error;
 }
 
 LinkError WrongReply(const Region& region) {
@@ -132,7 +140,7 @@ ReadResult ReadByList(const Request& request) {
                                                  .start = request.region.from,
                                                  .count = static_cast<std::int32_t>(request.Count())}};
   const auto lists = request.channel.ReadOperandList(records, request.unit);
-  if (!lists) return std::unexpected(request.channel.LastError());
+  if (!lists) return std::unexpected(ChannelError(request.channel, request.region, request.model));
   if (lists->size() != records.size()) return std::unexpected(WrongReply(request.region));
   return ListTexts(request, lists->front());
 }
@@ -157,7 +165,7 @@ struct ReadCompactWith {
   ReadResult Collect(Read read, TextOf textOf) const {
     const auto count = static_cast<std::int16_t>(request.Count());
     const auto values = (request.channel.*read)(request.Start(), count, request.unit);
-    if (!values) return std::unexpected(request.channel.LastError());
+    if (!values) return std::unexpected(ChannelError(request.channel, request.region, request.model));
     if (values->size() != request.Count()) return std::unexpected(WrongReply(request.region));
     Texts texts;
     texts.reserve(values->size());
@@ -215,13 +223,19 @@ struct WriteWith {
       values.push_back(*value);
     }
     if (!(request.channel.*write)(request.Start(), values, request.unit)) {
-      return std::unexpected(request.channel.LastError());
+      return std::unexpected(ChannelError(request.channel, request.region, request.model));
     }
     return {};
   }
 };
 
 }  // namespace
+
+std::string PastEndCure(const Region& region, std::string_view model) {
+  const std::int32_t count = OperandCount(region.type, model);
+  const std::string remove = "remove the region";
+  return count == 0 ? remove : remove + ", and add it anew with addresses from 0 to " + std::to_string(count - 1);
+}
 
 bool IsReadableFrom(std::string_view model, OperandTypeCode type) {
   const TypeFacts* facts = FactsOf(type);

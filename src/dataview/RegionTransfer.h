@@ -32,6 +32,9 @@ inline constexpr std::string_view kReadOnlyRegionsMessage =
 // Whether operands of this type can be read from this model at all. DBI has no list read.
 [[nodiscard]] bool IsReadableFrom(std::string_view model, OperandTypeCode type);
 
+// What to do about a region that ends past the operands that the model has.
+[[nodiscard]] std::string PastEndCure(const Region& region, std::string_view model);
+
 // The region's raw value texts in address order. None, and nothing sent, for a type that such a controller does not
 // have. A type without a list read, where one is needed, is an error and sends nothing.
 [[nodiscard]] std::expected<std::vector<std::string>, LinkError> ReadRegion(Channel& channel, std::string_view model,

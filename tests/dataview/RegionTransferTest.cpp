@@ -87,6 +87,18 @@ TEST(ReadRegion, SaysWhyItFailsAndSendsNothingThatCannotBeAsked) {
   EXPECT_TRUE(channel.calls.empty());
 }
 
+// A region may end one address too far, and only the controller says so: all that can be done is to remove it.
+TEST(ReadRegion, ARegionPastTheEndIsToBeRemoved) {
+  test::FakeChannel channel;
+  channel.error = {.code = LinkErrorCode::Refused, .controllerCode = 4, .doing = "", .happened = "", .cure = "choose"};
+  const std::string cure = "remove the region, and add it anew with addresses from 0 to 2047";
+  EXPECT_EQ(ReadRegion(channel, kAurex, From5(MI)).error().cure, cure);
+  EXPECT_EQ(WriteRegion(channel, kAurex, From5(MI), Texts{"1", "2"}).error().cure, cure);
+  EXPECT_NE(ReadRegion(channel, "Q50", From5(MI)).error().cure, "choose");
+  channel.error.controllerCode = 3;
+  EXPECT_EQ(ReadRegion(channel, kAurex, From5(MI)).error().cure, "choose");
+}
+
 TEST(WriteRegion, SendsNothingForATextThatCannotBeConvertedOrATypeThatIsReadOnly) {
   test::FakeChannel channel;
   channel.succeeds = true;

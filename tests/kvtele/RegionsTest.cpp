@@ -61,7 +61,8 @@ TEST_F(Regions, ThatCannotBeUsedAreRefusedBeforeAnyOperandIsAskedFor) {
   const std::string mi = "2\tMI\t0\t9\t\r\n";
   const std::tuple<const char*, const char*, std::string, const char*, int, const char*> cases[] = {
       {"K220-22-R1", "Q50", mi, nullptr, 6, "The file applies to a different controller model"},
-      {"K220-22-R1", "Aurex", "2\tMI\t2048\t2048\t\r\n", nullptr, 4, "use addresses from 0 to 2047"},
+      {"K220-22-R1", "Aurex", "2\tMI\t2048\t2048\t\r\n", nullptr, 4,
+       "remove the region, and add it anew with addresses from 0 to 2047; save the file again"},
       {"K220-22-R1", "Aurex", mi, "MI,0,1\nMI,1,1.5\n", 6, "line 2: MI 1 is \"1.5\""},
       {"K220-22-R1", "Aurex", mi, "MI,0,\n", 6, "out of the legal range"},
       {"K220-22-R1", "Aurex", mi, "MI,0,1\nMI,10,1\n", 6, "line 2: MI 10 is in none of the regions"},
