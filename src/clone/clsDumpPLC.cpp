@@ -8,6 +8,7 @@
 #include "clone/CloneFrame.h"
 #include "clone/CloneLines.h"
 #include "link/OsVersion.h"
+#include "models/ModelCatalogue.h"
 
 // Creating a clone. Restoring is in clsDumpPLCRestore.cpp.
 namespace kv {
@@ -63,6 +64,14 @@ std::expected<void, CloneOutcome> CheckLengths(const std::vector<CloneSegment>& 
   return {};
 }
 
+// Colour controllers report their version in fields, the newest O/S too.
+std::string OldOsCure(const VersionInfo& version) {
+  const bool isInFields = IsColourModel(version.model) || ParseColourOsVersion(version.osVersion).has_value();
+  return isInFields ? "Controllers of this model report their version in another form, with every O/S: no update helps, "
+                      "and their memory cannot be kept in a clone file."
+                    : "Update its O/S first.";
+}
+
 }  // namespace
 
 void clsDumpPLC::CreateGhost(Channel& link, const std::filesystem::path& file, const Finish& finish) {
@@ -108,7 +117,7 @@ std::expected<VersionInfo, CloneOutcome> clsDumpPLC::SupportsCloning(Channel& li
   if (!version) return LinkFailure(link);
   if (ParsePlainOsVersion(version->osVersion).value_or(0) < kFirstOsWithClones) {
     return Failure(CloneCause::OldOs, "The controller's O/S version is \"" + AnsiToUtf8(version->osVersion) +
-                                          "\"; clones need 4.60 or newer, in plain digits. Update its O/S first.");
+                                          "\"; clones need 4.60 or newer, in plain digits. " + OldOsCure(*version));
   }
   return *version;
 }
