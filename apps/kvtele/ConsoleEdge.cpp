@@ -48,6 +48,10 @@ ConsoleSetup::~ConsoleSetup() {
   if (mPreviousCodePage != 0) SetConsoleOutputCP(mPreviousCodePage);
 }
 
+bool OutputIsTerminal() {
+  return _isatty(_fileno(stdout)) != 0;
+}
+
 bool ErrorIsTerminal() {
   return _isatty(_fileno(stderr)) != 0;
 }
@@ -63,6 +67,10 @@ ConsoleSetup::ConsoleSetup() {
 }
 
 ConsoleSetup::~ConsoleSetup() = default;
+
+bool OutputIsTerminal() {
+  return isatty(STDOUT_FILENO) != 0;
+}
 
 bool ErrorIsTerminal() {
   return isatty(STDERR_FILENO) != 0;

@@ -22,7 +22,8 @@ class ConsoleSetup {
   [[maybe_unused]] unsigned mPreviousCodePage = 0;  // on Windows
 };
 
-// Whether the standard error is a terminal.
+// Whether the standard output, and the standard error, is a terminal.
+[[nodiscard]] bool OutputIsTerminal();
 [[nodiscard]] bool ErrorIsTerminal();
 
 }  // namespace kv::cli

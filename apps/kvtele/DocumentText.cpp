@@ -1,12 +1,14 @@
 #include "apps/kvtele/DocumentText.h"
 
+#include "desktop/console/HarmlessText.h"
+
 namespace kv::cli {
 
 namespace {
 
 std::string Shown(const nlohmann::ordered_json& value) {
   const std::string text = value.is_null() ? "" : value.is_string() ? value.get<std::string>() : value.dump();
-  return text.empty() ? "-" : text;
+  return text.empty() ? "-" : HarmlessText(text);  // a line end in it would look like one more line
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <array>
 #include <string_view>
 
+#include "desktop/console/HarmlessText.h"
+
 namespace kv::cli {
 
 namespace {
@@ -42,7 +44,8 @@ const CodeRow& RowOf(LinkErrorCode code) {
 }  // namespace
 
 std::string Failure::Text() const {
-  return LinkError{LinkErrorCode::BadArgument, 0, doing, happened, cause, cure}.Text() + "\n";
+  const std::string text = LinkError{LinkErrorCode::BadArgument, 0, doing, happened, cause, cure}.Text();
+  return HarmlessText(text, "\n\t") + "\n";  // what a controller said may be in it
 }
 
 Failure UsageFailure(std::string happened, std::string cure) {

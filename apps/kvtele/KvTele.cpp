@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include "apps/kvtele/Verb.h"
+#include "base/Numbers.h"
 
 namespace kv::cli {
 
@@ -97,10 +98,27 @@ bool WantsJson(const std::vector<std::string>& arguments) {
   return std::find(arguments.begin(), end, "--json") != end;
 }
 
+// JSON writes the control characters below 32 as numbers; those from 127 to 159 are written so too, which says the
+// same.
+std::string WithoutControls(const std::string& json) {
+  std::string text;
+  for (std::size_t i = 0; i < json.size(); ++i) {
+    const auto next = static_cast<unsigned char>(i + 1 < json.size() ? json[i + 1] : '\0');
+    const bool isPair = json[i] == '\xC2' && next >= 0x80 && next < 0xA0;
+    if (isPair || json[i] == '\x7F') {
+      text += "\\u00" + ToHex(isPair ? next : 0x7FU, 2);
+      i += isPair ? 1 : 0;
+    } else {
+      text += json[i];
+    }
+  }
+  return text;
+}
+
 std::string JsonText(const nlohmann::ordered_json& document) {
   if (document.is_null()) return {};  // the command has printed everything by itself
   // Texts come from controllers and file names; what is not UTF-8 in them must not cost the user the document.
-  return document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+  return WithoutControls(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)) + "\n";
 }
 
 std::string JsonText(const Failure& failure) {

@@ -7,6 +7,7 @@
 #include "base/ProgramPaths.h"
 #include "desktop/PacerWallClock.h"
 #include "desktop/console/ConsolePacer.h"
+#include "desktop/console/HarmlessText.h"
 
 int main(int argc, char** argv) {
   using namespace kv;
@@ -14,11 +15,16 @@ int main(int argc, char** argv) {
   ConsolePacer pacer;
   const PacerWallClock clock;
   TerminalInput input;
-  cli::DriverMaker drivers(pacer, std::cerr);
+  const bool errIsTerminal = cli::ErrorIsTerminal();
+  HarmlessBuffer shownOut(std::cout, "\n\t");
+  HarmlessBuffer shownErr(std::cerr, "\n\t\r");  // progress is written over and over in one line
+  std::ostream terminalOut(&shownOut);
+  std::ostream terminalErr(&shownErr);
+  cli::DriverMaker drivers(pacer, clock, std::cerr);
   cli::Environment environment{
-      .out = std::cout,
-      .err = std::cerr,
-      .errIsTerminal = cli::ErrorIsTerminal(),
+      .out = cli::OutputIsTerminal() ? terminalOut : std::cout,
+      .err = errIsTerminal ? terminalErr : std::cerr,
+      .errIsTerminal = errIsTerminal,
       .input = input,
       .pacer = pacer,
       .clock = clock,
