@@ -1,17 +1,34 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QMessageBox>
+#include <algorithm>
+#include <array>
 #include <exception>
 #include <filesystem>
+#include <memory>
+#include <string_view>
 
 #include "apps/KvTeleExe/TelepanelProgram.h"
 #include "base/PathText.h"
 
+namespace {
+
+// What is only printed needs no screen, and is asked for where there may be none.
+bool OnlyPrints(int argc, char** argv) {
+  constexpr std::array<std::string_view, 6> kPrinted{"-h", "-?", "--help", "--help-all", "-v", "--version"};
+  return std::any_of(argv + 1, argv + argc, [&](std::string_view argument) {
+    return std::ranges::find(kPrinted, argument) != kPrinted.end();
+  });
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
-  QApplication application(argc, argv);
-  QApplication::setApplicationName("KvTeleExe");
-  QApplication::setApplicationVersion(KV_VERSION);
-  QApplication::setQuitOnLastWindowClosed(false);  // the program ends when its host does
+  QCoreApplication::setApplicationName("KvTeleExe");
+  QCoreApplication::setApplicationVersion(KV_VERSION);
+  const std::unique_ptr<QCoreApplication> application(OnlyPrints(argc, argv) ? new QCoreApplication(argc, argv)
+                                                                             : new QApplication(argc, argv));
+  QGuiApplication::setQuitOnLastWindowClosed(false);  // the program ends when its host does
 
   QCommandLineParser options;
   options.setApplicationDescription("Shows and serves Korvantis controllers.");
@@ -20,7 +37,8 @@ int main(int argc, char** argv) {
   const QCommandLineOption home("home", "The program folder, with the sessions; otherwise that of the executable.",
                                 "DIR");
   options.addOption(home);
-  options.process(application);
+  options.process(*application);
+  if (OnlyPrints(argc, argv)) options.showHelp();  // such a word in the place of a folder's name
 
   const std::filesystem::path folder =
       options.isSet(home) ? std::filesystem::absolute(kv::PathFromUtf8(options.value(home).toStdString()))
