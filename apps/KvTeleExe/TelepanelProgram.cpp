@@ -69,6 +69,7 @@ std::unique_ptr<frmTAPI> TelepanelProgram::LoadTapi() {
 std::unique_ptr<CommDriver> TelepanelProgram::MakeDriver() {
   auto driver =
       std::make_unique<Driver>(mPacer, [this](const std::string& model) { return SimulatedLine(model); }, MakePort);
+  driver->GetTrace().SetClock(mClock, mPacer);
   mDriver = driver.get();
   mDialogs.Serve(*driver);
   return driver;

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 
+#include "KvTele2/ControllerFacts.h"
 #include "KvTele2/PagesFile.h"
 #include "base/AnsiText.h"
 #include "host/shared/RemoteHost.h"
@@ -68,9 +69,8 @@ class ConsoleHost final : public RemoteHost {
     mOtherProject = "\n" + OtherProjectText(*mPages, AnsiToUtf8(info->projectName));
     return false;
   }
-  void ConnectionRefused(const std::string& text) override {
-    mRefusal = text + mOtherProject;
-    std::erase(mRefusal, '\r');
+  void ConnectionRefused(const std::string& text, const RefusedController& controller) override {
+    mRefusal = RefusalText(text, FactsOf(controller, mUnit)) + mOtherProject;
   }
   void SetPanelData(const std::string& path) override { mPanel.data = path; }
   void GoOnline() override { mIsOnline = true; }

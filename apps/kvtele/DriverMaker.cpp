@@ -8,6 +8,7 @@ std::expected<std::unique_ptr<CommDriver>, Failure> DriverMaker::Make(const Driv
   mControllers = std::make_unique<SimulatedControllers>(order.sessionFolder);
   auto driver =
       std::make_unique<Driver>(mPacer, [this](const std::string& model) { return SimulatedLine(model); }, MakePort);
+  driver->GetTrace().SetClock(mClock, mPacer);
   return SetUpDriver(std::move(driver), order, &mSocket);
 }
 

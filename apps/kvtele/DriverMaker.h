@@ -14,7 +14,7 @@ namespace kv::cli {
 // Makes the program's driver, and keeps what must outlive it.
 class DriverMaker {
  public:
-  DriverMaker(Pacer& pacer, std::ostream& err) : mPacer(pacer), mErr(err) {}
+  DriverMaker(Pacer& pacer, const WallClock& clock, std::ostream& err) : mPacer(pacer), mClock(clock), mErr(err) {}
 
   [[nodiscard]] std::expected<std::unique_ptr<CommDriver>, Failure> Make(const DriverOrder& order);
 
@@ -22,6 +22,7 @@ class DriverMaker {
   [[nodiscard]] std::unique_ptr<InProcessLine> SimulatedLine(const std::string& model);
 
   Pacer& mPacer;
+  const WallClock& mClock;
   std::ostream& mErr;
   ListeningSocketImpl mSocket;
   std::unique_ptr<SimulatedControllers> mControllers;

@@ -1,8 +1,8 @@
 #include "apps/kvtele/VerbIdentify.h"
 
 #include <array>
-#include <string_view>
 
+#include "KvTele2/ControllerFacts.h"
 #include "apps/kvtele/Connection.h"
 #include "apps/kvtele/DocumentText.h"
 #include "base/AnsiText.h"
@@ -13,21 +13,6 @@ namespace kv::cli {
 namespace {
 
 constexpr char kBootLoader = 'B';
-
-std::string_view StateText(char state) {
-  switch (state) {
-    case 'R':
-      return "running";
-    case 'S':
-      return "stopped";
-    case kBootLoader:
-      return "boot loader";
-    case 'L':
-      return "loading";
-    default:
-      return "unknown";
-  }
-}
 
 nlohmann::ordered_json DocumentOf(const Connection& connection, const Channel::ControllerInfo& info) {
   const VersionInfo& version = connection.Version();

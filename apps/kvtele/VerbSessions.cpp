@@ -50,8 +50,11 @@ Outcome Delete(SessionManager& sessions, const NotedPrompts& prompts, const std:
   if (sessions.Delete(name)) return Answer{"", {{"deleted", name}}};
   const std::string doing = "deleting session \"" + name + "\"";
   if (!prompts.Said().empty()) return std::unexpected(SessionFailure(doing, prompts.Said(), {}));
-  return std::unexpected(SessionFailure(doing, "it is in use, or holds a file that must not be written to",
-                                        "activate another session in the window that uses it, then delete it"));
+  const SessionHold hold = sessions.HoldOf(name);
+  if (hold.happened.empty()) {
+    return std::unexpected(SessionFailure(doing, "its folder could not be removed", "close what has its files open"));
+  }
+  return std::unexpected(Failure{ExitCode::Failed, "failed", doing, hold.happened, hold.cause, hold.cure});
 }
 
 }  // namespace

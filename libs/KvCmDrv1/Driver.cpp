@@ -112,6 +112,14 @@ std::string Driver::LinkDescription() const {
   return DescribeLink(mChannel ? mChannel->Settings() : mSettings);
 }
 
+std::string Driver::DescribeSession(const SessionLink& session) const {
+  return DescribeLink(LoadSettings(PathFromUtf8(session.folder), DefaultsFor(session)).settings);
+}
+
+void Driver::ShowTrace() {
+  if (mDialogs) mDialogs->ShowTrace();
+}
+
 void Driver::ShowComParams() {
   if (!MayEdit()) return;
   if (const auto edited = mDialogs->EditLink(mSettings, mCaller)) (void)UseSettings(*edited, true);

@@ -44,9 +44,11 @@ class Driver final : public CommDriver {
   [[nodiscard]] const LinkError& LastError() const override { return mError; }
   void CloseDriver() override;
   [[nodiscard]] std::string LinkDescription() const override;
+  [[nodiscard]] std::string DescribeSession(const SessionLink& session) const override;
   void ComParamsCaller(const std::string& caller) override { mCaller = caller; }
   void ShowComParams() override;
   void ShowModemSettings() override;
+  void ShowTrace() override;
 
   [[nodiscard]] const LinkSettings& Settings() const { return mSettings; }
   // Takes other settings; the link is closed when they differ. `keep` writes them into the session's file; false when

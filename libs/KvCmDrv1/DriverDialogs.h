@@ -7,7 +7,7 @@
 
 namespace kv {
 
-// The driver's dialogs, modal, as the program with windows provides them.
+// The driver's dialogs, as the program with windows provides them: modal, but for the trace.
 class DriverDialogs {
  public:
   virtual ~DriverDialogs() = default;
@@ -18,6 +18,8 @@ class DriverDialogs {
   // The same for the modem: its own settings, and the port that it is on.
   [[nodiscard]] virtual std::optional<LinkSettings> EditModem(const LinkSettings& current,
                                                               const std::string& caller) = 0;
+  // Brings the trace to the front.
+  virtual void ShowTrace() = 0;
 };
 
 }  // namespace kv

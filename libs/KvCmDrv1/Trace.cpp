@@ -1,6 +1,7 @@
 #include "KvCmDrv1/Trace.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "KvCmDrv1/FrameMeaning.h"
 #include "base/Numbers.h"
@@ -9,12 +10,23 @@
 namespace kv {
 namespace {
 
-// Seconds with microseconds: the clock of the pacer, whose origin means nothing, but whose differences do.
-std::string TimeText(Instant when) {
-  const auto micros = when.time_since_epoch().count();
-  std::string fraction = std::to_string(micros % 1000000);
-  fraction.insert(0, 6 - std::min<std::size_t>(6, fraction.size()), '0');
-  return std::to_string(micros / 1000000) + "." + fraction;
+std::string Digits(std::int64_t number, std::size_t count) {
+  std::string text = std::to_string(number);
+  return text.insert(0, count - std::min(count, text.size()), '0');
+}
+
+// Seconds with microseconds.
+std::string SecondsText(Duration span) {
+  return std::to_string(span.count() / 1000000) + "." + Digits(span.count() % 1000000, 6);
+}
+
+std::string LocalText(std::chrono::local_time<Duration> time) {
+  const auto day = std::chrono::floor<std::chrono::days>(time);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss clock(time - day);
+  return Digits(int{date.year()}, 4) + "-" + Digits(unsigned{date.month()}, 2) + "-" + Digits(unsigned{date.day()}, 2) +
+         "T" + Digits(clock.hours().count(), 2) + ":" + Digits(clock.minutes().count(), 2) + ":" +
+         Digits(clock.seconds().count(), 2) + "." + Digits(clock.subseconds().count(), 6);
 }
 
 std::string_view Arrow(Trace::Direction direction) {
@@ -69,6 +81,17 @@ std::string WithoutPassword(std::string_view sent) {
 }  // namespace
 
 Trace::Trace() : mEntries(kEntries), mOwners(1) {}
+
+void Trace::SetClock(const WallClock& clock, const Pacer& pacer) {
+  mClock = &clock;
+  mPacer = &pacer;
+}
+
+// Asked anew for each entry, so that a clock that is set meanwhile is followed.
+std::string Trace::TimeText(Instant when) const {
+  if (mClock == nullptr) return SecondsText(when.time_since_epoch());
+  return LocalText(mClock->LocalMoment() - (mPacer->Now() - when));
+}
 
 void Trace::Add(Instant when, Direction direction, std::string_view bytes) {
   Entry& entry = mEntries[mTotal++ % kEntries];

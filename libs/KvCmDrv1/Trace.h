@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "base/Time.h"
+#include "desktop/Pacer.h"
+#include "desktop/WallClock.h"
 
 namespace kv {
 
@@ -31,6 +33,10 @@ class Trace {
 
   Trace();
 
+  // Gives entries the time of day from now on, in place of seconds since an origin that means nothing. Both outlive the
+  // trace.
+  void SetClock(const WallClock& clock, const Pacer& pacer);
+
   void Add(Instant when, Direction direction, std::string_view bytes);
   // Who is talking from now on; a few letters.
   void SetOwner(std::string_view owner);
@@ -43,8 +49,8 @@ class Trace {
   // Gets every entry from now on as one line; an empty function ends it.
   void SetWatcher(std::function<void(const std::string& line)> watcher) { mWatcher = std::move(watcher); }
 
-  // One entry in words. The time is in seconds, with microseconds, from an origin that means nothing; its differences
-  // do.
+  // One entry in words. The time is that of the day, "2026-11-20T14:03:21.012345", without a blank in it; without a
+  // clock it is in seconds from an origin that means nothing, but whose differences do.
   struct Row {
     std::string time;
     Direction direction = Direction::Note;
@@ -52,7 +58,7 @@ class Trace {
     std::string text;     // the bytes, or the words of a note
     std::string meaning;  // of the frame; empty when it has none
 
-    [[nodiscard]] std::string Line() const;  // "0.012345 --> owner /01ID   [unit 1: identify]"
+    [[nodiscard]] std::string Line() const;  // "2026-11-20T14:03:21.012345 --> owner /01ID   [unit 1: identify]"
   };
 
   // How many entries there have been; the last kEntries of them are kept.
@@ -76,7 +82,11 @@ class Trace {
   void PassOn(const Entry& entry, std::string_view bytes);
   [[nodiscard]] Row RowOf(const Entry& entry, std::string_view bytes) const;
 
+  [[nodiscard]] std::string TimeText(Instant when) const;
+
   std::vector<Entry> mEntries;
+  const WallClock* mClock = nullptr;
+  const Pacer* mPacer = nullptr;
   std::uint64_t mTotal = 0;
   std::vector<std::string> mOwners;
   std::uint16_t mOwner = 0;

@@ -1,25 +1,12 @@
 #include "KvTele2/ControllerFacts.h"
 
+#include <utility>
+
 #include "base/AnsiText.h"
 #include "link/OsVersion.h"
 
 namespace kv {
 namespace {
-
-std::string StateText(char state) {
-  switch (state) {
-    case 'R':
-      return "Running";
-    case 'S':
-      return "Stopped";
-    case 'B':
-      return "Boot loader";
-    case 'L':
-      return "Loading";
-    default:
-      return "Unknown";
-  }
-}
 
 // Milliseconds with two decimals: a fast link answers in a fraction of one.
 std::string Milliseconds(Duration span) {
@@ -28,11 +15,42 @@ std::string Milliseconds(Duration span) {
   return std::to_string((span.count() + 5) / 1000) + "." + (hundredths.size() < 2 ? "0" : "") + hundredths + " ms";
 }
 
+// "model K220-22-R1, O/S 2.90, ...", without what is not known.
+std::string ListOf(const ControllerFacts& facts) {
+  const std::pair<const char*, const std::string*> rows[] = {
+      {"model ", &facts.model},  {"hardware code ", &facts.hardwareCode},
+      {"O/S ", &facts.os},       {"build ", &facts.build},
+      {"unit id ", &facts.unit}, {"serial number ", &facts.serialNumber},
+      {"state ", &facts.state},  {"project ", &facts.project},
+  };
+  std::string list;
+  for (const auto& [name, text] : rows) {
+    if (!text->empty()) list += (list.empty() ? "" : ", ") + (name + *text);
+  }
+  return list;
+}
+
 }  // namespace
+
+std::string StateText(char state) {
+  switch (state) {
+    case 'R':
+      return "running";
+    case 'S':
+      return "stopped";
+    case 'B':
+      return "boot loader";
+    case 'L':
+      return "loading";
+    default:
+      return "unknown";
+  }
+}
 
 ControllerFacts FactsOf(const VersionInfo& version, int unit) {
   ControllerFacts facts;
   facts.model = AnsiToUtf8(version.model);
+  facts.hardwareCode = AnsiToUtf8(version.hardwareCode);
   facts.os = OsVersionText(version);
   facts.build = OsBuildText(version);
   facts.unit = std::to_string(unit);
@@ -43,6 +61,18 @@ void AddInfo(ControllerFacts& facts, const Channel::ControllerInfo& info) {
   facts.state = StateText(info.state);
   facts.project = AnsiToUtf8(info.projectName);
   facts.serialNumber = std::to_string(info.serialNumber);
+}
+
+ControllerFacts FactsOf(const RefusedController& refused, int unit) {
+  ControllerFacts facts = FactsOf(refused.version, unit);
+  if (refused.info) AddInfo(facts, *refused.info);
+  return facts;
+}
+
+std::string RefusalText(const std::string& text, const ControllerFacts& facts) {
+  std::string lines = text;
+  std::erase(lines, '\r');
+  return lines + "\nThe controller: " + ListOf(facts) + ".";
 }
 
 LinkFacts FactsOf(const LinkQuality& quality) {

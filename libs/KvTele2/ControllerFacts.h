@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "host/shared/RemoteHost.h"
 #include "link/Channel.h"
 #include "link/VersionInfo.h"
 
@@ -11,6 +12,7 @@ namespace kv {
 // What the controller page shows about the controller, as texts (UTF-8). A text is empty when it is not known.
 struct ControllerFacts {
   std::string model;
+  std::string hardwareCode;
   std::string os;     // "4.60", also for controllers that report their version in fields
   std::string build;  // "19"
   std::string unit;
@@ -25,6 +27,13 @@ struct ControllerFacts {
 [[nodiscard]] ControllerFacts FactsOf(const VersionInfo& version, int unit);
 // Adds what the controller tells beside its version: this can change while it is on line.
 void AddInfo(ControllerFacts& facts, const Channel::ControllerInfo& info);
+
+// The same of a controller that is refused.
+[[nodiscard]] ControllerFacts FactsOf(const RefusedController& refused, int unit);
+// Why a controller was refused, with a line about what is known of it. `text` has CR LF or LF between its lines.
+[[nodiscard]] std::string RefusalText(const std::string& text, const ControllerFacts& facts);
+// "running" for 'R'; the word for each state that a controller reports.
+[[nodiscard]] std::string StateText(char state);
 
 // What the controller page shows about the link.
 struct LinkFacts {

@@ -32,6 +32,7 @@ constexpr std::array kController{
     kSeparator,
     HostCommand{kComParams,                "&Communication Settings...",       "Ctrl+K",       "Chooses the link to the controller: port, address, unit id, time-outs",   "Link"},
     HostCommand{"ID_Modem",                "Mo&dem Settings...",               "",             "Number and dialling of the modem",                                        ""},
+    HostCommand{kTrace,                    "&Trace of the Link...",            "Ctrl+T",       "Shows everything that passes on the link, with its time",                 ""},
 };
 constexpr std::array kTools{
     HostCommand{"ID_DataTypes",            "&Operand View...",                 "Ctrl+D",       "Shows and writes the operands of the controller",                         "Operands"},

@@ -33,6 +33,7 @@ inline constexpr std::string_view kExit = "ID_Exit";
 inline constexpr std::string_view kEscape = "Escape";  // in no menu: the Escape key
 inline constexpr std::string_view kLogOff = "ID_LogOff";
 inline constexpr std::string_view kOffLine = "HOST_OffLine";
+inline constexpr std::string_view kTrace = "HOST_Trace";
 inline constexpr std::string_view kSavePages = "HOST_SavePages";
 inline constexpr std::string_view kClosePages = "HOST_ClosePages";
 inline constexpr std::string_view kCopyLog = "HOST_CopyLog";

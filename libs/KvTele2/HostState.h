@@ -36,7 +36,7 @@ struct HostState {
   bool isSilent = false;  // on line, and the controller has owed an answer for some time
   // Why the controller could not be reached, was refused or lost, or does not fit: what happened, cause and cure.
   std::string trouble;
-  std::optional<ControllerFacts> controller;  // on line or lost
+  std::optional<ControllerFacts> controller;  // on line or lost, or the one that was refused
   std::optional<LinkFacts> quality;           // on line or lost
 
   std::optional<OpenPages> pages;

@@ -90,6 +90,7 @@ void TelepanelHost::ClickOwn(std::string_view id, const std::string& argument) {
   if (id == command::kSavePages) SavePages();
   if (id == command::kClosePages) ClosePages();
   if (id == command::kClearLog) mJournal.Clear();
+  if (id == command::kTrace && OnTraceWanted) OnTraceWanted();
 }
 
 void TelepanelHost::Show() {
@@ -205,8 +206,10 @@ void TelepanelHost::ClosePages() {
 
 void TelepanelHost::SavePages() {
   const PagesFile pages{mState.controller->project, ModelOfIdentification(mState.model)};
-  const auto chosen = mServices.prompts.SaveFile(
-      {.title = "Save Telepanel File", .filter = kPagesFilter, .initial = FileNameOf(pages.project)});
+  const auto chosen = mServices.prompts.SaveFile({.title = "Save Telepanel File",
+                                                  .filter = kPagesFilter,
+                                                  .purpose = "Pages",
+                                                  .initial = FileNameOf(pages.project)});
   if (!chosen) return;
   const auto saved = SavePagesFile(PathFromUtf8(*chosen), pages);
   if (!saved) return Warn("The Telepanel file was not saved.\r\n" + saved.error().Text());

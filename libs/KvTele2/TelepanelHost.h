@@ -93,7 +93,7 @@ class TelepanelHost final : public RemoteHost {
   void SetCompactIdentification(bool) override {}              // the panel's business, as are the two below
   void SetControllerInfoByte(int) override {}
   [[nodiscard]] bool ProjectMatches() override;
-  void ConnectionRefused(const std::string& text) override;
+  void ConnectionRefused(const std::string& text, const RefusedController& controller) override;
   void SetPanelData(const std::string&) override {}
   void GoOnline() override;
   void RunPanelSession(const std::string& caption) override;

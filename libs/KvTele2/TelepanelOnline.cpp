@@ -29,7 +29,9 @@ void TelepanelHost::Connect(const std::string& argument) {
   EndWait();
   if (mState.connection != Connection::Connecting && !mIsRefused) return;
   const std::string why = mState.trouble.empty() ? mLastMessage : mState.trouble;
+  auto refused = mIsRefused ? std::move(mState.controller) : std::nullopt;
   LetGo();
+  mState.controller = std::move(refused);
   mState.connection = Connection::Offline;
   mState.trouble = why;
   mState.message = why;  // that the link is closed is no news
@@ -51,11 +53,12 @@ bool TelepanelHost::ProjectMatches() {
   return false;
 }
 
-void TelepanelHost::ConnectionRefused(const std::string& text) {
+void TelepanelHost::ConnectionRefused(const std::string& text, const RefusedController& controller) {
   EndWait();  // a box follows
   mIsRefused = true;
   mState.connection = Connection::Offline;
-  mState.trouble = "Refused: " + text;
+  mState.controller = FactsOf(controller, mUnit);
+  mState.trouble = "Refused: " + RefusalText(text, *mState.controller);
   if (mOtherProject) mState.trouble += "\n" + OtherProjectText(mState.pages->content, *mOtherProject);
   StatusMessage(mState.trouble);
 }

@@ -67,9 +67,10 @@ std::expected<void, CloneOutcome> CheckLengths(const std::vector<CloneSegment>& 
 // Colour controllers report their version in fields, the newest O/S too.
 std::string OldOsCure(const VersionInfo& version) {
   const bool isInFields = IsColourModel(version.model) || ParseColourOsVersion(version.osVersion).has_value();
-  return isInFields ? "Controllers of this model report their version in another form, with every O/S: no update helps, "
-                      "and their memory cannot be kept in a clone file."
-                    : "Update its O/S first.";
+  return isInFields
+             ? "Controllers of this model report their version in another form, with every O/S: no update helps, "
+               "and their memory cannot be kept in a clone file."
+             : "Update its O/S first.";
 }
 
 }  // namespace

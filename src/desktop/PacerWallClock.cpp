@@ -4,9 +4,11 @@
 
 namespace kv {
 
-std::chrono::local_seconds PacerWallClock::LocalTime() const {
+std::chrono::local_time<Duration> PacerWallClock::LocalMoment() const {
   using namespace std::chrono;
-  const std::time_t now = system_clock::to_time_t(system_clock::now());
+  const auto moment = system_clock::now();
+  const auto second = floor<seconds>(moment);
+  const std::time_t now = system_clock::to_time_t(second);
   std::tm fields{};
 #ifdef _WIN32
   localtime_s(&fields, &now);
@@ -15,7 +17,8 @@ std::chrono::local_seconds PacerWallClock::LocalTime() const {
 #endif
   const year_month_day date{year{fields.tm_year + 1900}, month{static_cast<unsigned>(fields.tm_mon + 1)},
                             day{static_cast<unsigned>(fields.tm_mday)}};
-  return local_seconds{local_days{date}} + hours{fields.tm_hour} + minutes{fields.tm_min} + seconds{fields.tm_sec};
+  return local_seconds{local_days{date}} + hours{fields.tm_hour} + minutes{fields.tm_min} + seconds{fields.tm_sec} +
+         duration_cast<Duration>(moment - second);
 }
 
 }  // namespace kv

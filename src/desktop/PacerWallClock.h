@@ -7,7 +7,7 @@ namespace kv {
 // The machine's wall clock in its own time zone; it goes with the real pacers.
 class PacerWallClock final : public WallClock {
  public:
-  [[nodiscard]] std::chrono::local_seconds LocalTime() const override;
+  [[nodiscard]] std::chrono::local_time<Duration> LocalMoment() const override;
 };
 
 }  // namespace kv

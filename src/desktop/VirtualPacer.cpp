@@ -35,8 +35,8 @@ void VirtualPacer::Turn() {
   RunHook(mOnTurn);
 }
 
-std::chrono::local_seconds VirtualPacer::LocalTime() const {
-  return std::chrono::floor<std::chrono::seconds>(mLocalStart + mNow.time_since_epoch());
+std::chrono::local_time<Duration> VirtualPacer::LocalMoment() const {
+  return mLocalStart + mNow.time_since_epoch();
 }
 
 void VirtualPacer::RunActionsUntil(Instant moment) {

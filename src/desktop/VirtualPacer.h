@@ -38,7 +38,7 @@ class VirtualPacer final : public Pacer, public WallClock {
   [[nodiscard]] bool StopRequested() const override { return mStop; }
   void RequestStop() override { mStop = true; }
   void ClearStop() override { mStop = false; }
-  [[nodiscard]] std::chrono::local_seconds LocalTime() const override;
+  [[nodiscard]] std::chrono::local_time<Duration> LocalMoment() const override;
 
  private:
   void RunActionsUntil(Instant moment);

@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+#include "base/Time.h"
+
 namespace kv {
 
 // The time of day where the user sits, for texts and file titles. It jumps when the clock is set and by the hour in
@@ -10,7 +12,10 @@ class WallClock {
  public:
   virtual ~WallClock() = default;
 
-  [[nodiscard]] virtual std::chrono::local_seconds LocalTime() const = 0;
+  [[nodiscard]] virtual std::chrono::local_time<Duration> LocalMoment() const = 0;
+  [[nodiscard]] std::chrono::local_seconds LocalTime() const {
+    return std::chrono::floor<std::chrono::seconds>(LocalMoment());
+  }
 };
 
 }  // namespace kv

@@ -149,6 +149,7 @@ void clsCallerExe::Session(const std::string& argument) {
 
 void clsCallerExe::FollowSession() {
   mRemote->SetSessionName(mShared.CurrentSession);
+  mRemote->SetModel(LastModel(mShared));  // the one before belongs to the session before
   mRemote->SetRecentCaches(ReadRecentCaches(mShared));
   ConfigureDriverForSession(mShared, mWinsock);
 }
@@ -194,6 +195,7 @@ void clsCallerExe::DownloadDesigner(const std::string&) {
 void clsCallerExe::PagesFile(const std::string&) {
   const auto chosen = mParts.prompts->OpenFile({.title = "Open Telepanel File",
                                                 .filter = "Telepanel Files (*.kta)|*.kta",
+                                                .purpose = "Pages",
                                                 .folder = ReadSessionIni(mShared, "KtaPath", "")});
   if (!chosen) return;
   const std::string folder = Utf8FromPath(PathFromUtf8(*chosen).parent_path());
@@ -205,8 +207,8 @@ void clsCallerExe::PagesFile(const std::string&) {
 
 void clsCallerExe::ImportFontsAndImages(const std::string&) {
   ModalBracket bracket(*mRemote);
-  const auto chosen =
-      mParts.prompts->OpenFile({.title = "Open Cache File", .filter = "Telepanel For Color Cache Files (*.ktc)|*.ktc"});
+  const auto chosen = mParts.prompts->OpenFile(
+      {.title = "Open Cache File", .filter = "Telepanel For Color Cache Files (*.ktc)|*.ktc", .purpose = "Caches"});
   if (!chosen) return;
   if (const auto added = AddRecentCache(mShared, *chosen)) {
     mRemote->SetRecentCaches(*added);

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kNormalStart = 1;
 constexpr const char* kMissing = "This build does not have this tool.";
+constexpr const char* kNotListening = "The Ethernet port could not be opened again for controllers that dial in.";
 
 }  // namespace
 
@@ -42,6 +43,9 @@ void clsCallerExe::ConnectHost() {
   };
   mRemote->OnLinkReleased = [this] {
     if (mVsCon) mVsCon->CloseDriver();
+  };
+  mRemote->OnTraceWanted = [this] {
+    if (mVsCon) mVsCon->ShowTrace();
   };
   mShared.Remote = mRemote.get();
 }
@@ -87,6 +91,7 @@ void clsCallerExe::RunHost() {
   const ScopeGuard silent([&host] {
     host->OnToolClicked = nullptr;
     host->OnLinkReleased = nullptr;
+    host->OnTraceWanted = nullptr;
   });
   host->Run();
 }
@@ -144,19 +149,15 @@ void clsCallerExe::UpdateLinkDescriptionIfNot(const std::string& shown) {
 void clsCallerExe::mWinsock_ConnectionRequest(int requestId) {
   mWinsock->Close();
   if (mWinsock->Accept(requestId)) return TellHost("Ethernet connection established");
-  (void)ListenAgain();  // who dialled in has gone meanwhile, and the next one needs an open port
+  // Who dialled in has gone meanwhile, and the next one needs an open port.
+  if (!mWinsock->Listen()) TellHost(kNotListening);
 }
 
 void clsCallerExe::mWinsock_Close() {
   mWinsock->Close();
-  if (mWinsock->GetState() == ListeningSocket::State::Closed && !ListenAgain()) return;
+  const bool isReady = mWinsock->GetState() != ListeningSocket::State::Closed || mWinsock->Listen();
   TellHost("Ethernet connection terminated");
-}
-
-bool clsCallerExe::ListenAgain() {
-  const bool listens = mWinsock->Listen();
-  if (!listens) TellHost("The Ethernet port could not be opened again for controllers that dial in.");
-  return listens;
+  if (!isReady) TellHost(kNotListening);
 }
 
 }  // namespace kv

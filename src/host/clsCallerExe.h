@@ -65,7 +65,6 @@ class clsCallerExe {
   void TellHost(const std::string& text);
   void FollowSession();
   void UpdateLinkDescriptionIfNot(const std::string& shown);
-  [[nodiscard]] bool ListenAgain();  // the host is told when it fails
 
   // The tools, in the order of the dispatch table.
   void ShowComParams(const std::string& argument);

@@ -38,10 +38,15 @@ class CommDriver {
   // A text like "COM3, 115200 8N1, unit 1", "192.168.1.20:20300, unit 1" or "Simulated K220-22-R1".
   [[nodiscard]] virtual std::string LinkDescription() const = 0;
 
+  // The same of another session, as its settings stand; nothing is opened.
+  [[nodiscard]] virtual std::string DescribeSession(const SessionLink& session) const = 0;
+
   // Marks who opens the settings dialog, then the dialogs themselves, modal. Without windows they do nothing.
   virtual void ComParamsCaller(const std::string& caller) = 0;
   virtual void ShowComParams() = 0;
   virtual void ShowModemSettings() = 0;
+  // Everything that passes on the link, in a window that stays open beside all others.
+  virtual void ShowTrace() = 0;
 
   // Event: texts for the status line of the host.
   std::function<void(const std::string& message)> OnComMessage;

@@ -51,9 +51,12 @@ std::expected<std::vector<std::string>, std::string> AddRecentCache(const Shared
   std::erase_if(entries, [&](const std::string& old) { return CachePath(old) == CachePath(entry); });
   entries.insert(entries.begin(), entry);
   if (entries.size() > kMostRecentCaches) entries.resize(kMostRecentCaches);
+  const Places before = ReadPlaces(shared);
   Places places;
   std::ranges::copy(entries, places.begin());
-  if (const auto written = WritePlaces(shared, ReadPlaces(shared), places); !written) {
+  if (const auto written = WritePlaces(shared, before, places); !written) {
+    // The others have moved on by then, and the last of them out of the list.
+    (void)WritePlaces(shared, places, before);
     return std::unexpected("The list of recent cache files was not kept. " + written.error());
   }
   return entries;

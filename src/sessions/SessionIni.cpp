@@ -91,17 +91,20 @@ void MarkSessionInUse(const SharedState& shared, bool inUse) {
 }
 
 void ConfigureDriverForSession(SharedState& shared, ListeningSocket* socket) {
-  const std::string model = shared.Remote->Model();
+  shared.ComDriver->ConfigureForSession(LinkOfSession(shared, shared.Remote->Model(), socket));
+}
+
+SessionLink LinkOfSession(const SharedState& shared, const std::string& model, ListeningSocket* socket) {
   const std::string offered = ModelOfIdentification(model);
   const bool isOffered = std::ranges::find(SelectableModels(), offered) != SelectableModels().end();
-  shared.ComDriver->ConfigureForSession({
+  return {
       .folder = Utf8FromPath(SessionFolder(shared)),
       .model = isOffered ? offered : "",
       .isCompactDriver = IsCompactDriverModel(model),
       .isBrio = IsBrioModel(model),
       .isColour = IsColourModel(model),
       .socket = socket,
-  });
+  };
 }
 
 }  // namespace kv

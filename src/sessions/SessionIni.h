@@ -42,6 +42,8 @@ inline constexpr std::string_view kSessionMarkFile = "tmp.txt";
 // marked; a session without that file is left alone.
 void MarkSessionInUse(const SharedState& shared, bool inUse);
 
+// What the driver is told about the current session, when it is served with `model`.
+[[nodiscard]] SessionLink LinkOfSession(const SharedState& shared, const std::string& model, ListeningSocket* socket);
 // Tells the driver which session and what kind of model it serves, and hands it the socket for controllers that dial
 // in.
 void ConfigureDriverForSession(SharedState& shared, ListeningSocket* socket);

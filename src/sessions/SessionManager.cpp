@@ -4,6 +4,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <system_error>
 
 #include "base/PathText.h"
@@ -60,12 +61,14 @@ bool IsReadOnly(const fs::directory_entry& entry) {
   return !error && fs::is_regular_file(status) && (status.permissions() & fs::perms::owner_write) == fs::perms::none;
 }
 
-bool HoldsReadOnlyFile(const fs::path& folder) {
+// The first file that keeps the folder from being deleted: one that is write-protected, or the folder itself when it
+// cannot be looked through.
+std::optional<fs::path> FindHold(const fs::path& folder) {
   std::error_code error;
   for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    if (IsReadOnly(*entry)) return true;
+    if (IsReadOnly(*entry)) return entry->path();
   }
-  return static_cast<bool>(error);  // what cannot be looked through is not deleted
+  return error ? std::optional(folder) : std::nullopt;
 }
 
 std::string Failure(const std::string& what, const std::error_code& error) {
@@ -114,6 +117,14 @@ std::string SessionManager::ListFault() const {
   return "The folder " + Utf8FromPath(folder) + " with the sessions cannot be read: " + error.message() +
          ".\nLikely cause: it was moved, deleted or protected, or this is not the program folder.\nWhat to do: put the "
          "folder back, or start with the program folder that it is in.";
+}
+
+SessionFacts SessionManager::Describe(const std::string& name) const {
+  SharedState session(mShared.paths);
+  session.CurrentSession = name;
+  const std::string model = LastModel(session);
+  if (mShared.ComDriver == nullptr) return {model, ""};
+  return {model, mShared.ComDriver->DescribeSession(LinkOfSession(session, model, nullptr))};
 }
 
 bool SessionManager::IsListed(const std::string& name) const {
@@ -195,10 +206,25 @@ bool SessionManager::Delete(const std::string& name) {
     return false;
   }
   const fs::path folder = mShared.paths.Session(name);
-  if (!IsListed(name) || HoldsReadOnlyFile(folder)) return false;
+  if (!IsListed(name) || FindHold(folder)) return false;
   std::error_code ignored;
   fs::remove_all(folder, ignored);
   return !fs::exists(folder, ignored);
+}
+
+SessionHold SessionManager::HoldOf(const std::string& name) const {
+  const fs::path folder = mShared.paths.Session(name);
+  const auto file = FindHold(folder);
+  if (!file) return {};
+  if (*file != folder / kSessionMarkFile) {
+    return {"the session \"" + name + "\" cannot be deleted: " + Utf8FromPath(*file) + " is write-protected",
+            "somebody protected it from being changed", "make it writable, then delete the session"};
+  }
+  return {"the session \"" + name + "\" is marked as in use, and is not deleted",
+          "it is the active session of a program, or of one that was ended abruptly and left the mark",
+          "activate another session in the program that uses it; when none does, activate it in the session window and "
+          "then another one, which takes the mark away, or make " +
+              Utf8FromPath(*file) + " writable"};
 }
 
 std::string SessionManager::SaveCaption() const {

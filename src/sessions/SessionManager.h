@@ -9,6 +9,19 @@
 
 namespace kv {
 
+// What the list of sessions shows beside a name.
+struct SessionFacts {
+  std::string model;
+  std::string link;  // "COM3, 115200 8N1, unit 1"; empty without a driver to ask
+};
+
+// Why a session cannot be deleted; empty when nothing is known against it.
+struct SessionHold {
+  std::string happened;
+  std::string cause;
+  std::string cure;
+};
+
 // What the session window and the command line do with sessions: list, create as a copy of the current one, activate,
 // delete. A session is a folder under Sessions; exactly one is current. The session made current carries the in-use
 // mark, "Default" never.
@@ -20,6 +33,9 @@ class SessionManager {
   [[nodiscard]] std::vector<std::string> List() const;
   // Why the Sessions folder cannot be read, with cause and cure; empty when it can.
   [[nodiscard]] std::string ListFault() const;
+
+  // What is kept in a session that is listed.
+  [[nodiscard]] SessionFacts Describe(const std::string& name) const;
 
   // Copies the current session to `name` and makes the copy current. A failure of any step is told under "Create
   // Session", leaves the current session as it was and no half-made folder behind.
@@ -34,6 +50,10 @@ class SessionManager {
   // Deletes a session's folder; "Default" is refused under "Remove Session". A folder that holds a read-only file (the
   // mark of a session in use) stays as it is, without a message. True when the folder is gone.
   bool Delete(const std::string& name);
+
+  // What keeps Delete from deleting a session that is listed, other than "Default": a file in it that is
+  // write-protected, such as the mark of a session in use, which a program that was ended abruptly leaves behind.
+  [[nodiscard]] SessionHold HoldOf(const std::string& name) const;
 
   [[nodiscard]] std::string SaveCaption() const;    // "Save 'Default' As..."
   [[nodiscard]] std::string ActiveCaption() const;  // "Active Session: Default"

@@ -65,7 +65,8 @@ class TelepanelHostTest : public testing::Test {
     host.EndConnect();
     host.SetConnectedUnit(1);
     host.AttachChannel(channel);
-    if (!host.ProjectMatches()) return host.ConnectionRefused("The file does not match.");
+    if (!host.ProjectMatches())
+      return host.ConnectionRefused("The file does not match.", {*channel->version, channel->info});
     host.GoOnline();
     host.RunPanelSession("0");
   }
@@ -106,7 +107,8 @@ TEST_F(TelepanelHostTest, EveryToolOfTheDispatchHasItsCommand) {
 TEST_F(TelepanelHostTest, AControllerOnLineIsShown) {
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, Connection::Online);
-  EXPECT_EQ(view.shown.controller, (ControllerFacts{"K220-22-R1", "4.60", "19", "1", "Running", "Bakery", "2748"}));
+  EXPECT_EQ(view.shown.controller,
+            (ControllerFacts{"K220-22-R1", "10", "4.60", "19", "1", "running", "Bakery", "2748"}));
   EXPECT_FALSE(view.isWaiting);
   EXPECT_THAT(host.WhyDisabled(command::kModel), HasSubstr("on line"));
   EXPECT_EQ(host.WhyDisabled(command::kOffLine), "");
@@ -143,7 +145,7 @@ TEST_F(TelepanelHostTest, ARefusalIsNotToldInFrontOfABusyWindow) {
   onLine = [this] {
     host.BeginConnect();
     EXPECT_TRUE(view.isWaiting);
-    host.ConnectionRefused("It is in BOOTSTRAP mode.");
+    host.ConnectionRefused("It is in BOOTSTRAP mode.", {*channel->version, channel->info});
     EXPECT_FALSE(view.isWaiting);
     EXPECT_EQ(ConnectionText(view.shown), "Off line");
   };
@@ -200,7 +202,7 @@ TEST_F(TelepanelHostTest, ALostControllerIsAskedLessAndLessOftenAndFoundAgain) {
   channel->info = Channel::ControllerInfo{.serialNumber = 0xABC, .state = 'S', .projectName = "Bakery"};
   Pass(std::chrono::seconds(30));
   EXPECT_EQ(view.shown.connection, Connection::Online);
-  EXPECT_EQ(view.shown.controller->state, "Stopped");
+  EXPECT_EQ(view.shown.controller->state, "stopped");
   EXPECT_EQ(view.shown.trouble, "");
 }
 
@@ -311,6 +313,9 @@ TEST_F(TelepanelHostTest, APagesFileIsMadeForTheControllerOnLineAndThenAsked) {
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, Connection::Offline) << "the tool refuses it";
   EXPECT_THAT(view.shown.trouble, HasSubstr("for the project A/B, but the controller holds Other"));
+  EXPECT_THAT(view.shown.trouble, HasSubstr("model K220-22-R1, hardware code 10, O/S 4.60, build 19, unit id 1, serial "
+                                            "number 2748, state running, project Other."));
+  EXPECT_EQ(view.shown.controller->serialNumber, "2748") << "what was learnt stays in sight";
   host.Click(command::kClosePages);
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, Connection::Online);

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <QDialog>
+#include <QFrame>
 #include <QImage>
 #include <QPalette>
+#include <QPushButton>
 #include <QSplitter>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -10,6 +13,7 @@
 #include "base/ScopeGuard.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/QtShell.h"
+#include "desktop/ui/ScrollPage.h"
 #include "desktop/ui/WindowGeometry.h"
 #include "tests/base/TemporaryFolder.h"
 #include "tests/desktop_ui/QtBench.h"
@@ -88,6 +92,58 @@ TEST(WindowGeometryTest, AFirstSizeThatIsTooLargeForTheScreenIsMadeToFit) {
   RememberPlace(window, folder.Path() / "Windows.ini");
   EXPECT_LT(window.width(), room.width());
   EXPECT_EQ(window.height(), 300);
+}
+
+TEST(WindowGeometryTest, AWindowThatGrewWithTheLettersShrinksWithThem) {
+  const TemporaryFolder folder;
+  const QFont before = QApplication::font();
+  const auto sizeAt = [&](int points, const QSize& chosen) {
+    QFont font = before;
+    font.setPointSize(points);
+    QApplication::setFont(font);
+    Window window;
+    RememberPlace(window, folder.Path() / "Windows.ini");
+    window.show();
+    const QSize shown = window.size();
+    window.resize(chosen);
+    window.close();
+    return shown;
+  };
+  sizeAt(10, {410, 310});
+  sizeAt(20, {700, 600});
+  EXPECT_EQ(sizeAt(10, {410, 310}), QSize(410, 310));
+  EXPECT_EQ(sizeAt(20, {700, 600}), QSize(700, 600));
+  QApplication::setFont(before);
+}
+
+// A dialog that does not fit keeps its buttons in sight, and takes no more room than it needs.
+TEST(ScrollPageTest, ADialogFollowsItsContentAsFarAsTheScreenGoes) {
+  const TemporaryFolder folder;
+  QDialog dialog;
+  dialog.setObjectName("frmTall");
+  auto* content = new QWidget;
+  auto* rows = new QVBoxLayout(content);
+  auto* row = new QFrame(content);
+  rows->addWidget(row);
+  auto* button = new QPushButton("OK");
+  auto* page = new QVBoxLayout(&dialog);
+  page->addWidget(new ScrollPage(content, &dialog));
+  page->addWidget(button);
+  row->setMinimumSize(300, 3000);
+  RememberPlace(dialog, folder.Path() / "Windows.ini");
+  dialog.show();
+  const int room = RoomFor(dialog).height();
+  const auto fits = [&] {
+    return dialog.height() <= room && button->mapTo(&dialog, QPoint(0, button->height())).y() <= dialog.height();
+  };
+  EXPECT_TRUE(fits()) << dialog.height();
+  row->setMinimumHeight(100);
+  EXPECT_TRUE(WaitUntil([&] { return dialog.height() < 300; })) << dialog.height();
+  row->setMinimumHeight(400);
+  EXPECT_TRUE(WaitUntil([&] { return dialog.height() > 400 && fits(); })) << dialog.height();
+  row->setMinimumHeight(3000);
+  EXPECT_TRUE(WaitUntil([&] { return dialog.height() == room; })) << dialog.height();
+  EXPECT_TRUE(fits());
 }
 
 TEST(QtShellTest, AMissingProgramIsNamedAndAPresentOneStartsInItsFolder) {

@@ -160,6 +160,7 @@ struct ScriptedDialogs final : DriverDialogs {
     return UnusualSettings(Transport::Serial);
   }
   std::optional<LinkSettings> EditModem(const LinkSettings&, const std::string&) override { return std::nullopt; }
+  void ShowTrace() override {}
 };
 
 TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
@@ -206,6 +207,19 @@ TEST(Driver, ATrialFindsWhoAnswersAndLeavesTheLinkAsItWas) {
   EXPECT_EQ(bench.driver.TryLink(other).error().code, LinkErrorCode::Stopped);
   EXPECT_FALSE(bench.pacer.StopRequested());
   EXPECT_TRUE(channel->ReadMI(0, 1, 1)) << channel->LastError().Text();
+}
+
+// An entry of the trace is looked up by the time of the log, or of somebody's watch; the file stays one field a blank.
+TEST(Trace, TellsTheTimeOfDay) {
+  VirtualPacer pacer;
+  pacer.SetLocalTime(std::chrono::local_days{std::chrono::year{2026} / 11 / 20} + std::chrono::seconds(50599));
+  Trace trace;
+  trace.Add(pacer.Now() + std::chrono::microseconds(1500), Trace::Direction::Note, "before");
+  EXPECT_EQ(trace.Text(), "0.001500 --- before\n");
+  pacer.Sleep(std::chrono::milliseconds(1002));
+  trace.SetClock(pacer, pacer);
+  trace.Add(pacer.Now(), Trace::Direction::Note, "now");
+  EXPECT_EQ(trace.Text(), "2026-11-20T14:03:19.001500 --- before\n2026-11-20T14:03:20.002000 --- now\n");
 }
 
 TEST(Trace, KeepsTheLastFramesWithTheirMeaningAndNoPassword) {

@@ -60,7 +60,7 @@ TEST_F(TestConnectionTest, SaysWhyNobodyAnswers) {
     Press(dialog, "cmdTest");
     EXPECT_TRUE(Result(dialog).startsWith("Opening the link on /dev/ttyUSB7, 115200 8N1 failed: "))
         << Result(dialog).toStdString();
-    EXPECT_GT(dialog.height(), height);  // the whole text is seen
+    EXPECT_TRUE(WaitUntil([&] { return dialog.height() > height; })) << "the whole text is seen";
     const auto& label = Find<QLabel>(dialog, "lblResult");
     EXPECT_GE(label.height(), label.heightForWidth(label.width()));
     dialog.reject();

@@ -94,7 +94,7 @@ TEST_F(CallerExeTest, TheSocketTakesOneConnectionAndListensAgain) {
                 socket->OnClose();
               }),
               ElementsAre("Socket Close", "Socket Accept 6", "Socket Listen", notOpened, "Socket Close",
-                          "Socket Listen", notOpened));
+                          "Socket Listen", terminated, notOpened));
 }
 
 }  // namespace

@@ -71,6 +71,21 @@ TEST_F(ToolsTest, TheBracketGivesBackWhatTheHostWasOnEveryPath) {
             Shown("frmDataTypesView"));
 }
 
+// The model of the session before would be shown, and the next going on line would write it into this session.
+TEST_F(ToolsTest, AnActivatedSessionBeginsWithItsOwnModel) {
+  std::filesystem::create_directory(Session("Plant2"));
+  for (const auto& [name, model] : {std::pair("Plant2", "Q50"), std::pair("Default", "K670-67-T40 / K390-29-T40")}) {
+    shared.CurrentSession = name;
+    ASSERT_TRUE(SetLastModel(shared, model));
+  }
+  onShow = [this] { callerState->CurrentSession = "Plant2"; };
+  const CallLog calls = CallsOf("ID_Session");
+  EXPECT_THAT(calls, testing::IsSupersetOf({"SessionName Plant2", "Model Q50"}));
+  EXPECT_EQ(host.model, "Q50");
+  shared.CurrentSession = "Plant2";
+  EXPECT_EQ(LastModel(shared), "Q50");
+}
+
 TEST_F(ToolsTest, AModelOfAnotherFamilyDeletesTheGrids) {
   struct Row {
     const char* from;

@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QAbstractSlider>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QMenu>
@@ -48,7 +49,7 @@ TEST_F(MainWindowTest, AControllerOfEachKindGoesOnLine) {
       EXPECT_EQ(Text(window, "lblModel"), each.reports);
       EXPECT_EQ(Text(window, "lblOs"), each.os);
       EXPECT_EQ(Text(window, "lblBuild"), "19");
-      EXPECT_EQ(Text(window, "lblState"), "Running");
+      EXPECT_EQ(Text(window, "lblState"), "running");
       EXPECT_EQ(Text(window, "lblErrors"), "0");
       EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), each.becomes);
       EXPECT_FALSE(Find<QComboBox>(window, "cboModel").isEnabled());
@@ -78,6 +79,7 @@ TEST_F(MainWindowTest, AControllerThatCannotBeUsedIsRefusedInABox) {
       EXPECT_EQ(Text(window, "lblOnline"), "Off line");
       EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr(each.told));
       EXPECT_THAT(Text(window, "lblMessage"), StartsWith("Refused: "));
+      EXPECT_NE(Text(window, "lblSerial"), "-") << "what was learnt is shown";
       EXPECT_TRUE(Find<QAction>(window, "ID_OnLine").isEnabled());
     });
   }
@@ -191,18 +193,79 @@ TEST_F(MainWindowTest, BadSettingsAreToldAndLeftAlone) {
 TEST_F(MainWindowTest, AnotherSessionIsActivatedInItsWindow) {
   std::filesystem::create_directories(home.Path() / "Sessions" / "Bakery");
   home.Put("Sessions/Bakery/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=plc.example\r\n");
+  home.Put("Sessions/Bakery/KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=K330\r\n");
   Run([&](QMainWindow& window) {
     Trigger(window, "ID_OnLine");
     WhenOpen<QDialog>(window, [](QDialog& dialog) {
-      Find<QTableWidget>(dialog, "flgSession").setCurrentCell(0, 0);
+      auto& list = Find<QTableWidget>(dialog, "flgSession");
+      list.setCurrentCell(0, 0);
+      EXPECT_EQ(list.item(0, 1)->text(), "K330");
+      EXPECT_EQ(list.item(0, 2)->text(), "plc.example:20300, unit 1");
+      EXPECT_EQ(list.item(1, 2)->text(), "Simulated K220-22-R1");
       Find<QPushButton>(dialog, "cmdClose").click();
     });
     Trigger(window, "ID_Session");
     EXPECT_EQ(Text(window, "lblSession"), "Session Bakery");
     EXPECT_EQ(Text(window, "lblLink"), "plc.example:20300, unit 1");
+    EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), "K330") << "its own, not that of the session before";
     EXPECT_EQ(Text(window, "lblOnline"), "Off line");
     EXPECT_TRUE(window.isEnabled());
   });
+}
+
+TEST_F(MainWindowTest, TheTraceStandsBesideTheToolsWithTheTimeOfDay) {
+  Run([&](QMainWindow& window) {
+    Trigger(window, "HOST_Trace");
+    Trigger(window, "ID_OnLine");
+    QWidget* trace = nullptr;
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+      if (each->objectName() == "frmTrace") trace = each;
+    }
+    ASSERT_NE(trace, nullptr);
+    auto& frames = Find<QTableView>(*trace, "flgTrace");
+    ASSERT_TRUE(WaitUntil([&] { return frames.model()->rowCount() > 2; }));
+    EXPECT_THAT(frames.model()->index(0, 0).data().toString().toStdString(),
+                testing::MatchesRegex("[0-9][0-9]:[0-9][0-9]:[0-9][0-9]\\.[0-9]{6}"));
+    WhenOpen<QDialog>(window, [&](QDialog& dialog) {
+      EXPECT_EQ(dialog.windowModality(), Qt::WindowModal) << "the trace answers beside it";
+      dialog.reject();
+    });
+    Trigger(window, "ID_Session");
+  });
+}
+
+TEST_F(MainWindowTest, TheLogHasItsMenu) {
+  Run([&](QMainWindow& window) {
+    Trigger(window, "ID_OnLine");
+    auto& log = Find<QTableView>(window, "tblLog");
+    ASSERT_GT(log.model()->rowCount(), 0);
+    When(
+        window, [] { return QApplication::activePopupWidget() != nullptr; },
+        [&] {
+          QWidget* menu = QApplication::activePopupWidget();
+          EXPECT_EQ(menu->actions(),
+                    (QList<QAction*>{&Find<QAction>(window, "HOST_CopyLog"), &Find<QAction>(window, "HOST_ClearLog")}));
+          QTest::keyClick(menu, Qt::Key_L);
+        });
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QApplication::sendEvent(&log, &key);
+    EXPECT_EQ(log.model()->rowCount(), 0);
+  });
+}
+
+// An administrator asks over a remote line, where there is no screen.
+TEST(ProgramTest, HelpAndVersionNeedNoDisplay) {
+  for (const char* asked : {"--help", "--version"}) {
+    QProcess program;
+    QProcessEnvironment bare = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) bare.remove(name);
+    program.setProcessEnvironment(bare);
+    program.start(KVTELEEXE_PROGRAM, {asked});
+    ASSERT_TRUE(program.waitForFinished(kPatience));
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(program.exitCode(), 0) << asked;
+    EXPECT_NE(program.readAllStandardOutput(), "") << asked;
+  }
 }
 
 TEST_F(MainWindowTest, EveryCommandAndControlCanBeReadAndReached) {

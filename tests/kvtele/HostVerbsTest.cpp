@@ -20,8 +20,10 @@ TEST(Online, TellsWithWhatItIsOnLineAndLeavesTheSessionAlone) {
   const Result result = bench.On("K670-T40", {"online"});
   EXPECT_EQ(result.exit, 0);
   EXPECT_EQ(result.err, "No project was compared: name a Telepanel file with --project.\n");
-  EXPECT_THAT(result.out,
-              HasSubstr("\nreported as    K670-67-T40 / K390-29-T40\nO/S            1.10\nbuild          19\n"));
+  EXPECT_THAT(
+      result.out,
+      HasSubstr(
+          "\nreported as    K670-67-T40 / K390-29-T40\nhardware code  67\nO/S            1.10\nbuild          19\n"));
   EXPECT_THAT(result.out, HasSubstr("plant.ktc"));
 
   // The model decides how the controller is asked.
@@ -57,6 +59,8 @@ TEST(Online, EndsWithACodeForEachRefusal) {
   const Result refused = bench.On("K220-22-R1", {"online"});
   EXPECT_EQ(refused.exit, 4);
   EXPECT_THAT(refused.err, HasSubstr("You cannot access this PLC because it is currently in BOOTSTRAP mode."));
+  EXPECT_THAT(refused.err, testing::ContainsRegex("The controller: model BOOT, hardware code .*serial number [0-9]+, "
+                                                  "state boot loader"));
   EXPECT_EQ(refused.out, "");
   EXPECT_EQ(bench.On("K330", {"--model", "K230", "online"}).exit, 4);
   bench.options.unit = 7;

@@ -64,6 +64,9 @@ TEST_F(SessionIniTest, TenRecentCachesNewestFirstEachPathOnce) {
   EXPECT_EQ(entries.size(), kMostRecentCaches);
   EXPECT_EQ(entries.front(), "/c/5.ktc*other");
   EXPECT_EQ(std::ranges::count(entries, "/c/5.ktc", &CachePath), 1);
+
+  EXPECT_FALSE(AddRecentCache(shared, "/c/\xD0\x9C.ktc"));  // letters that the settings cannot hold
+  EXPECT_EQ(ReadRecentCaches(shared), entries);
 }
 
 TEST_F(SessionIniTest, TellsTheDriverTheSessionAndTheKindOfModel) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QContextMenuEvent>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -8,6 +9,7 @@
 #include <QPushButton>
 #include <QTableWidget>
 
+#include "sessions/SessionIni.h"
 #include "sessions/ui/frmSession.h"
 #include "tests/desktop_ui/QtBench.h"
 #include "tests/support/SessionBench.h"
@@ -36,6 +38,10 @@ class SessionWindowTest : public ::testing::Test {
     std::vector<std::string> rows;
     for (int i = 0; i < List().rowCount(); ++i) rows.push_back(List().item(i, 0)->text().toStdString());
     return rows;
+  }
+  void AskForMenu(const QPoint& at) const {
+    QContextMenuEvent asked(QContextMenuEvent::Mouse, at, List().viewport()->mapToGlobal(at));
+    QApplication::sendEvent(List().viewport(), &asked);
   }
   void Select(const QString& name) const { List().setCurrentItem(List().findItems(name, Qt::MatchExactly).front()); }
   // Active session, frame, and closing button as they are read on the screen.
@@ -125,8 +131,52 @@ TEST_F(SessionWindowTest, DeletesByKeyAndByMenu) {
   When(
       *window, [] { return QApplication::activePopupWidget() != nullptr; },
       [] { QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_D); });
-  emit List().customContextMenuRequested(QPoint(5, 5));
+  AskForMenu(List().visualItemRect(List().currentItem()).center());
   EXPECT_THAT(Rows(), ElementsAre("C", "Default"));
+  AskForMenu(List().viewport()->rect().bottomLeft());  // over empty ground: an open menu would not return
+  EXPECT_THAT(Rows(), ElementsAre("C", "Default"));
+}
+
+TEST_F(SessionWindowTest, AMenuByKeyIsThatOfTheSelectedSession) {
+  MakeSession("A");
+  Open();
+  Select("A");
+  When(
+      *window, [] { return QApplication::activePopupWidget() != nullptr; },
+      [] { QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_D); });
+  QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+  QApplication::sendEvent(&List(), &key);
+  EXPECT_THAT(Rows(), ElementsAre("Default"));
+}
+
+// The mark of a program that was killed keeps its session for ever, unless somebody is told how to take it away.
+TEST_F(SessionWindowTest, AMarkedSessionIsShownWithTheWayOut) {
+  for (const char* name : {"Mill", "Other"}) {
+    bench.shared.CurrentSession = name;
+    MakeSession(name);
+    bench.home.Put(std::string("Sessions/") + name + "/tmp.txt", "");
+    ASSERT_TRUE(SetLastModel(bench.shared, "Q50"));
+    MarkSessionInUse(bench.shared, true);
+  }
+  Open();
+  const auto hold = [this]() -> QLabel& { return Find<QLabel>(*window, "lblHold"); };
+  EXPECT_FALSE(hold().isVisible()) << "the active one is marked because it is active";
+  Select("Mill");
+  EXPECT_TRUE(hold().text().contains("activate it in the session window and then another one"))
+      << hold().text().toStdString();
+  EXPECT_EQ(List().item(List().currentRow(), 1)->text(), "Q50");
+  EXPECT_EQ(List().item(List().currentRow(), 2)->text(), "Link of Q50");
+
+  Close().click();  // what it says
+  Open();
+  Select("Other");
+  Close().click();
+  bench.shared.CurrentSession = "Default";
+  Open();
+  Select("Mill");
+  EXPECT_FALSE(hold().isVisible());
+  QTest::keyClick(&List(), Qt::Key_Delete);
+  EXPECT_THAT(Rows(), ElementsAre("Default", "Other"));
 }
 
 TEST_F(SessionWindowTest, WithoutSessionsThereIsNoMenuAndNothingToSave) {
@@ -135,7 +185,7 @@ TEST_F(SessionWindowTest, WithoutSessionsThereIsNoMenuAndNothingToSave) {
   EXPECT_THAT(Rows(), ElementsAre());
   EXPECT_TRUE(Find<QLabel>(*window, "lblFault").text().contains("What to do: put the folder back"));
   EXPECT_FALSE(Save().isEnabled());
-  emit List().customContextMenuRequested(QPoint(5, 5));  // an open menu would not return
+  AskForMenu(QPoint(5, 5));  // an open menu would not return
 }
 
 }  // namespace

@@ -33,8 +33,10 @@ class FakeDriver : public CommDriver {
   const LinkError& LastError() const override { return mError; }
   void CloseDriver() override { Note("CloseDriver"); }
   std::string LinkDescription() const override { return description; }
+  std::string DescribeSession(const SessionLink& link) const override { return "Link of " + link.model; }
   void ComParamsCaller(const std::string& caller) override { Note("ComParamsCaller " + caller); }
   void ShowComParams() override { Note("ShowComParams"); }
+  void ShowTrace() override { Note("ShowTrace"); }
   void ShowModemSettings() override {
     Change();
     Note("ShowModemSettings");

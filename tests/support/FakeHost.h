@@ -25,7 +25,8 @@ class FakeHost : public RemoteHost {
   bool opensCaches = true;
   bool online = false;
   bool projectMatches = true;
-  std::string refusal;  // of the last controller that was refused
+  std::string refusal;        // of the last controller that was refused
+  RefusedController refused;  // and what was known of it
 
   bool Enabled() const override { return enabled; }
   void SetEnabled(bool on) override {
@@ -70,7 +71,10 @@ class FakeHost : public RemoteHost {
   void SetCompactIdentification(bool compact) override { Note("CompactIdentification", Switch(compact)); }
   void SetControllerInfoByte(int value) override { Note("ControllerInfoByte", std::to_string(value)); }
   bool ProjectMatches() override { return projectMatches; }
-  void ConnectionRefused(const std::string& text) override { refusal = text; }
+  void ConnectionRefused(const std::string& text, const RefusedController& controller) override {
+    refusal = text;
+    refused = controller;
+  }
   void SetPanelData(const std::string& path) override { Note("PanelData", path); }
   void GoOnline() override {
     online = true;

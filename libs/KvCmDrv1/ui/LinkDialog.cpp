@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "desktop/ui/Commands.h"
+#include "desktop/ui/ScrollPage.h"
 
 namespace kv {
 
@@ -45,10 +46,14 @@ LinkDialog::LinkDialog(const LinkSettings& current, const std::string& caller, c
     subCaption->setTextFormat(Qt::PlainText);
     page->addWidget(subCaption);
   }
-  page->addWidget(mFields);
-  page->addWidget(mFault);
-  page->addLayout(mBelow);
-  page->addStretch();
+  auto* content = new QWidget;
+  auto* scrolled = new QVBoxLayout(content);
+  scrolled->setContentsMargins({});
+  scrolled->addWidget(mFields);
+  scrolled->addWidget(mFault);
+  scrolled->addLayout(mBelow);
+  scrolled->addStretch();
+  page->addWidget(new ScrollPage(content, this));
   page->addLayout(bottom);
 }
 

@@ -41,7 +41,7 @@ class QtDriverDialogs final : public DriverDialogs {
   [[nodiscard]] std::optional<LinkSettings> EditModem(const LinkSettings& current, const std::string& caller) override;
 
   // The trace, in a window of its own that lives beside all others; brought to the front when it is open.
-  void ShowTrace();
+  void ShowTrace() override;
 
  private:
   [[nodiscard]] std::optional<LinkSettings> Run(LinkDialog& dialog) const;

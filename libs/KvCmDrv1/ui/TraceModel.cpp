@@ -62,7 +62,8 @@ QVariant TraceModel::data(const QModelIndex& index, int role) const {
   const Trace::Row& row = mRows[static_cast<std::size_t>(index.row())];
   switch (index.column()) {
     case Time:
-      return QString::fromStdString(row.time);
+      return QString::fromStdString(row.time).section('T',
+                                                      -1);  // without the date, which the line has when it is copied
     case Direction:
       return DirectionText(row.direction);
     case Owner:
@@ -78,7 +79,7 @@ QVariant TraceModel::data(const QModelIndex& index, int role) const {
 
 QVariant TraceModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= ColumnCount) return {};
-  constexpr const char* kTitles[ColumnCount] = {"Time (s)", "Direction", "For", "Text", "Meaning"};
+  constexpr const char* kTitles[ColumnCount] = {"Time", "Direction", "For", "Text", "Meaning"};
   return kTitles[section];
 }
 

@@ -111,9 +111,6 @@ void frmComParams::Test() {
   const LinkSettings tried = Settings();
   BusyState busy(mParts.pacer, *this, "Asking who is there on " + QString::fromStdString(DescribeLink(tried)) + "...");
   mResult->setText(ResultText(mParts.test(tried)));
-  // A text that breaks into lines does not make a window higher by itself.
-  layout()->activate();
-  resize(width(), std::max(height(), layout()->heightForWidth(width())));
 }
 
 }  // namespace kv

@@ -26,6 +26,7 @@ class CommandBar {
   CommandBar(QMainWindow& window, OnCommand onCommand);
 
   void Show(const HostState& state, const WhyDisabled& whyDisabled);
+  [[nodiscard]] QAction* Action(std::string_view id) const { return mActions.at(id); }
 
  private:
   void BuildMenus();

@@ -25,6 +25,7 @@ inline constexpr auto kCommandPictures = std::to_array<std::pair<std::string_vie
     {command::kModel,           Picture::Model},
     {command::kComParams,       Picture::Link},
     {"ID_Modem",                Picture::Modem},
+    {command::kTrace,           Picture::Trace},
     {"ID_DataTypes",            Picture::DataTypes},
     {"ID_Downloader",           Picture::Download},
     {"ID_DumpPLC",              Picture::Clone},

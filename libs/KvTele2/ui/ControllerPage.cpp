@@ -26,6 +26,7 @@ constexpr auto kControllerRows = std::to_array<Row<ControllerFacts>>({
     {"lblModel",   "Model",         false, &ControllerFacts::model},
     {"lblState",   "State",         false, &ControllerFacts::state},
     {"lblProject", "Project",       false, &ControllerFacts::project},
+    {"lblHardware","Hardware code", true,  &ControllerFacts::hardwareCode},
     {"lblOs",      "O/S version",   true,  &ControllerFacts::os},
     {"lblBuild",   "O/S build",     true,  &ControllerFacts::build},
     {"lblUnit",    "Unit id",       true,  &ControllerFacts::unit},

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QMenu>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -12,7 +13,9 @@
 #include "KvTele2/ui/ControllerPage.h"
 #include "KvTele2/ui/LogView.h"
 #include "KvTele2/ui/StatusFields.h"
+#include "desktop/ui/ContextMenu.h"
 #include "desktop/ui/Icons.h"
+#include "desktop/ui/ScrollPage.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv {
@@ -51,11 +54,19 @@ void frmMain::BuildMiddle() {
   mPages = new QStackedWidget(middle);
   mPages->setObjectName("stkPages");
   mPage = new ControllerPage(mPages);
-  mPages->addWidget(mPage);
+  mPages->addWidget(new ScrollPage(mPage, mPages));
   mLog = new LogView(middle);
+  OnContextMenu(*mLog, [this](const QModelIndex&, const QPoint& at) { ShowLogMenu(at); });
   middle->setStretchFactor(0, 3);
   middle->setStretchFactor(1, 1);
   setCentralWidget(middle);
+}
+
+void frmMain::ShowLogMenu(const QPoint& at) {
+  QMenu menu(this);
+  menu.setToolTipsVisible(true);
+  for (const std::string_view id : {command::kCopyLog, command::kClearLog}) menu.addAction(mCommands.Action(id));
+  menu.exec(at);
 }
 
 void frmMain::BuildTimers() {

@@ -44,6 +44,7 @@ class frmMain final : public QMainWindow, public HostView {
  private:
   void BuildMiddle();
   void BuildTimers();
+  void ShowLogMenu(const QPoint& at);  // on the screen
   void Command(std::string_view id, const std::string& argument);
   void LetInputThrough();
   void ShowPointer(bool busy);

@@ -24,18 +24,28 @@ constexpr QSize kFrame(8, 40);  // around a window, with its title
 // A first size that was chosen for a large screen would put the lower edge, with its buttons, out of sight on a small
 // one. A window that has chosen none takes the size of its contents.
 void FitToScreen(QWidget& window) {
-  if (!window.testAttribute(Qt::WA_Resized)) return;
-  window.resize(window.size().boundedTo(window.screen()->availableSize() - kFrame));
+  if (window.isMaximized()) return;
+  const QSize wanted = window.testAttribute(Qt::WA_Resized) ? window.size() : window.sizeHint();
+  const QSize fitting = wanted.boundedTo(RoomFor(window));
+  if (window.testAttribute(Qt::WA_Resized) || fitting != wanted) window.resize(fitting);
+}
+
+// "@16x100" for lines of 16 pixels on a screen at 100 %.
+std::string ScaleOf(const QWidget& window) {
+  const int percent = static_cast<int>(window.devicePixelRatioF() * 100);
+  return "@" + std::to_string(window.fontMetrics().height()) + "x" + std::to_string(percent);
 }
 
 class PlaceKeeper final : public QObject {
  public:
-  PlaceKeeper(QWidget& window, std::filesystem::path file) : QObject(&window), mWindow(window), mFile(std::move(file)) {
+  PlaceKeeper(QWidget& window, std::filesystem::path file)
+      : QObject(&window), mWindow(window), mFile(std::move(file)), mScale(ScaleOf(window)) {
     mWindow.installEventFilter(this);
   }
 
   void Restore() {
     mWindow.restoreGeometry(Read("Place"));
+    FitToScreen(mWindow);
     for (QSplitter* splitter : mWindow.findChildren<QSplitter*>()) splitter->restoreState(Read(KeyOf(*splitter)));
     for (QHeaderView* header : mWindow.findChildren<QHeaderView*>()) header->restoreState(Read(KeyOf(*header)));
   }
@@ -65,7 +75,7 @@ class PlaceKeeper final : public QObject {
   // The states are the toolkit's own and not all of them are checked when they are restored: a check stands in front.
   [[nodiscard]] QByteArray Read(const std::string& key) const {
     if (key.empty()) return {};
-    const std::string text = ReadProfileString(mFile, Section(), key, "", kLongestState);
+    const std::string text = ReadProfileString(mFile, Section(), key + mScale, "", kLongestState);
     const std::string state = text.substr(std::min(text.size(), kCheckDigits));
     return text == Checked(state) ? QByteArray::fromBase64(QByteArray::fromStdString(state)) : QByteArray();
   }
@@ -73,7 +83,7 @@ class PlaceKeeper final : public QObject {
   void Write(const std::string& key, const QByteArray& state) const {
     if (key.empty()) return;
     // A place that cannot be kept is no reason to disturb anybody.
-    (void)WriteProfileString(mFile, Section(), key, Checked(state.toBase64().toStdString()));
+    (void)WriteProfileString(mFile, Section(), key + mScale, Checked(state.toBase64().toStdString()));
   }
 
   [[nodiscard]] static std::string Checked(const std::string& state) {
@@ -84,16 +94,20 @@ class PlaceKeeper final : public QObject {
 
   QWidget& mWindow;
   std::filesystem::path mFile;
+  std::string mScale;  // behind each key: a place fits the letters that it was chosen for
 };
 
 }  // namespace
+
+QSize RoomFor(const QWidget& window) {
+  return window.screen()->availableSize() - kFrame;
+}
 
 std::filesystem::path WindowsFile(const ProgramPaths& paths) {
   return paths.Home() / "Windows.ini";
 }
 
 void RememberPlace(QWidget& window, const std::filesystem::path& file) {
-  FitToScreen(window);
   (new PlaceKeeper(window, file))->Restore();
 }
 

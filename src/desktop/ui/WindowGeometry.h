@@ -13,10 +13,14 @@ namespace kv {
 // the installation that is served. "Windows.ini" in the program folder, one section a window.
 [[nodiscard]] std::filesystem::path WindowsFile(const ProgramPaths& paths);
 
+// The room that the screen of `window` has for it inside its frame.
+[[nodiscard]] QSize RoomFor(const QWidget& window);
+
 // Gives `window` the size and position that it had last, and the splitters and table headers inside theirs, then keeps
 // them each time the window is hidden or closed. They are known by their object names. Places that are damaged or
 // missing leave everything as it is, but that a window larger than the screen is made to fit; one outside of the
-// screens of today is moved inside. To be called when the window is built and not shown; `file` may be write-protected.
+// screens of today is moved inside. Each scale of texts has its own place: a window that grew with the letters shrinks
+// with them. To be called when the window is built and not shown; `file` may be write-protected.
 void RememberPlace(QWidget& window, const std::filesystem::path& file);
 
 // Leaves a table's header out of it: its widths belong to what the table shows, and are kept with that.

@@ -2,12 +2,19 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "link/Channel.h"
 
 namespace kv {
+
+// What is known of a controller that is refused.
+struct RefusedController {
+  VersionInfo version;                          // the model as it was reported, not what that stands for
+  std::optional<Channel::ControllerInfo> info;  // nothing when it did not tell
+};
 
 // What tools ask of the host: the program that owns the main window, the selected model and the panel session. The host
 // library implements it; tests implement it by recording.
@@ -23,6 +30,9 @@ class RemoteHost {
   // Event: the host has let go of the controller, and the link is to be closed, so that others can use it and the next
   // attempt to go on line begins anew.
   std::function<void()> OnLinkReleased;
+
+  // Event: the user wants to see what passes on the link.
+  std::function<void()> OnTraceWanted;
 
   // Whether the host takes user input. Tools set it to false while their modal window is open.
   [[nodiscard]] virtual bool Enabled() const = 0;
@@ -70,7 +80,7 @@ class RemoteHost {
   // Whether the open pages file belongs to the controller's project; true when no file is open.
   [[nodiscard]] virtual bool ProjectMatches() = 0;
   // The controller that has just been identified is refused, and why. The user is told by whoever refuses it.
-  virtual void ConnectionRefused(const std::string& text) = 0;
+  virtual void ConnectionRefused(const std::string& text, const RefusedController& controller) = 0;
   // The file from which a colour panel draws its data.
   virtual void SetPanelData(const std::string& path) = 0;
   virtual void GoOnline() = 0;

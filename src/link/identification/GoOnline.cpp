@@ -91,6 +91,7 @@ class OnlineSequence {
     const auto version = mChannel->GetVersionInfo(mUnit);
     if (!version) return false;
     mVersion = *version;
+    mReported = *version;
     mVersion.model = AnsiToUtf8(version->model);
     return true;
   }
@@ -200,7 +201,7 @@ class OnlineSequence {
   }
 
   void Refuse(const std::string& text) {
-    mHost.ConnectionRefused(text);
+    mHost.ConnectionRefused(text, {mReported, mChannel->GetControllerInfo(mUnit)});
     mPrompts.Show({.text = text, .title = "Telepanel", .icon = PromptIcon::Exclamation});
   }
 
@@ -210,7 +211,8 @@ class OnlineSequence {
   CommDriver& mDriver;
   std::shared_ptr<Channel> mChannel;
   std::uint8_t mUnit = 0;
-  VersionInfo mVersion;
+  VersionInfo mReported;
+  VersionInfo mVersion;  // the same, its model in UTF-8 and a boot text replaced by the model that it stands for
   bool mBootSubstitute = false;
 };
 

@@ -14,12 +14,17 @@
 #include <QVBoxLayout>
 
 #include "desktop/ui/Commands.h"
+#include "desktop/ui/ContextMenu.h"
 #include "desktop/ui/Icons.h"
+#include "link/LinkError.h"
 
 namespace kv {
 namespace {
 
-constexpr QSize kFirstSize(380, 420);
+constexpr QSize kFirstSize(720, 420);
+constexpr int kNameWidth = 24;  // of the columns, in characters
+constexpr int kModelWidth = 28;
+enum Column { Name, Model, Link, kColumns };
 constexpr const char* kNothingSelected = "No session is selected.";
 
 // The caption is fixed to the last character, so it has no letter to underline.
@@ -55,11 +60,11 @@ void frmSession::BuildList() {
   mFault->setTextFormat(Qt::PlainText);
   mFault->setWordWrap(true);
   mFault->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  mList = new QTableWidget(0, 1, this);
+  mList = new QTableWidget(0, kColumns, this);
   mList->setObjectName("flgSession");
   mList->setAccessibleName("Sessions");
   mList->setToolTip("The sessions beside the program; Delete removes the selected one");
-  mList->setHorizontalHeaderLabels({"Session"});
+  mList->setHorizontalHeaderLabels({"Session", "Model", "Link"});
   mList->horizontalHeader()->setStretchLastSection(true);
   mList->horizontalHeader()->setHighlightSections(false);
   mList->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -68,9 +73,19 @@ void frmSession::BuildList() {
   mList->setSelectionBehavior(QAbstractItemView::SelectRows);
   mList->setEditTriggers(QAbstractItemView::NoEditTriggers);
   mList->setTabKeyNavigation(false);
-  mList->setContextMenuPolicy(Qt::CustomContextMenu);
+  const int letter = fontMetrics().averageCharWidth();
+  mList->setColumnWidth(Name, kNameWidth * letter);
+  mList->setColumnWidth(Model, kModelWidth * letter);
   connect(mList, &QTableWidget::itemSelectionChanged, this, [this] { RefreshCaptions(); });
-  connect(mList, &QTableWidget::customContextMenuRequested, this, [this](const QPoint& at) { ShowMenu(at); });
+  OnContextMenu(*mList, [this](const QModelIndex& row, const QPoint& at) {
+    if (row.isValid()) ShowMenu(at);  // over empty ground it would delete a session that is not meant
+  });
+  mHold = new QLabel(this);
+  mHold->setObjectName("lblHold");
+  mHold->setAccessibleName("Why the selected session is not deleted");
+  mHold->setTextFormat(Qt::PlainText);
+  mHold->setWordWrap(true);
+  mHold->setTextInteractionFlags(Qt::TextSelectableByMouse);
 }
 
 void frmSession::BuildSaveFrame() {
@@ -118,6 +133,7 @@ void frmSession::ArrangeControls() {
   page->addWidget(mActive);
   page->addWidget(mFault);
   page->addWidget(mList);
+  page->addWidget(mHold);
   page->addWidget(mSaveFrame);
   page->addWidget(mClose);
   mList->setFocus();
@@ -129,7 +145,13 @@ void frmSession::Fill() {
   for (const std::string& name : mSessions.List()) {
     const int row = mList->rowCount();
     mList->insertRow(row);
-    mList->setItem(row, 0, new QTableWidgetItem(QString::fromStdString(name)));
+    const SessionFacts facts = mSessions.Describe(name);
+    const std::string texts[kColumns] = {name, facts.model, facts.link};
+    for (int column = 0; column < kColumns; ++column) {
+      auto* item = new QTableWidgetItem(QString::fromStdString(texts[column]));
+      item->setToolTip(item->text());
+      mList->setItem(row, column, item);
+    }
     if (name == mShared.CurrentSession) mList->setCurrentCell(row, 0);
   }
   mFault->setText(QString::fromStdString(mSessions.ListFault()));
@@ -146,6 +168,7 @@ void frmSession::RefreshCaptions() {
   Allow(*mClose, whyNot);
   Allow(*mSave, whyNot);
   Allow(*mDelete, whyNot);
+  ShowHold();
 }
 
 std::string frmSession::Selected() const {
@@ -172,12 +195,21 @@ void frmSession::DeleteSelected() {
   Fill();
 }
 
-void frmSession::ShowMenu(const QPoint& position) {
-  if (mList->rowCount() == 0) return;
+// The active one is marked because it is active.
+void frmSession::ShowHold() {
+  const std::string selected = Selected();
+  const bool isOther = !selected.empty() && selected != mShared.CurrentSession;
+  const SessionHold hold = isOther ? mSessions.HoldOf(selected) : SessionHold();
+  const LinkError text{LinkErrorCode::BadArgument, 0, "", hold.happened, hold.cause, hold.cure};
+  mHold->setText(QString::fromStdString(text.Text()));
+  mHold->setVisible(!hold.happened.empty());
+}
+
+void frmSession::ShowMenu(const QPoint& at) {
   QMenu menu(this);
   menu.setToolTipsVisible(true);
   menu.addAction(mDelete);
-  menu.exec(mList->viewport()->mapToGlobal(position));
+  menu.exec(at);
 }
 
 }  // namespace kv

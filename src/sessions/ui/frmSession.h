@@ -32,13 +32,15 @@ class frmSession : public QDialog {
   void Create();
   void ActivateAndClose();
   void DeleteSelected();
-  void ShowMenu(const QPoint& position);
+  void ShowHold();
+  void ShowMenu(const QPoint& at);  // on the screen
 
   SharedState& mShared;
   SessionManager mSessions;
   QTableWidget* mList = nullptr;
   QLabel* mActive = nullptr;
   QLabel* mFault = nullptr;
+  QLabel* mHold = nullptr;
   QGroupBox* mSaveFrame = nullptr;
   QLineEdit* mFolder = nullptr;
   QPushButton* mSave = nullptr;

@@ -1,0 +1,60 @@
+#include "desktop/ui/ScrollPage.h"
+
+#include <QEvent>
+#include <QScrollBar>
+#include <algorithm>
+#include <utility>
+
+#include "desktop/ui/WindowGeometry.h"
+
+namespace kv {
+namespace {
+
+constexpr int kFewestLines = 4;
+
+}  // namespace
+
+ScrollPage::ScrollPage(QWidget* content, QWidget* parent) : QScrollArea(parent) {
+  setFrameShape(NoFrame);
+  setWidgetResizable(true);
+  setFocusPolicy(Qt::NoFocus);  // Tab goes to the controls, which are scrolled into sight
+  setWidget(content);
+  content->setAutoFillBackground(false);
+  viewport()->setAutoFillBackground(false);
+}
+
+QSize ScrollPage::sizeHint() const {
+  const QSize content = widget()->sizeHint();
+  const int forWidth = widget()->heightForWidth(content.width());
+  return {content.width(), std::max(content.height(), forWidth)};
+}
+
+QSize ScrollPage::minimumSizeHint() const {
+  const int width = widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width();
+  return {width, std::min(widget()->sizeHint().height(), kFewestLines * fontMetrics().lineSpacing())};
+}
+
+bool ScrollPage::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == widget() && event->type() == QEvent::LayoutRequest) FollowContent();
+  return QScrollArea::eventFilter(watched, event);
+}
+
+void ScrollPage::resizeEvent(QResizeEvent* event) {
+  QScrollArea::resizeEvent(event);
+  mHeight = AskedHeight();  // a width of the user's choice changes nothing of the window's height
+}
+
+int ScrollPage::AskedHeight() const {
+  return std::max(widget()->sizeHint().height(), widget()->heightForWidth(viewport()->width()));
+}
+
+void ScrollPage::FollowContent() {
+  updateGeometry();
+  const int asked = AskedHeight();
+  const int change = asked - std::exchange(mHeight, asked);
+  if (!isVisible() || change == 0 || window()->windowType() != Qt::Dialog || window()->isMaximized()) return;
+  const int height = std::min(window()->height() + change, RoomFor(*window()).height());
+  window()->resize(window()->width(), std::max(height, window()->minimumSizeHint().height()));
+}
+
+}  // namespace kv
