@@ -3,6 +3,7 @@
 #include <CLI/Option.hpp>
 #include <algorithm>
 
+#include "KvCmDrv1/LinkSettings.h"
 #include "base/Numbers.h"
 #include "models/ModelCatalogue.h"
 
@@ -45,6 +46,15 @@ void DeclareLinkOptions(CLI::App& app, CommonOptions& options) {
                  "modem:PORT,NUMBER or listen:PORT. Default: the session's own link")
       ->type_name("LINK");
   app.add_option("--unit", options.unit, "Unit id of the controller, 0 to 255")->type_name("N")->check(Within(0, 255));
+  app.add_option("--serial-number", options.serialNumber,
+                 "The serial number that the controller must have; another one is refused before anything\n"
+                 "is read. Default: the session's, or whoever answers")
+      ->type_name("N")
+      ->check(Within(kSerialNumbers.lowest, kSerialNumbers.highest));
+  app.add_option("--redials", options.redials,
+                 "How often in a row watch dials a modem's lost call again, 0 to 99. Default: 3")
+      ->type_name("N")
+      ->check(Within(kRedials.lowest, kRedials.highest));
   app.add_option("--timeout", options.timeOut, "Longest time for a reply, 50 to 300000 ms")
       ->type_name("MS")
       ->check(Within(50, 300000));

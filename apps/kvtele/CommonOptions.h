@@ -11,13 +11,15 @@ namespace kv::cli {
 struct CommonOptions {
   std::string home;  // the folder that holds Sessions; empty: that of the program
   std::string session = "Default";
-  bool isSessionNamed = false;          // --session was given
-  std::string link;                     // text of a link; empty: the session's own
-  std::optional<int> unit;              // 0 to 255
-  std::optional<int> timeOut;           // milliseconds a reply may take, 50 to 300000
-  std::optional<int> retries;           // how often a request is repeated, 0 to 9
-  std::optional<std::string> password;  // the controller's, 1 to 8 characters
-  std::string model;                    // a selectable model; empty: what the controller says it is
+  bool isSessionNamed = false;                // --session was given
+  std::string link;                           // text of a link; empty: the session's own
+  std::optional<int> unit;                    // 0 to 255
+  std::optional<std::uint32_t> serialNumber;  // of the controller that is meant
+  std::optional<int> redials;                 // how often a watch dials a lost call again, 0 to 99
+  std::optional<int> timeOut;                 // milliseconds a reply may take, 50 to 300000
+  std::optional<int> retries;                 // how often a request is repeated, 0 to 9
+  std::optional<std::string> password;        // the controller's, 1 to 8 characters
+  std::string model;                          // a selectable model; empty: what the controller says it is
   bool json = false;
   std::string trace;  // file that every frame is written to; empty: none
   bool yes = false;   // questions are answered with yes

@@ -8,11 +8,10 @@ namespace kv::cli {
 
 namespace {
 
-std::expected<std::unique_ptr<CommDriver>, Failure> MakeDriver(Environment& environment, const CommonOptions& common) {
-  const auto choice = ChooseLink(environment, common);
-  if (!choice) return std::unexpected(choice.error());
-  for (const std::string& complaint : choice->complaints) environment.err << complaint << "\n";
-  return environment.makeDriver({choice->settings, choice->sessionFolder, common.trace});
+std::expected<std::unique_ptr<CommDriver>, Failure> MakeDriver(Environment& environment, const CommonOptions& common,
+                                                               const LinkChoice& choice) {
+  for (const std::string& complaint : choice.complaints) environment.err << complaint << "\n";
+  return environment.makeDriver({choice.settings, choice.sessionFolder, common.trace});
 }
 
 // Q50 and its relatives answer with one text, so each of them is as good as the others.
@@ -36,9 +35,11 @@ Connection::~Connection() {
 
 std::expected<std::unique_ptr<Connection>, Failure> Connection::Open(Environment& environment,
                                                                      const CommonOptions& common) {
-  auto driver = MakeDriver(environment, common);
+  const auto choice = ChooseLink(environment, common);
+  if (!choice) return std::unexpected(choice.error());
+  auto driver = MakeDriver(environment, common, *choice);
   if (!driver) return std::unexpected(driver.error());
-  std::unique_ptr<Connection> connection(new Connection(std::move(*driver)));
+  std::unique_ptr<Connection> connection(new Connection(std::move(*driver), choice->settings));
   if (const auto reached = connection->Reach(); !reached) return std::unexpected(reached.error());
   // From here on only: a link that never came about is the failure itself.
   connection->mDriver->OnComMessage = [&err = environment.err](const std::string& message) { err << message << "\n"; };
@@ -49,6 +50,16 @@ std::expected<std::unique_ptr<Connection>, Failure> Connection::Open(Environment
   }
   connection->mModel = common.model;
   return connection;
+}
+
+Connection::ComingBack Connection::HowItComesBack() const {
+  if (mSettings.transport == Transport::Modem) return ComingBack::ByDialling;
+  return mSettings.reconnects || mSettings.transport == Transport::Simulated ? ComingBack::ByItself : ComingBack::Not;
+}
+
+std::expected<void, LinkError> Connection::Reopen() {
+  if (mDriver->GetChannel()) return {};
+  return std::unexpected(mDriver->LastError());
 }
 
 std::expected<void, Failure> Connection::Reach() {

@@ -30,15 +30,26 @@ class Connection {
   [[nodiscard]] const std::string& Model() const { return mModel; }
   [[nodiscard]] std::string Description() const { return mDriver->LinkDescription(); }
 
+  // How a link that was lost comes back: by itself with the next requests, by dialling again (a call costs money, so
+  // not by itself), or not at all, as the session's settings say.
+  enum class ComingBack { ByItself, ByDialling, Not };
+  [[nodiscard]] ComingBack HowItComesBack() const;
+  // How often in a row a lost call may be dialled again.
+  [[nodiscard]] int Redials() const { return mSettings.modem.redials; }
+  // Opens a link that was lost; the reason when that failed.
+  [[nodiscard]] std::expected<void, LinkError> Reopen();
+
   // Why the last call of the channel failed.
   [[nodiscard]] Failure LastFailure() const { return LinkFailure(mChannel->LastError(), true); }
 
  private:
-  explicit Connection(std::unique_ptr<CommDriver> driver) : mDriver(std::move(driver)) {}
+  Connection(std::unique_ptr<CommDriver> driver, LinkSettings settings)
+      : mDriver(std::move(driver)), mSettings(std::move(settings)) {}
 
   [[nodiscard]] std::expected<void, Failure> Reach();
 
   std::unique_ptr<CommDriver> mDriver;
+  LinkSettings mSettings;
   std::shared_ptr<Channel> mChannel;
   VersionInfo mVersion;
   std::string mModel;

@@ -29,7 +29,7 @@ constexpr std::array kCodes = {
     CodeRow{LinkErrorCode::Stopped,         "interrupted",     ExitCode::Interrupted,  ExitCode::Interrupted},
     CodeRow{LinkErrorCode::LinkLost,        "linkLost",        ExitCode::NoConnection, ExitCode::LinkLost},
     CodeRow{LinkErrorCode::Closed,          "linkClosed",      ExitCode::NoConnection, ExitCode::LinkLost},
-    CodeRow{LinkErrorCode::OtherController, "otherController", ExitCode::LinkLost,     ExitCode::LinkLost},
+    CodeRow{LinkErrorCode::OtherController, "otherController", ExitCode::Refused,      ExitCode::LinkLost},
     CodeRow{LinkErrorCode::Unsure,          "unsure",          ExitCode::LinkLost,     ExitCode::LinkLost},
 };
 // clang-format on

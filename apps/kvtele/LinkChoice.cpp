@@ -64,6 +64,8 @@ Chosen WithLink(LinkChoice choice, const std::string& text, const LinkSettings& 
 
 void ApplyOptions(LinkSettings& settings, const CommonOptions& common) {
   if (common.unit) settings.unit = static_cast<std::uint8_t>(*common.unit);
+  if (common.serialNumber) settings.serialNumber = common.serialNumber;
+  if (common.redials) settings.modem.redials = *common.redials;
   if (common.timeOut) settings.timeOut = std::chrono::milliseconds(*common.timeOut);
   if (common.retries) settings.tries = *common.retries + 1;
 }

@@ -62,7 +62,9 @@ RegionWatch::RegionWatch(Environment& environment, Connection& connection, std::
       mRegions(std::move(regions)),
       mOptions(options),
       mLast(mRegions.size()),
-      mStart(environment.pacer.Now()) {}
+      mStart(environment.pacer.Now()),
+      mRedials(connection.Redials()),
+      mCallBegan(mStart) {}
 
 std::expected<void, Failure> RegionWatch::Run() {
   while (!IsOver()) {
@@ -90,10 +92,47 @@ std::expected<RegionWatch::Texts, Failure> RegionWatch::Read(const Region& regio
     }
     if (IsStopped()) return std::unexpected(StoppedFailure());
     if (!MayComeBack(texts.error().code)) return std::unexpected(LinkFailure(texts.error(), true));
-    if (!wasLost) mEnvironment.err << texts.error().Text() << "\nThe watch goes on when it answers.\n" << std::flush;
-    if (const auto waited = WaitForLink(texts.error(), pause); !waited) return std::unexpected(waited.error());
+    if (const auto back = GetLinkBack(texts.error(), !wasLost, pause); !back) return std::unexpected(back.error());
     pause = std::min(2 * pause, kLongestPause);
   }
+}
+
+std::expected<void, Failure> RegionWatch::GetLinkBack(const LinkError& error, bool isNew, Duration pause) {
+  using enum Connection::ComingBack;
+  const bool isGone = error.code == LinkErrorCode::LinkLost || error.code == LinkErrorCode::CannotOpen;
+  const auto way = isGone ? mConnection.HowItComesBack() : ByItself;
+  if (way == ByDialling) return DialAgain(error);
+  if (way == Not) {
+    Failure failure = LinkFailure(error, true);
+    failure.cure = "start the watch again, or let the session's settings reconnect a lost link";
+    return std::unexpected(std::move(failure));
+  }
+  if (isNew) mEnvironment.err << error.Text() << "\nThe watch goes on when it answers.\n" << std::flush;
+  return WaitForLink(error, pause);
+}
+
+std::expected<void, Failure> RegionWatch::DialAgain(LinkError error) {
+  mRedials.NoteEnd(mEnvironment.pacer.Now() - mCallBegan);
+  while (const auto pause = mRedials.Next()) {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*pause).count();
+    mEnvironment.err << error.Text() << "\nDialling again in " << seconds << " s (" << mRedials.Made() << " of "
+                     << mRedials.Most() << ").\n"
+                     << std::flush;
+    if (const auto waited = WaitForLink(error, *pause); !waited) return waited;
+    const auto opened = mConnection.Reopen();
+    mCallBegan = mEnvironment.pacer.Now();
+    if (opened) return {};
+    error = opened.error();
+    if (IsStopped()) return std::unexpected(StoppedFailure());
+    if (!MayComeBack(error.code)) break;
+  }
+  Failure failure = LinkFailure(error, true);
+  if (mRedials.Most() == 0) {
+    failure.cure += "; --redials lets the watch dial again by itself";
+  } else if (mRedials.Made() == mRedials.Most()) {
+    failure.happened += "; no more calls after " + std::to_string(mRedials.Made()) + " in a row";
+  }
+  return std::unexpected(std::move(failure));
 }
 
 std::expected<void, Failure> RegionWatch::WaitForLink(const LinkError& error, Duration pause) {

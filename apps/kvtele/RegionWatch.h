@@ -9,6 +9,7 @@
 #include "apps/kvtele/Connection.h"
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/RegionsFile.h"
+#include "link/RedialPlan.h"
 
 namespace kv::cli {
 
@@ -22,9 +23,9 @@ struct WatchOptions {
 // Reads regions pass by pass and prints a line for each operand that has another value than at its last reading. What
 // is there at first is no change.
 //
-//   passes -> lost (the link failed; asks again with growing pauses) -> passes
+//   passes -> lost (the link failed; asks again with growing pauses, dials a lost call again) -> passes
 //   ends: count or span reached | stopped by the user | refused by the controller, or another one | span over while
-//   lost
+//   lost | no more calls to be made, or a link that the settings do not open again
 class RegionWatch {
  public:
   // `connection` outlives the watch. The regions are each one request.
@@ -39,6 +40,8 @@ class RegionWatch {
   using Texts = std::vector<std::string>;
 
   [[nodiscard]] std::expected<Texts, Failure> Read(const Region& region);
+  [[nodiscard]] std::expected<void, Failure> GetLinkBack(const LinkError& error, bool isNew, Duration pause);
+  [[nodiscard]] std::expected<void, Failure> DialAgain(LinkError error);
   [[nodiscard]] std::expected<void, Failure> WaitForLink(const LinkError& error, Duration pause);
   void Show(std::size_t row, Texts texts);
   void ShowChange(const Region& region, std::size_t index, const std::string& before, const std::string& now);
@@ -53,6 +56,8 @@ class RegionWatch {
   WatchOptions mOptions;
   std::vector<Texts> mLast;  // of each region; empty before its first reading
   Instant mStart;
+  RedialPlan mRedials;
+  Instant mCallBegan;
   std::size_t mChanges = 0;
 };
 

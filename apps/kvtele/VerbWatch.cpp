@@ -22,7 +22,8 @@ const char* VerbWatch::Examples() const {
          "                                                          time, type, address, old value, new value\n"
          "  kvtele --link sim:K220-22-R1 watch plant.axt --for 60   for a minute\n"
          "  kvtele --link sim:K220-22-R1 watch plant.axt --count 1  until something changes\n"
-         "A link that breaks is waited for, and messages say so. With --json each line is a document.\n";
+         "A link that breaks is waited for, and messages say so; a modem's call is dialled again, --redials times\n"
+         "at most in a row. With --json each line is a document.\n";
 }
 
 void VerbWatch::Declare(CLI::App& app) {

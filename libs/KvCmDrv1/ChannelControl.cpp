@@ -62,7 +62,11 @@ ChannelImpl::ChannelImpl(Pacer& pacer, std::shared_ptr<Trace> trace, const LinkS
 void ChannelImpl::ConfigureExchange() {
   // A modem that lost its call is not dialled again in the middle of a request: that costs minutes, and money.
   const bool reconnects = mSettings.reconnects && mSettings.transport != Transport::Modem;
-  mExchange.Configure({.timeOut = mSettings.timeOut, .tries = mSettings.tries, .reconnects = reconnects});
+  mExchange.Configure({.timeOut = mSettings.timeOut,
+                       .tries = mSettings.tries,
+                       .reconnects = reconnects,
+                       .unit = mSettings.unit,
+                       .serialNumber = mSettings.serialNumber});
 }
 
 bool ChannelImpl::Open() {
@@ -71,22 +75,28 @@ bool ChannelImpl::Open() {
     return false;
   }
   if (mLine.IsOpen()) return true;
-  if (const auto opened = mLine.Open(OpenLimit(mSettings)); !opened) {
-    const PortError& error = opened.error();
-    const LinkErrorCode code = mLine.StopAsked() ? LinkErrorCode::Stopped : LinkErrorCode::CannotOpen;
-    Fail({.code = code,
-          .controllerCode = 0,
-          .doing = {},
-          .happened = error.happened,
-          .cause = error.cause,
-          .cure = error.cure},
-         "opening the link");
+  if (const auto opened = OpenLine(); !opened) {
+    Fail(opened.error(), "opening the link");
     return false;
   }
   mExchange.Reopened();
   Tell("Connected to " + DescribeLink(mSettings));
   Succeed();
   return true;
+}
+
+// A port that partners call is open when the controller that is meant is there: it is met at once.
+std::expected<void, LinkError> ChannelImpl::OpenLine() {
+  const Duration limit = OpenLimit(mSettings);
+  if (mLine.GetPort().IsCalled()) return mExchange.AwaitCaller(mSettings.unit, limit);
+  const auto opened = mLine.Open(limit);
+  if (opened) return {};
+  LinkError error;
+  error.code = mLine.StopAsked() ? LinkErrorCode::Stopped : LinkErrorCode::CannotOpen;
+  error.happened = opened.error().happened;
+  error.cause = opened.error().cause;
+  error.cure = opened.error().cure;
+  return std::unexpected(std::move(error));
 }
 
 void ChannelImpl::Close() {

@@ -131,6 +131,7 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] bool IsAsciiOnly(std::uint8_t unit);
   [[nodiscard]] bool ReadPiece(bool isAsciiOnly, std::uint32_t address, std::span<std::uint8_t> bytes,
                                std::uint8_t unit, Instant notAfter);
+  [[nodiscard]] std::expected<void, LinkError> OpenLine();
   [[nodiscard]] bool UseSettings(const LinkSettings& settings);
   void ConfigureExchange();
   void Tell(const std::string& message);

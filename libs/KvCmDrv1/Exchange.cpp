@@ -188,6 +188,13 @@ std::expected<void, LinkError> Exchange::MeetUnit(std::uint8_t unit) {
   return std::unexpected(Explain(outcome));
 }
 
+std::expected<void, LinkError> Exchange::AwaitCaller(std::uint8_t unit, Duration limit) {
+  const UnderWay underWay(*this);
+  mStart = mPacer.Now();
+  mDropped = 0;
+  return AdmitCaller(unit, mStart + limit);
+}
+
 void Exchange::SetDeadline(std::size_t wireBytes, std::optional<Instant> notAfter) {
   mStart = mPacer.Now();
   mDeadline = mStart + mSettings.tries * (mSettings.timeOut + mLine.WireTime(wireBytes + kMeetingBytes));
@@ -310,7 +317,9 @@ Outcome Exchange::OneTry(ReplyJudge& judge, std::string_view frame, std::size_t 
   const Instant end = std::min(mTryStart + mLine.WireTime(frame.size() + replyBytes) + wait, utmost);
   if (mTryStart >= end) return Outcome::Silence;
   const Outcome sent = mLine.Send(frame, mTryStart, end);
-  return sent == Outcome::Done ? mLine.Await(judge, mTryStart, end, utmost) : sent;
+  const Outcome outcome = sent == Outcome::Done ? mLine.Await(judge, mTryStart, end, utmost) : sent;
+  const bool isUnanswered = outcome == Outcome::Silence || outcome == Outcome::Damaged;
+  return isUnanswered && IsReplaced() ? Outcome::Lost : outcome;
 }
 
 // The first try waits as long as replies have been taking, the last one as long as they may; those between wait a part

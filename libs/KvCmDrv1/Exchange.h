@@ -23,7 +23,9 @@ namespace kv {
 struct ExchangeSettings {
   Duration timeOut = std::chrono::seconds(1);  // for one reply, without the time on the wire
   int tries = 3;
-  bool reconnects = true;  // a lost link is reopened within the request's deadline
+  bool reconnects = true;                     // a lost link is reopened within the request's deadline
+  std::uint8_t unit = 1;                      // that the link is for
+  std::optional<std::uint32_t> serialNumber;  // of that unit; nothing: whoever answers first
 };
 
 struct TextRequest {
@@ -81,6 +83,10 @@ class Exchange {
   // Makes sure that the unit has been met on this connection.
   [[nodiscard]] std::expected<void, LinkError> MeetUnit(std::uint8_t unit);
 
+  // Opens a port that partners call, and takes the first of them that answers as this unit and as the controller that
+  // is meant. All others are dropped, each with a message that names it. Ends at `limit`.
+  [[nodiscard]] std::expected<void, LinkError> AwaitCaller(std::uint8_t unit, Duration limit);
+
   // A number for the next request with a tag.
   [[nodiscard]] std::uint16_t NextTag() { return ++mTag; }
   // What is known of a unit. Passwords and identifications that tools come by are put here.
@@ -122,13 +128,23 @@ class Exchange {
 
   // Getting ready (ExchangeSteps.cpp).
   [[nodiscard]] Outcome GetReady(std::uint8_t unit, bool needsStep);
-  [[nodiscard]] Outcome Reopen();
+  [[nodiscard]] Outcome Reopen(std::uint8_t unit);
   [[nodiscard]] Outcome Meet(std::uint8_t unit);
   [[nodiscard]] Outcome FindStep(std::uint8_t unit);
   [[nodiscard]] Outcome Identify(std::uint8_t unit);
   [[nodiscard]] Outcome GiveAccess(std::uint8_t unit);
   [[nodiscard]] Outcome Ask(const TextRequest& request, Buffers& buffers);
   [[nodiscard]] Outcome Compare(UnitState& unit, const Identity& found);
+  [[nodiscard]] std::string NameOfOther(const UnitState& unit, const Identity& found) const;
+
+  // Callers (ExchangeCallers.cpp).
+  [[nodiscard]] Outcome GetCaller(std::uint8_t unit);
+  [[nodiscard]] std::expected<void, LinkError> AdmitCaller(std::uint8_t unit, Instant limit);
+  [[nodiscard]] Outcome TryCaller(std::uint8_t unit, Instant end);
+  [[nodiscard]] bool IsReplaced();
+  void DropCaller(const std::string& name, Outcome outcome);
+  [[nodiscard]] LinkError NobodyCame(const PortError& error) const;
+  [[nodiscard]] std::string WhyDropped(Outcome outcome) const;
   [[nodiscard]] Outcome WhatBecameOf(const TextRequest& request);
   [[nodiscard]] bool MayGoOn();
 
@@ -174,8 +190,11 @@ class Exchange {
 
   bool mIsShut = true;
   bool mIsOtherController = false;
-  PortError mLoss;         // why the link was lost or cannot be opened
-  std::string mOtherName;  // who answered instead
+  bool mIsAdmitting = false;  // a caller is asked who it is
+  int mDropped = 0;           // callers, since one was taken
+  std::string mLastDropped;   // name and reason
+  PortError mLoss;            // why the link was lost or cannot be opened
+  std::string mOtherName;     // who answered instead
   LinkQuality mQuality;
 };
 

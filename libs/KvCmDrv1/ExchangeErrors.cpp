@@ -73,7 +73,9 @@ LinkError Exchange::Explain(Outcome outcome) const {
     case Outcome::OtherController:
       return MakeError(OtherController, "another controller answered: " + mOtherName,
                        "the cable was moved, or the address now belongs to another controller",
-                       "connect the right controller, or close the link and connect to this one");
+                       mSettings.serialNumber
+                           ? "connect the right controller, or change the serial number that the link is set to"
+                           : "connect the right controller, or close the link and connect to this one");
     case Outcome::Unsure:
       return MakeError(
           Unsure, "the request was sent, but whether it was executed could not be found out",

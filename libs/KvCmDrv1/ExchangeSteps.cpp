@@ -35,19 +35,25 @@ std::string NameOf(const Identity& identity) {
 
 Outcome Exchange::GetReady(std::uint8_t unit, bool needsStep) {
   if (!mLine.IsOpen()) {
-    if (const Outcome opened = Reopen(); opened != Outcome::Done) return opened;
+    if (const Outcome opened = Reopen(unit); opened != Outcome::Done) return opened;
   }
-  if (mUnits[unit].connection != mLine.Connection()) return Meet(unit);
+  if (mUnits[unit].connection != mLine.Connection()) {
+    return mLine.GetPort().IsCalled() && unit == mSettings.unit ? GetCaller(unit) : Meet(unit);
+  }
   return needsStep && !mUnits[unit].isInStep ? FindStep(unit) : Outcome::Done;
 }
 
-Outcome Exchange::Reopen() {
+Outcome Exchange::Reopen(std::uint8_t unit) {
   if (!mSettings.reconnects) return Outcome::CannotReopen;
   for (int failures = std::max(mLosses - 1, 0);; ++failures) {
     const Duration pause = std::min(PauseAfter(failures), std::max(mDeadline - mPacer.Now(), Duration{}));
     if (!mLine.Pause(pause)) return Outcome::Stopped;
     const Duration rest = mDeadline - mPacer.Now();
     if (rest <= Duration{}) return Outcome::CannotReopen;
+    if (mLine.GetPort().IsCalled()) {
+      if (const Outcome got = GetCaller(unit); got != Outcome::Done) return got;
+      break;
+    }
     const std::expected<void, PortError> opened = mLine.Open(rest);
     if (opened) break;
     mLoss = opened.error();
@@ -96,10 +102,8 @@ Outcome Exchange::Identify(std::uint8_t unit) {
 }
 
 Outcome Exchange::Compare(UnitState& unit, const Identity& found) {
-  const std::optional<Identity>& known = unit.identity;
-  const bool isSameModel = unit.modelMayChange || !known || found.version.model == known->version.model;
-  if (known && (found.serialNumber != known->serialNumber || !isSameModel)) {
-    mOtherName = NameOf(found) + " instead of " + NameOf(*known);
+  if (mOtherName = NameOfOther(unit, found); !mOtherName.empty()) {
+    if (mIsAdmitting) return Outcome::OtherController;  // a caller is dropped, and the next one asked
     mIsOtherController = true;
     mLine.Close();
     mSay("Connection closed: another controller answered");
@@ -108,6 +112,18 @@ Outcome Exchange::Compare(UnitState& unit, const Identity& found) {
   unit.identity = found;
   unit.modelMayChange = false;
   return Outcome::Done;
+}
+
+// Who answers in place of whom; empty when it is the controller that is meant.
+std::string Exchange::NameOfOther(const UnitState& unit, const Identity& found) const {
+  const bool isLinksOwn = &unit == &mUnits[mSettings.unit];
+  if (isLinksOwn && mSettings.serialNumber && found.serialNumber != *mSettings.serialNumber) {
+    return NameOf(found) + " instead of serial number " + std::to_string(*mSettings.serialNumber);
+  }
+  const std::optional<Identity>& known = unit.identity;
+  const bool isSameModel = unit.modelMayChange || !known || found.version.model == known->version.model;
+  const bool isOther = known && (found.serialNumber != known->serialNumber || !isSameModel);
+  return isOther ? NameOf(found) + " instead of " + NameOf(*known) : "";
 }
 
 Outcome Exchange::GiveAccess(std::uint8_t unit) {
@@ -155,7 +171,7 @@ bool Exchange::MayGoOn() {
 void Exchange::LoseLink() {
   ++mLosses;
   mLoss = mLine.GetPort().LossReason();
-  mLine.Close();
+  mLine.DropPartner();
   mSay("Connection lost: " + (mLoss.happened.empty() ? std::string("the other side has gone") : mLoss.happened));
 }
 

@@ -32,7 +32,9 @@ constexpr auto kUses = std::to_array<FieldUse>({
     {ModemNumber, {o,  o,  o,  X,  o}},
     {ModemPulse,  {o,  o,  o,  X,  o}},
     {DialTimeOut, {o,  o,  o,  X,  o}},
+    {Redials,     {o,  o,  o,  X,  o}},
     {Unit,        {X,  X,  X,  X,  X}},
+    {SerialNumber,{X,  X,  X,  X,  X}},
     {TimeOut,     {X,  X,  X,  X,  X}},
     {Tries,       {X,  X,  X,  X,  X}},
     {Reconnects,  {o,  X,  X,  o,  X}},
@@ -72,6 +74,17 @@ class Checker {
     Fault(field, std::string(name) + ": a number from " + std::to_string(range.lowest) + " to " +
                      std::to_string(range.highest));
     return false;
+  }
+
+  // The same; an empty text is no number.
+  void Take(LinkField field, const char* name, std::string_view text, NumberRange range,
+            std::optional<std::uint32_t>& setting) {
+    std::uint32_t number = 0;
+    if (WithoutBlanks(text).empty()) {
+      setting.reset();
+    } else if (Take(field, name, text, range, number)) {
+      setting = number;
+    }
   }
 
   template <typename Unit>
@@ -145,7 +158,9 @@ LinkInput InputOf(const LinkSettings& settings) {
       .modemNumber = settings.modem.number,
       .isPulse = settings.modem.isPulse,
       .dialTimeOut = std::to_string(duration_cast<seconds>(settings.modem.dialTimeOut).count()),
+      .redials = std::to_string(settings.modem.redials),
       .unit = std::to_string(settings.unit),
+      .serialNumber = settings.serialNumber ? std::to_string(*settings.serialNumber) : "",
       .timeOut = std::to_string(duration_cast<milliseconds>(settings.timeOut).count()),
       .tries = std::to_string(settings.tries),
       .reconnects = settings.reconnects,
@@ -168,7 +183,9 @@ CheckedInput CheckInput(const LinkInput& input, const LinkSettings& before) {
                    settings.modem.number, IsNumberToDial);
   checker.TakeTime<seconds>(DialTimeOut, "Time for dialling", input.dialTimeOut, kDialTimeOuts,
                             settings.modem.dialTimeOut);
+  checker.Take(Redials, "Dial again", input.redials, kRedials, settings.modem.redials);
   checker.Take(Unit, "Unit id", input.unit, kUnits, settings.unit);
+  checker.Take(SerialNumber, "Serial number, or nothing", input.serialNumber, kSerialNumbers, settings.serialNumber);
   checker.TakeTime<milliseconds>(TimeOut, "Time-out", input.timeOut, kTimeOuts, settings.timeOut);
   checker.Take(Tries, "Tries", input.tries, kTries, settings.tries);
   return checker.Result();

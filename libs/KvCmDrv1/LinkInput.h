@@ -20,7 +20,9 @@ enum class LinkField {
   ModemNumber,
   ModemPulse,
   DialTimeOut,
+  Redials,
   Unit,
+  SerialNumber,
   TimeOut,
   Tries,
   Reconnects,
@@ -42,7 +44,9 @@ struct LinkInput {
   std::string modemNumber;
   bool isPulse = false;
   std::string dialTimeOut;
+  std::string redials;
   std::string unit;
+  std::string serialNumber;  // empty: any
   std::string timeOut;
   std::string tries;
   bool reconnects = true;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "base/Time.h"
@@ -26,6 +27,7 @@ struct ModemSettings {
   std::string number;                               // digits and the marks a modem understands ("0,12345")
   bool isPulse = false;                             // pulse dialling
   Duration dialTimeOut = std::chrono::seconds(60);  // how long the other side may take to answer
+  int redials = 3;                                  // how often in a row a watch dials a lost call again by itself
 
   bool operator==(const ModemSettings&) const = default;
 };
@@ -44,7 +46,9 @@ inline constexpr NumberRange kBaudRates{kLowestBaudRate, kHighestBaudRate};  // 
 inline constexpr NumberRange kUnits{0, 255};
 inline constexpr NumberRange kTimeOuts{50, 300'000};  // milliseconds
 inline constexpr NumberRange kTries{1, 10};
-inline constexpr NumberRange kDialTimeOuts{5, 300};      // seconds
+inline constexpr NumberRange kDialTimeOuts{5, 300};  // seconds
+inline constexpr NumberRange kRedials{0, 99};
+inline constexpr NumberRange kSerialNumbers{0, 0xFFFFFFFF};
 inline constexpr std::size_t kLongestSettingText = 200;  // of the texts, in bytes
 
 inline constexpr std::uint16_t kDefaultTcpPort = 20300;
@@ -64,6 +68,7 @@ struct LinkSettings {
   ModemSettings modem;
 
   std::uint8_t unit = 1;
+  std::optional<std::uint32_t> serialNumber;   // of the controller that is meant; nothing: whoever answers first
   Duration timeOut = std::chrono::seconds(1);  // longest time for a reply
   int tries = 3;                               // how often a request is sent before it counts as unanswered
   bool reconnects = true;                      // reopen a lost link by itself

@@ -59,6 +59,22 @@ class Reader {
     }
   }
 
+  // The same; an empty text is no number.
+  void Read(std::string_view key, std::optional<std::uint32_t>& value, NumberRange range) const {
+    const std::optional<std::string> text = Text(key);
+    if (!text) return;
+    value.reset();
+    if (text->empty()) return;
+    const std::optional<std::int64_t> number = ParseInteger(*text);
+    if (number && range.Holds(*number)) {
+      value = static_cast<std::uint32_t>(*number);
+    } else {
+      Complain(key,
+               "nothing, or a number from " + std::to_string(range.lowest) + " to " + std::to_string(range.highest),
+               "");
+    }
+  }
+
   void Read(std::string_view key, bool& value) const {
     int number = value ? 1 : 0;
     Read(key, number, {0, 1});
@@ -124,7 +140,9 @@ LoadedSettings LoadSettings(const std::filesystem::path& folder, const LinkSetti
   reader.Read("ModemPulse", settings.modem.isPulse);
   reader.ReadMilliseconds("ModemDialTimeOut", settings.modem.dialTimeOut,
                           {kDialTimeOuts.lowest * 1000, kDialTimeOuts.highest * 1000});
+  reader.Read("ModemRedials", settings.modem.redials, kRedials);
   reader.Read("UnitID", settings.unit, kUnits);
+  reader.Read("SerialNumber", settings.serialNumber, kSerialNumbers);
   reader.ReadMilliseconds("TimeOut", settings.timeOut, kTimeOuts);
   reader.Read("Tries", settings.tries, kTries);
   reader.Read("Reconnect", settings.reconnects);
@@ -147,7 +165,9 @@ std::expected<void, std::string> SaveSettings(const std::filesystem::path& folde
       {"ModemNumber", settings.modem.number},
       {"ModemPulse", settings.modem.isPulse ? "1" : "0"},
       {"ModemDialTimeOut", Milliseconds(settings.modem.dialTimeOut)},
+      {"ModemRedials", std::to_string(settings.modem.redials)},
       {"UnitID", std::to_string(settings.unit)},
+      {"SerialNumber", settings.serialNumber ? std::to_string(*settings.serialNumber) : ""},
       {"TimeOut", Milliseconds(settings.timeOut)},
       {"Tries", std::to_string(settings.tries)},
       {"Reconnect", settings.reconnects ? "1" : "0"},

@@ -30,8 +30,9 @@ inline LinkSettings UnusualSettings(Transport transport) {
   settings.serialPort = "/dev/ttyUSB0";
   settings.baudRate = 300;
   settings.framing = {7, Parity::Even, 2};
-  settings.modem = {"AT&F", "0,12-34", true, std::chrono::seconds(300)};
+  settings.modem = {"AT&F", "0,12-34", true, std::chrono::seconds(300), 99};
   settings.unit = 255;
+  settings.serialNumber = 0xFFFFFFFF;
   settings.timeOut = std::chrono::seconds(300);
   settings.tries = 10;
   settings.reconnects = false;

@@ -62,12 +62,13 @@ TEST(SettingsFile, BadValueIsNamedAndReplaced) {
   folder.Put("KvCmDrv1.ini",
              "[KvCmDrv1]\r\nTransport=pigeon\r\nTcpPort=0\r\nBaudRate=99\r\nFraming=9X1\r\nUnitID=256\r\nTimeOut=49\r\n"
              "Tries=many\r\nReconnect=2\r\nHost=" +
-                 std::string(201, 'h') + "\r\nSerialPort=COM7\r\nModemDialTimeOut=\r\n");
+                 std::string(201, 'h') +
+                 "\r\nSerialPort=COM7\r\nModemDialTimeOut=\r\nSerialNumber=x\r\nModemRedials=\r\n");
   const LoadedSettings loaded = LoadSettings(folder.Path(), {});
   LinkSettings expected;
   expected.serialPort = "COM7";
   EXPECT_EQ(loaded.settings, expected);
-  ASSERT_EQ(loaded.complaints.size(), 10U);
+  ASSERT_EQ(loaded.complaints.size(), 12U);
   EXPECT_EQ(loaded.complaints[0], "KvCmDrv1.ini, Transport: expected sim, tcp, serial, modem or listen; using sim");
   EXPECT_EQ(LoadSettings(folder.Path() / "none", expected).settings, expected);
 }

@@ -58,17 +58,21 @@ class LinkDialogsTest : public ::testing::Test, protected DialogBench {
 
 TEST_F(LinkDialogsTest, EachKindOfLinkShowsItsFieldsAndKeepsThemInTheSession) {
   const std::pair<const char*, const char*> rows[] = {
-      {"cboTransport=Simulated controller|cboModel=K450-45|txtUnit=1|txtTimeOut=50|txtTries=10", "Simulated K450-45"},
-      {"cboTransport=Ethernet, to the controller|txtHost=10.0.0.7|txtTcpPort=65535|txtUnit=255|txtTimeOut=300000|"
+      {"cboTransport=Simulated controller|cboModel=K450-45|txtUnit=1|txtSerialNumber=|txtTimeOut=50|txtTries=10",
+       "Simulated K450-45"},
+      {"cboTransport=Ethernet, to the "
+       "controller|txtHost=10.0.0.7|txtTcpPort=65535|txtUnit=255|txtSerialNumber=4294967295|txtTimeOut=300000|"
        "txtTries=1",
        "10.0.0.7:65535, unit 255"},
-      {"cboTransport=Ethernet, the controller dials in|txtTcpPort=1|txtUnit=0|txtTimeOut=700|txtTries=2",
+      {"cboTransport=Ethernet, the controller dials "
+       "in|txtTcpPort=1|txtUnit=0|txtSerialNumber=0|txtTimeOut=700|txtTries=2",
        "port 1 (listening), unit 0"},
-      {"cboTransport=Serial line|cboPort=/dev/ttyUSB0|cboBaudRate=300|cboFraming=7E2|txtUnit=2|txtTimeOut=800|"
+      {"cboTransport=Serial "
+       "line|cboPort=/dev/ttyUSB0|cboBaudRate=300|cboFraming=7E2|txtUnit=2|txtSerialNumber=|txtTimeOut=800|"
        "txtTries=3",
        "/dev/ttyUSB0, 300 7E2, unit 2"},
       {"cboTransport=Modem|cboPort=COM12|cboBaudRate=9600|cboFraming=8N1|txtModemNumber=0,12345|cboDialling=Pulse|"
-       "txtDialTimeOut=300|txtModemInit=AT&F|txtUnit=3|txtTimeOut=900|txtTries=4",
+       "txtDialTimeOut=300|txtRedials=0|txtModemInit=AT&F|txtUnit=3|txtSerialNumber=7|txtTimeOut=900|txtTries=4",
        "COM12, 9600 8N1, modem 0,12345, unit 3"},
   };
   for (const auto& [entries, description] : rows) {
@@ -89,7 +93,7 @@ TEST_F(LinkDialogsTest, EachKindOfLinkShowsItsFieldsAndKeepsThemInTheSession) {
       Press(dialog, "cmdOk");
     });
   }
-  EXPECT_EQ(Saved().modem, (ModemSettings{"AT&F", "0,12345", true, 300s}));
+  EXPECT_EQ(Saved().modem, (ModemSettings{"AT&F", "0,12345", true, 300s, 0}));
   EXPECT_FALSE(Saved().reconnects);
 }
 

@@ -33,7 +33,7 @@ Result CommandBench::Run(const std::vector<std::string>& arguments) {
           [&](cli::DriverOrder order) {
             if (order.traceFile.empty()) order.traceFile = Utf8FromPath(trace);
             auto driver =
-                std::make_unique<Driver>(pacer, [this](const std::string& model) { return NewLine(model); }, MakePort);
+                std::make_unique<Driver>(pacer, [this](const std::string& model) { return NewLine(model); }, makePort);
             return cli::SetUpDriver(std::move(driver), order, nullptr);
           },
       .listSerialPorts = [this] { return serialPorts; },

@@ -34,6 +34,7 @@ class CommandBench {
   bool errIsTerminal = false;
   bool outIsBroken = false;  // its reader has gone away, or the disk is full
   std::vector<SerialPortInfo> serialPorts;
+  PortMaker makePort = MakePort;
   TemporaryFolder home;  // with an empty session "Default"
 
   // `kvtele --link sim:MODEL arguments`

@@ -1,6 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "KvCmDrv1/SettingsFile.h"
+#include "KvCmDrv1/ports/ModemPort.h"
+#include "KvCmDrv1/ports/SimulatedPort.h"
+#include "simulator/SimulatedModem.h"
 #include "tests/kvtele/CommandBench.h"
 
 namespace kv::test {
@@ -63,6 +67,46 @@ TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
   bench.input.lines.emplace(1, "1234");
   EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "6"}).exit, 0);
   EXPECT_EQ(bench.On("Q50", {"read", "MI", "7"}).out, "7\t6\n");
+}
+
+TEST(SerialNumber, OfAnotherControllerIsRefusedBeforeAnythingIsRead) {
+  CommandBench bench;
+  const Result other = bench.On("Q50", {"--serial-number", "4711", "read", "MI", "0", "--json"});
+  EXPECT_EQ(other.exit, 4);
+  EXPECT_THAT(other.err, HasSubstr("another controller answered: Q50-2-R34, serial number "));
+  EXPECT_THAT(other.err, HasSubstr(" instead of serial number 4711"));
+  EXPECT_THAT(other.err, HasSubstr("or change the serial number that the link is set to"));
+  EXPECT_EQ(other.trace.find("/01RO"), std::string::npos);
+  const std::string found = other.err.substr(other.err.find("serial number ") + 14);
+  EXPECT_EQ(bench.On("Q50", {"--serial-number", found.substr(0, found.find(' ')), "read", "MI", "0"}).exit, 0);
+}
+
+TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {
+  const std::tuple<const char*, std::vector<std::string>, int, const char*> rows[] = {
+      {"lost:on=RO,nth=3", {}, 0, "Dialling again in 10 s (1 of 3).\nConnected to "},
+      {"lost:on=RO,nth=3,away=900000", {}, 7, "0,123 does not answer; no more calls after 3 in a row"},
+      {"lost:on=RO,every=3", {"--redials", "5"}, 7, "broke; no more calls after 5 in a row"},
+      {"lost:on=RO,nth=3", {"--redials", "0"}, 7, "--redials lets the watch dial again by itself"},
+  };
+  for (const auto& [fault, more, exit, message] : rows) {
+    SCOPED_TRACE(message);
+    CommandBench bench;
+    const sim::SimulatorOptions options{.model = "Q50", .faults = {fault}};
+    const auto controller = sim::SimulatedController::Create(options).value();
+    bench.makePort = [&](const LinkSettings& settings, Pacer& pacer, ListeningSocket*) {
+      auto modem = std::make_shared<sim::SimulatedModem>(controller->NewLine(), sim::ModemOptions{});
+      return std::make_unique<ModemPort>(std::make_unique<SimulatedPort>(modem, "COM3", pacer), settings.modem, pacer);
+    };
+    const auto file = bench.home.Put("plant.axt", "Version 100\r\nQ50\r\n2\tMI\t0\t1\t\t\t\t\t\r\n\r\n");
+    std::vector<std::string> arguments{"--model", "Q50", "watch", file.string(), "--for", "600", "--every", "1000"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    const LinkSettings link{.transport = Transport::Modem, .serialPort = "COM3", .modem = {.number = "0,123"}};
+    EXPECT_TRUE(SaveSettings(bench.home.Path() / "Sessions" / "Default", link));
+    const Result result = bench.Run(arguments);
+    EXPECT_EQ(result.exit, exit) << result.err;
+    EXPECT_THAT(result.err, HasSubstr(message));
+    EXPECT_THAT(result.trace, HasSubstr("ATDT0,123"));
+  }
 }
 
 TEST(CtrlC, EndsEveryCommandAndSaysHowFarItWas) {

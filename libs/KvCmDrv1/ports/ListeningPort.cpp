@@ -64,7 +64,10 @@ void ListeningPort::DropPartner() {
 bool ListeningPort::HasNewerCall() {
   if (!IsOpen()) return false;
   mSocket.Poll();
-  return IsOpen() && mSocket.HasNewerCaller();
+  if (!IsOpen() || !mSocket.HasNewerCaller()) return false;
+  mLoss = {mSocket.PartnerText() + " does not answer, and a newer call has come",
+           "the controller lost power or its network, and has dialled in again", "connect again"};
+  return true;
 }
 
 bool ListeningPort::IsOpen() const {

@@ -61,9 +61,18 @@ const std::vector<LinkFields::TextField>& LinkFields::TextFields() {
        "What the modem dials: digits, and marks such as * # , W", false},
       {DialTimeOut, "txtDialTimeOut", "Time for diallin&g (s):", &LinkInput::dialTimeOut,
        RangeText(kDialTimeOuts) + " seconds, from the call to the answer", true},
+      {Redials, "txtRedials", "Dial again (tim&es):", &LinkInput::redials,
+       RangeText(kRedials) +
+           ", how often in a row \"kvtele watch\" dials a lost call again, with growing pauses; the windows dial only "
+           "when you ask",
+       true},
       {ModemInit, "txtModemInit", "&Init text:", &LinkInput::modemInit,
        "Commands for the modem after its reset, such as AT&F; empty for none", false},
       {Unit, "txtUnit", "&Unit id:", &LinkInput::unit, RangeText(kUnits), true},
+      {SerialNumber, "txtSerialNumber", "Serial num&ber:", &LinkInput::serialNumber,
+       "Of the controller that is meant, as the main window shows it; another one is refused before anything is read. "
+       "Empty: whoever answers",
+       true},
       {TimeOut, "txtTimeOut", "Ti&me-out (ms):", &LinkInput::timeOut,
        RangeText(kTimeOuts) + " milliseconds, the longest wait for a reply", true},
       {Tries, "txtTries", "T&ries:", &LinkInput::tries,
@@ -86,8 +95,10 @@ LinkFields::LinkFields(const std::vector<std::string>& models, const PortLister&
   AddText(ModemNumber);
   AddDialling();
   AddText(DialTimeOut);
+  AddText(Redials);
   AddText(ModemInit);
   AddText(Unit);
+  AddText(SerialNumber);
   AddText(TimeOut);
   AddText(Tries);
   AddReconnects();
@@ -100,6 +111,7 @@ void LinkFields::AddText(LinkField field) {
   edit->setAccessibleName(QString(facts.label).remove('&').remove(':'));
   edit->setToolTip(facts.tip);
   if (facts.isNumber) ShowAsNumber(*edit);
+  if (facts.field == LinkField::SerialNumber) edit->setPlaceholderText("any");
   connect(edit, &QLineEdit::textChanged, this, [this] { Changed(); });
   Add(facts.label,
       {field, edit, edit, [edit, text = facts.text](const LinkInput& from) { edit->setText((from.*text).c_str()); },

@@ -8,7 +8,7 @@ namespace {
 constexpr bool IsOfTheModem(LinkField field) {
   using enum LinkField;
   return field == SerialPort || field == BaudRate || field == Framing || field == ModemNumber || field == ModemPulse ||
-         field == DialTimeOut || field == ModemInit;
+         field == DialTimeOut || field == Redials || field == ModemInit;
 }
 
 }  // namespace
