@@ -91,7 +91,9 @@ TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {
   for (const auto& [fault, more, exit, message] : rows) {
     SCOPED_TRACE(message);
     CommandBench bench;
-    const sim::SimulatorOptions options{.model = "Q50", .faults = {fault}};
+    sim::SimulatorOptions options;
+    options.model = "Q50";
+    options.faults = {fault};
     const auto controller = sim::SimulatedController::Create(options).value();
     bench.makePort = [&](const LinkSettings& settings, Pacer& pacer, ListeningSocket*) {
       auto modem = std::make_shared<sim::SimulatedModem>(controller->NewLine(), sim::ModemOptions{});
@@ -100,7 +102,10 @@ TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {
     const auto file = bench.home.Put("plant.axt", "Version 100\r\nQ50\r\n2\tMI\t0\t1\t\t\t\t\t\r\n\r\n");
     std::vector<std::string> arguments{"--model", "Q50", "watch", file.string(), "--for", "600", "--every", "1000"};
     arguments.insert(arguments.end(), more.begin(), more.end());
-    const LinkSettings link{.transport = Transport::Modem, .serialPort = "COM3", .modem = {.number = "0,123"}};
+    LinkSettings link;
+    link.transport = Transport::Modem;
+    link.serialPort = "COM3";
+    link.modem.number = "0,123";
     EXPECT_TRUE(SaveSettings(bench.home.Path() / "Sessions" / "Default", link));
     const Result result = bench.Run(arguments);
     EXPECT_EQ(result.exit, exit) << result.err;
