@@ -64,6 +64,7 @@ std::unexpected<FileError> AppendFile::Failed(std::string_view what) const {
 std::expected<void, FileError> AppendFile::Create(const fs::path& file) {
   mPath = file;
   mSize = 0;
+  mDigest = Sha256();
   std::error_code error;
   const fs::file_status status = fs::symlink_status(file, error);
   if (fs::exists(status)) {
@@ -89,6 +90,7 @@ std::expected<void, FileError> AppendFile::Append(std::string_view bytes) {
     return Failed("writing it failed" + Because(errno) + "; check that there is room on the disk");
   }
   mSize += bytes.size();
+  mDigest.Add(bytes);
   return {};
 }
 

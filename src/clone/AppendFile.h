@@ -5,9 +5,11 @@
 #include <expected>
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "base/AtomicFile.h"
+#include "digest/Sha256.h"
 
 namespace kv {
 
@@ -30,6 +32,10 @@ class AppendFile {
   // removed or changed by others meanwhile.
   [[nodiscard]] std::expected<void, FileError> Keep();
 
+  // Of the bytes that were handed over, whatever the disk made of them.
+  [[nodiscard]] std::uint64_t Size() const { return mSize; }
+  [[nodiscard]] std::string Digest() const { return mDigest.Hex(); }
+
   // Closes the file and deletes it. Does nothing when this object made none, or has kept it.
   void Delete();
 
@@ -43,6 +49,7 @@ class AppendFile {
   std::filesystem::path mPath;
   std::unique_ptr<std::FILE, Close> mFile;
   std::uint64_t mSize = 0;
+  Sha256 mDigest;
 };
 
 }  // namespace kv

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/AnsiText.h"
+
 namespace kv {
 
 bool CloneComparison::IsSame() const {
@@ -12,6 +14,28 @@ std::uint64_t CloneComparison::DifferingBytes() const {
   std::uint64_t bytes = 0;
   for (const SegmentDifference& segment : segments) bytes += segment.differing.Bytes();
   return bytes;
+}
+
+std::string KindVerdict::Text() const {
+  const std::string name = isValues ? "Values of operands (" : "Program and settings (";
+  if (bytes == 0) return name + codes + "): same.";
+  const std::string differ = name + codes + "): " + std::to_string(bytes) + (bytes == 1 ? " byte differs" : " bytes differ");
+  return differ + (isValues ? "; a running program changes them by itself." : ".");
+}
+
+std::vector<KindVerdict> VerdictsByKind(const CloneComparison& comparison) {
+  std::vector<KindVerdict> verdicts;
+  for (const bool isValues : {false, true}) {
+    KindVerdict verdict{isValues, {}, 0};
+    for (const SegmentDifference& each : comparison.segments) {
+      const std::string& code = each.segment.code;
+      if ((code == "OP" || code == "DT") != isValues) continue;
+      verdict.codes += (verdict.codes.empty() ? "" : ", ") + AnsiToUtf8(code);
+      verdict.bytes += each.differing.Bytes();
+    }
+    if (!verdict.codes.empty()) verdicts.push_back(verdict);
+  }
+  return verdicts;
 }
 
 void AddDifferences(std::uint32_t address, std::span<const std::uint8_t> first, std::span<const std::uint8_t> second,

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <expected>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "clone/CloneInfo.h"
@@ -25,6 +26,19 @@ struct CloneComparison {
   [[nodiscard]] bool IsSame() const;
   [[nodiscard]] std::uint64_t DifferingBytes() const;
 };
+
+// How the two kinds of memory came out of a comparison with a controller. A program that runs changes the values of its
+// operands (OP, DT) by itself, so that a difference there means something else than one in the program or its settings.
+struct KindVerdict {
+  bool isValues = false;    // OP and DT; else all other segments
+  std::string codes;        // "HW, FT, AP"
+  std::uint64_t bytes = 0;  // that differ
+
+  [[nodiscard]] std::string Text() const;  // a sentence
+};
+
+// Of the kinds that were compared, program and settings first.
+[[nodiscard]] std::vector<KindVerdict> VerdictsByKind(const CloneComparison& comparison);
 
 // For the two comparisons. Adds the places at which two stretches of one length, both from `address` on, differ.
 void AddDifferences(std::uint32_t address, std::span<const std::uint8_t> first, std::span<const std::uint8_t> second,

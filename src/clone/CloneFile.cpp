@@ -113,6 +113,7 @@ bool CloneLineReader::Fill() {
   mBuffer.resize(kPiece);
   mStream.read(mBuffer.data(), kPiece);
   mBuffer.resize(static_cast<std::size_t>(mStream.gcount()));
+  if (mDigest != nullptr) mDigest->Add(mBuffer);
   return !mBuffer.empty();
 }
 

@@ -13,6 +13,7 @@
 
 #include "base/AtomicFile.h"
 #include "clone/CloneSegment.h"
+#include "digest/Sha256.h"
 #include "link/VersionInfo.h"
 
 namespace kv {
@@ -52,7 +53,9 @@ struct CloneDamage {
 class CloneLineReader {
  public:
   // `stream` must outlive this; `name` stands in errors.
-  CloneLineReader(std::istream& stream, std::string name) : mStream(stream), mName(std::move(name)) {}
+  // `digest`, which may be null, gets all bytes that are read; all of the file's when Next() has come to its end.
+  CloneLineReader(std::istream& stream, std::string name, Sha256* digest = nullptr)
+      : mStream(stream), mName(std::move(name)), mDigest(digest) {}
 
   // The next line, valid until the next call; nothing at the end. A line that is too long and a stream that fails are
   // errors.
@@ -67,6 +70,7 @@ class CloneLineReader {
 
   std::istream& mStream;
   std::string mName;
+  Sha256* mDigest = nullptr;
   std::string mBuffer;
   std::size_t mNext = 0;  // in mBuffer
   std::string mLine;

@@ -94,4 +94,9 @@ std::expected<CloneFrame, std::string> ParseCloneFrame(std::string_view line) {
   return frame;
 }
 
+std::string WithUnit(std::string_view line, std::uint8_t unit) {
+  const auto text = TextOf(line);
+  return text ? BuildFrame(unit, *text) : std::string(line);
+}
+
 }  // namespace kv

@@ -39,4 +39,8 @@ struct CloneFrame {
 // taken; the error says what was expected instead.
 [[nodiscard]] std::expected<CloneFrame, std::string> ParseCloneFrame(std::string_view line);
 
+// The same frame for another unit. A line that is no good frame comes back as it is: a new checksum would make damage
+// look whole.
+[[nodiscard]] std::string WithUnit(std::string_view line, std::uint8_t unit);
+
 }  // namespace kv

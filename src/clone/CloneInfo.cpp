@@ -183,7 +183,8 @@ std::expected<CloneInfo, CloneOutcome> InspectClone(std::istream& stream, const 
                                                     const CloneWork& work) {
   CloneInfo info;
   Inspector inspector(info);
-  CloneLineReader lines(stream, name);
+  Sha256 digest;
+  CloneLineReader lines(stream, name, &digest);
   auto head = ReadCloneHead(lines);
   if (!head) {
     inspector.Damage(head.error().line, head.error().what);
@@ -192,8 +193,17 @@ std::expected<CloneInfo, CloneOutcome> InspectClone(std::istream& stream, const 
   for (const CloneSegment& segment : head->segments) info.segments.push_back({.segment = segment, .covered = {}});
   info.head = *std::move(head);
   if (const auto done = InspectLines(lines, inspector, stream, size, work); !done) return std::unexpected(done.error());
+  if (stream.eof() && !stream.bad()) {
+    info.length = lines.Position();
+    info.sha256 = digest.Hex();
+  }
   work.Report(kStage, size, size);
   return info;
+}
+
+std::string OtherModelText(const VersionInfo& inFile, const VersionInfo& inController) {
+  return "The clone file was made from a " + AnsiToUtf8(inFile.model) + ", but the controller is a " +
+         AnsiToUtf8(inController.model) + ".";
 }
 
 std::vector<std::string> FindingsBeforeRestore(const CloneInfo& info, const VersionInfo& version, std::uint8_t unit) {
@@ -204,8 +214,7 @@ std::vector<std::string> FindingsBeforeRestore(const CloneInfo& info, const Vers
     findings.push_back(damage + ".");
   }
   if (info.head && info.head->version.model != version.model) {
-    findings.push_back("The clone file was made from a " + AnsiToUtf8(info.head->version.model) +
-                       ", but the controller is a " + AnsiToUtf8(version.model) + ".");
+    findings.push_back(OtherModelText(info.head->version, version));
   }
   if (info.unit.value_or(unit) != unit) {
     findings.push_back("The clone file is for unit " + std::to_string(*info.unit) + ", but the controller is unit " +

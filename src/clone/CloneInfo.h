@@ -64,6 +64,8 @@ struct CloneInfo {
   bool hasEnd = false;                     // the last line is a good end frame
   std::vector<CloneDamage> damages;        // the first kMostDamages
   std::size_t damageCount = 0;
+  std::uint64_t length = 0;  // of the file, bytes
+  std::string sha256;        // of the file; empty when it was not read to its end
 
   [[nodiscard]] bool IsSound() const { return damageCount == 0; }
 };
@@ -79,6 +81,9 @@ struct CloneInfo {
 // The same of a stream; `size`, its bytes, is for the progress alone.
 [[nodiscard]] std::expected<CloneInfo, CloneOutcome> InspectClone(std::istream& stream, const std::string& name,
                                                                   std::uint64_t size, const CloneWork& work = {});
+
+// That a file was made from another model than the controller's.
+[[nodiscard]] std::string OtherModelText(const VersionInfo& inFile, const VersionInfo& inController);
 
 // Why a file should not be restored into a controller that reports `version` and is reached as `unit`, a sentence each:
 // damage, another model, another unit. Empty when nothing speaks against it.

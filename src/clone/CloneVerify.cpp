@@ -1,18 +1,25 @@
 #include "clone/CloneVerify.h"
 
+#include <algorithm>
+
 #include "clone/CloneImage.h"
 
 namespace kv {
 
 std::expected<CloneComparison, CloneOutcome> VerifyClone(Channel& link, const std::filesystem::path& file,
-                                                         const CloneWork& work) {
+                                                         const CloneWork& work, const std::vector<std::string>& codes) {
+  const auto isWanted = [&](const CloneSegment& segment) {
+    return codes.empty() || std::ranges::find(codes, segment.code) != codes.end();
+  };
   auto image = CloneImage::Open(file, work);
   if (!image) return std::unexpected(image.error());
   CloneComparison comparison;
-  const std::uint64_t total = BytesOf(image->Info());
+  std::uint64_t total = 0;
+  for (const CloneInfoSegment& each : image->Info().segments) total += isWanted(each.segment) ? each.segment.length : 0;
   std::uint64_t done = 0;
   for (std::size_t i = 0; i < image->Info().segments.size(); ++i) {
     const CloneSegment& segment = image->Info().segments[i].segment;
+    if (!isWanted(segment)) continue;
     image->Begin(i);
     const auto comparePiece = [&](std::uint32_t offset, std::uint32_t count,
                                   AddressRanges& differing) -> std::expected<void, CloneOutcome> {

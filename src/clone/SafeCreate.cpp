@@ -5,6 +5,8 @@
 #include "base/FilePlatform.h"
 #include "base/FileToReplace.h"
 #include "base/PathText.h"
+#include "clone/CloneManifest.h"
+#include "desktop/UserName.h"
 
 namespace kv {
 
@@ -54,7 +56,8 @@ void SafeCreate::Create(clsDumpPLC& engine, Prompts& prompts, Channel& link, con
     return;
   }
   mTemporary = FreeNameBeside(mFile);
-  engine.CreateGhost(link, mTemporary, [&] { return TakeName(work); });
+  mController = link.GetControllerInfo(link.UnitID());  // without an answer the engine fails, and says why
+  engine.CreateGhost(link, mTemporary, [&] { return TakeName(engine, work); });
   mOutcome = engine.Outcome();
   if (mOutcome.cause == CloneCause::OldOs) LeaveEmptyFile();
 }
@@ -70,21 +73,36 @@ std::optional<SafeCreate::Stamp> SafeCreate::StampOf(const fs::path& file) const
   return Stamp{fs::last_write_time(file, error), fs::file_size(file, error)};
 }
 
-SafeCreate::Step SafeCreate::TakeName(const CloneWork& work) {
-  if (auto whole = CheckIsWhole(work); !whole) {
+SafeCreate::Step SafeCreate::TakeName(const clsDumpPLC& engine, const CloneWork& work) {
+  if (auto whole = CheckIsWhole(engine.Manifest(), work); !whole) {
     Remove(mTemporary);
     return whole;
   }
   if (const std::error_code error = MoveToName()) return std::unexpected(KeptElsewhere(error));
   mMade = mFile;
+  KeepManifest(engine.Manifest());
   return {};
 }
 
-SafeCreate::Step SafeCreate::CheckIsWhole(const CloneWork& work) {
+void SafeCreate::KeepManifest(CloneManifest manifest) {
+  if (mController) {
+    manifest.serialNumber = mController->serialNumber;
+    manifest.project = mController->projectName;
+  }
+  manifest.madeBy = UserName();
+  manifest.comment = mComment;
+  if (const auto saved = SaveManifest(mFile, manifest); !saved) {
+    mManifestTrouble = "The clone is whole, but its manifest could not be kept beside it: " + saved.error().Text() + ".";
+  }
+}
+
+SafeCreate::Step SafeCreate::CheckIsWhole(const CloneManifest& manifest, const CloneWork& work) {
   auto info = InspectClone(mTemporary, work);
   if (!info) return std::unexpected(info.error());
-  if (!info->IsSound()) {
-    return std::unexpected(FileFailure(mTemporary, "it was read back and is damaged: " + info->damages.front().Text() +
+  // What looks whole may still lack a line of flash.
+  if (!info->IsSound() || info->sha256 != manifest.sha256) {
+    const std::string damage = info->IsSound() ? "it is not what was written" : info->damages.front().Text();
+    return std::unexpected(FileFailure(mTemporary, "it was read back and is damaged: " + damage +
                                                        ". It was deleted; check the disk and create the clone again"));
   }
   mInfo = *std::move(info);

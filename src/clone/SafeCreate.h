@@ -20,7 +20,10 @@ class SafeCreate {
  public:
   explicit SafeCreate(const std::filesystem::path& file);
 
-  // Once, with an engine of its own. `work` is for the inspection. How it ended is told by the engine's boxes, shown
+  // Stands in the manifest beside the clone, UTF-8.
+  void SetComment(std::string comment) { mComment = std::move(comment); }
+
+  // Once, with an engine of its own. The controller is asked before for what the manifest tells of it. `work` is for the inspection. How it ended is told by the engine's boxes, shown
   // when all of it is over; `prompts` is the engine's, for a name that cannot be written to.
   void Create(clsDumpPLC& engine, Prompts& prompts, Channel& link, const CloneWork& work = {});
 
@@ -29,6 +32,8 @@ class SafeCreate {
   [[nodiscard]] const std::optional<std::filesystem::path>& File() const { return mMade; }
   // What was found in it; nothing before there is one.
   [[nodiscard]] const std::optional<CloneInfo>& Info() const { return mInfo; }
+  // Why the clone has no manifest beside it; empty when it has one. The clone is whole all the same.
+  [[nodiscard]] const std::string& ManifestTrouble() const { return mManifestTrouble; }
 
  private:
   using Step = std::expected<void, CloneOutcome>;
@@ -42,8 +47,9 @@ class SafeCreate {
 
   [[nodiscard]] std::string WhyImpossible() const;
   [[nodiscard]] std::optional<Stamp> StampOf(const std::filesystem::path& file) const;
-  [[nodiscard]] Step TakeName(const CloneWork& work);
-  [[nodiscard]] Step CheckIsWhole(const CloneWork& work);
+  [[nodiscard]] Step TakeName(const clsDumpPLC& engine, const CloneWork& work);
+  [[nodiscard]] Step CheckIsWhole(const CloneManifest& manifest, const CloneWork& work);
+  void KeepManifest(CloneManifest manifest);
   [[nodiscard]] std::error_code MoveToName();
   [[nodiscard]] CloneOutcome KeptElsewhere(const std::error_code& error);
   void LeaveEmptyFile();
@@ -55,6 +61,9 @@ class SafeCreate {
   CloneOutcome mOutcome;
   std::optional<std::filesystem::path> mMade;
   std::optional<CloneInfo> mInfo;
+  std::optional<Channel::ControllerInfo> mController;
+  std::string mComment;
+  std::string mManifestTrouble;
 };
 
 }  // namespace kv

@@ -87,8 +87,8 @@ void clsDumpPLC::CreateGhost(Channel& link, const std::filesystem::path& file, c
   }
   if (mHasStoppedProgram) {
     mOutcome.reason +=
-        "\nThe controller's program was stopped for this clone and still is. It starts when a clone is created "
-        "again, or when the controller is switched off and on.";
+        "\nThe controller's program was stopped for this clone and still is. It starts with the run command, when a clone "
+        "is created again, or when the controller is switched off and on.";
   }
   Show(kOperationFailed, PromptIcon::None);
   mFile.Delete();
@@ -102,6 +102,7 @@ clsDumpPLC::Step clsDumpPLC::Create(Channel& link, const std::filesystem::path& 
   if (!segments) return std::unexpected(segments.error());
   mWindow.FillSegments(*segments);
   const SegmentBoxes boxes = mWindow.CheckedSegments();
+  mManifest = {.version = *version, .unit = link.UnitID()};
   if (auto fit = CheckLengths(*segments, boxes); !fit) return fit;
 
   if (auto stopped = StopProgram(link); !stopped) return stopped;
@@ -110,6 +111,8 @@ clsDumpPLC::Step clsDumpPLC::Create(Channel& link, const std::filesystem::path& 
   if (auto written = WriteLine(BuildEndFrame(link.UnitID())); !written) return written;
   if (auto running = LeaveRunning(link); !running) return running;
   if (auto kept = mFile.Keep(); !kept) return FileFailure(kept.error());
+  mManifest.length = mFile.Size();
+  mManifest.sha256 = mFile.Digest();
   return finish ? finish() : Step();
 }
 
@@ -126,6 +129,7 @@ std::expected<VersionInfo, CloneOutcome> clsDumpPLC::SupportsCloning(Channel& li
 std::expected<clsDumpPLC::Segments, CloneOutcome> clsDumpPLC::ReadSegmentTable(Channel& link) {
   const auto entered = mPrompts.Ask(
       {.text = "Enter Password Up To 8 Chars", .title = std::string(kClonerCaption), .initial = "", .secret = true});
+  if (!entered && IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
   std::string password = Utf8ToAnsi(entered.value_or(""));
   if (password.empty()) return Failure(CloneCause::Password, "No password was given.");
   if (password.size() > kLongestPassword) {
@@ -163,6 +167,7 @@ std::expected<bool, CloneOutcome> clsDumpPLC::IsRunning(Channel& link) {
 clsDumpPLC::Step clsDumpPLC::StopProgram(Channel& link) {
   const auto isRunning = IsRunning(link);
   if (!isRunning) return std::unexpected(isRunning.error());
+  mManifest.wasRunning = *isRunning;
   if (!*isRunning) return {};
   const PromptAnswer answer = mPrompts.Show({.text = "The PLC is about to STOP, Continue?",
                                              .title = std::string(kClonerCaption),
@@ -171,13 +176,17 @@ clsDumpPLC::Step clsDumpPLC::StopProgram(Channel& link) {
   if (answer != PromptAnswer::Yes) return {};  // the clone is then made of the running controller
   if (!link.StopController(link.UnitID())) return LinkFailure(link);
   mHasStoppedProgram = true;
+  mManifest.wasRunning = false;
   return {};
 }
 
 clsDumpPLC::Step clsDumpPLC::WriteHead(const VersionInfo& version, const Segments& segments,
                                        const SegmentBoxes& boxes) {
+  const std::string now = DateAndTime(mClock.LocalTime());
+  mManifest.madeOn = now;
+  std::ranges::replace(mManifest.madeOn, '\t', ' ');
   const std::string lines[] = {
-      "Korvantis Clone File:\tV100\t" + DateAndTime(mClock.LocalTime()),
+      "Korvantis Clone File:\tV100\t" + now,
       version.model + "\t" + version.hardwareCode + "\t" + version.osVersion + "\t" + version.osBuild,
       SegmentLine(segments, boxes),
       "",
@@ -192,7 +201,9 @@ clsDumpPLC::Step clsDumpPLC::DumpSegments(Channel& link, const Segments& segment
   for (std::size_t i = 0; i < segments.size(); ++i) {
     if (!IsIncluded(segments[i].code, boxes)) continue;
     mWindow.Event_SegmentIndex(static_cast<int>(i + 1));
+    mSegmentDigest = Sha256();
     if (auto dumped = DumpSegment(link, segments[i]); !dumped) return dumped;
+    mManifest.segments.push_back({segments[i], mSegmentDigest.Hex()});
     mPacer.DoEvents();
     if (IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
   }
@@ -223,6 +234,7 @@ clsDumpPLC::Step clsDumpPLC::DumpBlock(Channel& link, const CloneSegment& segmen
                                          " bytes of segment " + segment.code + " instead of " + std::to_string(count) +
                                          ".");
   }
+  mSegmentDigest.Add(*block);
   const auto write = [this](std::string_view frame) -> std::expected<void, FileError> {
     return mFile.Append(std::string(frame) + "\r\n");
   };

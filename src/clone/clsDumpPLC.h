@@ -5,17 +5,21 @@
 #include <expected>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "clone/AppendFile.h"
+#include "clone/CloneFile.h"
+#include "clone/CloneManifest.h"
 #include "clone/CloneOutcome.h"
 #include "clone/CloneSegment.h"
 #include "clone/DumpWindow.h"
 #include "desktop/Pacer.h"
 #include "desktop/Prompts.h"
 #include "desktop/WallClock.h"
+#include "digest/Sha256.h"
 #include "link/Channel.h"
 
 namespace kv {
@@ -50,12 +54,22 @@ class clsDumpPLC {
   // is only asked for its last error, for the reason of a failure; it may be null.
   void RestoreGhost(SerialPortObject& port, const std::filesystem::path& file, const Channel* link = nullptr);
 
+  // Of a restore: the lines are sent for this unit instead of the one that they were made for. The file stays as it is.
+  void UseUnit(std::uint8_t unit) { mUnit = unit; }
+
   // Asks the running operation to end; it notices after the block, the segment or the line that it is busy with, as it
   // does a stop that was asked of the pacer. Never taken back.
   void StopDump() { mIsStopped = true; }
 
   // How the operation ended; Done before there was one.
   [[nodiscard]] const CloneOutcome& Outcome() const { return mOutcome; }
+
+  // Of a create that went through: digests of the bytes that were read and written, and how it was made. Serial number,
+  // project, user and comment are for the caller to fill in.
+  [[nodiscard]] const CloneManifest& Manifest() const { return mManifest; }
+
+  // Whether a create that ended otherwise has left the program stopped, as far as is known.
+  [[nodiscard]] bool HasStoppedProgram() const { return mHasStoppedProgram; }
 
  private:
   using Step = std::expected<void, CloneOutcome>;
@@ -76,6 +90,9 @@ class clsDumpPLC {
   [[nodiscard]] Step Restore(SerialPortObject& port, const std::filesystem::path& file);
   // Shows the head; the number of command lines.
   [[nodiscard]] std::expected<std::int64_t, CloneOutcome> ShowHead(const std::filesystem::path& file);
+  [[nodiscard]] Step RestoreLines(SerialPortObject& port, CloneLineReader& lines);
+  [[nodiscard]] Step CheckAllWasSent(const CloneLineReader& lines, bool hasMore) const;
+  [[nodiscard]] CloneOutcome WithoutEnd(const std::filesystem::path& file) const;
   [[nodiscard]] Step RestoreLine(SerialPortObject& port, std::string_view line, std::size_t number);
   [[nodiscard]] Step SendCloneCommand(SerialPortObject& port, std::string_view line);
   [[nodiscard]] Step WaitCloneReply(SerialPortObject& port, std::string_view line);
@@ -93,6 +110,8 @@ class clsDumpPLC {
   const WallClock& mClock;
   AppendFile mFile;
   CloneOutcome mOutcome;
+  CloneManifest mManifest;
+  Sha256 mSegmentDigest;  // of the segment that is being read
   bool mIsStopped = false;
   bool mHasStoppedProgram = false;  // and not started it again
 
@@ -102,6 +121,7 @@ class clsDumpPLC {
   std::int64_t mCommands = 0;   // lines to send
   std::int64_t mSentLines = 0;  // that were answered with OK
   std::string mLineBefore;      // the last of them
+  std::optional<std::uint8_t> mUnit;
 };
 
 }  // namespace kv

@@ -4,6 +4,7 @@
 #include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "clone/CloneFile.h"
+#include "clone/CloneFrame.h"
 #include "clone/clsDumpPLC.h"
 
 // Restoring a clone: nothing but sending the lines of the file and waiting for an OK to each.
@@ -71,10 +72,20 @@ void clsDumpPLC::RestoreGhost(SerialPortObject& port, const std::filesystem::pat
   mSentLines = 0;
   mLineBefore.clear();
   const Step restored = Restore(port, file);
-  mOutcome = restored ? CloneOutcome() : restored.error();
+  mOutcome = restored ? WithoutEnd(file) : restored.error();
   if (restored) return Show("Clone Restore Successfully.", PromptIcon::Information);
   if (const std::string left = WhatIsLeft(); !left.empty()) mOutcome.reason += "\n" + left;
   Show(kOperationFailed, PromptIcon::None);
+}
+
+// The lines are through; but only an end frame makes a restore of them.
+CloneOutcome clsDumpPLC::WithoutEnd(const std::filesystem::path& file) const {
+  const std::string_view last(mLineBefore);
+  const auto frame = ParseCloneFrame(last.substr(0, last.find('\r') + 1));  // whatever line end is left behind it
+  if (mSentLines == 0 || (frame && frame->isEnd)) return {};
+  return CloneOutcome::OfFile({Utf8FromPath(file), "",
+                               "it has no end frame, so the controller still waits for the rest: it is left loading, "
+                               "its program stopped, its memory part of the clone. Restore a whole file"});
 }
 
 std::string clsDumpPLC::WhatIsLeft() const {
@@ -111,12 +122,26 @@ clsDumpPLC::Step clsDumpPLC::Restore(SerialPortObject& port, const std::filesyst
   for (std::size_t i = 0; i < kCloneHeadLines; ++i) {
     if (const auto line = NextHeadLine(lines); !line) return std::unexpected(line.error());
   }
+  return RestoreLines(port, lines);
+}
+
+clsDumpPLC::Step clsDumpPLC::RestoreLines(SerialPortObject& port, CloneLineReader& lines) {
   while (true) {
     const auto line = lines.Next();
     if (!line) return std::unexpected(CloneOutcome::OfFile(line.error()));
-    if (!*line) return {};
-    if (auto sent = RestoreLine(port, **line, lines.LineNumber()); !sent) return sent;
+    if (!*line || mSentLines == mCommands) return CheckAllWasSent(lines, line->has_value());
+    const std::string frame = mUnit ? WithUnit(**line, *mUnit) : std::string(**line);
+    if (auto sent = RestoreLine(port, frame, lines.LineNumber()); !sent) return sent;
   }
+}
+
+// Nobody keeps the file as it was when its lines were counted.
+clsDumpPLC::Step clsDumpPLC::CheckAllWasSent(const CloneLineReader& lines, bool hasMore) const {
+  if (!hasMore && mSentLines == mCommands) return {};
+  return std::unexpected(CloneOutcome::OfFile(
+      {lines.Name(), "line " + std::to_string(lines.LineNumber() + (hasMore ? 0 : 1)),
+       "it was changed while it was sent: it had " + std::to_string(mCommands) + " command lines before, and now has " +
+           (hasMore ? "more" : std::to_string(mSentLines))}));
 }
 
 std::expected<std::int64_t, CloneOutcome> clsDumpPLC::ShowHead(const std::filesystem::path& file) {

@@ -196,6 +196,47 @@ TEST(RestoreGhost, EndsAtAStopOrALostLinkAndTellsWhatIsLeft) {
   }
 }
 
+TEST(RestoreGhost, SaysSuccessOnlyOfAWholeFileThatStayedAsItWasCounted) {
+  struct Row {
+    std::string content;
+    std::string meanwhile;  // what it becomes when it has been counted
+    std::string reason;     // empty: success
+    int boxes;
+  };
+  const std::string first = std::string(kHead) + kFirst + "\r\n";
+  const std::vector<Row> rows = {
+      {kFile, kFile, "", 2},
+      {kFile, first, "it had 2 command lines before, and now has 1", 2},
+      {kFile, kHead, "and now has 0", 2},
+      {kFile, first + kFirst + "\r\n" + kLast + "\r\n", "and now has more", 2},
+      {first, first, "it has no end frame, so the controller still waits", 2}};
+  for (const Row& row : rows) {
+    CloneBench bench;
+    FakePort port(bench);
+    bench.window.onBar = [&] { bench.folder.Put("clone.kdf", row.meanwhile); };
+    const CloneOutcome outcome = RestoreOf(bench, port, row.content, row.boxes);
+    EXPECT_EQ(outcome.end, row.reason.empty() ? CloneEnd::Done : CloneEnd::Failed) << row.reason;
+    EXPECT_THAT(outcome.reason, HasSubstr(row.reason));
+  }
+}
+
+TEST(RestoreGhost, SendsTheLinesForAnotherUnitWhenToldTo) {
+  CloneBench bench;
+  FakePort port(bench);
+  bench.folder.Put("clone.kdf", std::string(kHead) + kFirst + "\r\n/01noise\r\r\n" + kLast + "\r\n");
+  bench.prompts.Press(PromptAnswer::Ok);
+  bench.prompts.Press(PromptAnswer::Ok);
+  clsDumpPLC engine(bench.window, bench.prompts, bench.pacer, bench.pacer);
+  engine.UseUnit(0x2A);
+  engine.RestoreGhost(port, bench.file);
+  EXPECT_EQ(engine.Outcome().end, CloneEnd::Done);
+  CallLog sent;
+  for (const std::string& call : bench.channel.calls) {
+    if (call.starts_with("Out ")) sent.push_back(call.substr(4));
+  }
+  EXPECT_EQ(sent, (CallLog{"/2AWDR0030000002ABCD4F\r", "/01noise\r", "/2AEDFC\r"}));  // damage stays damage
+}
+
 TEST(RestoreGhost, SendsNothingOfAFileThatCannotBeReadToItsEnd) {
   const std::string head = kHead;
   const std::vector<std::tuple<std::string, int, std::string>> rows = {

@@ -33,7 +33,9 @@ struct SafeBench : CloneBench {
   }
   [[nodiscard]] std::vector<std::filesystem::path> Files() const {
     std::vector<std::filesystem::path> files;
-    for (const auto& each : std::filesystem::directory_iterator(folder.Path())) files.push_back(each.path());
+    for (const auto& each : std::filesystem::directory_iterator(folder.Path())) {
+      if (each.path().extension() != ".manifest") files.push_back(each.path());
+    }
     return files;
   }
 };

@@ -1,8 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "KvCmDrv1/Driver.h"
 #include "clone/CloneVerify.h"
+#include "clone/ErasedSegments.h"
+#include "clone/RestoreBegin.h"
 #include "simulator/SimulatedController.h"
 #include "tests/clone/CloneBench.h"
 #include "tests/support/SilentCloner.h"
@@ -10,7 +14,19 @@
 namespace kv::test {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
+
+// A clone file without the command lines that contain `text`.
+std::string WithoutLines(const std::string& content, const std::string& text) {
+  std::istringstream lines(content);
+  std::string kept;
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.contains(text)) kept += line + "\n";
+  }
+  return kept;
+}
 
 // A simulated controller behind the driver, and the engine at work on it, on virtual time.
 class Plc {
@@ -61,6 +77,44 @@ TEST(SimulatedClone, NeedsThePasswordBothWays) {
   EXPECT_THAT(refused.reason, HasSubstr("password"));
   EXPECT_EQ(plc.State(), 'R');
   EXPECT_TRUE(VerifyClone(plc.Link(), bench.file)->IsSame());
+}
+
+TEST(SimulatedClone, AWholeRestoreAfterOneThatWasCutAtAnyLineLeavesNothingOfIt) {
+  CloneBench bench;
+  ASSERT_EQ(Plc(bench, 2).Create(bench.file).end, CloneEnd::Done);
+  const std::filesystem::path other = bench.folder.Path() / "other.kdf";
+  std::filesystem::rename(bench.file, other);
+  ASSERT_EQ(Plc(bench, 3).Create(bench.file).end, CloneEnd::Done);
+  const auto lines = static_cast<int>(InspectClone(other)->frames);
+  for (int nth = 2; nth < lines; nth += nth < lines - 5 ? 7 : 1) {
+    Plc plc(bench);
+    ASSERT_TRUE(plc.simulated->UseFaults({"refuse:on=WD,code=0D,nth=" + std::to_string(nth)}));
+    ASSERT_EQ(plc.Restore(other).end, CloneEnd::Failed);
+    ASSERT_EQ(plc.State(), 'L');
+    ASSERT_TRUE(BeginRestore(plc.Link()));
+    ASSERT_EQ(plc.Restore(bench.file).end, CloneEnd::Done) << nth;
+    EXPECT_TRUE(VerifyClone(plc.Link(), bench.file)->IsSame()) << nth;
+  }
+}
+
+TEST(SimulatedClone, ASegmentThatIsErasedAsAWholeIsErasedInTheTargetOnRequestAlone) {
+  CloneBench bench;
+  ASSERT_EQ(Plc(bench, 2).Create(bench.file).end, CloneEnd::Done);
+  bench.folder.Put("clone.kdf", WithoutLines(bench.Content(), "WDF003"));  // as if AP had been 255 from end to end
+  const auto erased = ErasedSegments(*InspectClone(bench.file));
+  ASSERT_EQ(erased.size(), 1U);
+  EXPECT_EQ(erased[0].code, "AP");
+
+  Plc plc(bench, 3);
+  EXPECT_THAT(*SegmentsThatStay(plc.Link(), erased), ElementsAre(erased[0]));
+  ASSERT_TRUE(BeginRestore(plc.Link()));
+  ASSERT_EQ(plc.Restore(bench.file).end, CloneEnd::Done);
+  EXPECT_FALSE(VerifyClone(plc.Link(), bench.file)->IsSame());  // and would never be
+  ASSERT_TRUE(BeginRestore(plc.Link(), erased));
+  ASSERT_EQ(plc.Restore(bench.file).end, CloneEnd::Done);
+  EXPECT_TRUE(VerifyClone(plc.Link(), bench.file)->IsSame());
+  EXPECT_THAT(*SegmentsThatStay(plc.Link(), erased), IsEmpty());
+  EXPECT_EQ(plc.State(), 'R');
 }
 
 TEST(SimulatedClone, FailsPlainlyAtEachLineOfARestoreOrIsFoundOutByVerify) {

@@ -1,0 +1,189 @@
+#include "clone/CloneManifest.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "base/AnsiText.h"
+#include "base/FileToReplace.h"
+#include "base/Numbers.h"
+#include "base/PathText.h"
+
+namespace kv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kTitle = "Korvantis Clone Manifest\tV1";
+constexpr std::size_t kDigestDigits = 64;
+constexpr std::size_t kMostBytes = std::size_t{64} * 1024;
+
+// A value may not end its line.
+std::string OneLine(std::string text) {
+  std::ranges::replace_if(text, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+  return text;
+}
+
+class Printer {
+ public:
+  void Add(std::string_view name, const std::string& value) {
+    mText.append(name).append("\t").append(OneLine(value)).append("\r\n");
+  }
+  void AddSegment(const CloneManifest::Segment& each) {
+    const CloneSegment& segment = each.segment;
+    mText += "Segment\t" + AnsiToUtf8(segment.code) + "\t" + LetterOf(segment.kind) + "\t" + ToHex(segment.start, 8) +
+             "\t" + std::to_string(segment.length) + "\t" + each.sha256 + "\r\n";
+  }
+  std::string mText = std::string(kTitle) + "\r\n";
+};
+
+std::string_view Take(std::string_view& text, char separator) {
+  const std::size_t end = std::min(text.find(separator), text.size());
+  const std::string_view field = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return field;
+}
+
+bool IsDigest(std::string_view text) {
+  return text.size() == kDigestDigits &&
+         std::ranges::all_of(text, [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); });
+}
+
+template <typename Number>
+bool ReadNumber(std::string_view text, std::int64_t most, Number& number) {
+  const auto parsed = ParseInteger(text);
+  if (!parsed || *parsed < 0 || *parsed > most) return false;
+  number = static_cast<Number>(*parsed);
+  return true;
+}
+
+bool ReadText(std::string_view text, std::string& ansi) {
+  ansi = Utf8ToAnsi(text);
+  return true;
+}
+
+bool ReadSegment(std::string_view value, CloneManifest& manifest) {
+  CloneManifest::Segment each;
+  each.segment.code = Utf8ToAnsi(Take(value, '\t'));
+  const std::string_view letter = Take(value, '\t');
+  each.segment.kind = letter == "F" ? MemoryKind::Flash : MemoryKind::Ram;
+  const std::string_view start = Take(value, '\t');
+  each.segment.start = ParseHex(start).value_or(0);
+  const bool hasLength = ReadNumber(Take(value, '\t'), 0xFFFFFFFF, each.segment.length);
+  each.sha256 = value;
+  manifest.segments.push_back(each);
+  return each.segment.code.size() == 2 && (letter == "F" || letter == "R") && start.size() == 8 && ParseHex(start) &&
+         hasLength && IsDigest(each.sha256);
+}
+
+bool ReadSerialNumber(std::string_view value, CloneManifest& manifest) {
+  if (value.empty()) return true;
+  return ReadNumber(value, UINT32_MAX, manifest.serialNumber.emplace());
+}
+
+bool ReadProgram(std::string_view value, CloneManifest& manifest) {
+  manifest.wasRunning = value == "running";
+  return value == "running" || value == "stopped";
+}
+
+struct Field {
+  std::string_view name;
+  bool isNeeded;
+  bool (*read)(std::string_view value, CloneManifest& manifest);
+};
+
+// clang-format off
+constexpr Field kFields[] = {
+    {"Length",        true,  [](std::string_view v, CloneManifest& m) { return ReadNumber(v, INT64_MAX, m.length); }},
+    {"SHA-256",       true,  [](std::string_view v, CloneManifest& m) { m.sha256 = v; return IsDigest(v); }},
+    {"Model",         true,  [](std::string_view v, CloneManifest& m) { return ReadText(v, m.version.model); }},
+    {"Hardware code", true,  [](std::string_view v, CloneManifest& m) { return ReadText(v, m.version.hardwareCode); }},
+    {"O/S",           true,  [](std::string_view v, CloneManifest& m) { return ReadText(v, m.version.osVersion); }},
+    {"Build",         true,  [](std::string_view v, CloneManifest& m) { return ReadText(v, m.version.osBuild); }},
+    {"Unit",          true,  [](std::string_view v, CloneManifest& m) { return ReadNumber(v, 255, m.unit); }},
+    {"Serial number", true,  ReadSerialNumber},
+    {"Project",       true,  [](std::string_view v, CloneManifest& m) { return ReadText(v, m.project); }},
+    {"Program",       true,  ReadProgram},
+    {"Made on",       true,  [](std::string_view v, CloneManifest& m) { m.madeOn = v; return true; }},
+    {"Made by",       true,  [](std::string_view v, CloneManifest& m) { m.madeBy = v; return true; }},
+    {"Comment",       true,  [](std::string_view v, CloneManifest& m) { m.comment = v; return true; }},
+    {"Segment",       false, ReadSegment},
+};
+// clang-format on
+
+}  // namespace
+
+fs::path ManifestPath(const fs::path& cloneFile) {
+  fs::path path = cloneFile;
+  path += ".manifest";
+  return path;
+}
+
+std::string PrintManifest(const CloneManifest& manifest) {
+  Printer printer;
+  printer.Add("Length", std::to_string(manifest.length));
+  printer.Add("SHA-256", manifest.sha256);
+  printer.Add("Model", AnsiToUtf8(manifest.version.model));
+  printer.Add("Hardware code", AnsiToUtf8(manifest.version.hardwareCode));
+  printer.Add("O/S", AnsiToUtf8(manifest.version.osVersion));
+  printer.Add("Build", AnsiToUtf8(manifest.version.osBuild));
+  printer.Add("Unit", std::to_string(manifest.unit));
+  printer.Add("Serial number", manifest.serialNumber ? std::to_string(*manifest.serialNumber) : "");
+  printer.Add("Project", AnsiToUtf8(manifest.project));
+  printer.Add("Program", manifest.wasRunning ? "running" : "stopped");
+  printer.Add("Made on", manifest.madeOn);
+  printer.Add("Made by", manifest.madeBy);
+  printer.Add("Comment", manifest.comment);
+  for (const CloneManifest::Segment& each : manifest.segments) printer.AddSegment(each);
+  printer.Add("End", std::to_string(manifest.segments.size()));
+  return printer.mText;
+}
+
+std::expected<CloneManifest, std::string> ParseManifest(std::string_view text) {
+  CloneManifest manifest;
+  std::vector<std::string_view> seen;
+  const auto takeLine = [&text] {
+    std::string_view line = Take(text, '\n');
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    return line;
+  };
+  if (takeLine() != kTitle) return std::unexpected("it is no manifest of version V1");
+  while (!text.empty()) {
+    std::string_view value = takeLine();
+    const std::string_view name = Take(value, '\t');
+    if (name == "End") {
+      if (value != std::to_string(manifest.segments.size())) return std::unexpected("segments are missing in it");
+      for (const Field& field : kFields) {
+        if (field.isNeeded && std::ranges::count(seen, field.name) != 1) {
+          return std::unexpected("\"" + std::string(field.name) + "\" must stand in it once");
+        }
+      }
+      return manifest;
+    }
+    const auto field = std::ranges::find(kFields, name, &Field::name);
+    if (field == std::end(kFields)) continue;
+    if (!field->read(value, manifest)) return std::unexpected("\"" + std::string(name) + "\" cannot be read");
+    seen.push_back(name);
+  }
+  return std::unexpected("its last line is missing");
+}
+
+std::expected<void, FileError> SaveManifest(const fs::path& cloneFile, const CloneManifest& manifest) {
+  auto saved = SaveAtomically(ManifestPath(cloneFile), PrintManifest(manifest));
+  std::error_code ignored;
+  if (!saved) fs::remove(ManifestPath(cloneFile), ignored);
+  return saved;
+}
+
+std::expected<std::optional<CloneManifest>, FileError> ReadManifest(const fs::path& cloneFile) {
+  const fs::path path = ManifestPath(BehindLinks(cloneFile).value_or(cloneFile));
+  std::error_code error;
+  if (fs::status(path, error).type() == fs::file_type::not_found) return std::nullopt;
+  const auto text = ReadWholeFile(path, kMostBytes);
+  if (!text) return std::unexpected(text.error());
+  auto manifest = ParseManifest(*text);
+  if (!manifest) return std::unexpected(FileError{Utf8FromPath(path.filename()), "", manifest.error()});
+  return *std::move(manifest);
+}
+
+}  // namespace kv

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+#include "clone/clsDumpPLC.h"
+#include "desktop/Pacer.h"
+#include "desktop/Prompts.h"
+#include "link/Channel.h"
+
+namespace kv {
+
+// What a create does to the controller's program beside the clone itself, and the questions about it. `controller` is
+// ControllerText (RestoreCheck.h); states are those of Channel::ControllerInfo.
+
+// A create ends with the program running, whatever it was before. Asks when that changes something; true when the
+// create may begin.
+[[nodiscard]] bool IsStartWanted(Prompts& prompts, const std::string& controller, char state);
+
+// After a create that failed with the program stopped: offers to start it, also after a stop by the user. What is to be
+// told then, a sentence or more; empty when there was nothing to offer.
+[[nodiscard]] std::string OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer& pacer,
+                                     const std::string& controller);
+
+// What running the program from this state means, for the question before it; empty when it is nothing special.
+[[nodiscard]] std::string RunWarning(char state);
+
+}  // namespace kv

@@ -1,0 +1,152 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "KvCmDrv1/Driver.h"
+#include "clone/ManifestCheck.h"
+#include "clone/RestoreCheck.h"
+#include "clone/SafeCreate.h"
+#include "digest/Sha256.h"
+#include "simulator/SimulatedController.h"
+#include "tests/clone/CloneBench.h"
+#include "tests/support/SilentCloner.h"
+
+// What is known of a clone file, and of a controller, before the one is written into the other.
+namespace kv::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+// A simulated controller behind the driver, on virtual time.
+class Target {
+ public:
+  Target(VirtualPacer& pacer, const std::string& model, const std::string& os = {})
+      : mDriver(pacer, [this](const std::string&) { return mSimulated->NewLine(); }, nullptr) {
+    sim::SimulatorOptions options;
+    options.model = model;
+    options.memorySeed = 1;
+    if (!os.empty()) options.osVersion = os;
+    mSimulated = sim::SimulatedController::Create(options).value();
+    mChannel = mDriver.GetChannel();
+  }
+  Channel& Link() { return *mChannel; }
+
+ private:
+  std::unique_ptr<sim::SimulatedController> mSimulated;
+  Driver mDriver;
+  std::shared_ptr<Channel> mChannel;
+};
+
+struct Trust : ::testing::Test {
+  CloneBench bench;
+  Target source{bench.pacer, "AurexQ50"};
+  CloneInfo info = Create();
+
+  CloneInfo Create(PromptAnswer mayStop = PromptAnswer::Yes) {
+    struct : KnowingPrompts {
+      PromptAnswer Show(const MessageBox& box) override { return HasButton(box.buttons, answer) ? answer : PromptAnswer::Ok; }
+      PromptAnswer answer = PromptAnswer::Yes;
+    } prompts;
+    prompts.answer = mayStop;
+    SafeCreate safe(bench.file);
+    safe.SetComment("before\tthe repair");
+    clsDumpPLC engine(bench.window, prompts, bench.pacer, bench.pacer);
+    safe.Create(engine, prompts, source.Link());
+    EXPECT_EQ(safe.ManifestTrouble(), "");
+    return safe.Info().value_or(CloneInfo());
+  }
+  ManifestReport Report() { return CheckManifest(bench.file, *InspectClone(bench.file)); }
+  // The file without its n-th line of segment AP.
+  void LoseFlashLine() {
+    std::string content = bench.Content();
+    const std::size_t at = content.find("WDF0030") - 3;
+    bench.folder.Put("clone.kdf", content.erase(at, content.find('\n', at) + 1 - at));
+  }
+};
+
+TEST_F(Trust, TheManifestTellsWhatTheFileCannot) {
+  EXPECT_EQ(Sha256().Hex(), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+  Sha256 abc;
+  abc.Add("a");
+  abc.Add("bc");
+  EXPECT_EQ(abc.Hex(), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+
+  const ManifestReport fits = Report();
+  ASSERT_EQ(fits.fit, ManifestFit::Fits) << fits.text;
+  EXPECT_THAT(fits.text, HasSubstr("while the program was stopped"));
+  EXPECT_EQ(fits.manifest->comment, "before the repair");
+  EXPECT_EQ(fits.manifest->segments.size(), 7U);
+  EXPECT_EQ(ParseManifest(PrintManifest(*fits.manifest)), *fits.manifest);
+
+  LoseFlashLine();
+  ASSERT_TRUE(InspectClone(bench.file)->IsSound()) << "which nobody can see in the file";
+  EXPECT_EQ(Report().fit, ManifestFit::Other);
+  EXPECT_THAT(Report().text, HasSubstr("not as recorded: AP."));
+  EXPECT_THAT(CheckBeforeRestore(source.Link(), *InspectClone(bench.file), Report(), false)->obstacles,
+              ElementsAre(HasSubstr("does not fit the file")));
+
+  Create(PromptAnswer::No);
+  EXPECT_THAT(Report().text, HasSubstr("while the program ran"));
+  std::filesystem::remove(ManifestPath(bench.file));
+  EXPECT_EQ(Report().fit, ManifestFit::Missing);
+}
+
+TEST_F(Trust, AManifestThatWasDamagedIsNotUsed) {
+  const std::string good = PrintManifest(*Report().manifest);
+  for (std::size_t cut = 0; cut + 3 < good.size(); ++cut) {
+    EXPECT_FALSE(ParseManifest(good.substr(0, cut))) << good.substr(0, cut);
+  }
+  const std::tuple<const char*, const char*, const char*> rows[] = {
+      {"Length\t", "Length\t-", "\"Length\" cannot"}, {"SHA-256\t", "SHA-256\tg", "\"SHA-256\" cannot"},
+      {"Unit\t1", "Unit\t256", "\"Unit\" cannot"},    {"stopped", "asleep", "\"Program\" cannot"},
+      {"Segment\tOP\tR", "Segment\tOP\tX", "\"Segment\" cannot"}, {"End\t7", "End\t8", "segments are missing"},
+      {"Model\t", "Modell\t", "\"Model\" must stand"}, {"Unit\t1\r\n", "Unit\t1\r\nUnit\t1\r\n", "\"Unit\" must stand"}};
+  for (const auto& [from, to, error] : rows) {
+    std::string text = good;
+    text.replace(text.find(from), std::string(from).size(), to);
+    const auto parsed = ParseManifest(text);
+    EXPECT_THAT(parsed ? "" : parsed.error(), HasSubstr(error));
+  }
+  bench.folder.Put("clone.kdf.manifest", std::string(100'000, 'x'));
+  EXPECT_EQ(Report().fit, ManifestFit::Unreadable);
+}
+
+TEST_F(Trust, AnotherLayoutIsRefusedBeforeAnythingIsSent) {
+  struct Row {
+    std::uint32_t startShift, lengthShift;
+    const char* obstacle;
+  };
+  const Row rows[] = {{0, 0, ""},
+                      {0, 0xFFFFFFFE, "longer"},
+                      {2, 0xFFFFFFFE, "begins before"},
+                      {0, 2, "last byte"},
+                      {0xFFFFFFFE, 2, "first byte"}};
+  for (const Row& row : rows) {
+    CloneInfo other = info;
+    other.segments[3].segment.start += row.startShift;
+    other.segments[3].segment.length += row.lengthShift;
+    const auto check = CheckBeforeRestore(source.Link(), other, Report(), false);
+    if (*row.obstacle == '\0') {
+      EXPECT_THAT(check->obstacles, IsEmpty());
+    } else {
+      EXPECT_THAT(check->obstacles, ElementsAre(HasSubstr(row.obstacle)));
+    }
+  }
+  Target plain(bench.pacer, "K220-22-R1");
+  EXPECT_GT(CheckBeforeRestore(plain.Link(), info, Report(), false)->obstacles.size(), 2U);
+}
+
+TEST_F(Trust, AnotherVersionIsAWarningAndAnotherUnitCanBeRewritten) {
+  EXPECT_THAT(CheckBeforeRestore(source.Link(), info, Report(), false)->warnings, IsEmpty());
+  Target newer(bench.pacer, "AurexQ50", "4.99");
+  const auto check = CheckBeforeRestore(newer.Link(), info, Report(), false);
+  EXPECT_THAT(check->warnings, ElementsAre(HasSubstr("the controller has 4.99")));
+  EXPECT_THAT(check->obstacles, IsEmpty());
+  info.unit = 9;
+  EXPECT_THAT(CheckBeforeRestore(newer.Link(), info, Report(), false)->obstacles, ElementsAre(HasSubstr("for unit 9")));
+  EXPECT_THAT(CheckBeforeRestore(newer.Link(), info, Report(), true)->obstacles, IsEmpty());
+}
+
+}  // namespace
+}  // namespace kv::test
