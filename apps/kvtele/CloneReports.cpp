@@ -1,6 +1,8 @@
 #include "apps/kvtele/CloneReports.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 #include "apps/kvtele/DocumentText.h"
 #include "base/AnsiText.h"
@@ -8,6 +10,8 @@
 #include "base/PathText.h"
 #include "clone/CloneDiff.h"
 #include "clone/CloneVerify.h"
+#include "clone/ErasedSegments.h"
+#include "clone/ManifestCheck.h"
 
 namespace kv::cli {
 
@@ -87,12 +91,47 @@ std::string InfoText(const CloneInfo& info, const Json& document) {
   std::string text = info.head ? DocumentText(document, kInfoLines) : "";
   for (const CloneInfoSegment& each : info.segments) {
     text += "segment        " + SegmentText(each.segment) + ", " + std::to_string(each.covered.Bytes()) + " of them " +
-            (each.segment.length == 0 ? "stored\n" : "stored, the rest is 255\n");
+            (each.segment.length == 0 ? "stored\n"
+             : each.hasFrames         ? "stored, the rest is 255\n"
+                                      : "stored: all of it was 255, and a restore leaves what is there\n");
   }
   if (info.IsSound()) return text + "damage         none\n";
   for (const CloneDamage& damage : info.damages) text += "damage         " + damage.Text() + "\n";
   const std::size_t more = info.damageCount - info.damages.size();
   return more == 0 ? text : text + "damage         and " + std::to_string(more) + " more\n";
+}
+
+const char* NameOf(ManifestFit fit) {
+  switch (fit) {
+    case ManifestFit::Missing:
+      return "missing";
+    case ManifestFit::Unreadable:
+      return "unreadable";
+    case ManifestFit::Other:
+      return "doesNotFit";
+    case ManifestFit::Fits:
+      break;
+  }
+  return "fits";
+}
+
+void AddManifest(const CloneInfo& info, const ManifestReport& report, Answer& answer) {
+  answer.document["sha256"] = info.sha256;
+  answer.document["manifest"] = {{"fit", NameOf(report.fit)}, {"text", report.text}};
+  answer.text += "manifest       " + report.text + "\n";
+  if (!report.manifest) return;
+  const CloneManifest& manifest = *report.manifest;
+  Json& document = answer.document["manifest"];
+  document["serialNumber"] = manifest.serialNumber ? Json(*manifest.serialNumber) : Json();
+  document["project"] = AnsiToUtf8(manifest.project);
+  document["program"] = manifest.wasRunning ? "running" : "stopped";
+  document["madeBy"] = manifest.madeBy;
+  document["comment"] = manifest.comment;
+  for (const auto& [label, value] : {std::pair("project        ", AnsiToUtf8(manifest.project)),
+                                     std::pair("made by        ", manifest.madeBy),
+                                     std::pair("comment        ", manifest.comment)}) {
+    if (!value.empty()) answer.text += label + value + "\n";
+  }
 }
 
 Answer MakeAnswer(const CloneComparison& comparison) {
@@ -120,6 +159,45 @@ Answer MakeAnswer(const CloneComparison& comparison) {
   add("onlyInFirst", "only in the first file", comparison.onlyInFirst);
   add("onlyInSecond", "only in the second file", comparison.onlyInSecond);
   return answer;
+}
+
+void AddVerdicts(const CloneComparison& comparison, Answer& answer) {
+  for (const KindVerdict& verdict : VerdictsByKind(comparison)) {
+    answer.document["verdicts"][verdict.isValues ? "values" : "program"] = {
+        {"segments", verdict.codes}, {"same", verdict.bytes == 0}, {"differingBytes", verdict.bytes}};
+    answer.text += verdict.Text() + "\n";
+  }
+}
+
+// Segments of which the file has no line, and which are not erased in the controller.
+std::vector<CloneSegment> DifferingAmong(const std::vector<CloneSegment>& erased, const CloneComparison& comparison) {
+  std::vector<CloneSegment> differing;
+  for (const SegmentDifference& each : comparison.segments) {
+    const bool isErased = std::ranges::find(erased, each.segment) != erased.end();
+    if (isErased && !each.differing.IsEmpty()) differing.push_back(each.segment);
+  }
+  return differing;
+}
+
+// Says what is known of the file before it is compared; fills in the segments of which it has no line.
+std::expected<void, Failure> TellBeforeCompare(Environment& environment, Connection& controller,
+                                               const std::filesystem::path& file, const std::vector<std::string>& codes,
+                                               std::vector<CloneSegment>& erased) {
+  const WatchedWork watched(environment);
+  const auto info = InspectClone(file, watched.Work());
+  if (!info) return std::unexpected(CloneFailure("reading the clone file", info.error()));
+  for (const std::string& code : codes) {
+    const auto& segments = info->segments;
+    if (std::ranges::any_of(segments, [&](const auto& each) { return each.segment.code == code; })) continue;
+    return std::unexpected(UsageFailure("the clone file has no segment \"" + code + "\"", "see kvtele clone info"));
+  }
+  erased = ErasedSegments(*info);
+  const ManifestReport manifest = CheckManifest(file, *info, watched.Work());
+  if (info->IsSound()) environment.err << WholenessText(*info, manifest) << "\n";
+  if (info->head && info->head->version.model != controller.Version().model) {
+    environment.err << "Warning: " << OtherModelText(info->head->version, controller.Version()) << "\n";
+  }
+  return {};
 }
 
 ExitCode ExitOf(const CloneOutcome& outcome) {
@@ -185,9 +263,11 @@ Outcome ReportClone(Environment& environment, const std::filesystem::path& file)
     return InspectClone(file, watched.Work());
   }();
   if (!info) return std::unexpected(CloneFailure("reading the clone file", info.error()));
+  const ManifestReport manifest = CheckManifest(file, *info);
   Answer answer;
   answer.document = DocumentOf(*info, file);
   answer.text = InfoText(*info, answer.document);
+  AddManifest(*info, manifest, answer);
   answer.exit = info->IsSound() ? ExitCode::Done : ExitCode::BadFile;
   return answer;
 }
@@ -202,22 +282,30 @@ Outcome CompareClones(Environment& environment, const std::filesystem::path& fir
   return MakeAnswer(*comparison);
 }
 
-Outcome CompareWithController(Environment& environment, const CommonOptions& common,
-                              const std::filesystem::path& file) {
+Outcome CompareWithController(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,
+                              const std::vector<std::string>& codes) {
   const auto controller = Connection::Open(environment, common);
   if (!controller) return std::unexpected(controller.error());
-  return CompareWithController(environment, **controller, file);
+  return CompareWithController(environment, **controller, file, codes);
 }
 
-Outcome CompareWithController(Environment& environment, Connection& controller, const std::filesystem::path& file) {
+Outcome CompareWithController(Environment& environment, Connection& controller, const std::filesystem::path& file,
+                              const std::vector<std::string>& codes) {
+  const std::string doing = "comparing the controller with " + Utf8FromPath(file);
+  std::vector<CloneSegment> erased;
+  if (const auto fit = TellBeforeCompare(environment, controller, file, codes, erased); !fit) {
+    return std::unexpected(fit.error());
+  }
   const auto comparison = [&] {
     const WatchedWork watched(environment);
-    return VerifyClone(controller.Link(), file, watched.Work());
+    return VerifyClone(controller.Link(), file, watched.Work(), codes);
   }();
-  if (!comparison) {
-    return std::unexpected(CloneFailure("comparing the controller with " + Utf8FromPath(file), comparison.error()));
-  }
-  return MakeAnswer(*comparison);
+  if (!comparison) return std::unexpected(CloneFailure(doing, comparison.error()));
+  Answer answer = MakeAnswer(*comparison);
+  AddVerdicts(*comparison, answer);
+  const auto staying = DifferingAmong(erased, *comparison);
+  if (!staying.empty()) environment.err << StayText(staying) << " kvtele clone restore --erase-empty erases it.\n";
+  return answer;
 }
 
 }  // namespace kv::cli

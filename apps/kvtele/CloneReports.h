@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "apps/kvtele/Answer.h"
 #include "apps/kvtele/CommonOptions.h"
@@ -18,11 +20,11 @@ namespace kv::cli {
 // Two files, segment by segment; exit code Differs when they are not the same.
 [[nodiscard]] Outcome CompareClones(Environment& environment, const std::filesystem::path& first,
                                     const std::filesystem::path& second);
-// A file and the controller, in the same way.
+// A file and the controller, in the same way; segments with one of `codes` alone, unless it is empty.
 [[nodiscard]] Outcome CompareWithController(Environment& environment, const CommonOptions& common,
-                                            const std::filesystem::path& file);
+                                            const std::filesystem::path& file, const std::vector<std::string>& codes);
 [[nodiscard]] Outcome CompareWithController(Environment& environment, Connection& controller,
-                                            const std::filesystem::path& file);
+                                            const std::filesystem::path& file, const std::vector<std::string>& codes);
 
 // A failure of the cloner's engine; `doing` says what for.
 [[nodiscard]] Failure CloneFailure(std::string doing, const CloneOutcome& outcome);

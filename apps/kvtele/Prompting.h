@@ -14,4 +14,16 @@ namespace kv::cli {
   return {std::move(answers), environment.err, environment.input};
 }
 
+// The prompts of one question that --yes does not answer, because it answers another one.
+struct ConsentFlag {
+  bool yes = false;
+  std::string name;  // "--replace"
+};
+[[nodiscard]] inline ConsolePrompts PromptsFor(Environment& environment, const ConsentFlag& consent) {
+  ConsoleAnswers answers;
+  answers.yes = consent.yes;
+  answers.yesFlag = consent.name;
+  return {std::move(answers), environment.err, environment.input};
+}
+
 }  // namespace kv::cli

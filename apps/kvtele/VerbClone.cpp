@@ -2,17 +2,18 @@
 
 #include <CLI/Option.hpp>
 #include <CLI/Validators.hpp>
+#include <algorithm>
 
+#include "apps/kvtele/CloneQuestions.h"
 #include "apps/kvtele/CloneReports.h"
-#include "apps/kvtele/CloneTransfers.h"
+#include "apps/kvtele/CloneRestore.h"
 #include "base/PathText.h"
 
 namespace kv::cli {
 
 const char* VerbClone::Examples() const {
-  return "  kvtele --link sim:K220-22-R1 --password 1 clone create plc.kdf   a simulated controller takes any "
-         "password\n"
-         "  kvtele clone info plc.kdf                                        what it holds, and whether it is whole\n"
+  return "  kvtele --link sim:K220-22-R1 --password 1 clone create plc.kdf --stop   a simulated one takes any password\n"
+         "  kvtele clone info plc.kdf                                        what it holds, and what is known of it\n"
          "  kvtele --link sim:K220-22-R1 clone verify plc.kdf                compare it with the controller\n"
          "  kvtele --link sim:K220-22-R1 --yes clone restore plc.kdf --verify\n"
          "  kvtele --link tcp:192.168.1.20 --password 1234 clone create plc.kdf --segments AP,OS\n"
@@ -29,17 +30,42 @@ void VerbClone::Declare(CLI::App& app) {
       ->expected(1, 2)
       ->type_name("");
   app.add_option("--segments", mSegments,
-                 "create: which of OP,DT,AP,OS the file takes; HW,FT,MM always. Default: all of them")
+                 "create: which of OP,DT,AP,OS the file takes; HW,FT,MM always. verify: which are compared. Default: all")
       ->type_name("CODES");
-  app.add_flag("--force", mForce, "restore: also a damaged file, or one of another model or unit");
+  app.add_flag("--replace", mReplace, "create, --backup: a file of this name may be replaced");
+  CLI::Option* stop = app.add_flag("--stop", mStop, "create, --backup: a running program may be stopped for it");
+  app.add_flag("--no-stop", mNoStop, "create, --backup: a running program is cloned while it runs")->excludes(stop);
+  app.add_option("--comment", mComment, "create: a text for the manifest")->type_name("TEXT");
+  app.add_flag("--force", mForce, "restore: also a damaged file, or one of another model, layout or unit");
   app.add_flag("--verify", mVerify, "restore: compare the controller with the file afterwards");
+  app.add_flag("--erase-empty", mEraseEmpty, "restore: erase segments that were erased as a whole in the clone");
+  app.add_flag("--unit-from-controller", mUnitFromController, "restore: send the lines for the controller's unit id");
+  app.add_option("--backup", mBackup, "restore: clone what the controller holds into FILE.kdf before")
+      ->type_name("FILE.kdf");
 }
 
 std::expected<void, Failure> VerbClone::CheckArguments() const {
-  if (mFiles.size() > 1 && mAction != "diff") return std::unexpected(UsageFailure(mAction + " takes one file"));
-  if (!mSegments.empty() && mAction != "create") return std::unexpected(UsageFailure("--segments goes with create"));
-  if ((mForce || mVerify) && mAction != "restore") {
-    return std::unexpected(UsageFailure("--force and --verify go with restore"));
+  struct Row {
+    bool isGiven;
+    const char* flags;
+    std::vector<std::string> actions;
+  };
+  const Row rows[] = {
+      {mFiles.size() > 1, "a second file", {"diff"}},
+      {!mSegments.empty(), "--segments", {"create", "verify"}},
+      {mReplace || mStop || mNoStop, "--replace, --stop and --no-stop", {"create", "restore"}},
+      {!mComment.empty(), "--comment", {"create"}},
+      {mForce || mVerify || mEraseEmpty || mUnitFromController || !mBackup.empty(),
+       "--force, --verify, --erase-empty, --unit-from-controller and --backup", {"restore"}},
+  };
+  for (const Row& row : rows) {
+    if (!row.isGiven || std::ranges::find(row.actions, mAction) != row.actions.end()) continue;
+    std::string actions = row.actions.front();
+    for (std::size_t i = 1; i < row.actions.size(); ++i) actions += " and " + row.actions[i];
+    return std::unexpected(UsageFailure(std::string(row.flags) + " can be given with " + actions + " only"));
+  }
+  if (mAction == "restore" && mBackup.empty() && (mReplace || mStop || mNoStop)) {
+    return std::unexpected(UsageFailure("--replace, --stop and --no-stop of a restore are about its --backup"));
   }
   return {};
 }
@@ -47,11 +73,27 @@ std::expected<void, Failure> VerbClone::CheckArguments() const {
 Outcome VerbClone::Run(Environment& environment, const CommonOptions& common) {
   if (const auto fit = CheckArguments(); !fit) return std::unexpected(fit.error());
   const std::filesystem::path file = PathFromUtf8(mFiles.front());
-  if (mAction == "create") return CreateClone(environment, common, file, mSegments);
-  if (mAction == "restore") return RestoreClone(environment, common, file, {.force = mForce, .verify = mVerify});
+  if (mAction == "create" || mAction == "restore") return Transfer(environment, common, file);
   if (mAction == "info") return ReportClone(environment, file);
   if (mFiles.size() > 1) return CompareClones(environment, file, PathFromUtf8(mFiles.back()));
-  return CompareWithController(environment, common, file);
+  return CompareWithController(environment, common, file, SplitCodes(mSegments));
+}
+
+Outcome VerbClone::Transfer(Environment& environment, const CommonOptions& common,
+                            const std::filesystem::path& file) const {
+  const auto segments = ParseSegments(mSegments);
+  if (!segments) return std::unexpected(segments.error());
+  CreateOrder create{.segments = *segments, .replace = mReplace, .mayStop = {}, .comment = mComment};
+  if (mStop || mNoStop) create.mayStop = mStop;
+  if (mAction == "create") return CreateClone(environment, common, file, create);
+  RestoreOrder restore{.force = mForce,
+                       .verify = mVerify,
+                       .eraseEmpty = mEraseEmpty,
+                       .unitFromController = mUnitFromController,
+                       .backup = {},
+                       .backupOrder = create};
+  if (!mBackup.empty()) restore.backup = PathFromUtf8(mBackup);
+  return RestoreClone(environment, common, file, restore);
 }
 
 }  // namespace kv::cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -19,12 +20,21 @@ class VerbClone : public Verb {
 
  private:
   [[nodiscard]] std::expected<void, Failure> CheckArguments() const;
+  [[nodiscard]] Outcome Transfer(Environment& environment, const CommonOptions& common,
+                                 const std::filesystem::path& file) const;
 
   std::string mAction;
   std::vector<std::string> mFiles;  // UTF-8 paths
   std::string mSegments;
+  std::string mComment;
+  std::string mBackup;  // UTF-8 path; empty: none
+  bool mReplace = false;
+  bool mStop = false;
+  bool mNoStop = false;
   bool mForce = false;
   bool mVerify = false;
+  bool mEraseEmpty = false;
+  bool mUnitFromController = false;
 };
 
 }  // namespace kv::cli

@@ -3,6 +3,7 @@
 #include "apps/kvtele/VerbIdentify.h"
 #include "apps/kvtele/VerbOnline.h"
 #include "apps/kvtele/VerbPorts.h"
+#include "apps/kvtele/VerbProgram.h"
 #include "apps/kvtele/VerbRead.h"
 #include "apps/kvtele/VerbRegions.h"
 #include "apps/kvtele/VerbSessions.h"
@@ -20,6 +21,8 @@ std::vector<std::unique_ptr<Verb>> MakeVerbs() {
   verbs.push_back(std::make_unique<VerbRegions>());
   verbs.push_back(std::make_unique<VerbWatch>());
   verbs.push_back(std::make_unique<VerbClone>());
+  verbs.push_back(std::make_unique<VerbProgram>(true));
+  verbs.push_back(std::make_unique<VerbProgram>(false));
   verbs.push_back(std::make_unique<VerbSessions>());
   verbs.push_back(std::make_unique<VerbPorts>());
   return verbs;

@@ -59,10 +59,14 @@ PromptAnswer ConsolePrompts::Show(const MessageBox& box) {
   mOut << ButtonHint(box.buttons) << std::flush;
   const PromptAnswer least = LeastCommitting(box.buttons);
   if (mAnswers.yes) {
-    mOut << ButtonName(Consent(box.buttons)) << " (--yes)\n" << std::flush;
+    mOut << ButtonName(Consent(box.buttons)) << " (" << mAnswers.yesFlag << ")\n" << std::flush;
     return Consent(box.buttons);
   }
-  const auto typed = Type(false, std::string(ButtonName(least)) + " (nobody to ask; --yes consents)");
+  if (mAnswers.no) {
+    mOut << ButtonName(least) << " (" << mAnswers.noFlag << ")\n" << std::flush;
+    return least;
+  }
+  const auto typed = Type(false, std::string(ButtonName(least)) + " (nobody to ask; " + mAnswers.yesFlag + " consents)");
   return typed && IsConsent(*typed) ? Consent(box.buttons) : least;
 }
 

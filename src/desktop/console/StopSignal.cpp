@@ -25,8 +25,11 @@ static_assert(std::atomic<bool>::is_always_lock_free);  // a signal handler may 
 
 namespace {
 
-BOOL WINAPI OnControl(DWORD) {
+BOOL WINAPI OnControl(DWORD event) {
   if (raised.exchange(true)) TerminateProcess(GetCurrentProcess(), kInterrupted);
+  // After the window was closed the process ends with this call: the work gets the time that the system leaves it.
+  const bool isLast = event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT;
+  if (isLast) WaitForSingleObject(GetCurrentProcess(), INFINITE);
   return TRUE;
 }
 
@@ -55,6 +58,7 @@ extern "C" void OnSignal(int) {
 struct StopSignal::Previous {
   struct sigaction interrupt;
   struct sigaction terminate;
+  struct sigaction hangUp;
 };
 
 StopSignal::StopSignal() : mPrevious(std::make_unique<Previous>()) {
@@ -62,11 +66,14 @@ StopSignal::StopSignal() : mPrevious(std::make_unique<Previous>()) {
   action.sa_handler = OnSignal;  // calls are not restarted: Ctrl-C at a question ends the wait for its answer
   sigaction(SIGINT, &action, &mPrevious->interrupt);
   sigaction(SIGTERM, &action, &mPrevious->terminate);
+  sigaction(SIGHUP, nullptr, &mPrevious->hangUp);
+  if (mPrevious->hangUp.sa_handler != SIG_IGN) sigaction(SIGHUP, &action, nullptr);
 }
 
 StopSignal::~StopSignal() {
   sigaction(SIGINT, &mPrevious->interrupt, nullptr);
   sigaction(SIGTERM, &mPrevious->terminate, nullptr);
+  sigaction(SIGHUP, &mPrevious->hangUp, nullptr);
   Clear();
 }
 

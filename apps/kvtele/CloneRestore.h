@@ -1,21 +1,22 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
+#include <optional>
 
 #include "apps/kvtele/Answer.h"
+#include "apps/kvtele/CloneCreation.h"
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
 
 namespace kv::cli {
 
-// Copies the controller into a new clone file. `segments` names the optional ones that it takes ("AP,OS"); empty: all.
-[[nodiscard]] Outcome CreateClone(Environment& environment, const CommonOptions& common,
-                                  const std::filesystem::path& file, const std::string& segments);
-
 struct RestoreOrder {
-  bool force = false;   // whatever speaks against the file is only told
-  bool verify = false;  // afterwards; the answer is then that of the comparison
+  bool force = false;               // whatever speaks against the file is only told
+  bool verify = false;              // afterwards; the answer is then that of the comparison
+  bool eraseEmpty = false;          // segments of which the file has no line are erased, too
+  bool unitFromController = false;  // the lines are sent for the controller's unit id
+  std::optional<std::filesystem::path> backup{};  // what the controller holds before goes there
+  CreateOrder backupOrder{};
 };
 
 // Copies a clone file into the controller, when the user consents. Nothing is sent of a file that is damaged, or does

@@ -1,0 +1,108 @@
+#include "apps/kvtele/CloneCreation.h"
+
+#include <system_error>
+
+#include "apps/kvtele/CloneQuestions.h"
+#include "apps/kvtele/CloneReports.h"
+#include "apps/kvtele/Prompting.h"
+#include "apps/kvtele/TerminalCloner.h"
+#include "base/PathText.h"
+#include "clone/ProgramState.h"
+#include "clone/RestoreCheck.h"
+#include "clone/SafeCreate.h"
+#include "desktop/PacerWallClock.h"
+
+namespace kv::cli {
+
+namespace {
+
+// Whose program it is, and whether what the create does to it is wanted.
+std::expected<std::string, Failure> CheckProgram(Environment& environment, const CommonOptions& common,
+                                                 Connection& controller, const CreateOrder& order,
+                                                 const std::string& doing) {
+  const auto info = controller.Link().GetControllerInfo(controller.Unit());
+  if (!info) return std::unexpected(controller.LastFailure());
+  std::string name = ControllerText(controller.Version(), *info, controller.Description());
+  const bool canAsk = order.mayStop || environment.input.IsInteractive();
+  if (info->state == 'R' && !canAsk) {
+    return std::unexpected(Failure{ExitCode::Failed, "notConfirmed", doing,
+                                   "the program of the controller (" + name + ") runs, and nobody can be asked", "",
+                                   "give --stop to stop it for the clone (it runs again afterwards), or --no-stop to "
+                                   "clone it while it runs: what it changes meanwhile is then half old, half new"});
+  }
+  ConsolePrompts prompts = PromptsFor(environment, common);
+  const bool isWanted = IsStartWanted(prompts, name, info->state);
+  if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure(doing));
+  if (!isWanted) return std::unexpected(NotConfirmedFailure(doing, "--yes"));
+  return name;
+}
+
+}  // namespace
+
+std::expected<SegmentBoxes, Failure> ParseSegments(const std::string& codes) {
+  if (codes.empty()) return SegmentBoxes();
+  SegmentBoxes boxes{.op = false, .dt = false, .ap = false, .os = false};
+  for (const std::string& code : SplitCodes(codes)) {
+    if (code == "OP")
+      boxes.op = true;
+    else if (code == "DT")
+      boxes.dt = true;
+    else if (code == "AP")
+      boxes.ap = true;
+    else if (code == "OS")
+      boxes.os = true;
+    else if (code != "HW" && code != "FT" && code != "MM") {
+      return std::unexpected(UsageFailure("there is no segment \"" + code + "\"",
+                                          "name some of OP,DT,AP,OS with commas between; HW,FT,MM are always taken"));
+    }
+  }
+  return boxes;
+}
+
+std::expected<void, Failure> CheckCreate(Environment& environment, const CommonOptions& common,
+                                         const std::filesystem::path& file, const CreateOrder& order) {
+  if (!common.password && !environment.input.IsInteractive()) {
+    return std::unexpected(UsageFailure("the controller's password is missing",
+                                        "give it with --password; a controller without a password takes any"));
+  }
+  std::error_code ignored;
+  if (!std::filesystem::exists(file, ignored)) return {};
+  return Confirm(environment, {order.replace, "--replace"}, Utf8FromPath(file) + " exists. Replace it?",
+                 "creating " + Utf8FromPath(file));
+}
+
+std::expected<void, Failure> CreateFrom(Environment& environment, const CommonOptions& common, Connection& controller,
+                                        const std::filesystem::path& file, const CreateOrder& order) {
+  SafeCreate safe(file);
+  safe.SetComment(order.comment);
+  const std::string doing = "creating " + Utf8FromPath(file);
+  const auto name = CheckProgram(environment, common, controller, order, doing);
+  if (!name) return std::unexpected(name.error());
+  const PacerWallClock clock;
+  TerminalCloner window(environment, common, order.segments, order.mayStop);
+  clsDumpPLC engine(window, window, environment.pacer, clock);
+  safe.Create(engine, window, controller.Link(), WatchedWork(environment).Work());
+  if (safe.Outcome().end == CloneEnd::Done) {
+    if (!safe.ManifestTrouble().empty()) environment.err << "Warning: " << safe.ManifestTrouble() << "\n";
+    return {};
+  }
+  ConsolePrompts prompts = PromptsFor(environment, common);
+  const std::string told = OfferToRun(engine, controller.Link(), prompts, environment.pacer, *name);
+  if (!told.empty()) environment.err << told << "\n";
+  return std::unexpected(CloneFailure(doing, safe.Outcome()));
+}
+
+Outcome CreateClone(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,
+                    const CreateOrder& order) {
+  if (const auto fit = CheckCreate(environment, common, file, order); !fit) return std::unexpected(fit.error());
+  const auto controller = Connection::Open(environment, common);
+  if (!controller) return std::unexpected(controller.error());
+  if (const auto created = CreateFrom(environment, common, **controller, file, order); !created) {
+    return std::unexpected(created.error());
+  }
+  auto report = ReportClone(environment, file);
+  if (report) report->text.clear();  // the engine has said that it is done
+  return report;
+}
+
+}  // namespace kv::cli

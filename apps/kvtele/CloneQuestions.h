@@ -1,0 +1,29 @@
+#pragma once
+
+#include <expected>
+#include <string>
+#include <vector>
+
+#include "apps/kvtele/CommonOptions.h"
+#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/Environment.h"
+#include "apps/kvtele/Failure.h"
+#include "apps/kvtele/Prompting.h"
+
+namespace kv::cli {
+
+// Asks a question whose consent cannot be taken back, and says why it does not go on. `doing` names what is refused.
+[[nodiscard]] std::expected<void, Failure> Confirm(Environment& environment, const ConsentFlag& consent,
+                                                   const std::string& question, const std::string& doing);
+
+[[nodiscard]] Failure NotConfirmedFailure(std::string doing, const std::string& flags);
+
+// "OP,AP": the texts between the commas.
+[[nodiscard]] std::vector<std::string> SplitCodes(const std::string& codes);
+
+// Gives the password that was given, if one was; where none was and the controller wants one, a user at a terminal is
+// asked.
+[[nodiscard]] std::expected<void, Failure> GiveAccess(Environment& environment, const CommonOptions& common,
+                                                      Connection& controller);
+
+}  // namespace kv::cli

@@ -1,0 +1,151 @@
+#include "apps/kvtele/CloneRestore.h"
+
+#include "apps/kvtele/CloneQuestions.h"
+#include "apps/kvtele/CloneReports.h"
+#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/TerminalCloner.h"
+#include "base/PathText.h"
+#include "clone/ErasedSegments.h"
+#include "clone/RestoreBegin.h"
+#include "clone/RestoreCheck.h"
+#include "clone/clsDumpPLC.h"
+#include "desktop/PacerWallClock.h"
+
+namespace kv::cli {
+
+namespace {
+
+// One restore, from the file to the last line.
+class Restoring {
+ public:
+  Restoring(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,
+            const RestoreOrder& order)
+      : mEnvironment(environment), mCommon(common), mFile(file), mOrder(order) {}
+
+  [[nodiscard]] Outcome Run() {
+    using Step = std::expected<void, Failure> (Restoring::*)();
+    constexpr Step kSteps[] = {&Restoring::Inspect, &Restoring::Connect, &Restoring::CheckFits,
+                               &Restoring::ChooseErase, &Restoring::Consent, &Restoring::Backup, &Restoring::Send};
+    for (const Step step : kSteps) {
+      if (const auto done = (this->*step)(); !done) return std::unexpected(done.error());
+    }
+    if (mOrder.verify) return CompareWithController(mEnvironment, *mController, mFile, {});
+    mEnvironment.err << "A restore is not read back by itself. Compare with: kvtele clone verify "
+                     << Utf8FromPath(mFile) << "\n";
+    return Answer{"", {{"restored", Utf8FromPath(mFile)}, {"lines", mInfo.frames}}};
+  }
+
+ private:
+  using Done = std::expected<void, Failure>;
+
+  Done Inspect() {
+    const std::string doing = "looking through the clone file";
+    const WatchedWork watched(mEnvironment);
+    auto info = InspectClone(mFile, watched.Work());
+    if (!info) return std::unexpected(CloneFailure(doing, info.error()));
+    mInfo = *std::move(info);
+    mManifest = CheckManifest(mFile, mInfo, watched.Work());
+    if (mInfo.IsSound() || mOrder.force) return {};
+    return std::unexpected(Failure{ExitCode::BadFile, "badFile", doing,
+                                   "it is damaged: " + mInfo.damages.front().Text() + "; nothing was sent", "",
+                                   "see kvtele clone info; --force restores it all the same"});
+  }
+
+  Done Connect() {
+    auto controller = Connection::Open(mEnvironment, mCommon);
+    if (!controller) return std::unexpected(controller.error());
+    mController = *std::move(controller);
+    return {};
+  }
+
+  Done CheckFits() {
+    const WatchedWork watched(mEnvironment);
+    auto check =
+        CheckBeforeRestore(mController->Link(), mInfo, mManifest, mOrder.unitFromController, watched.Work());
+    if (!check) return std::unexpected(CloneFailure("holding the clone file against the controller", check.error()));
+    mCheck = *std::move(check);
+    for (const std::string& warning : mCheck.warnings) mEnvironment.err << "Warning: " << warning << "\n";
+    std::string told;
+    for (const std::string& obstacle : mCheck.obstacles) {
+      if (mOrder.force) mEnvironment.err << "Warning: " << obstacle << "\n";
+      told += (told.empty() ? "" : " ") + obstacle;
+    }
+    if (told.empty() || mOrder.force) return {};
+    const bool isUnitAlone = mCheck.obstacles.size() == 1 && mInfo.unit.value_or(mController->Unit()) != mController->Unit();
+    return std::unexpected(NotFitFailure(
+        "restoring the clone file", told + " Nothing was sent", "",
+        isUnitAlone ? "--unit-from-controller sends its lines for the controller's unit"
+                    : "choose another file or controller; --force restores it all the same"));
+  }
+
+  // A question of its own: who wants the file restored need not want more erased than the file says.
+  Done ChooseErase() {
+    if (mCheck.staying.empty()) return {};
+    const std::string codes = CodesText(mCheck.staying);
+    const auto wanted = Confirm(mEnvironment, {mOrder.eraseEmpty, "--erase-empty"},
+                                StayText(mCheck.staying) + " Erase " + codes + " in the controller, too?", "");
+    if (wanted) return {};
+    if (wanted.error().exit == ExitCode::Interrupted) return wanted;
+    mCheck.staying.clear();
+    mEnvironment.err << "What the controller holds in " << codes << " stays. A comparison will show it.\n";
+    return {};
+  }
+
+  Done Consent() {
+    const std::string question =
+        "The memory of the controller (" +
+        ControllerText(mCheck.version, mCheck.controller, mController->Description()) +
+        ") is about to be overwritten with " + Utf8FromPath(mFile) +
+        ". Its program stops; at the end the controller resets and runs. " +
+        (mOrder.backup ? "What it holds now is kept before in " + Utf8FromPath(*mOrder.backup) + "."
+                       : "What it holds now is lost; --backup FILE.kdf keeps it.") +
+        " Continue?";
+    return Confirm(mEnvironment, {mCommon.yes, "--yes"}, question, "restoring " + Utf8FromPath(mFile));
+  }
+
+  Done Backup() {
+    if (!mOrder.backup) return {};
+    CreateOrder order = mOrder.backupOrder;
+    if (order.comment.empty()) order.comment = "Before " + Utf8FromPath(mFile.filename()) + " was restored";
+    if (auto fit = CheckCreate(mEnvironment, mCommon, *mOrder.backup, order); !fit) return fit;
+    auto created = CreateFrom(mEnvironment, mCommon, *mController, *mOrder.backup, order);
+    if (!created) mEnvironment.err << "Nothing was restored, because the backup failed.\n";
+    return created;
+  }
+
+  Done Send() {
+    Channel& link = mController->Link();
+    if (auto access = GiveAccess(mEnvironment, mCommon, *mController); !access) return access;
+    const std::string doing = "restoring " + Utf8FromPath(mFile);
+    if (const auto begun = BeginRestore(link, mCheck.staying); !begun) {
+      return std::unexpected(CloneFailure(doing, begun.error()));
+    }
+    SerialPortObject* port = link.GetSerialPort();
+    if (port == nullptr) return std::unexpected(mController->LastFailure());
+    const PacerWallClock clock;
+    TerminalCloner window(mEnvironment, mCommon, {}, std::nullopt);
+    clsDumpPLC engine(window, window, mEnvironment.pacer, clock);
+    if (mOrder.unitFromController) engine.UseUnit(mController->Unit());
+    engine.RestoreGhost(*port, mFile, &link);
+    if (engine.Outcome().end == CloneEnd::Done) return {};
+    return std::unexpected(CloneFailure(doing, engine.Outcome()));
+  }
+
+  Environment& mEnvironment;
+  const CommonOptions& mCommon;
+  const std::filesystem::path& mFile;
+  const RestoreOrder& mOrder;
+  CloneInfo mInfo;
+  ManifestReport mManifest;
+  std::unique_ptr<Connection> mController;
+  RestoreCheck mCheck;
+};
+
+}  // namespace
+
+Outcome RestoreClone(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,
+                     const RestoreOrder& order) {
+  return Restoring(environment, common, file, order).Run();
+}
+
+}  // namespace kv::cli

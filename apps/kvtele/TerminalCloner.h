@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+
+#include "apps/kvtele/CommonOptions.h"
+#include "apps/kvtele/Environment.h"
+#include "apps/kvtele/TerminalLine.h"
+#include "clone/DumpProgress.h"
+#include "clone/DumpWindow.h"
+#include "desktop/console/ConsolePrompts.h"
+
+namespace kv::cli {
+
+// The cloner's window on the terminal: one line of progress, and before each box of the engine it makes room. The one
+// question that the engine asks is whether the program may be stopped: `mayStop` answers it beforehand.
+class TerminalCloner final : public DumpWindow, public Prompts {
+ public:
+  TerminalCloner(Environment& environment, const CommonOptions& common, const SegmentBoxes& boxes,
+                 std::optional<bool> mayStop);
+
+  void FillSegments(std::span<const CloneSegment> segments) override { mProgress.FillSegments(segments, mBoxes); }
+  void Event_SegmentIndex(int index) override { mProgress.SegmentIndex(index); }
+  void Event_ProgressBarInit(std::int64_t, std::int64_t maximum) override { mProgress.ProgressBarInit(maximum); }
+  void Event_ProgressBarValue(std::int64_t value) override;
+  void Event_AddWriteCommand(std::string_view) override {}
+  void Event_Refresh() override {}
+  [[nodiscard]] SegmentBoxes CheckedSegments() const override { return mBoxes; }
+
+  PromptAnswer Show(const MessageBox& box) override;
+  [[nodiscard]] std::optional<std::string> Ask(const InputBox& box) override;
+  [[nodiscard]] std::optional<std::string> OpenFile(const FileDialog&) override { return std::nullopt; }
+  [[nodiscard]] std::optional<std::string> SaveFile(const FileDialog&) override { return std::nullopt; }
+
+ private:
+  Pacer& mPacer;
+  SegmentBoxes mBoxes;
+  ConsolePrompts mPrompts;
+  TerminalLine mLine;
+  DumpProgress mProgress;
+  Instant mNextLine{};
+};
+
+}  // namespace kv::cli

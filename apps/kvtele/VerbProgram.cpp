@@ -1,0 +1,66 @@
+#include "apps/kvtele/VerbProgram.h"
+
+#include "apps/kvtele/CloneQuestions.h"
+#include "clone/ProgramState.h"
+#include "clone/RestoreCheck.h"
+
+namespace kv::cli {
+
+namespace {
+
+Answer MakeAnswer(const std::string& name, char state) {
+  return {"", {{"controller", name}, {"state", std::string(1, state)}}};
+}
+
+}  // namespace
+
+const char* VerbProgram::Examples() const {
+  return mRuns ? "  kvtele --link sim:K220-22-R1 --yes run\n"
+                 "  kvtele --link tcp:192.168.1.20 --password 1234 run           asks before\n"
+               : "  kvtele --link sim:K220-22-R1 --yes stop\n"
+                 "  kvtele --link tcp:192.168.1.20 --password 1234 stop          asks before\n";
+}
+
+Outcome VerbProgram::Run(Environment& environment, const CommonOptions& common) {
+  const auto controller = Connection::Open(environment, common);
+  if (!controller) return std::unexpected(controller.error());
+  Connection& plc = **controller;
+  const auto before = plc.Link().GetControllerInfo(plc.Unit());
+  if (!before) return std::unexpected(plc.LastFailure());
+  const std::string name = ControllerText(plc.Version(), *before, plc.Description());
+  const char wanted = mRuns ? 'R' : 'S';
+  if (before->state == wanted) {
+    environment.err << "The program of " << name << (mRuns ? " runs already.\n" : " is stopped already.\n");
+    return MakeAnswer(name, wanted);
+  }
+  const std::string warning = mRuns ? RunWarning(before->state) : "";
+  const std::string question = "The program of the controller (" + name + ") is about to be " +
+                               (mRuns ? "started. " : "stopped. ") + warning + (warning.empty() ? "" : " ") +
+                               "Continue?";
+  const auto confirmed = Confirm(environment, {common.yes, "--yes"}, question,
+                                 mRuns ? "starting the program" : "stopping the program");
+  if (!confirmed) return std::unexpected(confirmed.error());
+  if (const auto done = Switch(environment, common, plc); !done) return std::unexpected(done.error());
+  const auto after = plc.Link().GetControllerInfo(plc.Unit());
+  if (!after) return std::unexpected(plc.LastFailure());
+  if (after->state != wanted) {
+    return std::unexpected(NotFitFailure(mRuns ? "starting the program" : "stopping the program",
+                                         std::string("the controller took the command, but its state is ") +
+                                             after->state + " now",
+                                         "somebody else has changed it, or the program ended by itself",
+                                         "see kvtele identify"));
+  }
+  environment.err << "The program of " << name << (mRuns ? " runs.\n" : " is stopped.\n");
+  return MakeAnswer(name, after->state);
+}
+
+std::expected<void, Failure> VerbProgram::Switch(Environment& environment, const CommonOptions& common,
+                                                 Connection& controller) const {
+  if (auto access = GiveAccess(environment, common, controller); !access) return access;
+  const bool isDone = mRuns ? controller.Link().RunController(controller.Unit())
+                            : controller.Link().StopController(controller.Unit());
+  if (!isDone) return std::unexpected(controller.LastFailure());
+  return {};
+}
+
+}  // namespace kv::cli
