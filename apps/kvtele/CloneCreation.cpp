@@ -87,9 +87,9 @@ std::expected<void, Failure> CreateFrom(Environment& environment, const CommonOp
     return {};
   }
   ConsolePrompts prompts = PromptsFor(environment, common);
-  const std::string told = OfferToRun(engine, controller.Link(), prompts, environment.pacer, *name);
-  if (!told.empty()) environment.err << told << "\n";
-  return std::unexpected(CloneFailure(doing, safe.Outcome()));
+  CloneOutcome outcome = safe.Outcome();
+  OfferToRun(engine, controller.Link(), prompts, environment.pacer, *name, outcome);
+  return std::unexpected(CloneFailure(doing, outcome));
 }
 
 Outcome CreateClone(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,

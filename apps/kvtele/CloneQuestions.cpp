@@ -20,7 +20,11 @@ std::expected<void, Failure> Confirm(Environment& environment, const ConsentFlag
 }
 
 Failure NotConfirmedFailure(std::string doing, const std::string& flags) {
-  return {ExitCode::Failed,       "notConfirmed", std::move(doing), "it was not confirmed", {},
+  return {ExitCode::Failed,
+          "notConfirmed",
+          std::move(doing),
+          "it was not confirmed",
+          {},
           "answer with yes, or give " + flags};
 }
 
@@ -34,8 +38,7 @@ std::vector<std::string> SplitCodes(const std::string& codes) {
   return split;
 }
 
-std::expected<void, Failure> GiveAccess(Environment& environment, const CommonOptions& common,
-                                        Connection& controller) {
+std::expected<void, Failure> GiveAccess(Environment& environment, const CommonOptions& common, Connection& controller) {
   Channel& link = controller.Link();
   const std::uint8_t unit = controller.Unit();
   if (common.password) {
@@ -45,9 +48,11 @@ std::expected<void, Failure> GiveAccess(Environment& environment, const CommonOp
   if (link.GiveAccess("", unit)) return {};  // it has no password
   if (link.LastError().code != LinkErrorCode::Refused) return std::unexpected(controller.LastFailure());
   if (!environment.input.IsInteractive()) return {};  // what needs the password will be refused, and say so
-  const auto password =
-      PromptsFor(environment, common)
-          .Ask({.text = "The controller's password:", .title = std::string(kClonerCaption), .initial = "", .secret = true});
+  const auto password = PromptsFor(environment, common)
+                            .Ask({.text = "The controller's password:",
+                                  .title = std::string(kClonerCaption),
+                                  .initial = "",
+                                  .secret = true});
   if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure("asking for the password"));
   if (password && link.GiveAccess(*password, unit)) return {};
   if (password) return std::unexpected(controller.LastFailure());

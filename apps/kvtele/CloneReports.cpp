@@ -127,9 +127,9 @@ void AddManifest(const CloneInfo& info, const ManifestReport& report, Answer& an
   document["program"] = manifest.wasRunning ? "running" : "stopped";
   document["madeBy"] = manifest.madeBy;
   document["comment"] = manifest.comment;
-  for (const auto& [label, value] : {std::pair("project        ", AnsiToUtf8(manifest.project)),
-                                     std::pair("made by        ", manifest.madeBy),
-                                     std::pair("comment        ", manifest.comment)}) {
+  for (const auto& [label, value] :
+       {std::pair("project        ", AnsiToUtf8(manifest.project)), std::pair("made by        ", manifest.madeBy),
+        std::pair("comment        ", manifest.comment)}) {
     if (!value.empty()) answer.text += label + value + "\n";
   }
 }

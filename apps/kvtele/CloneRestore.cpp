@@ -24,8 +24,8 @@ class Restoring {
 
   [[nodiscard]] Outcome Run() {
     using Step = std::expected<void, Failure> (Restoring::*)();
-    constexpr Step kSteps[] = {&Restoring::Inspect, &Restoring::Connect, &Restoring::CheckFits,
-                               &Restoring::ChooseErase, &Restoring::Consent, &Restoring::Backup, &Restoring::Send};
+    constexpr Step kSteps[] = {&Restoring::Inspect, &Restoring::Connect, &Restoring::CheckFits, &Restoring::ChooseErase,
+                               &Restoring::Consent, &Restoring::Backup,  &Restoring::Send};
     for (const Step step : kSteps) {
       if (const auto done = (this->*step)(); !done) return std::unexpected(done.error());
     }
@@ -60,8 +60,7 @@ class Restoring {
 
   Done CheckFits() {
     const WatchedWork watched(mEnvironment);
-    auto check =
-        CheckBeforeRestore(mController->Link(), mInfo, mManifest, mOrder.unitFromController, watched.Work());
+    auto check = CheckBeforeRestore(mController->Link(), mInfo, mManifest, mOrder.unitFromController, watched.Work());
     if (!check) return std::unexpected(CloneFailure("holding the clone file against the controller", check.error()));
     mCheck = *std::move(check);
     for (const std::string& warning : mCheck.warnings) mEnvironment.err << "Warning: " << warning << "\n";
@@ -71,11 +70,12 @@ class Restoring {
       told += (told.empty() ? "" : " ") + obstacle;
     }
     if (told.empty() || mOrder.force) return {};
-    const bool isUnitAlone = mCheck.obstacles.size() == 1 && mInfo.unit.value_or(mController->Unit()) != mController->Unit();
-    return std::unexpected(NotFitFailure(
-        "restoring the clone file", told + " Nothing was sent", "",
-        isUnitAlone ? "--unit-from-controller sends its lines for the controller's unit"
-                    : "choose another file or controller; --force restores it all the same"));
+    const bool isUnitAlone =
+        mCheck.obstacles.size() == 1 && mInfo.unit.value_or(mController->Unit()) != mController->Unit();
+    return std::unexpected(NotFitFailure("restoring the clone file", told + " Nothing was sent", "",
+                                         isUnitAlone
+                                             ? "--unit-from-controller sends its lines for the controller's unit"
+                                             : "choose another file or controller; --force restores it all the same"));
   }
 
   // A question of its own: who wants the file restored need not want more erased than the file says.

@@ -12,7 +12,8 @@
 namespace kv::cli {
 
 const char* VerbClone::Examples() const {
-  return "  kvtele --link sim:K220-22-R1 --password 1 clone create plc.kdf --stop   a simulated one takes any password\n"
+  return "  kvtele --link sim:K220-22-R1 --password 1 clone create plc.kdf --stop   a simulated one takes any "
+         "password\n"
          "  kvtele clone info plc.kdf                                        what it holds, and what is known of it\n"
          "  kvtele --link sim:K220-22-R1 clone verify plc.kdf                compare it with the controller\n"
          "  kvtele --link sim:K220-22-R1 --yes clone restore plc.kdf --verify\n"
@@ -29,8 +30,9 @@ void VerbClone::Declare(CLI::App& app) {
       ->required()
       ->expected(1, 2)
       ->type_name("");
-  app.add_option("--segments", mSegments,
-                 "create: which of OP,DT,AP,OS the file takes; HW,FT,MM always. verify: which are compared. Default: all")
+  app.add_option(
+         "--segments", mSegments,
+         "create: which of OP,DT,AP,OS the file takes; HW,FT,MM always. verify: which are compared. Default: all")
       ->type_name("CODES");
   app.add_flag("--replace", mReplace, "create, --backup: a file of this name may be replaced");
   CLI::Option* stop = app.add_flag("--stop", mStop, "create, --backup: a running program may be stopped for it");
@@ -56,7 +58,8 @@ std::expected<void, Failure> VerbClone::CheckArguments() const {
       {mReplace || mStop || mNoStop, "--replace, --stop and --no-stop", {"create", "restore"}},
       {!mComment.empty(), "--comment", {"create"}},
       {mForce || mVerify || mEraseEmpty || mUnitFromController || !mBackup.empty(),
-       "--force, --verify, --erase-empty, --unit-from-controller and --backup", {"restore"}},
+       "--force, --verify, --erase-empty, --unit-from-controller and --backup",
+       {"restore"}},
   };
   for (const Row& row : rows) {
     if (!row.isGiven || std::ranges::find(row.actions, mAction) != row.actions.end()) continue;

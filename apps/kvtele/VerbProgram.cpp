@@ -37,18 +37,17 @@ Outcome VerbProgram::Run(Environment& environment, const CommonOptions& common) 
   const std::string question = "The program of the controller (" + name + ") is about to be " +
                                (mRuns ? "started. " : "stopped. ") + warning + (warning.empty() ? "" : " ") +
                                "Continue?";
-  const auto confirmed = Confirm(environment, {common.yes, "--yes"}, question,
-                                 mRuns ? "starting the program" : "stopping the program");
+  const auto confirmed =
+      Confirm(environment, {common.yes, "--yes"}, question, mRuns ? "starting the program" : "stopping the program");
   if (!confirmed) return std::unexpected(confirmed.error());
   if (const auto done = Switch(environment, common, plc); !done) return std::unexpected(done.error());
   const auto after = plc.Link().GetControllerInfo(plc.Unit());
   if (!after) return std::unexpected(plc.LastFailure());
   if (after->state != wanted) {
-    return std::unexpected(NotFitFailure(mRuns ? "starting the program" : "stopping the program",
-                                         std::string("the controller took the command, but its state is ") +
-                                             after->state + " now",
-                                         "somebody else has changed it, or the program ended by itself",
-                                         "see kvtele identify"));
+    return std::unexpected(
+        NotFitFailure(mRuns ? "starting the program" : "stopping the program",
+                      std::string("the controller took the command, but its state is ") + after->state + " now",
+                      "somebody else has changed it, or the program ended by itself", "see kvtele identify"));
   }
   environment.err << "The program of " << name << (mRuns ? " runs.\n" : " is stopped.\n");
   return MakeAnswer(name, after->state);
@@ -57,8 +56,8 @@ Outcome VerbProgram::Run(Environment& environment, const CommonOptions& common) 
 std::expected<void, Failure> VerbProgram::Switch(Environment& environment, const CommonOptions& common,
                                                  Connection& controller) const {
   if (auto access = GiveAccess(environment, common, controller); !access) return access;
-  const bool isDone = mRuns ? controller.Link().RunController(controller.Unit())
-                            : controller.Link().StopController(controller.Unit());
+  const bool isDone =
+      mRuns ? controller.Link().RunController(controller.Unit()) : controller.Link().StopController(controller.Unit());
   if (!isDone) return std::unexpected(controller.LastFailure());
   return {};
 }

@@ -26,15 +26,15 @@ struct CloneManifest {
   };
 
   std::uint64_t length = 0;  // of the clone file, bytes
-  std::string sha256 = {};        // of the clone file as it was written; 64 lower-case hexadecimal digits
+  std::string sha256 = {};   // of the clone file as it was written; 64 lower-case hexadecimal digits
   VersionInfo version = {};  // Windows-1252, as everywhere
   std::uint8_t unit = 0;
   std::optional<std::uint32_t> serialNumber = {};
-  std::string project = {};      // Windows-1252
-  bool wasRunning = false;  // the program ran while the clone was made: what it changed is half old, half new
-  std::string madeOn = {};       // date and time where the user sat
-  std::string madeBy = {};       // UTF-8
-  std::string comment = {};      // UTF-8
+  std::string project = {};  // Windows-1252
+  bool wasRunning = false;   // the program ran while the clone was made: what it changed is half old, half new
+  std::string madeOn = {};   // date and time where the user sat
+  std::string madeBy = {};   // UTF-8
+  std::string comment = {};  // UTF-8
   std::vector<Segment> segments = {};
 
   bool operator==(const CloneManifest&) const = default;

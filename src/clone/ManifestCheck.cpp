@@ -57,7 +57,8 @@ std::string OtherText(const std::filesystem::path& file, const CloneManifest& ma
 
 std::string FitText(const CloneManifest& manifest) {
   std::string text = "By its manifest the file is, byte for byte, as it was made";
-  if (manifest.serialNumber) text += " from the controller with serial number " + std::to_string(*manifest.serialNumber);
+  if (manifest.serialNumber)
+    text += " from the controller with serial number " + std::to_string(*manifest.serialNumber);
   text += manifest.wasRunning ? ", while the program ran: values that it changed meanwhile may not belong together."
                               : ", while the program was stopped.";
   return text;
@@ -68,10 +69,12 @@ std::string FitText(const CloneManifest& manifest) {
 ManifestReport CheckManifest(const std::filesystem::path& file, const CloneInfo& info, const CloneWork& work) {
   auto manifest = ReadManifest(file);
   if (!manifest) {
-    return {ManifestFit::Unreadable, "The manifest beside the file cannot be used: " + manifest.error().Text() + ".", {}};
+    return {
+        ManifestFit::Unreadable, "The manifest beside the file cannot be used: " + manifest.error().Text() + ".", {}};
   }
   if (!*manifest) {
-    return {ManifestFit::Missing, "There is no manifest beside the file, so a line of flash that was lost does not show.",
+    return {ManifestFit::Missing,
+            "There is no manifest beside the file, so a line of flash that was lost does not show.",
             {}};
   }
   const bool fits = info.sha256 == (*manifest)->sha256 && info.length == (*manifest)->length;

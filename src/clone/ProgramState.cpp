@@ -22,20 +22,25 @@ bool IsStartWanted(Prompts& prompts, const std::string& controller, char state) 
   if (state != 'S' && state != 'L') return true;
   const std::string warning = RunWarning(state);
   return Asks(prompts, "The program of the controller (" + controller + ") does not run. " + warning +
-                           (warning.empty() ? "" : " ") +
-                           "Creating a clone ends with starting its program. Continue?");
+                           (warning.empty() ? "" : " ") + "Creating a clone ends with starting its program. Continue?");
 }
 
-std::string OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer& pacer,
-                       const std::string& controller) {
-  if (!engine.HasStoppedProgram()) return "";
+void OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer& pacer, const std::string& controller,
+                CloneOutcome& outcome) {
+  if (!engine.HasStoppedProgram()) return;
   pacer.ClearStop();  // it ended the create, not what comes now
-  if (!Asks(prompts, "The program of the controller (" + controller +
-                         ") was stopped for the clone. Start it again now?")) {
-    return "The controller's program was not started again.";
+  if (!Asks(prompts,
+            "The program of the controller (" + controller + ") was stopped for the clone. Start it again now?")) {
+    return;  // that it is stopped stands in the reason
   }
-  if (link.RunController(link.UnitID())) return "The controller's program was started again.";
-  return "The controller's program could not be started again.\n" + link.LastError().Text();
+  if (!link.RunController(link.UnitID())) {
+    outcome.reason += "\nStarting it again failed:\n" + link.LastError().Text();
+    return;
+  }
+  if (const std::size_t at = outcome.reason.find(kLeftStopped); at != std::string::npos) {
+    outcome.reason.replace(at, kLeftStopped.size(),
+                           "The controller's program was stopped for this clone and has been started again.");
+  }
 }
 
 }  // namespace kv

@@ -16,10 +16,10 @@ namespace kv {
 // create may begin.
 [[nodiscard]] bool IsStartWanted(Prompts& prompts, const std::string& controller, char state);
 
-// After a create that failed with the program stopped: offers to start it, also after a stop by the user. What is to be
-// told then, a sentence or more; empty when there was nothing to offer.
-[[nodiscard]] std::string OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer& pacer,
-                                     const std::string& controller);
+// After a create that failed with the program stopped: offers to start it, also after a stop by the user. `outcome`,
+// that of the create, then says what became of the program.
+void OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer& pacer, const std::string& controller,
+                CloneOutcome& outcome);
 
 // What running the program from this state means, for the question before it; empty when it is nothing special.
 [[nodiscard]] std::string RunWarning(char state);

@@ -75,7 +75,8 @@ std::vector<std::string> Warnings(const CloneInfo& info, const ManifestReport& m
     warnings.push_back(manifest.text);
   }
   if (check.controller.state == 'L') {
-    warnings.emplace_back("The controller is loading: a restore or download was cut. The restore begins the load anew.");
+    warnings.emplace_back(
+        "The controller is loading: a restore or download was cut. The restore begins the load anew.");
   }
   return warnings;
 }

@@ -92,7 +92,8 @@ void SafeCreate::KeepManifest(CloneManifest manifest) {
   manifest.madeBy = UserName();
   manifest.comment = mComment;
   if (const auto saved = SaveManifest(mFile, manifest); !saved) {
-    mManifestTrouble = "The clone is whole, but its manifest could not be kept beside it: " + saved.error().Text() + ".";
+    mManifestTrouble =
+        "The clone is whole, but its manifest could not be kept beside it: " + saved.error().Text() + ".";
   }
 }
 

@@ -23,8 +23,9 @@ class SafeCreate {
   // Stands in the manifest beside the clone, UTF-8.
   void SetComment(std::string comment) { mComment = std::move(comment); }
 
-  // Once, with an engine of its own. The controller is asked before for what the manifest tells of it. `work` is for the inspection. How it ended is told by the engine's boxes, shown
-  // when all of it is over; `prompts` is the engine's, for a name that cannot be written to.
+  // Once, with an engine of its own. The controller is asked before for what the manifest tells of it. `work` is for
+  // the inspection. How it ended is told by the engine's boxes, shown when all of it is over; `prompts` is the
+  // engine's, for a name that cannot be written to.
   void Create(clsDumpPLC& engine, Prompts& prompts, Channel& link, const CloneWork& work = {});
 
   [[nodiscard]] const CloneOutcome& Outcome() const { return mOutcome; }

@@ -86,9 +86,8 @@ void clsDumpPLC::CreateGhost(Channel& link, const std::filesystem::path& file, c
     return;
   }
   if (mHasStoppedProgram) {
-    mOutcome.reason +=
-        "\nThe controller's program was stopped for this clone and still is. It starts with the run command, when a clone "
-        "is created again, or when the controller is switched off and on.";
+    mOutcome.reason += "\n";
+    mOutcome.reason += kLeftStopped;
   }
   Show(kOperationFailed, PromptIcon::None);
   mFile.Delete();

@@ -29,6 +29,11 @@ inline constexpr std::string_view kClonerCaption = "Korvantis PLC Cloner";
 // What every failed operation of it says; the reason stands elsewhere.
 inline constexpr std::string_view kOperationFailed = "Operation Failed.";
 
+// Ends the reason of a create that has left the program stopped.
+inline constexpr std::string_view kLeftStopped =
+    "The controller's program was stopped for this clone and still is. It starts with the run command, when a clone is "
+    "created again, or when the controller is switched off and on.";
+
 // Copies the memory of a controller into a clone file, and a clone file into a controller.
 //
 //   idle -> creating  -> done

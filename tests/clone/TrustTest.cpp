@@ -45,7 +45,9 @@ struct Trust : ::testing::Test {
 
   CloneInfo Create(PromptAnswer mayStop = PromptAnswer::Yes) {
     struct : KnowingPrompts {
-      PromptAnswer Show(const MessageBox& box) override { return HasButton(box.buttons, answer) ? answer : PromptAnswer::Ok; }
+      PromptAnswer Show(const MessageBox& box) override {
+        return HasButton(box.buttons, answer) ? answer : PromptAnswer::Ok;
+      }
       PromptAnswer answer = PromptAnswer::Yes;
     } prompts;
     prompts.answer = mayStop;
@@ -98,10 +100,14 @@ TEST_F(Trust, AManifestThatWasDamagedIsNotUsed) {
     EXPECT_FALSE(ParseManifest(good.substr(0, cut))) << good.substr(0, cut);
   }
   const std::tuple<const char*, const char*, const char*> rows[] = {
-      {"Length\t", "Length\t-", "\"Length\" cannot"}, {"SHA-256\t", "SHA-256\tg", "\"SHA-256\" cannot"},
-      {"Unit\t1", "Unit\t256", "\"Unit\" cannot"},    {"stopped", "asleep", "\"Program\" cannot"},
-      {"Segment\tOP\tR", "Segment\tOP\tX", "\"Segment\" cannot"}, {"End\t7", "End\t8", "segments are missing"},
-      {"Model\t", "Modell\t", "\"Model\" must stand"}, {"Unit\t1\r\n", "Unit\t1\r\nUnit\t1\r\n", "\"Unit\" must stand"}};
+      {"Length\t", "Length\t-", "\"Length\" cannot"},
+      {"SHA-256\t", "SHA-256\tg", "\"SHA-256\" cannot"},
+      {"Unit\t1", "Unit\t256", "\"Unit\" cannot"},
+      {"stopped", "asleep", "\"Program\" cannot"},
+      {"Segment\tOP\tR", "Segment\tOP\tX", "\"Segment\" cannot"},
+      {"End\t7", "End\t8", "segments are missing"},
+      {"Model\t", "Modell\t", "\"Model\" must stand"},
+      {"Unit\t1\r\n", "Unit\t1\r\nUnit\t1\r\n", "\"Unit\" must stand"}};
   for (const auto& [from, to, error] : rows) {
     std::string text = good;
     text.replace(text.find(from), std::string(from).size(), to);

@@ -66,7 +66,8 @@ PromptAnswer ConsolePrompts::Show(const MessageBox& box) {
     mOut << ButtonName(least) << " (" << mAnswers.noFlag << ")\n" << std::flush;
     return least;
   }
-  const auto typed = Type(false, std::string(ButtonName(least)) + " (nobody to ask; " + mAnswers.yesFlag + " consents)");
+  const auto typed =
+      Type(false, std::string(ButtonName(least)) + " (nobody to ask; " + mAnswers.yesFlag + " consents)");
   return typed && IsConsent(*typed) ? Consent(box.buttons) : least;
 }
 

@@ -14,9 +14,9 @@ namespace kv {
 
 // What the user has answered beforehand, by flags and arguments.
 struct ConsoleAnswers {
-  bool yes = false;                          // consents to every message box, overwriting among them
-  bool no = false;                           // answers every question with its least committing button
-  std::string yesFlag = "--yes";             // how the user says so beforehand, for the texts
+  bool yes = false;               // consents to every message box, overwriting among them
+  bool no = false;                // answers every question with its least committing button
+  std::string yesFlag = "--yes";  // how the user says so beforehand, for the texts
   std::string noFlag = {};
   std::optional<std::string> password = {};  // answers the boxes that ask for a secret
   std::deque<std::string> openFiles = {};    // paths for the open dialogs, in the order in which they come
