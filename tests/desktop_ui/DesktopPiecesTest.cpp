@@ -140,6 +140,7 @@ TEST(ScrollPageTest, ADialogFollowsItsContentAsFarAsTheScreenGoes) {
   row->setMinimumHeight(100);
   EXPECT_TRUE(WaitUntil([&] { return dialog.height() < 300; })) << dialog.height();
   row->setMinimumHeight(400);
+  dialog.resize(dialog.width() + 20, dialog.height());  // before the content has been heard of
   EXPECT_TRUE(WaitUntil([&] { return dialog.height() > 400 && fits(); })) << dialog.height();
   row->setMinimumHeight(3000);
   EXPECT_TRUE(WaitUntil([&] { return dialog.height() == room; })) << dialog.height();

@@ -3,7 +3,6 @@
 #include <QEvent>
 #include <QScrollBar>
 #include <algorithm>
-#include <utility>
 
 #include "desktop/ui/WindowGeometry.h"
 
@@ -39,19 +38,15 @@ bool ScrollPage::eventFilter(QObject* watched, QEvent* event) {
   return QScrollArea::eventFilter(watched, event);
 }
 
-void ScrollPage::resizeEvent(QResizeEvent* event) {
-  QScrollArea::resizeEvent(event);
-  mHeight = AskedHeight();  // a width of the user's choice changes nothing of the window's height
-}
-
 int ScrollPage::AskedHeight() const {
-  return std::max(widget()->sizeHint().height(), widget()->heightForWidth(viewport()->width()));
+  // Before the window has its size, the viewport is narrower than any content.
+  const int width = std::max(viewport()->width(), widget()->minimumSizeHint().width());
+  return std::max(widget()->sizeHint().height(), widget()->heightForWidth(width));
 }
 
 void ScrollPage::FollowContent() {
   updateGeometry();
-  const int asked = AskedHeight();
-  const int change = asked - std::exchange(mHeight, asked);
+  const int change = AskedHeight() - viewport()->height();
   if (!isVisible() || change == 0 || window()->windowType() != Qt::Dialog || window()->isMaximized()) return;
   const int height = std::min(window()->height() + change, RoomFor(*window()).height());
   window()->resize(window()->width(), std::max(height, window()->minimumSizeHint().height()));

@@ -16,13 +16,10 @@ class ScrollPage final : public QScrollArea {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
-  void resizeEvent(QResizeEvent* event) override;
 
  private:
   [[nodiscard]] int AskedHeight() const;
   void FollowContent();
-
-  int mHeight = 0;  // that the content asked for last
 };
 
 }  // namespace kv
