@@ -66,6 +66,19 @@ TEST(ConsolePacerDeathTest, ItsEndGivesTheSignalBack) {
   };
   EXPECT_EXIT(after(), testing::KilledBySignal(SIGINT), "");
 }
+
+// Started with nohup a program is meant to outlive its terminal.
+TEST(ConsolePacer, TheLossOfTheTerminalIsAStopRequestUnlessItIsIgnored) {
+  for (const bool isIgnored : {false, true}) {
+    const auto before = std::signal(SIGHUP, isIgnored ? SIG_IGN : SIG_DFL);
+    {
+      ConsolePacer pacer;
+      std::raise(SIGHUP);
+      EXPECT_EQ(pacer.StopRequested(), !isIgnored);
+    }
+    std::signal(SIGHUP, before);
+  }
+}
 #endif
 
 }  // namespace
