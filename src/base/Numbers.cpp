@@ -1,8 +1,10 @@
 #include "base/Numbers.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <system_error>
 
@@ -22,6 +24,11 @@ std::optional<Number> ParseWhole(std::string_view text, Form... form) {
   const auto [stop, error] = std::from_chars(text.data(), end, value, form...);
   if (error != std::errc{} || stop != end) return std::nullopt;
   return value;
+}
+
+// Of a number in scientific form.
+std::ptrdiff_t DigitsOfMantissa(std::string_view number) {
+  return std::ranges::count_if(number.substr(0, number.find('e')), [](char c) { return c >= '0' && c <= '9'; });
 }
 
 }  // namespace
@@ -55,12 +62,13 @@ void AppendHex(std::string& text, std::uint32_t value, std::size_t digits) {
 std::string FloatText(float value) {
   if (std::isnan(value)) return "nan";
   std::array<char, kFloatTextLimit> text;
-  const auto shortest = std::to_chars(text.data(), text.data() + text.size(), value);
-  double decimal = 0;
-  std::from_chars(text.data(), shortest.ptr, decimal);
-  const auto rounded =
-      std::to_chars(text.data(), text.data() + text.size(), decimal, std::chars_format::general, kFloatDigits);
-  return std::string(text.data(), rounded.ptr);
+  char* end = text.data() + text.size();
+  const char* shortest = std::to_chars(text.data(), end, value, std::chars_format::scientific).ptr;
+  // Only a text with too many digits is rounded, and then the value itself: a text has been rounded before.
+  double shown = value;
+  const bool isShort = DigitsOfMantissa({text.data(), shortest}) <= kFloatDigits;
+  if (isShort) std::from_chars(text.data(), shortest, shown);
+  return std::string(text.data(), std::to_chars(text.data(), end, shown, std::chars_format::general, kFloatDigits).ptr);
 }
 
 }  // namespace kv

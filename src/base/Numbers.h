@@ -19,9 +19,9 @@ namespace kv {
 // The same behind what `text` holds: for texts of many numbers.
 void AppendHex(std::string& text, std::uint32_t value, std::size_t digits);
 
-// The shortest decimal that reads back as the value, rounded to 7 significant digits where it has more, in the general
-// form without trailing zeros: "0.1", "1234567", and with an exponent from 1e+07 upward and below 0.0001:
-// "1.234568e+07", "1e-05". Not a number is "nan", the infinities are "inf" and "-inf".
+// The shortest decimal that reads back as the value; where that has more than 7 significant digits, the value itself
+// rounded to 7. In the general form without trailing zeros: "0.1", "1234567", and with an exponent from 1e+07 upward
+// and below 0.0001: "1.234568e+07", "1e-05". Not a number is "nan", the infinities are "inf" and "-inf".
 [[nodiscard]] std::string FloatText(float value);
 
 }  // namespace kv
