@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "dataview/files/Csv.h"
+#include "dataview/files/OperandCsv.h"
 
 namespace {
 
@@ -31,7 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size == 0 || !WhyNoSeparator(static_cast<char>(data[0])).empty()) return 0;
   const char separator = static_cast<char>(data[0]);
   const std::string_view bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
-  (void)ParseGridCsv(bytes, separator);
+  (void)ParseOperandCsv(bytes, separator, CsvForm::Grid);
+  (void)ParseOperandCsv(bytes, separator, CsvForm::Values);
   const auto records = ReadCsv(bytes, separator);
   if (!records) return 0;
 

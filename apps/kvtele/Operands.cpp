@@ -74,7 +74,7 @@ std::optional<std::int32_t> ParseAddress(const std::string& text) {
 }  // namespace
 
 std::expected<OperandTypeCode, Failure> ParseType(const std::string& name) {
-  const auto type = TypeFromName(UpperCased(name));
+  const auto type = TypeFromName(name);
   if (type) return *type;
   return std::unexpected(UsageFailure("there is no operand type \"" + name + "\"",
                                       "use one of " + AllTypeNames() + "; a minus may stand for the blank"));

@@ -4,11 +4,9 @@
 #include <utility>
 
 #include "apps/kvtele/Values.h"
-#include "base/Numbers.h"
-#include "base/Texts.h"
 #include "dataview/OperandCatalogue.h"
-#include "dataview/ValueRange.h"
-#include "dataview/files/Csv.h"
+#include "dataview/ValueEntry.h"
+#include "dataview/files/OperandCsv.h"
 
 namespace kv::cli {
 
@@ -17,8 +15,6 @@ using namespace mdlDataTypesView;
 namespace {
 
 constexpr char kSeparator = ',';
-constexpr std::string_view kHeading = "Operand Type";
-constexpr std::size_t kFields = 3;
 
 using Operand = std::pair<OperandTypeCode, std::int64_t>;
 
@@ -33,48 +29,26 @@ std::string OperandText(const Operand& operand) {
   return std::string(TypeName(operand.first)) + " " + std::to_string(operand.second);
 }
 
-// Reads the lines of one file.
-class ValuesParser {
- public:
-  explicit ValuesParser(const std::string& file) : mFile(file) {}
+std::unexpected<Failure> Bad(const std::string& file, std::size_t line, const std::string& what) {
+  return std::unexpected(BadFileFailure(file, (line == 0 ? "" : "line " + std::to_string(line) + ": ") + what, {}));
+}
 
-  std::expected<Values, Failure> Parse(std::string_view bytes) {
-    const auto records = ReadCsv(bytes, kSeparator);
-    if (!records) return Bad(records.error().line, records.error().what);
-    for (const CsvRecord& record : *records) {
-      if (record.line == 1 && record.fields.front() == kHeading) continue;
-      if (const auto taken = Take(record); !taken) return std::unexpected(taken.error());
-    }
-    return std::move(mValues);
+// A cell of a grid that is empty says nothing of its operand.
+Values ByOperand(std::vector<OperandValue> read) {
+  Values values;
+  for (OperandValue& each : read) {
+    if (!each.text.empty())
+      values.try_emplace({each.type, each.address}, Value{std::move(each.text), each.line, false});
   }
-
-  [[nodiscard]] std::unexpected<Failure> Bad(std::size_t line, const std::string& what) const {
-    return std::unexpected(BadFileFailure(mFile, (line == 0 ? "" : "line " + std::to_string(line) + ": ") + what, {}));
-  }
-
- private:
-  std::expected<void, Failure> Take(const CsvRecord& record) {
-    if (record.fields.size() != kFields) {
-      return Bad(record.line, "expected an operand type, an address and a value, separated by commas");
-    }
-    const auto type = TypeFromName(UpperCased(TrimBlanks(record.fields[0])));
-    if (!type) return Bad(record.line, "there is no operand type \"" + record.fields[0] + "\"");
-    const auto address = ParseInteger(TrimBlanks(record.fields[1]));
-    if (!address) return Bad(record.line, "\"" + record.fields[1] + "\" is no operand address");
-    const Operand operand{*type, *address};
-    const auto [before, isNew] =
-        mValues.try_emplace(operand, Value{std::string(TrimBlanks(record.fields[2])), record.line, false});
-    if (isNew) return {};
-    return Bad(record.line, OperandText(operand) + " is in line " + std::to_string(before->second.line) + " too");
-  }
-
-  const std::string& mFile;
-  Values mValues;
-};
+  return values;
+}
 
 // Where in the file and why a value cannot be written.
 std::expected<void, Failure> CheckValue(const std::string& file, const Operand& operand, const Value& value,
                                         std::string_view model) {
+  if (auto fault = DaysFault(operand.first, model, value.text); !fault.empty()) {
+    return Bad(file, value.line, OperandText(operand) + ": " + fault);
+  }
   auto legal = CheckValues(operand.first, model, std::span(&value.text, 1));
   if (legal) return legal;
   Failure failure =
@@ -111,7 +85,7 @@ std::expected<void, Failure> TakeRegion(const Region& region, const std::string&
 }  // namespace
 
 std::string PrintValues(std::span<const RegionRow> rows, std::span<const std::vector<std::string>> texts) {
-  std::string text = std::string(kHeading) + ",Address,Value\n";
+  std::string text = std::string(kValuesHeading) + "\n";
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const Region& region = rows[i].region;
     for (std::size_t operand = 0; operand < texts[i].size(); ++operand) {
@@ -125,16 +99,17 @@ std::string PrintValues(std::span<const RegionRow> rows, std::span<const std::ve
 
 std::expected<ValuesToWrite, Failure> ParseValues(std::string_view bytes, const std::string& file,
                                                   std::span<const RegionRow> rows, std::string_view model) {
-  ValuesParser parser(file);
-  auto values = parser.Parse(bytes);
-  if (!values) return std::unexpected(values.error());
+  auto read = ParseOperandCsv(bytes, kSeparator, CsvForm::Values);
+  if (!read) return Bad(file, read.error().line, read.error().what);
+  Values values = ByOperand(std::move(read->values));
   ValuesToWrite out;
+  out.leftOut = read->LeftOutText();
   for (const RegionRow& row : rows) {
-    const auto taken = TakeRegion(row.region, file, model, *values, out);
+    const auto taken = TakeRegion(row.region, file, model, values, out);
     if (!taken) return std::unexpected(taken.error());
   }
-  for (const auto& [operand, value] : *values) {
-    if (!value.isInRegion) return parser.Bad(value.line, OperandText(operand) + " is in none of the regions");
+  for (const auto& [operand, value] : values) {
+    if (!value.isInRegion) return Bad(file, value.line, OperandText(operand) + " is in none of the regions");
   }
   return out;
 }

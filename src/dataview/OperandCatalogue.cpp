@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Texts.h"
 #include "dataview/TypeTable.h"
 #include "models/ModelCatalogue.h"
 
@@ -25,7 +26,7 @@ constexpr std::array kBit16Formats = {Ascii, Hex, Decimal, Unsigned};
 constexpr std::array kBit32Formats = {Ascii, Hex, Decimal, Unsigned, Float};
 
 bool SameName(std::string_view name, std::string_view typed) {
-  return std::ranges::equal(name, typed, [](char n, char t) { return n == t || (n == ' ' && t == '-'); });
+  return std::ranges::equal(name, UpperCased(typed), [](char n, char t) { return n == t || (n == ' ' && t == '-'); });
 }
 
 std::int32_t CountFor(const GroupCounts& counts, std::string_view model) {

@@ -15,7 +15,7 @@ namespace kv::mdlDataTypesView {
 // The name that grids and region files show, for example "TIMER PRESET"; empty for a code that is no type.
 [[nodiscard]] std::string_view TypeName(OperandTypeCode type);
 
-// The type with this name; upper and lower case differ, and a minus may stand for the blank ("TIMER-PRESET").
+// The type with this name; in either case, and a minus may stand for the blank ("TIMER-PRESET").
 [[nodiscard]] std::optional<OperandTypeCode> TypeFromName(std::string_view name);
 
 // "1 BIT", "8 BIT", "16 BIT", "32 BIT"; empty for any other code.

@@ -70,4 +70,13 @@ bool IsLegalTransfer(OperandTypeCode type, std::string_view model, std::string_v
   return IsLegalEntry(type, model, text) || (type == OperandTypeCode::MF && IsNoNumber(text));
 }
 
+std::string DaysFault(OperandTypeCode type, std::string_view model, std::string_view text) {
+  const bool isTime = type == OperandTypeCode::TimerPreset || type == OperandTypeCode::TimerCurrent;
+  const auto number = isTime && !IsCompactDriverModel(model) ? ParseSingle(text) : std::nullopt;
+  if (!number || *number == 0.0F) return {};
+  return "\"" + std::string(text) +
+         "\" may be a number of days, which office programs make of times; a time as a text was expected, such as "
+         "00:01:02.50: format the cells as text";
+}
+
 }  // namespace kv::mdlDataTypesView

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "dataview/OperandTypes.h"
@@ -18,5 +19,9 @@ namespace kv::mdlDataTypesView {
 // Whether a grid that was exported or copied may have had the text there: beside the entries, what a controller tells
 // and takes from nobody.
 [[nodiscard]] bool IsLegalTransfer(OperandTypeCode type, std::string_view model, std::string_view text);
+
+// Why the text of a file is not taken as a time: a plain number there is what office programs make of a time, in days,
+// and would be read as hours. Empty for other texts and types, for 0, and where the model's times are milliseconds.
+[[nodiscard]] std::string DaysFault(OperandTypeCode type, std::string_view model, std::string_view text);
 
 }  // namespace kv::mdlDataTypesView

@@ -72,7 +72,35 @@ TEST(ExportImport, EmptiesCellsThatAreEmptyInTheFile) {
   const auto imported = ImportCsv(file, bench.store, ',');
   ASSERT_TRUE(imported);
   EXPECT_EQ(TextsOf(imported->cells), "1:0=1 2:0=1 2:2= ");
-  EXPECT_THAT(imported->note, HasSubstr("1 line of the file"));
+  EXPECT_EQ(imported->note, "Left out: 1 line without values.");
+}
+
+TEST(ExportImport, TakesTheValuesOfRegionsByTheirAddresses) {
+  Bench bench;
+  const auto file =
+      bench.folder.Put("values.csv", "Operand Type,Address,Value\nMI,31,0\nmi,2,7\nTIMER PRESET,3,00:00:02.00\n");
+  const auto imported = ImportCsv(file, bench.store, ',');
+  ASSERT_TRUE(imported);
+  EXPECT_EQ(TextsOf(imported->cells), "2:31=0 13:3=00:00:02.00 ");
+}
+
+// Office programs keep times as parts of a day; read as text, "1" is an hour and "0.5" five minutes.
+TEST(ExportImport, TakesNoNumberForATime) {
+  Bench bench;
+  const OperandStore compact("Q50");
+  const auto whyNot = [](const auto& imported) { return imported ? std::string() : imported.error().reason; };
+  const auto sheet = bench.folder.Path() / "t.xls";
+  for (const std::string text : {"1", "0.5", "7", "0", "1:30"}) {
+    const bool isTaken = text == "0" || text == "1:30";
+    const auto csv = ImportCsv(bench.folder.Put("t.csv", "\nTIMER PRESET," + text), bench.store, ',');
+    EXPECT_EQ(csv.has_value(), isTaken) << text;
+    EXPECT_THAT(whyNot(csv), HasSubstr(isTaken ? "" : "line 2: \"" + text + "\" may be a number of days"));
+    SheetTable table;
+    table.rows = {{CellOf("Address"), CellOf("TIMER CURRENT")}, {CellOf("0"), CellOf(text)}};
+    ASSERT_TRUE(WriteSheet(sheet, table));
+    EXPECT_THAT(whyNot(ImportSpreadsheet(sheet, bench.store)), HasSubstr(isTaken ? "" : "cell B2: \"" + text));
+    EXPECT_TRUE(ImportSpreadsheet(sheet, compact)) << "milliseconds";
+  }
 }
 
 TEST(ExportImport, RefusesAFileAsAWhole) {

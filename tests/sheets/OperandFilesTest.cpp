@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "dataview/files/Csv.h"
+#include "dataview/files/OperandCsv.h"
 #include "dataview/files/OperandSheet.h"
 #include "tests/base/TemporaryFolder.h"
 
@@ -76,46 +76,75 @@ TEST(CsvTest, EachSeparatorBringsEachFieldBack) {
   }
 }
 
+using Values = std::vector<OperandValue>;
+
 TEST(CsvTest, TheGridIsALineForEachType) {
-  const TypeTexts rows[] = {{MB, {"0", "1", ""}, 0}, {TimerPreset, {"00:00:01.00"}, 0}, {MF, {"nan", "1.5"}, 0}};
+  const TypeTexts rows[] = {{MB, {"0", "1", ""}}, {TimerPreset, {"00:00:01.00"}}, {MF, {"nan", "1.5"}}};
   const std::string file = PrintGridCsv(rows, ';');
   EXPECT_EQ(file,
             "Operand Type;0;1;2\r\n"
             "MB;0;1;\r\n"
             "TIMER PRESET;00:00:01.00\r\n"
             "MF;nan;1.5\r\n");
-  const auto read = ParseGridCsv(file, ';');
+  const auto read = ParseOperandCsv(file, ';', CsvForm::Grid);
   ASSERT_TRUE(read);
-  ASSERT_EQ(read->rows.size(), 3U);
-  for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(read->rows[i], (TypeTexts{rows[i].type, rows[i].texts, i + 2}));
+  EXPECT_EQ(read->values, (Values{{MB, 0, "0", 2},
+                                  {MB, 1, "1", 2},
+                                  {MB, 2, "", 2},
+                                  {TimerPreset, 0, "00:00:01.00", 3},
+                                  {MF, 0, "nan", 4},
+                                  {MF, 1, "1.5", 4}}));
 }
 
 TEST(CsvTest, LinesBelongToTheTypeTheyNameOrToTheirRow) {
-  const auto read = ParseGridCsv(
+  const auto read = ParseOperandCsv(
       "Operand Type,0,1\n"
-      "MB,1,0\n"    // 2
+      "mb, 1 ,0\n"  // 2: in either case, blanks aside
       "\n"          // stands for no row
-      "x,7\n"       // 4: the second row, MI
+      ",7\n"        // 4: the second row, MI
       "only\n"      // 5: a single field; stands for MF
       "y,text,5\n"  // 6: no value; stands for ML
-      "z,,8\n"      // 7: DW
+      "5,,8\n"      // 7: DW
       "XI,-1\n"     // 8: named
-      "MB,,\n"      // 9: no value
-      "w,9\n",      // 10: the eighth, SI
-      ',');
-  ASSERT_TRUE(read);
-  EXPECT_EQ(read->rows,
-            (std::vector<TypeTexts>{
-                {MB, {"1", "0"}, 2}, {MI, {"7"}, 4}, {DW, {"", "8"}, 7}, {XI, {"-1"}, 8}, {SI, {"9"}, 10}}));
-  EXPECT_EQ(read->leftOut, (std::vector<std::size_t>{5, 6, 9}));
+      "XB,,\n"      // 9: no value
+      ",9\n",       // 10: the eighth, SI
+      ',', CsvForm::Grid);
+  ASSERT_TRUE(read) << read.error().what;
+  EXPECT_EQ(read->values, (Values{{MB, 0, "1", 2},
+                                  {MB, 1, "0", 2},
+                                  {MI, 0, "7", 4},
+                                  {DW, 0, "", 7},
+                                  {DW, 1, "8", 7},
+                                  {XI, 0, "-1", 8},
+                                  {SI, 0, "9", 10}}));
+  EXPECT_EQ(
+      read->LeftOutText(),
+      "Left out: line 5 (\"only\" is all that it holds), line 6 (\"text\" is no value) and 1 line without values.");
 
-  EXPECT_FALSE(ParseGridCsv("Address,MB,MI\n0,1,-5\n", ','));  // a spreadsheet saved as CSV: lines are addresses
-  std::string tooMany = "\nOperand Type,0\n";                  // a heading is none of the data wherever it stands
-  for (int row = 0; row < kOperandTypeCount + 1; ++row) tooMany += "x,1\n";
-  const auto past = ParseGridCsv(tooMany, ',');
+  std::string tooMany = "\nOperand Type,0\n";  // a heading is none of the data wherever it stands
+  for (int row = 0; row < kOperandTypeCount + 1; ++row) tooMany += ",1\n";
+  const auto past = ParseOperandCsv(tooMany, ',', CsvForm::Grid);
   ASSERT_TRUE(past);
-  EXPECT_EQ(past->rows.back(), (TypeTexts{XDW, {"1"}, 24}));
-  EXPECT_EQ(past->leftOut, (std::vector<std::size_t>{25}));
+  EXPECT_EQ(past->values.back(), (OperandValue{XDW, 0, "1", 24}));
+  EXPECT_EQ(past->LeftOutText(), "Left out: line 25 (it stands behind the last operand type).");
+}
+
+TEST(CsvTest, WhatCouldLandAtAnotherOperandIsRefused) {
+  const std::tuple<const char*, CsvForm, std::size_t, const char*> cases[] = {
+      {"Address,MB,MI\n0,1,-5\n", CsvForm::Grid, 1, "its lines stand for addresses"},
+      {"Operand Type,0\nMX,1\n", CsvForm::Grid, 2, "no operand type \"MX\""},
+      {"Operand Type,0\nMF;1,5\n", CsvForm::Grid, 2, "the separator with which the file was written"},
+      {"Operand Type,0\nMI,1\nmi,2\n", CsvForm::Grid, 3, "MI is in line 2 too"},
+      {"operand type,address,value\nMI,0,31,5\n", CsvForm::Grid, 2, "three fields were expected"},
+      {"MI,0,31\nMI,0,32\n", CsvForm::Values, 2, "MI 0 is in line 1 too"},
+      {"Operand Type,0,1\nMI,7\nMI,8\n", CsvForm::Values, 3, "MI is in line 2 too"},
+  };
+  for (const auto& [bytes, otherwise, line, why] : cases) {
+    const auto read = ParseOperandCsv(bytes, ',', otherwise);
+    ASSERT_FALSE(read) << bytes;
+    EXPECT_EQ(read.error().line, line) << bytes;
+    EXPECT_THAT(read.error().what, HasSubstr(why));
+  }
 }
 
 SheetTable Sheet(std::initializer_list<std::vector<const char*>> rows) {
@@ -154,7 +183,6 @@ TEST(OperandSheetTest, RefusesWhatCouldLandInTheWrongPlace) {
       {Sheet({{"Address", "MB"}, {"1.5", "1"}}), "cell A2: the address of an operand was expected"},
       {Sheet({{"Address", "MB"}, {"1", "1"}, {"1", "0"}}), "cell A3: the same address is in A2"},
       {Sheet({{"Address", "MB"}, {"1", "1", "5"}}), "cell C2: its column has no heading"},
-      {Sheet({{"Address", "TIMER PRESET"}, {"1", "0.000723"}}), "cell B2: a time as a text was expected"},
   };
   for (const auto& [sheet, why] : cases) {
     const auto read = ParseOperandSheet(sheet);

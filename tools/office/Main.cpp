@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/PathText.h"
-#include "dataview/files/Csv.h"
+#include "dataview/files/OperandCsv.h"
 #include "dataview/files/OperandSheet.h"
 
 namespace {
@@ -55,13 +55,21 @@ int Write(const std::filesystem::path& folder, const std::filesystem::path& temp
   return good ? 0 : 1;
 }
 
-std::vector<TypeTexts> ReadValues(const std::filesystem::path& file) {
-  if (file.extension() == ".csv") {
-    const auto content = ReadWholeFile(file, kLargestCsvFile);
-    const auto grid = content ? ParseGridCsv(*content, ',') : std::unexpected(CsvFault{0, content.error().what});
-    if (!grid) std::printf("    not taken: line %zu, %s\n", grid.error().line, grid.error().what.c_str());
-    return grid ? grid->rows : std::vector<TypeTexts>();
+std::vector<TypeTexts> ReadCsvValues(const std::filesystem::path& file) {
+  const auto content = ReadWholeFile(file, kLargestCsvFile);
+  const auto csv =
+      content ? ParseOperandCsv(*content, ',', CsvForm::Grid) : std::unexpected(CsvFault{0, content.error().what});
+  if (!csv) std::printf("    not taken: line %zu, %s\n", csv.error().line, csv.error().what.c_str());
+  std::vector<TypeTexts> types;
+  for (const OperandValue& value : csv.value_or(OperandCsv()).values) {
+    if (types.empty() || types.back().type != value.type) types.push_back({value.type, {}});
+    types.back().texts.push_back(value.text);
   }
+  return types;
+}
+
+std::vector<TypeTexts> ReadValues(const std::filesystem::path& file) {
+  if (file.extension() == ".csv") return ReadCsvValues(file);
   const auto sheet = ReadSheet(file);
   const auto values = sheet ? ParseOperandSheet(*sheet) : std::unexpected(sheet.error());
   if (!values) std::printf("    not taken: %s: %s\n", values.error().place.c_str(), values.error().what.c_str());

@@ -2,14 +2,11 @@
 
 #include <cstddef>
 #include <expected>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "dataview/files/TypeTexts.h"
-
-// Tables as text, with one separator between the fields of a line, and the form in which the operand grid stands there.
+// Tables as text, with one separator between the fields of a line.
 namespace kv::mdlDataTypesView {
 
 // As much as is read of any file; the grid of the largest model takes a fraction of it.
@@ -55,20 +52,5 @@ class CsvWriter {
 // field encloses it up to the next single quote; elsewhere it is a character as others are. The bytes are UTF-8 where
 // they have a byte-order mark or can be nothing else, else Windows-1252.
 [[nodiscard]] std::expected<std::vector<CsvRecord>, CsvFault> ReadCsv(std::string_view bytes, char separator);
-
-// The operand grid as a file: a heading line "Operand Type", 0, 1, 2 ..., then a line per row: the type's name and its
-// texts.
-[[nodiscard]] std::string PrintGridCsv(std::span<const TypeTexts> rows, char separator);
-
-struct GridCsv {
-  std::vector<TypeTexts> rows = {};       // an empty text among them empties its cell
-  std::vector<std::size_t> leftOut = {};  // the lines that were not taken
-};
-
-// The first line is no data. Each line after it belongs to the type that its first field names, or where that is no
-// type's name, to the type of the grid row that it stands for: the first to MB, the next to MI, and so on. Not taken
-// are a line with a single field, a line whose first text is not a value (a number or a time, "nan", "inf"), and a line
-// past the last type; such a line stands for its row all the same. An empty line stands for none.
-[[nodiscard]] std::expected<GridCsv, CsvFault> ParseGridCsv(std::string_view bytes, char separator);
 
 }  // namespace kv::mdlDataTypesView

@@ -7,7 +7,8 @@
 #include "base/PathText.h"
 #include "dataview/GridSelection.h"
 #include "dataview/OperandCatalogue.h"
-#include "dataview/files/Csv.h"
+#include "dataview/ValueEntry.h"
+#include "dataview/files/OperandCsv.h"
 #include "dataview/files/OperandSheet.h"
 #include "dataview/sheets/SheetFile.h"
 #include "link/LinkTexts.h"
@@ -38,14 +39,16 @@ class Changes {
  public:
   explicit Changes(const OperandStore& store) : mStore(store) {}
 
-  // What is wrong with the place of the text; empty when it was taken.
+  // Why the text cannot be taken there; empty when it was.
   [[nodiscard]] std::string Put(OperandTypeCode type, std::int64_t address, std::string&& text) {
     if (address < 0 || address >= mStore.CountOf(type)) {
       return text.empty() ? std::string() : NoSuchOperand(type, address);
     }
     const auto cell = static_cast<std::int32_t>(address);
-    if (mStore.Text(type, cell) != text) mCells.push_back({type, cell, std::move(text)});
-    return {};
+    if (mStore.Text(type, cell) == text) return {};
+    std::string fault = DaysFault(type, mStore.Model(), text);
+    if (fault.empty()) mCells.push_back({type, cell, std::move(text)});
+    return fault;
   }
   [[nodiscard]] std::vector<CellAssignment> Take() { return std::move(mCells); }
 
@@ -62,7 +65,7 @@ std::vector<TypeTexts> TextsOf(const OperandStore& store) {
   std::vector<TypeTexts> types;
   for (std::int32_t code = 1; code <= kOperandTypeCount; ++code) {
     const OperandTypeCode type = TypeOfRow(code);
-    types.push_back({type, store.Texts({0, store.CountOf(type) - 1, type}), 0});
+    types.push_back({type, store.Texts({0, store.CountOf(type) - 1, type})});
   }
   return types;
 }
@@ -77,13 +80,10 @@ struct Finding {
   std::string what;
 };
 
-std::optional<Finding> TakeCsv(std::vector<TypeTexts> rows, Changes& changes) {
-  for (TypeTexts& row : rows) {
-    std::int64_t address = 0;
-    for (std::string& text : row.texts) {
-      std::string fault = changes.Put(row.type, address++, std::move(text));
-      if (!fault.empty()) return Finding{LinePlace(row.line), std::move(fault)};
-    }
+std::optional<Finding> TakeCsv(std::vector<OperandValue> values, Changes& changes) {
+  for (OperandValue& value : values) {
+    std::string fault = changes.Put(value.type, value.address, std::move(value.text));
+    if (!fault.empty()) return Finding{LinePlace(value.line), std::move(fault)};
   }
   return std::nullopt;
 }
@@ -94,12 +94,6 @@ std::optional<Finding> TakeSheet(std::vector<SheetValue> values, Changes& change
     if (!fault.empty()) return Finding{"cell " + CellPlace(value.row, value.column), std::move(fault)};
   }
   return std::nullopt;
-}
-
-// A type without any value has such a line in every export.
-std::string LeftOutText(std::size_t lines) {
-  if (lines == 0) return {};
-  return "Left out: " + std::to_string(lines) + (lines == 1 ? " line" : " lines") + " of the file without values.";
 }
 
 }  // namespace
@@ -126,17 +120,17 @@ std::expected<ImportedCells, TransferFault> ImportCsv(const fs::path& file, cons
   }
   const auto bytes = ReadWholeFile(file, kLargestCsvFile);
   if (!bytes) return Refused(kCsvImportRefused, bytes.error());
-  auto grid = ParseGridCsv(*bytes, separator);
-  if (!grid) return Refused(kCsvImportRefused, file, LinePlace(grid.error().line), grid.error().what);
-  if (grid->rows.empty()) {
+  auto csv = ParseOperandCsv(*bytes, separator, CsvForm::Grid);
+  if (!csv) return Refused(kCsvImportRefused, file, LinePlace(csv.error().line), csv.error().what);
+  if (csv->values.empty()) {
     return Refused(kCsvImportRefused, file, {},
                    "no line holds values; is it the separator with which the file was written?");
   }
   Changes changes(store);
-  if (auto finding = TakeCsv(std::move(grid->rows), changes)) {
+  if (auto finding = TakeCsv(std::move(csv->values), changes)) {
     return Refused(kCsvImportRefused, file, std::move(finding->place), std::move(finding->what));
   }
-  return ImportedCells{changes.Take(), LeftOutText(grid->leftOut.size())};
+  return ImportedCells{changes.Take(), csv->LeftOutText()};
 }
 
 std::expected<ImportedCells, TransferFault> ImportSpreadsheet(const fs::path& file, const OperandStore& store) {

@@ -11,7 +11,7 @@
 #include "dataview/files/CellAssignment.h"
 
 // All values of the operand grid to files of other programs and back. A CSV has a line for each operand type, a
-// spreadsheet a column for each, and a row for each address.
+// spreadsheet a column for each, and a row for each address. A CSV with a line an operand is taken as well.
 namespace kv::mdlDataTypesView {
 
 // Why a file was not written or taken: what the message box says, and the file, the place in it and the cause for the
@@ -37,7 +37,7 @@ struct ImportedCells {
 };
 
 // `store` says which operands there are, and what is in them. A file without any values and one with a text for an
-// operand that the model does not have are refused as a whole.
+// operand that the model does not have, or with a number for a time, are refused as a whole.
 [[nodiscard]] std::expected<ImportedCells, TransferFault> ImportCsv(const std::filesystem::path& file,
                                                                     const OperandStore& store, char separator);
 // The columns are known by the type names in the first row and may stand in any order; addresses stand in the first

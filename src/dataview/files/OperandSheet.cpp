@@ -21,10 +21,6 @@ std::size_t ColumnOf(OperandTypeCode type) {
   return static_cast<std::size_t>(type);  // the types follow the addresses in the order of their codes
 }
 
-bool IsTime(OperandTypeCode type) {
-  return type == OperandTypeCode::TimerPreset || type == OperandTypeCode::TimerCurrent;
-}
-
 // As the grid shows it; a float may have lost its exponent in the sheet.
 std::string GridText(const SheetCell& cell, OperandTypeCode type) {
   const bool isFloat = type == OperandTypeCode::MF && cell.kind == SheetCell::Kind::Number;
@@ -48,7 +44,7 @@ class OperandSheetParser {
  private:
   std::expected<void, SheetError> ReadHeadings() {
     const auto* headings = mSheet.rows.empty() || mSheet.rows.front().empty() ? nullptr : &mSheet.rows.front();
-    if (headings == nullptr || TrimBlanks(headings->front().text) != kAddressHeading) {
+    if (headings == nullptr || UpperCased(TrimBlanks(headings->front().text)) != UpperCased(kAddressHeading)) {
       return Refused(0, 0, "the heading \"Address\" was expected");
     }
     std::set<OperandTypeCode> seen;
@@ -86,9 +82,6 @@ class OperandSheetParser {
     if (!type) {
       if (cell.text.empty()) return {};
       return Refused(row, column, "its column has no heading; the name of an operand type was expected");
-    }
-    if (IsTime(*type) && cell.kind == SheetCell::Kind::Number && !ParseInteger(cell.text)) {
-      return Refused(row, column, "a time as a text was expected, such as 00:01:02.50; format the column as text");
     }
     mValues.push_back({*type, address, GridText(cell, *type), row, column});
     return {};

@@ -38,8 +38,7 @@ struct SheetValue {
 
 // The values of a sheet whose columns may have changed places and may be fewer, and whose rows may be sorted in any
 // way. Refused are a sheet whose first column is not headed "Address", a column with cells and without a type's name, a
-// type or an address that is there twice, a row with cells and without an address, and a time that an office program
-// has turned into a number. The error's file is empty.
+// type or an address that is there twice, and a row with cells and without an address. The error's file is empty.
 [[nodiscard]] std::expected<std::vector<SheetValue>, SheetError> ParseOperandSheet(const SheetTable& sheet);
 
 }  // namespace kv::mdlDataTypesView

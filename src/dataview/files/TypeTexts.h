@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -12,7 +11,6 @@ namespace kv::mdlDataTypesView {
 struct TypeTexts {
   OperandTypeCode type = OperandTypeCode::MB;
   std::vector<std::string> texts = {};
-  std::size_t line = 0;  // of the file in which they were read
 
   bool operator==(const TypeTexts&) const = default;
 };
