@@ -100,7 +100,7 @@ ToolWindows TelepanelProgram::MakeWindows(SharedState& shared) {
   };
   windows.frmDataTypesView = [this, &shared](const std::string&) {
     const auto make = [this, &shared](QWidget* parent) {
-      const mdlDataTypesView::DataTypesViewParts parts{shared, mPrompts, mPacer, mClipboard, mHexSelector};
+      const mdlDataTypesView::DataTypesViewParts parts{shared, mPrompts, mPacer, mClipboard, mHexSelector, mClock};
       return std::make_unique<frmDataTypesView>(parts, mPacer, parent);
     };
     return std::make_unique<DialogWindow>(make, WindowsFile(mPaths));

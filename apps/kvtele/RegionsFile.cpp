@@ -63,4 +63,11 @@ std::vector<Region> RegionsOf(const std::vector<RegionRow>& rows) {
   return regions;
 }
 
+void SayUnreadable(Environment& environment, const Connection& connection, std::span<const Region> regions) {
+  for (const Region& region : regions) {
+    environment.err << RegionText(region) << " cannot be read from a controller of the model " << connection.Model()
+                    << ".\n";
+  }
+}
+
 }  // namespace kv::cli

@@ -2,6 +2,7 @@
 
 #include <expected>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,5 +40,8 @@ class RegionsFile {
 };
 
 [[nodiscard]] std::vector<Region> RegionsOf(const std::vector<RegionRow>& rows);
+
+// Tells which regions cannot be read from a controller of the model; nothing for none.
+void SayUnreadable(Environment& environment, const Connection& connection, std::span<const Region> regions);
 
 }  // namespace kv::cli

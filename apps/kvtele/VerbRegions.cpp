@@ -27,12 +27,19 @@ std::expected<RowTexts, Failure> ReadRows(Environment& environment, Connection& 
                                           const std::vector<RegionRow>& rows) {
   Progress progress(environment, "reading regions", rows.size());
   RowTexts all;
+  std::vector<Region> unreadable;
   for (const RegionRow& row : rows) {
+    if (!IsReadableFrom(connection.Model(), row.region.type)) {
+      unreadable.push_back(row.region);
+      all.emplace_back();
+      continue;
+    }
     auto texts = ReadOperands(environment, connection, row.region);
     if (!texts) return std::unexpected(texts.error());
     all.push_back(*std::move(texts));
     progress.Show(all.size());
   }
+  SayUnreadable(environment, connection, unreadable);
   return all;
 }
 
@@ -101,10 +108,7 @@ std::expected<void, Failure> WriteRuns(Environment& environment, Connection& con
 
 std::expected<void, Failure> Confirm(Environment& environment, const CommonOptions& common, Connection& connection,
                                      std::size_t count) {
-  MessageBox box;
-  box.text = "Write " + CountText(count, "value") + " to " + connection.Description() + "?";
-  box.icon = PromptIcon::Question;
-  box.buttons = PromptButtons::YesNo;
+  const MessageBox box = WriteQuestion(count, connection.Description());
   if (PromptsFor(environment, common).Show(box) == PromptAnswer::Yes) return {};
   if (environment.pacer.StopRequested()) {
     return std::unexpected(InterruptedFailure("writing regions (nothing was written)"));
@@ -216,6 +220,7 @@ Outcome VerbRegions::Write(Environment& environment, const CommonOptions& common
   if (!connection) return std::unexpected(connection.error());
   Connection& controller = **connection;
   if (values.readOnly > 0) PromptsFor(environment, common).Show(ReadOnlyBox());
+  if (!values.leftOut.empty()) environment.err << values.leftOut << "\n";
   if (values.missing > 0) {
     environment.err << CountText(values.missing, "operand") << " without a value in " << mValuesFile
                     << " stay as they are.\n";

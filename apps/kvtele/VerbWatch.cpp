@@ -2,10 +2,12 @@
 
 #include <CLI/Option.hpp>
 #include <CLI/Validators.hpp>
+#include <algorithm>
 #include <chrono>
 
 #include "apps/kvtele/OperandLink.h"
 #include "apps/kvtele/RegionWatch.h"
+#include "dataview/RegionTransfer.h"
 
 namespace kv::cli {
 
@@ -14,6 +16,13 @@ namespace {
 constexpr int kMostChanges = 1'000'000'000;
 constexpr int kMostSeconds = 31'536'000;  // a year
 constexpr int kLongestPause = 3'600'000;
+
+void SetUnreadableAside(Environment& environment, const Connection& connection, std::vector<Region>& regions) {
+  const auto unreadable = std::ranges::stable_partition(
+      regions, [&](const Region& region) { return mdlDataTypesView::IsReadableFrom(connection.Model(), region.type); });
+  SayUnreadable(environment, connection, std::vector(unreadable.begin(), unreadable.end()));
+  regions.erase(unreadable.begin(), unreadable.end());
+}
 
 }  // namespace
 
@@ -48,8 +57,9 @@ Outcome VerbWatch::Run(Environment& environment, const CommonOptions& common) {
   };
   const auto connection = ConnectFor(environment, common, understand);
   if (!connection) return std::unexpected(connection.error());
+  SetUnreadableAside(environment, **connection, regions);
   if (regions.empty()) {
-    environment.err << "The file has no regions; there is nothing to watch.\n";
+    environment.err << "The file has no regions that can be read; there is nothing to watch.\n";
     return Answer{};
   }
   RegionWatch watch(environment, **connection, std::move(regions),

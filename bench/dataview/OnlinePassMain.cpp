@@ -18,6 +18,7 @@
 #include "dataview/RegionEngine.h"
 #include "dataview/ViewDesk.h"
 #include "desktop/MemoryClipboard.h"
+#include "desktop/PacerWallClock.h"
 #include "desktop/ScriptedPrompts.h"
 #include "desktop/console/ConsolePacer.h"
 #include "editors/clsHexSelector.h"
@@ -97,7 +98,7 @@ class Bench {
     mPacer.betweenPasses = [&, rest = passes]() mutable {
       if (--rest == 0) mOnline.Stop();
     };
-    mOnline.Run();
+    mOnline.Run(OnlineMode::With::Any);
     return mDesk.status.passes == static_cast<std::uint64_t>(passes);
   }
   [[nodiscard]] bool Exchange(int times) {
@@ -117,9 +118,10 @@ class Bench {
   kv::SharedState mShared{kv::ProgramPaths(std::filesystem::temp_directory_path())};
   kv::ScriptedPrompts mPrompts{[](const std::string& what) { std::fprintf(stderr, "%s\n", what.c_str()); }};
   kv::MemoryClipboard mClipboard;
+  kv::PacerWallClock mClock;
   Nobody mNobody;
   kv::clsHexSelector mSelector{mNobody};
-  ViewDesk mDesk{{mShared, mPrompts, mPacer, mClipboard, mSelector}, mNobody};
+  ViewDesk mDesk{{mShared, mPrompts, mPacer, mClipboard, mSelector, mClock}, mNobody};
   RegionEngine mEngine{mDesk};
   OnlineMode mOnline{mDesk, mEngine};
 };

@@ -82,7 +82,7 @@ void AllValues::ReadFrom(Channel& channel, const std::vector<Region>& regions) {
   aside.state.regions.Assign(std::move(rows));
 
   const PassOutcome outcome = RegionEngine(aside).ReadPass(channel);
-  if (outcome.IsWhole()) mDesk.status.linkLost = false;
+  if (outcome.IsWhole() && outcome.done > 0) mDesk.status.loss.reset();
   if (outcome.done > 0) mRead = std::move(aside.state.operands);
   SayRead(outcome, regions.size());
 }
@@ -106,9 +106,20 @@ void AllValues::Take() {
 void AllValues::Write() {
   const std::vector<Region> regions = FilledRegions();
   if (regions.empty()) return mDesk.Say("There are no values in the grid to write.");
-  if (!mEngine.IsInRange(regions) || !SaveTemporary()) return;
+  if (!mEngine.IsInRange(regions) || !IsWanted(regions) || !SaveTemporary()) return;
   const ScopeGuard removed([&] { RemoveGrids(TemporaryGridFiles(mDesk.parts.shared.paths)); });
   mEngine.Write(regions);
+}
+
+bool AllValues::IsWanted(const std::vector<Region>& regions) {
+  std::int64_t count = 0;
+  for (const Region& region : regions) count += IsWritableType(region.type) ? region.Count() : 0;
+  if (count == 0) return true;  // it is told that nothing can be written
+  MessageBox question = WriteQuestion(static_cast<std::size_t>(count), mDesk.CurrentLink());
+  question.title = mDesk.Caption();
+  if (mDesk.parts.prompts.Show(question) == PromptAnswer::Yes) return true;
+  mDesk.Say("Nothing was written.");
+  return false;
 }
 
 std::vector<Region> AllValues::FilledRegions() const {

@@ -28,7 +28,7 @@ class AllValues {
   [[nodiscard]] bool HasRead() const { return mRead.has_value(); }
   void Forget() { mRead.reset(); }
 
-  // Writes every operand of the grid that has a text, once all of them are found to be in range.
+  // Writes every operand of the grid that has a text, once all of them are found to be in range and the user agrees.
   void Write();
 
  private:
@@ -37,6 +37,7 @@ class AllValues {
   void ReadFrom(Channel& channel, const std::vector<Region>& regions);
   void SayRead(const PassOutcome& outcome, std::size_t total);
   [[nodiscard]] std::vector<Region> FilledRegions() const;
+  [[nodiscard]] bool IsWanted(const std::vector<Region>& regions);
 
   ViewDesk& mDesk;
   RegionEngine& mEngine;

@@ -20,6 +20,7 @@ std::shared_ptr<Channel> TakeChannel(ViewDesk& desk) {
 
 ChannelLease::ChannelLease(ViewDesk& desk) : mChannel(TakeChannel(desk)) {
   if (!mChannel) return;
+  desk.status.link = desk.CurrentLink();
   mChannel->SetCommandOwner("frmDataTypesView");
   mChannel->AbortComm(true);
 }

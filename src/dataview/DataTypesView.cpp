@@ -30,6 +30,7 @@ void DataTypesView::Open() {
   const bool isRecovered = RecoverInterruptedGrids(shared.paths, shared.CurrentSession);
   LoadedGrids loaded = LoadGrids(SessionGridFiles(shared.paths, shared.CurrentSession), model);
   mDesk.state = std::move(loaded.state);
+  mDesk.status.link = mDesk.CurrentLink();
   mDesk.history.Clear();
   mAll.Forget();
   mDesk.changes.operandsReplaced = true;
@@ -87,7 +88,7 @@ std::string DataTypesView::EditFault(OperandTypeCode type, std::int32_t address,
   if (!mIsOpen) return "The view is closed.";
   if (IsBusy()) return "A read or write is running: wait for its end, or cancel it.";
   if (mDesk.IsReadOnline(type, address)) {
-    return "This operand is being read on line, which would take the place of what you enter: end the on-line mode "
+    return "This operand is being watched, which would take the place of what you enter: press Watch to end that "
            "first.";
   }
   return mEdits.EntryFault(type, address, text);
@@ -97,6 +98,7 @@ bool DataTypesView::Edit(OperandTypeCode type, std::int32_t address, std::string
   std::string fault = EditFault(type, address, text);
   if (fault.empty()) {
     mEdits.Enter(type, address, text);
+    mDesk.NoteSuccess();
   } else {
     mDesk.SayError(fault);
   }
@@ -135,9 +137,20 @@ bool DataTypesView::Tell(bool result) {
 // ---- commands ----
 
 void DataTypesView::ToggleOnline() {
-  if (!IsOnline()) return mOnline.Run();
+  if (!IsOnline()) return mOnline.Run(OnlineMode::With::Any);
   mOnline.Stop();
-  mDesk.Say("The on-line mode ends with the pass that runs.");
+  mDesk.Say("Watching ends with the pass that runs.");
+}
+
+void DataTypesView::WatchAgain(bool isByItself) {
+  if (IsOnline() || !WhyNot("ID_OnLine").empty()) return;
+  mOnline.Run(isByItself ? OnlineMode::With::SameController : OnlineMode::With::Any);
+  Tell(true);
+}
+
+void DataTypesView::Refuse(std::string why) {
+  mDesk.Say(std::move(why));
+  Tell(false);
 }
 
 void DataTypesView::WriteRegions() {
@@ -148,6 +161,28 @@ void DataTypesView::WriteRegions() {
 void DataTypesView::RemoveRegion() {
   mEdits.RemoveRegions(mSelectedRegions);
   mSelectedRegions.clear();
+}
+
+// ---- whose operands these are ----
+
+std::string DataTypesView::ControllerText() const {
+  const std::string& link = mDesk.status.link;
+  return mDesk.Model() + (link.empty() ? "" : " on " + link);
+}
+
+std::string DataTypesView::OtherModel() const {
+  const RemoteHost* host = mDesk.parts.shared.Remote;
+  if (host == nullptr || host->Model() == mDesk.Model()) return {};
+  return "The model is now " + host->Model() + ", but these grids are those of " + mDesk.Model() +
+         ": close the view and open it again.";
+}
+
+std::string DataTypesView::HostDifference() const {
+  if (std::string other = OtherModel(); !other.empty()) return other;
+  const std::string link = mDesk.CurrentLink();
+  if (link == mDesk.status.link) return {};
+  return "The link is now " + link + ", but these values are those of " + mDesk.status.link +
+         ": read them again, or set the link back.";
 }
 
 // ---- marks ----
@@ -162,7 +197,20 @@ std::string DataTypesView::AgeText(std::size_t row) const {
 }
 
 double DataTypesView::ChangeMark(OperandTypeCode type, std::int32_t address) const {
-  const Instant changedAt = Operands().ChangedAt(type, address);
+  return MarkOf(Operands().ChangedAt(type, address));
+}
+
+double DataTypesView::RegionMark(std::size_t row) const {
+  if (row >= Regions().Rows().size()) return 0.0;
+  const Region& region = Regions().Rows()[row].region;
+  Instant last = Instant::min();
+  for (std::int32_t address = region.from; address <= region.to; ++address) {
+    last = std::max(last, Operands().ChangedAt(region.type, address));
+  }
+  return MarkOf(last);
+}
+
+double DataTypesView::MarkOf(Instant changedAt) const {
   if (!IsOnline() || changedAt == Instant::min()) return 0.0;
   const std::chrono::duration<double> age = mDesk.Now() - changedAt;
   return std::clamp(1.0 - age / std::chrono::duration<double>(kMarkFades), 0.0, 1.0);

@@ -67,6 +67,22 @@ class DataTypesView {
   // What is only kept: nobody is told.
   void SetLayout(std::vector<std::int32_t> regionColumnWidths, std::int32_t operandColumnWidth);
 
+  // After a loss that ended watching: "ID_OnLine" again; `isByItself` for a try that the user has not asked for, which
+  // is with the controller that was watched and no other one.
+  void WatchAgain(bool isByItself);
+  void SetWatchesAgain(bool byItself) { mOnline.SetGoesOn(byItself); }
+  [[nodiscard]] bool WatchesAgain() const { return mOnline.GoesOn(); }
+  [[nodiscard]] std::string WhyNotByItself() const { return mOnline.WhyNotGoOn(); }
+  [[nodiscard]] bool IsTryDue() const { return mOnline.IsTryDue(); }
+
+  // "K220-22-R1 on COM3, 115200 8N1, unit 1": whose operands these are, and where they came from.
+  [[nodiscard]] std::string ControllerText() const;
+  // What of it is no longer the host's, as a sentence with what to do; empty when all is.
+  [[nodiscard]] std::string HostDifference() const;
+
+  // Tells the user in the status line what he tried in vain.
+  void Refuse(std::string why);
+
   // What "ID_Undo" and "ID_Redo" would take back or do again: "Undo typing MI 5"; empty when there is nothing.
   [[nodiscard]] std::string UndoText() const { return mDesk.history.UndoText(); }
   [[nodiscard]] std::string RedoText() const { return mDesk.history.RedoText(); }
@@ -75,6 +91,8 @@ class DataTypesView {
   [[nodiscard]] std::string AgeText(std::size_t row) const;
   // How fresh a cell's last change is while on line: 1 just now, falling to 0 over the time in which marks fade.
   [[nodiscard]] double ChangeMark(OperandTypeCode type, std::int32_t address) const;
+  // The same of the last change in a row of the regions table.
+  [[nodiscard]] double RegionMark(std::size_t row) const;
 
  private:
   // A command of the tool bar: what it needs, and what it does.
@@ -107,6 +125,8 @@ class DataTypesView {
 
   [[nodiscard]] bool IsBusy() const { return mDesk.status.mode == ViewMode::Busy; }
   [[nodiscard]] bool IsOnline() const { return mDesk.status.mode == ViewMode::Online; }
+  [[nodiscard]] std::string OtherModel() const;
+  [[nodiscard]] double MarkOf(Instant changedAt) const;
   void SayLoaded(bool isRecovered, const std::vector<std::string>& notes);
   [[nodiscard]] bool SaveState();
   // Tells the listener what has changed, and hands the result on.

@@ -27,4 +27,8 @@ bool GridChanges::IsEmpty() const {
   return operands.bottom < operands.top && lastRegion < firstRegion && !regionRowsReplaced && !operandsReplaced;
 }
 
+std::string LinkLoss::Text() const {
+  return consequence.empty() ? error.Text() : error.Text() + "\n" + consequence;
+}
+
 }  // namespace kv::mdlDataTypesView

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "dataview/GridSelection.h"
+#include "link/LinkError.h"
 
 namespace kv::mdlDataTypesView {
 
@@ -23,15 +26,34 @@ struct GridChanges {
   [[nodiscard]] bool IsEmpty() const;
 };
 
+// Online: the regions are read again and again; the user is told that the view watches.
 enum class ViewMode { Idle, Busy, Online };
+
+// The controller is out of reach since a command failed, so that what is shown grows old.
+struct LinkLoss {
+  LinkError error;
+  std::string consequence = {};                    // what became of the command, as sentences
+  bool wasWatching = false;                        // the command was to watch the regions
+  std::optional<std::uint32_t> serialNumber = {};  // of the controller that was watched
+
+  // What happened, its cause, what to do, and what became of the command: a sentence a line.
+  [[nodiscard]] std::string Text() const;
+};
+
+struct LastViewError {
+  std::string text;
+  std::chrono::local_seconds at;
+};
 
 // What the status bar of the view shows.
 struct ViewStatus {
   ViewMode mode = ViewMode::Idle;
   std::string message;  // the outcome of the last command, or the last error
   bool isError = false;
-  bool linkLost = false;         // the values are as old as each region says
-  double passesPerSecond = 0.0;  // while on line
+  std::optional<LastViewError> lastError = {};  // goes with the next command that does what it was asked
+  std::optional<LinkLoss> loss = {};            // goes with the next whole read or write
+  std::string link = {};                        // where the values come from: the link of the last read or write
+  double passesPerSecond = 0.0;                 // while on line
   std::uint64_t passes = 0;
   std::size_t edited = 0;           // cells that are edited and not written
   std::size_t done = 0, total = 0;  // regions of the running read or write

@@ -87,7 +87,7 @@ bool GridEdits::Assign(std::span<const CellAssignment> cells, const std::string&
   std::string told = Counted(step.cells.size(), "cell") + " changed by " + title + ".";
   if (readOnly > 0)
     told += " " + Counted(readOnly, "cell") + " of types that only the controller sets left as they were.";
-  if (readOnline > 0) told += " " + Counted(readOnline, "cell") + " of regions being read on line left as they were.";
+  if (readOnline > 0) told += " " + Counted(readOnline, "cell") + " of regions that are watched left as they were.";
   FinishCells(std::move(step));
   mDesk.Say(told);
   return true;

@@ -1,5 +1,6 @@
 #include "dataview/OnlineMode.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include "base/ScopeGuard.h"
@@ -16,25 +17,71 @@ constexpr Duration kCountingTime = 1s;      // over which passes per second are 
 constexpr Duration kFirstCounting = 200ms;  // the same for the first figure: one pass alone tells little
 constexpr Duration kIdlePause = 50ms;       // after a pass in which nothing could be asked
 
+// As the host asks again after a controller that does not answer: each try can keep the user waiting.
+constexpr Duration kFirstPause = 2s;
+constexpr Duration kLongestPause = 30s;
+
+bool IsRefusal(LinkErrorCode code) {
+  return code == LinkErrorCode::Refused || code == LinkErrorCode::NotSupported;
+}
+
+LinkError AnotherController(std::uint32_t serialNumber, std::uint32_t watched) {
+  return {.code = LinkErrorCode::OtherController,
+          .doing = "going on line again",
+          .happened = "another controller answers: its serial number is " + std::to_string(serialNumber) +
+                      ", that of the watched one " + std::to_string(watched),
+          .cause = "the cable leads to another controller, or the controller was replaced",
+          .cure = "check the link; Go on line again watches the controller that answers"};
+}
+
 }  // namespace
 
-void OnlineMode::Run() {
+void OnlineMode::Run(With with) {
   mDesk.parts.pacer.ClearStop();
   mDesk.SetMode(ViewMode::Busy);
   const ScopeGuard idle([&] {
+    NoteEnd();
     mDesk.status.passesPerSecond = 0.0;
     mDesk.SetMode(ViewMode::Idle);
   });
+  Watch(with);
+}
+
+void OnlineMode::Watch(With with) {
   const ChannelLease channel(mDesk);
   if (!channel || !mEngine.IsSupported(*channel, mDesk.state.regions.Regions())) return;
-
+  if (!IsRightController(*channel, with)) return;
   mIsRunning = true;
   mCountedFrom = mDesk.Now();
   mCounted = 0;
   mDesk.status.passes = 0;
-  mDesk.Say("On line.");
+  mDesk.NoteSuccess();
+  mDesk.EndReading();
+  mDesk.SayInPassing("Watching." + mAbout);
   mDesk.SetMode(ViewMode::Online);
   while (mIsRunning) OnePass(*channel);
+}
+
+// One that does not tell its number can be watched, but not found again.
+bool OnlineMode::IsRightController(Channel& channel, With with) {
+  const auto info = channel.GetControllerInfo(channel.UnitID());
+  const auto number = info.transform([](const Channel::ControllerInfo& each) { return each.serialNumber; });
+  const bool isOther = number && mSerialNumber && *number != *mSerialNumber;
+  mAbout.clear();
+  if (!number && (with == With::SameController || !IsRefusal(channel.LastError().code))) {
+    mDesk.SayLinkError(channel.LastError());
+    return false;
+  }
+  if (with == With::SameController && isOther) {
+    mDesk.SayLinkError(AnotherController(*number, *mSerialNumber));
+    return false;
+  }
+  if (isOther) {
+    mAbout = " This is another controller than before: its serial number is " + std::to_string(*number) + ", not " +
+             std::to_string(*mSerialNumber) + ".";
+  }
+  mSerialNumber = number;
+  return true;
 }
 
 void OnlineMode::StopAtOnce() {
@@ -48,15 +95,17 @@ void OnlineMode::OnePass(Channel& channel) {
   const std::string replaced = RegionEngine::ReplacedText(outcome.replaced);
   if (!outcome.IsWhole()) {
     mIsRunning = false;
-    if (outcome.isStopped) return mDesk.Say("The on-line mode was stopped." + replaced);
-    return mDesk.SayLinkError(*outcome.error,
-                              "The on-line mode has ended; the values are those of the last reads." + replaced);
+    if (outcome.isStopped) return mDesk.Say("Watching was stopped." + replaced);
+    return mDesk.SayLinkError(*outcome.error, "Watching has ended; the values are those of the last reads." + replaced);
   }
-  if (!replaced.empty()) mDesk.Say("On line." + replaced);
+  mPause = Duration::zero();
+  const bool isFirst = mDesk.status.passes == 0;
+  const std::string unreadable = isFirst ? mEngine.UnreadableText(outcome.unreadable) : std::string();
+  if (!replaced.empty() || !unreadable.empty()) mDesk.SayInPassing("Watching." + mAbout + unreadable + replaced);
   CountPass();
   if (outcome.done == 0) mDesk.parts.pacer.Sleep(kIdlePause);
   mDesk.parts.pacer.DoEvents();
-  if (!mIsRunning) mDesk.Say("The on-line mode has ended.");
+  if (!mIsRunning) mDesk.Say("Watching has ended.");
 }
 
 void OnlineMode::CountPass() {
@@ -69,6 +118,38 @@ void OnlineMode::CountPass() {
     mCounted = 0;
   }
   mDesk.TellProgress();
+}
+
+// ---- going on after a loss ----
+
+// A try that the user has stopped is the last one.
+void OnlineMode::NoteEnd() {
+  if (mDesk.parts.pacer.StopRequested()) mGoesOn = false;
+  if (!mDesk.status.loss) return;
+  mDesk.status.loss->wasWatching = true;
+  mDesk.status.loss->serialNumber = mSerialNumber;
+  mPause = std::clamp(2 * mPause, kFirstPause, kLongestPause);
+  mNextTry = mDesk.Now() + mPause;
+}
+
+void OnlineMode::SetGoesOn(bool goesOn) {
+  mGoesOn = goesOn;
+  mPause = Duration::zero();
+  mNextTry = mDesk.Now();
+}
+
+std::string OnlineMode::WhyNotGoOn() const {
+  const auto& loss = mDesk.status.loss;
+  if (!loss) return {};
+  if (!loss->serialNumber) return "The controller did not tell its serial number, so it could not be known again.";
+  if (loss->error.code == LinkErrorCode::OtherController) return "Another controller answers.";
+  return {};
+}
+
+bool OnlineMode::IsTryDue() const {
+  const auto& loss = mDesk.status.loss;
+  return mGoesOn && mDesk.status.mode == ViewMode::Idle && loss && loss->wasWatching && WhyNotGoOn().empty() &&
+         mDesk.Now() >= mNextTry;
 }
 
 }  // namespace kv::mdlDataTypesView

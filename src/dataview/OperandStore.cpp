@@ -68,6 +68,10 @@ bool OperandStore::IsKept(OperandTypeCode type, std::int32_t address) const {
   return Origin(type, address) == CellOrigin::Read && ReadAt(type, address) == Instant::min();
 }
 
+bool OperandStore::IsOld(OperandTypeCode type, std::int32_t address) const {
+  return Origin(type, address) == CellOrigin::Read && ReadAt(type, address) <= mLostAt;
+}
+
 std::optional<Instant> OperandStore::OldestReadAt(const Region& region) const {
   Instant oldest = Instant::max();
   for (std::int32_t address = region.from; address <= region.to; ++address) {
@@ -95,11 +99,11 @@ bool OperandStore::Edit(OperandTypeCode type, std::int32_t address, std::string_
 
 Region OperandStore::SetRead(const Region& region, std::span<const std::string> texts, Instant now) {
   Region changed{.from = region.to, .to = region.to - 1, .type = region.type};
-  const std::int64_t end = std::min(region.Count(), static_cast<std::int64_t>(texts.size()));
-  for (std::int64_t i = 0; i < end; ++i) {
-    const auto address = static_cast<std::int32_t>(region.from + i);
-    Cell* cell = Touch(region.type, address);
-    if (cell == nullptr || !TakeRead(*cell, texts[static_cast<std::size_t>(i)], now)) continue;
+  const std::int64_t behind = std::min({region.from + static_cast<std::int64_t>(texts.size()),
+                                        std::int64_t{region.to} + 1, std::int64_t{CountOf(region.type)}});
+  Cell* const cells = Touch(region.type, 0);
+  for (std::int32_t address = std::max(region.from, 0); cells != nullptr && address < behind; ++address) {
+    if (!TakeRead(cells[address], texts[static_cast<std::size_t>(address - region.from)], now)) continue;
     if (changed.from > changed.to) changed.from = address;
     changed.to = address;
   }

@@ -54,6 +54,10 @@ class OperandStore {
 
   // Whether the cell still shows what an earlier opening of the view had read: nobody knows how old that is.
   [[nodiscard]] bool IsKept(OperandTypeCode type, std::int32_t address) const;
+  // The same, or what was read before the controller was out of reach.
+  [[nodiscard]] bool IsOld(OperandTypeCode type, std::int32_t address) const;
+  // The controller is out of reach since `when`.
+  void NoteLoss(Instant when) { mLostAt = when; }
   // When the operand of the region that was read first was read; nothing when one never was.
   [[nodiscard]] std::optional<Instant> OldestReadAt(const Region& region) const;
 
@@ -76,12 +80,13 @@ class OperandStore {
   [[nodiscard]] std::size_t EditedCount() const { return mEditedCount; }
 
  private:
+  // A pass over the regions touches what stands first of each cell, and hundreds of cells: it is together.
   struct Cell {
     std::string text;
-    std::string readText;  // while edited: what the controller told last
-    Instant changedAt = Instant::min();
     Instant readAt = Instant::min();
     CellOrigin origin = CellOrigin::None;
+    Instant changedAt = Instant::min();
+    std::string readText;  // while edited: what the controller told last
   };
 
   [[nodiscard]] const Cell* Find(OperandTypeCode type, std::int32_t address) const;
@@ -97,6 +102,7 @@ class OperandStore {
   std::array<std::int32_t, kOperandTypeCount> mCounts{};
   std::array<std::vector<Cell>, kOperandTypeCount> mRows;
   std::size_t mEditedCount = 0;
+  Instant mLostAt = Instant::min();
 };
 
 }  // namespace kv::mdlDataTypesView

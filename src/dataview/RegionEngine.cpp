@@ -83,26 +83,25 @@ PassOutcome RegionEngine::ReadPass(Channel& channel) {
   for (std::size_t row = 0; row < total && GoOn(row, total, outcome); ++row) ReadRow(channel, row, outcome);
   outcome.replaced = mReplaced.size();
   mDesk.history.Add({.title = "reading over edited values", .cells = std::exchange(mReplaced, {})});
-  if (outcome.IsWhole()) mDesk.status.linkLost = false;
+  if (outcome.IsWhole() && outcome.done > 0) mDesk.status.loss.reset();
   return outcome;
 }
 
 void RegionEngine::ReadRow(Channel& channel, std::size_t row, PassOutcome& outcome) {
   const Region region = mDesk.state.regions.Rows()[row].region;
-  const auto texts = ReadRegion(channel, mDesk.Model(), region);
-  if (!texts) return Fail(texts.error(), outcome);
-  if (texts->empty()) {
+  if (!IsReadableFrom(mDesk.Model(), region.type)) {
     ++outcome.unreadable;
     return;
   }
+  const auto texts = ReadRegion(channel, mDesk.Model(), region);
+  if (!texts) return Fail(texts.error(), outcome);
   ++outcome.done;
   if (mDesk.state.operands.EditedCount() > 0) NoteReplaced(region, *texts);
   const Instant now = mDesk.Now();
   const Region changed = mDesk.state.operands.SetRead(region, *texts, now);
   mDesk.state.regions.SetReadAt(row, now);
-  if (changed.to < changed.from) return;
   mDesk.changes.AddOperands(changed.type, changed.from, changed.to);
-  mDesk.RefreshRow(row);
+  if (changed.from <= changed.to || mDesk.state.regions.Rows()[row].isFromFile) mDesk.RefreshRow(row);
 }
 
 void RegionEngine::NoteReplaced(const Region& region, std::span<const std::string> texts) {
@@ -125,7 +124,7 @@ PassOutcome RegionEngine::WritePass(Channel& channel, std::span<const Region> re
       mDesk.ShowBox(kReadOnlyRegionsMessage);
     }
   }
-  if (outcome.IsWhole() && outcome.done > 0) mDesk.status.linkLost = false;
+  if (outcome.IsWhole() && outcome.done > 0) mDesk.status.loss.reset();
   return outcome;
 }
 
@@ -191,6 +190,11 @@ std::string RegionEngine::ReplacedText(std::size_t replaced) {
          " replaced by what the controller holds; Undo brings " + (replaced == 1 ? "it" : "them") + " back.";
 }
 
+std::string RegionEngine::UnreadableText(std::size_t unreadable) const {
+  if (unreadable == 0) return {};
+  return " " + Regions(unreadable) + " cannot be read from a controller of the model " + mDesk.Model() + ".";
+}
+
 void RegionEngine::SayRead(const PassOutcome& outcome, std::size_t total) {
   const std::string read = Regions(outcome.done) + " of " + std::to_string(total) + " read";
   const std::string replaced = ReplacedText(outcome.replaced);
@@ -198,10 +202,7 @@ void RegionEngine::SayRead(const PassOutcome& outcome, std::size_t total) {
     return mDesk.SayLinkError(*outcome.error, read + " before that; the others show what they showed." + replaced);
   }
   if (outcome.isStopped) return mDesk.Say("Stopped. " + read + "; the others show what they showed." + replaced);
-  std::string text = Regions(outcome.done) + " read.";
-  if (outcome.unreadable > 0)
-    text += " " + Regions(outcome.unreadable) + " cannot be read from a " + mDesk.Model() + ".";
-  mDesk.Say(text + replaced);
+  mDesk.Say(Regions(outcome.done) + " read." + UnreadableText(outcome.unreadable) + replaced);
 }
 
 void RegionEngine::SayWritten(const PassOutcome& outcome, std::span<const Region> regions) {

@@ -50,6 +50,8 @@ class RegionEngine {
 
   // " 3 edited values were replaced ...": what the status line adds about them; empty for none.
   [[nodiscard]] static std::string ReplacedText(std::size_t replaced);
+  // The same about regions that could not be asked for.
+  [[nodiscard]] std::string UnreadableText(std::size_t unreadable) const;
 
  private:
   // The first text that cannot be written, with its place and what is legal there; empty when all can.

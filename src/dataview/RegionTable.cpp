@@ -1,6 +1,7 @@
 #include "dataview/RegionTable.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "dataview/OperandCatalogue.h"
 #include "dataview/OperandStore.h"
@@ -132,8 +133,8 @@ bool RegionTable::RefreshValues(std::size_t row, const OperandStore& store) {
   // An operand that is not known would be shown as 0, which it may not be.
   const bool isKnown = std::ranges::none_of(texts, &std::string::empty);
   std::string values = isKnown ? DisplayRow(shown.region.type, texts, shown.size, shown.format) : std::string();
-  shown.isFromFile = false;
-  if (values == shown.values) return false;
+  const bool wasFromFile = std::exchange(shown.isFromFile, false);
+  if (values == shown.values) return wasFromFile;
   shown.values = std::move(values);
   return true;
 }

@@ -70,8 +70,8 @@ class RegionTable {
   bool SetFormat(std::size_t row, FormatCode format);
   void SetReadAt(std::size_t row, Instant when);
 
-  // Builds the row's values from the store again; whether its text changed. A row is empty until all of its operands
-  // have a text.
+  // Builds the row's values from the store again; whether the text changed, or where it comes from. A row is empty
+  // until all of its operands have a text.
   bool RefreshValues(std::size_t row, const OperandStore& store);
 
  private:

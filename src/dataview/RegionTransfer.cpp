@@ -237,6 +237,13 @@ std::string PastEndCure(const Region& region, std::string_view model) {
   return count == 0 ? remove : remove + ", and add it anew with addresses from 0 to " + std::to_string(count - 1);
 }
 
+MessageBox WriteQuestion(std::size_t values, const std::string& target) {
+  return {.text = "Write " + std::to_string(values) + (values == 1 ? " value" : " values") + " to " + target + "?",
+          .icon = PromptIcon::Question,
+          .buttons = PromptButtons::YesNo,
+          .canLose = true};
+}
+
 bool IsReadableFrom(std::string_view model, OperandTypeCode type) {
   const TypeFacts* facts = FactsOf(type);
   if (facts == nullptr) return false;

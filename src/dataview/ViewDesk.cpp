@@ -10,6 +10,15 @@ namespace {
 constexpr Duration kProgressPause = std::chrono::milliseconds(100);
 constexpr std::string_view kTitle = "Data Types";
 
+// A message is noticed within two seconds, and read at some 16 characters a second.
+constexpr Duration kNoticing = std::chrono::seconds(2);
+constexpr Duration kReadingACharacter = std::chrono::milliseconds(60);
+constexpr Duration kLongestReading = std::chrono::seconds(15);
+
+Duration ReadingTime(std::string_view message) {
+  return std::min(kNoticing + static_cast<std::int64_t>(message.size()) * kReadingACharacter, kLongestReading);
+}
+
 std::size_t IndexOf(OperandTypeCode type) {
   return static_cast<std::size_t>(type) - 1;
 }
@@ -56,6 +65,10 @@ std::string ViewDesk::Caption() const {
   return std::string(kTitle) + " - " + parts.shared.CurrentSession;
 }
 
+std::string ViewDesk::CurrentLink() const {
+  return parts.shared.ComDriver ? parts.shared.ComDriver->LinkDescription() : std::string();
+}
+
 bool ViewDesk::IsReadOnline(OperandTypeCode type, std::int32_t address) const {
   return status.mode == ViewMode::Online && std::ranges::any_of(state.regions.Rows(), [&](const RegionRow& row) {
            return row.region.type == type && address >= row.region.from && address <= row.region.to;
@@ -63,18 +76,37 @@ bool ViewDesk::IsReadOnline(OperandTypeCode type, std::int32_t address) const {
 }
 
 void ViewDesk::Say(std::string message) {
-  status.message = std::move(message);
-  status.isError = false;
+  Show(std::move(message), false);
+  mReadUntil = Now() + ReadingTime(status.message);
 }
 
 void ViewDesk::SayError(std::string message) {
-  status.message = std::move(message);
-  status.isError = true;
+  status.lastError = {.text = message, .at = parts.clock.LocalTime()};
+  Show(std::move(message), true);
+  mReadUntil = Now() + ReadingTime(status.message);
 }
 
 void ViewDesk::SayLinkError(const LinkError& error, const std::string& whatElse) {
-  SayError(whatElse.empty() ? error.Text() : error.Text() + "\n" + whatElse);
-  status.linkLost = status.linkLost || IsLoss(error.code);
+  const LinkLoss loss{.error = error, .consequence = whatElse};
+  SayError(loss.Text());
+  if (!IsLoss(error.code)) return;
+  status.loss = loss;
+  state.operands.NoteLoss(Now());
+}
+
+void ViewDesk::SayInPassing(std::string message) {
+  if (Now() < mReadUntil) {
+    mInPassing = std::move(message);
+  } else {
+    Show(std::move(message), false);
+  }
+}
+
+void ViewDesk::Show(std::string message, bool isError) {
+  status.message = std::move(message);
+  status.isError = isError;
+  mInPassing.clear();
+  ++mSaidCount;
 }
 
 void ViewDesk::ShowBox(std::string_view text, PromptIcon icon) {
@@ -97,6 +129,7 @@ void ViewDesk::SetMode(ViewMode mode) {
 }
 
 void ViewDesk::TellStatus() {
+  if (!mInPassing.empty() && Now() >= mReadUntil) Show(std::exchange(mInPassing, {}), false);
   status.edited = state.operands.EditedCount();
   mProgressToldAt = Now();
   mListener.StatusChanged();

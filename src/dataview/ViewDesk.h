@@ -44,14 +44,26 @@ class ViewDesk {
 
   [[nodiscard]] const std::string& Model() const { return state.operands.Model(); }
   [[nodiscard]] std::string Caption() const;
+  // Of the driver, as it is now; empty without one.
+  [[nodiscard]] std::string CurrentLink() const;
   [[nodiscard]] Instant Now() const { return parts.pacer.Now(); }
   // Whether the on-line mode reads the operand, which would take the place of what is put there.
   [[nodiscard]] bool IsReadOnline(OperandTypeCode type, std::int32_t address) const;
 
-  // The status line; shown with the next TellStatus.
+  // The status line; shown with the next TellStatus. What the user is told about his own doing takes the place of
+  // whatever stands there.
   void Say(std::string message);
   void SayError(std::string message);
   void SayLinkError(const LinkError& error, const std::string& whatElse = {});
+  // What comes while regions are watched waits until the message before it can have been read.
+  void SayInPassing(std::string message);
+  // The user does something else: what stood there need not be read any longer.
+  void EndReading() { mReadUntil = Instant::min(); }
+  // Something that was asked for has been done.
+  void NoteSuccess() { status.lastError.reset(); }
+  // How often the status line was set.
+  [[nodiscard]] std::uint64_t SaidCount() const { return mSaidCount; }
+
   // A message box under the view's caption.
   void ShowBox(std::string_view text, PromptIcon icon = PromptIcon::Exclamation);
   [[nodiscard]] bool AskYesNo(std::string_view text, bool canLose = false);
@@ -72,8 +84,13 @@ class ViewDesk {
   void RowsReplaced();
 
  private:
+  void Show(std::string message, bool isError);
+
   GridListener& mListener;
   Instant mProgressToldAt = Instant::min();
+  std::string mInPassing;  // waits until then
+  Instant mReadUntil = Instant::min();
+  std::uint64_t mSaidCount = 0;
 };
 
 }  // namespace kv::mdlDataTypesView

@@ -3,6 +3,7 @@
 #include "desktop/Clipboard.h"
 #include "desktop/Pacer.h"
 #include "desktop/Prompts.h"
+#include "desktop/WallClock.h"
 #include "host/shared/SharedState.h"
 
 namespace kv {
@@ -18,6 +19,7 @@ struct DataTypesViewParts {
   Pacer& pacer;
   Clipboard& clipboard;
   clsHexSelector& hexSelector;  // asks for the separator of CSV files
+  const WallClock& clock;       // for the time of an error
 };
 
 }  // namespace kv::mdlDataTypesView

@@ -62,7 +62,10 @@ const DataTypesView::Tool* DataTypesView::FindTool(std::string_view toolId) {
 void DataTypesView::Run(std::string_view toolId) {
   const Tool* tool = FindTool(toolId);
   if (tool == nullptr || !WhyNot(toolId).empty()) return;
+  mDesk.EndReading();
+  const std::uint64_t said = mDesk.SaidCount();
   (this->*tool->run)();
+  if (mDesk.SaidCount() != said && !mDesk.status.isError) mDesk.NoteSuccess();
   Tell(true);
 }
 
@@ -76,16 +79,14 @@ std::string DataTypesView::WhyNot(std::string_view toolId) const {
 std::string DataTypesView::ModeFault(const Tool& tool) const {
   if (!mIsOpen) return "The view is closed.";
   if (IsBusy()) return "A read or write is running: wait for its end, or cancel it.";
-  if (IsOnline() && tool.online == Tool::Online::Off) return "Not while on line: press On Line again to end the mode.";
+  if (IsOnline() && tool.online == Tool::Online::Off) return "Not while watching: press Watch to end that.";
   return {};
 }
 
 std::string DataTypesView::NeedFault(const Tool& tool) const {
   const auto needs = [&tool](Tool::Need need) { return (tool.needs & need) != 0; };
-  const RemoteHost* host = mDesk.parts.shared.Remote;
-  if (needs(Tool::kController) && host != nullptr && host->Model() != mDesk.Model()) {
-    return "The model is now " + host->Model() + ", but these grids are those of " + mDesk.Model() +
-           ": close the view and open it again.";
+  if (needs(Tool::kController)) {
+    if (std::string other = OtherModel(); !other.empty()) return other;
   }
   if (needs(Tool::kRegions) && Regions().Rows().empty()) {
     return "There are no regions: select operands in the grid and add them as a region first.";

@@ -31,6 +31,7 @@ class OperandChannel : public FakeChannel {
  public:
   explicit OperandChannel(CallLog& log) {
     version.emplace().osVersion = "4.00";
+    info.emplace().serialNumber = 1001;
     succeeds = true;
     onCall = [this, &log](const std::string& call) {
       log.push_back(call);
@@ -93,7 +94,7 @@ struct DataViewBench : SessionBench, GridListener, HexSelectorWindow {
   VirtualPacer pacer;
   MemoryClipboard clipboard;
   clsHexSelector selector{*this};
-  DataTypesView view{{shared, prompts, pacer, clipboard, selector}, *this};
+  DataTypesView view{{shared, prompts, pacer, clipboard, selector, pacer}, *this};
 };
 
 }  // namespace kv::test

@@ -57,7 +57,7 @@ struct LinkedView : DataViewBench {
   }
 
   matrix::Bench line;
-  DataTypesView linked{{shared, prompts, line.pacer, clipboard, selector}, *this};
+  DataTypesView linked{{shared, prompts, line.pacer, clipboard, selector, line.pacer}, *this};
 };
 
 const std::vector<std::string> kFaults = {"noreply:p=0.002",    "late:ms=120,p=0.002",       "double:p=0.001",

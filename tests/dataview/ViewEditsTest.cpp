@@ -316,7 +316,10 @@ TEST(WriteAll, WritesEveryTextThatMayBeWritten) {
   EXPECT_THAT(bench.Run("ID_WriteAll", {kOk}), testing::Not(Contains(HasSubstr("Write"))));
   for (const std::int32_t address : {0, 1, 3}) bench.view.Edit(MI, address, "8");
   for (std::int32_t address = 10; address < 41; ++address) bench.view.Edit(ML, address, "-8");
-  const CallLog log = bench.Run("ID_WriteAll", {kOk});
+  constexpr const char* kQuestion = "Box (?) Data Types - Default: Write 34 values to COM3, 115200 8N1, unit 1?";
+  EXPECT_THAT(bench.Run("ID_WriteAll", {PromptAnswer::No}), ElementsAre(kQuestion));
+  EXPECT_TRUE(bench.prompts.Boxes().back().canLose) << "Enter does not write";
+  const CallLog log = bench.Run("ID_WriteAll", {PromptAnswer::Yes, kOk});
   EXPECT_THAT(log, Contains("WriteMI 0 2 @1"));
   EXPECT_THAT(log, Contains("WriteMI 3 1 @1"));
   EXPECT_THAT(log, Contains("WriteML 10 30 @1"));

@@ -71,7 +71,7 @@ TEST(ReadRegions, FailingAtAnyCallLeavesWhatWasShown) {
     }
     EXPECT_EQ(rows.size(), 3U);
     EXPECT_TRUE(bench.view.Status().isError);
-    EXPECT_TRUE(bench.view.Status().linkLost);
+    EXPECT_TRUE(bench.view.Status().loss);
     EXPECT_THAT(bench.view.Status().message, HasSubstr("no reply"));
     EXPECT_EQ(bench.view.Status().mode, ViewMode::Idle);
   }
@@ -100,6 +100,30 @@ TEST(ReadRegions, StopAndRefusal) {
   bench.host.model = "Q50";
   EXPECT_THAT(bench.Run("ID_ReadRegions"), IsEmpty());
   EXPECT_THAT(bench.view.WhyNot("ID_ReadRegions"), HasSubstr("Q50"));
+}
+
+TEST(ReadRegions, OfAFileAreNoLongerTheFilesWhenTheyAreEqual) {
+  DataViewBench bench;
+  bench.home.Put("a.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t1\t\t16 BIT\tDECIMAL\t     0      1\t\r\n\r\n");
+  bench.prompts.Press(PromptAnswer::Yes);
+  bench.prompts.Choose(Utf8FromPath(bench.home.Path() / "a.axt"));
+  bench.Run("ID_LoadRegions");
+  ASSERT_EQ(bench.view.Regions().Rows().size(), 1U);
+  EXPECT_TRUE(bench.view.Regions().Rows()[0].isFromFile);
+  bench.Run("ID_ReadRegions");
+  EXPECT_FALSE(bench.view.Regions().Rows()[0].isFromFile);
+  ASSERT_EQ(bench.changed.size(), 1U);
+  EXPECT_EQ(bench.changed[0].lastRegion, 0) << "the window is told";
+}
+
+TEST(ReadRegions, ThatThisModelCannotBeAskedForStopNoOthers) {
+  DataViewBench bench("AurexQ50");
+  bench.Add(DBI, 0, 9);
+  bench.Add(MI, 0, 1);
+  EXPECT_EQ(bench.Run("ID_ReadRegions"), WithRequests({"ReadOperandList @1: 0,3,0,2,0"}));
+  EXPECT_EQ(bench.view.Status().message,
+            "1 region read. 1 region cannot be read from a controller of the model AurexQ50.");
+  EXPECT_EQ(bench.view.Operands().Text(MI, 1), "1");
 }
 
 TEST(WriteRegions, NothingIsSentUntilAllIsInRange) {
@@ -157,15 +181,15 @@ TEST(OnLine, PassesBackToBackUntilTheToolIsPressedAgain) {
     for (const char* tool : {"ID_ReadRegions", "ID_WriteRegions", "ID_ReadAll", "ID_WriteAll", "ID_NewRegions",
                              "ID_AddRegion", "ID_RemoveRegion", "ID_SaveRegions", "ID_LoadRegions", "ID_Export",
                              "ID_Import", "ID_Copy", "ID_Paste", "ID_Cut"}) {
-      EXPECT_THAT(bench.view.WhyNot(tool), HasSubstr("on line")) << tool;
+      EXPECT_THAT(bench.view.WhyNot(tool), HasSubstr("while watching")) << tool;
     }
     EXPECT_EQ(bench.view.WhyNot("ID_OnLine"), "");
-    EXPECT_THAT(bench.view.EditFault(MI, 61, "5"), HasSubstr("read on line"));
+    EXPECT_THAT(bench.view.EditFault(MI, 61, "5"), HasSubstr("being watched"));
     EXPECT_EQ(bench.view.EditFault(MI, 62, "5"), "");
     bench.home.Put("a.csv", ",0,1\r\nMI,7,8\r\nML,7,8\r\n");
     if (passes == 1) bench.prompts.Choose(Utf8FromPath(bench.home.Path() / "a.csv"));
     if (passes == 1) bench.view.Run("ID_ImportFromCSV");
-    EXPECT_THAT(bench.view.Status().message, HasSubstr("2 cells of regions being read on line left as they were"));
+    EXPECT_THAT(bench.view.Status().message, HasSubstr("2 cells of regions that are watched left as they were"));
     EXPECT_EQ(bench.view.Operands().Text(ML, 1), "8");
     EXPECT_TRUE(bench.view.SetFormat(0, passes == 1 ? FormatCode::Hex : FormatCode::Decimal));
     if (passes < 3) return;
@@ -183,19 +207,19 @@ TEST(OnLine, PassesBackToBackUntilTheToolIsPressedAgain) {
 TEST(OnLine, EndsWithAnErrorOrTheViewAndKeepsTheValues) {
   DataViewBench bench;
   bench.Add(MI, 0, 61);
-  bench.channel->failAt = 7;  // in the third pass
+  bench.channel->failAt = 8;  // in the third pass
   bench.channel->during = [&] { bench.pacer.Sleep(std::chrono::milliseconds(100)); };
   bench.pacer.OnDoEvents([&] { bench.channel->value = [](std::int32_t) { return 5U; }; });
   bench.Run("ID_OnLine");
   EXPECT_EQ(bench.view.Operands().Text(MI, 0), "5");
-  EXPECT_TRUE(bench.view.Status().linkLost);
+  EXPECT_TRUE(bench.view.Status().loss);
   EXPECT_THAT(bench.view.Status().message, HasSubstr("no reply"));
   bench.pacer.Sleep(std::chrono::hours(3));
   EXPECT_EQ(bench.view.AgeText(1), "3 h");
 
   bench.channel->during = nullptr;
   bench.pacer.OnDoEvents([&] {
-    EXPECT_FALSE(bench.view.Status().linkLost);
+    EXPECT_FALSE(bench.view.Status().loss);
     if (bench.channel->during) {
       EXPECT_FALSE(bench.changed.empty()) << "what a slow pass has read so far is shown";
       EXPECT_TRUE(bench.view.Close());
@@ -221,6 +245,73 @@ TEST(OnLine, MarksValuesThatChangeAndFadesTheMarks) {
   });
   bench.Run("ID_OnLine");
   EXPECT_THAT(marks, ElementsAre(0.0, 0.0, 1.0, 0.5, 0.0)) << "the first read is no change";
+}
+
+TEST(OnLine, HoldsWhatTheUserIsToldUntilItCanHaveBeenRead) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 1);
+  bench.view.Edit(MI, 1, "5");
+  int pass = 0;
+  bench.channel->during = [&] {  // an entry is refused in the first pass, which replaces the edit
+    if (pass == 0 && bench.view.Status().mode == ViewMode::Online) bench.view.Edit(MI, 0, "1");
+  };
+  bench.pacer.OnDoEvents([&] {
+    ++pass;
+    EXPECT_THAT(bench.view.Status().message, HasSubstr(pass <= 2 ? "being watched" : "1 edited value was replaced"));
+    EXPECT_TRUE(bench.view.Status().lastError);
+    if (pass == 3) {
+      EXPECT_TRUE(bench.view.Edit(ML, 0, "1"));
+      EXPECT_FALSE(bench.view.Status().lastError) << "goes with success";
+      bench.view.Run("ID_OnLine");
+    }
+    bench.pacer.Sleep(std::chrono::seconds(pass == 1 ? 1 : 10));
+  });
+  bench.Run("ID_OnLine");
+  EXPECT_EQ(bench.view.Status().message, "Watching has ended.");
+}
+
+TEST(OnLine, GoesOnByItselfWithTheSameControllerOnly) {
+  DataViewBench bench;
+  bench.Add(MI, 0, 1);
+  bench.channel->failAt = 5;
+  bench.Run("ID_OnLine");
+  ASSERT_TRUE(bench.view.Status().loss);
+  EXPECT_THAT(bench.view.Status().loss->Text(), HasSubstr("no reply"));
+  EXPECT_EQ(bench.view.Status().loss->serialNumber, 1001U);
+  EXPECT_TRUE(bench.view.Operands().IsOld(MI, 0)) << "nobody knows the values any more";
+  EXPECT_FALSE(bench.view.IsTryDue()) << "not unless the user wants it";
+  bench.view.SetWatchesAgain(true);
+  const CallLog silent = {"Driver GetChannel", "SetCommandOwner frmDataTypesView", "AbortComm on", "GetVersionInfo @1",
+                          "AbortComm on"};
+  for (const int pause : {0, 2, 4, 8, 16, 30, 30}) {
+    if (pause > 0) bench.pacer.Sleep(std::chrono::seconds(pause) - std::chrono::milliseconds(1));
+    EXPECT_EQ(bench.view.IsTryDue(), pause == 0) << pause;
+    bench.pacer.Sleep(std::chrono::milliseconds(1));
+    ASSERT_TRUE(bench.view.IsTryDue()) << pause;
+    bench.channel->failAt = 2;
+    bench.Taken();
+    bench.view.WatchAgain(true);
+    EXPECT_EQ(bench.Taken(), silent);
+  }
+  bench.channel->failAt = -1;
+  bench.channel->info->serialNumber = 1002;
+  bench.view.WatchAgain(true);
+  EXPECT_THAT(bench.Taken(), testing::Not(Contains("ReadOperandList @1: 0,3,0,2,0"))) << "another one is not read";
+  EXPECT_THAT(bench.view.Status().loss->Text(), HasSubstr("serial number is 1002, that of the watched one 1001"));
+  EXPECT_THAT(bench.view.WhyNotByItself(), HasSubstr("Another controller"));
+  bench.pacer.Sleep(std::chrono::hours(1));
+  EXPECT_FALSE(bench.view.IsTryDue());
+
+  std::string said;
+  bench.pacer.OnDoEvents([&] {
+    said = bench.view.Status().message;
+    EXPECT_FALSE(bench.view.Status().loss);
+    EXPECT_FALSE(bench.view.Operands().IsOld(MI, 0));
+    bench.view.Run("ID_OnLine");
+  });
+  bench.pacer.Sleep(std::chrono::seconds(1));
+  bench.view.WatchAgain(false);  // the user has seen what stands there
+  EXPECT_THAT(said, HasSubstr("another controller than before: its serial number is 1002, not 1001"));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -14,6 +15,7 @@
 namespace kv::test {
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -168,7 +170,7 @@ TEST_F(DataTypesWindowTest, OnLineValuesMoveUnderAnOpenEditor) {
   QSignalSpy changes(Operands().model(), &QAbstractItemModel::dataChanged);
   std::string before;
   const auto hasMoved = [&] { return !before.empty() && Value(MI, 100) != before; };
-  Online({{[&] { return Label("lblMode") == "On line" && Label("lblPasses").ends_with("passes/s"); },
+  Online({{[&] { return Label("lblMode") == "Watching" && Label("lblPasses").ends_with("passes/s"); },
            [&] {
              EXPECT_FALSE(Tool("ID_ReadRegions").isEnabled());
              EXPECT_TRUE(Find<QToolButton>(*window, "cmdOnLine").isChecked());
@@ -191,7 +193,7 @@ TEST_F(DataTypesWindowTest, OnLineValuesMoveUnderAnOpenEditor) {
            }}});
   ASSERT_TRUE(IsEditorGone());
   EXPECT_EQ(Value(MI, 50), "12");
-  EXPECT_EQ(Label("lblMode"), "Off line");
+  EXPECT_EQ(Label("lblMode"), "Not watching");
   EXPECT_FALSE(Find<QToolButton>(*window, "cmdOnLine").isChecked());
   EXPECT_TRUE(Tool("ID_ReadRegions").isEnabled());
   EXPECT_THAT(Label("lblAge"), testing::StartsWith("Read "));
@@ -316,6 +318,58 @@ TEST_F(DataTypesWindowTest, TheCursorGoesToANamedOperand) {
     EXPECT_EQ(Operands().currentIndex(), Cell(each.type, each.address)) << each.text;
     EXPECT_THAT(Label("lblMessage"), HasSubstr(each.told));
     EXPECT_EQ(line.hasFocus(), *each.told != '\0');
+  }
+}
+
+TEST_F(DataTypesWindowTest, ALossIsToldWholeAndWatchingGoesOnByItself) {
+  Open();
+  const auto& banner = Find<QWidget>(*window, "bnrController");
+  AddRegion(MI, 0, 9);
+  Online({});
+  EXPECT_FALSE(banner.isVisible());
+  EXPECT_EQ(Label("lblController"), "K670-67-C30 / K390-29-C30 on Simulated K670-67-C30");
+  BeSilent(std::chrono::milliseconds(50));
+  window->resize(640, 340);  // as on a small screen at 200 %
+  Trigger("ID_OnLine");
+  EXPECT_TRUE(banner.isVisible());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window->size(), QSize(640, 340)) << "the banner takes its room from the grids";
+  EXPECT_THAT(Label("lblLoss"), AllOf(HasSubstr("no reply"), HasSubstr("Likely cause: "), HasSubstr("What to do: ")));
+  EXPECT_THAT(Cell(MI, 0).data(Qt::AccessibleTextRole).toString().toStdString(), HasSubstr("connection was lost"));
+  EXPECT_TRUE(Find<QPushButton>(*window, "cmdWatchAgain").isEnabled());
+  auto& byItself = Find<QCheckBox>(*window, "chkWatchAgain");
+  EXPECT_TRUE(byItself.isEnabled());
+
+  BeLinked();
+  bool isWatched = false;
+  When(
+      *window, [&] { return Label("lblMode") == "Watching" && !banner.isVisible(); },
+      [&] {
+        isWatched = true;
+        Tool("ID_OnLine").trigger();
+      });
+  byItself.click();
+  EXPECT_TRUE(WaitUntil([&] { return isWatched && Label("lblMode") == "Not watching"; }));
+
+  session.host.model = "Q50";
+  EXPECT_TRUE(WaitUntil([&] { return banner.isVisible(); }));
+  EXPECT_THAT(Label("lblDifference"), HasSubstr("The model is now Q50"));
+}
+
+TEST_F(DataTypesWindowTest, ASelectedRegionIsBroughtIntoSightAndHasAMenu) {
+  Open();
+  AddRegion(MI, 4000, 4010);
+  Operands().setCurrentIndex(Cell(MB, 0));
+  EXPECT_FALSE(Operands().viewport()->rect().intersects(Operands().visualRect(Cell(MI, 4000))));
+  Regions().selectRow(0);
+  EXPECT_TRUE(Operands().viewport()->rect().contains(Operands().visualRect(Cell(MI, 4000)).center()));
+  EXPECT_EQ(Operands().currentIndex(), Cell(MB, 0));
+  for (const auto& [grid, name] : {std::pair{&Regions(), "popRegions"}, {&Operands(), "popMenu"}}) {
+    grid->setFocus();
+    QTest::keyClick(grid, Qt::Key_F10, Qt::ShiftModifier);
+    auto& menu = Find<QMenu>(*window, name);
+    EXPECT_TRUE(menu.isVisible()) << name;
+    menu.close();
   }
 }
 

@@ -14,6 +14,7 @@
 #include "dataview/OperandCatalogue.h"
 #include "dataview/ui/frmDataTypesView.h"
 #include "desktop/MemoryClipboard.h"
+#include "desktop/PacerWallClock.h"
 #include "editors/clsHexSelector.h"
 #include "tests/desktop_ui/QtBench.h"
 #include "tests/support/SessionBench.h"
@@ -43,7 +44,7 @@ class ViewBench : public ::testing::Test {
 
   void Open() {
     window = std::make_unique<frmDataTypesView>(
-        DataTypesViewParts{session.shared, session.prompts, pacer, clipboard, hexSelector}, pacer, nullptr);
+        DataTypesViewParts{session.shared, session.prompts, pacer, clipboard, hexSelector, clock}, pacer, nullptr);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
     for (QTableView* grid : {&Operands(), &Regions()}) {
@@ -137,6 +138,7 @@ class ViewBench : public ::testing::Test {
 
   SessionBench session;
   QtPacer pacer;
+  PacerWallClock clock;
   MemoryClipboard clipboard;
   SimulatedControllers controllers{std::filesystem::path()};
   Driver driver{pacer, [this](const std::string& model) { return std::move(*controllers.NewLine(model)); }, MakePort};

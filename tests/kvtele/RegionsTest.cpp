@@ -7,6 +7,7 @@
 namespace kv::test {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 using ::testing::Not;
@@ -52,6 +53,9 @@ TEST_F(Regions, AreReadAsTheViewShowsThemAndWrittenAsOneLineAnOperand) {
   const std::string values = Read("K220-22-R1", {"--csv"}).out;
   EXPECT_EQ(values,
             "Operand Type,Address,Value\nMI,0,4660\nMI,1,22136\nTIMER PRESET,3,00:00:01.50\nMB,4,1\nMB,5,0\nMB,6,1\n");
+  EXPECT_THAT(Write("K220-22-R1", "Operand Type,0,1\r\nMI,,22136\r\nx,y\r\nTIMER PRESET\r\n").err,
+              AllOf(HasSubstr("Left out: line 3 (\"y\" is no value)"), HasSubstr("read back: 1 value.")))
+      << "as the view exports it";
   EXPECT_THAT(Read("K220-22-R1", {"--json"}).out, HasSubstr("\"text\": \"12 34 56 78\""));
   EXPECT_EQ(Write("K220-22-R1", values, {"--yes", "--json"}).out,
             "{\n  \"written\": 6,\n  \"compared\": 6,\n  \"missing\": 0\n}\n");
@@ -64,10 +68,12 @@ TEST_F(Regions, ThatCannotBeUsedAreRefusedBeforeAnyOperandIsAskedFor) {
       {"K220-22-R1", "Aurex", "2\tMI\t2048\t2048\t\r\n", nullptr, 4,
        "remove the region, and add it anew with addresses from 0 to 2047; save the file again"},
       {"K220-22-R1", "Aurex", mi, "MI,0,1\nMI,1,1.5\n", 6, "line 2: MI 1 is \"1.5\""},
-      {"K220-22-R1", "Aurex", mi, "MI,0,\n", 6, "out of the legal range"},
+      {"K220-22-R1", "Aurex", mi, "MI,0,\n", 6, "line 1: MI 0 has no value"},
+      {"K220-22-R1", "Aurex", "13\tTIMER PRESET\t0\t1\t\r\n", "TIMER PRESET,1,1\n", 6, "may be a number of days"},
+      {"K220-22-R1", "Aurex", mi, "Operand Type,0\nMX,1\n", 6, "line 2: there is no operand type"},
       {"K220-22-R1", "Aurex", mi, "MI,0,1\nMI,10,1\n", 6, "line 2: MI 10 is in none of the regions"},
       {"K220-22-R1", "Aurex", mi, "MI,0,1\nMI,0,1\n", 6, "line 2: MI 0 is in line 1 too"},
-      {"K220-22-R1", "Aurex", mi, "MI;0;1\n", 6, "separated by commas"},
+      {"K220-22-R1", "Aurex", mi, "MI;0;1\n", 6, "three fields were expected"},
       {"K220-22-R1", "Aurex", mi, "QI,0,1\n", 6, "no operand type \"QI\""},
       {"K220-22-R1", "Aurex", mi, "MI,x,1\n", 6, "\"x\" is no operand address"},
   };
@@ -162,6 +168,18 @@ TEST_F(Regions, AreWatchedUntilEnoughHasChanged) {
   bench.pacer.ClearStop();
   Axt("", "Q50");
   EXPECT_THAT(Watch({}).err, HasSubstr("nothing to watch"));
+}
+
+TEST_F(Regions, ThatThisModelCannotBeAskedForAreNamedAndStopNoOthers) {
+  Axt("6\tDBI\t0\t9\t\r\n2\tMI\t0\t0\t\r\n", "Q50");
+  const Result read = Read("AurexQ50");
+  EXPECT_EQ(read.exit, 0);
+  EXPECT_EQ(read.out, "DBI\t0\t9\t\t\nMI\t0\t0\t\t     0\n");
+  EXPECT_THAT(read.err, HasSubstr("DBI 0..9 cannot be read from a controller of the model AurexQ50."));
+  const std::string file = Utf8FromPath(bench.home.Path() / "regions.axt");
+  const Result watched = bench.On("AurexQ50", {"watch", file, "--for", "1"});
+  EXPECT_EQ(watched.exit, 0) << watched.err;
+  EXPECT_THAT(watched.err, HasSubstr("DBI 0..9 cannot be read"));
 }
 
 TEST_F(Regions, AreWatchedAcrossALostLink) {

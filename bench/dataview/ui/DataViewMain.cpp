@@ -23,6 +23,7 @@
 #include "dataview/OperandCatalogue.h"
 #include "dataview/ui/frmDataTypesView.h"
 #include "desktop/MemoryClipboard.h"
+#include "desktop/PacerWallClock.h"
 #include "desktop/ScriptedPrompts.h"
 #include "editors/clsHexSelector.h"
 #include "tests/base/TemporaryFolder.h"
@@ -109,8 +110,8 @@ struct Bench {
   }
 
   [[nodiscard]] std::unique_ptr<frmDataTypesView> Open() {
-    return std::make_unique<frmDataTypesView>(DataTypesViewParts{shared, prompts, pacer, clipboard, hexSelector}, pacer,
-                                              nullptr);
+    return std::make_unique<frmDataTypesView>(DataTypesViewParts{shared, prompts, pacer, clipboard, hexSelector, clock},
+                                              pacer, nullptr);
   }
 
   TemporaryFolder home;
@@ -119,6 +120,7 @@ struct Bench {
   SharedState shared{ProgramPaths(home.Path())};
   ScriptedPrompts prompts{[](const std::string& what) { std::fprintf(stderr, "%s\n", what.c_str()); }};
   QtPacer pacer;
+  PacerWallClock clock;
   MemoryClipboard clipboard;
   SimulatedControllers controllers{std::filesystem::path()};
   Driver driver{pacer, [this](const std::string& model) { return std::move(*controllers.NewLine(model)); }, MakePort};

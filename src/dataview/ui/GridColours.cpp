@@ -7,6 +7,7 @@ namespace {
 
 constexpr int kHalfLight = 128;  // of 255
 constexpr double kFaint = 0.4;   // how far faint text goes towards its background
+constexpr double kFrame = 0.35;  // the same of frames
 
 // A grid colour value has blue in its high byte.
 QColor FromGridValue(std::uint32_t value) {
@@ -38,6 +39,7 @@ GridColours ColoursFor(const QPalette& palette) {
       .change = isDark ? QColor(0x4f, 0xa8, 0x4a) : QColor(0x3c, 0xa0, 0x37),
       .edited = isDark ? QColor(0xff, 0x9e, 0x64) : QColor(0xb8, 0x3a, 0x0a),
       .fault = isDark ? QColor(0xff, 0x6b, 0x60) : QColor(0xc6, 0x1f, 0x1a),
+      .region = Blend(text, base, kFrame),
   };
 }
 

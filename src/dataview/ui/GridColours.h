@@ -19,6 +19,7 @@ struct GridColours {
   QColor change;     // the mark of a value that has just changed
   QColor edited;     // the mark of a value that is not written
   QColor fault;      // the frame of a text that is refused
+  QColor region;     // the frame around the cells of a region
 
   [[nodiscard]] const QColor& OfType(OperandTypeCode type) const;
 };

@@ -8,9 +8,11 @@
 namespace kv::mdlDataTypesView {
 namespace {
 
-constexpr int kMargin = 4;            // between a text and the edge of its cell
-constexpr int kBar = 3;               // width of the bar of a change
-constexpr int kCorner = 7;            // side of the corner of an edit
+constexpr int kMargin = 4;  // between a text and the edge of its cell
+constexpr int kBar = 3;     // width of the bar of a change
+constexpr int kCorner = 7;  // side of the corner of an edit
+constexpr int kFrame = 1;   // width of a region's frame
+constexpr int kSelectedFrame = 2;
 constexpr double kSelected = 0.40;    // how much of the selection's colour lies over a cell
 constexpr double kJustNow = 0.45;     // the same of a change that has just been
 constexpr double kShortestBar = 0.3;  // of the cell's height, as long as there is a bar
@@ -24,8 +26,8 @@ CellEditDelegate::Fault FaultOf(const DataTypesView& view) {
 
 }  // namespace
 
-OperandDelegate::OperandDelegate(const DataTypesView& view)
-    : CellEditDelegate(FaultOf(view)), mView(view), mMetrics(mFont) {}
+OperandDelegate::OperandDelegate(const DataTypesView& view, const RegionFrames& frames)
+    : CellEditDelegate(FaultOf(view)), mView(view), mFrames(frames), mMetrics(mFont) {}
 
 void OperandDelegate::Follow(const QPalette& palette, const QFont& font) {
   mColours = ColoursFor(palette);
@@ -50,8 +52,9 @@ void OperandDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
                   .address = index.column(),
                   .change = mView.ChangeMark(type, index.column()),
                   .isEdited = operands.Origin(type, index.column()) == CellOrigin::Edited,
-                  .isKept = operands.IsKept(type, index.column())};
+                  .isOld = operands.IsOld(type, index.column())};
   PaintBackground(*painter, option, cell);
+  PaintFrame(*painter, option.rect, cell);
   PaintMarks(*painter, option.rect, cell);
   PaintText(*painter, option.rect, cell);
   PaintCursor(*painter, option);
@@ -79,13 +82,24 @@ void OperandDelegate::PaintMarks(QPainter& painter, const QRect& place, const Ce
   }
 }
 
+void OperandDelegate::PaintFrame(QPainter& painter, const QRect& place, const Cell& cell) const {
+  const RegionFrames::Cell frame = mFrames.At(cell.type, cell.address);
+  if (!frame.isInRegion) return;
+  const int width = frame.isSelected ? kSelectedFrame : kFrame;
+  const QColor& colour = frame.isSelected ? mColours.selection : mColours.region;
+  painter.fillRect(place.left(), place.top(), place.width(), width, colour);
+  painter.fillRect(place.left(), place.bottom() + 1 - width, place.width(), width, colour);
+  if (frame.isFirst) painter.fillRect(place.left(), place.top(), width, place.height(), colour);
+  if (frame.isLast) painter.fillRect(place.right() + 1 - width, place.top(), width, place.height(), colour);
+}
+
 void OperandDelegate::PaintText(QPainter& painter, const QRect& place, const Cell& cell) const {
   const std::string& text = mView.Operands().Text(cell.type, cell.address);
   if (text.empty()) return;
   const int room = place.width() - 2 * kMargin;
   const QString shown = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
   painter.setFont(cell.isEdited ? mItalic : mFont);
-  painter.setPen(cell.isKept ? mColours.faint : mColours.text);
+  painter.setPen(cell.isOld ? mColours.faint : mColours.text);
   const int width = static_cast<int>(shown.size()) * mDigitWidth;
   const int baseline = place.top() + (place.height() + mMetrics.ascent() - mMetrics.descent()) / 2;
   if (width <= room) {

@@ -5,6 +5,7 @@
 #include "dataview/DataTypesView.h"
 #include "dataview/ui/CellEditor.h"
 #include "dataview/ui/GridColours.h"
+#include "dataview/ui/RegionFrames.h"
 
 namespace kv::mdlDataTypesView {
 
@@ -14,11 +15,12 @@ namespace kv::mdlDataTypesView {
 //   background   writable, read-only or no operand
 //   bar, left    the value has just changed; it shrinks and pales while the change grows old
 //   corner       edited and not written; the text is italic as well
-//   faint text   kept from an earlier opening of the view, not read since
+//   frame        the cell is in a region; in the selected one it is thicker
+//   faint text   kept from an earlier opening of the view, or read before the controller was out of reach
 class OperandDelegate final : public CellEditDelegate {
  public:
-  // `view` outlives the delegate.
-  explicit OperandDelegate(const DataTypesView& view);
+  // Both outlive the delegate.
+  OperandDelegate(const DataTypesView& view, const RegionFrames& frames);
 
   // To be called when the palette or the grid's font has changed.
   void Follow(const QPalette& palette, const QFont& font);
@@ -31,15 +33,17 @@ class OperandDelegate final : public CellEditDelegate {
     std::int32_t address;
     double change;
     bool isEdited;
-    bool isKept;
+    bool isOld;
   };
 
   void PaintBackground(QPainter& painter, const QStyleOptionViewItem& option, const Cell& cell) const;
   void PaintText(QPainter& painter, const QRect& place, const Cell& cell) const;
   void PaintMarks(QPainter& painter, const QRect& place, const Cell& cell) const;
+  void PaintFrame(QPainter& painter, const QRect& place, const Cell& cell) const;
   static void PaintCursor(QPainter& painter, const QStyleOptionViewItem& option);
 
   const DataTypesView& mView;
+  const RegionFrames& mFrames;
   GridColours mColours;
   QFont mFont;
   QFont mItalic;

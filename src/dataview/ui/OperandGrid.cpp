@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "dataview/OperandCatalogue.h"
+#include "dataview/ui/MenuKey.h"
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/WindowGeometry.h"
 
@@ -14,6 +15,7 @@ namespace {
 constexpr int kUsualCharacters = 13;  // "-2147483648", "00:00:00.00", and a margin
 constexpr int kFewestCharacters = 4;
 constexpr int kMostCharacters = 40;
+constexpr int kFewestLines = 4;
 
 bool IsPrintable(const QKeyEvent& key) {
   return !key.text().isEmpty() && key.text().front().isPrint();
@@ -22,7 +24,7 @@ bool IsPrintable(const QKeyEvent& key) {
 }  // namespace
 
 OperandGrid::OperandGrid(DataTypesView& view, QWidget* parent)
-    : QTableView(parent), mView(view), mModel(view), mDelegate(view) {
+    : QTableView(parent), mView(view), mModel(view), mDelegate(view, mFrames) {
   setObjectName("vsfOperands");
   setAccessibleName("Operands");
   setFont(FixedFont(font()));
@@ -35,6 +37,7 @@ OperandGrid::OperandGrid(DataTypesView& view, QWidget* parent)
   setHorizontalScrollMode(ScrollPerItem);
   setVerticalScrollMode(ScrollPerItem);
   setContextMenuPolicy(Qt::CustomContextMenu);
+  setMinimumHeight(kFewestLines * fontMetrics().height());
   BuildHeaders();
   FollowLooks();
 }
@@ -90,7 +93,18 @@ void OperandGrid::GoTo(const OperandPlace& place) {
   const QModelIndex cell = mModel.index(RowOfType(place.type) - 1, column);
   if (!cell.isValid()) return;
   setCurrentIndex(cell);
-  if (isVisible()) scrollTo(cell);  // otherwise when it has its size
+  if (isVisible()) scrollTo(cell, PositionAtCenter);  // otherwise when it has its size
+}
+
+void OperandGrid::ShowRegion(const Region& region) {
+  const int row = RowOfType(region.type) - 1;
+  scrollTo(mModel.index(row, region.to));
+  scrollTo(mModel.index(row, region.from));
+}
+
+void OperandGrid::ShowFrames(std::span<const std::size_t> selectedRegions) {
+  mFrames.Follow(mView.Regions().Rows(), selectedRegions);
+  viewport()->update();
 }
 
 OperandTypeCode OperandGrid::CurrentType() const {
@@ -149,6 +163,8 @@ void OperandGrid::keyPressEvent(QKeyEvent* event) {
   if (isClear && onClear) {
     onClear();
     event->accept();
+  } else if (IsMenuKey(*event)) {
+    emit customContextMenuRequested(visualRect(currentIndex()).center());
   } else {
     QTableView::keyPressEvent(event);
   }

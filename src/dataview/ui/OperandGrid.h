@@ -2,6 +2,7 @@
 
 #include <QTableView>
 #include <functional>
+#include <span>
 
 #include "dataview/DataTypesView.h"
 #include "dataview/PlaceText.h"
@@ -27,7 +28,13 @@ class OperandGrid final : public QTableView {
   // The same without moving the cursor.
   void ShowHiddenRows();
 
+  // Moves the cursor to the operand, into the middle of what is seen.
   void GoTo(const OperandPlace& place);
+  // Brings a region's cells into sight; cursor and selection stay.
+  void ShowRegion(const Region& region);
+  // Draws the frames around the regions' cells anew.
+  void ShowFrames(std::span<const std::size_t> selectedRegions);
+  [[nodiscard]] bool IsEditing() const { return state() == EditingState; }
   [[nodiscard]] OperandTypeCode CurrentType() const;
 
   // Empty when nothing is selected.
@@ -56,6 +63,7 @@ class OperandGrid final : public QTableView {
   void GoRight();
 
   DataTypesView& mView;
+  RegionFrames mFrames;
   OperandModel mModel;
   OperandDelegate mDelegate;
 };

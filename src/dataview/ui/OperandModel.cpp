@@ -74,11 +74,16 @@ QString OperandModel::Describe(const QModelIndex& index) const {
     case CellOrigin::None:
       return place + ": not read";
     case CellOrigin::Read:
-      return place + ": " + value + (operands.IsKept(type, index.column()) ? ", kept from before; not read since" : "");
+      return place + ": " + value + AgeOf(type, index.column());
     case CellOrigin::Edited:
       return place + ": " + value + ", edited and not written";
   }
   return place;
+}
+
+QString OperandModel::AgeOf(OperandTypeCode type, int address) const {
+  if (mView.Operands().IsKept(type, address)) return ", kept from before; not read since";
+  return mView.Operands().IsOld(type, address) ? ", read before the connection was lost" : "";
 }
 
 QVariant OperandModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -28,6 +28,7 @@ class OperandModel final : public QAbstractTableModel {
   bool setData(const QModelIndex& index, const QVariant& value, int role) override;
 
  private:
+  [[nodiscard]] QString AgeOf(OperandTypeCode type, int address) const;
   [[nodiscard]] QString Describe(const QModelIndex& index) const;
   [[nodiscard]] QVariant TypeHeader(int row, int role) const;
 

@@ -13,6 +13,8 @@ namespace kv::mdlDataTypesView {
 namespace {
 
 constexpr int kMargin = 4;
+constexpr int kBar = 3;            // width of the bar of a change
+constexpr double kJustNow = 0.45;  // how much of its colour lies over a change that has just been
 
 template <typename Codes, typename Name>
 void Fill(QComboBox& list, const Codes& codes, Name name) {
@@ -59,6 +61,12 @@ void RegionValuesDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
   const GridColours colours = ColoursFor(option.palette);
   const bool isSelected = option.state.testFlag(QStyle::State_Selected);
   if (isSelected) painter->fillRect(option.rect, colours.selection);
+  if (const double mark = mModel.MarkOf(index.row()); mark > 0) {
+    if (!isSelected)
+      painter->fillRect(option.rect, Blend(option.palette.color(QPalette::Base), colours.change, kJustNow * mark));
+    const int height = std::max(1, static_cast<int>(option.rect.height() * mark));
+    painter->fillRect(option.rect.left(), option.rect.bottom() + 1 - height, kBar, height, colours.change);
+  }
   const QColor text = isSelected ? option.palette.color(QPalette::HighlightedText) : colours.text;
   QRect place = option.rect.adjusted(kMargin, 0, -kMargin, 0);
 
@@ -71,7 +79,7 @@ void RegionValuesDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
   }
   const QFont font = FixedFont(option.font);
   painter->setFont(font);
-  painter->setPen(text);
+  painter->setPen(!isSelected && mModel.HasOld(index.row()) ? colours.faint : text);
   const QString values = QString::fromStdString(mModel.RowAt(index.row()).values);
   painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
                     QFontMetrics(font).elidedText(values, Qt::ElideRight, std::max(0, place.width())));

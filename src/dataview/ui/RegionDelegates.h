@@ -23,7 +23,8 @@ class ChoiceDelegate final : public QStyledItemDelegate {
   const RegionModel& mModel;
 };
 
-// The values of a region in the fixed-width face, and behind them their age while they are not refreshed.
+// The values of a region in the fixed-width face, and behind them their age while they are not refreshed. Values that
+// have just changed are marked as in the operand grid; old ones are faint.
 class RegionValuesDelegate final : public QStyledItemDelegate {
  public:
   explicit RegionValuesDelegate(const RegionModel& model) : mModel(model) {}

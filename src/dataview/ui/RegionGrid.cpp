@@ -2,9 +2,12 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPainter>
 #include <algorithm>
 #include <array>
 
+#include "dataview/ui/GridColours.h"
+#include "dataview/ui/MenuKey.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv::mdlDataTypesView {
@@ -14,6 +17,10 @@ namespace {
 constexpr std::array<int, kRegionColumnCount> kUsualCharacters{0, 20, 8, 8, 26, 10, 13, 30};
 constexpr int kNarrowest = 20;  // pixels; a column that was dragged to nothing could not be found again
 constexpr int kWidest = 4000;
+constexpr int kFewestLines = 4;
+constexpr int kMargin = 8;
+constexpr const char* kNoRegions =
+    "No regions yet: select operands in the grid above and press Add (Ctrl+R), or load a region file (Ctrl+O).";
 
 constexpr int ColumnOf(RegionColumn column) {
   return static_cast<int>(column);
@@ -30,6 +37,7 @@ RegionGrid::RegionGrid(DataTypesView& view, QWidget* parent)
       mValues(mModel) {
   setObjectName("vsfRegions");
   setAccessibleName("Regions");
+  setAccessibleDescription("The operands that are read and written; Add makes a region of selected operands");
   setModel(&mModel);
   setItemDelegateForColumn(ColumnOf(RegionColumn::Description), &mText);
   setItemDelegateForColumn(ColumnOf(RegionColumn::Size), &mChoice);
@@ -41,6 +49,8 @@ RegionGrid::RegionGrid(DataTypesView& view, QWidget* parent)
   setEditTriggers(DoubleClicked | EditKeyPressed | SelectedClicked);
   setTabKeyNavigation(false);
   setWordWrap(false);
+  setContextMenuPolicy(Qt::CustomContextMenu);
+  setMinimumHeight(kFewestLines * fontMetrics().height());
   BuildHeaders();
 }
 
@@ -91,9 +101,20 @@ void RegionGrid::keyPressEvent(QKeyEvent* event) {
   if (isRemove && onRemove) {
     onRemove();
     event->accept();
+  } else if (IsMenuKey(*event)) {
+    emit customContextMenuRequested(visualRect(currentIndex()).center());
   } else {
     QTableView::keyPressEvent(event);
   }
+}
+
+void RegionGrid::paintEvent(QPaintEvent* event) {
+  QTableView::paintEvent(event);
+  if (mModel.rowCount() > 0) return;
+  QPainter painter(viewport());
+  painter.setPen(ColoursFor(palette()).faint);
+  painter.drawText(viewport()->rect().adjusted(kMargin, 0, -kMargin, 0), Qt::AlignCenter | Qt::TextWordWrap,
+                   kNoRegions);
 }
 
 }  // namespace kv::mdlDataTypesView

@@ -25,6 +25,7 @@ class RegionGrid final : public QTableView {
   // Takes over the column widths as they are kept.
   void ShowSettings();
 
+  [[nodiscard]] bool IsEditing() const { return state() == EditingState; }
   // Takes the description that is being typed.
   bool TakeTyped() { return mText.TakeTyped(*this); }
 
@@ -40,6 +41,8 @@ class RegionGrid final : public QTableView {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  // What to do, where there are no regions.
+  void paintEvent(QPaintEvent* event) override;
 
  private:
   void BuildHeaders();

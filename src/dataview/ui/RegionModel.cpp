@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 
 #include "dataview/OperandCatalogue.h"
 
@@ -74,12 +75,21 @@ QString RegionModel::AgeOf(int row) const {
   return HasKept(row) ? "from before" : "";
 }
 
-bool RegionModel::HasKept(int row) const {
+template <typename IsSo>
+bool RegionModel::HasCell(int row, IsSo isSo) const {
   const Region& region = RowAt(row).region;
   for (std::int32_t address = region.from; address <= region.to; ++address) {
-    if (mView.Operands().IsKept(region.type, address)) return true;
+    if (isSo(mView.Operands(), region.type, address)) return true;
   }
   return false;
+}
+
+bool RegionModel::HasKept(int row) const {
+  return HasCell(row, std::mem_fn(&OperandStore::IsKept));
+}
+
+bool RegionModel::HasOld(int row) const {
+  return HasCell(row, std::mem_fn(&OperandStore::IsOld));
 }
 
 int RegionModel::rowCount(const QModelIndex& parent) const {

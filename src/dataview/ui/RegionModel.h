@@ -26,6 +26,10 @@ class RegionModel final : public QAbstractTableModel {
 
   // Whether some of its values are those that the session kept.
   [[nodiscard]] bool HasKept(int row) const;
+  // The same, or were read before the controller was out of reach.
+  [[nodiscard]] bool HasOld(int row) const;
+  // How fresh the last change of its values is: DataTypesView::RegionMark.
+  [[nodiscard]] double MarkOf(int row) const { return mView.RegionMark(static_cast<std::size_t>(row)); }
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
@@ -35,6 +39,8 @@ class RegionModel final : public QAbstractTableModel {
   bool setData(const QModelIndex& index, const QVariant& value, int role) override;
 
  private:
+  template <typename IsSo>
+  [[nodiscard]] bool HasCell(int row, IsSo isSo) const;
   void MergeRows();
   void Copy(int first, int last);
   [[nodiscard]] QString Text(const RegionRow& row, RegionColumn column) const;

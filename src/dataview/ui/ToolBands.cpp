@@ -10,6 +10,7 @@
 #include <QToolButton>
 
 #include "desktop/ui/Commands.h"
+#include "desktop/ui/ElidedLabel.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -33,7 +34,8 @@ ToolBands::ToolBands(QWidget& window, OnTool onTool) : QObject(&window), mWindow
   mRegionBand = MakeBand("BandRegions", "ToolRegions", "Reg&ions", RegionBandTools());
   mOperandBand = MakeBand("BandOperands", "ToolOperands", "Operan&ds", OperandBandTools());
   AddGoTo(*static_cast<QHBoxLayout*>(mOperandBand->layout()));
-  BuildPopup();
+  mPopup = MakePopup("popMenu", PopupTools());
+  mRegionPopup = MakePopup("popRegions", RegionPopupTools());
 }
 
 void ToolBands::MakeAction(const ViewCommand& each) {
@@ -71,7 +73,11 @@ void ToolBands::BuildMenuBand() {
   onLine->setFocusPolicy(Qt::TabFocus);
   auto* band = new QHBoxLayout(mMenuBand);
   band->setContentsMargins({});
-  band->addWidget(menus, 1);
+  mController = new ElidedLabel(mMenuBand);
+  mController->setObjectName("lblController");
+  mController->setAccessibleName("Model and link of the operands");
+  band->addWidget(menus);
+  band->addWidget(mController, 1);
   band->addWidget(onLine);
 }
 
@@ -111,17 +117,22 @@ void ToolBands::AddGoTo(QHBoxLayout& band) {
   band.addWidget(mGoTo);
 }
 
-void ToolBands::BuildPopup() {
-  mPopup = new QMenu(&mWindow);
-  mPopup->setObjectName("popMenu");
-  mPopup->setToolTipsVisible(true);
-  for (const std::string_view id : PopupTools()) {
+QMenu* ToolBands::MakePopup(const char* name, std::span<const std::string_view> ids) {
+  auto* popup = new QMenu(&mWindow);
+  popup->setObjectName(name);
+  popup->setToolTipsVisible(true);
+  for (const std::string_view id : ids) {
     if (id.empty()) {
-      mPopup->addSeparator();
+      popup->addSeparator();
     } else {
-      mPopup->addAction(&Action(id));
+      popup->addAction(&Action(id));
     }
   }
+  return popup;
+}
+
+void ToolBands::ShowController(const QString& text) {
+  mController->SetFullText(text);
 }
 
 void ToolBands::Show(const WhyNot& whyNot, bool isOnline, const QString& undo, const QString& redo) {

@@ -14,6 +14,10 @@ class QLineEdit;
 class QMenu;
 class QWidget;
 
+namespace kv {
+class ElidedLabel;
+}
+
 namespace kv::mdlDataTypesView {
 
 // The commands of the view and the bands in which they lie: the menus with On Line, and one band over each grid.
@@ -31,8 +35,11 @@ class ToolBands final : public QObject {
   // Where the place to go to is entered.
   [[nodiscard]] QLineEdit& GoToLine() const { return *mGoTo; }
   [[nodiscard]] QMenu& Popup() const { return *mPopup; }
+  [[nodiscard]] QMenu& RegionPopup() const { return *mRegionPopup; }
   [[nodiscard]] QAction& Action(std::string_view id) const { return *mActions.at(id); }
 
+  // Names the controller beside the menus.
+  void ShowController(const QString& text);
   // Which tools can be used, whether the view is on line, and what undo and redo would do.
   void Show(const WhyNot& whyNot, bool isOnline, const QString& undo, const QString& redo);
 
@@ -41,7 +48,7 @@ class ToolBands final : public QObject {
   void BuildMenuBand();
   QWidget* MakeBand(const char* name, const char* tools, const QString& heading, std::span<const std::string_view> ids);
   void AddGoTo(QHBoxLayout& band);
-  void BuildPopup();
+  [[nodiscard]] QMenu* MakePopup(const char* name, std::span<const std::string_view> ids);
   void ShowHistory(std::string_view id, const QString& text, const char* otherwise);
 
   QWidget& mWindow;
@@ -52,6 +59,8 @@ class ToolBands final : public QObject {
   QWidget* mOperandBand = nullptr;
   QLineEdit* mGoTo = nullptr;
   QMenu* mPopup = nullptr;
+  QMenu* mRegionPopup = nullptr;
+  ElidedLabel* mController = nullptr;
 };
 
 }  // namespace kv::mdlDataTypesView

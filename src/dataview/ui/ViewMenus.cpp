@@ -21,7 +21,7 @@ constexpr std::array kFile{
     ViewCommand{"ID_ExportToCSV",      "Export to &CSV...",                "Ctrl+Shift+E", "Writes the values of the operand grid to a text file",               Picture::Table,      ""},
     ViewCommand{"ID_ImportFromCSV",    "Import from CS&V...",              "Ctrl+Shift+I", "Takes values for the operand grid from a text file",                 Picture::Table,      ""},
     kSeparator,
-    ViewCommand{kClose,                "Cl&ose",                           "Ctrl+W",       "Ends the on-line mode, keeps both grids in the session and closes",  Picture::Exit,       ""},
+    ViewCommand{kClose,                "Cl&ose",                           "Ctrl+W",       "Ends watching, keeps both grids in the session and closes",           Picture::Exit,       ""},
 };
 constexpr std::array kEdit{
     ViewCommand{kUndo,                 "&Undo",                            "Ctrl+Z",       "Takes the last change of the grids back",                            Picture::Undo,       "Undo"},
@@ -39,7 +39,7 @@ constexpr std::array kRegions{
     ViewCommand{kRemoveRegion,         "&Remove",                          "Ctrl+Shift+R", "Removes the regions that are selected in the regions table",         Picture::Remove,     "Remove"},
 };
 constexpr std::array kController{
-    ViewCommand{kOnLine,               "&On Line",                         "F9",           "Reads all regions again and again",                                  Picture::Online,     "On Line"},
+    ViewCommand{kOnLine,               "&Watch",                           "F9",           "Reads all regions again and again, and marks what changes",          Picture::Online,     "Watch"},
     kSeparator,
     ViewCommand{"ID_ReadRegions",      "&Read Regions",                    "F5",           "Reads all regions from the controller",                              Picture::Read,       "Read"},
     ViewCommand{"ID_WriteRegions",     "&Write Regions",                   "F8",           "Writes the values of all regions to the controller",                 Picture::Write,      "Write"},
@@ -76,6 +76,9 @@ constexpr std::array<std::string_view, 10> kOperandBand{
     "ID_ReadAll", "ID_WriteAll", "ID_TakeAllValues", "", kUndo, kRedo, "", kCut, kCopy, kPaste};
 constexpr std::array<std::string_view, 9> kPopup{kAddRegion, "", kCut, kCopy, kPaste, kClear, "", kHideRows, kShowRows};
 
+constexpr std::array<std::string_view, 8> kRegionPopup{kOnLine, "ID_ReadRegions", "ID_WriteRegions", "", kRemoveRegion,
+                                                       "",      "ID_LoadRegions", "ID_SaveRegions"};
+
 }  // namespace
 
 std::span<const ViewMenu> ViewMenus() {
@@ -92,6 +95,10 @@ std::span<const std::string_view> OperandBandTools() {
 
 std::span<const std::string_view> PopupTools() {
   return kPopup;
+}
+
+std::span<const std::string_view> RegionPopupTools() {
+  return kRegionPopup;
 }
 
 }  // namespace kv::mdlDataTypesView

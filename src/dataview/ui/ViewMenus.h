@@ -32,6 +32,8 @@ struct ViewMenu {
 [[nodiscard]] std::span<const std::string_view> OperandBandTools();
 // Those of the popup menu of the operand grid.
 [[nodiscard]] std::span<const std::string_view> PopupTools();
+// Those of the popup menu of the regions table.
+[[nodiscard]] std::span<const std::string_view> RegionPopupTools();
 
 namespace command {
 inline constexpr std::string_view kOnLine = "ID_OnLine";

@@ -1,21 +1,24 @@
 #include "dataview/ui/ViewStatusBar.h"
 
 #include <QLabel>
+#include <QTime>
+#include <chrono>
 
 namespace kv::mdlDataTypesView {
 namespace {
 
 constexpr int kErrorCharacters = 24;
-constexpr double kManyPasses = 10.0;  // from here on tenths are noise
+constexpr double kManyPasses = 10.0;    // from here on tenths are noise
+constexpr double kMostPasses = 1000.0;  // and from here on all digits are
 
 QString ModeText(const ViewStatus& status) {
   switch (status.mode) {
     case ViewMode::Idle:
-      return status.linkLost ? "Connection lost" : "Off line";
+      return status.loss ? "Connection lost" : "Not watching";
     case ViewMode::Busy:
       return "Busy";
     case ViewMode::Online:
-      return "On line";
+      return "Watching";
   }
   return {};
 }
@@ -25,7 +28,16 @@ QString PassesText(const ViewStatus& status) {
   if (status.passes == 0) return QString("First pass: %1 of %2 regions").arg(status.done).arg(status.total);
   const double aSecond = status.passesPerSecond;
   if (aSecond == 0.0) return QString("Counting");
+  if (aSecond > kMostPasses) return QString("over %1 passes/s").arg(kMostPasses);
   return QString("%1 passes/s").arg(aSecond, 0, 'f', aSecond < kManyPasses ? 1 : 0);
+}
+
+// "14:05:09"
+QString TimeText(std::chrono::local_seconds time) {
+  const std::chrono::hh_mm_ss clock(time - std::chrono::floor<std::chrono::days>(time));
+  return QTime(static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+               static_cast<int>(clock.seconds().count()))
+      .toString("hh:mm:ss");
 }
 
 }  // namespace
@@ -55,14 +67,15 @@ void ViewStatusBar::Show(const ViewStatus& status, const QString& age) {
   SetField(*mMode, ModeText(status));
 }
 
-// Stays when the next command goes well: a user who looks up later still sees that something failed.
+// Stays until a command does what it was asked: a user who looks up later still sees that something failed, and when.
 void ViewStatusBar::ShowError(const ViewStatus& status) {
-  if (!status.isError) return;
-  const QString error = QString::fromStdString(status.message);
+  if (!status.lastError) return SetField(*mError, {});
+  const QString error = QString::fromStdString(status.lastError->text);
   const QString line = error.section('\n', 0, 0).remove('\r');
   const int room = kErrorCharacters * fontMetrics().averageCharWidth();
-  SetField(*mError, "Last error: " + fontMetrics().elidedText(line, Qt::ElideRight, room));
-  mError->setToolTip(error);
+  const QString time = TimeText(status.lastError->at);
+  SetField(*mError, "Last error " + time + ": " + fontMetrics().elidedText(line, Qt::ElideRight, room));
+  mError->setToolTip(time + "\n" + error);
   mError->setAccessibleDescription(error);
 }
 

@@ -8,11 +8,13 @@
 #include <QMenu>
 #include <QSplitter>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "dataview/PlaceText.h"
 #include "dataview/ui/OperandGrid.h"
 #include "dataview/ui/RegionGrid.h"
 #include "dataview/ui/ToolBands.h"
+#include "dataview/ui/ViewBanner.h"
 #include "dataview/ui/ViewStatusBar.h"
 #include "desktop/ui/Icons.h"
 
@@ -23,6 +25,7 @@ using namespace mdlDataTypesView;
 namespace {
 
 constexpr QSize kFirstSize(1180, 760);
+constexpr QSize kSmallest(480, 320);
 constexpr std::chrono::milliseconds kFadeInterval{100};
 constexpr std::chrono::seconds kAgeInterval{1};
 // A single answer that takes longer is shown as a wait, so that it can be cancelled.
@@ -65,36 +68,42 @@ frmDataTypesView::~frmDataTypesView() = default;
 void frmDataTypesView::BuildGrids() {
   mOperands = new OperandGrid(mView, this);
   mRegions = new RegionGrid(mView, this);
-  mOperands->onRefusedEdit = [this](const QString& why) { mStatus->ShowText(why); };
+  mOperands->onRefusedEdit = [this](const QString& why) { mView.Refuse(why.toStdString()); };
   mOperands->onClear = [this] { OnTool(command::kClear); };
   mRegions->onRemove = [this] { OnTool(command::kRemoveRegion); };
   connect(mOperands->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
     mView.Select(mOperands->SelectedRectangle());
     mToolsTimer.start();
   });
-  connect(mRegions->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
-    mView.SelectRegions(mRegions->SelectedRegions());
-    mToolsTimer.start();
-  });
+  connect(mRegions->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { OnRegionsSelected(); });
   connect(mOperands, &QWidget::customContextMenuRequested, this,
           [this](const QPoint& at) { mTools->Popup().popup(mOperands->viewport()->mapToGlobal(at)); });
+  connect(mRegions, &QWidget::customContextMenuRequested, this,
+          [this](const QPoint& at) { mTools->RegionPopup().popup(mRegions->viewport()->mapToGlobal(at)); });
+  mOperands->ShowFrames({});
 }
 
 void frmDataTypesView::BuildTools() {
   mTools = new ToolBands(*this, [this](std::string_view id) { OnTool(id); });
   connect(&mTools->GoToLine(), &QLineEdit::returnPressed, this, [this] { GoToPlace(); });
   mStatus = new ViewStatusBar(this);
+  mBanner = new ViewBanner(mView, this);
+  mBanner->onWatchAgain = [this] { WatchAgain(false); };
 }
 
 void frmDataTypesView::BuildTimers() {
   mToolsTimer.setSingleShot(true);
   connect(&mToolsTimer, &QTimer::timeout, this, [this] { ShowTools(); });
   mFadeTimer.setInterval(kFadeInterval);
-  connect(&mFadeTimer, &QTimer::timeout, this, [this] { mOperands->Fade(); });
+  connect(&mFadeTimer, &QTimer::timeout, this, [this] {
+    mOperands->Fade();
+    mRegions->ShowAges();
+  });
   mAgeTimer.setInterval(kAgeInterval);
   connect(&mAgeTimer, &QTimer::timeout, this, [this] {
     ShowStatus();
     mRegions->ShowAges();
+    TryToWatchAgain();
   });
   mStallTimer.setSingleShot(true);
   mStallTimer.setInterval(kStallLimit);
@@ -111,9 +120,14 @@ void frmDataTypesView::Arrange() {
   panes->setStretchFactor(1, 2);
   auto* page = new QVBoxLayout(this);
   page->addWidget(&mTools->MenuBand());
+  page->addWidget(mBanner);
   page->addWidget(panes, 1);
   page->addWidget(mStatus);
   page->setContentsMargins(6, 2, 6, 0);
+  // A banner that comes takes its room from the grids: a window that grew for it would leave a small screen, and stay
+  // large when the banner goes.
+  page->setSizeConstraint(QLayout::SetNoConstraint);
+  setMinimumSize(kSmallest);
   resize(kFirstSize);
 }
 
@@ -122,7 +136,18 @@ void frmDataTypesView::GridsChanged(const GridChanges& changes) {
   mOperands->Follow(changes);
   mRegions->Follow(changes);
   // Rows that come or go above the selected ones move them without a signal.
-  if (changes.regionRowsReplaced) mView.SelectRegions(mRegions->SelectedRegions());
+  if (changes.regionRowsReplaced) {
+    mView.SelectRegions(mRegions->SelectedRegions());
+    mOperands->ShowFrames(mRegions->SelectedRegions());
+  }
+}
+
+void frmDataTypesView::OnRegionsSelected() {
+  const std::vector<std::size_t> selected = mRegions->SelectedRegions();
+  mView.SelectRegions(selected);
+  mOperands->ShowFrames(selected);
+  if (!selected.empty()) mOperands->ShowRegion(mView.Regions().Rows()[selected.front()].region);
+  mToolsTimer.start();
 }
 
 void frmDataTypesView::StatusChanged() {
@@ -135,6 +160,12 @@ void frmDataTypesView::StatusChanged() {
 
 void frmDataTypesView::ShowStatus() {
   mStatus->Show(mView.Status(), OldestAge());
+  mTools->ShowController(QString::fromStdString(mView.ControllerText()));
+  mBanner->Follow();
+  const bool isLost = mView.Status().loss.has_value();
+  if (isLost == std::exchange(mWasLost, isLost)) return;
+  mOperands->Fade();  // old values are pale
+  mRegions->ShowAges();
 }
 
 void frmDataTypesView::ShowTools() {
@@ -207,6 +238,23 @@ void frmDataTypesView::OnTool(std::string_view id) {
   ShowTools();
 }
 
+void frmDataTypesView::WatchAgain(bool isByItself) {
+  if (!TakeTyped()) return;
+  mRunning = isByItself ? "Looking for the controller" : "Going on line again";
+  mView.WatchAgain(isByItself);
+  mPacer.ClearStop();
+  ShowTools();
+}
+
+// Out of the timer that asks: watching goes on for hours.
+void frmDataTypesView::TryToWatchAgain() {
+  if (!mView.IsTryDue() || mOperands->IsEditing() || mRegions->IsEditing()) return;
+  if (QApplication::activePopupWidget() || (QApplication::activeModalWidget() && !isActiveWindow())) return;
+  QTimer::singleShot(0, this, [this] {
+    if (mView.IsTryDue()) WatchAgain(true);
+  });
+}
+
 // Shortcuts and buttons leave an editor open: a write would send the text that was there before.
 bool frmDataTypesView::TakeTyped() {
   return mOperands->TakeTyped() && mRegions->TakeTyped();
@@ -247,7 +295,7 @@ void frmDataTypesView::ShowRows() {
 void frmDataTypesView::GoToPlace() {
   const auto place = ParsePlace(mTools->GoToLine().text().toStdString(), mOperands->CurrentType(), mView.Operands());
   if (!place) {
-    mStatus->ShowText(QString::fromStdString(place.error()));
+    mView.Refuse(place.error());
     return mTools->GoToLine().selectAll();
   }
   mOperands->GoTo(*place);

@@ -15,6 +15,7 @@ namespace mdlDataTypesView {
 class OperandGrid;
 class RegionGrid;
 class ToolBands;
+class ViewBanner;
 class ViewStatusBar;
 }  // namespace mdlDataTypesView
 
@@ -45,6 +46,10 @@ class frmDataTypesView final : public QDialog, private mdlDataTypesView::GridLis
   void OnTool(std::string_view id);
   // What is typed into either grid; false when it is refused.
   bool TakeTyped();
+  void WatchAgain(bool isByItself);
+  // After a loss, where the user wants it.
+  void TryToWatchAgain();
+  void OnRegionsSelected();
   bool OnWindowTool(std::string_view id);
   [[nodiscard]] QString WhyNot(std::string_view id) const;
   void ShowTools();
@@ -67,7 +72,9 @@ class frmDataTypesView final : public QDialog, private mdlDataTypesView::GridLis
   mdlDataTypesView::OperandGrid* mOperands = nullptr;
   mdlDataTypesView::RegionGrid* mRegions = nullptr;
   mdlDataTypesView::ToolBands* mTools = nullptr;
+  mdlDataTypesView::ViewBanner* mBanner = nullptr;
   mdlDataTypesView::ViewStatusBar* mStatus = nullptr;
+  bool mWasLost = false;  // when the status was shown last
   std::optional<BusyState> mBusy;
   QString mRunning;    // the command that runs, for the busy state
   QTimer mToolsTimer;  // several changes of the selection show the tools once
