@@ -16,6 +16,7 @@
 #include "clone/CloneOutcome.h"
 #include "clone/CloneSegment.h"
 #include "clone/DumpWindow.h"
+#include "clone/RestoreReach.h"
 #include "desktop/Pacer.h"
 #include "desktop/Prompts.h"
 #include "desktop/WallClock.h"
@@ -68,6 +69,8 @@ class clsDumpPLC {
 
   // How the operation ended; Done before there was one.
   [[nodiscard]] const CloneOutcome& Outcome() const { return mOutcome; }
+  // How far a restore came.
+  [[nodiscard]] const RestoreReach& Reach() const { return mReach; }
 
   // Of a create that went through: digests of the bytes that were read and written, and how it was made. Serial number,
   // project, user and comment are for the caller to fill in.
@@ -104,7 +107,6 @@ class clsDumpPLC {
   void WaitTurn(SerialPortObject& port, std::string_view line, std::string& reply);
   void TakeInput(SerialPortObject& port, std::string& reply);
   [[nodiscard]] CloneOutcome PortFailure(CloneCause cause, const std::string& reason) const;
-  [[nodiscard]] std::string WhatIsLeft() const;
 
   void Show(std::string_view text, PromptIcon icon);
   [[nodiscard]] bool IsStopRequested() const { return mIsStopped || mPacer.StopRequested(); }
@@ -122,10 +124,9 @@ class clsDumpPLC {
 
   // Of a restore.
   const Channel* mLink = nullptr;
-  std::string mOldLinkError;    // what its last error was before
-  std::int64_t mCommands = 0;   // lines to send
-  std::int64_t mSentLines = 0;  // that were answered with OK
-  std::string mLineBefore;      // the last of them
+  std::string mOldLinkError;  // what its last error was before
+  RestoreReach mReach;
+  std::string mLineBefore;  // the last that was answered
   std::optional<std::uint8_t> mUnit;
 };
 

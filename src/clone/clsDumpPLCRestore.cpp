@@ -68,13 +68,12 @@ CloneOutcome WithoutOk(std::string_view reply) {
 void clsDumpPLC::RestoreGhost(SerialPortObject& port, const std::filesystem::path& file, const Channel* link) {
   mLink = link;
   mOldLinkError = link == nullptr ? "" : link->LastError().Text();
-  mCommands = 0;
-  mSentLines = 0;
+  mReach = {};
   mLineBefore.clear();
   const Step restored = Restore(port, file);
   mOutcome = restored ? WithoutEnd(file) : restored.error();
   if (restored) return Show("Clone Restore Successfully.", PromptIcon::Information);
-  if (const std::string left = WhatIsLeft(); !left.empty()) mOutcome.reason += "\n" + left;
+  if (const std::string left = LeftText(mReach); !left.empty()) mOutcome.reason += "\n" + left;
   Show(kOperationFailed, PromptIcon::None);
 }
 
@@ -82,23 +81,10 @@ void clsDumpPLC::RestoreGhost(SerialPortObject& port, const std::filesystem::pat
 CloneOutcome clsDumpPLC::WithoutEnd(const std::filesystem::path& file) const {
   const std::string_view last(mLineBefore);
   const auto frame = ParseCloneFrame(last.substr(0, last.find('\r') + 1));  // whatever line end is left behind it
-  if (mSentLines == 0 || (frame && frame->isEnd)) return {};
+  if (mReach.written == 0 || (frame && frame->isEnd)) return {};
   return CloneOutcome::OfFile({Utf8FromPath(file), "",
                                "it has no end frame, so the controller still waits for the rest: it is left loading, "
                                "its program stopped, its memory part of the clone. Restore a whole file"});
-}
-
-std::string clsDumpPLC::WhatIsLeft() const {
-  if (mSentLines == 0) {
-    const bool isUnsure = mOutcome.cause == CloneCause::Reply && mOutcome.link.code != LinkErrorCode::Refused;
-    return isUnsure ? "The controller may have taken the line all the same: its program is then stopped, and the rest "
-                      "of that segment erased."
-                    : "";
-  }
-  if (mSentLines >= mCommands) return "All lines of the clone file were written before.";
-  return std::to_string(mSentLines) + " of " + std::to_string(mCommands) +
-         " lines of the clone file were written before and stay so: the controller's memory is part of the clone, and "
-         "its program is stopped. Restore the whole file again.";
 }
 
 CloneOutcome clsDumpPLC::PortFailure(CloneCause cause, const std::string& reason) const {
@@ -113,8 +99,8 @@ CloneOutcome clsDumpPLC::PortFailure(CloneCause cause, const std::string& reason
 clsDumpPLC::Step clsDumpPLC::Restore(SerialPortObject& port, const std::filesystem::path& file) {
   const auto commands = ShowHead(file);
   if (!commands) return std::unexpected(commands.error());
-  mCommands = *commands;
-  mWindow.Event_ProgressBarInit(0, mCommands);
+  mReach.lines = *commands;
+  mWindow.Event_ProgressBarInit(0, mReach.lines);
 
   auto stream = OpenCloneFile(file);
   if (!stream) return std::unexpected(CloneOutcome::OfFile(stream.error()));
@@ -129,7 +115,7 @@ clsDumpPLC::Step clsDumpPLC::RestoreLines(SerialPortObject& port, CloneLineReade
   while (true) {
     const auto line = lines.Next();
     if (!line) return std::unexpected(CloneOutcome::OfFile(line.error()));
-    if (!*line || mSentLines == mCommands) return CheckAllWasSent(lines, line->has_value());
+    if (!*line || mReach.written == mReach.lines) return CheckAllWasSent(lines, line->has_value());
     const std::string frame = mUnit ? WithUnit(**line, *mUnit) : std::string(**line);
     if (auto sent = RestoreLine(port, frame, lines.LineNumber()); !sent) return sent;
   }
@@ -137,11 +123,11 @@ clsDumpPLC::Step clsDumpPLC::RestoreLines(SerialPortObject& port, CloneLineReade
 
 // Nobody keeps the file as it was when its lines were counted.
 clsDumpPLC::Step clsDumpPLC::CheckAllWasSent(const CloneLineReader& lines, bool hasMore) const {
-  if (!hasMore && mSentLines == mCommands) return {};
+  if (!hasMore && mReach.written == mReach.lines) return {};
   return std::unexpected(CloneOutcome::OfFile(
       {lines.Name(), "line " + std::to_string(lines.LineNumber() + (hasMore ? 0 : 1)),
-       "it was changed while it was sent: it had " + std::to_string(mCommands) + " command lines before, and now has " +
-           (hasMore ? "more" : std::to_string(mSentLines))}));
+       "it was changed while it was sent: it had " + std::to_string(mReach.lines) + " command lines before, and now has " +
+           (hasMore ? "more" : std::to_string(mReach.written))}));
 }
 
 std::expected<std::int64_t, CloneOutcome> clsDumpPLC::ShowHead(const std::filesystem::path& file) {
@@ -158,11 +144,14 @@ clsDumpPLC::Step clsDumpPLC::RestoreLine(SerialPortObject& port, std::string_vie
   mWindow.Event_AddWriteCommand(line);
   Step done = SendCloneCommand(port, line);
   if (done) done = WaitCloneReply(port, line);
+  mReach.isUnsure = !done && done.error().link.code != LinkErrorCode::Refused;
   if (!done) {
+    const auto frame = ParseCloneFrame(line);
+    mReach.isEnd = frame && frame->isEnd;
     done.error().reason = "Line " + std::to_string(number) + " of the clone file: " + done.error().reason;
     return done;
   }
-  mWindow.Event_ProgressBarValue(++mSentLines);
+  mWindow.Event_ProgressBarValue(++mReach.written);
   if (IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
   return {};
 }

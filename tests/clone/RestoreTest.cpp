@@ -237,6 +237,34 @@ TEST(RestoreGhost, SendsTheLinesForAnotherUnitWhenToldTo) {
   EXPECT_EQ(sent, (CallLog{"/2AWDR0030000002ABCD4F\r", "/01noise\r", "/2AEDFC\r"}));  // damage stays damage
 }
 
+TEST(RestoreReach, SaysOfTheProgramWhatIsKnownAndNoMore) {
+  struct Row {
+    RestoreReach reach;
+    char state;  // as the controller tells it afterwards; blank: it does not answer
+    std::vector<std::string> said;
+  };
+  const std::vector<Row> rows = {
+      {{9, 0, false, false}, 'R', {}},
+      {{9, 0, true, false}, 'R', {"may have taken the line", "its program runs on memory that may be a mixture"}},
+      {{9, 4, false, false}, 'L', {"4 of 9 lines", "When it answered last, its program was stopped. Restore", "it is loading"}},
+      {{9, 4, true, false}, 'R', {"4 of 9 lines", "If it has lost its power since", "runs on memory that may be a mixture"}},
+      {{9, 4, true, false}, ' ', {"If it has lost its power since", "did not tell: no reply"}},
+      {{9, 8, true, true}, 'R', {"All lines but the end frame", "all of the clone is in it"}},
+      {{9, 8, true, true}, 'L', {"All lines but the end frame", "its program is stopped"}},
+      {{9, 9, false, false}, 'R', {"All lines of the clone file were written", "runs, with the clone"}}};
+  for (const Row& row : rows) {
+    CloneBench bench;
+    bench.pacer.RequestStop();
+    if (row.state != ' ') bench.channel.info = Channel::ControllerInfo{1, row.state, ""};
+    const std::string text = LeftText(row.reach) + "\n" + AskWhatIsLeft(row.reach, bench.channel, bench.pacer);
+    for (const std::string& said : row.said) EXPECT_THAT(text, HasSubstr(said));
+    if (row.said.empty()) {
+      EXPECT_EQ(text, "\n");
+    }
+    EXPECT_EQ(text.find("is stopped. Restore") != std::string::npos, row.state == 'L') << text;
+  }
+}
+
 TEST(RestoreGhost, SendsNothingOfAFileThatCannotBeReadToItsEnd) {
   const std::string head = kHead;
   const std::vector<std::tuple<std::string, int, std::string>> rows = {
