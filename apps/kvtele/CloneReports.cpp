@@ -10,6 +10,7 @@
 #include "base/PathText.h"
 #include "clone/CloneDiff.h"
 #include "clone/CloneVerify.h"
+#include "clone/ComparisonText.h"
 #include "clone/ErasedSegments.h"
 #include "clone/ManifestCheck.h"
 
@@ -45,19 +46,6 @@ Json RangesOf(const AddressRanges& ranges) {
 Json DocumentOf(const CloneSegment& segment) {
   return {
       {"code", AnsiToUtf8(segment.code)}, {"start", ToHex(segment.start, kAddressDigits)}, {"length", segment.length}};
-}
-
-// "OP  00100000  1554 bytes"; an empty segment has no last address.
-std::string SegmentText(const CloneSegment& segment) {
-  return AnsiToUtf8(segment.code) + "  " + ToHex(segment.start, kAddressDigits) + "  " +
-         std::to_string(segment.length) + " bytes";
-}
-
-std::string RangesText(const AddressRanges& ranges) {
-  std::string text;
-  for (const AddressRange& range : ranges.Ranges()) text += "    " + AddressText(range) + "\n";
-  const std::uint64_t more = ranges.RangeCount() - ranges.Ranges().size();
-  return more == 0 ? text : text + "    and " + std::to_string(more) + " more ranges\n";
 }
 
 Json DocumentOf(const CloneInfo& info, const std::filesystem::path& file) {
@@ -145,19 +133,14 @@ Answer MakeAnswer(const CloneComparison& comparison) {
     segment["rangeCount"] = each.differing.RangeCount();
     segment["ranges"] = RangesOf(each.differing);
     answer.document["segments"].push_back(std::move(segment));
-    const std::string verdict =
-        each.differing.IsEmpty() ? "same\n" : std::to_string(each.differing.Bytes()) + " bytes differ\n";
-    answer.text += SegmentText(each.segment) + ": " + verdict + RangesText(each.differing);
   }
-  const auto add = [&](const char* key, const char* verdict, const std::vector<CloneSegment>& segments) {
+  const auto add = [&](const char* key, const std::vector<CloneSegment>& segments) {
     answer.document[key] = Json::array();
-    for (const CloneSegment& segment : segments) {
-      answer.document[key].push_back(DocumentOf(segment));
-      answer.text += SegmentText(segment) + ": " + verdict + "\n";
-    }
+    for (const CloneSegment& segment : segments) answer.document[key].push_back(DocumentOf(segment));
   };
-  add("onlyInFirst", "only in the first file", comparison.onlyInFirst);
-  add("onlyInSecond", "only in the second file", comparison.onlyInSecond);
+  add("onlyInFirst", comparison.onlyInFirst);
+  add("onlyInSecond", comparison.onlyInSecond);
+  for (const std::string& line : ComparisonLines(comparison)) answer.text += line + "\n";
   return answer;
 }
 
@@ -243,13 +226,10 @@ std::string CodeOf(const CloneOutcome& outcome) {
 
 }  // namespace
 
-WatchedWork::WatchedWork(Environment& environment) : mLine(environment), mRemaining(environment.pacer) {
-  mRemaining.Begin();
+WatchedWork::WatchedWork(Environment& environment) : mLine(environment), mProgress(environment.pacer) {
   mWork.isStopped = [&pacer = environment.pacer] { return pacer.StopRequested(); };
   mWork.onProgress = [this](std::string_view stage, std::uint64_t done, std::uint64_t total) {
-    const std::string left = mRemaining.Text(done, total);
-    mLine.Show(std::string(stage) + ": " + std::to_string(done / 1024) + " of " + std::to_string(total / 1024) +
-               " KiB" + (left.empty() ? "" : ", " + left));
+    mLine.Show(mProgress.Text(stage, done, total));
   };
 }
 

@@ -10,7 +10,7 @@
 #include "apps/kvtele/TerminalLine.h"
 #include "clone/CloneInfo.h"
 #include "clone/CloneOutcome.h"
-#include "desktop/RemainingTime.h"
+#include "clone/WorkProgress.h"
 
 namespace kv::cli {
 
@@ -40,7 +40,7 @@ class WatchedWork {
 
  private:
   TerminalLine mLine;
-  RemainingTime mRemaining;
+  WorkProgress mProgress;
   CloneWork mWork;
 };
 

@@ -128,7 +128,10 @@ class Restoring {
     if (mOrder.unitFromController) engine.UseUnit(mController->Unit());
     engine.RestoreGhost(*port, mFile, &link);
     if (engine.Outcome().end == CloneEnd::Done) return {};
-    return std::unexpected(CloneFailure(doing, engine.Outcome()));
+    CloneOutcome outcome = engine.Outcome();
+    const std::string left = AskWhatIsLeft(engine.Reach(), link, mEnvironment.pacer);
+    if (!left.empty()) outcome.reason += "\n" + left;
+    return std::unexpected(CloneFailure(doing, outcome));
   }
 
   Environment& mEnvironment;

@@ -126,8 +126,8 @@ clsDumpPLC::Step clsDumpPLC::CheckAllWasSent(const CloneLineReader& lines, bool 
   if (!hasMore && mReach.written == mReach.lines) return {};
   return std::unexpected(CloneOutcome::OfFile(
       {lines.Name(), "line " + std::to_string(lines.LineNumber() + (hasMore ? 0 : 1)),
-       "it was changed while it was sent: it had " + std::to_string(mReach.lines) + " command lines before, and now has " +
-           (hasMore ? "more" : std::to_string(mReach.written))}));
+       "it was changed while it was sent: it had " + std::to_string(mReach.lines) +
+           " command lines before, and now has " + (hasMore ? "more" : std::to_string(mReach.written))}));
 }
 
 std::expected<std::int64_t, CloneOutcome> clsDumpPLC::ShowHead(const std::filesystem::path& file) {

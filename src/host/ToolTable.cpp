@@ -20,6 +20,9 @@ namespace fs = std::filesystem;
 // The operand view's grids, which mean nothing for a model of another family.
 constexpr std::array<const char*, 2> kGridFiles{"vsfOperands_1.vsf", "vsfRegions_1.vsf"};
 
+constexpr const char* kPidServer = "PID Server.exe";
+constexpr const char* kDownloadDesigner = "KorDownloadDesigner.exe";
+
 void RemoveGridFiles(const SharedState& shared) {
   for (const char* name : kGridFiles) {
     std::error_code ignored;
@@ -48,8 +51,8 @@ std::span<const ToolRow> ToolTable() {
       {"ID_PLC_DB",               &C::PanelDesign,          nullptr, ToolNeed::PanelDesigner},
       {"ID_LogIn",                &C::LogIn,                &W::frmLogIn},
       {"ID_LogOff",               &C::LogOff},
-      {"ID_PID_Srv",              &C::PidServer},
-      {"ID_DownloadDesigner",     &C::DownloadDesigner},
+      {"ID_PID_Srv",              &C::PidServer,            nullptr, ToolNeed::Nothing, kPidServer},
+      {"ID_DownloadDesigner",     &C::DownloadDesigner,     nullptr, ToolNeed::Nothing, kDownloadDesigner},
       {"ID_PagesFile",            &C::PagesFile},
       {"ID_ImportFontsAndImages", &C::ImportFontsAndImages, nullptr, ToolNeed::ColourCaches},
       {"ID_DumpPLC",              &C::DumpPlc,              &W::frmDumpPLC},
@@ -183,13 +186,13 @@ void clsCallerExe::LogOff(const std::string&) {
 }
 
 void clsCallerExe::PidServer(const std::string&) {
-  Open("open", InstalledProgram("PID Server.exe"));
+  Open("open", InstalledProgram(kPidServer));
 }
 
 void clsCallerExe::DownloadDesigner(const std::string&) {
   const std::string model = mRemote->Model();
   const std::string_view code = DesignerModelCode(model);
-  Open("open", InstalledProgram("KorDownloadDesigner.exe"), code.empty() ? "" : "/t:" + std::string(code));
+  Open("open", InstalledProgram(kDownloadDesigner), code.empty() ? "" : "/t:" + std::string(code));
 }
 
 void clsCallerExe::PagesFile(const std::string&) {

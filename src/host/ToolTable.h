@@ -20,6 +20,7 @@ struct ToolRow {
   Action action;
   Window window = nullptr;  // null: the tool needs no window of ours
   ToolNeed need = ToolNeed::Nothing;
+  const char* program = nullptr;  // a sibling program that it starts
 };
 
 // The dispatch table, in the order in which ids are compared.

@@ -81,8 +81,17 @@ void clsCallerExe::ConnectDriver() {
 void clsCallerExe::GreyMissingTools() {
   mWindows = mParts.createWindows(mShared);
   for (const ToolRow& row : ToolTable()) {
-    if (IsMissing(row)) mRemote->SetToolMissing(std::string(row.id), kMissing);
+    if (const std::string why = WhyGrey(row); !why.empty()) mRemote->SetToolMissing(std::string(row.id), why);
   }
+}
+
+// Sibling programs are looked for when this one starts; a command for one that is not there still says so by itself.
+std::string clsCallerExe::WhyGrey(const ToolRow& row) const {
+  if (IsMissing(row)) return kMissing;
+  std::error_code ignored;
+  if (row.program == nullptr || std::filesystem::exists(InstalledProgram(row.program), ignored)) return {};
+  return std::string("\"") + row.program + "\" is not installed in " + mRemote->InstallFolder() +
+         ". Install it there, and start this program again.";
 }
 
 void clsCallerExe::RunHost() {

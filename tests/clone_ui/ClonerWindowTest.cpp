@@ -8,10 +8,12 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QTableView>
+#include <sstream>
 
 #include "KvCmDrv1/Driver.h"
 #include "clone/CloneFrame.h"
 #include "clone/CloneInfo.h"
+#include "clone/CloneManifest.h"
 #include "clone/CloneVerify.h"
 #include "clone/ui/DumpList.h"
 #include "clone/ui/frmDumpPLC.h"
@@ -94,9 +96,11 @@ class ClonerWindowTest : public ::testing::Test {
     prompts.Press(PromptAnswer::Ok);
     Trigger("ID_CreateGhost");
   }
-  void Restore(int boxes = 2, std::optional<PromptAnswer> despite = {}, const char* password = nullptr) {
+  // Answers the questions before a restore, the last of which is whether it is wanted, and closes the boxes behind.
+  void Restore(int boxes = 2, const std::vector<PromptAnswer>& answers = {PromptAnswer::Yes},
+               const char* password = nullptr) {
     prompts.Choose(Utf8FromPath(file));
-    if (despite) prompts.Press(*despite);
+    for (const PromptAnswer answer : answers) prompts.Press(answer);
     if (password) prompts.Enter(password);
     while (boxes-- > 0) prompts.Press(PromptAnswer::Ok);
     Trigger("ID_RestoreGhost");
@@ -110,7 +114,8 @@ class ClonerWindowTest : public ::testing::Test {
 
   [[nodiscard]] std::string Enabled() const {
     std::string ids;
-    for (const char* id : {"ID_CreateGhost", "ID_RestoreGhost", "ID_StopDump", "ID_Exit"}) {
+    for (const char* id :
+         {"ID_CreateGhost", "ID_RestoreGhost", "ID_VerifyClone", "ID_CompareClones", "ID_StopDump", "ID_Exit"}) {
       if (Find<QAction>(*window, id).isEnabled()) ids += std::string(ids.empty() ? "" : " ") + (id + 3);
     }
     return ids;
@@ -120,6 +125,7 @@ class ClonerWindowTest : public ::testing::Test {
     return Rows().headerData(0, Qt::Horizontal, Qt::DisplayRole).toString().toStdString();
   }
   [[nodiscard]] std::string Row(int row) const { return Rows().index(row, 0).data().toString().toStdString(); }
+  [[nodiscard]] std::string Whose() const { return Find<QLabel>(*window, "lblController").text().toStdString(); }
   [[nodiscard]] std::string Information() const {
     return Find<QPlainTextEdit>(*window, "txtInformation").toPlainText().toStdString();
   }
@@ -129,7 +135,8 @@ class ClonerWindowTest : public ::testing::Test {
     const bool isHourglass = pointer && pointer->shape() == Qt::WaitCursor;
     return window->windowTitle().toStdString() + (isHourglass ? " (hourglass): " : ": ") + Enabled();
   }
-  static constexpr const char* kIdleLook = "Korvantis PLC Cloner: CreateGhost RestoreGhost Exit";
+  static constexpr const char* kIdleLook =
+      "Korvantis PLC Cloner: CreateGhost RestoreGhost VerifyClone CompareClones Exit";
 
   SessionBench bench;
   std::filesystem::path file = bench.home.Path() / "clone.kdf";
@@ -180,7 +187,7 @@ TEST_F(ClonerWindowTest, RestoresAFileAndTellsBeforehandWhatSpeaksAgainstIt) {
   prompts.onAsk = [&](const std::string&) { found.push_back(Look() + "\n" + Information()); };
   Restore();
   EXPECT_THAT(found.front(), HasSubstr("Restore Clone File (hourglass): StopDump\n"));
-  EXPECT_THAT(found.front(), HasSubstr("The file is whole"));
+  EXPECT_THAT(found.front(), HasSubstr("byte for byte, as it was made"));
   EXPECT_THAT(prompts.Boxes(), Contains(::testing::Field(&MessageBox::text, "Clone Restore Successfully.")));
   EXPECT_EQ(Look(), kIdleLook);
   EXPECT_EQ(Heading(), "Write Command");
@@ -196,16 +203,140 @@ TEST_F(ClonerWindowTest, RestoresAFileAndTellsBeforehandWhatSpeaksAgainstIt) {
   content.insert(content.find("/01WD"), BuildWriteFrame(1, MemoryKind::Flash, 0, Bytes{1, 2}) + "\r\n");
   bench.home.Put("clone.kdf", content);
   PlugIn({.model = "K450"});
-  Restore(0, PromptAnswer::No);
-  EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("controller is a K450-45.\r\n\r\nRestore it all the same?"));
+  Restore(0, {PromptAnswer::No});
+  EXPECT_THAT(prompts.Boxes().back().text, ::testing::AllOf(HasSubstr("controller is a K450-45.\r\n"),
+                                                            HasSubstr("does not fit the controller's memory"),
+                                                            HasSubstr("\r\n\r\nRestore it all the same?")));
   EXPECT_EQ(Rows().rowCount(), 0);
   EXPECT_EQ(Look(), kIdleLook);
   bench.log.clear();
-  Restore(3, PromptAnswer::Yes);
+  Restore(3, {PromptAnswer::Yes, PromptAnswer::Yes});
   EXPECT_THAT(found.back(), HasSubstr("Warning: The clone file is damaged: line 5"));
   EXPECT_THAT(found.back(), HasSubstr("Warning: The clone file was made from"));
   EXPECT_THAT(Information(), HasSubstr("has failed.\nLine 5 of the clone file"));
   EXPECT_THAT(bench.log, Contains(HasSubstr("StatusMessage Restoring the clone file has failed.")));
+}
+
+TEST_F(ClonerWindowTest, OverwritesNothingWithoutAYesToAQuestionThatNamesIt) {
+  Open();
+  EXPECT_THAT(Whose(), HasSubstr("No controller has been asked yet"));
+  OnlySmallSegments();
+  Create();
+  PlugIn({});
+  auto other = driver.GetChannel();
+  for (const PromptAnswer answer : {PromptAnswer::No, PromptAnswer::Yes}) {
+    Restore(answer == PromptAnswer::Yes ? 2 : 0, {answer});
+    const MessageBox* asked = nullptr;
+    for (const MessageBox& box : prompts.Boxes()) {
+      if (box.text.contains("about to be overwritten")) asked = &box;
+    }
+    ASSERT_TRUE(asked);
+    EXPECT_TRUE(asked->canLose);
+    for (const char* named : {"clone.kdf", "Controller: AurexQ50, serial number ", "Simulated", "Its program stops"}) {
+      EXPECT_THAT(asked->text, HasSubstr(named));
+    }
+    EXPECT_THAT(Whose(), HasSubstr("Memory of AurexQ50, serial number "));
+    pacer.Sleep(kRestart);
+    EXPECT_EQ(VerifyClone(*other, file)->IsSame(), answer == PromptAnswer::Yes);
+  }
+  other.reset();
+  driver.CloseDriver();  // off line
+  EXPECT_THAT(Whose(), HasSubstr("Memory of AurexQ50, serial number "));
+}
+
+TEST_F(ClonerWindowTest, SavesFirstWhatARestoreIsAboutToOverwrite) {
+  Open();
+  OnlySmallSegments();
+  Create();
+  PlugIn({});
+  const std::filesystem::path saved = bench.home.Path() / "saved.kdf";
+  auto other = driver.GetChannel();
+  Find<QCheckBox>(*window, "chkSaveFirst").setChecked(true);
+  prompts.Choose(Utf8FromPath(file));
+  prompts.Press(PromptAnswer::Yes);
+  prompts.Choose(std::nullopt);  // no place for it: no restore
+  Trigger("ID_RestoreGhost");
+  EXPECT_THAT(Information(), HasSubstr("was not restored"));
+  EXPECT_FALSE(VerifyClone(*other, file)->IsSame());
+
+  prompts.Choose(Utf8FromPath(file));
+  prompts.Press(PromptAnswer::Yes);
+  prompts.Choose(Utf8FromPath(saved));
+  prompts.Enter("1");
+  prompts.Press(PromptAnswer::Yes);
+  for (int boxes = 0; boxes < 3; ++boxes) prompts.Press(PromptAnswer::Ok);
+  Trigger("ID_RestoreGhost");
+  EXPECT_EQ(InspectClone(saved)->segments.size(), 7U);  // all, whatever the boxes say
+  pacer.Sleep(kRestart);
+  EXPECT_TRUE(VerifyClone(*other, file)->IsSame());
+  EXPECT_FALSE(VerifyClone(*other, saved)->IsSame());
+}
+
+TEST_F(ClonerWindowTest, RewritesTheUnitAndErasesWhatTheFileHasNoLineOfOnlyWhenToldTo) {
+  Open();
+  Create();
+  std::string content = TemporaryFolder::Content(file);
+  std::string rest;
+  std::istringstream lines(content);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.contains("WDF003")) rest += line + "\n";  // as if AP had been 255 from end to end
+  }
+  bench.home.Put("clone.kdf", rest);
+  std::filesystem::remove(ManifestPath(file));
+  for (const PromptAnswer answer : {PromptAnswer::No, PromptAnswer::Yes}) {
+    PlugIn({});
+    auto other = driver.GetChannel();
+    Restore(2, {answer, PromptAnswer::Yes});
+    pacer.Sleep(kRestart);
+    EXPECT_EQ(VerifyClone(*other, file)->IsSame(), answer == PromptAnswer::Yes);
+  }
+
+  std::string forUnit5;
+  std::istringstream again(content);
+  for (std::string line; std::getline(again, line);) {
+    const bool isFrame = line.starts_with('/');
+    forUnit5 += isFrame ? WithUnit(line.substr(0, line.find('\r') + 1), 5) + "\r\n" : line + "\n";
+  }
+  bench.home.Put("clone.kdf", forUnit5);
+  PlugIn({});
+  Restore(0, {PromptAnswer::No, PromptAnswer::No});  // not for this unit, and so not at all
+  EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("The clone file is for unit 5, but the controller is unit 1"));
+  Restore(2, {PromptAnswer::Yes, PromptAnswer::Yes});
+  pacer.Sleep(kRestart);
+  EXPECT_TRUE(VerifyClone(*driver.GetChannel(), file)->IsSame());
+}
+
+TEST_F(ClonerWindowTest, ComparesFilesAndTheControllerAndLogsWhatItFound) {
+  Open();
+  OnlySmallSegments();
+  Create();
+  const auto verify = [&] {
+    bench.log.clear();
+    prompts.Choose(Utf8FromPath(file));
+    Trigger("ID_VerifyClone");
+    return Find<QLabel>(*window, "lblProgress").text().toStdString();
+  };
+  EXPECT_EQ(verify(), "The same.");
+  EXPECT_THAT(bench.log, Contains(HasSubstr("the same.")));
+  EXPECT_EQ(Heading(), "Comparison");
+  EXPECT_THAT(Row(0), HasSubstr(": same"));
+  PlugIn({});
+  EXPECT_EQ(verify(), "Different.");
+  EXPECT_THAT(Information(), HasSubstr("bytes differ"));
+  EXPECT_THAT(Row(1), ::testing::StartsWith("    "));
+  EXPECT_EQ(Look(), kIdleLook);
+
+  const std::filesystem::path second = bench.home.Path() / "second.kdf";
+  std::filesystem::copy_file(file, second);
+  prompts.Choose(Utf8FromPath(file));
+  prompts.Choose(Utf8FromPath(second));
+  Trigger("ID_CompareClones");
+  EXPECT_EQ(Find<QLabel>(*window, "lblProgress").text(), "The same.");
+  bench.home.Put("second.kdf", "no clone");
+  prompts.Choose(Utf8FromPath(file));
+  prompts.Choose(Utf8FromPath(second));
+  Trigger("ID_CompareClones");
+  EXPECT_THAT(bench.log, Contains(HasSubstr("has failed.")));
 }
 
 TEST_F(ClonerWindowTest, GivesThePasswordBeforeARestoreToAControllerThatWantsIt) {
@@ -213,10 +344,10 @@ TEST_F(ClonerWindowTest, GivesThePasswordBeforeARestoreToAControllerThatWantsIt)
   OnlySmallSegments();
   Create();
   PlugIn({.password = "Secret"});
-  Restore(1, {}, "secret");
+  Restore(1, {PromptAnswer::Yes}, "secret");
   EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
   EXPECT_FALSE(VerifyClone(*driver.GetChannel(), file)->IsSame());
-  Restore(2, {}, "Secret");
+  Restore(2, {PromptAnswer::Yes}, "Secret");
   EXPECT_EQ(prompts.Inputs().back().text, "Enter Password Up To 8 Chars");
   pacer.Sleep(kRestart);
   EXPECT_TRUE(VerifyClone(*driver.GetChannel(), file)->IsSame());
@@ -235,8 +366,15 @@ TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
     EXPECT_EQ(Information(), "An operation is running; Stop ends it.");
     QTest::keyClick(window.get(), Qt::Key_Escape, Qt::ShiftModifier);
   });
-  Create();
-  EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
+  prompts.Choose(Utf8FromPath(file));
+  prompts.Enter("1");
+  prompts.Press(PromptAnswer::Yes);
+  prompts.Press(PromptAnswer::Ok);
+  prompts.Press(PromptAnswer::Yes);
+  Trigger("ID_CreateGhost");
+  EXPECT_EQ(prompts.Boxes().end()[-2].text, "Operation Failed.");
+  EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("was stopped for the clone. Start it again now?"));
+  EXPECT_EQ(driver.GetChannel()->GetControllerInfo(1)->state, 'R');
   EXPECT_THAT(Information(), HasSubstr("was stopped"));
   EXPECT_EQ(Find<QLabel>(*window, "lblProgress").text(), "Stopped.");
   EXPECT_EQ(TemporaryFolder::Content(file), "the good clone of last week");
@@ -245,8 +383,8 @@ TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
   PlugIn({});
   OnlySmallSegments();
   Create();
-  Find<QProgressBar>(*window, "ProgressBar").reset();
-  WhenAtWork([&] { Trigger("ID_StopDump"); });
+  const auto isSending = [&] { return Heading() == "Write Command" && Rows().rowCount() > 0; };
+  When(*window, isSending, [&] { Trigger("ID_StopDump"); });
   Restore();
   EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
   EXPECT_LT(Rows().rowCount(), static_cast<int>(InspectClone(file)->frames));
@@ -287,6 +425,8 @@ TEST_F(ClonerWindowTest, StaysIdleWhenADialogIsCancelledOrNobodyIsThere) {
 TEST_F(ClonerWindowTest, ControlsAreNamedAndSayWhyTheyAreDisabled) {
   Open();
   ExpectControlsCanBeRead(*window);
+  constexpr int kSmallScreen = 768 / 2;  // at twice the scale
+  EXPECT_LE(window->minimumSizeHint().height(), kSmallScreen);
   EXPECT_TRUE(Find<QAction>(*window, "ID_StopDump").toolTip().endsWith("\nNo operation is running."));
 }
 

@@ -23,10 +23,20 @@ TEST_F(CallerExeTest, LivesItsLifeInOrder) {
               ElementsAre("host made", "SessionName Default", "SessionPath HOME/Sessions/Default", "StartupOption 1",
                           "Model K330", "frmTAPI loaded", "driver made", "Driver active",
                           "Driver ConfigureForSession HOME/Sessions/Default", "ComDescription COM3, 115200 8N1, unit 1",
-                          "ToolMissing ID_PLC_DB", "ToolMissing ID_ImportFontsAndImages", "RecentCaches 0", "Run",
-                          "host released", "Driver not active", "Driver gone"));
+                          "ToolMissing ID_PLC_DB", "ToolMissing ID_PID_Srv", "ToolMissing ID_DownloadDesigner",
+                          "ToolMissing ID_ImportFontsAndImages", "RecentCaches 0", "Run", "host released",
+                          "Driver not active", "Driver gone"));
   EXPECT_EQ(caller.Remote(), nullptr);
   EXPECT_EQ(callerState->BitsHandler, nullptr);
+}
+
+TEST_F(CallerExeTest, GreysProgramsThatAreNotInstalled) {
+  home.Put("PID Server.exe", "");
+  clsCallerExe caller(parts);
+  caller.StartUp();
+  const auto calls = Taken();
+  EXPECT_THAT(calls, testing::Not(testing::Contains("ToolMissing ID_PID_Srv")));
+  EXPECT_THAT(calls, testing::Contains("ToolMissing ID_DownloadDesigner"));
 }
 
 TEST_F(CallerExeTest, TearsEverythingDownWhenSomethingBreaksOutOfTheHost) {

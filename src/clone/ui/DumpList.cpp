@@ -1,5 +1,7 @@
 #include "clone/ui/DumpList.h"
 
+#include "base/AnsiText.h"
+
 namespace kv {
 
 namespace {
@@ -16,6 +18,12 @@ void DumpList::ShowSegments(std::span<const CloneSegment> segments) {
   std::deque<std::string> codes;
   for (const CloneSegment& segment : segments) codes.push_back(segment.code);
   Reset("Segment Name", std::move(codes));
+}
+
+void DumpList::ShowLines(const char* heading, const std::vector<std::string>& lines) {
+  std::deque<std::string> rows;
+  for (const std::string& line : lines) rows.push_back(Utf8ToAnsi(line));
+  Reset(heading, std::move(rows));
 }
 
 void DumpList::BeginCommands() {

@@ -6,13 +6,14 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "clone/CloneSegment.h"
 
 namespace kv {
 
-// The rows of the cloner's grid: the segments of a controller, or the command lines of a restore, under one heading. Of
-// the command lines of a big file the last ones are kept; the row headers go on counting.
+// The rows of the cloner's grid: the segments of a controller, the command lines of a restore, or what a comparison
+// found, under one heading. Of the command lines of a big file the last ones are kept; the row headers go on counting.
 class DumpList final : public QAbstractTableModel {
  public:
   static constexpr int kMostRows = 20'000;
@@ -20,7 +21,8 @@ class DumpList final : public QAbstractTableModel {
   explicit DumpList(QObject* parent, int mostRows = kMostRows) : QAbstractTableModel(parent), mMostRows(mostRows) {}
 
   void ShowSegments(std::span<const CloneSegment> segments);
-  void BeginCommands();  // none as yet
+  void ShowLines(const char* heading, const std::vector<std::string>& lines);  // UTF-8
+  void BeginCommands();                                                        // none as yet
   void AddCommand(std::string_view line);
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

@@ -3,20 +3,25 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QDate>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QTableView>
 #include <QToolBar>
 #include <algorithm>
+#include <cctype>
 #include <limits>
 
 #include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "clone/CloneInfo.h"
+#include "clone/ProgramState.h"
+#include "clone/RestoreCheck.h"
 #include "clone/SafeCreate.h"
 #include "clone/WorkProgress.h"
 #include "clone/ui/DumpList.h"
+#include "clone/ui/frmDumpPLCOperation.h"
 #include "desktop/ui/Commands.h"
 
 // What the window does; how it looks is in frmDumpPLCLayout.cpp.
@@ -24,24 +29,15 @@ namespace kv {
 namespace {
 
 constexpr const char* kFilter = "Korvantis Dump File|*.kdf";
+constexpr const char* kPurpose = "Clones";  // for which a folder is remembered
 constexpr const char* kBusy = "An operation is running; Stop ends it.";
-constexpr const char* kStoppedBefore = "Stopped before anything was done.";
 constexpr const char* kIdle = "No operation is running.";
-constexpr const char* kNotReadBack =
-    "A restore is not read back by itself. The command \"kvtele clone verify\" compares the controller with the file.";
-constexpr const char* kNotRestored = "The clone file was not restored; the controller is as it was.";
-
 QString Caption(std::string_view suffix = {}) {
   return QString::fromStdString(std::string(kClonerCaption).append(suffix));
 }
 
 int Clamped(std::int64_t value) {
   return static_cast<int>(std::clamp<std::int64_t>(value, 0, std::numeric_limits<int>::max()));
-}
-
-// "K220-22-R1, O/S 4.60, cloned on 2026-11-21 10:15:00".
-std::string HeadText(const CloneHead& head) {
-  return AnsiToUtf8(head.version.model + ", O/S " + head.version.osVersion + ", cloned on " + head.created);
 }
 
 // "It was read back and is whole: HW, FT, MM, OP for unit 1, 87 lines."
@@ -54,43 +50,38 @@ std::string FoundText(const CloneInfo& info) {
 
 }  // namespace
 
-// Everything that is given back when an operation ends, however it ends.
-class frmDumpPLC::Operation {
- public:
-  Operation(frmDumpPLC& window, std::string_view caption) : mWindow(window) {
-    mWindow.setWindowTitle(Caption(caption));
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    QtPacer& pacer = mWindow.mServices.pacer;
-    pacer.ClearStop();
-    mGateBefore = pacer.ExchangeGate({.isOpen = true});  // all but the stop tool is disabled
-    mWindow.mInformation->clear();
-    mWindow.mProgressBar->reset();
-    mWindow.mProgressText->clear();
-    mWindow.mProgress = std::make_unique<DumpProgress>(pacer);
-    mWindow.mIsStopAsked = false;
-    mWindow.mEngine = std::make_unique<clsDumpPLC>(mWindow, mWindow.mServices.prompts, pacer, mWindow.mServices.clock);
-  }
-  ~Operation() {
-    mWindow.mEngine.reset();
-    mWindow.mServices.pacer.ExchangeGate(std::move(mGateBefore));
-    mWindow.mServices.pacer.ClearStop();
-    QApplication::restoreOverrideCursor();
-    mWindow.setWindowTitle(Caption());
-    mWindow.EnableCommands(true);
-  }
-  Operation(const Operation&) = delete;
-  Operation& operator=(const Operation&) = delete;
+frmDumpPLC::Operation::Operation(frmDumpPLC& window, std::string_view caption) : mWindow(window) {
+  mWindow.setWindowTitle(Caption(caption));
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  QtPacer& pacer = mWindow.mServices.pacer;
+  pacer.ClearStop();
+  mGateBefore = pacer.ExchangeGate({.isOpen = true});  // all but the stop tool is disabled
+  mWindow.mInformation->clear();
+  mWindow.mProgressBar->reset();
+  mWindow.mProgressText->clear();
+  mWindow.mIsStopAsked = false;
+  mWindow.BeginEngine();
+}
 
- private:
-  frmDumpPLC& mWindow;
-  InputGate mGateBefore;
-};
+frmDumpPLC::Operation::~Operation() {
+  mWindow.mEngine.reset();
+  mWindow.mServices.pacer.ExchangeGate(std::move(mGateBefore));
+  mWindow.mServices.pacer.ClearStop();
+  QApplication::restoreOverrideCursor();
+  mWindow.setWindowTitle(Caption());
+  mWindow.EnableCommands(true);
+}
+
+void frmDumpPLC::BeginEngine() {
+  mProgress = std::make_unique<DumpProgress>(mServices.pacer);
+  mEngine = std::make_unique<clsDumpPLC>(*this, mServices.prompts, mServices.pacer, mServices.clock);
+}
 
 void frmDumpPLC::EnableCommands(bool enabled) {
-  for (QAction* each : {mCreate, mRestore, mExit, mHelp}) Allow(*each, enabled ? "" : kBusy);
+  for (QAction* each : {mCreate, mRestore, mVerify, mCompare, mExit, mHelp}) Allow(*each, enabled ? "" : kBusy);
   Allow(*mStop, enabled ? kIdle : "");
   mIsBusy = !enabled;
-  for (QCheckBox* each : {mOp, mDt, mAp, mOs}) each->setEnabled(enabled);
+  for (QCheckBox* each : {mOp, mDt, mAp, mOs, mSaveFirst}) each->setEnabled(enabled);
   if (mIsBusy) mTools->widgetForAction(mStop)->setFocus();  // what had the focus may just have been disabled
 }
 
@@ -100,45 +91,84 @@ void frmDumpPLC::reject() {
   if (!mInformation->toPlainText().endsWith(kBusy)) Say(kBusy);
 }
 
+std::optional<std::string> frmDumpPLC::AskForFile(const char* title) {
+  return mServices.prompts.OpenFile({.title = title, .filter = kFilter, .purpose = kPurpose});
+}
+
+// The suggestion says what the clone is of and when it was made: "K220-22-R1-4711-2026-11-21.kdf".
+std::optional<std::string> frmDumpPLC::AskForNewFile(const char* title) {
+  std::string name = mModel.empty() ? mServices.shared.Remote->Model() : mModel + "-" + mSerialNumber;
+  for (char& each : name) {
+    if (!std::isalnum(static_cast<unsigned char>(each))) each = '-';
+  }
+  const auto today = std::chrono::floor<std::chrono::days>(mServices.clock.LocalTime());
+  const QDate date = QDate::fromJulianDay(QDate(1970, 1, 1).toJulianDay() + today.time_since_epoch().count());
+  name += (name.empty() ? "" : "-") + date.toString(Qt::ISODate).toStdString() + ".kdf";
+  return mServices.prompts.SaveFile({.title = title, .filter = kFilter, .purpose = kPurpose, .initial = name});
+}
+
+void frmDumpPLC::ShowWhoseMemory(const std::string& text) {
+  mWhose->setText(QString::fromStdString(text));
+}
+
+std::optional<char> frmDumpPLC::Identify(Channel& link) {
+  mProgressText->setText("Asking the controller who it is");
+  const std::string where = mServices.shared.ComDriver->LinkDescription();
+  const auto version = link.GetVersionInfo(link.UnitID());
+  const auto info = version ? link.GetControllerInfo(link.UnitID()) : std::nullopt;
+  if (!info) {
+    const std::string before = mController.empty() ? "" : "; the one asked before was " + mController;
+    ShowWhoseMemory("The controller did not tell who it is: " + where + before);
+    return std::nullopt;
+  }
+  mModel = AnsiToUtf8(version->model);
+  mSerialNumber = std::to_string(info->serialNumber);
+  mController = ControllerText(*version, *info, where);
+  ShowWhoseMemory("Memory of " + mController);
+  return info->state;
+}
+
 void frmDumpPLC::CreateClone() {
   EnableCommands(false);
-  const auto chosen = mServices.prompts.SaveFile({.title = "Create Clone File", .filter = kFilter});
+  const auto chosen = AskForNewFile("Create Clone File");
   if (!chosen) return EnableCommands(true);
   SafeCreate safe(PathFromUtf8(*chosen));
   const Operation operation(*this, ": Create Clone File");
   const auto link = mServices.shared.ComDriver->GetChannel();
   if (!link) {
-    // Nothing can be read, so the file that may stand there is left alone.
-    mServices.prompts.Show({.text = "Operation Failed.", .title = std::string(kClonerCaption)});
+    mServices.prompts.Show({.text = std::string(kOperationFailed), .title = std::string(kClonerCaption)});
     return ShowNoLink("The clone file was not created.");
   }
   if (mIsStopAsked) return ShowEnd(CloneEnd::Stopped, kStoppedBefore);  // while the link was opened
-  safe.Create(*mEngine, mServices.prompts, *link, Watched());
-  ShowOutcome("Creating the clone file", safe.Outcome(), PathFromUtf8(*chosen));
-  if (safe.Info() && safe.File()) Say(FoundText(*safe.Info()));
+  static_cast<void>(CreateFrom(*link, safe, "Creating the clone file"));
+}
+
+// A controller that does not tell who it is fails the engine, which says so in its settled way.
+bool frmDumpPLC::CreateFrom(Channel& link, SafeCreate& safe, const std::string& what) {
+  const auto state = Identify(link);
+  if (mIsStopAsked || (state && !IsStartWanted(mServices.prompts, mController, *state))) {
+    ShowEnd(CloneEnd::Stopped, kStoppedBefore);
+    return false;
+  }
+  safe.Create(*mEngine, mServices.prompts, link, Watched());
+  CloneOutcome outcome = safe.Outcome();
+  const bool isMade = outcome.end == CloneEnd::Done;
+  if (!isMade) OfferToRun(*mEngine, link, mServices.prompts, mServices.pacer, mController, outcome);
+  ShowOutcome(what, outcome, safe.File().value_or(std::filesystem::path()));
+  if (isMade) Say(FoundText(*safe.Info()));
+  if (isMade && !safe.ManifestTrouble().empty()) Say("Warning: " + safe.ManifestTrouble());
+  return isMade;
 }
 
 void frmDumpPLC::RestoreClone() {
   EnableCommands(false);
-  const auto chosen = mServices.prompts.OpenFile({.title = "Restore Clone File", .filter = kFilter});
+  const auto chosen = AskForFile("Restore Clone File");
   if (!chosen) return EnableCommands(true);
   const Operation operation(*this, ": Restore Clone File");
   mRows->BeginCommands();
   const auto link = mServices.shared.ComDriver->GetChannel();
   if (!link) return ShowNoLink("The clone file was not restored.");
   RestoreInto(*link, PathFromUtf8(*chosen));
-}
-
-void frmDumpPLC::RestoreInto(Channel& link, const std::filesystem::path& file) {
-  const std::vector<std::string> findings = Inspect(link, file);
-  const bool isWanted = !mIsStopAsked && IsWantedDespite(findings) && GiveAccess(link);
-  if (mIsStopAsked) return ShowEnd(CloneEnd::Stopped, kStoppedBefore);
-  if (!isWanted) return ShowEnd(CloneEnd::Stopped, kNotRestored);
-  SerialPortObject* port = link.GetSerialPort();
-  if (port == nullptr) return ShowNoLink("The clone file was not restored.");
-  mEngine->RestoreGhost(*port, file, &link);
-  ShowOutcome("Restoring the clone file", mEngine->Outcome(), file);
-  if (mEngine->Outcome().end == CloneEnd::Done) Say(kNotReadBack);
 }
 
 // For work that has no callbacks of its own: it shows how far it is, and the stop tool ends it.
@@ -149,55 +179,12 @@ CloneWork frmDumpPLC::Watched() {
   };
   const auto onProgress = [this, progress = std::make_shared<WorkProgress>(mServices.pacer)](
                               std::string_view stage, std::uint64_t done, std::uint64_t total) {
+    constexpr std::uint64_t kKibibyte = 1024;
+    mProgressBar->setMaximum(std::max(1, Clamped(static_cast<std::int64_t>(total / kKibibyte))));
+    mProgressBar->setValue(Clamped(static_cast<std::int64_t>(done / kKibibyte)));
     if (!mIsStopAsked) mProgressText->setText(QString::fromStdString(progress->Text(stage, done, total)));
   };
   return {.isStopped = isStopped, .onProgress = onProgress};
-}
-
-// Tells what the file holds and what speaks against restoring it, before the engine shows its own information; what
-// speaks against it is returned too. What cannot be read is told; the engine then fails on it in its own way.
-std::vector<std::string> frmDumpPLC::Inspect(Channel& link, const std::filesystem::path& file) {
-  const auto info = InspectClone(file, Watched());
-  if (mIsStopAsked) return {};
-  if (!info) {
-    Say(info.error().reason);
-    return {};
-  }
-  const auto version = link.GetVersionInfo(link.UnitID());
-  if (mIsStopAsked) return {};
-  if (info->head) Say(Utf8FromPath(file.filename()) + ": " + HeadText(*info->head) + ".");
-  if (!version) Say("The controller did not tell its model.\n" + link.LastError().Text());
-  // Without an answer the model is taken to be right: there is nothing to compare it with.
-  std::vector<std::string> findings = FindingsBeforeRestore(
-      *info, version || !info->head ? version.value_or(VersionInfo()) : info->head->version, link.UnitID());
-  for (const std::string& finding : findings) Say("Warning: " + finding);
-  if (findings.empty() && version) Say("The file is whole, and made from a controller of this model.");
-  return findings;
-}
-
-// The information that the engine shows has no button but OK, so who does not want it must be able to say so before.
-bool frmDumpPLC::IsWantedDespite(const std::vector<std::string>& findings) {
-  if (findings.empty()) return true;
-  std::string question;
-  for (const std::string& finding : findings) question += finding + "\r\n";
-  return mServices.prompts.Show({.text = question + "\r\nRestore it all the same?",
-                                 .title = std::string(kClonerCaption),
-                                 .icon = PromptIcon::Exclamation,
-                                 .buttons = PromptButtons::YesNo,
-                                 .canLose = true}) == PromptAnswer::Yes;
-}
-
-// The lines of a restore cannot carry the password, so a controller that wants one gets it before the first of them.
-bool frmDumpPLC::GiveAccess(Channel& link) {
-  const bool isOpen = link.GiveAccess("", link.UnitID());
-  if (isOpen || mIsStopAsked || link.LastError().code != LinkErrorCode::Refused) return true;  // else the engine tells
-  const auto password = mServices.prompts.Ask(
-      {.text = "Enter Password Up To 8 Chars", .title = std::string(kClonerCaption), .initial = "", .secret = true});
-  if (!password) return false;
-  if (link.GiveAccess(Utf8ToAnsi(*password), link.UnitID())) return true;
-  Say(link.LastError().Text());
-  mServices.prompts.Show({.text = "Operation Failed.", .title = std::string(kClonerCaption)});
-  return false;
 }
 
 // The engine notices after the piece that it is busy with. An exchange of a create that waits for a reply ends at once;
@@ -279,6 +266,7 @@ void frmDumpPLC::Event_Refresh() {
 }
 
 SegmentBoxes frmDumpPLC::CheckedSegments() const {
+  if (mTakesAll) return {};
   return {.op = mOp->isChecked(), .dt = mDt->isChecked(), .ap = mAp->isChecked(), .os = mOs->isChecked()};
 }
 

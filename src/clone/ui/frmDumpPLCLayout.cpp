@@ -6,6 +6,9 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressBar>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QTableView>
 #include <QToolBar>
@@ -32,8 +35,9 @@ frmDumpPLC::frmDumpPLC(ClonerServices services, QWidget* parent) : QDialog(paren
   setWindowTitle(QString::fromUtf8(kClonerCaption.data(), static_cast<qsizetype>(kClonerCaption.size())));
   setWindowIcon(IconOf(Picture::Clone));
   setWindowFlag(Qt::WindowMaximizeButtonHint);
-  resize(kFirstSize);
+  resize(kFirstSize.boundedTo(screen()->availableSize()));
   BuildTools();
+  BuildWhose();
   BuildGrid();
   BuildProgress();
   ArrangeControls();
@@ -49,6 +53,10 @@ void frmDumpPLC::BuildTools() {
                     "Copies the memory of the connected controller into a clone file");
   mRestore = AddTool("ID_RestoreGhost", IconOf(Picture::Download), "&Restore Clone", QKeySequence("Ctrl+R"),
                      "Writes a clone file into the connected controller");
+  mVerify = AddTool("ID_VerifyClone", IconOf(Picture::Test), "&Verify", QKeySequence("Ctrl+T"),
+                    "Reads the connected controller and compares it with a clone file, byte by byte");
+  mCompare = AddTool("ID_CompareClones", IconOf(Picture::Search), "Com&pare", QKeySequence("Ctrl+D"),
+                     "Compares two clone files, byte by byte; no controller is needed");
   mStop =
       AddTool("ID_StopDump", IconOf(Picture::Stop), "&Stop", QKeySequence("Shift+Esc"),
               "Ends the running operation. A restore that is stopped leaves the controller with a part of the clone");
@@ -56,6 +64,8 @@ void frmDumpPLC::BuildTools() {
   mHelp = AddTool("ID_ClonerHelp", IconOf(Picture::Help), "&Help", QKeySequence("F1"), "Opens the help on cloning");
   connect(mCreate, &QAction::triggered, this, [this] { CreateClone(); });
   connect(mRestore, &QAction::triggered, this, [this] { RestoreClone(); });
+  connect(mVerify, &QAction::triggered, this, [this] { VerifyClone(); });
+  connect(mCompare, &QAction::triggered, this, [this] { CompareClones(); });
   connect(mStop, &QAction::triggered, this, [this] { StopDump(); });
   connect(mExit, &QAction::triggered, this, [this] { close(); });
   connect(mHelp, &QAction::triggered, this, [this] { ShowHelp(); });
@@ -69,6 +79,20 @@ QAction* frmDumpPLC::AddTool(const char* id, const QIcon& icon, const QString& t
   Describe(*tool, tip);
   mTools->widgetForAction(tool)->setFocusPolicy(Qt::StrongFocus);  // all by keyboard
   return tool;
+}
+
+void frmDumpPLC::BuildWhose() {
+  mWhose = new QLabel(this);
+  mWhose->setObjectName("lblController");
+  mWhose->setAccessibleName("The controller whose memory is read and written");
+  mWhose->setToolTip("The controller whose memory is read and written here");
+  mWhose->setTextFormat(Qt::PlainText);
+  mWhose->setWordWrap(true);
+  mWhose->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  QFont bold = mWhose->font();
+  bold.setBold(true);
+  mWhose->setFont(bold);
+  ShowWhoseMemory("No controller has been asked yet: " + mServices.shared.ComDriver->LinkDescription());
 }
 
 void frmDumpPLC::BuildGrid() {
@@ -110,10 +134,21 @@ QWidget* frmDumpPLC::BuildBoxes() {
   mDt = add("chkDT", "&DT  data tables", "Whether a new clone file takes the segment DT, the data tables");
   mAp = add("chkAP", "&AP  application", "Whether a new clone file takes the segment AP, the application");
   mOs = add("chkOS", "O&S  operating system", "Whether a new clone file takes the segment OS, the operating system");
-  lines->addStretch();
   auto* always = new QLabel("HW, FT and MM are\nalways taken.", frame);
   lines->addWidget(always);
-  return frame;
+  lines->addStretch();
+  mSaveFirst = new QCheckBox("Save &first what a restore\nis about to overwrite", frame);
+  mSaveFirst->setObjectName("chkSaveFirst");
+  Describe(*mSaveFirst, "Before a restore, makes a clone file of what the controller holds then");
+  lines->addWidget(mSaveFirst);
+  auto* scroll = new QScrollArea(this);  // on a small screen the boxes give way
+  scroll->setWidget(frame);
+  scroll->setWidgetResizable(true);
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setFocusPolicy(Qt::NoFocus);
+  scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scroll->setFixedWidth(frame->sizeHint().width() + scroll->verticalScrollBar()->sizeHint().width());
+  return scroll;
 }
 
 void frmDumpPLC::BuildProgress() {
@@ -127,7 +162,7 @@ void frmDumpPLC::BuildProgress() {
   mInformation->setObjectName("txtInformation");
   mInformation->setAccessibleName("Information on the operation");
   mInformation->setPlaceholderText(
-      "What is found in a file before it is restored, and why an operation failed, stands here.");
+      "What is found in a file or in a comparison, and how an operation ended, stands here.");
   mInformation->setReadOnly(true);
   mInformation->setTabChangesFocus(true);
   mInformation->setMaximumBlockCount(kMostLines);
@@ -154,6 +189,7 @@ void frmDumpPLC::ArrangeControls() {
   parts->setSizes({kGridHeight, kInformationHeight});
   auto* page = new QVBoxLayout(this);
   page->addWidget(bar);
+  page->addWidget(mWhose);
   page->addWidget(parts, 1);
   page->addWidget(mProgressBar);
   page->addWidget(mProgressText);
