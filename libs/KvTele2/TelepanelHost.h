@@ -33,6 +33,7 @@ struct HostServices {
 //   Offline -> Connecting (the channel is looked up) -> Online (GoOnline)
 //   Connecting -> Offline                              refused, cancelled, or no answer
 //   Online <-> Lost                                    the controller stops answering, or answers again
+//   Online, Lost -> Offline -> Connecting              another controller answers: the whole sequence, for that one
 //   any -> Offline                                     the command, another session or link, another project
 //
 // Whoever leaves Connecting, Online or Lost for Offline has the link closed (OnLinkReleased).
@@ -115,6 +116,7 @@ class TelepanelHost final : public RemoteHost {
 
   void Connect(const std::string& argument);
   void GoOffline(const std::string& why, const std::string& trouble);
+  void GoOnlineWithOther(const std::string& told);
   void LetGo();
   void AskController(HostView::Wait wait, const std::string& what);
   [[nodiscard]] bool Ask();
@@ -134,9 +136,10 @@ class TelepanelHost final : public RemoteHost {
 
   std::shared_ptr<Channel> mChannel;
   std::uint8_t mUnit = 0;
-  bool mIsRefused = false;                   // in the attempt to connect that is under way
-  std::optional<std::string> mOtherProject;  // of the controller that was compared last
-  std::optional<Order> mNext;                // came during a quiet question
+  bool mIsRefused = false;                    // in the attempt to connect that is under way
+  std::optional<std::string> mOtherProject;   // of the controller that was compared last
+  std::optional<std::string> mOtherAnswered;  // another controller, in words, in the place of the one on line
+  std::optional<Order> mNext;                 // came during a quiet question
   LinkWatch mWatch;
   std::string mMessageBefore;  // the silence
   std::string mLastMessage;    // of the tool that is at work

@@ -86,6 +86,16 @@ void TelepanelHost::GoOffline(const std::string& why, const std::string& trouble
   StatusMessage(why);
 }
 
+// Nothing that is known of the controller before holds for this one, so it is met like any that is new, and the user is
+// told for as long as it is on line.
+void TelepanelHost::GoOnlineWithOther(const std::string& told) {
+  Connect({});
+  const std::string trouble = std::exchange(mState.trouble, told);
+  if (IsOnline()) mState.trouble += "\nThe program has gone on line anew, with this one.";
+  if (!trouble.empty()) mState.trouble += "\n" + trouble;
+  Note(mState.trouble);
+}
+
 void TelepanelHost::LetGo() {
   mChannel.reset();
   mState.controller.reset();
@@ -97,6 +107,7 @@ void TelepanelHost::Tick() {
   const bool isHeld = mState.connection == Connection::Online || mState.connection == Connection::Lost;
   if (!isHeld || !mState.isEnabled || mIsInTool || mIsAsking) return;
   if (mWatch.IsDue(mServices.pacer.Now())) AskController(HostView::Wait::Quiet, "Asking the controller");
+  if (const auto other = std::exchange(mOtherAnswered, std::nullopt)) GoOnlineWithOther(*other);
   Show();
   if (const auto next = std::exchange(mNext, std::nullopt)) Click(next->id, next->argument);
 }
@@ -158,7 +169,10 @@ void TelepanelHost::TakeFailure(const LinkError& error) {
   }
   if (error.code == LinkErrorCode::Closed) return GoOffline("Off line: the settings of the link were changed", "");
   const std::string trouble = error.Text();
-  if (error.code == LinkErrorCode::OtherController) return GoOffline("Off line: " + trouble, trouble);
+  if (error.code == LinkErrorCode::OtherController) {
+    if (mWait == HostView::Wait::Quiet) mOtherAnswered = trouble;
+    return GoOffline("Off line: " + trouble, trouble);
+  }
   mWatch.Silent(now);
   mState.trouble = trouble;
   if (mState.connection == Connection::Lost) return;

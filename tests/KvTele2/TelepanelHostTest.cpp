@@ -215,14 +215,6 @@ TEST_F(TelepanelHostTest, WhatEndsBeingOnLine) {
       {"another session", [this] { host.SetSessionName("Plant"); }, "another session is active"},
       {"another session's folder", [this] { host.SetSessionPath("C:\\Other"); }, "another session is active"},
       {"another link", [this] { host.SetComDescription("COM4"); }, "the link was changed"},
-      {"another controller",
-       [this] {
-         LoseController();
-         channel->error.code = LinkErrorCode::OtherController;
-         channel->error.happened = "another controller answered";
-         Pass(std::chrono::seconds(2));
-       },
-       "another controller answered"},
       {"other settings of the same link",
        [this] {
          LoseController();
@@ -247,6 +239,36 @@ TEST_F(TelepanelHostTest, WhatEndsBeingOnLine) {
     EXPECT_EQ(view.shown.connection, Connection::Offline) << each.what;
     EXPECT_GE(releases, 1) << each.what;
     EXPECT_THAT(view.shown.message, HasSubstr(each.told)) << each.what;
+  }
+}
+
+TEST_F(TelepanelHostTest, AnotherControllerIsToldAndGoesThroughTheWholeSequence) {
+  for (const bool wasSilent : {false, true}) {
+    for (const bool isRefused : {false, true}) {
+      channel->info = Channel::ControllerInfo{.serialNumber = 1, .state = 'R', .projectName = "Bakery"};
+      channel->error = {};
+      onLine = [this] { Connect(); };
+      host.Click(command::kOnLine);
+      LoseController();
+      if (wasSilent) Pass(std::chrono::seconds(2));
+      channel->error = {.code = LinkErrorCode::OtherController, .happened = "another controller answered: K330"};
+      clicked.clear();
+      releases = 0;
+      onLine = [&] {
+        EXPECT_FALSE(host.IsOnline());
+        EXPECT_GE(releases, 1) << "the link is closed before";
+        channel->info = Channel::ControllerInfo{.serialNumber = 2, .state = 'S', .projectName = "Mill"};
+        if (!isRefused) return Connect();
+        host.ConnectionRefused("It is in BOOTSTRAP mode.", {*channel->version, channel->info});
+      };
+      Pass(std::chrono::seconds(4));
+      EXPECT_THAT(clicked, ElementsAre("ID_OnLine"));
+      EXPECT_EQ(view.shown.connection, isRefused ? Connection::Offline : Connection::Online);
+      EXPECT_THAT(view.shown.trouble, HasSubstr("nother controller answered: K330"));
+      EXPECT_THAT(view.shown.trouble, HasSubstr(isRefused ? "BOOTSTRAP" : "gone on line anew"));
+      for (const auto& entry : host.Log().Entries()) EXPECT_NE(entry.text, "The controller answers again");
+      host.Click(command::kOffLine);
+    }
   }
 }
 
