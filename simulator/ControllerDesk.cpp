@@ -1,7 +1,6 @@
 #include "simulator/ControllerDesk.h"
 
 #include <algorithm>
-#include <chrono>
 #include <random>
 #include <utility>
 
@@ -13,7 +12,6 @@
 namespace sim {
 namespace {
 
-constexpr kv::Duration kResetTime = std::chrono::milliseconds(200);
 constexpr std::size_t kSyncRequestSize = 14;  // SY, tag, check
 constexpr std::size_t kSyncTagEnd = 6;
 constexpr std::size_t kRememberedReply = 40;  // characters
@@ -28,6 +26,7 @@ ControllerDesk::ControllerDesk(std::unique_ptr<Controller> controller, Faults fa
       mSeed(options.seed),
       mUsualBaud(options.baud),
       mBaud(options.baud),
+      mRestartTime(options.restartTime),
       mPowerUp(options.powerUp.value_or(static_cast<std::uint16_t>(std::random_device{}()))) {}
 
 ControllerDesk::Answer ControllerDesk::AnswerText(const AsciiFrame& request, ClientState& client, const FaultPlan& plan,
@@ -114,7 +113,7 @@ void ControllerDesk::Restart(kv::Instant now) {
 void ControllerDesk::BeginReset(kv::Instant now) {
   ++mResets;
   mBaud = mUsualBaud;
-  mResetUntil = now + kResetTime;
+  mResetUntil = now + mRestartTime;
 }
 
 void ControllerDesk::SetBaud(int baud) {

@@ -87,6 +87,7 @@ class ControllerDesk {
   std::uint64_t mSeed;
   int mUsualBaud;  // 0: no line speed is imitated
   int mBaud;
+  kv::Duration mRestartTime;
   std::uint16_t mPowerUp;
   std::uint16_t mCounter = 0;
   LastRequest mLast;

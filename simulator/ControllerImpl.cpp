@@ -91,7 +91,8 @@ std::optional<std::string> WhyUnusable(const SimulatorOptions& options, const Mo
 Identity FirstIdentity(const SimulatorOptions& options, const Model& model) {
   Identity identity;
   identity.unit = options.unit;
-  identity.serial = kv::Crc32(std::string(model.name) + "|" + std::to_string(options.unit) + "|" + options.stateFile);
+  identity.serial = options.serialNumber.value_or(
+      kv::Crc32(std::string(model.name) + "|" + std::to_string(options.unit) + "|" + options.stateFile));
   identity.os = {std::string(model.osVersion), model.osBuild};
   return identity;
 }

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "base/Time.h"
 
 namespace sim {
 
@@ -13,12 +16,14 @@ struct SimulatorOptions {
   std::string osVersion;             // "4.60"; empty: the model's newest
   std::optional<int> osBuild;        // 0 to 99; nothing: the model's own
   std::uint8_t unit = 1;
-  bool boot = false;                        // starts in its boot loader
-  std::string password;                     // at most 8 characters; empty: none
-  std::string stateFile;                    // UTF-8 path; empty: nothing is kept
-  int baud = 0;                             // speed of the imitated serial line, bits a second; 0: as fast as it goes
-  std::vector<std::string> faults;          // fault rules (simulator/Faults.h)
-  std::uint64_t seed = 1;                   // of the faults and of the moving values
+  std::optional<std::uint32_t> serialNumber;  // nothing: by model, unit and state file
+  bool boot = false;                          // starts in its boot loader
+  std::string password;                       // at most 8 characters; empty: none
+  std::string stateFile;                      // UTF-8 path; empty: nothing is kept
+  int baud = 0;                               // speed of the imitated serial line, bits a second; 0: as fast as it goes
+  kv::Duration restartTime = std::chrono::milliseconds(200);  // silence after a reset
+  std::vector<std::string> faults;                            // fault rules (simulator/Faults.h)
+  std::uint64_t seed = 1;                                     // of the faults and of the moving values
   std::optional<std::uint32_t> memorySeed;  // of what its memory holds at first; nothing: by model and unit alone
   std::optional<std::uint16_t> powerUp;     // what SY tells first as the number of the power-up; nothing: one of chance
 };

@@ -62,6 +62,7 @@ std::string CheckBaud(const std::string& text) {
 // What the parser writes into beside the options themselves.
 struct Raw {
   int unit = 1;
+  int restartTime = 200;
   std::optional<int> tcp;
   std::string dial;
   bool modem = false;
@@ -74,6 +75,8 @@ void DescribeController(CLI::App& app, sim::SimulatorOptions& controller, Raw& r
   app.add_option("--os", controller.osVersion, "Its O/S version, for example 4.60")->type_name("VERSION");
   app.add_option("--build", controller.osBuild, "Its O/S build, 0 to 99")->type_name("N")->check(Within(0, 99));
   app.add_option("--unit", raw.unit, "Its unit id, 0 to 255")->type_name("N")->check(Within(0, 255));
+  app.add_option("--serial-number", controller.serialNumber, "Its serial number, when it keeps no other in its file")
+      ->type_name("N");
   app.add_flag("--boot", controller.boot, "Start in its boot loader");
   app.add_option("--password", controller.password, "Its password, at most 8 characters")->type_name("PW");
   app.add_option("--state", controller.stateFile, "Keep its memory in this file")->type_name("FILE");
@@ -83,6 +86,9 @@ void DescribeController(CLI::App& app, sim::SimulatorOptions& controller, Raw& r
   app.add_option("--baud", controller.baud, "Imitate a serial line of this speed")
       ->type_name("BAUD")
       ->check(CheckBaud, "", "baud");
+  app.add_option("--restart-time", raw.restartTime, "How long it is silent after a reset, 0 to 60000. Default: 200")
+      ->type_name("MS")
+      ->check(Within(0, 60000));
   app.add_option("--fault", controller.faults, "Misbehave by this rule; may be given again")->type_name("RULE");
   app.add_option("--seed", controller.seed, "Of the faults and the moving values: the same seed, the same run")
       ->type_name("N");
@@ -139,6 +145,7 @@ std::expected<Options, int> ReadOptions(int argc, const char* const* argv) {
     return std::unexpected(app.exit(error) == 0 ? kDone : kUsage);
   }
   options.controller.unit = static_cast<std::uint8_t>(raw.unit);
+  options.controller.restartTime = std::chrono::milliseconds(raw.restartTime);
   if (raw.tcp) options.tcp = static_cast<std::uint16_t>(*raw.tcp);
   if (!raw.dial.empty()) options.dial = ParseHostAndPort(raw.dial);
   if (raw.modem) options.modem = sim::ModemOptions{.result = raw.dialResult, .answers = raw.modemAnswers};
