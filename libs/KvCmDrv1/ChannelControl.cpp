@@ -54,7 +54,7 @@ ChannelImpl::ChannelImpl(Pacer& pacer, std::shared_ptr<Trace> trace, const LinkS
       mSay(std::move(say)),
       mLine(pacer, *mTrace, mMakePort(settings)),
       mExchange(pacer, mLine, {}, [this](const std::string& message) { Tell(message); }),
-      mRawPort(pacer, mLine, [this](Outcome outcome) { OnRawOutcome(outcome); }),
+      mRawPort(pacer, mLine, [this](Outcome outcome, std::string_view sent) { OnRawOutcome(outcome, sent); }),
       mBlockEngine(*this) {
   ConfigureExchange();
 }
@@ -235,7 +235,10 @@ std::optional<VersionInfo> ChannelImpl::GetVersionInfo(std::uint8_t unit) {
     Tell(mError.Text());
     return std::nullopt;
   }
-  if (std::optional<Identity>& identity = mExchange.Unit(unit).identity) identity->version = *version;
+  if (!Knows(mExchange.Recognise(unit, *version), doing())) {
+    Tell(mError.Text());
+    return std::nullopt;
+  }
   Succeed();
   return version;
 }
@@ -267,11 +270,12 @@ std::optional<Channel::ControllerInfo> ChannelImpl::GetControllerInfo(std::uint8
   const auto reply = Ask({unit, mWriter.Information(unit, tag), TaggedRead(kReply), std::nullopt}, doing);
   if (!reply) return std::nullopt;
   std::optional<ControllerInfo> info = ReadInformation(*reply, tag);
-  if (info) {
-    Succeed();
-  } else {
+  if (!info) {
     FailMalformed(doing());
+    return std::nullopt;
   }
+  if (!Knows(mExchange.Recognise(unit, info->serialNumber), doing())) return std::nullopt;
+  Succeed();
   return info;
 }
 
@@ -319,8 +323,18 @@ void ChannelImpl::Tell(const std::string& message) {
   mSay(message);
 }
 
-void ChannelImpl::OnRawOutcome(Outcome outcome) {
-  mExchange.LoseStep();
+bool ChannelImpl::Knows(const std::expected<void, LinkError>& recognised, const std::string& doing) {
+  if (!recognised) Fail(recognised.error(), doing);
+  return recognised.has_value();
+}
+
+void ChannelImpl::OnRawOutcome(Outcome outcome, std::string_view sent) {
+  mExchange.DoubtUnits();
+  if (!sent.empty()) {
+    const std::optional<AsciiFrame> frame = FindFrame(sent.substr(0, sent.find(kFrameEnd)));
+    mRawReset = frame && FactsOf(frame->text).resets ? std::optional(frame->unit) : std::nullopt;
+  }
+  if (mRawReset) mExchange.NoteRestart(*mRawReset);  // it begins with the reply, whenever that comes
   if (outcome == Outcome::Done) return;
   if (outcome == Outcome::Lost) mExchange.NoteLoss();
   Fail(mExchange.Explain(outcome), "sending raw frames");

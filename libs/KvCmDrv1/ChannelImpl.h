@@ -135,7 +135,8 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] bool UseSettings(const LinkSettings& settings);
   void ConfigureExchange();
   void Tell(const std::string& message);
-  void OnRawOutcome(Outcome outcome);
+  void OnRawOutcome(Outcome outcome, std::string_view sent);
+  [[nodiscard]] bool Knows(const std::expected<void, LinkError>& recognised, const std::string& doing);
 
   Pacer& mPacer;
   std::shared_ptr<Trace> mTrace;
@@ -155,6 +156,7 @@ class ChannelImpl final : public Channel {
   int mMode = 0;
   bool mIsBusy = false;
   bool mIsRetired = false;
+  std::optional<std::uint8_t> mRawReset;  // unit that was told to reset by the last raw frame
 };
 
 template <typename Doing>

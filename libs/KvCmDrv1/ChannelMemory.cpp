@@ -42,7 +42,7 @@ std::optional<Bytes> ChannelImpl::ReadMemoryBlock(std::uint32_t address, std::ui
                  MemoryText(address, length, unit));
     return std::nullopt;
   }
-  const Instant start = mPacer.Now();
+  const Instant start = mPacer.Now() + mExchange.RestartRest(unit);
   if (const auto met = mExchange.MeetUnit(unit); !met) {
     Fail(met.error(), MemoryText(address, length, unit));
     return std::nullopt;
@@ -130,8 +130,14 @@ DownloadEngine* ChannelImpl::GetDownloadEngine() {
   return &mBlockEngine;
 }
 
+// Raw frames ask nobody who he is, so that is asked before they are sent.
 SerialPortObject* ChannelImpl::GetSerialPort() {
-  return mLine.IsOpen() ? &mRawPort : nullptr;
+  if (!mLine.IsOpen()) return nullptr;
+  if (const auto met = mExchange.MeetUnit(mSettings.unit); !met) {
+    Fail(met.error(), "preparing raw frames for unit " + std::to_string(mSettings.unit));
+    return nullptr;
+  }
+  return &mRawPort;
 }
 
 std::optional<BlockReply> ChannelImpl::AskBlock(const BlockFields& fields, std::string_view payload) {

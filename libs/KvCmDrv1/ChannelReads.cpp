@@ -90,7 +90,7 @@ std::optional<std::vector<OperandListValues>> ChannelImpl::ReadOperandList(std::
   }
   // A request that is alone has a deadline of its own; meeting the unit must not add to it.
   const bool isAlone = mExchange.HasMet(unit);
-  const Instant start = isAlone ? Instant() : mPacer.Now();
+  const Instant start = isAlone ? Instant() : mPacer.Now() + mExchange.RestartRest(unit);
   if (const auto met = mExchange.MeetUnit(unit); !met) {
     Fail(met.error(), Reading(ranges.front(), unit));
     return std::nullopt;

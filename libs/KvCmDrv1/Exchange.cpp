@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "KvCmDrv1/wire/Seal.h"
 #include "link/ControllerErrorText.h"
@@ -17,13 +18,6 @@ constexpr std::size_t kMeetingBytes = 400;
 bool IsReadOperation(std::uint16_t opCode) {
   constexpr auto kReads = std::to_array<std::uint16_t>({0, 1, 7, 8, 256, 257, 258, 259});
   return std::ranges::find(kReads, opCode) != kReads.end();
-}
-
-// Whether a controller that could not be asked again leaves a request that went out in doubt. A stop and another
-// controller are told as what they are, and after a loss it is asked once more.
-bool LeavesUnsure(Outcome ofGettingReady) {
-  return ofGettingReady != Outcome::Lost && ofGettingReady != Outcome::Stopped &&
-         ofGettingReady != Outcome::OtherController;
 }
 
 LinkError TextFaultError(TextFault fault) {
@@ -144,16 +138,18 @@ std::expected<std::string_view, LinkError> Exchange::SendText(const TextRequest&
   TextRequest request = given;
   request.text = TextOf(mMain.frame);  // the caller's own may be built anew by a request that is refused meanwhile
   const UnderWay underWay(*this);
-  SetDeadline(mMain.frame.size() + request.facts.longestReply, request.notAfter);
+  Begin(request.unit, mMain.frame.size() + request.facts.longestReply, request.notAfter);
+  if (request.facts.resets) mDeadline += kRestartTime - RestartRest(request.unit);
   Outcome outcome = RunText(request);
   if (outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text) == kNeedsPasswordCode &&
       GiveAccess(request.unit) == Outcome::Done) {
     mWentOut = false;  // refused: it has changed nothing
     outcome = RunText(request);
   }
-  Count(outcome);
+  Conclude(request.unit, outcome);
+  const bool isRefused = outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text).has_value();
+  if (request.facts.resets && mWentOut && !isRefused) NoteRestart(request.unit);
   if (outcome != Outcome::Done) return std::unexpected(Explain(outcome));
-  if (request.facts.changesModel) mUnits[request.unit].modelMayChange = true;
   return mMain.reply;
 }
 
@@ -161,14 +157,14 @@ std::expected<BlockReply, LinkError> Exchange::SendBlock(const BlockRequest& req
   if (std::optional<LinkError> refused = Refuse()) return std::unexpected(std::move(*refused));
   const UnderWay underWay(*this);
   const std::size_t bytes = 2 * (kBlockHead + kBlockCheck) + request.payload.size() + request.replyPayload;
-  SetDeadline(bytes, request.notAfter);
+  Begin(request.unit, bytes, request.notAfter);
   Outcome outcome = RunBlock(request);
   if (outcome == Outcome::Done && mBlockStatus == kBlockRefused + kNeedsPasswordCode &&
       GiveAccess(request.unit) == Outcome::Done) {
     mWentOut = false;
     outcome = RunBlock(request);
   }
-  Count(outcome);
+  Conclude(request.unit, outcome);
   if (outcome != Outcome::Done) return std::unexpected(Explain(outcome));
   return BlockReply{mBlockStatus, mMain.reply};
 }
@@ -177,14 +173,14 @@ std::expected<void, LinkError> Exchange::MeetUnit(std::uint8_t unit) {
   if (std::optional<LinkError> refused = Refuse()) return std::unexpected(std::move(*refused));
   if (HasMet(unit)) return {};
   const UnderWay underWay(*this);
-  SetDeadline(0, std::nullopt);
+  Begin(unit, 0, std::nullopt);
   Outcome outcome = GetReady(unit, false);
   while (outcome == Outcome::Lost) {
     LoseLink();
     outcome = MayGoOn() ? GetReady(unit, false) : Outcome::CannotReopen;
   }
   if (outcome == Outcome::Done) return {};
-  Count(outcome);
+  Conclude(unit, outcome);
   return std::unexpected(Explain(outcome));
 }
 
@@ -195,10 +191,46 @@ std::expected<void, LinkError> Exchange::AwaitCaller(std::uint8_t unit, Duration
   return AdmitCaller(unit, mStart + limit);
 }
 
-void Exchange::SetDeadline(std::size_t wireBytes, std::optional<Instant> notAfter) {
+bool Exchange::HasMet(std::uint8_t unit) const {
+  const bool isKnown = mLine.IsOpen() && !mIsDoubtful && mUnits[unit].connection == mLine.Connection();
+  return isKnown && !IsLongUnheard(unit, mPacer.Now());
+}
+
+void Exchange::Begin(std::uint8_t unit, std::size_t wireBytes, std::optional<Instant> notAfter) {
   mStart = mPacer.Now();
   mDeadline = mStart + mSettings.tries * (mSettings.timeOut + mLine.WireTime(wireBytes + kMeetingBytes));
+  mDeadline += RestartRest(unit);
   if (notAfter) mDeadline = std::min(mDeadline, *notAfter);
+  if (std::exchange(mIsDoubtful, false)) {
+    for (UnitState& each : mUnits) each.connection = 0;
+  }
+  if (IsLongUnheard(unit, mStart)) mUnits[unit].connection = 0;
+}
+
+// Who did not answer may have been taken away, and another one put in its place.
+void Exchange::Conclude(std::uint8_t unit, Outcome outcome) {
+  if (outcome == Outcome::Done) {
+    ++mQuality.exchanges;
+    return;
+  }
+  ++mQuality.errors;
+  if (outcome != Outcome::NotSupported) mUnits[unit].connection = 0;
+}
+
+void Exchange::NoteRestart(std::uint8_t unit) {
+  UnitState& state = mUnits[unit];
+  state.connection = 0;
+  state.modelMayChange = true;
+  state.restartUntil = mPacer.Now() + kRestartTime;
+}
+
+Duration Exchange::RestartRest(std::uint8_t unit) const {
+  const Instant until = mUnits[unit].restartUntil;
+  return until == Instant{} ? Duration{} : std::max(until - mPacer.Now(), Duration{});
+}
+
+bool Exchange::MayBeRestarting(std::uint8_t unit) const {
+  return mPacer.Now() < std::min(mUnits[unit].restartUntil, mDeadline);
 }
 
 Outcome Exchange::RunText(const TextRequest& request) {
@@ -211,6 +243,10 @@ Outcome Exchange::RunText(const TextRequest& request) {
       // A link that has gone quietly is noticed before a request that could not be sent again.
       if (!isRead) outcome = mLine.DropInput();
       if (outcome == Outcome::Done) outcome = TryText(request, mMain);
+      if (isRead && IsUnanswered(outcome) && MayBeRestarting(request.unit)) {
+        mUnits[request.unit].connection = 0;  // met before the reset began
+        continue;
+      }
     } else if (mWentOut && !isRead && LeavesUnsure(outcome)) {
       return Outcome::Unsure;
     }
@@ -228,27 +264,35 @@ Outcome Exchange::TryText(const TextRequest& request, Buffers& buffers) {
     mCounterBefore = unit.counter;
     mPowerUpBefore = unit.powerUp;
   }
+  if (facts.resets) unit.restartUntil = mPacer.Now() + kRestartTime;
   TextJudge judge(request, unit, buffers.reply);
   Outcome worst = Outcome::Silence;  // damage in any try tells more than silence in the last
   for (int tryNumber = 1;; ++tryNumber) {
     const std::uint64_t sentBefore = mLine.BytesSent();
     const Outcome outcome =
-        OneTry(judge, buffers.frame, facts.longestReply, WaitOf(facts.isSlow, tryNumber), ReserveOf(facts));
+        OneTry(judge, {buffers.frame, facts.longestReply, facts.isSlow, ReserveOf(facts), tryNumber});
     if (isMain) {
       mWentOut = mWentOut || mLine.BytesSent() != sentBefore;
       mTriesUsed = tryNumber;
     }
     if (outcome == Outcome::Done) {
+      const bool isNext = IsNewer(judge.Counter(), unit.counter);
       unit.counter = judge.Counter();
+      unit.heard = mLine.AnswerTime();
       if (tryNumber == 1 && !facts.isSlow) {
         mRoundTrip.Sample(mLine.AnswerTime() - mTryStart - mLine.WireTime(buffers.frame.size() + buffers.reply.size()));
       }
-      return outcome;
+      return isNext || !isMain ? outcome : WhoAnswered(request);
     }
     if (facts.isSettled || facts.kind != RequestKind::Read) unit.isInStep = false;
-    if (outcome != Outcome::Silence && outcome != Outcome::Damaged) return outcome;
-    if (outcome == Outcome::Silence) mRoundTrip.Silence();
-    if (outcome == Outcome::Damaged) worst = outcome;
+    if (!IsUnanswered(outcome)) return outcome;
+    if (outcome != Outcome::Damaged) mRoundTrip.Silence();
+    worst = std::max(worst, outcome);
+    if (isMain && IsLongUnheard(request.unit, mPacer.Now())) {
+      if (const Outcome met = MeetAgain(request.unit); met != Outcome::Done) {
+        return facts.kind == RequestKind::Once && LeavesUnsure(met) ? Outcome::Unsure : met;
+      }
+    }
     if (facts.kind == RequestKind::Once) {
       if (const Outcome became = WhatBecameOf(request); became != Outcome::NotExecuted) return became;
     }
@@ -270,6 +314,10 @@ Outcome Exchange::RunBlock(const BlockRequest& request) {
       if (mWentOut && !isRead) return Outcome::Unsure;  // the new connection does not know the sequence number
       if (!isRead) outcome = mLine.DropInput();
       if (outcome == Outcome::Done) outcome = TryBlock(request);
+      if (isRead && IsUnanswered(outcome) && MayBeRestarting(request.unit)) {
+        mUnits[request.unit].connection = 0;
+        continue;
+      }
     } else if (mWentOut && !isRead && LeavesUnsure(outcome)) {
       return Outcome::Unsure;
     }
@@ -293,33 +341,41 @@ Outcome Exchange::TryBlock(const BlockRequest& request) {
   Outcome worst = Outcome::Silence;
   for (int tryNumber = 1;; ++tryNumber) {
     const std::uint64_t sentBefore = mLine.BytesSent();
-    const Outcome outcome = OneTry(judge, mMain.frame, replyBytes, WaitOf(isSlow, tryNumber), Duration{});
+    const Outcome outcome = OneTry(judge, {mMain.frame, replyBytes, isSlow, Duration{}, tryNumber});
     mWentOut = mWentOut || mLine.BytesSent() != sentBefore;
     mTriesUsed = tryNumber;
     if (outcome == Outcome::Done) {
       mBlockStatus = judge.Status();
+      mUnits[request.unit].heard = mLine.AnswerTime();
       if (tryNumber == 1 && !isSlow)
         mRoundTrip.Sample(mLine.AnswerTime() - mTryStart - mLine.WireTime(mMain.frame.size() + replyBytes));
       return outcome;
     }
-    if (outcome != Outcome::Silence && outcome != Outcome::Damaged) return outcome;
-    if (outcome == Outcome::Silence) mRoundTrip.Silence();
-    if (outcome == Outcome::Damaged) worst = outcome;
+    if (!IsUnanswered(outcome)) return outcome;
+    if (outcome != Outcome::Damaged) mRoundTrip.Silence();
+    worst = std::max(worst, outcome);
     if (tryNumber >= mSettings.tries || mPacer.Now() >= mDeadline) return worst;
+    if (IsLongUnheard(request.unit, mPacer.Now())) {
+      if (const Outcome met = MeetAgain(request.unit); met != Outcome::Done) {
+        return !IsReadOperation(request.fields.opCode) && LeavesUnsure(met) ? Outcome::Unsure : met;
+      }
+    }
     ++mQuality.repeats;
   }
 }
 
-Outcome Exchange::OneTry(ReplyJudge& judge, std::string_view frame, std::size_t replyBytes, Duration wait,
-                         Duration reserve) {
+Outcome Exchange::OneTry(ReplyJudge& judge, const Try& one) {
   mTryStart = mPacer.Now();
-  const Instant utmost = mDeadline - reserve;
-  const Instant end = std::min(mTryStart + mLine.WireTime(frame.size() + replyBytes) + wait, utmost);
+  const Instant utmost = mDeadline - one.reserve;
+  const Duration onWire = mLine.WireTime(one.frame.size() + one.replyBytes);
+  const Instant end = std::min(mTryStart + onWire + WaitOf(one.isSlow, one.number), utmost);
   if (mTryStart >= end) return Outcome::Silence;
-  const Outcome sent = mLine.Send(frame, mTryStart, end);
-  const Outcome outcome = sent == Outcome::Done ? mLine.Await(judge, mTryStart, end, utmost) : sent;
-  const bool isUnanswered = outcome == Outcome::Silence || outcome == Outcome::Damaged;
-  return isUnanswered && IsReplaced() ? Outcome::Lost : outcome;
+  const auto sending = one.number == 1 ? Line::Sending::New : Line::Sending::Again;
+  const Outcome sent = mLine.Send(one.frame, sending, mTryStart, end);
+  if (sent != Outcome::Done) return sent;
+  const TryLimits limits{end, utmost, mSettings.timeOut / 2, one.number >= mSettings.tries};
+  const Outcome outcome = mLine.Await(judge, mTryStart, limits);
+  return IsUnanswered(outcome) && IsReplaced() ? Outcome::Lost : outcome;
 }
 
 // The first try waits as long as replies have been taking, the last one as long as they may; those between wait a part
@@ -352,14 +408,6 @@ void Exchange::Abort(bool abort) {
     mLine.RequestAbort(abort);
   } else if (mLine.IsOpen()) {
     (void)mLine.DropInput();  // a loss shows with the next request
-  }
-}
-
-void Exchange::Count(Outcome outcome) {
-  if (outcome == Outcome::Done) {
-    ++mQuality.exchanges;
-  } else {
-    ++mQuality.errors;
   }
 }
 

@@ -61,12 +61,16 @@ struct BlockReply {
 //   any -> Reopening        the link is lost: reopened with growing pauses, the unit met again
 //   Reopening -> Ready      a read, or a request that had not gone out
 //   Reopening -> Asking     any other, which is never sent again over a new connection
-//   Reopening -> OtherController   serial number or model are not what they were; the link stays closed from then on
+//   any meeting -> OtherController   serial number or model are not what they were; the link stays closed from then on
 //   any -> Stopped          the pacer's stop request, or AbortComm
 //
-// All of it ends within tries x (time on the wire + time-out). What arrives late is told apart by tag, counter, seal
-// and sequence number, never by time. The last try waits for as long as the time-out allows, the ones before for as
-// long as replies on this link have been taking.
+// All of it ends within tries x (time on the wire + time-out), and what is left of the time that a reset takes. What
+// arrives late is told apart by tag, counter, seal and sequence number, never by time. The last try waits for as long
+// as the time-out allows, the ones before for as long as replies on this link have been taking.
+//
+// A unit is met by asking SY, ID and IN. It has to be met again on a new connection, when a request ended without its
+// answer, after a long silence, after raw traffic, and when its counter or its power-up number show a restart: behind
+// each of these somebody may have put another controller on the same line.
 class Exchange {
  public:
   using Say = std::function<void(const std::string& message)>;
@@ -77,11 +81,12 @@ class Exchange {
   [[nodiscard]] std::expected<std::string_view, LinkError> SendText(const TextRequest& given);
   // NotSupported, without traffic beyond meeting the unit, on a controller that understands ASCII frames only.
   [[nodiscard]] std::expected<BlockReply, LinkError> SendBlock(const BlockRequest& request);
-  [[nodiscard]] bool HasMet(std::uint8_t unit) const {
-    return mLine.IsOpen() && mUnits[unit].connection == mLine.Connection();
-  }
+  [[nodiscard]] bool HasMet(std::uint8_t unit) const;
   // Makes sure that the unit has been met on this connection.
   [[nodiscard]] std::expected<void, LinkError> MeetUnit(std::uint8_t unit);
+  // What a tool has asked the controller for by itself is held against what is known of it, too.
+  [[nodiscard]] std::expected<void, LinkError> Recognise(std::uint8_t unit, const VersionInfo& version);
+  [[nodiscard]] std::expected<void, LinkError> Recognise(std::uint8_t unit, std::uint32_t serialNumber);
 
   // Opens a port that partners call, and takes the first of them that answers as this unit and as the controller that
   // is meant. All others are dropped, each with a message that names it. Ends at `limit`.
@@ -91,8 +96,14 @@ class Exchange {
   [[nodiscard]] std::uint16_t NextTag() { return ++mTag; }
   // What is known of a unit. Passwords and identifications that tools come by are put here.
   [[nodiscard]] UnitState& Unit(std::uint8_t unit) { return mUnits[unit]; }
-  // Raw traffic has passed, or the speed has changed: no unit is in step any more.
+  // The speed has changed: no unit is in step any more.
   void LoseStep();
+  // Raw traffic has passed: every unit has to be met again.
+  void DoubtUnits() { mIsDoubtful = true; }
+  // The unit was told to reset: it may be silent for a while, and another model (its boot loader) afterwards.
+  void NoteRestart(std::uint8_t unit);
+  // How much longer a unit that was told to reset may be silent.
+  [[nodiscard]] Duration RestartRest(std::uint8_t unit) const;
   // Another controller is meant from now on.
   void ForgetUnits();
   // The other side has gone, as raw traffic found out.
@@ -123,14 +134,21 @@ class Exchange {
   class UnderWay;
 
   [[nodiscard]] std::optional<LinkError> Refuse() const;
-  void SetDeadline(std::size_t wireBytes, std::optional<Instant> notAfter);
-  void Count(Outcome outcome);
+  void Begin(std::uint8_t unit, std::size_t wireBytes, std::optional<Instant> notAfter);
+  void Conclude(std::uint8_t unit, Outcome outcome);
+  [[nodiscard]] bool IsLongUnheard(std::uint8_t unit, Instant now) const {
+    return now - mUnits[unit].heard > kLongSilence;
+  }
+  [[nodiscard]] bool MayBeRestarting(std::uint8_t unit) const;
 
   // Getting ready (ExchangeSteps.cpp).
   [[nodiscard]] Outcome GetReady(std::uint8_t unit, bool needsStep);
   [[nodiscard]] Outcome Reopen(std::uint8_t unit);
   [[nodiscard]] Outcome Meet(std::uint8_t unit);
+  [[nodiscard]] Outcome MeetAgain(std::uint8_t unit);
   [[nodiscard]] Outcome FindStep(std::uint8_t unit);
+  [[nodiscard]] Outcome AskStep(std::uint8_t unit);
+  [[nodiscard]] Outcome Introduce(std::uint8_t unit);
   [[nodiscard]] Outcome Identify(std::uint8_t unit);
   [[nodiscard]] Outcome GiveAccess(std::uint8_t unit);
   [[nodiscard]] Outcome Ask(const TextRequest& request, Buffers& buffers);
@@ -145,7 +163,10 @@ class Exchange {
   void DropCaller(const std::string& name, Outcome outcome);
   [[nodiscard]] LinkError NobodyCame(const PortError& error) const;
   [[nodiscard]] std::string WhyDropped(Outcome outcome) const;
+
+  [[nodiscard]] std::expected<void, LinkError> Recognise(std::uint8_t unit, const Identity& found);
   [[nodiscard]] Outcome WhatBecameOf(const TextRequest& request);
+  [[nodiscard]] Outcome WhoAnswered(const TextRequest& request);
   [[nodiscard]] bool MayGoOn();
 
   // Sending.
@@ -153,8 +174,14 @@ class Exchange {
   [[nodiscard]] Outcome TryText(const TextRequest& request, Buffers& buffers);
   [[nodiscard]] Outcome RunBlock(const BlockRequest& request);
   [[nodiscard]] Outcome TryBlock(const BlockRequest& request);
-  [[nodiscard]] Outcome OneTry(ReplyJudge& judge, std::string_view frame, std::size_t replyBytes, Duration wait,
-                               Duration reserve);
+  struct Try {
+    std::string_view frame;
+    std::size_t replyBytes;  // at most
+    bool isSlow;
+    Duration reserve;
+    int number;
+  };
+  [[nodiscard]] Outcome OneTry(ReplyJudge& judge, const Try& one);
   [[nodiscard]] Duration WaitOf(bool isSlow, int tryNumber) const;
   [[nodiscard]] Duration ReserveOf(const CommandFacts& facts) const;
   void LoseLink();
@@ -189,6 +216,7 @@ class Exchange {
   int mBlockStatus = 0;
 
   bool mIsShut = true;
+  bool mIsDoubtful = false;  // raw traffic has passed since the last request
   bool mIsOtherController = false;
   bool mIsAdmitting = false;  // a caller is asked who it is
   int mDropped = 0;           // callers, since one was taken

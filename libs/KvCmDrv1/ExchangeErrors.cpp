@@ -48,6 +48,20 @@ LinkError Exchange::Explain(Outcome outcome) const {
       return MakeError(NoReply, "no reply after " + effort,
                        "the controller is switched off, is not connected, or has another unit id or line speed",
                        "check cable and power, and unit id and speed in the communication settings");
+    case Outcome::Stray:
+      return MakeError(NoReply, "no reply after " + effort + ", only a few stray bytes",
+                       "the controller is switched off, is not connected, or has another unit id or line speed; the "
+                       "bytes are those of a transmitter that switches on, or of another device",
+                       "check cable and power, and unit id and speed in the communication settings");
+    case Outcome::Foreign:
+      return MakeError(NoReply, "no reply after " + effort + ", only messages that answer something else",
+                       "another device or program talks on this line, an adapter echoes, the unit id is another one, "
+                       "or the controller takes longer than the time-out",
+                       "end what else uses this line; check unit id and time-out in the communication settings");
+    case Outcome::Incomplete:
+      return MakeError(Damaged, "no reply ended after " + effort + ", the last one stopped in the middle",
+                       "a connection that pauses for longer than the time-out, or a line that loses bytes",
+                       "set a longer time-out in the communication settings; check the cable of a serial line");
     case Outcome::Damaged:
       return MakeError(
           Damaged, "no reply arrived whole after " + effort,

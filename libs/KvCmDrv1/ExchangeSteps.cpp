@@ -63,8 +63,17 @@ Outcome Exchange::Reopen(std::uint8_t unit) {
 }
 
 Outcome Exchange::Meet(std::uint8_t unit) {
-  Outcome outcome = FindStep(unit);
-  if (outcome == Outcome::Done) outcome = Identify(unit);
+  const Outcome outcome = AskStep(unit);
+  return outcome == Outcome::Done ? Introduce(unit) : outcome;
+}
+
+Outcome Exchange::MeetAgain(std::uint8_t unit) {
+  mUnits[unit].connection = 0;
+  return Meet(unit);
+}
+
+Outcome Exchange::Introduce(std::uint8_t unit) {
+  Outcome outcome = Identify(unit);
   if (outcome != Outcome::Done) return outcome;
   if (!mUnits[unit].password.empty()) {
     // A password that is refused now will be asked for by the request that needs it.
@@ -75,12 +84,32 @@ Outcome Exchange::Meet(std::uint8_t unit) {
   return Outcome::Done;
 }
 
+// Step was lost because something was not answered as it should have been. Who answers now as if its power had failed
+// meanwhile may be another controller.
 Outcome Exchange::FindStep(std::uint8_t unit) {
-  const std::uint16_t tag = NextTag();
-  const Outcome outcome = Ask({unit, mWriter.FindStep(unit, tag), TaggedRead(kStepReply), {}}, mStep);
+  UnitState& state = mUnits[unit];
+  const bool isMet = state.connection == mLine.Connection();
+  const std::uint16_t powerUp = state.powerUp;
+  const std::uint16_t counter = state.counter;
+  const Outcome outcome = AskStep(unit);
+  if (outcome != Outcome::Done || !isMet) return outcome;
+  if (state.powerUp == powerUp && IsNewer(state.counter, counter)) return Outcome::Done;
+  state.connection = 0;
+  return Introduce(unit);
+}
+
+Outcome Exchange::AskStep(std::uint8_t unit) {
+  std::uint16_t tag = 0;
+  Outcome outcome = Outcome::Done;
+  bool mayBeRestarting = false;
+  do {
+    mayBeRestarting = MayBeRestarting(unit);
+    tag = NextTag();
+    outcome = Ask({unit, mWriter.FindStep(unit, tag), TaggedRead(kStepReply), {}}, mStep);
+  } while (IsUnanswered(outcome) && mayBeRestarting);
   if (outcome != Outcome::Done) return outcome;
   const std::optional<StepReply> step = ReadStep(mStep.reply, tag);
-  if (!step) return Outcome::Damaged;
+  if (!step) return Outcome::NotIdentified;
   mStepReply = *step;
   mUnits[unit].powerUp = step->powerUp;
   mUnits[unit].isInStep = true;
@@ -109,8 +138,10 @@ Outcome Exchange::Compare(UnitState& unit, const Identity& found) {
     mSay("Connection closed: another controller answered");
     return Outcome::OtherController;
   }
+  // Who was told to reset may still answer as before for a moment.
+  const bool isReset = unit.identity && found.version.model != unit.identity->version.model;
+  if (isReset || mPacer.Now() >= unit.restartUntil) unit.modelMayChange = false;
   unit.identity = found;
-  unit.modelMayChange = false;
   return Outcome::Done;
 }
 
@@ -124,6 +155,23 @@ std::string Exchange::NameOfOther(const UnitState& unit, const Identity& found) 
   const bool isSameModel = unit.modelMayChange || !known || found.version.model == known->version.model;
   const bool isOther = known && (found.serialNumber != known->serialNumber || !isSameModel);
   return isOther ? NameOf(found) + " instead of " + NameOf(*known) : "";
+}
+
+std::expected<void, LinkError> Exchange::Recognise(std::uint8_t unit, const VersionInfo& version) {
+  const std::optional<Identity>& known = mUnits[unit].identity;
+  return Recognise(unit, {known ? known->serialNumber : 0, version});
+}
+
+std::expected<void, LinkError> Exchange::Recognise(std::uint8_t unit, std::uint32_t serialNumber) {
+  const std::optional<Identity>& known = mUnits[unit].identity;
+  return Recognise(unit, {serialNumber, known ? known->version : VersionInfo{}});
+}
+
+std::expected<void, LinkError> Exchange::Recognise(std::uint8_t unit, const Identity& found) {
+  if (!mUnits[unit].identity) return {};
+  const Outcome outcome = Compare(mUnits[unit], found);
+  if (outcome == Outcome::Done) return {};
+  return std::unexpected(Explain(outcome));
 }
 
 Outcome Exchange::GiveAccess(std::uint8_t unit) {
@@ -149,8 +197,7 @@ Outcome Exchange::Ask(const TextRequest& request, Buffers& buffers) {
 // with a tag is then known for ours, a settled one may have been sent and answered earlier since the restart.
 Outcome Exchange::WhatBecameOf(const TextRequest& request) {
   const Outcome outcome = FindStep(request.unit);
-  if (outcome == Outcome::Lost || outcome == Outcome::Stopped) return outcome;
-  if (outcome != Outcome::Done) return Outcome::Unsure;
+  if (outcome != Outcome::Done) return LeavesUnsure(outcome) ? Outcome::Unsure : outcome;
 
   const std::uint16_t counterNow = mUnits[request.unit].counter;
   const bool hasRestarted = mStepReply.powerUp != mPowerUpBefore;
@@ -162,6 +209,14 @@ Outcome Exchange::WhatBecameOf(const TextRequest& request) {
     return Outcome::Done;
   }
   return hasRestarted || isSince ? Outcome::Unsure : Outcome::NotExecuted;
+}
+
+// The answer to `request` has an older counter than the one before: its controller has restarted, or is another one.
+// Only who is known is believed.
+Outcome Exchange::WhoAnswered(const TextRequest& request) {
+  const Outcome met = MeetAgain(request.unit);
+  if (met == Outcome::Done || request.facts.kind == RequestKind::Read) return met;
+  return met == Outcome::OtherController ? met : Outcome::Unsure;
 }
 
 bool Exchange::MayGoOn() {

@@ -5,10 +5,14 @@
 namespace kv {
 namespace {
 
-// After something that was no answer, this much quiet ends the try: a damaged reply is asked for again at once, and a
-// stream of garbage cannot use up the tries.
+// After a damaged reply, this much quiet ends a try before the last: it is asked for again at once.
 constexpr Duration kQuiet = std::chrono::milliseconds(10);
 constexpr int kQuietBytes = 4;  // and at least the time of so many bytes
+
+// Bytes of the shortest reply, a frame: fewer that are no message were no reply.
+constexpr std::size_t kShortestReply = 20;
+// Start and unit id of a frame, or the first bytes of a block message: with fewer nobody knows that a reply began.
+constexpr std::size_t kReplyBegun = 3;
 
 // Longest time between two turns while bytes arrive without a pause.
 constexpr Duration kTurnInterval = std::chrono::milliseconds(20);
@@ -19,8 +23,10 @@ struct Line::Wait {
   Instant now;
   Instant lastTurn;
   Instant lastArrival;
-  bool hasArrived = false;  // any byte
-  bool isDamaged = false;   // something that was to be a message
+  std::size_t stray = 0;  // bytes that are no message
+  bool hasForeign = false;
+
+  [[nodiscard]] bool IsDamaged() const { return stray >= kShortestReply; }
 };
 
 Line::Line(Pacer& pacer, Trace& trace, std::unique_ptr<Port> port)
@@ -58,9 +64,11 @@ void Line::DropPartner() {
   mReceiver.Clear();
 }
 
-Outcome Line::Send(std::string_view bytes, Instant now, Instant deadline) {
+Outcome Line::Send(std::string_view bytes, Sending sending, Instant now, Instant deadline) {
   mTrace.Add(now, Trace::Direction::Sent, bytes);
-  mReceiver.Clear();  // the start of a message that never ended must not swallow the answer
+  // A block message that never ended must not swallow the answer to something else. The start of a frame cannot, and
+  // the answer to the same request is as long as the one that has begun.
+  if (sending == Sending::New && mReceiver.Pending().starts_with(kBlockStart)) mReceiver.Clear();
   while (true) {
     const std::size_t before = bytes.size();
     const Port::Result result = mPort->Write(bytes, kSlice);
@@ -73,22 +81,24 @@ Outcome Line::Send(std::string_view bytes, Instant now, Instant deadline) {
   }
 }
 
-Outcome Line::Await(ReplyJudge& judge, Instant now, Instant deadline, Instant utmost) {
+Outcome Line::Await(ReplyJudge& judge, Instant now, const TryLimits& limits) {
   const Duration quiet = std::max(kQuiet, kQuietBytes * mPort->ByteTime());
   Wait wait{.now = now, .lastTurn = now, .lastArrival = {}};
   while (true) {
     if (!mReceiver.IsEmpty() && TakeMessages(judge, wait)) return Outcome::Done;
     if (StopAsked()) return Outcome::Stopped;
-    if (wait.isDamaged && wait.now - wait.lastArrival >= quiet) return Outcome::Damaged;
-    const Instant end = IsArriving(wait) ? utmost : deadline;
-    if (wait.now >= end) return wait.hasArrived ? Outcome::Damaged : Outcome::Silence;
+    if (!limits.isLast && wait.IsDamaged() && wait.now - wait.lastArrival >= quiet) return Outcome::Damaged;
+    const Instant end = IsArriving(wait, limits.patience) ? limits.utmost : limits.deadline;
+    if (wait.now >= end) {
+      const Outcome outcome = WithoutAnswer(wait);
+      return limits.isLast && TakeMessages(judge, wait, true) ? Outcome::Done : outcome;
+    }
 
     const Port::Result result = ReadSlice(std::min(kSlice, end - wait.now));
     wait.now = mPacer.Now();
     if (!mArrived.empty()) {
       mReceiver.Feed(mArrived, wait.now);
       wait.lastArrival = wait.now;
-      wait.hasArrived = true;
     }
     if (result == Port::Result::Lost) return TakeMessages(judge, wait) ? Outcome::Done : Outcome::Lost;
     if (result == Port::Result::Nothing || wait.now - wait.lastTurn >= kTurnInterval) {
@@ -99,12 +109,21 @@ Outcome Line::Await(ReplyJudge& judge, Instant now, Instant deadline, Instant ut
   }
 }
 
-bool Line::IsArriving(const Wait& wait) const {
-  return !mReceiver.IsEmpty() && !wait.isDamaged && wait.now - wait.lastArrival < MessageReceiver::kIdle;
+bool Line::IsArriving(const Wait& wait, Duration patience) const {
+  const bool hasBegun = mReceiver.Pending().size() >= kReplyBegun;
+  return hasBegun && !wait.IsDamaged() && wait.now - wait.lastArrival < patience;
 }
 
-bool Line::TakeMessages(ReplyJudge& judge, Wait& wait) {
-  while (const std::optional<Received> received = mReceiver.Next(wait.now)) {
+Outcome Line::WithoutAnswer(const Wait& wait) const {
+  const std::size_t pending = mReceiver.Pending().size();
+  if (wait.IsDamaged()) return Outcome::Damaged;
+  if (pending >= kReplyBegun) return Outcome::Incomplete;
+  if (wait.hasForeign) return Outcome::Foreign;
+  return wait.stray + pending > 0 ? Outcome::Stray : Outcome::Silence;
+}
+
+bool Line::TakeMessages(ReplyJudge& judge, Wait& wait, bool isEnd) {
+  while (const std::optional<Received> received = mReceiver.Next(wait.now, isEnd)) {
     const bool isAnswer = received->IsGood() && judge.Accepts(*received);
     mTrace.Add(wait.now, isAnswer ? Trace::Direction::Received : Trace::Direction::Dropped, received->bytes);
     if (isAnswer) {
@@ -112,7 +131,11 @@ bool Line::TakeMessages(ReplyJudge& judge, Wait& wait) {
       return true;
     }
     // A whole message that answers something else is no damage: the answer may be right behind it.
-    if (!received->IsGood()) wait.isDamaged = true;
+    if (received->IsGood()) {
+      wait.hasForeign = true;
+    } else {
+      wait.stray += received->bytes.size();
+    }
   }
   return false;
 }

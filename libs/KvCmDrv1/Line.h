@@ -23,6 +23,14 @@ class ReplyJudge {
   virtual bool Accepts(const Received& received) = 0;
 };
 
+// How long one try waits for its answer.
+struct TryLimits {
+  Instant deadline;
+  Instant utmost;       // for a reply that has begun when the deadline comes: its line may be slower than it says,
+  Duration patience{};  // or pause for so long. To ask again meanwhile would only put a second reply behind it
+  bool isLast = false;  // damage does not end it early, because nothing is sent again after it
+};
+
 // The line under the exchanges: a port, the receiver behind it, the trace and the counts. Sends bytes, waits for an
 // answer, and nothing else: what is repeated and when is the exchange's business.
 //
@@ -47,14 +55,16 @@ class Line {
 
   // `now` is the time of the call here and below, which the caller knows: reading the clock is not free.
   //
-  // Done when all bytes are with the port; Silence when the line did not take them until `deadline`.
-  [[nodiscard]] Outcome Send(std::string_view bytes, Instant now, Instant deadline);
+  // Done when all bytes are with the port; Silence when the line did not take them until `deadline`. A reply that has
+  // begun to arrive is kept when the bytes are the same request again: its rest may be on its way.
+  enum class Sending { New, Again };
+  [[nodiscard]] Outcome Send(std::string_view bytes, Sending sending, Instant now, Instant deadline);
 
-  // Done when the judge took a message. Damaged when something else arrived and the line was quiet again, or at the
-  // deadline; Silence when nothing arrived until then. A message that is just arriving, undamaged, is waited for beyond
-  // the deadline, until `utmost`: a line may be slower than it says. All that arrives goes through the receiver, so
-  // endless garbage costs no memory.
-  [[nodiscard]] Outcome Await(ReplyJudge& judge, Instant now, Instant deadline, Instant utmost);
+  // Done when the judge took a message. Otherwise how much arrived until the limits, of which stray bytes end no try:
+  // transmitters of two-wire lines send some when they switch on. Damaged also when as many bytes as a reply has were
+  // none, and the line was quiet again: then it is asked again at once, unless this is the last try. All that arrives
+  // goes through the receiver, so endless garbage costs no memory.
+  [[nodiscard]] Outcome Await(ReplyJudge& judge, Instant now, const TryLimits& limits);
   // When the bytes arrived that ended the last Await with Done.
   [[nodiscard]] Instant AnswerTime() const { return mAnswerTime; }
 
@@ -81,8 +91,9 @@ class Line {
 
  private:
   struct Wait;
-  [[nodiscard]] bool IsArriving(const Wait& wait) const;
-  [[nodiscard]] bool TakeMessages(ReplyJudge& judge, Wait& wait);
+  [[nodiscard]] bool IsArriving(const Wait& wait, Duration patience) const;
+  [[nodiscard]] bool TakeMessages(ReplyJudge& judge, Wait& wait, bool isEnd = false);
+  [[nodiscard]] Outcome WithoutAnswer(const Wait& wait) const;
   [[nodiscard]] Port::Result ReadSlice(Duration slice);
   void TraceDialogue();
 

@@ -8,13 +8,14 @@
 
 namespace kv {
 
-// The port under the channel, for raw traffic. What happens to the line is told to `onOutcome`: the channel keeps the
-// reason of a failure, and its exchanges find step again afterwards.
+// The port under the channel, for raw traffic. What happens to the line is told to `onOutcome`, with the bytes that
+// were to be sent: the channel keeps the reason of a failure, and its exchanges meet the controller again afterwards.
 class RawPort final : public SerialPortObject {
  public:
   static constexpr std::size_t kInBuffer = 8192;
+  using OnOutcome = std::function<void(Outcome outcome, std::string_view sent)>;
 
-  RawPort(Pacer& pacer, Line& line, std::function<void(Outcome outcome)> onOutcome);
+  RawPort(Pacer& pacer, Line& line, OnOutcome onOutcome);
 
   void SetInBufferCount(std::size_t count) override;
   bool Output(std::string_view bytes) override;
@@ -26,7 +27,7 @@ class RawPort final : public SerialPortObject {
  private:
   Pacer& mPacer;
   Line& mLine;
-  std::function<void(Outcome outcome)> mOnOutcome;
+  OnOutcome mOnOutcome;
   std::string mWaiting;  // received, and not yet taken
 };
 

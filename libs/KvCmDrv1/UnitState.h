@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "base/Time.h"
 #include "link/VersionInfo.h"
 
 namespace kv {
@@ -14,9 +15,19 @@ struct Identity {
   VersionInfo version;
 };
 
+// How long a controller may be silent after a reset: the slowest need two seconds, a network adapter before them as
+// long again.
+inline constexpr Duration kRestartTime = std::chrono::seconds(5);
+
+// After this much silence somebody may have moved the cable, and whoever answers says first who it is. Longer than the
+// pause between two questions of the main window, shorter than it takes to walk to the cabinet.
+inline constexpr Duration kLongSilence = std::chrono::seconds(3);
+
 // What the driver knows of one unit on the line.
 struct UnitState {
-  unsigned connection = 0;    // on which it was last met
+  unsigned connection = 0;    // on which it was last met; 0: it has to be met again
+  Instant heard{};            // when its last answer arrived
+  Instant restartUntil{};     // it was told to reset, and may be silent until then
   bool isInStep = false;      // every answer to a settled request from here on has a counter newer than `counter`
   std::uint16_t counter = 0;  // of the seal of the last answer
   std::uint16_t powerUp = 0;  // as it was when the exchange last came in step

@@ -72,10 +72,12 @@ TEST(SimulatedClone, NeedsThePasswordBothWays) {
   plc.prompts.password = "Secret";
   ASSERT_EQ(plc.Create(bench.file).end, CloneEnd::Done);   // and that gives access on this connection
   EXPECT_EQ(plc.Restore(bench.file).end, CloneEnd::Done);  // whose end resets the controller
-  const CloneOutcome refused = plc.Restore(bench.file);
+  EXPECT_EQ(plc.Restore(bench.file).end, CloneEnd::Done) << "the password is given again";
+  Plc other(bench, 1, "Secret");
+  const CloneOutcome refused = other.Restore(bench.file);
   EXPECT_EQ(refused.cause, CloneCause::Reply);
   EXPECT_THAT(refused.reason, HasSubstr("password"));
-  EXPECT_EQ(plc.State(), 'R');
+  EXPECT_EQ(other.State(), 'R');
   EXPECT_TRUE(VerifyClone(plc.Link(), bench.file)->IsSame());
 }
 
@@ -126,6 +128,7 @@ TEST(SimulatedClone, FailsPlainlyAtEachLineOfARestoreOrIsFoundOutByVerify) {
     for (const std::string kind : {"noreply", "reset", "lost:at=0,away=1"}) {
       Plc plc(bench, 2);
       const std::string rule = kind + (kind.contains(':') ? "," : ":") + selector.substr(1);
+      EXPECT_EQ(plc.State(), 'R');  // it is met, so that lines alone are counted
       ASSERT_TRUE(plc.simulated->UseFaults({rule}));
       const CloneOutcome outcome = plc.Restore(bench.file);
       EXPECT_EQ(outcome.cause, CloneCause::Reply) << rule;
@@ -133,6 +136,7 @@ TEST(SimulatedClone, FailsPlainlyAtEachLineOfARestoreOrIsFoundOutByVerify) {
       EXPECT_EQ(plc.State(), nth == lines || kind == "reset" ? 'R' : 'L') << rule;
     }
     Plc liar(bench, 2);
+    EXPECT_EQ(liar.State(), 'R');
     ASSERT_TRUE(liar.simulated->UseFaults({"lie" + selector}));
     EXPECT_EQ(liar.Restore(bench.file).end, CloneEnd::Done);
     EXPECT_EQ(VerifyClone(liar.Link(), bench.file)->IsSame(), nth == lines) << nth;

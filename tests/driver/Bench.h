@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <deque>
 #include <memory>
 #include <string>
 #include <utility>
@@ -39,13 +41,25 @@ inline LinkSettings UnusualSettings(Transport transport) {
   return settings;
 }
 
-// A simulated controller that counts what it does, at the end of a cable that can be pulled.
+// What a line does to the bytes of each reply.
+struct LineShape {
+  std::string noise{};      // before the first one
+  Duration noiseLead{};     // between the noise and the reply
+  Duration latency{};       // of the first one
+  std::size_t pauseAt = 0;  // byte of the reply before which the line pauses
+  Duration pause{};
+};
+
+// A simulated controller that counts what it does, at the end of a cable that can be pulled, and put into another one.
 struct Plant {
-  explicit Plant(const std::string& model, const std::string& password = {}) {
-    sim::SimulatorOptions options;
+  explicit Plant(const std::string& model, const std::string& password = {}, const sim::SimulatorOptions& like = {}) {
+    Connect(model, password, like);
+  }
+  void Connect(const std::string& model, const std::string& password = {}, sim::SimulatorOptions options = {}) {
     options.model = model;
     options.password = password;
     options.baud = 115200;
+    ++cables;
     auto counting = std::make_unique<matrix::CountingController>(sim::Controller::Create(options).value());
     controller = counting.get();
     simulated = sim::SimulatedController::CreateAround(std::move(counting), options).value();
@@ -56,26 +70,49 @@ struct Plant {
   std::unique_ptr<sim::SimulatedController> simulated;
   bool isReachable = true;
   bool isCut = false;
+  bool isSilent = false;
   int connections = 0;
+  int cables = 0;  // that were put in
+  LineShape shape;
 };
 
 class PlantPort final : public Port {
  public:
-  PlantPort(Plant& plant, Pacer& pacer) : mPlant(plant), mLine(plant.simulated->NewLine(), "", pacer) {}
+  PlantPort(Plant& plant, Pacer& pacer) : mPlant(plant), mPacer(pacer) { TakeCable(); }
 
   std::expected<void, PortError> Open(Duration limit) override {
     if (!mPlant.isReachable) return std::unexpected(PortError{"nobody is there", "the test", "none"});
     mPlant.isCut = false;
     ++mPlant.connections;
-    return mLine.Open(limit);
+    mIsOpen = true;
+    TakeCable();
+    return mLine->Open(limit);
   }
-  void Close() override { mLine.Close(); }
-  bool IsOpen() const override { return mLine.IsOpen(); }
+  void Close() override {
+    mIsOpen = false;
+    mLine->Close();
+  }
+  bool IsOpen() const override { return mIsOpen && (mPlant.isCut || mLine->IsOpen()); }
   Result Write(std::string_view& bytes, Duration slice) override {
-    return mPlant.isCut ? Result::Lost : mLine.Write(bytes, slice);
+    if (mPlant.isCut) return Result::Lost;
+    mArrived = 0;
+    if (mCable != mPlant.cables) TakeCable();
+    if (!mPlant.isSilent) return mLine->Write(bytes, slice);
+    bytes = {};
+    return Result::Done;
   }
   Result Read(std::string& buffer, Duration slice) override {
-    return mPlant.isCut ? Result::Lost : mLine.Read(buffer, slice);
+    if (mPlant.isCut) return Result::Lost;
+    for (const Instant end = mPacer.Now() + slice;;) {
+      const Instant next = mOnWay.empty() ? end : std::min(end, mOnWay.front().first);
+      std::string bytes;
+      if (mLine->Read(bytes, std::max(next - mPacer.Now(), Duration(0))) == Result::Lost) return Result::Lost;
+      for (const char byte : bytes) Delay(byte);
+      for (; !mOnWay.empty() && mOnWay.front().first <= mPacer.Now(); mOnWay.pop_front())
+        buffer += mOnWay.front().second;
+      if (!buffer.empty()) return Result::Done;
+      if (mPacer.Now() >= end) return Result::Nothing;
+    }
   }
   const PortError& LossReason() const override { return mLoss; }
   Duration ByteTime() const override { return Duration(87); }  // 115200 baud
@@ -83,8 +120,31 @@ class PlantPort final : public Port {
   std::string Description() const override { return "the cable"; }
 
  private:
+  void TakeCable() {
+    mCable = mPlant.cables;
+    mLine = std::make_unique<SimulatedPort>(mPlant.simulated->NewLine(), "", mPacer);
+    if (!mIsOpen) return;
+    EXPECT_TRUE(mLine->Open({}));
+  }
+  void Delay(char byte) {
+    const LineShape& shape = mPlant.shape;
+    Instant at = mPacer.Now() + shape.latency;
+    if (!mOnWay.empty()) at = std::max(at, mOnWay.back().first);
+    if (mArrived == 0 && !shape.noise.empty()) {
+      for (const char stray : shape.noise) mOnWay.emplace_back(at, stray);
+      at += shape.noiseLead;
+    }
+    if (mArrived++ == shape.pauseAt) at += shape.pause;
+    mOnWay.emplace_back(at, byte);
+  }
+
   Plant& mPlant;
-  SimulatedPort mLine;
+  Pacer& mPacer;
+  std::unique_ptr<SimulatedPort> mLine;
+  bool mIsOpen = false;
+  int mCable = 0;
+  std::size_t mArrived = 0;  // bytes of the reply
+  std::deque<std::pair<Instant, char>> mOnWay;
   PortError mLoss{"it was cut", "the test", "none"};
 };
 
@@ -97,8 +157,8 @@ struct Bench {
   ChannelImpl channel;
 
   explicit Bench(const std::string& model = "K220", const LinkSettings& settings = SerialSettings(),
-                 const std::string& password = {})
-      : plant(model, password),
+                 const std::string& password = {}, const sim::SimulatorOptions& like = {})
+      : plant(model, password, like),
         channel(
             pacer, trace, settings, [this](const LinkSettings&) { return std::make_unique<PlantPort>(plant, pacer); },
             [this](const std::string& message) { messages.push_back(message); }) {

@@ -1,21 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <span>
+
 #include "Bench.h"
 
 namespace kv {
 namespace {
 
 using namespace std::chrono_literals;
-
-TEST(Exchange, AFaultThatStaysIsToldByItsReason) {
-  for (const auto& [fault, code] :
-       {std::pair{"noreply:on=RO", LinkErrorCode::NoReply}, {"cut:after=7,on=RO", LinkErrorCode::Damaged}}) {
-    Bench bench;
-    bench.plant.UseFaults({fault});
-    EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
-    EXPECT_EQ(bench.Error().code, code) << bench.Error().Text();
-  }
-}
 
 TEST(Exchange, RefusalIsNeverRepeated) {
   Bench bench;
@@ -26,6 +19,93 @@ TEST(Exchange, RefusalIsNeverRepeated) {
       bench.Error().Text().starts_with("Reading MI 0..59 from unit 1 on COM3, 115200 8N1 failed: the controller "
                                        "refused: it is busy (code 0A)"));
   EXPECT_EQ(bench.channel.Quality().repeats, 0U);
+}
+
+using Requests = std::vector<std::pair<const char*, std::function<bool(Channel&)>>>;
+
+// One of each kind that the exchange goes about in another way, on a link that was never used before.
+Requests EachKind(Bench& bench) {
+  bench.channel.Close();
+  EXPECT_TRUE(bench.channel.Open());
+  const OperandListRequest list{.driverTypeCode = 3, .start = 0, .count = 60};
+  return {{"tagged read", [](Channel& c) { return c.ReadMI(0, 60, 1).has_value(); }},
+          {"write", [](Channel& c) { return c.WriteMI(0, std::vector<std::int16_t>{7}, 1); }},
+          {"settled read", [](Channel& c) { return c.SendCommand("DRS000020").has_value(); }},
+          {"settled once", [](Channel& c) { return c.StopController(1); }},
+          {"list", [list](Channel& c) { return c.ReadOperandList(std::span(&list, 1), 1).has_value(); }},
+          {"memory", [](Channel& c) { return c.ReadMemoryBlock(0x00200000, 100, 1).has_value(); }}};
+}
+
+TEST(Exchange, StrayBytesAndPausesFailNothing) {
+  const struct {
+    const char* what;
+    LineShape shape;
+    Duration most;  // for one request that meets nobody
+  } lines[] = {
+      {"a transmitter switches on", {.noise = "\xFF", .noiseLead = 12ms}, 100ms},
+      {"with a byte that could begin a frame", {.noise = "/", .noiseLead = 40ms}, 100ms},
+      {"with one that could begin a block message", {.noise = "\xB4", .noiseLead = 20ms}, 100ms},
+      {"with the start of one", {.noise = "\xB4\x4B\x01", .noiseLead = 150ms}, 1s},
+      {"with an end", {.noise = "\r", .noiseLead = 15ms}, 100ms},
+      {"for long", {.noise = std::string(60, '\x55'), .noiseLead = 60ms}, 1s},
+      {"each reply pauses", {.latency = 30ms, .pauseAt = 10, .pause = 400ms}, 2s},
+      {"each reply pauses behind its head", {.latency = 30ms, .pauseAt = 40, .pause = 150ms}, 1s},
+  };
+  for (const auto& line : lines) {
+    for (const char* model : {"K220", "Q50"}) {
+      Bench bench(model);
+      const Requests requests = EachKind(bench);
+      bench.plant.shape = line.shape;
+      EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1)) << line.what << ", meeting: " << bench.Error().Text();
+      for (int round = 0; round < 3; ++round) {
+        for (const auto& [name, request] : requests) {
+          SCOPED_TRACE(std::string(line.what) + ", " + model + ": " + name);
+          const Instant start = bench.pacer.Now();
+          EXPECT_TRUE(request(bench.channel)) << bench.Error().Text();
+          EXPECT_LE(bench.pacer.Now() - start, line.most);
+        }
+      }
+      EXPECT_EQ(bench.channel.Quality().errors, 0U);
+    }
+  }
+}
+
+// A link that pauses is waited for, instead of being asked three times for everything.
+TEST(Exchange, PausesOfALinkAreLearnt) {
+  Bench bench;
+  bench.plant.shape = {.latency = 30ms, .pauseAt = 30, .pause = 300ms};
+  for (int i = 0; i < 5; ++i) ASSERT_TRUE(bench.channel.ReadMI(0, 60, 1));
+  const auto before = bench.channel.Quality().repeats;
+  for (int i = 0; i < 20; ++i) ASSERT_TRUE(bench.channel.ReadMI(0, 60, 1));
+  EXPECT_EQ(bench.channel.Quality().repeats, before);
+}
+
+// What is advised must follow from what was seen.
+TEST(Exchange, ADisturbedLineIsToldWhereDamageWasSeen) {
+  const struct {
+    const char* fault;
+    LineShape shape;
+    LinkErrorCode code;
+    const char* told;
+    bool isDisturbed;
+  } cases[] = {
+      {"noreply:on=RO", {}, LinkErrorCode::NoReply, "no reply after 3 tries", false},
+      {"garbage:bytes=3,on=RO", {.pauseAt = 3, .pause = 5s}, LinkErrorCode::NoReply, "only a few stray bytes", false},
+      {"wrongunit:on=RO", {}, LinkErrorCode::NoReply, "only messages that answer something else", false},
+      {"cut:after=7,on=RO", {}, LinkErrorCode::Damaged, "stopped in the middle", false},
+      {"damage:on=RO", {}, LinkErrorCode::Damaged, "no reply arrived whole", true},
+  };
+  for (const auto& each : cases) {
+    Bench bench("Q50");
+    bench.plant.UseFaults({each.fault});
+    bench.plant.shape = each.shape;
+    EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1)) << each.fault;
+    EXPECT_EQ(bench.Error().code, each.code) << each.fault;
+    const std::string text = bench.Error().Text();
+    EXPECT_NE(text.find(each.told), std::string::npos) << text;
+    EXPECT_EQ(text.find("disturbed line") != std::string::npos, each.isDisturbed) << text;
+    EXPECT_EQ(text.find("lower speed") != std::string::npos, each.isDisturbed) << text;
+  }
 }
 
 // A link on which replies take 2 ms does not wait half a second for each that is lost.

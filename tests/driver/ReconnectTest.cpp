@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <tuple>
+
 #include "Bench.h"
 
 namespace kv {
@@ -7,6 +10,13 @@ namespace {
 
 using namespace std::chrono_literals;
 const std::vector<std::int16_t> kSeven = {7};
+
+sim::SimulatorOptions Like(std::optional<std::uint32_t> serialNumber, Duration restartTime = 200ms) {
+  sim::SimulatorOptions options;
+  options.serialNumber = serialNumber;
+  options.restartTime = restartTime;
+  return options;
+}
 
 TEST(Reconnect, ReadIsRepeatedOnTheNewConnectionAndTheUserIsTold) {
   for (const char* fault : {"lost:on=RO,nth=1", "lost:dir=in,on=RO,nth=1"}) {
@@ -51,6 +61,130 @@ TEST(Reconnect, ModelMayChangeThroughTheBootLoader) {
   const auto version = bench.channel.GetVersionInfo(1);
   ASSERT_TRUE(version) << bench.Error().Text();
   EXPECT_NE(version->model, before->model);
+}
+
+// A cable is moved while nobody closes the link, or the box behind a device server.
+TEST(Reconnect, AnotherControllerOnTheSameConnectionIsNeverTakenForTheOneBefore) {
+  const std::tuple<const char*, std::function<void(Bench&)>> gaps[] = {
+      {"a request ended in silence",
+       [](Bench& bench) {
+         bench.plant.isSilent = true;
+         EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
+         EXPECT_EQ(bench.Error().code, LinkErrorCode::NoReply);
+       }},
+      {"a block message ended in silence",
+       [](Bench& bench) {
+         bench.plant.isSilent = true;
+         EXPECT_FALSE(bench.channel.ReadMemoryBlock(0x00200000, 10, 1));
+       }},
+      {"a request ended in damage",
+       [](Bench& bench) {
+         bench.plant.UseFaults({"damage"});
+         EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
+       }},
+      {"a request was stopped while nobody answered",
+       [](Bench& bench) {
+         bench.plant.isSilent = true;
+         bench.pacer.After(40ms, [&] { bench.pacer.RequestStop(); });
+         EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
+         bench.pacer.ClearStop();
+       }},
+      {"nobody asked for a while", [](Bench& bench) { bench.pacer.Sleep(4s); }},
+      {"raw frames passed", [](Bench& bench) { EXPECT_TRUE(bench.channel.GetSerialPort()->Output("/01CCS3A\r")); }},
+  };
+  const std::tuple<const char*, std::function<bool(Channel&)>> requests[] = {
+      {"read", [](Channel& c) { return c.ReadMI(0, 1, 1).has_value(); }},
+      {"write", [](Channel& c) { return c.WriteMI(0, kSeven, 1); }},
+      {"stop", [](Channel& c) { return c.StopController(1); }},
+      {"memory", [](Channel& c) { return c.ReadMemoryBlock(0x00200000, 10, 1).has_value(); }},
+      {"raw frames", [](Channel& c) { return c.GetSerialPort() != nullptr; }},
+  };
+  for (const auto& [what, gap] : gaps) {
+    for (const auto& [name, request] : requests) {
+      for (const char* model : {"K220", "K450-45"}) {
+        SCOPED_TRACE(std::string(what) + ", " + name + ", " + model);
+        Bench bench("K220", SerialSettings(), "secret");
+        EXPECT_TRUE(bench.channel.GiveAccess("secret", 1));
+        const auto before = bench.channel.GetControllerInfo(1);
+        gap(bench);
+        bench.plant.isSilent = false;
+        bench.plant.Connect(model, "", Like(4711));
+        EXPECT_FALSE(request(bench.channel));
+        EXPECT_EQ(bench.Error().code, LinkErrorCode::OtherController) << bench.Error().Text();
+        EXPECT_NE(bench.Error().happened.find("serial number 4711 instead of K220"), std::string::npos)
+            << bench.Error().happened;
+        EXPECT_NE(bench.Error().happened.find(std::to_string(before->serialNumber)), std::string::npos);
+        EXPECT_EQ(bench.plant.controller->MostExecutions(), 0) << "nothing but questions has reached it";
+        EXPECT_FALSE(bench.channel.Open()) << "until the link is closed";
+        EXPECT_EQ(bench.messages.back(), "Connection closed: another controller answered");
+      }
+    }
+  }
+}
+
+// Nobody noticed that the cable was moved: it was quick, and nothing was asked meanwhile.
+TEST(Reconnect, AnotherControllerGivesItselfAwayByWhatItAnswers) {
+  const std::tuple<const char*, const char*, std::function<bool(Channel&)>> cases[] = {
+      {"its information", "", [](Channel& c) { return c.GetControllerInfo(1).has_value(); }},
+      {"its identification", "", [](Channel& c) { return c.GetVersionInfo(1).has_value(); }},
+      {"an older counter", "", [](Channel& c) { return c.ReadMI(0, 1, 1).has_value(); }},
+      {"another power-up", "noreply:on=WO,nth=1", [](Channel& c) { return c.WriteMI(0, kSeven, 1); }},
+      {"a lost reply", "noreply:on=CC,nth=1", [](Channel& c) { return c.StopController(1); }},
+  };
+  for (const auto& [what, fault, request] : cases) {
+    SCOPED_TRACE(what);
+    Bench bench;
+    for (int i = 0; i < 20; ++i) EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1));
+    bench.plant.Connect("K330", "", Like(4711));
+    if (*fault != 0) bench.plant.UseFaults({fault});
+    EXPECT_FALSE(request(bench.channel));
+    EXPECT_EQ(bench.Error().code, LinkErrorCode::OtherController) << bench.Error().Text();
+    EXPECT_LE(bench.plant.controller->MostExecutions(), 1);
+  }
+}
+
+TEST(Reconnect, TheSameControllerGoesOnAfterSilence) {
+  Bench bench;
+  bench.plant.isSilent = true;
+  EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
+  bench.plant.isSilent = false;
+  EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1)) << bench.Error().Text();
+  EXPECT_TRUE(bench.channel.GetControllerInfo(1));
+}
+
+// What is asked right after a reset is asked again until the controller listens, and so is what became of the reset.
+TEST(Reconnect, AControllerThatRestartsIsWaitedFor) {
+  const std::tuple<const char*, std::vector<std::string>, std::function<bool(Bench&)>> resets[] = {
+      {"reset", {}, [](Bench& b) { return b.channel.ResetController(1); }},
+      {"reset, reply lost", {"noreply:on=CC,nth=1"}, [](Bench& b) { return b.channel.ResetController(1); }},
+      {"boot loader", {}, [](Bench& b) { return b.channel.SendCommand("CCB").has_value(); }},
+      {"raw reset",
+       {},
+       [](Bench& b) {
+         SerialPortObject* port = b.channel.GetSerialPort();
+         const bool isSent = port->Output("/01CCE2C\r");
+         b.pacer.Sleep(10ms);
+         return isSent && !port->Input().empty();
+       }},
+  };
+  for (const Duration restart : {Duration(200ms), Duration(2s), Duration(4500ms)}) {
+    for (const auto& [what, faults, reset] : resets) {
+      SCOPED_TRACE(std::string(what) + ", " + std::to_string(restart.count()) + " us");
+      Bench bench("K220", SerialSettings(), "", Like({}, restart));
+      bench.plant.UseFaults(faults);
+      EXPECT_TRUE(reset(bench)) << bench.Error().Text();
+      const bool isInBootLoader = std::string_view(what) == "boot loader";
+      const bool isDone = isInBootLoader ? bench.channel.GetVersionInfo(1)->model == "BOOT"
+                                         : bench.channel.ReadMemoryBlock(0x00200000, 10, 1).has_value();
+      EXPECT_TRUE(isDone) << bench.Error().Text();
+    }
+  }
+  Bench dead;
+  EXPECT_TRUE(dead.channel.ResetController(1));
+  dead.plant.isSilent = true;
+  const Instant start = dead.pacer.Now();
+  EXPECT_FALSE(dead.channel.ReadMI(0, 1, 1));
+  EXPECT_LE(dead.pacer.Now() - start, 8s + 500ms) << "and not for ever";
 }
 
 TEST(Reconnect, TriesWithGrowingPausesWithinTheDeadline) {

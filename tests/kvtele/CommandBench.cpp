@@ -1,5 +1,7 @@
 #include "tests/kvtele/CommandBench.h"
 
+#include <gtest/gtest.h>
+
 #include <sstream>
 
 #include "base/PathText.h"
@@ -43,7 +45,43 @@ Result CommandBench::Run(const std::vector<std::string>& arguments) {
   return {static_cast<int>(exit), out.str(), err.str(), TemporaryFolder::Content(trace)};
 }
 
+// Leads to whichever controller is there.
+class CommandBench::Cable final : public InProcessLine {
+ public:
+  Cable(CommandBench& bench, std::string model)
+      : mBench(bench), mModel(std::move(model)), mLine(bench.LineTo(mModel)), mSince(bench.mPluggedInAt[mModel]) {}
+
+  bool Connect(Instant now) override { return mLine->Connect(now); }
+  void Disconnect(Instant now) override { mLine->Disconnect(now); }
+  bool IsConnected() const override { return mLine->IsConnected(); }
+  void Write(std::string_view bytes, Instant now) override {
+    if (const Instant since = mBench.mPluggedInAt[mModel]; since != mSince) {
+      mSince = since;
+      mLine = mBench.LineTo(mModel);
+      EXPECT_TRUE(mLine->Connect(now));
+    }
+    if (now >= mSince) mLine->Write(bytes, now);
+  }
+  std::string Read(Instant now) override { return mLine->Read(now); }
+  std::optional<Instant> NextEvent() const override { return mLine->NextEvent(); }
+
+ private:
+  CommandBench& mBench;
+  std::string mModel;
+  std::unique_ptr<InProcessLine> mLine;
+  Instant mSince;
+};
+
+void CommandBench::ReplaceController(const std::string& model, Duration silence) {
+  mControllers.erase(model);
+  mPluggedInAt[model] = pacer.Now() + silence;
+}
+
 std::unique_ptr<InProcessLine> CommandBench::NewLine(const std::string& model) {
+  return LineTo(model) ? std::make_unique<Cable>(*this, model) : nullptr;
+}
+
+std::unique_ptr<InProcessLine> CommandBench::LineTo(const std::string& model) {
   auto& controller = mControllers[model];
   if (!controller) {
     options.model = model;

@@ -40,11 +40,17 @@ class CommandBench {
   // `kvtele --link sim:MODEL arguments`
   Result On(const std::string& model, const std::vector<std::string>& arguments);
   Result Run(const std::vector<std::string>& arguments);
+  // The controller at the end of the cable to `model` is taken away, and a new one, with the options as they are then,
+  // is put there; the cable stays connected.
+  void ReplaceController(const std::string& model, Duration silence);
 
  private:
+  class Cable;
   [[nodiscard]] std::unique_ptr<InProcessLine> NewLine(const std::string& model);
+  [[nodiscard]] std::unique_ptr<InProcessLine> LineTo(const std::string& model);
 
   std::map<std::string, std::unique_ptr<sim::SimulatedController>> mControllers;
+  std::map<std::string, Instant> mPluggedInAt;
 };
 
 }  // namespace kv::test

@@ -67,9 +67,6 @@ std::string Rule(const Fault& fault, const std::string& selectors) {
   return rule + (rule.find(':') == std::string::npos ? ":" : ",") + selectors;
 }
 
-// 3 tries of a second each; the port adds at most the end of its slice.
-constexpr Duration kDeadline = 3s + 5ms;
-
 class Cell {
  public:
   Cell(Bench& bench, const Request& request, const Fault& fault) : mBench(bench), mRequest(request), mFault(fault) {}
@@ -80,7 +77,7 @@ class Cell {
     const int calls = mBench.CallsBefore() + mRequest.pieces;
     const Instant start = mBench.pacer.Now();
     const Attempt attempt = mRequest.run(mBench);
-    EXPECT_LE(mBench.pacer.Now() - start, calls * kDeadline);
+    EXPECT_LE(mBench.pacer.Now() - start, mBench.Longest(calls, start, attempt.restarts));
     EXPECT_TRUE(attempt.isRight || mBench.controller->HasLied()) << "wrong or stale";
     EXPECT_LE(mRequest.isOnce ? attempt.executions : 0, 1) << "done twice";
     if (attempt.restarts) mBench.pacer.Sleep(300ms);

@@ -95,7 +95,7 @@ class Voyage {
 
     mWrong += attempt.isRight || mBench.controller->HasLied() ? 0 : 1;
     mDouble += request.isOnce && attempt.executions > 1 ? 1 : 0;
-    mLate += end - start > calls * (3s + 5ms) ? 1 : 0;
+    mLate += end - start > mBench.Longest(calls, start, attempt.restarts) ? 1 : 0;
     mLate += wasStopped && end - mStopped > 200ms ? 1 : 0;
     mDone += attempt.isDone ? 1 : 0;
     mInARow = attempt.isDone ? 0 : mInARow + 1;

@@ -97,6 +97,14 @@ class Bench {
   }
   // Calls with a deadline of their own that come before the next request.
   [[nodiscard]] int CallsBefore() const { return mHasGivenPassword ? 0 : 1; }
+  // How long calls may take that began at `start`: 3 tries of a second each, the end of a port's slice, and what is
+  // left of the 5 s of a controller that was told to reset.
+  [[nodiscard]] Duration Longest(int calls, Instant start, bool restarts) {
+    using namespace std::chrono_literals;
+    const Duration rest = restarts ? Duration(5s) : std::max(mRestartUntil - start, Duration{});
+    if (restarts) mRestartUntil = pacer.Now() + 5s;
+    return calls * (3s + 5ms) + rest;
+  }
   // As a user does who closes the link and opens it again.
   void Reopen() {
     driver.CloseDriver();
@@ -130,6 +138,7 @@ class Bench {
   std::shared_ptr<Channel> mChannel;
   bool mHasGivenPassword = false;
   std::uint16_t mFresh = 0;
+  Instant mRestartUntil{};
 };
 
 }  // namespace kv::matrix

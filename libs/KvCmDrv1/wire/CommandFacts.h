@@ -17,7 +17,7 @@ struct CommandFacts {
   RequestKind kind = RequestKind::Once;
   bool isSettled = true;         // its text has no tag: the counter alone tells replies to equal requests apart
   bool isSlow = true;            // may work for as long as the time-out allows before it answers
-  bool changesModel = false;     // the controller may identify itself otherwise afterwards (boot loader, other O/S)
+  bool resets = false;           // silent for a while after its reply, and may identify itself otherwise then
   std::size_t longestReply = 0;  // characters of the reply text, with its seal
 };
 

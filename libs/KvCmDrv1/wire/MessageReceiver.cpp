@@ -12,6 +12,9 @@ std::size_t NextStart(std::string_view bytes, std::size_t from) {
   return static_cast<std::size_t>(found - bytes.begin());
 }
 
+// Magic, version and kind of a reply.
+constexpr std::string_view kReplyHead("\xB4\x4B\x01\x02", 4);
+
 // Characters from the first "/" on without CR that are too many: one more than the page allows.
 constexpr std::size_t kTooMany = 1108;
 
@@ -27,11 +30,11 @@ void MessageReceiver::Feed(std::string_view bytes, Instant now) {
   mLastArrival = now;
 }
 
-std::optional<Received> MessageReceiver::Next(Instant now) {
-  const std::string_view pending = std::string_view(mBytes).substr(mStart);
+std::optional<Received> MessageReceiver::Next(Instant now, bool isEnd) {
+  const std::string_view pending = Pending();
   if (pending.empty()) return std::nullopt;
   if (const std::size_t start = NextStart(pending, 0); start != 0) return UseUp(start, Received::Kind::Noise);
-  return pending.front() == kFrameStart ? NextFrame(pending) : NextBlock(pending, now);
+  return pending.front() == kFrameStart ? NextFrame(pending) : NextBlock(pending, now, isEnd);
 }
 
 void MessageReceiver::Clear() {
@@ -58,20 +61,21 @@ std::optional<Received> MessageReceiver::NextFrame(std::string_view pending) {
   return received;
 }
 
-std::optional<Received> MessageReceiver::NextBlock(std::string_view pending, Instant now) {
-  // A second byte that is wrong settles the head at once: there is nothing to wait for.
-  if (pending.size() > 1 && pending[1] != kBlockSecond) return UseUp(1, Received::Kind::BadHead);
+std::optional<Received> MessageReceiver::NextBlock(std::string_view pending, Instant now, bool isEnd) {
+  // A first byte that is wrong settles the head at once: there is nothing to wait for.
+  const std::string_view begun = pending.substr(0, kReplyHead.size());
+  if (!kReplyHead.starts_with(begun)) return UseUp(1, Received::Kind::BadHead);
 
-  const bool isIdle = now - mLastArrival >= kIdle;
-  const auto incomplete = [&]() -> std::optional<Received> {
-    if (isIdle) return UseUp(1, Received::Kind::Cut);
+  const auto incomplete = [this](bool isGivenUp) -> std::optional<Received> {
+    if (isGivenUp) return UseUp(1, Received::Kind::Cut);
     return std::nullopt;
   };
-  if (pending.size() < kBlockHead) return incomplete();
+  const bool isIdle = begun.size() < kReplyHead.size() && now - mLastArrival >= kIdle;
+  if (pending.size() < kBlockHead) return incomplete(isEnd || isIdle);
   const std::optional<std::size_t> length = ReplyPayloadLength(pending);
   if (!length) return UseUp(1, Received::Kind::BadHead);
   const std::size_t whole = kBlockHead + *length + kBlockCheck;
-  if (pending.size() < whole) return incomplete();
+  if (pending.size() < whole) return incomplete(isEnd);
 
   const std::optional<BlockMessage> block = DecodeBlockReply(pending.substr(0, whole));
   if (!block) return UseUp(1, Received::Kind::BadCheck);
