@@ -57,25 +57,9 @@ std::string Shown(std::string_view bytes) {
   return text;
 }
 
-// What stands where a password is sent, so that a trace can be passed on.
-std::string WithoutPassword(std::string_view sent) {
-  struct Place {
-    std::string_view letters;  // of the command, behind "/" and unit id
-    std::size_t from, count;
-  };
-  constexpr std::array<Place, 2> kPlaces = {{{"GI", 5, 8}, {"AC", 9, 16}}};
-  std::string bytes(sent);
-  for (const Place& place : kPlaces) {
-    if (bytes.starts_with('/') && bytes.substr(std::min<std::size_t>(3, bytes.size())).starts_with(place.letters)) {
-      for (std::size_t at = place.from; at < std::min(bytes.size(), place.from + place.count); ++at) bytes[at] = '*';
-    }
-  }
-  constexpr std::size_t kBlockPayload = 28;
-  const bool isBlock = bytes.size() > kBlockPayload && bytes[0] == static_cast<char>(0xB4);
-  if (isBlock && bytes[9] == 0 && (bytes[8] == 2 || bytes[8] == 66)) {
-    std::fill(bytes.begin() + kBlockPayload, bytes.end(), '*');
-  }
-  return bytes;
+TraceSecrets::Passage PassageOf(Trace::Direction direction) {
+  if (direction == Trace::Direction::Sent) return TraceSecrets::Passage::Sent;
+  return direction == Trace::Direction::Received ? TraceSecrets::Passage::Answer : TraceSecrets::Passage::Garbage;
 }
 
 }  // namespace
@@ -94,13 +78,16 @@ std::string Trace::TimeText(Instant when) const {
 }
 
 void Trace::Add(Instant when, Direction direction, std::string_view bytes) {
+  const auto harmless = direction == Direction::Note ? bytes : mSecrets.Harmless(when, PassageOf(direction), bytes);
   Entry& entry = mEntries[mTotal++ % kEntries];
   entry.when = when;
   entry.direction = direction;
   entry.length = static_cast<std::uint32_t>(bytes.size());
   entry.owner = mOwner;
-  std::copy_n(bytes.begin(), std::min(bytes.size(), kKeptBytes), entry.bytes.begin());
-  if (mFile.is_open() || mWatcher) PassOn(entry, bytes);
+  entry.isWithheld = !harmless;
+  const std::string_view kept = harmless.value_or(std::string_view());
+  std::copy_n(kept.begin(), std::min(kept.size(), kKeptBytes), entry.bytes.begin());
+  if (mFile.is_open() || mWatcher) PassOn(entry, kept);
 }
 
 void Trace::SetOwner(std::string_view owner) {
@@ -144,7 +131,11 @@ void Trace::PassOn(const Entry& entry, std::string_view bytes) {
 
 Trace::Row Trace::RowOf(const Entry& entry, std::string_view bytes) const {
   Row row{TimeText(entry.when), entry.direction, mOwners[entry.owner], {}, {}};
-  row.text = Shown(entry.direction == Direction::Sent ? WithoutPassword(bytes) : std::string(bytes));
+  if (entry.isWithheld) {
+    row.text = "(" + std::to_string(entry.length) + " bytes withheld: they may be an echo of a password)";
+    return row;
+  }
+  row.text = Shown(bytes);
   if (bytes.size() < entry.length) row.text += "... (" + std::to_string(entry.length) + " bytes)";
   if (entry.direction != Direction::Note) row.meaning = FrameMeaning(bytes);
   return row;

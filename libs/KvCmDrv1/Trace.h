@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KvCmDrv1/TraceSecrets.h"
 #include "base/Time.h"
 #include "desktop/Pacer.h"
 #include "desktop/WallClock.h"
@@ -18,7 +19,7 @@ namespace kv {
 
 // What passed on the line. The last 1000 entries are always kept for an error report: their memory is there from the
 // start and nothing is formatted before somebody asks, so keeping them costs a copy of a few bytes. On request every
-// entry is also written to a file and given to a window, as it passes.
+// entry is also written to a file and given to a window, as it passes. Nothing that depends on a password is kept.
 class Trace {
  public:
   enum class Direction {
@@ -76,6 +77,7 @@ class Trace {
     Direction direction = Direction::Note;
     std::uint32_t length = 0;  // of the whole; kKeptBytes at most are kept
     std::uint16_t owner = 0;
+    bool isWithheld = false;  // nothing is kept: it may tell a password
     std::array<char, kKeptBytes> bytes;
   };
 
@@ -84,6 +86,7 @@ class Trace {
 
   [[nodiscard]] std::string TimeText(Instant when) const;
 
+  TraceSecrets mSecrets;
   std::vector<Entry> mEntries;
   const WallClock* mClock = nullptr;
   const Pacer* mPacer = nullptr;

@@ -1,0 +1,78 @@
+#include "KvCmDrv1/TraceSecrets.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "KvCmDrv1/wire/AsciiCodec.h"
+#include "KvCmDrv1/wire/BlockCodec.h"
+
+namespace kv {
+namespace {
+
+// Longer than an adapter or a modem holds back what it echoes.
+constexpr Duration kEchoesComeWithin = std::chrono::minutes(1);
+
+constexpr std::size_t kLetters = 3;  // of the command, behind "/" and unit id
+constexpr std::size_t kTag = 4;
+constexpr std::size_t kSeal = 12;
+constexpr std::size_t kSealCheck = 8;
+constexpr std::size_t kEnd = 3;     // checksum and CR
+constexpr std::size_t kAround = 6;  // "/", unit id, checksum and CR
+
+enum class Secret { None, Access, Segments, Block };
+
+Secret SecretOf(std::string_view bytes) {
+  if (bytes.starts_with(kFrameStart)) {
+    const std::string_view text = bytes.substr(std::min(kLetters, bytes.size()));
+    if (text.starts_with("AC")) return Secret::Access;
+    return text.starts_with("GI") ? Secret::Segments : Secret::None;
+  }
+  if (!bytes.starts_with(kBlockStart) || bytes.size() <= kBlockHead) return Secret::None;
+  const std::uint32_t operation = LittleEndian(bytes.substr(8, 2));
+  return operation == 2 || operation == 66 ? Secret::Block : Secret::None;
+}
+
+// Whether a frame of this length is a reply. The requests have other lengths.
+bool IsReply(Secret secret, std::size_t frameSize) {
+  constexpr std::size_t kRefusal = 2 + 5 + 2 + kSeal;  // letters, ERROR, code
+  if (frameSize < kAround) return false;
+  const std::size_t text = frameSize - kAround;
+  if (text == kRefusal) return true;
+  if (secret == Secret::Access) return text == 2 + kTag + 2 + kSeal;
+  constexpr std::size_t kNoTable = 3 + kSeal;
+  constexpr std::size_t kEmptyTable = 3 + 4 + kSeal;
+  constexpr std::size_t kRow = 2 + 1 + 8 + 8;
+  return text == kNoTable || (text >= kEmptyTable && (text - kEmptyTable) % kRow == 0);
+}
+
+// From where to where the bytes depend on the password.
+std::pair<std::size_t, std::size_t> SecretPart(Secret secret, bool isReply, std::string_view bytes) {
+  if (secret == Secret::Block) return {kBlockHead, bytes.size()};
+  const std::size_t end = bytes.size() - (bytes.ends_with(kFrameEnd) ? 1 : 0);
+  if (isReply) return {bytes.size() - kEnd - kSealCheck, end};
+  return {kLetters + 2 + (secret == Secret::Access ? kTag : 0), end};
+}
+
+bool IsWhole(std::string_view bytes) {
+  if (bytes.starts_with(kBlockStart)) return bytes.size() >= kBlockHead + kBlockCheck;
+  if (!bytes.starts_with(kFrameStart) || bytes.find(kFrameEnd) != bytes.size() - 1) return false;
+  const auto frame = FindFrame(bytes.substr(0, bytes.size() - 1));
+  return frame && frame->text.size() == bytes.size() - kAround;
+}
+
+}  // namespace
+
+std::optional<std::string_view> TraceSecrets::Harmless(Instant when, Passage passage, std::string_view bytes) {
+  const Secret secret = SecretOf(bytes);
+  const bool isSent = passage == Passage::Sent;
+  if (isSent && secret != Secret::None) mWithholdsUntil = when + kEchoesComeWithin;
+  const bool mayBeEcho = !isSent && when < mWithholdsUntil;
+  if (mayBeEcho && (passage == Passage::Garbage || !IsWhole(bytes))) return std::nullopt;
+  if (secret == Secret::None) return bytes;
+  mMasked = bytes;
+  const auto [from, to] = SecretPart(secret, !isSent && IsReply(secret, bytes.size()), bytes);
+  for (std::size_t at = from; at < to; ++at) mMasked[at] = '*';
+  return mMasked;
+}
+
+}  // namespace kv

@@ -1,0 +1,140 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "Bench.h"
+#include "KvCmDrv1/wire/AsciiCodec.h"
+#include "KvCmDrv1/wire/BlockCodec.h"
+#include "KvCmDrv1/wire/HexDigits.h"
+#include "KvCmDrv1/wire/Requests.h"
+#include "base/Crc32.h"
+
+namespace kv {
+namespace {
+
+using namespace std::chrono_literals;
+using Add = std::function<void(Trace::Direction direction, std::string_view bytes)>;
+
+std::string Framed(std::string_view text) {
+  std::string frame;
+  EXPECT_EQ(EncodeFrame(1, text, frame), TextFault::None);
+  return frame;
+}
+
+std::string Sealed(const std::string& request, const std::string& reply) {
+  std::string text = reply + "00A7";
+  AppendHex(text, Crc32(request + "\r01" + text), 8);
+  return Framed(text);
+}
+
+// A request that carries the password, and the replies that a controller gives to it.
+struct Asked {
+  std::string request;
+  std::vector<std::string> replies;
+};
+
+std::vector<Asked> AllWith(const std::string& password) {
+  RequestWriter writer;
+  const std::string access(writer.GiveAccess(1, 0x1234, password));
+  const std::string table = "GI" + password + std::string(8 - password.size(), ' ');
+  std::vector<Asked> all = {
+      {Framed(access), {Sealed(access, "AC1234OK"), Sealed(access, "ACERROR08")}},
+      {Framed(table), {Sealed(table, "GI0"), Sealed(table, "GI10001OPF0000000000001000"), Sealed(table, "GIERROR09")}}};
+  for (const std::uint16_t operation : {std::uint16_t{2}, std::uint16_t{66}}) {
+    std::string request;
+    const std::string payload = password + std::string(8 - password.size(), ' ');
+    EncodeBlockRequest({.unit = 1, .status = 0, .sequence = 7, .fields = {.opCode = operation}, .payload = payload},
+                       request);
+    all.push_back({request, {}});
+  }
+  return all;
+}
+
+std::string Lower(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
+}
+
+// Everything that a line can make of a request and its replies.
+void PlayAll(const Asked& asked, const Add& add) {
+  using enum Trace::Direction;
+  const std::string& request = asked.request;
+  add(Sent, request);
+  for (const Trace::Direction arrived : {Received, Dropped}) add(arrived, request);
+  add(Dropped, Lower(request));
+  for (std::size_t at = 1; at < request.size(); ++at) {           // split, and cut at both ends
+    for (const Trace::Direction arrived : {Received, Dropped}) {  // raw traffic counts as received
+      add(arrived, request.substr(0, at));
+      add(arrived, request.substr(at));
+    }
+  }
+  for (std::size_t at = 0; at < request.size(); ++at) {
+    for (const int flip : {0x01, 0x02, 0x20, 0x80}) {
+      std::string damaged = request;
+      damaged[at] = static_cast<char>(damaged[at] ^ flip);
+      add(Dropped, damaged);
+    }
+  }
+  for (const std::string& reply : asked.replies) {
+    add(Received, reply);
+    add(Dropped, reply);
+    add(Dropped, reply.substr(5));
+  }
+}
+
+std::string TextAfter(const Asked& asked) {
+  VirtualPacer pacer;
+  Trace trace;
+  std::string text;
+  trace.SetWatcher([&text](const std::string& line) { text += line + "\n"; });
+  PlayAll(asked, [&](Trace::Direction direction, std::string_view bytes) {
+    trace.Add(pacer.Now(), direction, bytes);
+    pacer.Sleep(1ms);
+  });
+  const std::string kept = trace.Text();
+  EXPECT_EQ(text.substr(text.size() - kept.size()), kept);
+  return text;
+}
+
+// What two passwords leave behind is the same to the byte, so that nobody can tell them apart from it.
+TEST(TraceSecrets, NothingInTheTraceDependsOnThePassword) {
+  const std::vector<Asked> one = AllWith("1234");
+  const std::vector<Asked> other = AllWith("Zz/9@ab");
+  for (std::size_t i = 0; i < one.size(); ++i) EXPECT_EQ(TextAfter(one[i]), TextAfter(other[i]));
+}
+
+TEST(TraceSecrets, WhatTellsNothingIsStillThere) {
+  const std::string text = TextAfter(AllWith("1234")[0]);
+  for (const char* part : {"--> /01AC1234****", "[unit 1: access]", "/01ACERROR0800A7****", "password is wrong",
+                           "(33 bytes withheld: they may be an echo of a password)"}) {
+    EXPECT_NE(text.find(part), std::string::npos) << part;
+  }
+
+  VirtualPacer pacer;
+  Trace trace;
+  trace.Add(pacer.Now(), Trace::Direction::Dropped, "noise before");
+  trace.Add(pacer.Now(), Trace::Direction::Sent, AllWith("1234")[0].request);
+  trace.Add(pacer.Now(), Trace::Direction::Received, Framed("ID answer"));
+  pacer.Sleep(60s);
+  trace.Add(pacer.Now(), Trace::Direction::Dropped, "noise after");
+  for (const char* part : {"noise before", "ID answer", "noise after"}) {
+    EXPECT_NE(trace.Text().find(part), std::string::npos) << part;
+  }
+}
+
+TEST(TraceSecrets, AnEchoingLineTellsNoPassword) {
+  const std::vector<std::string> lines[] = {
+      {"echo"}, {"echo", "damage:rate=0.02"}, {"echo", "dribble:ms=3"}, {"echo", "double"}};
+  for (const std::vector<std::string>& rules : lines) {
+    Bench bench("K220", SerialSettings(), "97531864");
+    bench.plant.UseFaults(rules);
+    (void)bench.channel.GiveAccess("97531864", 1);
+    (void)bench.channel.SendCommand("GI97531864");
+    const std::string text = bench.trace->Text();
+    EXPECT_NE(text.find("<xx"), std::string::npos) << "it does echo";
+    for (const char* part : {"9753", "1864", "39373533", "31383634"}) EXPECT_EQ(text.find(part), std::string::npos);
+  }
+}
+
+}  // namespace
+}  // namespace kv
