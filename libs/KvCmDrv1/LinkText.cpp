@@ -1,5 +1,6 @@
 #include "KvCmDrv1/LinkText.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -22,14 +23,53 @@ std::optional<int> NumberWithin(std::string_view text, std::int64_t lowest, std:
   return static_cast<int>(*number);
 }
 
-std::vector<std::string_view> SplitAtCommas(std::string_view text) {
-  std::vector<std::string_view> parts;
-  while (true) {
-    const std::size_t comma = text.find(',');
-    parts.push_back(text.substr(0, comma));
-    if (comma == std::string_view::npos) return parts;
-    text.remove_prefix(comma + 1);
+// One field of a link text. What stands in double quotes may hold commas; a quote in it is doubled.
+struct Field {
+  std::string text;
+  bool isQuoted = false;
+};
+
+constexpr char kQuote = '"';
+
+// Takes a quoted field from the front of `rest`. False when its end is missing, or something stands behind it.
+bool TakeQuoted(std::string_view& rest, Field& field) {
+  field.isQuoted = true;
+  for (rest.remove_prefix(1); !rest.empty(); rest.remove_prefix(1)) {
+    if (rest.front() == kQuote) {
+      rest.remove_prefix(1);
+      if (rest.empty() || rest.front() == ',') return true;
+      if (rest.front() != kQuote) return false;
+    }
+    field.text += rest.front();
   }
+  return false;
+}
+
+std::expected<std::vector<Field>, std::string> SplitAtCommas(std::string_view text) {
+  std::vector<Field> fields;
+  std::string_view rest = text;
+  while (true) {
+    Field& field = fields.emplace_back();
+    if (rest.starts_with(kQuote)) {
+      if (!TakeQuoted(rest, field)) return Expected("a quote at the end of the field", text);
+    } else {
+      field.text = rest.substr(0, rest.find(','));
+      rest.remove_prefix(field.text.size());
+    }
+    if (rest.empty()) return fields;
+    rest.remove_prefix(1);
+  }
+}
+
+std::string Quoted(std::string_view text) {
+  std::string quoted(1, kQuote);
+  for (const char c : text) quoted.append(c == kQuote ? 2 : 1, c);
+  return quoted + kQuote;
+}
+
+// A name that would be taken for something else otherwise stands in quotes.
+std::string PortText(const std::string& name) {
+  return name.find(',') == std::string::npos && !name.starts_with(kQuote) ? name : Quoted(name);
 }
 
 bool SetTcpPort(std::string_view text, LinkSettings& settings) {
@@ -46,6 +86,11 @@ bool SetBaudRate(std::string_view text, LinkSettings& settings) {
 
 constexpr std::string_view kBaudText = "a speed of 300 to 921600 baud";
 constexpr std::string_view kPortText = "a port of 1 to 65535";
+constexpr std::string_view kSerialText =
+    "PORT[,BAUD[,8N1]], as in serial:COM3,115200; a name with a comma stands in double quotes";
+constexpr std::string_view kModemText =
+    "PORT,NUMBER[,BAUD], as in modem:COM3,0123456; a number with a comma stands in double quotes, as in "
+    "modem:COM3,\"0,123456\"";
 
 Parsed ParseSimulated(std::string_view rest, LinkSettings settings) {
   if (rest.empty()) return Expected("a model behind sim:, for example sim:K220-22-R1", rest);
@@ -59,7 +104,7 @@ Parsed ParseTcp(std::string_view rest, LinkSettings settings) {
   settings.tcpPort = kDefaultTcpPort;
   std::size_t hostEnd = rest.rfind(':');
   if (rest.starts_with('[')) {
-    const std::size_t bracket = rest.find(']');
+    const std::size_t bracket = rest.rfind(']');
     if (bracket == std::string_view::npos) return Expected("a \"]\" behind the address", rest);
     settings.host = rest.substr(1, bracket - 1);
     rest.remove_prefix(bracket + 1);
@@ -76,28 +121,43 @@ Parsed ParseTcp(std::string_view rest, LinkSettings settings) {
 }
 
 Parsed ParseSerial(std::string_view rest, LinkSettings settings) {
-  const std::vector<std::string_view> parts = SplitAtCommas(rest);
+  const auto fields = SplitAtCommas(rest);
+  if (!fields) return std::unexpected(fields.error());
+  const std::vector<Field>& parts = *fields;
   settings.transport = Transport::Serial;
-  settings.serialPort = parts[0];
-  if (parts[0].empty() || parts.size() > 3) return Expected("PORT[,BAUD[,8N1]], as in serial:COM3,115200", rest);
-  if (parts.size() > 1 && !SetBaudRate(parts[1], settings)) return Expected(kBaudText, parts[1]);
+  settings.serialPort = parts[0].text;
+  if (settings.serialPort.empty() || parts.size() > 3) return Expected(kSerialText, rest);
+  if (parts.size() > 1 && !SetBaudRate(parts[1].text, settings)) return Expected(kBaudText, parts[1].text);
   if (parts.size() > 2) {
-    const auto framing = ParseFraming(parts[2]);
+    const auto framing = ParseFraming(parts[2].text);
     if (!framing) return std::unexpected(framing.error());
     settings.framing = *framing;
   }
   return settings;
 }
 
+// Whether a number that is not quoted may be cut where its field ends: digits behind a comma pass for a speed too.
+bool MayBeCut(const Field& number, const LinkSettings& settings) {
+  constexpr std::size_t kShortest = 3;  // shorter ones only lead to an outside line
+  constexpr auto kUsualRates =
+      std::to_array<int>({300, 600, 1200, 2400, 4800, 9600, 14400, 19200, 28800, 33600, 38400, 57600, 115200, 230400});
+  if (number.isQuoted) return false;
+  return number.text.size() < kShortest || std::ranges::find(kUsualRates, settings.baudRate) == kUsualRates.end();
+}
+
 Parsed ParseModem(std::string_view rest, LinkSettings settings) {
-  const std::vector<std::string_view> parts = SplitAtCommas(rest);
+  const auto fields = SplitAtCommas(rest);
+  if (!fields) return std::unexpected(fields.error());
+  const std::vector<Field>& parts = *fields;
   settings.transport = Transport::Modem;
-  if (parts.size() < 2 || parts.size() > 3 || parts[0].empty() || parts[1].empty()) {
-    return Expected("PORT,NUMBER[,BAUD], as in modem:COM3,0123456", rest);
+  if (parts.size() < 2 || parts.size() > 3 || parts[0].text.empty() || parts[1].text.empty()) {
+    return Expected(kModemText, rest);
   }
-  settings.serialPort = parts[0];
-  settings.modem.number = parts[1];
-  if (parts.size() > 2 && !SetBaudRate(parts[2], settings)) return Expected(kBaudText, parts[2]);
+  settings.serialPort = parts[0].text;
+  settings.modem.number = parts[1].text;
+  if (parts.size() == 2) return settings;
+  if (!SetBaudRate(parts[2].text, settings)) return Expected(kBaudText, parts[2].text);
+  if (MayBeCut(parts[1], settings)) return Expected(kModemText, rest);
   return settings;
 }
 
@@ -121,8 +181,8 @@ constexpr auto kKinds = std::to_array<Kind>({
 });
 
 std::string Endpoint(const LinkSettings& settings) {
-  const bool isIpV6 = settings.host.find(':') != std::string::npos;
-  return (isIpV6 ? "[" + settings.host + "]" : settings.host) + ":" + std::to_string(settings.tcpPort);
+  const bool needsBrackets = settings.host.find_first_of(":[") != std::string::npos;
+  return (needsBrackets ? "[" + settings.host + "]" : settings.host) + ":" + std::to_string(settings.tcpPort);
 }
 
 constexpr std::string_view kParityLetters = "NEO";
@@ -144,9 +204,9 @@ std::string PrintLink(const LinkSettings& settings) {
     case Transport::Tcp:
       return "tcp:" + Endpoint(settings);
     case Transport::Serial:
-      return "serial:" + settings.serialPort + rate + "," + PrintFraming(settings.framing);
+      return "serial:" + PortText(settings.serialPort) + rate + "," + PrintFraming(settings.framing);
     case Transport::Modem:
-      return "modem:" + settings.serialPort + "," + settings.modem.number + rate;
+      return "modem:" + PortText(settings.serialPort) + "," + Quoted(settings.modem.number) + rate;
     case Transport::Listen:
       return "listen:" + std::to_string(settings.tcpPort);
   }

@@ -24,7 +24,7 @@ TEST(LinkText, ParsesAndPrintsEveryKind) {
       {"tcp:[::1]", "tcp:[::1]:20300", "[::1]:20300, unit 1"},
       {"serial:COM3", "serial:COM3,115200,8N1", "COM3, 115200 8N1, unit 1"},
       {"serial:/dev/ttyS3,9600,7E2", "serial:/dev/ttyS3,9600,7E2", "/dev/ttyS3, 9600 7E2, unit 1"},
-      {"modem:COM4,0123456,19200", "modem:COM4,0123456,19200", "COM4, 19200 8N1, modem 0123456, unit 1"},
+      {"modem:COM4,0123456,19200", "modem:COM4,\"0123456\",19200", "COM4, 19200 8N1, modem 0123456, unit 1"},
       {"listen:20302", "listen:20302", "port 20302 (listening), unit 1"},
   };
   for (const auto& [text, printed, described] : rows) {
@@ -37,12 +37,78 @@ TEST(LinkText, ParsesAndPrintsEveryKind) {
 }
 
 TEST(LinkText, SaysWhatItExpected) {
-  for (const char* text : {"", "sim:", "COM3", "tcp:", "tcp::20300", "tcp:host:0", "tcp:host:65536", "tcp:::1:5",
-                           "tcp:[::1", "tcp:[::1]x", "serial:COM3,100", "serial:COM3,9600,9N1",
-                           "serial:COM3,9600,8N1,x", "modem:COM3", "modem:COM3,", "listen:", "listen:x"}) {
+  for (const char* text : {"",
+                           "sim:",
+                           "COM3",
+                           "tcp:",
+                           "tcp::20300",
+                           "tcp:host:0",
+                           "tcp:host:65536",
+                           "tcp:::1:5",
+                           "tcp:[::1",
+                           "tcp:[::1]x",
+                           "serial:COM3,100",
+                           "serial:COM3,9600,9N1",
+                           "serial:COM3,9600,8N1,x",
+                           "modem:COM3",
+                           "modem:COM3,",
+                           "modem:COM3,0,12345",
+                           "modem:COM3,0,9600",
+                           "modem:COM3,0123,45678",
+                           "modem:COM3,\"0,1",
+                           "serial:\"a\"b",
+                           "serial:\"\"",
+                           "listen:",
+                           "listen:x"}) {
     const auto parsed = ParseLink(text);
     ASSERT_FALSE(parsed) << text;
     EXPECT_NE(parsed.error().find("expected"), std::string::npos) << parsed.error();
+  }
+}
+
+// A text of up to eight characters, those that mean something in a link text among them.
+std::string AnyText(std::minstd_rand& random, std::string_view characters) {
+  std::string text;
+  for (auto count = 1 + random() % 8; count > 0; --count) text += characters[random() % characters.size()];
+  return text;
+}
+
+LinkSettings AnySettings(std::minstd_rand& random) {
+  LinkSettings settings = UnusualSettings(static_cast<Transport>(random() % 5));
+  settings.model = AnyText(random, "K2\", /:");
+  settings.host = AnyText(random, "ab:1.-");
+  settings.tcpPort = static_cast<std::uint16_t>(1 + random() % 65535);
+  settings.serialPort = AnyText(random, "COM3/,\" []:");
+  settings.baudRate = 300 + static_cast<int>(random() % 921301);
+  settings.framing = {7 + static_cast<int>(random() % 2), static_cast<Parity>(random() % 3),
+                      1 + static_cast<int>(random() % 2)};
+  settings.modem.number = AnyText(random, "0123,W*#\"");
+  settings.unit = static_cast<std::uint8_t>(random());
+  return settings;
+}
+
+TEST(LinkText, SurvivesTheRoundTripWithAnySettings) {
+  std::minstd_rand random(8);
+  VirtualPacer pacer;
+  Plant plant("K220");
+  for (int i = 0; i < 1000; ++i) {
+    const LinkSettings settings = AnySettings(random);
+    const std::string text = PrintLink(settings);
+    EXPECT_EQ(ParseLink(text, settings), settings) << text;
+    const auto fromText = ParseLink(text);
+    ASSERT_TRUE(fromText) << fromText.error();
+    EXPECT_EQ(DescribeLine(*fromText), [&] {
+      LinkSettings seen = settings;
+      if (seen.transport == Transport::Modem) seen.framing = {};  // not in the text: the settings' own
+      return DescribeLine(seen);
+    }()) << text;
+
+    const auto makePort = [&](const LinkSettings&) { return std::make_unique<PlantPort>(plant, pacer); };
+    ChannelImpl channel(pacer, std::make_shared<Trace>(), settings, makePort, [](const std::string&) {});
+    const ComParams saved = channel.GetComParams();
+    ASSERT_TRUE(channel.SetComParams({.link = "serial:COM9,9600", .baudRate = 0, .mode = 0}));
+    ASSERT_TRUE(channel.SetComParams(saved)) << channel.LastError().Text();
+    EXPECT_EQ(DescribeLink(channel.Settings()), DescribeLink(settings)) << text;
   }
 }
 
