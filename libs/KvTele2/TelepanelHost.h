@@ -86,6 +86,7 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] bool OpenColourCache(const std::string&) override { return false; }
 
   [[nodiscard]] bool IsOnline() const override { return mState.connection == Connection::Online; }
+  [[nodiscard]] bool HoldsLink() const override { return mChannel != nullptr; }
   void BeginConnect() override;
   void EndConnect() override {}
   void SetConnectedUnit(int unit) override { mUnit = static_cast<std::uint8_t>(unit); }

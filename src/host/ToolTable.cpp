@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "base/PathText.h"
+#include "base/ScopeGuard.h"
 #include "host/DesignFiles.h"
 #include "host/ModalBracket.h"
 #include "link/identification/GoOnline.h"
@@ -62,7 +63,13 @@ std::span<const ToolRow> ToolTable() {
   return kRows;
 }
 
+// What a tool has opened is closed with it, unless the host works with the link.
+void clsCallerExe::ReleaseLink() {
+  if (mRemote && mVsCon && !mRemote->HoldsLink()) mVsCon->CloseDriver();
+}
+
 void clsCallerExe::ShowWindow(const ToolWindowFactory& factory, const std::string& argument) {
+  const ScopeGuard closed([this] { ReleaseLink(); });
   ModalBracket bracket(*mRemote);
   if (const auto window = factory(argument)) window->ShowModal();
 }
@@ -158,6 +165,7 @@ void clsCallerExe::FollowSession() {
 }
 
 void clsCallerExe::PanelDesign(const std::string&) {
+  const ScopeGuard closed([this] { ReleaseLink(); });
   ModalBracket bracket(*mRemote);
   const auto designer = mParts.createPanelDesigner();
   designer->SetDriver(*mVsCon);

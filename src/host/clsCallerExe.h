@@ -59,6 +59,7 @@ class clsCallerExe {
   void ShutDown();
   [[nodiscard]] bool IsMissing(const ToolRow& row) const;
   [[nodiscard]] std::string WhyGrey(const ToolRow& row) const;
+  void ReleaseLink();
   void ShowWindow(const ToolWindowFactory& factory, const std::string& argument);
   void Open(const std::string& verb, const std::filesystem::path& file, const std::string& parameters = "");
   [[nodiscard]] std::filesystem::path InstalledProgram(const char* name) const;

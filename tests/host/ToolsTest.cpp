@@ -17,7 +17,9 @@ struct ToolsTest : testing::Test, test::HostBench {
 
 // What a tool does that only shows its window.
 CallLog Shown(const std::string& name, const std::string& argument = "", const CallLog& after = {}) {
-  CallLog calls{"Enabled off", name + " made for '" + argument + "'", name + " shown", name + " gone", "Enabled on"};
+  CallLog calls{"Enabled off",   name + " made for '" + argument + "'",
+                name + " shown", name + " gone",
+                "Enabled on",    "Driver CloseDriver"};
   calls.insert(calls.end(), after.begin(), after.end());
   return calls;
 }
@@ -59,6 +61,13 @@ TEST_F(ToolsTest, TheHostIsToldOfALinkThatIsDescribedOtherwise) {
       host.OnToolClicked(id, "K230");
     });
     EXPECT_THAT(calls, testing::Contains("ComDescription COM4, modem 123")) << id;
+  }
+}
+
+TEST_F(ToolsTest, TheLinkStaysOpenBehindAToolWhileTheHostWorksWithIt) {
+  for (const bool holds : {false, true}) {
+    host.holdsLink = holds;
+    EXPECT_EQ(CallsOf("ID_DataTypes").back(), holds ? "Enabled on" : "Driver CloseDriver");
   }
 }
 
@@ -183,7 +192,7 @@ TEST_F(ToolsTest, ThePanelDesignerGetsAndLeavesItsThreeBlocks) {
   std::size_t items = 2;
   parts.createPanelDesigner = [&] { return std::make_unique<FakeDesigner>(items); };
   const auto file = Put("DesignBlock.bin", "old");
-  EXPECT_THAT(CallsOf("ID_PLC_DB"), ElementsAre("Enabled off", "Enabled on"));
+  EXPECT_THAT(CallsOf("ID_PLC_DB"), ElementsAre("Enabled off", "Enabled on", "Driver CloseDriver"));
   EXPECT_EQ(TemporaryFolder::Content(file), "!");  // one block of three was none
   CallsOf("ID_PLC_DB");
   EXPECT_EQ(TemporaryFolder::Content(file), "!!");

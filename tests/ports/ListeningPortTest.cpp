@@ -42,8 +42,18 @@ TEST_F(ListeningPortTest, TakesOneControllerThatDialsIn) {
   EXPECT_THAT(port.Description(), HasSubstr("127.0.0.1:"));
   EXPECT_FALSE(port.HasNewerCall());
 
+  const auto waiting = kvtest::DialLoopback(number);
+  ASSERT_TRUE(port.HasNewerCall());
   port.Close();
   EXPECT_EQ(controller.Take(1), "");
+  EXPECT_EQ(waiting.Take(1), "");
+  EXPECT_LT(kvtest::DialLoopback(number).Get(), 0) << "nobody is meant to dial in any more";
+
+  EXPECT_FALSE(port.Open(milliseconds(30)).has_value());
+  EXPECT_GE(kvtest::DialLoopback(number).Get(), 0) << "the next try will find the controller";
+  EXPECT_EQ(socket.GetState(), State::Listening);
+  port.Close();
+  EXPECT_LT(kvtest::DialLoopback(number).Get(), 0);
 }
 
 TEST_F(ListeningPortTest, LetsTheProgramAnswerTheEvents) {

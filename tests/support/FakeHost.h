@@ -24,6 +24,7 @@ class FakeHost : public RemoteHost {
   bool readsColourCaches = true;
   bool opensCaches = true;
   bool online = false;
+  bool holdsLink = false;
   bool projectMatches = true;
   std::string refusal;        // of the last controller that was refused
   RefusedController refused;  // and what was known of it
@@ -63,6 +64,7 @@ class FakeHost : public RemoteHost {
   bool OpenColourCache(const std::string& path) override { return Note("OpenColourCache", path) && opensCaches; }
 
   bool IsOnline() const override { return online; }
+  bool HoldsLink() const override { return holdsLink; }
   void BeginConnect() override { Note("BeginConnect"); }
   void EndConnect() override { Note("EndConnect"); }
   void SetConnectedUnit(int unit) override { Note("ConnectedUnit", std::to_string(unit)); }

@@ -1,5 +1,7 @@
 #include "KvCmDrv1/ports/ListeningPort.h"
 
+#include <utility>
+
 #include "KvCmDrv1/ports/PortErrors.h"
 
 namespace kv {
@@ -16,6 +18,7 @@ ListeningPort::ListeningPort(ListeningSocketImpl& socket, std::uint16_t port, Pa
 
 std::expected<void, PortError> ListeningPort::Open(Duration limit) {
   mLoss = {};
+  mIsInUse = true;
   const std::string place = "TCP port " + std::to_string(mPort);
   const Instant deadline = mPacer.Now() + limit;
   for (;;) {
@@ -50,10 +53,8 @@ bool ListeningPort::Listens() const {
 }
 
 void ListeningPort::Close() {
-  if (!IsOpen()) return;
   mConnectionNumber = 0;
-  mSocket.Close();
-  (void)mSocket.Listen();  // when it does not work now, the next opening says so
+  if (std::exchange(mIsInUse, false) && mSocket.LocalPort() == mPort) mSocket.Stop();
 }
 
 void ListeningPort::DropPartner() {

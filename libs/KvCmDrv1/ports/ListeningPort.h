@@ -18,7 +18,7 @@ class ListeningPort final : public Port {
 
   // Takes the connection that stands, or listens until a controller has dialled in.
   [[nodiscard]] std::expected<void, PortError> Open(Duration limit) override;
-  // Ends the connection and listens again, so that the controller can come back.
+  // Ends the connection and stops listening: nobody is meant to dial in any more, also after an Open that failed.
   void Close() override;
   [[nodiscard]] bool IsOpen() const override;
   [[nodiscard]] Result Write(std::string_view& bytes, Duration slice) override;
@@ -38,6 +38,7 @@ class ListeningPort final : public Port {
   ListeningSocketImpl& mSocket;
   std::uint16_t mPort;
   Pacer& mPacer;
+  bool mIsInUse = false;      // opened, and not closed since
   int mConnectionNumber = 0;  // of the connection that this port took; 0: none
   PortError mLoss;
 };

@@ -82,6 +82,12 @@ void ListeningSocketImpl::Close() {
   mState = State::Closed;
 }
 
+void ListeningSocketImpl::Stop() {
+  mState = State::Closed;
+  mIsTelling = false;
+  Close();
+}
+
 bool ListeningSocketImpl::Accept(int requestId) {
   if (!mRequest.IsOpen() || requestId != mRequestId) return false;
   if (mRequest.HasEnded()) {

@@ -39,6 +39,8 @@ class ListeningSocketImpl final : public ListeningSocket {
   [[nodiscard]] const std::string& PartnerText() const { return mPartner; }
   // Whether somebody has called since the connection was accepted, and still waits.
   [[nodiscard]] bool HasNewerCaller() const;
+  // Gives the port back, and hangs up on whoever waits.
+  void Stop();
   // Ends the connection and listens on; who waits stays.
   void DropConnection();
   [[nodiscard]] std::uint16_t LocalPort() const { return mPort; }

@@ -59,12 +59,17 @@ struct SerialText {
   const char* cure;
 };
 
-constexpr std::array<SerialText, 8> kSerialTexts{{
+constexpr std::array<SerialText, 10> kSerialTexts{{
     // in the order of SerialFault; "%" stands for the port
     {"there is no serial port %", "the adapter is not plugged in, or the port has another name", ""},
     {"no permission to use %", "", ""},
     {"% is in use", "another program, or another window of this one, has the port open",
      "close the other program, then try again"},
+    {"% is in use", "a program of another user has the port open, or one that was killed has left it locked",
+     "close the other program; when there is none, unplug the adapter and plug it in again, or for a pseudo terminal "
+     "start the program at its other end anew"},
+    {"% is locked, and no program has it open", "a program that was killed has left it locked",
+     "unplug the adapter and plug it in again, or for a pseudo terminal start the program at its other end anew"},
     {"% is not a serial port", "the name is that of a file or of another kind of device",
      "choose a serial port in the communication settings"},
     {"% has no serial port hardware behind it", "the system lists the port but the computer does not have it",
@@ -113,6 +118,9 @@ PortError SerialOpenError(const std::string& port, SerialFault fault, std::error
   } else if (fault == SerialFault::NoPermission) {
     error.cause = "the device belongs to the group \"" + owner + "\", and this user is not in it";
     error.cure = "have the administrator add this user to the group \"" + owner + "\", then log on again";
+  } else if (fault == SerialFault::InUse && !owner.empty()) {
+    error.cause = owner + " has the port open";
+    error.cure = "close it, then try again";
   } else if (fault == SerialFault::Other) {
     error.cause = code.message();
   }

@@ -18,9 +18,21 @@ namespace kv {
 [[nodiscard]] PortError ConnectionLossError(const std::string& endpoint, std::error_code code);
 
 // What can be wrong with a serial port.
-enum class SerialFault { Missing, NoPermission, InUse, NotSerial, NoHardware, BadSpeed, BadFraming, Other };
+enum class SerialFault {
+  Missing,
+  NoPermission,
+  InUse,
+  MaybeLocked,  // in use, or left locked by a program that was killed: the system does not tell which
+  LeftLocked,   // nobody has it open
+  NotSerial,
+  NoHardware,
+  BadSpeed,
+  BadFraming,
+  Other
+};
 
-// `code` is told only with Other; `owner` is the group that may use the device, empty when it is not known.
+// `code` is told only with Other. `owner`: with NoPermission a group whose members may use the device, with InUse the
+// program that has it open; empty when there is none to name.
 [[nodiscard]] PortError SerialOpenError(const std::string& port, SerialFault fault, std::error_code code,
                                         const std::string& owner);
 

@@ -16,6 +16,7 @@
 #include <exception>
 #include <utility>
 
+#include "KvCmDrv1/ports/PortHolder.h"
 #include "KvCmDrv1/ports/SerialLine.h"
 #include "KvCmDrv1/ports/SerialSettings.h"
 
@@ -37,6 +38,9 @@ SerialFault FaultOf(std::error_code code) {
     case ENOENT:
     case ENODEV:
     case ENXIO:
+    case ENOTDIR:
+    case ENAMETOOLONG:
+    case ELOOP:
       return SerialFault::Missing;
     case EACCES:
     case EPERM:
@@ -54,9 +58,14 @@ SerialFault FaultOf(std::error_code code) {
   }
 }
 
-std::string OwningGroup(const std::string& path) {
+// The group to which a user must belong to use the device; empty when being in its group does not give the right, or
+// would give the rights of the administrator with it.
+std::string GroupThatHelps(const std::string& path) {
+  constexpr mode_t kReadAndWrite = S_IRGRP | S_IWGRP;
+  constexpr gid_t kAdministrators = 0;
   struct stat facts{};
   if (::stat(path.c_str(), &facts) != 0) return {};
+  if ((facts.st_mode & kReadAndWrite) != kReadAndWrite || facts.st_gid == kAdministrators) return {};
   const group* owner = ::getgrgid(facts.st_gid);
   return owner ? owner->gr_name : "";
 }
@@ -76,6 +85,20 @@ bool WaitFor(int handle, short events, Duration span) {
   pollfd entry{handle, events, 0};
   const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(std::max(span, Duration::zero()));
   return ::poll(&entry, 1, static_cast<int>(milliseconds.count())) > 0;
+}
+
+// A lock outlives its program on a pseudo terminal whose other end is open, and with some adapters.
+// `handles`: how many of ours are open by now.
+PortError InUseError(const std::string& port, int handles) {
+  const PortHolder holder = FindPortHolder(port, handles);
+  const SerialFault withoutName = holder.isCertain ? SerialFault::LeftLocked : SerialFault::MaybeLocked;
+  return SerialOpenError(port, holder.name.empty() ? withoutName : SerialFault::InUse, {}, holder.name);
+}
+
+PortError OpenError(const std::string& port, std::error_code code) {
+  const SerialFault fault = FaultOf(code);
+  if (fault == SerialFault::InUse) return InUseError(port, 0);
+  return SerialOpenError(port, fault, code, fault == SerialFault::NoPermission ? GroupThatHelps(port) : "");
 }
 
 }  // namespace
@@ -98,22 +121,20 @@ struct SerialLine::System {
 
 std::expected<std::unique_ptr<SerialLine>, PortError> SerialLine::Open(const std::string& port, int baudRate,
                                                                        const SerialFraming& framing) {
-  const auto fail = [&port](SerialFault fault, std::error_code code) {
-    const auto owner = fault == SerialFault::NoPermission ? OwningGroup(port) : std::string();
-    return std::unexpected(SerialOpenError(port, fault, code, owner));
-  };
   try {
     auto system = std::make_unique<System>();
     std::error_code code;
     system->line.open(port, code);
-    if (code) return fail(FaultOf(code), code);
+    if (code) return std::unexpected(OpenError(port, code));
     system->isOurs = TakeForOurselves(system->line.native_handle());
-    if (!system->isOurs) return fail(SerialFault::InUse, {});
-    if (const auto fault = SetUpLine(system->line, baudRate, framing)) return fail(*fault, {});
+    if (!system->isOurs) return std::unexpected(InUseError(port, 1));
+    if (const auto fault = SetUpLine(system->line, baudRate, framing)) {
+      return std::unexpected(SerialOpenError(port, *fault, {}, {}));
+    }
     ::tcflush(system->line.native_handle(), TCIOFLUSH);
     return std::unique_ptr<SerialLine>(new SerialLine(std::move(system)));
   } catch (const std::system_error& error) {  // no descriptors left
-    return fail(SerialFault::Other, error.code());
+    return std::unexpected(SerialOpenError(port, SerialFault::Other, error.code(), {}));
   }
 }
 

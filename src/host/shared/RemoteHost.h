@@ -69,6 +69,8 @@ class RemoteHost {
 
   // Going on line.
   [[nodiscard]] virtual bool IsOnline() const = 0;
+  // Whether the host works with the channel that was attached: on line, or waiting for a lost controller.
+  [[nodiscard]] virtual bool HoldsLink() const = 0;
   virtual void BeginConnect() = 0;  // around the lookup of the channel
   virtual void EndConnect() = 0;
   virtual void SetConnectedUnit(int unit) = 0;
