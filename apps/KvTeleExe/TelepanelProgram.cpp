@@ -72,6 +72,7 @@ std::unique_ptr<CommDriver> TelepanelProgram::MakeDriver() {
   driver->GetTrace().SetClock(mClock, mPacer);
   mDriver = driver.get();
   mDialogs.Serve(*driver);
+  driver->SetPasswordSource(&mPassword);
   return driver;
 }
 

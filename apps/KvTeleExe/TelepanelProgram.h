@@ -14,6 +14,7 @@
 #include "desktop/ui/QtPrompts.h"
 #include "desktop/ui/QtShell.h"
 #include "host/HostParts.h"
+#include "link/PromptedPassword.h"
 
 namespace kv {
 
@@ -38,6 +39,7 @@ class TelepanelProgram {
   QtPacer mPacer;
   PacerWallClock mClock;
   QtPrompts mPrompts;
+  PromptedPassword mPassword{mPrompts, "do it again, and enter the controller's password when you are asked for it"};
   QtClipboard mClipboard;
   QtShell mShell;
   SimulatedControllers mControllers;

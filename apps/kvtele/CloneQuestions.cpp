@@ -38,25 +38,4 @@ std::vector<std::string> SplitCodes(const std::string& codes) {
   return split;
 }
 
-std::expected<void, Failure> GiveAccess(Environment& environment, const CommonOptions& common, Connection& controller) {
-  Channel& link = controller.Link();
-  const std::uint8_t unit = controller.Unit();
-  if (common.password) {
-    if (link.GiveAccess(*common.password, unit)) return {};
-    return std::unexpected(controller.LastFailure());
-  }
-  if (link.GiveAccess("", unit)) return {};  // it has no password
-  if (link.LastError().code != LinkErrorCode::Refused) return std::unexpected(controller.LastFailure());
-  if (!environment.input.IsInteractive()) return {};  // what needs the password will be refused, and say so
-  const auto password = PromptsFor(environment, common)
-                            .Ask({.text = "The controller's password:",
-                                  .title = std::string(kClonerCaption),
-                                  .initial = "",
-                                  .secret = true});
-  if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure("asking for the password"));
-  if (password && link.GiveAccess(*password, unit)) return {};
-  if (password) return std::unexpected(controller.LastFailure());
-  return std::unexpected(NotConfirmedFailure("asking for the password", "--password"));
-}
-
 }  // namespace kv::cli

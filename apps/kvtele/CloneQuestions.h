@@ -21,9 +21,4 @@ namespace kv::cli {
 // "OP,AP": the texts between the commas.
 [[nodiscard]] std::vector<std::string> SplitCodes(const std::string& codes);
 
-// Gives the password that was given, if one was; where none was and the controller wants one, a user at a terminal is
-// asked.
-[[nodiscard]] std::expected<void, Failure> GiveAccess(Environment& environment, const CommonOptions& common,
-                                                      Connection& controller);
-
 }  // namespace kv::cli

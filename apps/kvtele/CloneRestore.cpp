@@ -115,7 +115,7 @@ class Restoring {
 
   Done Send() {
     Channel& link = mController->Link();
-    if (auto access = GiveAccess(mEnvironment, mCommon, *mController); !access) return access;
+    if (!link.EnsureAccess(mController->Unit())) return std::unexpected(mController->LastFailure());
     const std::string doing = "restoring " + Utf8FromPath(mFile);
     if (const auto begun = BeginRestore(link, mCheck.staying); !begun) {
       return std::unexpected(CloneFailure(doing, begun.error()));

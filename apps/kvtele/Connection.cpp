@@ -27,6 +27,16 @@ Failure OtherModel(const std::string& asked, const VersionInfo& version, const s
 
 }  // namespace
 
+// A password that was given by option is tried before the user is asked; both are the password's business.
+Connection::Connection(Environment& environment, const CommonOptions& common, std::unique_ptr<CommDriver> driver,
+                       LinkSettings settings)
+    : mPrompts({}, environment.err, environment.input),
+      mPassword(mPrompts, "give the controller's password with --password", common.password),
+      mDriver(std::move(driver)),
+      mSettings(std::move(settings)) {
+  mDriver->SetPasswordSource(&mPassword);
+}
+
 Connection::~Connection() {
   mDriver->OnComMessage = nullptr;  // that the link is closed at the end is no news
   mChannel.reset();
@@ -39,7 +49,7 @@ std::expected<std::unique_ptr<Connection>, Failure> Connection::Open(Environment
   if (!choice) return std::unexpected(choice.error());
   auto driver = MakeDriver(environment, common, *choice);
   if (!driver) return std::unexpected(driver.error());
-  std::unique_ptr<Connection> connection(new Connection(std::move(*driver), choice->settings));
+  std::unique_ptr<Connection> connection(new Connection(environment, common, std::move(*driver), choice->settings));
   if (const auto reached = connection->Reach(); !reached) return std::unexpected(reached.error());
   // From here on only: a link that never came about is the failure itself.
   connection->mDriver->OnComMessage = [&err = environment.err](const std::string& message) { err << message << "\n"; };

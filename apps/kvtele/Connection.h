@@ -8,7 +8,9 @@
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/Failure.h"
+#include "desktop/console/ConsolePrompts.h"
 #include "link/CommDriver.h"
+#include "link/PromptedPassword.h"
 
 namespace kv::cli {
 
@@ -43,11 +45,13 @@ class Connection {
   [[nodiscard]] Failure LastFailure() const { return LinkFailure(mChannel->LastError(), true); }
 
  private:
-  Connection(std::unique_ptr<CommDriver> driver, LinkSettings settings)
-      : mDriver(std::move(driver)), mSettings(std::move(settings)) {}
+  Connection(Environment& environment, const CommonOptions& common, std::unique_ptr<CommDriver> driver,
+             LinkSettings settings);
 
   [[nodiscard]] std::expected<void, Failure> Reach();
 
+  ConsolePrompts mPrompts;
+  PromptedPassword mPassword;
   std::unique_ptr<CommDriver> mDriver;
   LinkSettings mSettings;
   std::shared_ptr<Channel> mChannel;

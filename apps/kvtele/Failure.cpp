@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "desktop/console/HarmlessText.h"
+#include "link/ControllerErrorText.h"
 
 namespace kv::cli {
 
@@ -33,6 +34,12 @@ constexpr std::array kCodes = {
     CodeRow{LinkErrorCode::Unsure,          "unsure",          ExitCode::LinkLost,     ExitCode::LinkLost},
 };
 // clang-format on
+
+// Scripts tell these from other refusals: they have the cure in their hands.
+std::string_view NameOf(const LinkError& error, const CodeRow& row) {
+  if (error.controllerCode == kNeedsPasswordCode) return "passwordNeeded";
+  return error.controllerCode == kWrongPasswordCode ? "wrongPassword" : row.name;
+}
 
 const CodeRow& RowOf(LinkErrorCode code) {
   for (const CodeRow& row : kCodes) {
@@ -64,7 +71,7 @@ Failure InterruptedFailure(std::string doing) {
 Failure LinkFailure(const LinkError& error, bool wasConnected) {
   const CodeRow& row = RowOf(error.code);
   return {wasConnected ? row.wasConnected : row.neverConnected,
-          std::string(row.name),
+          std::string(NameOf(error, row)),
           error.doing,
           error.happened.empty() ? "the controller did not do it" : error.happened,
           error.cause,

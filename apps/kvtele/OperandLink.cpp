@@ -7,7 +7,6 @@
 #include "dataview/OperandCatalogue.h"
 #include "dataview/OsSupport.h"
 #include "dataview/RegionTransfer.h"
-#include "link/ControllerErrorText.h"
 #include "link/LinkTexts.h"
 
 namespace kv::cli {
@@ -156,10 +155,6 @@ std::expected<void, Failure> WriteOperands(Environment& environment, Connection&
 Failure WriteFailure(const LinkError& error, const Region& piece, const std::string& before) {
   Failure failure = LinkFailure(error, true);
   failure.happened += "; " + WrittenSoFar(error, piece, before);
-  if (error.controllerCode == kNeedsPasswordCode) {
-    failure.code = kPasswordNeeded;
-    failure.cure = "give the controller's password with --password";
-  }
   return failure;
 }
 

@@ -34,9 +34,7 @@ using RegionsFor = std::function<std::expected<std::vector<Region>, Failure>(con
                                                                             Connection& connection,
                                                                             const Region& region);
 
-// Writes one text an operand. A failure says which operands were written before it and which may have been; its code is
-// kPasswordNeeded when the controller wants its password first.
-inline constexpr std::string_view kPasswordNeeded = "passwordNeeded";
+// Writes one text an operand. A failure says which operands were written before it and which may have been.
 [[nodiscard]] std::expected<void, Failure> WriteOperands(Environment& environment, Connection& connection,
                                                          const Region& region, std::span<const std::string> texts);
 

@@ -40,7 +40,7 @@ Outcome VerbProgram::Run(Environment& environment, const CommonOptions& common) 
   const auto confirmed =
       Confirm(environment, {common.yes, "--yes"}, question, mRuns ? "starting the program" : "stopping the program");
   if (!confirmed) return std::unexpected(confirmed.error());
-  if (const auto done = Switch(environment, common, plc); !done) return std::unexpected(done.error());
+  if (const auto done = Switch(plc); !done) return std::unexpected(done.error());
   const auto after = plc.Link().GetControllerInfo(plc.Unit());
   if (!after) return std::unexpected(plc.LastFailure());
   if (after->state != wanted) {
@@ -53,9 +53,7 @@ Outcome VerbProgram::Run(Environment& environment, const CommonOptions& common) 
   return MakeAnswer(name, after->state);
 }
 
-std::expected<void, Failure> VerbProgram::Switch(Environment& environment, const CommonOptions& common,
-                                                 Connection& controller) const {
-  if (auto access = GiveAccess(environment, common, controller); !access) return access;
+std::expected<void, Failure> VerbProgram::Switch(Connection& controller) const {
   const bool isDone =
       mRuns ? controller.Link().RunController(controller.Unit()) : controller.Link().StopController(controller.Unit());
   if (!isDone) return std::unexpected(controller.LastFailure());

@@ -19,8 +19,7 @@ class VerbProgram : public Verb {
   [[nodiscard]] Outcome Run(Environment& environment, const CommonOptions& common) override;
 
  private:
-  [[nodiscard]] std::expected<void, Failure> Switch(Environment& environment, const CommonOptions& common,
-                                                    Connection& controller) const;
+  [[nodiscard]] std::expected<void, Failure> Switch(Connection& controller) const;
 
   bool mRuns;
 };

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "apps/kvtele/OperandLink.h"
-#include "apps/kvtele/PasswordGiven.h"
 #include "apps/kvtele/Progress.h"
 #include "apps/kvtele/Prompting.h"
 #include "apps/kvtele/ReadBack.h"
@@ -230,8 +229,7 @@ Outcome VerbRegions::Write(Environment& environment, const CommonOptions& common
   if (const auto yes = Confirm(environment, common, controller, CountOf(values.runs)); !yes) {
     return std::unexpected(yes.error());
   }
-  const auto written =
-      WithPassword(environment, common, controller, [&] { return WriteRuns(environment, controller, values.runs); });
+  const auto written = WriteRuns(environment, controller, values.runs);
   if (!written) return std::unexpected(written.error());
   const auto compared = Compare(environment, controller, values.runs);
   if (!compared) return std::unexpected(compared.error());

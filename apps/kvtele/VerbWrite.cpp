@@ -2,7 +2,6 @@
 
 #include "apps/kvtele/LinkChoice.h"
 #include "apps/kvtele/OperandLink.h"
-#include "apps/kvtele/PasswordGiven.h"
 #include "apps/kvtele/ReadBack.h"
 #include "apps/kvtele/Values.h"
 #include "dataview/OperandCatalogue.h"
@@ -45,8 +44,7 @@ Outcome VerbWrite::Run(Environment& environment, const CommonOptions& common) {
   if (const auto legal = CheckValues(region->type, controller.Model(), mValues); !legal) {
     return std::unexpected(legal.error());
   }
-  const auto written = WithPassword(environment, common, controller,
-                                    [&] { return WriteOperands(environment, controller, *region, mValues); });
+  const auto written = WriteOperands(environment, controller, *region, mValues);
   if (!written) return std::unexpected(written.error());
   return Compare(environment, controller, *region);
 }

@@ -118,7 +118,7 @@ std::optional<CommandReply> ChannelImpl::SendCommand(std::string_view command) {
   const std::uint8_t unit = mSettings.unit;
   const auto reply = mExchange.SendText({unit, command, FactsOf(command), std::nullopt});
   if (!reply) {
-    const bool isSecret = command.starts_with("GI");
+    const bool isSecret = command.starts_with("GI") || command.starts_with("AC");
     Fail(reply.error(), WithUnit("sending " + std::string(command.substr(0, isSecret ? 2 : 20)) + " to", unit));
     return std::nullopt;
   }
@@ -263,6 +263,34 @@ bool ChannelImpl::GiveAccess(std::string_view password, std::uint8_t unit) {
   return true;
 }
 
+bool ChannelImpl::EnsureAccess(std::uint8_t unit) {
+  const auto doing = [unit] { return WithUnit("getting access to", unit); };
+  const std::expected<int, LinkError> refusal = mExchange.EnsureAccess(unit);
+  if (!refusal) {
+    Fail(refusal.error(), doing());
+    return false;
+  }
+  if (*refusal != 0) {
+    FailRefused(*refusal, doing());
+    return false;
+  }
+  Succeed();
+  return true;
+}
+
+void ChannelImpl::UsePasswords(PasswordSource* source) {
+  mPasswords = source;
+  if (!source) return mExchange.SetPasswordAsker(nullptr);
+  mExchange.SetPasswordAsker([this](std::uint8_t unit, bool wasWrong) {
+    const std::optional<Identity>& identity = mExchange.Unit(unit).identity;
+    LinkSettings link = mSettings;
+    link.unit = unit;
+    return mPasswords->Password({.controller = identity ? NameOf(*identity) : "The controller",
+                                 .link = DescribeLink(link),
+                                 .wasWrong = wasWrong});
+  });
+}
+
 std::optional<Channel::ControllerInfo> ChannelImpl::GetControllerInfo(std::uint8_t unit) {
   constexpr std::size_t kReply = 55;
   const auto doing = [unit] { return WithUnit("asking for serial number and state of", unit); };
@@ -298,13 +326,15 @@ void ChannelImpl::FailArgument(std::string happened, const std::string& doing) {
 }
 
 void ChannelImpl::FailRefused(int controllerCode, const std::string& doing) {
+  if (controllerCode == kNeedsPasswordCode) controllerCode = mExchange.AccessRefusal();
   const ControllerErrorMeaning meaning = ControllerErrorText(controllerCode);
   LinkError error;
   error.code = controllerCode == kBusyCode ? LinkErrorCode::Busy : LinkErrorCode::Refused;
   error.controllerCode = controllerCode;
   error.happened = "the controller refused: " + std::string(meaning.meaning) + " (code " +
                    ToHex(static_cast<std::uint32_t>(controllerCode), 2) + ")";
-  error.cure = meaning.cure;
+  const bool isPassword = controllerCode == kNeedsPasswordCode || controllerCode == kWrongPasswordCode;
+  error.cure = isPassword && mPasswords ? mPasswords->Cure() : meaning.cure;
   Fail(std::move(error), doing);
 }
 

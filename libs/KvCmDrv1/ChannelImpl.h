@@ -10,6 +10,7 @@
 #include "KvCmDrv1/RawPort.h"
 #include "link/Channel.h"
 #include "link/ControllerErrorText.h"
+#include "link/PasswordSource.h"
 
 namespace kv {
 
@@ -36,6 +37,10 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] bool IsBusy() const { return mIsBusy; }
   [[nodiscard]] bool IsOtherController() const { return mExchange.IsOtherController(); }
   [[nodiscard]] const LinkSettings& Settings() const { return mSettings; }
+  // Who is asked for passwords; null: nobody.
+  void UsePasswords(PasswordSource* source);
+  // Another operation of a tool begins: a user who did not give the password in the one before is asked again.
+  void BeginOperation() { mExchange.BeginOperation(); }
 
   [[nodiscard]] std::optional<CommandReply> SendCommand(std::string_view command) override;
   void SetCommandOwner(std::string_view owner) override { mTrace->SetOwner(owner); }
@@ -55,6 +60,7 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] bool ResetController(std::uint8_t unit) override;
   [[nodiscard]] std::optional<VersionInfo> GetVersionInfo(std::uint8_t unit) override;
   [[nodiscard]] bool GiveAccess(std::string_view password, std::uint8_t unit) override;
+  [[nodiscard]] bool EnsureAccess(std::uint8_t unit) override;
   [[nodiscard]] std::optional<ControllerInfo> GetControllerInfo(std::uint8_t unit) override;
 
   [[nodiscard]] std::optional<std::vector<OperandListValues>> ReadOperandList(
@@ -151,6 +157,7 @@ class ChannelImpl final : public Channel {
   std::vector<std::uint32_t> mNumbers;  // of the write under way
   PieceSize mTextPiece{512};
   PieceSize mBlockPiece{4096};
+  PasswordSource* mPasswords = nullptr;
   LinkError mError;
   std::ofstream mRecord;
   int mMode = 0;

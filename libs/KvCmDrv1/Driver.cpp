@@ -93,6 +93,7 @@ std::shared_ptr<Channel> Driver::GetChannel() {
     mChannel = std::make_shared<ChannelImpl>(
         mPacer, mTrace, mSettings, [this](const LinkSettings& settings) { return MakeAnyPort(settings); },
         [this](const std::string& message) { Tell(message); });
+    mChannel->UsePasswords(mPasswords);
   }
   if (!mChannel->Open()) {
     mError = mChannel->LastError();
@@ -100,7 +101,13 @@ std::shared_ptr<Channel> Driver::GetChannel() {
     return nullptr;
   }
   mError = {};
+  mChannel->BeginOperation();
   return mChannel;
+}
+
+void Driver::SetPasswordSource(PasswordSource* source) {
+  mPasswords = source;
+  if (mChannel) mChannel->UsePasswords(source);
 }
 
 void Driver::CloseDriver() {

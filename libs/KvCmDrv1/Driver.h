@@ -42,6 +42,7 @@ class Driver final : public CommDriver {
   // A channel of the caller's in place of the driver's own; null gives that back.
   void SetChannel(std::shared_ptr<Channel> channel) override { mForeign = std::move(channel); }
   [[nodiscard]] const LinkError& LastError() const override { return mError; }
+  void SetPasswordSource(PasswordSource* source) override;
   void CloseDriver() override;
   [[nodiscard]] std::string LinkDescription() const override;
   [[nodiscard]] std::string DescribeSession(const SessionLink& session) const override;
@@ -82,6 +83,7 @@ class Driver final : public CommDriver {
   std::shared_ptr<ChannelImpl> mChannel;
   std::shared_ptr<Channel> mForeign;
   DriverDialogs* mDialogs = nullptr;
+  PasswordSource* mPasswords = nullptr;
   std::string mCaller;
   LinkError mError;
   bool mIsActive = true;

@@ -100,26 +100,6 @@ class Exchange::BlockJudge final : public ReplyJudge {
   int mStatus = 0;
 };
 
-// One request under way: a second one, from an event that the wait lets in, is refused meanwhile.
-class Exchange::UnderWay {
- public:
-  explicit UnderWay(Exchange& exchange) : mExchange(exchange) {
-    exchange.mIsUnderWay = true;
-    exchange.mWentOut = false;
-    exchange.mTriesUsed = 0;
-    exchange.mLosses = 0;
-  }
-  ~UnderWay() {
-    mExchange.mIsUnderWay = false;
-    mExchange.mLine.RequestAbort(false);
-  }
-  UnderWay(const UnderWay&) = delete;
-  UnderWay& operator=(const UnderWay&) = delete;
-
- private:
-  Exchange& mExchange;
-};
-
 Exchange::Exchange(Pacer& pacer, Line& line, const ExchangeSettings& settings, Say say)
     : mPacer(pacer),
       mLine(line),
@@ -141,10 +121,8 @@ std::expected<std::string_view, LinkError> Exchange::SendText(const TextRequest&
   Begin(request.unit, mMain.frame.size() + request.facts.longestReply, request.notAfter);
   if (request.facts.resets) mDeadline += kRestartTime - RestartRest(request.unit);
   Outcome outcome = RunText(request);
-  if (outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text) == kNeedsPasswordCode &&
-      GiveAccess(request.unit) == Outcome::Done) {
-    mWentOut = false;  // refused: it has changed nothing
-    outcome = RunText(request);
+  if (outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text) == kNeedsPasswordCode) {
+    outcome = RunWithAccess(request.unit, [&] { return RunText(request); });
   }
   Conclude(request.unit, outcome);
   const bool isRefused = outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text).has_value();
@@ -159,10 +137,8 @@ std::expected<BlockReply, LinkError> Exchange::SendBlock(const BlockRequest& req
   const std::size_t bytes = 2 * (kBlockHead + kBlockCheck) + request.payload.size() + request.replyPayload;
   Begin(request.unit, bytes, request.notAfter);
   Outcome outcome = RunBlock(request);
-  if (outcome == Outcome::Done && mBlockStatus == kBlockRefused + kNeedsPasswordCode &&
-      GiveAccess(request.unit) == Outcome::Done) {
-    mWentOut = false;
-    outcome = RunBlock(request);
+  if (outcome == Outcome::Done && mBlockStatus == kBlockRefused + kNeedsPasswordCode) {
+    outcome = RunWithAccess(request.unit, [&] { return RunBlock(request); });
   }
   Conclude(request.unit, outcome);
   if (outcome != Outcome::Done) return std::unexpected(Explain(outcome));
@@ -401,6 +377,7 @@ void Exchange::LoseStep() {
 void Exchange::ForgetUnits() {
   mUnits.assign(mUnits.size(), UnitState{});
   mIsOtherController = false;
+  mIsDeclined = false;
 }
 
 void Exchange::Abort(bool abort) {

@@ -16,6 +16,7 @@
 #include "KvCmDrv1/wire/Replies.h"
 #include "KvCmDrv1/wire/Requests.h"
 #include "link/Channel.h"
+#include "link/ControllerErrorText.h"
 
 namespace kv {
 
@@ -62,6 +63,7 @@ struct BlockReply {
 //   Reopening -> Ready      a read, or a request that had not gone out
 //   Reopening -> Asking     any other, which is never sent again over a new connection
 //   any meeting -> OtherController   serial number or model are not what they were; the link stays closed from then on
+//   Answered -> Sent        refused for want of the password, and there is access now: once more
 //   any -> Stopped          the pacer's stop request, or AbortComm
 //
 // All of it ends within tries x (time on the wire + time-out), and what is left of the time that a reset takes. What
@@ -74,6 +76,8 @@ struct BlockReply {
 class Exchange {
  public:
   using Say = std::function<void(const std::string& message)>;
+  // The password of a unit; `wasWrong`: the one before was refused.
+  using AskForPassword = std::function<std::optional<std::string>(std::uint8_t unit, bool wasWrong)>;
 
   Exchange(Pacer& pacer, Line& line, const ExchangeSettings& settings, Say say);
 
@@ -91,6 +95,16 @@ class Exchange {
   // Opens a port that partners call, and takes the first of them that answers as this unit and as the controller that
   // is meant. All others are dropped, each with a message that names it. Ends at `limit`.
   [[nodiscard]] std::expected<void, LinkError> AwaitCaller(std::uint8_t unit, Duration limit);
+
+  // Who is asked when a controller wants its password first and none that it takes is known; nothing: nobody.
+  void SetPasswordAsker(AskForPassword ask) { mAsk = std::move(ask); }
+  // A user who did not give the password is not asked again before this.
+  void BeginOperation() { mIsDeclined = false; }
+  // Makes sure that requests which need the password are taken, for traffic that cannot be sent again. 0, or the code
+  // with which access was refused.
+  [[nodiscard]] std::expected<int, LinkError> EnsureAccess(std::uint8_t unit);
+  // Why there was no access for the last request that was refused for want of it: a code.
+  [[nodiscard]] int AccessRefusal() const { return mAccessRefusal == 0 ? kNeedsPasswordCode : mAccessRefusal; }
 
   // A number for the next request with a tag.
   [[nodiscard]] std::uint16_t NextTag() { return ++mTag; }
@@ -131,7 +145,26 @@ class Exchange {
   };
   class TextJudge;
   class BlockJudge;
-  class UnderWay;
+  // One request under way: a second one, from an event that the wait lets in, is refused meanwhile.
+  class UnderWay {
+   public:
+    explicit UnderWay(Exchange& exchange) : mExchange(exchange) {
+      exchange.mIsUnderWay = true;
+      exchange.mWentOut = false;
+      exchange.mTriesUsed = 0;
+      exchange.mLosses = 0;
+      exchange.mAccessRefusal = 0;
+    }
+    ~UnderWay() {
+      mExchange.mIsUnderWay = false;
+      mExchange.mLine.RequestAbort(false);
+    }
+    UnderWay(const UnderWay&) = delete;
+    UnderWay& operator=(const UnderWay&) = delete;
+
+   private:
+    Exchange& mExchange;
+  };
 
   [[nodiscard]] std::optional<LinkError> Refuse() const;
   void Begin(std::uint8_t unit, std::size_t wireBytes, std::optional<Instant> notAfter);
@@ -150,7 +183,6 @@ class Exchange {
   [[nodiscard]] Outcome AskStep(std::uint8_t unit);
   [[nodiscard]] Outcome Introduce(std::uint8_t unit);
   [[nodiscard]] Outcome Identify(std::uint8_t unit);
-  [[nodiscard]] Outcome GiveAccess(std::uint8_t unit);
   [[nodiscard]] Outcome Ask(const TextRequest& request, Buffers& buffers);
   [[nodiscard]] Outcome Compare(UnitState& unit, const Identity& found);
   [[nodiscard]] std::string NameOfOther(const UnitState& unit, const Identity& found) const;
@@ -168,6 +200,15 @@ class Exchange {
   [[nodiscard]] Outcome WhatBecameOf(const TextRequest& request);
   [[nodiscard]] Outcome WhoAnswered(const TextRequest& request);
   [[nodiscard]] bool MayGoOn();
+
+  // Getting access (ExchangeAccess.cpp).
+  [[nodiscard]] Outcome RunWithAccess(std::uint8_t unit, const std::function<Outcome()>& run);
+  [[nodiscard]] Outcome GetAccess(std::uint8_t unit);
+  [[nodiscard]] Outcome AskUntilGiven(std::uint8_t unit);
+  [[nodiscard]] Outcome GiveAskedFor(std::uint8_t unit);
+  [[nodiscard]] Outcome AskPassword(std::uint8_t unit);
+  [[nodiscard]] Outcome GiveAccess(std::uint8_t unit);
+  [[nodiscard]] Outcome RefusePassword(std::uint8_t unit, int code);
 
   // Sending.
   [[nodiscard]] Outcome RunText(const TextRequest& request);
@@ -190,6 +231,7 @@ class Exchange {
   Line& mLine;
   ExchangeSettings mSettings;
   Say mSay;
+  AskForPassword mAsk;
   RoundTrip mRoundTrip;
   std::vector<UnitState> mUnits;
   RequestWriter mWriter;
@@ -214,10 +256,12 @@ class Exchange {
   std::uint16_t mCounterBefore = 0;
   std::uint16_t mPowerUpBefore = 0;
   int mBlockStatus = 0;
+  int mAccessRefusal = 0;  // code with which access was refused last; 0: it was not
 
   bool mIsShut = true;
   bool mIsDoubtful = false;  // raw traffic has passed since the last request
   bool mIsOtherController = false;
+  bool mIsDeclined = false;   // the user did not give the password that was asked for
   bool mIsAdmitting = false;  // a caller is asked who it is
   int mDropped = 0;           // callers, since one was taken
   std::string mLastDropped;   // name and reason

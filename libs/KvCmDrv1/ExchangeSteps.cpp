@@ -2,7 +2,6 @@
 
 #include "KvCmDrv1/Exchange.h"
 #include "KvCmDrv1/wire/Seal.h"
-#include "base/AnsiText.h"
 #include "base/Crc32.h"
 
 // How an exchange gets ready: opening a lost link, meeting the unit on a new connection, finding step, and asking what
@@ -13,8 +12,6 @@ namespace {
 
 constexpr std::size_t kStepReply = 62;         // SY: letters, tag, counter, check, power-up, 40 characters
 constexpr std::size_t kInformationReply = 55;  // IN: letters, tag, serial number, state, name
-constexpr std::size_t kAccessReply = 9;
-constexpr int kWrongPassword = 0x08;
 
 // How long to wait before the link is opened, after so many attempts of this request that led nowhere: it could not be
 // opened, or was lost again before the answer. A controller that restarts needs a moment, a network that is down
@@ -25,10 +22,6 @@ Duration PauseAfter(int failures) {
   constexpr int kMostDoublings = 6;
   if (failures == 0) return Duration{};
   return std::min(kFirstPause * (1 << std::min(failures - 1, kMostDoublings)), kLongestPause);
-}
-
-std::string NameOf(const Identity& identity) {
-  return AnsiToUtf8(identity.version.model) + ", serial number " + std::to_string(identity.serialNumber);
 }
 
 }  // namespace
@@ -174,19 +167,6 @@ std::expected<void, LinkError> Exchange::Recognise(std::uint8_t unit, const Iden
   return std::unexpected(Explain(outcome));
 }
 
-Outcome Exchange::GiveAccess(std::uint8_t unit) {
-  UnitState& state = mUnits[unit];
-  if (state.password.empty()) return Outcome::NotSupported;
-  const std::uint16_t tag = NextTag();
-  const Outcome outcome =
-      Ask({unit, mWriter.GiveAccess(unit, tag, state.password), TaggedRead(kAccessReply), {}}, mMeeting);
-  if (outcome != Outcome::Done) return outcome;
-  if (ReadsAccessGiven(mMeeting.reply, tag)) return Outcome::Done;
-  // A controller that is only busy now will take it the next time.
-  if (ReadRefusal(mMeeting.reply, "AC") == kWrongPassword) state.password.clear();
-  return Outcome::NotSupported;
-}
-
 Outcome Exchange::Ask(const TextRequest& request, Buffers& buffers) {
   const TextFault fault = EncodeFrame(request.unit, request.text, buffers.frame);
   return fault == TextFault::None ? TryText(request, buffers) : Outcome::Damaged;
@@ -226,7 +206,7 @@ bool Exchange::MayGoOn() {
 void Exchange::LoseLink() {
   ++mLosses;
   mLoss = mLine.GetPort().LossReason();
-  mLine.DropPartner();
+  mLine.DropPartner();  // a port that controllers dial in to goes on listening for its return
   mSay("Connection lost: " + (mLoss.happened.empty() ? std::string("the other side has gone") : mLoss.happened));
 }
 

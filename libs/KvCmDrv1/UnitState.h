@@ -15,6 +15,9 @@ struct Identity {
   VersionInfo version;
 };
 
+// "K220-22-R1, serial number 305419896", UTF-8.
+[[nodiscard]] std::string NameOf(const Identity& identity);
+
 // How long a controller may be silent after a reset: the slowest need two seconds, a network adapter before them as
 // long again.
 inline constexpr Duration kRestartTime = std::chrono::seconds(5);

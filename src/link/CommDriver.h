@@ -6,6 +6,7 @@
 
 #include "link/Channel.h"
 #include "link/ListeningSocket.h"
+#include "link/PasswordSource.h"
 
 namespace kv {
 
@@ -34,6 +35,10 @@ class CommDriver {
   virtual void SetChannel(std::shared_ptr<Channel> channel) = 0;
   [[nodiscard]] virtual const LinkError& LastError() const = 0;
   virtual void CloseDriver() = 0;
+
+  // Who is asked when a controller wants its password first; null: nobody, and the refusal stands. Outlives the driver.
+  // A user who gives no password is not asked again until a tool takes the channel anew.
+  virtual void SetPasswordSource(PasswordSource* source) = 0;
 
   // A text like "COM3, 115200 8N1, unit 1", "192.168.1.20:20300, unit 1" or "Simulated K220-22-R1".
   [[nodiscard]] virtual std::string LinkDescription() const = 0;

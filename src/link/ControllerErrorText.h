@@ -7,6 +7,7 @@ namespace kv {
 // Refusal codes on which programs act; the protocol page names all of them.
 inline constexpr int kPastEndCode = 0x04;
 inline constexpr int kNeedsPasswordCode = 0x07;
+inline constexpr int kWrongPasswordCode = 0x08;
 inline constexpr int kBusyCode = 0x0A;
 
 // What the code behind ERROR means, and what helps. Both read on behind "the controller refused: " and "What to do: ".

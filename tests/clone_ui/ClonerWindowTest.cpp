@@ -18,6 +18,7 @@
 #include "clone/ui/DumpList.h"
 #include "clone/ui/frmDumpPLC.h"
 #include "desktop/PacerWallClock.h"
+#include "link/PromptedPassword.h"
 #include "simulator/SimulatedController.h"
 #include "tests/desktop_ui/UsableWindow.h"
 #include "tests/support/SessionBench.h"
@@ -58,6 +59,7 @@ class ClonerWindowTest : public ::testing::Test {
  protected:
   ClonerWindowTest() {
     bench.shared.ComDriver = &driver;
+    driver.SetPasswordSource(&password);
     PlugIn({});
   }
 
@@ -98,10 +100,10 @@ class ClonerWindowTest : public ::testing::Test {
   }
   // Answers the questions before a restore, the last of which is whether it is wanted, and closes the boxes behind.
   void Restore(int boxes = 2, const std::vector<PromptAnswer>& answers = {PromptAnswer::Yes},
-               const char* password = nullptr) {
+               const std::vector<std::optional<std::string>>& typed = {}) {
     prompts.Choose(Utf8FromPath(file));
     for (const PromptAnswer answer : answers) prompts.Press(answer);
-    if (password) prompts.Enter(password);
+    for (const auto& each : typed) prompts.Enter(each);
     while (boxes-- > 0) prompts.Press(PromptAnswer::Ok);
     Trigger("ID_RestoreGhost");
   }
@@ -146,6 +148,7 @@ class ClonerWindowTest : public ::testing::Test {
   NotedShell shell;
   std::uint32_t plugged = 0;  // controllers so far
   std::unique_ptr<sim::SimulatedController> controller;
+  PromptedPassword password{prompts, "enter it"};
   Driver driver{pacer, [this](const std::string&) { return controller ? controller->NewLine() : nullptr; }, nullptr};
   std::unique_ptr<frmDumpPLC> window;
 };
@@ -344,11 +347,13 @@ TEST_F(ClonerWindowTest, GivesThePasswordBeforeARestoreToAControllerThatWantsIt)
   OnlySmallSegments();
   Create();
   PlugIn({.password = "Secret"});
-  Restore(1, {PromptAnswer::Yes}, "secret");
+  Restore(0, {PromptAnswer::Yes}, {std::nullopt});
+  EXPECT_THAT(Information(), HasSubstr("Nothing was restored"));
+  Restore(1, {PromptAnswer::Yes}, {"secret", std::nullopt});
+  EXPECT_THAT(Information(), HasSubstr("the password is wrong"));
   EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
   EXPECT_FALSE(VerifyClone(*driver.GetChannel(), file)->IsSame());
-  Restore(2, {PromptAnswer::Yes}, "Secret");
-  EXPECT_EQ(prompts.Inputs().back().text, "Enter Password Up To 8 Chars");
+  Restore(2, {PromptAnswer::Yes}, {"secret", "Secret"});
   pacer.Sleep(kRestart);
   EXPECT_TRUE(VerifyClone(*driver.GetChannel(), file)->IsSame());
 }

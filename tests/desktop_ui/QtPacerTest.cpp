@@ -89,6 +89,24 @@ TEST_F(QtPacerTest, InputDuringAWaitIsKeptAndThenDelivered) {
   EXPECT_EQ(watcher.moves, 1);
 }
 
+TEST_F(QtPacerTest, AQuestionInTheMiddleOfAnOperationStandsBeforeNoVeil) {
+  QtPrompts prompts;
+  BusyState busy(pacer, window, "Writing");
+  BusyState inner(pacer, window, "Writing more");
+  ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
+  WhenOpen<QDialog>(window, [this](QDialog& box) {
+    for (const QWidget* veil : window.findChildren<QWidget*>("busyOverlay")) EXPECT_FALSE(veil->isVisible());
+    pacer.Sleep(1ms);  // a timer that waits for something must not hold up the box
+    QTest::keyClicks(&Find<QLineEdit>(box, "txtInput"), "1234");
+    Find<QPushButton>(box, "cmdOk").click();
+  });
+  EXPECT_EQ(prompts.Ask({.text = "Password", .secret = true}), "1234");
+  EXPECT_FALSE(pacer.StopRequested());
+  EXPECT_TRUE(IsOverlayShown());
+  Meanwhile([this] { Type(Qt::Key_Escape); });
+  EXPECT_TRUE(Wait([this] { return pacer.StopRequested(); }));
+}
+
 TEST_F(QtPacerTest, ABusyWindowHearsOnlyItsCancel) {
   const std::pair<const char*, std::function<void()>> cases[] = {
       {"Escape", [this] { Type(Qt::Key_Escape); }},

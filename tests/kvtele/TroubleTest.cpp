@@ -60,11 +60,13 @@ TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
   EXPECT_THAT(without.err, HasSubstr("give the controller's password with --password"));
   EXPECT_THAT(bench.On("Q50", {"write", "MI", "7", "5", "--json"}).out, HasSubstr("\"code\": \"passwordNeeded\""));
 
-  EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "5", "--password", "0000"}).exit, 4);
+  const Result wrong = bench.On("Q50", {"write", "MI", "7", "5", "--password", "0000"});
+  EXPECT_EQ(wrong.exit, 4);
+  EXPECT_THAT(wrong.err, HasSubstr("the password is wrong"));
   EXPECT_EQ(bench.On("Q50", {"read", "MI", "7"}).out, "7\t0\n");
   EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "5", "--password", "1234"}).exit, 0);
 
-  bench.input.lines.emplace(1, "1234");
+  bench.input.lines.emplace({"0000", "1234"});
   EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "6"}).exit, 0);
   EXPECT_EQ(bench.On("Q50", {"read", "MI", "7"}).out, "7\t6\n");
 }

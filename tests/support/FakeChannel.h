@@ -60,6 +60,7 @@ class FakeChannel : public Channel {
   std::optional<VersionInfo> GetVersionInfo(std::uint8_t u) override {
     return Answer("GetVersionInfo" + At(u), version);
   }
+  bool EnsureAccess(std::uint8_t u) override { return Note("EnsureAccess" + At(u)); }
   bool GiveAccess(std::string_view password, std::uint8_t u) override {
     return Note("GiveAccess " + std::string(password) + At(u));
   }

@@ -31,6 +31,7 @@ class FakeDriver : public CommDriver {
   }
   void SetChannel(std::shared_ptr<Channel> newChannel) override { channel = std::move(newChannel); }
   const LinkError& LastError() const override { return mError; }
+  void SetPasswordSource(PasswordSource*) override {}
   void CloseDriver() override { Note("CloseDriver"); }
   std::string LinkDescription() const override { return description; }
   std::string DescribeSession(const SessionLink& link) const override { return "Link of " + link.model; }

@@ -23,6 +23,7 @@
 #include "clone/ui/DumpList.h"
 #include "clone/ui/frmDumpPLCOperation.h"
 #include "desktop/ui/Commands.h"
+#include "link/ControllerErrorText.h"
 
 // What the window does; how it looks is in frmDumpPLCLayout.cpp.
 namespace kv {

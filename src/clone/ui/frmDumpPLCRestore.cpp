@@ -1,7 +1,6 @@
 #include <QCheckBox>
 #include <QLabel>
 
-#include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "clone/CloneInfo.h"
 #include "clone/ErasedSegments.h"
@@ -10,6 +9,7 @@
 #include "clone/RestoreCheck.h"
 #include "clone/ui/DumpList.h"
 #include "clone/ui/frmDumpPLC.h"
+#include "link/ControllerErrorText.h"
 
 // What the cloner's window checks, asks and tells around a restore.
 namespace kv {
@@ -166,16 +166,12 @@ bool frmDumpPLC::SaveFirst(Restoring& restoring) {
 // The lines of a restore cannot carry the password, so a controller that wants one gets it before the first of them.
 bool frmDumpPLC::GiveAccess(Restoring& restoring) {
   Channel& link = restoring.link;
-  if (link.GiveAccess("", link.UnitID())) return true;
-  if (link.LastError().code != LinkErrorCode::Refused) return FailRestore(link.LastError().Text());
+  if (link.EnsureAccess(link.UnitID())) return true;
   if (mIsStopAsked) return false;
-  const auto password = mServices.prompts.Ask(
-      {.text = "Enter Password Up To 8 Chars", .title = std::string(kClonerCaption), .initial = "", .secret = true});
-  if (!password) {
-    ShowEnd(CloneEnd::Stopped, kNotRestored);
-    return false;
-  }
-  return link.GiveAccess(Utf8ToAnsi(*password), link.UnitID()) || FailRestore(link.LastError().Text());
+  const bool isDeclined = link.LastError().controllerCode == kNeedsPasswordCode;
+  if (!isDeclined) return FailRestore(link.LastError().Text());
+  ShowEnd(CloneEnd::Stopped, kNotRestored);
+  return false;
 }
 
 bool frmDumpPLC::Begin(Restoring& restoring) {

@@ -11,7 +11,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <ranges>
 #include <utility>
+#include <vector>
 
 namespace kv {
 
@@ -22,7 +24,9 @@ constexpr std::chrono::milliseconds kDelay{300};
 constexpr int kVeil = 150;  // opacity, of 255: the window below stays readable
 constexpr int kWide = 280;  // the panel, where the window is not narrower
 
-int gStates = 0;  // nested states of the one user-interface thread
+// Of the one user-interface thread.
+std::vector<BusyState*> gStates;  // the innermost last
+int gPauses = 0;
 
 }  // namespace
 
@@ -107,7 +111,8 @@ class BusyOverlay final : public QWidget {
 };
 
 BusyState::BusyState(QtPacer& pacer, QWidget& window, const QString& text) : mPacer(pacer), mWindow(&window) {
-  if (gStates++ == 0) mPacer.ClearStop();
+  if (gStates.empty()) mPacer.ClearStop();
+  gStates.push_back(this);
   QApplication::setOverrideCursor(Qt::BusyCursor);
   mOverlay = new BusyOverlay(window, text);
   mOverlay->hide();
@@ -118,7 +123,7 @@ BusyState::BusyState(QtPacer& pacer, QWidget& window, const QString& text) : mPa
 }
 
 BusyState::~BusyState() {
-  --gStates;
+  std::erase(gStates, this);
   if (mHasGate) mPacer.ExchangeGate(std::move(mGateBefore));
   delete mOverlay;
   if (mFocusBefore) mFocusBefore->setFocus();
@@ -130,12 +135,38 @@ void BusyState::SetText(const QString& text) {
 }
 
 void BusyState::ShowOverlay() {
+  mIsDue = true;
+  if (mIsPaused || mHasGate || !mOverlay) return;
   mFocusBefore = mWindow->focusWidget();
   mOverlay->show();
   mOverlay->raise();
   mOverlay->TakeFocus();
   mGateBefore = mPacer.ExchangeGate({mOverlay.data(), [this] { Cancel(); }});
   mHasGate = true;
+}
+
+void BusyState::Pause() {
+  mIsPaused = true;
+  if (!mHasGate) return;
+  mPacer.ExchangeGate(std::move(mGateBefore));
+  mHasGate = false;
+  if (mOverlay) mOverlay->hide();
+  if (mFocusBefore) mFocusBefore->setFocus();
+}
+
+void BusyState::Resume() {
+  mIsPaused = false;
+  if (mIsDue) ShowOverlay();
+}
+
+BusyPause::BusyPause() {
+  if (gPauses++ > 0) return;
+  for (BusyState* state : std::views::reverse(gStates)) state->Pause();
+}
+
+BusyPause::~BusyPause() {
+  if (--gPauses > 0) return;
+  for (BusyState* state : gStates) state->Resume();
 }
 
 void BusyState::Cancel() {

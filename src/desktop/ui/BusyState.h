@@ -23,6 +23,9 @@ class BusyState {
   void SetText(const QString& text);
 
  private:
+  friend class BusyPause;
+  void Pause();
+  void Resume();
   void ShowOverlay();
   void Cancel();
 
@@ -32,7 +35,19 @@ class BusyState {
   QPointer<QWidget> mFocusBefore;
   InputGate mGateBefore;
   bool mHasGate = false;
+  bool mIsPaused = false;
+  bool mIsDue = false;  // the veil is to be seen, or would be if there were no pause
   QTimer mDelay;
+};
+
+// While a box asks the user something in the middle of an operation: no window is busy, and what is typed goes to the
+// box. The veils come back when it goes.
+class BusyPause {
+ public:
+  BusyPause();
+  ~BusyPause();
+  BusyPause(const BusyPause&) = delete;
+  BusyPause& operator=(const BusyPause&) = delete;
 };
 
 }  // namespace kv

@@ -13,6 +13,7 @@
 #include <array>
 
 #include "base/ScopeGuard.h"
+#include "desktop/ui/BusyState.h"
 
 namespace kv {
 
@@ -56,8 +57,9 @@ QWidget* Owner() {
   return modal ? modal : QApplication::activeWindow();
 }
 
-// Runs a dialog with the ordinary pointer, whatever the operation behind it shows.
+// Runs a dialog with the ordinary pointer and no veil, whatever the operation behind it shows.
 int Run(QDialog& dialog) {
+  const BusyPause pause;
   const bool isBusy = QGuiApplication::overrideCursor() != nullptr;
   if (isBusy) QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
   const ScopeGuard restore([&] {
