@@ -30,7 +30,9 @@ std::expected<int, LinkError> Exchange::EnsureAccess(std::uint8_t unit) {
   if (auto met = MeetUnit(unit); !met) return std::unexpected(std::move(met.error()));
   const UnderWay underWay(*this);
   Begin(unit, 0, std::nullopt);
+  const bool isKnown = !mUnits[unit].password.empty();
   Outcome outcome = GiveAccess(unit);
+  if (!isKnown && mAccessRefusal == kWrongPasswordCode) mAccessRefusal = 0;  // nobody has given a wrong one
   if (outcome == Outcome::NotSupported) outcome = AskUntilGiven(unit);
   const bool isRefused = outcome == Outcome::NotSupported;
   Conclude(unit, isRefused ? Outcome::Done : outcome);

@@ -348,7 +348,7 @@ TEST_F(ClonerWindowTest, GivesThePasswordBeforeARestoreToAControllerThatWantsIt)
   Create();
   PlugIn({.password = "Secret"});
   Restore(0, {PromptAnswer::Yes}, {std::nullopt});
-  EXPECT_THAT(Information(), HasSubstr("Nothing was restored"));
+  EXPECT_THAT(Information(), HasSubstr("was not restored"));
   Restore(1, {PromptAnswer::Yes}, {"secret", std::nullopt});
   EXPECT_THAT(Information(), HasSubstr("the password is wrong"));
   EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");

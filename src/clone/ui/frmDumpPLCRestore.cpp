@@ -1,6 +1,7 @@
 #include <QCheckBox>
 #include <QLabel>
 
+#include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "clone/CloneInfo.h"
 #include "clone/ErasedSegments.h"
