@@ -66,7 +66,7 @@ TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
   EXPECT_EQ(bench.On("Q50", {"read", "MI", "7"}).out, "7\t0\n");
   EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "5", "--password", "1234"}).exit, 0);
 
-  bench.input.lines.emplace({"0000", "1234"});
+  bench.input.lines = std::deque<std::string>{"0000", "1234"};
   EXPECT_EQ(bench.On("Q50", {"write", "MI", "7", "6"}).exit, 0);
   EXPECT_EQ(bench.On("Q50", {"read", "MI", "7"}).out, "7\t6\n");
 }
