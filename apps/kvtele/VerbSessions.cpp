@@ -16,13 +16,18 @@ Failure SessionFailure(std::string doing, std::string happened, std::string cure
   return {ExitCode::Failed, "failed", std::move(doing), std::move(happened), {}, std::move(cure)};
 }
 
+// As the session window shows them.
 Outcome List(const SessionManager& sessions) {
   if (const std::string fault = sessions.ListFault(); !fault.empty()) {
     return std::unexpected(SessionFailure("listing the sessions", fault, {}));
   }
   Answer answer;
-  answer.document["sessions"] = sessions.List();
-  for (const std::string& name : sessions.List()) answer.text += name + "\n";
+  answer.document["sessions"] = nlohmann::json::array();
+  for (const std::string& name : sessions.List()) {
+    const SessionFacts facts = sessions.Describe(name);
+    answer.document["sessions"].push_back({{"name", name}, {"model", facts.model}, {"link", facts.link}});
+    answer.text += name + "\t" + facts.model + "\t" + facts.link + "\n";
+  }
   return answer;
 }
 
@@ -60,7 +65,7 @@ Outcome Delete(SessionManager& sessions, const NotedPrompts& prompts, const std:
 }  // namespace
 
 const char* VerbSessions::Examples() const {
-  return "  kvtele sessions list                           one name a line\n"
+  return "  kvtele sessions list                           name, model and link\n"
          "  kvtele sessions create Plant2                  a copy of session Default\n"
          "  kvtele --session Plant2 sessions create Plant3 a copy of Plant2\n"
          "  kvtele sessions delete Plant3\n";
@@ -85,6 +90,9 @@ Outcome VerbSessions::Run(Environment& environment, const CommonOptions& common)
   SessionManager sessions(shared, prompts);
   if (mAction == "create") return Create(sessions, common.session, mName);
   if (mAction == "delete") return Delete(sessions, prompts, mName);
+  const auto driver = environment.makeDriver({.link = {}, .sessionFolder = {}, .traceFile = {}});
+  if (!driver) return std::unexpected(driver.error());
+  shared.ComDriver = driver->get();  // describes links; none is opened
   return List(sessions);
 }
 

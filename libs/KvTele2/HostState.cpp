@@ -4,6 +4,7 @@
 
 #include "base/PathText.h"
 #include "models/ModelCatalogue.h"
+#include "models/ModelFit.h"
 
 namespace kv {
 
@@ -28,10 +29,9 @@ std::string ConnectionHeading(const HostState& state) {
 
 std::string MisfitText(const HostState& state) {
   if (!state.controller) return {};
-  const std::string found = ModelOfIdentification(state.controller->model);
+  const std::string found = OtherModelOf(state.controller->model, state.model);
+  if (found.empty()) return {};
   const std::string selected = ModelOfIdentification(state.model);
-  const bool isAlike = found == selected || (IsCompactModel(found) && IsCompactModel(selected));
-  if (isAlike || !IsOfferedModel(found)) return {};  // a boot loader's text is of no model
   return "The controller is of the model " + found + ", but the selected model is " +
          (selected.empty() ? "none" : selected) +
          ".\nLikely cause: another controller is connected, or another model was selected.\nWhat to do: go off line, "

@@ -167,7 +167,8 @@ void TelepanelHost::TakeFailure(const LinkError& error) {
     // A quiet question was stopped for a command; nothing is known about the controller.
     return mWait == HostView::Wait::Quiet ? mWatch.AskNow() : GoOffline("Off line: stopped on request", "");
   }
-  if (error.code == LinkErrorCode::Closed) return GoOffline("Off line: the settings of the link were changed", "");
+  if (error.code == LinkErrorCode::Closed)
+    return GoOffline("Off line: the link was closed, or its settings were changed", "");
   const std::string trouble = error.Text();
   if (error.code == LinkErrorCode::OtherController) {
     if (mWait == HostView::Wait::Quiet) mOtherAnswered = trouble;

@@ -54,13 +54,13 @@ void AllValues::Read() {
 
 // An older O/S has fewer operands: it is asked for those alone.
 std::optional<std::vector<Region>> AllValues::ReadableRegions(Channel& channel) {
-  const auto version = channel.GetVersionInfo(channel.UnitID());
-  if (!version) {
-    mDesk.SayLinkError(channel.LastError());
+  const std::string& model = mDesk.Model();
+  const auto osVersion = OsVersionOf(channel, model);
+  if (!osVersion) {
+    mDesk.SayLinkError(osVersion.error());
     return std::nullopt;
   }
-  const std::string& model = mDesk.Model();
-  const bool isCurrent = IsOsCurrent(model, version->osVersion);
+  const bool isCurrent = IsOsCurrent(model, *osVersion);
   std::vector<Region> regions;
   for (std::int32_t code = 1; code <= kOperandTypeCount; ++code) {
     const auto type = static_cast<OperandTypeCode>(code);

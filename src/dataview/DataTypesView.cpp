@@ -148,6 +148,22 @@ void DataTypesView::WatchAgain(bool isByItself) {
   Tell(true);
 }
 
+bool DataTypesView::IsOtherController() const {
+  const auto& loss = mDesk.status.loss;
+  return loss && loss->error.code == LinkErrorCode::OtherController;
+}
+
+void DataTypesView::TakeOtherController() {
+  if (!IsOtherController() || IsOnline() || IsBusy()) return;
+  if (CommDriver* driver = mDesk.parts.shared.ComDriver) driver->CloseDriver();
+  const bool wasWatching = mDesk.status.loss->wasWatching;
+  mDesk.status.loss.reset();
+  mDesk.NoteSuccess();
+  mDesk.Say("The link was closed: the next command connects to the controller that answers now.");
+  if (wasWatching) WatchAgain(false);
+  Tell(true);
+}
+
 void DataTypesView::Refuse(std::string why) {
   mDesk.Say(std::move(why));
   Tell(false);

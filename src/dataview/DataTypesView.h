@@ -70,6 +70,10 @@ class DataTypesView {
   // After a loss that ended watching: "ID_OnLine" again; `isByItself` for a try that the user has not asked for, which
   // is with the controller that was watched and no other one.
   void WatchAgain(bool isByItself);
+  // Whether another controller answers than before. The link is of no use then until the user, who has been told which
+  // one it is, takes that one: the link is closed, and the next command connects anew.
+  [[nodiscard]] bool IsOtherController() const;
+  void TakeOtherController();
   void SetWatchesAgain(bool byItself) { mOnline.SetGoesOn(byItself); }
   [[nodiscard]] bool WatchesAgain() const { return mOnline.GoesOn(); }
   [[nodiscard]] std::string WhyNotByItself() const { return mOnline.WhyNotGoOn(); }

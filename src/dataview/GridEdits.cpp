@@ -48,8 +48,9 @@ std::string GridEdits::EntryFault(OperandTypeCode type, std::int32_t address, st
 
 void GridEdits::Enter(OperandTypeCode type, std::int32_t address, std::string_view text) {
   const CellText before = mDesk.state.operands.Shown(type, address);
-  if (before.text == text) return;
-  mDesk.state.operands.Edit(type, address, text);
+  const std::string entry = EntryText(type, mDesk.Model(), text);
+  if (before.text == entry) return;
+  mDesk.state.operands.Edit(type, address, entry);
   FinishCells(
       {.title = "typing " + NameOf(type, address),
        .cells = {

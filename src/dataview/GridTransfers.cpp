@@ -1,6 +1,7 @@
 #include "dataview/GridTransfers.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <utility>
 
@@ -13,14 +14,33 @@
 #include "editors/clsHexSelector.h"
 
 namespace kv::mdlDataTypesView {
-namespace {
 
-constexpr const char* kRegionFilter = "*.axt|*.axt";
-constexpr const char* kCsvFilter = "*.csv|*.csv";
-constexpr const char* kSheetFilter = "*.xls|*.xls";
+// A kind of file, with the word under which the folder used last for it is kept.
+struct GridTransfers::FileKind {
+  const char* filter;
+  const char* purpose;
+  const char* extension;  // of the suggested name; none: regions are named by what they are for
+
+  static const FileKind kRegions;
+  static const FileKind kCsv;
+  static const FileKind kSheet;
+};
+constexpr GridTransfers::FileKind GridTransfers::FileKind::kRegions{"*.axt|*.axt", "Regions", nullptr};
+constexpr GridTransfers::FileKind GridTransfers::FileKind::kCsv{"*.csv|*.csv", "Values", ".csv"};
+constexpr GridTransfers::FileKind GridTransfers::FileKind::kSheet{"*.xls|*.xls", "Values", ".xls"};
+
+namespace {
 
 std::string NameOf(const std::filesystem::path& file) {
   return Utf8FromPath(file.filename());
+}
+
+// "2026-11-21"
+std::string DateText(std::chrono::local_seconds time) {
+  const std::chrono::year_month_day date(std::chrono::floor<std::chrono::days>(time));
+  const auto twoDigits = [](unsigned number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+  return std::to_string(static_cast<int>(date.year())) + "-" + twoDigits(static_cast<unsigned>(date.month())) + "-" +
+         twoDigits(static_cast<unsigned>(date.day()));
 }
 
 std::optional<std::filesystem::path> PathOf(const std::optional<std::string>& chosen) {
@@ -32,7 +52,7 @@ std::optional<std::filesystem::path> PathOf(const std::optional<std::string>& ch
 // ---- region files ----
 
 void GridTransfers::SaveRegions() {
-  const auto file = AskSave("Save Regions", kRegionFilter);
+  const auto file = AskSave("Save Regions", FileKind::kRegions);
   if (!file) return;
   const auto saved = SaveRegionFile(*file, mDesk.state.regions.Rows(), mDesk.Model());
   if (!saved) {
@@ -45,7 +65,7 @@ void GridTransfers::SaveRegions() {
 
 void GridTransfers::LoadRegions() {
   if (!mDesk.AskYesNo(kValuesWillBeDeletedQuestion)) return;
-  const auto file = AskOpen("Load Regions", kRegionFilter);
+  const auto file = AskOpen("Load Regions", FileKind::kRegions);
   if (!file) return;
   auto rows = LoadRegionFile(*file, mDesk.Model());
   if (rows) {
@@ -61,26 +81,26 @@ void GridTransfers::LoadRegions() {
 // ---- exports and imports ----
 
 void GridTransfers::ExportSheet() {
-  const auto file = AskSave("Export All values to Excel", kSheetFilter);
+  const auto file = AskSave("Export All values to Excel", FileKind::kSheet);
   if (file) FinishExport(ExportSpreadsheet(mDesk.parts.shared.paths, *file, mDesk.state.operands), *file);
 }
 
 void GridTransfers::ImportSheet() {
-  const auto file = AskOpen("Import All values from Excel", kSheetFilter);
+  const auto file = AskOpen("Import All values from Excel", FileKind::kSheet);
   if (file) FinishImport(ImportSpreadsheet(*file, mDesk.state.operands));
 }
 
 void GridTransfers::ExportToCsv() {
   const auto separator = AskSeparator();
   if (!separator) return;
-  const auto file = AskSave("Export to CSV", kCsvFilter);
+  const auto file = AskSave("Export to CSV", FileKind::kCsv);
   if (file) FinishExport(ExportCsv(*file, mDesk.state.operands, *separator), *file);
 }
 
 void GridTransfers::ImportFromCsv() {
   const auto separator = AskSeparator();
   if (!separator) return;
-  const auto file = AskOpen("Import from CSV", kCsvFilter);
+  const auto file = AskOpen("Import from CSV", FileKind::kCsv);
   if (file) FinishImport(ImportCsv(*file, mDesk.state.operands, *separator));
 }
 
@@ -136,12 +156,28 @@ void GridTransfers::Paste(const GridSelection& selection) {
 
 // ---- asking and telling ----
 
-std::optional<std::filesystem::path> GridTransfers::AskSave(const std::string& title, const std::string& filter) {
-  return PathOf(mDesk.parts.prompts.SaveFile({.title = title, .filter = filter}));
+std::optional<std::filesystem::path> GridTransfers::AskSave(const std::string& title, const FileKind& kind) {
+  return PathOf(mDesk.parts.prompts.SaveFile(
+      {.title = title, .filter = kind.filter, .purpose = kind.purpose, .initial = SuggestedName(kind)}));
 }
 
-std::optional<std::filesystem::path> GridTransfers::AskOpen(const std::string& title, const std::string& filter) {
-  return PathOf(mDesk.parts.prompts.OpenFile({.title = title, .filter = filter}));
+std::optional<std::filesystem::path> GridTransfers::AskOpen(const std::string& title, const FileKind& kind) {
+  return PathOf(mDesk.parts.prompts.OpenFile({.title = title, .filter = kind.filter, .purpose = kind.purpose}));
+}
+
+// Says whose values they are, and of which day: "Default-K220-22-R1-2026-11-21.csv".
+std::string GridTransfers::SuggestedName(const FileKind& kind) const {
+  if (kind.extension == nullptr) return {};
+  std::string name = mDesk.parts.shared.CurrentSession + "-";
+  for (const char each : mDesk.Model()) {
+    const bool isPlain = (each >= '0' && each <= '9') || (each >= 'A' && each <= 'Z') || (each >= 'a' && each <= 'z');
+    if (isPlain) {
+      name += each;
+    } else if (!name.ends_with('-')) {
+      name += '-';
+    }
+  }
+  return name + "-" + DateText(mDesk.parts.clock.LocalTime()) + kind.extension;
 }
 
 std::optional<char> GridTransfers::AskSeparator() {

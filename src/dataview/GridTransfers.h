@@ -37,10 +37,12 @@ class GridTransfers {
   void Paste(const GridSelection& selection);
 
  private:
+  struct FileKind;
   using Imported = std::expected<ImportedCells, TransferFault>;
 
-  [[nodiscard]] std::optional<std::filesystem::path> AskSave(const std::string& title, const std::string& filter);
-  [[nodiscard]] std::optional<std::filesystem::path> AskOpen(const std::string& title, const std::string& filter);
+  [[nodiscard]] std::optional<std::filesystem::path> AskSave(const std::string& title, const FileKind& kind);
+  [[nodiscard]] std::optional<std::filesystem::path> AskOpen(const std::string& title, const FileKind& kind);
+  [[nodiscard]] std::string SuggestedName(const FileKind& kind) const;
   [[nodiscard]] std::optional<char> AskSeparator();
   void FinishExport(const std::expected<void, TransferFault>& exported, const std::filesystem::path& file);
   void FinishImport(const Imported& imported);

@@ -31,7 +31,7 @@ LinkError AnotherController(std::uint32_t serialNumber, std::uint32_t watched) {
           .happened = "another controller answers: its serial number is " + std::to_string(serialNumber) +
                       ", that of the watched one " + std::to_string(watched),
           .cause = "the cable leads to another controller, or the controller was replaced",
-          .cure = "check the link; Go on line again watches the controller that answers"};
+          .cure = "connect the right controller, or go on line with this one"};
 }
 
 }  // namespace

@@ -1,16 +1,29 @@
 #include "dataview/OsSupport.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "base/AnsiText.h"
 #include "dataview/OperandCatalogue.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
+#include "models/ModelFit.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
 
 constexpr std::int64_t kFirstCurrentColourOs = 1001;  // 1.1
 constexpr int kFirstCurrentPlainOs = 300;             // 3.00
+
+LinkError OtherModel(const std::string& found, std::string_view model) {
+  return {.code = LinkErrorCode::NotSupported,
+          .doing = "identifying the controller",
+          .happened = "it is of the model " + found + ", but these grids are those of " + std::string(model) +
+                      "; nothing was read or written",
+          .cause = "another controller is connected, or another model was selected",
+          .cure = "connect the right controller, or close the view, select " + found +
+                  " in the list of models of the main window and open the view again"};
+}
 
 }  // namespace
 
@@ -28,11 +41,19 @@ bool AreRegionsSupported(std::string_view model, std::string_view osVersion, std
          });
 }
 
+std::expected<std::string, LinkError> OsVersionOf(Channel& channel, std::string_view model) {
+  auto version = channel.GetVersionInfo(channel.UnitID());
+  if (!version) return std::unexpected(channel.LastError());
+  const std::string other = OtherModelOf(AnsiToUtf8(version->model), model);
+  if (!other.empty()) return std::unexpected(OtherModel(other, model));
+  return std::move(version->osVersion);
+}
+
 std::expected<bool, LinkError> CheckOsSupport(Channel& channel, std::string_view model, std::span<const Region> regions,
                                               Prompts& prompts, const std::string& title) {
-  const auto version = channel.GetVersionInfo(channel.UnitID());
-  if (!version) return std::unexpected(channel.LastError());
-  if (AreRegionsSupported(model, version->osVersion, regions)) return true;
+  const auto osVersion = OsVersionOf(channel, model);
+  if (!osVersion) return std::unexpected(osVersion.error());
+  if (AreRegionsSupported(model, *osVersion, regions)) return true;
   prompts.Show({.text = std::string(kRegionsNotSupportedMessage), .title = title, .icon = PromptIcon::Exclamation});
   return false;
 }

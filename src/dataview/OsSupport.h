@@ -25,8 +25,12 @@ inline constexpr std::string_view kRegionsNotSupportedMessage =
 [[nodiscard]] bool AreRegionsSupported(std::string_view model, std::string_view osVersion,
                                        std::span<const Region> regions);
 
+// The O/S version of the controller that answers, which must be of the model: another one has other operands behind the
+// same addresses, and is another machine.
+[[nodiscard]] std::expected<std::string, LinkError> OsVersionOf(Channel& channel, std::string_view model);
+
 // Asks the controller for its version and judges. False: the message has been shown under `title`, and the operation
-// must not go on. An error: the controller did not tell its version; nothing has been shown.
+// must not go on. An error: the controller did not tell its version, or is of another model; nothing has been shown.
 [[nodiscard]] std::expected<bool, LinkError> CheckOsSupport(Channel& channel, std::string_view model,
                                                             std::span<const Region> regions, Prompts& prompts,
                                                             const std::string& title);

@@ -12,6 +12,11 @@ namespace kv::mdlDataTypesView {
 namespace {
 
 constexpr std::int64_t kLargestCounter = 65535;
+constexpr std::int64_t kMillisecondsPerHundredth = 10;
+
+bool IsWrittenAsTime(OperandTypeCode type) {
+  return type == OperandTypeCode::TimerPreset || type == OperandTypeCode::TimerCurrent;
+}
 
 bool IsLegalTime(std::string_view model, std::string_view text) {
   if (IsCompactDriverModel(model)) return ParseCompactTimerText(text).has_value();
@@ -66,13 +71,22 @@ bool IsLegalEntry(OperandTypeCode type, std::string_view model, std::string_view
   }
 }
 
+std::string EntryText(OperandTypeCode type, std::string_view model, std::string_view text) {
+  if (!IsWrittenAsTime(type)) return std::string(text);
+  if (IsCompactDriverModel(model)) {
+    const auto time = ParseCompactTimerText(text);
+    return time ? std::to_string(std::int64_t{*time} * kMillisecondsPerHundredth) : std::string(text);
+  }
+  const auto time = ParseTimerText(text);
+  return time ? TimerText(*time) : std::string(text);
+}
+
 bool IsLegalTransfer(OperandTypeCode type, std::string_view model, std::string_view text) {
   return IsLegalEntry(type, model, text) || (type == OperandTypeCode::MF && IsNoNumber(text));
 }
 
 std::string DaysFault(OperandTypeCode type, std::string_view model, std::string_view text) {
-  const bool isTime = type == OperandTypeCode::TimerPreset || type == OperandTypeCode::TimerCurrent;
-  const auto number = isTime && !IsCompactDriverModel(model) ? ParseSingle(text) : std::nullopt;
+  const auto number = IsWrittenAsTime(type) && !IsCompactDriverModel(model) ? ParseSingle(text) : std::nullopt;
   if (!number || *number == 0.0F) return {};
   return "\"" + std::string(text) +
          "\" may be a number of days, which office programs make of times; a time as a text was expected, such as "

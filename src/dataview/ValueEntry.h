@@ -16,6 +16,10 @@ namespace kv::mdlDataTypesView {
 // False for a type that cannot be written.
 [[nodiscard]] bool IsLegalEntry(OperandTypeCode type, std::string_view model, std::string_view text);
 
+// How an entry that is legal stands in the grid: a time in full, so that its user sees which of its numbers were taken
+// for hours; all others as they were typed.
+[[nodiscard]] std::string EntryText(OperandTypeCode type, std::string_view model, std::string_view text);
+
 // Whether a grid that was exported or copied may have had the text there: beside the entries, what a controller tells
 // and takes from nobody.
 [[nodiscard]] bool IsLegalTransfer(OperandTypeCode type, std::string_view model, std::string_view text);

@@ -89,9 +89,18 @@ void ViewDesk::SayError(std::string message) {
 void ViewDesk::SayLinkError(const LinkError& error, const std::string& whatElse) {
   const LinkLoss loss{.error = error, .consequence = whatElse};
   SayError(loss.Text());
-  if (!IsLoss(error.code)) return;
+  if (!IsLoss(error.code)) {
+    if (error.code != LinkErrorCode::Stopped) status.refusal = loss.Text();
+    return;
+  }
+  status.refusal.clear();
   status.loss = loss;
   state.operands.NoteLoss(Now());
+}
+
+void ViewDesk::NoteSuccess() {
+  status.lastError.reset();
+  status.refusal.clear();
 }
 
 void ViewDesk::SayInPassing(std::string message) {

@@ -60,7 +60,7 @@ class ViewDesk {
   // The user does something else: what stood there need not be read any longer.
   void EndReading() { mReadUntil = Instant::min(); }
   // Something that was asked for has been done.
-  void NoteSuccess() { status.lastError.reset(); }
+  void NoteSuccess();
   // How often the status line was set.
   [[nodiscard]] std::uint64_t SaidCount() const { return mSaidCount; }
 

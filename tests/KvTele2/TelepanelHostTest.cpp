@@ -221,7 +221,7 @@ TEST_F(TelepanelHostTest, WhatEndsBeingOnLine) {
          channel->error.code = LinkErrorCode::Closed;
          Pass(std::chrono::seconds(2));
        },
-       "the settings of the link were changed"},
+       "the link was closed, or its settings were changed"},
       {"the controller gets another project",
        [this] {
          host.OpenPagesFile(PutPages("a.kta", {"Bakery", "K220-22-R1"}));

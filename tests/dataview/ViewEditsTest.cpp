@@ -45,7 +45,17 @@ TEST(Edit, RefusesWhatCannotBeWrittenAndSaysWhatCan) {
       EXPECT_EQ(bench.view.Operands().EditedCount(), edited);
     }
   }
-  EXPECT_EQ(DataViewBench("Q50").view.EditFault(TimerPreset, 0, "1500"), "");
+  const std::tuple<const char*, const char*, const char*> times[] = {{"K220-22-R1", "1", "01:00:00.00"},
+                                                                     {"K220-22-R1", "00:90", "01:30:00.00"},
+                                                                     {"K220-22-R1", "", ""},
+                                                                     {"Q50", "1500", "1500"},
+                                                                     {"Q50", "00:00:01.5", "1050"},
+                                                                     {"Q50", "0010", "10"}};
+  for (const auto& [model, typed, shown] : times) {
+    DataViewBench timed(model);
+    EXPECT_TRUE(timed.view.Edit(TimerPreset, 0, typed));
+    EXPECT_EQ(timed.view.Operands().Text(TimerPreset, 0), shown) << typed << " says what will be written";
+  }
   EXPECT_THAT(DataViewBench("Q50").view.EditFault(TimerPreset, 0, "1505"), HasSubstr("multiple of 10"));
 }
 
@@ -266,8 +276,16 @@ TEST(ViewFiles, TheSeparatorIsAskedForBeforeTheFile) {
     EXPECT_THAT(bench.Run(tool, {kOk}), ElementsAre(HasSubstr("The line feed (0A) ends a line")));
   }
   bench.separator = [](const std::string& offered) { return offered; };
-  bench.prompts.Choose(std::nullopt);
-  EXPECT_THAT(bench.Run("ID_ImportFromCSV"), ElementsAre("OpenFile *.csv|*.csv"));
+  for (const char* tool : {"ID_ImportFromCSV", "ID_ExportToCSV", "ID_Export", "ID_SaveRegions"}) {
+    bench.prompts.Choose(std::nullopt);
+    bench.Run(tool);
+  }
+  EXPECT_EQ(bench.prompts.OpenDialogs().back(),
+            FileDialog({.title = "Import from CSV", .filter = "*.csv|*.csv", .purpose = "Values"}));
+  const auto& saves = bench.prompts.SaveDialogs();
+  EXPECT_THAT(saves[0].initial, testing::MatchesRegex("Default-K220-22-R1-[0-9]+-[0-9][0-9]-[0-9][0-9]\\.csv"));
+  EXPECT_THAT(saves[1].initial, testing::EndsWith(".xls"));
+  EXPECT_EQ(saves[2], FileDialog({.title = "Save Regions", .filter = "*.axt|*.axt", .purpose = "Regions"}));
 }
 
 // ---- all values ----

@@ -102,6 +102,30 @@ TEST(ReadRegions, StopAndRefusal) {
   EXPECT_THAT(bench.view.WhyNot("ID_ReadRegions"), HasSubstr("Q50"));
 }
 
+TEST(ReadRegions, NothingPassesToOrFromAnotherModel) {
+  const std::tuple<const char*, const char*, bool> rows[] = {
+      {"K220-22-R1", "K220-22-R1", true}, {"K220-22-R1", "K450-45", false}, {"K220-22-R1", "Q50-2-R34", false},
+      {"AurexQ50", "Q50-2-R34", true},    {"Q50", "K220-22-R1", false},     {"K220-22-R1", "BOOT", true}};
+  for (const auto& [selected, reported, passes] : rows) {
+    SCOPED_TRACE(std::string(selected) + " " + reported);
+    DataViewBench bench(selected);
+    bench.Add(MI, 0, 1);
+    bench.view.Edit(MI, 0, "1");
+    bench.view.Edit(MI, 1, "1");
+    bench.channel->version->model = reported;
+    bench.pacer.OnDoEvents([&] { bench.view.Run("ID_OnLine"); });
+    for (const char* tool : {"ID_WriteRegions", "ID_WriteAll", "ID_ReadRegions", "ID_ReadAll", "ID_OnLine"}) {
+      const bool asks = std::string_view(tool) == "ID_WriteAll";
+      const CallLog log = asks ? bench.Run(tool, {PromptAnswer::Yes}) : bench.Run(tool);
+      const bool hasPassed = std::ranges::any_of(
+          log, [](const std::string& call) { return call.starts_with("Read") || call.starts_with("WriteMI"); });
+      EXPECT_EQ(hasPassed, passes) << tool;
+      EXPECT_EQ(bench.view.Status().refusal.empty(), passes) << "it can be read whole";
+    }
+    EXPECT_EQ(bench.view.Status().refusal.contains("these grids are those of"), !passes);
+  }
+}
+
 TEST(ReadRegions, OfAFileAreNoLongerTheFilesWhenTheyAreEqual) {
   DataViewBench bench;
   bench.home.Put("a.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t1\t\t16 BIT\tDECIMAL\t     0      1\t\r\n\r\n");
@@ -310,7 +334,10 @@ TEST(OnLine, GoesOnByItselfWithTheSameControllerOnly) {
     bench.view.Run("ID_OnLine");
   });
   bench.pacer.Sleep(std::chrono::seconds(1));
-  bench.view.WatchAgain(false);  // the user has seen what stands there
+  bench.Taken();
+  bench.view.TakeOtherController();  // the user has seen what stands there
+  EXPECT_THAT(bench.Taken(), testing::Contains("Driver CloseDriver")) << "the link would refuse it for good";
+  EXPECT_FALSE(bench.view.IsOtherController());
   EXPECT_THAT(said, HasSubstr("another controller than before: its serial number is 1002, not 1001"));
 }
 

@@ -78,7 +78,10 @@ TEST(Sessions, AreListedCopiedAndDeleted) {
   bench.home.Put("Sessions/Default/KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=Q50\r\n");
   EXPECT_EQ(sessions({"create", "Plant"}).exit, 0);
   EXPECT_EQ(sessions({"create", "Copy", "--session", "Plant"}).exit, 0);
-  EXPECT_EQ(sessions({"list"}).out, "Copy\nDefault\nPlant\n");
+  bench.home.Put("Sessions/Plant/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=10.0.0.7\r\nTcpPort=20301\r\n");
+  EXPECT_EQ(sessions({"list"}).out,
+            "Copy\tQ50\tSimulated Q50\nDefault\tQ50\tSimulated Q50\nPlant\tQ50\t10.0.0.7:20301, unit 1\n");
+  EXPECT_THAT(sessions({"--json", "list"}).out, HasSubstr(R"("link": "10.0.0.7:20301, unit 1")"));
   const auto copy = bench.home.Path() / "Sessions" / "Copy";
   EXPECT_EQ(TemporaryFolder::Content(copy / "KvTeleExe.ini"), "[KvTeleExe]\r\nLastModel=Q50\r\n");
 
@@ -88,7 +91,7 @@ TEST(Sessions, AreListedCopiedAndDeleted) {
   EXPECT_EQ(inUse.exit, 1);
   EXPECT_THAT(inUse.err, HasSubstr("in use"));
   EXPECT_EQ(sessions({"delete", "Plant"}).exit, 0);
-  EXPECT_EQ(sessions({"list"}).out, "Copy\nDefault\n");
+  EXPECT_THAT(sessions({"list"}).out, testing::Not(HasSubstr("Plant")));
 }
 
 TEST(Sessions, SayWhatTheyCannotDo) {

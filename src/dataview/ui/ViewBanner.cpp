@@ -37,15 +37,14 @@ ViewBanner::ViewBanner(DataTypesView& view, QWidget* parent)
       mView(view),
       mDifference(Text("lblDifference", "What differs from the main window", this)),
       mLoss(Text("lblLoss", "Why the controller is out of reach", this)),
-      mWatchAgain(new QPushButton(IconOf(Picture::Online), "&Go on line again", this)),
+      mGoOn(new QPushButton(IconOf(Picture::Online), "&Go on line again", this)),
       mByItself(new QCheckBox(this)) {
   setObjectName("bnrController");
   setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
-  mWatchAgain->setObjectName("cmdWatchAgain");
-  mWatchAgain->setAutoDefault(false);
-  Describe(*mWatchAgain, "Opens the link, identifies the controller and watches the regions again", "Alt+G");
+  mGoOn->setObjectName("cmdWatchAgain");
+  mGoOn->setAutoDefault(false);
   mByItself->setObjectName("chkWatchAgain");
-  connect(mWatchAgain, &QPushButton::clicked, this, [this] { onWatchAgain(); });
+  connect(mGoOn, &QPushButton::clicked, this, [this] { onGoOn(); });
   connect(mByItself, &QCheckBox::clicked, this, [this](bool isSet) { mView.SetWatchesAgain(isSet); });
 
   auto* icon = new QLabel(this);
@@ -54,7 +53,7 @@ ViewBanner::ViewBanner(DataTypesView& view, QWidget* parent)
   texts->addWidget(mDifference);
   texts->addWidget(mLoss);
   auto* ways = new QHBoxLayout;
-  ways->addWidget(mWatchAgain);
+  ways->addWidget(mGoOn);
   ways->addWidget(mByItself);
   ways->addStretch();
   texts->addLayout(ways);
@@ -71,15 +70,29 @@ void ViewBanner::Follow() {
 }
 
 void ViewBanner::ShowLoss() {
-  const auto& loss = mView.Status().loss;
-  SetText(*mLoss, loss ? QString::fromStdString(loss->Text()) : QString());
-  const bool canGoOn = loss && loss->wasWatching;
-  mWatchAgain->setVisible(canGoOn);
-  mByItself->setVisible(canGoOn);
-  if (!canGoOn) return;
-  Allow(*mWatchAgain, QString::fromStdString(mView.WhyNot("ID_OnLine")));
-  mByItself->setText(loss->serialNumber ? QString("&By itself, with serial number %1 only").arg(*loss->serialNumber)
-                                        : QString("&By itself"));
+  const ViewStatus& status = mView.Status();
+  const std::string lost = status.loss ? status.loss->Text() : std::string();
+  SetText(*mLoss, QString::fromStdString(status.refusal.empty() ? lost : status.refusal));
+  const bool wasWatching = status.loss && status.loss->wasWatching;
+  mGoOn->setVisible(wasWatching || mView.IsOtherController());
+  mByItself->setVisible(wasWatching);
+  if (!mGoOn->isHidden()) ShowGoOn();
+  if (wasWatching) ShowByItself(*status.loss);
+}
+
+void ViewBanner::ShowGoOn() {
+  const bool isOther = mView.IsOtherController();
+  mGoOn->setText(isOther ? "&Go on line with this one" : "&Go on line again");
+  Describe(*mGoOn,
+           isOther ? "Closes the link and opens it anew, to the controller that answers now"
+                   : "Opens the link, identifies the controller and watches the regions again",
+           "Alt+G");
+  Allow(*mGoOn, QString::fromStdString(mView.WhyNot(isOther ? "ID_ReadAll" : "ID_OnLine")));
+}
+
+void ViewBanner::ShowByItself(const LinkLoss& loss) {
+  mByItself->setText(loss.serialNumber ? QString("&By itself, with serial number %1 only").arg(*loss.serialNumber)
+                                       : QString("&By itself"));
   Describe(*mByItself, "Tries again with growing pauses until that controller answers; another one is not watched",
            "Alt+B");
   Allow(*mByItself, QString::fromStdString(mView.WhyNotByItself()));

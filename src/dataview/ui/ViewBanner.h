@@ -10,6 +10,7 @@ class QPushButton;
 namespace kv::mdlDataTypesView {
 
 class DataTypesView;
+struct LinkLoss;
 
 // What the user has to know of the controller before he trusts the values, above both grids: that it is out of reach,
 // why and what to do, with the way to go on; and that the host has another model or link by now. Hidden where there is
@@ -19,19 +20,21 @@ class ViewBanner final : public QFrame {
   // `view` outlives the banner.
   ViewBanner(DataTypesView& view, QWidget* parent);
 
-  // The user wants to go on.
-  std::function<void()> onWatchAgain;
+  // The user wants to go on, with whatever controller answers when another one does.
+  std::function<void()> onGoOn;
 
   // Shows what the view holds now.
   void Follow();
 
  private:
   void ShowLoss();
+  void ShowGoOn();
+  void ShowByItself(const LinkLoss& loss);
 
   DataTypesView& mView;
   QLabel* mDifference;
   QLabel* mLoss;
-  QPushButton* mWatchAgain;
+  QPushButton* mGoOn;
   QCheckBox* mByItself;
 };
 

@@ -88,7 +88,7 @@ void frmDataTypesView::BuildTools() {
   connect(&mTools->GoToLine(), &QLineEdit::returnPressed, this, [this] { GoToPlace(); });
   mStatus = new ViewStatusBar(this);
   mBanner = new ViewBanner(mView, this);
-  mBanner->onWatchAgain = [this] { WatchAgain(false); };
+  mBanner->onGoOn = [this] { mView.IsOtherController() ? TakeOtherController() : WatchAgain(false); };
 }
 
 void frmDataTypesView::BuildTimers() {
@@ -242,6 +242,14 @@ void frmDataTypesView::WatchAgain(bool isByItself) {
   if (!TakeTyped()) return;
   mRunning = isByItself ? "Looking for the controller" : "Going on line again";
   mView.WatchAgain(isByItself);
+  mPacer.ClearStop();
+  ShowTools();
+}
+
+void frmDataTypesView::TakeOtherController() {
+  if (!TakeTyped()) return;
+  mRunning = "Going on line with the other controller";
+  mView.TakeOtherController();
   mPacer.ClearStop();
   ShowTools();
 }

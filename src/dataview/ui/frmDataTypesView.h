@@ -47,6 +47,7 @@ class frmDataTypesView final : public QDialog, private mdlDataTypesView::GridLis
   // What is typed into either grid; false when it is refused.
   bool TakeTyped();
   void WatchAgain(bool isByItself);
+  void TakeOtherController();
   // After a loss, where the user wants it.
   void TryToWatchAgain();
   void OnRegionsSelected();
