@@ -337,6 +337,9 @@ TEST_F(DataTypesWindowTest, ALossIsToldWholeAndWatchingGoesOnByItself) {
   EXPECT_THAT(Label("lblLoss"), AllOf(HasSubstr("no reply"), HasSubstr("Likely cause: "), HasSubstr("What to do: ")));
   EXPECT_THAT(Cell(MI, 0).data(Qt::AccessibleTextRole).toString().toStdString(), HasSubstr("connection was lost"));
   EXPECT_TRUE(Find<QPushButton>(*window, "cmdWatchAgain").isEnabled());
+  const int whole = banner.height();
+  Find<QPushButton>(*window, "cmdFold").click();
+  EXPECT_TRUE(WaitUntil([&] { return banner.height() <= whole - 3 * banner.fontMetrics().lineSpacing(); }));
   auto& byItself = Find<QCheckBox>(*window, "chkWatchAgain");
   EXPECT_TRUE(byItself.isEnabled());
 

@@ -6,6 +6,7 @@
 #include <QPushButton>
 
 #include "dataview/DataTypesView.h"
+#include "dataview/ui/ScrolledText.h"
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
 
@@ -14,20 +15,14 @@ namespace {
 
 constexpr int kIconSize = 24;
 
-QLabel* Text(const char* name, const char* what, QWidget* parent) {
-  auto* label = new QLabel(parent);
+ScrolledText* Text(const char* name, const char* what, QWidget* parent) {
+  auto* label = new QLabel;
   label->setObjectName(name);
   label->setAccessibleName(what);
   label->setTextFormat(Qt::PlainText);
   label->setWordWrap(true);
   label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  label->hide();
-  return label;
-}
-
-void SetText(QLabel& label, const QString& text) {
-  if (label.text() != text) label.setText(text);
-  label.setVisible(!text.isEmpty());
+  return new ScrolledText(label, parent);
 }
 
 }  // namespace
@@ -38,13 +33,18 @@ ViewBanner::ViewBanner(DataTypesView& view, QWidget* parent)
       mDifference(Text("lblDifference", "What differs from the main window", this)),
       mLoss(Text("lblLoss", "Why the controller is out of reach", this)),
       mGoOn(new QPushButton(IconOf(Picture::Online), "&Go on line again", this)),
-      mByItself(new QCheckBox(this)) {
+      mByItself(new QCheckBox(this)),
+      mFold(new QPushButton(this)) {
   setObjectName("bnrController");
   setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
   mGoOn->setObjectName("cmdWatchAgain");
   mGoOn->setAutoDefault(false);
   mByItself->setObjectName("chkWatchAgain");
   connect(mGoOn, &QPushButton::clicked, this, [this] { onGoOn(); });
+  mFold->setObjectName("cmdFold");
+  mFold->setAutoDefault(false);
+  connect(mFold, &QPushButton::clicked, this, [this] { Fold(!mIsFolded); });
+  Fold(false);
   connect(mByItself, &QCheckBox::clicked, this, [this](bool isSet) { mView.SetWatchesAgain(isSet); });
 
   auto* icon = new QLabel(this);
@@ -56,6 +56,7 @@ ViewBanner::ViewBanner(DataTypesView& view, QWidget* parent)
   ways->addWidget(mGoOn);
   ways->addWidget(mByItself);
   ways->addStretch();
+  ways->addWidget(mFold);
   texts->addLayout(ways);
   auto* line = new QHBoxLayout(this);
   line->addWidget(icon, 0, Qt::AlignTop);
@@ -63,21 +64,31 @@ ViewBanner::ViewBanner(DataTypesView& view, QWidget* parent)
   hide();
 }
 
+void ViewBanner::Fold(bool isFolded) {
+  mIsFolded = isFolded;
+  mDifference->Fold(isFolded);
+  mLoss->Fold(isFolded);
+  mFold->setText(isFolded ? "Sho&w more" : "Sho&w less");
+  Describe(*mFold, isFolded ? "Shows the whole text" : "Shows the first line only, and leaves the grids their room",
+           "Alt+W");
+}
+
 void ViewBanner::Follow() {
-  SetText(*mDifference, QString::fromStdString(mView.HostDifference()));
-  ShowLoss();
+  const bool isOther = mDifference->SetText(QString::fromStdString(mView.HostDifference()));
+  if (ShowLoss() || isOther) Fold(false);
   setVisible(!mDifference->isHidden() || !mLoss->isHidden());
 }
 
-void ViewBanner::ShowLoss() {
+bool ViewBanner::ShowLoss() {
   const ViewStatus& status = mView.Status();
   const std::string lost = status.loss ? status.loss->Text() : std::string();
-  SetText(*mLoss, QString::fromStdString(status.refusal.empty() ? lost : status.refusal));
+  const bool isOther = mLoss->SetText(QString::fromStdString(status.refusal.empty() ? lost : status.refusal));
   const bool wasWatching = status.loss && status.loss->wasWatching;
   mGoOn->setVisible(wasWatching || mView.IsOtherController());
   mByItself->setVisible(wasWatching);
   if (!mGoOn->isHidden()) ShowGoOn();
   if (wasWatching) ShowByItself(*status.loss);
+  return isOther;
 }
 
 void ViewBanner::ShowGoOn() {

@@ -4,12 +4,12 @@
 #include <functional>
 
 class QCheckBox;
-class QLabel;
 class QPushButton;
 
 namespace kv::mdlDataTypesView {
 
 class DataTypesView;
+class ScrolledText;
 struct LinkLoss;
 
 // What the user has to know of the controller before he trusts the values, above both grids: that it is out of reach,
@@ -27,15 +27,19 @@ class ViewBanner final : public QFrame {
   void Follow();
 
  private:
-  void ShowLoss();
+  // True when it is another text than before.
+  bool ShowLoss();
+  void Fold(bool isFolded);
   void ShowGoOn();
   void ShowByItself(const LinkLoss& loss);
 
   DataTypesView& mView;
-  QLabel* mDifference;
-  QLabel* mLoss;
+  ScrolledText* mDifference;
+  ScrolledText* mLoss;
   QPushButton* mGoOn;
   QCheckBox* mByItself;
+  QPushButton* mFold;
+  bool mIsFolded = false;
 };
 
 }  // namespace kv::mdlDataTypesView

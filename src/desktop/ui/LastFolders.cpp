@@ -1,5 +1,6 @@
 #include "desktop/ui/LastFolders.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QUrl>
@@ -23,7 +24,9 @@ std::string LastFolders::Of(const std::string& purpose) const {
   for (const std::string& folder : {used == mFolders.end() ? Kept(purpose) : used->second, mLatest}) {
     if (IsFolder(folder)) return folder;
   }
-  return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation).toStdString();
+  // A dialog takes a folder that is not there for a file's name.
+  const std::string documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation).toStdString();
+  return IsFolder(documents) ? documents : QDir::homePath().toStdString();
 }
 
 // A settings file holds Windows-1252 only, and a folder may have any name: it is kept as an address, which is ASCII.

@@ -14,6 +14,7 @@
 
 #include "base/ScopeGuard.h"
 #include "desktop/ui/BusyState.h"
+#include "desktop/ui/WindowGeometry.h"
 
 namespace kv {
 
@@ -98,6 +99,7 @@ std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::Acce
   dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
   dialog.setNameFilters(NameFilters(asked.filter));
   if (mode == QFileDialog::AcceptSave) dialog.setDefaultSuffix(DefaultSuffix(asked.filter));
+  dialog.resize(dialog.sizeHint().boundedTo(RoomFor(dialog)));
   if (!asked.initial.empty()) dialog.selectFile(QString::fromStdString(asked.initial));
   if (Run(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   const QString chosen = dialog.selectedFiles().first();
