@@ -117,9 +117,26 @@ bool AllValues::IsWanted(const std::vector<Region>& regions) {
   if (count == 0) return true;  // it is told that nothing can be written
   MessageBox question = WriteQuestion(static_cast<std::size_t>(count), mDesk.CurrentLink());
   question.title = mDesk.Caption();
+  if (const std::int64_t old = OldIn(regions); old > 0) {
+    question.text += "\n\n" + std::to_string(old) +
+                     " of them are pale: they were read in an earlier session, or before the controller was out of "
+                     "reach, and may not be what it holds now.";
+  }
   if (mDesk.parts.prompts.Show(question) == PromptAnswer::Yes) return true;
   mDesk.Say("Nothing was written.");
   return false;
+}
+
+// Of what would be written; what is edited is meant.
+std::int64_t AllValues::OldIn(const std::vector<Region>& regions) const {
+  std::int64_t old = 0;
+  for (const Region& region : regions) {
+    if (!IsWritableType(region.type)) continue;
+    for (std::int32_t address = region.from; address <= region.to; ++address) {
+      if (mDesk.state.operands.IsOld(region.type, address)) ++old;
+    }
+  }
+  return old;
 }
 
 std::vector<Region> AllValues::FilledRegions() const {

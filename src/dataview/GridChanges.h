@@ -52,9 +52,9 @@ struct ViewStatus {
   bool isError = false;
   std::optional<LastViewError> lastError = {};  // goes with the next command that does what it was asked
   std::optional<LinkLoss> loss = {};            // goes with the next whole read or write
-  std::string refusal = {};                     // why the controller did not do the last command; goes as lastError
-  std::string link = {};                        // where the values come from: the link of the last read or write
-  double passesPerSecond = 0.0;                 // while on line
+  std::string refusal = {};      // why the controller or a file refused the last command; goes as lastError
+  std::string link = {};         // where the values come from: the link of the last read or write
+  double passesPerSecond = 0.0;  // while on line
   std::uint64_t passes = 0;
   std::size_t edited = 0;           // cells that are edited and not written
   std::size_t done = 0, total = 0;  // regions of the running read or write

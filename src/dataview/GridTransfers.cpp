@@ -191,7 +191,11 @@ std::optional<char> GridTransfers::AskSeparator() {
 }
 
 void GridTransfers::Refuse(std::string_view message, const std::string& reason, PromptIcon icon) {
-  mDesk.SayError(reason.empty() ? std::string(message) : reason);
+  if (reason.empty() || reason == message) {
+    mDesk.SayError(std::string(message));
+  } else {
+    mDesk.SayRefusal(reason);
+  }
   mDesk.ShowBox(message, icon);
 }
 

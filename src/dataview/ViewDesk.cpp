@@ -86,6 +86,11 @@ void ViewDesk::SayError(std::string message) {
   mReadUntil = Now() + ReadingTime(status.message);
 }
 
+void ViewDesk::SayRefusal(const std::string& message) {
+  SayError(message);
+  status.refusal = message;
+}
+
 void ViewDesk::SayLinkError(const LinkError& error, const std::string& whatElse) {
   const LinkLoss loss{.error = error, .consequence = whatElse};
   SayError(loss.Text());

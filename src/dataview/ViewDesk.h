@@ -54,6 +54,8 @@ class ViewDesk {
   // whatever stands there.
   void Say(std::string message);
   void SayError(std::string message);
+  // The same of what is long, with its cause and what to do: it stands in the banner, too, to be read whole.
+  void SayRefusal(const std::string& message);
   void SayLinkError(const LinkError& error, const std::string& whatElse = {});
   // What comes while regions are watched waits until the message before it can have been read.
   void SayInPassing(std::string message);

@@ -226,6 +226,7 @@ TEST(ViewFiles, RegionsGoIntoAFileAndComeBack) {
   bench.prompts.Press(kYes);
   bench.prompts.Choose(file);
   EXPECT_THAT(bench.Run("ID_LoadRegions", {kOk}).back(), HasSubstr("contains invalid regions"));
+  EXPECT_THAT(bench.view.Status().refusal, testing::StartsWith("a.axt: ")) << "can be read whole";
   EXPECT_THAT(bench.view.Regions().Rows(), IsEmpty());
   EXPECT_EQ(bench.view.Operands().Text(MI, 0), "5") << "only the regions go";
   bench.Run("ID_Undo");
@@ -344,6 +345,12 @@ TEST(WriteAll, WritesEveryTextThatMayBeWritten) {
   EXPECT_THAT(log, Contains("WriteML 40 1 @1"));
   EXPECT_EQ(bench.view.Status().edited, 0U);
   EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
+
+  EXPECT_TRUE(bench.view.Close());
+  bench.view.Open();
+  bench.view.Edit(MI, 0, "9");
+  EXPECT_THAT(bench.Run("ID_WriteAll", {PromptAnswer::No}),
+              ElementsAre(testing::StartsWith(std::string(kQuestion) + "\n\n33 of them are pale: ")));
 }
 
 // ---- between openings ----

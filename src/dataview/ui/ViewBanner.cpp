@@ -31,7 +31,7 @@ ViewBanner::ViewBanner(DataTypesView& view, QWidget* parent)
     : QFrame(parent),
       mView(view),
       mDifference(Text("lblDifference", "What differs from the main window", this)),
-      mLoss(Text("lblLoss", "Why the controller is out of reach", this)),
+      mLoss(Text("lblLoss", "What was refused, or why the controller is out of reach", this)),
       mGoOn(new QPushButton(IconOf(Picture::Online), "&Go on line again", this)),
       mByItself(new QCheckBox(this)),
       mFold(new QPushButton(this)) {

@@ -12,9 +12,9 @@ class DataTypesView;
 class ScrolledText;
 struct LinkLoss;
 
-// What the user has to know of the controller before he trusts the values, above both grids: that it is out of reach,
-// why and what to do, with the way to go on; and that the host has another model or link by now. Hidden where there is
-// nothing to tell.
+// What the user has to know before he trusts the values, above both grids: that the controller is out of reach, why and
+// what to do, with the way to go on; what it, or a file, refused; and that the host has another model or link by now.
+// Hidden where there is nothing to tell.
 class ViewBanner final : public QFrame {
  public:
   // `view` outlives the banner.
