@@ -24,7 +24,7 @@ std::expected<std::string, Failure> CheckProgram(Environment& environment, const
   if (!info) return std::unexpected(controller.LastFailure());
   std::string name = ControllerText(controller.Version(), *info, controller.Description());
   const bool canAsk = order.mayStop || environment.input.IsInteractive();
-  if (info->state == 'R' && !canAsk) {
+  if (IsRunningState(info->state) && !canAsk) {
     return std::unexpected(Failure{ExitCode::Failed, "notConfirmed", doing,
                                    "the program of the controller (" + name + ") runs, and nobody can be asked", "",
                                    "give --stop to stop it for the clone (it runs again afterwards), or --no-stop to "
@@ -59,22 +59,24 @@ std::expected<SegmentBoxes, Failure> ParseSegments(const std::string& codes) {
   return boxes;
 }
 
-std::expected<void, Failure> CheckCreate(Environment& environment, const CommonOptions& common,
-                                         const std::filesystem::path& file, const CreateOrder& order) {
+std::expected<SafeCreate, Failure> CheckCreate(Environment& environment, const CommonOptions& common,
+                                               const std::filesystem::path& file, const CreateOrder& order) {
   if (!common.password && !environment.input.IsInteractive()) {
     return std::unexpected(UsageFailure("the controller's password is missing",
                                         "give it with --password; a controller without a password takes any"));
   }
+  SafeCreate safe(file);  // what stands there later nobody has consented to replace
+  safe.SetComment(order.comment);
   std::error_code ignored;
-  if (!std::filesystem::exists(file, ignored)) return {};
-  return Confirm(environment, {order.replace, "--replace"}, Utf8FromPath(file) + " exists. Replace it?",
-                 "creating " + Utf8FromPath(file));
+  if (!std::filesystem::exists(file, ignored)) return safe;
+  const auto confirmed = Confirm(environment, {order.replace, "--replace"}, Utf8FromPath(file) + " exists. Replace it?",
+                                 "creating " + Utf8FromPath(file));
+  if (!confirmed) return std::unexpected(confirmed.error());
+  return safe;
 }
 
 std::expected<void, Failure> CreateFrom(Environment& environment, const CommonOptions& common, Connection& controller,
-                                        const std::filesystem::path& file, const CreateOrder& order) {
-  SafeCreate safe(file);
-  safe.SetComment(order.comment);
+                                        SafeCreate& safe, const std::filesystem::path& file, const CreateOrder& order) {
   const std::string doing = "creating " + Utf8FromPath(file);
   const auto name = CheckProgram(environment, common, controller, order, doing);
   if (!name) return std::unexpected(name.error());
@@ -83,7 +85,7 @@ std::expected<void, Failure> CreateFrom(Environment& environment, const CommonOp
   clsDumpPLC engine(window, window, environment.pacer, clock);
   safe.Create(engine, window, controller.Link(), WatchedWork(environment).Work());
   if (safe.Outcome().end == CloneEnd::Done) {
-    if (!safe.ManifestTrouble().empty()) environment.err << "Warning: " << safe.ManifestTrouble() << "\n";
+    for (const std::string& warning : safe.Warnings()) environment.err << "Warning: " << warning << "\n";
     return {};
   }
   ConsolePrompts prompts = PromptsFor(environment, common);
@@ -94,10 +96,11 @@ std::expected<void, Failure> CreateFrom(Environment& environment, const CommonOp
 
 Outcome CreateClone(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,
                     const CreateOrder& order) {
-  if (const auto fit = CheckCreate(environment, common, file, order); !fit) return std::unexpected(fit.error());
+  auto safe = CheckCreate(environment, common, file, order);
+  if (!safe) return std::unexpected(safe.error());
   const auto controller = Connection::Open(environment, common);
   if (!controller) return std::unexpected(controller.error());
-  if (const auto created = CreateFrom(environment, common, **controller, file, order); !created) {
+  if (const auto created = CreateFrom(environment, common, **controller, *safe, file, order); !created) {
     return std::unexpected(created.error());
   }
   auto report = ReportClone(environment, file);

@@ -9,6 +9,7 @@
 #include "apps/kvtele/Connection.h"
 #include "apps/kvtele/Environment.h"
 #include "clone/CloneSegment.h"
+#include "clone/SafeCreate.h"
 
 namespace kv::cli {
 
@@ -23,15 +24,16 @@ struct CreateOrder {
 [[nodiscard]] std::expected<SegmentBoxes, Failure> ParseSegments(const std::string& codes);
 
 // What can be said about a create before the controller is touched; asks before a file is replaced.
-[[nodiscard]] std::expected<void, Failure> CheckCreate(Environment& environment, const CommonOptions& common,
-                                                       const std::filesystem::path& file, const CreateOrder& order);
+[[nodiscard]] std::expected<SafeCreate, Failure> CheckCreate(Environment& environment, const CommonOptions& common,
+                                                             const std::filesystem::path& file,
+                                                             const CreateOrder& order);
 
 // Copies the controller into a new clone file.
 [[nodiscard]] Outcome CreateClone(Environment& environment, const CommonOptions& common,
                                   const std::filesystem::path& file, const CreateOrder& order);
 // The same over a connection that is there, after CheckCreate.
 [[nodiscard]] std::expected<void, Failure> CreateFrom(Environment& environment, const CommonOptions& common,
-                                                      Connection& controller, const std::filesystem::path& file,
-                                                      const CreateOrder& order);
+                                                      Connection& controller, SafeCreate& safe,
+                                                      const std::filesystem::path& file, const CreateOrder& order);
 
 }  // namespace kv::cli

@@ -152,20 +152,10 @@ void AddVerdicts(const CloneComparison& comparison, Answer& answer) {
   }
 }
 
-// Segments of which the file has no line, and which are not erased in the controller.
-std::vector<CloneSegment> DifferingAmong(const std::vector<CloneSegment>& erased, const CloneComparison& comparison) {
-  std::vector<CloneSegment> differing;
-  for (const SegmentDifference& each : comparison.segments) {
-    const bool isErased = std::ranges::find(erased, each.segment) != erased.end();
-    if (isErased && !each.differing.IsEmpty()) differing.push_back(each.segment);
-  }
-  return differing;
-}
-
-// Says what is known of the file before it is compared; fills in the segments of which it has no line.
+// Says what is known of the file before it is compared.
 std::expected<void, Failure> TellBeforeCompare(Environment& environment, Connection& controller,
-                                               const std::filesystem::path& file, const std::vector<std::string>& codes,
-                                               std::vector<CloneSegment>& erased) {
+                                               const std::filesystem::path& file,
+                                               const std::vector<std::string>& codes) {
   const WatchedWork watched(environment);
   const auto info = InspectClone(file, watched.Work());
   if (!info) return std::unexpected(CloneFailure("reading the clone file", info.error()));
@@ -174,7 +164,6 @@ std::expected<void, Failure> TellBeforeCompare(Environment& environment, Connect
     if (std::ranges::any_of(segments, [&](const auto& each) { return each.segment.code == code; })) continue;
     return std::unexpected(UsageFailure("the clone file has no segment \"" + code + "\"", "see kvtele clone info"));
   }
-  erased = ErasedSegments(*info);
   const ManifestReport manifest = CheckManifest(file, *info, watched.Work());
   if (info->IsSound()) environment.err << WholenessText(*info, manifest) << "\n";
   if (info->head && info->head->version.model != controller.Version().model) {
@@ -272,8 +261,7 @@ Outcome CompareWithController(Environment& environment, const CommonOptions& com
 Outcome CompareWithController(Environment& environment, Connection& controller, const std::filesystem::path& file,
                               const std::vector<std::string>& codes) {
   const std::string doing = "comparing the controller with " + Utf8FromPath(file);
-  std::vector<CloneSegment> erased;
-  if (const auto fit = TellBeforeCompare(environment, controller, file, codes, erased); !fit) {
+  if (const auto fit = TellBeforeCompare(environment, controller, file, codes); !fit) {
     return std::unexpected(fit.error());
   }
   const auto comparison = [&] {
@@ -283,7 +271,7 @@ Outcome CompareWithController(Environment& environment, Connection& controller, 
   if (!comparison) return std::unexpected(CloneFailure(doing, comparison.error()));
   Answer answer = MakeAnswer(*comparison);
   AddVerdicts(*comparison, answer);
-  const auto staying = DifferingAmong(erased, *comparison);
+  const auto staying = SegmentsThatStayed(*comparison);
   if (!staying.empty()) environment.err << StayText(staying) << " kvtele clone restore --erase-empty erases it.\n";
   return answer;
 }

@@ -24,8 +24,9 @@ class Restoring {
 
   [[nodiscard]] Outcome Run() {
     using Step = std::expected<void, Failure> (Restoring::*)();
-    constexpr Step kSteps[] = {&Restoring::Inspect, &Restoring::Connect, &Restoring::CheckFits, &Restoring::ChooseErase,
-                               &Restoring::Consent, &Restoring::Backup,  &Restoring::Send};
+    constexpr Step kSteps[] = {&Restoring::Inspect,   &Restoring::Connect,     &Restoring::CheckUnit,
+                               &Restoring::CheckFits, &Restoring::ChooseErase, &Restoring::Consent,
+                               &Restoring::Backup,    &Restoring::Send};
     for (const Step step : kSteps) {
       if (const auto done = (this->*step)(); !done) return std::unexpected(done.error());
     }
@@ -45,6 +46,11 @@ class Restoring {
     if (!info) return std::unexpected(CloneFailure(doing, info.error()));
     mInfo = *std::move(info);
     mManifest = CheckManifest(mFile, mInfo, watched.Work());
+    if (mOrder.backup && IsSameFile(*mOrder.backup, mFile)) {
+      return std::unexpected(UsageFailure("the backup would overwrite the clone file that is to be restored",
+                                          "give --backup another name"));
+    }
+    if (mInfo.IsSound()) mEnvironment.err << WholenessText(mInfo, mManifest) << "\n";
     if (mInfo.IsSound() || mOrder.force) return {};
     return std::unexpected(Failure{ExitCode::BadFile, "badFile", doing,
                                    "it is damaged: " + mInfo.damages.front().Text() + "; nothing was sent", "",
@@ -60,22 +66,26 @@ class Restoring {
 
   Done CheckFits() {
     const WatchedWork watched(mEnvironment);
-    auto check = CheckBeforeRestore(mController->Link(), mInfo, mManifest, mOrder.unitFromController, watched.Work());
+    auto check = CheckBeforeRestore(mController->Link(), mInfo, mManifest, watched.Work());
     if (!check) return std::unexpected(CloneFailure("holding the clone file against the controller", check.error()));
     mCheck = *std::move(check);
-    for (const std::string& warning : mCheck.warnings) mEnvironment.err << "Warning: " << warning << "\n";
     std::string told;
     for (const std::string& obstacle : mCheck.obstacles) {
       if (mOrder.force) mEnvironment.err << "Warning: " << obstacle << "\n";
       told += (told.empty() ? "" : " ") + obstacle;
     }
     if (told.empty() || mOrder.force) return {};
-    const bool isUnitAlone =
-        mCheck.obstacles.size() == 1 && mInfo.unit.value_or(mController->Unit()) != mController->Unit();
     return std::unexpected(NotFitFailure("restoring the clone file", told + " Nothing was sent", "",
-                                         isUnitAlone
-                                             ? "--unit-from-controller sends its lines for the controller's unit"
-                                             : "choose another file or controller; --force restores it all the same"));
+                                         "choose another file or controller; --force restores it all the same"));
+  }
+
+  // Not to be forced: on a shared line the unit of the file may be another controller.
+  Done CheckUnit() {
+    const std::string other = OtherUnitText(mInfo, mController->Unit());
+    if (other.empty() || mOrder.unitFromController) return {};
+    return std::unexpected(NotFitFailure("restoring the clone file", other + " Nothing was sent", "",
+                                         "--unit-from-controller sends its lines for the controller's unit; --unit "
+                                         "chooses another controller"));
   }
 
   // A question of its own: who wants the file restored need not want more erased than the file says.
@@ -83,7 +93,8 @@ class Restoring {
     if (mCheck.staying.empty()) return {};
     const std::string codes = CodesText(mCheck.staying);
     const auto wanted = Confirm(mEnvironment, {mOrder.eraseEmpty, "--erase-empty"},
-                                StayText(mCheck.staying) + " Erase " + codes + " in the controller, too?", "");
+                                StayText(mCheck.staying) + " Erase " + codes + " in the controller, too?",
+                                "restoring " + Utf8FromPath(mFile));
     if (wanted) return {};
     if (wanted.error().exit == ExitCode::Interrupted) return wanted;
     mCheck.staying.clear();
@@ -92,14 +103,10 @@ class Restoring {
   }
 
   Done Consent() {
-    const std::string question =
-        "The memory of the controller (" +
-        ControllerText(mCheck.version, mCheck.controller, mController->Description()) +
-        ") is about to be overwritten with " + Utf8FromPath(mFile) +
-        ". Its program stops; at the end the controller resets and runs. " +
-        (mOrder.backup ? "What it holds now is kept before in " + Utf8FromPath(*mOrder.backup) + "."
-                       : "What it holds now is lost; --backup FILE.kdf keeps it.") +
-        " Continue?";
+    const std::string kept = mOrder.backup ? "What it holds now is kept in " + Utf8FromPath(*mOrder.backup) + " first."
+                                           : "What it holds now is lost; --backup FILE.kdf keeps it.";
+    const std::string question = RestoreQuestion(
+        mCheck, mInfo, mFile, ControllerText(mCheck.version, mCheck.controller, mController->Description()), kept);
     return Confirm(mEnvironment, {mCommon.yes, "--yes"}, question, "restoring " + Utf8FromPath(mFile));
   }
 
@@ -107,8 +114,9 @@ class Restoring {
     if (!mOrder.backup) return {};
     CreateOrder order = mOrder.backupOrder;
     if (order.comment.empty()) order.comment = "Before " + Utf8FromPath(mFile.filename()) + " was restored";
-    if (auto fit = CheckCreate(mEnvironment, mCommon, *mOrder.backup, order); !fit) return fit;
-    auto created = CreateFrom(mEnvironment, mCommon, *mController, *mOrder.backup, order);
+    auto safe = CheckCreate(mEnvironment, mCommon, *mOrder.backup, order);
+    if (!safe) return std::unexpected(safe.error());
+    auto created = CreateFrom(mEnvironment, mCommon, *mController, *safe, *mOrder.backup, order);
     if (!created) mEnvironment.err << "Nothing was restored, because the backup failed.\n";
     return created;
   }
@@ -117,7 +125,7 @@ class Restoring {
     Channel& link = mController->Link();
     if (!link.EnsureAccess(mController->Unit())) return std::unexpected(mController->LastFailure());
     const std::string doing = "restoring " + Utf8FromPath(mFile);
-    if (const auto begun = BeginRestore(link, mCheck.staying); !begun) {
+    if (const auto begun = BeginRestore(link, mCheck.controller, mCheck.staying); !begun) {
       return std::unexpected(CloneFailure(doing, begun.error()));
     }
     SerialPortObject* port = link.GetSerialPort();
@@ -125,7 +133,8 @@ class Restoring {
     const PacerWallClock clock;
     TerminalCloner window(mEnvironment, mCommon, {}, std::nullopt);
     clsDumpPLC engine(window, window, mEnvironment.pacer, clock);
-    if (mOrder.unitFromController) engine.UseUnit(mController->Unit());
+    engine.UseUnit(mController->Unit());  // of a damaged file, too, nothing goes to another one
+    engine.ExpectDigest(mInfo.sha256);
     engine.RestoreGhost(*port, mFile, &link);
     if (engine.Outcome().end == CloneEnd::Done) return {};
     CloneOutcome outcome = engine.Outcome();

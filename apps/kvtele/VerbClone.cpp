@@ -38,7 +38,7 @@ void VerbClone::Declare(CLI::App& app) {
   CLI::Option* stop = app.add_flag("--stop", mStop, "create, --backup: a running program may be stopped for it");
   app.add_flag("--no-stop", mNoStop, "create, --backup: a running program is cloned while it runs")->excludes(stop);
   app.add_option("--comment", mComment, "create: a text for the manifest")->type_name("TEXT");
-  app.add_flag("--force", mForce, "restore: also a damaged file, or one of another model, layout or unit");
+  app.add_flag("--force", mForce, "restore: also a damaged file, or one of another model or layout");
   app.add_flag("--verify", mVerify, "restore: compare the controller with the file afterwards");
   app.add_flag("--erase-empty", mEraseEmpty, "restore: erase segments that were erased as a whole in the clone");
   app.add_flag("--unit-from-controller", mUnitFromController, "restore: send the lines for the controller's unit id");

@@ -1,7 +1,9 @@
 #include "apps/kvtele/VerbProgram.h"
 
 #include "apps/kvtele/CloneQuestions.h"
+#include "apps/kvtele/CloneReports.h"
 #include "clone/ProgramState.h"
+#include "clone/RestoreBegin.h"
 #include "clone/RestoreCheck.h"
 
 namespace kv::cli {
@@ -28,10 +30,10 @@ Outcome VerbProgram::Run(Environment& environment, const CommonOptions& common) 
   const auto before = plc.Link().GetControllerInfo(plc.Unit());
   if (!before) return std::unexpected(plc.LastFailure());
   const std::string name = ControllerText(plc.Version(), *before, plc.Description());
-  const char wanted = mRuns ? 'R' : 'S';
-  if (before->state == wanted) {
+  const auto isDone = [this](char state) { return mRuns ? IsRunningState(state) : state == 'S'; };
+  if (isDone(before->state)) {
     environment.err << "The program of " << name << (mRuns ? " runs already.\n" : " is stopped already.\n");
-    return MakeAnswer(name, wanted);
+    return MakeAnswer(name, before->state);
   }
   const std::string warning = mRuns ? RunWarning(before->state) : "";
   const std::string question = "The program of the controller (" + name + ") is about to be " +
@@ -40,10 +42,13 @@ Outcome VerbProgram::Run(Environment& environment, const CommonOptions& common) 
   const auto confirmed =
       Confirm(environment, {common.yes, "--yes"}, question, mRuns ? "starting the program" : "stopping the program");
   if (!confirmed) return std::unexpected(confirmed.error());
+  if (const auto met = MeetAgain(plc.Link(), *before); !met) {
+    return std::unexpected(CloneFailure(mRuns ? "starting the program" : "stopping the program", met.error()));
+  }
   if (const auto done = Switch(plc); !done) return std::unexpected(done.error());
   const auto after = plc.Link().GetControllerInfo(plc.Unit());
   if (!after) return std::unexpected(plc.LastFailure());
-  if (after->state != wanted) {
+  if (!isDone(after->state)) {
     return std::unexpected(
         NotFitFailure(mRuns ? "starting the program" : "stopping the program",
                       std::string("the controller took the command, but its state is ") + after->state + " now",

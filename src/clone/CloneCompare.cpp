@@ -47,6 +47,11 @@ void AddDifferences(std::uint32_t address, std::span<const std::uint8_t> first, 
   }
 }
 
+CloneOutcome NothingToCompare() {
+  return CloneOutcome::Failed(CloneCause::File,
+                              "There is nothing to compare: no segment of the clone file has a byte.");
+}
+
 std::uint64_t BytesOf(const CloneInfo& info) {
   std::uint64_t bytes = 0;
   for (const CloneInfoSegment& segment : info.segments) bytes += segment.segment.length;

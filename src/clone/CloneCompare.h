@@ -14,7 +14,8 @@ namespace kv {
 // How one segment differs between two sides; addresses are the controller's.
 struct SegmentDifference {
   CloneSegment segment;
-  AddressRanges differing;
+  AddressRanges differing = {};
+  bool hasFrames = true;  // false: the first file has no line of it, see ErasedSegments.h
 };
 
 // What a comparison found, in bytes of memory: how lines are cut and whether erased ones are stored does not count.
@@ -44,6 +45,9 @@ struct KindVerdict {
 void AddDifferences(std::uint32_t address, std::span<const std::uint8_t> first, std::span<const std::uint8_t> second,
                     AddressRanges& differing);
 
+// Why two sides cannot be called the same when there is not a byte to compare.
+[[nodiscard]] CloneOutcome NothingToCompare();
+
 // Bytes of all segments that the file names.
 [[nodiscard]] std::uint64_t BytesOf(const CloneInfo& info);
 
@@ -54,7 +58,7 @@ template <typename ReadPiece>
                                                                             const CloneWork& work, std::uint64_t& done,
                                                                             std::uint64_t total, ReadPiece readPiece) {
   constexpr std::uint32_t kPiece = 4096;  // the most that one memory read may carry
-  SegmentDifference difference{segment, {}};
+  SegmentDifference difference{.segment = segment};
   for (std::uint32_t offset = 0; offset < segment.length;) {
     if (work.IsStopped()) return std::unexpected(CloneOutcome::OfStop());
     const std::uint32_t count = segment.length - offset < kPiece ? segment.length - offset : kPiece;

@@ -48,6 +48,7 @@ std::expected<CloneComparison, CloneOutcome> DiffClones(const std::filesystem::p
   auto second = CloneImage::Open(secondFile, work);
   if (!second) return std::unexpected(second.error());
 
+  if (BytesOf(first->Info()) + BytesOf(second->Info()) == 0) return std::unexpected(NothingToCompare());
   CloneComparison comparison;
   Partners partners(second->Info());
   const std::uint64_t total = BytesOf(first->Info());

@@ -96,7 +96,8 @@ std::expected<CloneFrame, std::string> ParseCloneFrame(std::string_view line) {
 
 std::string WithUnit(std::string_view line, std::uint8_t unit) {
   const auto text = TextOf(line);
-  return text ? BuildFrame(unit, *text) : std::string(line);
+  const bool isOther = text && HexPairToByte(line.substr(1, kUnitDigits)) != unit;
+  return isOther ? BuildFrame(unit, *text) : std::string(line);
 }
 
 }  // namespace kv

@@ -206,21 +206,26 @@ std::string OtherModelText(const VersionInfo& inFile, const VersionInfo& inContr
          AnsiToUtf8(inController.model) + ".";
 }
 
-std::vector<std::string> FindingsBeforeRestore(const CloneInfo& info, const VersionInfo& version, std::uint8_t unit) {
+std::vector<std::string> FindingsBeforeRestore(const CloneInfo& info, const VersionInfo& version) {
   std::vector<std::string> findings;
   if (!info.IsSound()) {
     std::string damage = "The clone file is damaged: " + info.damages.front().Text();
     if (info.damageCount > 1) damage += " (and " + std::to_string(info.damageCount - 1) + " more)";
     findings.push_back(damage + ".");
   }
+  if (info.IsSound() && info.frames <= 1) {
+    findings.emplace_back("The clone file has no line of memory: a restore writes nothing.");
+  }
   if (info.head && info.head->version.model != version.model) {
     findings.push_back(OtherModelText(info.head->version, version));
   }
-  if (info.unit.value_or(unit) != unit) {
-    findings.push_back("The clone file is for unit " + std::to_string(*info.unit) + ", but the controller is unit " +
-                       std::to_string(unit) + " and will not answer.");
-  }
   return findings;
+}
+
+std::string OtherUnitText(const CloneInfo& info, std::uint8_t unit) {
+  if (info.unit.value_or(unit) == unit) return "";
+  return "The clone file is for unit " + std::to_string(*info.unit) + ", but the controller is unit " +
+         std::to_string(unit) + ".";
 }
 
 }  // namespace kv

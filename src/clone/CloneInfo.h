@@ -85,9 +85,12 @@ struct CloneInfo {
 // That a file was made from another model than the controller's.
 [[nodiscard]] std::string OtherModelText(const VersionInfo& inFile, const VersionInfo& inController);
 
-// Why a file should not be restored into a controller that reports `version` and is reached as `unit`, a sentence each:
-// damage, another model, another unit. Empty when nothing speaks against it.
-[[nodiscard]] std::vector<std::string> FindingsBeforeRestore(const CloneInfo& info, const VersionInfo& version,
-                                                             std::uint8_t unit);
+// Why a file should not be restored into a controller that reports `version`, a sentence each: damage, another model,
+// nothing in it. Empty when nothing speaks against it.
+[[nodiscard]] std::vector<std::string> FindingsBeforeRestore(const CloneInfo& info, const VersionInfo& version);
+
+// That the lines of a file are for another unit than the controller's; empty when they are not. On a shared line that
+// unit may be a controller that nobody has looked at, so they are sent for the controller's unit or not at all.
+[[nodiscard]] std::string OtherUnitText(const CloneInfo& info, std::uint8_t unit);
 
 }  // namespace kv

@@ -169,7 +169,12 @@ std::expected<CloneManifest, std::string> ParseManifest(std::string_view text) {
 }
 
 std::expected<void, FileError> SaveManifest(const fs::path& cloneFile, const CloneManifest& manifest) {
-  auto saved = SaveAtomically(ManifestPath(cloneFile), PrintManifest(manifest));
+  const std::string text = PrintManifest(manifest);
+  const auto save = [&]() -> std::expected<void, FileError> {
+    if (text.size() <= kMostBytes) return SaveAtomically(ManifestPath(cloneFile), text);
+    return std::unexpected(FileError{Utf8FromPath(ManifestPath(cloneFile)), "", "its comment is too long"});
+  };
+  auto saved = save();
   std::error_code ignored;
   if (!saved) fs::remove(ManifestPath(cloneFile), ignored);
   return saved;

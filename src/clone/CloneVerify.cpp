@@ -16,6 +16,7 @@ std::expected<CloneComparison, CloneOutcome> VerifyClone(Channel& link, const st
   CloneComparison comparison;
   std::uint64_t total = 0;
   for (const CloneInfoSegment& each : image->Info().segments) total += isWanted(each.segment) ? each.segment.length : 0;
+  if (total == 0) return std::unexpected(NothingToCompare());
   std::uint64_t done = 0;
   for (std::size_t i = 0; i < image->Info().segments.size(); ++i) {
     const CloneSegment& segment = image->Info().segments[i].segment;
@@ -32,6 +33,7 @@ std::expected<CloneComparison, CloneOutcome> VerifyClone(Channel& link, const st
     };
     auto difference = CompareSegment(segment, work, done, total, comparePiece);
     if (!difference) return std::unexpected(difference.error());
+    difference->hasFrames = image->Info().segments[i].hasFrames;
     comparison.segments.push_back(*std::move(difference));
   }
   return comparison;

@@ -44,6 +44,14 @@ std::expected<std::vector<CloneSegment>, CloneOutcome> SegmentsThatStay(Channel&
   return staying;
 }
 
+std::vector<CloneSegment> SegmentsThatStayed(const CloneComparison& comparison) {
+  std::vector<CloneSegment> staying;
+  for (const SegmentDifference& each : comparison.segments) {
+    if (!each.hasFrames && !each.differing.IsEmpty()) staying.push_back(each.segment);
+  }
+  return staying;
+}
+
 std::string CodesText(std::span<const CloneSegment> segments) {
   std::string text;
   for (const CloneSegment& segment : segments) text += (text.empty() ? "" : ", ") + AnsiToUtf8(segment.code);

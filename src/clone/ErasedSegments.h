@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "clone/CloneCompare.h"
 #include "clone/CloneInfo.h"
 #include "clone/CloneOutcome.h"
 #include "link/Channel.h"
@@ -18,6 +19,9 @@ namespace kv {
 // Those of them in which the controller holds a byte that is not 255. Only reads.
 [[nodiscard]] std::expected<std::vector<CloneSegment>, CloneOutcome> SegmentsThatStay(
     Channel& link, std::span<const CloneSegment> erased, const CloneWork& work = {});
+
+// Those of them that a comparison with the controller has found different.
+[[nodiscard]] std::vector<CloneSegment> SegmentsThatStayed(const CloneComparison& comparison);
 
 // "AP, OS".
 [[nodiscard]] std::string CodesText(std::span<const CloneSegment> segments);

@@ -21,6 +21,11 @@ namespace kv {
 void OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer& pacer, const std::string& controller,
                 CloneOutcome& outcome);
 
+// Whether the program runs: "R", or "I" of one that is idle.
+[[nodiscard]] constexpr bool IsRunningState(char state) {
+  return state == 'R' || state == 'I';
+}
+
 // What running the program from this state means, for the question before it; empty when it is nothing special.
 [[nodiscard]] std::string RunWarning(char state);
 

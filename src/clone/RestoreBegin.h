@@ -19,6 +19,14 @@ namespace kv {
 // into a segment set all of it to 255 before: so two bytes of 255 erase it. The load is begun for them, too.
 //
 // After a failure with erased segments the reason says that the controller is loading.
-[[nodiscard]] std::expected<void, CloneOutcome> BeginRestore(Channel& link, std::span<const CloneSegment> erase = {});
+//
+// `asked` is the controller as it was when the user was asked about it. Nothing is sent when another one answers now,
+// or when somebody else has begun to load into it since: two restores at once leave a mixture, and both say success.
+[[nodiscard]] std::expected<void, CloneOutcome> BeginRestore(Channel& link, const Channel::ControllerInfo& asked,
+                                                             std::span<const CloneSegment> erase = {});
+
+// Asks the controller who it is; a failure when its serial number is not that of `asked`.
+[[nodiscard]] std::expected<Channel::ControllerInfo, CloneOutcome> MeetAgain(Channel& link,
+                                                                             const Channel::ControllerInfo& asked);
 
 }  // namespace kv

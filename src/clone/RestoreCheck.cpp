@@ -4,6 +4,7 @@
 
 #include "base/AnsiText.h"
 #include "base/Numbers.h"
+#include "base/PathText.h"
 #include "clone/ErasedSegments.h"
 
 namespace kv {
@@ -70,13 +71,19 @@ std::vector<std::string> Warnings(const CloneInfo& info, const ManifestReport& m
     Compare("O/S", info.head->version.osVersion, check.version.osVersion, warnings);
     Compare("hardware code", info.head->version.hardwareCode, check.version.hardwareCode, warnings);
   }
+  const auto serialNumber = manifest.manifest ? manifest.manifest->serialNumber : std::nullopt;
+  if (serialNumber && *serialNumber != check.controller.serialNumber) {
+    warnings.push_back("The clone was made from the controller with serial number " + std::to_string(*serialNumber) +
+                       ", not from this one.");
+  }
   const bool isMadeRunning = manifest.manifest && manifest.manifest->wasRunning;
   if (isMadeRunning || manifest.fit == ManifestFit::Missing || manifest.fit == ManifestFit::Unreadable) {
     warnings.push_back(manifest.text);
   }
   if (check.controller.state == 'L') {
     warnings.emplace_back(
-        "The controller is loading: a restore or download was cut. The restore begins the load anew.");
+        "The controller is loading: a restore or download was cut, or somebody else's is under way. The restore begins "
+        "the load anew.");
   }
   return warnings;
 }
@@ -84,16 +91,14 @@ std::vector<std::string> Warnings(const CloneInfo& info, const ManifestReport& m
 }  // namespace
 
 std::expected<RestoreCheck, CloneOutcome> CheckBeforeRestore(Channel& link, const CloneInfo& info,
-                                                             const ManifestReport& manifest, bool usesOwnUnit,
-                                                             const CloneWork& work) {
+                                                             const ManifestReport& manifest, const CloneWork& work) {
   const auto version = link.GetVersionInfo(link.UnitID());
   if (!version) return std::unexpected(CloneOutcome::OfLink(link.LastError()));
   const auto controller = link.GetControllerInfo(link.UnitID());
   if (!controller) return std::unexpected(CloneOutcome::OfLink(link.LastError()));
 
   RestoreCheck check{*version, *controller, {}, {}, {}};
-  const std::uint8_t unit = usesOwnUnit ? info.unit.value_or(link.UnitID()) : link.UnitID();
-  check.obstacles = FindingsBeforeRestore(info, *version, unit);
+  check.obstacles = FindingsBeforeRestore(info, *version);
   if (manifest.fit == ManifestFit::Other) check.obstacles.push_back(manifest.text);
   if (auto done = CheckLayout(link, info, work, check.obstacles); !done) return std::unexpected(done.error());
   check.warnings = Warnings(info, manifest, check);
@@ -102,6 +107,26 @@ std::expected<RestoreCheck, CloneOutcome> CheckBeforeRestore(Channel& link, cons
   if (!staying) return std::unexpected(staying.error());
   check.staying = *std::move(staying);
   return check;
+}
+
+std::string RestoreQuestion(const RestoreCheck& check, const CloneInfo& info, const std::filesystem::path& file,
+                            const std::string& controller, const std::string& kept) {
+  constexpr const char* kLineEnd = "\r\n";
+  std::string text = "The memory of the controller is about to be overwritten." + std::string(kLineEnd) + kLineEnd +
+                     "Controller: " + controller + kLineEnd + "File: " + Utf8FromPath(file) + kLineEnd;
+  if (info.head) text += "Made from: " + HeadText(*info.head) + kLineEnd;
+  if (!check.warnings.empty()) text += kLineEnd;
+  for (const std::string& warning : check.warnings) text += warning + kLineEnd;
+  return text + kLineEnd + "Its program stops; at the end the controller resets and runs. " + kept + " Overwrite it?";
+}
+
+std::string HeadText(const CloneHead& head) {
+  return AnsiToUtf8(head.version.model + ", O/S " + head.version.osVersion + ", cloned on " + head.created);
+}
+
+bool IsSameFile(const std::filesystem::path& first, const std::filesystem::path& second) {
+  std::error_code error;
+  return std::filesystem::equivalent(first, second, error) && !error;
 }
 
 std::string ControllerText(const VersionInfo& version, const Channel::ControllerInfo& controller,

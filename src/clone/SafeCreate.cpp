@@ -5,7 +5,10 @@
 #include "base/FilePlatform.h"
 #include "base/FileToReplace.h"
 #include "base/PathText.h"
+#include "clone/CloneCompare.h"
 #include "clone/CloneManifest.h"
+#include "clone/ProgramState.h"
+#include "clone/RestoreBegin.h"
 #include "desktop/UserName.h"
 
 namespace kv {
@@ -57,7 +60,7 @@ void SafeCreate::Create(clsDumpPLC& engine, Prompts& prompts, Channel& link, con
   }
   mTemporary = FreeNameBeside(mFile);
   mController = link.GetControllerInfo(link.UnitID());  // without an answer the engine fails, and says why
-  engine.CreateGhost(link, mTemporary, [&] { return TakeName(engine, work); });
+  engine.CreateGhost(link, mTemporary, [&] { return TakeName(engine, link, work); });
   mOutcome = engine.Outcome();
   if (mOutcome.cause == CloneCause::OldOs) LeaveEmptyFile();
 }
@@ -73,14 +76,33 @@ std::optional<SafeCreate::Stamp> SafeCreate::StampOf(const fs::path& file) const
   return Stamp{fs::last_write_time(file, error), fs::file_size(file, error)};
 }
 
-SafeCreate::Step SafeCreate::TakeName(const clsDumpPLC& engine, const CloneWork& work) {
-  if (auto whole = CheckIsWhole(engine.Manifest(), work); !whole) {
+SafeCreate::Step SafeCreate::TakeName(const clsDumpPLC& engine, Channel& link, const CloneWork& work) {
+  Step good = CheckIsWhole(engine.Manifest(), work);
+  if (good) good = CheckController(engine, link);
+  if (!good) {
     Remove(mTemporary);
-    return whole;
+    return good;
   }
   if (const std::error_code error = MoveToName()) return std::unexpected(KeptElsewhere(error));
   mMade = mFile;
   KeepManifest(engine.Manifest());
+  return {};
+}
+
+// That all of it was read from one controller, and what the controller does now.
+SafeCreate::Step SafeCreate::CheckController(const clsDumpPLC& engine, Channel& link) {
+  if (!mController) return {};
+  const auto now = MeetAgain(link, *mController);
+  if (!now) return std::unexpected(now.error());
+  if (!IsRunningState(now->state)) {
+    mWarnings.push_back(std::string("The controller was told to run its program, but says now that its state is ") +
+                        now->state + ". Look at it before you rely on it.");
+  }
+  if (engine.WasStartedMeanwhile()) {
+    mWarnings.emplace_back(
+        "Somebody else started the program while the clone was made: values that it changed meanwhile may not belong "
+        "together. Create the clone again.");
+  }
   return {};
 }
 
@@ -92,8 +114,8 @@ void SafeCreate::KeepManifest(CloneManifest manifest) {
   manifest.madeBy = UserName();
   manifest.comment = mComment;
   if (const auto saved = SaveManifest(mFile, manifest); !saved) {
-    mManifestTrouble =
-        "The clone is whole, but its manifest could not be kept beside it: " + saved.error().Text() + ".";
+    mWarnings.push_back("The clone is whole, but its manifest could not be kept beside it: " + saved.error().Text() +
+                        ".");
   }
 }
 
@@ -105,6 +127,12 @@ SafeCreate::Step SafeCreate::CheckIsWhole(const CloneManifest& manifest, const C
     const std::string damage = info->IsSound() ? "it is not what was written" : info->damages.front().Text();
     return std::unexpected(FileFailure(mTemporary, "it was read back and is damaged: " + damage +
                                                        ". It was deleted; check the disk and create the clone again"));
+  }
+  if (BytesOf(*info) == 0) {
+    return std::unexpected(
+        CloneOutcome::Failed(CloneCause::Segments,
+                             "The clone would be empty: none of the controller's segments that were chosen can be "
+                             "kept in a clone file. It was deleted"));
   }
   mInfo = *std::move(info);
   return {};

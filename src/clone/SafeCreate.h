@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "clone/CloneInfo.h"
 #include "clone/clsDumpPLC.h"
@@ -33,8 +34,9 @@ class SafeCreate {
   [[nodiscard]] const std::optional<std::filesystem::path>& File() const { return mMade; }
   // What was found in it; nothing before there is one.
   [[nodiscard]] const std::optional<CloneInfo>& Info() const { return mInfo; }
-  // Why the clone has no manifest beside it; empty when it has one. The clone is whole all the same.
-  [[nodiscard]] const std::string& ManifestTrouble() const { return mManifestTrouble; }
+  // What is not as it should be although the clone is whole, a sentence each: no manifest beside it, a program that
+  // somebody else started meanwhile, or that does not run at the end.
+  [[nodiscard]] const std::vector<std::string>& Warnings() const { return mWarnings; }
 
  private:
   using Step = std::expected<void, CloneOutcome>;
@@ -48,7 +50,8 @@ class SafeCreate {
 
   [[nodiscard]] std::string WhyImpossible() const;
   [[nodiscard]] std::optional<Stamp> StampOf(const std::filesystem::path& file) const;
-  [[nodiscard]] Step TakeName(const clsDumpPLC& engine, const CloneWork& work);
+  [[nodiscard]] Step TakeName(const clsDumpPLC& engine, Channel& link, const CloneWork& work);
+  [[nodiscard]] Step CheckController(const clsDumpPLC& engine, Channel& link);
   [[nodiscard]] Step CheckIsWhole(const CloneManifest& manifest, const CloneWork& work);
   void KeepManifest(CloneManifest manifest);
   [[nodiscard]] std::error_code MoveToName();
@@ -64,7 +67,7 @@ class SafeCreate {
   std::optional<CloneInfo> mInfo;
   std::optional<Channel::ControllerInfo> mController;
   std::string mComment;
-  std::string mManifestTrouble;
+  std::vector<std::string> mWarnings;
 };
 
 }  // namespace kv

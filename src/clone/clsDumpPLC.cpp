@@ -171,7 +171,8 @@ clsDumpPLC::Step clsDumpPLC::StopProgram(Channel& link) {
   const PromptAnswer answer = mPrompts.Show({.text = "The PLC is about to STOP, Continue?",
                                              .title = std::string(kClonerCaption),
                                              .icon = PromptIcon::Question,
-                                             .buttons = PromptButtons::YesNo});
+                                             .buttons = PromptButtons::YesNo,
+                                             .canLose = true});
   if (answer != PromptAnswer::Yes) return {};  // the clone is then made of the running controller
   if (!link.StopController(link.UnitID())) return LinkFailure(link);
   mHasStoppedProgram = true;
@@ -246,6 +247,8 @@ clsDumpPLC::Step clsDumpPLC::DumpBlock(Channel& link, const CloneSegment& segmen
 clsDumpPLC::Step clsDumpPLC::LeaveRunning(Channel& link) {
   const auto isRunning = IsRunning(link);
   if (!isRunning) return std::unexpected(isRunning.error());
+  mWasStartedMeanwhile = *isRunning && mHasStoppedProgram;
+  mManifest.wasRunning |= *isRunning;  // whoever started it: its memory was read while it ran
   if (!*isRunning && !link.RunController(link.UnitID())) return LinkFailure(link);
   mHasStoppedProgram = false;
   return {};

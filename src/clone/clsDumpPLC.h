@@ -63,6 +63,9 @@ class clsDumpPLC {
   // Of a restore: the lines are sent for this unit instead of the one that they were made for. The file stays as it is.
   void UseUnit(std::uint8_t unit) { mUnit = unit; }
 
+  // Of a restore: SHA-256 of the file as it was looked through. Nothing is sent of a file that has become another one.
+  void ExpectDigest(std::string sha256) { mExpected = std::move(sha256); }
+
   // Asks the running operation to end; it notices after the block, the segment or the line that it is busy with, as it
   // does a stop that was asked of the pacer. Never taken back.
   void StopDump() { mIsStopped = true; }
@@ -75,6 +78,9 @@ class clsDumpPLC {
   // Of a create that went through: digests of the bytes that were read and written, and how it was made. Serial number,
   // project, user and comment are for the caller to fill in.
   [[nodiscard]] const CloneManifest& Manifest() const { return mManifest; }
+
+  // Whether somebody started the program that was stopped for a create, before the create did.
+  [[nodiscard]] bool WasStartedMeanwhile() const { return mWasStartedMeanwhile; }
 
   // Whether a create that ended otherwise has left the program stopped, as far as is known.
   [[nodiscard]] bool HasStoppedProgram() const { return mHasStoppedProgram; }
@@ -98,8 +104,8 @@ class clsDumpPLC {
   [[nodiscard]] Step Restore(SerialPortObject& port, const std::filesystem::path& file);
   // Shows the head; the number of command lines.
   [[nodiscard]] std::expected<std::int64_t, CloneOutcome> ShowHead(const std::filesystem::path& file);
-  [[nodiscard]] Step RestoreLines(SerialPortObject& port, CloneLineReader& lines);
-  [[nodiscard]] Step CheckAllWasSent(const CloneLineReader& lines, bool hasMore) const;
+  [[nodiscard]] Step RestoreLines(SerialPortObject& port, CloneLineReader& lines, const Sha256& read);
+  [[nodiscard]] Step CheckAllWasSent(const CloneLineReader& lines, bool hasMore, const Sha256& sent) const;
   [[nodiscard]] CloneOutcome WithoutEnd(const std::filesystem::path& file) const;
   [[nodiscard]] Step RestoreLine(SerialPortObject& port, std::string_view line, std::size_t number);
   [[nodiscard]] Step SendCloneCommand(SerialPortObject& port, std::string_view line);
@@ -121,6 +127,7 @@ class clsDumpPLC {
   Sha256 mSegmentDigest;  // of the segment that is being read
   bool mIsStopped = false;
   bool mHasStoppedProgram = false;  // and not started it again
+  bool mWasStartedMeanwhile = false;
 
   // Of a restore.
   const Channel* mLink = nullptr;
@@ -128,6 +135,8 @@ class clsDumpPLC {
   RestoreReach mReach;
   std::string mLineBefore;  // the last that was answered
   std::optional<std::uint8_t> mUnit;
+  std::string mExpected;  // digest of the file; empty: any
+  std::string mCounted;   // its digest when its lines were counted
 };
 
 }  // namespace kv

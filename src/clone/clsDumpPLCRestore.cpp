@@ -104,26 +104,31 @@ clsDumpPLC::Step clsDumpPLC::Restore(SerialPortObject& port, const std::filesyst
 
   auto stream = OpenCloneFile(file);
   if (!stream) return std::unexpected(CloneOutcome::OfFile(stream.error()));
-  CloneLineReader lines(*stream, Utf8FromPath(file));
+  Sha256 read;
+  CloneLineReader lines(*stream, Utf8FromPath(file), &read);
   for (std::size_t i = 0; i < kCloneHeadLines; ++i) {
     if (const auto line = NextHeadLine(lines); !line) return std::unexpected(line.error());
   }
-  return RestoreLines(port, lines);
+  return RestoreLines(port, lines, read);
 }
 
-clsDumpPLC::Step clsDumpPLC::RestoreLines(SerialPortObject& port, CloneLineReader& lines) {
+clsDumpPLC::Step clsDumpPLC::RestoreLines(SerialPortObject& port, CloneLineReader& lines, const Sha256& read) {
   while (true) {
     const auto line = lines.Next();
     if (!line) return std::unexpected(CloneOutcome::OfFile(line.error()));
-    if (!*line || mReach.written == mReach.lines) return CheckAllWasSent(lines, line->has_value());
+    if (!*line || mReach.written == mReach.lines) return CheckAllWasSent(lines, line->has_value(), read);
     const std::string frame = mUnit ? WithUnit(**line, *mUnit) : std::string(**line);
     if (auto sent = RestoreLine(port, frame, lines.LineNumber()); !sent) return sent;
   }
 }
 
 // Nobody keeps the file as it was when its lines were counted.
-clsDumpPLC::Step clsDumpPLC::CheckAllWasSent(const CloneLineReader& lines, bool hasMore) const {
-  if (!hasMore && mReach.written == mReach.lines) return {};
+clsDumpPLC::Step clsDumpPLC::CheckAllWasSent(const CloneLineReader& lines, bool hasMore, const Sha256& sent) const {
+  if (!hasMore && mReach.written == mReach.lines) {
+    if (sent.Hex() == mCounted) return {};
+    return std::unexpected(CloneOutcome::OfFile(
+        {lines.Name(), "", "it was changed while it was sent: what was sent is part of both. Restore a whole file"}));
+  }
   return std::unexpected(CloneOutcome::OfFile(
       {lines.Name(), "line " + std::to_string(lines.LineNumber() + (hasMore ? 0 : 1)),
        "it was changed while it was sent: it had " + std::to_string(mReach.lines) +
@@ -133,11 +138,18 @@ clsDumpPLC::Step clsDumpPLC::CheckAllWasSent(const CloneLineReader& lines, bool 
 std::expected<std::int64_t, CloneOutcome> clsDumpPLC::ShowHead(const std::filesystem::path& file) {
   auto stream = OpenCloneFile(file);
   if (!stream) return std::unexpected(CloneOutcome::OfFile(stream.error()));
-  CloneLineReader lines(*stream, Utf8FromPath(file));
+  Sha256 digest;
+  CloneLineReader lines(*stream, Utf8FromPath(file), &digest);
   const auto head = ReadHead(lines);
   if (!head) return std::unexpected(head.error());
   Show(*head, PromptIcon::None);
-  return CountCommands(lines);
+  auto count = CountCommands(lines);
+  mCounted = digest.Hex();
+  if (!count || mExpected.empty() || mExpected == mCounted) return count;
+  return std::unexpected(CloneOutcome::OfFile(
+      {lines.Name(), "",
+       "it is not the file any more that was looked through before the restore; nothing was sent of it. Restore it "
+       "again"}));
 }
 
 clsDumpPLC::Step clsDumpPLC::RestoreLine(SerialPortObject& port, std::string_view line, std::size_t number) {
@@ -206,12 +218,17 @@ void clsDumpPLC::WaitTurn(SerialPortObject& port, std::string_view line, std::st
   }
 }
 
-// The reply to the line before, once more, is no reply to this one.
+// Noise that happens to hold a CR ends no wait, nor is the reply to the line before, once more, one to this.
 void clsDumpPLC::TakeInput(SerialPortObject& port, std::string& reply) {
   reply += port.Input();
-  const std::size_t end = reply.find('\r') + 1;
-  if (end == 0 || mLineBefore.empty()) return;
-  if (port.IsReplyTo(mLineBefore, std::string_view(reply).substr(0, end))) reply.erase(0, end);
+  while (const std::size_t end = reply.find('\r') + 1) {
+    const std::string_view first = std::string_view(reply).substr(0, end);
+    const bool isNoise = !first.contains('/') && !first.contains("OK");
+    const bool isOld = !mLineBefore.empty() && port.IsReplyTo(mLineBefore, first);
+    if (!isNoise && !isOld) return;
+    reply.erase(0, end);
+    if (isOld) return;
+  }
 }
 
 }  // namespace kv

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "clone/CloneDiff.h"
+#include "clone/CloneFrame.h"
 #include "clone/CloneVerify.h"
 #include "tests/clone/CloneBench.h"
 
@@ -77,6 +78,19 @@ TEST_F(CompareTest, DiffComparesMemoryNotLines) {
   EXPECT_EQ(found->onlyInFirst.at(0).code, "OP");
   EXPECT_EQ(DiffClones(second, first)->onlyInSecond.at(0).code, "OP");
   EXPECT_FALSE(found->IsSame());
+}
+
+TEST_F(CompareTest, NothingIsNeverTheSame) {
+  const auto clone = Clone("a.kdf");
+  EXPECT_FALSE(VerifyClone(channel, clone, {}, {"AP"}));
+  const std::string content = TemporaryFolder::Content(clone);
+  std::string empty = content.substr(0, content.find('\n', content.find('\n') + 1) + 1) + "\r\n\r\n";
+  folder.Put("a.kdf", empty + BuildEndFrame(0x1F) + "\r\n");
+  const auto info = InspectClone(clone);
+  ASSERT_TRUE(info->IsSound());
+  EXPECT_THAT(VerifyClone(channel, clone).error().reason, ::testing::HasSubstr("nothing to compare"));
+  EXPECT_FALSE(DiffClones(clone, clone));
+  EXPECT_EQ(FindingsBeforeRestore(*info, info->head->version).size(), 1U);
 }
 
 TEST_F(CompareTest, DamageSilenceAndAStopEndAComparison) {

@@ -154,7 +154,8 @@ TEST(RestoreGhost, JudgesRepliesByOkAloneAndByTenSeconds) {
       {"/01WDOK\r", 9900ms, ""}, {"/01WDOK\r", 10100ms, "no reply within 10 s"}, {"", 0ms, "no reply within 10 s"},
       {"/01WDOK", 0ms, "no reply within 10 s"}, {"noise OK\r", 0ms, ""}, {"/01WDERROR07AB\r", 0ms, "(code 07)"},
       {"/01WD\xFFKO\r", 0ms, "no OK"}, {std::string(2000, 'x'), 0ms, "does not end"},
-      {std::string(1015, 'x'), 0ms, "does not end"}, {std::string(1010, 'x') + "OK\r/", 0ms, ""}};
+      {std::string(1015, 'x'), 0ms, "does not end"}, {std::string(1010, 'x') + "OK\r/", 0ms, ""},
+      {"\r\xFE\r/01WDOK\r", 0ms, ""}, {"\r/01WDERROR07AB\r", 0ms, "(code 07)"}, {"NO\r", 0ms, "no reply within 10 s"}};
   for (const Row& row : rows) {
     CloneBench bench;
     FakePort port(bench);
@@ -208,6 +209,7 @@ TEST(RestoreGhost, SaysSuccessOnlyOfAWholeFileThatStayedAsItWasCounted) {
       {kFile, kFile, "", 2},
       {kFile, first, "it had 2 command lines before, and now has 1", 2},
       {kFile, kHead, "and now has 0", 2},
+      {kFile, std::string(kHead) + "/01WDR0030000002ABCE3E\r\r\n" + kLast + "\r\n", "what was sent is part of both", 2},
       {kFile, first + kFirst + "\r\n" + kLast + "\r\n", "and now has more", 2},
       {first, first, "it has no end frame, so the controller still waits", 2}};
   for (const Row& row : rows) {
@@ -218,6 +220,18 @@ TEST(RestoreGhost, SaysSuccessOnlyOfAWholeFileThatStayedAsItWasCounted) {
     EXPECT_EQ(outcome.end, row.reason.empty() ? CloneEnd::Done : CloneEnd::Failed) << row.reason;
     EXPECT_THAT(outcome.reason, HasSubstr(row.reason));
   }
+}
+
+TEST(RestoreGhost, SendsNothingOfAFileThatIsNotTheOneThatWasLookedThrough) {
+  CloneBench bench;
+  FakePort port(bench);
+  bench.folder.Put("clone.kdf", kFile);
+  clsDumpPLC engine(bench.window, bench.prompts, bench.pacer, bench.pacer);
+  engine.ExpectDigest(Sha256().Hex());
+  for (int box = 0; box < 2; ++box) bench.prompts.Press(PromptAnswer::Ok);
+  engine.RestoreGhost(port, bench.file);
+  EXPECT_THAT(engine.Outcome().reason, HasSubstr("not the file any more that was looked through"));
+  EXPECT_EQ(port.sent, 0);
 }
 
 TEST(RestoreGhost, SendsTheLinesForAnotherUnitWhenToldTo) {

@@ -68,6 +68,7 @@ TEST(SafeCreate, LeavesAGoodCloneWhateverFails) {
   std::vector<Row> rows = {
       {"password", [](SafeBench& bench) { bench.channel.reply = CommandReply{"GI0??"}; }, "did not accept"},
       {"stop", [](SafeBench& bench) { bench.meanwhile = [&] { bench.running->StopDump(); }; }, "Stopped by the user"},
+      {"nothing", [](SafeBench& bench) { bench.channel.SetSegments({"XXF00001000 00000410"}); }, "would be empty"},
       {"disk", [&](SafeBench& bench) { bench.meanwhile = [&] { damage(bench); }; }, "is damaged: line 1"},
       {"protected",
        [](SafeBench& bench) { std::filesystem::permissions(bench.file, std::filesystem::perms::owner_read); },
@@ -109,6 +110,39 @@ TEST(SafeCreate, LeavesAFileThatSomebodyElsePutThereAndTellsWhereTheCloneIs) {
     EXPECT_TRUE(InspectClone(*safe.File())->IsSound());
     EXPECT_THAT(safe.Outcome().reason, HasSubstr("It is in " + Utf8FromPath(*safe.File())));
     EXPECT_EQ(bench.channel.calls.back(), kFailed);
+  }
+}
+
+TEST(SafeCreate, TellsWhatBecameOfTheControllerWhileItWasRead) {
+  struct Row {
+    std::function<void(SafeBench& bench)> meanwhile;
+    char stateAfter;
+    const char* told;  // of a success, what it warns of
+    bool isMade;
+  };
+  const Row rows[] = {
+      {[](SafeBench&) {}, 'R', "", true},
+      {[](SafeBench&) {}, 'I', "", true},
+      {[](SafeBench&) {}, 'S', "its state is S", true},
+      {[](SafeBench& bench) { bench.channel.state = 'R'; }, 'R', "Somebody else started the program", true},
+      {[](SafeBench& bench) { bench.channel.info->serialNumber = 12; }, 'R', "serial number 12 instead of 11", false},
+  };
+  for (const Row& row : rows) {
+    SafeBench bench;
+    bench.channel.state = 'R';
+    bench.channel.info = Channel::ControllerInfo{.serialNumber = 11, .state = row.stateAfter, .projectName = {}};
+    bench.meanwhile = [&] { row.meanwhile(bench); };
+    bench.prompts.Enter("x");
+    bench.prompts.Press(PromptAnswer::Yes);
+    const SafeCreate safe = bench.CreateSafely(false);
+    ASSERT_EQ(safe.Outcome().end == CloneEnd::Done, row.isMade) << row.told << safe.Outcome().reason;
+    EXPECT_EQ(bench.Exists(), row.isMade);
+    const std::string told = !row.isMade ? safe.Outcome().reason : safe.Warnings().empty() ? "" : safe.Warnings()[0];
+    EXPECT_THAT(told, HasSubstr(row.told));
+    EXPECT_EQ(told.empty(), *row.told == '\0') << told;
+    if (row.isMade) {
+      EXPECT_EQ((*ReadManifest(bench.file))->wasRunning, told.contains("Somebody"));
+    }
   }
 }
 

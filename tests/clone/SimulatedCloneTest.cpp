@@ -93,7 +93,7 @@ TEST(SimulatedClone, AWholeRestoreAfterOneThatWasCutAtAnyLineLeavesNothingOfIt) 
     ASSERT_TRUE(plc.simulated->UseFaults({"refuse:on=WD,code=0D,nth=" + std::to_string(nth)}));
     ASSERT_EQ(plc.Restore(other).end, CloneEnd::Failed);
     ASSERT_EQ(plc.State(), 'L');
-    ASSERT_TRUE(BeginRestore(plc.Link()));
+    ASSERT_TRUE(BeginRestore(plc.Link(), *plc.Link().GetControllerInfo(1)));
     ASSERT_EQ(plc.Restore(bench.file).end, CloneEnd::Done) << nth;
     EXPECT_TRUE(VerifyClone(plc.Link(), bench.file)->IsSame()) << nth;
   }
@@ -109,10 +109,11 @@ TEST(SimulatedClone, ASegmentThatIsErasedAsAWholeIsErasedInTheTargetOnRequestAlo
 
   Plc plc(bench, 3);
   EXPECT_THAT(*SegmentsThatStay(plc.Link(), erased), ElementsAre(erased[0]));
-  ASSERT_TRUE(BeginRestore(plc.Link()));
+  const Channel::ControllerInfo asked = *plc.Link().GetControllerInfo(1);
+  ASSERT_TRUE(BeginRestore(plc.Link(), asked));
   ASSERT_EQ(plc.Restore(bench.file).end, CloneEnd::Done);
   EXPECT_FALSE(VerifyClone(plc.Link(), bench.file)->IsSame());  // and would never be
-  ASSERT_TRUE(BeginRestore(plc.Link(), erased));
+  ASSERT_TRUE(BeginRestore(plc.Link(), asked, erased));
   ASSERT_EQ(plc.Restore(bench.file).end, CloneEnd::Done);
   EXPECT_TRUE(VerifyClone(plc.Link(), bench.file)->IsSame());
   EXPECT_THAT(*SegmentsThatStay(plc.Link(), erased), IsEmpty());

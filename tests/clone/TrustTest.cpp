@@ -3,6 +3,7 @@
 
 #include "KvCmDrv1/Driver.h"
 #include "clone/ManifestCheck.h"
+#include "clone/RestoreBegin.h"
 #include "clone/RestoreCheck.h"
 #include "clone/SafeCreate.h"
 #include "digest/Sha256.h"
@@ -55,7 +56,7 @@ struct Trust : ::testing::Test {
     safe.SetComment("before\tthe repair");
     clsDumpPLC engine(bench.window, prompts, bench.pacer, bench.pacer);
     safe.Create(engine, prompts, source.Link());
-    EXPECT_EQ(safe.ManifestTrouble(), "");
+    EXPECT_THAT(safe.Warnings(), IsEmpty());
     return safe.Info().value_or(CloneInfo());
   }
   ManifestReport Report() { return CheckManifest(bench.file, *InspectClone(bench.file)); }
@@ -85,7 +86,7 @@ TEST_F(Trust, TheManifestTellsWhatTheFileCannot) {
   ASSERT_TRUE(InspectClone(bench.file)->IsSound()) << "which nobody can see in the file";
   EXPECT_EQ(Report().fit, ManifestFit::Other);
   EXPECT_THAT(Report().text, HasSubstr("not as recorded: AP."));
-  EXPECT_THAT(CheckBeforeRestore(source.Link(), *InspectClone(bench.file), Report(), false)->obstacles,
+  EXPECT_THAT(CheckBeforeRestore(source.Link(), *InspectClone(bench.file), Report())->obstacles,
               ElementsAre(HasSubstr("does not fit the file")));
 
   Create(PromptAnswer::No);
@@ -132,7 +133,7 @@ TEST_F(Trust, AnotherLayoutIsRefusedBeforeAnythingIsSent) {
     CloneInfo other = info;
     other.segments[3].segment.start += row.startShift;
     other.segments[3].segment.length += row.lengthShift;
-    const auto check = CheckBeforeRestore(source.Link(), other, Report(), false);
+    const auto check = CheckBeforeRestore(source.Link(), other, Report());
     if (*row.obstacle == '\0') {
       EXPECT_THAT(check->obstacles, IsEmpty());
     } else {
@@ -140,18 +141,51 @@ TEST_F(Trust, AnotherLayoutIsRefusedBeforeAnythingIsSent) {
     }
   }
   Target plain(bench.pacer, "K220-22-R1");
-  EXPECT_GT(CheckBeforeRestore(plain.Link(), info, Report(), false)->obstacles.size(), 2U);
+  EXPECT_GT(CheckBeforeRestore(plain.Link(), info, Report())->obstacles.size(), 2U);
 }
 
-TEST_F(Trust, AnotherVersionIsAWarningAndAnotherUnitCanBeRewritten) {
-  EXPECT_THAT(CheckBeforeRestore(source.Link(), info, Report(), false)->warnings, IsEmpty());
+TEST_F(Trust, AnotherVersionIsAWarning) {
+  EXPECT_THAT(CheckBeforeRestore(source.Link(), info, Report())->warnings, IsEmpty());
   Target newer(bench.pacer, "AurexQ50", "4.99");
-  const auto check = CheckBeforeRestore(newer.Link(), info, Report(), false);
+  const auto check = CheckBeforeRestore(newer.Link(), info, Report());
   EXPECT_THAT(check->warnings, ElementsAre(HasSubstr("the controller has 4.99")));
   EXPECT_THAT(check->obstacles, IsEmpty());
-  info.unit = 9;
-  EXPECT_THAT(CheckBeforeRestore(newer.Link(), info, Report(), false)->obstacles, ElementsAre(HasSubstr("for unit 9")));
-  EXPECT_THAT(CheckBeforeRestore(newer.Link(), info, Report(), true)->obstacles, IsEmpty());
+  EXPECT_EQ(OtherUnitText(info, 1), "");
+  EXPECT_THAT(OtherUnitText(info, 9), HasSubstr("is for unit 1, but the controller is unit 9"));
+}
+
+TEST_F(Trust, NothingIsBegunOnAnotherControllerOrIntoSomebodyElsesLoad) {
+  struct Row {
+    std::uint32_t serialNumber;
+    char before, now;
+    const char* refused;
+  };
+  const Row rows[] = {{11, 'R', 'R', ""},
+                      {11, 'L', 'S', ""},
+                      {11, 'R', 'L', "somebody else has begun to load"},
+                      {12, 'R', 'R', "serial number 12 instead of 11"}};
+  for (const Row& row : rows) {
+    bench.channel.info = Channel::ControllerInfo{.serialNumber = row.serialNumber, .state = row.now, .projectName = {}};
+    bench.channel.calls.clear();
+    const Channel::ControllerInfo asked{.serialNumber = 11, .state = row.before, .projectName = {}};
+    const auto begun = BeginRestore(bench.channel, asked);
+    EXPECT_THAT(begun ? "" : begun.error().reason, HasSubstr(row.refused));
+    EXPECT_EQ(begun.has_value(), *row.refused == '\0');
+    EXPECT_EQ(bench.channel.calls.size(), 1U) << "only asked";
+  }
+}
+
+TEST_F(Trust, WhatIsOverwrittenWithWhatIsAsked) {
+  RestoreCheck check = *CheckBeforeRestore(source.Link(), info, Report());
+  const std::string question = RestoreQuestion(check, info, bench.file, "AurexQ50, serial number 5", "It is lost.");
+  for (const char* part : {"Controller: AurexQ50, serial number 5\r\n", "clone.kdf\r\n", "Made from: AurexQ50, O/S ",
+                           "Its program stops;", "It is lost. Overwrite it?"}) {
+    EXPECT_THAT(question, HasSubstr(part));
+  }
+  ManifestReport elsewhere = Report();
+  *elsewhere.manifest->serialNumber += 1;
+  EXPECT_THAT(CheckBeforeRestore(source.Link(), info, elsewhere)->warnings,
+              ElementsAre(HasSubstr("not from this one")));
 }
 
 }  // namespace

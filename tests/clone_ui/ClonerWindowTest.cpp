@@ -164,6 +164,9 @@ TEST_F(ClonerWindowTest, CreatesAFileAndShowsTheSegments) {
   };
   Find<QCheckBox>(*window, "chkDT").setChecked(false);
   Create();
+  const MessageBox& stops = prompts.Boxes().front();
+  EXPECT_EQ(stops.text, "The PLC is about to STOP, Continue?");
+  EXPECT_TRUE(stops.canLose) << "Enter must not stop a plant";
   const char* busy = "Korvantis PLC Cloner: Create Clone File (hourglass): StopDump";
   EXPECT_THAT(looks, ElementsAre("Korvantis PLC Cloner: StopDump", busy, busy));
   EXPECT_THAT(progress, HasSubstr("Reading the clone file: "));
@@ -261,6 +264,12 @@ TEST_F(ClonerWindowTest, SavesFirstWhatARestoreIsAboutToOverwrite) {
   Trigger("ID_RestoreGhost");
   EXPECT_THAT(Information(), HasSubstr("was not restored"));
   EXPECT_FALSE(VerifyClone(*other, file)->IsSame());
+  prompts.Choose(Utf8FromPath(file));
+  prompts.Press(PromptAnswer::Yes);
+  prompts.Choose(Utf8FromPath(file));  // what is to be restored would be lost
+  prompts.Press(PromptAnswer::Ok);
+  Trigger("ID_RestoreGhost");
+  EXPECT_THAT(Information(), HasSubstr("would overwrite the clone file"));
 
   prompts.Choose(Utf8FromPath(file));
   prompts.Press(PromptAnswer::Yes);
@@ -302,7 +311,7 @@ TEST_F(ClonerWindowTest, RewritesTheUnitAndErasesWhatTheFileHasNoLineOfOnlyWhenT
   }
   bench.home.Put("clone.kdf", forUnit5);
   PlugIn({});
-  Restore(0, {PromptAnswer::No, PromptAnswer::No});  // not for this unit, and so not at all
+  Restore(0, {PromptAnswer::No});  // not for this unit, and so not at all
   EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("The clone file is for unit 5, but the controller is unit 1"));
   Restore(2, {PromptAnswer::Yes, PromptAnswer::Yes});
   pacer.Sleep(kRestart);
@@ -320,6 +329,7 @@ TEST_F(ClonerWindowTest, ComparesFilesAndTheControllerAndLogsWhatItFound) {
     return Find<QLabel>(*window, "lblProgress").text().toStdString();
   };
   EXPECT_EQ(verify(), "The same.");
+  EXPECT_THAT(Information(), HasSubstr("byte for byte, as it was made"));
   EXPECT_THAT(bench.log, Contains(HasSubstr("the same.")));
   EXPECT_EQ(Heading(), "Comparison");
   EXPECT_THAT(Row(0), HasSubstr(": same"));

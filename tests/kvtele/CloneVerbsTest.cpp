@@ -123,6 +123,7 @@ TEST_F(CloneVerbs, EndWithTheExitCodeThatTellsWhatToDo) {
       {"", {"create", file, "--stop", "--no-stop"}, 2, "--no-stop"},
       {"", {"verify", file, "--segments", "XY"}, 2, "no segment \"XY\""},
       {"", {"restore", file, "--stop"}, 2, "--backup"},
+      {"", {"restore", file, "--backup", file, "--yes", "--replace", "--stop"}, 2, "would overwrite the clone file"},
       {"", {"info", nowhere}, 6, "such.kdf"},
       {"", {"info", file, file}, 2, "econd file can be given with diff only"},
       {"", {"verify", file, "--force"}, 2, "with restore only"},
@@ -218,9 +219,12 @@ TEST_F(CloneVerbs, ASparePartWithAnotherUnitAndDataInAnErasedSegmentCanBeRestore
     more.insert(more.begin(), restore.begin(), restore.end());
     return spare.On(kModel, more);
   };
-  const Result refused = with({});
-  EXPECT_EQ(refused.exit, 4);
-  EXPECT_THAT(refused.err, HasSubstr("--unit-from-controller"));
+  for (const Arguments& forced : {Arguments{}, Arguments{"--force"}}) {  // unit 1 may be a machine on the same line
+    const Result refused = with(forced);
+    EXPECT_EQ(refused.exit, 4);
+    EXPECT_THAT(refused.err, HasSubstr("--unit-from-controller"));
+    EXPECT_THAT(refused.trace, Not(HasSubstr("WD")));
+  }
   const std::string backup = Utf8FromPath(bench.home.Path() / "backup.kdf");
   const Result differs = with({"--unit-from-controller", "--backup", backup, "--password", "1", "--stop"});
   EXPECT_EQ(differs.exit, 5) << differs.err;

@@ -126,6 +126,7 @@ std::optional<char> frmDumpPLC::Identify(Channel& link) {
   mSerialNumber = std::to_string(info->serialNumber);
   mController = ControllerText(*version, *info, where);
   ShowWhoseMemory("Memory of " + mController);
+  mProgressText->clear();
   return info->state;
 }
 
@@ -144,9 +145,14 @@ void frmDumpPLC::CreateClone() {
   static_cast<void>(CreateFrom(*link, safe, "Creating the clone file"));
 }
 
-// A controller that does not tell who it is fails the engine, which says so in its settled way.
+// Nothing is done to a controller that does not tell who it is: no question could name it.
 bool frmDumpPLC::CreateFrom(Channel& link, SafeCreate& safe, const std::string& what) {
   const auto state = Identify(link);
+  if (!state && !mIsStopAsked) {
+    ShowOutcome(what, CloneOutcome::OfLink(link.LastError()), {});
+    mServices.prompts.Show({.text = std::string(kOperationFailed), .title = std::string(kClonerCaption)});
+    return false;
+  }
   if (mIsStopAsked || (state && !IsStartWanted(mServices.prompts, mController, *state))) {
     ShowEnd(CloneEnd::Stopped, kStoppedBefore);
     return false;
@@ -157,7 +163,7 @@ bool frmDumpPLC::CreateFrom(Channel& link, SafeCreate& safe, const std::string& 
   if (!isMade) OfferToRun(*mEngine, link, mServices.prompts, mServices.pacer, mController, outcome);
   ShowOutcome(what, outcome, safe.File().value_or(std::filesystem::path()));
   if (isMade) Say(FoundText(*safe.Info()));
-  if (isMade && !safe.ManifestTrouble().empty()) Say("Warning: " + safe.ManifestTrouble());
+  for (const std::string& warning : safe.Warnings()) Say("Warning: " + warning);
   return isMade;
 }
 

@@ -103,7 +103,7 @@ class frmDumpPLC final : public QDialog, public DumpWindow {
 
   void VerifyClone();
   void CompareClones();
-  void SayWhenOfAnotherModel(const std::filesystem::path& file);
+  void SayWhatIsKnown(const std::filesystem::path& file);
   void ShowComparison(const std::string& what, const std::expected<CloneComparison, CloneOutcome>& comparison,
                       bool isWithController);
 

@@ -5,6 +5,8 @@
 #include "clone/CloneDiff.h"
 #include "clone/CloneVerify.h"
 #include "clone/ComparisonText.h"
+#include "clone/ErasedSegments.h"
+#include "clone/ManifestCheck.h"
 #include "clone/ui/DumpList.h"
 #include "clone/ui/frmDumpPLCOperation.h"
 
@@ -20,10 +22,15 @@ void frmDumpPLC::VerifyClone() {
   if (!link) return ShowNoLink("Nothing was compared.");
   if (mIsStopAsked) return ShowEnd(CloneEnd::Stopped, kStoppedBefore);
   const std::filesystem::path file = PathFromUtf8(*chosen);
-  if (Identify(*link)) SayWhenOfAnotherModel(file);
+  const bool isKnown = Identify(*link).has_value();
   if (mIsStopAsked) return ShowEnd(CloneEnd::Stopped, kStoppedBefore);
-  ShowComparison("Comparing the controller (" + mController + ") with " + *chosen,
-                 kv::VerifyClone(*link, file, Watched()), true);
+  if (!isKnown) return ShowNoLink("The controller did not tell who it is; nothing was compared.");
+  SayWhatIsKnown(file);
+  const auto comparison = kv::VerifyClone(*link, file, Watched());
+  ShowComparison("Comparing the controller (" + mController + ") with " + *chosen, comparison, true);
+  if (!comparison) return;
+  const auto staying = SegmentsThatStayed(*comparison);
+  if (!staying.empty()) Say(StayText(staying) + " A restore offers to erase it.");
 }
 
 void frmDumpPLC::CompareClones() {
@@ -37,10 +44,12 @@ void frmDumpPLC::CompareClones() {
                  DiffClones(PathFromUtf8(*first), PathFromUtf8(*second), Watched()), false);
 }
 
-// The model is no reason not to compare, but explains what is found.
-void frmDumpPLC::SayWhenOfAnotherModel(const std::filesystem::path& file) {
+// How far the file can be trusted. Another model is no reason not to compare, but explains what is found.
+void frmDumpPLC::SayWhatIsKnown(const std::filesystem::path& file) {
   const auto info = InspectClone(file, Watched());
-  if (!info || !info->head || AnsiToUtf8(info->head->version.model) == mModel) return;
+  if (!info || !info->head) return;
+  if (info->IsSound()) Say(WholenessText(*info, CheckManifest(file, *info, Watched())));
+  if (AnsiToUtf8(info->head->version.model) == mModel) return;
   Say("Note: the clone file was made from a " + AnsiToUtf8(info->head->version.model) + ", but the controller is a " +
       mModel + ".");
 }

@@ -22,11 +22,6 @@ constexpr const char* kNotRestored = "The clone file was not restored; the contr
 constexpr const char* kNothingSent = "Nothing was sent, the controller is as it was.";
 constexpr const char* kLineEnd = "\r\n";
 
-// "K220-22-R1, O/S 4.60, cloned on 2026-11-21 10:15:00".
-std::string HeadText(const CloneHead& head) {
-  return AnsiToUtf8(head.version.model + ", O/S " + head.version.osVersion + ", cloned on " + head.created);
-}
-
 std::string Lines(const std::vector<std::string>& sentences) {
   std::string text;
   for (const std::string& sentence : sentences) text += sentence + kLineEnd;
@@ -41,7 +36,6 @@ struct frmDumpPLC::Restoring {
   std::filesystem::path file;
   CloneInfo info = {};
   ManifestReport manifest = {};
-  bool usesOwnUnit = false;  // the lines are sent for the controller's unit, not for the file's
   RestoreCheck check = {};
   std::vector<CloneSegment> erase = {};
 };
@@ -93,12 +87,13 @@ bool frmDumpPLC::Inspect(Restoring& restoring) {
 // A spare part often has another unit id than the controller that it takes the place of.
 bool frmDumpPLC::ChooseUnit(Restoring& restoring) {
   const std::uint8_t unit = restoring.link.UnitID();
-  const std::uint8_t made = restoring.info.unit.value_or(unit);
-  if (made == unit || !restoring.info.IsSound()) return true;
-  restoring.usesOwnUnit = AskYes("The clone file is for unit " + std::to_string(made) +
-                                 ", but the controller is unit " + std::to_string(unit) + "." + kLineEnd + kLineEnd +
-                                 "Send its lines for unit " + std::to_string(unit) + "? The file stays as it is.");
-  return true;
+  const std::string other = OtherUnitText(restoring.info, unit);
+  if (other.empty() || AskYes(other + kLineEnd + kLineEnd + "Send its lines for unit " + std::to_string(unit) +
+                              "? The file stays as it is.")) {
+    return true;
+  }
+  ShowEnd(CloneEnd::Stopped, kNotRestored);
+  return false;
 }
 
 bool frmDumpPLC::Check(Restoring& restoring) {
@@ -106,7 +101,7 @@ bool frmDumpPLC::Check(Restoring& restoring) {
     return FailRestore("The controller did not tell who it is.\n" + restoring.link.LastError().Text());
   }
   mProgressText->setText("Holding the file against the controller");
-  auto check = CheckBeforeRestore(restoring.link, restoring.info, restoring.manifest, restoring.usesOwnUnit, Watched());
+  auto check = CheckBeforeRestore(restoring.link, restoring.info, restoring.manifest, Watched());
   if (!check) return FailRestore(check.error().reason);
   restoring.check = *std::move(check);
   for (const std::string& obstacle : restoring.check.obstacles) Say("Warning: " + obstacle);
@@ -135,13 +130,11 @@ bool frmDumpPLC::ChooseErase(Restoring& restoring) {
 }
 
 bool frmDumpPLC::Consent(Restoring& restoring) {
-  std::string question = "The memory of the controller is about to be overwritten." + std::string(kLineEnd) + kLineEnd +
-                         "Controller: " + mController + kLineEnd + "File: " + Utf8FromPath(restoring.file) + kLineEnd;
-  if (restoring.info.head) question += "Made from: " + HeadText(*restoring.info.head) + kLineEnd;
-  if (!restoring.check.warnings.empty()) question += kLineEnd + Lines(restoring.check.warnings);
-  question += std::string(kLineEnd) + "Its program stops, and what it holds is lost" +
-              (mSaveFirst->isChecked() ? " but for the clone file that is made first" : "") + ". Overwrite it?";
-  if (AskYes(question)) return true;
+  const std::string kept = mSaveFirst->isChecked()
+                               ? "What it holds now is kept in a clone file first."
+                               : "What it holds now is lost; answer No and check \"Save first what a restore is about "
+                                 "to overwrite\" to keep it.";
+  if (AskYes(RestoreQuestion(restoring.check, restoring.info, restoring.file, mController, kept))) return true;
   ShowEnd(CloneEnd::Stopped, kNotRestored);
   return false;
 }
@@ -153,6 +146,11 @@ bool frmDumpPLC::SaveFirst(Restoring& restoring) {
   if (!chosen) {
     ShowEnd(CloneEnd::Stopped, kNotRestored);
     return false;
+  }
+  if (IsSameFile(PathFromUtf8(*chosen), restoring.file)) {
+    return FailRestore(
+        "What the controller holds would overwrite the clone file that is to be restored. Choose "
+        "another name for it.");
   }
   SafeCreate safe(PathFromUtf8(*chosen));
   mTakesAll = true;
@@ -177,7 +175,7 @@ bool frmDumpPLC::GiveAccess(Restoring& restoring) {
 
 bool frmDumpPLC::Begin(Restoring& restoring) {
   if (restoring.link.GetSerialPort() == nullptr) return FailRestore(restoring.link.LastError().Text());
-  const auto begun = BeginRestore(restoring.link, restoring.erase);
+  const auto begun = BeginRestore(restoring.link, restoring.check.controller, restoring.erase);
   if (begun) return true;
   const std::string text = "Restoring the clone file has failed.\n" + begun.error().reason;
   mServices.shared.Remote->StatusMessage(text);
@@ -187,7 +185,8 @@ bool frmDumpPLC::Begin(Restoring& restoring) {
 }
 
 void frmDumpPLC::Send(Restoring& restoring) {
-  if (restoring.usesOwnUnit) mEngine->UseUnit(restoring.link.UnitID());
+  mEngine->UseUnit(restoring.link.UnitID());  // of a damaged file, too, nothing goes to another one
+  mEngine->ExpectDigest(restoring.info.sha256);
   mEngine->RestoreGhost(*restoring.link.GetSerialPort(), restoring.file, &restoring.link);
   CloneOutcome outcome = mEngine->Outcome();
   if (outcome.end != CloneEnd::Done) {
