@@ -367,6 +367,10 @@ TEST_F(DataTypesWindowTest, ASelectedRegionIsBroughtIntoSightAndHasAMenu) {
   Regions().selectRow(0);
   EXPECT_TRUE(Operands().viewport()->rect().contains(Operands().visualRect(Cell(MI, 4000)).center()));
   EXPECT_EQ(Operands().currentIndex(), Cell(MB, 0));
+  Regions().clearSelection();
+  Operands().setFocus();
+  Regions().setFocus(Qt::TabFocusReason);
+  EXPECT_TRUE(WaitUntil([&] { return Tool("ID_RemoveRegion").isEnabled(); })) << "a keyboard alone reaches it";
   for (const auto& [grid, name] : {std::pair{&Regions(), "popRegions"}, {&Operands(), "popMenu"}}) {
     grid->setFocus();
     QTest::keyClick(grid, Qt::Key_F10, Qt::ShiftModifier);

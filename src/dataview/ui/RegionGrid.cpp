@@ -1,5 +1,6 @@
 #include "dataview/ui/RegionGrid.h"
 
+#include <QFocusEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
@@ -94,6 +95,16 @@ std::vector<std::int32_t> RegionGrid::ColumnWidths() const {
   std::vector<std::int32_t> widths;
   for (int column = 0; column < kRegionColumnCount; ++column) widths.push_back(columnWidth(column));
   return widths;
+}
+
+void RegionGrid::focusInEvent(QFocusEvent* event) {
+  QTableView::focusInEvent(event);
+  const Qt::FocusReason reason = event->reason();
+  const bool isByKey =
+      reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason;
+  if (isByKey && mModel.rowCount() > 0 && !selectionModel()->hasSelection()) {
+    selectRow(std::max(currentIndex().row(), 0));
+  }
 }
 
 void RegionGrid::keyPressEvent(QKeyEvent* event) {

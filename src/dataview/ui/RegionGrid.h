@@ -40,6 +40,8 @@ class RegionGrid final : public QTableView {
   void ShowAges() { viewport()->update(); }
 
  protected:
+  // By the keyboard with nothing selected: the region at the cursor is, or its commands would have none.
+  void focusInEvent(QFocusEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   // What to do, where there are no regions.
   void paintEvent(QPaintEvent* event) override;
