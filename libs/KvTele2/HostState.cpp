@@ -23,7 +23,7 @@ std::string ConnectionText(const HostState& state) {
 }
 
 std::string ConnectionHeading(const HostState& state) {
-  const bool isSearching = state.connection == Connection::Lost || state.isSilent;
+  const bool isSearching = (state.connection == Connection::Lost && !state.isWithTool) || state.isSilent;
   return ConnectionText(state) + (isSearching ? ", looking for the controller: " : ": ") + state.link;
 }
 

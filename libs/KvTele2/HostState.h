@@ -33,7 +33,8 @@ struct HostState {
   std::string caption;  // of the panel session; empty: the host's own
 
   Connection connection = Connection::Offline;
-  bool isSilent = false;  // on line, and the controller has owed an answer for some time
+  bool isSilent = false;    // on line, and the controller has owed an answer for some time
+  bool isWithTool = false;  // a tool works with the controller, and the host asks it nothing
   // Why the controller could not be reached, was refused or lost, or does not fit: what happened, cause and cure.
   std::string trouble;
   std::optional<ControllerFacts> controller;  // on line or lost, or the one that was refused

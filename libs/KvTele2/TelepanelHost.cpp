@@ -79,7 +79,7 @@ std::string TelepanelHost::WhyDisabled(std::string_view id) const {
 void TelepanelHost::ClickTool(const std::string& id, const std::string& argument) {
   mIsInTool = true;
   mLastMessage.clear();
-  const ScopeGuard done([this] { mIsInTool = false; });
+  const ScopeGuard done([this] { mIsInTool = mState.isWithTool = false; });
   if (OnToolClicked) OnToolClicked(id, argument);
   mWatch.AskNow();  // what the tool did to the controller or to the link is seen at once
 }

@@ -39,7 +39,8 @@ struct HostServices {
 // Whoever leaves Connecting, Online or Lost for Offline has the link closed (OnLinkReleased).
 //
 // While it is on line the controller is asked at times for its run state and project (LinkWatch), from Tick, and only
-// while no tool works with it. Such a question gives way to any command: it is stopped, and the command done then.
+// while no tool works with it; meanwhile the tool's own exchanges show how it is. Such a question gives way to any
+// command: it is stopped, and the command done then.
 class TelepanelHost final : public RemoteHost {
  public:
   TelepanelHost(HostView& view, HostServices services);
@@ -119,6 +120,7 @@ class TelepanelHost final : public RemoteHost {
   void GoOffline(const std::string& why, const std::string& trouble);
   void GoOnlineWithOther(const std::string& told);
   void LetGo();
+  void FollowTool();
   void AskController(HostView::Wait wait, const std::string& what);
   [[nodiscard]] bool Ask();
   void EndSilence();

@@ -17,6 +17,24 @@ bool IsNoLoss(LinkErrorCode code) {
   return code == Refused || code == Busy || code == NotSupported || code == BadArgument;
 }
 
+// What the last exchange of a tool shows of the controller. Errors of the tool's own doing show nothing.
+bool ShowsAnswer(LinkErrorCode code) {
+  using enum LinkErrorCode;
+  return code == None || code == Refused || code == Busy;
+}
+
+bool ShowsLoss(LinkErrorCode code) {
+  using enum LinkErrorCode;
+  return !ShowsAnswer(code) && !IsNoLoss(code) && code != Stopped && code != Closed;
+}
+
+// The program goes on line with a controller that has come into another one's place, so there is no link to close
+// first.
+LinkError OtherTaken(LinkError error) {
+  error.cure = "see whether this is the right one; when it is not, go off line and connect the right controller";
+  return error;
+}
+
 }  // namespace
 
 void TelepanelHost::Connect(const std::string& argument) {
@@ -105,11 +123,31 @@ void TelepanelHost::LetGo() {
 
 void TelepanelHost::Tick() {
   const bool isHeld = mState.connection == Connection::Online || mState.connection == Connection::Lost;
-  if (!isHeld || !mState.isEnabled || mIsInTool || mIsAsking) return;
+  if (!isHeld || mIsAsking) return;
+  if (mIsInTool) return FollowTool();
+  if (!mState.isEnabled) return;
   if (mWatch.IsDue(mServices.pacer.Now())) AskController(HostView::Wait::Quiet, "Asking the controller");
   if (const auto other = std::exchange(mOtherAnswered, std::nullopt)) GoOnlineWithOther(*other);
   Show();
   if (const auto next = std::exchange(mNext, std::nullopt)) Click(next->id, next->argument);
+}
+
+// A tool works with the controller, so nothing is asked; what its exchanges have shown is told all the same, and what
+// only a question would tell is not known meanwhile. The tool itself keeps the log.
+void TelepanelHost::FollowTool() {
+  if (!mChannel || !mState.controller) return;
+  mState.isWithTool = true;
+  mState.quality = FactsOf(mChannel->Quality());
+  mState.controller->state.clear();
+  const LinkError& error = mChannel->LastError();
+  if (ShowsLoss(error.code)) {
+    mState.connection = Connection::Lost;
+    mState.trouble = error.Text();
+  } else if (mState.connection == Connection::Lost && ShowsAnswer(error.code)) {
+    mState.connection = Connection::Online;
+    mState.trouble = MisfitText(mState);
+  }
+  Show();
 }
 
 void TelepanelHost::NoteSilence() {
@@ -171,7 +209,7 @@ void TelepanelHost::TakeFailure(const LinkError& error) {
     return GoOffline("Off line: the link was closed, or its settings were changed", "");
   const std::string trouble = error.Text();
   if (error.code == LinkErrorCode::OtherController) {
-    if (mWait == HostView::Wait::Quiet) mOtherAnswered = trouble;
+    if (mWait == HostView::Wait::Quiet) mOtherAnswered = OtherTaken(error).Text();
     return GoOffline("Off line: " + trouble, trouble);
   }
   mWatch.Silent(now);

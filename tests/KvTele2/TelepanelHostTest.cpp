@@ -18,6 +18,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 // A window that only remembers what it was last told to show, and which waits it saw.
 class ShownView : public HostView {
@@ -251,7 +252,9 @@ TEST_F(TelepanelHostTest, AnotherControllerIsToldAndGoesThroughTheWholeSequence)
       host.Click(command::kOnLine);
       LoseController();
       if (wasSilent) Pass(std::chrono::seconds(2));
-      channel->error = {.code = LinkErrorCode::OtherController, .happened = "another controller answered: K330"};
+      channel->error = {.code = LinkErrorCode::OtherController,
+                        .happened = "another controller answered: K330",
+                        .cure = "connect the right controller, or close the link and connect to this one"};
       clicked.clear();
       releases = 0;
       onLine = [&] {
@@ -266,10 +269,45 @@ TEST_F(TelepanelHostTest, AnotherControllerIsToldAndGoesThroughTheWholeSequence)
       EXPECT_EQ(view.shown.connection, isRefused ? Connection::Offline : Connection::Online);
       EXPECT_THAT(view.shown.trouble, HasSubstr("nother controller answered: K330"));
       EXPECT_THAT(view.shown.trouble, HasSubstr(isRefused ? "BOOTSTRAP" : "gone on line anew"));
+      EXPECT_THAT(view.shown.trouble, Not(HasSubstr("close the link"))) << "the program has done that";
       for (const auto& entry : host.Log().Entries()) EXPECT_NE(entry.text, "The controller answers again");
       host.Click(command::kOffLine);
     }
   }
+}
+
+TEST_F(TelepanelHostTest, WhatAToolsExchangesShowIsTold) {
+  using enum LinkErrorCode;
+  const struct {
+    LinkErrorCode code;
+    const char* heading;
+  } exchanges[] = {{None, "On line: "},
+                   {Stopped, "On line: "},
+                   {NoReply, "Connection lost: "},
+                   {BadArgument, "Connection lost: "},  // nothing was sent
+                   {Refused, "On line: "},
+                   {OtherController, "Connection lost: "},
+                   {None, "On line: "},
+                   {LinkLost, "Connection lost: "}};
+  host.Click(command::kOnLine);
+  host.OnToolClicked = [&](const std::string&, const std::string&) {
+    for (const auto& each : exchanges) {
+      channel->error = {.code = each.code, .happened = "of the tool"};
+      channel->bits = std::vector<std::uint8_t>{1};
+      if (each.code != None) channel->bits.reset();
+      (void)channel->ReadMB(0, 1, 1);
+      Pass(std::chrono::seconds(1));
+      const bool isLost = std::string(each.heading).starts_with("C");
+      EXPECT_EQ(ConnectionHeading(view.shown), each.heading + view.shown.link) << static_cast<int>(each.code);
+      EXPECT_EQ(view.shown.trouble.empty(), !isLost) << view.shown.trouble;
+      EXPECT_EQ(view.shown.controller->state, "") << "nobody has asked";
+    }
+  };
+  host.Click("ID_DataTypes");
+  EXPECT_THAT(ConnectionHeading(view.shown), HasSubstr("looking for the controller"));
+  Pass(std::chrono::seconds(1));
+  EXPECT_EQ(view.shown.connection, Connection::Online);
+  EXPECT_EQ(view.shown.controller->state, "running");
 }
 
 TEST_F(TelepanelHostTest, NobodyIsAskedWhileAToolWorksWithTheController) {
