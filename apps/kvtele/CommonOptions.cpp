@@ -43,7 +43,7 @@ auto Within(std::int64_t least, std::int64_t most) {
 void DeclareLinkOptions(CLI::App& app, CommonOptions& options) {
   app.add_option("--link", options.link,
                  "The way to the controller: sim:MODEL, tcp:HOST[:PORT], serial:PORT[,BAUD[,8N1]],\n"
-                 "modem:PORT,NUMBER or listen:PORT. Default: the session's own link")
+                 "modem:PORT,NUMBER[,BAUD[,INIT]] or listen:PORT. Default: the session's own link")
       ->type_name("LINK");
   app.add_option("--unit", options.unit, "Unit id of the controller, 0 to 255")->type_name("N")->check(Within(0, 255));
   app.add_option("--serial-number", options.serialNumber,

@@ -1,5 +1,6 @@
 #include "apps/kvtele/Connection.h"
 
+#include "KvCmDrv1/CallerMessages.h"
 #include "apps/kvtele/LinkChoice.h"
 #include "base/AnsiText.h"
 #include "models/ModelCatalogue.h"
@@ -50,8 +51,11 @@ std::expected<std::unique_ptr<Connection>, Failure> Connection::Open(Environment
   auto driver = MakeDriver(environment, common, *choice);
   if (!driver) return std::unexpected(driver.error());
   std::unique_ptr<Connection> connection(new Connection(environment, common, std::move(*driver), choice->settings));
+  // A link that never came about is the failure itself; who called meanwhile is news in any case.
+  connection->mDriver->OnComMessage = [&err = environment.err](const std::string& message) {
+    if (message.starts_with(kCallerDropped)) err << message << "\n" << std::flush;
+  };
   if (const auto reached = connection->Reach(); !reached) return std::unexpected(reached.error());
-  // From here on only: a link that never came about is the failure itself.
   connection->mDriver->OnComMessage = [&err = environment.err](const std::string& message) { err << message << "\n"; };
   connection->mModel = ModelOfIdentification(AnsiToUtf8(connection->mVersion.model));
   if (common.model.empty()) return connection;

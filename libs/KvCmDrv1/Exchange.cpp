@@ -127,7 +127,7 @@ std::expected<std::string_view, LinkError> Exchange::SendText(const TextRequest&
   Conclude(request.unit, outcome);
   const bool isRefused = outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text).has_value();
   if (request.facts.resets && mWentOut && !isRefused) NoteRestart(request.unit);
-  if (outcome != Outcome::Done) return std::unexpected(Explain(outcome));
+  if (outcome != Outcome::Done) return std::unexpected(ExplainRequest(outcome));
   return mMain.reply;
 }
 
@@ -141,7 +141,7 @@ std::expected<BlockReply, LinkError> Exchange::SendBlock(const BlockRequest& req
     outcome = RunWithAccess(request.unit, [&] { return RunBlock(request); });
   }
   Conclude(request.unit, outcome);
-  if (outcome != Outcome::Done) return std::unexpected(Explain(outcome));
+  if (outcome != Outcome::Done) return std::unexpected(ExplainRequest(outcome));
   return BlockReply{mBlockStatus, mMain.reply};
 }
 

@@ -226,6 +226,7 @@ class Exchange {
   [[nodiscard]] Duration WaitOf(bool isSlow, int tryNumber) const;
   [[nodiscard]] Duration ReserveOf(const CommandFacts& facts) const;
   void LoseLink();
+  [[nodiscard]] LinkError ExplainRequest(Outcome outcome) const;
 
   Pacer& mPacer;
   Line& mLine;
@@ -250,7 +251,7 @@ class Exchange {
   Instant mDeadline{};
   Instant mTryStart{};
   bool mIsUnderWay = false;
-  bool mWentOut = false;  // any of it has reached the line
+  bool mWentOut = false;  // any of it has reached the line since it was refused last
   int mTriesUsed = 0;
   int mLosses = 0;
   std::uint16_t mCounterBefore = 0;

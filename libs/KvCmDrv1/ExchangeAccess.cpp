@@ -17,12 +17,12 @@ constexpr std::size_t kAccessReply = 9;
 
 // A refused request has changed nothing, so it is sent anew. Without access the refusal stands.
 Outcome Exchange::RunWithAccess(std::uint8_t unit, const std::function<Outcome()>& run) {
+  mWentOut = false;
   const Outcome access = GetAccess(unit);
   if (access == Outcome::NotSupported) return Outcome::Done;
   // What was lost is met anew by the request, and gets its access then.
   if (access == Outcome::Lost) LoseLink();
   if (access != Outcome::Done && access != Outcome::Lost) return access;
-  mWentOut = false;
   return run();
 }
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "KvCmDrv1/CallerMessages.h"
 #include "KvCmDrv1/Exchange.h"
 
 // Ports that partners call: anybody may be there, so each caller is asked who it is before it is taken.
@@ -56,7 +57,7 @@ void Exchange::DropCaller(const std::string& name, Outcome outcome) {
   mLine.DropPartner();
   ++mDropped;
   mLastDropped = name + ": " + WhyDropped(outcome);
-  mSay("A caller was dropped: " + mLastDropped);
+  mSay(std::string(kCallerDropped) + mLastDropped);
 }
 
 std::string Exchange::WhyDropped(Outcome outcome) const {

@@ -36,6 +36,13 @@ std::optional<LinkError> Exchange::Refuse() const {
   return std::nullopt;
 }
 
+// A request of which no byte has gone out, or that was refused and is about to go out anew, has changed nothing.
+LinkError Exchange::ExplainRequest(Outcome outcome) const {
+  LinkError error = Explain(outcome);
+  error.isNotExecuted = error.isNotExecuted || !mWentOut;
+  return error;
+}
+
 LinkError Exchange::Explain(Outcome outcome) const {
   using enum LinkErrorCode;
   const int tries = mTriesUsed > 0 ? mTriesUsed : mSettings.tries;  // none of its own: meeting the unit took them all

@@ -89,8 +89,10 @@ constexpr std::string_view kPortText = "a port of 1 to 65535";
 constexpr std::string_view kSerialText =
     "PORT[,BAUD[,8N1]], as in serial:COM3,115200; a name with a comma stands in double quotes";
 constexpr std::string_view kModemText =
-    "PORT,NUMBER[,BAUD], as in modem:COM3,0123456; a number with a comma stands in double quotes, as in "
-    "modem:COM3,\"0,123456\"";
+    "PORT,NUMBER[,BAUD[,INIT]], as in modem:COM3,0123456 or modem:COM3,0123456,9600,ATM0; what holds a comma stands in "
+    "double quotes, as in modem:COM3,\"0,123456\"";
+constexpr std::string_view kInitText =
+    "the init text of the modem: printable characters, which begin with AT unless they are quoted";
 
 Parsed ParseSimulated(std::string_view rest, LinkSettings settings) {
   if (rest.empty()) return Expected("a model behind sim:, for example sim:K220-22-R1", rest);
@@ -145,12 +147,22 @@ bool MayBeCut(const Field& number, const LinkSettings& settings) {
   return number.text.size() < kShortest || std::ranges::find(kUsualRates, settings.baudRate) == kUsualRates.end();
 }
 
+// What does not begin as a modem's command does may be the rest of a number that is not quoted.
+bool SetInit(const Field& field, LinkSettings& settings) {
+  const std::string& text = field.text;
+  const bool isPrintable = std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) >= 0x20; });
+  const bool isCommand = text.starts_with("AT") || text.starts_with("at");
+  if (!isPrintable || (!field.isQuoted && !isCommand)) return false;
+  settings.modem.init = text;
+  return true;
+}
+
 Parsed ParseModem(std::string_view rest, LinkSettings settings) {
   const auto fields = SplitAtCommas(rest);
   if (!fields) return std::unexpected(fields.error());
   const std::vector<Field>& parts = *fields;
   settings.transport = Transport::Modem;
-  if (parts.size() < 2 || parts.size() > 3 || parts[0].text.empty() || parts[1].text.empty()) {
+  if (parts.size() < 2 || parts.size() > 4 || parts[0].text.empty() || parts[1].text.empty()) {
     return Expected(kModemText, rest);
   }
   settings.serialPort = parts[0].text;
@@ -158,6 +170,7 @@ Parsed ParseModem(std::string_view rest, LinkSettings settings) {
   if (parts.size() == 2) return settings;
   if (!SetBaudRate(parts[2].text, settings)) return Expected(kBaudText, parts[2].text);
   if (MayBeCut(parts[1], settings)) return Expected(kModemText, rest);
+  if (parts.size() == 4 && !SetInit(parts[3], settings)) return Expected(kInitText, parts[3].text);
   return settings;
 }
 
@@ -193,7 +206,8 @@ std::expected<LinkSettings, std::string> ParseLink(std::string_view text, const 
   for (const Kind& kind : kKinds) {
     if (text.starts_with(kind.prefix)) return kind.parse(text.substr(kind.prefix.size()), base);
   }
-  return Expected("sim:MODEL, tcp:HOST:PORT, serial:PORT[,BAUD[,8N1]], modem:PORT,NUMBER[,BAUD] or listen:PORT", text);
+  return Expected(
+      "sim:MODEL, tcp:HOST:PORT, serial:PORT[,BAUD[,8N1]], modem:PORT,NUMBER[,BAUD[,INIT]] or listen:PORT", text);
 }
 
 std::string PrintLink(const LinkSettings& settings) {
@@ -206,7 +220,8 @@ std::string PrintLink(const LinkSettings& settings) {
     case Transport::Serial:
       return "serial:" + PortText(settings.serialPort) + rate + "," + PrintFraming(settings.framing);
     case Transport::Modem:
-      return "modem:" + PortText(settings.serialPort) + "," + Quoted(settings.modem.number) + rate;
+      return "modem:" + PortText(settings.serialPort) + "," + Quoted(settings.modem.number) + rate + "," +
+             Quoted(settings.modem.init);
     case Transport::Listen:
       return "listen:" + std::to_string(settings.tcpPort);
   }

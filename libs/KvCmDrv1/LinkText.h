@@ -10,10 +10,10 @@ namespace kv {
 
 // A link as one text, for the command line and for saved link parameters:
 //
-//   sim:MODEL | tcp:HOST:PORT | serial:PORT[,BAUD[,8N1]] | modem:PORT,NUMBER[,BAUD] | listen:PORT
+//   sim:MODEL | tcp:HOST:PORT | serial:PORT[,BAUD[,8N1]] | modem:PORT,NUMBER[,BAUD[,INIT]] | listen:PORT
 //
-// tcp: without a port takes 20300; an IPv6 host stands in brackets ("tcp:[::1]:20300"). A port name or a number with a
-// comma stands in double quotes, a quote in it doubled (modem:COM3,"0,123456",9600).
+// tcp: without a port takes 20300; an IPv6 host stands in brackets ("tcp:[::1]:20300"). A port name, a number or an
+// init text with a comma stands in double quotes, a quote in it doubled (modem:COM3,"0,123456",9600).
 
 // `base` with the link that `text` names; what the text leaves open stays as in `base`. The error says what was
 // expected.

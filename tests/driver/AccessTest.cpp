@@ -45,6 +45,12 @@ struct Guarded : Bench {
   }
 };
 
+void PutAnother(Guarded& bench) {
+  sim::SimulatorOptions another;
+  another.serialNumber = 4711;
+  bench.plant.Connect("K220", "secret", another);
+}
+
 bool BeginDownload(Channel& channel) {
   DownloadEngine& engine = *channel.GetDownloadEngine();
   engine.SetMessage({.opCode = 66});
@@ -117,6 +123,7 @@ TEST(Access, WhatHappensWhileTheUserTypesIsNoticed) {
       {"Ctrl-C", [](Guarded& bench) { bench.pacer.RequestStop(); }, LinkErrorCode::Stopped},
       {"closed", [](Guarded& bench) { bench.channel.Close(); }, LinkErrorCode::Closed},
       {"busy", [](Guarded& bench) { bench.plant.UseFaults({"busy:on=AC,nth=1"}); }, LinkErrorCode::Busy},
+      {"another machine", PutAnother, LinkErrorCode::OtherController},
       {"second", [](Guarded& bench) { EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1)); }, LinkErrorCode::None},
   };
   for (const auto& each : cases) {
@@ -126,6 +133,10 @@ TEST(Access, WhatHappensWhileTheUserTypesIsNoticed) {
     EXPECT_EQ(bench.channel.WriteMI(0, kSeven, 1), each.code == LinkErrorCode::None);
     EXPECT_EQ(bench.Error().code, each.code) << bench.Error().Text();
     EXPECT_EQ(bench.user.wanted.size(), 1U);
+    const bool isGiven = bench.trace->Text().find("/01AC") != std::string::npos;
+    const bool isGone = each.code != LinkErrorCode::None && each.code != LinkErrorCode::Busy;
+    EXPECT_NE(isGiven, isGone);
+    EXPECT_EQ(bench.Error().isNotExecuted, isGone) << "the write was refused, and did not go out again";
   }
 }
 
