@@ -227,6 +227,7 @@ class Exchange {
   [[nodiscard]] Duration ReserveOf(const CommandFacts& facts) const;
   void LoseLink();
   [[nodiscard]] LinkError ExplainRequest(Outcome outcome) const;
+  [[nodiscard]] LinkError ExplainSilence(const std::string& happened, const std::string& andWhence) const;
 
   Pacer& mPacer;
   Line& mLine;

@@ -43,6 +43,16 @@ LinkError Exchange::ExplainRequest(Outcome outcome) const {
   return error;
 }
 
+// What silence may come from, and what to look at: only where there is a line with a speed is it the speed.
+LinkError Exchange::ExplainSilence(const std::string& happened, const std::string& andWhence) const {
+  const bool hasSpeed = mLine.GetPort().ByteTime() > Duration{};
+  const std::string settings = hasSpeed ? "unit id or line speed" : "unit id";
+  return MakeError(LinkErrorCode::NoReply, happened,
+                   "the controller is switched off, is not connected, or has another " + settings + andWhence,
+                   std::string("check cable and power, and ") + (hasSpeed ? "unit id and speed" : "the unit id") +
+                       " in the communication settings");
+}
+
 LinkError Exchange::Explain(Outcome outcome) const {
   using enum LinkErrorCode;
   const int tries = mTriesUsed > 0 ? mTriesUsed : mSettings.tries;  // none of its own: meeting the unit took them all
@@ -52,14 +62,10 @@ LinkError Exchange::Explain(Outcome outcome) const {
     case Outcome::Done:
       return {};
     case Outcome::Silence:
-      return MakeError(NoReply, "no reply after " + effort,
-                       "the controller is switched off, is not connected, or has another unit id or line speed",
-                       "check cable and power, and unit id and speed in the communication settings");
+      return ExplainSilence("no reply after " + effort, "");
     case Outcome::Stray:
-      return MakeError(NoReply, "no reply after " + effort + ", only a few stray bytes",
-                       "the controller is switched off, is not connected, or has another unit id or line speed; the "
-                       "bytes are those of a transmitter that switches on, or of another device",
-                       "check cable and power, and unit id and speed in the communication settings");
+      return ExplainSilence("no reply after " + effort + ", only a few stray bytes",
+                            "; the bytes are those of a transmitter that switches on, or of another device");
     case Outcome::Foreign:
       return MakeError(NoReply, "no reply after " + effort + ", only messages that answer something else",
                        "another device or program talks on this line, an adapter echoes, the unit id is another one, "
@@ -96,7 +102,7 @@ LinkError Exchange::Explain(Outcome outcome) const {
                        "the cable was moved, or the address now belongs to another controller",
                        mSettings.serialNumber
                            ? "connect the right controller, or change the serial number that the link is set to"
-                           : "connect the right controller, or close the link and connect to this one");
+                           : "connect the right controller, or go on line again to work with this one");
     case Outcome::Unsure:
       return MakeError(
           Unsure, "the request was sent, but whether it was executed could not be found out",

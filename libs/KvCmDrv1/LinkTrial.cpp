@@ -9,9 +9,11 @@ std::expected<LinkTrial, LinkError> Identify(ChannelImpl& channel) {
   if (!channel.Open()) return std::unexpected(channel.LastError());
   channel.SetCommandOwner("test");
   const std::optional<VersionInfo> version = channel.GetVersionInfo(channel.UnitID());
+  const LinkError error = channel.LastError();
+  const auto info = version ? channel.GetControllerInfo(channel.UnitID()) : std::nullopt;
   channel.SetCommandOwner("");
-  if (!version) return std::unexpected(channel.LastError());
-  return LinkTrial{*version, channel.Quality().roundTrip};
+  if (!version) return std::unexpected(error);
+  return LinkTrial{*version, info ? std::optional(info->serialNumber) : std::nullopt, channel.Quality().roundTrip};
 }
 
 // Without a user's doing: dialling costs money, and a controller dials in when it likes.

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+
 #include "base/Time.h"
 #include "link/VersionInfo.h"
 
@@ -8,6 +11,7 @@ namespace kv {
 // What a trial of a link found: who answered, and how fast.
 struct LinkTrial {
   VersionInfo version;
+  std::optional<std::uint32_t> serialNumber;  // nothing: it does not tell it
   Duration roundTrip{};
 };
 

@@ -26,6 +26,7 @@ class TraceSecrets {
 
  private:
   std::string mMasked;
+  std::string mSecret;  // the last request with a password
   Instant mWithholdsUntil = Instant::min();
 };
 

@@ -153,7 +153,10 @@ void TelepanelHost::SetSessionPath(const std::string& folder) {
 }
 
 void TelepanelHost::SetModel(const std::string& model) {
-  mState.model = model;
+  const std::string before = std::exchange(mState.model, model);
+  if (mState.connection == Connection::Connecting && !before.empty() && before != model) {
+    Note("The selected model is now that of the controller, " + model + "; before, it was " + before);
+  }
   if (IsOfferedModel(ModelOfIdentification(model))) return Show();
   StatusMessage(model.empty() ? "No model is selected. Choose one from the list of models."
                               : "The model \"" + model +

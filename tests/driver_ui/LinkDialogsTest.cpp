@@ -130,6 +130,12 @@ TEST_F(LinkDialogsTest, APortThatIsGoneStaysAndIsFoundAgain) {
                                      "/dev/ttyUSB7 - not present"));
     EXPECT_EQ(combo.currentText(), "/dev/ttyUSB7");
     EXPECT_EQ(Find<QLabel>(dialog, "lblPortInfo").text(), "not present");
+    combo.setEditText(folder.Path().c_str());
+    EXPECT_EQ(Find<QLabel>(dialog, "lblPortInfo").text(), "there, but not in the list of ports");
+    combo.setEditText("/dev/ttyUSB7");
+    Find<QComboBox>(dialog, "cboBaudRate").setFocus();
+    QTest::keyClick(&dialog, Qt::Key_P, Qt::AltModifier);
+    EXPECT_TRUE(combo.hasFocus() || combo.lineEdit()->hasFocus());
     ports.push_back({"ttyUSB7", "/dev/ttyUSB7", "Plugged in again", ""});
     QTest::keyClick(&dialog, Qt::Key_F5);
     EXPECT_TRUE(WaitUntil([&] { return Find<QLabel>(dialog, "lblPortInfo").text() == "Plugged in again"; }));

@@ -209,6 +209,7 @@ TEST(ProtocolPage, TimeOutsAndTries) {
                                              std::to_string(LinkSettings().tries),
                                              std::to_string(kTries.highest),
                                              inMilliseconds(RoundTrip::kFloor),
+                                             inMilliseconds(kRestartTime),
                                              inMilliseconds(*reader.Deadline() - Instant{})};
   std::vector<std::string> values;
   for (const Row& row : RowsBelow({"What", "Value"})) values.push_back(row[1]);

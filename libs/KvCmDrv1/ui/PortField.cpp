@@ -1,6 +1,7 @@
 #include "KvCmDrv1/ui/PortField.h"
 
 #include <QComboBox>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
 #include <QSignalBlocker>
@@ -13,7 +14,10 @@
 namespace kv {
 namespace {
 
-constexpr const char* kNotPresent = "not present";
+// What is known of a port that is not among those of this computer. Pseudo terminals and links to ports are not.
+std::string UnlistedText(const std::string& port) {
+  return QFileInfo::exists(QString::fromStdString(port)) ? "there, but not in the list of ports" : "not present";
+}
 
 QString Described(const std::string& port, const std::string& description) {
   return QString::fromStdString(description.empty() ? port : port + " - " + description);
@@ -49,6 +53,7 @@ PortField::PortField(PortLister listPorts, QWidget* parent) : QWidget(parent), m
   grid->addWidget(mInfo, 1, 0, 1, 2);
   grid->setColumnStretch(0, 1);
   setFocusProxy(mCombo);
+  setFocusPolicy(mCombo->focusPolicy());  // or the key of the label would not reach it
   connect(mCombo, &QComboBox::activated, this, [this](int index) { Choose(index); });
   connect(mCombo, &QComboBox::editTextChanged, this, [this] {
     ShowInfo();
@@ -76,7 +81,7 @@ void PortField::Refresh() {
     mCombo->setItemData(mCombo->count() - 1, QString::fromStdString(port.stablePath), Qt::ToolTipRole);
   }
   const bool isThere = std::ranges::any_of(mPorts, [&](const auto& port) { return IsCalled(port, chosen); });
-  if (!isThere && !chosen.empty()) mCombo->addItem(Described(chosen, kNotPresent), QString::fromStdString(chosen));
+  if (!isThere && !chosen.empty()) mCombo->addItem(Described(chosen, UnlistedText(chosen)), QString::fromStdString(chosen));
   mCombo->setEditText(QString::fromStdString(chosen));
   ShowInfo();
 }
@@ -90,7 +95,7 @@ void PortField::ShowInfo() {
   const std::string chosen = Text();
   const auto port = std::ranges::find_if(mPorts, [&](const auto& each) { return IsCalled(each, chosen); });
   const bool isMissing = port == mPorts.end() && !chosen.empty();
-  mInfo->setText(isMissing              ? QString(kNotPresent)
+  mInfo->setText(isMissing              ? QString::fromStdString(UnlistedText(chosen))
                  : port == mPorts.end() ? QString("choose one of this computer's ports")
                                         : QString::fromStdString(port->description));
 }

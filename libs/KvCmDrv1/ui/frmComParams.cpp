@@ -34,10 +34,11 @@ QString ResultText(const std::expected<LinkTrial, LinkError>& result) {
   if (!result) return QString::fromStdString(result.error().Text());
   const auto milliseconds = static_cast<double>(result->roundTrip.count()) / 1000.0;
   const QString time = milliseconds < 0.1 ? "below 0.1" : QString::number(milliseconds, 'f', 1);
-  return QString("Connected to %1, O/S %2, build %3.\nRound trip %4 ms.")
+  const QString serial = result->serialNumber ? QString(", serial number %1").arg(*result->serialNumber) : QString();
+  return QString("Connected to %1, O/S %2, build %3%4.\nRound trip %5 ms.")
       .arg(QString::fromStdString(AnsiToUtf8(result->version.model)),
            QString::fromStdString(OsVersionText(result->version)), QString::fromStdString(OsBuildText(result->version)),
-           time);
+           serial, time);
 }
 
 }  // namespace
