@@ -206,8 +206,8 @@ std::expected<LinkSettings, std::string> ParseLink(std::string_view text, const 
   for (const Kind& kind : kKinds) {
     if (text.starts_with(kind.prefix)) return kind.parse(text.substr(kind.prefix.size()), base);
   }
-  return Expected(
-      "sim:MODEL, tcp:HOST:PORT, serial:PORT[,BAUD[,8N1]], modem:PORT,NUMBER[,BAUD[,INIT]] or listen:PORT", text);
+  return Expected("sim:MODEL, tcp:HOST:PORT, serial:PORT[,BAUD[,8N1]], modem:PORT,NUMBER[,BAUD[,INIT]] or listen:PORT",
+                  text);
 }
 
 std::string PrintLink(const LinkSettings& settings) {

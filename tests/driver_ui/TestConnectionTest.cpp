@@ -41,7 +41,8 @@ TEST_F(TestConnectionTest, ShowsWhoAnswersAndForgetsItWithTheNextChange) {
   InSettings([](QDialog& dialog) {
     Find<QComboBox>(dialog, "cboModel").setCurrentIndex(1);
     Press(dialog, "cmdTest");
-    EXPECT_TRUE(Result(dialog).startsWith("Connected to K450-45, O/S 1.10, build 19, serial number ")) << Result(dialog).toStdString();
+    EXPECT_TRUE(Result(dialog).startsWith("Connected to K450-45, O/S 1.10, build 19, serial number "))
+        << Result(dialog).toStdString();
     Find<QComboBox>(dialog, "cboModel").setCurrentIndex(0);
     EXPECT_EQ(Result(dialog), "");
     QTest::keyClick(&dialog, Qt::Key_Escape);

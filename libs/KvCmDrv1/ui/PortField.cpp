@@ -81,7 +81,8 @@ void PortField::Refresh() {
     mCombo->setItemData(mCombo->count() - 1, QString::fromStdString(port.stablePath), Qt::ToolTipRole);
   }
   const bool isThere = std::ranges::any_of(mPorts, [&](const auto& port) { return IsCalled(port, chosen); });
-  if (!isThere && !chosen.empty()) mCombo->addItem(Described(chosen, UnlistedText(chosen)), QString::fromStdString(chosen));
+  if (!isThere && !chosen.empty())
+    mCombo->addItem(Described(chosen, UnlistedText(chosen)), QString::fromStdString(chosen));
   mCombo->setEditText(QString::fromStdString(chosen));
   ShowInfo();
 }
