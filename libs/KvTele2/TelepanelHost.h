@@ -39,8 +39,8 @@ struct HostServices {
 // Whoever leaves Connecting, Online or Lost for Offline has the link closed (OnLinkReleased).
 //
 // While it is on line the controller is asked at times for its run state and project (LinkWatch), from Tick, and only
-// while no tool works with it; meanwhile the tool's own exchanges show how it is. Such a question gives way to any
-// command: it is stopped, and the command done then.
+// while no tool works with it; meanwhile the tool's own exchanges show how it is (FollowTool). Such a question gives
+// way to any command: it is stopped, and the command done then.
 class TelepanelHost final : public RemoteHost {
  public:
   TelepanelHost(HostView& view, HostServices services);
@@ -57,6 +57,9 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] std::string WhyDisabled(std::string_view id) const;
   // To be called about once a second.
   void Tick();
+  // To be called instead while another window or a box holds up the main window: what a tool's exchanges have shown of
+  // the controller is told; nothing is asked.
+  void FollowTool();
   // To be called by the view when a quiet wait has lasted for about a second.
   void NoteSilence();
 
@@ -120,7 +123,6 @@ class TelepanelHost final : public RemoteHost {
   void GoOffline(const std::string& why, const std::string& trouble);
   void GoOnlineWithOther(const std::string& told);
   void LetGo();
-  void FollowTool();
   void AskController(HostView::Wait wait, const std::string& what);
   [[nodiscard]] bool Ask();
   void EndSilence();

@@ -135,7 +135,8 @@ void TelepanelHost::Tick() {
 // A tool works with the controller, so nothing is asked; what its exchanges have shown is told all the same, and what
 // only a question would tell is not known meanwhile. The tool itself keeps the log.
 void TelepanelHost::FollowTool() {
-  if (!mChannel || !mState.controller) return;
+  const bool isHeld = mState.connection == Connection::Online || mState.connection == Connection::Lost;
+  if (!isHeld || !mIsInTool || mIsAsking || !mChannel || !mState.controller) return;
   mState.isWithTool = true;
   mState.quality = FactsOf(mChannel->Quality());
   mState.controller->state.clear();

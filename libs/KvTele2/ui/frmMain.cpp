@@ -139,8 +139,8 @@ void frmMain::LetInputThrough() {
 }
 
 void frmMain::Tick() {
-  // A box of the host's may be open over the window.
-  if (!QApplication::activeModalWidget()) mHost->Tick();
+  // A tool's window may hold this one up, or a box of the host's, under which nothing is asked.
+  QApplication::activeModalWidget() ? mHost->FollowTool() : mHost->Tick();
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
