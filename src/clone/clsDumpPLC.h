@@ -32,8 +32,10 @@ inline constexpr std::string_view kOperationFailed = "Operation Failed.";
 
 // Ends the reason of a create that has left the program stopped.
 inline constexpr std::string_view kLeftStopped =
-    "The controller's program was stopped for this clone and still is. It starts with the run command, when a clone is "
-    "created again, or when the controller is switched off and on.";
+    "The controller's program was stopped for this clone and was not started again from here: unless the controller "
+    "has "
+    "restarted meanwhile, it stands still. It starts with \"kvtele run\", when a clone is created again, or when the "
+    "controller is switched off and on.";
 
 // Copies the memory of a controller into a clone file, and a clone file into a controller.
 //
@@ -112,7 +114,8 @@ class clsDumpPLC {
   [[nodiscard]] Step WaitCloneReply(SerialPortObject& port, std::string_view line);
   void WaitTurn(SerialPortObject& port, std::string_view line, std::string& reply);
   void TakeInput(SerialPortObject& port, std::string& reply);
-  [[nodiscard]] CloneOutcome PortFailure(CloneCause cause, const std::string& reason) const;
+  [[nodiscard]] CloneOutcome PortFailure(CloneCause cause, const std::string& reason,
+                                         const std::string& likely = {}) const;
 
   void Show(std::string_view text, PromptIcon icon);
   [[nodiscard]] bool IsStopRequested() const { return mIsStopped || mPacer.StopRequested(); }

@@ -87,9 +87,11 @@ CloneOutcome clsDumpPLC::WithoutEnd(const std::filesystem::path& file) const {
                                "its program stopped, its memory part of the clone. Restore a whole file"});
 }
 
-CloneOutcome clsDumpPLC::PortFailure(CloneCause cause, const std::string& reason) const {
+// The likely cause is a guess, for when the link does not know better.
+CloneOutcome clsDumpPLC::PortFailure(CloneCause cause, const std::string& reason, const std::string& likely) const {
   CloneOutcome outcome = CloneOutcome::Failed(cause, reason);
   const bool hasReason = mLink != nullptr && mLink->LastError().Text() != mOldLinkError;
+  if (!hasReason && !likely.empty()) outcome.reason += "\nLikely cause: " + likely;
   if (!hasReason) return outcome;
   outcome.link = mLink->LastError();
   outcome.reason += "\n" + outcome.link.Text();
@@ -175,9 +177,9 @@ clsDumpPLC::Step clsDumpPLC::SendCloneCommand(SerialPortObject& port, std::strin
 }
 
 clsDumpPLC::Step clsDumpPLC::WaitCloneReply(SerialPortObject& port, std::string_view line) {
-  const auto fail = [&](const std::string& reason) -> Step {
+  const auto fail = [&](const std::string& reason, const std::string& likely) -> Step {
     Show(kNotReady, PromptIcon::None);
-    return std::unexpected(PortFailure(CloneCause::Reply, reason));
+    return std::unexpected(PortFailure(CloneCause::Reply, reason, likely));
   };
   if (line == mLineBefore) mLineBefore.clear();  // their replies are alike
   const Instant start = mPacer.Now();
@@ -191,12 +193,12 @@ clsDumpPLC::Step clsDumpPLC::WaitCloneReply(SerialPortObject& port, std::string_
       break;
     }
     if (reply.size() + kBufferReserve > port.InBufferSize()) {
-      return fail("the reply does not end.\nLikely cause: noise on the line, or another speed.");
+      return fail("the reply does not end.", "noise on the line, or another speed.");
     }
     if (mPacer.Now() - start > kLongestReply) {
-      return fail(
-          "no reply within 10 s.\nLikely cause: the controller is switched off, has another unit id than the file, or "
-          "the line broke.");
+      const char* otherUnit = mUnit ? "" : "has another unit id than the file, ";
+      return fail("no reply within 10 s.",
+                  std::string("the controller is switched off, ") + otherUnit + "or the line broke.");
     }
   }
   mLineBefore = line;

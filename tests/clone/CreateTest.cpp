@@ -199,7 +199,7 @@ TEST(CreateGhost, FailsAtEachExchangeInTurnWithoutAFileAndWithoutOneMore) {
     EXPECT_FALSE(bench.Exists());
     const bool isLeftStopped = failAt > 4;
     EXPECT_EQ(bench.channel.state, isLeftStopped ? 'S' : 'R') << failAt;
-    EXPECT_EQ(outcome.reason.find("still is") != std::string::npos, isLeftStopped) << failAt;
+    EXPECT_EQ(outcome.reason.find("was not started again") != std::string::npos, isLeftStopped) << failAt;
   }
   EXPECT_EQ(exchanges, 10);  // version, table, state, stop, three reads and one, state, run
 }
