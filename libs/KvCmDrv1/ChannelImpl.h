@@ -134,7 +134,6 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] bool WriteTyped(std::int32_t code, std::int16_t start, std::span<const Value> values,
                                 std::uint8_t unit);
   [[nodiscard]] bool Control(std::string_view command, const char* verb, std::uint8_t unit);
-  [[nodiscard]] bool IsAsciiOnly(std::uint8_t unit);
   [[nodiscard]] bool ReadPiece(bool isAsciiOnly, std::uint32_t address, std::span<std::uint8_t> bytes,
                                std::uint8_t unit, Instant notAfter);
   [[nodiscard]] std::expected<void, LinkError> OpenLine();

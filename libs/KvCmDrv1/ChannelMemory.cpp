@@ -47,7 +47,7 @@ std::optional<Bytes> ChannelImpl::ReadMemoryBlock(std::uint32_t address, std::ui
     Fail(met.error(), MemoryText(address, length, unit));
     return std::nullopt;
   }
-  const bool isAsciiOnly = IsAsciiOnly(unit);
+  const bool isAsciiOnly = mExchange.Unit(unit).isAsciiOnly;
   PieceSize& piece = isAsciiOnly ? mTextPiece : mBlockPiece;
 
   // What the largest pieces would be allowed, for all of them together.
@@ -111,18 +111,13 @@ Duration ChannelImpl::Longest(std::size_t exchanges, std::size_t bytes) const {
   return mSettings.tries * (wait + mLine.WireTime(bytes));
 }
 
-bool ChannelImpl::IsAsciiOnly(std::uint8_t unit) {
-  const std::optional<Identity>& identity = mExchange.Unit(unit).identity;
-  return !identity || UnderstandsAsciiOnly(identity->version.model);
-}
-
 DownloadEngine* ChannelImpl::GetDownloadEngine() {
   const std::string doing = "asking unit " + std::to_string(mSettings.unit) + " for block messages";
   if (const auto met = mExchange.MeetUnit(mSettings.unit); !met) {
     Fail(met.error(), doing);
     return nullptr;
   }
-  if (IsAsciiOnly(mSettings.unit)) {
+  if (mExchange.Unit(mSettings.unit).isAsciiOnly) {
     Fail(mExchange.Explain(Outcome::NotSupported), doing);
     return nullptr;
   }

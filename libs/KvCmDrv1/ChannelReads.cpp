@@ -91,11 +91,13 @@ std::optional<std::vector<OperandListValues>> ChannelImpl::ReadOperandList(std::
   // A request that is alone has a deadline of its own; meeting the unit must not add to it.
   const bool isAlone = mExchange.HasMet(unit);
   const Instant start = isAlone ? Instant() : mPacer.Now() + mExchange.RestartRest(unit);
-  if (const auto met = mExchange.MeetUnit(unit); !met) {
-    Fail(met.error(), Reading(ranges.front(), unit));
-    return std::nullopt;
+  if (!isAlone) {
+    if (const auto met = mExchange.MeetUnit(unit); !met) {
+      Fail(met.error(), Reading(ranges.front(), unit));
+      return std::nullopt;
+    }
   }
-  const bool isBlock = fitsBlock && !IsAsciiOnly(unit);
+  const bool isBlock = fitsBlock && !mExchange.Unit(unit).isAsciiOnly;
   std::optional<Instant> notAfter;
   if (!isAlone) {
     notAfter = start + Longest(isBlock ? 1 : ranges.size(), ranges.size() * (kLongestRecord + kMessageFrame));

@@ -285,8 +285,7 @@ Outcome Exchange::RunBlock(const BlockRequest& request) {
   while (true) {
     Outcome outcome = GetReady(request.unit, false);
     if (outcome == Outcome::Done) {
-      const std::optional<Identity>& identity = mUnits[request.unit].identity;
-      if (!identity || UnderstandsAsciiOnly(identity->version.model)) return Outcome::NotSupported;
+      if (mUnits[request.unit].isAsciiOnly) return Outcome::NotSupported;
       if (mWentOut && !isRead) return Outcome::Unsure;  // the new connection does not know the sequence number
       if (!isRead) outcome = mLine.DropInput();
       if (outcome == Outcome::Done) outcome = TryBlock(request);

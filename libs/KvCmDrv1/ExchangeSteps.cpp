@@ -135,6 +135,7 @@ Outcome Exchange::Compare(UnitState& unit, const Identity& found) {
   const bool isReset = unit.identity && found.version.model != unit.identity->version.model;
   if (isReset || mPacer.Now() >= unit.restartUntil) unit.modelMayChange = false;
   unit.identity = found;
+  unit.isAsciiOnly = UnderstandsAsciiOnly(found.version.model);
   return Outcome::Done;
 }
 

@@ -35,6 +35,7 @@ struct UnitState {
   std::uint16_t counter = 0;  // of the seal of the last answer
   std::uint16_t powerUp = 0;  // as it was when the exchange last came in step
   std::optional<Identity> identity;
+  bool isAsciiOnly = true;      // its model understands no block messages, or is not known
   bool modelMayChange = false;  // it was sent into its boot loader or out of it since it was identified
   std::string password;         // with which access was given
 };

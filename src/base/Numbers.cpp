@@ -54,9 +54,9 @@ std::string ToHex(std::uint32_t value, std::size_t digits) {
 
 void AppendHex(std::string& text, std::uint32_t value, std::size_t digits) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
-  const std::size_t start = text.size();
-  text.resize(start + digits);
-  for (std::size_t i = digits; i-- > 0; value >>= 4) text[start + i] = kDigits[value & 0xFU];
+  text.append(digits, '0');
+  char* const first = text.data() + text.size() - digits;
+  for (char* place = first + digits; place != first; value >>= 4) *--place = kDigits[value & 0xFU];
 }
 
 std::string FloatText(float value) {

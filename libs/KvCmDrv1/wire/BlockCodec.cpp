@@ -23,6 +23,10 @@ constexpr std::size_t kAtParam4 = 20;
 constexpr std::size_t kAtPayloadLength = 22;
 constexpr std::size_t kAtHeadCheck = 26;
 
+void Put(std::string& bytes, std::size_t at, std::uint32_t value, std::size_t count) {
+  for (char* place = bytes.data() + at; count-- > 0; value >>= 8) *place++ = static_cast<char>(value & 0xFFU);
+}
+
 std::uint32_t Field(std::string_view bytes, std::size_t at, std::size_t count) {
   return LittleEndian(bytes.substr(at, count));
 }
@@ -38,24 +42,24 @@ std::uint8_t Byte(std::string_view bytes, std::size_t at) {
 }  // namespace
 
 void EncodeBlockRequest(const BlockMessage& request, std::string& bytes) {
-  bytes.clear();
-  bytes.reserve(kBlockHead + request.payload.size() + kBlockCheck);
-  bytes += kBlockStart;
-  bytes += kBlockSecond;
-  AppendLittleEndian(bytes, kVersion, 1);
-  AppendLittleEndian(bytes, kRequest, 1);
-  AppendLittleEndian(bytes, request.unit, 1);
-  AppendLittleEndian(bytes, 0, 1);  // status
-  AppendLittleEndian(bytes, request.sequence, 2);
-  AppendLittleEndian(bytes, request.fields.opCode, 2);
-  AppendLittleEndian(bytes, request.fields.param1, 4);
-  AppendLittleEndian(bytes, request.fields.dataLength, 4);
-  AppendLittleEndian(bytes, request.fields.param3, 2);
-  AppendLittleEndian(bytes, request.fields.param4, 2);
-  AppendLittleEndian(bytes, static_cast<std::uint32_t>(request.payload.size()), 4);
-  AppendLittleEndian(bytes, Crc32(bytes) & 0xFFFFU, 2);
+  const std::size_t checked = kBlockHead + request.payload.size();
+  bytes.assign(kBlockHead, '\0');
+  bytes[0] = kBlockStart;
+  bytes[1] = kBlockSecond;
+  Put(bytes, kAtVersion, kVersion, 1);
+  Put(bytes, kAtKind, kRequest, 1);
+  Put(bytes, kAtUnit, request.unit, 1);
+  Put(bytes, kAtSequence, request.sequence, 2);
+  Put(bytes, kAtOpCode, request.fields.opCode, 2);
+  Put(bytes, kAtParam1, request.fields.param1, 4);
+  Put(bytes, kAtDataLength, request.fields.dataLength, 4);
+  Put(bytes, kAtParam3, request.fields.param3, 2);
+  Put(bytes, kAtParam4, request.fields.param4, 2);
+  Put(bytes, kAtPayloadLength, static_cast<std::uint32_t>(request.payload.size()), 4);
+  Put(bytes, kAtHeadCheck, Crc32(std::string_view(bytes).substr(0, kAtHeadCheck)) & 0xFFFFU, 2);
   bytes += request.payload;
-  AppendLittleEndian(bytes, Crc32(bytes), kBlockCheck);
+  bytes.resize(checked + kBlockCheck);
+  Put(bytes, checked, Crc32(std::string_view(bytes).substr(0, checked)), kBlockCheck);
 }
 
 std::optional<std::size_t> ReplyPayloadLength(std::string_view head) {
@@ -83,14 +87,10 @@ std::optional<BlockMessage> DecodeBlockReply(std::string_view bytes) {
                       .payload = bytes.substr(kBlockHead, *length)};
 }
 
-std::uint32_t LittleEndian(std::string_view bytes) {
-  std::uint32_t value = 0;
-  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<unsigned char>(bytes[i]);
-  return value;
-}
-
 void AppendLittleEndian(std::string& bytes, std::uint32_t value, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i, value >>= 8) bytes += static_cast<char>(value & 0xFFU);
+  const std::size_t at = bytes.size();
+  bytes.append(count, '\0');
+  Put(bytes, at, value, count);
 }
 
 }  // namespace kv

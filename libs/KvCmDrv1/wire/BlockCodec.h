@@ -38,7 +38,11 @@ void EncodeBlockRequest(const BlockMessage& request, std::string& bytes);
 [[nodiscard]] std::optional<BlockMessage> DecodeBlockReply(std::string_view bytes);
 
 // Little-endian integers of block messages.
-[[nodiscard]] std::uint32_t LittleEndian(std::string_view bytes);  // of 1 to 4 bytes
+[[nodiscard]] inline std::uint32_t LittleEndian(std::string_view bytes) {  // of 1 to 4 bytes
+  std::uint32_t value = 0;
+  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<unsigned char>(bytes[i]);
+  return value;
+}
 void AppendLittleEndian(std::string& bytes, std::uint32_t value, std::size_t count);
 
 }  // namespace kv

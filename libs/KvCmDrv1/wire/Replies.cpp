@@ -62,9 +62,10 @@ class PayloadReader {
  public:
   explicit PayloadReader(std::string_view payload) : mRest(payload) {}
 
-  std::uint32_t Number(std::size_t bytes) {
-    const std::uint32_t value = LittleEndian(mRest.substr(0, bytes));
-    mRest.remove_prefix(bytes);
+  template <std::size_t kBytes>
+  std::uint32_t Number() {
+    const std::uint32_t value = LittleEndian({mRest.data(), kBytes});
+    mRest.remove_prefix(kBytes);
     return value;
   }
 
@@ -91,45 +92,51 @@ std::size_t PayloadBytes(const OperandRange& range) {
 
 // False when the bits that fill the last byte are not 0.
 bool TakeBits(PayloadReader& reader, std::size_t count, OperandListValues& values) {
+  values.resize(count);
   std::uint32_t byte = 0;
   for (std::size_t i = 0; i < count; ++i) {
-    if (i % 8 == 0) byte = reader.Number(1);
-    values.push_back(byte & 1U);
+    if (i % 8 == 0) byte = reader.Number<1>();
+    values[i] = byte & 1U;
     byte >>= 1;
   }
   return count % 8 == 0 || byte == 0;
 }
 
+template <std::size_t kBytes>
+bool TakeNumbers(PayloadReader& reader, std::size_t count, OperandListValues& values) {
+  values.resize(count);
+  for (std::uint32_t& value : values) value = reader.Number<kBytes>();
+  return true;
+}
+
 // False when a timer's or counter's bit is none.
-bool TakeTriple(PayloadReader& reader, std::size_t bytes, OperandListValues& values) {
-  values.push_back(reader.Number(bytes));
-  values.push_back(reader.Number(bytes));
-  values.push_back(reader.Number(1));
-  return values.back() <= 1;
+template <std::size_t kBytes>
+bool TakeTriples(PayloadReader& reader, std::size_t count, OperandListValues& values) {
+  values.reserve(3 * count);
+  for (std::size_t i = 0; i < count; ++i) {
+    values.push_back(reader.Number<kBytes>());
+    values.push_back(reader.Number<kBytes>());
+    values.push_back(reader.Number<1>());
+    if (values.back() > 1) return false;
+  }
+  return true;
 }
 
 bool TakeRange(PayloadReader& reader, const OperandRange& range, OperandListValues& values) {
   const OperandShape shape = range.type->shape;
-  values.reserve(range.count * NumbersOf(shape));
-  if (shape == OperandShape::Bit) return TakeBits(reader, range.count, values);
-  bool good = true;
-  for (int i = 0; i < range.count; ++i) {
-    switch (shape) {
-      case OperandShape::Timer:
-        good &= TakeTriple(reader, 4, values);
-        break;
-      case OperandShape::Counter:
-        good &= TakeTriple(reader, 2, values);
-        break;
-      case OperandShape::Word:
-        values.push_back(reader.Number(2));
-        break;
-      default:
-        values.push_back(reader.Number(4));
-        break;
-    }
+  switch (shape) {
+    case OperandShape::Bit:
+      return TakeBits(reader, range.count, values);
+    case OperandShape::Word:
+      return TakeNumbers<2>(reader, range.count, values);
+    case OperandShape::Long:
+      return TakeNumbers<4>(reader, range.count, values);
+    case OperandShape::Timer:
+      return TakeTriples<4>(reader, range.count, values);
+    case OperandShape::Counter:
+      return TakeTriples<2>(reader, range.count, values);
   }
-  return good;
+  return false;
 }
 
 }  // namespace
