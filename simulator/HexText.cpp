@@ -7,12 +7,18 @@ namespace {
 
 constexpr std::string_view kDigits = "0123456789ABCDEF";
 
+std::optional<std::uint32_t> ValueOf(char digit) {
+  if (digit >= '0' && digit <= '9') return static_cast<std::uint32_t>(digit - '0');
+  if (digit >= 'A' && digit <= 'F') return static_cast<std::uint32_t>(digit - 'A' + 10);
+  return std::nullopt;
+}
+
 std::optional<std::uint32_t> ParseDigits(std::string_view digits) {
   std::uint32_t value = 0;
   for (const char digit : digits) {
-    const std::size_t place = kDigits.find(digit);
-    if (place == std::string_view::npos) return std::nullopt;
-    value = value << 4 | static_cast<std::uint32_t>(place);
+    const auto place = ValueOf(digit);
+    if (!place) return std::nullopt;
+    value = value << 4 | *place;
   }
   return value;
 }
@@ -61,6 +67,10 @@ void HexReader::Spoil() {
 
 bool IsHexText(std::string_view text) {
   return ParseDigits(text).has_value();
+}
+
+void PutHex(char* place, std::uint32_t value, std::size_t digits) {
+  for (; digits > 0; value >>= 4) place[--digits] = kDigits[value & 0xF];
 }
 
 std::string HexOfBytes(std::string_view bytes) {

@@ -7,9 +7,16 @@
 
 namespace sim {
 
-// Appends the low `bytes` bytes of `value`, the least significant first.
+// Puts the low `bytes` bytes of `value` to `place`, the least significant first; the place behind them.
+inline char* PutLittle(char* place, std::uint32_t value, std::size_t bytes) {
+  for (; bytes-- > 0; value >>= 8) *place++ = static_cast<char>(value & 0xFF);
+  return place;
+}
+
+// The same behind what `to` holds.
 inline void AppendLittle(std::string& to, std::uint32_t value, std::size_t bytes) {
-  for (std::size_t i = 0; i < bytes; ++i) to += static_cast<char>(value >> (8 * i) & 0xFF);
+  to.append(bytes, '\0');
+  PutLittle(to.data() + to.size() - bytes, value, bytes);
 }
 
 // The 32-bit number at `offset`, which must be inside.

@@ -1,14 +1,14 @@
 // RO and WO: typed operands in ASCII frames.
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "base/Numbers.h"
+#include "simulator/HexText.h"
 #include "simulator/TextCommands.h"
 
 namespace sim::commands {
 namespace {
-
-constexpr std::size_t kLongestReply = 640;  // the values of 60 counters, and what stands around them
 
 struct OperandSpan {
   const OperandTypeRow* type;
@@ -35,6 +35,19 @@ Result<OperandSpan> TakeSpan(HexReader& fields, bool hasValues) {
   return OperandSpan{type, start, count};
 }
 
+// The values of whole operands, each field with its own number of digits.
+std::string DigitsOf(const OperandTypeRow& type, std::span<const std::uint32_t> values) {
+  std::string digits(values.size() / type.fields * type.Digits(), '0');
+  char* place = digits.data();
+  for (auto value = values.begin(); value != values.end();) {
+    for (std::size_t field = 0; field < type.fields; ++field, ++value) {
+      PutHex(place, *value, type.digits[field]);
+      place += type.digits[field];
+    }
+  }
+  return digits;
+}
+
 }  // namespace
 
 Answer ReadOperands(TextCall& call) {
@@ -42,12 +55,7 @@ Answer ReadOperands(TextCall& call) {
   if (!span) return Refuse(span.error());
   const auto values = call.machine.operands.Read(*span->type, span->start, span->count);
   if (!values) return Refuse(values.error());
-  std::string reply = span->Echo();
-  reply.reserve(kLongestReply);
-  for (std::size_t i = 0; i < values->size(); ++i) {
-    kv::AppendHex(reply, (*values)[i], span->type->digits[i % span->type->fields]);
-  }
-  return reply;
+  return span->Echo() + DigitsOf(*span->type, *values);
 }
 
 Answer WriteOperands(TextCall& call) {

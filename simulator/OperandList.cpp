@@ -22,8 +22,14 @@ std::string PackBits(const std::vector<std::uint32_t>& bits) {
 std::string PackValues(const OperandTypeRow& type, const std::vector<std::uint32_t>& values) {
   const bool isBit = type.fields == 1 && type.digits[0] == 2;
   if (isBit) return PackBits(values);
-  std::string packed;
-  for (std::size_t i = 0; i < values.size(); ++i) AppendLittle(packed, values[i], type.digits[i % type.fields] / 2U);
+  const std::size_t operands = values.size() / type.fields;
+  std::string packed(operands * type.Digits() / 2, '\0');
+  char* place = packed.data();
+  for (auto value = values.begin(); value != values.end();) {
+    for (std::size_t field = 0; field < type.fields; ++field, ++value) {
+      place = PutLittle(place, *value, type.digits[field] / 2U);
+    }
+  }
   return packed;
 }
 

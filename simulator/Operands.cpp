@@ -26,14 +26,13 @@ Operands::Operands(const Model& model) : mModel(model) {
 Result<std::vector<std::uint32_t>> Operands::Read(const OperandTypeRow& type, std::uint32_t start,
                                                   std::uint32_t count) const {
   if (const auto place = CheckPlace(type, start, count); !place) return Refuse(place.error());
-  std::vector<std::uint32_t> values;
-  values.reserve(std::size_t{count} * type.fields);
-  for (std::uint32_t index = start; index < start + count; ++index) {
-    for (std::size_t field = 0; field < type.fields; ++field) {
-      const std::uint32_t value = Cell(type.areas[field], index);
-      values.push_back(type.asTimerWord ? NearestTimerWord(value) : value);
-    }
+  const std::size_t fields = type.fields;
+  std::vector<std::uint32_t> values(count * fields);
+  for (std::size_t field = 0; field < fields; ++field) {
+    const Area area = type.areas[field];
+    for (std::size_t i = 0; i < count; ++i) values[i * fields + field] = Cell(area, start + i);
   }
+  if (type.asTimerWord) std::ranges::transform(values, values.begin(), NearestTimerWord);
   return values;
 }
 
@@ -51,11 +50,6 @@ Result<void> Operands::Write(const OperandTypeRow& type, std::uint32_t start, st
   }
   if (!mLying) std::ranges::copy(values, mCells[static_cast<std::size_t>(type.areas[0])].begin() + start);
   return {};
-}
-
-std::uint32_t Operands::Cell(Area area, std::size_t index) const {
-  const auto& cells = mCells[static_cast<std::size_t>(area)];
-  return index < cells.size() ? cells[index] : 0;
 }
 
 void Operands::SetCell(Area area, std::size_t index, std::uint32_t value) {

@@ -34,7 +34,10 @@ class Operands {
                                    std::span<const std::uint32_t> values);
 
   // One cell, for the controller's own life. Outside the area: 0 is read, nothing is set.
-  [[nodiscard]] std::uint32_t Cell(Area area, std::size_t index) const;
+  [[nodiscard]] std::uint32_t Cell(Area area, std::size_t index) const {
+    const auto& cells = mCells[static_cast<std::size_t>(area)];
+    return index < cells.size() ? cells[index] : 0;
+  }
   void SetCell(Area area, std::size_t index, std::uint32_t value);
 
   // All cells of an area under the newest O/S, for state files.

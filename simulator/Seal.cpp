@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <numeric>
 
 #include "base/Crc32.h"
 #include "base/Numbers.h"
@@ -16,8 +18,8 @@ constexpr std::size_t kCheckDigits = 8;
 constexpr std::array<std::string_view, 6> kOwnCommands = {"RO", "WO", "RM", "IN", "AC", "SY"};
 
 std::uint8_t Sum(std::string_view characters) {
-  unsigned sum = 0;
-  for (const char character : characters) sum += static_cast<unsigned char>(character);
+  const auto value = [](char character) { return unsigned{static_cast<unsigned char>(character)}; };
+  const unsigned sum = std::transform_reduce(characters.begin(), characters.end(), 0U, std::plus<>(), value);
   return static_cast<std::uint8_t>(sum & 0xFF);
 }
 
