@@ -153,6 +153,7 @@ std::expected<CloneManifest, std::string> ParseManifest(std::string_view text) {
     const std::string_view name = Take(value, '\t');
     if (name == "End") {
       if (value != std::to_string(manifest.segments.size())) return std::unexpected("segments are missing in it");
+      if (!text.empty()) return std::unexpected("something stands behind its last line");
       for (const Field& field : kFields) {
         if (field.isNeeded && std::ranges::count(seen, field.name) != 1) {
           return std::unexpected("\"" + std::string(field.name) + "\" must stand in it once");

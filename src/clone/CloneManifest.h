@@ -43,8 +43,8 @@ struct CloneManifest {
 // "plc.kdf" -> "plc.kdf.manifest".
 [[nodiscard]] std::filesystem::path ManifestPath(const std::filesystem::path& cloneFile);
 
-// The text of a manifest and back. A text that lacks a field, or its last line, is refused; fields that are not known
-// are passed over.
+// The text of a manifest and back. A text that lacks a field, or its last line, is refused, and so is one that goes on
+// behind it; fields that are not known are passed over.
 [[nodiscard]] std::string PrintManifest(const CloneManifest& manifest);
 [[nodiscard]] std::expected<CloneManifest, std::string> ParseManifest(std::string_view text);
 

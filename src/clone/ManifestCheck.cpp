@@ -24,6 +24,30 @@ std::expected<std::string, CloneOutcome> DigestOfSegment(CloneImage& image, std:
   return digest.Hex();
 }
 
+bool IsSamePlace(const CloneSegment& left, const CloneSegment& right) {
+  return left.code == right.code && left.start == right.start && left.length == right.length;
+}
+
+bool IsSameSegment(const CloneInfoSegment& inFile, const CloneManifest::Segment& recorded) {
+  return IsSamePlace(inFile.segment, recorded.segment) &&
+         (!inFile.hasFrames || inFile.segment.kind == recorded.segment.kind);
+}
+
+// What the manifest names differently from the file, although the file is byte for byte the recorded one; empty when
+// nothing, as far as the file tells it.
+std::string OtherFact(const CloneInfo& info, const CloneManifest& manifest) {
+  if (!info.head) return "";
+  if (info.head->version != manifest.version) return "another model or O/S";
+  if (info.unit && *info.unit != manifest.unit) return "another unit";
+  if (!std::ranges::equal(info.segments, manifest.segments, IsSameSegment)) return "other segments";
+  return "";
+}
+
+std::string ChangedText(const std::filesystem::path& file, const std::string& otherFact) {
+  return "The manifest (" + Utf8FromPath(ManifestPath(file).filename()) + ") does not fit the file: it names " +
+         otherFact + " than the file. The file is as recorded, so the manifest was changed after it was made.";
+}
+
 // Which of the recorded segments the file does not hold as recorded; nothing when that cannot be told.
 std::optional<std::string> OtherSegments(const std::filesystem::path& file, const CloneManifest& manifest,
                                          const CloneWork& work) {
@@ -35,10 +59,8 @@ std::optional<std::string> OtherSegments(const std::filesystem::path& file, cons
   for (std::size_t i = 0; i < segments.size(); ++i) {
     const CloneManifest::Segment& recorded = manifest.segments[i];
     const CloneSegment& segment = segments[i].segment;
-    const bool isSamePlace = segment.code == recorded.segment.code && segment.start == recorded.segment.start &&
-                             segment.length == recorded.segment.length;
     const auto digest = DigestOfSegment(*image, i, work);
-    if (!isSamePlace || !digest) return std::nullopt;
+    if (!IsSamePlace(segment, recorded.segment) || !digest) return std::nullopt;
     if (*digest != recorded.sha256) others += (others.empty() ? "" : ", ") + AnsiToUtf8(segment.code);
   }
   return others;
@@ -79,6 +101,9 @@ ManifestReport CheckManifest(const std::filesystem::path& file, const CloneInfo&
   }
   const bool fits = info.sha256 == (*manifest)->sha256 && info.length == (*manifest)->length;
   if (!fits) return {ManifestFit::Other, OtherText(file, **manifest, work), {}};
+  if (const std::string otherFact = OtherFact(info, **manifest); !otherFact.empty()) {
+    return {ManifestFit::Other, ChangedText(file, otherFact), {}};
+  }
   std::string text = FitText(**manifest);
   return {ManifestFit::Fits, std::move(text), *std::move(manifest)};
 }

@@ -12,7 +12,7 @@ namespace kv {
 enum class ManifestFit {
   Missing,     // there is none: a lost line of flash would not show
   Unreadable,  // what is there is no manifest
-  Other,       // it describes other bytes: the file was changed, or it is that of an earlier file of this name
+  Other,       // it describes another file: this one was changed, or is a later one of this name; or it was changed
   Fits,        // the file is byte for byte what was written when the clone was made
 };
 

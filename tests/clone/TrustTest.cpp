@@ -107,13 +107,27 @@ TEST_F(Trust, AManifestThatWasDamagedIsNotUsed) {
       {"stopped", "asleep", "\"Program\" cannot"},
       {"Segment\tOP\tR", "Segment\tOP\tX", "\"Segment\" cannot"},
       {"End\t7", "End\t8", "segments are missing"},
+      {"End\t7\r\n", "End\t7\r\nNote\tx", "behind its last line"},
+      {"End\t7\r\n", "End\t7", ""},
       {"Model\t", "Modell\t", "\"Model\" must stand"},
       {"Unit\t1\r\n", "Unit\t1\r\nUnit\t1\r\n", "\"Unit\" must stand"}};
   for (const auto& [from, to, error] : rows) {
     std::string text = good;
     text.replace(text.find(from), std::string(from).size(), to);
     const auto parsed = ParseManifest(text);
+    EXPECT_EQ(parsed.has_value(), *error == '\0') << to;
     EXPECT_THAT(parsed ? "" : parsed.error(), HasSubstr(error));
+  }
+  // The file's digest is right in these, but not what stands beside it.
+  const std::tuple<const char*, const char*, const char*> facts[] = {
+      {"Model\t", "Model\tx", "another model or O/S"},
+      {"Unit\t1", "Unit\t2", "another unit"},
+      {"Segment\tOP\tR", "Segment\tOP\tF", "other segments"}};
+  for (const auto& [from, to, named] : facts) {
+    std::string text = good;
+    bench.folder.Put("clone.kdf.manifest", text.replace(text.find(from), std::string(from).size(), to));
+    EXPECT_EQ(Report().fit, ManifestFit::Other);
+    EXPECT_THAT(Report().text, HasSubstr(named));
   }
   bench.folder.Put("clone.kdf.manifest", std::string(100'000, 'x'));
   EXPECT_EQ(Report().fit, ManifestFit::Unreadable);
