@@ -89,6 +89,7 @@ TEST(ControllerCommands, APasswordGuardsWhatStopsOrWrites) {
   EXPECT_EQ(bench.Text("CCS"), "CCERROR07");
   EXPECT_EQ(bench.Own("AC", "6B65792020202020"), "OK");
   EXPECT_EQ(bench.Text("CCS"), "CCOK");
+  EXPECT_EQ(Bench("K330").Text("GIany     ").substr(0, 3), "GI1") << "no password is asked for";
 }
 
 TEST(ControllerCommands, ResourcesAreReadPieceByPiece) {
@@ -106,6 +107,7 @@ TEST(ControllerCommands, ResourcesAreReadPieceByPiece) {
   EXPECT_EQ(bench.Block(259, 0, 0, 2, 9).status, 128 + 4);
   EXPECT_EQ(bench.Block(259, 0, 1, 2, 9).status, 128 + 0x0B);
   EXPECT_EQ(bench.Block(258, 0, 0, 3).status, 128 + 2);
+  EXPECT_EQ(bench.Block(259, 0, 0, 3, 9).status, 128 + 2);
   EXPECT_EQ(Bench("K330").Block(258, 0, 0, 1).status, 128 + 0x0E);
 
   EXPECT_EQ(bench.Text("DRS001A01"), "DR05");

@@ -41,6 +41,7 @@ TEST(Downloads, AnAurexProjectTakesEffectWithTheReset) {
   EXPECT_EQ(bench.Text("CCE"), "CCERROR0A");
   bench.Wait(1s);
   EXPECT_EQ(StatusByte(bench, 2), 'I');
+  EXPECT_EQ(StatusByte(bench, 3), 100);
   EXPECT_NE(StatusByte(bench, 9), 0);
   EXPECT_EQ(ProjectName(bench), "");
   EXPECT_EQ(bench.Text("CCE"), "CCOK");
@@ -57,6 +58,16 @@ TEST(Downloads, ACutAurexProjectLeavesTheOldOne) {
   SendProject(bench, "Second");
   EXPECT_EQ(bench.Text("CCE"), "CCOK");
   EXPECT_EQ(ProjectName(bench), "4669727374");
+  for (const std::string next : {"CCM", "CCB", "66", "CCR"}) {
+    SendProject(bench, "Third");
+    EXPECT_EQ(bench.Block(69).status, 11);
+    bench.Wait(1s);
+    const bool isDone =
+        next == "66" ? bench.Block(66, 0, 0, 0, 0, "PASSWORD").status == 10 : bench.Text(next) == "CCOK";
+    EXPECT_TRUE(isDone) << next;
+    EXPECT_EQ(bench.Text("CCE"), "CCOK");
+    EXPECT_EQ(ProjectName(bench), next == "CCR" ? "5468697264" : "4669727374") << next;
+  }
 }
 
 // What is left when the power fails: nothing half done, and a boot loader that can still be used.
@@ -136,6 +147,8 @@ TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
       return bench.Block(65, 0x1000, static_cast<std::uint32_t>(data.size()), sequence, topic, data).status;
     };
     EXPECT_EQ(chunk(1, 1, "data"), kRefused + 0xF);  // no header yet
+    EXPECT_EQ(chunk(3, 1, "data"), kRefused + 0xF);
+    EXPECT_EQ(chunk(3, 1, ""), kRefused + 2);
     EXPECT_EQ(chunk(0, 0, OsHeader("K999", "475")), kRefused + 0xF);
     EXPECT_EQ(chunk(0, 0, OsHeader(image, "4x5")), kRefused + 0xF);
     EXPECT_EQ(chunk(0, 0, OsHeader(image, "475")), 10);
@@ -158,7 +171,11 @@ TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
 TEST(Downloads, AnOsThatWasNotProgrammedLeavesTheOldOne) {
   Bench bench("K330");
   EXPECT_EQ(bench.Text("CCB"), "CCOK");
-  EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", "299")).status, 10);
+  EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", "461")).status, 10);
+  EXPECT_EQ(bench.Block(65, 0, 2, 1, 1, "ab").status, 10);
+  EXPECT_EQ(bench.Block(69).status, 11);
+  bench.Wait(1s);
+  EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", "299")).status, 10) << "drops the one that was programmed";
   EXPECT_EQ(bench.Text("CCE"), "CCOK");
   EXPECT_EQ(bench.Text("ID"), "IDK330|33|4.60|19");
 }
@@ -201,6 +218,9 @@ TEST(Downloads, ACompactOsReplacesTheReportedVersion) {
     EXPECT_EQ(bench.Text("CCE"), "CCOK");
     EXPECT_TRUE(bench.Text("ID").ends_with("|4.71|02")) << bench.Text("ID");
     EXPECT_EQ(bench.State(), 'R');
+    EXPECT_EQ(bench.Text("CCB"), "CCOK");
+    EXPECT_EQ(bench.Text("OSS"), "OS20");
+    EXPECT_EQ(bench.Text(write + "0000" + image(code)), refused + "0D");
   }
 }
 

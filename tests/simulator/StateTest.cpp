@@ -62,6 +62,27 @@ TEST_F(State, ABrokenOsReplacementStaysInTheBootLoader) {
   EXPECT_EQ(bench.State(), 'B');
 }
 
+TEST_F(State, SwitchingOffFreezesAndIsNoPowerFailure) {
+  {
+    Bench bench(Kept("K330"));
+    EXPECT_EQ(bench.Text("CCM"), "CCOK");
+    EXPECT_TRUE(bench.It().SaveState());
+  }
+  {
+    Bench bench(Kept("K330"));
+    EXPECT_EQ(bench.State(), 'L');
+    EXPECT_EQ(bench.Text("CCB"), "CCOK");
+    EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, std::string("OS\x64\x01K330461\0\0\0\0\0", 16)).status, 10);
+    EXPECT_EQ(bench.Block(65, 0, 2, 1, 1, "ab").status, 10);
+    EXPECT_EQ(bench.Block(69).status, 11);
+    EXPECT_TRUE(bench.It().SaveState());
+  }
+  Bench bench(Kept("K330"));
+  EXPECT_EQ(bench.State(), 'B');
+  EXPECT_EQ(bench.Text("CCE"), "CCOK");
+  EXPECT_EQ(bench.Text("ID"), "IDK330|33|4.60|19");
+}
+
 TEST_F(State, OptionsWinOverTheFile) {
   EXPECT_TRUE(Bench(Kept("K330")).It().SaveState());
   SimulatorOptions options = Kept("K330");
