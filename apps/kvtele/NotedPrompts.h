@@ -6,13 +6,17 @@
 
 namespace kv::cli {
 
-// Prompts of commands that ask nothing: what an engine says in a message box becomes the text of the command's failure.
+// What an engine says in a message box becomes the text of the command's failure; what it asks goes to
+// `asked`, or counts as declined.
 class NotedPrompts final : public Prompts {
  public:
+  explicit NotedPrompts(Prompts* asked = nullptr) : mAsked(asked) {}
+
   // The last text that was said, with line feeds between its lines; empty when nothing was.
   [[nodiscard]] const std::string& Said() const { return mSaid; }
 
   PromptAnswer Show(const MessageBox& box) override {
+    if (mAsked != nullptr && box.buttons != PromptButtons::Ok) return mAsked->Show(box);
     mSaid = box.text;
     std::erase(mSaid, '\r');
     return LeastCommitting(box.buttons);
@@ -22,6 +26,7 @@ class NotedPrompts final : public Prompts {
   [[nodiscard]] std::optional<std::string> SaveFile(const FileDialog&) override { return std::nullopt; }
 
  private:
+  Prompts* mAsked;
   std::string mSaid;
 };
 

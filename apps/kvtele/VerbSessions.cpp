@@ -6,6 +6,7 @@
 
 #include "apps/kvtele/NotedPrompts.h"
 #include "apps/kvtele/ProgramFolder.h"
+#include "apps/kvtele/Prompting.h"
 #include "sessions/SessionManager.h"
 
 namespace kv::cli {
@@ -50,10 +51,18 @@ Outcome Create(const SessionManager& sessions, const std::string& source, const 
   return Answer{"", {{"created", name}}};
 }
 
-Outcome Delete(SessionManager& sessions, const NotedPrompts& prompts, const std::string& name) {
+Outcome Delete(Environment& environment, SessionManager& sessions, const NotedPrompts& prompts,
+               const std::string& name) {
   if (!IsListed(sessions, name)) return std::unexpected(NoSession(name));
-  if (sessions.Delete(name)) return Answer{"", {{"deleted", name}}};
+  const auto deletion = sessions.DeleteOnConsent(name);
+  if (deletion == SessionManager::Deletion::Done) return Answer{"", {{"deleted", name}}};
   const std::string doing = "deleting session \"" + name + "\"";
+  if (deletion == SessionManager::Deletion::Declined) {
+    if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure(doing + " (it was not deleted)"));
+    return std::unexpected(Failure{ExitCode::Failed, "declined", doing, "it was not deleted",
+                                   "the question was not answered with yes",
+                                   "give --yes to delete without a question"});
+  }
   if (!prompts.Said().empty()) return std::unexpected(SessionFailure(doing, prompts.Said(), {}));
   const SessionHold hold = sessions.HoldOf(name);
   if (hold.happened.empty()) {
@@ -68,7 +77,7 @@ const char* VerbSessions::Examples() const {
   return "  kvtele sessions list                           name, model and link\n"
          "  kvtele sessions create Plant2                  a copy of session Default\n"
          "  kvtele --session Plant2 sessions create Plant3 a copy of Plant2\n"
-         "  kvtele sessions delete Plant3\n";
+         "  kvtele sessions delete Plant3                  after asking; --yes does not\n";
 }
 
 void VerbSessions::Declare(CLI::App& app) {
@@ -86,14 +95,14 @@ Outcome VerbSessions::Run(Environment& environment, const CommonOptions& common)
   }
   SharedState shared(PathsOf(environment, common));
   shared.CurrentSession = common.session;
-  NotedPrompts prompts;
+  ConsolePrompts asked = PromptsFor(environment, common);
+  NotedPrompts prompts(&asked);
   SessionManager sessions(shared, prompts);
   if (mAction == "create") return Create(sessions, common.session, mName);
-  if (mAction == "delete") return Delete(sessions, prompts, mName);
   const auto driver = environment.makeDriver({.link = {}, .sessionFolder = {}, .traceFile = {}});
   if (!driver) return std::unexpected(driver.error());
   shared.ComDriver = driver->get();  // describes links; none is opened
-  return List(sessions);
+  return mAction == "delete" ? Delete(environment, sessions, prompts, mName) : List(sessions);
 }
 
 }  // namespace kv::cli

@@ -75,6 +75,17 @@ std::string Failure(const std::string& what, const std::error_code& error) {
   return what + ": " + error.message() + ".";
 }
 
+MessageBox DeleteQuestion(const std::string& name, const SessionFacts& facts) {
+  std::string about = facts.model;
+  if (!facts.link.empty()) about += (about.empty() ? "" : ", ") + facts.link;
+  return {.text = "Delete the session '" + name + "'" + (about.empty() ? "" : " (" + about + ")") +
+                  "?\r\n\r\nIts settings, regions and values are lost.",
+          .title = "Remove Session",
+          .icon = PromptIcon::Exclamation,
+          .buttons = PromptButtons::YesNo,
+          .canLose = true};
+}
+
 }  // namespace
 
 std::string SessionNameFault(const std::string& name) {
@@ -210,6 +221,12 @@ bool SessionManager::Delete(const std::string& name) {
   std::error_code ignored;
   fs::remove_all(folder, ignored);
   return !fs::exists(folder, ignored);
+}
+
+SessionManager::Deletion SessionManager::DeleteOnConsent(const std::string& name) {
+  const bool wouldGo = name != kDefaultSession && IsListed(name) && !FindHold(mShared.paths.Session(name));
+  if (wouldGo && mPrompts.Show(DeleteQuestion(name, Describe(name))) != PromptAnswer::Yes) return Deletion::Declined;
+  return Delete(name) ? Deletion::Done : Deletion::Failed;
 }
 
 SessionHold SessionManager::HoldOf(const std::string& name) const {

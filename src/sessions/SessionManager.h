@@ -51,6 +51,10 @@ class SessionManager {
   // mark of a session in use) stays as it is, without a message. True when the folder is gone.
   bool Delete(const std::string& name);
 
+  // Delete, after a question where there is something to lose.
+  enum class Deletion { Done, Declined, Failed };
+  Deletion DeleteOnConsent(const std::string& name);
+
   // What keeps Delete from deleting a session that is listed, other than "Default": a file in it that is
   // write-protected, such as the mark of a session in use, which a program that was ended abruptly leaves behind.
   [[nodiscard]] SessionHold HoldOf(const std::string& name) const;

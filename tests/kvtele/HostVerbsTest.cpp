@@ -90,7 +90,11 @@ TEST(Sessions, AreListedCopiedAndDeleted) {
   const Result inUse = sessions({"delete", "Copy"});
   EXPECT_EQ(inUse.exit, 1);
   EXPECT_THAT(inUse.err, HasSubstr("in use"));
-  EXPECT_EQ(sessions({"delete", "Plant"}).exit, 0);
+  const Result unasked = sessions({"delete", "Plant"});
+  EXPECT_EQ(unasked.exit, 1) << "nobody to ask";
+  EXPECT_THAT(unasked.err, HasSubstr("Delete the session 'Plant' (Q50, 10.0.0.7:20301, unit 1)?"));
+  EXPECT_THAT(sessions({"list"}).out, HasSubstr("Plant"));
+  EXPECT_EQ(sessions({"delete", "Plant", "--yes"}).exit, 0);
   EXPECT_THAT(sessions({"list"}).out, testing::Not(HasSubstr("Plant")));
 }
 

@@ -140,5 +140,21 @@ TEST_F(SessionsTest, DeletingSparesDefaultAndWhatIsInUse) {
   EXPECT_THAT(Taken(), ElementsAre("Box (!) Remove Session: 'Default' Session cannot be deleted."));
 }
 
+TEST_F(SessionsTest, DeletingIsAskedAboutWhereThereIsSomethingToLose) {
+  for (const char* name : {"one", "two"}) ASSERT_TRUE(sessions.Create(name));
+  using enum SessionManager::Deletion;
+  EXPECT_EQ(sessions.DeleteOnConsent("two"), Failed) << "in use";
+  EXPECT_EQ(sessions.DeleteOnConsent("gone"), Failed);
+  EXPECT_THAT(Taken(), IsEmpty()) << "nothing would go";
+
+  for (const auto& [answer, deletion] : {std::pair(PromptAnswer::No, Declined), {PromptAnswer::Yes, Done}}) {
+    prompts.Press(answer);
+    EXPECT_EQ(sessions.DeleteOnConsent("one"), deletion);
+    EXPECT_EQ(fs::exists(Session("one")), deletion == Declined);
+    EXPECT_THAT(Taken(), ElementsAre(HasSubstr("Delete the session 'one' (")));
+    EXPECT_TRUE(prompts.Boxes().back().canLose) << "Enter keeps it";
+  }
+}
+
 }  // namespace
 }  // namespace kv

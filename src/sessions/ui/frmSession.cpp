@@ -117,7 +117,7 @@ void frmSession::BuildMenu() {
   mDelete->setObjectName("mnuDelete");
   mDelete->setShortcut(QKeySequence::Delete);
   mDelete->setShortcutContext(Qt::WidgetShortcut);
-  Describe(*mDelete, "Deletes the selected session with everything in it");
+  Describe(*mDelete, "Deletes the selected session with everything in it, after a question");
   mList->addAction(mDelete);
   connect(mDelete, &QAction::triggered, this, [this] { DeleteSelected(); });
 }
@@ -191,7 +191,7 @@ void frmSession::ActivateAndClose() {
 }
 
 void frmSession::DeleteSelected() {
-  mSessions.Delete(Selected());
+  mSessions.DeleteOnConsent(Selected());
   Fill();
 }
 
