@@ -226,6 +226,7 @@ class Exchange {
   [[nodiscard]] Duration WaitOf(bool isSlow, int tryNumber) const;
   [[nodiscard]] Duration ReserveOf(const CommandFacts& facts) const;
   void LoseLink();
+  void NoteLossReason();
   [[nodiscard]] LinkError ExplainRequest(Outcome outcome) const;
   [[nodiscard]] LinkError ExplainSilence(const std::string& happened, const std::string& andWhence) const;
 

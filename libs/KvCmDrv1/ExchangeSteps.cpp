@@ -37,7 +37,10 @@ Outcome Exchange::GetReady(std::uint8_t unit, bool needsStep) {
 }
 
 Outcome Exchange::Reopen(std::uint8_t unit) {
-  if (!mSettings.reconnects) return Outcome::CannotReopen;
+  if (!mSettings.reconnects) {
+    if (mLoss.happened.empty()) NoteLossReason();
+    return Outcome::CannotReopen;
+  }
   for (int failures = std::max(mLosses - 1, 0);; ++failures) {
     const Duration pause = std::min(PauseAfter(failures), std::max(mDeadline - mPacer.Now(), Duration{}));
     if (!mLine.Pause(pause)) return Outcome::Stopped;
@@ -206,9 +209,17 @@ bool Exchange::MayGoOn() {
 
 void Exchange::LoseLink() {
   ++mLosses;
-  mLoss = mLine.GetPort().LossReason();
+  NoteLossReason();
   mLine.DropPartner();  // a port that controllers dial in to goes on listening for its return
-  mSay("Connection lost: " + (mLoss.happened.empty() ? std::string("the other side has gone") : mLoss.happened));
+  mSay("Connection lost: " + mLoss.happened);
+}
+
+// Not every port knows more than that the connection does not stand any more.
+void Exchange::NoteLossReason() {
+  mLoss = mLine.GetPort().LossReason();
+  if (!mLoss.happened.empty()) return;
+  mLoss = {"the other side has gone", "the controller was switched off, or the network between has failed",
+           "open the link again, or let the communication settings reconnect a lost link"};
 }
 
 }  // namespace kv

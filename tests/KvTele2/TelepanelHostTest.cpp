@@ -142,6 +142,16 @@ TEST_F(TelepanelHostTest, AControllerOfAnotherModelThanTheSelectedIsToldWithACur
   }
 }
 
+TEST_F(TelepanelHostTest, AModelThatWasReplacedByTheControllersIsInTheLog) {
+  onLine = [this] {
+    host.SetModel("K450-45");
+    Connect();
+  };
+  host.Click(command::kOnLine);
+  const auto isTold = [](const Journal::Entry& entry) { return entry.text.ends_with("before, it was K220-22-R1"); };
+  EXPECT_TRUE(std::ranges::any_of(host.Log().Entries(), isTold));
+}
+
 TEST_F(TelepanelHostTest, ARefusalIsNotToldInFrontOfABusyWindow) {
   onLine = [this] {
     host.BeginConnect();

@@ -74,6 +74,7 @@ struct Plant {
   int connections = 0;
   int cables = 0;  // that were put in
   LineShape shape;
+  PortError loss{"it was cut", "the test", "none"};
 };
 
 class PlantPort final : public Port {
@@ -114,7 +115,7 @@ class PlantPort final : public Port {
       if (mPacer.Now() >= end) return Result::Nothing;
     }
   }
-  const PortError& LossReason() const override { return mLoss; }
+  const PortError& LossReason() const override { return mPlant.loss; }
   Duration ByteTime() const override { return Duration(87); }  // 115200 baud
   bool SetBaudRate(int) override { return true; }
   std::string Description() const override { return "the cable"; }
@@ -145,7 +146,6 @@ class PlantPort final : public Port {
   int mCable = 0;
   std::size_t mArrived = 0;  // bytes of the reply
   std::deque<std::pair<Instant, char>> mOnWay;
-  PortError mLoss{"it was cut", "the test", "none"};
 };
 
 // A channel to such a controller, met and in step.

@@ -237,5 +237,18 @@ TEST(Reconnect, PasswordIsGivenAgain) {
   EXPECT_TRUE(bench.channel.WriteMI(0, kSeven, 1)) << "after a restart: " << bench.Error().Text();
 }
 
+TEST(Reconnect, ALossThatNoPortExplainsHasAReasonAllTheSame) {
+  LinkSettings settings = SerialSettings();
+  settings.reconnects = false;
+  Bench bench("K220", settings);
+  bench.plant.loss = {};
+  bench.plant.isCut = true;
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
+    EXPECT_NE(bench.Error().happened.find("the other side has gone"), std::string::npos) << bench.Error().Text();
+    EXPECT_NE(bench.Error().cure, "");
+  }
+}
+
 }  // namespace
 }  // namespace kv

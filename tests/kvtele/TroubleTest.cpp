@@ -116,6 +116,46 @@ TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {
   }
 }
 
+// A port that partners call: the first one says nothing, the second is the controller.
+class CalledPort final : public Port {
+ public:
+  CalledPort(std::shared_ptr<InProcessLine> line, Pacer& pacer) : mPort(std::move(line), "", pacer) {}
+  std::expected<void, PortError> Open(Duration limit) override {
+    ++mCalls;
+    return mPort.Open(limit);
+  }
+  void Close() override { mPort.Close(); }
+  bool IsOpen() const override { return mPort.IsOpen(); }
+  Result Write(std::string_view& bytes, Duration slice) override {
+    if (mCalls > 1) return mPort.Write(bytes, slice);
+    bytes = {};
+    return Result::Done;
+  }
+  Result Read(std::string& buffer, Duration slice) override { return mPort.Read(buffer, slice); }
+  const PortError& LossReason() const override { return mPort.LossReason(); }
+  Duration ByteTime() const override { return {}; }
+  bool SetBaudRate(int) override { return false; }
+  std::string Description() const override { return "caller " + std::to_string(mCalls); }
+  bool IsCalled() const override { return true; }
+
+ private:
+  SimulatedPort mPort;
+  int mCalls = 0;
+};
+
+TEST(DialIn, WhoWasDroppedIsToldThoughTheControllerCame) {
+  CommandBench bench;
+  sim::SimulatorOptions options;
+  options.model = "Q50";
+  const auto controller = sim::SimulatedController::Create(options).value();
+  bench.makePort = [&](const LinkSettings&, Pacer& pacer, ListeningSocket*) {
+    return std::make_unique<CalledPort>(controller->NewLine(), pacer);
+  };
+  const Result result = bench.Run({"--link", "listen:20302", "read", "MI", "0"});
+  EXPECT_EQ(result.exit, 0) << result.err;
+  EXPECT_EQ(result.err, "A caller was dropped: caller 1: it does not answer\n");
+}
+
 TEST(CtrlC, EndsEveryCommandAndSaysHowFarItWas) {
   CommandBench bench;
   bench.pacer.RequestStop();
