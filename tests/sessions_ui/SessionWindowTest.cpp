@@ -116,15 +116,17 @@ TEST_F(SessionWindowTest, DeletesByKeyAndByMenu) {
   for (const char* name : {"A", "B", "C"}) MakeSession(name);
   Open();
   Select("A");
-  bench.prompts.Press(PromptAnswer::Yes);
-  QTest::keyClick(&List(), Qt::Key_Delete);
+  for (const PromptAnswer answer : {PromptAnswer::No, PromptAnswer::Yes}) {  // declined, it stays selected
+    bench.prompts.Press(answer);
+    QTest::keyClick(&List(), Qt::Key_Delete);
+  }
   EXPECT_THAT(Rows(), ElementsAre("B", "C", "Default"));
 
   Select("Default");
   bench.prompts.Press(PromptAnswer::Ok);
   QTest::keyClick(&List(), Qt::Key_Delete);
   EXPECT_THAT(Rows(), ElementsAre("B", "C", "Default"));
-  ASSERT_EQ(bench.prompts.Boxes().size(), 2U);
+  ASSERT_EQ(bench.prompts.Boxes().size(), 3U);
   EXPECT_EQ(bench.prompts.Boxes().back().text, "'Default' Session cannot be deleted.");
 
   Select("B");  // last: without a window manager the menu does not give the focus back each time

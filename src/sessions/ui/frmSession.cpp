@@ -191,8 +191,7 @@ void frmSession::ActivateAndClose() {
 }
 
 void frmSession::DeleteSelected() {
-  mSessions.DeleteOnConsent(Selected());
-  Fill();
+  if (mSessions.DeleteOnConsent(Selected()) != SessionManager::Deletion::Declined) Fill();
 }
 
 // The active one is marked because it is active.
