@@ -141,15 +141,22 @@ TEST_F(SessionWindowTest, DeletesByKeyAndByMenu) {
 }
 
 TEST_F(SessionWindowTest, AMenuByKeyIsThatOfTheSelectedSession) {
-  MakeSession("A");
+  for (const char* name : {"A", "B"}) MakeSession(name);
   Open();
-  Select("A");
-  When(
-      *window, [] { return QApplication::activePopupWidget() != nullptr; },
-      [] { QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_D); });
-  bench.prompts.Press(PromptAnswer::Yes);
-  QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(), QPoint());
-  QApplication::sendEvent(&List(), &key);
+  const auto deleteBy = [this](const char* name, const std::function<void()>& openMenu) {
+    Select(name);
+    When(
+        *window, [] { return QApplication::activePopupWidget() != nullptr; },
+        [] { QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_D); });
+    bench.prompts.Press(PromptAnswer::Yes);
+    openMenu();
+  };
+  deleteBy("A", [this] {
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QApplication::sendEvent(&List(), &key);
+  });
+  EXPECT_THAT(Rows(), ElementsAre("B", "Default"));
+  deleteBy("B", [this] { QTest::keyClick(&List(), Qt::Key_F10, Qt::ShiftModifier); });
   EXPECT_THAT(Rows(), ElementsAre("Default"));
 }
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 
 #include "dataview/OperandCatalogue.h"
-#include "dataview/ui/MenuKey.h"
 #include "desktop/ui/Commands.h"
+#include "desktop/ui/MenuKey.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv::mdlDataTypesView {

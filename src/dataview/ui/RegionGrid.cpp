@@ -8,7 +8,7 @@
 #include <array>
 
 #include "dataview/ui/GridColours.h"
-#include "dataview/ui/MenuKey.h"
+#include "desktop/ui/MenuKey.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv::mdlDataTypesView {

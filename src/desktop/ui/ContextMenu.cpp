@@ -1,7 +1,10 @@
 #include "desktop/ui/ContextMenu.h"
 
 #include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <utility>
+
+#include "desktop/ui/MenuKey.h"
 
 namespace kv {
 namespace {
@@ -18,12 +21,14 @@ class MenuAsker final : public QObject {
  protected:
   // The key's event goes to the view, which has the focus, the mouse's to its viewport.
   bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::KeyPress && IsMenuKey(static_cast<const QKeyEvent&>(*event))) {
+      ShowAtCurrent();
+      return true;
+    }
     if (event->type() != QEvent::ContextMenu) return false;
     const auto& asked = static_cast<const QContextMenuEvent&>(*event);
     if (asked.reason() == QContextMenuEvent::Keyboard) {
-      const QModelIndex row = mView.currentIndex();
-      if (row.isValid()) mView.scrollTo(row);
-      mShow(row, mView.viewport()->mapToGlobal(mView.visualRect(row).bottomLeft()));
+      ShowAtCurrent();
     } else {
       mShow(mView.indexAt(mView.viewport()->mapFromGlobal(asked.globalPos())), asked.globalPos());
     }
@@ -31,6 +36,12 @@ class MenuAsker final : public QObject {
   }
 
  private:
+  void ShowAtCurrent() {
+    const QModelIndex row = mView.currentIndex();
+    if (row.isValid()) mView.scrollTo(row);
+    mShow(row, mView.viewport()->mapToGlobal(mView.visualRect(row).bottomLeft()));
+  }
+
   QAbstractItemView& mView;
   Show mShow;
 };

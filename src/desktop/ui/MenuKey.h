@@ -2,11 +2,11 @@
 
 #include <QKeyEvent>
 
-namespace kv::mdlDataTypesView {
+namespace kv {
 
 // Shift+F10 opens a context menu as the menu key does, which not every keyboard has; not every platform sees to it.
 [[nodiscard]] inline bool IsMenuKey(const QKeyEvent& key) {
   return key.key() == Qt::Key_F10 && key.modifiers() == Qt::ShiftModifier;
 }
 
-}  // namespace kv::mdlDataTypesView
+}  // namespace kv
