@@ -182,6 +182,8 @@ ExitCode ExitOf(const CloneOutcome& outcome) {
       return ExitCode::Refused;
     case CloneCause::File:
       return ExitCode::BadFile;
+    case CloneCause::Unproven:
+      return ExitCode::Failed;
     case CloneCause::Reply:
     case CloneCause::Link:
       if (outcome.link.code == LinkErrorCode::None) return ExitCode::LinkLost;  // nothing usable came
@@ -206,6 +208,8 @@ std::string CodeOf(const CloneOutcome& outcome) {
       return "badFile";
     case CloneCause::Reply:
       return "badReply";
+    case CloneCause::Unproven:
+      return "unproven";
     case CloneCause::None:
     case CloneCause::Link:
       break;

@@ -24,6 +24,7 @@ enum class CloneCause {
   File,      // the clone file cannot be read, written or understood
   Link,      // an exchange with the controller failed; `link` says how
   Reply,     // the controller did not answer a line of a restore with OK; `link` says Refused when it refused
+  Unproven,  // all lines of a restore were answered with OK, but that they were written is not known
 };
 
 // How an operation ended. `reason` is for the log, beside the boxes that the user sees: what happened, the likely cause

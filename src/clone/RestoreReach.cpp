@@ -1,5 +1,8 @@
 #include "clone/RestoreReach.h"
 
+#include "clone/ProgramState.h"
+#include "clone/RestoreBegin.h"
+
 namespace kv {
 namespace {
 
@@ -62,6 +65,31 @@ std::string AskWhatIsLeft(const RestoreReach& reach, Channel& link, Pacer& pacer
   if (controller) return "Asked afterwards, the controller says: " + StateText(reach, controller->state);
   return "The controller was asked afterwards whether its program runs, and did not tell: " +
          link.LastError().happened + ".";
+}
+
+std::expected<void, CloneOutcome> CheckAfterRestore(const RestoreReach& reach, Channel& link,
+                                                    const Channel::ControllerInfo& asked) {
+  if (reach.written == 0) return {};
+  const auto controller = MeetAgain(link, asked);
+  if (!controller) {
+    CloneOutcome outcome = controller.error();
+    outcome.reason += "\nAll lines were answered with OK, but by whom is not known. Restore the file again.";
+    return std::unexpected(outcome);
+  }
+  if (!IsRunningState(controller->state)) {
+    return std::unexpected(CloneOutcome::Failed(CloneCause::Unproven,
+                                                "All lines were answered with OK, but asked afterwards, the controller "
+                                                "says: " +
+                                                    StateText(reach, controller->state)));
+  }
+  if (reach.unproven == 0) return {};
+  const std::string others = reach.unproven == 1 ? "" : " and " + std::to_string(reach.unproven - 1) + " more lines";
+  return std::unexpected(CloneOutcome::Failed(
+      CloneCause::Unproven,
+      "Line " + std::to_string(reach.firstUnproven) + " of the clone file" + others +
+          " got an OK that is not the controller's own reply: it was late, damaged or another "
+          "unit's. Whether this was written is not known.\nWhat to do: compare the controller with "
+          "the file (verify), and restore it again if they differ."));
 }
 
 }  // namespace kv

@@ -63,6 +63,13 @@ CloneOutcome WithoutOk(std::string_view reply) {
                                                      "\", which is no OK.\nLikely cause: noise on the line.");
 }
 
+// Whether the first line that has arrived is the controller's own reply, noise before it aside.
+bool EndsInReplyTo(const SerialPortObject& port, std::string_view line, std::string_view received) {
+  const std::string_view first = received.substr(0, received.find('\r') + 1);
+  const std::size_t start = first.rfind('/');
+  return start != std::string_view::npos && port.IsReplyTo(line, first.substr(start));
+}
+
 }  // namespace
 
 void clsDumpPLC::RestoreGhost(SerialPortObject& port, const std::filesystem::path& file, const Channel* link) {
@@ -165,6 +172,7 @@ clsDumpPLC::Step clsDumpPLC::RestoreLine(SerialPortObject& port, std::string_vie
     done.error().reason = "Line " + std::to_string(number) + " of the clone file: " + done.error().reason;
     return done;
   }
+  if (mReach.unproven > 0 && mReach.firstUnproven == 0) mReach.firstUnproven = number;
   mWindow.Event_ProgressBarValue(++mReach.written);
   if (IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
   return {};
@@ -202,7 +210,10 @@ clsDumpPLC::Step clsDumpPLC::WaitCloneReply(SerialPortObject& port, std::string_
     }
   }
   mLineBefore = line;
-  if (reply.find("OK") != std::string::npos) return {};
+  if (reply.find("OK") != std::string::npos) {
+    if (!EndsInReplyTo(port, line, reply)) ++mReach.unproven;
+    return {};
+  }
   Show(kNotReady, PromptIcon::None);
   return std::unexpected(WithoutOk(reply));
 }

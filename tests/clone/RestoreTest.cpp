@@ -279,6 +279,28 @@ TEST(RestoreReach, SaysOfTheProgramWhatIsKnownAndNoMore) {
   }
 }
 
+TEST(RestoreReach, IsNoSuccessWhenAnOkWasNotTheControllersOwn) {
+  struct Row {
+    RestoreReach reach;
+    Channel::ControllerInfo now;
+    const char* said;
+  };
+  const Row rows[] = {{{.lines = 9, .written = 9}, {7, 'R', ""}, ""},
+                      {{.lines = 0, .written = 0}, {7, 'L', ""}, ""},  // four head lines restore nothing
+                      {{.lines = 9, .written = 9}, {7, 'L', ""}, "it is loading"},
+                      {{.lines = 9, .written = 9}, {8, 'R', ""}, "but by whom is not known"},
+                      {{.lines = 9, .written = 9, .unproven = 3, .firstUnproven = 7}, {7, 'R', ""}, "Line 7 of the clone file and 2 more"}};
+  for (const Row& row : rows) {
+    CloneBench bench;
+    bench.channel.info = row.now;
+    const auto checked = CheckAfterRestore(row.reach, bench.channel, {7, 'R', ""});
+    EXPECT_EQ(checked.has_value(), *row.said == '\0');
+    if (!checked) {
+      EXPECT_THAT(checked.error().reason, HasSubstr(row.said));
+    }
+  }
+}
+
 TEST(RestoreGhost, SendsNothingOfAFileThatCannotBeReadToItsEnd) {
   const std::string head = kHead;
   const std::vector<std::tuple<std::string, int, std::string>> rows = {

@@ -129,6 +129,7 @@ TEST_F(CloneVerbs, EndWithTheExitCodeThatTellsWhatToDo) {
       {"", {"verify", file, "--force"}, 2, "with restore only"},
       {"lost:on=WD,nth=2,away=600000", {"restore", file, "--yes", "--password", "1"}, 7, "Line 6 of the clone file"},
       {"refuse:on=WD,nth=2,code=0D", {"restore", file, "--yes", "--password", "1"}, 4, "refused: its flash"},
+      {"wrongunit:on=WD,nth=2", {"restore", file, "--yes", "--password", "1"}, 1, "Line 6 of the clone file got an OK"},
       {"noreply:on=block", {"verify", file}, 7, "no reply"},
   };
   for (const auto& [fault, arguments, exit, message] : rows) {

@@ -189,8 +189,11 @@ void frmDumpPLC::Send(Restoring& restoring) {
   mEngine->ExpectDigest(restoring.info.sha256);
   mEngine->RestoreGhost(*restoring.link.GetSerialPort(), restoring.file, &restoring.link);
   CloneOutcome outcome = mEngine->Outcome();
-  if (outcome.end != CloneEnd::Done) {
-    mProgressText->setText("Asking the controller what it is doing now");
+  mProgressText->setText("Asking the controller what it is doing now");
+  if (outcome.end == CloneEnd::Done) {
+    const auto checked = CheckAfterRestore(mEngine->Reach(), restoring.link, restoring.check.controller);
+    if (!checked) outcome = checked.error();
+  } else {
     const std::string left = AskWhatIsLeft(mEngine->Reach(), restoring.link, mServices.pacer);
     if (!left.empty()) outcome.reason += "\n" + left;
   }
