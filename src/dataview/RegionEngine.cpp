@@ -207,7 +207,7 @@ void RegionEngine::SayRead(const PassOutcome& outcome, std::size_t total) {
 
 void RegionEngine::SayWritten(const PassOutcome& outcome, std::span<const Region> regions) {
   if (outcome.IsWhole()) {
-    std::string text = Regions(outcome.done) + " written.";
+    std::string text = Regions(outcome.done) + " written, not read back: Read shows what the controller holds now.";
     if (outcome.readOnly > 0) text += " " + Regions(outcome.readOnly) + " of types that cannot be written left out.";
     return mDesk.Say(text);
   }
