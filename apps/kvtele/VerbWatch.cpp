@@ -4,6 +4,7 @@
 #include <CLI/Validators.hpp>
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 
 #include "apps/kvtele/OperandLink.h"
 #include "apps/kvtele/RegionWatch.h"
@@ -18,10 +19,13 @@ constexpr int kMostSeconds = 31'536'000;  // a year
 constexpr int kLongestPause = 3'600'000;
 
 void SetUnreadableAside(Environment& environment, const Connection& connection, std::vector<Region>& regions) {
-  const auto unreadable = std::ranges::stable_partition(
-      regions, [&](const Region& region) { return mdlDataTypesView::IsReadableFrom(connection.Model(), region.type); });
-  SayUnreadable(environment, connection, std::vector(unreadable.begin(), unreadable.end()));
-  regions.erase(unreadable.begin(), unreadable.end());
+  std::vector<Region> readable;
+  std::vector<Region> unreadable;
+  std::ranges::partition_copy(
+      regions, std::back_inserter(readable), std::back_inserter(unreadable),
+      [&](const Region& region) { return mdlDataTypesView::IsReadableFrom(connection.Model(), region.type); });
+  SayUnreadable(environment, connection, unreadable);
+  regions = std::move(readable);
 }
 
 }  // namespace
