@@ -2,6 +2,7 @@
 
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/LinkText.h"
+#include "KvCmDrv1/wire/Seal.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
 #include "link/AsciiFrame.h"
@@ -54,7 +55,7 @@ ChannelImpl::ChannelImpl(Pacer& pacer, std::shared_ptr<Trace> trace, const LinkS
       mSay(std::move(say)),
       mLine(pacer, *mTrace, mMakePort(settings)),
       mExchange(pacer, mLine, {}, [this](const std::string& message) { Tell(message); }),
-      mRawPort(pacer, mLine, [this](Outcome outcome, std::string_view sent) { OnRawOutcome(outcome, sent); }),
+      mRawPort(pacer, mLine, [this](Outcome outcome, const RawTraffic& traffic) { OnRawOutcome(outcome, traffic); }),
       mBlockEngine(*this) {
   ConfigureExchange();
 }
@@ -358,16 +359,34 @@ bool ChannelImpl::Knows(const std::expected<void, LinkError>& recognised, const 
   return recognised.has_value();
 }
 
-void ChannelImpl::OnRawOutcome(Outcome outcome, std::string_view sent) {
+void ChannelImpl::OnRawOutcome(Outcome outcome, const RawTraffic& traffic) {
   mExchange.DoubtUnits();
-  if (!sent.empty()) {
-    const std::optional<AsciiFrame> frame = FindFrame(sent.substr(0, sent.find(kFrameEnd)));
-    mRawReset = frame && FactsOf(frame->text).resets ? std::optional(frame->unit) : std::nullopt;
+  if (!traffic.sent.empty()) NoteRawReset(traffic.sent);
+  if (mRawReset && mRawReset->IsRefusedBy(traffic.received)) {
+    mExchange.RestorePatience(mRawReset->unit, mRawReset->before);
+    mRawReset.reset();
   }
-  if (mRawReset) mExchange.NoteRestart(*mRawReset);  // it begins with the reply, whenever that comes
+  if (mRawReset) mExchange.NoteRestart(mRawReset->unit);  // it begins with the reply, whenever that comes
   if (outcome == Outcome::Done) return;
   if (outcome == Outcome::Lost) mExchange.NoteLoss();
   Fail(mExchange.Explain(outcome), "sending raw frames");
+}
+
+void ChannelImpl::NoteRawReset(std::string_view sent) {
+  mRawReset.reset();
+  const std::optional<AsciiFrame> frame = FindFrame(sent.substr(0, sent.find(kFrameEnd)));
+  if (!frame || !FactsOf(frame->text).resets) return;
+  mRawReset = RawReset{frame->unit, std::string(frame->text), mExchange.PatienceWith(frame->unit), {}};
+}
+
+bool ChannelImpl::RawReset::IsRefusedBy(std::string_view bytes) {
+  received.append(bytes.substr(0, kMaxFrameLength - std::min(kMaxFrameLength, received.size())));
+  const std::size_t end = received.find(kFrameEnd);
+  const std::size_t start = received.find(kFrameStart);
+  if (end == std::string::npos || start > end) return false;
+  const auto frame = FindFrame(std::string_view(received).substr(start, end - start));
+  const auto reply = frame && frame->unit == unit ? Seal(text).Open(*frame) : std::nullopt;
+  return reply && ReadRefusal(reply->text, text).has_value();
 }
 
 }  // namespace kv

@@ -140,7 +140,8 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] bool UseSettings(const LinkSettings& settings);
   void ConfigureExchange();
   void Tell(const std::string& message);
-  void OnRawOutcome(Outcome outcome, std::string_view sent);
+  void OnRawOutcome(Outcome outcome, const RawTraffic& traffic);
+  void NoteRawReset(std::string_view sent);
   [[nodiscard]] bool Knows(const std::expected<void, LinkError>& recognised, const std::string& doing);
 
   Pacer& mPacer;
@@ -162,7 +163,16 @@ class ChannelImpl final : public Channel {
   int mMode = 0;
   bool mIsBusy = false;
   bool mIsRetired = false;
-  std::optional<std::uint8_t> mRawReset;  // unit that was told to reset by the last raw frame
+  // The last raw frame told a unit to reset.
+  struct RawReset {
+    std::uint8_t unit;
+    std::string text;
+    Exchange::Patience before;
+    std::string received;  // since then
+
+    bool IsRefusedBy(std::string_view bytes);  // and what came before them
+  };
+  std::optional<RawReset> mRawReset;
 };
 
 template <typename Doing>

@@ -120,13 +120,18 @@ std::expected<std::string_view, LinkError> Exchange::SendText(const TextRequest&
   const UnderWay underWay(*this);
   Begin(request.unit, mMain.frame.size() + request.facts.longestReply, request.notAfter);
   if (request.facts.resets) mDeadline += kRestartTime - RestartRest(request.unit);
+  const Patience before = PatienceWith(request.unit);
   Outcome outcome = RunText(request);
   if (outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text) == kNeedsPasswordCode) {
     outcome = RunWithAccess(request.unit, [&] { return RunText(request); });
   }
   Conclude(request.unit, outcome);
   const bool isRefused = outcome == Outcome::Done && ReadRefusal(mMain.reply, request.text).has_value();
-  if (request.facts.resets && mWentOut && !isRefused) NoteRestart(request.unit);
+  if (request.facts.resets && isRefused) {
+    RestorePatience(request.unit, before);
+  } else if (request.facts.resets && mWentOut) {
+    NoteRestart(request.unit);
+  }
   if (outcome != Outcome::Done) return std::unexpected(ExplainRequest(outcome));
   return mMain.reply;
 }
@@ -198,6 +203,15 @@ void Exchange::NoteRestart(std::uint8_t unit) {
   state.connection = 0;
   state.modelMayChange = true;
   state.restartUntil = mPacer.Now() + kRestartTime;
+}
+
+Exchange::Patience Exchange::PatienceWith(std::uint8_t unit) const {
+  return {mUnits[unit].restartUntil, mUnits[unit].modelMayChange};
+}
+
+void Exchange::RestorePatience(std::uint8_t unit, const Patience& before) {
+  mUnits[unit].restartUntil = before.restartUntil;
+  mUnits[unit].modelMayChange = before.modelMayChange;
 }
 
 Duration Exchange::RestartRest(std::uint8_t unit) const {

@@ -116,6 +116,13 @@ class Exchange {
   void DoubtUnits() { mIsDoubtful = true; }
   // The unit was told to reset: it may be silent for a while, and another model (its boot loader) afterwards.
   void NoteRestart(std::uint8_t unit);
+  // What being told to reset changes. A controller that refuses does not reset: it is treated as before.
+  struct Patience {
+    Instant restartUntil{};
+    bool modelMayChange = false;
+  };
+  [[nodiscard]] Patience PatienceWith(std::uint8_t unit) const;
+  void RestorePatience(std::uint8_t unit, const Patience& before);
   // How much longer a unit that was told to reset may be silent.
   [[nodiscard]] Duration RestartRest(std::uint8_t unit) const;
   // Another controller is meant from now on.

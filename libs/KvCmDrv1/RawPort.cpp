@@ -21,35 +21,38 @@ std::optional<AsciiFrame> WholeFrame(std::string_view bytes) {
 
 }  // namespace
 
-RawPort::RawPort(Pacer& pacer, Line& line, OnOutcome onOutcome)
-    : mPacer(pacer), mLine(line), mOnOutcome(std::move(onOutcome)) {}
+RawPort::RawPort(Pacer& pacer, Line& line, OnTraffic onTraffic)
+    : mPacer(pacer), mLine(line), mOnTraffic(std::move(onTraffic)) {}
 
 void RawPort::SetInBufferCount(std::size_t count) {
   mWaiting.resize(std::min(count, mWaiting.size()));
-  if (count == 0 && mLine.IsOpen()) mOnOutcome(mLine.DropInput(), {});
+  if (count == 0 && mLine.IsOpen()) mOnTraffic(mLine.DropInput(), {});
 }
 
 bool RawPort::Output(std::string_view bytes) {
   constexpr Duration kTaken = std::chrono::seconds(5);  // for the line to take what is beyond its own time
   if (!mLine.IsOpen()) {
-    mOnOutcome(Outcome::Closed, {});
+    mOnTraffic(Outcome::Closed, {});
     return false;
   }
   const Instant now = mPacer.Now();
   const Outcome outcome = mLine.Send(bytes, Line::Sending::New, now, now + mLine.WireTime(bytes.size()) + kTaken);
-  mOnOutcome(outcome, bytes);
+  mOnTraffic(outcome, {.sent = bytes});
   return outcome == Outcome::Done;
 }
 
 std::string RawPort::Input() {
-  if (mLine.IsOpen()) mOnOutcome(mLine.TakeRaw(mWaiting, kInBuffer), {});
+  if (mLine.IsOpen()) {
+    const Outcome outcome = mLine.TakeRaw(mWaiting, kInBuffer);
+    mOnTraffic(outcome, {.received = mWaiting});
+  }
   return std::exchange(mWaiting, {});
 }
 
 bool RawPort::WaitForInput(Duration span) {
   if (!mWaiting.empty()) return true;
   const Outcome outcome = mLine.IsOpen() ? mLine.AwaitRaw(mWaiting, span) : Outcome::Silence;
-  if (outcome != Outcome::Silence) mOnOutcome(outcome, {});
+  if (outcome != Outcome::Silence) mOnTraffic(outcome, {});
   return !mWaiting.empty();
 }
 

@@ -8,14 +8,20 @@
 
 namespace kv {
 
-// The port under the channel, for raw traffic. What happens to the line is told to `onOutcome`, with the bytes that
-// were to be sent: the channel keeps the reason of a failure, and its exchanges meet the controller again afterwards.
+// What raw traffic has just passed on: the bytes that were to be sent, or those that are handed out.
+struct RawTraffic {
+  std::string_view sent = {};
+  std::string_view received = {};
+};
+
+// The port under the channel, for raw traffic. What happens to the line is told to `onTraffic`: the channel keeps the
+// reason of a failure, and its exchanges meet the controller again afterwards.
 class RawPort final : public SerialPortObject {
  public:
   static constexpr std::size_t kInBuffer = 8192;
-  using OnOutcome = std::function<void(Outcome outcome, std::string_view sent)>;
+  using OnTraffic = std::function<void(Outcome outcome, const RawTraffic& traffic)>;
 
-  RawPort(Pacer& pacer, Line& line, OnOutcome onOutcome);
+  RawPort(Pacer& pacer, Line& line, OnTraffic onTraffic);
 
   void SetInBufferCount(std::size_t count) override;
   bool Output(std::string_view bytes) override;
@@ -27,7 +33,7 @@ class RawPort final : public SerialPortObject {
  private:
   Pacer& mPacer;
   Line& mLine;
-  OnOutcome mOnOutcome;
+  OnTraffic mOnTraffic;
   std::string mWaiting;  // received, and not yet taken
 };
 

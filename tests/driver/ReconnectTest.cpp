@@ -187,6 +187,29 @@ TEST(Reconnect, AControllerThatRestartsIsWaitedFor) {
   EXPECT_LE(dead.pacer.Now() - start, 8s + 500ms) << "and not for ever";
 }
 
+// Who refuses to reset does not: nothing is waited for.
+TEST(Reconnect, ARefusedResetEarnsNoPatience) {
+  const std::pair<const char*, std::function<bool(Bench&)>> refused[] = {
+      {"CCE", [](Bench& b) { return b.channel.ResetController(1); }},
+      {"raw ED without a load",
+       [](Bench& b) {
+         SerialPortObject* port = b.channel.GetSerialPort();
+         const bool isSent = port->Output("/01EDEA\r");
+         b.pacer.Sleep(10ms);
+         return !isSent || port->Input().find("EDERROR09") == std::string::npos;
+       }},
+  };
+  for (const auto& [what, reset] : refused) {
+    SCOPED_TRACE(what);
+    Bench bench("K220", SerialSettings(), what == refused[0].first ? "secret" : "");
+    EXPECT_FALSE(reset(bench));
+    bench.plant.isSilent = true;
+    const Instant start = bench.pacer.Now();
+    EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
+    EXPECT_LE(bench.pacer.Now() - start, 3s + 500ms);
+  }
+}
+
 TEST(Reconnect, TriesWithGrowingPausesWithinTheDeadline) {
   Bench bench;
   bench.plant.isCut = true;
