@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "dataview/OperandCatalogue.h"
-#include "dataview/RowDisplay.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/RowDisplay.h"
 
 // What the display of one operand costs, in nanoseconds, for each type of row and each format that it offers: on-line
 // mode rebuilds every row of the regions table after every pass.

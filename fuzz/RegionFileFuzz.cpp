@@ -7,8 +7,8 @@
 #include <iostream>
 #include <string_view>
 
-#include "dataview/OperandCatalogue.h"
 #include "dataview/files/RegionFile.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include "apps/kvtele/LinkChoice.h"
 #include "apps/kvtele/Progress.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/OsSupport.h"
-#include "dataview/RegionTransfer.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/OsSupport.h"
+#include "dataview/operands/RegionTransfer.h"
 #include "link/LinkTexts.h"
 
 namespace kv::cli {

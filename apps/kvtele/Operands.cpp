@@ -5,7 +5,7 @@
 
 #include "base/Numbers.h"
 #include "base/Texts.h"
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 #include "link/LinkTexts.h"
 #include "models/ModelCatalogue.h"
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "apps/kvtele/Failure.h"
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 // What the command line knows of operands beyond the catalogue: how they are named there, and which of them there is a
 // reason to ask a controller for.

@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "apps/kvtele/Values.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/ValueEntry.h"
 #include "dataview/files/OperandCsv.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/ValueEntry.h"
 
 namespace kv::cli {
 

@@ -4,8 +4,8 @@
 #include <chrono>
 #include <nlohmann/json.hpp>
 
-#include "dataview/OperandCatalogue.h"
-#include "dataview/RegionTransfer.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/RegionTransfer.h"
 
 namespace kv::cli {
 

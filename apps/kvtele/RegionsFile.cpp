@@ -3,8 +3,8 @@
 #include "apps/kvtele/Operands.h"
 #include "base/AtomicFile.h"
 #include "base/PathText.h"
-#include "dataview/RegionTransfer.h"
 #include "dataview/files/RegionFile.h"
+#include "dataview/operands/RegionTransfer.h"
 
 namespace kv::cli {
 

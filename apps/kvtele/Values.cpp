@@ -3,11 +3,11 @@
 #include <optional>
 
 #include "base/Numbers.h"
-#include "dataview/NumberText.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/TimerText.h"
-#include "dataview/ValueEntry.h"
-#include "dataview/ValueRange.h"
+#include "dataview/operands/NumberText.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/TimerText.h"
+#include "dataview/operands/ValueEntry.h"
+#include "dataview/operands/ValueRange.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::cli {

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "apps/kvtele/Failure.h"
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 namespace kv::cli {
 

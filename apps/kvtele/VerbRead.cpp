@@ -3,8 +3,8 @@
 #include "apps/kvtele/Connection.h"
 #include "apps/kvtele/OperandLink.h"
 #include "apps/kvtele/Operands.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/RowDisplay.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/RowDisplay.h"
 
 namespace kv::cli {
 

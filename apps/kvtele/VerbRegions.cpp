@@ -8,9 +8,10 @@
 #include "apps/kvtele/Progress.h"
 #include "apps/kvtele/Prompting.h"
 #include "apps/kvtele/ReadBack.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/RegionTransfer.h"
-#include "dataview/RowDisplay.h"
+#include "dataview/WriteQuestion.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/RegionTransfer.h"
+#include "dataview/operands/RowDisplay.h"
 
 namespace kv::cli {
 

@@ -8,7 +8,7 @@
 
 #include "apps/kvtele/OperandLink.h"
 #include "apps/kvtele/RegionWatch.h"
-#include "dataview/RegionTransfer.h"
+#include "dataview/operands/RegionTransfer.h"
 
 namespace kv::cli {
 

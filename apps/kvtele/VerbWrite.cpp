@@ -4,8 +4,8 @@
 #include "apps/kvtele/OperandLink.h"
 #include "apps/kvtele/ReadBack.h"
 #include "apps/kvtele/Values.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/RegionTransfer.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/RegionTransfer.h"
 
 namespace kv::cli {
 

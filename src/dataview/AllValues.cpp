@@ -6,12 +6,13 @@
 #include "base/ScopeGuard.h"
 #include "dataview/ChannelLease.h"
 #include "dataview/GridEdits.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/OsSupport.h"
 #include "dataview/RegionEngine.h"
-#include "dataview/RegionTransfer.h"
 #include "dataview/ViewDesk.h"
+#include "dataview/WriteQuestion.h"
 #include "dataview/files/GridFile.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/OsSupport.h"
+#include "dataview/operands/RegionTransfer.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "dataview/OperandCatalogue.h"
-#include "dataview/ValueEntry.h"
-#include "dataview/ValueRange.h"
 #include "dataview/ViewDesk.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/ValueEntry.h"
+#include "dataview/operands/ValueRange.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 namespace kv::mdlDataTypesView {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

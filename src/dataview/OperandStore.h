@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/Time.h"
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 namespace kv::mdlDataTypesView {
 

@@ -6,12 +6,12 @@
 
 #include "base/ScopeGuard.h"
 #include "dataview/ChannelLease.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/OsSupport.h"
-#include "dataview/RegionTransfer.h"
-#include "dataview/ValueEntry.h"
-#include "dataview/ValueRange.h"
 #include "dataview/ViewDesk.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/OsSupport.h"
+#include "dataview/operands/RegionTransfer.h"
+#include "dataview/operands/ValueEntry.h"
+#include "dataview/operands/ValueRange.h"
 #include "link/LinkTexts.h"
 
 namespace kv::mdlDataTypesView {
@@ -65,13 +65,15 @@ void RegionEngine::Write(std::span<const Region> regions) {
 }
 
 bool RegionEngine::IsSupported(Channel& channel, std::span<const Region> regions) {
-  const auto isSupported = CheckOsSupport(channel, mDesk.Model(), regions, mDesk.parts.prompts, mDesk.Caption());
-  if (!isSupported) {
-    mDesk.SayLinkError(isSupported.error());
+  const auto osVersion = OsVersionOf(channel, mDesk.Model());
+  if (!osVersion) {
+    mDesk.SayLinkError(osVersion.error());
     return false;
   }
-  if (!*isSupported) mDesk.SayError(std::string(kRegionsNotSupportedMessage));
-  return *isSupported;
+  if (AreRegionsSupported(mDesk.Model(), *osVersion, regions)) return true;
+  mDesk.ShowBox(kRegionsNotSupportedMessage);
+  mDesk.SayError(std::string(kRegionsNotSupportedMessage));
+  return false;
 }
 
 PassOutcome RegionEngine::ReadPass(Channel& channel) {

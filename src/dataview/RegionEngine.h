@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "base/Time.h"
-#include "dataview/OperandTypes.h"
 #include "dataview/UndoHistory.h"
+#include "dataview/operands/OperandTypes.h"
 #include "link/Channel.h"
 #include "link/LinkError.h"
 

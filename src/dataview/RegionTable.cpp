@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "dataview/OperandCatalogue.h"
 #include "dataview/OperandStore.h"
-#include "dataview/RowDisplay.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/RowDisplay.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "base/Time.h"
 #include "dataview/GridSelection.h"
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 namespace kv::mdlDataTypesView {
 

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "dataview/OperandCatalogue.h"
 #include "dataview/OperandStore.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "KvCmDrv1/Driver.h"
 #include "apps/support/SimulatedControllers.h"
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 #include "dataview/ui/frmDataTypesView.h"
 #include "desktop/MemoryClipboard.h"
 #include "desktop/PacerWallClock.h"

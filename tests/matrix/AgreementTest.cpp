@@ -7,9 +7,9 @@
 
 #include "KvCmDrv1/UnitState.h"
 #include "MatrixBench.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/OsSupport.h"
-#include "dataview/RegionTransfer.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/OsSupport.h"
+#include "dataview/operands/RegionTransfer.h"
 #include "models/ModelCatalogue.h"
 #include "simulator/ModelTable.h"
 #include "simulator/OsVersion.h"

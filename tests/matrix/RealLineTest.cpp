@@ -7,8 +7,8 @@
 #include <iostream>
 
 #include "RealBench.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/RegionTransfer.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/RegionTransfer.h"
 
 namespace kv::matrix {
 namespace {

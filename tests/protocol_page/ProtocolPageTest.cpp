@@ -13,7 +13,7 @@
 #include "KvCmDrv1/wire/CommandFacts.h"
 #include "KvCmDrv1/wire/OperandTypes.h"
 #include "MarkdownTables.h"
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 #include "link/ControllerErrorText.h"
 #include "models/ModelCatalogue.h"
 #include "simulator/BlockCommands.h"

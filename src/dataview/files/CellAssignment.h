@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 namespace kv::mdlDataTypesView {
 

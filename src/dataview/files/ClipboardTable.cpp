@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -6,10 +6,10 @@
 #include "base/AtomicFile.h"
 #include "base/PathText.h"
 #include "dataview/GridSelection.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/ValueEntry.h"
 #include "dataview/files/OperandCsv.h"
 #include "dataview/files/OperandSheet.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/ValueEntry.h"
 #include "dataview/sheets/SheetFile.h"
 #include "link/LinkTexts.h"
 

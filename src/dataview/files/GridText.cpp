@@ -9,7 +9,7 @@
 #include "base/Crc32.h"
 #include "base/Numbers.h"
 #include "base/Time.h"
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -7,10 +7,10 @@
 
 #include "base/Numbers.h"
 #include "base/Texts.h"
-#include "dataview/NumberText.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/TimerText.h"
 #include "dataview/files/OperandSheet.h"
+#include "dataview/operands/NumberText.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/TimerText.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

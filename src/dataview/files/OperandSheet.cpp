@@ -8,7 +8,7 @@
 
 #include "base/Numbers.h"
 #include "base/Texts.h"
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

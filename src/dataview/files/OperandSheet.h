@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "dataview/OperandTypes.h"
 #include "dataview/files/TypeTexts.h"
+#include "dataview/operands/OperandTypes.h"
 #include "dataview/sheets/SheetFile.h"
 
 // The operand grid as a spreadsheet: a row for each address and a column for each operand type, because sheets may be

@@ -8,7 +8,7 @@
 
 #include "base/AnsiText.h"
 #include "base/Numbers.h"
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 #include "link/LinkTexts.h"
 #include "models/ModelCatalogue.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 namespace kv::mdlDataTypesView {
 

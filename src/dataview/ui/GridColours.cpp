@@ -1,6 +1,6 @@
 #include "dataview/ui/GridColours.h"
 
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -3,7 +3,7 @@
 #include <QColor>
 #include <QPalette>
 
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 namespace kv::mdlDataTypesView {
 

@@ -4,7 +4,7 @@
 #include <QKeyEvent>
 #include <algorithm>
 
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/MenuKey.h"
 #include "desktop/ui/WindowGeometry.h"

@@ -5,7 +5,7 @@
 #include <span>
 
 #include "dataview/DataTypesView.h"
-#include "dataview/PlaceText.h"
+#include "dataview/operands/PlaceText.h"
 #include "dataview/ui/OperandDelegate.h"
 #include "dataview/ui/OperandModel.h"
 

@@ -4,7 +4,7 @@
 #include <QBrush>
 #include <algorithm>
 
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 #include "dataview/ui/GridColours.h"
 
 namespace kv::mdlDataTypesView {

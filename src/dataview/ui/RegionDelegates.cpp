@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <algorithm>
 
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 #include "dataview/ui/GridColours.h"
 #include "dataview/ui/RegionModel.h"
 #include "desktop/ui/Commands.h"

@@ -10,7 +10,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "dataview/PlaceText.h"
+#include "dataview/operands/PlaceText.h"
 #include "dataview/ui/OperandGrid.h"
 #include "dataview/ui/RegionGrid.h"
 #include "dataview/ui/ToolBands.h"
@@ -301,7 +301,8 @@ void frmDataTypesView::ShowRows() {
 }
 
 void frmDataTypesView::GoToPlace() {
-  const auto place = ParsePlace(mTools->GoToLine().text().toStdString(), mOperands->CurrentType(), mView.Operands());
+  const auto place =
+      ParsePlace(mTools->GoToLine().text().toStdString(), mOperands->CurrentType(), mView.Operands().Model());
   if (!place) {
     mView.Refuse(place.error());
     return mTools->GoToLine().selectAll();

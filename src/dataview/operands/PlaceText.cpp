@@ -1,8 +1,8 @@
-#include "dataview/PlaceText.h"
+#include "dataview/operands/PlaceText.h"
 
 #include "base/Numbers.h"
 #include "base/Texts.h"
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -21,14 +21,14 @@ PlaceWords WordsOf(std::string_view text) {
 }  // namespace
 
 std::expected<OperandPlace, std::string> ParsePlace(std::string_view text, OperandTypeCode current,
-                                                    const OperandStore& store) {
+                                                    std::string_view model) {
   const auto [name, digits] = WordsOf(TrimBlanks(text));
   if (name.empty() && digits.empty()) return std::unexpected("Enter a type and an address, such as MI 100.");
   const auto type = name.empty() ? current : TypeFromName(name);
   if (!type) return std::unexpected("There is no operand type \"" + name + "\".");
   const std::string known(TypeName(*type));
-  const std::int32_t count = store.CountOf(*type);
-  if (count == 0) return std::unexpected("The model " + store.Model() + " has no " + known + ".");
+  const std::int32_t count = OperandCount(*type, model);
+  if (count == 0) return std::unexpected("The model " + std::string(model) + " has no " + known + ".");
   const auto address = digits.empty() ? 0 : ParseInteger(digits);
   if (!address || *address >= count) {
     return std::unexpected(known + " has the addresses 0 to " + std::to_string(count - 1) + ".");

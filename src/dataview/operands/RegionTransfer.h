@@ -1,14 +1,12 @@
 #pragma once
 
-#include <cstddef>
 #include <expected>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "dataview/OperandTypes.h"
-#include "desktop/Prompts.h"
+#include "dataview/operands/OperandTypes.h"
 #include "link/Channel.h"
 #include "link/LinkError.h"
 
@@ -30,9 +28,6 @@ inline constexpr std::string_view kReadOnlyRegionsMessage =
     "Values cannot be written to some of the defined regions. \r\n"
     "This is because the defined regions include data types that cannot be written to in the controller. \r\n"
     "All legal values will be written to permitted regions.";
-
-// Asked before values of many operands are written; `target` names the link. Its default is No.
-[[nodiscard]] MessageBox WriteQuestion(std::size_t values, const std::string& target);
 
 // Whether operands of this type can be read from this model at all. DBI has no list read.
 [[nodiscard]] bool IsReadableFrom(std::string_view model, OperandTypeCode type);

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 // What a user may enter as the value of one operand. Stricter than the check before a write (ValueRange.h) where no
 // controller takes what that lets through: timers must be times, counters hold 16 bits.

@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "dataview/OperandCatalogue.h"
-#include "dataview/RowDisplay.h"
-#include "dataview/TimerText.h"
-#include "dataview/ValueRange.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/RowDisplay.h"
+#include "dataview/operands/TimerText.h"
+#include "dataview/operands/ValueRange.h"
 
 // clang-format off: the tables are laid out by hand
 namespace kv::mdlDataTypesView {

@@ -1,11 +1,11 @@
-#include "dataview/RegionTransfer.h"
+#include "dataview/operands/RegionTransfer.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "dataview/OsSupport.h"
+#include "dataview/operands/OsSupport.h"
 #include "tests/support/FakeChannel.h"
 
 // clang-format off: the tables are laid out by hand

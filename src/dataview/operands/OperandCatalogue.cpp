@@ -1,10 +1,10 @@
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 #include <algorithm>
 #include <array>
 
 #include "base/Texts.h"
-#include "dataview/TypeTable.h"
+#include "dataview/operands/TypeTable.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::mdlDataTypesView {

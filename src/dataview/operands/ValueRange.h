@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 namespace kv::mdlDataTypesView {
 

@@ -1,10 +1,10 @@
-#include "dataview/OsSupport.h"
+#include "dataview/operands/OsSupport.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "base/AnsiText.h"
-#include "dataview/OperandCatalogue.h"
+#include "dataview/operands/OperandCatalogue.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
 #include "models/ModelFit.h"
@@ -47,15 +47,6 @@ std::expected<std::string, LinkError> OsVersionOf(Channel& channel, std::string_
   const std::string other = OtherModelOf(AnsiToUtf8(version->model), model);
   if (!other.empty()) return std::unexpected(OtherModel(other, model));
   return std::move(version->osVersion);
-}
-
-std::expected<bool, LinkError> CheckOsSupport(Channel& channel, std::string_view model, std::span<const Region> regions,
-                                              Prompts& prompts, const std::string& title) {
-  const auto osVersion = OsVersionOf(channel, model);
-  if (!osVersion) return std::unexpected(osVersion.error());
-  if (AreRegionsSupported(model, *osVersion, regions)) return true;
-  prompts.Show({.text = std::string(kRegionsNotSupportedMessage), .title = title, .icon = PromptIcon::Exclamation});
-  return false;
 }
 
 }  // namespace kv::mdlDataTypesView

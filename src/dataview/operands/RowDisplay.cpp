@@ -1,4 +1,4 @@
-#include "dataview/RowDisplay.h"
+#include "dataview/operands/RowDisplay.h"
 
 #include <algorithm>
 #include <array>
@@ -9,9 +9,9 @@
 #include "base/AnsiText.h"
 #include "base/Bytes.h"
 #include "base/Numbers.h"
-#include "dataview/NumberText.h"
-#include "dataview/TypeTable.h"
-#include "dataview/mdlFloatHandling.h"
+#include "dataview/operands/NumberText.h"
+#include "dataview/operands/TypeTable.h"
+#include "dataview/operands/mdlFloatHandling.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

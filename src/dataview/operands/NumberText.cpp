@@ -1,4 +1,4 @@
-#include "dataview/NumberText.h"
+#include "dataview/operands/NumberText.h"
 
 #include <charconv>
 #include <cmath>

@@ -3,7 +3,7 @@
 #include <span>
 #include <string>
 
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 namespace kv::mdlDataTypesView {
 

@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "dataview/OperandStore.h"
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 namespace kv::mdlDataTypesView {
 
@@ -21,6 +20,6 @@ struct OperandPlace {
 // The cell that a text names: "MI 100", "mi100", "timer preset 5"; "100" is an address of `current`, "MI" the type's
 // first one. The error is a sentence for the user that says what there is.
 [[nodiscard]] std::expected<OperandPlace, std::string> ParsePlace(std::string_view text, OperandTypeCode current,
-                                                                  const OperandStore& store);
+                                                                  std::string_view model);
 
 }  // namespace kv::mdlDataTypesView

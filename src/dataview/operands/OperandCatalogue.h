@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 
 // Everything about the operands that depends on their type: names, sizes and formats offered, limits by model, what
 // may be written. Pure functions over the type codes and the model's text.

@@ -1,10 +1,10 @@
-#include "dataview/ValueRange.h"
+#include "dataview/operands/ValueRange.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "dataview/NumberText.h"
-#include "dataview/TypeTable.h"
+#include "dataview/operands/NumberText.h"
+#include "dataview/operands/TypeTable.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -1,4 +1,4 @@
-#include "dataview/RegionTransfer.h"
+#include "dataview/operands/RegionTransfer.h"
 
 #include <array>
 #include <cstdint>
@@ -6,12 +6,12 @@
 #include <optional>
 
 #include "base/Numbers.h"
-#include "dataview/NumberText.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/TimerText.h"
-#include "dataview/TypeTable.h"
-#include "dataview/ValueRange.h"
-#include "dataview/mdlFloatHandling.h"
+#include "dataview/operands/NumberText.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/TimerText.h"
+#include "dataview/operands/TypeTable.h"
+#include "dataview/operands/ValueRange.h"
+#include "dataview/operands/mdlFloatHandling.h"
 #include "link/ControllerErrorText.h"
 #include "link/LinkTexts.h"
 #include "models/ModelCatalogue.h"
@@ -235,13 +235,6 @@ std::string PastEndCure(const Region& region, std::string_view model) {
   const std::int32_t count = OperandCount(region.type, model);
   const std::string remove = "remove the region";
   return count == 0 ? remove : remove + ", and add it anew with addresses from 0 to " + std::to_string(count - 1);
-}
-
-MessageBox WriteQuestion(std::size_t values, const std::string& target) {
-  return {.text = "Write " + std::to_string(values) + (values == 1 ? " value" : " values") + " to " + target + "?",
-          .icon = PromptIcon::Question,
-          .buttons = PromptButtons::YesNo,
-          .canLose = true};
 }
 
 bool IsReadableFrom(std::string_view model, OperandTypeCode type) {

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <variant>
 
-#include "dataview/OperandTypes.h"
+#include "dataview/operands/OperandTypes.h"
 #include "link/Channel.h"
 
 // The one table behind the operand catalogue. Only the sources of this folder include it: everyone else asks the

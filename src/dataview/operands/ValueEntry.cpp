@@ -1,11 +1,11 @@
-#include "dataview/ValueEntry.h"
+#include "dataview/operands/ValueEntry.h"
 
 #include <cstdint>
 
-#include "dataview/NumberText.h"
-#include "dataview/OperandCatalogue.h"
-#include "dataview/TimerText.h"
-#include "dataview/ValueRange.h"
+#include "dataview/operands/NumberText.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/TimerText.h"
+#include "dataview/operands/ValueRange.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::mdlDataTypesView {

@@ -1,10 +1,10 @@
-#include "dataview/TimerText.h"
+#include "dataview/operands/TimerText.h"
 
 #include <algorithm>
 #include <array>
 
 #include "base/Texts.h"
-#include "dataview/NumberText.h"
+#include "dataview/operands/NumberText.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -1,4 +1,4 @@
-#include "dataview/mdlFloatHandling.h"
+#include "dataview/operands/mdlFloatHandling.h"
 
 #include <bit>
 

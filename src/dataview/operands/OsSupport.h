@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "dataview/OperandTypes.h"
-#include "desktop/Prompts.h"
+#include "dataview/operands/OperandTypes.h"
 #include "link/Channel.h"
 #include "link/LinkError.h"
 
@@ -28,11 +27,5 @@ inline constexpr std::string_view kRegionsNotSupportedMessage =
 // The O/S version of the controller that answers, which must be of the model: another one has other operands behind the
 // same addresses, and is another machine.
 [[nodiscard]] std::expected<std::string, LinkError> OsVersionOf(Channel& channel, std::string_view model);
-
-// Asks the controller for its version and judges. False: the message has been shown under `title`, and the operation
-// must not go on. An error: the controller did not tell its version, or is of another model; nothing has been shown.
-[[nodiscard]] std::expected<bool, LinkError> CheckOsSupport(Channel& channel, std::string_view model,
-                                                            std::span<const Region> regions, Prompts& prompts,
-                                                            const std::string& title);
 
 }  // namespace kv::mdlDataTypesView

@@ -1,4 +1,4 @@
-#include "dataview/TypeTable.h"
+#include "dataview/operands/TypeTable.h"
 
 #include <array>
 
