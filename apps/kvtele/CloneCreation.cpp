@@ -17,9 +17,9 @@ namespace kv::cli {
 namespace {
 
 // Whose program it is, and whether what the create does to it is wanted.
-std::expected<std::string, Failure> CheckProgram(Environment& environment, const CommonOptions& common,
-                                                 Connection& controller, const CreateOrder& order,
-                                                 const std::string& doing) {
+OrFailure<std::string> CheckProgram(Environment& environment, const CommonOptions& common,
+                                    ConnectedController& controller, const CreateOrder& order,
+                                    const std::string& doing) {
   const auto info = controller.Link().GetControllerInfo(controller.Unit());
   if (!info) return std::unexpected(controller.LastFailure());
   std::string name = ControllerText(controller.Version(), *info, controller.Description());
@@ -39,7 +39,7 @@ std::expected<std::string, Failure> CheckProgram(Environment& environment, const
 
 }  // namespace
 
-std::expected<SegmentBoxes, Failure> ParseSegments(const std::string& codes) {
+OrFailure<SegmentBoxes> ParseSegments(const std::string& codes) {
   if (codes.empty()) return SegmentBoxes();
   SegmentBoxes boxes{.op = false, .dt = false, .ap = false, .os = false};
   for (const std::string& code : SplitCodes(codes)) {
@@ -59,8 +59,8 @@ std::expected<SegmentBoxes, Failure> ParseSegments(const std::string& codes) {
   return boxes;
 }
 
-std::expected<SafeCreate, Failure> CheckCreate(Environment& environment, const CommonOptions& common,
-                                               const std::filesystem::path& file, const CreateOrder& order) {
+OrFailure<SafeCreate> CheckCreate(Environment& environment, const CommonOptions& common,
+                                  const std::filesystem::path& file, const CreateOrder& order) {
   if (!common.password && !environment.input.IsInteractive()) {
     return std::unexpected(UsageFailure("the controller's password is missing",
                                         "give it with --password; a controller without a password takes any"));
@@ -75,8 +75,8 @@ std::expected<SafeCreate, Failure> CheckCreate(Environment& environment, const C
   return safe;
 }
 
-std::expected<void, Failure> CreateFrom(Environment& environment, const CommonOptions& common, Connection& controller,
-                                        SafeCreate& safe, const std::filesystem::path& file, const CreateOrder& order) {
+OrFailure<void> CreateFrom(Environment& environment, const CommonOptions& common, ConnectedController& controller,
+                           SafeCreate& safe, const std::filesystem::path& file, const CreateOrder& order) {
   const std::string doing = "creating " + Utf8FromPath(file);
   const auto name = CheckProgram(environment, common, controller, order, doing);
   if (!name) return std::unexpected(name.error());
@@ -94,11 +94,11 @@ std::expected<void, Failure> CreateFrom(Environment& environment, const CommonOp
   return std::unexpected(CloneFailure(doing, outcome));
 }
 
-Outcome CreateClone(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,
-                    const CreateOrder& order) {
+VerbResult CreateClone(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,
+                       const CreateOrder& order) {
   auto safe = CheckCreate(environment, common, file, order);
   if (!safe) return std::unexpected(safe.error());
-  const auto controller = Connection::Open(environment, common);
+  const auto controller = ConnectedController::Open(environment, common);
   if (!controller) return std::unexpected(controller.error());
   if (const auto created = CreateFrom(environment, common, **controller, *safe, file, order); !created) {
     return std::unexpected(created.error());

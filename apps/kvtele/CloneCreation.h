@@ -4,10 +4,10 @@
 #include <optional>
 #include <string>
 
-#include "apps/kvtele/Answer.h"
 #include "apps/kvtele/CommonOptions.h"
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
+#include "apps/kvtele/VerbOutput.h"
 #include "clone/CloneSegment.h"
 #include "clone/SafeCreate.h"
 
@@ -21,19 +21,18 @@ struct CreateOrder {
 };
 
 // "AP,OS" names the optional segments that a clone takes; empty: all.
-[[nodiscard]] std::expected<SegmentBoxes, Failure> ParseSegments(const std::string& codes);
+[[nodiscard]] OrFailure<SegmentBoxes> ParseSegments(const std::string& codes);
 
 // What can be said about a create before the controller is touched; asks before a file is replaced.
-[[nodiscard]] std::expected<SafeCreate, Failure> CheckCreate(Environment& environment, const CommonOptions& common,
-                                                             const std::filesystem::path& file,
-                                                             const CreateOrder& order);
+[[nodiscard]] OrFailure<SafeCreate> CheckCreate(Environment& environment, const CommonOptions& common,
+                                                const std::filesystem::path& file, const CreateOrder& order);
 
 // Copies the controller into a new clone file.
-[[nodiscard]] Outcome CreateClone(Environment& environment, const CommonOptions& common,
-                                  const std::filesystem::path& file, const CreateOrder& order);
+[[nodiscard]] VerbResult CreateClone(Environment& environment, const CommonOptions& common,
+                                     const std::filesystem::path& file, const CreateOrder& order);
 // The same over a connection that is there, after CheckCreate.
-[[nodiscard]] std::expected<void, Failure> CreateFrom(Environment& environment, const CommonOptions& common,
-                                                      Connection& controller, SafeCreate& safe,
-                                                      const std::filesystem::path& file, const CreateOrder& order);
+[[nodiscard]] OrFailure<void> CreateFrom(Environment& environment, const CommonOptions& common,
+                                         ConnectedController& controller, SafeCreate& safe,
+                                         const std::filesystem::path& file, const CreateOrder& order);
 
 }  // namespace kv::cli

@@ -6,8 +6,8 @@
 
 namespace kv::cli {
 
-std::expected<void, Failure> Confirm(Environment& environment, const ConsentFlag& consent, const std::string& question,
-                                     const std::string& doing) {
+OrFailure<void> Confirm(Environment& environment, const ConsentFlag& consent, const std::string& question,
+                        const std::string& doing) {
   const auto answer = PromptsFor(environment, consent)
                           .Show({.text = question,
                                  .title = std::string(kClonerCaption),

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <expected>
 #include <string>
 #include <vector>
 
 #include "apps/kvtele/CommonOptions.h"
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/Failure.h"
 #include "apps/kvtele/Prompting.h"
@@ -13,8 +12,8 @@
 namespace kv::cli {
 
 // Asks a question whose consent cannot be taken back, and says why it does not go on. `doing` names what is refused.
-[[nodiscard]] std::expected<void, Failure> Confirm(Environment& environment, const ConsentFlag& consent,
-                                                   const std::string& question, const std::string& doing);
+[[nodiscard]] OrFailure<void> Confirm(Environment& environment, const ConsentFlag& consent, const std::string& question,
+                                      const std::string& doing);
 
 [[nodiscard]] Failure NotConfirmedFailure(std::string doing, const std::string& flags);
 

@@ -103,13 +103,13 @@ const char* NameOf(ManifestFit fit) {
   return "fits";
 }
 
-void AddManifest(const CloneInfo& info, const ManifestReport& report, Answer& answer) {
-  answer.document["sha256"] = info.sha256;
-  answer.document["manifest"] = {{"fit", NameOf(report.fit)}, {"text", report.text}};
-  answer.text += "manifest       " + report.text + "\n";
+void AddManifest(const CloneInfo& info, const ManifestReport& report, VerbOutput& output) {
+  output.document["sha256"] = info.sha256;
+  output.document["manifest"] = {{"fit", NameOf(report.fit)}, {"text", report.text}};
+  output.text += "manifest       " + report.text + "\n";
   if (!report.manifest) return;
   const CloneManifest& manifest = *report.manifest;
-  Json& document = answer.document["manifest"];
+  Json& document = output.document["manifest"];
   document["serialNumber"] = manifest.serialNumber ? Json(*manifest.serialNumber) : Json();
   document["project"] = AnsiToUtf8(manifest.project);
   document["program"] = manifest.wasRunning ? "running" : "stopped";
@@ -118,44 +118,43 @@ void AddManifest(const CloneInfo& info, const ManifestReport& report, Answer& an
   for (const auto& [label, value] :
        {std::pair("project        ", AnsiToUtf8(manifest.project)), std::pair("made by        ", manifest.madeBy),
         std::pair("comment        ", manifest.comment)}) {
-    if (!value.empty()) answer.text += label + value + "\n";
+    if (!value.empty()) output.text += label + value + "\n";
   }
 }
 
-Answer MakeAnswer(const CloneComparison& comparison) {
-  Answer answer;
-  answer.exit = comparison.IsSame() ? ExitCode::Done : ExitCode::Differs;
-  answer.document = {{"same", comparison.IsSame()}, {"differingBytes", comparison.DifferingBytes()}};
-  answer.document["segments"] = Json::array();
+VerbOutput MakeOutput(const CloneComparison& comparison) {
+  VerbOutput output;
+  output.exit = comparison.IsSame() ? ExitCode::Done : ExitCode::Differs;
+  output.document = {{"same", comparison.IsSame()}, {"differingBytes", comparison.DifferingBytes()}};
+  output.document["segments"] = Json::array();
   for (const SegmentDifference& each : comparison.segments) {
     Json segment = DocumentOf(each.segment);
     segment["differingBytes"] = each.differing.Bytes();
     segment["rangeCount"] = each.differing.RangeCount();
     segment["ranges"] = RangesOf(each.differing);
-    answer.document["segments"].push_back(std::move(segment));
+    output.document["segments"].push_back(std::move(segment));
   }
   const auto add = [&](const char* key, const std::vector<CloneSegment>& segments) {
-    answer.document[key] = Json::array();
-    for (const CloneSegment& segment : segments) answer.document[key].push_back(DocumentOf(segment));
+    output.document[key] = Json::array();
+    for (const CloneSegment& segment : segments) output.document[key].push_back(DocumentOf(segment));
   };
   add("onlyInFirst", comparison.onlyInFirst);
   add("onlyInSecond", comparison.onlyInSecond);
-  for (const std::string& line : ComparisonLines(comparison)) answer.text += line + "\n";
-  return answer;
+  for (const std::string& line : ComparisonLines(comparison)) output.text += line + "\n";
+  return output;
 }
 
-void AddVerdicts(const CloneComparison& comparison, Answer& answer) {
+void AddVerdicts(const CloneComparison& comparison, VerbOutput& output) {
   for (const KindVerdict& verdict : VerdictsByKind(comparison)) {
-    answer.document["verdicts"][verdict.isValues ? "values" : "program"] = {
+    output.document["verdicts"][verdict.isValues ? "values" : "program"] = {
         {"segments", verdict.codes}, {"same", verdict.bytes == 0}, {"differingBytes", verdict.bytes}};
-    answer.text += verdict.Text() + "\n";
+    output.text += verdict.Text() + "\n";
   }
 }
 
 // Says what is known of the file before it is compared.
-std::expected<void, Failure> TellBeforeCompare(Environment& environment, Connection& controller,
-                                               const std::filesystem::path& file,
-                                               const std::vector<std::string>& codes) {
+OrFailure<void> TellBeforeCompare(Environment& environment, ConnectedController& controller,
+                                  const std::filesystem::path& file, const std::vector<std::string>& codes) {
   const WatchedWork watched(environment);
   const auto info = InspectClone(file, watched.Work());
   if (!info) return std::unexpected(CloneFailure("reading the clone file", info.error()));
@@ -230,40 +229,40 @@ Failure CloneFailure(std::string doing, const CloneOutcome& outcome) {
   return {ExitOf(outcome), CodeOf(outcome), std::move(doing), outcome.reason, {}, {}};
 }
 
-Outcome ReportClone(Environment& environment, const std::filesystem::path& file) {
+VerbResult ReportClone(Environment& environment, const std::filesystem::path& file) {
   const auto info = [&] {
     const WatchedWork watched(environment);
     return InspectClone(file, watched.Work());
   }();
   if (!info) return std::unexpected(CloneFailure("reading the clone file", info.error()));
   const ManifestReport manifest = CheckManifest(file, *info);
-  Answer answer;
-  answer.document = DocumentOf(*info, file);
-  answer.text = InfoText(*info, answer.document);
-  AddManifest(*info, manifest, answer);
-  answer.exit = info->IsSound() ? ExitCode::Done : ExitCode::BadFile;
-  return answer;
+  VerbOutput output;
+  output.document = DocumentOf(*info, file);
+  output.text = InfoText(*info, output.document);
+  AddManifest(*info, manifest, output);
+  output.exit = info->IsSound() ? ExitCode::Done : ExitCode::BadFile;
+  return output;
 }
 
-Outcome CompareClones(Environment& environment, const std::filesystem::path& first,
-                      const std::filesystem::path& second) {
+VerbResult CompareClones(Environment& environment, const std::filesystem::path& first,
+                         const std::filesystem::path& second) {
   const auto comparison = [&] {
     const WatchedWork watched(environment);
     return DiffClones(first, second, watched.Work());
   }();
   if (!comparison) return std::unexpected(CloneFailure("comparing the clone files", comparison.error()));
-  return MakeAnswer(*comparison);
+  return MakeOutput(*comparison);
 }
 
-Outcome CompareWithController(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,
-                              const std::vector<std::string>& codes) {
-  const auto controller = Connection::Open(environment, common);
+VerbResult CompareWithController(Environment& environment, const CommonOptions& common,
+                                 const std::filesystem::path& file, const std::vector<std::string>& codes) {
+  const auto controller = ConnectedController::Open(environment, common);
   if (!controller) return std::unexpected(controller.error());
   return CompareWithController(environment, **controller, file, codes);
 }
 
-Outcome CompareWithController(Environment& environment, Connection& controller, const std::filesystem::path& file,
-                              const std::vector<std::string>& codes) {
+VerbResult CompareWithController(Environment& environment, ConnectedController& controller,
+                                 const std::filesystem::path& file, const std::vector<std::string>& codes) {
   const std::string doing = "comparing the controller with " + Utf8FromPath(file);
   if (const auto fit = TellBeforeCompare(environment, controller, file, codes); !fit) {
     return std::unexpected(fit.error());
@@ -273,11 +272,11 @@ Outcome CompareWithController(Environment& environment, Connection& controller, 
     return VerifyClone(controller.Link(), file, watched.Work(), codes);
   }();
   if (!comparison) return std::unexpected(CloneFailure(doing, comparison.error()));
-  Answer answer = MakeAnswer(*comparison);
-  AddVerdicts(*comparison, answer);
+  VerbOutput output = MakeOutput(*comparison);
+  AddVerdicts(*comparison, output);
   const auto staying = SegmentsThatStayed(*comparison);
   if (!staying.empty()) environment.err << StayText(staying) << " kvtele clone restore --erase-empty erases it.\n";
-  return answer;
+  return output;
 }
 
 }  // namespace kv::cli

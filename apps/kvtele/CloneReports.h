@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "apps/kvtele/Answer.h"
 #include "apps/kvtele/CommonOptions.h"
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/TerminalLine.h"
+#include "apps/kvtele/VerbOutput.h"
 #include "clone/CloneInfo.h"
 #include "clone/CloneOutcome.h"
 #include "clone/WorkProgress.h"
@@ -15,16 +15,18 @@
 namespace kv::cli {
 
 // What a clone file holds and what is wrong with it; exit code BadFile with the whole report when something is.
-[[nodiscard]] Outcome ReportClone(Environment& environment, const std::filesystem::path& file);
+[[nodiscard]] VerbResult ReportClone(Environment& environment, const std::filesystem::path& file);
 
 // Two files, segment by segment; exit code Differs when they are not the same.
-[[nodiscard]] Outcome CompareClones(Environment& environment, const std::filesystem::path& first,
-                                    const std::filesystem::path& second);
+[[nodiscard]] VerbResult CompareClones(Environment& environment, const std::filesystem::path& first,
+                                       const std::filesystem::path& second);
 // A file and the controller, in the same way; segments with one of `codes` alone, unless it is empty.
-[[nodiscard]] Outcome CompareWithController(Environment& environment, const CommonOptions& common,
-                                            const std::filesystem::path& file, const std::vector<std::string>& codes);
-[[nodiscard]] Outcome CompareWithController(Environment& environment, Connection& controller,
-                                            const std::filesystem::path& file, const std::vector<std::string>& codes);
+[[nodiscard]] VerbResult CompareWithController(Environment& environment, const CommonOptions& common,
+                                               const std::filesystem::path& file,
+                                               const std::vector<std::string>& codes);
+[[nodiscard]] VerbResult CompareWithController(Environment& environment, ConnectedController& controller,
+                                               const std::filesystem::path& file,
+                                               const std::vector<std::string>& codes);
 
 // A failure of the cloner's engine; `doing` says what for.
 [[nodiscard]] Failure CloneFailure(std::string doing, const CloneOutcome& outcome);

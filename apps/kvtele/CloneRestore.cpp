@@ -2,7 +2,7 @@
 
 #include "apps/kvtele/CloneQuestions.h"
 #include "apps/kvtele/CloneReports.h"
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/TerminalCloner.h"
 #include "base/PathText.h"
 #include "clone/ErasedSegments.h"
@@ -22,8 +22,8 @@ class Restoring {
             const RestoreOrder& order)
       : mEnvironment(environment), mCommon(common), mFile(file), mOrder(order) {}
 
-  [[nodiscard]] Outcome Run() {
-    using Step = std::expected<void, Failure> (Restoring::*)();
+  [[nodiscard]] VerbResult Run() {
+    using Step = OrFailure<void> (Restoring::*)();
     constexpr Step kSteps[] = {&Restoring::Inspect,   &Restoring::Connect,     &Restoring::CheckUnit,
                                &Restoring::CheckFits, &Restoring::ChooseErase, &Restoring::Consent,
                                &Restoring::Backup,    &Restoring::Send};
@@ -33,11 +33,11 @@ class Restoring {
     if (mOrder.verify) return CompareWithController(mEnvironment, *mController, mFile, {});
     mEnvironment.err << "A restore is not read back by itself. Compare with: kvtele clone verify "
                      << Utf8FromPath(mFile) << "\n";
-    return Answer{"", {{"restored", Utf8FromPath(mFile)}, {"lines", mInfo.frames}}};
+    return VerbOutput{"", {{"restored", Utf8FromPath(mFile)}, {"lines", mInfo.frames}}};
   }
 
  private:
-  using Done = std::expected<void, Failure>;
+  using Done = OrFailure<void>;
 
   Done Inspect() {
     const std::string doing = "looking through the clone file";
@@ -58,7 +58,7 @@ class Restoring {
   }
 
   Done Connect() {
-    auto controller = Connection::Open(mEnvironment, mCommon);
+    auto controller = ConnectedController::Open(mEnvironment, mCommon);
     if (!controller) return std::unexpected(controller.error());
     mController = *std::move(controller);
     return {};
@@ -156,14 +156,14 @@ class Restoring {
   const RestoreOrder& mOrder;
   CloneInfo mInfo;
   ManifestReport mManifest;
-  std::unique_ptr<Connection> mController;
+  std::unique_ptr<ConnectedController> mController;
   RestoreCheck mCheck;
 };
 
 }  // namespace
 
-Outcome RestoreClone(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,
-                     const RestoreOrder& order) {
+VerbResult RestoreClone(Environment& environment, const CommonOptions& common, const std::filesystem::path& file,
+                        const RestoreOrder& order) {
   return Restoring(environment, common, file, order).Run();
 }
 

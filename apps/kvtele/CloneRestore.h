@@ -3,10 +3,10 @@
 #include <filesystem>
 #include <optional>
 
-#include "apps/kvtele/Answer.h"
 #include "apps/kvtele/CloneCreation.h"
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
+#include "apps/kvtele/VerbOutput.h"
 
 namespace kv::cli {
 
@@ -21,7 +21,7 @@ struct RestoreOrder {
 
 // Copies a clone file into the controller, when the user consents. Nothing is sent of a file that is damaged, or does
 // not fit the controller, unless it is forced.
-[[nodiscard]] Outcome RestoreClone(Environment& environment, const CommonOptions& common,
-                                   const std::filesystem::path& file, const RestoreOrder& order);
+[[nodiscard]] VerbResult RestoreClone(Environment& environment, const CommonOptions& common,
+                                      const std::filesystem::path& file, const RestoreOrder& order);
 
 }  // namespace kv::cli

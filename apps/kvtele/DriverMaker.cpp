@@ -4,7 +4,7 @@
 
 namespace kv::cli {
 
-std::expected<std::unique_ptr<CommDriver>, Failure> DriverMaker::Make(const DriverOrder& order) {
+OrFailure<std::unique_ptr<CommDriver>> DriverMaker::Make(const DriverOrder& order) {
   mControllers = std::make_unique<SimulatedControllers>(order.sessionFolder);
   auto driver =
       std::make_unique<Driver>(mPacer, [this](const std::string& model) { return SimulatedLine(model); }, MakePort);
@@ -19,8 +19,8 @@ std::unique_ptr<InProcessLine> DriverMaker::SimulatedLine(const std::string& mod
   return nullptr;
 }
 
-std::expected<std::unique_ptr<CommDriver>, Failure> SetUpDriver(std::unique_ptr<Driver> driver,
-                                                                const DriverOrder& order, ListeningSocket* socket) {
+OrFailure<std::unique_ptr<CommDriver>> SetUpDriver(std::unique_ptr<Driver> driver, const DriverOrder& order,
+                                                   ListeningSocket* socket) {
   SessionLink session;
   session.folder = Utf8FromPath(order.sessionFolder);
   session.socket = socket;

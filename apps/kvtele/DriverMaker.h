@@ -1,6 +1,5 @@
 #pragma once
 
-#include <expected>
 #include <memory>
 #include <ostream>
 
@@ -16,7 +15,7 @@ class DriverMaker {
  public:
   DriverMaker(Pacer& pacer, const WallClock& clock, std::ostream& err) : mPacer(pacer), mClock(clock), mErr(err) {}
 
-  [[nodiscard]] std::expected<std::unique_ptr<CommDriver>, Failure> Make(const DriverOrder& order);
+  [[nodiscard]] OrFailure<std::unique_ptr<CommDriver>> Make(const DriverOrder& order);
 
  private:
   [[nodiscard]] std::unique_ptr<InProcessLine> SimulatedLine(const std::string& model);
@@ -29,8 +28,7 @@ class DriverMaker {
 };
 
 // A driver on the ordered link, with its trace on. Fails when the trace cannot be written.
-[[nodiscard]] std::expected<std::unique_ptr<CommDriver>, Failure> SetUpDriver(std::unique_ptr<Driver> driver,
-                                                                              const DriverOrder& order,
-                                                                              ListeningSocket* socket);
+[[nodiscard]] OrFailure<std::unique_ptr<CommDriver>> SetUpDriver(std::unique_ptr<Driver> driver,
+                                                                 const DriverOrder& order, ListeningSocket* socket);
 
 }  // namespace kv::cli

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <expected>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -35,7 +34,7 @@ struct Environment {
   Pacer& pacer;
   const WallClock& clock;      // for the times in printed lines
   std::filesystem::path home;  // the program folder, when --home does not name another
-  std::function<std::expected<std::unique_ptr<CommDriver>, Failure>(const DriverOrder&)> makeDriver;
+  std::function<OrFailure<std::unique_ptr<CommDriver>>(const DriverOrder&)> makeDriver;
   std::function<std::vector<SerialPortInfo>()> listSerialPorts;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <expected>
 #include <string>
 
 #include "apps/kvtele/ExitCode.h"
@@ -20,6 +21,10 @@ struct Failure {
   // The texts for a terminal, each part on a line of its own, ending with a line feed.
   [[nodiscard]] std::string Text() const;
 };
+
+// What every function of this program returns that can fail: the value, or why there is none.
+template <typename Value>
+using OrFailure = std::expected<Value, Failure>;
 
 // A command line that cannot be understood.
 [[nodiscard]] Failure UsageFailure(std::string happened, std::string cure = {});

@@ -61,7 +61,7 @@ class CommandLine {
 
   [[nodiscard]] const CommonOptions& Common() const { return mCommon; }
 
-  [[nodiscard]] std::expected<Parsed, Failure> Parse(const std::vector<std::string>& arguments) {
+  [[nodiscard]] OrFailure<Parsed> Parse(const std::vector<std::string>& arguments) {
     try {
       mApp.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::CallForHelp&) {
@@ -140,7 +140,7 @@ bool WriteOut(const std::string& text, Environment& environment) {
   return false;
 }
 
-ExitCode Report(const Outcome& outcome, bool json, Environment& environment) {
+ExitCode Report(const VerbResult& outcome, bool json, Environment& environment) {
   if (outcome) {
     const std::string text = json ? JsonText(outcome->document) : outcome->text;
     return WriteOut(text, environment) ? outcome->exit : ExitCode::Failed;

@@ -16,7 +16,7 @@ namespace kv::cli {
 
 namespace {
 
-using Chosen = std::expected<LinkChoice, Failure>;
+using Chosen = OrFailure<LinkChoice>;
 
 Failure NoSession(const std::string& name, const std::filesystem::path& folder) {
   Failure failure = UsageFailure("there is no session \"" + name + "\"",

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <expected>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -20,8 +19,7 @@ struct LinkChoice {
   std::vector<std::string> complaints;  // values in the session's settings that could not be used
 };
 
-[[nodiscard]] std::expected<LinkChoice, Failure> ChooseLink(const Environment& environment,
-                                                            const CommonOptions& common);
+[[nodiscard]] OrFailure<LinkChoice> ChooseLink(const Environment& environment, const CommonOptions& common);
 
 // The model that the options name without any controller: --model, or that of a simulated link; empty when the
 // controller must be asked.

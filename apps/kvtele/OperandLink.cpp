@@ -50,10 +50,10 @@ std::string WrittenSoFar(const LinkError& error, const Region& piece, const std:
 
 // Stricter than the check of a whole table of regions, which lets one address too many pass: the controller would
 // refuse it.
-std::expected<void, Failure> CheckFitsOs(const Region& region, const Connection& connection) {
-  const std::string& os = connection.Version().osVersion;
-  if (mdlDataTypesView::IsOsCurrent(connection.Model(), os)) return {};
-  const std::int32_t count = mdlDataTypesView::LegacyOsOperandCount(region.type, connection.Model());
+OrFailure<void> CheckFitsOs(const Region& region, const ConnectedController& controller) {
+  const std::string& os = controller.Version().osVersion;
+  if (mdlDataTypesView::IsOsCurrent(controller.Model(), os)) return {};
+  const std::int32_t count = mdlDataTypesView::LegacyOsOperandCount(region.type, controller.Model());
   if (region.to < count) return {};
   const std::string cure = count > 0 ? "use addresses from 0 to " + std::to_string(count - 1) + ", or " : "";
   return std::unexpected(NotFitFailure("using " + RegionText(region), std::string(kRegionsNotSupportedMessage),
@@ -61,59 +61,59 @@ std::expected<void, Failure> CheckFitsOs(const Region& region, const Connection&
 }
 
 // A boot loader has no operands at all.
-std::expected<void, Failure> CheckHasOperands(Connection& connection, const std::string& doing) {
-  const auto info = connection.Link().GetControllerInfo(connection.Unit());
-  if (!info) return std::unexpected(connection.LastFailure());
+OrFailure<void> CheckHasOperands(ConnectedController& controller, const std::string& doing) {
+  const auto info = controller.Link().GetControllerInfo(controller.Unit());
+  if (!info) return std::unexpected(controller.LastFailure());
   if (info->state != 'B') return {};
   return std::unexpected(NotFitFailure(doing, "the controller is running its boot loader",
                                        "it has no O/S, or was sent into its boot loader",
                                        "reset it, or replace its O/S"));
 }
 
-std::expected<void, Failure> CheckAllFitModel(std::span<const Region> regions, const std::string& model) {
+OrFailure<void> CheckAllFitModel(std::span<const Region> regions, const std::string& model) {
   for (const Region& region : regions) {
     if (const auto fits = CheckFitsModel(region, model); !fits) return fits;
   }
   return {};
 }
 
-std::expected<void, Failure> CheckFitsController(Connection& connection, std::span<const Region> regions) {
+OrFailure<void> CheckFitsController(ConnectedController& controller, std::span<const Region> regions) {
   if (regions.empty()) return {};
-  if (const auto has = CheckHasOperands(connection, "using " + RegionText(regions.front())); !has) return has;
-  if (const auto fits = CheckAllFitModel(regions, connection.Model()); !fits) return fits;
+  if (const auto has = CheckHasOperands(controller, "using " + RegionText(regions.front())); !has) return has;
+  if (const auto fits = CheckAllFitModel(regions, controller.Model()); !fits) return fits;
   for (const Region& region : regions) {
-    if (const auto fits = CheckFitsOs(region, connection); !fits) return fits;
+    if (const auto fits = CheckFitsOs(region, controller); !fits) return fits;
   }
   return {};
 }
 
 }  // namespace
 
-std::expected<std::unique_ptr<Connection>, Failure> ConnectFor(Environment& environment, const CommonOptions& common,
-                                                               const Region& region) {
+OrFailure<std::unique_ptr<ConnectedController>> ConnectFor(Environment& environment, const CommonOptions& common,
+                                                           const Region& region) {
   return ConnectFor(environment, common, [&region](const std::string&) { return std::vector{region}; });
 }
 
-std::expected<std::unique_ptr<Connection>, Failure> ConnectFor(Environment& environment, const CommonOptions& common,
-                                                               const RegionsFor& regionsFor) {
+OrFailure<std::unique_ptr<ConnectedController>> ConnectFor(Environment& environment, const CommonOptions& common,
+                                                           const RegionsFor& regionsFor) {
   if (const std::string model = ModelKnownBeforehand(environment, common); !model.empty()) {
     const auto regions = regionsFor(model);
     if (!regions) return std::unexpected(regions.error());
     if (const auto fits = CheckAllFitModel(*regions, model); !fits) return std::unexpected(fits.error());
   }
-  auto connection = Connection::Open(environment, common);
-  if (!connection) return connection;
-  const auto regions = regionsFor((*connection)->Model());
+  auto connected = ConnectedController::Open(environment, common);
+  if (!connected) return connected;
+  const auto regions = regionsFor((*connected)->Model());
   if (!regions) return std::unexpected(regions.error());
-  if (const auto fits = CheckFitsController(**connection, *regions); !fits) return std::unexpected(fits.error());
-  return connection;
+  if (const auto fits = CheckFitsController(**connected, *regions); !fits) return std::unexpected(fits.error());
+  return connected;
 }
 
-std::expected<std::vector<std::string>, Failure> ReadOperands(Environment& environment, Connection& connection,
-                                                              const Region& region) {
+OrFailure<std::vector<std::string>> ReadOperands(Environment& environment, ConnectedController& controller,
+                                                 const Region& region) {
   const std::string doing = "reading " + RegionText(region);
-  if (!mdlDataTypesView::IsReadableFrom(connection.Model(), region.type)) {
-    return std::unexpected(NotFitFailure(doing, "operands of this type cannot be read from " + connection.Model(),
+  if (!mdlDataTypesView::IsReadableFrom(controller.Model(), region.type)) {
+    return std::unexpected(NotFitFailure(doing, "operands of this type cannot be read from " + controller.Model(),
                                          "this model is read with list reads, which do not know them",
                                          "use --model Q50 or --model Q50Net if the controller is one of these"));
   }
@@ -122,7 +122,7 @@ std::expected<std::vector<std::string>, Failure> ReadOperands(Environment& envir
   std::vector<std::string> texts;
   for (const Region& piece : pieces) {
     if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure(doing));
-    auto read = mdlDataTypesView::ReadRegion(connection.Link(), connection.Model(), piece);
+    auto read = mdlDataTypesView::ReadRegion(controller.Link(), controller.Model(), piece);
     if (!read) return std::unexpected(LinkFailure(read.error(), true));
     if (read->size() != CountOf(piece)) {
       return std::unexpected(NotFitFailure(doing, "the controller has no such operands", {}, "choose another type"));
@@ -133,8 +133,8 @@ std::expected<std::vector<std::string>, Failure> ReadOperands(Environment& envir
   return texts;
 }
 
-std::expected<void, Failure> WriteOperands(Environment& environment, Connection& connection, const Region& region,
-                                           std::span<const std::string> texts) {
+OrFailure<void> WriteOperands(Environment& environment, ConnectedController& controller, const Region& region,
+                              std::span<const std::string> texts) {
   const std::string doing = "writing " + RegionText(region);
   Progress progress(environment, doing, CountOf(region));
   std::size_t done = 0;
@@ -144,7 +144,7 @@ std::expected<void, Failure> WriteOperands(Environment& environment, Connection&
       return std::unexpected(InterruptedFailure(doing + " (" + (before.empty() ? kNothingWritten : before) + ")"));
     }
     const auto values = texts.subspan(done, CountOf(piece));
-    const auto written = mdlDataTypesView::WriteRegion(connection.Link(), connection.Model(), piece, values);
+    const auto written = mdlDataTypesView::WriteRegion(controller.Link(), controller.Model(), piece, values);
     if (!written) return std::unexpected(WriteFailure(written.error(), piece, WrittenBefore(region, piece)));
     done += values.size();
     progress.Show(done);

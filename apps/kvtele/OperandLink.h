@@ -1,6 +1,5 @@
 #pragma once
 
-#include <expected>
 #include <functional>
 #include <memory>
 #include <span>
@@ -8,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/Operands.h"
 
@@ -18,25 +17,24 @@ namespace kv::cli {
 // Reaches the controller and makes sure that it has these operands as it is now: it is no boot loader, its model has
 // them, and its O/S is new enough. Where the options name the model, operands that it does not have are refused before
 // anything is sent.
-[[nodiscard]] std::expected<std::unique_ptr<Connection>, Failure> ConnectFor(Environment& environment,
-                                                                             const CommonOptions& common,
-                                                                             const Region& region);
+[[nodiscard]] OrFailure<std::unique_ptr<ConnectedController>> ConnectFor(Environment& environment,
+                                                                         const CommonOptions& common,
+                                                                         const Region& region);
 
 // The same for any number of regions. They may depend on the model: `regionsFor` is asked with the model that the
 // options name, if they do, and with that of the controller.
-using RegionsFor = std::function<std::expected<std::vector<Region>, Failure>(const std::string& model)>;
-[[nodiscard]] std::expected<std::unique_ptr<Connection>, Failure> ConnectFor(Environment& environment,
-                                                                             const CommonOptions& common,
-                                                                             const RegionsFor& regionsFor);
+using RegionsFor = std::function<OrFailure<std::vector<Region>>(const std::string& model)>;
+[[nodiscard]] OrFailure<std::unique_ptr<ConnectedController>> ConnectFor(Environment& environment,
+                                                                         const CommonOptions& common,
+                                                                         const RegionsFor& regionsFor);
 
 // All raw value texts in address order, or none: half an answer would be taken for a whole one.
-[[nodiscard]] std::expected<std::vector<std::string>, Failure> ReadOperands(Environment& environment,
-                                                                            Connection& connection,
-                                                                            const Region& region);
+[[nodiscard]] OrFailure<std::vector<std::string>> ReadOperands(Environment& environment,
+                                                               ConnectedController& controller, const Region& region);
 
 // Writes one text an operand. A failure says which operands were written before it and which may have been.
-[[nodiscard]] std::expected<void, Failure> WriteOperands(Environment& environment, Connection& connection,
-                                                         const Region& region, std::span<const std::string> texts);
+[[nodiscard]] OrFailure<void> WriteOperands(Environment& environment, ConnectedController& controller,
+                                            const Region& region, std::span<const std::string> texts);
 
 // What there is to say when the request for `piece` failed; `before` says what had been written by then, and is empty
 // when nothing had.

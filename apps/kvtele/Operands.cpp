@@ -73,14 +73,14 @@ std::optional<std::int32_t> ParseAddress(const std::string& text) {
 
 }  // namespace
 
-std::expected<OperandTypeCode, Failure> ParseType(const std::string& name) {
+OrFailure<OperandTypeCode> ParseType(const std::string& name) {
   const auto type = TypeFromName(name);
   if (type) return *type;
   return std::unexpected(UsageFailure("there is no operand type \"" + name + "\"",
                                       "use one of " + AllTypeNames() + "; a minus may stand for the blank"));
 }
 
-std::expected<Region, Failure> ParseRegion(OperandTypeCode type, const std::string& from, const std::string& to) {
+OrFailure<Region> ParseRegion(OperandTypeCode type, const std::string& from, const std::string& to) {
   const auto first = ParseAddress(from);
   const auto last = ParseAddress(to);
   if (!first || !last) {
@@ -97,8 +97,7 @@ std::expected<Region, Failure> ParseRegion(OperandTypeCode type, const std::stri
   return region;
 }
 
-std::expected<std::optional<View>, Failure> ParseView(OperandTypeCode type, const std::string& size,
-                                                      const std::string& format) {
+OrFailure<std::optional<View>> ParseView(OperandTypeCode type, const std::string& size, const std::string& format) {
   if (size.empty() && format.empty()) return std::nullopt;
   for (const SizeCode eachSize : SizesOffered(type)) {
     if (SizeOption(eachSize) != size) continue;
@@ -111,7 +110,7 @@ std::expected<std::optional<View>, Failure> ParseView(OperandTypeCode type, cons
   return std::unexpected(UsageFailure(happened.append(TypeName(type)), "use " + OfferText(type)));
 }
 
-std::expected<void, Failure> CheckFitsModel(const Region& region, std::string_view model) {
+OrFailure<void> CheckFitsModel(const Region& region, std::string_view model) {
   const std::int32_t count = OperandCount(region.type, model);
   if (region.to < count) return {};
   return std::unexpected(PastTheEnd(region, count, std::string(model)));

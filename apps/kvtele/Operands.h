@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <expected>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,19 +25,18 @@ struct View {
 };
 
 // The type with this name, in either case; a minus may stand for the blank.
-[[nodiscard]] std::expected<OperandTypeCode, Failure> ParseType(const std::string& name);
+[[nodiscard]] OrFailure<OperandTypeCode> ParseType(const std::string& name);
 
 // The operands `from` to `to` as typed. Refused: what is no number, `to` before `from`, and what no model at all has.
-[[nodiscard]] std::expected<Region, Failure> ParseRegion(OperandTypeCode type, const std::string& from,
-                                                         const std::string& to);
+[[nodiscard]] OrFailure<Region> ParseRegion(OperandTypeCode type, const std::string& from, const std::string& to);
 
 // The view that the two options ask for; nothing when both are empty. Refused when the catalogue does not offer the
 // pair for the type.
-[[nodiscard]] std::expected<std::optional<View>, Failure> ParseView(OperandTypeCode type, const std::string& size,
-                                                                    const std::string& format);
+[[nodiscard]] OrFailure<std::optional<View>> ParseView(OperandTypeCode type, const std::string& size,
+                                                       const std::string& format);
 
 // Whether the model has all operands of the region, so that nothing is sent that the controller must refuse.
-[[nodiscard]] std::expected<void, Failure> CheckFitsModel(const Region& region, std::string_view model);
+[[nodiscard]] OrFailure<void> CheckFitsModel(const Region& region, std::string_view model);
 
 // The region in pieces that one request each can carry, in address order.
 [[nodiscard]] std::vector<Region> SplitIntoRequests(const Region& region);

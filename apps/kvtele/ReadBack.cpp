@@ -26,12 +26,12 @@ Failure NotReadBack(Failure failure, const Region& region) {
 
 }  // namespace
 
-std::expected<std::vector<std::string>, Failure> ReadBack(Environment& environment, Connection& connection,
-                                                          const Region& region, std::span<const std::string> written) {
-  const auto readBack = ReadOperands(environment, connection, region);
+OrFailure<std::vector<std::string>> ReadBack(Environment& environment, ConnectedController& controller,
+                                             const Region& region, std::span<const std::string> written) {
+  const auto readBack = ReadOperands(environment, controller, region);
   if (!readBack) return std::unexpected(NotReadBack(readBack.error(), region));
   for (std::size_t i = 0; i < written.size(); ++i) {
-    if (IsSameValue(region.type, connection.Model(), written[i], (*readBack)[i])) continue;
+    if (IsSameValue(region.type, controller.Model(), written[i], (*readBack)[i])) continue;
     return std::unexpected(DiffersFailure(region, i, written[i], (*readBack)[i]));
   }
   return readBack;

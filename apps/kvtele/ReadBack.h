@@ -1,11 +1,10 @@
 #pragma once
 
-#include <expected>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/Operands.h"
 
@@ -13,8 +12,7 @@ namespace kv::cli {
 
 // Reads operands back that have just been written, and compares: a controller that only says that it has written is
 // found out. The texts as they read now; the failure names the first operand that is another.
-[[nodiscard]] std::expected<std::vector<std::string>, Failure> ReadBack(Environment& environment,
-                                                                        Connection& connection, const Region& region,
-                                                                        std::span<const std::string> written);
+[[nodiscard]] OrFailure<std::vector<std::string>> ReadBack(Environment& environment, ConnectedController& controller,
+                                                           const Region& region, std::span<const std::string> written);
 
 }  // namespace kv::cli

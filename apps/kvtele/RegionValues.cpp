@@ -44,8 +44,8 @@ Values ByOperand(std::vector<OperandValue> read) {
 }
 
 // Where in the file and why a value cannot be written.
-std::expected<void, Failure> CheckValue(const std::string& file, const Operand& operand, const Value& value,
-                                        std::string_view model) {
+OrFailure<void> CheckValue(const std::string& file, const Operand& operand, const Value& value,
+                           std::string_view model) {
   if (auto fault = DaysFault(operand.first, model, value.text); !fault.empty()) {
     return Bad(file, value.line, OperandText(operand) + ": " + fault);
   }
@@ -60,8 +60,8 @@ std::expected<void, Failure> CheckValue(const std::string& file, const Operand& 
 }
 
 // The values of one region as runs, and how many of its operands have none.
-std::expected<void, Failure> TakeRegion(const Region& region, const std::string& file, std::string_view model,
-                                        Values& values, ValuesToWrite& out) {
+OrFailure<void> TakeRegion(const Region& region, const std::string& file, std::string_view model, Values& values,
+                           ValuesToWrite& out) {
   bool isRunOpen = false;
   for (std::int32_t address = region.from; address <= region.to; ++address) {
     const auto found = values.find({region.type, address});
@@ -97,8 +97,8 @@ std::string PrintValues(std::span<const RegionRow> rows, std::span<const std::ve
   return text;
 }
 
-std::expected<ValuesToWrite, Failure> ParseValues(std::string_view bytes, const std::string& file,
-                                                  std::span<const RegionRow> rows, std::string_view model) {
+OrFailure<ValuesToWrite> ParseValues(std::string_view bytes, const std::string& file, std::span<const RegionRow> rows,
+                                     std::string_view model) {
   auto read = ParseOperandCsv(bytes, kSeparator, CsvForm::Values);
   if (!read) return Bad(file, read.error().line, read.error().what);
   Values values = ByOperand(std::move(read->values));

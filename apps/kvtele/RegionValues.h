@@ -1,6 +1,5 @@
 #pragma once
 
-#include <expected>
 #include <span>
 #include <string>
 #include <string_view>
@@ -38,8 +37,7 @@ struct ValuesToWrite {
 // The values of a file for these regions. Refused, with the line named, are a line that is not as above, an operand
 // that is in none of the regions or there twice, a value out of range, and a number for a time; nothing is taken then.
 // `file` is its name.
-[[nodiscard]] std::expected<ValuesToWrite, Failure> ParseValues(std::string_view bytes, const std::string& file,
-                                                                std::span<const RegionRow> rows,
-                                                                std::string_view model);
+[[nodiscard]] OrFailure<ValuesToWrite> ParseValues(std::string_view bytes, const std::string& file,
+                                                   std::span<const RegionRow> rows, std::string_view model);
 
 }  // namespace kv::cli

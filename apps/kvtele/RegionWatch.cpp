@@ -55,18 +55,18 @@ Failure OutputFailure() {
 
 }  // namespace
 
-RegionWatch::RegionWatch(Environment& environment, Connection& connection, std::vector<Region> regions,
+RegionWatch::RegionWatch(Environment& environment, ConnectedController& controller, std::vector<Region> regions,
                          WatchOptions options)
     : mEnvironment(environment),
-      mConnection(connection),
+      mController(controller),
       mRegions(std::move(regions)),
       mOptions(options),
       mLast(mRegions.size()),
       mStart(environment.pacer.Now()),
-      mRedials(connection.Redials()),
+      mRedials(controller.Redials()),
       mCallBegan(mStart) {}
 
-std::expected<void, Failure> RegionWatch::Run() {
+OrFailure<void> RegionWatch::Run() {
   while (!IsOver()) {
     for (std::size_t row = 0; row < mRegions.size(); ++row) {
       if (IsStopped()) return std::unexpected(StoppedFailure());
@@ -82,10 +82,10 @@ std::expected<void, Failure> RegionWatch::Run() {
 }
 
 // The region's texts, however long the link stays away.
-std::expected<RegionWatch::Texts, Failure> RegionWatch::Read(const Region& region) {
+OrFailure<RegionWatch::Texts> RegionWatch::Read(const Region& region) {
   Duration pause = kFirstPause;
   for (bool wasLost = false;; wasLost = true) {
-    auto texts = mdlDataTypesView::ReadRegion(mConnection.Link(), mConnection.Model(), region);
+    auto texts = mdlDataTypesView::ReadRegion(mController.Link(), mController.Model(), region);
     if (texts) {
       if (wasLost) mEnvironment.err << "The controller answers again.\n" << std::flush;
       return *std::move(texts);
@@ -97,10 +97,10 @@ std::expected<RegionWatch::Texts, Failure> RegionWatch::Read(const Region& regio
   }
 }
 
-std::expected<void, Failure> RegionWatch::GetLinkBack(const LinkError& error, bool isNew, Duration pause) {
-  using enum Connection::ComingBack;
+OrFailure<void> RegionWatch::GetLinkBack(const LinkError& error, bool isNew, Duration pause) {
+  using enum ConnectedController::Reconnecting;
   const bool isGone = error.code == LinkErrorCode::LinkLost || error.code == LinkErrorCode::CannotOpen;
-  const auto way = isGone ? mConnection.HowItComesBack() : ByItself;
+  const auto way = isGone ? mController.HowItReconnects() : ByItself;
   if (way == ByDialling) return DialAgain(error);
   if (way == Not) {
     Failure failure = LinkFailure(error, true);
@@ -111,7 +111,7 @@ std::expected<void, Failure> RegionWatch::GetLinkBack(const LinkError& error, bo
   return WaitForLink(error, pause);
 }
 
-std::expected<void, Failure> RegionWatch::DialAgain(LinkError error) {
+OrFailure<void> RegionWatch::DialAgain(LinkError error) {
   mRedials.NoteEnd(mEnvironment.pacer.Now() - mCallBegan);
   while (const auto pause = mRedials.Next()) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*pause).count();
@@ -119,7 +119,7 @@ std::expected<void, Failure> RegionWatch::DialAgain(LinkError error) {
                      << mRedials.Most() << ").\n"
                      << std::flush;
     if (const auto waited = WaitForLink(error, *pause); !waited) return waited;
-    const auto opened = mConnection.Reopen();
+    const auto opened = mController.Reopen();
     mCallBegan = mEnvironment.pacer.Now();
     if (opened) return {};
     error = opened.error();
@@ -135,7 +135,7 @@ std::expected<void, Failure> RegionWatch::DialAgain(LinkError error) {
   return std::unexpected(std::move(failure));
 }
 
-std::expected<void, Failure> RegionWatch::WaitForLink(const LinkError& error, Duration pause) {
+OrFailure<void> RegionWatch::WaitForLink(const LinkError& error, Duration pause) {
   Pause(pause);
   if (IsStopped()) return std::unexpected(StoppedFailure());
   if (IsOver()) return std::unexpected(LinkFailure(error, true));

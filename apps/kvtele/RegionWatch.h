@@ -1,12 +1,11 @@
 #pragma once
 
 #include <cstddef>
-#include <expected>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/RegionsFile.h"
 #include "link/RedialPlan.h"
@@ -28,21 +27,22 @@ struct WatchOptions {
 //   lost | no more calls to be made, or a link that the settings do not open again
 class RegionWatch {
  public:
-  // `connection` outlives the watch. The regions are each one request.
-  RegionWatch(Environment& environment, Connection& connection, std::vector<Region> regions, WatchOptions options);
+  // `controller` outlives the watch. The regions are each one request.
+  RegionWatch(Environment& environment, ConnectedController& controller, std::vector<Region> regions,
+              WatchOptions options);
 
   // Runs until it ends; the failure is why it did not end as it was meant to.
-  [[nodiscard]] std::expected<void, Failure> Run();
+  [[nodiscard]] OrFailure<void> Run();
 
   [[nodiscard]] std::size_t Changes() const { return mChanges; }
 
  private:
   using Texts = std::vector<std::string>;
 
-  [[nodiscard]] std::expected<Texts, Failure> Read(const Region& region);
-  [[nodiscard]] std::expected<void, Failure> GetLinkBack(const LinkError& error, bool isNew, Duration pause);
-  [[nodiscard]] std::expected<void, Failure> DialAgain(LinkError error);
-  [[nodiscard]] std::expected<void, Failure> WaitForLink(const LinkError& error, Duration pause);
+  [[nodiscard]] OrFailure<Texts> Read(const Region& region);
+  [[nodiscard]] OrFailure<void> GetLinkBack(const LinkError& error, bool isNew, Duration pause);
+  [[nodiscard]] OrFailure<void> DialAgain(LinkError error);
+  [[nodiscard]] OrFailure<void> WaitForLink(const LinkError& error, Duration pause);
   void Show(std::size_t row, Texts texts);
   void ShowChange(const Region& region, std::size_t index, const std::string& before, const std::string& now);
   void Pause(Duration span);
@@ -51,7 +51,7 @@ class RegionWatch {
   [[nodiscard]] Failure StoppedFailure() const;
 
   Environment& mEnvironment;
-  Connection& mConnection;
+  ConnectedController& mController;
   std::vector<Region> mRegions;
   WatchOptions mOptions;
   std::vector<Texts> mLast;  // of each region; empty before its first reading

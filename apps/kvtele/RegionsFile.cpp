@@ -13,7 +13,7 @@ using namespace mdlDataTypesView;
 namespace {
 
 // Stricter than the file, in which a region may end one address too far: the controller would refuse it.
-std::expected<std::vector<RegionRow>, Failure> AllOfModel(std::vector<RegionRow> rows, std::string_view model) {
+OrFailure<std::vector<RegionRow>> AllOfModel(std::vector<RegionRow> rows, std::string_view model) {
   for (const RegionRow& row : rows) {
     auto fits = CheckFitsModel(row.region, model);
     if (fits) continue;
@@ -39,19 +39,19 @@ Failure BadFileFailure(const std::string& file, std::string happened, std::strin
   return {ExitCode::BadFile, "badFile", "loading " + file, std::move(happened), std::move(cause), {}};
 }
 
-std::expected<std::string, Failure> ReadFileFor(const std::string& file, std::size_t limit) {
+OrFailure<std::string> ReadFileFor(const std::string& file, std::size_t limit) {
   auto bytes = ReadWholeFile(PathFromUtf8(file), limit);
   if (bytes) return *std::move(bytes);
   return std::unexpected(BadFileFailure(file, bytes.error().what, {}));
 }
 
-std::expected<RegionsFile, Failure> RegionsFile::Read(const std::string& file) {
+OrFailure<RegionsFile> RegionsFile::Read(const std::string& file) {
   auto bytes = ReadFileFor(file, kLargestRegionFile);
   if (!bytes) return std::unexpected(bytes.error());
   return RegionsFile(file, *std::move(bytes));
 }
 
-std::expected<std::vector<RegionRow>, Failure> RegionsFile::RowsFor(std::string_view model) const {
+OrFailure<std::vector<RegionRow>> RegionsFile::RowsFor(std::string_view model) const {
   auto rows = ParseRegionFile(mBytes, model);
   if (rows) return AllOfModel(*std::move(rows), model);
   return std::unexpected(BadFileFailure(mFile, OneLine(rows.error().Message()), rows.error().reason));
@@ -63,9 +63,9 @@ std::vector<Region> RegionsOf(const std::vector<RegionRow>& rows) {
   return regions;
 }
 
-void SayUnreadable(Environment& environment, const Connection& connection, std::span<const Region> regions) {
+void SayUnreadable(Environment& environment, const ConnectedController& controller, std::span<const Region> regions) {
   for (const Region& region : regions) {
-    environment.err << RegionText(region) << " cannot be read from a controller of the model " << connection.Model()
+    environment.err << RegionText(region) << " cannot be read from a controller of the model " << controller.Model()
                     << ".\n";
   }
 }

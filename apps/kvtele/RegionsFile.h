@@ -1,6 +1,5 @@
 #pragma once
 
-#include <expected>
 #include <memory>
 #include <span>
 #include <string>
@@ -8,7 +7,7 @@
 #include <vector>
 
 #include "apps/kvtele/CommonOptions.h"
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/Operands.h"
 #include "dataview/RegionTable.h"
@@ -22,15 +21,15 @@ using mdlDataTypesView::RegionRow;
 [[nodiscard]] Failure BadFileFailure(const std::string& file, std::string happened, std::string cause);
 
 // What is in a file; a failure when it cannot be read.
-[[nodiscard]] std::expected<std::string, Failure> ReadFileFor(const std::string& file, std::size_t limit);
+[[nodiscard]] OrFailure<std::string> ReadFileFor(const std::string& file, std::size_t limit);
 
 // A region file whose regions are checked as soon as the model is known.
 class RegionsFile {
  public:
-  [[nodiscard]] static std::expected<RegionsFile, Failure> Read(const std::string& file);
+  [[nodiscard]] static OrFailure<RegionsFile> Read(const std::string& file);
 
   // The rows for this model, in the order of the table.
-  [[nodiscard]] std::expected<std::vector<RegionRow>, Failure> RowsFor(std::string_view model) const;
+  [[nodiscard]] OrFailure<std::vector<RegionRow>> RowsFor(std::string_view model) const;
 
  private:
   RegionsFile(std::string file, std::string bytes) : mFile(std::move(file)), mBytes(std::move(bytes)) {}
@@ -42,6 +41,6 @@ class RegionsFile {
 [[nodiscard]] std::vector<Region> RegionsOf(const std::vector<RegionRow>& rows);
 
 // Tells which regions cannot be read from a controller of the model; nothing for none.
-void SayUnreadable(Environment& environment, const Connection& connection, std::span<const Region> regions);
+void SayUnreadable(Environment& environment, const ConnectedController& controller, std::span<const Region> regions);
 
 }  // namespace kv::cli

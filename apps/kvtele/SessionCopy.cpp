@@ -38,8 +38,7 @@ Failure CannotCopy(const fs::path& what, const std::error_code& error) {
 
 }  // namespace
 
-std::expected<std::unique_ptr<SessionCopy>, Failure> SessionCopy::Make(const ProgramPaths& paths,
-                                                                       const std::string& session) {
+OrFailure<std::unique_ptr<SessionCopy>> SessionCopy::Make(const ProgramPaths& paths, const std::string& session) {
   std::error_code error;
   const fs::path home = MakeFolder(error);
   if (error) return std::unexpected(CannotCopy("the folder for temporary files", error));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <expected>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -15,8 +14,8 @@ namespace kv::cli {
 class SessionCopy {
  public:
   // A session that is not there, or has no settings, gives an empty one.
-  [[nodiscard]] static std::expected<std::unique_ptr<SessionCopy>, Failure> Make(const ProgramPaths& paths,
-                                                                                 const std::string& session);
+  [[nodiscard]] static OrFailure<std::unique_ptr<SessionCopy>> Make(const ProgramPaths& paths,
+                                                                    const std::string& session);
   ~SessionCopy();
   SessionCopy(const SessionCopy&) = delete;
   SessionCopy& operator=(const SessionCopy&) = delete;

@@ -32,8 +32,7 @@ std::optional<float> ShownFloat(std::string_view text) {
 
 }  // namespace
 
-std::expected<void, Failure> CheckValues(OperandTypeCode type, std::string_view model,
-                                         std::span<const std::string> texts) {
+OrFailure<void> CheckValues(OperandTypeCode type, std::string_view model, std::span<const std::string> texts) {
   for (std::size_t i = 0; i < texts.size(); ++i) {
     if (IsLegalEntry(type, model, texts[i])) continue;
     Failure failure = UsageFailure(std::string(kValueOutOfRangeMessage));

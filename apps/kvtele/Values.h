@@ -1,6 +1,5 @@
 #pragma once
 
-#include <expected>
 #include <span>
 #include <string>
 #include <string_view>
@@ -12,8 +11,8 @@ namespace kv::cli {
 
 // Whether all values can be written to operands of the type from `from` on. The failure names the first that cannot,
 // and what can be. `model` decides how a time is written; while it is not known (empty) a time of either family passes.
-[[nodiscard]] std::expected<void, Failure> CheckValues(mdlDataTypesView::OperandTypeCode type, std::string_view model,
-                                                       std::span<const std::string> texts);
+[[nodiscard]] OrFailure<void> CheckValues(mdlDataTypesView::OperandTypeCode type, std::string_view model,
+                                          std::span<const std::string> texts);
 
 // Whether a text read back means the value that was written, however it was written ("007", "1e3", "1:30").
 [[nodiscard]] bool IsSameValue(mdlDataTypesView::OperandTypeCode type, std::string_view model, std::string_view written,

@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/kvtele/Answer.h"
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
+#include "apps/kvtele/VerbOutput.h"
 
 namespace kv::cli {
 
@@ -24,7 +24,7 @@ class Verb {
   [[nodiscard]] virtual const char* Examples() const = 0;
 
   virtual void Declare(CLI::App& app) = 0;
-  [[nodiscard]] virtual Outcome Run(Environment& environment, const CommonOptions& common) = 0;
+  [[nodiscard]] virtual VerbResult Run(Environment& environment, const CommonOptions& common) = 0;
 };
 
 // All commands, in the order in which --help lists them.

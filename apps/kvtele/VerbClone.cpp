@@ -46,7 +46,7 @@ void VerbClone::Declare(CLI::App& app) {
       ->type_name("FILE.kdf");
 }
 
-std::expected<void, Failure> VerbClone::CheckArguments() const {
+OrFailure<void> VerbClone::CheckArguments() const {
   struct Row {
     bool isGiven;
     const char* flags;
@@ -73,7 +73,7 @@ std::expected<void, Failure> VerbClone::CheckArguments() const {
   return {};
 }
 
-Outcome VerbClone::Run(Environment& environment, const CommonOptions& common) {
+VerbResult VerbClone::Run(Environment& environment, const CommonOptions& common) {
   if (const auto fit = CheckArguments(); !fit) return std::unexpected(fit.error());
   const std::filesystem::path file = PathFromUtf8(mFiles.front());
   if (mAction == "create" || mAction == "restore") return Transfer(environment, common, file);
@@ -82,8 +82,8 @@ Outcome VerbClone::Run(Environment& environment, const CommonOptions& common) {
   return CompareWithController(environment, common, file, SplitCodes(mSegments));
 }
 
-Outcome VerbClone::Transfer(Environment& environment, const CommonOptions& common,
-                            const std::filesystem::path& file) const {
+VerbResult VerbClone::Transfer(Environment& environment, const CommonOptions& common,
+                               const std::filesystem::path& file) const {
   const auto segments = ParseSegments(mSegments);
   if (!segments) return std::unexpected(segments.error());
   CreateOrder create{.segments = *segments, .replace = mReplace, .mayStop = {}, .comment = mComment};

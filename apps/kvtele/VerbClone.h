@@ -16,12 +16,12 @@ class VerbClone : public Verb {
   [[nodiscard]] const char* Summary() const override { return "Copy a controller into a file, and back; compare both"; }
   [[nodiscard]] const char* Examples() const override;
   void Declare(CLI::App& app) override;
-  [[nodiscard]] Outcome Run(Environment& environment, const CommonOptions& common) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 
  private:
-  [[nodiscard]] std::expected<void, Failure> CheckArguments() const;
-  [[nodiscard]] Outcome Transfer(Environment& environment, const CommonOptions& common,
-                                 const std::filesystem::path& file) const;
+  [[nodiscard]] OrFailure<void> CheckArguments() const;
+  [[nodiscard]] VerbResult Transfer(Environment& environment, const CommonOptions& common,
+                                    const std::filesystem::path& file) const;
 
   std::string mAction;
   std::vector<std::string> mFiles;  // UTF-8 paths

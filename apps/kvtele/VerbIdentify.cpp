@@ -3,7 +3,7 @@
 #include <array>
 
 #include "KvTele2/ControllerFacts.h"
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/DocumentText.h"
 #include "base/AnsiText.h"
 #include "link/OsVersion.h"
@@ -14,17 +14,17 @@ namespace {
 
 constexpr char kBootLoader = 'B';
 
-nlohmann::ordered_json DocumentOf(const Connection& connection, const Channel::ControllerInfo& info) {
-  const VersionInfo& version = connection.Version();
+nlohmann::ordered_json DocumentOf(const ConnectedController& controller, const Channel::ControllerInfo& info) {
+  const VersionInfo& version = controller.Version();
   return {{"model", AnsiToUtf8(version.model)},
-          {"hostModel", connection.Model()},
+          {"hostModel", controller.Model()},
           {"hardwareCode", version.hardwareCode},
           {"os", OsVersionText(version)},
           {"build", OsBuildText(version)},
           {"osReported", AnsiToUtf8(version.osVersion)},
           {"buildReported", AnsiToUtf8(version.osBuild)},
-          {"unit", connection.Unit()},
-          {"link", connection.Description()},
+          {"unit", controller.Unit()},
+          {"link", controller.Description()},
           {"serialNumber", info.serialNumber},
           {"state", StateText(info.state)},
           {"bootLoader", info.state == kBootLoader},
@@ -55,14 +55,14 @@ const char* VerbIdentify::Examples() const {
          "  kvtele --link sim:Q50 identify --json          for a script\n";
 }
 
-Outcome VerbIdentify::Run(Environment& environment, const CommonOptions& common) {
-  const auto connection = Connection::Open(environment, common);
-  if (!connection) return std::unexpected(connection.error());
-  Connection& controller = **connection;
+VerbResult VerbIdentify::Run(Environment& environment, const CommonOptions& common) {
+  const auto connected = ConnectedController::Open(environment, common);
+  if (!connected) return std::unexpected(connected.error());
+  ConnectedController& controller = **connected;
   const auto info = controller.Link().GetControllerInfo(controller.Unit());
   if (!info) return std::unexpected(controller.LastFailure());
   const auto document = DocumentOf(controller, *info);
-  return Answer{DocumentText(document, kLines), document};
+  return VerbOutput{DocumentText(document, kLines), document};
 }
 
 }  // namespace kv::cli

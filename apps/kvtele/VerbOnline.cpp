@@ -4,7 +4,7 @@
 #include <array>
 
 #include "KvTele2/HostState.h"
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/ConsoleHost.h"
 #include "apps/kvtele/DocumentText.h"
 #include "apps/kvtele/NotedPrompts.h"
@@ -51,16 +51,17 @@ std::string PanelSource(const SharedState& shared, const ConsoleHost& host) {
   return copy.empty() || recent.empty() ? "" : CachePath(recent.front());
 }
 
-Answer MakeAnswer(Connection& connection, const Found& found, const ConsoleHost& host, const std::string& panelData) {
+VerbOutput MakeOutput(ConnectedController& controller, const Found& found, const ConsoleHost& host,
+                      const std::string& panelData) {
   const ConsoleHost::Panel& panel = host.PanelSettings();
-  Answer answer;
-  answer.document = {{"model", host.Model()},
+  VerbOutput output;
+  output.document = {{"model", host.Model()},
                      {"reported", AnsiToUtf8(found.version.model)},
                      {"hardwareCode", found.version.hardwareCode},
                      {"os", OsVersionText(found.version)},
                      {"build", OsBuildText(found.version)},
-                     {"unit", connection.Unit()},
-                     {"link", connection.Description()},
+                     {"unit", controller.Unit()},
+                     {"link", controller.Description()},
                      {"serialNumber", found.info.serialNumber},
                      {"state", StateText(found.info.state)},
                      {"project", AnsiToUtf8(found.info.projectName)},
@@ -68,9 +69,9 @@ Answer MakeAnswer(Connection& connection, const Found& found, const ConsoleHost&
                      {"panelData", panelData},
                      {"panelInformation", nullptr},
                      {"caption", panel.caption}};
-  if (panel.information) answer.document["panelInformation"] = *panel.information;
-  answer.text = DocumentText(answer.document, kLines);
-  return answer;
+  if (panel.information) output.document["panelInformation"] = *panel.information;
+  output.text = DocumentText(output.document, kLines);
+  return output;
 }
 
 Failure Refusal(const std::string& text) {
@@ -79,7 +80,7 @@ Failure Refusal(const std::string& text) {
   return failure;
 }
 
-std::expected<std::optional<PagesFile>, Failure> ReadProject(const std::string& path) {
+OrFailure<std::optional<PagesFile>> ReadProject(const std::string& path) {
   if (path.empty()) return std::nullopt;
   const auto pages = ReadPagesFile(PathFromUtf8(path));
   if (pages) return *pages;
@@ -113,12 +114,12 @@ void VerbOnline::Declare(CLI::App& app) {
       ->type_name("FILE.kta");
 }
 
-Outcome VerbOnline::Run(Environment& environment, const CommonOptions& common) {
+VerbResult VerbOnline::Run(Environment& environment, const CommonOptions& common) {
   auto pages = ReadProject(mProject);
   if (!pages) return std::unexpected(pages.error());
-  const auto connection = Connection::Open(environment, common);
-  if (!connection) return std::unexpected(connection.error());
-  Connection& controller = **connection;
+  const auto connected = ConnectedController::Open(environment, common);
+  if (!connected) return std::unexpected(connected.error());
+  ConnectedController& controller = **connected;
   const ProgramPaths paths = PathsOf(environment, common);
   const auto copy = SessionCopy::Make(paths, common.session);
   if (!copy) return std::unexpected(copy.error());
@@ -141,7 +142,7 @@ Outcome VerbOnline::Run(Environment& environment, const CommonOptions& common) {
                     << ": name its own with --model.\n";
   }
   if (!*pages) environment.err << "No project was compared: name a Telepanel file with --project.\n";
-  return MakeAnswer(controller, {controller.Version(), *info, pages->has_value()}, host, PanelSource(shared, host));
+  return MakeOutput(controller, {controller.Version(), *info, pages->has_value()}, host, PanelSource(shared, host));
 }
 
 }  // namespace kv::cli

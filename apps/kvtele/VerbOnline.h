@@ -12,7 +12,7 @@ class VerbOnline : public Verb {
   [[nodiscard]] const char* Summary() const override { return "Tell whether Telepanel can go on line, and with what"; }
   [[nodiscard]] const char* Examples() const override;
   void Declare(CLI::App& app) override;
-  [[nodiscard]] Outcome Run(Environment& environment, const CommonOptions& common) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 
  private:
   std::string mProject;  // path of a pages file; empty: none

@@ -7,16 +7,16 @@ const char* VerbPorts::Examples() const {
          "  kvtele --link serial:COM3 identify      then try one of them\n";
 }
 
-Outcome VerbPorts::Run(Environment& environment, const CommonOptions&) {
-  Answer answer;
-  answer.document["ports"] = nlohmann::ordered_json::array();
+VerbResult VerbPorts::Run(Environment& environment, const CommonOptions&) {
+  VerbOutput output;
+  output.document["ports"] = nlohmann::ordered_json::array();
   for (const SerialPortInfo& port : environment.listSerialPorts()) {
-    answer.text += port.path + "\t" + port.description + "\n";
-    answer.document["ports"].push_back(
+    output.text += port.path + "\t" + port.description + "\n";
+    output.document["ports"].push_back(
         {{"name", port.name}, {"path", port.path}, {"description", port.description}, {"stablePath", port.stablePath}});
   }
-  if (answer.text.empty()) environment.err << "This machine has no serial line.\n";
-  return answer;
+  if (output.text.empty()) environment.err << "This machine has no serial line.\n";
+  return output;
 }
 
 }  // namespace kv::cli

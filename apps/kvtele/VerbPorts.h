@@ -11,7 +11,7 @@ class VerbPorts : public Verb {
   [[nodiscard]] const char* Summary() const override { return "List the serial lines of this machine"; }
   [[nodiscard]] const char* Examples() const override;
   void Declare(CLI::App&) override {}
-  [[nodiscard]] Outcome Run(Environment& environment, const CommonOptions& common) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 };
 
 }  // namespace kv::cli

@@ -10,7 +10,7 @@ namespace kv::cli {
 
 namespace {
 
-Answer MakeAnswer(const std::string& name, char state) {
+VerbOutput MakeOutput(const std::string& name, char state) {
   return {"", {{"controller", name}, {"state", std::string(1, state)}}};
 }
 
@@ -23,17 +23,17 @@ const char* VerbProgram::Examples() const {
                  "  kvtele --link tcp:192.168.1.20 --password 1234 stop          asks before\n";
 }
 
-Outcome VerbProgram::Run(Environment& environment, const CommonOptions& common) {
-  const auto controller = Connection::Open(environment, common);
+VerbResult VerbProgram::Run(Environment& environment, const CommonOptions& common) {
+  const auto controller = ConnectedController::Open(environment, common);
   if (!controller) return std::unexpected(controller.error());
-  Connection& plc = **controller;
+  ConnectedController& plc = **controller;
   const auto before = plc.Link().GetControllerInfo(plc.Unit());
   if (!before) return std::unexpected(plc.LastFailure());
   const std::string name = ControllerText(plc.Version(), *before, plc.Description());
   const auto isDone = [this](char state) { return mRuns ? IsRunningState(state) : state == 'S'; };
   if (isDone(before->state)) {
     environment.err << "The program of " << name << (mRuns ? " runs already.\n" : " is stopped already.\n");
-    return MakeAnswer(name, before->state);
+    return MakeOutput(name, before->state);
   }
   const std::string warning = mRuns ? RunWarning(before->state) : "";
   const std::string question = "The program of the controller (" + name + ") is about to be " +
@@ -55,10 +55,10 @@ Outcome VerbProgram::Run(Environment& environment, const CommonOptions& common) 
                       "somebody else has changed it, or the program ended by itself", "see kvtele identify"));
   }
   environment.err << "The program of " << name << (mRuns ? " runs.\n" : " is stopped.\n");
-  return MakeAnswer(name, after->state);
+  return MakeOutput(name, after->state);
 }
 
-std::expected<void, Failure> VerbProgram::Switch(Connection& controller) const {
+OrFailure<void> VerbProgram::Switch(ConnectedController& controller) const {
   const bool isDone =
       mRuns ? controller.Link().RunController(controller.Unit()) : controller.Link().StopController(controller.Unit());
   if (!isDone) return std::unexpected(controller.LastFailure());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Verb.h"
 
 namespace kv::cli {
@@ -16,10 +16,10 @@ class VerbProgram : public Verb {
   }
   [[nodiscard]] const char* Examples() const override;
   void Declare(CLI::App&) override {}
-  [[nodiscard]] Outcome Run(Environment& environment, const CommonOptions& common) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 
  private:
-  [[nodiscard]] std::expected<void, Failure> Switch(Connection& controller) const;
+  [[nodiscard]] OrFailure<void> Switch(ConnectedController& controller) const;
 
   bool mRuns;
 };

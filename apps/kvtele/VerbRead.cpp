@@ -1,6 +1,6 @@
 #include "apps/kvtele/VerbRead.h"
 
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/OperandLink.h"
 #include "apps/kvtele/Operands.h"
 #include "dataview/operands/OperandCatalogue.h"
@@ -16,23 +16,23 @@ struct Order {
   std::optional<View> view;
 };
 
-Answer MakeAnswer(const Order& order, const std::vector<std::string>& texts) {
-  Answer answer;
-  answer.document = {{"type", mdlDataTypesView::TypeName(order.region.type)},
+VerbOutput MakeOutput(const Order& order, const std::vector<std::string>& texts) {
+  VerbOutput output;
+  output.document = {{"type", mdlDataTypesView::TypeName(order.region.type)},
                      {"from", order.region.from},
                      {"to", order.region.to},
                      {"values", texts}};
   if (order.view) {
     const std::string row =
         mdlDataTypesView::DisplayRow(order.region.type, texts, order.view->size, order.view->format);
-    answer.document["text"] = row;
-    answer.text = row + "\n";
-    return answer;
+    output.document["text"] = row;
+    output.text = row + "\n";
+    return output;
   }
   for (std::size_t i = 0; i < texts.size(); ++i) {
-    answer.text += std::to_string(order.region.from + static_cast<std::int32_t>(i)) + "\t" + texts[i] + "\n";
+    output.text += std::to_string(order.region.from + static_cast<std::int32_t>(i)) + "\t" + texts[i] + "\n";
   }
-  return answer;
+  return output;
 }
 
 }  // namespace
@@ -54,18 +54,18 @@ void VerbRead::Declare(CLI::App& app) {
       ->type_name("FORMAT");
 }
 
-Outcome VerbRead::Run(Environment& environment, const CommonOptions& common) {
+VerbResult VerbRead::Run(Environment& environment, const CommonOptions& common) {
   const auto type = ParseType(mType);
   if (!type) return std::unexpected(type.error());
   const auto region = ParseRegion(*type, mFrom, mTo.empty() ? mFrom : mTo);
   if (!region) return std::unexpected(region.error());
   const auto view = ParseView(*type, mSize, mFormat);
   if (!view) return std::unexpected(view.error());
-  const auto connection = ConnectFor(environment, common, *region);
-  if (!connection) return std::unexpected(connection.error());
-  const auto texts = ReadOperands(environment, **connection, *region);
+  const auto connected = ConnectFor(environment, common, *region);
+  if (!connected) return std::unexpected(connected.error());
+  const auto texts = ReadOperands(environment, **connected, *region);
   if (!texts) return std::unexpected(texts.error());
-  return MakeAnswer({*region, *view}, *texts);
+  return MakeOutput({*region, *view}, *texts);
 }
 
 }  // namespace kv::cli

@@ -13,7 +13,7 @@ class VerbRead : public Verb {
   [[nodiscard]] const char* Summary() const override { return "Read operands"; }
   [[nodiscard]] const char* Examples() const override;
   void Declare(CLI::App& app) override;
-  [[nodiscard]] Outcome Run(Environment& environment, const CommonOptions& common) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 
  private:
   std::string mType;

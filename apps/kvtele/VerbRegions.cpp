@@ -23,23 +23,23 @@ using RowTexts = std::vector<std::vector<std::string>>;  // of each row, one an 
 
 // ---- reading ----
 
-std::expected<RowTexts, Failure> ReadRows(Environment& environment, Connection& connection,
-                                          const std::vector<RegionRow>& rows) {
+OrFailure<RowTexts> ReadRows(Environment& environment, ConnectedController& controller,
+                             const std::vector<RegionRow>& rows) {
   Progress progress(environment, "reading regions", rows.size());
   RowTexts all;
   std::vector<Region> unreadable;
   for (const RegionRow& row : rows) {
-    if (!IsReadableFrom(connection.Model(), row.region.type)) {
+    if (!IsReadableFrom(controller.Model(), row.region.type)) {
       unreadable.push_back(row.region);
       all.emplace_back();
       continue;
     }
-    auto texts = ReadOperands(environment, connection, row.region);
+    auto texts = ReadOperands(environment, controller, row.region);
     if (!texts) return std::unexpected(texts.error());
     all.push_back(*std::move(texts));
     progress.Show(all.size());
   }
-  SayUnreadable(environment, connection, unreadable);
+  SayUnreadable(environment, controller, unreadable);
   return all;
 }
 
@@ -49,13 +49,13 @@ std::string OneLine(std::string text) {
   return text;
 }
 
-Answer MakeAnswer(const std::string& model, const std::vector<RegionRow>& rows, const RowTexts& texts, bool asCsv) {
-  Answer answer;
-  answer.document = {{"model", model}, {"regions", nlohmann::ordered_json::array()}};
+VerbOutput MakeOutput(const std::string& model, const std::vector<RegionRow>& rows, const RowTexts& texts, bool asCsv) {
+  VerbOutput output;
+  output.document = {{"model", model}, {"regions", nlohmann::ordered_json::array()}};
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const RegionRow& row = rows[i];
     const std::string shown = DisplayRow(row.region.type, texts[i], row.size, row.format);
-    answer.document["regions"].push_back({{"type", TypeName(row.region.type)},
+    output.document["regions"].push_back({{"type", TypeName(row.region.type)},
                                           {"from", row.region.from},
                                           {"to", row.region.to},
                                           {"description", row.description},
@@ -63,11 +63,11 @@ Answer MakeAnswer(const std::string& model, const std::vector<RegionRow>& rows, 
                                           {"format", FormatName(row.format)},
                                           {"values", texts[i]},
                                           {"text", shown}});
-    answer.text += std::string(TypeName(row.region.type)) + "\t" + std::to_string(row.region.from) + "\t" +
+    output.text += std::string(TypeName(row.region.type)) + "\t" + std::to_string(row.region.from) + "\t" +
                    std::to_string(row.region.to) + "\t" + OneLine(row.description) + "\t" + OneLine(shown) + "\n";
   }
-  if (asCsv) answer.text = PrintValues(rows, texts);
-  return answer;
+  if (asCsv) output.text = PrintValues(rows, texts);
+  return output;
 }
 
 // ---- writing ----
@@ -87,8 +87,8 @@ std::string WrittenBefore(std::size_t values, std::size_t total) {
   return std::to_string(values) + " of " + std::to_string(total) + " values had been written before";
 }
 
-std::expected<void, Failure> WriteRuns(Environment& environment, Connection& connection,
-                                       const std::vector<ValueRun>& runs) {
+OrFailure<void> WriteRuns(Environment& environment, ConnectedController& controller,
+                          const std::vector<ValueRun>& runs) {
   const std::size_t total = CountOf(runs);
   Progress progress(environment, "writing regions", total);
   std::size_t done = 0;
@@ -98,7 +98,7 @@ std::expected<void, Failure> WriteRuns(Environment& environment, Connection& con
       return std::unexpected(
           InterruptedFailure("writing regions (" + (before.empty() ? "nothing was written" : before) + ")"));
     }
-    const auto written = WriteRegion(connection.Link(), connection.Model(), run.region, run.texts);
+    const auto written = WriteRegion(controller.Link(), controller.Model(), run.region, run.texts);
     if (!written) return std::unexpected(WriteFailure(written.error(), run.region, before));
     done += run.texts.size();
     progress.Show(done);
@@ -106,9 +106,9 @@ std::expected<void, Failure> WriteRuns(Environment& environment, Connection& con
   return {};
 }
 
-std::expected<void, Failure> Confirm(Environment& environment, const CommonOptions& common, Connection& connection,
-                                     std::size_t count) {
-  const MessageBox box = WriteQuestion(count, connection.Description());
+OrFailure<void> Confirm(Environment& environment, const CommonOptions& common, ConnectedController& controller,
+                        std::size_t count) {
+  const MessageBox box = WriteQuestion(count, controller.Description());
   if (PromptsFor(environment, common).Show(box) == PromptAnswer::Yes) return {};
   if (environment.pacer.StopRequested()) {
     return std::unexpected(InterruptedFailure("writing regions (nothing was written)"));
@@ -125,19 +125,19 @@ MessageBox ReadOnlyBox() {
 }
 
 // Reads back what can be read and compares; how many values were compared.
-std::expected<std::size_t, Failure> Compare(Environment& environment, Connection& connection,
-                                            const std::vector<ValueRun>& runs) {
+OrFailure<std::size_t> Compare(Environment& environment, ConnectedController& controller,
+                               const std::vector<ValueRun>& runs) {
   std::size_t compared = 0;
   for (const ValueRun& run : runs) {
-    if (!IsReadableFrom(connection.Model(), run.region.type)) continue;
-    const auto readBack = ReadBack(environment, connection, run.region, run.texts);
+    if (!IsReadableFrom(controller.Model(), run.region.type)) continue;
+    const auto readBack = ReadBack(environment, controller, run.region, run.texts);
     if (!readBack) return std::unexpected(readBack.error());
     compared += run.texts.size();
   }
   return compared;
 }
 
-Answer WriteAnswer(Environment& environment, const ValuesToWrite& values, std::size_t compared) {
+VerbOutput WriteOutput(Environment& environment, const ValuesToWrite& values, std::size_t compared) {
   const std::size_t count = CountOf(values.runs);
   if (compared == count) {
     environment.err << "Written and read back: " << CountText(count, "value") << ".\n";
@@ -145,9 +145,9 @@ Answer WriteAnswer(Environment& environment, const ValuesToWrite& values, std::s
     environment.err << "Written: " << CountText(count, "value") << ". Not compared: " << count - compared
                     << ", because operands of their types cannot be read back on this model.\n";
   }
-  Answer answer;
-  answer.document = {{"written", count}, {"compared", compared}, {"missing", values.missing}};
-  return answer;
+  VerbOutput output;
+  output.document = {{"written", count}, {"compared", compared}, {"missing", values.missing}};
+  return output;
 }
 
 }  // namespace
@@ -168,14 +168,14 @@ void VerbRegions::Declare(CLI::App& app) {
   app.add_flag("--csv", mAsCsv, "With read: one line an operand, type, address and value");
 }
 
-Outcome VerbRegions::Run(Environment& environment, const CommonOptions& common) {
+VerbResult VerbRegions::Run(Environment& environment, const CommonOptions& common) {
   if (const auto checked = CheckArguments(); !checked) return std::unexpected(checked.error());
   const auto file = RegionsFile::Read(mFile);
   if (!file) return std::unexpected(file.error());
   return mAction == "read" ? Read(environment, common, *file) : Write(environment, common, *file);
 }
 
-std::expected<void, Failure> VerbRegions::CheckArguments() const {
+OrFailure<void> VerbRegions::CheckArguments() const {
   const bool isWrite = mAction == "write";
   if (isWrite && mValuesFile.empty()) {
     return std::unexpected(UsageFailure("write needs the file with the values", "see kvtele regions --help"));
@@ -189,26 +189,26 @@ std::expected<void, Failure> VerbRegions::CheckArguments() const {
   return {};
 }
 
-Outcome VerbRegions::Read(Environment& environment, const CommonOptions& common, const RegionsFile& file) const {
+VerbResult VerbRegions::Read(Environment& environment, const CommonOptions& common, const RegionsFile& file) const {
   std::vector<RegionRow> rows;
-  const auto understand = [&](const std::string& model) -> std::expected<std::vector<Region>, Failure> {
+  const auto understand = [&](const std::string& model) -> OrFailure<std::vector<Region>> {
     auto parsed = file.RowsFor(model);
     if (!parsed) return std::unexpected(parsed.error());
     rows = *std::move(parsed);
     return RegionsOf(rows);
   };
-  const auto connection = ConnectFor(environment, common, understand);
-  if (!connection) return std::unexpected(connection.error());
-  const auto texts = ReadRows(environment, **connection, rows);
+  const auto connected = ConnectFor(environment, common, understand);
+  if (!connected) return std::unexpected(connected.error());
+  const auto texts = ReadRows(environment, **connected, rows);
   if (!texts) return std::unexpected(texts.error());
-  return MakeAnswer((*connection)->Model(), rows, *texts, mAsCsv);
+  return MakeOutput((*connected)->Model(), rows, *texts, mAsCsv);
 }
 
-Outcome VerbRegions::Write(Environment& environment, const CommonOptions& common, const RegionsFile& file) const {
+VerbResult VerbRegions::Write(Environment& environment, const CommonOptions& common, const RegionsFile& file) const {
   const auto bytes = ReadFileFor(mValuesFile, kLargestValuesFile);
   if (!bytes) return std::unexpected(bytes.error());
   ValuesToWrite values;
-  const auto understand = [&](const std::string& model) -> std::expected<std::vector<Region>, Failure> {
+  const auto understand = [&](const std::string& model) -> OrFailure<std::vector<Region>> {
     const auto rows = file.RowsFor(model);
     if (!rows) return std::unexpected(rows.error());
     auto parsed = ParseValues(*bytes, mValuesFile, *rows, model);
@@ -216,16 +216,16 @@ Outcome VerbRegions::Write(Environment& environment, const CommonOptions& common
     values = *std::move(parsed);
     return RegionsOf(*rows);
   };
-  const auto connection = ConnectFor(environment, common, understand);
-  if (!connection) return std::unexpected(connection.error());
-  Connection& controller = **connection;
+  const auto connected = ConnectFor(environment, common, understand);
+  if (!connected) return std::unexpected(connected.error());
+  ConnectedController& controller = **connected;
   if (values.readOnly > 0) PromptsFor(environment, common).Show(ReadOnlyBox());
   if (!values.leftOut.empty()) environment.err << values.leftOut << "\n";
   if (values.missing > 0) {
     environment.err << CountText(values.missing, "operand") << " without a value in " << mValuesFile
                     << " stay as they are.\n";
   }
-  if (values.runs.empty()) return WriteAnswer(environment, values, 0);
+  if (values.runs.empty()) return WriteOutput(environment, values, 0);
 
   if (const auto yes = Confirm(environment, common, controller, CountOf(values.runs)); !yes) {
     return std::unexpected(yes.error());
@@ -234,7 +234,7 @@ Outcome VerbRegions::Write(Environment& environment, const CommonOptions& common
   if (!written) return std::unexpected(written.error());
   const auto compared = Compare(environment, controller, values.runs);
   if (!compared) return std::unexpected(compared.error());
-  return WriteAnswer(environment, values, *compared);
+  return WriteOutput(environment, values, *compared);
 }
 
 }  // namespace kv::cli

@@ -15,12 +15,12 @@ class VerbRegions : public Verb {
   [[nodiscard]] const char* Summary() const override { return "Read or write the regions of a file"; }
   [[nodiscard]] const char* Examples() const override;
   void Declare(CLI::App& app) override;
-  [[nodiscard]] Outcome Run(Environment& environment, const CommonOptions& common) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 
  private:
-  [[nodiscard]] std::expected<void, Failure> CheckArguments() const;
-  [[nodiscard]] Outcome Read(Environment& environment, const CommonOptions& common, const RegionsFile& file) const;
-  [[nodiscard]] Outcome Write(Environment& environment, const CommonOptions& common, const RegionsFile& file) const;
+  [[nodiscard]] OrFailure<void> CheckArguments() const;
+  [[nodiscard]] VerbResult Read(Environment& environment, const CommonOptions& common, const RegionsFile& file) const;
+  [[nodiscard]] VerbResult Write(Environment& environment, const CommonOptions& common, const RegionsFile& file) const;
 
   std::string mAction;
   std::string mFile;

@@ -18,18 +18,18 @@ Failure SessionFailure(std::string doing, std::string happened, std::string cure
 }
 
 // As the session window shows them.
-Outcome List(const SessionManager& sessions) {
+VerbResult List(const SessionManager& sessions) {
   if (const std::string fault = sessions.ListFault(); !fault.empty()) {
     return std::unexpected(SessionFailure("listing the sessions", fault, {}));
   }
-  Answer answer;
-  answer.document["sessions"] = nlohmann::json::array();
+  VerbOutput output;
+  output.document["sessions"] = nlohmann::json::array();
   for (const std::string& name : sessions.List()) {
     const SessionFacts facts = sessions.Describe(name);
-    answer.document["sessions"].push_back({{"name", name}, {"model", facts.model}, {"link", facts.link}});
-    answer.text += name + "\t" + facts.model + "\t" + facts.link + "\n";
+    output.document["sessions"].push_back({{"name", name}, {"model", facts.model}, {"link", facts.link}});
+    output.text += name + "\t" + facts.model + "\t" + facts.link + "\n";
   }
-  return answer;
+  return output;
 }
 
 bool IsListed(const SessionManager& sessions, const std::string& name) {
@@ -43,19 +43,19 @@ Failure NoSession(const std::string& name) {
 
 // Copies the session that --session names. The copy does not become current: which session a running window works in is
 // its own affair, and so is the mark of that.
-Outcome Create(const SessionManager& sessions, const std::string& source, const std::string& name) {
+VerbResult Create(const SessionManager& sessions, const std::string& source, const std::string& name) {
   if (const std::string fault = SessionNameFault(name); !fault.empty()) return std::unexpected(UsageFailure(fault));
   if (!IsListed(sessions, source)) return std::unexpected(NoSession(source));
   const auto copied = sessions.CopyCurrent(name);
   if (!copied) return std::unexpected(SessionFailure("creating session \"" + name + "\"", copied.error(), {}));
-  return Answer{"", {{"created", name}}};
+  return VerbOutput{"", {{"created", name}}};
 }
 
-Outcome Delete(Environment& environment, SessionManager& sessions, const NotedPrompts& prompts,
-               const std::string& name) {
+VerbResult Delete(Environment& environment, SessionManager& sessions, const NotedPrompts& prompts,
+                  const std::string& name) {
   if (!IsListed(sessions, name)) return std::unexpected(NoSession(name));
   const auto deletion = sessions.DeleteOnConsent(name);
-  if (deletion == SessionManager::Deletion::Done) return Answer{"", {{"deleted", name}}};
+  if (deletion == SessionManager::Deletion::Done) return VerbOutput{"", {{"deleted", name}}};
   const std::string doing = "deleting session \"" + name + "\"";
   if (deletion == SessionManager::Deletion::Declined) {
     if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure(doing + " (it was not deleted)"));
@@ -87,7 +87,7 @@ void VerbSessions::Declare(CLI::App& app) {
   app.add_option("NAME", mName, "The session to create or delete");
 }
 
-Outcome VerbSessions::Run(Environment& environment, const CommonOptions& common) {
+VerbResult VerbSessions::Run(Environment& environment, const CommonOptions& common) {
   if (mName.empty() != (mAction == "list")) {
     return std::unexpected(
         UsageFailure(mAction == "list" ? "list takes no name" : mAction + " needs the session's name",

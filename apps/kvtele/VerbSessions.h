@@ -13,7 +13,7 @@ class VerbSessions : public Verb {
   [[nodiscard]] const char* Summary() const override { return "List, create or delete sessions"; }
   [[nodiscard]] const char* Examples() const override;
   void Declare(CLI::App& app) override;
-  [[nodiscard]] Outcome Run(Environment& environment, const CommonOptions& common) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 
  private:
   std::string mAction;

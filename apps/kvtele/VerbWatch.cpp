@@ -18,13 +18,13 @@ constexpr int kMostChanges = 1'000'000'000;
 constexpr int kMostSeconds = 31'536'000;  // a year
 constexpr int kLongestPause = 3'600'000;
 
-void SetUnreadableAside(Environment& environment, const Connection& connection, std::vector<Region>& regions) {
+void SetUnreadableAside(Environment& environment, const ConnectedController& controller, std::vector<Region>& regions) {
   std::vector<Region> readable;
   std::vector<Region> unreadable;
   std::ranges::partition_copy(
       regions, std::back_inserter(readable), std::back_inserter(unreadable),
-      [&](const Region& region) { return mdlDataTypesView::IsReadableFrom(connection.Model(), region.type); });
-  SayUnreadable(environment, connection, unreadable);
+      [&](const Region& region) { return mdlDataTypesView::IsReadableFrom(controller.Model(), region.type); });
+  SayUnreadable(environment, controller, unreadable);
   regions = std::move(readable);
 }
 
@@ -50,29 +50,29 @@ void VerbWatch::Declare(CLI::App& app) {
       ->type_name("MS");
 }
 
-Outcome VerbWatch::Run(Environment& environment, const CommonOptions& common) {
+VerbResult VerbWatch::Run(Environment& environment, const CommonOptions& common) {
   const auto file = RegionsFile::Read(mFile);
   if (!file) return std::unexpected(file.error());
   std::vector<Region> regions;
-  const auto understand = [&](const std::string& model) -> std::expected<std::vector<Region>, Failure> {
+  const auto understand = [&](const std::string& model) -> OrFailure<std::vector<Region>> {
     const auto rows = file->RowsFor(model);
     if (!rows) return std::unexpected(rows.error());
     return regions = RegionsOf(*rows);
   };
-  const auto connection = ConnectFor(environment, common, understand);
-  if (!connection) return std::unexpected(connection.error());
-  SetUnreadableAside(environment, **connection, regions);
+  const auto connected = ConnectFor(environment, common, understand);
+  if (!connected) return std::unexpected(connected.error());
+  SetUnreadableAside(environment, **connected, regions);
   if (regions.empty()) {
     environment.err << "The file has no regions that can be read; there is nothing to watch.\n";
-    return Answer{};
+    return VerbOutput{};
   }
-  RegionWatch watch(environment, **connection, std::move(regions),
+  RegionWatch watch(environment, **connected, std::move(regions),
                     {.count = static_cast<std::size_t>(mCount),
                      .span = std::chrono::seconds(mSeconds),
                      .pause = std::chrono::milliseconds(mPause),
                      .json = common.json});
   if (const auto ended = watch.Run(); !ended) return std::unexpected(ended.error());
-  return Answer{};  // everything has been printed
+  return VerbOutput{};  // everything has been printed
 }
 
 }  // namespace kv::cli

@@ -11,13 +11,13 @@ namespace kv::cli {
 
 namespace {
 
-Answer MakeAnswer(const Region& region, const nlohmann::ordered_json& valuesReadBack) {
-  Answer answer;
-  answer.document = {{"type", mdlDataTypesView::TypeName(region.type)},
+VerbOutput MakeOutput(const Region& region, const nlohmann::ordered_json& valuesReadBack) {
+  VerbOutput output;
+  output.document = {{"type", mdlDataTypesView::TypeName(region.type)},
                      {"from", region.from},
                      {"to", region.to},
                      {"values", valuesReadBack}};
-  return answer;
+  return output;
 }
 
 }  // namespace
@@ -35,12 +35,12 @@ void VerbWrite::Declare(CLI::App& app) {
   app.add_option("VALUE", mValues, "One value for each operand from FROM on")->required()->type_name("");
 }
 
-Outcome VerbWrite::Run(Environment& environment, const CommonOptions& common) {
+VerbResult VerbWrite::Run(Environment& environment, const CommonOptions& common) {
   const auto region = CheckOrder(environment, common);
   if (!region) return std::unexpected(region.error());
-  const auto connection = ConnectFor(environment, common, *region);
-  if (!connection) return std::unexpected(connection.error());
-  Connection& controller = **connection;
+  const auto connected = ConnectFor(environment, common, *region);
+  if (!connected) return std::unexpected(connected.error());
+  ConnectedController& controller = **connected;
   if (const auto legal = CheckValues(region->type, controller.Model(), mValues); !legal) {
     return std::unexpected(legal.error());
   }
@@ -50,8 +50,7 @@ Outcome VerbWrite::Run(Environment& environment, const CommonOptions& common) {
 }
 
 // Everything that can be said without a controller.
-std::expected<Region, Failure> VerbWrite::CheckOrder(const Environment& environment,
-                                                     const CommonOptions& common) const {
+OrFailure<Region> VerbWrite::CheckOrder(const Environment& environment, const CommonOptions& common) const {
   const auto type = ParseType(mType);
   if (!type) return std::unexpected(type.error());
   auto region = ParseRegion(*type, mFrom, mFrom);
@@ -68,17 +67,17 @@ std::expected<Region, Failure> VerbWrite::CheckOrder(const Environment& environm
   return region;
 }
 
-Outcome VerbWrite::Compare(Environment& environment, Connection& connection, const Region& region) const {
-  if (!mdlDataTypesView::IsReadableFrom(connection.Model(), region.type)) {
+VerbResult VerbWrite::Compare(Environment& environment, ConnectedController& controller, const Region& region) const {
+  if (!mdlDataTypesView::IsReadableFrom(controller.Model(), region.type)) {
     environment.err << "Written: " << RegionText(region)
                     << ". It was not compared: operands of this type cannot be read "
-                    << "back on " << connection.Model() << ".\n";
-    return MakeAnswer(region, nullptr);
+                    << "back on " << controller.Model() << ".\n";
+    return MakeOutput(region, nullptr);
   }
-  const auto readBack = ReadBack(environment, connection, region, mValues);
+  const auto readBack = ReadBack(environment, controller, region, mValues);
   if (!readBack) return std::unexpected(readBack.error());
   environment.err << "Written and read back: " << RegionText(region) << "\n";
-  return MakeAnswer(region, *readBack);
+  return MakeOutput(region, *readBack);
 }
 
 }  // namespace kv::cli

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Operands.h"
 #include "apps/kvtele/Verb.h"
 
@@ -16,12 +16,12 @@ class VerbWrite : public Verb {
   [[nodiscard]] const char* Summary() const override { return "Write operands, read them back and compare"; }
   [[nodiscard]] const char* Examples() const override;
   void Declare(CLI::App& app) override;
-  [[nodiscard]] Outcome Run(Environment& environment, const CommonOptions& common) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 
  private:
-  [[nodiscard]] std::expected<Region, Failure> CheckOrder(const Environment& environment,
-                                                          const CommonOptions& common) const;
-  [[nodiscard]] Outcome Compare(Environment& environment, Connection& connection, const Region& region) const;
+  [[nodiscard]] OrFailure<Region> CheckOrder(const Environment& environment, const CommonOptions& common) const;
+  [[nodiscard]] VerbResult Compare(Environment& environment, ConnectedController& controller,
+                                   const Region& region) const;
 
   std::string mType;
   std::string mFrom;

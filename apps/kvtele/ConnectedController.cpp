@@ -1,4 +1,4 @@
-#include "apps/kvtele/Connection.h"
+#include "apps/kvtele/ConnectedController.h"
 
 #include "KvCmDrv1/CallerMessages.h"
 #include "apps/kvtele/LinkChoice.h"
@@ -9,8 +9,8 @@ namespace kv::cli {
 
 namespace {
 
-std::expected<std::unique_ptr<CommDriver>, Failure> MakeDriver(Environment& environment, const CommonOptions& common,
-                                                               const LinkChoice& choice) {
+OrFailure<std::unique_ptr<CommDriver>> MakeDriver(Environment& environment, const CommonOptions& common,
+                                                  const LinkChoice& choice) {
   for (const std::string& complaint : choice.complaints) environment.err << complaint << "\n";
   return environment.makeDriver({choice.settings, choice.sessionFolder, common.trace});
 }
@@ -29,8 +29,8 @@ Failure OtherModel(const std::string& asked, const VersionInfo& version, const s
 }  // namespace
 
 // A password that was given by option is tried before the user is asked; both are the password's business.
-Connection::Connection(Environment& environment, const CommonOptions& common, std::unique_ptr<CommDriver> driver,
-                       LinkSettings settings)
+ConnectedController::ConnectedController(Environment& environment, const CommonOptions& common,
+                                         std::unique_ptr<CommDriver> driver, LinkSettings settings)
     : mPrompts({}, environment.err, environment.input),
       mPassword(mPrompts, "give the controller's password with --password", common.password),
       mDriver(std::move(driver)),
@@ -38,45 +38,47 @@ Connection::Connection(Environment& environment, const CommonOptions& common, st
   mDriver->SetPasswordSource(&mPassword);
 }
 
-Connection::~Connection() {
+ConnectedController::~ConnectedController() {
   mDriver->OnComMessage = nullptr;  // that the link is closed at the end is no news
   mChannel.reset();
   mDriver->CloseDriver();
 }
 
-std::expected<std::unique_ptr<Connection>, Failure> Connection::Open(Environment& environment,
-                                                                     const CommonOptions& common) {
+OrFailure<std::unique_ptr<ConnectedController>> ConnectedController::Open(Environment& environment,
+                                                                          const CommonOptions& common) {
   const auto choice = ChooseLink(environment, common);
   if (!choice) return std::unexpected(choice.error());
   auto driver = MakeDriver(environment, common, *choice);
   if (!driver) return std::unexpected(driver.error());
-  std::unique_ptr<Connection> connection(new Connection(environment, common, std::move(*driver), choice->settings));
+  std::unique_ptr<ConnectedController> connected(
+      new ConnectedController(environment, common, std::move(*driver), choice->settings));
   // A link that never came about is the failure itself; who called meanwhile is news in any case.
-  connection->mDriver->OnComMessage = [&err = environment.err](const std::string& message) {
+  connected->mDriver->OnComMessage = [&err = environment.err](const std::string& message) {
     if (message.starts_with(kCallerDropped)) err << message << "\n" << std::flush;
   };
-  if (const auto reached = connection->Reach(); !reached) return std::unexpected(reached.error());
-  connection->mDriver->OnComMessage = [&err = environment.err](const std::string& message) { err << message << "\n"; };
-  connection->mModel = ModelOfIdentification(AnsiToUtf8(connection->mVersion.model));
-  if (common.model.empty()) return connection;
-  if (!IsModelAsked(common.model, connection->mModel)) {
-    return std::unexpected(OtherModel(common.model, connection->mVersion, connection->Description()));
+  if (const auto reached = connected->Reach(); !reached) return std::unexpected(reached.error());
+  connected->mDriver->OnComMessage = [&err = environment.err](const std::string& message) { err << message << "\n"; };
+  connected->mModel = ModelOfIdentification(AnsiToUtf8(connected->mVersion.model));
+  if (common.model.empty()) return connected;
+  if (!IsModelAsked(common.model, connected->mModel)) {
+    return std::unexpected(OtherModel(common.model, connected->mVersion, connected->Description()));
   }
-  connection->mModel = common.model;
-  return connection;
+  connected->mModel = common.model;
+  return connected;
 }
 
-Connection::ComingBack Connection::HowItComesBack() const {
-  if (mSettings.transport == Transport::Modem) return ComingBack::ByDialling;
-  return mSettings.reconnects || mSettings.transport == Transport::Simulated ? ComingBack::ByItself : ComingBack::Not;
+ConnectedController::Reconnecting ConnectedController::HowItReconnects() const {
+  if (mSettings.transport == Transport::Modem) return Reconnecting::ByDialling;
+  return mSettings.reconnects || mSettings.transport == Transport::Simulated ? Reconnecting::ByItself
+                                                                             : Reconnecting::Not;
 }
 
-std::expected<void, LinkError> Connection::Reopen() {
+std::expected<void, LinkError> ConnectedController::Reopen() {
   if (mDriver->GetChannel()) return {};
   return std::unexpected(mDriver->LastError());
 }
 
-std::expected<void, Failure> Connection::Reach() {
+OrFailure<void> ConnectedController::Reach() {
   mDriver->SetDriverActive(true);
   mChannel = mDriver->GetChannel();
   if (!mChannel) return std::unexpected(LinkFailure(mDriver->LastError(), false));

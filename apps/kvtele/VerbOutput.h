@@ -1,6 +1,5 @@
 #pragma once
 
-#include <expected>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -10,12 +9,13 @@ namespace kv::cli {
 
 // The result of a command, in both forms: text for the screen, ending with a line feed when there is any, and the one
 // document of --json. A comparison that found a difference is a result too, with an exit code of its own.
-struct Answer {
+struct VerbOutput {
   std::string text{};
   nlohmann::ordered_json document{};
   ExitCode exit = ExitCode::Done;
 };
 
-using Outcome = std::expected<Answer, Failure>;
+// How a command ends.
+using VerbResult = OrFailure<VerbOutput>;
 
 }  // namespace kv::cli

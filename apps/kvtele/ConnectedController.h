@@ -15,14 +15,14 @@
 namespace kv::cli {
 
 // A controller that has been reached and said who it is. Closes the link when it goes.
-class Connection {
+class ConnectedController {
  public:
   // Reaches the controller that the options describe and identifies it. With --model it must be that model.
-  [[nodiscard]] static std::expected<std::unique_ptr<Connection>, Failure> Open(Environment& environment,
-                                                                                const CommonOptions& common);
-  ~Connection();
-  Connection(const Connection&) = delete;
-  Connection& operator=(const Connection&) = delete;
+  [[nodiscard]] static OrFailure<std::unique_ptr<ConnectedController>> Open(Environment& environment,
+                                                                            const CommonOptions& common);
+  ~ConnectedController();
+  ConnectedController(const ConnectedController&) = delete;
+  ConnectedController& operator=(const ConnectedController&) = delete;
 
   [[nodiscard]] Channel& Link() { return *mChannel; }
   [[nodiscard]] CommDriver& Driver() { return *mDriver; }
@@ -34,8 +34,8 @@ class Connection {
 
   // How a link that was lost comes back: by itself with the next requests, by dialling again (a call costs money, so
   // not by itself), or not at all, as the session's settings say.
-  enum class ComingBack { ByItself, ByDialling, Not };
-  [[nodiscard]] ComingBack HowItComesBack() const;
+  enum class Reconnecting { ByItself, ByDialling, Not };
+  [[nodiscard]] Reconnecting HowItReconnects() const;
   // How often in a row a lost call may be dialled again.
   [[nodiscard]] int Redials() const { return mSettings.modem.redials; }
   // Opens a link that was lost; the reason when that failed.
@@ -45,10 +45,10 @@ class Connection {
   [[nodiscard]] Failure LastFailure() const { return LinkFailure(mChannel->LastError(), true); }
 
  private:
-  Connection(Environment& environment, const CommonOptions& common, std::unique_ptr<CommDriver> driver,
-             LinkSettings settings);
+  ConnectedController(Environment& environment, const CommonOptions& common, std::unique_ptr<CommDriver> driver,
+                      LinkSettings settings);
 
-  [[nodiscard]] std::expected<void, Failure> Reach();
+  [[nodiscard]] OrFailure<void> Reach();
 
   ConsolePrompts mPrompts;
   PromptedPassword mPassword;
