@@ -1,0 +1,10 @@
+#include "download/OsNumber.h"
+
+namespace kv {
+
+std::string VersionText(const OsNumber& number) {
+  const std::string minor = std::to_string(number.version % 100);
+  return std::to_string(number.version / 100) + "." + std::string(2 - minor.size(), '0') + minor;
+}
+
+}  // namespace kv
