@@ -32,6 +32,11 @@ struct CompactOsName {
 };
 [[nodiscard]] std::optional<CompactOsName> CompactOsNameIn(std::string_view name);
 
+// The names that files of this program's own making have.
+[[nodiscard]] std::string AurexOsName(std::string_view osModel, const OsNumber& number);
+[[nodiscard]] std::string FontsName(const OsNumber& number);
+[[nodiscard]] std::string CompactOsFileName(std::string_view osModel, const OsNumber& number);
+
 // The type that files for an Aurex controller must name, from the first 7 characters of its model: "AurexK220" for
 // "K220-22", "AurexK222" for "K220-32", "AurexK330" for all others.
 [[nodiscard]] std::string_view ExpectedAurexOsType(std::string_view model);

@@ -1,0 +1,77 @@
+#include "download/CompactOsFile.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include "download/FileFields.h"
+#include "download/OsFileName.h"
+#include "download/ReadDownload.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view kMagic = "KOSI";
+constexpr std::size_t kHead = 64;
+constexpr std::size_t kLengthAt = 12;
+constexpr std::size_t kCheckAt = 16;
+
+// The Q50's blocks are addressed with 8 digits, but its flash has no more than this; those of the others with 4.
+constexpr std::size_t kLargestQ50Image = std::size_t{1} << 20;
+constexpr std::size_t kLargestImage = std::size_t{1} << 16;
+
+// The first 64 bytes: "KOSI", model (3), "v", version (3), build (1), length (4), CRC-32 (4), remark (44).
+std::expected<CompactOsHead, DownloadFileError> ParseHead(std::string_view bytes, const FaultsOf& faults) {
+  const bool isImage = bytes.size() >= kHead && bytes.starts_with(kMagic) && bytes[7] == 'v';
+  if (!isImage) return faults.NotLegal("expected an O/S image, which begins with \"KOSI\", a model and \"v\"");
+  const auto name = CompactOsNameIn(std::string(bytes.substr(4, 8)) + ".OSI");
+  if (!name)
+    return faults.NotLegal("expected the model Q50, Q51, Q58, PX1 or PR1 and four digits of a version at byte 4");
+  return CompactOsHead{name->model, name->number, ShownTextAt(bytes, 20, 44)};
+}
+
+}  // namespace
+
+std::expected<CompactOsFile, DownloadFileError> ParseCompactOsFile(std::string_view bytes, const std::string& file) {
+  const FaultsOf faults(file);
+  auto head = ParseHead(bytes, faults);
+  if (!head) return std::unexpected(head.error());
+  const std::uint32_t length = LittleAt(bytes, kLengthAt, 4);
+  if (length != bytes.size()) return faults.Damaged("byte 12", WrongLengthText(length, bytes.size()));
+  const std::size_t room = head->model == "Q50" ? kLargestQ50Image : kLargestImage;
+  if (length > room || length % kCompactOsBlock != 0) {
+    return faults.Damaged("byte 12", "expected whole blocks of 64 bytes, " + std::to_string(room) + " bytes at most");
+  }
+  if (!HasItsCheck(bytes, kCheckAt)) return faults.Damaged("byte 16", "its CRC-32 does not fit: it was damaged");
+  return CompactOsFile{*std::move(head), Bytes(bytes.begin(), bytes.end()), StampOf(bytes)};
+}
+
+std::expected<CompactOsFile, DownloadFileError> ReadCompactOsFile(const std::filesystem::path& file) {
+  const auto bytes = ReadDownloadBytes(file, kLargestQ50Image);
+  if (!bytes) return std::unexpected(bytes.error());
+  auto os = ParseCompactOsFile(*bytes, Utf8FromPath(file));
+  if (!os) return os;
+  const CompactOsName held{os->head.model, os->head.number};
+  if (CompactOsNameIn(Utf8FromPath(file.filename())) == held) return os;
+  return FaultsOf(Utf8FromPath(file))
+      .Damaged("its name", "expected \"" + CompactOsFileName(held.model, held.number) + "\", as what is in it");
+}
+
+std::expected<CompactOsHead, DownloadFileError> ReadCompactOsHead(const std::filesystem::path& file) {
+  std::string bytes(kHead, '\0');
+  const auto fail = [&file](const char* what) {
+    return std::unexpected(DownloadFileError{DownloadFileFault::Unreadable, {Utf8FromPath(file), "", what}});
+  };
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) return fail("it is missing or no plain file");  // could block
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) return fail("it cannot be opened; check the rights to it");
+  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<std::size_t>(stream.gcount()));
+  return ParseHead(bytes, FaultsOf(Utf8FromPath(file)));
+}
+
+bool SuitsController(const CompactOsHead& head, const CompactController& controller) {
+  return head.model == controller.OsModel();
+}
+
+}  // namespace kv

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/AnsiText.h"
+
+namespace kv {
+
+// Fields at fixed places of a binary file, which must be long enough. Integers are little-endian.
+
+[[nodiscard]] inline std::uint32_t LittleAt(std::string_view bytes, std::size_t offset, std::size_t size) {
+  std::uint32_t value = 0;
+  while (size-- > 0) value = value << 8 | static_cast<unsigned char>(bytes[offset + size]);
+  return value;
+}
+
+// ANSI text padded with zero bytes, as UTF-8 without any zero byte.
+[[nodiscard]] inline std::string TextAt(std::string_view bytes, std::size_t offset, std::size_t size) {
+  std::string ansi(bytes.substr(offset, size));
+  std::erase(ansi, '\0');
+  return AnsiToUtf8(ansi);
+}
+
+// A number of decimal digits; nothing when one of them is none.
+[[nodiscard]] inline std::optional<int> DigitsAt(std::string_view text, std::size_t offset, std::size_t size) {
+  const std::string_view digits = text.substr(offset, size);
+  const bool isNumber = std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; });
+  if (!isNumber || digits.size() != size) return std::nullopt;
+  int number = 0;
+  for (const char c : digits) number = number * 10 + (c - '0');
+  return number;
+}
+
+// As TextAt, for a text that is only shown: control characters become blanks, so that no file moves a terminal's
+// cursor.
+[[nodiscard]] inline std::string ShownTextAt(std::string_view bytes, std::size_t offset, std::size_t size) {
+  std::string text = TextAt(bytes, offset, size);
+  for (char& c : text) {
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
+  }
+  return text;
+}
+
+}  // namespace kv
