@@ -52,8 +52,7 @@ std::string WrittenSoFar(const LinkError& error, const Region& piece, const std:
 // refuse it.
 OrFailure<void> CheckFitsOs(const Region& region, const ConnectedController& controller) {
   const std::string& os = controller.Version().osVersion;
-  if (mdlDataTypesView::IsOsCurrent(controller.Model(), os)) return {};
-  const std::int32_t count = mdlDataTypesView::LegacyOsOperandCount(region.type, controller.Model());
+  const std::int32_t count = mdlDataTypesView::OperandCountWithOs(region.type, controller.Model(), os);
   if (region.to < count) return {};
   const std::string cure = count > 0 ? "use addresses from 0 to " + std::to_string(count - 1) + ", or " : "";
   return std::unexpected(NotFitFailure("using " + RegionText(region), std::string(kRegionsNotSupportedMessage),
@@ -117,7 +116,7 @@ OrFailure<std::vector<std::string>> ReadOperands(Environment& environment, Conne
                                          "this model is read with list reads, which do not know them",
                                          "use --model Q50 or --model Q50Net if the controller is one of these"));
   }
-  const std::vector<Region> pieces = SplitIntoRequests(region);
+  const std::vector<Region> pieces = mdlDataTypesView::SplitRegion(region);
   Progress progress(environment, doing, CountOf(region));
   std::vector<std::string> texts;
   for (const Region& piece : pieces) {
@@ -138,7 +137,7 @@ OrFailure<void> WriteOperands(Environment& environment, ConnectedController& con
   const std::string doing = "writing " + RegionText(region);
   Progress progress(environment, doing, CountOf(region));
   std::size_t done = 0;
-  for (const Region& piece : SplitIntoRequests(region)) {
+  for (const Region& piece : mdlDataTypesView::SplitRegion(region)) {
     if (environment.pacer.StopRequested()) {
       const std::string before = WrittenBefore(region, piece);
       return std::unexpected(InterruptedFailure(doing + " (" + (before.empty() ? kNothingWritten : before) + ")"));

@@ -1,12 +1,10 @@
 #include "apps/kvtele/Operands.h"
 
 #include <algorithm>
-#include <span>
 
 #include "base/Numbers.h"
 #include "base/Texts.h"
 #include "dataview/operands/OperandCatalogue.h"
-#include "link/LinkTexts.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::cli {
@@ -114,19 +112,6 @@ OrFailure<void> CheckFitsModel(const Region& region, std::string_view model) {
   const std::int32_t count = OperandCount(region.type, model);
   if (region.to < count) return {};
   return std::unexpected(PastTheEnd(region, count, std::string(model)));
-}
-
-std::vector<Region> SplitIntoRequests(const Region& region) {
-  const std::int32_t most = MaxOperandsPerRequest(region.type);
-  std::vector<Region> pieces;
-  for (std::int32_t from = region.from; from <= region.to; from += most) {
-    pieces.push_back({from, std::min(region.to, from + most - 1), region.type});
-  }
-  return pieces;
-}
-
-std::string RegionText(const Region& region) {
-  return RangeText(TypeName(region.type), region.from, region.to);
 }
 
 }  // namespace kv::cli

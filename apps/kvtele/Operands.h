@@ -4,10 +4,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "apps/kvtele/Failure.h"
-#include "dataview/operands/OperandTypes.h"
+#include "dataview/operands/Region.h"
 
 // What the command line knows of operands beyond the catalogue: how they are named there, and which of them there is a
 // reason to ask a controller for.
@@ -16,6 +15,7 @@ namespace kv::cli {
 using mdlDataTypesView::FormatCode;
 using mdlDataTypesView::OperandTypeCode;
 using mdlDataTypesView::Region;
+using mdlDataTypesView::RegionText;
 using mdlDataTypesView::SizeCode;
 
 // A size with a format, as --size and --format name them.
@@ -37,11 +37,5 @@ struct View {
 
 // Whether the model has all operands of the region, so that nothing is sent that the controller must refuse.
 [[nodiscard]] OrFailure<void> CheckFitsModel(const Region& region, std::string_view model);
-
-// The region in pieces that one request each can carry, in address order.
-[[nodiscard]] std::vector<Region> SplitIntoRequests(const Region& region);
-
-// "MI 0..59", "MI 5".
-[[nodiscard]] std::string RegionText(const Region& region);
 
 }  // namespace kv::cli

@@ -26,7 +26,7 @@ struct Value {
 using Values = std::map<Operand, Value>;
 
 std::string OperandText(const Operand& operand) {
-  return std::string(TypeName(operand.first)) + " " + std::to_string(operand.second);
+  return mdlDataTypesView::OperandText(operand.first, operand.second);
 }
 
 std::unexpected<Failure> Bad(const std::string& file, std::size_t line, const std::string& what) {

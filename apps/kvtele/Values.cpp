@@ -8,21 +8,12 @@
 #include "dataview/operands/TimerText.h"
 #include "dataview/operands/ValueEntry.h"
 #include "dataview/operands/ValueRange.h"
-#include "models/ModelCatalogue.h"
 
 namespace kv::cli {
 
 using namespace mdlDataTypesView;
 
 namespace {
-
-bool IsTime(OperandTypeCode type) {
-  return type == OperandTypeCode::TimerPreset || type == OperandTypeCode::TimerCurrent;
-}
-
-std::optional<std::int32_t> TimeOf(std::string_view model, std::string_view text) {
-  return IsCompactDriverModel(model) ? ParseCompactTimerText(text) : ParseTimerText(text);
-}
 
 // As the controller's value is shown: with 7 digits.
 std::optional<float> ShownFloat(std::string_view text) {
@@ -46,7 +37,7 @@ OrFailure<void> CheckValues(OperandTypeCode type, std::string_view model, std::s
 }
 
 bool IsSameValue(OperandTypeCode type, std::string_view model, std::string_view written, std::string_view readBack) {
-  if (IsTime(type)) return TimeOf(model, written) == TimeOf(model, readBack);
+  if (IsTimeType(type)) return ParseTime(written, model) == ParseTime(readBack, model);
   if (type == OperandTypeCode::MF) {
     const auto number = ShownFloat(written);
     return number && number == ShownFloat(readBack);

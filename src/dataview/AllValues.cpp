@@ -1,6 +1,5 @@
 #include "dataview/AllValues.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "base/ScopeGuard.h"
@@ -61,14 +60,11 @@ std::optional<std::vector<Region>> AllValues::ReadableRegions(Channel& channel) 
     mDesk.SayLinkError(osVersion.error());
     return std::nullopt;
   }
-  const bool isCurrent = IsOsCurrent(model, *osVersion);
   std::vector<Region> regions;
   for (std::int32_t code = 1; code <= kOperandTypeCount; ++code) {
     const auto type = static_cast<OperandTypeCode>(code);
     if (!IsReadableFrom(model, type)) continue;
-    const std::int32_t count = OperandCount(type, model);
-    const std::int32_t has = isCurrent ? count : std::min(count, LegacyOsOperandCount(type, model));
-    AppendPieces(regions, {.from = 0, .to = has - 1, .type = type});
+    AppendPieces(regions, {.from = 0, .to = OperandCountWithOs(type, model, *osVersion) - 1, .type = type});
   }
   return regions;
 }

@@ -11,10 +11,6 @@
 namespace kv::mdlDataTypesView {
 namespace {
 
-std::string NameOf(OperandTypeCode type, std::int32_t address) {
-  return std::string(TypeName(type)) + " " + std::to_string(address);
-}
-
 std::string Counted(std::size_t count, const std::string& what) {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
@@ -37,7 +33,7 @@ bool AreSameRegions(std::span<const RegionRow> one, std::span<const RegionRow> o
 // ---- the operand grid ----
 
 std::string GridEdits::EntryFault(OperandTypeCode type, std::int32_t address, std::string_view text) const {
-  const std::string name = NameOf(type, address);
+  const std::string name = OperandText(type, address);
   const OperandStore& store = mDesk.state.operands;
   if (!store.IsCell(type, address)) return "A " + store.Model() + " has no " + name + ".";
   if (!IsWritableType(type)) return name + " cannot be changed: only the controller sets operands of this type.";
@@ -52,7 +48,7 @@ void GridEdits::Enter(OperandTypeCode type, std::int32_t address, std::string_vi
   if (before.text == entry) return;
   mDesk.state.operands.Edit(type, address, entry);
   FinishCells(
-      {.title = "typing " + NameOf(type, address),
+      {.title = "typing " + OperandText(type, address),
        .cells = {
            {.type = type, .address = address, .before = before, .after = mDesk.state.operands.Shown(type, address)}}});
 }

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/Time.h"
-#include "dataview/operands/OperandTypes.h"
+#include "dataview/operands/Region.h"
 
 namespace kv::mdlDataTypesView {
 

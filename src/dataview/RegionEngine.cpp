@@ -26,14 +26,9 @@ std::string Regions(std::size_t count) {
   return std::to_string(count) + (count == 1 ? " region" : " regions");
 }
 
-std::string TextOf(const Region& region) {
-  return RangeText(TypeName(region.type), region.from, region.to);
-}
-
 // The check before a write, and the forms of times, which only fail while they are converted.
 bool IsWritableText(const Region& region, std::string_view model, const std::string& text) {
-  const bool isTime = region.type == OperandTypeCode::TimerPreset || region.type == OperandTypeCode::TimerCurrent;
-  return isTime ? IsLegalEntry(region.type, model, text) : IsValueInRange(region.type, text);
+  return IsTimeType(region.type) ? IsLegalEntry(region.type, model, text) : IsValueInRange(region.type, text);
 }
 
 }  // namespace
@@ -103,7 +98,7 @@ void RegionEngine::ReadRow(Channel& channel, std::size_t row, PassOutcome& outco
   const Region changed = mDesk.state.operands.SetRead(region, *texts, now);
   mDesk.state.regions.SetReadAt(row, now);
   mDesk.changes.AddOperands(changed.type, changed.from, changed.to);
-  if (changed.from <= changed.to || mDesk.state.regions.Rows()[row].isFromFile) mDesk.RefreshRow(row);
+  if (!changed.IsEmpty() || mDesk.state.regions.Rows()[row].isFromFile) mDesk.RefreshRow(row);
 }
 
 void RegionEngine::NoteReplaced(const Region& region, std::span<const std::string> texts) {
@@ -144,8 +139,8 @@ Region RegionEngine::EditedIn(const Region& region) const {
     return mDesk.state.operands.Origin(region.type, address) == CellOrigin::Edited;
   };
   Region edited = region;
-  while (edited.from <= edited.to && !isEdited(edited.from)) ++edited.from;
-  while (edited.from <= edited.to && !isEdited(edited.to)) --edited.to;
+  while (!edited.IsEmpty() && !isEdited(edited.from)) ++edited.from;
+  while (!edited.IsEmpty() && !isEdited(edited.to)) --edited.to;
   return edited;
 }
 
@@ -178,8 +173,7 @@ std::string RegionEngine::FirstFault(std::span<const Region> regions) const {
     const auto bad = std::ranges::find_if_not(
         texts, [&](const std::string& text) { return IsWritableText(region, mDesk.Model(), text); });
     if (bad == texts.end()) continue;
-    const std::string name =
-        std::string(TypeName(region.type)) + " " + std::to_string(region.from + (bad - texts.begin()));
+    const std::string name = OperandText(region.type, region.from + (bad - texts.begin()));
     const std::string takes = " (it takes " + std::string(LegalEntries(region.type, mDesk.Model())) + ")";
     return bad->empty() ? name + " has no value: read it, or enter one" : name + " cannot be \"" + *bad + "\"" + takes;
   }
@@ -216,7 +210,7 @@ void RegionEngine::SayWritten(const PassOutcome& outcome, std::span<const Region
   const std::size_t reached = outcome.done + outcome.readOnly;
   std::string text = outcome.done == 0
                          ? std::string("Nothing was written before that")
-                         : Regions(outcome.done) + " written before that, up to " + TextOf(regions[reached - 1]);
+                         : Regions(outcome.done) + " written before that, up to " + RegionText(regions[reached - 1]);
   text += "; " + Regions(regions.size() - reached) + " not.";
   if (outcome.error) return mDesk.SayLinkError(*outcome.error, text);
   mDesk.SayError("Stopped. " + text);

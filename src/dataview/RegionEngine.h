@@ -8,7 +8,7 @@
 
 #include "base/Time.h"
 #include "dataview/UndoHistory.h"
-#include "dataview/operands/OperandTypes.h"
+#include "dataview/operands/Region.h"
 #include "link/Channel.h"
 #include "link/LinkError.h"
 

@@ -10,15 +10,6 @@
 namespace kv::mdlDataTypesView {
 namespace {
 
-bool Contains(const Region& region, std::int32_t address) {
-  return address >= region.from && address <= region.to;
-}
-
-bool Overlap(const Region& one, const Region& other) {
-  return one.type == other.type &&
-         (Contains(other, one.from) || Contains(other, one.to) || Contains(one, other.from) || Contains(one, other.to));
-}
-
 // The operands of one selected row; from > to when it has none there.
 Region SelectedRegion(const GridSelection& selection, OperandTypeCode type, std::int32_t count) {
   return {.from = std::max(selection.left, 1) - 1, .to = std::min(selection.right - 1, count - 1), .type = type};
@@ -27,12 +18,6 @@ Region SelectedRegion(const GridSelection& selection, OperandTypeCode type, std:
 template <typename Code>
 bool IsOffered(std::span<const Code> offered, Code code) {
   return std::ranges::find(offered, code) != offered.end();
-}
-
-SizeCode OwnSize(OperandTypeCode type) {
-  if (IsBitType(type)) return SizeCode::Bit1;
-  constexpr std::int32_t kWordsPerRequest = 60;
-  return MaxOperandsPerRequest(type) >= kWordsPerRequest ? SizeCode::Bit16 : SizeCode::Bit32;
 }
 
 FormatCode UsualFormat(SizeCode size) {
@@ -44,17 +29,6 @@ FormatCode UsualFormat(SizeCode size) {
 RegionRow NewRegionRow(const Region& region) {
   const SizeCode size = OwnSize(region.type);
   return {.region = region, .description = {}, .size = size, .format = UsualFormat(size), .values = {}, .readAt = {}};
-}
-
-std::vector<Region> SplitRegion(const Region& region) {
-  std::vector<Region> pieces;
-  const std::int64_t most = MaxOperandsPerRequest(region.type);
-  if (most < 1) return pieces;
-  for (std::int64_t from = region.from; from <= region.to; from += most) {
-    const auto last = static_cast<std::int32_t>(std::min<std::int64_t>(from + most - 1, region.to));
-    pieces.push_back({.from = static_cast<std::int32_t>(from), .to = last, .type = region.type});
-  }
-  return pieces;
 }
 
 std::vector<Region> RegionTable::Regions() const {
@@ -78,11 +52,11 @@ RegionTable::AddResult RegionTable::AddSelection(const GridSelection& selection,
 }
 
 void RegionTable::AddType(const Region& region, const OperandStore& store, AddResult& result) {
-  if (region.to < region.from) return;
+  if (region.IsEmpty()) return;
   if (region.from == 0 && region.to == store.CountOf(region.type) - 1) {
     result.removed += std::erase_if(mRows, [&](const RegionRow& row) { return row.region.type == region.type; });
   }
-  if (std::ranges::any_of(mRows, [&](const RegionRow& row) { return Overlap(region, row.region); })) {
+  if (std::ranges::any_of(mRows, [&](const RegionRow& row) { return region.Overlaps(row.region); })) {
     result.overlap = true;
     return;
   }

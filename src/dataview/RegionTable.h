@@ -10,7 +10,7 @@
 
 #include "base/Time.h"
 #include "dataview/GridSelection.h"
-#include "dataview/operands/OperandTypes.h"
+#include "dataview/operands/Region.h"
 
 namespace kv::mdlDataTypesView {
 
@@ -39,9 +39,6 @@ inline constexpr std::int32_t kRegionColumnCount = 8;
 
 // A row as it is first added: the type's own width, decimal (bits: "1 BIT" and "BINARY").
 [[nodiscard]] RegionRow NewRegionRow(const Region& region);
-
-// The region cut into consecutive ones of at most MaxOperandsPerRequest operands.
-[[nodiscard]] std::vector<Region> SplitRegion(const Region& region);
 
 // The regions that the user has defined, in the order of the table. Regions of one type never overlap, hold no more
 // operands than one request, and end within the model's operands.

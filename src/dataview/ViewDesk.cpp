@@ -48,7 +48,7 @@ void CellSpans::Add(OperandTypeCode type, std::int32_t from, std::int32_t to) {
 
 bool CellSpans::Touches(const Region& region) const {
   const Span& span = mSpans[IndexOf(region.type)];
-  return span.from <= span.to && span.from <= region.to && span.to >= region.from;
+  return Region{span.from, span.to, region.type}.Overlaps(region);
 }
 
 void CellSpans::AddTo(GridChanges& changes) const {
@@ -71,7 +71,7 @@ std::string ViewDesk::CurrentLink() const {
 
 bool ViewDesk::IsReadOnline(OperandTypeCode type, std::int32_t address) const {
   return status.mode == ViewMode::Online && std::ranges::any_of(state.regions.Rows(), [&](const RegionRow& row) {
-           return row.region.type == type && address >= row.region.from && address <= row.region.to;
+           return row.region.Contains(type, address);
          });
 }
 

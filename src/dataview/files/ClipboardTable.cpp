@@ -170,8 +170,7 @@ std::expected<std::vector<CellAssignment>, PasteFault> PlacePaste(const Clipboar
       if (store.IsCell(type, address)) {
         assignments.push_back({type, address, text});
       } else if (!text.empty()) {
-        return Fault(kNotEnoughCells,
-                     "the model has no " + std::string(TypeName(type)) + " " + std::to_string(address));
+        return Fault(kNotEnoughCells, "the model has no " + OperandText(type, address));
       }
     }
   }

@@ -246,33 +246,25 @@ std::expected<Lines, GridFault> Open(std::string_view bytes, std::string_view fo
   return lines;
 }
 
-// Which operands a region takes already.
-class TakenOperands {
+// Takes the regions of a file that the model has and that overlap with none before.
+class RegionsOfModel {
  public:
-  explicit TakenOperands(std::string_view model) : mModel(model) {}
+  explicit RegionsOfModel(std::string_view model) : mModel(model) {}
 
-  // Takes the operands of the region; false when it is none of this model, or overlaps.
   bool Take(const Region& region) {
-    mTookLast = CanTake(region);
+    mTookLast = IsOfModel(region) && mTaken.Add(region);
     return mTookLast;
   }
   [[nodiscard]] bool TookLast() const { return mTookLast; }
 
  private:
-  bool CanTake(const Region& region) {
-    if (OperandCount(region.type, mModel) == 0 || region.from < 0 || region.Count() < 1) return false;
-    if (IsPastOperandCount(region, mModel) || region.Count() > MaxOperandsPerRequest(region.type)) return false;
-    std::vector<bool>& taken = mTaken[static_cast<std::size_t>(region.type) - 1];
-    taken.resize(static_cast<std::size_t>(OperandCount(region.type, mModel)) + 1);  // one address too many passes
-    const auto first = taken.begin() + region.from;
-    const auto last = taken.begin() + region.to + 1;
-    if (std::find(first, last, true) != last) return false;
-    std::fill(first, last, true);
-    return true;
+  [[nodiscard]] bool IsOfModel(const Region& region) const {
+    return OperandCount(region.type, mModel) > 0 && region.from >= 0 && FitsOneRequest(region) &&
+           !IsPastOperandCount(region, mModel);
   }
 
   std::string_view mModel;
-  std::array<std::vector<bool>, kOperandTypeCount> mTaken;
+  DisjointRegions mTaken;
   bool mTookLast = false;
 };
 
@@ -292,7 +284,7 @@ std::optional<RegionRow> ParseRegion(std::string_view text) {
   return row;
 }
 
-std::expected<void, GridFault> TakeRegionsLine(const Lines& lines, TakenOperands& taken, RegionsGrid& grid) {
+std::expected<void, GridFault> TakeRegionsLine(const Lines& lines, RegionsOfModel& taken, RegionsGrid& grid) {
   if (lines.Word() == kWidths) {
     auto widths = AllNumbers(lines.Text(), kRegionColumnCount);
     const auto isWidth = [](std::int32_t width) { return width >= 0 && width <= kWidestColumn; };
@@ -385,7 +377,7 @@ std::expected<RegionsGrid, GridFault> ParseRegionsGrid(std::string_view bytes, s
   auto owner = TakeOwner(*lines);
   if (!owner) return std::unexpected(owner.error());
   RegionsGrid grid{.owner = *std::move(owner), .rows = {}, .columnWidths = {}, .leftOut = 0};
-  TakenOperands taken(model);
+  RegionsOfModel taken(model);
   while (lines->Next()) {
     if (const auto line = TakeRegionsLine(*lines, taken, grid); !line) return std::unexpected(line.error());
   }

@@ -151,7 +151,7 @@ class ValuesParser {
     if (!type) return fault("there is no operand type \"" + record.fields[0] + "\"");
     const auto address = ParseInteger(record.fields[1]);
     if (!address) return fault("\"" + record.fields[1] + "\" is no operand address");
-    const std::string operand = std::string(TypeName(*type)) + " " + std::to_string(*address);
+    const std::string operand = OperandText(*type, *address);
     if (record.fields[2].empty()) return fault(operand + " has no value");
     const auto [before, isNew] = mLines.try_emplace({*type, *address}, record.line);
     if (!isNew) return fault(operand + " is in line " + std::to_string(before->second) + " too");

@@ -9,7 +9,6 @@
 #include "base/AnsiText.h"
 #include "base/Numbers.h"
 #include "dataview/operands/OperandCatalogue.h"
-#include "link/LinkTexts.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::mdlDataTypesView {
@@ -128,10 +127,10 @@ std::string WhyInvalid(const Region& region, std::string_view model) {
   if (name.empty()) return "there is no operand type " + std::to_string(static_cast<std::int32_t>(region.type));
   if (OperandCount(region.type, model) == 0) return std::string(model) + " has no " + name + " operands";
   if (region.from < 0 || region.to < region.from) {
-    return RangeText(name, region.from, region.to) + " is no range of addresses";
+    return RegionText(region) + " is no range of addresses";
   }
   if (!IsPastOperandCount(region, model)) return {};
-  return RangeText(name, region.from, region.to) + " ends behind the last " + name + " of " + std::string(model);
+  return RegionText(region) + " ends behind the last " + name + " of " + std::string(model);
 }
 
 // The index of a row that begins within one before it in the order of addresses; none when no two overlap.
@@ -140,9 +139,7 @@ std::optional<std::size_t> FindOverlap(const Rows& rows) {
   for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
   std::ranges::sort(order, {}, [&rows](std::size_t i) { return std::pair(rows[i].region.type, rows[i].region.from); });
   const auto overlap = std::ranges::adjacent_find(order, [&rows](std::size_t first, std::size_t second) {
-    const Region& a = rows[first].region;
-    const Region& b = rows[second].region;
-    return a.type == b.type && b.from <= a.to;
+    return rows[first].region.Overlaps(rows[second].region);
   });
   return overlap == order.end() ? std::nullopt : std::optional(*std::next(overlap));
 }
@@ -160,7 +157,7 @@ std::expected<void, RegionFileFault> CheckRegions(const Rows& rows, std::string_
 
 // Rows that are too long for a request leave their places, and their pieces follow the others.
 Rows Resplit(Rows rows) {
-  const auto isLong = [](const RegionRow& row) { return row.region.Count() > MaxOperandsPerRequest(row.region.type); };
+  const auto isLong = [](const RegionRow& row) { return !FitsOneRequest(row.region); };
   Rows fitting;
   std::ranges::remove_copy_if(rows, std::back_inserter(fitting), isLong);
   for (RegionRow& row : rows) {

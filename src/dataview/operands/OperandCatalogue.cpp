@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::int32_t kRequestHexChars = 240;
 constexpr std::int32_t kBitHexChars = 2;
+constexpr std::int32_t kWordHexChars = 4;
 
 using enum SizeCode;
 using enum FormatCode;
@@ -104,6 +105,17 @@ bool IsBitType(OperandTypeCode type) {
 bool IsWritableType(OperandTypeCode type) {
   const TypeFacts* facts = FactsOf(type);
   return facts != nullptr && !std::holds_alternative<std::monostate>(facts->write);
+}
+
+bool IsTimeType(OperandTypeCode type) {
+  const TypeFacts* facts = FactsOf(type);
+  return facts != nullptr && facts->raw == RawKind::Time;
+}
+
+SizeCode OwnSize(OperandTypeCode type) {
+  if (IsBitType(type)) return Bit1;
+  const TypeFacts* facts = FactsOf(type);
+  return facts != nullptr && facts->hexChars == kWordHexChars ? Bit16 : Bit32;
 }
 
 std::span<const SizeCode> SizesOffered(OperandTypeCode type) {

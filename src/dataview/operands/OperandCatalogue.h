@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "dataview/operands/OperandTypes.h"
+#include "dataview/operands/Region.h"
 
 // Everything about the operands that depends on their type: names, sizes and formats offered, limits by model, what
 // may be written. Pure functions over the type codes and the model's text.
@@ -27,8 +27,14 @@ namespace kv::mdlDataTypesView {
 // MB, SB, INPUT, OUTPUT and XB. The bits of timers and counters are none: they share a request with numbers.
 [[nodiscard]] bool IsBitType(OperandTypeCode type);
 
+// The presets and current values of timers: their raw value texts are times (TimerText.h).
+[[nodiscard]] bool IsTimeType(OperandTypeCode type);
+
 // Whether the program of the view may change operands of the type.
 [[nodiscard]] bool IsWritableType(OperandTypeCode type);
+
+// The size that shows each operand of the type as one number.
+[[nodiscard]] SizeCode OwnSize(OperandTypeCode type);
 
 // What the user may choose for a row, in the order of the lists; none for a code that is none.
 [[nodiscard]] std::span<const SizeCode> SizesOffered(OperandTypeCode type);
@@ -51,7 +57,8 @@ namespace kv::mdlDataTypesView {
 // users' region files rely on it, and the controller refuses what it does not have.
 [[nodiscard]] bool IsPastOperandCount(const Region& region, std::string_view model);
 
-// The most operands that one request carries: 240 hexadecimal characters' worth, so 120, 60 or 30. 0 for no type.
+// The most operands that one request carries, and so a region holds: 240 hexadecimal characters' worth, so 120, 60
+// or 30. 0 for no type.
 [[nodiscard]] std::int32_t MaxOperandsPerRequest(OperandTypeCode type);
 
 // The type code of the driver's list read; 0 for DBI, which it does not know. Timers share one code, counters another.

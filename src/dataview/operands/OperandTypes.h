@@ -38,14 +38,4 @@ enum class SizeCode : std::int32_t { Bit1 = 0, Bit8 = 1, Bit16 = 2, Bit32 = 4 };
 // How each piece is written.
 enum class FormatCode : std::int32_t { None = 0, Ascii = 1, Binary, Unsigned, Hex, Decimal, Float };
 
-// Operands of one type, `from` to `to`, both inclusive. One region is one request to the controller.
-struct Region {
-  std::int32_t from = 0;
-  std::int32_t to = 0;
-  OperandTypeCode type = OperandTypeCode::MB;
-
-  [[nodiscard]] constexpr std::int64_t Count() const { return std::int64_t{to} - from + 1; }
-  bool operator==(const Region&) const = default;
-};
-
 }  // namespace kv::mdlDataTypesView

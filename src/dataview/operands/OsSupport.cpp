@@ -35,6 +35,10 @@ bool IsOsCurrent(std::string_view model, std::string_view osVersion) {
   return ParsePlainOsVersion(osVersion).value_or(0) >= kFirstCurrentPlainOs;
 }
 
+std::int32_t OperandCountWithOs(OperandTypeCode type, std::string_view model, std::string_view osVersion) {
+  return IsOsCurrent(model, osVersion) ? OperandCount(type, model) : LegacyOsOperandCount(type, model);
+}
+
 bool AreRegionsSupported(std::string_view model, std::string_view osVersion, std::span<const Region> regions) {
   return IsOsCurrent(model, osVersion) || std::ranges::all_of(regions, [model](const Region& region) {
            return region.to <= LegacyOsOperandCount(region.type, model);

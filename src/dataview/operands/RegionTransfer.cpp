@@ -13,7 +13,6 @@
 #include "dataview/operands/ValueRange.h"
 #include "dataview/operands/mdlFloatHandling.h"
 #include "link/ControllerErrorText.h"
-#include "link/LinkTexts.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::mdlDataTypesView {
@@ -26,8 +25,7 @@ using WriteResult = std::expected<void, LinkError>;
 constexpr std::size_t kNumbersOfTimerOrCounter = 3;
 
 std::string Doing(std::string_view verb, const Region& region) {
-  const std::string_view name = TypeName(region.type);
-  return std::string(verb) + " " + RangeText(name.empty() ? "operands" : name, region.from, region.to);
+  return std::string(verb) + " " + RegionText(region);
 }
 
 LinkError NoSuchRegion(std::string_view verb, const Region& region) {
@@ -67,8 +65,9 @@ LinkError WrongReply(const Region& region) {
 LinkError BadText(const Region& region, std::size_t index, const std::string& text) {
   return {.code = LinkErrorCode::BadArgument,
           .doing = Doing("writing", region),
-          .happened = "\"" + text + "\" is no value for " + std::string(TypeName(region.type)) + " " +
-                      std::to_string(region.from + static_cast<std::int64_t>(index)) + "; nothing was written",
+          .happened = "\"" + text + "\" is no value for " +
+                      OperandText(region.type, region.from + static_cast<std::int64_t>(index)) +
+                      "; nothing was written",
           .cause = "the text is not of the form that this type takes, or out of its range",
           .cure = "correct the value and write again"};
 }
@@ -84,8 +83,7 @@ LinkError WrongNumberOfTexts(const Region& region, std::size_t count) {
 
 bool IsRequest(const Region& region) {
   constexpr std::int32_t kLastAddress = std::numeric_limits<std::int16_t>::max();
-  return region.from >= 0 && region.to <= kLastAddress && region.Count() >= 1 &&
-         region.Count() <= MaxOperandsPerRequest(region.type);
+  return region.from >= 0 && region.to <= kLastAddress && FitsOneRequest(region);
 }
 
 // What a channel operation needs besides its values. The region has been found to be a request.
@@ -200,9 +198,8 @@ struct WriteWith {
   }
 
   [[nodiscard]] std::optional<FixedPoint> UnsignedOf(const std::string& text) const {
-    if (request.facts.raw != RawKind::Time) return WholeOf(text).transform(FixedPoint::FromInteger);
-    const auto hundredths = IsCompactDriverModel(request.model) ? ParseCompactTimerText(text) : ParseTimerText(text);
-    return hundredths.transform([](std::int32_t time) { return FixedPoint::FromInteger(time); });
+    if (!IsTimeType(request.region.type)) return WholeOf(text).transform(FixedPoint::FromInteger);
+    return ParseTime(text, request.model).transform([](std::int32_t time) { return FixedPoint::FromInteger(time); });
   }
 
   // The range of the type is that of `Integer`, so the cast keeps every value.

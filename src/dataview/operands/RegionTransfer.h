@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "dataview/operands/OperandTypes.h"
+#include "dataview/operands/Region.h"
 #include "link/Channel.h"
 #include "link/LinkError.h"
 

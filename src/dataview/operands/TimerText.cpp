@@ -5,13 +5,13 @@
 
 #include "base/Texts.h"
 #include "dataview/operands/NumberText.h"
+#include "models/ModelCatalogue.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
 
 // Hundredths in an hour, a minute, a second and a hundredth: the order of the numbers in a time text.
 constexpr std::array<std::int32_t, 4> kUnits = {360000, 6000, 100, 1};
-constexpr std::int32_t kMillisecondsPerHundredth = 10;
 
 std::optional<std::int32_t> AsTime(std::int64_t hundredths) {
   if (hundredths < 0 || hundredths > kLongestTime) return std::nullopt;
@@ -69,6 +69,10 @@ std::optional<std::int32_t> ParseCompactTimerText(std::string_view text) {
   const auto milliseconds = ParseWholeNumber(text);
   if (!milliseconds || *milliseconds % kMillisecondsPerHundredth != 0) return std::nullopt;
   return AsTime(*milliseconds / kMillisecondsPerHundredth);
+}
+
+std::optional<std::int32_t> ParseTime(std::string_view text, std::string_view model) {
+  return IsCompactDriverModel(model) ? ParseCompactTimerText(text) : ParseTimerText(text);
 }
 
 }  // namespace kv::mdlDataTypesView

@@ -9,6 +9,7 @@
 namespace kv::mdlDataTypesView {
 
 inline constexpr std::int32_t kLongestTime = 35999999;  // 99:59:59.99
+inline constexpr std::int32_t kMillisecondsPerHundredth = 10;
 
 // hh:mm:ss.cc, the count clamped to 0..kLongestTime.
 [[nodiscard]] std::string TimerText(std::int64_t hundredths);
@@ -25,5 +26,8 @@ inline constexpr std::int32_t kLongestTime = 35999999;  // 99:59:59.99
 // The time that a compact timer's text means: whole milliseconds, a multiple of 10, or with ":" in it a time
 // text as above. In hundredths of a second, up to kLongestTime; nothing for any other text.
 [[nodiscard]] std::optional<std::int32_t> ParseCompactTimerText(std::string_view text);
+
+// The time that a text for a timer of the model means, by the one or the other form.
+[[nodiscard]] std::optional<std::int32_t> ParseTime(std::string_view text, std::string_view model);
 
 }  // namespace kv::mdlDataTypesView

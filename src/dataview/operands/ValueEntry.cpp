@@ -12,15 +12,13 @@ namespace kv::mdlDataTypesView {
 namespace {
 
 constexpr std::int64_t kLargestCounter = 65535;
-constexpr std::int64_t kMillisecondsPerHundredth = 10;
-
-bool IsWrittenAsTime(OperandTypeCode type) {
-  return type == OperandTypeCode::TimerPreset || type == OperandTypeCode::TimerCurrent;
-}
 
 bool IsLegalTime(std::string_view model, std::string_view text) {
-  if (IsCompactDriverModel(model)) return ParseCompactTimerText(text).has_value();
-  return ParseTimerText(text).has_value() || (model.empty() && ParseCompactTimerText(text).has_value());
+  return ParseTime(text, model) || (model.empty() && ParseCompactTimerText(text));
+}
+
+bool IsCounter(OperandTypeCode type) {
+  return type == OperandTypeCode::CounterPreset || type == OperandTypeCode::CounterCurrent;
 }
 
 // The range check before a write lets any 32-bit number through to a counter.
@@ -59,26 +57,16 @@ std::string_view LegalEntries(OperandTypeCode type, std::string_view model) {
 }
 
 bool IsLegalEntry(OperandTypeCode type, std::string_view model, std::string_view text) {
-  switch (type) {
-    case OperandTypeCode::TimerPreset:
-    case OperandTypeCode::TimerCurrent:
-      return IsLegalTime(model, text);
-    case OperandTypeCode::CounterPreset:
-    case OperandTypeCode::CounterCurrent:
-      return IsLegalCounter(text);
-    default:
-      return IsWritableType(type) && IsValueInRange(type, text);
-  }
+  if (!IsWritableType(type)) return false;
+  if (IsTimeType(type)) return IsLegalTime(model, text);
+  return IsCounter(type) ? IsLegalCounter(text) : IsValueInRange(type, text);
 }
 
 std::string EntryText(OperandTypeCode type, std::string_view model, std::string_view text) {
-  if (!IsWrittenAsTime(type)) return std::string(text);
-  if (IsCompactDriverModel(model)) {
-    const auto time = ParseCompactTimerText(text);
-    return time ? std::to_string(std::int64_t{*time} * kMillisecondsPerHundredth) : std::string(text);
-  }
-  const auto time = ParseTimerText(text);
-  return time ? TimerText(*time) : std::string(text);
+  const auto time = IsTimeType(type) ? ParseTime(text, model) : std::nullopt;
+  if (!time) return std::string(text);
+  if (!IsCompactDriverModel(model)) return TimerText(*time);
+  return std::to_string(std::int64_t{*time} * kMillisecondsPerHundredth);
 }
 
 bool IsLegalTransfer(OperandTypeCode type, std::string_view model, std::string_view text) {
@@ -86,7 +74,7 @@ bool IsLegalTransfer(OperandTypeCode type, std::string_view model, std::string_v
 }
 
 std::string DaysFault(OperandTypeCode type, std::string_view model, std::string_view text) {
-  const auto number = IsWrittenAsTime(type) && !IsCompactDriverModel(model) ? ParseSingle(text) : std::nullopt;
+  const auto number = IsTimeType(type) && !IsCompactDriverModel(model) ? ParseSingle(text) : std::nullopt;
   if (!number || *number == 0.0F) return {};
   return "\"" + std::string(text) +
          "\" may be a number of days, which office programs make of times; a time as a text was expected, such as "
