@@ -5,6 +5,7 @@
 
 #include "KvCmDrv1/LinkSettings.h"
 #include "base/Numbers.h"
+#include "base/PathText.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::cli {
@@ -64,6 +65,10 @@ void DeclareLinkOptions(CLI::App& app, CommonOptions& options) {
 }
 
 }  // namespace
+
+ProgramPaths CommonOptions::Paths(const std::filesystem::path& programFolder) const {
+  return ProgramPaths(home.empty() ? programFolder : PathFromUtf8(home));
+}
 
 void DeclareCommonOptions(CLI::App& app, CommonOptions& options) {
   app.add_option("--home", options.home, "Folder that holds Sessions. Default: the program's own")->type_name("DIR");

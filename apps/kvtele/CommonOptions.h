@@ -2,8 +2,11 @@
 
 #include <CLI/App.hpp>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
+
+#include "base/ProgramPaths.h"
 
 namespace kv::cli {
 
@@ -23,6 +26,9 @@ struct CommonOptions {
   bool json = false;
   std::string trace;  // file that every frame is written to; empty: none
   bool yes = false;   // questions are answered with yes
+
+  // Below the folder that --home names, else below the program's own.
+  [[nodiscard]] ProgramPaths Paths(const std::filesystem::path& programFolder) const;
 };
 
 // Tells the parser these options; `options` must outlive the parsing. Everything that can be judged without a

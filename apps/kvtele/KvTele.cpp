@@ -52,10 +52,11 @@ class CommandLine {
     mApp.footer(kExitCodes);
     SetHelp(mApp, kProgramExamples);
     DeclareCommonOptions(mApp, mCommon);
-    for (const auto& verb : mVerbs) {
-      CLI::App* sub = mApp.add_subcommand(verb->Name(), verb->Summary())->fallthrough()->group("Verbs");
-      verb->Declare(*sub);
-      SetHelp(*sub, verb->Examples());
+    for (const auto& makeVerb : kVerbMakers) {
+      Verb& verb = *mVerbs.emplace_back(makeVerb());
+      CLI::App* sub = mApp.add_subcommand(verb.Name(), verb.Summary())->fallthrough()->group("Verbs");
+      verb.Declare(*sub);
+      SetHelp(*sub, verb.Examples());
     }
   }
 
@@ -88,7 +89,7 @@ class CommandLine {
   }
 
   CommonOptions mCommon;
-  std::vector<std::unique_ptr<Verb>> mVerbs = MakeVerbs();
+  std::vector<std::unique_ptr<Verb>> mVerbs;
   CLI::App mApp{"Reads and writes Korvantis controllers from the command line.", "kvtele"};
 };
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "apps/kvtele/Environment.h"
-#include "apps/kvtele/ExitCode.h"
+#include "apps/kvtele/Failure.h"
 
 namespace kv::cli {
 

@@ -5,7 +5,6 @@
 
 #include "KvCmDrv1/LinkText.h"
 #include "KvCmDrv1/SettingsFile.h"
-#include "apps/kvtele/ProgramFolder.h"
 #include "apps/support/SimulatedControllers.h"
 #include "base/PathText.h"
 #include "models/ModelCatalogue.h"
@@ -30,7 +29,7 @@ Chosen FindSession(const Environment& environment, const CommonOptions& common) 
   if (const std::string fault = SessionNameFault(common.session); !fault.empty())
     return std::unexpected(UsageFailure(fault));
   LinkChoice choice;
-  choice.sessionFolder = PathsOf(environment, common).Session(common.session);
+  choice.sessionFolder = common.Paths(environment.home).Session(common.session);
   const bool isNeeded = common.link.empty() || common.isSessionNamed;
   std::error_code ignored;
   if (isNeeded && !std::filesystem::is_directory(choice.sessionFolder, ignored)) {
@@ -41,7 +40,7 @@ Chosen FindSession(const Environment& environment, const CommonOptions& common) 
 
 // As in the window: a session without link settings has a simulated controller of its model.
 LinkSettings DefaultsOf(const Environment& environment, const CommonOptions& common) {
-  SharedState shared(PathsOf(environment, common));
+  SharedState shared(common.Paths(environment.home));
   shared.CurrentSession = common.session;
   const std::string model = ModelOfIdentification(LastModel(shared));
   LinkSettings defaults;

@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "apps/kvtele/LinkChoice.h"
-#include "apps/kvtele/Progress.h"
+#include "apps/kvtele/TerminalProgress.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/OsSupport.h"
 #include "dataview/operands/RegionTransfer.h"
@@ -117,7 +117,7 @@ OrFailure<std::vector<std::string>> ReadOperands(Environment& environment, Conne
                                          "use --model Q50 or --model Q50Net if the controller is one of these"));
   }
   const std::vector<Region> pieces = mdlDataTypesView::SplitRegion(region);
-  Progress progress(environment, doing, CountOf(region));
+  TerminalProgress progress(environment, doing, CountOf(region));
   std::vector<std::string> texts;
   for (const Region& piece : pieces) {
     if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure(doing));
@@ -135,7 +135,7 @@ OrFailure<std::vector<std::string>> ReadOperands(Environment& environment, Conne
 OrFailure<void> WriteOperands(Environment& environment, ConnectedController& controller, const Region& region,
                               std::span<const std::string> texts) {
   const std::string doing = "writing " + RegionText(region);
-  Progress progress(environment, doing, CountOf(region));
+  TerminalProgress progress(environment, doing, CountOf(region));
   std::size_t done = 0;
   for (const Region& piece : mdlDataTypesView::SplitRegion(region)) {
     if (environment.pacer.StopRequested()) {

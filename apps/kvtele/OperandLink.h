@@ -9,7 +9,7 @@
 
 #include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
-#include "apps/kvtele/Operands.h"
+#include "apps/kvtele/OperandArguments.h"
 
 // Operands of a connected controller, as many as one likes: a request carries up to MaxOperandsPerRequest.
 namespace kv::cli {

@@ -1,7 +1,7 @@
 #include "apps/kvtele/ReadBack.h"
 
+#include "apps/kvtele/OperandArguments.h"
 #include "apps/kvtele/OperandLink.h"
-#include "apps/kvtele/Values.h"
 
 namespace kv::cli {
 

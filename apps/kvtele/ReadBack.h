@@ -6,7 +6,7 @@
 
 #include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
-#include "apps/kvtele/Operands.h"
+#include "apps/kvtele/OperandArguments.h"
 
 namespace kv::cli {
 

@@ -3,7 +3,7 @@
 #include <map>
 #include <utility>
 
-#include "apps/kvtele/Values.h"
+#include "apps/kvtele/OperandArguments.h"
 #include "dataview/files/OperandCsv.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/ValueEntry.h"

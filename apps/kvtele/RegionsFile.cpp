@@ -1,6 +1,6 @@
 #include "apps/kvtele/RegionsFile.h"
 
-#include "apps/kvtele/Operands.h"
+#include "apps/kvtele/OperandArguments.h"
 #include "base/AtomicFile.h"
 #include "base/PathText.h"
 #include "dataview/files/RegionFile.h"

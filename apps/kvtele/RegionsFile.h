@@ -9,7 +9,7 @@
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
-#include "apps/kvtele/Operands.h"
+#include "apps/kvtele/OperandArguments.h"
 #include "dataview/RegionTable.h"
 
 // The region file that a command works with.

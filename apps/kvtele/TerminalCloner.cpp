@@ -43,4 +43,11 @@ std::optional<std::string> TerminalCloner::Ask(const InputBox& box) {
   return mPrompts.Ask(box);
 }
 
+WatchedWork::WatchedWork(Environment& environment) : mLine(environment), mProgress(environment.pacer) {
+  mWork.isStopped = [&pacer = environment.pacer] { return pacer.StopRequested(); };
+  mWork.onProgress = [this](std::string_view stage, std::uint64_t done, std::uint64_t total) {
+    mLine.Show(mProgress.Text(stage, done, total));
+  };
+}
+
 }  // namespace kv::cli

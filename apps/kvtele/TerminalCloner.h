@@ -4,9 +4,11 @@
 
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
-#include "apps/kvtele/TerminalLine.h"
+#include "apps/kvtele/TerminalProgress.h"
+#include "clone/CloneOutcome.h"
 #include "clone/DumpProgress.h"
 #include "clone/DumpWindow.h"
+#include "clone/WorkProgress.h"
 #include "desktop/console/ConsolePrompts.h"
 
 namespace kv::cli {
@@ -38,6 +40,21 @@ class TerminalCloner final : public DumpWindow, public Prompts {
   TerminalLine mLine;
   DumpProgress mProgress;
   Instant mNextLine{};
+};
+
+// Work of the cloner without a window: Ctrl-C ends it, and the terminal shows how far it is.
+class WatchedWork {
+ public:
+  explicit WatchedWork(Environment& environment);
+  WatchedWork(const WatchedWork&) = delete;
+  WatchedWork& operator=(const WatchedWork&) = delete;
+
+  [[nodiscard]] const CloneWork& Work() const { return mWork; }
+
+ private:
+  TerminalLine mLine;
+  WorkProgress mProgress;
+  CloneWork mWork;
 };
 
 }  // namespace kv::cli

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <CLI/App.hpp>
+#include <array>
 #include <memory>
-#include <string_view>
-#include <vector>
 
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
@@ -27,7 +26,22 @@ class Verb {
   [[nodiscard]] virtual VerbResult Run(Environment& environment, const CommonOptions& common) = 0;
 };
 
-// All commands, in the order in which --help lists them.
-[[nodiscard]] std::vector<std::unique_ptr<Verb>> MakeVerbs();
+// Each stands in the file of its name.
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbIdentify();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbOnline();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbRead();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbWrite();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbRegions();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbWatch();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbClone();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbRun();   // in VerbRunStop.cpp
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbStop();  // in VerbRunStop.cpp
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbSessions();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbPorts();
+
+// All of them, in the order in which --help lists them.
+inline constexpr std::array kVerbMakers = {MakeVerbIdentify, MakeVerbOnline,   MakeVerbRead,  MakeVerbWrite,
+                                           MakeVerbRegions,  MakeVerbWatch,    MakeVerbClone, MakeVerbRun,
+                                           MakeVerbStop,     MakeVerbSessions, MakeVerbPorts};
 
 }  // namespace kv::cli

@@ -1,15 +1,79 @@
-#include "apps/kvtele/VerbClone.h"
-
 #include <CLI/Option.hpp>
 #include <CLI/Validators.hpp>
 #include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
 
-#include "apps/kvtele/CloneQuestions.h"
-#include "apps/kvtele/CloneReports.h"
-#include "apps/kvtele/CloneRestore.h"
+#include "apps/kvtele/CloneActions.h"
+#include "apps/kvtele/ConsentFlag.h"
+#include "apps/kvtele/Verb.h"
 #include "base/PathText.h"
 
 namespace kv::cli {
+
+namespace {
+
+// Makes clone files, restores them, and looks into them: what the cloner window does, and what a user asks for before
+// a backup is trusted.
+class VerbClone : public Verb {
+ public:
+  [[nodiscard]] const char* Name() const override { return "clone"; }
+  [[nodiscard]] const char* Summary() const override { return "Copy a controller into a file, and back; compare both"; }
+  [[nodiscard]] const char* Examples() const override;
+  void Declare(CLI::App& app) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
+
+ private:
+  [[nodiscard]] OrFailure<void> CheckArguments() const;
+  [[nodiscard]] VerbResult Transfer(Environment& environment, const CommonOptions& common,
+                                    const std::filesystem::path& file) const;
+
+  std::string mAction;
+  std::vector<std::string> mFiles;  // UTF-8 paths
+  std::string mSegments;
+  std::string mComment;
+  std::string mBackup;  // UTF-8 path; empty: none
+  bool mReplace = false;
+  bool mStop = false;
+  bool mNoStop = false;
+  bool mForce = false;
+  bool mVerify = false;
+  bool mEraseEmpty = false;
+  bool mUnitFromController = false;
+};
+
+// "OP,AP": the texts between the commas.
+std::vector<std::string> SplitCodes(const std::string& codes) {
+  std::vector<std::string> split;
+  for (std::size_t at = 0; !codes.empty() && at <= codes.size();) {
+    const std::size_t end = std::min(codes.find(',', at), codes.size());
+    split.push_back(codes.substr(at, end - at));
+    at = end + 1;
+  }
+  return split;
+}
+
+// The optional segments that a clone takes; no codes: all.
+OrFailure<SegmentBoxes> ParseSegments(const std::string& codes) {
+  if (codes.empty()) return SegmentBoxes();
+  SegmentBoxes boxes{.op = false, .dt = false, .ap = false, .os = false};
+  for (const std::string& code : SplitCodes(codes)) {
+    if (code == "OP")
+      boxes.op = true;
+    else if (code == "DT")
+      boxes.dt = true;
+    else if (code == "AP")
+      boxes.ap = true;
+    else if (code == "OS")
+      boxes.os = true;
+    else if (code != "HW" && code != "FT" && code != "MM") {
+      return std::unexpected(UsageFailure("there is no segment \"" + code + "\"",
+                                          "name some of OP,DT,AP,OS with commas between; HW,FT,MM are always taken"));
+    }
+  }
+  return boxes;
+}
 
 const char* VerbClone::Examples() const {
   return "  kvtele --link sim:K220-22-R1 --password 1 clone create plc.kdf --stop   a simulated one takes any "
@@ -97,6 +161,12 @@ VerbResult VerbClone::Transfer(Environment& environment, const CommonOptions& co
                        .backupOrder = create};
   if (!mBackup.empty()) restore.backup = PathFromUtf8(mBackup);
   return RestoreClone(environment, common, file, restore);
+}
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeVerbClone() {
+  return std::make_unique<VerbClone>();
 }
 
 }  // namespace kv::cli

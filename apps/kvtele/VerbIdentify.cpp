@@ -1,16 +1,25 @@
-#include "apps/kvtele/VerbIdentify.h"
-
 #include <array>
 
 #include "KvTele2/ControllerFacts.h"
 #include "apps/kvtele/ConnectedController.h"
-#include "apps/kvtele/DocumentText.h"
+#include "apps/kvtele/Verb.h"
+#include "apps/kvtele/VerbOutput.h"
 #include "base/AnsiText.h"
 #include "link/OsVersion.h"
 
 namespace kv::cli {
 
 namespace {
+
+// Reaches the controller and tells who it is.
+class VerbIdentify : public Verb {
+ public:
+  [[nodiscard]] const char* Name() const override { return "identify"; }
+  [[nodiscard]] const char* Summary() const override { return "Tell which controller answers, and what it runs"; }
+  [[nodiscard]] const char* Examples() const override;
+  void Declare(CLI::App&) override {}
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
+};
 
 constexpr char kBootLoader = 'B';
 
@@ -46,8 +55,6 @@ constexpr std::array kLines = {
 };
 // clang-format on
 
-}  // namespace
-
 const char* VerbIdentify::Examples() const {
   return "  kvtele --link sim:K670 identify                a simulated controller with a colour screen\n"
          "  kvtele --link tcp:192.168.1.20 identify        over the network, port 20300\n"
@@ -63,6 +70,12 @@ VerbResult VerbIdentify::Run(Environment& environment, const CommonOptions& comm
   if (!info) return std::unexpected(controller.LastFailure());
   const auto document = DocumentOf(controller, *info);
   return VerbOutput{DocumentText(document, kLines), document};
+}
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeVerbIdentify() {
+  return std::make_unique<VerbIdentify>();
 }
 
 }  // namespace kv::cli

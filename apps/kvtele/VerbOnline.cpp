@@ -1,15 +1,20 @@
-#include "apps/kvtele/VerbOnline.h"
-
 #include <CLI/Option.hpp>
 #include <array>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
 
 #include "KvTele2/HostState.h"
 #include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/ConsoleHost.h"
-#include "apps/kvtele/DocumentText.h"
+#include "apps/kvtele/Failure.h"
 #include "apps/kvtele/NotedPrompts.h"
-#include "apps/kvtele/ProgramFolder.h"
-#include "apps/kvtele/SessionCopy.h"
+#include "apps/kvtele/Verb.h"
+#include "apps/kvtele/VerbOutput.h"
+#include "base/FilePlatform.h"
+#include "base/PathText.h"
+#include "base/ProgramPaths.h"
 #include "link/OsVersion.h"
 #include "link/identification/GoOnline.h"
 #include "sessions/RecentCaches.h"
@@ -18,6 +23,90 @@
 namespace kv::cli {
 
 namespace {
+
+namespace fs = std::filesystem;
+
+// Goes through what On Line does in the window, up to where the panel would be shown, and tells the result. All of it
+// works on a copy of the session, which stays as it is: a window may be using it.
+class VerbOnline : public Verb {
+ public:
+  [[nodiscard]] const char* Name() const override { return "online"; }
+  [[nodiscard]] const char* Summary() const override { return "Tell whether Telepanel can go on line, and with what"; }
+  [[nodiscard]] const char* Examples() const override;
+  void Declare(CLI::App& app) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
+
+ private:
+  std::string mProject;  // path of a pages file; empty: none
+};
+
+// Whose settings going on line reads or writes.
+constexpr std::array<const char*, 2> kSettings{"KvTeleExe.ini", "KvTele2.ini"};
+constexpr int kMostNames = 100;
+
+// A folder of a name that nobody has: left-overs of a process of the same number are no reason to fail.
+fs::path MakeFolder(std::error_code& error) {
+  const fs::path parent = fs::temp_directory_path(error);
+  for (int i = 0; !error && i < kMostNames; ++i) {
+    const fs::path folder = parent / ("kvtele-" + std::to_string(ProcessNumber()) + "-" + std::to_string(i));
+    if (fs::create_directory(folder, error)) return folder;
+  }
+  if (!error) error = std::make_error_code(std::errc::file_exists);
+  return {};
+}
+
+Failure CannotCopy(const fs::path& what, const std::error_code& error) {
+  return {ExitCode::Failed,
+          "failed",
+          "copying the settings of the session",
+          Utf8FromPath(what) + ": " + error.message(),
+          "there is no permission, or the disk is full",
+          "make room and give this user the right to it; TMPDIR (on Windows TEMP) names the folder for the copy"};
+}
+
+// The settings of a session, copied to a folder of its own below the machine's folder for temporary files. What is done
+// to the copy leaves the session as it is; the copy goes with this object.
+class SessionCopy {
+ public:
+  // A session that is not there, or has no settings, gives an empty one.
+  [[nodiscard]] static OrFailure<std::unique_ptr<SessionCopy>> Make(const ProgramPaths& paths,
+                                                                    const std::string& session);
+  ~SessionCopy();
+  SessionCopy(const SessionCopy&) = delete;
+  SessionCopy& operator=(const SessionCopy&) = delete;
+
+  // Of the program folder in which the session lies as it did in the other.
+  [[nodiscard]] const ProgramPaths& Paths() const { return mPaths; }
+
+ private:
+  explicit SessionCopy(const std::filesystem::path& home) : mPaths(home) {}
+
+  ProgramPaths mPaths;
+};
+
+OrFailure<std::unique_ptr<SessionCopy>> SessionCopy::Make(const ProgramPaths& paths, const std::string& session) {
+  std::error_code error;
+  const fs::path home = MakeFolder(error);
+  if (error) return std::unexpected(CannotCopy("the folder for temporary files", error));
+  std::unique_ptr<SessionCopy> copy(new SessionCopy(home));
+  fs::create_directories(copy->mPaths.Session(session), error);
+  if (error) return std::unexpected(CannotCopy(home, error));
+  for (const char* name : kSettings) {
+    const fs::path from = paths.SessionFile(session, name);
+    std::error_code ignored;
+    if (!fs::exists(from, ignored)) continue;
+    const fs::path to = copy->mPaths.SessionFile(session, name);
+    fs::copy_file(from, to, error);
+    if (error) return std::unexpected(CannotCopy(from, error));
+    fs::permissions(to, fs::perms::owner_write, fs::perm_options::add, ignored);
+  }
+  return copy;
+}
+
+SessionCopy::~SessionCopy() {
+  std::error_code ignored;
+  std::filesystem::remove_all(mPaths.Home(), ignored);
+}
 
 // clang-format off
 constexpr std::array kLines = {
@@ -100,8 +189,6 @@ bool IsMisfit(const VersionInfo& version, int unit, const std::string& hostModel
   return !MisfitText(state).empty();
 }
 
-}  // namespace
-
 const char* VerbOnline::Examples() const {
   return "  kvtele --link sim:K220-22-R1 online             a simulated controller\n"
          "  kvtele --session Default online                 the controller of a session\n"
@@ -120,7 +207,7 @@ VerbResult VerbOnline::Run(Environment& environment, const CommonOptions& common
   const auto connected = ConnectedController::Open(environment, common);
   if (!connected) return std::unexpected(connected.error());
   ConnectedController& controller = **connected;
-  const ProgramPaths paths = PathsOf(environment, common);
+  const ProgramPaths paths = common.Paths(environment.home);
   const auto copy = SessionCopy::Make(paths, common.session);
   if (!copy) return std::unexpected(copy.error());
 
@@ -143,6 +230,12 @@ VerbResult VerbOnline::Run(Environment& environment, const CommonOptions& common
   }
   if (!*pages) environment.err << "No project was compared: name a Telepanel file with --project.\n";
   return MakeOutput(controller, {controller.Version(), *info, pages->has_value()}, host, PanelSource(shared, host));
+}
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeVerbOnline() {
+  return std::make_unique<VerbOnline>();
 }
 
 }  // namespace kv::cli

@@ -1,6 +1,18 @@
-#include "apps/kvtele/VerbPorts.h"
+#include "apps/kvtele/Verb.h"
 
 namespace kv::cli {
+
+namespace {
+
+// Lists the serial lines of this machine.
+class VerbPorts : public Verb {
+ public:
+  [[nodiscard]] const char* Name() const override { return "ports"; }
+  [[nodiscard]] const char* Summary() const override { return "List the serial lines of this machine"; }
+  [[nodiscard]] const char* Examples() const override;
+  void Declare(CLI::App&) override {}
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
+};
 
 const char* VerbPorts::Examples() const {
   return "  kvtele ports                            one line a port: its path, a tab, what it is\n"
@@ -17,6 +29,12 @@ VerbResult VerbPorts::Run(Environment& environment, const CommonOptions&) {
   }
   if (output.text.empty()) environment.err << "This machine has no serial line.\n";
   return output;
+}
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeVerbPorts() {
+  return std::make_unique<VerbPorts>();
 }
 
 }  // namespace kv::cli

@@ -1,8 +1,9 @@
-#include "apps/kvtele/VerbRead.h"
+#include <string>
 
 #include "apps/kvtele/ConnectedController.h"
+#include "apps/kvtele/OperandArguments.h"
 #include "apps/kvtele/OperandLink.h"
-#include "apps/kvtele/Operands.h"
+#include "apps/kvtele/Verb.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/RowDisplay.h"
 
@@ -10,32 +11,39 @@ namespace kv::cli {
 
 namespace {
 
-// What the command line asks for, as far as that can be judged without a controller.
-struct Order {
-  Region region;
-  std::optional<View> view;
+// Reads operands and prints one a line, or the one text in which a grid row would show them.
+class VerbRead : public Verb {
+ public:
+  [[nodiscard]] const char* Name() const override { return "read"; }
+  [[nodiscard]] const char* Summary() const override { return "Read operands"; }
+  [[nodiscard]] const char* Examples() const override;
+  void Declare(CLI::App& app) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
+
+ private:
+  std::string mType;
+  std::string mFrom;
+  std::string mTo;
+  std::string mSize;
+  std::string mFormat;
 };
 
-VerbOutput MakeOutput(const Order& order, const std::vector<std::string>& texts) {
+VerbOutput MakeOutput(const Region& region, const std::optional<DisplayForm>& form,
+                      const std::vector<std::string>& texts) {
   VerbOutput output;
-  output.document = {{"type", mdlDataTypesView::TypeName(order.region.type)},
-                     {"from", order.region.from},
-                     {"to", order.region.to},
-                     {"values", texts}};
-  if (order.view) {
-    const std::string row =
-        mdlDataTypesView::DisplayRow(order.region.type, texts, order.view->size, order.view->format);
+  output.document = {
+      {"type", mdlDataTypesView::TypeName(region.type)}, {"from", region.from}, {"to", region.to}, {"values", texts}};
+  if (form) {
+    const std::string row = mdlDataTypesView::DisplayRow(region.type, texts, form->size, form->format);
     output.document["text"] = row;
     output.text = row + "\n";
     return output;
   }
   for (std::size_t i = 0; i < texts.size(); ++i) {
-    output.text += std::to_string(order.region.from + static_cast<std::int32_t>(i)) + "\t" + texts[i] + "\n";
+    output.text += std::to_string(region.from + static_cast<std::int32_t>(i)) + "\t" + texts[i] + "\n";
   }
   return output;
 }
-
-}  // namespace
 
 const char* VerbRead::Examples() const {
   return "  kvtele --link sim:K220-22-R1 read MI 0 9                       one line each: address, tab, value\n"
@@ -59,13 +67,19 @@ VerbResult VerbRead::Run(Environment& environment, const CommonOptions& common) 
   if (!type) return std::unexpected(type.error());
   const auto region = ParseRegion(*type, mFrom, mTo.empty() ? mFrom : mTo);
   if (!region) return std::unexpected(region.error());
-  const auto view = ParseView(*type, mSize, mFormat);
-  if (!view) return std::unexpected(view.error());
+  const auto form = ParseDisplayForm(*type, mSize, mFormat);
+  if (!form) return std::unexpected(form.error());
   const auto connected = ConnectFor(environment, common, *region);
   if (!connected) return std::unexpected(connected.error());
   const auto texts = ReadOperands(environment, **connected, *region);
   if (!texts) return std::unexpected(texts.error());
-  return MakeOutput({*region, *view}, *texts);
+  return MakeOutput(*region, *form, *texts);
+}
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeVerbRead() {
+  return std::make_unique<VerbRead>();
 }
 
 }  // namespace kv::cli

@@ -1,13 +1,15 @@
-#include "apps/kvtele/VerbRegions.h"
-
 #include <CLI/Option.hpp>
 #include <CLI/Validators.hpp>
 #include <algorithm>
+#include <string>
+#include <vector>
 
+#include "apps/kvtele/ConsentFlag.h"
 #include "apps/kvtele/OperandLink.h"
-#include "apps/kvtele/Progress.h"
-#include "apps/kvtele/Prompting.h"
 #include "apps/kvtele/ReadBack.h"
+#include "apps/kvtele/RegionValues.h"
+#include "apps/kvtele/TerminalProgress.h"
+#include "apps/kvtele/Verb.h"
 #include "dataview/WriteQuestion.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/RegionTransfer.h"
@@ -19,13 +21,33 @@ using namespace mdlDataTypesView;
 
 namespace {
 
+// Reads or writes all regions of a region file.
+class VerbRegions : public Verb {
+ public:
+  [[nodiscard]] const char* Name() const override { return "regions"; }
+  [[nodiscard]] const char* Summary() const override { return "Read or write the regions of a file"; }
+  [[nodiscard]] const char* Examples() const override;
+  void Declare(CLI::App& app) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
+
+ private:
+  [[nodiscard]] OrFailure<void> CheckArguments() const;
+  [[nodiscard]] VerbResult Read(Environment& environment, const CommonOptions& common, const RegionsFile& file) const;
+  [[nodiscard]] VerbResult Write(Environment& environment, const CommonOptions& common, const RegionsFile& file) const;
+
+  std::string mAction;
+  std::string mFile;
+  std::string mValuesFile;
+  bool mAsCsv = false;
+};
+
 using RowTexts = std::vector<std::vector<std::string>>;  // of each row, one an operand
 
 // ---- reading ----
 
 OrFailure<RowTexts> ReadRows(Environment& environment, ConnectedController& controller,
                              const std::vector<RegionRow>& rows) {
-  Progress progress(environment, "reading regions", rows.size());
+  TerminalProgress progress(environment, "reading regions", rows.size());
   RowTexts all;
   std::vector<Region> unreadable;
   for (const RegionRow& row : rows) {
@@ -90,7 +112,7 @@ std::string WrittenBefore(std::size_t values, std::size_t total) {
 OrFailure<void> WriteRuns(Environment& environment, ConnectedController& controller,
                           const std::vector<ValueRun>& runs) {
   const std::size_t total = CountOf(runs);
-  Progress progress(environment, "writing regions", total);
+  TerminalProgress progress(environment, "writing regions", total);
   std::size_t done = 0;
   for (const ValueRun& run : runs) {
     const std::string before = WrittenBefore(done, total);
@@ -149,8 +171,6 @@ VerbOutput WriteOutput(Environment& environment, const ValuesToWrite& values, st
   output.document = {{"written", count}, {"compared", compared}, {"missing", values.missing}};
   return output;
 }
-
-}  // namespace
 
 const char* VerbRegions::Examples() const {
   return "  kvtele --link sim:K220-22-R1 regions read plant.axt               a line each: type, from, to,\n"
@@ -235,6 +255,12 @@ VerbResult VerbRegions::Write(Environment& environment, const CommonOptions& com
   const auto compared = Compare(environment, controller, values.runs);
   if (!compared) return std::unexpected(compared.error());
   return WriteOutput(environment, values, *compared);
+}
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeVerbRegions() {
+  return std::make_unique<VerbRegions>();
 }
 
 }  // namespace kv::cli

@@ -1,17 +1,30 @@
-#include "apps/kvtele/VerbSessions.h"
-
 #include <CLI/Option.hpp>
 #include <CLI/Validators.hpp>
 #include <algorithm>
+#include <string>
 
+#include "apps/kvtele/ConsentFlag.h"
 #include "apps/kvtele/NotedPrompts.h"
-#include "apps/kvtele/ProgramFolder.h"
-#include "apps/kvtele/Prompting.h"
+#include "apps/kvtele/Verb.h"
 #include "sessions/SessionManager.h"
 
 namespace kv::cli {
 
 namespace {
+
+// Lists, copies and deletes sessions, as the session window does.
+class VerbSessions : public Verb {
+ public:
+  [[nodiscard]] const char* Name() const override { return "sessions"; }
+  [[nodiscard]] const char* Summary() const override { return "List, create or delete sessions"; }
+  [[nodiscard]] const char* Examples() const override;
+  void Declare(CLI::App& app) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
+
+ private:
+  std::string mAction;
+  std::string mName;
+};
 
 Failure SessionFailure(std::string doing, std::string happened, std::string cure) {
   return {ExitCode::Failed, "failed", std::move(doing), std::move(happened), {}, std::move(cure)};
@@ -71,8 +84,6 @@ VerbResult Delete(Environment& environment, SessionManager& sessions, const Note
   return std::unexpected(Failure{ExitCode::Failed, "failed", doing, hold.happened, hold.cause, hold.cure});
 }
 
-}  // namespace
-
 const char* VerbSessions::Examples() const {
   return "  kvtele sessions list                           name, model and link\n"
          "  kvtele sessions create Plant2                  a copy of session Default\n"
@@ -93,7 +104,7 @@ VerbResult VerbSessions::Run(Environment& environment, const CommonOptions& comm
         UsageFailure(mAction == "list" ? "list takes no name" : mAction + " needs the session's name",
                      "see kvtele sessions --help"));
   }
-  SharedState shared(PathsOf(environment, common));
+  SharedState shared(common.Paths(environment.home));
   shared.CurrentSession = common.session;
   ConsolePrompts asked = PromptsFor(environment, common);
   NotedPrompts prompts(&asked);
@@ -103,6 +114,12 @@ VerbResult VerbSessions::Run(Environment& environment, const CommonOptions& comm
   if (!driver) return std::unexpected(driver.error());
   shared.ComDriver = driver->get();  // describes links; none is opened
   return mAction == "delete" ? Delete(environment, sessions, prompts, mName) : List(sessions);
+}
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeVerbSessions() {
+  return std::make_unique<VerbSessions>();
 }
 
 }  // namespace kv::cli

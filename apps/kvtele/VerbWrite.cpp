@@ -1,15 +1,37 @@
-#include "apps/kvtele/VerbWrite.h"
+#include <string>
+#include <vector>
 
+#include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/LinkChoice.h"
+#include "apps/kvtele/OperandArguments.h"
 #include "apps/kvtele/OperandLink.h"
 #include "apps/kvtele/ReadBack.h"
-#include "apps/kvtele/Values.h"
+#include "apps/kvtele/Verb.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/RegionTransfer.h"
 
 namespace kv::cli {
 
 namespace {
+
+// Writes operands, reads them back and compares.
+class VerbWrite : public Verb {
+ public:
+  [[nodiscard]] const char* Name() const override { return "write"; }
+  [[nodiscard]] const char* Summary() const override { return "Write operands, read them back and compare"; }
+  [[nodiscard]] const char* Examples() const override;
+  void Declare(CLI::App& app) override;
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
+
+ private:
+  [[nodiscard]] OrFailure<Region> CheckOrder(const Environment& environment, const CommonOptions& common) const;
+  [[nodiscard]] VerbResult Compare(Environment& environment, ConnectedController& controller,
+                                   const Region& region) const;
+
+  std::string mType;
+  std::string mFrom;
+  std::vector<std::string> mValues;
+};
 
 VerbOutput MakeOutput(const Region& region, const nlohmann::ordered_json& valuesReadBack) {
   VerbOutput output;
@@ -19,8 +41,6 @@ VerbOutput MakeOutput(const Region& region, const nlohmann::ordered_json& values
                      {"values", valuesReadBack}};
   return output;
 }
-
-}  // namespace
 
 const char* VerbWrite::Examples() const {
   return "  kvtele --link sim:K220-22-R1 write MI 0 4660 22136        MI 0 and MI 1\n"
@@ -78,6 +98,12 @@ VerbResult VerbWrite::Compare(Environment& environment, ConnectedController& con
   if (!readBack) return std::unexpected(readBack.error());
   environment.err << "Written and read back: " << RegionText(region) << "\n";
   return MakeOutput(region, *readBack);
+}
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeVerbWrite() {
+  return std::make_unique<VerbWrite>();
 }
 
 }  // namespace kv::cli

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,8 +19,8 @@ using mdlDataTypesView::Region;
 using mdlDataTypesView::RegionText;
 using mdlDataTypesView::SizeCode;
 
-// A size with a format, as --size and --format name them.
-struct View {
+// How operands are shown as one text: a size with a format, as --size and --format name them.
+struct DisplayForm {
   SizeCode size = SizeCode::Bit8;
   FormatCode format = FormatCode::Hex;
 };
@@ -30,12 +31,20 @@ struct View {
 // The operands `from` to `to` as typed. Refused: what is no number, `to` before `from`, and what no model at all has.
 [[nodiscard]] OrFailure<Region> ParseRegion(OperandTypeCode type, const std::string& from, const std::string& to);
 
-// The view that the two options ask for; nothing when both are empty. Refused when the catalogue does not offer the
+// What the two options ask for; nothing when both are empty. Refused when the catalogue does not offer the
 // pair for the type.
-[[nodiscard]] OrFailure<std::optional<View>> ParseView(OperandTypeCode type, const std::string& size,
-                                                       const std::string& format);
+[[nodiscard]] OrFailure<std::optional<DisplayForm>> ParseDisplayForm(OperandTypeCode type, const std::string& size,
+                                                                     const std::string& format);
 
 // Whether the model has all operands of the region, so that nothing is sent that the controller must refuse.
 [[nodiscard]] OrFailure<void> CheckFitsModel(const Region& region, std::string_view model);
+
+// Whether all values can be written to operands of the type from `from` on. The failure names the first that cannot,
+// and what can be. `model` decides how a time is written; while it is not known (empty) a time of either family passes.
+[[nodiscard]] OrFailure<void> CheckValues(OperandTypeCode type, std::string_view model,
+                                          std::span<const std::string> texts);
+// Whether a text read back means the value that was written, however it was written ("007", "1e3", "1:30").
+[[nodiscard]] bool IsSameValue(OperandTypeCode type, std::string_view model, std::string_view written,
+                               std::string_view readBack);
 
 }  // namespace kv::cli

@@ -1,10 +1,16 @@
-#include "apps/kvtele/Operands.h"
+#include "apps/kvtele/OperandArguments.h"
 
 #include <algorithm>
+#include <optional>
+#include <span>
 
 #include "base/Numbers.h"
 #include "base/Texts.h"
+#include "dataview/operands/NumberText.h"
 #include "dataview/operands/OperandCatalogue.h"
+#include "dataview/operands/TimerText.h"
+#include "dataview/operands/ValueEntry.h"
+#include "dataview/operands/ValueRange.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::cli {
@@ -69,6 +75,12 @@ std::optional<std::int32_t> ParseAddress(const std::string& text) {
   return static_cast<std::int32_t>(*number);
 }
 
+// As the controller's value is shown: with 7 digits.
+std::optional<float> ShownFloat(std::string_view text) {
+  const auto number = ParseSingle(text);
+  return number ? ParseFloat(FloatText(*number)) : std::nullopt;
+}
+
 }  // namespace
 
 OrFailure<OperandTypeCode> ParseType(const std::string& name) {
@@ -95,12 +107,13 @@ OrFailure<Region> ParseRegion(OperandTypeCode type, const std::string& from, con
   return region;
 }
 
-OrFailure<std::optional<View>> ParseView(OperandTypeCode type, const std::string& size, const std::string& format) {
+OrFailure<std::optional<DisplayForm>> ParseDisplayForm(OperandTypeCode type, const std::string& size,
+                                                       const std::string& format) {
   if (size.empty() && format.empty()) return std::nullopt;
   for (const SizeCode eachSize : SizesOffered(type)) {
     if (SizeOption(eachSize) != size) continue;
     for (const FormatCode eachFormat : FormatsOffered(eachSize)) {
-      if (FormatName(eachFormat) == UpperCased(format)) return View{eachSize, eachFormat};
+      if (FormatName(eachFormat) == UpperCased(format)) return DisplayForm{eachSize, eachFormat};
     }
   }
   std::string happened = "size \"" + size + "\" with format \"" + format + "\" is not offered for ";
@@ -112,6 +125,29 @@ OrFailure<void> CheckFitsModel(const Region& region, std::string_view model) {
   const std::int32_t count = OperandCount(region.type, model);
   if (region.to < count) return {};
   return std::unexpected(PastTheEnd(region, count, std::string(model)));
+}
+
+OrFailure<void> CheckValues(OperandTypeCode type, std::string_view model, std::span<const std::string> texts) {
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    if (IsLegalEntry(type, model, texts[i])) continue;
+    Failure failure = UsageFailure(std::string(kValueOutOfRangeMessage));
+    failure.code = "outOfRange";
+    failure.doing = "writing " + std::string(TypeName(type));
+    failure.cause = "value " + std::to_string(i + 1) + " is \"" + texts[i] + "\"";
+    failure.cure = "use " + std::string(LegalEntries(type, model));
+    return std::unexpected(failure);
+  }
+  return {};
+}
+
+bool IsSameValue(OperandTypeCode type, std::string_view model, std::string_view written, std::string_view readBack) {
+  if (IsTimeType(type)) return ParseTime(written, model) == ParseTime(readBack, model);
+  if (type == OperandTypeCode::MF) {
+    const auto number = ShownFloat(written);
+    return number && number == ShownFloat(readBack);
+  }
+  const auto number = ParseWholeNumber(written);
+  return number && number == ParseWholeNumber(readBack);
 }
 
 }  // namespace kv::cli

@@ -1,4 +1,4 @@
-#include "apps/kvtele/DocumentText.h"
+#include "apps/kvtele/VerbOutput.h"
 
 #include "desktop/console/HarmlessText.h"
 

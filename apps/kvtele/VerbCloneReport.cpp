@@ -1,10 +1,10 @@
-#include "apps/kvtele/CloneReports.h"
-
 #include <algorithm>
 #include <array>
 #include <utility>
 
-#include "apps/kvtele/DocumentText.h"
+#include "apps/kvtele/CloneActions.h"
+#include "apps/kvtele/TerminalCloner.h"
+#include "apps/kvtele/VerbOutput.h"
 #include "base/AnsiText.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
@@ -217,13 +217,6 @@ std::string CodeOf(const CloneOutcome& outcome) {
 }
 
 }  // namespace
-
-WatchedWork::WatchedWork(Environment& environment) : mLine(environment), mProgress(environment.pacer) {
-  mWork.isStopped = [&pacer = environment.pacer] { return pacer.StopRequested(); };
-  mWork.onProgress = [this](std::string_view stage, std::uint64_t done, std::uint64_t total) {
-    mLine.Show(mProgress.Text(stage, done, total));
-  };
-}
 
 Failure CloneFailure(std::string doing, const CloneOutcome& outcome) {
   return {ExitOf(outcome), CodeOf(outcome), std::move(doing), outcome.reason, {}, {}};

@@ -1,10 +1,7 @@
-#include "apps/kvtele/CloneCreation.h"
-
 #include <system_error>
 
-#include "apps/kvtele/CloneQuestions.h"
-#include "apps/kvtele/CloneReports.h"
-#include "apps/kvtele/Prompting.h"
+#include "apps/kvtele/CloneActions.h"
+#include "apps/kvtele/ConsentFlag.h"
 #include "apps/kvtele/TerminalCloner.h"
 #include "base/PathText.h"
 #include "clone/ProgramState.h"
@@ -38,26 +35,6 @@ OrFailure<std::string> CheckProgram(Environment& environment, const CommonOption
 }
 
 }  // namespace
-
-OrFailure<SegmentBoxes> ParseSegments(const std::string& codes) {
-  if (codes.empty()) return SegmentBoxes();
-  SegmentBoxes boxes{.op = false, .dt = false, .ap = false, .os = false};
-  for (const std::string& code : SplitCodes(codes)) {
-    if (code == "OP")
-      boxes.op = true;
-    else if (code == "DT")
-      boxes.dt = true;
-    else if (code == "AP")
-      boxes.ap = true;
-    else if (code == "OS")
-      boxes.os = true;
-    else if (code != "HW" && code != "FT" && code != "MM") {
-      return std::unexpected(UsageFailure("there is no segment \"" + code + "\"",
-                                          "name some of OP,DT,AP,OS with commas between; HW,FT,MM are always taken"));
-    }
-  }
-  return boxes;
-}
 
 OrFailure<SafeCreate> CheckCreate(Environment& environment, const CommonOptions& common,
                                   const std::filesystem::path& file, const CreateOrder& order) {

@@ -1,8 +1,6 @@
-#include "apps/kvtele/CloneRestore.h"
-
-#include "apps/kvtele/CloneQuestions.h"
-#include "apps/kvtele/CloneReports.h"
+#include "apps/kvtele/CloneActions.h"
 #include "apps/kvtele/ConnectedController.h"
+#include "apps/kvtele/ConsentFlag.h"
 #include "apps/kvtele/TerminalCloner.h"
 #include "base/PathText.h"
 #include "clone/ErasedSegments.h"

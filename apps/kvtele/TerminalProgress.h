@@ -5,6 +5,7 @@
 #include <string>
 
 #include "apps/kvtele/Environment.h"
+#include "desktop/RemainingTime.h"
 
 namespace kv::cli {
 
@@ -32,6 +33,29 @@ class TerminalLine {
   std::ostream& mErr;
   bool mIsShown;
   std::size_t mWidth = 0;
+};
+
+// Tells on the terminal how far long work is and how long it will still take, until it ends. Shows nothing for work of
+// a single step.
+class TerminalProgress {
+ public:
+  TerminalProgress(Environment& environment, std::string what, std::size_t total)
+      : mLine(environment), mRemaining(environment.pacer), mWhat(std::move(what)), mTotal(total) {
+    mRemaining.Begin();
+  }
+
+  void Show(std::size_t done) {
+    if (mTotal <= 1) return;
+    const std::string left = mRemaining.Text(done, mTotal);
+    mLine.Show(mWhat + ": " + std::to_string(done) + " of " + std::to_string(mTotal) +
+               (left.empty() ? "" : ", " + left));
+  }
+
+ private:
+  TerminalLine mLine;
+  RemainingTime mRemaining;
+  std::string mWhat;
+  std::size_t mTotal;
 };
 
 }  // namespace kv::cli

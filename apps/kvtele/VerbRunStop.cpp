@@ -1,7 +1,7 @@
-#include "apps/kvtele/VerbProgram.h"
-
-#include "apps/kvtele/CloneQuestions.h"
-#include "apps/kvtele/CloneReports.h"
+#include "apps/kvtele/CloneActions.h"
+#include "apps/kvtele/ConnectedController.h"
+#include "apps/kvtele/ConsentFlag.h"
+#include "apps/kvtele/Verb.h"
 #include "clone/ProgramState.h"
 #include "clone/RestoreBegin.h"
 #include "clone/RestoreCheck.h"
@@ -10,20 +10,37 @@ namespace kv::cli {
 
 namespace {
 
+// Starts or stops the controller's program, after a question that names whose it is.
+class VerbRunStop : public Verb {
+ public:
+  explicit VerbRunStop(bool runs) : mRuns(runs) {}
+
+  [[nodiscard]] const char* Name() const override { return mRuns ? "run" : "stop"; }
+  [[nodiscard]] const char* Summary() const override {
+    return mRuns ? "Start the controller's program" : "Stop the controller's program";
+  }
+  [[nodiscard]] const char* Examples() const override;
+  void Declare(CLI::App&) override {}
+  [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
+
+ private:
+  [[nodiscard]] OrFailure<void> Switch(ConnectedController& controller) const;
+
+  bool mRuns;
+};
+
 VerbOutput MakeOutput(const std::string& name, char state) {
   return {"", {{"controller", name}, {"state", std::string(1, state)}}};
 }
 
-}  // namespace
-
-const char* VerbProgram::Examples() const {
+const char* VerbRunStop::Examples() const {
   return mRuns ? "  kvtele --link sim:K220-22-R1 --yes run\n"
                  "  kvtele --link tcp:192.168.1.20 --password 1234 run           asks before\n"
                : "  kvtele --link sim:K220-22-R1 --yes stop\n"
                  "  kvtele --link tcp:192.168.1.20 --password 1234 stop          asks before\n";
 }
 
-VerbResult VerbProgram::Run(Environment& environment, const CommonOptions& common) {
+VerbResult VerbRunStop::Run(Environment& environment, const CommonOptions& common) {
   const auto controller = ConnectedController::Open(environment, common);
   if (!controller) return std::unexpected(controller.error());
   ConnectedController& plc = **controller;
@@ -58,11 +75,21 @@ VerbResult VerbProgram::Run(Environment& environment, const CommonOptions& commo
   return MakeOutput(name, after->state);
 }
 
-OrFailure<void> VerbProgram::Switch(ConnectedController& controller) const {
+OrFailure<void> VerbRunStop::Switch(ConnectedController& controller) const {
   const bool isDone =
       mRuns ? controller.Link().RunController(controller.Unit()) : controller.Link().StopController(controller.Unit());
   if (!isDone) return std::unexpected(controller.LastFailure());
   return {};
+}
+
+}  // namespace
+
+std::unique_ptr<Verb> MakeVerbRun() {
+  return std::make_unique<VerbRunStop>(true);
+}
+
+std::unique_ptr<Verb> MakeVerbStop() {
+  return std::make_unique<VerbRunStop>(false);
 }
 
 }  // namespace kv::cli

@@ -1,10 +1,22 @@
-#include "apps/kvtele/CloneQuestions.h"
-
-#include <algorithm>
+#include "apps/kvtele/ConsentFlag.h"
 
 #include "clone/clsDumpPLC.h"
 
 namespace kv::cli {
+
+ConsolePrompts PromptsFor(Environment& environment, const CommonOptions& common) {
+  ConsoleAnswers answers;
+  answers.yes = common.yes;
+  answers.password = common.password;
+  return {std::move(answers), environment.err, environment.input};
+}
+
+ConsolePrompts PromptsFor(Environment& environment, const ConsentFlag& consent) {
+  ConsoleAnswers answers;
+  answers.yes = consent.yes;
+  answers.yesFlag = consent.name;
+  return {std::move(answers), environment.err, environment.input};
+}
 
 OrFailure<void> Confirm(Environment& environment, const ConsentFlag& consent, const std::string& question,
                         const std::string& doing) {
@@ -26,16 +38,6 @@ Failure NotConfirmedFailure(std::string doing, const std::string& flags) {
           "it was not confirmed",
           {},
           "answer with yes, or give " + flags};
-}
-
-std::vector<std::string> SplitCodes(const std::string& codes) {
-  std::vector<std::string> split;
-  for (std::size_t at = 0; !codes.empty() && at <= codes.size();) {
-    const std::size_t end = std::min(codes.find(',', at), codes.size());
-    split.push_back(codes.substr(at, end - at));
-    at = end + 1;
-  }
-  return split;
 }
 
 }  // namespace kv::cli
