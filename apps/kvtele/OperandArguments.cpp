@@ -75,12 +75,6 @@ std::optional<std::int32_t> ParseAddress(const std::string& text) {
   return static_cast<std::int32_t>(*number);
 }
 
-// As the controller's value is shown: with 7 digits.
-std::optional<float> ShownFloat(std::string_view text) {
-  const auto number = ParseSingle(text);
-  return number ? ParseFloat(FloatText(*number)) : std::nullopt;
-}
-
 }  // namespace
 
 OrFailure<OperandTypeCode> ParseType(const std::string& name) {
@@ -138,16 +132,6 @@ OrFailure<void> CheckValues(OperandTypeCode type, std::string_view model, std::s
     return std::unexpected(failure);
   }
   return {};
-}
-
-bool IsSameValue(OperandTypeCode type, std::string_view model, std::string_view written, std::string_view readBack) {
-  if (IsTimeType(type)) return ParseTime(written, model) == ParseTime(readBack, model);
-  if (type == OperandTypeCode::MF) {
-    const auto number = ShownFloat(written);
-    return number && number == ShownFloat(readBack);
-  }
-  const auto number = ParseWholeNumber(written);
-  return number && number == ParseWholeNumber(readBack);
 }
 
 }  // namespace kv::cli

@@ -43,8 +43,5 @@ struct DisplayForm {
 // and what can be. `model` decides how a time is written; while it is not known (empty) a time of either family passes.
 [[nodiscard]] OrFailure<void> CheckValues(OperandTypeCode type, std::string_view model,
                                           std::span<const std::string> texts);
-// Whether a text read back means the value that was written, however it was written ("007", "1e3", "1:30").
-[[nodiscard]] bool IsSameValue(OperandTypeCode type, std::string_view model, std::string_view written,
-                               std::string_view readBack);
 
 }  // namespace kv::cli

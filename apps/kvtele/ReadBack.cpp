@@ -1,21 +1,24 @@
 #include "apps/kvtele/ReadBack.h"
 
-#include "apps/kvtele/OperandArguments.h"
+#include <iterator>
+
 #include "apps/kvtele/OperandLink.h"
+#include "apps/kvtele/TerminalProgress.h"
+#include "dataview/operands/ReadBack.h"
 
 namespace kv::cli {
 
 namespace {
 
-Failure DiffersFailure(const Region& region, std::size_t index, const std::string& written,
-                       const std::string& readBack) {
-  const std::int32_t address = region.from + static_cast<std::int32_t>(index);
+using namespace mdlDataTypesView;
+
+Failure DiffersFailure(const Region& region, std::span<const ValueDifference> differences) {
   return {ExitCode::Differs,
           "differs",
           "comparing what was written to " + RegionText(region),
-          RegionText({address, address, region.type}) + " reads " + readBack + ", written was " + written,
-          "the operand moves by itself (a running timer or the controller's program), or the write did not take",
-          "read it again; see what the program does with this operand"};
+          DifferenceText(region.type, differences),
+          std::string(MovesByItself(region.type) ? kMovingCause : kDifferenceCause),
+          std::string(kDifferenceCure)};
 }
 
 Failure NotReadBack(Failure failure, const Region& region) {
@@ -28,13 +31,19 @@ Failure NotReadBack(Failure failure, const Region& region) {
 
 OrFailure<std::vector<std::string>> ReadBack(Environment& environment, ConnectedController& controller,
                                              const Region& region, std::span<const std::string> written) {
-  const auto readBack = ReadOperands(environment, controller, region);
-  if (!readBack) return std::unexpected(NotReadBack(readBack.error(), region));
-  for (std::size_t i = 0; i < written.size(); ++i) {
-    if (IsSameValue(region.type, controller.Model(), written[i], (*readBack)[i])) continue;
-    return std::unexpected(DiffersFailure(region, i, written[i], (*readBack)[i]));
+  const std::string doing = "reading back " + RegionText(region);
+  TerminalProgress progress(environment, doing, written.size());
+  std::vector<std::string> texts;
+  for (const Region& piece : SplitRegion(region)) {
+    if (environment.pacer.StopRequested()) return std::unexpected(NotReadBack(InterruptedFailure(doing), region));
+    const auto values = written.subspan(texts.size(), static_cast<std::size_t>(piece.Count()));
+    auto read = mdlDataTypesView::ReadBack(controller.Link(), controller.Model(), piece, values);
+    if (!read) return std::unexpected(NotReadBack(LinkFailure(read.error(), true), region));
+    if (!read->differences.empty()) return std::unexpected(DiffersFailure(region, read->differences));
+    texts.insert(texts.end(), std::make_move_iterator(read->texts.begin()), std::make_move_iterator(read->texts.end()));
+    progress.Show(texts.size());
   }
-  return readBack;
+  return texts;
 }
 
 }  // namespace kv::cli

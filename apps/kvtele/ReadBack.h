@@ -10,8 +10,8 @@
 
 namespace kv::cli {
 
-// Reads operands back that have just been written, and compares: a controller that only says that it has written is
-// found out. The texts as they read now; the failure names the first operand that is another.
+// Reads operands back that have just been written, in as many requests as that takes, and compares. The texts as they
+// read now; the failure names the operands of the first request that are others.
 [[nodiscard]] OrFailure<std::vector<std::string>> ReadBack(Environment& environment, ConnectedController& controller,
                                                            const Region& region, std::span<const std::string> written);
 

@@ -21,6 +21,19 @@ void AppendPieces(std::vector<Region>& regions, const Region& region) {
   regions.insert(regions.end(), pieces.begin(), pieces.end());
 }
 
+// Operands that would be written and of which `is` holds.
+template <typename Is>
+std::int64_t CountIn(const std::vector<Region>& regions, Is is) {
+  std::int64_t found = 0;
+  for (const Region& region : regions) {
+    if (!IsWritableType(region.type)) continue;
+    for (std::int32_t address = region.from; address <= region.to; ++address) {
+      found += is(region.type, address) ? 1 : 0;
+    }
+  }
+  return found;
+}
+
 // Shows on the user's desk how far the work on another one is.
 class ProgressOn final : public GridListener {
  public:
@@ -114,7 +127,16 @@ bool AllValues::IsWanted(const std::vector<Region>& regions) {
   if (count == 0) return true;  // it is told that nothing can be written
   MessageBox question = WriteQuestion(static_cast<std::size_t>(count), mDesk.CurrentLink());
   question.title = mDesk.Caption();
-  if (const std::int64_t old = OldIn(regions); old > 0) {
+  const std::int64_t edited = CountIn(regions, [&](OperandTypeCode type, std::int32_t address) {
+    return mDesk.state.operands.Origin(type, address) == CellOrigin::Edited;
+  });
+  if (edited < count) {
+    question.text += "\n\n" + std::to_string(edited) + " of them " + (edited == 1 ? "was" : "were") +
+                     " changed here; " + std::to_string(count - edited) + " stand as they were read or written last.";
+  }
+  const std::int64_t old = CountIn(
+      regions, [&](OperandTypeCode type, std::int32_t address) { return mDesk.state.operands.IsOld(type, address); });
+  if (old > 0) {
     question.text += "\n\n" + std::to_string(old) +
                      " of them are pale: they were read in an earlier session, or before the controller was out of "
                      "reach, and may not be what it holds now.";
@@ -122,18 +144,6 @@ bool AllValues::IsWanted(const std::vector<Region>& regions) {
   if (mDesk.parts.prompts.Show(question) == PromptAnswer::Yes) return true;
   mDesk.Say("Nothing was written.");
   return false;
-}
-
-// Of what would be written; what is edited is meant.
-std::int64_t AllValues::OldIn(const std::vector<Region>& regions) const {
-  std::int64_t old = 0;
-  for (const Region& region : regions) {
-    if (!IsWritableType(region.type)) continue;
-    for (std::int32_t address = region.from; address <= region.to; ++address) {
-      if (mDesk.state.operands.IsOld(region.type, address)) ++old;
-    }
-  }
-  return old;
 }
 
 std::vector<Region> AllValues::FilledRegions() const {

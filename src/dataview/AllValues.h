@@ -36,7 +36,6 @@ class AllValues {
   [[nodiscard]] std::optional<std::vector<Region>> ReadableRegions(Channel& channel);
   void ReadFrom(Channel& channel, const std::vector<Region>& regions);
   void SayRead(const PassOutcome& outcome, std::size_t total);
-  [[nodiscard]] std::int64_t OldIn(const std::vector<Region>& regions) const;
   [[nodiscard]] std::vector<Region> FilledRegions() const;
   [[nodiscard]] bool IsWanted(const std::vector<Region>& regions);
 

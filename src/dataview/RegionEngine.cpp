@@ -22,10 +22,6 @@ constexpr Duration kTurnInterval = std::chrono::milliseconds(20);
 // A pass over a slow line takes seconds; a user who goes on working on line must not wait for its end.
 constexpr Duration kInputInterval = std::chrono::milliseconds(200);
 
-std::string Regions(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " region" : " regions");
-}
-
 // The check before a write, and the forms of times, which only fail while they are converted.
 bool IsWritableText(const Region& region, std::string_view model, const std::string& text) {
   return IsTimeType(region.type) ? IsLegalEntry(region.type, model, text) : IsValueInRange(region.type, text);
@@ -54,9 +50,16 @@ void RegionEngine::Write(std::span<const Region> regions) {
   mDesk.parts.pacer.ClearStop();
   mDesk.SetMode(ViewMode::Busy);
   const ScopeGuard idle([&] { mDesk.SetMode(ViewMode::Idle); });
+  const std::optional<PassOutcome> written = WriteAlone(regions);
+  if (!written) return;
+  if (!written->IsWhole()) return SayPartlyWritten(*written, regions);
+  ReadBackWritten(*written, regions);
+}
+
+std::optional<PassOutcome> RegionEngine::WriteAlone(std::span<const Region> regions) {
   const ChannelLease channel(mDesk);
-  if (!channel || !IsSupported(*channel, regions)) return;
-  SayWritten(WritePass(*channel, regions), regions);
+  if (!channel || !IsSupported(*channel, regions)) return std::nullopt;
+  return WritePass(*channel, regions);
 }
 
 bool RegionEngine::IsSupported(Channel& channel, std::span<const Region> regions) {
@@ -132,6 +135,7 @@ void RegionEngine::WriteOne(Channel& channel, const Region& region, PassOutcome&
   const Region edited = EditedIn(region);
   mDesk.state.operands.SetWritten(region, mDesk.Now());
   mDesk.changes.AddOperands(edited.type, edited.from, edited.to);
+  mDesk.RefreshRowsOf(region);
 }
 
 Region RegionEngine::EditedIn(const Region& region) const {
@@ -180,6 +184,10 @@ std::string RegionEngine::FirstFault(std::span<const Region> regions) const {
   return {};
 }
 
+std::string RegionEngine::RegionCountText(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " region" : " regions");
+}
+
 std::string RegionEngine::ReplacedText(std::size_t replaced) {
   if (replaced == 0) return {};
   return " " + std::to_string(replaced) + (replaced == 1 ? " edited value was" : " edited values were") +
@@ -188,30 +196,25 @@ std::string RegionEngine::ReplacedText(std::size_t replaced) {
 
 std::string RegionEngine::UnreadableText(std::size_t unreadable) const {
   if (unreadable == 0) return {};
-  return " " + Regions(unreadable) + " cannot be read from a controller of the model " + mDesk.Model() + ".";
+  return " " + RegionCountText(unreadable) + " cannot be read from a controller of the model " + mDesk.Model() + ".";
 }
 
 void RegionEngine::SayRead(const PassOutcome& outcome, std::size_t total) {
-  const std::string read = Regions(outcome.done) + " of " + std::to_string(total) + " read";
+  const std::string read = RegionCountText(outcome.done) + " of " + std::to_string(total) + " read";
   const std::string replaced = ReplacedText(outcome.replaced);
   if (outcome.error && !outcome.isStopped) {
     return mDesk.SayLinkError(*outcome.error, read + " before that; the others show what they showed." + replaced);
   }
   if (outcome.isStopped) return mDesk.Say("Stopped. " + read + "; the others show what they showed." + replaced);
-  mDesk.Say(Regions(outcome.done) + " read." + UnreadableText(outcome.unreadable) + replaced);
+  mDesk.Say(RegionCountText(outcome.done) + " read." + UnreadableText(outcome.unreadable) + replaced);
 }
 
-void RegionEngine::SayWritten(const PassOutcome& outcome, std::span<const Region> regions) {
-  if (outcome.IsWhole()) {
-    std::string text = Regions(outcome.done) + " written, not read back: Read shows what the controller holds now.";
-    if (outcome.readOnly > 0) text += " " + Regions(outcome.readOnly) + " of types that cannot be written left out.";
-    return mDesk.Say(text);
-  }
+void RegionEngine::SayPartlyWritten(const PassOutcome& outcome, std::span<const Region> regions) {
   const std::size_t reached = outcome.done + outcome.readOnly;
-  std::string text = outcome.done == 0
-                         ? std::string("Nothing was written before that")
-                         : Regions(outcome.done) + " written before that, up to " + RegionText(regions[reached - 1]);
-  text += "; " + Regions(regions.size() - reached) + " not.";
+  std::string text = outcome.done == 0 ? std::string("Nothing was written before that")
+                                       : RegionCountText(outcome.done) + " written before that, up to " +
+                                             RegionText(regions[reached - 1]);
+  text += "; " + RegionCountText(regions.size() - reached) + " not.";
   if (outcome.error) return mDesk.SayLinkError(*outcome.error, text);
   mDesk.SayError("Stopped. " + text);
 }

@@ -170,6 +170,13 @@ void ViewDesk::RefreshRow(std::size_t row) {
   if (state.regions.RefreshValues(row, state.operands)) changes.AddRegion(static_cast<std::int32_t>(row));
 }
 
+void ViewDesk::RefreshRowsOf(const Region& region) {
+  const auto rows = state.regions.Rows();
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    if (rows[row].region.Overlaps(region)) RefreshRow(row);
+  }
+}
+
 void ViewDesk::RowSettingsChanged(std::size_t row) {
   state.regions.RefreshValues(row, state.operands);
   changes.AddRegion(static_cast<std::int32_t>(row));

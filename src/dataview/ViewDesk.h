@@ -80,6 +80,8 @@ class ViewDesk {
   // Notes cells that changed, and builds anew the regions that show them.
   void CellsChanged(const CellSpans& spans);
   void RefreshRow(std::size_t row);
+  // The rows that show any of these operands.
+  void RefreshRowsOf(const Region& region);
   // The row's description, size or format changed.
   void RowSettingsChanged(std::size_t row);
   // Rows came, went or moved. The new ones have no values yet: they are built here.

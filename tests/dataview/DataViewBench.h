@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -26,7 +27,8 @@ using testing::IsEmpty;
 
 inline constexpr auto kOk = PromptAnswer::Ok;
 
-// A controller that answers list reads with `value` and takes every write. Its calls stand in the bench's log.
+// A controller that answers list reads with `value`, and keeps what is written to MI and ML. Its calls stand in the
+// bench's log.
 class OperandChannel : public FakeChannel {
  public:
   explicit OperandChannel(CallLog& log) {
@@ -43,15 +45,41 @@ class OperandChannel : public FakeChannel {
   std::function<std::uint32_t(std::int32_t address)> value = [](std::int32_t address) {
     return static_cast<std::uint32_t>(address);
   };
-  int failAt = -1;               // the call that fails, from 0; less: none
-  std::function<void()> during;  // each call
+  int failAt = -1;                                                      // the call that fails, from 0; less: none
+  std::function<void()> during;                                         // each call
+  bool isLying = false;                                                 // only says that it has written
+  std::map<std::pair<std::int32_t, std::int32_t>, std::uint32_t> kept;  // by list code and address
 
   std::optional<std::vector<OperandListValues>> ReadOperandList(std::span<const OperandListRequest> records,
                                                                 std::uint8_t unitId) override {
     OperandListValues values;
-    for (std::int32_t i = 0; i < records.front().count; ++i) values.push_back(value(records.front().start + i));
+    const OperandListRequest& list = records.front();
+    for (std::int32_t at = list.start; at < list.start + list.count; ++at) {
+      const auto written = kept.find({list.driverTypeCode, at});
+      const bool isTriple = list.driverTypeCode == kDriverTypeTimers || list.driverTypeCode == kDriverTypeCounters;
+      values.insert(values.end(), isTriple ? 3 : 1, written != kept.end() ? written->second : value(at));
+    }
     lists = std::vector<OperandListValues>{values};
     return FakeChannel::ReadOperandList(records, unitId);
+  }
+  bool WriteMI(Int16 start, WordSpan values, Unit u) override {
+    return FakeChannel::WriteMI(start, values, u) && Keep(kMI, start, values);
+  }
+  bool WriteML(Int16 start, LongSpan values, Unit u) override {
+    return FakeChannel::WriteML(start, values, u) && Keep(kML, start, values);
+  }
+
+ private:
+  static constexpr std::int32_t kMI = 3;
+  static constexpr std::int32_t kML = 5;
+
+  template <typename Value>
+  bool Keep(std::int32_t code, std::int32_t start, std::span<const Value> values) {
+    for (const Value each : values) {
+      if (!isLying) kept[{code, start}] = static_cast<std::uint32_t>(each);
+      ++start;
+    }
+    return true;
   }
 };
 

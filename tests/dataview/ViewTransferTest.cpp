@@ -15,6 +15,15 @@ CallLog WithRequests(CallLog requests) {
   return log;
 }
 
+// A write ends with the requests that it has always had; reading back comes after it.
+CallLog WithReadBack(CallLog requests, const CallLog& reads) {
+  CallLog log = WithRequests(std::move(requests));
+  log.insert(log.end(), kTaken.begin(), kTaken.end() - 1);
+  log.insert(log.end(), reads.begin(), reads.end());
+  log.emplace_back("AbortComm on");
+  return log;
+}
+
 constexpr const char* kOutOfRangeBox =
     "Box (!) Data Types - Default: The values you have entered are out of the legal range for this data type.";
 constexpr const char* kNotSupportedBox =
@@ -173,7 +182,14 @@ TEST(WriteRegions, ReadOnlyTypesAreToldOnceAndTheOthersWritten) {
   bench.view.Edit(MI, 1, "-5");
   bench.view.Edit(ML, 3, "70000");
   EXPECT_EQ(bench.view.Status().edited, 2U);
-  EXPECT_EQ(bench.Run("ID_WriteRegions", {kOk}), WithRequests({kReadOnlyBox, "WriteMI 0 2 @1", "WriteML 3 1 @1"}));
+  bench.pacer.Sleep(std::chrono::seconds(90));
+  EXPECT_EQ(bench.Run("ID_WriteRegions", {kOk}),
+            WithReadBack({kReadOnlyBox, "WriteMI 0 2 @1", "WriteML 3 1 @1"},
+                         {"ReadOperandList @1: 0,3,0,2,0", "ReadOperandList @1: 0,5,3,1,0"}));
+  EXPECT_EQ(bench.view.Status().message,
+            "2 regions written and read back. 2 regions of types that cannot be written left out.");
+  EXPECT_EQ(bench.view.AgeText(1), "0 s");
+  EXPECT_EQ(bench.view.AgeText(0), "1 min") << "it was not written";
   EXPECT_EQ(bench.view.Status().edited, 0U);
   ASSERT_EQ(bench.changed.size(), 1U);
   EXPECT_EQ(bench.changed[0].operands, (GridSelection{RowOfType(MI), 2, RowOfType(ML), 4})) << "the marks that went";
@@ -191,6 +207,41 @@ TEST(WriteRegions, SaysHowFarItCameAndKeepsTheMarksOfTheRest) {
   EXPECT_EQ(bench.Run("ID_WriteRegions"), WithRequests({"WriteMI 0 60 @1", "WriteMI 60 60 @1"}));
   EXPECT_EQ(bench.view.Status().edited, 120U);
   EXPECT_THAT(bench.view.Status().message, HasSubstr("1 region written before that, up to MI 0..59; 2 regions not."));
+}
+
+TEST(WriteRegions, AreReadBackAndWhatDiffersIsNamed) {
+  struct Case {
+    const char* what;
+    OperandTypeCode type;
+    bool isLying;
+    int failAt;
+    const char* message;
+    const char* shown;
+  };
+  const Case cases[] = {
+      {"lying", MI, true, -1, "1 region written, but MI 0 reads 0 instead of 7, MI 1 reads 1 instead of 7.\nLikely",
+       "0"},
+      {"no reply", MI, false, 7, "1 region written; 0 of them read back before that, the others not.", "7"},
+      {"runs", TimerCurrent, false, -1, "00:00:00.01 instead of 00:00:07.00: a running timer", "00:00:00.00"},
+      {"write-only", DBI, false, -1, "1 region written. 1 region cannot be read back from a controller of", "7"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    DataViewBench bench(c.type == DBI ? "AurexQ50" : "K220-22-R1");
+    bench.Add(c.type, 0, 1);
+    for (const int address : {0, 1}) bench.view.Edit(c.type, address, c.type == TimerCurrent ? "0:0:7.0" : "7");
+    bench.channel->isLying = c.isLying;
+    bench.channel->value = [](std::int32_t address) { return static_cast<std::uint32_t>(address); };
+    bench.channel->failAt = c.failAt;
+    bench.Run("ID_WriteRegions");
+    EXPECT_THAT(bench.view.Status().message, HasSubstr(c.message));
+    EXPECT_THAT(bench.view.Status().message, testing::Not(HasSubstr("and read back")));
+    EXPECT_EQ(bench.view.Status().refusal.empty(), !c.isLying) << "it stands in the banner";
+    EXPECT_EQ(bench.view.Operands().Text(c.type, 0), c.shown);
+    if (!c.isLying) continue;
+    bench.Run("ID_Undo");
+    EXPECT_EQ(bench.view.Operands().Shown(MI, 1), (CellText{"7", CellOrigin::Edited}));
+  }
 }
 
 // ---- on line ----

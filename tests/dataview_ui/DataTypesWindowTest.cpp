@@ -23,7 +23,7 @@ using enum OperandTypeCode;
 
 using DataTypesWindowTest = ViewBench;
 
-constexpr const char* kWritten = "1 region written, not read back: Read shows what the controller holds now.";
+constexpr const char* kWritten = "1 region written and read back.";
 
 TEST_F(DataTypesWindowTest, ASelectionBecomesRegions) {
   Open();

@@ -146,7 +146,7 @@ TEST_F(Regions, AreWrittenAfterAskingAndReadOnlyOnesAside) {
 TEST_F(Regions, EndWithTheExitCodeThatTellsWhatToDo) {
   const std::string values = "MI,0,5\nMI,1,6\nMB,0,1\n";
   const std::tuple<const char*, int, const char*> cases[] = {
-      {"lie:on=WO,nth=2", 5, "MB 0 reads 0, written was 1"},
+      {"lie:on=WO,nth=2", 5, "MB 0 reads 0 instead of 1"},
       {"refuse:on=WO,code=06,nth=2", 4, "2 of 3 values had been written before"},
       {"refuse:on=WO,code=06", 4, "nothing was written"},
       {"lost:on=WO,nth=2,dir=in,away=600000", 7, "MB 0 may have been written; 2 of 3 values had been written before"},

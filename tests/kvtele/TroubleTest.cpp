@@ -21,7 +21,7 @@ std::vector<std::string> LongWrite(const char* type = "DBI") {
 
 TEST(Trouble, EndsWithTheExitCodeThatTellsWhatToDo) {
   const std::tuple<const char*, std::vector<std::string>, int, const char*> rows[] = {
-      {"lie:on=WO", {"write", "MI", "7", "5"}, 5, "MI 7 reads 0, written was 5"},
+      {"lie:on=WO", {"write", "MI", "7", "5"}, 5, "MI 7 reads 0 instead of 5"},
       {"busy:on=RO", {"read", "MI", "0"}, 4, "busy"},
       {"refuse:on=WO,code=06", {"write", "MI", "0", "1"}, 4, "nothing was written"},
       {"refuse:on=WO,code=06,nth=3", LongWrite(), 4, "DBI 0..119 had been written before"},
