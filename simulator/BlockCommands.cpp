@@ -53,7 +53,7 @@ Answer TellStatus(Machine& machine, const BlockRequest& request) {
   if (request.dataLength != kStatusLength) return Refuse(Refusal::Malformed);
   const bool inBoot = IsInBootLoader(machine);
   const bool programs = machine.flash.IsBusyWith(FlashWork::Kind::Program);
-  const bool isValid = inBoot ? machine.aurexOs.IsGoodSoFar() : machine.project.IsProgrammed();
+  const bool isValid = inBoot ? machine.aurexOs.HasWholeTopic() : machine.project.IsProgrammed();
   std::string status(kStatusLength, '\0');
   status[0] = 'R';
   status[2] = programs ? 'P' : 'I';

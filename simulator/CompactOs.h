@@ -1,6 +1,5 @@
 #pragma once
 
-#include <bitset>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -26,15 +25,12 @@ class CompactOs {
   // this model.
   [[nodiscard]] Result<void> Write(std::uint32_t address, std::string_view block);
 
-  // The version that a complete first block announces.
+  // The version in the head of the image, once all of the image is there: its length and its CRC-32 hold.
   [[nodiscard]] std::optional<OsVersion> NewVersion() const;
 
  private:
-  static constexpr std::size_t kFirstBlock = 64;
-
   const Model& mModel;
   kv::Bytes mFlash;  // empty until it is erased
-  std::bitset<kFirstBlock> mWrittenOfFirst;
 };
 
 }  // namespace sim

@@ -3,11 +3,13 @@
 #include <algorithm>
 
 #include "base/Crc32.h"
+#include "simulator/OsChange.h"
 
 namespace sim {
 namespace {
 
 constexpr std::size_t kPasswordSize = 8;
+constexpr std::size_t kForceBit = 501;  // of the system bits: inputs are forced
 
 std::uint32_t MemorySeed(const Model& model, std::uint8_t unit) {
   return kv::Crc32(std::string(model.name) + "|" + std::to_string(unit));
@@ -69,8 +71,7 @@ void Machine::PowerUp() {
   if (const auto name = project.NewName()) identity.projectName = *name;
   const auto compactVersion = compactOs.NewVersion();
   if (const auto os = compactVersion ? compactVersion : aurexOs.NewVersion()) {
-    SetOs(*os);
-    identity.hasOs = true;
+    TakeOver(*os);
   }
   if (compactVersion) compactOs.Drop();
   project.Drop();
@@ -79,6 +80,28 @@ void Machine::PowerUp() {
   compactProjectBegun = false;
   displayInSystemMode = false;
   mState = identity.hasOs ? RunState::Running : RunState::Boot;
+}
+
+// An Aurex O/S that follows none knows nothing of what was there before; one that follows another loses what the two do
+// not have in common. Forces end in any case.
+void Machine::TakeOver(const OsVersion& os) {
+  if (model.family == Family::Aurex) {
+    const OsChange change = identity.hasOs ? ChangeBetween(identity.os, os) : OsChange{true, true, true};
+    if (change.erasesProject) {
+      identity.projectName.clear();
+      memory.Erase(memory.IndexOf("AP"));
+    }
+    for (std::size_t i = 0; change.erasesMemory && i < memory.Segments().size(); ++i) {
+      if (memory.Segments()[i].letter == 'R') memory.Erase(i);
+    }
+    if (change.erasesOperands) {
+      operands.Clear();
+      MovingValues::SetFirstValues(operands);
+    }
+    operands.SetCell(Area::SB, kForceBit, 0);
+  }
+  SetOs(os);
+  identity.hasOs = true;
 }
 
 void Machine::EnterBootLoader() {

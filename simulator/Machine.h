@@ -82,6 +82,7 @@ class Machine {
 
  private:
   void PowerUp();
+  void TakeOver(const OsVersion& os);
 
   RunState mState = RunState::Running;
   MovingValues mMovingValues;

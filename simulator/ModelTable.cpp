@@ -55,7 +55,7 @@ constexpr Model kModels[] = {
     {"Q58",                       "Q58-2-R34",                 "BQ58",         "58", C, kPlainOps, kSmall, kDigits, "4.60", 19, "Q58",  kTextPanel},
     {"PX1",                       "PX1-R8",                    "BPX1",         "P8", C, kPlainOps, kSmall, kDigits, "4.60", 19, "PX1",  kTextPanel},
     {"PR1",                       "PR1-R8",                    "BPR1",         "R8", C, kPlainOps, kSmall, kDigits, "4.60", 19, "PR1",  0},
-    {"BRIO",                      "BRIO-R16",                  "BRBOOT",       "16", C, kPlainOps, kSmall, kDigits, "4.60", 19, "BRI",  0},
+    {"BRIO",                      "BRIO-R16",                  "BRBOOT",       "16", C, kPlainOps, kSmall, kDigits, "4.60", 19, "PX1",  0},
 };
 
 struct ShortName {

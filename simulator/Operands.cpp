@@ -57,6 +57,10 @@ void Operands::SetCell(Area area, std::size_t index, std::uint32_t value) {
   if (index < cells.size()) cells[index] = value;
 }
 
+void Operands::Clear() {
+  for (auto& cells : mCells) std::ranges::fill(cells, 0);
+}
+
 std::span<const std::uint32_t> Operands::Cells(Area area) const {
   return mCells[static_cast<std::size_t>(area)];
 }

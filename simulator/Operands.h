@@ -39,6 +39,7 @@ class Operands {
     return index < cells.size() ? cells[index] : 0;
   }
   void SetCell(Area area, std::size_t index, std::uint32_t value);
+  void Clear();  // all cells 0
 
   // All cells of an area under the newest O/S, for state files.
   [[nodiscard]] std::span<const std::uint32_t> Cells(Area area) const;

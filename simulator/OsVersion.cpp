@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "base/Numbers.h"
@@ -45,14 +46,19 @@ std::string ReportedBuild(const Model& model, const OsVersion& os) {
   return "B" + TwoDigits(os.build) + ";";
 }
 
+int VersionNumber(const OsVersion& os) {
+  std::string digits = os.number;
+  std::erase(digits, '.');
+  constexpr std::int64_t kMost = 999'999'999;
+  return static_cast<int>(std::min(kv::ParseInteger(digits).value_or(0), kMost));
+}
+
 bool HasOlderOperandCounts(const Model& model, std::string_view number) {
-  const auto groups = SplitAtPoints(number);
   if (model.versionStyle == VersionStyle::Fields) {
+    const auto groups = SplitAtPoints(number);
     return kv::ParseInteger(groups[0]).value_or(0) * 1000 + kv::ParseInteger(groups[1]).value_or(0) < 1001;
   }
-  std::string digits;
-  for (const auto group : groups) digits += group;
-  return kv::ParseInteger(digits).value_or(0) < 300;
+  return VersionNumber({std::string(number)}) < 300;
 }
 
 }  // namespace sim

@@ -23,6 +23,9 @@ struct OsVersion {
 [[nodiscard]] std::string ReportedVersion(const Model& model, const OsVersion& os);
 [[nodiscard]] std::string ReportedBuild(const Model& model, const OsVersion& os);
 
+// Its digits read without their points: 460 for "4.60".
+[[nodiscard]] int VersionNumber(const OsVersion& os);
+
 // Whether the O/S is one of the older ones with fewer operands: in the style of fields one below 1.1 (major * 1000 +
 // minor below 1001), else one whose digits read without their points are below 300. `number` must be a good one.
 [[nodiscard]] bool HasOlderOperandCounts(const Model& model, std::string_view number);

@@ -90,10 +90,7 @@ class StateReader {
   }
 
   void Clear() {
-    for (const AreaRow& row : AllAreas()) {
-      for (std::size_t i = 0; i < mMachine.operands.Cells(row.area).size(); ++i)
-        mMachine.operands.SetCell(row.area, i, 0);
-    }
+    mMachine.operands.Clear();
     for (std::size_t i = 0; i < mMachine.memory.Segments().size(); ++i) mMachine.memory.Erase(i);
   }
 

@@ -1,7 +1,9 @@
 #include <iostream>
 #include <memory>
+#include <string_view>
 #include <utility>
 
+#include "apps/kvsim/Make.h"
 #include "apps/kvsim/Options.h"
 #include "apps/kvsim/PtyDoor.h"
 #include "apps/kvsim/Server.h"
@@ -69,6 +71,7 @@ int Serve(const Options& options) {
 }  // namespace kvsim
 
 int main(int argc, char** argv) {
+  if (argc > 1 && std::string_view(argv[1]) == "make") return kvsim::Make(argc - 1, argv + 1);
   const auto options = kvsim::ReadOptions(argc, argv);
   if (!options) return options.error();
   if (!options->listsModels) return kvsim::Serve(*options);

@@ -23,6 +23,7 @@ constexpr const char* kExamples = R"(Examples:
                                                   one that leaves every tenth request unanswered
   kvsim --model K220-22-R1 --pty ./plc --modem    a controller behind a modem
   kvsim --list-models                             which models there are
+  kvsim make --help                               writes projects and O/S files for them
 
 Serves a simulated controller until Ctrl-C.
 )";

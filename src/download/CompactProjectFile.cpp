@@ -61,6 +61,7 @@ std::expected<CompactProjectFile, DownloadFileError> ParseCompactProject(std::st
   project.name = AnsiToUtf8((*lines)[0]);
   project.model = AnsiToUtf8((*lines)[1]);
   project.lineCount = lines->size();
+  project.endsWithReset = lines->back() == "CCE";
   lines->erase(lines->begin(), lines->begin() + kCompactProjectHeadLines);
   project.commands = *std::move(lines);
   project.stamp = StampOf(bytes);

@@ -19,7 +19,9 @@ struct CompactProjectFile {
   std::string name;                   // of the project, UTF-8
   std::string model;                  // that it is made for, UTF-8
   std::vector<std::string> commands;  // in the order of sending; each can be the text of a frame
-  std::size_t lineCount = 0;          // of the whole file: the commands and the head
+  // The last command is "CCE". Nothing in a file of this kind tells where it ends: one that lacks it may have been cut.
+  bool endsWithReset = false;
+  std::size_t lineCount = 0;  // of the whole file: the commands and the head
   FileStamp stamp;
 };
 

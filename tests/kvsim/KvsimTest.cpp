@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "KvsimProcess.h"
+#include "download/DownloadFile.h"
+#include "download/OsFileLists.h"
 #include "link/AsciiFrame.h"
 #include "tests/base/TemporaryFolder.h"
 
@@ -51,6 +53,32 @@ TEST_F(KvsimTest, ServesSeveralClientsInTurnAndAtOnce) {
   EXPECT_THAT(Exchange(second, "ID"), StartsWith("/01IDQ50-2-R34|"));
   EXPECT_THAT(Exchange(DialLoopback(port), "ID"), StartsWith("/01IDQ50-2-R34|"));
   EXPECT_EQ(kvsim.End(SIGTERM), 0);
+}
+
+// What a fresh installation has, and files for a model and a version of their own, are what the programs take.
+TEST_F(KvsimTest, MakesFilesThatCanBeDownloaded) {
+  const auto make = [this](const std::string& rest) {
+    return std::system(("cd " + folder.string() + " && " KVSIM_PROGRAM " make " + rest + " >/dev/null 2>&1").c_str());
+  };
+  EXPECT_EQ(make("set ."), 0);
+  EXPECT_EQ(make("project Pump.d50 --model Q50 --name 'Pump 2'"), 0);
+  EXPECT_EQ(make("os . --model K220-32 --version 3.00 --build 7 --remark x"), 0);
+  EXPECT_EQ(make("fonts . --model K330 --version 1.31 --build 2"), 0);
+  EXPECT_NE(make("fonts . --model Q50"), 0);
+  EXPECT_NE(make("os . --model K330 --version 4.6"), 0);
+  EXPECT_NE(make("os missing/folder/ --model K330"), 0);
+  int files = 0;
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    if (!entry.is_regular_file()) continue;
+    ++files;
+    const auto read = kv::ReadDownloadFile(entry.path());
+    EXPECT_TRUE(read) << read.error().Text();
+  }
+  EXPECT_EQ(files, 30);
+  EXPECT_TRUE(fs::exists(folder / "AurexK222v30007.kos"));
+  const kv::ProgramPaths paths(folder);
+  EXPECT_EQ(kv::ListAurexOsFiles(paths, "K220-22").os.files.size(), 3u);
+  EXPECT_EQ(kv::ListCompactOsFiles(paths, {.kind = kv::CompactKind::PR1}).files.size(), 2u);
 }
 
 TEST_F(KvsimTest, KeepsATerminalForClientsThatComeAndGo) {

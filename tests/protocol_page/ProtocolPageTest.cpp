@@ -13,11 +13,14 @@
 #include "KvCmDrv1/wire/CommandFacts.h"
 #include "KvCmDrv1/wire/OperandTypes.h"
 #include "MarkdownTables.h"
+#include "base/Numbers.h"
 #include "dataview/operands/OperandCatalogue.h"
+#include "download/AurexPlaces.h"
 #include "link/ControllerErrorText.h"
 #include "models/ModelCatalogue.h"
 #include "simulator/BlockCommands.h"
 #include "simulator/CommandTable.h"
+#include "simulator/FlashMap.h"
 #include "simulator/FrameReader.h"
 #include "simulator/Memory.h"
 #include "simulator/OperandTypes.h"
@@ -73,6 +76,26 @@ TEST(ProtocolPage, BlockOperations) {
     EXPECT_EQ(operations[i].needsColour, row[4] == "yes");
     EXPECT_EQ(operations[i].takesPayload, !row[6].starts_with("none"));
     EXPECT_NE(BlockOperationName(operations[i].opCode), "unknown operation");
+  }
+}
+
+TEST(ProtocolPage, PlacesOfAnAurexOs) {
+  const auto rows = RowsBelow({"O/S model", "O/S, first and last address", "Fonts, first and last address"});
+  EXPECT_EQ(rows.size(), 4u);
+  const auto addresses = [](std::uint32_t first, std::uint32_t end) {
+    return ToHex(first, 8) + " " + ToHex(end - 1, 8);
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row[0]);
+    const sim::FlashMap* map = sim::FindFlashMap(CodeIn(row[0]));
+    ASSERT_TRUE(map);
+    EXPECT_EQ(row[1], addresses(map->os.first, map->os.end));
+    EXPECT_EQ(row[2], addresses(map->fonts.first, map->fonts.end));
+    if (map->osModel == "CLR ") continue;  // no file for colour models
+    const AurexPlaces* places = PlacesOf(map->osModel);
+    ASSERT_TRUE(places);
+    EXPECT_EQ(row[1], addresses(places->osStart, places->osEnd));
+    EXPECT_EQ(row[2], addresses(places->fontsStart, places->fontsEnd));
   }
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ControllerBench.h"
+#include "OsTransferBytes.h"
 
 namespace sim::test {
 namespace {
@@ -83,10 +84,12 @@ TEST(Downloads, APowerFailureCutsTheWorkOfTheFlash) {
   Bench os("K330");
   const auto transfer = [&os] {
     EXPECT_EQ(os.Text("CCB"), "CCOK");
-    EXPECT_EQ(os.Block(65, 0, 16, 0, 0, std::string("OS\x64\x01K330461\0\0\0\0\0", 16)).status, 10);
+    EXPECT_EQ(os.Block(65, 0, 16, 0, 0, OsHeader("K330", 461, 2, "ab")).status, 10);
     EXPECT_EQ(StatusByte(os, 9), 0);
-    EXPECT_EQ(os.Block(65, 0, 2, 1, 1, "ab").status, 10);
-    EXPECT_EQ(StatusByte(os, 9), 1) << "an O/S is there, and all of it in step";
+    EXPECT_EQ(os.Block(65, 0x100000, 9, 1, 1, Stored("ab").substr(0, 9)).status, 10);
+    EXPECT_EQ(StatusByte(os, 9), 0) << "in the middle of a topic";
+    EXPECT_EQ(os.Block(65, 0x100009, 1, 2, 1, "b").status, 10);
+    EXPECT_EQ(StatusByte(os, 9), 1) << "the topic is there, and all of it in step";
     EXPECT_EQ(os.Block(69).status, 11);
   };
   transfer();
@@ -98,7 +101,7 @@ TEST(Downloads, APowerFailureCutsTheWorkOfTheFlash) {
   os.Wait(1s);
   os.It().Restart();
   EXPECT_EQ(os.State(), 'R') << "programmed: a power failure does what the reset would do";
-  EXPECT_EQ(os.Text("ID"), "IDK330|33|4.61|00");
+  EXPECT_EQ(os.Text("ID"), "IDK330|33|4.61|02");
 
   Bench compact("Q51");
   EXPECT_EQ(compact.Text("CCB"), "CCOK");
@@ -129,36 +132,49 @@ TEST(Downloads, ACompactProjectIsErasedAndWritten) {
   EXPECT_EQ(bench.State(), 'R');
 }
 
-std::string OsHeader(const std::string& model, const std::string& version) {
-  return std::string("OS\x64\x01") + model + version + std::string(5, '\0');
-}
-
 TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
-  const std::tuple<std::string, std::string, std::string> cases[] = {{"K220-22-R1", "K220", "|4.75|00"},
-                                                                     {"K220-32", "K222", "|4.75|00"},
-                                                                     {"K380", "K330", "|4.75|00"},
-                                                                     {"K670", "CLR ", "O/S 4.75;|B00;"}};
-  for (const auto& [model, image, reported] : cases) {
+  const std::tuple<std::string, std::string, std::uint32_t, std::uint32_t, std::string> cases[] = {
+      {"K220-22-R1", "K220", 0x80000, 0x180000, "|4.75|03"},
+      {"K220-32", "K222", 0x80000, 0x180000, "|4.75|03"},
+      {"K380", "K330", 0x100000, 0x300000, "|4.75|03"},
+      {"K670", "CLR ", 0x1000000, 0x1400000, "O/S 4.75;|B03;"}};
+  for (const auto& [model, image, osPlace, fontsPlace, reported] : cases) {
     SCOPED_TRACE(model);
     Bench bench(model);
     EXPECT_EQ(bench.Text("CCB"), "CCOK");
     EXPECT_EQ(StatusByte(bench, 28), 3);
-    const auto chunk = [&bench](std::uint16_t topic, std::uint16_t sequence, const std::string& data) {
-      return bench.Block(65, 0x1000, static_cast<std::uint32_t>(data.size()), sequence, topic, data).status;
+    const auto chunk = [&bench](std::uint16_t topic, std::uint32_t address, std::uint16_t sequence,
+                                const std::string& data) {
+      return bench.Block(65, address, static_cast<std::uint32_t>(data.size()), sequence, topic, data).status;
     };
-    EXPECT_EQ(chunk(1, 1, "data"), kRefused + 0xF);  // no header yet
-    EXPECT_EQ(chunk(3, 1, "data"), kRefused + 0xF);
-    EXPECT_EQ(chunk(3, 1, ""), kRefused + 2);
-    EXPECT_EQ(chunk(0, 0, OsHeader("K999", "475")), kRefused + 0xF);
-    EXPECT_EQ(chunk(0, 0, OsHeader(image, "4x5")), kRefused + 0xF);
-    EXPECT_EQ(chunk(0, 0, OsHeader(image, "475")), 10);
+    const std::string os(500 * 256 - 8, 'x');
+    const std::string fonts = "fonts";
+    const std::string stream = Stored(os);
+    EXPECT_EQ(chunk(1, osPlace, 1, stream.substr(0, 500)), kRefused + 0xF) << "no header yet";
+    EXPECT_EQ(chunk(3, osPlace, 1, ""), kRefused + 2);
+    EXPECT_EQ(chunk(0, 0, 0, OsHeader("K999", 475, 3, os, fonts)), kRefused + 0xF);
+    EXPECT_EQ(chunk(0, 0, 0, OsHeader(image, 1000, 3, os, fonts)), kRefused + 0xF);
+    EXPECT_EQ(chunk(0, 0, 0, OsHeader(image, 475, 3, os, fonts)), 10);
     EXPECT_EQ(bench.Block(69).status, kRefused + 0xF);
-    EXPECT_EQ(chunk(1, 2, "data"), kRefused + 0xF);
-    for (std::uint16_t k = 1; k <= 256; ++k) EXPECT_EQ(chunk(1, k == 256 ? 1 : k, std::string(500, 'x')), 10);
-    EXPECT_EQ(chunk(1, 1, std::string(500, 'x')), 10);  // a repeat
-    EXPECT_EQ(chunk(1, 3, "data"), kRefused + 0xF);
-    EXPECT_EQ(chunk(1, 2, std::string(501, 'x')), kRefused + 2);
-    EXPECT_EQ(chunk(2, 1, "fonts"), 10);
+    EXPECT_EQ(chunk(1, osPlace, 2, stream.substr(0, 500)), kRefused + 0xF);
+    EXPECT_EQ(chunk(1, osPlace, 1, stream.substr(0, 8)), kRefused + 0xF);
+    EXPECT_EQ(chunk(1, osPlace - 1, 1, stream.substr(0, 500)), kRefused + 0xB);
+    EXPECT_EQ(chunk(1, fontsPlace, 1, stream.substr(0, 500)), kRefused + 0xB);
+    EXPECT_EQ(chunk(1, fontsPlace - 2000, 1, stream.substr(0, 500)), kRefused + 0xB);
+    EXPECT_EQ(chunk(1, osPlace, 1, Little(5, 4) + Little(6, 4) + "abcdef"), kRefused + 0xF) << "grows by packing";
+    EXPECT_EQ(chunk(1, osPlace, 1, Little(500, 4) + Little(6, 4) + "abcdef"), kRefused + 0xF) << "no zlib stream";
+    for (std::uint16_t k = 1; k <= 256; ++k) {
+      const std::uint32_t at = 500u * (k - 1u);
+      EXPECT_EQ(chunk(1, osPlace + at, k == 256 ? 1 : k, stream.substr(at, 500)), 10) << k;
+      if (k != 7) continue;
+      EXPECT_EQ(chunk(1, osPlace + at, 7, stream.substr(at, 500)), 10) << "a repeat";
+      EXPECT_EQ(chunk(1, osPlace + at, 8, stream.substr(at, 500)), kRefused + 0xF) << "out of step";
+    }
+    EXPECT_EQ(chunk(1, osPlace + 128000, 2, "more"), kRefused + 0xF);
+    EXPECT_EQ(chunk(2, fontsPlace - 1000, 1, std::string(501, 'x')), kRefused + 2);
+    EXPECT_EQ(bench.Block(69).status, kRefused + 0xF) << "the fonts are missing";
+    EXPECT_EQ(chunk(17, fontsPlace, 1, Stored(fonts)), kRefused + 0xF);
+    EXPECT_EQ(chunk(16, fontsPlace, 1, Stored(fonts)), 10);
     EXPECT_EQ(bench.Block(69).status, 11);
     bench.Wait(10s);
     EXPECT_NE(StatusByte(bench, 9), 0);
@@ -168,16 +184,54 @@ TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
   }
 }
 
-TEST(Downloads, AnOsThatWasNotProgrammedLeavesTheOldOne) {
-  Bench bench("K330");
+void ReplaceOs(Bench& bench, std::uint32_t version) {
   EXPECT_EQ(bench.Text("CCB"), "CCOK");
-  EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", "461")).status, 10);
-  EXPECT_EQ(bench.Block(65, 0, 2, 1, 1, "ab").status, 10);
+  EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", version, 0, "ab")).status, 10);
+  EXPECT_EQ(bench.Block(65, 0x100000, 10, 1, 1, Stored("ab")).status, 10);
   EXPECT_EQ(bench.Block(69).status, 11);
   bench.Wait(1s);
-  EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", "299")).status, 10) << "drops the one that was programmed";
+}
+
+TEST(Downloads, AnOsThatWasNotProgrammedLeavesTheOldOne) {
+  Bench bench("K330");
+  ReplaceOs(bench, 461);
+  EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", 299, 0, "ab")).status, 10) << "drops the programmed one";
+  EXPECT_EQ(bench.Block(65, 0x100000, 10, 1, 1, Stored("aX")).status, 10);
+  EXPECT_EQ(bench.Block(69).status, kRefused + 0xF) << "other data than the header has announced";
   EXPECT_EQ(bench.Text("CCE"), "CCOK");
   EXPECT_EQ(bench.Text("ID"), "IDK330|33|4.60|19");
+}
+
+// What a user is warned of before he replaces an O/S really happens, at each version from which on it does.
+TEST(Downloads, AnOsOfAnotherKindCostsWhatItCannotKeep) {
+  struct Case {
+    std::string before;
+    std::uint32_t after;
+    bool keepsProject, keepsMemory, keepsValues;
+  };
+  const Case cases[] = {
+      {"4.60", 475, true, true, true},   {"3.73", 373, true, true, true},    {"3.73", 374, true, false, true},
+      {"3.74", 373, true, false, false}, {"2.99", 374, true, false, false},  {"3.00", 299, true, false, false},
+      {"2.00", 201, false, true, true},  {"2.01", 250, true, true, true},    {"1.10", 111, false, true, true},
+      {"2.50", 251, false, true, true},  {"2.90", 400, false, false, false}, {"2.91", 300, true, true, true}};
+  for (const Case& change : cases) {
+    SCOPED_TRACE(change.before + " to " + std::to_string(change.after));
+    Bench bench(Options("K330", change.before));
+    SendProject(bench, "Hall");
+    EXPECT_EQ(bench.Block(69).status, 11);
+    bench.Wait(1s);
+    EXPECT_EQ(bench.Text("CCE"), "CCOK");
+    bench.Write("0300050001", "0007");
+    bench.Write("0201F50001", "01");
+    const auto memory = [&bench] { return bench.Own("RM", "001000000020"); };
+    const std::string before = memory();
+    ReplaceOs(bench, change.after);
+    EXPECT_EQ(bench.Text("CCE"), "CCOK");
+    EXPECT_EQ(ProjectName(bench), change.keepsProject ? "48616C6C" : "");
+    EXPECT_EQ(memory() == before, change.keepsMemory);
+    EXPECT_EQ(bench.Read("0300050001"), change.keepsValues ? "0007" : "0000");
+    EXPECT_EQ(bench.Read("0201F50001"), "00") << "no force outlives an O/S";
+  }
 }
 
 std::string Digits(const std::string& bytes) {
@@ -189,13 +243,13 @@ std::string Digits(const std::string& bytes) {
 TEST(Downloads, ACompactOsReplacesTheReportedVersion) {
   const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
       {"Q50", "OSE0", "FW0000", "Q50"}, {"Q51", "OSE0", "OSP0", "Q51"},  {"Q58", "OSE0", "OSP0", "Q58"},
-      {"PX1", "OSC7F", "OSP0", "PX1"},  {"PR1", "OSC7F", "OSP0", "PR1"}, {"BRIO", "OSC7F", "OSP0", "BRI"}};
+      {"PX1", "OSC7F", "OSP0", "PX1"},  {"PR1", "OSC7F", "OSP0", "PR1"}, {"BRIO", "OSC7F", "OSP0", "PX1"}};
   for (const auto& [model, erase, write, code] : cases) {
     SCOPED_TRACE(model);
     Bench bench(model);
     const std::string ok = write.substr(0, 2) + "OK";
     const std::string refused = write.substr(0, 2) + "ERROR";
-    const auto image = [](const std::string& name) { return Digits("KOSI" + name + "v4712" + std::string(52, 'x')); };
+    const auto image = [](const std::string& name) { return Digits(CompactImage(name, "4712", 128)).substr(0, 128); };
     EXPECT_EQ(bench.Text("CCB"), "CCOK");
     EXPECT_EQ(bench.Text("FS05"), "FSOK");
     EXPECT_EQ(bench.Text("FI"), "FI10");
@@ -208,11 +262,11 @@ TEST(Downloads, ACompactOsReplacesTheReportedVersion) {
     EXPECT_EQ(bench.Text("OSS"), "OS10");
     bench.Wait(3s);
     EXPECT_EQ(bench.Text("OSS"), "OS00");
-    EXPECT_EQ(bench.Text(write + "0040" + Digits(std::string(64, 'y'))), ok);
-    EXPECT_EQ(bench.Text("CCE"), "CCOK");
-    EXPECT_EQ(bench.State(), 'B');  // no first block yet
     EXPECT_EQ(bench.Text(write + "0000" + image("Q99")), refused + "0F");
     EXPECT_EQ(bench.Text(write + "0000" + image(code)), ok);
+    EXPECT_EQ(bench.Text("CCE"), "CCOK");
+    EXPECT_EQ(bench.State(), 'B') << "half of the image is missing";
+    EXPECT_EQ(bench.Text(write + "0040" + Digits(std::string(64, 'x'))), ok);
     EXPECT_EQ(bench.Text(write + "0000" + image(code)), ok);  // a repeat
     EXPECT_EQ(bench.Text(write + "0040" + Digits(std::string(64, 'z'))), refused + "0D");
     EXPECT_EQ(bench.Text("CCE"), "CCOK");

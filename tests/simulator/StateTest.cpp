@@ -5,6 +5,7 @@
 #include <string>
 
 #include "ControllerBench.h"
+#include "OsTransferBytes.h"
 #include "tests/base/TemporaryFolder.h"
 
 namespace sim::test {
@@ -72,8 +73,8 @@ TEST_F(State, SwitchingOffFreezesAndIsNoPowerFailure) {
     Bench bench(Kept("K330"));
     EXPECT_EQ(bench.State(), 'L');
     EXPECT_EQ(bench.Text("CCB"), "CCOK");
-    EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, std::string("OS\x64\x01K330461\0\0\0\0\0", 16)).status, 10);
-    EXPECT_EQ(bench.Block(65, 0, 2, 1, 1, "ab").status, 10);
+    EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", 461, 0, "ab")).status, 10);
+    EXPECT_EQ(bench.Block(65, 0x100000, 10, 1, 1, Stored("ab")).status, 10);
     EXPECT_EQ(bench.Block(69).status, 11);
     EXPECT_TRUE(bench.It().SaveState());
   }

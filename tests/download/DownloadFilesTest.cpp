@@ -1,0 +1,241 @@
+// The files are written by the simulator's code, which shares none with the readers.
+
+#include "download/DownloadFile.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+#include "Samples.h"
+#include "download/DecodeFile.h"
+#include "download/OsFileName.h"
+#include "simulator/LittleEndian.h"
+#include "simulator/files/SampleBytes.h"
+#include "tests/base/TemporaryFolder.h"
+
+namespace kv::test {
+namespace {
+
+using testing::HasSubstr;
+using Fault = DownloadFileFault;
+
+TEST(DownloadFiles, SayWhatIsInThem) {
+  const TemporaryFolder folder;
+  const auto aurex = ReadAurexProject(folder.Put("a.dai", SampleProject("K220-22-R1")));
+  ASSERT_TRUE(aurex) << aurex.error().Text();
+  EXPECT_EQ(aurex->osVersion * 100 + aurex->osBuild, 46019);
+  EXPECT_EQ(aurex->model + "/" + aurex->name, "K220-22-R1/Hall 7");
+  EXPECT_EQ(std::string(aurex->passwordBlock.begin(), aurex->passwordBlock.end()), "PASSWORD");
+  ASSERT_EQ(aurex->topics.size(), 3u);
+  EXPECT_EQ(aurex->topics[0].param3, 1);
+  EXPECT_EQ(aurex->topics[2].param1, 4096u);
+  EXPECT_EQ(aurex->topics[2].data.size(), 5000u - 4096u);
+  EXPECT_EQ(aurex->dataBytes, 5020u);
+
+  const auto compact = ReadCompactProject(folder.Put("c.d50", SampleProject("Q51", 100)));
+  ASSERT_TRUE(compact) << compact.error().Text();
+  EXPECT_EQ(compact->model + "/" + compact->name, "Q51-2-R34/Hall 7");
+  EXPECT_EQ(compact->lineCount, 10u);
+  EXPECT_EQ(compact->commands.front(), "CCS");
+  EXPECT_EQ(compact->commands[3], "LN48616C6C2037");
+  EXPECT_TRUE(compact->endsWithReset);
+
+  const auto os = ReadAurexOsFile(folder.Put("AurexK222v47503.kos", SampleOs("K220-32", {"4.75", 3})));
+  ASSERT_TRUE(os) << os.error().Text();
+  EXPECT_EQ(os->model, "K222");
+  EXPECT_EQ(os->number, (OsNumber{475, 3}));
+  EXPECT_EQ(os->remark, "beta");
+  ASSERT_EQ(os->topics.size(), 3u);
+  EXPECT_EQ(os->topics[0].base, 0x80000u);
+  EXPECT_EQ(os->topics[1].base, 0x80000u + 120);
+  EXPECT_EQ(os->topics[2].name, "tables");
+  EXPECT_TRUE(os->topics[0].isCompressed);
+  EXPECT_FALSE(os->topics[2].isCompressed);
+
+  const auto fonts = ReadFontsFile(folder.Put("AurexFontv1312.kft", SampleFonts("K330", {"1.31", 2})));
+  ASSERT_TRUE(fonts) << fonts.error().Text();
+  EXPECT_EQ(fonts->model, "K330");
+  EXPECT_EQ(fonts->number, (OsNumber{131, 2}));
+  EXPECT_EQ(fonts->data.size(), 200u);
+
+  const auto image = ReadCompactOsFile(folder.Put("q58V4712.osi", SampleOs("Q58", {"4.71", 2})));
+  ASSERT_TRUE(image) << image.error().Text();
+  EXPECT_EQ(image->head.model, "Q58");
+  EXPECT_EQ(image->head.number, (OsNumber{471, 2}));
+  EXPECT_EQ(image->image.size(), 256u);
+}
+
+struct Kind {
+  std::string name;
+  std::string good;
+  std::function<bool(const std::string&)> isWhole;
+};
+
+// Nothing in a compact project tells where it ends; what it lacks when it is cut is the reset with which it closes.
+std::vector<Kind> AllKinds() {
+  return {
+      {"dai", SampleProject("K330", 300), [](auto& bytes) { return ParseAurexProject(bytes, "f").has_value(); }},
+      {"d50", SampleProject("Q50", 100),
+       [](auto& bytes) {
+         const auto project = ParseCompactProject(bytes, "f");
+         return project && project->endsWithReset;
+       }},
+      {"kos", SampleOs("K330", {"4.60", 19}), [](auto& bytes) { return ParseAurexOsFile(bytes, "f").has_value(); }},
+      {"kft", SampleFonts("K330", {"1.30", 0}), [](auto& bytes) { return ParseFontsFile(bytes, "f").has_value(); }},
+      {"OSI", SampleOs("Q50", {"4.60", 2}), [](auto& bytes) { return ParseCompactOsFile(bytes, "f").has_value(); }}};
+}
+
+TEST(DownloadFiles, ThatWereDamagedAreKnownAsDamaged) {
+  for (const Kind& kind : AllKinds()) {
+    EXPECT_TRUE(kind.isWhole(kind.good)) << kind.name;
+    const std::size_t lineEnd = kind.name == "d50" ? 2 : 0;  // of the last line; it may be missing
+    for (std::size_t size = 0; size + lineEnd < kind.good.size(); ++size) {
+      EXPECT_FALSE(kind.isWhole(kind.good.substr(0, size))) << kind.name << " cut at " << size;
+    }
+    if (kind.name.starts_with('d')) continue;  // projects have no check
+    for (std::size_t i = 0; i < kind.good.size(); ++i) {
+      std::string changed = kind.good;
+      changed[i] = static_cast<char>(changed[i] ^ 0x10);
+      EXPECT_FALSE(kind.isWhole(changed)) << kind.name << " changed at " << i;
+    }
+  }
+}
+
+// Puts a number at a place of an O/S file and mends its check, as a careless tool would.
+std::string With(std::string file, std::size_t offset, std::uint32_t value, std::size_t bytes, std::size_t checkAt) {
+  sim::PutLittle(file.data() + offset, value, bytes);
+  sim::PutCheck(file, checkAt);
+  return file;
+}
+
+std::string WithProjectLength(std::uint32_t length) {
+  std::string bytes = DecodeBytes(SampleProject("K330", 300));
+  sim::PutLittle(bytes.data() + 150 + 6, length, 4);
+  return DecodeBytes(bytes);
+}
+
+std::string Scrambled(std::initializer_list<std::string> lines) {
+  std::string file;
+  std::size_t number = 0;
+  for (const std::string& line : lines) {
+    std::string written(line.rbegin(), line.rend());
+    for (char& c : written) c = static_cast<char>(c + static_cast<char>(number % 3));
+    file += written + "\r\n";
+    ++number;
+  }
+  return file;
+}
+
+TEST(DownloadFiles, ThatAreNotRightAreRefusedWithTheReason) {
+  const std::string os = SampleOs("K330", {"4.60", 19});
+  const std::string fonts = SampleFonts("K330", {"1.30", 0});
+  const std::string image = SampleOs("Q50", {"4.60", 2});
+  const std::string kos = "AurexK330v46019.kos";
+  const std::string sign = "T50 Ladder Download File";
+  const std::string signature150(150, '\0');
+  struct Case {
+    std::string name;
+    std::string content;
+    Fault fault;
+    std::string text;
+  };
+  const Case cases[] = {
+      {"a.dai", std::string(149, 'x'), Fault::NotLegal, "at least 150 bytes, not 149"},
+      {"a.dai", signature150, Fault::NotLegal, "Aurex Download File"},
+      {"a.dai", SampleProject("Q50"), Fault::NotLegal, "Aurex Download File"},
+      {"a.dai", WithProjectLength(0xFFFFFFFF), Fault::Damaged, "topic 1 at byte 150: expected at most 1048576"},
+      {"a.dai", WithProjectLength(500), Fault::Damaged, "expected 500 bytes of data, and found 332"},
+      {"a.d50", Scrambled({"n", "Q50", sign, "DI", "DE"}), Fault::NotLegal, "\"DE\""},
+      {"a.d50", Scrambled({"n", "Q50", "T51", "DE", "DI"}), Fault::NotLegal, "signature"},
+      {"a.d50", SampleProject("K330"), Fault::NotLegal, "signature"},
+      {"a.d50", std::string(300'000, '\n'), Fault::NotLegal, "200000 lines"},
+      {"a.d50", std::string(10 << 20, 'x'), Fault::NotLegal, "signature"},
+      {"a.d50", std::string(17 << 20, 'x'), Fault::NotLegal, "larger than any"},
+      {"a.d50", Scrambled({"n", "Q50", sign, "DE", "DI", "", "CCE"}), Fault::Damaged, "line 6: expected 1 to 1100"},
+      {"a.d50", Scrambled({"n", "Q50", sign, "DE", "DI", "L\xC4"}), Fault::Damaged, "line 6"},
+      {"a.d50", Scrambled({"n", "Q50", sign, "DE", "DI", std::string(1101, 'x')}), Fault::Damaged, "line 6"},
+      {kos, "", Fault::NotLegal, "KVOS"},
+      {kos, fonts, Fault::NotLegal, "KVOS"},
+      {kos, With(os, 4, 2, 2, 12), Fault::NotLegal, "format 1"},
+      {kos, os + "x", Fault::Damaged, "says that it has 360 bytes, and has 361"},
+      {kos, With(os, 16, 0x32204C43, 4, 12), Fault::Damaged, "K220, K222 or K330"},
+      {kos, With(os, 20, 'x', 1, 12), Fault::Damaged, "digits"},
+      {kos, With(os, 6, 0, 2, 12), Fault::Damaged, "1 to 15 topics"},
+      {kos, With(os, 6, 16, 2, 12), Fault::Damaged, "1 to 15 topics"},
+      {kos, With(os, 6, 12, 2, 12), Fault::Damaged, "12 entries"},
+      {kos, With(os, 6, 2, 2, 12), Fault::Damaged, "end of the last topic"},
+      {kos, With(os, 64, 0, 2, 12), Fault::Damaged, "number from 1 to 15"},
+      {kos, With(os, 96, 1, 2, 12), Fault::Damaged, "byte 96: expected a topic's number from 2 to 15"},
+      {kos, With(os, 66, 3, 2, 12), Fault::Damaged, "flag"},
+      {kos, With(os, 68, 0x000FFFFF, 4, 12), Fault::Damaged, "place from 0x00100000 to 0x002FFFFF"},
+      {kos, With(os, 68, 0x002FFFFF, 4, 12), Fault::Damaged, "place from"},
+      {kos, With(os, 100, 0x00100000, 4, 12), Fault::Damaged, "place from 0x00100078"},
+      {kos, With(os, 72, 0, 4, 12), Fault::Damaged, "1 to 200 bytes"},
+      {kos, With(os, 72, 0xFFFFFFFF, 4, 12), Fault::Damaged, "1 to 200 bytes"},
+      {"AurexK330v46119.kos", os, Fault::Damaged, "ends with \"AurexK330v46019.kos\""},
+      {"AurexK220v46019.kos", os, Fault::Damaged, "its name"},
+      {"os.kos", os, Fault::Damaged, "its name"},
+      {"AurexFontv1300.kft", fonts.substr(0, 15), Fault::NotLegal, "16 bytes"},
+      {"AurexFontv1300.kft", With(fonts, 0, 'X', 1, 12), Fault::NotLegal, "\"KF\""},
+      {"AurexFontv1300.kft", With(fonts, 2, 'X', 1, 12), Fault::NotLegal, "K220, K222 or K330"},
+      {"AurexFontv1300.kft", With(fonts, 6, 10000, 2, 12), Fault::NotLegal, "four digits"},
+      {"AurexFontv1300.kft", With(fonts, 8, 0xFFFFFFFF, 4, 12), Fault::Damaged, "4294967311 bytes, and has 216"},
+      {"AurexFontv1290.kft", fonts, Fault::Damaged, "its name"},
+      {"Q50v4602.OSI", With(image, 7, 'w', 1, 16), Fault::NotLegal, "KOSI"},
+      {"Q50v4602.OSI", With(image, 5, '6', 1, 16), Fault::NotLegal, "Q50, Q51, Q58"},
+      {"Q50v4602.OSI", With(image, 12, 0xFFFFFFFF, 4, 16), Fault::Damaged, "4294967295 bytes, and has 256: it was cut"},
+      {"Q50v4602.OSI", With(image + "x", 12, 257, 4, 16), Fault::Damaged, "whole blocks"},
+      {"Q51v4602.OSI", image, Fault::Damaged, "expected \"Q50v4602.OSI\""},
+      {"Q50v4612.OSI", image, Fault::Damaged, "its name"},
+      {"os.bin", os, Fault::NotLegal, ".kos"},
+  };
+  const TemporaryFolder folder;
+  for (const Case& wrong : cases) {
+    SCOPED_TRACE(wrong.name + " " + wrong.text);
+    const auto read = ReadDownloadFile(folder.Put(wrong.name, wrong.content));
+    ASSERT_FALSE(read);
+    EXPECT_EQ(read.error().fault, wrong.fault);
+    EXPECT_THAT(read.error().Text(), HasSubstr(wrong.text));
+    EXPECT_THAT(read.error().Text(), HasSubstr(wrong.name));
+  }
+  for (const char* name : {"gone.dai", "gone.d50", "gone.kos", "gone.kft", "gone.OSI"}) {
+    EXPECT_EQ(ReadDownloadFile(folder.Path() / name).error().fault, Fault::Unreadable);
+    std::filesystem::create_directory(folder.Path() / name);
+    EXPECT_EQ(ReadDownloadFile(folder.Path() / name).error().fault, Fault::Unreadable);
+  }
+}
+
+// What the settled formats leave to other makers' files.
+TEST(DownloadFiles, OfProjectsMayDifferWhereItDoesNoHarm) {
+  std::string empty = DecodeBytes(SampleProject("K330", 0)).substr(0, 150);
+  sim::PutLittle(empty.data() + 10, 0, 2);
+  const auto noTopics = ParseAurexProject(DecodeBytes(empty), "f");
+  ASSERT_TRUE(noTopics) << noTopics.error().Text();
+  EXPECT_TRUE(noTopics->topics.empty());
+
+  std::string loose = DecodeBytes(SampleProject("K330", 300) + "x");
+  sim::PutLittle(loose.data() + 10, 1, 2);
+  loose.replace(50, 20,
+                std::string("K\0"
+                            "33\0"
+                            "0",
+                            6) +
+                    std::string(14, '\0'));
+  const auto more = ParseAurexProject(DecodeBytes(loose), "f");
+  ASSERT_TRUE(more) << more.error().Text();
+  EXPECT_EQ(more->topics.size(), 2u);
+  EXPECT_EQ(more->model, "K330");
+
+  const std::string lines =
+      "\xE4\n50R\n"
+      "gnkH\"fcqnpyqF\"tgffcN\"27V\nED\nJE\n\n\n";
+  const auto compact = ParseCompactProject(lines, "f");
+  ASSERT_TRUE(compact) << compact.error().Text();
+  EXPECT_EQ(compact->name, "ä");
+  EXPECT_EQ(compact->model, "Q/4");
+  EXPECT_EQ(compact->commands, (std::vector<std::string>{"DE", "DI"}));
+  EXPECT_FALSE(compact->endsWithReset);
+}
+
+}  // namespace
+}  // namespace kv::test
