@@ -38,6 +38,7 @@ struct CreateOrder {
 struct RestoreOrder {
   bool force = false;                             // whatever speaks against the file is only told
   bool verify = false;                            // afterwards; the answer is then that of the comparison
+  bool endLoad = false;                           // one that is under way in the controller, or was cut
   bool eraseEmpty = false;                        // segments of which the file has no line are erased, too
   bool unitFromController = false;                // the lines are sent for the controller's unit id
   std::optional<std::filesystem::path> backup{};  // what the controller holds before goes there

@@ -39,6 +39,7 @@ class VerbClone : public Verb {
   bool mNoStop = false;
   bool mForce = false;
   bool mVerify = false;
+  bool mEndLoad = false;
   bool mEraseEmpty = false;
   bool mUnitFromController = false;
 };
@@ -104,6 +105,8 @@ void VerbClone::Declare(CLI::App& app) {
   app.add_option("--comment", mComment, "create: a text for the manifest")->type_name("TEXT");
   app.add_flag("--force", mForce, "restore: also a damaged file, or one of another model or layout");
   app.add_flag("--verify", mVerify, "restore: compare the controller with the file afterwards");
+  app.add_flag("--end-load", mEndLoad,
+               "restore: end a load that is under way in the controller or was cut, somebody else's, too");
   app.add_flag("--erase-empty", mEraseEmpty, "restore: erase segments that were erased as a whole in the clone");
   app.add_flag("--unit-from-controller", mUnitFromController, "restore: send the lines for the controller's unit id");
   app.add_option("--backup", mBackup, "restore: clone what the controller holds into FILE.kdf before")
@@ -121,8 +124,8 @@ OrFailure<void> VerbClone::CheckArguments() const {
       {!mSegments.empty(), "--segments", {"create", "verify"}},
       {mReplace || mStop || mNoStop, "--replace, --stop and --no-stop", {"create", "restore"}},
       {!mComment.empty(), "--comment", {"create"}},
-      {mForce || mVerify || mEraseEmpty || mUnitFromController || !mBackup.empty(),
-       "--force, --verify, --erase-empty, --unit-from-controller and --backup",
+      {mForce || mVerify || mEndLoad || mEraseEmpty || mUnitFromController || !mBackup.empty(),
+       "--force, --verify, --end-load, --erase-empty, --unit-from-controller and --backup",
        {"restore"}},
   };
   for (const Row& row : rows) {
@@ -155,6 +158,7 @@ VerbResult VerbClone::Transfer(Environment& environment, const CommonOptions& co
   if (mAction == "create") return CreateClone(environment, common, file, create);
   RestoreOrder restore{.force = mForce,
                        .verify = mVerify,
+                       .endLoad = mEndLoad,
                        .eraseEmpty = mEraseEmpty,
                        .unitFromController = mUnitFromController,
                        .backup = {},

@@ -22,9 +22,9 @@ class Restoring {
 
   [[nodiscard]] VerbResult Run() {
     using Step = OrFailure<void> (Restoring::*)();
-    constexpr Step kSteps[] = {&Restoring::Inspect,   &Restoring::Connect,     &Restoring::CheckUnit,
-                               &Restoring::CheckFits, &Restoring::ChooseErase, &Restoring::Consent,
-                               &Restoring::Backup,    &Restoring::Send};
+    constexpr Step kSteps[] = {&Restoring::Inspect,   &Restoring::Connect,          &Restoring::CheckUnit,
+                               &Restoring::CheckFits, &Restoring::ConsentToEndLoad, &Restoring::ChooseErase,
+                               &Restoring::Consent,   &Restoring::Backup,           &Restoring::Send};
     for (const Step step : kSteps) {
       if (const auto done = (this->*step)(); !done) return std::unexpected(done.error());
     }
@@ -84,6 +84,14 @@ class Restoring {
     return std::unexpected(NotFitFailure("restoring the clone file", other + " Nothing was sent", "",
                                          "--unit-from-controller sends its lines for the controller's unit; --unit "
                                          "chooses another controller"));
+  }
+
+  // A question of its own: who wants the file restored need not know that somebody else is at it.
+  Done ConsentToEndLoad() {
+    if (!mCheck.IsLoading()) return {};
+    const std::string whose = ControllerText(mCheck.version, mCheck.controller, mController->Description());
+    return Confirm(mEnvironment, {mOrder.endLoad, "--end-load"}, EndLoadQuestion(whose),
+                   "restoring " + Utf8FromPath(mFile));
   }
 
   // A question of its own: who wants the file restored need not want more erased than the file says.

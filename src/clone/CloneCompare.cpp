@@ -5,6 +5,22 @@
 #include "base/AnsiText.h"
 
 namespace kv {
+namespace {
+
+bool IsValues(std::string_view code) {
+  return code == "OP" || code == "DT";
+}
+
+}  // namespace
+
+std::vector<std::string> CodesOf(const CloneInfo& info, ComparedKinds kinds) {
+  std::vector<std::string> codes;
+  for (const CloneInfoSegment& each : info.segments) {
+    const bool isMeant = kinds == ComparedKinds::All || IsValues(each.segment.code) == (kinds == ComparedKinds::Values);
+    if (isMeant) codes.push_back(each.segment.code);
+  }
+  return codes;
+}
 
 bool CloneComparison::IsSame() const {
   return onlyInFirst.empty() && onlyInSecond.empty() && DifferingBytes() == 0;
@@ -30,7 +46,7 @@ std::vector<KindVerdict> VerdictsByKind(const CloneComparison& comparison) {
     KindVerdict verdict{isValues, {}, 0};
     for (const SegmentDifference& each : comparison.segments) {
       const std::string& code = each.segment.code;
-      if ((code == "OP" || code == "DT") != isValues) continue;
+      if (IsValues(code) != isValues) continue;
       verdict.codes += (verdict.codes.empty() ? "" : ", ") + AnsiToUtf8(code);
       verdict.bytes += each.differing.Bytes();
     }

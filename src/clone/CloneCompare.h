@@ -28,6 +28,11 @@ struct CloneComparison {
   [[nodiscard]] std::uint64_t DifferingBytes() const;
 };
 
+// What of a clone file is compared with a controller: the values of operands (OP, DT), or program and settings.
+enum class ComparedKinds { All, Program, Values };
+// The segments of these kinds that the file names.
+[[nodiscard]] std::vector<std::string> CodesOf(const CloneInfo& info, ComparedKinds kinds);
+
 // How the two kinds of memory came out of a comparison with a controller. A program that runs changes the values of its
 // operands (OP, DT) by itself, so that a difference there means something else than one in the program or its settings.
 struct KindVerdict {

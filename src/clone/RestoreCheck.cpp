@@ -80,11 +80,6 @@ std::vector<std::string> Warnings(const CloneInfo& info, const ManifestReport& m
   if (isMadeRunning || manifest.fit == ManifestFit::Missing || manifest.fit == ManifestFit::Unreadable) {
     warnings.push_back(manifest.text);
   }
-  if (check.controller.state == 'L') {
-    warnings.emplace_back(
-        "The controller is loading: a restore or download was cut, or somebody else's is under way. The restore begins "
-        "the load anew.");
-  }
   return warnings;
 }
 
@@ -118,6 +113,14 @@ std::string RestoreQuestion(const RestoreCheck& check, const CloneInfo& info, co
   if (!check.warnings.empty()) text += kLineEnd;
   for (const std::string& warning : check.warnings) text += warning + kLineEnd;
   return text + kLineEnd + "Its program stops; at the end the controller resets and runs. " + kept + " Overwrite it?";
+}
+
+std::string EndLoadQuestion(const std::string& controller) {
+  return "The controller (" + controller +
+         ") is loading: a restore or download was cut, or somebody else's is under way. The restore would begin the "
+         "load anew; what somebody else is loading would be lost, and his tool may take what comes out for its own. "
+         "End "
+         "that load?";
 }
 
 std::string HeadText(const CloneHead& head) {

@@ -19,6 +19,9 @@ struct RestoreCheck {
   std::vector<std::string> obstacles;  // why the file should not be restored, a sentence each
   std::vector<std::string> warnings;   // what is worth knowing, a sentence each
   std::vector<CloneSegment> staying;   // erased in the file, not in the controller: see ErasedSegments.h, StayText
+
+  // A load is under way in the controller, or was cut. Ending it wants a consent of its own: EndLoadQuestion.
+  [[nodiscard]] bool IsLoading() const { return controller.state == 'L'; }
 };
 
 // Holds a file against the controller that it is meant for. Only reads; no password is needed. Obstacles are damage,
@@ -36,6 +39,9 @@ struct RestoreCheck {
 [[nodiscard]] std::string RestoreQuestion(const RestoreCheck& check, const CloneInfo& info,
                                           const std::filesystem::path& file, const std::string& controller,
                                           const std::string& kept);
+
+// The question before a load that is found is ended; `controller` is ControllerText.
+[[nodiscard]] std::string EndLoadQuestion(const std::string& controller);
 
 // "K220-22-R1, O/S 4.60, cloned on 2026-11-21 10:15:00".
 [[nodiscard]] std::string HeadText(const CloneHead& head);

@@ -7,6 +7,7 @@
 #include "base/PathText.h"
 #include "clone/CloneCompare.h"
 #include "clone/CloneManifest.h"
+#include "clone/ErasedSegments.h"
 #include "clone/ProgramState.h"
 #include "clone/RestoreBegin.h"
 #include "desktop/UserName.h"
@@ -86,6 +87,7 @@ SafeCreate::Step SafeCreate::TakeName(const clsDumpPLC& engine, Channel& link, c
   if (const std::error_code error = MoveToName()) return std::unexpected(KeptElsewhere(error));
   mMade = mFile;
   KeepManifest(engine.Manifest());
+  NoteNeverTaken(engine.NeverTaken());
   return {};
 }
 
@@ -104,6 +106,14 @@ SafeCreate::Step SafeCreate::CheckController(const clsDumpPLC& engine, Channel& 
         "together. Create the clone again.");
   }
   return {};
+}
+
+void SafeCreate::NoteNeverTaken(std::span<const CloneSegment> segments) {
+  if (segments.empty()) return;
+  std::uint64_t bytes = 0;
+  for (const CloneSegment& each : segments) bytes += each.length;
+  mWarnings.push_back("The controller also holds " + std::to_string(bytes) + " bytes in " + CodesText(segments) +
+                      ", which clone files never take: they are not in this one.");
 }
 
 void SafeCreate::KeepManifest(CloneManifest manifest) {

@@ -34,8 +34,8 @@ class SafeCreate {
   [[nodiscard]] const std::optional<std::filesystem::path>& File() const { return mMade; }
   // What was found in it; nothing before there is one.
   [[nodiscard]] const std::optional<CloneInfo>& Info() const { return mInfo; }
-  // What is not as it should be although the clone is whole, a sentence each: no manifest beside it, a program that
-  // somebody else started meanwhile, or that does not run at the end.
+  // What is worth knowing although the clone is whole, a sentence each: no manifest beside it, a program that somebody
+  // else started meanwhile, or that does not run at the end, segments that no clone takes.
   [[nodiscard]] const std::vector<std::string>& Warnings() const { return mWarnings; }
 
  private:
@@ -53,6 +53,7 @@ class SafeCreate {
   [[nodiscard]] Step TakeName(const clsDumpPLC& engine, Channel& link, const CloneWork& work);
   [[nodiscard]] Step CheckController(const clsDumpPLC& engine, Channel& link);
   [[nodiscard]] Step CheckIsWhole(const CloneManifest& manifest, const CloneWork& work);
+  void NoteNeverTaken(std::span<const CloneSegment> segments);
   void KeepManifest(CloneManifest manifest);
   [[nodiscard]] std::error_code MoveToName();
   [[nodiscard]] CloneOutcome KeptElsewhere(const std::error_code& error);

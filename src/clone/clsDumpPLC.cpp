@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <iterator>
 
 #include "base/AnsiText.h"
 #include "clone/CloneFrame.h"
@@ -100,6 +101,8 @@ clsDumpPLC::Step clsDumpPLC::Create(Channel& link, const std::filesystem::path& 
   const auto segments = ReadSegmentTable(link);
   if (!segments) return std::unexpected(segments.error());
   mWindow.FillSegments(*segments);
+  std::ranges::copy_if(*segments, std::back_inserter(mNeverTaken),
+                       [](const CloneSegment& each) { return !IsIncluded(each.code, SegmentBoxes()); });
   const SegmentBoxes boxes = mWindow.CheckedSegments();
   mManifest = {.version = *version, .unit = link.UnitID()};
   if (auto fit = CheckLengths(*segments, boxes); !fit) return fit;

@@ -81,6 +81,9 @@ class clsDumpPLC {
   // project, user and comment are for the caller to fill in.
   [[nodiscard]] const CloneManifest& Manifest() const { return mManifest; }
 
+  // Of a create: segments of the controller that no clone file takes, whatever the boxes say.
+  [[nodiscard]] const std::vector<CloneSegment>& NeverTaken() const { return mNeverTaken; }
+
   // Whether somebody started the program that was stopped for a create, before the create did.
   [[nodiscard]] bool WasStartedMeanwhile() const { return mWasStartedMeanwhile; }
 
@@ -127,6 +130,7 @@ class clsDumpPLC {
   AppendFile mFile;
   CloneOutcome mOutcome;
   CloneManifest mManifest;
+  std::vector<CloneSegment> mNeverTaken;
   Sha256 mSegmentDigest;  // of the segment that is being read
   bool mIsStopped = false;
   bool mHasStoppedProgram = false;  // and not started it again

@@ -3,6 +3,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -171,6 +172,7 @@ TEST_F(ClonerWindowTest, CreatesAFileAndShowsTheSegments) {
   EXPECT_THAT(looks, ElementsAre("Korvantis PLC Cloner: StopDump", busy, busy));
   EXPECT_THAT(progress, HasSubstr("Reading the clone file: "));
   EXPECT_THAT(Information(), HasSubstr("It was read back and is whole: OP, HW,"));
+  EXPECT_THAT(Information(), HasSubstr("which clone files never take: they are not in this one."));
   EXPECT_EQ(prompts.SaveDialogs().front().filter, "Korvantis Dump File|*.kdf");
   EXPECT_EQ(Look(), kIdleLook);
   EXPECT_EQ(Heading(), "Segment Name");
@@ -245,6 +247,13 @@ TEST_F(ClonerWindowTest, OverwritesNothingWithoutAYesToAQuestionThatNamesIt) {
     pacer.Sleep(kRestart);
     EXPECT_EQ(VerifyClone(*other, file)->IsSame(), answer == PromptAnswer::Yes);
   }
+  ASSERT_TRUE(other->SendCommand("CCM"));  // somebody else begins to load
+  Restore(0, {PromptAnswer::No});
+  EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("somebody else's is under way"));
+  EXPECT_TRUE(prompts.Boxes().back().canLose);
+  EXPECT_THAT(Information(), HasSubstr("was not restored"));
+  Restore(2, {PromptAnswer::Yes, PromptAnswer::Yes});
+  EXPECT_THAT(prompts.Boxes(), Contains(::testing::Field(&MessageBox::text, "Clone Restore Successfully.")));
   other.reset();
   driver.CloseDriver();  // off line
   EXPECT_THAT(Whose(), HasSubstr("Memory of AurexQ50, serial number "));
@@ -334,6 +343,14 @@ TEST_F(ClonerWindowTest, ComparesFilesAndTheControllerAndLogsWhatItFound) {
   EXPECT_EQ(Heading(), "Comparison");
   EXPECT_THAT(Row(0), HasSubstr(": same"));
   PlugIn({});
+  auto& kinds = Find<QComboBox>(*window, "cboVerify");
+  kinds.setCurrentIndex(2);
+  EXPECT_EQ(verify(), "Failed.");
+  EXPECT_THAT(Information(), HasSubstr("the file has no segment of that kind"));
+  kinds.setCurrentIndex(1);
+  EXPECT_EQ(verify(), "Different.");
+  EXPECT_THAT(Information(), HasSubstr("Comparing only HW, FT, MM of the controller"));
+  kinds.setCurrentIndex(0);
   EXPECT_EQ(verify(), "Different.");
   EXPECT_THAT(Information(), HasSubstr("bytes differ"));
   EXPECT_THAT(Row(1), ::testing::StartsWith("    "));

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDate>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -83,6 +84,7 @@ void frmDumpPLC::EnableCommands(bool enabled) {
   Allow(*mStop, enabled ? kIdle : "");
   mIsBusy = !enabled;
   for (QCheckBox* each : {mOp, mDt, mAp, mOs, mSaveFirst}) each->setEnabled(enabled);
+  mVerified->setEnabled(enabled);
   if (mIsBusy) mTools->widgetForAction(mStop)->setFocus();  // what had the focus may just have been disabled
 }
 

@@ -19,6 +19,7 @@
 
 class QAction;
 class QCheckBox;
+class QComboBox;
 class QLabel;
 class QPlainTextEdit;
 class QProgressBar;
@@ -92,6 +93,7 @@ class frmDumpPLC final : public QDialog, public DumpWindow {
   [[nodiscard]] bool ChooseUnit(Restoring& restoring);
   [[nodiscard]] bool Check(Restoring& restoring);
   [[nodiscard]] bool IsWantedDespite(Restoring& restoring);
+  [[nodiscard]] bool ConsentToEndLoad(Restoring& restoring);
   [[nodiscard]] bool ChooseErase(Restoring& restoring);
   [[nodiscard]] bool Consent(Restoring& restoring);
   [[nodiscard]] bool SaveFirst(Restoring& restoring);
@@ -103,7 +105,7 @@ class frmDumpPLC final : public QDialog, public DumpWindow {
 
   void VerifyClone();
   void CompareClones();
-  void SayWhatIsKnown(const std::filesystem::path& file);
+  void SayWhatIsKnown(const std::filesystem::path& file, const CloneInfo& info);
   void ShowComparison(const std::string& what, const std::expected<CloneComparison, CloneOutcome>& comparison,
                       bool isWithController);
 
@@ -132,6 +134,7 @@ class frmDumpPLC final : public QDialog, public DumpWindow {
   QCheckBox* mAp = nullptr;
   QCheckBox* mOs = nullptr;
   QCheckBox* mSaveFirst = nullptr;
+  QComboBox* mVerified = nullptr;  // ComparedKinds
   QLabel* mWhose = nullptr;
   QProgressBar* mProgressBar = nullptr;
   QLabel* mProgressText = nullptr;

@@ -1,3 +1,4 @@
+#include <QComboBox>
 #include <QLabel>
 
 #include "base/AnsiText.h"
@@ -12,6 +13,17 @@
 
 // Holding clone files against the controller and against each other. Nothing is written anywhere.
 namespace kv {
+namespace {
+
+// What of the controller is compared; a verdict must not be taken for one on more.
+std::string WhatOf(ComparedKinds kinds, const std::vector<std::string>& codes) {
+  if (kinds == ComparedKinds::All) return {};
+  std::string text;
+  for (const std::string& code : codes) text += (text.empty() ? "only " : ", ") + AnsiToUtf8(code);
+  return text + " of ";
+}
+
+}  // namespace
 
 void frmDumpPLC::VerifyClone() {
   EnableCommands(false);
@@ -25,9 +37,17 @@ void frmDumpPLC::VerifyClone() {
   const bool isKnown = Identify(*link).has_value();
   if (mIsStopAsked) return ShowEnd(CloneEnd::Stopped, kStoppedBefore);
   if (!isKnown) return ShowNoLink("The controller did not tell who it is; nothing was compared.");
-  SayWhatIsKnown(file);
-  const auto comparison = kv::VerifyClone(*link, file, Watched());
-  ShowComparison("Comparing the controller (" + mController + ") with " + *chosen, comparison, true);
+  const auto info = InspectClone(file, Watched());
+  const auto kinds = static_cast<ComparedKinds>(mVerified->currentIndex());
+  std::vector<std::string> codes;
+  if (info) {
+    SayWhatIsKnown(file, *info);
+    codes = CodesOf(*info, kinds);
+    if (codes.empty()) return ShowEnd(CloneEnd::Failed, "Nothing was compared: the file has no segment of that kind.");
+  }
+  const auto comparison = kv::VerifyClone(*link, file, Watched(), codes);
+  ShowComparison("Comparing " + WhatOf(kinds, codes) + "the controller (" + mController + ") with " + *chosen,
+                 comparison, true);
   if (!comparison) return;
   const auto staying = SegmentsThatStayed(*comparison);
   if (!staying.empty()) Say(StayText(staying) + " A restore offers to erase it.");
@@ -45,12 +65,11 @@ void frmDumpPLC::CompareClones() {
 }
 
 // How far the file can be trusted. Another model is no reason not to compare, but explains what is found.
-void frmDumpPLC::SayWhatIsKnown(const std::filesystem::path& file) {
-  const auto info = InspectClone(file, Watched());
-  if (!info || !info->head) return;
-  if (info->IsSound()) Say(WholenessText(*info, CheckManifest(file, *info, Watched())));
-  if (AnsiToUtf8(info->head->version.model) == mModel) return;
-  Say("Note: the clone file was made from a " + AnsiToUtf8(info->head->version.model) + ", but the controller is a " +
+void frmDumpPLC::SayWhatIsKnown(const std::filesystem::path& file, const CloneInfo& info) {
+  if (!info.head) return;
+  if (info.IsSound()) Say(WholenessText(info, CheckManifest(file, info, Watched())));
+  if (AnsiToUtf8(info.head->version.model) == mModel) return;
+  Say("Note: the clone file was made from a " + AnsiToUtf8(info.head->version.model) + ", but the controller is a " +
       mModel + ".");
 }
 

@@ -1,5 +1,6 @@
 #include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -141,6 +142,15 @@ QWidget* frmDumpPLC::BuildBoxes() {
   mSaveFirst->setObjectName("chkSaveFirst");
   Describe(*mSaveFirst, "Before a restore, makes a clone file of what the controller holds then");
   lines->addWidget(mSaveFirst);
+  mVerified = new QComboBox(frame);
+  mVerified->setObjectName("cboVerify");
+  mVerified->addItems({"All segments", "Program, settings", "Values (OP, DT)"});  // in the order of ComparedKinds
+  mVerified->setAccessibleName("What Verify compares");
+  mVerified->setToolTip("What Verify compares; a running program changes values by itself");
+  auto* verified = new QLabel("Verify co&mpares", frame);
+  verified->setBuddy(mVerified);
+  lines->addWidget(verified);
+  lines->addWidget(mVerified);
   auto* scroll = new QScrollArea(this);  // on a small screen the boxes give way
   scroll->setWidget(frame);
   scroll->setWidgetResizable(true);

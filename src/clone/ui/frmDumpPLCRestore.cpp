@@ -43,9 +43,10 @@ struct frmDumpPLC::Restoring {
 void frmDumpPLC::RestoreInto(Channel& link, const std::filesystem::path& file) {
   Restoring restoring{.link = link, .file = file};
   using Step = bool (frmDumpPLC::*)(Restoring&);
-  constexpr Step kSteps[] = {&frmDumpPLC::Inspect,         &frmDumpPLC::ChooseUnit,  &frmDumpPLC::Check,
-                             &frmDumpPLC::IsWantedDespite, &frmDumpPLC::ChooseErase, &frmDumpPLC::Consent,
-                             &frmDumpPLC::SaveFirst,       &frmDumpPLC::GiveAccess,  &frmDumpPLC::Begin};
+  constexpr Step kSteps[] = {
+      &frmDumpPLC::Inspect,          &frmDumpPLC::ChooseUnit,  &frmDumpPLC::Check,   &frmDumpPLC::IsWantedDespite,
+      &frmDumpPLC::ConsentToEndLoad, &frmDumpPLC::ChooseErase, &frmDumpPLC::Consent, &frmDumpPLC::SaveFirst,
+      &frmDumpPLC::GiveAccess,       &frmDumpPLC::Begin};
   for (const Step step : kSteps) {
     const bool goesOn = (this->*step)(restoring);
     if (mIsStopAsked) return ShowEnd(CloneEnd::Stopped, std::string("Stopped. ") + kNotRestored);
@@ -113,6 +114,12 @@ bool frmDumpPLC::Check(Restoring& restoring) {
 bool frmDumpPLC::IsWantedDespite(Restoring& restoring) {
   const std::vector<std::string>& obstacles = restoring.check.obstacles;
   if (obstacles.empty() || AskYes(Lines(obstacles) + kLineEnd + "Restore it all the same?")) return true;
+  ShowEnd(CloneEnd::Stopped, kNotRestored);
+  return false;
+}
+
+bool frmDumpPLC::ConsentToEndLoad(Restoring& restoring) {
+  if (!restoring.check.IsLoading() || AskYes(EndLoadQuestion(mController))) return true;
   ShowEnd(CloneEnd::Stopped, kNotRestored);
   return false;
 }
