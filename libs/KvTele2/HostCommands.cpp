@@ -11,49 +11,49 @@ constexpr HostCommand kSeparator{};
 
 // clang-format off
 constexpr std::array kFile{
-    //          id                         text                                shortcut        what it does                                                               tool bar
-    HostCommand{"ID_PagesFile",            "&Open Telepanel File...",          "Ctrl+O",       "Opens the pages file of a project",                                       "Open"},
-    HostCommand{kRecentPages,              "&Recent Telepanel Files",          "",             "Opens a pages file that was open before",                                 ""},
-    HostCommand{kSavePages,                "&Save Telepanel File...",          "Ctrl+S",       "Saves a pages file for the project of the controller that is on line",    ""},
-    HostCommand{kClosePages,               "&Close Telepanel File",            "Ctrl+W",       "Closes the pages file, so that any project can go on line",                ""},
+    //          id                         text                                shortcut        what it does                                                               icon         tool bar
+    HostCommand{"ID_PagesFile",            "&Open Telepanel File...",          "Ctrl+O",       "Opens the pages file of a project",                                       "open",      "Open"},
+    HostCommand{kRecentPages,              "&Recent Telepanel Files",          "",             "Opens a pages file that was open before",                                 "pages",     ""},
+    HostCommand{kSavePages,                "&Save Telepanel File...",          "Ctrl+S",       "Saves a pages file for the project of the controller that is on line",    "save",      ""},
+    HostCommand{kClosePages,               "&Close Telepanel File",            "Ctrl+W",       "Closes the pages file, so that any project can go on line",                "delete",    ""},
     kSeparator,
-    HostCommand{"ID_ImportFontsAndImages", "Import &Fonts and Images...",      "",             "Opens a colour cache file with the fonts and images of a controller",     ""},
-    HostCommand{"ID_ImportCacheFromPLC",   "Import Cache from Co&ntroller...", "",             "Reads the fonts and images of a colour controller into a cache file",     ""},
+    HostCommand{"ID_ImportFontsAndImages", "Import &Fonts and Images...",      "",             "Opens a colour cache file with the fonts and images of a controller",     "images",    ""},
+    HostCommand{"ID_ImportCacheFromPLC",   "Import Cache from Co&ntroller...", "",             "Reads the fonts and images of a colour controller into a cache file",     "cache",     ""},
     kSeparator,
-    HostCommand{"ID_Session",              "S&essions...",                     "Ctrl+E",       "Creates, activates and deletes sessions",                                 "Sessions"},
+    HostCommand{"ID_Session",              "S&essions...",                     "Ctrl+E",       "Creates, activates and deletes sessions",                                 "session",   "Sessions"},
     kSeparator,
-    HostCommand{kExit,                     "E&xit",                            "Ctrl+Q",       "Leaves the program",                                                      ""},
+    HostCommand{kExit,                     "E&xit",                            "Ctrl+Q",       "Leaves the program",                                                      "exit",      ""},
 };
 constexpr std::array kController{
-    HostCommand{kOnLine,                   "&On Line",                         "F5",           "Connects to the controller and identifies it",                            "On Line"},
-    HostCommand{kOffLine,                  "O&ff Line",                        "Shift+F5",     "Lets go of the controller",                                               "Off Line"},
+    HostCommand{kOnLine,                   "&On Line",                         "F5",           "Connects to the controller and identifies it",                            "online",    "On Line"},
+    HostCommand{kOffLine,                  "O&ff Line",                        "Shift+F5",     "Lets go of the controller",                                               "offline",   "Off Line"},
     kSeparator,
-    HostCommand{kModel,                    "&Model",                           "",             "Selects the model of the controller",                                     ""},
+    HostCommand{kModel,                    "&Model",                           "",             "Selects the model of the controller",                                     "model",     ""},
     kSeparator,
-    HostCommand{kComParams,                "&Communication Settings...",       "Ctrl+K",       "Chooses the link to the controller: port, address, unit id, time-outs",   "Link"},
-    HostCommand{"ID_Modem",                "Mo&dem Settings...",               "",             "Number and dialling of the modem",                                        ""},
-    HostCommand{kTrace,                    "&Trace of the Link...",            "Ctrl+T",       "Shows everything that passes on the link, with its time",                 ""},
+    HostCommand{kComParams,                "&Communication Settings...",       "Ctrl+K",       "Chooses the link to the controller: port, address, unit id, time-outs",   "link",      "Link"},
+    HostCommand{"ID_Modem",                "Mo&dem Settings...",               "",             "Number and dialling of the modem",                                        "modem",     ""},
+    HostCommand{kTrace,                    "&Trace of the Link...",            "Ctrl+T",       "Shows everything that passes on the link, with its time",                 "trace",     ""},
 };
 constexpr std::array kTools{
-    HostCommand{"ID_DataTypes",            "&Operand View...",                 "Ctrl+D",       "Shows and writes the operands of the controller",                         "Operands"},
-    HostCommand{"ID_Downloader",           "&Downloader...",                   "Ctrl+L",       "Loads projects and operating systems into the controller",                "Downloader"},
-    HostCommand{"ID_DumpPLC",              "&Cloner...",                       "Ctrl+B",       "Creates a clone file of the whole controller, or restores one",           "Cloner"},
-    HostCommand{"ID_PLC_DB",               "&Panel Design...",                 "",             "Opens the editor for panel designs",                                      ""},
+    HostCommand{"ID_DataTypes",            "&Operand View...",                 "Ctrl+D",       "Shows and writes the operands of the controller",                         "datatypes", "Operands"},
+    HostCommand{"ID_Downloader",           "&Downloader...",                   "Ctrl+L",       "Loads projects and operating systems into the controller",                "download",  "Downloader"},
+    HostCommand{"ID_DumpPLC",              "&Cloner...",                       "Ctrl+B",       "Creates a clone file of the whole controller, or restores one",           "clone",     "Cloner"},
+    HostCommand{"ID_PLC_DB",               "&Panel Design...",                 "",             "Opens the editor for panel designs",                                      "panel",     ""},
     kSeparator,
-    HostCommand{"ID_PID_Srv",              "P&ID Server",                      "",             "Starts the PID Server",                                                   ""},
-    HostCommand{"ID_DownloadDesigner",     "Download Desi&gner",               "",             "Starts the Download Designer for the selected model",                     ""},
+    HostCommand{"ID_PID_Srv",              "P&ID Server",                      "",             "Starts the PID Server",                                                   "pid",       ""},
+    HostCommand{"ID_DownloadDesigner",     "Download Desi&gner",               "",             "Starts the Download Designer for the selected model",                     "designer",  ""},
 };
 constexpr std::array kUser{
-    HostCommand{"ID_LogIn",                "Log &In...",                       "",             "Tells the tools who works with them",                                     ""},
-    HostCommand{kLogOff,                   "Log &Off",                         "",             "Forgets the user and the password",                                       ""},
+    HostCommand{"ID_LogIn",                "Log &In...",                       "",             "Tells the tools who works with them",                                     "login",     ""},
+    HostCommand{kLogOff,                   "Log &Off",                         "",             "Forgets the user and the password",                                       "logoff",    ""},
 };
 constexpr std::array kLog{
-    HostCommand{kCopyLog,                  "&Copy",                            "Ctrl+Shift+C", "Copies the selected entries of the log, or all of them",                  ""},
-    HostCommand{kClearLog,                 "C&lear",                           "",             "Empties the log",                                                         ""},
+    HostCommand{kCopyLog,                  "&Copy",                            "Ctrl+Shift+C", "Copies the selected entries of the log, or all of them",                  "copy",      ""},
+    HostCommand{kClearLog,                 "C&lear",                           "",             "Empties the log",                                                         "delete",    ""},
 };
 constexpr std::array kHelp{
-    HostCommand{"ID_Help",                 "&Help",                            "F1",           "Opens the help",                                                          "Help"},
-    HostCommand{"ID_About",                "&About Telepanel...",              "",             "Version and addresses",                                                   ""},
+    HostCommand{"ID_Help",                 "&Help",                            "F1",           "Opens the help",                                                          "help",      "Help"},
+    HostCommand{"ID_About",                "&About Telepanel...",              "",             "Version and addresses",                                                   "about",     ""},
 };
 // clang-format on
 

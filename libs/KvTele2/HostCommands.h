@@ -11,6 +11,7 @@ struct HostCommand {
   std::string_view text;      // with "&" before the mnemonic
   std::string_view shortcut;  // "Ctrl+O"; empty: none
   std::string_view tip;       // what it does, for tooltip and status bar
+  std::string_view icon;      // the name of its picture among the icons of the windows
   std::string_view button;    // its text in the tool bar; empty: it is not there
 };
 

@@ -194,7 +194,7 @@ void LinkFields::Add(const char* label, Control control) {
   control.widget->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   mForm->addRow(label, control.widget);
   if (control.line) {
-    control.mark = control.line->addAction(IconOf(Picture::Warning), QLineEdit::TrailingPosition);
+    control.mark = control.line->addAction(IconOf("warning"), QLineEdit::TrailingPosition);
     control.mark->setVisible(false);
   }
   mControls.push_back(std::move(control));

@@ -40,7 +40,7 @@ PortField::PortField(PortLister listPorts, QWidget* parent) : QWidget(parent), m
   auto* refresh = new QToolButton(this);
   refresh->setObjectName("cmdRefresh");
   refresh->setAccessibleName("Refresh the list of ports");
-  refresh->setIcon(IconOf(Picture::Refresh));
+  refresh->setIcon(IconOf("refresh"));
   refresh->setShortcut(Qt::Key_F5);
   Describe(*refresh, "Looks for the ports of this computer again", "F5");
   mInfo = new QLabel(this);

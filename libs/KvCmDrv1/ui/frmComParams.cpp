@@ -48,7 +48,7 @@ frmComParams::frmComParams(const LinkSettings& current, const std::string& calle
     : LinkDialog(current, caller, choices, parent), mParts(std::move(parts)) {
   setObjectName("frmComParams");
   setWindowTitle("Communication settings");
-  setWindowIcon(IconOf(Picture::Link));
+  setWindowIcon(IconOf("link"));
   AddTransports(current.transport);
   AddCommands();
   Fields().SetInput(InputOf(current));
@@ -71,12 +71,12 @@ void frmComParams::AddTransports(Transport current) {
 }
 
 void frmComParams::AddCommands() {
-  mTest = new QPushButton(IconOf(Picture::Test), "&Test connection", this);
+  mTest = new QPushButton(IconOf("test"), "&Test connection", this);
   mTest->setObjectName("cmdTest");
   mTest->setAutoDefault(false);
   Describe(*mTest, "Opens the link with these settings, without keeping them, and asks who is there", "Alt+T");
   connect(mTest, &QPushButton::clicked, this, [this] { Test(); });
-  auto* trace = new QPushButton(IconOf(Picture::Trace), "Tr&ace...", this);
+  auto* trace = new QPushButton(IconOf("trace"), "Tr&ace...", this);
   trace->setObjectName("cmdTrace");
   trace->setAutoDefault(false);
   Describe(*trace, "Shows every frame that passes on the link", "Alt+A");

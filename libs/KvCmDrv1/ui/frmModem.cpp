@@ -17,7 +17,7 @@ frmModem::frmModem(const LinkSettings& current, const std::string& caller, const
     : LinkDialog(current, caller, choices, parent), mTransport(current.transport) {
   setObjectName("frmModem");
   setWindowTitle("Modem settings");
-  setWindowIcon(IconOf(Picture::Modem));
+  setWindowIcon(IconOf("modem"));
   Fields().ShowOnly(IsOfTheModem);
   Fields().SetInput(InputOf(current));
   Fields().SetTransport(Transport::Modem);  // so that its fields are checked

@@ -24,7 +24,7 @@ frmTrace::frmTrace(std::shared_ptr<Trace> trace, Prompts& prompts, Clipboard& cl
     : mTrace(std::move(trace)), mPrompts(prompts), mClipboard(clipboard), mModel(mTrace) {
   setObjectName("frmTrace");
   setWindowTitle("Trace of the link");
-  setWindowIcon(IconOf(Picture::Trace));
+  setWindowIcon(IconOf("trace"));
   resize(kFirstSize);
   BuildTable();
   auto* page = new QVBoxLayout(this);
@@ -39,17 +39,17 @@ frmTrace::frmTrace(std::shared_ptr<Trace> trace, Prompts& prompts, Clipboard& cl
 QToolBar* frmTrace::BuildCommands() {
   auto* bar = new QToolBar(this);
   bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-  mPause = bar->addAction(IconOf(Picture::Pause), "&Pause");
+  mPause = bar->addAction(IconOf("pause"), "&Pause");
   mPause->setObjectName("cmdPause");
   mPause->setCheckable(true);
   mPause->setShortcut(Qt::CTRL | Qt::Key_P);
   Describe(*mPause, "Halts the list; what passes meanwhile is shown afterwards, as far as it is kept");
-  QAction* copy = bar->addAction(IconOf(Picture::Copy), "&Copy");
+  QAction* copy = bar->addAction(IconOf("copy"), "&Copy");
   copy->setObjectName("cmdCopy");
   copy->setShortcut(QKeySequence::Copy);
   Describe(*copy, "Copies the selected entries, or all of them");
   connect(copy, &QAction::triggered, this, [this] { Copy(); });
-  mWrite = bar->addAction(IconOf(Picture::Save), "&Write to file...");
+  mWrite = bar->addAction(IconOf("save"), "&Write to file...");
   mWrite->setObjectName("cmdWriteToFile");
   mWrite->setCheckable(true);
   mWrite->setShortcut(QKeySequence::Save);

@@ -8,8 +8,8 @@
 #include <QMenuBar>
 #include <QToolBar>
 
-#include "KvTele2/ui/CommandPictures.h"
 #include "desktop/ui/Commands.h"
+#include "desktop/ui/Icons.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv {
@@ -46,7 +46,7 @@ void CommandBar::AddCommand(QMenu& menu, const HostCommand& command) {
   }
   QAction* action = MakeAction(menu, command);
   action->setObjectName(Text(command.id));
-  action->setIcon(IconOf(PictureOf(command.id)));
+  action->setIcon(IconOf(command.icon));
   if (!command.button.empty()) action->setIconText(Text(command.button));
   Describe(*action, Text(command.tip));
   mActions[command.id] = action;

@@ -54,9 +54,9 @@ void ShowRows(const QWidget& box, const std::array<Row<Facts>, Count>& rows, con
   }
 }
 
-Picture PictureOf(const HostState& state) {
-  if (!state.trouble.empty() || state.isSilent) return Picture::Warning;
-  return state.connection == Connection::Online ? Picture::Online : Picture::Offline;
+QIcon IconFor(const HostState& state) {
+  if (!state.trouble.empty() || state.isSilent) return IconOf("warning");
+  return state.connection == Connection::Online ? IconOf("online") : IconOf("offline");
 }
 
 }  // namespace
@@ -136,7 +136,7 @@ void ControllerPage::Show(const HostState& state) {
 }
 
 void ControllerPage::ShowConnection(const HostState& state) {
-  mPicture->setPixmap(IconOf(PictureOf(state)).pixmap(kPictureSize));
+  mPicture->setPixmap(IconFor(state).pixmap(kPictureSize));
   mConnection->setText(QString::fromStdString(ConnectionHeading(state)));
   mTrouble->setText(QString::fromStdString(state.trouble).remove('\r'));
   mTrouble->setVisible(!state.trouble.empty());

@@ -32,7 +32,7 @@ constexpr std::chrono::seconds kSilence{1};
 frmMain::frmMain(QtPacer& pacer, const std::filesystem::path& windowsFile)
     : mPacer(pacer), mCommands(*this, [this](std::string_view id, const std::string& text) { Command(id, text); }) {
   setObjectName("frmMain");
-  setWindowIcon(IconOf(Picture::App));
+  setWindowIcon(IconOf("app"));
   BuildMiddle();
   BuildTimers();
   mStatus = new StatusFields(this);

@@ -34,7 +34,7 @@ constexpr int kMostLines = 1000;  // of the information
 frmDumpPLC::frmDumpPLC(ClonerServices services, QWidget* parent) : QDialog(parent), mServices(services) {
   setObjectName("frmDumpPLC");
   setWindowTitle(QString::fromUtf8(kClonerCaption.data(), static_cast<qsizetype>(kClonerCaption.size())));
-  setWindowIcon(IconOf(Picture::Clone));
+  setWindowIcon(IconOf("clone"));
   setWindowFlag(Qt::WindowMaximizeButtonHint);
   resize(kFirstSize.boundedTo(screen()->availableSize()));
   BuildTools();
@@ -50,19 +50,19 @@ void frmDumpPLC::BuildTools() {
   mTools = new QToolBar(this);
   mTools->setObjectName("barMain");
   mTools->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-  mCreate = AddTool("ID_CreateGhost", IconOf(Picture::Clone), "&Create Clone", QKeySequence("Ctrl+N"),
+  mCreate = AddTool("ID_CreateGhost", IconOf("clone"), "&Create Clone", QKeySequence("Ctrl+N"),
                     "Copies the memory of the connected controller into a clone file");
-  mRestore = AddTool("ID_RestoreGhost", IconOf(Picture::Download), "&Restore Clone", QKeySequence("Ctrl+R"),
+  mRestore = AddTool("ID_RestoreGhost", IconOf("download"), "&Restore Clone", QKeySequence("Ctrl+R"),
                      "Writes a clone file into the connected controller");
-  mVerify = AddTool("ID_VerifyClone", IconOf(Picture::Test), "&Verify", QKeySequence("Ctrl+T"),
+  mVerify = AddTool("ID_VerifyClone", IconOf("test"), "&Verify", QKeySequence("Ctrl+T"),
                     "Reads the connected controller and compares it with a clone file, byte by byte");
-  mCompare = AddTool("ID_CompareClones", IconOf(Picture::Search), "Com&pare", QKeySequence("Ctrl+D"),
+  mCompare = AddTool("ID_CompareClones", IconOf("search"), "Com&pare", QKeySequence("Ctrl+D"),
                      "Compares two clone files, byte by byte; no controller is needed");
   mStop =
-      AddTool("ID_StopDump", IconOf(Picture::Stop), "&Stop", QKeySequence("Shift+Esc"),
+      AddTool("ID_StopDump", IconOf("stop"), "&Stop", QKeySequence("Shift+Esc"),
               "Ends the running operation. A restore that is stopped leaves the controller with a part of the clone");
-  mExit = AddTool("ID_Exit", IconOf(Picture::Exit), "E&xit", QKeySequence("Ctrl+W"), "Closes this window");
-  mHelp = AddTool("ID_ClonerHelp", IconOf(Picture::Help), "&Help", QKeySequence("F1"), "Opens the help on cloning");
+  mExit = AddTool("ID_Exit", IconOf("exit"), "E&xit", QKeySequence("Ctrl+W"), "Closes this window");
+  mHelp = AddTool("ID_ClonerHelp", IconOf("help"), "&Help", QKeySequence("F1"), "Opens the help on cloning");
   connect(mCreate, &QAction::triggered, this, [this] { CreateClone(); });
   connect(mRestore, &QAction::triggered, this, [this] { RestoreClone(); });
   connect(mVerify, &QAction::triggered, this, [this] { VerifyClone(); });

@@ -11,6 +11,7 @@
 
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/ElidedLabel.h"
+#include "desktop/ui/Icons.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -39,7 +40,7 @@ ToolBands::ToolBands(QWidget& window, OnTool onTool) : QObject(&window), mWindow
 }
 
 void ToolBands::MakeAction(const ViewCommand& each) {
-  auto* action = new QAction(IconOf(each.picture), Text(each.text), &mWindow);
+  auto* action = new QAction(IconOf(each.icon), Text(each.text), &mWindow);
   action->setObjectName(Text(each.id));
   action->setIconText(Text(each.button));
   action->setCheckable(each.id == command::kOnLine);

@@ -32,7 +32,7 @@ ViewBanner::ViewBanner(DataTypesView& view, QWidget* parent)
       mView(view),
       mDifference(Text("lblDifference", "What differs from the main window", this)),
       mLoss(Text("lblLoss", "What was refused, or why the controller is out of reach", this)),
-      mGoOn(new QPushButton(IconOf(Picture::Online), "&Go on line again", this)),
+      mGoOn(new QPushButton(IconOf("online"), "&Go on line again", this)),
       mByItself(new QCheckBox(this)),
       mFold(new QPushButton(this)) {
   setObjectName("bnrController");
@@ -48,7 +48,7 @@ ViewBanner::ViewBanner(DataTypesView& view, QWidget* parent)
   connect(mByItself, &QCheckBox::clicked, this, [this](bool isSet) { mView.SetWatchesAgain(isSet); });
 
   auto* icon = new QLabel(this);
-  icon->setPixmap(IconOf(Picture::Warning).pixmap(kIconSize, kIconSize));
+  icon->setPixmap(IconOf("warning").pixmap(kIconSize, kIconSize));
   auto* texts = new QVBoxLayout;
   texts->addWidget(mDifference);
   texts->addWidget(mLoss);

@@ -3,8 +3,6 @@
 #include <span>
 #include <string_view>
 
-#include "desktop/ui/Icons.h"
-
 namespace kv::mdlDataTypesView {
 
 // One command of the operand data view: a tool of the engine, by its id, or one of the window's own, which begin with
@@ -14,7 +12,7 @@ struct ViewCommand {
   std::string_view text;      // with "&" before the mnemonic
   std::string_view shortcut;  // "Ctrl+O"; empty: none
   std::string_view tip;       // what it does
-  Picture picture;
+  std::string_view icon;
   std::string_view button;  // its text in a band; empty: it is in the menus only
 
   [[nodiscard]] constexpr bool IsOfWindow() const { return id.starts_with("VIEW_"); }

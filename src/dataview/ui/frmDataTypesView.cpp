@@ -50,7 +50,7 @@ frmDataTypesView::frmDataTypesView(const DataTypesViewParts& parts, QtPacer& pac
   setObjectName("frmDataTypesView");
   setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
                  Qt::WindowCloseButtonHint);
-  setWindowIcon(IconOf(Picture::DataTypes));
+  setWindowIcon(IconOf("datatypes"));
   mView.Open();
   setWindowTitle(QString::fromStdString(mView.Caption()));
   BuildGrids();

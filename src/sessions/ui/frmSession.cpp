@@ -41,7 +41,7 @@ frmSession::frmSession(SharedState& shared, Prompts& prompts, QWidget* parent)
     : QDialog(parent), mShared(shared), mSessions(shared, prompts) {
   setObjectName("frmSession");
   setWindowTitle("Sessions");
-  setWindowIcon(IconOf(Picture::Session));
+  setWindowIcon(IconOf("session"));
   resize(kFirstSize);
   BuildList();
   BuildSaveFrame();
@@ -96,11 +96,11 @@ void frmSession::BuildSaveFrame() {
   mFolder->setAccessibleName("Name of the new session");
   mFolder->setPlaceholderText("Name of the new session");
   mFolder->setToolTip("The name of a folder that is made beside the other sessions (Alt+N)");
-  mSave = new QPushButton(IconOf(Picture::Save), "&Save", mSaveFrame);
+  mSave = new QPushButton(IconOf("save"), "&Save", mSaveFrame);
   mSave->setObjectName("cmdSave");
   mSave->setAutoDefault(false);
   Describe(*mSave, "Copies the active session to a new one of this name, and makes that the active one", "Enter");
-  mClose = new QPushButton(IconOf(Picture::Test), "", this);
+  mClose = new QPushButton(IconOf("test"), "", this);
   mClose->setObjectName("cmdClose");
   mClose->setAutoDefault(false);
   Describe(*mClose, "Makes the selected session the active one and closes this window",
@@ -113,7 +113,7 @@ void frmSession::BuildSaveFrame() {
 }
 
 void frmSession::BuildMenu() {
-  mDelete = new QAction(IconOf(Picture::Delete), "&Delete", mList);
+  mDelete = new QAction(IconOf("delete"), "&Delete", mList);
   mDelete->setObjectName("mnuDelete");
   mDelete->setShortcut(QKeySequence::Delete);
   mDelete->setShortcutContext(Qt::WidgetShortcut);
