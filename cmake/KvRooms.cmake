@@ -45,6 +45,13 @@ function(kv_engines variable)
   set(${variable} ${rooms} PARENT_SCOPE)
 endfunction()
 
+# kv_windows(<variable>): every room of windows so far, for the program that shows them all.
+function(kv_windows variable)
+  get_property(rooms GLOBAL PROPERTY KV_ROOMS)
+  list(FILTER rooms INCLUDE REGEX "_ui$")
+  set(${variable} ${rooms} PARENT_SCOPE)
+endfunction()
+
 # kv_program(<target> SOURCES ... [ON ...])
 function(kv_program target)
   cmake_parse_arguments(ARG "" "" "SOURCES;ON" ${ARGN})

@@ -1,16 +1,28 @@
 #include "apps/KvTeleExe/DialogWindow.h"
 
-#include <QApplication>
+#include <QShortcut>
 
+#include "base/PathText.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv {
 
-DialogWindow::DialogWindow(const Make& make, const std::filesystem::path& windowsFile)
-    : mDialog(make(QApplication::activeWindow())) {
+DialogWindow::DialogWindow(std::unique_ptr<QDialog> dialog, std::string_view topic, const WindowServices& services)
+    : mDialog(std::move(dialog)), mTopic(topic), mServices(services) {
   // The window that it was opened from waits for it; the trace, which belongs to no window, answers meanwhile.
   if (mDialog->parentWidget()) mDialog->setWindowModality(Qt::WindowModal);
-  RememberPlace(*mDialog, windowsFile);
+  RememberPlace(*mDialog, mServices.windowsFile);
+  if (mTopic.empty()) return;
+  const auto* help = new QShortcut(QKeySequence::HelpContents, mDialog.get());
+  QObject::connect(help, &QShortcut::activated, mDialog.get(), [this] { OpenHelp(); });
+}
+
+void DialogWindow::OpenHelp() const {
+  const std::string page = Utf8FromPath(mServices.shared.paths.Help() / mTopic);
+  if (const auto opened = mServices.shell.Open("", page, ""); !opened) {
+    mServices.prompts.Show(
+        {.text = opened.error(), .title = mDialog->windowTitle().toStdString(), .icon = PromptIcon::Exclamation});
+  }
 }
 
 }  // namespace kv

@@ -3,14 +3,11 @@
 #include "KvCmDrv1/ports/ListeningSocketImpl.h"
 #include "KvCmDrv1/ports/PortList.h"
 #include "KvTele2/ui/HostLibrary.h"
-#include "apps/KvTeleExe/DialogWindow.h"
+#include "apps/KvTeleExe/ToolWindowTable.h"
 #include "base/PathText.h"
-#include "clone/ui/frmDumpPLC.h"
-#include "dataview/ui/frmDataTypesView.h"
 #include "desktop/ui/WindowGeometry.h"
 #include "host/mdlMain.h"
 #include "sessions/SessionIni.h"
-#include "sessions/ui/frmSession.h"
 
 namespace kv {
 namespace {
@@ -52,7 +49,9 @@ HostParts TelepanelProgram::Parts() {
   };
   parts.loadTapi = [this] { return LoadTapi(); };
   parts.createDriver = [this] { return MakeDriver(); };
-  parts.createWindows = [this](SharedState& shared) { return MakeWindows(shared); };
+  parts.createWindows = [this](SharedState& shared) {
+    return MakeToolWindows({shared, mPrompts, mPacer, mClock, mClipboard, mShell, mHexSelector, WindowsFile(mPaths)});
+  };
   parts.prompts = &mPrompts;
   parts.shell = &mShell;
   return parts;
@@ -81,32 +80,6 @@ std::unique_ptr<InProcessLine> TelepanelProgram::SimulatedLine(const std::string
   if (line) return std::move(*line);
   if (mDriver->OnComMessage) mDriver->OnComMessage("The simulated controller cannot be started: " + line.error());
   return nullptr;
-}
-
-ToolWindows TelepanelProgram::MakeWindows(SharedState& shared) {
-  ToolWindows windows;
-  windows.frmSession = [this, &shared](const std::string&) {
-    const auto make = [this, &shared](QWidget* parent) {
-      return std::make_unique<frmSession>(shared, mPrompts, parent);
-    };
-    return std::make_unique<DialogWindow>(make, WindowsFile(mPaths));
-  };
-  windows.frmDumpPLC = [this, &shared](const std::string&) {
-    const auto make = [this, &shared](QWidget* parent) {
-      return std::make_unique<frmDumpPLC>(
-          ClonerServices{.shared = shared, .prompts = mPrompts, .pacer = mPacer, .clock = mClock, .shell = mShell},
-          parent);
-    };
-    return std::make_unique<DialogWindow>(make, WindowsFile(mPaths));
-  };
-  windows.frmDataTypesView = [this, &shared](const std::string&) {
-    const auto make = [this, &shared](QWidget* parent) {
-      const mdlDataTypesView::DataTypesViewParts parts{shared, mPrompts, mPacer, mClipboard, mHexSelector, mClock};
-      return std::make_unique<frmDataTypesView>(parts, mPacer, parent);
-    };
-    return std::make_unique<DialogWindow>(make, WindowsFile(mPaths));
-  };
-  return windows;
 }
 
 }  // namespace kv

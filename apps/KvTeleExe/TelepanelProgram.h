@@ -33,7 +33,6 @@ class TelepanelProgram {
   [[nodiscard]] std::unique_ptr<InProcessLine> SimulatedLine(const std::string& model);
   [[nodiscard]] std::unique_ptr<CommDriver> MakeDriver();
   [[nodiscard]] std::unique_ptr<frmTAPI> LoadTapi();
-  [[nodiscard]] ToolWindows MakeWindows(SharedState& shared);
 
   ProgramPaths mPaths;
   QtPacer mPacer;

@@ -45,6 +45,7 @@ class ConsoleHost final : public RemoteHost {
   void SetUserName(const std::string&) override {}
   [[nodiscard]] std::string InstallFolder() const override { return mInstallFolder; }
   void SetHourglass(bool) override {}
+  [[nodiscard]] std::vector<std::string> ToolIds() const override { return {}; }
   void SetToolMissing(const std::string&, const std::string&) override {}
   bool OpenPagesFile(const std::string&) override { return false; }
   void SetRecentCaches(const std::vector<std::string>&) override {}

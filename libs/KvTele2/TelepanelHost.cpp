@@ -179,6 +179,16 @@ void TelepanelHost::SetHourglass(bool busy) {
   Show();
 }
 
+std::vector<std::string> TelepanelHost::ToolIds() const {
+  std::vector<std::string> ids;
+  for (const HostMenu& menu : HostMenus()) {
+    for (const HostCommand& command : menu.commands) {
+      if (!command.id.empty() && !command.id.starts_with(kOwnCommands)) ids.emplace_back(command.id);
+    }
+  }
+  return ids;
+}
+
 void TelepanelHost::SetToolMissing(const std::string& toolId, const std::string& reason) {
   mMissing[toolId] = reason;
 }

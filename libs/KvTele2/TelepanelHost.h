@@ -82,6 +82,7 @@ class TelepanelHost final : public RemoteHost {
   void SetUserName(const std::string& name) override;
   [[nodiscard]] std::string InstallFolder() const override { return mServices.installFolder; }
   void SetHourglass(bool busy) override;
+  [[nodiscard]] std::vector<std::string> ToolIds() const override;
   void SetToolMissing(const std::string& toolId, const std::string& reason) override;
 
   bool OpenPagesFile(const std::string& path) override;

@@ -1,5 +1,6 @@
 #include "host/ToolTable.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <system_error>
@@ -21,6 +22,9 @@ namespace fs = std::filesystem;
 // The operand view's grids, which mean nothing for a model of another family.
 constexpr std::array<const char*, 2> kGridFiles{"vsfOperands_1.vsf", "vsfRegions_1.vsf"};
 
+constexpr const char* kSession = "ID_Session";
+constexpr const char* kCloner = "ID_DumpPLC";
+
 constexpr const char* kPidServer = "PID Server.exe";
 constexpr const char* kDownloadDesigner = "KorDownloadDesigner.exe";
 
@@ -35,32 +39,32 @@ void RemoveGridFiles(const SharedState& shared) {
 
 std::span<const ToolRow> ToolTable() {
   using C = clsCallerExe;
-  using W = ToolWindows;
   // clang-format off
-  static constexpr std::array<ToolRow, 20> kRows{{
-      {"ID_ComParams",            &C::ShowComParams},
-      {"ID_Modem",                &C::ShowModem},
-      {"ID_OnLine",               &C::OnLine},
-      {"ID_Exit",                 &C::Exit},
-      {"ID_OPLC_Model",           &C::ChangeModel},
-      {"Escape",                  &C::Escape},
-      {"ID_Help",                 &C::Help},
-      {"ID_About",                &C::About,                &W::frmAbout},
-      {"ID_Downloader",           &C::Downloader,           &W::frmDownloader},
-      {"ID_DataTypes",            &C::DataTypes,            &W::frmDataTypesView},
-      {"ID_Session",              &C::Session,              &W::frmSession},
-      {"ID_PLC_DB",               &C::PanelDesign,          nullptr, ToolNeed::PanelDesigner},
-      {"ID_LogIn",                &C::LogIn,                &W::frmLogIn},
-      {"ID_LogOff",               &C::LogOff},
-      {"ID_PID_Srv",              &C::PidServer,            nullptr, ToolNeed::Nothing, kPidServer},
-      {"ID_DownloadDesigner",     &C::DownloadDesigner,     nullptr, ToolNeed::Nothing, kDownloadDesigner},
-      {"ID_PagesFile",            &C::PagesFile},
-      {"ID_ImportFontsAndImages", &C::ImportFontsAndImages, nullptr, ToolNeed::ColourCaches},
-      {"ID_DumpPLC",              &C::DumpPlc,              &W::frmDumpPLC},
-      {"ID_ImportCacheFromPLC",   &C::ImportCacheFromPlc,   &W::frmRestoreCache},
-  }};
+  static constexpr std::array kRows{
+      ToolRow{"ID_ComParams",            &C::ShowComParams},
+      ToolRow{"ID_Modem",                &C::ShowModem},
+      ToolRow{"ID_OnLine",               &C::OnLine},
+      ToolRow{"ID_Exit",                 &C::Exit},
+      ToolRow{"ID_OPLC_Model",           &C::ChangeModel},
+      ToolRow{"Escape",                  &C::Escape},
+      ToolRow{"ID_Help",                 &C::Help},
+      ToolRow{kSession,                  &C::Session,              ToolNeed::Window},
+      ToolRow{"ID_PLC_DB",               &C::PanelDesign,          ToolNeed::PanelDesigner},
+      ToolRow{"ID_LogOff",               &C::LogOff},
+      ToolRow{"ID_PID_Srv",              &C::PidServer,            ToolNeed::Nothing, kPidServer},
+      ToolRow{"ID_DownloadDesigner",     &C::DownloadDesigner,     ToolNeed::Nothing, kDownloadDesigner},
+      ToolRow{"ID_PagesFile",            &C::PagesFile},
+      ToolRow{"ID_ImportFontsAndImages", &C::ImportFontsAndImages, ToolNeed::ColourCaches},
+      ToolRow{kCloner,                   &C::DumpPlc,              ToolNeed::Window},
+  };
   // clang-format on
   return kRows;
+}
+
+const ToolRow* FindTool(std::string_view id) {
+  const auto rows = ToolTable();
+  const auto row = std::ranges::find(rows, id, &ToolRow::id);
+  return row == rows.end() ? nullptr : &*row;
 }
 
 // What a tool has opened is closed with it, unless the host works with the link.
@@ -68,10 +72,10 @@ void clsCallerExe::ReleaseLink() {
   if (mRemote && mVsCon && !mRemote->HoldsLink()) mVsCon->CloseDriver();
 }
 
-void clsCallerExe::ShowWindow(const ToolWindowFactory& factory, const std::string& argument) {
+void clsCallerExe::ShowWindow(const std::string& toolId, const std::string& argument) {
   const ScopeGuard closed([this] { ReleaseLink(); });
   ModalBracket bracket(*mRemote);
-  if (const auto window = factory(argument)) window->ShowModal();
+  if (const auto window = mWindows.at(toolId)(argument)) window->ShowModal();
 }
 
 void clsCallerExe::Open(const std::string& verb, const fs::path& file, const std::string& parameters) {
@@ -136,21 +140,9 @@ void clsCallerExe::Help(const std::string& argument) {
   Open("", mParts.paths.Help() / "KvTeleExe.chm");
 }
 
-void clsCallerExe::About(const std::string& argument) {
-  ShowWindow(mWindows.frmAbout, argument);
-}
-
-void clsCallerExe::Downloader(const std::string& argument) {
-  ShowWindow(mWindows.frmDownloader, argument);
-}
-
-void clsCallerExe::DataTypes(const std::string& argument) {
-  ShowWindow(mWindows.frmDataTypesView, argument);
-}
-
 void clsCallerExe::Session(const std::string& argument) {
   const std::string before = mShared.CurrentSession;
-  ShowWindow(mWindows.frmSession, argument);
+  ShowWindow(kSession, argument);
   if (mShared.CurrentSession != before) FollowSession();
   UpdateLinkDescription();
   mRemote->SetSessionPath(Utf8FromPath(SessionFolder(mShared)));
@@ -175,10 +167,6 @@ void clsCallerExe::PanelDesign(const std::string&) {
   designer->Run();
   if (designer->ItemCount() == 0) return RemoveDesign(mShared);
   if (const auto saved = WriteDesign(mShared, designer->GetBlocks()); !saved) Warn(saved.error().Text());
-}
-
-void clsCallerExe::LogIn(const std::string& argument) {
-  ShowWindow(mWindows.frmLogIn, argument);
 }
 
 void clsCallerExe::LogOff(const std::string&) {
@@ -231,12 +219,8 @@ void clsCallerExe::ImportFontsAndImages(const std::string&) {
 }
 
 void clsCallerExe::DumpPlc(const std::string& argument) {
-  ShowWindow(mWindows.frmDumpPLC, argument);
+  ShowWindow(kCloner, argument);
   mRemote->StatusMessage("");
-}
-
-void clsCallerExe::ImportCacheFromPlc(const std::string& argument) {
-  ShowWindow(mWindows.frmRestoreCache, argument);
 }
 
 }  // namespace kv

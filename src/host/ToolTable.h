@@ -8,22 +8,24 @@
 
 namespace kv {
 
-// What a tool cannot work without, beside its window.
-enum class ToolNeed { Nothing, PanelDesigner, ColourCaches };
+// What a tool cannot work without.
+enum class ToolNeed { Nothing, Window, PanelDesigner, ColourCaches };
 
 // One row of the dispatch table: a tool id, what it does, and what it needs to be there.
 struct ToolRow {
   using Action = void (clsCallerExe::*)(const std::string& argument);
-  using Window = ToolWindowFactory ToolWindows::*;
 
   std::string_view id;
   Action action;
-  Window window = nullptr;  // null: the tool needs no window of ours
   ToolNeed need = ToolNeed::Nothing;
   const char* program = nullptr;  // a sibling program that it starts
 };
 
-// The dispatch table, in the order in which ids are compared.
+// The tools that do more than to show their window, in the order in which ids are compared. Any other tool needs no
+// row: it is shown when the program has a window for its id.
 [[nodiscard]] std::span<const ToolRow> ToolTable();
+
+// The row of this id; null when there is none.
+[[nodiscard]] const ToolRow* FindTool(std::string_view id);
 
 }  // namespace kv

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -18,16 +19,8 @@ class ToolWindow {
 // Makes a tool's window. `argument` is the text that came with the tool id.
 using ToolWindowFactory = std::function<std::unique_ptr<ToolWindow>(const std::string& argument)>;
 
-// The windows of this build, filled in by the program. A window that is not there leaves its place empty: its tools are
+// The windows of this build by the ids of their tools, filled in by the program. A tool whose window is not there is
 // greyed.
-struct ToolWindows {
-  ToolWindowFactory frmSession;
-  ToolWindowFactory frmDataTypesView;
-  ToolWindowFactory frmDownloader;
-  ToolWindowFactory frmDumpPLC;
-  ToolWindowFactory frmLogIn;
-  ToolWindowFactory frmRestoreCache;
-  ToolWindowFactory frmAbout;
-};
+using ToolWindows = std::map<std::string, ToolWindowFactory, std::less<>>;
 
 }  // namespace kv

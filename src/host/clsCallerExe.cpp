@@ -1,7 +1,5 @@
 #include "host/clsCallerExe.h"
 
-#include <algorithm>
-
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "host/ToolTable.h"
@@ -80,17 +78,19 @@ void clsCallerExe::ConnectDriver() {
 
 void clsCallerExe::GreyMissingTools() {
   mWindows = mParts.createWindows(mShared);
-  for (const ToolRow& row : ToolTable()) {
-    if (const std::string why = WhyGrey(row); !why.empty()) mRemote->SetToolMissing(std::string(row.id), why);
+  for (const std::string& toolId : mRemote->ToolIds()) {
+    if (const std::string why = WhyGrey(toolId); !why.empty()) mRemote->SetToolMissing(toolId, why);
   }
 }
 
 // Sibling programs are looked for when this one starts; a command for one that is not there still says so by itself.
-std::string clsCallerExe::WhyGrey(const ToolRow& row) const {
-  if (IsMissing(row)) return kMissing;
+std::string clsCallerExe::WhyGrey(const std::string& toolId) const {
+  if (IsMissing(toolId)) return kMissing;
+  const ToolRow* row = FindTool(toolId);
+  const char* program = row ? row->program : nullptr;
   std::error_code ignored;
-  if (row.program == nullptr || std::filesystem::exists(InstalledProgram(row.program), ignored)) return {};
-  return std::string("\"") + row.program + "\" is not installed in " + mRemote->InstallFolder() +
+  if (!program || std::filesystem::exists(InstalledProgram(program), ignored)) return {};
+  return std::string("\"") + program + "\" is not installed in " + mRemote->InstallFolder() +
          ". Install it there, and start this program again.";
 }
 
@@ -115,23 +115,27 @@ void clsCallerExe::ShutDown() {
   MarkSessionInUse(mShared, false);
 }
 
-bool clsCallerExe::IsMissing(const ToolRow& row) const {
-  switch (row.need) {
+// A tool without a row is its window; without that, too, nobody knows it.
+bool clsCallerExe::IsMissing(const std::string& toolId) const {
+  const ToolRow* row = FindTool(toolId);
+  switch (row ? row->need : ToolNeed::Window) {
+    case ToolNeed::Window:
+      return !mWindows.contains(toolId);
     case ToolNeed::PanelDesigner:
       return !mParts.createPanelDesigner;
     case ToolNeed::ColourCaches:
       return !mRemote->ReadsColourCaches();
     case ToolNeed::Nothing:
-      break;
+      return false;
   }
-  return row.window && !(mWindows.*row.window);
+  return true;
 }
 
 void clsCallerExe::mRemote_OnToolClicked(const std::string& toolId, const std::string& argument) {
   if (!mRemote) return;  // the user has left, and what was clicked before still arrives
-  const auto rows = ToolTable();
-  const auto row = std::ranges::find(rows, toolId, &ToolRow::id);
-  if (row == rows.end() || IsMissing(*row)) return;
+  if (IsMissing(toolId)) return;
+  const ToolRow* row = FindTool(toolId);
+  if (!row) return ShowWindow(toolId, argument);
   (this->*row->action)(argument);
 }
 

@@ -57,10 +57,10 @@ class clsCallerExe {
   void GreyMissingTools();
   void RunHost();
   void ShutDown();
-  [[nodiscard]] bool IsMissing(const ToolRow& row) const;
-  [[nodiscard]] std::string WhyGrey(const ToolRow& row) const;
+  [[nodiscard]] bool IsMissing(const std::string& toolId) const;
+  [[nodiscard]] std::string WhyGrey(const std::string& toolId) const;
   void ReleaseLink();
-  void ShowWindow(const ToolWindowFactory& factory, const std::string& argument);
+  void ShowWindow(const std::string& toolId, const std::string& argument);
   void Open(const std::string& verb, const std::filesystem::path& file, const std::string& parameters = "");
   [[nodiscard]] std::filesystem::path InstalledProgram(const char* name) const;
   void Warn(const std::string& text);
@@ -68,7 +68,7 @@ class clsCallerExe {
   void FollowSession();
   void UpdateLinkDescriptionIfNot(const std::string& shown);
 
-  // The tools, in the order of the dispatch table.
+  // The tools of the dispatch table, in its order.
   void ShowComParams(const std::string& argument);
   void ShowModem(const std::string& argument);
   void OnLine(const std::string& argument);
@@ -76,19 +76,14 @@ class clsCallerExe {
   void ChangeModel(const std::string& argument);
   void Escape(const std::string& argument);
   void Help(const std::string& argument);
-  void About(const std::string& argument);
-  void Downloader(const std::string& argument);
-  void DataTypes(const std::string& argument);
   void Session(const std::string& argument);
   void PanelDesign(const std::string& argument);
-  void LogIn(const std::string& argument);
   void LogOff(const std::string& argument);
   void PidServer(const std::string& argument);
   void DownloadDesigner(const std::string& argument);
   void PagesFile(const std::string& argument);
   void ImportFontsAndImages(const std::string& argument);
   void DumpPlc(const std::string& argument);
-  void ImportCacheFromPlc(const std::string& argument);
 
   HostParts mParts;
   SharedState mShared;

@@ -172,13 +172,13 @@ TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
     host.NoteSilence();
     EXPECT_EQ(ConnectionHeading(view.shown), "No answer, looking for the controller: COM3, 115200 8N1, unit 1");
     EXPECT_EQ(view.shown.message, "No answer, looking for the controller");
-    host.Click("ID_Session");
+    host.Click("ID_DumpPLC");
     host.Click(command::kOnLine);  // cannot be used, and so does not replace it
     EXPECT_TRUE(pacer.StopRequested());
     EXPECT_THAT(clicked, ElementsAre("ID_OnLine")) << "not in the middle of the question";
   };
   Pass(std::chrono::seconds(1));
-  EXPECT_THAT(clicked, ElementsAre("ID_OnLine", "ID_Session"));
+  EXPECT_THAT(clicked, ElementsAre("ID_OnLine", "ID_DumpPLC"));
   EXPECT_FALSE(pacer.StopRequested());
   EXPECT_EQ(ConnectionText(view.shown), "On line") << "nothing is known but that the question was stopped";
   EXPECT_THAT(view.shown.message, HasSubstr("On line with K220-22-R1"));
@@ -324,14 +324,14 @@ TEST_F(TelepanelHostTest, NobodyIsAskedWhileAToolWorksWithTheController) {
   host.Click(command::kOnLine);
   channel->calls.clear();
   host.OnToolClicked = [this](const std::string&, const std::string&) {
-    host.Click("ID_Session");  // a click that comes through while a tool is at work
+    host.Click("ID_DumpPLC");  // a click that comes through while a tool is at work
     Pass(std::chrono::seconds(10));
     host.SetEnabled(false);
   };
   host.Click("ID_DataTypes");
   Pass(std::chrono::seconds(10));
   EXPECT_EQ(Questions(), 0);
-  host.Click("ID_Session");
+  host.Click("ID_DumpPLC");
   EXPECT_THAT(clicked, ElementsAre("ID_OnLine"));
   host.SetEnabled(true);
   host.Tick();

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/ToolTable.h"
 #include "tests/host/HostBench.h"
 
 namespace kv {
@@ -17,13 +16,14 @@ struct CallerExeTest : testing::Test, test::HostBench {};
 TEST_F(CallerExeTest, LivesItsLifeInOrder) {
   Put("KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=K330\r\n");
   host.readsColourCaches = false;
+  host.toolIds = {"ID_OnLine", "ID_DataTypes", "ID_LogIn", "ID_PLC_DB", "ID_PID_Srv", "ID_ImportFontsAndImages"};
   clsCallerExe caller(parts);
   caller.StartUp();
   EXPECT_THAT(Taken(),
               ElementsAre("host made", "SessionName Default", "SessionPath HOME/Sessions/Default", "StartupOption 1",
                           "Model K330", "frmTAPI loaded", "driver made", "Driver active",
                           "Driver ConfigureForSession HOME/Sessions/Default", "ComDescription COM3, 115200 8N1, unit 1",
-                          "ToolMissing ID_PLC_DB", "ToolMissing ID_PID_Srv", "ToolMissing ID_DownloadDesigner",
+                          "ToolMissing ID_LogIn", "ToolMissing ID_PLC_DB", "ToolMissing ID_PID_Srv",
                           "ToolMissing ID_ImportFontsAndImages", "RecentCaches 0", "Run", "host released",
                           "Driver not active", "Driver gone"));
   EXPECT_EQ(caller.Remote(), nullptr);
@@ -32,6 +32,7 @@ TEST_F(CallerExeTest, LivesItsLifeInOrder) {
 
 TEST_F(CallerExeTest, GreysProgramsThatAreNotInstalled) {
   home.Put("PID Server.exe", "");
+  host.toolIds = {"ID_PID_Srv", "ID_DownloadDesigner"};
   clsCallerExe caller(parts);
   caller.StartUp();
   const auto calls = Taken();
@@ -61,24 +62,18 @@ TEST_F(CallerExeTest, ClearsTheMarkOfTheSessionThatItEndsIn) {
 }
 
 TEST_F(CallerExeTest, UnknownIdsAndMissingToolsDoNothing) {
-  for (const char* id : {"", "ID_Unknown", "id_session", "ID_Session ", "escape", "ID_PLC_DB"}) {
+  windows.clear();
+  host.readsColourCaches = false;
+  for (const char* id : {"", "ID_Unknown", "id_exit", "ID_Exit ", "escape", "ID_DataTypes", "ID_DumpPLC", "ID_PLC_DB",
+                         "ID_ImportFontsAndImages"}) {
     EXPECT_THAT(CallsOf(id, "x"), IsEmpty()) << id;
   }
-  parts.createWindows = [](SharedState&) { return ToolWindows{}; };
-  host.readsColourCaches = false;
-  EXPECT_THAT(CallsOf([&](clsCallerExe& caller) {
-                for (const ToolRow& row : ToolTable()) {
-                  const bool isMissing = row.window || row.need != ToolNeed::Nothing;
-                  if (isMissing) caller.mRemote_OnToolClicked(std::string(row.id), "");
-                }
-              }),
-              IsEmpty());
 }
 
 TEST_F(CallerExeTest, AfterExitNothingIsOpenedAnyMore) {
   EXPECT_THAT(CallsOf([&](clsCallerExe& caller) {
                 host.OnToolClicked("ID_Exit", "");
-                host.OnToolClicked("ID_Session", "");
+                host.OnToolClicked("ID_DataTypes", "");
                 shared.ComDriver->OnComMessage("late");
                 caller.mWinsock_ConnectionRequest(1);
               }),

@@ -86,17 +86,16 @@ struct HostBench : SessionBench {
     };
     parts.createWindows = [this](SharedState& state) {
       callerState = &state;
-      return ToolWindows{Window("frmSession"), Window("frmDataTypesView"), Window("frmDownloader"),
-                         Window("frmDumpPLC"), Window("frmLogIn"),         Window("frmRestoreCache"),
-                         Window("frmAbout")};
+      ToolWindows made;
+      for (const std::string& id : windows) made[id] = Window(id);
+      return made;
     };
     parts.prompts = &prompts;
     parts.shell = &shell;
   }
 
-  ToolWindowFactory Window(const char* name) {
-    return
-        [this, name](const std::string& argument) { return std::make_unique<FakeWindow>(log, name, argument, onShow); };
+  ToolWindowFactory Window(const std::string& id) {
+    return [this, id](const std::string& argument) { return std::make_unique<FakeWindow>(log, id, argument, onShow); };
   }
 
   // Lets the program live its life, with `action` as what happens while the host runs; what the program did for it.
@@ -115,6 +114,7 @@ struct HostBench : SessionBench {
     return CallsOf([&](clsCallerExe&) { host.OnToolClicked(toolId, argument); });
   }
 
+  std::vector<std::string> windows{"ID_About", "ID_DataTypes", "ID_DumpPLC"};  // by the ids of their tools
   FakeShell shell{log};
   HostParts parts{.paths = ProgramPaths(home.Path())};
   std::function<void()> onShow;

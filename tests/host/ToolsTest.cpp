@@ -12,14 +12,14 @@ using test::CallLog;
 using testing::ElementsAre;
 
 struct ToolsTest : testing::Test, test::HostBench {
+  ToolsTest() { windows.emplace_back("ID_Session"); }
   [[nodiscard]] bool HasFile(const char* name) const { return std::filesystem::exists(Session("Default") / name); }
 };
 
 // What a tool does that only shows its window.
-CallLog Shown(const std::string& name, const std::string& argument = "", const CallLog& after = {}) {
-  CallLog calls{"Enabled off",   name + " made for '" + argument + "'",
-                name + " shown", name + " gone",
-                "Enabled on",    "Driver CloseDriver"};
+CallLog Shown(const std::string& id, const std::string& argument = "", const CallLog& after = {}) {
+  CallLog calls{"Enabled off",       id + " made for '" + argument + "'", id + " shown", id + " gone", "Enabled on",
+                "Driver CloseDriver"};
   calls.insert(calls.end(), after.begin(), after.end());
   return calls;
 }
@@ -40,16 +40,12 @@ TEST_F(ToolsTest, EachRowOfTheTableDoesItsCallsInOrder) {
       {"ID_OPLC_Model", "K230", {"Model K230", "Refresh", "Driver ConfigureForSession HOME/Sessions/Default"}},
       {"Escape", "", {}},
       {"ID_Help", "", {"Shell '' HOME/help/KvTeleExe.chm ''"}},
-      {"ID_Help", "USER_RBK", Shown("frmAbout", "USER_RBK")},
-      {"ID_About", "", Shown("frmAbout")},
-      {"ID_Downloader", "user", Shown("frmDownloader", "user")},
-      {"ID_DataTypes", "", Shown("frmDataTypesView")},
-      {"ID_Session", "", Shown("frmSession", "", {link, "SessionPath HOME/Sessions/Default", "Refresh"})},
-      {"ID_LogIn", "", Shown("frmLogIn")},
+      {"ID_Help", "USER_RBK", Shown("ID_About", "USER_RBK")},
+      {"ID_DataTypes", "user", Shown("ID_DataTypes", "user")},
+      {"ID_Session", "", Shown("ID_Session", "", {link, "SessionPath HOME/Sessions/Default", "Refresh"})},
       {"ID_PID_Srv", "x", {"Shell 'open' HOME/PID Server.exe ''"}},
       {"ID_DownloadDesigner", "", {"Shell 'open' HOME/KorDownloadDesigner.exe '/t:K230'"}},
-      {"ID_DumpPLC", "", Shown("frmDumpPLC", "", {"StatusMessage"})},
-      {"ID_ImportCacheFromPLC", "Main", Shown("frmRestoreCache", "Main")},
+      {"ID_DumpPLC", "", Shown("ID_DumpPLC", "", {"StatusMessage"})},
   };
   for (const Row& row : rows) EXPECT_EQ(CallsOf(row.id, row.argument), row.expected) << row.id;
 }
@@ -77,7 +73,7 @@ TEST_F(ToolsTest, TheBracketGivesBackWhatTheHostWasOnEveryPath) {
   host.enabled = true;
   onShow = [] { throw std::string("left early"); };
   EXPECT_EQ(CallsOf([&](clsCallerExe&) { EXPECT_THROW(host.OnToolClicked("ID_DataTypes", ""), std::string); }),
-            Shown("frmDataTypesView"));
+            Shown("ID_DataTypes"));
 }
 
 // The model of the session before would be shown, and the next going on line would write it into this session.

@@ -21,6 +21,7 @@ class FakeHost : public RemoteHost {
   bool enabled = true;
   std::string model = "K220-22-R1";
   std::string installFolder;
+  std::vector<std::string> toolIds;
   bool readsColourCaches = true;
   bool opensCaches = true;
   bool online = false;
@@ -54,6 +55,7 @@ class FakeHost : public RemoteHost {
   void SetUserName(const std::string& name) override { Note("UserName", name); }
   std::string InstallFolder() const override { return installFolder; }
   void SetHourglass(bool busy) override { Note("Hourglass", Switch(busy)); }
+  std::vector<std::string> ToolIds() const override { return toolIds; }
   void SetToolMissing(const std::string& toolId, const std::string&) override { Note("ToolMissing", toolId); }
 
   bool OpenPagesFile(const std::string& path) override { return Note("OpenPagesFile", path); }

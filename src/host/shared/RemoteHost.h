@@ -24,7 +24,7 @@ class RemoteHost {
  public:
   virtual ~RemoteHost() = default;
 
-  // Event: a toolbar or menu command that belongs to a tool, with the tool's id ("ID_Session") and a free text.
+  // Event: a toolbar or menu command that belongs to a tool, with the tool's id ("ID_DataTypes") and a free text.
   std::function<void(const std::string& toolId, const std::string& argument)> OnToolClicked;
 
   // Event: the host has let go of the controller, and the link is to be closed, so that others can use it and the next
@@ -56,6 +56,8 @@ class RemoteHost {
   // While true the pointer is the hourglass.
   virtual void SetHourglass(bool busy) = 0;
 
+  // The ids of the tools that the host offers in its menus.
+  [[nodiscard]] virtual std::vector<std::string> ToolIds() const = 0;
   // Tools that this build does not have: shown greyed, with `reason` as their tooltip.
   virtual void SetToolMissing(const std::string& toolId, const std::string& reason) = 0;
 

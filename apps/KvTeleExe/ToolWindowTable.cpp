@@ -1,0 +1,51 @@
+#include "apps/KvTeleExe/ToolWindowTable.h"
+
+#include <QApplication>
+#include <array>
+
+#include "apps/KvTeleExe/DialogWindow.h"
+#include "clone/ui/frmDumpPLC.h"
+#include "dataview/ui/frmDataTypesView.h"
+#include "sessions/ui/frmSession.h"
+
+namespace kv {
+namespace {
+
+using Made = std::unique_ptr<QDialog>;
+
+constexpr std::array kTable{
+    ToolWindowRow{"ID_DataTypes", "",
+                  [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
+                    const mdlDataTypesView::DataTypesViewParts parts{of.shared,    of.prompts,     of.pacer,
+                                                                     of.clipboard, of.hexSelector, of.clock};
+                    return std::make_unique<frmDataTypesView>(parts, of.pacer, parent);
+                  }},
+    ToolWindowRow{"ID_DumpPLC", "",
+                  [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
+                    const ClonerServices services{of.shared, of.prompts, of.pacer, of.clock, of.shell};
+                    return std::make_unique<frmDumpPLC>(services, parent);
+                  }},
+    ToolWindowRow{"ID_Session", "Sessions.html",
+                  [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
+                    return std::make_unique<frmSession>(of.shared, of.prompts, parent);
+                  }},
+};
+
+}  // namespace
+
+std::span<const ToolWindowRow> ToolWindowTable() {
+  return kTable;
+}
+
+ToolWindows MakeToolWindows(const WindowServices& services) {
+  ToolWindows windows;
+  for (const ToolWindowRow& row : kTable) {
+    windows[std::string(row.id)] = [&row, services](const std::string& argument) {
+      Made dialog = row.make(services, argument, QApplication::activeWindow());
+      return std::make_unique<DialogWindow>(std::move(dialog), row.topic, services);
+    };
+  }
+  return windows;
+}
+
+}  // namespace kv

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QDialog>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "desktop/Clipboard.h"
+#include "desktop/Prompts.h"
+#include "desktop/Shell.h"
+#include "desktop/WallClock.h"
+#include "desktop/ui/QtPacer.h"
+#include "editors/clsHexSelector.h"
+#include "host/ToolWindow.h"
+
+namespace kv {
+
+// What tool windows are made of; all outlive them.
+struct WindowServices {
+  SharedState& shared;
+  Prompts& prompts;
+  QtPacer& pacer;
+  const WallClock& clock;
+  Clipboard& clipboard;
+  Shell& shell;
+  clsHexSelector& hexSelector;
+  std::filesystem::path windowsFile;  // where windows remember their places
+};
+
+// One tool window: the id of its tool in the menus, its page in the folder of the help, and how it is made.
+struct ToolWindowRow {
+  using Make = std::unique_ptr<QDialog> (*)(const WindowServices& of, const std::string& argument, QWidget* parent);
+
+  std::string_view id;
+  std::string_view topic;  // F1 opens it; empty: the window has a help command of its own
+  Make make;
+};
+
+[[nodiscard]] std::span<const ToolWindowRow> ToolWindowTable();
+
+// The windows of the table, for the dispatch.
+[[nodiscard]] ToolWindows MakeToolWindows(const WindowServices& services);
+
+}  // namespace kv
