@@ -4,14 +4,18 @@
 #include <QAbstractSlider>
 #include <QComboBox>
 #include <QContextMenuEvent>
+#include <QDesktopServices>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QMenu>
 #include <QTableView>
 #include <QTableWidget>
+#include <QTextBrowser>
 
 #include "KvTele2/HostCommands.h"
 #include "KvTele2/PagesFile.h"
+#include "apps/KvTeleExe/ToolWindowTable.h"
+#include "base/ScopeGuard.h"
 #include "tests/desktop_ui/UsableWindow.h"
 #include "tests/host_ui/WindowBench.h"
 
@@ -227,6 +231,35 @@ TEST_F(MainWindowTest, AnotherSessionIsActivatedInItsWindow) {
     EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), "K330") << "its own, not that of the session before";
     EXPECT_EQ(Text(window, "lblOnline"), "Off line");
     EXPECT_TRUE(window.isEnabled());
+  });
+}
+
+TEST_F(MainWindowTest, EveryToolWindowOpensFromTheMenuAndItsTopicAtTheHelpKey) {
+  QTextBrowser browser;
+  QDesktopServices::setUrlHandler("file", &browser, "setSource");
+  const ScopeGuard unset([] { QDesktopServices::unsetUrlHandler("file"); });
+  const auto open = [&](QMainWindow& window, const ToolWindowRow& row) {
+    bool isOpen = false;
+    WhenOpen<QDialog>(window, [&](QDialog& dialog) {
+      isOpen = QTest::qWaitForWindowActive(&dialog, kPatience);
+      if (!row.topic.empty()) QTest::keyClick(&dialog, Qt::Key_F1);
+      dialog.close();
+    });
+    Trigger(window, std::string(row.id).c_str());
+    EXPECT_TRUE(isOpen) << row.id;
+  };
+  std::filesystem::copy(KV_TEST_DATA "/../runtime/help", home.Path() / "help");
+  Run([&](QMainWindow& window) {
+    for (const ToolWindowRow& row : ToolWindowTable()) {
+      open(window, row);
+      if (row.topic.empty()) continue;
+      EXPECT_EQ(browser.source().fileName().toStdString(), row.topic);
+      EXPECT_NE(browser.documentTitle(), "") << row.topic << " is no page of runtime/help";
+    }
+    std::filesystem::remove_all(home.Path() / "help");
+    const Boxes boxes(window);
+    open(window, *std::ranges::find(ToolWindowTable(), "Sessions.html", &ToolWindowRow::topic));
+    EXPECT_THAT(boxes.texts, ElementsAre(HasSubstr("Sessions.html cannot be opened: it does not exist.")));
   });
 }
 

@@ -12,7 +12,6 @@
 #include "KvCmDrv1/wire/AsciiCodec.h"
 #include "KvCmDrv1/wire/CommandFacts.h"
 #include "KvCmDrv1/wire/OperandTypes.h"
-#include "MarkdownTables.h"
 #include "base/Numbers.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "download/AurexPlaces.h"
@@ -24,6 +23,7 @@
 #include "simulator/FrameReader.h"
 #include "simulator/Memory.h"
 #include "simulator/OperandTypes.h"
+#include "tests/support/MarkdownTables.h"
 
 namespace kv::test {
 namespace {

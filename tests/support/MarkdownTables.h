@@ -27,9 +27,9 @@ inline Row CellsOf(const std::string& line) {
   return cells;
 }
 
-// The rows below every head of the page whose first cells are these; a failure when there are none.
-inline std::vector<Row> RowsBelow(const Row& head) {
-  std::ifstream page(KV_TEST_DATA "/../docs/controller-protocol.md");
+// The rows below every head of a page of docs whose first cells are these; a failure when there are none.
+inline std::vector<Row> RowsBelow(const Row& head, const std::string& name = "controller-protocol.md") {
+  std::ifstream page(KV_TEST_DATA "/../docs/" + name);
   std::vector<Row> rows;
   bool isInside = false;
   for (std::string line; std::getline(page, line);) {

@@ -1,0 +1,65 @@
+// Whoever adds a tool window follows docs/architecture.md and one example. What the page names has to be all there is.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <regex>
+#include <set>
+
+#include "tests/base/TemporaryFolder.h"
+#include "tests/support/MarkdownTables.h"
+
+namespace kv::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kTree = KV_TEST_DATA "/..";
+
+void ForEachFile(std::initializer_list<const char*> folders,
+                 const std::function<void(const std::string& name, const std::string& content)>& look) {
+  for (const char* folder : folders) {
+    for (const auto& entry : fs::recursive_directory_iterator(kTree / folder)) {
+      if (entry.is_regular_file())
+        look(entry.path().lexically_relative(kTree).generic_string(), TemporaryFolder::Content(entry));
+    }
+  }
+}
+
+TEST(ToolWindowPageTest, NamesExactlyTheFilesOfTheExample) {
+  const std::string tool = "Session";
+  const std::string folder = "sessions";
+  const std::string marks[] = {"ID_" + tool, "frm" + tool, folder + "/ui", folder + "_ui"};
+  std::set<std::string> named;
+  for (const Row& row : RowsBelow({"File", "What goes there", "In the example"}, "architecture.md")) {
+    const std::string file = CodeIn(row[0]);
+    named.insert(file);
+    EXPECT_THAT(TemporaryFolder::Content(kTree / file), testing::HasSubstr(CodeIn(row[2]))) << file;
+  }
+  ForEachFile({"apps", "cmake", "libs", "runtime", "simulator", "src", "tests", "tools"},
+              [&](const std::string& name, const std::string& content) {
+                const auto isIn = [&](const std::string& mark) { return content.contains(mark); };
+                const bool isOfExample = std::ranges::any_of(marks, isIn);
+                EXPECT_TRUE(!isOfExample || named.contains(name)) << name << " belongs to the example, too";
+              });
+}
+
+// Names in the tables of commands are walked by the tests of their windows.
+TEST(IconNamesTest, EveryNameInTheCodeIsADrawing) {
+  const std::regex use("IconOf\\(([^)]*)\\)");
+  ForEachFile({"apps", "libs", "src"}, [&](const std::string& name, const std::string& content) {
+    if (name.starts_with("src/desktop/ui/Icons.")) return;
+    for (std::sregex_iterator at(content.begin(), content.end(), use), end; at != end; ++at) {
+      const std::string icon = (*at)[1];
+      const bool isOfTable = icon.ends_with(".icon");
+      const bool isDrawn =
+          icon.size() > 2 && fs::exists(kTree / "src/desktop/ui/icons" / (icon.substr(1, icon.size() - 2) + ".svg"));
+      EXPECT_TRUE(isOfTable || isDrawn) << name << ": " << icon;
+    }
+  });
+}
+
+}  // namespace
+}  // namespace kv::test
