@@ -15,6 +15,10 @@ using Hundredths = std::chrono::duration<std::int64_t, std::centi>;
 
 constexpr std::uint32_t kTimerHoldTime = 100;  // hundredths
 
+// Nothing changes within these; a client that asks thousands of times a second need not wait for the same values.
+constexpr kv::Duration kClockStep = milliseconds(500);
+constexpr kv::Duration kProgramStep = Hundredths(1);
+
 std::uint64_t CountOf(kv::Duration span, kv::Duration unit) {
   return static_cast<std::uint64_t>(span / unit);
 }
@@ -39,12 +43,17 @@ void MovingValues::SetFirstValues(Operands& operands) {
 
 void MovingValues::Advance(Operands& operands, kv::Duration elapsed, bool running) {
   mUpTime += elapsed;
-  ShowClock(operands);
+  if (const auto step = CountOf(mUpTime, kClockStep); step != mClockShown) {
+    ShowClock(operands);
+    mClockShown = step;
+  }
   if (!running) return;
-  const std::uint64_t before = CountOf(mRunTime, Hundredths(1));
   mRunTime += elapsed;
-  RunTimer(operands, CountOf(mRunTime, Hundredths(1)) - before);
-  ShowProgram(operands);
+  if (const auto step = CountOf(mRunTime, kProgramStep); step != mProgramShown) {
+    RunTimer(operands, step - mProgramShown.value_or(0));
+    ShowProgram(operands);
+    mProgramShown = step;
+  }
 }
 
 void MovingValues::ShowClock(Operands& operands) const {

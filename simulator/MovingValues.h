@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "base/Time.h"
 #include "simulator/Operands.h"
@@ -45,7 +46,9 @@ class MovingValues {
   std::uint64_t mSeed;
   kv::Duration mUpTime{0};
   kv::Duration mRunTime{0};
-  std::uint32_t mTimerHold = 0;  // hundredths for which timer 0 has been at its end
+  std::optional<std::uint64_t> mClockShown;    // the step of the clock that the cells show
+  std::optional<std::uint64_t> mProgramShown;  // and that of the program
+  std::uint32_t mTimerHold = 0;                // hundredths for which timer 0 has been at its end
 };
 
 }  // namespace sim
