@@ -79,7 +79,7 @@ Answer ConfirmProject(Machine& machine, const BlockRequest& request) {
 Answer TakeTopic(Machine& machine, const BlockRequest& request) {
   if (request.dataLength != request.payload.size()) return Refuse(Refusal::Malformed);
   if (!IsInBootLoader(machine)) return AnswerOf(machine.project.TakeTopic(request.param3, request.payload));
-  return AnswerOf(machine.aurexOs.Take({request.param1, request.param3, request.param4, request.payload}));
+  return AnswerOf(machine.aurexOs.Take({request.param1, request.param3, request.param4, std::string(request.payload)}));
 }
 
 // 300 ms and 20 us a byte, 5 s at most: a status poll sees it at work, nobody waits long.

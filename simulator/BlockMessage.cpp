@@ -1,5 +1,7 @@
 #include "simulator/BlockMessage.h"
 
+#include <array>
+
 #include "base/Crc32.h"
 #include "simulator/LittleEndian.h"
 
@@ -37,22 +39,26 @@ std::uint16_t WordAt(std::string_view bytes, std::size_t at) {
 }  // namespace
 
 std::string EncodeBlock(const BlockMessage& message) {
+  std::array<char, kBlockHeadSize> head{kBlockStart, kSecondMagic, kVersion};
+  char* place = head.data() + kKindAt;
+  place = PutLittle(place, message.kind, 1);
+  place = PutLittle(place, message.unit, 1);
+  place = PutLittle(place, message.status, 1);
+  place = PutLittle(place, message.sequence, 2);
+  place = PutLittle(place, message.opCode, 2);
+  place = PutLittle(place, message.param1, 4);
+  place = PutLittle(place, message.dataLength, 4);
+  place = PutLittle(place, message.param3, 2);
+  place = PutLittle(place, message.param4, 2);
+  place = PutLittle(place, static_cast<std::uint32_t>(message.payload.size()), 4);
+  const std::uint32_t headCheck = kv::Crc32({head.data(), kHeadCheckAt});
+  PutLittle(place, headCheck & 0xFFFF, 2);
+
   std::string bytes;
-  bytes.reserve(kBlockHeadSize + message.payload.size() + kCrcSize);
-  bytes += {kBlockStart, kSecondMagic, kVersion};
-  AppendLittle(bytes, message.kind, 1);
-  AppendLittle(bytes, message.unit, 1);
-  AppendLittle(bytes, message.status, 1);
-  AppendLittle(bytes, message.sequence, 2);
-  AppendLittle(bytes, message.opCode, 2);
-  AppendLittle(bytes, message.param1, 4);
-  AppendLittle(bytes, message.dataLength, 4);
-  AppendLittle(bytes, message.param3, 2);
-  AppendLittle(bytes, message.param4, 2);
-  AppendLittle(bytes, static_cast<std::uint32_t>(message.payload.size()), 4);
-  AppendLittle(bytes, kv::Crc32(bytes) & 0xFFFF, 2);
+  bytes.reserve(head.size() + message.payload.size() + kCrcSize);
+  bytes.append(head.data(), head.size());
   bytes += message.payload;
-  AppendLittle(bytes, kv::Crc32(bytes), 4);
+  AppendLittle(bytes, kv::Crc32(std::string_view(bytes).substr(kHeadCheckAt), headCheck), kCrcSize);
   return bytes;
 }
 

@@ -18,7 +18,7 @@ struct BlockRequest {
   std::uint32_t dataLength = 0;
   std::uint16_t param3 = 0;
   std::uint16_t param4 = 0;
-  std::string payload;
+  std::string_view payload;  // stands in the message
 };
 
 struct BlockReply {

@@ -18,6 +18,15 @@ constexpr std::size_t kRememberedReply = 40;  // characters
 constexpr int kBlockBusy = 5;
 constexpr int kBlockRefused = 128;
 
+std::string EncodeReply(const BlockMessage& request, std::uint8_t unit, const BlockReply& reply) {
+  BlockMessage message = request;
+  message.kind = BlockMessage::Reply;
+  message.unit = unit;
+  message.status = static_cast<std::uint8_t>(reply.status);
+  message.payload = reply.payload;
+  return EncodeBlock(message);
+}
+
 }  // namespace
 
 ControllerDesk::ControllerDesk(std::unique_ptr<Controller> controller, Faults faults, const SimulatorOptions& options)
@@ -36,7 +45,7 @@ ControllerDesk::Answer ControllerDesk::AnswerText(const AsciiFrame& request, Cli
   const TextReply reply = Execute(request.text, client.connection, plan);
   if (!reply.changesNothing) mLast = {mCounter, kv::Crc32(request.text), reply.text.substr(0, kRememberedReply)};
   const auto unit = static_cast<std::uint8_t>(request.unit + (plan.isFromWrongUnit ? 1 : 0));
-  return {EncodeFrame(unit, Seal(unit, request.text, reply.text, mCounter)), reply.newBaud, reply.resets};
+  return {EncodeReply(unit, request.text, reply.text, mCounter), reply.newBaud, reply.resets};
 }
 
 TextReply ControllerDesk::Execute(std::string_view text, Connection& connection, const FaultPlan& plan) {
@@ -61,21 +70,15 @@ TextReply ControllerDesk::AnswerSync(std::string_view text) const {
 std::string ControllerDesk::AnswerBlock(const BlockMessage& request, ClientState& client, const FaultPlan& plan,
                                         kv::Instant now) {
   Attend(client, now);
+  const auto unit = static_cast<std::uint8_t>(request.unit + (plan.isFromWrongUnit ? 1 : 0));
   auto& last = client.lastBlock;
-  BlockReply reply;
-  if (last && last->sequence == request.sequence && last->crc == request.crc) {
-    reply = last->reply;
-  } else {
-    reply = Execute(request, client.connection, plan);
+  if (!last || last->sequence != request.sequence || last->crc != request.crc) {
+    BlockReply reply = Execute(request, client.connection, plan);
     // Busy is not an answer for good: the same request may be tried again.
-    if (reply.status != kBlockBusy) last = {request.sequence, request.crc, reply};
+    if (reply.status == kBlockBusy) return EncodeReply(request, unit, reply);
+    last = {request.sequence, request.crc, std::move(reply)};
   }
-  BlockMessage message = request;
-  message.kind = BlockMessage::Reply;
-  message.unit = static_cast<std::uint8_t>(request.unit + (plan.isFromWrongUnit ? 1 : 0));
-  message.status = static_cast<std::uint8_t>(reply.status);
-  message.payload = reply.payload;
-  return EncodeBlock(message);
+  return EncodeReply(request, unit, last->reply);
 }
 
 BlockReply ControllerDesk::Execute(const BlockMessage& request, Connection& connection, const FaultPlan& plan) {
@@ -83,9 +86,9 @@ BlockReply ControllerDesk::Execute(const BlockMessage& request, Connection& conn
   if (plan.refusal) return {kBlockRefused + static_cast<int>(*plan.refusal), {}};
   mController->SetLying(plan.isLie);
   const kv::ScopeGuard honest([this] { mController->SetLying(false); });
-  return mController->ExecuteBlock({request.opCode, request.param1, request.dataLength, request.param3, request.param4,
-                                    std::string(request.payload)},
-                                   connection);
+  return mController->ExecuteBlock(
+      {request.opCode, request.param1, request.dataLength, request.param3, request.param4, request.payload},
+      connection);
 }
 
 void ControllerDesk::Advance(kv::Instant now) {

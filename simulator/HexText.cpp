@@ -5,7 +5,10 @@
 namespace sim {
 namespace {
 
-constexpr std::string_view kDigits = "0123456789ABCDEF";
+// Reckoned, not looked up: so the compiler can do many digits at once.
+char DigitOf(unsigned value) {
+  return static_cast<char>(value < 10 ? '0' + value : 'A' - 10 + value);
+}
 
 std::optional<std::uint32_t> ValueOf(char digit) {
   if (digit >= '0' && digit <= '9') return static_cast<std::uint32_t>(digit - '0');
@@ -69,19 +72,21 @@ bool IsHexText(std::string_view text) {
   return ParseDigits(text).has_value();
 }
 
-void PutHex(char* place, std::uint32_t value, std::size_t digits) {
-  for (; digits > 0; value >>= 4) place[--digits] = kDigits[value & 0xF];
-}
-
 std::string HexOfBytes(std::string_view bytes) {
   std::string text;
-  text.reserve(bytes.size() * 2);
+  AppendHexOfBytes(text, bytes);
+  return text;
+}
+
+void AppendHexOfBytes(std::string& text, std::string_view bytes) {
+  const std::size_t before = text.size();
+  text.resize(before + 2 * bytes.size());
+  char* place = text.data() + before;
   for (const char byte : bytes) {
     const auto value = static_cast<unsigned char>(byte);
-    text += kDigits[value >> 4];
-    text += kDigits[value & 0xF];
+    *place++ = DigitOf(value >> 4);
+    *place++ = DigitOf(value & 0xFU);
   }
-  return text;
 }
 
 }  // namespace sim

@@ -31,10 +31,9 @@ class HexReader {
 
 [[nodiscard]] bool IsHexText(std::string_view text);  // upper-case digits and nothing else
 
-// Puts the low `digits` digits of `value` to `place` and what follows, in upper case.
-void PutHex(char* place, std::uint32_t value, std::size_t digits);
-
 // Two upper-case digits a byte.
 [[nodiscard]] std::string HexOfBytes(std::string_view bytes);
+// The same behind what `text` holds.
+void AppendHexOfBytes(std::string& text, std::string_view bytes);
 
 }  // namespace sim

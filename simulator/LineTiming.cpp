@@ -50,12 +50,18 @@ std::string Wire::Take(kv::Instant now) {
     Stretch& first = mStretches.front();
     std::size_t arrived = first.bytes.size();
     if (!first.pace.IsAtOnce()) arrived = std::min(arrived, first.pace.CountWithin(now - first.start));
-    taken.append(first.bytes, first.taken, arrived - first.taken);
-    first.taken = arrived;
-    if (arrived < first.bytes.size()) return taken;
+    const bool isWhole = first.taken == 0 && arrived == first.bytes.size();
+    if (isWhole && taken.empty()) {
+      taken = std::move(first.bytes);
+    } else {
+      taken.append(first.bytes, first.taken, arrived - first.taken);
+      first.taken = arrived;
+      if (arrived < first.bytes.size()) return taken;
+    }
     mStretches.pop_front();
   }
-  return mNoise ? taken + TakeNoise(now) : taken;
+  if (mNoise) taken += TakeNoise(now);
+  return taken;
 }
 
 std::string Wire::TakeNoise(kv::Instant now) {

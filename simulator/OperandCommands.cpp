@@ -1,11 +1,11 @@
 // RO and WO: typed operands in ASCII frames.
 #include <cstdint>
-#include <span>
 #include <vector>
 
 #include "base/Numbers.h"
 #include "simulator/HexText.h"
 #include "simulator/TextCommands.h"
+#include "simulator/ValueBytes.h"
 
 namespace sim::commands {
 namespace {
@@ -35,19 +35,6 @@ Result<OperandSpan> TakeSpan(HexReader& fields, bool hasValues) {
   return OperandSpan{type, start, count};
 }
 
-// The values of whole operands, each field with its own number of digits.
-std::string DigitsOf(const OperandTypeRow& type, std::span<const std::uint32_t> values) {
-  std::string digits(values.size() / type.fields * type.Digits(), '0');
-  char* place = digits.data();
-  for (auto value = values.begin(); value != values.end();) {
-    for (std::size_t field = 0; field < type.fields; ++field, ++value) {
-      PutHex(place, *value, type.digits[field]);
-      place += type.digits[field];
-    }
-  }
-  return digits;
-}
-
 }  // namespace
 
 Answer ReadOperands(TextCall& call) {
@@ -55,7 +42,11 @@ Answer ReadOperands(TextCall& call) {
   if (!span) return Refuse(span.error());
   const auto values = call.machine.operands.Read(*span->type, span->start, span->count);
   if (!values) return Refuse(values.error());
-  return span->Echo() + DigitsOf(*span->type, *values);
+  std::string bytes;
+  AppendValues(bytes, *span->type, *values, std::endian::big);
+  std::string answer = span->Echo();
+  AppendHexOfBytes(answer, bytes);
+  return answer;
 }
 
 Answer WriteOperands(TextCall& call) {

@@ -5,42 +5,35 @@
 #include <vector>
 
 #include "simulator/LittleEndian.h"
+#include "simulator/ValueBytes.h"
 
 namespace sim {
 namespace {
 
 constexpr std::size_t kMostRecords = 16;
 
-std::string PackBits(const std::vector<std::uint32_t>& bits) {
-  std::string packed((bits.size() + 7) / 8, '\0');
+void AppendBits(std::string& packed, const std::vector<std::uint32_t>& bits) {
+  const std::size_t before = packed.size();
+  packed.resize(before + (bits.size() + 7) / 8);
   for (std::size_t i = 0; i < bits.size(); ++i) {
-    if (bits[i] != 0) packed[i / 8] = static_cast<char>(packed[i / 8] | 1 << i % 8);
+    if (bits[i] != 0) packed[before + i / 8] = static_cast<char>(packed[before + i / 8] | 1 << i % 8);
   }
-  return packed;
 }
 
-std::string PackValues(const OperandTypeRow& type, const std::vector<std::uint32_t>& values) {
-  const bool isBit = type.fields == 1 && type.digits[0] == 2;
-  if (isBit) return PackBits(values);
-  const std::size_t operands = values.size() / type.fields;
-  std::string packed(operands * type.Digits() / 2, '\0');
-  char* place = packed.data();
-  for (auto value = values.begin(); value != values.end();) {
-    for (std::size_t field = 0; field < type.fields; ++field, ++value) {
-      place = PutLittle(place, *value, type.digits[field] / 2U);
-    }
-  }
-  return packed;
-}
-
-Result<std::string> ReadRecord(const Operands& operands, std::string_view record) {
+Result<void> AppendRecord(std::string& reply, const Operands& operands, std::string_view record) {
   if (LittleAt(record, 0) != 0 || LittleAt(record, 16) != 0) return Refuse(Refusal::Malformed);
   const std::uint32_t code = LittleAt(record, 4);
   const OperandTypeRow* type = code > kLastListedType ? nullptr : FindOperandType(code);
   if (type == nullptr) return Refuse(Refusal::UnknownOperandType);
   const auto values = operands.Read(*type, LittleAt(record, 8), LittleAt(record, 12));
   if (!values) return Refuse(values.error());
-  return PackValues(*type, *values);
+  const bool isBit = type->fields == 1 && type->digits[0] == 2;
+  if (isBit) {
+    AppendBits(reply, *values);
+  } else {
+    AppendValues(reply, *type, *values, std::endian::little);
+  }
+  return {};
 }
 
 }  // namespace
@@ -50,9 +43,8 @@ Result<std::string> ReadOperandList(const Operands& operands, std::string_view r
   if (records.empty() || records.size() > kMostRecords * kOperandRecordSize) return Refuse(Refusal::PastTheEnd);
   std::string reply;
   for (; !records.empty(); records.remove_prefix(kOperandRecordSize)) {
-    const auto values = ReadRecord(operands, records.substr(0, kOperandRecordSize));
-    if (!values) return values;
-    reply += *values;
+    const auto appended = AppendRecord(reply, operands, records.substr(0, kOperandRecordSize));
+    if (!appended) return Refuse(appended.error());
   }
   return reply;
 }

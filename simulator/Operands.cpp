@@ -29,8 +29,12 @@ Result<std::vector<std::uint32_t>> Operands::Read(const OperandTypeRow& type, st
   const std::size_t fields = type.fields;
   std::vector<std::uint32_t> values(count * fields);
   for (std::size_t field = 0; field < fields; ++field) {
-    const Area area = type.areas[field];
-    for (std::size_t i = 0; i < count; ++i) values[i * fields + field] = Cell(area, start + i);
+    const auto cells = Cells(type.areas[field]).subspan(start, count);
+    if (fields == 1) {
+      std::ranges::copy(cells, values.begin());
+    } else {
+      for (std::size_t i = 0; i < count; ++i) values[i * fields + field] = cells[i];
+    }
   }
   if (type.asTimerWord) std::ranges::transform(values, values.begin(), NearestTimerWord);
   return values;

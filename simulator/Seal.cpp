@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
-#include <numeric>
 
 #include "base/Crc32.h"
 #include "base/Numbers.h"
@@ -14,25 +12,36 @@ namespace {
 
 constexpr std::size_t kTextAt = 3;    // behind "/" and the unit id
 constexpr std::size_t kTailSize = 3;  // checksum and CR
+constexpr std::size_t kCounterDigits = 4;
 constexpr std::size_t kCheckDigits = 8;
+constexpr std::size_t kSealSize = kCounterDigits + kCheckDigits;
 constexpr std::array<std::string_view, 6> kOwnCommands = {"RO", "WO", "RM", "IN", "AC", "SY"};
 
 std::uint8_t Sum(std::string_view characters) {
-  const auto value = [](char character) { return unsigned{static_cast<unsigned char>(character)}; };
-  const unsigned sum = std::transform_reduce(characters.begin(), characters.end(), 0U, std::plus<>(), value);
-  return static_cast<std::uint8_t>(sum & 0xFF);
+  std::uint8_t sum = 0;
+  for (const char character : characters) sum = static_cast<std::uint8_t>(sum + static_cast<unsigned char>(character));
+  return sum;
+}
+
+std::string BeginFrame(std::uint8_t unit, std::size_t textSize) {
+  std::string bytes;
+  bytes.reserve(kTextAt + textSize + kTailSize);
+  bytes.push_back(kFrameStart);
+  kv::AppendHex(bytes, unit, 2);
+  return bytes;
+}
+
+void EndFrame(std::string& bytes) {
+  kv::AppendHex(bytes, Sum(std::string_view(bytes).substr(1)), 2);
+  bytes.push_back(kFrameEnd);
 }
 
 }  // namespace
 
 std::string EncodeFrame(std::uint8_t unit, std::string_view text) {
-  std::string bytes;
-  bytes.reserve(kTextAt + text.size() + kTailSize);
-  bytes.push_back(kFrameStart);
-  bytes += kv::ToHex(unit, 2);
+  std::string bytes = BeginFrame(unit, text.size());
   bytes += text;
-  bytes += kv::ToHex(Sum(std::string_view(bytes).substr(1)), 2);
-  bytes.push_back(kFrameEnd);
+  EndFrame(bytes);
   return bytes;
 }
 
@@ -47,13 +56,14 @@ std::optional<AsciiFrame> DecodeFrame(std::string_view bytes) {
   return AsciiFrame{static_cast<std::uint8_t>(unit), bytes.substr(kTextAt, sumAt - kTextAt)};
 }
 
-std::string Seal(std::uint8_t unit, std::string_view request, std::string_view reply, std::uint16_t counter) {
-  const std::string counterDigits = kv::ToHex(counter, 4);
-  std::uint32_t check = kv::Crc32(request);
-  check = kv::Crc32("\r" + kv::ToHex(unit, 2), check);
-  check = kv::Crc32(reply, check);
-  check = kv::Crc32(counterDigits, check);
-  return std::string(reply) + counterDigits + kv::ToHex(check, kCheckDigits);
+std::string EncodeReply(std::uint8_t unit, std::string_view request, std::string_view reply, std::uint16_t counter) {
+  std::string bytes = BeginFrame(unit, reply.size() + kSealSize);
+  bytes += reply;
+  kv::AppendHex(bytes, counter, kCounterDigits);
+  const std::uint32_t checkOfRequest = kv::Crc32("\r", kv::Crc32(request));
+  kv::AppendHex(bytes, kv::Crc32(std::string_view(bytes).substr(1), checkOfRequest), kCheckDigits);
+  EndFrame(bytes);
+  return bytes;
 }
 
 bool IsRequestSound(const AsciiFrame& request) {

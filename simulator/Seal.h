@@ -28,9 +28,9 @@ constexpr std::size_t kLongestFrame = 1106;  // from "/" to CR, both included
 // good frame (length, digits, checksum). The text stays in `bytes`.
 [[nodiscard]] std::optional<AsciiFrame> DecodeFrame(std::string_view bytes);
 
-// The text of a reply with its seal, for the request as it was received.
-[[nodiscard]] std::string Seal(std::uint8_t unit, std::string_view request, std::string_view reply,
-                               std::uint16_t counter);
+// The bytes of a frame around a reply and its seal, for the text of the request as it was received.
+[[nodiscard]] std::string EncodeReply(std::uint8_t unit, std::string_view request, std::string_view reply,
+                                      std::uint16_t counter);
 
 // False for a request of our own commands (RO, WO, RM, IN, AC, SY) whose last 8 digits are not its check.
 [[nodiscard]] bool IsRequestSound(const AsciiFrame& request);

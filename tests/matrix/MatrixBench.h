@@ -28,7 +28,8 @@ class CountingController final : public sim::Controller {
   }
   sim::BlockReply ExecuteBlock(const sim::BlockRequest& request, sim::Connection& connection) override {
     sim::BlockReply reply = mInner->ExecuteBlock(request, connection);
-    if (reply.status < 128 && reply.status != 5) ++mBlocks[std::to_string(request.opCode) + request.payload];
+    if (reply.status < 128 && reply.status != 5)
+      ++mBlocks[std::to_string(request.opCode) + std::string(request.payload)];
     return reply;
   }
   void Restart() override {

@@ -23,14 +23,14 @@ std::size_t Differences(const std::string& one, const std::string& other) {
 TEST(Faults, EachDoesWhatItSays) {
   const std::string reply = LineBench().Say(kWrite);
   ASSERT_EQ(reply.size(), 21U);
-  const auto refusal = [](const std::string& text) { return EncodeFrame(1, Seal(1, "WD5", text, 1)); };
+  const auto refusal = [](const std::string& text) { return EncodeReply(1, "WD5", text, 1); };
   const std::tuple<std::string, std::string, std::size_t, std::string, kv::Duration> cases[] = {
       {"noreply", "", 1, "5", 0ms},
       {"late:ms=700", reply, 1, "5", 700ms},
       {"double", reply + reply, 1, "5", 0ms},
       {"dribble:ms=30", reply, 1, "5", 630ms},
       {"cut:after=4", reply.substr(0, 4), 1, "5", 0ms},
-      {"wrongunit", EncodeFrame(2, Seal(2, "WD5", "WD-", 1)), 1, "5", 0ms},
+      {"wrongunit", EncodeReply(2, "WD5", "WD-", 1), 1, "5", 0ms},
       {"echo", kWrite + reply, 1, "5", 0ms},
       {"busy", refusal("WDERROR0A"), 0, "", 0ms},
       {"refuse:code=0D", refusal("WDERROR0D"), 0, "", 0ms},

@@ -20,7 +20,7 @@ TEST(LineGolden, AsciiFrames) {
     const std::string& text = golden.fields.at("text");
     if (!golden.isRequest) {
       const auto counter = static_cast<std::uint16_t>(golden.Number("counter"));
-      EXPECT_EQ(golden.bytes, EncodeFrame(unit, Seal(unit, golden.fields.at("request"), text, counter)));
+      EXPECT_EQ(golden.bytes, EncodeReply(unit, golden.fields.at("request"), text, counter));
       continue;
     }
     EXPECT_EQ(golden.bytes, EncodeFrame(unit, text));
