@@ -1,5 +1,6 @@
 #include "apps/kvsim/SocketStream.h"
 
+#include <algorithm>
 #include <array>
 #include <asio/buffer.hpp>
 #include <utility>
@@ -89,11 +90,14 @@ Stream::Result ResultOfFailure() {
 }  // namespace
 
 Stream::Result SocketStream::Receive(std::string& buffer, Waiting waiting) {
-  std::array<char, kReadSize> chunk;
   const int flags = waiting == Waiting::Yes ? 0 : MSG_DONTWAIT;
-  const auto count = ::recv(mSocket.native_handle(), chunk.data(), chunk.size(), flags);
+  const std::size_t before = buffer.size();
+  ssize_t count = 0;
+  buffer.resize_and_overwrite(before + kReadSize, [&](char* bytes, std::size_t) {
+    count = ::recv(mSocket.native_handle(), bytes + before, kReadSize, flags);
+    return before + static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+  });
   if (count < 0) return ResultOfFailure();
-  buffer.append(chunk.data(), static_cast<std::size_t>(count));
   return count > 0 ? Result::Done : Result::Ended;
 }
 

@@ -138,14 +138,17 @@ Port::Result ConnectedSocket::Read(std::string& buffer, Duration slice) {
 #ifdef _WIN32
   if (!WaitFor(mHandle, kReadable, slice)) return Port::Result::Nothing;
 #endif
-  std::array<char, kReadSize> chunk;
-  const std::ptrdiff_t received = Receive(mHandle, chunk.data(), chunk.size(), how);
+  const std::size_t before = buffer.size();
+  std::ptrdiff_t received = 0;
+  buffer.resize_and_overwrite(before + kReadSize, [&](char* bytes, std::size_t) {
+    received = Receive(mHandle, bytes + before, kReadSize, how);
+    return before + static_cast<std::size_t>(std::max<std::ptrdiff_t>(received, 0));
+  });
   if (received == 0) return Lose({});
   if (received < 0) {
     const auto code = LastCode();
     return WouldWait(code) ? Port::Result::Nothing : Lose(code);
   }
-  buffer.append(chunk.data(), static_cast<std::size_t>(received));
   return Port::Result::Done;
 }
 

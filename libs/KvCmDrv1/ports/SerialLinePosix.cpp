@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <asio/io_context.hpp>
 #include <cerrno>
 #include <exception>
@@ -160,14 +159,17 @@ Port::Result SerialLine::Write(std::string_view& bytes, Duration slice) {
 Port::Result SerialLine::Read(std::string& buffer, Duration slice) {
   const int handle = mSystem->line.native_handle();
   if (!WaitFor(handle, POLLIN, slice)) return Port::Result::Nothing;
-  std::array<char, kReadSize> chunk;
-  const auto received = ::read(handle, chunk.data(), chunk.size());
+  const std::size_t before = buffer.size();
+  ssize_t received = 0;
+  buffer.resize_and_overwrite(before + kReadSize, [&](char* bytes, std::size_t) {
+    received = ::read(handle, bytes + before, kReadSize);
+    return before + static_cast<std::size_t>(std::max<ssize_t>(received, 0));
+  });
   if (received == 0) return mSystem->Lose({});  // the adapter, or the other end of a pseudo terminal, has gone
   if (received < 0) {
     const auto code = LastCode();
     return WouldWait(code) ? Port::Result::Nothing : mSystem->Lose(code);
   }
-  buffer.append(chunk.data(), static_cast<std::size_t>(received));
   return Port::Result::Done;
 }
 
