@@ -20,13 +20,14 @@ std::string Reading(const OperandRange& range, std::uint8_t unit) {
 }
 
 std::string ListPayload(std::span<const OperandRange> ranges) {
-  std::string payload;
+  constexpr std::size_t kRecord = 20;  // 0, type, start, count, 0
+  std::string payload(ranges.size() * kRecord, '\0');
+  char* record = payload.data();
   for (const OperandRange& range : ranges) {
-    AppendLittleEndian(payload, 0, 4);
-    AppendLittleEndian(payload, static_cast<std::uint32_t>(range.type->code), 4);
-    AppendLittleEndian(payload, range.start, 4);
-    AppendLittleEndian(payload, range.count, 4);
-    AppendLittleEndian(payload, 0, 4);
+    PutLittleEndian(record + 4, static_cast<std::uint32_t>(range.type->code), 4);
+    PutLittleEndian(record + 8, range.start, 4);
+    PutLittleEndian(record + 12, range.count, 4);
+    record += kRecord;
   }
   return payload;
 }

@@ -24,7 +24,7 @@ constexpr std::size_t kAtPayloadLength = 22;
 constexpr std::size_t kAtHeadCheck = 26;
 
 void Put(std::string& bytes, std::size_t at, std::uint32_t value, std::size_t count) {
-  for (char* place = bytes.data() + at; count-- > 0; value >>= 8) *place++ = static_cast<char>(value & 0xFFU);
+  PutLittleEndian(bytes.data() + at, value, count);
 }
 
 std::uint32_t Field(std::string_view bytes, std::size_t at, std::size_t count) {
@@ -56,10 +56,12 @@ void EncodeBlockRequest(const BlockMessage& request, std::string& bytes) {
   Put(bytes, kAtParam3, request.fields.param3, 2);
   Put(bytes, kAtParam4, request.fields.param4, 2);
   Put(bytes, kAtPayloadLength, static_cast<std::uint32_t>(request.payload.size()), 4);
-  Put(bytes, kAtHeadCheck, Crc32(std::string_view(bytes).substr(0, kAtHeadCheck)) & 0xFFFFU, 2);
+  const std::uint32_t headCheck = Crc32(std::string_view(bytes).substr(0, kAtHeadCheck));
+  Put(bytes, kAtHeadCheck, headCheck & 0xFFFFU, 2);
   bytes += request.payload;
   bytes.resize(checked + kBlockCheck);
-  Put(bytes, checked, Crc32(std::string_view(bytes).substr(0, checked)), kBlockCheck);
+  const std::string_view unchecked = std::string_view(bytes).substr(kAtHeadCheck, checked - kAtHeadCheck);
+  Put(bytes, checked, Crc32(unchecked, headCheck), kBlockCheck);
 }
 
 std::optional<std::size_t> ReplyPayloadLength(std::string_view head) {
@@ -72,8 +74,6 @@ std::optional<std::size_t> ReplyPayloadLength(std::string_view head) {
 }
 
 std::optional<BlockMessage> DecodeBlockReply(std::string_view bytes) {
-  const std::optional<std::size_t> length = ReplyPayloadLength(bytes);
-  if (!length || bytes.size() != kBlockHead + *length + kBlockCheck) return std::nullopt;
   const std::size_t checked = bytes.size() - kBlockCheck;
   if (Field(bytes, checked, kBlockCheck) != Crc32(bytes.substr(0, checked))) return std::nullopt;
   return BlockMessage{.unit = Byte(bytes, kAtUnit),
@@ -84,13 +84,7 @@ std::optional<BlockMessage> DecodeBlockReply(std::string_view bytes) {
                                  .dataLength = Field(bytes, kAtDataLength, 4),
                                  .param3 = Word(bytes, kAtParam3),
                                  .param4 = Word(bytes, kAtParam4)},
-                      .payload = bytes.substr(kBlockHead, *length)};
-}
-
-void AppendLittleEndian(std::string& bytes, std::uint32_t value, std::size_t count) {
-  const std::size_t at = bytes.size();
-  bytes.append(count, '\0');
-  Put(bytes, at, value, count);
+                      .payload = bytes.substr(kBlockHead, checked - kBlockHead)};
 }
 
 }  // namespace kv

@@ -34,7 +34,8 @@ void EncodeBlockRequest(const BlockMessage& request, std::string& bytes);
 // of a reply.
 [[nodiscard]] std::optional<std::size_t> ReplyPayloadLength(std::string_view head);
 
-// The reply in `bytes`, which is as long as its head announced; nothing when its check does not hold.
+// The reply in `bytes`, whose head has been found good and which is as long as that announced; nothing when its check
+// does not hold.
 [[nodiscard]] std::optional<BlockMessage> DecodeBlockReply(std::string_view bytes);
 
 // Little-endian integers of block messages.
@@ -43,6 +44,12 @@ void EncodeBlockRequest(const BlockMessage& request, std::string& bytes);
   for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<unsigned char>(bytes[i]);
   return value;
 }
-void AppendLittleEndian(std::string& bytes, std::uint32_t value, std::size_t count);
+inline void PutLittleEndian(char* place, std::uint32_t value, std::size_t count) {
+  for (; count-- > 0; value >>= 8) *place++ = static_cast<char>(value & 0xFFU);
+}
+inline void AppendLittleEndian(std::string& bytes, std::uint32_t value, std::size_t count) {
+  bytes.append(count, '\0');
+  PutLittleEndian(bytes.data() + bytes.size() - count, value, count);
+}
 
 }  // namespace kv
