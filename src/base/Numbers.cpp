@@ -54,9 +54,12 @@ std::string ToHex(std::uint32_t value, std::size_t digits) {
 
 void AppendHex(std::string& text, std::uint32_t value, std::size_t digits) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
-  text.append(digits, '0');
-  char* const first = text.data() + text.size() - digits;
-  for (char* place = first + digits; place != first; value >>= 4) *--place = kDigits[value & 0xFU];
+  const std::size_t before = text.size();
+  const std::size_t after = before + digits;
+  text.resize_and_overwrite(after, [&](char* characters, std::size_t) {
+    for (std::size_t at = after; at > before; value >>= 4) characters[--at] = kDigits[value & 0xFU];
+    return after;
+  });
 }
 
 std::string FloatText(float value) {

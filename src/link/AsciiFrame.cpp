@@ -1,16 +1,13 @@
 #include "link/AsciiFrame.h"
 
-#include <functional>
-#include <numeric>
-
 #include "base/Numbers.h"
 
 namespace kv {
 
 std::uint8_t AsciiChecksum(std::string_view unitAndText) {
-  const auto value = [](char c) { return unsigned{static_cast<unsigned char>(c)}; };
-  const unsigned sum = std::transform_reduce(unitAndText.begin(), unitAndText.end(), 0U, std::plus<>(), value);
-  return static_cast<std::uint8_t>(sum & 0xFF);
+  std::uint8_t sum = 0;
+  for (const char c : unitAndText) sum = static_cast<std::uint8_t>(sum + static_cast<unsigned char>(c));
+  return sum;
 }
 
 std::string BuildFrame(std::uint8_t unit, std::string_view text) {

@@ -15,6 +15,13 @@ inline constexpr char kFrameEnd = '\r';
 // Longest frame: "/", unit id (2), text, checksum (2), CR.
 inline constexpr std::size_t kMaxFrameLength = 1 + 2 + kMaxFrameText + 2 + 1;
 
+// Whether the character may stand in a frame, behind "/" and before CR.
+[[nodiscard]] inline bool IsFrameCharacter(char c) {
+  return c >= 0x20 && c <= 0x7E;
+}
+// Whether all of them may.
+[[nodiscard]] bool IsPlain(std::string_view text);
+
 // What a good frame carries; `text` points into the bytes that were read.
 struct AsciiFrame {
   std::uint8_t unit = 0;

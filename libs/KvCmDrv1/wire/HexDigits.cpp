@@ -1,26 +1,22 @@
 #include "KvCmDrv1/wire/HexDigits.h"
 
-#include <array>
-
 namespace kv {
 namespace {
 
 constexpr std::string_view kDigits = "0123456789ABCDEF";
-constexpr std::uint8_t kNoDigit = 0xFF;
-
-constexpr std::array<std::uint8_t, 256> MakeValues() {
-  std::array<std::uint8_t, 256> values{};
-  values.fill(kNoDigit);
-  for (std::size_t i = 0; i < kDigits.size(); ++i) {
-    values[static_cast<unsigned char>(kDigits[i])] = static_cast<std::uint8_t>(i);
-  }
-  return values;
+// Reckoned, not looked up, and without a way out of the loops: so the compiler can do many characters at once.
+bool IsDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
 }
 
-constexpr std::array<std::uint8_t, 256> kValues = MakeValues();
+bool AreDigits(std::string_view text) {
+  std::uint8_t others = 0;
+  for (const char c : text) others = static_cast<std::uint8_t>(others | (IsDigit(c) ? 0 : 1));
+  return others == 0;
+}
 
 std::uint8_t ValueOf(char digit) {
-  return kValues[static_cast<unsigned char>(digit)];
+  return static_cast<std::uint8_t>(digit <= '9' ? digit - '0' : digit - 'A' + 10);
 }
 
 }  // namespace
@@ -37,28 +33,19 @@ void AppendHexBytes(std::string& text, std::span<const std::uint8_t> bytes) {
 std::optional<std::uint32_t> HexValue(std::string_view digits) {
   if (digits.empty() || digits.size() > 8) return std::nullopt;
   std::uint32_t value = 0;
-  std::uint8_t wrong = 0;
   for (const char digit : digits) {
-    const std::uint8_t nibble = ValueOf(digit);
-    wrong |= nibble;
-    value = value << 4 | (nibble & 0xFU);
+    if (!IsDigit(digit)) return std::nullopt;
+    value = value << 4 | ValueOf(digit);
   }
-  if (wrong > 0xF) return std::nullopt;
   return value;
 }
 
 bool HexToBytes(std::string_view digits, std::span<std::uint8_t> bytes) {
-  if (digits.size() != 2 * bytes.size()) return false;
-  std::uint8_t wrong = 0;  // collected, so that the loop has no branch
-  const char* next = digits.data();
-  for (std::uint8_t& byte : bytes) {
-    const std::uint8_t high = ValueOf(next[0]);
-    const std::uint8_t low = ValueOf(next[1]);
-    next += 2;
-    wrong = static_cast<std::uint8_t>(wrong | high | low);
-    byte = static_cast<std::uint8_t>(high << 4 | low);
+  if (digits.size() != 2 * bytes.size() || !AreDigits(digits)) return false;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    bytes[i] = static_cast<std::uint8_t>(ValueOf(digits[2 * i]) << 4 | ValueOf(digits[2 * i + 1]));
   }
-  return wrong <= 0xF;
+  return true;
 }
 
 std::uint32_t FieldReader::Hex(std::size_t digits) {

@@ -12,6 +12,14 @@ std::size_t NextStart(std::string_view bytes, std::size_t from) {
   return static_cast<std::size_t>(found - bytes.begin());
 }
 
+// How many characters of a frame stand at the front of `bytes`. Nearly always it is all up to the CR, which two quick
+// looks tell; only what is damaged is walked character by character.
+std::size_t StretchLength(std::string_view bytes) {
+  const std::string_view line = bytes.substr(0, bytes.find(kFrameEnd));
+  if (IsPlain(line)) return line.size();
+  return static_cast<std::size_t>(std::ranges::find_if_not(line, IsFrameCharacter) - line.begin());
+}
+
 // Magic, version and kind of a reply.
 constexpr std::string_view kReplyHead("\xB4\x4B\x01\x02", 4);
 
@@ -45,15 +53,13 @@ void MessageReceiver::Clear() {
 
 std::optional<Received> MessageReceiver::NextFrame(std::string_view pending) {
   const std::string_view looked = pending.substr(0, kTooMany);
-  const auto endsStretch = [](char byte) { return byte < 0x20 || byte > 0x7E; };  // CR is one of these
-  const auto end = std::find_if(looked.begin() + static_cast<std::ptrdiff_t>(mLooked), looked.end(), endsStretch);
-  mLooked = static_cast<std::size_t>(end - looked.begin());
+  mLooked += StretchLength(looked.substr(mLooked));
   const std::size_t length = mLooked;
-  if (end == looked.end()) {
+  if (length == looked.size()) {
     if (looked.size() < kTooMany) return std::nullopt;
     return UseUp(NextStart(pending, 1), Received::Kind::TooLong);
   }
-  if (*end != kFrameEnd) return UseUp(length, Received::Kind::Noise);
+  if (looked[length] != kFrameEnd) return UseUp(length, Received::Kind::Noise);
 
   const std::optional<AsciiFrame> frame = FindFrame(looked.substr(0, length));
   Received received = UseUp(length + 1, frame ? Received::Kind::Frame : Received::Kind::BadCheck);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstddef>
 
 #include "KvCmDrv1/wire/BlockCodec.h"
 #include "KvCmDrv1/wire/HexDigits.h"
@@ -27,51 +29,28 @@ void ExpectRange(FieldReader& reader, const OperandRange& range) {
   reader.ExpectHex(range.count, 4);
 }
 
-// Takes the numbers of one operand from the bytes that its digits stand for; false when a bit is neither 0 nor 1.
-bool TakeOperand(std::span<const std::uint8_t>& bytes, OperandShape shape, OperandListValues& values) {
-  const auto take = [&](std::size_t count) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < count; ++i) value = value << 8 | bytes[i];
-    bytes = bytes.subspan(count);
-    values.push_back(value);
-    return value;
-  };
-  switch (shape) {
-    case OperandShape::Bit:
-      return take(1) <= 1;
-    case OperandShape::Word:
-      take(2);
-      return true;
-    case OperandShape::Long:
-      take(4);
-      return true;
-    case OperandShape::Timer:
-      take(4);
-      take(4);
-      return take(1) <= 1;
-    case OperandShape::Counter:
-      take(2);
-      take(2);
-      return take(1) <= 1;
-  }
-  return false;
-}
-
-// Takes binary values from the front of a payload that is known to be long enough.
-class PayloadReader {
+// Takes binary numbers from the front of bytes that are known to be enough.
+template <std::endian kOrder>
+class NumberReader {
  public:
-  explicit PayloadReader(std::string_view payload) : mRest(payload) {}
+  explicit NumberReader(std::span<const std::byte> bytes) : mNext(bytes.data()) {}
 
   template <std::size_t kBytes>
   std::uint32_t Number() {
-    const std::uint32_t value = LittleEndian({mRest.data(), kBytes});
-    mRest.remove_prefix(kBytes);
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < kBytes; ++i) {
+      const std::size_t at = kOrder == std::endian::big ? i : kBytes - 1 - i;
+      value = value << 8 | std::to_integer<std::uint32_t>(mNext[at]);
+    }
+    mNext += kBytes;
     return value;
   }
 
  private:
-  std::string_view mRest;
+  const std::byte* mNext;
 };
+using TextReader = NumberReader<std::endian::big>;  // of the bytes that digits stand for
+using PayloadReader = NumberReader<std::endian::little>;
 
 std::size_t PayloadBytes(const OperandRange& range) {
   const std::size_t count = range.count;
@@ -102,27 +81,35 @@ bool TakeBits(PayloadReader& reader, std::size_t count, OperandListValues& value
   return count % 8 == 0 || byte == 0;
 }
 
-template <std::size_t kBytes>
-bool TakeNumbers(PayloadReader& reader, std::size_t count, OperandListValues& values) {
+// The same where each bit takes a byte; false when one of them is neither 0 nor 1.
+bool TakeBits(TextReader& reader, std::size_t count, OperandListValues& values) {
   values.resize(count);
-  for (std::uint32_t& value : values) value = reader.Number<kBytes>();
+  std::uint32_t all = 0;
+  for (std::uint32_t& value : values) all |= value = reader.Number<1>();
+  return all <= 1;
+}
+
+template <std::size_t kBytes>
+bool TakeNumbers(auto& reader, std::size_t count, OperandListValues& values) {
+  values.resize(count);
+  for (std::uint32_t& value : values) value = reader.template Number<kBytes>();
   return true;
 }
 
 // False when a timer's or counter's bit is none.
 template <std::size_t kBytes>
-bool TakeTriples(PayloadReader& reader, std::size_t count, OperandListValues& values) {
+bool TakeTriples(auto& reader, std::size_t count, OperandListValues& values) {
   values.reserve(3 * count);
   for (std::size_t i = 0; i < count; ++i) {
-    values.push_back(reader.Number<kBytes>());
-    values.push_back(reader.Number<kBytes>());
-    values.push_back(reader.Number<1>());
+    values.push_back(reader.template Number<kBytes>());
+    values.push_back(reader.template Number<kBytes>());
+    values.push_back(reader.template Number<1>());
     if (values.back() > 1) return false;
   }
   return true;
 }
 
-bool TakeRange(PayloadReader& reader, const OperandRange& range, OperandListValues& values) {
+bool TakeRange(auto& reader, const OperandRange& range, OperandListValues& values) {
   const OperandShape shape = range.type->shape;
   switch (shape) {
     case OperandShape::Bit:
@@ -208,12 +195,9 @@ std::optional<OperandListValues> ReadOperandValues(std::string_view reply, std::
   if (!reader.Good() || length > buffer.size()) return std::nullopt;
   if (!HexToBytes(reader.Rest(), std::span(buffer).first(length))) return std::nullopt;
 
-  std::span<const std::uint8_t> bytes = std::span(buffer).first(length);
+  TextReader numbers(std::as_bytes(std::span(buffer)));
   OperandListValues values;
-  values.reserve(range.count * NumbersOf(shape));
-  for (int i = 0; i < range.count; ++i) {
-    if (!TakeOperand(bytes, shape, values)) return std::nullopt;
-  }
+  if (!TakeRange(numbers, range, values)) return std::nullopt;
   return values;
 }
 
@@ -249,7 +233,7 @@ std::optional<std::vector<OperandListValues>> ReadListPayload(std::string_view p
   for (const OperandRange& range : ranges) expected += PayloadBytes(range);
   if (payload.size() != expected) return std::nullopt;
 
-  PayloadReader reader(payload);
+  PayloadReader reader(std::as_bytes(std::span(payload)));
   std::vector<OperandListValues> lists(ranges.size());
   for (std::size_t i = 0; i < ranges.size(); ++i) {
     if (!TakeRange(reader, ranges[i], lists[i])) return std::nullopt;
