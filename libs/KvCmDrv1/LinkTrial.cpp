@@ -1,6 +1,7 @@
 #include "KvCmDrv1/LinkTrial.h"
 
 #include "KvCmDrv1/Driver.h"
+#include "desktop/StopScope.h"
 
 namespace kv {
 namespace {
@@ -26,12 +27,12 @@ bool ReopensByItself(const LinkSettings& settings) {
 std::expected<LinkTrial, LinkError> Driver::TryLink(const LinkSettings& settings) {
   const bool wasOpen = mChannel && mChannel->IsOpen();
   if (wasOpen && settings == mChannel->Settings()) {
-    auto result = Identify(*mChannel);
-    mPacer.ClearStop();
-    return result;
+    const StopScope trial(mPacer);
+    return Identify(*mChannel);
   }
   if (wasOpen) mChannel->Close();
   auto result = [&] {
+    const StopScope trial(mPacer);
     LinkSettings tried = settings;
     tried.reconnects = false;
     ChannelImpl channel(
@@ -40,7 +41,6 @@ std::expected<LinkTrial, LinkError> Driver::TryLink(const LinkSettings& settings
     channel.Retire();
     return found;
   }();
-  mPacer.ClearStop();
   if (wasOpen && ReopensByItself(mChannel->Settings())) (void)mChannel->Open();
   return result;
 }

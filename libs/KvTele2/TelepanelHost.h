@@ -15,6 +15,7 @@
 #include "KvTele2/LinkWatch.h"
 #include "desktop/Pacer.h"
 #include "desktop/Prompts.h"
+#include "desktop/StopScope.h"
 #include "desktop/WallClock.h"
 #include "host/shared/RemoteHost.h"
 
@@ -152,6 +153,7 @@ class TelepanelHost final : public RemoteHost {
   bool mIsInTool = false;
   bool mIsAsking = false;
   std::optional<HostView::Wait> mWait;  // under way
+  std::optional<StopScope> mStop;       // of that wait
 };
 
 }  // namespace kv

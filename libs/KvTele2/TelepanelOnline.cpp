@@ -222,7 +222,7 @@ void TelepanelHost::TakeFailure(const LinkError& error) {
 
 void TelepanelHost::BeginWait(HostView::Wait wait, const std::string& what) {
   EndWait();
-  mServices.pacer.ClearStop();
+  mStop.emplace(mServices.pacer);
   mWait = wait;
   mView.BeginWait(wait, what);
 }
@@ -231,7 +231,7 @@ void TelepanelHost::EndWait() {
   if (!mWait) return;
   mWait.reset();
   mView.EndWait();
-  mServices.pacer.ClearStop();
+  mStop.reset();
 }
 
 }  // namespace kv

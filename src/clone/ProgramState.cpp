@@ -1,5 +1,6 @@
 #include "clone/ProgramState.h"
 
+#include "desktop/StopScope.h"
 namespace kv {
 namespace {
 
@@ -28,7 +29,7 @@ bool IsStartWanted(Prompts& prompts, const std::string& controller, char state) 
 void OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer& pacer, const std::string& controller,
                 CloneOutcome& outcome) {
   if (!engine.HasStoppedProgram()) return;
-  pacer.ClearStop();  // it ended the create, not what comes now
+  const StopScope offering(pacer);  // a stop ended the create, not what comes now
   if (!Asks(prompts,
             "The program of the controller (" + controller + ") was stopped for the clone. Start it again now?")) {
     return;  // that it is stopped stands in the reason

@@ -2,6 +2,7 @@
 
 #include "clone/ProgramState.h"
 #include "clone/RestoreBegin.h"
+#include "desktop/StopScope.h"
 
 namespace kv {
 namespace {
@@ -60,7 +61,7 @@ std::string LeftText(const RestoreReach& reach) {
 
 std::string AskWhatIsLeft(const RestoreReach& reach, Channel& link, Pacer& pacer) {
   if (reach.written == 0 && !reach.isUnsure) return "";
-  pacer.ClearStop();
+  const StopScope asking(pacer);  // a stop ended the restore, not this question
   const auto controller = link.GetControllerInfo(link.UnitID());
   if (controller) return "Asked afterwards, the controller says: " + StateText(reach, controller->state);
   return "The controller was asked afterwards whether its program runs, and did not tell: " +

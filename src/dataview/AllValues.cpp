@@ -12,6 +12,7 @@
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/OsSupport.h"
 #include "dataview/operands/RegionTransfer.h"
+#include "desktop/StopScope.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -55,7 +56,7 @@ class ProgressOn final : public GridListener {
 }  // namespace
 
 void AllValues::Read() {
-  mDesk.parts.pacer.ClearStop();
+  const StopScope reading(mDesk.parts.pacer);
   if (!SaveTemporary()) return;
   const ScopeGuard removed([&] { RemoveGrids(TemporaryGridFiles(mDesk.parts.shared.paths)); });
   mDesk.SetMode(ViewMode::Busy);

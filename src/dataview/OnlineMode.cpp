@@ -7,6 +7,7 @@
 #include "dataview/ChannelLease.h"
 #include "dataview/RegionEngine.h"
 #include "dataview/ViewDesk.h"
+#include "desktop/StopScope.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -37,7 +38,7 @@ LinkError AnotherController(std::uint32_t serialNumber, std::uint32_t watched) {
 }  // namespace
 
 void OnlineMode::Run(With with) {
-  mDesk.parts.pacer.ClearStop();
+  const StopScope watching(mDesk.parts.pacer);
   mDesk.SetMode(ViewMode::Busy);
   const ScopeGuard idle([&] {
     NoteEnd();

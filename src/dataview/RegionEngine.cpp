@@ -12,6 +12,7 @@
 #include "dataview/operands/RegionTransfer.h"
 #include "dataview/operands/ValueEntry.h"
 #include "dataview/operands/ValueRange.h"
+#include "desktop/StopScope.h"
 #include "link/LinkTexts.h"
 
 namespace kv::mdlDataTypesView {
@@ -30,7 +31,7 @@ bool IsWritableText(const Region& region, std::string_view model, const std::str
 }  // namespace
 
 void RegionEngine::Read() {
-  mDesk.parts.pacer.ClearStop();
+  const StopScope reading(mDesk.parts.pacer);
   mDesk.SetMode(ViewMode::Busy);
   const ScopeGuard idle([&] { mDesk.SetMode(ViewMode::Idle); });
   const ChannelLease channel(mDesk);
@@ -47,7 +48,7 @@ bool RegionEngine::IsInRange(std::span<const Region> regions) {
 }
 
 void RegionEngine::Write(std::span<const Region> regions) {
-  mDesk.parts.pacer.ClearStop();
+  const StopScope writing(mDesk.parts.pacer);
   mDesk.SetMode(ViewMode::Busy);
   const ScopeGuard idle([&] { mDesk.SetMode(ViewMode::Idle); });
   const std::optional<PassOutcome> written = WriteAlone(regions);

@@ -24,10 +24,13 @@ class Pacer {
   // other user input is delivered. Returns at once when nothing is pending.
   virtual void Turn() = 0;
 
-  // Whether the user has asked the running operation to end (Ctrl-C, the Cancel button). Stays true until the owner of
-  // the operation clears it with ClearStop().
+  // Whether the user has asked the running operation to end (Ctrl-C, the Cancel button). Stays true until the
+  // operation's StopScope ends.
   [[nodiscard]] virtual bool StopRequested() const = 0;
   virtual void RequestStop() = 0;
+
+ private:
+  friend class StopScope;
   virtual void ClearStop() = 0;
 };
 

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <string>
 
+#include "desktop/StopScope.h"
 #include "desktop/VirtualPacer.h"
 #include "desktop/console/ConsolePacer.h"
 
@@ -37,14 +38,14 @@ TEST(VirtualPacer, ActionsRunInOrderAndSeeTheirMoment) {
 
 TEST(ConsolePacer, CtrlCIsTheStopRequest) {
   ConsolePacer pacer;
+  pacer.RequestStop();
   for (const int signal : {SIGINT, SIGTERM}) {
-    EXPECT_FALSE(pacer.StopRequested());
+    const StopScope operation(pacer);
+    EXPECT_FALSE(pacer.StopRequested()) << "what came before is no stop of this operation";
     std::raise(signal);
     EXPECT_TRUE(pacer.StopRequested());
-    pacer.ClearStop();
   }
-  pacer.RequestStop();
-  EXPECT_TRUE(pacer.StopRequested());
+  EXPECT_FALSE(pacer.StopRequested());
 }
 
 TEST(ConsolePacerDeathTest, TheSecondCtrlCEndsAtOnce) {
@@ -59,6 +60,7 @@ TEST(ConsolePacerDeathTest, TheSecondCtrlCEndsAtOnce) {
 #ifndef _WIN32
 TEST(ConsolePacerDeathTest, ItsEndGivesTheSignalBack) {
   const auto after = [] {
+    (void)std::signal(SIGINT, SIG_DFL);  // a shell starts what runs in its background with the signal ignored
     {
       const ConsolePacer pacer;
     }

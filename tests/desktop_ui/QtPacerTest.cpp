@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include "desktop/StopScope.h"
 #include "desktop/ui/BusyState.h"
 #include "desktop/ui/QtPrompts.h"
 #include "tests/desktop_ui/QtBench.h"
@@ -117,9 +118,8 @@ TEST_F(QtPacerTest, ABusyWindowHearsOnlyItsCancel) {
   for (const auto& [name, act] : cases) {
     SCOPED_TRACE(name);
     {
-      pacer.RequestStop();  // of an operation before
+      const StopScope operation(pacer);
       BusyState busy(pacer, window, "Waiting");
-      EXPECT_FALSE(pacer.StopRequested());
       ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
       bool isIgnored = false;
       Meanwhile([&] {
@@ -150,13 +150,10 @@ TEST_F(QtPacerTest, ABusyWindowHearsOnlyItsCancel) {
 TEST_F(QtPacerTest, ANestedBusyStateGivesTheOuterOneBack) {
   BusyState outer(pacer, window, "Outer");
   ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
-  pacer.RequestStop();
   {
     BusyState inner(pacer, window, "Inner");
-    EXPECT_TRUE(pacer.StopRequested());  // the outer operation has not seen it
     ASSERT_TRUE(Wait([this] { return window.findChildren<QWidget*>("busyOverlay").last()->isVisible(); }));
   }
-  pacer.ClearStop();
   Meanwhile([this] { Type(Qt::Key_Escape); });
   EXPECT_TRUE(Wait([this] { return pacer.StopRequested(); }));
 }

@@ -276,8 +276,10 @@ TEST(Driver, ATrialFindsWhoAnswersAndLeavesTheLinkAsItWas) {
   EXPECT_EQ(bench.driver.TryLink(other).error().code, LinkErrorCode::NoReply);
   bench.plant.UseFaults({});
 
-  bench.pacer.RequestStop();
+  bench.plant.UseFaults({"noreply"});
+  bench.pacer.After(std::chrono::milliseconds(300), [&] { bench.pacer.RequestStop(); });
   EXPECT_EQ(bench.driver.TryLink(other).error().code, LinkErrorCode::Stopped);
+  bench.plant.UseFaults({});
   EXPECT_FALSE(bench.pacer.StopRequested());
   EXPECT_TRUE(channel->ReadMI(0, 1, 1)) << channel->LastError().Text();
 }

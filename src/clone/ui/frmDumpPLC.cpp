@@ -52,11 +52,11 @@ std::string FoundText(const CloneInfo& info) {
 
 }  // namespace
 
-frmDumpPLC::Operation::Operation(frmDumpPLC& window, std::string_view caption) : mWindow(window) {
+frmDumpPLC::Operation::Operation(frmDumpPLC& window, std::string_view caption)
+    : mWindow(window), mStop(window.mServices.pacer) {
   mWindow.setWindowTitle(Caption(caption));
   QApplication::setOverrideCursor(Qt::WaitCursor);
   QtPacer& pacer = mWindow.mServices.pacer;
-  pacer.ClearStop();
   mGateBefore = pacer.ExchangeGate({.isOpen = true});  // all but the stop tool is disabled
   mWindow.mInformation->clear();
   mWindow.mProgressBar->reset();
@@ -68,7 +68,6 @@ frmDumpPLC::Operation::Operation(frmDumpPLC& window, std::string_view caption) :
 frmDumpPLC::Operation::~Operation() {
   mWindow.mEngine.reset();
   mWindow.mServices.pacer.ExchangeGate(std::move(mGateBefore));
-  mWindow.mServices.pacer.ClearStop();
   QApplication::restoreOverrideCursor();
   mWindow.setWindowTitle(Caption());
   mWindow.EnableCommands(true);

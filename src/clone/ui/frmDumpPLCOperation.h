@@ -1,6 +1,7 @@
 #pragma once
 
 #include "clone/ui/frmDumpPLC.h"
+#include "desktop/StopScope.h"
 
 namespace kv {
 
@@ -16,6 +17,7 @@ class frmDumpPLC::Operation {
 
  private:
   frmDumpPLC& mWindow;
+  StopScope mStop;
   InputGate mGateBefore;
 };
 

@@ -234,7 +234,6 @@ void frmDataTypesView::OnTool(std::string_view id) {
   if (!isEndOfOnline && !TakeTyped()) return;
   mRunning = mTools->Action(id).text().remove('&').remove("...");
   mView.Run(id);
-  mPacer.ClearStop();  // a stop was meant for this command only
   ShowTools();
 }
 
@@ -242,7 +241,6 @@ void frmDataTypesView::WatchAgain(bool isByItself) {
   if (!TakeTyped()) return;
   mRunning = isByItself ? "Looking for the controller" : "Going on line again";
   mView.WatchAgain(isByItself);
-  mPacer.ClearStop();
   ShowTools();
 }
 
@@ -250,7 +248,6 @@ void frmDataTypesView::TakeOtherController() {
   if (!TakeTyped()) return;
   mRunning = "Going on line with the other controller";
   mView.TakeOtherController();
-  mPacer.ClearStop();
   ShowTools();
 }
 

@@ -6,7 +6,8 @@
 namespace kv {
 
 // Time of the machine's steady clock, for programs without windows. Ctrl-C (and the request to terminate) becomes the
-// stop request; a second one before ClearStop() ends the process at once with exit code 130. At most one at a time.
+// stop request; a second one before that is taken back ends the process at once with exit code 130. At most one at a
+// time.
 class ConsolePacer final : public Pacer {
  public:
   ConsolePacer() = default;

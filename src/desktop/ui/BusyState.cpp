@@ -111,7 +111,6 @@ class BusyOverlay final : public QWidget {
 };
 
 BusyState::BusyState(QtPacer& pacer, QWidget& window, const QString& text) : mPacer(pacer), mWindow(&window) {
-  if (gStates.empty()) mPacer.ClearStop();
   gStates.push_back(this);
   QApplication::setOverrideCursor(Qt::BusyCursor);
   mOverlay = new BusyOverlay(window, text);

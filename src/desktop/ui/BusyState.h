@@ -11,8 +11,9 @@ namespace kv {
 class BusyOverlay;
 
 // Shows that a window waits for an operation: at once by the pointer, after a third of a second by a veil over the
-// window with a text and a Cancel button. Cancel, Escape and closing the window become the pacer's stop request; the
-// first state clears an old one. States may be nested; the innermost is seen. The window and the pacer outlive it.
+// window with a text and a Cancel button. Cancel, Escape and closing the window become the pacer's stop request,
+// which the operation's StopScope takes back. States may be nested; the innermost is seen. The window and the pacer
+// outlive it.
 class BusyState {
  public:
   BusyState(QtPacer& pacer, QWidget& window, const QString& text);
