@@ -67,7 +67,7 @@ class Reader {
     const auto build = DigitsAt(mBytes, 23, 2);
     if (!version || !build) return Damaged("byte 20", "expected three digits of a version and two of a build");
     mOs.number = {*version, *build};
-    mOs.remark = ShownTextAt(mBytes, 32, 32);
+    mOs.remark = ShownText(mBytes.substr(32, 32));
     return std::nullopt;
   }
 
@@ -104,7 +104,7 @@ class Reader {
       return Damaged(place, "expected a place from " + AsHex(mFree) + " to " + AsHex(mPlaces->osEnd - 1));
     }
     mFree = topic.base + length;
-    topic.name = ShownTextAt(mBytes, entry + 16, 16);
+    topic.name = ShownText(mBytes.substr(entry + 16, 16));
     const std::string_view held = mBytes.substr(data, length);
     topic.data.assign(held.begin(), held.end());
     data += length;

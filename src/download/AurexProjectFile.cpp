@@ -21,8 +21,8 @@ AurexProjectFile HeadOf(std::string_view bytes) {
   for (std::size_t i = 0; i < project.passwordBlock.size(); ++i) {
     project.passwordBlock[i] = static_cast<std::uint8_t>(bytes[20 + i]);
   }
-  project.model = TextAt(bytes, 50, 20);
-  project.name = TextAt(bytes, 70, 20);
+  project.model = ShownText(bytes.substr(50, 20));
+  project.name = ShownText(bytes.substr(70, 20));
   return project;
 }
 

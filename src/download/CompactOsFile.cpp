@@ -26,7 +26,7 @@ std::expected<CompactOsHead, DownloadFileError> ParseHead(std::string_view bytes
   const auto name = CompactOsNameIn(std::string(bytes.substr(4, 8)) + ".OSI");
   if (!name)
     return faults.NotLegal("expected the model Q50, Q51, Q58, PX1 or PR1 and four digits of a version at byte 4");
-  return CompactOsHead{name->model, name->number, ShownTextAt(bytes, 20, 44)};
+  return CompactOsHead{name->model, name->number, ShownText(bytes.substr(20, 44))};
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "base/AnsiText.h"
 #include "download/DecodeFile.h"
+#include "download/FileFields.h"
 #include "download/ReadDownload.h"
 #include "link/AsciiFrame.h"
 
@@ -58,8 +58,8 @@ std::expected<CompactProjectFile, DownloadFileError> ParseCompactProject(std::st
                           "expected 1 to " + std::to_string(kMaxFrameText) + " characters that a frame can carry");
   }
   CompactProjectFile project;
-  project.name = AnsiToUtf8((*lines)[0]);
-  project.model = AnsiToUtf8((*lines)[1]);
+  project.name = ShownText((*lines)[0]);
+  project.model = ShownText((*lines)[1]);
   project.lineCount = lines->size();
   project.endsWithReset = lines->back() == "CCE";
   lines->erase(lines->begin(), lines->begin() + kCompactProjectHeadLines);

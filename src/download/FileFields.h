@@ -36,14 +36,14 @@ namespace kv {
   return number;
 }
 
-// As TextAt, for a text that is only shown: control characters become blanks, so that no file moves a terminal's
-// cursor.
-[[nodiscard]] inline std::string ShownTextAt(std::string_view bytes, std::size_t offset, std::size_t size) {
-  std::string text = TextAt(bytes, offset, size);
-  for (char& c : text) {
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
-  }
-  return text;
+// ANSI text for people, as UTF-8. Zero bytes are left out; other control characters, and codes that the code page
+// leaves open, become blanks: no file moves a terminal's cursor.
+[[nodiscard]] inline std::string ShownText(std::string_view ansi) {
+  constexpr std::string_view kOpen = "\x7F\x81\x8D\x8F\x90\x9D";
+  std::string text(ansi);
+  std::erase(text, '\0');
+  std::ranges::replace_if(text, [=](char c) { return (c >= 0 && c < ' ') || kOpen.contains(c); }, ' ');
+  return AnsiToUtf8(text);
 }
 
 }  // namespace kv
