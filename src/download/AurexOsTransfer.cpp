@@ -52,7 +52,7 @@ OsTransferTopic Pack(const AurexOsTopic& topic, const CompressBlock& compress) {
 }  // namespace
 
 OsTransfer MakeOsTransfer(const AurexOsFile& os, const FontsFile& fonts) {
-  return MakeOsTransfer(os, fonts, Deflate);
+  return MakeOsTransfer(os, fonts, [](std::span<const std::uint8_t> bytes) { return Deflate(bytes); });
 }
 
 OsTransfer MakeOsTransfer(const AurexOsFile& os, const FontsFile& fonts, const CompressBlock& compress) {

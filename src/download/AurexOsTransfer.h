@@ -40,7 +40,8 @@ struct OsTransfer {
 // Compresses as zlib does (RFC 1950); nothing when it fails.
 using CompressBlock = std::function<std::optional<Bytes>(std::span<const std::uint8_t>)>;
 
-// The transfer of an O/S and its fonts, which must be of one O/S model.
+// The transfer of an O/S and its fonts, which must be of one O/S model. An engine hands over a `compress` that gives
+// its pacer a turn now and then (deflate/Deflate.h).
 [[nodiscard]] OsTransfer MakeOsTransfer(const AurexOsFile& os, const FontsFile& fonts);
 [[nodiscard]] OsTransfer MakeOsTransfer(const AurexOsFile& os, const FontsFile& fonts, const CompressBlock& compress);
 
