@@ -9,7 +9,6 @@
 #include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/VerbOutput.h"
-#include "clone/CloneOutcome.h"
 #include "clone/CloneSegment.h"
 #include "clone/SafeCreate.h"
 
@@ -63,8 +62,5 @@ struct RestoreOrder {
 [[nodiscard]] VerbResult CompareWithController(Environment& environment, ConnectedController& controller,
                                                const std::filesystem::path& file,
                                                const std::vector<std::string>& codes);
-
-// A failure of the cloner's engine; `doing` says what for.
-[[nodiscard]] Failure CloneFailure(std::string doing, const CloneOutcome& outcome);
 
 }  // namespace kv::cli

@@ -67,6 +67,11 @@ OrFailure<std::unique_ptr<ConnectedController>> ConnectedController::Open(Enviro
   return connected;
 }
 
+OrFailure<Channel::ControllerInfo> ConnectedController::AskInfo() {
+  if (const auto info = mChannel->GetControllerInfo(mChannel->UnitID())) return *info;
+  return std::unexpected(LastFailure());
+}
+
 ConnectedController::Reconnecting ConnectedController::HowItReconnects() const {
   if (mSettings.transport == Transport::Modem) return Reconnecting::ByDialling;
   return mSettings.reconnects || mSettings.transport == Transport::Simulated ? Reconnecting::ByItself

@@ -31,6 +31,8 @@ class ConnectedController {
   // The model that the catalogue is asked about.
   [[nodiscard]] const std::string& Model() const { return mModel; }
   [[nodiscard]] std::string Description() const { return mDriver->LinkDescription(); }
+  // Asks for its state, serial number and project.
+  [[nodiscard]] OrFailure<Channel::ControllerInfo> AskInfo();
 
   // How a link that was lost comes back: by itself with the next requests, by dialling again (a call costs money, so
   // not by itself), or not at all, as the session's settings say.

@@ -21,7 +21,6 @@ class ConsoleHost final : public RemoteHost {
 
   // What the controller's panel would be shown with; nothing where the sequence did not say.
   struct Panel {
-    std::optional<bool> isCompact;
     std::optional<int> information;  // 0 to 255
     std::string data;                // path of the file; empty: none
     std::string caption;
@@ -59,7 +58,7 @@ class ConsoleHost final : public RemoteHost {
   void SetConnectedUnit(int unit) override { mUnit = static_cast<std::uint8_t>(unit); }
   void AttachChannel(std::shared_ptr<Channel> channel) override { mChannel = std::move(channel); }
   void SetControllerModelText(const std::string&) override {}
-  void SetCompactIdentification(bool compact) override { mPanel.isCompact = compact; }
+  void SetCompactIdentification(bool) override {}
   void SetControllerInfoByte(int value) override {
     mPanel.information = value < 0 ? std::nullopt : std::optional(value);
   }

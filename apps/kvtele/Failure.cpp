@@ -10,7 +10,7 @@ namespace kv::cli {
 
 namespace {
 
-struct CodeRow {
+struct LinkErrorRow {
   LinkErrorCode code;
   std::string_view name;
   ExitCode neverConnected;
@@ -18,34 +18,49 @@ struct CodeRow {
 };
 
 // clang-format off
-constexpr std::array kCodes = {
-    CodeRow{LinkErrorCode::None,            "failed",          ExitCode::Failed,       ExitCode::Failed},
-    CodeRow{LinkErrorCode::BadArgument,     "badArgument",     ExitCode::Failed,       ExitCode::Failed},
-    CodeRow{LinkErrorCode::CannotOpen,      "cannotOpen",      ExitCode::NoConnection, ExitCode::LinkLost},
-    CodeRow{LinkErrorCode::NoReply,         "noReply",         ExitCode::NoConnection, ExitCode::LinkLost},
-    CodeRow{LinkErrorCode::Damaged,         "damaged",         ExitCode::NoConnection, ExitCode::LinkLost},
-    CodeRow{LinkErrorCode::Refused,         "refused",         ExitCode::Refused,      ExitCode::Refused},
-    CodeRow{LinkErrorCode::Busy,            "busy",            ExitCode::Refused,      ExitCode::Refused},
-    CodeRow{LinkErrorCode::NotSupported,    "notSupported",    ExitCode::Refused,      ExitCode::Refused},
-    CodeRow{LinkErrorCode::Stopped,         "interrupted",     ExitCode::Interrupted,  ExitCode::Interrupted},
-    CodeRow{LinkErrorCode::LinkLost,        "linkLost",        ExitCode::NoConnection, ExitCode::LinkLost},
-    CodeRow{LinkErrorCode::Closed,          "linkClosed",      ExitCode::NoConnection, ExitCode::LinkLost},
-    CodeRow{LinkErrorCode::OtherController, "otherController", ExitCode::Refused,      ExitCode::LinkLost},
-    CodeRow{LinkErrorCode::Unsure,          "unsure",          ExitCode::LinkLost,     ExitCode::LinkLost},
+constexpr std::array kLinkErrors = {
+    LinkErrorRow{LinkErrorCode::None,            "failed",          ExitCode::Failed,       ExitCode::Failed},
+    LinkErrorRow{LinkErrorCode::BadArgument,     "badArgument",     ExitCode::Failed,       ExitCode::Failed},
+    LinkErrorRow{LinkErrorCode::CannotOpen,      "cannotOpen",      ExitCode::NoConnection, ExitCode::LinkLost},
+    LinkErrorRow{LinkErrorCode::NoReply,         "noReply",         ExitCode::NoConnection, ExitCode::LinkLost},
+    LinkErrorRow{LinkErrorCode::Damaged,         "damaged",         ExitCode::NoConnection, ExitCode::LinkLost},
+    LinkErrorRow{LinkErrorCode::Refused,         "refused",         ExitCode::Refused,      ExitCode::Refused},
+    LinkErrorRow{LinkErrorCode::Busy,            "busy",            ExitCode::Refused,      ExitCode::Refused},
+    LinkErrorRow{LinkErrorCode::NotSupported,    "notSupported",    ExitCode::Refused,      ExitCode::Refused},
+    LinkErrorRow{LinkErrorCode::Stopped,         "interrupted",     ExitCode::Interrupted,  ExitCode::Interrupted},
+    LinkErrorRow{LinkErrorCode::LinkLost,        "linkLost",        ExitCode::NoConnection, ExitCode::LinkLost},
+    LinkErrorRow{LinkErrorCode::Closed,          "linkClosed",      ExitCode::NoConnection, ExitCode::LinkLost},
+    LinkErrorRow{LinkErrorCode::OtherController, "otherController", ExitCode::Refused,      ExitCode::LinkLost},
+    LinkErrorRow{LinkErrorCode::Unsure,          "unsure",          ExitCode::LinkLost,     ExitCode::LinkLost},
+};
+
+// Reply and Link are named by the error of the link.
+struct CauseRow {
+  CloneCause cause;
+  std::string_view name;
+  ExitCode exit;
+};
+constexpr std::array kCauses = {
+    CauseRow{CloneCause::Stop,     "interrupted", ExitCode::Interrupted},
+    CauseRow{CloneCause::OldOs,    "notFit",      ExitCode::Refused},
+    CauseRow{CloneCause::Segments, "segments",    ExitCode::Refused},
+    CauseRow{CloneCause::Password, "password",    ExitCode::Refused},
+    CauseRow{CloneCause::File,     "badFile",     ExitCode::BadFile},
+    CauseRow{CloneCause::Unproven, "unproven",    ExitCode::Failed},
 };
 // clang-format on
 
 // Scripts tell these from other refusals: they have the cure in their hands.
-std::string_view NameOf(const LinkError& error, const CodeRow& row) {
+std::string_view NameOf(const LinkError& error, const LinkErrorRow& row) {
   if (error.controllerCode == kNeedsPasswordCode) return "passwordNeeded";
   return error.controllerCode == kWrongPasswordCode ? "wrongPassword" : row.name;
 }
 
-const CodeRow& RowOf(LinkErrorCode code) {
-  for (const CodeRow& row : kCodes) {
+const LinkErrorRow& RowOf(LinkErrorCode code) {
+  for (const LinkErrorRow& row : kLinkErrors) {
     if (row.code == code) return row;
   }
-  return kCodes.front();
+  return kLinkErrors.front();
 }
 
 }  // namespace
@@ -69,13 +84,29 @@ Failure InterruptedFailure(std::string doing) {
 }
 
 Failure LinkFailure(const LinkError& error, bool wasConnected) {
-  const CodeRow& row = RowOf(error.code);
+  const LinkErrorRow& row = RowOf(error.code);
   return {wasConnected ? row.wasConnected : row.neverConnected,
           std::string(NameOf(error, row)),
           error.doing,
           error.happened.empty() ? "the controller did not do it" : error.happened,
           error.cause,
           error.cure};
+}
+
+Failure CloneFailure(std::string doing, const CloneOutcome& outcome) {
+  for (const CauseRow& row : kCauses) {
+    if (row.cause == outcome.cause) {
+      return {row.exit, std::string(row.name), std::move(doing), outcome.reason, {}, {}};
+    }
+  }
+  const Failure link = LinkFailure(outcome.link, true);
+  const bool isUseless = outcome.cause != CloneCause::None && outcome.link.code == LinkErrorCode::None;
+  return {isUseless ? ExitCode::LinkLost : link.exit,
+          outcome.cause == CloneCause::Reply ? "badReply" : link.code,
+          std::move(doing),
+          outcome.reason,
+          {},
+          {}};
 }
 
 }  // namespace kv::cli

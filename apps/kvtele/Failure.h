@@ -3,6 +3,7 @@
 #include <expected>
 #include <string>
 
+#include "clone/CloneOutcome.h"
 #include "link/LinkError.h"
 
 namespace kv::cli {
@@ -47,5 +48,7 @@ using OrFailure = std::expected<Value, Failure>;
 [[nodiscard]] Failure InterruptedFailure(std::string doing);
 // What a link call left behind. `wasConnected` tells a link that never came about from one that broke.
 [[nodiscard]] Failure LinkFailure(const LinkError& error, bool wasConnected);
+// A failure of the cloner's engine; `doing` says what for.
+[[nodiscard]] Failure CloneFailure(std::string doing, const CloneOutcome& outcome);
 
 }  // namespace kv::cli

@@ -6,12 +6,13 @@
 #include "apps/kvtele/TerminalProgress.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/OsSupport.h"
+#include "dataview/operands/ReadBack.h"
 #include "dataview/operands/RegionTransfer.h"
 #include "link/LinkTexts.h"
 
 namespace kv::cli {
 
-using mdlDataTypesView::kRegionsNotSupportedMessage;
+using namespace mdlDataTypesView;
 
 namespace {
 
@@ -52,7 +53,7 @@ std::string WrittenSoFar(const LinkError& error, const Region& piece, const std:
 // refuse it.
 OrFailure<void> CheckFitsOs(const Region& region, const ConnectedController& controller) {
   const std::string& os = controller.Version().osVersion;
-  const std::int32_t count = mdlDataTypesView::OperandCountWithOs(region.type, controller.Model(), os);
+  const std::int32_t count = OperandCountWithOs(region.type, controller.Model(), os);
   if (region.to < count) return {};
   const std::string cure = count > 0 ? "use addresses from 0 to " + std::to_string(count - 1) + ", or " : "";
   return std::unexpected(NotFitFailure("using " + RegionText(region), std::string(kRegionsNotSupportedMessage),
@@ -61,8 +62,8 @@ OrFailure<void> CheckFitsOs(const Region& region, const ConnectedController& con
 
 // A boot loader has no operands at all.
 OrFailure<void> CheckHasOperands(ConnectedController& controller, const std::string& doing) {
-  const auto info = controller.Link().GetControllerInfo(controller.Unit());
-  if (!info) return std::unexpected(controller.LastFailure());
+  const auto info = controller.AskInfo();
+  if (!info) return std::unexpected(info.error());
   if (info->state != 'B') return {};
   return std::unexpected(NotFitFailure(doing, "the controller is running its boot loader",
                                        "it has no O/S, or was sent into its boot loader",
@@ -84,6 +85,21 @@ OrFailure<void> CheckFitsController(ConnectedController& controller, std::span<c
     if (const auto fits = CheckFitsOs(region, controller); !fits) return fits;
   }
   return {};
+}
+
+Failure DiffersFailure(const Region& region, std::span<const ValueDifference> differences) {
+  return {ExitCode::Differs,
+          "differs",
+          "comparing what was written to " + RegionText(region),
+          DifferenceText(region.type, differences),
+          std::string(MovesByItself(region.type) ? kMovingCause : kDifferenceCause),
+          std::string(kDifferenceCure)};
+}
+
+Failure NotReadBack(Failure failure, const Region& region) {
+  failure.doing.clear();
+  failure.happened = RegionText(region) + " was written, but could not be read back: " + failure.happened;
+  return failure;
 }
 
 }  // namespace
@@ -111,17 +127,17 @@ OrFailure<std::unique_ptr<ConnectedController>> ConnectFor(Environment& environm
 OrFailure<std::vector<std::string>> ReadOperands(Environment& environment, ConnectedController& controller,
                                                  const Region& region) {
   const std::string doing = "reading " + RegionText(region);
-  if (!mdlDataTypesView::IsReadableFrom(controller.Model(), region.type)) {
+  if (!IsReadableFrom(controller.Model(), region.type)) {
     return std::unexpected(NotFitFailure(doing, "operands of this type cannot be read from " + controller.Model(),
                                          "this model is read with list reads, which do not know them",
                                          "use --model Q50 or --model Q50Net if the controller is one of these"));
   }
-  const std::vector<Region> pieces = mdlDataTypesView::SplitRegion(region);
+  const std::vector<Region> pieces = SplitRegion(region);
   TerminalProgress progress(environment, doing, CountOf(region));
   std::vector<std::string> texts;
   for (const Region& piece : pieces) {
     if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure(doing));
-    auto read = mdlDataTypesView::ReadRegion(controller.Link(), controller.Model(), piece);
+    auto read = ReadRegion(controller.Link(), controller.Model(), piece);
     if (!read) return std::unexpected(LinkFailure(read.error(), true));
     if (read->size() != CountOf(piece)) {
       return std::unexpected(NotFitFailure(doing, "the controller has no such operands", {}, "choose another type"));
@@ -137,18 +153,35 @@ OrFailure<void> WriteOperands(Environment& environment, ConnectedController& con
   const std::string doing = "writing " + RegionText(region);
   TerminalProgress progress(environment, doing, CountOf(region));
   std::size_t done = 0;
-  for (const Region& piece : mdlDataTypesView::SplitRegion(region)) {
+  for (const Region& piece : SplitRegion(region)) {
     if (environment.pacer.StopRequested()) {
       const std::string before = WrittenBefore(region, piece);
       return std::unexpected(InterruptedFailure(doing + " (" + (before.empty() ? kNothingWritten : before) + ")"));
     }
     const auto values = texts.subspan(done, CountOf(piece));
-    const auto written = mdlDataTypesView::WriteRegion(controller.Link(), controller.Model(), piece, values);
+    const auto written = WriteRegion(controller.Link(), controller.Model(), piece, values);
     if (!written) return std::unexpected(WriteFailure(written.error(), piece, WrittenBefore(region, piece)));
     done += values.size();
     progress.Show(done);
   }
   return {};
+}
+
+OrFailure<std::vector<std::string>> ReadOperandsBack(Environment& environment, ConnectedController& controller,
+                                                     const Region& region, std::span<const std::string> written) {
+  const std::string doing = "reading back " + RegionText(region);
+  TerminalProgress progress(environment, doing, written.size());
+  std::vector<std::string> texts;
+  for (const Region& piece : SplitRegion(region)) {
+    if (environment.pacer.StopRequested()) return std::unexpected(NotReadBack(InterruptedFailure(doing), region));
+    const auto values = written.subspan(texts.size(), static_cast<std::size_t>(piece.Count()));
+    auto read = ReadBack(controller.Link(), controller.Model(), piece, values);
+    if (!read) return std::unexpected(NotReadBack(LinkFailure(read.error(), true), region));
+    if (!read->differences.empty()) return std::unexpected(DiffersFailure(region, read->differences));
+    texts.insert(texts.end(), std::make_move_iterator(read->texts.begin()), std::make_move_iterator(read->texts.end()));
+    progress.Show(texts.size());
+  }
+  return texts;
 }
 
 Failure WriteFailure(const LinkError& error, const Region& piece, const std::string& before) {

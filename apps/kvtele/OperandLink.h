@@ -36,6 +36,13 @@ using RegionsFor = std::function<OrFailure<std::vector<Region>>(const std::strin
 [[nodiscard]] OrFailure<void> WriteOperands(Environment& environment, ConnectedController& controller,
                                             const Region& region, std::span<const std::string> texts);
 
+// Reads operands back that have just been written, in as many requests as that takes, and compares. The texts as they
+// read now; the failure names the operands of the first request that are others.
+[[nodiscard]] OrFailure<std::vector<std::string>> ReadOperandsBack(Environment& environment,
+                                                                   ConnectedController& controller,
+                                                                   const Region& region,
+                                                                   std::span<const std::string> written);
+
 // What there is to say when the request for `piece` failed; `before` says what had been written by then, and is empty
 // when nothing had.
 [[nodiscard]] Failure WriteFailure(const LinkError& error, const Region& piece, const std::string& before);

@@ -23,63 +23,81 @@ struct Value {
   std::size_t line = 0;
   bool isInRegion = false;
 };
-using Values = std::map<Operand, Value>;
 
-std::string OperandText(const Operand& operand) {
-  return mdlDataTypesView::OperandText(operand.first, operand.second);
-}
+// The values of a file, taken region by region.
+class ValuesOfFile {
+ public:
+  ValuesOfFile(std::string file, std::string_view model, std::vector<OperandValue> read);
 
-std::unexpected<Failure> Bad(const std::string& file, std::size_t line, const std::string& what) {
-  return std::unexpected(BadFileFailure(file, (line == 0 ? "" : "line " + std::to_string(line) + ": ") + what, {}));
-}
+  // The values of one region as runs, and how many of its operands have none.
+  [[nodiscard]] OrFailure<void> Take(const Region& region);
+  [[nodiscard]] OrFailure<void> CheckAllTaken() const;
+  [[nodiscard]] ValuesToWrite Taken() && { return std::move(mTaken); }
+
+ private:
+  [[nodiscard]] OrFailure<void> Check(const Operand& operand, const Value& value) const;
+  [[nodiscard]] std::unexpected<Failure> Bad(const Operand& operand, const Value& value, const std::string& what) const;
+
+  std::string mFile;
+  std::string mModel;
+  std::map<Operand, Value> mValues;
+  ValuesToWrite mTaken;
+};
 
 // A cell of a grid that is empty says nothing of its operand.
-Values ByOperand(std::vector<OperandValue> read) {
-  Values values;
+ValuesOfFile::ValuesOfFile(std::string file, std::string_view model, std::vector<OperandValue> read)
+    : mFile(std::move(file)), mModel(model) {
   for (OperandValue& each : read) {
-    if (!each.text.empty())
-      values.try_emplace({each.type, each.address}, Value{std::move(each.text), each.line, false});
+    if (each.text.empty()) continue;
+    mValues.try_emplace({each.type, each.address}, Value{std::move(each.text), each.line, false});
   }
-  return values;
+}
+
+OrFailure<void> ValuesOfFile::Take(const Region& region) {
+  bool isRunOpen = false;
+  for (std::int32_t address = region.from; address <= region.to; ++address) {
+    const auto found = mValues.find({region.type, address});
+    const bool hasValue = found != mValues.end();
+    if (hasValue) found->second.isInRegion = true;
+    if (!IsWritableType(region.type)) continue;
+    if (!hasValue) {
+      ++mTaken.missing;
+    } else {
+      if (auto legal = Check(found->first, found->second); !legal) return legal;
+      if (!isRunOpen) mTaken.runs.push_back({{address, address, region.type}, {}});
+      mTaken.runs.back().region.to = address;
+      mTaken.runs.back().texts.push_back(found->second.text);
+    }
+    isRunOpen = hasValue;
+  }
+  mTaken.readOnly += IsWritableType(region.type) ? 0U : 1U;
+  return {};
 }
 
 // Where in the file and why a value cannot be written.
-OrFailure<void> CheckValue(const std::string& file, const Operand& operand, const Value& value,
-                           std::string_view model) {
-  if (auto fault = DaysFault(operand.first, model, value.text); !fault.empty()) {
-    return Bad(file, value.line, OperandText(operand) + ": " + fault);
+OrFailure<void> ValuesOfFile::Check(const Operand& operand, const Value& value) const {
+  if (const auto fault = DaysFault(operand.first, mModel, value.text); !fault.empty()) {
+    return Bad(operand, value, ": " + fault);
   }
-  auto legal = CheckValues(operand.first, model, std::span(&value.text, 1));
+  auto legal = CheckValues(operand.first, mModel, std::span(&value.text, 1));
   if (legal) return legal;
-  Failure failure =
-      BadFileFailure(file, std::move(legal.error().happened),
-                     "line " + std::to_string(value.line) + ": " + OperandText(operand) + " is \"" + value.text + "\"");
+  Failure failure = Bad(operand, value, " is \"" + value.text + "\"").error();
+  failure.cause = std::exchange(failure.happened, std::move(legal.error().happened));
   failure.code = legal.error().code;
   failure.cure = legal.error().cure;
   return std::unexpected(failure);
 }
 
-// The values of one region as runs, and how many of its operands have none.
-OrFailure<void> TakeRegion(const Region& region, const std::string& file, std::string_view model, Values& values,
-                           ValuesToWrite& out) {
-  bool isRunOpen = false;
-  for (std::int32_t address = region.from; address <= region.to; ++address) {
-    const auto found = values.find({region.type, address});
-    const bool hasValue = found != values.end();
-    if (hasValue) found->second.isInRegion = true;
-    if (!IsWritableType(region.type)) continue;
-    if (!hasValue) {
-      ++out.missing;
-    } else {
-      if (auto legal = CheckValue(file, found->first, found->second, model); !legal) return legal;
-      if (!isRunOpen) out.runs.push_back({{address, address, region.type}, {}});
-      out.runs.back().region.to = address;
-      out.runs.back().texts.push_back(found->second.text);
-    }
-    isRunOpen = hasValue;
+OrFailure<void> ValuesOfFile::CheckAllTaken() const {
+  for (const auto& [operand, value] : mValues) {
+    if (!value.isInRegion) return Bad(operand, value, " is in none of the regions");
   }
-  out.readOnly += IsWritableType(region.type) ? 0U : 1U;
   return {};
+}
+
+std::unexpected<Failure> ValuesOfFile::Bad(const Operand& operand, const Value& value, const std::string& what) const {
+  const std::string name = OperandText(operand.first, operand.second);
+  return std::unexpected(BadFileFailure(mFile, "line " + std::to_string(value.line) + ": " + name + what, {}));
 }
 
 }  // namespace
@@ -100,18 +118,18 @@ std::string PrintValues(std::span<const RegionRow> rows, std::span<const std::ve
 OrFailure<ValuesToWrite> ParseValues(std::string_view bytes, const std::string& file, std::span<const RegionRow> rows,
                                      std::string_view model) {
   auto read = ParseOperandCsv(bytes, kSeparator, CsvForm::Values);
-  if (!read) return Bad(file, read.error().line, read.error().what);
-  Values values = ByOperand(std::move(read->values));
-  ValuesToWrite out;
-  out.leftOut = read->LeftOutText();
+  if (!read) {
+    const std::string place = read.error().line == 0 ? "" : "line " + std::to_string(read.error().line) + ": ";
+    return std::unexpected(BadFileFailure(file, place + read.error().what, {}));
+  }
+  ValuesOfFile values(file, model, std::move(read->values));
   for (const RegionRow& row : rows) {
-    const auto taken = TakeRegion(row.region, file, model, values, out);
-    if (!taken) return std::unexpected(taken.error());
+    if (const auto taken = values.Take(row.region); !taken) return std::unexpected(taken.error());
   }
-  for (const auto& [operand, value] : values) {
-    if (!value.isInRegion) return Bad(file, value.line, OperandText(operand) + " is in none of the regions");
-  }
-  return out;
+  if (const auto all = values.CheckAllTaken(); !all) return std::unexpected(all.error());
+  ValuesToWrite taken = std::move(values).Taken();
+  taken.leftOut = read->LeftOutText();
+  return taken;
 }
 
 }  // namespace kv::cli

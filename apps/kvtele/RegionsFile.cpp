@@ -25,7 +25,7 @@ OrFailure<std::vector<RegionRow>> AllOfModel(std::vector<RegionRow> rows, std::s
 }
 
 // The text of a message box, whose lines end with CR LF, as one line.
-std::string OneLine(std::string_view text) {
+std::string WithoutLineEnds(std::string_view text) {
   std::string line;
   for (const char c : text) {
     if (c != '\r' && c != '\n') line += c;
@@ -54,12 +54,14 @@ OrFailure<RegionsFile> RegionsFile::Read(const std::string& file) {
 OrFailure<std::vector<RegionRow>> RegionsFile::RowsFor(std::string_view model) const {
   auto rows = ParseRegionFile(mBytes, model);
   if (rows) return AllOfModel(*std::move(rows), model);
-  return std::unexpected(BadFileFailure(mFile, OneLine(rows.error().Message()), rows.error().reason));
+  return std::unexpected(BadFileFailure(mFile, WithoutLineEnds(rows.error().Message()), rows.error().reason));
 }
 
-std::vector<Region> RegionsOf(const std::vector<RegionRow>& rows) {
+OrFailure<std::vector<Region>> RegionsFile::RegionsFor(std::string_view model) const {
+  const auto rows = RowsFor(model);
+  if (!rows) return std::unexpected(rows.error());
   std::vector<Region> regions;
-  for (const RegionRow& row : rows) regions.push_back(row.region);
+  for (const RegionRow& row : *rows) regions.push_back(row.region);
   return regions;
 }
 

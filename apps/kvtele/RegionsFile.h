@@ -30,6 +30,8 @@ class RegionsFile {
 
   // The rows for this model, in the order of the table.
   [[nodiscard]] OrFailure<std::vector<RegionRow>> RowsFor(std::string_view model) const;
+  // Their regions alone.
+  [[nodiscard]] OrFailure<std::vector<Region>> RegionsFor(std::string_view model) const;
 
  private:
   RegionsFile(std::string file, std::string bytes) : mFile(std::move(file)), mBytes(std::move(bytes)) {}
@@ -37,8 +39,6 @@ class RegionsFile {
   std::string mFile;
   std::string mBytes;
 };
-
-[[nodiscard]] std::vector<Region> RegionsOf(const std::vector<RegionRow>& rows);
 
 // Tells which regions cannot be read from a controller of the model; nothing for none.
 void SayUnreadable(Environment& environment, const ConnectedController& controller, std::span<const Region> regions);

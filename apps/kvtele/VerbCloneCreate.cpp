@@ -17,8 +17,8 @@ namespace {
 OrFailure<std::string> CheckProgram(Environment& environment, const CommonOptions& common,
                                     ConnectedController& controller, const CreateOrder& order,
                                     const std::string& doing) {
-  const auto info = controller.Link().GetControllerInfo(controller.Unit());
-  if (!info) return std::unexpected(controller.LastFailure());
+  const auto info = controller.AskInfo();
+  if (!info) return std::unexpected(info.error());
   std::string name = ControllerText(controller.Version(), *info, controller.Description());
   const bool canAsk = order.mayStop || environment.input.IsInteractive();
   if (IsRunningState(info->state) && !canAsk) {

@@ -171,56 +171,7 @@ OrFailure<void> TellBeforeCompare(Environment& environment, ConnectedController&
   return {};
 }
 
-ExitCode ExitOf(const CloneOutcome& outcome) {
-  switch (outcome.cause) {
-    case CloneCause::Stop:
-      return ExitCode::Interrupted;
-    case CloneCause::OldOs:
-    case CloneCause::Segments:
-    case CloneCause::Password:
-      return ExitCode::Refused;
-    case CloneCause::File:
-      return ExitCode::BadFile;
-    case CloneCause::Unproven:
-      return ExitCode::Failed;
-    case CloneCause::Reply:
-    case CloneCause::Link:
-      if (outcome.link.code == LinkErrorCode::None) return ExitCode::LinkLost;  // nothing usable came
-      break;
-    case CloneCause::None:
-      break;
-  }
-  return LinkFailure(outcome.link, true).exit;
-}
-
-std::string CodeOf(const CloneOutcome& outcome) {
-  switch (outcome.cause) {
-    case CloneCause::Stop:
-      return "interrupted";
-    case CloneCause::OldOs:
-      return "notFit";
-    case CloneCause::Segments:
-      return "segments";
-    case CloneCause::Password:
-      return "password";
-    case CloneCause::File:
-      return "badFile";
-    case CloneCause::Reply:
-      return "badReply";
-    case CloneCause::Unproven:
-      return "unproven";
-    case CloneCause::None:
-    case CloneCause::Link:
-      break;
-  }
-  return LinkFailure(outcome.link, true).code;
-}
-
 }  // namespace
-
-Failure CloneFailure(std::string doing, const CloneOutcome& outcome) {
-  return {ExitOf(outcome), CodeOf(outcome), std::move(doing), outcome.reason, {}, {}};
-}
 
 VerbResult ReportClone(Environment& environment, const std::filesystem::path& file) {
   const auto info = [&] {

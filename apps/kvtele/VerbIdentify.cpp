@@ -66,8 +66,8 @@ VerbResult VerbIdentify::Run(Environment& environment, const CommonOptions& comm
   const auto connected = ConnectedController::Open(environment, common);
   if (!connected) return std::unexpected(connected.error());
   ConnectedController& controller = **connected;
-  const auto info = controller.Link().GetControllerInfo(controller.Unit());
-  if (!info) return std::unexpected(controller.LastFailure());
+  const auto info = controller.AskInfo();
+  if (!info) return std::unexpected(info.error());
   const auto document = DocumentOf(controller, *info);
   return VerbOutput{DocumentText(document, kLines), document};
 }

@@ -189,6 +189,16 @@ bool IsMisfit(const VersionInfo& version, int unit, const std::string& hostModel
   return !MisfitText(state).empty();
 }
 
+void SayWhatToDoubt(Environment& environment, const ConnectedController& controller, const ConsoleHost& host,
+                    bool isProjectCompared) {
+  if (IsMisfit(controller.Version(), controller.Unit(), host.Model())) {
+    environment.err << "The controller is a " << AnsiToUtf8(controller.Version().model)
+                    << ", but it was served as the session's model, " << host.Model()
+                    << ": name its own with --model.\n";
+  }
+  if (!isProjectCompared) environment.err << "No project was compared: name a Telepanel file with --project.\n";
+}
+
 const char* VerbOnline::Examples() const {
   return "  kvtele --link sim:K220-22-R1 online             a simulated controller\n"
          "  kvtele --session Default online                 the controller of a session\n"
@@ -202,34 +212,28 @@ void VerbOnline::Declare(CLI::App& app) {
 }
 
 VerbResult VerbOnline::Run(Environment& environment, const CommonOptions& common) {
-  auto pages = ReadProject(mProject);
+  const auto pages = ReadProject(mProject);
   if (!pages) return std::unexpected(pages.error());
   const auto connected = ConnectedController::Open(environment, common);
   if (!connected) return std::unexpected(connected.error());
-  ConnectedController& controller = **connected;
   const ProgramPaths paths = common.Paths(environment.home);
   const auto copy = SessionCopy::Make(paths, common.session);
   if (!copy) return std::unexpected(copy.error());
 
   SharedState shared((*copy)->Paths());
   shared.CurrentSession = common.session;
-  shared.ComDriver = &controller.Driver();
+  shared.ComDriver = &(*connected)->Driver();
   const std::string model = common.model.empty() ? LastModel(shared) : common.model;
   ConsoleHost host(environment.err, model, Utf8FromPath(paths.Home()), *pages);
   shared.Remote = &host;
   NotedPrompts prompts;
   GoOnline(shared, prompts);
   if (!host.Refusal().empty()) return std::unexpected(Refusal(host.Refusal()));
-  if (!host.IsOnline()) return std::unexpected(controller.LastFailure());
-  const auto info = controller.Link().GetControllerInfo(controller.Unit());
-  if (!info) return std::unexpected(controller.LastFailure());
-  if (IsMisfit(controller.Version(), controller.Unit(), host.Model())) {
-    environment.err << "The controller is a " << AnsiToUtf8(controller.Version().model)
-                    << ", but it was served as the session's model, " << host.Model()
-                    << ": name its own with --model.\n";
-  }
-  if (!*pages) environment.err << "No project was compared: name a Telepanel file with --project.\n";
-  return MakeOutput(controller, {controller.Version(), *info, pages->has_value()}, host, PanelSource(shared, host));
+  if (!host.IsOnline()) return std::unexpected((*connected)->LastFailure());
+  const auto info = (*connected)->AskInfo();
+  if (!info) return std::unexpected(info.error());
+  SayWhatToDoubt(environment, **connected, host, pages->has_value());
+  return MakeOutput(**connected, {(*connected)->Version(), *info, pages->has_value()}, host, PanelSource(shared, host));
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 
 #include "apps/kvtele/ConsentFlag.h"
 #include "apps/kvtele/OperandLink.h"
-#include "apps/kvtele/ReadBack.h"
 #include "apps/kvtele/RegionValues.h"
 #include "apps/kvtele/TerminalProgress.h"
 #include "apps/kvtele/Verb.h"
@@ -34,6 +33,7 @@ class VerbRegions : public Verb {
   [[nodiscard]] OrFailure<void> CheckArguments() const;
   [[nodiscard]] VerbResult Read(Environment& environment, const CommonOptions& common, const RegionsFile& file) const;
   [[nodiscard]] VerbResult Write(Environment& environment, const CommonOptions& common, const RegionsFile& file) const;
+  void SayLeftOut(Environment& environment, const CommonOptions& common, const ValuesToWrite& values) const;
 
   std::string mAction;
   std::string mFile;
@@ -128,8 +128,8 @@ OrFailure<void> WriteRuns(Environment& environment, ConnectedController& control
   return {};
 }
 
-OrFailure<void> Confirm(Environment& environment, const CommonOptions& common, ConnectedController& controller,
-                        std::size_t count) {
+OrFailure<void> ConfirmWrite(Environment& environment, const CommonOptions& common, ConnectedController& controller,
+                             std::size_t count) {
   const MessageBox box = WriteQuestion(count, controller.Description());
   if (PromptsFor(environment, common).Show(box) == PromptAnswer::Yes) return {};
   if (environment.pacer.StopRequested()) {
@@ -152,7 +152,7 @@ OrFailure<std::size_t> Compare(Environment& environment, ConnectedController& co
   std::size_t compared = 0;
   for (const ValueRun& run : runs) {
     if (!IsReadableFrom(controller.Model(), run.region.type)) continue;
-    const auto readBack = ReadBack(environment, controller, run.region, run.texts);
+    const auto readBack = ReadOperandsBack(environment, controller, run.region, run.texts);
     if (!readBack) return std::unexpected(readBack.error());
     compared += run.texts.size();
   }
@@ -170,6 +170,17 @@ VerbOutput WriteOutput(Environment& environment, const ValuesToWrite& values, st
   VerbOutput output;
   output.document = {{"written", count}, {"compared", compared}, {"missing", values.missing}};
   return output;
+}
+
+VerbResult WriteValues(Environment& environment, const CommonOptions& common, ConnectedController& controller,
+                       const ValuesToWrite& values) {
+  const auto confirmed = ConfirmWrite(environment, common, controller, CountOf(values.runs));
+  if (!confirmed) return std::unexpected(confirmed.error());
+  const auto written = WriteRuns(environment, controller, values.runs);
+  if (!written) return std::unexpected(written.error());
+  const auto compared = Compare(environment, controller, values.runs);
+  if (!compared) return std::unexpected(compared.error());
+  return WriteOutput(environment, values, *compared);
 }
 
 const char* VerbRegions::Examples() const {
@@ -210,51 +221,43 @@ OrFailure<void> VerbRegions::CheckArguments() const {
 }
 
 VerbResult VerbRegions::Read(Environment& environment, const CommonOptions& common, const RegionsFile& file) const {
-  std::vector<RegionRow> rows;
-  const auto understand = [&](const std::string& model) -> OrFailure<std::vector<Region>> {
-    auto parsed = file.RowsFor(model);
-    if (!parsed) return std::unexpected(parsed.error());
-    rows = *std::move(parsed);
-    return RegionsOf(rows);
-  };
-  const auto connected = ConnectFor(environment, common, understand);
+  const auto connected =
+      ConnectFor(environment, common, [&](const std::string& model) { return file.RegionsFor(model); });
   if (!connected) return std::unexpected(connected.error());
-  const auto texts = ReadRows(environment, **connected, rows);
+  const auto rows = file.RowsFor((*connected)->Model());
+  if (!rows) return std::unexpected(rows.error());
+  const auto texts = ReadRows(environment, **connected, *rows);
   if (!texts) return std::unexpected(texts.error());
-  return MakeOutput((*connected)->Model(), rows, *texts, mAsCsv);
+  return MakeOutput((*connected)->Model(), *rows, *texts, mAsCsv);
 }
 
 VerbResult VerbRegions::Write(Environment& environment, const CommonOptions& common, const RegionsFile& file) const {
   const auto bytes = ReadFileFor(mValuesFile, kLargestValuesFile);
   if (!bytes) return std::unexpected(bytes.error());
-  ValuesToWrite values;
-  const auto understand = [&](const std::string& model) -> OrFailure<std::vector<Region>> {
+  const auto valuesFor = [&](const std::string& model) -> OrFailure<ValuesToWrite> {
     const auto rows = file.RowsFor(model);
     if (!rows) return std::unexpected(rows.error());
-    auto parsed = ParseValues(*bytes, mValuesFile, *rows, model);
-    if (!parsed) return std::unexpected(parsed.error());
-    values = *std::move(parsed);
-    return RegionsOf(*rows);
+    return ParseValues(*bytes, mValuesFile, *rows, model);
   };
-  const auto connected = ConnectFor(environment, common, understand);
+  const auto connected = ConnectFor(environment, common, [&](const std::string& model) {
+    const auto values = valuesFor(model);
+    return values ? file.RegionsFor(model) : std::unexpected(values.error());
+  });
   if (!connected) return std::unexpected(connected.error());
-  ConnectedController& controller = **connected;
+  const auto values = valuesFor((*connected)->Model());
+  if (!values) return std::unexpected(values.error());
+  SayLeftOut(environment, common, *values);
+  if (values->runs.empty()) return WriteOutput(environment, *values, 0);
+  return WriteValues(environment, common, **connected, *values);
+}
+
+// What of the regions is not written.
+void VerbRegions::SayLeftOut(Environment& environment, const CommonOptions& common, const ValuesToWrite& values) const {
   if (values.readOnly > 0) PromptsFor(environment, common).Show(ReadOnlyBox());
   if (!values.leftOut.empty()) environment.err << values.leftOut << "\n";
-  if (values.missing > 0) {
-    environment.err << CountText(values.missing, "operand") << " without a value in " << mValuesFile
-                    << " stay as they are.\n";
-  }
-  if (values.runs.empty()) return WriteOutput(environment, values, 0);
-
-  if (const auto yes = Confirm(environment, common, controller, CountOf(values.runs)); !yes) {
-    return std::unexpected(yes.error());
-  }
-  const auto written = WriteRuns(environment, controller, values.runs);
-  if (!written) return std::unexpected(written.error());
-  const auto compared = Compare(environment, controller, values.runs);
-  if (!compared) return std::unexpected(compared.error());
-  return WriteOutput(environment, values, *compared);
+  if (values.missing == 0) return;
+  environment.err << CountText(values.missing, "operand") << " without a value in " << mValuesFile
+                  << " stay as they are.\n";
 }
 
 }  // namespace

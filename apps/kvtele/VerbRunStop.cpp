@@ -1,4 +1,5 @@
-#include "apps/kvtele/CloneActions.h"
+#include <string>
+
 #include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/ConsentFlag.h"
 #include "apps/kvtele/Verb.h"
@@ -24,7 +25,11 @@ class VerbRunStop : public Verb {
   [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 
  private:
-  [[nodiscard]] OrFailure<void> Switch(ConnectedController& controller) const;
+  [[nodiscard]] bool IsDone(char state) const { return mRuns ? IsRunningState(state) : state == 'S'; }
+  [[nodiscard]] const char* Doing() const { return mRuns ? "starting the program" : "stopping the program"; }
+  [[nodiscard]] std::string Question(const std::string& name, char state) const;
+  [[nodiscard]] OrFailure<void> Switch(ConnectedController& plc, const Channel::ControllerInfo& asked) const;
+  [[nodiscard]] OrFailure<char> StateAfter(ConnectedController& plc) const;
 
   bool mRuns;
 };
@@ -41,45 +46,45 @@ const char* VerbRunStop::Examples() const {
 }
 
 VerbResult VerbRunStop::Run(Environment& environment, const CommonOptions& common) {
-  const auto controller = ConnectedController::Open(environment, common);
-  if (!controller) return std::unexpected(controller.error());
-  ConnectedController& plc = **controller;
-  const auto before = plc.Link().GetControllerInfo(plc.Unit());
-  if (!before) return std::unexpected(plc.LastFailure());
+  const auto connected = ConnectedController::Open(environment, common);
+  if (!connected) return std::unexpected(connected.error());
+  ConnectedController& plc = **connected;
+  const auto before = plc.AskInfo();
+  if (!before) return std::unexpected(before.error());
   const std::string name = ControllerText(plc.Version(), *before, plc.Description());
-  const auto isDone = [this](char state) { return mRuns ? IsRunningState(state) : state == 'S'; };
-  if (isDone(before->state)) {
+  if (IsDone(before->state)) {
     environment.err << "The program of " << name << (mRuns ? " runs already.\n" : " is stopped already.\n");
     return MakeOutput(name, before->state);
   }
-  const std::string warning = mRuns ? RunWarning(before->state) : "";
-  const std::string question = "The program of the controller (" + name + ") is about to be " +
-                               (mRuns ? "started. " : "stopped. ") + warning + (warning.empty() ? "" : " ") +
-                               "Continue?";
-  const auto confirmed =
-      Confirm(environment, {common.yes, "--yes"}, question, mRuns ? "starting the program" : "stopping the program");
+  const auto confirmed = Confirm(environment, {common.yes, "--yes"}, Question(name, before->state), Doing());
   if (!confirmed) return std::unexpected(confirmed.error());
-  if (const auto met = MeetAgain(plc.Link(), *before); !met) {
-    return std::unexpected(CloneFailure(mRuns ? "starting the program" : "stopping the program", met.error()));
-  }
-  if (const auto done = Switch(plc); !done) return std::unexpected(done.error());
-  const auto after = plc.Link().GetControllerInfo(plc.Unit());
-  if (!after) return std::unexpected(plc.LastFailure());
-  if (!isDone(after->state)) {
-    return std::unexpected(
-        NotFitFailure(mRuns ? "starting the program" : "stopping the program",
-                      std::string("the controller took the command, but its state is ") + after->state + " now",
-                      "somebody else has changed it, or the program ended by itself", "see kvtele identify"));
-  }
+  if (const auto done = Switch(plc, *before); !done) return std::unexpected(done.error());
+  const auto after = StateAfter(plc);
+  if (!after) return std::unexpected(after.error());
   environment.err << "The program of " << name << (mRuns ? " runs.\n" : " is stopped.\n");
-  return MakeOutput(name, after->state);
+  return MakeOutput(name, *after);
 }
 
-OrFailure<void> VerbRunStop::Switch(ConnectedController& controller) const {
-  const bool isDone =
-      mRuns ? controller.Link().RunController(controller.Unit()) : controller.Link().StopController(controller.Unit());
-  if (!isDone) return std::unexpected(controller.LastFailure());
-  return {};
+std::string VerbRunStop::Question(const std::string& name, char state) const {
+  const std::string warning = mRuns ? RunWarning(state) : "";
+  return "The program of the controller (" + name + ") is about to be " + (mRuns ? "started. " : "stopped. ") +
+         warning + (warning.empty() ? "" : " ") + "Continue?";
+}
+
+// It may have been exchanged while the question was open.
+OrFailure<void> VerbRunStop::Switch(ConnectedController& plc, const Channel::ControllerInfo& asked) const {
+  if (const auto met = MeetAgain(plc.Link(), asked); !met) return std::unexpected(CloneFailure(Doing(), met.error()));
+  if (mRuns ? plc.Link().RunController(plc.Unit()) : plc.Link().StopController(plc.Unit())) return {};
+  return std::unexpected(plc.LastFailure());
+}
+
+OrFailure<char> VerbRunStop::StateAfter(ConnectedController& plc) const {
+  const auto after = plc.AskInfo();
+  if (!after) return std::unexpected(after.error());
+  if (IsDone(after->state)) return after->state;
+  return std::unexpected(
+      NotFitFailure(Doing(), std::string("the controller took the command, but its state is ") + after->state + " now",
+                    "somebody else has changed it, or the program ended by itself", "see kvtele identify"));
 }
 
 }  // namespace

@@ -257,14 +257,16 @@ Failure RegionWatch::StoppedFailure() const {
   return InterruptedFailure("watching (" + std::to_string(mChanges) + (mChanges == 1 ? " change)" : " changes)"));
 }
 
-void SetUnreadableAside(Environment& environment, const ConnectedController& controller, std::vector<Region>& regions) {
+// The others are named and left out.
+std::vector<Region> ReadableOf(Environment& environment, const ConnectedController& controller,
+                               const std::vector<Region>& regions) {
   std::vector<Region> readable;
   std::vector<Region> unreadable;
   std::ranges::partition_copy(
       regions, std::back_inserter(readable), std::back_inserter(unreadable),
       [&](const Region& region) { return mdlDataTypesView::IsReadableFrom(controller.Model(), region.type); });
   SayUnreadable(environment, controller, unreadable);
-  regions = std::move(readable);
+  return readable;
 }
 
 const char* VerbWatch::Examples() const {
@@ -290,20 +292,17 @@ void VerbWatch::Declare(CLI::App& app) {
 VerbResult VerbWatch::Run(Environment& environment, const CommonOptions& common) {
   const auto file = RegionsFile::Read(mFile);
   if (!file) return std::unexpected(file.error());
-  std::vector<Region> regions;
-  const auto understand = [&](const std::string& model) -> OrFailure<std::vector<Region>> {
-    const auto rows = file->RowsFor(model);
-    if (!rows) return std::unexpected(rows.error());
-    return regions = RegionsOf(*rows);
-  };
-  const auto connected = ConnectFor(environment, common, understand);
+  const auto connected =
+      ConnectFor(environment, common, [&](const std::string& model) { return file->RegionsFor(model); });
   if (!connected) return std::unexpected(connected.error());
-  SetUnreadableAside(environment, **connected, regions);
+  const auto all = file->RegionsFor((*connected)->Model());
+  if (!all) return std::unexpected(all.error());
+  const std::vector<Region> regions = ReadableOf(environment, **connected, *all);
   if (regions.empty()) {
     environment.err << "The file has no regions that can be read; there is nothing to watch.\n";
     return VerbOutput{};
   }
-  RegionWatch watch(environment, **connected, std::move(regions),
+  RegionWatch watch(environment, **connected, regions,
                     {.count = static_cast<std::size_t>(mCount),
                      .span = std::chrono::seconds(mSeconds),
                      .pause = std::chrono::milliseconds(mPause),

@@ -5,7 +5,6 @@
 #include "apps/kvtele/LinkChoice.h"
 #include "apps/kvtele/OperandArguments.h"
 #include "apps/kvtele/OperandLink.h"
-#include "apps/kvtele/ReadBack.h"
 #include "apps/kvtele/Verb.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/RegionTransfer.h"
@@ -94,7 +93,7 @@ VerbResult VerbWrite::Compare(Environment& environment, ConnectedController& con
                     << "back on " << controller.Model() << ".\n";
     return MakeOutput(region, nullptr);
   }
-  const auto readBack = ReadBack(environment, controller, region, mValues);
+  const auto readBack = ReadOperandsBack(environment, controller, region, mValues);
   if (!readBack) return std::unexpected(readBack.error());
   environment.err << "Written and read back: " << RegionText(region) << "\n";
   return MakeOutput(region, *readBack);
