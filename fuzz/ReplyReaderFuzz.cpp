@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   (void)kv::ReadMemoryBytes(text, tag, 0, memory);
   (void)kv::ReadIdentification(text);
   if (const auto info = kv::ReadInformation(text, tag); info && info->projectName.size() > 20) std::abort();
-  if (const auto step = kv::ReadStep(text, tag); step && step->reply.size() > 40) std::abort();
+  if (const auto step = kv::ReadSynchronisation(text, tag); step && step->reply.size() > 40) std::abort();
   (void)kv::ReadsWriteDone(text, tag, range);
   (void)kv::ReadsAccessGiven(text, tag);
   (void)kv::ReadRefusal(text, "RO");

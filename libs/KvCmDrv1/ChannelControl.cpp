@@ -54,25 +54,26 @@ ChannelImpl::ChannelImpl(Pacer& pacer, std::shared_ptr<Trace> trace, const LinkS
       mMakePort(std::move(makePort)),
       mSay(std::move(say)),
       mLine(pacer, *mTrace, mMakePort(settings)),
-      mExchange(pacer, mLine, {}, [this](const std::string& message) { Tell(message); }),
-      mRawPort(pacer, mLine, [this](Outcome outcome, const RawTraffic& traffic) { OnRawOutcome(outcome, traffic); }),
+      mClient(pacer, mLine, {}, [this](const std::string& message) { Tell(message); }),
+      mRawPort(pacer, mLine,
+               [this](ExchangeOutcome outcome, const RawTraffic& traffic) { OnRawOutcome(outcome, traffic); }),
       mBlockEngine(*this) {
-  ConfigureExchange();
+  ConfigureClient();
 }
 
-void ChannelImpl::ConfigureExchange() {
+void ChannelImpl::ConfigureClient() {
   // A modem that lost its call is not dialled again in the middle of a request: that costs minutes, and money.
   const bool reconnects = mSettings.reconnects && mSettings.transport != Transport::Modem;
-  mExchange.Configure({.timeOut = mSettings.timeOut,
-                       .tries = mSettings.tries,
-                       .reconnects = reconnects,
-                       .unit = mSettings.unit,
-                       .serialNumber = mSettings.serialNumber});
+  mClient.Configure({.timeOut = mSettings.timeOut,
+                     .tries = mSettings.tries,
+                     .reconnects = reconnects,
+                     .unit = mSettings.unit,
+                     .serialNumber = mSettings.serialNumber});
 }
 
 bool ChannelImpl::Open() {
-  if (mExchange.IsOtherController() || mIsRetired) {
-    Fail(mExchange.Explain(mIsRetired ? Outcome::Closed : Outcome::OtherController), "opening the link");
+  if (mClient.IsOtherController() || mIsRetired) {
+    Fail(mClient.Explain(mIsRetired ? ExchangeOutcome::Closed : ExchangeOutcome::OtherController), "opening the link");
     return false;
   }
   if (mLine.IsOpen()) return true;
@@ -80,16 +81,16 @@ bool ChannelImpl::Open() {
     Fail(opened.error(), "opening the link");
     return false;
   }
-  mExchange.Reopened();
+  mClient.Reopened();
   Tell("Connected to " + DescribeLink(mSettings));
   Succeed();
   return true;
 }
 
-// A port that partners call is open when the controller that is meant is there: it is met at once.
+// A port that partners call is open when the controller that is meant is there: the handshake follows at once.
 std::expected<void, LinkError> ChannelImpl::OpenLine() {
   const Duration limit = OpenLimit(mSettings);
-  if (mLine.GetPort().IsCalled()) return mExchange.AwaitCaller(mSettings.unit, limit);
+  if (mLine.GetPort().IsCalled()) return mClient.AwaitCaller(mSettings.unit, limit);
   const auto opened = mLine.Open(limit);
   if (opened) return {};
   LinkError error;
@@ -103,8 +104,8 @@ std::expected<void, LinkError> ChannelImpl::OpenLine() {
 void ChannelImpl::Close() {
   const bool wasOpen = mLine.IsOpen();
   mLine.Close();
-  mExchange.Shut();
-  mExchange.ForgetUnits();
+  mClient.Shut();
+  mClient.ForgetUnits();
   if (wasOpen) Tell("Disconnected from " + DescribeLink(mSettings));
 }
 
@@ -117,7 +118,7 @@ void ChannelImpl::Retire() {
 std::optional<CommandReply> ChannelImpl::SendCommand(std::string_view command) {
   constexpr std::size_t kPassword = 8;
   const std::uint8_t unit = mSettings.unit;
-  const auto reply = mExchange.SendText({unit, command, FactsOf(command), std::nullopt});
+  const auto reply = mClient.SendText({unit, command, CommandFactsOf(command), std::nullopt});
   if (!reply) {
     const bool isSecret = command.starts_with("GI") || command.starts_with("AC");
     Fail(reply.error(), WithUnit("sending " + std::string(command.substr(0, isSecret ? 2 : 20)) + " to", unit));
@@ -127,7 +128,7 @@ std::optional<CommandReply> ChannelImpl::SendCommand(std::string_view command) {
   CommandReply result{std::string(*reply), ReadRefusal(*reply, command).value_or(0)};
   if (command.size() == 2 + kPassword && command.starts_with("GI") && reply->starts_with("GI1")) {
     const std::string_view password = command.substr(2);
-    mExchange.Unit(unit).password = password.substr(0, password.find_last_not_of(' ') + 1);
+    mClient.Unit(unit).password = password.substr(0, password.find_last_not_of(' ') + 1);
   }
   result.text += ToHex(AsciiChecksum(result.text), 2);
   return result;
@@ -148,7 +149,7 @@ int ChannelImpl::TimeOut() const {
 
 void ChannelImpl::SetTimeOut(int milliseconds) {
   mSettings.timeOut = std::chrono::milliseconds(std::clamp(milliseconds, 50, 300000));
-  ConfigureExchange();
+  ConfigureClient();
 }
 
 ComParams ChannelImpl::GetComParams() const {
@@ -189,13 +190,13 @@ bool ChannelImpl::UseSettings(const LinkSettings& settings) {
   // A change of the speed alone keeps the connection, and with it the access that was given on it.
   if (isSpeedOnly && wasOpen && mLine.GetPort().SetBaudRate(settings.baudRate)) {
     mSettings = settings;
-    mExchange.LoseStep();
+    mClient.LoseSynchronisation();
     return true;
   }
   if (!isSpeedOnly) Close();
   mSettings = settings;
   mLine.Replace(mMakePort(mSettings));
-  ConfigureExchange();
+  ConfigureClient();
   return !wasOpen || Open();
 }
 
@@ -213,7 +214,7 @@ bool ChannelImpl::ResetController(std::uint8_t unit) {
 
 bool ChannelImpl::Control(std::string_view command, const char* verb, std::uint8_t unit) {
   const auto doing = [&] { return WithUnit(verb, unit); };
-  const auto reply = Ask({unit, command, FactsOf(command), std::nullopt}, doing);
+  const auto reply = Ask({unit, command, CommandFactsOf(command), std::nullopt}, doing);
   if (!reply) return false;
   if (*reply != "CCOK") {
     FailMalformed(doing());
@@ -225,7 +226,7 @@ bool ChannelImpl::Control(std::string_view command, const char* verb, std::uint8
 
 std::optional<VersionInfo> ChannelImpl::GetVersionInfo(std::uint8_t unit) {
   const auto doing = [unit] { return WithUnit("identifying", unit); };
-  const auto reply = Ask({unit, "ID", FactsOf("ID"), std::nullopt}, doing);
+  const auto reply = Ask({unit, "ID", CommandFactsOf("ID"), std::nullopt}, doing);
   if (!reply) {
     Tell(mError.Text());  // going on line ends here without a word of its own
     return std::nullopt;
@@ -236,7 +237,7 @@ std::optional<VersionInfo> ChannelImpl::GetVersionInfo(std::uint8_t unit) {
     Tell(mError.Text());
     return std::nullopt;
   }
-  if (!Knows(mExchange.Recognise(unit, *version), doing())) {
+  if (!Knows(mClient.Recognise(unit, *version), doing())) {
     Tell(mError.Text());
     return std::nullopt;
   }
@@ -251,7 +252,7 @@ bool ChannelImpl::GiveAccess(std::string_view password, std::uint8_t unit) {
     FailArgument("the password has more than 8 characters", doing());
     return false;
   }
-  const std::uint16_t tag = mExchange.NextTag();
+  const std::uint16_t tag = mClient.NextTag();
   constexpr std::size_t kReply = 9;
   const auto reply = Ask({unit, mWriter.GiveAccess(unit, tag, password), TaggedRead(kReply), std::nullopt}, doing);
   if (!reply) return false;
@@ -259,14 +260,14 @@ bool ChannelImpl::GiveAccess(std::string_view password, std::uint8_t unit) {
     FailMalformed(doing());
     return false;
   }
-  mExchange.Unit(unit).password = password;
+  mClient.Unit(unit).password = password;
   Succeed();
   return true;
 }
 
 bool ChannelImpl::EnsureAccess(std::uint8_t unit) {
   const auto doing = [unit] { return WithUnit("getting access to", unit); };
-  const std::expected<int, LinkError> refusal = mExchange.EnsureAccess(unit);
+  const std::expected<int, LinkError> refusal = mClient.EnsureAccess(unit);
   if (!refusal) {
     Fail(refusal.error(), doing());
     return false;
@@ -281,9 +282,9 @@ bool ChannelImpl::EnsureAccess(std::uint8_t unit) {
 
 void ChannelImpl::UsePasswords(PasswordSource* source) {
   mPasswords = source;
-  if (!source) return mExchange.SetPasswordAsker(nullptr);
-  mExchange.SetPasswordAsker([this](std::uint8_t unit, bool wasWrong) {
-    const std::optional<Identity>& identity = mExchange.Unit(unit).identity;
+  if (!source) return mClient.SetPasswordAsker(nullptr);
+  mClient.SetPasswordAsker([this](std::uint8_t unit, bool wasWrong) {
+    const std::optional<Identity>& identity = mClient.Unit(unit).identity;
     LinkSettings link = mSettings;
     link.unit = unit;
     return mPasswords->Password({.controller = identity ? NameOf(*identity) : "The controller",
@@ -295,7 +296,7 @@ void ChannelImpl::UsePasswords(PasswordSource* source) {
 std::optional<Channel::ControllerInfo> ChannelImpl::GetControllerInfo(std::uint8_t unit) {
   constexpr std::size_t kReply = 55;
   const auto doing = [unit] { return WithUnit("asking for serial number and state of", unit); };
-  const std::uint16_t tag = mExchange.NextTag();
+  const std::uint16_t tag = mClient.NextTag();
   const auto reply = Ask({unit, mWriter.Information(unit, tag), TaggedRead(kReply), std::nullopt}, doing);
   if (!reply) return std::nullopt;
   std::optional<ControllerInfo> info = ReadInformation(*reply, tag);
@@ -303,7 +304,7 @@ std::optional<Channel::ControllerInfo> ChannelImpl::GetControllerInfo(std::uint8
     FailMalformed(doing());
     return std::nullopt;
   }
-  if (!Knows(mExchange.Recognise(unit, info->serialNumber), doing())) return std::nullopt;
+  if (!Knows(mClient.Recognise(unit, info->serialNumber), doing())) return std::nullopt;
   Succeed();
   return info;
 }
@@ -327,7 +328,7 @@ void ChannelImpl::FailArgument(std::string happened, const std::string& doing) {
 }
 
 void ChannelImpl::FailRefused(int controllerCode, const std::string& doing) {
-  if (controllerCode == kNeedsPasswordCode) controllerCode = mExchange.AccessRefusal();
+  if (controllerCode == kNeedsPasswordCode) controllerCode = mClient.AccessRefusal();
   const ControllerErrorMeaning meaning = ControllerErrorText(controllerCode);
   LinkError error;
   error.code = controllerCode == kBusyCode ? LinkErrorCode::Busy : LinkErrorCode::Refused;
@@ -359,24 +360,24 @@ bool ChannelImpl::Knows(const std::expected<void, LinkError>& recognised, const 
   return recognised.has_value();
 }
 
-void ChannelImpl::OnRawOutcome(Outcome outcome, const RawTraffic& traffic) {
-  mExchange.DoubtUnits();
+void ChannelImpl::OnRawOutcome(ExchangeOutcome outcome, const RawTraffic& traffic) {
+  mClient.DoubtUnits();
   if (!traffic.sent.empty()) NoteRawReset(traffic.sent);
   if (mRawReset && mRawReset->IsRefusedBy(traffic.received)) {
-    mExchange.RestorePatience(mRawReset->unit, mRawReset->before);
+    mClient.RestorePatience(mRawReset->unit, mRawReset->before);
     mRawReset.reset();
   }
-  if (mRawReset) mExchange.NoteRestart(mRawReset->unit);  // it begins with the reply, whenever that comes
-  if (outcome == Outcome::Done) return;
-  if (outcome == Outcome::Lost) mExchange.NoteLoss();
-  Fail(mExchange.Explain(outcome), "sending raw frames");
+  if (mRawReset) mClient.NoteRestart(mRawReset->unit);  // it begins with the reply, whenever that comes
+  if (outcome == ExchangeOutcome::Done) return;
+  if (outcome == ExchangeOutcome::Lost) mClient.NoteLoss();
+  Fail(mClient.Explain(outcome), "sending raw frames");
 }
 
 void ChannelImpl::NoteRawReset(std::string_view sent) {
   mRawReset.reset();
   const std::optional<AsciiFrame> frame = FindFrame(sent.substr(0, sent.find(kFrameEnd)));
-  if (!frame || !FactsOf(frame->text).resets) return;
-  mRawReset = RawReset{frame->unit, std::string(frame->text), mExchange.PatienceWith(frame->unit), {}};
+  if (!frame || !CommandFactsOf(frame->text).resets) return;
+  mRawReset = RawReset{frame->unit, std::string(frame->text), mClient.PatienceWith(frame->unit), {}};
 }
 
 bool ChannelImpl::RawReset::IsRefusedBy(std::string_view bytes) {

@@ -4,9 +4,9 @@
 #include <functional>
 
 #include "KvCmDrv1/BlockEngine.h"
-#include "KvCmDrv1/Exchange.h"
 #include "KvCmDrv1/LinkSettings.h"
 #include "KvCmDrv1/PieceSize.h"
+#include "KvCmDrv1/ProtocolClient.h"
 #include "KvCmDrv1/RawPort.h"
 #include "link/Channel.h"
 #include "link/ControllerErrorText.h"
@@ -35,12 +35,12 @@ class ChannelImpl final : public Channel {
   void Retire();
   [[nodiscard]] bool IsOpen() const { return mLine.IsOpen(); }
   [[nodiscard]] bool IsBusy() const { return mIsBusy; }
-  [[nodiscard]] bool IsOtherController() const { return mExchange.IsOtherController(); }
+  [[nodiscard]] bool IsOtherController() const { return mClient.IsOtherController(); }
   [[nodiscard]] const LinkSettings& Settings() const { return mSettings; }
   // Who is asked for passwords; null: nobody.
   void UsePasswords(PasswordSource* source);
   // Another operation of a tool begins: a user who did not give the password in the one before is asked again.
-  void BeginOperation() { mExchange.BeginOperation(); }
+  void BeginOperation() { mClient.BeginOperation(); }
 
   [[nodiscard]] std::optional<CommandReply> SendCommand(std::string_view command) override;
   void SetCommandOwner(std::string_view owner) override { mTrace->SetOwner(owner); }
@@ -52,7 +52,7 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] bool SetComParams(const ComParams& params) override;
   [[nodiscard]] bool OpenLink(int commPort, int baudRate) override;
   void SetLinkBusy(bool busy) override { mIsBusy = busy; }
-  void AbortComm(bool abort) override { mExchange.Abort(abort); }
+  void AbortComm(bool abort) override { mClient.Abort(abort); }
   [[nodiscard]] int CommPort() const override { return mLine.GetPort().CommPort(); }
 
   [[nodiscard]] bool StopController(std::uint8_t unit) override;
@@ -97,7 +97,7 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] DownloadEngine* GetDownloadEngine() override;
   [[nodiscard]] SerialPortObject* GetSerialPort() override;
   [[nodiscard]] const LinkError& LastError() const override { return mError; }
-  [[nodiscard]] LinkQuality Quality() const override { return mExchange.Quality(); }
+  [[nodiscard]] LinkQuality Quality() const override { return mClient.Quality(); }
 
   // For the block engine: the reply to one block message, whatever its status; nothing leaves the reason in
   // LastError().
@@ -120,7 +120,7 @@ class ChannelImpl final : public Channel {
 
   [[nodiscard]] std::optional<OperandRange> CheckedRange(std::int32_t code, std::int64_t start, std::int64_t count,
                                                          std::string_view verb);
-  // How long an operation may take, meeting the unit included, that takes so many exchanges with so many bytes in all.
+  // How long an operation may take, the handshake included, that takes so many exchanges with so many bytes in all.
   [[nodiscard]] Duration Longest(std::size_t exchanges, std::size_t bytes) const;
   [[nodiscard]] std::optional<OperandListValues> ReadRange(const OperandRange& range, std::uint8_t unit,
                                                            std::optional<Instant> notAfter = {});
@@ -138,9 +138,9 @@ class ChannelImpl final : public Channel {
                                std::uint8_t unit, Instant notAfter);
   [[nodiscard]] std::expected<void, LinkError> OpenLine();
   [[nodiscard]] bool UseSettings(const LinkSettings& settings);
-  void ConfigureExchange();
+  void ConfigureClient();
   void Tell(const std::string& message);
-  void OnRawOutcome(Outcome outcome, const RawTraffic& traffic);
+  void OnRawOutcome(ExchangeOutcome outcome, const RawTraffic& traffic);
   void NoteRawReset(std::string_view sent);
   [[nodiscard]] bool Knows(const std::expected<void, LinkError>& recognised, const std::string& doing);
 
@@ -150,7 +150,7 @@ class ChannelImpl final : public Channel {
   MakePortOf mMakePort;
   Say mSay;
   Line mLine;
-  Exchange mExchange;
+  ProtocolClient mClient;
   RawPort mRawPort;
   BlockEngine mBlockEngine;
   RequestWriter mWriter;
@@ -167,7 +167,7 @@ class ChannelImpl final : public Channel {
   struct RawReset {
     std::uint8_t unit;
     std::string text;
-    Exchange::Patience before;
+    ProtocolClient::Patience before;
     std::string received;  // since then
 
     bool IsRefusedBy(std::string_view bytes);  // and what came before them
@@ -177,7 +177,7 @@ class ChannelImpl final : public Channel {
 
 template <typename Doing>
 std::optional<std::string_view> ChannelImpl::Ask(const TextRequest& request, const Doing& doing) {
-  const std::expected<std::string_view, LinkError> reply = mExchange.SendText(request);
+  const std::expected<std::string_view, LinkError> reply = mClient.SendText(request);
   if (!reply) {
     Fail(reply.error(), doing());
     return std::nullopt;

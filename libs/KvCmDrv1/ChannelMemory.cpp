@@ -1,37 +1,19 @@
 #include <algorithm>
 
 #include "KvCmDrv1/ChannelImpl.h"
-#include "KvCmDrv1/FrameMeaning.h"
 #include "KvCmDrv1/wire/BlockCodec.h"
+#include "KvCmDrv1/wire/BlockFacts.h"
 #include "base/Numbers.h"
+#include "link/BlockOperations.h"
 
 namespace kv {
 namespace {
 
 constexpr std::uint32_t kMostMemory = 4096;
-constexpr std::uint16_t kReadMemory = 257;
 
 std::string MemoryText(std::uint32_t address, std::size_t length, std::uint8_t unit) {
   return "reading " + std::to_string(length) + " bytes of memory at " + ToHex(address, 8) + " from unit " +
          std::to_string(unit);
-}
-
-// Bytes of payload that the reply to a block operation has at most.
-std::size_t ReplyPayloadOf(const BlockFields& fields) {
-  switch (fields.opCode) {
-    case 0:
-      return 2;
-    case 7:
-      return 106;
-    case 257:
-    case 259:
-      return std::min<std::size_t>(fields.dataLength, kMaxReplyPayload);
-    case 256:
-    case 258:
-      return kMaxReplyPayload;
-    default:
-      return 0;
-  }
 }
 
 }  // namespace
@@ -42,12 +24,12 @@ std::optional<Bytes> ChannelImpl::ReadMemoryBlock(std::uint32_t address, std::ui
                  MemoryText(address, length, unit));
     return std::nullopt;
   }
-  const Instant start = mPacer.Now() + mExchange.RestartRest(unit);
-  if (const auto met = mExchange.MeetUnit(unit); !met) {
-    Fail(met.error(), MemoryText(address, length, unit));
+  const Instant start = mPacer.Now() + mClient.RestartRest(unit);
+  if (const auto done = mClient.EnsureHandshake(unit); !done) {
+    Fail(done.error(), MemoryText(address, length, unit));
     return std::nullopt;
   }
-  const bool isAsciiOnly = mExchange.Unit(unit).isAsciiOnly;
+  const bool isAsciiOnly = mClient.Unit(unit).isAsciiOnly;
   PieceSize& piece = isAsciiOnly ? mTextPiece : mBlockPiece;
 
   // What the largest pieces would be allowed, for all of them together.
@@ -58,7 +40,7 @@ std::optional<Bytes> ChannelImpl::ReadMemoryBlock(std::uint32_t address, std::ui
   for (std::uint32_t done = 0; done < length;) {
     const std::uint32_t count = std::min(piece.Size(), length - done);
     if (ReadPiece(isAsciiOnly, address + done, std::span(bytes).subspan(done, count), unit, notAfter)) {
-      if (mExchange.LastWasSmooth()) {
+      if (mClient.LastWasSmooth()) {
         piece.Good();
       } else {
         piece.Damaged();
@@ -80,15 +62,16 @@ bool ChannelImpl::ReadPiece(bool isAsciiOnly, std::uint32_t address, std::span<s
   const auto doing = [&] { return MemoryText(address, bytes.size(), unit); };
   const auto length = static_cast<std::uint32_t>(bytes.size());
   if (isAsciiOnly) {
-    const std::uint16_t tag = mExchange.NextTag();
+    const std::uint16_t tag = mClient.NextTag();
     const std::string_view text = mWriter.ReadMemory(unit, tag, address, length);
     const auto reply = Ask({unit, text, TaggedRead(kEcho + 2 * bytes.size()), notAfter}, doing);
     if (!reply) return false;
     if (ReadMemoryBytes(*reply, tag, address, bytes)) return true;
   } else {
-    const auto reply = mExchange.SendBlock(
+    const auto reply = mClient.SendBlock(
         {.unit = unit,
-         .fields = {.opCode = kReadMemory, .param1 = address, .dataLength = length, .param3 = 0, .param4 = 0},
+         .fields =
+             {.opCode = BlockOperation::kMemory, .param1 = address, .dataLength = length, .param3 = 0, .param4 = 0},
          .payload = {},
          .replyPayload = bytes.size(),
          .notAfter = notAfter});
@@ -113,12 +96,12 @@ Duration ChannelImpl::Longest(std::size_t exchanges, std::size_t bytes) const {
 
 DownloadEngine* ChannelImpl::GetDownloadEngine() {
   const std::string doing = "asking unit " + std::to_string(mSettings.unit) + " for block messages";
-  if (const auto met = mExchange.MeetUnit(mSettings.unit); !met) {
-    Fail(met.error(), doing);
+  if (const auto done = mClient.EnsureHandshake(mSettings.unit); !done) {
+    Fail(done.error(), doing);
     return nullptr;
   }
-  if (mExchange.Unit(mSettings.unit).isAsciiOnly) {
-    Fail(mExchange.Explain(Outcome::NotSupported), doing);
+  if (mClient.Unit(mSettings.unit).isAsciiOnly) {
+    Fail(mClient.Explain(ExchangeOutcome::NotSupported), doing);
     return nullptr;
   }
   Succeed();
@@ -128,8 +111,8 @@ DownloadEngine* ChannelImpl::GetDownloadEngine() {
 // Raw frames ask nobody who he is, so that is asked before they are sent.
 SerialPortObject* ChannelImpl::GetSerialPort() {
   if (!mLine.IsOpen()) return nullptr;
-  if (const auto met = mExchange.MeetUnit(mSettings.unit); !met) {
-    Fail(met.error(), "preparing raw frames for unit " + std::to_string(mSettings.unit));
+  if (const auto done = mClient.EnsureHandshake(mSettings.unit); !done) {
+    Fail(done.error(), "preparing raw frames for unit " + std::to_string(mSettings.unit));
     return nullptr;
   }
   return &mRawPort;
@@ -138,15 +121,15 @@ SerialPortObject* ChannelImpl::GetSerialPort() {
 std::optional<BlockReply> ChannelImpl::AskBlock(const BlockFields& fields, std::string_view payload) {
   const std::uint8_t unit = mSettings.unit;
   const auto doing = [&] {
-    return "block operation " + std::to_string(fields.opCode) + " (" + std::string(BlockOperationName(fields.opCode)) +
+    return "block operation " + std::to_string(fields.opCode) + " (" + std::string(BlockFactsOf(fields.opCode).name) +
            ") with unit " + std::to_string(unit);
   };
   if (payload.size() > kMaxRequestPayload) {
     FailArgument(std::to_string(payload.size()) + " bytes; one message takes 1048576 at most", doing());
     return std::nullopt;
   }
-  const auto reply = mExchange.SendBlock(
-      {.unit = unit, .fields = fields, .payload = payload, .replyPayload = ReplyPayloadOf(fields), .notAfter = {}});
+  const auto reply = mClient.SendBlock(
+      {.unit = unit, .fields = fields, .payload = payload, .replyPayload = LongestReplyOf(fields), .notAfter = {}});
   if (!reply) {
     Fail(reply.error(), doing());
     return std::nullopt;

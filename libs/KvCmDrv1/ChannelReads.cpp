@@ -3,6 +3,7 @@
 
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/wire/BlockCodec.h"
+#include "link/BlockOperations.h"
 #include "link/LinkTexts.h"
 
 namespace kv {
@@ -10,8 +11,7 @@ namespace {
 
 constexpr std::size_t kMostRecords = 16;
 constexpr std::int64_t kHighestAddress = 0xFFFF;
-constexpr std::size_t kEcho = 16;  // letters, tag, type, start, count
-constexpr std::uint16_t kOperandList = 256;
+constexpr std::size_t kEcho = 16;            // letters, tag, type, start, count
 constexpr std::size_t kLongestRecord = 600;  // 60 counters, as text
 constexpr std::size_t kMessageFrame = 100;   // around a request and its reply
 
@@ -61,7 +61,7 @@ std::optional<OperandRange> ChannelImpl::CheckedRange(std::int32_t code, std::in
 std::optional<OperandListValues> ChannelImpl::ReadRange(const OperandRange& range, std::uint8_t unit,
                                                         std::optional<Instant> notAfter) {
   const auto doing = [&] { return Reading(range, unit); };
-  const std::uint16_t tag = mExchange.NextTag();
+  const std::uint16_t tag = mClient.NextTag();
   const std::size_t length = kEcho + range.count * DigitsOf(range.type->shape);
   const auto reply = Ask({unit, mWriter.ReadOperands(unit, tag, range), TaggedRead(length), notAfter}, doing);
   if (!reply) return std::nullopt;
@@ -89,16 +89,16 @@ std::optional<std::vector<OperandListValues>> ChannelImpl::ReadOperandList(std::
     fitsBlock = fitsBlock && record.driverTypeCode < kFirstAsciiOnlyCode;
     ranges.push_back(*range);
   }
-  // A request that is alone has a deadline of its own; meeting the unit must not add to it.
-  const bool isAlone = mExchange.HasMet(unit);
-  const Instant start = isAlone ? Instant() : mPacer.Now() + mExchange.RestartRest(unit);
+  // A request that is alone has a deadline of its own; the handshake must not add to it.
+  const bool isAlone = mClient.HasHandshake(unit);
+  const Instant start = isAlone ? Instant() : mPacer.Now() + mClient.RestartRest(unit);
   if (!isAlone) {
-    if (const auto met = mExchange.MeetUnit(unit); !met) {
-      Fail(met.error(), Reading(ranges.front(), unit));
+    if (const auto done = mClient.EnsureHandshake(unit); !done) {
+      Fail(done.error(), Reading(ranges.front(), unit));
       return std::nullopt;
     }
   }
-  const bool isBlock = fitsBlock && !mExchange.Unit(unit).isAsciiOnly;
+  const bool isBlock = fitsBlock && !mClient.Unit(unit).isAsciiOnly;
   std::optional<Instant> notAfter;
   if (!isAlone) {
     notAfter = start + Longest(isBlock ? 1 : ranges.size(), ranges.size() * (kLongestRecord + kMessageFrame));
@@ -124,15 +124,15 @@ std::optional<std::vector<OperandListValues>> ChannelImpl::ReadBlockList(std::sp
     return names + " from unit " + std::to_string(unit);
   };
   const std::string payload = ListPayload(ranges);
-  const auto reply = mExchange.SendBlock({.unit = unit,
-                                          .fields = {.opCode = kOperandList,
-                                                     .param1 = 0,
-                                                     .dataLength = static_cast<std::uint32_t>(ranges.size()),
-                                                     .param3 = 0,
-                                                     .param4 = 0},
-                                          .payload = payload,
-                                          .replyPayload = kLongestRecord * ranges.size(),
-                                          .notAfter = notAfter});
+  const auto reply = mClient.SendBlock({.unit = unit,
+                                        .fields = {.opCode = BlockOperation::kOperandList,
+                                                   .param1 = 0,
+                                                   .dataLength = static_cast<std::uint32_t>(ranges.size()),
+                                                   .param3 = 0,
+                                                   .param4 = 0},
+                                        .payload = payload,
+                                        .replyPayload = kLongestRecord * ranges.size(),
+                                        .notAfter = notAfter});
   if (!reply) {
     Fail(reply.error(), doing());
     return std::nullopt;

@@ -40,7 +40,7 @@ bool ChannelImpl::WriteTyped(std::int32_t code, std::int16_t start, std::span<co
     mNumbers.push_back(*bits);
   }
   constexpr std::size_t kReply = 18;
-  const std::uint16_t tag = mExchange.NextTag();
+  const std::uint16_t tag = mClient.NextTag();
   const std::string_view text = mWriter.WriteOperands(unit, tag, *range, mNumbers);
   const auto reply = Ask({unit, text, TaggedWrite(kReply), std::nullopt}, doing);
   if (!reply) return false;

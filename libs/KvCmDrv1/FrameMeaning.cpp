@@ -4,6 +4,7 @@
 
 #include "KvCmDrv1/wire/AsciiCodec.h"
 #include "KvCmDrv1/wire/BlockCodec.h"
+#include "KvCmDrv1/wire/BlockFacts.h"
 #include "KvCmDrv1/wire/HexDigits.h"
 #include "KvCmDrv1/wire/OperandTypes.h"
 #include "link/ControllerErrorText.h"
@@ -50,22 +51,6 @@ constexpr auto kCommands = std::to_array<Meaning>({
     {"SY", "find step"},
 });
 
-constexpr auto kBlocks = std::to_array<std::pair<std::uint16_t, std::string_view>>({
-    {0, "run state"},
-    {1, "prepare a transfer"},
-    {2, "confirm the project password"},
-    {7, "status"},
-    {8, "prepare a transfer"},
-    {65, "download data"},
-    {66, "begin a project download"},
-    {69, "program"},
-    {256, "operand list"},
-    {257, "memory"},
-    {258, "resource directory"},
-    {259, "resource piece"},
-    {260, "display mode"},
-});
-
 // "read MI 0..59" of the text of RO or WO; empty when it is cut.
 std::string OperandMeaning(std::string_view text) {
   FieldReader reader(text);
@@ -106,19 +91,12 @@ std::string BlockText(std::string_view bytes) {
     return std::to_string(LittleEndian(bytes.substr(at, count)));
   };
   std::string text = "unit " + number(4, 1) + ": block " + number(6, 2) + ", ";
-  text += BlockOperationName(static_cast<std::uint16_t>(LittleEndian(bytes.substr(8, 2))));
+  text += BlockFactsOf(static_cast<std::uint16_t>(LittleEndian(bytes.substr(8, 2)))).name;
   if (bytes[3] == 2) text += ", status " + number(5, 1);
   return text + ", " + number(22, 4) + " bytes";
 }
 
 }  // namespace
-
-std::string_view BlockOperationName(std::uint16_t opCode) {
-  for (const auto& [code, name] : kBlocks) {
-    if (code == opCode) return name;
-  }
-  return "unknown operation";
-}
 
 std::string FrameMeaning(std::string_view bytes) {
   if (bytes.empty()) return {};

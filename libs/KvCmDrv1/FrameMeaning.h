@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -9,8 +8,5 @@ namespace kv {
 // What a frame or block message says, in a few words for the trace: "unit 1: read MI 0..59". The bytes may have been
 // cut at the end. Empty when they mean nothing.
 [[nodiscard]] std::string FrameMeaning(std::string_view bytes);
-
-// "begin a project download"; what a block operation does.
-[[nodiscard]] std::string_view BlockOperationName(std::uint16_t opCode);
 
 }  // namespace kv

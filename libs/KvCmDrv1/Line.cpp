@@ -64,7 +64,7 @@ void Line::DropPartner() {
   mReceiver.Clear();
 }
 
-Outcome Line::Send(std::string_view bytes, Sending sending, Instant now, Instant deadline) {
+ExchangeOutcome Line::Send(std::string_view bytes, Sending sending, Instant now, Instant deadline) {
   mTrace.Add(now, Trace::Direction::Sent, bytes);
   // A block message that never ended must not swallow the answer to something else. The start of a frame cannot, and
   // the answer to the same request is as long as the one that has begun.
@@ -73,25 +73,25 @@ Outcome Line::Send(std::string_view bytes, Sending sending, Instant now, Instant
     const std::size_t before = bytes.size();
     const Port::Result result = mPort->Write(bytes, kSlice);
     mBytesSent += before - bytes.size();
-    if (result == Port::Result::Lost) return Outcome::Lost;
-    if (bytes.empty()) return Outcome::Done;
-    if (StopAsked()) return Outcome::Stopped;
-    if (mPacer.Now() >= deadline) return Outcome::Silence;
+    if (result == Port::Result::Lost) return ExchangeOutcome::Lost;
+    if (bytes.empty()) return ExchangeOutcome::Done;
+    if (StopAsked()) return ExchangeOutcome::Stopped;
+    if (mPacer.Now() >= deadline) return ExchangeOutcome::Silence;
     mPacer.Turn();
   }
 }
 
-Outcome Line::Await(ReplyJudge& judge, Instant now, const TryLimits& limits) {
+ExchangeOutcome Line::Await(ReplyMatcher& matcher, Instant now, const TryLimits& limits) {
   const Duration quiet = std::max(kQuiet, kQuietBytes * mPort->ByteTime());
   Wait wait{.now = now, .lastTurn = now, .lastArrival = {}};
   while (true) {
-    if (!mReceiver.IsEmpty() && TakeMessages(judge, wait)) return Outcome::Done;
-    if (StopAsked()) return Outcome::Stopped;
-    if (!limits.isLast && wait.IsDamaged() && wait.now - wait.lastArrival >= quiet) return Outcome::Damaged;
+    if (!mReceiver.IsEmpty() && TakeMessages(matcher, wait)) return ExchangeOutcome::Done;
+    if (StopAsked()) return ExchangeOutcome::Stopped;
+    if (!limits.isLast && wait.IsDamaged() && wait.now - wait.lastArrival >= quiet) return ExchangeOutcome::Damaged;
     const Instant end = IsArriving(wait, limits.patience) ? limits.utmost : limits.deadline;
     if (wait.now >= end) {
-      const Outcome outcome = WithoutAnswer(wait);
-      return limits.isLast && TakeMessages(judge, wait, true) ? Outcome::Done : outcome;
+      const ExchangeOutcome outcome = WithoutAnswer(wait);
+      return limits.isLast && TakeMessages(matcher, wait, true) ? ExchangeOutcome::Done : outcome;
     }
 
     const Port::Result result = ReadSlice(std::min(kSlice, end - wait.now));
@@ -100,7 +100,8 @@ Outcome Line::Await(ReplyJudge& judge, Instant now, const TryLimits& limits) {
       mReceiver.Feed(mArrived, wait.now);
       wait.lastArrival = wait.now;
     }
-    if (result == Port::Result::Lost) return TakeMessages(judge, wait) ? Outcome::Done : Outcome::Lost;
+    if (result == Port::Result::Lost)
+      return TakeMessages(matcher, wait) ? ExchangeOutcome::Done : ExchangeOutcome::Lost;
     if (result == Port::Result::Nothing || wait.now - wait.lastTurn >= kTurnInterval) {
       mPacer.Turn();
       wait.lastTurn = mPacer.Now();
@@ -114,17 +115,17 @@ bool Line::IsArriving(const Wait& wait, Duration patience) const {
   return hasBegun && !wait.IsDamaged() && wait.now - wait.lastArrival < patience;
 }
 
-Outcome Line::WithoutAnswer(const Wait& wait) const {
+ExchangeOutcome Line::WithoutAnswer(const Wait& wait) const {
   const std::size_t pending = mReceiver.Pending().size();
-  if (wait.IsDamaged()) return Outcome::Damaged;
-  if (pending >= kReplyBegun) return Outcome::Incomplete;
-  if (wait.hasForeign) return Outcome::Foreign;
-  return wait.stray + pending > 0 ? Outcome::Stray : Outcome::Silence;
+  if (wait.IsDamaged()) return ExchangeOutcome::Damaged;
+  if (pending >= kReplyBegun) return ExchangeOutcome::Incomplete;
+  if (wait.hasForeign) return ExchangeOutcome::Foreign;
+  return wait.stray + pending > 0 ? ExchangeOutcome::Stray : ExchangeOutcome::Silence;
 }
 
-bool Line::TakeMessages(ReplyJudge& judge, Wait& wait, bool isEnd) {
+bool Line::TakeMessages(ReplyMatcher& matcher, Wait& wait, bool isEnd) {
   while (const std::optional<Received> received = mReceiver.Next(wait.now, isEnd)) {
-    const bool isAnswer = received->IsGood() && judge.Accepts(*received);
+    const bool isAnswer = received->IsGood() && matcher.Accepts(*received);
     mTrace.Add(wait.now, isAnswer ? Trace::Direction::Received : Trace::Direction::Dropped, received->bytes);
     if (isAnswer) {
       mAnswerTime = wait.now;
@@ -147,43 +148,43 @@ Port::Result Line::ReadSlice(Duration slice) {
   return result;
 }
 
-Outcome Line::DropInput() {
+ExchangeOutcome Line::DropInput() {
   constexpr int kMostReads = 100;  // a partner that never stops talking must not hold us here
   mReceiver.Clear();
   for (int i = 0; i < kMostReads; ++i) {
     const Port::Result result = ReadSlice(Duration{});
-    if (result == Port::Result::Lost) return Outcome::Lost;
+    if (result == Port::Result::Lost) return ExchangeOutcome::Lost;
     if (result == Port::Result::Nothing) break;
     mTrace.Add(mPacer.Now(), Trace::Direction::Dropped, mArrived);
   }
-  return Outcome::Done;
+  return ExchangeOutcome::Done;
 }
 
-Outcome Line::TakeRaw(std::string& bytes, std::size_t most) {
+ExchangeOutcome Line::TakeRaw(std::string& bytes, std::size_t most) {
   while (bytes.size() < most) {
     const Port::Result result = ReadSlice(Duration{});
     if (!mArrived.empty()) mTrace.Add(mPacer.Now(), Trace::Direction::Received, mArrived);
     bytes += mArrived;
     // What arrived before the loss is handed out first; the loss shows with the next call.
-    if (result == Port::Result::Lost) return bytes.empty() ? Outcome::Lost : Outcome::Done;
+    if (result == Port::Result::Lost) return bytes.empty() ? ExchangeOutcome::Lost : ExchangeOutcome::Done;
     if (result == Port::Result::Nothing) break;
   }
-  return Outcome::Done;
+  return ExchangeOutcome::Done;
 }
 
-Outcome Line::AwaitRaw(std::string& bytes, Duration span) {
+ExchangeOutcome Line::AwaitRaw(std::string& bytes, Duration span) {
   const Instant end = mPacer.Now() + span;
   for (Instant now = end - span; now < end; now = mPacer.Now()) {
     const Port::Result result = ReadSlice(std::min(kSlice, end - now));
     if (!mArrived.empty()) {
       mTrace.Add(mPacer.Now(), Trace::Direction::Received, mArrived);
       bytes += mArrived;
-      return Outcome::Done;
+      return ExchangeOutcome::Done;
     }
-    if (result == Port::Result::Lost) return Outcome::Lost;
+    if (result == Port::Result::Lost) return ExchangeOutcome::Lost;
     mPacer.Turn();
   }
-  return Outcome::Silence;
+  return ExchangeOutcome::Silence;
 }
 
 bool Line::Pause(Duration span) {

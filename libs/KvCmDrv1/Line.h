@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "KvCmDrv1/Outcome.h"
+#include "KvCmDrv1/ExchangeOutcome.h"
 #include "KvCmDrv1/Trace.h"
 #include "KvCmDrv1/ports/Port.h"
 #include "KvCmDrv1/wire/MessageReceiver.h"
@@ -15,9 +15,9 @@
 namespace kv {
 
 // Decides which of the messages that arrive answers the request that is waiting.
-class ReplyJudge {
+class ReplyMatcher {
  public:
-  virtual ~ReplyJudge() = default;
+  virtual ~ReplyMatcher() = default;
   // Called with each good frame and block message. True takes it as the answer; what is needed of it must be copied
   // now.
   virtual bool Accepts(const Received& received) = 0;
@@ -51,29 +51,29 @@ class Line {
   void DropPartner();
   [[nodiscard]] bool IsOpen() const { return mPort->IsOpen(); }
   // Number of the connection, raised with every Open that succeeds; 0 before the first.
-  [[nodiscard]] unsigned Connection() const { return mConnection; }
+  [[nodiscard]] unsigned ConnectionNumber() const { return mConnection; }
 
   // `now` is the time of the call here and below, which the caller knows: reading the clock is not free.
   //
   // Done when all bytes are with the port; Silence when the line did not take them until `deadline`. A reply that has
   // begun to arrive is kept when the bytes are the same request again: its rest may be on its way.
   enum class Sending { New, Again };
-  [[nodiscard]] Outcome Send(std::string_view bytes, Sending sending, Instant now, Instant deadline);
+  [[nodiscard]] ExchangeOutcome Send(std::string_view bytes, Sending sending, Instant now, Instant deadline);
 
-  // Done when the judge took a message. Otherwise how much arrived until the limits, of which stray bytes end no try:
+  // Done when the matcher took a message. Otherwise how much arrived until the limits, of which stray bytes end no try:
   // transmitters of two-wire lines send some when they switch on. Damaged also when as many bytes as a reply has were
   // none, and the line was quiet again: then it is asked again at once, unless this is the last try. All that arrives
   // goes through the receiver, so endless garbage costs no memory.
-  [[nodiscard]] Outcome Await(ReplyJudge& judge, Instant now, const TryLimits& limits);
+  [[nodiscard]] ExchangeOutcome Await(ReplyMatcher& matcher, Instant now, const TryLimits& limits);
   // When the bytes arrived that ended the last Await with Done.
   [[nodiscard]] Instant AnswerTime() const { return mAnswerTime; }
 
   // Throws away what has arrived. Lost when the other side has gone.
-  [[nodiscard]] Outcome DropInput();
+  [[nodiscard]] ExchangeOutcome DropInput();
   // Appends what has arrived, about `most` bytes, to `bytes` without looking at it, for raw traffic.
-  [[nodiscard]] Outcome TakeRaw(std::string& bytes, std::size_t most);
+  [[nodiscard]] ExchangeOutcome TakeRaw(std::string& bytes, std::size_t most);
   // The same of the first that arrives within `span`, with turns of the pacer; Silence when nothing does.
-  [[nodiscard]] Outcome AwaitRaw(std::string& bytes, Duration span);
+  [[nodiscard]] ExchangeOutcome AwaitRaw(std::string& bytes, Duration span);
 
   // Lets `span` pass unless a stop is asked for; false then.
   [[nodiscard]] bool Pause(Duration span);
@@ -92,8 +92,8 @@ class Line {
  private:
   struct Wait;
   [[nodiscard]] bool IsArriving(const Wait& wait, Duration patience) const;
-  [[nodiscard]] bool TakeMessages(ReplyJudge& judge, Wait& wait, bool isEnd = false);
-  [[nodiscard]] Outcome WithoutAnswer(const Wait& wait) const;
+  [[nodiscard]] bool TakeMessages(ReplyMatcher& matcher, Wait& wait, bool isEnd = false);
+  [[nodiscard]] ExchangeOutcome WithoutAnswer(const Wait& wait) const;
   [[nodiscard]] Port::Result ReadSlice(Duration slice);
   void TraceDialogue();
 

@@ -32,18 +32,19 @@ void RawPort::SetInBufferCount(std::size_t count) {
 bool RawPort::Output(std::string_view bytes) {
   constexpr Duration kTaken = std::chrono::seconds(5);  // for the line to take what is beyond its own time
   if (!mLine.IsOpen()) {
-    mOnTraffic(Outcome::Closed, {});
+    mOnTraffic(ExchangeOutcome::Closed, {});
     return false;
   }
   const Instant now = mPacer.Now();
-  const Outcome outcome = mLine.Send(bytes, Line::Sending::New, now, now + mLine.WireTime(bytes.size()) + kTaken);
+  const ExchangeOutcome outcome =
+      mLine.Send(bytes, Line::Sending::New, now, now + mLine.WireTime(bytes.size()) + kTaken);
   mOnTraffic(outcome, {.sent = bytes});
-  return outcome == Outcome::Done;
+  return outcome == ExchangeOutcome::Done;
 }
 
 std::string RawPort::Input() {
   if (mLine.IsOpen()) {
-    const Outcome outcome = mLine.TakeRaw(mWaiting, kInBuffer);
+    const ExchangeOutcome outcome = mLine.TakeRaw(mWaiting, kInBuffer);
     mOnTraffic(outcome, {.received = mWaiting});
   }
   return std::exchange(mWaiting, {});
@@ -51,8 +52,8 @@ std::string RawPort::Input() {
 
 bool RawPort::WaitForInput(Duration span) {
   if (!mWaiting.empty()) return true;
-  const Outcome outcome = mLine.IsOpen() ? mLine.AwaitRaw(mWaiting, span) : Outcome::Silence;
-  if (outcome != Outcome::Silence) mOnTraffic(outcome, {});
+  const ExchangeOutcome outcome = mLine.IsOpen() ? mLine.AwaitRaw(mWaiting, span) : ExchangeOutcome::Silence;
+  if (outcome != ExchangeOutcome::Silence) mOnTraffic(outcome, {});
   return !mWaiting.empty();
 }
 

@@ -19,7 +19,7 @@ struct RawTraffic {
 class RawPort final : public SerialPortObject {
  public:
   static constexpr std::size_t kInBuffer = 8192;
-  using OnTraffic = std::function<void(Outcome outcome, const RawTraffic& traffic)>;
+  using OnTraffic = std::function<void(ExchangeOutcome outcome, const RawTraffic& traffic)>;
 
   RawPort(Pacer& pacer, Line& line, OnTraffic onTraffic);
 

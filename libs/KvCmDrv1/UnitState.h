@@ -28,12 +28,12 @@ inline constexpr Duration kLongSilence = std::chrono::seconds(3);
 
 // What the driver knows of one unit on the line.
 struct UnitState {
-  unsigned connection = 0;    // on which it was last met; 0: it has to be met again
-  Instant heard{};            // when its last answer arrived
-  Instant restartUntil{};     // it was told to reset, and may be silent until then
-  bool isInStep = false;      // every answer to a settled request from here on has a counter newer than `counter`
-  std::uint16_t counter = 0;  // of the seal of the last answer
-  std::uint16_t powerUp = 0;  // as it was when the exchange last came in step
+  unsigned handshake = 0;       // number of the connection on which it was done last; 0: it has to be done again
+  Instant heard{};              // when its last answer arrived
+  Instant restartUntil{};       // it was told to reset, and may be silent until then
+  bool isSynchronised = false;  // every answer to a settled request from here on has a counter newer than `counter`
+  std::uint16_t counter = 0;    // of the seal of the last answer
+  std::uint16_t powerUp = 0;    // as SY told it last
   std::optional<Identity> identity;
   bool isAsciiOnly = true;      // its model understands no block messages, or is not known
   bool modelMayChange = false;  // it was sent into its boot loader or out of it since it was identified

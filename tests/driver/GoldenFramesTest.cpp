@@ -23,7 +23,7 @@ std::string RebuildTaggedText(const std::string& text, std::uint8_t unit) {
   };
   const auto tag = static_cast<std::uint16_t>(number(2, 4));
   RequestWriter writer;
-  if (text.starts_with("SY")) return std::string(writer.FindStep(unit, tag));
+  if (text.starts_with("SY")) return std::string(writer.Synchronise(unit, tag));
   if (text.starts_with("IN")) return std::string(writer.Information(unit, tag));
   if (text.starts_with("AC")) return std::string(writer.GiveAccess(unit, tag, FromHex(text.substr(6, 16))));
   if (text.starts_with("RM")) return std::string(writer.ReadMemory(unit, tag, number(6, 8), number(14, 4)));

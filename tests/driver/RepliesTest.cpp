@@ -76,14 +76,14 @@ TEST(Replies, InformationAndStep) {
   EXPECT_FALSE(ReadInformation("IN000012345678S" + std::string(42, '4'), 0)) << "a name of 21 bytes";
   EXPECT_FALSE(ReadInformation("IN000012345678S504", 0)) << "half a byte";
 
-  const auto step = ReadStep("SY000C0012ED3ED2DE5EC1WO000B0300000002OK", 12);
+  const auto step = ReadSynchronisation("SY000C0012ED3ED2DE5EC1WO000B0300000002OK", 12);
   ASSERT_TRUE(step);
   EXPECT_EQ(step->counter, 0x12);
   EXPECT_EQ(step->check, 0xED3ED2DEU);
   EXPECT_EQ(step->powerUp, 0x5EC1);
   EXPECT_EQ(step->reply, "WO000B0300000002OK");
-  EXPECT_FALSE(ReadStep("SY000C0012ED3ED2DE5EC1" + std::string(41, 'x'), 12));
-  EXPECT_FALSE(ReadStep("SY000C0012ED3ED2DE5EC1", 13));
+  EXPECT_FALSE(ReadSynchronisation("SY000C0012ED3ED2DE5EC1" + std::string(41, 'x'), 12));
+  EXPECT_FALSE(ReadSynchronisation("SY000C0012ED3ED2DE5EC1", 13));
 }
 
 TEST(Replies, OperandListPayload) {

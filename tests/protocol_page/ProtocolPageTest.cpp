@@ -10,6 +10,7 @@
 #include "KvCmDrv1/RoundTrip.h"
 #include "KvCmDrv1/UnitState.h"
 #include "KvCmDrv1/wire/AsciiCodec.h"
+#include "KvCmDrv1/wire/BlockFacts.h"
 #include "KvCmDrv1/wire/CommandFacts.h"
 #include "KvCmDrv1/wire/OperandTypes.h"
 #include "base/Numbers.h"
@@ -31,7 +32,7 @@ namespace {
 using sim::TextCommand;
 
 RequestKind KindOf(const std::string& letter) {
-  return letter == "R" ? RequestKind::Read : letter == "P" ? RequestKind::Placing : RequestKind::Once;
+  return letter == "R" ? RequestKind::Read : letter == "P" ? RequestKind::Idempotent : RequestKind::NonIdempotent;
 }
 
 TEST(ProtocolPage, TextCommands) {
@@ -44,7 +45,7 @@ TEST(ProtocolPage, TextCommands) {
     SCOPED_TRACE(row[0]);
     const std::string name = CodeIn(row[0]);
     const bool isTagged = row[0].ends_with(" check");
-    EXPECT_TRUE(isTagged || FactsOf(name).kind == KindOf(row[1]));
+    EXPECT_TRUE(isTagged || CommandFactsOf(name).kind == KindOf(row[1]));
     if (name == "SY") continue;
     const TextCommand* command = sim::FindTextCommand(name);
     ASSERT_TRUE(command);
@@ -75,7 +76,8 @@ TEST(ProtocolPage, BlockOperations) {
     EXPECT_EQ(operations[i].worksInBoot, row[3] == "yes");
     EXPECT_EQ(operations[i].needsColour, row[4] == "yes");
     EXPECT_EQ(operations[i].takesPayload, !row[6].starts_with("none"));
-    EXPECT_NE(BlockOperationName(operations[i].opCode), "unknown operation");
+    EXPECT_NE(BlockFactsOf(operations[i].opCode).name, "unknown operation");
+    EXPECT_EQ(BlockFactsOf(operations[i].opCode).isRead, row[1] == "R");
   }
 }
 

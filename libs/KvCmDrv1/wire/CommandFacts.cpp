@@ -22,36 +22,36 @@ constexpr std::size_t kShort = 9 + kSeal;  // "CCOK", "OSERROR04"
 // clang-format off
 // The first row whose prefix fits is the one.
 constexpr auto kRows = std::to_array<Row>({
-    // prefix  kind     slow   resets longest reply
-    {"ID",     Read,    false, false, 200},
-    {"DRS",    Read,    false, false, 2 + 512 + kSeal},
-    {"GI",     Read,    false, false, kMaxFrameText},
-    {"CCE",    Once,    true,  true,  kShort},
-    {"CCB",    Once,    true,  true,  kShort},
-    {"CCR",    Once,    true,  false, kShort},
-    {"CC",     Once,    true,  false, kShort},
-    {"PV",     Once,    true,  false, kShort},
-    {"WD",     Placing, false, false, kShort},
-    {"ED",     Once,    true,  true,  kShort},
-    {"DE",     Once,    true,  false, kShort},
-    {"DI",     Once,    true,  false, kShort},
-    {"LN",     Placing, false, false, kShort},
-    {"LD",     Placing, false, false, kShort},
-    {"FS",     Once,    true,  false, kShort},
-    {"FI",     Read,    false, false, kShort},
-    {"OSS",    Read,    true,  false, kShort},
-    {"OSP",    Placing, true,  false, kShort},
-    {"OS",     Once,    true,  false, kShort},
-    {"FW",     Placing, false, false, kShort},
-    {"RX",     Read,    false, false, 10 + 128 + kSeal},
-    {"CPSR",   Once,    false, false, kShort},
-    {"CB",     Once,    false, false, kShort},
+    // prefix  kind           slow   resets longest reply
+    {"ID",     Read,          false, false, 200},
+    {"DRS",    Read,          false, false, 2 + 512 + kSeal},
+    {"GI",     Read,          false, false, kMaxFrameText},
+    {"CCE",    NonIdempotent, true,  true,  kShort},
+    {"CCB",    NonIdempotent, true,  true,  kShort},
+    {"CCR",    NonIdempotent, true,  false, kShort},
+    {"CC",     NonIdempotent, true,  false, kShort},
+    {"PV",     NonIdempotent, true,  false, kShort},
+    {"WD",     Idempotent,    false, false, kShort},
+    {"ED",     NonIdempotent, true,  true,  kShort},
+    {"DE",     NonIdempotent, true,  false, kShort},
+    {"DI",     NonIdempotent, true,  false, kShort},
+    {"LN",     Idempotent,    false, false, kShort},
+    {"LD",     Idempotent,    false, false, kShort},
+    {"FS",     NonIdempotent, true,  false, kShort},
+    {"FI",     Read,          false, false, kShort},
+    {"OSS",    Read,          true,  false, kShort},
+    {"OSP",    Idempotent,    true,  false, kShort},
+    {"OS",     NonIdempotent, true,  false, kShort},
+    {"FW",     Idempotent,    false, false, kShort},
+    {"RX",     Read,          false, false, 10 + 128 + kSeal},
+    {"CPSR",   NonIdempotent, false, false, kShort},
+    {"CB",     NonIdempotent, false, false, kShort},
 });
 // clang-format on
 
 }  // namespace
 
-CommandFacts FactsOf(std::string_view text) {
+CommandFacts CommandFactsOf(std::string_view text) {
   for (const Row& row : kRows) {
     if (text.starts_with(row.prefix)) return {row.kind, true, row.isSlow, row.resets, row.longestReply};
   }
@@ -63,7 +63,7 @@ CommandFacts TaggedRead(std::size_t longestReply) {
 }
 
 CommandFacts TaggedWrite(std::size_t longestReply) {
-  return {Once, false, false, false, longestReply + kSeal};
+  return {NonIdempotent, false, false, false, longestReply + kSeal};
 }
 
 }  // namespace kv

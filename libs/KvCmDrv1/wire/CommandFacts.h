@@ -7,14 +7,14 @@ namespace kv {
 
 // What may be done when a request was not answered.
 enum class RequestKind {
-  Read,     // changes nothing: sent again as it stands
-  Placing,  // doing it twice is the same as doing it once: sent again on the same connection
-  Once,     // must not be done twice: sent again only when the controller says that it was not done
+  Read,           // changes nothing: sent again as it stands
+  Idempotent,     // executed twice it does the same as once: sent again on the same connection
+  NonIdempotent,  // must not be executed twice: sent again only when the controller says that it was not executed
 };
 
 // What the driver knows about a text command before it sends it.
 struct CommandFacts {
-  RequestKind kind = RequestKind::Once;
+  RequestKind kind = RequestKind::NonIdempotent;
   bool isSettled = true;         // its text has no tag: the counter alone tells replies to equal requests apart
   bool isSlow = true;            // may work for as long as the time-out allows before it answers
   bool resets = false;           // silent for a while after its reply, and may identify itself otherwise then
@@ -22,8 +22,8 @@ struct CommandFacts {
 };
 
 // The facts of a command with settled text. A text that the protocol does not have is taken for one of the most
-// dangerous kind: once, and slow.
-[[nodiscard]] CommandFacts FactsOf(std::string_view text);
+// dangerous kind: not idempotent, and slow.
+[[nodiscard]] CommandFacts CommandFactsOf(std::string_view text);
 
 // The facts of the commands with a tag.
 [[nodiscard]] CommandFacts TaggedRead(std::size_t longestReply);

@@ -215,10 +215,10 @@ bool ReadMemoryBytes(std::string_view reply, std::uint16_t tag, std::uint32_t ad
   return reader.Good() && HexToBytes(reader.Rest(), bytes);
 }
 
-std::optional<StepReply> ReadStep(std::string_view reply, std::uint16_t tag) {
+std::optional<SynchronisationReply> ReadSynchronisation(std::string_view reply, std::uint16_t tag) {
   constexpr std::size_t kKept = 40;
   FieldReader reader = Begin(reply, "SY", tag);
-  StepReply step;
+  SynchronisationReply step;
   step.counter = static_cast<std::uint16_t>(reader.Hex(4));
   step.check = reader.Hex(8);
   step.powerUp = static_cast<std::uint16_t>(reader.Hex(4));

@@ -34,13 +34,13 @@ namespace kv {
                                    std::span<std::uint8_t> bytes);
 
 // What SY tells: the last request other than a read that was executed since power-up.
-struct StepReply {
+struct SynchronisationReply {
   std::uint16_t counter = 0;  // of that request's seal; 0: there was none
   std::uint32_t check = 0;    // CRC-32 of that request's text
   std::uint16_t powerUp = 0;  // another number after each power-up
   std::string_view reply;     // the first 40 characters of its reply text
 };
-[[nodiscard]] std::optional<StepReply> ReadStep(std::string_view reply, std::uint16_t tag);
+[[nodiscard]] std::optional<SynchronisationReply> ReadSynchronisation(std::string_view reply, std::uint16_t tag);
 
 // The values of an operand list, one array for each range.
 [[nodiscard]] std::optional<std::vector<OperandListValues>> ReadListPayload(std::string_view payload,

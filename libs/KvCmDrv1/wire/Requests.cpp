@@ -42,7 +42,7 @@ std::string_view RequestWriter::GiveAccess(std::uint8_t unit, std::uint16_t tag,
   return Finish(unit);
 }
 
-std::string_view RequestWriter::FindStep(std::uint8_t unit, std::uint16_t tag) {
+std::string_view RequestWriter::Synchronise(std::uint8_t unit, std::uint16_t tag) {
   Begin("SY", tag);
   return Finish(unit);
 }

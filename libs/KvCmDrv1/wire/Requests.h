@@ -26,7 +26,7 @@ class RequestWriter {
   // At most 8 bytes of password.
   [[nodiscard]] std::string_view GiveAccess(std::uint8_t unit, std::uint16_t tag, std::string_view password);
   // Asks which request other than a read was executed last.
-  [[nodiscard]] std::string_view FindStep(std::uint8_t unit, std::uint16_t tag);
+  [[nodiscard]] std::string_view Synchronise(std::uint8_t unit, std::uint16_t tag);
 
  private:
   void Begin(std::string_view letters, std::uint16_t tag);

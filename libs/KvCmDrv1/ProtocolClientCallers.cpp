@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "KvCmDrv1/CallerMessages.h"
-#include "KvCmDrv1/Exchange.h"
+#include "KvCmDrv1/ProtocolClient.h"
 
 // Ports that partners call: anybody may be there, so each caller is asked who it is before it is taken.
 
@@ -13,15 +13,22 @@ constexpr Duration kLongestTrial = std::chrono::seconds(3);
 
 }  // namespace
 
-// Within a request: the partner that is there, when it is the one, or another one that calls.
-Outcome Exchange::GetCaller(std::uint8_t unit) {
-  const auto admitted = AdmitCaller(unit, mDeadline);
-  if (admitted) return Outcome::Done;
-  mLoss = {admitted.error().happened, admitted.error().cause, admitted.error().cure};
-  return mLine.StopAsked() ? Outcome::Stopped : Outcome::CannotReopen;
+std::expected<void, LinkError> ProtocolClient::AwaitCaller(std::uint8_t unit, Duration limit) {
+  const auto underWay = BeUnderWay();
+  mLast = {.tries = 0, .start = mPacer.Now()};
+  mDropped = 0;
+  return AdmitCaller(unit, mLast.start + limit);
 }
 
-std::expected<void, LinkError> Exchange::AdmitCaller(std::uint8_t unit, Instant limit) {
+// Within a request: the partner that is there, when it is the one, or another one that calls.
+ExchangeOutcome ProtocolClient::GetCaller(const Exchange& exchange) {
+  const auto admitted = AdmitCaller(exchange.unit, exchange.deadline);
+  if (admitted) return ExchangeOutcome::Done;
+  mLoss = {admitted.error().happened, admitted.error().cause, admitted.error().cure};
+  return mLine.StopAsked() ? ExchangeOutcome::Stopped : ExchangeOutcome::CannotReopen;
+}
+
+std::expected<void, LinkError> ProtocolClient::AdmitCaller(std::uint8_t unit, Instant limit) {
   while (true) {
     if (!mLine.IsOpen()) {
       const std::expected<void, PortError> opened = mLine.Open(std::max(limit - mPacer.Now(), Duration{}));
@@ -29,12 +36,13 @@ std::expected<void, LinkError> Exchange::AdmitCaller(std::uint8_t unit, Instant 
     }
     const std::string name = mLine.GetPort().Description();
     const Duration trial = std::min(kLongestTrial, mSettings.tries * mSettings.timeOut);
-    const Duration rest = limit - mPacer.Now();
-    const Outcome outcome = TryCaller(unit, mPacer.Now() + std::min(trial, rest));
-    if (outcome == Outcome::Done) break;
-    if (outcome == Outcome::Stopped) return std::unexpected(Explain(outcome));
+    const Instant now = mPacer.Now();
+    const Duration rest = limit - now;
+    const ExchangeOutcome outcome = Handshake({unit, now, now + std::min(trial, rest), Exchange::Role::Admission});
+    if (outcome == ExchangeOutcome::Done) break;
+    if (outcome == ExchangeOutcome::Stopped) return std::unexpected(Explain(outcome));
     // Who came too late for this wait has not been heard yet, and is asked again by the next one.
-    const bool isCutShort = outcome == Outcome::Silence && rest < trial / 2;
+    const bool isCutShort = outcome == ExchangeOutcome::Silence && rest < trial / 2;
     if (isCutShort)
       return std::unexpected(NobodyCame({name + " came too late to be asked who it is", "", "try again"}));
     DropCaller(name, outcome);
@@ -43,46 +51,31 @@ std::expected<void, LinkError> Exchange::AdmitCaller(std::uint8_t unit, Instant 
   return {};
 }
 
-Outcome Exchange::TryCaller(std::uint8_t unit, Instant end) {
-  const Instant deadlineOfRequest = mDeadline;
-  mDeadline = end;
-  mIsAdmitting = true;
-  const Outcome outcome = Meet(unit);
-  mIsAdmitting = false;
-  mDeadline = deadlineOfRequest;
-  return outcome;
-}
-
-void Exchange::DropCaller(const std::string& name, Outcome outcome) {
+void ProtocolClient::DropCaller(const std::string& name, ExchangeOutcome outcome) {
   mLine.DropPartner();
   ++mDropped;
   mLastDropped = name + ": " + WhyDropped(outcome);
   mSay(std::string(kCallerDropped) + mLastDropped);
 }
 
-std::string Exchange::WhyDropped(Outcome outcome) const {
+std::string ProtocolClient::WhyDropped(ExchangeOutcome outcome) const {
   switch (outcome) {
-    case Outcome::Silence:
+    case ExchangeOutcome::Silence:
       return "it does not answer";
-    case Outcome::Lost:
+    case ExchangeOutcome::Lost:
       return "it has hung up";
-    case Outcome::OtherController:
+    case ExchangeOutcome::OtherController:
       return "it is " + mOtherName;
-    case Outcome::NotIdentified:
+    case ExchangeOutcome::NotIdentified:
       return "it does not say who it is";
     default:
       return "what it sends is no controller's answer";
   }
 }
 
-// A partner that does not answer while somebody else calls has probably lost power, and is who calls.
-bool Exchange::IsReplaced() {
-  return !mIsAdmitting && mLine.GetPort().HasNewerCall();
-}
-
 // Why nobody was taken until the limit, with those who were there.
-LinkError Exchange::NobodyCame(const PortError& error) const {
-  LinkError result = Explain(Outcome::CannotReopen);
+LinkError ProtocolClient::NobodyCame(const PortError& error) const {
+  LinkError result = Explain(ExchangeOutcome::CannotReopen);
   result.code = mLine.StopAsked() ? LinkErrorCode::Stopped : LinkErrorCode::CannotOpen;
   result.happened = error.happened;
   result.cause = error.cause;

@@ -1,4 +1,4 @@
-#include "KvCmDrv1/Exchange.h"
+#include "KvCmDrv1/ProtocolClient.h"
 
 // Why an exchange ended without an answer, in words.
 
@@ -24,27 +24,20 @@ std::string Seconds(Duration span) {
 
 }  // namespace
 
-std::optional<LinkError> Exchange::Refuse() const {
+std::optional<LinkError> ProtocolClient::Refuse() const {
   using enum LinkErrorCode;
   if (mIsUnderWay) {
     return MakeError(Busy, "another request is under way", "two tools work on the link at once",
                      "wait until the other operation has ended");
   }
-  if (mIsOtherController) return Explain(Outcome::OtherController);
-  if (mIsShut) return Explain(Outcome::Closed);
-  if (mPacer.StopRequested()) return Explain(Outcome::Stopped);
+  if (mIsOtherController) return Explain(ExchangeOutcome::OtherController);
+  if (mIsShut) return Explain(ExchangeOutcome::Closed);
+  if (mPacer.StopRequested()) return Explain(ExchangeOutcome::Stopped);
   return std::nullopt;
 }
 
-// A request of which no byte has gone out, or that was refused and is about to go out anew, has changed nothing.
-LinkError Exchange::ExplainRequest(Outcome outcome) const {
-  LinkError error = Explain(outcome);
-  error.isNotExecuted = error.isNotExecuted || !mWentOut;
-  return error;
-}
-
 // What silence may come from, and what to look at: only where there is a line with a speed is it the speed.
-LinkError Exchange::ExplainSilence(const std::string& happened, const std::string& andWhence) const {
+LinkError ProtocolClient::ExplainSilence(const std::string& happened, const std::string& andWhence) const {
   const bool hasSpeed = mLine.GetPort().ByteTime() > Duration{};
   const std::string settings = hasSpeed ? "unit id or line speed" : "unit id";
   return MakeError(LinkErrorCode::NoReply, happened,
@@ -53,62 +46,62 @@ LinkError Exchange::ExplainSilence(const std::string& happened, const std::strin
                        " in the communication settings");
 }
 
-LinkError Exchange::Explain(Outcome outcome) const {
+LinkError ProtocolClient::Explain(ExchangeOutcome outcome, const Effort& spent) const {
   using enum LinkErrorCode;
-  const int tries = mTriesUsed > 0 ? mTriesUsed : mSettings.tries;  // none of its own: meeting the unit took them all
+  const int tries = spent.tries > 0 ? spent.tries : mSettings.tries;
   const std::string effort =
-      std::to_string(tries) + (tries == 1 ? " try" : " tries") + " (" + Seconds(mPacer.Now() - mStart) + ")";
+      std::to_string(tries) + (tries == 1 ? " try" : " tries") + " (" + Seconds(mPacer.Now() - spent.start) + ")";
   switch (outcome) {
-    case Outcome::Done:
+    case ExchangeOutcome::Done:
       return {};
-    case Outcome::Silence:
+    case ExchangeOutcome::Silence:
       return ExplainSilence("no reply after " + effort, "");
-    case Outcome::Stray:
+    case ExchangeOutcome::Stray:
       return ExplainSilence("no reply after " + effort + ", only a few stray bytes",
                             "; the bytes are those of a transmitter that switches on, or of another device");
-    case Outcome::Foreign:
+    case ExchangeOutcome::Foreign:
       return MakeError(NoReply, "no reply after " + effort + ", only messages that answer something else",
                        "another device or program talks on this line, an adapter echoes, the unit id is another one, "
                        "or the controller takes longer than the time-out",
                        "end what else uses this line; check unit id and time-out in the communication settings");
-    case Outcome::Incomplete:
+    case ExchangeOutcome::Incomplete:
       return MakeError(Damaged, "no reply ended after " + effort + ", the last one stopped in the middle",
                        "a connection that pauses for longer than the time-out, or a line that loses bytes",
                        "set a longer time-out in the communication settings; check the cable of a serial line");
-    case Outcome::Damaged:
+    case ExchangeOutcome::Damaged:
       return MakeError(
           Damaged, "no reply arrived whole after " + effort,
           "a disturbed line, a wrong line speed, or another device on the same line",
           "check the cable and its shield, and the speed in the communication settings; a lower speed may help");
-    case Outcome::Lost:
-    case Outcome::CannotReopen:
+    case ExchangeOutcome::Lost:
+    case ExchangeOutcome::CannotReopen:
       return MakeError(LinkLost, "the connection was lost: " + mLoss.happened, mLoss.cause, mLoss.cure);
-    case Outcome::NotExecuted: {
+    case ExchangeOutcome::NotExecuted: {
       LinkError error = MakeError(LinkLost, "the connection was lost, and the controller has not executed the request",
                                   mLoss.cause, "do it again; the connection stands again");
       error.isNotExecuted = true;
       return error;
     }
-    case Outcome::Stopped:
+    case ExchangeOutcome::Stopped:
       return MakeError(Stopped, "stopped on request", "", "");
-    case Outcome::Closed:
+    case ExchangeOutcome::Closed:
       return MakeError(Closed, "the link is closed", "the driver was closed, or the link settings were changed",
                        "start the operation again");
-    case Outcome::NotIdentified:
+    case ExchangeOutcome::NotIdentified:
       return MakeError(Busy, "the controller does not say who it is", "it is starting, or too busy to answer",
                        "try again in a few seconds");
-    case Outcome::OtherController:
+    case ExchangeOutcome::OtherController:
       return MakeError(OtherController, "another controller answered: " + mOtherName,
                        "the cable was moved, or the address now belongs to another controller",
                        mSettings.serialNumber
                            ? "connect the right controller, or change the serial number that the link is set to"
                            : "connect the right controller, or go on line again to work with this one");
-    case Outcome::Unsure:
+    case ExchangeOutcome::Unsure:
       return MakeError(
           Unsure, "the request was sent, but whether it was executed could not be found out",
           "the connection broke, the controller restarted, or another program works on it at the same time",
           "look at what it should have changed before doing it again");
-    case Outcome::NotSupported:
+    case ExchangeOutcome::NotSupported:
       return MakeError(NotSupported, "this controller understands text commands only",
                        "a controller of the compact family does not have this operation",
                        "use the tool that is made for this model");

@@ -3,7 +3,7 @@
 namespace kv {
 
 // How a step of an exchange ended.
-enum class Outcome {
+enum class ExchangeOutcome {
   Done,             // answered; a refusal is an answer
   Silence,          // nothing arrived in time
   Stray,            // only a few bytes that belong to nothing
@@ -22,15 +22,15 @@ enum class Outcome {
 };
 
 // The request went out, or was to, and no answer came. The later in the list, the more is known about why.
-[[nodiscard]] constexpr bool IsUnanswered(Outcome outcome) {
-  return outcome >= Outcome::Silence && outcome <= Outcome::Damaged;
+[[nodiscard]] constexpr bool IsUnanswered(ExchangeOutcome outcome) {
+  return outcome >= ExchangeOutcome::Silence && outcome <= ExchangeOutcome::Damaged;
 }
 
 // Whether a controller that could not be asked again leaves a request that went out in doubt. A stop and another
 // controller are told as what they are, and after a loss it is asked once more.
-[[nodiscard]] constexpr bool LeavesUnsure(Outcome ofAskingAgain) {
-  return ofAskingAgain != Outcome::Lost && ofAskingAgain != Outcome::Stopped &&
-         ofAskingAgain != Outcome::OtherController;
+[[nodiscard]] constexpr bool LeavesUnsure(ExchangeOutcome ofAskingAgain) {
+  return ofAskingAgain != ExchangeOutcome::Lost && ofAskingAgain != ExchangeOutcome::Stopped &&
+         ofAskingAgain != ExchangeOutcome::OtherController;
 }
 
 }  // namespace kv
