@@ -1,11 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "KvsimProcess.h"
 #include "download/DownloadFile.h"
 #include "download/OsFileLists.h"
 #include "link/AsciiFrame.h"
 #include "tests/base/TemporaryFolder.h"
+#include "tests/support/ProgramProcess.h"
 
 namespace kvtest {
 namespace {

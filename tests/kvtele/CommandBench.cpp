@@ -1,8 +1,10 @@
 #include "tests/kvtele/CommandBench.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <utility>
 
 #include "base/PathText.h"
 
@@ -12,10 +14,39 @@ CommandBench::CommandBench() {
   std::filesystem::create_directories(home.Path() / "Sessions" / "Default");
 }
 
-Result CommandBench::On(const std::string& model, const std::vector<std::string>& arguments) {
-  std::vector<std::string> all{"--link", "sim:" + model};
-  all.insert(all.end(), arguments.begin(), arguments.end());
-  return Run(all);
+std::string CommandBench::PathOf(const std::string& name) const {
+  return Utf8FromPath(home.Path() / PathFromUtf8(name));
+}
+
+Result CommandBench::Run(const std::string& line) {
+  std::vector<std::string> words;
+  bool isQuoted = false;
+  bool isInWord = false;
+  for (const char c : line) {
+    if (c == '\'') isQuoted = !isQuoted;
+    if (c == ' ' && !isQuoted) {
+      isInWord = false;
+      continue;
+    }
+    if (!std::exchange(isInWord, true)) words.emplace_back();
+    if (c != '\'') words.back() += c;
+  }
+  for (std::string& word : words) {
+    if (word.starts_with('@')) word = PathOf(word.substr(1));
+  }
+  return Run(words);
+}
+
+Result CommandBench::ExpectFailure(const FailingCommand& command) {
+  SCOPED_TRACE(std::string(command.line) + " " + command.fault);
+  if (*command.fault) options.faults = {command.fault};
+  Result result = Run(std::string("--json ") + command.line);
+  EXPECT_EQ(result.exit, command.exit);
+  EXPECT_THAT(result.out, ::testing::StartsWith("{\n  \"error\": {\n    \"code\": \"" + std::string(command.name) +
+                                                "\",\n    \"exit\": " + std::to_string(command.exit) + ",\n"));
+  EXPECT_THAT(result.err, ::testing::HasSubstr(command.message));
+  EXPECT_THAT(result.err, ::testing::Not(::testing::HasSubstr("\"error\"")));
+  return result;
 }
 
 Result CommandBench::Run(const std::vector<std::string>& arguments) {

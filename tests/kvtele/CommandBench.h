@@ -22,6 +22,15 @@ struct Result {
   std::string trace;  // what passed on the line
 };
 
+// A command that fails, and what is told of it.
+struct FailingCommand {
+  const char* line;     // as for CommandBench::Run
+  int exit;             // the exit code, and the name of the failure in JSON: for scripts
+  const char* name;     //
+  const char* message;  // the part of the text that helps a person
+  const char* fault = "";
+};
+
 // Runs commands in this process, on a virtual clock and on simulated controllers. A controller lives as long as the
 // bench, so one command finds what another has written.
 class CommandBench {
@@ -37,9 +46,15 @@ class CommandBench {
   PortMaker makePort = MakePort;
   TemporaryFolder home;  // with an empty session "Default"
 
-  // `kvtele --link sim:MODEL arguments`
-  Result On(const std::string& model, const std::vector<std::string>& arguments);
+  // `kvtele LINE`. Words are separated by blanks, '' keeps them together, and "@NAME" is the file of that name in
+  // `home`.
+  Result Run(const std::string& line);
   Result Run(const std::vector<std::string>& arguments);
+  // `kvtele --link sim:MODEL LINE`
+  Result On(const std::string& model, const std::string& line) { return Run("--link sim:" + model + " " + line); }
+  // Runs the command with --json and expects that it says all of that, and nothing else on its standard output.
+  Result ExpectFailure(const FailingCommand& command);
+  [[nodiscard]] std::string PathOf(const std::string& name) const;
   // The controller at the end of the cable to `model` is taken away, and a new one, with the options as they are then,
   // is put there; the cable stays connected.
   void ReplaceController(const std::string& model, Duration silence);

@@ -9,7 +9,7 @@
 #include "KvCmDrv1/ports/PortFactory.h"
 #include "desktop/console/ConsolePacer.h"
 #include "tests/base/TemporaryFolder.h"
-#include "tests/kvsim/KvsimProcess.h"
+#include "tests/support/ProgramProcess.h"
 
 namespace kv::matrix {
 

@@ -7,17 +7,18 @@
 #include <unistd.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/ports/Partners.h"
 
 namespace kvtest {
 
-// A running kvsim. It is ended in any case.
-class KvsimProcess {
+// A program that runs as a process of its own. It is ended in any case.
+class ProgramProcess {
  public:
-  explicit KvsimProcess(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), KVSIM_PROGRAM);
+  ProgramProcess(const std::string& program, std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), program);
     std::vector<char*> pointers;
     for (auto& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
@@ -35,17 +36,17 @@ class KvsimProcess {
     mOut = Descriptor(out[0]);
     mError = Descriptor(error[0]);
   }
-  ~KvsimProcess() {
+  ~ProgramProcess() {
     if (mProcess > 0) {
       ::kill(mProcess, SIGKILL);
       ::waitpid(mProcess, nullptr, 0);
     }
   }
-  KvsimProcess(const KvsimProcess&) = delete;
-  KvsimProcess& operator=(const KvsimProcess&) = delete;
+  ProgramProcess(const ProgramProcess&) = delete;
+  ProgramProcess& operator=(const ProgramProcess&) = delete;
 
-  // The line that tells that clients can come.
-  std::string ReadyLine() {
+  // The first line that it prints, and each that follows.
+  std::string ReadLine() {
     std::string line;
     while (!line.ends_with('\n')) {
       const auto letter = mOut.Take(1);
@@ -53,11 +54,6 @@ class KvsimProcess {
       line += letter;
     }
     return line.empty() ? line : line.substr(0, line.size() - 1);
-  }
-  // The number behind the last ":" of the ready line.
-  std::uint16_t Port() {
-    const auto line = ReadyLine();
-    return static_cast<std::uint16_t>(std::stoi("0" + line.substr(line.rfind(':') + 1)));
   }
 
   // Waits for the end, after `signal` if one is given; the exit code, or -1 when it ended otherwise.
@@ -80,5 +76,20 @@ class KvsimProcess {
   std::string mOutput;
   std::string mComplaint;
 };
+
+#ifdef KVSIM_PROGRAM
+class KvsimProcess : public ProgramProcess {
+ public:
+  explicit KvsimProcess(std::vector<std::string> arguments) : ProgramProcess(KVSIM_PROGRAM, std::move(arguments)) {}
+
+  // The line that tells that clients can come.
+  std::string ReadyLine() { return ReadLine(); }
+  // The number behind the last ":" of the ready line.
+  std::uint16_t Port() {
+    const auto line = ReadyLine();
+    return static_cast<std::uint16_t>(std::stoi("0" + line.substr(line.rfind(':') + 1)));
+  }
+};
+#endif
 
 }  // namespace kvtest

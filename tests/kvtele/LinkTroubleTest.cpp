@@ -1,0 +1,120 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "KvCmDrv1/SettingsFile.h"
+#include "KvCmDrv1/ports/ModemPort.h"
+#include "KvCmDrv1/ports/SimulatedPort.h"
+#include "simulator/SimulatedModem.h"
+#include "tests/kvtele/CommandBench.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
+  CommandBench bench;
+  bench.options.password = "1234";
+  const char* const write = "--link sim:Q50 write MI 7 5";
+  bench.ExpectFailure({write, 4, "passwordNeeded", "give the controller's password with --password"});
+  bench.ExpectFailure({"--link sim:Q50 write MI 7 5 --password 0000", 4, "wrongPassword", "the password is wrong"});
+  EXPECT_EQ(bench.On("Q50", "read MI 7").out, "7\t0\n");
+  EXPECT_EQ(bench.On("Q50", "write MI 7 5 --password 1234").exit, 0);
+
+  bench.input.lines = std::deque<std::string>{"0000", "1234"};
+  EXPECT_EQ(bench.On("Q50", "write MI 7 6").exit, 0);
+  EXPECT_EQ(bench.On("Q50", "read MI 7").out, "7\t6\n");
+}
+
+TEST(SerialNumber, OfTheControllerThatIsMeantIsTaken) {
+  CommandBench bench;
+  bench.options.serialNumber = 4711;
+  EXPECT_EQ(bench.On("Q50", "--serial-number 4711 read MI 0").exit, 0);
+  const Result other = bench.ExpectFailure({"--link sim:Q50 --serial-number 4712 read MI 0", 4, "otherController",
+                                            "another controller answered: Q50-2-R34, serial number 4711"});
+  EXPECT_THAT(other.err, HasSubstr("or change the serial number that the link is set to"));
+}
+
+TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {
+  const std::tuple<const char*, const char*, int, const char*> rows[] = {
+      {"lost:on=RO,nth=3", "", 0, "Dialling again in 10 s (1 of 3).\nConnected to "},
+      {"lost:on=RO,nth=3,away=900000", "", 7, "0,123 does not answer; no more calls after 3 in a row"},
+      {"lost:on=RO,every=3", " --redials 5", 7, "broke; no more calls after 5 in a row"},
+      {"lost:on=RO,nth=3", " --redials 0", 7, "--redials lets the watch dial again by itself"},
+  };
+  for (const auto& [fault, more, exit, message] : rows) {
+    SCOPED_TRACE(message);
+    CommandBench bench;
+    sim::SimulatorOptions options;
+    options.model = "Q50";
+    options.faults = {fault};
+    const auto controller = sim::SimulatedController::Create(options).value();
+    bench.makePort = [&](const LinkSettings& settings, Pacer& pacer, ListeningSocket*) {
+      auto modem = std::make_shared<sim::SimulatedModem>(controller->NewLine(), sim::ModemOptions{});
+      return std::make_unique<ModemPort>(std::make_unique<SimulatedPort>(modem, "COM3", pacer), settings.modem, pacer);
+    };
+    bench.home.Put("plant.axt", "Version 100\r\nQ50\r\n2\tMI\t0\t1\t\t\t\t\t\r\n\r\n");
+    LinkSettings link;
+    link.transport = Transport::Modem;
+    link.serialPort = "COM3";
+    link.modem.number = "0,123";
+    EXPECT_TRUE(SaveSettings(bench.home.Path() / "Sessions" / "Default", link));
+    const Result result = bench.Run(std::string("--model Q50 watch @plant.axt --for 600 --every 1000") + more);
+    EXPECT_EQ(result.exit, exit) << result.err;
+    EXPECT_THAT(result.err, HasSubstr(message));
+    EXPECT_THAT(result.trace, HasSubstr("ATDT0,123"));
+  }
+}
+
+// A port that partners call: the first one says nothing, the second is the controller.
+class CalledPort final : public Port {
+ public:
+  CalledPort(std::shared_ptr<InProcessLine> line, Pacer& pacer) : mPort(std::move(line), "", pacer) {}
+  std::expected<void, PortError> Open(Duration limit) override {
+    ++mCalls;
+    return mPort.Open(limit);
+  }
+  void Close() override { mPort.Close(); }
+  bool IsOpen() const override { return mPort.IsOpen(); }
+  Result Write(std::string_view& bytes, Duration slice) override {
+    if (mCalls > 1) return mPort.Write(bytes, slice);
+    bytes = {};
+    return Result::Done;
+  }
+  Result Read(std::string& buffer, Duration slice) override { return mPort.Read(buffer, slice); }
+  const PortError& LossReason() const override { return mPort.LossReason(); }
+  Duration ByteTime() const override { return {}; }
+  bool SetBaudRate(int) override { return false; }
+  std::string Description() const override { return "caller " + std::to_string(mCalls); }
+  bool IsCalled() const override { return true; }
+
+ private:
+  SimulatedPort mPort;
+  int mCalls = 0;
+};
+
+TEST(DialIn, WhoWasDroppedIsToldThoughTheControllerCame) {
+  CommandBench bench;
+  sim::SimulatorOptions options;
+  options.model = "Q50";
+  const auto controller = sim::SimulatedController::Create(options).value();
+  bench.makePort = [&](const LinkSettings&, Pacer& pacer, ListeningSocket*) {
+    return std::make_unique<CalledPort>(controller->NewLine(), pacer);
+  };
+  const Result result = bench.Run("--link listen:20302 read MI 0");
+  EXPECT_EQ(result.exit, 0) << result.err;
+  EXPECT_EQ(result.err, "A caller was dropped: caller 1: it does not answer\n");
+}
+
+// Stopped while the second of three requests waits for a reply that is late.
+TEST(CtrlC, EndsACommandThatSaysHowFarItWas) {
+  std::string longWrite = "--link sim:Q58 write MI 0";
+  for (int i = 0; i < 150; ++i) longWrite += " 1";
+  CommandBench bench;
+  bench.pacer.After(std::chrono::milliseconds(400), [&] { bench.pacer.RequestStop(); });
+  bench.ExpectFailure(
+      {longWrite.c_str(), 130, "interrupted", "MI 0..59 had been written before", "late:on=WO,nth=2,ms=900"});
+}
+
+}  // namespace
+}  // namespace kv::test

@@ -1,0 +1,36 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/base/TemporaryFolder.h"
+#include "tests/support/ProgramProcess.h"
+
+namespace kvtest {
+namespace {
+
+using testing::HasSubstr;
+
+// The program itself: its arguments, its two outputs, its exit code, its memory in the session's folder.
+TEST(KvTeleProcess, WritesAndReadsAndStopsOnCtrlC) {
+  const kv::TemporaryFolder home;
+  std::filesystem::create_directories(home.Path() / "Sessions" / "Default");
+  const auto start = [&](std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--home", home.Path().string(), "--link", "sim:Q50"});
+    return std::make_unique<ProgramProcess>(KVTELE_PROGRAM, std::move(arguments));
+  };
+  const auto write = start({"write", "MI", "7", "-5"});
+  EXPECT_EQ(write->End(), 0);
+  EXPECT_EQ(write->Output(), "");
+  EXPECT_EQ(write->Complaint(), "Written and read back: MI 7\n");
+  const auto read = start({"read", "MI", "7"});
+  EXPECT_EQ(read->End(), 0) << read->Complaint();
+  EXPECT_EQ(read->Output(), "7\t-5\n");
+
+  const auto plant = home.Put("plant.axt", "Version 100\r\nQ50\r\n2\tMI\t100\t100\t\r\n\r\n");  // it moves by itself
+  const auto watch = start({"watch", plant.string(), "--for", "30"});
+  EXPECT_THAT(watch->ReadLine(), HasSubstr("\tMI\t100\t"));
+  EXPECT_EQ(watch->End(SIGINT), 130);
+  EXPECT_THAT(watch->Complaint(), HasSubstr("stopped by Ctrl-C"));
+}
+
+}  // namespace
+}  // namespace kvtest
