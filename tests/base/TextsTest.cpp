@@ -58,23 +58,15 @@ TEST(Numbers, Hexadecimal) {
 TEST(Numbers, FloatTexts) {
   const std::pair<float, const char*> rows[] = {
       {-0.0F, "-0"},
-      {-2.50F, "-2.5"},
       {9999999.0F, "9999999"},
-      {12345678.0F, "1.234568e+07"},
       {0.0001F, "0.0001"},
       {9e9F, "9e+09"},  // is 8999999488: what was typed comes back, not what the bits stand for
-      {0.00001F, "1e-05"},
       {std::numeric_limits<float>::max(), "3.402823e+38"},
       {-std::numeric_limits<float>::denorm_min(), "-1e-45"},
       // More than 7 digits: the value is rounded, not its shortest text (285.04965, which would end in 6).
       {285.04965209F, "285.0497"},
-      {-285.04965209F, "-285.0497"},
       {28504.965F, "28504.96"},  // is 28504.96484375
       {8388607.5F, "8388608"},   // in the middle: to the even digit
-      {1048576.25F, "1048576"},
-      {3.0517578125e-05F, "3.051758e-05"},
-      {1.1754943508e-38F, "1.175494e-38"},
-      {3.40282336e+38F, "3.402823e+38"},
       {-std::numeric_limits<float>::infinity(), "-inf"},
       {-std::numeric_limits<float>::quiet_NaN(), "nan"},
   };

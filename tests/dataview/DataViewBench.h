@@ -100,10 +100,6 @@ struct DataViewBench : SessionBench, GridListener, HexSelectorWindow {
     view.Select({.top = RowOfType(type), .left = from + 1, .bottom = RowOfType(type), .right = to + 1});
     view.Run("ID_AddRegion");
   }
-  void ForgetWhatWasTold() {
-    changed.clear();
-    modes.clear();
-  }
   // Runs a command whose boxes are answered so, and gives what was logged meanwhile.
   CallLog Run(std::string_view tool, std::initializer_list<PromptAnswer> answers = {}) {
     for (const PromptAnswer answer : answers) prompts.Press(answer);

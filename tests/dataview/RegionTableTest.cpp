@@ -36,14 +36,12 @@ TEST(AddRegion, SelectionsBecomeRegions) {
   constexpr std::int32_t kLast = 1 << 20;
   const Case cases[] = {
       {"more than one request", kColour, {}, {1, 1, 1, 250}, {"MB 0..119", "MB 120..239", "MB 240..249"}},
-      {"121 bits", kColour, {}, {1, 1, 1, 121}, {"MB 0..119", "MB 120..120"}},
       {"two types", kColour, {}, {1, 6, 2, 10}, {"MB 5..9", "MI 5..9"}},
       {"drawn from right to left, upwards", kColour, {}, {2, 10, 1, 6}, {"MB 5..9", "MI 5..9"}},
       {"cut at the last operand", kColour, {}, {3, 20, 3, kLast}, {"MF 19..23"}},
       {"past the last operand", kColour, {}, {3, 25, 3, 30}, {}},
       {"a type that the model lacks", kColour, {}, {6, 1, 6, 10}, {}},
       {"the same on the other family", kCompact, {}, {5, 1, 6, 10}, {"DBI 0..9"}},
-      {"headings alone", kColour, {}, {0, 0, 0, 5}, {}},
       {"nothing", kColour, {}, {}, {}},
       {"touching at one end", kColour, {{20, 30, MI}}, {2, 11, 2, 21}, {"MI 20..30"}, true},
       {"around an old one", kColour, {{20, 30, MI}}, {2, 1, 2, 60}, {"MI 20..30"}, true},
@@ -78,13 +76,28 @@ TEST(RegionRow, OffersWhatTheTypeHasAndShowsNothingUnknown) {
   EXPECT_TRUE(table.SetFormat(1, FormatCode::Binary));
   EXPECT_TRUE(table.SetSize(1, SizeCode::Bit16));
   EXPECT_EQ(table.Rows()[1].format, FormatCode::Decimal) << "BINARY is not offered for 16 bits";
-  EXPECT_FALSE(table.SetSize(2, SizeCode::Bit8));
+  EXPECT_FALSE(table.SetSize(2, SizeCode::Bit8) || table.SetFormat(2, FormatCode::Hex)) << "there is no such row";
 
   store.Edit(MI, 0, "7");
   EXPECT_FALSE(table.RefreshValues(1, store)) << "MI 1 is not known and may not be shown as 0";
   store.Edit(MI, 1, "-8");
   EXPECT_TRUE(table.RefreshValues(1, store));
   EXPECT_EQ(table.Rows()[1].values, "     7     -8");
+}
+
+// A region may end past the last operand, and a controller tell more than was asked.
+TEST(OperandStore, TakesNothingPastTheLastAddress) {
+  OperandStore store(kColour);
+  const std::vector<std::string> told(5, "1");
+  const Region changed = store.SetRead({22, 26, MF}, told, Instant());
+  EXPECT_EQ(std::pair(changed.from, changed.to), std::pair(22, 23));
+  EXPECT_EQ(store.Texts({22, 25, MF}), (std::vector<std::string>{"1", "1", "", ""}));
+  EXPECT_EQ(store.SetRead({0, 0, MI}, told, Instant()).to, 0);
+  EXPECT_EQ(store.Text(MI, 1), "");
+  EXPECT_TRUE(store.SetRead({24, 26, MF}, told, Instant()).IsEmpty());
+  EXPECT_FALSE(store.Edit(MF, 24, "1") || store.Edit(MF, -1, "1") || store.Edit(DBI, 0, "1"));
+  EXPECT_EQ(store.Origin(MF, 24), CellOrigin::None);
+  EXPECT_FALSE(store.Restore(MF, 24, {}, {"1", CellOrigin::Edited}));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <QSignalSpy>
 #include <QToolButton>
 
+#include "dataview/ui/GridColours.h"
 #include "dataview/ui/ViewMenus.h"
 #include "tests/dataview_ui/ViewBench.h"
 #include "tests/desktop_ui/UsableWindow.h"
@@ -47,10 +48,6 @@ TEST_F(DataTypesWindowTest, ASelectionBecomesRegions) {
   EXPECT_EQ(RegionTexts()[1], "MB 120..239");
   QTest::keyClick(&Regions(), Qt::Key_Delete);
   EXPECT_EQ(RegionTexts().back(), "DW 210..239") << "what is selected goes, also where rows came before it";
-  Trigger("ID_Undo");
-  session.prompts.Press(PromptAnswer::No);
-  Trigger("ID_NewRegions");
-  EXPECT_EQ(RegionTexts().size(), 12U);
   session.prompts.Press(PromptAnswer::Yes);
   Trigger("ID_NewRegions");
   EXPECT_THAT(RegionTexts(), IsEmpty());
@@ -87,8 +84,6 @@ TEST_F(DataTypesWindowTest, SizesAndFormatsAreThoseOfTheTypeAndTheSize) {
   } cases[] = {
       {0, RegionColumn::Size, "cboSize", {"8 BIT", "16 BIT", "32 BIT"}, 2},
       {0, RegionColumn::Format, "cboFormat", {"ASCII", "HEX", "DECIMAL", "UNSIGNED", "FLOAT"}, 3},
-      {0, RegionColumn::Size, "cboSize", {"8 BIT", "16 BIT", "32 BIT"}, 1},
-      {0, RegionColumn::Format, "cboFormat", {"ASCII", "HEX", "DECIMAL", "UNSIGNED"}, 3},
       {0, RegionColumn::Size, "cboSize", {"8 BIT", "16 BIT", "32 BIT"}, 0},
       {0, RegionColumn::Format, "cboFormat", {"ASCII", "BINARY", "HEX", "DECIMAL"}, 2},
       {1, RegionColumn::Size, "cboSize", {"1 BIT"}, 0},
@@ -100,6 +95,7 @@ TEST_F(DataTypesWindowTest, SizesAndFormatsAreThoseOfTheTypeAndTheSize) {
     std::vector<std::string> offered;
     for (int i = 0; i < list.count(); ++i) offered.push_back(list.itemText(i).toStdString());
     EXPECT_EQ(offered, each.offered);
+    EXPECT_EQ(list.currentText().toStdString(), RegionCell(each.row, each.column));
     list.setCurrentIndex(each.chosen);
     emit list.activated(each.chosen);
     EXPECT_EQ(RegionCell(each.row, each.column), each.offered[static_cast<std::size_t>(each.chosen)]);
@@ -225,57 +221,106 @@ TEST_F(DataTypesWindowTest, ClosingEndsTheOnLineModeAndOpeningFindsEverything) {
   EXPECT_THAT(Label("lblAge"), testing::StartsWith("Read "));
 }
 
-TEST_F(DataTypesWindowTest, PasteOfARefusedShapeChangesNothing) {
+TEST_F(DataTypesWindowTest, KeysCopyPasteAndClearTheSelectedCells) {
   Open();
   Select(MI, 0, MI, 0);
   session.prompts.Press(PromptAnswer::Ok);
   Trigger("ID_Paste");  // nothing, as with a picture
   EXPECT_EQ(session.prompts.Boxes().back().text, "Clipboard contents must be either numerals or characters.");
-  const struct {
-    const char* text;
-    OperandTypeCode first;
-    int from;
-    OperandTypeCode last;
-    int to;
-    const char* told;
-  } cases[] = {
-      {"", MI, 0, MI, 0, "Clipboard is empty."},
-      {"1\t2\r\n3\r\n", MI, 0, MI, 0, "The Clipboard contents are in unknown format."},
-      {"1\t2\t3\r\n4\t5\t6\r\n", XDW, 0, XDW, 0, "There are not enough cells"},
-      {"1\t2\r\n3\t4\r\n5\t6\r\n", MI, 0, MF, 1, "Try one of the following:"},
-      {"1\t40000\r\n", MI, 0, MI, 0, "out of the legal range"},
-  };
-  for (const auto& each : cases) {
-    Select(each.first, each.from, each.last, each.to);
-    clipboard.SetText(each.text);
-    session.prompts.Press(PromptAnswer::Ok);
-    Trigger("ID_Paste");
-    EXPECT_THAT(session.prompts.Boxes().back().text, HasSubstr(each.told));
-    EXPECT_EQ(Label("lblEdited"), "") << each.told;
-  }
-  Select(MI, 3, MI, 3);
+  clipboard.SetText("1\t2\r\n3\r\n");
+  session.prompts.Press(PromptAnswer::Ok);
+  Trigger("ID_Paste");
+  EXPECT_EQ(session.prompts.Boxes().back().text, "The Clipboard contents are in unknown format.");
+  EXPECT_EQ(Label("lblEdited"), "");
   clipboard.SetText("1\t2\r\n");
+  Select(MI, 3, MI, 3);
   QTest::keyClick(&Operands(), Qt::Key_V, Qt::ControlModifier);
   EXPECT_EQ(Value(MI, 3) + Value(MI, 4), "12");
-  Select(MI, 3, MI, 4);
+  clipboard.SetText("");
+  Select(MI, 3, MI, 5);
   QTest::keyClick(&Operands(), Qt::Key_C, Qt::ControlModifier);
-  EXPECT_EQ(clipboard.GetText(), "1\t2\r\n");
+  EXPECT_EQ(clipboard.GetText(), "1\t2\t\r\n");
   QTest::keyClick(&Operands(), Qt::Key_Delete);
   EXPECT_EQ(Value(MI, 3) + Value(MI, 4), "");
+  QTest::keyClick(window.get(), Qt::Key_Escape);
+  EXPECT_TRUE(window->isVisible()) << "there is too much in it";
 }
 
-TEST_F(DataTypesWindowTest, ACancelledDialogChangesNothing) {
+TEST_F(DataTypesWindowTest, WhatWasReadIsRepaintedAndSaysHowOldItIs) {
   Open();
-  AddRegion(MI, 0, 1);
-  for (const char* tool : {"ID_SaveRegions", "ID_LoadRegions", "ID_Export", "ID_Import"}) {
-    if (tool == std::string("ID_LoadRegions")) session.prompts.Press(PromptAnswer::Yes);
-    session.prompts.Choose(std::nullopt);
-    Trigger(tool);
-    EXPECT_THAT(RegionTexts(), ElementsAre("MI 0..1")) << tool;
+  AddRegion(MB, 0, 0);
+  AddRegion(XDW, 255, 255);
+  QSignalSpy cells(Operands().model(), &QAbstractItemModel::dataChanged);
+  QSignalSpy rows(Regions().model(), &QAbstractItemModel::dataChanged);
+  Trigger("ID_ReadRegions");
+  ASSERT_FALSE(cells.isEmpty());
+  EXPECT_EQ(cells.front().at(0).toModelIndex(), Cell(MB, 0)) << "the first row and address are among them";
+  EXPECT_EQ(cells.back().at(1).toModelIndex(), Cell(XDW, 255));
+  ASSERT_FALSE(rows.isEmpty());
+  EXPECT_EQ(rows.front().at(0).toModelIndex().row(), 0);
+  EXPECT_EQ(rows.back().at(1).toModelIndex(), RegionIndex(1, RegionColumn::Values));
+  const auto tip = [](const QModelIndex& index) { return index.data(Qt::ToolTipRole).toString().toStdString(); };
+  EXPECT_THAT(tip(RegionIndex(0, RegionColumn::Values)), AllOf(HasSubstr("Values "), HasSubstr(" ago")));
+  EXPECT_EQ(tip(RegionIndex(0, RegionColumn::Name)), "MB");
+  EXPECT_EQ(tip(Cell(MB, 0)), "MB 0: 0");
+  EXPECT_EQ(tip(Cell(MB, 1)), "MB 1: not read");
+  EXPECT_EQ(tip(Cell(XDW, 256)), "XDW ends at address 255");
+  EXPECT_EQ(tip(Cell(DBI, 0)), "This model has no DBI");
+}
+
+TEST_F(DataTypesWindowTest, EachStateOfACellIsSeen) {
+  Open();
+  QTest::keyClick(&Type(Cell(MI, 2), "12"), Qt::Key_Return);
+  ASSERT_TRUE(IsEditorGone());
+  AddRegion(MI, 4, 6);
+  Select(MB, 0, MB, 0);
+  const GridColours colours = ColoursFor(Operands().palette());
+  const auto drawn = [this](OperandTypeCode type, int address) {
+    return Operands().viewport()->grab(Operands().visualRect(Cell(type, address))).toImage();
+  };
+  const auto at = [](const QImage& image, double x, double y) {
+    return image.pixelColor(static_cast<int>(x * (image.width() - 1)), static_cast<int>(y * (image.height() - 1)));
+  };
+  EXPECT_EQ(at(drawn(MI, 3), 0.5, 0.5), colours.writable);
+  EXPECT_EQ(at(drawn(SI, 3), 0.5, 0.5), colours.readOnly);
+  EXPECT_EQ(at(drawn(DBI, 3), 0.5, 0.5), colours.unusable);
+  EXPECT_EQ(at(drawn(MI, 2), 1.0, 0.0), colours.edited) << "the corner";
+  EXPECT_EQ(at(drawn(MI, 3), 1.0, 0.0), colours.writable);
+  for (const int address : {4, 5, 6}) {
+    const QImage cell = drawn(MI, address);
+    EXPECT_EQ(at(cell, 0.5, 0.0), colours.region) << "the frame of a region";
+    EXPECT_EQ(at(cell, 0.5, 1.0), colours.region);
+    EXPECT_EQ(at(cell, 0.0, 0.5), address == 4 ? colours.region : colours.writable);
+    EXPECT_EQ(at(cell, 1.0, 0.5), address == 6 ? colours.region : colours.writable);
   }
-  Trigger("ID_ExportToCSV");  // no separator was chosen
-  Trigger("ID_ImportFromCSV");
-  EXPECT_THAT(RegionTexts(), ElementsAre("MI 0..1"));
+  const QImage text = drawn(MI, 2);
+  int left = text.width();
+  for (int i = 0; i < text.width() * text.height(); ++i) {
+    const QColor pixel = text.pixelColor(i % text.width(), i / text.width());
+    if (pixel.lightness() < 100 && pixel != colours.edited) left = std::min(left, i % text.width());
+  }
+  EXPECT_GT(left, text.width() / 2) << "two digits stand at the right";
+  EXPECT_LT(left, text.width()) << "and are drawn";
+}
+
+TEST_F(DataTypesWindowTest, ColumnsBecomeWiderAndNarrowerWithinBoundsAndStaySo) {
+  Open();
+  const int usual = Operands().columnWidth(0);
+  Trigger("VIEW_Wider");
+  const int step = Operands().columnWidth(0) - usual;
+  EXPECT_EQ(step, 2 * Operands().fontMetrics().horizontalAdvance('0'));
+  for (int i = 0; i < 40; ++i) Trigger("VIEW_Narrower");
+  const int least = Operands().columnWidth(0);
+  EXPECT_GT(least, step);
+  EXPECT_LT(least, usual);
+  for (int i = 0; i < 100; ++i) Trigger("VIEW_Wider");
+  EXPECT_LT(Operands().columnWidth(0), usual + 60 * step);
+  for (int i = 0; i < 100; ++i) Trigger("VIEW_Narrower");
+  Regions().setColumnWidth(static_cast<int>(RegionColumn::Description), 222);
+  window->close();
+  Open();
+  EXPECT_EQ(Operands().columnWidth(0), least);
+  EXPECT_EQ(Regions().columnWidth(static_cast<int>(RegionColumn::Description)), 222);
 }
 
 TEST_F(DataTypesWindowTest, ASilentControllerNeitherFreezesTheWindowNorHoldsItsUser) {
@@ -340,6 +385,7 @@ TEST_F(DataTypesWindowTest, ALossIsToldWholeAndWatchingGoesOnByItself) {
   EXPECT_THAT(Cell(MI, 0).data(Qt::AccessibleTextRole).toString().toStdString(), HasSubstr("connection was lost"));
   EXPECT_TRUE(Find<QPushButton>(*window, "cmdWatchAgain").isEnabled());
   const int whole = banner.height();
+  EXPECT_EQ(Find<QPushButton>(*window, "cmdWatchAgain").text(), "&Go on line again");
   Find<QPushButton>(*window, "cmdFold").click();
   EXPECT_TRUE(WaitUntil([&] { return banner.height() <= whole - 2 * banner.fontMetrics().lineSpacing(); }));
   auto& byItself = Find<QCheckBox>(*window, "chkWatchAgain");

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <QCursor>
+#include <QDialog>
+#include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <optional>
 
 #include "desktop/StopScope.h"
 #include "desktop/ui/BusyState.h"
@@ -93,19 +95,33 @@ TEST_F(QtPacerTest, InputDuringAWaitIsKeptAndThenDelivered) {
 TEST_F(QtPacerTest, AQuestionInTheMiddleOfAnOperationStandsBeforeNoVeil) {
   QtPrompts prompts;
   BusyState busy(pacer, window, "Writing");
-  BusyState inner(pacer, window, "Writing more");
+  auto inner = std::make_optional<BusyState>(pacer, window, "Writing more");
   ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
   WhenOpen<QDialog>(window, [this](QDialog& box) {
     for (const QWidget* veil : window.findChildren<QWidget*>("busyOverlay")) EXPECT_FALSE(veil->isVisible());
+    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::ArrowCursor);
     pacer.Sleep(1ms);  // a timer that waits for something must not hold up the box
     QTest::keyClicks(&Find<QLineEdit>(box, "txtInput"), "1234");
     Find<QPushButton>(box, "cmdOk").click();
   });
   EXPECT_EQ(prompts.Ask({.text = "Password", .secret = true}), "1234");
-  EXPECT_FALSE(pacer.StopRequested());
   EXPECT_TRUE(IsOverlayShown());
+  EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BusyCursor);
+  bool isAnswered = false;
+  Meanwhile([&] {  // a box that a timer opens
+    QDialog box(&window);
+    WhenOpen<QDialog>(window, [&](QDialog& open) {
+      QTest::keyClick(&open, Qt::Key_Escape);
+      isAnswered = !open.isVisible();
+      open.close();
+    });
+    box.exec();
+  });
+  EXPECT_TRUE(Wait([&] { return isAnswered; })) << "Escape is the box's";
+  EXPECT_FALSE(pacer.StopRequested());
+  inner.reset();
   Meanwhile([this] { Type(Qt::Key_Escape); });
-  EXPECT_TRUE(Wait([this] { return pacer.StopRequested(); }));
+  EXPECT_TRUE(Wait([this] { return pacer.StopRequested(); })) << "the outer one is given back";
 }
 
 TEST_F(QtPacerTest, ABusyWindowHearsOnlyItsCancel) {
@@ -113,6 +129,7 @@ TEST_F(QtPacerTest, ABusyWindowHearsOnlyItsCancel) {
       {"Escape", [this] { Type(Qt::Key_Escape); }},
       {"button", [this] { ClickOn(Find<QPushButton>(window, "cmdCancelBusy")); }},
       {"blank on the button", [this] { Type(Qt::Key_Space, " "); }},
+      {"Enter", [this] { QTest::keyClick(Overlay(), Qt::Key_Enter); }},
       {"close", [this] { window.windowHandle()->close(); }},
   };
   for (const auto& [name, act] : cases) {
@@ -121,6 +138,10 @@ TEST_F(QtPacerTest, ABusyWindowHearsOnlyItsCancel) {
       const StopScope operation(pacer);
       BusyState busy(pacer, window, "Waiting");
       ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
+      busy.SetText("Waiting longer");
+      EXPECT_EQ(Find<QLabel>(window, "lblBusy").text(), "Waiting longer");
+      window.resize(window.width() + 10, 200);
+      EXPECT_TRUE(Wait([this] { return Overlay()->size() == window.size(); })) << "no part of the window is open";
       bool isIgnored = false;
       Meanwhile([&] {
         Type(Qt::Key_A, "a");
@@ -145,26 +166,6 @@ TEST_F(QtPacerTest, ABusyWindowHearsOnlyItsCancel) {
   Type(Qt::Key_F5);
   ClickOn(button);
   EXPECT_EQ(clicks + shortcuts, 2);
-}
-
-TEST_F(QtPacerTest, ANestedBusyStateGivesTheOuterOneBack) {
-  BusyState outer(pacer, window, "Outer");
-  ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
-  {
-    BusyState inner(pacer, window, "Inner");
-    ASSERT_TRUE(Wait([this] { return window.findChildren<QWidget*>("busyOverlay").last()->isVisible(); }));
-  }
-  Meanwhile([this] { Type(Qt::Key_Escape); });
-  EXPECT_TRUE(Wait([this] { return pacer.StopRequested(); }));
-}
-
-TEST_F(QtPacerTest, AQuestionOfABusyOperationIsAnswered) {
-  BusyState busy(pacer, window, "Waiting");
-  ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
-  WhenOpen<QMessageBox>(window, [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); });
-  QtPrompts prompts;
-  EXPECT_EQ(prompts.Show({.text = "Go on?", .buttons = PromptButtons::YesNo}), PromptAnswer::No);
-  EXPECT_FALSE(pacer.StopRequested());
 }
 
 }  // namespace

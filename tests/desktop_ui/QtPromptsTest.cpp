@@ -22,19 +22,29 @@ class QtPromptsTest : public ::testing::Test {
   QtPrompts prompts;
 };
 
-TEST_F(QtPromptsTest, EveryButtonGivesItsAnswerAndClosingTheOneThatCommitsToTheLeast) {
+TEST_F(QtPromptsTest, EveryButtonGivesItsAnswerEnterConsentsWhereNothingIsLostAndEscapeNever) {
   using enum PromptAnswer;
+  using Buttons = PromptButtons;
   const struct {
     PromptButtons buttons;
-    const char* pressed;  // null: the box is closed
+    bool canLose;
+    const char* pressed;  // null: the key is
+    Qt::Key key;
     PromptAnswer answer;
   } cases[] = {
-      {PromptButtons::Ok, nullptr, Ok},           {PromptButtons::OkCancel, "cmdOk", Ok},
-      {PromptButtons::OkCancel, nullptr, Cancel}, {PromptButtons::YesNo, "cmdYes", Yes},
-      {PromptButtons::YesNo, "cmdNo", No},        {PromptButtons::YesNo, nullptr, No},
+      {Buttons::Ok, false, nullptr, Qt::Key_Escape, Ok},
+      {Buttons::OkCancel, false, "cmdOk", {}, Ok},
+      {Buttons::OkCancel, false, nullptr, Qt::Key_Return, Ok},
+      {Buttons::OkCancel, true, nullptr, Qt::Key_Return, Cancel},
+      {Buttons::OkCancel, false, nullptr, Qt::Key_Escape, Cancel},
+      {Buttons::YesNo, true, "cmdYes", {}, Yes},
+      {Buttons::YesNo, false, "cmdNo", {}, No},
+      {Buttons::YesNo, false, nullptr, Qt::Key_Return, Yes},
+      {Buttons::YesNo, true, nullptr, Qt::Key_Return, No},
+      {Buttons::YesNo, true, nullptr, Qt::Key_Escape, No},
   };
   for (const auto& each : cases) {
-    SCOPED_TRACE(each.pressed ? each.pressed : "closed");
+    SCOPED_TRACE(each.pressed ? each.pressed : each.key == Qt::Key_Escape ? "Escape" : "Enter");
     WhenOpen<QMessageBox>(user, [&](QMessageBox& box) {
       EXPECT_EQ(box.windowTitle(), "Log Off");
       EXPECT_EQ(box.text(), "Sure?\n<b>Really");
@@ -43,13 +53,15 @@ TEST_F(QtPromptsTest, EveryButtonGivesItsAnswerAndClosingTheOneThatCommitsToTheL
       if (each.pressed) {
         Find<QPushButton>(box, each.pressed).click();
       } else {
-        box.close();
+        QTest::keyClick(&box, each.key);
       }
     });
-    EXPECT_EQ(
-        prompts.Show(
-            {.text = "Sure?\r\n<b>Really", .title = "Log Off", .icon = PromptIcon::Question, .buttons = each.buttons}),
-        each.answer);
+    EXPECT_EQ(prompts.Show({.text = "Sure?\r\n<b>Really",
+                            .title = "Log Off",
+                            .icon = PromptIcon::Question,
+                            .buttons = each.buttons,
+                            .canLose = each.canLose}),
+              each.answer);
   }
 }
 
@@ -61,8 +73,10 @@ TEST_F(QtPromptsTest, AnInputBoxGivesWhatWasTypedAndHidesASecret) {
     QTest::keyClick(&input, Qt::Key_Return);
   });
   EXPECT_EQ(prompts.Ask({.text = "Password", .secret = true}), "1234");
-  WhenOpen<QDialog>(user, [](QDialog& box) { Find<QPushButton>(box, "cmdCancel").click(); });
-  EXPECT_EQ(prompts.Ask({.text = "Name", .initial = "before"}), std::nullopt);
+  for (const bool isTaken : {false, true}) {
+    WhenOpen<QDialog>(user, [&](QDialog& box) { Find<QPushButton>(box, isTaken ? "cmdOk" : "cmdCancel").click(); });
+    EXPECT_EQ(prompts.Ask({.text = "Name", .initial = "before"}).value_or("left"), isTaken ? "before" : "left");
+  }
 }
 
 TEST_F(QtPromptsTest, FileDialogsShowTheFilterAndAddItsExtension) {

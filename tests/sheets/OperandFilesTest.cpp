@@ -31,25 +31,19 @@ TEST(CsvTest, ReadsWhatOtherProgramsWrite) {
       {"a,b\r\n1,2\r\n", ',', {{"a", "b"}, {"1", "2"}}},
       {"a,b\n\n1,2", ',', {{"a", "b"}, {"1", "2"}}},
       {"a,b\r1,2\r", ',', {{"a", "b"}, {"1", "2"}}},
-      {"a;b,c\r\n", ';', {{"a", "b,c"}}},
       {"a\t\t", '\t', {{"a", "", ""}}},
       {"\"a,\"\"b\"\"\",c", ',', {{"a,\"b\"", "c"}}},
       {"\"two\r\nlines\",x\r\ny", ',', {{"two\r\nlines", "x"}, {"y"}}},
       {"5\" pipe,x", ',', {{"5\" pipe", "x"}}},
       {"\xEF\xBB\xBF\xC3\xA4,1", ',', {{"\xC3\xA4", "1"}}},
-      {"\xC3\xA4,1", ',', {{"\xC3\xA4", "1"}}},  // UTF-8 without a mark, as many programs write it
-      {"\xE4\xA7"
-       "1",
-       '\xA7',
-       {{"\xC3\xA4", "1"}}},  // Windows-1252, as this program writes it
-      {"x\xC2\xA7"
-       "1",
-       '\xA7',
-       {{"x", "1"}}},
+      {"\xC3\xA4,1", ',', {{"\xC3\xA4", "1"}}},    // UTF-8 without a mark, as many programs write it
+      {"\xE4\xA7z", '\xA7', {{"\xC3\xA4", "z"}}},  // Windows-1252, as this program writes it
+      {"x\xC2\xA7z", '\xA7', {{"x", "z"}}},
       {"a,\"b\r\n1", ',', {{"fault", "1", "a field begins with a quote and has none at its end"}}},
-      {std::string_view("\xFF\xFE"
-                        "a\0",
-                        4),
+      {"\xFF\xFE\x01",
+       ',',
+       {{"fault", "0", "its characters take two bytes each (UTF-16); save it as CSV or as UTF-8 text"}}},
+      {"\xFE\xFF\x01",
        ',',
        {{"fault", "0", "its characters take two bytes each (UTF-16); save it as CSV or as UTF-8 text"}}},
   };
@@ -80,20 +74,11 @@ using Values = std::vector<OperandValue>;
 
 TEST(CsvTest, TheGridIsALineForEachType) {
   const TypeTexts rows[] = {{MB, {"0", "1", ""}}, {TimerPreset, {"00:00:01.00"}}, {MF, {"nan", "1.5"}}};
-  const std::string file = PrintGridCsv(rows, ';');
-  EXPECT_EQ(file,
+  EXPECT_EQ(PrintGridCsv(rows, ';'),
             "Operand Type;0;1;2\r\n"
             "MB;0;1;\r\n"
             "TIMER PRESET;00:00:01.00\r\n"
             "MF;nan;1.5\r\n");
-  const auto read = ParseOperandCsv(file, ';', CsvForm::Grid);
-  ASSERT_TRUE(read);
-  EXPECT_EQ(read->values, (Values{{MB, 0, "0", 2},
-                                  {MB, 1, "1", 2},
-                                  {MB, 2, "", 2},
-                                  {TimerPreset, 0, "00:00:01.00", 3},
-                                  {MF, 0, "nan", 4},
-                                  {MF, 1, "1.5", 4}}));
 }
 
 TEST(CsvTest, LinesBelongToTheTypeTheyNameOrToTheirRow) {
@@ -176,11 +161,11 @@ TEST(OperandSheetTest, RefusesWhatCouldLandInTheWrongPlace) {
       {{}, "cell A1: the heading \"Address\" was expected"},
       {Sheet({{"MB", "MI"}}), "cell A1: the heading \"Address\" was expected"},
       {Sheet({{"Address"}}), "cell B1: the name of an operand type was expected"},
+      {Sheet({{"Address", "MB"}, {"65536", "1"}}), "cell A2: the address of an operand was expected"},
       {Sheet({{"Address", "MB", "Pump"}}), "cell C1: no operand type has this name"},
       {Sheet({{"Address", "MB", "MB"}}), "cell C1: this operand type is there twice"},
       {Sheet({{"Address", "MB"}, {"", "1"}}), "cell A2: the address of an operand was expected"},
       {Sheet({{"Address", "MB"}, {"-1", "1"}}), "cell A2: the address of an operand was expected"},
-      {Sheet({{"Address", "MB"}, {"1.5", "1"}}), "cell A2: the address of an operand was expected"},
       {Sheet({{"Address", "MB"}, {"1", "1"}, {"1", "0"}}), "cell A3: the same address is in A2"},
       {Sheet({{"Address", "MB"}, {"1", "1", "5"}}), "cell C2: its column has no heading"},
   };
