@@ -38,15 +38,21 @@ bool ScrollPage::eventFilter(QObject* watched, QEvent* event) {
   return QScrollArea::eventFilter(watched, event);
 }
 
+// Before the window is seen: one that is resized right after it has been mapped loses the place that was chosen for it.
+void ScrollPage::showEvent(QShowEvent* event) {
+  QScrollArea::showEvent(event);
+  FollowContent();
+}
+
 int ScrollPage::AskedHeight() const {
-  // Before the window has its size, the viewport is narrower than any content.
-  const int width = std::max(viewport()->width(), widget()->minimumSizeHint().width());
+  // Before the window has its size, the viewport is narrower than any content. Scroll bars go when it fits.
+  const int width = std::max(maximumViewportSize().width(), widget()->minimumSizeHint().width());
   return std::max(widget()->sizeHint().height(), widget()->heightForWidth(width));
 }
 
 void ScrollPage::FollowContent() {
   updateGeometry();
-  const int change = AskedHeight() - viewport()->height();
+  const int change = AskedHeight() - maximumViewportSize().height();
   if (!isVisible() || change == 0 || window()->windowType() != Qt::Dialog || window()->isMaximized()) return;
   const int height = std::min(window()->height() + change, RoomFor(*window()).height());
   window()->resize(window()->width(), std::max(height, window()->minimumSizeHint().height()));

@@ -16,6 +16,7 @@ class ScrollPage final : public QScrollArea {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
   [[nodiscard]] int AskedHeight() const;

@@ -1,5 +1,6 @@
 #include "desktop/ui/WindowGeometry.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QHeaderView>
 #include <QScreen>
@@ -25,6 +26,7 @@ constexpr QSize kFrame(8, 40);  // around a window, with its title
 // one. A window that has chosen none takes the size of its contents.
 void FitToScreen(QWidget& window) {
   if (window.isMaximized()) return;
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);  // of rows that were hidden just now
   const QSize wanted = window.testAttribute(Qt::WA_Resized) ? window.size() : window.sizeHint();
   const QSize fitting = wanted.boundedTo(RoomFor(window));
   if (window.testAttribute(Qt::WA_Resized) || fitting != wanted) window.resize(fitting);
