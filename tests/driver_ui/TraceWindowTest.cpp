@@ -67,6 +67,9 @@ TEST_F(TraceWindowTest, ShowsFramesAsTheyPassUntilItIsHalted) {
   Command("cmdCopy").trigger();
   EXPECT_TRUE(clipboard.GetText().ends_with("--- Connected to Simulated K220-22-R1\n")) << clipboard.GetText();
 
+  const auto& table = Find<QTableView>(*Window(), "flgTrace");
+  const QAbstractItemView& view = table;
+  EXPECT_GE(table.columnWidth(TraceModel::Time), view.sizeHintForColumn(TraceModel::Time)) << "in whatever font";
   Command("cmdPause").trigger();
   const int halted = Rows().rowCount();
   Talk();
@@ -74,6 +77,8 @@ TEST_F(TraceWindowTest, ShowsFramesAsTheyPassUntilItIsHalted) {
   EXPECT_EQ(Rows().rowCount(), halted);
   Command("cmdPause").trigger();
   EXPECT_TRUE(WaitUntil([&] { return Rows().rowCount() > halted; }));
+  QTest::keyClick(Window(), Qt::Key_Escape);
+  EXPECT_FALSE(Window()->isVisible());
 }
 
 TEST_F(TraceWindowTest, WritesToAFileUntilItIsEnded) {

@@ -80,6 +80,7 @@ TEST_F(SessionWindowTest, CreatesByButtonAndByEnter) {
   EXPECT_THAT(Captions(), ElementsAre("Active Session: Mill", "Save 'Mill' As...", "Activate 'Mill ' And Exit"));
   EXPECT_EQ(Folder().text(), "");
 
+  Folder().setFocus();
   QTest::keyClicks(&Folder(), "R&D");
   QTest::keyClick(&Folder(), Qt::Key_Return);
   EXPECT_THAT(Rows(), ElementsAre("Default", "Mill", "R&D"));
@@ -92,6 +93,25 @@ TEST_F(SessionWindowTest, CreatesByButtonAndByEnter) {
   EXPECT_EQ(bench.prompts.Boxes().back().title, "Create Session");
   EXPECT_EQ(Folder().text(), "a/b");
   EXPECT_EQ(bench.shared.CurrentSession, "R&D");
+}
+
+TEST_F(SessionWindowTest, EnterAndADoubleClickActivateARow) {
+  MakeSession("Mill");
+  for (const bool byKey : {true, false}) {
+    bench.shared.CurrentSession = "Default";
+    Open();
+    Select("Mill");
+    const QPoint row = List().visualItemRect(List().currentItem()).center();
+    QTest::mouseClick(List().viewport(), Qt::LeftButton, {}, row);
+    EXPECT_TRUE(window->isVisible());
+    if (byKey) {
+      QTest::keyClick(&List(), Qt::Key_Return);
+    } else {
+      QTest::mouseDClick(List().viewport(), Qt::LeftButton, {}, row);
+    }
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(bench.shared.CurrentSession, "Mill");
+  }
 }
 
 TEST_F(SessionWindowTest, ActivatesAndLeavesUnlessTheSessionIsGone) {

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTableView>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -16,7 +17,9 @@ namespace {
 
 constexpr std::chrono::milliseconds kInterval{100};  // an eye sees no difference to at once
 constexpr QSize kFirstSize(900, 400);
-constexpr int kWidths[TraceModel::ColumnCount] = {110, 80, 70, 320, 300};  // in pixels of a normal screen
+// The longest text of each column to be seen whole at first.
+constexpr const char* kWidest[TraceModel::ColumnCount] = {"00:00:00.000000", "Received", "frmDataTypesView",
+                                                          "/01RO00050300640003FA2E5EA5A5", "unit 1: read MI 0..59"};
 
 }  // namespace
 
@@ -31,6 +34,7 @@ frmTrace::frmTrace(std::shared_ptr<Trace> trace, Prompts& prompts, Clipboard& cl
   page->setContentsMargins({});
   page->addWidget(BuildCommands());
   page->addWidget(mTable);
+  connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
   mTimer.setInterval(kInterval);
   connect(&mTimer, &QTimer::timeout, this, [this] { Update(); });
   mTable->setFocus();
@@ -72,7 +76,10 @@ void frmTrace::BuildTable() {
   mTable->horizontalHeader()->setStretchLastSection(true);
   mTable->horizontalHeader()->setHighlightSections(false);
   mTable->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-  for (int column = 0; column < TraceModel::ColumnCount; ++column) mTable->setColumnWidth(column, kWidths[column]);
+  const QFontMetrics letters(FixedFont(mTable->font()));
+  for (int column = 0; column < TraceModel::ColumnCount; ++column) {
+    mTable->setColumnWidth(column, letters.horizontalAdvance(kWidest[column]) + 2 * letters.averageCharWidth());
+  }
 }
 
 void frmTrace::showEvent(QShowEvent* event) {

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -63,7 +64,8 @@ void frmSession::BuildList() {
   mList = new QTableWidget(0, kColumns, this);
   mList->setObjectName("flgSession");
   mList->setAccessibleName("Sessions");
-  mList->setToolTip("The sessions beside the program; Delete removes the selected one");
+  mList->setToolTip(
+      "The sessions beside the program; Enter or a double click activates one, Delete removes the selected one");
   mList->setHorizontalHeaderLabels({"Session", "Model", "Link"});
   mList->horizontalHeader()->setStretchLastSection(true);
   mList->horizontalHeader()->setHighlightSections(false);
@@ -119,6 +121,11 @@ void frmSession::BuildMenu() {
   mDelete->setShortcutContext(Qt::WidgetShortcut);
   Describe(*mDelete, "Deletes the selected session with everything in it, after a question");
   mList->addAction(mDelete);
+  for (const auto& key : {Qt::Key_Return, Qt::Key_Enter}) {
+    auto* activate = new QShortcut(key, mList, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(activate, &QShortcut::activated, mClose, &QPushButton::click);
+  }
+  connect(mList, &QTableWidget::cellDoubleClicked, mClose, &QPushButton::click);
   connect(mDelete, &QAction::triggered, this, [this] { DeleteSelected(); });
 }
 
