@@ -45,6 +45,7 @@ class Driver final : public CommDriver {
   void SetPasswordSource(PasswordSource* source) override;
   void CloseDriver() override;
   [[nodiscard]] std::string LinkDescription() const override;
+  [[nodiscard]] std::optional<std::uint32_t> TiedSerialNumber() const override { return Settings().serialNumber; }
   [[nodiscard]] std::string DescribeSession(const SessionLink& session) const override;
   void ComParamsCaller(const std::string& caller) override { mCaller = caller; }
   void ShowComParams() override;

@@ -91,11 +91,13 @@ LinkError ProtocolClient::Explain(ExchangeOutcome outcome, const Effort& spent) 
       return MakeError(Busy, "the controller does not say who it is", "it is starting, or too busy to answer",
                        "try again in a few seconds");
     case ExchangeOutcome::OtherController:
-      return MakeError(OtherController, "another controller answered: " + mOtherName,
-                       "the cable was moved, or the address now belongs to another controller",
-                       mSettings.serialNumber
-                           ? "connect the right controller, or change the serial number that the link is set to"
-                           : "connect the right controller, or go on line again to work with this one");
+      return MakeError(
+          OtherController, "another controller answered: " + mOtherName,
+          "the cable was moved, or the address now belongs to another controller",
+          mSettings.serialNumber
+              ? "connect the right controller, or change the serial number that the link is set to, in the "
+                "communication settings or with --serial-number"
+              : "connect the right controller, or go on line again to work with this one");
     case ExchangeOutcome::Unsure:
       return MakeError(
           Unsure, "the request was sent, but whether it was executed could not be found out",

@@ -153,8 +153,13 @@ bool DataTypesView::IsOtherController() const {
   return loss && loss->error.code == LinkErrorCode::OtherController;
 }
 
+bool DataTypesView::CanTakeOther() const {
+  const CommDriver* driver = mDesk.parts.shared.ComDriver;
+  return IsOtherController() && driver != nullptr && !driver->TiedSerialNumber();
+}
+
 void DataTypesView::TakeOtherController() {
-  if (!IsOtherController() || IsOnline() || IsBusy()) return;
+  if (!CanTakeOther() || IsOnline() || IsBusy()) return;
   if (CommDriver* driver = mDesk.parts.shared.ComDriver) driver->CloseDriver();
   const bool wasWatching = mDesk.status.loss->wasWatching;
   mDesk.status.loss.reset();

@@ -73,6 +73,8 @@ class DataTypesView {
   // Whether another controller answers than before. The link is of no use then until the user, who has been told which
   // one it is, takes that one: the link is closed, and the next command connects anew.
   [[nodiscard]] bool IsOtherController() const;
+  // Whether it can be taken: not on a link whose settings name the serial number of the one that is meant.
+  [[nodiscard]] bool CanTakeOther() const;
   void TakeOtherController();
   void SetWatchesAgain(bool byItself) { mOnline.SetGoesOn(byItself); }
   [[nodiscard]] bool WatchesAgain() const { return mOnline.GoesOn(); }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "link/Channel.h"
@@ -43,7 +45,10 @@ class CommDriver {
   // A text like "COM3, 115200 8N1, unit 1", "192.168.1.20:20300, unit 1" or "Simulated K220-22-R1".
   [[nodiscard]] virtual std::string LinkDescription() const = 0;
 
-  // The same of another session, as its settings stand; nothing is opened.
+  // The only controller that the link's settings allow; nothing when any may answer.
+  [[nodiscard]] virtual std::optional<std::uint32_t> TiedSerialNumber() const { return std::nullopt; }
+
+  // The description of another session's link, as its settings stand; nothing is opened.
   [[nodiscard]] virtual std::string DescribeSession(const SessionLink& session) const = 0;
 
   // Marks who opens the settings dialog, then the dialogs themselves, modal. Without windows they do nothing.

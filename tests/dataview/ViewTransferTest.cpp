@@ -336,6 +336,13 @@ TEST(OnLine, GoesOnByItselfWithTheSameControllerOnly) {
   bench.pacer.Sleep(std::chrono::hours(1));
   EXPECT_FALSE(bench.view.IsTryDue());
 
+  bench.driver.tied = 1001;  // by the link's settings: it would only be refused again
+  EXPECT_FALSE(bench.view.CanTakeOther());
+  bench.view.TakeOtherController();
+  EXPECT_TRUE(bench.view.IsOtherController());
+  bench.driver.tied.reset();
+  EXPECT_TRUE(bench.view.CanTakeOther());
+
   std::string said;
   bench.pacer.OnDoEvents([&] {
     said = bench.view.Status().message;

@@ -16,8 +16,9 @@ class FakeDriver : public CommDriver {
 
   std::shared_ptr<Channel> channel;
   std::string description = "COM3, 115200 8N1, unit 1";
-  std::string nextDescription;  // after the next change of its settings; empty: as it is
-  SessionLink session;          // of the last ConfigureForSession
+  std::optional<std::uint32_t> tied;  // the serial number that the link is set to
+  std::string nextDescription;        // after the next change of its settings; empty: as it is
+  SessionLink session;                // of the last ConfigureForSession
 
   void SetDriverActive(bool active) override { Note(active ? "active" : "not active"); }
   void ConfigureForSession(const SessionLink& link) override {
@@ -34,6 +35,7 @@ class FakeDriver : public CommDriver {
   void SetPasswordSource(PasswordSource*) override {}
   void CloseDriver() override { Note("CloseDriver"); }
   std::string LinkDescription() const override { return description; }
+  std::optional<std::uint32_t> TiedSerialNumber() const override { return tied; }
   std::string DescribeSession(const SessionLink& link) const override { return "Link of " + link.model; }
   void ComParamsCaller(const std::string& caller) override { Note("ComParamsCaller " + caller); }
   void ShowComParams() override { Note("ShowComParams"); }

@@ -84,7 +84,7 @@ bool ViewBanner::ShowLoss() {
   const std::string lost = status.loss ? status.loss->Text() : std::string();
   const bool isOther = mLoss->SetText(QString::fromStdString(status.refusal.empty() ? lost : status.refusal));
   const bool wasWatching = status.loss && status.loss->wasWatching;
-  mGoOn->setVisible(wasWatching || mView.IsOtherController());
+  mGoOn->setVisible(mView.IsOtherController() ? mView.CanTakeOther() : wasWatching);
   mByItself->setVisible(wasWatching);
   if (!mGoOn->isHidden()) ShowGoOn();
   if (wasWatching) ShowByItself(*status.loss);
