@@ -3,23 +3,13 @@
 #include <string>
 #include <vector>
 
-#include "link/AsciiFrame.h"
-#include "link/ControllerErrorText.h"
 #include "link/HexHelpers.h"
 #include "link/LinkError.h"
 #include "link/OsVersion.h"
-#include "link/Reply.h"
 
 // clang-format off: the tables are laid out by hand
 namespace kv {
 namespace {
-
-TEST(AsciiFrame, CarriesUnitTextAndChecksum) {
-  EXPECT_EQ(BuildFrame(0, "ID"), "/00IDED\r");
-  EXPECT_EQ(BuildFrame(255, "ID"), "/FFID19\r");  // 70 + 70 + 73 + 68 = 0x119
-  EXPECT_EQ(BuildFrame(0, "PP"), "/00PP00\r");  // 48 + 48 + 80 + 80 = 256
-  EXPECT_EQ(BuildFrame(0xAB, "\xFF\x01"), "/AB\xFF\x01""83\r");
-}
 
 TEST(HexHelpers, TurnDigitPairsIntoBytesAndRefuseAnythingElse) {
   EXPECT_EQ(HexStringToBytes("0A1"), Bytes({10}));
@@ -28,14 +18,6 @@ TEST(HexHelpers, TurnDigitPairsIntoBytesAndRefuseAnythingElse) {
   EXPECT_EQ(HexPairToByte("9c"), 0x9C);
   for (const std::string bad : {"0G", " 1", "+1", "-1", "0x", "1", "123", ""}) EXPECT_FALSE(HexPairToByte(bad)) << bad;
   EXPECT_FALSE(HexStringToBytes("00 1"));
-}
-
-TEST(CommandReply, GivesDataWithoutEchoAndChecksum) {
-  const std::vector<std::pair<std::string, std::string>> rows = {
-      {"DR5200ED", "5200"}, {"WDOK9A", "OK"}, {"IDE1", ""}, {"ID1", ""}, {"", ""}};
-  for (const auto& [text, data] : rows) EXPECT_EQ(CommandReply{.text = text}.Data(), data);
-  EXPECT_TRUE(CommandReply{.text = "ROERROR0473"}.IsError());
-  EXPECT_FALSE(CommandReply{.text = "WDOK9A"}.IsError());
 }
 
 TEST(LinkError, ReadsAsOneSentenceALine) {
@@ -56,14 +38,6 @@ TEST(LinkError, ReadsAsOneSentenceALine) {
   bare.happened.clear();
   EXPECT_EQ(bare.Text(), "Opening COM3 failed.");
   EXPECT_EQ(LinkError{}.Text(), "");
-}
-
-TEST(ControllerErrorText, StandsAtTheCodeOfTheProtocolPage) {
-  EXPECT_EQ(ControllerErrorText(0x01).meaning, "it does not know the command");
-  EXPECT_EQ(ControllerErrorText(0x0F).meaning, "the data do not belong together or are for another model");
-  for (const int code : {-1, 0, 0x10, 255}) {
-    EXPECT_EQ(ControllerErrorText(code).meaning, "it gave a code that this program does not know");
-  }
 }
 
 TEST(OsVersion, IsReadFromTheTextsThatControllersReport) {

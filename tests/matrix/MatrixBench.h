@@ -78,12 +78,11 @@ class CountingController final : public sim::Controller {
 // what stands here is what the controller holds.
 class Bench {
  public:
-  explicit Bench(const std::string& model, std::uint64_t seed = 1, const std::string& osVersion = {}) {
+  explicit Bench(const std::string& model, std::uint64_t seed = 1) {
     sim::SimulatorOptions options;
     options.model = model;
     options.seed = seed;
     options.memorySeed = static_cast<std::uint32_t>(seed);
-    options.osVersion = osVersion;
     options.password = kPassword;
     auto counting = std::make_unique<CountingController>(sim::Controller::Create(options).value());
     controller = counting.get();

@@ -61,37 +61,6 @@ TEST(ControllerCommands, StepFromStateToState) {
   }
 }
 
-TEST(ControllerCommands, TellTheLineWhatToDoNext) {
-  Bench bench("Q51");
-  EXPECT_EQ(bench.Send("CPSR0007").newBaud, 9600);
-  EXPECT_EQ(bench.Send("CB0A").newBaud, 57600);
-  EXPECT_TRUE(bench.Send("ID").changesNothing);
-  EXPECT_TRUE(bench.Send("ROxx").changesNothing);
-  EXPECT_FALSE(bench.Send("DI").changesNothing);
-  EXPECT_FALSE(bench.Send("WOxx").changesNothing);
-  EXPECT_FALSE(bench.Send("??").changesNothing);
-}
-
-TEST(ControllerCommands, APasswordGuardsWhatStopsOrWrites) {
-  SimulatorOptions options = Options("K330");
-  options.password = "key";
-  Bench bench(options);
-  EXPECT_EQ(bench.Text("CCS"), "CCERROR07");
-  EXPECT_EQ(bench.Block(66).status, 128 + 7);
-  EXPECT_EQ(bench.State(), 'R');
-
-  EXPECT_EQ(bench.Own("AC", "6B6579202020204B"), "ERROR08");
-  EXPECT_EQ(bench.Text("GIwrong   "), "GI0");
-  EXPECT_EQ(bench.Text("CCS"), "CCERROR07");
-  EXPECT_EQ(bench.Text("GIkey     ").substr(0, 7), "GI10008");
-  EXPECT_EQ(bench.Text("CCS"), "CCOK");
-  EXPECT_EQ(bench.Text("CCE"), "CCOK");  // the reset takes the access back
-  EXPECT_EQ(bench.Text("CCS"), "CCERROR07");
-  EXPECT_EQ(bench.Own("AC", "6B65792020202020"), "OK");
-  EXPECT_EQ(bench.Text("CCS"), "CCOK");
-  EXPECT_EQ(Bench("K330").Text("GIany     ").substr(0, 3), "GI1") << "no password is asked for";
-}
-
 TEST(ControllerCommands, ResourcesAreReadPieceByPiece) {
   Bench bench("K670");
   const std::string directory = bench.Block(258, 0, 0, 2).payload;

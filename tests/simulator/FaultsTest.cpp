@@ -13,13 +13,6 @@ namespace {
 
 const std::string kWrite = EncodeFrame(1, "WD5");
 
-// In how many places two texts of the same length differ.
-std::size_t Differences(const std::string& one, const std::string& other) {
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < one.size(); ++i) count += one[i] != other.at(i);
-  return count;
-}
-
 TEST(Faults, EachDoesWhatItSays) {
   const std::string reply = LineBench().Say(kWrite);
   ASSERT_EQ(reply.size(), 21U);
@@ -49,28 +42,6 @@ TEST(Faults, EachDoesWhatItSays) {
     EXPECT_EQ(bench.controller->stored, stored);
     EXPECT_EQ(bench.line->IsConnected(), !rule.starts_with("lost"));
   }
-}
-
-TEST(Faults, BlockMessagesAreRefusedByStatus) {
-  LineBench bench({"busy:on=block,nth=1", "refuse:on=block,code=0F,nth=2"});
-  EXPECT_EQ(DecodeBlock(bench.Say(LineBench::Block(1, "a")))->status, 5);
-  EXPECT_EQ(DecodeBlock(bench.Say(LineBench::Block(2, "b")))->status, 128 + 15);
-  EXPECT_EQ(DecodeBlock(bench.Say(LineBench::Block(2, "b")))->status, 128 + 15) << "the same request, the same reply";
-  EXPECT_EQ(DecodeBlock(bench.Say(LineBench::Block(1, "a")))->status, 10);
-}
-
-TEST(Faults, DamageChangesAsManyBytesAsAskedForAnywhere) {
-  Faults faults = *Faults::Create({}, 3);
-  std::string untouched = kWrite;
-  for (int i = 0; i < 200; ++i) {
-    const std::string damaged = faults.Damaged(kWrite, {3});
-    ASSERT_EQ(Differences(damaged, kWrite), 3U);
-    for (std::size_t at = 0; at < kWrite.size(); ++at) untouched[at] = damaged[at] == kWrite[at] ? untouched[at] : '.';
-  }
-  EXPECT_EQ(untouched, std::string(kWrite.size(), '.')) << "start, end and all between";
-  EXPECT_EQ(Differences(faults.Damaged(kWrite, {50}), kWrite), kWrite.size());
-  const std::string sample(100'000, 'x');
-  EXPECT_NEAR(static_cast<double>(Differences(faults.Damaged(sample, {1, 0.01}), sample)), 1000, 150);
 }
 
 TEST(Faults, GarbageComesInsteadOfOrBeforeTheReply) {

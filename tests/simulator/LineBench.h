@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/BlockMessage.h"
 #include "simulator/Seal.h"
 #include "simulator/SimulatedController.h"
 
@@ -16,11 +15,11 @@ namespace sim::test {
 
 using namespace std::chrono_literals;
 
-// A controller of three commands and one block operation that keeps count of what reached it. "W?x" stores x, "R?"
+// A controller of three commands that keeps count of what reached it. "W?x" stores x, "R?"
 // tells what is stored, "G?" opens access, and every reply tells whether the connection has it.
 class FakeController : public Controller {
  public:
-  void Advance(kv::Instant now) override { lastAdvance = now; }
+  void Advance(kv::Instant) override {}
   TextReply ExecuteText(std::string_view text, Connection& connection) override {
     executed.emplace_back(text);
     if (text.front() == 'W' && !lying) stored = text.substr(2);
@@ -34,10 +33,7 @@ class FakeController : public Controller {
     return reply;
   }
   void Restart() override { executed.emplace_back("restart"); }
-  BlockReply ExecuteBlock(const BlockRequest& request, Connection&) override {
-    executed.push_back("block " + std::string(request.payload));
-    return {10, "done " + std::to_string(executed.size())};
-  }
+  BlockReply ExecuteBlock(const BlockRequest&, Connection&) override { return {}; }
   bool UnderstandsBlocks() const override { return true; }
   std::uint8_t Unit() const override { return 1; }
   void SetLying(bool isLying) override { lying = isLying; }
@@ -46,7 +42,6 @@ class FakeController : public Controller {
   std::vector<std::string> executed;
   std::string stored;
   bool lying = false;
-  kv::Instant lastAdvance;
 };
 
 // The fake controller behind real lines, with a clock of its own.
@@ -63,13 +58,6 @@ struct LineBench {
     EXPECT_TRUE(line->Connect(now));
   }
 
-  static std::string Block(std::uint16_t sequence, std::string_view payload, std::uint8_t unit = 1) {
-    BlockMessage message;
-    message.unit = unit;
-    message.sequence = sequence;
-    message.payload = payload;
-    return EncodeBlock(message);
-  }
   // What comes back on `over` from now on until nothing is on its way or `limit` has passed; moves the clock along.
   std::string Hear(kv::InProcessLine& over, kv::Duration limit = 10s) {
     const kv::Instant end = now + limit;
@@ -84,25 +72,22 @@ struct LineBench {
     line->Write(bytes, now);
     return Hear(*line);
   }
-  // The reply to a text, checked and without its seal; its counter is kept.
+  // The reply to a text, checked and without its seal.
   std::string Ask(std::string_view text) {
     const std::string bytes = Say(EncodeFrame(1, text));
-    return bytes.empty() ? "" : Unsealed(bytes, text);
-  }
-  std::string Unsealed(std::string_view bytes, std::string_view request) {
+    if (bytes.empty()) return bytes;
     const auto frame = DecodeFrame(bytes);
-    if (!frame || frame->text.size() < 12) return "no frame: " + std::string(bytes);
-    const std::string_view reply = frame->text.substr(0, frame->text.size() - 12);
-    counter = std::stoi(std::string(frame->text.substr(reply.size(), 4)), nullptr, 16);
-    const bool isSealed = bytes == EncodeReply(frame->unit, request, reply, static_cast<std::uint16_t>(counter));
-    return isSealed ? std::string(reply) : "bad seal: " + std::string(bytes);
+    if (!frame || frame->text.size() < 12) return "no frame: " + bytes;
+    const std::string reply(frame->text.substr(0, frame->text.size() - 12));
+    const auto counter = std::stoul(std::string(frame->text.substr(reply.size(), 4)), nullptr, 16);
+    const bool isSealed = bytes == EncodeReply(frame->unit, text, reply, static_cast<std::uint16_t>(counter));
+    return isSealed ? reply : "bad seal: " + bytes;
   }
 
   FakeController* controller = nullptr;
   std::unique_ptr<SimulatedController> simulated;
   std::unique_ptr<kv::InProcessLine> line;
   kv::Instant now{1h};
-  int counter = 0;
 };
 
 }  // namespace sim::test

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <set>
 #include <string>
 
 #include "ControllerBench.h"
@@ -11,21 +10,6 @@ namespace {
 // Bytes of memory, by address and length in digits.
 std::string Read(Bench& bench, const std::string& place) {
   return bench.Own("RM", place).substr(place.size());
-}
-
-TEST(Memory, SegmentsAreOfBothKindsAndFitNoBlock) {
-  for (const char* model : {"K330", "K670", "Q50"}) {
-    Bench bench(model);
-    std::set<std::string> codes;
-    const std::string reply = bench.Text("GI        ");
-    for (std::size_t p = 7; p + 19 <= reply.size(); p += 19) {  // code, kind, start, length
-      codes.insert(reply.substr(p, 2));
-      const auto length = std::stoul(reply.substr(p + 11, 8), nullptr, 16);
-      EXPECT_EQ(length % 2, 0U);
-      EXPECT_NE(length % 128, 0U);
-    }
-    EXPECT_EQ(codes, (std::set<std::string>{"OP", "DT", "HW", "FT", "MM", "AP", "OS", "ZZ"}));
-  }
 }
 
 TEST(Memory, RefusesWhatIsOutsideOrMalformed) {
@@ -47,20 +31,6 @@ TEST(Memory, RefusesWhatIsOutsideOrMalformed) {
   EXPECT_EQ(bench.Block(257, 0x00100000, 4096).payload.size(), 4096U);
 }
 
-TEST(Memory, TheFirstWriteOfALoadErasesItsSegmentAndSwapsFlash) {
-  Bench bench("K330");
-  EXPECT_EQ(bench.Text("WDF002000400401020304"), "WDOK");
-  EXPECT_EQ(bench.State(), 'L');
-  EXPECT_EQ(Read(bench, "0020003E0008"), "FFFF02010403FFFF");
-  EXPECT_EQ(bench.Text("WDF00200042020506"), "WDOK");  // the second does not
-  EXPECT_EQ(Read(bench, "002000400004"), "02010605");
-  EXPECT_EQ(bench.Text("WDR00220000020102"), "WDOK");
-  EXPECT_EQ(Read(bench, "002200000004"), "0102FFFF");
-  bench.It().SetLying(true);
-  EXPECT_EQ(bench.Text("WDR0022000002AAAA"), "WDOK");
-  EXPECT_EQ(Read(bench, "002200000002"), "0102");
-}
-
 TEST(Memory, ABeginningWhileLoadingErasesWhatACutLoadWrote) {
   const std::string cut = "WDF002000400401020304";
   const std::string again = "WDF00200042020506";
@@ -75,19 +45,6 @@ TEST(Memory, ABeginningWhileLoadingErasesWhatACutLoadWrote) {
     EXPECT_EQ(Read(bench, "002000400004"), "FFFF0605") << begin;
     EXPECT_EQ(bench.State(), 'L');
   }
-}
-
-TEST(Memory, ApplicationFlashIsReadAndWrittenFromZero) {
-  Bench bench("Q51");
-  EXPECT_EQ(bench.Text("FW00000000AA"), "FWERROR09");  // running
-  EXPECT_EQ(bench.Text("CCS"), "CCOK");
-  EXPECT_EQ(bench.Text("FW00000001AABB"), "FWOK");
-  EXPECT_EQ(bench.Text("FW00000000"), "FWOK");
-  EXPECT_EQ(bench.Text("RX00000001").substr(0, 14), "RX00000001AABB");
-  EXPECT_EQ(bench.Text("RX00000001").size(), 10U + 128);
-  EXPECT_EQ(bench.Text("RX00004E39").size(), 10U + 2);
-  EXPECT_EQ(bench.Text("RX00004E3A"), "RX00004E3A");
-  EXPECT_EQ(bench.Text("FW00004E3AAA"), "FWERROR0B");
 }
 
 }  // namespace

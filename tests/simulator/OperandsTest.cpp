@@ -42,25 +42,6 @@ TEST(Operands, RefuseWhatTheyCannotDo) {
     EXPECT_EQ(Bench(model).Own(command, fields), "ERROR" + code) << fields;
 }
 
-TEST(Operands, RefusedOrLyingWritesChangeNothing) {
-  Bench bench("K330");
-  EXPECT_EQ(bench.Own("WO", "01000000030101FF"), "ERROR06");
-  bench.It().SetLying(true);
-  bench.Write("0100000002", "0101");
-  bench.It().SetLying(false);
-  EXPECT_EQ(bench.Read("0100000003"), "000000");
-}
-
-TEST(Operands, TimersOfCompactControllersAreTimerWords) {
-  Bench bench("Q50");
-  const std::string times[][2] = {
-      {"00003FFF", "3FFF"}, {"00004E20", "87D0"}, {"0002BF20", "4708"}, {"00190640", "C668"}};
-  for (const auto& [time, word] : times) {
-    EXPECT_EQ(bench.Own("WO", "5100010001" + time), "5100010001OK");
-    EXPECT_EQ(bench.Own("RO", "5300010001"), "5300010001" + word);
-  }
-}
-
 TEST(Operands, TheClockAndTheProgramMoveSomeOfThem) {
   Bench bench("K330");
   bench.Wait(16h + 3min + 5s);  // over midnight
