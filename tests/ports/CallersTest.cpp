@@ -4,7 +4,7 @@
 #include "KvCmDrv1/Driver.h"
 #include "KvCmDrv1/ports/ListeningSocketImpl.h"
 #include "Partners.h"
-#include "desktop/console/ConsolePacer.h"
+#include "WorkingPacer.h"
 #include "simulator/SimulatedController.h"
 
 // Who dials in, over real sockets. The callers live on the driver's pacer: at each turn they do what is on.
@@ -14,30 +14,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::HasSubstr;
-
-// A console pacer that lets the callers work at each of its turns.
-class WorkingPacer final : public Pacer {
- public:
-  std::function<void(Instant now)> onTurn;
-  Duration ahead{};  // of the real time
-
-  [[nodiscard]] Instant Now() const override { return mPacer.Now() + ahead; }
-  void Sleep(Duration span) override {
-    mPacer.Sleep(std::min<Duration>(span, 1ms));
-    Turn();
-  }
-  void DoEvents() override { Turn(); }
-  void Turn() override {
-    mPacer.Turn();
-    if (onTurn) onTurn(Now());
-  }
-  [[nodiscard]] bool StopRequested() const override { return mPacer.StopRequested(); }
-  void RequestStop() override { mPacer.RequestStop(); }
-  void ClearStop() override { mPacer.ClearStop(); }
-
- private:
-  ConsolePacer mPacer;
-};
 
 // A simulated controller that dials in, and may lose power without hanging up.
 class Caller {

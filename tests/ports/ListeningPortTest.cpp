@@ -130,6 +130,24 @@ TEST_F(ListeningPortTest, TakesTheNewestCallerWhenAPartnerIsDropped) {
   }
 }
 
+TEST_F(ListeningPortTest, ClosedTwiceItTakesThePortFromNobody) {
+  ASSERT_TRUE(socket.Listen(number));
+  const auto first = kvtest::DialLoopback(number);
+  ASSERT_TRUE(port.Open(seconds(5)).has_value());
+  port.Close();
+  EXPECT_EQ(socket.GetState(), State::Closed);
+  ListeningPort next(socket, number, pacer);
+  EXPECT_FALSE(next.Open(milliseconds(1)).has_value());
+  port.Close();
+  EXPECT_EQ(socket.GetState(), State::Listening) << "the next one still waits";
+  const auto controller = kvtest::DialLoopback(number);
+  ASSERT_TRUE(next.Open(seconds(5)).has_value());
+  EXPECT_FALSE(port.IsOpen());
+  for (int i = 0; i < 2; ++i) socket.Stop();
+  EXPECT_EQ(controller.Take(1), "");
+  EXPECT_FALSE(socket.Listen(0));
+}
+
 TEST_F(ListeningPortTest, RefusesARequestThatHasGone) {
   ASSERT_TRUE(socket.Listen(number));
   auto controller = kvtest::DialLoopback(number);
@@ -145,6 +163,10 @@ TEST_F(ListeningPortTest, SaysWhyNobodyIsThere) {
   const auto nobody = port.Open(milliseconds(30));
   ASSERT_FALSE(nobody.has_value());
   EXPECT_THAT(nobody.error().happened, HasSubstr("no controller has dialled in"));
+
+  pacer.RequestStop();
+  EXPECT_THAT(port.Open(std::chrono::hours(1)).error().happened, HasSubstr("was stopped"));
+  pacer.ClearStop();
 
   const kvtest::Listener other;
   EXPECT_FALSE(socket.Listen(other.Port()));

@@ -94,7 +94,23 @@ TEST_F(ModemPortTest, DialsCarriesBytesAndHangsUp) {
     modem.Close();
     EXPECT_FALSE(controller.isConnected);
     EXPECT_THAT(controller.taken, testing::EndsWith("+++"));  // hung up by command, not by pulling the line
+    EXPECT_FALSE(modem.IsOpen());
+    const Instant closed = pacer.Now();
+    modem.Close();
+    EXPECT_EQ(pacer.Now(), closed) << "there is no call any more";
+    std::string bytes;
+    EXPECT_EQ(modem.Read(bytes, {}), Port::Result::Lost);
   }
+}
+
+TEST_F(ModemPortTest, AStopEndsTheHangUpAndDropsTheLine) {
+  auto& modem = Make({});
+  ASSERT_TRUE(modem.Open(kLimit).has_value());
+  pacer.After(milliseconds(300), [this] { pacer.RequestStop(); });
+  const Instant start = pacer.Now();
+  modem.Close();
+  EXPECT_LT(pacer.Now() - start, milliseconds(350));
+  EXPECT_FALSE(modem.IsOpen() || controller.isConnected);
 }
 
 TEST_F(ModemPortTest, SaysWhatBecameOfTheCall) {
@@ -121,12 +137,14 @@ TEST_F(ModemPortTest, EndsACallThatTakesTooLong) {
   };
   for (const auto& [limit, stop, end, happened] : cases) {
     const auto start = pacer.Now();
+    const auto turns = pacer.TurnCount();
     pacer.After(stop, [this] { pacer.RequestStop(); });
     const auto opened = Make({.dialTime = std::chrono::hours(1)}).Open(limit);
     ASSERT_FALSE(opened.has_value());
     EXPECT_THAT(opened.error().happened, HasSubstr(happened));
     EXPECT_GE(pacer.Now() - start, end);
     EXPECT_LT(pacer.Now() - start, end + seconds(2));
+    EXPECT_GT(pacer.TurnCount() - turns, end / milliseconds(50)) << "the window is painted meanwhile";
     pacer.Sleep(seconds(100));
     pacer.ClearStop();
   }
@@ -159,46 +177,6 @@ TEST_F(ModemPortTest, WakesAModemWhoseProfileIsQuietOrAnswersWithNumbers) {
     const auto opened = Make({.answers = answers}).Open(kLimit);
     EXPECT_EQ(opened ? "" : opened.error().happened, happened) << init;
   }
-}
-
-// What a modem says for ever, as fast as it is read.
-class EndlessLine final : public InProcessLine {
- public:
-  bool Connect(Instant) override { return true; }
-  void Disconnect(Instant) override {}
-  bool IsConnected() const override { return true; }
-  void Write(std::string_view, Instant) override {}
-  std::string Read(Instant) override { return "RING RING "; }
-  std::optional<Instant> NextEvent() const override { return std::nullopt; }
-};
-
-// A millisecond passes each time that the clock is read, and the longest gap between two turns is kept.
-class CountingPacer final : public Pacer {
- public:
-  [[nodiscard]] Instant Now() const override { return Instant(milliseconds(++mNow)); }
-  void Sleep(Duration) override { Turn(); }
-  void DoEvents() override { Turn(); }
-  void Turn() override { longestGap = std::max(longestGap, mNow - std::exchange(mLastTurn, mNow)); }
-  [[nodiscard]] bool StopRequested() const override { return false; }
-  void RequestStop() override {}
-  void ClearStop() override {}
-
-  int longestGap = 0;  // milliseconds
-
- private:
-  mutable int mNow = 0;
-  int mLastTurn = 0;
-};
-
-TEST_F(ModemPortTest, GivesTurnsWhileAModemNeverStopsTalking) {
-  CountingPacer counting;
-  auto line = std::make_unique<SimulatedPort>(std::make_shared<EndlessLine>(), "COM3", counting);
-  ModemPort modem(std::move(line), settings, counting);
-  const auto start = counting.Now();
-  EXPECT_FALSE(modem.Open(kLimit));
-  EXPECT_LE(counting.Now() - start, seconds(7));
-  EXPECT_GT(counting.longestGap, 0);
-  EXPECT_LE(counting.longestGap, 50);
 }
 
 TEST_F(ModemPortTest, TellsItsDialogueWithoutThePinOfAMobileCard) {

@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "KvCmDrv1/ports/PortErrors.h"
 #include "Partners.h"
-#include "desktop/console/ConsolePacer.h"
+#include "WorkingPacer.h"
 
 namespace kv {
 namespace {
@@ -24,6 +26,15 @@ class TcpPortTest : public testing::Test {
     return listener.Accept();
   }
 
+  // Whether `isSo` comes true: what the other side did is seen a moment later.
+  bool Reaches(const std::function<bool()>& isSo) {
+    for (int i = 0; i < kvtest::kLongestMilliseconds; ++i) {
+      if (isSo()) return true;
+      pacer.Sleep(milliseconds(1));
+    }
+    return false;
+  }
+
   ConsolePacer pacer;
   Listener listener;
   TcpPort port{"127.0.0.1", listener.Port(), pacer};
@@ -36,9 +47,27 @@ TEST_F(TcpPortTest, CarriesEveryByteBothWaysAndTellsSilence) {
   partner.Give(kvtest::EveryByte());
   EXPECT_EQ(kvtest::ReadFrom(port, 256), kvtest::EveryByte());
 
-  std::string nothing;
-  EXPECT_EQ(port.Read(nothing, milliseconds(1)), Port::Result::Nothing);
+  std::string bytes;
+  for (const Duration slice : {Duration(milliseconds(1)), Duration{}}) {
+    EXPECT_EQ(port.Read(bytes, slice), Port::Result::Nothing) << "and no wait without a slice";
+  }
+  partner.Give("x");
+  ASSERT_TRUE(Reaches([&] { return port.Read(bytes, {}) == Port::Result::Done; }));
+  EXPECT_EQ(bytes, "x");
   EXPECT_TRUE(port.IsOpen());
+}
+
+// The number of a handle that was given back may belong to somebody else by now.
+TEST_F(TcpPortTest, ClosedTwiceItClosesNobodyElsesConnection) {
+  const auto first = Connect(port);
+  port.Close();
+  TcpPort next("127.0.0.1", listener.Port(), pacer);
+  const auto partner = Connect(next);
+  port.Close();
+  std::string_view nothing = "x";
+  EXPECT_EQ(port.Write(nothing, milliseconds(1)), Port::Result::Lost);
+  ASSERT_TRUE(kvtest::WriteAll(next, "here"));
+  EXPECT_EQ(partner.Take(4), "here");
 }
 
 TEST_F(TcpPortTest, FindsAHostByName) {
@@ -100,12 +129,16 @@ TEST_F(TcpPortTest, GivesUpAtTheLimitAndWhenItIsStopped) {
     ::connect(waiting.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
     queue.push_back(std::move(waiting));
   }
-  TcpPort silent("127.0.0.1", full.Port(), pacer);
+  int turns = 0;
+  WorkingPacer painting;
+  painting.onTurn = [&turns](Instant) { ++turns; };
+  TcpPort silent("127.0.0.1", full.Port(), painting);
   const auto late = silent.Open(milliseconds(50));
   ASSERT_FALSE(late.has_value());
   EXPECT_THAT(late.error().happened, HasSubstr("did not answer in time"));
+  EXPECT_GT(turns, 0) << "the window is painted meanwhile";
 
-  pacer.RequestStop();
+  painting.RequestStop();
   const auto stopped = silent.Open(std::chrono::hours(1));
   ASSERT_FALSE(stopped.has_value());
   EXPECT_THAT(stopped.error().happened, HasSubstr("was stopped"));
