@@ -4,7 +4,6 @@
 
 #include "Bench.h"
 #include "desktop/ScriptedPrompts.h"
-#include "link/DownloadEngine.h"
 #include "link/PromptedPassword.h"
 
 namespace kv {
@@ -49,12 +48,6 @@ void PutAnother(Guarded& bench) {
   sim::SimulatorOptions another;
   another.serialNumber = 4711;
   bench.plant.Connect("K220", "secret", another);
-}
-
-bool BeginDownload(Channel& channel) {
-  DownloadEngine& engine = *channel.GetDownloadEngine();
-  engine.SetMessage({.opCode = 66});
-  return engine.SendWithData(Bytes(8, ' ')) && engine.ReplyStatus() == kBlockDone;
 }
 
 TEST(Access, IsAskedForOnceAndKeptForTheConnection) {

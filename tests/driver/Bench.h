@@ -11,6 +11,7 @@
 
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/ports/SimulatedPort.h"
+#include "link/DownloadEngine.h"
 #include "tests/matrix/MatrixBench.h"
 
 namespace kv {
@@ -167,5 +168,12 @@ struct Bench {
   }
   [[nodiscard]] const LinkError& Error() const { return channel.LastError(); }
 };
+
+// A block message that is no read.
+inline bool BeginDownload(Channel& channel) {
+  DownloadEngine& engine = *channel.GetDownloadEngine();
+  engine.SetMessage({.opCode = 66});
+  return engine.SendWithData(Bytes(8, ' ')) && engine.ReplyStatus() == kBlockDone;
+}
 
 }  // namespace kv

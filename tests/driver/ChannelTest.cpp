@@ -35,11 +35,21 @@ TEST(Channel, WhatNoControllerCanDoIsNotSent) {
       c.ReadMemoryBlock(0, 4097, 1).has_value(),
       c.ReadMemoryBlock(0xFFFFFFFF, 2, 1).has_value(),
       c.GiveAccess("ninechars", 1),
-      c.SendCommand("").has_value(),
-      c.SendCommand("ID\r").has_value(),
   };
   for (const bool result : results) EXPECT_FALSE(result) << &result - results;
   EXPECT_EQ(bench.Error().code, LinkErrorCode::BadArgument);
+  EXPECT_FALSE(c.WriteCounterPresets(0, std::vector{FixedPoint::FromInteger(1), FixedPoint::FromInteger(-1)}, 1));
+  EXPECT_TRUE(bench.Error().happened.starts_with("value 2 does not fit the operand")) << bench.Error().Text();
+  const std::pair<std::string, const char*> commands[] = {
+      {"", "the command is empty"},
+      {std::string(1101, 'x'), "the command is longer than 1100 characters"},
+      {"ID\r", "the command holds a character that no frame can carry"},
+  };
+  for (const auto& [command, fault] : commands) {
+    EXPECT_FALSE(c.SendCommand(command));
+    EXPECT_EQ(bench.Error().happened, fault);
+    EXPECT_EQ(bench.Error().code, LinkErrorCode::BadArgument);
+  }
   EXPECT_EQ(bench.trace->Text(), before);
 }
 
@@ -62,6 +72,7 @@ TEST(Channel, OperandListGoesTheWayThatTheControllerUnderstands) {
     EXPECT_EQ(*lists, (std::vector<OperandListValues>{{5, 6}}));
     EXPECT_EQ(bench.channel.GetDownloadEngine() == nullptr, isCompact);
     EXPECT_EQ(bench.Error().code, isCompact ? LinkErrorCode::NotSupported : LinkErrorCode::None);
+    EXPECT_EQ(bench.Error().happened, isCompact ? "this controller understands text commands only" : "");
   }
 }
 
@@ -105,11 +116,15 @@ TEST(Channel, RawTrafficPassesAndExchangesAreInStepAfterwards) {
   EXPECT_EQ(port->InBufferSize(), 8192U);
   EXPECT_TRUE(port->Output("/01CCS3A\r"));
   EXPECT_EQ(port->Input(), "") << "nothing yet, and no wait";
+  for (int i = 0; i < 2; ++i) EXPECT_TRUE(port->WaitForInput(1s)) << "what waits is there at once";
   bench.pacer.Sleep(10ms);
   EXPECT_TRUE(port->Input().starts_with("/01CCOK"));
   EXPECT_TRUE(port->Output("/01CCS3A\r"));
   bench.pacer.Sleep(10ms);
   port->SetInBufferCount(0);
+  const int turns = bench.pacer.TurnCount();
+  EXPECT_FALSE(port->WaitForInput(200ms));
+  EXPECT_GT(bench.pacer.TurnCount(), turns + 3) << "the window is painted meanwhile";
   EXPECT_EQ(port->Input(), "");
   EXPECT_TRUE(port->Output("/01CCS3A\r"));
   EXPECT_TRUE(bench.channel.StopController(1)) << "its reply is told from that of the equal raw frame";

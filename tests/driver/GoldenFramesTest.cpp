@@ -112,28 +112,5 @@ TEST(GoldenFrames, BlockMessagesAreBuiltAndTakenByteForByte) {
   EXPECT_GT(replies, 10U);
 }
 
-// One stream of everything, a byte at a time and all at once: the same finds.
-TEST(GoldenFrames, HowTheBytesArriveChangesNothing) {
-  std::string stream;
-  std::size_t expected = 0;
-  for (const char* file : {"ascii.txt", "block.txt"}) {
-    for (const GoldenFrame& golden : ReadGoldenFrames(file)) {
-      if (golden.isRequest) continue;
-      stream += golden.bytes;
-      ++expected;
-    }
-  }
-  for (const std::size_t step : {std::size_t{1}, std::size_t{7}, std::size_t{1000}, stream.size()}) {
-    MessageReceiver receiver;
-    std::size_t good = 0;
-    for (std::size_t at = 0; at < stream.size(); at += step) {
-      receiver.Feed(std::string_view(stream).substr(at, step), Instant{});
-      while (const auto received = receiver.Next(Instant{})) good += received->IsGood() ? 1U : 0U;
-    }
-    EXPECT_EQ(good, expected) << step;
-    EXPECT_TRUE(receiver.IsEmpty());
-  }
-}
-
 }  // namespace
 }  // namespace kv

@@ -82,18 +82,6 @@ TEST(MessageReceiver, FindsWhatIsGoodInWhatIsNot) {
   }
 }
 
-TEST(MessageReceiver, GivesUpABlockMessageThatStopsArriving) {
-  const std::string good = Frame("AB12");
-  for (const std::size_t arrived : {std::size_t{2}, std::size_t{3}}) {
-    MessageReceiver receiver;
-    receiver.Feed(Block("data").substr(0, arrived), Instant{});
-    EXPECT_EQ(Finds(receiver, Instant(99ms)), "");
-    EXPECT_EQ(Finds(receiver, Instant(100ms)), "xn") << arrived;
-    receiver.Feed(good, Instant(101ms));
-    EXPECT_EQ(Finds(receiver, Instant(101ms)), "[AB12]") << arrived;
-  }
-}
-
 TEST(MessageReceiver, KeepsABlockMessageWhoseHeadHoldsUntilNobodyWaits) {
   const std::string block = Block("data/01");
   for (const std::size_t arrived : {std::size_t{4}, std::size_t{28}, std::size_t{33}}) {
@@ -109,17 +97,6 @@ TEST(MessageReceiver, KeepsABlockMessageWhoseHeadHoldsUntilNobodyWaits) {
   std::string frame;
   while (const auto received = receiver.Next(Instant(10s), true)) frame = received->frame.text;
   EXPECT_EQ(frame, "A");
-}
-
-TEST(MessageReceiver, EndlessCharactersAreDroppedAndTheNextFrameFound) {
-  const std::string longest = Frame(std::string(kMaxFrameText, 'x'));
-  MessageReceiver receiver;
-  receiver.Feed("/" + std::string(5000, 'y') + longest, Instant{});
-  EXPECT_EQ(Finds(receiver, Instant{}), "l[" + std::string(kMaxFrameText, 'x') + "]");
-  receiver.Feed(std::string(100000, '/'), Instant{});
-  EXPECT_EQ(Finds(receiver, Instant{}), std::string(100000 - 1107, 'l'));
-  receiver.Feed(longest, Instant{});
-  EXPECT_TRUE(Finds(receiver, Instant{}).ends_with("[" + std::string(kMaxFrameText, 'x') + "]"));
 }
 
 TEST(EncodeFrame, RefusesWhatAReceiverWouldMisread) {

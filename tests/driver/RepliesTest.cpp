@@ -18,22 +18,6 @@ std::string Joined(const std::optional<OperandListValues>& values) {
   return text;
 }
 
-TEST(Replies, OperandValuesOfEveryShape) {
-  const std::tuple<const char*, OperandRange, const char*> cases[] = {
-      {"RO0004010000000400010001", Range(1, 0, 4), "0 1 0 1 "},
-      {"RO0005030064000300007FFFFFFF", Range(3, 100, 3), "0 32767 65535 "},
-      {"RO00060500000002800000000001E240", Range(5, 0, 2), "2147483648 123456 "},
-      {"RO00080B00000001000003E8000000FA01", Range(11, 0, 1), "1000 250 1 "},
-      {"RO00090C000200010064000700", Range(12, 2, 1), "100 7 0 "},
-      {"RO0004010000000400010002", Range(1, 0, 4), "none"},  // a bit of 2
-      {"RO00090C000200010064000702", Range(12, 2, 1), "none"},
-  };
-  for (const auto& [reply, range, values] : cases) {
-    const auto tag = static_cast<std::uint16_t>(reply[5] - '0');
-    EXPECT_EQ(Joined(ReadOperandValues(reply, tag, range)), values) << reply;
-  }
-}
-
 // A reply that is off by one character anywhere, too short or too long must give nothing at all.
 TEST(Replies, NothingIsTakenFromAReplyThatDoesNotFit) {
   Bytes memory(8);
@@ -59,31 +43,6 @@ TEST(Replies, NothingIsTakenFromAReplyThatDoesNotFit) {
   }
   ASSERT_TRUE(ReadMemoryBytes(cases[2].first, 15, 0x300000, memory));
   EXPECT_EQ(memory, (Bytes{0x00, 0x01, 0x02, 0x03, 0x04, 0xFF, 0xFE, 0x2F}));
-}
-
-TEST(Replies, Identification) {
-  EXPECT_EQ(ReadIdentification("IDK670 / K390|20|BT 1.2;|B07;"), (VersionInfo{"K670 / K390", "20", "BT 1.2;", "B07;"}));
-  EXPECT_EQ(ReadIdentification("IDQ50|||"), (VersionInfo{"Q50", "", "", ""}));
-  for (const char* wrong : {"IDQ50||", "IDQ50||||", "DIQ50|||", ""}) EXPECT_FALSE(ReadIdentification(wrong)) << wrong;
-}
-
-TEST(Replies, InformationAndStep) {
-  const auto info = ReadInformation("IN000012345678S50756D702031", 0);
-  ASSERT_TRUE(info);
-  EXPECT_EQ(info->serialNumber, 0x12345678U);
-  EXPECT_EQ(info->state, 'S');
-  EXPECT_EQ(info->projectName, "Pump 1");
-  EXPECT_FALSE(ReadInformation("IN000012345678S" + std::string(42, '4'), 0)) << "a name of 21 bytes";
-  EXPECT_FALSE(ReadInformation("IN000012345678S504", 0)) << "half a byte";
-
-  const auto step = ReadSynchronisation("SY000C0012ED3ED2DE5EC1WO000B0300000002OK", 12);
-  ASSERT_TRUE(step);
-  EXPECT_EQ(step->counter, 0x12);
-  EXPECT_EQ(step->check, 0xED3ED2DEU);
-  EXPECT_EQ(step->powerUp, 0x5EC1);
-  EXPECT_EQ(step->reply, "WO000B0300000002OK");
-  EXPECT_FALSE(ReadSynchronisation("SY000C0012ED3ED2DE5EC1" + std::string(41, 'x'), 12));
-  EXPECT_FALSE(ReadSynchronisation("SY000C0012ED3ED2DE5EC1", 13));
 }
 
 TEST(Replies, OperandListPayload) {
