@@ -89,7 +89,7 @@ TEST(Exchange, ADisturbedLineIsToldWhereDamageWasSeen) {
     const char* told;
     bool isDisturbed;
   } cases[] = {
-      {"noreply:on=RO", {}, LinkErrorCode::NoReply, "no reply after 3 tries", false},
+      {"noreply:on=RO", {}, LinkErrorCode::NoReply, "no reply after 3 tries (1.32 s)", false},
       {"garbage:bytes=3,on=RO", {.pauseAt = 3, .pause = 5s}, LinkErrorCode::NoReply, "only a few stray bytes", false},
       {"wrongunit:on=RO", {}, LinkErrorCode::NoReply, "only messages that answer something else", false},
       {"cut:after=7,on=RO", {}, LinkErrorCode::Damaged, "stopped in the middle", false},

@@ -248,6 +248,11 @@ TEST(Reconnect, TriesWithGrowingPausesWithinTheDeadline) {
   EXPECT_EQ(bench.Error().happened, "the connection was lost: nobody is there");
   EXPECT_LE(bench.pacer.Now() - start, 3 * 1200ms);
 
+  Bench dropped;  // it comes back each time, and is lost again
+  dropped.plant.UseFaults({"lost:on=RO"});
+  EXPECT_FALSE(dropped.channel.ReadMI(0, 1, 1));
+  EXPECT_LE(dropped.plant.connections, 6) << "the pauses grow";
+
   bench.pacer.After(500ms, [&] { bench.pacer.RequestStop(); });
   const Instant again = bench.pacer.Now();
   EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
