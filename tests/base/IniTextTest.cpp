@@ -68,19 +68,6 @@ TEST(IniText, AWriteChangesItsLineOnly) {  // "k" in "s" becomes "v"
   }
 }
 
-TEST(IniText, ADeletionTakesTheKeyOrTheSection) {
-  const std::string text = "x\n[s]\nk=1\n; note\nb=2\n\n[t]\nk=3\n[s]\nk=4\n";
-  IniText key(text);
-  key.DeleteKey("S", "K");
-  key.DeleteKey("s", "none");
-  key.DeleteKey("none", "k");
-  EXPECT_EQ(key.Text(), "x\n[s]\n; note\nb=2\n\n[t]\nk=3\n[s]\nk=4\n");
-  IniText section(text);
-  section.DeleteSection("s");
-  section.DeleteSection("none");
-  EXPECT_EQ(section.Text(), "x\n[t]\nk=3\n[s]\nk=4\n");
-}
-
 TEST(ProfileStrings, ReadAndWriteAFile) {
   const TemporaryFolder folder;
   const auto file = folder.Path() / "a.ini";
@@ -92,8 +79,12 @@ TEST(ProfileStrings, ReadAndWriteAFile) {
   EXPECT_TRUE(WriteProfileString(file, "s", "b", ""));
   EXPECT_TRUE(WriteProfileString(file, "s", "k", std::nullopt));
   EXPECT_EQ(TemporaryFolder::Content(file), "[s]\r\nb=\r\n");
-  EXPECT_TRUE(WriteProfileString(file, "s", std::nullopt, std::nullopt));
-  EXPECT_EQ(TemporaryFolder::Content(file), "");
+  const auto full = folder.Put("full.ini", "x\n[s]\nk=1\n; note\nb=2\n\n[t]\nk=3\n[s]\nk=4\n");
+  EXPECT_TRUE(WriteProfileString(full, "S", "K", std::nullopt));
+  EXPECT_TRUE(WriteProfileString(full, "s", "none", std::nullopt));
+  EXPECT_EQ(TemporaryFolder::Content(full), "x\n[s]\n; note\nb=2\n\n[t]\nk=3\n[s]\nk=4\n");
+  EXPECT_TRUE(WriteProfileString(full, "s", std::nullopt, std::nullopt));
+  EXPECT_EQ(TemporaryFolder::Content(full), "x\n[t]\nk=3\n[s]\nk=4\n");
 }
 
 TEST(ProfileStrings, ValuesAreCutToTheBuffer) {

@@ -92,7 +92,7 @@ struct DataViewBench : SessionBench, GridListener, HexSelectorWindow {
   }
 
   void GridsChanged(const GridChanges& changes) override { changed.push_back(changes); }
-  void StatusChanged() override { modes.push_back(view.Status().mode); }
+  void StatusChanged() override {}
   std::optional<std::string> Edit(const std::string& hexCode) override { return separator(hexCode); }
 
   // Adds what the grid's cells of one type and these addresses make.
@@ -113,7 +113,6 @@ struct DataViewBench : SessionBench, GridListener, HexSelectorWindow {
     return offered;
   };
   std::vector<GridChanges> changed;
-  std::vector<ViewMode> modes;
   std::shared_ptr<OperandChannel> channel = std::make_shared<OperandChannel>(log);
   VirtualPacer pacer;
   MemoryClipboard clipboard;

@@ -75,11 +75,9 @@ TEST(SheetRefusalsTest, DamagedAndCutFilesDoNoHarm) {
       EXPECT_TRUE(!read || *read == table) << name << " cut at " << length;
     }
     for (std::size_t at = 0; at < good.size(); ++at) {
-      for (const int mask : {0x01, 0xFF}) {
-        std::string bad = good;
-        bad[at] = static_cast<char>(bad[at] ^ mask);
-        (void)ReadSheetBytes(bad, name);
-      }
+      std::string bad = good;
+      bad[at] = static_cast<char>(~bad[at]);
+      (void)ReadSheetBytes(bad, name);
     }
   }
 }
