@@ -18,7 +18,7 @@ std::string CommandBench::PathOf(const std::string& name) const {
   return Utf8FromPath(home.Path() / PathFromUtf8(name));
 }
 
-Result CommandBench::Run(const std::string& line) {
+std::vector<std::string> CommandBench::WordsOf(const std::string& line) const {
   std::vector<std::string> words;
   bool isQuoted = false;
   bool isInWord = false;
@@ -34,7 +34,7 @@ Result CommandBench::Run(const std::string& line) {
   for (std::string& word : words) {
     if (word.starts_with('@')) word = PathOf(word.substr(1));
   }
-  return Run(words);
+  return words;
 }
 
 Result CommandBench::ExpectFailure(const FailingCommand& command) {
@@ -49,7 +49,7 @@ Result CommandBench::ExpectFailure(const FailingCommand& command) {
   return result;
 }
 
-Result CommandBench::Run(const std::vector<std::string>& arguments) {
+Result CommandBench::Run(const std::string& line) {
   std::ostringstream out;
   std::ostringstream err;
   if (outIsBroken) out.setstate(std::ios::badbit);
@@ -62,37 +62,32 @@ Result CommandBench::Run(const std::vector<std::string>& arguments) {
       .pacer = pacer,
       .clock = pacer,
       .home = home.Path(),
-      .makeDriver =
-          [&](cli::DriverOrder order) {
-            if (order.traceFile.empty()) order.traceFile = Utf8FromPath(trace);
-            auto driver =
-                std::make_unique<Driver>(pacer, [this](const std::string& model) { return NewLine(model); }, makePort);
-            return cli::SetUpDriver(std::move(driver), order, nullptr);
-          },
+      .makeDriver = [&](cli::DriverOrder order) -> cli::OrFailure<std::unique_ptr<CommDriver>> {
+        if (driver) return std::move(driver);
+        if (order.traceFile.empty()) order.traceFile = Utf8FromPath(trace);
+        auto real =
+            std::make_unique<Driver>(pacer, [this](const std::string& model) { return NewLine(model); }, makePort);
+        return cli::SetUpDriver(std::move(real), order, nullptr);
+      },
       .listSerialPorts = [this] { return serialPorts; },
   };
   std::filesystem::remove(trace);
-  const auto exit = cli::RunKvTele(arguments, environment);
+  const auto exit = cli::RunKvTele(WordsOf(line), environment);
   return {static_cast<int>(exit), out.str(), err.str(), TemporaryFolder::Content(trace)};
 }
 
-// Leads to whichever controller is there.
+// Leads to whichever controller is there when it is connected.
 class CommandBench::Cable final : public InProcessLine {
  public:
-  Cable(CommandBench& bench, std::string model)
-      : mBench(bench), mModel(std::move(model)), mLine(bench.LineTo(mModel)), mSince(bench.mPluggedInAt[mModel]) {}
+  Cable(CommandBench& bench, std::string model) : mBench(bench), mModel(std::move(model)) {}
 
-  bool Connect(Instant now) override { return mLine->Connect(now); }
-  void Disconnect(Instant now) override { mLine->Disconnect(now); }
-  bool IsConnected() const override { return mLine->IsConnected(); }
-  void Write(std::string_view bytes, Instant now) override {
-    if (const Instant since = mBench.mPluggedInAt[mModel]; since != mSince) {
-      mSince = since;
-      mLine = mBench.LineTo(mModel);
-      EXPECT_TRUE(mLine->Connect(now));
-    }
-    if (now >= mSince) mLine->Write(bytes, now);
+  bool Connect(Instant now) override {
+    mLine = mBench.LineTo(mModel);
+    return mLine->Connect(now);
   }
+  void Disconnect(Instant now) override { mLine->Disconnect(now); }
+  bool IsConnected() const override { return mLine && mLine->IsConnected(); }
+  void Write(std::string_view bytes, Instant now) override { mLine->Write(bytes, now); }
   std::string Read(Instant now) override { return mLine->Read(now); }
   std::optional<Instant> NextEvent() const override { return mLine->NextEvent(); }
 
@@ -100,13 +95,7 @@ class CommandBench::Cable final : public InProcessLine {
   CommandBench& mBench;
   std::string mModel;
   std::unique_ptr<InProcessLine> mLine;
-  Instant mSince;
 };
-
-void CommandBench::ReplaceController(const std::string& model, Duration silence) {
-  mControllers.erase(model);
-  mPluggedInAt[model] = pacer.Now() + silence;
-}
 
 std::unique_ptr<InProcessLine> CommandBench::NewLine(const std::string& model) {
   return LineTo(model) ? std::make_unique<Cable>(*this, model) : nullptr;

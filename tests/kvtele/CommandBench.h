@@ -44,28 +44,28 @@ class CommandBench {
   bool outIsBroken = false;  // its reader has gone away, or the disk is full
   std::vector<SerialPortInfo> serialPorts;
   PortMaker makePort = MakePort;
-  TemporaryFolder home;  // with an empty session "Default"
+  std::unique_ptr<CommDriver> driver;  // of the next command; none: the real one
+  TemporaryFolder home;                // with an empty session "Default"
 
   // `kvtele LINE`. Words are separated by blanks, '' keeps them together, and "@NAME" is the file of that name in
   // `home`.
   Result Run(const std::string& line);
-  Result Run(const std::vector<std::string>& arguments);
   // `kvtele --link sim:MODEL LINE`
   Result On(const std::string& model, const std::string& line) { return Run("--link sim:" + model + " " + line); }
   // Runs the command with --json and expects that it says all of that, and nothing else on its standard output.
   Result ExpectFailure(const FailingCommand& command);
   [[nodiscard]] std::string PathOf(const std::string& name) const;
-  // The controller at the end of the cable to `model` is taken away, and a new one, with the options as they are then,
-  // is put there; the cable stays connected.
-  void ReplaceController(const std::string& model, Duration silence);
+  // A new controller, with the options as they are then, takes the place of `model` for the next connection.
+  void ReplaceController(const std::string& model) { mReplaced.push_back(std::move(mControllers[model])); }
 
  private:
   class Cable;
+  [[nodiscard]] std::vector<std::string> WordsOf(const std::string& line) const;
   [[nodiscard]] std::unique_ptr<InProcessLine> NewLine(const std::string& model);
   [[nodiscard]] std::unique_ptr<InProcessLine> LineTo(const std::string& model);
 
   std::map<std::string, std::unique_ptr<sim::SimulatedController>> mControllers;
-  std::map<std::string, Instant> mPluggedInAt;
+  std::vector<std::unique_ptr<sim::SimulatedController>> mReplaced;
 };
 
 }  // namespace kv::test

@@ -6,6 +6,8 @@
 #include "KvCmDrv1/ports/SimulatedPort.h"
 #include "simulator/SimulatedModem.h"
 #include "tests/kvtele/CommandBench.h"
+#include "tests/support/FakeChannel.h"
+#include "tests/support/FakeDriver.h"
 
 namespace kv::test {
 namespace {
@@ -14,14 +16,14 @@ using ::testing::HasSubstr;
 
 TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
   CommandBench bench;
-  bench.options.password = "1234";
+  bench.options.password = "12~4";
   const char* const write = "--link sim:Q50 write MI 7 5";
   bench.ExpectFailure({write, 4, "passwordNeeded", "give the controller's password with --password"});
   bench.ExpectFailure({"--link sim:Q50 write MI 7 5 --password 0000", 4, "wrongPassword", "the password is wrong"});
   EXPECT_EQ(bench.On("Q50", "read MI 7").out, "7\t0\n");
-  EXPECT_EQ(bench.On("Q50", "write MI 7 5 --password 1234").exit, 0);
+  EXPECT_EQ(bench.On("Q50", "write MI 7 5 --password 12~4").exit, 0);
 
-  bench.input.lines = std::deque<std::string>{"0000", "1234"};
+  bench.input.lines = std::deque<std::string>{"0000", "12~4"};
   EXPECT_EQ(bench.On("Q50", "write MI 7 6").exit, 0);
   EXPECT_EQ(bench.On("Q50", "read MI 7").out, "7\t6\n");
 }
@@ -33,6 +35,7 @@ TEST(SerialNumber, OfTheControllerThatIsMeantIsTaken) {
   const Result other = bench.ExpectFailure({"--link sim:Q50 --serial-number 4712 read MI 0", 4, "otherController",
                                             "another controller answered: Q50-2-R34, serial number 4711"});
   EXPECT_THAT(other.err, HasSubstr("or change the serial number that the link is set to"));
+  EXPECT_EQ(other.trace.find("/01RO"), std::string::npos) << "nothing is read";
 }
 
 TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {
@@ -66,43 +69,26 @@ TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {
   }
 }
 
-// A port that partners call: the first one says nothing, the second is the controller.
-class CalledPort final : public Port {
+// A driver on a link that partners call: two messages come before the controller.
+class CalledDriver final : public FakeDriver {
  public:
-  CalledPort(std::shared_ptr<InProcessLine> line, Pacer& pacer) : mPort(std::move(line), "", pacer) {}
-  std::expected<void, PortError> Open(Duration limit) override {
-    ++mCalls;
-    return mPort.Open(limit);
+  using FakeDriver::FakeDriver;
+  void SetDriverActive(bool) override {
+    OnComMessage("A caller was dropped: caller 1: it does not answer");
+    OnComMessage("Connection closed");
   }
-  void Close() override { mPort.Close(); }
-  bool IsOpen() const override { return mPort.IsOpen(); }
-  Result Write(std::string_view& bytes, Duration slice) override {
-    if (mCalls > 1) return mPort.Write(bytes, slice);
-    bytes = {};
-    return Result::Done;
-  }
-  Result Read(std::string& buffer, Duration slice) override { return mPort.Read(buffer, slice); }
-  const PortError& LossReason() const override { return mPort.LossReason(); }
-  Duration ByteTime() const override { return {}; }
-  bool SetBaudRate(int) override { return false; }
-  std::string Description() const override { return "caller " + std::to_string(mCalls); }
-  bool IsCalled() const override { return true; }
-
- private:
-  SimulatedPort mPort;
-  int mCalls = 0;
 };
 
 TEST(DialIn, WhoWasDroppedIsToldThoughTheControllerCame) {
   CommandBench bench;
-  sim::SimulatorOptions options;
-  options.model = "Q50";
-  const auto controller = sim::SimulatedController::Create(options).value();
-  bench.makePort = [&](const LinkSettings&, Pacer& pacer, ListeningSocket*) {
-    return std::make_unique<CalledPort>(controller->NewLine(), pacer);
-  };
-  const Result result = bench.Run("--link listen:20302 read MI 0");
-  EXPECT_EQ(result.exit, 0) << result.err;
+  CallLog log;
+  const auto channel = std::make_shared<FakeChannel>();
+  channel->version = VersionInfo{.model = "Q50-2-R34"};
+  channel->info = Channel::ControllerInfo{};
+  bench.driver = std::make_unique<CalledDriver>(log);
+  dynamic_cast<CalledDriver&>(*bench.driver).channel = channel;
+  const Result result = bench.Run("identify");
+  EXPECT_EQ(result.exit, 0);
   EXPECT_EQ(result.err, "A caller was dropped: caller 1: it does not answer\n");
 }
 

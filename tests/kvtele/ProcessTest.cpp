@@ -25,11 +25,19 @@ TEST(KvTeleProcess, WritesAndReadsAndStopsOnCtrlC) {
   EXPECT_EQ(read->End(), 0) << read->Complaint();
   EXPECT_EQ(read->Output(), "7\t-5\n");
 
+  const std::string state = "Sessions/Default/Simulated Q50.state";
+  ASSERT_TRUE(std::filesystem::exists(home.Path() / state));
+
   const auto plant = home.Put("plant.axt", "Version 100\r\nQ50\r\n2\tMI\t100\t100\t\r\n\r\n");  // it moves by itself
   const auto watch = start({"watch", plant.string(), "--for", "30"});
   EXPECT_THAT(watch->ReadLine(), HasSubstr("\tMI\t100\t"));
   EXPECT_EQ(watch->End(SIGINT), 130);
   EXPECT_THAT(watch->Complaint(), HasSubstr("stopped by Ctrl-C"));
+
+  home.Put(state, "no state at all");
+  const auto damaged = start({"identify"});
+  EXPECT_EQ(damaged->End(), 3);
+  EXPECT_THAT(damaged->Complaint(), HasSubstr("Simulated Q50.state"));
 }
 
 }  // namespace
