@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {

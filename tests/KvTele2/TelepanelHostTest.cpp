@@ -9,9 +9,9 @@
 #include "base/PathText.h"
 #include "desktop/VirtualPacer.h"
 #include "host/ToolTable.h"
-#include "tests/base/TemporaryFolder.h"
 #include "tests/support/FakeChannel.h"
 #include "tests/support/LoggedPrompts.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {

@@ -8,8 +8,8 @@
 #include <regex>
 #include <set>
 
-#include "tests/base/TemporaryFolder.h"
 #include "tests/support/MarkdownTables.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
 namespace {

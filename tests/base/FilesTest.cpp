@@ -3,7 +3,7 @@
 #include "base/AtomicFile.h"
 #include "base/PathText.h"
 #include "base/ProgramPaths.h"
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/ProfileStrings.h"
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {

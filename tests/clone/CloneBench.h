@@ -15,9 +15,9 @@
 #include "base/PathText.h"
 #include "clone/clsDumpPLC.h"
 #include "desktop/VirtualPacer.h"
-#include "tests/base/TemporaryFolder.h"
 #include "tests/support/FakeChannel.h"
 #include "tests/support/LoggedPrompts.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
 

@@ -5,7 +5,7 @@
 
 #include "dataview/GridSelection.h"
 #include "dataview/files/OperandSheet.h"
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -6,7 +6,7 @@
 #include "base/Crc32.h"
 #include "base/Numbers.h"
 #include "dataview/files/GridText.h"
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -13,8 +13,8 @@
 #include "desktop/console/ConsolePrompts.h"
 #include "desktop/console/ConsoleShell.h"
 #include "desktop/console/HarmlessText.h"
-#include "tests/base/TemporaryFolder.h"
-#include "tests/desktop/TypedInput.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TypedInput.h"
 
 namespace kv {
 namespace {

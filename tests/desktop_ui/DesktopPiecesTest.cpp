@@ -17,8 +17,8 @@
 #include "desktop/ui/QtShell.h"
 #include "desktop/ui/ScrollPage.h"
 #include "desktop/ui/WindowGeometry.h"
-#include "tests/base/TemporaryFolder.h"
 #include "tests/desktop_ui/QtBench.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {

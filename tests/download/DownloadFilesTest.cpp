@@ -11,7 +11,7 @@
 #include "download/OsFileName.h"
 #include "simulator/LittleEndian.h"
 #include "simulator/files/SampleBytes.h"
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
 namespace {

@@ -7,7 +7,7 @@
 #include "Samples.h"
 #include "download/CompactOsFile.h"
 #include "download/OsFileName.h"
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
 namespace {

@@ -8,7 +8,7 @@
 #include "KvCmDrv1/LinkText.h"
 #include "KvCmDrv1/RoundTrip.h"
 #include "KvCmDrv1/SettingsFile.h"
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {

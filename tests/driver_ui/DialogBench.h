@@ -10,9 +10,9 @@
 #include "apps/support/SimulatedControllers.h"
 #include "base/PathText.h"
 #include "desktop/MemoryClipboard.h"
-#include "tests/base/TemporaryFolder.h"
 #include "tests/desktop/TestPrompts.h"
 #include "tests/desktop_ui/QtBench.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
 

@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "editors/ui/frmHexSelector.h"
-#include "tests/base/TemporaryFolder.h"
 #include "tests/desktop_ui/QtBench.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/base/TemporaryFolder.h"
 #include "tests/desktop_ui/QtBench.h"
 #include "tests/host_ui/ProgramRun.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
 

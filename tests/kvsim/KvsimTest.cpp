@@ -4,8 +4,8 @@
 #include "download/DownloadFile.h"
 #include "download/OsFileLists.h"
 #include "link/AsciiFrame.h"
-#include "tests/base/TemporaryFolder.h"
 #include "tests/support/ProgramProcess.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kvtest {
 namespace {

@@ -9,8 +9,8 @@
 #include "apps/kvtele/KvTele.h"
 #include "desktop/VirtualPacer.h"
 #include "simulator/SimulatedController.h"
-#include "tests/base/TemporaryFolder.h"
-#include "tests/desktop/TypedInput.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TypedInput.h"
 
 namespace kv::test {
 

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/base/TemporaryFolder.h"
 #include "tests/support/ProgramProcess.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kvtest {
 namespace {

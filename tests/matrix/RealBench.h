@@ -8,8 +8,8 @@
 #include "KvCmDrv1/Driver.h"
 #include "KvCmDrv1/ports/PortFactory.h"
 #include "desktop/console/ConsolePacer.h"
-#include "tests/base/TemporaryFolder.h"
 #include "tests/support/ProgramProcess.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::matrix {
 

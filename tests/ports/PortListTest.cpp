@@ -4,7 +4,7 @@
 
 #include <ostream>
 
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 

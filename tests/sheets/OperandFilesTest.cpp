@@ -3,7 +3,7 @@
 
 #include "dataview/files/OperandCsv.h"
 #include "dataview/files/OperandSheet.h"
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

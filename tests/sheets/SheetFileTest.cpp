@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "base/ScopeGuard.h"
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {

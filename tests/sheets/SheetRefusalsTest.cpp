@@ -4,8 +4,8 @@
 #include <string>
 
 #include "dataview/sheets/SheetFile.h"
-#include "tests/base/TemporaryFolder.h"
 #include "tests/sheets/StoredZip.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "ControllerBench.h"
 #include "OsTransferBytes.h"
-#include "tests/base/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace sim::test {
 namespace {

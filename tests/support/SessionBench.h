@@ -5,10 +5,10 @@
 
 #include "base/PathText.h"
 #include "host/shared/SharedState.h"
-#include "tests/base/TemporaryFolder.h"
 #include "tests/support/FakeDriver.h"
 #include "tests/support/FakeHost.h"
 #include "tests/support/LoggedPrompts.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
 

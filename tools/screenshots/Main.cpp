@@ -12,8 +12,8 @@
 #include <iostream>
 #include <optional>
 
-#include "tests/base/TemporaryFolder.h"
 #include "tests/host_ui/ProgramRun.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tools/screenshots/ClonerPictures.h"
 
 namespace kv::test {

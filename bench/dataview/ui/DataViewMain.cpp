@@ -26,8 +26,8 @@
 #include "desktop/PacerWallClock.h"
 #include "desktop/ScriptedPrompts.h"
 #include "editors/clsHexSelector.h"
-#include "tests/base/TemporaryFolder.h"
 #include "tests/support/FakeHost.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {
