@@ -12,7 +12,8 @@ namespace kv::cli {
 
 namespace {
 
-constexpr std::size_t kLongestPassword = 8;
+// Behind the first try.
+constexpr NumberRange kRetries{kTries.lowest - 1, kTries.highest - 1};
 
 // The checks of the parser return what is wrong, or nothing.
 std::string CheckModel(const std::string& model) {
@@ -30,14 +31,14 @@ std::string CheckModel(const std::string& model) {
 std::string CheckPassword(const std::string& password) {
   const auto isPlain = [](char c) { return c >= 0x20 && c <= 0x7E; };
   if (!password.empty() && password.size() <= kLongestPassword && std::ranges::all_of(password, isPlain)) return {};
-  return "a password has 1 to 8 plain characters";
+  return "a password has 1 to " + std::to_string(kLongestPassword) + " plain characters";
 }
 
-auto Within(std::int64_t least, std::int64_t most) {
-  return [least, most](const std::string& text) -> std::string {
+auto Within(NumberRange range) {
+  return [range](const std::string& text) -> std::string {
     const auto number = ParseInteger(text);
-    if (number && *number >= least && *number <= most) return {};
-    return "\"" + text + "\" is no number from " + std::to_string(least) + " to " + std::to_string(most);
+    if (number && range.Holds(*number)) return {};
+    return "\"" + text + "\" is no number from " + range.Text();
   };
 }
 
@@ -46,22 +47,24 @@ void DeclareLinkOptions(CLI::App& app, CommonOptions& options) {
                  "The way to the controller: sim:MODEL, tcp:HOST[:PORT], serial:PORT[,BAUD[,8N1]],\n"
                  "modem:PORT,NUMBER[,BAUD[,INIT]] or listen:PORT. Default: the session's own link")
       ->type_name("LINK");
-  app.add_option("--unit", options.unit, "Unit id of the controller, 0 to 255")->type_name("N")->check(Within(0, 255));
+  app.add_option("--unit", options.unit, "Unit id of the controller, " + kUnitIds.Text())
+      ->type_name("N")
+      ->check(Within(kUnitIds));
   app.add_option("--serial-number", options.serialNumber,
                  "The serial number that the controller must have; another one is refused before anything\n"
                  "is read. Default: the session's, or whoever answers")
       ->type_name("N")
-      ->check(Within(kSerialNumbers.lowest, kSerialNumbers.highest));
+      ->check(Within(kSerialNumbers));
   app.add_option("--redials", options.redials,
-                 "How often in a row watch dials a modem's lost call again, 0 to 99. Default: 3")
+                 "How often in a row watch dials a modem's lost call again, " + kRedials.Text() + ". Default: 3")
       ->type_name("N")
-      ->check(Within(kRedials.lowest, kRedials.highest));
-  app.add_option("--timeout", options.timeOut, "Longest time for a reply, 50 to 300000 ms")
+      ->check(Within(kRedials));
+  app.add_option("--timeout", options.timeOut, "Longest time for a reply, " + kTimeOuts.Text() + " ms")
       ->type_name("MS")
-      ->check(Within(50, 300000));
-  app.add_option("--retries", options.retries, "How often an unanswered request is sent again, 0 to 9")
+      ->check(Within(kTimeOuts));
+  app.add_option("--retries", options.retries, "How often an unanswered request is sent again, " + kRetries.Text())
       ->type_name("N")
-      ->check(Within(0, 9));
+      ->check(Within(kRetries));
 }
 
 }  // namespace

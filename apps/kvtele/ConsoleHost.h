@@ -71,7 +71,7 @@ class ConsoleHost final : public RemoteHost {
     return false;
   }
   void ConnectionRefused(const std::string& text, const RefusedController& controller) override {
-    mRefusal = RefusalText(text, FactsOf(controller, mUnit)) + mOtherProject;
+    mRefusal = RefusalText(text, ControllerFactsOf(controller, mUnit)) + mOtherProject;
   }
   void SetPanelData(const std::string& path) override { mPanel.data = path; }
   void GoOnline() override { mIsOnline = true; }

@@ -185,7 +185,7 @@ OrFailure<std::optional<PagesFile>> ReadProject(const std::string& path) {
 bool IsMisfit(const VersionInfo& version, int unit, const std::string& hostModel) {
   HostState state;
   state.model = hostModel;
-  state.controller = FactsOf(version, unit);
+  state.controller = ControllerFactsOf(version, unit);
   return !MisfitText(state).empty();
 }
 

@@ -9,6 +9,7 @@
 #include "apps/kvtele/RegionValues.h"
 #include "apps/kvtele/TerminalProgress.h"
 #include "apps/kvtele/Verb.h"
+#include "base/Texts.h"
 #include "dataview/WriteQuestion.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/RegionTransfer.h"
@@ -100,10 +101,6 @@ std::size_t CountOf(const std::vector<ValueRun>& runs) {
   return count;
 }
 
-std::string CountText(std::size_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 std::string WrittenBefore(std::size_t values, std::size_t total) {
   if (values == 0) return {};
   return std::to_string(values) + " of " + std::to_string(total) + " values had been written before";
@@ -162,9 +159,9 @@ OrFailure<std::size_t> Compare(Environment& environment, ConnectedController& co
 VerbOutput WriteOutput(Environment& environment, const ValuesToWrite& values, std::size_t compared) {
   const std::size_t count = CountOf(values.runs);
   if (compared == count) {
-    environment.err << "Written and read back: " << CountText(count, "value") << ".\n";
+    environment.err << "Written and read back: " << Counted(count, "value") << ".\n";
   } else {
-    environment.err << "Written: " << CountText(count, "value") << ". Not compared: " << count - compared
+    environment.err << "Written: " << Counted(count, "value") << ". Not compared: " << count - compared
                     << ", because operands of their types cannot be read back on this model.\n";
   }
   VerbOutput output;
@@ -256,7 +253,7 @@ void VerbRegions::SayLeftOut(Environment& environment, const CommonOptions& comm
   if (values.readOnly > 0) PromptsFor(environment, common).Show(ReadOnlyBox());
   if (!values.leftOut.empty()) environment.err << values.leftOut << "\n";
   if (values.missing == 0) return;
-  environment.err << CountText(values.missing, "operand") << " without a value in " << mValuesFile
+  environment.err << Counted(values.missing, "operand") << " without a value in " << mValuesFile
                   << " stay as they are.\n";
 }
 

@@ -14,8 +14,11 @@
 #include "apps/kvtele/OperandLink.h"
 #include "apps/kvtele/RegionsFile.h"
 #include "apps/kvtele/Verb.h"
+#include "base/Texts.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/RegionTransfer.h"
+#include "link/LinkLoss.h"
+#include "link/ReconnectPauses.h"
 #include "link/RedialPlan.h"
 
 namespace kv::cli {
@@ -44,24 +47,11 @@ constexpr int kMostChanges = 1'000'000'000;
 constexpr int kMostSeconds = 31'536'000;      // a year
 constexpr int kMostMilliseconds = 3'600'000;  // between two readings
 
-// As the window asks again after a controller that does not answer.
-constexpr Duration kFirstPause = 2s;
-constexpr Duration kLongestPause = 30s;
-
 constexpr Duration kSlice = 50ms;  // Ctrl-C is noticed between two slices
 
 // Failures after which the link may be there again: nothing is wrong with the request.
 bool MayComeBack(LinkErrorCode code) {
-  switch (code) {
-    case LinkErrorCode::CannotOpen:
-    case LinkErrorCode::NoReply:
-    case LinkErrorCode::Damaged:
-    case LinkErrorCode::Busy:
-    case LinkErrorCode::LinkLost:
-      return true;
-    default:
-      return false;
-  }
+  return code == LinkErrorCode::Busy || (MeansLostLink(code) && code != LinkErrorCode::OtherController);
 }
 
 // "2024-01-01 13:05:09"
@@ -159,17 +149,16 @@ OrFailure<void> RegionWatch::Run() {
 
 // The region's texts, however long the link stays away.
 OrFailure<RegionWatch::Texts> RegionWatch::Read(const Region& region) {
-  Duration pause = kFirstPause;
-  for (bool wasLost = false;; wasLost = true) {
+  for (int failures = 0;; ++failures) {
     auto texts = mdlDataTypesView::ReadRegion(mController.Link(), mController.Model(), region);
     if (texts) {
-      if (wasLost) mEnvironment.err << "The controller answers again.\n" << std::flush;
+      if (failures > 0) mEnvironment.err << "The controller answers again.\n" << std::flush;
       return *std::move(texts);
     }
     if (IsStopped()) return std::unexpected(StoppedFailure());
     if (!MayComeBack(texts.error().code)) return std::unexpected(LinkFailure(texts.error(), true));
-    if (const auto back = GetLinkBack(texts.error(), !wasLost, pause); !back) return std::unexpected(back.error());
-    pause = std::min(2 * pause, kLongestPause);
+    const Duration pause = kPausesWhileWatching.After(failures + 1);
+    if (const auto back = GetLinkBack(texts.error(), failures == 0, pause); !back) return std::unexpected(back.error());
   }
 }
 
@@ -254,7 +243,7 @@ bool RegionWatch::IsOver() const {
 }
 
 Failure RegionWatch::StoppedFailure() const {
-  return InterruptedFailure("watching (" + std::to_string(mChanges) + (mChanges == 1 ? " change)" : " changes)"));
+  return InterruptedFailure("watching (" + Counted(mChanges, "change") + ")");
 }
 
 // The others are named and left out.

@@ -152,7 +152,7 @@ struct Bytes {
 
 // How many bytes one exchange puts on the wire; nothing when it fails.
 std::optional<Bytes> BytesOfOne(Bench& bench, const Read& read) {
-  if (!bench.Exchange(read, 2)) return std::nullopt;  // the first one also finds step
+  if (!bench.Exchange(read, 2)) return std::nullopt;  // the first one also synchronises
   const auto before = bench.Channel()->Quality();
   if (!bench.Exchange(read, 1)) return std::nullopt;
   const auto after = bench.Channel()->Quality();

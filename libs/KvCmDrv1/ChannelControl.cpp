@@ -148,7 +148,8 @@ int ChannelImpl::TimeOut() const {
 }
 
 void ChannelImpl::SetTimeOut(int milliseconds) {
-  mSettings.timeOut = std::chrono::milliseconds(std::clamp(milliseconds, 50, 300000));
+  mSettings.timeOut =
+      std::chrono::milliseconds(std::clamp<std::int64_t>(milliseconds, kTimeOuts.lowest, kTimeOuts.highest));
   ConfigureClient();
 }
 
@@ -246,15 +247,14 @@ std::optional<VersionInfo> ChannelImpl::GetVersionInfo(std::uint8_t unit) {
 }
 
 bool ChannelImpl::GiveAccess(std::string_view password, std::uint8_t unit) {
-  constexpr std::size_t kLongest = 8;
   const auto doing = [unit] { return WithUnit("giving the password to", unit); };
-  if (password.size() > kLongest) {
-    FailArgument("the password has more than 8 characters", doing());
+  if (password.size() > kLongestPassword) {
+    FailArgument("the password has more than " + std::to_string(kLongestPassword) + " characters", doing());
     return false;
   }
   const std::uint16_t tag = mClient.NextTag();
-  constexpr std::size_t kReply = 9;
-  const auto reply = Ask({unit, mWriter.GiveAccess(unit, tag, password), TaggedRead(kReply), std::nullopt}, doing);
+  const auto reply =
+      Ask({unit, mWriter.GiveAccess(unit, tag, password), TaggedRead(kAccessReply), std::nullopt}, doing);
   if (!reply) return false;
   if (!ReadsAccessGiven(*reply, tag)) {
     FailMalformed(doing());
@@ -294,10 +294,9 @@ void ChannelImpl::UsePasswords(PasswordSource* source) {
 }
 
 std::optional<Channel::ControllerInfo> ChannelImpl::GetControllerInfo(std::uint8_t unit) {
-  constexpr std::size_t kReply = 55;
   const auto doing = [unit] { return WithUnit("asking for serial number and state of", unit); };
   const std::uint16_t tag = mClient.NextTag();
-  const auto reply = Ask({unit, mWriter.Information(unit, tag), TaggedRead(kReply), std::nullopt}, doing);
+  const auto reply = Ask({unit, mWriter.Information(unit, tag), TaggedRead(kInformationReply), std::nullopt}, doing);
   if (!reply) return std::nullopt;
   std::optional<ControllerInfo> info = ReadInformation(*reply, tag);
   if (!info) {

@@ -71,8 +71,7 @@ class Checker {
       setting = static_cast<Number>(*number);
       return true;
     }
-    Fault(field, std::string(name) + ": a number from " + std::to_string(range.lowest) + " to " +
-                     std::to_string(range.highest));
+    Fault(field, std::string(name) + ": a number from " + range.Text());
     return false;
   }
 
@@ -184,7 +183,7 @@ CheckedInput CheckInput(const LinkInput& input, const LinkSettings& before) {
   checker.TakeTime<seconds>(DialTimeOut, "Time for dialling", input.dialTimeOut, kDialTimeOuts,
                             settings.modem.dialTimeOut);
   checker.Take(Redials, "Dial again", input.redials, kRedials, settings.modem.redials);
-  checker.Take(Unit, "Unit id", input.unit, kUnits, settings.unit);
+  checker.Take(Unit, "Unit id", input.unit, kUnitIds, settings.unit);
   checker.Take(SerialNumber, "Serial number, or nothing", input.serialNumber, kSerialNumbers, settings.serialNumber);
   checker.TakeTime<milliseconds>(TimeOut, "Time-out", input.timeOut, kTimeOuts, settings.timeOut);
   checker.Take(Tries, "Tries", input.tries, kTries, settings.tries);

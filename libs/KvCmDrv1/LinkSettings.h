@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/Time.h"
+#include "link/LinkLimits.h"
 
 namespace kv {
 
@@ -32,21 +33,12 @@ struct ModemSettings {
   bool operator==(const ModemSettings&) const = default;
 };
 
-// What the numbers of the settings may be.
-struct NumberRange {
-  std::int64_t lowest;
-  std::int64_t highest;
-
-  [[nodiscard]] constexpr bool Holds(std::int64_t number) const { return lowest <= number && number <= highest; }
-};
+// What the numbers of the settings may be, beside those of every link (LinkLimits.h).
 inline constexpr int kLowestBaudRate = 300;
 inline constexpr int kHighestBaudRate = 921600;
 inline constexpr NumberRange kTcpPorts{1, 65535};
 inline constexpr NumberRange kBaudRates{kLowestBaudRate, kHighestBaudRate};  // bits a second
-inline constexpr NumberRange kUnits{0, 255};
-inline constexpr NumberRange kTimeOuts{50, 300'000};  // milliseconds
-inline constexpr NumberRange kTries{1, 10};
-inline constexpr NumberRange kDialTimeOuts{5, 300};  // seconds
+inline constexpr NumberRange kDialTimeOuts{5, 300};                          // seconds
 inline constexpr NumberRange kRedials{0, 99};
 inline constexpr NumberRange kSerialNumbers{0, 0xFFFFFFFF};
 inline constexpr std::size_t kLongestSettingText = 200;  // of the texts, in bytes

@@ -6,6 +6,9 @@
 #include "KvCmDrv1/wire/AsciiCodec.h"
 
 namespace kv {
+
+using enum ExchangeOutcome;
+
 namespace {
 
 // Characters that the handshake and access may add to a request on a new connection.
@@ -60,7 +63,7 @@ std::expected<std::string_view, LinkError> ProtocolClient::SendText(const TextRe
   const Patience before = PatienceWith(request.unit);
   const ExchangeOutcome outcome = RunWithAccess(exchange);
   auto concluded = Conclude(exchange, outcome);
-  if (facts.resets && outcome == ExchangeOutcome::Done && exchange.Refusal()) {
+  if (facts.resets && outcome == Done && exchange.Refusal()) {
     RestorePatience(request.unit, before);
   } else if (facts.resets && exchange.wentOut) {
     NoteRestart(request.unit);
@@ -86,11 +89,11 @@ std::expected<void, LinkError> ProtocolClient::EnsureHandshake(std::uint8_t unit
   const auto underWay = BeUnderWay();
   Exchange exchange = Begin(unit, 0);
   ExchangeOutcome outcome = GetReady(exchange);
-  while (outcome == ExchangeOutcome::Lost) {
+  while (outcome == Lost) {
     LoseLink(exchange);
-    outcome = MayReconnect(exchange) ? GetReady(exchange) : ExchangeOutcome::CannotReopen;
+    outcome = MayReconnect(exchange) ? GetReady(exchange) : CannotReopen;
   }
-  if (outcome == ExchangeOutcome::Done) return {};
+  if (outcome == Done) return {};
   return Conclude(exchange, outcome);
 }
 
@@ -117,12 +120,12 @@ Exchange ProtocolClient::Begin(std::uint8_t unit, std::size_t wireBytes, std::op
 // out, or that was refused and was about to go out anew, has changed nothing.
 std::expected<void, LinkError> ProtocolClient::Conclude(const Exchange& exchange, ExchangeOutcome outcome) {
   mLast = {.tries = exchange.tries, .start = exchange.start};
-  if (outcome == ExchangeOutcome::Done) {
+  if (outcome == Done) {
     ++mQuality.exchanges;
     return {};
   }
   ++mQuality.errors;
-  if (outcome != ExchangeOutcome::NotSupported) mUnits[exchange.unit].handshake = 0;
+  if (outcome != NotSupported) mUnits[exchange.unit].handshake = 0;
   LinkError error = Explain(outcome, mLast);
   error.isNotExecuted = error.isNotExecuted || !exchange.wentOut;
   return std::unexpected(std::move(error));
@@ -131,13 +134,13 @@ std::expected<void, LinkError> ProtocolClient::Conclude(const Exchange& exchange
 // A refused request has changed nothing, so it is sent anew when there is access now. Without, the refusal stands.
 ExchangeOutcome ProtocolClient::RunWithAccess(Exchange& exchange) {
   const ExchangeOutcome outcome = Run(exchange);
-  if (outcome != ExchangeOutcome::Done || exchange.Refusal() != kNeedsPasswordCode) return outcome;
+  if (outcome != Done || exchange.Refusal() != kNeedsPasswordCode) return outcome;
   exchange.wentOut = false;
   const ExchangeOutcome access = GetAccess(exchange);
-  if (access == ExchangeOutcome::NotSupported) return ExchangeOutcome::Done;
+  if (access == NotSupported) return Done;
   // What was lost has its handshake with the request, and gets its access then.
-  if (access == ExchangeOutcome::Lost) LoseLink(exchange);
-  if (access != ExchangeOutcome::Done && access != ExchangeOutcome::Lost) return access;
+  if (access == Lost) LoseLink(exchange);
+  if (access != Done && access != Lost) return access;
   return Run(exchange);
 }
 
@@ -145,24 +148,20 @@ ExchangeOutcome ProtocolClient::RunWithAccess(Exchange& exchange) {
 ExchangeOutcome ProtocolClient::Run(Exchange& exchange) {
   while (true) {
     const ExchangeOutcome outcome = RunOnConnection(exchange);
-    if (outcome != ExchangeOutcome::Lost) return outcome;
+    if (outcome != Lost) return outcome;
     LoseLink(exchange);
-    if (!MayReconnect(exchange)) {
-      return exchange.IsInDoubt() ? ExchangeOutcome::Unsure : ExchangeOutcome::CannotReopen;
-    }
+    if (!MayReconnect(exchange)) return exchange.IsInDoubt() ? Unsure : CannotReopen;
   }
 }
 
 ExchangeOutcome ProtocolClient::RunOnConnection(Exchange& exchange) {
   while (true) {
     const ExchangeOutcome ready = GetReady(exchange);
-    if (ready != ExchangeOutcome::Done) {
-      return exchange.IsInDoubt() && LeavesUnsure(ready) ? ExchangeOutcome::Unsure : ready;
-    }
-    if (!exchange.IsText() && mUnits[exchange.unit].isAsciiOnly) return ExchangeOutcome::NotSupported;
+    if (ready != Done) return exchange.IsInDoubt() && LeavesUnsure(ready) ? Unsure : ready;
+    if (!exchange.IsText() && mUnits[exchange.unit].isAsciiOnly) return NotSupported;
     if (exchange.IsInDoubt()) return WhatBecameOf(exchange);
     // A link that has gone quietly is noticed before a request that could not be sent again.
-    if (!exchange.IsRead() && mLine.DropInput() == ExchangeOutcome::Lost) return ExchangeOutcome::Lost;
+    if (!exchange.IsRead() && mLine.DropInput() == Lost) return Lost;
     const ExchangeOutcome outcome = TryUntilAnswered(exchange);
     if (!exchange.IsRead() || !IsUnanswered(outcome) || !MayBeRestarting(exchange)) return outcome;
     mUnits[exchange.unit].handshake = 0;  // it was done before the reset began
@@ -172,13 +171,13 @@ ExchangeOutcome ProtocolClient::RunOnConnection(Exchange& exchange) {
 // The one loop of repeats, for text and block requests, a caller's own and those of the handshake.
 ExchangeOutcome ProtocolClient::TryUntilAnswered(Exchange& exchange) {
   Number(exchange);
-  ExchangeOutcome worst = ExchangeOutcome::Silence;  // damage in any try tells more than silence in the last
+  ExchangeOutcome worst = Silence;  // damage in any try tells more than silence in the last
   for (exchange.tries = 1;; ++exchange.tries) {
     const ExchangeOutcome outcome = TryOnce(exchange);
-    if (outcome == ExchangeOutcome::Done) return TakeAnswer(exchange);
+    if (outcome == Done) return TakeAnswer(exchange);
     if (exchange.UsesCounter()) mUnits[exchange.unit].isSynchronised = false;
     if (!IsUnanswered(outcome)) return outcome;
-    if (outcome != ExchangeOutcome::Damaged) mRoundTrip.Silence();
+    if (outcome != Damaged) mRoundTrip.Silence();
     worst = std::max(worst, outcome);
     if (const std::optional<ExchangeOutcome> end = EndBeforeRepeat(exchange, worst)) return *end;
     ++mQuality.repeats;
@@ -204,17 +203,17 @@ ExchangeOutcome ProtocolClient::TryOnce(Exchange& exchange) {
   const Instant utmost = exchange.deadline - ReserveOf(exchange);
   const Duration onWire = mLine.WireTime(exchange.Frame().size() + exchange.facts.longestReply);
   const Instant end = std::min(exchange.tryStart + onWire + WaitOf(exchange), utmost);
-  if (exchange.tryStart >= end) return ExchangeOutcome::Silence;
+  if (exchange.tryStart >= end) return Silence;
   const auto sending = exchange.tries == 1 ? Line::Sending::New : Line::Sending::Again;
   const std::uint64_t sentBefore = mLine.BytesSent();
   const ExchangeOutcome sent = mLine.Send(exchange.Frame(), sending, exchange.tryStart, end);
   exchange.wentOut = exchange.wentOut || mLine.BytesSent() != sentBefore;
-  if (sent != ExchangeOutcome::Done) return sent;
+  if (sent != Done) return sent;
   const TryLimits limits{end, utmost, mSettings.timeOut / 2, exchange.tries >= mSettings.tries};
   const ExchangeOutcome outcome = mLine.Await(exchange, exchange.tryStart, limits);
   // A partner that does not answer while somebody else calls has probably lost power, and is who calls.
   const bool mayBeReplaced = IsUnanswered(outcome) && exchange.role != Exchange::Role::Admission;
-  return mayBeReplaced && mLine.GetPort().HasNewerCall() ? ExchangeOutcome::Lost : outcome;
+  return mayBeReplaced && mLine.GetPort().HasNewerCall() ? Lost : outcome;
 }
 
 ExchangeOutcome ProtocolClient::TakeAnswer(Exchange& exchange) {
@@ -224,10 +223,10 @@ ExchangeOutcome ProtocolClient::TakeAnswer(Exchange& exchange) {
     const Duration onWire = mLine.WireTime(exchange.Frame().size() + exchange.AnswerBytes());
     mRoundTrip.Sample(mLine.AnswerTime() - exchange.tryStart - onWire);
   }
-  if (!exchange.IsText()) return ExchangeOutcome::Done;
+  if (!exchange.IsText()) return Done;
   const bool isNext = IsNewer(exchange.counter, unit.counter);
   unit.counter = exchange.counter;
-  return isNext || exchange.role != Exchange::Role::Request ? ExchangeOutcome::Done : WhoAnswered(exchange);
+  return isNext || exchange.role != Exchange::Role::Request ? Done : WhoAnswered(exchange);
 }
 
 // Finds out what has to be known before an unanswered request is sent again. An outcome: it is not sent again. A text
@@ -236,18 +235,18 @@ std::optional<ExchangeOutcome> ProtocolClient::EndBeforeRepeat(Exchange& exchang
   const auto isOver = [&] { return exchange.tries >= mSettings.tries || mPacer.Now() >= exchange.deadline; };
   if (!exchange.IsText() && isOver()) return worst;
   if (exchange.role == Exchange::Role::Request && IsLongUnheard(exchange.unit)) {
-    if (const ExchangeOutcome done = RepeatHandshake(exchange); done != ExchangeOutcome::Done) {
+    if (const ExchangeOutcome done = RepeatHandshake(exchange); done != Done) {
       const bool isUnsure = exchange.facts.kind == RequestKind::NonIdempotent && LeavesUnsure(done);
-      return isUnsure ? ExchangeOutcome::Unsure : done;
+      return isUnsure ? Unsure : done;
     }
   }
   if (exchange.MustAskBeforeRepeat()) {
-    if (const ExchangeOutcome became = WhatBecameOf(exchange); became != ExchangeOutcome::NotExecuted) return became;
+    if (const ExchangeOutcome became = WhatBecameOf(exchange); became != NotExecuted) return became;
   }
   if (isOver()) return worst;
   if (!exchange.facts.isSettled || mUnits[exchange.unit].isSynchronised) return std::nullopt;
   const ExchangeOutcome found = Resynchronise(exchange);
-  return found == ExchangeOutcome::Done ? std::nullopt : std::optional(found);
+  return found == Done ? std::nullopt : std::optional(found);
 }
 
 // The first try waits as long as replies have been taking, the last one as long as they may; those between wait a part

@@ -2,10 +2,14 @@
 
 #include "KvCmDrv1/CallerMessages.h"
 #include "KvCmDrv1/ProtocolClient.h"
+#include "base/Texts.h"
 
 // Ports that partners call: anybody may be there, so each caller is asked who it is before it is taken.
 
 namespace kv {
+
+using enum ExchangeOutcome;
+
 namespace {
 
 // A caller that is a controller answers at once; one that does not must not keep the others waiting.
@@ -23,9 +27,9 @@ std::expected<void, LinkError> ProtocolClient::AwaitCaller(std::uint8_t unit, Du
 // Within a request: the partner that is there, when it is the one, or another one that calls.
 ExchangeOutcome ProtocolClient::GetCaller(const Exchange& exchange) {
   const auto admitted = AdmitCaller(exchange.unit, exchange.deadline);
-  if (admitted) return ExchangeOutcome::Done;
+  if (admitted) return Done;
   mLoss = {admitted.error().happened, admitted.error().cause, admitted.error().cure};
-  return mLine.StopAsked() ? ExchangeOutcome::Stopped : ExchangeOutcome::CannotReopen;
+  return mLine.StopAsked() ? Stopped : CannotReopen;
 }
 
 std::expected<void, LinkError> ProtocolClient::AdmitCaller(std::uint8_t unit, Instant limit) {
@@ -39,10 +43,10 @@ std::expected<void, LinkError> ProtocolClient::AdmitCaller(std::uint8_t unit, In
     const Instant now = mPacer.Now();
     const Duration rest = limit - now;
     const ExchangeOutcome outcome = Handshake({unit, now, now + std::min(trial, rest), Exchange::Role::Admission});
-    if (outcome == ExchangeOutcome::Done) break;
-    if (outcome == ExchangeOutcome::Stopped) return std::unexpected(Explain(outcome));
+    if (outcome == Done) break;
+    if (outcome == Stopped) return std::unexpected(Explain(outcome));
     // Who came too late for this wait has not been heard yet, and is asked again by the next one.
-    const bool isCutShort = outcome == ExchangeOutcome::Silence && rest < trial / 2;
+    const bool isCutShort = outcome == Silence && rest < trial / 2;
     if (isCutShort)
       return std::unexpected(NobodyCame({name + " came too late to be asked who it is", "", "try again"}));
     DropCaller(name, outcome);
@@ -60,13 +64,13 @@ void ProtocolClient::DropCaller(const std::string& name, ExchangeOutcome outcome
 
 std::string ProtocolClient::WhyDropped(ExchangeOutcome outcome) const {
   switch (outcome) {
-    case ExchangeOutcome::Silence:
+    case Silence:
       return "it does not answer";
-    case ExchangeOutcome::Lost:
+    case Lost:
       return "it has hung up";
-    case ExchangeOutcome::OtherController:
+    case OtherController:
       return "it is " + mOtherName;
-    case ExchangeOutcome::NotIdentified:
+    case NotIdentified:
       return "it does not say who it is";
     default:
       return "what it sends is no controller's answer";
@@ -75,13 +79,13 @@ std::string ProtocolClient::WhyDropped(ExchangeOutcome outcome) const {
 
 // Why nobody was taken until the limit, with those who were there.
 LinkError ProtocolClient::NobodyCame(const PortError& error) const {
-  LinkError result = Explain(ExchangeOutcome::CannotReopen);
+  LinkError result = Explain(CannotReopen);
   result.code = mLine.StopAsked() ? LinkErrorCode::Stopped : LinkErrorCode::CannotOpen;
   result.happened = error.happened;
   result.cause = error.cause;
   result.cure = error.cure;
   if (mDropped == 0) return result;
-  result.happened += "; " + std::to_string(mDropped) + (mDropped == 1 ? " caller was" : " callers were") +
+  result.happened += "; " + Counted(static_cast<std::uint64_t>(mDropped), "caller was", "callers were") +
                      " dropped, the last: " + mLastDropped;
   result.cause = "somebody else calls this port, and the controller that is meant does not";
   result.cure =

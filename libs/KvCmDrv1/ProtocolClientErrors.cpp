@@ -1,5 +1,7 @@
 #include "KvCmDrv1/ProtocolClient.h"
 
+#include "base/Texts.h"
+
 // Why an exchange ended without an answer, in words.
 
 namespace kv {
@@ -50,7 +52,7 @@ LinkError ProtocolClient::Explain(ExchangeOutcome outcome, const Effort& spent) 
   using enum LinkErrorCode;
   const int tries = spent.tries > 0 ? spent.tries : mSettings.tries;
   const std::string effort =
-      std::to_string(tries) + (tries == 1 ? " try" : " tries") + " (" + Seconds(mPacer.Now() - spent.start) + ")";
+      Counted(static_cast<std::uint64_t>(tries), "try", "tries") + " (" + Seconds(mPacer.Now() - spent.start) + ")";
   switch (outcome) {
     case ExchangeOutcome::Done:
       return {};

@@ -3,52 +3,41 @@
 #include "KvCmDrv1/ProtocolClient.h"
 #include "KvCmDrv1/wire/Seal.h"
 #include "base/Crc32.h"
+#include "link/ReconnectPauses.h"
 
 // The handshake: opening a lost link, asking a unit who it is and for its counter, and asking what became of a request.
 
 namespace kv {
-namespace {
 
-constexpr std::size_t kSynchronisationReply = 62;  // SY: letters, tag, counter, check, power-up, 40 characters
-constexpr std::size_t kInformationReply = 55;      // IN: letters, tag, serial number, state, name
-
-// How long to wait before the link is opened, after so many attempts of this request that led nowhere: it could not be
-// opened, or was lost again before the answer. A controller that restarts needs a moment, a network that is down
-// minutes.
-Duration PauseAfter(int failures) {
-  constexpr Duration kFirstPause = std::chrono::milliseconds(100);
-  constexpr Duration kLongestPause = std::chrono::seconds(5);
-  constexpr int kMostDoublings = 6;
-  if (failures == 0) return Duration{};
-  return std::min(kFirstPause * (1 << std::min(failures - 1, kMostDoublings)), kLongestPause);
-}
-
-}  // namespace
+using enum ExchangeOutcome;
 
 ExchangeOutcome ProtocolClient::GetReady(Exchange& exchange) {
   if (!mLine.IsOpen()) {
-    if (const ExchangeOutcome opened = Reopen(exchange); opened != ExchangeOutcome::Done) return opened;
+    if (const ExchangeOutcome opened = Reopen(exchange); opened != Done) return opened;
   }
   if (mUnits[exchange.unit].handshake != mLine.ConnectionNumber()) {
     const bool isCaller = mLine.GetPort().IsCalled() && exchange.unit == mSettings.unit;
     return isCaller ? GetCaller(exchange) : Handshake(exchange);
   }
   const bool mustSynchronise = exchange.UsesCounter() && !mUnits[exchange.unit].isSynchronised;
-  return mustSynchronise ? Resynchronise(exchange) : ExchangeOutcome::Done;
+  return mustSynchronise ? Resynchronise(exchange) : Done;
 }
 
+// How long to wait counts the attempts of this request that led nowhere: the link could not be opened, or was lost
+// again before the answer.
 ExchangeOutcome ProtocolClient::Reopen(const Exchange& exchange) {
   if (!mSettings.reconnects) {
     if (mLoss.happened.empty()) NoteLossReason();
-    return ExchangeOutcome::CannotReopen;
+    return CannotReopen;
   }
   for (int failures = std::max(exchange.losses - 1, 0);; ++failures) {
-    const Duration pause = std::min(PauseAfter(failures), std::max(exchange.deadline - mPacer.Now(), Duration{}));
-    if (!mLine.Pause(pause)) return ExchangeOutcome::Stopped;
+    const Duration pause =
+        std::min(kPausesInRequest.After(failures), std::max(exchange.deadline - mPacer.Now(), Duration{}));
+    if (!mLine.Pause(pause)) return Stopped;
     const Duration rest = exchange.deadline - mPacer.Now();
-    if (rest <= Duration{}) return ExchangeOutcome::CannotReopen;
+    if (rest <= Duration{}) return CannotReopen;
     if (mLine.GetPort().IsCalled()) {
-      if (const ExchangeOutcome got = GetCaller(exchange); got != ExchangeOutcome::Done) return got;
+      if (const ExchangeOutcome got = GetCaller(exchange); got != Done) return got;
       break;
     }
     const std::expected<void, PortError> opened = mLine.Open(rest);
@@ -56,12 +45,12 @@ ExchangeOutcome ProtocolClient::Reopen(const Exchange& exchange) {
     mLoss = opened.error();
   }
   mSay("Connected again to " + mLine.GetPort().Description());
-  return ExchangeOutcome::Done;
+  return Done;
 }
 
 ExchangeOutcome ProtocolClient::Handshake(const Exchange& exchange) {
   const ExchangeOutcome outcome = AskSynchronisation(exchange);
-  return outcome == ExchangeOutcome::Done ? Introduce(exchange) : outcome;
+  return outcome == Done ? Introduce(exchange) : outcome;
 }
 
 ExchangeOutcome ProtocolClient::RepeatHandshake(const Exchange& exchange) {
@@ -71,14 +60,14 @@ ExchangeOutcome ProtocolClient::RepeatHandshake(const Exchange& exchange) {
 
 ExchangeOutcome ProtocolClient::Introduce(const Exchange& exchange) {
   ExchangeOutcome outcome = Identify(exchange);
-  if (outcome != ExchangeOutcome::Done) return outcome;
+  if (outcome != Done) return outcome;
   if (!mUnits[exchange.unit].password.empty()) {
     // A password that is refused now will be asked for by the request that needs it.
     outcome = GiveAccess(exchange);
-    if (outcome == ExchangeOutcome::Lost || outcome == ExchangeOutcome::Stopped) return outcome;
+    if (outcome == Lost || outcome == Stopped) return outcome;
   }
   mUnits[exchange.unit].handshake = mLine.ConnectionNumber();
-  return ExchangeOutcome::Done;
+  return Done;
 }
 
 // Something was not answered as it should have been, so the counter is asked for again. Who answers now as if its power
@@ -89,15 +78,15 @@ ExchangeOutcome ProtocolClient::Resynchronise(const Exchange& exchange) {
   const std::uint16_t powerUp = state.powerUp;
   const std::uint16_t counter = state.counter;
   const ExchangeOutcome outcome = AskSynchronisation(exchange);
-  if (outcome != ExchangeOutcome::Done || !isIdentified) return outcome;
-  if (state.powerUp == powerUp && IsNewer(state.counter, counter)) return ExchangeOutcome::Done;
+  if (outcome != Done || !isIdentified) return outcome;
+  if (state.powerUp == powerUp && IsNewer(state.counter, counter)) return Done;
   state.handshake = 0;
   return Introduce(exchange);
 }
 
 ExchangeOutcome ProtocolClient::AskSynchronisation(const Exchange& exchange) {
   std::uint16_t tag = 0;
-  ExchangeOutcome outcome = ExchangeOutcome::Done;
+  ExchangeOutcome outcome = Done;
   bool mayBeRestarting = false;
   do {
     mayBeRestarting = MayBeRestarting(exchange);
@@ -105,47 +94,47 @@ ExchangeOutcome ProtocolClient::AskSynchronisation(const Exchange& exchange) {
     outcome = Ask(exchange, mWriter.Synchronise(exchange.unit, tag), TaggedRead(kSynchronisationReply),
                   mSynchronisationBuffers);
   } while (IsUnanswered(outcome) && mayBeRestarting);
-  if (outcome != ExchangeOutcome::Done) return outcome;
+  if (outcome != Done) return outcome;
   const std::optional<SynchronisationReply> reply = ReadSynchronisation(mSynchronisationBuffers.reply, tag);
-  if (!reply) return ExchangeOutcome::NotIdentified;
+  if (!reply) return NotIdentified;
   mSynchronised = *reply;
   mUnits[exchange.unit].powerUp = reply->powerUp;
   mUnits[exchange.unit].isSynchronised = true;
-  return ExchangeOutcome::Done;
+  return Done;
 }
 
 ExchangeOutcome ProtocolClient::Identify(const Exchange& exchange) {
   ExchangeOutcome outcome = Ask(exchange, "ID", CommandFactsOf("ID"), mHandshakeBuffers);
-  if (outcome != ExchangeOutcome::Done) return outcome;
+  if (outcome != Done) return outcome;
   const std::optional<VersionInfo> version = ReadIdentification(mHandshakeBuffers.reply);
 
   const std::uint16_t tag = NextTag();
   outcome = Ask(exchange, mWriter.Information(exchange.unit, tag), TaggedRead(kInformationReply), mHandshakeBuffers);
-  if (outcome != ExchangeOutcome::Done) return outcome;
+  if (outcome != Done) return outcome;
   const std::optional<Channel::ControllerInfo> info = ReadInformation(mHandshakeBuffers.reply, tag);
 
-  if (!version || !info) return ExchangeOutcome::NotIdentified;
+  if (!version || !info) return NotIdentified;
   const ExchangeOutcome compared = Compare(mUnits[exchange.unit], {info->serialNumber, *version});
   const bool isAdmission = exchange.role == Exchange::Role::Admission;  // a caller is dropped, and the next one asked
-  return compared == ExchangeOutcome::OtherController && !isAdmission ? ShutOutOther() : compared;
+  return compared == OtherController && !isAdmission ? ShutOutOther() : compared;
 }
 
 ExchangeOutcome ProtocolClient::Compare(UnitState& unit, const Identity& found) {
   mOtherName = NameOfOther(unit, found);
-  if (!mOtherName.empty()) return ExchangeOutcome::OtherController;
+  if (!mOtherName.empty()) return OtherController;
   // Who was told to reset may still answer as before for a moment.
   const bool isReset = unit.identity && found.version.model != unit.identity->version.model;
   if (isReset || mPacer.Now() >= unit.restartUntil) unit.modelMayChange = false;
   unit.identity = found;
   unit.isAsciiOnly = UnderstandsAsciiOnly(found.version.model);
-  return ExchangeOutcome::Done;
+  return Done;
 }
 
 ExchangeOutcome ProtocolClient::ShutOutOther() {
   mIsOtherController = true;
   mLine.Close();
   mSay("Connection closed: another controller answered");
-  return ExchangeOutcome::OtherController;
+  return OtherController;
 }
 
 // Who answers in place of whom; empty when it is the controller that is meant.
@@ -172,14 +161,14 @@ std::expected<void, LinkError> ProtocolClient::Recognise(std::uint8_t unit, std:
 
 std::expected<void, LinkError> ProtocolClient::Recognise(std::uint8_t unit, const Identity& found) {
   if (!mUnits[unit].identity) return {};
-  if (Compare(mUnits[unit], found) == ExchangeOutcome::Done) return {};
+  if (Compare(mUnits[unit], found) == Done) return {};
   return std::unexpected(Explain(ShutOutOther()));
 }
 
 ExchangeOutcome ProtocolClient::Ask(const Exchange& exchange, std::string_view text, const CommandFacts& facts,
                                     Exchange::Buffers& buffers) {
   using enum Exchange::Role;
-  if (EncodeFrame(exchange.unit, text, buffers.frame) != TextFault::None) return ExchangeOutcome::Damaged;
+  if (EncodeFrame(exchange.unit, text, buffers.frame) != TextFault::None) return Damaged;
   const Exchange::Role role = exchange.role == Admission ? Admission : Handshake;
   Exchange asked(exchange.unit, exchange.start, exchange.deadline, role);
   asked.CarryText(text, facts, mUnits[exchange.unit], buffers);
@@ -191,9 +180,9 @@ ExchangeOutcome ProtocolClient::Ask(const Exchange& exchange, std::string_view t
 // anew; only a text with a tag is then known for ours, a settled one may have been sent and answered earlier since the
 // restart. A block message is not told of: a new connection does not know its sequence number.
 ExchangeOutcome ProtocolClient::WhatBecameOf(Exchange& exchange) {
-  if (!exchange.IsText()) return ExchangeOutcome::Unsure;
+  if (!exchange.IsText()) return Unsure;
   const ExchangeOutcome outcome = Resynchronise(exchange);
-  if (outcome != ExchangeOutcome::Done) return LeavesUnsure(outcome) ? ExchangeOutcome::Unsure : outcome;
+  if (outcome != Done) return LeavesUnsure(outcome) ? Unsure : outcome;
 
   const SynchronisationReply& last = mSynchronised;
   const bool hasRestarted = last.powerUp != exchange.powerUpBefore;
@@ -203,17 +192,17 @@ ExchangeOutcome ProtocolClient::WhatBecameOf(Exchange& exchange) {
   const bool isOurs = last.counter != 0 && last.check == Crc32(exchange.text);
   if (isOurs && (hasRestarted ? !exchange.facts.isSettled : isSince)) {
     exchange.Reply() = last.reply;
-    return ExchangeOutcome::Done;
+    return Done;
   }
-  return hasRestarted || isSince ? ExchangeOutcome::Unsure : ExchangeOutcome::NotExecuted;
+  return hasRestarted || isSince ? Unsure : NotExecuted;
 }
 
 // The answer has an older counter than the one before: its controller has restarted, or is another one. Only who is
 // known is believed.
 ExchangeOutcome ProtocolClient::WhoAnswered(const Exchange& exchange) {
   const ExchangeOutcome done = RepeatHandshake(exchange);
-  if (done == ExchangeOutcome::Done || exchange.IsRead() || done == ExchangeOutcome::OtherController) return done;
-  return ExchangeOutcome::Unsure;
+  if (done == Done || exchange.IsRead() || done == OtherController) return done;
+  return Unsure;
 }
 
 }  // namespace kv

@@ -15,7 +15,7 @@ struct RawTraffic {
 };
 
 // The port under the channel, for raw traffic. What happens to the line is told to `onTraffic`: the channel keeps the
-// reason of a failure, and its exchanges meet the controller again afterwards.
+// reason of a failure, and its handshake with the controller is repeated afterwards.
 class RawPort final : public SerialPortObject {
  public:
   static constexpr std::size_t kInBuffer = 8192;

@@ -141,7 +141,7 @@ LoadedSettings LoadSettings(const std::filesystem::path& folder, const LinkSetti
   reader.ReadMilliseconds("ModemDialTimeOut", settings.modem.dialTimeOut,
                           {kDialTimeOuts.lowest * 1000, kDialTimeOuts.highest * 1000});
   reader.Read("ModemRedials", settings.modem.redials, kRedials);
-  reader.Read("UnitID", settings.unit, kUnits);
+  reader.Read("UnitID", settings.unit, kUnitIds);
   reader.Read("SerialNumber", settings.serialNumber, kSerialNumbers);
   reader.ReadMilliseconds("TimeOut", settings.timeOut, kTimeOuts);
   reader.Read("Tries", settings.tries, kTries);

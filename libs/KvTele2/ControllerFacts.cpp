@@ -47,7 +47,7 @@ std::string StateText(char state) {
   }
 }
 
-ControllerFacts FactsOf(const VersionInfo& version, int unit) {
+ControllerFacts ControllerFactsOf(const VersionInfo& version, int unit) {
   ControllerFacts facts;
   facts.model = AnsiToUtf8(version.model);
   facts.hardwareCode = AnsiToUtf8(version.hardwareCode);
@@ -63,8 +63,8 @@ void AddInfo(ControllerFacts& facts, const Channel::ControllerInfo& info) {
   facts.serialNumber = std::to_string(info.serialNumber);
 }
 
-ControllerFacts FactsOf(const RefusedController& refused, int unit) {
-  ControllerFacts facts = FactsOf(refused.version, unit);
+ControllerFacts ControllerFactsOf(const RefusedController& refused, int unit) {
+  ControllerFacts facts = ControllerFactsOf(refused.version, unit);
   if (refused.info) AddInfo(facts, *refused.info);
   return facts;
 }
@@ -75,7 +75,7 @@ std::string RefusalText(const std::string& text, const ControllerFacts& facts) {
   return lines + "\nThe controller: " + ListOf(facts) + ".";
 }
 
-LinkFacts FactsOf(const LinkQuality& quality) {
+LinkFacts LinkFactsOf(const LinkQuality& quality) {
   return {.roundTrip = Milliseconds(quality.roundTrip),
           .exchanges = std::to_string(quality.exchanges),
           .repeats = std::to_string(quality.repeats),

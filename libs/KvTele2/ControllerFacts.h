@@ -24,12 +24,12 @@ struct ControllerFacts {
 };
 
 // The facts of a controller that has just said who it is.
-[[nodiscard]] ControllerFacts FactsOf(const VersionInfo& version, int unit);
+[[nodiscard]] ControllerFacts ControllerFactsOf(const VersionInfo& version, int unit);
 // Adds what the controller tells beside its version: this can change while it is on line.
 void AddInfo(ControllerFacts& facts, const Channel::ControllerInfo& info);
 
 // The same of a controller that is refused.
-[[nodiscard]] ControllerFacts FactsOf(const RefusedController& refused, int unit);
+[[nodiscard]] ControllerFacts ControllerFactsOf(const RefusedController& refused, int unit);
 // Why a controller was refused, with a line about what is known of it. `text` has CR LF or LF between its lines.
 [[nodiscard]] std::string RefusalText(const std::string& text, const ControllerFacts& facts);
 // "running" for 'R'; the word for each state that a controller reports.
@@ -44,6 +44,6 @@ struct LinkFacts {
 
   bool operator==(const LinkFacts&) const = default;
 };
-[[nodiscard]] LinkFacts FactsOf(const LinkQuality& quality);
+[[nodiscard]] LinkFacts LinkFactsOf(const LinkQuality& quality);
 
 }  // namespace kv

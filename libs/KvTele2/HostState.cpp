@@ -10,20 +10,20 @@ namespace kv {
 
 std::string ConnectionText(const HostState& state) {
   switch (state.connection) {
-    case Connection::Offline:
+    case ConnectionState::Offline:
       return "Off line";
-    case Connection::Connecting:
+    case ConnectionState::Connecting:
       return "Connecting";
-    case Connection::Online:
+    case ConnectionState::Online:
       return state.isSilent ? "No answer" : "On line";
-    case Connection::Lost:
+    case ConnectionState::Lost:
       return "Connection lost";
   }
   return {};
 }
 
 std::string ConnectionHeading(const HostState& state) {
-  const bool isSearching = (state.connection == Connection::Lost && !state.isWithTool) || state.isSilent;
+  const bool isSearching = (state.connection == ConnectionState::Lost && !state.isWithTool) || state.isSilent;
   return ConnectionText(state) + (isSearching ? ", looking for the controller: " : ": ") + state.link;
 }
 

@@ -10,7 +10,7 @@
 
 namespace kv {
 
-enum class Connection {
+enum class ConnectionState {
   Offline,
   Connecting,
   Online,
@@ -32,7 +32,7 @@ struct HostState {
   std::string message;
   std::string caption;  // of the panel session; empty: the host's own
 
-  Connection connection = Connection::Offline;
+  ConnectionState connection = ConnectionState::Offline;
   bool isSilent = false;    // on line, and the controller has owed an answer for some time
   bool isWithTool = false;  // a tool works with the controller, and the host asks it nothing
   // Why the controller could not be reached, was refused or lost, or does not fit: what happened, cause and cure.

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <algorithm>
-
-#include "base/Time.h"
+#include "link/ReconnectPauses.h"
 
 namespace kv {
 
@@ -10,23 +8,20 @@ namespace kv {
 // it does not, because each such question can keep the user waiting for as long as the link's time-outs last.
 class LinkWatch {
  public:
-  static constexpr Duration kPause = std::chrono::seconds(2);
-  static constexpr Duration kLongestPause = std::chrono::seconds(30);
-
   [[nodiscard]] bool IsDue(Instant now) const { return now >= mNext; }
   void AskNow() { mNext = {}; }
 
-  void Answered(Instant now) {
-    mPause = kPause;
-    mNext = now + mPause;
-  }
-  void Silent(Instant now) {
-    mPause = std::min(2 * mPause, kLongestPause);
-    mNext = now + mPause;
-  }
+  void Answered(Instant now) { AskAfter(1, now); }
+  void Silent(Instant now) { AskAfter(mFailures + 1, now); }
 
  private:
-  Duration mPause = kPause;
+  // An answer counts as one failure: a quiet link is asked as often as one that is looked for at first.
+  void AskAfter(int failures, Instant now) {
+    mFailures = failures;
+    mNext = now + kPausesWhileWatching.After(failures);
+  }
+
+  int mFailures = 1;
   Instant mNext{};
 };
 

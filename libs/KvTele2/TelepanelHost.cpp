@@ -59,8 +59,8 @@ void TelepanelHost::Click(std::string_view id, const std::string& argument) {
 
 std::string TelepanelHost::WhyDisabled(std::string_view id) const {
   if (const auto missing = mMissing.find(id); missing != mMissing.end()) return missing->second;
-  const bool isOnline = mState.connection == Connection::Online;
-  const bool isOffline = mState.connection == Connection::Offline;
+  const bool isOnline = mState.connection == ConnectionState::Online;
+  const bool isOffline = mState.connection == ConnectionState::Offline;
   if (id == command::kOnLine && isOnline) return "The controller is on line already.";
   if (id == command::kOffLine && isOffline) return "No controller is on line.";
   if (id == command::kModel && !isOffline) return "The model is the one of the controller that is on line.";
@@ -128,7 +128,7 @@ void TelepanelHost::Run() {
 
 void TelepanelHost::Quit() {
   LetGo();
-  mState.connection = Connection::Offline;
+  mState.connection = ConnectionState::Offline;
   mView.Quit();
 }
 
@@ -154,7 +154,7 @@ void TelepanelHost::SetSessionPath(const std::string& folder) {
 
 void TelepanelHost::SetModel(const std::string& model) {
   const std::string before = std::exchange(mState.model, model);
-  if (mState.connection == Connection::Connecting && !before.empty() && before != model) {
+  if (mState.connection == ConnectionState::Connecting && !before.empty() && before != model) {
     Note("The selected model is now that of the controller, " + model + "; before, it was " + before);
   }
   if (IsOfferedModel(ModelOfIdentification(model))) return Show();

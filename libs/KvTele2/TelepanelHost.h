@@ -91,7 +91,7 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] bool ReadsColourCaches() const override { return false; }
   [[nodiscard]] bool OpenColourCache(const std::string&) override { return false; }
 
-  [[nodiscard]] bool IsOnline() const override { return mState.connection == Connection::Online; }
+  [[nodiscard]] bool IsOnline() const override { return mState.connection == ConnectionState::Online; }
   [[nodiscard]] bool HoldsLink() const override { return mChannel != nullptr; }
   void BeginConnect() override;
   void EndConnect() override {}

@@ -5,6 +5,7 @@
 #include "KvTele2/TelepanelHost.h"
 #include "base/AnsiText.h"
 #include "base/ScopeGuard.h"
+#include "link/LinkLoss.h"
 
 namespace kv {
 namespace {
@@ -25,7 +26,7 @@ bool ShowsAnswer(LinkErrorCode code) {
 
 bool ShowsLoss(LinkErrorCode code) {
   using enum LinkErrorCode;
-  return !ShowsAnswer(code) && !IsNoLoss(code) && code != Stopped && code != Closed;
+  return MeansLostLink(code) || code == Unsure;
 }
 
 // The program goes on line with a controller that has come into another one's place, so there is no link to close
@@ -39,24 +40,24 @@ LinkError OtherTaken(LinkError error) {
 
 void TelepanelHost::Connect(const std::string& argument) {
   LetGo();
-  mState.connection = Connection::Connecting;
+  mState.connection = ConnectionState::Connecting;
   mState.trouble.clear();
   mOtherProject.reset();
   mIsRefused = false;
   ClickTool("ID_OnLine", argument);
   EndWait();
-  if (mState.connection != Connection::Connecting && !mIsRefused) return;
+  if (mState.connection != ConnectionState::Connecting && !mIsRefused) return;
   const std::string why = mState.trouble.empty() ? mLastMessage : mState.trouble;
   auto refused = mIsRefused ? std::move(mState.controller) : std::nullopt;
   LetGo();
   mState.controller = std::move(refused);
-  mState.connection = Connection::Offline;
+  mState.connection = ConnectionState::Offline;
   mState.trouble = why;
   mState.message = why;  // that the link is closed is no news
 }
 
 void TelepanelHost::BeginConnect() {
-  mState.connection = Connection::Connecting;
+  mState.connection = ConnectionState::Connecting;
   BeginWait(HostView::Wait::Asked, "Connecting to " + mState.link);
   Show();
 }
@@ -74,15 +75,15 @@ bool TelepanelHost::ProjectMatches() {
 void TelepanelHost::ConnectionRefused(const std::string& text, const RefusedController& controller) {
   EndWait();  // a box follows
   mIsRefused = true;
-  mState.connection = Connection::Offline;
-  mState.controller = FactsOf(controller, mUnit);
+  mState.connection = ConnectionState::Offline;
+  mState.controller = ControllerFactsOf(controller, mUnit);
   mState.trouble = "Refused: " + RefusalText(text, *mState.controller);
   if (mOtherProject) mState.trouble += "\n" + OtherProjectText(mState.pages->content, *mOtherProject);
   StatusMessage(mState.trouble);
 }
 
 void TelepanelHost::GoOnline() {
-  mState.connection = Connection::Online;
+  mState.connection = ConnectionState::Online;
   Show();
 }
 
@@ -99,12 +100,12 @@ void TelepanelHost::RunPanelSession(const std::string& caption) {
 void TelepanelHost::GoOffline(const std::string& why, const std::string& trouble) {
   LetGo();
   mState.trouble = trouble;
-  if (mState.connection == Connection::Offline) return;
-  mState.connection = Connection::Offline;
+  if (mState.connection == ConnectionState::Offline) return;
+  mState.connection = ConnectionState::Offline;
   StatusMessage(why);
 }
 
-// Nothing that is known of the controller before holds for this one, so it is met like any that is new, and the user is
+// Nothing that is known of the controller before holds for this one, so it is treated like a new one, and the user is
 // told for as long as it is on line.
 void TelepanelHost::GoOnlineWithOther(const std::string& told) {
   Connect({});
@@ -122,7 +123,7 @@ void TelepanelHost::LetGo() {
 }
 
 void TelepanelHost::Tick() {
-  const bool isHeld = mState.connection == Connection::Online || mState.connection == Connection::Lost;
+  const bool isHeld = mState.connection == ConnectionState::Online || mState.connection == ConnectionState::Lost;
   if (!isHeld || mIsAsking) return;
   if (mIsInTool) return FollowTool();
   if (!mState.isEnabled) return;
@@ -135,17 +136,17 @@ void TelepanelHost::Tick() {
 // A tool works with the controller, so nothing is asked; what its exchanges have shown is told all the same, and what
 // only a question would tell is not known meanwhile. The tool itself keeps the log.
 void TelepanelHost::FollowTool() {
-  const bool isHeld = mState.connection == Connection::Online || mState.connection == Connection::Lost;
+  const bool isHeld = mState.connection == ConnectionState::Online || mState.connection == ConnectionState::Lost;
   if (!isHeld || !mIsInTool || mIsAsking || !mChannel || !mState.controller) return;
   mState.isWithTool = true;
-  mState.quality = FactsOf(mChannel->Quality());
+  mState.quality = LinkFactsOf(mChannel->Quality());
   mState.controller->state.clear();
   const LinkError& error = mChannel->LastError();
   if (ShowsLoss(error.code)) {
-    mState.connection = Connection::Lost;
+    mState.connection = ConnectionState::Lost;
     mState.trouble = error.Text();
-  } else if (mState.connection == Connection::Lost && ShowsAnswer(error.code)) {
-    mState.connection = Connection::Online;
+  } else if (mState.connection == ConnectionState::Lost && ShowsAnswer(error.code)) {
+    mState.connection = ConnectionState::Online;
     mState.trouble = MisfitText(mState);
   }
   Show();
@@ -172,14 +173,14 @@ void TelepanelHost::AskController(HostView::Wait wait, const std::string& what) 
   EndSilence();
   if (!hasAnswered) TakeFailure(channel->LastError());
   EndWait();
-  if (mChannel) mState.quality = FactsOf(mChannel->Quality());
+  if (mChannel) mState.quality = LinkFactsOf(mChannel->Quality());
 }
 
 bool TelepanelHost::Ask() {
   if (!mState.controller) {
     const auto version = mChannel->GetVersionInfo(mUnit);
     if (!version) return false;
-    mState.controller = FactsOf(*version, mUnit);
+    mState.controller = ControllerFactsOf(*version, mUnit);
   }
   const auto info = mChannel->GetControllerInfo(mUnit);
   if (info) TakeInfo(*info);
@@ -189,8 +190,8 @@ bool TelepanelHost::Ask() {
 void TelepanelHost::TakeInfo(const Channel::ControllerInfo& info) {
   AddInfo(*mState.controller, info);
   mWatch.Answered(mServices.pacer.Now());
-  if (mState.connection == Connection::Lost) {
-    mState.connection = Connection::Online;
+  if (mState.connection == ConnectionState::Lost) {
+    mState.connection = ConnectionState::Online;
     mState.trouble = MisfitText(mState);
     StatusMessage("The controller answers again");
   }
@@ -215,8 +216,8 @@ void TelepanelHost::TakeFailure(const LinkError& error) {
   }
   mWatch.Silent(now);
   mState.trouble = trouble;
-  if (mState.connection == Connection::Lost) return;
-  mState.connection = Connection::Lost;
+  if (mState.connection == ConnectionState::Lost) return;
+  mState.connection = ConnectionState::Lost;
   StatusMessage(trouble);
 }
 

@@ -16,4 +16,10 @@ std::string UpperCased(std::string_view text) {
   return upper;
 }
 
+std::string Counted(std::uint64_t count, std::string_view noun, std::string_view plural) {
+  std::string text = std::to_string(count) + " ";
+  if (count != 1 && !plural.empty()) return text.append(plural);
+  return text.append(noun).append(count == 1 ? "" : "s");
+}
+
 }  // namespace kv

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -10,5 +11,8 @@ namespace kv {
 
 // With the letters a to z in upper case; other bytes stay, so UTF-8 and ANSI texts keep what is not ASCII.
 [[nodiscard]] std::string UpperCased(std::string_view text);
+
+// "1 try", "2 tries"; without a plural of its own the noun gets an "s".
+[[nodiscard]] std::string Counted(std::uint64_t count, std::string_view noun, std::string_view plural = {});
 
 }  // namespace kv

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/AnsiText.h"
+#include "base/Texts.h"
 
 namespace kv {
 namespace {
@@ -35,8 +36,7 @@ std::uint64_t CloneComparison::DifferingBytes() const {
 std::string KindVerdict::Text() const {
   const std::string name = isValues ? "Values of operands (" : "Program and settings (";
   if (bytes == 0) return name + codes + "): same.";
-  const std::string differ =
-      name + codes + "): " + std::to_string(bytes) + (bytes == 1 ? " byte differs" : " bytes differ");
+  const std::string differ = name + codes + "): " + Counted(bytes, "byte differs", "bytes differ");
   return differ + (isValues ? "; a running program changes them by itself." : ".");
 }
 

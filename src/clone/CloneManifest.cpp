@@ -7,6 +7,7 @@
 #include "base/FileToReplace.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
+#include "link/LinkLimits.h"
 
 namespace kv {
 
@@ -100,7 +101,7 @@ constexpr Field kFields[] = {
     {"Hardware code", true,  [](std::string_view v, CloneManifest& m) { return ReadText(v, m.version.hardwareCode); }},
     {"O/S",           true,  [](std::string_view v, CloneManifest& m) { return ReadText(v, m.version.osVersion); }},
     {"Build",         true,  [](std::string_view v, CloneManifest& m) { return ReadText(v, m.version.osBuild); }},
-    {"Unit",          true,  [](std::string_view v, CloneManifest& m) { return ReadNumber(v, 255, m.unit); }},
+    {"Unit",          true,  [](std::string_view v, CloneManifest& m) { return ReadNumber(v, kUnitIds.highest, m.unit); }},
     {"Serial number", true,  ReadSerialNumber},
     {"Project",       true,  [](std::string_view v, CloneManifest& m) { return ReadText(v, m.project); }},
     {"Program",       true,  ReadProgram},

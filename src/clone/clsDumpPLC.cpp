@@ -8,6 +8,7 @@
 #include "base/AnsiText.h"
 #include "clone/CloneFrame.h"
 #include "clone/CloneLines.h"
+#include "link/LinkLimits.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
 
@@ -16,7 +17,6 @@ namespace kv {
 namespace {
 
 constexpr int kFirstOsWithClones = 460;
-constexpr std::size_t kLongestPassword = 8;
 constexpr std::uint32_t kBlock = 512;
 
 // Short date, TAB, short time, both without the locale so that a file says the same everywhere.
@@ -135,7 +135,8 @@ std::expected<clsDumpPLC::Segments, CloneOutcome> clsDumpPLC::ReadSegmentTable(C
   std::string password = Utf8ToAnsi(entered.value_or(""));
   if (password.empty()) return Failure(CloneCause::Password, "No password was given.");
   if (password.size() > kLongestPassword) {
-    return Failure(CloneCause::Password, "The password that was given has more than 8 characters.");
+    return Failure(CloneCause::Password,
+                   "The password that was given has more than " + std::to_string(kLongestPassword) + " characters.");
   }
   password.resize(kLongestPassword, ' ');
   const auto reply = link.SendCommand("GI" + password);

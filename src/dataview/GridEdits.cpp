@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/Texts.h"
 #include "dataview/ViewDesk.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/ValueEntry.h"
@@ -10,10 +11,6 @@
 
 namespace kv::mdlDataTypesView {
 namespace {
-
-std::string Counted(std::size_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
 
 // All cells of the grid, type by type.
 template <typename Visit>

@@ -8,6 +8,7 @@
 #include "dataview/RegionEngine.h"
 #include "dataview/ViewDesk.h"
 #include "desktop/StopScope.h"
+#include "link/ReconnectPauses.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -17,10 +18,6 @@ using namespace std::chrono_literals;
 constexpr Duration kCountingTime = 1s;      // over which passes per second are counted
 constexpr Duration kFirstCounting = 200ms;  // the same for the first figure: one pass alone tells little
 constexpr Duration kIdlePause = 50ms;       // after a pass in which nothing could be asked
-
-// As the host asks again after a controller that does not answer: each try can keep the user waiting.
-constexpr Duration kFirstPause = 2s;
-constexpr Duration kLongestPause = 30s;
 
 bool IsRefusal(LinkErrorCode code) {
   return code == LinkErrorCode::Refused || code == LinkErrorCode::NotSupported;
@@ -99,7 +96,7 @@ void OnlineMode::OnePass(Channel& channel) {
     if (outcome.isStopped) return mDesk.Say("Watching was stopped." + replaced);
     return mDesk.SayLinkError(*outcome.error, "Watching has ended; the values are those of the last reads." + replaced);
   }
-  mPause = Duration::zero();
+  mFailures = 0;
   const bool isFirst = mDesk.status.passes == 0;
   const std::string unreadable = isFirst ? mEngine.UnreadableText(outcome.unreadable) : std::string();
   if (!replaced.empty() || !unreadable.empty()) mDesk.SayInPassing("Watching." + mAbout + unreadable + replaced);
@@ -129,13 +126,12 @@ void OnlineMode::NoteEnd() {
   if (!mDesk.status.loss) return;
   mDesk.status.loss->wasWatching = true;
   mDesk.status.loss->serialNumber = mSerialNumber;
-  mPause = std::clamp(2 * mPause, kFirstPause, kLongestPause);
-  mNextTry = mDesk.Now() + mPause;
+  mNextTry = mDesk.Now() + kPausesWhileWatching.After(++mFailures);
 }
 
 void OnlineMode::SetGoesOn(bool goesOn) {
   mGoesOn = goesOn;
-  mPause = Duration::zero();
+  mFailures = 0;
   mNextTry = mDesk.Now();
 }
 

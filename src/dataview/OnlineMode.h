@@ -51,7 +51,7 @@ class OnlineMode {
   bool mIsRunning = false;
   bool mGoesOn = false;
   std::optional<std::uint32_t> mSerialNumber;  // of the controller that was watched last
-  Duration mPause{};                           // before the next try
+  int mFailures = 0;                           // in a row
   Instant mNextTry{};
   std::string mAbout;  // what there is to say of the controller and the regions
   Instant mCountedFrom{};

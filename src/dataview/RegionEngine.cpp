@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ScopeGuard.h"
+#include "base/Texts.h"
 #include "dataview/ChannelLease.h"
 #include "dataview/ViewDesk.h"
 #include "dataview/operands/OperandCatalogue.h"
@@ -186,12 +187,12 @@ std::string RegionEngine::FirstFault(std::span<const Region> regions) const {
 }
 
 std::string RegionEngine::RegionCountText(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " region" : " regions");
+  return Counted(count, "region");
 }
 
 std::string RegionEngine::ReplacedText(std::size_t replaced) {
   if (replaced == 0) return {};
-  return " " + std::to_string(replaced) + (replaced == 1 ? " edited value was" : " edited values were") +
+  return " " + Counted(replaced, "edited value was", "edited values were") +
          " replaced by what the controller holds; Undo brings " + (replaced == 1 ? "it" : "them") + " back.";
 }
 

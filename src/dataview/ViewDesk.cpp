@@ -4,6 +4,8 @@
 #include <chrono>
 #include <utility>
 
+#include "link/LinkLoss.h"
+
 namespace kv::mdlDataTypesView {
 namespace {
 
@@ -21,20 +23,6 @@ Duration ReadingTime(std::string_view message) {
 
 std::size_t IndexOf(OperandTypeCode type) {
   return static_cast<std::size_t>(type) - 1;
-}
-
-// After these the controller may be out of reach, so that what is shown grows old.
-bool IsLoss(LinkErrorCode code) {
-  switch (code) {
-    case LinkErrorCode::CannotOpen:
-    case LinkErrorCode::NoReply:
-    case LinkErrorCode::Damaged:
-    case LinkErrorCode::LinkLost:
-    case LinkErrorCode::OtherController:
-      return true;
-    default:
-      return false;
-  }
 }
 
 }  // namespace
@@ -94,7 +82,7 @@ void ViewDesk::SayRefusal(const std::string& message) {
 void ViewDesk::SayLinkError(const LinkError& error, const std::string& whatElse) {
   const LinkLoss loss{.error = error, .consequence = whatElse};
   SayError(loss.Text());
-  if (!IsLoss(error.code)) {
+  if (!MeansLostLink(error.code)) {
     if (error.code != LinkErrorCode::Stopped) status.refusal = loss.Text();
     return;
   }

@@ -1,9 +1,11 @@
 #include "dataview/WriteQuestion.h"
 
+#include "base/Texts.h"
+
 namespace kv::mdlDataTypesView {
 
 MessageBox WriteQuestion(std::size_t values, const std::string& target) {
-  return {.text = "Write " + std::to_string(values) + (values == 1 ? " value" : " values") + " to " + target + "?",
+  return {.text = "Write " + Counted(values, "value") + " to " + target + "?",
           .icon = PromptIcon::Question,
           .buttons = PromptButtons::YesNo,
           .canLose = true};

@@ -8,15 +8,14 @@
 #include <string_view>
 
 #include "base/AnsiText.h"
+#include "base/LittleEndian.h"
 
 namespace kv {
 
 // Fields at fixed places of a binary file, which must be long enough. Integers are little-endian.
 
 [[nodiscard]] inline std::uint32_t LittleAt(std::string_view bytes, std::size_t offset, std::size_t size) {
-  std::uint32_t value = 0;
-  while (size-- > 0) value = value << 8 | static_cast<unsigned char>(bytes[offset + size]);
-  return value;
+  return LittleEndian(bytes.substr(offset, size));
 }
 
 // ANSI text padded with zero bytes, as UTF-8 without any zero byte.

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <algorithm>
 #include <optional>
 
-#include "base/Time.h"
+#include "link/ReconnectPauses.h"
 
 namespace kv {
 
@@ -12,25 +11,18 @@ namespace kv {
 // again and again does not.
 class RedialPlan {
  public:
-  static constexpr Duration kFirstPause = std::chrono::seconds(10);
-  static constexpr Duration kLongestPause = std::chrono::minutes(5);
   static constexpr Duration kStanding = std::chrono::minutes(1);
 
   explicit RedialPlan(int most) : mMost(most) {}
 
   // A call has ended that stood for so long.
   void NoteEnd(Duration stood) {
-    if (stood < kStanding) return;
-    mMade = 0;
-    mPause = kFirstPause;
+    if (stood >= kStanding) mMade = 0;
   }
   // The pause before the next call, which is counted; nothing when it must not be made.
   [[nodiscard]] std::optional<Duration> Next() {
     if (mMade >= mMost) return std::nullopt;
-    ++mMade;
-    const Duration pause = mPause;
-    mPause = std::min(2 * mPause, kLongestPause);
-    return pause;
+    return kPausesBetweenCalls.After(++mMade);
   }
 
   [[nodiscard]] int Made() const { return mMade; }
@@ -39,7 +31,6 @@ class RedialPlan {
  private:
   int mMost;
   int mMade = 0;
-  Duration mPause = kFirstPause;
 };
 
 }  // namespace kv

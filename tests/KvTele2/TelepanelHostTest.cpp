@@ -107,7 +107,7 @@ TEST_F(TelepanelHostTest, EveryToolOfTheDispatchHasItsCommand) {
 
 TEST_F(TelepanelHostTest, AControllerOnLineIsShown) {
   host.Click(command::kOnLine);
-  EXPECT_EQ(view.shown.connection, Connection::Online);
+  EXPECT_EQ(view.shown.connection, ConnectionState::Online);
   EXPECT_EQ(view.shown.controller,
             (ControllerFacts{"K220-22-R1", "10", "4.60", "19", "1", "running", "Bakery", "2748"}));
   EXPECT_FALSE(view.isWaiting);
@@ -116,7 +116,7 @@ TEST_F(TelepanelHostTest, AControllerOnLineIsShown) {
 
   releases = 0;
   host.Click(command::kOffLine);
-  EXPECT_EQ(view.shown.connection, Connection::Offline);
+  EXPECT_EQ(view.shown.connection, ConnectionState::Offline);
   EXPECT_EQ(view.shown.controller, std::nullopt);
   EXPECT_EQ(channel.use_count(), 1) << "the controller is let go of";
   EXPECT_EQ(releases, 1) << "and its port, for other programs";
@@ -189,7 +189,7 @@ TEST_F(TelepanelHostTest, ClosingTheWindowWhileItConnectsIsCancel) {
   host.Click(command::kOnLine);
   EXPECT_THAT(clicked, ElementsAre("ID_OnLine"));
   EXPECT_THAT(view.waits, ElementsAre(HasSubstr("Connecting to COM3"))) << "the controller is not asked any more";
-  EXPECT_EQ(view.shown.connection, Connection::Offline);
+  EXPECT_EQ(view.shown.connection, ConnectionState::Offline);
   EXPECT_EQ(view.shown.message, "Off line: stopped on request");
   EXPECT_FALSE(pacer.StopRequested());
 }
@@ -212,7 +212,7 @@ TEST_F(TelepanelHostTest, ALostControllerIsAskedLessAndLessOftenAndFoundAgain) {
 
   channel->info = Channel::ControllerInfo{.serialNumber = 0xABC, .state = 'S', .projectName = "Bakery"};
   Pass(std::chrono::seconds(30));
-  EXPECT_EQ(view.shown.connection, Connection::Online);
+  EXPECT_EQ(view.shown.connection, ConnectionState::Online);
   EXPECT_EQ(view.shown.controller->state, "stopped");
   EXPECT_EQ(view.shown.trouble, "");
 }
@@ -247,7 +247,7 @@ TEST_F(TelepanelHostTest, WhatEndsBeingOnLine) {
     ASSERT_TRUE(host.IsOnline()) << each.what;
     releases = 0;
     each.happens();
-    EXPECT_EQ(view.shown.connection, Connection::Offline) << each.what;
+    EXPECT_EQ(view.shown.connection, ConnectionState::Offline) << each.what;
     EXPECT_GE(releases, 1) << each.what;
     EXPECT_THAT(view.shown.message, HasSubstr(each.told)) << each.what;
   }
@@ -276,7 +276,7 @@ TEST_F(TelepanelHostTest, AnotherControllerIsToldAndGoesThroughTheWholeSequence)
       };
       Pass(std::chrono::seconds(4));
       EXPECT_THAT(clicked, ElementsAre("ID_OnLine"));
-      EXPECT_EQ(view.shown.connection, isRefused ? Connection::Offline : Connection::Online);
+      EXPECT_EQ(view.shown.connection, isRefused ? ConnectionState::Offline : ConnectionState::Online);
       EXPECT_THAT(view.shown.trouble, HasSubstr("nother controller answered: K330"));
       EXPECT_THAT(view.shown.trouble, HasSubstr(isRefused ? "BOOTSTRAP" : "gone on line anew"));
       EXPECT_THAT(view.shown.trouble, Not(HasSubstr("close the link"))) << "the program has done that";
@@ -316,7 +316,7 @@ TEST_F(TelepanelHostTest, WhatAToolsExchangesShowIsTold) {
   host.Click("ID_DataTypes");
   EXPECT_THAT(ConnectionHeading(view.shown), HasSubstr("looking for the controller"));
   Pass(std::chrono::seconds(1));
-  EXPECT_EQ(view.shown.connection, Connection::Online);
+  EXPECT_EQ(view.shown.connection, ConnectionState::Online);
   EXPECT_EQ(view.shown.controller->state, "running");
 }
 
@@ -381,14 +381,14 @@ TEST_F(TelepanelHostTest, APagesFileIsMadeForTheControllerOnLineAndThenAsked) {
   host.Click(command::kOffLine);
   channel->info->projectName = "Other";
   host.Click(command::kOnLine);
-  EXPECT_EQ(view.shown.connection, Connection::Offline) << "the tool refuses it";
+  EXPECT_EQ(view.shown.connection, ConnectionState::Offline) << "the tool refuses it";
   EXPECT_THAT(view.shown.trouble, HasSubstr("for the project A/B, but the controller holds Other"));
   EXPECT_THAT(view.shown.trouble, HasSubstr("model K220-22-R1, hardware code 10, O/S 4.60, build 19, unit id 1, serial "
                                             "number 2748, state running, project Other."));
   EXPECT_EQ(view.shown.controller->serialNumber, "2748") << "what was learnt stays in sight";
   host.Click(command::kClosePages);
   host.Click(command::kOnLine);
-  EXPECT_EQ(view.shown.connection, Connection::Online);
+  EXPECT_EQ(view.shown.connection, ConnectionState::Online);
 }
 
 TEST_F(TelepanelHostTest, UnknownModelsAndMissingToolsSayWhatToDo) {

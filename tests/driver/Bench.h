@@ -149,7 +149,7 @@ class PlantPort final : public Port {
   std::deque<std::pair<Instant, char>> mOnWay;
 };
 
-// A channel to such a controller, met and in step.
+// A channel to such a controller, after the handshake and synchronised.
 struct Bench {
   VirtualPacer pacer;
   Plant plant;
@@ -164,7 +164,7 @@ struct Bench {
             pacer, trace, settings, [this](const LinkSettings&) { return std::make_unique<PlantPort>(plant, pacer); },
             [this](const std::string& message) { messages.push_back(message); }) {
     EXPECT_TRUE(channel.Open());
-    EXPECT_TRUE(channel.ReadMI(0, 1, 1));  // the unit is met, and the link's time is known
+    EXPECT_TRUE(channel.ReadMI(0, 1, 1));  // the handshake is done, and the time of the link is known
   }
   [[nodiscard]] const LinkError& Error() const { return channel.LastError(); }
 };

@@ -109,7 +109,7 @@ TEST(Channel, SpeedChangeKeepsTheConnectionAndPortChangeDoesNot) {
   EXPECT_FALSE(bench.channel.SetComParams({"pigeon:7", 0, 0}));
 }
 
-TEST(Channel, RawTrafficPassesAndExchangesAreInStepAfterwards) {
+TEST(Channel, RawTrafficPassesAndExchangesAreSynchronisedAfterwards) {
   Bench bench;
   SerialPortObject* port = bench.channel.GetSerialPort();
   ASSERT_NE(port, nullptr);

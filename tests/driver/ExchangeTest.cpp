@@ -40,7 +40,7 @@ TEST(Exchange, StrayBytesAndPausesFailNothing) {
   const struct {
     const char* what;
     LineShape shape;
-    Duration most;  // for one request that meets nobody
+    Duration most;  // for one request that nobody answers
   } lines[] = {
       {"a transmitter switches on", {.noise = "\xFF", .noiseLead = 12ms}, 100ms},
       {"with a byte that could begin a frame", {.noise = "/", .noiseLead = 40ms}, 100ms},
@@ -56,7 +56,7 @@ TEST(Exchange, StrayBytesAndPausesFailNothing) {
       Bench bench(model);
       const Requests requests = EachKind(bench);
       bench.plant.shape = line.shape;
-      EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1)) << line.what << ", meeting: " << bench.Error().Text();
+      EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1)) << line.what << ", handshake: " << bench.Error().Text();
       for (int round = 0; round < 3; ++round) {
         for (const auto& [name, request] : requests) {
           SCOPED_TRACE(std::string(line.what) + ", " + model + ": " + name);

@@ -6,6 +6,7 @@
 #include "link/HexHelpers.h"
 #include "link/LinkError.h"
 #include "link/OsVersion.h"
+#include "link/ReconnectPauses.h"
 
 // clang-format off: the tables are laid out by hand
 namespace kv {
@@ -38,6 +39,17 @@ TEST(LinkError, ReadsAsOneSentenceALine) {
   bare.happened.clear();
   EXPECT_EQ(bare.Text(), "Opening COM3 failed.");
   EXPECT_EQ(LinkError{}.Text(), "");
+}
+
+TEST(ReconnectPauses, DoubleUpToTheLongest) {
+  const auto first = [](const ReconnectPauses& pauses) {
+    std::vector<std::int64_t> milliseconds;
+    for (int i = 0; i < 8; ++i) milliseconds.push_back(pauses.After(i).count() / 1000);
+    return milliseconds;
+  };
+  EXPECT_EQ(first(kPausesInRequest), (std::vector<std::int64_t>{0, 100, 200, 400, 800, 1600, 3200, 5000}));
+  EXPECT_EQ(kPausesWhileWatching.After(5), std::chrono::seconds(30));
+  EXPECT_EQ(kPausesBetweenCalls.After(1'000'000), std::chrono::minutes(5));
 }
 
 TEST(OsVersion, IsReadFromTheTextsThatControllersReport) {

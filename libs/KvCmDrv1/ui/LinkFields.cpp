@@ -18,7 +18,7 @@ namespace {
 constexpr int kUsualRates[] = {9600, 19200, 38400, 57600, 115200, 230400, 460800, 921600};  // the usual ones
 
 QString RangeText(NumberRange range) {
-  return QString("%1 to %2").arg(range.lowest).arg(range.highest);
+  return QString::fromStdString(range.Text());
 }
 
 QString FramingText(const SerialFraming& framing) {
@@ -68,7 +68,7 @@ const std::vector<LinkFields::TextField>& LinkFields::TextFields() {
        true},
       {ModemInit, "txtModemInit", "&Init text:", &LinkInput::modemInit,
        "Commands for the modem after its reset, such as AT&F; empty for none", false},
-      {Unit, "txtUnit", "&Unit id:", &LinkInput::unit, RangeText(kUnits), true},
+      {Unit, "txtUnit", "&Unit id:", &LinkInput::unit, RangeText(kUnitIds), true},
       {SerialNumber, "txtSerialNumber", "Serial num&ber:", &LinkInput::serialNumber,
        "Of the controller that is meant, as the main window shows it; another one is refused before anything is read. "
        "Empty: whoever answers",

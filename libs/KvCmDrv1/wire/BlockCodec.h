@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/LittleEndian.h"
 #include "link/DownloadEngine.h"
 
 namespace kv {
@@ -37,19 +38,5 @@ void EncodeBlockRequest(const BlockMessage& request, std::string& bytes);
 // The reply in `bytes`, whose head has been found good and which is as long as that announced; nothing when its check
 // does not hold.
 [[nodiscard]] std::optional<BlockMessage> DecodeBlockReply(std::string_view bytes);
-
-// Little-endian integers of block messages.
-[[nodiscard]] inline std::uint32_t LittleEndian(std::string_view bytes) {  // of 1 to 4 bytes
-  std::uint32_t value = 0;
-  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<unsigned char>(bytes[i]);
-  return value;
-}
-inline void PutLittleEndian(char* place, std::uint32_t value, std::size_t count) {
-  for (; count-- > 0; value >>= 8) *place++ = static_cast<char>(value & 0xFFU);
-}
-inline void AppendLittleEndian(std::string& bytes, std::uint32_t value, std::size_t count) {
-  bytes.append(count, '\0');
-  PutLittleEndian(bytes.data() + bytes.size() - count, value, count);
-}
 
 }  // namespace kv

@@ -25,6 +25,11 @@ struct CommandFacts {
 // dangerous kind: not idempotent, and slow.
 [[nodiscard]] CommandFacts CommandFactsOf(std::string_view text);
 
+// Longest replies of commands with a tag, in characters without the seal.
+inline constexpr std::size_t kSynchronisationReply = 62;  // letters, tag, counter, check, power-up, 40 characters
+inline constexpr std::size_t kInformationReply = 55;      // letters, tag, serial number, state, name
+inline constexpr std::size_t kAccessReply = 9;
+
 // The facts of the commands with a tag.
 [[nodiscard]] CommandFacts TaggedRead(std::size_t longestReply);
 [[nodiscard]] CommandFacts TaggedWrite(std::size_t longestReply);

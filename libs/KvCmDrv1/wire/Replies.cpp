@@ -218,13 +218,13 @@ bool ReadMemoryBytes(std::string_view reply, std::uint16_t tag, std::uint32_t ad
 std::optional<SynchronisationReply> ReadSynchronisation(std::string_view reply, std::uint16_t tag) {
   constexpr std::size_t kKept = 40;
   FieldReader reader = Begin(reply, "SY", tag);
-  SynchronisationReply step;
-  step.counter = static_cast<std::uint16_t>(reader.Hex(4));
-  step.check = reader.Hex(8);
-  step.powerUp = static_cast<std::uint16_t>(reader.Hex(4));
-  step.reply = reader.Rest();
-  if (!reader.Good() || step.reply.size() > kKept) return std::nullopt;
-  return step;
+  SynchronisationReply last;
+  last.counter = static_cast<std::uint16_t>(reader.Hex(4));
+  last.check = reader.Hex(8);
+  last.powerUp = static_cast<std::uint16_t>(reader.Hex(4));
+  last.reply = reader.Rest();
+  if (!reader.Good() || last.reply.size() > kKept) return std::nullopt;
+  return last;
 }
 
 std::optional<std::vector<OperandListValues>> ReadListPayload(std::string_view payload,

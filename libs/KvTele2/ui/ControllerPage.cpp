@@ -56,7 +56,7 @@ void ShowRows(const QWidget& box, const std::array<Row<Facts>, Count>& rows, con
 
 QIcon IconFor(const HostState& state) {
   if (!state.trouble.empty() || state.isSilent) return IconOf("warning");
-  return state.connection == Connection::Online ? IconOf("online") : IconOf("offline");
+  return state.connection == ConnectionState::Online ? IconOf("online") : IconOf("offline");
 }
 
 }  // namespace

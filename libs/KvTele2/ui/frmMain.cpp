@@ -92,7 +92,7 @@ void frmMain::Show(const HostState& state, const Journal& journal) {
   mLog->Follow(journal);
   mStatus->Show(state);
   ShowPointer(state.isPointerBusy);
-  const bool isHeld = state.connection == Connection::Online || state.connection == Connection::Lost;
+  const bool isHeld = state.connection == ConnectionState::Online || state.connection == ConnectionState::Lost;
   if (isHeld && !mHeartbeat.isActive()) mHeartbeat.start();
   if (!isHeld) mHeartbeat.stop();
 }

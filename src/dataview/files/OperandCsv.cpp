@@ -191,9 +191,8 @@ std::string OperandCsv::LeftOutText() const {
       ++unnamed;
     }
   }
-  const auto lines = [](std::size_t count) { return std::to_string(count) + (count == 1 ? " line" : " lines"); };
-  if (unnamed > 0) parts.push_back(lines(unnamed) + " more that cannot be taken");
-  if (withoutValues > 0) parts.push_back(lines(withoutValues) + " without values");
+  if (unnamed > 0) parts.push_back(Counted(unnamed, "line") + " more that cannot be taken");
+  if (withoutValues > 0) parts.push_back(Counted(withoutValues, "line") + " without values");
   std::string text;
   for (std::size_t i = 0; i < parts.size(); ++i) {
     text += (i == 0 ? "Left out: " : i + 1 == parts.size() ? " and " : ", ") + parts[i];

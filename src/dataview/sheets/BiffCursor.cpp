@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/LittleEndian.h"
 #include "base/Utf8.h"
-#include "dataview/sheets/LittleEndian.h"
 
 namespace kv {
 namespace {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "base/LittleEndian.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include "dataview/sheets/LittleEndian.h"
 
 namespace kv {
 

@@ -1,9 +1,9 @@
 #include "dataview/sheets/CompoundFile.h"
 
+#include "base/LittleEndian.h"
+
 #include <algorithm>
 #include <cstdint>
-
-#include "dataview/sheets/LittleEndian.h"
 
 namespace kv {
 namespace {

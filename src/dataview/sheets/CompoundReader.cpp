@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "dataview/sheets/LittleEndian.h"
+#include "base/LittleEndian.h"
 #include "dataview/sheets/SheetBuilder.h"
 
 namespace kv {

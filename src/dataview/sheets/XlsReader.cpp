@@ -5,9 +5,9 @@
 #include <optional>
 #include <utility>
 
+#include "base/LittleEndian.h"
 #include "dataview/sheets/BiffCursor.h"
 #include "dataview/sheets/CompoundReader.h"
-#include "dataview/sheets/LittleEndian.h"
 #include "dataview/sheets/SheetBuilder.h"
 
 // The records and their fields are those of the BIFF8 file format that its makers have published.

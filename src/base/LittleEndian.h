@@ -2,6 +2,7 @@
 
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,20 @@ template <std::unsigned_integral Number>
     value = static_cast<Number>((sizeof(Number) > 1 ? value << 8 : 0) | static_cast<unsigned char>(bytes[at + i]));
   }
   return value;
+}
+
+// The same for fields whose length is not that of a type, 1 to 4 bytes.
+[[nodiscard]] inline std::uint32_t LittleEndian(std::string_view bytes) {  // of 1 to 4 bytes
+  std::uint32_t value = 0;
+  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<unsigned char>(bytes[i]);
+  return value;
+}
+inline void PutLittleEndian(char* place, std::uint32_t value, std::size_t count) {
+  for (; count-- > 0; value >>= 8) *place++ = static_cast<char>(value & 0xFFU);
+}
+inline void AppendLittleEndian(std::string& bytes, std::uint32_t value, std::size_t count) {
+  bytes.append(count, '\0');
+  PutLittleEndian(bytes.data() + bytes.size() - count, value, count);
 }
 
 }  // namespace kv
