@@ -155,15 +155,5 @@ TEST(Exchange, SecondRequestInTheMiddleOfOneIsRefused) {
   EXPECT_TRUE(wasRefused);
 }
 
-// The counter has gone half around since the last write; an equal request that is lost must not be taken for that one.
-TEST(Exchange, OldEqualRequestIsNotMistakenForTheLostOne) {
-  Bench bench;
-  EXPECT_TRUE(bench.channel.StopController(1));
-  for (int i = 0; i < 40000; ++i) ASSERT_TRUE(bench.channel.ReadMI(0, 1, 1));
-  bench.plant.UseFaults({"damage:dir=in,on=CC,nth=1"});
-  EXPECT_TRUE(bench.channel.StopController(1));
-  EXPECT_EQ(bench.plant.controller->MostExecutions(), 2);
-}
-
 }  // namespace
 }  // namespace kv

@@ -120,7 +120,12 @@ TEST(LongRun, NothingWrongNothingTwiceNothingLate) {
       SCOPED_TRACE(std::string(model) + ", " + weather.name);
       const std::int64_t count = exchanges / 4 * weather.share / 100;
       Voyage run(model, weather, seed);
-      for (std::int64_t i = 0; i < count; ++i) ASSERT_TRUE(run.Exchange()) << i << "\n" << run.TraceEnd();
+      std::int64_t held = 0;
+      for (std::int64_t i = 0; i < count; ++i) {
+        if (i == count / 4) held = test::MemoryHeld();
+        ASSERT_TRUE(run.Exchange()) << i << "\n" << run.TraceEnd();
+      }
+      EXPECT_LT(test::MemoryHeld() - held, 1 << 20) << "memory grows";
       EXPECT_GE(2 * run.done, count);
     }
   }

@@ -22,7 +22,6 @@
 #include "simulator/CommandTable.h"
 #include "simulator/FlashMap.h"
 #include "simulator/FrameReader.h"
-#include "simulator/Memory.h"
 #include "simulator/OperandTypes.h"
 #include "tests/support/MarkdownTables.h"
 
@@ -223,18 +222,6 @@ TEST(ProtocolPage, TimeOutsAndTries) {
   std::vector<std::string> values;
   for (const Row& row : RowsBelow({"What", "Value"})) values.push_back(row[1]);
   EXPECT_EQ(values, expected);
-}
-
-TEST(ProtocolPage, Segments) {
-  const auto rows = RowsBelow({"Code", "Usual letter"});
-  for (const auto layout : {sim::MemoryLayout::Small, sim::MemoryLayout::Plain, sim::MemoryLayout::Large}) {
-    const sim::Memory memory(layout, 1);
-    for (const Row& row : rows) {
-      const std::size_t index = memory.IndexOf(row[0]);
-      ASSERT_LT(index, memory.Segments().size()) << row[0];
-      EXPECT_EQ(std::string(1, memory.Segments()[index].letter), row[1]) << row[0];
-    }
-  }
 }
 
 TEST(ProtocolPage, StepsOfAProject) {

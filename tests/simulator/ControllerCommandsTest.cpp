@@ -10,23 +10,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(ControllerCommands, OptionsThatCannotBeAreRefusedWithASentence) {
-  const auto why = [](const SimulatorOptions& options) {
-    const auto made = Controller::Create(options);
-    return made ? std::string("made") : made.error();
-  };
-  SimulatorOptions options = Options("K999");
-  EXPECT_TRUE(why(options).starts_with("There is no simulated model \"K999\". There are: K220-22-R1, K220-32,"));
-  EXPECT_NE(why(Options("K670", "4.6.0")).find("\"4.6.0\" does not fit the model"), std::string::npos);
-  EXPECT_NE(why(Options("K330", "4,60")).find("digits with points"), std::string::npos);
-  options = Options("K330");
-  options.osBuild = 100;
-  EXPECT_EQ(why(options), "The O/S build must be from 0 to 99.");
-  options.osBuild = 7;
-  options.password = "123456789";
-  EXPECT_NE(why(options).find("at most 8 characters"), std::string::npos);
-}
-
 TEST(ControllerCommands, RefuseByShapeAndByWhatCameBefore) {
   const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
       {"K330", "", "XY12", "XYERROR01"},         {"K330", "", "X", "XERROR01"},

@@ -69,17 +69,5 @@ TEST(Operands, StandStillWhileTheProgramIsStopped) {
   EXPECT_EQ(bench.Read("04001F0001"), "0001");  // the clock goes on
 }
 
-TEST(Operands, AListOfWhatCannotBeReadIsRefused) {
-  Bench bench("K330");
-  const auto record = [](char type, char count) {
-    return std::string(4, '\0') + type + std::string(7, '\0') + count + std::string(7, '\0');
-  };
-  EXPECT_EQ(bench.Block(256, 0, 1, 0, 0, record(1, 120)).status, 10);
-  EXPECT_EQ(bench.Block(256, 0, 1, 0, 0, record(0x50, 1)).status, 128 + 3);
-  EXPECT_EQ(bench.Block(256, 0, 1, 0, 0, record(1, 121)).status, 128 + 4);
-  EXPECT_EQ(bench.Block(256, 0, 2, 0, 0, record(1, 1)).status, 128 + 2);
-  EXPECT_EQ(bench.Block(256).status, 128 + 4);
-}
-
 }  // namespace
 }  // namespace sim::test

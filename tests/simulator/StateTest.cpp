@@ -72,18 +72,6 @@ TEST_F(State, SwitchingOffFreezesAndIsNoPowerFailure) {
   EXPECT_EQ(bench.Text("ID"), "IDK330|33|4.60|19");
 }
 
-TEST_F(State, IsWrittenOnlyWhenSomethingHasChanged) {
-  Bench bench(Kept("K330"));
-  EXPECT_TRUE(bench.It().SaveState());
-  std::filesystem::remove(mFile);
-  EXPECT_EQ(bench.Text("ID").substr(0, 2), "ID");
-  EXPECT_TRUE(bench.It().SaveState());
-  EXPECT_FALSE(std::filesystem::exists(mFile));
-  EXPECT_EQ(bench.Text("CCS"), "CCOK");
-  EXPECT_TRUE(bench.It().SaveState());
-  EXPECT_TRUE(std::filesystem::exists(mFile));
-}
-
 TEST_F(State, ADamagedFileIsRefusedWithItsPlace) {
   EXPECT_TRUE(Bench(Kept("K330")).It().SaveState());
   const std::string good = kv::TemporaryFolder::Content(mFile);
