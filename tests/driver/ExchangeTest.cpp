@@ -134,6 +134,7 @@ TEST(Exchange, StopAndAbortEndAWaitWithin200Milliseconds) {
       const Instant start = bench.pacer.Now();
       EXPECT_FALSE(bench.channel.SendCommand("CCS") && bench.channel.SendCommand("CCR"));
       EXPECT_EQ(bench.Error().code, LinkErrorCode::Stopped);
+      EXPECT_EQ(bench.Error().happened, "stopped on request");
       EXPECT_LE(bench.pacer.Now() - start, 500ms);
       bench.pacer.ClearStop();
       bench.channel.AbortComm(true);  // with nothing under way it stops nothing
@@ -148,11 +149,14 @@ TEST(Exchange, StopAndAbortEndAWaitWithin200Milliseconds) {
 TEST(Exchange, SecondRequestInTheMiddleOfOneIsRefused) {
   Bench bench;
   bench.plant.UseFaults({"noreply:on=RO,nth=1"});
-  bool wasRefused = false;
-  bench.pacer.After(20ms,
-                    [&] { wasRefused = !bench.channel.ReadMI(1, 1, 1) && bench.Error().code == LinkErrorCode::Busy; });
+  LinkError error;
+  bench.pacer.After(20ms, [&] {
+    EXPECT_FALSE(bench.channel.ReadMI(1, 1, 1));
+    error = bench.Error();
+  });
   EXPECT_TRUE(bench.channel.ReadMI(9, 1, 1));
-  EXPECT_TRUE(wasRefused);
+  EXPECT_EQ(error.code, LinkErrorCode::Busy);
+  EXPECT_EQ(error.happened, "another request is under way");
 }
 
 }  // namespace

@@ -42,19 +42,19 @@ TEST_F(PortListTest, ListsWhatHasHardwareWithWhatIsPluggedIn) {
   }
   Put("sys/devices/usb1/1-2/product", "USB-Serial Controller");
   Put("sys/devices/usb1/1-2/manufacturer", "Adapter Works");
-  for (const std::string name : {"ttyUSB10", "ttyUSB2"}) {
+  for (const std::string name : {"ttyACM10", "ttyACM2"}) {
     Put("sys/devices/usb1/1-2/1-2:1.0/" + name + "/port_number", "0");
     fs::create_directories(root / "sys/class/tty" / name);
     LinkTo("sys/class/tty/" + name + "/device", "../../../devices/usb1/1-2/1-2:1.0/" + name);
   }
   fs::create_directories(root / "sys/class/tty/tty0");
-  LinkTo("dev/serial/by-id/usb-Adapter_Works-if00-port0", "../../ttyUSB10");
+  LinkTo("dev/serial/by-id/usb-Adapter_Works-if00-port0", "../../ttyACM10");
 
   const std::string adapter = "USB-Serial Controller (Adapter Works)";
   const std::vector<SerialPortInfo> expected{
+      {"ttyACM2", "/dev/ttyACM2", adapter, ""},
+      {"ttyACM10", "/dev/ttyACM10", adapter, "/dev/serial/by-id/usb-Adapter_Works-if00-port0"},
       {"ttyS0", "/dev/ttyS0", "serial port, driver serial8250", ""},
-      {"ttyUSB2", "/dev/ttyUSB2", adapter, ""},
-      {"ttyUSB10", "/dev/ttyUSB10", adapter, "/dev/serial/by-id/usb-Adapter_Works-if00-port0"},
   };
   EXPECT_EQ(ListSerialPortsBelow(root), expected);
 }

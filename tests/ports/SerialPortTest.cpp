@@ -12,6 +12,7 @@
 
 #include "KvCmDrv1/ports/PortErrors.h"
 #include "Partners.h"
+#include "desktop/console/ConsolePacer.h"
 
 namespace kv {
 namespace {
@@ -36,7 +37,12 @@ TEST(SerialPortTest, CarriesEveryByteBothWays) {
   pty.near.Give(kvtest::EveryByte());
   EXPECT_EQ(kvtest::ReadFrom(port, 256), kvtest::EveryByte());
   std::string nothing;
-  for (const int slice : {1, 0}) EXPECT_EQ(port.Read(nothing, milliseconds(slice)), Port::Result::Nothing);
+  const ConsolePacer pacer;
+  for (const int slice : {30, 0}) {
+    const Instant start = pacer.Now();
+    EXPECT_EQ(port.Read(nothing, milliseconds(slice)), Port::Result::Nothing);
+    EXPECT_GE(pacer.Now() - start, milliseconds(slice - 1)) << "it waits, instead of being asked again and again";
+  }
 }
 
 TEST(SerialPortTest, IsTheOnlyOneOnTheLineUntilItIsClosed) {
