@@ -249,13 +249,13 @@ TEST_F(DataTypesWindowTest, KeysCopyPasteAndClearTheSelectedCells) {
 TEST_F(DataTypesWindowTest, WhatWasReadIsRepaintedAndSaysHowOldItIs) {
   Open();
   AddRegion(MB, 0, 0);
-  AddRegion(XDW, 255, 255);
+  AddRegion(DW, 255, 255);
   QSignalSpy cells(Operands().model(), &QAbstractItemModel::dataChanged);
   QSignalSpy rows(Regions().model(), &QAbstractItemModel::dataChanged);
   Trigger("ID_ReadRegions");
   ASSERT_FALSE(cells.isEmpty());
   EXPECT_EQ(cells.front().at(0).toModelIndex(), Cell(MB, 0)) << "the first row and address are among them";
-  EXPECT_EQ(cells.back().at(1).toModelIndex(), Cell(XDW, 255));
+  EXPECT_EQ(cells.back().at(1).toModelIndex(), Cell(DW, 255));
   ASSERT_FALSE(rows.isEmpty());
   EXPECT_EQ(rows.front().at(0).toModelIndex().row(), 0);
   EXPECT_EQ(rows.back().at(1).toModelIndex(), RegionIndex(1, RegionColumn::Values));
@@ -264,7 +264,7 @@ TEST_F(DataTypesWindowTest, WhatWasReadIsRepaintedAndSaysHowOldItIs) {
   EXPECT_EQ(tip(RegionIndex(0, RegionColumn::Name)), "MB");
   EXPECT_EQ(tip(Cell(MB, 0)), "MB 0: 0");
   EXPECT_EQ(tip(Cell(MB, 1)), "MB 1: not read");
-  EXPECT_EQ(tip(Cell(XDW, 256)), "XDW ends at address 255");
+  EXPECT_EQ(tip(Cell(DW, 256)), "DW ends at address 255");
   EXPECT_EQ(tip(Cell(DBI, 0)), "This model has no DBI");
 }
 
