@@ -28,7 +28,7 @@ Failure OtherModel(const std::string& asked, const VersionInfo& version, const s
 
 }  // namespace
 
-// A password that was given by option is tried before the user is asked; both are the password's business.
+// PromptedPassword tries a password that was given by option before it asks the user.
 ConnectedController::ConnectedController(Environment& environment, const CommonOptions& common,
                                          std::unique_ptr<CommDriver> driver, LinkSettings settings)
     : mPrompts({}, environment.err, environment.input),
@@ -39,7 +39,7 @@ ConnectedController::ConnectedController(Environment& environment, const CommonO
 }
 
 ConnectedController::~ConnectedController() {
-  mDriver->OnComMessage = nullptr;  // that the link is closed at the end is no news
+  mDriver->OnComMessage = nullptr;  // the message that the link was closed is not shown
   mChannel.reset();
   mDriver->CloseDriver();
 }

@@ -62,7 +62,7 @@ class ConsoleHost final : public RemoteHost {
   void SetControllerInfoByte(int value) override {
     mPanel.information = value < 0 ? std::nullopt : std::optional(value);
   }
-  // A controller that does not answer is no other project: that it is lost is found out by the next question.
+  // A controller that does not answer counts as the right project: the next question finds that it is lost.
   [[nodiscard]] bool ProjectMatches() override {
     if (!mPages) return true;
     const auto info = mChannel->GetControllerInfo(mUnit);

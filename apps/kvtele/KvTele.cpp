@@ -132,7 +132,7 @@ std::string JsonText(const Failure& failure) {
                      {"cure", failure.cure}}}});
 }
 
-// Writes the result in one piece. A reader that has gone away (as "| head" does) is no news to anybody; a full disk is.
+// Writes the result in one piece. That its reader has gone away (as "| head" does) is not told; a full disk is.
 bool WriteOut(const std::string& text, Environment& environment) {
   errno = 0;
   environment.out << text << std::flush;
@@ -141,14 +141,14 @@ bool WriteOut(const std::string& text, Environment& environment) {
   return false;
 }
 
-ExitCode Report(const VerbResult& outcome, bool json, Environment& environment) {
-  if (outcome) {
-    const std::string text = json ? JsonText(outcome->document) : outcome->text;
-    return WriteOut(text, environment) ? outcome->exit : ExitCode::Failed;
+ExitCode Report(const VerbResult& result, bool json, Environment& environment) {
+  if (result) {
+    const std::string text = json ? JsonText(result->document) : result->text;
+    return WriteOut(text, environment) ? result->exit : ExitCode::Failed;
   }
-  environment.err << outcome.error().Text() << std::flush;
-  if (json) (void)WriteOut(JsonText(outcome.error()), environment);
-  return outcome.error().exit;
+  environment.err << result.error().Text() << std::flush;
+  if (json) (void)WriteOut(JsonText(result.error()), environment);
+  return result.error().exit;
 }
 
 }  // namespace

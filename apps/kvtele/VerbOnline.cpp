@@ -65,7 +65,7 @@ Failure CannotCopy(const fs::path& what, const std::error_code& error) {
 }
 
 // The settings of a session, copied to a folder of its own below the machine's folder for temporary files. What is done
-// to the copy leaves the session as it is; the copy goes with this object.
+// to the copy leaves the session as it is. The copy is deleted with this object.
 class SessionCopy {
  public:
   // A session that is not there, or has no settings, gives an empty one.

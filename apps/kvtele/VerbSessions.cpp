@@ -54,8 +54,8 @@ Failure NoSession(const std::string& name) {
   return UsageFailure("there is no session \"" + name + "\"", "see kvtele sessions list");
 }
 
-// Copies the session that --session names. The copy does not become current: which session a running window works in is
-// its own affair, and so is the mark of that.
+// Copies the session that --session names. The copy does not become the current session: a running window decides
+// in which session it works, and marks it.
 VerbResult Create(const SessionManager& sessions, const std::string& source, const std::string& name) {
   if (const std::string fault = SessionNameFault(name); !fault.empty()) return std::unexpected(UsageFailure(fault));
   if (!IsListed(sessions, source)) return std::unexpected(NoSession(source));
