@@ -145,6 +145,8 @@ TEST_F(LinkDialogsTest, OpensHighEnoughForAllOfItsFields) {
 
 TEST_F(LinkDialogsTest, ABadValueIsSaidWhileItIsTypedAndCannotBeKept) {
   InSettings([](QDialog& dialog) {
+    const QRect cancel = Find<QPushButton>(dialog, "cmdCancel").geometry();
+    EXPECT_FALSE(Find<QPushButton>(dialog, "cmdOk").geometry().intersects(cancel)) << "each button has its place";
     Enter(dialog, "cboTransport", "Ethernet, to");
     Enter(dialog, "txtTcpPort", "65536");
     EXPECT_EQ(Find<QLabel>(dialog, "lblFault").text(), "TCP port: a number from 1 to 65535");
