@@ -14,6 +14,7 @@
 #include "apps/kvtele/OperandLink.h"
 #include "apps/kvtele/RegionsFile.h"
 #include "apps/kvtele/Verb.h"
+#include "base/DateText.h"
 #include "base/Texts.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/RegionTransfer.h"
@@ -52,17 +53,6 @@ constexpr Duration kSlice = 50ms;  // Ctrl-C is noticed between two slices
 // Failures after which the link may be there again: nothing is wrong with the request.
 bool MayComeBack(LinkErrorCode code) {
   return code == LinkErrorCode::Busy || (MeansLostLink(code) && code != LinkErrorCode::OtherController);
-}
-
-// "2024-01-01 13:05:09"
-std::string TimeText(std::chrono::local_seconds time) {
-  const auto day = std::chrono::floor<std::chrono::days>(time);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss clock(time - day);
-  const auto two = [](auto number) { return (number < 10 ? "0" : "") + std::to_string(number); };
-  return std::to_string(static_cast<int>(date.year())) + "-" + two(static_cast<unsigned>(date.month())) + "-" +
-         two(static_cast<unsigned>(date.day())) + " " + two(clock.hours().count()) + ":" +
-         two(clock.minutes().count()) + ":" + two(clock.seconds().count());
 }
 
 Failure OutputFailure() {
@@ -219,7 +209,8 @@ void RegionWatch::Show(std::size_t row, Texts texts) {
 void RegionWatch::ShowChange(const Region& region, std::size_t index, const std::string& before,
                              const std::string& now) {
   ++mChanges;
-  const std::string time = TimeText(mEnvironment.clock.LocalTime());
+  const std::chrono::local_seconds moment = mEnvironment.clock.LocalTime();
+  const std::string time = DateText(moment) + " " + TimeOfDayText(moment);
   const std::string type(mdlDataTypesView::TypeName(region.type));
   const std::int64_t address = region.from + static_cast<std::int64_t>(index);
   if (mOptions.json) {

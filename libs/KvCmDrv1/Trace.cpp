@@ -4,29 +4,21 @@
 #include <chrono>
 
 #include "KvCmDrv1/FrameMeaning.h"
+#include "base/DateText.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
 
 namespace kv {
 namespace {
 
-std::string Digits(std::int64_t number, std::size_t count) {
-  std::string text = std::to_string(number);
-  return text.insert(0, count - std::min(count, text.size()), '0');
-}
-
 // Seconds with microseconds.
 std::string SecondsText(Duration span) {
-  return std::to_string(span.count() / 1000000) + "." + Digits(span.count() % 1000000, 6);
+  return std::to_string(span.count() / 1000000) + "." + PaddedInteger(span.count() % 1000000, 6);
 }
 
 std::string LocalText(std::chrono::local_time<Duration> time) {
-  const auto day = std::chrono::floor<std::chrono::days>(time);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss clock(time - day);
-  return Digits(int{date.year()}, 4) + "-" + Digits(unsigned{date.month()}, 2) + "-" + Digits(unsigned{date.day()}, 2) +
-         "T" + Digits(clock.hours().count(), 2) + ":" + Digits(clock.minutes().count(), 2) + ":" +
-         Digits(clock.seconds().count(), 2) + "." + Digits(clock.subseconds().count(), 6);
+  const auto second = std::chrono::floor<std::chrono::seconds>(time);
+  return DateText(second) + "T" + TimeOfDayText(second) + "." + PaddedInteger((time - second).count(), 6);
 }
 
 std::string_view Arrow(Trace::Direction direction) {

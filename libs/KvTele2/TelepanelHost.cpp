@@ -1,8 +1,7 @@
 #include "KvTele2/TelepanelHost.h"
 
-#include <chrono>
-
 #include "KvTele2/HostCommands.h"
+#include "base/DateText.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "models/ModelCatalogue.h"
@@ -12,16 +11,6 @@ namespace {
 
 constexpr std::string_view kOwnCommands = "HOST_";
 constexpr const char* kPagesFilter = "Telepanel Files (*.kta)|*.kta";
-
-std::string TwoDigits(std::int64_t number) {
-  return (number < 10 ? "0" : "") + std::to_string(number);
-}
-
-std::string TimeText(std::chrono::local_seconds time) {
-  const std::chrono::hh_mm_ss clock(time - std::chrono::floor<std::chrono::days>(time));
-  return TwoDigits(clock.hours().count()) + ":" + TwoDigits(clock.minutes().count()) + ":" +
-         TwoDigits(clock.seconds().count());
-}
 
 // A project's name as a file's name: without the characters that some platform does not take.
 std::string FileNameOf(std::string project) {
@@ -98,7 +87,7 @@ void TelepanelHost::Show() {
 }
 
 void TelepanelHost::Note(const std::string& text) {
-  mJournal.Add(TimeText(mServices.clock.LocalTime()), text);
+  mJournal.Add(TimeOfDayText(mServices.clock.LocalTime()), text);
 }
 
 void TelepanelHost::Warn(const std::string& text) {

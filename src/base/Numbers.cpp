@@ -46,6 +46,11 @@ std::optional<std::uint32_t> ParseHex(std::string_view text) {
   return text.size() > kMaxHexDigits ? std::nullopt : ParseWhole<std::uint32_t>(text, 16);
 }
 
+std::string PaddedInteger(std::int64_t value, std::size_t digits) {
+  std::string text = std::to_string(value);
+  return text.insert(0, digits - std::min(digits, text.size()), '0');
+}
+
 std::string ToHex(std::uint32_t value, std::size_t digits) {
   std::string text;
   AppendHex(text, value, digits);

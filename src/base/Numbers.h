@@ -14,6 +14,9 @@ namespace kv {
 [[nodiscard]] std::optional<float> ParseFloat(std::string_view text);        // finite; "." is the decimal point
 [[nodiscard]] std::optional<std::uint32_t> ParseHex(std::string_view text);  // 1 to 8 digits of either case
 
+// Decimal, padded on the left with "0" to `digits`. `value` is not negative.
+[[nodiscard]] std::string PaddedInteger(std::int64_t value, std::size_t digits);
+
 // Upper-case hexadecimal, padded on the left with "0" to `digits`, cut on the left when it is longer.
 [[nodiscard]] std::string ToHex(std::uint32_t value, std::size_t digits);
 // The same behind what `text` holds: for texts of many numbers.

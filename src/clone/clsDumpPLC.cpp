@@ -1,11 +1,10 @@
 #include "clone/clsDumpPLC.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <iterator>
 
 #include "base/AnsiText.h"
+#include "base/DateText.h"
 #include "clone/CloneFrame.h"
 #include "clone/CloneLines.h"
 #include "link/LinkLimits.h"
@@ -19,17 +18,9 @@ namespace {
 constexpr int kFirstOsWithClones = 460;
 constexpr std::uint32_t kBlock = 512;
 
-// Short date, TAB, short time, both without the locale so that a file says the same everywhere.
+// Short date, TAB, short time.
 std::string DateAndTime(std::chrono::local_seconds now) {
-  const auto day = std::chrono::floor<std::chrono::days>(now);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss time(now - day);
-  std::array<char, 64> text;
-  std::snprintf(text.data(), text.size(), "%04d-%02u-%02u\t%02d:%02d:%02d", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
-                static_cast<int>(time.seconds().count()));
-  return text.data();
+  return DateText(now) + "\t" + TimeOfDayText(now);
 }
 
 std::unexpected<CloneOutcome> Failure(CloneCause cause, std::string reason) {

@@ -1,10 +1,10 @@
 #include "dataview/GridTransfers.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <utility>
 
+#include "base/DateText.h"
 #include "base/PathText.h"
 #include "dataview/GridEdits.h"
 #include "dataview/ViewDesk.h"
@@ -33,14 +33,6 @@ namespace {
 
 std::string NameOf(const std::filesystem::path& file) {
   return Utf8FromPath(file.filename());
-}
-
-// "2026-11-21"
-std::string DateText(std::chrono::local_seconds time) {
-  const std::chrono::year_month_day date(std::chrono::floor<std::chrono::days>(time));
-  const auto twoDigits = [](unsigned number) { return (number < 10 ? "0" : "") + std::to_string(number); };
-  return std::to_string(static_cast<int>(date.year())) + "-" + twoDigits(static_cast<unsigned>(date.month())) + "-" +
-         twoDigits(static_cast<unsigned>(date.day()));
 }
 
 std::optional<std::filesystem::path> PathOf(const std::optional<std::string>& chosen) {

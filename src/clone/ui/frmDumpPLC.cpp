@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDate>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressBar>
@@ -15,6 +14,7 @@
 #include <limits>
 
 #include "base/AnsiText.h"
+#include "base/DateText.h"
 #include "base/PathText.h"
 #include "clone/CloneInfo.h"
 #include "clone/ProgramState.h"
@@ -103,9 +103,7 @@ std::optional<std::string> frmDumpPLC::AskForNewFile(const char* title) {
   for (char& each : name) {
     if (!std::isalnum(static_cast<unsigned char>(each))) each = '-';
   }
-  const auto today = std::chrono::floor<std::chrono::days>(mServices.clock.LocalTime());
-  const QDate date = QDate::fromJulianDay(QDate(1970, 1, 1).toJulianDay() + today.time_since_epoch().count());
-  name += (name.empty() ? "" : "-") + date.toString(Qt::ISODate).toStdString() + ".kdf";
+  name += (name.empty() ? "" : "-") + DateText(mServices.clock.LocalTime()) + ".kdf";
   return mServices.prompts.SaveFile({.title = title, .filter = kFilter, .purpose = kPurpose, .initial = name});
 }
 

@@ -1,8 +1,8 @@
 #include "dataview/ui/ViewStatusBar.h"
 
 #include <QLabel>
-#include <QTime>
-#include <chrono>
+
+#include "base/DateText.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -30,14 +30,6 @@ QString PassesText(const ViewStatus& status) {
   if (aSecond == 0.0) return QString("Counting");
   if (aSecond > kMostPasses) return QString("over %1 passes/s").arg(kMostPasses);
   return QString("%1 passes/s").arg(aSecond, 0, 'f', aSecond < kManyPasses ? 1 : 0);
-}
-
-// "14:05:09"
-QString TimeText(std::chrono::local_seconds time) {
-  const std::chrono::hh_mm_ss clock(time - std::chrono::floor<std::chrono::days>(time));
-  return QTime(static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-               static_cast<int>(clock.seconds().count()))
-      .toString("hh:mm:ss");
 }
 
 }  // namespace
@@ -73,7 +65,7 @@ void ViewStatusBar::ShowError(const ViewStatus& status) {
   const QString error = QString::fromStdString(status.lastError->text);
   const QString line = error.section('\n', 0, 0).remove('\r');
   const int room = kErrorCharacters * fontMetrics().averageCharWidth();
-  const QString time = TimeText(status.lastError->at);
+  const QString time = QString::fromStdString(TimeOfDayText(status.lastError->at));
   SetField(*mError, "Last error " + time + ": " + fontMetrics().elidedText(line, Qt::ElideRight, room));
   mError->setToolTip(time + "\n" + error);
   mError->setAccessibleDescription(error);
