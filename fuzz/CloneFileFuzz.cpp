@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto info = kv::InspectClone(stream, "fuzz", size);
   Require(info.has_value(), "a stream that does not fail can be inspected");
   const auto lines = static_cast<std::size_t>(std::ranges::count(bytes, '\n')) + 1;
-  for (const kv::CloneDamage& damage : info->damages) {
+  for (const kv::LineError& damage : info->damages) {
     Require(damage.line >= 1 && damage.line <= lines + 1, "a damage lies in the file");
     Require(!damage.what.empty(), "a damage says what was expected");
   }

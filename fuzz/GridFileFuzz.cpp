@@ -26,7 +26,7 @@ void Require(bool holds, const char* what) {
   std::abort();
 }
 
-void CheckFault(const GridFault& fault, std::string_view bytes) {
+void CheckFault(const kv::LineError& fault, std::string_view bytes) {
   Require(fault.line <= static_cast<std::size_t>(std::ranges::count(bytes, '\n')) + 1, "a fault lies in the file");
   Require(!fault.what.empty(), "a fault says what was expected");
 }

@@ -104,7 +104,7 @@ std::expected<void, std::string> LoadState(const std::filesystem::path& file, Ma
   if (!text) return std::unexpected("The state file cannot be read: " + text.error().Text());
   const auto loaded = ReadState(*text, machine);
   if (loaded) return {};
-  const kv::FileError error{kv::Utf8FromPath(file), "line " + std::to_string(loaded.error().line), loaded.error().what};
+  const kv::FileError error = loaded.error().In(kv::Utf8FromPath(file));
   return std::unexpected("The state file does not fit: " + error.Text() + ". Delete the file, or name another one.");
 }
 

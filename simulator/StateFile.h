@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/LineError.h"
 #include "simulator/Machine.h"
 
 namespace sim {
@@ -30,13 +31,7 @@ inline constexpr std::size_t kLargestStateFile = std::size_t{8} << 20;
 
 [[nodiscard]] std::string WriteState(const Machine& machine);
 
-// Where a state cannot be read, and what was expected there.
-struct StateError {
-  std::size_t line = 0;  // from 1
-  std::string what;
-};
-
 // The text must be of the machine's model. On failure the machine is spoilt.
-[[nodiscard]] std::expected<void, StateError> ReadState(std::string_view text, Machine& machine);
+[[nodiscard]] std::expected<void, kv::LineError> ReadState(std::string_view text, Machine& machine);
 
 }  // namespace sim

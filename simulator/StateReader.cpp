@@ -3,8 +3,9 @@
 #include <optional>
 #include <string>
 
-#include "base/Crc32.h"
+#include "base/LineReader.h"
 #include "base/Numbers.h"
+#include "base/Texts.h"
 #include "simulator/HexText.h"
 #include "simulator/StateFile.h"
 
@@ -16,12 +17,12 @@ constexpr std::size_t kLongestName = 20;
 // Reads the lines from the top down; every step says what it wants to see when it does not see it.
 class StateReader {
  public:
-  StateReader(std::string_view text, Machine& machine) : mText(text), mMachine(machine) {}
+  StateReader(std::string_view text, Machine& machine) : mLines(text), mMachine(machine) {}
 
-  std::expected<void, StateError> Read() {
+  std::expected<void, kv::LineError> Read() {
     const bool isRead = ReadHead() && ReadContent() && ReadCheck();
     if (isRead) return {};
-    return std::unexpected(StateError{mLine, mWanted});
+    return std::unexpected(kv::LineError{mLines.Number(), mWanted});
   }
 
  private:
@@ -80,7 +81,7 @@ class StateReader {
   bool ReadContent() {
     Clear();
     while (NextLine()) {
-      if (mRest.starts_with("check ")) return true;
+      if (mRest.starts_with(kv::kCheckWord)) return true;
       const bool isRead = Take("cells ")    ? ReadCells()
                           : Take("memory ") ? ReadMemory()
                                             : Want("\"cells\", \"memory\" or \"check\" was expected");
@@ -126,19 +127,14 @@ class StateReader {
   }
 
   bool ReadCheck() {
-    const std::size_t covered = static_cast<std::size_t>(mRest.data() - mText.data());
-    const std::string check = "check " + kv::ToHex(kv::Crc32(mText.substr(0, covered)), 8) + "\n";
-    if (mText.substr(covered) != check)
+    if (!kv::IsCheckLine(mLines.Line(), mLines.Before()) || !mLines.IsAtEnd())
       return Want("the checksum of the lines above was expected: the file is damaged");
     return true;
   }
 
   bool NextLine() {
-    ++mLine;
-    const std::size_t end = mText.find('\n', mNext);
-    if (end == std::string_view::npos) return false;
-    mRest = mText.substr(mNext, end - mNext);
-    mNext = end + 1;
+    if (!mLines.Next() || !mLines.IsEnded()) return false;
+    mRest = mLines.Line();
     return true;
   }
 
@@ -148,11 +144,7 @@ class StateReader {
     return true;
   }
 
-  std::string_view TakeWord() {
-    const std::string_view word = mRest.substr(0, mRest.find(' '));
-    mRest.remove_prefix(std::min(mRest.size(), word.size() + 1));
-    return word;
-  }
+  std::string_view TakeWord() { return kv::TakeField(mRest, ' '); }
 
   std::optional<std::uint32_t> TakeNumber(std::size_t digits) {
     const auto word = TakeWord();
@@ -166,17 +158,15 @@ class StateReader {
     return false;
   }
 
-  std::string_view mText;
+  kv::LineReader mLines;
   Machine& mMachine;
   std::string_view mRest;  // of the line at hand
-  std::size_t mNext = 0;
-  std::size_t mLine = 0;
   std::string mWanted;
 };
 
 }  // namespace
 
-std::expected<void, StateError> ReadState(std::string_view text, Machine& machine) {
+std::expected<void, kv::LineError> ReadState(std::string_view text, Machine& machine) {
   return StateReader(text, machine).Read();
 }
 

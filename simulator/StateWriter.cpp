@@ -1,8 +1,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <utility>
 
-#include "base/Crc32.h"
+#include "base/LineReader.h"
 #include "base/Numbers.h"
 #include "simulator/HexText.h"
 #include "simulator/StateFile.h"
@@ -53,7 +54,7 @@ std::string WriteState(const Machine& machine) {
   for (const AreaRow& row : AllAreas()) text += CellLines(row, machine.operands.Cells(row.area));
   const auto segments = machine.memory.Segments();
   for (std::size_t i = 0; i < segments.size(); ++i) text += MemoryLines(segments[i], machine.memory.Content(i));
-  return text + "check " + kv::ToHex(kv::Crc32(text), 8) + "\n";
+  return kv::WithCheckLine(std::move(text));
 }
 
 }  // namespace sim

@@ -69,7 +69,7 @@ Json DocumentOf(const CloneInfo& info, const std::filesystem::path& file) {
   }
   document["damageCount"] = info.damageCount;
   document["damages"] = Json::array();
-  for (const CloneDamage& damage : info.damages) {
+  for (const LineError& damage : info.damages) {
     document["damages"].push_back({{"line", damage.line}, {"what", damage.what}});
   }
   return document;
@@ -84,7 +84,7 @@ std::string InfoText(const CloneInfo& info, const Json& document) {
                                       : "stored: all of it was 255, and a restore leaves what is there\n");
   }
   if (info.IsSound()) return text + "damage         none\n";
-  for (const CloneDamage& damage : info.damages) text += "damage         " + damage.Text() + "\n";
+  for (const LineError& damage : info.damages) text += "damage         " + damage.Text() + "\n";
   const std::size_t more = info.damageCount - info.damages.size();
   return more == 0 ? text : text + "damage         and " + std::to_string(more) + " more\n";
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/AtomicFile.h"
+#include "base/LineError.h"
 
 namespace kv {
 
@@ -30,11 +31,7 @@ inline constexpr std::size_t kLongestProjectName = 20;  // characters, as a cont
 inline constexpr std::size_t kLargestPagesFile = 4096;  // bytes
 
 // What the bytes of a file say. The error names the line, counted from 1, and what was expected there.
-struct PagesFault {
-  std::size_t line = 0;
-  std::string what;
-};
-[[nodiscard]] std::expected<PagesFile, PagesFault> ParsePagesFile(std::string_view bytes);
+[[nodiscard]] std::expected<PagesFile, LineError> ParsePagesFile(std::string_view bytes);
 // The bytes of a file, with CR LF. `pages` must be one that a file can hold: see IsProjectName.
 [[nodiscard]] std::string PrintPagesFile(const PagesFile& pages);
 

@@ -8,6 +8,13 @@ std::string_view TrimBlanks(std::string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+std::string_view TakeField(std::string_view& text, char separator) {
+  const std::size_t end = text.find(separator);
+  const std::string_view field = text.substr(0, end);
+  text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  return field;
+}
+
 std::string UpperCased(std::string_view text) {
   std::string upper(text);
   for (char& c : upper) {

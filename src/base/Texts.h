@@ -9,6 +9,9 @@ namespace kv {
 // Without the blanks (character 32) around it.
 [[nodiscard]] std::string_view TrimBlanks(std::string_view text);
 
+// Takes the field before the next `separator`, or the rest, off the front of `text`, and the separator with it.
+[[nodiscard]] std::string_view TakeField(std::string_view& text, char separator);
+
 // With the letters a to z in upper case; other bytes stay, so UTF-8 and ANSI texts keep what is not ASCII.
 [[nodiscard]] std::string UpperCased(std::string_view text);
 

@@ -6,6 +6,7 @@
 
 #include "base/Numbers.h"
 #include "base/PathText.h"
+#include "base/Texts.h"
 
 namespace kv {
 
@@ -15,14 +16,6 @@ namespace {
 
 constexpr std::string_view kTitle = "Korvantis Clone File:";
 constexpr std::string_view kFormat = "V100";
-
-// Cuts the field before the next `separator`, or the rest, off the front of `text`.
-std::string_view TakeField(std::string_view& text, char separator) {
-  const std::size_t end = std::min(text.find(separator), text.size());
-  const std::string_view field = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  return field;
-}
 
 std::expected<void, std::string> ReadTitle(std::string_view line, CloneHead& head) {
   head.title = line;
@@ -77,10 +70,6 @@ std::expected<void, std::string> ReadEmptyLine(std::string_view line, CloneHead&
 
 }  // namespace
 
-std::string CloneDamage::Text() const {
-  return "line " + std::to_string(line) + ": " + what;
-}
-
 std::expected<std::optional<std::string_view>, FileError> CloneLineReader::Next() {
   mLine.clear();
   bool isEnded = false;
@@ -90,7 +79,7 @@ std::expected<std::optional<std::string_view>, FileError> CloneLineReader::Next(
     isEnded = end != std::string::npos;
     const std::size_t count = (isEnded ? end : mBuffer.size()) - mNext;
     const auto fail = [this](const std::string& what) {
-      return std::unexpected(FileError{mName, "line " + std::to_string(mLineNumber + 1), what});
+      return std::unexpected(LineError{mLineNumber + 1, what}.In(mName));
     };
     if (mLine.size() + count > kLongestCloneLine) {
       return fail("it is longer than " + std::to_string(kLongestCloneLine) + " characters: this is no clone file");
@@ -131,15 +120,15 @@ std::expected<std::ifstream, FileError> OpenCloneFile(const fs::path& file) {
   return stream;
 }
 
-std::expected<CloneHead, CloneDamage> ReadCloneHead(CloneLineReader& lines) {
+std::expected<CloneHead, LineError> ReadCloneHead(CloneLineReader& lines) {
   constexpr std::array kReaders = {ReadTitle, ReadVersion, ReadSegments, ReadEmptyLine};
   CloneHead head;
   for (const auto& read : kReaders) {
     const auto line = lines.Next();
-    if (!line) return std::unexpected(CloneDamage{lines.LineNumber() + 1, line.error().what});
-    if (!*line) return std::unexpected(CloneDamage{lines.LineNumber() + 1, "expected four head lines: it ends here"});
+    if (!line) return std::unexpected(LineError{lines.LineNumber() + 1, line.error().what});
+    if (!*line) return std::unexpected(LineError{lines.LineNumber() + 1, "expected four head lines: it ends here"});
     if (const auto done = read(**line, head); !done) {
-      return std::unexpected(CloneDamage{lines.LineNumber(), done.error()});
+      return std::unexpected(LineError{lines.LineNumber(), done.error()});
     }
   }
   return head;

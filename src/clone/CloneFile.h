@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/AtomicFile.h"
+#include "base/LineError.h"
 #include "clone/CloneSegment.h"
 #include "digest/Sha256.h"
 #include "link/VersionInfo.h"
@@ -34,15 +35,6 @@ struct CloneHead {
   std::vector<CloneSegment> segments;  // without their kind: the frames know it (RAM stands here)
 
   bool operator==(const CloneHead&) const = default;
-};
-
-// What is wrong with a line of a clone file.
-struct CloneDamage {
-  std::size_t line = 0;  // from 1 on
-  std::string what;      // "expected ..."
-
-  [[nodiscard]] std::string Text() const;  // "line 17: expected ..."
-  bool operator==(const CloneDamage&) const = default;
 };
 
 // Reads the lines of a clone file one after the other, whatever the bytes are, with a bound on their length.
@@ -82,6 +74,6 @@ class CloneLineReader {
 [[nodiscard]] std::expected<std::ifstream, FileError> OpenCloneFile(const std::filesystem::path& file);
 
 // Reads the four head lines; the damage is the first line that is not as it must be.
-[[nodiscard]] std::expected<CloneHead, CloneDamage> ReadCloneHead(CloneLineReader& lines);
+[[nodiscard]] std::expected<CloneHead, LineError> ReadCloneHead(CloneLineReader& lines);
 
 }  // namespace kv

@@ -11,8 +11,7 @@ std::expected<CloneImage, CloneOutcome> CloneImage::Open(const std::filesystem::
   if (!info) return std::unexpected(info.error());
   const std::string name = Utf8FromPath(file);
   if (!info->IsSound()) {
-    const CloneDamage& damage = info->damages.front();
-    return std::unexpected(CloneOutcome::OfFile({name, "line " + std::to_string(damage.line), damage.what}));
+    return std::unexpected(CloneOutcome::OfFile(info->damages.front().In(name)));
   }
   auto stream = OpenCloneFile(file);
   if (!stream) return std::unexpected(CloneOutcome::OfFile(stream.error()));

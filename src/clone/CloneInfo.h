@@ -62,7 +62,7 @@ struct CloneInfo {
   std::optional<std::uint8_t> unit;        // for which the frames are; nothing when there are none
   std::size_t frames = 0;                  // good ones, the end frame among them
   bool hasEnd = false;                     // the last line is a good end frame
-  std::vector<CloneDamage> damages;        // the first kMostDamages
+  std::vector<LineError> damages;          // the first kMostDamages
   std::size_t damageCount = 0;
   std::uint64_t length = 0;  // of the file, bytes
   std::string sha256;        // of the file; empty when it was not read to its end

@@ -5,8 +5,10 @@
 
 #include "base/AnsiText.h"
 #include "base/FileToReplace.h"
+#include "base/LineReader.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
+#include "base/Texts.h"
 #include "link/LinkLimits.h"
 
 namespace kv {
@@ -38,13 +40,6 @@ class Printer {
   std::string mText = std::string(kTitle) + "\r\n";
 };
 
-std::string_view Take(std::string_view& text, char separator) {
-  const std::size_t end = std::min(text.find(separator), text.size());
-  const std::string_view field = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  return field;
-}
-
 bool IsDigest(std::string_view text) {
   return text.size() == kDigestDigits &&
          std::ranges::all_of(text, [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); });
@@ -65,12 +60,12 @@ bool ReadText(std::string_view text, std::string& ansi) {
 
 bool ReadSegment(std::string_view value, CloneManifest& manifest) {
   CloneManifest::Segment each;
-  each.segment.code = Utf8ToAnsi(Take(value, '\t'));
-  const std::string_view letter = Take(value, '\t');
+  each.segment.code = Utf8ToAnsi(TakeField(value, '\t'));
+  const std::string_view letter = TakeField(value, '\t');
   each.segment.kind = letter == "F" ? MemoryKind::Flash : MemoryKind::Ram;
-  const std::string_view start = Take(value, '\t');
+  const std::string_view start = TakeField(value, '\t');
   each.segment.start = ParseHex(start).value_or(0);
-  const bool hasLength = ReadNumber(Take(value, '\t'), 0xFFFFFFFF, each.segment.length);
+  const bool hasLength = ReadNumber(TakeField(value, '\t'), 0xFFFFFFFF, each.segment.length);
   each.sha256 = value;
   manifest.segments.push_back(each);
   return each.segment.code.size() == 2 && (letter == "F" || letter == "R") && start.size() == 8 && ParseHex(start) &&
@@ -143,18 +138,14 @@ std::string PrintManifest(const CloneManifest& manifest) {
 std::expected<CloneManifest, std::string> ParseManifest(std::string_view text) {
   CloneManifest manifest;
   std::vector<std::string_view> seen;
-  const auto takeLine = [&text] {
-    std::string_view line = Take(text, '\n');
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    return line;
-  };
-  if (takeLine() != kTitle) return std::unexpected("it is no manifest of version V1");
-  while (!text.empty()) {
-    std::string_view value = takeLine();
-    const std::string_view name = Take(value, '\t');
+  LineReader lines(text);
+  if (!lines.Next() || lines.Line() != kTitle) return std::unexpected("it is no manifest of version V1");
+  while (lines.Next()) {
+    std::string_view value = lines.Line();
+    const std::string_view name = TakeField(value, '\t');
     if (name == "End") {
       if (value != std::to_string(manifest.segments.size())) return std::unexpected("segments are missing in it");
-      if (!text.empty()) return std::unexpected("something stands behind its last line");
+      if (!lines.IsAtEnd()) return std::unexpected("something stands behind its last line");
       for (const Field& field : kFields) {
         if (field.isNeeded && std::ranges::count(seen, field.name) != 1) {
           return std::unexpected("\"" + std::string(field.name) + "\" must stand in it once");

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <limits>
 
 #include "base/AnsiText.h"
+#include "base/DateText.h"
+#include "base/LineReader.h"
 #include "base/Numbers.h"
 
 namespace kv {
@@ -71,6 +74,40 @@ TEST(Numbers, FloatTexts) {
       {-std::numeric_limits<float>::quiet_NaN(), "nan"},
   };
   for (const auto& [value, text] : rows) EXPECT_EQ(FloatText(value), text);
+}
+
+TEST(DateText, FillsUpWithZeros) {
+  using namespace std::chrono;
+  const local_seconds time = local_days{2026y / 3 / 9} + 4h + 5min + 6s;
+  EXPECT_EQ(DateText(time) + " " + TimeOfDayText(time), "2026-03-09 04:05:06");
+}
+
+// Each line as number and text, with a bar at its end when it has one.
+std::string Lines(std::string_view text, LineReader::End end) {
+  std::string shown;
+  LineReader lines(text, end);
+  while (lines.Next()) {
+    shown.append(std::to_string(lines.Number())).append(lines.Line()).append(lines.IsEnded() ? "|" : "");
+  }
+  return shown + lines.Expected("more").error().Text();
+}
+
+TEST(LineReader, CutsAtLineEndsAndCounts) {
+  using enum LineReader::End;
+  EXPECT_EQ(Lines("a\r\n\nb\rc\n", Lf), "1a|2|3b\rc|line 4: expected more");
+  EXPECT_EQ(Lines("a\nb", Lf), "1a|2bline 3: expected more");
+  EXPECT_EQ(Lines("a\nb\r\n\r\nc\r", CrLf), "1a\nb|2|3c\rline 4: expected more");
+  EXPECT_EQ(Lines("", Lf), "line 1: expected more");
+}
+
+TEST(LineReader, KnowsTheCheckOfTheLinesBefore) {
+  const std::string text = WithCheckLine("one\ntwo\n");
+  LineReader lines(text);
+  while (lines.Next() && !lines.IsAtEnd()) EXPECT_FALSE(IsCheckLine(lines.Line(), lines.Before()));
+  EXPECT_EQ(lines.Before(), "one\ntwo\n");
+  EXPECT_TRUE(IsCheckLine(lines.Line(), lines.Before()));
+  EXPECT_FALSE(IsCheckLine(lines.Line(), "one\nTwo\n"));
+  EXPECT_FALSE(IsCheckLine("check 0", ""));
 }
 
 }  // namespace

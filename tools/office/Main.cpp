@@ -58,7 +58,7 @@ int Write(const std::filesystem::path& folder, const std::filesystem::path& temp
 std::vector<TypeTexts> ReadCsvValues(const std::filesystem::path& file) {
   const auto content = ReadWholeFile(file, kLargestCsvFile);
   const auto csv =
-      content ? ParseOperandCsv(*content, ',', CsvForm::Grid) : std::unexpected(CsvFault{0, content.error().what});
+      content ? ParseOperandCsv(*content, ',', CsvForm::Grid) : std::unexpected(LineError{0, content.error().what});
   if (!csv) std::printf("    not taken: line %zu, %s\n", csv.error().line, csv.error().what.c_str());
   std::vector<TypeTexts> types;
   for (const OperandValue& value : csv.value_or(OperandCsv()).values) {

@@ -39,15 +39,15 @@ std::string Encoded(std::string_view text) {
   return isReadAsWritten ? ansi : std::string(kUtf8Mark).append(text);
 }
 
-std::unexpected<CsvFault> Fault(std::size_t line, std::string what) {
-  return std::unexpected(CsvFault{line, std::move(what)});
+std::unexpected<LineError> Fault(std::size_t line, std::string what) {
+  return std::unexpected(LineError{line, std::move(what)});
 }
 
 class CsvReader {
  public:
   CsvReader(std::string_view text, std::string separator) : mText(text), mSeparator(std::move(separator)) {}
 
-  std::expected<std::vector<CsvRecord>, CsvFault> Read() {
+  std::expected<std::vector<CsvRecord>, LineError> Read() {
     std::vector<CsvRecord> records;
     while (!mText.empty()) {
       auto record = TakeRecord();
@@ -59,7 +59,7 @@ class CsvReader {
   }
 
  private:
-  std::expected<CsvRecord, CsvFault> TakeRecord() {
+  std::expected<CsvRecord, LineError> TakeRecord() {
     CsvRecord record{.line = mLine};
     for (;;) {
       auto field = TakeField();
@@ -75,7 +75,7 @@ class CsvReader {
     }
   }
 
-  std::expected<std::string, CsvFault> TakeField() {
+  std::expected<std::string, LineError> TakeField() {
     std::string field;
     if (mText.starts_with(kQuote)) {
       auto enclosed = TakeEnclosed();
@@ -95,7 +95,7 @@ class CsvReader {
   }
 
   // What stands between quotes, of which a doubled one stands for itself.
-  std::expected<std::string, CsvFault> TakeEnclosed() {
+  std::expected<std::string, LineError> TakeEnclosed() {
     const std::size_t line = mLine;
     std::string field;
     mText.remove_prefix(1);
@@ -172,7 +172,7 @@ std::string CsvWriter::Take() {
   return Encoded(std::exchange(mText, {}));
 }
 
-std::expected<std::vector<CsvRecord>, CsvFault> ReadCsv(std::string_view bytes, char separator) {
+std::expected<std::vector<CsvRecord>, LineError> ReadCsv(std::string_view bytes, char separator) {
   if (bytes.size() > kLargestCsvFile) return Fault(0, "it is larger than 64 MB");
   if (IsUtf16(bytes)) {
     return Fault(0, "its characters take two bytes each (UTF-16); save it as CSV or as UTF-8 text");

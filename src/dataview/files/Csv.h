@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/LineError.h"
+
 // Tables as text, with one separator between the fields of a line.
 namespace kv::mdlDataTypesView {
 
@@ -23,11 +25,6 @@ struct CsvRecord {
   std::vector<std::string> fields = {};
 
   bool operator==(const CsvRecord&) const = default;
-};
-
-struct CsvFault {
-  std::size_t line = 0;  // 0: the file as a whole
-  std::string what = {};
 };
 
 // Takes fields one after another and makes the content of a file from them. Lines end with CR LF. A field that holds
@@ -51,6 +48,6 @@ class CsvWriter {
 // The lines of a file; those without a character are left out. Line ends are CR LF, LF or CR. A quote at the start of a
 // field encloses it up to the next single quote; elsewhere it is a character as others are. The bytes are UTF-8 where
 // they have a byte-order mark or can be nothing else, else Windows-1252.
-[[nodiscard]] std::expected<std::vector<CsvRecord>, CsvFault> ReadCsv(std::string_view bytes, char separator);
+[[nodiscard]] std::expected<std::vector<CsvRecord>, LineError> ReadCsv(std::string_view bytes, char separator);
 
 }  // namespace kv::mdlDataTypesView

@@ -70,10 +70,6 @@ std::vector<TypeTexts> TextsOf(const OperandStore& store) {
   return types;
 }
 
-std::string LinePlace(std::size_t line) {
-  return line == 0 ? std::string() : "line " + std::to_string(line);
-}
-
 // Where something is wrong in a file, and what.
 struct Finding {
   std::string place;
@@ -83,7 +79,7 @@ struct Finding {
 std::optional<Finding> TakeCsv(std::vector<OperandValue> values, Changes& changes) {
   for (OperandValue& value : values) {
     std::string fault = changes.Put(value.type, value.address, std::move(value.text));
-    if (!fault.empty()) return Finding{LinePlace(value.line), std::move(fault)};
+    if (!fault.empty()) return Finding{LineError{value.line}.Place(), std::move(fault)};
   }
   return std::nullopt;
 }
@@ -121,7 +117,7 @@ std::expected<ImportedCells, TransferFault> ImportCsv(const fs::path& file, cons
   const auto bytes = ReadWholeFile(file, kLargestCsvFile);
   if (!bytes) return Refused(kCsvImportRefused, bytes.error());
   auto csv = ParseOperandCsv(*bytes, separator, CsvForm::Grid);
-  if (!csv) return Refused(kCsvImportRefused, file, LinePlace(csv.error().line), csv.error().what);
+  if (!csv) return Refused(kCsvImportRefused, file, csv.error().Place(), csv.error().what);
   if (csv->values.empty()) {
     return Refused(kCsvImportRefused, file, {},
                    "no line holds values; is it the separator with which the file was written?");

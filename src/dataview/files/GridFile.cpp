@@ -40,15 +40,11 @@ std::string KeepAside(const fs::path& file, const std::string& why) {
   return "The saved grid " + Utf8FromPath(file.filename()) + " cannot be used (" + why + "). " + kept;
 }
 
-std::string FaultText(const GridFault& fault) {
-  return "line " + std::to_string(fault.line) + ": " + fault.what;
-}
-
 // What a file holds, by `parse`. Nothing, with a note where there is something to say, when it is missing or cannot be
 // used.
 template <typename Grid>
 std::optional<Grid> LoadHalf(const fs::path& file, std::string_view model, std::vector<std::string>& notes,
-                             std::expected<Grid, GridFault> (*parse)(std::string_view, std::string_view)) {
+                             std::expected<Grid, LineError> (*parse)(std::string_view, std::string_view)) {
   if (!IsThere(file)) return std::nullopt;
   const auto bytes = ReadWholeFile(file, kLargestGridFile);
   if (!bytes) {
@@ -57,7 +53,7 @@ std::optional<Grid> LoadHalf(const fs::path& file, std::string_view model, std::
   }
   auto grid = parse(*bytes, model);
   if (grid) return *std::move(grid);
-  notes.push_back(KeepAside(file, FaultText(grid.error())));
+  notes.push_back(KeepAside(file, grid.error().Text()));
   return std::nullopt;
 }
 
@@ -87,7 +83,7 @@ std::optional<std::string> Recover(const fs::path& temporary, const ProgramPaths
                                    fs::path GridFilePair::* half) {
   if (!IsThere(temporary)) return std::nullopt;
   const auto bytes = ReadWholeFile(temporary, kLargestGridFile);
-  const auto owner = bytes ? OwnerOfGrid(*bytes) : std::unexpected(GridFault());
+  const auto owner = bytes ? OwnerOfGrid(*bytes) : std::unexpected(LineError());
   if (!owner || !IsFolderName(owner->session)) {
     (void)KeepAside(temporary, {});
     return std::nullopt;

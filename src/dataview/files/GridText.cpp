@@ -6,8 +6,9 @@
 #include <span>
 #include <utility>
 
-#include "base/Crc32.h"
+#include "base/LineReader.h"
 #include "base/Numbers.h"
+#include "base/Texts.h"
 #include "base/Time.h"
 #include "dataview/operands/OperandCatalogue.h"
 
@@ -16,9 +17,6 @@ namespace {
 
 constexpr std::string_view kRegionsFormat = "TELEPANEL-REGIONS 1";
 constexpr std::string_view kOperandsFormat = "TELEPANEL-OPERANDS 1";
-constexpr std::string_view kCheck = "check ";
-constexpr std::size_t kCheckDigits = 8;
-constexpr std::size_t kCheckLineLength = kCheck.size() + kCheckDigits + 1;
 
 // The first word of each line behind the format.
 constexpr std::string_view kSession = "session";
@@ -82,14 +80,6 @@ std::string Begin(std::string_view format, std::string_view session, std::string
   return out;
 }
 
-std::string WithCheck(std::string out) {
-  const std::uint32_t check = Crc32(out);
-  out += kCheck;
-  AppendHex(out, check, kCheckDigits);
-  out += '\n';
-  return out;
-}
-
 void AppendRegion(std::string& out, const RegionRow& row) {
   const std::array numbers{static_cast<std::int32_t>(row.region.type), row.region.from, row.region.to,
                            static_cast<std::int32_t>(row.size), static_cast<std::int32_t>(row.format)};
@@ -131,14 +121,6 @@ std::vector<std::int32_t> NumbersOf(const HiddenRows& hidden) {
 
 // ---- reading ----
 
-// Takes the text before the next `end` off `rest`, and the end with it; all of it when there is no end.
-std::string_view TakeUntil(std::string_view& rest, char end) {
-  const std::size_t at = rest.find(end);
-  const std::string_view piece = rest.substr(0, at);
-  rest.remove_prefix(at == std::string_view::npos ? rest.size() : at + 1);
-  return piece;
-}
-
 std::optional<std::string> Unescaped(std::string_view text) {
   std::string plain;
   plain.reserve(text.size());
@@ -160,7 +142,7 @@ template <std::size_t count>
 std::optional<std::array<std::int32_t, count>> TakeNumbers(std::string_view& rest) {
   std::array<std::int32_t, count> numbers;
   for (std::int32_t& number : numbers) {
-    const auto parsed = ParseInteger(TakeUntil(rest, ' '));
+    const auto parsed = ParseInteger(TakeField(rest, ' '));
     if (!parsed || !std::in_range<std::int32_t>(*parsed)) return std::nullopt;
     number = static_cast<std::int32_t>(*parsed);
   }
@@ -182,51 +164,44 @@ bool IsTypeCode(std::int32_t code) {
 }
 
 // The lines of a file that is whole, without the check.
-class Lines {
+class GridLines {
  public:
-  explicit Lines(std::string_view rest) : mRest(rest) {}
+  explicit GridLines(std::string_view text) : mLines(text) {}
 
   // The next line: its first word, and the rest behind the blank.
   bool Next() {
-    if (mRest.empty()) return false;
-    ++mNumber;
-    mText = TakeUntil(mRest, '\n');
-    mWord = TakeUntil(mText, ' ');
+    if (!mLines.Next()) return false;
+    mText = mLines.Line();
+    mWord = TakeField(mText, ' ');
     return true;
   }
   [[nodiscard]] std::string_view Word() const { return mWord; }
   [[nodiscard]] std::string_view Text() const { return mText; }
-
-  [[nodiscard]] std::unexpected<GridFault> Expected(const std::string& what) const {
-    return std::unexpected(GridFault{mNumber, "expected " + what});
-  }
+  [[nodiscard]] std::unexpected<LineError> Expected(std::string_view what) const { return mLines.Expected(what); }
 
  private:
-  std::string_view mRest;
+  LineReader mLines;
   std::string_view mWord;
   std::string_view mText;
-  std::size_t mNumber = 0;
 };
 
-std::expected<std::string_view, GridFault> WithoutCheck(std::string_view bytes) {
-  const auto lines = static_cast<std::size_t>(std::ranges::count(bytes, '\n'));
-  const GridFault fault{lines, "expected the check of all lines before: the file is damaged or was cut off"};
-  if (bytes.size() < kCheckLineLength || !bytes.ends_with('\n')) return std::unexpected(fault);
-  const std::string_view checked = bytes.substr(0, bytes.size() - kCheckLineLength);
-  const std::string_view check = bytes.substr(checked.size());
-  if (!checked.ends_with('\n') || !check.starts_with(kCheck)) return std::unexpected(fault);
-  if (ParseHex(check.substr(kCheck.size(), kCheckDigits)) != Crc32(checked)) return std::unexpected(fault);
-  return checked;
+std::expected<std::string_view, LineError> WithoutCheckLine(std::string_view bytes) {
+  const std::string_view lines = bytes.substr(0, bytes.size() - (bytes.ends_with('\n') ? 1 : 0));
+  const std::size_t last = lines.rfind('\n') + 1;  // 0 when there is one line
+  const bool isWhole = lines.size() < bytes.size() && IsCheckLine(lines.substr(last), bytes.substr(0, last));
+  if (isWhole) return bytes.substr(0, last);
+  return std::unexpected(LineError{static_cast<std::size_t>(std::ranges::count(bytes, '\n')),
+                                   "expected the check of all lines before: the file is damaged or was cut off"});
 }
 
-std::expected<std::string, GridFault> TakeText(Lines& lines, std::string_view word) {
+std::expected<std::string, LineError> TakeText(GridLines& lines, std::string_view word) {
   if (!lines.Next() || lines.Word() != word) return lines.Expected("a line \"" + std::string(word) + " ...\"");
   auto text = Unescaped(lines.Text());
   if (!text) return lines.Expected("a text");
   return *std::move(text);
 }
 
-std::expected<GridOwner, GridFault> TakeOwner(Lines& lines) {
+std::expected<GridOwner, LineError> TakeOwner(GridLines& lines) {
   auto session = TakeText(lines, kSession);
   if (!session) return std::unexpected(session.error());
   auto model = TakeText(lines, kModel);
@@ -235,12 +210,12 @@ std::expected<GridOwner, GridFault> TakeOwner(Lines& lines) {
 }
 
 // The lines behind the first one, which must be `format`.
-std::expected<Lines, GridFault> Open(std::string_view bytes, std::string_view format) {
-  const auto checked = WithoutCheck(bytes);
+std::expected<GridLines, LineError> Open(std::string_view bytes, std::string_view format) {
+  const auto checked = WithoutCheckLine(bytes);
   if (!checked) return std::unexpected(checked.error());
-  Lines lines(*checked);
+  GridLines lines(*checked);
   if (!checked->starts_with(format) || !checked->substr(format.size()).starts_with('\n')) {
-    return std::unexpected(GridFault{1, "expected \"" + std::string(format) + "\""});
+    return std::unexpected(LineError{1, "expected \"" + std::string(format) + "\""});
   }
   lines.Next();
   return lines;
@@ -284,7 +259,7 @@ std::optional<RegionRow> ParseRegion(std::string_view text) {
   return row;
 }
 
-std::expected<void, GridFault> TakeRegionsLine(const Lines& lines, RegionsOfModel& taken, RegionsGrid& grid) {
+std::expected<void, LineError> TakeRegionsLine(const GridLines& lines, RegionsOfModel& taken, RegionsGrid& grid) {
   if (lines.Word() == kWidths) {
     auto widths = AllNumbers(lines.Text(), kRegionColumnCount);
     const auto isWidth = [](std::int32_t width) { return width >= 0 && width <= kWidestColumn; };
@@ -312,9 +287,9 @@ std::expected<void, GridFault> TakeRegionsLine(const Lines& lines, RegionsOfMode
 }
 
 // The texts of a line "type from TAB text TAB text ...", as far as the model has such operands.
-std::expected<void, GridFault> TakeCells(const Lines& lines, OperandsGrid& grid) {
+std::expected<void, LineError> TakeCells(const GridLines& lines, OperandsGrid& grid) {
   std::string_view texts = lines.Text();
-  std::string_view place = TakeUntil(texts, '\t');
+  std::string_view place = TakeField(texts, '\t');
   const auto numbers = TakeNumbers<2>(place);
   if (!numbers || !place.empty() || !IsTypeCode((*numbers)[0]) || (*numbers)[1] < 0 || texts.empty()) {
     return lines.Expected("an operand type, an address and the texts from there on");
@@ -322,7 +297,7 @@ std::expected<void, GridFault> TakeCells(const Lines& lines, OperandsGrid& grid)
   const OperandTypeCode type{(*numbers)[0]};
   const std::int64_t from = (*numbers)[1];
   for (std::int64_t address = from; !texts.empty(); ++address) {
-    const auto text = Unescaped(TakeUntil(texts, '\t'));
+    const auto text = Unescaped(TakeField(texts, '\t'));
     if (!text || text->empty()) return lines.Expected("texts separated by tabs");
     if (address >= grid.operands.CountOf(type)) {
       ++grid.leftOut;
@@ -335,7 +310,7 @@ std::expected<void, GridFault> TakeCells(const Lines& lines, OperandsGrid& grid)
   return {};
 }
 
-std::expected<void, GridFault> TakeOperandsLine(const Lines& lines, OperandsGrid& grid) {
+std::expected<void, LineError> TakeOperandsLine(const GridLines& lines, OperandsGrid& grid) {
   if (lines.Word() == kRead || lines.Word() == kEdited) return TakeCells(lines, grid);
   const auto numbers = AllNumbers(lines.Text(), kOperandTypeCount);
   if (!numbers) return lines.Expected("numbers");
@@ -358,7 +333,7 @@ std::string PrintRegionsGrid(const GridState& state, std::string_view session) {
   std::string out = Begin(kRegionsFormat, session, state.operands.Model());
   AppendNumberLine(out, kWidths, state.settings.regionColumnWidths);
   for (const RegionRow& row : state.regions.Rows()) AppendRegion(out, row);
-  return WithCheck(std::move(out));
+  return WithCheckLine(std::move(out));
 }
 
 std::string PrintOperandsGrid(const GridState& state, std::string_view session) {
@@ -368,10 +343,10 @@ std::string PrintOperandsGrid(const GridState& state, std::string_view session) 
   AppendNumberLine(out, kWidth, std::array{settings.operandColumnWidth});
   AppendNumberLine(out, kHidden, NumbersOf(settings.hidden));
   for (std::int32_t row = 1; row <= kOperandTypeCount; ++row) AppendCells(out, state.operands, TypeOfRow(row));
-  return WithCheck(std::move(out));
+  return WithCheckLine(std::move(out));
 }
 
-std::expected<RegionsGrid, GridFault> ParseRegionsGrid(std::string_view bytes, std::string_view model) {
+std::expected<RegionsGrid, LineError> ParseRegionsGrid(std::string_view bytes, std::string_view model) {
   auto lines = Open(bytes, kRegionsFormat);
   if (!lines) return std::unexpected(lines.error());
   auto owner = TakeOwner(*lines);
@@ -384,7 +359,7 @@ std::expected<RegionsGrid, GridFault> ParseRegionsGrid(std::string_view bytes, s
   return grid;
 }
 
-std::expected<OperandsGrid, GridFault> ParseOperandsGrid(std::string_view bytes, std::string_view model) {
+std::expected<OperandsGrid, LineError> ParseOperandsGrid(std::string_view bytes, std::string_view model) {
   auto lines = Open(bytes, kOperandsFormat);
   if (!lines) return std::unexpected(lines.error());
   auto owner = TakeOwner(*lines);
@@ -396,7 +371,7 @@ std::expected<OperandsGrid, GridFault> ParseOperandsGrid(std::string_view bytes,
   return grid;
 }
 
-std::expected<GridOwner, GridFault> OwnerOfGrid(std::string_view bytes) {
+std::expected<GridOwner, LineError> OwnerOfGrid(std::string_view bytes) {
   auto lines = Open(bytes, bytes.starts_with(kRegionsFormat) ? kRegionsFormat : kOperandsFormat);
   if (!lines) return std::unexpected(lines.error());
   return TakeOwner(*lines);

@@ -7,16 +7,12 @@
 #include <string_view>
 #include <vector>
 
+#include "base/LineError.h"
 #include "dataview/GridState.h"
 
 // The contents of the two files in which the grids are kept: UTF-8 lines ended by LF, the last of them a check over all
 // others. docs/file-formats.md has every line.
 namespace kv::mdlDataTypesView {
-
-struct GridFault {
-  std::size_t line = 0;  // counted from 1
-  std::string what;      // what was expected there
-};
 
 // The session and the model whose grid it is.
 struct GridOwner {
@@ -41,10 +37,10 @@ struct OperandsGrid {
 [[nodiscard]] std::string PrintOperandsGrid(const GridState& state, std::string_view session);
 
 // A file that is whole; as much of it is taken as `model`, which need not be that of the file, has place for.
-[[nodiscard]] std::expected<RegionsGrid, GridFault> ParseRegionsGrid(std::string_view bytes, std::string_view model);
-[[nodiscard]] std::expected<OperandsGrid, GridFault> ParseOperandsGrid(std::string_view bytes, std::string_view model);
+[[nodiscard]] std::expected<RegionsGrid, LineError> ParseRegionsGrid(std::string_view bytes, std::string_view model);
+[[nodiscard]] std::expected<OperandsGrid, LineError> ParseOperandsGrid(std::string_view bytes, std::string_view model);
 
 // Whose grid a file of either kind is.
-[[nodiscard]] std::expected<GridOwner, GridFault> OwnerOfGrid(std::string_view bytes);
+[[nodiscard]] std::expected<GridOwner, LineError> OwnerOfGrid(std::string_view bytes);
 
 }  // namespace kv::mdlDataTypesView

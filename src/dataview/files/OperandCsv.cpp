@@ -78,7 +78,7 @@ std::optional<std::string> WhyLeftOut(const CsvRecord& record) {
 
 class GridParser {
  public:
-  std::expected<OperandCsv, CsvFault> Parse(Records&& records) {
+  std::expected<OperandCsv, LineError> Parse(Records&& records) {
     for (CsvRecord& record : records) {
       const bool isHeading = record.line == 1 || IsGridHeading(record);
       if (isHeading) continue;
@@ -93,14 +93,14 @@ class GridParser {
   }
 
  private:
-  std::expected<void, CsvFault> Take(CsvRecord&& record) {
+  std::expected<void, LineError> Take(CsvRecord&& record) {
     const std::string& name = record.fields.front();
     auto type = TypeFromName(name);
     if (!type) {
       if (!name.empty() && !IsValue(name)) {
         return std::unexpected(
-            CsvFault{record.line, "there is no operand type \"" + name +
-                                      "\"; correct it, or choose the separator with which the file was written"});
+            LineError{record.line, "there is no operand type \"" + name +
+                                       "\"; correct it, or choose the separator with which the file was written"});
       }
       type = static_cast<OperandTypeCode>(mGridRow);
     }
@@ -110,7 +110,7 @@ class GridParser {
     }
     const auto [before, isNew] = mLines.try_emplace(*type, record.line);
     if (!isNew) {
-      return std::unexpected(CsvFault{
+      return std::unexpected(LineError{
           record.line, std::string(TypeName(*type)) + " is in line " + std::to_string(before->second) + " too"});
     }
     for (std::size_t i = 1; i < record.fields.size(); ++i) {
@@ -128,7 +128,7 @@ class GridParser {
 
 class ValuesParser {
  public:
-  std::expected<OperandCsv, CsvFault> Parse(Records&& records) {
+  std::expected<OperandCsv, LineError> Parse(Records&& records) {
     OperandCsv read;
     for (CsvRecord& record : records) {
       if (IsValuesHeading(record)) continue;
@@ -140,8 +140,8 @@ class ValuesParser {
   }
 
  private:
-  std::expected<OperandValue, CsvFault> Take(CsvRecord&& record) {
-    const auto fault = [&](std::string what) { return std::unexpected(CsvFault{record.line, std::move(what)}); };
+  std::expected<OperandValue, LineError> Take(CsvRecord&& record) {
+    const auto fault = [&](std::string what) { return std::unexpected(LineError{record.line, std::move(what)}); };
     if (record.fields.size() != kValueFields) {
       return fault(
           "three fields were expected: an operand type, an address and a value; is it the separator with which the "
@@ -186,7 +186,7 @@ std::string OperandCsv::LeftOutText() const {
     if (each.why.empty()) {
       ++withoutValues;
     } else if (parts.size() < kMostNamed) {
-      parts.push_back("line " + std::to_string(each.line) + " (" + each.why + ")");
+      parts.push_back(LineError{each.line}.Place() + " (" + each.why + ")");
     } else {
       ++unnamed;
     }
@@ -200,14 +200,14 @@ std::string OperandCsv::LeftOutText() const {
   return text.empty() ? text : text + ".";
 }
 
-std::expected<OperandCsv, CsvFault> ParseOperandCsv(std::string_view bytes, char separator, CsvForm otherwise) {
+std::expected<OperandCsv, LineError> ParseOperandCsv(std::string_view bytes, char separator, CsvForm otherwise) {
   auto records = ReadCsv(bytes, separator);
   if (!records) return std::unexpected(records.error());
   TrimFields(*records);
   if (!records->empty() && IsSheetHeading(records->front())) {
-    return std::unexpected(CsvFault{records->front().line,
-                                    "its lines stand for addresses, as those of an exported spreadsheet do; save it "
-                                    "as a spreadsheet and import that"});
+    return std::unexpected(LineError{records->front().line,
+                                     "its lines stand for addresses, as those of an exported spreadsheet do; save it "
+                                     "as a spreadsheet and import that"});
   }
   if (FormOf(*records, otherwise) == CsvForm::Values) return ValuesParser().Parse(*std::move(records));
   return GridParser().Parse(*std::move(records));

@@ -63,7 +63,7 @@ enum class CsvForm { Grid, Values };
 // for none. Another name refuses the file, and so does a type that is there twice.
 //
 // Values form: each line has three fields. Anything else refuses the file, and so does an operand that is there twice.
-[[nodiscard]] std::expected<OperandCsv, CsvFault> ParseOperandCsv(std::string_view bytes, char separator,
-                                                                  CsvForm otherwise);
+[[nodiscard]] std::expected<OperandCsv, LineError> ParseOperandCsv(std::string_view bytes, char separator,
+                                                                   CsvForm otherwise);
 
 }  // namespace kv::mdlDataTypesView

@@ -7,7 +7,9 @@
 #include <utility>
 
 #include "base/AnsiText.h"
+#include "base/LineReader.h"
 #include "base/Numbers.h"
+#include "base/Texts.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "models/ModelCatalogue.h"
 
@@ -28,7 +30,7 @@ std::string_view FamilyWord(std::string_view model) {
 }
 
 std::unexpected<RegionFileFault> Fault(Kind kind, std::size_t line, const std::string& what) {
-  return std::unexpected(RegionFileFault{kind, "line " + std::to_string(line) + ": " + what});
+  return std::unexpected(RegionFileFault{kind, LineError{line, what}.Text()});
 }
 
 // ---- writing ----
@@ -51,14 +53,6 @@ std::string OneLine(std::string text) {
 
 // ---- reading ----
 
-// Takes the text before the next `end` off `rest`, and the end with it; all of it when there is no end.
-std::string_view TakeUntil(std::string_view& rest, std::string_view end) {
-  const std::size_t at = rest.find(end);
-  const std::string_view piece = rest.substr(0, at);
-  rest.remove_prefix(at == std::string_view::npos ? rest.size() : at + end.size());
-  return piece;
-}
-
 // A number that does not fit is one that no model has.
 std::optional<std::int32_t> ParseNumber(std::string_view cell) {
   const auto number = ParseInteger(cell);
@@ -80,7 +74,7 @@ std::optional<Code> OfferedCode(std::string_view cell, std::span<const Code> off
 std::optional<RegionRow> ParseRow(std::string_view line) {
   std::array<std::string_view, kRegionColumnCount> cells;
   std::size_t count = 0;
-  while (!line.empty() && count < cells.size()) cells[count++] = TakeUntil(line, "\t");
+  while (!line.empty() && count < cells.size()) cells[count++] = TakeField(line, '\t');
   if (count < kNeededCells) return std::nullopt;
 
   const auto at = [&cells](RegionColumn column) { return cells[static_cast<std::size_t>(column)]; };
@@ -109,14 +103,16 @@ std::size_t MostRegions(std::string_view model) {
   return most;
 }
 
-std::expected<Rows, RegionFileFault> ParseRows(std::string_view lines, std::string_view model) {
+std::expected<Rows, RegionFileFault> ParseRows(LineReader& lines, std::string_view model) {
   const std::size_t most = MostRegions(model);
   Rows rows;
-  while (!lines.empty()) {
-    const std::size_t line = kFirstRowLine + rows.size();
-    if (rows.size() == most) return Fault(Kind::InvalidRegions, line, "more regions than the model has operands");
-    auto row = ParseRow(TakeUntil(lines, kLineEnd));
-    if (!row) return Fault(Kind::Format, line, "expected the number of an operand type, its name, and two addresses");
+  while (lines.Next()) {
+    if (rows.size() == most) {
+      return Fault(Kind::InvalidRegions, lines.Number(), "more regions than the model has operands");
+    }
+    auto row = ParseRow(lines.Line());
+    if (!row)
+      return Fault(Kind::Format, lines.Number(), "expected the number of an operand type, its name, and two addresses");
     rows.push_back(*std::move(row));
   }
   return rows;
@@ -194,19 +190,18 @@ RegionFileText PrintRegionFile(std::span<const RegionRow> rows, std::string_view
 }
 
 std::expected<Rows, RegionFileFault> ParseRegionFile(std::string_view bytes, std::string_view model) {
-  // The end is looked at first: a file that was cut must not pass as one with fewer regions.
-  std::string_view rest = bytes;
-  if (TakeUntil(rest, kLineEnd) != kVersionLine) return Fault(Kind::Format, 1, "expected \"Version 100\"");
-  if (TakeUntil(rest, kLineEnd) != FamilyWord(model)) {
+  // The empty line at the end is none of the regions.
+  const std::size_t emptyLine = bytes.ends_with(kLineEnd) ? kLineEnd.size() : 0;
+  LineReader lines(bytes.substr(0, bytes.size() - emptyLine), LineReader::End::CrLf);
+  if (!lines.Next() || lines.Line() != kVersionLine) return Fault(Kind::Format, 1, "expected \"Version 100\"");
+  if (!lines.Next() || lines.Line() != FamilyWord(model)) {
     return Fault(Kind::Format, 2, "expected \"" + std::string(FamilyWord(model)) + "\", for " + std::string(model));
   }
-  const bool hasNoRows = rest == kLineEnd;
-  if (!hasNoRows && !rest.ends_with(kFileEnd)) {
+  // Looked at before the regions: a file that was cut must not pass as one with fewer of them.
+  if (!bytes.ends_with(kFileEnd)) {
     return std::unexpected(RegionFileFault{Kind::Format, "the empty line at the end is missing: the file was cut off"});
   }
-  rest.remove_suffix(kLineEnd.size());
-
-  auto rows = ParseRows(rest, model);
+  auto rows = ParseRows(lines, model);
   if (!rows) return rows;
   if (const auto checked = CheckRegions(*rows, model); !checked) return std::unexpected(checked.error());
   return Resplit(*std::move(rows));
