@@ -97,7 +97,7 @@ OrFailure<void> ValuesOfFile::CheckAllTaken() const {
 
 std::unexpected<Failure> ValuesOfFile::Bad(const Operand& operand, const Value& value, const std::string& what) const {
   const std::string name = OperandText(operand.first, operand.second);
-  return std::unexpected(BadFileFailure(mFile, "line " + std::to_string(value.line) + ": " + name + what, {}));
+  return std::unexpected(BadFileFailure(mFile, LineError{value.line, name + what}.Text(), {}));
 }
 
 }  // namespace
@@ -118,10 +118,7 @@ std::string PrintValues(std::span<const RegionRow> rows, std::span<const std::ve
 OrFailure<ValuesToWrite> ParseValues(std::string_view bytes, const std::string& file, std::span<const RegionRow> rows,
                                      std::string_view model) {
   auto read = ParseOperandCsv(bytes, kSeparator, CsvForm::Values);
-  if (!read) {
-    const std::string place = read.error().line == 0 ? "" : "line " + std::to_string(read.error().line) + ": ";
-    return std::unexpected(BadFileFailure(file, place + read.error().what, {}));
-  }
+  if (!read) return std::unexpected(BadFileFailure(file, read.error().Text(), {}));
   ValuesOfFile values(file, model, std::move(read->values));
   for (const RegionRow& row : rows) {
     if (const auto taken = values.Take(row.region); !taken) return std::unexpected(taken.error());

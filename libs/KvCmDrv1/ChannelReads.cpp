@@ -9,11 +9,9 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t kMostRecords = 16;
 constexpr std::int64_t kHighestAddress = 0xFFFF;
-constexpr std::size_t kEcho = 16;            // letters, tag, type, start, count
-constexpr std::size_t kLongestRecord = 600;  // 60 counters, as text
-constexpr std::size_t kMessageFrame = 100;   // around a request and its reply
+constexpr std::size_t kEcho = 16;           // letters, tag, type, start, count
+constexpr std::size_t kMessageFrame = 100;  // around a request and its reply
 
 std::string Reading(const OperandRange& range, std::uint8_t unit) {
   return "reading " + RangeText(range) + " from unit " + std::to_string(unit);
@@ -42,7 +40,8 @@ std::optional<OperandRange> ChannelImpl::CheckedRange(std::int32_t code, std::in
                                                       std::string_view verb) {
   const OperandType* type = FindOperandType(code);
   const bool isAddress = start >= 0 && start <= kHighestAddress;
-  if (type != nullptr && isAddress && count >= 1 && count <= type->most && start + count - 1 <= kHighestAddress) {
+  if (type != nullptr && isAddress && count >= 1 && count <= type->maxPerRequest &&
+      start + count - 1 <= kHighestAddress) {
     return OperandRange{type, static_cast<std::uint16_t>(start), static_cast<std::uint16_t>(count)};
   }
   if (type == nullptr) {
@@ -52,8 +51,9 @@ std::optional<OperandRange> ChannelImpl::CheckedRange(std::int32_t code, std::in
     FailArgument("the address " + std::to_string(start) + " does not exist",
                  std::string(verb) + " " + std::string(type->name));
   } else {
-    FailArgument("a count of " + std::to_string(count) + "; one request takes 1 to " + std::to_string(type->most),
-                 std::string(verb) + " " + std::string(type->name));
+    FailArgument(
+        "a count of " + std::to_string(count) + "; one request takes 1 to " + std::to_string(type->maxPerRequest),
+        std::string(verb) + " " + std::string(type->name));
   }
   return std::nullopt;
 }
@@ -76,8 +76,10 @@ std::optional<OperandListValues> ChannelImpl::ReadRange(const OperandRange& rang
 
 std::optional<std::vector<OperandListValues>> ChannelImpl::ReadOperandList(std::span<const OperandListRequest> records,
                                                                            std::uint8_t unit) {
-  if (records.empty() || records.size() > kMostRecords) {
-    FailArgument(std::to_string(records.size()) + " records; one request takes 1 to 16", "reading a list of operands");
+  if (records.empty() || records.size() > kMaxRecordsPerRequest) {
+    FailArgument(
+        std::to_string(records.size()) + " records; one request takes 1 to " + std::to_string(kMaxRecordsPerRequest),
+        "reading a list of operands");
     return std::nullopt;
   }
   std::vector<OperandRange> ranges;
@@ -101,7 +103,7 @@ std::optional<std::vector<OperandListValues>> ChannelImpl::ReadOperandList(std::
   const bool isBlock = fitsBlock && !mClient.Unit(unit).isAsciiOnly;
   std::optional<Instant> notAfter;
   if (!isAlone) {
-    notAfter = start + Longest(isBlock ? 1 : ranges.size(), ranges.size() * (kLongestRecord + kMessageFrame));
+    notAfter = start + Longest(isBlock ? 1 : ranges.size(), ranges.size() * (kMaxValueDigits + kMessageFrame));
   }
   if (isBlock) return ReadBlockList(ranges, unit, notAfter);
 
@@ -131,7 +133,7 @@ std::optional<std::vector<OperandListValues>> ChannelImpl::ReadBlockList(std::sp
                                                    .param3 = 0,
                                                    .param4 = 0},
                                         .payload = payload,
-                                        .replyPayload = kLongestRecord * ranges.size(),
+                                        .replyPayload = kMaxValueDigits * ranges.size(),
                                         .notAfter = notAfter});
   if (!reply) {
     Fail(reply.error(), doing());

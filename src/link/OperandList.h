@@ -18,6 +18,9 @@ struct OperandListRequest {
 inline constexpr std::int32_t kDriverTypeTimers = 11;
 inline constexpr std::int32_t kDriverTypeCounters = 12;
 
+// The longest time of a timer, in hundredths of a second: 99:59:59.99.
+inline constexpr std::int32_t kLongestTime = 35999999;
+
 // The values of one record, in address order, as unsigned bit patterns of the operand's width: one number an operand,
 // three (preset, current, bit) for timers and counters.
 using OperandListValues = std::vector<std::uint32_t>;

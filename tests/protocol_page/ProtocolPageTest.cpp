@@ -139,11 +139,27 @@ TEST(ProtocolPage, OperandTypes) {
     ASSERT_TRUE(ours != nullptr && theirs != nullptr);
     EXPECT_EQ(DigitsOf(ours->shape), digits);
     EXPECT_EQ(theirs->Digits(), digits);
-    EXPECT_EQ(ours->most, most);
+    EXPECT_EQ(ours->maxPerRequest, most);
     EXPECT_EQ(theirs->most, most);
     EXPECT_EQ(theirs->writable, row[4] == "yes");
     constexpr std::size_t kAround = 16 + 12;  // letters, tag, type, start, count; the seal
     EXPECT_LE(kAround + static_cast<std::size_t>(most) * digits, kMaxFrameText);
+  }
+}
+
+// What a region may hold goes over the line in one request, whichever of the type's codes carries it.
+TEST(ProtocolPage, OneRequestCarriesARegion) {
+  using namespace mdlDataTypesView;
+  for (int number = 1; number <= kOperandTypeCount; ++number) {
+    const auto type = static_cast<OperandTypeCode>(number);
+    int ways = 0;
+    for (std::int32_t code = 1; code < 0x60; ++code) {
+      const OperandType* wire = FindOperandType(code);
+      if (wire == nullptr || (wire->name != TypeName(type) && code != DriverTypeCode(type))) continue;
+      EXPECT_GE(wire->maxPerRequest, MaxOperandsPerRequest(type)) << TypeName(type) << " as " << code;
+      ++ways;
+    }
+    EXPECT_GE(ways, 1) << TypeName(type);
   }
 }
 

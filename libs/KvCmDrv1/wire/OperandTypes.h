@@ -20,7 +20,7 @@ struct OperandType {
   std::int32_t code;
   std::string_view name;  // as error texts say it
   OperandShape shape;
-  int most;               // operands of one request
+  int maxPerRequest;      // operands that one request carries
   std::uint32_t largest;  // the largest value that may be written
 };
 
@@ -35,6 +35,12 @@ inline constexpr std::int32_t TimerCurrentWord = 0x54, TimerBit = 0x55, CounterP
 
 // From this code on, types travel in ASCII frames only.
 inline constexpr std::int32_t kFirstAsciiOnlyCode = 0x50;
+
+// Records that one list request carries.
+inline constexpr std::size_t kMaxRecordsPerRequest = 16;
+
+// Digits of the most values that one request or record is answered with; a block message has half as many bytes.
+inline constexpr std::size_t kMaxValueDigits = 600;  // 60 counters
 
 // Null for a code that the protocol does not have; 0 is one of these.
 [[nodiscard]] const OperandType* FindOperandType(std::int32_t code);

@@ -14,7 +14,7 @@ namespace kv {
 namespace {
 
 constexpr std::size_t kLetters = 2;
-constexpr std::size_t kMostValueBytes = 300;  // 60 counters of 5 bytes
+constexpr std::size_t kMaxValueBytes = kMaxValueDigits / 2;
 
 FieldReader Begin(std::string_view reply, std::string_view letters, std::uint16_t tag) {
   FieldReader reader(reply);
@@ -191,7 +191,7 @@ std::optional<OperandListValues> ReadOperandValues(std::string_view reply, std::
   ExpectRange(reader, range);
   const OperandShape shape = range.type->shape;
   const std::size_t length = range.count * DigitsOf(shape) / 2;
-  std::array<std::uint8_t, kMostValueBytes> buffer;
+  std::array<std::uint8_t, kMaxValueBytes> buffer;
   if (!reader.Good() || length > buffer.size()) return std::nullopt;
   if (!HexToBytes(reader.Rest(), std::span(buffer).first(length))) return std::nullopt;
 

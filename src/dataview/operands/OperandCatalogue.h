@@ -58,7 +58,7 @@ namespace kv::mdlDataTypesView {
 [[nodiscard]] bool IsPastOperandCount(const Region& region, std::string_view model);
 
 // The most operands that one request carries, and so a region holds: 240 hexadecimal characters' worth, so 120, 60
-// or 30. 0 for no type.
+// or 30. 0 for no type. The protocol carries at least as many (maxPerRequest in KvCmDrv1/wire/OperandTypes.h).
 [[nodiscard]] std::int32_t MaxOperandsPerRequest(OperandTypeCode type);
 
 // The type code of the driver's list read; 0 for DBI, which it does not know. Timers share one code, counters another.

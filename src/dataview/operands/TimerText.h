@@ -5,10 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include "link/OperandList.h"
+
 // Times of timers as texts. Inside the program a time is a count of hundredths of a second.
 namespace kv::mdlDataTypesView {
 
-inline constexpr std::int32_t kLongestTime = 35999999;  // 99:59:59.99
 inline constexpr std::int32_t kMillisecondsPerHundredth = 10;
 
 // hh:mm:ss.cc, the count clamped to 0..kLongestTime.
