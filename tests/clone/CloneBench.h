@@ -1,9 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#ifndef _WIN32
-#include <unistd.h>
-#endif
 
 #include <algorithm>
 #include <functional>
@@ -35,6 +32,7 @@ class CloneChannel : public FakeChannel, private DownloadEngine {
   char state = 'R';
   int failAt = 0;  // this exchange, from 1 on
   int exchanges = 0;
+  int status = kBlockDone;  // of block replies
 
   // "HWF00001000 00000104" (the blank is for the eye) is one segment.
   void SetSegments(const std::vector<std::string>& segments) {
@@ -77,7 +75,7 @@ class CloneChannel : public FakeChannel, private DownloadEngine {
   }
   bool SendWithData(std::span<const std::uint8_t>) override { return false; }
   const Bytes& ReplyBytes() const override { return mStateReply; }
-  int ReplyStatus() const override { return kBlockDone; }
+  int ReplyStatus() const override { return status; }
 
   BlockFields mFields;
   Bytes mStateReply;
@@ -143,29 +141,5 @@ struct CloneBench {
   LoggedWindow window{channel.calls};
   clsDumpPLC* running = nullptr;
 };
-
-#ifndef _WIN32
-// As long as this lives nobody may read the file of a bench or change its folder. Root may do all, and so is somebody
-// else meanwhile.
-class WithoutRights {
- public:
-  explicit WithoutRights(const CloneBench& bench) : mFolder(bench.folder.Path()) {
-    constexpr uid_t kNobody = 65534;
-    std::filesystem::permissions(bench.file, std::filesystem::perms::none);
-    std::filesystem::permissions(mFolder, std::filesystem::perms{0555});
-    EXPECT_TRUE(mUser != 0 || seteuid(kNobody) == 0);
-  }
-  ~WithoutRights() {
-    EXPECT_TRUE(mUser != 0 || seteuid(mUser) == 0);
-    std::filesystem::permissions(mFolder, std::filesystem::perms::owner_all);
-  }
-  WithoutRights(const WithoutRights&) = delete;
-  WithoutRights& operator=(const WithoutRights&) = delete;
-
- private:
-  std::filesystem::path mFolder;
-  uid_t mUser = geteuid();
-};
-#endif
 
 }  // namespace kv::test

@@ -11,7 +11,6 @@ namespace kv {
 namespace {
 
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 const std::string kTitle = "Korvantis Clone File:\tV100\ta\tb\r\n";
 const std::string kVersion = "K220-22-R1\t10\t4.60\t19\r\n";
@@ -32,23 +31,6 @@ const std::string kEnd = BuildEndFrame(1) + "\r\n";
 CloneInfo Inspect(const std::string& content) {
   std::istringstream stream(content);
   return InspectClone(stream, "x.kdf", content.size()).value();
-}
-
-TEST(CloneInfo, TellsWhatAWholeFileHolds) {
-  const CloneInfo info = Inspect(kHead + kHw1 + kHw3 + kMm1 + kMm2 + kEnd);
-  EXPECT_THAT(info.damages, IsEmpty());
-  EXPECT_EQ(info.head->version.model, "K220-22-R1");
-  EXPECT_EQ(info.head->created, "a b");
-  EXPECT_EQ(info.unit, 1);
-  EXPECT_EQ(info.frames, 5U);
-  ASSERT_EQ(info.segments.size(), 2U);
-  EXPECT_EQ(info.segments[0].segment, (CloneSegment{"HW", MemoryKind::Flash, 4096, 260}));
-  EXPECT_EQ(info.segments[0].covered.Ranges(), (std::vector<AddressRange>{{0x1000, 0x107F}, {0x1100, 0x1103}}));
-  EXPECT_EQ(info.segments[1].covered.Ranges(), (std::vector<AddressRange>{{0x2000, 0x21FF}}));
-  EXPECT_THAT(FindingsBeforeRestore(info, info.head->version), IsEmpty());
-  EXPECT_EQ(FindingsBeforeRestore(info, {.model = "K330"}).size(), 1U);
-  const std::string unsized = "HW,4096,260\tMM,8192,0\t\r\n";
-  EXPECT_TRUE(Inspect(kTitle + kVersion + unsized + "\r\n" + kEnd).IsSound());  // all of it erased
 }
 
 TEST(CloneInfo, NamesTheLineOfEachDamage) {
@@ -83,6 +65,9 @@ TEST(CloneInfo, NamesTheLineOfEachDamage) {
     EXPECT_THAT(info.damages[0].what, HasSubstr(row.expected));
     EXPECT_THAT(FindingsBeforeRestore(info, {.model = "K220-22-R1"}).at(0), HasSubstr("is damaged: line"));
   }
+  const std::string adjacent = "HW,4096,128\tMM,4224,4\t\r\n\r\n";
+  EXPECT_TRUE(Inspect(begin + adjacent + kHw1 + Write(Ram, 0x1080, 4) + kEnd).IsSound());
+  EXPECT_TRUE(Inspect(begin + "HW,4096,260\tMM,8192,0\t\r\n\r\n" + kEnd).IsSound());  // all of it erased
   EXPECT_EQ(Inspect(kHead + kMm1 + "/\r\n" + kMm3 + kEnd).damageCount, 1U);  // one broken line is one damage
 }
 
@@ -99,13 +84,13 @@ TEST(CloneInfo, FindsEveryCutAndAnySingleWrongCharacterOfTheFrames) {
     damaged[at] = damaged[at] == '0' ? '1' : '0';
     EXPECT_TRUE(isLineEnd || !Inspect(damaged).IsSound()) << at;
   }
-}
-
-TEST(CloneFrame, TakesApartOnlyWhatItBuilds) {
-  const Bytes bytes = {1, 2, 3, 4};
-  EXPECT_EQ(BuildWriteFrame(0xFF, MemoryKind::Flash, 0x89ABCDEF, bytes), "/FFWDF89ABCDEF040201040361\r");
-  EXPECT_EQ(ParseCloneFrame("/FFWDF89ABCDEF040201040361\r")->data, bytes);
-  for (const char* bad : {"/\r", "/01\r", "/01EDEA", "/01edEA\r", "/01EDEA\r\r", "/0iED19\r", "/01WDR003000000AABCD4C\r"}) {
+  const std::string frame = "/FFWDF89ABCDEF040201040361\r";
+  EXPECT_EQ(ParseCloneFrame(frame)->data, (Bytes{1, 2, 3, 4}));
+  for (std::size_t length = 0; length + 1 < frame.size(); ++length) {
+    EXPECT_FALSE(ParseCloneFrame(frame.substr(0, length))) << length;
+    EXPECT_FALSE(ParseCloneFrame(frame.substr(0, length) + "\r")) << length;
+  }
+  for (const char* bad : {"/01EDEA", "/01edEA\r", "/01EDEA\r\r", "/0iED19\r", "/01WDR003000000AABCD4C\r"}) {
     EXPECT_FALSE(ParseCloneFrame(bad)) << bad;
   }
 }

@@ -59,7 +59,9 @@ TEST_F(CompareTest, VerifyFindsEachDifferenceByItsAddressesAndOnlyReads) {
   EXPECT_EQ(other->segments[0].differing.Ranges(),
             (Ranges{{0x1000, 0x1000}, {0x1FFF, 0x2000}, {0x20FF, 0x2100}, {0x4001, 0x4001}}));
   EXPECT_EQ(other->segments[1].differing.Ranges(), (Ranges{{0x9FFE, 0xA380}}));
-  EXPECT_EQ(other->DifferingBytes(), 6U + 0x383U);
+  EXPECT_EQ(VerdictsByKind(*other)[0].Text(), "Program and settings (HW, FT): 6 bytes differ.");
+  EXPECT_THAT(VerdictsByKind(*other)[1].Text(), HasSubstr("(OP): 899 bytes differ; a running program"));
+  EXPECT_EQ(CodesOf(*InspectClone(clone), ComparedKinds::Values), std::vector<std::string>{"OP"});
 }
 
 TEST_F(CompareTest, DiffComparesMemoryNotLines) {

@@ -181,46 +181,6 @@ TEST(CreateGhost, EndsBeforeTheControllerIsTouchedWhenPasswordOrTableCannotBeUse
   EXPECT_EQ(bench.Create().end, CloneEnd::Done);
 }
 
-TEST(CreateGhost, FailsAtEachExchangeInTurnWithoutAFileAndWithoutOneMore) {
-  int exchanges = 0;
-  for (int failAt = 1;; ++failAt) {
-    CloneBench bench;
-    bench.channel.SetSegments({"HWF00001000 00000410", "OSF00002000 00000200"});
-    bench.channel.failAt = failAt;
-    if (failAt > 1) bench.prompts.Enter("x");
-    if (failAt > 3) bench.prompts.Press(PromptAnswer::Yes);
-    bench.prompts.Press(PromptAnswer::Ok);
-    const CloneOutcome outcome = bench.Create();
-    if (outcome.end == CloneEnd::Done) break;
-    exchanges = failAt;
-    EXPECT_EQ(bench.channel.exchanges, failAt);
-    EXPECT_EQ(outcome.link.code, LinkErrorCode::NoReply) << failAt;
-    EXPECT_EQ(bench.channel.calls.back(), kFailed);
-    EXPECT_FALSE(bench.Exists());
-    const bool isLeftStopped = failAt > 4;
-    EXPECT_EQ(bench.channel.state, isLeftStopped ? 'S' : 'R') << failAt;
-    EXPECT_EQ(outcome.reason.find("was not started again") != std::string::npos, isLeftStopped) << failAt;
-  }
-  EXPECT_EQ(exchanges, 10);  // version, table, state, stop, three reads and one, state, run
-}
-
-TEST(CreateGhost, StopsAfterTheBlockOrSegmentThatItIsBusyWith) {
-  for (const auto& [turn, reads] : {std::pair(1, 1), {2, 2}, {3, 3}, {4, 4}, {5, 4}}) {
-    CloneBench bench;
-    bench.channel.SetSegments({"HWF00001000 00000410", "OSF00002000 00000200"});
-    int turns = 0;
-    bench.pacer.OnDoEvents([&, stopAt = turn] {
-      if (++turns == stopAt) bench.running->StopDump();
-    });
-    Answer(bench, "x", PromptAnswer::No);
-    EXPECT_EQ(bench.Create().end, CloneEnd::Stopped) << turn;
-    const auto isRead = [](const std::string& call) { return call.starts_with("Read"); };
-    EXPECT_EQ(std::ranges::count_if(bench.channel.calls, isRead), reads) << turn;
-    EXPECT_EQ(bench.channel.calls.back(), kFailed);
-    EXPECT_FALSE(bench.Exists());
-  }
-}
-
 TEST(CreateGhost, FailsPlainlyWhenTheFileCannotBeWrittenOrKept) {
   CloneBench bench;
   const auto fails = [&](const char* reason) {
@@ -257,18 +217,6 @@ TEST(CreateGhost, FailsPlainlyWhenTheFileCannotBeWrittenOrKept) {
   Answer(bench, "x");
   bench.pacer.OnDoEvents([&] { std::filesystem::remove(bench.file); });
   fails("removed or changed");
-
-  bench.folder.Put("clone.kdf", "kept");
-  bench.prompts.Press(PromptAnswer::Ok);
-  bench.prompts.Press(PromptAnswer::Ok);
-  {
-    const WithoutRights withoutRights(bench);
-    fails("cannot be deleted (Permission denied); check the rights");
-    bench.file = bench.folder.Path() / "new.kdf";
-    fails("cannot be created (Permission denied)");
-  }
-  EXPECT_EQ(bench.channel.exchanges, 0);
-  EXPECT_TRUE(std::filesystem::exists(bench.folder.Path() / "clone.kdf"));
 #endif
 }
 

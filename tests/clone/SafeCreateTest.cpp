@@ -40,19 +40,6 @@ struct SafeBench : CloneBench {
   }
 };
 
-TEST(SafeCreate, ReplacesAGoodCloneOnlyByAWholeOne) {
-  SafeBench bench;
-  bench.folder.Put("clone.kdf", kGood);
-  bench.meanwhile = [&] { EXPECT_EQ(bench.Content(), kGood); };
-  const SafeCreate safe = bench.CreateSafely();
-  EXPECT_EQ(safe.Outcome().end, CloneEnd::Done);
-  EXPECT_EQ(safe.File(), bench.file);
-  EXPECT_EQ(safe.Info()->segments.size(), 2U);
-  EXPECT_TRUE(InspectClone(bench.file)->IsSound());
-  EXPECT_EQ(bench.Files().size(), 1U);
-  EXPECT_THAT(bench.channel.calls.back(), HasSubstr("Created Successfully"));
-}
-
 TEST(SafeCreate, LeavesAGoodCloneWhateverFails) {
   const auto damage = [](SafeBench& bench) {
     for (const auto& each : bench.Files()) {
@@ -73,6 +60,7 @@ TEST(SafeCreate, LeavesAGoodCloneWhateverFails) {
       {"protected",
        [](SafeBench& bench) { std::filesystem::permissions(bench.file, std::filesystem::perms::owner_read); },
        "write-protected", false},
+      {"state", [](SafeBench& bench) { bench.channel.status = kBlockRefused; }, "did not tell whether its program"},
       {"old O/S", [](SafeBench& bench) { bench.channel.version->osVersion = "4.5"; }, "clones need 4.60", false},
   };
   for (int exchange = 1; exchange <= 9; ++exchange) {
@@ -88,6 +76,7 @@ TEST(SafeCreate, LeavesAGoodCloneWhateverFails) {
       EXPECT_NE(safe.Outcome().end, CloneEnd::Done) << row.what;
       EXPECT_THAT(safe.Outcome().reason, HasSubstr(row.reason));
       EXPECT_FALSE(safe.File()) << row.what;
+      EXPECT_EQ(safe.Outcome().link.code == LinkErrorCode::NoReply, bench.channel.failAt > 0) << row.what;
       // Only a controller that is too old leaves anything of its own, and only where nothing was.
       const bool leavesEmpty = !stoodThere && row.what == std::string("old O/S");
       EXPECT_EQ(bench.Files().size(), stoodThere || leavesEmpty ? 1U : 0U) << row.what;
@@ -150,6 +139,7 @@ TEST(SafeCreate, TellsWhatBecameOfTheControllerWhileItWasRead) {
 TEST(SafeCreate, ReplacesWhatALinkPointsAt) {
   SafeBench bench;
   bench.folder.Put("behind.kdf", kGood);
+  bench.meanwhile = [&] { EXPECT_EQ(bench.Content(), kGood); };
   std::filesystem::create_symlink("behind.kdf", bench.file);
   EXPECT_EQ(bench.CreateSafely().Outcome().end, CloneEnd::Done);
   EXPECT_TRUE(std::filesystem::is_symlink(bench.file));

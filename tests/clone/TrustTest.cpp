@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "KvCmDrv1/Driver.h"
+#include "clone/CloneVerify.h"
 #include "clone/ManifestCheck.h"
 #include "clone/RestoreBegin.h"
 #include "clone/RestoreCheck.h"
@@ -22,19 +23,20 @@ using testing::IsEmpty;
 // A simulated controller behind the driver, on virtual time.
 class Target {
  public:
-  Target(VirtualPacer& pacer, const std::string& model, const std::string& os = {})
-      : mDriver(pacer, [this](const std::string&) { return mSimulated->NewLine(); }, nullptr) {
+  Target(VirtualPacer& pacer, const std::string& model, const std::string& os = {}, std::uint32_t memorySeed = 1)
+      : mDriver(pacer, [this](const std::string&) { return simulated->NewLine(); }, nullptr) {
     sim::SimulatorOptions options;
     options.model = model;
-    options.memorySeed = 1;
+    options.memorySeed = memorySeed;
     if (!os.empty()) options.osVersion = os;
-    mSimulated = sim::SimulatedController::Create(options).value();
-    mChannel = mDriver.GetChannel();
+    simulated = sim::SimulatedController::Create(options).value();
   }
-  Channel& Link() { return *mChannel; }
+  Channel& Link() { return *(mChannel = mDriver.GetChannel()); }
+  char State() { return Link().GetControllerInfo(1).value_or(Channel::ControllerInfo()).state; }
+
+  std::unique_ptr<sim::SimulatedController> simulated;
 
  private:
-  std::unique_ptr<sim::SimulatedController> mSimulated;
   Driver mDriver;
   std::shared_ptr<Channel> mChannel;
 };
@@ -166,6 +168,10 @@ TEST_F(Trust, AnotherVersionIsAWarning) {
   EXPECT_THAT(check->obstacles, IsEmpty());
   EXPECT_EQ(OtherUnitText(info, 1), "");
   EXPECT_THAT(OtherUnitText(info, 9), HasSubstr("is for unit 1, but the controller is unit 9"));
+  ManifestReport elsewhere = Report();
+  *elsewhere.manifest->serialNumber += 1;
+  EXPECT_THAT(CheckBeforeRestore(source.Link(), info, elsewhere)->warnings,
+              ElementsAre(HasSubstr("not from this one")));
 }
 
 TEST_F(Trust, NothingIsBegunOnAnotherControllerOrIntoSomebodyElsesLoad) {
@@ -189,17 +195,38 @@ TEST_F(Trust, NothingIsBegunOnAnotherControllerOrIntoSomebodyElsesLoad) {
   }
 }
 
-TEST_F(Trust, WhatIsOverwrittenWithWhatIsAsked) {
-  RestoreCheck check = *CheckBeforeRestore(source.Link(), info, Report());
-  const std::string question = RestoreQuestion(check, info, bench.file, "AurexQ50, serial number 5", "It is lost.");
-  for (const char* part : {"Controller: AurexQ50, serial number 5\r\n", "clone.kdf\r\n", "Made from: AurexQ50, O/S ",
-                           "Its program stops;", "It is lost. Overwrite it?"}) {
-    EXPECT_THAT(question, HasSubstr(part));
+TEST_F(Trust, ARestoreFailsPlainlyAtEachOfItsLinesOrIsFoundOutByVerify) {
+  const auto restore = [this](Target& plc) {
+    KnowingPrompts prompts;
+    clsDumpPLC engine(bench.window, prompts, bench.pacer, bench.pacer);
+    Channel& link = plc.Link();
+    engine.RestoreGhost(*link.GetSerialPort(), bench.file, &link);
+    return engine.Outcome();
+  };
+  const auto lines = static_cast<int>(info.frames);
+  for (int nth = 1; nth <= lines; nth += nth < lines - 5 ? 7 : 1) {
+    const std::string selector = "nth=" + std::to_string(nth);
+    for (const std::string kind : {"noreply:", "reset:", "lost:at=0,away=1,"}) {
+      Target plc(bench.pacer, "AurexQ50", {}, 2);
+      EXPECT_EQ(plc.State(), 'R');  // it is met, so that lines alone are counted
+      ASSERT_TRUE(plc.simulated->UseFaults({kind + selector}));
+      const CloneOutcome outcome = restore(plc);
+      EXPECT_EQ(outcome.cause, CloneCause::Reply) << kind << selector;
+      EXPECT_THAT(outcome.reason, HasSubstr("Line " + std::to_string(nth + 4)));
+      EXPECT_EQ(outcome.reason.contains("All lines but the end frame"), nth == lines) << outcome.reason;
+      EXPECT_EQ(plc.State(), nth == lines || kind == "reset:" ? 'R' : 'L') << kind << selector;
+    }
+    Target twice(bench.pacer, "AurexQ50", {}, 2);
+    EXPECT_EQ(twice.State(), 'R');
+    ASSERT_TRUE(twice.simulated->UseFaults({"double:" + selector}));
+    EXPECT_EQ(restore(twice).end, CloneEnd::Done) << nth;
+    EXPECT_TRUE(VerifyClone(twice.Link(), bench.file)->IsSame()) << nth;
+    Target liar(bench.pacer, "AurexQ50", {}, 2);
+    EXPECT_EQ(liar.State(), 'R');
+    ASSERT_TRUE(liar.simulated->UseFaults({"lie:" + selector}));
+    EXPECT_EQ(restore(liar).end, CloneEnd::Done);
+    EXPECT_EQ(VerifyClone(liar.Link(), bench.file)->IsSame(), nth == lines) << nth;
   }
-  ManifestReport elsewhere = Report();
-  *elsewhere.manifest->serialNumber += 1;
-  EXPECT_THAT(CheckBeforeRestore(source.Link(), info, elsewhere)->warnings,
-              ElementsAre(HasSubstr("not from this one")));
 }
 
 }  // namespace
