@@ -29,12 +29,6 @@ TEST(PagesFileTest, AFileSaysAgainWhatWasSaved) {
                                                  "cke 7\r\n"));
 }
 
-TEST(PagesFileTest, AFileOfAnotherProgramWithPlainLineEndsIsRead) {
-  const auto pages = ParsePagesFile("TELEPANEL-PAGES 1\nproject Bakery\nmodel K220-22-R1\ncheck 364ae7e9\n");
-  ASSERT_TRUE(pages) << pages.error().what;
-  EXPECT_EQ(*pages, (PagesFile{"Bakery", "K220-22-R1"}));
-}
-
 TEST(PagesFileTest, AFileThatEndsAnywhereBeforeItsEndIsRefused) {
   const std::string whole = PrintPagesFile({"Bakery", "Q50"});
   for (std::size_t length = 0; length < whole.size(); ++length) {

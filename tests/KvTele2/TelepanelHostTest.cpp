@@ -3,12 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "KvTele2/HostCommands.h"
 #include "base/PathText.h"
 #include "desktop/VirtualPacer.h"
-#include "host/ToolTable.h"
 #include "tests/support/FakeChannel.h"
 #include "tests/support/LoggedPrompts.h"
 #include "tests/support/TemporaryFolder.h"
@@ -27,7 +24,7 @@ class ShownView : public HostView {
     shown = state;
     entries = journal.Entries().size();
   }
-  void Run() override {}
+  void Run() override { hasRun = true; }
   void Quit() override { hasQuit = true; }
   void BeginWait(Wait wait, const std::string& what) override {
     waits.push_back(what);
@@ -40,6 +37,7 @@ class ShownView : public HostView {
   std::size_t entries = 0;
   std::vector<std::string> waits;
   bool isWaiting = false;
+  bool hasRun = false;
   bool hasQuit = false;
   std::function<void(Wait)> onWait;
 };
@@ -95,17 +93,9 @@ class TelepanelHostTest : public testing::Test {
   std::function<void()> onLine = [this] { Connect(); };
 };
 
-TEST_F(TelepanelHostTest, EveryToolOfTheDispatchHasItsCommand) {
-  std::set<std::string_view> ids{command::kEscape};
-  for (const HostMenu& menu : HostMenus()) {
-    for (const HostCommand& each : menu.commands) {
-      EXPECT_TRUE(each.id.empty() || ids.insert(each.id).second) << each.id << " is there twice";
-    }
-  }
-  for (const ToolRow& row : ToolTable()) EXPECT_TRUE(ids.contains(row.id)) << row.id;
-}
-
 TEST_F(TelepanelHostTest, AControllerOnLineIsShown) {
+  host.Run();
+  EXPECT_TRUE(view.hasRun);
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, ConnectionState::Online);
   EXPECT_EQ(view.shown.controller,
@@ -140,27 +130,6 @@ TEST_F(TelepanelHostTest, AControllerOfAnotherModelThanTheSelectedIsToldWithACur
     EXPECT_EQ(view.shown.trouble.empty(), std::string(each.told).empty()) << view.shown.trouble;
     host.Click(command::kOffLine);
   }
-}
-
-TEST_F(TelepanelHostTest, AModelThatWasReplacedByTheControllersIsInTheLog) {
-  onLine = [this] {
-    host.SetModel("K450-45");
-    Connect();
-  };
-  host.Click(command::kOnLine);
-  const auto isTold = [](const Journal::Entry& entry) { return entry.text.ends_with("before, it was K220-22-R1"); };
-  EXPECT_TRUE(std::ranges::any_of(host.Log().Entries(), isTold));
-}
-
-TEST_F(TelepanelHostTest, ARefusalIsNotToldInFrontOfABusyWindow) {
-  onLine = [this] {
-    host.BeginConnect();
-    EXPECT_TRUE(view.isWaiting);
-    host.ConnectionRefused("It is in BOOTSTRAP mode.", {*channel->version, channel->info});
-    EXPECT_FALSE(view.isWaiting);
-    EXPECT_EQ(ConnectionText(view.shown), "Off line");
-  };
-  host.Click(command::kOnLine);
 }
 
 TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
@@ -382,6 +351,8 @@ TEST_F(TelepanelHostTest, APagesFileIsMadeForTheControllerOnLineAndThenAsked) {
   channel->info->projectName = "Other";
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, ConnectionState::Offline) << "the tool refuses it";
+  EXPECT_FALSE(view.isWaiting) << "behind the box";
+  EXPECT_EQ(channel.use_count(), 1) << "a refused controller is let go of";
   EXPECT_THAT(view.shown.trouble, HasSubstr("for the project A/B, but the controller holds Other"));
   EXPECT_THAT(view.shown.trouble, HasSubstr("model K220-22-R1, hardware code 10, O/S 4.60, build 19, unit id 1, serial "
                                             "number 2748, state running, project Other."));

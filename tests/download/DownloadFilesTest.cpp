@@ -205,37 +205,5 @@ TEST(DownloadFiles, ThatAreNotRightAreRefusedWithTheReason) {
   }
 }
 
-// What the settled formats leave to other makers' files.
-TEST(DownloadFiles, OfProjectsMayDifferWhereItDoesNoHarm) {
-  std::string empty = DecodeBytes(SampleProject("K330", 0)).substr(0, 150);
-  sim::PutLittle(empty.data() + 10, 0, 2);
-  const auto noTopics = ParseAurexProject(DecodeBytes(empty), "f");
-  ASSERT_TRUE(noTopics) << noTopics.error().Text();
-  EXPECT_TRUE(noTopics->topics.empty());
-
-  std::string loose = DecodeBytes(SampleProject("K330", 300) + "x");
-  sim::PutLittle(loose.data() + 10, 1, 2);
-  loose.replace(50, 20,
-                std::string("K\0"
-                            "33\0"
-                            "0",
-                            6) +
-                    std::string(14, '\0'));
-  const auto more = ParseAurexProject(DecodeBytes(loose), "f");
-  ASSERT_TRUE(more) << more.error().Text();
-  EXPECT_EQ(more->topics.size(), 2u);
-  EXPECT_EQ(more->model, "K330");
-
-  const std::string lines =
-      "\xE4\n50R\n"
-      "gnkH\"fcqnpyqF\"tgffcN\"27V\nED\nJE\n\n\n";
-  const auto compact = ParseCompactProject(lines, "f");
-  ASSERT_TRUE(compact) << compact.error().Text();
-  EXPECT_EQ(compact->name, "ä");
-  EXPECT_EQ(compact->model, "Q/4");
-  EXPECT_EQ(compact->commands, (std::vector<std::string>{"DE", "DI"}));
-  EXPECT_FALSE(compact->endsWithReset);
-}
-
 }  // namespace
 }  // namespace kv::test

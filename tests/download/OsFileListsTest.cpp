@@ -73,29 +73,6 @@ TEST_F(OsFileLists, OfACompactControllerHoldWhatItMayTake) {
   }
 }
 
-TEST_F(OsFileLists, HoldAThousandFiles) {
-  for (int i = 0; i < 1000; ++i) Put("OS/OS50", "Q50v" + std::to_string(9999 - i) + ".OSI");
-  const FileList list = ListCompactOsFiles(paths, {});
-  ASSERT_EQ(list.files.size(), 1000u);
-  EXPECT_EQ(list.files.front().text, "O/S Q50 V9.00 (B00)");
-  EXPECT_EQ(list.preselected, 999u);
-}
-
-TEST(OsFileNames, AreReadFromTheirEnds) {
-  EXPECT_EQ(AurexOsTypeIn("AurexK220v46019.kos"), "AurexK220");
-  EXPECT_EQ(AurexOsTypeIn("müde AurexK222_46019.kos"), "AurexK222");
-  EXPECT_EQ(AurexOsTypeIn("ärgerlich.kos"), "ärgerlich");
-  EXPECT_EQ(AurexOsNumberIn("x AurexK220v46019.kos"), (OsNumber{460, 19}));
-  EXPECT_EQ(AurexOsVersionIn("AurexK220v460xx.kos"), 460);
-  EXPECT_EQ(AurexOsNumberIn("AurexK220v460xx.kos"), std::nullopt);
-  EXPECT_EQ(AurexOsVersionIn("AurexK220v4 0.kos"), std::nullopt);
-  EXPECT_EQ(FontsVersionIn("any AurexFontv1299.kft"), 129);
-  EXPECT_EQ(FontsVersionIn(""), std::nullopt);
-  EXPECT_EQ(AurexModelOfHardware("10"), "K220-22");
-  EXPECT_EQ(AurexModelOfHardware("20"), "K220-32");
-  EXPECT_EQ(AurexModelOfHardware("?"), "K380-28");
-}
-
 // Each simulated model of the compact family, and its boot loader.
 TEST(CompactControllers, AreKnownByTheirIdentification) {
   struct Case {

@@ -32,18 +32,6 @@ TEST_F(CallerExeTest, LivesItsLifeInOrder) {
   EXPECT_EQ(callerState->BitsHandler, nullptr);
 }
 
-TEST_F(CallerExeTest, TearsEverythingDownWhenSomethingBreaksOutOfTheHost) {
-  host.onRun = [this] {
-    Taken();
-    host.OnLinkReleased();  // what a host does that goes off line
-    throw std::string("broken");
-  };
-  clsCallerExe caller(parts);
-  EXPECT_THROW(caller.StartUp(), std::string);
-  EXPECT_THAT(Taken(), ElementsAre("Driver CloseDriver", "host released", "Driver not active", "Driver gone"));
-  EXPECT_FALSE(host.OnToolClicked);
-}
-
 TEST_F(CallerExeTest, ClearsTheMarkOfTheSessionThatItEndsIn) {
   constexpr auto kWrite = std::filesystem::perms::owner_write;
   std::filesystem::create_directory(Session("Plant"));
@@ -51,15 +39,6 @@ TEST_F(CallerExeTest, ClearsTheMarkOfTheSessionThatItEndsIn) {
   std::filesystem::permissions(mark, kWrite, std::filesystem::perm_options::remove);
   CallsOf([&](clsCallerExe&) { callerState->CurrentSession = "Plant"; });
   EXPECT_EQ(std::filesystem::status(mark).permissions() & kWrite, kWrite);
-}
-
-TEST_F(CallerExeTest, UnknownIdsAndMissingToolsDoNothing) {
-  windows.clear();
-  host.readsColourCaches = false;
-  for (const char* id : {"", "ID_Unknown", "id_exit", "ID_Exit ", "escape", "ID_DataTypes", "ID_DumpPLC", "ID_PLC_DB",
-                         "ID_ImportFontsAndImages"}) {
-    EXPECT_THAT(CallsOf(id, "x"), IsEmpty()) << id;
-  }
 }
 
 TEST_F(CallerExeTest, AfterExitNothingIsOpenedAnyMore) {

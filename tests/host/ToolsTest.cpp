@@ -60,20 +60,12 @@ TEST_F(ToolsTest, TheHostIsToldOfALinkThatIsDescribedOtherwise) {
   }
 }
 
-TEST_F(ToolsTest, TheLinkStaysOpenBehindAToolWhileTheHostWorksWithIt) {
-  for (const bool holds : {false, true}) {
-    host.holdsLink = holds;
-    EXPECT_EQ(CallsOf("ID_DataTypes").back(), holds ? "Enabled on" : "Driver CloseDriver");
-  }
-}
-
-TEST_F(ToolsTest, TheBracketGivesBackWhatTheHostWasOnEveryPath) {
+TEST_F(ToolsTest, AToolGivesBackWhatTheHostWasAndTheLinkUnlessTheHostWorksWithIt) {
+  host.holdsLink = true;
+  EXPECT_EQ(CallsOf("ID_DataTypes").back(), "Enabled on");
+  host.holdsLink = false;
   host.enabled = false;
   EXPECT_THAT(CallsOf("ID_Modem"), ElementsAre("Enabled off", testing::_, "Enabled off"));
-  host.enabled = true;
-  onShow = [] { throw std::string("left early"); };
-  EXPECT_EQ(CallsOf([&](clsCallerExe&) { EXPECT_THROW(host.OnToolClicked("ID_DataTypes", ""), std::string); }),
-            Shown("ID_DataTypes"));
 }
 
 // The model of the session before would be shown, and the next going on line would write it into this session.
@@ -171,7 +163,7 @@ TEST_F(ToolsTest, AChosenCacheIsRecentAndAFailureToOpenItIsTold) {
 class FakeDesigner : public PanelDesigner {
  public:
   explicit FakeDesigner(std::size_t items) : mItems(items) {}
-  void SetDriver(CommDriver&) override {}
+  void SetDriver(CommDriver& driver) override { driver.ComParamsCaller("designer"); }
   void SetBlocks(const Blocks& blocks) override { mBlocks = blocks; }
   void Run() override {
     for (Bytes& block : mBlocks) block.push_back('!');
@@ -188,7 +180,8 @@ TEST_F(ToolsTest, ThePanelDesignerGetsAndLeavesItsThreeBlocks) {
   std::size_t items = 2;
   parts.createPanelDesigner = [&] { return std::make_unique<FakeDesigner>(items); };
   const auto file = Put("DesignBlock.bin", "old");
-  EXPECT_THAT(CallsOf("ID_PLC_DB"), ElementsAre("Enabled off", "Enabled on", "Driver CloseDriver"));
+  EXPECT_THAT(CallsOf("ID_PLC_DB"),
+              ElementsAre("Enabled off", "Driver ComParamsCaller designer", "Enabled on", "Driver CloseDriver"));
   EXPECT_EQ(TemporaryFolder::Content(file), "!");  // one block of three was none
   CallsOf("ID_PLC_DB");
   EXPECT_EQ(TemporaryFolder::Content(file), "!!");
