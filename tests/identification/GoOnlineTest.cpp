@@ -159,7 +159,8 @@ TEST_F(GoOnlineTest, CompactControllersAreAskedForTheirPanelInsteadOfTheirVersio
   EXPECT_EQ(CallsFor(Plain("Q51-2-R34", "1.00"), false, "Q51"), join({"AttachChannel"}, online, {}));
   EXPECT_EQ(ReadSessionIni(shared, "LastModel", ""), "");
 
-  for (const char* text : {"DRERROR0BC4", "DR0B0BC4", "DR0102030405060708090A0B0C0D0E0F101112131415161718191Ax?C4"}) {
+  for (const char* text : {"DRERROR0BC4", "DR0B0BC4", "DR0102030405060708090A0B0C0D0E0F101112131415161718191Ax?C4",
+                           "DR0102030405060708090A0B0C0D0E0F101112131415161718191AC4"}) {
     channel->reply = CommandReply{.text = text};
     EXPECT_EQ(std::ranges::count(CallsFor(Plain("Q50-2-R34", ""), false, "Q50"), "ControllerInfoByte -1"), 2) << text;
   }
