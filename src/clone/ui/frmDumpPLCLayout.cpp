@@ -23,8 +23,8 @@
 namespace kv {
 namespace {
 
-constexpr QSize kFirstSize(720, 520);
-constexpr int kGridHeight = 250;
+constexpr QSize kFirstSize(720, 600);
+constexpr int kGridHeight = 330;
 constexpr int kInformationHeight = 150;
 constexpr int kScrollPause = 50;  // milliseconds
 constexpr int kMostLines = 1000;  // of the information
