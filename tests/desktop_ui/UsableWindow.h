@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLayout>
 #include <QPushButton>
 #include <set>
 #include <string_view>
@@ -27,12 +28,28 @@ inline void ExpectCommandsCanBeRead(const QObject& window, const std::vector<std
   }
 }
 
+// No two parts of a page lie on each other: what no layout holds lies in the corner.
+inline void ExpectNothingIsCovered(const QWidget& page) {
+  if (!page.layout() || !page.isVisible()) return;
+  const auto parts = page.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+  for (const QWidget* part : parts) {
+    for (const QWidget* other : parts) {
+      const bool isBoth = part < other && part->isVisible() && other->isVisible() && !other->isWindow();
+      EXPECT_FALSE(isBoth && !part->isWindow() && part->geometry().intersects(other->geometry()))
+          << part->objectName().toStdString() << " and " << other->objectName().toStdString();
+    }
+  }
+}
+
 // Each control that Tab reaches has a name or reads its text, and a button then says what it does.
 inline void ExpectControlsCanBeRead(const QObject& window) {
   for (const QWidget* widget : window.findChildren<QWidget*>()) {
+    ExpectNothingIsCovered(*widget);
     if ((widget->focusPolicy() & Qt::TabFocus) == 0 || !widget->isVisible()) continue;
     const bool hasText = widget->inherits("QToolButton") || widget->inherits("QCheckBox");
-    EXPECT_TRUE(hasText || !widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+    const auto* button = dynamic_cast<const QPushButton*>(widget);
+    const bool isRead = hasText || (button && !button->text().isEmpty());
+    EXPECT_TRUE(isRead || !widget->accessibleName().isEmpty()) << widget->metaObject()->className();
     EXPECT_FALSE(hasText && widget->toolTip().isEmpty()) << widget->objectName().toStdString();
   }
 }

@@ -89,27 +89,6 @@ TEST_F(MainWindowTest, AControllerThatCannotBeUsedIsRefusedInABox) {
   }
 }
 
-TEST_F(MainWindowTest, AFileOfAnotherProjectKeepsTheControllerOffLine) {
-  const auto file = Put("mill.kta", PrintPagesFile({"Mill", "K220-22-R1"}));
-  Run([&](QMainWindow& window) {
-    WhenOpen<QFileDialog>(window, [&](QFileDialog& dialog) {
-      dialog.selectFile(QString::fromStdString(file.string()));
-      QMetaObject::invokeMethod(&dialog, "accept");
-    });
-    Trigger(window, "ID_PagesFile");
-    EXPECT_EQ(Text(window, "lblPages"), "mill.kta: project Mill, model K220-22-R1");
-    {
-      const Boxes boxes(window);
-      Trigger(window, "ID_OnLine");
-      EXPECT_THAT(boxes.texts, ElementsAre(StartsWith("The Telepanel file does not match the project")));
-    }
-    EXPECT_EQ(Text(window, "lblOnline"), "Off line");
-    Trigger(window, "HOST_ClosePages");
-    Trigger(window, "ID_OnLine");
-    EXPECT_EQ(Text(window, "lblOnline"), "On line");
-  });
-}
-
 TEST_F(MainWindowTest, ASilentControllerNeitherFreezesTheWindowNorHoldsItsUser) {
   const Kvsim controller({"--model", "K220-22-R1", "--unit", "9"});
   PutTcp(controller.Port(), "TimeOut=400\r\nTries=2\r\n");
@@ -126,25 +105,6 @@ TEST_F(MainWindowTest, ASilentControllerNeitherFreezesTheWindowNorHoldsItsUser) 
     Trigger(window, "ID_OnLine");
     EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("stopped on request"));
     EXPECT_EQ(window.findChild<QPushButton*>("cmdCancelBusy"), nullptr);
-  });
-}
-
-TEST_F(MainWindowTest, ALinkThatIsPulledAndGivenBackIsTakenUpAgain) {
-  const QStringList arguments{"--model", "K220-22-R1", "--state",
-                              QString::fromStdString((home.Path() / "plc.state").string())};
-  auto controller = std::make_unique<Kvsim>(arguments);
-  const int port = controller->Port();
-  PutTcp(port, "TimeOut=200\r\nTries=1\r\n");
-  Run([&](QMainWindow& window) {
-    Trigger(window, "ID_OnLine");
-    ASSERT_EQ(Text(window, "lblOnline"), "On line");
-    controller->Kill();
-    ASSERT_TRUE(WaitUntil([&] { return Text(window, "lblOnline") == "Connection lost"; }));
-    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("What to do"));
-    EXPECT_EQ(Text(window, "lblModel"), "K220-22-R1");
-    controller = std::make_unique<Kvsim>(arguments, port);
-    Trigger(window, "ID_OnLine");
-    EXPECT_EQ(Text(window, "lblOnline"), "On line") << Text(window, "lblTrouble");
   });
 }
 
@@ -204,7 +164,11 @@ TEST_F(MainWindowTest, BadSettingsAreToldAndLeftAlone) {
   EXPECT_EQ(TemporaryFolder::Content(tools), "[KvTeleExe\r\nLastModel");
 
   Put("KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=K9000\r\n");
+  const auto pages = Put("mill.kta", PrintPagesFile({"Mill", "K220-22-R1"}));
+  Put("KvTele2.ini", "[KvTele2]\r\nRecentPages0=" + pages.string() + "\r\n");
   Run([&](QMainWindow& window) {
+    Find<QAction>(window, "HOST_RecentPages").menu()->actions().front()->trigger();
+    EXPECT_EQ(Text(window, "lblPages"), "mill.kta: project Mill, model K220-22-R1");
     EXPECT_EQ(Find<QComboBox>(window, "cboModel").placeholderText(), "K9000");
     Find<QComboBox>(window, "cboModel").textActivated("K330");
     EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), "K330");
@@ -242,6 +206,7 @@ TEST_F(MainWindowTest, EveryToolWindowOpensFromTheMenuAndItsTopicAtTheHelpKey) {
     bool isOpen = false;
     WhenOpen<QDialog>(window, [&](QDialog& dialog) {
       isOpen = QTest::qWaitForWindowActive(&dialog, kPatience);
+      ExpectControlsCanBeRead(dialog);
       if (!row.topic.empty()) QTest::keyClick(&dialog, Qt::Key_F1);
       dialog.close();
     });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QApplication>
 #include <QDialog>
 #include <QMainWindow>
@@ -36,15 +38,18 @@ inline QMainWindow* ShownMainWindow() {
 inline void RunProgram(const std::filesystem::path& home, const std::function<void(QMainWindow& window)>& user) {
   TelepanelProgram program(home);
   QTimer begin;
+  bool hasShown = false;
   QObject::connect(&begin, &QTimer::timeout, [&] {
     QMainWindow* window = ShownMainWindow();
     if (!window) return;  // a box may come before it
     begin.stop();
+    hasShown = true;
     user(*window);
     window->close();
   });
   begin.start(1);
   program.Run();
+  EXPECT_TRUE(hasShown) << "the program ended before anybody could use it";
 }
 
 }  // namespace kv::test
