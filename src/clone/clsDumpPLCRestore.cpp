@@ -23,8 +23,8 @@ Line NextHeadLine(CloneLineReader& lines) {
   auto line = lines.Next();
   if (!line) return std::unexpected(CloneOutcome::OfFile(line.error()));
   if (*line) return std::string(**line);
-  return std::unexpected(CloneOutcome::OfFile({lines.Name(), "line " + std::to_string(lines.LineNumber() + 1),
-                                               "expected four head lines: the file ends before"}));
+  const LineError cut{lines.LineNumber() + 1, "expected four head lines: the file ends before"};
+  return std::unexpected(CloneOutcome::OfFile(cut.In(lines.Name())));
 }
 
 // The first lines as the user is shown them.
@@ -138,10 +138,11 @@ clsDumpPLC::Step clsDumpPLC::CheckAllWasSent(const CloneLineReader& lines, bool 
     return std::unexpected(CloneOutcome::OfFile(
         {lines.Name(), "", "it was changed while it was sent: what was sent is part of both. Restore a whole file"}));
   }
-  return std::unexpected(CloneOutcome::OfFile(
-      {lines.Name(), "line " + std::to_string(lines.LineNumber() + (hasMore ? 0 : 1)),
-       "it was changed while it was sent: it had " + std::to_string(mReach.lines) +
-           " command lines before, and now has " + (hasMore ? "more" : std::to_string(mReach.written))}));
+  const LineError changed{lines.LineNumber() + (hasMore ? 0 : 1),
+                          "it was changed while it was sent: it had " + std::to_string(mReach.lines) +
+                              " command lines before, and now has " +
+                              (hasMore ? "more" : std::to_string(mReach.written))};
+  return std::unexpected(CloneOutcome::OfFile(changed.In(lines.Name())));
 }
 
 std::expected<std::int64_t, CloneOutcome> clsDumpPLC::ShowHead(const std::filesystem::path& file) {

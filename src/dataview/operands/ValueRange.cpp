@@ -1,6 +1,5 @@
 #include "dataview/operands/ValueRange.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "dataview/operands/NumberText.h"
@@ -37,10 +36,6 @@ bool IsValueInRange(OperandTypeCode type, std::string_view text) {
     default:
       return WholeValueInRange(type, text).has_value();
   }
-}
-
-bool AreValuesInRange(OperandTypeCode type, std::span<const std::string> texts) {
-  return std::ranges::all_of(texts, [type](const std::string& text) { return IsValueInRange(type, text); });
 }
 
 std::optional<std::int64_t> WholeValueInRange(OperandTypeCode type, std::string_view text) {

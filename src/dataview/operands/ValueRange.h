@@ -2,8 +2,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
-#include <string>
 #include <string_view>
 
 #include "dataview/operands/OperandTypes.h"
@@ -18,7 +16,6 @@ inline constexpr std::string_view kValueOutOfRangeMessage =
 // operand's width holds, a number that fits a single-precision float. A text for a timer always passes here, as does
 // any text for a read-only type, which is never written.
 [[nodiscard]] bool IsValueInRange(OperandTypeCode type, std::string_view text);
-[[nodiscard]] bool AreValuesInRange(OperandTypeCode type, std::span<const std::string> texts);
 
 // The whole number in `text` when it is in the range of the type; nothing otherwise, and nothing for floats, timers and
 // read-only types.
