@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto tag = static_cast<std::uint16_t>(data[0] << 8 | data[1]);
   const kv::OperandType* type = kv::FindOperandType(data[2]);
   if (type == nullptr) type = kv::FindOperandType(1);
-  const kv::OperandRange range{type, 0, static_cast<std::uint16_t>(data[3] % type->most + 1)};
+  const kv::OperandRange range{type, 0, static_cast<std::uint16_t>(data[3] % type->maxPerRequest + 1)};
   const std::size_t numbers = range.count * kv::NumbersOf(type->shape);
 
   if (const auto values = kv::ReadOperandValues(text, tag, range); values && values->size() != numbers) std::abort();

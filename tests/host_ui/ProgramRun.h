@@ -1,7 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QDialog>
 #include <QMainWindow>
@@ -34,8 +32,8 @@ inline QMainWindow* ShownMainWindow() {
 }
 
 // Runs the whole program in this process, in the program folder `home`: `user` is what the user does once the main
-// window is shown. Then the program is left.
-inline void RunProgram(const std::filesystem::path& home, const std::function<void(QMainWindow& window)>& user) {
+// window is shown. Then the program is left. False: it ended before anybody could use it.
+inline bool RunProgram(const std::filesystem::path& home, const std::function<void(QMainWindow& window)>& user) {
   TelepanelProgram program(home);
   QTimer begin;
   bool hasShown = false;
@@ -49,7 +47,7 @@ inline void RunProgram(const std::filesystem::path& home, const std::function<vo
   });
   begin.start(1);
   program.Run();
-  EXPECT_TRUE(hasShown) << "the program ended before anybody could use it";
+  return hasShown;
 }
 
 }  // namespace kv::test

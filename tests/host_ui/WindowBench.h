@@ -55,13 +55,14 @@ class WindowBench : public testing::Test {
 
   // A failure in the middle of what the user does still leaves the program.
   void Run(const std::function<void(QMainWindow& window)>& user) const {
-    RunProgram(home.Path(), [&user](QMainWindow& window) {
+    const bool wasShown = RunProgram(home.Path(), [&user](QMainWindow& window) {
       try {
         user(window);
       } catch (const std::exception& failure) {
         ADD_FAILURE() << failure.what();
       }
     });
+    EXPECT_TRUE(wasShown) << "the program ended before anybody could use it";
   }
 
   static void Trigger(QMainWindow& window, const char* id) { Find<QAction>(window, id).trigger(); }
