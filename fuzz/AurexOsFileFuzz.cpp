@@ -2,22 +2,15 @@
 // overlapping, and fill the file; a transfer can be made of them.
 
 #include <cstdint>
-#include <cstdlib>
-#include <iostream>
 #include <optional>
 #include <string>
 
 #include "download/AurexOsTransfer.h"
 #include "download/AurexPlaces.h"
 #include "fuzz/MendedCheck.h"
+#include "fuzz/Require.h"
 
 namespace {
-
-void Require(bool holds, const char* what) {
-  if (holds) return;
-  std::cerr << "broken: " << what << '\n';
-  std::abort();
-}
 
 void CheckTopics(const kv::AurexOsFile& os, std::size_t fileSize) {
   const kv::AurexPlaces* places = kv::PlacesOf(os.model);

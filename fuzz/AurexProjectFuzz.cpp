@@ -2,20 +2,13 @@
 // with the heads they are the file. The bytes are tried as they are and descrambled, so that a corpus can be read.
 
 #include <cstdint>
-#include <cstdlib>
-#include <iostream>
 #include <string>
 
 #include "download/AurexProjectFile.h"
 #include "download/DecodeFile.h"
+#include "fuzz/Require.h"
 
 namespace {
-
-void Require(bool holds, const char* what) {
-  if (holds) return;
-  std::cerr << "broken: " << what << '\n';
-  std::abort();
-}
 
 void Check(const std::string& bytes) {
   const auto project = kv::ParseAurexProject(bytes, "fuzz");

@@ -2,21 +2,14 @@
 // for a model that there is.
 
 #include <cstdint>
-#include <cstdlib>
-#include <iostream>
 #include <string>
 
 #include "download/CompactOsFile.h"
 #include "download/OsFileName.h"
 #include "fuzz/MendedCheck.h"
+#include "fuzz/Require.h"
 
 namespace {
-
-void Require(bool holds, const char* what) {
-  if (holds) return;
-  std::cerr << "broken: " << what << '\n';
-  std::abort();
-}
 
 void Check(const std::string& bytes) {
   const auto os = kv::ParseCompactOsFile(bytes, "fuzz");

@@ -2,21 +2,14 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <iostream>
 #include <string>
 
 #include "download/CompactProjectFile.h"
 #include "download/DecodeFile.h"
+#include "fuzz/Require.h"
 #include "link/AsciiFrame.h"
 
 namespace {
-
-void Require(bool holds, const char* what) {
-  if (holds) return;
-  std::cerr << "broken: " << what << '\n';
-  std::abort();
-}
 
 void Check(const std::string& bytes) {
   const auto project = kv::ParseCompactProject(bytes, "fuzz");

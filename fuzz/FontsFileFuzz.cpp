@@ -1,21 +1,14 @@
 // Any bytes as system fonts: what is taken is all of the file behind its header, and fits the controller.
 
 #include <cstdint>
-#include <cstdlib>
-#include <iostream>
 #include <string>
 
 #include "download/AurexPlaces.h"
 #include "download/FontsFile.h"
 #include "fuzz/MendedCheck.h"
+#include "fuzz/Require.h"
 
 namespace {
-
-void Require(bool holds, const char* what) {
-  if (holds) return;
-  std::cerr << "broken: " << what << '\n';
-  std::abort();
-}
 
 void Check(const std::string& bytes) {
   const auto fonts = kv::ParseFontsFile(bytes, "fuzz");
