@@ -19,12 +19,12 @@ std::optional<kv::Instant> Earlier(std::optional<kv::Instant> one, std::optional
 
 }  // namespace
 
-Line::Line(std::shared_ptr<ControllerDesk> desk)
-    : mDesk(std::move(desk)), mReader(mDesk->TheController().UnderstandsBlocks()) {}
+Line::Line(std::shared_ptr<RequestHandler> handler)
+    : mHandler(std::move(handler)), mReader(mHandler->TheController().UnderstandsBlocks()) {}
 
 bool Line::Connect(kv::Instant now) {
   if (mConnected) Disconnect(now);
-  mConnected = mDesk->TakesConnectionsAt(now);
+  mConnected = mHandler->TakesConnectionsAt(now);
   return mConnected;
 }
 
@@ -35,7 +35,7 @@ void Line::Disconnect(kv::Instant now) {
 
 void Line::Write(std::string_view bytes, kv::Instant now) {
   if (!mConnected) return;
-  mToController.Send(std::string(bytes), now, mDesk->LinePace());
+  mToController.Send(std::string(bytes), now, mHandler->LinePace());
   Run(now);
 }
 
@@ -73,13 +73,13 @@ void Line::HandleMessages(kv::Instant now) {
 }
 
 void Line::Handle(const FrameReader::Message& message, kv::Instant now) {
-  if (mCutAt || !mDesk->AnswersAt(now) || !IsForUs(message)) return;
-  const FaultPlan plan = mDesk->FaultRules().PlanFor(CommandOf(message));
+  if (mCutAt || !mHandler->AnswersAt(now) || !IsForUs(message)) return;
+  const FaultPlan plan = mHandler->FaultRules().PlanFor(CommandOf(message));
   if (!IsStopped(message, plan, now)) Answer(message, plan, now);
 }
 
 bool Line::IsForUs(const FrameReader::Message& message) const {
-  const std::uint8_t unit = mDesk->TheController().Unit();
+  const std::uint8_t unit = mHandler->TheController().Unit();
   if (const auto* frame = std::get_if<AsciiFrame>(&message.content)) {
     return frame->unit == unit && IsRequestSound(*frame);
   }
@@ -90,31 +90,31 @@ bool Line::IsForUs(const FrameReader::Message& message) const {
 bool Line::IsStopped(const FrameReader::Message& message, const FaultPlan& plan, kv::Instant now) {
   if (plan.requestDamage && message.position >= mAlreadyDamaged) {
     mAlreadyDamaged = message.position + message.bytes.size();
-    mReader.ReadAgain(message, mDesk->FaultRules().Damaged(message.bytes, *plan.requestDamage));
+    mReader.ReadAgain(message, mHandler->FaultRules().Damaged(message.bytes, *plan.requestDamage));
     return true;
   }
   if (plan.loss && plan.loss->isBeforeRequest) {
     Cut(plan, now);
     return true;
   }
-  if (plan.resets) mDesk->Restart(now);
+  if (plan.resets) mHandler->Restart(now);
   return plan.resets;
 }
 
 void Line::Answer(const FrameReader::Message& message, const FaultPlan& plan, kv::Instant now) {
   if (const auto* block = std::get_if<BlockMessage>(&message.content)) {
-    Send(mDesk->AnswerBlock(*block, mClient, plan, now), message.bytes, plan, now);
+    Send(mHandler->AnswerBlock(*block, mClient, plan, now), message.bytes, plan, now);
     return;
   }
-  ControllerDesk::Answer answer = mDesk->AnswerText(std::get<AsciiFrame>(message.content), mClient, plan, now);
+  RequestHandler::Answer answer = mHandler->AnswerText(std::get<AsciiFrame>(message.content), mClient, plan, now);
   Send(std::move(answer.bytes), message.bytes, plan, now);
-  if (answer.newBaud) mDesk->SetBaud(*answer.newBaud);
-  if (answer.resets) mDesk->BeginReset(std::max(now, mToClient.End()));
+  if (answer.newBaud) mHandler->SetBaud(*answer.newBaud);
+  if (answer.resets) mHandler->BeginReset(std::max(now, mToClient.End()));
 }
 
 void Line::Send(std::string reply, std::string_view request, const FaultPlan& plan, kv::Instant now) {
-  const Pace pace = mDesk->LinePace();
-  Faults& faults = mDesk->FaultRules();
+  const Pace pace = mHandler->LinePace();
+  Faults& faults = mHandler->FaultRules();
   if (plan.isEchoed) mToClient.Send(std::string(request), now, pace);
   if (plan.garbage) {
     const Pace noisePace{1'000'000, plan.garbage->bytesASecond};
@@ -134,7 +134,7 @@ void Line::Send(std::string reply, std::string_view request, const FaultPlan& pl
 
 void Line::Cut(const FaultPlan& plan, kv::Instant at) {
   mCutAt = at;
-  mDesk->StayAwayUntil(at + plan.loss->away);
+  mHandler->StayAwayUntil(at + plan.loss->away);
 }
 
 void Line::Drop() {

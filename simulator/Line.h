@@ -6,9 +6,9 @@
 #include <string_view>
 
 #include "base/InProcessLine.h"
-#include "simulator/ControllerDesk.h"
 #include "simulator/FrameReader.h"
 #include "simulator/LineTiming.h"
+#include "simulator/RequestHandler.h"
 
 namespace sim {
 
@@ -16,7 +16,7 @@ namespace sim {
 // unit id are answered, everything else is met with silence, and faults happen where the rules say so.
 class Line : public kv::InProcessLine {
  public:
-  explicit Line(std::shared_ptr<ControllerDesk> desk);
+  explicit Line(std::shared_ptr<RequestHandler> handler);
 
   [[nodiscard]] bool Connect(kv::Instant now) override;
   void Disconnect(kv::Instant now) override;
@@ -39,7 +39,7 @@ class Line : public kv::InProcessLine {
   void Cut(const FaultPlan& plan, kv::Instant at);
   void Drop();
 
-  std::shared_ptr<ControllerDesk> mDesk;
+  std::shared_ptr<RequestHandler> mHandler;
   FrameReader mReader;
   Wire mToController;
   Wire mToClient;

@@ -75,8 +75,10 @@ class Machine {
   void BeginLoad();  // stops the program, drops what was being loaded before
 
   // Takes the password of a request: on the right one the connection has access from now on.
-  [[nodiscard]] bool TakePassword(const std::string& padded, Connection& connection) const;
-  [[nodiscard]] bool MayAccess(const Connection& connection) const { return password.empty() || connection.hasAccess; }
+  [[nodiscard]] bool TakePassword(const std::string& padded, ConnectionState& connection) const;
+  [[nodiscard]] bool MayAccess(const ConnectionState& connection) const {
+    return password.empty() || connection.hasAccess;
+  }
 
   void Advance(kv::Instant now);
 

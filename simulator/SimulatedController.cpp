@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "simulator/ControllerDesk.h"
 #include "simulator/Faults.h"
 #include "simulator/Line.h"
+#include "simulator/RequestHandler.h"
 
 namespace sim {
 
@@ -19,31 +19,31 @@ std::expected<std::unique_ptr<SimulatedController>, std::string> SimulatedContro
     std::unique_ptr<Controller> controller, const SimulatorOptions& options) {
   auto faults = Faults::Create(options.faults, options.seed);
   if (!faults) return std::unexpected(faults.error());
-  auto desk = std::make_shared<ControllerDesk>(std::move(controller), *std::move(faults), options);
-  return std::unique_ptr<SimulatedController>(new SimulatedController(std::move(desk)));
+  auto handler = std::make_shared<RequestHandler>(std::move(controller), *std::move(faults), options);
+  return std::unique_ptr<SimulatedController>(new SimulatedController(std::move(handler)));
 }
 
-SimulatedController::SimulatedController(std::shared_ptr<ControllerDesk> desk) : mDesk(std::move(desk)) {}
+SimulatedController::SimulatedController(std::shared_ptr<RequestHandler> handler) : mHandler(std::move(handler)) {}
 
 SimulatedController::~SimulatedController() = default;
 
 std::unique_ptr<kv::InProcessLine> SimulatedController::NewLine() {
-  return std::make_unique<Line>(mDesk);
+  return std::make_unique<Line>(mHandler);
 }
 
 std::expected<void, std::string> SimulatedController::UseFaults(const std::vector<std::string>& rules) {
-  auto faults = Faults::Create(rules, mDesk->Seed());
+  auto faults = Faults::Create(rules, mHandler->Seed());
   if (!faults) return std::unexpected(faults.error());
-  mDesk->UseFaults(*std::move(faults));
+  mHandler->UseFaults(*std::move(faults));
   return {};
 }
 
 std::expected<void, std::string> SimulatedController::SaveState() {
-  return mDesk->TheController().SaveState();
+  return mHandler->TheController().SaveState();
 }
 
 std::uint64_t SimulatedController::Seed() const {
-  return mDesk->Seed();
+  return mHandler->Seed();
 }
 
 }  // namespace sim

@@ -12,7 +12,7 @@
 
 namespace sim {
 
-class ControllerDesk;
+class RequestHandler;
 
 // A simulated controller with its lines, ready to be connected to: what programs, the driver's simulated port and tests
 // use. Everything runs on the clock that the callers pass in and on one thread; clocks of the lines of one controller
@@ -44,9 +44,9 @@ class SimulatedController {
   [[nodiscard]] std::uint64_t Seed() const;
 
  private:
-  explicit SimulatedController(std::shared_ptr<ControllerDesk> desk);
+  explicit SimulatedController(std::shared_ptr<RequestHandler> handler);
 
-  std::shared_ptr<ControllerDesk> mDesk;  // shared with the lines
+  std::shared_ptr<RequestHandler> mHandler;  // shared with the lines
 };
 
 }  // namespace sim

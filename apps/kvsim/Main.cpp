@@ -5,9 +5,9 @@
 
 #include "apps/kvsim/Make.h"
 #include "apps/kvsim/Options.h"
-#include "apps/kvsim/PtyDoor.h"
+#include "apps/kvsim/PtyEndpoint.h"
 #include "apps/kvsim/Server.h"
-#include "apps/kvsim/TcpDoors.h"
+#include "apps/kvsim/TcpEndpoints.h"
 #include "desktop/console/ConsolePacer.h"
 #include "simulator/ModelTable.h"
 #include "simulator/SimulatedController.h"
@@ -30,7 +30,7 @@ int CodeOfRefusal(sim::SimulatorOptions options) {
   return sim::SimulatedController::Create(options) ? kFailed : kUsage;
 }
 
-std::expected<std::unique_ptr<Door>, std::string> OpenDoor(const Options& options) {
+std::expected<std::unique_ptr<Endpoint>, std::string> OpenEndpoint(const Options& options) {
   if (options.tcp) return ListenOn(options.bind, *options.tcp);
   if (options.dial) return DialTo(options.dial->host, options.dial->port);
   return ServeOnPty(options.pty);
@@ -54,15 +54,16 @@ int Serve(const Options& options) {
   }
   auto controller = sim::SimulatedController::Create(options.controller);
   if (!controller) return Complain(CodeOfRefusal(options.controller), controller.error());
-  auto door = OpenDoor(options);
-  if (!door) return Complain(kFailed, door.error());
+  auto endpoint = OpenEndpoint(options);
+  if (!endpoint) return Complain(kFailed, endpoint.error());
 
   kv::ConsolePacer pacer;
   std::cerr << "kvsim: simulated " << options.controller.model << ", unit " << int{options.controller.unit} << ", seed "
             << (*controller)->Seed() << '\n';
-  std::cout << (*door)->ReadyText() << std::endl;
+  std::cout << (*endpoint)->ReadyText() << std::endl;
   Server server(
-      std::move(*door), [&] { return MakeLine(**controller, options); }, pacer, [&] { (void)SaveState(**controller); });
+      std::move(*endpoint), [&] { return MakeLine(**controller, options); }, pacer,
+      [&] { (void)SaveState(**controller); });
   server.Run();
   return SaveState(**controller) ? kDone : kFailed;
 }

@@ -41,7 +41,7 @@ struct Server::Client {
 };
 
 struct Server::WaitSet {
-  std::vector<PollEntry> entries;  // the clients in their order, then the door
+  std::vector<PollEntry> entries;  // the clients in their order, then the endpoint
 
   void Add(Handle handle, bool writes) {
     PollEntry entry{};
@@ -51,8 +51,9 @@ struct Server::WaitSet {
   }
 };
 
-Server::Server(std::unique_ptr<Door> door, LineMaker makeLine, kv::Pacer& pacer, std::function<void()> onClientLeft)
-    : mDoor(std::move(door)),
+Server::Server(std::unique_ptr<Endpoint> endpoint, LineMaker makeLine, kv::Pacer& pacer,
+               std::function<void()> onClientLeft)
+    : mEndpoint(std::move(endpoint)),
       mMakeLine(std::move(makeLine)),
       mPacer(pacer),
       mOnClientLeft(std::move(onClientLeft)),
@@ -101,12 +102,12 @@ int Server::Wait() {
   auto& entries = mWaits->entries;
   entries.clear();
   for (const auto& client : mClients) mWaits->Add(client->stream->WaitHandle(), !client->outgoing.empty());
-  if (const auto door = mDoor->WaitHandle()) mWaits->Add(*door, false);
+  if (const auto endpoint = mEndpoint->WaitHandle()) mWaits->Add(*endpoint, false);
   return PollAll(entries, WaitLimit());
 }
 
 int Server::WaitLimit() const {
-  std::optional<kv::Instant> next = mDoor->NextEvent();
+  std::optional<kv::Instant> next = mEndpoint->NextEvent();
   for (const auto& client : mClients) {
     if (!client->outgoing.empty()) continue;  // first that has to go
     const auto event = client->line->NextEvent();
@@ -118,10 +119,10 @@ int Server::WaitLimit() const {
 }
 
 void Server::Admit(kv::Instant now) {
-  const auto door = mDoor->WaitHandle();
+  const auto endpoint = mEndpoint->WaitHandle();
   const auto& entries = mWaits->entries;
-  if (door && !entries.empty() && entries.back().fd == *door && entries.back().revents == 0) return;
-  while (auto stream = mDoor->Admit(now)) {
+  if (endpoint && !entries.empty() && entries.back().fd == *endpoint && entries.back().revents == 0) return;
+  while (auto stream = mEndpoint->Admit(now)) {
     auto client = std::make_unique<Client>();
     client->stream = std::move(stream);
     client->line = mMakeLine();
@@ -132,7 +133,7 @@ void Server::Admit(kv::Instant now) {
       mClients.push_back(std::move(client));
     } else {
       client->stream->Cut();
-      mDoor->Dismissed(now);
+      mEndpoint->Dismissed(now);
     }
   }
 }
@@ -183,7 +184,7 @@ void Server::LetGo(Client& client, kv::Instant now) {
 void Server::Forget(kv::Instant now) {
   const auto gone = [](const std::unique_ptr<Client>& client) { return client->isGone; };
   const auto count = std::erase_if(mClients, gone);
-  if (count > 0) mDoor->Dismissed(now);
+  if (count > 0) mEndpoint->Dismissed(now);
 }
 
 }  // namespace kvsim

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/kvsim/Door.h"
+#include "apps/kvsim/Endpoint.h"
 #include "base/InProcessLine.h"
 #include "desktop/Pacer.h"
 
@@ -19,7 +19,7 @@ class Server {
   using LineMaker = std::function<std::unique_ptr<kv::InProcessLine>()>;
 
   // `onClientLeft` is called after each client that has left. `pacer` must outlive the server.
-  Server(std::unique_ptr<Door> door, LineMaker makeLine, kv::Pacer& pacer, std::function<void()> onClientLeft);
+  Server(std::unique_ptr<Endpoint> endpoint, LineMaker makeLine, kv::Pacer& pacer, std::function<void()> onClientLeft);
   ~Server();
 
   void Run();
@@ -40,7 +40,7 @@ class Server {
   [[nodiscard]] int Wait();
   [[nodiscard]] int WaitLimit() const;
 
-  std::unique_ptr<Door> mDoor;
+  std::unique_ptr<Endpoint> mEndpoint;
   LineMaker mMakeLine;
   kv::Pacer& mPacer;
   std::function<void()> mOnClientLeft;

@@ -16,7 +16,7 @@
 #include "bench/exchange/Measure.h"
 #include "dataview/OnlineMode.h"
 #include "dataview/RegionEngine.h"
-#include "dataview/ViewDesk.h"
+#include "dataview/ViewContext.h"
 #include "desktop/MemoryClipboard.h"
 #include "desktop/PacerWallClock.h"
 #include "desktop/ScriptedPrompts.h"
@@ -81,13 +81,13 @@ class Bench {
     mDriver.UseSettings(settings, false);
     mChannel = mDriver.GetChannel();
     mShared.ComDriver = &mDriver;
-    mDesk.state.operands = OperandStore(kModel);
+    mContext.state.operands = OperandStore(kModel);
     std::vector<RegionRow> rows;
     for (std::int32_t i = 0; i < kRegions; ++i) {
       const std::int32_t from = i % kPlaces * kOperands;
       rows.push_back(NewRegionRow({.from = from, .to = from + kOperands - 1, .type = OperandTypeCode::MI}));
     }
-    mDesk.state.regions.Assign(std::move(rows));
+    mContext.state.regions.Assign(std::move(rows));
   }
 
   [[nodiscard]] pid_t Partner() const { return mKvsim.Process(); }
@@ -99,7 +99,7 @@ class Bench {
       if (--rest == 0) mOnline.Stop();
     };
     mOnline.Run(OnlineMode::With::Any);
-    return mDesk.status.passes == static_cast<std::uint64_t>(passes);
+    return mContext.status.passes == static_cast<std::uint64_t>(passes);
   }
   [[nodiscard]] bool Exchange(int times) {
     bool isGood = mChannel != nullptr;
@@ -121,9 +121,9 @@ class Bench {
   kv::PacerWallClock mClock;
   Nobody mNobody;
   kv::clsHexSelector mSelector{mNobody};
-  ViewDesk mDesk{{mShared, mPrompts, mPacer, mClipboard, mSelector, mClock}, mNobody};
-  RegionEngine mEngine{mDesk};
-  OnlineMode mOnline{mDesk, mEngine};
+  ViewContext mContext{{mShared, mPrompts, mPacer, mClipboard, mSelector, mClock}, mNobody};
+  RegionEngine mEngine{mContext};
+  OnlineMode mOnline{mContext, mEngine};
 };
 
 double Median(std::vector<double> values) {

@@ -3,10 +3,10 @@
 #include <utility>
 
 #include "base/ScopeGuard.h"
-#include "dataview/ChannelLease.h"
+#include "dataview/ChannelGuard.h"
 #include "dataview/GridEdits.h"
 #include "dataview/RegionEngine.h"
-#include "dataview/ViewDesk.h"
+#include "dataview/ViewContext.h"
 #include "dataview/WriteQuestion.h"
 #include "dataview/files/GridFile.h"
 #include "dataview/operands/OperandCatalogue.h"
@@ -35,10 +35,10 @@ std::int64_t CountIn(const std::vector<Region>& regions, Is is) {
   return found;
 }
 
-// Shows on the user's desk how far the work on another one is.
+// Shows on the user's context how far the work on another one is.
 class ProgressOn final : public GridListener {
  public:
-  explicit ProgressOn(ViewDesk& shown) : mShown(shown) {}
+  explicit ProgressOn(ViewContext& shown) : mShown(shown) {}
   void Follow(const ViewStatus& working) { mWorking = &working; }
 
   void GridsChanged(const GridChanges&) override {}
@@ -49,29 +49,29 @@ class ProgressOn final : public GridListener {
   }
 
  private:
-  ViewDesk& mShown;
+  ViewContext& mShown;
   const ViewStatus* mWorking = nullptr;
 };
 
 }  // namespace
 
 void AllValues::Read() {
-  const StopScope reading(mDesk.parts.pacer);
+  const StopScope reading(mContext.parts.pacer);
   if (!SaveTemporary()) return;
-  const ScopeGuard removed([&] { RemoveGrids(TemporaryGridFiles(mDesk.parts.shared.paths)); });
-  mDesk.SetMode(ViewMode::Busy);
-  const ScopeGuard idle([&] { mDesk.SetMode(ViewMode::Idle); });
-  const ChannelLease channel(mDesk);
+  const ScopeGuard removed([&] { RemoveGrids(TemporaryGridFiles(mContext.parts.shared.paths)); });
+  mContext.SetMode(ViewMode::Busy);
+  const ScopeGuard idle([&] { mContext.SetMode(ViewMode::Idle); });
+  const ChannelGuard channel(mContext);
   if (!channel) return;
   if (const auto regions = ReadableRegions(*channel)) ReadFrom(*channel, *regions);
 }
 
 // An older O/S has fewer operands: it is asked for those alone.
 std::optional<std::vector<Region>> AllValues::ReadableRegions(Channel& channel) {
-  const std::string& model = mDesk.Model();
+  const std::string& model = mContext.Model();
   const auto osVersion = OsVersionOf(channel, model);
   if (!osVersion) {
-    mDesk.SayLinkError(osVersion.error());
+    mContext.SayLinkError(osVersion.error());
     return std::nullopt;
   }
   std::vector<Region> regions;
@@ -84,16 +84,16 @@ std::optional<std::vector<Region>> AllValues::ReadableRegions(Channel& channel) 
 }
 
 void AllValues::ReadFrom(Channel& channel, const std::vector<Region>& regions) {
-  ProgressOn progress(mDesk);
-  ViewDesk aside(mDesk.parts, progress);
+  ProgressOn progress(mContext);
+  ViewContext aside(mContext.parts, progress);
   progress.Follow(aside.status);
-  aside.state.operands = OperandStore(mDesk.Model());
+  aside.state.operands = OperandStore(mContext.Model());
   std::vector<RegionRow> rows;
   for (const Region& region : regions) rows.push_back(NewRegionRow(region));
   aside.state.regions.Assign(std::move(rows));
 
   const PassOutcome outcome = RegionEngine(aside).ReadPass(channel);
-  if (outcome.IsWhole() && outcome.done > 0) mDesk.status.loss.reset();
+  if (outcome.IsWhole() && outcome.done > 0) mContext.status.loss.reset();
   if (outcome.done > 0) mRead = std::move(aside.state.operands);
   SayRead(outcome, regions.size());
 }
@@ -102,23 +102,23 @@ void AllValues::SayRead(const PassOutcome& outcome, std::size_t total) {
   const std::string show =
       " Your regions and values are as they were; Show All Read Values puts into the grid what was read.";
   const std::string part = std::to_string(outcome.done) + " of " + std::to_string(total) + " requests were answered";
-  if (outcome.IsWhole()) return mDesk.Say("All values read." + show);
+  if (outcome.IsWhole()) return mContext.Say("All values read." + show);
   const std::string what = outcome.done > 0 ? part + "." + show : "Nothing was read.";
-  if (outcome.isStopped) return mDesk.Say("Stopped. " + what);
-  mDesk.SayLinkError(*outcome.error, what);
+  if (outcome.isStopped) return mContext.Say("Stopped. " + what);
+  mContext.SayLinkError(*outcome.error, what);
 }
 
 void AllValues::Take() {
   if (!mRead) return;
   const std::size_t changed = mEdits.TakeRead(*mRead, "showing all read values");
-  mDesk.Say(std::to_string(changed) + " cells show what was read last.");
+  mContext.Say(std::to_string(changed) + " cells show what was read last.");
 }
 
 void AllValues::Write() {
   const std::vector<Region> regions = FilledRegions();
-  if (regions.empty()) return mDesk.Say("There are no values in the grid to write.");
+  if (regions.empty()) return mContext.Say("There are no values in the grid to write.");
   if (!mEngine.IsInRange(regions) || !IsWanted(regions) || !SaveTemporary()) return;
-  const ScopeGuard removed([&] { RemoveGrids(TemporaryGridFiles(mDesk.parts.shared.paths)); });
+  const ScopeGuard removed([&] { RemoveGrids(TemporaryGridFiles(mContext.parts.shared.paths)); });
   mEngine.Write(regions);
 }
 
@@ -126,29 +126,30 @@ bool AllValues::IsWanted(const std::vector<Region>& regions) {
   std::int64_t count = 0;
   for (const Region& region : regions) count += IsWritableType(region.type) ? region.Count() : 0;
   if (count == 0) return true;  // it is told that nothing can be written
-  MessageBox question = WriteQuestion(static_cast<std::size_t>(count), mDesk.CurrentLink());
-  question.title = mDesk.Caption();
+  MessageBox question = WriteQuestion(static_cast<std::size_t>(count), mContext.CurrentLink());
+  question.title = mContext.Caption();
   const std::int64_t edited = CountIn(regions, [&](OperandTypeCode type, std::int32_t address) {
-    return mDesk.state.operands.Origin(type, address) == CellOrigin::Edited;
+    return mContext.state.operands.Origin(type, address) == CellOrigin::Edited;
   });
   if (edited < count) {
     question.text += "\n\n" + std::to_string(edited) + " of them " + (edited == 1 ? "was" : "were") +
                      " changed here; " + std::to_string(count - edited) + " stand as they were read or written last.";
   }
-  const std::int64_t old = CountIn(
-      regions, [&](OperandTypeCode type, std::int32_t address) { return mDesk.state.operands.IsOld(type, address); });
+  const std::int64_t old = CountIn(regions, [&](OperandTypeCode type, std::int32_t address) {
+    return mContext.state.operands.IsOld(type, address);
+  });
   if (old > 0) {
     question.text += "\n\n" + std::to_string(old) +
                      " of them are pale: they were read in an earlier session, or before the controller was out of "
                      "reach, and may not be what it holds now.";
   }
-  if (mDesk.parts.prompts.Show(question) == PromptAnswer::Yes) return true;
-  mDesk.Say("Nothing was written.");
+  if (mContext.parts.prompts.Show(question) == PromptAnswer::Yes) return true;
+  mContext.Say("Nothing was written.");
   return false;
 }
 
 std::vector<Region> AllValues::FilledRegions() const {
-  const OperandStore& store = mDesk.state.operands;
+  const OperandStore& store = mContext.state.operands;
   std::vector<Region> regions;
   for (std::int32_t code = 1; code <= kOperandTypeCount; ++code) {
     const auto type = static_cast<OperandTypeCode>(code);
@@ -164,12 +165,12 @@ std::vector<Region> AllValues::FilledRegions() const {
 }
 
 bool AllValues::SaveTemporary() {
-  const SharedState& shared = mDesk.parts.shared;
-  const auto saved = SaveTemporaryGrids(shared.paths, mDesk.state, shared.CurrentSession);
+  const SharedState& shared = mContext.parts.shared;
+  const auto saved = SaveTemporaryGrids(shared.paths, mContext.state, shared.CurrentSession);
   if (saved) return true;
-  mDesk.SayError("Nothing was read or written, because the grids could not be kept safe before it: " +
-                 saved.error().Text() + ". Make room on the disk, or see to the rights of the program's folder.");
-  mDesk.ShowBox(mDesk.status.message);
+  mContext.SayError("Nothing was read or written, because the grids could not be kept safe before it: " +
+                    saved.error().Text() + ". Make room on the disk, or see to the rights of the program's folder.");
+  mContext.ShowBox(mContext.status.message);
   return false;
 }
 

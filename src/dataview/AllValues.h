@@ -12,13 +12,14 @@ namespace kv::mdlDataTypesView {
 class GridEdits;
 struct PassOutcome;
 class RegionEngine;
-class ViewDesk;
+class ViewContext;
 
 // Reads and writes all operands, whatever regions the user has defined. The user's grids take no part in it; copies of
 // them lie in the temporary files meanwhile, so that nothing is lost when the program is ended in the middle.
 class AllValues {
  public:
-  AllValues(ViewDesk& desk, RegionEngine& engine, GridEdits& edits) : mDesk(desk), mEngine(engine), mEdits(edits) {}
+  AllValues(ViewContext& context, RegionEngine& engine, GridEdits& edits)
+      : mContext(context), mEngine(engine), mEdits(edits) {}
 
   // Reads every operand that the controller has and keeps the values aside. What was read before an error or a stop is
   // kept too.
@@ -39,7 +40,7 @@ class AllValues {
   [[nodiscard]] std::vector<Region> FilledRegions() const;
   [[nodiscard]] bool IsWanted(const std::vector<Region>& regions);
 
-  ViewDesk& mDesk;
+  ViewContext& mContext;
   RegionEngine& mEngine;
   GridEdits& mEdits;
   std::optional<OperandStore> mRead;

@@ -22,19 +22,19 @@ constexpr std::array kAgeUnits = {AgeUnit{24h, " d"}, AgeUnit{1h, " h"}, AgeUnit
 
 }  // namespace
 
-DataTypesView::DataTypesView(DataTypesViewParts parts, GridListener& listener) : mDesk(parts, listener) {}
+DataTypesView::DataTypesView(DataTypesViewParts parts, GridListener& listener) : mContext(parts, listener) {}
 
 void DataTypesView::Open() {
-  const SharedState& shared = mDesk.parts.shared;
+  const SharedState& shared = mContext.parts.shared;
   const std::string model = shared.Remote != nullptr ? shared.Remote->Model() : std::string();
   const bool isRecovered = RecoverInterruptedGrids(shared.paths, shared.CurrentSession);
   LoadedGrids loaded = LoadGrids(SessionGridFiles(shared.paths, shared.CurrentSession), model);
-  mDesk.state = std::move(loaded.state);
-  mDesk.status.link = mDesk.CurrentLink();
-  mDesk.history.Clear();
+  mContext.state = std::move(loaded.state);
+  mContext.status.link = mContext.CurrentLink();
+  mContext.history.Clear();
   mAll.Forget();
-  mDesk.changes.operandsReplaced = true;
-  mDesk.RowsReplaced();
+  mContext.changes.operandsReplaced = true;
+  mContext.RowsReplaced();
   SayLoaded(isRecovered, loaded.notes);
   mIsOpen = true;
   Tell(true);
@@ -45,14 +45,14 @@ void DataTypesView::SayLoaded(bool isRecovered, const std::vector<std::string>& 
   if (isRecovered)
     text = "The program ended during a read or write of all values; the grids are as they were before it.";
   for (const std::string& note : notes) text += (text.empty() ? "" : " ") + note;
-  if (notes.empty()) return mDesk.Say(text);
-  mDesk.SayError(text);
+  if (notes.empty()) return mContext.Say(text);
+  mContext.SayError(text);
 }
 
 bool DataTypesView::Close() {
   if (!mIsOpen) return true;
   if (IsBusy()) {
-    mDesk.parts.pacer.RequestStop();
+    mContext.parts.pacer.RequestStop();
     return false;
   }
   mOnline.Stop();
@@ -63,19 +63,19 @@ bool DataTypesView::Close() {
 }
 
 bool DataTypesView::SaveState() {
-  const SharedState& shared = mDesk.parts.shared;
-  const auto saved = SaveSessionGrids(shared.paths, mDesk.state, shared.CurrentSession);
+  const SharedState& shared = mContext.parts.shared;
+  const auto saved = SaveSessionGrids(shared.paths, mContext.state, shared.CurrentSession);
   if (saved) return true;
-  mDesk.SayError("The grids could not be saved. " + saved.error().Text() + ".");
-  return mDesk.AskYesNo(mDesk.status.message + "\r\n\r\nClose the view all the same, and lose what was changed in it?",
-                        true);
+  mContext.SayError("The grids could not be saved. " + saved.error().Text() + ".");
+  return mContext.AskYesNo(
+      mContext.status.message + "\r\n\r\nClose the view all the same, and lose what was changed in it?", true);
 }
 
 void DataTypesView::Select(const GridSelection& operands) {
   mSelection = operands;
   const GridSelection at = operands.Normalised();
-  mDesk.state.settings.currentRow = at.top;
-  mDesk.state.settings.currentColumn = at.left;
+  mContext.state.settings.currentRow = at.top;
+  mContext.state.settings.currentColumn = at.left;
 }
 
 void DataTypesView::SelectRegions(std::vector<std::size_t> rows) {
@@ -87,7 +87,7 @@ void DataTypesView::SelectRegions(std::vector<std::size_t> rows) {
 std::string DataTypesView::EditFault(OperandTypeCode type, std::int32_t address, std::string_view text) const {
   if (!mIsOpen) return "The view is closed.";
   if (IsBusy()) return "A read or write is running: wait for its end, or cancel it.";
-  if (mDesk.IsReadOnline(type, address)) {
+  if (mContext.IsReadOnline(type, address)) {
     return "This operand is being watched, which would take the place of what you enter: press Watch to end that "
            "first.";
   }
@@ -98,9 +98,9 @@ bool DataTypesView::Edit(OperandTypeCode type, std::int32_t address, std::string
   std::string fault = EditFault(type, address, text);
   if (fault.empty()) {
     mEdits.Enter(type, address, text);
-    mDesk.NoteSuccess();
+    mContext.NoteSuccess();
   } else {
-    mDesk.SayError(fault);
+    mContext.SayError(fault);
   }
   return Tell(fault.empty());
 }
@@ -124,13 +124,13 @@ void DataTypesView::SetHidden(const HiddenRows& hidden) {
 }
 
 void DataTypesView::SetLayout(std::vector<std::int32_t> regionColumnWidths, std::int32_t operandColumnWidth) {
-  mDesk.state.settings.regionColumnWidths = std::move(regionColumnWidths);
-  mDesk.state.settings.operandColumnWidth = operandColumnWidth;
+  mContext.state.settings.regionColumnWidths = std::move(regionColumnWidths);
+  mContext.state.settings.operandColumnWidth = operandColumnWidth;
 }
 
 bool DataTypesView::Tell(bool result) {
-  mDesk.TellChanges();
-  mDesk.TellStatus();
+  mContext.TellChanges();
+  mContext.TellStatus();
   return result;
 }
 
@@ -139,7 +139,7 @@ bool DataTypesView::Tell(bool result) {
 void DataTypesView::ToggleOnline() {
   if (!IsOnline()) return mOnline.Run(OnlineMode::With::Any);
   mOnline.Stop();
-  mDesk.Say("Watching ends with the pass that runs.");
+  mContext.Say("Watching ends with the pass that runs.");
 }
 
 void DataTypesView::WatchAgain(bool isByItself) {
@@ -149,33 +149,33 @@ void DataTypesView::WatchAgain(bool isByItself) {
 }
 
 bool DataTypesView::IsOtherController() const {
-  const auto& loss = mDesk.status.loss;
+  const auto& loss = mContext.status.loss;
   return loss && loss->error.code == LinkErrorCode::OtherController;
 }
 
 bool DataTypesView::CanTakeOther() const {
-  const CommDriver* driver = mDesk.parts.shared.ComDriver;
+  const CommDriver* driver = mContext.parts.shared.ComDriver;
   return IsOtherController() && driver != nullptr && !driver->TiedSerialNumber();
 }
 
 void DataTypesView::TakeOtherController() {
   if (!CanTakeOther() || IsOnline() || IsBusy()) return;
-  if (CommDriver* driver = mDesk.parts.shared.ComDriver) driver->CloseDriver();
-  const bool wasWatching = mDesk.status.loss->wasWatching;
-  mDesk.status.loss.reset();
-  mDesk.NoteSuccess();
-  mDesk.Say("The link was closed: the next command connects to the controller that answers now.");
+  if (CommDriver* driver = mContext.parts.shared.ComDriver) driver->CloseDriver();
+  const bool wasWatching = mContext.status.loss->wasWatching;
+  mContext.status.loss.reset();
+  mContext.NoteSuccess();
+  mContext.Say("The link was closed: the next command connects to the controller that answers now.");
   if (wasWatching) WatchAgain(false);
   Tell(true);
 }
 
 void DataTypesView::Refuse(std::string why) {
-  mDesk.Say(std::move(why));
+  mContext.Say(std::move(why));
   Tell(false);
 }
 
 void DataTypesView::WriteRegions() {
-  const std::vector<Region> regions = mDesk.state.regions.Regions();
+  const std::vector<Region> regions = mContext.state.regions.Regions();
   if (mEngine.IsInRange(regions)) mEngine.Write(regions);
 }
 
@@ -187,22 +187,22 @@ void DataTypesView::RemoveRegion() {
 // ---- whose operands these are ----
 
 std::string DataTypesView::ControllerText() const {
-  const std::string& link = mDesk.status.link;
-  return mDesk.Model() + (link.empty() ? "" : " on " + link);
+  const std::string& link = mContext.status.link;
+  return mContext.Model() + (link.empty() ? "" : " on " + link);
 }
 
 std::string DataTypesView::OtherModel() const {
-  const RemoteHost* host = mDesk.parts.shared.Remote;
-  if (host == nullptr || host->Model() == mDesk.Model()) return {};
-  return "The model is now " + host->Model() + ", but these grids are those of " + mDesk.Model() +
+  const RemoteHost* host = mContext.parts.shared.Remote;
+  if (host == nullptr || host->Model() == mContext.Model()) return {};
+  return "The model is now " + host->Model() + ", but these grids are those of " + mContext.Model() +
          ": close the view and open it again.";
 }
 
 std::string DataTypesView::HostDifference() const {
   if (std::string other = OtherModel(); !other.empty()) return other;
-  const std::string link = mDesk.CurrentLink();
-  if (link == mDesk.status.link) return {};
-  return "The link is now " + link + ", but these values are those of " + mDesk.status.link +
+  const std::string link = mContext.CurrentLink();
+  if (link == mContext.status.link) return {};
+  return "The link is now " + link + ", but these values are those of " + mContext.status.link +
          ": read them again, or set the link back.";
 }
 
@@ -211,7 +211,7 @@ std::string DataTypesView::HostDifference() const {
 std::string DataTypesView::AgeText(std::size_t row) const {
   const auto rows = Regions().Rows();
   if (row >= rows.size() || !rows[row].readAt) return {};
-  const Duration age = mDesk.Now() - *rows[row].readAt;
+  const Duration age = mContext.Now() - *rows[row].readAt;
   const auto unit = std::ranges::find_if(kAgeUnits, [age](const AgeUnit& u) { return age >= u.length; });
   if (unit == kAgeUnits.end()) return "0 s";
   return std::to_string(age / unit->length) + std::string(unit->name);
@@ -233,7 +233,7 @@ double DataTypesView::RegionMark(std::size_t row) const {
 
 double DataTypesView::MarkOf(Instant changedAt) const {
   if (!IsOnline() || changedAt == Instant::min()) return 0.0;
-  const std::chrono::duration<double> age = mDesk.Now() - changedAt;
+  const std::chrono::duration<double> age = mContext.Now() - changedAt;
   return std::clamp(1.0 - age / std::chrono::duration<double>(kMarkFades), 0.0, 1.0);
 }
 

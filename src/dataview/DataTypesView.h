@@ -14,7 +14,7 @@
 #include "dataview/GridTransfers.h"
 #include "dataview/OnlineMode.h"
 #include "dataview/RegionEngine.h"
-#include "dataview/ViewDesk.h"
+#include "dataview/ViewContext.h"
 #include "dataview/ViewParts.h"
 
 namespace kv::mdlDataTypesView {
@@ -40,11 +40,11 @@ class DataTypesView {
   // asked to stop.
   bool Close();
 
-  [[nodiscard]] std::string Caption() const { return mDesk.Caption(); }  // "Data Types - Default"
-  [[nodiscard]] const OperandStore& Operands() const { return mDesk.state.operands; }
-  [[nodiscard]] const RegionTable& Regions() const { return mDesk.state.regions; }
-  [[nodiscard]] const GridSettings& Settings() const { return mDesk.state.settings; }
-  [[nodiscard]] const ViewStatus& Status() const { return mDesk.status; }
+  [[nodiscard]] std::string Caption() const { return mContext.Caption(); }  // "Data Types - Default"
+  [[nodiscard]] const OperandStore& Operands() const { return mContext.state.operands; }
+  [[nodiscard]] const RegionTable& Regions() const { return mContext.state.regions; }
+  [[nodiscard]] const GridSettings& Settings() const { return mContext.state.settings; }
+  [[nodiscard]] const ViewStatus& Status() const { return mContext.status; }
 
   // Where the commands work; the window tells it as the user moves.
   void Select(const GridSelection& operands);
@@ -90,8 +90,8 @@ class DataTypesView {
   void Refuse(std::string why);
 
   // What "ID_Undo" and "ID_Redo" would take back or do again: "Undo typing MI 5"; empty when there is nothing.
-  [[nodiscard]] std::string UndoText() const { return mDesk.history.UndoText(); }
-  [[nodiscard]] std::string RedoText() const { return mDesk.history.RedoText(); }
+  [[nodiscard]] std::string UndoText() const { return mContext.history.UndoText(); }
+  [[nodiscard]] std::string RedoText() const { return mContext.history.RedoText(); }
 
   // How long ago the row's values were read ("12 s"); empty when they never were.
   [[nodiscard]] std::string AgeText(std::size_t row) const;
@@ -129,8 +129,8 @@ class DataTypesView {
   void Undo() { mEdits.Undo(); }
   void Redo() { mEdits.Redo(); }
 
-  [[nodiscard]] bool IsBusy() const { return mDesk.status.mode == ViewMode::Busy; }
-  [[nodiscard]] bool IsOnline() const { return mDesk.status.mode == ViewMode::Online; }
+  [[nodiscard]] bool IsBusy() const { return mContext.status.mode == ViewMode::Busy; }
+  [[nodiscard]] bool IsOnline() const { return mContext.status.mode == ViewMode::Online; }
   [[nodiscard]] std::string OtherModel() const;
   [[nodiscard]] double MarkOf(Instant changedAt) const;
   void SayLoaded(bool isRecovered, const std::vector<std::string>& notes);
@@ -138,12 +138,12 @@ class DataTypesView {
   // Tells the listener what has changed, and hands the result on.
   bool Tell(bool result);
 
-  ViewDesk mDesk;
-  RegionEngine mEngine{mDesk};
-  OnlineMode mOnline{mDesk, mEngine};
-  GridEdits mEdits{mDesk};
-  AllValues mAll{mDesk, mEngine, mEdits};
-  GridTransfers mTransfers{mDesk, mEdits};
+  ViewContext mContext;
+  RegionEngine mEngine{mContext};
+  OnlineMode mOnline{mContext, mEngine};
+  GridEdits mEdits{mContext};
+  AllValues mAll{mContext, mEngine, mEdits};
+  GridTransfers mTransfers{mContext, mEdits};
   GridSelection mSelection;
   std::vector<std::size_t> mSelectedRegions;
   bool mIsOpen = false;

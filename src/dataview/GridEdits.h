@@ -12,12 +12,12 @@
 
 namespace kv::mdlDataTypesView {
 
-class ViewDesk;
+class ViewContext;
 
 // What the user changes in the two grids, each change one step that can be taken back.
 class GridEdits {
  public:
-  explicit GridEdits(ViewDesk& desk) : mDesk(desk) {}
+  explicit GridEdits(ViewContext& context) : mContext(context) {}
 
   // Why the text cannot be entered, with the range that is legal; empty when it can.
   [[nodiscard]] std::string EntryFault(OperandTypeCode type, std::int32_t address, std::string_view text) const;
@@ -55,7 +55,7 @@ class GridEdits {
   void SpliceRows(const RowsChange& change, bool isBack);
   void Apply(const UndoStep& step, bool isBack);
 
-  ViewDesk& mDesk;
+  ViewContext& mContext;
 };
 
 }  // namespace kv::mdlDataTypesView

@@ -7,7 +7,7 @@
 #include "base/DateText.h"
 #include "base/PathText.h"
 #include "dataview/GridEdits.h"
-#include "dataview/ViewDesk.h"
+#include "dataview/ViewContext.h"
 #include "dataview/files/ClipboardTable.h"
 #include "dataview/files/Csv.h"
 #include "dataview/files/RegionFile.h"
@@ -46,23 +46,24 @@ std::optional<std::filesystem::path> PathOf(const std::optional<std::string>& ch
 void GridTransfers::SaveRegions() {
   const auto file = AskSave("Save Regions", FileKind::kRegions);
   if (!file) return;
-  const auto saved = SaveRegionFile(*file, mDesk.state.regions.Rows(), mDesk.Model());
+  const auto saved = SaveRegionFile(*file, mContext.state.regions.Rows(), mContext.Model());
   if (!saved) {
     const std::string text = "The regions could not be saved. " + saved.error().Text() + ".";
     return Refuse(text, text);
   }
-  mDesk.Say("Regions saved in " + NameOf(*file) + "." +
-            (*saved ? " Some characters of the descriptions cannot stand in such a file; \"?\" stands for them." : ""));
+  mContext.Say(
+      "Regions saved in " + NameOf(*file) + "." +
+      (*saved ? " Some characters of the descriptions cannot stand in such a file; \"?\" stands for them." : ""));
 }
 
 void GridTransfers::LoadRegions() {
-  if (!mDesk.AskYesNo(kValuesWillBeDeletedQuestion)) return;
+  if (!mContext.AskYesNo(kValuesWillBeDeletedQuestion)) return;
   const auto file = AskOpen("Load Regions", FileKind::kRegions);
   if (!file) return;
-  auto rows = LoadRegionFile(*file, mDesk.Model());
+  auto rows = LoadRegionFile(*file, mContext.Model());
   if (rows) {
     mEdits.ReplaceRegions(*std::move(rows), GridEdits::Values::Removed, "loading regions");
-    return mDesk.Say("Regions loaded from " + NameOf(*file) + ".");
+    return mContext.Say("Regions loaded from " + NameOf(*file) + ".");
   }
   if (rows.error().kind == RegionFileFault::Kind::InvalidRegions) {
     mEdits.ReplaceRegions({}, GridEdits::Values::Kept, "loading regions");
@@ -74,46 +75,46 @@ void GridTransfers::LoadRegions() {
 
 void GridTransfers::ExportSheet() {
   const auto file = AskSave("Export All values to Excel", FileKind::kSheet);
-  if (file) FinishExport(ExportSpreadsheet(mDesk.parts.shared.paths, *file, mDesk.state.operands), *file);
+  if (file) FinishExport(ExportSpreadsheet(mContext.parts.shared.paths, *file, mContext.state.operands), *file);
 }
 
 void GridTransfers::ImportSheet() {
   const auto file = AskOpen("Import All values from Excel", FileKind::kSheet);
-  if (file) FinishImport(ImportSpreadsheet(*file, mDesk.state.operands));
+  if (file) FinishImport(ImportSpreadsheet(*file, mContext.state.operands));
 }
 
 void GridTransfers::ExportToCsv() {
   const auto separator = AskSeparator();
   if (!separator) return;
   const auto file = AskSave("Export to CSV", FileKind::kCsv);
-  if (file) FinishExport(ExportCsv(*file, mDesk.state.operands, *separator), *file);
+  if (file) FinishExport(ExportCsv(*file, mContext.state.operands, *separator), *file);
 }
 
 void GridTransfers::ImportFromCsv() {
   const auto separator = AskSeparator();
   if (!separator) return;
   const auto file = AskOpen("Import from CSV", FileKind::kCsv);
-  if (file) FinishImport(ImportCsv(*file, mDesk.state.operands, *separator));
+  if (file) FinishImport(ImportCsv(*file, mContext.state.operands, *separator));
 }
 
 void GridTransfers::FinishExport(const std::expected<void, TransferFault>& exported,
                                  const std::filesystem::path& file) {
   if (!exported) return Refuse(exported.error().message, exported.error().reason);
-  mDesk.Say("All values exported to " + NameOf(file) + ".");
+  mContext.Say("All values exported to " + NameOf(file) + ".");
 }
 
 void GridTransfers::FinishImport(const Imported& imported) {
   if (!imported) return Refuse(imported.error().message, imported.error().reason);
   if (mEdits.Assign(imported->cells, "importing") && !imported->note.empty()) {
-    mDesk.Say(mDesk.status.message + " " + imported->note);
+    mContext.Say(mContext.status.message + " " + imported->note);
   }
 }
 
 // ---- the clipboard ----
 
 void GridTransfers::Copy(const GridSelection& selection) {
-  mDesk.parts.clipboard.SetText(CopyText(mDesk.state.operands, selection));
-  mDesk.Say("Copied.");
+  mContext.parts.clipboard.SetText(CopyText(mContext.state.operands, selection));
+  mContext.Say("Copied.");
 }
 
 void GridTransfers::Cut(const GridSelection& selection) {
@@ -125,9 +126,9 @@ void GridTransfers::Clear(const GridSelection& selection, const std::string& tit
   const GridSelection cells = selection.Normalised();
   std::vector<CellAssignment> emptied;
   for (std::int32_t row = std::max(cells.top, 1); row <= std::min(cells.bottom, kOperandTypeCount); ++row) {
-    if (mDesk.state.settings.hidden.IsHidden(row)) continue;
+    if (mContext.state.settings.hidden.IsHidden(row)) continue;
     const OperandTypeCode type = TypeOfRow(row);
-    const std::int32_t end = std::min(cells.right, mDesk.state.operands.CountOf(type));
+    const std::int32_t end = std::min(cells.right, mContext.state.operands.CountOf(type));
     for (std::int32_t column = std::max(cells.left, 1); column <= end; ++column) {
       emptied.push_back({.type = type, .address = column - 1, .text = {}});
     }
@@ -136,32 +137,32 @@ void GridTransfers::Clear(const GridSelection& selection, const std::string& tit
 }
 
 void GridTransfers::Paste(const GridSelection& selection) {
-  if (!mDesk.parts.clipboard.HasText()) return Refuse(kClipboardNoTextMessage, std::string(kClipboardNoTextMessage));
-  const auto table = ParseClipboard(mDesk.parts.clipboard.GetText());
+  if (!mContext.parts.clipboard.HasText()) return Refuse(kClipboardNoTextMessage, std::string(kClipboardNoTextMessage));
+  const auto table = ParseClipboard(mContext.parts.clipboard.GetText());
   if (!table) return Refuse(table.error());
-  const auto cells = PlacePaste(*table, selection, mDesk.state.settings.hidden, mDesk.state.operands);
+  const auto cells = PlacePaste(*table, selection, mContext.state.settings.hidden, mContext.state.operands);
   if (!cells) return Refuse(cells.error());
   if (mEdits.Assign(*cells, "pasting") && table->hasRest) {
-    mDesk.Say(mDesk.status.message + " What followed the last line end was left out.");
+    mContext.Say(mContext.status.message + " What followed the last line end was left out.");
   }
 }
 
 // ---- asking and telling ----
 
 std::optional<std::filesystem::path> GridTransfers::AskSave(const std::string& title, const FileKind& kind) {
-  return PathOf(mDesk.parts.prompts.SaveFile(
+  return PathOf(mContext.parts.prompts.SaveFile(
       {.title = title, .filter = kind.filter, .purpose = kind.purpose, .initial = SuggestedName(kind)}));
 }
 
 std::optional<std::filesystem::path> GridTransfers::AskOpen(const std::string& title, const FileKind& kind) {
-  return PathOf(mDesk.parts.prompts.OpenFile({.title = title, .filter = kind.filter, .purpose = kind.purpose}));
+  return PathOf(mContext.parts.prompts.OpenFile({.title = title, .filter = kind.filter, .purpose = kind.purpose}));
 }
 
 // Says whose values they are, and of which day: "Default-K220-22-R1-2026-11-21.csv".
 std::string GridTransfers::SuggestedName(const FileKind& kind) const {
   if (kind.extension == nullptr) return {};
-  std::string name = mDesk.parts.shared.CurrentSession + "-";
-  for (const char each : mDesk.Model()) {
+  std::string name = mContext.parts.shared.CurrentSession + "-";
+  for (const char each : mContext.Model()) {
     const bool isPlain = (each >= '0' && each <= '9') || (each >= 'A' && each <= 'Z') || (each >= 'a' && each <= 'z');
     if (isPlain) {
       name += each;
@@ -169,11 +170,11 @@ std::string GridTransfers::SuggestedName(const FileKind& kind) const {
       name += '-';
     }
   }
-  return name + "-" + DateText(mDesk.parts.clock.LocalTime()) + kind.extension;
+  return name + "-" + DateText(mContext.parts.clock.LocalTime()) + kind.extension;
 }
 
 std::optional<char> GridTransfers::AskSeparator() {
-  const auto code = mDesk.parts.hexSelector.SelectChar();
+  const auto code = mContext.parts.hexSelector.SelectChar();
   if (!code) return std::nullopt;
   const char separator = static_cast<char>(*code);
   const std::string why = WhyNoSeparator(separator);
@@ -184,11 +185,11 @@ std::optional<char> GridTransfers::AskSeparator() {
 
 void GridTransfers::Refuse(std::string_view message, const std::string& reason, PromptIcon icon) {
   if (reason.empty() || reason == message) {
-    mDesk.SayError(std::string(message));
+    mContext.SayError(std::string(message));
   } else {
-    mDesk.SayRefusal(reason);
+    mContext.SayRefusal(reason);
   }
-  mDesk.ShowBox(message, icon);
+  mContext.ShowBox(message, icon);
 }
 
 void GridTransfers::Refuse(const PasteFault& fault) {

@@ -13,14 +13,14 @@
 namespace kv::mdlDataTypesView {
 
 class GridEdits;
-class ViewDesk;
+class ViewContext;
 struct PasteFault;
 
 // What goes from the grids into files and the clipboard, and back. A dialog that is cancelled ends the command without
 // a word.
 class GridTransfers {
  public:
-  GridTransfers(ViewDesk& desk, GridEdits& edits) : mDesk(desk), mEdits(edits) {}
+  GridTransfers(ViewContext& context, GridEdits& edits) : mContext(context), mEdits(edits) {}
 
   void SaveRegions();
   void LoadRegions();
@@ -49,7 +49,7 @@ class GridTransfers {
   void Refuse(std::string_view message, const std::string& reason, PromptIcon icon = PromptIcon::Exclamation);
   void Refuse(const PasteFault& fault);
 
-  ViewDesk& mDesk;
+  ViewContext& mContext;
   GridEdits& mEdits;
 };
 

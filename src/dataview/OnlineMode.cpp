@@ -4,9 +4,9 @@
 #include <chrono>
 
 #include "base/ScopeGuard.h"
-#include "dataview/ChannelLease.h"
+#include "dataview/ChannelGuard.h"
 #include "dataview/RegionEngine.h"
-#include "dataview/ViewDesk.h"
+#include "dataview/ViewContext.h"
 #include "desktop/StopScope.h"
 #include "link/ReconnectPauses.h"
 
@@ -35,28 +35,28 @@ LinkError AnotherController(std::uint32_t serialNumber, std::uint32_t watched) {
 }  // namespace
 
 void OnlineMode::Run(With with) {
-  const StopScope watching(mDesk.parts.pacer);
-  mDesk.SetMode(ViewMode::Busy);
+  const StopScope watching(mContext.parts.pacer);
+  mContext.SetMode(ViewMode::Busy);
   const ScopeGuard idle([&] {
     NoteEnd();
-    mDesk.status.passesPerSecond = 0.0;
-    mDesk.SetMode(ViewMode::Idle);
+    mContext.status.passesPerSecond = 0.0;
+    mContext.SetMode(ViewMode::Idle);
   });
   Watch(with);
 }
 
 void OnlineMode::Watch(With with) {
-  const ChannelLease channel(mDesk);
-  if (!channel || !mEngine.IsSupported(*channel, mDesk.state.regions.Regions())) return;
+  const ChannelGuard channel(mContext);
+  if (!channel || !mEngine.IsSupported(*channel, mContext.state.regions.Regions())) return;
   if (!IsRightController(*channel, with)) return;
   mIsRunning = true;
-  mCountedFrom = mDesk.Now();
+  mCountedFrom = mContext.Now();
   mCounted = 0;
-  mDesk.status.passes = 0;
-  mDesk.NoteSuccess();
-  mDesk.EndReading();
-  mDesk.SayInPassing("Watching." + mAbout);
-  mDesk.SetMode(ViewMode::Online);
+  mContext.status.passes = 0;
+  mContext.NoteSuccess();
+  mContext.EndReading();
+  mContext.SayInPassing("Watching." + mAbout);
+  mContext.SetMode(ViewMode::Online);
   while (mIsRunning) OnePass(*channel);
 }
 
@@ -67,11 +67,11 @@ bool OnlineMode::IsRightController(Channel& channel, With with) {
   const bool isOther = number && mSerialNumber && *number != *mSerialNumber;
   mAbout.clear();
   if (!number && (with == With::SameController || !IsRefusal(channel.LastError().code))) {
-    mDesk.SayLinkError(channel.LastError());
+    mContext.SayLinkError(channel.LastError());
     return false;
   }
   if (with == With::SameController && isOther) {
-    mDesk.SayLinkError(AnotherController(*number, *mSerialNumber));
+    mContext.SayLinkError(AnotherController(*number, *mSerialNumber));
     return false;
   }
   if (isOther) {
@@ -89,54 +89,55 @@ void OnlineMode::StopAtOnce() {
 
 void OnlineMode::OnePass(Channel& channel) {
   const PassOutcome outcome = mEngine.ReadPass(channel);
-  mDesk.TellChanges();
+  mContext.TellChanges();
   const std::string replaced = RegionEngine::ReplacedText(outcome.replaced);
   if (!outcome.IsWhole()) {
     mIsRunning = false;
-    if (outcome.isStopped) return mDesk.Say("Watching was stopped." + replaced);
-    return mDesk.SayLinkError(*outcome.error, "Watching has ended; the values are those of the last reads." + replaced);
+    if (outcome.isStopped) return mContext.Say("Watching was stopped." + replaced);
+    return mContext.SayLinkError(*outcome.error,
+                                 "Watching has ended; the values are those of the last reads." + replaced);
   }
   mFailures = 0;
-  const bool isFirst = mDesk.status.passes == 0;
+  const bool isFirst = mContext.status.passes == 0;
   const std::string unreadable = isFirst ? mEngine.UnreadableText(outcome.unreadable) : std::string();
-  if (!replaced.empty() || !unreadable.empty()) mDesk.SayInPassing("Watching." + mAbout + unreadable + replaced);
+  if (!replaced.empty() || !unreadable.empty()) mContext.SayInPassing("Watching." + mAbout + unreadable + replaced);
   CountPass();
-  if (outcome.done == 0) mDesk.parts.pacer.Sleep(kIdlePause);
-  mDesk.parts.pacer.DoEvents();
-  if (!mIsRunning) mDesk.Say("Watching has ended.");
+  if (outcome.done == 0) mContext.parts.pacer.Sleep(kIdlePause);
+  mContext.parts.pacer.DoEvents();
+  if (!mIsRunning) mContext.Say("Watching has ended.");
 }
 
 void OnlineMode::CountPass() {
-  ++mDesk.status.passes;
+  ++mContext.status.passes;
   ++mCounted;
-  const Duration passed = mDesk.Now() - mCountedFrom;
-  if (passed >= (mDesk.status.passesPerSecond == 0.0 ? kFirstCounting : kCountingTime)) {
-    mDesk.status.passesPerSecond = static_cast<double>(mCounted) / std::chrono::duration<double>(passed).count();
-    mCountedFrom = mDesk.Now();
+  const Duration passed = mContext.Now() - mCountedFrom;
+  if (passed >= (mContext.status.passesPerSecond == 0.0 ? kFirstCounting : kCountingTime)) {
+    mContext.status.passesPerSecond = static_cast<double>(mCounted) / std::chrono::duration<double>(passed).count();
+    mCountedFrom = mContext.Now();
     mCounted = 0;
   }
-  mDesk.TellProgress();
+  mContext.TellProgress();
 }
 
 // ---- going on after a loss ----
 
 // A try that the user has stopped is the last one.
 void OnlineMode::NoteEnd() {
-  if (mDesk.parts.pacer.StopRequested()) mGoesOn = false;
-  if (!mDesk.status.loss) return;
-  mDesk.status.loss->wasWatching = true;
-  mDesk.status.loss->serialNumber = mSerialNumber;
-  mNextTry = mDesk.Now() + kPausesWhileWatching.After(++mFailures);
+  if (mContext.parts.pacer.StopRequested()) mGoesOn = false;
+  if (!mContext.status.loss) return;
+  mContext.status.loss->wasWatching = true;
+  mContext.status.loss->serialNumber = mSerialNumber;
+  mNextTry = mContext.Now() + kPausesWhileWatching.After(++mFailures);
 }
 
 void OnlineMode::SetGoesOn(bool goesOn) {
   mGoesOn = goesOn;
   mFailures = 0;
-  mNextTry = mDesk.Now();
+  mNextTry = mContext.Now();
 }
 
 std::string OnlineMode::WhyNotGoOn() const {
-  const auto& loss = mDesk.status.loss;
+  const auto& loss = mContext.status.loss;
   if (!loss) return {};
   if (!loss->serialNumber) return "The controller did not tell its serial number, so it could not be known again.";
   if (loss->error.code == LinkErrorCode::OtherController) return "Another controller answers.";
@@ -144,9 +145,9 @@ std::string OnlineMode::WhyNotGoOn() const {
 }
 
 bool OnlineMode::IsTryDue() const {
-  const auto& loss = mDesk.status.loss;
-  return mGoesOn && mDesk.status.mode == ViewMode::Idle && loss && loss->wasWatching && WhyNotGoOn().empty() &&
-         mDesk.Now() >= mNextTry;
+  const auto& loss = mContext.status.loss;
+  return mGoesOn && mContext.status.mode == ViewMode::Idle && loss && loss->wasWatching && WhyNotGoOn().empty() &&
+         mContext.Now() >= mNextTry;
 }
 
 }  // namespace kv::mdlDataTypesView

@@ -10,7 +10,7 @@
 namespace kv::mdlDataTypesView {
 
 class RegionEngine;
-class ViewDesk;
+class ViewContext;
 
 // Watches the regions: reads all of them again and again, without a pause, until it is told to stop. The user's clicks
 // are handled between two passes, and in a pass that takes long also between two regions; what ends the mode ends it
@@ -20,7 +20,7 @@ class ViewDesk;
 // no other one.
 class OnlineMode {
  public:
-  OnlineMode(ViewDesk& desk, RegionEngine& engine) : mDesk(desk), mEngine(engine) {}
+  OnlineMode(ViewContext& context, RegionEngine& engine) : mContext(context), mEngine(engine) {}
 
   enum class With { Any, SameController };
 
@@ -46,7 +46,7 @@ class OnlineMode {
   void CountPass();
   void NoteEnd();
 
-  ViewDesk& mDesk;
+  ViewContext& mContext;
   RegionEngine& mEngine;
   bool mIsRunning = false;
   bool mGoesOn = false;

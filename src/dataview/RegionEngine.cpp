@@ -6,8 +6,8 @@
 
 #include "base/ScopeGuard.h"
 #include "base/Texts.h"
-#include "dataview/ChannelLease.h"
-#include "dataview/ViewDesk.h"
+#include "dataview/ChannelGuard.h"
+#include "dataview/ViewContext.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/OsSupport.h"
 #include "dataview/operands/RegionTransfer.h"
@@ -32,26 +32,26 @@ bool IsWritableText(const Region& region, std::string_view model, const std::str
 }  // namespace
 
 void RegionEngine::Read() {
-  const StopScope reading(mDesk.parts.pacer);
-  mDesk.SetMode(ViewMode::Busy);
-  const ScopeGuard idle([&] { mDesk.SetMode(ViewMode::Idle); });
-  const ChannelLease channel(mDesk);
-  if (!channel || !IsSupported(*channel, mDesk.state.regions.Regions())) return;
-  SayRead(ReadPass(*channel), mDesk.state.regions.Rows().size());
+  const StopScope reading(mContext.parts.pacer);
+  mContext.SetMode(ViewMode::Busy);
+  const ScopeGuard idle([&] { mContext.SetMode(ViewMode::Idle); });
+  const ChannelGuard channel(mContext);
+  if (!channel || !IsSupported(*channel, mContext.state.regions.Regions())) return;
+  SayRead(ReadPass(*channel), mContext.state.regions.Rows().size());
 }
 
 bool RegionEngine::IsInRange(std::span<const Region> regions) {
   const std::string fault = FirstFault(regions);
   if (fault.empty()) return true;
-  mDesk.SayError(fault + "; nothing was written.");
-  mDesk.ShowBox(kValueOutOfRangeMessage);
+  mContext.SayError(fault + "; nothing was written.");
+  mContext.ShowBox(kValueOutOfRangeMessage);
   return false;
 }
 
 void RegionEngine::Write(std::span<const Region> regions) {
-  const StopScope writing(mDesk.parts.pacer);
-  mDesk.SetMode(ViewMode::Busy);
-  const ScopeGuard idle([&] { mDesk.SetMode(ViewMode::Idle); });
+  const StopScope writing(mContext.parts.pacer);
+  mContext.SetMode(ViewMode::Busy);
+  const ScopeGuard idle([&] { mContext.SetMode(ViewMode::Idle); });
   const std::optional<PassOutcome> written = WriteAlone(regions);
   if (!written) return;
   if (!written->IsWhole()) return SayPartlyWritten(*written, regions);
@@ -59,20 +59,20 @@ void RegionEngine::Write(std::span<const Region> regions) {
 }
 
 std::optional<PassOutcome> RegionEngine::WriteAlone(std::span<const Region> regions) {
-  const ChannelLease channel(mDesk);
+  const ChannelGuard channel(mContext);
   if (!channel || !IsSupported(*channel, regions)) return std::nullopt;
   return WritePass(*channel, regions);
 }
 
 bool RegionEngine::IsSupported(Channel& channel, std::span<const Region> regions) {
-  const auto osVersion = OsVersionOf(channel, mDesk.Model());
+  const auto osVersion = OsVersionOf(channel, mContext.Model());
   if (!osVersion) {
-    mDesk.SayLinkError(osVersion.error());
+    mContext.SayLinkError(osVersion.error());
     return false;
   }
-  if (AreRegionsSupported(mDesk.Model(), *osVersion, regions)) return true;
-  mDesk.ShowBox(kRegionsNotSupportedMessage);
-  mDesk.SayError(std::string(kRegionsNotSupportedMessage));
+  if (AreRegionsSupported(mContext.Model(), *osVersion, regions)) return true;
+  mContext.ShowBox(kRegionsNotSupportedMessage);
+  mContext.SayError(std::string(kRegionsNotSupportedMessage));
   return false;
 }
 
@@ -80,39 +80,39 @@ PassOutcome RegionEngine::ReadPass(Channel& channel) {
   PassOutcome outcome;
   mReplaced.clear();
   mIsEnded = false;
-  mLastInput = mDesk.Now();
-  const std::size_t total = mDesk.state.regions.Rows().size();
+  mLastInput = mContext.Now();
+  const std::size_t total = mContext.state.regions.Rows().size();
   for (std::size_t row = 0; row < total && GoOn(row, total, outcome); ++row) ReadRow(channel, row, outcome);
   outcome.replaced = mReplaced.size();
-  mDesk.history.Add({.title = "reading over edited values", .cells = std::exchange(mReplaced, {})});
-  if (outcome.IsWhole() && outcome.done > 0) mDesk.status.loss.reset();
+  mContext.history.Add({.title = "reading over edited values", .cells = std::exchange(mReplaced, {})});
+  if (outcome.IsWhole() && outcome.done > 0) mContext.status.loss.reset();
   return outcome;
 }
 
 void RegionEngine::ReadRow(Channel& channel, std::size_t row, PassOutcome& outcome) {
-  const Region region = mDesk.state.regions.Rows()[row].region;
-  if (!IsReadableFrom(mDesk.Model(), region.type)) {
+  const Region region = mContext.state.regions.Rows()[row].region;
+  if (!IsReadableFrom(mContext.Model(), region.type)) {
     ++outcome.unreadable;
     return;
   }
-  const auto texts = ReadRegion(channel, mDesk.Model(), region);
+  const auto texts = ReadRegion(channel, mContext.Model(), region);
   if (!texts) return Fail(texts.error(), outcome);
   ++outcome.done;
-  if (mDesk.state.operands.EditedCount() > 0) NoteReplaced(region, *texts);
-  const Instant now = mDesk.Now();
-  const Region changed = mDesk.state.operands.SetRead(region, *texts, now);
-  mDesk.state.regions.SetReadAt(row, now);
-  mDesk.changes.AddOperands(changed.type, changed.from, changed.to);
-  if (!changed.IsEmpty() || mDesk.state.regions.Rows()[row].isFromFile) mDesk.RefreshRow(row);
+  if (mContext.state.operands.EditedCount() > 0) NoteReplaced(region, *texts);
+  const Instant now = mContext.Now();
+  const Region changed = mContext.state.operands.SetRead(region, *texts, now);
+  mContext.state.regions.SetReadAt(row, now);
+  mContext.changes.AddOperands(changed.type, changed.from, changed.to);
+  if (!changed.IsEmpty() || mContext.state.regions.Rows()[row].isFromFile) mContext.RefreshRow(row);
 }
 
 void RegionEngine::NoteReplaced(const Region& region, std::span<const std::string> texts) {
   for (std::int64_t i = 0; i < region.Count(); ++i) {
     const auto address = static_cast<std::int32_t>(region.from + i);
-    if (mDesk.state.operands.Origin(region.type, address) != CellOrigin::Edited) continue;
+    if (mContext.state.operands.Origin(region.type, address) != CellOrigin::Edited) continue;
     mReplaced.push_back({.type = region.type,
                          .address = address,
-                         .before = mDesk.state.operands.Shown(region.type, address),
+                         .before = mContext.state.operands.Shown(region.type, address),
                          .after = {.text = texts[static_cast<std::size_t>(i)], .origin = CellOrigin::Read}});
   }
 }
@@ -123,26 +123,26 @@ PassOutcome RegionEngine::WritePass(Channel& channel, std::span<const Region> re
     if (IsWritableType(regions[i].type)) {
       WriteOne(channel, regions[i], outcome);
     } else if (outcome.readOnly++ == 0) {
-      mDesk.ShowBox(kReadOnlyRegionsMessage);
+      mContext.ShowBox(kReadOnlyRegionsMessage);
     }
   }
-  if (outcome.IsWhole() && outcome.done > 0) mDesk.status.loss.reset();
+  if (outcome.IsWhole() && outcome.done > 0) mContext.status.loss.reset();
   return outcome;
 }
 
 void RegionEngine::WriteOne(Channel& channel, const Region& region, PassOutcome& outcome) {
-  const auto written = WriteRegion(channel, mDesk.Model(), region, mDesk.state.operands.Texts(region));
+  const auto written = WriteRegion(channel, mContext.Model(), region, mContext.state.operands.Texts(region));
   if (!written) return Fail(written.error(), outcome);
   ++outcome.done;
   const Region edited = EditedIn(region);
-  mDesk.state.operands.SetWritten(region, mDesk.Now());
-  mDesk.changes.AddOperands(edited.type, edited.from, edited.to);
-  mDesk.RefreshRowsOf(region);
+  mContext.state.operands.SetWritten(region, mContext.Now());
+  mContext.changes.AddOperands(edited.type, edited.from, edited.to);
+  mContext.RefreshRowsOf(region);
 }
 
 Region RegionEngine::EditedIn(const Region& region) const {
   const auto isEdited = [&](std::int32_t address) {
-    return mDesk.state.operands.Origin(region.type, address) == CellOrigin::Edited;
+    return mContext.state.operands.Origin(region.type, address) == CellOrigin::Edited;
   };
   Region edited = region;
   while (!edited.IsEmpty() && !isEdited(edited.from)) ++edited.from;
@@ -151,19 +151,19 @@ Region RegionEngine::EditedIn(const Region& region) const {
 }
 
 bool RegionEngine::GoOn(std::size_t done, std::size_t total, PassOutcome& outcome) {
-  mDesk.status.done = done;
-  mDesk.status.total = total;
-  mDesk.TellProgress();
-  if (mLastTurn == Instant::min() || mDesk.Now() - mLastTurn >= kTurnInterval) {
-    mDesk.parts.pacer.Turn();
-    mLastTurn = mDesk.Now();
+  mContext.status.done = done;
+  mContext.status.total = total;
+  mContext.TellProgress();
+  if (mLastTurn == Instant::min() || mContext.Now() - mLastTurn >= kTurnInterval) {
+    mContext.parts.pacer.Turn();
+    mLastTurn = mContext.Now();
   }
-  if (mDesk.status.mode == ViewMode::Online && mDesk.Now() - mLastInput >= kInputInterval) {
-    mDesk.TellChanges();  // values and their rows are not to be seconds apart
-    mDesk.parts.pacer.DoEvents();
-    mLastInput = mDesk.Now();
+  if (mContext.status.mode == ViewMode::Online && mContext.Now() - mLastInput >= kInputInterval) {
+    mContext.TellChanges();  // values and their rows are not to be seconds apart
+    mContext.parts.pacer.DoEvents();
+    mLastInput = mContext.Now();
   }
-  outcome.isStopped = outcome.isStopped || mIsEnded || mDesk.parts.pacer.StopRequested();
+  outcome.isStopped = outcome.isStopped || mIsEnded || mContext.parts.pacer.StopRequested();
   return outcome.IsWhole();
 }
 
@@ -175,12 +175,12 @@ void RegionEngine::Fail(const LinkError& error, PassOutcome& outcome) {
 std::string RegionEngine::FirstFault(std::span<const Region> regions) const {
   for (const Region& region : regions) {
     if (!IsWritableType(region.type)) continue;
-    const std::vector<std::string> texts = mDesk.state.operands.Texts(region);
+    const std::vector<std::string> texts = mContext.state.operands.Texts(region);
     const auto bad = std::ranges::find_if_not(
-        texts, [&](const std::string& text) { return IsWritableText(region, mDesk.Model(), text); });
+        texts, [&](const std::string& text) { return IsWritableText(region, mContext.Model(), text); });
     if (bad == texts.end()) continue;
     const std::string name = OperandText(region.type, region.from + (bad - texts.begin()));
-    const std::string takes = " (it takes " + std::string(LegalEntries(region.type, mDesk.Model())) + ")";
+    const std::string takes = " (it takes " + std::string(LegalEntries(region.type, mContext.Model())) + ")";
     return bad->empty() ? name + " has no value: read it, or enter one" : name + " cannot be \"" + *bad + "\"" + takes;
   }
   return {};
@@ -198,17 +198,17 @@ std::string RegionEngine::ReplacedText(std::size_t replaced) {
 
 std::string RegionEngine::UnreadableText(std::size_t unreadable) const {
   if (unreadable == 0) return {};
-  return " " + RegionCountText(unreadable) + " cannot be read from a controller of the model " + mDesk.Model() + ".";
+  return " " + RegionCountText(unreadable) + " cannot be read from a controller of the model " + mContext.Model() + ".";
 }
 
 void RegionEngine::SayRead(const PassOutcome& outcome, std::size_t total) {
   const std::string read = RegionCountText(outcome.done) + " of " + std::to_string(total) + " read";
   const std::string replaced = ReplacedText(outcome.replaced);
   if (outcome.error && !outcome.isStopped) {
-    return mDesk.SayLinkError(*outcome.error, read + " before that; the others show what they showed." + replaced);
+    return mContext.SayLinkError(*outcome.error, read + " before that; the others show what they showed." + replaced);
   }
-  if (outcome.isStopped) return mDesk.Say("Stopped. " + read + "; the others show what they showed." + replaced);
-  mDesk.Say(RegionCountText(outcome.done) + " read." + UnreadableText(outcome.unreadable) + replaced);
+  if (outcome.isStopped) return mContext.Say("Stopped. " + read + "; the others show what they showed." + replaced);
+  mContext.Say(RegionCountText(outcome.done) + " read." + UnreadableText(outcome.unreadable) + replaced);
 }
 
 void RegionEngine::SayPartlyWritten(const PassOutcome& outcome, std::span<const Region> regions) {
@@ -217,8 +217,8 @@ void RegionEngine::SayPartlyWritten(const PassOutcome& outcome, std::span<const 
                                        : RegionCountText(outcome.done) + " written before that, up to " +
                                              RegionText(regions[reached - 1]);
   text += "; " + RegionCountText(regions.size() - reached) + " not.";
-  if (outcome.error) return mDesk.SayLinkError(*outcome.error, text);
-  mDesk.SayError("Stopped. " + text);
+  if (outcome.error) return mContext.SayLinkError(*outcome.error, text);
+  mContext.SayError("Stopped. " + text);
 }
 
 }  // namespace kv::mdlDataTypesView

@@ -14,7 +14,7 @@
 
 namespace kv::mdlDataTypesView {
 
-class ViewDesk;
+class ViewContext;
 
 // How far a pass over the regions came. What it read or wrote until then stays.
 struct PassOutcome {
@@ -39,7 +39,7 @@ struct ComparedRegions {
 // the table.
 class RegionEngine {
  public:
-  explicit RegionEngine(ViewDesk& desk) : mDesk(desk) {}
+  explicit RegionEngine(ViewContext& context) : mContext(context) {}
 
   void Read();
   // Whether all texts of the regions may be written; false after the user has been told of one that may not.
@@ -50,7 +50,7 @@ class RegionEngine {
   // Whether the controller's O/S has all the regions. False: the user has been told, or the status line says why it
   // could not be found out.
   [[nodiscard]] bool IsSupported(Channel& channel, std::span<const Region> regions);
-  // One pass over the table, without any message. What is read goes into the desk's changes.
+  // One pass over the table, without any message. What is read goes into the context's changes.
   [[nodiscard]] PassOutcome ReadPass(Channel& channel);
 
   // Ends the pass that runs before its next region.
@@ -84,7 +84,7 @@ class RegionEngine {
   void CompareOne(Channel& channel, const Region& region, std::span<const std::string> written, ComparedRegions& found);
   void SayCompared(const PassOutcome& written, const ComparedRegions& found);
 
-  ViewDesk& mDesk;
+  ViewContext& mContext;
   std::vector<CellChange> mReplaced;  // by the pass that runs
   Instant mLastTurn = Instant::min();
   Instant mLastInput{};

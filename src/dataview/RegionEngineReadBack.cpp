@@ -1,9 +1,9 @@
 // Reading back what has been written. It comes after the write, which sends what it sends, no more and no less.
 #include <utility>
 
-#include "dataview/ChannelLease.h"
+#include "dataview/ChannelGuard.h"
 #include "dataview/RegionEngine.h"
-#include "dataview/ViewDesk.h"
+#include "dataview/ViewContext.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/ReadBack.h"
 #include "dataview/operands/RegionTransfer.h"
@@ -36,31 +36,31 @@ std::string UncomparedText(std::size_t count, const std::string& model) {
 }  // namespace
 
 void RegionEngine::ReadBackWritten(const PassOutcome& written, std::span<const Region> regions) {
-  if (written.done == 0) return mDesk.Say("Nothing was written." + ReadOnlyText(written.readOnly));
-  const ChannelLease channel(mDesk);
+  if (written.done == 0) return mContext.Say("Nothing was written." + ReadOnlyText(written.readOnly));
+  const ChannelGuard channel(mContext);
   if (channel) return SayCompared(written, ComparePass(*channel, regions));
-  mDesk.SayError(RegionCountText(written.done) + " written, but not read back. " + mDesk.status.message);
+  mContext.SayError(RegionCountText(written.done) + " written, but not read back. " + mContext.status.message);
 }
 
 ComparedRegions RegionEngine::ComparePass(Channel& channel, std::span<const Region> regions) {
   std::vector<std::vector<std::string>> written;  // regions may overlap, and what is read takes the place of it
-  for (const Region& region : regions) written.push_back(mDesk.state.operands.Texts(region));
+  for (const Region& region : regions) written.push_back(mContext.state.operands.Texts(region));
   ComparedRegions found;
   mReplaced.clear();
   for (std::size_t i = 0; i < regions.size() && GoOn(i, regions.size(), found.pass); ++i) {
     if (IsWritableType(regions[i].type)) CompareOne(channel, regions[i], written[i], found);
   }
-  mDesk.history.Add({.title = "reading back other values", .cells = std::exchange(mReplaced, {})});
+  mContext.history.Add({.title = "reading back other values", .cells = std::exchange(mReplaced, {})});
   return found;
 }
 
 void RegionEngine::CompareOne(Channel& channel, const Region& region, std::span<const std::string> written,
                               ComparedRegions& found) {
-  if (!IsReadableFrom(mDesk.Model(), region.type)) {
+  if (!IsReadableFrom(mContext.Model(), region.type)) {
     ++found.pass.unreadable;
     return;
   }
-  const auto read = ReadBack(channel, mDesk.Model(), region, written);
+  const auto read = ReadBack(channel, mContext.Model(), region, written);
   if (!read) return Fail(read.error(), found.pass);
   ++found.pass.done;
   const bool moves = MovesByItself(region.type);
@@ -71,9 +71,9 @@ void RegionEngine::CompareOne(Channel& channel, const Region& region, std::span<
                          .before = {.text = each.written, .origin = CellOrigin::Edited},
                          .after = {.text = each.readBack, .origin = CellOrigin::Read}});
   }
-  const Region changed = mDesk.state.operands.SetRead(region, read->texts, mDesk.Now());
-  mDesk.changes.AddOperands(changed.type, changed.from, changed.to);
-  mDesk.RefreshRowsOf(region);
+  const Region changed = mContext.state.operands.SetRead(region, read->texts, mContext.Now());
+  mContext.changes.AddOperands(changed.type, changed.from, changed.to);
+  mContext.RefreshRowsOf(region);
   if (read->differences.empty()) return;
   (moves ? found.moving : found.differences).push_back(DifferenceText(region.type, read->differences));
 }
@@ -81,22 +81,22 @@ void RegionEngine::CompareOne(Channel& channel, const Region& region, std::span<
 void RegionEngine::SayCompared(const PassOutcome& written, const ComparedRegions& found) {
   const PassOutcome& pass = found.pass;
   const std::string rest =
-      MovingText(found.moving) + UncomparedText(pass.unreadable, mDesk.Model()) + ReadOnlyText(written.readOnly);
+      MovingText(found.moving) + UncomparedText(pass.unreadable, mContext.Model()) + ReadOnlyText(written.readOnly);
   std::string text = RegionCountText(written.done) + " written";
   if (!found.differences.empty()) text += ", but " + Joined(found.differences);
   const std::string read = std::to_string(pass.done) + " of them read back";
   if (pass.error && !pass.isStopped) {
-    return mDesk.SayLinkError(*pass.error, text + "; " + read + " before that, the others not." + rest);
+    return mContext.SayLinkError(*pass.error, text + "; " + read + " before that, the others not." + rest);
   }
   if (pass.isStopped) text += "; stopped: " + read + ", the others not";
   if (!found.differences.empty()) {
-    return mDesk.SayRefusal(text + ".\nLikely cause: " + std::string(kDifferenceCause) + ".\nWhat to do: " +
-                            std::string(kDifferenceCure) + "; Undo brings back what was written." + rest);
+    return mContext.SayRefusal(text + ".\nLikely cause: " + std::string(kDifferenceCause) + ".\nWhat to do: " +
+                               std::string(kDifferenceCure) + "; Undo brings back what was written." + rest);
   }
   const bool isWhole = pass.done == written.done && found.moving.empty();
   if (isWhole) text += " and read back";
   if (!isWhole && !pass.isStopped && pass.done > 0) text += ", " + read;
-  mDesk.Say(text + "." + rest);
+  mContext.Say(text + "." + rest);
 }
 
 }  // namespace kv::mdlDataTypesView

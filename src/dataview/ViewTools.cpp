@@ -62,10 +62,10 @@ const DataTypesView::Tool* DataTypesView::FindTool(std::string_view toolId) {
 void DataTypesView::Run(std::string_view toolId) {
   const Tool* tool = FindTool(toolId);
   if (tool == nullptr || !WhyNot(toolId).empty()) return;
-  mDesk.EndReading();
-  const std::uint64_t said = mDesk.SaidCount();
+  mContext.EndReading();
+  const std::uint64_t said = mContext.SaidCount();
   (this->*tool->run)();
-  if (mDesk.SaidCount() != said && !mDesk.status.isError) mDesk.NoteSuccess();
+  if (mContext.SaidCount() != said && !mContext.status.isError) mContext.NoteSuccess();
   Tell(true);
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// Words that several rooms say, or know again.
+// Words that several libraries say, or know again.
 namespace kv {
 
 // "MI 0..59", and "MI 0" for a single operand.

@@ -4,7 +4,7 @@
 #include "clone/CloneDiff.h"
 #include "clone/CloneFrame.h"
 #include "clone/CloneVerify.h"
-#include "tests/clone/CloneBench.h"
+#include "tests/clone/CloneFixture.h"
 
 namespace kv::test {
 namespace {
@@ -13,7 +13,7 @@ using testing::HasSubstr;
 using Ranges = std::vector<AddressRange>;
 
 // A clone of a controller with erased stretches in flash and RAM, made by the engine.
-struct CompareTest : testing::Test, CloneBench {
+struct CompareTest : testing::Test, CloneFixture {
   std::filesystem::path Clone(const std::string& name) {
     file = folder.Path() / name;
     channel.state = 'S';

@@ -7,7 +7,7 @@
 #endif
 
 #include "clone/CloneLines.h"
-#include "tests/clone/CloneBench.h"
+#include "tests/clone/CloneFixture.h"
 
 // clang-format off: the tables are laid out by hand
 namespace kv::test {
@@ -25,22 +25,22 @@ std::string Times(int count, std::string_view text) {
 }
 
 TEST(CreateGhost, WritesTheFileToTheByteAndAsksInTheSettledOrder) {
-  CloneBench bench;
-  bench.channel.SetSegments({"HWF00001000 00000104", "ZZR00009000 00000010", "MMR00200000 00000208",
+  CloneFixture fixture;
+  fixture.channel.SetSegments({"HWF00001000 00000104", "ZZR00009000 00000010", "MMR00200000 00000208",
                              "OPR00300000 00000006", "DTR00400000 00000000"});
-  bench.channel.byteAt = [](std::uint32_t address) -> std::uint8_t {
+  fixture.channel.byteAt = [](std::uint32_t address) -> std::uint8_t {
     if (address >= 0x1080 && address < 0x1084) return static_cast<std::uint8_t>(address - 0x107F);
     if (address >= 0x1084 && address < 0x1100) return 0;
     constexpr std::uint8_t kRest[] = {0xA5, 0xFF, 0x00, 0x10};
     return address >= 0x1100 && address < 0x1104 ? kRest[address - 0x1100] : 255;
   };
-  bench.window.boxes.op = false;
-  bench.prompts.Enter("AB");
-  bench.prompts.Press(PromptAnswer::Yes);
-  bench.prompts.Press(PromptAnswer::Ok);
-  bench.folder.Put("clone.kdf", "an older clone");
-  EXPECT_EQ(bench.Create().end, CloneEnd::Done);
-  EXPECT_EQ(bench.Content(),
+  fixture.window.boxes.op = false;
+  fixture.prompts.Enter("AB");
+  fixture.prompts.Press(PromptAnswer::Yes);
+  fixture.prompts.Press(PromptAnswer::Ok);
+  fixture.folder.Put("clone.kdf", "an older clone");
+  EXPECT_EQ(fixture.Create().end, CloneEnd::Done);
+  EXPECT_EQ(fixture.Content(),
             "Korvantis Clone File:\tV100\t2026-03-09\t07:00:00\r\n"
             "K220-22-R1\t10\t4.60\t19\r\n"
             "HW,4096,260\tMM,2097152,520\tDT,4194304,0\t\r\n"
@@ -60,19 +60,19 @@ TEST(CreateGhost, WritesTheFileToTheByteAndAsksInTheSettledOrder) {
                 Times(256, "FF") +
                 "47\r\r\n"
                 "/1FED00\r\r\n");
-  EXPECT_EQ(bench.channel.calls,
+  EXPECT_EQ(fixture.channel.calls,
             (CallLog{"GetVersionInfo", "SendCommand GIAB      ", "Segments HW ZZ MM OP DT", "State 0,7,2,0,0", kAbout,
                      "StopController", "Segment 1", "Bar 0..0", "Read 00001000 260", "Segment 3", "Bar 0..1",
                      "Read 00200000 512", "Bar 1", "Read 00200200 8", "Segment 5", "Bar 0..0", "State 0,7,2,0,0",
                      "RunController", kCreated}));
-  EXPECT_EQ(bench.prompts.Inputs().at(0).text, "Enter Password Up To 8 Chars");
+  EXPECT_EQ(fixture.prompts.Inputs().at(0).text, "Enter Password Up To 8 Chars");
 }
 
 // What the user answers: the password, the stop question when it is asked, and the box at the end.
-void Answer(CloneBench& bench, std::optional<std::string> password, std::optional<PromptAnswer> stop = {}) {
-  bench.prompts.Enter(std::move(password));
-  if (stop) bench.prompts.Press(*stop);
-  bench.prompts.Press(PromptAnswer::Ok);
+void Answer(CloneFixture& fixture, std::optional<std::string> password, std::optional<PromptAnswer> stop = {}) {
+  fixture.prompts.Enter(std::move(password));
+  if (stop) fixture.prompts.Press(*stop);
+  fixture.prompts.Press(PromptAnswer::Ok);
 }
 
 TEST(CreateGhost, CutsBlocksIntoLinesByTheRulesOfTheirMemory) {
@@ -88,15 +88,15 @@ TEST(CreateGhost, CutsBlocksIntoLinesByTheRulesOfTheirMemory) {
       {"FTF00001000 00000200", 0x80, 0x100, "1000:80 1100:80 1180:80"},
       {"FTF00001000 00000282", 0, 0x280, "1280:02"}, {"FTF00001000 00000282", 0x7F, 0x282, "1000:80"}};
   for (const Row& row : rows) {
-    CloneBench bench;
-    bench.channel.SetSegments({row.segment});
-    bench.channel.byteAt = [&](std::uint32_t a) {
+    CloneFixture fixture;
+    fixture.channel.SetSegments({row.segment});
+    fixture.channel.byteAt = [&](std::uint32_t a) {
       return a >= 0x1000 + row.erasedFrom && a < 0x1000 + row.erasedTo ? 255 : 7;
     };
-    Answer(bench, "x", PromptAnswer::No);
-    EXPECT_EQ(bench.Create().end, CloneEnd::Done);
+    Answer(fixture, "x", PromptAnswer::No);
+    EXPECT_EQ(fixture.Create().end, CloneEnd::Done);
     std::string lines;
-    const std::string content = bench.Content();
+    const std::string content = fixture.Content();
     for (std::size_t at = content.find("WD"); at != std::string::npos; at = content.find("WD", at + 1)) {
       lines += (lines.empty() ? "" : " ") + content.substr(at + 7, 4) + ":" + content.substr(at + 11, 2);
     }
@@ -114,34 +114,34 @@ TEST(CreateGhost, LeavesTheControllerRunningWhateverItsStateWas) {
   };
   for (const auto& [state, stop, stops, after] :
        {Row{'R', Yes, 1, 'R'}, Row{'R', No, 0, 'R'}, Row{'S', {}, 0, 'R'}, Row{'I', No, 0, 'I'}, Row{'L', {}, 0, 'R'}}) {
-    CloneBench bench;
-    bench.channel.SetSegments({"HWF00001000 00000010"});
-    bench.channel.state = state;
-    Answer(bench, "12345678", stop);
-    EXPECT_EQ(bench.Create().end, CloneEnd::Done);
-    EXPECT_EQ(bench.channel.state, after) << state;
-    EXPECT_EQ(std::ranges::count(bench.channel.calls, "StopController"), stops) << state;
-    EXPECT_EQ(std::ranges::count(bench.channel.calls, "SendCommand GI12345678"), 1);
+    CloneFixture fixture;
+    fixture.channel.SetSegments({"HWF00001000 00000010"});
+    fixture.channel.state = state;
+    Answer(fixture, "12345678", stop);
+    EXPECT_EQ(fixture.Create().end, CloneEnd::Done);
+    EXPECT_EQ(fixture.channel.state, after) << state;
+    EXPECT_EQ(std::ranges::count(fixture.channel.calls, "StopController"), stops) << state;
+    EXPECT_EQ(std::ranges::count(fixture.channel.calls, "SendCommand GI12345678"), 1);
   }
 }
 
 TEST(CreateGhost, TakesNothingFromAControllerWithAnOldOsAndLeavesAnEmptyFile) {
   for (const std::string os : {"4.59", "2.9", "10.1", "", "ABC", "4.60a", "HW 1.0;BT 1.2;FL 2.0;O/S 4.60;"}) {
-    CloneBench bench;
-    bench.channel.version->osVersion = os;
-    bench.prompts.Press(PromptAnswer::Ok);
-    const CloneOutcome refused = bench.Create();
+    CloneFixture fixture;
+    fixture.channel.version->osVersion = os;
+    fixture.prompts.Press(PromptAnswer::Ok);
+    const CloneOutcome refused = fixture.Create();
     EXPECT_EQ(refused.cause, CloneCause::OldOs);
     const bool isInFields = os.contains(';');  // so is the newest O/S of such a controller
     EXPECT_THAT(refused.reason, testing::HasSubstr(isInFields ? "no update helps" : "Update its O/S first.")) << os;
-    EXPECT_EQ(bench.channel.calls,
+    EXPECT_EQ(fixture.channel.calls,
               (CallLog{"GetVersionInfo", "Box ( ) Korvantis PLC Cloner: The PLC does not supports clones."}));
-    EXPECT_TRUE(bench.Exists() && bench.Content().empty()) << os;
+    EXPECT_TRUE(fixture.Exists() && fixture.Content().empty()) << os;
   }
-  CloneBench bench;
-  bench.channel.version->osVersion = "12.03";
-  Answer(bench, std::nullopt);
-  EXPECT_EQ(bench.Create().cause, CloneCause::Password);
+  CloneFixture fixture;
+  fixture.channel.version->osVersion = "12.03";
+  Answer(fixture, std::nullopt);
+  EXPECT_EQ(fixture.Create().cause, CloneCause::Password);
 }
 
 TEST(CreateGhost, EndsBeforeTheControllerIsTouchedWhenPasswordOrTableCannotBeUsed) {
@@ -164,46 +164,46 @@ TEST(CreateGhost, EndsBeforeTheControllerIsTouchedWhenPasswordOrTableCannotBeUse
       {"x", "GI10001HWFFFFFFFF000000011??", Segments, "FFFFFFFF"},
       {"x", "GI10001MMR0000100000000201??", Segments, "MM has an odd length (513"}};
   for (const Row& row : rows) {
-    CloneBench bench;
-    if (row.reply) bench.channel.reply = CommandReply{*row.reply};
-    Answer(bench, row.password);
-    const CloneOutcome outcome = bench.Create();
+    CloneFixture fixture;
+    if (row.reply) fixture.channel.reply = CommandReply{*row.reply};
+    Answer(fixture, row.password);
+    const CloneOutcome outcome = fixture.Create();
     EXPECT_EQ(outcome.cause, row.cause) << row.reason;
     EXPECT_THAT(outcome.reason, HasSubstr(row.reason));
-    EXPECT_EQ(bench.channel.calls.back(), kFailed);
-    EXPECT_EQ(bench.channel.exchanges, row.reply ? 2 : 1) << row.reason;
-    EXPECT_FALSE(bench.Exists()) << row.reason;
+    EXPECT_EQ(fixture.channel.calls.back(), kFailed);
+    EXPECT_EQ(fixture.channel.exchanges, row.reply ? 2 : 1) << row.reason;
+    EXPECT_FALSE(fixture.Exists()) << row.reason;
   }
-  CloneBench bench;  // an odd segment that is not taken is no harm
-  bench.channel.SetSegments({"OPR00001000 00000201", "ZZR00002000 00000201", "HWF00003000 00000010"});
-  bench.window.boxes.op = false;
-  Answer(bench, "x", PromptAnswer::No);
-  EXPECT_EQ(bench.Create().end, CloneEnd::Done);
+  CloneFixture fixture;  // an odd segment that is not taken is no harm
+  fixture.channel.SetSegments({"OPR00001000 00000201", "ZZR00002000 00000201", "HWF00003000 00000010"});
+  fixture.window.boxes.op = false;
+  Answer(fixture, "x", PromptAnswer::No);
+  EXPECT_EQ(fixture.Create().end, CloneEnd::Done);
 }
 
 TEST(CreateGhost, FailsPlainlyWhenTheFileCannotBeWrittenOrKept) {
-  CloneBench bench;
+  CloneFixture fixture;
   const auto fails = [&](const char* reason) {
-    const CloneOutcome outcome = bench.Create();
+    const CloneOutcome outcome = fixture.Create();
     EXPECT_EQ(outcome.cause, CloneCause::File);
     EXPECT_THAT(outcome.reason, HasSubstr(reason));
-    EXPECT_EQ(bench.channel.calls.back(), kFailed);
+    EXPECT_EQ(fixture.channel.calls.back(), kFailed);
   };
-  bench.prompts.Press(PromptAnswer::Ok);
-  bench.prompts.Press(PromptAnswer::Ok);
-  bench.file = bench.folder.Path() / "missing" / "clone.kdf";
+  fixture.prompts.Press(PromptAnswer::Ok);
+  fixture.prompts.Press(PromptAnswer::Ok);
+  fixture.file = fixture.folder.Path() / "missing" / "clone.kdf";
   fails("cannot be created");
-  bench.file = bench.folder.Path() / "folder.kdf";
-  std::filesystem::create_directory(bench.file);
+  fixture.file = fixture.folder.Path() / "folder.kdf";
+  std::filesystem::create_directory(fixture.file);
   fails("no plain file");
-  EXPECT_TRUE(bench.Exists());
-  EXPECT_EQ(bench.channel.exchanges, 0);
+  EXPECT_TRUE(fixture.Exists());
+  EXPECT_EQ(fixture.channel.exchanges, 0);
 
-  bench.file = bench.folder.Path() / "clone.kdf";
-  bench.channel.SetSegments({"HWF00001000 00010000"});
-  bench.channel.state = 'S';
+  fixture.file = fixture.folder.Path() / "clone.kdf";
+  fixture.channel.SetSegments({"HWF00001000 00010000"});
+  fixture.channel.state = 'S';
 #ifndef _WIN32
-  Answer(bench, "x");
+  Answer(fixture, "x");
   rlimit before{};
   getrlimit(RLIMIT_FSIZE, &before);
   const rlimit small{20000, before.rlim_max};
@@ -212,10 +212,10 @@ TEST(CreateGhost, FailsPlainlyWhenTheFileCannotBeWrittenOrKept) {
   fails("room on the disk");
   setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, handler);
-  EXPECT_LT(bench.channel.exchanges, 30);  // as soon as it happens
-  EXPECT_FALSE(bench.Exists());
-  Answer(bench, "x");
-  bench.pacer.OnDoEvents([&] { std::filesystem::remove(bench.file); });
+  EXPECT_LT(fixture.channel.exchanges, 30);  // as soon as it happens
+  EXPECT_FALSE(fixture.Exists());
+  Answer(fixture, "x");
+  fixture.pacer.OnDoEvents([&] { std::filesystem::remove(fixture.file); });
   fails("removed or changed");
 #endif
 }

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "clone/CloneFrame.h"
-#include "tests/clone/CloneBench.h"
+#include "tests/clone/CloneFixture.h"
 
 // clang-format off: the tables are laid out by hand
 namespace kv::test {
@@ -18,7 +18,7 @@ constexpr const char* kLast = "/01EDEA\r";
 // A port whose partner answers each line with what the test says, so much later.
 class FakePort : public SerialPortObject {
  public:
-  explicit FakePort(CloneBench& bench) : mBench(bench) {}
+  explicit FakePort(CloneFixture& fixture) : mFixture(fixture) {}
 
   std::function<std::string(int number)> answer = [](int) { return "/01WDOK12345678\r"; };
   Duration delay = std::chrono::milliseconds(4);
@@ -27,42 +27,42 @@ class FakePort : public SerialPortObject {
 
   void SetInBufferCount(std::size_t count) override { mWaiting.resize(count); }
   bool Output(std::string_view bytes) override {
-    mBench.channel.calls.push_back("Out " + std::string(bytes));
+    mFixture.channel.calls.push_back("Out " + std::string(bytes));
     if (++sent == downAt) return false;
-    mBench.pacer.After(delay, [this, reply = answer(sent)] { mWaiting += reply; });
+    mFixture.pacer.After(delay, [this, reply = answer(sent)] { mWaiting += reply; });
     return true;
   }
   std::string Input() override { return std::exchange(mWaiting, {}); }
   std::size_t InBufferSize() const override { return 1024; }
 
  private:
-  CloneBench& mBench;
+  CloneFixture& mFixture;
   std::string mWaiting = "/01WDOK left over\r";
 };
 
 // The restore of `content`, with as many boxes closed as it shall show.
-CloneOutcome RestoreOf(CloneBench& bench, FakePort& port, const std::string& content, int boxes) {
-  bench.folder.Put("clone.kdf", content);
-  while (boxes-- > 0) bench.prompts.Press(PromptAnswer::Ok);
-  return bench.Restore(port);
+CloneOutcome RestoreOf(CloneFixture& fixture, FakePort& port, const std::string& content, int boxes) {
+  fixture.folder.Put("clone.kdf", content);
+  while (boxes-- > 0) fixture.prompts.Press(PromptAnswer::Ok);
+  return fixture.Restore(port);
 }
 const std::string kFile = std::string(kHead) + kFirst + "\r\n" + kLast + "\r\n";
 
 TEST(RestoreGhost, SendsTheLinesOfTheFileAsTheyAreAndWaitsForAnOkToEach) {
-  CloneBench bench;
-  FakePort port(bench);
-  EXPECT_EQ(RestoreOf(bench, port, kFile, 2).end, CloneEnd::Done);
+  CloneFixture fixture;
+  FakePort port(fixture);
+  EXPECT_EQ(RestoreOf(fixture, port, kFile, 2).end, CloneEnd::Done);
   const std::string box = "Box ( ) Korvantis PLC Cloner: ";
   const std::string good = "Box (i) Korvantis PLC Cloner: Clone Restore Successfully.";
   const std::string head = std::string(kHead).substr(0, std::string(kHead).size() - 4);
-  EXPECT_EQ(bench.channel.calls,
+  EXPECT_EQ(fixture.channel.calls,
             (CallLog{box + head, "Bar 0..2", std::string("Line ") + kFirst, std::string("Out ") + kFirst, "Bar 1",
                      std::string("Line ") + kLast, std::string("Out ") + kLast, "Bar 2", good}));
-  EXPECT_EQ(bench.pacer.Now().time_since_epoch(), std::chrono::milliseconds(40));  // two turns a line
+  EXPECT_EQ(fixture.pacer.Now().time_since_epoch(), std::chrono::milliseconds(40));  // two turns a line
 
-  FakePort second(bench);
-  EXPECT_EQ(RestoreOf(bench, second, kHead, 2).end, CloneEnd::Done);  // four head lines restore nothing
-  EXPECT_EQ(bench.channel.calls, (CallLog{box + head, "Bar 0..0", good}));
+  FakePort second(fixture);
+  EXPECT_EQ(RestoreOf(fixture, second, kHead, 2).end, CloneEnd::Done);  // four head lines restore nothing
+  EXPECT_EQ(fixture.channel.calls, (CallLog{box + head, "Bar 0..0", good}));
 }
 
 TEST(RestoreGhost, JudgesRepliesByOkAloneAndByTenSeconds) {
@@ -79,11 +79,11 @@ TEST(RestoreGhost, JudgesRepliesByOkAloneAndByTenSeconds) {
       {std::string(1015, 'x'), 0ms, "does not end"}, {std::string(1010, 'x') + "OK\r/", 0ms, ""},
       {"\r\xFE\r/01WDOK\r", 0ms, ""}, {"\r/01WDERROR07AB\r", 0ms, "(code 07)"}, {"NO\r", 0ms, "no reply within 10 s"}};
   for (const Row& row : rows) {
-    CloneBench bench;
-    FakePort port(bench);
+    CloneFixture fixture;
+    FakePort port(fixture);
     port.answer = [&](int) { return row.answer; };
     port.delay = row.delay;
-    const CloneOutcome outcome = RestoreOf(bench, port, kFile, row.reason.empty() ? 2 : 3);
+    const CloneOutcome outcome = RestoreOf(fixture, port, kFile, row.reason.empty() ? 2 : 3);
     EXPECT_EQ(outcome.end == CloneEnd::Done, row.reason.empty()) << row.answer << row.reason;
     if (row.reason.empty()) continue;
     EXPECT_EQ(outcome.cause, CloneCause::Reply);
@@ -93,25 +93,25 @@ TEST(RestoreGhost, JudgesRepliesByOkAloneAndByTenSeconds) {
     const bool isUnsure = outcome.reason.find("may have taken the line") != std::string::npos;
     EXPECT_EQ(isUnsure, !row.answer.contains("ERROR")) << row.answer;  // a refused line has changed nothing
     EXPECT_FALSE(outcome.reason.contains("end frame")) << outcome.reason;
-    EXPECT_EQ(CallLog(bench.channel.calls.end() - 2, bench.channel.calls.end()), (CallLog{kNotReady, kFailed}));
+    EXPECT_EQ(CallLog(fixture.channel.calls.end() - 2, fixture.channel.calls.end()), (CallLog{kNotReady, kFailed}));
   }
 }
 
 TEST(RestoreGhost, EndsAtAStopOrALostLinkAndTellsWhatIsLeft) {
   for (const int at : {1, 2}) {
-    CloneBench bench;
-    FakePort port(bench);
+    CloneFixture fixture;
+    FakePort port(fixture);
     port.answer = [&](int number) {
-      if (number == at) bench.running->StopDump();
+      if (number == at) fixture.running->StopDump();
       return "/01OK\r";
     };
-    const CloneOutcome outcome = RestoreOf(bench, port, kFile, 2);
+    const CloneOutcome outcome = RestoreOf(fixture, port, kFile, 2);
     EXPECT_EQ(outcome.end, CloneEnd::Stopped);
     EXPECT_EQ(port.sent, at);
     EXPECT_THAT(outcome.reason, HasSubstr(at == 1 ? "1 of 2 lines" : "All lines"));
-    EXPECT_EQ(bench.channel.calls.back(), kFailed);
+    EXPECT_EQ(fixture.channel.calls.back(), kFailed);
 
-    CloneBench other;
+    CloneFixture other;
     FakePort down(other);
     down.downAt = at;
     EXPECT_EQ(RestoreOf(other, down, kFile, 2).cause, CloneCause::Link);
@@ -138,20 +138,20 @@ TEST(RestoreGhost, SaysSuccessOnlyOfAWholeFileThatStayedAsItWasCounted) {
       {std::string(kHead).substr(0, first.find('\n') + 1), "", "line 2", 1},
       {kFile + std::string(10'000'000, 'F'), "", "line 7: it is longer", 2}};
   for (const Row& row : rows) {
-    CloneBench bench;
-    FakePort port(bench);
-    bench.window.onBar = [&] { bench.folder.Put("clone.kdf", row.meanwhile); };
-    const CloneOutcome outcome = RestoreOf(bench, port, row.content, row.boxes);
+    CloneFixture fixture;
+    FakePort port(fixture);
+    fixture.window.onBar = [&] { fixture.folder.Put("clone.kdf", row.meanwhile); };
+    const CloneOutcome outcome = RestoreOf(fixture, port, row.content, row.boxes);
     EXPECT_EQ(outcome.end, row.reason.empty() ? CloneEnd::Done : CloneEnd::Failed) << row.reason;
     EXPECT_THAT(outcome.reason, HasSubstr(row.reason));
   }
-  CloneBench bench;
-  FakePort port(bench);
-  bench.folder.Put("clone.kdf", kFile);
-  clsDumpPLC engine(bench.window, bench.prompts, bench.pacer, bench.pacer);
+  CloneFixture fixture;
+  FakePort port(fixture);
+  fixture.folder.Put("clone.kdf", kFile);
+  clsDumpPLC engine(fixture.window, fixture.prompts, fixture.pacer, fixture.pacer);
   engine.ExpectDigest(Sha256().Hex());
-  for (int box = 0; box < 2; ++box) bench.prompts.Press(PromptAnswer::Ok);
-  engine.RestoreGhost(port, bench.file);
+  for (int box = 0; box < 2; ++box) fixture.prompts.Press(PromptAnswer::Ok);
+  engine.RestoreGhost(port, fixture.file);
   EXPECT_THAT(engine.Outcome().reason, HasSubstr("not the file any more that was looked through"));
   EXPECT_EQ(port.sent, 0);
 }
@@ -172,10 +172,10 @@ TEST(RestoreReach, SaysOfTheProgramWhatIsKnownAndNoMore) {
       {{9, 8, true, true}, 'L', {"All lines but the end frame", "its program is stopped"}},
       {{9, 9, false, false}, 'R', {"All lines of the clone file were written", "runs, with the clone"}}};
   for (const Row& row : rows) {
-    CloneBench bench;
-    bench.pacer.RequestStop();
-    if (row.state != ' ') bench.channel.info = Channel::ControllerInfo{1, row.state, ""};
-    const std::string text = LeftText(row.reach) + "\n" + AskWhatIsLeft(row.reach, bench.channel, bench.pacer);
+    CloneFixture fixture;
+    fixture.pacer.RequestStop();
+    if (row.state != ' ') fixture.channel.info = Channel::ControllerInfo{1, row.state, ""};
+    const std::string text = LeftText(row.reach) + "\n" + AskWhatIsLeft(row.reach, fixture.channel, fixture.pacer);
     for (const std::string& said : row.said) EXPECT_THAT(text, HasSubstr(said));
     if (row.said.empty()) {
       EXPECT_EQ(text, "\n");
@@ -196,9 +196,9 @@ TEST(RestoreReach, IsNoSuccessWhenAnOkWasNotTheControllersOwn) {
                       {{.lines = 9, .written = 9}, {8, 'R', ""}, "but by whom is not known"},
                       {{.lines = 9, .written = 9, .unproven = 3, .firstUnproven = 7}, {7, 'R', ""}, "Line 7 of the clone file and 2 more"}};
   for (const Row& row : rows) {
-    CloneBench bench;
-    bench.channel.info = row.now;
-    const auto checked = CheckAfterRestore(row.reach, bench.channel, {7, 'R', ""});
+    CloneFixture fixture;
+    fixture.channel.info = row.now;
+    const auto checked = CheckAfterRestore(row.reach, fixture.channel, {7, 'R', ""});
     EXPECT_EQ(checked.has_value(), *row.said == '\0');
     if (!checked) {
       EXPECT_THAT(checked.error().reason, HasSubstr(row.said));

@@ -9,7 +9,7 @@
 #include "clone/SafeCreate.h"
 #include "digest/Sha256.h"
 #include "simulator/SimulatedController.h"
-#include "tests/clone/CloneBench.h"
+#include "tests/clone/CloneFixture.h"
 #include "tests/support/SilentCloner.h"
 
 // What is known of a clone file, and of a controller, before the one is written into the other.
@@ -42,8 +42,8 @@ class Target {
 };
 
 struct Trust : ::testing::Test {
-  CloneBench bench;
-  Target source{bench.pacer, "AurexQ50"};
+  CloneFixture fixture;
+  Target source{fixture.pacer, "AurexQ50"};
   CloneInfo info = Create();
 
   CloneInfo Create(PromptAnswer mayStop = PromptAnswer::Yes) {
@@ -54,19 +54,19 @@ struct Trust : ::testing::Test {
       PromptAnswer answer = PromptAnswer::Yes;
     } prompts;
     prompts.answer = mayStop;
-    SafeCreate safe(bench.file);
+    SafeCreate safe(fixture.file);
     safe.SetComment("before\tthe repair");
-    clsDumpPLC engine(bench.window, prompts, bench.pacer, bench.pacer);
+    clsDumpPLC engine(fixture.window, prompts, fixture.pacer, fixture.pacer);
     safe.Create(engine, prompts, source.Link());
     EXPECT_THAT(safe.Warnings(), ElementsAre(HasSubstr("102 bytes in ZZ, which clone files never take")));
     return safe.Info().value_or(CloneInfo());
   }
-  ManifestReport Report() { return CheckManifest(bench.file, *InspectClone(bench.file)); }
+  ManifestReport Report() { return CheckManifest(fixture.file, *InspectClone(fixture.file)); }
   // The file without its n-th line of segment AP.
   void LoseFlashLine() {
-    std::string content = bench.Content();
+    std::string content = fixture.Content();
     const std::size_t at = content.find("WDF0030") - 3;
-    bench.folder.Put("clone.kdf", content.erase(at, content.find('\n', at) + 1 - at));
+    fixture.folder.Put("clone.kdf", content.erase(at, content.find('\n', at) + 1 - at));
   }
 };
 
@@ -85,15 +85,15 @@ TEST_F(Trust, TheManifestTellsWhatTheFileCannot) {
   EXPECT_EQ(ParseManifest(PrintManifest(*fits.manifest)), *fits.manifest);
 
   LoseFlashLine();
-  ASSERT_TRUE(InspectClone(bench.file)->IsSound()) << "which nobody can see in the file";
+  ASSERT_TRUE(InspectClone(fixture.file)->IsSound()) << "which nobody can see in the file";
   EXPECT_EQ(Report().fit, ManifestFit::Other);
   EXPECT_THAT(Report().text, HasSubstr("not as recorded: AP."));
-  EXPECT_THAT(CheckBeforeRestore(source.Link(), *InspectClone(bench.file), Report())->obstacles,
+  EXPECT_THAT(CheckBeforeRestore(source.Link(), *InspectClone(fixture.file), Report())->obstacles,
               ElementsAre(HasSubstr("does not fit the file")));
 
   Create(PromptAnswer::No);
   EXPECT_THAT(Report().text, HasSubstr("while the program ran"));
-  std::filesystem::remove(ManifestPath(bench.file));
+  std::filesystem::remove(ManifestPath(fixture.file));
   EXPECT_EQ(Report().fit, ManifestFit::Missing);
 }
 
@@ -127,11 +127,11 @@ TEST_F(Trust, AManifestThatWasDamagedIsNotUsed) {
       {"Segment\tOP\tR", "Segment\tOP\tF", "other segments"}};
   for (const auto& [from, to, named] : facts) {
     std::string text = good;
-    bench.folder.Put("clone.kdf.manifest", text.replace(text.find(from), std::string(from).size(), to));
+    fixture.folder.Put("clone.kdf.manifest", text.replace(text.find(from), std::string(from).size(), to));
     EXPECT_EQ(Report().fit, ManifestFit::Other);
     EXPECT_THAT(Report().text, HasSubstr(named));
   }
-  bench.folder.Put("clone.kdf.manifest", std::string(100'000, 'x'));
+  fixture.folder.Put("clone.kdf.manifest", std::string(100'000, 'x'));
   EXPECT_EQ(Report().fit, ManifestFit::Unreadable);
 }
 
@@ -156,13 +156,13 @@ TEST_F(Trust, AnotherLayoutIsRefusedBeforeAnythingIsSent) {
       EXPECT_THAT(check->obstacles, ElementsAre(HasSubstr(row.obstacle)));
     }
   }
-  Target plain(bench.pacer, "K220-22-R1");
+  Target plain(fixture.pacer, "K220-22-R1");
   EXPECT_GT(CheckBeforeRestore(plain.Link(), info, Report())->obstacles.size(), 2U);
 }
 
 TEST_F(Trust, AnotherVersionIsAWarning) {
   EXPECT_THAT(CheckBeforeRestore(source.Link(), info, Report())->warnings, IsEmpty());
-  Target newer(bench.pacer, "AurexQ50", "4.99");
+  Target newer(fixture.pacer, "AurexQ50", "4.99");
   const auto check = CheckBeforeRestore(newer.Link(), info, Report());
   EXPECT_THAT(check->warnings, ElementsAre(HasSubstr("the controller has 4.99")));
   EXPECT_THAT(check->obstacles, IsEmpty());
@@ -185,33 +185,34 @@ TEST_F(Trust, NothingIsBegunOnAnotherControllerOrIntoSomebodyElsesLoad) {
                       {11, 'R', 'L', "somebody else has begun to load"},
                       {12, 'R', 'R', "serial number 12 instead of 11"}};
   for (const Row& row : rows) {
-    bench.channel.info = Channel::ControllerInfo{.serialNumber = row.serialNumber, .state = row.now, .projectName = {}};
-    bench.channel.calls.clear();
+    fixture.channel.info =
+        Channel::ControllerInfo{.serialNumber = row.serialNumber, .state = row.now, .projectName = {}};
+    fixture.channel.calls.clear();
     const Channel::ControllerInfo asked{.serialNumber = 11, .state = row.before, .projectName = {}};
-    const auto begun = BeginRestore(bench.channel, asked);
+    const auto begun = BeginRestore(fixture.channel, asked);
     EXPECT_THAT(begun ? "" : begun.error().reason, HasSubstr(row.refused));
     EXPECT_EQ(begun.has_value(), *row.refused == '\0');
-    EXPECT_EQ(bench.channel.calls.size(), 1U) << "only asked";
+    EXPECT_EQ(fixture.channel.calls.size(), 1U) << "only asked";
   }
 }
 
 TEST_F(Trust, ARestoreFailsPlainlyAtEachOfItsLinesOrIsFoundOutByVerify) {
   const auto restore = [this](Target& plc) {
     KnowingPrompts prompts;
-    clsDumpPLC engine(bench.window, prompts, bench.pacer, bench.pacer);
+    clsDumpPLC engine(fixture.window, prompts, fixture.pacer, fixture.pacer);
     Channel& link = plc.Link();
-    engine.RestoreGhost(*link.GetSerialPort(), bench.file, &link);
+    engine.RestoreGhost(*link.GetSerialPort(), fixture.file, &link);
     return engine.Outcome();
   };
-  Target twice(bench.pacer, "AurexQ50", {}, 2);
+  Target twice(fixture.pacer, "AurexQ50", {}, 2);
   ASSERT_TRUE(twice.simulated->UseFaults({"double:nth=5"}));
   EXPECT_EQ(restore(twice).end, CloneEnd::Done);
-  EXPECT_TRUE(VerifyClone(twice.Link(), bench.file)->IsSame());
+  EXPECT_TRUE(VerifyClone(twice.Link(), fixture.file)->IsSame());
   const auto lines = static_cast<int>(info.frames);
   for (int nth = 1; nth <= lines; nth += nth < lines - 5 ? 7 : 1) {
     const std::string selector = "nth=" + std::to_string(nth);
     for (const std::string kind : {"noreply:", "reset:", "lost:at=0,away=1,"}) {
-      Target plc(bench.pacer, "AurexQ50", {}, 2);
+      Target plc(fixture.pacer, "AurexQ50", {}, 2);
       EXPECT_EQ(plc.State(), 'R');  // it is met, so that lines alone are counted
       ASSERT_TRUE(plc.simulated->UseFaults({kind + selector}));
       const CloneOutcome outcome = restore(plc);
@@ -220,11 +221,11 @@ TEST_F(Trust, ARestoreFailsPlainlyAtEachOfItsLinesOrIsFoundOutByVerify) {
       EXPECT_EQ(outcome.reason.contains("All lines but the end frame"), nth == lines) << outcome.reason;
       EXPECT_EQ(plc.State(), nth == lines || kind == "reset:" ? 'R' : 'L') << kind << selector;
     }
-    Target liar(bench.pacer, "AurexQ50", {}, 2);
+    Target liar(fixture.pacer, "AurexQ50", {}, 2);
     EXPECT_EQ(liar.State(), 'R');
     ASSERT_TRUE(liar.simulated->UseFaults({"lie:" + selector}));
     EXPECT_EQ(restore(liar).end, CloneEnd::Done);
-    EXPECT_EQ(VerifyClone(liar.Link(), bench.file)->IsSame(), nth == lines) << nth;
+    EXPECT_EQ(VerifyClone(liar.Link(), fixture.file)->IsSame(), nth == lines) << nth;
   }
 }
 

@@ -22,7 +22,7 @@
 #include "link/PromptedPassword.h"
 #include "simulator/SimulatedController.h"
 #include "tests/desktop_ui/UsableWindow.h"
-#include "tests/support/SessionBench.h"
+#include "tests/support/SessionFixture.h"
 
 namespace kv::test {
 namespace {
@@ -64,7 +64,7 @@ struct NotedShell : Shell {
 class ClonerWindowTest : public ::testing::Test {
  protected:
   ClonerWindowTest() {
-    bench.shared.ComDriver = &driver;
+    fixture.shared.ComDriver = &driver;
     driver.SetPasswordSource(&password);
     PlugIn({});
   }
@@ -89,7 +89,7 @@ class ClonerWindowTest : public ::testing::Test {
   }
   void Open() {
     window = std::make_unique<frmDumpPLC>(
-        ClonerServices{.shared = bench.shared, .prompts = prompts, .pacer = pacer, .clock = clock, .shell = shell},
+        ClonerServices{.shared = fixture.shared, .prompts = prompts, .pacer = pacer, .clock = clock, .shell = shell},
         nullptr);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
@@ -146,9 +146,9 @@ class ClonerWindowTest : public ::testing::Test {
   static constexpr const char* kIdleLook =
       "Korvantis PLC Cloner: CreateGhost RestoreGhost VerifyClone CompareClones Exit";
 
-  SessionBench bench;
-  std::filesystem::path file = bench.home.Path() / "clone.kdf";
-  WatchedPrompts prompts{bench.log};
+  SessionFixture fixture;
+  std::filesystem::path file = fixture.home.Path() / "clone.kdf";
+  WatchedPrompts prompts{fixture.log};
   QtPacer pacer;
   PacerWallClock clock;
   NotedShell shell;
@@ -212,7 +212,7 @@ TEST_F(ClonerWindowTest, RestoresAFileAndTellsBeforehandWhatSpeaksAgainstIt) {
   // A line for an address that no segment has, in front: nothing is written any more.
   std::string content = TemporaryFolder::Content(file);
   content.insert(content.find("/01WD"), BuildWriteFrame(1, MemoryKind::Flash, 0, Bytes{1, 2}) + "\r\n");
-  bench.home.Put("clone.kdf", content);
+  fixture.home.Put("clone.kdf", content);
   PlugIn({.model = "K450"});
   Restore(0, {PromptAnswer::No});
   EXPECT_THAT(prompts.Boxes().back().text, ::testing::AllOf(HasSubstr("controller is a K450-45.\r\n"),
@@ -260,7 +260,7 @@ TEST_F(ClonerWindowTest, SavesFirstWhatARestoreIsAboutToOverwrite) {
   OnlySmallSegments();
   Create();
   PlugIn({});
-  const std::filesystem::path saved = bench.home.Path() / "saved.kdf";
+  const std::filesystem::path saved = fixture.home.Path() / "saved.kdf";
   auto other = driver.GetChannel();
   Find<QCheckBox>(*window, "chkSaveFirst").setChecked(true);
   prompts.Choose(Utf8FromPath(file));
@@ -298,7 +298,7 @@ TEST_F(ClonerWindowTest, RewritesTheUnitAndErasesWhatTheFileHasNoLineOfOnlyWhenT
   for (std::string line; std::getline(lines, line);) {
     if (!line.contains("WDF003")) rest += line + "\n";  // as if AP had been 255 from end to end
   }
-  bench.home.Put("clone.kdf", rest);
+  fixture.home.Put("clone.kdf", rest);
   std::filesystem::remove(ManifestPath(file));
   for (const PromptAnswer answer : {PromptAnswer::No, PromptAnswer::Yes}) {
     PlugIn({});
@@ -314,7 +314,7 @@ TEST_F(ClonerWindowTest, RewritesTheUnitAndErasesWhatTheFileHasNoLineOfOnlyWhenT
     const bool isFrame = line.starts_with('/');
     forUnit5 += isFrame ? WithUnit(line.substr(0, line.find('\r') + 1), 5) + "\r\n" : line + "\n";
   }
-  bench.home.Put("clone.kdf", forUnit5);
+  fixture.home.Put("clone.kdf", forUnit5);
   PlugIn({});
   Restore(0, {PromptAnswer::No});  // not for this unit, and so not at all
   EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("The clone file is for unit 5, but the controller is unit 1"));
@@ -329,14 +329,14 @@ TEST_F(ClonerWindowTest, ComparesFilesAndTheControllerAndLogsWhatItFound) {
   Create();
   prompts.onAsk = [&](const std::string&) { EXPECT_EQ(Enabled(), "StopDump") << "one operation at a time"; };
   const auto verify = [&] {
-    bench.log.clear();
+    fixture.log.clear();
     prompts.Choose(Utf8FromPath(file));
     Trigger("ID_VerifyClone");
     return Find<QLabel>(*window, "lblProgress").text().toStdString();
   };
   EXPECT_EQ(verify(), "The same.");
   EXPECT_THAT(Information(), HasSubstr("byte for byte, as it was made"));
-  EXPECT_THAT(bench.log, Contains(HasSubstr("the same.")));
+  EXPECT_THAT(fixture.log, Contains(HasSubstr("the same.")));
   EXPECT_EQ(Heading(), "Comparison");
   EXPECT_THAT(Row(0), HasSubstr(": same"));
   PlugIn({});
@@ -353,17 +353,17 @@ TEST_F(ClonerWindowTest, ComparesFilesAndTheControllerAndLogsWhatItFound) {
   EXPECT_THAT(Row(1), ::testing::StartsWith("    "));
   EXPECT_EQ(Look(), kIdleLook);
 
-  const std::filesystem::path second = bench.home.Path() / "second.kdf";
+  const std::filesystem::path second = fixture.home.Path() / "second.kdf";
   std::filesystem::copy_file(file, second);
   prompts.Choose(Utf8FromPath(file));
   prompts.Choose(Utf8FromPath(second));
   Trigger("ID_CompareClones");
   EXPECT_EQ(Find<QLabel>(*window, "lblProgress").text(), "The same.");
-  bench.home.Put("second.kdf", "no clone");
+  fixture.home.Put("second.kdf", "no clone");
   prompts.Choose(Utf8FromPath(file));
   prompts.Choose(Utf8FromPath(second));
   Trigger("ID_CompareClones");
-  EXPECT_THAT(bench.log, Contains(HasSubstr("has failed.")));
+  EXPECT_THAT(fixture.log, Contains(HasSubstr("has failed.")));
 }
 
 TEST_F(ClonerWindowTest, GivesThePasswordBeforeARestoreToAControllerThatWantsIt) {
@@ -384,7 +384,7 @@ TEST_F(ClonerWindowTest, GivesThePasswordBeforeARestoreToAControllerThatWantsIt)
 
 TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
   PlugIn({.baud = 115200});
-  bench.home.Put("clone.kdf", "the good clone of last week");
+  fixture.home.Put("clone.kdf", "the good clone of last week");
   Open();
   WhenAtWork([&] {
     window->close();
@@ -423,7 +423,7 @@ TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
 }
 
 TEST_F(ClonerWindowTest, StaysIdleWhenADialogIsCancelledOrNobodyIsThere) {
-  bench.home.Put("clone.kdf", "kept");
+  fixture.home.Put("clone.kdf", "kept");
   Open();
   prompts.Choose(std::nullopt);
   Trigger("ID_CreateGhost");

@@ -3,7 +3,7 @@
 #include <map>
 
 #include "dataview/files/GridFile.h"
-#include "tests/dataview/DataViewBench.h"
+#include "tests/dataview/DataViewFixture.h"
 
 namespace kv::test {
 namespace {
@@ -37,14 +37,14 @@ TEST(Edit, RefusesWhatCannotBeWrittenAndSaysWhatCan) {
       {SI, 0, "1", "only the controller"},
       {DBI, 0, "1", "no DBI 0"},
   };
-  DataViewBench bench;
+  DataViewFixture fixture;
   for (const Case& c : colour) {
     SCOPED_TRACE(std::string(c.text) + " " + c.fault);
-    const std::size_t edited = bench.view.Operands().EditedCount();
-    EXPECT_EQ(bench.view.Edit(c.type, c.address, c.text), *c.fault == '\0');
-    EXPECT_THAT(bench.view.EditFault(c.type, c.address, c.text), HasSubstr(c.fault));
+    const std::size_t edited = fixture.view.Operands().EditedCount();
+    EXPECT_EQ(fixture.view.Edit(c.type, c.address, c.text), *c.fault == '\0');
+    EXPECT_THAT(fixture.view.EditFault(c.type, c.address, c.text), HasSubstr(c.fault));
     if (*c.fault != '\0') {
-      EXPECT_EQ(bench.view.Operands().EditedCount(), edited);
+      EXPECT_EQ(fixture.view.Operands().EditedCount(), edited);
     }
   }
   const std::tuple<const char*, const char*, const char*> times[] = {{"K220-22-R1", "1", "01:00:00.00"},
@@ -53,16 +53,16 @@ TEST(Edit, RefusesWhatCannotBeWrittenAndSaysWhatCan) {
                                                                      {"Q50", "00:00:01.5", "1050"},
                                                                      {"Q50", "0010", "10"}};
   for (const auto& [model, typed, shown] : times) {
-    DataViewBench timed(model);
+    DataViewFixture timed(model);
     EXPECT_TRUE(timed.view.Edit(TimerPreset, 0, typed));
     EXPECT_EQ(timed.view.Operands().Text(TimerPreset, 0), shown) << typed << " says what will be written";
   }
-  EXPECT_THAT(DataViewBench("Q50").view.EditFault(TimerPreset, 0, "1505"), HasSubstr("multiple of 10"));
+  EXPECT_THAT(DataViewFixture("Q50").view.EditFault(TimerPreset, 0, "1505"), HasSubstr("multiple of 10"));
 }
 
 // What MI 0 shows: "r3" read, "e3" edited, "" nothing.
-std::string Shown(const DataViewBench& bench) {
-  const CellText cell = bench.view.Operands().Shown(MI, 0);
+std::string Shown(const DataViewFixture& fixture) {
+  const CellText cell = fixture.view.Operands().Shown(MI, 0);
   if (cell.origin == CellOrigin::None) return cell.text;
   return (cell.origin == CellOrigin::Read ? "r" : "e") + cell.text;
 }
@@ -73,28 +73,28 @@ std::string After(const std::string& steps) {
   const std::map<char, const char*> tools = {{'r', "ID_ReadRegions"},   {'w', "ID_WriteRegions"}, {'u', "ID_Undo"},
                                              {'d', "ID_Redo"},          {'n', "ID_NewRegions"},   {'a', "ID_ReadAll"},
                                              {'t', "ID_TakeAllValues"}, {'o', "ID_OnLine"}};
-  DataViewBench bench;
-  bench.Add(MI, 0, 0);
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 0);
   std::uint32_t value = 0;
-  bench.channel->value = [&](std::int32_t) { return value; };
-  bench.channel->during = [&] { bench.pacer.Sleep(std::chrono::milliseconds(1)); };
-  bench.pacer.OnDoEvents([&] {
-    if (bench.view.Status().mode == ViewMode::Online) bench.view.Run("ID_OnLine");
+  fixture.channel->value = [&](std::int32_t) { return value; };
+  fixture.channel->during = [&] { fixture.pacer.Sleep(std::chrono::milliseconds(1)); };
+  fixture.pacer.OnDoEvents([&] {
+    if (fixture.view.Status().mode == ViewMode::Online) fixture.view.Run("ID_OnLine");
   });
   for (std::size_t i = 0; i < steps.size(); ++i) {
     const char step = steps[i];
     const std::string number = i + 1 < steps.size() && std::isdigit(steps[i + 1]) != 0 ? steps.substr(++i, 1) : "";
     if (step == '=') {
-      EXPECT_TRUE(bench.view.Edit(MI, 0, number));
+      EXPECT_TRUE(fixture.view.Edit(MI, 0, number));
       continue;
     }
     if (!number.empty()) value = static_cast<std::uint32_t>(number[0] - '0');
-    if (!number.empty()) bench.channel->kept.clear();
-    if (step == 'n') bench.prompts.Press(kYes);
-    bench.Run(tools.at(step));
+    if (!number.empty()) fixture.channel->kept.clear();
+    if (step == 'n') fixture.prompts.Press(kYes);
+    fixture.Run(tools.at(step));
   }
-  EXPECT_EQ(bench.view.Status().edited, Shown(bench).starts_with("e") ? 1U : 0U) << steps;
-  return Shown(bench);
+  EXPECT_EQ(fixture.view.Status().edited, Shown(fixture).starts_with("e") ? 1U : 0U) << steps;
+  return Shown(fixture);
 }
 
 TEST(Undo, NeverShowsAnOldTextAsRead) {
@@ -129,37 +129,37 @@ TEST(Undo, NeverShowsAnOldTextAsRead) {
 }
 
 TEST(Undo, TakesRegionsAndTheirSettingsBack) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 9);
-  bench.Run("ID_ReadRegions");
-  bench.Add(ML, 0, 9);
-  bench.view.SetDescription(0, "Tank");
-  bench.view.SetSize(0, SizeCode::Bit8);
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 9);
+  fixture.Run("ID_ReadRegions");
+  fixture.Add(ML, 0, 9);
+  fixture.view.SetDescription(0, "Tank");
+  fixture.view.SetSize(0, SizeCode::Bit8);
   HiddenRows hidden;
   hidden.Set(RowOfType(SB), true);
-  bench.view.SetHidden(hidden);
-  bench.view.SelectRegions({0});
-  bench.Run("ID_RemoveRegion");
-  EXPECT_EQ(bench.view.UndoText(), "Undo removing regions");
-  bench.Run("ID_Undo");
-  const auto row = [&]() -> const RegionRow& { return bench.view.Regions().Rows()[0]; };
+  fixture.view.SetHidden(hidden);
+  fixture.view.SelectRegions({0});
+  fixture.Run("ID_RemoveRegion");
+  EXPECT_EQ(fixture.view.UndoText(), "Undo removing regions");
+  fixture.Run("ID_Undo");
+  const auto row = [&]() -> const RegionRow& { return fixture.view.Regions().Rows()[0]; };
   EXPECT_EQ(row().description, "Tank");
   EXPECT_THAT(row().values, HasSubstr("  9"));
-  EXPECT_EQ(bench.view.AgeText(0), "0 s");
-  EXPECT_THAT(bench.changed, ElementsAre(testing::Field(&GridChanges::regionRowsReplaced, true)));
-  bench.Run("ID_Undo");
-  EXPECT_FALSE(bench.view.Settings().hidden.IsHidden(RowOfType(SB)));
-  bench.Run("ID_Undo");
+  EXPECT_EQ(fixture.view.AgeText(0), "0 s");
+  EXPECT_THAT(fixture.changed, ElementsAre(testing::Field(&GridChanges::regionRowsReplaced, true)));
+  fixture.Run("ID_Undo");
+  EXPECT_FALSE(fixture.view.Settings().hidden.IsHidden(RowOfType(SB)));
+  fixture.Run("ID_Undo");
   EXPECT_EQ(row().size, SizeCode::Bit16);
-  EXPECT_EQ(bench.changed[0].regionRowsReplaced, false) << "one row's settings";
-  for (int i = 0; i < 2; ++i) bench.Run("ID_Undo");
-  EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
-  for (int i = 0; i < 5; ++i) bench.Run("ID_Redo");
-  EXPECT_THAT(bench.view.Regions().Regions(), ElementsAre(Region{0, 9, ML}));
-  EXPECT_EQ(bench.view.WhyNot("ID_Redo"), "There is nothing to do again.");
-  bench.Run("ID_Undo");
-  bench.view.SetFormat(0, FormatCode::Hex);
-  EXPECT_EQ(bench.view.RedoText(), "") << "another change has taken its place";
+  EXPECT_EQ(fixture.changed[0].regionRowsReplaced, false) << "one row's settings";
+  for (int i = 0; i < 2; ++i) fixture.Run("ID_Undo");
+  EXPECT_EQ(fixture.view.Regions().Rows().size(), 1U);
+  for (int i = 0; i < 5; ++i) fixture.Run("ID_Redo");
+  EXPECT_THAT(fixture.view.Regions().Regions(), ElementsAre(Region{0, 9, ML}));
+  EXPECT_EQ(fixture.view.WhyNot("ID_Redo"), "There is nothing to do again.");
+  fixture.Run("ID_Undo");
+  fixture.view.SetFormat(0, FormatCode::Hex);
+  EXPECT_EQ(fixture.view.RedoText(), "") << "another change has taken its place";
 }
 
 TEST(Undo, ForgetsTheOldestFirst) {
@@ -179,102 +179,102 @@ TEST(Undo, ForgetsTheOldestFirst) {
 // ---- files and the clipboard: that each command does what it says, and leaves the grids alone when it is refused ----
 
 TEST(ViewFiles, RegionsGoIntoAFileAndComeBack) {
-  DataViewBench bench;
-  const std::string file = Utf8FromPath(bench.home.Path() / "a.axt");
+  DataViewFixture fixture;
+  const std::string file = Utf8FromPath(fixture.home.Path() / "a.axt");
   const auto load = [&](const std::optional<std::string>& path, std::initializer_list<PromptAnswer> answers = {}) {
-    bench.prompts.Press(kYes);
-    bench.prompts.Choose(path);
-    return bench.Run("ID_LoadRegions", answers);
+    fixture.prompts.Press(kYes);
+    fixture.prompts.Choose(path);
+    return fixture.Run("ID_LoadRegions", answers);
   };
-  const auto row = [&]() -> const RegionRow& { return bench.view.Regions().Rows()[0]; };
-  bench.Add(MI, 0, 9);
-  bench.view.SetDescription(0, "Tank");
-  bench.prompts.Choose(file);
-  bench.Run("ID_SaveRegions");
-  bench.Run("ID_NewRegions", {kYes});
+  const auto row = [&]() -> const RegionRow& { return fixture.view.Regions().Rows()[0]; };
+  fixture.Add(MI, 0, 9);
+  fixture.view.SetDescription(0, "Tank");
+  fixture.prompts.Choose(file);
+  fixture.Run("ID_SaveRegions");
+  fixture.Run("ID_NewRegions", {kYes});
   EXPECT_THAT(load(file), ElementsAre(kDeletesQuestion, "OpenFile *.axt|*.axt"));
   EXPECT_EQ(row().description, "Tank");
-  bench.Run("ID_ReadRegions");
+  fixture.Run("ID_ReadRegions");
 
-  bench.home.Put("a.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t9\tTank\t16 BIT\tDECIMAL\t7 8\t\r\n\r\n");
+  fixture.home.Put("a.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t9\tTank\t16 BIT\tDECIMAL\t7 8\t\r\n\r\n");
   load(file);
   EXPECT_EQ(row().values, "7 8");
-  EXPECT_THAT(bench.changed, ElementsAre(testing::Field(&GridChanges::regionRowsReplaced, true)))
+  EXPECT_THAT(fixture.changed, ElementsAre(testing::Field(&GridChanges::regionRowsReplaced, true)))
       << "the same regions, but other texts";
-  bench.Run("ID_ReadRegions");
+  fixture.Run("ID_ReadRegions");
   EXPECT_FALSE(row().isFromFile) << "also where all cells were as they are";
-  EXPECT_EQ(bench.changed.size(), 1U) << "the window is told";
+  EXPECT_EQ(fixture.changed.size(), 1U) << "the window is told";
   load(file);
-  bench.view.Edit(MI, 0, "5");
+  fixture.view.Edit(MI, 0, "5");
   EXPECT_FALSE(row().isFromFile);
   EXPECT_NE(row().values, "7 8");
 
-  bench.home.Put("a.axt", "Version 99\r\n");
+  fixture.home.Put("a.axt", "Version 99\r\n");
   EXPECT_EQ(load(file, {kOk}).size(), 3U);
   EXPECT_EQ(load(std::nullopt).size(), 2U);
-  EXPECT_THAT(bench.changed, IsEmpty());
-  EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
-  bench.home.Put("a.axt", "Version 100\r\nAurex\r\n6\tDBI\t0\t9\t\r\n\r\n");
+  EXPECT_THAT(fixture.changed, IsEmpty());
+  EXPECT_EQ(fixture.view.Regions().Rows().size(), 1U);
+  fixture.home.Put("a.axt", "Version 100\r\nAurex\r\n6\tDBI\t0\t9\t\r\n\r\n");
   EXPECT_THAT(load(file, {kOk}).back(), HasSubstr("contains invalid regions"));
-  EXPECT_THAT(bench.view.Status().refusal, testing::StartsWith("a.axt: ")) << "can be read whole";
-  EXPECT_THAT(bench.view.Regions().Rows(), IsEmpty());
-  EXPECT_EQ(bench.view.Operands().Text(MI, 0), "5") << "only the regions go";
-  bench.Run("ID_Undo");
-  EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
+  EXPECT_THAT(fixture.view.Status().refusal, testing::StartsWith("a.axt: ")) << "can be read whole";
+  EXPECT_THAT(fixture.view.Regions().Rows(), IsEmpty());
+  EXPECT_EQ(fixture.view.Operands().Text(MI, 0), "5") << "only the regions go";
+  fixture.Run("ID_Undo");
+  EXPECT_EQ(fixture.view.Regions().Rows().size(), 1U);
 }
 
 TEST(ViewFiles, PasteAndImportTakeAllOrNothing) {
-  DataViewBench bench;
-  bench.Add(SI, 0, 1);
-  bench.Add(MI, 0, 0);
-  bench.Run("ID_ReadRegions");
+  DataViewFixture fixture;
+  fixture.Add(SI, 0, 1);
+  fixture.Add(MI, 0, 0);
+  fixture.Run("ID_ReadRegions");
   const auto paste = [&](const char* text, std::int32_t row, std::initializer_list<PromptAnswer> answers) {
-    bench.clipboard.SetText(text);
-    bench.view.Select({.top = row, .left = 1, .bottom = row, .right = 1});
-    bench.Run("ID_Paste", answers);
+    fixture.clipboard.SetText(text);
+    fixture.view.Select({.top = row, .left = 1, .bottom = row, .right = 1});
+    fixture.Run("ID_Paste", answers);
   };
   paste("1\t2\r\n", RowOfType(MI), {});
-  EXPECT_EQ(bench.view.Operands().Text(MI, 1), "2");
-  EXPECT_EQ(bench.view.Regions().Rows()[1].values, "     1");
-  EXPECT_EQ(bench.changed.size(), 1U);
+  EXPECT_EQ(fixture.view.Operands().Text(MI, 1), "2");
+  EXPECT_EQ(fixture.view.Regions().Rows()[1].values, "     1");
+  EXPECT_EQ(fixture.changed.size(), 1U);
   paste("7\t40000\r\n", RowOfType(MI), {kOk});
-  EXPECT_THAT(bench.view.Status().message, HasSubstr("MI 1 cannot be \"40000\""));
-  EXPECT_EQ(bench.view.Operands().Text(MI, 0), "1");
+  EXPECT_THAT(fixture.view.Status().message, HasSubstr("MI 1 cannot be \"40000\""));
+  EXPECT_EQ(fixture.view.Operands().Text(MI, 0), "1");
   paste("7\t8\r\n", RowOfType(SI), {});
-  EXPECT_EQ(bench.view.Operands().Text(SI, 1), "1") << "what only the controller sets shows what it told";
-  EXPECT_THAT(bench.view.Status().message, HasSubstr("2 cells of types that only the controller sets"));
+  EXPECT_EQ(fixture.view.Operands().Text(SI, 1), "1") << "what only the controller sets shows what it told";
+  EXPECT_THAT(fixture.view.Status().message, HasSubstr("2 cells of types that only the controller sets"));
 
   paste("nan\t-inf\r\n", RowOfType(MF), {});
-  EXPECT_EQ(bench.view.Operands().Text(MF, 1), "-inf") << "a controller may have told it";
-  bench.Run("ID_Undo");
+  EXPECT_EQ(fixture.view.Operands().Text(MF, 1), "-inf") << "a controller may have told it";
+  fixture.Run("ID_Undo");
 
-  bench.view.Select({.top = RowOfType(MI), .left = 1, .bottom = RowOfType(SI), .right = 2});
-  bench.Run("ID_Cut");
-  EXPECT_EQ(bench.view.Operands().Text(MI, 1), "");
-  EXPECT_EQ(bench.view.Operands().Text(SI, 1), "1");
-  bench.view.Select({.top = RowOfType(MI), .left = 1, .bottom = RowOfType(MI), .right = 1});
-  bench.Run("ID_Paste");
-  EXPECT_EQ(bench.view.Operands().Text(MI, 1), "2");
-  for (int i = 0; i < 3; ++i) bench.Run("ID_Undo");
-  EXPECT_EQ(bench.view.Operands().EditedCount(), 0U);
+  fixture.view.Select({.top = RowOfType(MI), .left = 1, .bottom = RowOfType(SI), .right = 2});
+  fixture.Run("ID_Cut");
+  EXPECT_EQ(fixture.view.Operands().Text(MI, 1), "");
+  EXPECT_EQ(fixture.view.Operands().Text(SI, 1), "1");
+  fixture.view.Select({.top = RowOfType(MI), .left = 1, .bottom = RowOfType(MI), .right = 1});
+  fixture.Run("ID_Paste");
+  EXPECT_EQ(fixture.view.Operands().Text(MI, 1), "2");
+  for (int i = 0; i < 3; ++i) fixture.Run("ID_Undo");
+  EXPECT_EQ(fixture.view.Operands().EditedCount(), 0U);
 }
 
 TEST(ViewFiles, TheSeparatorIsAskedForBeforeTheFile) {
-  DataViewBench bench;
+  DataViewFixture fixture;
   for (const char* tool : {"ID_ExportToCSV", "ID_ImportFromCSV"}) {
-    bench.separator = [](const std::string&) { return std::nullopt; };
-    EXPECT_THAT(bench.Run(tool), IsEmpty()) << "cancelled";
-    bench.separator = [](const std::string&) { return "0A"; };
-    EXPECT_THAT(bench.Run(tool, {kOk}), ElementsAre(HasSubstr("The line feed (0A) ends a line")));
+    fixture.separator = [](const std::string&) { return std::nullopt; };
+    EXPECT_THAT(fixture.Run(tool), IsEmpty()) << "cancelled";
+    fixture.separator = [](const std::string&) { return "0A"; };
+    EXPECT_THAT(fixture.Run(tool, {kOk}), ElementsAre(HasSubstr("The line feed (0A) ends a line")));
   }
-  bench.separator = [](const std::string& offered) { return offered; };
+  fixture.separator = [](const std::string& offered) { return offered; };
   for (const char* tool : {"ID_ImportFromCSV", "ID_ExportToCSV", "ID_Export", "ID_SaveRegions"}) {
-    bench.prompts.Choose(std::nullopt);
-    bench.Run(tool);
+    fixture.prompts.Choose(std::nullopt);
+    fixture.Run(tool);
   }
-  EXPECT_EQ(bench.prompts.OpenDialogs().back(),
+  EXPECT_EQ(fixture.prompts.OpenDialogs().back(),
             FileDialog({.title = "Import from CSV", .filter = "*.csv|*.csv", .purpose = "Values"}));
-  const auto& saves = bench.prompts.SaveDialogs();
+  const auto& saves = fixture.prompts.SaveDialogs();
   EXPECT_THAT(saves[0].initial, testing::MatchesRegex("Default-K220-22-R1-[0-9]+-[0-9][0-9]-[0-9][0-9]\\.csv"));
   EXPECT_THAT(saves[1].initial, testing::EndsWith(".xls"));
   EXPECT_EQ(saves[2], FileDialog({.title = "Save Regions", .filter = "*.axt|*.axt", .purpose = "Regions"}));
@@ -284,60 +284,60 @@ TEST(ViewFiles, TheSeparatorIsAskedForBeforeTheFile) {
 
 TEST(ReadAll, AsksForWhatTheControllerHasAndLeavesTheGridsAlone) {
   for (const auto& [os, requests] : {std::pair("4.00", 35), std::pair("2.00", 18)}) {
-    DataViewBench bench;
-    bench.channel->version->osVersion = os;
-    bench.view.Edit(MI, 3, "8");
-    const CallLog log = bench.Run("ID_ReadAll");
-    EXPECT_THAT(bench.changed, IsEmpty()) << bench.view.Status().message;
-    EXPECT_EQ(bench.view.Operands().Text(MI, 3), "8");
+    DataViewFixture fixture;
+    fixture.channel->version->osVersion = os;
+    fixture.view.Edit(MI, 3, "8");
+    const CallLog log = fixture.Run("ID_ReadAll");
+    EXPECT_THAT(fixture.changed, IsEmpty()) << fixture.view.Status().message;
+    EXPECT_EQ(fixture.view.Operands().Text(MI, 3), "8");
     const auto isOfMI = [](const std::string& call) { return call.starts_with("ReadOperandList @1: 0,3,"); };
     EXPECT_EQ(std::ranges::count_if(log, isOfMI), requests) << os;
     EXPECT_THAT(log, Contains(HasSubstr(": 0,1,0,"))) << "MB, the first type";
-    EXPECT_FALSE(std::filesystem::exists(bench.home.Path() / "Tmp" / "Regions.tmp"));
+    EXPECT_FALSE(std::filesystem::exists(fixture.home.Path() / "Tmp" / "Regions.tmp"));
   }
 }
 
 TEST(ReadAll, AProgramThatIsKilledInTheMiddleLosesNothing) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 9);
-  bench.view.Edit(MI, 3, "8");
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 9);
+  fixture.view.Edit(MI, 3, "8");
   bool isFirst = true;
-  bench.channel->during = [&] {
+  fixture.channel->during = [&] {
     if (!std::exchange(isFirst, false)) return;
     // The next program finds the folder as it stands now.
-    std::filesystem::copy(bench.home.Path() / "Tmp", bench.home.Path() / "Kept");
+    std::filesystem::copy(fixture.home.Path() / "Tmp", fixture.home.Path() / "Kept");
   };
-  bench.Run("ID_ReadAll");
-  std::filesystem::remove_all(bench.home.Path() / "Tmp");
-  std::filesystem::rename(bench.home.Path() / "Kept", bench.home.Path() / "Tmp");
-  bench.view.Open();
-  EXPECT_THAT(bench.view.Regions().Regions(), ElementsAre(Region{0, 9, MI}));
-  EXPECT_EQ(bench.view.Operands().Shown(MI, 3), (CellText{"8", CellOrigin::Edited}));
-  EXPECT_THAT(bench.view.Status().message, HasSubstr("ended during a read or write of all values"));
+  fixture.Run("ID_ReadAll");
+  std::filesystem::remove_all(fixture.home.Path() / "Tmp");
+  std::filesystem::rename(fixture.home.Path() / "Kept", fixture.home.Path() / "Tmp");
+  fixture.view.Open();
+  EXPECT_THAT(fixture.view.Regions().Regions(), ElementsAre(Region{0, 9, MI}));
+  EXPECT_EQ(fixture.view.Operands().Shown(MI, 3), (CellText{"8", CellOrigin::Edited}));
+  EXPECT_THAT(fixture.view.Status().message, HasSubstr("ended during a read or write of all values"));
 }
 
 TEST(WriteAll, WritesEveryTextThatMayBeWritten) {
-  DataViewBench bench;
-  bench.Add(SI, 0, 1);
-  bench.Run("ID_ReadRegions");
-  EXPECT_THAT(bench.Run("ID_WriteAll", {kOk}), testing::Not(Contains(HasSubstr("Write"))));
-  for (const std::int32_t address : {0, 1, 3}) bench.view.Edit(MI, address, "8");
-  for (std::int32_t address = 10; address < 41; ++address) bench.view.Edit(ML, address, "-8");
+  DataViewFixture fixture;
+  fixture.Add(SI, 0, 1);
+  fixture.Run("ID_ReadRegions");
+  EXPECT_THAT(fixture.Run("ID_WriteAll", {kOk}), testing::Not(Contains(HasSubstr("Write"))));
+  for (const std::int32_t address : {0, 1, 3}) fixture.view.Edit(MI, address, "8");
+  for (std::int32_t address = 10; address < 41; ++address) fixture.view.Edit(ML, address, "-8");
   constexpr const char* kQuestion = "Box (?) Data Types - Default: Write 34 values to COM3, 115200 8N1, unit 1?";
-  EXPECT_THAT(bench.Run("ID_WriteAll", {PromptAnswer::No}), ElementsAre(kQuestion));
-  EXPECT_TRUE(bench.prompts.Boxes().back().canLose) << "Enter does not write";
-  const CallLog log = bench.Run("ID_WriteAll", {PromptAnswer::Yes, kOk});
+  EXPECT_THAT(fixture.Run("ID_WriteAll", {PromptAnswer::No}), ElementsAre(kQuestion));
+  EXPECT_TRUE(fixture.prompts.Boxes().back().canLose) << "Enter does not write";
+  const CallLog log = fixture.Run("ID_WriteAll", {PromptAnswer::Yes, kOk});
   EXPECT_THAT(log, Contains("WriteMI 0 2 @1"));
   EXPECT_THAT(log, Contains("WriteMI 3 1 @1"));
   EXPECT_THAT(log, Contains("WriteML 10 30 @1"));
   EXPECT_THAT(log, Contains("WriteML 40 1 @1"));
-  EXPECT_EQ(bench.view.Status().edited, 0U);
-  EXPECT_EQ(bench.view.Regions().Rows().size(), 1U);
+  EXPECT_EQ(fixture.view.Status().edited, 0U);
+  EXPECT_EQ(fixture.view.Regions().Rows().size(), 1U);
 
-  EXPECT_TRUE(bench.view.Close());
-  bench.view.Open();
-  bench.view.Edit(MI, 0, "9");
-  EXPECT_THAT(bench.Run("ID_WriteAll", {PromptAnswer::No}),
+  EXPECT_TRUE(fixture.view.Close());
+  fixture.view.Open();
+  fixture.view.Edit(MI, 0, "9");
+  EXPECT_THAT(fixture.Run("ID_WriteAll", {PromptAnswer::No}),
               ElementsAre(testing::StartsWith(
                   std::string(kQuestion) + "\n\n1 of them was changed here; 33 stand as they were read or written last."
                                            "\n\n33 of them are pale: ")));
@@ -346,22 +346,22 @@ TEST(WriteAll, WritesEveryTextThatMayBeWritten) {
 // ---- between openings ----
 
 TEST(Close, KeepsBothGridsOrAsks) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 9);
-  bench.Run("ID_ReadRegions");
-  EXPECT_TRUE(bench.view.Close());
-  EXPECT_FALSE(bench.view.Edit(MI, 3, "9"));
-  bench.view.Open();
-  EXPECT_EQ(bench.view.AgeText(0), "") << "how old the values are is not known any more";
-  EXPECT_EQ(bench.view.UndoText(), "");
-  std::filesystem::remove_all(bench.Session("Default"));
-  bench.prompts.Press(kNo);
-  EXPECT_FALSE(bench.view.Close());
-  EXPECT_TRUE(bench.view.Edit(MI, 3, "9")) << "it is still open";
-  bench.prompts.Press(kYes);
-  EXPECT_TRUE(bench.view.Close());
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 9);
+  fixture.Run("ID_ReadRegions");
+  EXPECT_TRUE(fixture.view.Close());
+  EXPECT_FALSE(fixture.view.Edit(MI, 3, "9"));
+  fixture.view.Open();
+  EXPECT_EQ(fixture.view.AgeText(0), "") << "how old the values are is not known any more";
+  EXPECT_EQ(fixture.view.UndoText(), "");
+  std::filesystem::remove_all(fixture.Session("Default"));
+  fixture.prompts.Press(kNo);
+  EXPECT_FALSE(fixture.view.Close());
+  EXPECT_TRUE(fixture.view.Edit(MI, 3, "9")) << "it is still open";
+  fixture.prompts.Press(kYes);
+  EXPECT_TRUE(fixture.view.Close());
 
-  DataViewBench watching;
+  DataViewFixture watching;
   watching.Add(MI, 0, 61);
   watching.channel->during = [&] { watching.pacer.Sleep(std::chrono::milliseconds(300)); };
   watching.pacer.OnDoEvents([&] { EXPECT_TRUE(watching.view.Close()); });

@@ -1,6 +1,6 @@
 // Reading and writing the regions: what is sent, in which order, what the user is told, and that nothing wrong is
 // shown.
-#include "tests/dataview/DataViewBench.h"
+#include "tests/dataview/DataViewFixture.h"
 
 namespace kv::test {
 namespace {
@@ -35,86 +35,88 @@ constexpr const char* kReadOnlyBox =
     "All legal values will be written to permitted regions.";
 
 TEST(ReadRegions, OneRequestARegionAndOneChangeForAll) {
-  DataViewBench bench;
-  EXPECT_THAT(bench.Run("ID_ReadRegions"), IsEmpty()) << "no regions: nothing is sent";
-  EXPECT_THAT(bench.view.WhyNot("ID_ReadRegions"), HasSubstr("no regions"));
-  bench.Add(MI, 5, 70);
-  bench.Add(SI, 0, 1);
-  EXPECT_EQ(bench.Run("ID_ReadRegions"),
+  DataViewFixture fixture;
+  EXPECT_THAT(fixture.Run("ID_ReadRegions"), IsEmpty()) << "no regions: nothing is sent";
+  EXPECT_THAT(fixture.view.WhyNot("ID_ReadRegions"), HasSubstr("no regions"));
+  fixture.Add(MI, 5, 70);
+  fixture.Add(SI, 0, 1);
+  EXPECT_EQ(fixture.Run("ID_ReadRegions"),
             WithRequests(
                 {"ReadOperandList @1: 0,3,5,60,0", "ReadOperandList @1: 0,3,65,6,0", "ReadOperandList @1: 0,4,0,2,0"}));
-  EXPECT_EQ(bench.view.Operands().Text(MI, 70), "70");
-  EXPECT_EQ(bench.view.Regions().Rows()[2].values, "     0      1");
-  ASSERT_EQ(bench.changed.size(), 1U);
-  EXPECT_EQ(bench.changed[0].operands, (GridSelection{RowOfType(MI), 1, RowOfType(SI), 71}));
-  EXPECT_EQ(bench.changed[0].firstRegion, 0);
-  EXPECT_EQ(bench.changed[0].lastRegion, 2);
-  EXPECT_TRUE(bench.changed[0].onlyValues);
-  EXPECT_EQ(bench.view.Status().mode, ViewMode::Idle);
+  EXPECT_EQ(fixture.view.Operands().Text(MI, 70), "70");
+  EXPECT_EQ(fixture.view.Regions().Rows()[2].values, "     0      1");
+  ASSERT_EQ(fixture.changed.size(), 1U);
+  EXPECT_EQ(fixture.changed[0].operands, (GridSelection{RowOfType(MI), 1, RowOfType(SI), 71}));
+  EXPECT_EQ(fixture.changed[0].firstRegion, 0);
+  EXPECT_EQ(fixture.changed[0].lastRegion, 2);
+  EXPECT_TRUE(fixture.changed[0].onlyValues);
+  EXPECT_EQ(fixture.view.Status().mode, ViewMode::Idle);
 
-  bench.channel->value = [](std::int32_t address) { return address == 66 ? 1U : static_cast<std::uint32_t>(address); };
-  bench.Run("ID_ReadRegions");
-  ASSERT_EQ(bench.changed.size(), 1U) << "only what changed";
-  EXPECT_EQ(bench.changed[0].operands, (GridSelection{RowOfType(MI), 67, RowOfType(MI), 67}));
-  EXPECT_EQ(bench.changed[0].firstRegion, 1);
-  bench.Run("ID_ReadRegions");
-  EXPECT_THAT(bench.changed, IsEmpty());
+  fixture.channel->value = [](std::int32_t address) {
+    return address == 66 ? 1U : static_cast<std::uint32_t>(address);
+  };
+  fixture.Run("ID_ReadRegions");
+  ASSERT_EQ(fixture.changed.size(), 1U) << "only what changed";
+  EXPECT_EQ(fixture.changed[0].operands, (GridSelection{RowOfType(MI), 67, RowOfType(MI), 67}));
+  EXPECT_EQ(fixture.changed[0].firstRegion, 1);
+  fixture.Run("ID_ReadRegions");
+  EXPECT_THAT(fixture.changed, IsEmpty());
 }
 
 TEST(ReadRegions, FailingAtAnyCallLeavesWhatWasShown) {
   for (int call = 3; call <= 6; ++call) {  // the version, and three regions
     SCOPED_TRACE(call);
-    DataViewBench bench;
-    bench.Add(MI, 0, 129);
-    bench.Run("ID_ReadRegions");
-    bench.channel->value = [](std::int32_t) { return 9U; };
-    bench.channel->failAt = call - 1;
-    bench.pacer.Sleep(std::chrono::seconds(90));
-    EXPECT_EQ(bench.Run("ID_ReadRegions").back(), "AbortComm on") << "the channel is given back";
+    DataViewFixture fixture;
+    fixture.Add(MI, 0, 129);
+    fixture.Run("ID_ReadRegions");
+    fixture.channel->value = [](std::int32_t) { return 9U; };
+    fixture.channel->failAt = call - 1;
+    fixture.pacer.Sleep(std::chrono::seconds(90));
+    EXPECT_EQ(fixture.Run("ID_ReadRegions").back(), "AbortComm on") << "the channel is given back";
     for (int row = 0; row < 3; ++row) {
       const bool isNew = row < call - 4;
-      EXPECT_EQ(bench.view.Operands().Text(MI, 60 * row), isNew ? "9" : std::to_string(60 * row)) << row;
-      EXPECT_EQ(bench.view.AgeText(static_cast<std::size_t>(row)), isNew ? "0 s" : "1 min") << row;
+      EXPECT_EQ(fixture.view.Operands().Text(MI, 60 * row), isNew ? "9" : std::to_string(60 * row)) << row;
+      EXPECT_EQ(fixture.view.AgeText(static_cast<std::size_t>(row)), isNew ? "0 s" : "1 min") << row;
     }
-    EXPECT_TRUE(bench.view.Status().isError);
-    EXPECT_TRUE(bench.view.Status().loss);
-    EXPECT_THAT(bench.view.Status().message, HasSubstr("no reply"));
-    EXPECT_EQ(bench.view.Status().mode, ViewMode::Idle);
-    bench.channel->failAt = 3;
-    bench.Run("ID_ReadAll");
-    EXPECT_THAT(bench.view.Status().message, HasSubstr("no reply")) << "not even the version was told";
+    EXPECT_TRUE(fixture.view.Status().isError);
+    EXPECT_TRUE(fixture.view.Status().loss);
+    EXPECT_THAT(fixture.view.Status().message, HasSubstr("no reply"));
+    EXPECT_EQ(fixture.view.Status().mode, ViewMode::Idle);
+    fixture.channel->failAt = 3;
+    fixture.Run("ID_ReadAll");
+    EXPECT_THAT(fixture.view.Status().message, HasSubstr("no reply")) << "not even the version was told";
   }
 }
 
 TEST(ReadRegions, StopAndRefusal) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 179);
-  bench.channel->during = [&] {
-    if (bench.view.Operands().Text(MI, 0) == "0") bench.pacer.RequestStop();
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 179);
+  fixture.channel->during = [&] {
+    if (fixture.view.Operands().Text(MI, 0) == "0") fixture.pacer.RequestStop();
   };
-  bench.Run("ID_ReadRegions");
-  EXPECT_THAT(bench.view.Status().message, HasSubstr("Stopped. 2 regions of 3 read"));
-  EXPECT_EQ(bench.view.Operands().Text(MI, 60), "60");
-  EXPECT_EQ(bench.view.Operands().Text(MI, 120), "");
+  fixture.Run("ID_ReadRegions");
+  EXPECT_THAT(fixture.view.Status().message, HasSubstr("Stopped. 2 regions of 3 read"));
+  EXPECT_EQ(fixture.view.Operands().Text(MI, 60), "60");
+  EXPECT_EQ(fixture.view.Operands().Text(MI, 120), "");
 
-  bench.channel->during = nullptr;
-  bench.channel->version->osVersion = "2.99";
-  bench.Add(MI, 1000, 1024);
-  EXPECT_THAT(bench.Run("ID_ReadRegions"), Contains("ReadOperandList @1: 0,3,1000,25,0")) << "as far as an older O/S";
-  bench.Add(MI, 1100, 1170);  // two regions, told of once
-  EXPECT_EQ(bench.Run("ID_ReadRegions", {kOk}), WithRequests({kNotSupportedBox}));
-  EXPECT_EQ(bench.Run("ID_OnLine", {kOk}), WithRequests({kNotSupportedBox}));
+  fixture.channel->during = nullptr;
+  fixture.channel->version->osVersion = "2.99";
+  fixture.Add(MI, 1000, 1024);
+  EXPECT_THAT(fixture.Run("ID_ReadRegions"), Contains("ReadOperandList @1: 0,3,1000,25,0")) << "as far as an older O/S";
+  fixture.Add(MI, 1100, 1170);  // two regions, told of once
+  EXPECT_EQ(fixture.Run("ID_ReadRegions", {kOk}), WithRequests({kNotSupportedBox}));
+  EXPECT_EQ(fixture.Run("ID_OnLine", {kOk}), WithRequests({kNotSupportedBox}));
 
-  bench.driver.channel = nullptr;
+  fixture.driver.channel = nullptr;
   for (const char* tool : {"ID_ReadRegions", "ID_ReadAll", "ID_WriteAll", "ID_OnLine"}) {
-    if (std::string_view(tool) == "ID_WriteAll") bench.prompts.Press(PromptAnswer::Yes);
-    EXPECT_THAT(bench.Run(tool), Contains("Driver GetChannel").Times(1)) << "the link does not open";
-    EXPECT_EQ(bench.view.Status().mode, ViewMode::Idle) << tool;
-    EXPECT_TRUE(bench.view.Status().isError) << tool;
+    if (std::string_view(tool) == "ID_WriteAll") fixture.prompts.Press(PromptAnswer::Yes);
+    EXPECT_THAT(fixture.Run(tool), Contains("Driver GetChannel").Times(1)) << "the link does not open";
+    EXPECT_EQ(fixture.view.Status().mode, ViewMode::Idle) << tool;
+    EXPECT_TRUE(fixture.view.Status().isError) << tool;
   }
-  bench.host.model = "Q50";
-  EXPECT_THAT(bench.Run("ID_ReadRegions"), IsEmpty());
-  EXPECT_THAT(bench.view.WhyNot("ID_ReadRegions"), HasSubstr("Q50"));
+  fixture.host.model = "Q50";
+  EXPECT_THAT(fixture.Run("ID_ReadRegions"), IsEmpty());
+  EXPECT_THAT(fixture.view.WhyNot("ID_ReadRegions"), HasSubstr("Q50"));
 }
 
 TEST(ReadRegions, NothingPassesToOrFromAnotherModel) {
@@ -124,82 +126,82 @@ TEST(ReadRegions, NothingPassesToOrFromAnotherModel) {
   };
   for (const auto& [selected, reported, passes] : rows) {
     SCOPED_TRACE(std::string(selected) + " " + reported);
-    DataViewBench bench(selected);
-    bench.Add(MI, 0, 1);
-    bench.view.Edit(MI, 0, "1");
-    bench.view.Edit(MI, 1, "1");
-    bench.channel->version->model = reported;
-    bench.pacer.OnDoEvents([&] { bench.view.Run("ID_OnLine"); });
+    DataViewFixture fixture(selected);
+    fixture.Add(MI, 0, 1);
+    fixture.view.Edit(MI, 0, "1");
+    fixture.view.Edit(MI, 1, "1");
+    fixture.channel->version->model = reported;
+    fixture.pacer.OnDoEvents([&] { fixture.view.Run("ID_OnLine"); });
     for (const char* tool : {"ID_WriteRegions", "ID_WriteAll", "ID_ReadRegions", "ID_ReadAll", "ID_OnLine"}) {
       const bool asks = std::string_view(tool) == "ID_WriteAll";
-      const CallLog log = asks ? bench.Run(tool, {PromptAnswer::Yes}) : bench.Run(tool);
+      const CallLog log = asks ? fixture.Run(tool, {PromptAnswer::Yes}) : fixture.Run(tool);
       const bool hasPassed = std::ranges::any_of(
           log, [](const std::string& call) { return call.starts_with("Read") || call.starts_with("WriteMI"); });
       EXPECT_EQ(hasPassed, passes) << tool;
-      EXPECT_EQ(bench.view.Status().refusal.empty(), passes) << "it can be read whole";
+      EXPECT_EQ(fixture.view.Status().refusal.empty(), passes) << "it can be read whole";
     }
-    EXPECT_EQ(bench.view.Status().refusal.contains("these grids are those of"), !passes);
+    EXPECT_EQ(fixture.view.Status().refusal.contains("these grids are those of"), !passes);
   }
 }
 
 TEST(ReadRegions, ThatThisModelCannotBeAskedForStopNoOthers) {
-  DataViewBench bench("AurexQ50");
-  bench.Add(DBI, 0, 9);
-  bench.Add(MI, 0, 1);
-  EXPECT_EQ(bench.Run("ID_ReadRegions"), WithRequests({"ReadOperandList @1: 0,3,0,2,0"}));
-  EXPECT_EQ(bench.view.Status().message,
+  DataViewFixture fixture("AurexQ50");
+  fixture.Add(DBI, 0, 9);
+  fixture.Add(MI, 0, 1);
+  EXPECT_EQ(fixture.Run("ID_ReadRegions"), WithRequests({"ReadOperandList @1: 0,3,0,2,0"}));
+  EXPECT_EQ(fixture.view.Status().message,
             "1 region read. 1 region cannot be read from a controller of the model AurexQ50.");
-  EXPECT_EQ(bench.view.Operands().Text(MI, 1), "1");
+  EXPECT_EQ(fixture.view.Operands().Text(MI, 1), "1");
 }
 
 TEST(WriteRegions, NothingIsSentUntilAllIsInRange) {
   for (const OperandTypeCode type : {MI, TimerPreset, CounterPreset, MF}) {
-    DataViewBench bench;
-    bench.Add(MB, 0, 0);
-    bench.view.Edit(MB, 0, "1");
-    bench.Add(type, 0, 1);
-    bench.view.Edit(type, 0, "1");
-    EXPECT_THAT(bench.Run("ID_WriteRegions", {kOk}), ElementsAre(kOutOfRangeBox));
-    EXPECT_THAT(bench.view.Status().message, HasSubstr(" 1 has no value"));
-    EXPECT_EQ(bench.view.Status().edited, 2U);
+    DataViewFixture fixture;
+    fixture.Add(MB, 0, 0);
+    fixture.view.Edit(MB, 0, "1");
+    fixture.Add(type, 0, 1);
+    fixture.view.Edit(type, 0, "1");
+    EXPECT_THAT(fixture.Run("ID_WriteRegions", {kOk}), ElementsAre(kOutOfRangeBox));
+    EXPECT_THAT(fixture.view.Status().message, HasSubstr(" 1 has no value"));
+    EXPECT_EQ(fixture.view.Status().edited, 2U);
   }
 }
 
 TEST(WriteRegions, ReadOnlyTypesAreToldOnceAndTheOthersWritten) {
-  DataViewBench bench;
-  bench.Add(SI, 0, 1);
-  bench.Add(MI, 0, 1);
-  bench.Add(SB, 0, 1);
-  bench.Add(ML, 3, 3);
-  bench.Run("ID_ReadRegions");
-  bench.view.Edit(MI, 1, "-5");
-  bench.view.Edit(ML, 3, "70000");
-  EXPECT_EQ(bench.view.Status().edited, 2U);
-  bench.pacer.Sleep(std::chrono::seconds(90));
-  EXPECT_EQ(bench.Run("ID_WriteRegions", {kOk}),
+  DataViewFixture fixture;
+  fixture.Add(SI, 0, 1);
+  fixture.Add(MI, 0, 1);
+  fixture.Add(SB, 0, 1);
+  fixture.Add(ML, 3, 3);
+  fixture.Run("ID_ReadRegions");
+  fixture.view.Edit(MI, 1, "-5");
+  fixture.view.Edit(ML, 3, "70000");
+  EXPECT_EQ(fixture.view.Status().edited, 2U);
+  fixture.pacer.Sleep(std::chrono::seconds(90));
+  EXPECT_EQ(fixture.Run("ID_WriteRegions", {kOk}),
             WithReadBack({kReadOnlyBox, "WriteMI 0 2 @1", "WriteML 3 1 @1"},
                          {"ReadOperandList @1: 0,3,0,2,0", "ReadOperandList @1: 0,5,3,1,0"}));
-  EXPECT_EQ(bench.view.Status().message,
+  EXPECT_EQ(fixture.view.Status().message,
             "2 regions written and read back. 2 regions of types that cannot be written left out.");
-  EXPECT_EQ(bench.view.AgeText(1), "0 s");
-  EXPECT_EQ(bench.view.AgeText(0), "1 min") << "it was not written";
-  EXPECT_EQ(bench.view.Status().edited, 0U);
-  ASSERT_EQ(bench.changed.size(), 1U);
-  EXPECT_EQ(bench.changed[0].operands, (GridSelection{RowOfType(MI), 2, RowOfType(ML), 4})) << "the marks that went";
+  EXPECT_EQ(fixture.view.AgeText(1), "0 s");
+  EXPECT_EQ(fixture.view.AgeText(0), "1 min") << "it was not written";
+  EXPECT_EQ(fixture.view.Status().edited, 0U);
+  ASSERT_EQ(fixture.changed.size(), 1U);
+  EXPECT_EQ(fixture.changed[0].operands, (GridSelection{RowOfType(MI), 2, RowOfType(ML), 4})) << "the marks that went";
 
-  bench.view.SelectRegions({1, 3});
-  bench.Run("ID_RemoveRegion");
-  EXPECT_EQ(bench.Run("ID_WriteRegions", {kOk}), WithRequests({kReadOnlyBox}));
+  fixture.view.SelectRegions({1, 3});
+  fixture.Run("ID_RemoveRegion");
+  EXPECT_EQ(fixture.Run("ID_WriteRegions", {kOk}), WithRequests({kReadOnlyBox}));
 }
 
 TEST(WriteRegions, SaysHowFarItCameAndKeepsTheMarksOfTheRest) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 179);
-  for (std::int32_t address = 0; address < 180; ++address) bench.view.Edit(MI, address, "3");
-  bench.channel->failAt = 4;  // the second region
-  EXPECT_EQ(bench.Run("ID_WriteRegions"), WithRequests({"WriteMI 0 60 @1", "WriteMI 60 60 @1"}));
-  EXPECT_EQ(bench.view.Status().edited, 120U);
-  EXPECT_THAT(bench.view.Status().message, HasSubstr("1 region written before that, up to MI 0..59; 2 regions not."));
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 179);
+  for (std::int32_t address = 0; address < 180; ++address) fixture.view.Edit(MI, address, "3");
+  fixture.channel->failAt = 4;  // the second region
+  EXPECT_EQ(fixture.Run("ID_WriteRegions"), WithRequests({"WriteMI 0 60 @1", "WriteMI 60 60 @1"}));
+  EXPECT_EQ(fixture.view.Status().edited, 120U);
+  EXPECT_THAT(fixture.view.Status().message, HasSubstr("1 region written before that, up to MI 0..59; 2 regions not."));
 }
 
 TEST(WriteRegions, AreReadBackAndWhatDiffersIsNamed) {
@@ -220,144 +222,144 @@ TEST(WriteRegions, AreReadBackAndWhatDiffersIsNamed) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    DataViewBench bench(c.type == DBI ? "AurexQ50" : "K220-22-R1");
-    bench.Add(c.type, 0, 1);
-    for (const int address : {0, 1}) bench.view.Edit(c.type, address, c.type == TimerCurrent ? "0:0:7.0" : "7");
-    bench.channel->isLying = c.isLying;
-    bench.channel->value = [](std::int32_t address) { return static_cast<std::uint32_t>(address); };
-    bench.channel->failAt = c.failAt;
-    bench.Run("ID_WriteRegions");
-    EXPECT_THAT(bench.view.Status().message, AllOf(HasSubstr(c.message), Not(HasSubstr("and read back"))));
-    EXPECT_EQ(bench.view.Status().refusal.empty(), !c.isLying) << "it stands in the banner";
-    EXPECT_EQ(bench.view.Operands().Text(c.type, 0), c.shown);
+    DataViewFixture fixture(c.type == DBI ? "AurexQ50" : "K220-22-R1");
+    fixture.Add(c.type, 0, 1);
+    for (const int address : {0, 1}) fixture.view.Edit(c.type, address, c.type == TimerCurrent ? "0:0:7.0" : "7");
+    fixture.channel->isLying = c.isLying;
+    fixture.channel->value = [](std::int32_t address) { return static_cast<std::uint32_t>(address); };
+    fixture.channel->failAt = c.failAt;
+    fixture.Run("ID_WriteRegions");
+    EXPECT_THAT(fixture.view.Status().message, AllOf(HasSubstr(c.message), Not(HasSubstr("and read back"))));
+    EXPECT_EQ(fixture.view.Status().refusal.empty(), !c.isLying) << "it stands in the banner";
+    EXPECT_EQ(fixture.view.Operands().Text(c.type, 0), c.shown);
     if (!c.isLying) continue;
-    bench.Run("ID_Undo");
-    EXPECT_EQ(bench.view.Operands().Shown(MI, 1), (CellText{"7", CellOrigin::Edited}));
+    fixture.Run("ID_Undo");
+    EXPECT_EQ(fixture.view.Operands().Shown(MI, 1), (CellText{"7", CellOrigin::Edited}));
   }
 }
 
 // ---- on line ----
 
 TEST(OnLine, PassesBackToBackUntilTheToolIsPressedAgain) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 61);
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 61);
   int passes = 0;
-  bench.pacer.OnDoEvents([&] {
+  fixture.pacer.OnDoEvents([&] {
     ++passes;
-    EXPECT_EQ(bench.view.Status().mode, ViewMode::Online);
+    EXPECT_EQ(fixture.view.Status().mode, ViewMode::Online);
     for (const char* tool : {"ID_ReadRegions", "ID_WriteAll", "ID_NewRegions", "ID_LoadRegions", "ID_Copy"}) {
-      EXPECT_THAT(bench.view.WhyNot(tool), HasSubstr("while watching")) << tool;
+      EXPECT_THAT(fixture.view.WhyNot(tool), HasSubstr("while watching")) << tool;
     }
-    EXPECT_EQ(bench.view.WhyNot("ID_OnLine"), "");
-    EXPECT_THAT(bench.view.EditFault(MI, 61, "5"), HasSubstr("being watched"));
-    EXPECT_EQ(bench.view.EditFault(MI, 62, "5"), "");
-    bench.home.Put("a.csv", ",0,1\r\nMI,7,8\r\nML,7,8\r\n");
-    if (passes == 1) bench.prompts.Choose(Utf8FromPath(bench.home.Path() / "a.csv"));
-    if (passes == 1) bench.view.Run("ID_ImportFromCSV");
-    EXPECT_THAT(bench.view.Status().message, HasSubstr("2 cells of regions that are watched left as they were"));
-    EXPECT_EQ(bench.view.Operands().Text(ML, 1), "8");
-    EXPECT_TRUE(bench.view.SetFormat(0, passes == 1 ? FormatCode::Hex : FormatCode::Decimal));
+    EXPECT_EQ(fixture.view.WhyNot("ID_OnLine"), "");
+    EXPECT_THAT(fixture.view.EditFault(MI, 61, "5"), HasSubstr("being watched"));
+    EXPECT_EQ(fixture.view.EditFault(MI, 62, "5"), "");
+    fixture.home.Put("a.csv", ",0,1\r\nMI,7,8\r\nML,7,8\r\n");
+    if (passes == 1) fixture.prompts.Choose(Utf8FromPath(fixture.home.Path() / "a.csv"));
+    if (passes == 1) fixture.view.Run("ID_ImportFromCSV");
+    EXPECT_THAT(fixture.view.Status().message, HasSubstr("2 cells of regions that are watched left as they were"));
+    EXPECT_EQ(fixture.view.Operands().Text(ML, 1), "8");
+    EXPECT_TRUE(fixture.view.SetFormat(0, passes == 1 ? FormatCode::Hex : FormatCode::Decimal));
     if (passes < 3) return;
-    bench.view.Run("ID_OnLine");
-    EXPECT_THAT(bench.view.Status().message, HasSubstr("ends with the pass"));  // which may take seconds
+    fixture.view.Run("ID_OnLine");
+    EXPECT_THAT(fixture.view.Status().message, HasSubstr("ends with the pass"));  // which may take seconds
   });
-  const CallLog log = bench.Run("ID_OnLine");
+  const CallLog log = fixture.Run("ID_OnLine");
   EXPECT_EQ(std::ranges::count(log, "Driver GetChannel"), 1);
   EXPECT_EQ(std::ranges::count(log, "ReadOperandList @1: 0,3,60,2,0"), 3) << "to the end of the pass, and no further";
   EXPECT_EQ(log.back(), "AbortComm on");
-  EXPECT_EQ(bench.view.Status().mode, ViewMode::Idle);
-  EXPECT_EQ(bench.view.Status().passes, 3U);
+  EXPECT_EQ(fixture.view.Status().mode, ViewMode::Idle);
+  EXPECT_EQ(fixture.view.Status().passes, 3U);
 }
 
 TEST(OnLine, MarksValuesThatChangeAndFadesTheMarks) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 1);
-  bench.channel->value = [&](std::int32_t address) { return address == 1 ? bench.view.Status().passes < 2 : 7U; };
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 1);
+  fixture.channel->value = [&](std::int32_t address) { return address == 1 ? fixture.view.Status().passes < 2 : 7U; };
   std::vector<double> marks;
-  bench.pacer.OnDoEvents([&] {
-    marks.push_back(bench.view.ChangeMark(MI, 1));
-    EXPECT_EQ(bench.view.ChangeMark(MI, 0), 0.0);
-    bench.pacer.Sleep(std::chrono::seconds(1));
-    if (marks.size() == 5) bench.view.Run("ID_OnLine");
+  fixture.pacer.OnDoEvents([&] {
+    marks.push_back(fixture.view.ChangeMark(MI, 1));
+    EXPECT_EQ(fixture.view.ChangeMark(MI, 0), 0.0);
+    fixture.pacer.Sleep(std::chrono::seconds(1));
+    if (marks.size() == 5) fixture.view.Run("ID_OnLine");
   });
-  bench.Run("ID_OnLine");
+  fixture.Run("ID_OnLine");
   EXPECT_THAT(marks, ElementsAre(0.0, 0.0, 1.0, 0.5, 0.0)) << "the first read is no change";
 }
 
 TEST(OnLine, HoldsWhatTheUserIsToldUntilItCanHaveBeenRead) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 1);
-  bench.view.Edit(MI, 1, "5");
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 1);
+  fixture.view.Edit(MI, 1, "5");
   int pass = 0;
-  bench.channel->during = [&] {  // an entry is refused in the first pass, which replaces the edit
-    if (pass == 0 && bench.view.Status().mode == ViewMode::Online) bench.view.Edit(MI, 0, "1");
+  fixture.channel->during = [&] {  // an entry is refused in the first pass, which replaces the edit
+    if (pass == 0 && fixture.view.Status().mode == ViewMode::Online) fixture.view.Edit(MI, 0, "1");
   };
-  bench.pacer.OnDoEvents([&] {
+  fixture.pacer.OnDoEvents([&] {
     ++pass;
-    EXPECT_THAT(bench.view.Status().message, HasSubstr(pass <= 2 ? "being watched" : "1 edited value was replaced"));
-    EXPECT_TRUE(bench.view.Status().lastError);
+    EXPECT_THAT(fixture.view.Status().message, HasSubstr(pass <= 2 ? "being watched" : "1 edited value was replaced"));
+    EXPECT_TRUE(fixture.view.Status().lastError);
     if (pass == 3) {
-      EXPECT_TRUE(bench.view.Edit(ML, 0, "1"));
-      EXPECT_FALSE(bench.view.Status().lastError) << "goes with success";
-      bench.view.Run("ID_OnLine");
+      EXPECT_TRUE(fixture.view.Edit(ML, 0, "1"));
+      EXPECT_FALSE(fixture.view.Status().lastError) << "goes with success";
+      fixture.view.Run("ID_OnLine");
     }
-    bench.pacer.Sleep(std::chrono::seconds(pass == 1 ? 1 : 10));
+    fixture.pacer.Sleep(std::chrono::seconds(pass == 1 ? 1 : 10));
   });
-  bench.Run("ID_OnLine");
-  EXPECT_EQ(bench.view.Status().message, "Watching has ended.");
+  fixture.Run("ID_OnLine");
+  EXPECT_EQ(fixture.view.Status().message, "Watching has ended.");
 }
 
 TEST(OnLine, GoesOnByItselfWithTheSameControllerOnly) {
-  DataViewBench bench;
-  bench.Add(MI, 0, 1);
-  bench.channel->failAt = 5;
-  bench.Run("ID_OnLine");
-  ASSERT_TRUE(bench.view.Status().loss);
-  EXPECT_THAT(bench.view.Status().loss->Text(), HasSubstr("no reply"));
-  EXPECT_EQ(bench.view.Status().loss->serialNumber, 1001U);
-  EXPECT_TRUE(bench.view.Operands().IsOld(MI, 0)) << "nobody knows the values any more";
-  EXPECT_FALSE(bench.view.IsTryDue()) << "not unless the user wants it";
-  bench.view.SetWatchesAgain(true);
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 1);
+  fixture.channel->failAt = 5;
+  fixture.Run("ID_OnLine");
+  ASSERT_TRUE(fixture.view.Status().loss);
+  EXPECT_THAT(fixture.view.Status().loss->Text(), HasSubstr("no reply"));
+  EXPECT_EQ(fixture.view.Status().loss->serialNumber, 1001U);
+  EXPECT_TRUE(fixture.view.Operands().IsOld(MI, 0)) << "nobody knows the values any more";
+  EXPECT_FALSE(fixture.view.IsTryDue()) << "not unless the user wants it";
+  fixture.view.SetWatchesAgain(true);
   const CallLog silent = {"Driver GetChannel", "SetCommandOwner frmDataTypesView", "AbortComm on", "GetVersionInfo @1",
                           "AbortComm on"};
   for (const int pause : {0, 2, 4, 8, 16, 30, 30}) {
-    if (pause > 0) bench.pacer.Sleep(std::chrono::seconds(pause) - std::chrono::milliseconds(1));
-    EXPECT_EQ(bench.view.IsTryDue(), pause == 0) << pause;
-    bench.pacer.Sleep(std::chrono::milliseconds(1));
-    ASSERT_TRUE(bench.view.IsTryDue()) << pause;
-    bench.channel->failAt = 2;
-    bench.Taken();
-    bench.view.WatchAgain(true);
-    EXPECT_EQ(bench.Taken(), silent);
+    if (pause > 0) fixture.pacer.Sleep(std::chrono::seconds(pause) - std::chrono::milliseconds(1));
+    EXPECT_EQ(fixture.view.IsTryDue(), pause == 0) << pause;
+    fixture.pacer.Sleep(std::chrono::milliseconds(1));
+    ASSERT_TRUE(fixture.view.IsTryDue()) << pause;
+    fixture.channel->failAt = 2;
+    fixture.Taken();
+    fixture.view.WatchAgain(true);
+    EXPECT_EQ(fixture.Taken(), silent);
   }
-  bench.channel->failAt = -1;
-  bench.channel->info->serialNumber = 1002;
-  bench.view.WatchAgain(true);
-  EXPECT_THAT(bench.Taken(), testing::Not(Contains("ReadOperandList @1: 0,3,0,2,0"))) << "another one is not read";
-  EXPECT_THAT(bench.view.Status().loss->Text(), HasSubstr("serial number is 1002, that of the watched one 1001"));
-  EXPECT_THAT(bench.view.WhyNotByItself(), HasSubstr("Another controller"));
-  bench.pacer.Sleep(std::chrono::hours(1));
-  EXPECT_FALSE(bench.view.IsTryDue());
+  fixture.channel->failAt = -1;
+  fixture.channel->info->serialNumber = 1002;
+  fixture.view.WatchAgain(true);
+  EXPECT_THAT(fixture.Taken(), testing::Not(Contains("ReadOperandList @1: 0,3,0,2,0"))) << "another one is not read";
+  EXPECT_THAT(fixture.view.Status().loss->Text(), HasSubstr("serial number is 1002, that of the watched one 1001"));
+  EXPECT_THAT(fixture.view.WhyNotByItself(), HasSubstr("Another controller"));
+  fixture.pacer.Sleep(std::chrono::hours(1));
+  EXPECT_FALSE(fixture.view.IsTryDue());
 
-  bench.driver.tied = 1001;  // by the link's settings: it would only be refused again
-  EXPECT_FALSE(bench.view.CanTakeOther());
-  bench.view.TakeOtherController();
-  EXPECT_TRUE(bench.view.IsOtherController());
-  bench.driver.tied.reset();
-  EXPECT_TRUE(bench.view.CanTakeOther());
+  fixture.driver.tied = 1001;  // by the link's settings: it would only be refused again
+  EXPECT_FALSE(fixture.view.CanTakeOther());
+  fixture.view.TakeOtherController();
+  EXPECT_TRUE(fixture.view.IsOtherController());
+  fixture.driver.tied.reset();
+  EXPECT_TRUE(fixture.view.CanTakeOther());
 
   std::string said;
-  bench.pacer.OnDoEvents([&] {
-    said = bench.view.Status().message;
-    EXPECT_FALSE(bench.view.Status().loss);
-    EXPECT_FALSE(bench.view.Operands().IsOld(MI, 0));
-    bench.view.Run("ID_OnLine");
+  fixture.pacer.OnDoEvents([&] {
+    said = fixture.view.Status().message;
+    EXPECT_FALSE(fixture.view.Status().loss);
+    EXPECT_FALSE(fixture.view.Operands().IsOld(MI, 0));
+    fixture.view.Run("ID_OnLine");
   });
-  bench.pacer.Sleep(std::chrono::seconds(1));
-  bench.Taken();
-  bench.view.TakeOtherController();  // the user has seen what stands there
-  EXPECT_THAT(bench.Taken(), testing::Contains("Driver CloseDriver")) << "the link would refuse it for good";
-  EXPECT_FALSE(bench.view.IsOtherController());
+  fixture.pacer.Sleep(std::chrono::seconds(1));
+  fixture.Taken();
+  fixture.view.TakeOtherController();  // the user has seen what stands there
+  EXPECT_THAT(fixture.Taken(), testing::Contains("Driver CloseDriver")) << "the link would refuse it for good";
+  EXPECT_FALSE(fixture.view.IsOtherController());
   EXPECT_THAT(said, HasSubstr("another controller than before: its serial number is 1002, not 1001"));
 }
 

@@ -10,7 +10,7 @@
 
 #include "dataview/ui/GridColours.h"
 #include "dataview/ui/ViewMenus.h"
-#include "tests/dataview_ui/ViewBench.h"
+#include "tests/dataview_ui/ViewFixture.h"
 #include "tests/desktop_ui/UsableWindow.h"
 
 namespace kv::test {
@@ -22,7 +22,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using enum OperandTypeCode;
 
-using DataTypesWindowTest = ViewBench;
+using DataTypesWindowTest = ViewFixture;
 
 constexpr const char* kWritten = "1 region written and read back.";
 

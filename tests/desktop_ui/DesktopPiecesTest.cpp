@@ -17,7 +17,7 @@
 #include "desktop/ui/QtShell.h"
 #include "desktop/ui/ScrollPage.h"
 #include "desktop/ui/WindowGeometry.h"
-#include "tests/desktop_ui/QtBench.h"
+#include "tests/desktop_ui/QtFixture.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv {

@@ -14,7 +14,7 @@
 #include "desktop/StopScope.h"
 #include "desktop/ui/BusyState.h"
 #include "desktop/ui/QtPrompts.h"
-#include "tests/desktop_ui/QtBench.h"
+#include "tests/desktop_ui/QtFixture.h"
 
 namespace kv {
 namespace {

@@ -9,7 +9,7 @@
 #include <QScreen>
 #include <QTemporaryDir>
 
-#include "tests/desktop_ui/QtBench.h"
+#include "tests/desktop_ui/QtFixture.h"
 
 namespace kv {
 namespace {

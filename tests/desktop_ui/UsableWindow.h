@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "desktop/ui/Icons.h"
-#include "tests/desktop_ui/QtBench.h"
+#include "tests/desktop_ui/QtFixture.h"
 
 namespace kv::test {
 

@@ -6,15 +6,15 @@
 
 #include "Samples.h"
 #include "download/AurexOsTransfer.h"
-#include "tests/simulator/ControllerBench.h"
+#include "tests/simulator/ControllerFixture.h"
 
 namespace kv::test {
 namespace {
 
 // Sends it as the protocol has it; the first status that is not "done".
-int Send(sim::test::Bench& bench, const OsTransfer& transfer) {
-  const auto send = [&bench](std::uint32_t address, std::uint16_t sequence, int topic, std::string data) {
-    return bench
+int Send(sim::test::Fixture& fixture, const OsTransfer& transfer) {
+  const auto send = [&fixture](std::uint32_t address, std::uint16_t sequence, int topic, std::string data) {
+    return fixture
         .Block(65, address, static_cast<std::uint32_t>(data.size()), sequence, static_cast<std::uint16_t>(topic), data)
         .status;
   };
@@ -27,9 +27,9 @@ int Send(sim::test::Bench& bench, const OsTransfer& transfer) {
       status = send(topic.base + static_cast<std::uint32_t>(i), sequence, topic.number, stream.substr(i, kOsChunk));
     }
     if (status != 10) return status;
-    EXPECT_EQ(bench.Block(7, 0, 106).payload[9], 1) << "topic " << topic.number;
+    EXPECT_EQ(fixture.Block(7, 0, 106).payload[9], 1) << "topic " << topic.number;
   }
-  return bench.Block(69).status;
+  return fixture.Block(69).status;
 }
 
 TEST(OsTransfers, BringEveryAurexModelItsNewOs) {
@@ -40,13 +40,13 @@ TEST(OsTransfers, BringEveryAurexModelItsNewOs) {
     const auto os = ParseAurexOsFile(SampleOs(name, {"4.75", 3}, 200'000), "f");
     const auto fonts = ParseFontsFile(SampleFonts(name, {"1.30", 0}, 20'000), "f");
     ASSERT_TRUE(os && fonts);
-    sim::test::Bench bench(name);
-    EXPECT_EQ(bench.Text("CCB"), "CCOK");
-    EXPECT_EQ(Send(bench, MakeOsTransfer(*os, *fonts)), 11);
-    bench.Wait(std::chrono::seconds(10));
-    EXPECT_EQ(bench.Text("CCE"), "CCOK");
-    EXPECT_THAT(bench.Text("ID"), testing::AnyOf(testing::EndsWith("|4.75|03"), testing::EndsWith("O/S 4.75;|B03;")));
-    EXPECT_EQ(bench.State(), 'R');
+    sim::test::Fixture fixture(name);
+    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
+    EXPECT_EQ(Send(fixture, MakeOsTransfer(*os, *fonts)), 11);
+    fixture.Wait(std::chrono::seconds(10));
+    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+    EXPECT_THAT(fixture.Text("ID"), testing::AnyOf(testing::EndsWith("|4.75|03"), testing::EndsWith("O/S 4.75;|B03;")));
+    EXPECT_EQ(fixture.State(), 'R');
   }
 }
 
@@ -71,15 +71,15 @@ TEST(OsTransfers, CompressWhatGetsSmallerAndNothingElse) {
   EXPECT_FALSE(failed.topics[1].compressionFailed);
   EXPECT_EQ(failed.header, packed.header);
   for (const OsTransfer& transfer : {packed, failed}) {
-    sim::test::Bench bench("K330");
-    EXPECT_EQ(bench.Text("CCB"), "CCOK");
-    EXPECT_EQ(Send(bench, transfer), 11);
+    sim::test::Fixture fixture("K330");
+    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
+    EXPECT_EQ(Send(fixture, transfer), 11);
   }
   for (OsTransfer damaged : {packed, failed}) {  // known by zlib's check, and by the one of the whole
     damaged.topics[0].stream.back() ^= 1;
-    sim::test::Bench bench("K330");
-    EXPECT_EQ(bench.Text("CCB"), "CCOK");
-    EXPECT_EQ(Send(bench, damaged), 128 + 0xF);
+    sim::test::Fixture fixture("K330");
+    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
+    EXPECT_EQ(Send(fixture, damaged), 128 + 0xF);
   }
 }
 

@@ -2,7 +2,7 @@
 
 #include <deque>
 
-#include "Bench.h"
+#include "Fixture.h"
 #include "desktop/ScriptedPrompts.h"
 #include "link/PromptedPassword.h"
 
@@ -36,18 +36,18 @@ class Typist final : public PasswordSource {
   std::deque<std::string> mPasswords;
 };
 
-struct Guarded : Bench {
+struct Guarded : Fixture {
   Typist user;
   explicit Guarded(std::deque<std::string> passwords)
-      : Bench("K220", SerialSettings(), "secret"), user(pacer, std::move(passwords)) {
+      : Fixture("K220", SerialSettings(), "secret"), user(pacer, std::move(passwords)) {
     channel.UsePasswords(&user);
   }
 };
 
-void PutAnother(Guarded& bench) {
+void PutAnother(Guarded& fixture) {
   sim::SimulatorOptions another;
   another.serialNumber = 4711;
-  bench.plant.Connect("K220", "secret", another);
+  fixture.plant.Connect("K220", "secret", another);
 }
 
 TEST(Access, IsAskedForOnceAndKeptForTheConnection) {
@@ -60,19 +60,19 @@ TEST(Access, IsAskedForOnceAndKeptForTheConnection) {
   };
   for (const auto& [name, request] : requests) {
     SCOPED_TRACE(name);
-    Guarded bench({"secret"});
-    EXPECT_TRUE(request(bench.channel)) << bench.Error().Text();
-    EXPECT_TRUE(bench.channel.WriteMI(0, kSeven, 1));
-    bench.plant.isCut = true;
-    EXPECT_TRUE(bench.channel.WriteMI(0, kSeven, 1)) << "after a reconnect";
-    ASSERT_EQ(bench.user.wanted.size(), 1U);
-    const std::string serial = std::to_string(bench.channel.GetControllerInfo(1)->serialNumber);
-    EXPECT_EQ(bench.user.wanted[0].controller, "K220-22-R1, serial number " + serial);
-    EXPECT_EQ(bench.user.wanted[0].link, "COM3, 115200 8N1, unit 1");
-    bench.channel.Close();
-    EXPECT_TRUE(bench.channel.Open());
-    EXPECT_FALSE(bench.channel.WriteMI(0, kSeven, 1)) << "another connection";
-    EXPECT_EQ(bench.user.wanted.size(), 2U);
+    Guarded fixture({"secret"});
+    EXPECT_TRUE(request(fixture.channel)) << fixture.Error().Text();
+    EXPECT_TRUE(fixture.channel.WriteMI(0, kSeven, 1));
+    fixture.plant.isCut = true;
+    EXPECT_TRUE(fixture.channel.WriteMI(0, kSeven, 1)) << "after a reconnect";
+    ASSERT_EQ(fixture.user.wanted.size(), 1U);
+    const std::string serial = std::to_string(fixture.channel.GetControllerInfo(1)->serialNumber);
+    EXPECT_EQ(fixture.user.wanted[0].controller, "K220-22-R1, serial number " + serial);
+    EXPECT_EQ(fixture.user.wanted[0].link, "COM3, 115200 8N1, unit 1");
+    fixture.channel.Close();
+    EXPECT_TRUE(fixture.channel.Open());
+    EXPECT_FALSE(fixture.channel.WriteMI(0, kSeven, 1)) << "another connection";
+    EXPECT_EQ(fixture.user.wanted.size(), 2U);
   }
 }
 
@@ -88,21 +88,21 @@ TEST(Access, AWrongPasswordIsSaidAndAskedAgainAtMostThreeTimesAndNeverAfterCance
       {{}, {false}, 0x07},
   };
   for (const auto& each : cases) {
-    Guarded bench(each.typed);
-    const bool isWritten = bench.channel.WriteMI(0, kSeven, 1);
+    Guarded fixture(each.typed);
+    const bool isWritten = fixture.channel.WriteMI(0, kSeven, 1);
     EXPECT_EQ(isWritten, each.code == 0);
-    EXPECT_EQ(bench.Error().controllerCode, each.code);
-    EXPECT_EQ(bench.Error().cure, isWritten ? "" : "type better");
+    EXPECT_EQ(fixture.Error().controllerCode, each.code);
+    EXPECT_EQ(fixture.Error().cure, isWritten ? "" : "type better");
     std::vector<bool> asked;
-    for (const PasswordWanted& wanted : bench.user.wanted) asked.push_back(wanted.wasWrong);
+    for (const PasswordWanted& wanted : fixture.user.wanted) asked.push_back(wanted.wasWrong);
     EXPECT_EQ(asked, each.wasWrong);
-    EXPECT_EQ(bench.channel.RunController(1), isWritten) << "the same operation tidies up";
-    EXPECT_EQ(bench.channel.EnsureAccess(1), isWritten);
-    EXPECT_EQ(bench.user.wanted.size(), asked.size());
-    bench.channel.BeginOperation();
-    (void)bench.channel.RunController(1);
-    EXPECT_EQ(bench.user.wanted.size(), asked.size() + (isWritten ? 0 : 1));
-    EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1)) << "reading needs none";
+    EXPECT_EQ(fixture.channel.RunController(1), isWritten) << "the same operation tidies up";
+    EXPECT_EQ(fixture.channel.EnsureAccess(1), isWritten);
+    EXPECT_EQ(fixture.user.wanted.size(), asked.size());
+    fixture.channel.BeginOperation();
+    (void)fixture.channel.RunController(1);
+    EXPECT_EQ(fixture.user.wanted.size(), asked.size() + (isWritten ? 0 : 1));
+    EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1)) << "reading needs none";
   }
 }
 
@@ -112,24 +112,24 @@ TEST(Access, WhatHappensWhileTheUserTypesIsNoticed) {
     std::function<void(Guarded&)> meanwhile;
     LinkErrorCode code;
   } cases[] = {
-      {"cut", [](Guarded& bench) { bench.plant.isCut = true; }, LinkErrorCode::None},
-      {"Ctrl-C", [](Guarded& bench) { bench.pacer.RequestStop(); }, LinkErrorCode::Stopped},
-      {"closed", [](Guarded& bench) { bench.channel.Close(); }, LinkErrorCode::Closed},
-      {"busy", [](Guarded& bench) { bench.plant.UseFaults({"busy:on=AC,nth=1"}); }, LinkErrorCode::Busy},
+      {"cut", [](Guarded& fixture) { fixture.plant.isCut = true; }, LinkErrorCode::None},
+      {"Ctrl-C", [](Guarded& fixture) { fixture.pacer.RequestStop(); }, LinkErrorCode::Stopped},
+      {"closed", [](Guarded& fixture) { fixture.channel.Close(); }, LinkErrorCode::Closed},
+      {"busy", [](Guarded& fixture) { fixture.plant.UseFaults({"busy:on=AC,nth=1"}); }, LinkErrorCode::Busy},
       {"another machine", PutAnother, LinkErrorCode::OtherController},
-      {"second", [](Guarded& bench) { EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1)); }, LinkErrorCode::None},
+      {"second", [](Guarded& fixture) { EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1)); }, LinkErrorCode::None},
   };
   for (const auto& each : cases) {
     SCOPED_TRACE(each.what);
-    Guarded bench({"secret"});
-    bench.user.meanwhile = [&] { each.meanwhile(bench); };
-    EXPECT_EQ(bench.channel.WriteMI(0, kSeven, 1), each.code == LinkErrorCode::None);
-    EXPECT_EQ(bench.Error().code, each.code) << bench.Error().Text();
-    EXPECT_EQ(bench.user.wanted.size(), 1U);
-    const bool isGiven = bench.trace->Text().find("/01AC") != std::string::npos;
+    Guarded fixture({"secret"});
+    fixture.user.meanwhile = [&] { each.meanwhile(fixture); };
+    EXPECT_EQ(fixture.channel.WriteMI(0, kSeven, 1), each.code == LinkErrorCode::None);
+    EXPECT_EQ(fixture.Error().code, each.code) << fixture.Error().Text();
+    EXPECT_EQ(fixture.user.wanted.size(), 1U);
+    const bool isGiven = fixture.trace->Text().find("/01AC") != std::string::npos;
     const bool isGone = each.code != LinkErrorCode::None && each.code != LinkErrorCode::Busy;
     EXPECT_NE(isGiven, isGone);
-    EXPECT_EQ(bench.Error().isNotExecuted, isGone) << "the write was refused, and did not go out again";
+    EXPECT_EQ(fixture.Error().isNotExecuted, isGone) << "the write was refused, and did not go out again";
   }
 }
 

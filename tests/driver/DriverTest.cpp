@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "Bench.h"
+#include "Fixture.h"
 #include "KvCmDrv1/LinkText.h"
 #include "KvCmDrv1/RoundTrip.h"
 #include "KvCmDrv1/SettingsFile.h"
@@ -103,7 +103,7 @@ TEST(RoundTrip, FollowsTheLinkBetweenFloorAndCeiling) {
 }
 
 // A driver whose every port leads to one fake controller.
-struct DriverBench {
+struct DriverFixture {
   VirtualPacer pacer;
   Plant plant{"K220", "Secret"};
   std::vector<std::string> messages;
@@ -111,7 +111,7 @@ struct DriverBench {
                   return std::make_unique<PlantPort>(plant, pacer);
                 }};
 
-  DriverBench() {
+  DriverFixture() {
     driver.OnComMessage = [this](const std::string& message) { messages.push_back(message); };
   }
 };
@@ -119,53 +119,53 @@ struct DriverBench {
 TEST(Driver, OpensWithTheSessionsSettingsAndKeepsTheLinkWhileTheyDescribeIt) {
   const TemporaryFolder folder;
   folder.Put("KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.20\r\nTries=0\r\n");
-  DriverBench bench;
+  DriverFixture fixture;
   const SessionLink session{.folder = folder.Path().string()};
-  bench.driver.ConfigureForSession(session);
-  EXPECT_EQ(bench.messages, std::vector<std::string>{"KvCmDrv1.ini, Tries: expected a number from 1 to 10; using 3"});
-  const auto channel = bench.driver.GetChannel();
+  fixture.driver.ConfigureForSession(session);
+  EXPECT_EQ(fixture.messages, std::vector<std::string>{"KvCmDrv1.ini, Tries: expected a number from 1 to 10; using 3"});
+  const auto channel = fixture.driver.GetChannel();
   ASSERT_TRUE(channel);
   EXPECT_TRUE(channel->GetVersionInfo(1));
-  EXPECT_EQ(bench.driver.LinkDescription(), "192.168.1.20:20300, unit 1");
-  bench.driver.ConfigureForSession(session);
-  EXPECT_EQ(bench.driver.GetChannel(), channel);
+  EXPECT_EQ(fixture.driver.LinkDescription(), "192.168.1.20:20300, unit 1");
+  fixture.driver.ConfigureForSession(session);
+  EXPECT_EQ(fixture.driver.GetChannel(), channel);
   std::filesystem::copy(folder.Path(), folder.Path() / "copy");
-  bench.driver.ConfigureForSession({.folder = (folder.Path() / "copy").string()});
-  EXPECT_NE(bench.driver.GetChannel(), channel) << "of another session";
-  bench.driver.ConfigureForSession(session);
+  fixture.driver.ConfigureForSession({.folder = (folder.Path() / "copy").string()});
+  EXPECT_NE(fixture.driver.GetChannel(), channel) << "of another session";
+  fixture.driver.ConfigureForSession(session);
   folder.Put("KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.21\r\n");
-  bench.driver.ConfigureForSession(session);
-  EXPECT_NE(bench.driver.GetChannel(), channel);
+  fixture.driver.ConfigureForSession(session);
+  EXPECT_NE(fixture.driver.GetChannel(), channel);
   EXPECT_FALSE(channel->GetVersionInfo(1)) << "a channel of the link before";
   EXPECT_EQ(channel->LastError().happened, "the link is closed");
   EXPECT_FALSE(channel->OpenLink(0, 0));
 }
 
 TEST(Driver, ASessionWithoutSettingsGetsASimulatedControllerOfItsModel) {
-  DriverBench bench;
+  DriverFixture fixture;
   const std::pair<SessionLink, std::string> cases[] = {
       {{.model = "Q51"}, "Simulated Q51"},       {{.model = "PR1"}, "Simulated PR1"},
       {{.isBrio = true}, "Simulated BRIO"},      {{.isCompactDriver = true}, "Simulated Q50"},
       {{.isColour = true}, "Simulated K450-45"}, {{}, "Simulated K220-22-R1"}};
   for (const auto& [session, link] : cases) {
-    bench.driver.ConfigureForSession(session);
-    EXPECT_EQ(bench.driver.LinkDescription(), link);
+    fixture.driver.ConfigureForSession(session);
+    EXPECT_EQ(fixture.driver.LinkDescription(), link);
   }
 }
 
 TEST(Driver, SaysWhyItCannotOpen) {
-  DriverBench bench;
-  EXPECT_FALSE(bench.driver.GetChannel());
-  EXPECT_EQ(bench.driver.LastError().code, LinkErrorCode::CannotOpen);
-  EXPECT_EQ(bench.driver.LastError().happened, "there is no simulated controller \"K220-22-R1\"");
-  bench.driver.UseSettings(SerialSettings(), false);
-  bench.plant.isReachable = false;
-  EXPECT_FALSE(bench.driver.GetChannel());
-  EXPECT_TRUE(bench.driver.LastError().Text().starts_with("Opening the link on COM3, 115200 8N1 failed: nobody "));
-  bench.plant.isReachable = true;
-  EXPECT_TRUE(bench.driver.GetChannel());
-  bench.driver.SetDriverActive(false);
-  EXPECT_FALSE(bench.driver.GetChannel());
+  DriverFixture fixture;
+  EXPECT_FALSE(fixture.driver.GetChannel());
+  EXPECT_EQ(fixture.driver.LastError().code, LinkErrorCode::CannotOpen);
+  EXPECT_EQ(fixture.driver.LastError().happened, "there is no simulated controller \"K220-22-R1\"");
+  fixture.driver.UseSettings(SerialSettings(), false);
+  fixture.plant.isReachable = false;
+  EXPECT_FALSE(fixture.driver.GetChannel());
+  EXPECT_TRUE(fixture.driver.LastError().Text().starts_with("Opening the link on COM3, 115200 8N1 failed: nobody "));
+  fixture.plant.isReachable = true;
+  EXPECT_TRUE(fixture.driver.GetChannel());
+  fixture.driver.SetDriverActive(false);
+  EXPECT_FALSE(fixture.driver.GetChannel());
 }
 
 // A dialog that chooses another speed.
@@ -181,49 +181,49 @@ struct ScriptedDialogs final : DriverDialogs {
 
 TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
   const TemporaryFolder folder;
-  DriverBench bench;
+  DriverFixture fixture;
   ScriptedDialogs dialogs;
-  bench.driver.SetDialogs(&dialogs);
-  bench.driver.ConfigureForSession({.folder = folder.Path().string()});
-  bench.driver.UseSettings(SerialSettings(), true);
-  const auto channel = bench.driver.GetChannel();
+  fixture.driver.SetDialogs(&dialogs);
+  fixture.driver.ConfigureForSession({.folder = folder.Path().string()});
+  fixture.driver.UseSettings(SerialSettings(), true);
+  const auto channel = fixture.driver.GetChannel();
   ASSERT_TRUE(channel);
   channel->SetLinkBusy(true);
-  bench.driver.ShowComParams();
+  fixture.driver.ShowComParams();
   EXPECT_EQ(dialogs.shown, 0);
   channel->SetLinkBusy(false);
-  bench.driver.ShowComParams();
+  fixture.driver.ShowComParams();
   EXPECT_EQ(LoadSettings(folder.Path(), {}).settings, UnusualSettings(Transport::Serial));
-  bench.driver.ConfigureForSession({.folder = (folder.Path() / "gone").string()});
-  bench.driver.UseSettings(SerialSettings(), true);
-  EXPECT_NE(bench.messages.back().find("were not kept. "), std::string::npos) << bench.messages.back();
+  fixture.driver.ConfigureForSession({.folder = (folder.Path() / "gone").string()});
+  fixture.driver.UseSettings(SerialSettings(), true);
+  EXPECT_NE(fixture.messages.back().find("were not kept. "), std::string::npos) << fixture.messages.back();
 }
 
 TEST(Driver, ATrialFindsWhoAnswersAndLeavesTheLinkAsItWas) {
-  DriverBench bench;
-  bench.driver.UseSettings(SerialSettings(), false);
+  DriverFixture fixture;
+  fixture.driver.UseSettings(SerialSettings(), false);
   LinkSettings other = SerialSettings();
   other.serialPort = "COM4";
 
-  const auto channel = bench.driver.GetChannel();
+  const auto channel = fixture.driver.GetChannel();
   ASSERT_TRUE(channel);
-  const int connections = bench.plant.connections;
-  EXPECT_TRUE(bench.driver.TryLink(SerialSettings()));  // over the open link
-  EXPECT_EQ(bench.plant.connections, connections);
-  const auto trial = bench.driver.TryLink(other);
+  const int connections = fixture.plant.connections;
+  EXPECT_TRUE(fixture.driver.TryLink(SerialSettings()));  // over the open link
+  EXPECT_EQ(fixture.plant.connections, connections);
+  const auto trial = fixture.driver.TryLink(other);
   ASSERT_TRUE(trial) << trial.error().Text();
   EXPECT_EQ(trial->version.model, "K220-22-R1");
-  EXPECT_EQ(bench.driver.LinkDescription(), "COM3, 115200 8N1, unit 1");
+  EXPECT_EQ(fixture.driver.LinkDescription(), "COM3, 115200 8N1, unit 1");
 
-  bench.plant.UseFaults({"noreply"});
-  EXPECT_EQ(bench.driver.TryLink(other).error().code, LinkErrorCode::NoReply);
-  bench.plant.UseFaults({});
+  fixture.plant.UseFaults({"noreply"});
+  EXPECT_EQ(fixture.driver.TryLink(other).error().code, LinkErrorCode::NoReply);
+  fixture.plant.UseFaults({});
 
-  bench.plant.UseFaults({"noreply"});
-  bench.pacer.After(std::chrono::milliseconds(300), [&] { bench.pacer.RequestStop(); });
-  EXPECT_EQ(bench.driver.TryLink(other).error().code, LinkErrorCode::Stopped);
-  bench.plant.UseFaults({});
-  EXPECT_FALSE(bench.pacer.StopRequested());
+  fixture.plant.UseFaults({"noreply"});
+  fixture.pacer.After(std::chrono::milliseconds(300), [&] { fixture.pacer.RequestStop(); });
+  EXPECT_EQ(fixture.driver.TryLink(other).error().code, LinkErrorCode::Stopped);
+  fixture.plant.UseFaults({});
+  EXPECT_FALSE(fixture.pacer.StopRequested());
   EXPECT_TRUE(channel->ReadMI(0, 1, 1)) << channel->LastError().Text();
 }
 
@@ -241,18 +241,18 @@ TEST(Trace, TellsTheTimeOfDay) {
 }
 
 TEST(Trace, KeepsTheLastFramesWithTheirMeaningAndNoPassword) {
-  DriverBench bench;
-  bench.driver.UseSettings(SerialSettings(), false);
+  DriverFixture fixture;
+  fixture.driver.UseSettings(SerialSettings(), false);
   const TemporaryFolder folder;
-  EXPECT_FALSE(bench.driver.GetTrace().WriteTo((folder.Path() / "none" / "trace.txt").string()));
-  ASSERT_TRUE(bench.driver.GetTrace().WriteTo((folder.Path() / "trace.txt").string()));
-  const auto channel = bench.driver.GetChannel();
+  EXPECT_FALSE(fixture.driver.GetTrace().WriteTo((folder.Path() / "none" / "trace.txt").string()));
+  ASSERT_TRUE(fixture.driver.GetTrace().WriteTo((folder.Path() / "trace.txt").string()));
+  const auto channel = fixture.driver.GetChannel();
   ASSERT_TRUE(channel);
   channel->SetCommandOwner("test");
   EXPECT_TRUE(channel->ReadMI(0, 60, 1));
   EXPECT_FALSE(channel->GiveAccess("topsecrt", 1));
   (void)channel->SendCommand("GItopsecrt");
-  const std::string text = bench.driver.GetTrace().Text();
+  const std::string text = fixture.driver.GetTrace().Text();
   for (const char* part : {"--- Connected to COM3", "--> test /01RO", "[unit 1: read MI 0..59]", "<-- test /01AC",
                            "refused: the password is wrong", "/01GI********"}) {
     EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
@@ -261,7 +261,7 @@ TEST(Trace, KeepsTheLastFramesWithTheirMeaningAndNoPassword) {
   EXPECT_EQ(text.find("746F70"), std::string::npos);
   EXPECT_EQ(TemporaryFolder::Content(folder.Path() / "trace.txt"), text);
   for (int i = 0; i < 600; ++i) EXPECT_TRUE(channel->ReadMI(0, 1, 1));
-  const std::string later = bench.driver.GetTrace().Text();
+  const std::string later = fixture.driver.GetTrace().Text();
   EXPECT_EQ(std::ranges::count(later, '\n'), 1000);
 }
 

@@ -3,7 +3,7 @@
 #include <functional>
 #include <span>
 
-#include "Bench.h"
+#include "Fixture.h"
 
 namespace kv {
 namespace {
@@ -11,22 +11,22 @@ namespace {
 using namespace std::chrono_literals;
 
 TEST(Exchange, RefusalIsNeverRepeated) {
-  Bench bench;
-  bench.plant.UseFaults({"busy:on=RO,nth=1"});
-  EXPECT_FALSE(bench.channel.ReadMI(0, 60, 1));
-  EXPECT_EQ(bench.Error().code, LinkErrorCode::Busy);
+  Fixture fixture;
+  fixture.plant.UseFaults({"busy:on=RO,nth=1"});
+  EXPECT_FALSE(fixture.channel.ReadMI(0, 60, 1));
+  EXPECT_EQ(fixture.Error().code, LinkErrorCode::Busy);
   EXPECT_TRUE(
-      bench.Error().Text().starts_with("Reading MI 0..59 from unit 1 on COM3, 115200 8N1 failed: the controller "
-                                       "refused: it is busy (code 0A)"));
-  EXPECT_EQ(bench.channel.Quality().repeats, 0U);
+      fixture.Error().Text().starts_with("Reading MI 0..59 from unit 1 on COM3, 115200 8N1 failed: the controller "
+                                         "refused: it is busy (code 0A)"));
+  EXPECT_EQ(fixture.channel.Quality().repeats, 0U);
 }
 
 using Requests = std::vector<std::pair<const char*, std::function<bool(Channel&)>>>;
 
 // One of each kind that the exchange goes about in another way, on a link that was never used before.
-Requests EachKind(Bench& bench) {
-  bench.channel.Close();
-  EXPECT_TRUE(bench.channel.Open());
+Requests EachKind(Fixture& fixture) {
+  fixture.channel.Close();
+  EXPECT_TRUE(fixture.channel.Open());
   const OperandListRequest list{.driverTypeCode = 3, .start = 0, .count = 60};
   return {{"tagged read", [](Channel& c) { return c.ReadMI(0, 60, 1).has_value(); }},
           {"write", [](Channel& c) { return c.WriteMI(0, std::vector<std::int16_t>{7}, 1); }},
@@ -53,31 +53,31 @@ TEST(Exchange, StrayBytesAndPausesFailNothing) {
   };
   for (const auto& line : lines) {
     for (const char* model : {"K220", "Q50"}) {
-      Bench bench(model);
-      const Requests requests = EachKind(bench);
-      bench.plant.shape = line.shape;
-      EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1)) << line.what << ", handshake: " << bench.Error().Text();
+      Fixture fixture(model);
+      const Requests requests = EachKind(fixture);
+      fixture.plant.shape = line.shape;
+      EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1)) << line.what << ", handshake: " << fixture.Error().Text();
       for (int round = 0; round < 3; ++round) {
         for (const auto& [name, request] : requests) {
           SCOPED_TRACE(std::string(line.what) + ", " + model + ": " + name);
-          const Instant start = bench.pacer.Now();
-          EXPECT_TRUE(request(bench.channel)) << bench.Error().Text();
-          EXPECT_LE(bench.pacer.Now() - start, line.most);
+          const Instant start = fixture.pacer.Now();
+          EXPECT_TRUE(request(fixture.channel)) << fixture.Error().Text();
+          EXPECT_LE(fixture.pacer.Now() - start, line.most);
         }
       }
-      EXPECT_EQ(bench.channel.Quality().errors, 0U);
+      EXPECT_EQ(fixture.channel.Quality().errors, 0U);
     }
   }
 }
 
 // A link that pauses is waited for, instead of being asked three times for everything.
 TEST(Exchange, PausesOfALinkAreLearnt) {
-  Bench bench;
-  bench.plant.shape = {.latency = 30ms, .pauseAt = 30, .pause = 300ms};
-  for (int i = 0; i < 5; ++i) ASSERT_TRUE(bench.channel.ReadMI(0, 60, 1));
-  const auto before = bench.channel.Quality().repeats;
-  for (int i = 0; i < 20; ++i) ASSERT_TRUE(bench.channel.ReadMI(0, 60, 1));
-  EXPECT_EQ(bench.channel.Quality().repeats, before);
+  Fixture fixture;
+  fixture.plant.shape = {.latency = 30ms, .pauseAt = 30, .pause = 300ms};
+  for (int i = 0; i < 5; ++i) ASSERT_TRUE(fixture.channel.ReadMI(0, 60, 1));
+  const auto before = fixture.channel.Quality().repeats;
+  for (int i = 0; i < 20; ++i) ASSERT_TRUE(fixture.channel.ReadMI(0, 60, 1));
+  EXPECT_EQ(fixture.channel.Quality().repeats, before);
 }
 
 // What is advised must follow from what was seen.
@@ -96,12 +96,12 @@ TEST(Exchange, ADisturbedLineIsToldWhereDamageWasSeen) {
       {"damage:on=RO", {}, LinkErrorCode::Damaged, "no reply arrived whole", true},
   };
   for (const auto& each : cases) {
-    Bench bench("Q50");
-    bench.plant.UseFaults({each.fault});
-    bench.plant.shape = each.shape;
-    EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1)) << each.fault;
-    EXPECT_EQ(bench.Error().code, each.code) << each.fault;
-    const std::string text = bench.Error().Text();
+    Fixture fixture("Q50");
+    fixture.plant.UseFaults({each.fault});
+    fixture.plant.shape = each.shape;
+    EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1)) << each.fault;
+    EXPECT_EQ(fixture.Error().code, each.code) << each.fault;
+    const std::string text = fixture.Error().Text();
     EXPECT_NE(text.find(each.told), std::string::npos) << text;
     EXPECT_EQ(text.find("disturbed line") != std::string::npos, each.isDisturbed) << text;
     EXPECT_EQ(text.find("lower speed") != std::string::npos, each.isDisturbed) << text;
@@ -110,51 +110,51 @@ TEST(Exchange, ADisturbedLineIsToldWhereDamageWasSeen) {
 
 // A link on which replies take 2 ms does not wait half a second for each that is lost.
 TEST(Exchange, LostReplyCostsTheTimeOfThisLink) {
-  Bench bench;
-  bench.plant.UseFaults({"noreply:on=RO,nth=1"});
-  const Instant start = bench.pacer.Now();
-  EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1));
-  EXPECT_LE(bench.pacer.Now() - start, 150ms);
-  EXPECT_EQ(bench.channel.Quality().repeats, 1U);
+  Fixture fixture;
+  fixture.plant.UseFaults({"noreply:on=RO,nth=1"});
+  const Instant start = fixture.pacer.Now();
+  EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1));
+  EXPECT_LE(fixture.pacer.Now() - start, 150ms);
+  EXPECT_EQ(fixture.channel.Quality().repeats, 1U);
 }
 
 TEST(Exchange, AnsweredAtOnceItCostsNoTurn) {
-  Bench bench;
-  for (int i = 0; i < 10; ++i) EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1));
-  EXPECT_EQ(bench.pacer.TurnCount(), 0);
+  Fixture fixture;
+  for (int i = 0; i < 10; ++i) EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1));
+  EXPECT_EQ(fixture.pacer.TurnCount(), 0);
 }
 
 TEST(Exchange, StopAndAbortEndAWaitWithin200Milliseconds) {
   for (const bool isAbort : {false, true}) {
     for (const char* fault : {"noreply:on=CC", "garbage:on=CC"}) {
-      Bench bench;
-      bench.plant.UseFaults({fault});
-      bench.channel.SetTimeOut(20000);
-      bench.pacer.After(300ms, [&] { isAbort ? bench.channel.AbortComm(true) : bench.pacer.RequestStop(); });
-      const Instant start = bench.pacer.Now();
-      EXPECT_FALSE(bench.channel.SendCommand("CCS") && bench.channel.SendCommand("CCR"));
-      EXPECT_EQ(bench.Error().code, LinkErrorCode::Stopped);
-      EXPECT_EQ(bench.Error().happened, "stopped on request");
-      EXPECT_LE(bench.pacer.Now() - start, 500ms);
-      bench.pacer.ClearStop();
-      bench.channel.AbortComm(true);  // with nothing under way it stops nothing
-      bench.plant.UseFaults({});
-      bench.channel.Close();
-      EXPECT_TRUE(bench.channel.Open());
-      EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1)) << bench.Error().Text();
+      Fixture fixture;
+      fixture.plant.UseFaults({fault});
+      fixture.channel.SetTimeOut(20000);
+      fixture.pacer.After(300ms, [&] { isAbort ? fixture.channel.AbortComm(true) : fixture.pacer.RequestStop(); });
+      const Instant start = fixture.pacer.Now();
+      EXPECT_FALSE(fixture.channel.SendCommand("CCS") && fixture.channel.SendCommand("CCR"));
+      EXPECT_EQ(fixture.Error().code, LinkErrorCode::Stopped);
+      EXPECT_EQ(fixture.Error().happened, "stopped on request");
+      EXPECT_LE(fixture.pacer.Now() - start, 500ms);
+      fixture.pacer.ClearStop();
+      fixture.channel.AbortComm(true);  // with nothing under way it stops nothing
+      fixture.plant.UseFaults({});
+      fixture.channel.Close();
+      EXPECT_TRUE(fixture.channel.Open());
+      EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1)) << fixture.Error().Text();
     }
   }
 }
 
 TEST(Exchange, SecondRequestInTheMiddleOfOneIsRefused) {
-  Bench bench;
-  bench.plant.UseFaults({"noreply:on=RO,nth=1"});
+  Fixture fixture;
+  fixture.plant.UseFaults({"noreply:on=RO,nth=1"});
   LinkError error;
-  bench.pacer.After(20ms, [&] {
-    EXPECT_FALSE(bench.channel.ReadMI(1, 1, 1));
-    error = bench.Error();
+  fixture.pacer.After(20ms, [&] {
+    EXPECT_FALSE(fixture.channel.ReadMI(1, 1, 1));
+    error = fixture.Error();
   });
-  EXPECT_TRUE(bench.channel.ReadMI(9, 1, 1));
+  EXPECT_TRUE(fixture.channel.ReadMI(9, 1, 1));
   EXPECT_EQ(error.code, LinkErrorCode::Busy);
   EXPECT_EQ(error.happened, "another request is under way");
 }

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Bench.h"
+#include "Fixture.h"
 
 namespace kv {
 namespace {

@@ -3,7 +3,7 @@
 #include <functional>
 #include <tuple>
 
-#include "Bench.h"
+#include "Fixture.h"
 
 namespace kv {
 namespace {
@@ -20,13 +20,13 @@ sim::SimulatorOptions Like(std::optional<std::uint32_t> serialNumber, Duration r
 
 TEST(Reconnect, ReadIsRepeatedOnTheNewConnectionAndTheUserIsTold) {
   for (const char* fault : {"lost:on=RO,nth=1", "lost:dir=in,on=RO,nth=1"}) {
-    Bench bench;
-    bench.plant.UseFaults({fault});
-    EXPECT_TRUE(bench.channel.ReadMI(3, 1, 1));
-    EXPECT_EQ(bench.plant.connections, 2);
+    Fixture fixture;
+    fixture.plant.UseFaults({fault});
+    EXPECT_TRUE(fixture.channel.ReadMI(3, 1, 1));
+    EXPECT_EQ(fixture.plant.connections, 2);
     const std::vector<std::string> expected = {"Connected to COM3, 115200 8N1, unit 1", "Connection lost: it was cut",
                                                "Connected again to the cable"};
-    EXPECT_EQ(bench.messages, expected);
+    EXPECT_EQ(fixture.messages, expected);
   }
 }
 
@@ -41,29 +41,29 @@ TEST(Reconnect, WhatIsNoReadIsNotSentAgainAndItsFateIsReported) {
   for (const auto& [on, request, codeWhenDone, codeWhenNot] : rows) {
     for (const bool isDone : {true, false}) {
       SCOPED_TRACE(on + (isDone ? ", reply lost" : ", request lost"));
-      Bench bench;
-      bench.plant.UseFaults({(isDone ? "lost:nth=1,on=" : "lost:dir=in,nth=1,on=") + on});
+      Fixture fixture;
+      fixture.plant.UseFaults({(isDone ? "lost:nth=1,on=" : "lost:dir=in,nth=1,on=") + on});
       const LinkErrorCode code = isDone ? codeWhenDone : codeWhenNot;
-      EXPECT_EQ(request(bench.channel), code == None);
-      EXPECT_EQ(bench.Error().code, code) << bench.Error().Text();
-      EXPECT_EQ(bench.Error().isNotExecuted, code == LinkLost);
+      EXPECT_EQ(request(fixture.channel), code == None);
+      EXPECT_EQ(fixture.Error().code, code) << fixture.Error().Text();
+      EXPECT_EQ(fixture.Error().isNotExecuted, code == LinkLost);
       const char* told = code == Unsure ? "could not be found out" : code == LinkLost ? "has not executed" : "";
-      EXPECT_NE(bench.Error().happened.find(told), std::string::npos) << bench.Error().Text();
-      const auto& controller = *bench.plant.controller;
+      EXPECT_NE(fixture.Error().happened.find(told), std::string::npos) << fixture.Error().Text();
+      const auto& controller = *fixture.plant.controller;
       EXPECT_EQ(controller.MostExecutions() + controller.MostBlockExecutions(), isDone ? 1 : 0);
-      EXPECT_TRUE(request(bench.channel)) << "the next one goes through: " << bench.Error().Text();
+      EXPECT_TRUE(request(fixture.channel)) << "the next one goes through: " << fixture.Error().Text();
     }
   }
 }
 
 TEST(Reconnect, ControllerThatIsTooBusyToSayWhoItIsIsNoOther) {
-  Bench bench;
-  bench.plant.isCut = true;
-  bench.plant.UseFaults({"busy:on=IN,nth=1"});
-  EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
-  EXPECT_EQ(bench.Error().code, LinkErrorCode::Busy);
-  EXPECT_EQ(bench.Error().happened, "the controller does not say who it is");
-  EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1));
+  Fixture fixture;
+  fixture.plant.isCut = true;
+  fixture.plant.UseFaults({"busy:on=IN,nth=1"});
+  EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1));
+  EXPECT_EQ(fixture.Error().code, LinkErrorCode::Busy);
+  EXPECT_EQ(fixture.Error().happened, "the controller does not say who it is");
+  EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1));
 }
 
 // What takes its time is waited for, instead of asking what became of it; and who was reset, and nobody else, may come
@@ -83,51 +83,52 @@ TEST(Reconnect, EachCommandHasItsPatienceAndAResetAloneMayChangeTheModel) {
   };
   for (const auto& [model, commands, resets] : rows) {
     SCOPED_TRACE(commands.back());
-    Bench bench(model);
-    const auto serialNumber = bench.channel.GetControllerInfo(1)->serialNumber;
+    Fixture fixture(model);
+    const auto serialNumber = fixture.channel.GetControllerInfo(1)->serialNumber;
     for (const std::string& command : commands) {
-      EXPECT_TRUE(bench.channel.GetVersionInfo(1)) << "it is met";
-      const std::size_t before = bench.trace->Text().size();
-      bench.plant.shape.latency = &command == &commands.back() ? 300ms : 0ms;
-      EXPECT_FALSE(bench.channel.SendCommand(command)->IsError()) << command;
-      EXPECT_EQ(bench.trace->Text().find("/01SY", before), std::string::npos) << bench.trace->Text();
-      bench.pacer.Sleep(1s);
+      EXPECT_TRUE(fixture.channel.GetVersionInfo(1)) << "it is met";
+      const std::size_t before = fixture.trace->Text().size();
+      fixture.plant.shape.latency = &command == &commands.back() ? 300ms : 0ms;
+      EXPECT_FALSE(fixture.channel.SendCommand(command)->IsError()) << command;
+      EXPECT_EQ(fixture.trace->Text().find("/01SY", before), std::string::npos) << fixture.trace->Text();
+      fixture.pacer.Sleep(1s);
     }
-    bench.plant.Connect("K330", "", Like(serialNumber));
-    bench.plant.isCut = true;
-    EXPECT_EQ(bench.channel.GetVersionInfo(1).has_value(), resets) << bench.Error().Text();
-    EXPECT_EQ(bench.Error().code, resets ? LinkErrorCode::None : LinkErrorCode::OtherController);
+    fixture.plant.Connect("K330", "", Like(serialNumber));
+    fixture.plant.isCut = true;
+    EXPECT_EQ(fixture.channel.GetVersionInfo(1).has_value(), resets) << fixture.Error().Text();
+    EXPECT_EQ(fixture.Error().code, resets ? LinkErrorCode::None : LinkErrorCode::OtherController);
   }
 }
 
 // A cable is moved while nobody closes the link, or the box behind a device server.
 TEST(Reconnect, AnotherControllerOnTheSameConnectionIsNeverTakenForTheOneBefore) {
-  const std::tuple<const char*, std::function<void(Bench&)>> gaps[] = {
+  const std::tuple<const char*, std::function<void(Fixture&)>> gaps[] = {
       {"a request ended in silence",
-       [](Bench& bench) {
-         bench.plant.isSilent = true;
-         EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
-         EXPECT_EQ(bench.Error().code, LinkErrorCode::NoReply);
+       [](Fixture& fixture) {
+         fixture.plant.isSilent = true;
+         EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1));
+         EXPECT_EQ(fixture.Error().code, LinkErrorCode::NoReply);
        }},
       {"a block message ended in silence",
-       [](Bench& bench) {
-         bench.plant.isSilent = true;
-         EXPECT_FALSE(bench.channel.ReadMemoryBlock(0x00200000, 10, 1));
+       [](Fixture& fixture) {
+         fixture.plant.isSilent = true;
+         EXPECT_FALSE(fixture.channel.ReadMemoryBlock(0x00200000, 10, 1));
        }},
       {"a request ended in damage",
-       [](Bench& bench) {
-         bench.plant.UseFaults({"damage"});
-         EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
+       [](Fixture& fixture) {
+         fixture.plant.UseFaults({"damage"});
+         EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1));
        }},
       {"a request was stopped while nobody answered",
-       [](Bench& bench) {
-         bench.plant.isSilent = true;
-         bench.pacer.After(40ms, [&] { bench.pacer.RequestStop(); });
-         EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
-         bench.pacer.ClearStop();
+       [](Fixture& fixture) {
+         fixture.plant.isSilent = true;
+         fixture.pacer.After(40ms, [&] { fixture.pacer.RequestStop(); });
+         EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1));
+         fixture.pacer.ClearStop();
        }},
-      {"nobody asked for a while", [](Bench& bench) { bench.pacer.Sleep(4s); }},
-      {"raw frames passed", [](Bench& bench) { EXPECT_TRUE(bench.channel.GetSerialPort()->Output("/01CCS3A\r")); }},
+      {"nobody asked for a while", [](Fixture& fixture) { fixture.pacer.Sleep(4s); }},
+      {"raw frames passed",
+       [](Fixture& fixture) { EXPECT_TRUE(fixture.channel.GetSerialPort()->Output("/01CCS3A\r")); }},
   };
   const std::tuple<const char*, std::function<bool(Channel&)>> requests[] = {
       {"read", [](Channel& c) { return c.ReadMI(0, 1, 1).has_value(); }},
@@ -140,20 +141,20 @@ TEST(Reconnect, AnotherControllerOnTheSameConnectionIsNeverTakenForTheOneBefore)
     for (const auto& [name, request] : requests) {
       for (const char* model : {"K220", "K450-45"}) {
         SCOPED_TRACE(std::string(what) + ", " + name + ", " + model);
-        Bench bench("K220", SerialSettings(), "secret");
-        EXPECT_TRUE(bench.channel.GiveAccess("secret", 1));
-        const auto before = bench.channel.GetControllerInfo(1);
-        gap(bench);
-        bench.plant.isSilent = false;
-        bench.plant.Connect(model, "", Like(4711));
-        EXPECT_FALSE(request(bench.channel));
-        EXPECT_EQ(bench.Error().code, LinkErrorCode::OtherController) << bench.Error().Text();
-        EXPECT_NE(bench.Error().happened.find("serial number 4711 instead of K220"), std::string::npos)
-            << bench.Error().happened;
-        EXPECT_NE(bench.Error().happened.find(std::to_string(before->serialNumber)), std::string::npos);
-        EXPECT_EQ(bench.plant.controller->MostExecutions(), 0) << "nothing but questions has reached it";
-        EXPECT_FALSE(bench.channel.Open()) << "until the link is closed";
-        EXPECT_EQ(bench.messages.back(), "Connection closed: another controller answered");
+        Fixture fixture("K220", SerialSettings(), "secret");
+        EXPECT_TRUE(fixture.channel.GiveAccess("secret", 1));
+        const auto before = fixture.channel.GetControllerInfo(1);
+        gap(fixture);
+        fixture.plant.isSilent = false;
+        fixture.plant.Connect(model, "", Like(4711));
+        EXPECT_FALSE(request(fixture.channel));
+        EXPECT_EQ(fixture.Error().code, LinkErrorCode::OtherController) << fixture.Error().Text();
+        EXPECT_NE(fixture.Error().happened.find("serial number 4711 instead of K220"), std::string::npos)
+            << fixture.Error().happened;
+        EXPECT_NE(fixture.Error().happened.find(std::to_string(before->serialNumber)), std::string::npos);
+        EXPECT_EQ(fixture.plant.controller->MostExecutions(), 0) << "nothing but questions has reached it";
+        EXPECT_FALSE(fixture.channel.Open()) << "until the link is closed";
+        EXPECT_EQ(fixture.messages.back(), "Connection closed: another controller answered");
       }
     }
   }
@@ -170,25 +171,25 @@ TEST(Reconnect, AnotherControllerGivesItselfAwayByWhatItAnswers) {
   };
   for (const auto& [what, fault, request] : cases) {
     SCOPED_TRACE(what);
-    Bench bench;
-    for (int i = 0; i < 20; ++i) EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1));
-    bench.plant.Connect("K330", "", Like(4711));
-    if (*fault != 0) bench.plant.UseFaults({fault});
-    EXPECT_FALSE(request(bench.channel));
-    EXPECT_EQ(bench.Error().code, LinkErrorCode::OtherController) << bench.Error().Text();
-    EXPECT_LE(bench.plant.controller->MostExecutions(), 1);
+    Fixture fixture;
+    for (int i = 0; i < 20; ++i) EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1));
+    fixture.plant.Connect("K330", "", Like(4711));
+    if (*fault != 0) fixture.plant.UseFaults({fault});
+    EXPECT_FALSE(request(fixture.channel));
+    EXPECT_EQ(fixture.Error().code, LinkErrorCode::OtherController) << fixture.Error().Text();
+    EXPECT_LE(fixture.plant.controller->MostExecutions(), 1);
   }
 }
 
 // What is asked right after a reset is asked again until the controller listens, and so is what became of the reset.
 TEST(Reconnect, AControllerThatRestartsIsWaitedFor) {
-  const std::tuple<const char*, std::vector<std::string>, std::function<bool(Bench&)>> resets[] = {
-      {"reset", {}, [](Bench& b) { return b.channel.ResetController(1); }},
-      {"reset, reply lost", {"noreply:on=CC,nth=1"}, [](Bench& b) { return b.channel.ResetController(1); }},
-      {"boot loader", {}, [](Bench& b) { return b.channel.SendCommand("CCB").has_value(); }},
+  const std::tuple<const char*, std::vector<std::string>, std::function<bool(Fixture&)>> resets[] = {
+      {"reset", {}, [](Fixture& b) { return b.channel.ResetController(1); }},
+      {"reset, reply lost", {"noreply:on=CC,nth=1"}, [](Fixture& b) { return b.channel.ResetController(1); }},
+      {"boot loader", {}, [](Fixture& b) { return b.channel.SendCommand("CCB").has_value(); }},
       {"raw reset",
        {},
-       [](Bench& b) {
+       [](Fixture& b) {
          SerialPortObject* port = b.channel.GetSerialPort();
          const bool isSent = port->Output("/01CCE2C\r");
          b.pacer.Sleep(10ms);
@@ -198,16 +199,16 @@ TEST(Reconnect, AControllerThatRestartsIsWaitedFor) {
   for (const Duration restart : {Duration(200ms), Duration(2s), Duration(4500ms)}) {
     for (const auto& [what, faults, reset] : resets) {
       SCOPED_TRACE(std::string(what) + ", " + std::to_string(restart.count()) + " us");
-      Bench bench("K220", SerialSettings(), "", Like({}, restart));
-      bench.plant.UseFaults(faults);
-      EXPECT_TRUE(reset(bench)) << bench.Error().Text();
+      Fixture fixture("K220", SerialSettings(), "", Like({}, restart));
+      fixture.plant.UseFaults(faults);
+      EXPECT_TRUE(reset(fixture)) << fixture.Error().Text();
       const bool isInBootLoader = std::string_view(what) == "boot loader";
-      const bool isDone = isInBootLoader ? bench.channel.GetVersionInfo(1)->model == "BOOT"
-                                         : bench.channel.ReadMemoryBlock(0x00200000, 10, 1).has_value();
-      EXPECT_TRUE(isDone) << bench.Error().Text();
+      const bool isDone = isInBootLoader ? fixture.channel.GetVersionInfo(1)->model == "BOOT"
+                                         : fixture.channel.ReadMemoryBlock(0x00200000, 10, 1).has_value();
+      EXPECT_TRUE(isDone) << fixture.Error().Text();
     }
   }
-  Bench dead;
+  Fixture dead;
   EXPECT_TRUE(dead.channel.ResetController(1));
   dead.plant.isSilent = true;
   const Instant start = dead.pacer.Now();
@@ -217,10 +218,10 @@ TEST(Reconnect, AControllerThatRestartsIsWaitedFor) {
 
 // Who refuses to reset does not: nothing is waited for.
 TEST(Reconnect, ARefusedResetEarnsNoPatience) {
-  const std::pair<const char*, std::function<bool(Bench&)>> refused[] = {
-      {"CCE", [](Bench& b) { return b.channel.ResetController(1); }},
+  const std::pair<const char*, std::function<bool(Fixture&)>> refused[] = {
+      {"CCE", [](Fixture& b) { return b.channel.ResetController(1); }},
       {"raw ED without a load",
-       [](Bench& b) {
+       [](Fixture& b) {
          SerialPortObject* port = b.channel.GetSerialPort();
          const bool isSent = port->Output("/01EDEA\r");
          b.pacer.Sleep(10ms);
@@ -229,56 +230,56 @@ TEST(Reconnect, ARefusedResetEarnsNoPatience) {
   };
   for (const auto& [what, reset] : refused) {
     SCOPED_TRACE(what);
-    Bench bench("K220", SerialSettings(), what == refused[0].first ? "secret" : "");
-    EXPECT_FALSE(reset(bench));
-    bench.plant.isSilent = true;
-    const Instant start = bench.pacer.Now();
-    EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
-    EXPECT_LE(bench.pacer.Now() - start, 3s + 500ms);
+    Fixture fixture("K220", SerialSettings(), what == refused[0].first ? "secret" : "");
+    EXPECT_FALSE(reset(fixture));
+    fixture.plant.isSilent = true;
+    const Instant start = fixture.pacer.Now();
+    EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1));
+    EXPECT_LE(fixture.pacer.Now() - start, 3s + 500ms);
   }
 }
 
 TEST(Reconnect, TriesWithGrowingPausesWithinTheDeadline) {
-  Bench bench;
-  bench.plant.isCut = true;
-  bench.plant.isReachable = false;
-  const Instant start = bench.pacer.Now();
-  EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
-  EXPECT_EQ(bench.Error().code, LinkErrorCode::LinkLost);
-  EXPECT_EQ(bench.Error().happened, "the connection was lost: nobody is there");
-  EXPECT_LE(bench.pacer.Now() - start, 3 * 1200ms);
+  Fixture fixture;
+  fixture.plant.isCut = true;
+  fixture.plant.isReachable = false;
+  const Instant start = fixture.pacer.Now();
+  EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1));
+  EXPECT_EQ(fixture.Error().code, LinkErrorCode::LinkLost);
+  EXPECT_EQ(fixture.Error().happened, "the connection was lost: nobody is there");
+  EXPECT_LE(fixture.pacer.Now() - start, 3 * 1200ms);
 
-  Bench dropped;  // it comes back each time, and is lost again
+  Fixture dropped;  // it comes back each time, and is lost again
   dropped.plant.UseFaults({"lost:on=RO"});
   EXPECT_FALSE(dropped.channel.ReadMI(0, 1, 1));
   EXPECT_LE(dropped.plant.connections, 6) << "the pauses grow";
 
-  bench.pacer.After(500ms, [&] { bench.pacer.RequestStop(); });
-  const Instant again = bench.pacer.Now();
-  EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
-  EXPECT_EQ(bench.Error().code, LinkErrorCode::Stopped);
-  EXPECT_LE(bench.pacer.Now() - again, 700ms);
-  bench.pacer.ClearStop();
+  fixture.pacer.After(500ms, [&] { fixture.pacer.RequestStop(); });
+  const Instant again = fixture.pacer.Now();
+  EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1));
+  EXPECT_EQ(fixture.Error().code, LinkErrorCode::Stopped);
+  EXPECT_LE(fixture.pacer.Now() - again, 700ms);
+  fixture.pacer.ClearStop();
 
-  bench.pacer.After(900ms, [&] { bench.plant.isReachable = true; });
-  EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1)) << "within the request";
+  fixture.pacer.After(900ms, [&] { fixture.plant.isReachable = true; });
+  EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1)) << "within the request";
 }
 
 TEST(Reconnect, ALinkThatMayNotBeReopenedStaysLostWithAReason) {
   LinkSettings settings = SerialSettings();
   settings.reconnects = false;
-  Bench bench("K220", settings);
-  bench.plant.loss = {};  // a port that knows none
-  bench.plant.isCut = true;
+  Fixture fixture("K220", settings);
+  fixture.plant.loss = {};  // a port that knows none
+  fixture.plant.isCut = true;
   for (int i = 0; i < 2; ++i) {
-    EXPECT_FALSE(bench.channel.ReadMI(0, 1, 1));
-    EXPECT_EQ(bench.Error().code, LinkErrorCode::LinkLost);
-    EXPECT_NE(bench.Error().happened.find("the other side has gone"), std::string::npos) << bench.Error().Text();
-    EXPECT_NE(bench.Error().cure, "");
+    EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1));
+    EXPECT_EQ(fixture.Error().code, LinkErrorCode::LinkLost);
+    EXPECT_NE(fixture.Error().happened.find("the other side has gone"), std::string::npos) << fixture.Error().Text();
+    EXPECT_NE(fixture.Error().cure, "");
   }
-  EXPECT_EQ(bench.plant.connections, 1);
-  EXPECT_TRUE(bench.channel.Open());
-  EXPECT_TRUE(bench.channel.ReadMI(0, 1, 1));
+  EXPECT_EQ(fixture.plant.connections, 1);
+  EXPECT_TRUE(fixture.channel.Open());
+  EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1));
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "Bench.h"
+#include "Fixture.h"
 #include "KvCmDrv1/wire/AsciiCodec.h"
 #include "KvCmDrv1/wire/BlockCodec.h"
 #include "KvCmDrv1/wire/HexDigits.h"
@@ -113,11 +113,11 @@ TEST(TraceSecrets, AnEchoingLineTellsNoPassword) {
   const std::vector<std::string> lines[] = {
       {"echo"}, {"echo", "damage:rate=0.02"}, {"echo", "dribble:ms=3"}, {"echo", "double"}};
   for (const std::vector<std::string>& rules : lines) {
-    Bench bench("K220", SerialSettings(), "97531864");
-    bench.plant.UseFaults(rules);
-    (void)bench.channel.GiveAccess("97531864", 1);
-    (void)bench.channel.SendCommand("GI97531864");
-    const std::string text = bench.trace->Text();
+    Fixture fixture("K220", SerialSettings(), "97531864");
+    fixture.plant.UseFaults(rules);
+    (void)fixture.channel.GiveAccess("97531864", 1);
+    (void)fixture.channel.SendCommand("GI97531864");
+    const std::string text = fixture.trace->Text();
     EXPECT_NE(text.find("<xx"), std::string::npos) << "it does echo";
     for (const char* part : {"9753", "1864", "39373533", "31383634"}) EXPECT_EQ(text.find(part), std::string::npos);
   }

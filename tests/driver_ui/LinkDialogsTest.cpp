@@ -9,7 +9,7 @@
 #include <QScrollBar>
 
 #include "KvCmDrv1/SettingsFile.h"
-#include "tests/driver_ui/DialogBench.h"
+#include "tests/driver_ui/DialogFixture.h"
 
 namespace kv {
 namespace {
@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 using namespace kv::test;
 using ::testing::ElementsAre;
 
-class LinkDialogsTest : public ::testing::Test, protected DialogBench {
+class LinkDialogsTest : public ::testing::Test, protected DialogFixture {
  protected:
   // As a user does it: line edits are typed into, lists chosen from.
   static void Enter(const QDialog& dialog, const std::string& control, const std::string& value) {

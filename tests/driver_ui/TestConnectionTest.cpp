@@ -4,7 +4,7 @@
 #include <QLabel>
 
 #include "KvCmDrv1/ports/SimulatedPort.h"
-#include "tests/driver_ui/DialogBench.h"
+#include "tests/driver_ui/DialogFixture.h"
 
 namespace kv {
 namespace {
@@ -22,7 +22,7 @@ struct SilentLine final : InProcessLine {
   std::optional<Instant> NextEvent() const override { return std::nullopt; }
 };
 
-class TestConnectionTest : public ::testing::Test, protected DialogBench {
+class TestConnectionTest : public ::testing::Test, protected DialogFixture {
  protected:
   void BeSilent() {
     makePort = [](const LinkSettings&, Pacer& p, ListeningSocket*) {

@@ -5,7 +5,7 @@
 
 #include "KvCmDrv1/ui/TraceModel.h"
 #include "KvCmDrv1/ui/frmTrace.h"
-#include "tests/driver_ui/DialogBench.h"
+#include "tests/driver_ui/DialogFixture.h"
 
 namespace kv {
 namespace {
@@ -33,7 +33,7 @@ TEST(TraceModelTest, FollowsTheTraceOverItsWholeLengthAndPastIt) {
   }
 }
 
-class TraceWindowTest : public ::testing::Test, protected DialogBench {
+class TraceWindowTest : public ::testing::Test, protected DialogFixture {
  protected:
   void Talk() {
     const auto channel = driver.GetChannel();

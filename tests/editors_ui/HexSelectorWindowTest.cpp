@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "editors/ui/frmHexSelector.h"
-#include "tests/desktop_ui/QtBench.h"
+#include "tests/desktop_ui/QtFixture.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/host/HostBench.h"
+#include "tests/host/HostFixture.h"
 
 namespace kv {
 namespace {
@@ -11,7 +11,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct CallerExeTest : testing::Test, test::HostBench {};
+struct CallerExeTest : testing::Test, test::HostFixture {};
 
 TEST_F(CallerExeTest, LivesItsLifeInOrder) {
   Put("KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=K330\r\n");

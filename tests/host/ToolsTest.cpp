@@ -3,7 +3,7 @@
 
 #include "sessions/RecentCaches.h"
 #include "sessions/SessionIni.h"
-#include "tests/host/HostBench.h"
+#include "tests/host/HostFixture.h"
 
 namespace kv {
 namespace {
@@ -11,7 +11,7 @@ namespace {
 using test::CallLog;
 using testing::ElementsAre;
 
-struct ToolsTest : testing::Test, test::HostBench {
+struct ToolsTest : testing::Test, test::HostFixture {
   ToolsTest() { windows.emplace_back("ID_Session"); }
   [[nodiscard]] bool HasFile(const char* name) const { return std::filesystem::exists(Session("Default") / name); }
 };

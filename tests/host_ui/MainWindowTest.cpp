@@ -17,7 +17,7 @@
 #include "apps/KvTeleExe/ToolWindowTable.h"
 #include "base/ScopeGuard.h"
 #include "tests/desktop_ui/UsableWindow.h"
-#include "tests/host_ui/WindowBench.h"
+#include "tests/host_ui/WindowFixture.h"
 
 namespace kv::test {
 namespace {
@@ -27,7 +27,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-using MainWindowTest = WindowBench;
+using MainWindowTest = WindowFixture;
 
 TEST_F(MainWindowTest, AControllerOfEachKindGoesOnLine) {
   const struct {

@@ -6,7 +6,7 @@
 #include "sessions/RecentCaches.h"
 #include "sessions/SessionIni.h"
 #include "tests/support/FakeChannel.h"
-#include "tests/support/SessionBench.h"
+#include "tests/support/SessionFixture.h"
 
 namespace kv {
 namespace {
@@ -52,7 +52,7 @@ class LoggedChannel : public test::FakeChannel {
 
 const CallLog kLookup{"Hourglass on", "BeginConnect", "Driver GetChannel", "EndConnect", "Hourglass off"};
 
-struct GoOnlineTest : testing::Test, test::SessionBench {
+struct GoOnlineTest : testing::Test, test::SessionFixture {
   GoOnlineTest() { driver.channel = channel; }
 
   CallLog Calls() {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/kvtele/CommandBench.h"
+#include "tests/kvtele/CommandFixture.h"
 
 namespace kv::test {
 namespace {
@@ -15,15 +15,15 @@ constexpr const char* kModel = "AurexQ50";  // a small one that can be cloned
 
 // A clone file, and what is done with it on simulated controllers.
 struct CloneVerbs : ::testing::Test {
-  CommandBench bench;
-  std::string file = bench.PathOf("plc.kdf");
+  CommandFixture fixture;
+  std::string file = fixture.PathOf("plc.kdf");
 
   Result Clone(const std::string& action, const std::string& more = "") {
-    return bench.On(kModel, "clone " + action + " @plc.kdf " + more);
+    return fixture.On(kModel, "clone " + action + " @plc.kdf " + more);
   }
   Result Create(const std::string& more = "") { return Clone("create", "--password 1 --stop " + more); }
   // A command on `file` for another controller.
-  Result On(CommandBench& other, const std::string& line) {
+  Result On(CommandFixture& other, const std::string& line) {
     std::string all = line;
     if (const auto at = all.find("@plc.kdf"); at != std::string::npos) all.replace(at, 8, file);
     return other.On(kModel, all);
@@ -34,7 +34,7 @@ struct CloneVerbs : ::testing::Test {
     std::size_t at = 0;
     for (int line = 1; line < number; ++line) at = content.find('\n', at) + 1;
     content[at + 20] = content[at + 20] == '0' ? '1' : '0';
-    bench.home.Put("plc.kdf", content);
+    fixture.home.Put("plc.kdf", content);
   }
 };
 
@@ -45,7 +45,7 @@ TEST_F(CloneVerbs, CreateInfoVerifyRestore) {
   EXPECT_THAT(created.err, HasSubstr("about to STOP, Continue? [y/N] yes (--stop)\n"));
   EXPECT_THAT(created.err, HasSubstr("Korvantis PLC Cloner: Clone File Created Successfully.\n"));
   EXPECT_THAT(created.err, HasSubstr("which clone files never take"));
-  const Result info = bench.Run("clone info @plc.kdf");
+  const Result info = fixture.Run("clone info @plc.kdf");
   EXPECT_EQ(info.exit, 0);
   EXPECT_THAT(info.out, HasSubstr("model          AurexQ50"));
   EXPECT_THAT(info.out, HasSubstr("segment        HW  00200000  210 bytes, "));
@@ -71,19 +71,19 @@ TEST_F(CloneVerbs, CreateInfoVerifyRestore) {
 
 TEST_F(CloneVerbs, DifferencesAreTheAnswerWithACodeOfTheirOwn) {
   ASSERT_EQ(Create().exit, 0);
-  std::filesystem::copy_file(file, bench.PathOf("second.kdf"));
-  EXPECT_EQ(bench.Run("clone diff @plc.kdf @second.kdf").exit, 0);
+  std::filesystem::copy_file(file, fixture.PathOf("second.kdf"));
+  EXPECT_EQ(fixture.Run("clone diff @plc.kdf @second.kdf").exit, 0);
   EXPECT_EQ(Clone("diff").exit, 0);
 
   ASSERT_EQ(Create("--replace --segments HW").exit, 0);
-  const Result fewer = bench.Run("clone diff @second.kdf @plc.kdf");
+  const Result fewer = fixture.Run("clone diff @second.kdf @plc.kdf");
   EXPECT_EQ(fewer.exit, 5);
   EXPECT_THAT(fewer.out, HasSubstr("OP  00100000  1554 bytes: only in the first file\n"));
 
-  CommandBench liar;
+  CommandFixture liar;
   liar.options.faults = {"lie:on=WD,nth=2"};
   liar.options.seed = 2;
-  file = bench.PathOf("second.kdf");
+  file = fixture.PathOf("second.kdf");
   const Result told = On(liar, "clone restore @plc.kdf --yes --verify");
   EXPECT_EQ(told.exit, 5);
   EXPECT_THAT(told.out, HasSubstr("bytes differ\n    00100"));
@@ -94,8 +94,8 @@ TEST_F(CloneVerbs, DifferencesAreTheAnswerWithACodeOfTheirOwn) {
 
 TEST_F(CloneVerbs, ARestoreThatWouldHarmIsRefusedUnlessForced) {
   ASSERT_EQ(Create("--segments HW").exit, 0);
-  bench.ExpectFailure({"--link sim:AurexQ50 clone restore @plc.kdf", 1, "notConfirmed", "or give --yes"});
-  const Result other = bench.ExpectFailure(
+  fixture.ExpectFailure({"--link sim:AurexQ50 clone restore @plc.kdf", 1, "notConfirmed", "or give --yes"});
+  const Result other = fixture.ExpectFailure(
       {"--link sim:K450 clone restore @plc.kdf --yes", 4, "notFit", "but the controller is a K450"});
   EXPECT_THAT(other.trace, Not(HasSubstr("/01WD")));
 
@@ -103,13 +103,13 @@ TEST_F(CloneVerbs, ARestoreThatWouldHarmIsRefusedUnlessForced) {
   const Result info = Clone("info");
   EXPECT_EQ(info.exit, 6);
   EXPECT_THAT(info.out, HasSubstr("damage         line 6: expected"));
-  const Result damaged =
-      bench.ExpectFailure({"--link sim:AurexQ50 clone restore @plc.kdf --yes", 6, "badFile", "it is damaged: line 6"});
+  const Result damaged = fixture.ExpectFailure(
+      {"--link sim:AurexQ50 clone restore @plc.kdf --yes", 6, "badFile", "it is damaged: line 6"});
   EXPECT_EQ(damaged.trace, "") << "not even connected";
   EXPECT_EQ(Clone("verify").exit, 6);
   // The controller does not answer a frame with a bad checksum.
-  const Result forced = bench.ExpectFailure({"--link sim:AurexQ50 clone restore @plc.kdf --yes --force", 7, "badReply",
-                                             "Line 6 of the clone file: no reply within 10 s"});
+  const Result forced = fixture.ExpectFailure({"--link sim:AurexQ50 clone restore @plc.kdf --yes --force", 7,
+                                               "badReply", "Line 6 of the clone file: no reply within 10 s"});
   EXPECT_THAT(forced.err, HasSubstr("Warning: The clone file is damaged: line 6"));
 }
 
@@ -132,7 +132,7 @@ TEST_F(CloneVerbs, LeaveTheFileAsItWasWhenTheyFail) {
       {"restore @plc.kdf --yes --password 1 --backup @no/b.kdf --stop", 6, "badFile", "because the backup failed"},
   };
   for (FailingCommand row : rows) {
-    CommandBench troubled;
+    CommandFixture troubled;
     troubled.options.password = "1";
     troubled.home.Put("plc.kdf", before);
     const std::string line = std::string("--link sim:AurexQ50 clone ") + row.line;
@@ -143,18 +143,18 @@ TEST_F(CloneVerbs, LeaveTheFileAsItWasWhenTheyFail) {
 }
 
 TEST_F(CloneVerbs, CtrlCEndsACreateAndTheTerminalShowsHowLongItTakes) {
-  bench.options.baud = 9600;
-  bench.errIsTerminal = true;
-  bench.pacer.After(std::chrono::seconds(20), [&] { bench.pacer.RequestStop(); });
+  fixture.options.baud = 9600;
+  fixture.errIsTerminal = true;
+  fixture.pacer.After(std::chrono::seconds(20), [&] { fixture.pacer.RequestStop(); });
   const Result result = Create();
   EXPECT_EQ(result.exit, 130);
   EXPECT_FALSE(std::filesystem::exists(file));
   EXPECT_THAT(result.err, HasSubstr("DT (2 of 7): 1 of 3 KiB; in all 3 of 37 KiB, about "));
   EXPECT_THAT(result.err, HasSubstr("Operation Failed."));
 
-  bench.pacer.ClearStop();
-  bench.input.lines.emplace();
-  bench.input.onRead = [&] { bench.pacer.RequestStop(); };
+  fixture.pacer.ClearStop();
+  fixture.input.lines.emplace();
+  fixture.input.onRead = [&] { fixture.pacer.RequestStop(); };
   EXPECT_EQ(Clone("create", "--stop").exit, 130) << "at the password";
 }
 
@@ -163,21 +163,21 @@ TEST_F(CloneVerbs, EachConsentCoversOneThing) {
   EXPECT_EQ(Clone("create", "--password 1 --replace --no-stop").exit, 0);
   EXPECT_THAT(Clone("info").out, HasSubstr("while the program ran"));
 
-  bench.ExpectFailure({"--link sim:AurexQ50 stop", 1, "notConfirmed", "is about to be stopped. Continue?"});
-  const Result stopped = bench.On(kModel, "stop --yes --json");
+  fixture.ExpectFailure({"--link sim:AurexQ50 stop", 1, "notConfirmed", "is about to be stopped. Continue?"});
+  const Result stopped = fixture.On(kModel, "stop --yes --json");
   EXPECT_THAT(stopped.err, HasSubstr(" is stopped.\n"));
   EXPECT_THAT(stopped.out, HasSubstr("\"state\": \"S\""));
-  const Result again = bench.On(kModel, "stop");
+  const Result again = fixture.On(kModel, "stop");
   EXPECT_EQ(again.exit, 0);
   EXPECT_THAT(again.err, HasSubstr("is stopped already"));
   const Result starts = Create("--replace");  // a create ends with starting the program
   EXPECT_EQ(starts.exit, 1);
   EXPECT_THAT(starts.err, HasSubstr("does not run. Creating a clone ends with starting its program. Continue?"));
   EXPECT_EQ(Create("--replace --yes").exit, 0);
-  EXPECT_THAT(bench.On(kModel, "run").err, HasSubstr("runs already"));
+  EXPECT_THAT(fixture.On(kModel, "run").err, HasSubstr("runs already"));
 
   for (const bool isRunOffered : {false, true}) {
-    CommandBench troubled;
+    CommandFixture troubled;
     troubled.options.faults = {"refuse:on=block,code=0B,nth=5"};
     const Result failed = On(
         troubled, std::string("clone create @plc.kdf --password 1 --replace --stop") + (isRunOffered ? " --yes" : ""));
@@ -189,7 +189,7 @@ TEST_F(CloneVerbs, EachConsentCoversOneThing) {
 
 TEST_F(CloneVerbs, ARestoreAfterOneThatWasCutMakesTheControllerWhole) {
   ASSERT_EQ(Create().exit, 0);
-  CommandBench other;
+  CommandFixture other;
   other.options.seed = 2;
   other.options.memorySeed = 2;
   other.options.faults = {"refuse:on=WD,nth=60,code=0D"};
@@ -211,11 +211,11 @@ TEST_F(CloneVerbs, ASparePartWithAnotherUnitAndDataInAnErasedSegmentCanBeRestore
   for (std::size_t at = 0; (at = content.find("/01WDF0030")) != std::string::npos;) {
     content.erase(at, content.find('\n', at) + 1 - at);  // as if AP had been erased
   }
-  bench.home.Put("plc.kdf", content);
-  bench.ExpectFailure({"--link sim:AurexQ50 clone restore @plc.kdf --yes", 4, "notFit", "not as recorded: AP."});
+  fixture.home.Put("plc.kdf", content);
+  fixture.ExpectFailure({"--link sim:AurexQ50 clone restore @plc.kdf --yes", 4, "notFit", "not as recorded: AP."});
   std::filesystem::remove(file + ".manifest");
 
-  CommandBench spare;
+  CommandFixture spare;
   spare.options.unit = 7;
   spare.options.memorySeed = 2;
   const std::string restore = "--unit 7 clone restore @plc.kdf --yes --verify ";

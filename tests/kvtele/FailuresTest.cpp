@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/kvtele/CommandBench.h"
+#include "tests/kvtele/CommandFixture.h"
 
 namespace kv::test {
 namespace {
@@ -134,28 +134,28 @@ TEST(Failures, ThatNeedNoControllerSendNothing) {
       {"clone verify @x.kdf --force", 2, "usage", "with restore only"},
       {"clone verify @x.kdf --no-stop", 2, "usage", "with create and restore only"},
   };
-  CommandBench bench;
-  bench.home.Put("mi.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t9\t\r\n\r\n");
-  for (const FailingCommand& row : rows) EXPECT_EQ(bench.ExpectFailure(row).trace, "") << row.line;
+  CommandFixture fixture;
+  fixture.home.Put("mi.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t9\t\r\n\r\n");
+  for (const FailingCommand& row : rows) EXPECT_EQ(fixture.ExpectFailure(row).trace, "") << row.line;
   EXPECT_EQ(
-      bench.On("Q50", "write MI 0 x --json").out,
+      fixture.On("Q50", "write MI 0 x --json").out,
       "{\n  \"error\": {\n    \"code\": \"outOfRange\",\n    \"exit\": 2,\n    \"doing\": \"writing MI\",\n"
       "    \"happened\": \"The values you have entered are out of the legal range for this data type.\",\n"
       "    \"cause\": \"value 1 is \\\"x\\\"\",\n    \"cure\": \"use whole numbers from -32768 to 32767\"\n  }\n}\n");
 }
 
 TEST(Failures, OfALinkThatDoesNotOpenAreThoseOfEveryCommand) {
-  CommandBench bench;
-  bench.home.Put("mi.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t9\t\r\n\r\n");
-  bench.home.Put("v.csv", "MI,0,1\n");
+  CommandFixture fixture;
+  fixture.home.Put("mi.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t9\t\r\n\r\n");
+  fixture.home.Put("v.csv", "MI,0,1\n");
   for (const char* command : {"identify", "online", "read MI 0", "write MI 0 1", "regions read @mi.axt",
                               "regions write @mi.axt @v.csv", "watch @mi.axt", "clone create @x.kdf --password 1",
                               "clone verify @x.kdf", "clone diff @x.kdf", "run", "stop"}) {
     const std::string line = std::string("--link tcp:127.0.0.1:1 ") + command;
-    bench.ExpectFailure({line.c_str(), 3, "cannotOpen", "refused the connection"});
+    fixture.ExpectFailure({line.c_str(), 3, "cannotOpen", "refused the connection"});
   }
-  EXPECT_FALSE(std::filesystem::exists(bench.PathOf("x.kdf")));
-  bench.ExpectFailure({"--link serial:/nowhere/ttyS99 identify", 3, "cannotOpen", "/nowhere/ttyS99"});
+  EXPECT_FALSE(std::filesystem::exists(fixture.PathOf("x.kdf")));
+  fixture.ExpectFailure({"--link serial:/nowhere/ttyS99 identify", 3, "cannotOpen", "/nowhere/ttyS99"});
 }
 
 TEST(Failures, OfWhatTheControllerIsComeBeforeAnyOperandIsAskedFor) {
@@ -167,10 +167,10 @@ TEST(Failures, OfWhatTheControllerIsComeBeforeAnyOperandIsAskedFor) {
       {{"--link sim:K220-22-R1 read MI 0", 4, "notFit", "running its boot loader"}, "", true},
   };
   for (const auto& [command, os, boot] : rows) {
-    CommandBench bench;
-    bench.options.osVersion = os;
-    bench.options.boot = boot;
-    const Result result = bench.ExpectFailure(command);
+    CommandFixture fixture;
+    fixture.options.osVersion = os;
+    fixture.options.boot = boot;
+    const Result result = fixture.ExpectFailure(command);
     EXPECT_THAT(result.trace, Not(HasSubstr(": read "))) << command.line;
     EXPECT_THAT(result.trace, Not(HasSubstr(": write "))) << command.line;
   }
@@ -207,10 +207,10 @@ TEST(Failures, InTheMiddleSayHowFarItWas) {
       {"--link sim:Q50 --yes stop", 4, "refused", "efused", "refuse:on=CC,code=06"},
   };
   for (const FailingCommand& row : rows) {
-    CommandBench bench;
-    bench.home.Put("two.axt", "Version 100\r\nQ50\r\n2\tMI\t0\t1\t\r\n1\tMB\t0\t0\t\r\n\r\n");
-    bench.home.Put("two.csv", "MI,0,5\nMI,1,6\nMB,0,1\n");
-    bench.ExpectFailure(row);
+    CommandFixture fixture;
+    fixture.home.Put("two.axt", "Version 100\r\nQ50\r\n2\tMI\t0\t1\t\r\n1\tMB\t0\t0\t\r\n\r\n");
+    fixture.home.Put("two.csv", "MI,0,5\nMI,1,6\nMB,0,1\n");
+    fixture.ExpectFailure(row);
   }
 }
 

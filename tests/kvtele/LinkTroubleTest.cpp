@@ -5,7 +5,7 @@
 #include "KvCmDrv1/ports/ModemPort.h"
 #include "KvCmDrv1/ports/SimulatedPort.h"
 #include "simulator/SimulatedModem.h"
-#include "tests/kvtele/CommandBench.h"
+#include "tests/kvtele/CommandFixture.h"
 #include "tests/support/FakeChannel.h"
 #include "tests/support/FakeDriver.h"
 
@@ -15,25 +15,25 @@ namespace {
 using ::testing::HasSubstr;
 
 TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
-  CommandBench bench;
-  bench.options.password = "12~4";
+  CommandFixture fixture;
+  fixture.options.password = "12~4";
   const char* const write = "--link sim:Q50 write MI 7 5";
-  bench.ExpectFailure({write, 4, "passwordNeeded", "give the controller's password with --password"});
-  bench.ExpectFailure({"--link sim:Q50 write MI 7 5 --password 0000", 4, "wrongPassword", "the password is wrong"});
-  EXPECT_EQ(bench.On("Q50", "read MI 7").out, "7\t0\n");
-  EXPECT_EQ(bench.On("Q50", "write MI 7 5 --password 12~4").exit, 0);
+  fixture.ExpectFailure({write, 4, "passwordNeeded", "give the controller's password with --password"});
+  fixture.ExpectFailure({"--link sim:Q50 write MI 7 5 --password 0000", 4, "wrongPassword", "the password is wrong"});
+  EXPECT_EQ(fixture.On("Q50", "read MI 7").out, "7\t0\n");
+  EXPECT_EQ(fixture.On("Q50", "write MI 7 5 --password 12~4").exit, 0);
 
-  bench.input.lines = std::deque<std::string>{"0000", "12~4"};
-  EXPECT_EQ(bench.On("Q50", "write MI 7 6").exit, 0);
-  EXPECT_EQ(bench.On("Q50", "read MI 7").out, "7\t6\n");
+  fixture.input.lines = std::deque<std::string>{"0000", "12~4"};
+  EXPECT_EQ(fixture.On("Q50", "write MI 7 6").exit, 0);
+  EXPECT_EQ(fixture.On("Q50", "read MI 7").out, "7\t6\n");
 }
 
 TEST(SerialNumber, OfTheControllerThatIsMeantIsTaken) {
-  CommandBench bench;
-  bench.options.serialNumber = 4711;
-  EXPECT_EQ(bench.On("Q50", "--serial-number 4711 read MI 0").exit, 0);
-  const Result other = bench.ExpectFailure({"--link sim:Q50 --serial-number 4712 read MI 0", 4, "otherController",
-                                            "another controller answered: Q50-2-R34, serial number 4711"});
+  CommandFixture fixture;
+  fixture.options.serialNumber = 4711;
+  EXPECT_EQ(fixture.On("Q50", "--serial-number 4711 read MI 0").exit, 0);
+  const Result other = fixture.ExpectFailure({"--link sim:Q50 --serial-number 4712 read MI 0", 4, "otherController",
+                                              "another controller answered: Q50-2-R34, serial number 4711"});
   EXPECT_THAT(other.err, HasSubstr("or change the serial number that the link is set to"));
   EXPECT_EQ(other.trace.find("/01RO"), std::string::npos) << "nothing is read";
 }
@@ -47,22 +47,22 @@ TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {
   };
   for (const auto& [fault, more, exit, message] : rows) {
     SCOPED_TRACE(message);
-    CommandBench bench;
+    CommandFixture fixture;
     sim::SimulatorOptions options;
     options.model = "Q50";
     options.faults = {fault};
     const auto controller = sim::SimulatedController::Create(options).value();
-    bench.makePort = [&](const LinkSettings& settings, Pacer& pacer, ListeningSocket*) {
+    fixture.makePort = [&](const LinkSettings& settings, Pacer& pacer, ListeningSocket*) {
       auto modem = std::make_shared<sim::SimulatedModem>(controller->NewLine(), sim::ModemOptions{});
       return std::make_unique<ModemPort>(std::make_unique<SimulatedPort>(modem, "COM3", pacer), settings.modem, pacer);
     };
-    bench.home.Put("plant.axt", "Version 100\r\nQ50\r\n2\tMI\t0\t1\t\t\t\t\t\r\n\r\n");
+    fixture.home.Put("plant.axt", "Version 100\r\nQ50\r\n2\tMI\t0\t1\t\t\t\t\t\r\n\r\n");
     LinkSettings link;
     link.transport = Transport::Modem;
     link.serialPort = "COM3";
     link.modem.number = "0,123";
-    EXPECT_TRUE(SaveSettings(bench.home.Path() / "Sessions" / "Default", link));
-    const Result result = bench.Run(std::string("--model Q50 watch @plant.axt --for 600 --every 1000") + more);
+    EXPECT_TRUE(SaveSettings(fixture.home.Path() / "Sessions" / "Default", link));
+    const Result result = fixture.Run(std::string("--model Q50 watch @plant.axt --for 600 --every 1000") + more);
     EXPECT_EQ(result.exit, exit) << result.err;
     EXPECT_THAT(result.err, HasSubstr(message));
     EXPECT_THAT(result.trace, HasSubstr("ATDT0,123"));
@@ -80,14 +80,14 @@ class CalledDriver final : public FakeDriver {
 };
 
 TEST(DialIn, WhoWasDroppedIsToldThoughTheControllerCame) {
-  CommandBench bench;
+  CommandFixture fixture;
   CallLog log;
   const auto channel = std::make_shared<FakeChannel>();
   channel->version = VersionInfo{.model = "Q50-2-R34"};
   channel->info = Channel::ControllerInfo{};
-  bench.driver = std::make_unique<CalledDriver>(log);
-  dynamic_cast<CalledDriver&>(*bench.driver).channel = channel;
-  const Result result = bench.Run("identify");
+  fixture.driver = std::make_unique<CalledDriver>(log);
+  dynamic_cast<CalledDriver&>(*fixture.driver).channel = channel;
+  const Result result = fixture.Run("identify");
   EXPECT_EQ(result.exit, 0);
   EXPECT_EQ(result.err, "A caller was dropped: caller 1: it does not answer\n");
 }
@@ -96,9 +96,9 @@ TEST(DialIn, WhoWasDroppedIsToldThoughTheControllerCame) {
 TEST(CtrlC, EndsACommandThatSaysHowFarItWas) {
   std::string longWrite = "--link sim:Q58 write MI 0";
   for (int i = 0; i < 150; ++i) longWrite += " 1";
-  CommandBench bench;
-  bench.pacer.After(std::chrono::milliseconds(400), [&] { bench.pacer.RequestStop(); });
-  bench.ExpectFailure(
+  CommandFixture fixture;
+  fixture.pacer.After(std::chrono::milliseconds(400), [&] { fixture.pacer.RequestStop(); });
+  fixture.ExpectFailure(
       {longWrite.c_str(), 130, "interrupted", "MI 0..59 had been written before", "late:on=WO,nth=2,ms=900"});
 }
 

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/kvtele/CommandBench.h"
+#include "tests/kvtele/CommandFixture.h"
 
 namespace kv::test {
 namespace {
@@ -13,19 +13,19 @@ using ::testing::Not;
 
 // Commands on files of their own.
 struct Regions : ::testing::Test {
-  CommandBench bench;
+  CommandFixture fixture;
 
   void Axt(const std::string& rows, const std::string& family = "Aurex") {
-    bench.home.Put("r.axt", "Version 100\r\n" + family + "\r\n" + rows + "\r\n");
+    fixture.home.Put("r.axt", "Version 100\r\n" + family + "\r\n" + rows + "\r\n");
   }
   Result Read(const std::string& model, const std::string& more = "") {
-    return bench.On(model, "regions read @r.axt " + more);
+    return fixture.On(model, "regions read @r.axt " + more);
   }
   Result Write(const std::string& model, const std::string& values, const std::string& more = "--yes") {
-    bench.home.Put("v.csv", values);
-    return bench.On(model, "regions write @r.axt @v.csv " + more);
+    fixture.home.Put("v.csv", values);
+    return fixture.On(model, "regions write @r.axt @v.csv " + more);
   }
-  Result Watch(const std::string& more) { return bench.On("Q50", "watch @r.axt " + more); }
+  Result Watch(const std::string& more) { return fixture.On("Q50", "watch @r.axt " + more); }
 };
 
 TEST_F(Regions, AreReadAsTheViewShowsThemAndWrittenAsOneLineAnOperand) {
@@ -67,14 +67,14 @@ TEST_F(Regions, ThatCannotBeUsedAreRefusedBeforeAnyOperandIsAskedFor) {
   // clang-format on
   for (const auto& [family, regions, values, exit, name, message] : rows) {
     Axt(regions, family);
-    bench.home.Put("v.csv", values == nullptr ? "" : values);
+    fixture.home.Put("v.csv", values == nullptr ? "" : values);
     const char* const line = values == nullptr ? "--link sim:K220-22-R1 regions read @r.axt"
                                                : "--link sim:K220-22-R1 regions write @r.axt @v.csv --yes";
-    EXPECT_EQ(bench.ExpectFailure({line, exit, name, message}).trace, "");
+    EXPECT_EQ(fixture.ExpectFailure({line, exit, name, message}).trace, "");
   }
   Axt("19\tXB\t0\t9\t\r\n");
-  bench.options.osVersion = "2.90";
-  bench.ExpectFailure(
+  fixture.options.osVersion = "2.90";
+  fixture.ExpectFailure(
       {"--link sim:K330 regions read @r.axt", 4, "notFit", "Some of the defined regions are not supported by the O/S"});
 }
 
@@ -86,19 +86,19 @@ TEST_F(Regions, AreWrittenAfterAskingAndReadOnlyOnesAside) {
   EXPECT_THAT(declined.err, HasSubstr("nothing was written"));
   EXPECT_THAT(declined.trace, Not(HasSubstr(": write ")));
 
-  bench.input.lines.emplace(1, "y");
+  fixture.input.lines.emplace(1, "y");
   const Result written = Write("Q50", "MI,0,5\nSB,0,1\n", "");
   EXPECT_EQ(written.exit, 0);
   const std::string message = "Values cannot be written to some of the defined regions.";
   EXPECT_THAT(written.err, HasSubstr(message));
   EXPECT_EQ(written.err.find(message), written.err.rfind(message));
-  EXPECT_EQ(bench.On("Q50", "read MI 0 1").out, "0\t5\n1\t0\n");
+  EXPECT_EQ(fixture.On("Q50", "read MI 0 1").out, "0\t5\n1\t0\n");
 
   const Result none = Write("Q50", "SB,0,1\n");
   EXPECT_EQ(none.exit, 0);
   EXPECT_THAT(none.trace, Not(HasSubstr(": write ")));
 
-  bench.input.onRead = [&] { bench.pacer.RequestStop(); };
+  fixture.input.onRead = [&] { fixture.pacer.RequestStop(); };
   EXPECT_EQ(Write("Q50", "MI,0,5\n", "").exit, 130) << "Ctrl-C at the question";
 }
 
@@ -109,7 +109,7 @@ TEST_F(Regions, ThatThisModelCannotBeAskedForAreNamedAndStopNoOthers) {
   EXPECT_EQ(read.out, "DBI\t0\t9\t\t\nMI\t0\t0\t\t     0\n");
   EXPECT_THAT(read.err, HasSubstr("DBI 0..9 cannot be read from a controller of the model AurexQ50."));
   EXPECT_THAT(Write("AurexQ50", "DBI,0,1\nMI,0,1\n").err, HasSubstr("Written: 2 values. Not compared: 1, because "));
-  const Result watched = bench.On("AurexQ50", "watch @r.axt --for 1");
+  const Result watched = fixture.On("AurexQ50", "watch @r.axt --for 1");
   EXPECT_EQ(watched.exit, 0) << watched.err;
   EXPECT_THAT(watched.err, HasSubstr("DBI 0..9 cannot be read"));
 }
@@ -125,28 +125,28 @@ TEST_F(Regions, AreWatchedUntilEnoughHasChanged) {
               MatchesRegex(
                   "\\{\"time\":\"[^\"]+\",\"type\":\"MI\",\"address\":100,\"old\":\"[0-9]+\",\"new\":\"[0-9]+\"\\}\n"));
 
-  const Instant start = bench.pacer.Now();
+  const Instant start = fixture.pacer.Now();
   EXPECT_EQ(Watch("--for 10 --every 1000").exit, 0);
-  EXPECT_GE(bench.pacer.Now() - start, std::chrono::seconds(10));
-  EXPECT_LE(bench.pacer.Now() - start, std::chrono::seconds(12));
+  EXPECT_GE(fixture.pacer.Now() - start, std::chrono::seconds(10));
+  EXPECT_LE(fixture.pacer.Now() - start, std::chrono::seconds(12));
 
-  bench.outIsBroken = true;
+  fixture.outIsBroken = true;
   const Result broken = Watch("--for 10");
   EXPECT_EQ(broken.exit, 1);
   EXPECT_THAT(broken.err, HasSubstr("the output takes no more"));
-  bench.outIsBroken = false;
-  bench.pacer.After(std::chrono::milliseconds(700), [&] { bench.pacer.RequestStop(); });
+  fixture.outIsBroken = false;
+  fixture.pacer.After(std::chrono::milliseconds(700), [&] { fixture.pacer.RequestStop(); });
   const Result stopped = Watch("");
   EXPECT_EQ(stopped.exit, 130);
   EXPECT_THAT(stopped.err, HasSubstr("stopped by Ctrl-C"));
-  bench.pacer.ClearStop();
+  fixture.pacer.ClearStop();
   Axt("", "Q50");
   EXPECT_THAT(Watch("").err, HasSubstr("nothing to watch"));
 }
 
 TEST_F(Regions, AreWatchedAcrossALostLink) {
   Axt("2\tMI\t100\t100\t\r\n", "Q50");
-  bench.options.faults = {"lost:on=RO,nth=3,away=20000"};
+  fixture.options.faults = {"lost:on=RO,nth=3,away=20000"};
   const Result lost = Watch("--for 120");
   EXPECT_EQ(lost.exit, 0) << lost.err;
   EXPECT_THAT(lost.err, HasSubstr("The watch goes on when it answers."));
@@ -156,10 +156,10 @@ TEST_F(Regions, AreWatchedAcrossALostLink) {
 
 TEST_F(Regions, OfAnotherControllerThatAnswersInsteadAreNotWatched) {
   Axt("2\tMI\t100\t101\t\r\n", "Q50");
-  bench.options.faults = {"lost:on=RO,nth=3,away=2000"};
-  bench.pacer.After(std::chrono::milliseconds(2500), [&] {
-    bench.options.serialNumber = 4711;
-    bench.ReplaceController("Q50");
+  fixture.options.faults = {"lost:on=RO,nth=3,away=2000"};
+  fixture.pacer.After(std::chrono::milliseconds(2500), [&] {
+    fixture.options.serialNumber = 4711;
+    fixture.ReplaceController("Q50");
   });
   const Result result = Watch("--for 60 --every 1000");
   EXPECT_EQ(result.exit, 7) << result.err;

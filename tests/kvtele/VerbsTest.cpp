@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "KvTele2/PagesFile.h"
-#include "tests/kvtele/CommandBench.h"
+#include "tests/kvtele/CommandFixture.h"
 
 namespace kv::test {
 namespace {
@@ -13,8 +13,8 @@ using ::testing::Not;
 using ::testing::StartsWith;
 
 TEST(Identify, TellsWhoAnswers) {
-  CommandBench bench;
-  const Result result = bench.On("Q50", "identify");
+  CommandFixture fixture;
+  const Result result = fixture.On("Q50", "identify");
   EXPECT_EQ(result.exit, 0);
   EXPECT_EQ(result.err, "");
   EXPECT_THAT(result.out, StartsWith("model          Q50-2-R34\n"
@@ -26,9 +26,9 @@ TEST(Identify, TellsWhoAnswers) {
                                      "link           Simulated Q50\n"
                                      "serial number  "));
   EXPECT_THAT(result.out, HasSubstr("\nstate          running\nproject        -\n"));
-  EXPECT_THAT(bench.On("Q50", "identify --json").out, HasSubstr("\"bootLoader\": false"));
-  bench.options.boot = true;
-  EXPECT_THAT(bench.On("K670", "identify --json").out,
+  EXPECT_THAT(fixture.On("Q50", "identify --json").out, HasSubstr("\"bootLoader\": false"));
+  fixture.options.boot = true;
+  EXPECT_THAT(fixture.On("K670", "identify --json").out,
               HasSubstr("\"state\": \"boot loader\",\n  \"bootLoader\": true"));
 }
 
@@ -45,125 +45,125 @@ TEST(WriteAndRead, BringsBackWhatWasWritten) {
   };
   for (const auto& [model, write, read, out] : rows) {
     SCOPED_TRACE(write);
-    CommandBench bench;
-    const Result written = bench.On(model, std::string("write ") + write);
+    CommandFixture fixture;
+    const Result written = fixture.On(model, std::string("write ") + write);
     EXPECT_EQ(written.exit, 0) << written.err;
     EXPECT_EQ(written.out, "");
-    EXPECT_EQ(bench.On(model, std::string("read ") + read).out, out);
+    EXPECT_EQ(fixture.On(model, std::string("read ") + read).out, out);
   }
 }
 
 TEST(Read, SplitsLongRangesAndLosesNothing) {
-  CommandBench bench;
+  CommandFixture fixture;
   std::string write = "write DBI 1";
   std::string expected;
   for (int i = 1; i <= 150; ++i) {
     write += " " + std::to_string(i - 75);
     expected += std::to_string(i) + "\t" + std::to_string(i - 75) + "\n";
   }
-  EXPECT_EQ(bench.On("Q50", write).exit, 0);
-  const Result result = bench.On("Q50", "read DBI 1 150");
+  EXPECT_EQ(fixture.On("Q50", write).exit, 0);
+  const Result result = fixture.On("Q50", "read DBI 1 150");
   EXPECT_EQ(result.out, expected);
   EXPECT_THAT(result.trace, HasSubstr("read DBI 121..150]"));
 }
 
 TEST(Write, ShowsItsProgressOnATerminalOnlyAndWipesIt) {
-  CommandBench bench;
-  EXPECT_EQ(bench.On("K670", "write MF 0 1 2").err, "Written and read back: MF 0..1\n");
-  bench.errIsTerminal = true;
-  const std::string err = bench.On("K670", "write MF 0 1 2").err;
+  CommandFixture fixture;
+  EXPECT_EQ(fixture.On("K670", "write MF 0 1 2").err, "Written and read back: MF 0..1\n");
+  fixture.errIsTerminal = true;
+  const std::string err = fixture.On("K670", "write MF 0 1 2").err;
   EXPECT_THAT(err, StartsWith("\rwriting MF 0..1: 2 of 2\r                       \r"));
   EXPECT_THAT(err, ::testing::EndsWith("\rWritten and read back: MF 0..1\n"));
-  EXPECT_EQ(bench.On("K670", "write MF 0 1").err, "Written and read back: MF 0\n") << "a single step";
+  EXPECT_EQ(fixture.On("K670", "write MF 0 1").err, "Written and read back: MF 0\n") << "a single step";
 }
 
 TEST(Write, OfWhatCannotBeReadBackSaysSo) {
-  CommandBench bench;
-  const Result written = bench.On("Q50", "--model AurexQ50 write DBI 0 7 --json");
+  CommandFixture fixture;
+  const Result written = fixture.On("Q50", "--model AurexQ50 write DBI 0 7 --json");
   EXPECT_EQ(written.exit, 0);
   EXPECT_THAT(written.err, HasSubstr("Written: DBI 0. It was not compared"));
   EXPECT_THAT(written.out, HasSubstr("\"values\": null"));
-  bench.ExpectFailure({"--link sim:Q50 --model AurexQ50 read DBI 0", 4, "notFit", "cannot be read from AurexQ50"});
-  EXPECT_EQ(bench.On("Q50", "read DBI 0").out, "0\t7\n");
+  fixture.ExpectFailure({"--link sim:Q50 --model AurexQ50 read DBI 0", 4, "notFit", "cannot be read from AurexQ50"});
+  EXPECT_EQ(fixture.On("Q50", "read DBI 0").out, "0\t7\n");
 }
 
 TEST(Ports, ListsSerialLines) {
-  CommandBench bench;
-  EXPECT_EQ(bench.Run("ports").out, "");
-  EXPECT_EQ(bench.Run("ports").err, "This machine has no serial line.\n");
-  bench.serialPorts = {{"COM3", "COM3", "USB-Serial Controller", ""}, {"COM12", "COM12", "", ""}};
-  EXPECT_EQ(bench.Run("ports").out, "COM3\tUSB-Serial Controller\nCOM12\t\n");
-  EXPECT_THAT(bench.Run("ports --json").out, HasSubstr("\"path\": \"COM12\""));
-  bench.outIsBroken = true;
-  const Result broken = bench.Run("ports");
+  CommandFixture fixture;
+  EXPECT_EQ(fixture.Run("ports").out, "");
+  EXPECT_EQ(fixture.Run("ports").err, "This machine has no serial line.\n");
+  fixture.serialPorts = {{"COM3", "COM3", "USB-Serial Controller", ""}, {"COM12", "COM12", "", ""}};
+  EXPECT_EQ(fixture.Run("ports").out, "COM3\tUSB-Serial Controller\nCOM12\t\n");
+  EXPECT_THAT(fixture.Run("ports --json").out, HasSubstr("\"path\": \"COM12\""));
+  fixture.outIsBroken = true;
+  const Result broken = fixture.Run("ports");
   EXPECT_EQ(broken.exit, 1);
   EXPECT_THAT(broken.err, HasSubstr("could not be written"));
 }
 
 TEST(Json, IsOneDocumentAndSaysTheSame) {
-  CommandBench bench;
-  EXPECT_EQ(bench.On("Q50", "--json write MI 0 65 66").out,
+  CommandFixture fixture;
+  EXPECT_EQ(fixture.On("Q50", "--json write MI 0 65 66").out,
             "{\n  \"type\": \"MI\",\n  \"from\": 0,\n  \"to\": 1,\n  \"values\": [\n    \"65\",\n    \"66\"\n  ]\n}\n");
-  EXPECT_THAT(bench.On("Q50", "read MI 0 1 --size 16 --format ascii --json").out, HasSubstr("\"text\": \"AB\""));
-  EXPECT_EQ(bench.On("Q50", "write MI 0 -32641").exit, 0);  // the byte 7F
-  EXPECT_THAT(bench.On("Q50", "read MI 0 --size 8 --format ascii --json").out, HasSubstr("\\u007F"));
+  EXPECT_THAT(fixture.On("Q50", "read MI 0 1 --size 16 --format ascii --json").out, HasSubstr("\"text\": \"AB\""));
+  EXPECT_EQ(fixture.On("Q50", "write MI 0 -32641").exit, 0);  // the byte 7F
+  EXPECT_THAT(fixture.On("Q50", "read MI 0 --size 8 --format ascii --json").out, HasSubstr("\\u007F"));
 }
 
 TEST(Help, BeginsWithExamplesAndGoesToStandardOutput) {
-  CommandBench bench;
+  CommandFixture fixture;
   for (const char* verb :
        {"identify", "online", "read", "write", "regions", "watch", "clone", "run", "stop", "sessions", "ports"}) {
-    const Result result = bench.Run(verb + std::string(" --help"));
+    const Result result = fixture.Run(verb + std::string(" --help"));
     EXPECT_EQ(result.exit, 0);
     EXPECT_THAT(result.out, StartsWith("Examples:\n  kvtele "));
     EXPECT_THAT(result.out, HasSubstr(std::string("Usage: kvtele ") + verb));
   }
-  EXPECT_THAT(bench.Run("--help").out, StartsWith("Examples:\n  kvtele "));
-  EXPECT_THAT(bench.Run("--version").out, ::testing::MatchesRegex("kvtele [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+  EXPECT_THAT(fixture.Run("--help").out, StartsWith("Examples:\n  kvtele "));
+  EXPECT_THAT(fixture.Run("--version").out, ::testing::MatchesRegex("kvtele [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
 
 // ---- sessions ----
 
 TEST(Sessions, GiveTheirLinkWhenNoneIsNamed) {
-  CommandBench bench;
-  bench.home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=sim\r\nModel=Q50\r\nUnitID=1\r\n");
-  EXPECT_THAT(bench.Run("identify").out, HasSubstr("Simulated Q50\n"));
-  std::filesystem::create_directory(bench.home.Path() / "Sessions" / "Plant 2");
-  EXPECT_THAT(bench.Run("--session 'Plant 2' identify").out, HasSubstr("Simulated K220-22-R1\n"));
-  EXPECT_THAT(bench.Run("--home @elsewhere --link sim:K670 identify").out, HasSubstr("Simulated K670\n"));
+  CommandFixture fixture;
+  fixture.home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=sim\r\nModel=Q50\r\nUnitID=1\r\n");
+  EXPECT_THAT(fixture.Run("identify").out, HasSubstr("Simulated Q50\n"));
+  std::filesystem::create_directory(fixture.home.Path() / "Sessions" / "Plant 2");
+  EXPECT_THAT(fixture.Run("--session 'Plant 2' identify").out, HasSubstr("Simulated K220-22-R1\n"));
+  EXPECT_THAT(fixture.Run("--home @elsewhere --link sim:K670 identify").out, HasSubstr("Simulated K670\n"));
 }
 
 TEST(Sessions, AreListedCopiedAndDeleted) {
-  CommandBench bench;
-  bench.home.Put("Sessions/Default/KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=Q50\r\n");
-  EXPECT_EQ(bench.Run("sessions create Plant").exit, 0);
-  EXPECT_EQ(bench.Run("sessions create Copy --session Plant").exit, 0);
-  bench.home.Put("Sessions/Plant/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=10.0.0.7\r\nTcpPort=20301\r\n");
-  EXPECT_EQ(bench.Run("sessions list").out,
+  CommandFixture fixture;
+  fixture.home.Put("Sessions/Default/KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=Q50\r\n");
+  EXPECT_EQ(fixture.Run("sessions create Plant").exit, 0);
+  EXPECT_EQ(fixture.Run("sessions create Copy --session Plant").exit, 0);
+  fixture.home.Put("Sessions/Plant/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=10.0.0.7\r\nTcpPort=20301\r\n");
+  EXPECT_EQ(fixture.Run("sessions list").out,
             "Copy\tQ50\tSimulated Q50\nDefault\tQ50\tSimulated Q50\nPlant\tQ50\t10.0.0.7:20301, unit 1\n");
-  EXPECT_THAT(bench.Run("sessions --json list").out, HasSubstr(R"("link": "10.0.0.7:20301, unit 1")"));
-  const auto copy = bench.home.Path() / "Sessions" / "Copy";
+  EXPECT_THAT(fixture.Run("sessions --json list").out, HasSubstr(R"("link": "10.0.0.7:20301, unit 1")"));
+  const auto copy = fixture.home.Path() / "Sessions" / "Copy";
   EXPECT_EQ(TemporaryFolder::Content(copy / "KvTeleExe.ini"), "[KvTeleExe]\r\nLastModel=Q50\r\n");
 
   // A window that works in a session has its mark read-only.
   std::filesystem::permissions(copy / "tmp.txt", std::filesystem::perms::owner_read);
-  bench.ExpectFailure({"sessions delete Copy", 1, "failed", "in use"});
-  bench.ExpectFailure(
+  fixture.ExpectFailure({"sessions delete Copy", 1, "failed", "in use"});
+  fixture.ExpectFailure(
       {"sessions delete Plant", 1, "declined", "Delete the session 'Plant' (Q50, 10.0.0.7:20301, unit 1)?"});
-  EXPECT_THAT(bench.Run("sessions list").out, HasSubstr("Plant"));
-  EXPECT_EQ(bench.Run("sessions delete Plant --yes").exit, 0);
-  EXPECT_THAT(bench.Run("sessions list").out, Not(HasSubstr("Plant")));
+  EXPECT_THAT(fixture.Run("sessions list").out, HasSubstr("Plant"));
+  EXPECT_EQ(fixture.Run("sessions delete Plant --yes").exit, 0);
+  EXPECT_THAT(fixture.Run("sessions list").out, Not(HasSubstr("Plant")));
 }
 
 // ---- going on line ----
 
 TEST(Online, TellsWithWhatItIsOnLineAndLeavesTheSessionAlone) {
-  CommandBench bench;
-  bench.home.Put("plant.ktc", "fonts");
+  CommandFixture fixture;
+  fixture.home.Put("plant.ktc", "fonts");
   const std::string settings =
-      "[KvTeleExe]\r\nLastModel=K230\r\nRecentCache0=" + bench.PathOf("plant.ktc") + "*Plant\r\n";
-  const auto ini = bench.home.Put("Sessions/Default/KvTeleExe.ini", settings);
-  const Result result = bench.On("K670-T40", "online");
+      "[KvTeleExe]\r\nLastModel=K230\r\nRecentCache0=" + fixture.PathOf("plant.ktc") + "*Plant\r\n";
+  const auto ini = fixture.home.Put("Sessions/Default/KvTeleExe.ini", settings);
+  const Result result = fixture.On("K670-T40", "online");
   EXPECT_EQ(result.exit, 0);
   EXPECT_EQ(result.err, "No project was compared: name a Telepanel file with --project.\n");
   EXPECT_THAT(result.out,
@@ -172,31 +172,31 @@ TEST(Online, TellsWithWhatItIsOnLineAndLeavesTheSessionAlone) {
   EXPECT_THAT(result.out, HasSubstr("plant.ktc"));
 
   // The model decides how the controller is asked.
-  const Result misfit = bench.On("Q50", "online --json");
+  const Result misfit = fixture.On("Q50", "online --json");
   EXPECT_THAT(misfit.out, HasSubstr("\"panelInformation\": null"));
   EXPECT_THAT(misfit.err, StartsWith("The controller is a Q50-2-R34, but it was served as the session's model, K230"));
-  EXPECT_THAT(bench.On("Q50", "--model Q50 online --json").out, HasSubstr("\"panelInformation\": 3"));
-  EXPECT_THAT(bench.Run("online").out, HasSubstr("Simulated K230")) << "a session without a link has its model's";
+  EXPECT_THAT(fixture.On("Q50", "--model Q50 online --json").out, HasSubstr("\"panelInformation\": 3"));
+  EXPECT_THAT(fixture.Run("online").out, HasSubstr("Simulated K230")) << "a session without a link has its model's";
 
   EXPECT_EQ(TemporaryFolder::Content(ini), settings);
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(ini.parent_path()), {}), 1) << "nothing was added";
 }
 
 TEST(Online, SaysWhyAControllerIsRefused) {
-  CommandBench bench;
-  bench.home.Put("mill.kta", PrintPagesFile({"Mill", "K330"}));
+  CommandFixture fixture;
+  fixture.home.Put("mill.kta", PrintPagesFile({"Mill", "K330"}));
   const char* const mill = "--link sim:K330 online --project @mill.kta";
-  bench.ExpectFailure({mill, 4, "refused", "does not match the project currently installed in the controller."});
-  bench.ExpectFailure({mill, 4, "refused", "for the project Mill, but the controller holds none"});
-  bench.ExpectFailure({"--link sim:K330 --model K230 online", 4, "notFit", "not a K230"});
+  fixture.ExpectFailure({mill, 4, "refused", "does not match the project currently installed in the controller."});
+  fixture.ExpectFailure({mill, 4, "refused", "for the project Mill, but the controller holds none"});
+  fixture.ExpectFailure({"--link sim:K330 --model K230 online", 4, "notFit", "not a K230"});
 
-  bench.options.boot = true;
-  const Result boot = bench.ExpectFailure({"--link sim:K220-22-R1 online", 4, "refused",
-                                           "You cannot access this PLC because it is currently in BOOTSTRAP mode."});
+  fixture.options.boot = true;
+  const Result boot = fixture.ExpectFailure({"--link sim:K220-22-R1 online", 4, "refused",
+                                             "You cannot access this PLC because it is currently in BOOTSTRAP mode."});
   EXPECT_THAT(boot.err, ContainsRegex("The controller: model BOOT, hardware code .*serial number [0-9]+, "
                                       "state boot loader"));
-  bench.options.unit = 7;
-  bench.ExpectFailure({"--link sim:K390 online", 3, "noReply", "no reply"});
+  fixture.options.unit = 7;
+  fixture.ExpectFailure({"--link sim:K390 online", 3, "noReply", "no reply"});
 }
 
 }  // namespace

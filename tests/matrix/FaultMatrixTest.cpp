@@ -69,43 +69,44 @@ std::string Rule(const Fault& fault, const std::string& selectors) {
 
 class Cell {
  public:
-  Cell(Bench& bench, const Request& request, const Fault& fault) : mBench(bench), mRequest(request), mFault(fault) {}
+  Cell(Fixture& fixture, const Request& request, const Fault& fault)
+      : mFixture(fixture), mRequest(request), mFault(fault) {}
 
   Attempt RunUnder(const std::string& selectors) {
-    EXPECT_TRUE(mBench.simulated->UseFaults({Rule(mFault, selectors)}));
-    mBench.controller->ForgetCounts();
-    const int calls = mBench.CallsBefore() + mRequest.pieces;
-    const Instant start = mBench.pacer.Now();
-    const Attempt attempt = mRequest.run(mBench);
-    EXPECT_LE(mBench.pacer.Now() - start, mBench.Longest(calls, start, attempt.restarts));
-    EXPECT_TRUE(attempt.isRight || mBench.controller->HasLied()) << "wrong or stale";
+    EXPECT_TRUE(mFixture.simulated->UseFaults({Rule(mFault, selectors)}));
+    mFixture.controller->ForgetCounts();
+    const int calls = mFixture.CallsBefore() + mRequest.pieces;
+    const Instant start = mFixture.pacer.Now();
+    const Attempt attempt = mRequest.run(mFixture);
+    EXPECT_LE(mFixture.pacer.Now() - start, mFixture.Longest(calls, start, attempt.restarts));
+    EXPECT_TRUE(attempt.isRight || mFixture.controller->HasLied()) << "wrong or stale";
     EXPECT_LE(mRequest.isOnce ? attempt.executions : 0, 1) << "done twice";
-    if (attempt.restarts) mBench.pacer.Sleep(300ms);
+    if (attempt.restarts) mFixture.pacer.Sleep(300ms);
     return attempt;
   }
 
   // When the fault is over, the first exchange may fail and no other.
   void Recover() {
-    EXPECT_TRUE(mBench.simulated->UseFaults({}));
-    mBench.pacer.Sleep(mFault.lasts);
-    if (mFault.isDeaf) mBench.Reopen();
+    EXPECT_TRUE(mFixture.simulated->UseFaults({}));
+    mFixture.pacer.Sleep(mFault.lasts);
+    if (mFault.isDeaf) mFixture.Reopen();
     for (int round = 1; round <= 3; ++round) {
-      mBench.controller->ForgetCounts();
-      const Attempt attempt = mRequest.run(mBench);
+      mFixture.controller->ForgetCounts();
+      const Attempt attempt = mRequest.run(mFixture);
       EXPECT_TRUE(attempt.isRight) << "wrong or stale in exchange " << round << " after it";
       EXPECT_LE(mRequest.isOnce ? attempt.executions : 0, 1) << "done twice";
       EXPECT_TRUE(attempt.isDone || round == 1) << "exchange " << round << " after it: " << LastError();
-      if (attempt.restarts) mBench.pacer.Sleep(300ms);
+      if (attempt.restarts) mFixture.pacer.Sleep(300ms);
     }
   }
 
   std::string LastError() {
-    Channel* link = mBench.Link();
-    return link != nullptr ? link->LastError().Text() : mBench.driver.LastError().Text();
+    Channel* link = mFixture.Link();
+    return link != nullptr ? link->LastError().Text() : mFixture.driver.LastError().Text();
   }
 
  private:
-  Bench& mBench;
+  Fixture& mFixture;
   const Request& mRequest;
   const Fault& mFault;
 };
@@ -114,11 +115,11 @@ class FaultMatrix : public testing::TestWithParam<Request> {};
 
 TEST_P(FaultMatrix, OneFault) {
   const Request& request = GetParam();
-  Bench bench(request.model);
-  ASSERT_TRUE(request.run(bench).isDone);
+  Fixture fixture(request.model);
+  ASSERT_TRUE(request.run(fixture).isDone);
   for (const Fault& fault : kFaults) {
     SCOPED_TRACE(std::string(request.name) + ": " + fault.rule);
-    Cell cell(bench, request, fault);
+    Cell cell(fixture, request, fault);
     const Attempt attempt = cell.RunUnder("nth=1,on=" + std::string(request.on));
     const bool mustPass = fault.once == Once::Passes || (fault.once == Once::Reads && request.isRead);
     EXPECT_TRUE(attempt.isDone || !mustPass) << cell.LastError();
@@ -131,12 +132,12 @@ TEST_P(FaultMatrix, OneFault) {
 // which the driver finds out what became of it among them.
 TEST_P(FaultMatrix, FaultThatStays) {
   const Request& request = GetParam();
-  Bench bench(request.model);
-  ASSERT_TRUE(request.run(bench).isDone);
+  Fixture fixture(request.model);
+  ASSERT_TRUE(request.run(fixture).isDone);
   for (const std::string& selectors : {"on=" + std::string(request.on), std::string("p=1"), std::string("p=0.5")}) {
     for (const Fault& fault : kFaults) {
       SCOPED_TRACE(std::string(request.name) + ": " + Rule(fault, selectors));
-      Cell cell(bench, request, fault);
+      Cell cell(fixture, request, fault);
       for (int round = 0; round < 2; ++round) (void)cell.RunUnder(selectors);
       cell.Recover();
     }
@@ -148,11 +149,11 @@ TEST_P(FaultMatrix, FaultAtEachFrameOfANewLink) {
   const Request& request = GetParam();
   for (const char* rule : {"noreply", "damage", "damage:dir=in", "reset", "lost:at=9", "lost:dir=in"}) {
     const Fault fault{rule, Once::Unknown, 300ms};
-    Bench bench(request.model);
+    Fixture fixture(request.model);
     for (int frame = 1; frame <= 10; ++frame) {
       SCOPED_TRACE(std::string(request.name) + ": " + rule + " at frame " + std::to_string(frame));
-      bench.Reopen();
-      Cell cell(bench, request, fault);
+      fixture.Reopen();
+      Cell cell(fixture, request, fault);
       (void)cell.RunUnder("nth=" + std::to_string(frame));
       cell.Recover();
     }
@@ -164,17 +165,17 @@ TEST(PowerFailure, BehindALostReplyDoesNothingTwice) {
   for (const int requests : {1, 20, 33000, 50000, 65500, 65530}) {
     for (const bool isFirst : {false, true}) {
       SCOPED_TRACE(std::to_string(requests) + (isFirst ? ", first write" : ""));
-      Bench bench("Q50");
-      Channel& link = *bench.Link();
+      Fixture fixture("Q50");
+      Channel& link = *fixture.Link();
       for (int i = 0; i < requests; ++i) ASSERT_TRUE(link.ReadMI(0, 1, 1));
       if (!isFirst) {
         ASSERT_TRUE(link.WriteMI(0, std::vector<std::int16_t>{1}, 1));
       }
-      ASSERT_TRUE(bench.simulated->UseFaults({"noreply:on=WO,nth=1", "reset:on=SY,nth=1"}));
-      bench.controller->ForgetCounts();
+      ASSERT_TRUE(fixture.simulated->UseFaults({"noreply:on=WO,nth=1", "reset:on=SY,nth=1"}));
+      fixture.controller->ForgetCounts();
       EXPECT_FALSE(link.WriteMI(0, std::vector<std::int16_t>{2}, 1));
       EXPECT_EQ(link.LastError().code, LinkErrorCode::Unsure);
-      EXPECT_EQ(bench.controller->MostExecutions(), 1);
+      EXPECT_EQ(fixture.controller->MostExecutions(), 1);
     }
   }
 }

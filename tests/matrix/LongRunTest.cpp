@@ -71,40 +71,40 @@ const Weather kWeathers[] = {
 // What became of the exchanges of one controller on one line.
 struct Voyage {
   Voyage(const std::string& model, const Weather& weather, std::uint64_t seed)
-      : bench(model, seed), chance(static_cast<std::uint32_t>(seed)) {
+      : fixture(model, seed), chance(static_cast<std::uint32_t>(seed)) {
     for (const Request& request : AllRequests()) {
       const bool isBlock = std::string_view(request.on) == "block";
-      if (!isBlock || bench.controller->UnderstandsBlocks()) requests.push_back(&request);
+      if (!isBlock || fixture.controller->UnderstandsBlocks()) requests.push_back(&request);
     }
-    EXPECT_TRUE(bench.simulated->UseFaults(weather.faults));
+    EXPECT_TRUE(fixture.simulated->UseFaults(weather.faults));
   }
 
   // False when it went wrong.
   bool Exchange() {
     const Request& request = *requests[chance() % requests.size()];
-    if (chance() % 8 == 0) bench.pacer.Sleep(chance() % 2000 * 1ms);
-    bench.controller->ForgetCounts();
-    const int calls = bench.CallsBefore() + request.pieces;
-    const Instant start = bench.pacer.Now();
-    const Attempt attempt = request.run(bench);
-    EXPECT_TRUE(attempt.isRight || bench.controller->HasLied()) << request.name << ": wrong";
+    if (chance() % 8 == 0) fixture.pacer.Sleep(chance() % 2000 * 1ms);
+    fixture.controller->ForgetCounts();
+    const int calls = fixture.CallsBefore() + request.pieces;
+    const Instant start = fixture.pacer.Now();
+    const Attempt attempt = request.run(fixture);
+    EXPECT_TRUE(attempt.isRight || fixture.controller->HasLied()) << request.name << ": wrong";
     EXPECT_TRUE(!request.isOnce || attempt.executions <= 1) << request.name << ": done twice";
-    EXPECT_LE(bench.pacer.Now() - start, bench.Longest(calls, start, attempt.restarts)) << request.name;
+    EXPECT_LE(fixture.pacer.Now() - start, fixture.Longest(calls, start, attempt.restarts)) << request.name;
     done += attempt.isDone ? 1 : 0;
     inARow = attempt.isDone ? 0 : inARow + 1;
     // Only a line that is jammed for good, or one that carries thousands of bytes with a pause before each, lasts so
     // long.
-    if (inARow == 10) bench.Reopen();
-    if (attempt.restarts) bench.pacer.Sleep(300ms);
+    if (inARow == 10) fixture.Reopen();
+    if (attempt.restarts) fixture.pacer.Sleep(300ms);
     return !testing::Test::HasFailure();
   }
   // What passed on the line before the failure.
   [[nodiscard]] std::string TraceEnd() {
-    const std::string trace = bench.driver.GetTrace().Text();
+    const std::string trace = fixture.driver.GetTrace().Text();
     return trace.substr(trace.size() - std::min<std::size_t>(trace.size(), 30000));
   }
 
-  Bench bench;
+  Fixture fixture;
   std::mt19937 chance;
   std::vector<const Request*> requests;
   std::int64_t done = 0;

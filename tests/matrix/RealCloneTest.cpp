@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "RealBench.h"
+#include "RealFixture.h"
 #include "clone/CloneVerify.h"
 #include "clone/clsDumpPLC.h"
 #include "desktop/PacerWallClock.h"
@@ -19,23 +19,23 @@ class RealClone : public testing::TestWithParam<Transport> {
 
   // A controller takes the place of the one before; nothing when it cannot be reached.
   Channel* Serve(const char* memorySeed) {
-    bench.driver.CloseDriver();
-    bench.End();
-    return bench.Serve({"--model", "AurexQ50", "--memory-seed", memorySeed}) ? bench.Link() : nullptr;
+    fixture.driver.CloseDriver();
+    fixture.End();
+    return fixture.Serve({"--model", "AurexQ50", "--memory-seed", memorySeed}) ? fixture.Link() : nullptr;
   }
   CloneOutcome Create(Channel& link) {
-    clsDumpPLC engine(mWindow, mPrompts, bench.pacer, mClock);
+    clsDumpPLC engine(mWindow, mPrompts, fixture.pacer, mClock);
     engine.CreateGhost(link, file);
     return engine.Outcome();
   }
   CloneOutcome Restore(Channel& link) {
-    clsDumpPLC engine(mWindow, mPrompts, bench.pacer, mClock);
+    clsDumpPLC engine(mWindow, mPrompts, fixture.pacer, mClock);
     engine.RestoreGhost(*link.GetSerialPort(), file, &link);
     return engine.Outcome();
   }
 
-  RealBench bench{GetParam()};
-  std::filesystem::path file = bench.folder.Path() / "plc.kdf";
+  RealFixture fixture{GetParam()};
+  std::filesystem::path file = fixture.folder.Path() / "plc.kdf";
 
  private:
   test::SilentCloner mWindow;
@@ -51,7 +51,7 @@ TEST_P(RealClone, MakesAnotherControllerTheSame) {
   ASSERT_NE(link, nullptr);
   EXPECT_GT(VerifyClone(*link, file)->DifferingBytes(), 1000U);
   ASSERT_EQ(Restore(*link).reason, "");
-  bench.pacer.Sleep(500ms);  // it restarts
+  fixture.pacer.Sleep(500ms);  // it restarts
   EXPECT_TRUE(VerifyClone(*link, file)->IsSame());
 }
 

@@ -6,7 +6,7 @@
 #include <ctime>
 #include <iostream>
 
-#include "RealBench.h"
+#include "RealFixture.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/RegionTransfer.h"
 
@@ -69,10 +69,10 @@ TEST_P(RealLine, EachTypeIsReadAndEachWritableOneWritten) {
     const std::vector<TypeRow>& rows;
   } controllers[] = {{"K670-T40", kAurexTypes}, {"Q50", kCompactTypes}};
   for (const auto& controller : controllers) {
-    RealBench bench(GetParam());
-    ASSERT_TRUE(bench.Serve({"--model", controller.model}));
-    Channel* link = bench.Link();
-    ASSERT_NE(link, nullptr) << bench.driver.LastError().Text();
+    RealFixture fixture(GetParam());
+    ASSERT_TRUE(fixture.Serve({"--model", controller.model}));
+    Channel* link = fixture.Link();
+    ASSERT_NE(link, nullptr) << fixture.driver.LastError().Text();
     ASSERT_TRUE(link->StopController(1)) << link->LastError().Text();  // nothing moves by itself
     for (const TypeRow& row : controller.rows) {
       SCOPED_TRACE(std::string(controller.model) + ", " + std::string(TypeName(row.type)));
@@ -89,11 +89,11 @@ TEST_P(RealLine, EachTypeIsReadAndEachWritableOneWritten) {
 TEST_P(RealLine, FaultsArePassedOrTold) {
   for (const char* rule : {"noreply:every=5", "dribble:ms=2,every=5", "damage:every=5", "lost:at=9,every=5"}) {
     SCOPED_TRACE(rule);
-    RealBench bench(GetParam());
-    ASSERT_TRUE(bench.Serve({"--model", "Q50", "--fault", rule}));
+    RealFixture fixture(GetParam());
+    ASSERT_TRUE(fixture.Serve({"--model", "Q50", "--fault", rule}));
     int done = 0;
     for (std::int16_t number = 1; number <= 10; ++number) {
-      Channel* link = bench.Link();
+      Channel* link = fixture.Link();
       if (link == nullptr || !link->WriteMI(0, Words{number}, 1)) continue;
       const auto read = link->ReadMI(0, 1, 1);
       EXPECT_TRUE(!read || *read == Words{number});
@@ -106,11 +106,11 @@ TEST_P(RealLine, FaultsArePassedOrTold) {
 TEST_P(RealLine, AStopTakesEffectAtOnceWhenNobodyAnswers) {
   const kvtest::Listener silent;
   const kvtest::Pty terminal;
-  RealBench bench(GetParam());
-  bench.UsePort(silent.Port());
-  bench.UseTerminal(terminal.name);
-  Channel* link = bench.Link();
-  ASSERT_NE(link, nullptr) << bench.driver.LastError().Text();
+  RealFixture fixture(GetParam());
+  fixture.UsePort(silent.Port());
+  fixture.UseTerminal(terminal.name);
+  Channel* link = fixture.Link();
+  ASSERT_NE(link, nullptr) << fixture.driver.LastError().Text();
   link->SetTimeOut(20000);
 
   // Ctrl-C in 150 ms from now.
@@ -120,10 +120,10 @@ TEST_P(RealLine, AStopTakesEffectAtOnceWhenNobodyAnswers) {
   timer_t timer{};
   ASSERT_EQ(::timer_create(CLOCK_MONOTONIC, &event, &timer), 0);
   const itimerspec soon{{}, {0, 150'000'000}};
-  const Instant stop = bench.pacer.Now() + 150ms;
+  const Instant stop = fixture.pacer.Now() + 150ms;
   ASSERT_EQ(::timer_settime(timer, 0, &soon, nullptr), 0);
   EXPECT_FALSE(link->ReadMI(0, 1, 1));
-  const Duration took = bench.pacer.Now() - stop;
+  const Duration took = fixture.pacer.Now() - stop;
   ::timer_delete(timer);
   EXPECT_EQ(link->LastError().code, LinkErrorCode::Stopped);
   EXPECT_LT(took, 1s);
@@ -131,41 +131,41 @@ TEST_P(RealLine, AStopTakesEffectAtOnceWhenNobodyAnswers) {
 }
 
 TEST_P(RealLine, AfterACutTheSameControllerIsWorkedOnAndNoOther) {
-  RealBench bench(GetParam());
-  const std::string state = (bench.folder.Path() / "plc.state").string();
-  const std::string otherState = (bench.folder.Path() / "other.state").string();
+  RealFixture fixture(GetParam());
+  const std::string state = (fixture.folder.Path() / "plc.state").string();
+  const std::string otherState = (fixture.folder.Path() / "other.state").string();
   const std::vector<std::string> same = {"--model", "K670-T40", "--state", state};
-  ASSERT_TRUE(bench.Serve(same));
-  Channel* link = bench.Link();
-  ASSERT_NE(link, nullptr) << bench.driver.LastError().Text();
+  ASSERT_TRUE(fixture.Serve(same));
+  Channel* link = fixture.Link();
+  ASSERT_NE(link, nullptr) << fixture.driver.LastError().Text();
   ASSERT_TRUE(link->WriteMI(5, Words{41, 42}, 1));
 
-  bench.End();
+  fixture.End();
   EXPECT_FALSE(link->ReadMI(5, 2, 1));
   EXPECT_EQ(link->LastError().code, LinkErrorCode::LinkLost);
   EXPECT_FALSE(link->LastError().cause.empty() || link->LastError().cure.empty()) << link->LastError().Text();
-  ASSERT_TRUE(bench.Serve(same));
+  ASSERT_TRUE(fixture.Serve(same));
   EXPECT_EQ(link->ReadMI(5, 2, 1), (Words{41, 42})) << link->LastError().Text();
   EXPECT_TRUE(link->WriteMI(5, Words{43}, 1)) << link->LastError().Text();
 
   for (const std::vector<std::string>& other : {std::vector<std::string>{"--model", "K670-T40", "--state", otherState},
                                                 std::vector<std::string>{"--model", "K450"}}) {
-    bench.End();
-    ASSERT_TRUE(bench.Serve(other));
+    fixture.End();
+    ASSERT_TRUE(fixture.Serve(other));
     for (int i = 0; i < 2; ++i) {
       EXPECT_FALSE(link->WriteMI(5, Words{99}, 1));
       EXPECT_EQ(link->LastError().code, LinkErrorCode::OtherController) << link->LastError().Text();
     }
-    EXPECT_EQ(bench.Link(), nullptr) << "not even opened until the user closes the link";
-    EXPECT_EQ(bench.driver.LastError().code, LinkErrorCode::OtherController);
-    bench.driver.CloseDriver();
-    link = bench.Link();
+    EXPECT_EQ(fixture.Link(), nullptr) << "not even opened until the user closes the link";
+    EXPECT_EQ(fixture.driver.LastError().code, LinkErrorCode::OtherController);
+    fixture.driver.CloseDriver();
+    link = fixture.Link();
     ASSERT_NE(link, nullptr);
     EXPECT_EQ(link->ReadMI(5, 1, 1), Words{0}) << "nothing has reached it";
-    bench.driver.CloseDriver();
-    bench.End();
-    ASSERT_TRUE(bench.Serve(same));
-    link = bench.Link();
+    fixture.driver.CloseDriver();
+    fixture.End();
+    ASSERT_TRUE(fixture.Serve(same));
+    link = fixture.Link();
     ASSERT_NE(link, nullptr);
     EXPECT_EQ(link->ReadMI(5, 1, 1), Words{43});
   }

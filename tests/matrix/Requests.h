@@ -3,7 +3,7 @@
 #include <ostream>
 #include <span>
 
-#include "MatrixBench.h"
+#include "MatrixFixture.h"
 
 namespace kv::matrix {
 
@@ -24,7 +24,7 @@ struct Request {
   int pieces;      // calls or messages that it may take, each with its own deadline
   bool isOnce;     // must not be done twice
   bool isRead;     // changes nothing: to be had from a controller that has just restarted, too
-  Attempt (*run)(Bench&);
+  Attempt (*run)(Fixture&);
 };
 
 [[nodiscard]] std::span<const Request> AllRequests();

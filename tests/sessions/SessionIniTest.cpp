@@ -4,14 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "sessions/RecentCaches.h"
-#include "tests/support/SessionBench.h"
+#include "tests/support/SessionFixture.h"
 
 namespace kv {
 namespace {
 
 using testing::ElementsAre;
 
-struct SessionIniTest : testing::Test, test::SessionBench {};
+struct SessionIniTest : testing::Test, test::SessionFixture {};
 
 TEST_F(SessionIniTest, ReadsAnEmptyValueAsEmptyAndAMissingOneAsItsDefault) {
   EXPECT_EQ(ReadSessionIni(shared, "LastModel", "K220-22-R1"), "K220-22-R1");  // no file

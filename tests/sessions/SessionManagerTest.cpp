@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "sessions/SessionIni.h"
-#include "tests/support/SessionBench.h"
+#include "tests/support/SessionFixture.h"
 
 namespace kv {
 namespace {
@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-struct SessionsTest : testing::Test, test::SessionBench {
+struct SessionsTest : testing::Test, test::SessionFixture {
   SessionManager sessions{shared, prompts};
 
   [[nodiscard]] bool IsMarked(const std::string& name) const {

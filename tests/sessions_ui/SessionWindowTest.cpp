@@ -11,8 +11,8 @@
 
 #include "sessions/SessionIni.h"
 #include "sessions/ui/frmSession.h"
-#include "tests/desktop_ui/QtBench.h"
-#include "tests/support/SessionBench.h"
+#include "tests/desktop_ui/QtFixture.h"
+#include "tests/support/SessionFixture.h"
 
 namespace kv {
 namespace {
@@ -23,11 +23,11 @@ using ::testing::ElementsAre;
 class SessionWindowTest : public ::testing::Test {
  protected:
   void Open() {
-    window = std::make_unique<frmSession>(bench.shared, bench.prompts, nullptr);
+    window = std::make_unique<frmSession>(fixture.shared, fixture.prompts, nullptr);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
   }
-  void MakeSession(const std::string& name) const { std::filesystem::create_directories(bench.Session(name)); }
+  void MakeSession(const std::string& name) const { std::filesystem::create_directories(fixture.Session(name)); }
 
   [[nodiscard]] QTableWidget& List() const { return Find<QTableWidget>(*window, "flgSession"); }
   [[nodiscard]] QLineEdit& Folder() const { return Find<QLineEdit>(*window, "txtFolder"); }
@@ -53,13 +53,13 @@ class SessionWindowTest : public ::testing::Test {
     return captions;
   }
 
-  SessionBench bench;
+  SessionFixture fixture;
   std::unique_ptr<frmSession> window;
 };
 
 TEST_F(SessionWindowTest, OpensOnTheCurrentSessionAndFollowsTheSelection) {
   MakeSession("Pumps & Valves");
-  bench.home.Put("Sessions/notes.txt", "");
+  fixture.home.Put("Sessions/notes.txt", "");
   Open();
   EXPECT_EQ(List().horizontalHeaderItem(0)->text(), "Session");
   EXPECT_THAT(Rows(), ElementsAre("Default", "Pumps & Valves"));
@@ -87,18 +87,18 @@ TEST_F(SessionWindowTest, CreatesByButtonAndByEnter) {
   EXPECT_THAT(Captions(), ElementsAre("Active Session: R&D", "Save 'R&D' As...", "Activate 'R&D ' And Exit"));
   EXPECT_TRUE(window->isVisible());
 
-  bench.prompts.Press(PromptAnswer::Ok);
+  fixture.prompts.Press(PromptAnswer::Ok);
   Folder().setText("a/b");
   Save().click();
-  EXPECT_EQ(bench.prompts.Boxes().back().title, "Create Session");
+  EXPECT_EQ(fixture.prompts.Boxes().back().title, "Create Session");
   EXPECT_EQ(Folder().text(), "a/b");
-  EXPECT_EQ(bench.shared.CurrentSession, "R&D");
+  EXPECT_EQ(fixture.shared.CurrentSession, "R&D");
 }
 
 TEST_F(SessionWindowTest, EnterAndADoubleClickActivateARow) {
   MakeSession("Mill");
   for (const bool byKey : {true, false}) {
-    bench.shared.CurrentSession = "Default";
+    fixture.shared.CurrentSession = "Default";
     Open();
     Select("Mill");
     const QPoint row = List().visualItemRect(List().currentItem()).center();
@@ -110,7 +110,7 @@ TEST_F(SessionWindowTest, EnterAndADoubleClickActivateARow) {
       QTest::mouseDClick(List().viewport(), Qt::LeftButton, {}, row);
     }
     EXPECT_FALSE(window->isVisible());
-    EXPECT_EQ(bench.shared.CurrentSession, "Mill");
+    EXPECT_EQ(fixture.shared.CurrentSession, "Mill");
   }
 }
 
@@ -119,17 +119,17 @@ TEST_F(SessionWindowTest, ActivatesAndLeavesUnlessTheSessionIsGone) {
   MakeSession("Mill");
   Open();
   Select("Gone");
-  std::filesystem::remove(bench.Session("Gone"));
-  bench.prompts.Press(PromptAnswer::Ok);
+  std::filesystem::remove(fixture.Session("Gone"));
+  fixture.prompts.Press(PromptAnswer::Ok);
   Close().click();
-  EXPECT_EQ(bench.prompts.Boxes().back().title, "Activate Session");
+  EXPECT_EQ(fixture.prompts.Boxes().back().title, "Activate Session");
   EXPECT_THAT(Rows(), ElementsAre("Default", "Mill"));
   EXPECT_TRUE(window->isVisible());
 
   Select("Mill");
   QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier);
   EXPECT_TRUE(WaitUntil([this] { return !window->isVisible(); }));
-  EXPECT_EQ(bench.shared.CurrentSession, "Mill");
+  EXPECT_EQ(fixture.shared.CurrentSession, "Mill");
 }
 
 TEST_F(SessionWindowTest, DeletesByKeyAndByMenu) {
@@ -137,17 +137,17 @@ TEST_F(SessionWindowTest, DeletesByKeyAndByMenu) {
   Open();
   Select("A");
   for (const PromptAnswer answer : {PromptAnswer::No, PromptAnswer::Yes}) {  // declined, it stays selected
-    bench.prompts.Press(answer);
+    fixture.prompts.Press(answer);
     QTest::keyClick(&List(), Qt::Key_Delete);
   }
   EXPECT_THAT(Rows(), ElementsAre("B", "C", "D", "Default"));
 
   Select("Default");
-  bench.prompts.Press(PromptAnswer::Ok);
+  fixture.prompts.Press(PromptAnswer::Ok);
   QTest::keyClick(&List(), Qt::Key_Delete);
   EXPECT_THAT(Rows(), ElementsAre("B", "C", "D", "Default"));
-  ASSERT_EQ(bench.prompts.Boxes().size(), 3U);
-  EXPECT_EQ(bench.prompts.Boxes().back().text, "'Default' Session cannot be deleted.");
+  ASSERT_EQ(fixture.prompts.Boxes().size(), 3U);
+  EXPECT_EQ(fixture.prompts.Boxes().back().text, "'Default' Session cannot be deleted.");
 
   // Last: without a window manager the menu does not give the focus back each time.
   const std::pair<const char*, std::function<void()>> menus[] = {
@@ -163,7 +163,7 @@ TEST_F(SessionWindowTest, DeletesByKeyAndByMenu) {
     When(
         *window, [] { return QApplication::activePopupWidget() != nullptr; },
         [] { QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_D); });
-    bench.prompts.Press(PromptAnswer::Yes);
+    fixture.prompts.Press(PromptAnswer::Yes);
     openMenu();
   }
   EXPECT_THAT(Rows(), ElementsAre("Default"));
@@ -173,11 +173,11 @@ TEST_F(SessionWindowTest, DeletesByKeyAndByMenu) {
 // The mark of a program that was killed keeps its session for ever, unless somebody is told how to take it away.
 TEST_F(SessionWindowTest, AMarkedSessionIsShownWithTheWayOut) {
   for (const char* name : {"Mill", "Other"}) {
-    bench.shared.CurrentSession = name;
+    fixture.shared.CurrentSession = name;
     MakeSession(name);
-    bench.home.Put(std::string("Sessions/") + name + "/tmp.txt", "");
-    ASSERT_TRUE(SetLastModel(bench.shared, "Q50"));
-    MarkSessionInUse(bench.shared, true);
+    fixture.home.Put(std::string("Sessions/") + name + "/tmp.txt", "");
+    ASSERT_TRUE(SetLastModel(fixture.shared, "Q50"));
+    MarkSessionInUse(fixture.shared, true);
   }
   Open();
   const auto hold = [this]() -> QLabel& { return Find<QLabel>(*window, "lblHold"); };
@@ -192,17 +192,17 @@ TEST_F(SessionWindowTest, AMarkedSessionIsShownWithTheWayOut) {
   Open();
   Select("Other");
   Close().click();
-  bench.shared.CurrentSession = "Default";
+  fixture.shared.CurrentSession = "Default";
   Open();
   Select("Mill");
   EXPECT_FALSE(hold().isVisible());
-  bench.prompts.Press(PromptAnswer::Yes);
+  fixture.prompts.Press(PromptAnswer::Yes);
   QTest::keyClick(&List(), Qt::Key_Delete);
   EXPECT_THAT(Rows(), ElementsAre("Default", "Other"));
 }
 
 TEST_F(SessionWindowTest, WithoutSessionsThereIsNoMenuAndNothingToSave) {
-  std::filesystem::remove_all(bench.home.Path() / "Sessions");
+  std::filesystem::remove_all(fixture.home.Path() / "Sessions");
   Open();
   EXPECT_THAT(Rows(), ElementsAre());
   EXPECT_TRUE(Find<QLabel>(*window, "lblFault").text().contains("What to do: put the folder back"));

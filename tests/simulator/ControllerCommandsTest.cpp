@@ -3,7 +3,7 @@
 #include <chrono>
 #include <string>
 
-#include "ControllerBench.h"
+#include "ControllerFixture.h"
 
 namespace sim::test {
 namespace {
@@ -20,51 +20,51 @@ TEST(ControllerCommands, RefuseByShapeAndByWhatCameBefore) {
       {"Q51", "CCS", "FW00000001", "FWERROR02"},
   };
   for (const auto& [model, before, text, reply] : cases) {
-    Bench bench(model);
-    if (!before.empty()) bench.Text(before);
-    EXPECT_EQ(bench.Text(text), reply) << model;
+    Fixture fixture(model);
+    if (!before.empty()) fixture.Text(before);
+    EXPECT_EQ(fixture.Text(text), reply) << model;
   }
-  Bench project("K330");
+  Fixture project("K330");
   EXPECT_EQ(project.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
   EXPECT_EQ(project.Text("ED"), "EDERROR09") << "a load, but no restore";
 }
 
 TEST(ControllerCommands, StepFromStateToState) {
-  Bench bench("K330");
+  Fixture fixture("K330");
   const std::tuple<std::string, char, bool> steps[] = {
       {"CCS", 'S', false}, {"CCS", 'S', false}, {"CCR", 'R', false}, {"CCM", 'L', false}, {"CCS", 'L', false},
       {"CCR", 'R', false}, {"CCM", 'L', false}, {"ED", 'R', true},   {"CCS", 'S', false}, {"CCE", 'R', true},
       {"CCM", 'L', false}, {"CCB", 'B', false}, {"CCB", 'B', false}, {"CCE", 'R', true},
   };
   for (const auto& [text, state, resets] : steps) {
-    EXPECT_EQ(bench.Send(text).resets, resets) << text;
-    EXPECT_EQ(bench.State(), state) << text;
-    EXPECT_EQ(bench.Block(0, 7, 2).payload, std::string({state, '\0'}));
-    EXPECT_EQ(std::stoi(bench.Text("DRS000001").substr(2), nullptr, 16), state) << text;
+    EXPECT_EQ(fixture.Send(text).resets, resets) << text;
+    EXPECT_EQ(fixture.State(), state) << text;
+    EXPECT_EQ(fixture.Block(0, 7, 2).payload, std::string({state, '\0'}));
+    EXPECT_EQ(std::stoi(fixture.Text("DRS000001").substr(2), nullptr, 16), state) << text;
   }
 }
 
 TEST(ControllerCommands, ResourcesAreReadPieceByPiece) {
-  Bench bench("K670");
-  const std::string directory = bench.Block(258, 0, 0, 2).payload;
+  Fixture fixture("K670");
+  const std::string directory = fixture.Block(258, 0, 0, 2).payload;
   ASSERT_EQ(directory.size(), 2U + 3 * 38);
   EXPECT_EQ(directory.substr(0, 2), std::string("\3\0", 2));
   EXPECT_EQ(directory.substr(2 + 2 * 38, 2), std::string("\7\0", 2));
   EXPECT_EQ(std::string(directory.substr(2 + 2 * 38 + 6).c_str()), "Alarm");
-  const BlockReply first = bench.Block(259, 0, 4096, 2, 7);
-  const BlockReply rest = bench.Block(259, 4096, 54 + 48 * 48 * 3 - 4096, 2, 7);
+  const BlockReply first = fixture.Block(259, 0, 4096, 2, 7);
+  const BlockReply rest = fixture.Block(259, 4096, 54 + 48 * 48 * 3 - 4096, 2, 7);
   EXPECT_EQ(first.payload.substr(0, 6), std::string("BM\x36\x1B\0\0", 6));
   EXPECT_EQ(first.payload.size() + rest.payload.size(), 54U + 48 * 48 * 3);
-  EXPECT_EQ(bench.Block(259, 4096, 4096, 2, 7).status, 128 + 0x0B);
-  EXPECT_EQ(bench.Block(259, 0, 0, 2, 9).status, 128 + 4);
-  EXPECT_EQ(bench.Block(259, 0, 1, 2, 9).status, 128 + 0x0B);
-  EXPECT_EQ(bench.Block(258, 0, 0, 3).status, 128 + 2);
-  EXPECT_EQ(bench.Block(259, 0, 0, 3, 9).status, 128 + 2);
-  EXPECT_EQ(Bench("K330").Block(258, 0, 0, 1).status, 128 + 0x0E);
+  EXPECT_EQ(fixture.Block(259, 4096, 4096, 2, 7).status, 128 + 0x0B);
+  EXPECT_EQ(fixture.Block(259, 0, 0, 2, 9).status, 128 + 4);
+  EXPECT_EQ(fixture.Block(259, 0, 1, 2, 9).status, 128 + 0x0B);
+  EXPECT_EQ(fixture.Block(258, 0, 0, 3).status, 128 + 2);
+  EXPECT_EQ(fixture.Block(259, 0, 0, 3, 9).status, 128 + 2);
+  EXPECT_EQ(Fixture("K330").Block(258, 0, 0, 1).status, 128 + 0x0E);
 
-  EXPECT_EQ(bench.Text("DRS001A01"), "DR05");
-  EXPECT_EQ(bench.Block(260, 1).status, 10);
-  EXPECT_EQ(bench.Text("DRS001A01"), "DR0D");
+  EXPECT_EQ(fixture.Text("DRS001A01"), "DR05");
+  EXPECT_EQ(fixture.Block(260, 1).status, 10);
+  EXPECT_EQ(fixture.Text("DRS001A01"), "DR0D");
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <string>
 
-#include "ControllerBench.h"
+#include "ControllerFixture.h"
 #include "OsTransferBytes.h"
 
 namespace sim::test {
@@ -13,67 +13,67 @@ using namespace std::chrono_literals;
 
 constexpr int kRefused = 128;
 
-std::string ProjectName(Bench& bench) {
-  return bench.Own("IN", "").substr(9);
+std::string ProjectName(Fixture& fixture) {
+  return fixture.Own("IN", "").substr(9);
 }
-char StatusByte(Bench& bench, std::size_t index) {
-  return bench.Block(7, 0, 106).payload.at(index);
+char StatusByte(Fixture& fixture, std::size_t index) {
+  return fixture.Block(7, 0, 106).payload.at(index);
 }
 
-void SendProject(Bench& bench, const std::string& name) {
-  EXPECT_EQ(bench.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
-  EXPECT_EQ(bench.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
-  EXPECT_EQ(bench.Block(65, 0, static_cast<std::uint32_t>(name.size()), 1, 0, name).status, 10);
+void SendProject(Fixture& fixture, const std::string& name) {
+  EXPECT_EQ(fixture.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
+  EXPECT_EQ(fixture.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
+  EXPECT_EQ(fixture.Block(65, 0, static_cast<std::uint32_t>(name.size()), 1, 0, name).status, 10);
 }
 
 TEST(Downloads, AnAurexProjectTakesEffectWithTheReset) {
-  Bench bench("K330");
-  EXPECT_EQ(bench.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
-  EXPECT_EQ(bench.State(), 'L');
-  EXPECT_EQ(bench.Block(2, 0, 0, 0, 0, "PASSWORX").status, kRefused + 8);
-  EXPECT_EQ(bench.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
-  EXPECT_EQ(bench.Block(65, 0, 9, 1, 0, "Hall").status, kRefused + 2);
-  EXPECT_EQ(bench.Block(65, 0, 9, 1, 0, std::string("Hall\0xxxx", 9)).status, 10);
-  EXPECT_EQ(bench.Block(65, 7, 3, 2, 5, "abc").status, 10);
-  EXPECT_EQ(StatusByte(bench, 8), 2);
-  EXPECT_EQ(StatusByte(bench, 9), 0);
-  EXPECT_EQ(bench.Block(69).status, 11);
-  EXPECT_EQ(StatusByte(bench, 2), 'P');
-  EXPECT_EQ(bench.Text("CCE"), "CCERROR0A");
-  bench.Wait(1s);
-  EXPECT_EQ(StatusByte(bench, 2), 'I');
-  EXPECT_EQ(StatusByte(bench, 3), 100);
-  EXPECT_NE(StatusByte(bench, 9), 0);
-  EXPECT_EQ(ProjectName(bench), "");
-  EXPECT_EQ(bench.Text("CCE"), "CCOK");
-  EXPECT_EQ(ProjectName(bench), "48616C6C");
-  EXPECT_EQ(bench.State(), 'R');
+  Fixture fixture("K330");
+  EXPECT_EQ(fixture.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
+  EXPECT_EQ(fixture.State(), 'L');
+  EXPECT_EQ(fixture.Block(2, 0, 0, 0, 0, "PASSWORX").status, kRefused + 8);
+  EXPECT_EQ(fixture.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
+  EXPECT_EQ(fixture.Block(65, 0, 9, 1, 0, "Hall").status, kRefused + 2);
+  EXPECT_EQ(fixture.Block(65, 0, 9, 1, 0, std::string("Hall\0xxxx", 9)).status, 10);
+  EXPECT_EQ(fixture.Block(65, 7, 3, 2, 5, "abc").status, 10);
+  EXPECT_EQ(StatusByte(fixture, 8), 2);
+  EXPECT_EQ(StatusByte(fixture, 9), 0);
+  EXPECT_EQ(fixture.Block(69).status, 11);
+  EXPECT_EQ(StatusByte(fixture, 2), 'P');
+  EXPECT_EQ(fixture.Text("CCE"), "CCERROR0A");
+  fixture.Wait(1s);
+  EXPECT_EQ(StatusByte(fixture, 2), 'I');
+  EXPECT_EQ(StatusByte(fixture, 3), 100);
+  EXPECT_NE(StatusByte(fixture, 9), 0);
+  EXPECT_EQ(ProjectName(fixture), "");
+  EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+  EXPECT_EQ(ProjectName(fixture), "48616C6C");
+  EXPECT_EQ(fixture.State(), 'R');
 }
 
 TEST(Downloads, ACutAurexProjectLeavesTheOldOne) {
-  Bench bench("K330");
-  SendProject(bench, "First");
-  EXPECT_EQ(bench.Block(69).status, 11);
-  bench.Wait(1s);
-  EXPECT_EQ(bench.Text("CCE"), "CCOK");
-  SendProject(bench, "Second");
-  EXPECT_EQ(bench.Text("CCE"), "CCOK");
-  EXPECT_EQ(ProjectName(bench), "4669727374");
+  Fixture fixture("K330");
+  SendProject(fixture, "First");
+  EXPECT_EQ(fixture.Block(69).status, 11);
+  fixture.Wait(1s);
+  EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+  SendProject(fixture, "Second");
+  EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+  EXPECT_EQ(ProjectName(fixture), "4669727374");
   for (const std::string next : {"CCM", "CCB", "66", "CCR"}) {
-    SendProject(bench, "Third");
-    EXPECT_EQ(bench.Block(69).status, 11);
-    bench.Wait(1s);
+    SendProject(fixture, "Third");
+    EXPECT_EQ(fixture.Block(69).status, 11);
+    fixture.Wait(1s);
     const bool isDone =
-        next == "66" ? bench.Block(66, 0, 0, 0, 0, "PASSWORD").status == 10 : bench.Text(next) == "CCOK";
+        next == "66" ? fixture.Block(66, 0, 0, 0, 0, "PASSWORD").status == 10 : fixture.Text(next) == "CCOK";
     EXPECT_TRUE(isDone) << next;
-    EXPECT_EQ(bench.Text("CCE"), "CCOK");
-    EXPECT_EQ(ProjectName(bench), next == "CCR" ? "5468697264" : "4669727374") << next;
+    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+    EXPECT_EQ(ProjectName(fixture), next == "CCR" ? "5468697264" : "4669727374") << next;
   }
 }
 
 // What is left when the power fails: nothing half done, and a boot loader that can still be used.
 TEST(Downloads, APowerFailureCutsTheWorkOfTheFlash) {
-  Bench project("K330");
+  Fixture project("K330");
   SendProject(project, "Hall");
   EXPECT_EQ(project.Block(69).status, 11);
   project.It().Restart();
@@ -81,7 +81,7 @@ TEST(Downloads, APowerFailureCutsTheWorkOfTheFlash) {
   EXPECT_EQ(project.State(), 'R');
   EXPECT_EQ(StatusByte(project, 2), 'I');
 
-  Bench os("K330");
+  Fixture os("K330");
   const auto transfer = [&os] {
     EXPECT_EQ(os.Text("CCB"), "CCOK");
     EXPECT_EQ(os.Block(65, 0, 16, 0, 0, OsHeader("K330", 461, 2, "ab")).status, 10);
@@ -103,7 +103,7 @@ TEST(Downloads, APowerFailureCutsTheWorkOfTheFlash) {
   EXPECT_EQ(os.State(), 'R') << "programmed: a power failure does what the reset would do";
   EXPECT_EQ(os.Text("ID"), "IDK330|33|4.61|02");
 
-  Bench compact("Q51");
+  Fixture compact("Q51");
   EXPECT_EQ(compact.Text("CCB"), "CCOK");
   EXPECT_EQ(compact.Text("OSE0"), "OSOK");
   compact.It().Restart();
@@ -112,24 +112,24 @@ TEST(Downloads, APowerFailureCutsTheWorkOfTheFlash) {
 }
 
 TEST(Downloads, ACompactProjectIsErasedAndWritten) {
-  Bench bench("Q51");
-  EXPECT_EQ(bench.Text("DI"), "DII");
-  EXPECT_EQ(bench.Text("CCS"), "CCOK");
-  EXPECT_EQ(bench.Text("DE"), "DEOK");
-  EXPECT_EQ(bench.State(), 'L');
-  EXPECT_EQ(bench.Text("DI"), "DIB");
-  EXPECT_EQ(bench.Text("LN50756D70"), "LNERROR0A");
-  bench.Wait(2s);
-  EXPECT_EQ(bench.Text("DI"), "DII");
-  EXPECT_EQ(bench.Text("LN50756D70"), "LNOK");
-  EXPECT_EQ(bench.Text("LN" + std::string(42, '4')), "LNERROR02");
-  EXPECT_EQ(bench.Text("LD0000020102"), "LDOK");
-  EXPECT_EQ(bench.Text("LD004E3A01"), "LDERROR0B");
-  EXPECT_EQ(bench.Text("LD000002"), "LDERROR02");
-  EXPECT_EQ(bench.Text("RX00000000").substr(0, 20), "RX00000000FFFF0102FF");
-  EXPECT_EQ(bench.Text("CCE"), "CCOK");
-  EXPECT_EQ(ProjectName(bench), "50756D70");
-  EXPECT_EQ(bench.State(), 'R');
+  Fixture fixture("Q51");
+  EXPECT_EQ(fixture.Text("DI"), "DII");
+  EXPECT_EQ(fixture.Text("CCS"), "CCOK");
+  EXPECT_EQ(fixture.Text("DE"), "DEOK");
+  EXPECT_EQ(fixture.State(), 'L');
+  EXPECT_EQ(fixture.Text("DI"), "DIB");
+  EXPECT_EQ(fixture.Text("LN50756D70"), "LNERROR0A");
+  fixture.Wait(2s);
+  EXPECT_EQ(fixture.Text("DI"), "DII");
+  EXPECT_EQ(fixture.Text("LN50756D70"), "LNOK");
+  EXPECT_EQ(fixture.Text("LN" + std::string(42, '4')), "LNERROR02");
+  EXPECT_EQ(fixture.Text("LD0000020102"), "LDOK");
+  EXPECT_EQ(fixture.Text("LD004E3A01"), "LDERROR0B");
+  EXPECT_EQ(fixture.Text("LD000002"), "LDERROR02");
+  EXPECT_EQ(fixture.Text("RX00000000").substr(0, 20), "RX00000000FFFF0102FF");
+  EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+  EXPECT_EQ(ProjectName(fixture), "50756D70");
+  EXPECT_EQ(fixture.State(), 'R');
 }
 
 TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
@@ -140,12 +140,12 @@ TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
       {"K670", "CLR ", 0x1000000, 0x1400000, "O/S 4.75;|B03;"}};
   for (const auto& [model, image, osPlace, fontsPlace, reported] : cases) {
     SCOPED_TRACE(model);
-    Bench bench(model);
-    EXPECT_EQ(bench.Text("CCB"), "CCOK");
-    EXPECT_EQ(StatusByte(bench, 28), 3);
-    const auto chunk = [&bench](std::uint16_t topic, std::uint32_t address, std::uint16_t sequence,
-                                const std::string& data) {
-      return bench.Block(65, address, static_cast<std::uint32_t>(data.size()), sequence, topic, data).status;
+    Fixture fixture(model);
+    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
+    EXPECT_EQ(StatusByte(fixture, 28), 3);
+    const auto chunk = [&fixture](std::uint16_t topic, std::uint32_t address, std::uint16_t sequence,
+                                  const std::string& data) {
+      return fixture.Block(65, address, static_cast<std::uint32_t>(data.size()), sequence, topic, data).status;
     };
     const std::string os(500 * 256 - 8, 'x');
     const std::string fonts = "fonts";
@@ -155,7 +155,7 @@ TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
     EXPECT_EQ(chunk(0, 0, 0, OsHeader("K999", 475, 3, os, fonts)), kRefused + 0xF);
     EXPECT_EQ(chunk(0, 0, 0, OsHeader(image, 1000, 3, os, fonts)), kRefused + 0xF);
     EXPECT_EQ(chunk(0, 0, 0, OsHeader(image, 475, 3, os, fonts)), 10);
-    EXPECT_EQ(bench.Block(69).status, kRefused + 0xF);
+    EXPECT_EQ(fixture.Block(69).status, kRefused + 0xF);
     EXPECT_EQ(chunk(1, osPlace, 2, stream.substr(0, 500)), kRefused + 0xF);
     EXPECT_EQ(chunk(1, osPlace, 1, stream.substr(0, 8)), kRefused + 0xF);
     EXPECT_EQ(chunk(1, osPlace - 1, 1, stream.substr(0, 500)), kRefused + 0xB);
@@ -172,34 +172,34 @@ TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
     }
     EXPECT_EQ(chunk(1, osPlace + 128000, 2, "more"), kRefused + 0xF);
     EXPECT_EQ(chunk(2, fontsPlace - 1000, 1, std::string(501, 'x')), kRefused + 2);
-    EXPECT_EQ(bench.Block(69).status, kRefused + 0xF) << "the fonts are missing";
+    EXPECT_EQ(fixture.Block(69).status, kRefused + 0xF) << "the fonts are missing";
     EXPECT_EQ(chunk(17, fontsPlace, 1, Stored(fonts)), kRefused + 0xF);
     EXPECT_EQ(chunk(16, fontsPlace, 1, Stored(fonts)), 10);
-    EXPECT_EQ(bench.Block(69).status, 11);
-    bench.Wait(10s);
-    EXPECT_NE(StatusByte(bench, 9), 0);
-    EXPECT_EQ(bench.Text("CCE"), "CCOK");
-    EXPECT_TRUE(bench.Text("ID").ends_with(reported)) << bench.Text("ID");
-    EXPECT_EQ(bench.State(), 'R');
+    EXPECT_EQ(fixture.Block(69).status, 11);
+    fixture.Wait(10s);
+    EXPECT_NE(StatusByte(fixture, 9), 0);
+    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+    EXPECT_TRUE(fixture.Text("ID").ends_with(reported)) << fixture.Text("ID");
+    EXPECT_EQ(fixture.State(), 'R');
   }
 }
 
-void ReplaceOs(Bench& bench, std::uint32_t version) {
-  EXPECT_EQ(bench.Text("CCB"), "CCOK");
-  EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", version, 0, "ab")).status, 10);
-  EXPECT_EQ(bench.Block(65, 0x100000, 10, 1, 1, Stored("ab")).status, 10);
-  EXPECT_EQ(bench.Block(69).status, 11);
-  bench.Wait(1s);
+void ReplaceOs(Fixture& fixture, std::uint32_t version) {
+  EXPECT_EQ(fixture.Text("CCB"), "CCOK");
+  EXPECT_EQ(fixture.Block(65, 0, 16, 0, 0, OsHeader("K330", version, 0, "ab")).status, 10);
+  EXPECT_EQ(fixture.Block(65, 0x100000, 10, 1, 1, Stored("ab")).status, 10);
+  EXPECT_EQ(fixture.Block(69).status, 11);
+  fixture.Wait(1s);
 }
 
 TEST(Downloads, AnOsThatWasNotProgrammedLeavesTheOldOne) {
-  Bench bench("K330");
-  ReplaceOs(bench, 461);
-  EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", 299, 0, "ab")).status, 10) << "drops the programmed one";
-  EXPECT_EQ(bench.Block(65, 0x100000, 10, 1, 1, Stored("aX")).status, 10);
-  EXPECT_EQ(bench.Block(69).status, kRefused + 0xF) << "other data than the header has announced";
-  EXPECT_EQ(bench.Text("CCE"), "CCOK");
-  EXPECT_EQ(bench.Text("ID"), "IDK330|33|4.60|19");
+  Fixture fixture("K330");
+  ReplaceOs(fixture, 461);
+  EXPECT_EQ(fixture.Block(65, 0, 16, 0, 0, OsHeader("K330", 299, 0, "ab")).status, 10) << "drops the programmed one";
+  EXPECT_EQ(fixture.Block(65, 0x100000, 10, 1, 1, Stored("aX")).status, 10);
+  EXPECT_EQ(fixture.Block(69).status, kRefused + 0xF) << "other data than the header has announced";
+  EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+  EXPECT_EQ(fixture.Text("ID"), "IDK330|33|4.60|19");
 }
 
 // What a user is warned of before he replaces an O/S really happens, at each version from which on it does.
@@ -216,21 +216,21 @@ TEST(Downloads, AnOsOfAnotherKindCostsWhatItCannotKeep) {
       {"2.50", 251, false, true, true},  {"2.90", 400, false, false, false}, {"2.91", 300, true, true, true}};
   for (const Case& change : cases) {
     SCOPED_TRACE(change.before + " to " + std::to_string(change.after));
-    Bench bench(Options("K330", change.before));
-    SendProject(bench, "Hall");
-    EXPECT_EQ(bench.Block(69).status, 11);
-    bench.Wait(1s);
-    EXPECT_EQ(bench.Text("CCE"), "CCOK");
-    bench.Write("0300050001", "0007");
-    bench.Write("0201F50001", "01");
-    const auto memory = [&bench] { return bench.Own("RM", "001000000020"); };
+    Fixture fixture(Options("K330", change.before));
+    SendProject(fixture, "Hall");
+    EXPECT_EQ(fixture.Block(69).status, 11);
+    fixture.Wait(1s);
+    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+    fixture.Write("0300050001", "0007");
+    fixture.Write("0201F50001", "01");
+    const auto memory = [&fixture] { return fixture.Own("RM", "001000000020"); };
     const std::string before = memory();
-    ReplaceOs(bench, change.after);
-    EXPECT_EQ(bench.Text("CCE"), "CCOK");
-    EXPECT_EQ(ProjectName(bench), change.keepsProject ? "48616C6C" : "");
+    ReplaceOs(fixture, change.after);
+    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+    EXPECT_EQ(ProjectName(fixture), change.keepsProject ? "48616C6C" : "");
     EXPECT_EQ(memory() == before, change.keepsMemory);
-    EXPECT_EQ(bench.Read("0300050001"), change.keepsValues ? "0007" : "0000");
-    EXPECT_EQ(bench.Read("0201F50001"), "00") << "no force outlives an O/S";
+    EXPECT_EQ(fixture.Read("0300050001"), change.keepsValues ? "0007" : "0000");
+    EXPECT_EQ(fixture.Read("0201F50001"), "00") << "no force outlives an O/S";
   }
 }
 
@@ -246,35 +246,35 @@ TEST(Downloads, ACompactOsReplacesTheReportedVersion) {
       {"PX1", "OSC7F", "OSP0", "PX1"},  {"PR1", "OSC7F", "OSP0", "PR1"}, {"BRIO", "OSC7F", "OSP0", "PX1"}};
   for (const auto& [model, erase, write, code] : cases) {
     SCOPED_TRACE(model);
-    Bench bench(model);
+    Fixture fixture(model);
     const std::string ok = write.substr(0, 2) + "OK";
     const std::string refused = write.substr(0, 2) + "ERROR";
     const auto image = [](const std::string& name) { return Digits(CompactImage(name, "4712", 128)).substr(0, 128); };
-    EXPECT_EQ(bench.Text("CCB"), "CCOK");
-    EXPECT_EQ(bench.Text("FS05"), "FSOK");
-    EXPECT_EQ(bench.Text("FI"), "FI10");
-    EXPECT_EQ(bench.Text(erase), "OSERROR0A");
-    bench.Wait(1s);
-    EXPECT_EQ(bench.Text("FI"), "FI20");
-    EXPECT_EQ(bench.Text("OSS"), "OS20");
-    EXPECT_EQ(bench.Text(write + "0000" + image(code)), refused + "0D");
-    EXPECT_EQ(bench.Text(erase), "OSOK");
-    EXPECT_EQ(bench.Text("OSS"), "OS10");
-    bench.Wait(3s);
-    EXPECT_EQ(bench.Text("OSS"), "OS00");
-    EXPECT_EQ(bench.Text(write + "0000" + image("Q99")), refused + "0F");
-    EXPECT_EQ(bench.Text(write + "0000" + image(code)), ok);
-    EXPECT_EQ(bench.Text("CCE"), "CCOK");
-    EXPECT_EQ(bench.State(), 'B') << "half of the image is missing";
-    EXPECT_EQ(bench.Text(write + "0040" + Digits(std::string(64, 'x'))), ok);
-    EXPECT_EQ(bench.Text(write + "0000" + image(code)), ok);  // a repeat
-    EXPECT_EQ(bench.Text(write + "0040" + Digits(std::string(64, 'z'))), refused + "0D");
-    EXPECT_EQ(bench.Text("CCE"), "CCOK");
-    EXPECT_TRUE(bench.Text("ID").ends_with("|4.71|02")) << bench.Text("ID");
-    EXPECT_EQ(bench.State(), 'R');
-    EXPECT_EQ(bench.Text("CCB"), "CCOK");
-    EXPECT_EQ(bench.Text("OSS"), "OS20");
-    EXPECT_EQ(bench.Text(write + "0000" + image(code)), refused + "0D");
+    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
+    EXPECT_EQ(fixture.Text("FS05"), "FSOK");
+    EXPECT_EQ(fixture.Text("FI"), "FI10");
+    EXPECT_EQ(fixture.Text(erase), "OSERROR0A");
+    fixture.Wait(1s);
+    EXPECT_EQ(fixture.Text("FI"), "FI20");
+    EXPECT_EQ(fixture.Text("OSS"), "OS20");
+    EXPECT_EQ(fixture.Text(write + "0000" + image(code)), refused + "0D");
+    EXPECT_EQ(fixture.Text(erase), "OSOK");
+    EXPECT_EQ(fixture.Text("OSS"), "OS10");
+    fixture.Wait(3s);
+    EXPECT_EQ(fixture.Text("OSS"), "OS00");
+    EXPECT_EQ(fixture.Text(write + "0000" + image("Q99")), refused + "0F");
+    EXPECT_EQ(fixture.Text(write + "0000" + image(code)), ok);
+    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+    EXPECT_EQ(fixture.State(), 'B') << "half of the image is missing";
+    EXPECT_EQ(fixture.Text(write + "0040" + Digits(std::string(64, 'x'))), ok);
+    EXPECT_EQ(fixture.Text(write + "0000" + image(code)), ok);  // a repeat
+    EXPECT_EQ(fixture.Text(write + "0040" + Digits(std::string(64, 'z'))), refused + "0D");
+    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+    EXPECT_TRUE(fixture.Text("ID").ends_with("|4.71|02")) << fixture.Text("ID");
+    EXPECT_EQ(fixture.State(), 'R');
+    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
+    EXPECT_EQ(fixture.Text("OSS"), "OS20");
+    EXPECT_EQ(fixture.Text(write + "0000" + image(code)), refused + "0D");
   }
 }
 

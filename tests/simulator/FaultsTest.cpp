@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "LineBench.h"
+#include "LineFixture.h"
 
 namespace sim::test {
 namespace {
@@ -14,7 +14,7 @@ namespace {
 const std::string kWrite = EncodeFrame(1, "WD5");
 
 TEST(Faults, EachDoesWhatItSays) {
-  const std::string reply = LineBench().Say(kWrite);
+  const std::string reply = LineFixture().Say(kWrite);
   ASSERT_EQ(reply.size(), 21U);
   const auto refusal = [](const std::string& text) { return EncodeReply(1, "WD5", text, 1); };
   const std::tuple<std::string, std::string, std::size_t, std::string, kv::Duration> cases[] = {
@@ -34,22 +34,22 @@ TEST(Faults, EachDoesWhatItSays) {
   };
   for (const auto& [rule, heard, executed, stored, time] : cases) {
     SCOPED_TRACE(rule);
-    LineBench bench({rule});
-    const kv::Instant start = bench.now;
-    EXPECT_EQ(bench.Say(kWrite), heard);
-    EXPECT_EQ(bench.now - start, time);
-    EXPECT_EQ(bench.controller->executed.size(), executed);
-    EXPECT_EQ(bench.controller->stored, stored);
-    EXPECT_EQ(bench.line->IsConnected(), !rule.starts_with("lost"));
+    LineFixture fixture({rule});
+    const kv::Instant start = fixture.now;
+    EXPECT_EQ(fixture.Say(kWrite), heard);
+    EXPECT_EQ(fixture.now - start, time);
+    EXPECT_EQ(fixture.controller->executed.size(), executed);
+    EXPECT_EQ(fixture.controller->stored, stored);
+    EXPECT_EQ(fixture.line->IsConnected(), !rule.starts_with("lost"));
   }
 }
 
 TEST(Faults, GarbageComesInsteadOfOrBeforeTheReply) {
-  LineBench some({"garbage:bytes=50,rate=1000"});
+  LineFixture some({"garbage:bytes=50,rate=1000"});
   const kv::Instant start = some.now;
   EXPECT_EQ(some.Say(kWrite).size(), 71U);
   EXPECT_EQ(some.now - start, 50ms);
-  LineBench endless({"garbage:rate=2000,nth=1"});
+  LineFixture endless({"garbage:rate=2000,nth=1"});
   endless.line->Write(kWrite, endless.now);
   const std::string heard = endless.Hear(*endless.line, 3s);
   EXPECT_EQ(heard.size(), 6000U);
@@ -60,14 +60,14 @@ TEST(Faults, GarbageComesInsteadOfOrBeforeTheReply) {
 }
 
 TEST(Faults, ResetAndLossTakeTheirTime) {
-  LineBench reset({"reset:on=WD"});
+  LineFixture reset({"reset:on=WD"});
   (void)reset.Ask("GI");
   EXPECT_EQ(reset.Say(kWrite), "");
   reset.now += 199ms;
   EXPECT_EQ(reset.Ask("RD"), "");
   reset.now += 1ms;
   EXPECT_EQ(reset.Ask("RD"), "RD-") << "without access";
-  LineBench lost({"lost:at=7,away=2000,nth=1"}, 9600);
+  LineFixture lost({"lost:at=7,away=2000,nth=1"}, 9600);
   const kv::Instant start = lost.now;
   EXPECT_EQ(lost.Say(kWrite).size(), 7U);
   EXPECT_EQ(lost.now - start, 9375us + 7292us) << "9 bytes there, 7 back";
@@ -85,9 +85,9 @@ TEST(Faults, RulesChooseTheirRequests) {
       {"noreply:on=block", "............"},
   };
   for (const auto& c : cases) {
-    LineBench bench({c.rule});
+    LineFixture fixture({c.rule});
     std::string hits;
-    for (int i = 0; i < 12; ++i) hits += bench.Ask(i % 2 == 0 ? "WD" : "RD").empty() ? 'x' : '.';
+    for (int i = 0; i < 12; ++i) hits += fixture.Ask(i % 2 == 0 ? "WD" : "RD").empty() ? 'x' : '.';
     EXPECT_EQ(hits, c.hits) << c.rule;
   }
 }

@@ -2,36 +2,36 @@
 
 #include <gtest/gtest.h>
 
-#include "LineBench.h"
+#include "LineFixture.h"
 
 namespace sim::test {
 namespace {
 
 TEST(Line, BytesTakeTheirTimeOnASerialLine) {
-  LineBench bench({}, 9600);
-  const kv::Instant start = bench.now;
+  LineFixture fixture({}, 9600);
+  const kv::Instant start = fixture.now;
   const std::string request = EncodeFrame(1, "RD");  // 8 bytes of 10 bits: 8333.3 us
-  bench.line->Write(request.substr(0, 4), start);
-  bench.line->Write(request.substr(4), start);
-  EXPECT_EQ(bench.line->Read(start + 8333us), "");
-  EXPECT_TRUE(bench.controller->executed.empty());
-  EXPECT_EQ(bench.line->NextEvent(), start + 8334us);
-  EXPECT_EQ(bench.line->Read(start + 8334us), "");
-  EXPECT_EQ(bench.line->NextEvent(), start + 9376us) << "1041.7 us for the first byte of the reply";
-  EXPECT_EQ(bench.line->Read(start + 9376us), "/");
-  EXPECT_EQ(bench.line->Read(start + 11459us), "01");
-  bench.now = start + 12ms;
-  EXPECT_EQ(bench.Hear(*bench.line).size(), 18U);
-  EXPECT_EQ(bench.now, start + 8334us + 21875us);
+  fixture.line->Write(request.substr(0, 4), start);
+  fixture.line->Write(request.substr(4), start);
+  EXPECT_EQ(fixture.line->Read(start + 8333us), "");
+  EXPECT_TRUE(fixture.controller->executed.empty());
+  EXPECT_EQ(fixture.line->NextEvent(), start + 8334us);
+  EXPECT_EQ(fixture.line->Read(start + 8334us), "");
+  EXPECT_EQ(fixture.line->NextEvent(), start + 9376us) << "1041.7 us for the first byte of the reply";
+  EXPECT_EQ(fixture.line->Read(start + 9376us), "/");
+  EXPECT_EQ(fixture.line->Read(start + 11459us), "01");
+  fixture.now = start + 12ms;
+  EXPECT_EQ(fixture.Hear(*fixture.line).size(), 18U);
+  EXPECT_EQ(fixture.now, start + 8334us + 21875us);
 }
 
 TEST(Line, ANewSpeedBeginsBehindTheReply) {
-  LineBench bench({}, 115200);
-  const kv::Instant start = bench.now;
-  EXPECT_EQ(bench.Ask("CPSR0007"), "CP-");
-  EXPECT_EQ(bench.now - start, 3039us) << "14 bytes there, 21 back at 115200";
-  EXPECT_EQ(bench.Ask("RD"), "RD-");
-  EXPECT_EQ(bench.now - start, 3039us + 8334us + 21875us);
+  LineFixture fixture({}, 115200);
+  const kv::Instant start = fixture.now;
+  EXPECT_EQ(fixture.Ask("CPSR0007"), "CP-");
+  EXPECT_EQ(fixture.now - start, 3039us) << "14 bytes there, 21 back at 115200";
+  EXPECT_EQ(fixture.Ask("RD"), "RD-");
+  EXPECT_EQ(fixture.now - start, 3039us + 8334us + 21875us);
 }
 
 }  // namespace

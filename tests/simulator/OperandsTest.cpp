@@ -3,7 +3,7 @@
 #include <chrono>
 #include <string>
 
-#include "ControllerBench.h"
+#include "ControllerFixture.h"
 
 namespace sim::test {
 namespace {
@@ -39,15 +39,15 @@ TEST(Operands, RefuseWhatTheyCannotDo) {
       {"Q50", "WO", "510000000100004E21", "06"},             // 200.01 s fits no time base
   };
   for (const auto& [model, command, fields, code] : cases)
-    EXPECT_EQ(Bench(model).Own(command, fields), "ERROR" + code) << fields;
+    EXPECT_EQ(Fixture(model).Own(command, fields), "ERROR" + code) << fields;
 }
 
 TEST(Operands, TheClockAndTheProgramMoveSomeOfThem) {
-  Bench bench("K330");
-  bench.Wait(16h + 3min + 5s);  // over midnight
-  EXPECT_EQ(bench.Read("04001E0006"), "0005000300000002000107E8");
-  EXPECT_EQ(bench.Read("0500640001"), "0008D13A");
-  Bench fresh("K330");
+  Fixture fixture("K330");
+  fixture.Wait(16h + 3min + 5s);  // over midnight
+  EXPECT_EQ(fixture.Read("04001E0006"), "0005000300000002000107E8");
+  EXPECT_EQ(fixture.Read("0500640001"), "0008D13A");
+  Fixture fresh("K330");
   fresh.Wait(4s);
   EXPECT_EQ(fresh.Read("0B00000001"), "000003E80000025800");
   fresh.Wait(6500ms);
@@ -60,13 +60,13 @@ TEST(Operands, TheClockAndTheProgramMoveSomeOfThem) {
 }
 
 TEST(Operands, StandStillWhileTheProgramIsStopped) {
-  Bench bench("K330");
-  bench.Wait(4s);
-  EXPECT_EQ(bench.Text("CCS"), "CCOK");
-  bench.Wait(100s);
-  EXPECT_EQ(bench.Read("0500640001"), "00000028");
-  EXPECT_EQ(bench.Read("5200000001"), "00000258");
-  EXPECT_EQ(bench.Read("04001F0001"), "0001");  // the clock goes on
+  Fixture fixture("K330");
+  fixture.Wait(4s);
+  EXPECT_EQ(fixture.Text("CCS"), "CCOK");
+  fixture.Wait(100s);
+  EXPECT_EQ(fixture.Read("0500640001"), "00000028");
+  EXPECT_EQ(fixture.Read("5200000001"), "00000258");
+  EXPECT_EQ(fixture.Read("04001F0001"), "0001");  // the clock goes on
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "ControllerBench.h"
+#include "ControllerFixture.h"
 #include "OsTransferBytes.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -31,49 +31,49 @@ class State : public testing::Test {
 TEST_F(State, IsThereAgainAfterSwitchingOff) {
   std::string information;
   {
-    Bench bench(Kept("Q51"));
-    EXPECT_EQ(bench.Text("DE"), "DEOK");
-    bench.Wait(std::chrono::seconds(2));
-    EXPECT_EQ(bench.Text("LN41"), "LNOK");
-    EXPECT_EQ(bench.Text("LD00001001"), "LDOK");
-    EXPECT_EQ(bench.Text("CCR"), "CCOK");
-    bench.Write("0300000002", "12348001");
-    bench.Write("5100050001", "00000064");
-    EXPECT_EQ(bench.Text("CCS"), "CCOK");
-    information = bench.Own("IN", "");
-    EXPECT_TRUE(bench.It().SaveState());
+    Fixture fixture(Kept("Q51"));
+    EXPECT_EQ(fixture.Text("DE"), "DEOK");
+    fixture.Wait(std::chrono::seconds(2));
+    EXPECT_EQ(fixture.Text("LN41"), "LNOK");
+    EXPECT_EQ(fixture.Text("LD00001001"), "LDOK");
+    EXPECT_EQ(fixture.Text("CCR"), "CCOK");
+    fixture.Write("0300000002", "12348001");
+    fixture.Write("5100050001", "00000064");
+    EXPECT_EQ(fixture.Text("CCS"), "CCOK");
+    information = fixture.Own("IN", "");
+    EXPECT_TRUE(fixture.It().SaveState());
   }
-  Bench bench(Kept("Q51"));
-  EXPECT_EQ(bench.Own("IN", ""), information);
+  Fixture fixture(Kept("Q51"));
+  EXPECT_EQ(fixture.Own("IN", ""), information);
   EXPECT_EQ(information.substr(8), "S41");
-  EXPECT_EQ(bench.Read("0300000002"), "12348001");
-  EXPECT_EQ(bench.Read("5100050001"), "00000064");
-  EXPECT_EQ(bench.Text("RX0000000F").substr(0, 16), "RX0000000FFF01FF");
+  EXPECT_EQ(fixture.Read("0300000002"), "12348001");
+  EXPECT_EQ(fixture.Read("5100050001"), "00000064");
+  EXPECT_EQ(fixture.Text("RX0000000F").substr(0, 16), "RX0000000FFF01FF");
 }
 
 TEST_F(State, SwitchingOffFreezesAndIsNoPowerFailure) {
   {
-    Bench bench(Kept("K330"));
-    EXPECT_EQ(bench.Text("CCM"), "CCOK");
-    EXPECT_TRUE(bench.It().SaveState());
+    Fixture fixture(Kept("K330"));
+    EXPECT_EQ(fixture.Text("CCM"), "CCOK");
+    EXPECT_TRUE(fixture.It().SaveState());
   }
   {
-    Bench bench(Kept("K330"));
-    EXPECT_EQ(bench.State(), 'L');
-    EXPECT_EQ(bench.Text("CCB"), "CCOK");
-    EXPECT_EQ(bench.Block(65, 0, 16, 0, 0, OsHeader("K330", 461, 0, "ab")).status, 10);
-    EXPECT_EQ(bench.Block(65, 0x100000, 10, 1, 1, Stored("ab")).status, 10);
-    EXPECT_EQ(bench.Block(69).status, 11);
-    EXPECT_TRUE(bench.It().SaveState());
+    Fixture fixture(Kept("K330"));
+    EXPECT_EQ(fixture.State(), 'L');
+    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
+    EXPECT_EQ(fixture.Block(65, 0, 16, 0, 0, OsHeader("K330", 461, 0, "ab")).status, 10);
+    EXPECT_EQ(fixture.Block(65, 0x100000, 10, 1, 1, Stored("ab")).status, 10);
+    EXPECT_EQ(fixture.Block(69).status, 11);
+    EXPECT_TRUE(fixture.It().SaveState());
   }
-  Bench bench(Kept("K330"));
-  EXPECT_EQ(bench.State(), 'B');
-  EXPECT_EQ(bench.Text("CCE"), "CCOK");
-  EXPECT_EQ(bench.Text("ID"), "IDK330|33|4.60|19");
+  Fixture fixture(Kept("K330"));
+  EXPECT_EQ(fixture.State(), 'B');
+  EXPECT_EQ(fixture.Text("CCE"), "CCOK");
+  EXPECT_EQ(fixture.Text("ID"), "IDK330|33|4.60|19");
 }
 
 TEST_F(State, ADamagedFileIsRefusedWithItsPlace) {
-  EXPECT_TRUE(Bench(Kept("K330")).It().SaveState());
+  EXPECT_TRUE(Fixture(Kept("K330")).It().SaveState());
   const std::string good = kv::TemporaryFolder::Content(mFile);
   EXPECT_NE(Error("K390").find("line 2: \"model K390\" was expected"), std::string::npos);
   const std::tuple<std::string, std::string, std::string> cases[] = {

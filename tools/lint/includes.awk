@@ -11,8 +11,8 @@ function Folders(text,   words, count, i, result) {
   return result
 }
 
-# The room of a file: the longest folder of the table that contains it; below it a ui/ folder is a room of its own.
-function RoomOf(file,   folder) {
+# The library of a file: the longest folder of the table that contains it; below it a ui/ folder is a library of its own.
+function LibraryOf(file,   folder) {
   folder = file
   while (sub(/\/[^\/]*$/, "", folder)) {
     if (folder in arrows) return folder
@@ -21,13 +21,13 @@ function RoomOf(file,   folder) {
   return ""
 }
 
-function MayInclude(room, other,   parent, allowed) {
-  if (room == other) return 1
-  if (room ~ /\/ui$/) {
-    parent = substr(room, 1, length(room) - 3)
+function MayInclude(library, other,   parent, allowed) {
+  if (library == other) return 1
+  if (library ~ /\/ui$/) {
+    parent = substr(library, 1, length(library) - 3)
     allowed = arrows[parent] parent " src/desktop src/base src/desktop/ui "
   } else {
-    allowed = arrows[room]
+    allowed = arrows[library]
   }
   return index(allowed, " all ") || index(allowed, " " other " ")
 }
@@ -47,7 +47,7 @@ inputs <= 2 && (/^#/ || NF == 0) { next }
 
 inputs == 1 {
   if ($2 == "=") { name = $1; $1 = $2 = ""; group[name] = Folders($0) }
-  else { room = $1; sub(/:$/, "", room); $1 = ""; arrows[room] = Folders($0) }
+  else { library = $1; sub(/:$/, "", library); $1 = ""; arrows[library] = Folders($0) }
   next
 }
 inputs == 2 { ++libraries; header[libraries] = "^(" $1 ")$"; place[libraries] = "^" $2; next }
@@ -64,12 +64,12 @@ inputs == 3 { exists[$0] = 1; next }
     next
   }
 
-  room = RoomOf(FILENAME)
+  library = LibraryOf(FILENAME)
   target = Resolve(name)
-  if (room == "") Fail("this folder is no room of tools/lint/layers.txt")
-  else if (target == "") Fail("\"" name "\" is no header of this tree; headers are named by their room, from src/, libs/ or the top")
-  else if (RoomOf(target) == "") Fail("\"" name "\" is in no room of tools/lint/layers.txt")
-  else if (!MayInclude(room, RoomOf(target))) Fail(room " may not include " RoomOf(target) " (\"" name "\")")
+  if (library == "") Fail("this folder is no library of tools/lint/layers.txt")
+  else if (target == "") Fail("\"" name "\" is no header of this tree; headers are named by their library, from src/, libs/ or the top")
+  else if (LibraryOf(target) == "") Fail("\"" name "\" is in no library of tools/lint/layers.txt")
+  else if (!MayInclude(library, LibraryOf(target))) Fail(library " may not include " LibraryOf(target) " (\"" name "\")")
 }
 
 END { exit failed }

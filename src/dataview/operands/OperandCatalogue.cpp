@@ -51,7 +51,7 @@ std::string ComboList(std::span<const Code> codes, NameOf nameOf) {
 }  // namespace
 
 std::string_view TypeName(OperandTypeCode type) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   return facts != nullptr ? facts->name : std::string_view();
 }
 
@@ -98,28 +98,28 @@ std::string_view FormatName(FormatCode format) {
 }
 
 bool IsBitType(OperandTypeCode type) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   return facts != nullptr && facts->hexChars == kBitHexChars;
 }
 
 bool IsWritableType(OperandTypeCode type) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   return facts != nullptr && !std::holds_alternative<std::monostate>(facts->write);
 }
 
 bool IsTimeType(OperandTypeCode type) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   return facts != nullptr && facts->raw == RawKind::Time;
 }
 
 SizeCode OwnSize(OperandTypeCode type) {
   if (IsBitType(type)) return Bit1;
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   return facts != nullptr && facts->hexChars == kWordHexChars ? Bit16 : Bit32;
 }
 
 std::span<const SizeCode> SizesOffered(OperandTypeCode type) {
-  if (FactsOf(type) == nullptr) return {};
+  if (TypeFactsOf(type) == nullptr) return {};
   if (IsBitType(type)) return kBitSizes;
   return kWordSizes;
 }
@@ -151,12 +151,12 @@ bool IsLargeMemoryModel(std::string_view model) {
 }
 
 std::int32_t OperandCount(OperandTypeCode type, std::string_view model) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   return facts != nullptr ? CountFor(facts->counts, model) : 0;
 }
 
 std::int32_t LegacyOsOperandCount(OperandTypeCode type, std::string_view model) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   return facts != nullptr ? CountFor(facts->legacyCounts, model) : 0;
 }
 
@@ -165,12 +165,12 @@ bool IsPastOperandCount(const Region& region, std::string_view model) {
 }
 
 std::int32_t MaxOperandsPerRequest(OperandTypeCode type) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   return facts != nullptr ? kRequestHexChars / facts->hexChars : 0;
 }
 
 std::int32_t DriverTypeCode(OperandTypeCode type) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   return facts != nullptr ? facts->driverTypeCode : 0;
 }
 

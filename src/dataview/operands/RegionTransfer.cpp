@@ -235,7 +235,7 @@ std::string PastEndCure(const Region& region, std::string_view model) {
 }
 
 bool IsReadableFrom(std::string_view model, OperandTypeCode type) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   if (facts == nullptr) return false;
   if (IsCompactDriverModel(model)) return !std::holds_alternative<std::monostate>(facts->compactRead);
   return facts->driverTypeCode != 0;
@@ -243,7 +243,7 @@ bool IsReadableFrom(std::string_view model, OperandTypeCode type) {
 
 ReadResult ReadRegion(Channel& channel, std::string_view model, const Region& region) {
   if (!IsRequest(region)) return std::unexpected(NoSuchRegion("reading", region));
-  const TypeFacts& facts = *FactsOf(region.type);
+  const TypeFacts& facts = *TypeFactsOf(region.type);
   const Request request{channel, region, facts, model, channel.UnitID()};
   if (IsCompactDriverModel(model)) return std::visit(ReadCompactWith{request}, facts.compactRead);
   return ReadByList(request);
@@ -252,7 +252,7 @@ ReadResult ReadRegion(Channel& channel, std::string_view model, const Region& re
 WriteResult WriteRegion(Channel& channel, std::string_view model, const Region& region,
                         std::span<const std::string> texts) {
   if (!IsRequest(region)) return std::unexpected(NoSuchRegion("writing", region));
-  const TypeFacts& facts = *FactsOf(region.type);
+  const TypeFacts& facts = *TypeFactsOf(region.type);
   if (!IsWritableType(region.type)) return {};
   if (texts.size() != static_cast<std::size_t>(region.Count())) {
     return std::unexpected(WrongNumberOfTexts(region, texts.size()));

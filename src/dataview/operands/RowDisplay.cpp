@@ -177,7 +177,7 @@ bool IsSize(SizeCode size) {
 }  // namespace
 
 std::string DisplayRow(OperandTypeCode type, std::span<const std::string> rawValues, SizeCode size, FormatCode format) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   if (facts == nullptr) return {};
   if (facts->imageWidth == 0) return RawTexts(rawValues);
   if (!IsSize(size)) return {};

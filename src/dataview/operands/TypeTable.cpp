@@ -44,7 +44,7 @@ static_assert(kTypes.size() == kOperandTypeCount);
 
 }  // namespace
 
-const TypeFacts* FactsOf(OperandTypeCode type) {
+const TypeFacts* TypeFactsOf(OperandTypeCode type) {
   const auto code = static_cast<std::int32_t>(type);
   return code >= 1 && code <= kOperandTypeCount ? &kTypes[static_cast<std::size_t>(code - 1)] : nullptr;
 }

@@ -53,6 +53,6 @@ struct TypeFacts {
 };
 
 // The facts of a type; null for a code that is none.
-[[nodiscard]] const TypeFacts* FactsOf(OperandTypeCode type);
+[[nodiscard]] const TypeFacts* TypeFactsOf(OperandTypeCode type);
 
 }  // namespace kv::mdlDataTypesView

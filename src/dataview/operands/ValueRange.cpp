@@ -21,7 +21,7 @@ std::optional<std::int64_t> ExactBit(std::string_view text) {
 }
 
 RangeRule RuleOf(OperandTypeCode type) {
-  const TypeFacts* facts = FactsOf(type);
+  const TypeFacts* facts = TypeFactsOf(type);
   return facts != nullptr ? facts->range : RangeRule::Unchecked;
 }
 

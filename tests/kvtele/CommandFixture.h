@@ -24,7 +24,7 @@ struct Result {
 
 // A command that fails, and what is told of it.
 struct FailingCommand {
-  const char* line;     // as for CommandBench::Run
+  const char* line;     // as for CommandFixture::Run
   int exit;             // the exit code, and the name of the failure in JSON: for scripts
   const char* name;     //
   const char* message;  // the part of the text that helps a person
@@ -32,10 +32,10 @@ struct FailingCommand {
 };
 
 // Runs commands in this process, on a virtual clock and on simulated controllers. A controller lives as long as the
-// bench, so one command finds what another has written.
-class CommandBench {
+// fixture, so one command finds what another has written.
+class CommandFixture {
  public:
-  CommandBench();
+  CommandFixture();
 
   sim::SimulatorOptions options;  // of the controllers that are made from now on; the model is that of the link
   TypedInput input;

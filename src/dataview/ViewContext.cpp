@@ -1,4 +1,4 @@
-#include "dataview/ViewDesk.h"
+#include "dataview/ViewContext.h"
 
 #include <algorithm>
 #include <chrono>
@@ -46,40 +46,40 @@ void CellSpans::AddTo(GridChanges& changes) const {
   }
 }
 
-ViewDesk::ViewDesk(DataTypesViewParts viewParts, GridListener& viewListener)
+ViewContext::ViewContext(DataTypesViewParts viewParts, GridListener& viewListener)
     : parts(viewParts), state{.operands = OperandStore({}), .regions = {}, .settings = {}}, mListener(viewListener) {}
 
-std::string ViewDesk::Caption() const {
+std::string ViewContext::Caption() const {
   return std::string(kTitle) + " - " + parts.shared.CurrentSession;
 }
 
-std::string ViewDesk::CurrentLink() const {
+std::string ViewContext::CurrentLink() const {
   return parts.shared.ComDriver ? parts.shared.ComDriver->LinkDescription() : std::string();
 }
 
-bool ViewDesk::IsReadOnline(OperandTypeCode type, std::int32_t address) const {
+bool ViewContext::IsReadOnline(OperandTypeCode type, std::int32_t address) const {
   return status.mode == ViewMode::Online && std::ranges::any_of(state.regions.Rows(), [&](const RegionRow& row) {
            return row.region.Contains(type, address);
          });
 }
 
-void ViewDesk::Say(std::string message) {
+void ViewContext::Say(std::string message) {
   Show(std::move(message), false);
   mReadUntil = Now() + ReadingTime(status.message);
 }
 
-void ViewDesk::SayError(std::string message) {
+void ViewContext::SayError(std::string message) {
   status.lastError = {.text = message, .at = parts.clock.LocalTime()};
   Show(std::move(message), true);
   mReadUntil = Now() + ReadingTime(status.message);
 }
 
-void ViewDesk::SayRefusal(const std::string& message) {
+void ViewContext::SayRefusal(const std::string& message) {
   SayError(message);
   status.refusal = message;
 }
 
-void ViewDesk::SayLinkError(const LinkError& error, const std::string& whatElse) {
+void ViewContext::SayLinkError(const LinkError& error, const std::string& whatElse) {
   const LinkLoss loss{.error = error, .consequence = whatElse};
   SayError(loss.Text());
   if (!MeansLostLink(error.code)) {
@@ -91,12 +91,12 @@ void ViewDesk::SayLinkError(const LinkError& error, const std::string& whatElse)
   state.operands.NoteLoss(Now());
 }
 
-void ViewDesk::NoteSuccess() {
+void ViewContext::NoteSuccess() {
   status.lastError.reset();
   status.refusal.clear();
 }
 
-void ViewDesk::SayInPassing(std::string message) {
+void ViewContext::SayInPassing(std::string message) {
   if (Now() < mReadUntil) {
     mInPassing = std::move(message);
   } else {
@@ -104,18 +104,18 @@ void ViewDesk::SayInPassing(std::string message) {
   }
 }
 
-void ViewDesk::Show(std::string message, bool isError) {
+void ViewContext::Show(std::string message, bool isError) {
   status.message = std::move(message);
   status.isError = isError;
   mInPassing.clear();
   ++mSaidCount;
 }
 
-void ViewDesk::ShowBox(std::string_view text, PromptIcon icon) {
+void ViewContext::ShowBox(std::string_view text, PromptIcon icon) {
   parts.prompts.Show({.text = std::string(text), .title = Caption(), .icon = icon});
 }
 
-bool ViewDesk::AskYesNo(std::string_view text, bool canLose) {
+bool ViewContext::AskYesNo(std::string_view text, bool canLose) {
   return parts.prompts.Show({.text = std::string(text),
                              .title = Caption(),
                              .icon = PromptIcon::Question,
@@ -123,30 +123,30 @@ bool ViewDesk::AskYesNo(std::string_view text, bool canLose) {
                              .canLose = canLose}) == PromptAnswer::Yes;
 }
 
-void ViewDesk::SetMode(ViewMode mode) {
+void ViewContext::SetMode(ViewMode mode) {
   status.mode = mode;
   status.done = 0;
   status.total = 0;
   TellStatus();
 }
 
-void ViewDesk::TellStatus() {
+void ViewContext::TellStatus() {
   if (!mInPassing.empty() && Now() >= mReadUntil) Show(std::exchange(mInPassing, {}), false);
   status.edited = state.operands.EditedCount();
   mProgressToldAt = Now();
   mListener.StatusChanged();
 }
 
-void ViewDesk::TellProgress() {
+void ViewContext::TellProgress() {
   if (mProgressToldAt == Instant::min() || Now() - mProgressToldAt >= kProgressPause) TellStatus();
 }
 
-void ViewDesk::TellChanges() {
+void ViewContext::TellChanges() {
   const GridChanges told = std::exchange(changes, {});
   if (!told.IsEmpty()) mListener.GridsChanged(told);
 }
 
-void ViewDesk::CellsChanged(const CellSpans& spans) {
+void ViewContext::CellsChanged(const CellSpans& spans) {
   spans.AddTo(changes);
   const auto rows = state.regions.Rows();
   for (std::size_t row = 0; row < rows.size(); ++row) {
@@ -154,24 +154,24 @@ void ViewDesk::CellsChanged(const CellSpans& spans) {
   }
 }
 
-void ViewDesk::RefreshRow(std::size_t row) {
+void ViewContext::RefreshRow(std::size_t row) {
   if (state.regions.RefreshValues(row, state.operands)) changes.AddRegion(static_cast<std::int32_t>(row));
 }
 
-void ViewDesk::RefreshRowsOf(const Region& region) {
+void ViewContext::RefreshRowsOf(const Region& region) {
   const auto rows = state.regions.Rows();
   for (std::size_t row = 0; row < rows.size(); ++row) {
     if (rows[row].region.Overlaps(region)) RefreshRow(row);
   }
 }
 
-void ViewDesk::RowSettingsChanged(std::size_t row) {
+void ViewContext::RowSettingsChanged(std::size_t row) {
   state.regions.RefreshValues(row, state.operands);
   changes.AddRegion(static_cast<std::int32_t>(row));
   changes.onlyValues = false;
 }
 
-void ViewDesk::RowsReplaced() {
+void ViewContext::RowsReplaced() {
   for (std::size_t row = 0; row < state.regions.Rows().size(); ++row) {
     if (state.regions.Rows()[row].values.empty()) state.regions.RefreshValues(row, state.operands);
   }

@@ -111,8 +111,10 @@ class LoggedWindow : public DumpWindow {
 inline constexpr const char* kFailed = "Box ( ) Korvantis PLC Cloner: Operation Failed.";
 
 // The engine between its surroundings; all of them write into one log.
-struct CloneBench {
-  CloneBench() { pacer.SetLocalTime(std::chrono::local_days{std::chrono::year{2026} / 3 / 9} + std::chrono::hours(7)); }
+struct CloneFixture {
+  CloneFixture() {
+    pacer.SetLocalTime(std::chrono::local_days{std::chrono::year{2026} / 3 / 9} + std::chrono::hours(7));
+  }
 
   // One create or restore by a fresh engine, and what the log then says.
   CloneOutcome Create() {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "host/clsCallerExe.h"
-#include "tests/support/SessionBench.h"
+#include "tests/support/SessionFixture.h"
 
 namespace kv::test {
 
@@ -65,8 +65,8 @@ class FakeShell : public Shell {
 };
 
 // The program put together from fakes.
-struct HostBench : SessionBench {
-  HostBench() {
+struct HostFixture : SessionFixture {
+  HostFixture() {
     host.model = "";
     parts.createHost = [this] {
       log.push_back("host made");

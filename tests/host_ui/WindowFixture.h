@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/desktop_ui/QtBench.h"
+#include "tests/desktop_ui/QtFixture.h"
 #include "tests/host_ui/ProgramRun.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -41,9 +41,9 @@ class Kvsim {
 };
 
 // A program folder, and the program run in it with a user.
-class WindowBench : public testing::Test {
+class WindowFixture : public testing::Test {
  protected:
-  WindowBench() { std::filesystem::create_directories(home.Path() / "Sessions" / "Default"); }
+  WindowFixture() { std::filesystem::create_directories(home.Path() / "Sessions" / "Default"); }
 
   std::filesystem::path Put(const std::string& file, const std::string& content) const {
     return home.Put("Sessions/Default/" + file, content);

@@ -24,7 +24,7 @@ struct ClientState {
     BlockReply reply;
   };
 
-  Connection connection;
+  ConnectionState connection;
   std::uint64_t resetsSeen = 0;
   std::optional<AnsweredBlock> lastBlock;
 };
@@ -32,7 +32,7 @@ struct ClientState {
 // The one place of a simulated controller where all its lines come together: it keeps what is the controller's and not
 // a connection's (request counter, last request that SY names, reset, line speed, faults), and turns sound requests
 // into the bytes of their replies.
-class ControllerDesk {
+class RequestHandler {
  public:
   struct Answer {
     std::string bytes;
@@ -40,7 +40,7 @@ class ControllerDesk {
     bool resets = false;         // after the reply
   };
 
-  ControllerDesk(std::unique_ptr<Controller> controller, Faults faults, const SimulatorOptions& options);
+  RequestHandler(std::unique_ptr<Controller> controller, Faults faults, const SimulatorOptions& options);
 
   [[nodiscard]] Answer AnswerText(const AsciiFrame& request, ClientState& client, const FaultPlan& plan,
                                   kv::Instant now);
@@ -76,9 +76,9 @@ class ControllerDesk {
     std::string reply;
   };
 
-  [[nodiscard]] TextReply Execute(std::string_view text, Connection& connection, const FaultPlan& plan);
+  [[nodiscard]] TextReply Execute(std::string_view text, ConnectionState& connection, const FaultPlan& plan);
   [[nodiscard]] TextReply AnswerSync(std::string_view text) const;
-  [[nodiscard]] BlockReply Execute(const BlockMessage& request, Connection& connection, const FaultPlan& plan);
+  [[nodiscard]] BlockReply Execute(const BlockMessage& request, ConnectionState& connection, const FaultPlan& plan);
   void Advance(kv::Instant now);
   void Attend(ClientState& client, kv::Instant now);
 

@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 class FakeController : public Controller {
  public:
   void Advance(kv::Instant) override {}
-  TextReply ExecuteText(std::string_view text, Connection& connection) override {
+  TextReply ExecuteText(std::string_view text, ConnectionState& connection) override {
     executed.emplace_back(text);
     if (text.front() == 'W' && !lying) stored = text.substr(2);
     if (text.front() == 'G') connection.hasAccess = true;
@@ -33,7 +33,7 @@ class FakeController : public Controller {
     return reply;
   }
   void Restart() override { executed.emplace_back("restart"); }
-  BlockReply ExecuteBlock(const BlockRequest&, Connection&) override { return {}; }
+  BlockReply ExecuteBlock(const BlockRequest&, ConnectionState&) override { return {}; }
   bool UnderstandsBlocks() const override { return true; }
   std::uint8_t Unit() const override { return 1; }
   void SetLying(bool isLying) override { lying = isLying; }
@@ -45,8 +45,8 @@ class FakeController : public Controller {
 };
 
 // The fake controller behind real lines, with a clock of its own.
-struct LineBench {
-  explicit LineBench(std::vector<std::string> faults = {}, int baud = 0) {
+struct LineFixture {
+  explicit LineFixture(std::vector<std::string> faults = {}, int baud = 0) {
     SimulatorOptions options;
     options.faults = std::move(faults);
     options.baud = baud;

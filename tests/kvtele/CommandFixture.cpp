@@ -1,4 +1,4 @@
-#include "tests/kvtele/CommandBench.h"
+#include "tests/kvtele/CommandFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,15 +10,15 @@
 
 namespace kv::test {
 
-CommandBench::CommandBench() {
+CommandFixture::CommandFixture() {
   std::filesystem::create_directories(home.Path() / "Sessions" / "Default");
 }
 
-std::string CommandBench::PathOf(const std::string& name) const {
+std::string CommandFixture::PathOf(const std::string& name) const {
   return Utf8FromPath(home.Path() / PathFromUtf8(name));
 }
 
-std::vector<std::string> CommandBench::WordsOf(const std::string& line) const {
+std::vector<std::string> CommandFixture::WordsOf(const std::string& line) const {
   std::vector<std::string> words;
   bool isQuoted = false;
   bool isInWord = false;
@@ -37,7 +37,7 @@ std::vector<std::string> CommandBench::WordsOf(const std::string& line) const {
   return words;
 }
 
-Result CommandBench::ExpectFailure(const FailingCommand& command) {
+Result CommandFixture::ExpectFailure(const FailingCommand& command) {
   SCOPED_TRACE(std::string(command.line) + " " + command.fault);
   if (*command.fault) options.faults = {command.fault};
   Result result = Run(std::string("--json ") + command.line);
@@ -49,7 +49,7 @@ Result CommandBench::ExpectFailure(const FailingCommand& command) {
   return result;
 }
 
-Result CommandBench::Run(const std::string& line) {
+Result CommandFixture::Run(const std::string& line) {
   std::ostringstream out;
   std::ostringstream err;
   if (outIsBroken) out.setstate(std::ios::badbit);
@@ -77,12 +77,12 @@ Result CommandBench::Run(const std::string& line) {
 }
 
 // Leads to whichever controller is there when it is connected.
-class CommandBench::Cable final : public InProcessLine {
+class CommandFixture::Cable final : public InProcessLine {
  public:
-  Cable(CommandBench& bench, std::string model) : mBench(bench), mModel(std::move(model)) {}
+  Cable(CommandFixture& fixture, std::string model) : mFixture(fixture), mModel(std::move(model)) {}
 
   bool Connect(Instant now) override {
-    mLine = mBench.LineTo(mModel);
+    mLine = mFixture.LineTo(mModel);
     return mLine->Connect(now);
   }
   void Disconnect(Instant now) override { mLine->Disconnect(now); }
@@ -92,16 +92,16 @@ class CommandBench::Cable final : public InProcessLine {
   std::optional<Instant> NextEvent() const override { return mLine->NextEvent(); }
 
  private:
-  CommandBench& mBench;
+  CommandFixture& mFixture;
   std::string mModel;
   std::unique_ptr<InProcessLine> mLine;
 };
 
-std::unique_ptr<InProcessLine> CommandBench::NewLine(const std::string& model) {
+std::unique_ptr<InProcessLine> CommandFixture::NewLine(const std::string& model) {
   return LineTo(model) ? std::make_unique<Cable>(*this, model) : nullptr;
 }
 
-std::unique_ptr<InProcessLine> CommandBench::LineTo(const std::string& model) {
+std::unique_ptr<InProcessLine> CommandFixture::LineTo(const std::string& model) {
   auto& controller = mControllers[model];
   if (!controller) {
     options.model = model;

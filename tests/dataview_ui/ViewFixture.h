@@ -16,8 +16,8 @@
 #include "desktop/MemoryClipboard.h"
 #include "desktop/PacerWallClock.h"
 #include "editors/clsHexSelector.h"
-#include "tests/desktop_ui/QtBench.h"
-#include "tests/support/SessionBench.h"
+#include "tests/desktop_ui/QtFixture.h"
+#include "tests/support/SessionFixture.h"
 
 namespace kv::test {
 
@@ -29,9 +29,9 @@ struct CancelledSelector final : HexSelectorWindow {
 };
 
 // The operand view in a session of its own, on a simulated controller with a large memory.
-class ViewBench : public ::testing::Test {
+class ViewFixture : public ::testing::Test {
  protected:
-  ViewBench() {
+  ViewFixture() {
     session.shared.ComDriver = &driver;
     session.host.model = "K670-67-C30 / K390-29-C30";
     driver.ConfigureForSession({.folder = Utf8FromPath(session.Session("Default"))});
@@ -136,7 +136,7 @@ class ViewBench : public ::testing::Test {
     (void)driver.UseSettings(settings, false);
   }
 
-  SessionBench session;
+  SessionFixture session;
   QtPacer pacer;
   PacerWallClock clock;
   MemoryClipboard clipboard;

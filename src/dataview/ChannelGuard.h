@@ -6,17 +6,17 @@
 
 namespace kv::mdlDataTypesView {
 
-class ViewDesk;
+class ViewContext;
 
 // The controller for the length of one operation: the driver's channel, taken once and given back at the end. What an
 // earlier exchange left on its way is thrown away at both ends, so that nothing of it is taken for an answer. Without a
 // channel the status line says why.
-class ChannelLease {
+class ChannelGuard {
  public:
-  explicit ChannelLease(ViewDesk& desk);
-  ~ChannelLease();
-  ChannelLease(const ChannelLease&) = delete;
-  ChannelLease& operator=(const ChannelLease&) = delete;
+  explicit ChannelGuard(ViewContext& context);
+  ~ChannelGuard();
+  ChannelGuard(const ChannelGuard&) = delete;
+  ChannelGuard& operator=(const ChannelGuard&) = delete;
 
   [[nodiscard]] explicit operator bool() const { return mChannel != nullptr; }
   [[nodiscard]] Channel& operator*() const { return *mChannel; }

@@ -19,15 +19,15 @@ inline SimulatorOptions Options(const std::string& model, const std::string& osV
 }
 
 // One controller with one connection to it and a clock of its own.
-class Bench {
+class Fixture {
  public:
-  explicit Bench(const SimulatorOptions& options) {
+  explicit Fixture(const SimulatorOptions& options) {
     auto made = Controller::Create(options);
     if (!made) throw std::runtime_error(made.error());
     mController = std::move(*made);
     mController->Advance(mNow);
   }
-  explicit Bench(const std::string& model) : Bench(Options(model)) {}
+  explicit Fixture(const std::string& model) : Fixture(Options(model)) {}
 
   TextReply Send(const std::string& text) { return mController->ExecuteText(text, connection); }
   std::string Text(const std::string& text) { return Send(text).text; }
@@ -58,7 +58,7 @@ class Bench {
   char State() { return Own("IN", "")[8]; }
   Controller& It() { return *mController; }
 
-  Connection connection;
+  ConnectionState connection;
 
  private:
   kv::Instant mNow{std::chrono::hours(7)};

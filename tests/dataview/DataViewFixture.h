@@ -14,7 +14,7 @@
 #include "desktop/VirtualPacer.h"
 #include "editors/clsHexSelector.h"
 #include "tests/support/FakeChannel.h"
-#include "tests/support/SessionBench.h"
+#include "tests/support/SessionFixture.h"
 
 namespace kv::test {
 
@@ -28,7 +28,7 @@ using testing::IsEmpty;
 inline constexpr auto kOk = PromptAnswer::Ok;
 
 // A controller that answers list reads with `value`, and keeps what is written to MI and ML. Its calls stand in the
-// bench's log.
+// fixture's log.
 class OperandChannel : public FakeChannel {
  public:
   explicit OperandChannel(CallLog& log) {
@@ -84,8 +84,8 @@ class OperandChannel : public FakeChannel {
 };
 
 // The view on fakes: whatever it asks, sends and tells is in one log.
-struct DataViewBench : SessionBench, GridListener, HexSelectorWindow {
-  explicit DataViewBench(const std::string& model = "K220-22-R1") {
+struct DataViewFixture : SessionFixture, GridListener, HexSelectorWindow {
+  explicit DataViewFixture(const std::string& model = "K220-22-R1") {
     host.model = model;
     driver.channel = channel;
     view.Open();

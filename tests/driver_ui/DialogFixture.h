@@ -11,14 +11,14 @@
 #include "base/PathText.h"
 #include "desktop/MemoryClipboard.h"
 #include "tests/desktop/TestPrompts.h"
-#include "tests/desktop_ui/QtBench.h"
+#include "tests/desktop_ui/QtFixture.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
 
 // The driver with its windows, a session's folder, and simulated controllers to talk to.
-struct DialogBench {
-  DialogBench() {
+struct DialogFixture {
+  DialogFixture() {
     dialogs.Serve(driver);
     driver.ConfigureForSession({.folder = Utf8FromPath(folder.Path())});
     driver.ComParamsCaller("Telepanel");

@@ -12,7 +12,7 @@
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/ports/SimulatedPort.h"
 #include "link/DownloadEngine.h"
-#include "tests/matrix/MatrixBench.h"
+#include "tests/matrix/MatrixFixture.h"
 
 namespace kv {
 
@@ -150,15 +150,15 @@ class PlantPort final : public Port {
 };
 
 // A channel to such a controller, after the handshake and synchronised.
-struct Bench {
+struct Fixture {
   VirtualPacer pacer;
   Plant plant;
   std::vector<std::string> messages;
   std::shared_ptr<Trace> trace = std::make_shared<Trace>();
   ChannelImpl channel;
 
-  explicit Bench(const std::string& model = "K220", const LinkSettings& settings = SerialSettings(),
-                 const std::string& password = {}, const sim::SimulatorOptions& like = {})
+  explicit Fixture(const std::string& model = "K220", const LinkSettings& settings = SerialSettings(),
+                   const std::string& password = {}, const sim::SimulatorOptions& like = {})
       : plant(model, password, like),
         channel(
             pacer, trace, settings, [this](const LinkSettings&) { return std::make_unique<PlantPort>(plant, pacer); },

@@ -10,9 +10,9 @@
 namespace kvsim {
 
 // Where clients come in.
-class Door {
+class Endpoint {
  public:
-  virtual ~Door() = default;
+  virtual ~Endpoint() = default;
 
   // The line that is printed when clients can come: "listening on 127.0.0.1:20300".
   [[nodiscard]] virtual std::string ReadyText() const = 0;

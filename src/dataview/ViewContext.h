@@ -32,9 +32,9 @@ class CellSpans {
 
 // What the parts of the view work on in common: both grids, what has changed since the listener was last told, the
 // status and the history. It holds no rule about regions or the controller.
-class ViewDesk {
+class ViewContext {
  public:
-  ViewDesk(DataTypesViewParts viewParts, GridListener& viewListener);
+  ViewContext(DataTypesViewParts viewParts, GridListener& viewListener);
 
   DataTypesViewParts parts;
   GridState state;

@@ -1,5 +1,5 @@
-# One static library a folder. All rooms share the warnings, the sanitizers and the include roots: a header is named by
-# its room ("link/Channel.h", "KvCmDrv1/Driver.h", "simulator/Controller.h").
+# One static library a folder. All libraries share the warnings, the sanitizers and the include roots: a header is named by
+# its folder ("link/Channel.h", "KvCmDrv1/Driver.h", "simulator/Controller.h").
 
 find_program(CCACHE ccache)
 if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
@@ -24,32 +24,36 @@ if(KV_SANITIZE)
   target_compile_options(kv_options INTERFACE -fsanitize=${KV_SANITIZE} -fno-sanitize-recover=all
                                               -fno-omit-frame-pointer)
   target_link_options(kv_options INTERFACE -fsanitize=${KV_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # The sanitizers' checks hide from g++ what is initialised: it warns of std::regex. Its manual says not to combine them.
+    target_compile_options(kv_options INTERFACE -Wno-maybe-uninitialized)
+  endif()
 endif()
 
 if(KV_FUZZ)
   target_compile_options(kv_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# kv_room(<target> SOURCES ... [ON rooms or libraries that this one stands on])
-function(kv_room target)
+# kv_library(<target> SOURCES ... [ON libraries that this one stands on])
+function(kv_library target)
   cmake_parse_arguments(ARG "" "" "SOURCES;ON" ${ARGN})
   add_library(${target} STATIC ${ARG_SOURCES})
   target_link_libraries(${target} PUBLIC kv_options ${ARG_ON})
-  set_property(GLOBAL APPEND PROPERTY KV_ROOMS ${target})
+  set_property(GLOBAL APPEND PROPERTY KV_LIBRARIES ${target})
 endfunction()
 
-# kv_engines(<variable>): every room that knows no window, for benchmarks and fuzz targets, which may use them all.
+# kv_engines(<variable>): every library that knows no window, for benchmarks and fuzz targets, which may use them all.
 function(kv_engines variable)
-  get_property(rooms GLOBAL PROPERTY KV_ROOMS)
-  list(FILTER rooms EXCLUDE REGEX "_ui$")
-  set(${variable} ${rooms} PARENT_SCOPE)
+  get_property(libraries GLOBAL PROPERTY KV_LIBRARIES)
+  list(FILTER libraries EXCLUDE REGEX "_ui$")
+  set(${variable} ${libraries} PARENT_SCOPE)
 endfunction()
 
-# kv_windows(<variable>): every room of windows so far, for the program that shows them all.
+# kv_windows(<variable>): every library of windows so far, for the program that shows them all.
 function(kv_windows variable)
-  get_property(rooms GLOBAL PROPERTY KV_ROOMS)
-  list(FILTER rooms INCLUDE REGEX "_ui$")
-  set(${variable} ${rooms} PARENT_SCOPE)
+  get_property(libraries GLOBAL PROPERTY KV_LIBRARIES)
+  list(FILTER libraries INCLUDE REGEX "_ui$")
+  set(${variable} ${libraries} PARENT_SCOPE)
 endfunction()
 
 # kv_program(<target> SOURCES ... [ON ...])

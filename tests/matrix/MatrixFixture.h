@@ -76,9 +76,9 @@ class CountingController final : public sim::Controller {
 
 // The driver on its simulated port, a controller whose line misbehaves, and a way to the controller beside that line:
 // what stands here is what the controller holds.
-class Bench {
+class Fixture {
  public:
-  explicit Bench(const std::string& model, std::uint64_t seed = 1) {
+  explicit Fixture(const std::string& model, std::uint64_t seed = 1) {
     sim::SimulatorOptions options;
     options.model = model;
     options.seed = seed;

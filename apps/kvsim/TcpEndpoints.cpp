@@ -1,4 +1,4 @@
-#include "apps/kvsim/TcpDoors.h"
+#include "apps/kvsim/TcpEndpoints.h"
 
 #include <asio.hpp>
 #include <exception>
@@ -17,9 +17,9 @@ constexpr kv::Duration kDialPause = std::chrono::milliseconds(500);  // between 
 constexpr kv::Duration kDialLimit = std::chrono::seconds(5);         // for one try
 constexpr kv::Duration kDialLook = std::chrono::milliseconds(10);    // between two looks at a try under way
 
-class ListeningDoor final : public Door {
+class ListeningEndpoint final : public Endpoint {
  public:
-  ListeningDoor() : mAcceptor(mContext) {}
+  ListeningEndpoint() : mAcceptor(mContext) {}
 
   std::error_code Open(const tcp::endpoint& place) {
     std::error_code code;
@@ -56,9 +56,9 @@ class ListeningDoor final : public Door {
   tcp::acceptor mAcceptor;
 };
 
-class DiallingDoor final : public Door {
+class DiallingEndpoint final : public Endpoint {
  public:
-  DiallingDoor(std::string place, std::vector<tcp::endpoint> endpoints)
+  DiallingEndpoint(std::string place, std::vector<tcp::endpoint> endpoints)
       : mPlace(std::move(place)), mEndpoints(std::move(endpoints)) {}
 
   [[nodiscard]] std::string ReadyText() const override { return "dialling " + mPlace; }
@@ -119,23 +119,23 @@ std::string PortInUse(const std::string& place) {
 
 }  // namespace
 
-std::expected<std::unique_ptr<Door>, std::string> ListenOn(const std::string& address, std::uint16_t port) {
+std::expected<std::unique_ptr<Endpoint>, std::string> ListenOn(const std::string& address, std::uint16_t port) {
   const std::string place = address + ":" + std::to_string(port);
   try {
     std::error_code code;
     const auto bound = asio::ip::make_address(address, code);
     if (code) return std::unexpected("\"" + address + "\" is not an address such as 127.0.0.1 or 0.0.0.0");
-    auto door = std::make_unique<ListeningDoor>();
-    code = door->Open({bound, port});
+    auto endpoint = std::make_unique<ListeningEndpoint>();
+    code = endpoint->Open({bound, port});
     if (code == asio::error::address_in_use) return std::unexpected(PortInUse(place));
     if (code) return std::unexpected("cannot listen on " + place + ": " + code.message());
-    return door;
+    return endpoint;
   } catch (const std::exception& error) {
     return std::unexpected("cannot listen on " + place + ": " + error.what());
   }
 }
 
-std::expected<std::unique_ptr<Door>, std::string> DialTo(const std::string& host, std::uint16_t port) {
+std::expected<std::unique_ptr<Endpoint>, std::string> DialTo(const std::string& host, std::uint16_t port) {
   const std::string place = host + ":" + std::to_string(port);
   try {
     asio::io_context context;
@@ -145,7 +145,7 @@ std::expected<std::unique_ptr<Door>, std::string> DialTo(const std::string& host
       endpoints.push_back(entry.endpoint());
     }
     if (endpoints.empty()) return std::unexpected("the host of " + place + " is not known: " + code.message());
-    return std::make_unique<DiallingDoor>(place, std::move(endpoints));
+    return std::make_unique<DiallingEndpoint>(place, std::move(endpoints));
   } catch (const std::exception& error) {
     return std::unexpected("cannot dial " + place + ": " + error.what());
   }

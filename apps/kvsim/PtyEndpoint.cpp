@@ -1,10 +1,10 @@
-#include "apps/kvsim/PtyDoor.h"
+#include "apps/kvsim/PtyEndpoint.h"
 
 #ifdef _WIN32
 
 namespace kvsim {
 
-std::expected<std::unique_ptr<Door>, std::string> ServeOnPty(const std::string&) {
+std::expected<std::unique_ptr<Endpoint>, std::string> ServeOnPty(const std::string&) {
   return std::unexpected("this system has no pseudo terminals: use --tcp");
 }
 
@@ -177,9 +177,9 @@ class PtyStream final : public Stream {
   std::shared_ptr<Link> mLink;
 };
 
-class PtyDoor final : public Door {
+class PtyEndpoint final : public Endpoint {
  public:
-  PtyDoor(Terminal terminal, std::shared_ptr<Link> link)
+  PtyEndpoint(Terminal terminal, std::shared_ptr<Link> link)
       : mText("serving " + link->Path().string() + " (" + terminal.Name() + ")"),
         mStream(std::make_unique<PtyStream>(std::move(terminal), std::move(link))) {}
 
@@ -194,12 +194,12 @@ class PtyDoor final : public Door {
 
 }  // namespace
 
-std::expected<std::unique_ptr<Door>, std::string> ServeOnPty(const std::string& link) {
+std::expected<std::unique_ptr<Endpoint>, std::string> ServeOnPty(const std::string& link) {
   Terminal terminal;
   if (auto error = terminal.Open(); !error.empty()) return std::unexpected(std::move(error));
   auto place = std::make_shared<Link>(link);
   if (auto error = place->PointTo(terminal.Name()); !error.empty()) return std::unexpected(std::move(error));
-  return std::make_unique<PtyDoor>(std::move(terminal), std::move(place));
+  return std::make_unique<PtyEndpoint>(std::move(terminal), std::move(place));
 }
 
 }  // namespace kvsim

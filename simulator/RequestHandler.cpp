@@ -1,4 +1,4 @@
-#include "simulator/ControllerDesk.h"
+#include "simulator/RequestHandler.h"
 
 #include <algorithm>
 #include <random>
@@ -29,7 +29,7 @@ std::string EncodeReply(const BlockMessage& request, std::uint8_t unit, const Bl
 
 }  // namespace
 
-ControllerDesk::ControllerDesk(std::unique_ptr<Controller> controller, Faults faults, const SimulatorOptions& options)
+RequestHandler::RequestHandler(std::unique_ptr<Controller> controller, Faults faults, const SimulatorOptions& options)
     : mController(std::move(controller)),
       mFaults(std::move(faults)),
       mSeed(options.seed),
@@ -38,7 +38,7 @@ ControllerDesk::ControllerDesk(std::unique_ptr<Controller> controller, Faults fa
       mRestartTime(options.restartTime),
       mPowerUp(options.powerUp.value_or(static_cast<std::uint16_t>(std::random_device{}()))) {}
 
-ControllerDesk::Answer ControllerDesk::AnswerText(const AsciiFrame& request, ClientState& client, const FaultPlan& plan,
+RequestHandler::Answer RequestHandler::AnswerText(const AsciiFrame& request, ClientState& client, const FaultPlan& plan,
                                                   kv::Instant now) {
   Attend(client, now);
   mCounter = mCounter == UINT16_MAX ? std::uint16_t{1} : static_cast<std::uint16_t>(mCounter + 1);
@@ -48,7 +48,7 @@ ControllerDesk::Answer ControllerDesk::AnswerText(const AsciiFrame& request, Cli
   return {EncodeReply(unit, request.text, reply.text, mCounter), reply.newBaud, reply.resets};
 }
 
-TextReply ControllerDesk::Execute(std::string_view text, Connection& connection, const FaultPlan& plan) {
+TextReply RequestHandler::Execute(std::string_view text, ConnectionState& connection, const FaultPlan& plan) {
   if (plan.refusal) return {RefusalText(text, *plan.refusal), true, std::nullopt, false};
   if (text.starts_with("SY")) return AnswerSync(text);
   mController->SetLying(plan.isLie);
@@ -56,7 +56,7 @@ TextReply ControllerDesk::Execute(std::string_view text, Connection& connection,
   return mController->ExecuteText(text, connection);
 }
 
-TextReply ControllerDesk::AnswerSync(std::string_view text) const {
+TextReply RequestHandler::AnswerSync(std::string_view text) const {
   TextReply reply;
   if (text.size() != kSyncRequestSize || !IsHexText(text.substr(2, kSyncTagEnd - 2))) {
     reply.text = RefusalText(text, Refusal::Malformed);
@@ -67,7 +67,7 @@ TextReply ControllerDesk::AnswerSync(std::string_view text) const {
   return reply;
 }
 
-std::string ControllerDesk::AnswerBlock(const BlockMessage& request, ClientState& client, const FaultPlan& plan,
+std::string RequestHandler::AnswerBlock(const BlockMessage& request, ClientState& client, const FaultPlan& plan,
                                         kv::Instant now) {
   Attend(client, now);
   const auto unit = static_cast<std::uint8_t>(request.unit + (plan.isFromWrongUnit ? 1 : 0));
@@ -81,7 +81,7 @@ std::string ControllerDesk::AnswerBlock(const BlockMessage& request, ClientState
   return EncodeReply(request, unit, last->reply);
 }
 
-BlockReply ControllerDesk::Execute(const BlockMessage& request, Connection& connection, const FaultPlan& plan) {
+BlockReply RequestHandler::Execute(const BlockMessage& request, ConnectionState& connection, const FaultPlan& plan) {
   if (plan.refusal == Refusal::Busy) return {kBlockBusy, {}};
   if (plan.refusal) return {kBlockRefused + static_cast<int>(*plan.refusal), {}};
   mController->SetLying(plan.isLie);
@@ -91,20 +91,20 @@ BlockReply ControllerDesk::Execute(const BlockMessage& request, Connection& conn
       connection);
 }
 
-void ControllerDesk::Advance(kv::Instant now) {
+void RequestHandler::Advance(kv::Instant now) {
   // Lines are served one after another, so one of them may be a little behind the clock of another.
   mNow = std::max(mNow, now);
   mController->Advance(mNow);
 }
 
-void ControllerDesk::Attend(ClientState& client, kv::Instant now) {
+void RequestHandler::Attend(ClientState& client, kv::Instant now) {
   Advance(now);
   if (std::exchange(client.resetsSeen, mResets) == mResets) return;
   client.connection.hasAccess = false;
   client.lastBlock.reset();
 }
 
-void ControllerDesk::Restart(kv::Instant now) {
+void RequestHandler::Restart(kv::Instant now) {
   Advance(now);
   mController->Restart();
   mCounter = 0;
@@ -113,13 +113,13 @@ void ControllerDesk::Restart(kv::Instant now) {
   BeginReset(now);
 }
 
-void ControllerDesk::BeginReset(kv::Instant now) {
+void RequestHandler::BeginReset(kv::Instant now) {
   ++mResets;
   mBaud = mUsualBaud;
   mResetUntil = now + mRestartTime;
 }
 
-void ControllerDesk::SetBaud(int baud) {
+void RequestHandler::SetBaud(int baud) {
   if (mUsualBaud != 0) mBaud = baud;
 }
 

@@ -15,9 +15,9 @@ namespace kv::matrix {
 
 // The driver with its real ports, and kvsim as a program of its own at the other end of a TCP connection or a pseudo
 // terminal. The place stays the same when another kvsim takes it over.
-class RealBench {
+class RealFixture {
  public:
-  explicit RealBench(Transport transport) {
+  explicit RealFixture(Transport transport) {
     mSettings.transport = transport;
     mSettings.host = "127.0.0.1";
     mSettings.serialPort = (folder.Path() / "plc").string();

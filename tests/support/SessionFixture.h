@@ -13,8 +13,8 @@
 namespace kv::test {
 
 // A program folder with a session "Default", and the fakes that share one log around it.
-struct SessionBench {
-  SessionBench() {
+struct SessionFixture {
+  SessionFixture() {
     std::filesystem::create_directories(Session("Default"));
     shared.Remote = &host;
     shared.ComDriver = &driver;
