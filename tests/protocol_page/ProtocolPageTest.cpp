@@ -102,11 +102,11 @@ TEST(ProtocolPage, PlacesOfAnAurexOs) {
 
 TEST(ProtocolPage, EveryReasonIsToldInOneOrder) {
   using sim::RunState;
-  constexpr sim::Connection stranger, friendly{true};
+  constexpr sim::ConnectionState stranger, friendly{true};
   for (const TextCommand& command : sim::AllTextCommands()) {
     SCOPED_TRACE(command.name);
     const std::string malformed = std::string(command.name) + (command.form == TextCommand::Form::Whole ? "" : "?");
-    const auto answer = [&](std::string_view model, char state, bool isBusy, sim::Connection connection) {
+    const auto answer = [&](std::string_view model, char state, bool isBusy, sim::ConnectionState connection) {
       sim::Machine machine(*sim::FindModel(model), {}, 1, {});
       machine.password = "key";
       machine.SetState(static_cast<RunState>(state));
