@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Time.h"
+#include "download/FoundController.h"
+#include "link/Channel.h"
+
+namespace kv {
+
+// One side of a download: the controller as it answers, or what a file makes of it. Texts are UTF-8, as people read
+// them; nothing is what is not known, or what the file leaves as it is.
+struct DownloadSide {
+  std::optional<std::string> model;
+  std::optional<std::string> os;       // "4.60 (B19)"
+  std::optional<std::string> fonts;    // the same
+  std::optional<std::string> project;  // its name; empty: there is none
+
+  bool operator==(const DownloadSide&) const = default;
+};
+
+[[nodiscard]] DownloadSide SideOf(const FoundController& controller);
+
+// One look at both sides, before anything is changed.
+struct DownloadPreview {
+  std::string controller;  // whose it is: ControllerText (clone/RestoreCheck.h)
+  DownloadSide now;
+  DownloadSide then;                       // as the file says
+  std::uint64_t bytes = 0;                 // of the file's content, as they are sent
+  Duration about{};                        // on this link: TimeOnLink
+  std::vector<std::string> losses = {};    // what will be lost, a sentence each
+  std::vector<std::string> warnings = {};  // what else is worth knowing, a sentence each
+};
+
+// How long so much traffic takes on this link, beside what the controller needs for its own work: `bytes` in both
+// directions, in `exchanges` requests.
+[[nodiscard]] Duration TimeOnLink(const Channel& link, std::uint64_t bytes, std::uint64_t exchanges);
+
+// Both sides in rows of a table. Rows of which neither side tells anything are left out; "-" is a text that is not
+// known, and "(none)" an empty one.
+struct SideRow {
+  std::string label;  // "O/S"
+  std::string first;
+  std::string second;
+};
+[[nodiscard]] std::vector<SideRow> RowsOf(const DownloadSide& first, const DownloadSide& second);
+
+// "12000 bytes, about 3 s on this link, and the time that the controller takes to erase and to program"
+[[nodiscard]] std::string AmountText(const DownloadPreview& preview);
+
+// The controller before and after a download.
+struct DownloadReview {
+  DownloadSide before;
+  DownloadSide after;
+};
+
+// In what `after` is not what the file says, a sentence each.
+[[nodiscard]] std::vector<std::string> DifferencesFrom(const DownloadSide& file, const DownloadSide& after);
+
+}  // namespace kv

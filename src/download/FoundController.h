@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <string>
+
+#include "desktop/Pacer.h"
+#include "link/Channel.h"
+#include "link/LinkError.h"
+
+namespace kv {
+
+// What a controller answers when it is asked who it is.
+struct FoundController {
+  VersionInfo version;
+  Channel::ControllerInfo info;
+
+  // "4.60 (B19)", UTF-8, whichever way the controller reports it.
+  [[nodiscard]] std::string OsText() const;
+  // Name of the project that it holds, UTF-8; empty when there is none.
+  [[nodiscard]] std::string ProjectText() const;
+};
+
+// Only reads.
+[[nodiscard]] std::expected<FoundController, LinkError> FindController(Channel& link);
+
+// The same for a controller that was told to reset: asks until it answers, for half a minute at most, opening the link
+// again where it was lost. Fails with code OtherController when the serial number is not `serialNumber`, with Stopped
+// when the user asked the pacer for it, else with the error of the last try.
+[[nodiscard]] std::expected<FoundController, LinkError> FindAfterReset(Channel& link, Pacer& pacer,
+                                                                       std::uint32_t serialNumber);
+
+// What to do with a controller that is found in its boot loader or half loaded, a sentence or two, UTF-8; empty in
+// every other state.
+[[nodiscard]] std::string StateAdvice(const FoundController& controller);
+
+}  // namespace kv
