@@ -35,6 +35,10 @@ class DownloadWindow {
   // Of an O/S: chunk or block `current` of `count` of phase `phase`, all counted from 1.
   virtual void ProgressInfo(int phase, std::int64_t current, std::int64_t count) = 0;
 
+  // Bytes of the file's content that have gone, and all of them; told after each message that carries some. Amount,
+  // rate and remaining time are made of it (DownloadProgress.h).
+  virtual void AmountSent(std::uint64_t /*done*/, std::uint64_t /*total*/) {}
+
   // Lets the user choose from both lists.
   [[nodiscard]] virtual AurexOsChoice ChooseAurexOs(const AurexOsLists& lists) = 0;
   // The place in the list; nothing when the user cancels.
