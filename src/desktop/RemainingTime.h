@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -7,6 +8,9 @@
 #include "desktop/Pacer.h"
 
 namespace kv {
+
+// "12 s", "3 min 20 s", "1 h 5 min".
+[[nodiscard]] std::string SpanText(std::chrono::seconds span);
 
 // How long work will still take, judged by the pace that it has had since it was begun.
 class RemainingTime {

@@ -24,6 +24,7 @@ struct BackupContext {
   Prompts& questions;
   Pacer& pacer;
   const WallClock& clock;
+  CloneWork work = {};  // shows how far reading back and comparing are; stops are noticed without it
 };
 
 // The clone that is made of a controller before a download changes it. Made at the moment in which the user has chosen

@@ -1,18 +1,33 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
+#include "desktop/Prompts.h"
 #include "download/BackupBefore.h"
 #include "download/DownloadPreview.h"
 
 namespace kv {
+
+// The questions of a download that each want a consent of their own: a terminal has a flag for each.
+enum class DownloadQuestion : std::uint8_t {
+  Begin,       // what the controller holds is replaced
+  OtherModel,  // a compact project that is made for another model
+  NoReset,     // a compact project that may have been cut
+  EndLoad,     // a load is under way in the controller, or was cut
+  Stop,        // the user has asked for a stop, which would leave something half done
+};
 
 // What each of the downloads is told beside its file.
 struct DownloadOrder {
   std::string link = {};           // description of the link, for questions and headings
   bool isDryRun = false;           // everything up to the first command that changes the controller
   BackupBefore* backup = nullptr;  // taken when all questions are answered; null: none
+  // Who is asked one of these; the engine's own prompts when it is empty.
+  std::function<Prompts&(DownloadQuestion question)> promptsOf = {};
+  // False: a stop is not asked about, because nobody can be asked.
+  bool asksBeforeStop = true;
   // Called once, when both sides are known and before the first question; may be empty.
   std::function<void(const DownloadPreview& preview)> onPreview = {};
 };

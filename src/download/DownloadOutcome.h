@@ -33,11 +33,12 @@ enum class DownloadCause : std::uint8_t {
 // each download which of these a cut there leaves.
 enum class ControllerLeft : std::uint8_t {
   Untouched,
-  Stopped,            // its program is stopped, the project is the one it had
-  ProjectBegun,       // Aurex: a project download is under way; what was there is not promised any more
+  Stopped,            // its program was told to stop, the project is the one it had
+  ProjectBegun,       // Aurex: a project download is under way; the old project is there until 69 has been sent
   ProjectErased,      // compact: the old project is gone, the new one is not whole
   Programming,        // Aurex: it may be programming its flash
   ProjectWaits,       // all is in it, and takes effect with a reset that it has not had
+  ProjectPerhaps,     // all is in it and it was told to reset, but what it runs since is not known
   BootLoader,         // its boot loader runs, the old O/S is still there
   BootLoaderErased,   // its boot loader runs, the O/S is gone or not whole
   BootLoaderPerhaps,  // it was sent into its boot loader, and has not answered since
@@ -58,5 +59,8 @@ struct DownloadOutcome {
   ControllerLeft left = ControllerLeft::Untouched;
   LinkError link = {};  // of the exchange that failed; code None for other causes
 };
+
+// Reason, and behind it what the controller is left as; empty when it is done and proven.
+[[nodiscard]] std::string OutcomeText(const DownloadOutcome& outcome);
 
 }  // namespace kv

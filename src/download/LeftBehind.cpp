@@ -9,20 +9,26 @@ std::string_view LeftBehindText(ControllerLeft left) {
     case ControllerLeft::Untouched:
       return "Nothing was changed in the controller.";
     case ControllerLeft::Stopped:
-      return "The controller's program is stopped, and its project is the one it had. Start it with \"kvtele run\", or "
-             "download again.";
+      return "The controller's program was told to stop, and its project is the one that it had. Start it with "
+             "\"kvtele "
+             "run\", or download again.";
     case ControllerLeft::ProjectBegun:
-      return "A project download is under way in the controller and its program is stopped. Download a project again, "
-             "or restore a clone.";
+      return "The controller's program is stopped for a download that has not come to its end, and its old project is "
+             "still there. Download again; or switch it off and on, or start it with \"kvtele run\", to go back to the "
+             "old project.";
     case ControllerLeft::ProjectErased:
-      return "The controller's old project is erased, and the new one is not whole. Download a project again, or "
-             "restore a clone.";
+      return "The controller's old project is erased, and the new one is not whole; switched off and on, it would run "
+             "on that. Download a project again, or restore a clone.";
     case ControllerLeft::Programming:
-      return "The controller may still be programming its flash. Do not switch it off; wait a few minutes, then "
-             "identify it, and download again.";
+      return "The controller may still be programming its flash: if it loses its power now, it has no project any "
+             "more. "
+             "Wait a minute, then download again.";
     case ControllerLeft::ProjectWaits:
-      return "The new project is in the controller and takes effect when it restarts. Restart the controller, or "
-             "download again.";
+      return "All of the new project is in the controller, and it runs once the controller has restarted. Switch the "
+             "controller off and on, or download again.";
+    case ControllerLeft::ProjectPerhaps:
+      return "All of the new project was sent and the controller was told to restart; what it runs now is not known. "
+             "Identify it, and download again if it does not name the new project.";
     case ControllerLeft::BootLoader:
       return "The controller's boot loader runs, and its old O/S is still there. Download an O/S again, or switch the "
              "controller off and on to go back to the old one.";
@@ -42,6 +48,11 @@ std::string_view LeftBehindText(ControllerLeft left) {
       return "The new project is in the controller.";
   }
   std::unreachable();
+}
+
+std::string OutcomeText(const DownloadOutcome& outcome) {
+  if (outcome.end == DownloadEnd::Done || outcome.end == DownloadEnd::WouldGoOn) return outcome.reason;
+  return outcome.reason + (outcome.reason.empty() ? "" : "\n") + std::string(LeftBehindText(outcome.left));
 }
 
 }  // namespace kv

@@ -60,6 +60,8 @@ class ProjectDownload {
   [[nodiscard]] const std::optional<DownloadReview>& Review() const { return mReview; }
 
  private:
+  class Run;
+
   DownloadWindow& mWindow;
   Prompts& mPrompts;
   Pacer& mPacer;

@@ -1,0 +1,253 @@
+#include "download/AurexProjectSender.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <optional>
+
+#include "base/Texts.h"
+#include "download/FileFields.h"
+#include "link/BlockOperations.h"
+#include "link/OsVersion.h"
+#include "models/ModelCatalogue.h"
+
+namespace kv {
+namespace {
+
+using namespace BlockOperation;
+
+constexpr std::uint32_t kStatusLength = 106;
+constexpr std::size_t kShortestStatus = 10;
+constexpr std::size_t kActivity = 2;  // places in a status
+constexpr std::size_t kTopicCount = 8;
+constexpr std::size_t kIsWhole = 9;
+constexpr std::uint8_t kIdle = 'I';
+
+constexpr int kStatusSteps = 120;
+constexpr Duration kBetweenPolls = std::chrono::milliseconds(100);
+
+// One number that grows with version and build: 460 and 19 are 46019.
+constexpr int kBuilds = 100;
+
+std::optional<std::int64_t> InstalledOs(const VersionInfo& version) {
+  const auto number = ParsePlainOsVersion(OsVersionText(version));
+  const std::string text = OsBuildText(version);
+  int build = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), build);
+  if (!number || error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return std::int64_t{*number} * kBuilds + build;
+}
+
+}  // namespace
+
+// --- Before the download ---
+
+AurexProjectSender::Step AurexProjectSender::CheckFits(const FoundController& controller) {
+  const std::string model = ShownText(controller.version.model);
+  if (IsColourModel(controller.version.model)) {
+    return mWork.Refuse("The controller is a " + model +
+                        ". Projects of controllers with a colour screen are not downloaded with this tool.");
+  }
+  if (model != mProject.model) {
+    const std::string text = OtherModelText(mProject.model, model);
+    mWork.Tell(text, PromptIcon::Exclamation, "Warning");
+    const std::string advice = StateAdvice(controller);
+    return mWork.Refuse("The project is made for a " + mProject.model + ", and the controller is a " + model + "." +
+                        (advice.empty() ? "" : "\n" + advice));
+  }
+  if (mWork.link.GetDownloadEngine() == nullptr) {
+    if (mWork.link.LastError().code != LinkErrorCode::NotSupported) return mWork.FailOf(mWork.link.LastError());
+    return mWork.Refuse("The controller understands text commands only, and this project goes in block messages.");
+  }
+  return CheckOs(controller);
+}
+
+AurexProjectSender::Step AurexProjectSender::CheckOs(const FoundController& controller) {
+  const auto installed = InstalledOs(controller.version);
+  if (!installed) {
+    return mWork.Refuse("The controller's O/S version \"" + ShownText(controller.version.osVersion) + "\", build \"" +
+                        ShownText(controller.version.osBuild) +
+                        "\", cannot be read, so whether the project runs with it is not known.");
+  }
+  const std::int64_t required = std::int64_t{mProject.osVersion} * kBuilds + mProject.osBuild;
+  if (required > *installed) {
+    mWork.Tell(
+        "This project cannot be downloaded because the O/S currently installed in the PLC is an outdated version.",
+        PromptIcon::Information, "Download error");
+    return mWork.Refuse("The project needs O/S " + std::to_string(required) +
+                        " (version and build without points), "
+                        "and the controller has " +
+                        std::to_string(*installed) + ". Download a newer O/S first.");
+  }
+  if (required < *installed) {
+    mWork.Tell("Note that the O/S currently installed in the PLC is higher than the O/S in project being downloaded",
+               PromptIcon::Information, "Note");
+  }
+  return {};
+}
+
+ProjectSender::Traffic AurexProjectSender::Amount() const {
+  constexpr std::uint64_t kAroundMessage = 32;  // head and check, of each request and each reply
+  constexpr std::uint64_t kOthers = 10;         // stop, password, status and the like
+  constexpr std::uint64_t kBytesOfOther = 100;
+  const std::uint64_t topics = mProject.topics.size();
+  return {.content = mProject.dataBytes,
+          .bytes = mProject.dataBytes + 2 * kAroundMessage * topics + kOthers * kBytesOfOther,
+          .exchanges = topics + kOthers};
+}
+
+// --- The download ---
+
+AurexProjectSender::Step AurexProjectSender::Send() {
+  using Stage = Step (AurexProjectSender::*)();
+  constexpr Stage kStages[] = {&AurexProjectSender::StopProgram, &AurexProjectSender::BeginProject,
+                               &AurexProjectSender::SendTopics, &AurexProjectSender::Program,
+                               &AurexProjectSender::Reset};
+  for (const Stage stage : kStages) {
+    if (Step done = (this->*stage)(); !done) return done;
+  }
+  mWork.window.ResetProgress(1);
+  mWork.window.SetStatus("");
+  mWork.Tell("Download was successful.", PromptIcon::Information);
+  return {};
+}
+
+AurexProjectSender::Step AurexProjectSender::StopProgram() {
+  Step done = mWork.Do(ControllerLeft::Stopped, [this]() -> Step {
+    if (mWork.link.StopController(mWork.link.UnitID())) return {};
+    return mWork.FailOf(mWork.link.LastError());
+  });
+  if (!done) return done;
+  mWork.Tell("The controller is about to enter Stop mode.", PromptIcon::Exclamation);
+  if (done = mWork.StopPoint(); !done) return done;
+  if (auto announced = mWork.Send("PV000A"); !announced) return std::unexpected(announced.error());
+  return mWork.StopPoint();
+}
+
+AurexProjectSender::Step AurexProjectSender::BeginProject() {
+  mWork.window.SetStatus("Send project password ...");
+  Step done =
+      mWork.Do(ControllerLeft::ProjectBegun, [this] { return SendRepeatable(kBeginDownload, mProject.passwordBlock); });
+  if (done) done = WaitForIdle(false);
+  if (done) done = SendRepeatable(kConfirmPassword, mProject.passwordBlock);
+  return done ? mWork.StopPoint() : done;
+}
+
+AurexProjectSender::Step AurexProjectSender::SendTopics() {
+  mWork.window.SetStatus("Send project topics ...");
+  mWork.window.ResetProgress(std::max<std::int64_t>(1, static_cast<std::int64_t>(mProject.topics.size())));
+  std::uint64_t bytes = 0;
+  for (const AurexProjectTopic& topic : mProject.topics) {
+    if (Step done = SendTopic(topic); !done) return done;
+    ++mSent;
+    bytes += topic.data.size();
+    mWork.window.StepProgress();
+    mWork.window.AmountSent(bytes, mProject.dataBytes);
+    mWork.pacer.DoEvents();
+    if (Step done = mWork.StopPoint(); !done) return done;
+  }
+  return {};
+}
+
+// A topic that arrives twice would be kept twice. When a stop has ended the exchange and the user then wants to go on,
+// the controller tells whether it has the topic: it counts them.
+AurexProjectSender::Step AurexProjectSender::SendTopic(const AurexProjectTopic& topic) {
+  const auto expected = static_cast<std::uint8_t>(mSent + 1);
+  while (true) {
+    const BlockFields fields{.opCode = kDownloadData,
+                             .param1 = topic.param1,
+                             .dataLength = static_cast<std::uint32_t>(topic.data.size()),
+                             .param3 = topic.param3,
+                             .param4 = topic.param4};
+    const auto sent = mWork.SendBlock(fields, topic.data);
+    if (sent) return {};
+    if (!mWork.GoesOnAfter(sent.error())) return std::unexpected(sent.error());
+    const auto status = AskStatus();
+    if (!status) return std::unexpected(status.error());
+    const std::uint8_t count = (*status)[kTopicCount];
+    if (count == expected) return {};
+    if (count != static_cast<std::uint8_t>(expected - 1)) {
+      return mWork.Fail(DownloadCause::Reply, "The controller has not kept what it was sent before.");
+    }
+  }
+}
+
+AurexProjectSender::Step AurexProjectSender::Program() {
+  mWork.window.SetStatus("Programing flash and memory ...");
+  Step done = mWork.Do(ControllerLeft::Programming, [this]() -> Step {
+    const auto sent = mWork.SendBlock({.opCode = kProgram});
+    if (!sent) return std::unexpected(sent.error());
+    return {};
+  });
+  if (done) done = WaitForIdle(true);
+  if (done) mWork.left = ControllerLeft::ProjectWaits;
+  return done;
+}
+
+AurexProjectSender::Step AurexProjectSender::Reset() {
+  mWork.Tell("The controller is about to Reset.", PromptIcon::Exclamation);
+  return mWork.Do(ControllerLeft::ProjectPerhaps, [this]() -> Step {
+    if (mWork.link.ResetController(mWork.link.UnitID())) return {};
+    return mWork.FailOf(mWork.link.LastError());
+  });
+}
+
+// --- The status wait ---
+
+// Without a limit: only the controller knows how long its flash takes. The user can stop it.
+AurexProjectSender::Step AurexProjectSender::WaitForIdle(bool isWhole) {
+  mWork.window.ResetProgress(kStatusSteps);
+  for (int step = 0;;) {
+    const auto status = AskStatus();
+    if (!status) return std::unexpected(status.error());
+    const bool isIdle = (*status)[kActivity] == kIdle;
+    if (isIdle && (!isWhole || (*status)[kIsWhole] != 0)) return {};
+    if (isIdle) {
+      if (Step loads = CheckStillLoads(); !loads) return loads;
+    }
+    mWork.pacer.DoEvents();
+    mWork.pacer.Sleep(kBetweenPolls);
+    mWork.window.StepProgress();
+    if (++step == kStatusSteps) {
+      mWork.window.ResetProgress(kStatusSteps);
+      step = 0;
+    }
+    if (Step stopped = mWork.StopPoint(); !stopped) return stopped;
+  }
+}
+
+// Idle, and nothing whole in it: it never will be when the controller has restarted meanwhile and dropped it all.
+AurexProjectSender::Step AurexProjectSender::CheckStillLoads() {
+  const auto info = mWork.link.GetControllerInfo(mWork.link.UnitID());
+  if (!info) return mWork.FailOf(mWork.link.LastError());
+  if (info->state == 'L') return {};
+  const std::string project = ShownText(info->projectName);
+  return mWork.Fail(
+      DownloadCause::Reply,
+      "The controller has left the download and dropped what it had received; " +
+          (project.empty() ? std::string("it has no project now.") : "its project is now \"" + project + "\".") +
+          "\nLikely cause: it lost its power, or somebody else has reset it.\nWhat to do: download "
+          "again.");
+}
+
+std::expected<Bytes, DownloadOutcome> AurexProjectSender::AskStatus() {
+  while (true) {
+    auto status = mWork.SendBlock({.opCode = kStatus, .dataLength = kStatusLength});
+    if (status && status->size() < kShortestStatus) {
+      return mWork.Fail(DownloadCause::Reply, "The controller's status has " + Counted(status->size(), "byte") +
+                                                  " instead of " + std::to_string(kStatusLength) + ".");
+    }
+    if (status || !mWork.GoesOnAfter(status.error())) return status;
+  }
+}
+
+AurexProjectSender::Step AurexProjectSender::SendRepeatable(std::uint16_t operation,
+                                                            std::span<const std::uint8_t> data) {
+  while (true) {
+    const auto sent = mWork.SendBlock({.opCode = operation}, data);
+    if (sent) return {};
+    if (!mWork.GoesOnAfter(sent.error())) return std::unexpected(sent.error());
+  }
+}
+
+}  // namespace kv

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "download/AurexProjectFile.h"
+#include "download/ProjectSender.h"
+
+namespace kv {
+
+// Sends a project to an Aurex controller as block messages: password block (66), the same again (2), topics (65),
+// programming (69), reset.
+class AurexProjectSender final : public ProjectSender {
+ public:
+  AurexProjectSender(DownloadWork& work, const AurexProjectFile& project) : mWork(work), mProject(project) {}
+
+  void Begin() override {}
+  [[nodiscard]] Step CheckFits(const FoundController& controller) override;
+  [[nodiscard]] Step Send() override;
+  [[nodiscard]] Traffic Amount() const override;
+
+ private:
+  [[nodiscard]] Step CheckOs(const FoundController& controller);
+  [[nodiscard]] Step StopProgram();
+  [[nodiscard]] Step BeginProject();
+  [[nodiscard]] Step SendTopics();
+  [[nodiscard]] Step SendTopic(const AurexProjectTopic& topic);
+  [[nodiscard]] Step Program();
+  [[nodiscard]] Step Reset();
+
+  // Until the controller is idle; with `isWhole` also until it says that what it received is complete and valid.
+  [[nodiscard]] Step WaitForIdle(bool isWhole);
+  [[nodiscard]] Step CheckStillLoads();
+  [[nodiscard]] std::expected<Bytes, DownloadOutcome> AskStatus();
+  // A block message that may be sent again on the same connection when a stop has ended it.
+  [[nodiscard]] Step SendRepeatable(std::uint16_t operation, std::span<const std::uint8_t> data);
+
+  DownloadWork& mWork;
+  const AurexProjectFile& mProject;
+  std::size_t mSent = 0;  // topics
+};
+
+}  // namespace kv

@@ -1,0 +1,85 @@
+#include "download/DownloadPreview.h"
+
+#include <array>
+#include <chrono>
+
+#include "base/AnsiText.h"
+#include "base/Texts.h"
+#include "desktop/RemainingTime.h"
+#include "download/FileFields.h"
+
+namespace kv {
+namespace {
+
+using Text = std::optional<std::string>;
+
+struct Fact {
+  const char* label;
+  Text DownloadSide::* text;
+};
+
+constexpr std::array kFacts = {
+    Fact{"Model", &DownloadSide::model},
+    Fact{"O/S", &DownloadSide::os},
+    Fact{"System fonts", &DownloadSide::fonts},
+    Fact{"Project", &DownloadSide::project},
+};
+
+std::string Shown(const Text& text) {
+  if (!text) return "-";
+  return text->empty() ? "(none)" : *text;
+}
+
+// A controller keeps no more of a project's name, and blanks at its end are not seen.
+std::string KeptName(const std::string& name) {
+  constexpr std::size_t kLongestName = 20;
+  return AnsiToUtf8(TrimBlanks(Utf8ToAnsi(name).substr(0, kLongestName)));
+}
+
+}  // namespace
+
+DownloadSide SideOf(const FoundController& controller) {
+  return {.model = ShownText(controller.version.model),
+          .os = controller.OsText(),
+          .fonts = {},
+          .project = controller.ProjectText()};
+}
+
+Duration TimeOnLink(const Channel& link, std::uint64_t bytes, std::uint64_t exchanges) {
+  constexpr std::uint64_t kBitsOfByte = 10;  // with start and stop bit
+  const auto rate = static_cast<std::uint64_t>(std::max(link.GetComParams().baudRate, 0));
+  const Duration turns = link.Quality().roundTrip * static_cast<std::int64_t>(exchanges);
+  if (rate == 0) return turns;
+  const std::uint64_t microseconds = bytes * kBitsOfByte * std::micro::den / rate;
+  return turns + Duration(static_cast<Duration::rep>(microseconds));
+}
+
+std::vector<SideRow> RowsOf(const DownloadSide& first, const DownloadSide& second) {
+  std::vector<SideRow> rows;
+  for (const Fact& fact : kFacts) {
+    if (!(first.*fact.text) && !(second.*fact.text)) continue;
+    rows.push_back({fact.label, Shown(first.*fact.text), Shown(second.*fact.text)});
+  }
+  return rows;
+}
+
+std::string AmountText(const DownloadPreview& preview) {
+  return Counted(preview.bytes, "byte") + ", about " +
+         SpanText(std::max(std::chrono::ceil<std::chrono::seconds>(preview.about), std::chrono::seconds(1))) +
+         " on this link, and the time that the controller takes to erase and to program";
+}
+
+std::vector<std::string> DifferencesFrom(const DownloadSide& file, const DownloadSide& after) {
+  std::vector<std::string> differences;
+  for (const Fact& fact : kFacts) {
+    const Text& expected = file.*fact.text;
+    const Text& found = after.*fact.text;
+    if (!expected || !found || *expected == *found) continue;
+    if (fact.text == &DownloadSide::project && KeptName(*expected) == KeptName(*found)) continue;
+    differences.push_back(std::string(fact.label) + ": the controller says \"" + *found + "\", and the file \"" +
+                          *expected + "\".");
+  }
+  return differences;
+}
+
+}  // namespace kv

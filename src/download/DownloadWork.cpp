@@ -1,0 +1,119 @@
+#include "download/DownloadWork.h"
+
+#include <utility>
+
+#include "base/Numbers.h"
+#include "clone/CloneOutcome.h"
+#include "desktop/StopScope.h"
+#include "download/ProjectDownload.h"
+#include "link/ControllerErrorText.h"
+
+namespace kv {
+namespace {
+
+std::string TitleOr(std::string_view title) {
+  return std::string(title.empty() ? kDownloaderCaption : title);
+}
+
+// What a status code other than "done" says; nothing for those.
+std::optional<LinkError> RefusalOf(int status) {
+  if (status == kBlockDone || status == kBlockDoneProgramming || status == kBlockTakesEffectWithReset) return {};
+  LinkError error;
+  if (status != kBlockBusy && status <= kBlockRefused) {
+    error.code = LinkErrorCode::Damaged;
+    error.happened = "the controller answered with status " + std::to_string(status) + ", which means nothing here";
+    error.cure = "keep the trace for an error report";
+    return error;
+  }
+  const int code = status == kBlockBusy ? kBusyCode : status - kBlockRefused;
+  const ControllerErrorMeaning meaning = ControllerErrorText(code);
+  error.code = status == kBlockBusy ? LinkErrorCode::Busy : LinkErrorCode::Refused;
+  error.controllerCode = code;
+  error.happened = "the controller refused: " + std::string(meaning.meaning) + " (code " +
+                   ToHex(static_cast<std::uint32_t>(code), 2) + ")";
+  error.cure = meaning.cure;
+  return error;
+}
+
+}  // namespace
+
+void DownloadWork::Tell(std::string_view text, PromptIcon icon, std::string_view title) {
+  prompts.Show({.text = std::string(text), .title = TitleOr(title), .icon = icon});
+}
+
+bool DownloadWork::Asks(DownloadQuestion question, const std::string& text, PromptIcon icon, std::string_view title) {
+  Prompts& asked = order.promptsOf ? order.promptsOf(question) : prompts;
+  return asked.Show(
+             {.text = text, .title = TitleOr(title), .icon = icon, .buttons = PromptButtons::YesNo, .canLose = true}) ==
+         PromptAnswer::Yes;
+}
+
+std::unexpected<DownloadOutcome> DownloadWork::Fail(DownloadCause cause, std::string reason) const {
+  return std::unexpected(
+      DownloadOutcome{.end = DownloadEnd::Failed, .cause = cause, .reason = std::move(reason), .left = left});
+}
+
+std::unexpected<DownloadOutcome> DownloadWork::Refuse(std::string reason) const {
+  return std::unexpected(DownloadOutcome{
+      .end = DownloadEnd::Refused, .cause = DownloadCause::NotFit, .reason = std::move(reason), .left = left});
+}
+
+std::unexpected<DownloadOutcome> DownloadWork::FailOf(const LinkError& error, DownloadCause cause) const {
+  auto failed = Fail(cause, error.Text());
+  failed.error().link = error;
+  if (error.code == LinkErrorCode::Stopped) {
+    failed.error().end = DownloadEnd::Stopped;
+    failed.error().cause = DownloadCause::User;
+  }
+  return failed;
+}
+
+std::unexpected<DownloadOutcome> DownloadWork::Stop() const {
+  auto stopped = Fail(DownloadCause::User, "Stopped by the user.");
+  stopped.error().end = DownloadEnd::Stopped;
+  return stopped;
+}
+
+DownloadWork::Step DownloadWork::StopPoint() {
+  if (!pacer.StopRequested() || !IsStopMeant()) return {};
+  return Stop();
+}
+
+bool DownloadWork::GoesOnAfter(const DownloadOutcome& outcome) {
+  return outcome.link.code == LinkErrorCode::Stopped && !IsStopMeant();
+}
+
+// Who asks for a stop once more while the question is open means it.
+bool DownloadWork::IsStopMeant() {
+  if (left == ControllerLeft::Untouched || !order.asksBeforeStop) return true;
+  const StopScope asking(pacer);
+  const std::string question = "Stop the download now? It is left half done.\r\n\r\n" +
+                               std::string(LeftBehindText(left)) + "\r\n\r\nStop it all the same?";
+  return Asks(DownloadQuestion::Stop, question, PromptIcon::Exclamation) || pacer.StopRequested();
+}
+
+std::expected<CommandReply, DownloadOutcome> DownloadWork::Send(std::string_view command) {
+  auto reply = link.SendCommand(command);
+  if (!reply) return FailOf(link.LastError());
+  if (!reply->IsError()) return *std::move(reply);
+  auto refusal = RefusalIn(reply->text);
+  if (!refusal) return Fail(DownloadCause::Reply, "The controller's reply is an error.");
+  constexpr std::size_t kShown = 20;
+  refusal->doing = "sending " + std::string(command.substr(0, kShown));
+  if (refusal->controllerCode == kBusyCode) refusal->code = LinkErrorCode::Busy;
+  return FailOf(*refusal, DownloadCause::Reply);
+}
+
+std::expected<Bytes, DownloadOutcome> DownloadWork::SendBlock(const BlockFields& fields,
+                                                              std::span<const std::uint8_t> data) {
+  DownloadEngine* engine = link.GetDownloadEngine();
+  if (engine == nullptr) return FailOf(link.LastError());
+  engine->SetMessage(fields);
+  if (!(data.data() == nullptr ? engine->Send() : engine->SendWithData(data))) return FailOf(link.LastError());
+  auto refusal = RefusalOf(engine->ReplyStatus());
+  if (!refusal) return engine->ReplyBytes();
+  refusal->doing = "block operation " + std::to_string(fields.opCode);
+  return FailOf(*refusal, DownloadCause::Reply);
+}
+
+}  // namespace kv

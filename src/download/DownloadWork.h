@@ -1,0 +1,75 @@
+#pragma once
+
+#include <expected>
+#include <string>
+#include <string_view>
+
+#include "desktop/Pacer.h"
+#include "desktop/Prompts.h"
+#include "download/DownloadOrder.h"
+#include "download/DownloadOutcome.h"
+#include "download/DownloadWindow.h"
+#include "link/Channel.h"
+
+namespace kv {
+
+// What the steps of a project download have in common: where they work, how they fail, stops, and what the controller
+// is left as at each moment.
+class DownloadWork {
+ public:
+  using Step = std::expected<void, DownloadOutcome>;
+
+  DownloadWork(Channel& itsLink, DownloadWindow& itsWindow, Prompts& itsPrompts, Pacer& itsPacer,
+               const DownloadOrder& itsOrder)
+      : link(itsLink), window(itsWindow), prompts(itsPrompts), pacer(itsPacer), order(itsOrder) {}
+
+  Channel& link;
+  DownloadWindow& window;
+  Prompts& prompts;
+  Pacer& pacer;
+  const DownloadOrder& order;
+  ControllerLeft left = ControllerLeft::Untouched;
+
+  void Tell(std::string_view text, PromptIcon icon, std::string_view title = {});
+  // Whether a question of its own consent is answered with Yes.
+  [[nodiscard]] bool Asks(DownloadQuestion question, const std::string& text, PromptIcon icon,
+                          std::string_view title = {});
+
+  [[nodiscard]] std::unexpected<DownloadOutcome> Fail(DownloadCause cause, std::string reason) const;
+  [[nodiscard]] std::unexpected<DownloadOutcome> Refuse(std::string reason) const;
+  [[nodiscard]] std::unexpected<DownloadOutcome> FailOf(const LinkError& error,
+                                                        DownloadCause cause = DownloadCause::Link) const;
+  [[nodiscard]] std::unexpected<DownloadOutcome> Stop() const;
+
+  // Between two exchanges: whether the user has asked for a stop, and means it. What would be left half done is asked
+  // about, and with No the download goes on.
+  [[nodiscard]] Step StopPoint();
+
+  // Does `exchange`, which leaves the controller as `then`; it stays what it was when it is certain that nothing was
+  // executed.
+  template <typename Exchange>
+  [[nodiscard]] Step Do(ControllerLeft then, const Exchange& exchange) {
+    const ControllerLeft before = left;
+    left = then;
+    Step done = exchange();
+    if (done) return done;
+    const LinkError& error = done.error().link;
+    const bool isRefused = error.code == LinkErrorCode::Refused || error.code == LinkErrorCode::Busy;
+    if (error.isNotExecuted || isRefused) done.error().left = left = before;
+    return done;
+  }
+
+  // Sends a text command. A reply with ERROR is a failure.
+  [[nodiscard]] std::expected<CommandReply, DownloadOutcome> Send(std::string_view command);
+  // Sends a block message, with data unless it is null. A status other than done is a failure.
+  [[nodiscard]] std::expected<Bytes, DownloadOutcome> SendBlock(const BlockFields& fields,
+                                                                std::span<const std::uint8_t> data = {});
+
+  // A stop ended the exchange that this outcome is of: whether the user, asked about what is left, wants to go on.
+  [[nodiscard]] bool GoesOnAfter(const DownloadOutcome& outcome);
+
+ private:
+  [[nodiscard]] bool IsStopMeant();
+};
+
+}  // namespace kv

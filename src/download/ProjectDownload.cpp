@@ -1,0 +1,250 @@
+#include "download/ProjectDownload.h"
+
+#include <memory>
+#include <utility>
+
+#include "base/PathText.h"
+#include "base/ScopeGuard.h"
+#include "clone/ProgramState.h"
+#include "clone/RestoreCheck.h"
+#include "download/AurexProjectSender.h"
+#include "download/CompactProjectSender.h"
+#include "download/DownloadWork.h"
+
+namespace kv {
+namespace {
+
+using Step = DownloadWork::Step;
+
+constexpr const char* kLineEnd = "\r\n";
+
+std::string FileNameOf(const ProjectFile& file) {
+  return Utf8FromPath(file.path.filename());
+}
+
+// What the controller says, beside what has gone wrong: of a link that is gone nothing more can be known.
+void AskWhatIsLeft(Channel& link, DownloadOutcome& outcome) {
+  const bool isGone = outcome.link.code != LinkErrorCode::None && outcome.link.code != LinkErrorCode::Refused &&
+                      outcome.link.code != LinkErrorCode::Busy;
+  if (outcome.left == ControllerLeft::Untouched || isGone) return;
+  const auto info = link.GetControllerInfo(link.UnitID());
+  if (!info) return;
+  outcome.reason += std::string("\nAsked afterwards, the controller says that its state is ") + info->state +
+                    " and its project \"" + FoundController{{}, *info}.ProjectText() + "\".";
+}
+
+}  // namespace
+
+// One download, from the first question to the controller to the last.
+class ProjectDownload::Run {
+ public:
+  Run(DownloadWork& work, const ProjectFile& file) : mWork(work), mFile(file) {
+    if (const auto* compact = std::get_if<CompactProjectFile>(&file.project)) {
+      mSender = std::make_unique<CompactProjectSender>(work, *compact);
+    } else {
+      mSender = std::make_unique<AurexProjectSender>(work, std::get<AurexProjectFile>(file.project));
+    }
+  }
+
+  [[nodiscard]] Step All() {
+    using Stage = Step (Run::*)();
+    constexpr Stage kStages[] = {&Run::Meet,           &Run::Preview,   &Run::AskToEndLoad, &Run::AskToBegin,
+                                 &Run::CheckFile,      &Run::EndDryRun, &Run::Backup,       &Run::CheckFile,
+                                 &Run::CheckStillSame, &Run::Send,      &Run::Compare};
+    for (const Stage stage : kStages) {
+      Step done = (this->*stage)();
+      if (done && mWork.left == ControllerLeft::Untouched) done = mWork.StopPoint();
+      if (!done) return done;
+    }
+    return {};
+  }
+
+  [[nodiscard]] const std::optional<DownloadReview>& Review() const { return mReview; }
+
+ private:
+  Step Meet() {
+    mSender->Begin();
+    auto found = FindController(mWork.link);
+    if (!found) return mWork.FailOf(found.error());
+    mController = *std::move(found);
+    mControllerText = ControllerText(mController.version, mController.info, mWork.order.link);
+    return mSender->CheckFits(mController);
+  }
+
+  Step Preview() {
+    const ProjectSender::Traffic traffic = mSender->Amount();
+    mPreview = {.controller = mControllerText,
+                .now = SideOf(mController),
+                .then = {.model = mFile.Model(), .os = {}, .fonts = {}, .project = mFile.Name()},
+                .bytes = traffic.content,
+                .about = TimeOnLink(mWork.link, traffic.bytes, traffic.exchanges)};
+    const std::string old = mController.ProjectText();
+    if (!old.empty()) {
+      mPreview.losses.push_back("The project \"" + old + "\" in the controller is replaced by \"" + mFile.Name() +
+                                "\".");
+    }
+    mPreview.losses.emplace_back(
+        "The controller's program stops; at the end the controller resets and runs the new one.");
+    if (const std::string advice = StateAdvice(mController); !advice.empty()) mPreview.warnings.push_back(advice);
+    if (mWork.order.onPreview) mWork.order.onPreview(mPreview);
+    return {};
+  }
+
+  // A question of its own: who wants the file downloaded need not know that somebody else is at it.
+  Step AskToEndLoad() {
+    if (mController.info.state != 'L') return {};
+    const std::string question =
+        "The controller (" + mControllerText +
+        ") is loading: a restore or download was cut, or somebody else's is under way. The download would begin anew; "
+        "what somebody else is loading would be lost, and his tool may take what comes out for its own. End that load?";
+    if (mWork.Asks(DownloadQuestion::EndLoad, question, PromptIcon::Exclamation)) return {};
+    return Decline("A load is under way in the controller, or was cut, and was not to be ended.");
+  }
+
+  Step AskToBegin() {
+    std::string text = "The project in the controller is about to be replaced." + std::string(kLineEnd) + kLineEnd +
+                       "Controller: " + mControllerText + kLineEnd + "File: " + Utf8FromPath(mFile.path) + kLineEnd +
+                       kLineEnd;
+    for (const std::string& loss : mPreview.losses) text += loss + kLineEnd;
+    text += mWork.order.backup == nullptr
+                ? "What it holds now is lost, unless there is a clone of it."
+                : "What it holds now is kept in " + Utf8FromPath(mWork.order.backup->File()) + " first.";
+    if (mWork.Asks(DownloadQuestion::Begin, text + kLineEnd + kLineEnd + "Download it?", PromptIcon::Exclamation)) {
+      return {};
+    }
+    return Decline("The download was not confirmed.");
+  }
+
+  Step Decline(std::string reason) const {
+    if (mWork.pacer.StopRequested()) return mWork.Stop();
+    return std::unexpected(DownloadOutcome{
+        .end = DownloadEnd::Declined, .cause = DownloadCause::User, .reason = std::move(reason), .left = mWork.left});
+  }
+
+  // The file may have been written anew since it was shown, while questions were open and while the backup was taken.
+  Step CheckFile() {
+    const auto again = ReadProject(mFile.path, mFile.IsCompact());
+    if (!again) return mWork.Fail(DownloadCause::File, again.error().Text() + "\nNothing was sent of it.");
+    if (again->Stamp() == mFile.Stamp()) return {};
+    return mWork.Fail(DownloadCause::File, Utf8FromPath(mFile.path) +
+                                               " has been changed since it was chosen. Nothing was sent of it.\nWhat "
+                                               "to do: choose it again, and look at what is shown.");
+  }
+
+  Step EndDryRun() {
+    if (!mWork.order.isDryRun) return {};
+    return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
+  }
+
+  Step Backup() {
+    BackupBefore* backup = mWork.order.backup;
+    if (backup == nullptr) return {};
+    return backup->Take(mWork.link, mController, mControllerText, FileNameOf(mFile));
+  }
+
+  // Questions can be open for long.
+  Step CheckStillSame() {
+    const auto now = FindController(mWork.link);
+    if (!now) return mWork.FailOf(now.error());
+    const bool isSame = now->version == mController.version && now->info.serialNumber == mController.info.serialNumber;
+    if (!isSame)
+      return mWork.Fail(DownloadCause::Link, "Another controller answers now than before. Nothing was sent.");
+    if (now->info.state != 'L' || mController.info.state == 'L') return {};
+    return mWork.Fail(DownloadCause::Link,
+                      "Somebody else has begun to load into the controller since you were asked. Nothing was "
+                      "sent.\nWhat to do: wait until that is over, or find out who it is, and begin again.");
+  }
+
+  Step Send() { return mSender->Send(); }
+
+  // What the controller says of itself now. The box of success has been shown; a difference has one of its own.
+  Step Compare() {
+    const bool isReset = mWork.left == ControllerLeft::ProjectPerhaps;
+    const auto after =
+        isReset ? FindAfterReset(mWork.link, mWork.pacer, mController.info.serialNumber) : FindController(mWork.link);
+    if (!after) return NotIdentified(after.error());
+    mReview = DownloadReview{SideOf(mController), SideOf(*after)};
+    std::vector<std::string> differences = DifferencesFrom(
+        {.model = mReview->before.model, .os = mReview->before.os, .fonts = {}, .project = mFile.Name()},
+        mReview->after);
+    if (!IsRunningState(after->info.state)) {
+      differences.push_back(std::string("Its program does not run: its state is ") + after->info.state + ".");
+    }
+    if (!differences.empty()) return Differs(differences);
+    mWork.left = ControllerLeft::NewProject;
+    return {};
+  }
+
+  Step Differs(const std::vector<std::string>& differences) {
+    std::string text = "All was sent, but what the controller says now is not what the file holds.";
+    for (const std::string& difference : differences) text += "\n" + difference;
+    return Unproven(text);
+  }
+
+  Step NotIdentified(const LinkError& error) {
+    Step failed = Unproven("All was sent, but the controller was not identified after it.\n" + error.Text());
+    failed.error().link = error;
+    return failed;
+  }
+
+  Step Unproven(const std::string& text) {
+    mWork.Tell(text + "\n" + std::string(LeftBehindText(mWork.left)), PromptIcon::Exclamation);
+    return mWork.Fail(DownloadCause::Unproven, text);
+  }
+
+  DownloadWork& mWork;
+  const ProjectFile& mFile;
+  std::unique_ptr<ProjectSender> mSender;
+  FoundController mController;
+  std::string mControllerText;
+  DownloadPreview mPreview;
+  std::optional<DownloadReview> mReview;
+};
+
+void ProjectDownload::Download(Channel& link, const ProjectFile& file, const DownloadOrder& order) {
+  const ScopeGuard ended([this] {
+    mWindow.ResetProgress(1);
+    mWindow.SetStatus("");
+  });
+  DownloadWork work(link, mWindow, mPrompts, mPacer, order);
+  Run run(work, file);
+  const Step done = run.All();
+  mReview = run.Review();
+  mOutcome = done ? DownloadOutcome{.left = work.left} : done.error();
+  if (!done && mOutcome.cause != DownloadCause::Unproven) AskWhatIsLeft(link, mOutcome);
+}
+
+const std::string& ProjectFile::Name() const {
+  return std::visit([](const auto& each) -> const std::string& { return each.name; }, project);
+}
+
+const std::string& ProjectFile::Model() const {
+  return std::visit([](const auto& each) -> const std::string& { return each.model; }, project);
+}
+
+const FileStamp& ProjectFile::Stamp() const {
+  return std::visit([](const auto& each) -> const FileStamp& { return each.stamp; }, project);
+}
+
+std::expected<ProjectFile, DownloadFileError> ReadProject(const std::filesystem::path& file, bool isCompact) {
+  if (isCompact) {
+    auto project = ReadCompactProject(file);
+    if (!project) return std::unexpected(project.error());
+    return ProjectFile{file, *std::move(project)};
+  }
+  auto project = ReadAurexProject(file);
+  if (!project) return std::unexpected(project.error());
+  return ProjectFile{file, *std::move(project)};
+}
+
+std::string NotLegalText(bool isCompact) {
+  return std::string("This file cannot be downloaded. It is not a legal ") +
+         (isCompact ? "T50/BRIO Ladder file." : "Cadenza file.");
+}
+
+std::string OtherModelText(const std::string& intended, const std::string& found) {
+  return "The program you are downloading is intended for controller model " + intended +
+         ".\r\nThe model to which you are downloading the programm is " + found + ".";
+}
+
+}  // namespace kv
