@@ -4,6 +4,8 @@
 #include <utility>
 #include <variant>
 
+#include "simulator/LineSpeed.h"
+
 namespace sim {
 namespace {
 
@@ -35,7 +37,9 @@ void Line::Disconnect(kv::Instant now) {
 
 void Line::Write(std::string_view bytes, kv::Instant now) {
   if (!mConnected) return;
-  mToController.Send(std::string(bytes), now, mHandler->LinePace());
+  Run(now);  // what came before may change the speed
+  const int baud = mHandler->Baud();
+  mToController.Send(HeardAt(bytes, mClientBaud, baud), now, PaceAt(baud));
   Run(now);
 }
 
@@ -113,9 +117,8 @@ void Line::Answer(const FrameReader::Message& message, const FaultPlan& plan, kv
 }
 
 void Line::Send(std::string reply, std::string_view request, const FaultPlan& plan, kv::Instant now) {
-  const Pace pace = mHandler->LinePace();
   Faults& faults = mHandler->FaultRules();
-  if (plan.isEchoed) mToClient.Send(std::string(request), now, pace);
+  if (plan.isEchoed) SendToClient(request, now, {});
   if (plan.garbage) {
     const Pace noisePace{1'000'000, plan.garbage->bytesASecond};
     if (plan.garbage->bytes == 0) return mToClient.Jam(faults.RandomSeed(), now, noisePace);
@@ -126,10 +129,20 @@ void Line::Send(std::string reply, std::string_view request, const FaultPlan& pl
   if (plan.cutAfter) reply.resize(std::min(reply.size(), *plan.cutAfter));
   if (plan.loss) reply.resize(std::min(reply.size(), plan.loss->at));
   const kv::Instant start = now + plan.delay;
-  const Pace slowest = Slower(pace, Pace::WithGap(plan.gap));
-  if (plan.isDoubled) mToClient.Send(reply, start, slowest);
-  mToClient.Send(std::move(reply), start, slowest);
+  if (plan.isDoubled) SendToClient(reply, start, plan.gap);
+  SendToClient(reply, start, plan.gap);
   if (plan.loss) Cut(plan, std::max(start, mToClient.End()));
+}
+
+void Line::SendToClient(std::string_view bytes, kv::Instant from, kv::Duration gap) {
+  const Pace pace = Slower(PaceAt(mClientBaud), Pace::WithGap(gap));
+  mToClient.Send(HeardAt(bytes, mHandler->Baud(), mClientBaud), from, pace);
+}
+
+Pace Line::PaceAt(int baud) const {
+  const int usual = mHandler->UsualBaud();
+  if (usual == 0) return {};  // no speed is imitated
+  return Pace::AtBaud(mClientBaud == 0 ? usual : baud);
 }
 
 void Line::Cut(const FaultPlan& plan, kv::Instant at) {

@@ -119,8 +119,4 @@ void RequestHandler::BeginReset(kv::Instant now) {
   mResetUntil = now + mRestartTime;
 }
 
-void RequestHandler::SetBaud(int baud) {
-  if (mUsualBaud != 0) mBaud = baud;
-}
-
 }  // namespace sim

@@ -11,7 +11,6 @@
 #include "simulator/BlockMessage.h"
 #include "simulator/Controller.h"
 #include "simulator/Faults.h"
-#include "simulator/LineTiming.h"
 #include "simulator/Seal.h"
 
 namespace sim {
@@ -59,8 +58,10 @@ class RequestHandler {
   [[nodiscard]] bool AnswersAt(kv::Instant now) const { return now >= mResetUntil; }
   [[nodiscard]] bool TakesConnectionsAt(kv::Instant now) const { return now >= mAwayUntil; }
 
-  void SetBaud(int baud);
-  [[nodiscard]] Pace LinePace() const { return Pace::AtBaud(mBaud); }
+  // The line speed from now on, until the reset.
+  void SetBaud(int baud) { mBaud = baud; }
+  [[nodiscard]] int Baud() const { return mBaud; }            // 0: it hears every speed
+  [[nodiscard]] int UsualBaud() const { return mUsualBaud; }  // 0: it hears every speed, and bytes take no time
 
   [[nodiscard]] Faults& FaultRules() { return mFaults; }
   void UseFaults(Faults faults) { mFaults = std::move(faults); }
@@ -85,7 +86,7 @@ class RequestHandler {
   std::unique_ptr<Controller> mController;
   Faults mFaults;
   std::uint64_t mSeed;
-  int mUsualBaud;  // 0: no line speed is imitated
+  int mUsualBaud;
   int mBaud;
   kv::Duration mRestartTime;
   std::uint16_t mPowerUp;

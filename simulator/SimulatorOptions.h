@@ -20,7 +20,9 @@ struct SimulatorOptions {
   bool boot = false;                          // starts in its boot loader
   std::string password;                       // at most 8 characters; empty: none
   std::string stateFile;                      // UTF-8 path; empty: nothing is kept
-  int baud = 0;                               // speed of the imitated serial line, bits a second; 0: as fast as it goes
+  // Speed of the imitated serial line, bits a second: how long bytes take, and which speed it hears. 0: no time, and
+  // all speeds until it is told to use one.
+  int baud = 0;
   kv::Duration restartTime = std::chrono::milliseconds(200);  // silence after a reset
   std::vector<std::string> faults;                            // fault rules (simulator/Faults.h)
   std::uint64_t seed = 1;                                     // of the faults and of the moving values

@@ -84,7 +84,8 @@ void DescribeController(CLI::App& app, sim::SimulatorOptions& controller, Raw& r
   app.add_option("--memory-seed", controller.memorySeed,
                  "What its memory holds at first: two controllers of a model with different numbers differ")
       ->type_name("N");
-  app.add_option("--baud", controller.baud, "Imitate a serial line of this speed")
+  app.add_option("--baud", controller.baud,
+                 "Imitate a serial line of this speed; a terminal that is set to another one hears noise")
       ->type_name("BAUD")
       ->check(CheckBaud, "", "baud");
   app.add_option("--restart-time", raw.restartTime, "How long it is silent after a reset, 0 to 60000. Default: 200")

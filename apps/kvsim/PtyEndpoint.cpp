@@ -17,10 +17,12 @@ std::expected<std::unique_ptr<Endpoint>, std::string> ServeOnPty(const std::stri
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -30,6 +32,16 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kReadSize = 4096;  // what a terminal hands over at most
+
+struct Speed {
+  speed_t code;
+  int baud;
+};
+constexpr Speed kSpeeds[] = {
+    {B300, 300},       {B600, 600},       {B1200, 1200},     {B2400, 2400},     {B4800, 4800},
+    {B9600, 9600},     {B19200, 19200},   {B38400, 38400},   {B57600, 57600},   {B115200, 115200},
+    {B230400, 230400}, {B460800, 460800}, {B500000, 500000}, {B576000, 576000}, {B921600, 921600},
+};
 
 class Descriptor {
  public:
@@ -123,6 +135,14 @@ class Terminal {
     return ::tcsetattr(mFar.Get(), TCSANOW, &settings) == 0;
   }
 
+  // The speed that the far end is set to, whoever has it open; 0 when it is no usual one.
+  [[nodiscard]] int Baud() const {
+    termios settings{};
+    if (::tcgetattr(mNear.Get(), &settings) != 0) return 0;
+    const auto* speed = std::ranges::find(kSpeeds, ::cfgetospeed(&settings), &Speed::code);
+    return speed == std::end(kSpeeds) ? 0 : speed->baud;
+  }
+
   void Unpark() { mFar.Close(); }
   [[nodiscard]] bool IsParked() const { return mFar.IsOpen(); }
   [[nodiscard]] int Near() const { return mNear.Get(); }
@@ -140,6 +160,7 @@ class PtyStream final : public Stream {
 
   [[nodiscard]] Handle WaitHandle() const override { return mTerminal.Near(); }
   [[nodiscard]] bool OutlivesClients() const override { return true; }
+  [[nodiscard]] int Baud() const override { return mTerminal.Baud(); }
 
   [[nodiscard]] Result Read(std::string& buffer) override {
     std::array<char, kReadSize> chunk;

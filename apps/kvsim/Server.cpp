@@ -139,6 +139,7 @@ void Server::Admit(kv::Instant now) {
 }
 
 void Server::Serve(Client& client, bool isReadable, kv::Instant now) {
+  client.line->SetBaud(client.stream->Baud());
   if (isReadable) {
     mArrived.clear();
     TakeIn(client, client.stream->Read(mArrived), now);

@@ -38,6 +38,9 @@ class Stream {
   // Sends what the line takes and removes it from the front of `bytes`.
   [[nodiscard]] virtual Result Write(std::string_view& bytes) = 0;
 
+  // The speed that the client's end is set to, in bits a second; 0 on a stream without one.
+  [[nodiscard]] virtual int Baud() const { return 0; }
+
   // Cuts the client off.
   virtual void Cut() = 0;
 

@@ -20,6 +20,10 @@ class InProcessLine {
   // False before Connect and after either side has cut the connection.
   [[nodiscard]] virtual bool IsConnected() const = 0;
 
+  // The speed that the caller's end is set to, in bits a second; 0, as at first: it has none, and nothing that it sends
+  // or hears is ever garbled.
+  virtual void SetBaud(int) {}
+
   // Hands bytes to the partner, as sent at `now`. Bytes written while not connected are lost.
   virtual void Write(std::string_view bytes, Instant now) = 0;
 

@@ -56,6 +56,14 @@ Port::Result SimulatedPort::Read(std::string& buffer, Duration slice) {
   }
 }
 
+bool SimulatedPort::SetBaudRate(int baudRate) {
+  constexpr Duration kTenBits = std::chrono::seconds(10);
+  if (!mLine || baudRate <= 0) return false;
+  mLine->SetBaud(baudRate);
+  mByteTime = Duration((kTenBits.count() + baudRate - 1) / baudRate);
+  return true;
+}
+
 Port::Result SimulatedPort::Lose() {
   mIsOpen = false;
   mLoss = {"the simulated controller has cut the connection", "it restarts, or was told to cut it", "try again"};

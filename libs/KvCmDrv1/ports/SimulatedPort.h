@@ -23,8 +23,9 @@ class SimulatedPort final : public Port {
   [[nodiscard]] Result Write(std::string_view& bytes, Duration slice) override;
   [[nodiscard]] Result Read(std::string& buffer, Duration slice) override;
   [[nodiscard]] const PortError& LossReason() const override { return mLoss; }
-  [[nodiscard]] Duration ByteTime() const override { return {}; }
-  [[nodiscard]] bool SetBaudRate(int) override { return false; }
+  [[nodiscard]] Duration ByteTime() const override { return mByteTime; }
+  // Also while closed. A simulated link has no speed, so only who plays a serial line with this port sets one.
+  [[nodiscard]] bool SetBaudRate(int baudRate) override;
   [[nodiscard]] std::string Description() const override { return "Simulated " + mModel; }
 
  private:
@@ -34,6 +35,7 @@ class SimulatedPort final : public Port {
   std::string mModel;
   Pacer& mPacer;
   bool mIsOpen = false;
+  Duration mByteTime{};
   PortError mLoss;
 };
 
