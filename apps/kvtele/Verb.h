@@ -34,14 +34,15 @@ class Verb {
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbRegions();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbWatch();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbClone();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbDownload();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbRun();   // in VerbRunStop.cpp
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbStop();  // in VerbRunStop.cpp
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbSessions();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbPorts();
 
 // All of them, in the order in which --help lists them.
-inline constexpr std::array kVerbMakers = {MakeVerbIdentify, MakeVerbOnline,   MakeVerbRead,  MakeVerbWrite,
-                                           MakeVerbRegions,  MakeVerbWatch,    MakeVerbClone, MakeVerbRun,
-                                           MakeVerbStop,     MakeVerbSessions, MakeVerbPorts};
+inline constexpr std::array kVerbMakers = {MakeVerbIdentify, MakeVerbOnline, MakeVerbRead,     MakeVerbWrite,
+                                           MakeVerbRegions,  MakeVerbWatch,  MakeVerbClone,    MakeVerbDownload,
+                                           MakeVerbRun,      MakeVerbStop,   MakeVerbSessions, MakeVerbPorts};
 
 }  // namespace kv::cli

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "apps/kvtele/CommonOptions.h"
+#include "apps/kvtele/Environment.h"
+#include "apps/kvtele/TerminalProgress.h"
+#include "desktop/console/ConsolePrompts.h"
+#include "download/DownloadOrder.h"
+#include "download/DownloadWindow.h"
+
+namespace kv::cli {
+
+// The consents that have a flag of their own; --yes answers whether the download may begin.
+struct ConsentFlags {
+  bool otherModel = false;  // --other-model
+  bool noReset = false;     // --no-reset
+  bool endLoad = false;     // --end-load
+};
+
+// The download window on the terminal: one line of progress, and before each box of the engine it makes room. In a dry
+// run every question is printed and answered with yes: nothing is done after the last one.
+class TerminalDownload : public DownloadWindow, public Prompts {
+ public:
+  TerminalDownload(Environment& environment, const CommonOptions& common, const ConsentFlags& consents, bool isDryRun);
+
+  void SetStatus(std::string_view text) override;
+  void ResetProgress(std::int64_t) override {}
+  void StepProgress() override {}
+  void ProgressInfo(int, std::int64_t, std::int64_t) override {}
+  void AmountSent(std::uint64_t done, std::uint64_t total) override;
+  [[nodiscard]] AurexOsChoice ChooseAurexOs(const AurexOsLists&) override { return {}; }
+  [[nodiscard]] std::optional<std::size_t> ChooseCompactOs(const FileList&) override { return std::nullopt; }
+  [[nodiscard]] BiosAnswer WarnOfIncompatibleBios() override { return BiosAnswer::Abort; }
+
+  PromptAnswer Show(const MessageBox& box) override;
+  [[nodiscard]] std::optional<std::string> Ask(const InputBox& box) override;
+  [[nodiscard]] std::optional<std::string> OpenFile(const FileDialog&) override { return std::nullopt; }
+  [[nodiscard]] std::optional<std::string> SaveFile(const FileDialog&) override { return std::nullopt; }
+
+  // Who answers a question that has a flag of its own.
+  [[nodiscard]] Prompts& PromptsOf(DownloadQuestion question);
+
+ protected:
+  Environment& mEnvironment;
+  const CommonOptions& mCommon;
+  bool mIsDryRun;
+  TerminalLine mLine;
+
+ private:
+  [[nodiscard]] ConsolePrompts Answered(bool yes, const char* flag) const;
+
+  ConsentFlags mConsents;
+  ConsolePrompts mPrompts;
+  std::optional<ConsolePrompts> mQuestion;
+  std::string mStatus;
+  RemainingTime mRemaining;
+  Instant mNextLine{};
+  std::uint64_t mTotal = 0;
+};
+
+}  // namespace kv::cli
