@@ -124,6 +124,7 @@ ExchangeOutcome ProtocolClient::Compare(UnitState& unit, const Identity& found) 
   if (!mOtherName.empty()) return OtherController;
   // Who was told to reset may still answer as before for a moment.
   const bool isReset = unit.identity && found.version.model != unit.identity->version.model;
+  if (isReset) unit.modelBefore = unit.identity->version.model;
   if (isReset || mPacer.Now() >= unit.restartUntil) unit.modelMayChange = false;
   unit.identity = found;
   unit.isAsciiOnly = UnderstandsAsciiOnly(found.version.model);
@@ -144,7 +145,8 @@ std::string ProtocolClient::NameOfOther(const UnitState& unit, const Identity& f
     return NameOf(found) + " instead of serial number " + std::to_string(*mSettings.serialNumber);
   }
   const std::optional<Identity>& known = unit.identity;
-  const bool isSameModel = unit.modelMayChange || !known || found.version.model == known->version.model;
+  const bool isSameModel = unit.modelMayChange || !known || found.version.model == known->version.model ||
+                           found.version.model == unit.modelBefore;
   const bool isOther = known && (found.serialNumber != known->serialNumber || !isSameModel);
   return isOther ? NameOf(found) + " instead of " + NameOf(*known) : "";
 }

@@ -37,6 +37,7 @@ struct UnitState {
   std::optional<Identity> identity;
   bool isAsciiOnly = true;      // its model understands no block messages, or is not known
   bool modelMayChange = false;  // it was sent into its boot loader or out of it since it was identified
+  std::string modelBefore;      // that it reported until then; when its power fails it may report that again
   std::string password;         // with which access was given
 };
 

@@ -112,7 +112,7 @@ clsDumpPLC::Step clsDumpPLC::Create(Channel& link, const std::filesystem::path& 
 std::expected<VersionInfo, CloneOutcome> clsDumpPLC::SupportsCloning(Channel& link) {
   const auto version = link.GetVersionInfo(link.UnitID());
   if (!version) return LinkFailure(link);
-  if (ParsePlainOsVersion(version->osVersion).value_or(0) < kFirstOsWithClones) {
+  if (!mTakesAnyOs && ParsePlainOsVersion(version->osVersion).value_or(0) < kFirstOsWithClones) {
     return Failure(CloneCause::OldOs, "The controller's O/S version is \"" + AnsiToUtf8(version->osVersion) +
                                           "\"; clones need 4.60 or newer, in plain digits. " + OldOsCure(*version));
   }

@@ -62,6 +62,10 @@ class clsDumpPLC {
   // is only asked for its last error, for the reason of a failure; it may be null.
   void RestoreGhost(SerialPortObject& port, const std::filesystem::path& file, const Channel* link = nullptr);
 
+  // Of a create: a controller with too old an O/S is cloned all the same. For memory that is written back soon, into the
+  // same controller; what that leaves out of account is the caller's business.
+  void TakeAnyOs() { mTakesAnyOs = true; }
+
   // Of a restore: the lines are sent for this unit instead of the one that they were made for. The file stays as it is.
   void UseUnit(std::uint8_t unit) { mUnit = unit; }
 
@@ -133,6 +137,7 @@ class clsDumpPLC {
   std::vector<CloneSegment> mNeverTaken;
   Sha256 mSegmentDigest;  // of the segment that is being read
   bool mIsStopped = false;
+  bool mTakesAnyOs = false;
   bool mHasStoppedProgram = false;  // and not started it again
   bool mWasStartedMeanwhile = false;
 

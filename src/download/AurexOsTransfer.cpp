@@ -51,6 +51,18 @@ OsTransferTopic Pack(const AurexOsTopic& topic, const CompressBlock& compress) {
 
 }  // namespace
 
+std::uint64_t StreamBytes(const OsTransfer& transfer) {
+  std::uint64_t bytes = 0;
+  for (const OsTransferTopic& topic : transfer.topics) bytes += topic.stream.size();
+  return bytes;
+}
+
+std::uint64_t ChunkCount(const OsTransfer& transfer) {
+  std::uint64_t chunks = 0;
+  for (const OsTransferTopic& topic : transfer.topics) chunks += (topic.stream.size() + kOsChunk - 1) / kOsChunk;
+  return chunks;
+}
+
 OsTransfer MakeOsTransfer(const AurexOsFile& os, const FontsFile& fonts) {
   return MakeOsTransfer(os, fonts, [](std::span<const std::uint8_t> bytes) { return Deflate(bytes); });
 }

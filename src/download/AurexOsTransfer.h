@@ -37,6 +37,10 @@ struct OsTransfer {
   std::vector<OsTransferTopic> topics;
 };
 
+// Bytes of all streams, and chunks in which they go.
+[[nodiscard]] std::uint64_t StreamBytes(const OsTransfer& transfer);
+[[nodiscard]] std::uint64_t ChunkCount(const OsTransfer& transfer);
+
 // Compresses as zlib does (RFC 1950); nothing when it fails.
 using CompressBlock = std::function<std::optional<Bytes>(std::span<const std::uint8_t>)>;
 

@@ -36,14 +36,18 @@ enum class ControllerLeft : std::uint8_t {
   Stopped,            // its program was told to stop, the project is the one it had
   ProjectBegun,       // Aurex: a project download is under way; the old project is there until 69 has been sent
   ProjectErased,      // compact: the old project is gone, the new one is not whole
-  Programming,        // Aurex: it may be programming its flash
+  Programming,        // Aurex: it may be programming the new project into its flash
   ProjectWaits,       // all is in it, and takes effect with a reset that it has not had
   ProjectPerhaps,     // all is in it and it was told to reset, but what it runs since is not known
   BootLoader,         // its boot loader runs, the old O/S is still there
+  BootLoaderAsFound,  // its boot loader runs, as it did before, and with the O/S that it had, if any
   BootLoaderErased,   // its boot loader runs, the O/S is gone or not whole
   BootLoaderPerhaps,  // it was sent into its boot loader, and has not answered since
+  OsProgramming,      // Aurex: it may be programming the new O/S into its flash
   OsWaits,            // the new O/S is programmed, and takes effect with a reset that it has not had
+  OldOs,              // the old O/S runs again, or still
   NewOs,              // the new O/S runs; what was to come after it has not all been done
+  NewOsLoading,       // the new O/S runs, and is being loaded with the memory that was saved
   NewProject,         // the new project runs
 };
 

@@ -42,8 +42,7 @@ void DownloadWork::Tell(std::string_view text, PromptIcon icon, std::string_view
 }
 
 bool DownloadWork::Asks(DownloadQuestion question, const std::string& text, PromptIcon icon, std::string_view title) {
-  Prompts& asked = order.promptsOf ? order.promptsOf(question) : prompts;
-  return asked.Show(
+  return PromptsOf(question).Show(
              {.text = text, .title = TitleOr(title), .icon = icon, .buttons = PromptButtons::YesNo, .canLose = true}) ==
          PromptAnswer::Yes;
 }

@@ -31,6 +31,10 @@ class DownloadWork {
   ControllerLeft left = ControllerLeft::Untouched;
 
   void Tell(std::string_view text, PromptIcon icon, std::string_view title = {});
+  // Who is asked this.
+  [[nodiscard]] Prompts& PromptsOf(DownloadQuestion question) const {
+    return order.promptsOf ? order.promptsOf(question) : prompts;
+  }
   // Whether a question of its own consent is answered with Yes.
   [[nodiscard]] bool Asks(DownloadQuestion question, const std::string& text, PromptIcon icon,
                           std::string_view title = {});

@@ -31,7 +31,10 @@ std::string_view LeftBehindText(ControllerLeft left) {
              "Identify it, and download again if it does not name the new project.";
     case ControllerLeft::BootLoader:
       return "The controller's boot loader runs, and its old O/S is still there. Download an O/S again, or switch the "
-             "controller off and on to go back to the old one.";
+             "controller off and on to go back to the old one. It has done so by itself if its power has failed since.";
+    case ControllerLeft::BootLoaderAsFound:
+      return "The controller's boot loader runs, as it did before. Download an O/S again; if there is still one in it, "
+             "it starts when the controller is switched off and on.";
     case ControllerLeft::BootLoaderErased:
       return "The controller's boot loader runs, and there is no whole O/S in it. Download an O/S again: it cannot run "
              "before.";
@@ -39,9 +42,19 @@ std::string_view LeftBehindText(ControllerLeft left) {
       return "Whether the controller runs its boot loader now is not known. Identify it, then download an O/S again, "
              "or "
              "switch it off and on to go back to the old one.";
+    case ControllerLeft::OsProgramming:
+      return "The controller may still be programming the new O/S: if it loses its power now, there is no O/S in it "
+             "any "
+             "more. Do not switch it off; wait a few minutes, then identify it and download the O/S again.";
     case ControllerLeft::OsWaits:
       return "The new O/S is programmed and takes effect when the controller restarts. Switch it off and on, then "
              "identify it.";
+    case ControllerLeft::OldOs:
+      return "The controller has the O/S that it had before. Download the new one again.";
+    case ControllerLeft::NewOsLoading:
+      return "The new O/S is in the controller; its program is stopped, and its memory is not all written back. "
+             "Restore "
+             "the clone that was made of it before.";
     case ControllerLeft::NewOs:
       return "The new O/S is in the controller.";
     case ControllerLeft::NewProject:

@@ -216,6 +216,17 @@ TEST(Reconnect, AControllerThatRestartsIsWaitedFor) {
   EXPECT_LE(dead.pacer.Now() - start, 8s + 500ms) << "and not for ever";
 }
 
+// A download that finds its boot loader gone has to be told that its power failed, not that it is somebody else.
+TEST(Reconnect, AControllerWhosePowerFailsInItsBootLoaderIsStillTheSame) {
+  Fixture fixture;
+  EXPECT_TRUE(fixture.channel.SendCommand("CCB"));
+  EXPECT_EQ(fixture.channel.GetVersionInfo(1)->model, "BOOT");
+  fixture.pacer.Sleep(10s);
+  fixture.plant.UseFaults({"reset:on=IN,nth=1"});
+  EXPECT_TRUE(fixture.channel.GetControllerInfo(1)) << fixture.Error().Text();
+  EXPECT_EQ(fixture.channel.GetVersionInfo(1)->model, "K220-22-R1");
+}
+
 // Who refuses to reset does not: nothing is waited for.
 TEST(Reconnect, ARefusedResetEarnsNoPatience) {
   const std::pair<const char*, std::function<bool(Fixture&)>> refused[] = {

@@ -1,0 +1,145 @@
+#include "download/SavedMemory.h"
+
+#include <algorithm>
+#include <chrono>
+#include <system_error>
+
+#include "base/DateText.h"
+#include "base/PathText.h"
+#include "clone/CloneManifest.h"
+#include "clone/ProgramState.h"
+#include "clone/RestoreReach.h"
+#include "clone/SafeCreate.h"
+#include "clone/clsDumpPLC.h"
+
+namespace kv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr Duration kAfterReset = std::chrono::milliseconds(4000);
+
+// The cloner's window, but for the box of the O/S.
+class WithoutOs final : public DumpWindow {
+ public:
+  explicit WithoutOs(DumpWindow& window) : mWindow(window) {}
+
+  void FillSegments(std::span<const CloneSegment> segments) override { mWindow.FillSegments(segments); }
+  void Event_SegmentIndex(int index) override { mWindow.Event_SegmentIndex(index); }
+  void Event_ProgressBarInit(std::int64_t minimum, std::int64_t maximum) override {
+    mWindow.Event_ProgressBarInit(minimum, maximum);
+  }
+  void Event_ProgressBarValue(std::int64_t value) override { mWindow.Event_ProgressBarValue(value); }
+  void Event_AddWriteCommand(std::string_view line) override { mWindow.Event_AddWriteCommand(line); }
+  void Event_Refresh() override { mWindow.Event_Refresh(); }
+  [[nodiscard]] SegmentBoxes CheckedSegments() const override {
+    return {.op = true, .dt = true, .ap = true, .os = false};
+  }
+
+ private:
+  DumpWindow& mWindow;
+};
+
+DownloadOutcome Failure(const CloneOutcome& outcome, const std::string& what, ControllerLeft left) {
+  const bool isStop = outcome.end == CloneEnd::Stopped;
+  return {.end = isStop ? DownloadEnd::Stopped : DownloadEnd::Failed,
+          .cause = isStop ? DownloadCause::User : DownloadCause::Backup,
+          .reason = what + "\n" + outcome.reason,
+          .left = left,
+          .link = outcome.link};
+}
+
+std::string DigitsOf(std::string text) {
+  std::erase_if(text, [](char c) { return c < '0' || c > '9'; });
+  return text;
+}
+
+}  // namespace
+
+SavedMemory::Step SavedMemory::Save(Channel& link, const FoundController& controller,
+                                    const std::string& controllerText) {
+  if (!IsStartWanted(mContext.questions, controllerText, controller.info.state)) {
+    return std::unexpected(DownloadOutcome{.end = DownloadEnd::Declined,
+                                           .cause = DownloadCause::User,
+                                           .reason = "The controller's memory was not to be saved."});
+  }
+  const auto file = NewFile(controller);
+  if (!file) return std::unexpected(file.error());
+  SafeCreate safe(*file);
+  safe.SetComment("Before its O/S was replaced");
+  WithoutOs window(mContext.window);
+  clsDumpPLC engine(window, mContext.cloner, mContext.pacer, mContext.clock);
+  engine.TakeAnyOs();
+  safe.Create(engine, mContext.cloner, link, {[this] { return mContext.pacer.StopRequested(); }, {}});
+  if (safe.Outcome().end == CloneEnd::Done) {
+    mFile = *file;
+    mDigest = engine.Manifest().sha256;
+    return {};
+  }
+  CloneOutcome outcome = safe.Outcome();
+  OfferToRun(engine, link, mContext.questions, mContext.pacer, controllerText, outcome);
+  const bool isStopped = engine.HasStoppedProgram() && outcome.reason.contains(kLeftStopped);
+  return std::unexpected(Failure(outcome, "Its memory could not be saved, so no O/S was sent.",
+                                 isStopped ? ControllerLeft::Stopped : ControllerLeft::Untouched));
+}
+
+// "Memory of 4711 20261122 103000.kdf": of which controller it is must be seen by who finds it.
+std::expected<fs::path, DownloadOutcome> SavedMemory::NewFile(const FoundController& controller) const {
+  const fs::path folder = mPaths.Temporary();
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) {
+    return std::unexpected(DownloadOutcome{
+        .end = DownloadEnd::Failed,
+        .cause = DownloadCause::Backup,
+        .reason = "The folder " + Utf8FromPath(folder) + " for its memory cannot be made: " + error.message() + "."});
+  }
+  const std::chrono::local_seconds now = mContext.clock.LocalTime();
+  const std::string stem = "Memory of " + std::to_string(controller.info.serialNumber) + " " + DigitsOf(DateText(now)) +
+                           " " + DigitsOf(TimeOfDayText(now));
+  fs::path file = folder / PathFromUtf8(stem + ".kdf");
+  for (int i = 2; fs::exists(fs::symlink_status(file, error)); ++i) {
+    file = folder / PathFromUtf8(stem + "-" + std::to_string(i) + ".kdf");
+  }
+  return file;
+}
+
+SavedMemory::Step SavedMemory::Restore(Channel& link, const FoundController& controller) {
+  mContext.pacer.Sleep(kAfterReset);
+  Step done = WriteBack(link, controller);
+  if (!done) {
+    done.error().reason += "\nIts memory is saved in " + Utf8FromPath(mFile) + ": restore it with the cloner.";
+    return done;
+  }
+  std::error_code ignored;
+  fs::remove(mFile, ignored);
+  fs::remove(ManifestPath(mFile), ignored);
+  mFile.clear();
+  return {};
+}
+
+SavedMemory::Step SavedMemory::WriteBack(Channel& link, const FoundController& controller) {
+  constexpr const char* kWhat = "The new O/S is in the controller, but its memory could not be written back.";
+  const auto fail = [&](const CloneOutcome& outcome, ControllerLeft left) {
+    DownloadOutcome failure = Failure(outcome, kWhat, left);
+    if (outcome.cause == CloneCause::Link || outcome.cause == CloneCause::Reply) failure.cause = DownloadCause::Link;
+    if (outcome.cause == CloneCause::Unproven) failure.cause = DownloadCause::Unproven;
+    return std::unexpected(std::move(failure));
+  };
+  const auto begun = link.SendCommand("CCM");
+  if (!begun) return fail(CloneOutcome::OfLink(link.LastError()), ControllerLeft::NewOsLoading);
+  if (const auto refusal = RefusalIn(begun->text)) return fail(CloneOutcome::OfLink(*refusal), ControllerLeft::NewOs);
+  SerialPortObject* port = link.GetSerialPort();
+  if (port == nullptr) return fail(CloneOutcome::OfLink(link.LastError()), ControllerLeft::NewOsLoading);
+  clsDumpPLC engine(mContext.window, mContext.cloner, mContext.pacer, mContext.clock);
+  engine.UseUnit(link.UnitID());
+  engine.ExpectDigest(mDigest);
+  engine.RestoreGhost(*port, mFile, &link);
+  if (engine.Outcome().end != CloneEnd::Done) return fail(engine.Outcome(), ControllerLeft::NewOsLoading);
+  const auto checked = CheckAfterRestore(engine.Reach(), link, controller.info);
+  if (!checked) return fail(checked.error(), ControllerLeft::NewOsLoading);
+  return {};
+}
+
+}  // namespace kv

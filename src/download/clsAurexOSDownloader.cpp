@@ -1,0 +1,219 @@
+#include "download/clsAurexOSDownloader.h"
+
+#include <algorithm>
+
+#include "base/Numbers.h"
+#include "base/PathText.h"
+#include "clone/RestoreCheck.h"
+#include "deflate/Deflate.h"
+#include "download/OsFileLists.h"
+#include "download/OsFileName.h"
+#include "link/OsVersion.h"
+
+// Everything up to the first command that changes the controller. What comes then is in clsAurexOSDownloaderWrite.cpp.
+namespace kv {
+namespace {
+
+constexpr std::size_t kModelCharacters = 7;
+constexpr std::string_view kBootText = "BOOT";
+constexpr std::string_view kTelepanel = "Telepanel";  // title of boxes that have none of their own
+
+std::string NameOf(const std::filesystem::path& file) {
+  return Utf8FromPath(file.filename());
+}
+
+// "4.60 (B19)", as controllers report it.
+std::string NumberText(const OsNumber& number) {
+  return VersionText(number) + " (B" + (number.build < 10 ? "0" : "") + std::to_string(number.build) + ")";
+}
+
+}  // namespace
+
+bool clsAurexOSDownloader::DownloadOS(Channel& link, const DownloadOrder& order) {
+  mWork.emplace(link, mWindow, mContext.questions, mContext.pacer, order);
+  const Step done = RunSteps();
+  mOutcome = done ? DownloadOutcome{.left = mWork->left} : done.error();
+  const std::string saved = mMemory.IsEmpty() ? "" : Utf8FromPath(mMemory.File());
+  if (!saved.empty() && !mOutcome.reason.contains(saved)) {
+    mOutcome.reason += "\nWhat the controller's memory held before is saved in " + saved + ".";
+  }
+  mWindow.ResetProgress(1);
+  mWindow.SetStatus("");
+  return done.has_value();
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::RunSteps() {
+  using C = clsAurexOSDownloader;
+  constexpr Step (C::* kSteps[])() = {
+      &C::Identify,         &C::ChooseFiles,     &C::CheckType,         &C::ReadFiles,        &C::ShowPreview,
+      &C::AskToEndLoad,     &C::Confirm,         &C::CheckFontsVersion, &C::WarnOfBootLoader, &C::WarnOfDataTypes,
+      &C::CheckFonts,       &C::EndDryRun,       &C::TakeBackup,        &C::SaveMemory,       &C::CheckFilesAreTheSame,
+      &C::TellUncompressed, &C::ReadForceBit,    &C::EnterBootMode,     &C::WriteFiles,       &C::Reset,
+      &C::CheckNewOs,       &C::RestoreForceBit, &C::RestoreMemory,     &C::TellForceFailure};
+  for (const auto step : kSteps) {
+    Step done = (this->*step)();
+    if (done && mWork->left == ControllerLeft::Untouched) done = mWork->StopPoint();
+    if (!done) return done;
+  }
+  return {};
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::Identify() {
+  auto found = FindController(mWork->link);
+  if (!found) return FailLink("The controller could not be identified.", found.error());
+  mFound = *std::move(found);
+  mChange.isInBoot = mFound.version.model == kBootText;
+  mChange.installed = ParsePlainOsVersion(OsVersionText(mFound.version)).value_or(0);
+  mModel = mChange.isInBoot ? AurexModelOfHardware(mFound.version.hardwareCode)
+                            : mFound.version.model.substr(0, kModelCharacters);
+  return {};
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::ChooseFiles() {
+  const AurexOsLists lists = ListAurexOsFiles(mPaths, mModel);
+  mChoice = mWindow.ChooseAurexOs(lists);
+  if (!mChoice.os.empty() && !mChoice.fonts.empty()) return {};
+  for (const auto& [list, what] : {std::pair(&lists.os, "O/S file"), std::pair(&lists.fonts, "file of system fonts")}) {
+    if (!list->IsEmpty()) continue;
+    return Refuse(DownloadCause::File, std::string("There is no ") + what + " in " + Utf8FromPath(list->folder) + ".");
+  }
+  return Decline();
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::CheckType() {
+  const std::string type = AurexOsTypeIn(NameOf(mChoice.os));
+  if (type == ExpectedAurexOsType(mModel)) return {};
+  const std::string text = "PLC Type: " + mModel + " does not match OS Type: " + type;
+  mWork->Tell(text, PromptIcon::None, kTelepanel);
+  return Refuse(DownloadCause::NotFit, text + ".");
+}
+
+// What is wrong with the fonts is told in its place among the questions.
+clsAurexOSDownloader::Step clsAurexOSDownloader::ReadFiles() {
+  auto os = ReadAurexOsFile(mChoice.os);
+  if (!os) {
+    mWork->Tell(os.error().Text(), PromptIcon::Exclamation, kTelepanel);
+    return Refuse(DownloadCause::File, os.error().Text());
+  }
+  mOs = *std::move(os);
+  mChange.next = mOs->number.version;
+  mFonts = ReadFontsFile(mChoice.fonts);
+  if (!mFonts) return {};
+  mTransfer = MakeOsTransfer(*mOs, *mFonts, [this](std::span<const std::uint8_t> bytes) {
+    return Deflate(bytes, [this] { mContext.pacer.Turn(); });
+  });
+  return {};
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::ShowPreview() {
+  if (mWork->order.onPreview) mWork->order.onPreview(Preview());
+  return {};
+}
+
+DownloadPreview clsAurexOSDownloader::Preview() const {
+  DownloadPreview preview{.controller = ControllerName(), .now = SideOf(mFound), .then = {}};
+  preview.then.os = NumberText(mOs->number);
+  if (mFonts) preview.then.fonts = VersionText(mFonts->number) + " (B" + std::to_string(mFonts->number.build) + ")";
+  if (!mFonts) preview.warnings.push_back(mFonts.error().Text() + ".");
+  preview.bytes = StreamBytes(mTransfer);
+  // Each chunk and each status goes with a head and a check of 32 bytes, both ways.
+  const std::uint64_t exchanges = ChunkCount(mTransfer) + 2 * mTransfer.topics.size() + 4;
+  preview.about = TimeOnLink(mWork->link, preview.bytes + 64 * exchanges, exchanges);
+  preview.losses.emplace_back("The program stops, and the controller restarts at the end.");
+  if (mChange.ChangesBootLoader()) preview.losses.emplace_back("The project in the controller may be erased.");
+  if (mChange.LosesDataTypes()) preview.losses.emplace_back("The values of the operands are lost.");
+  if (mChange.NeedsMemorySaved()) {
+    preview.warnings.emplace_back(
+        "The memory of the controller is laid out anew. It is saved before and written back afterwards.");
+  }
+  if (const std::string advice = StateAdvice(mFound); !advice.empty()) preview.warnings.push_back(advice);
+  return preview;
+}
+
+// A question of its own: who wants the O/S need not know that somebody else is at it.
+clsAurexOSDownloader::Step clsAurexOSDownloader::AskToEndLoad() {
+  if (mFound.info.state != 'L') return {};
+  const bool isWanted =
+      mWork->Asks(DownloadQuestion::EndLoad,
+                  "The controller (" + ControllerName() +
+                      ") is loading: a restore or download was cut, or somebody else's is under way. What is being "
+                      "loaded would be lost, and somebody else's tool may take what comes out for its own. End that "
+                      "load?",
+                  PromptIcon::Exclamation);
+  return isWanted ? Step() : Decline();
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::Confirm() {
+  const bool isWanted = mWork->Asks(DownloadQuestion::Begin,
+                                    "O/S download is done via the Aurex's COM port 1. \r\n\r\n"
+                                    "Note that the download process will cause:\r\n"
+                                    " - Your current application to STOP running.\r\n"
+                                    " - The PLC to RESET at the end of the download process.\r\n\r\n"
+                                    "Continue ?",
+                                    PromptIcon::Exclamation, "PLC STOP & RESET");
+  return isWanted ? Step() : Decline();
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFontsVersion() {
+  if (!mChange.RefusesFonts(FontsVersionIn(NameOf(mChoice.fonts)).value_or(0))) return {};
+  const std::string text = "This OS requires system fonts version 130 B(0) or later.";
+  mWork->Tell(text, PromptIcon::None, kTelepanel);
+  return Refuse(DownloadCause::NotFit, text);
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::WarnOfBootLoader() {
+  if (!mChange.ChangesBootLoader() || mWindow.WarnOfIncompatibleBios() != BiosAnswer::Abort) return {};
+  return Decline();
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::WarnOfDataTypes() {
+  if (!mChange.LosesDataTypes()) return {};
+  const bool isWanted =
+      mWork->Asks(DownloadQuestion::LoseValues,
+                  "This operating system does not support the data types currently defined in this controller.\r\n"
+                  "Continuing this operation will corrupt the values currently in the controller's memory.\r\n"
+                  "Do you want to continue?",
+                  PromptIcon::Exclamation, "Warning");
+  return isWanted ? Step() : Decline();
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFonts() {
+  if (mFonts && mFonts->model == mOs->model) return {};
+  mWork->Tell("Illegal Fonts file", PromptIcon::None, "Error");
+  return Refuse(DownloadCause::File, mFonts ? NameOf(mChoice.fonts) + " holds system fonts for the O/S model " +
+                                                  mFonts->model + ", not for " + mOs->model + "."
+                                            : mFonts.error().Text());
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::EndDryRun() {
+  if (mWork->order.backup != nullptr && mChange.isInBoot) {
+    return Refuse(DownloadCause::Backup, "A controller in its boot loader cannot be cloned: leave out the backup.");
+  }
+  if (!mWork->order.isDryRun) return {};
+  return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
+}
+
+std::string clsAurexOSDownloader::ControllerName() const {
+  return ControllerText(mFound.version, mFound.info, mWork->order.link);
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::Refuse(DownloadCause cause, const std::string& reason) const {
+  Step refused = mWork->Refuse(reason);
+  refused.error().cause = cause;
+  return refused;
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::Decline() const {
+  if (mWork->pacer.StopRequested()) return mWork->Stop();
+  Step declined = mWork->Fail(DownloadCause::User, "It was not confirmed.");
+  declined.error().end = DownloadEnd::Declined;
+  return declined;
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::FailLink(const std::string& what, const LinkError& error) const {
+  Step failed = mWork->FailOf(error);
+  failed.error().reason = what + "\n" + failed.error().reason;
+  return failed;
+}
+
+}  // namespace kv

@@ -1,0 +1,173 @@
+#include <chrono>
+
+#include "base/PathText.h"
+#include "clone/CloneOutcome.h"
+#include "desktop/StopScope.h"
+#include "download/clsAurexOSDownloader.h"
+#include "link/ControllerErrorText.h"
+#include "link/OsVersion.h"
+
+// From the first command that changes the controller on.
+namespace kv {
+namespace {
+
+constexpr std::int16_t kForceBit = 501;
+constexpr Duration kAfterReset = std::chrono::milliseconds(4000);
+constexpr int kNoSuchTypeCode = 0x03;
+constexpr std::string_view kBootText = "BOOT";
+
+bool IsNumber(const VersionInfo& version, const OsNumber& number) {
+  return ParsePlainOsVersion(OsVersionText(version)) == number.version &&
+         ParsePlainOsVersion(OsBuildText(version)) == number.build;
+}
+
+}  // namespace
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::TakeBackup() {
+  if (mWork->order.backup == nullptr) return {};
+  mWindow.SetStatus("Cloning the controller ...");
+  return mWork->order.backup->Take(mWork->link, mFound, ControllerName(), Utf8FromPath(mChoice.os.filename()));
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::SaveMemory() {
+  if (!mChange.NeedsMemorySaved()) return {};
+  mWindow.SetStatus("Saving the controller's memory ...");
+  return mMemory.Save(mWork->link, mFound, ControllerName());
+}
+
+// Clones take minutes, and questions as long as the user wants.
+clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFilesAreTheSame() {
+  const auto os = ReadAurexOsFile(mChoice.os);
+  const auto fonts = ReadFontsFile(mChoice.fonts);
+  const bool isSame = os && fonts && os->stamp == mOs->stamp && fonts->stamp == mFonts->stamp;
+  if (isSame) return {};
+  return Refuse(DownloadCause::File,
+                "The files are not the ones any more that were looked through before. Begin the download again.");
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::TellUncompressed() {
+  for (const OsTransferTopic& topic : mTransfer.topics) {
+    if (!topic.compressionFailed) continue;
+    mWork->Tell("Unable to compress data for " + topic.name, PromptIcon::Critical, "Warning");
+  }
+  return {};
+}
+
+// A controller that has no such bit has no forces either.
+clsAurexOSDownloader::Step clsAurexOSDownloader::ReadForceBit() {
+  if (mChange.isInBoot) return {};
+  const auto bit = mWork->link.ReadSB(kForceBit, 1, mWork->link.UnitID());
+  if (bit) {
+    mIsForced = !bit->empty() && bit->front() != 0;
+    return {};
+  }
+  const LinkError& error = mWork->link.LastError();
+  if (error.controllerCode == kPastEndCode || error.controllerCode == kNoSuchTypeCode) return {};
+  return FailLink("System bit 501 could not be read.", error);
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::EnterBootMode() {
+  if (mChange.isInBoot) {
+    mWork->left = ControllerLeft::BootLoaderAsFound;
+    return {};
+  }
+  mWindow.SetStatus("Entering the boot loader ...");
+  const auto reply = mWork->link.SendCommand("CCB");
+  if (reply) {
+    if (const auto refusal = RefusalIn(reply->text)) {
+      return FailLink("The controller does not go into its boot loader.", *refusal);
+    }
+  }
+  mWork->left = ControllerLeft::BootLoaderPerhaps;
+  if (!reply) return FailLink("The controller was told to go into its boot loader.", mWork->link.LastError());
+  static_cast<void>(mWork->link.CommPort());  // it is the same line for the boot loader
+  const auto version = mWork->link.GetVersionInfo(mWork->link.UnitID());
+  if (!version) return FailLink("The boot loader could not be identified.", mWork->link.LastError());
+  if (!reply->text.starts_with("CC") || version->model != kBootText) {
+    return mWork->Fail(DownloadCause::Reply, "The controller did not go into its boot loader.");
+  }
+  mWork->left = ControllerLeft::BootLoader;
+  return {};
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::WriteFiles() {
+  DownloadEngine* engine = mWork->link.GetDownloadEngine();
+  if (engine == nullptr) return FailLink("The boot loader takes no block messages.", mWork->link.LastError());
+  AurexOsSender sender(*engine, *mWork);
+  Step done = sender.Prepare();
+  if (done && !mWork->link.GetVersionInfo(mWork->link.UnitID())) {
+    done = FailLink("The boot loader could not be identified.", mWork->link.LastError());
+  }
+  if (done) done = sender.Send(mTransfer);
+  if (done) done = sender.Program();
+  return done;
+}
+
+// A stop cannot help any more: what the controller has is what it will start.
+clsAurexOSDownloader::Step clsAurexOSDownloader::Reset() {
+  mWindow.SetStatus("Restarting the controller ...");
+  mWork->Tell("The controller is about to restart", PromptIcon::Information, "Reset PLC");
+  const StopScope untilItIsBack(mContext.pacer);
+  const bool isTold = mWork->link.ResetController(mWork->link.UnitID());
+  const LinkError error = mWork->link.LastError();
+  const bool isRefused = error.code == LinkErrorCode::Refused || error.code == LinkErrorCode::Busy;
+  if (!isTold && isRefused) return FailLink("The controller does not restart.", error);
+  // Its answer may have been lost: who answers now shows it.
+  auto after = FindAfterReset(mWork->link, mContext.pacer, mFound.info.serialNumber);
+  if (!after) return FailLink("The controller has not come back after its restart.", after.error());
+  mAfter = *std::move(after);
+  if (!isTold && mAfter.version.model == kBootText) return FailLink("The controller did not restart.", error);
+  mReview = DownloadReview{SideOf(mFound), SideOf(mAfter)};
+  return {};
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::CheckNewOs() {
+  if (IsNumber(mAfter.version, mOs->number) && mAfter.version.model != kBootText) {
+    mWork->left = ControllerLeft::NewOs;
+    return {};
+  }
+  const bool isInBoot = mAfter.version.model == kBootText;
+  mWork->left = isInBoot ? ControllerLeft::BootLoaderErased : ControllerLeft::OldOs;
+  const std::string found = isInBoot ? "its boot loader runs" : "it reports the O/S " + mAfter.OsText();
+  return mWork->Fail(DownloadCause::Unproven, "All was sent and answered well, but after the restart " + found +
+                                                  " instead of " + VersionText(mOs->number) + ".");
+}
+
+// What fails here must not keep the memory from being written back.
+clsAurexOSDownloader::Step clsAurexOSDownloader::RestoreForceBit() {
+  if (!mIsForced) return {};
+  mContext.pacer.Sleep(kAfterReset);
+  mForceFailure = SetForceBit();
+  if (mForceFailure.code != LinkErrorCode::None) return {};
+  mWork->Tell("SB 501 is ON, Inputs forces might be active.", PromptIcon::Exclamation, "Warning");
+  return {};
+}
+
+// Code None when the bit is set now.
+LinkError clsAurexOSDownloader::SetForceBit() {
+  constexpr std::uint8_t kOn[] = {1};
+  if (!mWork->link.WriteSB(kForceBit, kOn, mWork->link.UnitID())) return mWork->link.LastError();
+  const auto bit = mWork->link.ReadSB(kForceBit, 1, mWork->link.UnitID());
+  if (!bit) return mWork->link.LastError();
+  if (!bit->empty() && bit->front() == 1) return {};
+  LinkError error;
+  error.code = LinkErrorCode::Refused;
+  error.doing = "setting system bit 501";
+  error.happened = "it reads 0 again";
+  return error;
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::RestoreMemory() {
+  if (mMemory.IsEmpty()) return {};
+  mWindow.SetStatus("Writing the controller's memory back ...");
+  return mMemory.Restore(mWork->link, mAfter);
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::TellForceFailure() {
+  if (mForceFailure.code == LinkErrorCode::None) return {};
+  return FailLink(
+      "The new O/S runs. System bit 501 was set before and could not be set again: forces of inputs are off.",
+      mForceFailure);
+}
+
+}  // namespace kv
