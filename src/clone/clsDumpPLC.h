@@ -62,8 +62,8 @@ class clsDumpPLC {
   // is only asked for its last error, for the reason of a failure; it may be null.
   void RestoreGhost(SerialPortObject& port, const std::filesystem::path& file, const Channel* link = nullptr);
 
-  // Of a create: a controller with too old an O/S is cloned all the same. For memory that is written back soon, into the
-  // same controller; what that leaves out of account is the caller's business.
+  // Of a create: a controller with too old an O/S is cloned all the same. For memory that is written back soon, into
+  // the same controller; what that leaves out of account is the caller's business.
   void TakeAnyOs() { mTakesAnyOs = true; }
 
   // Of a restore: the lines are sent for this unit instead of the one that they were made for. The file stays as it is.
