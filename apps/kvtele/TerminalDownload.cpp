@@ -37,6 +37,10 @@ Prompts& TerminalDownload::PromptsOf(DownloadQuestion question) {
       return mQuestion.emplace(Answered(mConsents.noReset, "--no-reset"));
     case DownloadQuestion::EndLoad:
       return mQuestion.emplace(Answered(mConsents.endLoad, "--end-load"));
+    case DownloadQuestion::LoseValues:
+      return mQuestion.emplace(Answered(mConsents.loseValues, "--lose-values"));
+    case DownloadQuestion::Retry:
+      return mQuestion.emplace(Answered(false, "somebody at the terminal"));
     case DownloadQuestion::Stop:
       return mQuestion.emplace(Answered(false, "Ctrl-C once more"));
   }

@@ -17,6 +17,7 @@ struct ConsentFlags {
   bool otherModel = false;  // --other-model
   bool noReset = false;     // --no-reset
   bool endLoad = false;     // --end-load
+  bool loseValues = false;  // --lose-values
 };
 
 // The download window on the terminal: one line of progress, and before each box of the engine it makes room. In a dry
