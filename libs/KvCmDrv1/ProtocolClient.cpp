@@ -189,7 +189,10 @@ void ProtocolClient::Number(Exchange& exchange) {
   UnitState& unit = mUnits[exchange.unit];
   exchange.counterBefore = unit.counter;
   exchange.powerUpBefore = unit.powerUp;
-  if (exchange.facts.resets) unit.restartUntil = mPacer.Now() + kRestartTime;
+  if (exchange.facts.resets) {
+    unit.restartUntil = mPacer.Now() + kRestartTime;
+    unit.modelMayChange = true;  // also when its reply is lost together with the connection
+  }
   if (exchange.IsText()) return;
   if (mSequenceConnection != mLine.ConnectionNumber()) {
     mSequenceConnection = mLine.ConnectionNumber();

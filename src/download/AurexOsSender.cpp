@@ -31,6 +31,15 @@ constexpr std::size_t kPercent = 3;
 constexpr std::size_t kTopicValid = 9;
 constexpr std::uint8_t kIdle = 'I';
 
+// A reply that is too short tells of no state, and counts as one of a controller that is not idle.
+AurexOsSender::Status StatusIn(const Bytes& reply) {
+  if (reply.size() <= kTopicValid || reply[0] != 'R') return {};
+  return {.isIdle = reply[kState] == kIdle,
+          .hasFlashError = reply[kFlashError] != 0,
+          .hasTopic = reply[kTopicValid] != 0,
+          .percent = std::min<int>(reply[kPercent], 100)};
+}
+
 // After these the same request on the same link cannot succeed, whatever the user does meanwhile.
 bool IsFinal(LinkErrorCode code) {
   using enum LinkErrorCode;
@@ -120,7 +129,8 @@ AurexOsSender::Step AurexOsSender::Program() {
     if (!mayBeTold) continue;
     if (auto idle = WaitUntilIdle(TopicCheck::Off); !idle) return idle;
   }
-  if (auto idle = WaitUntilIdle(TopicCheck::Off); !idle) return idle;
+  // What it received is gone when its power has failed meanwhile, and its O/S with it.
+  if (auto idle = WaitUntilIdle(TopicCheck::On); !idle) return idle;
   mWork.left = ControllerLeft::OsWaits;
   return {};
 }
@@ -192,7 +202,7 @@ AurexOsSender::Step AurexOsSender::WaitUntilIdle(TopicCheck check) {
   while (mWork.pacer.Now() - start <= kLongestWait) {
     mEngine.SetMessage(kStatusRequest);
     if (auto sent = SendWithRetry(); !sent) return sent;
-    const auto isIdle = CheckStatus(check);
+    const auto isIdle = CheckStatus(StatusIn(mEngine.ReplyBytes()), check);
     if (!isIdle) return std::unexpected(isIdle.error());
     if (*isIdle) {
       mEngine.SetMessage(before);
@@ -204,25 +214,30 @@ AurexOsSender::Step AurexOsSender::WaitUntilIdle(TopicCheck check) {
   return ReplyFailure("its flash was still at work after 5 minutes");
 }
 
-// Whether the controller is idle; a reply that tells no state counts as one that is not.
-std::expected<bool, DownloadOutcome> AurexOsSender::CheckStatus(TopicCheck check) {
-  const Bytes& status = mEngine.ReplyBytes();
-  if (status.size() <= kTopicValid) return false;
-  if (status[kState] != kIdle) {
-    const std::string percent = std::to_string(std::min<int>(status[kPercent], 100));
-    if (mIsProgramming) mWork.window.SetStatus("Programming the O/S: " + percent + " %");
+// Whether the controller is idle.
+std::expected<bool, DownloadOutcome> AurexOsSender::CheckStatus(const Status& status, TopicCheck check) {
+  if (!status.isIdle) {
+    if (mIsProgramming) mWork.window.SetStatus("Programming the O/S: " + std::to_string(status.percent) + " %");
     return false;
   }
-  if (status[kFlashError] != 0) {
+  if (status.hasFlashError) {
     if (mIsProgramming) mWork.left = ControllerLeft::BootLoaderErased;
     mWork.Tell("ERR_NUM_FLASH_ERROR", PromptIcon::None, kTelepanel);
     return ReplyFailure("the controller reports an error of its flash");
   }
-  if (check == TopicCheck::On && status[kTopicValid] == 0) {
+  if (check == TopicCheck::On && !status.hasTopic) {
     mWork.Tell("ERR_NUM_INVALID_TOPIC_FROM_PLC", PromptIcon::None, kTelepanel);
-    return ReplyFailure("what arrived in the controller is not whole");
+    return ReplyFailure("the controller does not hold what was sent any more");
   }
   return true;
+}
+
+std::optional<AurexOsSender::Status> AurexOsSender::AskStatus(Channel& link) {
+  DownloadEngine* engine = link.GetDownloadEngine();
+  if (engine == nullptr) return std::nullopt;
+  engine->SetMessage(kStatusRequest);
+  if (!engine->Send()) return std::nullopt;
+  return StatusIn(engine->ReplyBytes());
 }
 
 std::unexpected<DownloadOutcome> AurexOsSender::LinkFailure() const {

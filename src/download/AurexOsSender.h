@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <expected>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -23,6 +24,16 @@ class AurexOsSender {
 
   AurexOsSender(DownloadEngine& engine, DownloadWork& work) : mEngine(engine), mWork(work) {}
 
+  // What the boot loader says of itself.
+  struct Status {
+    bool isIdle = false;
+    bool hasFlashError = false;
+    bool hasTopic = false;  // the last topic arrived whole, and nothing that arrived has been dropped since
+    int percent = 0;        // of the programming
+  };
+  // Asks once, without a question to the user; nothing when there is no answer.
+  [[nodiscard]] static std::optional<Status> AskStatus(Channel& link);
+
   // Gets the controller ready to receive. Nothing has changed in it when this fails.
   [[nodiscard]] Step Prepare();
   // The header, and each topic in chunks until the controller has taken it for whole.
@@ -41,7 +52,7 @@ class AurexOsSender {
   [[nodiscard]] bool IsRefusedAsDouble() const;
   [[nodiscard]] Step AskForRetry(Reply reply);
   [[nodiscard]] Step WaitUntilIdle(TopicCheck check);
-  [[nodiscard]] std::expected<bool, DownloadOutcome> CheckStatus(TopicCheck check);
+  [[nodiscard]] std::expected<bool, DownloadOutcome> CheckStatus(const Status& status, TopicCheck check);
   [[nodiscard]] std::unexpected<DownloadOutcome> LinkFailure() const;
   [[nodiscard]] std::unexpected<DownloadOutcome> ReplyFailure(const std::string& reason) const;
 

@@ -45,6 +45,7 @@ enum class ControllerLeft : std::uint8_t {
   BootLoaderPerhaps,  // it was sent into its boot loader, and has not answered since
   OsProgramming,      // Aurex: it may be programming the new O/S into its flash
   OsWaits,            // the new O/S is programmed, and takes effect with a reset that it has not had
+  OsPerhaps,          // the new O/S is programmed and it was told to reset, but what it runs since is not known
   OldOs,              // the old O/S runs again, or still
   NewOs,              // the new O/S runs; what was to come after it has not all been done
   NewOsLoading,       // the new O/S runs, and is being loaded with the memory that was saved

@@ -31,7 +31,7 @@ std::string_view LeftBehindText(ControllerLeft left) {
              "Identify it, and download again if it does not name the new project.";
     case ControllerLeft::BootLoader:
       return "The controller's boot loader runs, and its old O/S is still there. Download an O/S again, or switch the "
-             "controller off and on to go back to the old one. It has done so by itself if its power has failed since.";
+             "controller off and on to go back to the old one.";
     case ControllerLeft::BootLoaderAsFound:
       return "The controller's boot loader runs, as it did before. Download an O/S again; if there is still one in it, "
              "it starts when the controller is switched off and on.";
@@ -49,6 +49,10 @@ std::string_view LeftBehindText(ControllerLeft left) {
     case ControllerLeft::OsWaits:
       return "The new O/S is programmed and takes effect when the controller restarts. Switch it off and on, then "
              "identify it.";
+    case ControllerLeft::OsPerhaps:
+      return "The new O/S is programmed and the controller was told to restart; what it runs now is not known. "
+             "Identify "
+             "it; if it does not report the new O/S, switch it off and on.";
     case ControllerLeft::OldOs:
       return "The controller has the O/S that it had before. Download the new one again.";
     case ControllerLeft::NewOsLoading:

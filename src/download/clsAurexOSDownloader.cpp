@@ -33,6 +33,7 @@ bool clsAurexOSDownloader::DownloadOS(Channel& link, const DownloadOrder& order)
   mWork.emplace(link, mWindow, mContext.questions, mContext.pacer, order);
   const Step done = RunSteps();
   mOutcome = done ? DownloadOutcome{.left = mWork->left} : done.error();
+  if (!done) AskWhatIsLeft();
   const std::string saved = mMemory.IsEmpty() ? "" : Utf8FromPath(mMemory.File());
   if (!saved.empty() && !mOutcome.reason.contains(saved)) {
     mOutcome.reason += "\nWhat the controller's memory held before is saved in " + saved + ".";

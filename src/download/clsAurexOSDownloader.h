@@ -81,6 +81,8 @@ class clsAurexOSDownloader {
   [[nodiscard]] Step RestoreMemory();
   [[nodiscard]] Step TellForceFailure();
 
+  void AskWhatIsLeft();
+  void TellFoundBoot();
   [[nodiscard]] DownloadPreview Preview() const;
   [[nodiscard]] std::string ControllerName() const;
   [[nodiscard]] Step Refuse(DownloadCause cause, const std::string& reason) const;

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 
 #include "base/PathText.h"
 #include "clone/CloneOutcome.h"
@@ -112,6 +114,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::Reset() {
   const LinkError error = mWork->link.LastError();
   const bool isRefused = error.code == LinkErrorCode::Refused || error.code == LinkErrorCode::Busy;
   if (!isTold && isRefused) return FailLink("The controller does not restart.", error);
+  mWork->left = ControllerLeft::OsPerhaps;
   // Its answer may have been lost: who answers now shows it.
   auto after = FindAfterReset(mWork->link, mContext.pacer, mFound.info.serialNumber);
   if (!after) return FailLink("The controller has not come back after its restart.", after.error());
@@ -168,6 +171,38 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::TellForceFailure() {
   return FailLink(
       "The new O/S runs. System bit 501 was set before and could not be set again: forces of inputs are off.",
       mForceFailure);
+}
+
+// What is known by what was sent may be wrong since: the power fails, others send something. So the controller itself
+// is asked, as far as it still answers.
+void clsAurexOSDownloader::AskWhatIsLeft() {
+  using enum ControllerLeft;
+  constexpr ControllerLeft kOpen[] = {BootLoader,    BootLoaderAsFound, BootLoaderPerhaps,
+                                      OsProgramming, OsWaits,           OsPerhaps};
+  if (std::ranges::find(kOpen, mOutcome.left) == std::end(kOpen)) return;
+  const StopScope asking(mContext.pacer);  // a stop ended the download, not this question
+  const auto found = FindController(mWork->link);
+  if (!found) return;
+  if (found->version.model == kBootText) return TellFoundBoot();
+  const bool mayBeNew = mOutcome.left == OsProgramming || mOutcome.left == OsWaits || mOutcome.left == OsPerhaps;
+  mOutcome.left = mayBeNew && IsNumber(found->version, mOs->number) ? NewOs : OldOs;
+  mOutcome.reason += "\nAsked afterwards, the controller runs and reports the O/S " + found->OsText() + ".";
+}
+
+// It holds nothing any more when its power has failed, in the middle of the programming or after it.
+void clsAurexOSDownloader::TellFoundBoot() {
+  using enum ControllerLeft;
+  if (mOutcome.left == BootLoaderPerhaps) mOutcome.left = BootLoader;
+  if (mOutcome.left != OsProgramming && mOutcome.left != OsWaits && mOutcome.left != OsPerhaps) return;
+  const auto status = AurexOsSender::AskStatus(mWork->link);
+  if (!status) return;
+  if (!status->isIdle) {
+    mOutcome.left = OsProgramming;
+  } else if (!status->hasTopic) {
+    mOutcome.left = BootLoaderErased;
+  } else if (mOutcome.left == OsPerhaps) {
+    mOutcome.left = OsWaits;
+  }
 }
 
 }  // namespace kv

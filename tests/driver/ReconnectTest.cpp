@@ -187,6 +187,7 @@ TEST(Reconnect, AControllerThatRestartsIsWaitedFor) {
       {"reset", {}, [](Fixture& b) { return b.channel.ResetController(1); }},
       {"reset, reply lost", {"noreply:on=CC,nth=1"}, [](Fixture& b) { return b.channel.ResetController(1); }},
       {"boot loader", {}, [](Fixture& b) { return b.channel.SendCommand("CCB").has_value(); }},
+      {"boot loader", {"lost:on=CC,nth=1"}, [](Fixture& b) { return b.channel.SendCommand("CCB").has_value(); }},
       {"raw reset",
        {},
        [](Fixture& b) {
