@@ -1,0 +1,220 @@
+#include "download/CompactBootLoader.h"
+
+#include <chrono>
+#include <utility>
+
+#include "base/Numbers.h"
+#include "base/ScopeGuard.h"
+#include "desktop/StopScope.h"
+#include "download/CompactOsFile.h"
+
+namespace kv {
+namespace {
+
+using std::chrono::milliseconds;
+using enum ControllerLeft;
+
+constexpr Duration kAfterStop = milliseconds(500);    // until the outputs are off
+constexpr Duration kComingUp = milliseconds(4000);    // so long a PR1 may be deaf between O/S and boot loader
+constexpr Duration kAfterErase = milliseconds(5000);  // the same behind the command to erase
+constexpr int kPolls = 31;                            // 0 to 15 in steps of a half
+constexpr Duration kTestPause = milliseconds(500);
+constexpr Duration kErasePause = milliseconds(1000);
+constexpr int kEraseTimeOut = 10000;  // milliseconds
+constexpr int kFastBaud = 57600;
+constexpr int kSlowBaud = 9600;
+
+constexpr bool IsPxOrPr(CompactKind kind) {
+  return kind == CompactKind::PX1 || kind == CompactKind::PR1;
+}
+
+bool IsRefusal(const LinkError& error) {
+  return error.code == LinkErrorCode::Refused || error.code == LinkErrorCode::Busy;
+}
+
+// A command that nobody answered may have been executed all the same.
+bool IsInDoubt(const DownloadOutcome& outcome) {
+  return outcome.end != DownloadEnd::Stopped && outcome.link.code != LinkErrorCode::None && !IsRefusal(outcome.link) &&
+         !outcome.link.isNotExecuted;
+}
+
+// The place and the bytes.
+std::string BlockCommand(CompactKind kind, const Bytes& image, std::size_t place) {
+  const bool isQ50 = kind == CompactKind::Q50;
+  std::string command = (isQ50 ? "FW" : "OSP0") + ToHex(static_cast<std::uint32_t>(place), isQ50 ? 8 : 4);
+  for (std::size_t i = 0; i < kCompactOsBlock; ++i) command += ToHex(image[place + i], 2);
+  return command;
+}
+
+}  // namespace
+
+CompactBootLoader::CompactBootLoader(DownloadWork& work, CompactKind kind)
+    : mWork(work), mKind(kind), mUsual(work.link.GetComParams()), mPort(work.link.CommPort()) {}
+
+CompactBootLoader::Step CompactBootLoader::Enter() {
+  for (int i = 0; i < 2; ++i) {
+    if (Step stopped = Tell("CCS", Stopped); !stopped) return stopped;
+    mWork.pacer.Sleep(kAfterStop);
+  }
+  if (Step entered = Tell("CCB", BootLoaderPerhaps); !entered) return entered;
+  mWork.left = BootLoader;
+  if (mKind == CompactKind::PR1 && !ReopenLater()) return LinkFailure();
+  return {};
+}
+
+CompactBootLoader::Step CompactBootLoader::AgreeOnSpeed() {
+  // Their boot loaders keep the speed at which they are spoken to, so a link that stands needs no other one.
+  if (IsPxOrPr(mKind) && mWork.link.SetComParams(mUsual)) return {};
+  if (mKind == CompactKind::Q50) return TellSpeed("CB0A", kFastBaud);
+  ComParams agreeing = mUsual;
+  agreeing.mode = 1;
+  if (!mWork.link.SetComParams(agreeing) || !mWork.link.OpenLink(mPort, mUsual.baudRate)) return LinkFailure();
+  return IsPxOrPr(mKind) ? TellSpeed("CPSR0007", kSlowBaud) : TellSpeed("CPSR010A", kFastBaud);
+}
+
+// Who changes the speed and is not heard any more may be at the new one already.
+CompactBootLoader::Step CompactBootLoader::TellSpeed(const std::string& command, int baudRate) {
+  const Step told = Tell(command);
+  if (!told && !IsInDoubt(told.error())) return told;
+  if (!UseSpeed(baudRate)) return LinkFailure();
+  if (told || Ask("ID")) return {};
+  static_cast<void>(mWork.link.SetComParams(mUsual));  // it has never left its old speed, or is gone
+  return told;
+}
+
+bool CompactBootLoader::UseSpeed(int baudRate) {
+  ComParams fields = mUsual;
+  fields.baudRate = baudRate;
+  return mWork.link.SetComParams(fields) && mWork.link.OpenLink(mPort, baudRate);
+}
+
+bool CompactBootLoader::ReopenLater() {
+  mWork.link.SetLinkBusy(true);
+  mWork.pacer.Sleep(kComingUp);
+  return mWork.link.SetComParams(mUsual) || mWork.link.OpenLink(mPort, mUsual.baudRate);
+}
+
+CompactBootLoader::Step CompactBootLoader::EraseFlash() {
+  if (Step begun = Tell("FS05"); !begun) return begun;
+  if (Step ready = Poll("FI", "20", "50", kTestPause); !ready) return ready;
+  if (Step erasing = StartErase(); !erasing) return erasing;
+  if (mKind == CompactKind::PR1) mWork.pacer.Sleep(kAfterErase);
+  return Poll("OSS", "00", "20", kErasePause);
+}
+
+CompactBootLoader::Step CompactBootLoader::StartErase() {
+  if (!IsPxOrPr(mKind)) return Tell("OSE0", BootLoaderErased);
+  const ComParams fields = mWork.link.GetComParams();
+  if (!mWork.link.SetComParams(fields)) return LinkFailure();
+  const int timeOut = mWork.link.TimeOut();
+  const ScopeGuard restored([this, timeOut] { mWork.link.SetTimeOut(timeOut); });
+  mWork.link.SetTimeOut(kEraseTimeOut);
+  Step erasing = Tell("OSC7F", BootLoaderErased);
+  if (erasing && !mWork.link.SetComParams(fields)) return LinkFailure();
+  return erasing;
+}
+
+CompactBootLoader::Step CompactBootLoader::Poll(const std::string& question, std::string_view ready,
+                                                std::string_view failed, Duration pause) {
+  std::string last;
+  for (int i = 0; i < kPolls; ++i) {
+    Reply data = Ask(question);
+    if (!data) return std::unexpected(std::move(data.error()));
+    last = question + " was answered with " + *data + ".";
+    if (data->starts_with(ready)) return {};
+    if (data->starts_with(failed)) {
+      return mWork.Fail(DownloadCause::Reply, "The controller says that its flash memory has failed: " + last);
+    }
+    mWork.pacer.Sleep(pause);
+  }
+  return mWork.Fail(DownloadCause::Reply, "The controller's flash memory was not ready after " +
+                                              std::to_string(kPolls) + " questions. At last, " + last);
+}
+
+CompactBootLoader::Step CompactBootLoader::Write(const Bytes& image, const OnBlock& onBlock) {
+  const auto count = static_cast<std::int64_t>(image.size() / kCompactOsBlock);
+  for (std::int64_t block = 0; block < count; ++block) {
+    const std::size_t place = static_cast<std::size_t>(block) * kCompactOsBlock;
+    if (Step written = Tell(BlockCommand(mKind, image, place)); !written) return written;
+    onBlock(block + 1, count);
+  }
+  if (mKind == CompactKind::Q50) {
+    if (Step closed = Tell("FW00000000"); !closed) return closed;
+  }
+  mWork.left = OsWaits;
+  return {};
+}
+
+CompactBootLoader::Step CompactBootLoader::Reset() {
+  if (Step reset = Tell("CCE"); !reset && !IsInDoubt(reset.error())) return reset;
+  // A link that is lost now comes back when the controller is looked for.
+  static_cast<void>(mKind == CompactKind::PR1 ? ReopenLater() : mWork.link.SetComParams(mUsual));
+  return {};
+}
+
+void CompactBootLoader::FindOutWhatIsLeft(const std::string& newOs) {
+  if (mWork.left == Untouched) return;
+  const StopScope asking(mWork.pacer);  // a stop ended the download, not this question
+  const auto found = FindAnywhere();
+  if (!found) return;
+  const ControllerLeft before = mWork.left;
+  const bool mayBeNew = before == BootLoaderErased || before == OsWaits;
+  switch (found->info.state) {
+    case 'R':
+      mWork.left = mayBeNew && found->OsText() == newOs ? NewOs : before == Stopped ? Untouched : OldOs;
+      break;
+    case 'S':
+      mWork.left = Stopped;
+      break;
+    case 'B':
+      if (before == Stopped || before == BootLoaderPerhaps) mWork.left = BootLoader;
+      break;
+    default:
+      break;
+  }
+}
+
+std::string CompactBootLoader::SpeedText() const {
+  const int now = mWork.link.GetComParams().baudRate;
+  if (now == mUsual.baudRate) return "";
+  return "The link stays at " + std::to_string(now) + " baud, at which the boot loader listens; once it has been " +
+         "switched off and on, the controller listens at its usual speed again.";
+}
+
+// A controller that has restarted by itself has its usual speed again.
+std::optional<FoundController> CompactBootLoader::FindAnywhere() {
+  Channel& link = mWork.link;
+  if (const auto found = FindController(link)) return *found;
+  const ComParams now = link.GetComParams();
+  if (now == mUsual || !link.SetComParams(mUsual)) return std::nullopt;
+  if (const auto found = FindController(link)) return *found;
+  static_cast<void>(link.SetComParams(now));
+  return std::nullopt;
+}
+
+CompactBootLoader::Reply CompactBootLoader::Ask(const std::string& command, ControllerLeft then) {
+  for (bool isRepeated = false;; isRepeated = true) {
+    if (Step goesOn = mWork.StopPoint(); !goesOn) return std::unexpected(std::move(goesOn.error()));
+    std::string data;
+    Step done = mWork.Do(then, [&]() -> Step {
+      const auto reply = mWork.Send(command);
+      if (!reply) return std::unexpected(reply.error());
+      data = reply->Data();
+      return {};
+    });
+    if (done) return data;
+    // It was executed the first time, and is still at work.
+    if (isRepeated && done.error().link.code == LinkErrorCode::Busy) return "OK";
+    if (!mWork.GoesOnAfter(done.error())) return std::unexpected(std::move(done.error()));
+  }
+}
+
+CompactBootLoader::Step CompactBootLoader::Tell(const std::string& command, ControllerLeft then) {
+  const Reply data = Ask(command, then);
+  if (!data) return std::unexpected(data.error());
+  if (*data == "OK") return {};
+  return mWork.Fail(DownloadCause::Reply,
+                    command.substr(0, 4) + " was answered with \"" + *data + "\", which is no OK.");
+}
+
+}  // namespace kv

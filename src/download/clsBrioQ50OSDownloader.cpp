@@ -1,0 +1,312 @@
+#include "download/clsBrioQ50OSDownloader.h"
+
+#include "base/PathText.h"
+#include "base/ScopeGuard.h"
+#include "clone/RestoreCheck.h"
+#include "download/OsFileLists.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view kTitle = "O/S Downloader";  // of every box
+constexpr int kProgramming = 1;                        // the one phase of which progress is told
+constexpr int kOldestQ50Os = 160;
+
+// Speeds at which a controller may be when nobody answers at the link's own: those of boot loaders first.
+constexpr int kOtherSpeeds[] = {57600, 9600, 115200};
+
+// A download that was cut may have left link or controller at the speed of a boot loader.
+bool MayBeDeaf(const LinkError& error) {
+  return error.code == LinkErrorCode::NoReply || error.code == LinkErrorCode::Damaged;
+}
+
+// A version of 0 is not known, and let through.
+bool IsTooOld(int version) {
+  return version > 0 && version <= kOldestQ50Os;
+}
+
+}  // namespace
+
+bool clsBrioQ50OSDownloader::DownloadOS(Channel& link, const DownloadOrder& order) {
+  const ScopeGuard ended([this, &link] {
+    link.SetLinkBusy(false);
+    mWindow.ResetProgress(1);
+    mWindow.SetStatus("");
+  });
+  link.SetLinkBusy(true);
+  mWork.emplace(link, mWindow, mPrompts, mPacer, order);
+  const Step done = RunSteps();
+  mOutcome = done ? DownloadOutcome{.left = mWork->left} : done.error();
+  return done.has_value();
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::RunSteps() {
+  using C = clsBrioQ50OSDownloader;
+  constexpr Step (C::* kSteps[])() = {&C::Identify,        &C::ChooseFile,    &C::CheckSuits,  &C::CheckBuilds,
+                                      &C::CheckFile,       &C::ShowBothSides, &C::CheckBackup, &C::AskToEndLoad,
+                                      &C::Confirm,         &C::EndDryRun,     &C::Backup,
+                                      &C::CheckFile,  // it may have become another one while the questions were open
+                                      &C::EnterBootLoader, &C::AgreeOnSpeed,
+                                      &C::CheckFile,  // the last moment at which the old O/S is still there
+                                      &C::EraseFlash,      &C::Program,       &C::Restart,     &C::IdentifyAgain};
+  for (const auto step : kSteps) {
+    Step done = (this->*step)();
+    if (done && mWork->left == ControllerLeft::Untouched) done = mWork->StopPoint();
+    if (!done) return done;
+  }
+  return {};
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Identify() {
+  Identification controller = AskIdentification();
+  if (!controller && MayBeDeaf(controller.error().link)) controller = AskAtOtherSpeeds(std::move(controller.error()));
+  if (!controller) return std::unexpected(std::move(controller.error()));
+  mController = *controller;
+  auto found = FindController(mWork->link);
+  if (!found) return mWork->FailOf(found.error());
+  mFound = *std::move(found);
+  return {};
+}
+
+clsBrioQ50OSDownloader::Identification clsBrioQ50OSDownloader::AskIdentification() {
+  const auto reply = mWork->Send("ID");
+  if (!reply) return std::unexpected(reply.error());
+  if (const auto controller = ParseCompactIdentification(reply->Data())) return *controller;
+  return mWork->Refuse("This is no controller of the compact family. Nothing was sent that changes it.");
+}
+
+clsBrioQ50OSDownloader::Identification clsBrioQ50OSDownloader::AskAtOtherSpeeds(DownloadOutcome failure) {
+  Channel& link = mWork->link;
+  const ComParams before = link.GetComParams();
+  if (before.baudRate == 0) return std::unexpected(std::move(failure));
+  mWindow.SetStatus("Looking for the boot loader...");
+  for (const int speed : kOtherSpeeds) {
+    if (speed == before.baudRate || !link.OpenLink(link.CommPort(), speed)) continue;
+    Identification controller = AskIdentification();
+    if (controller || !MayBeDeaf(controller.error().link)) return controller;
+  }
+  static_cast<void>(link.SetComParams(before));
+  return std::unexpected(std::move(failure));
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ChooseFile() {
+  if (mGiven) {
+    mChosen = *mGiven;
+  } else {
+    const FileList list = ListCompactOsFiles(mPaths, mController);
+    const std::string missing = "O/S file(s) missing in " + Utf8FromPath(list.folder);
+    if (list.IsEmpty()) return Refuse(DownloadCause::File, missing, PromptIcon::Information, missing + ".");
+    const auto place = mWindow.ChooseCompactOs(list);
+    if (!place || *place >= list.files.size()) return Decline("No O/S was chosen.");
+    mChosen = list.files[*place].path;
+  }
+  mName = CompactOsNameIn(Utf8FromPath(mChosen.filename()));
+  return {};
+}
+
+// The controller may have become another one while the list was open.
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::CheckSuits() {
+  const Identification controller = AskIdentification();
+  if (!controller) return std::unexpected(controller.error());
+  mController = *controller;
+  if (mName && mName->model == mController.OsModel()) return {};
+  const std::string what = mName ? "is for a " + mName->model : "has no name of an O/S for the compact family";
+  return Refuse(
+      DownloadCause::NotFit, "Selected O/S file does not suite the PLC you communicate with.", PromptIcon::Information,
+      Utf8FromPath(mChosen) + " " + what + ", and the controller takes an O/S for a " + mController.OsModel() + ".");
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::CheckBuilds() {
+  const bool isOlder = IsTooOld(mName->number.version) || IsTooOld(mController.osVersion);
+  if (mController.kind != CompactKind::Q50 || !isOlder) return {};
+  const std::string text = "Operation supported only for O/S version higher then Build 1.60";
+  return Refuse(DownloadCause::NotFit, text, PromptIcon::Information, text + ".");
+}
+
+// The first time it is read; afterwards it must still be the same one.
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::CheckFile() {
+  auto file = ReadCompactOsFile(mChosen);
+  const bool isAnother = file && mFile && file->stamp != mFile->stamp;
+  if (file && !isAnother) {
+    mFile = *std::move(file);
+    return {};
+  }
+  return Refuse(DownloadCause::File, "Invalid O/S File!", PromptIcon::Exclamation,
+                isAnother ? Utf8FromPath(mChosen) + " has been changed since it was chosen." : file.error().Text());
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ShowBothSides() {
+  if (!mWork->order.onPreview) return {};
+  DownloadPreview preview{.controller = ControllerName(),
+                          .now = SideOf(mFound),
+                          .then = FileSide(),
+                          .bytes = mFile->image.size(),
+                          .about = TimeOnBootLink()};
+  preview.losses.emplace_back("The O/S that is in the controller. Until the new one is whole, it has none.");
+  if (const std::string advice = StateAdvice(mFound); !advice.empty()) preview.warnings.push_back(advice);
+  mWork->order.onPreview(preview);
+  return {};
+}
+
+// The boot loaders of a Q50, Q51 and Q58 have a speed of their own.
+Duration clsBrioQ50OSDownloader::TimeOnBootLink() const {
+  constexpr std::uint64_t kOfBlock = 2 * kCompactOsBlock + 16 + 22;  // its digits, the rest of the frame, the reply
+  constexpr int kBootBaud = 57600;
+  const std::uint64_t blocks = mFile->image.size() / kCompactOsBlock;
+  const Duration about = TimeOnLink(mWork->link, blocks * kOfBlock, blocks);
+  const int baud = mWork->link.GetComParams().baudRate;
+  const bool hasOwnSpeed = mController.kind == CompactKind::Q50 || mController.kind == CompactKind::Q51OrQ58;
+  return hasOwnSpeed && baud > 0 ? about * baud / kBootBaud : about;
+}
+
+DownloadSide clsBrioQ50OSDownloader::FileSide() const {
+  const OsNumber& number = mFile->head.number;
+  return {
+      .model = {}, .os = VersionText(number) + " (B0" + std::to_string(number.build) + ")", .fonts = {}, .project = {}};
+}
+
+std::string clsBrioQ50OSDownloader::ControllerName() const {
+  return ControllerText(mFound.version, mFound.info, mWork->order.link);
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::CheckBackup() {
+  if (mWork->order.backup == nullptr || !mController.isInBoot) return {};
+  auto refused = mWork->Refuse(
+      "A controller in its boot loader cannot be cloned, so there can be no backup.\nWhat to do: download without "
+      "one.");
+  refused.error().cause = DownloadCause::Backup;
+  return refused;
+}
+
+// A question of its own: who wants an O/S downloaded need not know that somebody else is at it.
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::AskToEndLoad() {
+  if (mFound.info.state != 'L') return {};
+  const std::string question =
+      "The controller (" + ControllerName() +
+      ") is loading: a restore or download was cut, or somebody else's is under way. What is being loaded would be "
+      "lost, and somebody else's tool may take what comes out for its own. End that load?";
+  if (mWork->Asks(DownloadQuestion::EndLoad, question, PromptIcon::Exclamation, kTitle)) return {};
+  return Decline("A load is under way in the controller, or was cut, and was not to be ended.");
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Confirm() {
+  if (mController.isInBoot) return {};
+  const bool isWanted = mWork->Asks(
+      DownloadQuestion::Begin,
+      "Note that the download O/S process will cause:\r\n - Your current application to STOP running.\r\n - The PLC to "
+      "RESET at the end of the download process.\r\n\r\nContinue ?",
+      PromptIcon::Exclamation, kTitle);
+  return isWanted ? Step() : Decline("The download was not confirmed.");
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EndDryRun() {
+  if (!mWork->order.isDryRun) return {};
+  return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Backup() {
+  if (mWork->order.backup == nullptr) return {};
+  return mWork->order.backup->Take(mWork->link, mFound, ControllerName(), Utf8FromPath(mChosen.filename()));
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EnterBootLoader() {
+  mBoot.emplace(*mWork, mController.kind);
+  if (mController.isInBoot) {
+    mWork->left = ControllerLeft::BootLoaderAsFound;
+    return {};
+  }
+  mWindow.SetStatus("Entering the boot loader...");
+  return ShowFailure(mBoot->Enter(), "O/S Download Failed!");
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::AgreeOnSpeed() {
+  return ShowFailure(mBoot->AgreeOnSpeed(), "O/S Download Failed!");
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EraseFlash() {
+  mWindow.SetStatus("Erasing the flash...");
+  return ShowFailure(mBoot->EraseFlash(), "Error during FLASH erase! Operation failed.");
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Program() {
+  mWindow.SetStatus("Downloading O/S...");
+  const auto onBlock = [this](std::int64_t block, std::int64_t count) {
+    mWindow.ProgressInfo(kProgramming, block, count);
+    mWindow.AmountSent(static_cast<std::uint64_t>(block) * kCompactOsBlock, mFile->image.size());
+  };
+  return ShowFailure(mBoot->Write(mFile->image, onBlock), "O/S Download Failed!");
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Restart() {
+  mWindow.SetStatus("Restarting the controller...");
+  return ShowFailure(mBoot->Reset(), "O/S Download Failed!");
+}
+
+// Only what the controller says then makes a success of it.
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::IdentifyAgain() {
+  const auto after = FindAgain();
+  if (after) return HoldAgainstFile(*after);
+  const std::string text = "The O/S was sent, but the controller was not identified after its restart.";
+  Tell(text, PromptIcon::Exclamation);
+  auto failed = mWork->Fail(DownloadCause::Unproven, text + "\n" + after.error().Text());
+  failed.error().link = after.error();
+  return failed;
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::HoldAgainstFile(const FoundController& after) {
+  mReview = DownloadReview{SideOf(mFound), SideOf(after)};
+  const bool isInBoot = after.info.state == 'B';
+  std::string differences = isInBoot ? "\r\nIts boot loader runs." : "";
+  for (const std::string& difference : DifferencesFrom(FileSide(), mReview->after)) differences += "\r\n" + difference;
+  if (differences.empty()) {
+    mWork->left = ControllerLeft::NewOs;
+    Tell("O/S Download Succeded!", PromptIcon::Information);
+    return {};
+  }
+  if (isInBoot) mWork->left = ControllerLeft::BootLoaderErased;
+  const std::string text = "The O/S was sent, but the controller does not run it." + differences;
+  Tell(text, PromptIcon::Exclamation);
+  return mWork->Fail(DownloadCause::Unproven, text);
+}
+
+// The controller has its usual speed again. The link may not, when both were found at that of a boot loader.
+std::expected<FoundController, LinkError> clsBrioQ50OSDownloader::FindAgain() {
+  Channel& link = mWork->link;
+  auto found = FindAfterReset(link, mPacer, mFound.info.serialNumber);
+  const int baud = link.GetComParams().baudRate;
+  if (found || !MayBeDeaf(found.error()) || baud == 0) return found;
+  for (const int speed : kOtherSpeeds) {
+    if (speed == baud || !link.OpenLink(link.CommPort(), speed)) continue;
+    if (FindController(link)) return FindAfterReset(link, mPacer, mFound.info.serialNumber);
+  }
+  static_cast<void>(link.OpenLink(link.CommPort(), baud));
+  return found;
+}
+
+void clsBrioQ50OSDownloader::Tell(const std::string& text, PromptIcon icon) {
+  mWork->Tell(text, icon, kTitle);
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Decline(std::string reason) const {
+  if (mPacer.StopRequested()) return mWork->Stop();
+  return std::unexpected(
+      DownloadOutcome{.end = DownloadEnd::Declined, .cause = DownloadCause::User, .reason = std::move(reason)});
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Refuse(DownloadCause cause, const std::string& text,
+                                                            PromptIcon icon, std::string reason) {
+  auto refused = mWork->Fail(cause, std::move(reason));
+  if (!mBoot) refused.error().end = DownloadEnd::Refused;
+  return mBoot ? ShowFailure(refused, text) : (Tell(text, icon), Step(refused));
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ShowFailure(Step step, const std::string& text) {
+  if (step) return step;
+  mBoot->FindOutWhatIsLeft(*FileSide().os);
+  step.error().left = mWork->left;
+  if (const std::string speed = mBoot->SpeedText(); !speed.empty()) step.error().reason += "\n" + speed;
+  if (step.error().end != DownloadEnd::Stopped) Tell(text, PromptIcon::Exclamation);
+  return step;
+}
+
+}  // namespace kv

@@ -1,0 +1,327 @@
+// The O/S of a compact controller: what is asked, what is sent, at which speed, and what is left when it is cut.
+
+#include <gmock/gmock.h>
+
+#include "AurexOsFixture.h"
+#include "KvCmDrv1/ports/SimulatedPort.h"
+#include "download/clsBrioQ50OSDownloader.h"
+#include "tests/support/MarkdownTables.h"
+
+namespace kv::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const std::string kAsked = "O/S Downloader: Note that the download O/S process will cause:";
+const std::string kSucceeded = "O/S Downloader: O/S Download Succeded!";
+const std::string kEraseFailed = "O/S Downloader: Error during FLASH erase! Operation failed.";
+constexpr int kUsualBaud = 115200;
+
+// A compact controller on a serial line that garbles what is sent at the wrong speed, or on one without a speed.
+struct CompactOsFixture {
+  explicit CompactOsFixture(sim::SimulatorOptions options, bool isSerial = true) {
+    options.memorySeed = 1;
+    options.baud = kUsualBaud;
+    auto watched = std::make_unique<WatchedController>(sim::Controller::Create(options).value());
+    controller = watched.get();
+    simulated = sim::SimulatedController::CreateAround(std::move(watched), options).value();
+    settings.transport = isSerial ? Transport::Serial : Transport::Simulated;
+    settings.serialPort = "COM3";
+    settings.timeOut = 300ms;
+    const std::pair<const char*, const char*> samples[] = {
+        {"OS50", "Q50"}, {"OS51", "Q51"}, {"OS51", "Q58"}, {"OSPX", "PX1"}, {"OSPR", "PR1"}};
+    for (const auto& [name, model] : samples) Put(name, model, {"4.71", 2});
+  }
+
+  std::filesystem::path Put(const std::string& name, const std::string& model, const sim::OsVersion& os) {
+    const auto to = home.Path() / "OS" / name;
+    std::filesystem::create_directories(to);
+    const auto file = to / sim::OsFileName(ModelCalled(model), os);
+    AurexOsFixture::PutFile(file, SampleOs(model, os));
+    return file;
+  }
+  std::shared_ptr<Channel> Link() {
+    driver.UseSettings(settings, false);
+    return driver.GetChannel();
+  }
+  bool Download(const DownloadOrder& order = {}, const std::filesystem::path& file = {}) {
+    desk.said.clear();
+    controller->told.clear();
+    const auto link = Link();
+    if (!link) return false;
+    clsBrioQ50OSDownloader engine(desk, desk, pacer, paths);
+    if (!file.empty()) engine.UseFile(file);
+    const bool isDone = engine.DownloadOS(*link, order);
+    outcome = engine.Outcome();
+    EXPECT_EQ(isDone, outcome.end == DownloadEnd::Done);
+    EXPECT_EQ(isDone, !desk.said.empty() && desk.said.back() == kSucceeded);
+    return isDone;
+  }
+  // As a user does it later, from a program that knows the usual speed alone.
+  bool DownloadAgain() {
+    EXPECT_TRUE(simulated->UseFaults({}));
+    controller->onText = nullptr;
+    driver.CloseDriver();
+    pacer.Sleep(70s);
+    return Download();
+  }
+  // What the controller was told, the blocks of the image as one.
+  std::string Told() const {
+    std::string all;
+    for (const std::string& text : controller->told) {
+      const bool isBlock = text.size() > 100;
+      const std::string word = isBlock ? text.substr(0, text.starts_with("FW") ? 2 : 3) : text;
+      if (!isBlock || !all.ends_with(" " + word)) all += " " + word;
+    }
+    return all.substr(std::min<std::size_t>(1, all.size()));
+  }
+  void AnswerTo(const std::string& command, const std::string& reply) {
+    controller->onText = [=](std::string_view text, sim::TextReply& told) {
+      if (text.starts_with(command)) told.text = reply;
+    };
+  }
+
+  TemporaryFolder home;
+  ProgramPaths paths{home.Path()};
+  VirtualPacer pacer;
+  Desk desk;
+  WatchedController* controller = nullptr;
+  std::unique_ptr<sim::SimulatedController> simulated;
+  LinkSettings settings;
+  Driver driver{pacer, [this](const std::string&) { return simulated->NewLine(); },
+                [this](const LinkSettings& link, Pacer&, ListeningSocket*) {
+                  auto port = std::make_unique<SimulatedPort>(simulated->NewLine(), "", pacer);
+                  EXPECT_TRUE(port->SetBaudRate(link.baudRate));
+                  return port;
+                }};
+  DownloadOutcome outcome;
+};
+
+sim::SimulatorOptions Plc(const std::string& model, const std::string& os = "", bool boot = false) {
+  sim::SimulatorOptions options;
+  options.model = model;
+  options.osVersion = os;
+  options.boot = boot;
+  return options;
+}
+
+TEST(CompactOs, EveryModelGetsItsOwnOnEveryKindOfLine) {
+  struct Row {
+    const char* model;
+    const char* told;
+    Duration waits;
+  };
+  const Row rows[] = {
+      {"Q50", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE", 1s},
+      {"Q50Net", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE", 1s},
+      {"Q51", "CCS CCS CCB CPSR010A FS05 OSE0 OSP CCE", 1s},
+      {"Q58", "CCS CCS CCB CPSR010A FS05 OSE0 OSP CCE", 1s},
+      {"PX1", "CCS CCS CCB FS05 OSC7F OSP CCE", 1s},
+      {"PR1", "CCS CCS CCB FS05 OSC7F OSP CCE", 1s + 2 * 4000ms + 5000ms},
+      {"BRIO", "CCS CCS CCB FS05 OSC7F OSP CCE", 1s},
+  };
+  for (const Row& row : rows) {
+    for (const bool isSerial : {true, false}) {
+      for (const bool boot : {false, true}) {
+        SCOPED_TRACE(std::string(row.model) + (isSerial ? " serial" : "") + (boot ? " in boot" : ""));
+        CompactOsFixture fixture(Plc(row.model, "", boot), isSerial);
+        const Instant start = fixture.pacer.Now();
+        EXPECT_TRUE(fixture.Download()) << OutcomeText(fixture.outcome);
+        const std::string enter = "CCS CCS CCB ";
+        EXPECT_EQ(fixture.Told(), boot ? row.told + enter.size() : row.told);
+        EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
+        EXPECT_EQ(fixture.desk.said.size(), boot ? 1U : 2U);
+        EXPECT_GE(fixture.pacer.Now() - start, boot ? 0s : row.waits);
+        EXPECT_EQ(fixture.Link()->GetComParams().baudRate, isSerial ? kUsualBaud : 0) << "as it was before";
+      }
+    }
+  }
+}
+
+TEST(CompactOs, WhatDoesNotFitIsRefusedAndNothingIsSent) {
+  for (const char* model : {"Q50", "Q51", "Q58", "PX1", "PR1", "BRIO"}) {
+    for (const char* os : {"Q50", "Q51", "Q58", "PX1", "PR1"}) {
+      if (ModelCalled(model).osModel == os) continue;
+      for (const bool boot : {false, true}) {
+        SCOPED_TRACE(std::string(model) + " is given the O/S of a " + os);
+        CompactOsFixture fixture(Plc(model, "", boot));
+        EXPECT_FALSE(fixture.Download({}, fixture.Put("", os, {"4.71", 2})));
+        EXPECT_EQ(fixture.outcome.end, DownloadEnd::Refused);
+        EXPECT_THAT(fixture.desk.said,
+                    ElementsAre("O/S Downloader: Selected O/S file does not suite the PLC you communicate with."));
+        EXPECT_EQ(fixture.Told(), "");
+      }
+    }
+  }
+  const std::tuple<const char*, const char*, bool> builds[] = {
+      {"1.60", "1.61", false}, {"1.61", "1.60", false}, {"1.61", "1.61", true}, {"0.00", "1.61", true}};
+  for (const auto& [installed, chosen, isTaken] : builds) {
+    SCOPED_TRACE(std::string(installed) + " to " + chosen);
+    CompactOsFixture fixture(Plc("Q50", installed));
+    EXPECT_EQ(fixture.Download({}, fixture.Put("", "Q50", {chosen, 2})), isTaken);
+    if (!isTaken) {
+      EXPECT_THAT(fixture.desk.said,
+                  ElementsAre("O/S Downloader: Operation supported only for O/S version higher then Build 1.60"));
+      EXPECT_EQ(fixture.Told(), "");
+    }
+  }
+  CompactOsFixture none(Plc("PR1"));
+  std::filesystem::remove_all(none.home.Path() / "OS" / "OSPR");
+  EXPECT_FALSE(none.Download());
+  EXPECT_THAT(none.desk.said, ElementsAre(testing::StartsWith("O/S Downloader: O/S file(s) missing in ")));
+  CompactOsFixture other(Plc("K330"));
+  EXPECT_FALSE(other.Download());
+  EXPECT_EQ(other.outcome.end, DownloadEnd::Refused);
+  EXPECT_THAT(other.controller->told, IsEmpty());
+}
+
+TEST(CompactOs, AFileThatChangesMeanwhileIsNotSentAndADryRunSendsNothing) {
+  CompactOsFixture fixture(Plc("Q51"));
+  EXPECT_FALSE(fixture.Download({.isDryRun = true}));
+  EXPECT_EQ(fixture.outcome.end, DownloadEnd::WouldGoOn);
+  EXPECT_THAT(fixture.desk.said, ElementsAre(kAsked));
+  EXPECT_EQ(fixture.Told(), "");
+
+  const auto file = fixture.home.Path() / "OS" / "OS51" / "Q51v4712.OSI";
+  const std::string other = SampleOs("Q51", {"4.71", 2}, 999);
+  for (const std::string& content : {other, other.substr(0, 500), std::string()}) {
+    fixture.Put("OS51", "Q51", {"4.71", 2});
+    fixture.desk.answer = [&](const MessageBox& box) {
+      if (box.buttons == PromptButtons::YesNo) AurexOsFixture::PutFile(file, content);
+      return Consent(box.buttons);
+    };
+    EXPECT_FALSE(fixture.Download());
+    EXPECT_THAT(fixture.desk.said, ElementsAre(kAsked, "O/S Downloader: Invalid O/S File!"));
+    EXPECT_EQ(fixture.Told(), "");
+  }
+}
+
+// What would make it tell a success that is none, and polls that never end.
+TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
+  struct Row {
+    const char* command;
+    const char* reply;
+    const char* box;
+    ControllerLeft left;
+    Duration atLeast;
+  };
+  const Row rows[] = {
+      {"FI", "FI50", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoader, 0s},
+      {"FI", "FI10", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoader, 15500ms},
+      {"OSS", "OS20", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderErased, 0s},
+      {"OSS", "OS11", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderErased, 31s},
+      {"OSP00080", "OSNO", "O/S Download Failed!", ControllerLeft::BootLoaderErased, 0s},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::string(row.command) + " " + row.reply);
+    CompactOsFixture fixture(Plc("Q51"));
+    fixture.AnswerTo(row.command, row.reply);
+    const Instant start = fixture.pacer.Now();
+    EXPECT_FALSE(fixture.Download());
+    EXPECT_THAT(fixture.desk.said, ElementsAre(kAsked, "O/S Downloader: " + std::string(row.box)));
+    EXPECT_EQ(fixture.outcome.left, row.left);
+    EXPECT_GE(fixture.pacer.Now() - start, row.atLeast);
+    EXPECT_LE(fixture.pacer.Now() - start, row.atLeast + 8s);
+    EXPECT_TRUE(fixture.DownloadAgain()) << OutcomeText(fixture.outcome);
+  }
+
+  CompactOsFixture damaged(Plc("Q51"));
+  damaged.controller->onText = [&damaged](std::string_view text, sim::TextReply& told) {
+    if (text.starts_with("OSP00000")) damaged.controller->Tell("OSP00040" + std::string(128, 'A'));
+    if (text.starts_with("OSP00040")) told.text = "OSOK";
+  };
+  EXPECT_FALSE(damaged.Download());
+  EXPECT_EQ(damaged.outcome.left, ControllerLeft::BootLoaderErased);
+  EXPECT_THAT(damaged.desk.said.back(), HasSubstr("The O/S was sent, but the controller does not run it."));
+  CompactOsFixture kept(Plc("Q51"));
+  kept.AnswerTo("ID", "IDQ51-2-R34|51|4.60|19");
+  EXPECT_FALSE(kept.Download());
+  EXPECT_EQ(kept.outcome.cause, DownloadCause::Unproven);
+  EXPECT_THAT(kept.desk.said.back(), HasSubstr("The O/S was sent, but the controller does not run it."));
+}
+
+// What the controller is after a failure must be what is said, and the ways out must lead out.
+void CheckLeft(CompactOsFixture& fixture) {
+  const std::string truth = fixture.controller->Truth();
+  const char state = truth.back();
+  const bool isNew = truth.contains("|4.71|02|");
+  switch (fixture.outcome.left) {
+    case ControllerLeft::Untouched:
+    case ControllerLeft::OldOs:
+      EXPECT_TRUE(state == 'R' && !isNew) << truth;
+      break;
+    case ControllerLeft::Stopped:
+      EXPECT_TRUE(state == 'S' || state == 'R') << truth;
+      break;
+    case ControllerLeft::BootLoader:
+    case ControllerLeft::BootLoaderPerhaps:
+      fixture.controller->Restart();
+      EXPECT_TRUE(fixture.controller->Truth().ends_with("|4.60|19|R")) << "switched off and on: the old one";
+      break;
+    case ControllerLeft::BootLoaderErased:
+      EXPECT_EQ(state, 'B') << truth;
+      break;
+    case ControllerLeft::OsWaits:
+      if (state == 'B') fixture.controller->Restart();
+      EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
+      break;
+    case ControllerLeft::NewOs:
+      EXPECT_TRUE(state == 'R' && isNew) << truth;
+      break;
+    default:
+      ADD_FAILURE() << "no state that a failure leaves";
+  }
+}
+
+// The row of the page for a cut behind the last command that the controller got.
+bool IsOnThePage(const CompactOsFixture& fixture) {
+  const std::string told = fixture.Told();
+  const std::string last = told.empty() ? "nothing" : told.substr(told.rfind(' ') + 1);
+  return std::ranges::any_of(
+      RowsBelow({"Last command of an O/S that a compact controller got"}, "downloads.md"),
+      [&](const Row& row) { return row.front().contains(last) && row.at(1) == LeftBehindText(fixture.outcome.left); });
+}
+
+constexpr int kExchanges = 45;  // more than a download of five blocks has
+
+class CompactOsCut : public testing::TestWithParam<std::tuple<const char*, bool>> {};
+
+// The link, the power, or all replies go at each exchange in turn, until the download gets through.
+TEST_P(CompactOsCut, LeavesWhatItSaysAtEachExchangeAndGetsThroughAgain) {
+  const auto& [model, isSerial] = GetParam();
+  for (const std::string fault :
+       {"lost:away=60000,", "lost:at=0,away=60000,", "reset:", "noreply:max=1,", "cut:after=9,"}) {
+    int failures = 0;
+    for (int nth = 1; nth < 200; ++nth) {
+      SCOPED_TRACE(fault + " " + std::to_string(nth));
+      CompactOsFixture fixture(Plc(model), isSerial);
+      EXPECT_TRUE(fixture.simulated->UseFaults({fault + "nth=" + std::to_string(nth)}));
+      if (fixture.Download()) {
+        EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
+        if (nth > kExchanges) break;
+        continue;
+      }
+      ++failures;
+      EXPECT_NE(fixture.outcome.reason, "");
+      CheckLeft(fixture);
+      EXPECT_TRUE(!fault.starts_with("lost") || IsOnThePage(fixture)) << fixture.Told();
+      EXPECT_TRUE(fixture.DownloadAgain()) << OutcomeText(fixture.outcome);
+      EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
+    }
+    const bool isMended = fault.starts_with("noreply") || fault.starts_with("cut");
+    EXPECT_EQ(failures == 0, isMended) << fault;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, CompactOsCut,
+                         testing::Values(std::tuple("Q51", true), std::tuple("Q50", true), std::tuple("PR1", true),
+                                         std::tuple("Q51", false)),
+                         [](const auto& row) {
+                           return std::string(std::get<0>(row.param)) + (std::get<1>(row.param) ? "Serial" : "Tcp");
+                         });
+
+}  // namespace
+}  // namespace kv::test
