@@ -1,10 +1,8 @@
 #include "desktop/ui/QtPrompts.h"
 
-#include <QApplication>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -12,8 +10,7 @@
 #include <QVBoxLayout>
 #include <array>
 
-#include "base/ScopeGuard.h"
-#include "desktop/ui/BusyState.h"
+#include "desktop/ui/RunDialog.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv {
@@ -53,22 +50,6 @@ QString FromText(const std::string& text) {
   return QString::fromStdString(text).replace("\r\n", "\n");
 }
 
-QWidget* Owner() {
-  QWidget* modal = QApplication::activeModalWidget();
-  return modal ? modal : QApplication::activeWindow();
-}
-
-// Runs a dialog with the ordinary pointer and no veil, whatever the operation behind it shows.
-int Run(QDialog& dialog) {
-  const BusyPause pause;
-  const bool isBusy = QGuiApplication::overrideCursor() != nullptr;
-  if (isBusy) QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
-  const ScopeGuard restore([&] {
-    if (isBusy) QGuiApplication::restoreOverrideCursor();
-  });
-  return dialog.exec();
-}
-
 // "Description|*.ext;*.ext2|..." as the toolkit writes it: "Description (*.ext *.ext2)". A description that names the
 // patterns itself does not name them twice.
 QStringList NameFilters(const std::string& filter) {
@@ -93,7 +74,7 @@ QString DefaultSuffix(const std::string& filter) {
 std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::AcceptMode mode, LastFolders& folders) {
   const bool isNamed = !asked.folder.empty() && QFileInfo(QString::fromStdString(asked.folder)).isDir();
   const std::string folder = isNamed ? asked.folder : folders.Of(asked.purpose);
-  QFileDialog dialog(Owner(), QString::fromStdString(asked.title), QString::fromStdString(folder));
+  QFileDialog dialog(DialogOwner(), QString::fromStdString(asked.title), QString::fromStdString(folder));
   dialog.setObjectName("FileDialog");
   dialog.setAcceptMode(mode);
   dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
@@ -101,7 +82,7 @@ std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::Acce
   if (mode == QFileDialog::AcceptSave) dialog.setDefaultSuffix(DefaultSuffix(asked.filter));
   dialog.resize(dialog.sizeHint().boundedTo(RoomFor(dialog)));
   if (!asked.initial.empty()) dialog.selectFile(QString::fromStdString(asked.initial));
-  if (Run(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  if (RunDialog(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   const QString chosen = dialog.selectedFiles().first();
   // A path may have been typed into a dialog that shows another folder.
   folders.Remember(asked.purpose, QFileInfo(chosen).path().toStdString());
@@ -112,7 +93,7 @@ std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::Acce
 
 PromptAnswer QtPrompts::Show(const MessageBox& box) {
   QMessageBox shown(BoxIcon(box.icon), QString::fromStdString(box.title), FromText(box.text), QMessageBox::NoButton,
-                    Owner());
+                    DialogOwner());
   shown.setObjectName("MessageBox");
   shown.setTextFormat(Qt::PlainText);
   shown.setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -123,7 +104,7 @@ PromptAnswer QtPrompts::Show(const MessageBox& box) {
     if (button.answer == LeastCommitting(box.buttons)) shown.setEscapeButton(button.standard);
     if (button.answer == preset) shown.setDefaultButton(button.standard);
   }
-  const int pressed = Run(shown);
+  const int pressed = RunDialog(shown);
   for (const Button& button : kButtons) {
     if (button.standard == pressed) return button.answer;
   }
@@ -131,7 +112,7 @@ PromptAnswer QtPrompts::Show(const MessageBox& box) {
 }
 
 std::optional<std::string> QtPrompts::Ask(const InputBox& box) {
-  QDialog dialog(Owner());
+  QDialog dialog(DialogOwner());
   dialog.setObjectName("InputBox");
   dialog.setWindowTitle(QString::fromStdString(box.title));
   auto* label = new QLabel(FromText(box.text));
@@ -150,7 +131,7 @@ std::optional<std::string> QtPrompts::Ask(const InputBox& box) {
   page->addWidget(label);
   page->addWidget(input);
   page->addWidget(buttons);
-  if (Run(dialog) != QDialog::Accepted) return std::nullopt;
+  if (RunDialog(dialog) != QDialog::Accepted) return std::nullopt;
   return input->text().toStdString();
 }
 
