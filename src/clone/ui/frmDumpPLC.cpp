@@ -10,12 +10,11 @@
 #include <QTableView>
 #include <QToolBar>
 #include <algorithm>
-#include <cctype>
 #include <limits>
 
 #include "base/AnsiText.h"
-#include "base/DateText.h"
 #include "base/PathText.h"
+#include "clone/CloneFileName.h"
 #include "clone/CloneInfo.h"
 #include "clone/ProgramState.h"
 #include "clone/RestoreCheck.h"
@@ -97,13 +96,9 @@ std::optional<std::string> frmDumpPLC::AskForFile(const char* title) {
   return mServices.prompts.OpenFile({.title = title, .filter = kFilter, .purpose = kPurpose});
 }
 
-// The suggestion says what the clone is of and when it was made: "K220-22-R1-4711-2026-11-21.kdf".
 std::optional<std::string> frmDumpPLC::AskForNewFile(const char* title) {
-  std::string name = mModel.empty() ? mServices.shared.Remote->Model() : mModel + "-" + mSerialNumber;
-  for (char& each : name) {
-    if (!std::isalnum(static_cast<unsigned char>(each))) each = '-';
-  }
-  name += (name.empty() ? "" : "-") + DateText(mServices.clock.LocalTime()) + ".kdf";
+  const std::string model = mModel.empty() ? mServices.shared.Remote->Model() : mModel;
+  const std::string name = CloneFileName(model, mSerialNumber, mServices.clock.LocalTime());
   return mServices.prompts.SaveFile({.title = title, .filter = kFilter, .purpose = kPurpose, .initial = name});
 }
 
