@@ -1,5 +1,8 @@
 #include "KvTele2/TelepanelHost.h"
 
+#include <algorithm>
+#include <array>
+
 #include "KvTele2/HostCommands.h"
 #include "base/DateText.h"
 #include "base/PathText.h"
@@ -10,6 +13,8 @@ namespace kv {
 namespace {
 
 constexpr std::string_view kOwnCommands = "HOST_";
+// The tools that look or do otherwise in some editions of the program.
+constexpr auto kEditionTools = std::to_array<std::string_view>({"ID_Downloader", "ID_Help", "ID_About"});
 constexpr const char* kPagesFilter = "Telepanel Files (*.kta)|*.kta";
 
 // A project's name as a file's name: without the characters that some platform does not take.
@@ -41,7 +46,8 @@ void TelepanelHost::Click(std::string_view id, const std::string& argument) {
   } else if (id.starts_with(kOwnCommands)) {
     ClickOwn(id, argument);
   } else {
-    ClickTool(std::string(id), argument);
+    const bool isOfEdition = argument.empty() && std::ranges::find(kEditionTools, id) != kEditionTools.end();
+    ClickTool(std::string(id), isOfEdition ? mSettings.Read("Edition") : argument);
   }
   Show();
 }
