@@ -6,6 +6,7 @@
 #include "apps/KvTeleExe/DialogWindow.h"
 #include "clone/ui/frmDumpPLC.h"
 #include "dataview/ui/frmDataTypesView.h"
+#include "download/ui/frmDownloader.h"
 #include "sessions/ui/frmSession.h"
 
 namespace kv {
@@ -19,6 +20,11 @@ constexpr std::array kTable{
                     const mdlDataTypesView::DataTypesViewParts parts{of.shared,    of.prompts,     of.pacer,
                                                                      of.clipboard, of.hexSelector, of.clock};
                     return std::make_unique<frmDataTypesView>(parts, of.pacer, parent);
+                  }},
+    ToolWindowRow{"ID_Downloader", "Downloader.html",
+                  [](const WindowServices& of, const std::string& user, QWidget* parent) -> Made {
+                    const DownloaderServices services{of.shared, of.prompts, of.pacer, of.clock};
+                    return std::make_unique<frmDownloader>(services, user, parent);
                   }},
     ToolWindowRow{"ID_DumpPLC", "",
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {

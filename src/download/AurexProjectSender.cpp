@@ -7,7 +7,6 @@
 
 #include "base/Texts.h"
 #include "download/FileFields.h"
-#include "download/OsNumber.h"
 #include "link/BlockOperations.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
@@ -75,8 +74,10 @@ AurexProjectSender::Step AurexProjectSender::CheckOs(const FoundController& cont
     mWork.Tell(
         "This project cannot be downloaded because the O/S currently installed in the PLC is an outdated version.",
         PromptIcon::Information, "Download error");
-    return mWork.Refuse("The project needs O/S " + *NeededOs() + ", and the controller has " + controller.OsText() +
-                        ". Download a newer O/S first.");
+    return mWork.Refuse("The project needs O/S " + std::to_string(required) +
+                        " (version and build without points), "
+                        "and the controller has " +
+                        std::to_string(*installed) + ". Download a newer O/S first.");
   }
   if (required < *installed) {
     mWork.Tell("Note that the O/S currently installed in the PLC is higher than the O/S in project being downloaded",
@@ -93,11 +94,6 @@ ProjectSender::Traffic AurexProjectSender::Amount() const {
   return {.content = mProject.dataBytes,
           .bytes = mProject.dataBytes + 2 * kAroundMessage * topics + kOthers * kBytesOfOther,
           .exchanges = topics + kOthers};
-}
-
-std::optional<std::string> AurexProjectSender::NeededOs() const {
-  return VersionText({.version = mProject.osVersion, .build = mProject.osBuild}) + " (B" +
-         (mProject.osBuild < 10 ? "0" : "") + std::to_string(mProject.osBuild) + ") or newer";
 }
 
 // --- The download ---

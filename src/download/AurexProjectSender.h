@@ -15,7 +15,6 @@ class AurexProjectSender final : public ProjectSender {
   [[nodiscard]] Step CheckFits(const FoundController& controller) override;
   [[nodiscard]] Step Send() override;
   [[nodiscard]] Traffic Amount() const override;
-  [[nodiscard]] std::optional<std::string> NeededOs() const override;
 
  private:
   [[nodiscard]] Step CheckOs(const FoundController& controller);

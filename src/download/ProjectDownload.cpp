@@ -22,22 +22,15 @@ std::string FileNameOf(const ProjectFile& file) {
   return Utf8FromPath(file.path.filename());
 }
 
-// What is left, when the controller can be asked: it may have lost its power or been reset since, which ends a load.
-void AskWhatIsLeft(Channel& link, const std::string& oldProject, DownloadOutcome& outcome) {
+// What the controller says, beside what has gone wrong: of a link that is gone nothing more can be known.
+void AskWhatIsLeft(Channel& link, DownloadOutcome& outcome) {
   const bool isGone = outcome.link.code != LinkErrorCode::None && outcome.link.code != LinkErrorCode::Refused &&
                       outcome.link.code != LinkErrorCode::Busy;
   if (outcome.left == ControllerLeft::Untouched || isGone) return;
   const auto info = link.GetControllerInfo(link.UnitID());
   if (!info) return;
-  const std::string project = FoundController{{}, *info}.ProjectText();
   outcome.reason += std::string("\nAsked afterwards, the controller says that its state is ") + info->state +
-                    " and its project \"" + project + "\".";
-  const bool isBeforeErase = outcome.left == ControllerLeft::Stopped || outcome.left == ControllerLeft::ProjectBegun;
-  const bool mayBeLost = isBeforeErase || outcome.left == ControllerLeft::Programming;
-  if (isBeforeErase && IsRunningState(info->state) && project == oldProject) outcome.left = ControllerLeft::Untouched;
-  if (mayBeLost && info->state != 'L' && project.empty() && !oldProject.empty()) {
-    outcome.left = ControllerLeft::ProjectErased;
-  }
+                    " and its project \"" + FoundController{{}, *info}.ProjectText() + "\".";
 }
 
 }  // namespace
@@ -67,7 +60,6 @@ class ProjectDownload::Run {
   }
 
   [[nodiscard]] const std::optional<DownloadReview>& Review() const { return mReview; }
-  [[nodiscard]] std::string OldProject() const { return mController.ProjectText(); }
 
  private:
   Step Meet() {
@@ -83,7 +75,7 @@ class ProjectDownload::Run {
     const ProjectSender::Traffic traffic = mSender->Amount();
     mPreview = {.controller = mControllerText,
                 .now = SideOf(mController),
-                .then = {.model = mFile.Model(), .os = mSender->NeededOs(), .fonts = {}, .project = mFile.Name()},
+                .then = {.model = mFile.Model(), .os = {}, .fonts = {}, .project = mFile.Name()},
                 .bytes = traffic.content,
                 .about = TimeOnLink(mWork.link, traffic.bytes, traffic.exchanges)};
     const std::string old = mController.ProjectText();
@@ -219,7 +211,7 @@ void ProjectDownload::Download(Channel& link, const ProjectFile& file, const Dow
   const Step done = run.All();
   mReview = run.Review();
   mOutcome = done ? DownloadOutcome{.left = work.left} : done.error();
-  if (!done && mOutcome.cause != DownloadCause::Unproven) AskWhatIsLeft(link, run.OldProject(), mOutcome);
+  if (!done && mOutcome.cause != DownloadCause::Unproven) AskWhatIsLeft(link, mOutcome);
 }
 
 const std::string& ProjectFile::Name() const {

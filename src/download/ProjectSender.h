@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <string>
 
 #include "download/DownloadWork.h"
 #include "download/FoundController.h"
@@ -30,9 +28,6 @@ class ProjectSender {
     std::uint64_t exchanges = 0;
   };
   [[nodiscard]] virtual Traffic Amount() const = 0;
-
-  // "4.60 (B19) or newer"; nothing when the file does not tell.
-  [[nodiscard]] virtual std::optional<std::string> NeededOs() const { return std::nullopt; }
 };
 
 // The two sentences about a file that is made for another model.

@@ -291,7 +291,7 @@ TEST_F(MainWindowTest, EveryCommandAndControlCanBeReadAndReached) {
     }
     ExpectCommandsCanBeRead(window, ids);
     ExpectControlsCanBeRead(window);
-    EXPECT_THAT(Find<QAction>(window, "ID_Downloader").toolTip().toStdString(), HasSubstr("does not have this tool"));
+    EXPECT_THAT(Find<QAction>(window, "ID_LogIn").toolTip().toStdString(), HasSubstr("does not have this tool"));
   });
 }
 

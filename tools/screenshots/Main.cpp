@@ -12,9 +12,11 @@
 #include <iostream>
 #include <optional>
 
+#include "apps/kvsim/SampleSet.h"
 #include "tests/host_ui/ProgramRun.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tools/screenshots/ClonerPictures.h"
+#include "tools/screenshots/DownloaderPictures.h"
 
 namespace kv::test {
 namespace {
@@ -188,6 +190,11 @@ int main(int argc, char** argv) {
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) {
     kv::test::TakeClonerPictures(window, home.Path(),
                                  [&](QWidget& cloner, const char* name) { camera.Take(cloner, name); });
+  });
+  if (const auto made = kvsim::WriteSampleSet(home.Path()); !made) std::cerr << made.error() << "\n";
+  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) {
+    kv::test::TakeDownloaderPictures(window, home.Path(),
+                                     [&](QWidget& shown, const char* name) { camera.Take(shown, name); });
   });
   home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nModel=K670-67-C30\r\n");
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::OpenOperands(camera, window); });

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QComboBox>
+
+#include "download/OsFileLists.h"
+
+namespace kv {
+
+// A drop-down list of O/S or fonts files. What is preselected is so; otherwise nothing is, and the user has to choose.
+[[nodiscard]] QComboBox* MakeOsFileBox(const char* name, const char* accessibleName, const FileList& list,
+                                       QWidget* parent);
+
+// Why nothing is chosen in it: for the tooltip of the button that takes it, and for the line below. Empty when a file
+// is.
+[[nodiscard]] QString WhyNoFile(const QComboBox& box, const FileList& list, const char* what);
+
+}  // namespace kv

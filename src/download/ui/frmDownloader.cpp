@@ -1,0 +1,265 @@
+#include "download/ui/frmDownloader.h"
+
+#include <QCheckBox>
+#include <QDragEnterEvent>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
+#include <QUrl>
+#include <algorithm>
+#include <limits>
+#include <string_view>
+
+#include "base/AnsiText.h"
+#include "base/Numbers.h"
+#include "base/PathText.h"
+#include "base/Texts.h"
+#include "clone/RestoreCheck.h"
+#include "desktop/StopScope.h"
+#include "desktop/ui/BusyState.h"
+#include "desktop/ui/Commands.h"
+#include "desktop/ui/WindowGeometry.h"
+#include "download/DownloadFile.h"
+#include "download/ui/SideTable.h"
+#include "download/ui/frmBrioQ50OsInfo.h"
+#include "download/ui/frmIncompatibleBios.h"
+#include "download/ui/frmOsInfo.h"
+
+// What the window shows and lets choose; the downloads themselves are in frmDownloaderRun.cpp.
+namespace kv {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kColourModel = "Projects for controllers with a colour screen are not downloaded here.";
+constexpr const char* kNoClones = "Controllers of the compact family cannot be cloned.";
+constexpr const char* kNoFile = "No project file has been selected.";
+constexpr int kHundred = 100;
+
+int Clamped(std::int64_t value) {
+  return static_cast<int>(std::clamp<std::int64_t>(value, 0, std::numeric_limits<int>::max()));
+}
+
+std::optional<fs::path> DroppedFile(const QDropEvent& event) {
+  const QList<QUrl> urls = event.mimeData()->urls();
+  if (urls.size() != 1 || !urls.front().isLocalFile()) return std::nullopt;
+  const fs::path file = PathFromUtf8(urls.front().toLocalFile().toStdString());
+  if (!KindOfDownloadFile(file)) return std::nullopt;
+  return file;
+}
+
+bool IsProject(const fs::path& file) {
+  const auto kind = KindOfDownloadFile(file);
+  return kind == DownloadFileKind::AurexProject || kind == DownloadFileKind::CompactProject;
+}
+
+void Preselect(FileList& list, const fs::path& dropped) {
+  const auto found = std::ranges::find_if(
+      list.files, [&](const ListedFile& file) { return !dropped.empty() && IsSameFile(file.path, dropped); });
+  if (found != list.files.end()) list.preselected = static_cast<std::size_t>(found - list.files.begin());
+}
+
+// What a project asks of the controller; a compact one asks nothing.
+std::string NeedsText(const ProjectFile& file) {
+  const auto* aurex = std::get_if<AurexProjectFile>(&file.project);
+  if (!aurex) return {};
+  return Counted(aurex->topics.size(), "topic") + ", " + std::to_string(aurex->dataBytes) + " bytes; needs the O/S " +
+         VersionText({aurex->osVersion, aurex->osBuild}) + " (B" + PaddedInteger(aurex->osBuild, 2) +
+         ") or a later one.";
+}
+
+}  // namespace
+
+void frmDownloader::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  if (std::exchange(mHasBeenShown, true)) return;
+  QTimer::singleShot(0, this, [this] { Identify(); });  // once the window can be seen
+}
+
+void frmDownloader::Identify() {
+  if (mIsBusy) return;
+  mFound.reset();
+  SetBusy(true);
+  std::string failure;
+  {
+    const BusyState busy(mServices.pacer, *this, "Asking the controller who it is");
+    const StopScope stop(mServices.pacer);
+    const auto link = mServices.shared.ComDriver->GetChannel();
+    auto found = link ? FindController(*link) : std::unexpected(mServices.shared.ComDriver->LastError());
+    if (found)
+      mFound = *std::move(found);
+    else
+      failure = found.error().Text();
+  }
+  SetBusy(false);
+  if (mFound) {
+    ShowFound();
+  } else {
+    ShowController("The controller did not tell who it is: " + mServices.shared.ComDriver->LinkDescription(), failure);
+  }
+  ShowFamily();
+  ShowProject();
+}
+
+void frmDownloader::ShowFound() {
+  VersionInfo version = mFound->version;
+  version.model = ModelLabel(version.model, mUser);
+  ShowController(ControllerText(version, mFound->info, mServices.shared.ComDriver->LinkDescription()),
+                 StateAdvice(*mFound));
+}
+
+void frmDownloader::ShowController(const std::string& text, const std::string& advice) {
+  mController->setText(QString::fromStdString(text));
+  ShowAdvice(advice);
+}
+
+void frmDownloader::ShowAdvice(const std::string& text) {
+  mAdvice->setText(QString::fromStdString(text));
+  mAdvice->setVisible(!text.empty());
+  mAdviceSign->setVisible(!text.empty());
+}
+
+DownloadFamily frmDownloader::Family() const {
+  return DownloadFamilyOf(mFound ? mFound->version.model : "", mServices.shared.Remote->Model());
+}
+
+void frmDownloader::ShowFamily() {
+  const DownloadFamily family = Family();
+  mOsFrame->setTitle(family == DownloadFamily::Aurex ? "PLC System Ugrade" : "OS Downloader");
+  // A file of the other kind cannot have been meant for this controller.
+  if (mFile && mFile->IsCompact() != IsCompact()) mFile.reset();
+  const char* whyNoProject = family == DownloadFamily::Colour ? kColourModel : mFile ? "" : kNoFile;
+  if (IsCompact()) mBackup->setChecked(false);
+  Allow(*mDownload, mIsBusy ? kDownloadRuns : whyNoProject);
+  Allow(*mDownloadOs, mIsBusy ? kDownloadRuns : "");
+  Allow(*mBackup, mIsBusy ? kDownloadRuns : IsCompact() ? kNoClones : "");
+}
+
+void frmDownloader::GetFile() {
+  const std::string filter = IsCompact() ? "*.d50|*.d50" : "*.dai|*.dai";
+  const auto chosen = mServices.prompts.OpenFile({.title = "Select File", .filter = filter, .purpose = "Projects"});
+  if (chosen) SelectProject(PathFromUtf8(*chosen));
+}
+
+void frmDownloader::SelectFile(const fs::path& file) {
+  if (IsProject(file)) {
+    SelectProject(file);
+  } else {
+    SelectOs(file);
+  }
+}
+
+void frmDownloader::SelectProject(const fs::path& file) {
+  auto read = ReadProject(file, IsCompact());
+  if (!read) {
+    Say(read.error().Text());
+    const bool isRead = read.error().fault != DownloadFileFault::Unreadable;
+    mServices.prompts.Show({.text = isRead ? NotLegalText(IsCompact()) : read.error().Text(),
+                            .title = "Warning",
+                            .icon = PromptIcon::Exclamation});
+    return;
+  }
+  mFile = *std::move(read);
+  ShowFamily();
+  ShowProject();
+}
+
+void frmDownloader::SelectOs(const fs::path& file) {
+  mDroppedOs = file;
+  Say(Utf8FromPath(file.filename()) +
+      " is offered first by \"Download O/S\", when it lies in the folder that the list is made from: " +
+      Utf8FromPath(IsCompact() ? mServices.shared.paths.CompactOs() : mServices.shared.paths.AurexOs()));
+  mDownloadOs->setFocus();
+}
+
+void frmDownloader::ShowProject() {
+  mFileName->setText(mFile ? QString::fromStdString(Utf8FromPath(mFile->path.filename())) : "");
+  mFileName->setToolTip(mFile ? QString::fromStdString(Utf8FromPath(mFile->path)) : "");
+  mProjectName->setText(mFile ? QString::fromStdString(mFile->Name()) : "");
+  mModel->setText(mFile ? QString::fromStdString(ModelLabel(mFile->Model(), mUser)) : "");
+  mNow = mFound ? Shown(SideOf(*mFound)) : DownloadSide();
+  mThen = mFile ? Shown({.model = mFile->Model(), .os = {}, .fonts = {}, .project = mFile->Name()}) : DownloadSide();
+  mSides->ShowSides(mNow, mThen);
+  mPreview->setText(mFile ? QString::fromStdString(NeedsText(*mFile)) : "");
+  mPreview->setVisible(!mPreview->text().isEmpty());
+}
+
+DownloadSide frmDownloader::Shown(DownloadSide side) const {
+  if (side.model) side.model = ModelLabel(*side.model, mUser);
+  return side;
+}
+
+void frmDownloader::dragEnterEvent(QDragEnterEvent* event) {
+  if (!mIsBusy && DroppedFile(*event)) event->acceptProposedAction();
+}
+
+// The file is looked at once the other program has been let go of.
+void frmDownloader::dropEvent(QDropEvent* event) {
+  const auto file = DroppedFile(*event);
+  if (mIsBusy || !file) return;
+  event->acceptProposedAction();
+  QTimer::singleShot(0, this, [this, file] {
+    if (!mIsBusy) SelectFile(*file);
+  });
+}
+
+void frmDownloader::SetStatus(std::string_view text) {
+  mStatus->setText(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+}
+
+void frmDownloader::ResetProgress(std::int64_t maximum) {
+  ShowBar(0, maximum);
+}
+
+void frmDownloader::StepProgress() {
+  ShowBar(std::min<std::int64_t>(mBar->value() + 1, mBar->maximum()), mBar->maximum());
+}
+
+void frmDownloader::ProgressInfo(int, std::int64_t current, std::int64_t count) {
+  ShowBar(current, count);
+}
+
+void frmDownloader::AmountSent(std::uint64_t done, std::uint64_t total) {
+  if (!mProgress) return;
+  mProgress->AmountSent(done, total);
+  mAmount->setText(QString::fromStdString(mProgress->Text()));
+}
+
+void frmDownloader::ShowBar(std::int64_t value, std::int64_t maximum) {
+  const int most = std::max(1, Clamped(maximum));
+  mBar->setMaximum(most);
+  mBar->setValue(std::min(Clamped(value), most));
+  mPresent->setText(QString::number(static_cast<std::int64_t>(mBar->value()) * kHundred / most) + "%");
+}
+
+AurexOsChoice frmDownloader::ChooseAurexOs(const AurexOsLists& lists) {
+  AurexOsLists offered = lists;
+  Preselect(offered.os, mDroppedOs);
+  Preselect(offered.fonts, mDroppedOs);
+  frmOsInfo window(offered, this);
+  RememberPlace(window, WindowsFile(mServices.shared.paths));
+  return window.ShowGUI();
+}
+
+std::optional<std::size_t> frmDownloader::ChooseCompactOs(const FileList& list) {
+  FileList offered = list;
+  Preselect(offered, mDroppedOs);
+  frmBrioQ50OsInfo window(offered, this);
+  RememberPlace(window, WindowsFile(mServices.shared.paths));
+  return window.ShowGUI();
+}
+
+BiosAnswer frmDownloader::WarnOfIncompatibleBios() {
+  frmIncompatibleBios window(this);
+  return window.ShowMessage();
+}
+
+void frmDownloader::Say(const std::string& text) {
+  mInformation->appendPlainText(QString::fromStdString(text));
+}
+
+}  // namespace kv

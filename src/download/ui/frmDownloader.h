@@ -1,0 +1,154 @@
+#pragma once
+
+#include <QDialog>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "desktop/Shell.h"
+#include "desktop/WallClock.h"
+#include "desktop/ui/QtPacer.h"
+#include "download/DownloadFamily.h"
+#include "download/DownloadProgress.h"
+#include "download/DownloadWindow.h"
+#include "download/ProjectDownload.h"
+#include "host/shared/SharedState.h"
+
+class QCheckBox;
+class QGroupBox;
+class QLabel;
+class QPlainTextEdit;
+class QProgressBar;
+class QPushButton;
+class QVBoxLayout;
+
+namespace kv {
+
+class SideTable;
+
+// Why nothing else can be begun.
+inline constexpr const char* kDownloadRuns = "A download is running; Stop ends it.";
+
+// What the downloader asks of the program; all outlive the window.
+struct DownloaderServices {
+  SharedState& shared;
+  Prompts& prompts;
+  QtPacer& pacer;
+  const WallClock& clock;
+};
+
+// The downloader: sends a project into the connected controller, or starts the download of another O/S.
+//
+//   idle -> asking the controller who it is (when the window opens, and by F5) -> idle
+//   idle -> a download (only Stop; closing is refused) -> idle
+//
+// What is sent, what is asked and what is refused is the engines'. The window shows both sides beside each other, and
+// afterwards how the download ended, what the controller is left as, and what it reports itself.
+class frmDownloader final : public QDialog, public DownloadWindow {
+ public:
+  // `user` is the edition of the program that the user has; most often empty.
+  frmDownloader(DownloaderServices services, std::string user, QWidget* parent);
+  ~frmDownloader() override;
+
+  void reject() override;
+
+  void SetStatus(std::string_view text) override;
+  void ResetProgress(std::int64_t maximum) override;
+  void StepProgress() override;
+  void ProgressInfo(int phase, std::int64_t current, std::int64_t count) override;
+  void AmountSent(std::uint64_t done, std::uint64_t total) override;
+  [[nodiscard]] AurexOsChoice ChooseAurexOs(const AurexOsLists& lists) override;
+  [[nodiscard]] std::optional<std::size_t> ChooseCompactOs(const FileList& list) override;
+  [[nodiscard]] BiosAnswer WarnOfIncompatibleBios() override;
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  class Operation;
+  // How a download ended, whichever it was.
+  struct Ending {
+    DownloadOutcome outcome;
+    std::optional<DownloadReview> review;
+  };
+  using Engine = std::function<Ending(Channel& link, const DownloadOrder& order, const BackupContext& context)>;
+
+  void BuildController(QVBoxLayout& page);
+  void BuildProject(QVBoxLayout& page);
+  void BuildSides(QVBoxLayout& page);
+  void BuildOs(QVBoxLayout& page);
+  void BuildProgress(QVBoxLayout& page);
+  void BuildInformation(QVBoxLayout& page);
+  void BuildButtons(QVBoxLayout& page);
+  [[nodiscard]] QPushButton* AddButton(const char* name, const QIcon& icon, const QString& text, const QString& tip,
+                                       const QString& keys);
+  void Connect();
+
+  void Identify();
+  void ShowController(const std::string& text, const std::string& advice);
+  void ShowFound();
+  void ShowAdvice(const std::string& text);
+  void ShowFamily();
+  [[nodiscard]] DownloadFamily Family() const;
+  [[nodiscard]] bool IsCompact() const { return Family() == DownloadFamily::Compact; }
+
+  void GetFile();
+  void SelectFile(const std::filesystem::path& file);
+  void SelectProject(const std::filesystem::path& file);
+  void SelectOs(const std::filesystem::path& file);
+  void ShowProject();
+
+  void DownloadProject();
+  void DownloadOs();
+  void Run(const char* what, const Engine& engine);
+  void MeetAgain(Channel& link);
+  [[nodiscard]] std::optional<std::string> AskForBackup();
+  void ShowPreview(const DownloadPreview& preview);
+  void ShowEnding(const char* what, const Ending& ending);
+  void StopDownload();
+
+  void SetBusy(bool isBusy);
+  void ShowBar(std::int64_t value, std::int64_t maximum);
+  void Say(const std::string& text);
+  // As the users of this edition see it.
+  [[nodiscard]] DownloadSide Shown(DownloadSide side) const;
+
+  DownloaderServices mServices;
+  std::string mUser;
+  std::optional<FoundController> mFound;
+  std::optional<ProjectFile> mFile;
+  std::filesystem::path mDroppedOs;  // offered first by the next list that has it
+  DownloadSide mNow;                 // of the last preview
+  DownloadSide mThen;
+  bool mIsBusy = false;
+  bool mHasBeenShown = false;
+  std::unique_ptr<DownloadProgress> mProgress;  // of the download that is under way
+
+  QLabel* mController = nullptr;
+  QLabel* mAdviceSign = nullptr;
+  QLabel* mAdvice = nullptr;
+  QPushButton* mGetFile = nullptr;
+  QPushButton* mDownload = nullptr;
+  QPushButton* mDownloadOs = nullptr;
+  QPushButton* mIdentify = nullptr;
+  QPushButton* mStop = nullptr;
+  QPushButton* mClose = nullptr;
+  QLabel* mFileName = nullptr;
+  QLabel* mProjectName = nullptr;
+  QLabel* mModel = nullptr;
+  SideTable* mSides = nullptr;
+  QLabel* mPreview = nullptr;
+  QCheckBox* mBackup = nullptr;
+  QGroupBox* mOsFrame = nullptr;
+  QLabel* mStatus = nullptr;
+  QLabel* mAmount = nullptr;
+  QLabel* mPresent = nullptr;
+  QProgressBar* mBar = nullptr;
+  QPlainTextEdit* mInformation = nullptr;
+};
+
+}  // namespace kv

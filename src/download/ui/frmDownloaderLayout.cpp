@@ -1,0 +1,205 @@
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include "desktop/ui/Commands.h"
+#include "desktop/ui/Icons.h"
+#include "desktop/ui/ScrollPage.h"
+#include "download/ui/SideTable.h"
+#include "download/ui/frmDownloader.h"
+
+namespace kv {
+namespace {
+
+constexpr QSize kFirstSize(760, 700);
+constexpr int kInformationLines = 5;
+constexpr int kMostLines = 1000;
+
+QLabel* MakeLabel(const char* name, const char* accessibleName, QWidget* parent) {
+  auto* label = new QLabel(parent);
+  label->setObjectName(name);
+  label->setAccessibleName(accessibleName);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  return label;
+}
+
+}  // namespace
+
+frmDownloader::frmDownloader(DownloaderServices services, std::string user, QWidget* parent)
+    : QDialog(parent), mServices(services), mUser(std::move(user)) {
+  setObjectName("frmDownloader");
+  setWindowTitle(QString::fromUtf8(kDownloaderCaption.data(), static_cast<qsizetype>(kDownloaderCaption.size())));
+  setWindowIcon(IconOf("download"));
+  setWindowFlag(Qt::WindowMaximizeButtonHint);
+  setAcceptDrops(true);
+  resize(kFirstSize.boundedTo(screen()->availableSize()));
+  auto* content = new QWidget;
+  auto* lines = new QVBoxLayout(content);
+  lines->setContentsMargins({});
+  BuildController(*lines);
+  BuildProject(*lines);
+  BuildSides(*lines);
+  BuildOs(*lines);
+  auto* scroll = new ScrollPage(content, this);
+  scroll->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);  // more room goes to the information
+  auto* page = new QVBoxLayout(this);
+  page->addWidget(scroll);
+  BuildProgress(*page);
+  BuildInformation(*page);
+  BuildButtons(*page);
+  Connect();
+  ShowController("No controller has been asked yet: " + mServices.shared.ComDriver->LinkDescription(), "");
+  ShowFamily();
+  SetBusy(false);
+  mGetFile->setFocus();
+}
+
+frmDownloader::~frmDownloader() = default;
+
+QPushButton* frmDownloader::AddButton(const char* name, const QIcon& icon, const QString& text, const QString& tip,
+                                      const QString& keys) {
+  auto* button = new QPushButton(icon, text, this);
+  button->setObjectName(name);
+  button->setAutoDefault(false);  // nothing is sent by an Enter that was meant for something else
+  Describe(*button, tip, keys);
+  return button;
+}
+
+void frmDownloader::BuildController(QVBoxLayout& page) {
+  mController = MakeLabel("lblController", "The controller that is downloaded into", this);
+  mController->setToolTip("The controller that is downloaded into");
+  QFont bold = mController->font();
+  bold.setBold(true);
+  mController->setFont(bold);
+  mAdvice = MakeLabel("lblAdvice", "What to do about the controller's state", this);
+  mAdviceSign = new QLabel(this);
+  mAdviceSign->setPixmap(IconOf("warning").pixmap(style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this)));
+  auto* advice = new QHBoxLayout;
+  advice->addWidget(mAdviceSign, 0, Qt::AlignTop);
+  advice->addWidget(mAdvice, 1);
+  page.addWidget(mController);
+  page.addLayout(advice);
+}
+
+void frmDownloader::BuildProject(QVBoxLayout& page) {
+  auto* frame = new QGroupBox("Project", this);
+  frame->setObjectName("fraProject");
+  mGetFile = AddButton("cmdGetFile", IconOf("open"), "Select &File",
+                       "Chooses the project file; it can be dropped on this window, too", "Ctrl+O");
+  mDownload = AddButton("cmdDownload", IconOf("download"), "&Download",
+                        "Sends the project into the controller; its program stops", "Alt+D");
+  mFileName = MakeLabel("lblFileName", "File name", frame);
+  mProjectName = MakeLabel("lblProjectName", "Project name", frame);
+  mModel = MakeLabel("lblPLCModel", "PLC model", frame);
+  auto* facts = new QFormLayout;
+  facts->addRow("File Name:", mFileName);
+  facts->addRow("Project Name:", mProjectName);
+  facts->addRow("PLC Model:", mModel);
+  auto* buttons = new QVBoxLayout;
+  buttons->addWidget(mGetFile);
+  buttons->addWidget(mDownload);
+  buttons->addStretch();
+  auto* row = new QHBoxLayout(frame);
+  row->addLayout(facts, 1);
+  row->addLayout(buttons);
+  page.addWidget(frame);
+}
+
+void frmDownloader::BuildSides(QVBoxLayout& page) {
+  mSides = new SideTable(this);
+  mPreview = MakeLabel("lblPreview", "Size, time, and what will be lost", this);
+  mBackup = new QCheckBox("&Take a clone of the controller first, and go on only when it has been verified", this);
+  mBackup->setObjectName("chkBackup");
+  Describe(*mBackup,
+           "Before a download, makes a clone file of what the controller holds and compares it with the controller");
+  page.addWidget(mSides);
+  page.addWidget(mPreview);
+  page.addWidget(mBackup);
+}
+
+void frmDownloader::BuildOs(QVBoxLayout& page) {
+  mOsFrame = new QGroupBox("OS Downloader", this);
+  mOsFrame->setObjectName("fraOSDownloader");
+  mDownloadOs = AddButton("cmdDownloadOS", IconOf("download"), "Download &O/S",
+                          "Replaces the operating system of the controller; you choose the file next", "Alt+O");
+  auto* row = new QHBoxLayout(mOsFrame);
+  row->addWidget(mDownloadOs);
+  row->addStretch();
+  page.addWidget(mOsFrame);
+}
+
+void frmDownloader::BuildProgress(QVBoxLayout& page) {
+  mStatus = MakeLabel("lblStatus", "Status", this);
+  mAmount = MakeLabel("lblAmount", "Amount, rate and remaining time", this);
+  mAmount->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  mBar = new QProgressBar(this);
+  mBar->setObjectName("ProgressBar1");
+  mBar->setAccessibleName("Progress of the download");
+  mBar->setTextVisible(false);
+  mPresent = new QLabel(this);
+  mPresent->setObjectName("lblPresent");
+  mPresent->setAccessibleName("Percentage of the download");
+  ShowAsNumber(*mPresent);
+  mPresent->setMinimumWidth(mPresent->fontMetrics().horizontalAdvance("100%"));
+  auto* grid = new QGridLayout;
+  grid->addWidget(mStatus, 0, 0);
+  grid->addWidget(mAmount, 0, 1, 1, 2);
+  grid->addWidget(mBar, 1, 0, 1, 2);
+  grid->addWidget(mPresent, 1, 2);
+  grid->setColumnStretch(0, 1);
+  grid->setColumnStretch(1, 1);
+  page.addLayout(grid);
+}
+
+void frmDownloader::BuildInformation(QVBoxLayout& page) {
+  mInformation = new QPlainTextEdit(this);
+  mInformation->setObjectName("txtInformation");
+  mInformation->setAccessibleName("How the download ended");
+  mInformation->setPlaceholderText("How a download ended, and what the controller is left as, stands here.");
+  mInformation->setReadOnly(true);
+  mInformation->setTabChangesFocus(true);
+  mInformation->setMaximumBlockCount(kMostLines);
+  mInformation->setMinimumHeight(kInformationLines * fontMetrics().lineSpacing() + 2 * mInformation->frameWidth() + 8);
+  page.addWidget(mInformation, 1);
+}
+
+void frmDownloader::BuildButtons(QVBoxLayout& page) {
+  mIdentify = AddButton("cmdIdentify", IconOf("refresh"), "&Ask Again", "Asks the controller again who it is", "F5");
+  mStop = AddButton("cmdStop", IconOf("stop"), "&Stop",
+                    "Ends the running download; what the controller is left as is told afterwards", "Shift+Esc");
+  mClose = AddButton("cmdClose", IconOf("exit"), "&Close", "Closes this window", "Esc");
+  auto* row = new QHBoxLayout;
+  row->addWidget(mIdentify);
+  row->addStretch();
+  row->addWidget(mStop);
+  row->addWidget(mClose);
+  page.addLayout(row);
+}
+
+void frmDownloader::Connect() {
+  connect(mGetFile, &QPushButton::clicked, this, [this] { GetFile(); });
+  connect(mDownload, &QPushButton::clicked, this, [this] { DownloadProject(); });
+  connect(mDownloadOs, &QPushButton::clicked, this, [this] { DownloadOs(); });
+  connect(mIdentify, &QPushButton::clicked, this, [this] { Identify(); });
+  connect(mStop, &QPushButton::clicked, this, [this] { StopDownload(); });
+  connect(mClose, &QPushButton::clicked, this, [this] { close(); });
+  const std::pair<QKeySequence, QPushButton*> keys[] = {
+      {QKeySequence("Ctrl+O"), mGetFile}, {QKeySequence("F5"), mIdentify}, {QKeySequence("Shift+Esc"), mStop}};
+  for (const auto& [sequence, button] : keys) {
+    connect(new QShortcut(sequence, this), &QShortcut::activated, button, &QPushButton::click);
+  }
+}
+
+}  // namespace kv

@@ -1,0 +1,192 @@
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include "base/AnsiText.h"
+#include "base/PathText.h"
+#include "clone/CloneFileName.h"
+#include "desktop/StopScope.h"
+#include "desktop/ui/Commands.h"
+#include "download/clsAurexOSDownloader.h"
+#include "download/clsBrioQ50OSDownloader.h"
+#include "download/ui/BackupView.h"
+#include "download/ui/SideTable.h"
+#include "download/ui/frmDownloader.h"
+
+// The downloads, from the button to how they ended.
+namespace kv {
+namespace {
+
+constexpr const char* kIdle = "No download is running.";
+
+const char* EndText(DownloadEnd end) {
+  switch (end) {
+    case DownloadEnd::Done:
+      return " has ended well.";
+    case DownloadEnd::WouldGoOn:
+      return " would go on.";
+    case DownloadEnd::Declined:
+      return " was not begun.";
+    case DownloadEnd::Refused:
+      return " was refused.";
+    case DownloadEnd::Stopped:
+      return " was stopped.";
+    case DownloadEnd::Failed:
+      break;
+  }
+  return " has failed.";
+}
+
+std::string Lines(const std::vector<std::string>& sentences) {
+  std::string text;
+  for (const std::string& sentence : sentences) text += "\n" + sentence;
+  return text;
+}
+
+}  // namespace
+
+// Everything that is given back when a download ends, however it ends.
+class frmDownloader::Operation {
+ public:
+  explicit Operation(frmDownloader& window) : mWindow(window), mStop(window.mServices.pacer) {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    mGateBefore = window.mServices.pacer.ExchangeGate({.isOpen = true});  // all but the stop button is disabled
+    window.mProgress = std::make_unique<DownloadProgress>(window.mServices.pacer);
+    window.mInformation->clear();
+    window.mAmount->clear();
+    window.mPresent->clear();
+    window.mBar->reset();
+    window.SetBusy(true);
+  }
+  ~Operation() {
+    mWindow.mProgress.reset();
+    mWindow.mServices.pacer.ExchangeGate(std::move(mGateBefore));
+    QApplication::restoreOverrideCursor();
+    mWindow.SetBusy(false);
+  }
+  Operation(const Operation&) = delete;
+  Operation& operator=(const Operation&) = delete;
+
+ private:
+  frmDownloader& mWindow;
+  StopScope mStop;
+  InputGate mGateBefore;
+};
+
+// What is shown stays readable; only what could begin something is disabled.
+void frmDownloader::SetBusy(bool isBusy) {
+  mIsBusy = isBusy;
+  for (QAbstractButton* each : {mGetFile, mDownloadOs, mIdentify, mClose}) Allow(*each, isBusy ? kDownloadRuns : "");
+  Allow(*mStop, isBusy ? "" : kIdle);
+  ShowFamily();
+  if (isBusy) mStop->setFocus();  // what had the focus has just been disabled
+}
+
+// A download goes on until it ends or is stopped, whoever wants to close the window.
+void frmDownloader::reject() {
+  if (!mIsBusy) return QDialog::reject();
+  SetStatus(kDownloadRuns);
+}
+
+void frmDownloader::StopDownload() {
+  if (!mIsBusy) return;
+  mServices.pacer.RequestStop();
+  SetStatus("Stopping");
+}
+
+void frmDownloader::DownloadProject() {
+  if (!mFile || Family() == DownloadFamily::Colour) return;
+  const ProjectFile file = *mFile;
+  Run("Downloading the project", [&](Channel& link, const DownloadOrder& order, const BackupContext&) {
+    ProjectDownload download(*this, mServices.prompts, mServices.pacer);
+    download.Download(link, file, order);
+    return Ending{download.Outcome(), download.Review()};
+  });
+}
+
+void frmDownloader::DownloadOs() {
+  const DownloadFamily family = Family();
+  if (family == DownloadFamily::Colour) {
+    mServices.prompts.Show(
+        {.text = std::string(kColourOsRefusal), .title = "Telepanel", .icon = PromptIcon::Exclamation});
+    return;
+  }
+  Run("Downloading the O/S", [&](Channel& link, const DownloadOrder& order, const BackupContext& context) {
+    if (family == DownloadFamily::Compact) {
+      clsBrioQ50OSDownloader download(*this, mServices.prompts, mServices.pacer, mServices.shared.paths);
+      static_cast<void>(download.DownloadOS(link, order));
+      return Ending{download.Outcome(), download.Review()};
+    }
+    clsAurexOSDownloader download(*this, context, mServices.shared.paths);
+    static_cast<void>(download.DownloadOS(link, order));
+    return Ending{download.Outcome(), download.Review()};
+  });
+}
+
+void frmDownloader::Run(const char* what, const Engine& engine) {
+  const bool isBackupWanted = mBackup->isChecked();
+  const auto file = isBackupWanted ? AskForBackup() : std::nullopt;
+  if (isBackupWanted && !file) return;
+  BackupView view(mServices.pacer, [this](std::int64_t done, std::int64_t total, const std::string& text) {
+    ShowBar(done, total);
+    mAmount->setText(QString::fromStdString(text));
+  });
+  const BackupContext context{view, mServices.prompts, mServices.prompts, mServices.pacer, mServices.clock};
+  std::optional<BackupBefore> backup;
+  if (file) backup.emplace(PathFromUtf8(*file), context);
+
+  const Operation operation(*this);
+  const auto link = mServices.shared.ComDriver->GetChannel();
+  if (!link) return Say(std::string(what) + " has failed.\n" + mServices.shared.ComDriver->LastError().Text());
+  const DownloadOrder order{.link = mServices.shared.ComDriver->LinkDescription(),
+                            .backup = backup ? &*backup : nullptr,
+                            .onPreview = [this](const DownloadPreview& preview) { ShowPreview(preview); }};
+  const Ending ending = engine(*link, order, context);
+  ShowEnding(what, ending);
+  if (ending.outcome.end == DownloadEnd::Done) MeetAgain(*link);
+  if (!backup) return;
+  for (const std::string& warning : backup->Warnings()) Say("Warning: " + warning);
+}
+
+// A boot loader has become a controller, or one model of a family another.
+void frmDownloader::MeetAgain(Channel& link) {
+  auto found = FindController(link);
+  if (!found) return;
+  mFound = *std::move(found);
+  ShowFound();
+}
+
+std::optional<std::string> frmDownloader::AskForBackup() {
+  const std::string model = mFound ? AnsiToUtf8(mFound->version.model) : mServices.shared.Remote->Model();
+  const std::string number = mFound ? std::to_string(mFound->info.serialNumber) : "";
+  return mServices.prompts.SaveFile({.title = "Save What The Controller Holds Now",
+                                     .filter = "Korvantis Dump File|*.kdf",
+                                     .purpose = "Clones",
+                                     .initial = CloneFileName(model, number, mServices.clock.LocalTime())});
+}
+
+void frmDownloader::ShowPreview(const DownloadPreview& preview) {
+  mNow = Shown(preview.now);
+  mThen = Shown(preview.then);
+  mSides->ShowSides(mNow, mThen);
+  mPreview->setText(QString::fromStdString(AmountText(preview) + Lines(preview.losses) + Lines(preview.warnings)));
+  mPreview->show();
+}
+
+void frmDownloader::ShowEnding(const char* what, const Ending& ending) {
+  const DownloadOutcome& outcome = ending.outcome;
+  const std::string left(LeftBehindText(outcome.left));
+  const std::string text =
+      what + std::string(EndText(outcome.end)) + (outcome.reason.empty() ? "" : "\n" + outcome.reason) + "\n" + left;
+  Say(text);
+  mServices.shared.Remote->StatusMessage(text);
+  const bool isSafe = outcome.end == DownloadEnd::Done || outcome.left == ControllerLeft::Untouched;
+  ShowAdvice(isSafe ? "" : left);
+  if (!ending.review) return;
+  mSides->ShowSides(Shown(ending.review->before), mThen, Shown(ending.review->after));
+}
+
+}  // namespace kv

@@ -1,0 +1,361 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QDropEvent>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QTableWidget>
+#include <QUrl>
+
+#include "KvCmDrv1/Driver.h"
+#include "clone/CloneInfo.h"
+#include "desktop/PacerWallClock.h"
+#include "download/ui/frmDownloader.h"
+#include "download/ui/frmIncompatibleBios.h"
+#include "link/PromptedPassword.h"
+#include "simulator/SimulatedController.h"
+#include "tests/desktop_ui/UsableWindow.h"
+#include "tests/download/Samples.h"
+#include "tests/support/SessionFixture.h"
+
+namespace kv::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+// Answers Yes to every question but those that hold `no`, and notes all of them.
+struct YesUser : Prompts {
+  std::string no = "nothing asks this";
+  std::optional<std::string> file;  // that is chosen, to open or to save
+  std::vector<MessageBox> boxes;
+  std::vector<FileDialog> dialogs;
+  std::function<void(const std::string& asked)> onAsk = [](const std::string&) {};
+
+  PromptAnswer Show(const MessageBox& box) override {
+    boxes.push_back(box);
+    onAsk(box.text);
+    return box.text.contains(no) ? LeastCommitting(box.buttons) : Consent(box.buttons);
+  }
+  std::optional<std::string> Ask(const InputBox&) override { return "1"; }
+  std::optional<std::string> OpenFile(const FileDialog& dialog) override {
+    dialogs.push_back(dialog);
+    return file;
+  }
+  std::optional<std::string> SaveFile(const FileDialog& dialog) override { return OpenFile(dialog); }
+  [[nodiscard]] std::vector<std::string> Texts() const {
+    std::vector<std::string> texts;
+    std::ranges::transform(boxes, std::back_inserter(texts), &MessageBox::text);
+    return texts;
+  }
+};
+
+class DownloaderWindowTest : public ::testing::Test {
+ protected:
+  DownloaderWindowTest() {
+    fixture.shared.ComDriver = &driver;
+    driver.SetPasswordSource(&password);
+  }
+
+  struct Plc {
+    const char* model = "K220-22-R1";
+    bool isInBoot = false;
+    int baud = 0;
+  };
+  void PlugIn(const Plc& plc) {
+    driver.CloseDriver();
+    sim::SimulatorOptions options;
+    options.model = plc.model;
+    options.boot = plc.isInBoot;
+    options.baud = plc.baud;
+    controller = sim::SimulatedController::Create(options).value();
+    UseLine(options.model);
+    fixture.host.model = options.model;
+  }
+  void UseLine(const std::string& model) {
+    LinkSettings settings;
+    settings.model = model + std::to_string(++plugged);  // the driver keeps one line for each
+    driver.UseSettings(settings, false);
+  }
+  void Open(const std::string& user = "") {
+    window = std::make_unique<frmDownloader>(
+        DownloaderServices{.shared = fixture.shared, .prompts = prompts, .pacer = pacer, .clock = clock}, user,
+        nullptr);
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
+    ASSERT_TRUE(WaitUntil([this] { return !Text("lblController").contains("No controller has been asked"); }));
+  }
+  void Press(const char* button) const { Find<QPushButton>(*window, button).click(); }
+  void Drop(const fs::path& file) const {
+    QMimeData dropped;
+    dropped.setUrls({QUrl::fromLocalFile(QString::fromStdString(Utf8FromPath(file)))});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &enter);
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &drop);
+  }
+  void Select(const fs::path& file) {
+    prompts.file = Utf8FromPath(file);
+    Press("cmdGetFile");
+  }
+  [[nodiscard]] std::string Text(const char* label) const { return Find<QLabel>(*window, label).text().toStdString(); }
+  [[nodiscard]] std::string OsFrame() const {
+    return Find<QGroupBox>(*window, "fraOSDownloader").title().toStdString();
+  }
+  [[nodiscard]] std::string Information() const {
+    return Find<QPlainTextEdit>(*window, "txtInformation").toPlainText().toStdString();
+  }
+  // Project and file as the window shows them: name of the file, of the project, model, whether it can be sent.
+  [[nodiscard]] std::string Shown() const {
+    const bool isReady = Find<QPushButton>(*window, "cmdDownload").isEnabled();
+    return Text("lblFileName") + "|" + Text("lblProjectName") + "|" + Text("lblPLCModel") + (isReady ? "|ready" : "");
+  }
+  // A row of the table of both sides: "4.60 (B19) > 4.75 (B03) > ".
+  [[nodiscard]] std::string Row(const QString& label) const {
+    const auto& table = Find<QTableWidget>(*window, "tblSides");
+    for (int row = 0; row < table.rowCount(); ++row) {
+      if (table.verticalHeaderItem(row)->text() != label) continue;
+      QStringList texts;
+      for (int column = 0; column < table.columnCount(); ++column) texts << table.item(row, column)->text();
+      return texts.join(" > ").toStdString();
+    }
+    return "no row";
+  }
+  // Pointer and commands while the user is asked something.
+  [[nodiscard]] std::string Look() const {
+    const QCursor* pointer = QApplication::overrideCursor();
+    std::string look = pointer && pointer->shape() == Qt::WaitCursor ? "hourglass" : "arrow";
+    for (const char* name : {"cmdGetFile", "cmdDownload", "cmdDownloadOS", "cmdStop", "cmdClose", "cmdIdentify"}) {
+      if (Find<QPushButton>(*window, name).isEnabled()) look += std::string(" ") + (name + 3);
+    }
+    return look;
+  }
+  static constexpr const char* kReadyLook = "arrow GetFile Download DownloadOS Close Identify";
+
+  SessionFixture fixture;
+  YesUser prompts;
+  QtPacer pacer;
+  PacerWallClock clock;
+  int plugged = 0;  // controllers so far
+  std::unique_ptr<sim::SimulatedController> controller;
+  PromptedPassword password{prompts, "enter it"};
+  Driver driver{pacer, [this](const std::string&) { return controller ? controller->NewLine() : nullptr; }, nullptr};
+  std::unique_ptr<frmDownloader> window;
+};
+
+TEST_F(DownloaderWindowTest, KnowsWhichDownloadsTheControllerTakesAndInWhatStateItIsFound) {
+  struct Case {
+    const char* model;
+    bool isInBoot;
+    const char* frame;
+    const char* filter;
+  };
+  const Case cases[] = {
+      {"K220-22-R1", false, "PLC System Ugrade", "*.dai|*.dai"},
+      {"AurexQ50", false, "PLC System Ugrade", "*.dai|*.dai"},
+      {"AurexQ50", true, "PLC System Ugrade", "*.dai|*.dai"},
+      {"K220-22-R1", true, "PLC System Ugrade", "*.dai|*.dai"},
+      {"Q50", false, "OS Downloader", "*.d50|*.d50"},
+      {"PR1", true, "OS Downloader", "*.d50|*.d50"},
+      {"BRIO", false, "OS Downloader", "*.d50|*.d50"},
+      {"K450-45", false, "OS Downloader", "*.dai|*.dai"},
+  };
+  for (const Case& each : cases) {
+    PlugIn({.model = each.model, .isInBoot = each.isInBoot});
+    Open();
+    Press("cmdGetFile");  // and chooses none
+    EXPECT_EQ(OsFrame(), each.frame) << each.model;
+    EXPECT_EQ(prompts.dialogs.back().filter, each.filter) << each.model;
+    EXPECT_EQ(Text("lblAdvice").contains("boot loader"), each.isInBoot) << each.model << Text("lblAdvice");
+    EXPECT_EQ(Shown(), "||");
+  }
+  EXPECT_THAT(Text("lblController"), HasSubstr("K450-45, serial number "));
+  Press("cmdDownloadOS");
+  EXPECT_THAT(prompts.Texts(),
+              ElementsAre("There is a mismatch between PLC Type defined in Telepanel and connected PLC."));
+
+  PlugIn({});
+  Open();
+  EXPECT_EQ(Text("lblAdvice"), "");
+  ASSERT_TRUE(driver.GetChannel()->SendCommand("CCM"));  // somebody begins to load, and leaves
+  Press("cmdIdentify");
+  EXPECT_NE(Text("lblAdvice"), "");
+  controller.reset();
+  UseLine("none");
+  Press("cmdIdentify");
+  EXPECT_THAT(Text("lblController"), HasSubstr("did not tell who it is"));
+  EXPECT_THAT(Text("lblAdvice"), HasSubstr("What to do"));
+}
+
+TEST_F(DownloaderWindowTest, SelectsAFileAndShowsWhatItIs) {
+  const std::string project = SampleProject("K390");
+  const fs::path aurex = fixture.home.Put("hall.dai", project);
+  const fs::path compact = fixture.home.Put("hall.d50", SampleProject("Q51"));
+  const fs::path damaged = fixture.home.Put("damaged.dai", project.substr(0, 149));
+  const char* notLegal = "This file cannot be downloaded. It is not a legal Cadenza file.";
+  struct Case {
+    const char* model;
+    const char* user;
+    fs::path file;
+    const char* shown;
+    const char* box;
+  };
+  const Case cases[] = {
+      {"K390", "", aurex, "hall.dai|Hall 7|K390|ready", ""},
+      {"K390", "USER_LOMBA", aurex, "hall.dai|Hall 7|TS|ready", ""},
+      {"K220-22-R1", "", damaged, "||", notLegal},
+      {"K220-22-R1", "", compact, "||", notLegal},
+      {"K220-22-R1", "", fixture.home.Path() / "none.dai", "||", "none.dai"},
+      {"Q51", "", compact, "hall.d50|Hall 7|Q51-2-R34|ready", ""},
+      {"Q51", "USER_LOMBA", compact, "hall.d50|Hall 7|45K|ready", ""},
+      {"Q51", "", aurex, "||", "This file cannot be downloaded. It is not a legal T50/BRIO Ladder file."},
+      {"K450-45", "", aurex, "hall.dai|Hall 7|K390", ""},
+  };
+  for (const Case& each : cases) {
+    PlugIn({.model = each.model});
+    Open(each.user);
+    prompts.boxes.clear();
+    Select(each.file);
+    EXPECT_EQ(Shown(), each.shown) << each.model;
+    EXPECT_EQ(prompts.boxes.size(), *each.box ? 1U : 0U) << each.model;
+    for (const MessageBox& box : prompts.boxes) EXPECT_THAT(box.title + box.text, HasSubstr(each.box));
+    EXPECT_EQ(Text("lblController").starts_with(each.model), *each.user == 0) << "the real model is not shown";
+  }
+
+  PlugIn({.model = "K390"});
+  Open();
+  Select(aurex);
+  Select(damaged);
+  EXPECT_EQ(Shown(), "hall.dai|Hall 7|K390|ready") << "nothing else changes";
+  EXPECT_THAT(Row("Project"), HasSubstr(" > Hall 7 > "));
+  Drop(fixture.home.Put("x.dai", project));
+  EXPECT_TRUE(WaitUntil([this] { return Text("lblFileName") == "x.dai"; }));
+}
+
+TEST_F(DownloaderWindowTest, SendsAProjectOfEachFamilyAndShowsTheControllerBeforeAndAfter) {
+  for (const char* model : {"K220-22-R1", "Q50"}) {
+    PlugIn({.model = model});
+    Open();
+    const bool isCompact = model == std::string("Q50");
+    const fs::path backup = fixture.home.Path() / "before.kdf";
+    fs::remove(backup);
+    std::vector<std::string> looks;
+    prompts.onAsk = [&](const std::string&) {
+      looks.push_back(Look());
+      window->close();
+    };
+    prompts.boxes.clear();
+    Select(fixture.home.Put(isCompact ? "hall.d50" : "hall.dai", SampleProject(model)));
+    EXPECT_EQ(Look(), kReadyLook);
+    auto& first = Find<QCheckBox>(*window, "chkBackup");
+    first.click();
+    EXPECT_EQ(first.isChecked(), !isCompact) << first.toolTip().toStdString();  // clones are for the other family
+    prompts.file = Utf8FromPath(backup);
+    Press("cmdDownload");
+    EXPECT_TRUE(window->isVisible()) << "closing is refused";
+    EXPECT_THAT(looks, Each("hourglass Stop"));
+    EXPECT_EQ(Look(), kReadyLook);
+    EXPECT_EQ(Row("Project").substr(Row("Project").find(" > ")), " > Hall 7 > Hall 7") << model;
+    EXPECT_THAT(Information(), HasSubstr("has ended well"));
+    EXPECT_THAT(Text("lblPreview"), HasSubstr("on this link"));
+    EXPECT_EQ(Text("lblAdvice"), "");
+    EXPECT_EQ(driver.GetChannel()->GetControllerInfo(1)->projectName, "Hall 7");
+    EXPECT_EQ(!isCompact, fs::exists(backup)) << "the tick box takes a clone first";
+    for (const MessageBox& box : prompts.boxes) {
+      EXPECT_TRUE(box.canLose || box.buttons != PromptButtons::YesNo || box.title != "Downloader") << box.text;
+    }
+  }
+}
+
+// The files are chosen in a window of their own; the one that was dropped before is offered first.
+TEST_F(DownloaderWindowTest, SendsAnOsOfEachFamilyAndShowsTheControllerBeforeAndAfter) {
+  struct Case {
+    const char* model;
+    bool isInBoot;
+    const char* folder;
+    const char* takes;  // the button that takes the files
+  };
+  const Case cases[] = {
+      {"K220-22-R1", false, "Os Aurex/K220/", "cmdClose"},
+      {"K220-22-R1", true, "Os Aurex/K220/", "cmdClose"},
+      {"Q51", false, "OS/OS51/", "cmdOK"},
+      {"PX1", true, "OS/OSPX/", "cmdOK"},
+  };
+  for (const Case& each : cases) {
+    const sim::Model& model = ModelCalled(each.model);
+    fs::create_directories(fixture.home.Path() / each.folder);
+    std::vector<fs::path> files;
+    for (const sim::OsVersion& os : {sim::OsVersion{"4.75", 3}, sim::OsVersion{"4.80", 1}}) {
+      files.push_back(fixture.home.Put(each.folder + sim::OsFileName(model, os), SampleOs(each.model, os, 3000)));
+    }
+    const sim::OsVersion fonts{"1.30", 0};
+    fixture.home.Put(each.folder + sim::FontsFileName(fonts), SampleFonts("K220-22-R1", fonts));
+    PlugIn({.model = each.model, .isInBoot = each.isInBoot});
+    Open();
+    std::vector<std::string> looks;
+    prompts.onAsk = [&](const std::string&) { looks.push_back(Look()); };
+    WhenOpen<frmIncompatibleBios>(*window, [](frmIncompatibleBios& warning) {
+      Find<QAbstractButton>(warning, "chkDelete").click();
+      Find<QAbstractButton>(warning, "cmdContinue").click();
+    });
+    Drop(files.front());
+    EXPECT_TRUE(WaitUntil([this] { return !Information().empty(); }));
+    WhenOpen<QDialog>(*window, [&](QDialog& chooser) {
+      EXPECT_NE(chooser.windowTitle(), window->windowTitle());
+      window->close();
+      Find<QPushButton>(chooser, each.takes).click();
+    });
+    Press("cmdDownloadOS");
+    EXPECT_TRUE(window->isVisible()) << "closing is refused";
+    EXPECT_THAT(looks, Each("hourglass Stop"));
+    EXPECT_THAT(Row("O/S"), ::testing::EndsWith(" > 4.75 (B03) > 4.75 (B03)")) << Information();
+    EXPECT_THAT(Information(), HasSubstr("has ended well"));
+    EXPECT_TRUE(Text("lblController").starts_with(each.model)) << Text("lblController");
+    EXPECT_EQ(Text("lblAdvice"), "");
+  }
+}
+
+TEST_F(DownloaderWindowTest, StopsWhenToldToAndSaysWhatTheControllerIsLeftAs) {
+  PlugIn({.baud = 57600});
+  Open();
+  Select(fixture.home.Put("hall.dai", SampleProject("K220-22-R1", 60'000)));
+  const auto& amount = Find<QLabel>(*window, "lblAmount");
+  std::string shown;
+  When(
+      *window, [&] { return amount.text().contains("left"); },
+      [&] {
+        shown = amount.text().toStdString();
+        QTest::keyClick(window.get(), Qt::Key_Escape);
+        EXPECT_EQ(Look(), "hourglass Stop");
+        QTest::keyClick(window.get(), Qt::Key_Escape, Qt::ShiftModifier);
+      });
+  Press("cmdDownload");
+  EXPECT_THAT(shown, ::testing::MatchesRegex(".* of .* KiB, .* KiB/s, about .* s left"));
+  EXPECT_THAT(Information(), HasSubstr("was stopped"));
+  EXPECT_THAT(Information(), HasSubstr(LeftBehindText(ControllerLeft::ProjectBegun)));
+  EXPECT_EQ(Text("lblAdvice"), LeftBehindText(ControllerLeft::ProjectBegun));
+  EXPECT_EQ(Look(), kReadyLook);
+  EXPECT_EQ(Text("lblStatus"), "");
+
+  prompts.no = "about to be replaced";
+  Press("cmdDownload");
+  EXPECT_THAT(Information(), HasSubstr("was not begun"));
+  window->close();
+  EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(DownloaderWindowTest, CanBeReadAndReachedByKeys) {
+  PlugIn({});
+  Open();
+  ExpectControlsCanBeRead(*window);
+}
+
+}  // namespace
+}  // namespace kv::test
