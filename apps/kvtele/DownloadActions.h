@@ -55,6 +55,18 @@ class TerminalBackup {
 [[nodiscard]] VerbResult DownloadProject(Environment& environment, const CommonOptions& common,
                                          const std::filesystem::path& file, const DownloadFlags& flags);
 
+// Which O/S goes into the controller.
+struct OsFiles {
+  std::optional<std::filesystem::path> os{};     // else the newest in the folder of its O/S files that fits it
+  std::optional<std::filesystem::path> fonts{};  // of an Aurex controller; else the newest
+};
+
+// Replaces the O/S of a controller of either family.
+[[nodiscard]] VerbResult DownloadOs(Environment& environment, const CommonOptions& common, const OsFiles& files,
+                                    const DownloadFlags& flags);
+// What could be chosen for the controller that is connected.
+[[nodiscard]] VerbResult ListOs(Environment& environment, const CommonOptions& common);
+
 // A dry run that would go on, or a download that went through: both sides, in both forms. `file` names what was sent.
 [[nodiscard]] VerbOutput ReportOf(const DownloadPreview& preview, const std::optional<DownloadReview>& review,
                                   bool isDryRun);

@@ -1,5 +1,7 @@
 #include "apps/kvtele/TerminalDownload.h"
 
+#include "download/BiosWarning.h"
+
 namespace kv::cli {
 
 namespace {
@@ -15,7 +17,7 @@ TerminalDownload::TerminalDownload(Environment& environment, const CommonOptions
       mIsDryRun(isDryRun),
       mLine(environment),
       mConsents(consents),
-      mPrompts(Answered(false, "--yes")),
+      mPrompts(Answered(common.yes, "--yes")),
       mRemaining(environment.pacer) {}
 
 ConsolePrompts TerminalDownload::Answered(bool yes, const char* flag) const {
@@ -45,6 +47,18 @@ Prompts& TerminalDownload::PromptsOf(DownloadQuestion question) {
       return mQuestion.emplace(Answered(false, "Ctrl-C once more"));
   }
   return mPrompts;
+}
+
+BiosAnswer TerminalDownload::WarnOfIncompatibleBios() {
+  mLine.Wipe();
+  const MessageBox box{
+      .text = std::string(kBiosMightErase) + "\r\n" + std::string(kBiosSaveFirst) + "\r\n" + std::string(kBiosContinue),
+      .title = std::string(kBiosWarningTitle),
+      .icon = PromptIcon::Exclamation,
+      .buttons = PromptButtons::YesNo,
+      .canLose = true};
+  const bool goesOn = Answered(mConsents.loseProject, "--lose-project").Show(box) == PromptAnswer::Yes;
+  return goesOn ? BiosAnswer::Continue : BiosAnswer::Abort;
 }
 
 void TerminalDownload::SetStatus(std::string_view text) {

@@ -14,10 +14,11 @@ namespace kv::cli {
 
 // The consents that have a flag of their own; --yes answers whether the download may begin.
 struct ConsentFlags {
-  bool otherModel = false;  // --other-model
-  bool noReset = false;     // --no-reset
-  bool endLoad = false;     // --end-load
-  bool loseValues = false;  // --lose-values
+  bool otherModel = false;   // --other-model
+  bool noReset = false;      // --no-reset
+  bool endLoad = false;      // --end-load
+  bool loseProject = false;  // --lose-project
+  bool loseValues = false;   // --lose-values
 };
 
 // The download window on the terminal: one line of progress, and before each box of the engine it makes room. In a dry
@@ -33,7 +34,7 @@ class TerminalDownload : public DownloadWindow, public Prompts {
   void AmountSent(std::uint64_t done, std::uint64_t total) override;
   [[nodiscard]] AurexOsChoice ChooseAurexOs(const AurexOsLists&) override { return {}; }
   [[nodiscard]] std::optional<std::size_t> ChooseCompactOs(const FileList&) override { return std::nullopt; }
-  [[nodiscard]] BiosAnswer WarnOfIncompatibleBios() override { return BiosAnswer::Abort; }
+  [[nodiscard]] BiosAnswer WarnOfIncompatibleBios() override;
 
   PromptAnswer Show(const MessageBox& box) override;
   [[nodiscard]] std::optional<std::string> Ask(const InputBox& box) override;

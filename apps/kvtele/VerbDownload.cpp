@@ -14,18 +14,24 @@ namespace {
 class VerbDownload : public Verb {
  public:
   [[nodiscard]] const char* Name() const override { return "download"; }
-  [[nodiscard]] const char* Summary() const override { return "Send a project into a controller; look into its file"; }
+  [[nodiscard]] const char* Summary() const override {
+    return "Send a project or an O/S into a controller; look into its file";
+  }
   [[nodiscard]] const char* Examples() const override;
   void Declare(CLI::App& app) override;
   [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 
  private:
-  [[nodiscard]] OrFailure<DownloadFlags> CheckArguments(Environment& environment) const;
+  [[nodiscard]] OrFailure<void> CheckAction() const;
+  [[nodiscard]] OrFailure<DownloadFlags> CheckBackup(Environment& environment) const;
 
   std::string mAction;
   std::string mFile;    // UTF-8 path
+  std::string mOs;      // UTF-8 paths; empty: none was named
+  std::string mFonts;   //
   std::string mBackup;  // UTF-8 path; empty: none
   DownloadFlags mFlags;
+  bool mList = false;
   bool mReplace = false;
   bool mStop = false;
   bool mNoStop = false;
@@ -35,15 +41,24 @@ const char* VerbDownload::Examples() const {
   return "  kvtele download info Samples/Conveyor.dai                               what the file is\n"
          "  kvtele --link sim:K220-22-R1 download project Samples/Conveyor.dai --dry-run\n"
          "  kvtele --link sim:K220-22-R1 --yes download project Samples/Conveyor.dai\n"
-         "  kvtele --link tcp:192.168.1.20 --password 1234 download project hall7.dai --backup before.kdf --stop\n";
+         "  kvtele --link tcp:192.168.1.20 --password 1234 download project hall7.dai --backup before.kdf --stop\n"
+         "  kvtele --link sim:K220-22-R1 download os --list                           what there is for this "
+         "controller\n"
+         "  kvtele --link sim:K220-22-R1 --yes download os                            the newest that fits it\n"
+         "  kvtele --link tcp:192.168.1.20 download os --file AurexK330v47503.kos --dry-run\n";
 }
 
 void VerbDownload::Declare(CLI::App& app) {
-  app.add_option("ACTION", mAction, "info (of a .dai, .d50, .kos, .kft or .OSI file) or project")
+  app.add_option("ACTION", mAction, "info (of a .dai, .d50, .kos, .kft or .OSI file), project or os")
       ->required()
       ->type_name("")
-      ->check(CLI::IsMember({"info", "project"}));
-  app.add_option("FILE", mFile, "The download file")->required()->type_name("");
+      ->check(CLI::IsMember({"info", "project", "os"}));
+  app.add_option("FILE", mFile, "info, project: the download file")->type_name("");
+  app.add_option("--file", mOs, "os: this O/S; else the newest beside the program that fits the controller")
+      ->type_name("FILE");
+  app.add_option("--fonts", mFonts, "os: these system fonts of an Aurex controller; else the newest")
+      ->type_name("FILE");
+  app.add_flag("--list", mList, "os: only show what could be sent to the controller");
   app.add_flag("--dry-run", mFlags.isDryRun, "everything up to the point where the controller would change, in words");
   app.add_option("--backup", mBackup, "clone what the controller holds into FILE.kdf before, and compare both")
       ->type_name("FILE.kdf");
@@ -53,37 +68,66 @@ void VerbDownload::Declare(CLI::App& app) {
   app.add_flag("--other-model", mFlags.consents.otherModel, "project: also one that is made for another compact model");
   app.add_flag("--no-reset", mFlags.consents.noReset, "project: also one that does not end with a restart");
   app.add_flag("--end-load", mFlags.consents.endLoad,
-               "project: end a load that is under way in the controller or was cut, somebody else's, too");
+               "end a load that is under way in the controller or was cut, somebody else's, too");
+  app.add_flag("--lose-project", mFlags.consents.loseProject, "os: also one that may erase the project");
+  app.add_flag("--lose-values", mFlags.consents.loseValues, "os: also one to which the operands' values mean nothing");
 }
 
-OrFailure<DownloadFlags> VerbDownload::CheckArguments(Environment& environment) const {
+OrFailure<void> VerbDownload::CheckAction() const {
+  struct Row {
+    bool isGiven;
+    const char* flags;
+    std::string_view actions;
+  };
   const ConsentFlags& consents = mFlags.consents;
-  const bool isAboutController =
-      mFlags.isDryRun || !mBackup.empty() || consents.otherModel || consents.noReset || consents.endLoad;
-  if (mAction == "info" && isAboutController) {
-    return std::unexpected(UsageFailure("info asks no controller, so --dry-run, --backup and consents mean nothing"));
+  const Row rows[] = {
+      {!mFile.empty(), "FILE", "info project"},
+      {!mOs.empty() || !mFonts.empty() || mList, "--file, --fonts and --list", "os"},
+      {mFlags.isDryRun || !mBackup.empty() || consents.endLoad, "--dry-run, --backup and --end-load", "project os"},
+      {mReplace || mStop || mNoStop, "--replace, --stop and --no-stop", "project os"},
+      {consents.otherModel || consents.noReset, "--other-model and --no-reset", "project"},
+      {consents.loseProject || consents.loseValues, "--lose-project and --lose-values", "os"},
+  };
+  for (const Row& row : rows) {
+    if (!row.isGiven || row.actions.contains(mAction)) continue;
+    return std::unexpected(UsageFailure(std::string(row.flags) + " mean nothing with " + mAction));
   }
-  const bool hasBackupFlag = mReplace || mStop || mNoStop;
-  if (mBackup.empty() && hasBackupFlag) {
+  if (mAction != "os" && mFile.empty()) return std::unexpected(UsageFailure("FILE is missing"));
+  if (mOs.empty() && !mFonts.empty()) return std::unexpected(UsageFailure("--fonts belong to a --file"));
+  const bool doesMore = !mOs.empty() || mFlags.isDryRun || !mBackup.empty();
+  if (mList && doesMore) return std::unexpected(UsageFailure("--list only shows what there is"));
+  return {};
+}
+
+OrFailure<DownloadFlags> VerbDownload::CheckBackup(Environment& environment) const {
+  const bool hasStopFlag = mStop || mNoStop;
+  if (mBackup.empty() && (mReplace || (hasStopFlag && mAction != "os"))) {
     return std::unexpected(UsageFailure("--replace, --stop and --no-stop are about the --backup"));
   }
-  if (!mBackup.empty() && !mStop && !mNoStop && !environment.input.IsInteractive()) {
+  if (!mBackup.empty() && !hasStopFlag && !environment.input.IsInteractive()) {
     return std::unexpected(UsageFailure("whether a running program may be stopped for the backup is not said",
                                         "give --stop (it runs again afterwards) or --no-stop with --backup"));
   }
   DownloadFlags flags = mFlags;
+  if (hasStopFlag) flags.backupOrder.mayStop = mStop;
   if (mBackup.empty()) return flags;
   flags.backup = PathFromUtf8(mBackup);
   flags.backupOrder.replace = mReplace;
-  if (mStop || mNoStop) flags.backupOrder.mayStop = mStop;
   return flags;
 }
 
 VerbResult VerbDownload::Run(Environment& environment, const CommonOptions& common) {
-  const auto flags = CheckArguments(environment);
+  if (const auto fit = CheckAction(); !fit) return std::unexpected(fit.error());
+  const auto flags = CheckBackup(environment);
   if (!flags) return std::unexpected(flags.error());
   const std::filesystem::path file = PathFromUtf8(mFile);
-  return mAction == "info" ? ReportDownloadFile(file) : DownloadProject(environment, common, file, *flags);
+  if (mAction == "info") return ReportDownloadFile(file);
+  if (mAction == "project") return DownloadProject(environment, common, file, *flags);
+  if (mList) return ListOs(environment, common);
+  OsFiles files;
+  if (!mOs.empty()) files.os = PathFromUtf8(mOs);
+  if (!mFonts.empty()) files.fonts = PathFromUtf8(mFonts);
+  return DownloadOs(environment, common, files, *flags);
 }
 
 }  // namespace

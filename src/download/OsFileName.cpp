@@ -98,4 +98,9 @@ std::string_view AurexModelOfHardware(std::string_view hardwareCode) {
   return "K380-28";
 }
 
+std::string AurexOsModelText(std::string_view reported, std::string_view hardwareCode) {
+  constexpr std::size_t kCharacters = 7;
+  return std::string(reported == kAurexBootText ? AurexModelOfHardware(hardwareCode) : reported.substr(0, kCharacters));
+}
+
 }  // namespace kv

@@ -45,4 +45,11 @@ struct CompactOsName {
 // any other "K380-28".
 [[nodiscard]] std::string_view AurexModelOfHardware(std::string_view hardwareCode);
 
+// What a boot loader of an Aurex controller without a colour screen reports in the place of the model.
+inline constexpr std::string_view kAurexBootText = "BOOT";
+
+// The model by which the files for a controller are told, from what it reports: its first 7 characters, or in the boot
+// loader what its hardware code says.
+[[nodiscard]] std::string AurexOsModelText(std::string_view reported, std::string_view hardwareCode);
+
 }  // namespace kv

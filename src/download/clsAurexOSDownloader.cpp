@@ -14,8 +14,6 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t kModelCharacters = 7;
-constexpr std::string_view kBootText = "BOOT";
 constexpr std::string_view kTelepanel = "Telepanel";  // title of boxes that have none of their own
 
 std::string NameOf(const std::filesystem::path& file) {
@@ -63,10 +61,9 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::Identify() {
   auto found = FindController(mWork->link);
   if (!found) return FailLink("The controller could not be identified.", found.error());
   mFound = *std::move(found);
-  mChange.isInBoot = mFound.version.model == kBootText;
+  mChange.isInBoot = mFound.version.model == kAurexBootText;
   mChange.installed = ParsePlainOsVersion(OsVersionText(mFound.version)).value_or(0);
-  mModel = mChange.isInBoot ? AurexModelOfHardware(mFound.version.hardwareCode)
-                            : mFound.version.model.substr(0, kModelCharacters);
+  mModel = AurexOsModelText(mFound.version.model, mFound.version.hardwareCode);
   return {};
 }
 

@@ -5,6 +5,7 @@
 #include "base/PathText.h"
 #include "clone/CloneOutcome.h"
 #include "desktop/StopScope.h"
+#include "download/OsFileName.h"
 #include "download/clsAurexOSDownloader.h"
 #include "link/ControllerErrorText.h"
 #include "link/OsVersion.h"
@@ -16,7 +17,6 @@ namespace {
 constexpr std::int16_t kForceBit = 501;
 constexpr Duration kAfterReset = std::chrono::milliseconds(4000);
 constexpr int kNoSuchTypeCode = 0x03;
-constexpr std::string_view kBootText = "BOOT";
 
 bool IsNumber(const VersionInfo& version, const OsNumber& number) {
   return ParsePlainOsVersion(OsVersionText(version)) == number.version &&
@@ -85,7 +85,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::EnterBootMode() {
   static_cast<void>(mWork->link.CommPort());  // it is the same line for the boot loader
   const auto version = mWork->link.GetVersionInfo(mWork->link.UnitID());
   if (!version) return FailLink("The boot loader could not be identified.", mWork->link.LastError());
-  if (!reply->text.starts_with("CC") || version->model != kBootText) {
+  if (!reply->text.starts_with("CC") || version->model != kAurexBootText) {
     return mWork->Fail(DownloadCause::Reply, "The controller did not go into its boot loader.");
   }
   mWork->left = ControllerLeft::BootLoader;
@@ -119,17 +119,17 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::Reset() {
   auto after = FindAfterReset(mWork->link, mContext.pacer, mFound.info.serialNumber);
   if (!after) return FailLink("The controller has not come back after its restart.", after.error());
   mAfter = *std::move(after);
-  if (!isTold && mAfter.version.model == kBootText) return FailLink("The controller did not restart.", error);
+  if (!isTold && mAfter.version.model == kAurexBootText) return FailLink("The controller did not restart.", error);
   mReview = DownloadReview{SideOf(mFound), SideOf(mAfter)};
   return {};
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::CheckNewOs() {
-  if (IsNumber(mAfter.version, mOs->number) && mAfter.version.model != kBootText) {
+  if (IsNumber(mAfter.version, mOs->number) && mAfter.version.model != kAurexBootText) {
     mWork->left = ControllerLeft::NewOs;
     return {};
   }
-  const bool isInBoot = mAfter.version.model == kBootText;
+  const bool isInBoot = mAfter.version.model == kAurexBootText;
   mWork->left = isInBoot ? ControllerLeft::BootLoaderErased : ControllerLeft::OldOs;
   const std::string found = isInBoot ? "its boot loader runs" : "it reports the O/S " + mAfter.OsText();
   return mWork->Fail(DownloadCause::Unproven, "All was sent and answered well, but after the restart " + found +
@@ -183,7 +183,7 @@ void clsAurexOSDownloader::AskWhatIsLeft() {
   const StopScope asking(mContext.pacer);  // a stop ended the download, not this question
   const auto found = FindController(mWork->link);
   if (!found) return;
-  if (found->version.model == kBootText) return TellFoundBoot();
+  if (found->version.model == kAurexBootText) return TellFoundBoot();
   const bool mayBeNew = mOutcome.left == OsProgramming || mOutcome.left == OsWaits || mOutcome.left == OsPerhaps;
   mOutcome.left = mayBeNew && IsNumber(found->version, mOs->number) ? NewOs : OldOs;
   mOutcome.reason += "\nAsked afterwards, the controller runs and reports the O/S " + found->OsText() + ".";

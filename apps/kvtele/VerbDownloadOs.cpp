@@ -1,0 +1,198 @@
+#include "apps/kvtele/ConnectedController.h"
+#include "apps/kvtele/DownloadActions.h"
+#include "base/PathText.h"
+#include "download/CompactController.h"
+#include "download/OsFileLists.h"
+#include "download/OsFileName.h"
+#include "download/clsAurexOSDownloader.h"
+#include "download/clsBrioQ50OSDownloader.h"
+#include "link/LinkError.h"
+#include "models/ModelCatalogue.h"
+
+namespace kv::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+enum class Family { Aurex, Compact };
+
+OrFailure<Family> FamilyOf(ConnectedController& controller) {
+  if (IsColourModel(controller.Version().model)) {
+    return std::unexpected(NotFitFailure(
+        "downloading an O/S", "There is a mismatch between PLC Type defined in Telepanel and connected PLC.",
+        "a controller with a colour screen, whose O/S is sent by no download that is here", ""));
+  }
+  if (controller.Link().GetDownloadEngine() != nullptr) return Family::Aurex;
+  if (controller.Link().LastError().code == LinkErrorCode::NotSupported) return Family::Compact;
+  return std::unexpected(controller.LastFailure());
+}
+
+// Takes what the user has named, else what is preselected.
+class OsTerminal final : public TerminalDownload {
+ public:
+  OsTerminal(Environment& environment, const CommonOptions& common, const DownloadFlags& flags, const OsFiles& files)
+      : TerminalDownload(environment, common, flags.consents, flags.isDryRun), mFiles(files) {}
+
+  AurexOsChoice ChooseAurexOs(const AurexOsLists& lists) override {
+    mChoice = {mFiles.os ? *mFiles.os : Preselected(lists.os), mFiles.fonts ? *mFiles.fonts : Preselected(lists.fonts)};
+    return mChoice;
+  }
+  std::optional<std::size_t> ChooseCompactOs(const FileList& list) override {
+    mChoice.os = Preselected(list);
+    return list.preselected;
+  }
+
+  // Empty before there was a choice.
+  [[nodiscard]] const AurexOsChoice& Choice() const { return mChoice; }
+
+ private:
+  [[nodiscard]] static fs::path Preselected(const FileList& list) {
+    return list.preselected ? list.files[*list.preselected].path : fs::path();
+  }
+
+  OsFiles mFiles;
+  AurexOsChoice mChoice;
+};
+
+// What both downloaders leave behind.
+struct Ending {
+  DownloadOutcome outcome;
+  std::optional<DownloadReview> review;
+};
+
+// One download, from the files that were named to what is told about it.
+class OsDownload {
+ public:
+  OsDownload(Environment& environment, const CommonOptions& common, const OsFiles& files, const DownloadFlags& flags)
+      : mEnvironment(environment),
+        mCommon(common),
+        mFiles(files),
+        mFlags(flags),
+        mWindow(environment, common, flags, files) {}
+
+  [[nodiscard]] VerbResult Run() {
+    auto backup = TerminalBackup::Prepare(mEnvironment, mCommon, mFlags);
+    if (!backup) return std::unexpected(backup.error());
+    mBackup = *std::move(backup);
+    auto controller = ConnectedController::Open(mEnvironment, mCommon);
+    if (!controller) return std::unexpected(controller.error());
+    mController = *std::move(controller);
+    const auto family = FamilyOf(*mController);
+    if (!family) return std::unexpected(family.error());
+    if (*family == Family::Compact && mFiles.fonts) {
+      return std::unexpected(UsageFailure("a controller of the compact family takes no system fonts"));
+    }
+    const Ending ending = *family == Family::Aurex ? SendAurex() : SendCompact();
+    mBackup->TellWarnings(mEnvironment);
+    return Report(ending);
+  }
+
+ private:
+  [[nodiscard]] Ending SendAurex() {
+    // Who consents to the download has been told that the program stops.
+    const std::optional<bool> mayStop =
+        mFlags.backupOrder.mayStop || !mCommon.yes ? mFlags.backupOrder.mayStop : std::optional(true);
+    TerminalCloner cloner(mEnvironment, mCommon, {}, mayStop);
+    const PacerWallClock clock;
+    const WatchedWork work(mEnvironment);
+    const ProgramPaths paths = mCommon.Paths(mEnvironment.home);
+    clsAurexOSDownloader engine(mWindow, {cloner, cloner, mWindow, mEnvironment.pacer, clock, work.Work()}, paths);
+    static_cast<void>(engine.DownloadOS(mController->Link(), Order()));
+    return {engine.Outcome(), engine.Review()};
+  }
+
+  [[nodiscard]] Ending SendCompact() {
+    clsBrioQ50OSDownloader engine(mWindow, mWindow, mEnvironment.pacer, mCommon.Paths(mEnvironment.home));
+    if (mFiles.os) engine.UseFile(*mFiles.os);
+    static_cast<void>(engine.DownloadOS(mController->Link(), Order()));
+    return {engine.Outcome(), engine.Review()};
+  }
+
+  [[nodiscard]] const DownloadOrder& Order() {
+    mOrder.link = mController->Description();
+    mOrder.isDryRun = mFlags.isDryRun;
+    mOrder.backup = mBackup->Backup();
+    mOrder.promptsOf = [this](DownloadQuestion question) -> Prompts& { return mWindow.PromptsOf(question); };
+    mOrder.asksBeforeStop = mEnvironment.input.IsInteractive();
+    mOrder.onPreview = [this](const DownloadPreview& shown) {
+      mPreview = shown;
+      mEnvironment.err << FilesText() << PreviewText(shown) << std::flush;
+    };
+    return mOrder;
+  }
+
+  [[nodiscard]] fs::path OsFile() const { return mFiles.os ? *mFiles.os : mWindow.Choice().os; }
+
+  [[nodiscard]] std::string FilesText() const {
+    const fs::path& fonts = mWindow.Choice().fonts;
+    return "O/S file: " + Utf8FromPath(OsFile()) + "\n" +
+           (fonts.empty() ? "" : "System fonts: " + Utf8FromPath(fonts) + "\n");
+  }
+
+  [[nodiscard]] VerbResult Report(const Ending& ending) const {
+    const DownloadEnd end = ending.outcome.end;
+    if (end != DownloadEnd::Done && end != DownloadEnd::WouldGoOn) {
+      return std::unexpected(DownloadFailure("downloading the O/S", ending.outcome));
+    }
+    VerbOutput output = ReportOf(mPreview, ending.review, mFlags.isDryRun);
+    output.document["file"] = Utf8FromPath(OsFile());
+    if (!mWindow.Choice().fonts.empty()) output.document["fonts"] = Utf8FromPath(mWindow.Choice().fonts);
+    return output;
+  }
+
+  Environment& mEnvironment;
+  const CommonOptions& mCommon;
+  const OsFiles& mFiles;
+  const DownloadFlags& mFlags;
+  OsTerminal mWindow;
+  std::unique_ptr<TerminalBackup> mBackup;
+  std::unique_ptr<ConnectedController> mController;
+  DownloadOrder mOrder;
+  DownloadPreview mPreview;
+};
+
+// Adds the files of a list to both forms of an answer.
+void Show(const FileList& list, const char* what, VerbOutput& output) {
+  auto& shown = output.document[what] = nlohmann::ordered_json::array();
+  output.text += Utf8FromPath(list.folder) + "\n";
+  if (list.IsEmpty()) output.text += "    there is none here\n";
+  for (std::size_t i = 0; i < list.files.size(); ++i) {
+    const bool isNewest = list.preselected == i;
+    const std::string path = Utf8FromPath(list.files[i].path);
+    output.text +=
+        (isNewest ? "  * " : "    ") + list.files[i].text + "    " + Utf8FromPath(list.files[i].path.filename()) + "\n";
+    shown.push_back({{"text", list.files[i].text}, {"file", path}, {"isPreselected", isNewest}});
+  }
+}
+
+}  // namespace
+
+VerbResult DownloadOs(Environment& environment, const CommonOptions& common, const OsFiles& files,
+                      const DownloadFlags& flags) {
+  return OsDownload(environment, common, files, flags).Run();
+}
+
+VerbResult ListOs(Environment& environment, const CommonOptions& common) {
+  const auto controller = ConnectedController::Open(environment, common);
+  if (!controller) return std::unexpected(controller.error());
+  const auto family = FamilyOf(**controller);
+  if (!family) return std::unexpected(family.error());
+  const VersionInfo& version = (*controller)->Version();
+  const ProgramPaths paths = common.Paths(environment.home);
+  VerbOutput output;
+  if (*family == Family::Aurex) {
+    const AurexOsLists lists = ListAurexOsFiles(paths, AurexOsModelText(version.model, version.hardwareCode));
+    Show(lists.os, "os", output);
+    Show(lists.fonts, "fonts", output);
+    return output;
+  }
+  const auto compact = ParseCompactIdentification(version.model + "|" + version.hardwareCode + "|" + version.osVersion);
+  if (!compact) {
+    return std::unexpected(NotFitFailure("listing O/S files", "the controller's model is not known", "", ""));
+  }
+  Show(ListCompactOsFiles(paths, *compact), "os", output);
+  return output;
+}
+
+}  // namespace kv::cli
