@@ -7,6 +7,7 @@
 
 #include "base/Texts.h"
 #include "download/FileFields.h"
+#include "download/OsNumber.h"
 #include "link/BlockOperations.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
@@ -74,10 +75,8 @@ AurexProjectSender::Step AurexProjectSender::CheckOs(const FoundController& cont
     mWork.Tell(
         "This project cannot be downloaded because the O/S currently installed in the PLC is an outdated version.",
         PromptIcon::Information, "Download error");
-    return mWork.Refuse("The project needs O/S " + std::to_string(required) +
-                        " (version and build without points), "
-                        "and the controller has " +
-                        std::to_string(*installed) + ". Download a newer O/S first.");
+    return mWork.Refuse("The project needs O/S " + *NeededOs() + ", and the controller has " + controller.OsText() +
+                        ". Download a newer O/S first.");
   }
   if (required < *installed) {
     mWork.Tell("Note that the O/S currently installed in the PLC is higher than the O/S in project being downloaded",
@@ -96,6 +95,11 @@ ProjectSender::Traffic AurexProjectSender::Amount() const {
           .exchanges = topics + kOthers};
 }
 
+std::optional<std::string> AurexProjectSender::NeededOs() const {
+  return VersionText({.version = mProject.osVersion, .build = mProject.osBuild}) + " (B" +
+         (mProject.osBuild < 10 ? "0" : "") + std::to_string(mProject.osBuild) + ") or newer";
+}
+
 // --- The download ---
 
 AurexProjectSender::Step AurexProjectSender::Send() {
@@ -108,7 +112,6 @@ AurexProjectSender::Step AurexProjectSender::Send() {
   }
   mWork.window.ResetProgress(1);
   mWork.window.SetStatus("");
-  mWork.Tell("Download was successful.", PromptIcon::Information);
   return {};
 }
 
@@ -149,8 +152,8 @@ AurexProjectSender::Step AurexProjectSender::SendTopics() {
   return {};
 }
 
-// A topic that arrives twice would be kept twice. When a stop has ended the exchange and the user then wants to go on,
-// the controller tells whether it has the topic: it counts them.
+// A topic that arrives twice would be kept twice. When a stop or a lost connection has ended the exchange and the
+// download can go on, the controller tells whether it has the topic: it counts them.
 AurexProjectSender::Step AurexProjectSender::SendTopic(const AurexProjectTopic& topic) {
   const auto expected = static_cast<std::uint8_t>(mSent + 1);
   while (true) {
@@ -161,13 +164,14 @@ AurexProjectSender::Step AurexProjectSender::SendTopic(const AurexProjectTopic& 
                              .param4 = topic.param4};
     const auto sent = mWork.SendBlock(fields, topic.data);
     if (sent) return {};
-    if (!mWork.GoesOnAfter(sent.error())) return std::unexpected(sent.error());
+    const bool isUnsure = sent.error().link.code == LinkErrorCode::Unsure;
+    if (!isUnsure && !mWork.GoesOnAfter(sent.error())) return std::unexpected(sent.error());
     const auto status = AskStatus();
-    if (!status) return std::unexpected(status.error());
+    if (!status) return std::unexpected(isUnsure ? sent.error() : status.error());
     const std::uint8_t count = (*status)[kTopicCount];
     if (count == expected) return {};
     if (count != static_cast<std::uint8_t>(expected - 1)) {
-      return mWork.Fail(DownloadCause::Reply, "The controller has not kept what it was sent before.");
+      return mWork.Fail(DownloadCause::Reply, "The controller has not kept what it was sent before: it has restarted.");
     }
   }
 }

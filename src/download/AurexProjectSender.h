@@ -14,7 +14,9 @@ class AurexProjectSender final : public ProjectSender {
   void Begin() override {}
   [[nodiscard]] Step CheckFits(const FoundController& controller) override;
   [[nodiscard]] Step Send() override;
+  [[nodiscard]] std::string_view SuccessText() const override { return "Download was successful."; }
   [[nodiscard]] Traffic Amount() const override;
+  [[nodiscard]] std::optional<std::string> NeededOs() const override;
 
  private:
   [[nodiscard]] Step CheckOs(const FoundController& controller);

@@ -1,8 +1,11 @@
 #include "download/CompactProjectSender.h"
 
+#include <algorithm>
 #include <chrono>
+#include <expected>
 #include <utility>
 
+#include "base/Numbers.h"
 #include "download/FileFields.h"
 
 namespace kv {
@@ -15,6 +18,33 @@ ControllerLeft LeftBy(std::string_view line, ControllerLeft before) {
   if (line == "CCE") return ControllerLeft::ProjectPerhaps;
   if (line == "DE") return ControllerLeft::ProjectErased;
   return before == ControllerLeft::Untouched ? ControllerLeft::Stopped : before;
+}
+
+// The stretch of project memory that a line writes; nothing (`end` 0) for every other line. Malformed is one that a
+// controller would refuse: address (6 digits) and 1 to 256 bytes, or a name of at most 20 bytes.
+struct Piece {
+  std::uint32_t end = 0;
+};
+std::expected<Piece, std::string> ReadPiece(std::string_view line) {
+  constexpr std::size_t kName = 2;
+  constexpr std::size_t kAddress = 6;
+  constexpr std::size_t kMostBytes = 256;
+  constexpr std::size_t kLongestName = 20;
+  const bool isName = line.starts_with("LN");
+  if (!isName && !line.starts_with("LD")) return Piece{};
+  const std::string_view digits = line.substr(kName);
+  const bool areDigits =
+      std::ranges::all_of(digits, [](char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); });
+  const std::size_t head = isName ? 0 : kAddress;
+  const std::size_t bytes = digits.size() < head ? 0 : (digits.size() - head) / 2;
+  const bool fits = isName ? bytes <= kLongestName : bytes >= 1 && bytes <= kMostBytes;
+  if (!areDigits || digits.size() % 2 != 0 || !fits) {
+    return std::unexpected(isName ? "expected a name of at most 20 bytes, as digits"
+                                  : "expected an address of 6 digits and 1 to 256 bytes, as digits");
+  }
+  if (isName) return Piece{};
+  const auto address = static_cast<std::uint32_t>(ParseHex(digits.substr(0, kAddress)).value_or(0));
+  return Piece{address + static_cast<std::uint32_t>(bytes)};
 }
 
 // Doing it twice is the same as doing it once, so that a stop which ended its exchange can be taken back.
@@ -30,6 +60,12 @@ void CompactProjectSender::Begin() {
 }
 
 CompactProjectSender::Step CompactProjectSender::CheckFits(const FoundController& controller) {
+  Step fits = CheckModel(controller);
+  if (fits) fits = CheckLines();
+  return fits ? CheckEnd() : fits;
+}
+
+CompactProjectSender::Step CompactProjectSender::CheckModel(const FoundController& controller) {
   const std::string model = ShownText(controller.version.model);
   const std::string text = OtherModelText(mProject.model, model);
   const bool takesBlocks = mWork.link.GetDownloadEngine() != nullptr;
@@ -38,29 +74,45 @@ CompactProjectSender::Step CompactProjectSender::CheckFits(const FoundController
   const std::string advice = controller.info.state == 'B' ? StateAdvice(controller) : "";
   if (takesBlocks || !advice.empty()) {  // no answer could make these go on
     mWork.Tell(text, PromptIcon::Exclamation, "Warning");
-    return mWork.Refuse(advice.empty() ? "The project is one of the compact family, and the controller (" + model +
-                                             ") does not know its commands."
-                                       : advice);
+    return mWork.Refuse(!advice.empty() ? advice
+                                        : "The project is one of the compact family, and the controller (" + model +
+                                              ") does not know its commands.");
   }
-  if (model != mProject.model && !mWork.Asks(DownloadQuestion::OtherModel, text + "\r\nDo you want to continue?",
-                                             PromptIcon::Question, "Warning")) {
-    return std::unexpected(DownloadOutcome{
-        .end = DownloadEnd::Declined,
-        .cause = DownloadCause::NotFit,
-        .reason = "The project is made for a " + mProject.model + ", and the controller is a " + model + "."});
-  }
-  if (mProject.endsWithReset ||
-      mWork.Asks(DownloadQuestion::NoReset,
-                 "The file does not end with the command that restarts the controller (CCE). It may have been cut; if "
-                 "it "
-                 "was not, the controller stands still after the download until it is restarted. Download it all the "
-                 "same?",
-                 PromptIcon::Exclamation)) {
+  if (model == mProject.model || mWork.Asks(DownloadQuestion::OtherModel, text + "\r\nDo you want to continue?",
+                                            PromptIcon::Question, "Warning")) {
     return {};
   }
-  return std::unexpected(DownloadOutcome{.end = DownloadEnd::Declined,
-                                         .cause = DownloadCause::File,
-                                         .reason = "The project file does not end with CCE; it may have been cut."});
+  return mWork.Decline(DownloadCause::NotFit,
+                       "The project is made for a " + mProject.model + ", and the controller is a " + model + ".");
+}
+
+// The controller hands out its project memory to everybody (RX), and nothing past its end.
+CompactProjectSender::Step CompactProjectSender::CheckLines() {
+  constexpr std::size_t kAddressOfReply = 8;
+  std::uint32_t end = 0;
+  for (std::size_t i = 0; i < mProject.commands.size(); ++i) {
+    const auto piece = ReadPiece(mProject.commands[i]);
+    if (!piece) {
+      return mWork.Fail(DownloadCause::File, "Line " + std::to_string(i + kCompactProjectHeadLines + 1) +
+                                                 " of the project file: " + piece.error() +
+                                                 ". Nothing was sent of it.");
+    }
+    end = std::max(end, piece->end);
+  }
+  if (end == 0) return {};
+  const auto reply = mWork.Send("RX" + ToHex(end - 1, kAddressOfReply));
+  if (!reply) return std::unexpected(reply.error());
+  if (reply->Data().size() > kAddressOfReply) return {};
+  return mWork.Refuse("The project goes up to byte " + std::to_string(end) +
+                      " of the project memory, which the controller does not have.");
+}
+
+CompactProjectSender::Step CompactProjectSender::CheckEnd() {
+  const char* const question =
+      "The file does not end with the command that restarts the controller (CCE). It may have been cut; if it was not, "
+      "the controller stands still after the download until it is restarted. Download it all the same?";
+  if (mProject.endsWithReset || mWork.Asks(DownloadQuestion::NoReset, question, PromptIcon::Exclamation)) return {};
+  return mWork.Decline(DownloadCause::File, "The project file does not end with CCE; it may have been cut.");
 }
 
 ProjectSender::Traffic CompactProjectSender::Amount() const {
@@ -88,7 +140,6 @@ CompactProjectSender::Step CompactProjectSender::Send() {
     mWork.pacer.DoEvents();
   }
   if (!mProject.endsWithReset) mWork.left = ControllerLeft::ProjectWaits;
-  mWork.Tell("Download was successful. ", PromptIcon::Information);
   return {};
 }
 

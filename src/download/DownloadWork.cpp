@@ -57,6 +57,12 @@ std::unexpected<DownloadOutcome> DownloadWork::Refuse(std::string reason) const 
       .end = DownloadEnd::Refused, .cause = DownloadCause::NotFit, .reason = std::move(reason), .left = left});
 }
 
+std::unexpected<DownloadOutcome> DownloadWork::Decline(DownloadCause cause, std::string reason) const {
+  if (pacer.StopRequested()) return Stop();
+  return std::unexpected(
+      DownloadOutcome{.end = DownloadEnd::Declined, .cause = cause, .reason = std::move(reason), .left = left});
+}
+
 std::unexpected<DownloadOutcome> DownloadWork::FailOf(const LinkError& error, DownloadCause cause) const {
   auto failed = Fail(cause, error.Text());
   failed.error().link = error;

@@ -41,6 +41,8 @@ class DownloadWork {
 
   [[nodiscard]] std::unexpected<DownloadOutcome> Fail(DownloadCause cause, std::string reason) const;
   [[nodiscard]] std::unexpected<DownloadOutcome> Refuse(std::string reason) const;
+  // The user's No; a stop when there was one.
+  [[nodiscard]] std::unexpected<DownloadOutcome> Decline(DownloadCause cause, std::string reason) const;
   [[nodiscard]] std::unexpected<DownloadOutcome> FailOf(const LinkError& error,
                                                         DownloadCause cause = DownloadCause::Link) const;
   [[nodiscard]] std::unexpected<DownloadOutcome> Stop() const;

@@ -22,15 +22,22 @@ std::string FileNameOf(const ProjectFile& file) {
   return Utf8FromPath(file.path.filename());
 }
 
-// What the controller says, beside what has gone wrong: of a link that is gone nothing more can be known.
-void AskWhatIsLeft(Channel& link, DownloadOutcome& outcome) {
+// What is left, when the controller can be asked: it may have lost its power or been reset since, which ends a load.
+void AskWhatIsLeft(Channel& link, const std::string& oldProject, DownloadOutcome& outcome) {
   const bool isGone = outcome.link.code != LinkErrorCode::None && outcome.link.code != LinkErrorCode::Refused &&
                       outcome.link.code != LinkErrorCode::Busy;
   if (outcome.left == ControllerLeft::Untouched || isGone) return;
   const auto info = link.GetControllerInfo(link.UnitID());
   if (!info) return;
+  const std::string project = FoundController{{}, *info}.ProjectText();
   outcome.reason += std::string("\nAsked afterwards, the controller says that its state is ") + info->state +
-                    " and its project \"" + FoundController{{}, *info}.ProjectText() + "\".";
+                    " and its project \"" + project + "\".";
+  const bool isBeforeErase = outcome.left == ControllerLeft::Stopped || outcome.left == ControllerLeft::ProjectBegun;
+  const bool mayBeLost = isBeforeErase || outcome.left == ControllerLeft::Programming;
+  if (isBeforeErase && IsRunningState(info->state) && project == oldProject) outcome.left = ControllerLeft::Untouched;
+  if (mayBeLost && info->state != 'L' && project.empty() && !oldProject.empty()) {
+    outcome.left = ControllerLeft::ProjectErased;
+  }
 }
 
 }  // namespace
@@ -60,6 +67,7 @@ class ProjectDownload::Run {
   }
 
   [[nodiscard]] const std::optional<DownloadReview>& Review() const { return mReview; }
+  [[nodiscard]] std::string OldProject() const { return mController.ProjectText(); }
 
  private:
   Step Meet() {
@@ -75,7 +83,7 @@ class ProjectDownload::Run {
     const ProjectSender::Traffic traffic = mSender->Amount();
     mPreview = {.controller = mControllerText,
                 .now = SideOf(mController),
-                .then = {.model = mFile.Model(), .os = {}, .fonts = {}, .project = mFile.Name()},
+                .then = {.model = mFile.Model(), .os = mSender->NeededOs(), .fonts = {}, .project = mFile.Name()},
                 .bytes = traffic.content,
                 .about = TimeOnLink(mWork.link, traffic.bytes, traffic.exchanges)};
     const std::string old = mController.ProjectText();
@@ -98,7 +106,8 @@ class ProjectDownload::Run {
         ") is loading: a restore or download was cut, or somebody else's is under way. The download would begin anew; "
         "what somebody else is loading would be lost, and his tool may take what comes out for its own. End that load?";
     if (mWork.Asks(DownloadQuestion::EndLoad, question, PromptIcon::Exclamation)) return {};
-    return Decline("A load is under way in the controller, or was cut, and was not to be ended.");
+    return mWork.Decline(DownloadCause::User,
+                         "A load is under way in the controller, or was cut, and was not to be ended.");
   }
 
   Step AskToBegin() {
@@ -112,13 +121,7 @@ class ProjectDownload::Run {
     if (mWork.Asks(DownloadQuestion::Begin, text + kLineEnd + kLineEnd + "Download it?", PromptIcon::Exclamation)) {
       return {};
     }
-    return Decline("The download was not confirmed.");
-  }
-
-  Step Decline(std::string reason) const {
-    if (mWork.pacer.StopRequested()) return mWork.Stop();
-    return std::unexpected(DownloadOutcome{
-        .end = DownloadEnd::Declined, .cause = DownloadCause::User, .reason = std::move(reason), .left = mWork.left});
+    return mWork.Decline(DownloadCause::User, "The download was not confirmed.");
   }
 
   // The file may have been written anew since it was shown, while questions were open and while the backup was taken.
@@ -155,10 +158,21 @@ class ProjectDownload::Run {
                       "sent.\nWhat to do: wait until that is over, or find out who it is, and begin again.");
   }
 
-  Step Send() { return mSender->Send(); }
+  // When only the answer to the reset is missing, what the controller then says decides.
+  Step Send() {
+    Step sent = mSender->Send();
+    if (sent) mWork.Tell(mSender->SuccessText(), PromptIcon::Information);
+    const bool isOnlyUnanswered = !sent && mWork.left == ControllerLeft::ProjectPerhaps &&
+                                  sent.error().end == DownloadEnd::Failed && sent.error().cause == DownloadCause::Link;
+    if (!isOnlyUnanswered) return sent;
+    Step proven = Compare();
+    if (proven) mWork.Tell(mSender->SuccessText(), PromptIcon::Information);
+    return proven;
+  }
 
   // What the controller says of itself now. The box of success has been shown; a difference has one of its own.
   Step Compare() {
+    if (mWork.left == ControllerLeft::NewProject) return {};
     const bool isReset = mWork.left == ControllerLeft::ProjectPerhaps;
     const auto after =
         isReset ? FindAfterReset(mWork.link, mWork.pacer, mController.info.serialNumber) : FindController(mWork.link);
@@ -170,6 +184,7 @@ class ProjectDownload::Run {
     if (!IsRunningState(after->info.state)) {
       differences.push_back(std::string("Its program does not run: its state is ") + after->info.state + ".");
     }
+    if (after->info.state == 'L') mWork.left = ControllerLeft::ProjectWaits;  // the reset has not come to it
     if (!differences.empty()) return Differs(differences);
     mWork.left = ControllerLeft::NewProject;
     return {};
@@ -211,7 +226,7 @@ void ProjectDownload::Download(Channel& link, const ProjectFile& file, const Dow
   const Step done = run.All();
   mReview = run.Review();
   mOutcome = done ? DownloadOutcome{.left = work.left} : done.error();
-  if (!done && mOutcome.cause != DownloadCause::Unproven) AskWhatIsLeft(link, mOutcome);
+  if (!done && mOutcome.cause != DownloadCause::Unproven) AskWhatIsLeft(link, run.OldProject(), mOutcome);
 }
 
 const std::string& ProjectFile::Name() const {

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "download/DownloadWork.h"
 #include "download/FoundController.h"
@@ -18,8 +21,10 @@ class ProjectSender {
   virtual void Begin() = 0;
   // Whether file and controller belong together: the settled boxes and questions about it.
   [[nodiscard]] virtual Step CheckFits(const FoundController& controller) = 0;
-  // From the first command that changes the controller to the box that says how it went.
+  // From the first command that changes the controller to the reset.
   [[nodiscard]] virtual Step Send() = 0;
+  // What the box says that tells of the success.
+  [[nodiscard]] virtual std::string_view SuccessText() const = 0;
 
   // What passes on the line, for the time that it takes.
   struct Traffic {
@@ -28,6 +33,9 @@ class ProjectSender {
     std::uint64_t exchanges = 0;
   };
   [[nodiscard]] virtual Traffic Amount() const = 0;
+
+  // "4.60 (B19) or newer"; nothing when the file does not tell.
+  [[nodiscard]] virtual std::optional<std::string> NeededOs() const { return std::nullopt; }
 };
 
 // The two sentences about a file that is made for another model.

@@ -1,0 +1,442 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/PathText.h"
+#include "clone/CloneInfo.h"
+#include "download/ProjectDownload.h"
+#include "tests/download/DownloadFixture.h"
+#include "tests/download/Samples.h"
+#include "tests/support/MarkdownTables.h"
+#include "tests/support/SilentCloner.h"
+
+namespace kv::test {
+namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* kAurex = "K220-22-R1";
+constexpr const char* kCompact = "Q50";
+constexpr int kSeeds = 100;
+
+// Writes each box into the log, "(!) Warning: ...", and consents, but for the questions that hold `declined`.
+class Answers : public Prompts {
+ public:
+  explicit Answers(std::vector<std::string>& log) : mLog(log) {}
+
+  std::string declined;
+  std::function<void()> meanwhile = [] {};  // while a question is open
+
+  PromptAnswer Show(const MessageBox& box) override {
+    const char sign = " i!?x"[static_cast<std::size_t>(box.icon)];
+    mLog.push_back(std::string("(") + sign + ") " + box.title + ": " + box.text);
+    if (box.buttons == PromptButtons::Ok) return PromptAnswer::Ok;
+    EXPECT_TRUE(box.canLose) << box.text;
+    meanwhile();
+    return !declined.empty() && box.text.contains(declined) ? PromptAnswer::No : PromptAnswer::Yes;
+  }
+  std::optional<std::string> Ask(const InputBox&) override { return "1"; }
+  std::optional<std::string> OpenFile(const FileDialog&) override { return {}; }
+  std::optional<std::string> SaveFile(const FileDialog&) override { return {}; }
+
+ private:
+  std::vector<std::string>& mLog;
+};
+
+// A controller that runs project "Old", and a file with project "Hall 7".
+struct ProjectFixture : DownloadFixture {
+  explicit ProjectFixture(const std::string& model, const sim::SimulatorOptions& options = {})
+      : DownloadFixture(model, options), isCompact(!controller->UnderstandsBlocks()) {
+    Put(SampleProject(model, isCompact ? 200 : 5000));
+  }
+  void Put(const std::string& content) {
+    path = folder.Path() / (isCompact ? "Hall 7.d50" : "Hall 7.dai");
+    folder.Put(Utf8FromPath(path.filename()), content);
+  }
+  // As an engineer's tool did it before.
+  void HoldOldProject() {
+    if (isCompact) {
+      controller->Advance(pacer.Now());
+      controller->Tell("DE");
+      pacer.Sleep(std::chrono::seconds(3));
+      controller->Advance(pacer.Now());
+      controller->Tell("LN4F6C64");
+      controller->Tell("CCE");
+      return;
+    }
+    folder.Put("Old.dai", Good(sim::MakeProject(ModelCalled(kAurex), {.name = "Old", .os = {"4.60", 19}, .size = 9})));
+    EXPECT_EQ(Download(folder.Path() / "Old.dai").end, DownloadEnd::Done);
+    log.clear();
+  }
+  DownloadOutcome Download() { return Download(path); }
+  DownloadOutcome Download(const std::filesystem::path& file) {
+    const auto project = ReadProject(file, file.extension() == ".d50");
+    if (!project) return {.end = DownloadEnd::Failed, .reason = project.error().Text()};
+    ProjectDownload engine(window, answers, pacer);
+    engine.Download(Link(), *project, order);
+    review = engine.Review();
+    return engine.Outcome();
+  }
+  // What was sent that may change the controller.
+  [[nodiscard]] std::vector<std::string> Changes() const {
+    std::vector<std::string> changes;
+    for (const std::string& entry : log) {
+      const bool isSurface = entry.starts_with("(") || entry.starts_with("Bar") || entry.starts_with("Status");
+      if (!isSurface) changes.push_back(entry);
+    }
+    return changes;
+  }
+
+  bool isCompact;
+  std::filesystem::path path;
+  LoggedDownloadWindow window{log};
+  Answers answers{log};
+  DownloadOrder order{.link = "COM3"};
+  std::optional<DownloadReview> review;
+};
+
+TEST(ProjectDownload, TellsAndSendsInTheSettledOrder) {
+  const std::string aurex =
+      "(i) Note: Note that the O/S currently installed in the PLC is higher than the O/S in project being downloaded; "
+      "consent; CCS; (!) Downloader: The controller is about to enter Stop mode.; PV000A; "
+      "Status Send project password ...; 66; Bar 120; 2; Status Send project topics ...; Bar 3; 65; 65; 65; "
+      "Status Programing flash and memory ...; 69; Bar 120; (!) Downloader: The controller is about to Reset.; CCE; "
+      "Bar 1; Status ; (i) Downloader: Download was successful.; Bar 1; Status ; ";
+  const std::string compact =
+      "Bar 12; Status Sending download file ...; (?) Warning: The program you are downloading is intended for "
+      "controller model Q51-2-R34.\r\nThe model to which you are downloading the programm is Q50-2-R34.\r\nDo you "
+      "want to continue?; consent; (!) Downloader: The controller is about to enter Stop mode.; CCS; DE; DI; DI; DI; "
+      "LN; LD; LD; LD; LD; (!) Downloader: The controller is about to Reset.; CCE; (i) Downloader: Download was "
+      "successful. ; Bar 1; Status ; ";
+  for (const bool isCompact : {false, true}) {
+    ProjectFixture fixture(isCompact ? kCompact : kAurex);
+    fixture.Put(
+        isCompact ? SampleProject("Q51", 200)
+                  : Good(sim::MakeProject(ModelCalled(kAurex), {.name = "Hall 7", .os = {"4.60", 18}, .size = 5000})));
+    const DownloadOutcome outcome = fixture.Download();
+    EXPECT_EQ(outcome.end, DownloadEnd::Done) << OutcomeText(outcome);
+    EXPECT_EQ(outcome.left, ControllerLeft::NewProject);
+    EXPECT_EQ(fixture.controller->StateAndProject(), "RHall 7");
+    ASSERT_TRUE(fixture.review);
+    EXPECT_EQ(fixture.review->after.project, "Hall 7");
+    std::string log;
+    for (const std::string& entry : fixture.log) {
+      log += (entry.contains("is about to be replaced.") ? "consent" : entry) + "; ";
+    }
+    EXPECT_EQ(log, isCompact ? compact : aurex);
+  }
+}
+
+TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
+  using Spoil = std::function<void(ProjectFixture & fixture)>;
+  const auto needs = [](const char* version, int build) -> Spoil {
+    return [=](ProjectFixture& fixture) {
+      fixture.Put(Good(sim::MakeProject(ModelCalled(kAurex), {.name = "N", .os = {version, build}, .size = 9})));
+    };
+  };
+  const auto decline = [](const char* question) -> Spoil {
+    return [=](ProjectFixture& fixture) { fixture.answers.declined = question; };
+  };
+  const auto meanwhile = [](const std::function<void(ProjectFixture&)>& happens) -> Spoil {
+    return [=](ProjectFixture& fixture) { fixture.answers.meanwhile = [&fixture, happens] { happens(fixture); }; };
+  };
+  const auto change = meanwhile([](ProjectFixture& fixture) { fixture.Put(SampleProject(kAurex, 6000)); });
+  const auto vanish = meanwhile([](ProjectFixture& fixture) { std::filesystem::remove(fixture.path); });
+  const auto load = meanwhile([](ProjectFixture& fixture) { fixture.controller->Tell("CCM"); });
+  const auto cut = [](ProjectFixture& fixture) {
+    std::string content = TemporaryFolder::Content(fixture.path);
+    fixture.Put(content.substr(0, content.rfind('\n', content.size() - 2) + 1));
+    fixture.answers.declined = "does not end with";
+  };
+  const auto large = [](ProjectFixture& fixture) { fixture.Put(SampleProject(kCompact, 60000)); };
+  const auto badLine = [](ProjectFixture& fixture) {
+    std::string content = TemporaryFolder::Content(fixture.path);
+    content.resize(content.rfind('\n', content.size() - 2) + 1);
+    std::string line = "000000DL";  // an address without data, written backwards
+    for (char& c : line) c = static_cast<char>(c + std::ranges::count(content, '\n') % 3);
+    fixture.Put(content + line + "\r\n");
+  };
+  const auto loading = [](ProjectFixture& fixture) {
+    fixture.controller->Tell("CCM");
+    fixture.answers.declined = "End that load?";
+  };
+  const auto boot = [](ProjectFixture& fixture) { fixture.controller->Tell("CCB"); };
+  struct Case {
+    const char* what;
+    const char* model;
+    const char* fileModel;  // null: the controller's
+    Spoil spoil;
+    DownloadEnd end;
+    DownloadCause cause;
+    const char* told;  // in the boxes or the reason
+  };
+  using enum DownloadEnd;
+  using enum DownloadCause;
+  const Case rows[] = {
+      {"other model", kAurex, "K330", {}, Refused, NotFit, "(!) Warning: The program you are downloading is intended"},
+      {"O/S too old", kAurex, nullptr, needs("4.60", 20), Refused, NotFit, "(i) Download error: This project cannot"},
+      {"newer version", kAurex, nullptr, needs("4.61", 0), Refused, NotFit, "is an outdated version."},
+      {"K230", "K230", nullptr, needs("9.60", 0), Refused, NotFit, "The program you are downloading"},
+      {"boot loader", kAurex, nullptr, boot, Refused, NotFit, "Download an O/S"},
+      {"compact boot loader", kCompact, nullptr, boot, Refused, NotFit, "Download an O/S"},
+      {"colour", "K450-45", nullptr, {}, Refused, NotFit, "colour screen"},
+      {"no", kAurex, nullptr, decline("Download it?"), Declined, User, "not confirmed"},
+      {"no, other model", kCompact, "Q51", decline("Do you want to continue?"), Declined, NotFit, "made for a Q51"},
+      {"cut", kCompact, nullptr, cut, Declined, DownloadCause::File, "may have been cut"},
+      {"too large", kCompact, nullptr, large, Refused, NotFit, "goes up to byte 60000 of the project memory"},
+      {"bad line", kCompact, nullptr, badLine, Failed, DownloadCause::File, "Line 12 of the project file: expected an"},
+      {"loading", kAurex, nullptr, loading, Declined, User, "was not to be ended"},
+      {"loading", kCompact, nullptr, loading, Declined, User, "was not to be ended"},
+      {"changed", kAurex, nullptr, change, Failed, DownloadCause::File, "has been changed since"},
+      {"vanished", kAurex, nullptr, vanish, Failed, DownloadCause::File, "Hall 7.dai"},
+      {"somebody else", kAurex, nullptr, load, Failed, Link, "Somebody else has begun to load"},
+      {"dry run", kAurex, nullptr, [](ProjectFixture& f) { f.order.isDryRun = true; }, WouldGoOn, None, "Download it?"},
+      {"dry run", kCompact, nullptr, [](ProjectFixture& f) { f.order.isDryRun = true; }, WouldGoOn, None, "Download"},
+  };
+  for (const Case& row : rows) {
+    SCOPED_TRACE(std::string(row.what) + " " + row.model);
+    ProjectFixture fixture(row.model);
+    if (row.fileModel != nullptr) fixture.Put(SampleProject(row.fileModel));
+    if (row.spoil) row.spoil(fixture);
+    const DownloadOutcome outcome = fixture.Download();
+    EXPECT_EQ(outcome.end, row.end) << outcome.reason;
+    EXPECT_EQ(outcome.cause, row.cause);
+    EXPECT_EQ(outcome.left, ControllerLeft::Untouched);
+    std::string told = outcome.reason;
+    for (const std::string& entry : fixture.log) told += "\n" + entry;
+    EXPECT_THAT(told, HasSubstr(row.told));
+    EXPECT_THAT(fixture.Changes(), IsEmpty());
+  }
+}
+
+// Names of the page on downloads, and what is said for each.
+std::string NameOf(ControllerLeft left) {
+  for (const Row& row : RowsBelow({"Left as", "What is said"}, "downloads.md")) {
+    if (row[1] == LeftBehindText(left)) return row[0];
+  }
+  return "(no sentence of the page)";
+}
+
+// What the page says is left, by the last command that a controller has taken.
+std::map<std::string, std::string> DocumentedFor(const std::string& kind) {
+  std::map<std::string, std::string> rows;
+  for (const Row& row : RowsBelow({kind + ": the last that the controller has taken", "Left as"}, "downloads.md")) {
+    rows[row[0]] = row[1] + ", " + row[2];
+  }
+  return rows;
+}
+
+// Which state and project each word about what is left may stand for; "*" is any project.
+bool IsAs(ControllerLeft left, const std::string& found) {
+  const std::string project = found.substr(1);
+  switch (left) {
+    case ControllerLeft::Untouched:
+      return found == "ROld";
+    case ControllerLeft::Stopped:
+    case ControllerLeft::ProjectBegun:
+      return project == "Old";
+    case ControllerLeft::ProjectErased:
+      return true;  // nothing is promised
+    case ControllerLeft::Programming:
+      return found == "LOld" || project.empty() || project == "Hall 7";
+    case ControllerLeft::ProjectWaits:
+      return found == "LOld" || project == "Hall 7";
+    case ControllerLeft::ProjectPerhaps:
+      return true;
+    default:
+      return found == "RHall 7";
+  }
+}
+
+TEST(ProjectDownload, SaysWhatIsLeftWhereverItIsCutAndGetsThroughThen) {
+  const char* const faults[] = {
+      "lost:away=60000,nth=", "refuse:code=0D,nth=", "reset:nth=", "noreply:nth=", "wrongunit:nth=", "lost:nth="};
+  for (const char* model : {kAurex, kCompact}) {
+    auto documented = DocumentedFor(model == std::string(kAurex) ? "`.dai`" : "`.d50`");
+    for (const std::string fault : faults) {
+      int cuts = 0;
+      for (int n = 1; n < 40; ++n) {
+        SCOPED_TRACE(std::string(model) + " " + fault + std::to_string(n));
+        ProjectFixture fixture(model);
+        fixture.HoldOldProject();
+        fixture.UseFault(fault + std::to_string(n));
+        const DownloadOutcome cut = fixture.Download();
+        fixture.EndFaults();
+        const std::string found = fixture.controller->StateAndProject();
+        if (cut.end == DownloadEnd::Done) {
+          EXPECT_EQ(found, "RHall 7");
+        } else {
+          ++cuts;
+          EXPECT_EQ(cut.end, DownloadEnd::Failed);
+          EXPECT_NE(cut.reason, "");
+        }
+        const std::string last = fixture.Changes().empty() ? "-" : fixture.Changes().back();
+        if (cut.end != DownloadEnd::Done) {
+          EXPECT_THAT(documented[last], HasSubstr(NameOf(cut.left))) << last << "\n" << cut.reason;
+        }
+        EXPECT_TRUE(IsAs(cut.left, found)) << LeftBehindText(cut.left) << " / " << found << "\n" << cut.reason;
+        fixture.pacer.Sleep(std::chrono::seconds(70));
+        const DownloadOutcome again = fixture.Download();
+        EXPECT_EQ(again.end, DownloadEnd::Done) << again.reason;
+        EXPECT_EQ(fixture.controller->StateAndProject(), "RHall 7");
+      }
+      EXPECT_EQ(cuts > 9, fault.contains("away") || fault.starts_with("re")) << fault << cuts;
+    }
+  }
+}
+
+TEST(ProjectDownload, IsRightOrAPlainFailureInAnyWeather) {
+  const std::vector<std::string> weather = {
+      "damage:rate=0.0005",      "noreply:p=0.02",       "late:p=0.02,ms=700",     "double:p=0.02", "wrongunit:p=0.01",
+      "garbage:p=0.01,bytes=60", "lost:p=0.01,away=900", "lost:p=0.004,away=9000", "reset:p=0.003", "busy:p=0.003"};
+  int done = 0;
+  for (int seed = 1; seed <= kSeeds; ++seed) {
+    for (const char* model : {kAurex, kCompact}) {
+      SCOPED_TRACE(std::string(model) + " seed " + std::to_string(seed));
+      sim::SimulatorOptions options;
+      options.seed = static_cast<std::uint64_t>(seed);
+      ProjectFixture fixture(model, options);
+      fixture.HoldOldProject();
+      EXPECT_TRUE(fixture.simulated->UseFaults(weather));
+      const DownloadOutcome outcome = fixture.Download();
+      const std::string found = fixture.controller->StateAndProject();
+      EXPECT_TRUE(IsAs(outcome.left, found)) << LeftBehindText(outcome.left) << " / " << found << outcome.reason;
+      if (outcome.end == DownloadEnd::Done) ++done;
+      EXPECT_EQ(outcome.end == DownloadEnd::Done, outcome.reason.empty());
+    }
+  }
+  EXPECT_GT(done, kSeeds / 2);
+}
+
+TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
+  struct Case {
+    const char* model;
+    std::function<void(ProjectFixture& fixture)> spoil;
+    const char* told;
+  };
+  const auto atReset = [](const char* does) {
+    return [=](ProjectFixture& fixture) {
+      fixture.controller->onText = [&fixture, does](std::string_view sent) {
+        if (sent == "CCE") fixture.controller->Tell(does);
+      };
+    };
+  };
+  const auto otherName = [](ProjectFixture& fixture) {
+    std::string content = SampleProject(kAurex);
+    content[70] = static_cast<char>(content[70] ^ 'H' ^ 'B');  // "Ball 7" in the head, "Hall 7" in its topic
+    fixture.Put(content);
+  };
+  const auto stopped = [](ProjectFixture& fixture) {
+    fixture.pacer.OnTurn([&fixture] {
+      const bool isSent = !fixture.log.empty() && fixture.log.back().ends_with("successful. ");
+      if (isSent) fixture.controller->Tell("CCS");
+    });
+  };
+  const Case rows[] = {
+      {kCompact, atReset("LN4E6F"), "the controller says \"No\", and the file \"Hall 7\""},
+      {kAurex, otherName, "the controller says \"Hall 7\", and the file \"Ball 7\""},
+      {kCompact, stopped, "its state is S"},
+      {kAurex, [](ProjectFixture& f) { f.UseFault("lost:on=CC,nth=2,at=30,away=300000"); }, "not identified after"},
+  };
+  for (const Case& row : rows) {
+    ProjectFixture fixture(row.model);
+    row.spoil(fixture);
+    const DownloadOutcome outcome = fixture.Download();
+    EXPECT_EQ(outcome.end, DownloadEnd::Failed);
+    EXPECT_EQ(outcome.cause, DownloadCause::Unproven) << outcome.reason;
+    EXPECT_EQ(outcome.left, ControllerLeft::ProjectPerhaps);
+    EXPECT_THAT(outcome.reason, HasSubstr(row.told));
+    EXPECT_THAT(fixture.log, Contains(AllOf(HasSubstr("(!) Downloader: All was sent, but"), HasSubstr(row.told))));
+  }
+}
+
+TEST(ProjectDownload, WaitsWithoutALimitUntilItIsStopped) {
+  for (const bool stopsAtOnce : {false, true}) {
+    ProjectFixture fixture(kAurex);
+    fixture.HoldOldProject();
+    int polls = 0;
+    fixture.controller->onBlock = [&](const sim::BlockRequest& request, sim::BlockReply& reply) {
+      if (request.opCode != 7) return;
+      ++polls;
+      reply.payload[2] = 'P';
+    };
+    fixture.answers.declined = stopsAtOnce ? "" : "Stop it all the same?";
+    fixture.pacer.After(std::chrono::minutes(9), [&] { fixture.pacer.RequestStop(); });
+    fixture.pacer.After(std::chrono::minutes(10), [&] {
+      fixture.answers.declined.clear();
+      fixture.pacer.RequestStop();
+    });
+    const DownloadOutcome outcome = fixture.Download();
+    EXPECT_EQ(outcome.end, DownloadEnd::Stopped);
+    EXPECT_EQ(outcome.left, ControllerLeft::ProjectBegun);
+    EXPECT_NEAR(polls, (stopsAtOnce ? 9 : 10) * 600, 60);
+    EXPECT_EQ(std::ranges::count(fixture.log, "Bar 120"), polls / 120 + 1) << "the bar goes round";
+    EXPECT_EQ(fixture.controller->StateAndProject(), "LOld");
+  }
+}
+
+TEST(ProjectDownload, AStopIsMeantOrTheDownloadGoesThrough) {
+  for (const char* model : {kAurex, kCompact}) {
+    for (const char* answer : {"no", "yes", "nobody"}) {
+      int stopped = 0;
+      for (int moment = 1; moment <= 60; moment += 4) {
+        SCOPED_TRACE(std::string(model) + " " + answer + " " + std::to_string(moment));
+        sim::SimulatorOptions options;
+        options.baud = 57600;
+        ProjectFixture fixture(model, options);
+        fixture.HoldOldProject();
+        fixture.order.asksBeforeStop = answer != std::string("nobody");
+        if (answer == std::string("no")) fixture.answers.declined = "Stop it all the same?";
+        int turns = 0;
+        const auto stop = [&] {
+          if (++turns == moment * moment / 4 + 1) fixture.pacer.RequestStop();
+        };
+        fixture.pacer.OnTurn(stop);
+        fixture.pacer.OnDoEvents(stop);
+        const DownloadOutcome outcome = fixture.Download();
+        const std::string found = fixture.controller->StateAndProject();
+        EXPECT_TRUE(IsAs(outcome.left, found)) << LeftBehindText(outcome.left) << " / " << found << outcome.reason;
+        const bool isStopped = outcome.cause == DownloadCause::User || outcome.cause == DownloadCause::Unproven;
+        EXPECT_TRUE(isStopped || outcome.end == DownloadEnd::Done) << outcome.reason;
+        EXPECT_TRUE(isStopped || fixture.isCompact || std::ranges::count(fixture.log, "65") == 3) << "a topic twice";
+        stopped += isStopped ? 1 : 0;
+      }
+      EXPECT_EQ(stopped > 3, answer != std::string("no")) << model << answer << stopped;
+    }
+  }
+}
+
+TEST(ProjectDownload, TakesABackupFirstAndGoesOnOnlyWhenItIsGood) {
+  struct Case {
+    const char* fault;
+    bool isGood;
+    ControllerLeft left = ControllerLeft::NewProject;
+  };
+  const Case rows[] = {{"", true},
+                       {"refuse:on=GI,code=08", false, ControllerLeft::Untouched},
+                       {"lost:nth=30,away=60000", false, ControllerLeft::Stopped}};
+  for (const Case& row : rows) {
+    SCOPED_TRACE(row.fault);
+    ProjectFixture fixture("AurexQ50");
+    SilentCloner cloner;
+    const std::filesystem::path file = fixture.folder.Path() / "before.kdf";
+    BackupBefore backup(file, {cloner, fixture.answers, fixture.answers, fixture.pacer, fixture.pacer});
+    fixture.order.backup = &backup;
+    if (*row.fault != '\0') fixture.UseFault(row.fault);
+    const DownloadOutcome outcome = fixture.Download();
+    EXPECT_EQ(outcome.end == DownloadEnd::Done, row.isGood) << outcome.reason;
+    EXPECT_EQ(outcome.cause, row.isGood ? DownloadCause::None : DownloadCause::Backup);
+    EXPECT_EQ(outcome.left, row.left);
+    EXPECT_EQ(std::filesystem::exists(file), row.isGood);
+    EXPECT_EQ(std::ranges::count(fixture.log, "66"), row.isGood ? 1 : 0);
+    if (row.isGood) {
+      EXPECT_TRUE(InspectClone(file)->IsSound());
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kv::test
