@@ -20,7 +20,8 @@ bool AurexOsChange::ChangesBootLoader() const {
 
 bool AurexOsChange::LosesDataTypes() const {
   const auto isBehind = [this](int first) { return next < first && installed >= first; };
-  return isInBoot || isBehind(kNewOperands) || isBehind(kNewMemory) || (installed < kNewOperands && next >= kNewMemory);
+  // Towards a new memory they are saved and written back; but whether that succeeds is not known yet.
+  return isInBoot || isBehind(kNewOperands) || isBehind(kNewMemory) || NeedsMemorySaved();
 }
 
 bool AurexOsChange::NeedsMemorySaved() const {

@@ -12,7 +12,7 @@ struct AurexOsChange {
   // The new O/S wants another boot loader than the installed one, which may lay out the flash anew: the project may be
   // lost.
   [[nodiscard]] bool ChangesBootLoader() const;
-  // The two keep their operands in different forms: their values are lost.
+  // The two keep their operands in different forms: their values are lost, or hang on the memory that is saved.
   [[nodiscard]] bool LosesDataTypes() const;
   // The memory is laid out anew, and is saved before and restored afterwards.
   [[nodiscard]] bool NeedsMemorySaved() const;

@@ -22,10 +22,10 @@ TEST(AurexOs, EachVersionHasItsOwnQuestions) {
   const Row rows[] = {
       {110, 110, false, false, false}, {110, 111, true, false, false},  {111, 112, false, false, false},
       {200, 201, true, false, false},  {201, 250, false, false, false}, {250, 251, true, false, false},
-      {290, 291, true, false, false},  {291, 373, false, false, false}, {373, 374, true, false, true},
+      {290, 291, true, false, false},  {291, 373, false, false, false}, {373, 374, true, true, true},
       {374, 475, false, false, false}, {300, 299, false, true, false},  {299, 298, false, false, false},
       {374, 373, false, true, false},  {373, 372, false, false, false}, {299, 374, true, true, true},
-      {300, 374, true, false, true},   {109, 290, true, false, false},  {475, 460, false, false, false},
+      {300, 374, true, true, true},    {109, 290, true, false, false},  {475, 460, false, false, false},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(std::to_string(row.installed) + " to " + std::to_string(row.next));
@@ -62,6 +62,74 @@ TEST(AurexOs, EveryModelGetsItsOwnAndRefusesOthers) {
           EXPECT_THAT(fixture.controller->told, IsEmpty());
         }
       }
+    }
+  }
+}
+
+constexpr const char* kStop = "PLC STOP & RESET: O/S download is done via the Aurex's COM port 1. ";
+constexpr const char* kTypes =
+    "Warning: This operating system does not support the data types currently defined in this controller.";
+constexpr const char* kReset = "Reset PLC: The controller is about to restart";
+constexpr const char* kCloner = "Korvantis PLC Cloner: ";
+
+TEST(AurexOs, EverythingIsAskedInItsOrderAndNothingIsSentBefore) {
+  struct Row {
+    const char* installed;
+    bool isInBoot;
+    const char* next;
+    const char* fonts;
+    std::size_t noAt;  // the box that is answered with No; 0: none
+    DownloadEnd end;
+    std::vector<std::string> said;
+  };
+  const std::string created = std::string(kCloner) + "Clone File Created Successfully.";
+  const Row rows[] = {
+      {"4.60", false, "4.75", "1.30", 0, DownloadEnd::Done, {kStop, kReset}},
+      {"4.60", false, "4.75", "1.30", 1, DownloadEnd::Declined, {kStop}},
+      {"3.73",
+       false,
+       "3.74",
+       "1.29",
+       0,
+       DownloadEnd::Refused,
+       {kStop, "Telepanel: This OS requires system fonts version 130 B(0) or later."}},
+      {"3.73",
+       false,
+       "3.74",
+       "1.30",
+       0,
+       DownloadEnd::Done,
+       {kStop, "(bios)", kTypes, std::string(kCloner) + "The PLC is about to STOP, Continue?", created, kReset,
+        "Warning: SB 501 is ON, Inputs forces might be active.",
+        std::string(kCloner) + "Korvantis Clone File:\tV100\t"
+                               "2024-01-01\t00:00:00",
+        std::string(kCloner) + "Clone Restore Successfully."}},
+      {"3.73", false, "3.74", "1.30", 3, DownloadEnd::Declined, {kStop, "(bios)", kTypes}},
+      {"2.00", false, "2.01", "1.29", 0, DownloadEnd::Done, {kStop, "(bios)", kReset}},
+      {"2.01", false, "2.50", "1.29", 0, DownloadEnd::Done, {kStop, kReset}},
+      {"4.60", true, "4.75", "1.30", 0, DownloadEnd::Done, {kStop, "(bios)", kTypes, kReset}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::string(row.installed) + " to " + row.next + " at " + std::to_string(row.noAt));
+    AurexOsFixture fixture("K220-22-R1", row.installed, row.isInBoot);
+    fixture.Put("K220", {row.next, 3}, {row.fonts, 0});
+    const bool isForced = row.said.size() > 5;
+    if (isForced) fixture.controller->Tell("WO00000201F500010100000000");
+    fixture.desk.answer = [&](const MessageBox& box) {
+      return fixture.desk.said.size() == row.noAt ? LeastCommitting(box.buttons) : Consent(box.buttons);
+    };
+    const std::string before = fixture.controller->Tell("RM000000100000010000000000").text;
+    EXPECT_EQ(fixture.Download(), row.end == DownloadEnd::Done) << fixture.outcome.reason;
+    EXPECT_EQ(fixture.outcome.end, row.end);
+    EXPECT_EQ(fixture.desk.said, row.said);
+    if (row.end != DownloadEnd::Done) {
+      EXPECT_THAT(fixture.controller->told, IsEmpty());
+      continue;
+    }
+    EXPECT_THAT(fixture.controller->Truth(), HasSubstr(std::string("|") + row.next + "|03|R"));
+    if (isForced) {
+      EXPECT_EQ(fixture.controller->Tell("RM000000100000010000000000").text, before) << "the memory is back";
+      EXPECT_TRUE(std::filesystem::is_empty(fixture.paths.Temporary()));
     }
   }
 }
