@@ -42,7 +42,7 @@ Prompts& TerminalDownload::PromptsOf(DownloadQuestion question) {
     case DownloadQuestion::LoseValues:
       return mQuestion.emplace(Answered(mConsents.loseValues, "--lose-values"));
     case DownloadQuestion::Retry:
-      return mQuestion.emplace(Answered(false, "somebody at the terminal"));
+      return mQuestion.emplace(Answered(mRetries++ < mConsents.retries, "--retry"));
     case DownloadQuestion::Stop:
       return mQuestion.emplace(Answered(false, "Ctrl-C once more"));
   }

@@ -19,6 +19,7 @@ struct ConsentFlags {
   bool endLoad = false;      // --end-load
   bool loseProject = false;  // --lose-project
   bool loseValues = false;   // --lose-values
+  int retries = 0;           // --retry: how often a message that is not answered is sent again
 };
 
 // The download window on the terminal: one line of progress, and before each box of the engine it makes room. In a dry
@@ -54,6 +55,7 @@ class TerminalDownload : public DownloadWindow, public Prompts {
   [[nodiscard]] ConsolePrompts Answered(bool yes, const char* flag) const;
 
   ConsentFlags mConsents;
+  int mRetries = 0;  // so far
   ConsolePrompts mPrompts;
   std::optional<ConsolePrompts> mQuestion;
   std::string mStatus;

@@ -10,6 +10,8 @@ namespace kv::cli {
 
 namespace {
 
+constexpr int kMostRetries = 1000;
+
 // Looks into download files and sends them: what the download window does.
 class VerbDownload : public Verb {
  public:
@@ -69,6 +71,10 @@ void VerbDownload::Declare(CLI::App& app) {
   app.add_flag("--no-reset", mFlags.consents.noReset, "project: also one that does not end with a restart");
   app.add_flag("--end-load", mFlags.consents.endLoad,
                "end a load that is under way in the controller or was cut, somebody else's, too");
+  app.add_option("--retry", mFlags.consents.retries,
+                 "os: send a message that is not answered again, so often in all; each time the link is opened anew")
+      ->type_name("N")
+      ->check(CLI::Range(0, kMostRetries));
   app.add_flag("--lose-project", mFlags.consents.loseProject, "os: also one that may erase the project");
   app.add_flag("--lose-values", mFlags.consents.loseValues, "os: also one to which the operands' values mean nothing");
 }
@@ -86,7 +92,8 @@ OrFailure<void> VerbDownload::CheckAction() const {
       {mFlags.isDryRun || !mBackup.empty() || consents.endLoad, "--dry-run, --backup and --end-load", "project os"},
       {mReplace || mStop || mNoStop, "--replace, --stop and --no-stop", "project os"},
       {consents.otherModel || consents.noReset, "--other-model and --no-reset", "project"},
-      {consents.loseProject || consents.loseValues, "--lose-project and --lose-values", "os"},
+      {consents.loseProject || consents.loseValues || consents.retries > 0, "--lose-project, --lose-values and --retry",
+       "os"},
   };
   for (const Row& row : rows) {
     if (!row.isGiven || row.actions.contains(mAction)) continue;

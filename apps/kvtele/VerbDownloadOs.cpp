@@ -2,12 +2,11 @@
 #include "apps/kvtele/DownloadActions.h"
 #include "base/PathText.h"
 #include "download/CompactController.h"
+#include "download/DownloadFamily.h"
 #include "download/OsFileLists.h"
 #include "download/OsFileName.h"
 #include "download/clsAurexOSDownloader.h"
 #include "download/clsBrioQ50OSDownloader.h"
-#include "link/LinkError.h"
-#include "models/ModelCatalogue.h"
 
 namespace kv::cli {
 
@@ -15,17 +14,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-enum class Family { Aurex, Compact };
-
-OrFailure<Family> FamilyOf(ConnectedController& controller) {
-  if (IsColourModel(controller.Version().model)) {
-    return std::unexpected(NotFitFailure(
-        "downloading an O/S", "There is a mismatch between PLC Type defined in Telepanel and connected PLC.",
-        "a controller with a colour screen, whose O/S is sent by no download that is here", ""));
-  }
-  if (controller.Link().GetDownloadEngine() != nullptr) return Family::Aurex;
-  if (controller.Link().LastError().code == LinkErrorCode::NotSupported) return Family::Compact;
-  return std::unexpected(controller.LastFailure());
+// Aurex or Compact; a colour controller is refused.
+OrFailure<DownloadFamily> FamilyOf(const ConnectedController& controller, const CommonOptions& common) {
+  const DownloadFamily family = DownloadFamilyOf(controller.Version().model, common.model);
+  if (family != DownloadFamily::Colour) return family;
+  return std::unexpected(NotFitFailure("downloading an O/S", std::string(kColourOsRefusal), "",
+                                       "use the tool that is made for controllers with a colour screen"));
 }
 
 // Takes what the user has named, else what is preselected.
@@ -78,12 +72,12 @@ class OsDownload {
     auto controller = ConnectedController::Open(mEnvironment, mCommon);
     if (!controller) return std::unexpected(controller.error());
     mController = *std::move(controller);
-    const auto family = FamilyOf(*mController);
+    const auto family = FamilyOf(*mController, mCommon);
     if (!family) return std::unexpected(family.error());
-    if (*family == Family::Compact && mFiles.fonts) {
+    if (*family == DownloadFamily::Compact && mFiles.fonts) {
       return std::unexpected(UsageFailure("a controller of the compact family takes no system fonts"));
     }
-    const Ending ending = *family == Family::Aurex ? SendAurex() : SendCompact();
+    const Ending ending = *family == DownloadFamily::Aurex ? SendAurex() : SendCompact();
     mBackup->TellWarnings(mEnvironment);
     return Report(ending);
   }
@@ -176,12 +170,12 @@ VerbResult DownloadOs(Environment& environment, const CommonOptions& common, con
 VerbResult ListOs(Environment& environment, const CommonOptions& common) {
   const auto controller = ConnectedController::Open(environment, common);
   if (!controller) return std::unexpected(controller.error());
-  const auto family = FamilyOf(**controller);
+  const auto family = FamilyOf(**controller, common);
   if (!family) return std::unexpected(family.error());
   const VersionInfo& version = (*controller)->Version();
   const ProgramPaths paths = common.Paths(environment.home);
   VerbOutput output;
-  if (*family == Family::Aurex) {
+  if (*family == DownloadFamily::Aurex) {
     const AurexOsLists lists = ListAurexOsFiles(paths, AurexOsModelText(version.model, version.hardwareCode));
     Show(lists.os, "os", output);
     Show(lists.fonts, "fonts", output);

@@ -10,20 +10,20 @@
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/RunDialog.h"
+#include "download/BiosWarning.h"
 
 namespace kv {
 namespace {
 
-constexpr const char* kMightErase =
-    "Note that completing this action might erase the project currently installed in the PLC.";
-constexpr const char* kSaveFirst =
-    "If you have not backed up this project, you may wish to stop, upload and save this project before completing this "
-    "action.";
 constexpr const char* kNotTicked = "Tick the box above first.";
 constexpr int kTextWidth = 44;  // in characters
 
-QLabel* Paragraph(const char* text, QWidget* parent) {
-  auto* label = new QLabel(text, parent);
+QString TextOf(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QLabel* Paragraph(std::string_view text, QWidget* parent) {
+  auto* label = new QLabel(TextOf(text), parent);
   label->setTextFormat(Qt::PlainText);
   label->setWordWrap(true);
   label->setMinimumWidth(kTextWidth * label->fontMetrics().averageCharWidth());
@@ -34,9 +34,9 @@ QLabel* Paragraph(const char* text, QWidget* parent) {
 
 frmIncompatibleBios::frmIncompatibleBios(QWidget* parent) : QDialog(parent) {
   setObjectName("frmIncompatibleBios");
-  setWindowTitle("Warning");
+  setWindowTitle(TextOf(kBiosWarningTitle));
   setWindowIcon(IconOf("warning"));
-  mDelete = new QCheckBox("Continue &without saving project ?", this);
+  mDelete = new QCheckBox(TextOf(kBiosContinue).replace("without", "&without"), this);
   mDelete->setObjectName("chkDelete");
   Describe(*mDelete, "Continue can be pressed only while this is ticked");
   mAbort = new QPushButton("&Abort", this);
@@ -60,8 +60,8 @@ frmIncompatibleBios::frmIncompatibleBios(QWidget* parent) : QDialog(parent) {
   const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
   sign->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(size));
   auto* texts = new QVBoxLayout;
-  texts->addWidget(Paragraph(kMightErase, this));
-  texts->addWidget(Paragraph(kSaveFirst, this));
+  texts->addWidget(Paragraph(kBiosMightErase, this));
+  texts->addWidget(Paragraph(kBiosSaveFirst, this));
   texts->addWidget(mDelete);
   auto* top = new QHBoxLayout;
   top->addWidget(sign, 0, Qt::AlignTop);
