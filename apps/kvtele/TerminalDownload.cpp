@@ -18,7 +18,7 @@ TerminalDownload::TerminalDownload(Environment& environment, const CommonOptions
       mLine(environment),
       mConsents(consents),
       mPrompts(Answered(common.yes, "--yes")),
-      mRemaining(environment.pacer) {}
+      mProgress(environment.pacer) {}
 
 ConsolePrompts TerminalDownload::Answered(bool yes, const char* flag) const {
   ConsoleAnswers answers;
@@ -68,13 +68,10 @@ void TerminalDownload::SetStatus(std::string_view text) {
 }
 
 void TerminalDownload::AmountSent(std::uint64_t done, std::uint64_t total) {
-  if (total != mTotal) mRemaining.Begin();
-  mTotal = total;
+  mProgress.AmountSent(done, total);
   if (mEnvironment.pacer.Now() < mNextLine && done < total) return;
   mNextLine = mEnvironment.pacer.Now() + kBetweenLines;
-  const std::string left = mRemaining.Text(done, total);
-  mLine.Show(mStatus + " " + std::to_string(done) + " of " + std::to_string(total) + " bytes" +
-             (left.empty() ? "" : ", " + left));
+  mLine.Show(mStatus + " " + mProgress.Text());
 }
 
 PromptAnswer TerminalDownload::Show(const MessageBox& box) {

@@ -8,6 +8,7 @@
 #include "apps/kvtele/TerminalProgress.h"
 #include "desktop/console/ConsolePrompts.h"
 #include "download/DownloadOrder.h"
+#include "download/DownloadProgress.h"
 #include "download/DownloadWindow.h"
 
 namespace kv::cli {
@@ -59,9 +60,8 @@ class TerminalDownload : public DownloadWindow, public Prompts {
   ConsolePrompts mPrompts;
   std::optional<ConsolePrompts> mQuestion;
   std::string mStatus;
-  RemainingTime mRemaining;
+  DownloadProgress mProgress;
   Instant mNextLine{};
-  std::uint64_t mTotal = 0;
 };
 
 }  // namespace kv::cli

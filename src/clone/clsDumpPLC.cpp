@@ -15,7 +15,6 @@
 namespace kv {
 namespace {
 
-constexpr int kFirstOsWithClones = 460;
 constexpr std::uint32_t kBlock = 512;
 
 // Short date, TAB, short time.

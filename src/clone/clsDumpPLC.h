@@ -30,6 +30,9 @@ inline constexpr std::string_view kClonerCaption = "Korvantis PLC Cloner";
 // What every failed operation of it says; the reason stands elsewhere.
 inline constexpr std::string_view kOperationFailed = "Operation Failed.";
 
+// O/S versions from this one on can be cloned, when they are reported in plain digits.
+inline constexpr int kFirstOsWithClones = 460;
+
 // Ends the reason of a create that has left the program stopped.
 inline constexpr std::string_view kLeftStopped =
     "The controller's program was stopped for this clone and was not started again from here: unless the controller "

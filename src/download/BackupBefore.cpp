@@ -7,6 +7,7 @@
 #include "clone/CloneVerify.h"
 #include "clone/ProgramState.h"
 #include "clone/clsDumpPLC.h"
+#include "link/OsVersion.h"
 
 namespace kv {
 namespace {
@@ -28,6 +29,16 @@ ControllerLeft LeftBy(const clsDumpPLC& engine, Channel& link) {
 }
 
 }  // namespace
+
+std::string WhyNoBackup(Channel& link, const FoundController& controller) {
+  if (link.GetDownloadEngine() == nullptr && link.LastError().code == LinkErrorCode::NotSupported) {
+    return "A controller of the compact family cannot be cloned, so there can be no backup of it.";
+  }
+  if (controller.info.state == 'B') return "A controller in its boot loader cannot be cloned: there can be no backup.";
+  if (ParsePlainOsVersion(controller.version.osVersion).value_or(0) >= kFirstOsWithClones) return "";
+  return "A controller with O/S " + controller.OsText() +
+         " cannot be cloned, so there can be no backup of it: clones need 4.60 or newer, in plain digits.";
+}
 
 BackupBefore::BackupBefore(const std::filesystem::path& file, const BackupContext& context)
     : mFile(file), mContext(context), mSafe(file) {}

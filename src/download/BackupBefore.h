@@ -27,6 +27,9 @@ struct BackupContext {
   CloneWork work = {};  // shows how far reading back and comparing are; stops are noticed without it
 };
 
+// Why no clone can be made of this controller, a sentence; empty when one can. Only asks what is known already.
+[[nodiscard]] std::string WhyNoBackup(Channel& link, const FoundController& controller);
+
 // The clone that is made of a controller before a download changes it. Made at the moment in which the user has chosen
 // the name, and so consented to replace what stood there then.
 class BackupBefore {

@@ -55,9 +55,9 @@ class ProjectDownload::Run {
 
   [[nodiscard]] Step All() {
     using Stage = Step (Run::*)();
-    constexpr Stage kStages[] = {&Run::Meet,           &Run::Preview,   &Run::AskToEndLoad, &Run::AskToBegin,
-                                 &Run::CheckFile,      &Run::EndDryRun, &Run::Backup,       &Run::CheckFile,
-                                 &Run::CheckStillSame, &Run::Send,      &Run::Compare};
+    constexpr Stage kStages[] = {&Run::Meet,       &Run::Preview,        &Run::CheckBackup, &Run::AskToEndLoad,
+                                 &Run::AskToBegin, &Run::CheckFile,      &Run::EndDryRun,   &Run::Backup,
+                                 &Run::CheckFile,  &Run::CheckStillSame, &Run::Send,        &Run::Compare};
     for (const Stage stage : kStages) {
       Step done = (this->*stage)();
       if (done && mWork.left == ControllerLeft::Untouched) done = mWork.StopPoint();
@@ -96,6 +96,12 @@ class ProjectDownload::Run {
     if (const std::string advice = StateAdvice(mController); !advice.empty()) mPreview.warnings.push_back(advice);
     if (mWork.order.onPreview) mWork.order.onPreview(mPreview);
     return {};
+  }
+
+  Step CheckBackup() {
+    if (mWork.order.backup == nullptr) return {};
+    const std::string why = WhyNoBackup(mWork.link, mController);
+    return why.empty() ? Step() : mWork.Fail(DownloadCause::Backup, why + " Nothing was downloaded.");
   }
 
   // A question of its own: who wants the file downloaded need not know that somebody else is at it.
@@ -158,21 +164,16 @@ class ProjectDownload::Run {
                       "sent.\nWhat to do: wait until that is over, or find out who it is, and begin again.");
   }
 
-  // When only the answer to the reset is missing, what the controller then says decides.
+  // When only the answer to the reset is missing, what the controller says afterwards decides.
   Step Send() {
     Step sent = mSender->Send();
-    if (sent) mWork.Tell(mSender->SuccessText(), PromptIcon::Information);
     const bool isOnlyUnanswered = !sent && mWork.left == ControllerLeft::ProjectPerhaps &&
                                   sent.error().end == DownloadEnd::Failed && sent.error().cause == DownloadCause::Link;
-    if (!isOnlyUnanswered) return sent;
-    Step proven = Compare();
-    if (proven) mWork.Tell(mSender->SuccessText(), PromptIcon::Information);
-    return proven;
+    return isOnlyUnanswered ? Step() : sent;
   }
 
-  // What the controller says of itself now. The box of success has been shown; a difference has one of its own.
+  // What the controller says of itself now: only that makes a success of it.
   Step Compare() {
-    if (mWork.left == ControllerLeft::NewProject) return {};
     const bool isReset = mWork.left == ControllerLeft::ProjectPerhaps;
     const auto after =
         isReset ? FindAfterReset(mWork.link, mWork.pacer, mController.info.serialNumber) : FindController(mWork.link);
@@ -187,6 +188,7 @@ class ProjectDownload::Run {
     if (after->info.state == 'L') mWork.left = ControllerLeft::ProjectWaits;  // the reset has not come to it
     if (!differences.empty()) return Differs(differences);
     mWork.left = ControllerLeft::NewProject;
+    mWork.Tell(mSender->SuccessText(), PromptIcon::Information);
     return {};
   }
 

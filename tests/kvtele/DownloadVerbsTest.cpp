@@ -1,0 +1,93 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/download/Samples.h"
+#include "tests/kvtele/CommandFixture.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+struct DownloadVerbs : ::testing::Test {
+  CommandFixture fixture;
+
+  DownloadVerbs() {
+    fixture.home.Put("hall.dai", SampleProject("K220-22-R1"));
+    fixture.home.Put("hall.d50", SampleProject("Q50", 200));
+    fixture.home.Put("cut.dai", SampleProject("K220-22-R1").substr(0, 2000));
+    fixture.home.Put("q50.dai", SampleProject("AurexQ50"));
+    fixture.home.Put("no.dai", std::string(200, 'x'));
+  }
+};
+
+TEST_F(DownloadVerbs, InfoTellsWhatEachKindOfFileIs) {
+  fixture.home.Put("AurexK220v46019.kos", SampleOs("K220-22-R1", {"4.60", 19}));
+  const std::pair<const char*, const char*> rows[] = {
+      {"@hall.dai", "project           Hall 7\nneededOsVersion   460\n"},
+      {"@hall.d50", "endsWithReset     true\n"},
+      {"@AurexK220v46019.kos", "version           4.60\nbuild             19\n"},
+  };
+  for (const auto& [file, told] : rows) {
+    const Result result = fixture.Run(std::string("download info ") + file);
+    EXPECT_EQ(result.exit, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr(told));
+    EXPECT_THAT(fixture.Run(std::string("--json download info ") + file).out, HasSubstr("\"model\": "));
+  }
+}
+
+TEST_F(DownloadVerbs, AProjectGoesInAndTheControllerThenNamesIt) {
+  for (const auto& [model, file] : {std::pair("K220-22-R1", "@hall.dai"), std::pair("Q50", "@hall.d50")}) {
+    const std::string download = std::string("download project ") + file;
+    const Result dry = fixture.On(model, download + " --dry-run");
+    EXPECT_EQ(dry.exit, 0) << dry.err;
+    EXPECT_THAT(dry.out, HasSubstr("would go on now"));
+    EXPECT_THAT(dry.err, AllOf(HasSubstr("To send: "), HasSubstr("Download it? [y/N] yes (--dry-run)")));
+    EXPECT_THAT(dry.trace, Not(HasSubstr("/01CCS")));
+    const Result done = fixture.On(model, "--yes " + download);
+    EXPECT_EQ(done.exit, 0) << done.err;
+    EXPECT_THAT(done.out, HasSubstr("Project       (none)                      Hall 7\n"));
+    EXPECT_THAT(fixture.On(model, "identify").out, HasSubstr("Hall 7"));
+    EXPECT_THAT(fixture.On(model, "--json --yes " + download).out, HasSubstr("\"project\": \"Hall 7\""));
+  }
+}
+
+TEST_F(DownloadVerbs, ABackupIsTakenFirst) {
+  const std::string download = "--yes --password 1 download project @q50.dai --backup @before.kdf ";
+  EXPECT_EQ(fixture.On("AurexQ50", download).exit, 2) << "nobody can be asked whether the program may be stopped";
+  const Result done = fixture.On("AurexQ50", download + "--stop");
+  EXPECT_EQ(done.exit, 0) << done.err;
+  EXPECT_EQ(fixture.Run("clone info @before.kdf").exit, 0);
+  EXPECT_EQ(fixture.On("AurexQ50", download + "--stop").exit, 1) << "it would be replaced";
+}
+
+TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
+  const FailingCommand rows[] = {
+      {"--link sim:Q50 download project @hall.txt", 2, "usage", "is no project"},
+      {"--link sim:Q50 download info @hall.d50 --dry-run", 2, "usage", "--dry-run"},
+      {"download info @missing.dai", 6, "badFile", "missing.dai"},
+      {"--link sim:K220-22-R1 download project @cut.dai", 6, "badFile", "the file was cut"},
+      {"--link sim:K220-22-R1 download project @no.dai", 6, "badFile", "It is not a legal Cadenza file."},
+      {"--link sim:Q50 download project @hall.dai --dry-run", 4, "notFit", "Nothing was changed in the controller."},
+      {"--link sim:K330 download project @hall.d50 --yes", 4, "notFit", "does not know its commands"},
+      {"--link sim:Q51 download project @hall.d50 --yes", 1, "notConfirmed", "nobody to ask; --other-model consents"},
+      {"--link sim:Q50 download project @hall.d50 --yes --password 1 --backup @b.kdf --stop", 1, "backup", "cannot be"},
+      {"--link sim:K220-22-R1 download project @hall.dai --yes", 7, "unsure", "its old project is still there",
+       "lost:on=block,nth=3,away=60000"},
+      {"--link sim:Q50 download project @hall.d50 --yes", 4, "refused", "old project is erased",
+       "refuse:on=LD,code=0D"},
+      {"--link sim:K220-22-R1 download project @hall.dai --yes", 1, "unproven", "what it runs now is not known",
+       "lost:on=CC,nth=2,at=30,away=600000"},
+  };
+  for (const FailingCommand& row : rows) {
+    fixture.ReplaceController("Q50");
+    fixture.ReplaceController("K220-22-R1");
+    fixture.options.faults.clear();
+    fixture.ExpectFailure(row);
+  }
+}
+
+}  // namespace
+}  // namespace kv::test
