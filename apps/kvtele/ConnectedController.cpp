@@ -3,6 +3,7 @@
 #include "KvCmDrv1/CallerMessages.h"
 #include "apps/kvtele/LinkChoice.h"
 #include "base/AnsiText.h"
+#include "download/OtherSpeeds.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::cli {
@@ -45,7 +46,8 @@ ConnectedController::~ConnectedController() {
 }
 
 OrFailure<std::unique_ptr<ConnectedController>> ConnectedController::Open(Environment& environment,
-                                                                          const CommonOptions& common) {
+                                                                          const CommonOptions& common,
+                                                                          Reaching reaching) {
   const auto choice = ChooseLink(environment, common);
   if (!choice) return std::unexpected(choice.error());
   auto driver = MakeDriver(environment, common, *choice);
@@ -56,7 +58,7 @@ OrFailure<std::unique_ptr<ConnectedController>> ConnectedController::Open(Enviro
   connected->mDriver->OnComMessage = [&err = environment.err](const std::string& message) {
     if (message.starts_with(kCallerDropped)) err << message << "\n" << std::flush;
   };
-  if (const auto reached = connected->Reach(); !reached) return std::unexpected(reached.error());
+  if (const auto reached = connected->Reach(reaching); !reached) return std::unexpected(reached.error());
   connected->mDriver->OnComMessage = [&err = environment.err](const std::string& message) { err << message << "\n"; };
   connected->mModel = ModelOfIdentification(AnsiToUtf8(connected->mVersion.model));
   if (common.model.empty()) return connected;
@@ -83,13 +85,16 @@ std::expected<void, LinkError> ConnectedController::Reopen() {
   return std::unexpected(mDriver->LastError());
 }
 
-OrFailure<void> ConnectedController::Reach() {
+OrFailure<void> ConnectedController::Reach(Reaching reaching) {
   mDriver->SetDriverActive(true);
   mChannel = mDriver->GetChannel();
   if (!mChannel) return std::unexpected(LinkFailure(mDriver->LastError(), false));
   mChannel->SetCommandOwner("kvtele");
-  const auto version = mChannel->GetVersionInfo(mChannel->UnitID());
-  if (!version) return std::unexpected(LinkFailure(mChannel->LastError(), false));
+  auto version = mChannel->GetVersionInfo(mChannel->UnitID());
+  const LinkError first = mChannel->LastError();
+  const bool looksFurther = !version && reaching == Reaching::AtAnySpeed && MayBeOfSpeed(first.code);
+  if (looksFurther && FindAtOtherSpeed(*mChannel)) version = mChannel->GetVersionInfo(mChannel->UnitID());
+  if (!version) return std::unexpected(LinkFailure(first, false));
   mVersion = *version;
   return {};
 }

@@ -18,8 +18,11 @@ namespace kv::cli {
 class ConnectedController {
  public:
   // Reaches the controller that the options describe and identifies it. With --model it must be that model.
+  // AtAnySpeed also finds one on a serial line that a download has left at the speed of its boot loader.
+  enum class Reaching { AsSet, AtAnySpeed };
   [[nodiscard]] static OrFailure<std::unique_ptr<ConnectedController>> Open(Environment& environment,
-                                                                            const CommonOptions& common);
+                                                                            const CommonOptions& common,
+                                                                            Reaching reaching = Reaching::AsSet);
   ~ConnectedController();
   ConnectedController(const ConnectedController&) = delete;
   ConnectedController& operator=(const ConnectedController&) = delete;
@@ -50,7 +53,7 @@ class ConnectedController {
   ConnectedController(Environment& environment, const CommonOptions& common, std::unique_ptr<CommDriver> driver,
                       LinkSettings settings);
 
-  [[nodiscard]] OrFailure<void> Reach();
+  [[nodiscard]] OrFailure<void> Reach(Reaching reaching);
 
   ConsolePrompts mPrompts;
   PromptedPassword mPassword;

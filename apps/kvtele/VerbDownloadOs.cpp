@@ -15,10 +15,9 @@ namespace {
 namespace fs = std::filesystem;
 
 // Aurex or Compact; a colour controller is refused.
-OrFailure<DownloadFamily> FamilyOf(ConnectedController& controller) {
-  const auto family = DownloadFamilyOf(controller.Link(), controller.Version().model);
-  if (!family) return std::unexpected(controller.LastFailure());
-  if (*family != DownloadFamily::Colour) return *family;
+OrFailure<DownloadFamily> FamilyOf(const ConnectedController& controller, const CommonOptions& common) {
+  const DownloadFamily family = DownloadFamilyOf(controller.Version().model, common.model);
+  if (family != DownloadFamily::Colour) return family;
   return std::unexpected(NotFitFailure("downloading an O/S", std::string(kColourOsRefusal), "",
                                        "use the tool that is made for controllers with a colour screen"));
 }
@@ -70,10 +69,10 @@ class OsDownload {
     auto backup = TerminalBackup::Prepare(mEnvironment, mCommon, mFlags);
     if (!backup) return std::unexpected(backup.error());
     mBackup = *std::move(backup);
-    auto controller = ConnectedController::Open(mEnvironment, mCommon);
+    auto controller = ConnectedController::Open(mEnvironment, mCommon, ConnectedController::Reaching::AtAnySpeed);
     if (!controller) return std::unexpected(controller.error());
     mController = *std::move(controller);
-    const auto family = FamilyOf(*mController);
+    const auto family = FamilyOf(*mController, mCommon);
     if (!family) return std::unexpected(family.error());
     if (*family == DownloadFamily::Compact && mFiles.fonts) {
       return std::unexpected(UsageFailure("a controller of the compact family takes no system fonts"));
@@ -169,9 +168,9 @@ VerbResult DownloadOs(Environment& environment, const CommonOptions& common, con
 }
 
 VerbResult ListOs(Environment& environment, const CommonOptions& common) {
-  const auto controller = ConnectedController::Open(environment, common);
+  const auto controller = ConnectedController::Open(environment, common, ConnectedController::Reaching::AtAnySpeed);
   if (!controller) return std::unexpected(controller.error());
-  const auto family = FamilyOf(**controller);
+  const auto family = FamilyOf(**controller, common);
   if (!family) return std::unexpected(family.error());
   const VersionInfo& version = (*controller)->Version();
   const ProgramPaths paths = common.Paths(environment.home);

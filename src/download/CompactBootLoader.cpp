@@ -21,6 +21,7 @@ constexpr int kPolls = 31;                            // 0 to 15 in steps of a h
 constexpr Duration kTestPause = milliseconds(500);
 constexpr Duration kErasePause = milliseconds(1000);
 constexpr int kEraseTimeOut = 10000;  // milliseconds
+constexpr int kAgain = 3;             // losses of the link within one block
 constexpr int kFastBaud = 57600;
 constexpr int kSlowBaud = 9600;
 
@@ -135,7 +136,7 @@ CompactBootLoader::Step CompactBootLoader::Write(const Bytes& image, const OnBlo
   const auto count = static_cast<std::int64_t>(image.size() / kCompactOsBlock);
   for (std::int64_t block = 0; block < count; ++block) {
     const std::size_t place = static_cast<std::size_t>(block) * kCompactOsBlock;
-    if (Step written = Tell(BlockCommand(mKind, image, place)); !written) return written;
+    if (Step written = WriteBlock(BlockCommand(mKind, image, place)); !written) return written;
     onBlock(block + 1, count);
   }
   if (mKind == CompactKind::Q50) {
@@ -145,8 +146,18 @@ CompactBootLoader::Step CompactBootLoader::Write(const Bytes& image, const OnBlo
   return {};
 }
 
+// The driver sends no write again over another connection. A block may be: the same bytes at the same place, to the
+// same controller, change nothing when they are there already.
+CompactBootLoader::Step CompactBootLoader::WriteBlock(const std::string& command) {
+  Step written = Tell(command);
+  for (int again = 0; again < kAgain && !written && written.error().link.code == LinkErrorCode::Unsure; ++again) {
+    written = Tell(command);
+  }
+  return written;
+}
+
 CompactBootLoader::Step CompactBootLoader::Reset() {
-  if (Step reset = Tell("CCE"); !reset && !IsInDoubt(reset.error())) return reset;
+  if (Step reset = Tell("CCE", OsPerhaps); !reset && !IsInDoubt(reset.error())) return reset;
   // A link that is lost now comes back when the controller is looked for.
   static_cast<void>(mKind == CompactKind::PR1 ? ReopenLater() : mWork.link.SetComParams(mUsual));
   return {};
@@ -158,7 +169,7 @@ void CompactBootLoader::FindOutWhatIsLeft(const std::string& newOs) {
   const auto found = FindAnywhere();
   if (!found) return;
   const ControllerLeft before = mWork.left;
-  const bool mayBeNew = before == BootLoaderErased || before == OsWaits;
+  const bool mayBeNew = before == BootLoaderErased || before == OsWaits || before == OsPerhaps;
   switch (found->info.state) {
     case 'R':
       mWork.left = mayBeNew && found->OsText() == newOs ? NewOs : before == Stopped ? Untouched : OldOs;
@@ -184,12 +195,14 @@ std::string CompactBootLoader::SpeedText() const {
 // A controller that has restarted by itself has its usual speed again.
 std::optional<FoundController> CompactBootLoader::FindAnywhere() {
   Channel& link = mWork.link;
-  if (const auto found = FindController(link)) return *found;
   const ComParams now = link.GetComParams();
-  if (now == mUsual || !link.SetComParams(mUsual)) return std::nullopt;
-  if (const auto found = FindController(link)) return *found;
-  static_cast<void>(link.SetComParams(now));
-  return std::nullopt;
+  bool isThere = link.GetControllerInfo(link.UnitID()).has_value();
+  if (!isThere && now != mUsual && link.SetComParams(mUsual)) {
+    isThere = link.GetControllerInfo(link.UnitID()).has_value();
+    if (!isThere) static_cast<void>(link.SetComParams(now));
+  }
+  auto found = isThere ? FindController(link) : std::unexpected(link.LastError());
+  return found ? std::optional(*std::move(found)) : std::nullopt;
 }
 
 CompactBootLoader::Reply CompactBootLoader::Ask(const std::string& command, ControllerLeft then) {

@@ -58,6 +58,7 @@ class CompactBootLoader {
   // others.
   [[nodiscard]] Step Poll(const std::string& question, std::string_view ready, std::string_view failed, Duration pause);
   [[nodiscard]] Step StartErase();
+  [[nodiscard]] Step WriteBlock(const std::string& command);
   [[nodiscard]] Step TellSpeed(const std::string& command, int baudRate);
   [[nodiscard]] bool UseSpeed(int baudRate);
   // Gives the controller time to come up, then takes the link back to its parameters.

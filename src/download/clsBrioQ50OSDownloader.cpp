@@ -4,6 +4,7 @@
 #include "base/ScopeGuard.h"
 #include "clone/RestoreCheck.h"
 #include "download/OsFileLists.h"
+#include "download/OtherSpeeds.h"
 
 namespace kv {
 namespace {
@@ -11,14 +12,6 @@ namespace {
 constexpr std::string_view kTitle = "O/S Downloader";  // of every box
 constexpr int kProgramming = 1;                        // the one phase of which progress is told
 constexpr int kOldestQ50Os = 160;
-
-// Speeds at which a controller may be when nobody answers at the link's own: those of boot loaders first.
-constexpr int kOtherSpeeds[] = {57600, 9600, 115200};
-
-// A download that was cut may have left link or controller at the speed of a boot loader.
-bool MayBeDeaf(const LinkError& error) {
-  return error.code == LinkErrorCode::NoReply || error.code == LinkErrorCode::Damaged;
-}
 
 // A version of 0 is not known, and let through.
 bool IsTooOld(int version) {
@@ -59,7 +52,10 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::RunSteps() {
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Identify() {
   Identification controller = AskIdentification();
-  if (!controller && MayBeDeaf(controller.error().link)) controller = AskAtOtherSpeeds(std::move(controller.error()));
+  if (!controller && MayBeOfSpeed(controller.error().link.code)) {
+    mWindow.SetStatus("Looking for the boot loader...");
+    if (FindAtOtherSpeed(mWork->link)) controller = AskIdentification();
+  }
   if (!controller) return std::unexpected(std::move(controller.error()));
   mController = *controller;
   auto found = FindController(mWork->link);
@@ -73,20 +69,6 @@ clsBrioQ50OSDownloader::Identification clsBrioQ50OSDownloader::AskIdentification
   if (!reply) return std::unexpected(reply.error());
   if (const auto controller = ParseCompactIdentification(reply->Data())) return *controller;
   return mWork->Refuse("This is no controller of the compact family. Nothing was sent that changes it.");
-}
-
-clsBrioQ50OSDownloader::Identification clsBrioQ50OSDownloader::AskAtOtherSpeeds(DownloadOutcome failure) {
-  Channel& link = mWork->link;
-  const ComParams before = link.GetComParams();
-  if (before.baudRate == 0) return std::unexpected(std::move(failure));
-  mWindow.SetStatus("Looking for the boot loader...");
-  for (const int speed : kOtherSpeeds) {
-    if (speed == before.baudRate || !link.OpenLink(link.CommPort(), speed)) continue;
-    Identification controller = AskIdentification();
-    if (controller || !MayBeDeaf(controller.error().link)) return controller;
-  }
-  static_cast<void>(link.SetComParams(before));
-  return std::unexpected(std::move(failure));
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ChooseFile() {
@@ -271,16 +253,10 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::HoldAgainstFile(const Found
 
 // The controller has its usual speed again. The link may not, when both were found at that of a boot loader.
 std::expected<FoundController, LinkError> clsBrioQ50OSDownloader::FindAgain() {
-  Channel& link = mWork->link;
-  auto found = FindAfterReset(link, mPacer, mFound.info.serialNumber);
-  const int baud = link.GetComParams().baudRate;
-  if (found || !MayBeDeaf(found.error()) || baud == 0) return found;
-  for (const int speed : kOtherSpeeds) {
-    if (speed == baud || !link.OpenLink(link.CommPort(), speed)) continue;
-    if (FindController(link)) return FindAfterReset(link, mPacer, mFound.info.serialNumber);
-  }
-  static_cast<void>(link.OpenLink(link.CommPort(), baud));
-  return found;
+  const std::uint32_t serialNumber = mFound.info.serialNumber;
+  auto found = FindAfterReset(mWork->link, mPacer, serialNumber);
+  if (found || !MayBeOfSpeed(found.error().code) || !FindAtOtherSpeed(mWork->link)) return found;
+  return FindAfterReset(mWork->link, mPacer, serialNumber);
 }
 
 void clsBrioQ50OSDownloader::Tell(const std::string& text, PromptIcon icon) {

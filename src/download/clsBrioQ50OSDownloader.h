@@ -70,8 +70,6 @@ class clsBrioQ50OSDownloader {
 
   using Identification = std::expected<CompactController, DownloadOutcome>;
   [[nodiscard]] Identification AskIdentification();
-  // Where nobody answers at the link's own speed; `failure` is what came of that.
-  [[nodiscard]] Identification AskAtOtherSpeeds(DownloadOutcome failure);
   [[nodiscard]] std::expected<FoundController, LinkError> FindAgain();
   [[nodiscard]] Step HoldAgainstFile(const FoundController& after);
   [[nodiscard]] Duration TimeOnBootLink() const;

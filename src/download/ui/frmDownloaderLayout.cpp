@@ -61,7 +61,8 @@ frmDownloader::frmDownloader(DownloaderServices services, std::string user, QWid
   BuildButtons(*page);
   Connect();
   ShowController("No controller has been asked yet: " + mServices.shared.ComDriver->LinkDescription(), "");
-  SetBusy({});
+  ShowFamily();
+  SetBusy(false);
   mGetFile->setFocus();
 }
 

@@ -8,7 +8,6 @@
 #include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "clone/CloneFileName.h"
-#include "clone/WorkProgress.h"
 #include "desktop/StopScope.h"
 #include "desktop/ui/Commands.h"
 #include "download/clsAurexOSDownloader.h"
@@ -21,7 +20,7 @@
 namespace kv {
 namespace {
 
-constexpr const char* kRuns = "A download is running; Stop ends it.";
+constexpr const char* kIdle = "No download is running.";
 
 const char* EndText(DownloadEnd end) {
   switch (end) {
@@ -60,13 +59,13 @@ class frmDownloader::Operation {
     window.mAmount->clear();
     window.mPresent->clear();
     window.mBar->reset();
-    window.SetBusy(kRuns);
+    window.SetBusy(true);
   }
   ~Operation() {
     mWindow.mProgress.reset();
     mWindow.mServices.pacer.ExchangeGate(std::move(mGateBefore));
     QApplication::restoreOverrideCursor();
-    mWindow.SetBusy({});
+    mWindow.SetBusy(false);
   }
   Operation(const Operation&) = delete;
   Operation& operator=(const Operation&) = delete;
@@ -77,10 +76,19 @@ class frmDownloader::Operation {
   InputGate mGateBefore;
 };
 
+// What is shown stays readable; only what could begin something is disabled.
+void frmDownloader::SetBusy(bool isBusy) {
+  mIsBusy = isBusy;
+  for (QAbstractButton* each : {mGetFile, mDownloadOs, mIdentify, mClose}) Allow(*each, isBusy ? kDownloadRuns : "");
+  Allow(*mStop, isBusy ? "" : kIdle);
+  ShowFamily();
+  if (isBusy) mStop->setFocus();  // what had the focus has just been disabled
+}
+
 // A download goes on until it ends or is stopped, whoever wants to close the window.
 void frmDownloader::reject() {
   if (!mIsBusy) return QDialog::reject();
-  SetStatus(mWhyBusy.toStdString());
+  SetStatus(kDownloadRuns);
 }
 
 void frmDownloader::StopDownload() {
@@ -126,7 +134,7 @@ void frmDownloader::Run(const char* what, const Engine& engine) {
     ShowBar(done, total);
     mAmount->setText(QString::fromStdString(text));
   });
-  const BackupContext context{view, mServices.prompts, mServices.prompts, mServices.pacer, mServices.clock, Watched()};
+  const BackupContext context{view, mServices.prompts, mServices.prompts, mServices.pacer, mServices.clock};
   std::optional<BackupBefore> backup;
   if (file) backup.emplace(PathFromUtf8(*file), context);
 
@@ -138,21 +146,17 @@ void frmDownloader::Run(const char* what, const Engine& engine) {
                             .onPreview = [this](const DownloadPreview& preview) { ShowPreview(preview); }};
   const Ending ending = engine(*link, order, context);
   ShowEnding(what, ending);
-  // A boot loader has become a controller. One that does not tell that now has told it the engine a moment ago.
-  if (ending.outcome.end == DownloadEnd::Done) static_cast<void>(Meet(*link));
+  if (ending.outcome.end == DownloadEnd::Done) MeetAgain(*link);
   if (!backup) return;
   for (const std::string& warning : backup->Warnings()) Say("Warning: " + warning);
 }
 
-// Of a clone that is read back and compared.
-CloneWork frmDownloader::Watched() {
-  return {.isStopped = {},
-          .onProgress = [this, progress = std::make_shared<WorkProgress>(mServices.pacer)](
-                            std::string_view stage, std::uint64_t done, std::uint64_t total) {
-            ShowBar(static_cast<std::int64_t>(done), static_cast<std::int64_t>(total));
-            mAmount->setText(QString::fromStdString(progress->Text(stage, done, total)));
-            mServices.pacer.Turn();
-          }};
+// A boot loader has become a controller, or one model of a family another.
+void frmDownloader::MeetAgain(Channel& link) {
+  auto found = FindController(link);
+  if (!found) return;
+  mFound = *std::move(found);
+  ShowFound();
 }
 
 std::optional<std::string> frmDownloader::AskForBackup() {

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "link/Channel.h"
+
+namespace kv {
+
+// A download that was cut may have left a compact controller, or the link, at the speed of a boot loader, where nobody
+// hears the other. To be tried when a request got no answer at the speed of the link: asks at 57600, 9600 and 115200
+// baud who is there, which changes nothing. True when somebody answers, and the link stays at that speed; else it is as
+// it was. A link without a speed is left alone.
+[[nodiscard]] bool FindAtOtherSpeed(Channel& link);
+
+// Whether this failure may come from two speeds that differ.
+[[nodiscard]] constexpr bool MayBeOfSpeed(LinkErrorCode code) {
+  return code == LinkErrorCode::NoReply || code == LinkErrorCode::Damaged;
+}
+
+}  // namespace kv
