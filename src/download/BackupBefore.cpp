@@ -21,14 +21,13 @@ DownloadOutcome OutcomeOf(const CloneOutcome& clone, ControllerLeft left) {
           .link = clone.link};
 }
 
-// Whether a create that failed has left a program standing that ran before: only the controller knows.
-ControllerLeft LeftBy(const clsDumpPLC& engine, Channel& link) {
-  if (!engine.HasStoppedProgram()) return ControllerLeft::Untouched;
+}  // namespace
+
+ControllerLeft LeftByClone(const clsDumpPLC& engine, const CloneOutcome& outcome, Channel& link) {
+  if (!engine.HasStoppedProgram() && outcome.link.code != LinkErrorCode::Unsure) return ControllerLeft::Untouched;
   const auto info = link.GetControllerInfo(link.UnitID());
   return info && IsRunningState(info->state) ? ControllerLeft::Untouched : ControllerLeft::Stopped;
 }
-
-}  // namespace
 
 std::string WhyNoBackup(Channel& link, const FoundController& controller) {
   if (link.GetDownloadEngine() == nullptr && link.LastError().code == LinkErrorCode::NotSupported) {
@@ -66,7 +65,7 @@ BackupBefore::Step BackupBefore::Create(Channel& link, const std::string& contro
   if (mSafe.Outcome().end == CloneEnd::Done) return {};
   CloneOutcome outcome = mSafe.Outcome();
   OfferToRun(engine, link, mContext.questions, mContext.pacer, controllerText, outcome);
-  return std::unexpected(OutcomeOf(outcome, LeftBy(engine, link)));
+  return std::unexpected(OutcomeOf(outcome, LeftByClone(engine, outcome, link)));
 }
 
 // What it holds of program and settings; a running program changes the values of its operands by itself.

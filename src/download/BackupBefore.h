@@ -30,6 +30,10 @@ struct BackupContext {
 // Why no clone can be made of this controller, a sentence; empty when one can. Only asks what is known already.
 [[nodiscard]] std::string WhyNoBackup(Channel& link, const FoundController& controller);
 
+// Whether a create that failed has left a program standing that ran before. The controller is asked; where it does not
+// answer, and the command that stops the program may have been executed, it counts as stopped.
+[[nodiscard]] ControllerLeft LeftByClone(const clsDumpPLC& engine, const CloneOutcome& outcome, Channel& link);
+
 // The clone that is made of a controller before a download changes it. Made at the moment in which the user has chosen
 // the name, and so consented to replace what stood there then.
 class BackupBefore {

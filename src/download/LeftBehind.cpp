@@ -56,9 +56,8 @@ std::string_view LeftBehindText(ControllerLeft left) {
     case ControllerLeft::OldOs:
       return "The controller has the O/S that it had before. Download the new one again.";
     case ControllerLeft::NewOsLoading:
-      return "The new O/S is in the controller; its program is stopped, and its memory is not all written back. "
-             "Restore "
-             "the clone that was made of it before.";
+      return "The new O/S is in the controller, and its memory is not all written back. Its program is stopped, unless "
+             "it has restarted since. Restore the clone that was made of it before.";
     case ControllerLeft::NewOs:
       return "The new O/S is in the controller.";
     case ControllerLeft::NewProject:

@@ -1,6 +1,5 @@
 #include "download/SavedMemory.h"
 
-#include <algorithm>
 #include <chrono>
 #include <system_error>
 
@@ -79,9 +78,8 @@ SavedMemory::Step SavedMemory::Save(Channel& link, const FoundController& contro
   }
   CloneOutcome outcome = safe.Outcome();
   OfferToRun(engine, link, mContext.questions, mContext.pacer, controllerText, outcome);
-  const bool isStopped = engine.HasStoppedProgram() && outcome.reason.contains(kLeftStopped);
-  return std::unexpected(Failure(outcome, "Its memory could not be saved, so no O/S was sent.",
-                                 isStopped ? ControllerLeft::Stopped : ControllerLeft::Untouched));
+  return std::unexpected(
+      Failure(outcome, "Its memory could not be saved, so no O/S was sent.", LeftByClone(engine, outcome, link)));
 }
 
 // "Memory of 4711 20261122 103000.kdf": of which controller it is must be seen by who finds it.

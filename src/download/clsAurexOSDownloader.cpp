@@ -43,12 +43,31 @@ bool clsAurexOSDownloader::DownloadOS(Channel& link, const DownloadOrder& order)
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::RunSteps() {
   using C = clsAurexOSDownloader;
-  constexpr Step (C::* kSteps[])() = {
-      &C::Identify,         &C::ChooseFiles,     &C::CheckType,         &C::ReadFiles,        &C::ShowPreview,
-      &C::AskToEndLoad,     &C::Confirm,         &C::CheckFontsVersion, &C::WarnOfBootLoader, &C::WarnOfDataTypes,
-      &C::CheckFonts,       &C::EndDryRun,       &C::TakeBackup,        &C::SaveMemory,       &C::CheckFilesAreTheSame,
-      &C::TellUncompressed, &C::ReadForceBit,    &C::EnterBootMode,     &C::WriteFiles,       &C::Reset,
-      &C::CheckNewOs,       &C::RestoreForceBit, &C::RestoreMemory,     &C::TellForceFailure};
+  constexpr Step (C::* kSteps[])() = {&C::Identify,
+                                      &C::ChooseFiles,
+                                      &C::CheckType,
+                                      &C::ReadFiles,
+                                      &C::ShowPreview,
+                                      &C::CheckBackup,
+                                      &C::AskToEndLoad,
+                                      &C::Confirm,
+                                      &C::CheckFontsVersion,
+                                      &C::WarnOfBootLoader,
+                                      &C::WarnOfDataTypes,
+                                      &C::CheckFonts,
+                                      &C::EndDryRun,
+                                      &C::TakeBackup,
+                                      &C::SaveMemory,
+                                      &C::CheckFilesAreTheSame,
+                                      &C::TellUncompressed,
+                                      &C::ReadForceBit,
+                                      &C::EnterBootMode,
+                                      &C::WriteFiles,
+                                      &C::Reset,
+                                      &C::CheckNewOs,
+                                      &C::RestoreForceBit,
+                                      &C::RestoreMemory,
+                                      &C::TellForceFailure};
   for (const auto step : kSteps) {
     Step done = (this->*step)();
     if (done && mWork->left == ControllerLeft::Untouched) done = mWork->StopPoint();
@@ -101,6 +120,12 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::ReadFiles() {
     return Deflate(bytes, [this] { mContext.pacer.Turn(); });
   });
   return {};
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::CheckBackup() {
+  if (mWork->order.backup == nullptr) return {};
+  const std::string why = WhyNoBackup(mWork->link, mFound);
+  return why.empty() ? Step() : Refuse(DownloadCause::Backup, why);
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::ShowPreview() {
@@ -184,9 +209,6 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFonts() {
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::EndDryRun() {
-  if (mWork->order.backup != nullptr && mChange.isInBoot) {
-    return Refuse(DownloadCause::Backup, "A controller in its boot loader cannot be cloned: leave out the backup.");
-  }
   if (!mWork->order.isDryRun) return {};
   return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
 }

@@ -59,6 +59,7 @@ class clsAurexOSDownloader {
   [[nodiscard]] Step CheckType();
   [[nodiscard]] Step ReadFiles();
   [[nodiscard]] Step ShowPreview();
+  [[nodiscard]] Step CheckBackup();
   [[nodiscard]] Step AskToEndLoad();
   [[nodiscard]] Step Confirm();
   [[nodiscard]] Step CheckFontsVersion();
