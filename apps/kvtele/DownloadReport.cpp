@@ -88,7 +88,10 @@ Failure DownloadFailure(std::string doing, const DownloadOutcome& outcome) {
     return {ExitCode::Failed, "notConfirmed", std::move(doing), text, {}, {}};
   }
   const auto row = std::ranges::find(kCauses, outcome.cause, &CauseRow::cause);
-  if (row != kCauses.end()) return {row->exit, std::string(row->name), std::move(doing), text, {}, {}};
+  const bool isRefused = outcome.end == DownloadEnd::Refused;
+  if (row != kCauses.end()) {
+    return {isRefused ? ExitCode::Refused : row->exit, std::string(row->name), std::move(doing), text, {}, {}};
+  }
   Failure failure = LinkFailure(outcome.link, true);
   failure.doing = std::move(doing);
   failure.happened = text;

@@ -101,7 +101,10 @@ class ProjectDownload::Run {
   Step CheckBackup() {
     if (mWork.order.backup == nullptr) return {};
     const std::string why = WhyNoBackup(mWork.link, mController);
-    return why.empty() ? Step() : mWork.Fail(DownloadCause::Backup, why + " Nothing was downloaded.");
+    if (why.empty()) return {};
+    auto refused = mWork.Refuse(why + " Nothing was downloaded.\nWhat to do: download without a backup.");
+    refused.error().cause = DownloadCause::Backup;
+    return refused;
   }
 
   // A question of its own: who wants the file downloaded need not know that somebody else is at it.

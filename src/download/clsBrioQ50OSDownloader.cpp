@@ -152,10 +152,10 @@ std::string clsBrioQ50OSDownloader::ControllerName() const {
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::CheckBackup() {
-  if (mWork->order.backup == nullptr || !mController.isInBoot) return {};
-  auto refused = mWork->Refuse(
-      "A controller in its boot loader cannot be cloned, so there can be no backup.\nWhat to do: download without "
-      "one.");
+  if (mWork->order.backup == nullptr) return {};
+  const std::string why = WhyNoBackup(mWork->link, mFound);
+  if (why.empty()) return {};
+  auto refused = mWork->Refuse(why + "\nWhat to do: download without one.");
   refused.error().cause = DownloadCause::Backup;
   return refused;
 }

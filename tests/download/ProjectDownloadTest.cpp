@@ -213,6 +213,33 @@ TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
   }
 }
 
+TEST(ProjectDownload, NoPairOfControllerAndFileHarms) {
+  struct File {
+    std::string model;
+    std::string content;
+  };
+  for (const sim::Model& model : sim::AllModels()) {
+    const std::string name(model.name);
+    const bool isNew = model.versionStyle == sim::VersionStyle::Digits;
+    const sim::SampleProject own{.name = "Hall 7", .os = {isNew ? "4.60" : "1.10", 19}, .size = 300};
+    const File files[] = {{kAurex, SampleProject(kAurex, 300)},
+                          {kCompact, SampleProject(kCompact, 300)},
+                          {name, Good(sim::MakeProject(model, own))}};
+    for (const File& file : files) {
+      SCOPED_TRACE(name + " gets a project of " + file.model);
+      ProjectFixture fixture(name);
+      fixture.isCompact = ModelCalled(file.model).family == sim::Family::Compact;
+      fixture.Put(file.content);
+      fixture.answers.declined = "Do you want to continue?";
+      const DownloadOutcome outcome = fixture.Download();
+      const bool fits = ModelCalled(file.model).reported == model.reported && !model.HasColour();
+      EXPECT_EQ(outcome.end == DownloadEnd::Done, fits) << outcome.reason;
+      EXPECT_EQ(fixture.Changes().empty(), !fits);
+      EXPECT_EQ(fixture.controller->StateAndProject(), fits ? "RHall 7" : "R");
+    }
+  }
+}
+
 // Names of the page on downloads, and what is said for each.
 std::string NameOf(ControllerLeft left) {
   for (const Row& row : RowsBelow({"Left as", "What is said"}, "downloads.md")) {

@@ -73,7 +73,7 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
       {"--link sim:Q50 download project @hall.dai --dry-run", 4, "notFit", "Nothing was changed in the controller."},
       {"--link sim:K330 download project @hall.d50 --yes", 4, "notFit", "does not know its commands"},
       {"--link sim:Q51 download project @hall.d50 --yes", 1, "notConfirmed", "nobody to ask; --other-model consents"},
-      {"--link sim:Q50 download project @hall.d50 --yes --password 1 --backup @b.kdf --stop", 1, "backup", "cannot be"},
+      {"--link sim:Q50 download project @hall.d50 --yes --password 1 --backup @b.kdf --stop", 4, "backup", "cannot be"},
       {"--link sim:K220-22-R1 download project @hall.dai --yes", 7, "unsure", "its old project is still there",
        "lost:on=block,nth=3,away=60000"},
       {"--link sim:Q50 download project @hall.d50 --yes", 4, "refused", "old project is erased",
