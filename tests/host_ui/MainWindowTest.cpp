@@ -11,6 +11,8 @@
 #include <QTableView>
 #include <QTableWidget>
 #include <QTextBrowser>
+#include <fstream>
+#include <sstream>
 
 #include "KvTele2/HostCommands.h"
 #include "KvTele2/PagesFile.h"
@@ -18,6 +20,7 @@
 #include "base/ScopeGuard.h"
 #include "tests/desktop_ui/UsableWindow.h"
 #include "tests/host_ui/WindowFixture.h"
+#include "tests/host_ui/WindowLook.h"
 
 namespace kv::test {
 namespace {
@@ -196,6 +199,44 @@ TEST_F(MainWindowTest, AnotherSessionIsActivatedInItsWindow) {
     EXPECT_EQ(Text(window, "lblOnline"), "Off line");
     EXPECT_TRUE(window.isEnabled());
   });
+}
+
+// Every word, state and order that a user meets when a window opens: tests/host_ui/looks.txt. Who has changed a window
+// renews the file with KV_RENEW_LOOKS=1 in the environment, and reads its difference.
+TEST_F(MainWindowTest, EveryWindowReadsAsItIsWrittenDown) {
+  std::string looks;
+  const auto add = [&](const QWidget& window) { looks += WindowLook(window).Text(); };
+  const auto addNext = [&](QWidget& window, const char* command) {
+    WhenOpen<QDialog>(window, [&](QDialog& dialog) {
+      EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog, kPatience));
+      add(dialog);
+      dialog.reject();
+    });
+    Find<QAction>(window, command).trigger();
+  };
+  Run([&](QMainWindow& window) {
+    add(window);
+    Trigger(window, "HOST_Trace");
+    for (const QWidget* other : QApplication::topLevelWidgets()) {
+      if (other->objectName() == "frmTrace") add(*other);
+    }
+    for (const char* command : {"ID_Session", "ID_ComParams", "ID_Modem", "ID_DumpPLC"}) addNext(window, command);
+    WhenOpen<QDialog>(window, [&](QDialog& view) {
+      EXPECT_TRUE(QTest::qWaitForWindowActive(&view, kPatience));
+      add(view);
+      addNext(view, "ID_ExportToCSV");
+      view.close();
+    });
+    Trigger(window, "ID_DataTypes");
+  });
+  looks = QString::fromStdString(looks).replace(home.Path().c_str(), "HOME").toStdString();
+  const std::filesystem::path file = KV_TEST_DATA "/host_ui/looks.txt";
+  if (qEnvironmentVariableIsSet("KV_RENEW_LOOKS")) std::ofstream(file) << looks;
+  std::istringstream is(looks);
+  std::istringstream written(TemporaryFolder::Content(file));
+  std::string line;
+  for (std::string expected; std::getline(written, expected) && std::getline(is, line);) ASSERT_EQ(line, expected);
+  EXPECT_FALSE(std::getline(is, line) || std::getline(written, line)) << line;
 }
 
 TEST_F(MainWindowTest, EveryToolWindowOpensFromTheMenuAndItsTopicAtTheHelpKey) {

@@ -225,6 +225,10 @@ void LinkFields::ShowOnly(const std::function<bool(LinkField)>& isShown) {
   for (const Control& control : mControls) mForm->setRowVisible(control.widget, isShown(control.field));
 }
 
+void LinkFields::GiveFocusTo(LinkField field) {
+  std::ranges::find(mControls, field, &Control::field)->widget->setFocus();
+}
+
 void LinkFields::MarkFaults(const std::vector<LinkFault>& faults) {
   for (const Control& control : mControls) {
     if (!control.mark) continue;

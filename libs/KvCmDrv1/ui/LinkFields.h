@@ -27,6 +27,7 @@ class LinkFields final : public QWidget {
   void ShowOnly(const std::function<bool(LinkField)>& isShown);
   // A row above the first field, in line with them.
   void InsertAbove(const char* label, QWidget* widget);
+  void GiveFocusTo(LinkField field);
   // The last field for the Tab key.
   [[nodiscard]] QWidget* Last() const { return mControls.back().widget; }
 

@@ -23,6 +23,8 @@ frmModem::frmModem(const LinkSettings& current, const std::string& caller, const
   Fields().SetTransport(Transport::Modem);  // so that its fields are checked
   Fields().onChange = [this] { Check(); };
   Check();
+  Fields().GiveFocusTo(
+      LinkField::SerialPort);  // or Cancel would have it while there is no number, and take the Enter key
 }
 
 LinkSettings frmModem::Settings() const {

@@ -1,0 +1,175 @@
+#pragma once
+
+#include <QAction>
+#include <QFormLayout>
+#include <QHeaderView>
+#include <QMetaProperty>
+#include <QScrollArea>
+#include <QSplitter>
+#include <QTableView>
+#include <QToolBar>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace kv::test {
+
+// A window in words: what stands in it in which order, how it reads, what it allows, where the keys go. No places and
+// sizes, which follow fonts and screens.
+class WindowLook {
+ public:
+  explicit WindowLook(const QWidget& window) {
+    AddWidget(window, 0);
+    for (const QAction* action : window.findChildren<QAction*>()) {
+      if (!action->objectName().isEmpty()) Add(1, "command" + Facts(*action));
+    }
+    AddKeys(window);
+  }
+
+  [[nodiscard]] const std::string& Text() const { return mText; }
+
+ private:
+  struct Property {
+    const char* name;
+    std::vector<std::string> usual = {""};  // not worth a word
+  };
+  static const std::vector<Property>& Properties() {
+    static const std::vector<Property> properties = {
+        {"windowTitle"},
+        {"title"},
+        {"text"},
+        {"currentText"},
+        {"shortcut"},
+        {"toolTip"},
+        {"accessibleName"},
+        {"placeholderText"},
+        {"enabled", {"true"}},
+        {"default", {"false"}},
+        {"autoDefault", {"false"}},
+        {"checkable", {"false"}},
+        {"checked", {"false"}},
+        {"readOnly", {"false"}},
+        {"insertPolicy", {"InsertAtBottom"}},
+        {"wordWrap", {"false"}},
+        {"textFormat", {"AutoText"}},
+        {"textInteractionFlags", {"LinksAccessibleByMouse"}},
+        {"alignment", {"", "AlignLeading|AlignVCenter", "AlignLeft|AlignLeading"}},
+        {"frameShape", {"NoFrame", "StyledPanel"}},
+        {"toolButtonStyle", {"ToolButtonIconOnly"}},
+        {"iconSize", {"16", "-1"}},
+        {"widgetResizable", {"false"}},
+        {"autoFillBackground", {"false"}},
+        {"selectionBehavior", {"SelectItems"}},
+        {"selectionMode", {"ExtendedSelection"}},
+        {"editTriggers", {"DoubleClicked|EditKeyPressed|AnyKeyPressed"}},
+        {"tabKeyNavigation", {"true"}},
+        {"childrenCollapsible", {"true"}},
+    };
+    return properties;
+  }
+
+  void Add(int depth, const std::string& line) {
+    mText += std::string(2 * static_cast<std::size_t>(depth), ' ') + line + "\n";
+  }
+
+  static std::string NameOf(const QObject& object) {
+    const QString kind = QString(object.metaObject()->className()).section("::", -1);
+    return (object.objectName().isEmpty() ? kind : object.objectName()).toStdString();
+  }
+
+  static std::string Value(const QObject& object, const QMetaProperty& property) {
+    const QVariant value = property.read(&object);
+    if (property.isEnumType()) return property.enumerator().valueToKeys(value.toInt()).toStdString();
+    if (value.typeId() == QMetaType::QSize) return std::to_string(value.toSize().height());
+    return value.toString().replace('\n', " / ").toStdString();
+  }
+
+  static std::string Facts(const QObject& object) {
+    std::string facts = " " + object.objectName().toStdString();
+    for (const auto& [name, usual] : Properties()) {
+      const int at = object.metaObject()->indexOfProperty(name);
+      if (at < 0) continue;
+      const std::string value = Value(object, object.metaObject()->property(at));
+      if (std::ranges::find(usual, value) == usual.end()) facts += std::string(" ") + name + "=" + value;
+    }
+    return facts;
+  }
+
+  void AddWidget(const QWidget& widget, int depth) {
+    const QString kind = QString(widget.metaObject()->className()).section("::", -1);
+    Add(depth, kind.toStdString() + Facts(widget) + (widget.isHidden() ? " hidden" : ""));
+    if (const auto* view = dynamic_cast<const QTableView*>(&widget)) return AddColumns(*view, depth + 1);
+    if (const auto* area = dynamic_cast<const QScrollArea*>(&widget)) return AddWidget(*area->widget(), depth + 1);
+    if (const auto* splitter = dynamic_cast<const QSplitter*>(&widget)) return AddShares(*splitter, depth + 1);
+    if (const auto* bar = dynamic_cast<const QToolBar*>(&widget)) return AddButtons(*bar, depth + 1);
+    if (widget.inherits("QComboBox") || widget.inherits("QLineEdit")) return;
+    std::set<const QWidget*> placed;
+    if (widget.layout()) AddLayout(*widget.layout(), depth + 1, placed);
+    for (const QWidget* child : widget.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+      const bool isInner = child->objectName().startsWith("qt_") || child->isWindow() || !child->isVisible();
+      if (!isInner && !placed.contains(child)) AddWidget(*child, depth + 1);
+    }
+  }
+
+  void AddLayout(const QLayout& layout, int depth, std::set<const QWidget*>& placed) {
+    const bool isBare = layout.contentsMargins().isNull();
+    Add(depth, std::string("in ") + layout.metaObject()->className() + (isBare ? " without margins" : ""));
+    const auto* form = dynamic_cast<const QFormLayout*>(&layout);
+    for (int i = 0; i < (form ? 3 * form->rowCount() : layout.count()); ++i) {
+      const auto role = static_cast<QFormLayout::ItemRole>(i % 3);
+      QLayoutItem* item = form ? form->itemAt(i / 3, role) : layout.itemAt(i);
+      if (!item) continue;
+      if (const QWidget* widget = item->widget()) {
+        placed.insert(widget);
+        AddWidget(*widget, depth + 1);
+      } else if (item->layout()) {
+        AddLayout(*item->layout(), depth + 1, placed);
+      } else {
+        Add(depth + 1, "room");
+      }
+    }
+  }
+
+  void AddShares(const QSplitter& splitter, int depth) {
+    for (int i = 0; i < splitter.count(); ++i) {
+      const QSizePolicy policy = splitter.widget(i)->sizePolicy();
+      const bool isHigh = splitter.orientation() == Qt::Vertical;
+      Add(depth, "share " + std::to_string(isHigh ? policy.verticalStretch() : policy.horizontalStretch()));
+      AddWidget(*splitter.widget(i), depth + 1);
+    }
+  }
+
+  void AddButtons(const QToolBar& bar, int depth) {
+    for (QAction* action : bar.actions()) {
+      const bool isNamed = !action->objectName().isEmpty();
+      Add(depth, action->isSeparator() ? "|" : isNamed ? NameOf(*action) : NameOf(*bar.widgetForAction(action)));
+    }
+  }
+
+  void AddColumns(const QTableView& view, int depth) {
+    constexpr int kMost = 12;  // the rest of the operand grid reads like its beginning
+    for (int column = 0; column < std::min(view.model()->columnCount(), kMost); ++column) {
+      const auto heading = [&](int role) { return view.model()->headerData(column, Qt::Horizontal, role); };
+      const QVariant own = heading(Qt::TextAlignmentRole);
+      const int alignment = own.isValid() ? own.toInt() : view.horizontalHeader()->defaultAlignment().toInt();
+      Add(depth, "column " + heading(Qt::DisplayRole).toString().toStdString() +
+                     ((alignment & Qt::AlignLeft) != 0 ? " left" : "") +
+                     (view.isColumnHidden(column) ? " hidden" : ""));
+    }
+  }
+
+  void AddKeys(const QWidget& window) {
+    const QWidget* first = window.focusWidget();
+    std::string order = first ? "the keys go to " + NameOf(*first) : "no control has the keys";
+    const QWidget* at = first ? first : &window;
+    for (const QWidget* next = at->nextInFocusChain(); next != at; next = next->nextInFocusChain()) {
+      const bool isReached = (next->focusPolicy() & Qt::TabFocus) != 0 && next->isVisible() && next->isEnabled();
+      if (isReached) order += ", " + NameOf(*next);
+    }
+    Add(1, order);
+  }
+
+  std::string mText;
+};
+
+}  // namespace kv::test
