@@ -1,0 +1,229 @@
+// What is sent of an O/S to an Aurex controller, and what its answers do.
+
+#include <gmock/gmock.h>
+
+#include "AurexOsFixture.h"
+
+namespace kv::test {
+namespace {
+
+using std::chrono::seconds;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* kStop = "PLC STOP & RESET: O/S download is done via the Aurex's COM port 1. ";
+constexpr const char* kNew = "K220-22-R1|10|4.75|03|R";
+
+TEST(AurexOsSending, CountsChunksTo255AndFromOneAgain) {
+  AurexOsFixture fixture("K220-22-R1");
+  fixture.Put("K220", {"4.75", 3}, {"1.30", 0}, 600'000);
+  std::int64_t chunks = 0;
+  fixture.desk.onProgress = [&](std::int64_t, std::int64_t count) { chunks = std::max(chunks, count); };
+  EXPECT_TRUE(fixture.Download()) << fixture.outcome.reason;
+  EXPECT_GT(chunks, 300);
+  const auto& told = fixture.controller->told;
+  const auto last = std::ranges::find(told, "65 1.255");
+  ASSERT_NE(last, told.end());
+  EXPECT_EQ(*(last - 1), "65 1.254");
+  EXPECT_EQ(*(last + 1), "65 1.1");
+  EXPECT_THAT(told, testing::AllOf(Contains("65 2.1"), Contains("65 16.1"), testing::Not(Contains("65 1.256"))));
+}
+
+TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
+  using Falsify = std::function<void(AurexOsFixture&)>;
+  const auto status = [](std::size_t place, char value) -> Falsify {
+    return [=](AurexOsFixture& fixture) {
+      fixture.controller->onBlock = [=](const sim::BlockRequest& request, sim::BlockReply& reply) {
+        if (request.opCode == 7) reply.payload[place] = value;
+      };
+    };
+  };
+  const auto answered = [](std::uint16_t operation, int code) -> Falsify {
+    return [=](AurexOsFixture& fixture) {
+      fixture.controller->onBlock = [=](const sim::BlockRequest& request, sim::BlockReply& reply) {
+        if (request.opCode == operation) reply.status = code;
+      };
+    };
+  };
+  // The version that it reports is one that it has had from the beginning.
+  const Falsify keepsItsOs = [](AurexOsFixture& fixture) {
+    fixture.controller->onText = [&fixture](std::string_view text, sim::TextReply& reply) {
+      const bool isBack = text == "ID" && std::ranges::count(fixture.controller->told, "CCE") > 0;
+      if (isBack) reply.text = "IDK220-22-R1|10|4.60|19";
+    };
+  };
+  struct Row {
+    const char* what;
+    Falsify falsify;
+    const char* box;  // after the question; empty: none
+    DownloadCause cause;
+    ControllerLeft left;
+  };
+  const Row rows[] = {
+      {"never idle", status(2, 'P'), "Telepanel: ERR_NUM_FLASH_AND_MEMORY_NOT_IDLE", DownloadCause::Reply,
+       ControllerLeft::BootLoader},
+      {"no status", status(0, 'X'), "Telepanel: ERR_NUM_FLASH_AND_MEMORY_NOT_IDLE", DownloadCause::Reply,
+       ControllerLeft::BootLoader},
+      {"flash error", status(1, 1), "Telepanel: ERR_NUM_FLASH_ERROR", DownloadCause::Reply, ControllerLeft::BootLoader},
+      {"topic not valid", status(9, 0), "Telepanel: ERR_NUM_INVALID_TOPIC_FROM_PLC", DownloadCause::Reply,
+       ControllerLeft::BootLoader},
+      {"busy", answered(65, 5),
+       "Telepanel: The PLC is currently busy processing download tasks. Please wait a few minutes before re-attempting "
+       "this operation.",
+       DownloadCause::Reply, ControllerLeft::BootLoader},
+      {"a status that means nothing", answered(65, 77), "Telepanel: Failed to send data chunk.", DownloadCause::Reply,
+       ControllerLeft::BootLoader},
+      {"69 is refused", answered(69, 143), "Telepanel: Failed to send data chunk.", DownloadCause::Reply,
+       ControllerLeft::BootLoader},
+      {"it reports the old O/S", keepsItsOs, "Reset PLC: The controller is about to restart", DownloadCause::Unproven,
+       ControllerLeft::OldOs},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    AurexOsFixture fixture("K220-22-R1");
+    fixture.Put("K220", {"4.75", 3}, {"1.30", 0});
+    row.falsify(fixture);
+    fixture.pacer.SetLocalTime(std::chrono::local_days{std::chrono::year{2026} / 3 / 9} - std::chrono::minutes(2));
+    const Instant start = fixture.pacer.Now();
+    EXPECT_FALSE(fixture.Download());
+    EXPECT_THAT(fixture.desk.said, ElementsAre(kStop, row.box));
+    EXPECT_EQ(fixture.outcome.cause, row.cause) << fixture.outcome.reason;
+    EXPECT_EQ(fixture.outcome.left, row.left) << fixture.outcome.reason;
+    if (std::string_view(row.box).ends_with("NOT_IDLE")) {
+      EXPECT_GT(fixture.pacer.Now() - start, seconds(300));
+      EXPECT_LT(fixture.pacer.Now() - start, seconds(302));
+    }
+    EXPECT_TRUE(fixture.DownloadAgain()) << fixture.outcome.reason;
+  }
+}
+
+TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {
+  using std::filesystem::path;
+  struct Row {
+    const char* what;
+    std::function<void(const path& os, const path& fonts)> before;
+    std::function<void(const path& os, const path& fonts)> whileAsked;
+    std::vector<std::string> said;  // how the boxes begin
+  };
+  const auto cutTo = [](const path& file, std::size_t size) {
+    AurexOsFixture::PutFile(file, TemporaryFolder::Content(file).substr(0, size));
+  };
+  const auto nothing = [](const path&, const path&) {};
+  const std::string k330Fonts = SampleFonts("K330", {"1.30", 0});
+  const std::string otherOs = SampleOs("K220-22-R1", {"4.75", 3}, 2000);
+  const Row rows[] = {
+      {"fonts of 15 bytes",
+       [&](const path&, const path& f) { cutTo(f, 15); },
+       nothing,
+       {kStop, "Error: Illegal Fonts file"}},
+      {"fonts that are cut",
+       [&](const path&, const path& f) { cutTo(f, 100); },
+       nothing,
+       {kStop, "Error: Illegal Fonts file"}},
+      {"fonts of another model",
+       [&](const path&, const path& f) { AurexOsFixture::PutFile(f, k330Fonts); },
+       nothing,
+       {kStop, "Error: Illegal Fonts file"}},
+      {"an O/S that is cut", [&](const path& os, const path&) { cutTo(os, 1000); }, nothing, {"Telepanel: "}},
+      {"no O/S", [](const path& os, const path&) { std::filesystem::remove(os); }, nothing, {}},
+      {"no fonts", [](const path&, const path& f) { std::filesystem::remove(f); }, nothing, {}},
+      {"another O/S of the same name",
+       nothing,
+       [&](const path& os, const path&) { AurexOsFixture::PutFile(os, otherOs); },
+       {kStop}},
+      {"fonts that vanish", nothing, [](const path&, const path& f) { std::filesystem::remove(f); }, {kStop}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    AurexOsFixture fixture("K220-22-R1");
+    fixture.Put("K220", {"4.75", 3}, {"1.30", 0});
+    const path folder = fixture.home.Path() / "Os Aurex" / "K220";
+    const path os = folder / "AurexK220v47503.kos";
+    const path fonts = folder / "AurexFontv1300.kft";
+    row.before(os, fonts);
+    fixture.desk.answer = [&](const MessageBox& box) {
+      row.whileAsked(os, fonts);
+      return Consent(box.buttons);
+    };
+    EXPECT_FALSE(fixture.Download());
+    EXPECT_EQ(fixture.outcome.cause, DownloadCause::File);
+    EXPECT_EQ(fixture.outcome.left, ControllerLeft::Untouched);
+    EXPECT_NE(fixture.outcome.reason, "");
+    EXPECT_THAT(fixture.controller->told, IsEmpty());
+    ASSERT_EQ(fixture.desk.said.size(), row.said.size());
+    for (std::size_t i = 0; i < row.said.size(); ++i) EXPECT_TRUE(fixture.desk.said[i].starts_with(row.said[i]));
+  }
+}
+
+TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
+  struct Row {
+    bool isDryRun;
+    bool asks;
+    PromptAnswer answer;  // to the question about the stop
+    DownloadEnd end;
+    ControllerLeft left;
+    std::size_t boxes;
+  };
+  const Row rows[] = {
+      {true, true, PromptAnswer::No, DownloadEnd::WouldGoOn, ControllerLeft::Untouched, 1},
+      {false, true, PromptAnswer::No, DownloadEnd::Done, ControllerLeft::NewOs, 3},
+      {false, true, PromptAnswer::Yes, DownloadEnd::Stopped, ControllerLeft::BootLoader, 2},
+      {false, false, PromptAnswer::Yes, DownloadEnd::Stopped, ControllerLeft::BootLoader, 1},
+  };
+  for (const Row& row : rows) {
+    AurexOsFixture fixture("K220-22-R1");
+    fixture.Put("K220", {"4.75", 3}, {"1.30", 0});
+    fixture.desk.onProgress = [&](std::int64_t current, std::int64_t) {
+      if (current == 2) fixture.pacer.RequestStop();
+    };
+    fixture.desk.answer = [&](const MessageBox& box) {
+      const bool isStop = box.text.contains("Stop it all the same?");
+      EXPECT_TRUE(!isStop || box.canLose);
+      return isStop ? row.answer : Consent(box.buttons);
+    };
+    DownloadOrder order;
+    order.isDryRun = row.isDryRun;
+    order.asksBeforeStop = row.asks;
+    std::optional<DownloadPreview> preview;
+    order.onPreview = [&](const DownloadPreview& shown) { preview = shown; };
+    EXPECT_EQ(fixture.Download(order), row.end == DownloadEnd::Done);
+    EXPECT_EQ(fixture.outcome.end, row.end);
+    EXPECT_EQ(fixture.outcome.left, row.left);
+    EXPECT_GE(fixture.desk.said.size(), row.boxes);
+    EXPECT_EQ(fixture.controller->told.empty(), row.isDryRun);
+    ASSERT_TRUE(preview);
+    EXPECT_EQ(preview->now.os, "4.60 (B19)");
+    EXPECT_EQ(preview->then.os, "4.75 (B03)");
+    EXPECT_EQ(preview->then.fonts, "1.30 (B0)");
+  }
+}
+
+// Whatever the weather: the right O/S, or a plain failure that names the place.
+TEST(AurexOsSending, GetsThroughTheWeatherOrSaysWhereItEnded) {
+  int done = 0;
+  for (std::uint64_t seed = 1; seed <= 1000 && !testing::Test::HasFailure(); ++seed) {
+    SCOPED_TRACE(seed);
+    AurexOsFixture fixture("K220-22-R1", "", false, seed);
+    fixture.Put("K220", {"4.75", 3}, {"1.30", 0});
+    ASSERT_TRUE(
+        fixture.simulated->UseFaults({"noreply:p=0.03", "late:ms=400,p=0.03", "double:p=0.03", "damage:rate=0.0005",
+                                      "dribble:ms=2,p=0.02", "lost:at=9,away=500,p=0.01", "reset:p=0.002"}));
+    int retries = 0;
+    fixture.desk.answer = [&](const MessageBox& box) {
+      return box.text.ends_with("Retry?") && ++retries > 5 ? PromptAnswer::No : Consent(box.buttons);
+    };
+    const bool isDone = fixture.Download();
+    done += isDone ? 1 : 0;
+    EXPECT_TRUE(!isDone || fixture.controller->Truth() == kNew);
+    EXPECT_NE(isDone, fixture.outcome.reason.size() > 20);
+    fixture.desk.answer = nullptr;
+    EXPECT_TRUE(fixture.DownloadAgain()) << OutcomeText(fixture.outcome);
+    EXPECT_EQ(fixture.controller->Truth(), kNew);
+  }
+  EXPECT_GT(done, 900);
+}
+
+}  // namespace
+}  // namespace kv::test
