@@ -20,6 +20,15 @@ struct DownloadVerbs : ::testing::Test {
     fixture.home.Put("cut.dai", SampleProject("K220-22-R1").substr(0, 2000));
     fixture.home.Put("q50.dai", SampleProject("AurexQ50"));
     fixture.home.Put("no.dai", std::string(200, 'x'));
+    const auto put = [this](const std::string& folder, const std::string& name, const std::string& content) {
+      std::filesystem::create_directories(fixture.home.Path() / folder);
+      fixture.home.Put(folder + "/" + name, content);
+    };
+    put("Os Aurex/K220", "AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
+    put("Os Aurex/K220", "AurexK220v37310.kos", SampleOs("K220-22-R1", {"3.73", 10}));
+    put("Os Aurex/K220", "AurexFontv1300.kft", SampleFonts("K220-22-R1", {"1.30", 0}));
+    put("Os Aurex/K330", "AurexK330v47503.kos", SampleOs("K330", {"4.75", 3}));
+    put("OS/OS51", "Q51v4712.OSI", SampleOs("Q51", {"4.71", 2}));
   }
 };
 
@@ -54,6 +63,30 @@ TEST_F(DownloadVerbs, AProjectGoesInAndTheControllerThenNamesIt) {
   }
 }
 
+TEST_F(DownloadVerbs, AnOsGoesInAndTheControllerThenReportsIt) {
+  for (const auto& [model, os] : {std::pair("K220-22-R1", "4.75 (B03)"), std::pair("Q51", "4.71 (B02)")}) {
+    EXPECT_THAT(fixture.On(model, "download os --list").out, HasSubstr("  * O"));
+    const Result dry = fixture.On(model, "download os --dry-run");
+    EXPECT_EQ(dry.exit, 0) << dry.err;
+    EXPECT_THAT(dry.err, HasSubstr("Continue ? [y/N] yes (--dry-run)"));
+    EXPECT_THAT(dry.trace, Not(HasSubstr("CCB")));
+    const Result done = fixture.On(model, "--yes --json download os");
+    EXPECT_EQ(done.exit, 0) << done.err;
+    EXPECT_THAT(done.out, AllOf(HasSubstr("\"after\": {"), HasSubstr(os), HasSubstr("\"file\": ")));
+  }
+}
+
+// Each consent is given for itself; what is saved before is written back.
+TEST_F(DownloadVerbs, AnOsThatLaysOutTheMemoryAnewWantsTwoConsentsMore) {
+  fixture.options.osVersion = "3.73";
+  const std::string download = "--yes --password 1 download os";
+  EXPECT_THAT(fixture.On("K220-22-R1", download).err, HasSubstr("--lose-project consents"));
+  EXPECT_THAT(fixture.On("K220-22-R1", download + " --lose-project").err, HasSubstr("--lose-values consents"));
+  const Result done = fixture.On("K220-22-R1", download + " --lose-project --lose-values");
+  EXPECT_EQ(done.exit, 0) << done.err;
+  EXPECT_THAT(done.err, HasSubstr("Clone Restore Successfully."));
+}
+
 TEST_F(DownloadVerbs, ABackupIsTakenFirst) {
   const std::string download = "--yes --password 1 download project @q50.dai --backup @before.kdf ";
   EXPECT_EQ(fixture.On("AurexQ50", download).exit, 2) << "nobody can be asked whether the program may be stopped";
@@ -78,12 +111,23 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
        "lost:on=block,nth=3,away=60000"},
       {"--link sim:Q50 download project @hall.d50 --yes", 4, "refused", "old project is erased",
        "refuse:on=LD,code=0D"},
+      {"download os --fonts @hall.dai", 2, "usage", "--fonts belong to a --file"},
+      {"download os --list --dry-run", 2, "usage", "--list only shows"},
+      {"download project @hall.dai --lose-values", 2, "usage", "mean nothing with project"},
+      {"--link sim:K670-T40 download os", 4, "notFit", "There is a mismatch between PLC Type"},
+      {"--link sim:K330 download os", 4, "badFile", "There is no file of system fonts"},
+      {"--link sim:K220-22-R1 download os --file @q50.dai", 4, "notFit", "does not match OS Type"},
+      {"--link sim:K220-22-R1 download os --yes", 4, "refused", "its old O/S is still there",
+       "refuse:on=block,nth=4,code=0F"},
+      {"--link sim:K220-22-R1 download os --yes", 7, "linkLost", "still be programming the new O/S",
+       "lost:dir=in,on=block,nth=13,away=600000"},
       {"--link sim:K220-22-R1 download project @hall.dai --yes", 1, "unproven", "what it runs now is not known",
        "lost:on=CC,nth=2,at=30,away=600000"},
   };
   for (const FailingCommand& row : rows) {
     fixture.ReplaceController("Q50");
     fixture.ReplaceController("K220-22-R1");
+    fixture.ReplaceController("K330");
     fixture.options.faults.clear();
     fixture.ExpectFailure(row);
   }
