@@ -7,6 +7,7 @@
 #include "base/ScopeGuard.h"
 #include "clone/ProgramState.h"
 #include "clone/RestoreCheck.h"
+#include "desktop/StopScope.h"
 #include "download/AurexProjectSender.h"
 #include "download/CompactProjectSender.h"
 #include "download/DownloadWork.h"
@@ -22,22 +23,38 @@ std::string FileNameOf(const ProjectFile& file) {
   return Utf8FromPath(file.path.filename());
 }
 
-// What is left, when the controller can be asked: it may have lost its power or been reset since, which ends a load.
-void AskWhatIsLeft(Channel& link, const std::string& oldProject, DownloadOutcome& outcome) {
-  const bool isGone = outcome.link.code != LinkErrorCode::None && outcome.link.code != LinkErrorCode::Refused &&
-                      outcome.link.code != LinkErrorCode::Busy;
-  if (outcome.left == ControllerLeft::Untouched || isGone) return;
+bool IsLinkGone(const LinkError& error) {
+  switch (error.code) {
+    case LinkErrorCode::None:
+    case LinkErrorCode::Refused:
+    case LinkErrorCode::Busy:
+    case LinkErrorCode::Stopped:
+      return false;
+    default:
+      return true;
+  }
+}
+
+// What the controller's own answer makes of what the traffic shows: it may have lost its power or been reset since,
+// which ends a load.
+ControllerLeft Refined(ControllerLeft left, char state, const std::string& project, const std::string& oldProject) {
+  const bool isBeforeErase = left == ControllerLeft::Stopped || left == ControllerLeft::ProjectBegun;
+  const bool mayBeLost = isBeforeErase || left == ControllerLeft::Programming;
+  if (isBeforeErase && IsRunningState(state) && project == oldProject) return ControllerLeft::Untouched;
+  if (mayBeLost && state != 'L' && project.empty() && !oldProject.empty()) return ControllerLeft::ProjectErased;
+  if (left == ControllerLeft::ProjectErased && state == 'S') return ControllerLeft::Stopped;  // erasing begins a load
+  return left;
+}
+
+void AskWhatIsLeft(Channel& link, Pacer& pacer, const std::string& oldProject, DownloadOutcome& outcome) {
+  if (outcome.left == ControllerLeft::Untouched || IsLinkGone(outcome.link)) return;
+  const StopScope asking(pacer);  // a stop ended the download, not this question
   const auto info = link.GetControllerInfo(link.UnitID());
   if (!info) return;
   const std::string project = FoundController{{}, *info}.ProjectText();
   outcome.reason += std::string("\nAsked afterwards, the controller says that its state is ") + info->state +
                     " and its project \"" + project + "\".";
-  const bool isBeforeErase = outcome.left == ControllerLeft::Stopped || outcome.left == ControllerLeft::ProjectBegun;
-  const bool mayBeLost = isBeforeErase || outcome.left == ControllerLeft::Programming;
-  if (isBeforeErase && IsRunningState(info->state) && project == oldProject) outcome.left = ControllerLeft::Untouched;
-  if (mayBeLost && info->state != 'L' && project.empty() && !oldProject.empty()) {
-    outcome.left = ControllerLeft::ProjectErased;
-  }
+  outcome.left = Refined(outcome.left, info->state, project, oldProject);
 }
 
 }  // namespace
@@ -55,9 +72,10 @@ class ProjectDownload::Run {
 
   [[nodiscard]] Step All() {
     using Stage = Step (Run::*)();
-    constexpr Stage kStages[] = {&Run::Meet,       &Run::Preview,        &Run::CheckBackup, &Run::AskToEndLoad,
-                                 &Run::AskToBegin, &Run::CheckFile,      &Run::EndDryRun,   &Run::Backup,
-                                 &Run::CheckFile,  &Run::CheckStillSame, &Run::Send,        &Run::Compare};
+    constexpr Stage kStages[] = {&Run::Meet,       &Run::Preview,   &Run::CheckBackup,    &Run::AskToEndLoad,
+                                 &Run::AskToBegin, &Run::GetAccess, &Run::CheckFile,      &Run::EndDryRun,
+                                 &Run::Backup,     &Run::CheckFile, &Run::CheckStillSame, &Run::Send,
+                                 &Run::Compare};
     for (const Stage stage : kStages) {
       Step done = (this->*stage)();
       if (done && mWork.left == ControllerLeft::Untouched) done = mWork.StopPoint();
@@ -131,6 +149,12 @@ class ProjectDownload::Run {
       return {};
     }
     return mWork.Decline(DownloadCause::User, "The download was not confirmed.");
+  }
+
+  // A password that is not known is found out before a backup is made, and in a dry run.
+  Step GetAccess() {
+    if (mWork.link.EnsureAccess(mWork.link.UnitID())) return {};
+    return mWork.FailOf(mWork.link.LastError());
   }
 
   // The file may have been written anew since it was shown, while questions were open and while the backup was taken.
@@ -231,7 +255,7 @@ void ProjectDownload::Download(Channel& link, const ProjectFile& file, const Dow
   const Step done = run.All();
   mReview = run.Review();
   mOutcome = done ? DownloadOutcome{.left = work.left} : done.error();
-  if (!done && mOutcome.cause != DownloadCause::Unproven) AskWhatIsLeft(link, run.OldProject(), mOutcome);
+  if (!done && mOutcome.cause != DownloadCause::Unproven) AskWhatIsLeft(link, mPacer, run.OldProject(), mOutcome);
 }
 
 const std::string& ProjectFile::Name() const {

@@ -294,18 +294,13 @@ TEST(ProjectDownload, SaysWhatIsLeftWhereverItIsCutAndGetsThroughThen) {
         const DownloadOutcome cut = fixture.Download();
         fixture.EndFaults();
         const std::string found = fixture.controller->StateAndProject();
-        if (cut.end == DownloadEnd::Done) {
-          EXPECT_EQ(found, "RHall 7");
-        } else {
-          ++cuts;
-          EXPECT_EQ(cut.end, DownloadEnd::Failed);
-          EXPECT_NE(cut.reason, "");
-        }
-        const std::string last = fixture.Changes().empty() ? "-" : fixture.Changes().back();
-        if (cut.end != DownloadEnd::Done) {
-          EXPECT_THAT(documented[last], HasSubstr(NameOf(cut.left))) << last << "\n" << cut.reason;
-        }
         EXPECT_TRUE(IsAs(cut.left, found)) << LeftBehindText(cut.left) << " / " << found << "\n" << cut.reason;
+        if (cut.end == DownloadEnd::Done) continue;  // it got over it, or there was no such exchange
+        ++cuts;
+        EXPECT_EQ(cut.end, DownloadEnd::Failed);
+        EXPECT_NE(cut.reason, "");
+        const std::string last = fixture.Changes().empty() ? "-" : fixture.Changes().back();
+        EXPECT_THAT(documented[last], HasSubstr(NameOf(cut.left))) << last << "\n" << cut.reason;
         fixture.pacer.Sleep(std::chrono::seconds(70));
         const DownloadOutcome again = fixture.Download();
         EXPECT_EQ(again.end, DownloadEnd::Done) << again.reason;
@@ -401,6 +396,7 @@ TEST(ProjectDownload, WaitsWithoutALimitUntilItIsStopped) {
     const DownloadOutcome outcome = fixture.Download();
     EXPECT_EQ(outcome.end, DownloadEnd::Stopped);
     EXPECT_EQ(outcome.left, ControllerLeft::ProjectBegun);
+    EXPECT_THAT(outcome.reason, HasSubstr("says that its state is L and its project \"Old\""));
     EXPECT_NEAR(polls, (stopsAtOnce ? 9 : 10) * 600, 60);
     EXPECT_EQ(std::ranges::count(fixture.log, "Bar 120"), polls / 120 + 1) << "the bar goes round";
     EXPECT_EQ(fixture.controller->StateAndProject(), "LOld");
@@ -411,7 +407,7 @@ TEST(ProjectDownload, AStopIsMeantOrTheDownloadGoesThrough) {
   for (const char* model : {kAurex, kCompact}) {
     for (const char* answer : {"no", "yes", "nobody"}) {
       int stopped = 0;
-      for (int moment = 1; moment <= 60; moment += 4) {
+      for (int moment = 1; moment <= 60; moment += 6) {
         SCOPED_TRACE(std::string(model) + " " + answer + " " + std::to_string(moment));
         sim::SimulatorOptions options;
         options.baud = 57600;
@@ -433,7 +429,7 @@ TEST(ProjectDownload, AStopIsMeantOrTheDownloadGoesThrough) {
         EXPECT_TRUE(isStopped || fixture.isCompact || std::ranges::count(fixture.log, "65") == 3) << "a topic twice";
         stopped += isStopped ? 1 : 0;
       }
-      EXPECT_EQ(stopped > 3, answer != std::string("no")) << model << answer << stopped;
+      EXPECT_EQ(stopped > 2, answer != std::string("no")) << model << answer << stopped;
     }
   }
 }

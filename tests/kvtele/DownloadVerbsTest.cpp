@@ -131,6 +131,12 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
     fixture.options.faults.clear();
     fixture.ExpectFailure(row);
   }
+  CommandFixture locked;
+  locked.options.password = "1";
+  locked.home.Put("hall.dai", SampleProject("K220-22-R1"));
+  const Result refused = locked.ExpectFailure(
+      {"--link sim:K220-22-R1 download project @hall.dai --dry-run", 4, "passwordNeeded", "password"});
+  EXPECT_THAT(refused.trace, Not(HasSubstr("/01CCS")));
 }
 
 }  // namespace
