@@ -121,6 +121,7 @@ SavedMemory::Step SavedMemory::WriteBack(Channel& link, const FoundController& c
   constexpr const char* kWhat = "The new O/S is in the controller, but its memory could not be written back.";
   const auto fail = [&](const CloneOutcome& outcome, ControllerLeft left) {
     DownloadOutcome failure = Failure(outcome, kWhat, left);
+    if (outcome.end == CloneEnd::Stopped) failure.link.code = LinkErrorCode::Stopped;
     if (outcome.cause == CloneCause::Link || outcome.cause == CloneCause::Reply) failure.cause = DownloadCause::Link;
     if (outcome.cause == CloneCause::Unproven) failure.cause = DownloadCause::Unproven;
     return std::unexpected(std::move(failure));

@@ -59,6 +59,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::RunSteps() {
                                       &C::TakeBackup,
                                       &C::SaveMemory,
                                       &C::CheckFilesAreTheSame,
+                                      &C::CheckControllerIsTheSame,
                                       &C::TellUncompressed,
                                       &C::ReadForceBit,
                                       &C::EnterBootMode,
@@ -148,6 +149,9 @@ DownloadPreview clsAurexOSDownloader::Preview() const {
   if (mChange.NeedsMemorySaved()) {
     preview.warnings.emplace_back(
         "The memory of the controller is laid out anew. It is saved before and written back afterwards.");
+  }
+  if (mChange.next < mChange.installed) {
+    preview.warnings.emplace_back("The O/S in the file is older than the one in the controller.");
   }
   if (const std::string advice = StateAdvice(mFound); !advice.empty()) preview.warnings.push_back(advice);
   return preview;

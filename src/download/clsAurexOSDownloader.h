@@ -71,6 +71,7 @@ class clsAurexOSDownloader {
   [[nodiscard]] Step TakeBackup();
   [[nodiscard]] Step SaveMemory();
   [[nodiscard]] Step CheckFilesAreTheSame();
+  [[nodiscard]] Step CheckControllerIsTheSame();
   [[nodiscard]] Step TellUncompressed();
   [[nodiscard]] Step ReadForceBit();
   // And from here on it is in its boot loader.

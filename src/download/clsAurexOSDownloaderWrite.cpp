@@ -4,6 +4,7 @@
 
 #include "base/PathText.h"
 #include "clone/CloneOutcome.h"
+#include "clone/RestoreCheck.h"
 #include "desktop/StopScope.h"
 #include "download/OsFileName.h"
 #include "download/clsAurexOSDownloader.h"
@@ -47,6 +48,18 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFilesAreTheSame() {
                 "The files are not the ones any more that were looked through before. Begin the download again.");
 }
 
+// It is the driver that sees to it that no other controller answers.
+clsAurexOSDownloader::Step clsAurexOSDownloader::CheckControllerIsTheSame() {
+  const auto now = FindController(mWork->link);
+  if (!now) return FailLink("The controller could not be identified again.", now.error());
+  const bool isSame = now->version == mFound.version && now->info.serialNumber == mFound.info.serialNumber;
+  if (isSame && (now->info.state != 'L' || mFound.info.state == 'L')) return {};
+  return mWork->Fail(DownloadCause::Link,
+                     "Somebody else has done something to the controller since you were asked: it reports " +
+                         ControllerText(now->version, now->info, mWork->order.link) + ", O/S " + now->OsText() +
+                         ", state " + now->info.state + ". Nothing was sent.");
+}
+
 clsAurexOSDownloader::Step clsAurexOSDownloader::TellUncompressed() {
   for (const OsTransferTopic& topic : mTransfer.topics) {
     if (!topic.compressionFailed) continue;
@@ -75,18 +88,24 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::EnterBootMode() {
   }
   mWindow.SetStatus("Entering the boot loader ...");
   const auto reply = mWork->link.SendCommand("CCB");
+  const LinkError error = mWork->link.LastError();
   if (reply) {
     if (const auto refusal = RefusalIn(reply->text)) {
       return FailLink("The controller does not go into its boot loader.", *refusal);
     }
   }
   mWork->left = ControllerLeft::BootLoaderPerhaps;
-  if (!reply) return FailLink("The controller was told to go into its boot loader.", mWork->link.LastError());
+  if (error.code == LinkErrorCode::Stopped) return FailLink("Going into the boot loader was stopped.", error);
   static_cast<void>(mWork->link.CommPort());  // it is the same line for the boot loader
+  // When only the answer was lost, who answers now shows it.
   const auto version = mWork->link.GetVersionInfo(mWork->link.UnitID());
   if (!version) return FailLink("The boot loader could not be identified.", mWork->link.LastError());
-  if (!reply->text.starts_with("CC") || version->model != kAurexBootText) {
+  if (version->model != kAurexBootText) {
+    if (!reply) return FailLink("The controller was told to go into its boot loader.", error);
     return mWork->Fail(DownloadCause::Reply, "The controller did not go into its boot loader.");
+  }
+  if (reply && !reply->text.starts_with("CC")) {
+    return mWork->Fail(DownloadCause::Reply, "The controller's answer to CCB is none.");
   }
   mWork->left = ControllerLeft::BootLoader;
   return {};
@@ -160,10 +179,18 @@ LinkError clsAurexOSDownloader::SetForceBit() {
   return error;
 }
 
+// Begun anew after a stop that the user did not mean: it erases what a part of it has written.
 clsAurexOSDownloader::Step clsAurexOSDownloader::RestoreMemory() {
   if (mMemory.IsEmpty()) return {};
   mWindow.SetStatus("Writing the controller's memory back ...");
-  return mMemory.Restore(mWork->link, mAfter);
+  mWork->left = ControllerLeft::NewOsLoading;
+  while (true) {
+    Step done = mMemory.Restore(mWork->link, mAfter);
+    if (done) break;
+    if (done.error().end != DownloadEnd::Stopped || !mWork->GoesOnAfter(done.error())) return done;
+  }
+  mWork->left = ControllerLeft::NewOs;
+  return {};
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::TellForceFailure() {

@@ -72,12 +72,16 @@ struct Desk : DownloadWindow, KnowingPrompts, SilentCloner {
   BiosAnswer bios = BiosAnswer::Continue;
   std::optional<AurexOsChoice> choice;
   std::function<void(std::int64_t current, std::int64_t count)> onProgress;
+  std::function<void()> onMemoryLine;  // of the memory that is written back
 
   void SetStatus(std::string_view) override {}
   void ResetProgress(std::int64_t) override {}
   void StepProgress() override {}
   void ProgressInfo(int, std::int64_t current, std::int64_t count) override {
     if (onProgress) onProgress(current, count);
+  }
+  void Event_AddWriteCommand(std::string_view) override {
+    if (onMemoryLine) onMemoryLine();
   }
   AurexOsChoice ChooseAurexOs(const AurexOsLists& lists) override {
     if (choice) return *choice;

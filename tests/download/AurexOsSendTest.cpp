@@ -159,27 +159,37 @@ TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {
 
 TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
   struct Row {
+    bool isInMemory;  // the stop comes while it is written back, else while the second chunk is sent
     bool isDryRun;
     bool asks;
     PromptAnswer answer;  // to the question about the stop
     DownloadEnd end;
     ControllerLeft left;
-    std::size_t boxes;
   };
+  constexpr PromptAnswer kYes = PromptAnswer::Yes;
+  constexpr PromptAnswer kNo = PromptAnswer::No;
   const Row rows[] = {
-      {true, true, PromptAnswer::No, DownloadEnd::WouldGoOn, ControllerLeft::Untouched, 1},
-      {false, true, PromptAnswer::No, DownloadEnd::Done, ControllerLeft::NewOs, 3},
-      {false, true, PromptAnswer::Yes, DownloadEnd::Stopped, ControllerLeft::BootLoader, 2},
-      {false, false, PromptAnswer::Yes, DownloadEnd::Stopped, ControllerLeft::BootLoader, 1},
+      {false, true, true, kNo, DownloadEnd::WouldGoOn, ControllerLeft::Untouched},
+      {false, false, true, kNo, DownloadEnd::Done, ControllerLeft::NewOs},
+      {false, false, true, kYes, DownloadEnd::Stopped, ControllerLeft::BootLoader},
+      {false, false, false, kNo, DownloadEnd::Stopped, ControllerLeft::BootLoader},
+      {true, false, true, kNo, DownloadEnd::Done, ControllerLeft::NewOs},
+      {true, false, true, kYes, DownloadEnd::Stopped, ControllerLeft::NewOsLoading},
   };
   for (const Row& row : rows) {
-    AurexOsFixture fixture("K220-22-R1");
+    AurexOsFixture fixture("K220-22-R1", row.isInMemory ? "3.73" : "4.60");
     fixture.Put("K220", {"4.75", 3}, {"1.30", 0});
-    fixture.desk.onProgress = [&](std::int64_t current, std::int64_t) {
-      if (current == 2) fixture.pacer.RequestStop();
+    int lines = 0;
+    fixture.desk.onMemoryLine = [&] {
+      if (++lines == 100) fixture.pacer.RequestStop();
     };
+    fixture.desk.onProgress = [&](std::int64_t current, std::int64_t) {
+      if (!row.isInMemory && current == 2) fixture.pacer.RequestStop();
+    };
+    int questions = 0;
     fixture.desk.answer = [&](const MessageBox& box) {
       const bool isStop = box.text.contains("Stop it all the same?");
+      questions += isStop ? 1 : 0;
       EXPECT_TRUE(!isStop || box.canLose);
       return isStop ? row.answer : Consent(box.buttons);
     };
@@ -188,13 +198,13 @@ TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
     order.asksBeforeStop = row.asks;
     std::optional<DownloadPreview> preview;
     order.onPreview = [&](const DownloadPreview& shown) { preview = shown; };
-    EXPECT_EQ(fixture.Download(order), row.end == DownloadEnd::Done);
+    EXPECT_EQ(fixture.Download(order), row.end == DownloadEnd::Done) << fixture.outcome.reason;
     EXPECT_EQ(fixture.outcome.end, row.end);
     EXPECT_EQ(fixture.outcome.left, row.left);
-    EXPECT_GE(fixture.desk.said.size(), row.boxes);
+    EXPECT_EQ(questions > 0, row.asks && !row.isDryRun);
     EXPECT_EQ(fixture.controller->told.empty(), row.isDryRun);
+    EXPECT_EQ(fixture.outcome.reason.contains("Memory of "), row.left == ControllerLeft::NewOsLoading);
     ASSERT_TRUE(preview);
-    EXPECT_EQ(preview->now.os, "4.60 (B19)");
     EXPECT_EQ(preview->then.os, "4.75 (B03)");
     EXPECT_EQ(preview->then.fonts, "1.30 (B0)");
   }

@@ -32,24 +32,6 @@ int Send(sim::test::Fixture& fixture, const OsTransfer& transfer) {
   return fixture.Block(69).status;
 }
 
-TEST(OsTransfers, BringEveryAurexModelItsNewOs) {
-  for (const sim::Model& model : sim::AllModels()) {
-    if (!model.UnderstandsBlocks() || model.HasColour()) continue;
-    SCOPED_TRACE(model.name);
-    const std::string name(model.name);
-    const auto os = ParseAurexOsFile(SampleOs(name, {"4.75", 3}, 200'000), "f");
-    const auto fonts = ParseFontsFile(SampleFonts(name, {"1.30", 0}, 20'000), "f");
-    ASSERT_TRUE(os && fonts);
-    sim::test::Fixture fixture(name);
-    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
-    EXPECT_EQ(Send(fixture, MakeOsTransfer(*os, *fonts)), 11);
-    fixture.Wait(std::chrono::seconds(10));
-    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
-    EXPECT_THAT(fixture.Text("ID"), testing::AnyOf(testing::EndsWith("|4.75|03"), testing::EndsWith("O/S 4.75;|B03;")));
-    EXPECT_EQ(fixture.State(), 'R');
-  }
-}
-
 TEST(OsTransfers, CompressWhatGetsSmallerAndNothingElse) {
   AurexOsFile os{.model = "K330", .number = {475, 3}, .remark = {}, .topics = {}, .stamp = {}};
   os.topics = {{.number = 1, .name = "zeros", .base = 0x100000, .isCompressed = true, .data = Bytes(3000)},
