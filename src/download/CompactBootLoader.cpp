@@ -21,7 +21,7 @@ constexpr int kPolls = 31;                            // 0 to 15 in steps of a h
 constexpr Duration kTestPause = milliseconds(500);
 constexpr Duration kErasePause = milliseconds(1000);
 constexpr int kEraseTimeOut = 10000;  // milliseconds
-constexpr int kAgain = 3;             // losses of the link within one block
+constexpr int kAgain = 3;             // for losses of the link within one block, and for a busy controller
 constexpr int kFastBaud = 57600;
 constexpr int kSlowBaud = 9600;
 
@@ -37,6 +37,15 @@ bool IsRefusal(const LinkError& error) {
 bool IsInDoubt(const DownloadOutcome& outcome) {
   return outcome.end != DownloadEnd::Stopped && outcome.link.code != LinkErrorCode::None && !IsRefusal(outcome.link) &&
          !outcome.link.isNotExecuted;
+}
+
+// One that is busy is asked again.
+bool IsAnswering(Channel& link) {
+  for (int i = 0; i < kAgain; ++i) {
+    if (link.GetControllerInfo(link.UnitID())) return true;
+    if (link.LastError().code != LinkErrorCode::Busy) return false;
+  }
+  return false;
 }
 
 // The place and the bytes.
@@ -196,9 +205,9 @@ std::string CompactBootLoader::SpeedText() const {
 std::optional<FoundController> CompactBootLoader::FindAnywhere() {
   Channel& link = mWork.link;
   const ComParams now = link.GetComParams();
-  bool isThere = link.GetControllerInfo(link.UnitID()).has_value();
+  bool isThere = IsAnswering(link);
   if (!isThere && now != mUsual && link.SetComParams(mUsual)) {
-    isThere = link.GetControllerInfo(link.UnitID()).has_value();
+    isThere = IsAnswering(link);
     if (!isThere) static_cast<void>(link.SetComParams(now));
   }
   auto found = isThere ? FindController(link) : std::unexpected(link.LastError());

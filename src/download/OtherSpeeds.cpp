@@ -3,7 +3,7 @@
 namespace kv {
 namespace {
 
-constexpr int kSpeeds[] = {57600, 9600, 115200};  // those of boot loaders first
+constexpr int kSpeeds[] = {57600, 115200, 9600};  // of boot loaders, as delivered, and of boot loaders again
 
 }  // namespace
 

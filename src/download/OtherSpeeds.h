@@ -5,7 +5,7 @@
 namespace kv {
 
 // A download that was cut may have left a compact controller, or the link, at the speed of a boot loader, where nobody
-// hears the other. To be tried when a request got no answer at the speed of the link: asks at 57600, 9600 and 115200
+// hears the other. To be tried when a request got no answer at the speed of the link: asks at 57600, 115200 and 9600
 // baud who is there, which changes nothing. True when somebody answers, and the link stays at that speed; else it is as
 // it was. A link without a speed is left alone.
 [[nodiscard]] bool FindAtOtherSpeed(Channel& link);

@@ -251,12 +251,15 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::HoldAgainstFile(const Found
   return mWork->Fail(DownloadCause::Unproven, text);
 }
 
-// The controller has its usual speed again. The link may not, when both were found at that of a boot loader.
+// The controller has its usual speed again. The link may not, when both were found at that of a boot loader: then half
+// a minute at a speed at which nobody is would be wasted.
 std::expected<FoundController, LinkError> clsBrioQ50OSDownloader::FindAgain() {
+  Channel& link = mWork->link;
   const std::uint32_t serialNumber = mFound.info.serialNumber;
-  auto found = FindAfterReset(mWork->link, mPacer, serialNumber);
-  if (found || !MayBeOfSpeed(found.error().code) || !FindAtOtherSpeed(mWork->link)) return found;
-  return FindAfterReset(mWork->link, mPacer, serialNumber);
+  if (mController.isInBoot && !link.GetControllerInfo(link.UnitID())) static_cast<void>(FindAtOtherSpeed(link));
+  auto found = FindAfterReset(link, mPacer, serialNumber);
+  if (found || !MayBeOfSpeed(found.error().code) || !FindAtOtherSpeed(link)) return found;
+  return FindAfterReset(link, mPacer, serialNumber);
 }
 
 void clsBrioQ50OSDownloader::Tell(const std::string& text, PromptIcon icon) {

@@ -19,6 +19,7 @@ const std::string kAsked = "O/S Downloader: Note that the download O/S process w
 const std::string kSucceeded = "O/S Downloader: O/S Download Succeded!";
 const std::string kEraseFailed = "O/S Downloader: Error during FLASH erase! Operation failed.";
 constexpr int kUsualBaud = 115200;
+constexpr int kSeeds = 100;
 
 // A compact controller on a serial line that garbles what is sent at the wrong speed, or on one without a speed.
 struct CompactOsFixture {
@@ -315,6 +316,39 @@ TEST_P(CompactOsCut, LeavesWhatItSaysAtEachExchangeAndGetsThroughAgain) {
     const bool isMended = fault.starts_with("noreply") || fault.starts_with("cut");
     EXPECT_EQ(failures == 0, isMended) << fault;
   }
+}
+
+TEST(CompactOs, IsRightOrAPlainFailureInAnyWeather) {
+  const std::vector<std::string> weather = {"noreply:p=0.02",
+                                            "late:ms=400,p=0.01",
+                                            "double:p=0.02",
+                                            "cut:after=11,p=0.02",
+                                            "damage:p=0.02",
+                                            "damage:dir=in,p=0.02",
+                                            "garbage:bytes=200,p=0.01",
+                                            "echo:p=0.01",
+                                            "wrongunit:p=0.01",
+                                            "busy:p=0.002",
+                                            "reset:p=0.004",
+                                            "lost:p=0.004",
+                                            "lost:at=9,p=0.004"};
+  int done = 0;
+  for (int seed = 1; seed <= kSeeds; ++seed) {
+    SCOPED_TRACE(seed);
+    sim::SimulatorOptions options = Plc(seed % 3 == 0 ? "Q50" : seed % 3 == 1 ? "Q58" : "PR1");
+    options.seed = static_cast<std::uint64_t>(seed);
+    CompactOsFixture fixture(options, seed % 2 == 0);
+    EXPECT_TRUE(fixture.simulated->UseFaults(weather));
+    if (fixture.Download()) {
+      ++done;
+      EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
+      continue;
+    }
+    EXPECT_NE(fixture.outcome.reason, "");
+    CheckLeft(fixture);
+    EXPECT_TRUE(fixture.DownloadAgain()) << OutcomeText(fixture.outcome);
+  }
+  EXPECT_GT(done, kSeeds / 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(Lines, CompactOsCut,
