@@ -15,9 +15,10 @@ namespace {
 namespace fs = std::filesystem;
 
 // Aurex or Compact; a colour controller is refused.
-OrFailure<DownloadFamily> FamilyOf(const ConnectedController& controller, const CommonOptions& common) {
-  const DownloadFamily family = DownloadFamilyOf(controller.Version().model, common.model);
-  if (family != DownloadFamily::Colour) return family;
+OrFailure<DownloadFamily> FamilyOf(ConnectedController& controller) {
+  const auto family = DownloadFamilyOf(controller.Link(), controller.Version().model);
+  if (!family) return std::unexpected(controller.LastFailure());
+  if (*family != DownloadFamily::Colour) return *family;
   return std::unexpected(NotFitFailure("downloading an O/S", std::string(kColourOsRefusal), "",
                                        "use the tool that is made for controllers with a colour screen"));
 }
@@ -72,7 +73,7 @@ class OsDownload {
     auto controller = ConnectedController::Open(mEnvironment, mCommon, ConnectedController::Reaching::AtAnySpeed);
     if (!controller) return std::unexpected(controller.error());
     mController = *std::move(controller);
-    const auto family = FamilyOf(*mController, mCommon);
+    const auto family = FamilyOf(*mController);
     if (!family) return std::unexpected(family.error());
     if (*family == DownloadFamily::Compact && mFiles.fonts) {
       return std::unexpected(UsageFailure("a controller of the compact family takes no system fonts"));
@@ -170,7 +171,7 @@ VerbResult DownloadOs(Environment& environment, const CommonOptions& common, con
 VerbResult ListOs(Environment& environment, const CommonOptions& common) {
   const auto controller = ConnectedController::Open(environment, common, ConnectedController::Reaching::AtAnySpeed);
   if (!controller) return std::unexpected(controller.error());
-  const auto family = FamilyOf(**controller, common);
+  const auto family = FamilyOf(**controller);
   if (!family) return std::unexpected(family.error());
   const VersionInfo& version = (*controller)->Version();
   const ProgramPaths paths = common.Paths(environment.home);

@@ -5,10 +5,16 @@
 
 namespace kv {
 
-DownloadFamily DownloadFamilyOf(std::string_view reported, std::string_view selected) {
-  const std::string_view model = reported.empty() || reported == "BOOT" ? selected : reported;
-  if (IsColourModel(model)) return DownloadFamily::Colour;
-  const bool isCompact = IsBrioModel(model) || ParseCompactIdentification(model).has_value();
+std::expected<DownloadFamily, LinkError> DownloadFamilyOf(Channel& link, std::string_view reported) {
+  if (IsColourModel(reported)) return DownloadFamily::Colour;
+  if (link.GetDownloadEngine() != nullptr) return DownloadFamily::Aurex;
+  if (link.LastError().code == LinkErrorCode::NotSupported) return DownloadFamily::Compact;
+  return std::unexpected(link.LastError());
+}
+
+DownloadFamily DownloadFamilyOfModel(std::string_view selected) {
+  if (IsColourModel(selected)) return DownloadFamily::Colour;
+  const bool isCompact = IsBrioModel(selected) || ParseCompactIdentification(selected).has_value();
   return isCompact ? DownloadFamily::Compact : DownloadFamily::Aurex;
 }
 

@@ -1,8 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <expected>
 #include <string>
 #include <string_view>
+
+#include "link/Channel.h"
+#include "link/LinkError.h"
 
 namespace kv {
 
@@ -13,9 +17,12 @@ enum class DownloadFamily : std::uint8_t {
   Colour,   // by no download that is here
 };
 
-// By the model that the controller reports and, where that says nothing (empty, or the "BOOT" of a boot loader), by the
-// one that is selected. UTF-8 or Windows-1252: the texts that count are plain.
-[[nodiscard]] DownloadFamily DownloadFamilyOf(std::string_view reported, std::string_view selected);
+// Of the connected controller that reports itself as `reported`: by whether it understands block messages, which a boot
+// loader tells, too, that says no more than "BOOT".
+[[nodiscard]] std::expected<DownloadFamily, LinkError> DownloadFamilyOf(Channel& link, std::string_view reported);
+
+// Of the model that is selected, as long as no controller has answered.
+[[nodiscard]] DownloadFamily DownloadFamilyOfModel(std::string_view selected);
 
 // What a controller with a colour screen is told whose O/S is to be replaced.
 inline constexpr std::string_view kColourOsRefusal =

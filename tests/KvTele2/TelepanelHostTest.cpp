@@ -52,8 +52,8 @@ class TelepanelHostTest : public testing::Test {
     channel->version = VersionInfo{"K220-22-R1", "10", "4.60", "19"};
     channel->info = Channel::ControllerInfo{.serialNumber = 0xABC, .state = 'R', .projectName = "Bakery"};
     host.OnLinkReleased = [this] { ++releases; };
-    host.OnToolClicked = [this](const std::string& id, const std::string&) {
-      clicked.push_back(id);
+    host.OnToolClicked = [this](const std::string& id, const std::string& argument) {
+      clicked.push_back(argument.empty() ? id : id + " " + argument);
       if (id == "ID_OnLine") onLine();
     };
   }
@@ -151,6 +151,13 @@ TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
   EXPECT_FALSE(pacer.StopRequested());
   EXPECT_EQ(ConnectionText(view.shown), "On line") << "nothing is known but that the question was stopped";
   EXPECT_THAT(view.shown.message, HasSubstr("On line with K220-22-R1"));
+}
+
+TEST_F(TelepanelHostTest, ToolsThatLookOtherwiseInAnEditionAreToldWhichItIs) {
+  ASSERT_TRUE(host.Settings().Write("Edition", "USER_LOMBA"));
+  for (const char* id : {"ID_Downloader", "ID_Help", "ID_About", "ID_DumpPLC"}) host.Click(id);
+  EXPECT_THAT(clicked,
+              ElementsAre("ID_Downloader USER_LOMBA", "ID_Help USER_LOMBA", "ID_About USER_LOMBA", "ID_DumpPLC"));
 }
 
 TEST_F(TelepanelHostTest, ClosingTheWindowWhileItConnectsIsCancel) {

@@ -355,6 +355,7 @@ TEST_F(DownloaderWindowTest, CanBeReadAndReachedByKeys) {
   PlugIn({});
   Open();
   ExpectControlsCanBeRead(*window);
+  EXPECT_EQ(window->focusWidget()->objectName(), "cmdGetFile") << "which was disabled while the controller was asked";
 }
 
 }  // namespace

@@ -28,6 +28,7 @@
 #include "download/ui/frmBrioQ50OsInfo.h"
 #include "download/ui/frmIncompatibleBios.h"
 #include "download/ui/frmOsInfo.h"
+#include "sessions/SessionIni.h"
 
 // What the window shows and lets choose; the downloads themselves are in frmDownloaderRun.cpp.
 namespace kv {
@@ -36,6 +37,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kColourModel = "Projects for controllers with a colour screen are not downloaded here.";
+constexpr const char* kAsking = "The controller is asked who it is.";
+constexpr const char* kIdle = "Nothing is running.";
+constexpr const char* kFolderKey = "ProjectPath";
 constexpr const char* kNoClones = "Controllers of the compact family cannot be cloned.";
 constexpr const char* kNoFile = "No project file has been selected.";
 constexpr int kHundred = 100;
@@ -82,27 +86,34 @@ void frmDownloader::showEvent(QShowEvent* event) {
 
 void frmDownloader::Identify() {
   if (mIsBusy) return;
-  mFound.reset();
-  SetBusy(true);
-  std::string failure;
+  SetBusy(kAsking);
+  std::expected<void, LinkError> met;
   {
     const BusyState busy(mServices.pacer, *this, "Asking the controller who it is");
     const StopScope stop(mServices.pacer);
     const auto link = mServices.shared.ComDriver->GetChannel();
-    auto found = link ? FindController(*link) : std::unexpected(mServices.shared.ComDriver->LastError());
-    if (found)
-      mFound = *std::move(found);
-    else
-      failure = found.error().Text();
+    met = link ? Meet(*link) : std::unexpected(mServices.shared.ComDriver->LastError());
   }
-  SetBusy(false);
-  if (mFound) {
-    ShowFound();
-  } else {
-    ShowController("The controller did not tell who it is: " + mServices.shared.ComDriver->LinkDescription(), failure);
+  SetBusy({});
+  if (!met) {
+    ShowController("The controller did not tell who it is: " + mServices.shared.ComDriver->LinkDescription(),
+                   met.error().Text());
   }
-  ShowFamily();
   ShowProject();
+}
+
+// Who it is and which downloads it takes.
+std::expected<void, LinkError> frmDownloader::Meet(Channel& link) {
+  mFound.reset();
+  mFamily.reset();
+  auto found = FindController(link);
+  if (!found) return std::unexpected(found.error());
+  const auto family = DownloadFamilyOf(link, found->version.model);
+  if (!family) return std::unexpected(family.error());
+  mFound = *std::move(found);
+  mFamily = *family;
+  ShowFound();
+  return {};
 }
 
 void frmDownloader::ShowFound() {
@@ -124,7 +135,7 @@ void frmDownloader::ShowAdvice(const std::string& text) {
 }
 
 DownloadFamily frmDownloader::Family() const {
-  return DownloadFamilyOf(mFound ? mFound->version.model : "", mServices.shared.Remote->Model());
+  return mFamily ? *mFamily : DownloadFamilyOfModel(mServices.shared.Remote->Model());
 }
 
 void frmDownloader::ShowFamily() {
@@ -134,15 +145,37 @@ void frmDownloader::ShowFamily() {
   if (mFile && mFile->IsCompact() != IsCompact()) mFile.reset();
   const char* whyNoProject = family == DownloadFamily::Colour ? kColourModel : mFile ? "" : kNoFile;
   if (IsCompact()) mBackup->setChecked(false);
-  Allow(*mDownload, mIsBusy ? kDownloadRuns : whyNoProject);
-  Allow(*mDownloadOs, mIsBusy ? kDownloadRuns : "");
-  Allow(*mBackup, mIsBusy ? kDownloadRuns : IsCompact() ? kNoClones : "");
+  Allow(*mDownload, mIsBusy ? mWhyBusy : whyNoProject);
+  Allow(*mBackup, mIsBusy ? mWhyBusy : IsCompact() ? kNoClones : "");
+}
+
+// What is shown stays readable; only what could begin something is disabled, and gets the focus back afterwards.
+void frmDownloader::SetBusy(const QString& why) {
+  mWhyBusy = why;
+  mIsBusy = !why.isEmpty();
+  if (mIsBusy) mFocusBefore = focusWidget();
+  for (QAbstractButton* each : {mGetFile, mDownloadOs, mIdentify, mClose}) Allow(*each, why);
+  Allow(*mStop, mIsBusy ? "" : kIdle);
+  ShowFamily();
+  if (mIsBusy) {
+    mStop->setFocus();
+  } else if (mFocusBefore) {
+    mFocusBefore->setFocus();
+  }
 }
 
 void frmDownloader::GetFile() {
   const std::string filter = IsCompact() ? "*.d50|*.d50" : "*.dai|*.dai";
-  const auto chosen = mServices.prompts.OpenFile({.title = "Select File", .filter = filter, .purpose = "Projects"});
-  if (chosen) SelectProject(PathFromUtf8(*chosen));
+  const std::string samples = Utf8FromPath(mServices.shared.paths.Home() / "Samples");
+  const auto chosen = mServices.prompts.OpenFile({.title = "Select File",
+                                                  .filter = filter,
+                                                  .purpose = "Projects",
+                                                  .folder = ReadSessionIni(mServices.shared, kFolderKey, samples)});
+  if (!chosen) return;
+  const fs::path file = PathFromUtf8(*chosen);
+  const auto kept = WriteSessionIni(mServices.shared, kFolderKey, Utf8FromPath(file.parent_path()));
+  if (!kept) mServices.shared.Remote->StatusMessage("The folder of the projects was not kept. " + kept.error());
+  SelectProject(file);
 }
 
 void frmDownloader::SelectFile(const fs::path& file) {

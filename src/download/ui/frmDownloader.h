@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
+#include <expected>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -27,9 +29,6 @@ class QVBoxLayout;
 namespace kv {
 
 class SideTable;
-
-// Why nothing else can be begun.
-inline constexpr const char* kDownloadRuns = "A download is running; Stop ends it.";
 
 // What the downloader asks of the program; all outlive the window.
 struct DownloaderServices {
@@ -89,6 +88,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void Connect();
 
   void Identify();
+  [[nodiscard]] std::expected<void, LinkError> Meet(Channel& link);
   void ShowController(const std::string& text, const std::string& advice);
   void ShowFound();
   void ShowAdvice(const std::string& text);
@@ -105,13 +105,12 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void DownloadProject();
   void DownloadOs();
   void Run(const char* what, const Engine& engine);
-  void MeetAgain(Channel& link);
   [[nodiscard]] std::optional<std::string> AskForBackup();
   void ShowPreview(const DownloadPreview& preview);
   void ShowEnding(const char* what, const Ending& ending);
   void StopDownload();
 
-  void SetBusy(bool isBusy);
+  void SetBusy(const QString& why);  // empty: nothing runs
   void ShowBar(std::int64_t value, std::int64_t maximum);
   void Say(const std::string& text);
   // As the users of this edition see it.
@@ -120,11 +119,14 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   DownloaderServices mServices;
   std::string mUser;
   std::optional<FoundController> mFound;
+  std::optional<DownloadFamily> mFamily;  // of the one that was found
   std::optional<ProjectFile> mFile;
   std::filesystem::path mDroppedOs;  // offered first by the next list that has it
   DownloadSide mNow;                 // of the last preview
   DownloadSide mThen;
   bool mIsBusy = false;
+  QString mWhyBusy;
+  QPointer<QWidget> mFocusBefore;
   bool mHasBeenShown = false;
   std::unique_ptr<DownloadProgress> mProgress;  // of the download that is under way
 

@@ -61,8 +61,7 @@ frmDownloader::frmDownloader(DownloaderServices services, std::string user, QWid
   BuildButtons(*page);
   Connect();
   ShowController("No controller has been asked yet: " + mServices.shared.ComDriver->LinkDescription(), "");
-  ShowFamily();
-  SetBusy(false);
+  SetBusy({});
   mGetFile->setFocus();
 }
 

@@ -20,7 +20,7 @@
 namespace kv {
 namespace {
 
-constexpr const char* kIdle = "No download is running.";
+constexpr const char* kRuns = "A download is running; Stop ends it.";
 
 const char* EndText(DownloadEnd end) {
   switch (end) {
@@ -59,13 +59,13 @@ class frmDownloader::Operation {
     window.mAmount->clear();
     window.mPresent->clear();
     window.mBar->reset();
-    window.SetBusy(true);
+    window.SetBusy(kRuns);
   }
   ~Operation() {
     mWindow.mProgress.reset();
     mWindow.mServices.pacer.ExchangeGate(std::move(mGateBefore));
     QApplication::restoreOverrideCursor();
-    mWindow.SetBusy(false);
+    mWindow.SetBusy({});
   }
   Operation(const Operation&) = delete;
   Operation& operator=(const Operation&) = delete;
@@ -76,19 +76,10 @@ class frmDownloader::Operation {
   InputGate mGateBefore;
 };
 
-// What is shown stays readable; only what could begin something is disabled.
-void frmDownloader::SetBusy(bool isBusy) {
-  mIsBusy = isBusy;
-  for (QAbstractButton* each : {mGetFile, mDownloadOs, mIdentify, mClose}) Allow(*each, isBusy ? kDownloadRuns : "");
-  Allow(*mStop, isBusy ? "" : kIdle);
-  ShowFamily();
-  if (isBusy) mStop->setFocus();  // what had the focus has just been disabled
-}
-
 // A download goes on until it ends or is stopped, whoever wants to close the window.
 void frmDownloader::reject() {
   if (!mIsBusy) return QDialog::reject();
-  SetStatus(kDownloadRuns);
+  SetStatus(mWhyBusy.toStdString());
 }
 
 void frmDownloader::StopDownload() {
@@ -146,17 +137,10 @@ void frmDownloader::Run(const char* what, const Engine& engine) {
                             .onPreview = [this](const DownloadPreview& preview) { ShowPreview(preview); }};
   const Ending ending = engine(*link, order, context);
   ShowEnding(what, ending);
-  if (ending.outcome.end == DownloadEnd::Done) MeetAgain(*link);
+  // A boot loader has become a controller. One that does not tell that now has told it the engine a moment ago.
+  if (ending.outcome.end == DownloadEnd::Done) static_cast<void>(Meet(*link));
   if (!backup) return;
   for (const std::string& warning : backup->Warnings()) Say("Warning: " + warning);
-}
-
-// A boot loader has become a controller, or one model of a family another.
-void frmDownloader::MeetAgain(Channel& link) {
-  auto found = FindController(link);
-  if (!found) return;
-  mFound = *std::move(found);
-  ShowFound();
 }
 
 std::optional<std::string> frmDownloader::AskForBackup() {
