@@ -175,6 +175,7 @@ class ProjectDownload::Run {
   Step Backup() {
     BackupBefore* backup = mWork.order.backup;
     if (backup == nullptr) return {};
+    mWork.window.SetStatus("Cloning the controller ...");
     return backup->Take(mWork.link, mController, mControllerText, FileNameOf(mFile));
   }
 

@@ -232,11 +232,15 @@ TEST_F(DownloaderWindowTest, SelectsAFileAndShowsWhatItIs) {
   PlugIn({.model = "K390"});
   Open();
   Select(aurex);
+  EXPECT_THAT(Text("lblPreview"), HasSubstr("on this link")) << "known before anything is decided";
   Select(damaged);
   EXPECT_EQ(Shown(), "hall.dai|Hall 7|K390|ready") << "nothing else changes";
   EXPECT_THAT(Row("Project"), HasSubstr(" > Hall 7 > "));
   Drop(fixture.home.Put("x.dai", project));
   EXPECT_TRUE(WaitUntil([this] { return Text("lblFileName") == "x.dai"; }));
+  PlugIn({.model = "K330"});
+  Press("cmdIdentify");
+  EXPECT_THAT(Information(), HasSubstr("would be refused"));
 }
 
 TEST_F(DownloaderWindowTest, SendsAProjectOfEachFamilyAndShowsTheControllerBeforeAndAfter) {

@@ -24,6 +24,7 @@
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/WindowGeometry.h"
 #include "download/DownloadFile.h"
+#include "download/ProjectLook.h"
 #include "download/ui/SideTable.h"
 #include "download/ui/frmBrioQ50OsInfo.h"
 #include "download/ui/frmIncompatibleBios.h"
@@ -67,7 +68,7 @@ void Preselect(FileList& list, const fs::path& dropped) {
   if (found != list.files.end()) list.preselected = static_cast<std::size_t>(found - list.files.begin());
 }
 
-// What a project asks of the controller; a compact one asks nothing.
+// What a project needs; a compact one says nothing of it.
 std::string NeedsText(const ProjectFile& file) {
   const auto* aurex = std::get_if<AurexProjectFile>(&file.project);
   if (!aurex) return {};
@@ -100,6 +101,7 @@ void frmDownloader::Identify() {
                    met.error().Text());
   }
   ShowProject();
+  if (mFile) LookAtBoth();
 }
 
 // Who it is and which downloads it takes.
@@ -199,6 +201,25 @@ void frmDownloader::SelectProject(const fs::path& file) {
   mFile = *std::move(read);
   ShowFamily();
   ShowProject();
+  LookAtBoth();
+}
+
+// Size, time and losses are known before the user decides, and so is a refusal.
+void frmDownloader::LookAtBoth() {
+  if (!mFound || Family() == DownloadFamily::Colour) return;
+  SetBusy(kAsking);
+  ProjectLook look;
+  {
+    const BusyState busy(mServices.pacer, *this, "Holding the file against the controller");
+    const StopScope stop(mServices.pacer);
+    const std::string where = mServices.shared.ComDriver->LinkDescription();
+    if (const auto link = mServices.shared.ComDriver->GetChannel()) {
+      look = LookAtProject(*link, *mFile, where, mServices.pacer);
+    }
+  }
+  SetBusy({});
+  if (look.preview) ShowPreview(*look.preview);
+  if (look.outcome.end == DownloadEnd::Refused) Say("As it is, it would be refused: " + look.outcome.reason);
 }
 
 void frmDownloader::SelectOs(const fs::path& file) {

@@ -101,6 +101,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void SelectProject(const std::filesystem::path& file);
   void SelectOs(const std::filesystem::path& file);
   void ShowProject();
+  void LookAtBoth();
 
   void DownloadProject();
   void DownloadOs();
@@ -111,6 +112,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void StopDownload();
 
   void SetBusy(const QString& why);  // empty: nothing runs
+  [[nodiscard]] CloneWork Watched();
   void ShowBar(std::int64_t value, std::int64_t maximum);
   void Say(const std::string& text);
   // As the users of this edition see it.

@@ -8,6 +8,7 @@
 #include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "clone/CloneFileName.h"
+#include "clone/WorkProgress.h"
 #include "desktop/StopScope.h"
 #include "desktop/ui/Commands.h"
 #include "download/clsAurexOSDownloader.h"
@@ -125,7 +126,7 @@ void frmDownloader::Run(const char* what, const Engine& engine) {
     ShowBar(done, total);
     mAmount->setText(QString::fromStdString(text));
   });
-  const BackupContext context{view, mServices.prompts, mServices.prompts, mServices.pacer, mServices.clock};
+  const BackupContext context{view, mServices.prompts, mServices.prompts, mServices.pacer, mServices.clock, Watched()};
   std::optional<BackupBefore> backup;
   if (file) backup.emplace(PathFromUtf8(*file), context);
 
@@ -141,6 +142,17 @@ void frmDownloader::Run(const char* what, const Engine& engine) {
   if (ending.outcome.end == DownloadEnd::Done) static_cast<void>(Meet(*link));
   if (!backup) return;
   for (const std::string& warning : backup->Warnings()) Say("Warning: " + warning);
+}
+
+// Of a clone that is read back and compared.
+CloneWork frmDownloader::Watched() {
+  return {.isStopped = {},
+          .onProgress = [this, progress = std::make_shared<WorkProgress>(mServices.pacer)](
+                            std::string_view stage, std::uint64_t done, std::uint64_t total) {
+            ShowBar(static_cast<std::int64_t>(done), static_cast<std::int64_t>(total));
+            mAmount->setText(QString::fromStdString(progress->Text(stage, done, total)));
+            mServices.pacer.Turn();
+          }};
 }
 
 std::optional<std::string> frmDownloader::AskForBackup() {
