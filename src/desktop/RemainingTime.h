@@ -20,6 +20,11 @@ class RemainingTime {
   // The work begins now, or begins anew.
   void Begin() { mStart = mPacer.Now(); }
 
+  // So much of the time since then says nothing of the pace.
+  void Exclude(Duration span) {
+    if (mStart) *mStart += span;
+  }
+
   // "about 12 s left", "about 3 min 20 s left", "about 1 h 5 min left". Empty in the first second, when the pace means
   // nothing, and when nothing or all is done.
   [[nodiscard]] std::string Text(std::uint64_t done, std::uint64_t total) const;

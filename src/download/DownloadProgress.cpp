@@ -24,6 +24,11 @@ void DownloadProgress::AmountSent(std::uint64_t done, std::uint64_t total) {
   mTotal = total;
 }
 
+void DownloadProgress::Exclude(Duration span) {
+  if (mStart) *mStart += span;
+  mRemaining.Exclude(span);
+}
+
 std::string DownloadProgress::Text() const {
   if (!mStart || mTotal == 0) return {};
   std::string text = Kibibytes(mDone) + " of " + Kibibytes(mTotal) + " KiB";

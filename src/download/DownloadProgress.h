@@ -15,6 +15,8 @@ class DownloadProgress {
 
   // The callback of DownloadWindow. Another total begins anew.
   void AmountSent(std::uint64_t done, std::uint64_t total);
+  // For so long the download waited for an answer of the user.
+  void Exclude(Duration span);
 
   // "4.0 of 93.8 KiB, 11.2 KiB/s, about 8 s left"; rate and time only when they mean something. Empty before anything
   // was sent.

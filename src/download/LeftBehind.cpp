@@ -18,7 +18,7 @@ std::string_view LeftBehindText(ControllerLeft left) {
              "old project.";
     case ControllerLeft::ProjectErased:
       return "The controller's old project is erased, and the new one is not whole; switched off and on, it would run "
-             "on that. Download a project again, or restore a clone.";
+             "on that. Download a project again.";
     case ControllerLeft::Programming:
       return "The controller may still be programming its flash: if it loses its power now, it has no project any "
              "more. "

@@ -3,11 +3,19 @@
 namespace kv {
 namespace {
 
-struct YesToAll final : Prompts {
-  PromptAnswer Show(const MessageBox& box) override { return Consent(box.buttons); }
+// Yes to everything; or No.
+struct Answers final : Prompts {
+  explicit Answers(bool isYes) : mIsYes(isYes) {}
+
+  PromptAnswer Show(const MessageBox& box) override {
+    return mIsYes ? Consent(box.buttons) : LeastCommitting(box.buttons);
+  }
   std::optional<std::string> Ask(const InputBox&) override { return std::nullopt; }
   std::optional<std::string> OpenFile(const FileDialog&) override { return std::nullopt; }
   std::optional<std::string> SaveFile(const FileDialog&) override { return std::nullopt; }
+
+ private:
+  bool mIsYes;
 };
 
 struct NoWindow final : DownloadWindow {
@@ -24,14 +32,20 @@ struct NoWindow final : DownloadWindow {
 
 ProjectLook LookAtProject(Channel& link, const ProjectFile& file, const std::string& linkText, Pacer& pacer) {
   ProjectLook look;
-  YesToAll prompts;
+  Answers yes(true);
+  Answers no(false);
   NoWindow window;
-  ProjectDownload download(window, prompts, pacer);
+  ProjectDownload download(window, yes, pacer);
   DownloadOrder order{.link = linkText, .isDryRun = true};
   order.asksBeforeStop = false;
+  // Behind this consent the controller may want its password.
+  order.promptsOf = [&](DownloadQuestion question) -> Prompts& {
+    return question == DownloadQuestion::Begin ? no : yes;
+  };
   order.onPreview = [&look](const DownloadPreview& preview) { look.preview = preview; };
   download.Download(link, file, order);
   look.outcome = download.Outcome();
+  if (look.preview && look.outcome.end == DownloadEnd::Declined) look.outcome = {.end = DownloadEnd::WouldGoOn};
   return look;
 }
 

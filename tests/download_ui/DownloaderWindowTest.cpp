@@ -68,6 +68,7 @@ class DownloaderWindowTest : public ::testing::Test {
     const char* model = "K220-22-R1";
     bool isInBoot = false;
     int baud = 0;
+    std::vector<std::string> faults = {};
   };
   void PlugIn(const Plc& plc) {
     driver.CloseDriver();
@@ -75,6 +76,7 @@ class DownloaderWindowTest : public ::testing::Test {
     options.model = plc.model;
     options.boot = plc.isInBoot;
     options.baud = plc.baud;
+    options.faults = plc.faults;
     controller = sim::SimulatedController::Create(options).value();
     UseLine(options.model);
     fixture.host.model = options.model;
@@ -360,6 +362,11 @@ TEST_F(DownloaderWindowTest, CanBeReadAndReachedByKeys) {
   Open();
   ExpectControlsCanBeRead(*window);
   EXPECT_EQ(window->focusWidget()->objectName(), "cmdGetFile") << "which was disabled while the controller was asked";
+
+  PlugIn({.faults = {"noreply"}});
+  When(*window, [this] { return Look().contains("Stop"); }, [this] { window->close(); });
+  Press("cmdIdentify");
+  EXPECT_FALSE(window->isVisible()) << "what only asks is given up for it";
 }
 
 }  // namespace

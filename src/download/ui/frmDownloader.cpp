@@ -15,9 +15,7 @@
 #include <string_view>
 
 #include "base/AnsiText.h"
-#include "base/Numbers.h"
 #include "base/PathText.h"
-#include "base/Texts.h"
 #include "clone/RestoreCheck.h"
 #include "desktop/StopScope.h"
 #include "desktop/ui/BusyState.h"
@@ -41,7 +39,6 @@ constexpr const char* kColourModel = "Projects for controllers with a colour scr
 constexpr const char* kAsking = "The controller is asked who it is.";
 constexpr const char* kIdle = "Nothing is running.";
 constexpr const char* kFolderKey = "ProjectPath";
-constexpr const char* kNoClones = "Controllers of the compact family cannot be cloned.";
 constexpr const char* kNoFile = "No project file has been selected.";
 constexpr int kHundred = 100;
 
@@ -68,15 +65,6 @@ void Preselect(FileList& list, const fs::path& dropped) {
   if (found != list.files.end()) list.preselected = static_cast<std::size_t>(found - list.files.begin());
 }
 
-// What a project needs; a compact one says nothing of it.
-std::string NeedsText(const ProjectFile& file) {
-  const auto* aurex = std::get_if<AurexProjectFile>(&file.project);
-  if (!aurex) return {};
-  return Counted(aurex->topics.size(), "topic") + ", " + std::to_string(aurex->dataBytes) + " bytes; needs the O/S " +
-         VersionText({aurex->osVersion, aurex->osBuild}) + " (B" + PaddedInteger(aurex->osBuild, 2) +
-         ") or a later one.";
-}
-
 }  // namespace
 
 void frmDownloader::showEvent(QShowEvent* event) {
@@ -96,6 +84,7 @@ void frmDownloader::Identify() {
     met = link ? Meet(*link) : std::unexpected(mServices.shared.ComDriver->LastError());
   }
   SetBusy({});
+  if (mClosesThen) return QDialog::reject();
   if (!met) {
     ShowController("The controller did not tell who it is: " + mServices.shared.ComDriver->LinkDescription(),
                    met.error().Text());
@@ -108,12 +97,14 @@ void frmDownloader::Identify() {
 std::expected<void, LinkError> frmDownloader::Meet(Channel& link) {
   mFound.reset();
   mFamily.reset();
+  mWhyNoBackup.clear();
   auto found = FindController(link);
   if (!found) return std::unexpected(found.error());
   const auto family = DownloadFamilyOf(link, found->version.model);
   if (!family) return std::unexpected(family.error());
   mFound = *std::move(found);
   mFamily = *family;
+  mWhyNoBackup = WhyNoBackup(link, *mFound);
   ShowFound();
   return {};
 }
@@ -146,9 +137,9 @@ void frmDownloader::ShowFamily() {
   // A file of the other kind cannot have been meant for this controller.
   if (mFile && mFile->IsCompact() != IsCompact()) mFile.reset();
   const char* whyNoProject = family == DownloadFamily::Colour ? kColourModel : mFile ? "" : kNoFile;
-  if (IsCompact()) mBackup->setChecked(false);
+  if (!mWhyNoBackup.empty()) mBackup->setChecked(false);
   Allow(*mDownload, mIsBusy ? mWhyBusy : whyNoProject);
-  Allow(*mBackup, mIsBusy ? mWhyBusy : IsCompact() ? kNoClones : "");
+  Allow(*mBackup, mIsBusy ? mWhyBusy : QString::fromStdString(mWhyNoBackup));
 }
 
 // What is shown stays readable; only what could begin something is disabled, and gets the focus back afterwards.
@@ -218,6 +209,7 @@ void frmDownloader::LookAtBoth() {
     }
   }
   SetBusy({});
+  if (mClosesThen) return QDialog::reject();
   if (look.preview) ShowPreview(*look.preview);
   if (look.outcome.end == DownloadEnd::Refused) Say("As it is, it would be refused: " + look.outcome.reason);
 }
@@ -238,8 +230,8 @@ void frmDownloader::ShowProject() {
   mNow = mFound ? Shown(SideOf(*mFound)) : DownloadSide();
   mThen = mFile ? Shown({.model = mFile->Model(), .os = {}, .fonts = {}, .project = mFile->Name()}) : DownloadSide();
   mSides->ShowSides(mNow, mThen);
-  mPreview->setText(mFile ? QString::fromStdString(NeedsText(*mFile)) : "");
-  mPreview->setVisible(!mPreview->text().isEmpty());
+  mPreview->clear();
+  mPreview->hide();
 }
 
 DownloadSide frmDownloader::Shown(DownloadSide side) const {

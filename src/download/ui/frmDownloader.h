@@ -122,6 +122,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   std::string mUser;
   std::optional<FoundController> mFound;
   std::optional<DownloadFamily> mFamily;  // of the one that was found
+  std::string mWhyNoBackup;
   std::optional<ProjectFile> mFile;
   std::filesystem::path mDroppedOs;  // offered first by the next list that has it
   DownloadSide mNow;                 // of the last preview
@@ -130,6 +131,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   QString mWhyBusy;
   QPointer<QWidget> mFocusBefore;
   bool mHasBeenShown = false;
+  bool mClosesThen = false;                     // when the controller has been asked
   std::unique_ptr<DownloadProgress> mProgress;  // of the download that is under way
 
   QLabel* mController = nullptr;

@@ -15,6 +15,7 @@
 #include "download/clsBrioQ50OSDownloader.h"
 #include "download/ui/BackupView.h"
 #include "download/ui/SideTable.h"
+#include "download/ui/TimedPrompts.h"
 #include "download/ui/frmDownloader.h"
 
 // The downloads, from the button to how they ended.
@@ -64,6 +65,7 @@ class frmDownloader::Operation {
   }
   ~Operation() {
     mWindow.mProgress.reset();
+    mWindow.mAmount->clear();
     mWindow.mServices.pacer.ExchangeGate(std::move(mGateBefore));
     QApplication::restoreOverrideCursor();
     mWindow.SetBusy({});
@@ -77,10 +79,12 @@ class frmDownloader::Operation {
   InputGate mGateBefore;
 };
 
-// A download goes on until it ends or is stopped, whoever wants to close the window.
+// A download goes on until it ends or is stopped, whoever wants to close the window. What only asks is given up.
 void frmDownloader::reject() {
   if (!mIsBusy) return QDialog::reject();
-  SetStatus(mWhyBusy.toStdString());
+  if (mProgress) return SetStatus(mWhyBusy.toStdString());
+  mClosesThen = true;
+  mServices.pacer.RequestStop();
 }
 
 void frmDownloader::StopDownload() {
@@ -92,8 +96,8 @@ void frmDownloader::StopDownload() {
 void frmDownloader::DownloadProject() {
   if (!mFile || Family() == DownloadFamily::Colour) return;
   const ProjectFile file = *mFile;
-  Run("Downloading the project", [&](Channel& link, const DownloadOrder& order, const BackupContext&) {
-    ProjectDownload download(*this, mServices.prompts, mServices.pacer);
+  Run("Downloading the project", [&](Channel& link, const DownloadOrder& order, const BackupContext& context) {
+    ProjectDownload download(*this, context.questions, mServices.pacer);
     download.Download(link, file, order);
     return Ending{download.Outcome(), download.Review()};
   });
@@ -108,7 +112,7 @@ void frmDownloader::DownloadOs() {
   }
   Run("Downloading the O/S", [&](Channel& link, const DownloadOrder& order, const BackupContext& context) {
     if (family == DownloadFamily::Compact) {
-      clsBrioQ50OSDownloader download(*this, mServices.prompts, mServices.pacer, mServices.shared.paths);
+      clsBrioQ50OSDownloader download(*this, context.questions, mServices.pacer, mServices.shared.paths);
       static_cast<void>(download.DownloadOS(link, order));
       return Ending{download.Outcome(), download.Review()};
     }
@@ -126,7 +130,10 @@ void frmDownloader::Run(const char* what, const Engine& engine) {
     ShowBar(done, total);
     mAmount->setText(QString::fromStdString(text));
   });
-  const BackupContext context{view, mServices.prompts, mServices.prompts, mServices.pacer, mServices.clock, Watched()};
+  TimedPrompts prompts(mServices.prompts, mServices.pacer, [this](Duration open) {
+    if (mProgress) mProgress->Exclude(open);
+  });
+  const BackupContext context{view, prompts, prompts, mServices.pacer, mServices.clock, Watched()};
   std::optional<BackupBefore> backup;
   if (file) backup.emplace(PathFromUtf8(*file), context);
 
