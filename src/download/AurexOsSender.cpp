@@ -129,6 +129,7 @@ AurexOsSender::Step AurexOsSender::Program() {
     if (!mayBeTold) continue;
     if (auto idle = WaitUntilIdle(TopicCheck::Off); !idle) return idle;
   }
+  mIsTold = true;
   // What it received is gone when its power has failed meanwhile, and its O/S with it.
   if (auto idle = WaitUntilIdle(TopicCheck::On); !idle) return idle;
   mWork.left = ControllerLeft::OsWaits;

@@ -40,6 +40,8 @@ class AurexOsSender {
   [[nodiscard]] Step Send(const OsTransfer& transfer);
   // Programs what was sent, and waits until that is done.
   [[nodiscard]] Step Program();
+  // The controller has answered that it programs, or has programmed.
+  [[nodiscard]] bool IsTold() const { return mIsTold; }
 
  private:
   enum class Reply : std::uint8_t { Taken, Interrupted, Unanswered, Busy, Refused };
@@ -62,6 +64,7 @@ class AurexOsSender {
   std::uint64_t mToSend = 0;
   std::string mDoing;           // what is under way, for reasons
   bool mIsProgramming = false;  // what is waited for
+  bool mIsTold = false;
 };
 
 }  // namespace kv

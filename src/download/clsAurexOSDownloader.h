@@ -105,7 +105,8 @@ class clsAurexOSDownloader {
   std::optional<AurexOsFile> mOs;
   std::expected<FontsFile, DownloadFileError> mFonts;
   OsTransfer mTransfer;
-  bool mIsForced = false;  // system bit 501 was set
+  bool mIsForced = false;         // system bit 501 was set
+  bool mIsToldToProgram = false;  // and has answered
   LinkError mForceFailure;
   FoundController mAfter;
 

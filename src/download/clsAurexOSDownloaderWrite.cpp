@@ -121,6 +121,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::WriteFiles() {
   }
   if (done) done = sender.Send(mTransfer);
   if (done) done = sender.Program();
+  mIsToldToProgram = sender.IsTold();
   return done;
 }
 
@@ -227,7 +228,7 @@ void clsAurexOSDownloader::TellFoundBoot() {
     mOutcome.left = OsProgramming;
   } else if (!status->hasTopic) {
     mOutcome.left = BootLoaderErased;
-  } else if (mOutcome.left == OsPerhaps) {
+  } else if (mIsToldToProgram) {
     mOutcome.left = OsWaits;
   }
 }
