@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -45,7 +46,9 @@ class Answers {
       asked->findChild<QLineEdit*>("txtInput")->setText("1");
       Press(*asked, "cmdOk");
     } else if (asked && asked->objectName() == "frmOsInfo") {
-      mTake(*asked, "downloader-os");
+      if (mIsFirstOs) ChooseOldest(*asked);
+      if (!mIsFirstOs) mTake(*asked, "downloader-os");
+      mIsFirstOs = false;
       Press(*asked, "cmdClose");
     } else if (asked && asked->objectName() == "frmIncompatibleBios") {
       mTake(*asked, "downloader-warning");
@@ -53,6 +56,12 @@ class Answers {
     }
   }
 
+  // So that there is something to warn of when the newest follows.
+  static void ChooseOldest(QWidget& lists) {
+    for (const char* name : {"cboOSFiles", "cboFontsFiles"}) lists.findChild<QComboBox*>(name)->setCurrentIndex(0);
+  }
+
+  bool mIsFirstOs = true;
   QWidget& mDownloader;
   QString mFolder;
   Take mTake;
@@ -68,6 +77,7 @@ void Use(QDialog& downloader, const std::filesystem::path& folder, const Take& t
   Press(downloader, "cmdDownload");
   take(downloader, "downloader-done");
   downloader.findChild<QCheckBox*>("chkBackup")->setChecked(false);
+  Press(downloader, "cmdDownloadOS");
   Press(downloader, "cmdDownloadOS");
   take(downloader, "downloader-aborted");
   Press(downloader, "cmdClose");
