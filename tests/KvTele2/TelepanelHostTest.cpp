@@ -93,25 +93,6 @@ class TelepanelHostTest : public testing::Test {
   std::function<void()> onLine = [this] { Connect(); };
 };
 
-TEST_F(TelepanelHostTest, AControllerOnLineIsShown) {
-  host.Run();
-  EXPECT_TRUE(view.hasRun);
-  host.Click(command::kOnLine);
-  EXPECT_EQ(view.shown.connection, ConnectionState::Online);
-  EXPECT_EQ(view.shown.controller,
-            (ControllerFacts{"K220-22-R1", "10", "4.60", "19", "1", "running", "Bakery", "2748"}));
-  EXPECT_FALSE(view.isWaiting);
-  EXPECT_THAT(host.WhyDisabled(command::kModel), HasSubstr("on line"));
-  EXPECT_EQ(host.WhyDisabled(command::kOffLine), "");
-
-  releases = 0;
-  host.Click(command::kOffLine);
-  EXPECT_EQ(view.shown.connection, ConnectionState::Offline);
-  EXPECT_EQ(view.shown.controller, std::nullopt);
-  EXPECT_EQ(channel.use_count(), 1) << "the controller is let go of";
-  EXPECT_EQ(releases, 1) << "and its port, for other programs";
-}
-
 TEST_F(TelepanelHostTest, AControllerOfAnotherModelThanTheSelectedIsToldWithACure) {
   const struct {
     const char* selected;

@@ -48,16 +48,6 @@ TEST(Numbers, FloatsAreTakenWholeAndFinite) {
   }
 }
 
-TEST(Numbers, Hexadecimal) {
-  EXPECT_EQ(ParseHex("fFfFfFfF"), 0xFFFFFFFFU);
-  for (const char* bad : {"", "G", "-1", "0x1", " 1", "1 ", "100000000", "000000001"}) {
-    EXPECT_EQ(ParseHex(bad), std::nullopt) << bad;
-  }
-  EXPECT_EQ(ToHex(0xAB, 4), "00AB");
-  EXPECT_EQ(ToHex(0x12345678, 4), "5678");
-  EXPECT_EQ(ToHex(0x1, 12), "000000000001");
-}
-
 TEST(Numbers, FloatTexts) {
   const std::pair<float, const char*> rows[] = {
       {-0.0F, "-0"},

@@ -64,24 +64,6 @@ TEST_F(CompareTest, VerifyFindsEachDifferenceByItsAddressesAndOnlyReads) {
   EXPECT_EQ(CodesOf(*InspectClone(clone), ComparedKinds::Values), std::vector<std::string>{"OP"});
 }
 
-TEST_F(CompareTest, DiffComparesMemoryNotLines) {
-  const auto first = Clone("a.kdf");
-  channel.unit = 3;
-  EXPECT_TRUE(DiffClones(first, Clone("b.kdf"))->IsSame());
-  Change(0x1100, 0x117F);
-  Change(0xC001, 0xC001);
-  window.boxes.op = false;
-  const auto second = Clone("c.kdf");
-  const auto found = DiffClones(first, second);
-  ASSERT_TRUE(found);
-  ASSERT_EQ(found->segments.size(), 2U);
-  EXPECT_EQ(found->segments[0].differing.Ranges(), (Ranges{{0x1100, 0x117F}}));
-  EXPECT_EQ(found->segments[1].differing.Ranges(), (Ranges{{0xC001, 0xC001}}));  // erased on one side
-  EXPECT_EQ(found->onlyInFirst.at(0).code, "OP");
-  EXPECT_EQ(DiffClones(second, first)->onlyInSecond.at(0).code, "OP");
-  EXPECT_FALSE(found->IsSame());
-}
-
 TEST_F(CompareTest, NothingIsNeverTheSame) {
   const auto clone = Clone("a.kdf");
   EXPECT_FALSE(VerifyClone(channel, clone, {}, {"AP"}));

@@ -104,46 +104,6 @@ TEST(CreateGhost, CutsBlocksIntoLinesByTheRulesOfTheirMemory) {
   }
 }
 
-TEST(CreateGhost, LeavesTheControllerRunningWhateverItsStateWas) {
-  using enum PromptAnswer;
-  struct Row {
-    char state;
-    std::optional<PromptAnswer> answer;
-    int stops;
-    char after;
-  };
-  for (const auto& [state, stop, stops, after] :
-       {Row{'R', Yes, 1, 'R'}, Row{'R', No, 0, 'R'}, Row{'S', {}, 0, 'R'}, Row{'I', No, 0, 'I'}, Row{'L', {}, 0, 'R'}}) {
-    CloneFixture fixture;
-    fixture.channel.SetSegments({"HWF00001000 00000010"});
-    fixture.channel.state = state;
-    Answer(fixture, "12345678", stop);
-    EXPECT_EQ(fixture.Create().end, CloneEnd::Done);
-    EXPECT_EQ(fixture.channel.state, after) << state;
-    EXPECT_EQ(std::ranges::count(fixture.channel.calls, "StopController"), stops) << state;
-    EXPECT_EQ(std::ranges::count(fixture.channel.calls, "SendCommand GI12345678"), 1);
-  }
-}
-
-TEST(CreateGhost, TakesNothingFromAControllerWithAnOldOsAndLeavesAnEmptyFile) {
-  for (const std::string os : {"4.59", "2.9", "10.1", "", "ABC", "4.60a", "HW 1.0;BT 1.2;FL 2.0;O/S 4.60;"}) {
-    CloneFixture fixture;
-    fixture.channel.version->osVersion = os;
-    fixture.prompts.Press(PromptAnswer::Ok);
-    const CloneOutcome refused = fixture.Create();
-    EXPECT_EQ(refused.cause, CloneCause::OldOs);
-    const bool isInFields = os.contains(';');  // so is the newest O/S of such a controller
-    EXPECT_THAT(refused.reason, testing::HasSubstr(isInFields ? "no update helps" : "Update its O/S first.")) << os;
-    EXPECT_EQ(fixture.channel.calls,
-              (CallLog{"GetVersionInfo", "Box ( ) Korvantis PLC Cloner: The PLC does not supports clones."}));
-    EXPECT_TRUE(fixture.Exists() && fixture.Content().empty()) << os;
-  }
-  CloneFixture fixture;
-  fixture.channel.version->osVersion = "12.03";
-  Answer(fixture, std::nullopt);
-  EXPECT_EQ(fixture.Create().cause, CloneCause::Password);
-}
-
 TEST(CreateGhost, EndsBeforeTheControllerIsTouchedWhenPasswordOrTableCannotBeUsed) {
   const std::string hw = "HWF0000100000000010";
   struct Row {

@@ -66,25 +66,6 @@ TEST(AddRegion, SelectionsBecomeRegions) {
   }
 }
 
-TEST(RegionRow, OffersWhatTheTypeHasAndShowsNothingUnknown) {
-  OperandStore store(kColour);
-  RegionTable table;
-  table.AddSelection({1, 1, 2, 2}, {}, store);  // MB 0..1 and MI 0..1
-  EXPECT_FALSE(table.SetSize(0, SizeCode::Bit8));
-  EXPECT_FALSE(table.SetFormat(1, FormatCode::Binary));
-  EXPECT_TRUE(table.SetSize(1, SizeCode::Bit8));
-  EXPECT_TRUE(table.SetFormat(1, FormatCode::Binary));
-  EXPECT_TRUE(table.SetSize(1, SizeCode::Bit16));
-  EXPECT_EQ(table.Rows()[1].format, FormatCode::Decimal) << "BINARY is not offered for 16 bits";
-  EXPECT_FALSE(table.SetSize(2, SizeCode::Bit8) || table.SetFormat(2, FormatCode::Hex)) << "there is no such row";
-
-  store.Edit(MI, 0, "7");
-  EXPECT_FALSE(table.RefreshValues(1, store)) << "MI 1 is not known and may not be shown as 0";
-  store.Edit(MI, 1, "-8");
-  EXPECT_TRUE(table.RefreshValues(1, store));
-  EXPECT_EQ(table.Rows()[1].values, "     7     -8");
-}
-
 // A region may end past the last operand, and a controller tell more than was asked.
 TEST(OperandStore, TakesNothingPastTheLastAddress) {
   OperandStore store(kColour);

@@ -144,16 +144,6 @@ TEST(ReadRegions, NothingPassesToOrFromAnotherModel) {
   }
 }
 
-TEST(ReadRegions, ThatThisModelCannotBeAskedForStopNoOthers) {
-  DataViewFixture fixture("AurexQ50");
-  fixture.Add(DBI, 0, 9);
-  fixture.Add(MI, 0, 1);
-  EXPECT_EQ(fixture.Run("ID_ReadRegions"), WithRequests({"ReadOperandList @1: 0,3,0,2,0"}));
-  EXPECT_EQ(fixture.view.Status().message,
-            "1 region read. 1 region cannot be read from a controller of the model AurexQ50.");
-  EXPECT_EQ(fixture.view.Operands().Text(MI, 1), "1");
-}
-
 TEST(WriteRegions, NothingIsSentUntilAllIsInRange) {
   for (const OperandTypeCode type : {MI, TimerPreset, CounterPreset, MF}) {
     DataViewFixture fixture;

@@ -167,28 +167,5 @@ TEST_F(GridFile, WithALineThatIsNoneIsRefusedAndNamesIt) {
   EXPECT_FALSE(rows->rows[0].isFromFile) << "they were those of the one that was left out";
 }
 
-TEST_F(GridFile, LeftBehindByAKilledProgramBecomesThatOfItsSession) {
-  const GridState state = SomeState(kLarge);
-  ASSERT_TRUE(SaveSessionGrids(mPaths, {OperandStore(kLarge), {}, {}}, "Plant"));
-  ASSERT_TRUE(SaveTemporaryGrids(mPaths, state, "Plant"));
-  EXPECT_FALSE(RecoverInterruptedGrids(mPaths, "Default"));  // it was not this one's
-  ExpectSame(Load().state, state);
-  EXPECT_TRUE(fs::is_empty(mFolder.Path() / "Tmp"));
-
-  // Killed between the two files.
-  ASSERT_TRUE(SaveTemporaryGrids(mPaths, {OperandStore(kLarge), {}, {}}, "Plant"));
-  fs::remove(TemporaryGridFiles(mPaths).operands);
-  EXPECT_TRUE(RecoverInterruptedGrids(mPaths, "Plant"));
-  EXPECT_TRUE(Load().state.regions.Rows().empty());
-  EXPECT_EQ(Load().state.operands.Text(MI, 4), "12");
-
-  for (const char* session : {"Deleted", "../..", ".."}) {
-    ASSERT_TRUE(SaveTemporaryGrids(mPaths, state, session));
-    EXPECT_FALSE(RecoverInterruptedGrids(mPaths, "Plant"));
-    EXPECT_EQ(Load().state.regions.Rows().size(), 0U);
-    EXPECT_EQ(mFolder.EntryCount(), 2) << session;
-  }
-}
-
 }  // namespace
 }  // namespace kv::mdlDataTypesView

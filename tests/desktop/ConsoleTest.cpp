@@ -84,18 +84,6 @@ TEST(ConsolePrompts, FilesComeInTheirOrderAndAreReplacedWithConsentOnly) {
   EXPECT_EQ(Console({}, Lines{file, "n"}).prompts.SaveFile({}), std::nullopt);
 }
 
-TEST(ConsolePacer, CtrlCIsTheStopRequest) {
-  ConsolePacer pacer;
-  pacer.RequestStop();
-  for (const int signal : {SIGINT, SIGTERM}) {
-    const StopScope operation(pacer);
-    EXPECT_FALSE(pacer.StopRequested()) << "what came before is no stop of this operation";
-    std::raise(signal);
-    EXPECT_TRUE(pacer.StopRequested());
-  }
-  EXPECT_FALSE(pacer.StopRequested());
-}
-
 TEST(ConsolePacerDeathTest, TheSecondCtrlCEndsAtOnce) {
   const auto twice = [] {
     const ConsolePacer pacer;
@@ -106,16 +94,6 @@ TEST(ConsolePacerDeathTest, TheSecondCtrlCEndsAtOnce) {
 }
 
 #ifndef _WIN32
-TEST(ConsolePacerDeathTest, ItsEndGivesTheSignalBack) {
-  const auto after = [] {
-    (void)std::signal(SIGINT, SIG_DFL);  // a shell starts what runs in its background with the signal ignored
-    {
-      const ConsolePacer pacer;
-    }
-    std::raise(SIGINT);
-  };
-  EXPECT_EXIT(after(), testing::KilledBySignal(SIGINT), "");
-}
 
 // Started with nohup a program is meant to outlive its terminal.
 TEST(ConsolePacer, TheLossOfTheTerminalIsAStopRequestUnlessItIsIgnored) {

@@ -104,28 +104,6 @@ TEST(WindowGeometryTest, AFirstSizeThatIsTooLargeForTheScreenIsMadeToFit) {
   EXPECT_EQ(window.height(), 300);
 }
 
-TEST(WindowGeometryTest, AWindowThatGrewWithTheLettersShrinksWithThem) {
-  const TemporaryFolder folder;
-  const QFont before = QApplication::font();
-  const auto sizeAt = [&](int points, const QSize& chosen) {
-    QFont font = before;
-    font.setPointSize(points);
-    QApplication::setFont(font);
-    Window window;
-    RememberPlace(window, folder.Path() / "Windows.ini");
-    window.show();
-    const QSize shown = window.size();
-    window.resize(chosen);
-    window.close();
-    return shown;
-  };
-  sizeAt(10, {410, 310});
-  sizeAt(20, {700, 600});
-  EXPECT_EQ(sizeAt(10, {410, 310}), QSize(410, 310));
-  EXPECT_EQ(sizeAt(20, {700, 600}), QSize(700, 600));
-  QApplication::setFont(before);
-}
-
 // A dialog that does not fit keeps its buttons in sight, and takes no more room than it needs.
 TEST(ScrollPageTest, ADialogFollowsItsContentAsFarAsTheScreenGoes) {
   const TemporaryFolder folder;

@@ -9,7 +9,7 @@
 #include <QScreen>
 #include <QTemporaryDir>
 
-#include "tests/desktop_ui/QtFixture.h"
+#include "tests/desktop_ui/UsableWindow.h"
 
 namespace kv {
 namespace {
@@ -50,6 +50,7 @@ TEST_F(QtPromptsTest, EveryButtonGivesItsAnswerEnterConsentsWhereNothingIsLostAn
       EXPECT_EQ(box.text(), "Sure?\n<b>Really");
       EXPECT_EQ(box.textFormat(), Qt::PlainText);
       EXPECT_EQ(box.icon(), QMessageBox::Question);
+      ExpectControlsCanBeRead(box);
       if (each.pressed) {
         Find<QPushButton>(box, each.pressed).click();
       } else {
@@ -68,6 +69,7 @@ TEST_F(QtPromptsTest, EveryButtonGivesItsAnswerEnterConsentsWhereNothingIsLostAn
 TEST_F(QtPromptsTest, AnInputBoxGivesWhatWasTypedAndHidesASecret) {
   WhenOpen<QDialog>(user, [](QDialog& box) {
     auto& input = Find<QLineEdit>(box, "txtInput");
+    ExpectControlsCanBeRead(box);
     EXPECT_EQ(input.echoMode(), QLineEdit::Password);
     QTest::keyClicks(&input, "1234");
     QTest::keyClick(&input, Qt::Key_Return);

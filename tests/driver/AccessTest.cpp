@@ -133,15 +133,5 @@ TEST(Access, WhatHappensWhileTheUserTypesIsNoticed) {
   }
 }
 
-TEST(Access, AKnownPasswordIsTriedBeforeTheUserIsAsked) {
-  ScriptedPrompts prompts([](const std::string& what) { ADD_FAILURE() << what; });
-  PromptedPassword password(prompts, "cure", "old");
-  EXPECT_EQ(password.Password({.controller = "K220", .link = "COM3"}), "old");
-  prompts.Enter("n\xC3\xBC");
-  EXPECT_EQ(password.Password({.controller = "K220", .link = "COM3", .wasWrong = true}), "n\xFC");
-  EXPECT_TRUE(prompts.Inputs()[0].secret);
-  for (const char* part : {"wrong", "K220", "COM3"}) EXPECT_NE(prompts.Inputs()[0].text.find(part), std::string::npos);
-}
-
 }  // namespace
 }  // namespace kv

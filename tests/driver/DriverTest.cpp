@@ -153,21 +153,6 @@ TEST(Driver, ASessionWithoutSettingsGetsASimulatedControllerOfItsModel) {
   }
 }
 
-TEST(Driver, SaysWhyItCannotOpen) {
-  DriverFixture fixture;
-  EXPECT_FALSE(fixture.driver.GetChannel());
-  EXPECT_EQ(fixture.driver.LastError().code, LinkErrorCode::CannotOpen);
-  EXPECT_EQ(fixture.driver.LastError().happened, "there is no simulated controller \"K220-22-R1\"");
-  fixture.driver.UseSettings(SerialSettings(), false);
-  fixture.plant.isReachable = false;
-  EXPECT_FALSE(fixture.driver.GetChannel());
-  EXPECT_TRUE(fixture.driver.LastError().Text().starts_with("Opening the link on COM3, 115200 8N1 failed: nobody "));
-  fixture.plant.isReachable = true;
-  EXPECT_TRUE(fixture.driver.GetChannel());
-  fixture.driver.SetDriverActive(false);
-  EXPECT_FALSE(fixture.driver.GetChannel());
-}
-
 // A dialog that chooses another speed.
 struct ScriptedDialogs final : DriverDialogs {
   int shown = 0;
@@ -197,47 +182,6 @@ TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
   fixture.driver.ConfigureForSession({.folder = (folder.Path() / "gone").string()});
   fixture.driver.UseSettings(SerialSettings(), true);
   EXPECT_NE(fixture.messages.back().find("were not kept. "), std::string::npos) << fixture.messages.back();
-}
-
-TEST(Driver, ATrialFindsWhoAnswersAndLeavesTheLinkAsItWas) {
-  DriverFixture fixture;
-  fixture.driver.UseSettings(SerialSettings(), false);
-  LinkSettings other = SerialSettings();
-  other.serialPort = "COM4";
-
-  const auto channel = fixture.driver.GetChannel();
-  ASSERT_TRUE(channel);
-  const int connections = fixture.plant.connections;
-  EXPECT_TRUE(fixture.driver.TryLink(SerialSettings()));  // over the open link
-  EXPECT_EQ(fixture.plant.connections, connections);
-  const auto trial = fixture.driver.TryLink(other);
-  ASSERT_TRUE(trial) << trial.error().Text();
-  EXPECT_EQ(trial->version.model, "K220-22-R1");
-  EXPECT_EQ(fixture.driver.LinkDescription(), "COM3, 115200 8N1, unit 1");
-
-  fixture.plant.UseFaults({"noreply"});
-  EXPECT_EQ(fixture.driver.TryLink(other).error().code, LinkErrorCode::NoReply);
-  fixture.plant.UseFaults({});
-
-  fixture.plant.UseFaults({"noreply"});
-  fixture.pacer.After(std::chrono::milliseconds(300), [&] { fixture.pacer.RequestStop(); });
-  EXPECT_EQ(fixture.driver.TryLink(other).error().code, LinkErrorCode::Stopped);
-  fixture.plant.UseFaults({});
-  EXPECT_FALSE(fixture.pacer.StopRequested());
-  EXPECT_TRUE(channel->ReadMI(0, 1, 1)) << channel->LastError().Text();
-}
-
-// An entry of the trace is looked up by the time of the log, or of somebody's watch; the file stays one field a blank.
-TEST(Trace, TellsTheTimeOfDay) {
-  VirtualPacer pacer;
-  pacer.SetLocalTime(std::chrono::local_days{std::chrono::year{2026} / 11 / 20} + std::chrono::seconds(50599));
-  Trace trace;
-  trace.Add(pacer.Now() + std::chrono::microseconds(1500), Trace::Direction::Note, "before");
-  EXPECT_EQ(trace.Text(), "0.001500 --- before\n");
-  pacer.Sleep(std::chrono::milliseconds(1002));
-  trace.SetClock(pacer, pacer);
-  trace.Add(pacer.Now(), Trace::Direction::Note, "now");
-  EXPECT_EQ(trace.Text(), "2026-11-20T14:03:19.001500 --- before\n2026-11-20T14:03:20.002000 --- now\n");
 }
 
 TEST(Trace, KeepsTheLastFramesWithTheirMeaningAndNoPassword) {

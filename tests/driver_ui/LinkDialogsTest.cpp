@@ -55,12 +55,6 @@ class LinkDialogsTest : public ::testing::Test, protected DialogFixture {
     return shown;
   }
 
-  // How much of the page has to be scrolled into sight.
-  static int Hidden(const QDialog& dialog) {
-    const auto pages = dialog.findChildren<QScrollArea*>();
-    return pages.empty() ? -1 : pages.front()->verticalScrollBar()->maximum();
-  }
-
   [[nodiscard]] LinkSettings Saved() const { return LoadSettings(folder.Path(), {}).settings; }
 };
 
@@ -103,44 +97,6 @@ TEST_F(LinkDialogsTest, EachKindOfLinkShowsItsFieldsAndKeepsThemInTheSession) {
   }
   EXPECT_EQ(Saved().modem, (ModemSettings{"AT&F", "0,12345", true, 300s, 0}));
   EXPECT_FALSE(Saved().reconnects);
-}
-
-// The height of the last dialog when it came to be seen.
-struct FirstHeight final : QObject {
-  int height = 0;
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    const auto* dialog = dynamic_cast<QDialog*>(watched);
-    if (dialog && event->type() == QEvent::Show && !event->spontaneous()) height = dialog->height();
-    return false;
-  }
-};
-
-// Where the screen has the room: a field below the edge is a field that is not found. And at once: a window that is
-// resized when it has just been mapped jumps into the corner of the screen.
-TEST_F(LinkDialogsTest, OpensHighEnoughForAllOfItsFields) {
-  FirstHeight first;
-  qApp->installEventFilter(&first);
-  const auto isWhole = [&](const QDialog& dialog) {
-    EXPECT_TRUE(WaitUntil([&] { return Hidden(dialog) == 0; })) << Hidden(dialog) << " of " << dialog.height();
-    EXPECT_EQ(first.height, dialog.height());
-  };
-  for (const Transport transport : {Transport::Simulated, Transport::Serial, Transport::Modem, Transport::Tcp}) {
-    SCOPED_TRACE(static_cast<int>(transport));
-    LinkSettings settings;
-    settings.transport = transport;
-    driver.UseSettings(settings, false);
-    InSettings([&](QDialog& dialog) {
-      isWhole(dialog);
-      Enter(dialog, "cboTransport", "Modem");
-      EXPECT_TRUE(WaitUntil([&] { return Hidden(dialog) == 0; })) << Hidden(dialog) << " of " << dialog.height();
-      Press(dialog, "cmdCancel");
-    });
-    WhenOpen<QDialog>(context, [&](QDialog& dialog) {
-      isWhole(dialog);
-      Press(dialog, "cmdCancel");
-    });
-    driver.ShowModemSettings();
-  }
 }
 
 TEST_F(LinkDialogsTest, ABadValueIsSaidWhileItIsTypedAndCannotBeKept) {

@@ -35,12 +35,15 @@ class HexSelectorWindowTest : public ::testing::Test {
 
 TEST_F(HexSelectorWindowTest, ConfirmsWhatWasChosenByMouseOrKeyboard) {
   EXPECT_EQ(window.windowTitle(), "Choose CSV Separator");
-  const std::pair<std::uint8_t, std::function<void(frmHexSelector&)>> ways[] = {
+  const std::pair<std::optional<std::uint8_t>, std::function<void(frmHexSelector&)>> ways[] = {
+      {std::nullopt, [](auto& open) { ClickRow(open, 9), Press(open, "cmdCancel"); }},
+      {std::nullopt, [](auto& open) { QTest::keyClick(&Grid(open), Qt::Key_Escape); }},
       {44, [](auto& open) { Press(open, "cmdOK"); }},
       {9, [](auto& open) { ClickRow(open, 9), Press(open, "cmdOK"); }},
       {44, [](auto& open) { Press(open, "cmdOK"); }},  // each time anew
       {59, [](auto& open) { QTest::keyClick(&Grid(open), ';'), QTest::keyClick(&Grid(open), Qt::Key_Return); }},
       {255, [](auto& open) { ClickRow(open, 255), Press(open, "cmdOK"); }},
+      {0, [](auto& open) { ClickRow(open, 0), Press(open, "cmdOK"); }},
       {45, [](auto& open) { QTest::keyClick(&Grid(open), Qt::Key_Down), QTest::keyClick(&Grid(open), Qt::Key_Enter); }},
       {124,
        [](auto& open) {
@@ -50,14 +53,6 @@ TEST_F(HexSelectorWindowTest, ConfirmsWhatWasChosenByMouseOrKeyboard) {
        }},
   };
   for (const auto& [code, act] : ways) EXPECT_EQ(Select(act), code);
-}
-
-TEST_F(HexSelectorWindowTest, LeavingChoosesNothing) {
-  const std::function<void(frmHexSelector&)> ways[] = {
-      [](auto& open) { ClickRow(open, 9), Press(open, "cmdCancel"); },
-      [](auto& open) { QTest::keyClick(&Grid(open), Qt::Key_Escape); },
-  };
-  for (const auto& act : ways) EXPECT_EQ(Select(act), std::nullopt);
 }
 
 TEST_F(HexSelectorWindowTest, NamesTheCharactersAndMarksTheFitAndUnfit) {
@@ -70,6 +65,7 @@ TEST_F(HexSelectorWindowTest, NamesTheCharactersAndMarksTheFitAndUnfit) {
       EXPECT_EQ(grid.item(row, column)->foreground().color(), QColor(Qt::black));  // read on both in a dark theme, too
     }
   }
+  EXPECT_TRUE(grid.item(10, 0)->toolTip().startsWith("Ends a line"));
   EXPECT_EQ(grid.item(11, 0)->background().style(), Qt::NoBrush);
   for (const auto& [row, name] : {std::pair(25, "(EM)"), {31, "(US)"}, {44, ","}, {128, "\u20AC"}, {255, "\u00FF"}}) {
     EXPECT_TRUE(grid.item(row, 2)->text().startsWith(name)) << name;

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QAction>
+#include <QComboBox>
 #include <QFormLayout>
 #include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
 #include <QMetaProperty>
 #include <QScrollArea>
 #include <QSplitter>
@@ -22,6 +25,9 @@ class WindowLook {
     AddWidget(window, 0);
     for (const QAction* action : window.findChildren<QAction*>()) {
       if (!action->objectName().isEmpty()) Add(1, "command" + Facts(*action));
+    }
+    for (const QMenu* menu : window.findChildren<QMenu*>()) {
+      if (!menu->actions().isEmpty()) Add(1, "menu " + menu->title().toStdString()), AddActions(*menu, 2);
     }
     AddKeys(window);
   }
@@ -101,8 +107,11 @@ class WindowLook {
     if (const auto* view = dynamic_cast<const QTableView*>(&widget)) return AddColumns(*view, depth + 1);
     if (const auto* area = dynamic_cast<const QScrollArea*>(&widget)) return AddWidget(*area->widget(), depth + 1);
     if (const auto* splitter = dynamic_cast<const QSplitter*>(&widget)) return AddShares(*splitter, depth + 1);
-    if (const auto* bar = dynamic_cast<const QToolBar*>(&widget)) return AddButtons(*bar, depth + 1);
-    if (widget.inherits("QComboBox") || widget.inherits("QLineEdit")) return;
+    if (const auto* bar = dynamic_cast<const QToolBar*>(&widget)) return AddActions(*bar, depth + 1);
+    if (const auto* list = dynamic_cast<const QComboBox*>(&widget)) return AddItems(*list, depth + 1);
+    if (widget.inherits("QLineEdit")) return;
+    const auto* label = dynamic_cast<const QLabel*>(&widget);
+    if (label && !label->pixmap().isNull()) Add(depth + 1, "a picture");
     std::set<const QWidget*> placed;
     if (widget.layout()) AddLayout(*widget.layout(), depth + 1, placed);
     for (const QWidget* child : widget.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
@@ -139,10 +148,15 @@ class WindowLook {
     }
   }
 
-  void AddButtons(const QToolBar& bar, int depth) {
-    for (QAction* action : bar.actions()) {
+  // What can be entered as well, such as a port, is what this computer has.
+  void AddItems(const QComboBox& list, int depth) {
+    for (int i = 0; i < list.count() && !list.isEditable(); ++i) Add(depth, "item " + list.itemText(i).toStdString());
+  }
+
+  void AddActions(const QWidget& bar, int depth) {
+    for (const QAction* action : bar.actions()) {
       const bool isNamed = !action->objectName().isEmpty();
-      Add(depth, action->isSeparator() ? "|" : isNamed ? NameOf(*action) : NameOf(*bar.widgetForAction(action)));
+      Add(depth, action->isSeparator() ? "|" : isNamed ? NameOf(*action) : action->text().toStdString());
     }
   }
 

@@ -187,24 +187,6 @@ TEST_F(CloneVerbs, EachConsentCoversOneThing) {
   }
 }
 
-TEST_F(CloneVerbs, ARestoreAfterOneThatWasCutMakesTheControllerWhole) {
-  ASSERT_EQ(Create().exit, 0);
-  CommandFixture other;
-  other.options.seed = 2;
-  other.options.memorySeed = 2;
-  other.options.faults = {"refuse:on=WD,nth=60,code=0D"};
-  EXPECT_EQ(On(other, "clone restore @plc.kdf --yes").exit, 4);
-  EXPECT_EQ(other.On(kModel, "run").exit, 1);
-  const Result refused = On(other, "clone restore @plc.kdf --yes");
-  EXPECT_EQ(refused.exit, 1);
-  EXPECT_THAT(refused.err, HasSubstr("somebody else's is under way"));
-  EXPECT_THAT(refused.err, HasSubstr("or give --end-load"));
-  EXPECT_THAT(refused.trace, Not(HasSubstr("/01CCM")));
-  const Result whole = On(other, "clone restore @plc.kdf --yes --end-load --verify");
-  EXPECT_EQ(whole.exit, 0) << whole.err;
-  EXPECT_THAT(whole.trace, HasSubstr("/01CCM"));
-}
-
 TEST_F(CloneVerbs, ASparePartWithAnotherUnitAndDataInAnErasedSegmentCanBeRestored) {
   ASSERT_EQ(Create().exit, 0);
   std::string content = TemporaryFolder::Content(file);

@@ -34,14 +34,6 @@ class RealFixture {
     mPort = mKvsim->Port();
     return mPort != 0;
   }
-  // Ends it as Ctrl-C does: it keeps its state.
-  void End() {
-    EXPECT_TRUE(!mKvsim || mKvsim->End(SIGINT) == 0);
-    mKvsim.reset();
-  }
-  // Something else than kvsim to connect to.
-  void UsePort(std::uint16_t port) { mPort = port; }
-  void UseTerminal(const std::string& name) { mSettings.serialPort = name; }
 
   [[nodiscard]] Channel* Link() {
     mSettings.tcpPort = mPort;

@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <ctime>
-#include <iostream>
-
 #include "RealFixture.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/RegionTransfer.h"
@@ -100,74 +96,6 @@ TEST_P(RealLine, FaultsArePassedOrTold) {
       done += int{read.has_value()};
     }
     EXPECT_GE(done, 5);
-  }
-}
-
-TEST_P(RealLine, AStopTakesEffectAtOnceWhenNobodyAnswers) {
-  const kvtest::Listener silent;
-  const kvtest::Pty terminal;
-  RealFixture fixture(GetParam());
-  fixture.UsePort(silent.Port());
-  fixture.UseTerminal(terminal.name);
-  Channel* link = fixture.Link();
-  ASSERT_NE(link, nullptr) << fixture.driver.LastError().Text();
-  link->SetTimeOut(20000);
-
-  // Ctrl-C in 150 ms from now.
-  sigevent event{};
-  event.sigev_notify = SIGEV_SIGNAL;
-  event.sigev_signo = SIGINT;
-  timer_t timer{};
-  ASSERT_EQ(::timer_create(CLOCK_MONOTONIC, &event, &timer), 0);
-  const itimerspec soon{{}, {0, 150'000'000}};
-  const Instant stop = fixture.pacer.Now() + 150ms;
-  ASSERT_EQ(::timer_settime(timer, 0, &soon, nullptr), 0);
-  EXPECT_FALSE(link->ReadMI(0, 1, 1));
-  const Duration took = fixture.pacer.Now() - stop;
-  ::timer_delete(timer);
-  EXPECT_EQ(link->LastError().code, LinkErrorCode::Stopped);
-  EXPECT_LT(took, 1s);
-  std::cout << "stopped after " << took.count() << " us\n";
-}
-
-TEST_P(RealLine, AfterACutTheSameControllerIsWorkedOnAndNoOther) {
-  RealFixture fixture(GetParam());
-  const std::string state = (fixture.folder.Path() / "plc.state").string();
-  const std::string otherState = (fixture.folder.Path() / "other.state").string();
-  const std::vector<std::string> same = {"--model", "K670-T40", "--state", state};
-  ASSERT_TRUE(fixture.Serve(same));
-  Channel* link = fixture.Link();
-  ASSERT_NE(link, nullptr) << fixture.driver.LastError().Text();
-  ASSERT_TRUE(link->WriteMI(5, Words{41, 42}, 1));
-
-  fixture.End();
-  EXPECT_FALSE(link->ReadMI(5, 2, 1));
-  EXPECT_EQ(link->LastError().code, LinkErrorCode::LinkLost);
-  EXPECT_FALSE(link->LastError().cause.empty() || link->LastError().cure.empty()) << link->LastError().Text();
-  ASSERT_TRUE(fixture.Serve(same));
-  EXPECT_EQ(link->ReadMI(5, 2, 1), (Words{41, 42})) << link->LastError().Text();
-  EXPECT_TRUE(link->WriteMI(5, Words{43}, 1)) << link->LastError().Text();
-
-  for (const std::vector<std::string>& other : {std::vector<std::string>{"--model", "K670-T40", "--state", otherState},
-                                                std::vector<std::string>{"--model", "K450"}}) {
-    fixture.End();
-    ASSERT_TRUE(fixture.Serve(other));
-    for (int i = 0; i < 2; ++i) {
-      EXPECT_FALSE(link->WriteMI(5, Words{99}, 1));
-      EXPECT_EQ(link->LastError().code, LinkErrorCode::OtherController) << link->LastError().Text();
-    }
-    EXPECT_EQ(fixture.Link(), nullptr) << "not even opened until the user closes the link";
-    EXPECT_EQ(fixture.driver.LastError().code, LinkErrorCode::OtherController);
-    fixture.driver.CloseDriver();
-    link = fixture.Link();
-    ASSERT_NE(link, nullptr);
-    EXPECT_EQ(link->ReadMI(5, 1, 1), Words{0}) << "nothing has reached it";
-    fixture.driver.CloseDriver();
-    fixture.End();
-    ASSERT_TRUE(fixture.Serve(same));
-    link = fixture.Link();
-    ASSERT_NE(link, nullptr);
-    EXPECT_EQ(link->ReadMI(5, 1, 1), Words{43});
   }
 }
 

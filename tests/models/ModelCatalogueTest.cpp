@@ -77,21 +77,5 @@ TEST(ModelCatalogue, DeletesTheGridsOnlyWhenAModelLeavesItsGroup) {
   for (const auto& [from, to, mustGo] : rows) EXPECT_EQ(GridFilesMustGo(from, to), mustGo) << from << " -> " << to;
 }
 
-TEST(ModelCatalogue, OffersEachModelOnceAndFindsTheOneThatAControllerReports) {
-  const auto offered = SelectableModels();
-  for (const auto model : offered) EXPECT_EQ(std::ranges::count(offered, model), 1) << model;
-  const std::tuple<const char*, const char*, const char*> rows[] = {
-      // reported, its model, and what it is called beside a selected Q50
-      {"Q50-2-R34", "Q50", ""},     {"Q51-2-R34", "Q51", "Q51"},  {"Q58-2-R34", "Q58", "Q58"},
-      {"PX1-R8", "PX1", "PX1"},     {"PR1-R8", "PR1", "PR1"},     {"BRIO-R16", "BRIO", "BRIO"},
-      {"Br1", "BRIO", "BRIO"},      {"AurexQ50", "AurexQ50", ""}, {"K220-22-R1", "K220-22-R1", "K220-22-R1"},
-      {"CLR BOOT", "CLR BOOT", ""},
-  };
-  for (const auto& [reported, model, other] : rows) {
-    EXPECT_EQ(ModelOfIdentification(reported), model);
-    EXPECT_EQ(OtherModelOf(reported, "Q50"), other);
-  }
-}
-
 }  // namespace
 }  // namespace kv

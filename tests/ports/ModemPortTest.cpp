@@ -83,23 +83,75 @@ class ModemPortTest : public testing::Test {
   std::unique_ptr<ModemPort> port;
 };
 
-TEST_F(ModemPortTest, DialsCarriesBytesAndHangsUp) {
+TEST_F(ModemPortTest, DialsAndHangsUp) {
   for (const std::size_t piece : {1U, 1000U}) {  // the modem's answers arrive letter by letter, or whole
     auto& modem = Make({}, piece);
     ASSERT_TRUE(modem.Open(kLimit).has_value());
     EXPECT_EQ(modem.Description(), "Simulated COM3, modem 0,12345");
-    controller.waiting.clear();
-    ASSERT_TRUE(kvtest::WriteAll(modem, "/01IDEE\r"));
-    EXPECT_THAT(kvtest::ReadFrom(modem, 9), HasSubstr("/01IDEE\r"));
     modem.Close();
     EXPECT_FALSE(controller.isConnected);
     EXPECT_THAT(controller.taken, testing::EndsWith("+++"));  // hung up by command, not by pulling the line
-    EXPECT_FALSE(modem.IsOpen());
     const Instant closed = pacer.Now();
     modem.Close();
     EXPECT_EQ(pacer.Now(), closed) << "there is no call any more";
-    std::string bytes;
-    EXPECT_EQ(modem.Read(bytes, {}), Port::Result::Lost);
+  }
+}
+
+// A port on which a modem says what the test wants to each command, or which takes no byte at all.
+struct ScriptedPort final : Port {
+  explicit ScriptedPort(Pacer& turns) : pacer(turns) {}
+  std::expected<void, PortError> Open(Duration) override { return {}; }
+  void Close() override {}
+  bool IsOpen() const override { return true; }
+  Result Write(std::string_view& bytes, Duration slice) override {
+    if (answers.empty()) return Wait(slice);
+    waiting += answers.front();
+    answers.erase(answers.begin());
+    bytes = {};
+    return Result::Done;
+  }
+  Result Read(std::string& buffer, Duration slice) override {
+    if (waiting.empty()) return Wait(slice);
+    buffer += std::exchange(waiting, {});
+    return Result::Done;
+  }
+  Result Wait(Duration slice) const {
+    pacer.Sleep(slice);
+    return Result::Nothing;
+  }
+  const PortError& LossReason() const override { return loss; }
+  Duration ByteTime() const override { return {}; }
+  bool SetBaudRate(int) override { return false; }
+  std::string Description() const override { return "COM3"; }
+
+  Pacer& pacer;
+  std::vector<std::string> answers;  // to ATZ, the init text, ATE0 and the dialling
+  std::string waiting;
+  PortError loss;
+};
+
+TEST_F(ModemPortTest, TakesTheWordsOfTheModemOutOfWhateverElseItSays) {
+  struct Row {
+    std::vector<std::string> answers;
+    const char* happened;
+  };
+  const Row rows[] = {
+      {{"~\r\nOK\r\n", "OK\r\n", "OK\r\n", "RING\r\nCONNECT\r\n"}, ""},
+      {{"00123456789\r\nOK\r\n", "OK\r\n", "ERROR\r\n", "CONNECT 9600\r\n"}, ""},
+      {{"OK\r\nERROR\r\n", "OK\r\n", "OK\r\n", "CONNECT\r\n"}, ""},  // what was said before is no answer
+      {{"OK\r\n", "OK\r\n", "OK\r\n", "RRING\r\nNO CARRIER\r\n"}, "the call to 0,12345 found no modem"},
+      {{}, "the modem does not answer \"ATZ\""},
+  };
+  for (const auto& [answers, happened] : rows) {
+    auto line = std::make_unique<ScriptedPort>(pacer);
+    line->answers = answers;
+    const Instant start = pacer.Now();
+    const auto turns = pacer.TurnCount();
+    const auto opened = ModemPort(std::move(line), settings, pacer).Open(kLimit);
+    EXPECT_EQ(opened ? "" : opened.error().happened, happened);
+    if (!answers.empty()) continue;
+    EXPECT_EQ(pacer.Now() - start, 2 * seconds(3)) << "two commands, three seconds each";
+    EXPECT_GT(pacer.TurnCount() - turns, 100) << "the window is painted meanwhile";
   }
 }
 

@@ -40,52 +40,9 @@ class TcpPortTest : public testing::Test {
   TcpPort port{"127.0.0.1", listener.Port(), pacer};
 };
 
-TEST_F(TcpPortTest, CarriesEveryByteBothWaysAndTellsSilence) {
-  const auto partner = Connect(port);
-  ASSERT_TRUE(kvtest::WriteAll(port, kvtest::EveryByte()));
-  EXPECT_EQ(partner.Take(256), kvtest::EveryByte());
-  partner.Give(kvtest::EveryByte());
-  EXPECT_EQ(kvtest::ReadFrom(port, 256), kvtest::EveryByte());
-
-  std::string bytes;
-  for (const Duration slice : {Duration(milliseconds(1)), Duration{}}) {
-    EXPECT_EQ(port.Read(bytes, slice), Port::Result::Nothing) << "and no wait without a slice";
-  }
-  partner.Give("x");
-  ASSERT_TRUE(Reaches([&] { return port.Read(bytes, {}) == Port::Result::Done; }));
-  EXPECT_EQ(bytes, "x");
-  EXPECT_TRUE(port.IsOpen());
-}
-
-// The number of a handle that was given back may belong to somebody else by now.
-TEST_F(TcpPortTest, ClosedTwiceItClosesNobodyElsesConnection) {
-  const auto first = Connect(port);
-  port.Close();
-  TcpPort next("127.0.0.1", listener.Port(), pacer);
-  const auto partner = Connect(next);
-  port.Close();
-  std::string_view nothing = "x";
-  EXPECT_EQ(port.Write(nothing, milliseconds(1)), Port::Result::Lost);
-  ASSERT_TRUE(kvtest::WriteAll(next, "here"));
-  EXPECT_EQ(partner.Take(4), "here");
-}
-
 TEST_F(TcpPortTest, FindsAHostByName) {
   TcpPort byName("localhost", listener.Port(), pacer);
   EXPECT_GE(Connect(byName).Get(), 0);
-}
-
-TEST_F(TcpPortTest, HandsOverTheLastBytesBeforeItTellsTheLoss) {
-  auto partner = Connect(port);
-  partner.Give("last words");
-  partner.Close();
-  EXPECT_EQ(kvtest::ReadFrom(port, 100), "last words");
-  EXPECT_FALSE(port.IsOpen());
-  EXPECT_EQ(port.LossReason().happened, port.Description() + " closed the connection");
-  std::string_view more = "x";
-  EXPECT_EQ(port.Write(more, milliseconds(1)), Port::Result::Lost);
-  EXPECT_TRUE(port.Open(seconds(5)).has_value());
-  EXPECT_EQ(port.LossReason().happened, "");
 }
 
 TEST_F(TcpPortTest, TellsAResetFromAClose) {

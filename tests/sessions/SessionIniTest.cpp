@@ -13,18 +13,6 @@ using testing::ElementsAre;
 
 struct SessionIniTest : testing::Test, test::SessionFixture {};
 
-TEST_F(SessionIniTest, ReadsAnEmptyValueAsEmptyAndAMissingOneAsItsDefault) {
-  EXPECT_EQ(ReadSessionIni(shared, "LastModel", "K220-22-R1"), "K220-22-R1");  // no file
-  Put("KvTeleExe.ini", "[KvTeleExe]\r\nEmpty=\r\nLong=" + std::string(300, 'x') + "\r\nName=M\xFCller \r\n");
-  Put("KvTele2.ini", "[KvTele2]\r\nCaption=  Plant  \r\n");
-  EXPECT_EQ(ReadSessionIni(shared, "Empty", "default"), "");
-  EXPECT_EQ(ReadSessionIni(shared, "Missing", "default"), "default");
-  EXPECT_EQ(ReadSessionIni(shared, "Long", "").size(), 254u);
-  EXPECT_EQ(ReadSessionIni(shared, "name", ""), "M\xC3\xBCller");
-  EXPECT_EQ(ReadHostIni(shared, "Caption", "0"), "Plant");
-  EXPECT_EQ(ReadHostIni(shared, "Name", "0"), "0");
-}
-
 TEST_F(SessionIniTest, WritesAndSaysWhyItCannot) {
   const auto file = Put("KvTeleExe.ini", "[KvTeleExe]\r\nA=1");
   EXPECT_TRUE(WriteSessionIni(shared, "KtaPath", "C:\\M\xC3\xBCll"));
@@ -67,26 +55,6 @@ TEST_F(SessionIniTest, TenRecentCachesNewestFirstEachPathOnce) {
 
   EXPECT_FALSE(AddRecentCache(shared, "/c/\xD0\x9C.ktc"));  // letters that the settings cannot hold
   EXPECT_EQ(ReadRecentCaches(shared), entries);
-}
-
-TEST_F(SessionIniTest, TellsTheDriverTheSessionAndTheKindOfModel) {
-  struct Row {
-    const char* model;
-    bool compact, brio, colour;
-    const char* offered;
-  };
-  for (const Row& row : {Row{"K220-22-R1", false, false, false, "K220-22-R1"},
-                         Row{"Q50Net", true, false, false, "Q50Net"}, Row{"AurexQ50", false, false, false, "AurexQ50"},
-                         Row{"Brio", false, true, false, "BRIO"}, Row{"K450-45", false, false, true, "K450-45"},
-                         Row{"PX1-R8", false, false, false, "PX1"}, Row{"K9000", false, false, false, ""}}) {
-    host.model = row.model;
-    ConfigureDriverForSession(shared, nullptr);
-    EXPECT_EQ(driver.session.isCompactDriver, row.compact) << row.model;
-    EXPECT_EQ(driver.session.isBrio, row.brio) << row.model;
-    EXPECT_EQ(driver.session.isColour, row.colour) << row.model;
-    EXPECT_EQ(driver.session.model, row.offered);
-  }
-  EXPECT_THAT(Taken(), testing::Each("Driver ConfigureForSession HOME/Sessions/Default"));
 }
 
 }  // namespace

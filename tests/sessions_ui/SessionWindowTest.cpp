@@ -114,24 +114,6 @@ TEST_F(SessionWindowTest, EnterAndADoubleClickActivateARow) {
   }
 }
 
-TEST_F(SessionWindowTest, ActivatesAndLeavesUnlessTheSessionIsGone) {
-  MakeSession("Gone");
-  MakeSession("Mill");
-  Open();
-  Select("Gone");
-  std::filesystem::remove(fixture.Session("Gone"));
-  fixture.prompts.Press(PromptAnswer::Ok);
-  Close().click();
-  EXPECT_EQ(fixture.prompts.Boxes().back().title, "Activate Session");
-  EXPECT_THAT(Rows(), ElementsAre("Default", "Mill"));
-  EXPECT_TRUE(window->isVisible());
-
-  Select("Mill");
-  QTest::keyClick(window.get(), Qt::Key_A, Qt::AltModifier);
-  EXPECT_TRUE(WaitUntil([this] { return !window->isVisible(); }));
-  EXPECT_EQ(fixture.shared.CurrentSession, "Mill");
-}
-
 TEST_F(SessionWindowTest, DeletesByKeyAndByMenu) {
   for (const char* name : {"A", "B", "C", "D"}) MakeSession(name);
   Open();

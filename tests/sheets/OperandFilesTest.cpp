@@ -52,24 +52,6 @@ TEST(CsvTest, ReadsWhatOtherProgramsWrite) {
   EXPECT_EQ(Lines(std::string(1'000'001, ','), ',').front()[2], "there are more than a million fields up to here");
 }
 
-TEST(CsvTest, EachSeparatorBringsEachFieldBack) {
-  const Fields fields = {"1.5", "-2",           "",       "00:01:02.50",  "1e-05",       "a\"b", "\r\n",
-                         " x ", "\u20AC\u00E4", "\u03A9", "\u00C2\u00A7", "\u00FE\u00FF"};
-  for (int code = 0; code < 256; ++code) {
-    const char separator = static_cast<char>(code);
-    EXPECT_EQ(WhyNoSeparator(separator).empty(), code != 10 && code != 13 && code != 34) << code;
-    if (!WhyNoSeparator(separator).empty()) continue;
-    std::vector<Fields> files = {fields};
-    for (const std::string& field : fields) files.push_back({field, "x"});  // what the bytes are taken for may change
-    for (const Fields& line : files) {
-      CsvWriter writer(separator);
-      for (const std::string& field : line) writer.Add(field);
-      writer.EndLine();
-      EXPECT_EQ(Lines(writer.Take(), separator), (std::vector<Fields>{line})) << code << " " << line.front();
-    }
-  }
-}
-
 using Values = std::vector<OperandValue>;
 
 TEST(CsvTest, TheGridIsALineForEachType) {

@@ -29,21 +29,6 @@ TEST(ControllerCommands, RefuseByShapeAndByWhatCameBefore) {
   EXPECT_EQ(project.Text("ED"), "EDERROR09") << "a load, but no restore";
 }
 
-TEST(ControllerCommands, StepFromStateToState) {
-  Fixture fixture("K330");
-  const std::tuple<std::string, char, bool> steps[] = {
-      {"CCS", 'S', false}, {"CCS", 'S', false}, {"CCR", 'R', false}, {"CCM", 'L', false}, {"CCS", 'L', false},
-      {"CCR", 'R', false}, {"CCM", 'L', false}, {"ED", 'R', true},   {"CCS", 'S', false}, {"CCE", 'R', true},
-      {"CCM", 'L', false}, {"CCB", 'B', false}, {"CCB", 'B', false}, {"CCE", 'R', true},
-  };
-  for (const auto& [text, state, resets] : steps) {
-    EXPECT_EQ(fixture.Send(text).resets, resets) << text;
-    EXPECT_EQ(fixture.State(), state) << text;
-    EXPECT_EQ(fixture.Block(0, 7, 2).payload, std::string({state, '\0'}));
-    EXPECT_EQ(std::stoi(fixture.Text("DRS000001").substr(2), nullptr, 16), state) << text;
-  }
-}
-
 TEST(ControllerCommands, ResourcesAreReadPieceByPiece) {
   Fixture fixture("K670");
   const std::string directory = fixture.Block(258, 0, 0, 2).payload;

@@ -44,37 +44,6 @@ TEST(Faults, EachDoesWhatItSays) {
   }
 }
 
-TEST(Faults, GarbageComesInsteadOfOrBeforeTheReply) {
-  LineFixture some({"garbage:bytes=50,rate=1000"});
-  const kv::Instant start = some.now;
-  EXPECT_EQ(some.Say(kWrite).size(), 71U);
-  EXPECT_EQ(some.now - start, 50ms);
-  LineFixture endless({"garbage:rate=2000,nth=1"});
-  endless.line->Write(kWrite, endless.now);
-  const std::string heard = endless.Hear(*endless.line, 3s);
-  EXPECT_EQ(heard.size(), 6000U);
-  EXPECT_GT(std::ranges::count(heard, '/'), 0);
-  endless.line->Disconnect(endless.now);
-  ASSERT_TRUE(endless.line->Connect(endless.now));
-  EXPECT_EQ(endless.Ask("RD"), "RD-5");
-}
-
-TEST(Faults, ResetAndLossTakeTheirTime) {
-  LineFixture reset({"reset:on=WD"});
-  (void)reset.Ask("GI");
-  EXPECT_EQ(reset.Say(kWrite), "");
-  reset.now += 199ms;
-  EXPECT_EQ(reset.Ask("RD"), "");
-  reset.now += 1ms;
-  EXPECT_EQ(reset.Ask("RD"), "RD-") << "without access";
-  LineFixture lost({"lost:at=7,away=2000,nth=1"}, 9600);
-  const kv::Instant start = lost.now;
-  EXPECT_EQ(lost.Say(kWrite).size(), 7U);
-  EXPECT_EQ(lost.now - start, 9375us + 7292us) << "9 bytes there, 7 back";
-  EXPECT_FALSE(lost.line->Connect(lost.now + 1999ms));
-  EXPECT_TRUE(lost.line->Connect(lost.now + 2s));
-}
-
 TEST(Faults, RulesChooseTheirRequests) {
   const struct {
     const char* rule;

@@ -52,20 +52,5 @@ TEST(Line, ANewSpeedBeginsBehindTheReplyAndEveryOtherOneIsNoise) {
   EXPECT_EQ(fixture.controller->executed, (std::vector<std::string>{"CPSR0007", "RD", "RD", "CCE", "RD"}));
 }
 
-TEST(Line, AClientWithoutASpeedIsHeardWhateverTheControllerIsToldAndOneWithASpeedOnlyWhileItIsTold) {
-  LineFixture network({}, 115200);
-  EXPECT_EQ(network.Ask("CPSR0007"), "CP-");
-  const kv::Instant start = network.now;
-  EXPECT_EQ(network.Ask("RD"), "RD-");
-  EXPECT_EQ(network.now - start, 695us + 1823us) << "still as fast as before";
-
-  LineFixture any;  // no speed is imitated
-  any.line->SetBaud(38400);
-  EXPECT_EQ(any.Ask("CPSR0007"), "CP-");
-  EXPECT_EQ(any.Ask("RD"), "");
-  any.line->SetBaud(9600);
-  EXPECT_EQ(any.Ask("RD"), "RD-");
-}
-
 }  // namespace
 }  // namespace sim::test

@@ -51,27 +51,6 @@ TEST_F(State, IsThereAgainAfterSwitchingOff) {
   EXPECT_EQ(fixture.Text("RX0000000F").substr(0, 16), "RX0000000FFF01FF");
 }
 
-TEST_F(State, SwitchingOffFreezesAndIsNoPowerFailure) {
-  {
-    Fixture fixture(Kept("K330"));
-    EXPECT_EQ(fixture.Text("CCM"), "CCOK");
-    EXPECT_TRUE(fixture.It().SaveState());
-  }
-  {
-    Fixture fixture(Kept("K330"));
-    EXPECT_EQ(fixture.State(), 'L');
-    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
-    EXPECT_EQ(fixture.Block(65, 0, 16, 0, 0, OsHeader("K330", 461, 0, "ab")).status, 10);
-    EXPECT_EQ(fixture.Block(65, 0x100000, 10, 1, 1, Stored("ab")).status, 10);
-    EXPECT_EQ(fixture.Block(69).status, 11);
-    EXPECT_TRUE(fixture.It().SaveState());
-  }
-  Fixture fixture(Kept("K330"));
-  EXPECT_EQ(fixture.State(), 'B');
-  EXPECT_EQ(fixture.Text("CCE"), "CCOK");
-  EXPECT_EQ(fixture.Text("ID"), "IDK330|33|4.60|19");
-}
-
 TEST_F(State, ADamagedFileIsRefusedWithItsPlace) {
   EXPECT_TRUE(Fixture(Kept("K330")).It().SaveState());
   const std::string good = kv::TemporaryFolder::Content(mFile);

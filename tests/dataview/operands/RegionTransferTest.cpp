@@ -43,40 +43,6 @@ TEST(ReadRegion, TakesNoReplyOfAnotherLength) {
   EXPECT_EQ(ReadRegion(compact, "Q50Net", From5(TimerPreset)), (Texts{"100000", "10"}));
 }
 
-TEST(ReadRegion, SaysWhyItFailsAndSendsNothingThatCannotBeAsked) {
-  test::FakeChannel channel;
-  EXPECT_EQ(ReadRegion(channel, kAurex, From5(MI)).error().happened, "no reply");
-  channel.calls.clear();
-  EXPECT_EQ(ReadRegion(channel, "Q50", From5(ML)), Texts()) << "the family has no operation for it";
-  EXPECT_EQ(ReadRegion(channel, "AurexQ50", From5(DBI)).error().code, LinkErrorCode::NotSupported);
-  const Region bad[] = {
-      {0, 120, MB},
-      {0, 60, MI},
-      {0, 30, ML},
-      {-1, 0, MB},
-      {5, 4, MB},
-      {32767, 32768, MB},
-      {INT32_MIN, INT32_MAX, MB},
-      {0, 0, static_cast<OperandTypeCode>(23)},
-  };
-  for (const Region& region : bad) {
-    EXPECT_EQ(ReadRegion(channel, kAurex, region).error().code, LinkErrorCode::BadArgument) << region.from;
-    EXPECT_EQ(WriteRegion(channel, kAurex, region, Texts{"0"}).error().code, LinkErrorCode::BadArgument);
-  }
-  EXPECT_TRUE(channel.calls.empty());
-}
-
-// A region may end one address too far, and only the controller says so: all that can be done is to remove it.
-TEST(ReadRegion, ARegionPastTheEndIsToBeRemoved) {
-  test::FakeChannel channel;
-  channel.error = {.code = LinkErrorCode::Refused, .controllerCode = 4, .doing = "", .happened = "", .cure = "choose"};
-  const std::string cure = "remove the region, and add it anew with addresses from 0 to 2047";
-  EXPECT_EQ(ReadRegion(channel, kAurex, From5(MI)).error().cure, cure);
-  EXPECT_EQ(WriteRegion(channel, kAurex, From5(MI), Texts{"1", "2"}).error().cure, cure);
-  channel.error.controllerCode = 3;
-  EXPECT_EQ(ReadRegion(channel, kAurex, From5(MI)).error().cure, "choose");
-}
-
 TEST(WriteRegion, SendsNothingForATextThatCannotBeConvertedOrATypeThatIsReadOnly) {
   test::FakeChannel channel;
   channel.succeeds = true;

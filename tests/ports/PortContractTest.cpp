@@ -1,0 +1,249 @@
+// What a channel may rely on, whatever kind of port it has got: one run of each promise for each kind.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <utility>
+
+#include "KvCmDrv1/ports/ListeningPort.h"
+#include "KvCmDrv1/ports/ModemPort.h"
+#include "KvCmDrv1/ports/SerialPort.h"
+#include "KvCmDrv1/ports/SimulatedPort.h"
+#include "KvCmDrv1/ports/TcpPort.h"
+#include "Partners.h"
+#include "base/InProcessLine.h"
+#include "desktop/VirtualPacer.h"
+#include "desktop/console/ConsolePacer.h"
+#include "simulator/SimulatedModem.h"
+
+namespace kv {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+// A port and who is at its other end.
+class Line {
+ public:
+  virtual ~Line() = default;
+  virtual bool Open() = 0;
+  virtual std::string Take(std::size_t count) = 0;  // what has reached the partner
+  virtual void Give(std::string_view bytes) = 0;
+  virtual void HangUp() = 0;
+  [[nodiscard]] virtual bool IsPartnerAlone() = 0;
+
+  std::unique_ptr<Port> port;
+  Pacer* pacer = nullptr;
+};
+
+class RealLine : public Line {
+ public:
+  RealLine() { pacer = &mPacer; }
+  std::string Take(std::size_t count) override { return partner.Take(count); }
+  void Give(std::string_view bytes) override { partner.Give(bytes); }
+  void HangUp() override { partner.Close(); }
+  bool IsPartnerAlone() override { return partner.Take(1).empty(); }
+
+ protected:
+  kvtest::Descriptor partner;
+  ConsolePacer mPacer;
+};
+
+struct TcpLine final : RealLine {
+  TcpLine() { port = std::make_unique<TcpPort>("127.0.0.1", listener.Port(), *pacer); }
+  bool Open() override {
+    const bool isOpen = port->Open(seconds(5)).has_value();
+    partner = listener.Accept();
+    return isOpen;
+  }
+  kvtest::Listener listener;
+};
+
+struct ListeningLine final : RealLine {
+  ListeningLine() { port = std::make_unique<ListeningPort>(socket, number, *pacer); }
+  bool Open() override {
+    port->Close();
+    if (!socket.Listen(number)) return false;
+    partner = kvtest::DialLoopback(number);
+    return port->Open(seconds(5)).has_value();
+  }
+  ListeningSocketImpl socket;
+  std::uint16_t number = kvtest::FreePort();
+};
+
+struct SerialLineOnPty final : RealLine {
+  SerialLineOnPty() { port = std::make_unique<SerialPort>(pty.name, 115200, SerialFraming{}); }
+  bool Open() override { return port->Open(seconds(5)).has_value(); }
+  std::string Take(std::size_t count) override { return pty.near.Take(count); }
+  void Give(std::string_view bytes) override { pty.near.Give(bytes); }
+  void HangUp() override { pty.near.Close(); }
+  bool IsPartnerAlone() override {
+    pollfd entry{pty.near.Get(), 0, 0};
+    return ::poll(&entry, 1, kvtest::kLongestMilliseconds) == 1 && (entry.revents & POLLHUP) != 0;
+  }
+  kvtest::Pty pty;
+};
+
+// The partner of a port in this process.
+struct Partner {
+  bool isConnected = false;
+  std::string taken;
+  std::string given;
+};
+
+class PartnerLine final : public InProcessLine {
+ public:
+  explicit PartnerLine(Partner& partner) : mPartner(partner) {}
+  bool Connect(Instant) override { return mPartner.isConnected = true; }
+  void Disconnect(Instant) override { mPartner.isConnected = false; }
+  bool IsConnected() const override { return mPartner.isConnected; }
+  void Write(std::string_view bytes, Instant) override { mPartner.taken += bytes; }
+  std::string Read(Instant) override { return std::exchange(mPartner.given, {}); }
+  std::optional<Instant> NextEvent() const override { return std::nullopt; }
+
+ private:
+  Partner& mPartner;
+};
+
+struct InProcess : Line {
+  InProcess() {
+    pacer = &virtualPacer;
+    port = std::make_unique<SimulatedPort>(std::make_shared<PartnerLine>(partner), "K330", *pacer);
+  }
+  bool Open() override {
+    const bool isOpen = port->Open(seconds(75)).has_value();
+    partner.taken.clear();
+    return isOpen;
+  }
+  std::string Take(std::size_t) override { return std::exchange(partner.taken, {}); }
+  void Give(std::string_view bytes) override { partner.given += bytes; }
+  void HangUp() override { partner.isConnected = false; }
+  bool IsPartnerAlone() override { return !partner.isConnected; }
+
+  VirtualPacer virtualPacer;
+  Partner partner;
+};
+
+struct ModemLine final : InProcess {
+  ModemLine() {
+    auto modem = std::make_shared<sim::SimulatedModem>(std::make_unique<PartnerLine>(partner), sim::ModemOptions{});
+    auto line = std::make_unique<SimulatedPort>(std::move(modem), "COM3", *pacer);
+    port = std::make_unique<ModemPort>(std::move(line), ModemSettings{.init = "", .number = "123"}, *pacer);
+  }
+};
+
+// The port goes first: it uses what its line holds.
+struct LineEnd {
+  void operator()(Line* line) const {
+    line->port.reset();
+    delete line;
+  }
+};
+using AnyLine = std::unique_ptr<Line, LineEnd>;
+
+struct Kind {
+  const char* name;
+  AnyLine (*make)();
+  bool hasSpeed;
+  bool comesBack = true;  // after the partner has hung up
+};
+
+class PortContract : public testing::TestWithParam<Kind> {
+ protected:
+  AnyLine line = GetParam().make();
+  Port& port = *line->port;
+
+  void ExpectClosed() const {
+    EXPECT_FALSE(port.IsOpen());
+    std::string bytes = "kept";
+    std::string_view rest = "kept, too";
+    EXPECT_EQ(port.Read(bytes, {}), Port::Result::Lost);
+    EXPECT_EQ(port.Write(rest, {}), Port::Result::Lost);
+    EXPECT_EQ(bytes + ", " + std::string(rest), "kept, kept, too");
+  }
+};
+
+TEST_P(PortContract, EveryByteArrivesInOrderAndIsAppended) {
+  ExpectClosed();
+  ASSERT_TRUE(line->Open());
+  ASSERT_TRUE(kvtest::WriteAll(port, kvtest::EveryByte()));
+  EXPECT_EQ(line->Take(256), kvtest::EveryByte());
+  std::string_view none;
+  EXPECT_NE(port.Write(none, {}), Port::Result::Lost);
+  line->Give(kvtest::EveryByte());
+  EXPECT_EQ(kvtest::ReadFrom(port, 256), kvtest::EveryByte());
+  line->Give("y");
+  std::string bytes = "x";
+  while (port.Read(bytes, milliseconds(10)) == Port::Result::Nothing) continue;
+  EXPECT_EQ(bytes, "xy");
+}
+
+TEST_P(PortContract, SilenceTakesItsSlice) {
+  ASSERT_TRUE(line->Open());
+  for (const int slice : {0, 30}) {
+    std::string bytes = "x";
+    const Instant start = line->pacer->Now();
+    EXPECT_EQ(port.Read(bytes, milliseconds(slice)), Port::Result::Nothing);
+    EXPECT_GE(line->pacer->Now() - start, milliseconds(std::max(slice - 1, 0)));
+    EXPECT_LE(line->pacer->Now() - start, milliseconds(dynamic_cast<InProcess*>(line.get()) ? slice : slice + 200));
+    EXPECT_EQ(bytes, "x");
+  }
+  EXPECT_TRUE(port.IsOpen());
+}
+
+// The number of a handle that was given back may belong to somebody else by now.
+TEST_P(PortContract, ClosedTwiceItTakesNothingFromTheNextAndOpensAgain) {
+  ASSERT_TRUE(line->Open());
+  port.Close();
+  EXPECT_TRUE(line->IsPartnerAlone());
+  const auto next = GetParam().make();
+  ASSERT_TRUE(next->Open());
+  port.Close();
+  ExpectClosed();
+  for (Line* each : {next.get(), line.get()}) {
+    EXPECT_TRUE(each->Open()) << "also where it is open";
+    ASSERT_TRUE(kvtest::WriteAll(*each->port, "here"));
+    EXPECT_EQ(each->Take(4), "here");
+  }
+}
+
+TEST_P(PortContract, TheLastBytesComeBeforeTheLossAndItsReason) {
+  ASSERT_TRUE(line->Open());
+  EXPECT_EQ(port.LossReason().happened, "");
+  if (GetParam().comesBack) line->Give("last words");  // with its end a pseudo terminal loses what it holds
+  line->HangUp();
+  EXPECT_EQ(kvtest::ReadFrom(port, 100).substr(0, 10), GetParam().comesBack ? "last words" : "");
+  EXPECT_NE(port.LossReason().happened, "");
+  EXPECT_NE(port.LossReason().cause, "");
+  EXPECT_NE(port.LossReason().cure, "");
+  ExpectClosed();
+  port.Close();
+  if (!GetParam().comesBack) return;
+  ASSERT_TRUE(line->Open());
+  EXPECT_EQ(port.LossReason().happened, "");
+}
+
+TEST_P(PortContract, OnlyAnOpenLineWithASpeedTakesAnother) {
+  const bool isInProcess = std::string_view(GetParam().name) == "simulated";  // set before it is opened
+  EXPECT_EQ(port.SetBaudRate(9600), isInProcess);
+  ASSERT_TRUE(line->Open());
+  EXPECT_EQ(port.SetBaudRate(9600), GetParam().hasSpeed);
+  EXPECT_EQ(port.ByteTime(), GetParam().hasSpeed ? Duration(1042) : Duration{});
+  EXPECT_FALSE(port.SetBaudRate(0));
+}
+
+template <typename Made>
+AnyLine Make() {
+  return AnyLine(new Made);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, PortContract,
+                         testing::Values(Kind{"tcp", Make<TcpLine>, false},
+                                         Kind{"listening", Make<ListeningLine>, false},
+                                         Kind{"serial", Make<SerialLineOnPty>, true, false},
+                                         Kind{"simulated", Make<InProcess>, true},
+                                         Kind{"modem", Make<ModemLine>, true}),
+                         [](const auto& kind) { return kind.param.name; });
+
+}  // namespace
+}  // namespace kv
