@@ -12,6 +12,7 @@
 #include <QUrl>
 
 #include "KvCmDrv1/Driver.h"
+#include "KvCmDrv1/ports/SimulatedPort.h"
 #include "clone/CloneInfo.h"
 #include "desktop/PacerWallClock.h"
 #include "download/ui/frmDownloader.h"
@@ -83,6 +84,8 @@ class DownloaderWindowTest : public ::testing::Test {
   }
   void UseLine(const std::string& model) {
     LinkSettings settings;
+    settings.transport = isSerial ? Transport::Serial : Transport::Simulated;
+    settings.serialPort = "COM" + std::to_string(plugged + 1);
     settings.model = model + std::to_string(++plugged);  // the driver keeps one line for each
     driver.UseSettings(settings, false);
   }
@@ -148,7 +151,13 @@ class DownloaderWindowTest : public ::testing::Test {
   int plugged = 0;  // controllers so far
   std::unique_ptr<sim::SimulatedController> controller;
   PromptedPassword password{prompts, "enter it"};
-  Driver driver{pacer, [this](const std::string&) { return controller ? controller->NewLine() : nullptr; }, nullptr};
+  bool isSerial = false;  // with a speed that both ends must agree on
+  Driver driver{pacer, [this](const std::string&) { return controller ? controller->NewLine() : nullptr; },
+                [this](const LinkSettings& link, Pacer&, ListeningSocket*) -> std::unique_ptr<Port> {
+                  auto port = std::make_unique<SimulatedPort>(controller->NewLine(), "", pacer);
+                  EXPECT_TRUE(port->SetBaudRate(link.baudRate));
+                  return port;
+                }};
   std::unique_ptr<frmDownloader> window;
 };
 
@@ -182,6 +191,12 @@ TEST_F(DownloaderWindowTest, KnowsWhichDownloadsTheControllerTakesAndInWhatState
   Press("cmdDownloadOS");
   EXPECT_THAT(prompts.Texts(),
               ElementsAre("There is a mismatch between PLC Type defined in Telepanel and connected PLC."));
+
+  isSerial = true;
+  PlugIn({.model = "Q51", .isInBoot = true, .baud = 57600});  // which a download that was cut has left there
+  Open();
+  EXPECT_THAT(Text("lblAdvice"), HasSubstr("boot loader"));
+  isSerial = false;
 
   PlugIn({});
   Open();

@@ -22,6 +22,7 @@
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/WindowGeometry.h"
 #include "download/DownloadFile.h"
+#include "download/OtherSpeeds.h"
 #include "download/ProjectLook.h"
 #include "download/ui/SideTable.h"
 #include "download/ui/frmBrioQ50OsInfo.h"
@@ -99,6 +100,8 @@ std::expected<void, LinkError> frmDownloader::Meet(Channel& link) {
   mFamily.reset();
   mWhyNoBackup.clear();
   auto found = FindController(link);
+  // A download that was cut may have left it at another speed.
+  if (!found && MayBeOfSpeed(found.error().code) && FindAtOtherSpeed(link)) found = FindController(link);
   if (!found) return std::unexpected(found.error());
   const auto family = DownloadFamilyOf(link, found->version.model);
   if (!family) return std::unexpected(family.error());
