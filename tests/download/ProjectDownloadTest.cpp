@@ -6,6 +6,7 @@
 #include "download/ProjectDownload.h"
 #include "tests/download/DownloadFixture.h"
 #include "tests/download/Samples.h"
+#include "tests/support/FakeChannel.h"
 #include "tests/support/MarkdownTables.h"
 #include "tests/support/SilentCloner.h"
 
@@ -30,10 +31,12 @@ class Answers : public Prompts {
 
   std::string declined;
   std::function<void()> meanwhile = [] {};  // while a question is open
+  std::function<void(const std::string& text)> onBox;
 
   PromptAnswer Show(const MessageBox& box) override {
     const char sign = " i!?x"[static_cast<std::size_t>(box.icon)];
     mLog.push_back(std::string("(") + sign + ") " + box.title + ": " + box.text);
+    if (onBox) onBox(box.text);
     if (box.buttons == PromptButtons::Ok) return PromptAnswer::Ok;
     EXPECT_TRUE(box.canLose) << box.text;
     meanwhile();
@@ -267,7 +270,7 @@ bool IsAs(ControllerLeft left, const std::string& found) {
     case ControllerLeft::ProjectBegun:
       return project == "Old";
     case ControllerLeft::ProjectErased:
-      return true;  // nothing is promised
+      return found.front() != 'S';  // nothing is promised but that the erase was begun
     case ControllerLeft::Programming:
       return found == "LOld" || project.empty() || project == "Hall 7";
     case ControllerLeft::ProjectWaits:
@@ -377,6 +380,31 @@ TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
   }
 }
 
+TEST(ProjectDownload, TheControllerAfterItsResetIsTheOneThatRunsAgain) {
+  struct Case {
+    char state;
+    std::uint32_t serial;
+    int runsAfter;  // seconds; 0: never
+    int took;
+    LinkErrorCode error = LinkErrorCode::None;
+  };
+  const Case rows[] = {{'L', 7, 3, 3},   {'L', 7, 0, 8},
+                       {'B', 7, 0, 8},   {'R', 8, 0, 0, LinkErrorCode::OtherController},
+                       {'-', 7, 12, 12}, {'-', 7, 0, 30, LinkErrorCode::NoReply}};
+  for (const Case& row : rows) {
+    VirtualPacer pacer;
+    FakeChannel link;
+    link.version = {kAurex, "10", "4.60", "19"};
+    if (row.state != '-') link.info = {.serialNumber = row.serial, .state = row.state, .projectName = "P"};
+    const auto run = [&] { link.info = {.serialNumber = row.serial, .state = 'R', .projectName = "P"}; };
+    if (row.runsAfter > 0) pacer.After(std::chrono::seconds(row.runsAfter), run);
+    const auto found = FindAfterReset(link, pacer, 7);
+    EXPECT_EQ(found ? LinkErrorCode::None : found.error().code, row.error);
+    EXPECT_EQ(pacer.Now().time_since_epoch(), std::chrono::seconds(row.took)) << row.state << row.runsAfter;
+    EXPECT_EQ(found && found->info.state == 'R', row.runsAfter > 0);
+  }
+}
+
 TEST(ProjectDownload, WaitsWithoutALimitUntilItIsStopped) {
   for (const bool stopsAtOnce : {false, true}) {
     ProjectFixture fixture(kAurex);
@@ -444,6 +472,7 @@ TEST(ProjectDownload, TakesABackupFirstAndGoesOnOnlyWhenItIsGood) {
   const Case rows[] = {{"", true},
                        {"refuse:on=GI,code=08", false, ControllerLeft::Untouched},
                        {"lost:nth=30,away=60000", false, ControllerLeft::Stopped},
+                       {"somebody", false, ControllerLeft::Untouched},
                        {"", false, ControllerLeft::Untouched, kCompact}};
   for (const Case& row : rows) {
     SCOPED_TRACE(row.fault);
@@ -452,12 +481,18 @@ TEST(ProjectDownload, TakesABackupFirstAndGoesOnOnlyWhenItIsGood) {
     const std::filesystem::path file = fixture.folder.Path() / "before.kdf";
     BackupBefore backup(file, {cloner, fixture.answers, fixture.answers, fixture.pacer, fixture.pacer});
     fixture.order.backup = &backup;
-    if (*row.fault != '\0') fixture.UseFault(row.fault);
+    if (row.fault == std::string("somebody")) {
+      fixture.answers.onBox = [&](const std::string& text) {
+        if (text.contains("Created Successfully")) fixture.controller->Tell("WDF00300000020102");
+      };
+    } else if (*row.fault != '\0') {
+      fixture.UseFault(row.fault);
+    }
     const DownloadOutcome outcome = fixture.Download();
     EXPECT_EQ(outcome.end == DownloadEnd::Done, row.isGood) << outcome.reason;
     EXPECT_EQ(outcome.cause, row.isGood ? DownloadCause::None : DownloadCause::Backup);
     EXPECT_EQ(outcome.left, row.left);
-    EXPECT_EQ(std::filesystem::exists(file), row.isGood);
+    EXPECT_EQ(std::filesystem::exists(file), row.isGood || row.fault == std::string("somebody"));
     EXPECT_EQ(std::ranges::count(fixture.log, "66"), row.isGood ? 1 : 0);
     if (row.isGood) {
       EXPECT_TRUE(InspectClone(file)->IsSound());
