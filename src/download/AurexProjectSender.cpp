@@ -4,6 +4,7 @@
 #include <charconv>
 #include <chrono>
 #include <optional>
+#include <utility>
 
 #include "base/Texts.h"
 #include "download/FileFields.h"
@@ -228,7 +229,7 @@ AurexProjectSender::Step AurexProjectSender::CheckStillLoads() {
   const std::string project = ShownText(info->projectName);
   return mWork.Fail(
       DownloadCause::Reply,
-      "The controller has left the download and dropped what it had received; " +
+      "The controller has left the download before it said that what it received is whole; " +
           (project.empty() ? std::string("it has no project now.") : "its project is now \"" + project + "\".") +
           "\nLikely cause: it lost its power, or somebody else has reset it.\nWhat to do: download "
           "again.");
@@ -245,12 +246,16 @@ std::expected<Bytes, DownloadOutcome> AurexProjectSender::AskStatus() {
   }
 }
 
+// Once more over a connection that has come back.
 AurexProjectSender::Step AurexProjectSender::SendRepeatable(std::uint16_t operation,
                                                             std::span<const std::uint8_t> data) {
-  while (true) {
+  for (bool wasUnsure = false;;) {
     const auto sent = mWork.SendBlock({.opCode = operation}, data);
     if (sent) return {};
-    if (!mWork.GoesOnAfter(sent.error())) return std::unexpected(sent.error());
+    const bool isUnsure = sent.error().link.code == LinkErrorCode::Unsure;
+    if (isUnsure) mWork.NoteUnsure();
+    const bool isFirst = isUnsure && !std::exchange(wasUnsure, true);
+    if (!isFirst && !mWork.GoesOnAfter(sent.error())) return std::unexpected(sent.error());
   }
 }
 

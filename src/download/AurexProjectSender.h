@@ -31,7 +31,7 @@ class AurexProjectSender final : public ProjectSender {
   [[nodiscard]] Step WaitForIdle(bool isWhole);
   [[nodiscard]] Step CheckStillLoads();
   [[nodiscard]] std::expected<Bytes, DownloadOutcome> AskStatus();
-  // A block message that may be sent again on the same connection when a stop has ended it.
+  // A block message that may be sent twice.
   [[nodiscard]] Step SendRepeatable(std::uint16_t operation, std::span<const std::uint8_t> data);
 
   DownloadWork& mWork;

@@ -85,7 +85,9 @@ DownloadWork::Step DownloadWork::StopPoint() {
 }
 
 bool DownloadWork::GoesOnAfter(const DownloadOutcome& outcome) {
-  return outcome.link.code == LinkErrorCode::Stopped && !IsStopMeant();
+  if (outcome.link.code != LinkErrorCode::Stopped || IsStopMeant()) return false;
+  NoteUnsure();
+  return true;
 }
 
 // Who asks for a stop once more while the question is open means it.

@@ -57,11 +57,12 @@ class DownloadWork {
   [[nodiscard]] Step Do(ControllerLeft then, const Exchange& exchange) {
     const ControllerLeft before = left;
     left = then;
+    mMayBeExecuted = false;
     Step done = exchange();
     if (done) return done;
     const LinkError& error = done.error().link;
     const bool isRefused = error.code == LinkErrorCode::Refused || error.code == LinkErrorCode::Busy;
-    if (error.isNotExecuted || isRefused) done.error().left = left = before;
+    if (!mMayBeExecuted && (error.isNotExecuted || isRefused)) done.error().left = left = before;
     return done;
   }
 
@@ -73,9 +74,13 @@ class DownloadWork {
 
   // A stop ended the exchange that this outcome is of: whether the user, asked about what is left, wants to go on.
   [[nodiscard]] bool GoesOnAfter(const DownloadOutcome& outcome);
+  // The exchange may have been executed, whatever becomes of the next try.
+  void NoteUnsure() { mMayBeExecuted = true; }
 
  private:
   [[nodiscard]] bool IsStopMeant();
+
+  bool mMayBeExecuted = false;  // the exchange under way, by a try that has failed
 };
 
 }  // namespace kv

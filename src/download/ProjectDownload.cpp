@@ -35,18 +35,26 @@ bool IsLinkGone(const LinkError& error) {
   }
 }
 
+struct ProjectNames {
+  std::string inController;  // before the download
+  std::string inFile;
+};
+
 // What the controller's own answer makes of what the traffic shows: it may have lost its power or been reset since,
 // which ends a load.
-ControllerLeft Refined(ControllerLeft left, char state, const std::string& project, const std::string& oldProject) {
+ControllerLeft Refined(ControllerLeft left, char state, const std::string& project, const ProjectNames& names) {
+  const bool isOld = project == names.inController;
   const bool isBeforeErase = left == ControllerLeft::Stopped || left == ControllerLeft::ProjectBegun;
   const bool mayBeLost = isBeforeErase || left == ControllerLeft::Programming;
-  if (isBeforeErase && IsRunningState(state) && project == oldProject) return ControllerLeft::Untouched;
-  if (mayBeLost && state != 'L' && project.empty() && !oldProject.empty()) return ControllerLeft::ProjectErased;
-  if (left == ControllerLeft::ProjectErased && state == 'S') return ControllerLeft::Stopped;  // erasing begins a load
+  if (isBeforeErase && IsRunningState(state) && isOld) return ControllerLeft::Untouched;
+  if (mayBeLost && state != 'L' && project.empty() && !isOld) return ControllerLeft::ProjectErased;
+  if (left == ControllerLeft::Programming && IsRunningState(state) && project == names.inFile) {
+    return isOld ? ControllerLeft::ProjectPerhaps : ControllerLeft::NewProject;
+  }
   return left;
 }
 
-void AskWhatIsLeft(Channel& link, Pacer& pacer, const std::string& oldProject, DownloadOutcome& outcome) {
+void AskWhatIsLeft(Channel& link, Pacer& pacer, const ProjectNames& names, DownloadOutcome& outcome) {
   if (outcome.left == ControllerLeft::Untouched || IsLinkGone(outcome.link)) return;
   const StopScope asking(pacer);  // a stop ended the download, not this question
   const auto info = link.GetControllerInfo(link.UnitID());
@@ -54,7 +62,7 @@ void AskWhatIsLeft(Channel& link, Pacer& pacer, const std::string& oldProject, D
   const std::string project = FoundController{{}, *info}.ProjectText();
   outcome.reason += std::string("\nAsked afterwards, the controller says that its state is ") + info->state +
                     " and its project \"" + project + "\".";
-  outcome.left = Refined(outcome.left, info->state, project, oldProject);
+  outcome.left = Refined(outcome.left, info->state, project, names);
 }
 
 }  // namespace
@@ -72,9 +80,9 @@ class ProjectDownload::Run {
 
   [[nodiscard]] Step All() {
     using Stage = Step (Run::*)();
-    constexpr Stage kStages[] = {&Run::Meet,       &Run::Preview,   &Run::CheckBackup,    &Run::AskToEndLoad,
-                                 &Run::AskToBegin, &Run::GetAccess, &Run::CheckFile,      &Run::EndDryRun,
-                                 &Run::Backup,     &Run::CheckFile, &Run::CheckStillSame, &Run::Send,
+    constexpr Stage kStages[] = {&Run::Meet,       &Run::Preview,   &Run::CheckBackup,      &Run::AskToEndLoad,
+                                 &Run::AskToBegin, &Run::GetAccess, &Run::CheckFile,        &Run::EndDryRun,
+                                 &Run::Backup,     &Run::CheckFile, &Run::CheckNobodyLoads, &Run::Send,
                                  &Run::Compare};
     for (const Stage stage : kStages) {
       Step done = (this->*stage)();
@@ -179,13 +187,10 @@ class ProjectDownload::Run {
     return backup->Take(mWork.link, mController, mControllerText, FileNameOf(mFile));
   }
 
-  // Questions can be open for long.
-  Step CheckStillSame() {
+  // Questions can be open for long. That another controller answers now, the link finds by itself.
+  Step CheckNobodyLoads() {
     const auto now = FindController(mWork.link);
     if (!now) return mWork.FailOf(now.error());
-    const bool isSame = now->version == mController.version && now->info.serialNumber == mController.info.serialNumber;
-    if (!isSame)
-      return mWork.Fail(DownloadCause::Link, "Another controller answers now than before. Nothing was sent.");
     if (now->info.state != 'L' || mController.info.state == 'L') return {};
     return mWork.Fail(DownloadCause::Link,
                       "Somebody else has begun to load into the controller since you were asked. Nothing was "
@@ -256,7 +261,8 @@ void ProjectDownload::Download(Channel& link, const ProjectFile& file, const Dow
   const Step done = run.All();
   mReview = run.Review();
   mOutcome = done ? DownloadOutcome{.left = work.left} : done.error();
-  if (!done && mOutcome.cause != DownloadCause::Unproven) AskWhatIsLeft(link, mPacer, run.OldProject(), mOutcome);
+  if (!done && mOutcome.cause != DownloadCause::Unproven)
+    AskWhatIsLeft(link, mPacer, {run.OldProject(), file.Name()}, mOutcome);
 }
 
 const std::string& ProjectFile::Name() const {
