@@ -3,6 +3,7 @@
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "clone/RestoreCheck.h"
+#include "download/CompactApplication.h"
 #include "download/OsFileLists.h"
 #include "download/OtherSpeeds.h"
 
@@ -33,15 +34,35 @@ bool clsBrioQ50OSDownloader::DownloadOS(Channel& link, const DownloadOrder& orde
   return done.has_value();
 }
 
+std::optional<Bytes> clsBrioQ50OSDownloader::ReadPlcApp(Channel& link) {
+  const DownloadOrder order;
+  DownloadWork work(link, mWindow, mPrompts, mPacer, order);
+  auto application = CompactApplication(work).Read();
+  if (application) return *std::move(application);
+  mOutcome = application.error();
+  work.Tell("Failed to read PLC memory", PromptIcon::Exclamation, kTitle);
+  return std::nullopt;
+}
+
+bool clsBrioQ50OSDownloader::prvWritePlcAppToFlash(Channel& link, const Bytes& application) {
+  const DownloadOrder order;
+  DownloadWork work(link, mWindow, mPrompts, mPacer, order);
+  const Step written = CompactApplication(work).Write(application);
+  if (written) return true;
+  mOutcome = written.error();
+  work.Tell("Failed to restore PLC memory", PromptIcon::Exclamation, kTitle);
+  return false;
+}
+
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::RunSteps() {
   using C = clsBrioQ50OSDownloader;
-  constexpr Step (C::* kSteps[])() = {&C::Identify,        &C::ChooseFile,    &C::CheckSuits,  &C::CheckBuilds,
-                                      &C::CheckFile,       &C::ShowBothSides, &C::CheckBackup, &C::AskToEndLoad,
-                                      &C::Confirm,         &C::EndDryRun,     &C::Backup,
+  constexpr Step (C::* kSteps[])() = {&C::Identify,       &C::ChooseFile,      &C::CheckSuits,   &C::CheckBuilds,
+                                      &C::CheckFile,      &C::ShowBothSides,   &C::CheckBackup,  &C::GetAccess,
+                                      &C::AskToEndLoad,   &C::Confirm,         &C::EndDryRun,    &C::Backup,
                                       &C::CheckFile,  // it may have become another one while the questions were open
-                                      &C::EnterBootLoader, &C::AgreeOnSpeed,
+                                      &C::CheckStillSame, &C::EnterBootLoader, &C::AgreeOnSpeed,
                                       &C::CheckFile,  // the last moment at which the old O/S is still there
-                                      &C::EraseFlash,      &C::Program,       &C::Restart,     &C::IdentifyAgain};
+                                      &C::EraseFlash,     &C::Program,         &C::Restart,      &C::IdentifyAgain};
   for (const auto step : kSteps) {
     Step done = (this->*step)();
     if (done && mWork->left == ControllerLeft::Untouched) done = mWork->StopPoint();
@@ -79,7 +100,7 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ChooseFile() {
     const std::string missing = "O/S file(s) missing in " + Utf8FromPath(list.folder);
     if (list.IsEmpty()) return Refuse(DownloadCause::File, missing, PromptIcon::Information, missing + ".");
     const auto place = mWindow.ChooseCompactOs(list);
-    if (!place || *place >= list.files.size()) return Decline("No O/S was chosen.");
+    if (!place || *place >= list.files.size()) return mWork->Decline(DownloadCause::User, "No O/S was chosen.");
     mChosen = list.files[*place].path;
   }
   mName = CompactOsNameIn(Utf8FromPath(mChosen.filename()));
@@ -160,6 +181,12 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::CheckBackup() {
   return refused;
 }
 
+// A password that is not known is found out before a backup is made, and in a dry run.
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::GetAccess() {
+  if (mWork->link.EnsureAccess(mWork->link.UnitID())) return {};
+  return mWork->FailOf(mWork->link.LastError());
+}
+
 // A question of its own: who wants an O/S downloaded need not know that somebody else is at it.
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::AskToEndLoad() {
   if (mFound.info.state != 'L') return {};
@@ -168,7 +195,8 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::AskToEndLoad() {
       ") is loading: a restore or download was cut, or somebody else's is under way. What is being loaded would be "
       "lost, and somebody else's tool may take what comes out for its own. End that load?";
   if (mWork->Asks(DownloadQuestion::EndLoad, question, PromptIcon::Exclamation, kTitle)) return {};
-  return Decline("A load is under way in the controller, or was cut, and was not to be ended.");
+  return mWork->Decline(DownloadCause::User,
+                        "A load is under way in the controller, or was cut, and was not to be ended.");
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Confirm() {
@@ -178,7 +206,7 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Confirm() {
       "Note that the download O/S process will cause:\r\n - Your current application to STOP running.\r\n - The PLC to "
       "RESET at the end of the download process.\r\n\r\nContinue ?",
       PromptIcon::Exclamation, kTitle);
-  return isWanted ? Step() : Decline("The download was not confirmed.");
+  return isWanted ? Step() : mWork->Decline(DownloadCause::User, "The download was not confirmed.");
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EndDryRun() {
@@ -189,6 +217,19 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EndDryRun() {
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Backup() {
   if (mWork->order.backup == nullptr) return {};
   return mWork->order.backup->Take(mWork->link, mFound, ControllerName(), Utf8FromPath(mChosen.filename()));
+}
+
+// Questions can be open for long.
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::CheckStillSame() {
+  const auto now = FindController(mWork->link);
+  if (!now) return mWork->FailOf(now.error());
+  const bool isSame = now->version == mFound.version && now->info.serialNumber == mFound.info.serialNumber;
+  if (!isSame) return mWork->Fail(DownloadCause::Link, "Another controller answers now than before. Nothing was sent.");
+  if (now->info.state != 'L' || mFound.info.state == 'L') return {};
+  return mWork->Fail(
+      DownloadCause::Link,
+      "Somebody else has begun to load into the controller since you were asked. Nothing was sent.\nWhat "
+      "to do: wait until that is over, or find out who it is, and begin again.");
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EnterBootLoader() {
@@ -264,12 +305,6 @@ std::expected<FoundController, LinkError> clsBrioQ50OSDownloader::FindAgain() {
 
 void clsBrioQ50OSDownloader::Tell(const std::string& text, PromptIcon icon) {
   mWork->Tell(text, icon, kTitle);
-}
-
-clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Decline(std::string reason) const {
-  if (mPacer.StopRequested()) return mWork->Stop();
-  return std::unexpected(
-      DownloadOutcome{.end = DownloadEnd::Declined, .cause = DownloadCause::User, .reason = std::move(reason)});
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Refuse(DownloadCause cause, const std::string& text,

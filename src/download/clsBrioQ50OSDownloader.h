@@ -42,6 +42,11 @@ class clsBrioQ50OSDownloader {
   // True when the new O/S runs. A failure behind the change of the speed leaves the link at the boot loader's speed.
   [[nodiscard]] bool DownloadOS(Channel& link, const DownloadOrder& order);
 
+  // For callers that save a controller's application by themselves; DownloadOS leaves it alone. Both tell a failure. A
+  // controller is written to while its program is stopped.
+  [[nodiscard]] std::optional<Bytes> ReadPlcApp(Channel& link);
+  [[nodiscard]] bool prvWritePlcAppToFlash(Channel& link, const Bytes& application);
+
   [[nodiscard]] const DownloadOutcome& Outcome() const { return mOutcome; }
   // Nothing before the controller has answered after its reset.
   [[nodiscard]] const std::optional<DownloadReview>& Review() const { return mReview; }
@@ -57,10 +62,12 @@ class clsBrioQ50OSDownloader {
   [[nodiscard]] Step CheckFile();
   [[nodiscard]] Step ShowBothSides();
   [[nodiscard]] Step CheckBackup();
+  [[nodiscard]] Step GetAccess();
   [[nodiscard]] Step AskToEndLoad();
   [[nodiscard]] Step Confirm();
   [[nodiscard]] Step EndDryRun();
   [[nodiscard]] Step Backup();
+  [[nodiscard]] Step CheckStillSame();
   [[nodiscard]] Step EnterBootLoader();
   [[nodiscard]] Step AgreeOnSpeed();
   [[nodiscard]] Step EraseFlash();
@@ -77,7 +84,6 @@ class clsBrioQ50OSDownloader {
   [[nodiscard]] std::string ControllerName() const;
 
   void Tell(const std::string& text, PromptIcon icon);
-  [[nodiscard]] Step Decline(std::string reason) const;
   // Both show the box and fail; the second one because of the boot loader's step.
   [[nodiscard]] Step Refuse(DownloadCause cause, const std::string& text, PromptIcon icon, std::string reason);
   [[nodiscard]] Step ShowFailure(Step step, const std::string& text);

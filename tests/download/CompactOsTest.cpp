@@ -244,6 +244,25 @@ TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
   EXPECT_THAT(kept.desk.said.back(), HasSubstr("The O/S was sent, but the controller does not run it."));
 }
 
+TEST(CompactOs, AnApplicationGoesFromOneControllerIntoAnother) {
+  CompactOsFixture from(Plc("Q51"), false);
+  CompactOsFixture to(Plc("Q51"), false);
+  to.controller->Tell("DE");
+  clsBrioQ50OSDownloader engine(from.desk, from.desk, from.pacer, from.paths);
+  const auto application = engine.ReadPlcApp(*from.Link());
+  ASSERT_TRUE(application);
+  EXPECT_GT(application->size(), 20000U);
+  to.pacer.Sleep(5s);
+  EXPECT_NE(engine.ReadPlcApp(*to.Link()), application);
+  EXPECT_TRUE(engine.prvWritePlcAppToFlash(*to.Link(), *application));
+  EXPECT_EQ(engine.ReadPlcApp(*to.Link()), application);
+  EXPECT_FALSE(engine.prvWritePlcAppToFlash(*from.Link(), *application)) << "its program runs";
+  from.AnswerTo("RX", "RX00000000F");
+  EXPECT_FALSE(engine.ReadPlcApp(*from.Link()));
+  EXPECT_THAT(from.desk.said,
+              ElementsAre("O/S Downloader: Failed to restore PLC memory", "O/S Downloader: Failed to read PLC memory"));
+}
+
 // What the controller is after a failure must be what is said, and the ways out must lead out.
 void CheckLeft(CompactOsFixture& fixture) {
   const std::string truth = fixture.controller->Truth();
