@@ -1,8 +1,5 @@
 #include "download/clsAurexOSDownloader.h"
 
-#include <algorithm>
-
-#include "base/Numbers.h"
 #include "base/PathText.h"
 #include "clone/RestoreCheck.h"
 #include "deflate/Deflate.h"
@@ -145,7 +142,8 @@ DownloadPreview clsAurexOSDownloader::Preview() const {
   preview.about = TimeOnLink(mWork->link, preview.bytes + 64 * exchanges, exchanges);
   preview.losses.emplace_back("The program stops, and the controller restarts at the end.");
   if (mChange.ChangesBootLoader()) preview.losses.emplace_back("The project in the controller may be erased.");
-  if (mChange.LosesDataTypes()) preview.losses.emplace_back("The values of the operands are lost.");
+  if (mChange.LosesDataTypes() && !mChange.NeedsMemorySaved())
+    preview.losses.emplace_back("The values of the operands are lost.");
   if (mChange.NeedsMemorySaved()) {
     preview.warnings.emplace_back(
         "The memory of the controller is laid out anew. It is saved before and written back afterwards.");

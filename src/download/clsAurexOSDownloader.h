@@ -83,6 +83,7 @@ class clsAurexOSDownloader {
   [[nodiscard]] Step RestoreMemory();
   [[nodiscard]] Step TellForceFailure();
 
+  [[nodiscard]] Step FindAgain();
   void AskWhatIsLeft();
   void TellFoundBoot();
   [[nodiscard]] DownloadPreview Preview() const;

@@ -95,7 +95,10 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::EnterBootMode() {
     }
   }
   mWork->left = ControllerLeft::BootLoaderPerhaps;
-  if (error.code == LinkErrorCode::Stopped) return FailLink("Going into the boot loader was stopped.", error);
+  if (error.code == LinkErrorCode::Stopped) {
+    Step stopped = FailLink("Going into the boot loader was stopped.", error);
+    if (!mWork->GoesOnAfter(stopped.error())) return stopped;
+  }
   static_cast<void>(mWork->link.CommPort());  // it is the same line for the boot loader
   // When only the answer was lost, who answers now shows it.
   const auto version = mWork->link.GetVersionInfo(mWork->link.UnitID());
@@ -125,23 +128,32 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::WriteFiles() {
   return done;
 }
 
-// A stop cannot help any more: what the controller has is what it will start.
 clsAurexOSDownloader::Step clsAurexOSDownloader::Reset() {
   mWindow.SetStatus("Restarting the controller ...");
   mWork->Tell("The controller is about to restart", PromptIcon::Information, "Reset PLC");
-  const StopScope untilItIsBack(mContext.pacer);
   const bool isTold = mWork->link.ResetController(mWork->link.UnitID());
   const LinkError error = mWork->link.LastError();
   const bool isRefused = error.code == LinkErrorCode::Refused || error.code == LinkErrorCode::Busy;
   if (!isTold && isRefused) return FailLink("The controller does not restart.", error);
   mWork->left = ControllerLeft::OsPerhaps;
   // Its answer may have been lost: who answers now shows it.
-  auto after = FindAfterReset(mWork->link, mContext.pacer, mFound.info.serialNumber);
-  if (!after) return FailLink("The controller has not come back after its restart.", after.error());
-  mAfter = *std::move(after);
+  if (Step found = FindAgain(); !found) return found;
   if (!isTold && mAfter.version.model == kAurexBootText) return FailLink("The controller did not restart.", error);
   mReview = DownloadReview{SideOf(mFound), SideOf(mAfter)};
   return {};
+}
+
+// Asks until it answers; a stop ends that, when the user means it.
+clsAurexOSDownloader::Step clsAurexOSDownloader::FindAgain() {
+  while (true) {
+    auto after = FindAfterReset(mWork->link, mContext.pacer, mFound.info.serialNumber);
+    if (after) {
+      mAfter = *std::move(after);
+      return {};
+    }
+    Step failed = FailLink("The controller has not come back after its restart.", after.error());
+    if (!mWork->GoesOnAfter(failed.error())) return failed;
+  }
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::CheckNewOs() {
@@ -150,7 +162,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckNewOs() {
     return {};
   }
   const bool isInBoot = mAfter.version.model == kAurexBootText;
-  mWork->left = isInBoot ? ControllerLeft::BootLoaderErased : ControllerLeft::OldOs;
+  if (!isInBoot) mWork->left = ControllerLeft::OldOs;
   const std::string found = isInBoot ? "its boot loader runs" : "it reports the O/S " + mAfter.OsText();
   return mWork->Fail(DownloadCause::Unproven, "All was sent and answered well, but after the restart " + found +
                                                   " instead of " + VersionText(mOs->number) + ".");
@@ -160,6 +172,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckNewOs() {
 clsAurexOSDownloader::Step clsAurexOSDownloader::RestoreForceBit() {
   if (!mIsForced) return {};
   mContext.pacer.Sleep(kAfterReset);
+  const StopScope notToBeStopped(mContext.pacer);  // two exchanges
   mForceFailure = SetForceBit();
   if (mForceFailure.code != LinkErrorCode::None) return {};
   mWork->Tell("SB 501 is ON, Inputs forces might be active.", PromptIcon::Exclamation, "Warning");

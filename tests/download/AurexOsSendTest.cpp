@@ -158,8 +158,9 @@ TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {
 }
 
 TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
+  enum class At { SecondChunk, Reset, MemoryLine };
   struct Row {
-    bool isInMemory;  // the stop comes while it is written back, else while the second chunk is sent
+    At at;  // where the stop comes
     bool isDryRun;
     bool asks;
     PromptAnswer answer;  // to the question about the stop
@@ -169,22 +170,27 @@ TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
   constexpr PromptAnswer kYes = PromptAnswer::Yes;
   constexpr PromptAnswer kNo = PromptAnswer::No;
   const Row rows[] = {
-      {false, true, true, kNo, DownloadEnd::WouldGoOn, ControllerLeft::Untouched},
-      {false, false, true, kNo, DownloadEnd::Done, ControllerLeft::NewOs},
-      {false, false, true, kYes, DownloadEnd::Stopped, ControllerLeft::BootLoader},
-      {false, false, false, kNo, DownloadEnd::Stopped, ControllerLeft::BootLoader},
-      {true, false, true, kNo, DownloadEnd::Done, ControllerLeft::NewOs},
-      {true, false, true, kYes, DownloadEnd::Stopped, ControllerLeft::NewOsLoading},
+      {At::SecondChunk, true, true, kNo, DownloadEnd::WouldGoOn, ControllerLeft::Untouched},
+      {At::SecondChunk, false, true, kNo, DownloadEnd::Done, ControllerLeft::NewOs},
+      {At::SecondChunk, false, true, kYes, DownloadEnd::Stopped, ControllerLeft::BootLoader},
+      {At::SecondChunk, false, false, kNo, DownloadEnd::Stopped, ControllerLeft::BootLoader},
+      {At::MemoryLine, false, true, kNo, DownloadEnd::Done, ControllerLeft::NewOs},
+      {At::Reset, false, true, kNo, DownloadEnd::Done, ControllerLeft::NewOs},
+      {At::Reset, false, true, kYes, DownloadEnd::Stopped, ControllerLeft::NewOs},
+      {At::MemoryLine, false, true, kYes, DownloadEnd::Stopped, ControllerLeft::NewOsLoading},
   };
   for (const Row& row : rows) {
-    AurexOsFixture fixture("K220-22-R1", row.isInMemory ? "3.73" : "4.60");
+    AurexOsFixture fixture("K220-22-R1", row.at == At::MemoryLine ? "3.73" : "4.60");
     fixture.Put("K220", {"4.75", 3}, {"1.30", 0});
     int lines = 0;
     fixture.desk.onMemoryLine = [&] {
       if (++lines == 100) fixture.pacer.RequestStop();
     };
     fixture.desk.onProgress = [&](std::int64_t current, std::int64_t) {
-      if (!row.isInMemory && current == 2) fixture.pacer.RequestStop();
+      if (row.at == At::SecondChunk && current == 2) fixture.pacer.RequestStop();
+    };
+    fixture.controller->onText = [&](std::string_view text, const sim::TextReply&) {
+      if (row.at == At::Reset && text == "CCE") fixture.pacer.RequestStop();
     };
     int questions = 0;
     fixture.desk.answer = [&](const MessageBox& box) {
