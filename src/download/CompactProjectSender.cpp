@@ -47,7 +47,8 @@ std::expected<Piece, std::string> ReadPiece(std::string_view line) {
   return Piece{address + static_cast<std::uint32_t>(bytes)};
 }
 
-// Doing it twice is the same as doing it once, so that a stop which ended its exchange can be taken back.
+// Doing it twice is the same as doing it once: a stop which ended its exchange can be taken back, and it is sent once
+// more over a connection that has come back.
 bool IsRepeatable(std::string_view line) {
   return line.starts_with("LD") || line.starts_with("LN") || line == "DI" || line == "CCS";
 }
@@ -147,10 +148,14 @@ CompactProjectSender::Step CompactProjectSender::SendLine(const std::string& lin
   if (line == "CCS") mWork.Tell("The controller is about to enter Stop mode.", PromptIcon::Exclamation);
   if (line == "CCE") mWork.Tell("The controller is about to Reset.", PromptIcon::Exclamation);
   return mWork.Do(LeftBy(line, mWork.left), [&]() -> Step {
-    while (true) {
+    for (bool wasUnsure = false;;) {
       auto reply = mWork.Send(line);
       if (reply) return line == "DI" ? WaitForErase(*std::move(reply)) : Step();
-      if (!IsRepeatable(line) || !mWork.GoesOnAfter(reply.error())) return std::unexpected(reply.error());
+      if (!IsRepeatable(line)) return std::unexpected(reply.error());
+      const bool isUnsure = reply.error().link.code == LinkErrorCode::Unsure;
+      if (isUnsure) mWork.NoteUnsure();
+      const bool isFirst = isUnsure && !std::exchange(wasUnsure, true);
+      if (!isFirst && !mWork.GoesOnAfter(reply.error())) return std::unexpected(reply.error());
     }
   });
 }

@@ -9,9 +9,8 @@ std::string_view LeftBehindText(ControllerLeft left) {
     case ControllerLeft::Untouched:
       return "Nothing was changed in the controller.";
     case ControllerLeft::Stopped:
-      return "The controller's program was told to stop, and its project is the one that it had. Start it with "
-             "\"kvtele "
-             "run\", or download again.";
+      return "The controller's program was told to stop, and its project is the one that it had. Start it "
+             "with \"kvtele run\", or download again.";
     case ControllerLeft::ProjectBegun:
       return "The controller's program is stopped for a download that has not come to its end, and its old project is "
              "still there. Download again; or switch it off and on, or start it with \"kvtele run\", to go back to the "
@@ -21,8 +20,7 @@ std::string_view LeftBehindText(ControllerLeft left) {
              "on that. Download a project again.";
     case ControllerLeft::Programming:
       return "The controller may still be programming its flash: if it loses its power now, it has no project any "
-             "more. "
-             "Wait a minute, then download again.";
+             "more. Wait a minute, then download again.";
     case ControllerLeft::ProjectWaits:
       return "All of the new project is in the controller, and it runs once the controller has restarted. Switch the "
              "controller off and on, or download again.";
