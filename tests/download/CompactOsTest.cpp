@@ -244,6 +244,24 @@ TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
   EXPECT_THAT(kept.desk.said.back(), HasSubstr("The O/S was sent, but the controller does not run it."));
 }
 
+TEST(CompactOs, AStopInTheMiddleIsAskedAbout) {
+  for (const PromptAnswer answer : {PromptAnswer::No, PromptAnswer::Yes}) {
+    CompactOsFixture fixture(Plc("Q51"));
+    fixture.desk.onProgress = [&](std::int64_t current, std::int64_t) {
+      if (current == 2) fixture.pacer.RequestStop();
+    };
+    fixture.desk.answer = [&](const MessageBox& box) {
+      return box.text.starts_with("Stop ") ? answer : Consent(box.buttons);
+    };
+    EXPECT_EQ(fixture.Download(), answer == PromptAnswer::No);
+    EXPECT_EQ(fixture.outcome.end, answer == PromptAnswer::No ? DownloadEnd::Done : DownloadEnd::Stopped);
+    if (answer == PromptAnswer::No) continue;
+    EXPECT_EQ(fixture.outcome.left, ControllerLeft::BootLoaderErased);
+    fixture.desk.onProgress = nullptr;
+    EXPECT_TRUE(fixture.DownloadAgain());
+  }
+}
+
 TEST(CompactOs, AnApplicationGoesFromOneControllerIntoAnother) {
   CompactOsFixture from(Plc("Q51"), false);
   CompactOsFixture to(Plc("Q51"), false);
