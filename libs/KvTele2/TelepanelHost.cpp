@@ -74,7 +74,10 @@ std::string TelepanelHost::WhyDisabled(std::string_view id) const {
 void TelepanelHost::ClickTool(const std::string& id, const std::string& argument) {
   mIsInTool = true;
   mLastMessage.clear();
-  const ScopeGuard done([this] { mIsInTool = mState.isWithTool = false; });
+  const ScopeGuard done([this] {
+    mIsInTool = mState.isWithTool = false;
+    mIsVersionOld = true;  // it may have replaced the O/S
+  });
   if (OnToolClicked) OnToolClicked(id, argument);
   mWatch.AskNow();  // what the tool did to the controller or to the link is seen at once
 }

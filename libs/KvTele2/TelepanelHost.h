@@ -151,6 +151,7 @@ class TelepanelHost final : public RemoteHost {
   std::string mMessageBefore;  // the silence
   std::string mLastMessage;    // of the tool that is at work
   bool mIsInTool = false;
+  bool mIsVersionOld = false;  // the version is to be asked again
   bool mIsAsking = false;
   std::optional<HostView::Wait> mWait;  // under way
   std::optional<StopScope> mStop;       // of that wait

@@ -177,12 +177,15 @@ void TelepanelHost::AskController(HostView::Wait wait, const std::string& what) 
 }
 
 bool TelepanelHost::Ask() {
-  if (!mState.controller) {
+  const auto before = mState.controller;
+  if (!before || mIsVersionOld) {
     const auto version = mChannel->GetVersionInfo(mUnit);
     if (!version) return false;
     mState.controller = ControllerFactsOf(*version, mUnit);
   }
   const auto info = mChannel->GetControllerInfo(mUnit);
+  mIsVersionOld = mIsVersionOld && !info;
+  if (!info && before) mState.controller = before;
   if (info) TakeInfo(*info);
   return info.has_value();
 }

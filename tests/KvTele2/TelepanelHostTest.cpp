@@ -134,6 +134,14 @@ TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
   EXPECT_THAT(view.shown.message, HasSubstr("On line with K220-22-R1"));
 }
 
+TEST_F(TelepanelHostTest, AToolThatHasReplacedTheOsIsFollowed) {
+  host.Click(command::kOnLine);
+  channel->version->osVersion = "4.75";
+  host.Click("ID_Downloader");
+  Pass(std::chrono::seconds(1));
+  EXPECT_EQ(view.shown.controller->os, "4.75");
+}
+
 TEST_F(TelepanelHostTest, ToolsThatLookOtherwiseInAnEditionAreToldWhichItIs) {
   ASSERT_TRUE(host.Settings().Write("Edition", "USER_LOMBA"));
   for (const char* id : {"ID_Downloader", "ID_Help", "ID_About", "ID_DumpPLC"}) host.Click(id);
