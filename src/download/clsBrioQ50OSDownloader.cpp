@@ -58,7 +58,7 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::RunSteps() {
   using C = clsBrioQ50OSDownloader;
   constexpr Step (C::* kSteps[])() = {&C::Identify,       &C::ChooseFile,      &C::CheckSuits,   &C::CheckBuilds,
                                       &C::CheckFile,      &C::ShowBothSides,   &C::CheckBackup,  &C::GetAccess,
-                                      &C::AskToEndLoad,   &C::Confirm,         &C::EndDryRun,    &C::Backup,
+                                      &C::AskToEndLoad,   &C::Confirm,         &C::EndDryRun,
                                       &C::CheckFile,  // it may have become another one while the questions were open
                                       &C::CheckStillSame, &C::EnterBootLoader, &C::AgreeOnSpeed,
                                       &C::CheckFile,  // the last moment at which the old O/S is still there
@@ -172,16 +172,15 @@ std::string clsBrioQ50OSDownloader::ControllerName() const {
   return ControllerText(mFound.version, mFound.info, mWork->order.link);
 }
 
+// There are no clones of controllers of this family.
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::CheckBackup() {
   if (mWork->order.backup == nullptr) return {};
-  const std::string why = WhyNoBackup(mWork->link, mFound);
-  if (why.empty()) return {};
-  auto refused = mWork->Refuse(why + "\nWhat to do: download without one.");
+  auto refused = mWork->Refuse(WhyNoBackup(mWork->link, mFound) + "\nWhat to do: download without one.");
   refused.error().cause = DownloadCause::Backup;
   return refused;
 }
 
-// A password that is not known is found out before a backup is made, and in a dry run.
+// A password that is not known is found out in a dry run, too.
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::GetAccess() {
   if (mWork->link.EnsureAccess(mWork->link.UnitID())) return {};
   return mWork->FailOf(mWork->link.LastError());
@@ -212,11 +211,6 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Confirm() {
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EndDryRun() {
   if (!mWork->order.isDryRun) return {};
   return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
-}
-
-clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Backup() {
-  if (mWork->order.backup == nullptr) return {};
-  return mWork->order.backup->Take(mWork->link, mFound, ControllerName(), Utf8FromPath(mChosen.filename()));
 }
 
 // Questions can be open for long.

@@ -66,7 +66,6 @@ class clsBrioQ50OSDownloader {
   [[nodiscard]] Step AskToEndLoad();
   [[nodiscard]] Step Confirm();
   [[nodiscard]] Step EndDryRun();
-  [[nodiscard]] Step Backup();
   [[nodiscard]] Step CheckStillSame();
   [[nodiscard]] Step EnterBootLoader();
   [[nodiscard]] Step AgreeOnSpeed();
