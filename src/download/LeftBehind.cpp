@@ -31,8 +31,9 @@ std::string_view LeftBehindText(ControllerLeft left) {
       return "The controller's boot loader runs, and its old O/S is still there. Download an O/S again, or switch the "
              "controller off and on to go back to the old one.";
     case ControllerLeft::BootLoaderAsFound:
-      return "The controller's boot loader runs, as it did before. Download an O/S again; if there is still one in it, "
-             "it starts when the controller is switched off and on.";
+      return "The controller's boot loader ran before the download, too, and nothing has been programmed. Download an "
+             "O/S "
+             "again; if there is still one in it, that starts when the controller is switched off and on.";
     case ControllerLeft::BootLoaderErased:
       return "The controller's boot loader runs, and there is no whole O/S in it. Download an O/S again: it cannot run "
              "before.";
