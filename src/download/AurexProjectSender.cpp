@@ -4,7 +4,6 @@
 #include <charconv>
 #include <chrono>
 #include <optional>
-#include <utility>
 
 #include "base/Texts.h"
 #include "download/FileFields.h"
@@ -27,6 +26,9 @@ constexpr std::uint8_t kIdle = 'I';
 
 constexpr int kStatusSteps = 120;
 constexpr Duration kBetweenPolls = std::chrono::milliseconds(100);
+
+// How often the link may be lost in the middle of one topic: behind that it is no link to program a controller over.
+constexpr int kMostLosses = 3;
 
 // One number that grows with version and build: 460 and 19 are 46019.
 constexpr int kBuilds = 100;
@@ -157,6 +159,7 @@ AurexProjectSender::Step AurexProjectSender::SendTopics() {
 // download can go on, the controller tells whether it has the topic: it counts them.
 AurexProjectSender::Step AurexProjectSender::SendTopic(const AurexProjectTopic& topic) {
   const auto expected = static_cast<std::uint8_t>(mSent + 1);
+  int losses = 0;
   while (true) {
     const BlockFields fields{.opCode = kDownloadData,
                              .param1 = topic.param1,
@@ -165,7 +168,7 @@ AurexProjectSender::Step AurexProjectSender::SendTopic(const AurexProjectTopic& 
                              .param4 = topic.param4};
     const auto sent = mWork.SendBlock(fields, topic.data);
     if (sent) return {};
-    const bool isUnsure = sent.error().link.code == LinkErrorCode::Unsure;
+    const bool isUnsure = sent.error().link.code == LinkErrorCode::Unsure && losses++ < kMostLosses;
     if (!isUnsure && !mWork.GoesOnAfter(sent.error())) return std::unexpected(sent.error());
     const auto status = AskStatus();
     if (!status) return std::unexpected(isUnsure ? sent.error() : status.error());
@@ -246,17 +249,13 @@ std::expected<Bytes, DownloadOutcome> AurexProjectSender::AskStatus() {
   }
 }
 
-// Once more over a connection that has come back.
 AurexProjectSender::Step AurexProjectSender::SendRepeatable(std::uint16_t operation,
                                                             std::span<const std::uint8_t> data) {
-  for (bool wasUnsure = false;;) {
+  return mWork.DoRepeatable([&]() -> Step {
     const auto sent = mWork.SendBlock({.opCode = operation}, data);
-    if (sent) return {};
-    const bool isUnsure = sent.error().link.code == LinkErrorCode::Unsure;
-    if (isUnsure) mWork.NoteUnsure();
-    const bool isFirst = isUnsure && !std::exchange(wasUnsure, true);
-    if (!isFirst && !mWork.GoesOnAfter(sent.error())) return std::unexpected(sent.error());
-  }
+    if (!sent) return std::unexpected(sent.error());
+    return {};
+  });
 }
 
 }  // namespace kv

@@ -147,17 +147,12 @@ CompactProjectSender::Step CompactProjectSender::Send() {
 CompactProjectSender::Step CompactProjectSender::SendLine(const std::string& line) {
   if (line == "CCS") mWork.Tell("The controller is about to enter Stop mode.", PromptIcon::Exclamation);
   if (line == "CCE") mWork.Tell("The controller is about to Reset.", PromptIcon::Exclamation);
-  return mWork.Do(LeftBy(line, mWork.left), [&]() -> Step {
-    for (bool wasUnsure = false;;) {
-      auto reply = mWork.Send(line);
-      if (reply) return line == "DI" ? WaitForErase(*std::move(reply)) : Step();
-      if (!IsRepeatable(line)) return std::unexpected(reply.error());
-      const bool isUnsure = reply.error().link.code == LinkErrorCode::Unsure;
-      if (isUnsure) mWork.NoteUnsure();
-      const bool isFirst = isUnsure && !std::exchange(wasUnsure, true);
-      if (!isFirst && !mWork.GoesOnAfter(reply.error())) return std::unexpected(reply.error());
-    }
-  });
+  const auto send = [&]() -> Step {
+    auto reply = mWork.Send(line);
+    if (!reply) return std::unexpected(reply.error());
+    return line == "DI" ? WaitForErase(*std::move(reply)) : Step();
+  };
+  return mWork.Do(LeftBy(line, mWork.left), [&] { return IsRepeatable(line) ? mWork.DoRepeatable(send) : send(); });
 }
 
 // Without a limit: only the controller knows how long its flash takes. The user can stop it.

@@ -1,5 +1,6 @@
 #include "download/DownloadWork.h"
 
+#include <optional>
 #include <utility>
 
 #include "base/Numbers.h"
@@ -86,8 +87,22 @@ DownloadWork::Step DownloadWork::StopPoint() {
 
 bool DownloadWork::GoesOnAfter(const DownloadOutcome& outcome) {
   if (outcome.link.code != LinkErrorCode::Stopped || IsStopMeant()) return false;
-  NoteUnsure();
+  mMayBeExecuted = true;
   return true;
+}
+
+DownloadWork::Step DownloadWork::DoRepeatable(const std::function<Step()>& exchange) {
+  std::optional<DownloadOutcome> unsure;
+  while (true) {
+    Step done = exchange();
+    if (done) return done;
+    if (!unsure && done.error().link.code == LinkErrorCode::Unsure) {
+      mMayBeExecuted = true;
+      unsure = done.error();
+    } else if (!GoesOnAfter(done.error())) {
+      return unsure && done.error().cause == DownloadCause::Link ? std::unexpected(*unsure) : done;
+    }
+  }
 }
 
 // Who asks for a stop once more while the question is open means it.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <expected>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -66,6 +67,10 @@ class DownloadWork {
     return done;
   }
 
+  // Does an exchange that may be done twice: again when a stop that ended it is taken back, and once more over a link
+  // that has come back. When that fails, too, the first failure tells more.
+  [[nodiscard]] Step DoRepeatable(const std::function<Step()>& exchange);
+
   // Sends a text command. A reply with ERROR is a failure.
   [[nodiscard]] std::expected<CommandReply, DownloadOutcome> Send(std::string_view command);
   // Sends a block message, with data unless it is null. A status other than done is a failure.
@@ -74,8 +79,6 @@ class DownloadWork {
 
   // A stop ended the exchange that this outcome is of: whether the user, asked about what is left, wants to go on.
   [[nodiscard]] bool GoesOnAfter(const DownloadOutcome& outcome);
-  // The exchange may have been executed, whatever becomes of the next try.
-  void NoteUnsure() { mMayBeExecuted = true; }
 
  private:
   [[nodiscard]] bool IsStopMeant();

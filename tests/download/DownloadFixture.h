@@ -17,9 +17,9 @@
 namespace kv::test {
 
 // A simulated controller that writes into a log what may change it: text commands ("CCS"), and block messages ("66").
-class WatchedController final : public sim::Controller {
+class LoggedController final : public sim::Controller {
  public:
-  WatchedController(std::unique_ptr<sim::Controller> inner, std::vector<std::string>& log)
+  LoggedController(std::unique_ptr<sim::Controller> inner, std::vector<std::string>& log)
       : mInner(std::move(inner)), mLog(log) {}
 
   std::function<void(const sim::BlockRequest& request, sim::BlockReply& reply)> onBlock;  // may change the reply
@@ -65,13 +65,13 @@ class WatchedController final : public sim::Controller {
   std::vector<std::string>& mLog;
 };
 
-// The driver on a simulated line to a controller that is watched, on virtual time.
+// The driver on a simulated line to a controller that is logged, on virtual time.
 struct DownloadFixture {
   explicit DownloadFixture(const std::string& model, sim::SimulatorOptions options = {}) {
     options.model = model;
-    auto watched = std::make_unique<WatchedController>(sim::Controller::Create(options).value(), log);
-    controller = watched.get();
-    simulated = sim::SimulatedController::CreateAround(std::move(watched), options).value();
+    auto logged = std::make_unique<LoggedController>(sim::Controller::Create(options).value(), log);
+    controller = logged.get();
+    simulated = sim::SimulatedController::CreateAround(std::move(logged), options).value();
   }
   Channel& Link() { return *(mChannel = driver.GetChannel()); }
   void UseFault(const std::string& rule) { EXPECT_TRUE(simulated->UseFaults({rule})); }
@@ -79,7 +79,7 @@ struct DownloadFixture {
 
   VirtualPacer pacer;
   std::vector<std::string> log;
-  WatchedController* controller = nullptr;
+  LoggedController* controller = nullptr;
   std::unique_ptr<sim::SimulatedController> simulated;
   TemporaryFolder folder;
   Driver driver{pacer, [this](const std::string&) { return simulated->NewLine(); }, nullptr};
