@@ -114,10 +114,10 @@ TEST(AurexOsCuts, LeaveWhatIsSaidAndCanBeRepeated) {
 
 // Where the memory is saved before and written back afterwards there are many hundred exchanges more.
 TEST(AurexOsCuts, LeaveTheMemoryWhereItCanBeFound) {
-  const Cut cuts[] = {{"refuse:code=09", true, 20}, {"reset", true, 8}, {"lost:away=400000", false, 20}};
+  const Cut cuts[] = {{"refuse:code=09", true, 16}, {"reset", true, 4}, {"lost:away=400000", false, 16}};
   for (const Cut& cut : cuts) {
     int failures = 0;
-    for (int nth = 8; nth < 900 && !testing::Test::HasFailure(); nth += nth < 24 ? 1 : 67) {
+    for (int nth = 8; nth < 900 && !testing::Test::HasFailure(); nth += nth < 24 ? 1 : 151) {
       failures += CutAt(nth, cut, "3.73") ? 0 : 1;
     }
     EXPECT_GE(failures, cut.failures) << cut.fault;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "AurexOsFixture.h"
+#include "tests/support/WeatherSeeds.h"
 
 namespace kv::test {
 namespace {
@@ -218,10 +219,11 @@ TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
 
 // Whatever the weather: the right O/S, or a plain failure that names the place.
 TEST(AurexOsSending, GetsThroughTheWeatherOrSaysWhereItEnded) {
+  const int seeds = WeatherSeeds(60);
   int done = 0;
-  for (std::uint64_t seed = 1; seed <= 1000 && !testing::Test::HasFailure(); ++seed) {
+  for (int seed = 1; seed <= seeds && !testing::Test::HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
-    AurexOsFixture fixture("K220-22-R1", "", false, seed);
+    AurexOsFixture fixture("K220-22-R1", "", false, static_cast<std::uint64_t>(seed));
     fixture.Put("K220", {"4.75", 3}, {"1.30", 0});
     ASSERT_TRUE(
         fixture.simulated->UseFaults({"noreply:p=0.03", "late:ms=400,p=0.03", "double:p=0.03", "damage:rate=0.0005",
@@ -238,7 +240,7 @@ TEST(AurexOsSending, GetsThroughTheWeatherOrSaysWhereItEnded) {
     EXPECT_TRUE(fixture.DownloadAgain()) << OutcomeText(fixture.outcome);
     EXPECT_EQ(fixture.controller->Truth(), kNew);
   }
-  EXPECT_GT(done, 900);
+  EXPECT_GT(done, seeds * 9 / 10);
 }
 
 }  // namespace
