@@ -66,10 +66,17 @@ CompactBootLoader::Step CompactBootLoader::Enter() {
     if (Step stopped = Tell("CCS", Stopped); !stopped) return stopped;
     mWork.pacer.Sleep(kAfterStop);
   }
-  if (Step entered = Tell("CCB", BootLoaderPerhaps); !entered) return entered;
+  if (Step entered = Tell("CCB", BootLoaderPerhaps); !entered && !HasEntered(entered.error())) return entered;
   mWork.left = BootLoader;
   if (mKind == CompactKind::PR1 && !ReopenLater()) return LinkFailure();
   return {};
+}
+
+// Where only the answer was lost, the controller tells it.
+bool CompactBootLoader::HasEntered(const DownloadOutcome& failure) {
+  if (!IsInDoubt(failure)) return false;
+  const auto info = mWork.link.GetControllerInfo(mWork.link.UnitID());
+  return info && info->state == 'B';
 }
 
 CompactBootLoader::Step CompactBootLoader::AgreeOnSpeed() {

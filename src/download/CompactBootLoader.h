@@ -57,6 +57,7 @@ class CompactBootLoader {
   // Asks again and again until the data begin with `ready`. Those that begin with `failed` are a failure, and so are 31
   // others.
   [[nodiscard]] Step Poll(const std::string& question, std::string_view ready, std::string_view failed, Duration pause);
+  [[nodiscard]] bool HasEntered(const DownloadOutcome& failure);
   [[nodiscard]] Step StartErase();
   [[nodiscard]] Step WriteBlock(const std::string& command);
   [[nodiscard]] Step TellSpeed(const std::string& command, int baudRate);
