@@ -13,31 +13,6 @@ std::string WithLines(const std::string& text) {
   return lines;
 }
 
-TEST(PagesFileTest, AFileSaysAgainWhatWasSaved) {
-  const TemporaryFolder folder;
-  const PagesFile pages{
-      "Br\u00FC"
-      "cke 7",
-      "K670-67-T40 / K390-29-T40"};
-  const auto file = folder.Path() / "a.kta";
-  ASSERT_TRUE(SavePagesFile(file, pages));
-  const auto read = ReadPagesFile(file);
-  ASSERT_TRUE(read) << read.error().Text();
-  EXPECT_EQ(*read, pages);
-  EXPECT_TRUE(
-      TemporaryFolder::Content(file).starts_with("TELEPANEL-PAGES 1\r\nproject Br\xFC"
-                                                 "cke 7\r\n"));
-}
-
-TEST(PagesFileTest, AFileThatEndsAnywhereBeforeItsEndIsRefused) {
-  const std::string whole = PrintPagesFile({"Bakery", "Q50"});
-  for (std::size_t length = 0; length < whole.size(); ++length) {
-    const auto cut = ParsePagesFile(std::string_view(whole).substr(0, length));
-    ASSERT_FALSE(cut) << "cut at " << length;
-  }
-  EXPECT_TRUE(ParsePagesFile(whole));
-}
-
 TEST(PagesFileTest, WhatIsWrongIsNamedWithItsLine) {
   const struct {
     const char* text;  // "|" ends a line

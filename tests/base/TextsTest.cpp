@@ -48,24 +48,6 @@ TEST(Numbers, FloatsAreTakenWholeAndFinite) {
   }
 }
 
-TEST(Numbers, FloatTexts) {
-  const std::pair<float, const char*> rows[] = {
-      {-0.0F, "-0"},
-      {9999999.0F, "9999999"},
-      {0.0001F, "0.0001"},
-      {9e9F, "9e+09"},  // is 8999999488: what was typed comes back, not what the bits stand for
-      {std::numeric_limits<float>::max(), "3.402823e+38"},
-      {-std::numeric_limits<float>::denorm_min(), "-1e-45"},
-      // More than 7 digits: the value is rounded, not its shortest text (285.04965, which would end in 6).
-      {285.04965209F, "285.0497"},
-      {28504.965F, "28504.96"},  // is 28504.96484375
-      {8388607.5F, "8388608"},   // in the middle: to the even digit
-      {-std::numeric_limits<float>::infinity(), "-inf"},
-      {-std::numeric_limits<float>::quiet_NaN(), "nan"},
-  };
-  for (const auto& [value, text] : rows) EXPECT_EQ(FloatText(value), text);
-}
-
 TEST(DateText, FillsUpWithZeros) {
   using namespace std::chrono;
   const local_seconds time = local_days{2026y / 3 / 9} + 4h + 5min + 6s;

@@ -276,29 +276,6 @@ TEST(OnLine, MarksValuesThatChangeAndFadesTheMarks) {
   EXPECT_THAT(marks, ElementsAre(0.0, 0.0, 1.0, 0.5, 0.0)) << "the first read is no change";
 }
 
-TEST(OnLine, HoldsWhatTheUserIsToldUntilItCanHaveBeenRead) {
-  DataViewFixture fixture;
-  fixture.Add(MI, 0, 1);
-  fixture.view.Edit(MI, 1, "5");
-  int pass = 0;
-  fixture.channel->during = [&] {  // an entry is refused in the first pass, which replaces the edit
-    if (pass == 0 && fixture.view.Status().mode == ViewMode::Online) fixture.view.Edit(MI, 0, "1");
-  };
-  fixture.pacer.OnDoEvents([&] {
-    ++pass;
-    EXPECT_THAT(fixture.view.Status().message, HasSubstr(pass <= 2 ? "being watched" : "1 edited value was replaced"));
-    EXPECT_TRUE(fixture.view.Status().lastError);
-    if (pass == 3) {
-      EXPECT_TRUE(fixture.view.Edit(ML, 0, "1"));
-      EXPECT_FALSE(fixture.view.Status().lastError) << "goes with success";
-      fixture.view.Run("ID_OnLine");
-    }
-    fixture.pacer.Sleep(std::chrono::seconds(pass == 1 ? 1 : 10));
-  });
-  fixture.Run("ID_OnLine");
-  EXPECT_EQ(fixture.view.Status().message, "Watching has ended.");
-}
-
 TEST(OnLine, GoesOnByItselfWithTheSameControllerOnly) {
   DataViewFixture fixture;
   fixture.Add(MI, 0, 1);

@@ -31,19 +31,6 @@ std::string Paste(const std::string& text, const GridSelection& selection, const
   return result;
 }
 
-TEST(Clipboard, CopiesTheRectangleWhicheverWayItWasSelected) {
-  OperandStore store("K220-22-R1");
-  store.Edit(OperandTypeCode::MB, 1, "1");
-  store.Edit(OperandTypeCode::MI, 0, "-7");
-  store.Edit(OperandTypeCode::MI, 2, "12");
-  EXPECT_EQ(CopyText(store, {kMB, 1, kMI, 3}), "\t1\t\r\n-7\t\t12\r\n");
-  EXPECT_EQ(CopyText(store, {kMI, 3, kMB, 1}), "\t1\t\r\n-7\t\t12\r\n");
-  EXPECT_EQ(CopyText(store, {kMI, 1, kMI, 1}), "-7\r\n");
-  EXPECT_EQ(CopyText(store, {kMI, 0, kMI, 1}), "-7\r\n");      // the heading is not copied
-  EXPECT_EQ(CopyText(store, {kMF, 24, kMF, 26}), "\t\t\r\n");  // nor what the model does not have
-  EXPECT_EQ(CopyText(store, {0, 0, -1, -1}), "");              // nothing selected
-}
-
 TEST(Clipboard, PastesInWhichShapeItFits) {
   HiddenRows miHidden;
   miHidden.Set(kMI, true);

@@ -129,19 +129,5 @@ TEST(RegionFile, ThatWasCutAnywhereIsRefusedAsCorrupted) {
   }
 }
 
-TEST(RegionFile, OfAMillionLinesIsRefusedEarly) {
-  std::string rows;
-  for (int i = 0; i < 1'000'000; ++i) rows += "1\tMB\t0\t0\t\r\n";
-  const auto refused = ParseRegionFile(File(rows), kLarge);
-  ASSERT_FALSE(refused);
-  EXPECT_THAT(refused.error().reason, HasSubstr("more regions than the model has operands"));
-
-  const TemporaryFolder folder;
-  const auto large = LoadRegionFile(folder.Put("large.axt", std::string(kLargestRegionFile + 1, ' ')), kLarge);
-  ASSERT_FALSE(large);
-  EXPECT_THAT(large.error().reason, HasSubstr("larger than"));
-  EXPECT_EQ(LoadRegionFile(folder.Path() / "none.axt", kLarge).error().kind, Kind::Format);
-}
-
 }  // namespace
 }  // namespace kv::mdlDataTypesView

@@ -184,30 +184,5 @@ TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
   EXPECT_NE(fixture.messages.back().find("were not kept. "), std::string::npos) << fixture.messages.back();
 }
 
-TEST(Trace, KeepsTheLastFramesWithTheirMeaningAndNoPassword) {
-  DriverFixture fixture;
-  fixture.driver.UseSettings(SerialSettings(), false);
-  const TemporaryFolder folder;
-  EXPECT_FALSE(fixture.driver.GetTrace().WriteTo((folder.Path() / "none" / "trace.txt").string()));
-  ASSERT_TRUE(fixture.driver.GetTrace().WriteTo((folder.Path() / "trace.txt").string()));
-  const auto channel = fixture.driver.GetChannel();
-  ASSERT_TRUE(channel);
-  channel->SetCommandOwner("test");
-  EXPECT_TRUE(channel->ReadMI(0, 60, 1));
-  EXPECT_FALSE(channel->GiveAccess("topsecrt", 1));
-  (void)channel->SendCommand("GItopsecrt");
-  const std::string text = fixture.driver.GetTrace().Text();
-  for (const char* part : {"--- Connected to COM3", "--> test /01RO", "[unit 1: read MI 0..59]", "<-- test /01AC",
-                           "refused: the password is wrong", "/01GI********"}) {
-    EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
-  }
-  EXPECT_EQ(text.find("topsecrt"), std::string::npos);
-  EXPECT_EQ(text.find("746F70"), std::string::npos);
-  EXPECT_EQ(TemporaryFolder::Content(folder.Path() / "trace.txt"), text);
-  for (int i = 0; i < 600; ++i) EXPECT_TRUE(channel->ReadMI(0, 1, 1));
-  const std::string later = fixture.driver.GetTrace().Text();
-  EXPECT_EQ(std::ranges::count(later, '\n'), 1000);
-}
-
 }  // namespace
 }  // namespace kv

@@ -7,6 +7,13 @@
 namespace kv {
 namespace {
 
+TEST(LinkInput, TheLongestTextsAreTaken) {
+  LinkInput input = InputOf(UnusualSettings(Transport::Modem));
+  input.host = std::string(200, 'a');
+  input.modemInit = "AT" + std::string(198, 'X');
+  EXPECT_TRUE(CheckInput(input, {}).faults.empty());
+}
+
 TEST(LinkInput, ABadFieldIsNamedWithItsRangeWhereItIsUsedAndKeepsItsSetting) {
   using enum Transport;
   using In = LinkInput;

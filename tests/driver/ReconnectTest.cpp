@@ -160,63 +160,6 @@ TEST(Reconnect, AnotherControllerOnTheSameConnectionIsNeverTakenForTheOneBefore)
   }
 }
 
-// Nobody noticed that the cable was moved: it was quick, and nothing was asked meanwhile.
-TEST(Reconnect, AnotherControllerGivesItselfAwayByWhatItAnswers) {
-  const std::tuple<const char*, const char*, std::function<bool(Channel&)>> cases[] = {
-      {"its information", "", [](Channel& c) { return c.GetControllerInfo(1).has_value(); }},
-      {"its identification", "", [](Channel& c) { return c.GetVersionInfo(1).has_value(); }},
-      {"an older counter", "", [](Channel& c) { return c.ReadMI(0, 1, 1).has_value(); }},
-      {"another power-up", "noreply:on=WO,nth=1", [](Channel& c) { return c.WriteMI(0, kSeven, 1); }},
-      {"a lost reply", "noreply:on=CC,nth=1", [](Channel& c) { return c.StopController(1); }},
-  };
-  for (const auto& [what, fault, request] : cases) {
-    SCOPED_TRACE(what);
-    Fixture fixture;
-    for (int i = 0; i < 20; ++i) EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1));
-    fixture.plant.Connect("K330", "", Like(4711));
-    if (*fault != 0) fixture.plant.UseFaults({fault});
-    EXPECT_FALSE(request(fixture.channel));
-    EXPECT_EQ(fixture.Error().code, LinkErrorCode::OtherController) << fixture.Error().Text();
-    EXPECT_LE(fixture.plant.controller->MostExecutions(), 1);
-  }
-}
-
-// What is asked right after a reset is asked again until the controller listens, and so is what became of the reset.
-TEST(Reconnect, AControllerThatRestartsIsWaitedFor) {
-  const std::tuple<const char*, std::vector<std::string>, std::function<bool(Fixture&)>> resets[] = {
-      {"reset", {}, [](Fixture& b) { return b.channel.ResetController(1); }},
-      {"reset, reply lost", {"noreply:on=CC,nth=1"}, [](Fixture& b) { return b.channel.ResetController(1); }},
-      {"boot loader", {}, [](Fixture& b) { return b.channel.SendCommand("CCB").has_value(); }},
-      {"boot loader", {"lost:on=CC,nth=1"}, [](Fixture& b) { return b.channel.SendCommand("CCB").has_value(); }},
-      {"raw reset",
-       {},
-       [](Fixture& b) {
-         SerialPortObject* port = b.channel.GetSerialPort();
-         const bool isSent = port->Output("/01CCE2C\r");
-         b.pacer.Sleep(10ms);
-         return isSent && !port->Input().empty();
-       }},
-  };
-  for (const Duration restart : {Duration(200ms), Duration(2s), Duration(4500ms)}) {
-    for (const auto& [what, faults, reset] : resets) {
-      SCOPED_TRACE(std::string(what) + ", " + std::to_string(restart.count()) + " us");
-      Fixture fixture("K220", SerialSettings(), "", Like({}, restart));
-      fixture.plant.UseFaults(faults);
-      EXPECT_TRUE(reset(fixture)) << fixture.Error().Text();
-      const bool isInBootLoader = std::string_view(what) == "boot loader";
-      const bool isDone = isInBootLoader ? fixture.channel.GetVersionInfo(1)->model == "BOOT"
-                                         : fixture.channel.ReadMemoryBlock(0x00200000, 10, 1).has_value();
-      EXPECT_TRUE(isDone) << fixture.Error().Text();
-    }
-  }
-  Fixture dead;
-  EXPECT_TRUE(dead.channel.ResetController(1));
-  dead.plant.isSilent = true;
-  const Instant start = dead.pacer.Now();
-  EXPECT_FALSE(dead.channel.ReadMI(0, 1, 1));
-  EXPECT_LE(dead.pacer.Now() - start, 8s + 500ms) << "and not for ever";
-}
-
 // A download that finds its boot loader gone has to be told that its power failed, not that it is somebody else.
 TEST(Reconnect, AControllerWhosePowerFailsInItsBootLoaderIsStillTheSame) {
   Fixture fixture;

@@ -112,23 +112,6 @@ TEST_F(MainWindowTest, ASilentControllerNeitherFreezesTheWindowNorHoldsItsUser) 
   });
 }
 
-TEST_F(MainWindowTest, WhatAToolFindsOutIsToldBehindIt) {
-  Kvsim controller({"--model", "K220-22-R1"});
-  PutTcp(controller.Port(), "TimeOut=200\r\nTries=1\r\n");
-  Run([&](QMainWindow& window) {
-    Trigger(window, "ID_OnLine");
-    WhenOpen<QDialog>(window, [&](QDialog& view) {
-      EXPECT_TRUE(WaitUntil([&] { return Text(window, "lblState") == "-"; })) << "nobody asks for it";
-      controller.Kill();
-      Find<QAction>(view, "ID_ReadAll").trigger();
-      EXPECT_TRUE(WaitUntil([&] { return Text(window, "lblOnline") == "Connection lost"; }));
-      EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("What to do"));
-      view.close();
-    });
-    Trigger(window, "ID_DataTypes");
-  });
-}
-
 TEST_F(MainWindowTest, LookingForASilentControllerTakesNothingFromTheUser) {
   const Kvsim controller({"--model", "K220-22-R1"});
   PutTcp(controller.Port(), "TimeOut=20000\r\nTries=1\r\n");

@@ -51,7 +51,13 @@ TEST_F(KvsimTest, ServesSeveralClientsInTurnAndAtOnce) {
   }
   first.Close();
   EXPECT_THAT(Exchange(second, "ID"), StartsWith("/01IDQ50-2-R34|"));
-  EXPECT_THAT(Exchange(DialLoopback(port), "ID"), StartsWith("/01IDQ50-2-R34|"));
+  const auto third = DialLoopback(port);
+  for (const char byte : kv::BuildFrame(1, "ID")) {
+    third.Give({&byte, 1});
+    EXPECT_FALSE(byte != '\r' && third.IsReady(5)) << "each byte arrives by itself";
+  }
+  EXPECT_THAT(third.Take(16), StartsWith("/01IDQ50-2-R34|"));
+  EXPECT_THAT(Exchange(second, "ID"), StartsWith("/01IDQ50-2-R34|"));
   EXPECT_EQ(kvsim.End(SIGTERM), 0);
 }
 
@@ -162,9 +168,10 @@ TEST_F(KvsimTest, SaysWhatIsWrongWithWhatItWasTold) {
       {{}, 2, "--tcp"},
       {{"--tcp", "0", "--pty", "x"}, 2, "--pty"},
       {{"--tcp", "70000"}, 2, "65535"},
-      {{"--tcp", "0", "--model", "K220-22-R9"}, 2, "K220-22-R1"},
+      {{"--tcp", "0", "--model", "K220-22-R9"}, 2, "nearest are K220-22-R1, K220-32, K380-28 (--list"},
       {{"--tcp", "0", "--fault", "banana"}, 2, "banana"},
       {{"--dial", "nowhere"}, 2, "HOST:PORT"},
+      {{"--dial", ":5"}, 2, "HOST:PORT"},
       {{"--tcp", "0", "--baud", "7"}, 2, "300 to 921600"},
       {{"--tcp", otherPort}, 1, "127.0.0.1:" + otherPort},
       {{"--tcp", "0", "--bind", "banana"}, 1, "\"banana\" is not an address"},

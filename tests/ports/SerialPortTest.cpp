@@ -120,16 +120,6 @@ TEST(SerialPortTest, SaysWhyItDoesNotOpen) {
   }
 }
 
-TEST(SerialPortTest, TellsThatTheAdapterWasUnplugged) {
-  Pty pty;
-  auto port = PortOn(pty.name);
-  ASSERT_TRUE(port.Open(kNoLimit).has_value());
-  pty.near.Close();
-  EXPECT_EQ(kvtest::ReadFrom(port, 1), "");
-  EXPECT_FALSE(port.IsOpen());
-  EXPECT_EQ(port.LossReason().happened, pty.name + " is gone");
-}
-
 TEST(SerialPortTest, ChangesItsSpeedWhileItIsOpen) {
   const Pty pty;
   auto port = PortOn(pty.name);

@@ -100,24 +100,6 @@ TEST_F(SessionsTest, AFailedCreateLeavesTheCurrentSessionMarkedAndNoHalfMadeFold
   EXPECT_THAT(sessions.ListFault(), HasSubstr("Sessions with the sessions cannot be read: "));
 }
 
-TEST_F(SessionsTest, ActivatingMovesTheMark) {
-  ASSERT_TRUE(sessions.Create("one"));
-  ASSERT_TRUE(sessions.Create("two"));
-  ASSERT_TRUE(sessions.Activate("one"));
-  EXPECT_EQ(shared.CurrentSession, "one");
-  EXPECT_TRUE(IsMarked("one"));
-  EXPECT_FALSE(IsMarked("two"));
-
-  for (const char* name : {"gone", "", ".."}) {
-    prompts.Press(PromptAnswer::Ok);
-    EXPECT_FALSE(sessions.Activate(name));
-    EXPECT_EQ(shared.CurrentSession, "one");
-  }
-  fs::remove_all(Session("one"));
-  ASSERT_TRUE(sessions.Activate("Default"));
-  EXPECT_FALSE(fs::exists(Session("Default") / "tmp.txt"));
-}
-
 TEST_F(SessionsTest, DeletingSparesDefaultAndWhatIsInUse) {
   ASSERT_TRUE(sessions.Create("one"));
   ASSERT_TRUE(sessions.Create("two"));

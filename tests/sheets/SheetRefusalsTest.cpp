@@ -61,27 +61,6 @@ TEST(SheetRefusalsTest, NameWhatIsWrongInAnXlsxFile) {
   for (const auto& [content, why] : cases) EXPECT_THAT(Why(ReadSheetBytes(content, "x")), HasSubstr(why));
 }
 
-// A file that was cut is refused, unless nothing of it is missing that matters. Nothing that stands in a file breaks
-// the reader.
-TEST(SheetRefusalsTest, DamagedAndCutFilesDoNoHarm) {
-  const TemporaryFolder folder;
-  for (const char* name : {"a.xls", "a.xlsx"}) {
-    const auto file = folder.Path() / name;
-    const SheetTable table{.rows = {{CellOf("Address"), CellOf("\u03A9")}, {CellOf("1"), CellOf("x")}}};
-    ASSERT_TRUE(WriteSheet(file, table));
-    const std::string good = TemporaryFolder::Content(file);
-    for (std::size_t length = 0; length < good.size(); ++length) {
-      const auto read = ReadSheetBytes(good.substr(0, length), name);
-      EXPECT_TRUE(!read || *read == table) << name << " cut at " << length;
-    }
-    for (std::size_t at = 0; at < good.size(); ++at) {
-      std::string bad = good;
-      bad[at] = static_cast<char>(~bad[at]);
-      (void)ReadSheetBytes(bad, name);
-    }
-  }
-}
-
 TEST(SheetRefusalsTest, WhatASheetCannotHoldIsNotWritten) {
   const TemporaryFolder folder;
   const auto row = [](std::size_t columns) { return std::vector<SheetCell>(columns, CellOf("1")); };

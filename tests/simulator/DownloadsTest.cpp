@@ -128,49 +128,5 @@ TEST(Downloads, AnOsOfAnotherKindCostsWhatItCannotKeep) {
   }
 }
 
-std::string Digits(const std::string& bytes) {
-  std::string hex;
-  for (const char c : bytes) hex += std::string{"0123456789ABCDEF"[c >> 4 & 15], "0123456789ABCDEF"[c & 15]};
-  return hex;
-}
-
-TEST(Downloads, ACompactOsReplacesTheReportedVersion) {
-  const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
-      {"Q50", "OSE0", "FW0000", "Q50"}, {"Q51", "OSE0", "OSP0", "Q51"},  {"Q58", "OSE0", "OSP0", "Q58"},
-      {"PX1", "OSC7F", "OSP0", "PX1"},  {"PR1", "OSC7F", "OSP0", "PR1"}, {"BRIO", "OSC7F", "OSP0", "PX1"}};
-  for (const auto& [model, erase, write, code] : cases) {
-    SCOPED_TRACE(model);
-    Fixture fixture(model);
-    const std::string ok = write.substr(0, 2) + "OK";
-    const std::string refused = write.substr(0, 2) + "ERROR";
-    const auto image = [](const std::string& name) { return Digits(CompactImage(name, "4712", 128)).substr(0, 128); };
-    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
-    EXPECT_EQ(fixture.Text("FS05"), "FSOK");
-    EXPECT_EQ(fixture.Text("FI"), "FI10");
-    EXPECT_EQ(fixture.Text(erase), "OSERROR0A");
-    fixture.Wait(1s);
-    EXPECT_EQ(fixture.Text("FI"), "FI20");
-    EXPECT_EQ(fixture.Text("OSS"), "OS20");
-    EXPECT_EQ(fixture.Text(write + "0000" + image(code)), refused + "0D");
-    EXPECT_EQ(fixture.Text(erase), "OSOK");
-    EXPECT_EQ(fixture.Text("OSS"), "OS10");
-    fixture.Wait(3s);
-    EXPECT_EQ(fixture.Text("OSS"), "OS00");
-    EXPECT_EQ(fixture.Text(write + "0000" + image("Q99")), refused + "0F");
-    EXPECT_EQ(fixture.Text(write + "0000" + image(code)), ok);
-    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
-    EXPECT_EQ(fixture.State(), 'B') << "half of the image is missing";
-    EXPECT_EQ(fixture.Text(write + "0040" + Digits(std::string(64, 'x'))), ok);
-    EXPECT_EQ(fixture.Text(write + "0000" + image(code)), ok);  // a repeat
-    EXPECT_EQ(fixture.Text(write + "0040" + Digits(std::string(64, 'z'))), refused + "0D");
-    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
-    EXPECT_TRUE(fixture.Text("ID").ends_with("|4.71|02")) << fixture.Text("ID");
-    EXPECT_EQ(fixture.State(), 'R');
-    EXPECT_EQ(fixture.Text("CCB"), "CCOK");
-    EXPECT_EQ(fixture.Text("OSS"), "OS20");
-    EXPECT_EQ(fixture.Text(write + "0000" + image(code)), refused + "0D");
-  }
-}
-
 }  // namespace
 }  // namespace sim::test

@@ -25,32 +25,5 @@ TEST(Line, BytesTakeTheirTimeOnASerialLine) {
   EXPECT_EQ(fixture.now, start + 8334us + 21875us);
 }
 
-TEST(Line, ANewSpeedBeginsBehindTheReplyAndEveryOtherOneIsNoise) {
-  LineFixture fixture({}, 115200);
-  fixture.line->SetBaud(115200);
-  const kv::Instant start = fixture.now;
-  EXPECT_EQ(fixture.Ask("CPSR0007"), "CP-");
-  EXPECT_EQ(fixture.now - start, 3039us) << "14 bytes there, 21 back at 115200";
-  EXPECT_EQ(fixture.Ask("WDx"), "") << "the controller is deaf at 115200";
-  fixture.line->SetBaud(9600);
-  const kv::Instant slow = fixture.now;
-  EXPECT_EQ(fixture.Ask("RD"), "RD-");
-  EXPECT_EQ(fixture.now - slow, 8334us + 21875us);
-
-  fixture.line->Write(EncodeFrame(1, "RD"), fixture.now);
-  fixture.line->SetBaud(115200);
-  const std::string noise = fixture.Hear(*fixture.line);
-  EXPECT_NE(noise, "") << "who listens at another speed hears something, but no reply";
-  EXPECT_EQ(noise.find("RD"), std::string::npos);
-
-  fixture.line->SetBaud(9600);
-  EXPECT_EQ(fixture.Ask("CCE"), "CC-");
-  fixture.now += 1s;
-  EXPECT_EQ(fixture.Ask("RD"), "") << "the reset has brought the usual speed back";
-  fixture.line->SetBaud(115200);
-  EXPECT_EQ(fixture.Ask("RD"), "RD-");
-  EXPECT_EQ(fixture.controller->executed, (std::vector<std::string>{"CPSR0007", "RD", "RD", "CCE", "RD"}));
-}
-
 }  // namespace
 }  // namespace sim::test

@@ -26,11 +26,4 @@ inline std::string Stored(const std::string& data) {
   return Little(size, 4) + Little(size, 4) + data;
 }
 
-// An image of a compact O/S.
-inline std::string CompactImage(const std::string& model, const std::string& digits, std::size_t size) {
-  std::string image = "KOSI" + model + "v" + digits + Little(static_cast<std::uint32_t>(size), 4);
-  image += Little(0, 4) + std::string(size - image.size() - 4, 'x');
-  return image.replace(16, 4, Little(kv::Crc32(image), 4));
-}
-
 }  // namespace sim::test

@@ -43,28 +43,6 @@ TEST(ReadRegion, TakesNoReplyOfAnotherLength) {
   EXPECT_EQ(ReadRegion(compact, "Q50Net", From5(TimerPreset)), (Texts{"100000", "10"}));
 }
 
-TEST(WriteRegion, SendsNothingForATextThatCannotBeConvertedOrATypeThatIsReadOnly) {
-  test::FakeChannel channel;
-  channel.succeeds = true;
-  const std::tuple<OperandTypeCode, std::string_view, std::string> rows[] = {
-      {MB, kAurex, "2"},
-      {MI, kAurex, "1.5"},
-      {MF, kAurex, "x"},
-      {CounterPreset, kAurex, ""},
-      {TimerPreset, kAurex, "1:2:3:4:5"},
-      {TimerPreset, "Q50", "15"},
-  };
-  for (const auto& [type, model, bad] : rows) {
-    const std::string good = type == TimerPreset ? "00:00:01.00" : "1";
-    const auto result = WriteRegion(channel, model, From5(type), Texts{good, bad});
-    ASSERT_FALSE(result);
-    EXPECT_THAT(result.error().happened, AllOf(HasSubstr("\"" + bad + "\" is no value for"), HasSubstr(" 6;")));
-  }
-  EXPECT_FALSE(WriteRegion(channel, kAurex, From5(MI), Texts{"1"}));
-  EXPECT_TRUE(WriteRegion(channel, kAurex, From5(SI), Texts{"x", "y"}));
-  EXPECT_TRUE(channel.calls.empty());
-}
-
 TEST(Region, SplitsIntoWhatFitsOneRequest) {
   using ::testing::ElementsAre;
   EXPECT_THAT(SplitRegion({5, 125, MI}), ElementsAre(Region{5, 64, MI}, Region{65, 124, MI}, Region{125, 125, MI}));
