@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "base/Crc32.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "dataview/files/GridText.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <variant>
 
+#include "base/Hex.h"
 #include "base/Numbers.h"
 
 namespace sim {

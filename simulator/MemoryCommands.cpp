@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "simulator/TextCommands.h"
 
 namespace sim::commands {

@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "simulator/HexText.h"
 #include "simulator/TextCommands.h"
 #include "simulator/ValueBytes.h"

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/Crc32.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "base/ScopeGuard.h"
 #include "simulator/HexText.h"
 

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "base/Crc32.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "simulator/HexText.h"
 
 namespace sim {

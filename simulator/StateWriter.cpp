@@ -3,8 +3,8 @@
 #include <string>
 #include <utility>
 
+#include "base/Hex.h"
 #include "base/LineReader.h"
-#include "base/Numbers.h"
 #include "simulator/HexText.h"
 #include "simulator/StateFile.h"
 

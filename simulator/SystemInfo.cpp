@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "simulator/TextCommands.h"
 
 namespace sim::commands {

@@ -2,7 +2,7 @@
 
 #include <QShortcut>
 
-#include "base/PathText.h"
+#include "desktop/ui/HelpPage.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv {
@@ -18,11 +18,8 @@ DialogWindow::DialogWindow(std::unique_ptr<QDialog> dialog, std::string_view top
 }
 
 void DialogWindow::OpenHelp() const {
-  const std::string page = Utf8FromPath(mServices.shared.paths.Help() / mTopic);
-  if (const auto opened = mServices.shell.Open("", page, ""); !opened) {
-    mServices.prompts.Show(
-        {.text = opened.error(), .title = mDialog->windowTitle().toStdString(), .icon = PromptIcon::Exclamation});
-  }
+  OpenHelpPage(mServices.shell, mServices.prompts, mServices.shared.paths.Help() / mTopic,
+               mDialog->windowTitle().toStdString());
 }
 
 }  // namespace kv

@@ -5,7 +5,7 @@
 #include <cerrno>
 
 #include "apps/kvtele/Verb.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 
 namespace kv::cli {
 

@@ -8,6 +8,7 @@
 #include "dataview/operands/OsSupport.h"
 #include "dataview/operands/ReadBack.h"
 #include "dataview/operands/RegionTransfer.h"
+#include "link/ErrorMeaning.h"
 #include "link/LinkTexts.h"
 
 namespace kv::cli {
@@ -28,23 +29,8 @@ std::string WrittenBefore(const Region& region, const Region& piece) {
   return RegionText({region.from, piece.from - 1, region.type}) + " had been written before";
 }
 
-// Whether the error means that the controller has not executed the request. After any other one it may have: the
-// request had gone out, or may have gone out.
-bool IsSurelyNotWritten(const LinkError& error) {
-  switch (error.code) {
-    case LinkErrorCode::BadArgument:
-    case LinkErrorCode::CannotOpen:
-    case LinkErrorCode::Refused:
-    case LinkErrorCode::Busy:
-    case LinkErrorCode::NotSupported:
-      return true;
-    default:
-      return error.isNotExecuted;
-  }
-}
-
 std::string WrittenSoFar(const LinkError& error, const Region& piece, const std::string& before) {
-  if (IsSurelyNotWritten(error)) return before.empty() ? kNothingWritten : before;
+  if (MeansNotExecuted(error)) return before.empty() ? kNothingWritten : before;
   const std::string unsure = RegionText(piece) + " may have been written";
   return before.empty() ? unsure : unsure + "; " + before;
 }

@@ -4,8 +4,6 @@ namespace kv::cli {
 
 namespace {
 
-constexpr Duration kBetweenLines = std::chrono::milliseconds(100);
-
 ConsoleAnswers AnswersFor(const CommonOptions& common, std::optional<bool> mayStop) {
   ConsoleAnswers answers;
   answers.yes = mayStop == true;
@@ -20,27 +18,11 @@ ConsoleAnswers AnswersFor(const CommonOptions& common, std::optional<bool> maySt
 
 TerminalCloner::TerminalCloner(Environment& environment, const CommonOptions& common, const SegmentBoxes& boxes,
                                std::optional<bool> mayStop)
-    : mPacer(environment.pacer),
-      mBoxes(boxes),
-      mPrompts(AnswersFor(common, mayStop), environment.err, environment.input),
-      mLine(environment),
-      mProgress(environment.pacer) {}
+    : TerminalPrompts(environment, AnswersFor(common, mayStop)), mBoxes(boxes), mProgress(environment.pacer) {}
 
 void TerminalCloner::Event_ProgressBarValue(std::int64_t value) {
   mProgress.ProgressBarValue(value);
-  if (mPacer.Now() < mNextLine) return;
-  mNextLine = mPacer.Now() + kBetweenLines;
-  mLine.Show(mProgress.Text());
-}
-
-PromptAnswer TerminalCloner::Show(const MessageBox& box) {
-  mLine.Wipe();
-  return mPrompts.Show(box);
-}
-
-std::optional<std::string> TerminalCloner::Ask(const InputBox& box) {
-  mLine.Wipe();
-  return mPrompts.Ask(box);
+  if (TakeLineTurn()) mLine.Show(mProgress.Text());
 }
 
 WatchedWork::WatchedWork(Environment& environment) : mLine(environment), mProgress(environment.pacer) {

@@ -5,17 +5,17 @@
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/TerminalProgress.h"
+#include "apps/kvtele/TerminalPrompts.h"
 #include "clone/CloneOutcome.h"
 #include "clone/DumpProgress.h"
 #include "clone/DumpWindow.h"
 #include "clone/WorkProgress.h"
-#include "desktop/console/ConsolePrompts.h"
 
 namespace kv::cli {
 
 // The cloner's window on the terminal: one line of progress, and before each box of the engine it makes room. The one
 // question that the engine asks is whether the program may be stopped: `mayStop` answers it beforehand.
-class TerminalCloner final : public DumpWindow, public Prompts {
+class TerminalCloner final : public DumpWindow, public TerminalPrompts {
  public:
   TerminalCloner(Environment& environment, const CommonOptions& common, const SegmentBoxes& boxes,
                  std::optional<bool> mayStop);
@@ -28,18 +28,9 @@ class TerminalCloner final : public DumpWindow, public Prompts {
   void Event_Refresh() override {}
   [[nodiscard]] SegmentBoxes CheckedSegments() const override { return mBoxes; }
 
-  PromptAnswer Show(const MessageBox& box) override;
-  [[nodiscard]] std::optional<std::string> Ask(const InputBox& box) override;
-  [[nodiscard]] std::optional<std::string> OpenFile(const FileDialog&) override { return std::nullopt; }
-  [[nodiscard]] std::optional<std::string> SaveFile(const FileDialog&) override { return std::nullopt; }
-
  private:
-  Pacer& mPacer;
   SegmentBoxes mBoxes;
-  ConsolePrompts mPrompts;
-  TerminalLine mLine;
   DumpProgress mProgress;
-  Instant mNextLine{};
 };
 
 // Work of the cloner without a window: Ctrl-C ends it, and the terminal shows how far it is.

@@ -6,26 +6,27 @@ namespace kv::cli {
 
 namespace {
 
-constexpr Duration kBetweenLines = std::chrono::milliseconds(100);
+ConsoleAnswers AnswersFor(const CommonOptions& common, bool isDryRun, bool yes, const char* flag) {
+  ConsoleAnswers answers;
+  answers.yes = yes || isDryRun;
+  answers.yesFlag = isDryRun ? "--dry-run" : flag;
+  answers.password = common.password;
+  return answers;
+}
 
 }  // namespace
 
 TerminalDownload::TerminalDownload(Environment& environment, const CommonOptions& common, const ConsentFlags& consents,
                                    bool isDryRun)
-    : mEnvironment(environment),
+    : TerminalPrompts(environment, AnswersFor(common, isDryRun, common.yes, "--yes")),
+      mEnvironment(environment),
       mCommon(common),
       mIsDryRun(isDryRun),
-      mLine(environment),
       mConsents(consents),
-      mPrompts(Answered(common.yes, "--yes")),
       mProgress(environment.pacer) {}
 
 ConsolePrompts TerminalDownload::Answered(bool yes, const char* flag) const {
-  ConsoleAnswers answers;
-  answers.yes = yes || mIsDryRun;
-  answers.yesFlag = mIsDryRun ? "--dry-run" : flag;
-  answers.password = mCommon.password;
-  return {std::move(answers), mEnvironment.err, mEnvironment.input};
+  return {AnswersFor(mCommon, mIsDryRun, yes, flag), mEnvironment.err, mEnvironment.input};
 }
 
 Prompts& TerminalDownload::PromptsOf(DownloadQuestion question) {
@@ -46,7 +47,7 @@ Prompts& TerminalDownload::PromptsOf(DownloadQuestion question) {
     case DownloadQuestion::Stop:
       return mQuestion.emplace(Answered(false, "Ctrl-C once more"));
   }
-  return mPrompts;
+  return *this;
 }
 
 BiosAnswer TerminalDownload::WarnOfIncompatibleBios() {
@@ -69,19 +70,8 @@ void TerminalDownload::SetStatus(std::string_view text) {
 
 void TerminalDownload::AmountSent(std::uint64_t done, std::uint64_t total) {
   mProgress.AmountSent(done, total);
-  if (mEnvironment.pacer.Now() < mNextLine && done < total) return;
-  mNextLine = mEnvironment.pacer.Now() + kBetweenLines;
+  if (!TakeLineTurn() && done < total) return;
   mLine.Show(mStatus + " " + mProgress.Text());
-}
-
-PromptAnswer TerminalDownload::Show(const MessageBox& box) {
-  mLine.Wipe();
-  return mPrompts.Show(box);
-}
-
-std::optional<std::string> TerminalDownload::Ask(const InputBox& box) {
-  mLine.Wipe();
-  return mPrompts.Ask(box);
 }
 
 }  // namespace kv::cli

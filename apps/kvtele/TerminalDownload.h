@@ -5,8 +5,7 @@
 
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
-#include "apps/kvtele/TerminalProgress.h"
-#include "desktop/console/ConsolePrompts.h"
+#include "apps/kvtele/TerminalPrompts.h"
 #include "download/DownloadOrder.h"
 #include "download/DownloadProgress.h"
 #include "download/DownloadWindow.h"
@@ -25,7 +24,7 @@ struct ConsentFlags {
 
 // The download window on the terminal: one line of progress, and before each box of the engine it makes room. In a dry
 // run every question is printed and answered with yes: nothing is done after the last one.
-class TerminalDownload : public DownloadWindow, public Prompts {
+class TerminalDownload : public DownloadWindow, public TerminalPrompts {
  public:
   TerminalDownload(Environment& environment, const CommonOptions& common, const ConsentFlags& consents, bool isDryRun);
 
@@ -38,11 +37,6 @@ class TerminalDownload : public DownloadWindow, public Prompts {
   [[nodiscard]] std::optional<std::size_t> ChooseCompactOs(const FileList&) override { return std::nullopt; }
   [[nodiscard]] BiosAnswer WarnOfIncompatibleBios() override;
 
-  PromptAnswer Show(const MessageBox& box) override;
-  [[nodiscard]] std::optional<std::string> Ask(const InputBox& box) override;
-  [[nodiscard]] std::optional<std::string> OpenFile(const FileDialog&) override { return std::nullopt; }
-  [[nodiscard]] std::optional<std::string> SaveFile(const FileDialog&) override { return std::nullopt; }
-
   // Who answers a question that has a flag of its own.
   [[nodiscard]] Prompts& PromptsOf(DownloadQuestion question);
 
@@ -50,18 +44,15 @@ class TerminalDownload : public DownloadWindow, public Prompts {
   Environment& mEnvironment;
   const CommonOptions& mCommon;
   bool mIsDryRun;
-  TerminalLine mLine;
 
  private:
   [[nodiscard]] ConsolePrompts Answered(bool yes, const char* flag) const;
 
   ConsentFlags mConsents;
   int mRetries = 0;  // so far
-  ConsolePrompts mPrompts;
   std::optional<ConsolePrompts> mQuestion;
   std::string mStatus;
   DownloadProgress mProgress;
-  Instant mNextLine{};
 };
 
 }  // namespace kv::cli

@@ -6,7 +6,7 @@
 #include "apps/kvtele/TerminalCloner.h"
 #include "apps/kvtele/VerbOutput.h"
 #include "base/AnsiText.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "base/PathText.h"
 #include "clone/CloneDiff.h"
 #include "clone/CloneVerify.h"

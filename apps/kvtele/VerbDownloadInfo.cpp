@@ -4,7 +4,7 @@
 
 #include "apps/kvtele/DownloadActions.h"
 #include "apps/kvtele/VerbOutput.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "base/PathText.h"
 #include "download/DownloadFile.h"
 

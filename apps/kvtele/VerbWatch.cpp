@@ -18,7 +18,7 @@
 #include "base/Texts.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/RegionTransfer.h"
-#include "link/LinkLoss.h"
+#include "link/ErrorMeaning.h"
 #include "link/ReconnectPauses.h"
 #include "link/RedialPlan.h"
 
@@ -49,11 +49,6 @@ constexpr int kMostSeconds = 31'536'000;      // a year
 constexpr int kMostMilliseconds = 3'600'000;  // between two readings
 
 constexpr Duration kSlice = 50ms;  // Ctrl-C is noticed between two slices
-
-// Failures after which the link may be there again: nothing is wrong with the request.
-bool MayComeBack(LinkErrorCode code) {
-  return code == LinkErrorCode::Busy || (MeansLostLink(code) && code != LinkErrorCode::OtherController);
-}
 
 Failure OutputFailure() {
   return {ExitCode::Failed,

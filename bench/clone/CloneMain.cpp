@@ -9,7 +9,7 @@
 #include <string>
 
 #include "KvCmDrv1/Driver.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "bench/exchange/BarePartner.h"
 #include "bench/exchange/KvsimChild.h"
 #include "bench/exchange/Measure.h"

@@ -3,7 +3,7 @@
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/LinkText.h"
 #include "KvCmDrv1/wire/Seal.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "base/PathText.h"
 #include "link/AsciiFrame.h"
 #include "link/ControllerErrorText.h"

@@ -156,7 +156,7 @@ class ChannelImpl final : public Channel {
   RequestWriter mWriter;
   std::vector<std::uint32_t> mNumbers;  // of the write under way
   PieceSize mTextPiece{512};
-  PieceSize mBlockPiece{4096};
+  PieceSize mBlockPiece{kMostMemoryPerRead};
   PasswordSource* mPasswords = nullptr;
   LinkError mError;
   std::ofstream mRecord;

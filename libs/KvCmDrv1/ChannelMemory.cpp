@@ -3,13 +3,11 @@
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/wire/BlockCodec.h"
 #include "KvCmDrv1/wire/BlockFacts.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "link/BlockOperations.h"
 
 namespace kv {
 namespace {
-
-constexpr std::uint32_t kMostMemory = 4096;
 
 std::string MemoryText(std::uint32_t address, std::size_t length, std::uint8_t unit) {
   return "reading " + std::to_string(length) + " bytes of memory at " + ToHex(address, 8) + " from unit " +
@@ -19,8 +17,9 @@ std::string MemoryText(std::uint32_t address, std::size_t length, std::uint8_t u
 }  // namespace
 
 std::optional<Bytes> ChannelImpl::ReadMemoryBlock(std::uint32_t address, std::uint32_t length, std::uint8_t unit) {
-  if (length < 1 || length > kMostMemory || address > 0xFFFFFFFF - (length - 1)) {
-    FailArgument(std::to_string(length) + " bytes; one request takes 1 to 4096, up to address FFFFFFFF",
+  if (length < 1 || length > kMostMemoryPerRead || address > 0xFFFFFFFF - (length - 1)) {
+    FailArgument(std::to_string(length) + " bytes; one request takes 1 to " + std::to_string(kMostMemoryPerRead) +
+                     ", up to address FFFFFFFF",
                  MemoryText(address, length, unit));
     return std::nullopt;
   }
@@ -124,8 +123,10 @@ std::optional<BlockReply> ChannelImpl::AskBlock(const BlockFields& fields, std::
     return "block operation " + std::to_string(fields.opCode) + " (" + std::string(BlockFactsOf(fields.opCode).name) +
            ") with unit " + std::to_string(unit);
   };
-  if (payload.size() > kMaxRequestPayload) {
-    FailArgument(std::to_string(payload.size()) + " bytes; one message takes 1048576 at most", doing());
+  if (payload.size() > kMostBlockData) {
+    FailArgument(
+        std::to_string(payload.size()) + " bytes; one message takes " + std::to_string(kMostBlockData) + " at most",
+        doing());
     return std::nullopt;
   }
   const auto reply = mClient.SendBlock(

@@ -5,7 +5,7 @@
 #include "KvCmDrv1/wire/AsciiCodec.h"
 #include "KvCmDrv1/wire/BlockCodec.h"
 #include "KvCmDrv1/wire/BlockFacts.h"
-#include "KvCmDrv1/wire/HexDigits.h"
+#include "KvCmDrv1/wire/FieldReader.h"
 #include "KvCmDrv1/wire/OperandTypes.h"
 #include "link/ControllerErrorText.h"
 #include "link/LinkTexts.h"

@@ -84,8 +84,6 @@ bool SetBaudRate(std::string_view text, LinkSettings& settings) {
   return rate.has_value();
 }
 
-constexpr std::string_view kBaudText = "a speed of 300 to 921600 baud";
-constexpr std::string_view kPortText = "a port of 1 to 65535";
 constexpr std::string_view kSerialText =
     "PORT[,BAUD[,8N1]], as in serial:COM3,115200; a name with a comma stands in double quotes";
 constexpr std::string_view kModemText =
@@ -118,7 +116,8 @@ Parsed ParseTcp(std::string_view rest, LinkSettings settings) {
   }
   if (settings.host.empty()) return Expected("a host name or address, as in tcp:192.168.1.20:20300", rest);
   const bool hasPort = !rest.empty() && hostEnd != std::string_view::npos;
-  if (hasPort && !SetTcpPort(rest.substr(hostEnd + 1), settings)) return Expected(kPortText, rest.substr(hostEnd + 1));
+  if (hasPort && !SetTcpPort(rest.substr(hostEnd + 1), settings))
+    return Expected("a port of " + kTcpPorts.Text(), rest.substr(hostEnd + 1));
   return settings;
 }
 
@@ -129,7 +128,8 @@ Parsed ParseSerial(std::string_view rest, LinkSettings settings) {
   settings.transport = Transport::Serial;
   settings.serialPort = parts[0].text;
   if (settings.serialPort.empty() || parts.size() > 3) return Expected(kSerialText, rest);
-  if (parts.size() > 1 && !SetBaudRate(parts[1].text, settings)) return Expected(kBaudText, parts[1].text);
+  if (parts.size() > 1 && !SetBaudRate(parts[1].text, settings))
+    return Expected("a speed of " + kBaudRates.Text() + " baud", parts[1].text);
   if (parts.size() > 2) {
     const auto framing = ParseFraming(parts[2].text);
     if (!framing) return std::unexpected(framing.error());
@@ -168,7 +168,8 @@ Parsed ParseModem(std::string_view rest, LinkSettings settings) {
   settings.serialPort = parts[0].text;
   settings.modem.number = parts[1].text;
   if (parts.size() == 2) return settings;
-  if (!SetBaudRate(parts[2].text, settings)) return Expected(kBaudText, parts[2].text);
+  if (!SetBaudRate(parts[2].text, settings))
+    return Expected("a speed of " + kBaudRates.Text() + " baud", parts[2].text);
   if (MayBeCut(parts[1], settings)) return Expected(kModemText, rest);
   if (parts.size() == 4 && !SetInit(parts[3], settings)) return Expected(kInitText, parts[3].text);
   return settings;
@@ -176,7 +177,7 @@ Parsed ParseModem(std::string_view rest, LinkSettings settings) {
 
 Parsed ParseListen(std::string_view rest, LinkSettings settings) {
   settings.transport = Transport::Listen;
-  if (!SetTcpPort(rest, settings)) return Expected(kPortText, rest);
+  if (!SetTcpPort(rest, settings)) return Expected("a port of " + kTcpPorts.Text(), rest);
   return settings;
 }
 

@@ -5,6 +5,7 @@
 
 #include "KvCmDrv1/FrameMeaning.h"
 #include "base/DateText.h"
+#include "base/Hex.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
 

@@ -5,28 +5,20 @@
 #include "KvTele2/TelepanelHost.h"
 #include "base/AnsiText.h"
 #include "base/ScopeGuard.h"
-#include "link/LinkLoss.h"
+#include "link/ErrorMeaning.h"
 
 namespace kv {
 namespace {
 
 constexpr const char* kSilenceText = "No answer, looking for the controller";
 
-// Errors of a controller that is there and answers, or of a question that was never sent.
-bool IsNoLoss(LinkErrorCode code) {
-  using enum LinkErrorCode;
-  return code == Refused || code == Busy || code == NotSupported || code == BadArgument;
-}
-
 // What the last exchange of a tool shows of the controller. Errors of the tool's own doing show nothing.
 bool ShowsAnswer(LinkErrorCode code) {
-  using enum LinkErrorCode;
-  return code == None || code == Refused || code == Busy;
+  return code == LinkErrorCode::None || IsRefusal(code);
 }
 
 bool ShowsLoss(LinkErrorCode code) {
-  using enum LinkErrorCode;
-  return MeansLostLink(code) || code == Unsure;
+  return MeansLostLink(code) || code == LinkErrorCode::Unsure;
 }
 
 // The program goes on line with a controller that has come into another one's place, so there is no link to close
@@ -53,7 +45,7 @@ void TelepanelHost::Connect(const std::string& argument) {
   mState.controller = std::move(refused);
   mState.connection = ConnectionState::Offline;
   mState.trouble = why;
-  mState.message = why;  // that the link is closed is no news
+  mState.message = why;  // LetGo has said that the link is closed, which is not what the user wants to know
 }
 
 void TelepanelHost::BeginConnect() {
@@ -205,7 +197,7 @@ void TelepanelHost::TakeInfo(const Channel::ControllerInfo& info) {
 
 void TelepanelHost::TakeFailure(const LinkError& error) {
   const Instant now = mServices.pacer.Now();
-  if (IsNoLoss(error.code)) return mWatch.Answered(now);
+  if (LeavesLinkAsItWas(error.code)) return mWatch.Answered(now);
   if (error.code == LinkErrorCode::Stopped) {
     // A quiet question was stopped for a command; nothing is known about the controller.
     return mWait == HostView::Wait::Quiet ? mWatch.AskNow() : GoOffline("Off line: stopped on request", "");

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "simulator/HexText.h"
 #include "simulator/LittleEndian.h"
 #include "simulator/files/SampleBytes.h"

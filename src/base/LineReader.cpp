@@ -1,7 +1,7 @@
 #include "base/LineReader.h"
 
 #include "base/Crc32.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {

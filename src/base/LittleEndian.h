@@ -3,6 +3,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -29,13 +30,19 @@ template <std::unsigned_integral Number>
 }
 
 // The same for fields whose length is not that of a type, 1 to 4 bytes.
-[[nodiscard]] inline std::uint32_t LittleEndian(std::string_view bytes) {  // of 1 to 4 bytes
+[[nodiscard]] inline std::uint32_t LittleEndian(std::string_view bytes) {
   std::uint32_t value = 0;
   for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<unsigned char>(bytes[i]);
   return value;
 }
 inline void PutLittleEndian(char* place, std::uint32_t value, std::size_t count) {
   for (; count-- > 0; value >>= 8) *place++ = static_cast<char>(value & 0xFFU);
+}
+inline void PutLittleEndian(std::span<std::uint8_t> field, std::uint32_t value) {
+  for (std::uint8_t& byte : field) {
+    byte = static_cast<std::uint8_t>(value & 0xFFU);
+    value >>= 8;
+  }
 }
 inline void AppendLittleEndian(std::string& bytes, std::uint32_t value, std::size_t count) {
   bytes.append(count, '\0');

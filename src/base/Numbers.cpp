@@ -13,15 +13,14 @@ namespace kv {
 namespace {
 
 constexpr int kFloatDigits = 7;
-constexpr std::size_t kMaxHexDigits = 8;
 constexpr std::size_t kFloatTextLimit = 32;  // "-1.23456789e-38" and some more
 
 // from_chars that takes the whole text or nothing.
-template <typename Number, typename... Form>
-std::optional<Number> ParseWhole(std::string_view text, Form... form) {
+template <typename Number>
+std::optional<Number> ParseWhole(std::string_view text) {
   Number value{};
   const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value, form...);
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
   if (error != std::errc{} || stop != end) return std::nullopt;
   return value;
 }
@@ -42,29 +41,9 @@ std::optional<float> ParseFloat(std::string_view text) {
   return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
-std::optional<std::uint32_t> ParseHex(std::string_view text) {
-  return text.size() > kMaxHexDigits ? std::nullopt : ParseWhole<std::uint32_t>(text, 16);
-}
-
 std::string PaddedInteger(std::int64_t value, std::size_t digits) {
   std::string text = std::to_string(value);
   return text.insert(0, digits - std::min(digits, text.size()), '0');
-}
-
-std::string ToHex(std::uint32_t value, std::size_t digits) {
-  std::string text;
-  AppendHex(text, value, digits);
-  return text;
-}
-
-void AppendHex(std::string& text, std::uint32_t value, std::size_t digits) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  const std::size_t before = text.size();
-  const std::size_t after = before + digits;
-  text.resize_and_overwrite(after, [&](char* characters, std::size_t) {
-    for (std::size_t at = after; at > before; value >>= 4) characters[--at] = kDigits[value & 0xFU];
-    return after;
-  });
 }
 
 std::string FloatText(float value) {

@@ -8,19 +8,13 @@
 
 namespace kv {
 
-// Numbers to text and back, without the locale. Parsing takes the whole text or nothing: no blanks, no "+", no
-// overflow.
+// Decimal numbers to text and back, without the locale; hexadecimal ones are in base/Hex.h. Parsing takes the whole
+// text or nothing: no blanks, no "+", no overflow.
 [[nodiscard]] std::optional<std::int64_t> ParseInteger(std::string_view text);
-[[nodiscard]] std::optional<float> ParseFloat(std::string_view text);        // finite; "." is the decimal point
-[[nodiscard]] std::optional<std::uint32_t> ParseHex(std::string_view text);  // 1 to 8 digits of either case
+[[nodiscard]] std::optional<float> ParseFloat(std::string_view text);  // finite; "." is the decimal point
 
 // Decimal, padded on the left with "0" to `digits`. `value` is not negative.
 [[nodiscard]] std::string PaddedInteger(std::int64_t value, std::size_t digits);
-
-// Upper-case hexadecimal, padded on the left with "0" to `digits`, cut on the left when it is longer.
-[[nodiscard]] std::string ToHex(std::uint32_t value, std::size_t digits);
-// The same behind what `text` holds: for texts of many numbers.
-void AppendHex(std::string& text, std::uint32_t value, std::size_t digits);
 
 // The shortest decimal that reads back as the value; where that has more than 7 significant digits, the value itself
 // rounded to 7. In the general form without trailing zeros: "0.1", "1234567", and with an exponent from 1e+07 upward

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <expected>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "clone/CloneInfo.h"
+#include "link/LinkLimits.h"
 
 namespace kv {
 
@@ -62,11 +64,10 @@ template <typename ReadPiece>
 [[nodiscard]] std::expected<SegmentDifference, CloneOutcome> CompareSegment(const CloneSegment& segment,
                                                                             const CloneWork& work, std::uint64_t& done,
                                                                             std::uint64_t total, ReadPiece readPiece) {
-  constexpr std::uint32_t kPiece = 4096;  // the most that one memory read may carry
   SegmentDifference difference{.segment = segment};
   for (std::uint32_t offset = 0; offset < segment.length;) {
     if (work.IsStopped()) return std::unexpected(CloneOutcome::OfStop());
-    const std::uint32_t count = segment.length - offset < kPiece ? segment.length - offset : kPiece;
+    const std::uint32_t count = std::min(kMostMemoryPerRead, segment.length - offset);
     const std::expected<void, CloneOutcome> compared = readPiece(offset, count, difference.differing);
     if (!compared) return std::unexpected(compared.error());
     offset += count;

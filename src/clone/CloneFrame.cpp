@@ -1,12 +1,10 @@
 #include "clone/CloneFrame.h"
 
-#include <algorithm>
 #include <optional>
 #include <utility>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "link/AsciiFrame.h"
-#include "link/HexHelpers.h"
 
 namespace kv {
 namespace {
@@ -20,10 +18,6 @@ constexpr std::size_t kCountDigits = 2;
 constexpr std::size_t kAddressAt = 3;
 constexpr std::size_t kCountAt = kAddressAt + kAddressDigits;
 constexpr std::size_t kDataAt = kCountAt + kCountDigits;
-
-bool AreUpperHexDigits(std::string_view text) {
-  return std::ranges::all_of(text, [](char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); });
-}
 
 // The bytes of flash change places within each word, on their way in and out.
 void SwapWords(Bytes& bytes) {
@@ -74,7 +68,7 @@ std::string BuildWriteFrame(std::uint8_t unit, MemoryKind kind, std::uint32_t ad
   text += LetterOf(kind);
   AppendHex(text, address, kAddressDigits);
   AppendHex(text, static_cast<std::uint32_t>(data.size()), kCountDigits);
-  for (const std::uint8_t byte : ordered) AppendHex(text, byte, 2);
+  AppendHexBytes(text, ordered);
   return BuildFrame(unit, text);
 }
 

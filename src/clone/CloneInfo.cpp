@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "base/AnsiText.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "base/PathText.h"
 #include "clone/CloneFrame.h"
 #include "clone/CloneLines.h"

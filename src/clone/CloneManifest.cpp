@@ -5,6 +5,7 @@
 
 #include "base/AnsiText.h"
 #include "base/FileToReplace.h"
+#include "base/Hex.h"
 #include "base/LineReader.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"

@@ -1,8 +1,7 @@
 #include "clone/CloneOutcome.h"
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "link/ControllerErrorText.h"
-#include "link/HexHelpers.h"
 
 namespace kv {
 

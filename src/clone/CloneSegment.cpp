@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {

@@ -1,7 +1,7 @@
 #include "clone/ComparisonText.h"
 
 #include "base/AnsiText.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "clone/DumpWindow.h"
+
 namespace kv {
 
 namespace {
-
-constexpr std::uint64_t kBlock = 512;  // bytes that the engine's count stands for
 
 std::string Kibibytes(std::uint64_t bytes) {
   return std::to_string((bytes + 1023) / 1024);
@@ -47,7 +47,7 @@ std::string DumpProgress::Text() const {
 }
 
 std::string DumpProgress::CreateText(const Part& part) const {
-  const std::uint64_t done = std::min(static_cast<std::uint64_t>(mValue) * kBlock, part.length);
+  const std::uint64_t done = std::min(static_cast<std::uint64_t>(mValue) * kDumpBlock, part.length);
   const std::string place = part.code + " (" + std::to_string(part.number) + " of " + std::to_string(mIncluded) + ")";
   const std::string text = place + ": " + AmountText(done, part.length) + "; in all ";
   return WithTimeLeft(text + AmountText(part.before + done, mTotal), part.before + done, mTotal);

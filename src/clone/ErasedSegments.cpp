@@ -4,16 +4,16 @@
 
 #include "base/AnsiText.h"
 #include "clone/CloneLines.h"
+#include "link/LinkLimits.h"
 
 namespace kv {
 namespace {
 
 // Ends at the first byte that is not erased.
 std::expected<bool, CloneOutcome> HoldsData(Channel& link, const CloneSegment& segment, const CloneWork& work) {
-  constexpr std::uint32_t kPiece = 4096;
-  for (std::uint32_t offset = 0; offset < segment.length; offset += kPiece) {
+  for (std::uint32_t offset = 0; offset < segment.length; offset += kMostMemoryPerRead) {
     if (work.IsStopped()) return std::unexpected(CloneOutcome::OfStop());
-    const std::uint32_t count = std::min(kPiece, segment.length - offset);
+    const std::uint32_t count = std::min(kMostMemoryPerRead, segment.length - offset);
     const auto bytes = link.ReadMemoryBlock(segment.start + offset, count, link.UnitID());
     if (!bytes) return std::unexpected(CloneOutcome::OfLink(link.LastError()));
     if (HasData(*bytes)) return true;

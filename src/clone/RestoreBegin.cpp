@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {

@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "base/AnsiText.h"
-#include "base/Numbers.h"
 #include "base/PathText.h"
 #include "clone/ErasedSegments.h"
 

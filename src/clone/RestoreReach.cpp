@@ -1,5 +1,6 @@
 #include "clone/RestoreReach.h"
 
+#include "base/Texts.h"
 #include "clone/ProgramState.h"
 #include "clone/RestoreBegin.h"
 #include "desktop/StopScope.h"
@@ -84,7 +85,7 @@ std::expected<void, CloneOutcome> CheckAfterRestore(const RestoreReach& reach, C
                                                     StateText(reach, controller->state)));
   }
   if (reach.unproven == 0) return {};
-  const std::string others = reach.unproven == 1 ? "" : " and " + std::to_string(reach.unproven - 1) + " more lines";
+  const std::string others = reach.unproven == 1 ? "" : " and " + Counted(reach.unproven - 1, "more line");
   return std::unexpected(CloneOutcome::Failed(
       CloneCause::Unproven,
       "Line " + std::to_string(reach.firstUnproven) + " of the clone file" + others +

@@ -15,8 +15,6 @@
 namespace kv {
 namespace {
 
-constexpr std::uint32_t kBlock = 512;
-
 // Short date, TAB, short time.
 std::string DateAndTime(std::chrono::local_seconds now) {
   return DateText(now) + "\t" + TimeOfDayText(now);
@@ -205,17 +203,17 @@ clsDumpPLC::Step clsDumpPLC::DumpSegments(Channel& link, const Segments& segment
 }
 
 clsDumpPLC::Step clsDumpPLC::DumpSegment(Channel& link, const CloneSegment& segment) {
-  const std::uint32_t blocks = segment.length / kBlock;
-  const std::uint32_t rest = segment.length % kBlock;
+  const std::uint32_t blocks = segment.length / kDumpBlock;
+  const std::uint32_t rest = segment.length % kDumpBlock;
   mWindow.Event_ProgressBarInit(0, blocks);
   for (std::uint32_t block = 1; block <= blocks; ++block) {
-    if (auto dumped = DumpBlock(link, segment, (block - 1) * kBlock, kBlock); !dumped) return dumped;
+    if (auto dumped = DumpBlock(link, segment, (block - 1) * kDumpBlock, kDumpBlock); !dumped) return dumped;
     mWindow.Event_ProgressBarValue(block);
     mPacer.DoEvents();  // lets the stop button be pressed
     if (IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
   }
   if (rest == 0) return {};
-  return DumpBlock(link, segment, blocks * kBlock, rest);
+  return DumpBlock(link, segment, blocks * kDumpBlock, rest);
 }
 
 clsDumpPLC::Step clsDumpPLC::DumpBlock(Channel& link, const CloneSegment& segment, std::uint32_t offset,

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/ScopeGuard.h"
+#include "base/Texts.h"
 #include "dataview/ChannelGuard.h"
 #include "dataview/GridEdits.h"
 #include "dataview/RegionEngine.h"
@@ -132,7 +133,7 @@ bool AllValues::IsWanted(const std::vector<Region>& regions) {
     return mContext.state.operands.Origin(type, address) == CellOrigin::Edited;
   });
   if (edited < count) {
-    question.text += "\n\n" + std::to_string(edited) + " of them " + (edited == 1 ? "was" : "were") +
+    question.text += "\n\n" + Counted(static_cast<std::uint64_t>(edited), "of them was", "of them were") +
                      " changed here; " + std::to_string(count - edited) + " stand as they were read or written last.";
   }
   const std::int64_t old = CountIn(regions, [&](OperandTypeCode type, std::int32_t address) {

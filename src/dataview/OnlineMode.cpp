@@ -8,6 +8,7 @@
 #include "dataview/RegionEngine.h"
 #include "dataview/ViewContext.h"
 #include "desktop/StopScope.h"
+#include "link/ErrorMeaning.h"
 #include "link/ReconnectPauses.h"
 
 namespace kv::mdlDataTypesView {
@@ -19,7 +20,8 @@ constexpr Duration kCountingTime = 1s;      // over which passes per second are 
 constexpr Duration kFirstCounting = 200ms;  // the same for the first figure: one pass alone tells little
 constexpr Duration kIdlePause = 50ms;       // after a pass in which nothing could be asked
 
-bool IsRefusal(LinkErrorCode code) {
+// A controller that is there but does not tell its serial number.
+bool HasNoSerialNumber(LinkErrorCode code) {
   return code == LinkErrorCode::Refused || code == LinkErrorCode::NotSupported;
 }
 
@@ -66,7 +68,7 @@ bool OnlineMode::IsRightController(Channel& channel, With with) {
   const auto number = info.transform([](const Channel::ControllerInfo& each) { return each.serialNumber; });
   const bool isOther = number && mSerialNumber && *number != *mSerialNumber;
   mAbout.clear();
-  if (!number && (with == With::SameController || !IsRefusal(channel.LastError().code))) {
+  if (!number && (with == With::SameController || !HasNoSerialNumber(channel.LastError().code))) {
     mContext.SayLinkError(channel.LastError());
     return false;
   }
@@ -140,7 +142,7 @@ std::string OnlineMode::WhyNotGoOn() const {
   const auto& loss = mContext.status.loss;
   if (!loss) return {};
   if (!loss->serialNumber) return "The controller did not tell its serial number, so it could not be known again.";
-  if (loss->error.code == LinkErrorCode::OtherController) return "Another controller answers.";
+  if (!MayComeBack(loss->error.code)) return "Another controller answers.";
   return {};
 }
 

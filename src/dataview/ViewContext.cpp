@@ -4,7 +4,7 @@
 #include <chrono>
 #include <utility>
 
-#include "link/LinkLoss.h"
+#include "link/ErrorMeaning.h"
 
 namespace kv::mdlDataTypesView {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "download/AurexPlaces.h"
 #include "download/FileFields.h"
 #include "download/OsFileName.h"

@@ -5,7 +5,7 @@
 
 #include "link/BlockOperations.h"
 #include "link/ControllerErrorText.h"
-#include "link/LinkLoss.h"
+#include "link/ErrorMeaning.h"
 
 namespace kv {
 namespace {

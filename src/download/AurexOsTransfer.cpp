@@ -4,18 +4,12 @@
 #include <string_view>
 
 #include "base/Crc32.h"
+#include "base/LittleEndian.h"
 #include "deflate/Deflate.h"
 #include "download/AurexPlaces.h"
 
 namespace kv {
 namespace {
-
-void PutLittle(std::span<std::uint8_t> field, std::uint32_t value) {
-  for (std::uint8_t& byte : field) {
-    byte = static_cast<std::uint8_t>(value & 0xFF);
-    value >>= 8;
-  }
-}
 
 std::uint32_t Check(const Bytes& data, std::uint32_t before) {
   return Crc32({reinterpret_cast<const char*>(data.data()), data.size()}, before);
@@ -28,10 +22,10 @@ OsTransferHeader HeaderOf(const AurexOsFile& os, const std::vector<AurexOsTopic>
   OsTransferHeader header = {'O', 'S', 100, 1};
   const std::span<std::uint8_t> fields(header);
   std::ranges::copy(std::string_view(os.model).substr(0, 4), header.begin() + 4);
-  PutLittle(fields.subspan(8, 2), static_cast<std::uint32_t>(os.number.version));
-  PutLittle(fields.subspan(10, 1), static_cast<std::uint32_t>(os.number.build));
-  PutLittle(fields.subspan(11, 1), static_cast<std::uint32_t>(topics.size()));
-  PutLittle(fields.subspan(12, 4), check);
+  PutLittleEndian(fields.subspan(8, 2), static_cast<std::uint32_t>(os.number.version));
+  PutLittleEndian(fields.subspan(10, 1), static_cast<std::uint32_t>(os.number.build));
+  PutLittleEndian(fields.subspan(11, 1), static_cast<std::uint32_t>(topics.size()));
+  PutLittleEndian(fields.subspan(12, 4), check);
   return header;
 }
 
@@ -43,8 +37,8 @@ OsTransferTopic Pack(const AurexOsTopic& topic, const CompressBlock& compress) {
   const Bytes& sent = compressed && compressed->size() < topic.data.size() ? *compressed : topic.data;
   packed.plainSize = static_cast<std::uint32_t>(topic.data.size());
   packed.sentSize = static_cast<std::uint32_t>(sent.size());
-  PutLittle(std::span(packed.stream).first(4), packed.plainSize);
-  PutLittle(std::span(packed.stream).subspan(4), packed.sentSize);
+  PutLittleEndian(std::span(packed.stream).first(4), packed.plainSize);
+  PutLittleEndian(std::span(packed.stream).subspan(4), packed.sentSize);
   packed.stream.insert(packed.stream.end(), sent.begin(), sent.end());
   return packed;
 }

@@ -3,6 +3,7 @@
 #include "download/DecodeFile.h"
 #include "download/FileFields.h"
 #include "download/ReadDownload.h"
+#include "link/LinkLimits.h"
 
 namespace kv {
 namespace {
@@ -10,7 +11,6 @@ namespace {
 constexpr std::size_t kHead = 150;
 constexpr std::size_t kRecordHead = 12;
 constexpr std::string_view kSignature = "Aurex Download File";
-constexpr std::size_t kLargestTopic = std::size_t{1} << 20;  // what one block message carries
 constexpr std::size_t kLargestFile = std::size_t{32} << 20;  // twice the project memory of any controller
 
 AurexProjectFile HeadOf(std::string_view bytes) {
@@ -33,8 +33,8 @@ std::expected<std::size_t, std::string> ReadTopic(std::string_view bytes, std::s
   const std::size_t left = bytes.size() - offset;
   if (left < kRecordHead) return std::unexpected("expected a record of 12 bytes and its data: the file was cut");
   const std::uint32_t length = LittleAt(bytes, offset + 6, 4);
-  if (length > kLargestTopic) {
-    return std::unexpected("expected at most " + std::to_string(kLargestTopic) + " bytes of data, not " +
+  if (length > kMostBlockData) {
+    return std::unexpected("expected at most " + std::to_string(kMostBlockData) + " bytes of data, not " +
                            std::to_string(length));
   }
   if (length > left - kRecordHead) {

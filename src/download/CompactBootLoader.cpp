@@ -1,12 +1,14 @@
 #include "download/CompactBootLoader.h"
 
 #include <chrono>
+#include <span>
 #include <utility>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "base/ScopeGuard.h"
 #include "desktop/StopScope.h"
 #include "download/CompactOsFile.h"
+#include "link/ErrorMeaning.h"
 
 namespace kv {
 namespace {
@@ -29,14 +31,11 @@ constexpr bool IsPxOrPr(CompactKind kind) {
   return kind == CompactKind::PX1 || kind == CompactKind::PR1;
 }
 
-bool IsRefusal(const LinkError& error) {
-  return error.code == LinkErrorCode::Refused || error.code == LinkErrorCode::Busy;
-}
-
 // A command that nobody answered may have been executed all the same.
 bool IsInDoubt(const DownloadOutcome& outcome) {
-  return outcome.end != DownloadEnd::Stopped && outcome.link.code != LinkErrorCode::None && !IsRefusal(outcome.link) &&
-         !outcome.link.isNotExecuted;
+  const LinkError& error = outcome.link;
+  return outcome.end != DownloadEnd::Stopped && error.code != LinkErrorCode::None && !IsRefusal(error.code) &&
+         !error.isNotExecuted;
 }
 
 // One that is busy is asked again.
@@ -52,7 +51,7 @@ bool IsAnswering(Channel& link) {
 std::string BlockCommand(CompactKind kind, const Bytes& image, std::size_t place) {
   const bool isQ50 = kind == CompactKind::Q50;
   std::string command = (isQ50 ? "FW" : "OSP0") + ToHex(static_cast<std::uint32_t>(place), isQ50 ? 8 : 4);
-  for (std::size_t i = 0; i < kCompactOsBlock; ++i) command += ToHex(image[place + i], 2);
+  AppendHexBytes(command, std::span(image).subspan(place, kCompactOsBlock));
   return command;
 }
 

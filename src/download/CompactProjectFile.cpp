@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/LineError.h"
 #include "download/DecodeFile.h"
 #include "download/FileFields.h"
 #include "download/ReadDownload.h"
@@ -54,7 +55,7 @@ std::expected<CompactProjectFile, DownloadFileError> ParseCompactProject(std::st
   if (!HasDownloadPair(*lines)) return faults.NotLegal("expected a line \"DE\" with a line \"DI\" behind it");
   for (std::size_t i = 0; i < lines->size(); ++i) {
     if (i < kCompactProjectHeadLines ? (*lines)[i].size() <= kMaxFrameText : FitsFrame((*lines)[i])) continue;
-    return faults.Damaged("line " + std::to_string(i + 1),
+    return faults.Damaged(LineError{.line = i + 1}.Place(),
                           "expected 1 to " + std::to_string(kMaxFrameText) + " characters that a frame can carry");
   }
   CompactProjectFile project;

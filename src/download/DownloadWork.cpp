@@ -3,7 +3,7 @@
 #include <optional>
 #include <utility>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "clone/CloneOutcome.h"
 #include "desktop/StopScope.h"
 #include "download/ProjectDownload.h"

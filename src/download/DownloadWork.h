@@ -11,6 +11,7 @@
 #include "download/DownloadOutcome.h"
 #include "download/DownloadWindow.h"
 #include "link/Channel.h"
+#include "link/ErrorMeaning.h"
 
 namespace kv {
 
@@ -62,8 +63,7 @@ class DownloadWork {
     Step done = exchange();
     if (done) return done;
     const LinkError& error = done.error().link;
-    const bool isRefused = error.code == LinkErrorCode::Refused || error.code == LinkErrorCode::Busy;
-    if (!mMayBeExecuted && (error.isNotExecuted || isRefused)) done.error().left = left = before;
+    if (!mMayBeExecuted && (error.isNotExecuted || IsRefusal(error.code))) done.error().left = left = before;
     return done;
   }
 

@@ -11,6 +11,7 @@
 #include "download/AurexProjectSender.h"
 #include "download/CompactProjectSender.h"
 #include "download/DownloadWork.h"
+#include "link/ErrorMeaning.h"
 
 namespace kv {
 namespace {
@@ -23,16 +24,8 @@ std::string FileNameOf(const ProjectFile& file) {
   return Utf8FromPath(file.path.filename());
 }
 
-bool IsLinkGone(const LinkError& error) {
-  switch (error.code) {
-    case LinkErrorCode::None:
-    case LinkErrorCode::Refused:
-    case LinkErrorCode::Busy:
-    case LinkErrorCode::Stopped:
-      return false;
-    default:
-      return true;
-  }
+bool IsLinkGone(LinkErrorCode code) {
+  return code != LinkErrorCode::None && code != LinkErrorCode::Stopped && !IsRefusal(code);
 }
 
 struct ProjectNames {
@@ -55,7 +48,7 @@ ControllerLeft Refined(ControllerLeft left, char state, const std::string& proje
 }
 
 void AskWhatIsLeft(Channel& link, Pacer& pacer, const ProjectNames& names, DownloadOutcome& outcome) {
-  if (outcome.left == ControllerLeft::Untouched || IsLinkGone(outcome.link)) return;
+  if (outcome.left == ControllerLeft::Untouched || IsLinkGone(outcome.link.code)) return;
   const StopScope asking(pacer);  // a stop ended the download, not this question
   const auto info = link.GetControllerInfo(link.UnitID());
   if (!info) return;

@@ -9,6 +9,7 @@
 #include "download/OsFileName.h"
 #include "download/clsAurexOSDownloader.h"
 #include "link/ControllerErrorText.h"
+#include "link/ErrorMeaning.h"
 #include "link/OsVersion.h"
 
 // From the first command that changes the controller on.
@@ -133,8 +134,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::Reset() {
   mWork->Tell("The controller is about to restart", PromptIcon::Information, "Reset PLC");
   const bool isTold = mWork->link.ResetController(mWork->link.UnitID());
   const LinkError error = mWork->link.LastError();
-  const bool isRefused = error.code == LinkErrorCode::Refused || error.code == LinkErrorCode::Busy;
-  if (!isTold && isRefused) return FailLink("The controller does not restart.", error);
+  if (!isTold && IsRefusal(error.code)) return FailLink("The controller does not restart.", error);
   mWork->left = ControllerLeft::OsPerhaps;
   // Its answer may have been lost: who answers now shows it.
   if (Step found = FindAgain(); !found) return found;

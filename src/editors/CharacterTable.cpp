@@ -1,7 +1,7 @@
 #include "editors/CharacterTable.h"
 
 #include "base/AnsiText.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {

@@ -1,6 +1,6 @@
 #include "link/AsciiFrame.h"
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 
 namespace kv {
 

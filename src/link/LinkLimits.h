@@ -23,4 +23,8 @@ inline constexpr NumberRange kTries{1, 10};
 // Of a controller, in characters of Windows-1252.
 inline constexpr std::size_t kLongestPassword = 8;
 
+// Bytes of controller memory that one request reads, and of data that one block message carries.
+inline constexpr std::uint32_t kMostMemoryPerRead = 4096;
+inline constexpr std::size_t kMostBlockData = 1'048'576;
+
 }  // namespace kv

@@ -5,6 +5,7 @@
 
 #include "base/AnsiText.h"
 #include "base/DateText.h"
+#include "base/Hex.h"
 #include "base/LineReader.h"
 #include "base/Numbers.h"
 
@@ -46,6 +47,15 @@ TEST(Numbers, FloatsAreTakenWholeAndFinite) {
   for (const char* bad : {"", ".", "+1", " 1", "1 ", "1,5", "0x10", "inf", "-inf", "nan", "1e39", "1e400"}) {
     EXPECT_EQ(ParseFloat(bad), std::nullopt) << bad;
   }
+}
+
+TEST(Hex, TurnDigitPairsIntoBytesAndRefuseAnythingElse) {
+  EXPECT_EQ(HexStringToBytes("0A1"), Bytes({10}));
+  EXPECT_EQ(HexStringToBytes("00ff7FZ"), Bytes({0, 255, 127}));  // the odd last character is not looked at
+  EXPECT_EQ(HexStringToBytes(""), Bytes());
+  EXPECT_EQ(HexPairToByte("9c"), 0x9C);
+  for (const std::string bad : {"0G", " 1", "+1", "-1", "0x", "1", "123", ""}) EXPECT_FALSE(HexPairToByte(bad)) << bad;
+  EXPECT_FALSE(HexStringToBytes("00 1"));
 }
 
 TEST(DateText, FillsUpWithZeros) {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "base/PathText.h"
 #include "clone/clsDumpPLC.h"
 #include "desktop/VirtualPacer.h"

@@ -1,10 +1,10 @@
+#include "base/Hex.h"
 #include "dataview/files/GridFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "base/Crc32.h"
-#include "base/Numbers.h"
 #include "dataview/files/GridText.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "link/HexHelpers.h"
+#include "base/Hex.h"
 
 // One line of tests/golden/*.txt.
 struct GoldenFrame {

@@ -6,7 +6,6 @@
 #include "KvCmDrv1/wire/Replies.h"
 #include "KvCmDrv1/wire/Requests.h"
 #include "KvCmDrv1/wire/Seal.h"
-#include "base/Numbers.h"
 
 namespace kv {
 namespace {

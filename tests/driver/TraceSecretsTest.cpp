@@ -5,9 +5,9 @@
 #include "Fixture.h"
 #include "KvCmDrv1/wire/AsciiCodec.h"
 #include "KvCmDrv1/wire/BlockCodec.h"
-#include "KvCmDrv1/wire/HexDigits.h"
 #include "KvCmDrv1/wire/Requests.h"
 #include "base/Crc32.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {

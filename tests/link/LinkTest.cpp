@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "link/HexHelpers.h"
 #include "link/LinkError.h"
 #include "link/OsVersion.h"
 #include "link/ReconnectPauses.h"
@@ -11,15 +10,6 @@
 // clang-format off: the tables are laid out by hand
 namespace kv {
 namespace {
-
-TEST(HexHelpers, TurnDigitPairsIntoBytesAndRefuseAnythingElse) {
-  EXPECT_EQ(HexStringToBytes("0A1"), Bytes({10}));
-  EXPECT_EQ(HexStringToBytes("00ff7FZ"), Bytes({0, 255, 127}));  // the odd last character is not looked at
-  EXPECT_EQ(HexStringToBytes(""), Bytes());
-  EXPECT_EQ(HexPairToByte("9c"), 0x9C);
-  for (const std::string bad : {"0G", " 1", "+1", "-1", "0x", "1", "123", ""}) EXPECT_FALSE(HexPairToByte(bad)) << bad;
-  EXPECT_FALSE(HexStringToBytes("00 1"));
-}
 
 TEST(LinkError, ReadsAsOneSentenceALine) {
   const LinkError whole{.code = LinkErrorCode::NoReply,

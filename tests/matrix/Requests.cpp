@@ -1,6 +1,6 @@
 #include "Requests.h"
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 
 namespace kv::matrix {
 namespace {

@@ -9,7 +9,7 @@
 #include "KvCmDrv1/wire/BlockFacts.h"
 #include "KvCmDrv1/wire/CommandFacts.h"
 #include "KvCmDrv1/wire/OperandTypes.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "download/AurexPlaces.h"
 #include "link/ControllerErrorText.h"

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "KvCmDrv1/LinkText.h"
+#include "base/Texts.h"
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
 
@@ -25,12 +26,11 @@ QString FramingText(const SerialFraming& framing) {
   const char* parity = framing.parity == Parity::Even  ? "even parity"
                        : framing.parity == Parity::Odd ? "odd parity"
                                                        : "no parity";
-  return QString("%1 - %2 data bits, %3, %4 stop bit%5")
+  return QString("%1 - %2 data bits, %3, %4")
       .arg(QString::fromStdString(PrintFraming(framing)))
       .arg(framing.dataBits)
       .arg(parity)
-      .arg(framing.stopBits)
-      .arg(framing.stopBits == 1 ? "" : "s");
+      .arg(QString::fromStdString(Counted(static_cast<std::uint64_t>(framing.stopBits), "stop bit")));
 }
 
 // Chooses the item with that data. A value that the list does not have is added: it stays as it is until the user

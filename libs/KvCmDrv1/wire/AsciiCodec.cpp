@@ -1,6 +1,6 @@
 #include "KvCmDrv1/wire/AsciiCodec.h"
 
-#include "KvCmDrv1/wire/HexDigits.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {
@@ -53,7 +53,7 @@ std::string_view TextOf(std::string_view frame) {
 std::optional<AsciiFrame> FindFrame(std::string_view line) {
   if (line.size() < 1 + kUnitDigits + 1 + kCheckDigits) return std::nullopt;
   const std::size_t textEnd = line.size() - kCheckDigits;
-  const std::optional<std::uint32_t> check = HexValue(line.substr(textEnd));
+  const std::optional<std::uint32_t> check = ParseUpperHex(line.substr(textEnd));
   if (!check) return std::nullopt;
 
   // From the end to the front with the sum of what has been passed: one walk, however many "/" the line holds.
@@ -66,7 +66,7 @@ std::optional<AsciiFrame> FindFrame(std::string_view line) {
     const std::size_t textStart = at + 1 + kUnitDigits;
     if (textStart + kMaxFrameText < textEnd) return std::nullopt;
     if (textStart < textEnd && (sum & 0xFFU) == *check) {
-      if (const std::optional<std::uint32_t> unit = HexValue(line.substr(at + 1, kUnitDigits))) {
+      if (const std::optional<std::uint32_t> unit = ParseUpperHex(line.substr(at + 1, kUnitDigits))) {
         return AsciiFrame{static_cast<std::uint8_t>(*unit), line.substr(textStart, textEnd - textStart)};
       }
     }

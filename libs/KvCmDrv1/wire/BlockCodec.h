@@ -15,7 +15,6 @@ inline constexpr char kBlockStart = static_cast<char>(0xB4);
 inline constexpr char kBlockSecond = 0x4B;
 inline constexpr std::size_t kBlockHead = 28;  // bytes before the payload
 inline constexpr std::size_t kBlockCheck = 4;  // bytes after it
-inline constexpr std::size_t kMaxRequestPayload = 1048576;
 inline constexpr std::size_t kMaxReplyPayload = 8192;
 
 // A block message; `payload` points into the bytes that were read or are to be sent.
@@ -27,7 +26,7 @@ struct BlockMessage {
   std::string_view payload;
 };
 
-// Puts the bytes of a request into `bytes`, in place of what was there. The payload is kMaxRequestPayload bytes at
+// Puts the bytes of a request into `bytes`, in place of what was there. The payload is kMostBlockData bytes at
 // most.
 void EncodeBlockRequest(const BlockMessage& request, std::string& bytes);
 

@@ -6,9 +6,10 @@
 #include <cstddef>
 
 #include "KvCmDrv1/wire/BlockCodec.h"
-#include "KvCmDrv1/wire/HexDigits.h"
+#include "KvCmDrv1/wire/FieldReader.h"
 #include "KvCmDrv1/wire/Requests.h"
 #include "base/Bytes.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {
@@ -173,7 +174,7 @@ std::optional<Channel::ControllerInfo> ReadInformation(std::string_view reply, s
     return std::nullopt;
   }
   Bytes bytes(name.size() / 2);
-  if (!HexToBytes(name, bytes)) return std::nullopt;
+  if (!UpperHexToBytes(name, bytes)) return std::nullopt;
   info.state = state.front();
   info.projectName.assign(bytes.begin(), bytes.end());
   return info;
@@ -193,7 +194,7 @@ std::optional<OperandListValues> ReadOperandValues(std::string_view reply, std::
   const std::size_t length = range.count * DigitsOf(shape) / 2;
   std::array<std::uint8_t, kMaxValueBytes> buffer;
   if (!reader.Good() || length > buffer.size()) return std::nullopt;
-  if (!HexToBytes(reader.Rest(), std::span(buffer).first(length))) return std::nullopt;
+  if (!UpperHexToBytes(reader.Rest(), std::span(buffer).first(length))) return std::nullopt;
 
   TextReader numbers(std::as_bytes(std::span(buffer)));
   OperandListValues values;
@@ -212,7 +213,7 @@ bool ReadMemoryBytes(std::string_view reply, std::uint16_t tag, std::uint32_t ad
   FieldReader reader = Begin(reply, "RM", tag);
   reader.ExpectHex(address, 8);
   reader.ExpectHex(static_cast<std::uint32_t>(bytes.size()), 4);
-  return reader.Good() && HexToBytes(reader.Rest(), bytes);
+  return reader.Good() && UpperHexToBytes(reader.Rest(), bytes);
 }
 
 std::optional<SynchronisationReply> ReadSynchronisation(std::string_view reply, std::uint16_t tag) {

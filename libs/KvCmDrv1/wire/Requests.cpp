@@ -1,7 +1,7 @@
 #include "KvCmDrv1/wire/Requests.h"
 
-#include "KvCmDrv1/wire/HexDigits.h"
 #include "base/Crc32.h"
+#include "base/Hex.h"
 
 namespace kv {
 

@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "KvCmDrv1/wire/HexDigits.h"
 #include "base/Crc32.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {
@@ -24,8 +24,9 @@ std::optional<SealedReply> Seal::Open(const AsciiFrame& frame) const {
   constexpr std::size_t kSeal = kCounterDigits + kCheckDigits;
   if (frame.text.size() <= kSeal) return std::nullopt;
   const std::size_t sealed = frame.text.size() - kCheckDigits;
-  const std::optional<std::uint32_t> check = HexValue(frame.text.substr(sealed));
-  const std::optional<std::uint32_t> counter = HexValue(frame.text.substr(sealed - kCounterDigits, kCounterDigits));
+  const std::optional<std::uint32_t> check = ParseUpperHex(frame.text.substr(sealed));
+  const std::optional<std::uint32_t> counter =
+      ParseUpperHex(frame.text.substr(sealed - kCounterDigits, kCounterDigits));
   if (!check || !counter || *counter == 0) return std::nullopt;
 
   const std::array<char, 2> unit = UnitDigits(frame.unit);

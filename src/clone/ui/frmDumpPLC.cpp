@@ -23,6 +23,7 @@
 #include "clone/ui/DumpList.h"
 #include "clone/ui/frmDumpPLCOperation.h"
 #include "desktop/ui/Commands.h"
+#include "desktop/ui/HelpPage.h"
 #include "link/ControllerErrorText.h"
 
 // What the window does; how it looks is in frmDumpPLCLayout.cpp.
@@ -199,11 +200,8 @@ void frmDumpPLC::StopDump() {
 }
 
 void frmDumpPLC::ShowHelp() {
-  const std::string topic = Utf8FromPath(mServices.shared.paths.Help() / "Cloner.html");
-  if (const auto opened = mServices.shell.Open("", topic, ""); !opened) {
-    mServices.prompts.Show(
-        {.text = opened.error(), .title = std::string(kClonerCaption), .icon = PromptIcon::Exclamation});
-  }
+  OpenHelpPage(mServices.shell, mServices.prompts, mServices.shared.paths.Help() / "Cloner.html",
+               std::string(kClonerCaption));
 }
 
 void frmDumpPLC::ShowNoLink(const std::string& what) {

@@ -8,6 +8,7 @@
 
 #include "base/AnsiText.h"
 #include "base/Bytes.h"
+#include "base/Hex.h"
 #include "base/Numbers.h"
 #include "dataview/operands/NumberText.h"
 #include "dataview/operands/TypeTable.h"
@@ -89,10 +90,6 @@ void AppendDecimal(std::string& text, std::uint32_t unit, std::size_t unitBytes)
   }
 }
 
-void AppendHex(std::string& text, std::uint32_t unit, std::size_t unitBytes) {
-  for (std::size_t shift = unitBytes * 8; shift > 0; shift -= 4) text += "0123456789ABCDEF"[unit >> (shift - 4) & 0xF];
-}
-
 void AppendBinary(std::string& text, std::uint32_t unit, std::size_t unitBytes) {
   for (std::size_t bit = unitBytes * 8; bit > 0; --bit) {
     text += (unit >> (bit - 1) & 1U) != 0 ? '1' : '0';
@@ -107,7 +104,7 @@ void AppendUnit(std::string& text, std::uint32_t unit, std::size_t unitBytes, Fo
     case FormatCode::Unsigned:
       return AppendRightAligned(text, unit, 10);
     case FormatCode::Hex:
-      return AppendHex(text, unit, unitBytes);
+      return AppendHex(text, unit, 2 * unitBytes);
     case FormatCode::Binary:
       return AppendBinary(text, unit, unitBytes);
     default:

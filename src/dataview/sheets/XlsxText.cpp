@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "base/Utf8.h"
 
 namespace kv {

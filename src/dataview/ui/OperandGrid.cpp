@@ -5,8 +5,8 @@
 #include <algorithm>
 
 #include "dataview/operands/OperandCatalogue.h"
+#include "dataview/ui/GridKeys.h"
 #include "desktop/ui/Commands.h"
-#include "desktop/ui/MenuKey.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv::mdlDataTypesView {
@@ -159,15 +159,7 @@ void OperandGrid::GoRight() {
 }
 
 void OperandGrid::keyPressEvent(QKeyEvent* event) {
-  const bool isClear = event->key() == Qt::Key_Delete && event->modifiers() == Qt::NoModifier;
-  if (isClear && onClear) {
-    onClear();
-    event->accept();
-  } else if (IsMenuKey(*event)) {
-    emit customContextMenuRequested(visualRect(currentIndex()).center());
-  } else {
-    QTableView::keyPressEvent(event);
-  }
+  if (!TakeGridKey(*this, *event, onClear)) QTableView::keyPressEvent(event);
 }
 
 void OperandGrid::changeEvent(QEvent* event) {

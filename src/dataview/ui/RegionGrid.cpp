@@ -8,7 +8,7 @@
 #include <array>
 
 #include "dataview/ui/GridColours.h"
-#include "desktop/ui/MenuKey.h"
+#include "dataview/ui/GridKeys.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv::mdlDataTypesView {
@@ -108,15 +108,7 @@ void RegionGrid::focusInEvent(QFocusEvent* event) {
 }
 
 void RegionGrid::keyPressEvent(QKeyEvent* event) {
-  const bool isRemove = event->key() == Qt::Key_Delete && event->modifiers() == Qt::NoModifier;
-  if (isRemove && onRemove) {
-    onRemove();
-    event->accept();
-  } else if (IsMenuKey(*event)) {
-    emit customContextMenuRequested(visualRect(currentIndex()).center());
-  } else {
-    QTableView::keyPressEvent(event);
-  }
+  if (!TakeGridKey(*this, *event, onRemove)) QTableView::keyPressEvent(event);
 }
 
 void RegionGrid::paintEvent(QPaintEvent* event) {

@@ -1,6 +1,6 @@
 #include "desktop/console/HarmlessText.h"
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "base/Crc32.h"
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "base/ProfileStrings.h"
 
 namespace kv {

@@ -6,11 +6,11 @@
 #include <system_error>
 
 #include "base/AnsiText.h"
+#include "base/Hex.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "base/Texts.h"
-#include "link/HexHelpers.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
 #include "sessions/RecentCaches.h"
