@@ -144,7 +144,7 @@ const BlockOperation* FindOperation(std::uint16_t opCode) {
   return operation == std::end(kOperations) ? nullptr : &*operation;
 }
 
-Answer Execute(Machine& machine, const BlockRequest& request, const ConnectionState& connection) {
+Answer Execute(Machine& machine, const BlockRequest& request, const ConnectionAccess& connection) {
   const BlockOperation* operation = FindOperation(request.opCode);
   if (operation == nullptr) return Refuse(Refusal::UnknownCommand);
   const bool isMissing = operation->needsColour && !machine.model.HasColour();
@@ -162,7 +162,7 @@ std::span<const BlockOperation> AllBlockOperations() {
   return kOperations;
 }
 
-BlockReply ExecuteBlock(Machine& machine, const BlockRequest& request, const ConnectionState& connection) {
+BlockReply ExecuteBlock(Machine& machine, const BlockRequest& request, const ConnectionAccess& connection) {
   auto answer = Execute(machine, request, connection);
   if (answer) return std::move(*answer);
   if (answer.error() == Refusal::Busy) return {kBusy, {}};

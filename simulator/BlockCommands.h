@@ -25,7 +25,8 @@ struct BlockOperation {
 
 // Executes one block message. Refusals come in the order: not known, not on this model, no access, wrong state, busy,
 // malformed (a payload that the operation does not take), then what the operation itself finds.
-[[nodiscard]] BlockReply ExecuteBlock(Machine& machine, const BlockRequest& request, const ConnectionState& connection);
+[[nodiscard]] BlockReply ExecuteBlock(Machine& machine, const BlockRequest& request,
+                                      const ConnectionAccess& connection);
 
 // Whether the operation may change what a state file keeps.
 [[nodiscard]] bool MayChangeState(std::uint16_t opCode);

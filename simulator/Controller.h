@@ -26,8 +26,8 @@ struct BlockReply {
   std::string payload;
 };
 
-// What a controller knows of one connection to it.
-struct ConnectionState {
+// Whether the one at the other end of a connection may do what needs the password.
+struct ConnectionAccess {
   bool hasAccess = false;  // the password was given
 };
 
@@ -53,14 +53,14 @@ class Controller {
 
   // Executes one ASCII request, the text as it stood in the frame (for our own commands with tag and check, the check
   // having been found good by the line). Everything but SY, which is the line's.
-  [[nodiscard]] virtual TextReply ExecuteText(std::string_view text, ConnectionState& connection) = 0;
+  [[nodiscard]] virtual TextReply ExecuteText(std::string_view text, ConnectionAccess& connection) = 0;
 
   // Power fails and comes back: what was going on is cut short, whatever it was, and the controller starts as after a
   // reset.
   virtual void Restart() = 0;
 
   // Executes one block message.
-  [[nodiscard]] virtual BlockReply ExecuteBlock(const BlockRequest& request, ConnectionState& connection) = 0;
+  [[nodiscard]] virtual BlockReply ExecuteBlock(const BlockRequest& request, ConnectionAccess& connection) = 0;
 
   [[nodiscard]] virtual bool UnderstandsBlocks() const = 0;
   [[nodiscard]] virtual std::uint8_t Unit() const = 0;

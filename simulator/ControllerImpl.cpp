@@ -25,7 +25,7 @@ class ControllerImpl final : public Controller {
 
   void Advance(kv::Instant now) override { mMachine->Advance(now); }
 
-  TextReply ExecuteText(std::string_view text, ConnectionState& connection) override {
+  TextReply ExecuteText(std::string_view text, ConnectionAccess& connection) override {
     TextReply reply = sim::ExecuteText(*mMachine, text, connection);
     mHasChanged = mHasChanged || !reply.changesNothing;
     return reply;
@@ -36,7 +36,7 @@ class ControllerImpl final : public Controller {
     mHasChanged = true;
   }
 
-  BlockReply ExecuteBlock(const BlockRequest& request, ConnectionState& connection) override {
+  BlockReply ExecuteBlock(const BlockRequest& request, ConnectionAccess& connection) override {
     mHasChanged = mHasChanged || MayChangeState(request.opCode);
     return sim::ExecuteBlock(*mMachine, request, connection);
   }

@@ -117,7 +117,7 @@ void Machine::BeginLoad() {
   mState = RunState::Loading;
 }
 
-bool Machine::TakePassword(const std::string& padded, ConnectionState& connection) const {
+bool Machine::TakePassword(const std::string& padded, ConnectionAccess& connection) const {
   std::string wanted = password;
   wanted.resize(kPasswordSize, ' ');
   if (!password.empty() && padded != wanted) return false;

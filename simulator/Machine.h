@@ -75,8 +75,8 @@ class Machine {
   void BeginLoad();  // stops the program, drops what was being loaded before
 
   // Takes the password of a request: on the right one the connection has access from now on.
-  [[nodiscard]] bool TakePassword(const std::string& padded, ConnectionState& connection) const;
-  [[nodiscard]] bool MayAccess(const ConnectionState& connection) const {
+  [[nodiscard]] bool TakePassword(const std::string& padded, ConnectionAccess& connection) const;
+  [[nodiscard]] bool MayAccess(const ConnectionAccess& connection) const {
     return password.empty() || connection.hasAccess;
   }
 

@@ -48,7 +48,7 @@ RequestHandler::Answer RequestHandler::AnswerText(const AsciiFrame& request, Cli
   return {EncodeReply(unit, request.text, reply.text, mCounter), reply.newBaud, reply.resets};
 }
 
-TextReply RequestHandler::Execute(std::string_view text, ConnectionState& connection, const FaultPlan& plan) {
+TextReply RequestHandler::Execute(std::string_view text, ConnectionAccess& connection, const FaultPlan& plan) {
   if (plan.refusal) return {RefusalText(text, *plan.refusal), true, std::nullopt, false};
   if (text.starts_with("SY")) return AnswerSync(text);
   mController->SetLying(plan.isLie);
@@ -81,7 +81,7 @@ std::string RequestHandler::AnswerBlock(const BlockMessage& request, ClientState
   return EncodeReply(request, unit, last->reply);
 }
 
-BlockReply RequestHandler::Execute(const BlockMessage& request, ConnectionState& connection, const FaultPlan& plan) {
+BlockReply RequestHandler::Execute(const BlockMessage& request, ConnectionAccess& connection, const FaultPlan& plan) {
   if (plan.refusal == Refusal::Busy) return {kBlockBusy, {}};
   if (plan.refusal) return {kBlockRefused + static_cast<int>(*plan.refusal), {}};
   mController->SetLying(plan.isLie);

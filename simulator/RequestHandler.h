@@ -23,7 +23,7 @@ struct ClientState {
     BlockReply reply;
   };
 
-  ConnectionState connection;
+  ConnectionAccess connection;
   std::uint64_t resetsSeen = 0;
   std::optional<AnsweredBlock> lastBlock;
 };
@@ -77,9 +77,9 @@ class RequestHandler {
     std::string reply;
   };
 
-  [[nodiscard]] TextReply Execute(std::string_view text, ConnectionState& connection, const FaultPlan& plan);
+  [[nodiscard]] TextReply Execute(std::string_view text, ConnectionAccess& connection, const FaultPlan& plan);
   [[nodiscard]] TextReply AnswerSync(std::string_view text) const;
-  [[nodiscard]] BlockReply Execute(const BlockMessage& request, ConnectionState& connection, const FaultPlan& plan);
+  [[nodiscard]] BlockReply Execute(const BlockMessage& request, ConnectionAccess& connection, const FaultPlan& plan);
   void Advance(kv::Instant now);
   void Attend(ClientState& client, kv::Instant now);
 

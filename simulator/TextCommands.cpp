@@ -20,7 +20,7 @@ Result<std::string_view> FieldsOf(const TextCommand& command, std::string_view t
 }
 
 commands::Answer Execute(const TextCommand& command, Machine& machine, std::string_view text,
-                         ConnectionState& connection, TextReply& reply) {
+                         ConnectionAccess& connection, TextReply& reply) {
   if (!command.IsAtHome(machine.model)) return Refuse(Refusal::NotOnThisModel);
   if (command.needsAccess && !machine.MayAccess(connection)) return Refuse(Refusal::PasswordNeeded);
   if (!command.IsPossibleIn(machine.State())) return Refuse(Refusal::WrongState);
@@ -33,7 +33,7 @@ commands::Answer Execute(const TextCommand& command, Machine& machine, std::stri
 
 }  // namespace
 
-TextReply ExecuteText(Machine& machine, std::string_view text, ConnectionState& connection) {
+TextReply ExecuteText(Machine& machine, std::string_view text, ConnectionAccess& connection) {
   TextReply reply;
   const TextCommand* command = FindTextCommand(text);
   reply.changesNothing = command != nullptr && command->isRead;

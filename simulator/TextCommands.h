@@ -13,14 +13,14 @@ namespace sim {
 // One ASCII request on its way through its command.
 struct TextCall {
   Machine& machine;
-  ConnectionState& connection;
+  ConnectionAccess& connection;
   HexReader fields;  // behind the command's name; for our own commands what is between tag and check
   TextReply& reply;  // for what the line has to do afterwards
 };
 
 // Finds the command, checks what the command table says of it, and executes it. Refusals come in the order: not known,
 // not on this model, no access, wrong state, busy, malformed, then what the command itself finds.
-[[nodiscard]] TextReply ExecuteText(Machine& machine, std::string_view text, ConnectionState& connection);
+[[nodiscard]] TextReply ExecuteText(Machine& machine, std::string_view text, ConnectionAccess& connection);
 
 // The commands, by file. Each gives the reply behind the name (and tag), or why it is refused.
 namespace commands {

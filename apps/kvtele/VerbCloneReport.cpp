@@ -20,8 +20,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t kAddressDigits = 8;
-
 // clang-format off
 constexpr std::array kInfoLines = {
     DocumentLine{"model          ", "model"},

@@ -14,8 +14,8 @@
 
 namespace kv {
 
-// The channel over our wire. The text commands and the control of the link stand in ChannelControl.cpp, typed reads in
-// ChannelReads.cpp, typed writes in ChannelWrites.cpp, memory and block messages in ChannelMemory.cpp.
+// The channel over our wire. The text commands and the control of the link stand in ChannelImpl.cpp, typed reads in
+// ChannelImplReads.cpp, typed writes in ChannelImplWrites.cpp, memory and block messages in ChannelImplMemory.cpp.
 //
 //   Closed -> Open (Open, OpenLink) -> Closed (Close, settings that need another port)
 //   Open -> Lost -> Open            within a request or with the next one, when the settings say so

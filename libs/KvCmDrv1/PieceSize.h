@@ -15,7 +15,6 @@ class PieceSize {
 
   [[nodiscard]] std::uint32_t Size() const { return mSize; }
   [[nodiscard]] std::uint32_t Most() const { return mMost; }
-  [[nodiscard]] bool IsSmallest() const { return mSize <= kSmallest; }
 
   void Damaged() {
     mSize = std::max(mSize / 2, kSmallest);

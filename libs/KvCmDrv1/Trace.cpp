@@ -80,7 +80,7 @@ void Trace::Add(Instant when, Direction direction, std::string_view bytes) {
   entry.isWithheld = !harmless;
   const std::string_view kept = harmless.value_or(std::string_view());
   std::copy_n(kept.begin(), std::min(kept.size(), kKeptBytes), entry.bytes.begin());
-  if (mFile.is_open() || mWatcher) PassOn(entry, kept);
+  if (mFile.is_open()) mFile << RowOf(entry, kept).Line() << '\n' << std::flush;
 }
 
 void Trace::SetOwner(std::string_view owner) {
@@ -114,12 +114,6 @@ std::string Trace::Text() const {
   std::string text;
   for (std::uint64_t index = FirstKept(); index < mTotal; ++index) text += RowAt(index).Line() + "\n";
   return text;
-}
-
-void Trace::PassOn(const Entry& entry, std::string_view bytes) {
-  const std::string line = RowOf(entry, bytes).Line();
-  if (mFile.is_open()) mFile << line << '\n' << std::flush;
-  if (mWatcher) mWatcher(line);
 }
 
 Trace::Row Trace::RowOf(const Entry& entry, std::string_view bytes) const {

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +18,7 @@ namespace kv {
 
 // What passed on the line. The last 1000 entries are always kept for an error report: their memory is there from the
 // start and nothing is formatted before somebody asks, so keeping them costs a copy of a few bytes. On request every
-// entry is also written to a file and given to a window, as it passes. Nothing that depends on a password is kept.
+// entry is also written to a file, as it passes. Nothing that depends on a password is kept.
 class Trace {
  public:
   enum class Direction {
@@ -47,8 +46,6 @@ class Trace {
   [[nodiscard]] bool WriteTo(const std::string& path);
   // The file that is being written; empty: none.
   [[nodiscard]] const std::string& File() const { return mPath; }
-  // Gets every entry from now on as one line; an empty function ends it.
-  void SetWatcher(std::function<void(const std::string& line)> watcher) { mWatcher = std::move(watcher); }
 
   // One entry in words. The time is that of the day, "2026-11-20T14:03:21.012345", without a blank in it; without a
   // clock it is in seconds from an origin that means nothing, but whose differences do.
@@ -81,7 +78,6 @@ class Trace {
     std::array<char, kKeptBytes> bytes;
   };
 
-  void PassOn(const Entry& entry, std::string_view bytes);
   [[nodiscard]] Row RowOf(const Entry& entry, std::string_view bytes) const;
 
   [[nodiscard]] std::string TimeText(Instant when) const;
@@ -95,7 +91,6 @@ class Trace {
   std::uint16_t mOwner = 0;
   std::string mPath;
   std::ofstream mFile;
-  std::function<void(const std::string& line)> mWatcher;
 };
 
 }  // namespace kv

@@ -6,6 +6,7 @@
 #include "base/AnsiText.h"
 #include "base/LineReader.h"
 #include "base/PathText.h"
+#include "link/LinkLimits.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv {

@@ -27,7 +27,6 @@ struct PagesFile {
   bool operator==(const PagesFile&) const = default;
 };
 
-inline constexpr std::size_t kLongestProjectName = 20;  // characters, as a controller keeps it
 inline constexpr std::size_t kLargestPagesFile = 4096;  // bytes
 
 // What the bytes of a file say. The error names the line, counted from 1, and what was expected there.

@@ -11,7 +11,6 @@ namespace {
 
 constexpr std::size_t kUnitDigits = 2;
 constexpr std::size_t kChecksumDigits = 2;
-constexpr std::size_t kAddressDigits = 8;
 constexpr std::size_t kCountDigits = 2;
 
 // Of the text of a write frame: where address, count and data begin.

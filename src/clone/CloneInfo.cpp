@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view kStage = "Reading the clone file";
 
 std::string Address(std::uint32_t address) {
-  return ToHex(address, 8);
+  return ToHex(address, kAddressDigits);
 }
 
 // Holds the frames of a file against its head, one after the other.

@@ -35,8 +35,8 @@ class Printer {
   }
   void AddSegment(const CloneManifest::Segment& each) {
     const CloneSegment& segment = each.segment;
-    mText += "Segment\t" + AnsiToUtf8(segment.code) + "\t" + LetterOf(segment.kind) + "\t" + ToHex(segment.start, 8) +
-             "\t" + std::to_string(segment.length) + "\t" + each.sha256 + "\r\n";
+    mText += "Segment\t" + AnsiToUtf8(segment.code) + "\t" + LetterOf(segment.kind) + "\t" +
+             ToHex(segment.start, kAddressDigits) + "\t" + std::to_string(segment.length) + "\t" + each.sha256 + "\r\n";
   }
   std::string mText = std::string(kTitle) + "\r\n";
 };

@@ -12,7 +12,6 @@ constexpr std::size_t kCountDigits = 4;
 constexpr std::size_t kChecksum = 2;
 constexpr std::size_t kEntry = 19;  // code, letter, start, length
 constexpr std::size_t kCode = 2;
-constexpr std::size_t kAddressDigits = 8;
 
 std::expected<CloneSegment, std::string> ParseEntry(std::string_view entry) {
   const auto isPrintable = [](char c) { return c > ' ' && c < 0x7F; };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <expected>
 #include <string>
@@ -16,6 +17,9 @@ enum class MemoryKind : std::int32_t { Flash = 0, Ram = 1 };
 [[nodiscard]] constexpr char LetterOf(MemoryKind kind) {
   return kind == MemoryKind::Flash ? 'F' : 'R';
 }
+
+// Hexadecimal digits of an address, in frames, files and texts.
+inline constexpr std::size_t kAddressDigits = 8;
 
 // One entry of a controller's segment table: `length` bytes of memory from controller address `start` on.
 struct CloneSegment {

@@ -6,8 +6,6 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t kAddressDigits = 8;
-
 void AddLone(const std::vector<CloneSegment>& segments, const char* where, std::vector<std::string>& lines) {
   for (const CloneSegment& segment : segments) lines.push_back(SegmentText(segment) + ": " + where);
 }

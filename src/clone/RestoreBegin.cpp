@@ -36,7 +36,7 @@ CloneOutcome SomebodyLoads() {
 Step Erase(Channel& link, const CloneSegment& segment) {
   Step erased;
   for (const MemoryKind kind : {MemoryKind::Flash, MemoryKind::Ram}) {
-    const std::string command = std::string("WD") + LetterOf(kind) + ToHex(segment.start, 8) + "02FFFF";
+    const std::string command = std::string("WD") + LetterOf(kind) + ToHex(segment.start, kAddressDigits) + "02FFFF";
     erased = Command(link, command, "erasing segment " + segment.code);
     if (erased || erased.error().link.controllerCode != kWrongLetterCode) break;
   }

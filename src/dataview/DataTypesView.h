@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "dataview/AllValues.h"
+#include "dataview/DataTypesViewParts.h"
 #include "dataview/GridChanges.h"
 #include "dataview/GridEdits.h"
 #include "dataview/GridState.h"
@@ -15,7 +16,6 @@
 #include "dataview/OnlineMode.h"
 #include "dataview/RegionEngine.h"
 #include "dataview/ViewContext.h"
-#include "dataview/ViewParts.h"
 
 namespace kv::mdlDataTypesView {
 
@@ -49,7 +49,6 @@ class DataTypesView {
   // Where the commands work; the window tells it as the user moves.
   void Select(const GridSelection& operands);
   void SelectRegions(std::vector<std::size_t> rows);
-  [[nodiscard]] const GridSelection& Selection() const { return mSelection; }
 
   // Runs a tool by its id ("ID_ReadRegions"); an unknown one does nothing. "ID_OnLine" returns when the mode has ended.
   void Run(std::string_view toolId);

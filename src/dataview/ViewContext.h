@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "dataview/DataTypesViewParts.h"
 #include "dataview/GridChanges.h"
 #include "dataview/GridState.h"
 #include "dataview/UndoHistory.h"
-#include "dataview/ViewParts.h"
 #include "link/LinkError.h"
 
 namespace kv::mdlDataTypesView {

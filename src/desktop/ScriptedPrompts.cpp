@@ -6,13 +6,6 @@ ScriptedPrompts::~ScriptedPrompts() {
   if (!mAnswers.empty()) mFail(std::to_string(mAnswers.size()) + " told answers were never asked for");
 }
 
-void ScriptedPrompts::ClearRecord() {
-  mBoxes.clear();
-  mInputs.clear();
-  mOpenDialogs.clear();
-  mSaveDialogs.clear();
-}
-
 template <typename Kind>
 std::optional<Kind> ScriptedPrompts::Take(const std::string& prompt) {
   const bool fits = !mAnswers.empty() && std::holds_alternative<Kind>(mAnswers.front());

@@ -33,8 +33,6 @@ class ScriptedPrompts : public Prompts {
   [[nodiscard]] const std::vector<InputBox>& Inputs() const { return mInputs; }
   [[nodiscard]] const std::vector<FileDialog>& OpenDialogs() const { return mOpenDialogs; }
   [[nodiscard]] const std::vector<FileDialog>& SaveDialogs() const { return mSaveDialogs; }
-  // Forgets the record, so that the next part of a test reads only its own.
-  void ClearRecord();
 
   PromptAnswer Show(const MessageBox& box) override;
   [[nodiscard]] std::optional<std::string> Ask(const InputBox& box) override;

@@ -24,7 +24,6 @@ void VirtualPacer::Sleep(Duration span) {
 }
 
 void VirtualPacer::DoEvents() {
-  ++mDoEventsCount;
   RunActionsUntil(mNow);
   RunHook(mOnDoEvents);
 }

@@ -28,7 +28,6 @@ class VirtualPacer final : public Pacer, public WallClock {
   // What LocalTime() is now; it goes on with Sleep. At first midnight of 1 January 2024.
   void SetLocalTime(std::chrono::local_seconds time);
 
-  [[nodiscard]] int DoEventsCount() const { return mDoEventsCount; }
   [[nodiscard]] int TurnCount() const { return mTurnCount; }
 
   [[nodiscard]] Instant Now() const override { return mNow; }
@@ -48,7 +47,6 @@ class VirtualPacer final : public Pacer, public WallClock {
   std::multimap<Instant, Action> mActions;
   Action mOnDoEvents;
   Action mOnTurn;
-  int mDoEventsCount = 0;
   int mTurnCount = 0;
   bool mStop = false;
 };

@@ -38,27 +38,27 @@ class Reader {
   }
 
  private:
-  using Outcome = std::optional<DownloadFileError>;
+  using Fault = std::optional<DownloadFileError>;
 
-  Outcome Damaged(const std::string& place, const std::string& what) const {
+  Fault Damaged(const std::string& place, const std::string& what) const {
     return mFaults.Damaged(place, what).error();
   }
 
-  Outcome CheckKind() {
+  Fault CheckKind() {
     const bool isOs = mBytes.size() >= kHead && mBytes.starts_with(kMagic);
     if (!isOs) return mFaults.NotLegal("expected an O/S file, which begins with \"KVOS\"").error();
     if (LittleAt(mBytes, 4, 2) == kFormat) return std::nullopt;
     return mFaults.NotLegal("expected format 1, the only one that this program knows").error();
   }
 
-  Outcome CheckWhole() {
+  Fault CheckWhole() {
     const std::uint32_t length = LittleAt(mBytes, 8, 4);
     if (length != mBytes.size()) return Damaged("byte 8", WrongLengthText(length, mBytes.size()));
     if (!HasItsCheck(mBytes, kCheckAt)) return Damaged("byte 12", "its CRC-32 does not fit: it was damaged");
     return std::nullopt;
   }
 
-  Outcome ReadHead() {
+  Fault ReadHead() {
     mOs.model = TextAt(mBytes, 16, 4);
     mPlaces = PlacesOf(mOs.model);
     if (mPlaces == nullptr) return Damaged("byte 16", "expected the O/S model K220, K222 or K330");
@@ -71,7 +71,7 @@ class Reader {
     return std::nullopt;
   }
 
-  Outcome ReadTopics() {
+  Fault ReadTopics() {
     const std::size_t count = LittleAt(mBytes, 6, 2);
     if (count < 1 || count > kLastOsTopic) return Damaged("byte 6", "expected 1 to 15 topics");
     std::size_t data = kHead + count * kEntry;
@@ -84,7 +84,7 @@ class Reader {
   }
 
   // The topic of the entry at `entry`, whose data begin at `data`, which is moved on behind them.
-  Outcome ReadTopic(std::size_t entry, std::size_t& data) {
+  Fault ReadTopic(std::size_t entry, std::size_t& data) {
     AurexOsTopic topic;
     const std::string place = "byte " + std::to_string(entry);
     topic.number = static_cast<int>(LittleAt(mBytes, entry, 2));

@@ -70,8 +70,4 @@ std::expected<CompactOsHead, DownloadFileError> ReadCompactOsHead(const std::fil
   return ParseHead(bytes, FaultsOf(Utf8FromPath(file)));
 }
 
-bool SuitsController(const CompactOsHead& head, const CompactController& controller) {
-  return head.model == controller.OsModel();
-}
-
 }  // namespace kv

@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "base/Bytes.h"
-#include "download/CompactController.h"
 #include "download/DownloadFileError.h"
 #include "download/FileStamp.h"
 #include "download/OsNumber.h"
@@ -39,8 +38,5 @@ struct CompactOsFile {
 
 // The head alone, without a look at the rest: for lists of many files.
 [[nodiscard]] std::expected<CompactOsHead, DownloadFileError> ReadCompactOsHead(const std::filesystem::path& file);
-
-// Whether a controller takes an O/S of this model. In doubt (a boot loader that does not tell) it does not.
-[[nodiscard]] bool SuitsController(const CompactOsHead& head, const CompactController& controller);
 
 }  // namespace kv

@@ -5,8 +5,9 @@
 #include <expected>
 #include <utility>
 
-#include "base/Numbers.h"
+#include "base/Hex.h"
 #include "download/FileFields.h"
+#include "link/LinkLimits.h"
 
 namespace kv {
 namespace {
@@ -29,16 +30,13 @@ std::expected<Piece, std::string> ReadPiece(std::string_view line) {
   constexpr std::size_t kName = 2;
   constexpr std::size_t kAddress = 6;
   constexpr std::size_t kMostBytes = 256;
-  constexpr std::size_t kLongestName = 20;
   const bool isName = line.starts_with("LN");
   if (!isName && !line.starts_with("LD")) return Piece{};
   const std::string_view digits = line.substr(kName);
-  const bool areDigits =
-      std::ranges::all_of(digits, [](char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); });
   const std::size_t head = isName ? 0 : kAddress;
   const std::size_t bytes = digits.size() < head ? 0 : (digits.size() - head) / 2;
-  const bool fits = isName ? bytes <= kLongestName : bytes >= 1 && bytes <= kMostBytes;
-  if (!areDigits || digits.size() % 2 != 0 || !fits) {
+  const bool fits = isName ? bytes <= kLongestProjectName : bytes >= 1 && bytes <= kMostBytes;
+  if (!AreUpperHexDigits(digits) || digits.size() % 2 != 0 || !fits) {
     return std::unexpected(isName ? "expected a name of at most 20 bytes, as digits"
                                   : "expected an address of 6 digits and 1 to 256 bytes, as digits");
   }

@@ -10,10 +10,10 @@
 namespace kv {
 namespace {
 
-using Outcome = std::expected<DownloadFile, DownloadFileError>;
+using ReadResult = std::expected<DownloadFile, DownloadFileError>;
 
 template <auto Reader>
-Outcome ReadWith(const std::filesystem::path& file) {
+ReadResult ReadWith(const std::filesystem::path& file) {
   auto read = Reader(file);
   if (!read) return std::unexpected(std::move(read.error()));
   return DownloadFile(*std::move(read));
@@ -22,7 +22,7 @@ Outcome ReadWith(const std::filesystem::path& file) {
 struct Kind {
   std::string_view extension;
   DownloadFileKind kind;
-  Outcome (*read)(const std::filesystem::path& file);
+  ReadResult (*read)(const std::filesystem::path& file);
 };
 
 constexpr Kind kKinds[] = {
@@ -45,7 +45,7 @@ std::optional<DownloadFileKind> KindOfDownloadFile(const std::filesystem::path& 
   return kind == nullptr ? std::nullopt : std::optional(kind->kind);
 }
 
-Outcome ReadDownloadFile(const std::filesystem::path& file) {
+ReadResult ReadDownloadFile(const std::filesystem::path& file) {
   const Kind* kind = FindKind(file);
   if (kind != nullptr) return kind->read(file);
   return FaultsOf(Utf8FromPath(file)).NotLegal("expected a file .dai, .d50, .kos, .kft or .OSI");

@@ -7,6 +7,7 @@
 #include "base/Texts.h"
 #include "desktop/RemainingTime.h"
 #include "download/FileFields.h"
+#include "link/LinkLimits.h"
 
 namespace kv {
 namespace {
@@ -32,8 +33,7 @@ std::string Shown(const Text& text) {
 
 // A controller keeps no more of a project's name, and blanks at its end are not seen.
 std::string KeptName(const std::string& name) {
-  constexpr std::size_t kLongestName = 20;
-  return AnsiToUtf8(TrimBlanks(Utf8ToAnsi(name).substr(0, kLongestName)));
+  return AnsiToUtf8(TrimBlanks(Utf8ToAnsi(name).substr(0, kLongestProjectName)));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <expected>
 #include <functional>
 #include <string>
@@ -52,6 +53,18 @@ class DownloadWork {
   // Between two exchanges: whether the user has asked for a stop, and means it. What would be left half done is asked
   // about, and with No the download goes on.
   [[nodiscard]] Step StopPoint();
+
+  // The steps of a download in their order, until one does not end well. As long as nothing has been done to the
+  // controller it can be stopped between any two.
+  template <typename Download, std::size_t kCount>
+  [[nodiscard]] Step DoAll(Download& download, Step (Download::* const (&steps)[kCount])()) {
+    for (const auto step : steps) {
+      Step done = (download.*step)();
+      if (done && left == ControllerLeft::Untouched) done = StopPoint();
+      if (!done) return done;
+    }
+    return {};
+  }
 
   // Does `exchange`, which leaves the controller as `then`; it stays what it was when it is certain that nothing was
   // executed.

@@ -54,10 +54,6 @@ std::optional<OsNumber> FontsNumberIn(std::string_view name) {
   return OsNumberIn(LastCharacters(name, kFontsName), 1);
 }
 
-std::optional<int> AurexOsVersionIn(std::string_view name) {
-  return NumberIn(LastCharacters(name, kOsName), kVersionAt, 3);
-}
-
 std::optional<int> FontsVersionIn(std::string_view name) {
   return NumberIn(LastCharacters(name, kFontsName), kVersionAt, 3);
 }

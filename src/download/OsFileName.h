@@ -21,7 +21,6 @@ namespace kv {
 [[nodiscard]] std::optional<OsNumber> AurexOsNumberIn(std::string_view name);
 [[nodiscard]] std::optional<OsNumber> FontsNumberIn(std::string_view name);
 // The number at the place of the version alone, which is what the checks before a download compare.
-[[nodiscard]] std::optional<int> AurexOsVersionIn(std::string_view name);
 [[nodiscard]] std::optional<int> FontsVersionIn(std::string_view name);
 
 struct CompactOsName {

@@ -80,12 +80,7 @@ class ProjectDownload::Run {
                                  &Run::AskToBegin, &Run::GetAccess, &Run::CheckFile,        &Run::EndDryRun,
                                  &Run::Backup,     &Run::CheckFile, &Run::CheckNobodyLoads, &Run::Send,
                                  &Run::Compare};
-    for (const Stage stage : kStages) {
-      Step done = (this->*stage)();
-      if (done && mWork.left == ControllerLeft::Untouched) done = mWork.StopPoint();
-      if (!done) return done;
-    }
-    return {};
+    return mWork.DoAll(*this, kStages);
   }
 
   [[nodiscard]] const std::optional<DownloadReview>& Review() const { return mReview; }

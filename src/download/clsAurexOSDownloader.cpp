@@ -66,12 +66,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::RunSteps() {
                                       &C::RestoreForceBit,
                                       &C::RestoreMemory,
                                       &C::TellForceFailure};
-  for (const auto step : kSteps) {
-    Step done = (this->*step)();
-    if (done && mWork->left == ControllerLeft::Untouched) done = mWork->StopPoint();
-    if (!done) return done;
-  }
-  return {};
+  return mWork->DoAll(*this, kSteps);
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::Identify() {

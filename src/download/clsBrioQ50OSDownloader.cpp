@@ -63,12 +63,7 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::RunSteps() {
                                       &C::CheckStillSame, &C::EnterBootLoader, &C::AgreeOnSpeed,
                                       &C::CheckFile,  // the last moment at which the old O/S is still there
                                       &C::EraseFlash,     &C::Program,         &C::Restart,      &C::IdentifyAgain};
-  for (const auto step : kSteps) {
-    Step done = (this->*step)();
-    if (done && mWork->left == ControllerLeft::Untouched) done = mWork->StopPoint();
-    if (!done) return done;
-  }
-  return {};
+  return mWork->DoAll(*this, kSteps);
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Identify() {

@@ -10,11 +10,11 @@
 
 #include "base/Bytes.h"
 #include "base/Time.h"
+#include "link/CommandReply.h"
 #include "link/DownloadEngine.h"
 #include "link/FixedPoint.h"
 #include "link/LinkError.h"
 #include "link/OperandList.h"
-#include "link/Reply.h"
 #include "link/SerialPortObject.h"
 #include "link/VersionInfo.h"
 

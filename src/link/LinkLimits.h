@@ -20,8 +20,9 @@ inline constexpr NumberRange kUnitIds{0, 255};
 inline constexpr NumberRange kTimeOuts{50, 300'000};  // milliseconds
 inline constexpr NumberRange kTries{1, 10};
 
-// Of a controller, in characters of Windows-1252.
+// What a controller keeps, in characters of Windows-1252.
 inline constexpr std::size_t kLongestPassword = 8;
+inline constexpr std::size_t kLongestProjectName = 20;
 
 // Bytes of controller memory that one request reads, and of data that one block message carries.
 inline constexpr std::uint32_t kMostMemoryPerRead = 4096;

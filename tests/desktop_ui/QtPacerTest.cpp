@@ -92,13 +92,13 @@ TEST_F(QtPacerTest, InputDuringAWaitIsKeptAndThenDelivered) {
   EXPECT_EQ(watcher.moves, 1);
 }
 
-TEST_F(QtPacerTest, AQuestionInTheMiddleOfAnOperationStandsBeforeNoVeil) {
+TEST_F(QtPacerTest, AQuestionInTheMiddleOfAnOperationStandsBeforeNoOverlay) {
   QtPrompts prompts;
   BusyState busy(pacer, window, "Writing");
   auto inner = std::make_optional<BusyState>(pacer, window, "Writing more");
   ASSERT_TRUE(Wait([this] { return IsOverlayShown(); }));
   WhenOpen<QDialog>(window, [this](QDialog& box) {
-    for (const QWidget* veil : window.findChildren<QWidget*>("busyOverlay")) EXPECT_FALSE(veil->isVisible());
+    for (const QWidget* overlay : window.findChildren<QWidget*>("busyOverlay")) EXPECT_FALSE(overlay->isVisible());
     EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::ArrowCursor);
     pacer.Sleep(1ms);  // a timer that waits for something must not hold up the box
     QTest::keyClicks(&Find<QLineEdit>(box, "txtInput"), "1234");

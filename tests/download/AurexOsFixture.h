@@ -28,13 +28,13 @@ class WatchedController final : public sim::Controller {
   std::function<void(std::string_view text, sim::TextReply&)> onText;
 
   void Advance(Instant now) override { mInner->Advance(now); }
-  sim::TextReply ExecuteText(std::string_view text, sim::ConnectionState& connection) override {
+  sim::TextReply ExecuteText(std::string_view text, sim::ConnectionAccess& connection) override {
     sim::TextReply reply = mInner->ExecuteText(text, connection);
     if (!reply.changesNothing) told.emplace_back(text);
     if (onText) onText(text, reply);
     return reply;
   }
-  sim::BlockReply ExecuteBlock(const sim::BlockRequest& request, sim::ConnectionState& connection) override {
+  sim::BlockReply ExecuteBlock(const sim::BlockRequest& request, sim::ConnectionAccess& connection) override {
     sim::BlockReply reply = mInner->ExecuteBlock(request, connection);
     if (request.opCode == 65) {
       told.push_back("65 " + std::to_string(request.param4) + "." + std::to_string(request.param3));
@@ -52,12 +52,12 @@ class WatchedController final : public sim::Controller {
 
   // Asked past every line: "K220-22-R1|10|4.60|19|R".
   [[nodiscard]] std::string Truth() const {
-    sim::ConnectionState own{true};
+    sim::ConnectionAccess own{true};
     const std::string state = mInner->ExecuteText("IN000000000000", own).text;
     return mInner->ExecuteText("ID", own).text.substr(2) + "|" + state.substr(14, 1);
   }
   sim::TextReply Tell(std::string_view text) const {
-    sim::ConnectionState own{true};
+    sim::ConnectionAccess own{true};
     return mInner->ExecuteText(text, own);
   }
 

@@ -26,13 +26,13 @@ class LoggedController final : public sim::Controller {
   std::function<void(std::string_view command)> onText;                                   // before it is executed
 
   void Advance(Instant now) override { mInner->Advance(now); }
-  sim::TextReply ExecuteText(std::string_view text, sim::ConnectionState& connection) override {
+  sim::TextReply ExecuteText(std::string_view text, sim::ConnectionAccess& connection) override {
     if (onText) onText(text);
     sim::TextReply reply = mInner->ExecuteText(text, connection);
     if (!reply.changesNothing) mLog.emplace_back(text.substr(0, text.starts_with("L") ? 2 : 8));
     return reply;
   }
-  sim::BlockReply ExecuteBlock(const sim::BlockRequest& request, sim::ConnectionState& connection) override {
+  sim::BlockReply ExecuteBlock(const sim::BlockRequest& request, sim::ConnectionAccess& connection) override {
     sim::BlockReply reply = mInner->ExecuteBlock(request, connection);
     const bool mayChange = request.opCode == 2 || (request.opCode >= 65 && request.opCode <= 69);
     if (mayChange) mLog.push_back(std::to_string(request.opCode));
@@ -47,7 +47,7 @@ class LoggedController final : public sim::Controller {
 
   // Told past every line and the log.
   std::string Tell(const std::string& text) {
-    sim::ConnectionState own{true};
+    sim::ConnectionAccess own{true};
     return mInner->ExecuteText(text, own).text;
   }
   // State letter and project, "ROld".

@@ -8,6 +8,8 @@
 #include "KvCmDrv1/wire/Requests.h"
 #include "base/Crc32.h"
 #include "base/Hex.h"
+#include "base/PathText.h"
+#include "support/TemporaryFolder.h"
 
 namespace kv {
 namespace {
@@ -91,13 +93,14 @@ void PlayAll(const Asked& asked, const Add& add) {
 std::string TextAfter(const Asked& asked) {
   VirtualPacer pacer;
   Trace trace;
-  std::string text;
-  trace.SetWatcher([&text](const std::string& line) { text += line + "\n"; });
+  const TemporaryFolder folder;
+  EXPECT_TRUE(trace.WriteTo(Utf8FromPath(folder.Path() / "trace.txt")));
   PlayAll(asked, [&](Trace::Direction direction, std::string_view bytes) {
     trace.Add(pacer.Now(), direction, bytes);
     pacer.Sleep(1ms);
   });
   const std::string kept = trace.Text();
+  const std::string text = TemporaryFolder::Content(folder.Path() / "trace.txt");
   EXPECT_EQ(text.substr(text.size() - kept.size()), kept);
   return text;
 }

@@ -21,12 +21,12 @@ class CountingController final : public sim::Controller {
   explicit CountingController(std::unique_ptr<sim::Controller> inner) : mInner(std::move(inner)) {}
 
   void Advance(Instant now) override { mInner->Advance(now); }
-  sim::TextReply ExecuteText(std::string_view text, sim::ConnectionState& connection) override {
+  sim::TextReply ExecuteText(std::string_view text, sim::ConnectionAccess& connection) override {
     sim::TextReply reply = mInner->ExecuteText(text, connection);
     if (!reply.changesNothing && reply.text.find("ERROR") == std::string::npos) ++mExecuted[std::string(text)];
     return reply;
   }
-  sim::BlockReply ExecuteBlock(const sim::BlockRequest& request, sim::ConnectionState& connection) override {
+  sim::BlockReply ExecuteBlock(const sim::BlockRequest& request, sim::ConnectionAccess& connection) override {
     sim::BlockReply reply = mInner->ExecuteBlock(request, connection);
     if (reply.status < 128 && reply.status != 5)
       ++mBlocks[std::to_string(request.opCode) + std::string(request.payload)];
@@ -113,7 +113,7 @@ class Fixture {
 
   // A text executed by the controller itself, past every line.
   std::string Tell(std::string_view text) {
-    sim::ConnectionState own{true};
+    sim::ConnectionAccess own{true};
     return controller->Inner().ExecuteText(text, own).text;
   }
   // The same for a command with tag and check, without both.
@@ -121,7 +121,7 @@ class Fixture {
     return Tell(name + "0000" + fields + "00000000").substr(6);
   }
   sim::BlockReply TellBlock(const sim::BlockRequest& request) {
-    sim::ConnectionState own{true};
+    sim::ConnectionAccess own{true};
     return controller->Inner().ExecuteBlock(request, own);
   }
   // A number that was not given out before.

@@ -96,11 +96,11 @@ TEST(ProtocolPage, PlacesOfAnAurexOs) {
 
 TEST(ProtocolPage, EveryReasonIsToldInOneOrder) {
   using sim::RunState;
-  constexpr sim::ConnectionState stranger, friendly{true};
+  constexpr sim::ConnectionAccess stranger, friendly{true};
   for (const TextCommand& command : sim::AllTextCommands()) {
     SCOPED_TRACE(command.name);
     const std::string malformed = std::string(command.name) + (command.form == TextCommand::Form::Whole ? "" : "?");
-    const auto answer = [&](std::string_view model, char state, bool isBusy, sim::ConnectionState connection) {
+    const auto answer = [&](std::string_view model, char state, bool isBusy, sim::ConnectionAccess connection) {
       sim::Machine machine(*sim::FindModel(model), {}, 1, {});
       machine.password = "key";
       machine.SetState(static_cast<RunState>(state));

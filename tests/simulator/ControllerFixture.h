@@ -58,7 +58,7 @@ class Fixture {
   char State() { return Own("IN", "")[8]; }
   Controller& It() { return *mController; }
 
-  ConnectionState connection;
+  ConnectionAccess connection;
 
  private:
   kv::Instant mNow{std::chrono::hours(7)};

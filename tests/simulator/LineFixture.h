@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 class FakeController : public Controller {
  public:
   void Advance(kv::Instant) override {}
-  TextReply ExecuteText(std::string_view text, ConnectionState& connection) override {
+  TextReply ExecuteText(std::string_view text, ConnectionAccess& connection) override {
     executed.emplace_back(text);
     if (text.front() == 'W' && !lying) stored = text.substr(2);
     if (text.front() == 'G') connection.hasAccess = true;
@@ -33,7 +33,7 @@ class FakeController : public Controller {
     return reply;
   }
   void Restart() override { executed.emplace_back("restart"); }
-  BlockReply ExecuteBlock(const BlockRequest&, ConnectionState&) override { return {}; }
+  BlockReply ExecuteBlock(const BlockRequest&, ConnectionAccess&) override { return {}; }
   bool UnderstandsBlocks() const override { return true; }
   std::uint8_t Unit() const override { return 1; }
   void SetLying(bool isLying) override { lying = isLying; }

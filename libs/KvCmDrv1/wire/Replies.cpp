@@ -10,6 +10,7 @@
 #include "KvCmDrv1/wire/Requests.h"
 #include "base/Bytes.h"
 #include "base/Hex.h"
+#include "link/LinkLimits.h"
 
 namespace kv {
 namespace {
@@ -164,13 +165,12 @@ std::optional<VersionInfo> ReadIdentification(std::string_view reply) {
 
 std::optional<Channel::ControllerInfo> ReadInformation(std::string_view reply, std::uint16_t tag) {
   constexpr std::string_view kStates = "RSBL";
-  constexpr std::size_t kLongestName = 20;
   FieldReader reader = Begin(reply, "IN", tag);
   Channel::ControllerInfo info;
   info.serialNumber = reader.Hex(8);
   const std::string_view state = reader.Take(1);
   const std::string_view name = reader.Rest();
-  if (!reader.Good() || kStates.find(state) == std::string_view::npos || name.size() > 2 * kLongestName) {
+  if (!reader.Good() || kStates.find(state) == std::string_view::npos || name.size() > 2 * kLongestProjectName) {
     return std::nullopt;
   }
   Bytes bytes(name.size() / 2);

@@ -2,6 +2,7 @@
 
 #include "base/Crc32.h"
 #include "base/Hex.h"
+#include "link/LinkLimits.h"
 
 namespace kv {
 
@@ -34,9 +35,8 @@ std::string_view RequestWriter::Information(std::uint8_t unit, std::uint16_t tag
 }
 
 std::string_view RequestWriter::GiveAccess(std::uint8_t unit, std::uint16_t tag, std::string_view password) {
-  constexpr std::size_t kPassword = 8;
   Begin("AC", tag);
-  for (std::size_t i = 0; i < kPassword; ++i) {
+  for (std::size_t i = 0; i < kLongestPassword; ++i) {
     AppendHex(mText, i < password.size() ? static_cast<unsigned char>(password[i]) : ' ', 2);
   }
   return Finish(unit);

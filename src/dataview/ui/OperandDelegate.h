@@ -3,7 +3,7 @@
 #include <QFontMetrics>
 
 #include "dataview/DataTypesView.h"
-#include "dataview/ui/CellEditor.h"
+#include "dataview/ui/CellEditDelegate.h"
 #include "dataview/ui/GridColours.h"
 #include "dataview/ui/RegionFrames.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "dataview/DataTypesView.h"
-#include "dataview/ui/CellEditor.h"
+#include "dataview/ui/CellEditDelegate.h"
 #include "dataview/ui/RegionDelegates.h"
 #include "dataview/ui/RegionModel.h"
 

@@ -14,8 +14,6 @@ struct ViewCommand {
   std::string_view tip;       // what it does
   std::string_view icon;
   std::string_view button;  // its text in a band; empty: it is in the menus only
-
-  [[nodiscard]] constexpr bool IsOfWindow() const { return id.starts_with("VIEW_"); }
 };
 
 // A menu: its title with a mnemonic, and its tools; one without an id separates.

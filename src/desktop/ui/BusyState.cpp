@@ -21,8 +21,8 @@ namespace {
 
 // What ends sooner ends without a flicker.
 constexpr std::chrono::milliseconds kDelay{300};
-constexpr int kVeil = 150;  // opacity, of 255: the window below stays readable
-constexpr int kWide = 280;  // the panel, where the window is not narrower
+constexpr int kOverlayAlpha = 150;  // opacity, of 255: the window below stays readable
+constexpr int kWide = 280;          // the panel, where the window is not narrower
 
 // Of the one user-interface thread.
 std::vector<BusyState*> gStates;  // the innermost last
@@ -30,7 +30,7 @@ int gPauses = 0;
 
 }  // namespace
 
-// The veil, and on it the panel. It covers its parent and follows its size.
+// The overlay, and on it the panel. It covers its parent and follows its size.
 class BusyOverlay final : public QWidget {
  public:
   BusyOverlay(QWidget& window, const QString& text) : QWidget(&window) {
@@ -64,9 +64,9 @@ class BusyOverlay final : public QWidget {
   }
 
   void paintEvent(QPaintEvent* event) override {
-    QColor veil = palette().color(QPalette::Window);
-    veil.setAlpha(kVeil);
-    QPainter(this).fillRect(event->rect(), veil);
+    QColor overlay = palette().color(QPalette::Window);
+    overlay.setAlpha(kOverlayAlpha);
+    QPainter(this).fillRect(event->rect(), overlay);
   }
 
   bool focusNextPrevChild(bool) override { return true; }  // the Tab key stays here

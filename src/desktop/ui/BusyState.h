@@ -10,7 +10,7 @@ namespace kv {
 
 class BusyOverlay;
 
-// Shows that a window waits for an operation: at once by the pointer, after a third of a second by a veil over the
+// Shows that a window waits for an operation: at once by the pointer, after a third of a second by an overlay over the
 // window with a text and a Cancel button. Cancel, Escape and closing the window become the pacer's stop request,
 // which the operation's StopScope takes back. States may be nested; the innermost is seen. The window and the pacer
 // outlive it.
@@ -37,12 +37,12 @@ class BusyState {
   InputGate mGateBefore;
   bool mHasGate = false;
   bool mIsPaused = false;
-  bool mIsDue = false;  // the veil is to be seen, or would be if there were no pause
+  bool mIsDue = false;  // the overlay is to be seen, or would be if there were no pause
   QTimer mDelay;
 };
 
 // While a box asks the user something in the middle of an operation: no window is busy, and what is typed goes to the
-// box. The veils come back when it goes.
+// box. The overlays come back when it goes.
 class BusyPause {
  public:
   BusyPause();

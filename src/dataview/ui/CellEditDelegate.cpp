@@ -1,4 +1,4 @@
-#include "dataview/ui/CellEditor.h"
+#include "dataview/ui/CellEditDelegate.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kFrame = 2;  // of a refused text, in pixels of a normal screen
 constexpr const char* kCellEditor = "cellEditor";
-constexpr const char* kBusyVeil = "busyOverlay";
+constexpr const char* kBusyOverlay = "busyOverlay";
 
 // A line edit that shows why its text is refused.
 class CellEditor final : public QLineEdit {
@@ -64,10 +64,10 @@ bool IsCommitKey(const QEvent& event) {
   return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Tab || key == Qt::Key_Backtab;
 }
 
-// The veil of the busy state takes the focus for a while and gives it back.
-bool IsFocusWithVeil() {
+// The overlay of the busy state takes the focus for a while and gives it back.
+bool IsFocusWithOverlay() {
   for (const QWidget* widget = QApplication::focusWidget(); widget; widget = widget->parentWidget()) {
-    if (widget->objectName() == kBusyVeil) return true;
+    if (widget->objectName() == kBusyOverlay) return true;
   }
   return false;
 }
@@ -116,7 +116,7 @@ void CellEditDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, 
 bool CellEditDelegate::eventFilter(QObject* object, QEvent* event) {
   auto* editor = dynamic_cast<CellEditor*>(object);
   if (!editor) return QStyledItemDelegate::eventFilter(object, event);
-  if (event->type() == QEvent::FocusOut && IsFocusWithVeil()) return false;
+  if (event->type() == QEvent::FocusOut && IsFocusWithOverlay()) return false;
   if (editor->IsRefused()) {
     if (IsCommitKey(*event)) {
       editor->TellFault();

@@ -1,4 +1,4 @@
-#include "link/Reply.h"
+#include "link/CommandReply.h"
 
 namespace kv {
 

@@ -116,7 +116,6 @@ void ChannelImpl::Retire() {
 }
 
 std::optional<CommandReply> ChannelImpl::SendCommand(std::string_view command) {
-  constexpr std::size_t kPassword = 8;
   const std::uint8_t unit = mSettings.unit;
   const auto reply = mClient.SendText({unit, command, CommandFactsOf(command), std::nullopt});
   if (!reply) {
@@ -126,7 +125,7 @@ std::optional<CommandReply> ChannelImpl::SendCommand(std::string_view command) {
   }
   Succeed();
   CommandReply result{std::string(*reply), ReadRefusal(*reply, command).value_or(0)};
-  if (command.size() == 2 + kPassword && command.starts_with("GI") && reply->starts_with("GI1")) {
+  if (command.size() == 2 + kLongestPassword && command.starts_with("GI") && reply->starts_with("GI1")) {
     const std::string_view password = command.substr(2);
     mClient.Unit(unit).password = password.substr(0, password.find_last_not_of(' ') + 1);
   }
