@@ -1,4 +1,5 @@
-// Whoever adds a tool window follows docs/architecture.md and one example. What the page names has to be all there is.
+// docs/architecture.md against the tree. Whoever adds a tool window follows the page and one example: what it names has
+// to be all there is. Whoever looks for a rule finds it where the page says.
 
 #include <gmock/gmock.h>
 
@@ -44,6 +45,22 @@ TEST(ToolWindowPageTest, NamesExactlyTheFilesOfTheExample) {
                 const bool isOfExample = std::ranges::any_of(marks, isIn);
                 EXPECT_TRUE(!isOfExample || named.contains(name)) << name << " belongs to the example, too";
               });
+}
+
+// Everything in backquotes.
+std::vector<std::string> CodesIn(const std::string& cell) {
+  static const std::regex kCode("`([^`]+)`");
+  std::vector<std::string> codes;
+  for (std::sregex_iterator at(cell.begin(), cell.end(), kCode), end; at != end; ++at) codes.push_back((*at)[1]);
+  return codes;
+}
+
+TEST(RulePageTest, EachNameStandsInAFileOfItsRow) {
+  for (const Row& row : RowsBelow({"The rule for ...", "File", "Name"}, "architecture.md")) {
+    std::string content;
+    for (const std::string& file : CodesIn(row[1])) content += TemporaryFolder::Content(kTree / file);
+    for (const std::string& name : CodesIn(row[2])) EXPECT_THAT(content, testing::HasSubstr(name)) << row[0];
+  }
 }
 
 // Names in the tables of commands are walked by the tests of their windows.
