@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "download/FlashStatus.h"
 #include "link/BlockOperations.h"
 #include "link/ControllerErrorText.h"
 #include "link/ErrorMeaning.h"
@@ -22,21 +23,15 @@ constexpr std::uint16_t kLastSequence = 255;
 constexpr int kNotTogetherCode = 0x0F;
 
 constexpr BlockFields kStatusRequest{
-    .opCode = BlockOperation::kStatus, .param1 = 0, .dataLength = 106, .param3 = 0, .param4 = 0};
-
-// Places in the reply to it.
-constexpr std::size_t kFlashError = 1;
-constexpr std::size_t kState = 2;
-constexpr std::size_t kPercent = 3;
-constexpr std::size_t kTopicValid = 9;
-constexpr std::uint8_t kIdle = 'I';
+    .opCode = BlockOperation::kStatus, .param1 = 0, .dataLength = FlashStatus::kLength, .param3 = 0, .param4 = 0};
 
 // A reply that is too short tells of no state, and counts as one of a controller that is not idle.
 AurexOsSender::Status StatusIn(const Bytes& reply) {
-  if (reply.size() <= kTopicValid || reply[0] != 'R') return {};
-  return {.isIdle = reply[kState] == kIdle,
+  using namespace FlashStatus;
+  if (reply.size() < kShortest || reply[0] != 'R') return {};
+  return {.isIdle = reply[kActivity] == kIdle,
           .hasFlashError = reply[kFlashError] != 0,
-          .hasTopic = reply[kTopicValid] != 0,
+          .hasTopic = reply[kIsWhole] != 0,
           .percent = std::min<int>(reply[kPercent], 100)};
 }
 

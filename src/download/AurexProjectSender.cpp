@@ -7,6 +7,7 @@
 
 #include "base/Texts.h"
 #include "download/FileFields.h"
+#include "download/FlashStatus.h"
 #include "download/OsNumber.h"
 #include "link/BlockOperations.h"
 #include "link/OsVersion.h"
@@ -16,13 +17,6 @@ namespace kv {
 namespace {
 
 using namespace BlockOperation;
-
-constexpr std::uint32_t kStatusLength = 106;
-constexpr std::size_t kShortestStatus = 10;
-constexpr std::size_t kActivity = 2;  // places in a status
-constexpr std::size_t kTopicCount = 8;
-constexpr std::size_t kIsWhole = 9;
-constexpr std::uint8_t kIdle = 'I';
 
 constexpr int kStatusSteps = 120;
 constexpr Duration kBetweenPolls = std::chrono::milliseconds(100);
@@ -172,7 +166,7 @@ AurexProjectSender::Step AurexProjectSender::SendTopic(const AurexProjectTopic& 
     if (!isUnsure && !mWork.GoesOnAfter(sent.error())) return std::unexpected(sent.error());
     const auto status = AskStatus();
     if (!status) return std::unexpected(isUnsure ? sent.error() : status.error());
-    const std::uint8_t count = (*status)[kTopicCount];
+    const std::uint8_t count = (*status)[FlashStatus::kTopicCount];
     if (count == expected) return {};
     if (count != static_cast<std::uint8_t>(expected - 1)) {
       return mWork.Fail(DownloadCause::Reply, "The controller has not kept what it was sent before: it has restarted.");
@@ -208,8 +202,8 @@ AurexProjectSender::Step AurexProjectSender::WaitForIdle(bool isWhole) {
   for (int step = 0;;) {
     const auto status = AskStatus();
     if (!status) return std::unexpected(status.error());
-    const bool isIdle = (*status)[kActivity] == kIdle;
-    if (isIdle && (!isWhole || (*status)[kIsWhole] != 0)) return {};
+    const bool isIdle = (*status)[FlashStatus::kActivity] == FlashStatus::kIdle;
+    if (isIdle && (!isWhole || (*status)[FlashStatus::kIsWhole] != 0)) return {};
     if (isIdle) {
       if (Step loads = CheckStillLoads(); !loads) return loads;
     }
@@ -240,10 +234,10 @@ AurexProjectSender::Step AurexProjectSender::CheckStillLoads() {
 
 std::expected<Bytes, DownloadOutcome> AurexProjectSender::AskStatus() {
   while (true) {
-    auto status = mWork.SendBlock({.opCode = kStatus, .dataLength = kStatusLength});
-    if (status && status->size() < kShortestStatus) {
+    auto status = mWork.SendBlock({.opCode = kStatus, .dataLength = FlashStatus::kLength});
+    if (status && status->size() < FlashStatus::kShortest) {
       return mWork.Fail(DownloadCause::Reply, "The controller's status has " + Counted(status->size(), "byte") +
-                                                  " instead of " + std::to_string(kStatusLength) + ".");
+                                                  " instead of " + std::to_string(FlashStatus::kLength) + ".");
     }
     if (status || !mWork.GoesOnAfter(status.error())) return status;
   }

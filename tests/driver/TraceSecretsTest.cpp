@@ -9,7 +9,7 @@
 #include "base/Crc32.h"
 #include "base/Hex.h"
 #include "base/PathText.h"
-#include "support/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv {
 namespace {
