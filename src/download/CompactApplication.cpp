@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "base/Numbers.h"
-#include "link/HexHelpers.h"
+#include "base/Hex.h"
 
 namespace kv {
 namespace {
