@@ -6,6 +6,7 @@
 #include "apps/kvtele/VerbOutput.h"
 #include "base/Hex.h"
 #include "base/PathText.h"
+#include "clone/CloneSegment.h"
 #include "download/DownloadFile.h"
 
 namespace kv::cli {
@@ -13,8 +14,6 @@ namespace kv::cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr std::size_t kAddressDigits = 8;
 
 // What each kind of file tells of itself, in the order in which it is shown.
 Json DocumentOf(const AurexProjectFile& file) {

@@ -3,12 +3,12 @@
 #include <algorithm>
 
 #include "base/Hex.h"
+#include "clone/CloneSegment.h"
 
 namespace kv {
 namespace {
 
 constexpr std::size_t kBlock = 64;
-constexpr std::size_t kAddressDigits = 8;
 constexpr std::size_t kMost = std::size_t{1} << 20;  // more than any of these controllers has
 
 std::string AddressText(std::size_t place) {
@@ -16,14 +16,7 @@ std::string AddressText(std::size_t place) {
 }
 
 std::optional<Bytes> BytesIn(std::string_view digits) {
-  Bytes bytes;
-  if (digits.size() % 2 != 0) return std::nullopt;
-  for (std::size_t i = 0; i < digits.size(); i += 2) {
-    const auto byte = HexPairToByte(digits.substr(i, 2));
-    if (!byte) return std::nullopt;
-    bytes.push_back(static_cast<std::uint8_t>(*byte));
-  }
-  return bytes;
+  return digits.size() % 2 == 0 ? HexStringToBytes(digits) : std::nullopt;
 }
 
 }  // namespace
