@@ -5,6 +5,9 @@
 #include <array>
 #include <map>
 
+#include "KvCmDrv1/LinkSettings.h"
+#include "KvCmDrv1/RoundTrip.h"
+#include "KvCmDrv1/UnitState.h"
 #include "KvCmDrv1/wire/AsciiCodec.h"
 #include "KvCmDrv1/wire/BlockFacts.h"
 #include "KvCmDrv1/wire/CommandFacts.h"
@@ -13,9 +16,11 @@
 #include "dataview/operands/OperandCatalogue.h"
 #include "download/AurexPlaces.h"
 #include "link/ControllerErrorText.h"
+#include "models/ModelCatalogue.h"
 #include "simulator/BlockCommands.h"
 #include "simulator/CommandTable.h"
 #include "simulator/FlashMap.h"
+#include "simulator/FrameReader.h"
 #include "simulator/OperandTypes.h"
 #include "tests/support/MarkdownTables.h"
 
@@ -157,10 +162,81 @@ TEST(ProtocolPage, OneRequestCarriesARegion) {
   }
 }
 
+TEST(ProtocolPage, OperandCounts) {
+  using namespace mdlDataTypesView;
+  constexpr std::array<std::string_view, 3> kModels = {"K330", "K670-67-C30 / K390-29-C30", "Q50"};
+  std::map<std::string, Row> page;
+  for (Row& row : RowsBelow({"Operands", "plain", "large", "small"})) page[row[0]] = row;
+  for (int number = 1; number <= kOperandTypeCount; ++number) {
+    const auto type = static_cast<OperandTypeCode>(number);
+    const std::string name(TypeName(type));
+    const auto found = page.find(name.substr(0, name.find(' ')));  // timers and counters are three types
+    ASSERT_NE(found, page.end()) << name;
+    for (std::size_t group = 0; group < kModels.size(); ++group) {
+      SCOPED_TRACE(name + " of " + std::string(kModels[group]));
+      EXPECT_EQ(std::to_string(OperandCount(type, kModels[group])), found->second[1 + group]);
+      EXPECT_EQ(std::to_string(LegacyOsOperandCount(type, kModels[group])), found->second[4 + group]);
+    }
+  }
+  for (const sim::AreaRow& area : sim::AllAreas()) {
+    const Row& row = page.at(std::string(area.name.substr(0, area.name.find('-'))));
+    for (std::size_t group = 0; group < 3; ++group) {
+      EXPECT_EQ(std::to_string(area.counts[group]), row[1 + group]) << area.name;
+      EXPECT_EQ(std::to_string(area.olderCounts[group]), row[4 + group]) << area.name;
+    }
+  }
+}
+
+TEST(ProtocolPage, Models) {
+  constexpr std::array<std::string_view, 3> kGroups = {"plain", "large", "small"};
+  const auto rows = RowsBelow({"Model", "Model text", "Boot text", "Hardware code"});
+  const auto models = sim::AllModels();
+  ASSERT_EQ(rows.size(), models.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const sim::Model& model = models[i];
+    const Row& row = rows[i];
+    SCOPED_TRACE(row[0]);
+    const bool isCompact = !model.UnderstandsBlocks();
+    const Row expected = {std::string(model.name),
+                          "`" + std::string(model.reported) + "`",
+                          "`" + std::string(model.bootText) + "`",
+                          "`" + std::string(model.hardware) + "`",
+                          isCompact ? "compact" : "Aurex",
+                          std::string(kGroups.at(static_cast<std::size_t>(model.operands))),
+                          model.versionStyle == sim::VersionStyle::Fields ? "fields" : "digits",
+                          "`" + std::string(model.osModel) + "`",
+                          std::to_string(model.panel)};
+    EXPECT_EQ(row, expected);
+    EXPECT_EQ(UnderstandsAsciiOnly(model.reported), isCompact);
+    EXPECT_EQ(UnderstandsAsciiOnly(model.bootText), isCompact);
+    EXPECT_EQ(IsColourModel(model.name), model.HasColour());
+    const auto count = mdlDataTypesView::OperandCount(mdlDataTypesView::OperandTypeCode::MB, model.name);
+    EXPECT_EQ(count, sim::CellCount(sim::Area::MB, model.operands, false));
+  }
+}
+
 TEST(ProtocolPage, RefusalsAndTheirTexts) {
   const auto rows = RowsBelow({"Code", "Meaning", "Told when"});
   EXPECT_EQ(rows.size(), 15U);
   for (const Row& row : rows) EXPECT_EQ(row[1], ControllerErrorText(std::stoi(row[0], nullptr, 16)).meaning) << row[0];
+}
+
+TEST(ProtocolPage, TimeOutsAndTries) {
+  sim::FrameReader reader(true);
+  reader.Feed("\xB4", Instant{});
+  EXPECT_FALSE(reader.Next(Instant{}));
+  const auto inMilliseconds = [](Duration time) { return std::to_string(time / std::chrono::milliseconds(1)) + " ms"; };
+  const std::vector<std::string> expected = {inMilliseconds(LinkSettings().timeOut),
+                                             std::to_string(kTimeOuts.lowest) + " ms",
+                                             std::to_string(kTimeOuts.highest) + " ms",
+                                             std::to_string(LinkSettings().tries),
+                                             std::to_string(kTries.highest),
+                                             inMilliseconds(RoundTrip::kFloor),
+                                             inMilliseconds(kRestartTime),
+                                             inMilliseconds(*reader.Deadline() - Instant{})};
+  std::vector<std::string> values;
+  for (const Row& row : RowsBelow({"What", "Value"})) values.push_back(row[1]);
+  EXPECT_EQ(values, expected);
 }
 
 TEST(ProtocolPage, StepsOfAProject) {
