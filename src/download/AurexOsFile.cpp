@@ -44,6 +44,11 @@ class Reader {
     return mFaults.Damaged(place, what).error();
   }
 
+  // What is kept for later formats means nothing yet: a file that uses it is not of this one.
+  [[nodiscard]] bool IsZero(std::size_t from, std::size_t count) const {
+    return mBytes.substr(from, count).find_first_not_of('\0') == std::string_view::npos;
+  }
+
   Fault CheckKind() {
     const bool isOs = mBytes.size() >= kHead && mBytes.starts_with(kMagic);
     if (!isOs) return mFaults.NotLegal("expected an O/S file, which begins with \"KVOS\"").error();
@@ -66,6 +71,7 @@ class Reader {
     const auto version = DigitsAt(mBytes, 20, 3);
     const auto build = DigitsAt(mBytes, 23, 2);
     if (!version || !build) return Damaged("byte 20", "expected three digits of a version and two of a build");
+    if (!IsZero(25, 7)) return Damaged("byte 25", "expected seven zero bytes");
     mOs.number = {*version, *build};
     mOs.remark = ShownText(mBytes.substr(32, 32));
     return std::nullopt;
@@ -96,6 +102,7 @@ class Reader {
     if ((flags & ~kCompressed) != 0) return Damaged(place, "expected no other flag than 1, compressed");
     topic.isCompressed = flags == kCompressed;
     topic.base = LittleAt(mBytes, entry + 4, 4);
+    if (!IsZero(entry + 12, 4)) return Damaged(place, "expected zero bytes from 12 to 15 of its entry");
     const std::uint32_t length = LittleAt(mBytes, entry + 8, 4);
     if (length == 0 || length > mBytes.size() - data) {
       return Damaged(place, "expected 1 to " + std::to_string(mBytes.size() - data) + " bytes of data");

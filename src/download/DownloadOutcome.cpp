@@ -54,6 +54,9 @@ std::string_view LeftBehindText(ControllerLeft left) {
              "it; if it does not report the new O/S, switch it off and on.";
     case ControllerLeft::OldOs:
       return "The controller has the O/S that it had before. Download the new one again.";
+    case ControllerLeft::SomeOs:
+      return "An O/S runs in the controller, and nothing shows that it is the one of the file. Identify it, and "
+             "download the new one again.";
     case ControllerLeft::NewOsLoading:
       return "The new O/S is in the controller, and its memory is not all written back. Its program is stopped, unless "
              "it has restarted since. Restore the clone that was made of it before.";

@@ -47,6 +47,7 @@ enum class ControllerLeft : std::uint8_t {
   OsWaits,            // the new O/S is programmed, and takes effect with a reset that it has not had
   OsPerhaps,          // the new O/S is programmed and it was told to reset, but what it runs since is not known
   OldOs,              // the old O/S runs again, or still
+  SomeOs,             // an O/S runs, and it is not known whether it is the new one, or it is neither of the two
   NewOs,              // the new O/S runs; what was to come after it has not all been done
   NewOsLoading,       // the new O/S runs, and is being loaded with the memory that was saved
   NewProject,         // the new project runs

@@ -21,6 +21,11 @@ struct FoundController {
   [[nodiscard]] std::string ProjectText() const;
 };
 
+// By its state: the boot loaders' own names differ, and some are models' names.
+[[nodiscard]] inline bool IsBootLoader(const FoundController& controller) {
+  return controller.info.state == 'B';
+}
+
 // Only reads.
 [[nodiscard]] std::expected<FoundController, LinkError> FindController(Channel& link);
 

@@ -7,4 +7,8 @@ std::string VersionText(const OsNumber& number) {
   return std::to_string(number.version / 100) + "." + std::string(2 - minor.size(), '0') + minor;
 }
 
+std::string NumberText(const OsNumber& number) {
+  return VersionText(number) + " (B" + (number.build < 10 ? "0" : "") + std::to_string(number.build) + ")";
+}
+
 }  // namespace kv

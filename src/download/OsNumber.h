@@ -14,5 +14,7 @@ struct OsNumber {
 
 // "4.60"
 [[nodiscard]] std::string VersionText(const OsNumber& number);
+// "4.60 (B19)", as Aurex controllers report it.
+[[nodiscard]] std::string NumberText(const OsNumber& number);
 
 }  // namespace kv

@@ -3,6 +3,7 @@
 #include "base/PathText.h"
 #include "clone/RestoreCheck.h"
 #include "deflate/Deflate.h"
+#include "download/DownloadFamily.h"
 #include "download/OsFileLists.h"
 #include "download/OsFileName.h"
 #include "link/OsVersion.h"
@@ -15,11 +16,6 @@ constexpr std::string_view kTelepanel = "Telepanel";  // title of boxes that hav
 
 std::string NameOf(const std::filesystem::path& file) {
   return Utf8FromPath(file.filename());
-}
-
-// "4.60 (B19)", as controllers report it.
-std::string NumberText(const OsNumber& number) {
-  return VersionText(number) + " (B" + (number.build < 10 ? "0" : "") + std::to_string(number.build) + ")";
 }
 
 }  // namespace
@@ -65,7 +61,8 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::RunSteps() {
                                       &C::CheckNewOs,
                                       &C::RestoreForceBit,
                                       &C::RestoreMemory,
-                                      &C::TellForceFailure};
+                                      &C::TellForceFailure,
+                                      &C::TellStoppedProgram};
   return mWork->DoAll(*this, kSteps);
 }
 
@@ -73,19 +70,42 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::Identify() {
   auto found = FindController(mWork->link);
   if (!found) return FailLink("The controller could not be identified.", found.error());
   mFound = *std::move(found);
-  mChange.isInBoot = mFound.version.model == kAurexBootText;
+  if (auto fits = CheckFamily(); !fits) return fits;
+  mChange.isInBoot = IsBootLoader(mFound);
   mChange.installed = ParsePlainOsVersion(OsVersionText(mFound.version)).value_or(0);
   mModel = AurexOsModelText(mFound.version.model, mFound.version.hardwareCode);
   return {};
+}
+
+// The window has chosen this engine by what it knew; the line may lead to another controller meanwhile.
+clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFamily() {
+  const auto family = DownloadFamilyOf(mWork->link, mFound.version.model);
+  if (!family) return FailLink("Which downloads the controller takes could not be found out.", family.error());
+  if (*family == DownloadFamily::Aurex) return {};
+  const std::string text(kColourOsRefusal);
+  mWork->Tell(text, PromptIcon::Exclamation, kTelepanel);
+  return Refuse(DownloadCause::NotFit, text);
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::ChooseFiles() {
   const AurexOsLists lists = ListAurexOsFiles(mPaths, mModel);
   mChoice = mWindow.ChooseAurexOs(lists);
   if (!mChoice.os.empty() && !mChoice.fonts.empty()) return {};
-  for (const auto& [list, what] : {std::pair(&lists.os, "O/S file"), std::pair(&lists.fonts, "file of system fonts")}) {
-    if (!list->IsEmpty()) continue;
-    return Refuse(DownloadCause::File, std::string("There is no ") + what + " in " + Utf8FromPath(list->folder) + ".");
+  struct Part {
+    const FileList& list;
+    const std::filesystem::path& chosen;
+    const char* what;
+  };
+  const Part parts[] = {{lists.os, mChoice.os, "O/S file"}, {lists.fonts, mChoice.fonts, "file of system fonts"}};
+  for (const Part& part : parts) {
+    if (!part.chosen.empty()) continue;
+    const std::string folder = Utf8FromPath(part.list.folder) + ".";
+    if (part.list.IsEmpty()) {
+      return Refuse(DownloadCause::File, std::string("There is no ") + part.what + " in " + folder);
+    }
+    if (part.list.preselected) continue;
+    return Refuse(DownloadCause::File,
+                  std::string("No ") + part.what + " was chosen, and none fits this controller in " + folder);
   }
   return Decline();
 }
@@ -137,8 +157,11 @@ DownloadPreview clsAurexOSDownloader::Preview() const {
   preview.about = TimeOnLink(mWork->link, preview.bytes + 64 * exchanges, exchanges);
   preview.losses.emplace_back("The program stops, and the controller restarts at the end.");
   if (mChange.ChangesBootLoader()) preview.losses.emplace_back("The project in the controller may be erased.");
-  if (mChange.LosesDataTypes() && !mChange.NeedsMemorySaved())
+  if (mChange.isInBoot) {
+    preview.losses.emplace_back("The values of the operands may be lost: nothing is known of what ran before.");
+  } else if (mChange.LosesDataTypes() && !mChange.NeedsMemorySaved()) {
     preview.losses.emplace_back("The values of the operands are lost.");
+  }
   if (mChange.NeedsMemorySaved()) {
     preview.warnings.emplace_back(
         "The memory of the controller is laid out anew. It is saved before and written back afterwards.");

@@ -55,6 +55,7 @@ class clsAurexOSDownloader {
   [[nodiscard]] Step RunSteps();
   // Nothing of the controller is changed in these.
   [[nodiscard]] Step Identify();
+  [[nodiscard]] Step CheckFamily();
   [[nodiscard]] Step ChooseFiles();
   [[nodiscard]] Step CheckType();
   [[nodiscard]] Step ReadFiles();
@@ -82,9 +83,12 @@ class clsAurexOSDownloader {
   [[nodiscard]] Step RestoreForceBit();
   [[nodiscard]] Step RestoreMemory();
   [[nodiscard]] Step TellForceFailure();
+  [[nodiscard]] Step TellStoppedProgram();
 
   [[nodiscard]] Step FindAgain();
   void AskWhatIsLeft();
+  // A controller that was left as `left` and now runs.
+  [[nodiscard]] ControllerLeft LeftWhen(ControllerLeft left, const FoundController& runs) const;
   void TellFoundBoot();
   [[nodiscard]] DownloadPreview Preview() const;
   [[nodiscard]] std::string ControllerName() const;

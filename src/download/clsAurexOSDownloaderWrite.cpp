@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <chrono>
 #include <iterator>
+#include <utility>
 
 #include "base/PathText.h"
 #include "clone/CloneOutcome.h"
+#include "clone/ProgramState.h"
 #include "clone/RestoreCheck.h"
 #include "desktop/StopScope.h"
 #include "download/OsFileName.h"
@@ -23,6 +25,10 @@ constexpr int kNoSuchTypeCode = 0x03;
 bool IsNumber(const VersionInfo& version, const OsNumber& number) {
   return ParsePlainOsVersion(OsVersionText(version)) == number.version &&
          ParsePlainOsVersion(OsBuildText(version)) == number.build;
+}
+
+std::pair<std::string, std::string> OsNumberOf(const VersionInfo& version) {
+  return {OsVersionText(version), OsBuildText(version)};
 }
 
 }  // namespace
@@ -138,7 +144,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::Reset() {
   mWork->left = ControllerLeft::OsPerhaps;
   // Its answer may have been lost: who answers now shows it.
   if (Step found = FindAgain(); !found) return found;
-  if (!isTold && mAfter.version.model == kAurexBootText) return FailLink("The controller did not restart.", error);
+  if (!isTold && IsBootLoader(mAfter)) return FailLink("The controller did not restart.", error);
   mReview = DownloadReview{SideOf(mFound), SideOf(mAfter)};
   return {};
 }
@@ -157,15 +163,22 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::FindAgain() {
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::CheckNewOs() {
-  if (IsNumber(mAfter.version, mOs->number) && mAfter.version.model != kAurexBootText) {
-    mWork->left = ControllerLeft::NewOs;
-    return {};
+  const auto fail = [this](const std::string& found, const std::string& expected) {
+    return mWork->Fail(DownloadCause::Unproven, "All was sent and answered well, but after the restart " + found +
+                                                    " instead of " + expected + ".");
+  };
+  if (IsBootLoader(mAfter)) return fail("its boot loader runs", NumberText(mOs->number));
+  mWork->left = LeftWhen(mWork->left, mAfter);
+  if (!IsNumber(mAfter.version, mOs->number)) {
+    return fail("it reports the O/S " + mAfter.OsText(), NumberText(mOs->number));
   }
-  const bool isInBoot = mAfter.version.model == kAurexBootText;
-  if (!isInBoot) mWork->left = ControllerLeft::OldOs;
-  const std::string found = isInBoot ? "its boot loader runs" : "it reports the O/S " + mAfter.OsText();
-  return mWork->Fail(DownloadCause::Unproven, "All was sent and answered well, but after the restart " + found +
-                                                  " instead of " + VersionText(mOs->number) + ".");
+  mWork->left = ControllerLeft::NewOs;
+  // Who knew only the boot loader knows the hardware, which some models have in common.
+  const std::string model = AurexOsModelText(mAfter.version.model, mAfter.version.hardwareCode);
+  const bool isSameModel = mChange.isInBoot ? ExpectedAurexOsType(model) == ExpectedAurexOsType(mModel)
+                                            : mAfter.version.model == mFound.version.model;
+  if (isSameModel) return {};
+  return fail("it reports itself as a " + mAfter.version.model, mChange.isInBoot ? mModel : mFound.version.model);
 }
 
 // What fails here must not keep the memory from being written back.
@@ -214,6 +227,15 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::TellForceFailure() {
       mForceFailure);
 }
 
+// The O/S is in, but the machine stands still. Memory that has been written back runs: that was proven there.
+clsAurexOSDownloader::Step clsAurexOSDownloader::TellStoppedProgram() {
+  if (mChange.NeedsMemorySaved() || IsRunningState(mAfter.info.state)) return {};
+  mWork->Tell(std::string("The new O/S runs, but the controller's program does not (state ") + mAfter.info.state +
+                  "). Start it, or look for its project.",
+              PromptIcon::Exclamation, "Telepanel");
+  return {};
+}
+
 // What is known by what was sent may be wrong since: the power fails, others send something. So the controller itself
 // is asked, as far as it still answers.
 void clsAurexOSDownloader::AskWhatIsLeft() {
@@ -224,10 +246,21 @@ void clsAurexOSDownloader::AskWhatIsLeft() {
   const StopScope asking(mContext.pacer);  // a stop ended the download, not this question
   const auto found = FindController(mWork->link);
   if (!found) return;
-  if (found->version.model == kAurexBootText) return TellFoundBoot();
-  const bool mayBeNew = mOutcome.left == OsProgramming || mOutcome.left == OsWaits || mOutcome.left == OsPerhaps;
-  mOutcome.left = mayBeNew && IsNumber(found->version, mOs->number) ? NewOs : OldOs;
+  if (IsBootLoader(*found)) return TellFoundBoot();
+  mOutcome.left = LeftWhen(mOutcome.left, *found);
   mOutcome.reason += "\nAsked afterwards, the controller runs and reports the O/S " + found->OsText() + ".";
+}
+
+// An O/S that is reported under the number that the controller had before, too, is told by what was sent.
+ControllerLeft clsAurexOSDownloader::LeftWhen(ControllerLeft left, const FoundController& runs) const {
+  using enum ControllerLeft;
+  const bool isProgrammed = left == OsWaits || left == OsPerhaps;
+  const bool isNew = IsNumber(runs.version, mOs->number);
+  if (isProgrammed && isNew) return NewOs;
+  if (mChange.isInBoot) return isProgrammed || left == OsProgramming ? SomeOs : OldOs;
+  const bool isOld = OsNumberOf(runs.version) == OsNumberOf(mFound.version);
+  if (left == OsProgramming && isNew) return isOld ? SomeOs : NewOs;
+  return isOld ? OldOs : SomeOs;
 }
 
 // It holds nothing any more when its power has failed, in the middle of the programming or after it.

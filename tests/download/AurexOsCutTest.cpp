@@ -18,9 +18,9 @@ std::string NameOf(const std::string& truth) {
     case 'R':
       return isNew ? "new O/S" : "old O/S";
     case 'S':
-      return isNew ? "" : "old O/S, stopped";
+      return isNew ? "new O/S, stopped" : "old O/S, stopped";
     default:
-      return isNew ? "new O/S, loading" : "";
+      return isNew ? "new O/S, loading" : "old O/S, loading";
   }
 }
 
@@ -47,8 +47,10 @@ void ExpectIsOnThePage(const AurexOsFixture& fixture, bool isSwitched) {
   const auto row = std::ranges::find(rows, LeftBehindText(outcome.left), [](const Row& each) { return each.front(); });
   ASSERT_NE(row, rows.end());
   EXPECT_THAT(row->at(1), testing::HasSubstr(last));
-  EXPECT_THAT(row->at(2), testing::HasSubstr(now));
-  EXPECT_THAT(row->at(3), testing::HasSubstr(then));
+  const auto lists = [](const std::string& each) { return testing::ContainsRegex("; " + each + "(;|, when)"); };
+  EXPECT_THAT("; " + row->at(2) + ";", lists(now));
+  if (!isSwitched) return;
+  EXPECT_THAT("; " + row->at(3) + ";", lists(then));
 }
 
 // Some of each segment of RAM.

@@ -23,13 +23,19 @@ class WatchedController final : public sim::Controller {
  public:
   explicit WatchedController(std::unique_ptr<sim::Controller> inner) : mInner(std::move(inner)) {}
 
+  std::string onlyAnswered;       // a command that is answered with CCOK, and not executed
   std::vector<std::string> told;  // "CCB"; a block message as "65 TOPIC.SEQUENCE"
   std::function<void(const sim::BlockRequest&, sim::BlockReply&)> onBlock;
   std::function<void(std::string_view text, sim::TextReply&)> onText;
 
   void Advance(Instant now) override { mInner->Advance(now); }
   sim::TextReply ExecuteText(std::string_view text, sim::ConnectionAccess& connection) override {
-    sim::TextReply reply = mInner->ExecuteText(text, connection);
+    sim::TextReply reply;
+    if (text == onlyAnswered) {
+      reply.text = "CCOK";
+    } else {
+      reply = mInner->ExecuteText(text, connection);
+    }
     if (!reply.changesNothing) told.emplace_back(text);
     if (onText) onText(text, reply);
     return reply;
@@ -68,6 +74,7 @@ class WatchedController final : public sim::Controller {
 // The user: takes the files that are preselected and says yes, but to sending again.
 struct Desk : DownloadWindow, KnowingPrompts, SilentCloner {
   std::vector<std::string> said;  // "Title: the first line of the text", and "(bios)"
+  std::vector<MessageBox> boxes;
   std::function<PromptAnswer(const MessageBox&)> answer;
   BiosAnswer bios = BiosAnswer::Continue;
   std::optional<AurexOsChoice> choice;
@@ -97,6 +104,7 @@ struct Desk : DownloadWindow, KnowingPrompts, SilentCloner {
   }
   PromptAnswer Show(const MessageBox& box) override {
     said.push_back(box.title + ": " + box.text.substr(0, box.text.find("\r\n")));
+    boxes.push_back(box);
     if (answer) return answer(box);
     return box.text.ends_with("Retry?") ? PromptAnswer::No : Consent(box.buttons);
   }
@@ -131,6 +139,7 @@ struct AurexOsFixture {
 
   bool Download(const DownloadOrder& order = {}) {
     desk.said.clear();
+    desk.boxes.clear();
     controller->told.clear();
     const auto link = driver.GetChannel();
     if (!link) return false;
@@ -146,6 +155,7 @@ struct AurexOsFixture {
     EXPECT_TRUE(simulated->UseFaults({}));
     controller->onBlock = nullptr;
     controller->onText = nullptr;
+    controller->onlyAnswered.clear();
     driver.CloseDriver();
     pacer.Sleep(std::chrono::minutes(15));
     return Download();

@@ -15,6 +15,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr const char* kStop = "PLC STOP & RESET: O/S download is done via the Aurex's COM port 1. ";
+constexpr const char* kReset = "Reset PLC: The controller is about to restart";
 constexpr const char* kNew = "K220-22-R1|10|4.75|03|R";
 
 TEST(AurexOsSending, CountsChunksTo255AndFromOneAgain) {
@@ -48,12 +49,22 @@ TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
       };
     };
   };
-  // The version that it reports is one that it has had from the beginning.
-  const Falsify keepsItsOs = [](AurexOsFixture& fixture) {
-    fixture.controller->onText = [&fixture](std::string_view text, sim::TextReply& reply) {
-      const bool isBack = text == "ID" && std::ranges::count(fixture.controller->told, "CCE") > 0;
-      if (isBack) reply.text = "IDK220-22-R1|10|4.60|19";
+  // What it says of itself once it has been told to restart.
+  const auto thenSays = [](const char* command, const char* text) -> Falsify {
+    return [=](AurexOsFixture& fixture) {
+      fixture.controller->onText = [=, &fixture](std::string_view asked, sim::TextReply& reply) {
+        const bool isBack = std::ranges::count(fixture.controller->told, "CCE") > 0;
+        if (isBack && asked.starts_with(command)) reply.text = text;
+      };
     };
+  };
+  const Falsify doesNotRestart = [](AurexOsFixture& fixture) { fixture.controller->onlyAnswered = "CCE"; };
+  // Its own O/S once more; the power fails just before it is told to program that, and its refusal is lost.
+  const Falsify failsWithTheSame = [](AurexOsFixture& fixture) {
+    const auto folder = fixture.home.Path() / "Os Aurex" / "K220";
+    fixture.Put("K220", {"4.60", 19}, {"1.30", 0}, 200);
+    fixture.desk.choice = {folder / "AurexK220v46019.kos", folder / "AurexFontv1300.kft"};
+    EXPECT_TRUE(fixture.simulated->UseFaults({"reset:on=block,nth=12", "lost:dir=in,on=block,nth=13,away=1000"}));
   };
   struct Row {
     const char* what;
@@ -78,8 +89,17 @@ TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
        ControllerLeft::BootLoader},
       {"69 is refused", answered(69, 143), "Telepanel: Failed to send data chunk.", DownloadCause::Reply,
        ControllerLeft::BootLoader},
-      {"it reports the old O/S", keepsItsOs, "Reset PLC: The controller is about to restart", DownloadCause::Unproven,
+      {"it reports the old O/S", thenSays("ID", "IDK220-22-R1|10|4.60|19"), kReset, DownloadCause::Unproven,
        ControllerLeft::OldOs},
+      {"it reports another build", thenSays("ID", "IDK220-22-R1|10|4.75|07"), kReset, DownloadCause::Unproven,
+       ControllerLeft::SomeOs},
+      {"it reports no number", thenSays("ID", "IDK220-22-R1|10|x.y|"), kReset, DownloadCause::Unproven,
+       ControllerLeft::SomeOs},
+      {"it reports another model", thenSays("ID", "IDK220-22-R2|10|4.75|03"), kReset, DownloadCause::Unproven,
+       ControllerLeft::NewOs},
+      {"it does not restart", doesNotRestart, kReset, DownloadCause::Unproven, ControllerLeft::OsWaits},
+      {"it has the same number as before", failsWithTheSame, "Telepanel: PLC does not respond.", DownloadCause::Link,
+       ControllerLeft::SomeOs},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
@@ -98,6 +118,16 @@ TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
     }
     EXPECT_TRUE(fixture.DownloadAgain()) << fixture.outcome.reason;
   }
+}
+
+TEST(AurexOsSending, TellsOfAProgramThatDoesNotRunAfterwards) {
+  AurexOsFixture fixture("K220-22-R1");
+  fixture.Put("K220", {"4.75", 3}, {"1.30", 0});
+  fixture.controller->onText = [&](std::string_view asked, sim::TextReply& reply) {
+    if (asked.starts_with("IN") && std::ranges::count(fixture.controller->told, "CCE") > 0) reply.text[14] = 'S';
+  };
+  EXPECT_TRUE(fixture.Download()) << fixture.outcome.reason;
+  EXPECT_THAT(fixture.desk.said.back(), HasSubstr("the controller's program does not (state S)"));
 }
 
 TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {

@@ -170,6 +170,8 @@ TEST(DownloadFiles, ThatAreNotRightAreRefusedWithTheReason) {
       {kos, With(os, 68, 0x000FFFFF, 4, 12), Fault::Damaged, "place from 0x00100000 to 0x002FFFFF"},
       {kos, With(os, 68, 0x002FFFFF, 4, 12), Fault::Damaged, "place from"},
       {kos, With(os, 100, 0x00100000, 4, 12), Fault::Damaged, "place from 0x00100078"},
+      {kos, With(os, 28, 1, 1, 12), Fault::Damaged, "byte 25: expected seven zero bytes"},
+      {kos, With(os, 79, 1, 1, 12), Fault::Damaged, "zero bytes from 12"},
       {kos, With(os, 72, 0, 4, 12), Fault::Damaged, "1 to 200 bytes"},
       {kos, With(os, 72, 0xFFFFFFFF, 4, 12), Fault::Damaged, "1 to 200 bytes"},
       {"AurexK330v46119.kos", os, Fault::Damaged, "ends with \"AurexK330v46019.kos\""},
