@@ -209,6 +209,16 @@ TEST_F(DownloaderWindowTest, KnowsWhichDownloadsTheControllerTakesAndInWhatState
   Press("cmdIdentify");
   EXPECT_THAT(Text("lblController"), HasSubstr("did not tell who it is"));
   EXPECT_THAT(Text("lblAdvice"), HasSubstr("What to do"));
+  Press("cmdDownloadOS");
+  EXPECT_THAT(Information(), HasSubstr("was not begun"));
+  // What is plugged in while the window is open decides, not the selected model.
+  for (const auto& [model, box] :
+       {std::pair("K450-45", "There is a mismatch"), std::pair("Q50", "O/S file(s) missing")}) {
+    PlugIn({.model = model});
+    fixture.host.model = "K220-22-R1";
+    Press("cmdDownloadOS");
+    EXPECT_THAT(prompts.boxes.back().text, HasSubstr(box));
+  }
 }
 
 TEST_F(DownloaderWindowTest, SelectsAFileAndShowsWhatItIs) {

@@ -75,7 +75,13 @@ void frmDownloader::showEvent(QShowEvent* event) {
 }
 
 void frmDownloader::Identify() {
-  if (mIsBusy) return;
+  if (mIsBusy || !AskWho()) return;
+  ShowProject();
+  if (mFile) LookAtBoth();
+}
+
+// False when the window was closed meanwhile.
+bool frmDownloader::AskWho() {
   SetBusy(kAsking);
   std::expected<void, LinkError> met;
   {
@@ -84,14 +90,20 @@ void frmDownloader::Identify() {
     const auto link = mServices.shared.ComDriver->GetChannel();
     met = link ? Meet(*link) : std::unexpected(mServices.shared.ComDriver->LastError());
   }
+  if (!met) {  // who answered before is not known to be there any more
+    mFound.reset();
+    mFamily.reset();
+  }
   SetBusy({});
-  if (mClosesThen) return QDialog::reject();
+  if (mClosesThen) {
+    QDialog::reject();
+    return false;
+  }
   if (!met) {
     ShowController("The controller did not tell who it is: " + mServices.shared.ComDriver->LinkDescription(),
                    met.error().Text());
   }
-  ShowProject();
-  if (mFile) LookAtBoth();
+  return true;
 }
 
 // Who it is and which downloads it takes.

@@ -88,6 +88,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void Connect();
 
   void Identify();
+  [[nodiscard]] bool AskWho();
   [[nodiscard]] std::expected<void, LinkError> Meet(Channel& link);
   void ShowController(const std::string& text, const std::string& advice);
   void ShowFound();

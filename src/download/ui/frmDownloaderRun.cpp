@@ -103,7 +103,13 @@ void frmDownloader::DownloadProject() {
   });
 }
 
+// Another controller may have been plugged in since the window asked, and each family has an engine of its own.
 void frmDownloader::DownloadOs() {
+  if (mIsBusy || !AskWho()) return;
+  if (!mFound) {
+    return Say("Downloading the O/S was not begun, since the controller did not tell who it is.\n" +
+               std::string(LeftBehindText(ControllerLeft::Untouched)));
+  }
   const DownloadFamily family = Family();
   if (family == DownloadFamily::Colour) {
     mServices.prompts.Show(

@@ -77,6 +77,8 @@ frmIncompatibleBios::frmIncompatibleBios(QWidget* parent) : QDialog(parent) {
 
 BiosAnswer frmIncompatibleBios::ShowMessage() {
   mAnswer = BiosAnswer::Abort;
+  mDelete->setChecked(false);  // a consent of an earlier time is none
+  Allow(*mContinue, kNotTicked);
   RunDialog(*this);
   return mAnswer;
 }
