@@ -1,8 +1,12 @@
+#include <algorithm>
+#include <iterator>
+
 #include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/DownloadActions.h"
 #include "base/PathText.h"
 #include "download/CompactController.h"
 #include "download/DownloadFamily.h"
+#include "download/DownloadFile.h"
 #include "download/OsFileLists.h"
 #include "download/OsFileName.h"
 #include "download/clsAurexOSDownloader.h"
@@ -75,15 +79,29 @@ class OsDownload {
     mController = *std::move(controller);
     const auto family = FamilyOf(*mController);
     if (!family) return std::unexpected(family.error());
+    if (const auto fits = CheckFamilyOfFile(*family); !fits) return std::unexpected(fits.error());
     if (*family == DownloadFamily::Compact && mFiles.fonts) {
       return std::unexpected(UsageFailure("a controller of the compact family takes no system fonts"));
     }
+    mIsAurex = *family == DownloadFamily::Aurex;
     const Ending ending = *family == DownloadFamily::Aurex ? SendAurex() : SendCompact();
     mBackup->TellWarnings(mEnvironment);
     return Report(ending);
   }
 
  private:
+  // What a file of the other family lacks else is of no use to who named the wrong one.
+  [[nodiscard]] OrFailure<void> CheckFamilyOfFile(DownloadFamily family) const {
+    const auto kind = mFiles.os ? KindOfDownloadFile(*mFiles.os) : std::nullopt;
+    const bool isAurex = family == DownloadFamily::Aurex;
+    if (kind != (isAurex ? DownloadFileKind::CompactOs : DownloadFileKind::AurexOs)) return {};
+    return std::unexpected(NotFitFailure("downloading the O/S",
+                                         Utf8FromPath(mFiles.os->filename()) +
+                                             " is an O/S for controllers of the other family. " +
+                                             std::string(LeftBehindText(ControllerLeft::Untouched)),
+                                         "", std::string("name a ") + (isAurex ? ".kos" : ".OSI") + " file"));
+  }
+
   [[nodiscard]] Ending SendAurex() {
     // Who consents to the download has been told that the program stops.
     const std::optional<bool> mayStop =
@@ -128,12 +146,29 @@ class OsDownload {
   [[nodiscard]] VerbResult Report(const Ending& ending) const {
     const DownloadEnd end = ending.outcome.end;
     if (end != DownloadEnd::Done && end != DownloadEnd::WouldGoOn) {
-      return std::unexpected(DownloadFailure("downloading the O/S", ending.outcome));
+      Failure failure = DownloadFailure("downloading the O/S", ending.outcome);
+      if (mIsAurex) failure.cure = CureOf(ending.outcome);
+      return std::unexpected(std::move(failure));
     }
     VerbOutput output = ReportOf(mPreview, ending.review, mFlags.isDryRun);
+    if (mIsAurex && end == DownloadEnd::Done) {  // which no box has told
+      output.text = std::string(LeftBehindText(ending.outcome.left)) + "\n" + output.text;
+    }
     output.document["file"] = Utf8FromPath(OsFile());
     if (!mWindow.Choice().fonts.empty()) output.document["fonts"] = Utf8FromPath(mWindow.Choice().fonts);
     return output;
+  }
+
+  // The options that the way out needs.
+  [[nodiscard]] std::string CureOf(const DownloadOutcome& outcome) const {
+    using enum ControllerLeft;
+    constexpr ControllerLeft kInBoot[] = {BootLoader,        BootLoaderAsFound, BootLoaderErased,
+                                          BootLoaderPerhaps, OsProgramming,     OsWaits};
+    if (outcome.end == DownloadEnd::Refused && (OsFile().empty() || mWindow.Choice().fonts.empty())) {
+      return "name both with --file FILE.kos --fonts FILE.kft";
+    }
+    if (std::ranges::find(kInBoot, outcome.left) == std::end(kInBoot)) return {};
+    return "a download into a boot loader wants --lose-project and --lose-values: nothing is known of what ran before";
   }
 
   Environment& mEnvironment;
@@ -145,6 +180,7 @@ class OsDownload {
   std::unique_ptr<ConnectedController> mController;
   DownloadOrder mOrder;
   DownloadPreview mPreview;
+  bool mIsAurex = false;
 };
 
 // Adds the files of a list to both forms of an answer.

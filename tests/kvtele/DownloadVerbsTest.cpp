@@ -28,6 +28,7 @@ struct DownloadVerbs : ::testing::Test {
     put("Os Aurex/K220", "AurexK220v37310.kos", SampleOs("K220-22-R1", {"3.73", 10}));
     put("Os Aurex/K220", "AurexFontv1300.kft", SampleFonts("K220-22-R1", {"1.30", 0}));
     put("Os Aurex/K330", "AurexK330v47503.kos", SampleOs("K330", {"4.75", 3}));
+    put("Os Aurex/K222", "AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
     put("OS/OS51", "Q51v4712.OSI", SampleOs("Q51", {"4.71", 2}));
   }
 };
@@ -76,6 +77,36 @@ TEST_F(DownloadVerbs, AnOsGoesInAndTheControllerThenReportsIt) {
   }
 }
 
+// Also by who consents to everything beforehand.
+TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
+  std::vector<std::string> files;
+  for (const char* name : {"K220-22-R1", "K220-32", "K330", "Q50", "Q51", "Q58", "PX1", "PR1"}) {
+    const sim::OsVersion os{name[0] == 'K' ? "4.75" : "4.71", 2};
+    files.push_back(sim::OsFileName(ModelCalled(name), os));
+    fixture.home.Put(files.back(), SampleOs(name, os));
+  }
+  for (const sim::Model& model : sim::AllModels()) {
+    const bool isAurex = model.UnderstandsBlocks() && !model.HasColour();
+    fixture.home.Put("AurexFontv1300.kft", SampleFonts(isAurex ? std::string(model.name) : "K330", {"1.30", 0}));
+    int done = 0;
+    for (const std::string& file : files) {
+      SCOPED_TRACE(std::string(model.name) + " " + file);
+      const bool isOfAurex = file.ends_with(".kos");
+      const Result result = fixture.On("'" + std::string(model.name) + "'",
+                                       "--yes --password 1 download os --lose-project --lose-values --file @" + file +
+                                           (isOfAurex ? " --fonts @AurexFontv1300.kft" : ""));
+      if (result.exit == 0) {
+        ++done;
+        EXPECT_THAT(file, HasSubstr(isAurex ? "Aurex" + std::string(model.osModel) : std::string(model.osModel)));
+        continue;
+      }
+      EXPECT_EQ(result.exit, 4) << result.err;
+      EXPECT_THAT(result.trace, Not(::testing::ContainsRegex("/01(CC[BSE]|FS05|OS[ECP])")));
+    }
+    EXPECT_EQ(done, model.HasColour() ? 0 : 1) << model.name;
+  }
+}
+
 // Each consent is given for itself; what is saved before is written back.
 TEST_F(DownloadVerbs, AnOsThatLaysOutTheMemoryAnewWantsTwoConsentsMore) {
   fixture.options.osVersion = "3.73";
@@ -115,9 +146,12 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
       {"download os --list --dry-run", 2, "usage", "--list only shows"},
       {"download project @hall.dai --lose-values", 2, "usage", "mean nothing with project"},
       {"--link sim:K670-T40 download os", 4, "notFit", "There is a mismatch between PLC Type"},
-      {"--link sim:K330 download os", 4, "badFile", "There is no file of system fonts"},
+      {"--link sim:K330 download os", 4, "badFile", "--fonts FILE.kft"},
+      {"--link sim:K330 download os --file @q50.OSI", 4, "notFit", "name a .kos file"},
+      {"--link sim:K220-32 download os --file @q50.dai", 4, "badFile", "There is no file of system fonts"},
+      {"--link sim:K220-32 download os", 4, "badFile", "No O/S file was chosen, and none fits"},
       {"--link sim:K220-22-R1 download os --file @q50.dai", 4, "notFit", "does not match OS Type"},
-      {"--link sim:K220-22-R1 download os --yes", 4, "refused", "its old O/S is still there",
+      {"--link sim:K220-22-R1 download os --yes", 4, "refused", "wants --lose-project and --lose-values",
        "refuse:on=block,nth=4,code=0F"},
       {"--link sim:K220-22-R1 download os --yes", 7, "linkLost", "still be programming the new O/S",
        "lost:dir=in,on=block,nth=13,away=600000"},
