@@ -89,7 +89,8 @@ Failure DownloadFailure(std::string doing, const DownloadOutcome& outcome) {
   }
   const auto row = std::ranges::find(kCauses, outcome.cause, &CauseRow::cause);
   const bool isRefused = outcome.end == DownloadEnd::Refused;
-  if (row != kCauses.end()) {
+  const bool isOtherController = outcome.link.code == LinkErrorCode::OtherController;
+  if (row != kCauses.end() && !isOtherController) {
     return {isRefused ? ExitCode::Refused : row->exit, std::string(row->name), std::move(doing), text, {}, {}};
   }
   Failure failure = LinkFailure(outcome.link, true);

@@ -68,6 +68,11 @@ void TerminalDownload::SetStatus(std::string_view text) {
   mLine.Show(mStatus);
 }
 
+void TerminalDownload::Note(std::string_view text) {
+  mLine.Wipe();
+  mEnvironment.err << text << "\n" << std::flush;
+}
+
 void TerminalDownload::AmountSent(std::uint64_t done, std::uint64_t total) {
   mProgress.AmountSent(done, total);
   if (!TakeLineTurn() && done < total) return;

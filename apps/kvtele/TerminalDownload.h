@@ -29,6 +29,7 @@ class TerminalDownload : public DownloadWindow, public TerminalPrompts {
   TerminalDownload(Environment& environment, const CommonOptions& common, const ConsentFlags& consents, bool isDryRun);
 
   void SetStatus(std::string_view text) override;
+  void Note(std::string_view text) override;
   void ResetProgress(std::int64_t) override {}
   void StepProgress() override {}
   void ProgressInfo(int, std::int64_t, std::int64_t) override {}

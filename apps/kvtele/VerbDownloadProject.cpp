@@ -55,6 +55,7 @@ VerbResult DownloadProject(Environment& environment, const CommonOptions& common
   }
   VerbOutput output = ReportOf(preview, engine.Review(), flags.isDryRun);
   output.document["file"] = Utf8FromPath(file);
+  if (outcome.left == ControllerLeft::ProjectWaits) output.text += std::string(LeftBehindText(outcome.left)) + "\n";
   return output;
 }
 

@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::size_t kHead = 150;
 constexpr std::size_t kRecordHead = 12;
+constexpr std::uint8_t kNameTopic = 1;
 constexpr std::string_view kSignature = "Aurex Download File";
 constexpr std::size_t kLargestFile = std::size_t{32} << 20;  // twice the project memory of any controller
 
@@ -47,6 +48,9 @@ std::expected<std::size_t, std::string> ReadTopic(std::string_view bytes, std::s
                             .param4 = static_cast<std::uint8_t>(bytes[offset + 11]),
                             .data = Bytes(data.begin(), data.end())});
   project.dataBytes += length;
+  if (project.topics.back().param3 == kNameTopic) {
+    project.nameInController = ShownText(data.substr(0, data.find('\0')).substr(0, kLongestProjectName));
+  }
   return offset + kRecordHead + length;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <expected>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,8 +33,10 @@ struct AurexProjectFile {
   std::array<std::uint8_t, 8> passwordBlock{};  // sent as it stands
   std::string model;                            // that it is made for; UTF-8, without the zero bytes
   std::string name;                             // of the project; UTF-8, without the zero bytes
-  std::vector<AurexProjectTopic> topics;        // in the order of sending; may be empty
-  std::uint64_t dataBytes = 0;                  // of all topics
+  // That it gets in the controller, UTF-8: what the topic with third parameter 1 says; nothing when there is none.
+  std::optional<std::string> nameInController;
+  std::vector<AurexProjectTopic> topics;  // in the order of sending; may be empty
+  std::uint64_t dataBytes = 0;            // of all topics
   FileStamp stamp;
 };
 

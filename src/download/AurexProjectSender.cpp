@@ -8,6 +8,7 @@
 #include "base/Texts.h"
 #include "download/FileFields.h"
 #include "download/FlashStatus.h"
+#include "download/LongWait.h"
 #include "download/OsNumber.h"
 #include "link/BlockOperations.h"
 #include "link/OsVersion.h"
@@ -114,13 +115,16 @@ AurexProjectSender::Step AurexProjectSender::Send() {
 
 AurexProjectSender::Step AurexProjectSender::StopProgram() {
   Step done = mWork.Do(ControllerLeft::Stopped, [this]() -> Step {
-    if (mWork.link.StopController(mWork.link.UnitID())) return {};
-    return mWork.FailOf(mWork.link.LastError());
+    return mWork.WhileBusy([this]() -> Step {
+      if (mWork.link.StopController(mWork.link.UnitID())) return {};
+      return mWork.FailOf(mWork.link.LastError());
+    });
   });
   if (!done) return done;
   mWork.Tell("The controller is about to enter Stop mode.", PromptIcon::Exclamation);
   if (done = mWork.StopPoint(); !done) return done;
-  if (auto announced = mWork.Send("PV000A"); !announced) return std::unexpected(announced.error());
+  if (auto announced = mWork.WhileBusy([this] { return mWork.Send("PV000A"); }); !announced)
+    return std::unexpected(announced.error());
   return mWork.StopPoint();
 }
 
@@ -135,13 +139,13 @@ AurexProjectSender::Step AurexProjectSender::BeginProject() {
 
 AurexProjectSender::Step AurexProjectSender::SendTopics() {
   mWork.window.SetStatus("Send project topics ...");
-  mWork.window.ResetProgress(std::max<std::int64_t>(1, static_cast<std::int64_t>(mProject.topics.size())));
+  mWork.window.ResetProgress(std::max<std::int64_t>(1, mProject.announcedTopics));
   std::uint64_t bytes = 0;
   for (const AurexProjectTopic& topic : mProject.topics) {
     if (Step done = SendTopic(topic); !done) return done;
     ++mSent;
     bytes += topic.data.size();
-    mWork.window.StepProgress();
+    if (mSent <= mProject.announcedTopics) mWork.window.StepProgress();
     mWork.window.AmountSent(bytes, mProject.dataBytes);
     mWork.pacer.DoEvents();
     if (Step done = mWork.StopPoint(); !done) return done;
@@ -160,7 +164,7 @@ AurexProjectSender::Step AurexProjectSender::SendTopic(const AurexProjectTopic& 
                              .dataLength = static_cast<std::uint32_t>(topic.data.size()),
                              .param3 = topic.param3,
                              .param4 = topic.param4};
-    const auto sent = mWork.SendBlock(fields, topic.data);
+    const auto sent = SendBlock(fields, topic.data);
     if (sent) return {};
     const bool isUnsure = sent.error().link.code == LinkErrorCode::Unsure && losses++ < kMostLosses;
     if (!isUnsure && !mWork.GoesOnAfter(sent.error())) return std::unexpected(sent.error());
@@ -177,7 +181,7 @@ AurexProjectSender::Step AurexProjectSender::SendTopic(const AurexProjectTopic& 
 AurexProjectSender::Step AurexProjectSender::Program() {
   mWork.window.SetStatus("Programing flash and memory ...");
   Step done = mWork.Do(ControllerLeft::Programming, [this]() -> Step {
-    const auto sent = mWork.SendBlock({.opCode = kProgram});
+    const auto sent = SendBlock({.opCode = kProgram});
     if (!sent) return std::unexpected(sent.error());
     return {};
   });
@@ -189,8 +193,10 @@ AurexProjectSender::Step AurexProjectSender::Program() {
 AurexProjectSender::Step AurexProjectSender::Reset() {
   mWork.Tell("The controller is about to Reset.", PromptIcon::Exclamation);
   return mWork.Do(ControllerLeft::ProjectPerhaps, [this]() -> Step {
-    if (mWork.link.ResetController(mWork.link.UnitID())) return {};
-    return mWork.FailOf(mWork.link.LastError());
+    return mWork.WhileBusy([this]() -> Step {
+      if (mWork.link.ResetController(mWork.link.UnitID())) return {};
+      return mWork.FailOf(mWork.link.LastError());
+    });
   });
 }
 
@@ -199,9 +205,11 @@ AurexProjectSender::Step AurexProjectSender::Reset() {
 // Without a limit: only the controller knows how long its flash takes. The user can stop it.
 AurexProjectSender::Step AurexProjectSender::WaitForIdle(bool isWhole) {
   mWork.window.ResetProgress(kStatusSteps);
+  LongWait wait(mWork, isWhole ? "that the new project is programmed" : "that it is ready for a project");
   for (int step = 0;;) {
     const auto status = AskStatus();
     if (!status) return std::unexpected(status.error());
+    if (isWhole && (*status)[FlashStatus::kFlashError] != 0) return FlashFailed(*status);
     const bool isIdle = (*status)[FlashStatus::kActivity] == FlashStatus::kIdle;
     if (isIdle && (!isWhole || (*status)[FlashStatus::kIsWhole] != 0)) return {};
     if (isIdle) {
@@ -209,6 +217,7 @@ AurexProjectSender::Step AurexProjectSender::WaitForIdle(bool isWhole) {
     }
     mWork.pacer.DoEvents();
     mWork.pacer.Sleep(kBetweenPolls);
+    wait.Polled();
     mWork.window.StepProgress();
     if (++step == kStatusSteps) {
       mWork.window.ResetProgress(kStatusSteps);
@@ -216,6 +225,13 @@ AurexProjectSender::Step AurexProjectSender::WaitForIdle(bool isWhole) {
     }
     if (Step stopped = mWork.StopPoint(); !stopped) return stopped;
   }
+}
+
+AurexProjectSender::Step AurexProjectSender::FlashFailed(const Bytes& status) {
+  mWork.left = ControllerLeft::FlashFailed;
+  return mWork.Fail(DownloadCause::Reply, "The controller reports a flash error (" +
+                                              std::to_string(status[FlashStatus::kFlashError]) +
+                                              ") while it programs the project. It was not told to restart.");
 }
 
 // Idle, and nothing whole in it: it never will be when the controller has restarted meanwhile and dropped it all.
@@ -232,9 +248,14 @@ AurexProjectSender::Step AurexProjectSender::CheckStillLoads() {
           "again.");
 }
 
+std::expected<Bytes, DownloadOutcome> AurexProjectSender::SendBlock(const BlockFields& fields,
+                                                                    std::span<const std::uint8_t> data) {
+  return mWork.WhileBusy([&] { return mWork.SendBlock(fields, data); });
+}
+
 std::expected<Bytes, DownloadOutcome> AurexProjectSender::AskStatus() {
   while (true) {
-    auto status = mWork.SendBlock({.opCode = kStatus, .dataLength = FlashStatus::kLength});
+    auto status = SendBlock({.opCode = kStatus, .dataLength = FlashStatus::kLength});
     if (status && status->size() < FlashStatus::kShortest) {
       return mWork.Fail(DownloadCause::Reply, "The controller's status has " + Counted(status->size(), "byte") +
                                                   " instead of " + std::to_string(FlashStatus::kLength) + ".");
@@ -246,7 +267,7 @@ std::expected<Bytes, DownloadOutcome> AurexProjectSender::AskStatus() {
 AurexProjectSender::Step AurexProjectSender::SendRepeatable(std::uint16_t operation,
                                                             std::span<const std::uint8_t> data) {
   return mWork.DoRepeatable([&]() -> Step {
-    const auto sent = mWork.SendBlock({.opCode = operation}, data);
+    const auto sent = SendBlock({.opCode = operation}, data);
     if (!sent) return std::unexpected(sent.error());
     return {};
   });

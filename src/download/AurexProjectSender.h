@@ -29,8 +29,12 @@ class AurexProjectSender final : public ProjectSender {
 
   // Until the controller is idle; with `isWhole` also until it says that what it received is complete and valid.
   [[nodiscard]] Step WaitForIdle(bool isWhole);
+  [[nodiscard]] Step FlashFailed(const Bytes& status);
   [[nodiscard]] Step CheckStillLoads();
   [[nodiscard]] std::expected<Bytes, DownloadOutcome> AskStatus();
+  // Waits for a controller that is busy.
+  [[nodiscard]] std::expected<Bytes, DownloadOutcome> SendBlock(const BlockFields& fields,
+                                                                std::span<const std::uint8_t> data = {});
   // A block message that may be sent twice.
   [[nodiscard]] Step SendRepeatable(std::uint16_t operation, std::span<const std::uint8_t> data);
 

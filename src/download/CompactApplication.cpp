@@ -8,7 +8,6 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t kBlock = 64;
 constexpr std::size_t kMost = std::size_t{1} << 20;  // more than any of these controllers has
 
 std::string AddressText(std::size_t place) {

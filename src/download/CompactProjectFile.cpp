@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "base/LineError.h"
+#include "download/CompactProjectImage.h"
 #include "download/DecodeFile.h"
 #include "download/FileFields.h"
 #include "download/ReadDownload.h"
@@ -65,6 +66,9 @@ std::expected<CompactProjectFile, DownloadFileError> ParseCompactProject(std::st
   project.endsWithReset = lines->back() == "CCE";
   lines->erase(lines->begin(), lines->begin() + kCompactProjectHeadLines);
   project.commands = *std::move(lines);
+  for (const std::string& command : project.commands) {
+    if (auto name = ReadCompactName(command)) project.nameInController = *std::move(name);
+  }
   project.stamp = StampOf(bytes);
   return project;
 }

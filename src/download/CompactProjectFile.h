@@ -17,6 +17,7 @@ inline constexpr std::size_t kCompactProjectHeadLines = 3;
 // A project of the compact family (*.d50), descrambled.
 struct CompactProjectFile {
   std::string name;                   // of the project, UTF-8
+  std::string nameInController;       // that its commands give it, UTF-8; empty when they give it none
   std::string model;                  // that it is made for, UTF-8
   std::vector<std::string> commands;  // in the order of sending; each can be the text of a frame
   // The last command is "CCE". Nothing in a file of this kind tells where it ends: one that lacks it may have been cut.

@@ -6,43 +6,22 @@
 #include <utility>
 
 #include "base/Hex.h"
+#include "base/Texts.h"
+#include "download/CompactApplication.h"
 #include "download/FileFields.h"
-#include "link/LinkLimits.h"
+#include "download/LongWait.h"
 
 namespace kv {
 namespace {
 
 constexpr Duration kBetweenPolls = std::chrono::milliseconds(1000);
+constexpr const char* kSending = "Sending download file ...";
 
 // What a line leaves the controller as, beside what it was before.
 ControllerLeft LeftBy(std::string_view line, ControllerLeft before) {
   if (line == "CCE") return ControllerLeft::ProjectPerhaps;
   if (line == "DE") return ControllerLeft::ProjectErased;
   return before == ControllerLeft::Untouched ? ControllerLeft::Stopped : before;
-}
-
-// The stretch of project memory that a line writes; nothing (`end` 0) for every other line. Malformed is one that a
-// controller would refuse: address (6 digits) and 1 to 256 bytes, or a name of at most 20 bytes.
-struct Piece {
-  std::uint32_t end = 0;
-};
-std::expected<Piece, std::string> ReadPiece(std::string_view line) {
-  constexpr std::size_t kName = 2;
-  constexpr std::size_t kAddress = 6;
-  constexpr std::size_t kMostBytes = 256;
-  const bool isName = line.starts_with("LN");
-  if (!isName && !line.starts_with("LD")) return Piece{};
-  const std::string_view digits = line.substr(kName);
-  const std::size_t head = isName ? 0 : kAddress;
-  const std::size_t bytes = digits.size() < head ? 0 : (digits.size() - head) / 2;
-  const bool fits = isName ? bytes <= kLongestProjectName : bytes >= 1 && bytes <= kMostBytes;
-  if (!AreUpperHexDigits(digits) || digits.size() % 2 != 0 || !fits) {
-    return std::unexpected(isName ? "expected a name of at most 20 bytes, as digits"
-                                  : "expected an address of 6 digits and 1 to 256 bytes, as digits");
-  }
-  if (isName) return Piece{};
-  const auto address = static_cast<std::uint32_t>(ParseHex(digits.substr(0, kAddress)).value_or(0));
-  return Piece{address + static_cast<std::uint32_t>(bytes)};
 }
 
 // Doing it twice is the same as doing it once: a stop which ended its exchange can be taken back, and it is sent once
@@ -55,7 +34,7 @@ bool IsRepeatable(std::string_view line) {
 
 void CompactProjectSender::Begin() {
   mWork.window.ResetProgress(static_cast<std::int64_t>(mProject.lineCount));
-  mWork.window.SetStatus("Sending download file ...");
+  mWork.window.SetStatus(kSending);
 }
 
 CompactProjectSender::Step CompactProjectSender::CheckFits(const FoundController& controller) {
@@ -88,18 +67,18 @@ CompactProjectSender::Step CompactProjectSender::CheckModel(const FoundControlle
 // The controller hands out its project memory to everybody (RX), and nothing past its end.
 CompactProjectSender::Step CompactProjectSender::CheckLines() {
   constexpr std::size_t kAddressOfReply = 8;
-  std::uint32_t end = 0;
+  std::uint64_t end = 0;
   for (std::size_t i = 0; i < mProject.commands.size(); ++i) {
-    const auto piece = ReadPiece(mProject.commands[i]);
+    const auto piece = ReadCompactPiece(mProject.commands[i]);
     if (!piece) {
       return mWork.Fail(DownloadCause::File, "Line " + std::to_string(i + kCompactProjectHeadLines + 1) +
                                                  " of the project file: " + piece.error() +
                                                  ". Nothing was sent of it.");
     }
-    end = std::max(end, piece->end);
+    end = std::max(end, piece->End());
   }
   if (end == 0) return {};
-  const auto reply = mWork.Send("RX" + ToHex(end - 1, kAddressOfReply));
+  const auto reply = mWork.Send("RX" + ToHex(static_cast<std::uint32_t>(end - 1), kAddressOfReply));
   if (!reply) return std::unexpected(reply.error());
   if (reply->Data().size() > kAddressOfReply) return {};
   return mWork.Refuse("The project goes up to byte " + std::to_string(end) +
@@ -117,12 +96,19 @@ CompactProjectSender::Step CompactProjectSender::CheckEnd() {
 ProjectSender::Traffic CompactProjectSender::Amount() const {
   constexpr std::uint64_t kAroundCommand = 6;  // "/", unit, checksum, CR
   constexpr std::uint64_t kReply = 22;         // "LDOK" with seal and frame
+  constexpr std::uint64_t kAddress = 10;       // "RX" and its digits, in request and reply
+  constexpr std::uint64_t kDigits = 2;         // of a byte
   Traffic traffic;
+  std::uint64_t written = 0;
   for (const std::string& line : mProject.commands) {
     traffic.content += line.size();
     traffic.bytes += line.size() + kAroundCommand + kReply;
     ++traffic.exchanges;
+    if (const auto piece = ReadCompactPiece(line)) written += piece->bytes.size();
   }
+  const std::uint64_t blocks = (written + CompactApplication::kBlock - 1) / CompactApplication::kBlock;
+  traffic.bytes += blocks * (kAroundCommand + kReply + 2 * kAddress) + written * kDigits;
+  traffic.exchanges += blocks;
   return traffic;
 }
 
@@ -131,22 +117,68 @@ CompactProjectSender::Step CompactProjectSender::Send() {
   std::uint64_t bytes = 0;
   for (const std::string& line : mProject.commands) {
     if (Step stopped = mWork.StopPoint(); !stopped) return stopped;
+    if (line == "CCE") {
+      if (Step same = CompareWithSent(); !same) return same;
+    }
     if (&line == &mProject.commands.back() && line == "CCE") mWork.left = ControllerLeft::ProjectWaits;
     if (Step sent = SendLine(line); !sent) return sent;
+    mImage.Take(line);
     bytes += line.size();
     mWork.window.StepProgress();
     mWork.window.AmountSent(bytes, total);
     mWork.pacer.DoEvents();
   }
-  if (!mProject.endsWithReset) mWork.left = ControllerLeft::ProjectWaits;
+  if (Step same = CompareWithSent(); !same) return same;
+  if (!Restarts()) mWork.left = ControllerLeft::ProjectWaits;
   return {};
+}
+
+// A controller that answers "OK" has not always done it, and after the reset only the name would be told.
+CompactProjectSender::Step CompactProjectSender::CompareWithSent() {
+  if (mImage.Size() == 0) return {};
+  mWork.window.SetStatus("Comparing with what was sent ...");
+  CompactApplication memory(mWork);
+  std::uint64_t compared = 0;
+  for (auto place = mImage.NextFrom(0); place;) {
+    if (Step stopped = mWork.StopPoint(); !stopped) return stopped;
+    const auto found = mWork.WhileBusy([&] { return memory.ReadBlock(*place); });
+    if (!found && mWork.GoesOnAfter(found.error())) continue;
+    if (!found) return std::unexpected(found.error());
+    if (found->empty()) return Differs(*place, "the controller tells no more of its memory");
+    if (const auto other = mImage.DifferenceIn(*place, *found)) {
+      return Differs(*other, "the controller holds " + ToHex((*found)[*other - *place], 2) + " instead of " +
+                                 ToHex(mImage.At(*other), 2));
+    }
+    compared = std::min(compared + found->size(), mImage.Size());
+    mWork.window.AmountSent(compared, mImage.Size());
+    mWork.pacer.DoEvents();
+    place = mImage.NextFrom(*place + static_cast<std::uint32_t>(found->size()));
+  }
+  mImage.Clear();
+  mWork.window.SetStatus(kSending);
+  return {};
+}
+
+CompactProjectSender::Step CompactProjectSender::Differs(std::uint32_t place, const std::string& how) {
+  const std::string text = "All was sent, but at address " + ToHex(place, 6) + " of the project memory " + how +
+                           ".\nWhat to do: download again; when it is so again, do not use the controller.";
+  mWork.Tell(text + "\n" + std::string(LeftBehindText(mWork.left)), PromptIcon::Exclamation);
+  return mWork.Fail(DownloadCause::Unproven, text);
+}
+
+// The last reset comes behind the last project: a load under way has its own end.
+bool CompactProjectSender::Restarts() const {
+  const auto last = [this](std::string_view command) {
+    return std::ranges::find(mProject.commands.rbegin(), mProject.commands.rend(), command);
+  };
+  return last("CCE") < last("DE");
 }
 
 CompactProjectSender::Step CompactProjectSender::SendLine(const std::string& line) {
   if (line == "CCS") mWork.Tell("The controller is about to enter Stop mode.", PromptIcon::Exclamation);
   if (line == "CCE") mWork.Tell("The controller is about to Reset.", PromptIcon::Exclamation);
   const auto send = [&]() -> Step {
-    auto reply = mWork.Send(line);
+    auto reply = mWork.WhileBusy([&] { return mWork.Send(line); });
     if (!reply) return std::unexpected(reply.error());
     return line == "DI" ? WaitForErase(*std::move(reply)) : Step();
   };
@@ -156,9 +188,11 @@ CompactProjectSender::Step CompactProjectSender::SendLine(const std::string& lin
 // Without a limit: only the controller knows how long its flash takes. The user can stop it.
 CompactProjectSender::Step CompactProjectSender::WaitForErase(CommandReply reply) {
   constexpr std::size_t kState = 2;
+  LongWait wait(mWork, "that its project memory is erased");
   while (reply.text.size() <= kState || reply.text[kState] != 'I') {
     mWork.pacer.DoEvents();
     mWork.pacer.Sleep(kBetweenPolls);
+    wait.Polled();
     if (Step stopped = mWork.StopPoint(); !stopped) return stopped;
     auto next = mWork.Send("DI");
     if (!next && !mWork.GoesOnAfter(next.error())) return std::unexpected(next.error());

@@ -16,16 +16,21 @@ std::string_view LeftBehindText(ControllerLeft left) {
              "still there. Download again; or switch it off and on, or start it with \"kvtele run\", to go back to the "
              "old project.";
     case ControllerLeft::ProjectErased:
-      return "The controller's old project is erased, and the new one is not whole; switched off and on, it would run "
-             "on that. Download a project again.";
+      return "The controller's old project is erased, and the new one is not whole; once it has restarted, it runs on "
+             "that. Download a project again.";
     case ControllerLeft::Programming:
       return "The controller may still be programming its flash: if it loses its power now, it has no project any "
              "more. Wait a minute, then download again.";
+    case ControllerLeft::FlashFailed:
+      return "The controller's flash has failed while it programmed the new project; what is in it is not known, and "
+             "once it has restarted, it runs on that. Download a project again; when it fails again, have the "
+             "controller repaired.";
     case ControllerLeft::ProjectWaits:
       return "All of the new project is in the controller, and it runs once the controller has restarted. Switch the "
              "controller off and on, or download again.";
     case ControllerLeft::ProjectPerhaps:
-      return "All of the new project was sent and the controller was told to restart; what it runs now is not known. "
+      return "All of the new project was sent, and the controller was told to restart or did; what it runs now is not "
+             "known. "
              "Identify it, and download again if it does not name the new project.";
     case ControllerLeft::BootLoader:
       return "The controller's boot loader runs, and its old O/S is still there. Download an O/S again, or switch the "

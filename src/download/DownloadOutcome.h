@@ -37,6 +37,7 @@ enum class ControllerLeft : std::uint8_t {
   ProjectBegun,       // Aurex: a project download is under way; the old project is there until 69 has been sent
   ProjectErased,      // compact: the old project is gone, the new one is not whole
   Programming,        // Aurex: it may be programming the new project into its flash
+  FlashFailed,        // Aurex: its flash has failed while it programmed the new project
   ProjectWaits,       // all is in it, and takes effect with a reset that it has not had
   ProjectPerhaps,     // all is in it and it was told to reset, but what it runs since is not known
   BootLoader,         // its boot loader runs, the old O/S is still there

@@ -31,12 +31,11 @@ std::string Shown(const Text& text) {
   return text->empty() ? "(none)" : *text;
 }
 
-// A controller keeps no more of a project's name, and blanks at its end are not seen.
+}  // namespace
+
 std::string KeptName(const std::string& name) {
   return AnsiToUtf8(TrimBlanks(Utf8ToAnsi(name).substr(0, kLongestProjectName)));
 }
-
-}  // namespace
 
 DownloadSide SideOf(const FoundController& controller) {
   return {.model = ShownText(controller.version.model),

@@ -57,6 +57,9 @@ struct DownloadReview {
   DownloadSide after;
 };
 
+// A controller keeps no more of a project's name, and blanks at its end are not seen.
+[[nodiscard]] std::string KeptName(const std::string& name);
+
 // In what `after` is not what the file says, a sentence each.
 [[nodiscard]] std::vector<std::string> DifferencesFrom(const DownloadSide& file, const DownloadSide& after);
 

@@ -27,6 +27,9 @@ class DownloadWindow {
   // The status line, UTF-8; an empty text clears it.
   virtual void SetStatus(std::string_view text) = 0;
 
+  // Something worth knowing while the work goes on, UTF-8.
+  virtual void Note(std::string_view /*text*/) {}
+
   // The bar: its maximum is `maximum`, at least 1, its value 0.
   virtual void ResetProgress(std::int64_t maximum) = 0;
   // One more; not past the maximum.

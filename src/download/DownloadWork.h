@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <expected>
 #include <functional>
@@ -89,6 +90,24 @@ class DownloadWork {
   // Sends a block message, with data unless it is null. A status other than done is a failure.
   [[nodiscard]] std::expected<Bytes, DownloadOutcome> SendBlock(const BlockFields& fields,
                                                                 std::span<const std::uint8_t> data = {});
+
+  // Does `exchange` again while the controller is busy, which means that it has executed nothing; for some seconds.
+  template <typename Exchange>
+  [[nodiscard]] auto WhileBusy(const Exchange& exchange) -> decltype(exchange()) {
+    constexpr int kTries = 20;
+    constexpr Duration kBetweenTries = std::chrono::milliseconds(500);
+    auto done = exchange();
+    for (int i = 1; i < kTries && !done && done.error().link.code == LinkErrorCode::Busy; ++i) {
+      pacer.DoEvents();
+      pacer.Sleep(kBetweenTries);
+      if (Step stopped = StopPoint(); !stopped) {
+        stopped.error().link = done.error().link;
+        return std::unexpected(stopped.error());
+      }
+      done = exchange();
+    }
+    return done;
+  }
 
   // A stop ended the exchange that this outcome is of: whether the user, asked about what is left, wants to go on.
   [[nodiscard]] bool GoesOnAfter(const DownloadOutcome& outcome);

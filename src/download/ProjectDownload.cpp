@@ -24,8 +24,10 @@ std::string FileNameOf(const ProjectFile& file) {
   return Utf8FromPath(file.path.filename());
 }
 
+// An exchange that is unsure has an end: the controller answered afterwards, and was asked.
 bool IsLinkGone(LinkErrorCode code) {
-  return code != LinkErrorCode::None && code != LinkErrorCode::Stopped && !IsRefusal(code);
+  return code != LinkErrorCode::None && code != LinkErrorCode::Stopped && code != LinkErrorCode::Unsure &&
+         !IsRefusal(code);
 }
 
 struct ProjectNames {
@@ -37,13 +39,17 @@ struct ProjectNames {
 // which ends a load.
 ControllerLeft Refined(ControllerLeft left, char state, const std::string& project, const ProjectNames& names) {
   const bool isOld = project == names.inController;
+  if (left == ControllerLeft::Programming && IsRunningState(state) && project == names.inFile) {
+    return isOld || project.empty() ? ControllerLeft::ProjectPerhaps : ControllerLeft::NewProject;
+  }
+  if (left == ControllerLeft::Programming && IsRunningState(state) && isOld) return ControllerLeft::Untouched;
+  if (left == ControllerLeft::ProjectErased && isOld && !project.empty() && project != names.inFile) {
+    return IsRunningState(state) ? ControllerLeft::Untouched : ControllerLeft::Stopped;  // DE takes the name away
+  }
   const bool isBeforeErase = left == ControllerLeft::Stopped || left == ControllerLeft::ProjectBegun;
   const bool mayBeLost = isBeforeErase || left == ControllerLeft::Programming;
   if (isBeforeErase && IsRunningState(state) && isOld) return ControllerLeft::Untouched;
   if (mayBeLost && state != 'L' && project.empty() && !isOld) return ControllerLeft::ProjectErased;
-  if (left == ControllerLeft::Programming && IsRunningState(state) && project == names.inFile) {
-    return isOld ? ControllerLeft::ProjectPerhaps : ControllerLeft::NewProject;
-  }
   return left;
 }
 
@@ -84,6 +90,7 @@ class ProjectDownload::Run {
   }
 
   [[nodiscard]] const std::optional<DownloadReview>& Review() const { return mReview; }
+  [[nodiscard]] bool HasCompared() const { return mHasCompared; }
   [[nodiscard]] std::string OldProject() const { return mController.ProjectText(); }
 
  private:
@@ -111,8 +118,20 @@ class ProjectDownload::Run {
     mPreview.losses.emplace_back(
         "The controller's program stops; at the end the controller resets and runs the new one.");
     if (const std::string advice = StateAdvice(mController); !advice.empty()) mPreview.warnings.push_back(advice);
+    mNameWarning = NameWarning();
+    if (!mNameWarning.empty()) mPreview.warnings.push_back(mNameWarning);
     if (mWork.order.onPreview) mWork.order.onPreview(mPreview);
     return {};
+  }
+
+  // Success is told by the name: what the file itself says otherwise is said before the old project is gone.
+  [[nodiscard]] std::string NameWarning() const {
+    const auto name = mFile.NameInController();
+    const std::string head = "The file is named \"" + mFile.Name() + "\", but ";
+    if (!name) return head + "gives the controller no name for its project: no name will tell that it is in there.";
+    if (KeptName(*name) == KeptName(mFile.Name())) return "";
+    return head + (name->empty() ? "the controller's project will have no name."
+                                 : "the controller's project will be named \"" + *name + "\".");
   }
 
   Step CheckBackup() {
@@ -141,13 +160,21 @@ class ProjectDownload::Run {
                        "Controller: " + mControllerText + kLineEnd + "File: " + Utf8FromPath(mFile.path) + kLineEnd +
                        kLineEnd;
     for (const std::string& loss : mPreview.losses) text += loss + kLineEnd;
-    text += mWork.order.backup == nullptr
-                ? "What it holds now is lost, unless there is a clone of it."
-                : "What it holds now is kept in " + Utf8FromPath(mWork.order.backup->File()) + " first.";
+    if (!mNameWarning.empty()) text += mNameWarning + kLineEnd;
+    text += WhatBecomesOfTheOld();
     if (mWork.Asks(DownloadQuestion::Begin, text + kLineEnd + kLineEnd + "Download it?", PromptIcon::Exclamation)) {
       return {};
     }
     return mWork.Decline(DownloadCause::User, "The download was not confirmed.");
+  }
+
+  [[nodiscard]] std::string WhatBecomesOfTheOld() const {
+    if (mWork.order.backup != nullptr) {
+      return "What it holds now is kept in " + Utf8FromPath(mWork.order.backup->File()) + " first.";
+    }
+    const bool canBeCloned = WhyNoBackup(mWork.link, mController).empty();
+    return canBeCloned ? "What it holds now is lost, unless there is a clone of it."
+                       : "What it holds now is lost: a controller of this kind cannot be cloned.";
   }
 
   // A password that is not known is found out before a backup is made, and in a dry run.
@@ -188,31 +215,52 @@ class ProjectDownload::Run {
                       "sent.\nWhat to do: wait until that is over, or find out who it is, and begin again.");
   }
 
-  // When only the answer to the reset is missing, what the controller says afterwards decides.
+  // When only the answer to the reset is missing, what the controller says afterwards decides; and so it does when it
+  // has lost its power behind the programming.
   Step Send() {
     Step sent = mSender->Send();
-    const bool isOnlyUnanswered = !sent && mWork.left == ControllerLeft::ProjectPerhaps &&
-                                  sent.error().end == DownloadEnd::Failed && sent.error().cause == DownloadCause::Link;
-    return isOnlyUnanswered ? Step() : sent;
+    if (sent || sent.error().end != DownloadEnd::Failed) return sent;
+    const bool isResetUnanswered =
+        mWork.left == ControllerLeft::ProjectPerhaps && sent.error().cause == DownloadCause::Link;
+    if (!isResetUnanswered && !RunsTheNewOne(sent.error())) return sent;
+    mWork.left = ControllerLeft::ProjectPerhaps;
+    return {};
+  }
+
+  // A name that it did not have before tells it.
+  [[nodiscard]] bool RunsTheNewOne(const DownloadOutcome& failed) {
+    const auto name = mFile.NameInController();
+    const bool mayRun = mWork.left == ControllerLeft::Programming || mWork.left == ControllerLeft::ProjectWaits;
+    if (!mayRun || IsLinkGone(failed.link.code) || !name || name->empty() || *name == mController.ProjectText())
+      return false;
+    const auto now = FindController(mWork.link);
+    return now && IsRunningState(now->info.state) && now->ProjectText() == *name;
+  }
+
+  [[nodiscard]] std::expected<FoundController, LinkError> FindNow() {
+    if (!mSender->Restarts()) return FindController(mWork.link);
+    return FindAfterReset(mWork.link, mWork.pacer, mController.info.serialNumber);
   }
 
   // What the controller says of itself now: only that makes a success of it.
   Step Compare() {
-    const bool isReset = mWork.left == ControllerLeft::ProjectPerhaps;
-    const auto after =
-        isReset ? FindAfterReset(mWork.link, mWork.pacer, mController.info.serialNumber) : FindController(mWork.link);
+    mHasCompared = true;
+    auto after = FindNow();
+    while (!after && mWork.GoesOnAfter(mWork.FailOf(after.error()).error())) after = FindNow();
     if (!after) return NotIdentified(after.error());
     mReview = DownloadReview{SideOf(mController), SideOf(*after)};
     std::vector<std::string> differences = DifferencesFrom(
-        {.model = mReview->before.model, .os = mReview->before.os, .fonts = {}, .project = mFile.Name()},
+        {.model = mReview->before.model, .os = mReview->before.os, .fonts = {}, .project = mFile.NameInController()},
         mReview->after);
-    if (!IsRunningState(after->info.state)) {
-      differences.push_back(std::string("Its program does not run: its state is ") + after->info.state + ".");
+    if (IsRunningState(after->info.state) != mSender->Restarts()) {
+      differences.push_back(std::string("Its state is ") + after->info.state +
+                            (mSender->Restarts() ? "; its program does not run." : "; it has restarted meanwhile."));
     }
     if (after->info.state == 'L') mWork.left = ControllerLeft::ProjectWaits;  // the reset has not come to it
     if (!differences.empty()) return Differs(differences);
-    mWork.left = ControllerLeft::NewProject;
+    mWork.left = mSender->Restarts() ? ControllerLeft::NewProject : ControllerLeft::ProjectWaits;
     mWork.Tell(mSender->SuccessText(), PromptIcon::Information);
+    if (!mSender->Restarts()) mWork.Tell(LeftBehindText(mWork.left), PromptIcon::Information);
     return {};
   }
 
@@ -239,6 +287,8 @@ class ProjectDownload::Run {
   FoundController mController;
   std::string mControllerText;
   DownloadPreview mPreview;
+  std::string mNameWarning;
+  bool mHasCompared = false;
   std::optional<DownloadReview> mReview;
 };
 
@@ -252,12 +302,16 @@ void ProjectDownload::Download(Channel& link, const ProjectFile& file, const Dow
   const Step done = run.All();
   mReview = run.Review();
   mOutcome = done ? DownloadOutcome{.left = work.left} : done.error();
-  if (!done && mOutcome.cause != DownloadCause::Unproven)
-    AskWhatIsLeft(link, mPacer, {run.OldProject(), file.Name()}, mOutcome);
+  if (done || run.HasCompared()) return;
+  AskWhatIsLeft(link, mPacer, {run.OldProject(), file.NameInController().value_or("")}, mOutcome);
 }
 
 const std::string& ProjectFile::Name() const {
   return std::visit([](const auto& each) -> const std::string& { return each.name; }, project);
+}
+
+std::optional<std::string> ProjectFile::NameInController() const {
+  return std::visit([](const auto& each) -> std::optional<std::string> { return each.nameInController; }, project);
 }
 
 const std::string& ProjectFile::Model() const {

@@ -28,7 +28,9 @@ struct ProjectFile {
   std::variant<AurexProjectFile, CompactProjectFile> project;
 
   [[nodiscard]] bool IsCompact() const { return std::holds_alternative<CompactProjectFile>(project); }
-  [[nodiscard]] const std::string& Name() const;   // of the project
+  [[nodiscard]] const std::string& Name() const;  // of the project
+  // That the controller will report: nothing when the file does not tell, empty for none.
+  [[nodiscard]] std::optional<std::string> NameInController() const;
   [[nodiscard]] const std::string& Model() const;  // that it is made for
   [[nodiscard]] const FileStamp& Stamp() const;
 };

@@ -26,6 +26,9 @@ class ProjectSender {
   // What the box says that tells of the success.
   [[nodiscard]] virtual std::string_view SuccessText() const = 0;
 
+  // Whether all ends with a reset, behind which the new project runs.
+  [[nodiscard]] virtual bool Restarts() const { return true; }
+
   // What passes on the line, for the time that it takes.
   struct Traffic {
     std::uint64_t content = 0;  // of the file, as it is sent

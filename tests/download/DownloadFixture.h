@@ -96,6 +96,7 @@ class LoggedDownloadWindow : public DownloadWindow {
   std::int64_t steps = 0;  // of the bar, since it was reset
 
   void SetStatus(std::string_view text) override { mLog.push_back("Status " + std::string(text)); }
+  void Note(std::string_view text) override { mLog.push_back("Note " + std::string(text)); }
   void ResetProgress(std::int64_t maximum) override {
     mLog.push_back("Bar " + std::to_string(maximum));
     mMaximum = maximum;

@@ -6,6 +6,7 @@
 #include "tests/support/FakeChannel.h"
 #include "tests/support/MarkdownTables.h"
 #include "tests/support/SilentCloner.h"
+#include "tests/support/WeatherSeeds.h"
 
 namespace kv::test {
 namespace {
@@ -17,7 +18,15 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr int kSeeds = 100;
+// A compact project with another last line, or one more behind that.
+std::string WithoutLastLine(const std::string& content) {
+  return content.substr(0, content.rfind('\n', content.size() - 2) + 1);
+}
+std::string WithLine(const std::string& content, std::string line) {
+  std::ranges::reverse(line);
+  for (char& c : line) c = static_cast<char>(c + std::ranges::count(content, '\n') % 3);
+  return content + line + "\r\n";
+}
 
 TEST(ProjectDownload, TellsAndSendsInTheSettledOrder) {
   const std::string aurex =
@@ -30,7 +39,8 @@ TEST(ProjectDownload, TellsAndSendsInTheSettledOrder) {
       "Bar 12; Status Sending download file ...; (?) Warning: The program you are downloading is intended for "
       "controller model Q51-2-R34.\r\nThe model to which you are downloading the programm is Q50-2-R34.\r\nDo you "
       "want to continue?; consent; (!) Downloader: The controller is about to enter Stop mode.; CCS; DE; DI; DI; DI; "
-      "LN; LD; LD; LD; LD; (!) Downloader: The controller is about to Reset.; CCE; (i) Downloader: Download was "
+      "LN; LD; LD; LD; LD; Status Comparing with what was sent ...; Status Sending download file ...; (!) Downloader: "
+      "The controller is about to Reset.; CCE; (i) Downloader: Download was "
       "successful. ; Bar 1; Status ; ";
   for (const bool isCompact : {false, true}) {
     ProjectFixture fixture(isCompact ? kCompact : kAurex);
@@ -68,17 +78,12 @@ TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
   const auto vanish = meanwhile([](ProjectFixture& fixture) { std::filesystem::remove(fixture.path); });
   const auto load = meanwhile([](ProjectFixture& fixture) { fixture.controller->Tell("CCM"); });
   const auto cut = [](ProjectFixture& fixture) {
-    std::string content = TemporaryFolder::Content(fixture.path);
-    fixture.Put(content.substr(0, content.rfind('\n', content.size() - 2) + 1));
+    fixture.Put(WithoutLastLine(SampleProject(kCompact)));
     fixture.answers.declined = "does not end with";
   };
   const auto large = [](ProjectFixture& fixture) { fixture.Put(SampleProject(kCompact, 60000)); };
   const auto badLine = [](ProjectFixture& fixture) {
-    std::string content = TemporaryFolder::Content(fixture.path);
-    content.resize(content.rfind('\n', content.size() - 2) + 1);
-    std::string line = "000000DL";  // an address without data, written backwards
-    for (char& c : line) c = static_cast<char>(c + std::ranges::count(content, '\n') % 3);
-    fixture.Put(content + line + "\r\n");
+    fixture.Put(WithLine(WithoutLastLine(SampleProject(kCompact, 200)), "LD000000"));
   };
   const auto loading = [](ProjectFixture& fixture) {
     fixture.controller->Tell("CCM");
@@ -135,24 +140,27 @@ TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
 
 TEST(ProjectDownload, NoPairOfControllerAndFileHarms) {
   struct File {
-    std::string model;
+    std::string reported;
+    bool isCompact;
     std::string content;
   };
+  std::vector<File> files;
+  for (const sim::Model& model : sim::AllModels()) {
+    const bool isNew = model.versionStyle == sim::VersionStyle::Digits;
+    const sim::SampleProject sample{.name = "Hall 7", .os = {isNew ? "4.60" : "1.10", 19}, .size = 100};
+    files.push_back(
+        {std::string(model.reported), model.family == sim::Family::Compact, Good(sim::MakeProject(model, sample))});
+  }
   for (const sim::Model& model : sim::AllModels()) {
     const std::string name(model.name);
-    const bool isNew = model.versionStyle == sim::VersionStyle::Digits;
-    const sim::SampleProject own{.name = "Hall 7", .os = {isNew ? "4.60" : "1.10", 19}, .size = 300};
-    const File files[] = {{kAurex, SampleProject(kAurex, 300)},
-                          {kCompact, SampleProject(kCompact, 300)},
-                          {name, Good(sim::MakeProject(model, own))}};
     for (const File& file : files) {
-      SCOPED_TRACE(name + " gets a project of " + file.model);
+      SCOPED_TRACE(name + " gets a project of " + file.reported);
       ProjectFixture fixture(name);
-      fixture.isCompact = ModelCalled(file.model).family == sim::Family::Compact;
+      fixture.isCompact = file.isCompact;
       fixture.Put(file.content);
       fixture.answers.declined = "Do you want to continue?";
       const DownloadOutcome outcome = fixture.Download();
-      const bool fits = ModelCalled(file.model).reported == model.reported && !model.HasColour();
+      const bool fits = file.reported == model.reported && !model.HasColour();
       EXPECT_EQ(outcome.end == DownloadEnd::Done, fits) << outcome.reason;
       EXPECT_EQ(fixture.Changes().empty(), !fits);
       EXPECT_EQ(fixture.controller->StateAndProject(), fits ? "RHall 7" : "R");
@@ -177,31 +185,32 @@ std::map<std::string, std::string> DocumentedFor(const std::string& kind) {
   return rows;
 }
 
-// Which state and project each word about what is left may stand for; "*" is any project.
+// Which state and project each word about what is left may stand for.
 bool IsAs(ControllerLeft left, const std::string& found) {
   const std::string project = found.substr(1);
   switch (left) {
     case ControllerLeft::Untouched:
       return found == "ROld";
     case ControllerLeft::Stopped:
+      return found == "SOld" || found == "ROld";  // whether it was told is not known
     case ControllerLeft::ProjectBegun:
-      return project == "Old";
+      return found == "LOld" || found == "SOld";
     case ControllerLeft::ProjectErased:
-      return true;  // nothing is promised
+      return project.empty() || project == "Hall 7";
     case ControllerLeft::Programming:
       return found == "LOld";
     case ControllerLeft::ProjectWaits:
       return found == "LOld" || project == "Hall 7";
     case ControllerLeft::ProjectPerhaps:
-      return true;
+      return project == "Hall 7" || found == "LOld";
     default:
       return found == "RHall 7";
   }
 }
 
 TEST(ProjectDownload, SaysWhatIsLeftWhereverItIsCutAndGetsThroughThen) {
-  const char* const faults[] = {
-      "lost:away=60000,nth=", "refuse:code=0D,nth=", "reset:nth=", "noreply:nth=", "wrongunit:nth=", "lost:nth="};
+  const char* const faults[] = {"lost:away=60000,nth=", "refuse:code=0D,nth=", "reset:nth=",         "noreply:nth=",
+                                "wrongunit:nth=",       "lost:nth=",           "busy:nth="};
   for (const char* model : {kAurex, kCompact}) {
     auto documented = DocumentedFor(model == std::string(kAurex) ? "`.dai`" : "`.d50`");
     for (const std::string fault : faults) {
@@ -240,7 +249,8 @@ TEST(ProjectDownload, IsRightOrAPlainFailureInAnyWeather) {
       "damage:rate=0.0005",      "noreply:p=0.02",       "late:p=0.02,ms=700",     "double:p=0.02", "wrongunit:p=0.01",
       "garbage:p=0.01,bytes=60", "lost:p=0.01,away=900", "lost:p=0.004,away=9000", "reset:p=0.003", "busy:p=0.003"};
   int done = 0;
-  for (int seed = 1; seed <= kSeeds; ++seed) {
+  const int seeds = WeatherSeeds(60);
+  for (int seed = 1; seed <= seeds; ++seed) {
     for (const char* model : {kAurex, kCompact}) {
       SCOPED_TRACE(std::string(model) + " seed " + std::to_string(seed));
       sim::SimulatorOptions options;
@@ -255,7 +265,7 @@ TEST(ProjectDownload, IsRightOrAPlainFailureInAnyWeather) {
       EXPECT_EQ(outcome.end == DownloadEnd::Done, outcome.reason.empty());
     }
   }
-  EXPECT_GT(done, kSeeds / 2);
+  EXPECT_GT(done, seeds / 2);
 }
 
 TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
@@ -263,6 +273,8 @@ TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
     const char* model;
     std::function<void(ProjectFixture& fixture)> spoil;
     const char* told;
+    ControllerLeft left = ControllerLeft::ProjectPerhaps;
+    DownloadCause cause = DownloadCause::Unproven;
   };
   const auto atReset = [](const char* does) {
     return [=](ProjectFixture& fixture) {
@@ -271,10 +283,10 @@ TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
       };
     };
   };
-  const auto otherName = [](ProjectFixture& fixture) {
-    std::string content = SampleProject(kAurex);
-    content[70] = static_cast<char>(content[70] ^ 'H' ^ 'B');  // "Ball 7" in the head, "Hall 7" in its topic
-    fixture.Put(content);
+  const auto flashError = [](ProjectFixture& fixture) {
+    fixture.controller->onBlock = [&fixture](const sim::BlockRequest& request, sim::BlockReply& reply) {
+      if (request.opCode == 7 && std::ranges::count(fixture.log, "69") > 0) reply.payload[1] = 3;
+    };
   };
   const auto stopped = [](ProjectFixture& fixture) {
     fixture.pacer.OnTurn([&fixture] {
@@ -284,8 +296,10 @@ TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
   };
   const Case rows[] = {
       {kCompact, atReset("LN4E6F"), "the controller says \"No\", and the file \"Hall 7\""},
-      {kAurex, otherName, "the controller says \"Hall 7\", and the file \"Ball 7\""},
-      {kCompact, stopped, "its state is S"},
+      {kCompact, [](ProjectFixture& f) { f.UseFault("lie:on=LD,nth=2"); },
+       "at address 000040 of the project memory the controller holds FF instead of ", ControllerLeft::ProjectErased},
+      {kAurex, flashError, "reports a flash error (3)", ControllerLeft::FlashFailed, DownloadCause::Reply},
+      {kCompact, stopped, "Its state is S"},
       {kAurex, [](ProjectFixture& f) { f.UseFault("lost:on=CC,nth=2,at=30,away=300000"); }, "not identified after"},
   };
   for (const Case& row : rows) {
@@ -293,11 +307,50 @@ TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
     row.spoil(fixture);
     const DownloadOutcome outcome = fixture.Download();
     EXPECT_EQ(outcome.end, DownloadEnd::Failed);
-    EXPECT_EQ(outcome.cause, DownloadCause::Unproven) << outcome.reason;
-    EXPECT_EQ(outcome.left, ControllerLeft::ProjectPerhaps);
+    EXPECT_EQ(outcome.cause, row.cause) << outcome.reason;
+    EXPECT_EQ(outcome.left, row.left);
     EXPECT_THAT(outcome.reason, HasSubstr(row.told));
-    EXPECT_THAT(fixture.log, Contains(AllOf(HasSubstr("(!) Downloader: All was sent, but"), HasSubstr(row.told))));
+    const auto box = Contains(AllOf(HasSubstr("(!) Downloader: All was sent, but"), HasSubstr(row.told)));
+    if (row.cause == DownloadCause::Unproven) {
+      EXPECT_THAT(fixture.log, box);
+    }
     EXPECT_THAT(fixture.log, Not(Contains(HasSubstr("successful"))));
+  }
+}
+
+TEST(ProjectDownload, TakesWhatTheFileGivesTheControllerForTheSuccess) {
+  std::string aurex = SampleProject(kAurex);
+  std::string renamed = aurex;
+  renamed[70] = static_cast<char>(renamed[70] ^ 'H' ^ 'B');  // "Ball 7" in the head, "Hall 7" in its topic
+  aurex.resize(150);
+  aurex[10] = 10;  // scrambled 0
+  const std::string compact = WithoutLastLine(SampleProject(kCompact));
+  struct Case {
+    const char* model;
+    std::string content;
+    const char* isThen;
+    const char* asked;
+    ControllerLeft left = ControllerLeft::NewProject;
+  };
+  const Case rows[] = {
+      {kAurex, renamed, "RHall 7",
+       "The file is named \"Ball 7\", but the controller's project will be named \"Hall 7\""},
+      {kAurex, aurex, "R", "gives the controller no name"},
+      {kCompact, compact, "LHall 7", "does not end with", ControllerLeft::ProjectWaits},
+      {kCompact, WithLine(WithLine(compact, "CCE"), "DI"), "RHall 7", "does not end with"},
+      {kCompact, WithLine(WithLine(compact, "LN"), "CCE"), "R", "the controller's project will have no name"},
+      {kCompact, WithLine(WithLine(compact, "LN48610062"), "CCE"), "RHa", "will be named \"Ha\""},
+  };
+  for (const Case& row : rows) {
+    SCOPED_TRACE(row.asked);
+    ProjectFixture fixture(row.model);
+    fixture.HoldOldProject();
+    fixture.Put(row.content);
+    const DownloadOutcome outcome = fixture.Download();
+    EXPECT_EQ(outcome.end, DownloadEnd::Done) << outcome.reason;
+    EXPECT_EQ(outcome.left, row.left);
+    EXPECT_EQ(fixture.controller->StateAndProject(), row.isThen);
+    EXPECT_THAT(fixture.log, Contains(HasSubstr(row.asked)));
   }
 }
 
@@ -346,6 +399,7 @@ TEST(ProjectDownload, WaitsWithoutALimitUntilItIsStopped) {
     EXPECT_EQ(outcome.end, DownloadEnd::Stopped);
     EXPECT_EQ(outcome.left, ControllerLeft::ProjectBegun);
     EXPECT_THAT(outcome.reason, HasSubstr("says that its state is L and its project \"Old\""));
+    EXPECT_EQ(std::ranges::count_if(fixture.log, [](const auto& e) { return e.starts_with("Note For a minute"); }), 1);
     EXPECT_NEAR(polls, (stopsAtOnce ? 9 : 10) * 600, 60);
     EXPECT_EQ(std::ranges::count(fixture.log, "Bar 120"), polls / 120 + 1) << "the bar goes round";
     EXPECT_EQ(fixture.controller->StateAndProject(), "LOld");

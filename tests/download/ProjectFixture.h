@@ -80,7 +80,8 @@ struct ProjectFixture : DownloadFixture {
   [[nodiscard]] std::vector<std::string> Changes() const {
     std::vector<std::string> changes;
     for (const std::string& entry : log) {
-      const bool isSurface = entry.starts_with("(") || entry.starts_with("Bar") || entry.starts_with("Status");
+      const bool isSurface = entry.starts_with("(") || entry.starts_with("Bar") || entry.starts_with("Note") ||
+                             entry.starts_with("Status");
       if (!isSurface) changes.push_back(entry);
     }
     return changes;

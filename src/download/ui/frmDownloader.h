@@ -54,6 +54,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void reject() override;
 
   void SetStatus(std::string_view text) override;
+  void Note(std::string_view text) override;
   void ResetProgress(std::int64_t maximum) override;
   void StepProgress() override;
   void ProgressInfo(int phase, std::int64_t current, std::int64_t count) override;

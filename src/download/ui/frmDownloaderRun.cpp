@@ -87,6 +87,10 @@ void frmDownloader::reject() {
   mServices.pacer.RequestStop();
 }
 
+void frmDownloader::Note(std::string_view text) {
+  Say(std::string(text));
+}
+
 void frmDownloader::StopDownload() {
   if (!mIsBusy) return;
   mServices.pacer.RequestStop();
@@ -192,7 +196,8 @@ void frmDownloader::ShowEnding(const char* what, const Ending& ending) {
       what + std::string(EndText(outcome.end)) + (outcome.reason.empty() ? "" : "\n" + outcome.reason) + "\n" + left;
   Say(text);
   mServices.shared.Remote->StatusMessage(text);
-  const bool isSafe = outcome.end == DownloadEnd::Done || outcome.left == ControllerLeft::Untouched;
+  const bool isDone = outcome.end == DownloadEnd::Done && outcome.left != ControllerLeft::ProjectWaits;
+  const bool isSafe = isDone || outcome.left == ControllerLeft::Untouched;
   ShowAdvice(isSafe ? "" : left);
   if (!ending.review) return;
   mSides->ShowSides(Shown(ending.review->before), mThen, Shown(ending.review->after));

@@ -1,0 +1,102 @@
+#include "download/CompactProjectImage.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/Hex.h"
+#include "download/FileFields.h"
+#include "link/LinkLimits.h"
+
+namespace kv {
+namespace {
+
+struct Form {
+  std::string_view command;
+  std::size_t addressDigits;
+  std::size_t fewest;  // bytes
+  std::size_t most;
+  const char* expected;
+};
+constexpr std::array kForms = {
+    Form{"LD", 6, 1, 256, "expected an address of 6 digits and 1 to 256 bytes, as digits"},
+    Form{"FW", 8, 0, 64, "expected an address of 8 digits and at most 64 bytes, as digits"},
+    Form{"LN", 0, 0, kLongestProjectName, "expected a name of at most 20 bytes, as digits"},
+};
+constexpr std::string_view kName = "LN";
+
+const Form* FormOf(std::string_view line) {
+  const auto form = std::ranges::find_if(kForms, [&](const Form& each) { return line.starts_with(each.command); });
+  return form == kForms.end() ? nullptr : &*form;
+}
+
+std::expected<CompactPiece, std::string> Read(const Form& form, std::string_view line) {
+  const std::string_view digits = line.substr(form.command.size());
+  const std::size_t count = digits.size() < form.addressDigits ? 0 : digits.size() - form.addressDigits;
+  const bool fits = digits.size() >= form.addressDigits && count % 2 == 0 && count / 2 >= form.fewest &&
+                    count / 2 <= form.most && AreUpperHexDigits(digits);
+  if (!fits) return std::unexpected(form.expected);
+  CompactPiece piece;
+  if (form.addressDigits > 0) {
+    piece.address = ParseHex(digits.substr(0, form.addressDigits)).value_or(0);
+  }
+  piece.bytes = HexStringToBytes(digits.substr(form.addressDigits)).value_or(Bytes());
+  return piece;
+}
+
+}  // namespace
+
+std::expected<CompactPiece, std::string> ReadCompactPiece(std::string_view line) {
+  const Form* form = FormOf(line);
+  if (form == nullptr) return CompactPiece{};
+  auto piece = Read(*form, line);
+  if (piece && form->command == kName) return CompactPiece{};
+  return piece;
+}
+
+std::optional<std::string> ReadCompactName(std::string_view line) {
+  if (line == "DE") return std::string();
+  const Form* form = FormOf(line);
+  if (form == nullptr || form->command != kName) return std::nullopt;
+  const auto name = Read(*form, line);
+  if (!name) return std::nullopt;
+  const std::string ansi(name->bytes.begin(), name->bytes.end());
+  return ShownText(std::string_view(ansi).substr(0, ansi.find('\0')));
+}
+
+void CompactProjectImage::Take(std::string_view line) {
+  if (line == "DE") return Clear();
+  const auto piece = ReadCompactPiece(line);
+  if (!piece || piece->bytes.empty()) return;
+  if (piece->End() > mBytes.size()) {
+    mBytes.resize(piece->End());
+    mIsWritten.resize(piece->End());
+  }
+  for (std::size_t i = 0; i < piece->bytes.size(); ++i) {
+    const std::size_t place = piece->address + i;
+    mBytes[place] = piece->bytes[i];
+    mWritten += mIsWritten[place] ? 0 : 1;
+    mIsWritten[place] = true;
+  }
+}
+
+void CompactProjectImage::Clear() {
+  mBytes.clear();
+  mIsWritten.clear();
+  mWritten = 0;
+}
+
+std::optional<std::uint32_t> CompactProjectImage::NextFrom(std::uint32_t place) const {
+  if (place >= mIsWritten.size()) return std::nullopt;
+  const auto next = std::find(mIsWritten.begin() + place, mIsWritten.end(), true);
+  if (next == mIsWritten.end()) return std::nullopt;
+  return static_cast<std::uint32_t>(next - mIsWritten.begin());
+}
+
+std::optional<std::uint32_t> CompactProjectImage::DifferenceIn(std::uint32_t place, const Bytes& found) const {
+  for (std::size_t i = 0; i < found.size() && place + i < mBytes.size(); ++i) {
+    if (mIsWritten[place + i] && mBytes[place + i] != found[i]) return static_cast<std::uint32_t>(place + i);
+  }
+  return std::nullopt;
+}
+
+}  // namespace kv
