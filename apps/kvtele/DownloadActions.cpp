@@ -22,6 +22,7 @@ constexpr std::array kCauses = {
     CauseRow{DownloadCause::NotFit, "notFit", ExitCode::Refused},
     CauseRow{DownloadCause::File, "badFile", ExitCode::BadFile},
     CauseRow{DownloadCause::Backup, "backup", ExitCode::Failed},
+    CauseRow{DownloadCause::Differs, "differs", ExitCode::Differs},
     CauseRow{DownloadCause::Unproven, "unproven", ExitCode::Failed},
 };
 

@@ -163,7 +163,7 @@ CompactProjectSender::Step CompactProjectSender::Differs(std::uint32_t place, co
   const std::string text = "All was sent, but at address " + ToHex(place, 6) + " of the project memory " + how +
                            ".\nWhat to do: download again; when it is so again, do not use the controller.";
   mWork.Tell(text + "\n" + std::string(LeftBehindText(mWork.left)), PromptIcon::Exclamation);
-  return mWork.Fail(DownloadCause::Unproven, text);
+  return mWork.Fail(DownloadCause::Differs, text);
 }
 
 // The last reset comes behind the last project: a load under way has its own end.
@@ -194,7 +194,7 @@ CompactProjectSender::Step CompactProjectSender::WaitForErase(CommandReply reply
     mWork.pacer.Sleep(kBetweenPolls);
     wait.Polled();
     if (Step stopped = mWork.StopPoint(); !stopped) return stopped;
-    auto next = mWork.Send("DI");
+    auto next = mWork.WhileBusy([this] { return mWork.Send("DI"); });
     if (!next && !mWork.GoesOnAfter(next.error())) return std::unexpected(next.error());
     if (next) reply = *std::move(next);
   }

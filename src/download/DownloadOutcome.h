@@ -26,6 +26,7 @@ enum class DownloadCause : std::uint8_t {
   Backup,    // the clone that was wanted before was not made, or not verified
   Link,      // an exchange failed; `link` says how
   Reply,     // the controller answered that it failed, or something that is no answer
+  Differs,   // what was read back is not what was sent
   Unproven,  // all was sent, but what the controller then reports is not what the file holds
 };
 

@@ -94,10 +94,10 @@ class DownloadWork {
   // Does `exchange` again while the controller is busy, which means that it has executed nothing; for some seconds.
   template <typename Exchange>
   [[nodiscard]] auto WhileBusy(const Exchange& exchange) -> decltype(exchange()) {
-    constexpr int kTries = 20;
+    constexpr int kBusyTries = 20;
     constexpr Duration kBetweenTries = std::chrono::milliseconds(500);
     auto done = exchange();
-    for (int i = 1; i < kTries && !done && done.error().link.code == LinkErrorCode::Busy; ++i) {
+    for (int i = 1; i < kBusyTries && !done && done.error().link.code == LinkErrorCode::Busy; ++i) {
       pacer.DoEvents();
       pacer.Sleep(kBetweenTries);
       if (Step stopped = StopPoint(); !stopped) {

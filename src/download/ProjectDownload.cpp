@@ -237,17 +237,20 @@ class ProjectDownload::Run {
     return now && IsRunningState(now->info.state) && now->ProjectText() == *name;
   }
 
-  [[nodiscard]] std::expected<FoundController, LinkError> FindNow() {
-    if (!mSender->Restarts()) return FindController(mWork.link);
-    return FindAfterReset(mWork.link, mWork.pacer, mController.info.serialNumber);
+  [[nodiscard]] std::expected<FoundController, DownloadOutcome> FindNow() {
+    auto now = mSender->Restarts() ? FindAfterReset(mWork.link, mWork.pacer, mController.info.serialNumber)
+                                   : FindController(mWork.link);
+    if (now) return *std::move(now);
+    return mWork.FailOf(now.error());
   }
 
   // What the controller says of itself now: only that makes a success of it.
   Step Compare() {
     mHasCompared = true;
-    auto after = FindNow();
-    while (!after && mWork.GoesOnAfter(mWork.FailOf(after.error()).error())) after = FindNow();
-    if (!after) return NotIdentified(after.error());
+    const auto find = [this] { return FindNow(); };
+    auto after = mWork.WhileBusy(find);
+    while (!after && mWork.GoesOnAfter(after.error())) after = mWork.WhileBusy(find);
+    if (!after) return NotIdentified(after.error().link);
     mReview = DownloadReview{SideOf(mController), SideOf(*after)};
     std::vector<std::string> differences = DifferencesFrom(
         {.model = mReview->before.model, .os = mReview->before.os, .fonts = {}, .project = mFile.NameInController()},

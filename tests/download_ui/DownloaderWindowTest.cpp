@@ -28,9 +28,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using ::testing::AllOf;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
 
 // Answers Yes to every question but those that hold `no`, and notes all of them.
 struct YesUser : Prompts {
@@ -291,7 +294,7 @@ TEST_F(DownloaderWindowTest, SendsAProjectOfEachFamilyAndShowsTheControllerBefor
     prompts.file = Utf8FromPath(backup);
     Press("cmdDownload");
     EXPECT_TRUE(window->isVisible()) << "closing is refused";
-    EXPECT_THAT(looks, Each("hourglass Stop"));
+    EXPECT_THAT(looks, AllOf(Not(IsEmpty()), Each("hourglass Stop")));
     EXPECT_EQ(Look(), kReadyLook);
     EXPECT_EQ(Row("Project").substr(Row("Project").find(" > ")), " > Hall 7 > Hall 7") << model;
     EXPECT_THAT(Information(), HasSubstr("has ended well"));
@@ -345,7 +348,7 @@ TEST_F(DownloaderWindowTest, SendsAnOsOfEachFamilyAndShowsTheControllerBeforeAnd
     });
     Press("cmdDownloadOS");
     EXPECT_TRUE(window->isVisible()) << "closing is refused";
-    EXPECT_THAT(looks, Each("hourglass Stop"));
+    EXPECT_THAT(looks, AllOf(Not(IsEmpty()), Each("hourglass Stop")));
     EXPECT_THAT(Row("O/S"), ::testing::EndsWith(" > 4.75 (B03) > 4.75 (B03)")) << Information();
     EXPECT_THAT(Information(), HasSubstr("has ended well"));
     EXPECT_TRUE(Text("lblController").starts_with(each.model)) << Text("lblController");

@@ -35,10 +35,14 @@ struct DownloadVerbs : ::testing::Test {
 
 TEST_F(DownloadVerbs, InfoTellsWhatEachKindOfFileIs) {
   fixture.home.Put("AurexK220v46019.kos", SampleOs("K220-22-R1", {"4.60", 19}));
+  fixture.home.Put("AurexFontv1300.kft", SampleFonts("K220-22-R1", {"1.30", 0}));
+  fixture.home.Put("Q51v4712.OSI", SampleOs("Q51", {"4.71", 2}));
   const std::pair<const char*, const char*> rows[] = {
       {"@hall.dai", "project           Hall 7\nneededOsVersion   460\n"},
       {"@hall.d50", "endsWithReset     true\n"},
       {"@AurexK220v46019.kos", "version           4.60\nbuild             19\n"},
+      {"@AurexFontv1300.kft", "system fonts, Aurex family"},
+      {"@Q51v4712.OSI", "version           4.71\nbuild             2\n"},
   };
   for (const auto& [file, told] : rows) {
     const Result result = fixture.Run(std::string("download info ") + file);
@@ -138,6 +142,8 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
       {"--link sim:K330 download project @hall.d50 --yes", 4, "notFit", "does not know its commands"},
       {"--link sim:Q51 download project @hall.d50 --yes", 1, "notConfirmed", "nobody to ask; --other-model consents"},
       {"--link sim:Q50 download project @hall.d50 --yes --password 1 --backup @b.kdf --stop", 4, "backup", "cannot be"},
+      {"--link sim:Q50 download project @hall.d50 --yes", 5, "differs", "at address 000100 of the project memory",
+       "lie:on=LD,nth=5"},
       {"--link sim:K220-22-R1 download project @hall.dai --yes", 7, "unsure", "its old project is still there",
        "lost:on=block,nth=3,away=60000"},
       {"--link sim:Q50 download project @hall.d50 --yes", 4, "refused", "old project is erased",
