@@ -1,13 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#ifndef _WIN32
-#include <sys/resource.h>
-
-#include <csignal>
-#endif
 
 #include "clone/CloneLines.h"
 #include "tests/clone/CloneFixture.h"
+#include "tests/support/FullDisk.h"
 
 // clang-format off: the tables are laid out by hand
 namespace kv::test {
@@ -164,14 +160,10 @@ TEST(CreateGhost, FailsPlainlyWhenTheFileCannotBeWrittenOrKept) {
   fixture.channel.state = 'S';
 #ifndef _WIN32
   Answer(fixture, "x");
-  rlimit before{};
-  getrlimit(RLIMIT_FSIZE, &before);
-  const rlimit small{20000, before.rlim_max};
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  setrlimit(RLIMIT_FSIZE, &small);
-  fails("room on the disk");
-  setrlimit(RLIMIT_FSIZE, &before);
-  std::signal(SIGXFSZ, handler);
+  {
+    const FullDisk full;
+    fails("room on the disk");
+  }
   EXPECT_LT(fixture.channel.exchanges, 30);  // as soon as it happens
   EXPECT_FALSE(fixture.Exists());
   Answer(fixture, "x");

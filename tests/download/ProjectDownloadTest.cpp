@@ -1,15 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#ifndef _WIN32
-#include <sys/resource.h>
-
-#include <csignal>
-#endif
-
 #include "clone/CloneInfo.h"
 #include "tests/download/ProjectFixture.h"
 #include "tests/support/FakeChannel.h"
+#include "tests/support/FullDisk.h"
 #include "tests/support/MarkdownTables.h"
 #include "tests/support/SilentCloner.h"
 #include "tests/support/WeatherSeeds.h"
@@ -447,22 +442,6 @@ TEST(ProjectDownload, AStopIsMeantOrTheDownloadGoesThrough) {
   }
 }
 
-DownloadOutcome WithFullDisk(const std::function<DownloadOutcome()>& download) {
-#ifdef _WIN32
-  return {.end = DownloadEnd::Failed, .cause = DownloadCause::Backup};
-#else
-  rlimit before{};
-  getrlimit(RLIMIT_FSIZE, &before);
-  const rlimit small{20000, before.rlim_max};
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  setrlimit(RLIMIT_FSIZE, &small);
-  DownloadOutcome outcome = download();
-  setrlimit(RLIMIT_FSIZE, &before);
-  std::signal(SIGXFSZ, handler);
-  return outcome;
-#endif
-}
-
 TEST(ProjectDownload, TakesABackupFirstAndGoesOnOnlyWhenItIsGood) {
   struct Case {
     const char* fault;
@@ -474,7 +453,9 @@ TEST(ProjectDownload, TakesABackupFirstAndGoesOnOnlyWhenItIsGood) {
                        {"refuse:on=GI,code=08", false, ControllerLeft::Untouched},
                        {"lost:nth=30,away=60000", false, ControllerLeft::Stopped},
                        {"somebody", false, ControllerLeft::Untouched},
+#ifndef _WIN32
                        {"full disk", false, ControllerLeft::Untouched},
+#endif
                        {"", false, ControllerLeft::Untouched, kCompact}};
   for (const Case& row : rows) {
     SCOPED_TRACE(row.fault);
@@ -483,15 +464,17 @@ TEST(ProjectDownload, TakesABackupFirstAndGoesOnOnlyWhenItIsGood) {
     const std::filesystem::path file = fixture.folder.Path() / "before.kdf";
     BackupBefore backup(file, {cloner, fixture.answers, fixture.answers, fixture.pacer, fixture.pacer});
     fixture.order.backup = &backup;
+    std::optional<FullDisk> full;
     if (row.fault == std::string("somebody")) {
       fixture.answers.onBox = [&](const std::string& text) {
         if (text.contains("Created Successfully")) fixture.controller->Tell("WDF00300000020102");
       };
-    } else if (row.fault != std::string("full disk") && *row.fault != '\0') {
+    } else if (row.fault == std::string("full disk")) {
+      full.emplace();
+    } else if (*row.fault != '\0') {
       fixture.UseFault(row.fault);
     }
-    const bool isFull = row.fault == std::string("full disk");
-    const DownloadOutcome outcome = isFull ? WithFullDisk([&] { return fixture.Download(); }) : fixture.Download();
+    const DownloadOutcome outcome = fixture.Download();
     EXPECT_EQ(outcome.end == DownloadEnd::Done, row.isGood) << outcome.reason;
     EXPECT_EQ(outcome.cause, row.isGood ? DownloadCause::None : DownloadCause::Backup);
     EXPECT_EQ(outcome.left, row.left);
