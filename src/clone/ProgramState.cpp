@@ -26,6 +26,19 @@ bool IsStartWanted(Prompts& prompts, const std::string& controller, char state) 
                            (warning.empty() ? "" : " ") + "Creating a clone ends with starting its program. Continue?");
 }
 
+MessageBox StopQuestion() {
+  return {.text = "The PLC is about to STOP, Continue?",
+          .title = std::string(kClonerCaption),
+          .icon = PromptIcon::Question,
+          .buttons = PromptButtons::YesNo,
+          .canLose = true};
+}
+
+void ShowCreateQuestions(Prompts& prompts, const std::string& controller, char state) {
+  static_cast<void>(IsStartWanted(prompts, controller, state));
+  if (IsRunningState(state)) static_cast<void>(prompts.Show(StopQuestion()));
+}
+
 void OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer& pacer, const std::string& controller,
                 CloneOutcome& outcome) {
   if (!engine.HasStoppedProgram()) return;

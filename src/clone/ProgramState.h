@@ -16,6 +16,12 @@ namespace kv {
 // create may begin.
 [[nodiscard]] bool IsStartWanted(Prompts& prompts, const std::string& controller, char state);
 
+// Asked when a running program is to stop for the clone; with No it is cloned while it runs.
+[[nodiscard]] MessageBox StopQuestion();
+
+// Shows what a create would ask about a program in this state, for who only wants to know.
+void ShowCreateQuestions(Prompts& prompts, const std::string& controller, char state);
+
 // After a create that failed with the program stopped: offers to start it, also after a stop by the user. `outcome`,
 // that of the create, then says what became of the program.
 void OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer& pacer, const std::string& controller,

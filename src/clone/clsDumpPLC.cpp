@@ -7,6 +7,7 @@
 #include "base/DateText.h"
 #include "clone/CloneFrame.h"
 #include "clone/CloneLines.h"
+#include "clone/ProgramState.h"
 #include "link/LinkLimits.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
@@ -160,12 +161,8 @@ clsDumpPLC::Step clsDumpPLC::StopProgram(Channel& link) {
   if (!isRunning) return std::unexpected(isRunning.error());
   mManifest.wasRunning = *isRunning;
   if (!*isRunning) return {};
-  const PromptAnswer answer = mPrompts.Show({.text = "The PLC is about to STOP, Continue?",
-                                             .title = std::string(kClonerCaption),
-                                             .icon = PromptIcon::Question,
-                                             .buttons = PromptButtons::YesNo,
-                                             .canLose = true});
-  if (answer != PromptAnswer::Yes) return {};  // the clone is then made of the running controller
+  if (mPrompts.Show(StopQuestion()) != PromptAnswer::Yes)
+    return {};  // the clone is then made of the running controller
   if (!link.StopController(link.UnitID())) return LinkFailure(link);
   mHasStoppedProgram = true;
   mManifest.wasRunning = false;

@@ -195,6 +195,9 @@ class ProjectDownload::Run {
 
   Step EndDryRun() {
     if (!mWork.order.isDryRun) return {};
+    if (mWork.order.backup != nullptr) {
+      ShowCreateQuestions(mWork.prompts, mControllerText, mController.info.state);
+    }
     return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
   }
 

@@ -1,6 +1,7 @@
 #include "download/clsAurexOSDownloader.h"
 
 #include "base/PathText.h"
+#include "clone/ProgramState.h"
 #include "clone/RestoreCheck.h"
 #include "deflate/Deflate.h"
 #include "download/DownloadFamily.h"
@@ -230,6 +231,9 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFonts() {
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::EndDryRun() {
   if (!mWork->order.isDryRun) return {};
+  for (const bool isCloned : {mWork->order.backup != nullptr, mChange.NeedsMemorySaved()}) {
+    if (isCloned) ShowCreateQuestions(mContext.questions, ControllerName(), mFound.info.state);
+  }
   return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
 }
 

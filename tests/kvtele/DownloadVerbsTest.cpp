@@ -115,6 +115,8 @@ TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
 TEST_F(DownloadVerbs, AnOsThatLaysOutTheMemoryAnewWantsTwoConsentsMore) {
   fixture.options.osVersion = "3.73";
   const std::string download = "--yes --password 1 download os";
+  EXPECT_THAT(fixture.On("K220-22-R1", download + " --dry-run").err,
+              HasSubstr("about to STOP, Continue? [y/N] yes (--dry-run)"));
   EXPECT_THAT(fixture.On("K220-22-R1", download).err, HasSubstr("--lose-project consents"));
   EXPECT_THAT(fixture.On("K220-22-R1", download + " --lose-project").err, HasSubstr("--lose-values consents"));
   const Result done = fixture.On("K220-22-R1", download + " --lose-project --lose-values");
