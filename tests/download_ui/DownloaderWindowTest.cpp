@@ -378,6 +378,11 @@ TEST_F(DownloaderWindowTest, StopsWhenToldToAndSaysWhatTheControllerIsLeftAs) {
   EXPECT_EQ(Look(), kReadyLook);
   EXPECT_EQ(Text("lblStatus"), "");
 
+  EXPECT_TRUE(Find<QPushButton>(*window, "cmdStart").isVisible());
+  Press("cmdStart");
+  EXPECT_EQ(driver.GetChannel()->GetControllerInfo(1)->state, 'R') << Information();
+  EXPECT_FALSE(Find<QPushButton>(*window, "cmdStart").isVisible());
+
   prompts.no = "about to be replaced";
   Press("cmdDownload");
   EXPECT_THAT(Information(), HasSubstr("was not begun"));

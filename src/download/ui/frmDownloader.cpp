@@ -140,6 +140,7 @@ void frmDownloader::ShowAdvice(const std::string& text) {
   mAdvice->setText(QString::fromStdString(text));
   mAdvice->setVisible(!text.empty());
   mAdviceSign->setVisible(!text.empty());
+  mStart->hide();
 }
 
 DownloadFamily frmDownloader::Family() const {
@@ -162,7 +163,7 @@ void frmDownloader::SetBusy(const QString& why) {
   mWhyBusy = why;
   mIsBusy = !why.isEmpty();
   if (mIsBusy) mFocusBefore = focusWidget();
-  for (QAbstractButton* each : {mGetFile, mDownloadOs, mIdentify, mClose}) Allow(*each, why);
+  for (QAbstractButton* each : {mStart, mGetFile, mDownloadOs, mIdentify, mClose}) Allow(*each, why);
   Allow(*mStop, mIsBusy ? "" : kIdle);
   ShowFamily();
   if (mIsBusy) {

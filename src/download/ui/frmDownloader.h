@@ -112,6 +112,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void ShowPreview(const DownloadPreview& preview);
   void ShowEnding(const char* what, const Ending& ending);
   void StopDownload();
+  void StartProgram();
 
   void SetBusy(const QString& why);  // empty: nothing runs
   [[nodiscard]] CloneWork Watched();
@@ -139,6 +140,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   QLabel* mController = nullptr;
   QLabel* mAdviceSign = nullptr;
   QLabel* mAdvice = nullptr;
+  QPushButton* mStart = nullptr;  // seen beside advice about a program that a download has stopped
   QPushButton* mGetFile = nullptr;
   QPushButton* mDownload = nullptr;
   QPushButton* mDownloadOs = nullptr;

@@ -88,6 +88,9 @@ void frmDownloader::BuildController(QVBoxLayout& page) {
   auto* advice = new QHBoxLayout;
   advice->addWidget(mAdviceSign, 0, Qt::AlignTop);
   advice->addWidget(mAdvice, 1);
+  mStart = AddButton("cmdStart", IconOf("run"), "Start &Program",
+                     "Starts the controller's program again, which was stopped for a download", "Alt+P");
+  advice->addWidget(mStart, 0, Qt::AlignTop);
   page.addWidget(mController);
   page.addLayout(advice);
 }
@@ -192,6 +195,7 @@ void frmDownloader::Connect() {
   connect(mDownload, &QPushButton::clicked, this, [this] { DownloadProject(); });
   connect(mDownloadOs, &QPushButton::clicked, this, [this] { DownloadOs(); });
   connect(mIdentify, &QPushButton::clicked, this, [this] { Identify(); });
+  connect(mStart, &QPushButton::clicked, this, [this] { StartProgram(); });
   connect(mStop, &QPushButton::clicked, this, [this] { StopDownload(); });
   connect(mClose, &QPushButton::clicked, this, [this] { close(); });
   const std::pair<QKeySequence, QPushButton*> keys[] = {

@@ -97,6 +97,29 @@ void frmDownloader::StopDownload() {
   SetStatus("Stopping");
 }
 
+// Its old project is still there. The window holds the line, so another program could not start it.
+void frmDownloader::StartProgram() {
+  const std::string question = "The program of the controller (" + mController->text().toStdString() +
+                               ") was stopped for a download. Start it again now?";
+  if (mServices.prompts.Show({.text = question,
+                              .title = std::string(kDownloaderCaption),
+                              .icon = PromptIcon::Exclamation,
+                              .buttons = PromptButtons::YesNo,
+                              .canLose = true}) != PromptAnswer::Yes) {
+    return;
+  }
+  SetBusy("The controller's program is being started.");
+  const auto link = mServices.shared.ComDriver->GetChannel();
+  const bool isStarted = link && link->RunController(link->UnitID());
+  SetBusy({});
+  if (!isStarted) {
+    const LinkError& error = link ? link->LastError() : mServices.shared.ComDriver->LastError();
+    return Say("Starting the program has failed.\n" + error.Text());
+  }
+  Say("The controller's program has been started again.");
+  Identify();
+}
+
 void frmDownloader::DownloadProject() {
   if (!mFile || Family() == DownloadFamily::Colour) return;
   const ProjectFile file = *mFile;
@@ -199,6 +222,7 @@ void frmDownloader::ShowEnding(const char* what, const Ending& ending) {
   const bool isDone = outcome.end == DownloadEnd::Done && outcome.left != ControllerLeft::ProjectWaits;
   const bool isSafe = isDone || outcome.left == ControllerLeft::Untouched;
   ShowAdvice(isSafe ? "" : left);
+  mStart->setVisible(outcome.left == ControllerLeft::Stopped || outcome.left == ControllerLeft::ProjectBegun);
   if (!ending.review) return;
   mSides->ShowSides(Shown(ending.review->before), mThen, Shown(ending.review->after));
 }
