@@ -55,9 +55,11 @@ std::expected<CompactProjectFile, DownloadFileError> ParseCompactProject(std::st
   }
   if (!HasDownloadPair(*lines)) return faults.NotLegal("expected a line \"DE\" with a line \"DI\" behind it");
   for (std::size_t i = 0; i < lines->size(); ++i) {
-    if (i < kCompactProjectHeadLines ? (*lines)[i].size() <= kMaxFrameText : FitsFrame((*lines)[i])) continue;
+    const bool isHead = i < kCompactProjectHeadLines;
+    if (isHead ? (*lines)[i].size() <= kMaxFrameText : FitsFrame((*lines)[i])) continue;
+    const std::string most = std::to_string(kMaxFrameText) + " characters";
     return faults.Damaged(LineError{.line = i + 1}.Place(),
-                          "expected 1 to " + std::to_string(kMaxFrameText) + " characters that a frame can carry");
+                          isHead ? "expected at most " + most : "expected 1 to " + most + " that a frame can carry");
   }
   CompactProjectFile project;
   project.name = ShownText((*lines)[0]);

@@ -151,6 +151,8 @@ TEST(DownloadFiles, ThatAreNotRightAreRefusedWithTheReason) {
       {"a.d50", std::string(300'000, '\n'), Fault::NotLegal, "200000 lines"},
       {"a.d50", std::string(10 << 20, 'x'), Fault::NotLegal, "signature"},
       {"a.d50", std::string(17 << 20, 'x'), Fault::NotLegal, "larger than any"},
+      {"a.d50", Scrambled({std::string(1101, 'n'), "Q50", sign, "DE", "DI"}), Fault::Damaged,
+       "line 1: expected at most"},
       {"a.d50", Scrambled({"n", "Q50", sign, "DE", "DI", "", "CCE"}), Fault::Damaged, "line 6: expected 1 to 1100"},
       {"a.d50", Scrambled({"n", "Q50", sign, "DE", "DI", "L\xC4"}), Fault::Damaged, "line 6"},
       {"a.d50", Scrambled({"n", "Q50", sign, "DE", "DI", std::string(1101, 'x')}), Fault::Damaged, "line 6"},
