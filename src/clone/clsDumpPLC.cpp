@@ -122,7 +122,9 @@ std::expected<clsDumpPLC::Segments, CloneOutcome> clsDumpPLC::ReadSegmentTable(C
       {.text = "Enter Password Up To 8 Chars", .title = std::string(kClonerCaption), .initial = "", .secret = true});
   if (!entered && IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
   std::string password = Utf8ToAnsi(entered.value_or(""));
-  if (password.empty()) return Failure(CloneCause::Password, "No password was given.");
+  if (password.empty())
+    return Failure(CloneCause::Password,
+                   "No password was given. A controller without a password takes any text, but not none.");
   if (password.size() > kLongestPassword) {
     return Failure(CloneCause::Password,
                    "The password that was given has more than " + std::to_string(kLongestPassword) + " characters.");
@@ -161,8 +163,10 @@ clsDumpPLC::Step clsDumpPLC::StopProgram(Channel& link) {
   if (!isRunning) return std::unexpected(isRunning.error());
   mManifest.wasRunning = *isRunning;
   if (!*isRunning) return {};
-  if (mPrompts.Show(StopQuestion()) != PromptAnswer::Yes)
+  if (mPrompts.Show(StopQuestion()) != PromptAnswer::Yes) {
+    if (mEndsUnlessStopped) return std::unexpected(CloneOutcome::OfStop());
     return {};  // the clone is then made of the running controller
+  }
   if (!link.StopController(link.UnitID())) return LinkFailure(link);
   mHasStoppedProgram = true;
   mManifest.wasRunning = false;

@@ -69,6 +69,10 @@ class clsDumpPLC {
   // the same controller; what that leaves out of account is the caller's business.
   void TakeAnyOs() { mTakesAnyOs = true; }
 
+  // Of a create that is written back later: where the program may not be stopped for it, it ends. Else it is then made
+  // of a memory that changes.
+  void EndUnlessStopped() { mEndsUnlessStopped = true; }
+
   // Of a restore: the lines are sent for this unit instead of the one that they were made for. The file stays as it is.
   void UseUnit(std::uint8_t unit) { mUnit = unit; }
 
@@ -141,6 +145,7 @@ class clsDumpPLC {
   Sha256 mSegmentDigest;  // of the segment that is being read
   bool mIsStopped = false;
   bool mTakesAnyOs = false;
+  bool mEndsUnlessStopped = false;
   bool mHasStoppedProgram = false;  // and not started it again
   bool mWasStartedMeanwhile = false;
 

@@ -70,6 +70,7 @@ SavedMemory::Step SavedMemory::Save(Channel& link, const FoundController& contro
   WithoutOs window(mContext.window);
   clsDumpPLC engine(window, mContext.cloner, mContext.pacer, mContext.clock);
   engine.TakeAnyOs();
+  engine.EndUnlessStopped();
   safe.Create(engine, mContext.cloner, link, {[this] { return mContext.pacer.StopRequested(); }, {}});
   if (safe.Outcome().end == CloneEnd::Done) {
     mFile = *file;

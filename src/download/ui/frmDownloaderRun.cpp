@@ -220,9 +220,11 @@ void frmDownloader::ShowEnding(const char* what, const Ending& ending) {
   Say(text);
   mServices.shared.Remote->StatusMessage(text);
   const bool isDone = outcome.end == DownloadEnd::Done && outcome.left != ControllerLeft::ProjectWaits;
-  const bool isSafe = isDone || outcome.left == ControllerLeft::Untouched;
-  ShowAdvice(isSafe ? "" : left);
-  mStart->setVisible(outcome.left == ControllerLeft::Stopped || outcome.left == ControllerLeft::ProjectBegun);
+  // What stood there of a controller that was not touched still holds.
+  if (isDone || outcome.left != ControllerLeft::Untouched) {
+    ShowAdvice(isDone ? "" : left);
+    mStart->setVisible(outcome.left == ControllerLeft::Stopped || outcome.left == ControllerLeft::ProjectBegun);
+  }
   if (!ending.review) return;
   mSides->ShowSides(Shown(ending.review->before), mThen, Shown(ending.review->after));
 }
