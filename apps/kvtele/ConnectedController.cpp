@@ -55,10 +55,12 @@ OrFailure<std::unique_ptr<ConnectedController>> ConnectedController::Open(Enviro
   std::unique_ptr<ConnectedController> connected(
       new ConnectedController(environment, common, std::move(*driver), choice->settings));
   // A link that never came about is the failure itself; who called meanwhile is news in any case.
+  connected->TellOtherSpeed(environment);
   connected->mDriver->OnComMessage = [&err = environment.err](const std::string& message) {
     if (message.starts_with(kCallerDropped)) err << message << "\n" << std::flush;
   };
   if (const auto reached = connected->Reach(reaching); !reached) return std::unexpected(reached.error());
+  connected->TellOtherSpeed(environment);
   connected->mDriver->OnComMessage = [&err = environment.err](const std::string& message) { err << message << "\n"; };
   connected->mModel = ModelOfIdentification(AnsiToUtf8(connected->mVersion.model));
   if (common.model.empty()) return connected;
@@ -97,6 +99,13 @@ OrFailure<void> ConnectedController::Reach(Reaching reaching) {
   if (!version) return std::unexpected(LinkFailure(first, false));
   mVersion = *version;
   return {};
+}
+
+void ConnectedController::TellOtherSpeed(Environment& environment) const {
+  const int now = mChannel->GetComParams().baudRate;
+  const int usual = mDriver->UsualBaudRate();
+  if (now == usual) return;
+  environment.err << "Nobody answers at " << usual << " baud. The controller was found at " << now << " baud.\n";
 }
 
 }  // namespace kv::cli

@@ -54,6 +54,7 @@ class ConnectedController {
                       LinkSettings settings);
 
   [[nodiscard]] OrFailure<void> Reach(Reaching reaching);
+  void TellOtherSpeed(Environment& environment) const;
 
   ConsolePrompts mPrompts;
   PromptedPassword mPassword;

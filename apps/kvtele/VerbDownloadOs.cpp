@@ -124,6 +124,7 @@ class OsDownload {
 
   [[nodiscard]] const DownloadOrder& Order() {
     mOrder.link = mController->Description();
+    mOrder.usualBaudRate = mController->Driver().UsualBaudRate();
     mOrder.isDryRun = mFlags.isDryRun;
     mOrder.backup = mBackup->Backup();
     mOrder.promptsOf = [this](DownloadQuestion question) -> Prompts& { return mWindow.PromptsOf(question); };

@@ -63,7 +63,7 @@ const char* VerbIdentify::Examples() const {
 }
 
 VerbResult VerbIdentify::Run(Environment& environment, const CommonOptions& common) {
-  const auto connected = ConnectedController::Open(environment, common);
+  const auto connected = ConnectedController::Open(environment, common, ConnectedController::Reaching::AtAnySpeed);
   if (!connected) return std::unexpected(connected.error());
   ConnectedController& controller = **connected;
   const auto info = controller.AskInfo();

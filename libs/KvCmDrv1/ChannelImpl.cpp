@@ -29,11 +29,6 @@ Duration OpenLimit(const LinkSettings& settings) {
   return 1s;
 }
 
-// Other links go as fast as they go, whatever speed a tool asks for.
-bool HasRate(const LinkSettings& settings) {
-  return settings.transport == Transport::Serial || settings.transport == Transport::Modem;
-}
-
 // The name of serial port `number`, beside the one in the settings: COM3 -> COM5, /dev/ttyS3 -> /dev/ttyS5.
 std::string WithPortNumber(std::string name, int number) {
   while (!name.empty() && name.back() >= '0' && name.back() <= '9') name.pop_back();

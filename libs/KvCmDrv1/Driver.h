@@ -10,6 +10,7 @@
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/DriverDialogs.h"
 #include "KvCmDrv1/LinkSettings.h"
+#include "KvCmDrv1/LinkText.h"
 #include "KvCmDrv1/LinkTrial.h"
 #include "KvCmDrv1/Trace.h"
 #include "KvCmDrv1/ports/PortFactory.h"
@@ -46,6 +47,7 @@ class Driver final : public CommDriver {
   void CloseDriver() override;
   [[nodiscard]] std::string LinkDescription() const override;
   [[nodiscard]] std::optional<std::uint32_t> TiedSerialNumber() const override { return Settings().serialNumber; }
+  [[nodiscard]] int UsualBaudRate() const override { return HasRate(mSettings) ? mSettings.baudRate : 0; }
   [[nodiscard]] std::string DescribeSession(const SessionLink& session) const override;
   void ComParamsCaller(const std::string& caller) override { mCaller = caller; }
   void ShowComParams() override;

@@ -246,6 +246,10 @@ std::string PrintFraming(const SerialFraming& framing) {
          std::to_string(framing.stopBits);
 }
 
+bool HasRate(const LinkSettings& settings) {
+  return settings.transport == Transport::Serial || settings.transport == Transport::Modem;
+}
+
 std::string DescribeLine(const LinkSettings& settings) {
   const std::string serial =
       settings.serialPort + ", " + std::to_string(settings.baudRate) + " " + PrintFraming(settings.framing);

@@ -24,6 +24,9 @@ namespace kv {
 [[nodiscard]] std::expected<SerialFraming, std::string> ParseFraming(std::string_view text);
 [[nodiscard]] std::string PrintFraming(const SerialFraming& framing);
 
+// Whether it has a speed. Other links go as fast as they go, whatever speed a tool asks for.
+[[nodiscard]] bool HasRate(const LinkSettings& settings);
+
 // For people: "COM3, 115200 8N1", "192.168.1.20:20300", "Simulated K220-22-R1".
 [[nodiscard]] std::string DescribeLine(const LinkSettings& settings);
 // The same with ", unit 1" behind it, where there are units.

@@ -31,6 +31,13 @@ constexpr bool IsPxOrPr(CompactKind kind) {
   return kind == CompactKind::PX1 || kind == CompactKind::PR1;
 }
 
+constexpr std::string_view kErase = "OSE0";            // of a Q50, Q51 and Q58
+constexpr std::string_view kEraseOfPxAndPr = "OSC7F";  // and BRIO
+
+bool IsErase(std::string_view command) {
+  return command == kErase || command == kEraseOfPxAndPr;
+}
+
 // A command that nobody answered may have been executed all the same.
 bool IsInDoubt(const DownloadOutcome& outcome) {
   const LinkError& error = outcome.link;
@@ -57,15 +64,17 @@ std::string BlockCommand(CompactKind kind, const Bytes& image, std::size_t place
 
 }  // namespace
 
-CompactBootLoader::CompactBootLoader(DownloadWork& work, CompactKind kind)
-    : mWork(work), mKind(kind), mUsual(work.link.GetComParams()), mPort(work.link.CommPort()) {}
+CompactBootLoader::CompactBootLoader(DownloadWork& work, CompactKind kind, int usualBaud)
+    : mWork(work), mKind(kind), mNow(work.link.GetComParams()), mUsual(mNow), mPort(work.link.CommPort()) {
+  if (usualBaud > 0 && mNow.baudRate > 0) mUsual.baudRate = usualBaud;
+}
 
 CompactBootLoader::Step CompactBootLoader::Enter() {
   for (int i = 0; i < 2; ++i) {
-    if (Step stopped = Tell("CCS", Stopped); !stopped) return stopped;
+    if (Step stopped = TellAnswered("CCS", Stopped); !stopped) return stopped;
     mWork.pacer.Sleep(kAfterStop);
   }
-  if (Step entered = Tell("CCB", BootLoaderPerhaps); !entered && !HasEntered(entered.error())) return entered;
+  if (Step entered = TellAnswered("CCB", BootLoaderPerhaps); !entered && !HasEntered(entered.error())) return entered;
   mWork.left = BootLoader;
   if (mKind == CompactKind::PR1 && !ReopenLater()) return LinkFailure();
   return {};
@@ -80,11 +89,11 @@ bool CompactBootLoader::HasEntered(const DownloadOutcome& failure) {
 
 CompactBootLoader::Step CompactBootLoader::AgreeOnSpeed() {
   // Their boot loaders keep the speed at which they are spoken to, so a link that stands needs no other one.
-  if (IsPxOrPr(mKind) && mWork.link.SetComParams(mUsual)) return {};
+  if (IsPxOrPr(mKind) && mWork.link.SetComParams(mNow)) return {};
   if (mKind == CompactKind::Q50) return TellSpeed("CB0A", kFastBaud);
-  ComParams agreeing = mUsual;
+  ComParams agreeing = mNow;
   agreeing.mode = 1;
-  if (!mWork.link.SetComParams(agreeing) || !mWork.link.OpenLink(mPort, mUsual.baudRate)) return LinkFailure();
+  if (!mWork.link.SetComParams(agreeing) || !mWork.link.OpenLink(mPort, mNow.baudRate)) return LinkFailure();
   return IsPxOrPr(mKind) ? TellSpeed("CPSR0007", kSlowBaud) : TellSpeed("CPSR010A", kFastBaud);
 }
 
@@ -94,12 +103,12 @@ CompactBootLoader::Step CompactBootLoader::TellSpeed(const std::string& command,
   if (!told && !IsInDoubt(told.error())) return told;
   if (!UseSpeed(baudRate)) return LinkFailure();
   if (told || Ask("ID")) return {};
-  static_cast<void>(mWork.link.SetComParams(mUsual));  // it has never left its old speed, or is gone
+  static_cast<void>(mWork.link.SetComParams(mNow));  // it has never left its old speed, or is gone
   return told;
 }
 
 bool CompactBootLoader::UseSpeed(int baudRate) {
-  ComParams fields = mUsual;
+  ComParams fields = mNow;
   fields.baudRate = baudRate;
   return mWork.link.SetComParams(fields) && mWork.link.OpenLink(mPort, baudRate);
 }
@@ -119,13 +128,13 @@ CompactBootLoader::Step CompactBootLoader::EraseFlash() {
 }
 
 CompactBootLoader::Step CompactBootLoader::StartErase() {
-  if (!IsPxOrPr(mKind)) return Tell("OSE0", BootLoaderErased);
+  if (!IsPxOrPr(mKind)) return Tell(std::string(kErase), BootLoaderErased);
   const ComParams fields = mWork.link.GetComParams();
   if (!mWork.link.SetComParams(fields)) return LinkFailure();
   const int timeOut = mWork.link.TimeOut();
   const ScopeGuard restored([this, timeOut] { mWork.link.SetTimeOut(timeOut); });
   mWork.link.SetTimeOut(kEraseTimeOut);
-  Step erasing = Tell("OSC7F", BootLoaderErased);
+  Step erasing = Tell(std::string(kEraseOfPxAndPr), BootLoaderErased);
   if (erasing && !mWork.link.SetComParams(fields)) return LinkFailure();
   return erasing;
 }
@@ -178,13 +187,19 @@ CompactBootLoader::Step CompactBootLoader::Reset() {
   return {};
 }
 
-void CompactBootLoader::FindOutWhatIsLeft(const std::string& newOs) {
+void CompactBootLoader::FindOutWhatIsLeft(const std::string& oldOs, const std::string& newOs) {
   if (mWork.left == Untouched) return;
   const StopScope asking(mWork.pacer);  // a stop ended the download, not this question
-  const auto found = FindAnywhere();
-  if (!found) return;
   const ControllerLeft before = mWork.left;
-  const bool mayBeNew = before == BootLoaderErased || before == OsWaits || before == OsPerhaps;
+  const auto found = FindAnywhere();
+  // A boot loader and its O/S have different names. Who was found in the one and has lost its power is another one, to
+  // the driver.
+  const bool isOther = !found && mWork.link.LastError().code == LinkErrorCode::OtherController;
+  if (isOther) mWork.left = before == OsWaits || before == OsPerhaps ? OsPerhaps : BootLoaderPerhaps;
+  if (!found) return;
+  // An O/S with the number of the old one is the new one only when all of it is known to have been programmed.
+  const bool isProgrammed = before == OsWaits || before == OsPerhaps;
+  const bool mayBeNew = isProgrammed || (before == BootLoaderErased && oldOs != newOs);
   switch (found->info.state) {
     case 'R':
       mWork.left = mayBeNew && found->OsText() == newOs ? NewOs : before == Stopped ? Untouched : OldOs;
@@ -214,7 +229,7 @@ std::optional<FoundController> CompactBootLoader::FindAnywhere() {
   bool isThere = IsAnswering(link);
   if (!isThere && now != mUsual && link.SetComParams(mUsual)) {
     isThere = IsAnswering(link);
-    if (!isThere) static_cast<void>(link.SetComParams(now));
+    if (!isThere && link.LastError().code != LinkErrorCode::OtherController) static_cast<void>(link.SetComParams(now));
   }
   auto found = isThere ? FindController(link) : std::unexpected(link.LastError());
   return found ? std::optional(*std::move(found)) : std::nullopt;
@@ -224,17 +239,26 @@ CompactBootLoader::Reply CompactBootLoader::Ask(const std::string& command, Cont
   for (bool isRepeated = false;; isRepeated = true) {
     if (Step goesOn = mWork.StopPoint(); !goesOn) return std::unexpected(std::move(goesOn.error()));
     std::string data;
-    Step done = mWork.Do(then, [&]() -> Step {
-      const auto reply = mWork.Send(command);
-      if (!reply) return std::unexpected(reply.error());
-      data = reply->Data();
-      return {};
-    });
+    const auto exchange = [&] {
+      return mWork.Do(then, [&]() -> Step {
+        const auto reply = mWork.Send(command);
+        if (!reply) return std::unexpected(reply.error());
+        data = reply->Data();
+        return {};
+      });
+    };
+    // Then busy means that the first one was executed, and is at work.
+    const bool mayErase = isRepeated && IsErase(command);
+    const Step done = mayErase ? exchange() : mWork.WhileBusy(exchange);
     if (done) return data;
-    // It was executed the first time, and is still at work.
-    if (isRepeated && done.error().link.code == LinkErrorCode::Busy) return "OK";
-    if (!mWork.GoesOnAfter(done.error())) return std::unexpected(std::move(done.error()));
+    if (mayErase && done.error().link.code == LinkErrorCode::Busy) return "OK";
+    if (!mWork.GoesOnAfter(done.error())) return std::unexpected(done.error());
   }
+}
+
+CompactBootLoader::Step CompactBootLoader::TellAnswered(const std::string& command, ControllerLeft then) {
+  const Reply data = Ask(command, then);
+  return data ? Step() : std::unexpected(data.error());
 }
 
 CompactBootLoader::Step CompactBootLoader::Tell(const std::string& command, ControllerLeft then) {

@@ -24,8 +24,8 @@ class CompactBootLoader {
  public:
   using Step = DownloadWork::Step;
 
-  // The link has the parameters now to which it comes back in the end.
-  CompactBootLoader(DownloadWork& work, CompactKind kind);
+  // The controller answers at the speed that the link has now, and listens at `usualBaud` when it has restarted.
+  CompactBootLoader(DownloadWork& work, CompactKind kind, int usualBaud);
 
   // Stops the program and enters the boot loader.
   [[nodiscard]] Step Enter();
@@ -40,8 +40,8 @@ class CompactBootLoader {
   [[nodiscard]] Step Reset();
 
   // Asks the controller what it is left as, where only it knows: it may have restarted by itself, or not have heard the
-  // last command. `newOs` is what it reports with the O/S of the file.
-  void FindOutWhatIsLeft(const std::string& newOs);
+  // last command. `oldOs` is what it reported before, `newOs` what it reports with the O/S of the file.
+  void FindOutWhatIsLeft(const std::string& oldOs, const std::string& newOs);
   // What is to be known of the link's speed when the download ends before the reset; empty when it has not changed.
   [[nodiscard]] std::string SpeedText() const;
 
@@ -57,6 +57,8 @@ class CompactBootLoader {
   // Asks again and again until the data begin with `ready`. Those that begin with `failed` are a failure, and so are 31
   // others.
   [[nodiscard]] Step Poll(const std::string& question, std::string_view ready, std::string_view failed, Duration pause);
+  // The same for one of which every answer is as good as an OK.
+  [[nodiscard]] Step TellAnswered(const std::string& command, ControllerLeft then);
   [[nodiscard]] bool HasEntered(const DownloadOutcome& failure);
   [[nodiscard]] Step StartErase();
   [[nodiscard]] Step WriteBlock(const std::string& command);
@@ -69,7 +71,8 @@ class CompactBootLoader {
 
   DownloadWork& mWork;
   CompactKind mKind;
-  ComParams mUsual;  // of the link
+  ComParams mNow;    // of the link, until the boot loader's speed is agreed
+  ComParams mUsual;  // after the restart
   int mPort;
 };
 

@@ -24,7 +24,8 @@ std::expected<CompactOsHead, DownloadFileError> ParseHead(std::string_view bytes
   const bool isImage = bytes.size() >= kHead && bytes.starts_with(kMagic) && bytes[7] == 'v';
   if (!isImage) return faults.NotLegal("expected an O/S image, which begins with \"KOSI\", a model and \"v\"");
   const auto name = CompactOsNameIn(std::string(bytes.substr(4, 8)) + ".OSI");
-  if (!name)
+  // A file's name is taken in either case; a boot loader compares its head as it is.
+  if (!name || name->model != bytes.substr(4, 3))
     return faults.NotLegal("expected the model Q50, Q51, Q58, PX1 or PR1 and four digits of a version at byte 4");
   return CompactOsHead{name->model, name->number, ShownText(bytes.substr(20, 44))};
 }

@@ -28,6 +28,7 @@ bool clsBrioQ50OSDownloader::DownloadOS(Channel& link, const DownloadOrder& orde
     mWindow.SetStatus("");
   });
   link.SetLinkBusy(true);
+  mUsualBaud = order.usualBaudRate > 0 ? order.usualBaudRate : link.GetComParams().baudRate;
   mWork.emplace(link, mWindow, mPrompts, mPacer, order);
   const Step done = RunSteps();
   mOutcome = done ? DownloadOutcome{.left = mWork->left} : done.error();
@@ -222,7 +223,8 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::CheckStillSame() {
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EnterBootLoader() {
-  mBoot.emplace(*mWork, mController.kind);
+  // One whose O/S runs is at its usual speed, wherever it was found.
+  mBoot.emplace(*mWork, mController.kind, mController.isInBoot ? mUsualBaud : 0);
   if (mController.isInBoot) {
     mWork->left = ControllerLeft::BootLoaderAsFound;
     return {};
@@ -305,7 +307,7 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Refuse(DownloadCause cause,
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ShowFailure(Step step, const std::string& text) {
   if (step) return step;
-  mBoot->FindOutWhatIsLeft(*FileSide().os);
+  mBoot->FindOutWhatIsLeft(mFound.OsText(), *FileSide().os);
   step.error().left = mWork->left;
   if (const std::string speed = mBoot->SpeedText(); !speed.empty()) step.error().reason += "\n" + speed;
   if (step.error().end != DownloadEnd::Stopped) Tell(text, PromptIcon::Exclamation);

@@ -94,6 +94,7 @@ class clsBrioQ50OSDownloader {
   std::optional<std::filesystem::path> mGiven;
 
   std::optional<DownloadWork> mWork;
+  int mUsualBaud = 0;  // of the link; 0 when it has no speed
   CompactController mController;
   FoundController mFound;
   std::filesystem::path mChosen;

@@ -48,6 +48,9 @@ class CommDriver {
   // The only controller that the link's settings allow; nothing when any may answer.
   [[nodiscard]] virtual std::optional<std::uint32_t> TiedSerialNumber() const { return std::nullopt; }
 
+  // The speed in the link's settings, whatever a tool has set the channel to since; 0 on a link without one.
+  [[nodiscard]] virtual int UsualBaudRate() const { return 0; }
+
   // The description of another session's link, as its settings stand; nothing is opened.
   [[nodiscard]] virtual std::string DescribeSession(const SessionLink& session) const = 0;
 

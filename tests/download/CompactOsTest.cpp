@@ -6,6 +6,7 @@
 #include "KvCmDrv1/ports/SimulatedPort.h"
 #include "download/clsBrioQ50OSDownloader.h"
 #include "tests/support/MarkdownTables.h"
+#include "tests/support/WeatherSeeds.h"
 
 namespace kv::test {
 namespace {
@@ -19,18 +20,18 @@ const std::string kAsked = "O/S Downloader: Note that the download O/S process w
 const std::string kSucceeded = "O/S Downloader: O/S Download Succeded!";
 const std::string kEraseFailed = "O/S Downloader: Error during FLASH erase! Operation failed.";
 constexpr int kUsualBaud = 115200;
-constexpr int kSeeds = 100;
 
 // A compact controller on a serial line that garbles what is sent at the wrong speed, or on one without a speed.
 struct CompactOsFixture {
   explicit CompactOsFixture(sim::SimulatorOptions options, bool isSerial = true) {
     options.memorySeed = 1;
-    options.baud = kUsualBaud;
+    if (options.baud == 0) options.baud = kUsualBaud;
     auto watched = std::make_unique<WatchedController>(sim::Controller::Create(options).value());
     controller = watched.get();
     simulated = sim::SimulatedController::CreateAround(std::move(watched), options).value();
     settings.transport = isSerial ? Transport::Serial : Transport::Simulated;
     settings.serialPort = "COM3";
+    settings.baudRate = options.baud;
     settings.timeOut = 300ms;
     const std::pair<const char*, const char*> samples[] = {
         {"OS50", "Q50"}, {"OS51", "Q51"}, {"OS51", "Q58"}, {"OSPX", "PX1"}, {"OSPR", "PR1"}};
@@ -62,26 +63,28 @@ struct CompactOsFixture {
     return isDone;
   }
   // As a user does it later, from a program that knows the usual speed alone.
-  bool DownloadAgain() {
+  bool DownloadAgain(const DownloadOrder& order = {}) {
     EXPECT_TRUE(simulated->UseFaults({}));
     controller->onText = nullptr;
     driver.CloseDriver();
     pacer.Sleep(70s);
-    return Download();
+    return Download(order);
   }
   // What the controller was told, the blocks of the image as one.
   std::string Told() const {
     std::string all;
     for (const std::string& text : controller->told) {
       const bool isBlock = text.size() > 100;
-      const std::string word = isBlock ? text.substr(0, text.starts_with("FW") ? 2 : 3) : text;
+      const std::string word = isBlock ? text.substr(0, text.starts_with("FW") ? 2 : 4) : text;
       if (!isBlock || !all.ends_with(" " + word)) all += " " + word;
     }
     return all.substr(std::min<std::size_t>(1, all.size()));
   }
   void AnswerTo(const std::string& command, const std::string& reply) {
-    controller->onText = [=](std::string_view text, sim::TextReply& told) {
-      if (text.starts_with(command)) told.text = reply;
+    controller->onText = [=, this](std::string_view text, sim::TextReply& told) {
+      if (!text.starts_with(command)) return;
+      told.text = reply;
+      ++answers;
     };
   }
 
@@ -99,6 +102,7 @@ struct CompactOsFixture {
                   return port;
                 }};
   DownloadOutcome outcome;
+  int answers = 0;  // of AnswerTo
 };
 
 sim::SimulatorOptions Plc(const std::string& model, const std::string& os = "", bool boot = false) {
@@ -118,11 +122,11 @@ TEST(CompactOs, EveryModelGetsItsOwnOnEveryKindOfLine) {
   const Row rows[] = {
       {"Q50", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE", 1s},
       {"Q50Net", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE", 1s},
-      {"Q51", "CCS CCS CCB CPSR010A FS05 OSE0 OSP CCE", 1s},
-      {"Q58", "CCS CCS CCB CPSR010A FS05 OSE0 OSP CCE", 1s},
-      {"PX1", "CCS CCS CCB FS05 OSC7F OSP CCE", 1s},
-      {"PR1", "CCS CCS CCB FS05 OSC7F OSP CCE", 1s + 2 * 4000ms + 5000ms},
-      {"BRIO", "CCS CCS CCB FS05 OSC7F OSP CCE", 1s},
+      {"Q51", "CCS CCS CCB CPSR010A FS05 OSE0 OSP0 CCE", 1s},
+      {"Q58", "CCS CCS CCB CPSR010A FS05 OSE0 OSP0 CCE", 1s},
+      {"PX1", "CCS CCS CCB FS05 OSC7F OSP0 CCE", 1s},
+      {"PR1", "CCS CCS CCB FS05 OSC7F OSP0 CCE", 1s + 2 * 4000ms + 5000ms},
+      {"BRIO", "CCS CCS CCB FS05 OSC7F OSP0 CCE", 1s},
   };
   for (const Row& row : rows) {
     for (const bool isSerial : {true, false}) {
@@ -207,14 +211,15 @@ TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
     const char* reply;
     const char* box;
     ControllerLeft left;
+    int questions;
     Duration atLeast;
   };
   const Row rows[] = {
-      {"FI", "FI50", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoader, 0s},
-      {"FI", "FI10", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoader, 15500ms},
-      {"OSS", "OS20", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderErased, 0s},
-      {"OSS", "OS11", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderErased, 31s},
-      {"OSP00080", "OSNO", "O/S Download Failed!", ControllerLeft::BootLoaderErased, 0s},
+      {"FI", "FI50", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoader, 1, 0s},
+      {"FI", "FI10", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoader, 31, 15500ms},
+      {"OSS", "OS20", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderErased, 1, 0s},
+      {"OSS", "OS11", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderErased, 31, 31s},
+      {"OSP00080", "OSNO", "O/S Download Failed!", ControllerLeft::BootLoaderErased, 1, 0s},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.command) + " " + row.reply);
@@ -224,6 +229,7 @@ TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
     EXPECT_FALSE(fixture.Download());
     EXPECT_THAT(fixture.desk.said, ElementsAre(kAsked, "O/S Downloader: " + std::string(row.box)));
     EXPECT_EQ(fixture.outcome.left, row.left);
+    EXPECT_EQ(fixture.answers, row.questions);
     EXPECT_GE(fixture.pacer.Now() - start, row.atLeast);
     EXPECT_LE(fixture.pacer.Now() - start, row.atLeast + 8s);
     EXPECT_TRUE(fixture.DownloadAgain()) << OutcomeText(fixture.outcome);
@@ -262,6 +268,47 @@ TEST(CompactOs, AStopInTheMiddleIsAskedAbout) {
   }
 }
 
+TEST(CompactOs, ABusyControllerIsToldAgainUntilItHasTakenIt) {
+  CompactOsFixture fixture(Plc("Q51"));
+  int tries = 0;
+  fixture.controller->onText = [&](std::string_view text, sim::TextReply& told) {
+    if (text == "CCS" || text == "CCB") told.text = "CCGO";  // as good as an OK
+    if (!text.starts_with("OSP00040") || ++tries > 3) return;
+    told.text = "OSERROR0A";
+    if (tries == 1) fixture.pacer.RequestStop();
+  };
+  fixture.desk.answer = [](const MessageBox& box) {
+    return box.text.starts_with("Stop ") ? PromptAnswer::No : Consent(box.buttons);
+  };
+  EXPECT_TRUE(fixture.Download()) << OutcomeText(fixture.outcome);
+  EXPECT_EQ(tries, 4);
+}
+
+// A boot loader is found at a speed of its own, which is not the one that the user has set.
+TEST(CompactOs, GoesBackToTheSpeedThatTheUserHasSet) {
+  for (const bool isFoundBefore : {false, true}) {
+    sim::SimulatorOptions options = Plc("Q51");
+    options.baud = 38400;
+    CompactOsFixture fixture(options);
+    fixture.AnswerTo("OSS", "OS20");
+    EXPECT_FALSE(fixture.Download());
+    EXPECT_EQ(fixture.Link()->GetVersionInfo(1), std::nullopt) << "it is deaf at its usual speed";
+    if (isFoundBefore) fixture.settings.baudRate = 57600;
+    EXPECT_TRUE(fixture.DownloadAgain({.usualBaudRate = isFoundBefore ? 38400 : 0})) << OutcomeText(fixture.outcome);
+    EXPECT_EQ(fixture.driver.GetChannel()->GetComParams().baudRate, 38400);
+  }
+}
+
+// The same O/S again, and the power fails before the old one is erased.
+TEST(CompactOs, AnOsOfTheSameNumberIsNoNewOne) {
+  sim::SimulatorOptions options = Plc("Q51", "4.71");
+  options.osBuild = 2;
+  CompactOsFixture fixture(options);
+  EXPECT_TRUE(fixture.simulated->UseFaults({"reset:on=OS,nth=1"}));
+  EXPECT_FALSE(fixture.Download());
+  EXPECT_EQ(fixture.outcome.left, ControllerLeft::OldOs);
+}
+
 TEST(CompactOs, AnApplicationGoesFromOneControllerIntoAnother) {
   CompactOsFixture from(Plc("Q51"), false);
   CompactOsFixture to(Plc("Q51"), false);
@@ -296,9 +343,16 @@ void CheckLeft(CompactOsFixture& fixture) {
     std::string_view then;  // when it has been switched off and on; empty: that is no way out
   };
   using enum ControllerLeft;
-  const Row rows[] = {{Untouched, "r", ""},    {OldOs, "r", ""},       {Stopped, "Sr", ""},
-                      {BootLoader, "Br", "r"}, {NewOs, "n", ""},       {BootLoaderPerhaps, "SBr", "r"},
-                      {OsWaits, "B", "n"},     {OsPerhaps, "Bn", "n"}, {BootLoaderErased, "B", ""}};
+  const Row rows[] = {{Untouched, "rB", ""},
+                      {OldOs, "r", ""},
+                      {Stopped, "Sr", ""},
+                      {BootLoader, "Br", "r"},
+                      {BootLoaderAsFound, "Br", "r"},
+                      {NewOs, "n", ""},
+                      {BootLoaderPerhaps, "SBr", "r"},
+                      {OsWaits, "B", "n"},
+                      {OsPerhaps, "Bn", "n"},
+                      {BootLoaderErased, "B", ""}};
   const auto row = std::ranges::find(rows, fixture.outcome.left, &Row::left);
   ASSERT_NE(row, std::end(rows));
   EXPECT_TRUE(row->now.contains(StateOf(fixture))) << fixture.controller->Truth();
@@ -307,28 +361,33 @@ void CheckLeft(CompactOsFixture& fixture) {
   EXPECT_TRUE(row->then.contains(StateOf(fixture))) << fixture.controller->Truth();
 }
 
-// The row of the page for a cut behind the last command that the controller got.
-bool IsOnThePage(const CompactOsFixture& fixture) {
+// The row of the page for a cut behind the last command that the controller got. What a power failure leads to is no
+// row.
+bool IsOnThePage(const CompactOsFixture& fixture, bool hasLostPower) {
+  using enum ControllerLeft;
+  const ControllerLeft left = fixture.outcome.left;
+  const bool isOfPower = left == Untouched || left == OldOs || left == NewOs || left == BootLoaderPerhaps;
+  if (hasLostPower && isOfPower) return true;
   const std::string told = fixture.Told();
-  const std::string last = told.empty() ? "nothing" : told.substr(told.rfind(' ') + 1);
+  const std::string last = told.empty() ? "nothing" : "`" + told.substr(told.rfind(' ') + 1) + "`";
   return std::ranges::any_of(
       RowsBelow({"Last command of an O/S that a compact controller got"}, "downloads.md"),
-      [&](const Row& row) { return row.front().contains(last) && row.at(1) == LeftBehindText(fixture.outcome.left); });
+      [&](const Row& row) { return row.front().contains(last) && row.at(1) == LeftBehindText(left); });
 }
 
 constexpr int kExchanges = 45;  // more than a download of five blocks has
 
-class CompactOsCut : public testing::TestWithParam<std::tuple<const char*, bool>> {};
+class CompactOsCut : public testing::TestWithParam<std::tuple<const char*, bool, bool>> {};
 
 // The link, the power, or all replies go at each exchange in turn, until the download gets through.
 TEST_P(CompactOsCut, LeavesWhatItSaysAtEachExchangeAndGetsThroughAgain) {
-  const auto& [model, isSerial] = GetParam();
+  const auto& [model, isSerial, boot] = GetParam();
   for (const std::string fault :
        {"lost:away=60000,", "lost:at=0,away=60000,", "reset:", "noreply:max=1,", "cut:after=9,"}) {
     int failures = 0;
     for (int nth = 1; nth < 200; ++nth) {
       SCOPED_TRACE(fault + " " + std::to_string(nth));
-      CompactOsFixture fixture(Plc(model), isSerial);
+      CompactOsFixture fixture(Plc(model, "", boot), isSerial);
       EXPECT_TRUE(fixture.simulated->UseFaults({fault + "nth=" + std::to_string(nth)}));
       if (fixture.Download()) {
         EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
@@ -338,7 +397,7 @@ TEST_P(CompactOsCut, LeavesWhatItSaysAtEachExchangeAndGetsThroughAgain) {
       ++failures;
       EXPECT_NE(fixture.outcome.reason, "");
       CheckLeft(fixture);
-      EXPECT_TRUE(!fault.starts_with("lost") || IsOnThePage(fixture)) << fixture.Told();
+      EXPECT_TRUE(IsOnThePage(fixture, fault.starts_with("reset"))) << fixture.Told() << OutcomeText(fixture.outcome);
       EXPECT_TRUE(fixture.DownloadAgain()) << OutcomeText(fixture.outcome);
       EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
     }
@@ -362,7 +421,8 @@ TEST(CompactOs, IsRightOrAPlainFailureInAnyWeather) {
                                             "lost:p=0.004",
                                             "lost:at=9,p=0.004"};
   int done = 0;
-  for (int seed = 1; seed <= kSeeds; ++seed) {
+  const int seeds = WeatherSeeds(40);
+  for (int seed = 1; seed <= seeds; ++seed) {
     SCOPED_TRACE(seed);
     sim::SimulatorOptions options = Plc(seed % 3 == 0 ? "Q50" : seed % 3 == 1 ? "Q58" : "PR1");
     options.seed = static_cast<std::uint64_t>(seed);
@@ -377,15 +437,18 @@ TEST(CompactOs, IsRightOrAPlainFailureInAnyWeather) {
     CheckLeft(fixture);
     EXPECT_TRUE(fixture.DownloadAgain()) << OutcomeText(fixture.outcome);
   }
-  EXPECT_GT(done, kSeeds / 2);
+  EXPECT_GT(done, seeds / 2);
 }
 
+std::string NameOf(const testing::TestParamInfo<CompactOsCut::ParamType>& row) {
+  const auto& [model, isSerial, boot] = row.param;
+  return std::string(model) + (isSerial ? "Serial" : "Tcp") + (boot ? "InBoot" : "");
+}
 INSTANTIATE_TEST_SUITE_P(Lines, CompactOsCut,
-                         testing::Values(std::tuple("Q51", true), std::tuple("Q50", true), std::tuple("PR1", true),
-                                         std::tuple("Q51", false)),
-                         [](const auto& row) {
-                           return std::string(std::get<0>(row.param)) + (std::get<1>(row.param) ? "Serial" : "Tcp");
-                         });
+                         testing::Values(std::tuple("Q51", true, false), std::tuple("Q50", true, false),
+                                         std::tuple("PR1", true, false), std::tuple("Q51", false, false),
+                                         std::tuple("Q51", true, true)),
+                         NameOf);
 
 }  // namespace
 }  // namespace kv::test

@@ -187,6 +187,7 @@ TEST(DownloadFiles, ThatAreNotRightAreRefusedWithTheReason) {
       {"AurexFontv1290.kft", fonts, Fault::Damaged, "its name"},
       {"Q50v4602.OSI", With(image, 7, 'w', 1, 16), Fault::NotLegal, "KOSI"},
       {"Q50v4602.OSI", With(image, 5, '6', 1, 16), Fault::NotLegal, "Q50, Q51, Q58"},
+      {"Q50v4602.OSI", With(image, 4, 'q', 1, 16), Fault::NotLegal, "Q50, Q51, Q58"},
       {"Q50v4602.OSI", With(image, 12, 0xFFFFFFFF, 4, 16), Fault::Damaged, "4294967295 bytes, and has 256: it was cut"},
       {"Q50v4602.OSI", With(image + "x", 12, 257, 4, 16), Fault::Damaged, "whole blocks"},
       {"Q51v4602.OSI", image, Fault::Damaged, "expected \"Q50v4602.OSI\""},

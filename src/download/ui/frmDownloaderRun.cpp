@@ -174,6 +174,7 @@ void frmDownloader::Run(const char* what, const Engine& engine) {
   const auto link = mServices.shared.ComDriver->GetChannel();
   if (!link) return Say(std::string(what) + " has failed.\n" + mServices.shared.ComDriver->LastError().Text());
   const DownloadOrder order{.link = mServices.shared.ComDriver->LinkDescription(),
+                            .usualBaudRate = mServices.shared.ComDriver->UsualBaudRate(),
                             .backup = backup ? &*backup : nullptr,
                             .onPreview = [this](const DownloadPreview& preview) { ShowPreview(preview); }};
   const Ending ending = engine(*link, order, context);
