@@ -23,7 +23,7 @@ enum class DownloadQuestion : std::uint8_t {
 
 // What each of the downloads is told beside its file.
 struct DownloadOrder {
-  std::string link = {};           // description of the link, for questions and headings
+  std::string link = {};  // description of the link, for questions and headings
   // What the link's settings say, when the controller was found at another speed before the download; 0: not known.
   int usualBaudRate = 0;
   bool isDryRun = false;           // everything up to the first command that changes the controller

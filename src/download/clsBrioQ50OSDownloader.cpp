@@ -2,8 +2,10 @@
 
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
+#include "clone/ProgramState.h"
 #include "clone/RestoreCheck.h"
 #include "download/CompactApplication.h"
+#include "download/FileFields.h"
 #include "download/OsFileLists.h"
 #include "download/OtherSpeeds.h"
 
@@ -269,18 +271,47 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::IdentifyAgain() {
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::HoldAgainstFile(const FoundController& after) {
   mReview = DownloadReview{SideOf(mFound), SideOf(after)};
-  const bool isInBoot = after.info.state == 'B';
-  std::string differences = isInBoot ? "\r\nIts boot loader runs." : "";
-  for (const std::string& difference : DifferencesFrom(FileSide(), mReview->after)) differences += "\r\n" + difference;
+  const std::vector<std::string> differences = DifferencesOf(after);
+  mWork->left = LeftWhen(after);
   if (differences.empty()) {
-    mWork->left = ControllerLeft::NewOs;
     Tell("O/S Download Succeded!", PromptIcon::Information);
+    TellStoppedProgram(after);
     return {};
   }
-  if (isInBoot) mWork->left = ControllerLeft::BootLoaderErased;
-  const std::string text = "The O/S was sent, but the controller does not run it." + differences;
-  Tell(text, PromptIcon::Exclamation);
-  return mWork->Fail(DownloadCause::Unproven, text);
+  const std::string text = "The O/S was sent, but the controller is not what it was to be then.";
+  const auto withAll = [&](std::string all, const char* lineEnd) {
+    for (const std::string& difference : differences) all += lineEnd + difference;
+    return all;
+  };
+  Tell(withAll(text, "\r\n"), PromptIcon::Exclamation);
+  return mWork->Fail(DownloadCause::Unproven, withAll(text, "\n"));
+}
+
+std::vector<std::string> clsBrioQ50OSDownloader::DifferencesOf(const FoundController& after) const {
+  std::vector<std::string> differences = DifferencesFrom(FileSide(), SideOf(after));
+  if (IsBootLoader(after)) differences.insert(differences.begin(), "Its boot loader runs.");
+  const VersionInfo& version = after.version;
+  const auto model = ParseCompactIdentification(version.model + "|" + version.hardwareCode + "|" + version.osVersion);
+  if (!model || model->OsModel() != mController.OsModel()) {
+    differences.push_back("It reports itself as a " + ShownText(version.model) + ", and was a " +
+                          mController.OsModel() + ".");
+  }
+  return differences;
+}
+
+// When all has been sent and the controller was told to restart.
+ControllerLeft clsBrioQ50OSDownloader::LeftWhen(const FoundController& after) const {
+  using enum ControllerLeft;
+  if (IsBootLoader(after)) return BootLoaderErased;
+  if (after.OsText() == *FileSide().os) return NewOs;
+  return !mController.isInBoot && after.OsText() == mFound.OsText() ? OldOs : SomeOs;
+}
+
+void clsBrioQ50OSDownloader::TellStoppedProgram(const FoundController& after) {
+  if (IsRunningState(after.info.state)) return;
+  Tell(std::string("The new O/S runs, but the controller's program does not (state ") + after.info.state +
+           "). Start it, or look for its project.",
+       PromptIcon::Exclamation);
 }
 
 // The controller has its usual speed again. The link may not, when both were found at that of a boot loader: then half

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/ProgramPaths.h"
 #include "desktop/Pacer.h"
@@ -78,6 +79,9 @@ class clsBrioQ50OSDownloader {
   [[nodiscard]] Identification AskIdentification();
   [[nodiscard]] std::expected<FoundController, LinkError> FindAgain();
   [[nodiscard]] Step HoldAgainstFile(const FoundController& after);
+  [[nodiscard]] std::vector<std::string> DifferencesOf(const FoundController& after) const;
+  [[nodiscard]] ControllerLeft LeftWhen(const FoundController& after) const;
+  void TellStoppedProgram(const FoundController& after);
   [[nodiscard]] Duration TimeOnBootLink() const;
   [[nodiscard]] DownloadSide FileSide() const;
   [[nodiscard]] std::string ControllerName() const;
