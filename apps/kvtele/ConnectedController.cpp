@@ -55,7 +55,6 @@ OrFailure<std::unique_ptr<ConnectedController>> ConnectedController::Open(Enviro
   std::unique_ptr<ConnectedController> connected(
       new ConnectedController(environment, common, std::move(*driver), choice->settings));
   // A link that never came about is the failure itself; who called meanwhile is news in any case.
-  connected->TellOtherSpeed(environment);
   connected->mDriver->OnComMessage = [&err = environment.err](const std::string& message) {
     if (message.starts_with(kCallerDropped)) err << message << "\n" << std::flush;
   };
