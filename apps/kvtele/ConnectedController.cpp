@@ -103,7 +103,7 @@ OrFailure<void> ConnectedController::Reach(Reaching reaching) {
 void ConnectedController::TellOtherSpeed(Environment& environment) const {
   const int now = mChannel->GetComParams().baudRate;
   const int usual = mDriver->UsualBaudRate();
-  if (now == usual) return;
+  if (usual == 0 || now == usual) return;  // 0: it has none, or does not tell
   environment.err << "Nobody answers at " << usual << " baud. The controller was found at " << now << " baud.\n";
 }
 
