@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "download/CompactController.h"
 #include "download/CompactOsFile.h"
 #include "download/OsFileName.h"
 #include "fuzz/MendedCheck.h"
