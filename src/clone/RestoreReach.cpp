@@ -85,7 +85,8 @@ std::expected<void, CloneOutcome> CheckAfterRestore(const RestoreReach& reach, C
                                                     StateText(reach, controller->state)));
   }
   if (reach.unproven == 0) return {};
-  const std::string others = reach.unproven == 1 ? "" : " and " + Counted(reach.unproven - 1, "more line");
+  const auto further = static_cast<std::uint64_t>(reach.unproven - 1);
+  const std::string others = further == 0 ? "" : " and " + Counted(further, "more line");
   return std::unexpected(CloneOutcome::Failed(
       CloneCause::Unproven,
       "Line " + std::to_string(reach.firstUnproven) + " of the clone file" + others +
