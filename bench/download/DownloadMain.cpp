@@ -231,7 +231,8 @@ bool RunTcp(const Case& which, const Effort& effort) {
 }
 
 bool RunCompression(const Effort& effort) {
-  const std::string content = sim::MakeOs(*sim::FindModel("K330"), {{"4.71", 2}, "", effort.os}).value();
+  const sim::SampleOs sample{{"4.71", 2}, "", effort.os};
+  const std::string content = sim::MakeOs(*sim::FindModel("K330"), sample).value();
   const kv::Bytes bytes(content.begin(), content.end());
   const double start = ClockSeconds();
   const auto packed = kv::Deflate(bytes);
