@@ -31,6 +31,7 @@ constexpr std::array kLinkErrors = {
     LinkErrorRow{LinkErrorCode::LinkLost,        "linkLost",        ExitCode::NoConnection, ExitCode::LinkLost},
     LinkErrorRow{LinkErrorCode::Closed,          "linkClosed",      ExitCode::NoConnection, ExitCode::LinkLost},
     LinkErrorRow{LinkErrorCode::OtherController, "otherController", ExitCode::Refused,      ExitCode::LinkLost},
+    LinkErrorRow{LinkErrorCode::NotRecorded,     "notRecorded",     ExitCode::Failed,       ExitCode::Failed},
     LinkErrorRow{LinkErrorCode::Unsure,          "unsure",          ExitCode::LinkLost,     ExitCode::LinkLost},
 };
 

@@ -1,8 +1,10 @@
 #include <algorithm>
 
 #include "KvCmDrv1/ChannelImpl.h"
+#include "KvCmDrv1/FrameMeaning.h"
 #include "KvCmDrv1/LinkText.h"
 #include "KvCmDrv1/wire/Seal.h"
+#include "base/AnsiText.h"
 #include "base/Hex.h"
 #include "base/PathText.h"
 #include "link/AsciiFrame.h"
@@ -287,6 +289,19 @@ void ChannelImpl::UsePasswords(PasswordSource* source) {
   });
 }
 
+void ChannelImpl::ObserveChanges(ChangeObserver* observer) {
+  mLine.Gate().SetObserver(observer, [this](std::string_view bytes) {
+    LinkSettings link = mSettings;
+    link.unit = UnitOfRequest(bytes);
+    const UnitState& unit = mClient.Unit(link.unit);
+    ChangeRequest request{.meaning = FrameMeaning(bytes), .controller = {}, .link = DescribeLink(link)};
+    if (unit.identity) request.controller.model = AnsiToUtf8(unit.identity->version.model);
+    if (unit.identity) request.controller.serialNumber = unit.identity->serialNumber;
+    request.controller.project = AnsiToUtf8(unit.project);
+    return request;
+  });
+}
+
 std::optional<Channel::ControllerInfo> ChannelImpl::GetControllerInfo(std::uint8_t unit) {
   const auto doing = [unit] { return WithUnit("asking for serial number and state of", unit); };
   const std::uint16_t tag = mClient.NextTag();
@@ -298,6 +313,7 @@ std::optional<Channel::ControllerInfo> ChannelImpl::GetControllerInfo(std::uint8
     return std::nullopt;
   }
   if (!Knows(mClient.Recognise(unit, info->serialNumber), doing())) return std::nullopt;
+  mClient.Unit(unit).project = info->projectName;
   Succeed();
   return info;
 }
@@ -354,6 +370,11 @@ bool ChannelImpl::Knows(const std::expected<void, LinkError>& recognised, const 
 }
 
 void ChannelImpl::OnRawOutcome(ExchangeOutcome outcome, const RawTraffic& traffic) {
+  if (outcome == ExchangeOutcome::NotRecorded) return Fail(mClient.Explain(outcome), "sending raw frames");
+  if (!traffic.sent.empty()) {
+    const bool isSent = outcome == ExchangeOutcome::Done;
+    mLine.Gate().End({isSent ? ChangeResult::Sent : ChangeResult::Failed, mClient.Explain(outcome).happened});
+  }
   mClient.DoubtUnits();
   if (!traffic.sent.empty()) NoteRawReset(traffic.sent);
   if (mRawReset && mRawReset->IsRefusedBy(traffic.received)) {

@@ -39,6 +39,8 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] const LinkSettings& Settings() const { return mSettings; }
   // Who is asked for passwords; null: nobody.
   void UsePasswords(PasswordSource* source);
+  // Who hears of what is no read; null: nobody.
+  void ObserveChanges(ChangeObserver* observer);
   // Another operation of a tool begins: a user who did not give the password in the one before is asked again.
   void BeginOperation() { mClient.BeginOperation(); }
 
@@ -96,6 +98,7 @@ class ChannelImpl final : public Channel {
                                                      std::uint8_t unit) override;
   [[nodiscard]] DownloadEngine* GetDownloadEngine() override;
   [[nodiscard]] SerialPortObject* GetSerialPort() override;
+  [[nodiscard]] ChangeObserver* Changes() override { return mLine.Gate().Observer(); }
   [[nodiscard]] const LinkError& LastError() const override { return mError; }
   [[nodiscard]] LinkQuality Quality() const override { return mClient.Quality(); }
 

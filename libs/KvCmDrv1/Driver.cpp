@@ -94,6 +94,7 @@ std::shared_ptr<Channel> Driver::GetChannel() {
         mPacer, mTrace, mSettings, [this](const LinkSettings& settings) { return MakeAnyPort(settings); },
         [this](const std::string& message) { Tell(message); });
     mChannel->UsePasswords(mPasswords);
+    mChannel->ObserveChanges(mChanges);
   }
   if (!mChannel->Open()) {
     mError = mChannel->LastError();
@@ -108,6 +109,11 @@ std::shared_ptr<Channel> Driver::GetChannel() {
 void Driver::SetPasswordSource(PasswordSource* source) {
   mPasswords = source;
   if (mChannel) mChannel->UsePasswords(source);
+}
+
+void Driver::SetChangeObserver(ChangeObserver* observer) {
+  mChanges = observer;
+  if (mChannel) mChannel->ObserveChanges(observer);
 }
 
 void Driver::CloseDriver() {

@@ -44,6 +44,7 @@ class Driver final : public CommDriver {
   void SetChannel(std::shared_ptr<Channel> channel) override { mForeign = std::move(channel); }
   [[nodiscard]] const LinkError& LastError() const override { return mError; }
   void SetPasswordSource(PasswordSource* source) override;
+  void SetChangeObserver(ChangeObserver* observer) override;
   void CloseDriver() override;
   [[nodiscard]] std::string LinkDescription() const override;
   [[nodiscard]] std::optional<std::uint32_t> TiedSerialNumber() const override { return Settings().serialNumber; }
@@ -87,6 +88,7 @@ class Driver final : public CommDriver {
   std::shared_ptr<Channel> mForeign;
   DriverDialogs* mDialogs = nullptr;
   PasswordSource* mPasswords = nullptr;
+  ChangeObserver* mChanges = nullptr;
   std::string mCaller;
   LinkError mError;
   bool mIsActive = true;

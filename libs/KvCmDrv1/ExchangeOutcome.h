@@ -18,6 +18,7 @@ enum class ExchangeOutcome {
   OtherController,  // another controller answers
   NotExecuted,      // lost on the way; the controller says that it has not executed the request
   NotSupported,     // the controller does not have this
+  NotRecorded,      // a change that could not be recorded, and so was not sent
   Unsure,           // whether a request that must not be done twice was done could not be found out
 };
 

@@ -65,6 +65,7 @@ void Line::DropPartner() {
 }
 
 ExchangeOutcome Line::Send(std::string_view bytes, Sending sending, Instant now, Instant deadline) {
+  if (sending == Sending::New && !mGate.Pass(bytes)) return ExchangeOutcome::NotRecorded;
   mTrace.Add(now, Trace::Direction::Sent, bytes);
   // A block message that never ended must not swallow the answer to something else. The start of a frame cannot, and
   // the answer to the same request is as long as the one that has begun.

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "KvCmDrv1/ChangeGate.h"
 #include "KvCmDrv1/ExchangeOutcome.h"
 #include "KvCmDrv1/Trace.h"
 #include "KvCmDrv1/ports/Port.h"
@@ -56,7 +57,8 @@ class Line {
   // `now` is the time of the call here and below, which the caller knows: reading the clock is not free.
   //
   // Done when all bytes are with the port; Silence when the line did not take them until `deadline`. A reply that has
-  // begun to arrive is kept when the bytes are the same request again: its rest may be on its way.
+  // begun to arrive is kept when the bytes are the same request again: its rest may be on its way. NotRecorded, and
+  // nothing sent, when the gate does not let a new request pass.
   enum class Sending { New, Again };
   [[nodiscard]] ExchangeOutcome Send(std::string_view bytes, Sending sending, Instant now, Instant deadline);
 
@@ -87,6 +89,8 @@ class Line {
   [[nodiscard]] std::uint64_t BytesSent() const { return mBytesSent; }
   [[nodiscard]] std::uint64_t BytesReceived() const { return mBytesReceived; }
   [[nodiscard]] Port& GetPort() { return *mPort; }
+  [[nodiscard]] ChangeGate& Gate() { return mGate; }
+  [[nodiscard]] const ChangeGate& Gate() const { return mGate; }
   [[nodiscard]] const Port& GetPort() const { return *mPort; }
 
  private:
@@ -100,6 +104,7 @@ class Line {
   Pacer& mPacer;
   Trace& mTrace;
   std::unique_ptr<Port> mPort;
+  ChangeGate mGate;
   MessageReceiver mReceiver;
   std::string mArrived;
   unsigned mConnection = 0;

@@ -122,13 +122,29 @@ std::expected<void, LinkError> ProtocolClient::Conclude(const Exchange& exchange
   mLast = {.tries = exchange.tries, .start = exchange.start};
   if (outcome == Done) {
     ++mQuality.exchanges;
+    EndChange(exchange, outcome, {});
     return {};
   }
   ++mQuality.errors;
-  if (outcome != NotSupported) mUnits[exchange.unit].handshake = 0;
+  if (outcome != NotSupported && outcome != NotRecorded) mUnits[exchange.unit].handshake = 0;
   LinkError error = Explain(outcome, mLast);
   error.isNotExecuted = error.isNotExecuted || !exchange.wentOut;
+  EndChange(exchange, outcome, error);
   return std::unexpected(std::move(error));
+}
+
+// Told when the caller is about to be.
+void ProtocolClient::EndChange(const Exchange& exchange, ExchangeOutcome outcome, const LinkError& error) {
+  if (!mLine.Gate().IsOpen()) return;
+  if (outcome != Done) {
+    const ChangeResult unanswered = outcome == Stopped ? ChangeResult::Stopped : ChangeResult::Failed;
+    return mLine.Gate().End({error.isNotExecuted ? ChangeResult::Refused : unanswered, error.happened});
+  }
+  if (const std::optional<int> code = exchange.Refusal()) {
+    return mLine.Gate().End({ChangeResult::Refused, std::string(ControllerErrorText(*code).meaning)});
+  }
+  const bool isBusy = !exchange.IsText() && exchange.status == kBlockBusy;
+  mLine.Gate().End({isBusy ? ChangeResult::Refused : ChangeResult::Done, isBusy ? "the controller is busy" : ""});
 }
 
 // A refused request has changed nothing, so it is sent anew when there is access now. Without, the refusal stands.

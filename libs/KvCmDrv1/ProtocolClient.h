@@ -149,6 +149,7 @@ class ProtocolClient {
   [[nodiscard]] Exchange Begin(std::uint8_t unit, std::size_t wireBytes, std::optional<Instant> notAfter = {});
   // Counts the exchange and forgets who did not answer; an error unless it is done.
   [[nodiscard]] std::expected<void, LinkError> Conclude(const Exchange& exchange, ExchangeOutcome outcome);
+  void EndChange(const Exchange& exchange, ExchangeOutcome outcome, const LinkError& error);
   [[nodiscard]] bool IsLongUnheard(std::uint8_t unit) const { return mPacer.Now() - mUnits[unit].heard > kLongSilence; }
   [[nodiscard]] bool MayBeRestarting(const Exchange& exchange) const;
 

@@ -105,6 +105,8 @@ LinkError ProtocolClient::Explain(ExchangeOutcome outcome, const Effort& spent) 
           Unsure, "the request was sent, but whether it was executed could not be found out",
           "the connection broke, the controller restarted, or another program works on it at the same time",
           "look at what it should have changed before doing it again");
+    case ExchangeOutcome::NotRecorded:
+      return mLine.Gate().Refusal();
     case ExchangeOutcome::NotSupported:
       return MakeError(NotSupported, "this controller understands text commands only",
                        "a controller of the compact family does not have this operation",

@@ -114,6 +114,7 @@ ExchangeOutcome ProtocolClient::Identify(const Exchange& exchange) {
   const std::optional<Channel::ControllerInfo> info = ReadInformation(mHandshakeBuffers.reply, tag);
 
   if (!version || !info) return NotIdentified;
+  mUnits[exchange.unit].project = info->projectName;
   const ExchangeOutcome compared = Compare(mUnits[exchange.unit], {info->serialNumber, *version});
   const bool isAdmission = exchange.role == Exchange::Role::Admission;  // a caller is dropped, and the next one asked
   return compared == OtherController && !isAdmission ? ShutOutOther() : compared;

@@ -35,6 +35,7 @@ struct UnitState {
   std::uint16_t counter = 0;    // of the seal of the last answer
   std::uint16_t powerUp = 0;    // as SY told it last
   std::optional<Identity> identity;
+  std::string project;          // as it was told last, Windows-1252
   bool isAsciiOnly = true;      // its model understands no block messages, or is not known
   bool modelMayChange = false;  // it was sent into its boot loader or out of it since it was identified
   std::string modelBefore;      // that it reported until then; when its power fails it may report that again

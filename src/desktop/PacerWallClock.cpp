@@ -21,4 +21,10 @@ std::chrono::local_time<Duration> PacerWallClock::LocalMoment() const {
          duration_cast<Duration>(moment - second);
 }
 
+std::chrono::minutes PacerWallClock::UtcOffset() const {
+  using namespace std::chrono;
+  const auto utc = system_clock::now().time_since_epoch();
+  return round<minutes>(LocalMoment().time_since_epoch() - utc);
+}
+
 }  // namespace kv

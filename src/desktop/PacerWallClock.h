@@ -8,6 +8,7 @@ namespace kv {
 class PacerWallClock final : public WallClock {
  public:
   [[nodiscard]] std::chrono::local_time<Duration> LocalMoment() const override;
+  [[nodiscard]] std::chrono::minutes UtcOffset() const override;
 };
 
 }  // namespace kv

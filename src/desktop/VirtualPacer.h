@@ -38,12 +38,15 @@ class VirtualPacer final : public Pacer, public WallClock {
   void RequestStop() override { mStop = true; }
   void ClearStop() override { mStop = false; }
   [[nodiscard]] std::chrono::local_time<Duration> LocalMoment() const override;
+  [[nodiscard]] std::chrono::minutes UtcOffset() const override { return mUtcOffset; }
+  void SetUtcOffset(std::chrono::minutes offset) { mUtcOffset = offset; }
 
  private:
   void RunActionsUntil(Instant moment);
 
   Instant mNow{};
   std::chrono::local_time<Duration> mLocalStart = std::chrono::local_days{std::chrono::year{2024} / 1 / 1};
+  std::chrono::minutes mUtcOffset{60};
   std::multimap<Instant, Action> mActions;
   Action mOnDoEvents;
   Action mOnTurn;

@@ -13,6 +13,8 @@ class WallClock {
   virtual ~WallClock() = default;
 
   [[nodiscard]] virtual std::chrono::local_time<Duration> LocalMoment() const = 0;
+  // How far that is ahead of UTC now.
+  [[nodiscard]] virtual std::chrono::minutes UtcOffset() const = 0;
   [[nodiscard]] std::chrono::local_seconds LocalTime() const {
     return std::chrono::floor<std::chrono::seconds>(LocalMoment());
   }

@@ -10,6 +10,7 @@
 
 #include "base/Bytes.h"
 #include "base/Time.h"
+#include "link/ChangeObserver.h"
 #include "link/CommandReply.h"
 #include "link/DownloadEngine.h"
 #include "link/FixedPoint.h"
@@ -139,6 +140,9 @@ class Channel {
   [[nodiscard]] virtual DownloadEngine* GetDownloadEngine() = 0;
   // The port under the link, for raw traffic; null while the link is closed.
   [[nodiscard]] virtual SerialPortObject* GetSerialPort() = 0;
+
+  // Who hears of changes, for the scopes with which tools name their operations; null: nobody.
+  [[nodiscard]] virtual ChangeObserver* Changes() { return nullptr; }
 
   [[nodiscard]] virtual const LinkError& LastError() const = 0;
   [[nodiscard]] virtual LinkQuality Quality() const = 0;

@@ -42,6 +42,9 @@ class CommDriver {
   // A user who gives no password is not asked again until a tool takes the channel anew.
   virtual void SetPasswordSource(PasswordSource* source) = 0;
 
+  // Who hears of every request that is no read, of all channels from now on; null: nobody. Outlives the driver.
+  virtual void SetChangeObserver(ChangeObserver*) {}
+
   // A text like "COM3, 115200 8N1, unit 1", "192.168.1.20:20300, unit 1" or "Simulated K220-22-R1".
   [[nodiscard]] virtual std::string LinkDescription() const = 0;
 

@@ -27,7 +27,7 @@ namespace kv {
 // Says nothing against the link: the controller answers, or the request was of no use and never sent.
 [[nodiscard]] constexpr bool LeavesLinkAsItWas(LinkErrorCode code) {
   using enum LinkErrorCode;
-  return IsRefusal(code) || code == NotSupported || code == BadArgument;
+  return IsRefusal(code) || code == NotSupported || code == BadArgument || code == NotRecorded;
 }
 
 // It is certain that the controller has not executed the request. After any other error it may have: the request had

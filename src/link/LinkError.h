@@ -18,6 +18,7 @@ enum class LinkErrorCode {
   LinkLost,         // the connection broke and did not come back in time
   Closed,           // the link was closed, or its settings were changed: this channel is of no use any more
   OtherController,  // another controller answers than before, or than the link's serial number names
+  NotRecorded,      // a change that could not be recorded: nothing was sent
   Unsure,           // a request that must not be done twice: whether it was done could not be found out
 };
 

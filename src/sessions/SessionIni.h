@@ -14,6 +14,12 @@ inline constexpr std::string_view kDefaultSession = "Default";
 // The empty file of every other session that carries the mark.
 inline constexpr std::string_view kSessionMarkFile = "tmp.txt";
 
+// Names of the files of a session's change journal begin so. They tell of this session alone, and are not copied with
+// it.
+inline constexpr std::string_view kChangesFilePrefix = "Changes.";
+// Key of this program's settings: "1" asks for a reason before a controller is changed.
+inline constexpr std::string_view kAskReasonKey = "AskReason";
+
 // The folder of the current session, and a file in it.
 [[nodiscard]] std::filesystem::path SessionFolder(const SharedState& shared);
 [[nodiscard]] std::filesystem::path SessionFile(const SharedState& shared, std::string_view fileName);

@@ -71,6 +71,16 @@ std::optional<fs::path> FindHold(const fs::path& folder) {
   return error ? std::optional(folder) : std::nullopt;
 }
 
+// The journal of changes tells of the one session.
+void CopyFiles(const fs::path& source, const fs::path& target, std::error_code& error) {
+  for (fs::directory_iterator entry(source, error), end; !error && entry != end; entry.increment(error)) {
+    const fs::path name = entry->path().filename();
+    if (Utf8FromPath(name).starts_with(kChangesFilePrefix)) continue;
+    fs::copy(entry->path(), target / name, fs::copy_options::recursive, error);
+    if (error) return;
+  }
+}
+
 std::string Failure(const std::string& what, const std::error_code& error) {
   return what + ": " + error.message() + ".";
 }
@@ -170,7 +180,7 @@ std::expected<void, std::string> SessionManager::CopyCurrent(const std::string& 
     std::error_code ignored;
     fs::remove_all(target, ignored);
   });
-  fs::copy(source, target, fs::copy_options::recursive, error);
+  CopyFiles(source, target, error);
   if (error) return std::unexpected(Failure("The current session could not be copied", error));
   const fs::path mark = target / kSessionMarkFile;
   fs::permissions(mark, fs::perms::owner_write, fs::perm_options::add, error);  // the copy of a marked one is read-only

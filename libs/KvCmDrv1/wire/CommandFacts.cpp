@@ -1,5 +1,6 @@
 #include "KvCmDrv1/wire/CommandFacts.h"
 
+#include <algorithm>
 #include <array>
 
 #include "link/AsciiFrame.h"
@@ -49,7 +50,16 @@ constexpr auto kRows = std::to_array<Row>({
 });
 // clang-format on
 
+// Reads with a tag, and settled commands that are counted as requests of their own but change nothing.
+constexpr auto kHarmless = std::to_array<std::string_view>({"RO", "RM", "IN", "AC", "SY", "PV", "DI"});
+
 }  // namespace
+
+bool ChangesSomething(std::string_view text) {
+  if (std::ranges::any_of(kHarmless, [text](std::string_view prefix) { return text.starts_with(prefix); }))
+    return false;
+  return CommandFactsOf(text).kind != Read;
+}
 
 CommandFacts CommandFactsOf(std::string_view text) {
   for (const Row& row : kRows) {

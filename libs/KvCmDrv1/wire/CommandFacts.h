@@ -25,6 +25,9 @@ struct CommandFacts {
 // dangerous kind: not idempotent, and slow.
 [[nodiscard]] CommandFacts CommandFactsOf(std::string_view text);
 
+// Whether the command may change something in the controller. One that the protocol does not have may.
+[[nodiscard]] bool ChangesSomething(std::string_view text);
+
 // Longest replies of commands with a tag, in characters without the seal.
 inline constexpr std::size_t kSynchronisationReply = 62;  // letters, tag, counter, check, power-up, 40 characters
 inline constexpr std::size_t kInformationReply = 55;      // letters, tag, serial number, state, name

@@ -1,0 +1,256 @@
+#include "journal/ChangeJournal.h"
+
+#include <algorithm>
+#include <random>
+#include <utility>
+
+#include "base/Hex.h"
+#include "base/PathText.h"
+#include "base/Texts.h"
+#include "journal/JournalTime.h"
+
+namespace kv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Access = JournalDisk::Access;
+
+// Two writers wait for each other's flush; a disk that needs longer than this is no disk to record on.
+constexpr Duration kLongestLock = std::chrono::seconds(5);
+constexpr Duration kLockTurn = std::chrono::milliseconds(2);
+// Room for the records of an operation. With less the disk counts as full.
+constexpr std::uintmax_t kLeastRoom = std::uintmax_t{256} << 10;
+
+std::string NewJournalName() {
+  constexpr int kWords = 4;
+  std::random_device random;
+  std::string name;
+  for (int i = 0; i < kWords; ++i) name += ToHex(random(), 8);
+  return name;
+}
+
+}  // namespace
+
+ChangeJournal::ChangeJournal(const JournalPlaces& places, JournalDisk& disk, Pacer& pacer, const WallClock& clock)
+    : mPlaces(places), mDisk(disk), mPacer(pacer), mClock(clock), mHeadFile(HeadFile(places)) {}
+
+std::optional<JournalHead> ChangeJournal::Head() const {
+  return mTail && mTail->number > 0 ? mTail : std::nullopt;
+}
+
+std::unexpected<FileError> ChangeJournal::Failed(const fs::path& file, const std::error_code& why) const {
+  return std::unexpected(FileError{Utf8FromPath(file), "", "it cannot be written (" + why.message() + ")"});
+}
+
+auto ChangeJournal::Prepare() -> Done {
+  std::error_code error;
+  fs::create_directories(mPlaces.folder, error);
+  const auto lock = TakeLock();
+  if (!lock) return std::unexpected(lock.error());
+  const fs::space_info space = fs::space(mPlaces.folder, error);
+  if (!error && space.available < kLeastRoom) {
+    return Failed(mPlaces.folder, std::make_error_code(std::errc::no_space_on_device));
+  }
+  return CatchUp();
+}
+
+std::expected<std::uint64_t, FileError> ChangeJournal::Append(JournalRecord record) {
+  const auto lock = TakeLock();
+  if (!lock) return std::unexpected(lock.error());
+  if (const Done known = CatchUp(); !known) return std::unexpected(known.error());
+  return Write(std::move(record));
+}
+
+auto ChangeJournal::TakeLock() -> Lock {
+  const fs::path file = LockFile(mPlaces.folder);
+  auto lock = mDisk.Open(file, Access::Replace);
+  if (!lock) return Failed(file, lock.error());
+  const Instant end = mPacer.Now() + kLongestLock;
+  while (true) {
+    const auto taken = (*lock)->TryLock();
+    if (!taken) return Failed(file, taken.error());
+    if (*taken) return std::move(*lock);
+    if (mPacer.Now() >= end) return Failed(file, std::make_error_code(std::errc::device_or_resource_busy));
+    mPacer.Sleep(kLockTurn);
+  }
+}
+
+// What others have written since, or all of it. A file that has become shorter, or is followed by another one, is
+// looked at anew.
+auto ChangeJournal::CatchUp() -> Done {
+  std::error_code ignored;
+  const bool isSame =
+      mTail && mTail->segment > 0 && !fs::exists(SegmentFile(mPlaces.folder, mTail->segment + 1), ignored);
+  if (!isSame) return Reload();
+  const auto file = mDisk.Open(SegmentFile(mPlaces.folder, mTail->segment), Access::Read);
+  const auto size = file ? (*file)->Size() : std::unexpected(file.error());
+  if (!size || *size < mTail->end) return Reload();
+  return ReadOn(**file);
+}
+
+auto ChangeJournal::Reload() -> Done {
+  const std::optional<JournalHead> seen = Head();
+  std::optional<JournalHead> kept = ReadHead(mDisk, mHeadFile);
+  if (!kept) kept = seen;
+  const std::vector<unsigned> segments = SegmentsIn(mPlaces.folder);
+  mTornBytes = 0;
+  mMisfit.reset();
+  if (segments.empty()) {
+    mTail = JournalHead{.hash = std::string(kNoHash)};
+    mMisfit = kept;
+    return {};
+  }
+  const fs::path last = SegmentFile(mPlaces.folder, segments.back());
+  const auto file = mDisk.Open(last, Access::Read);
+  if (!file) return Failed(last, file.error());
+  if (!kept || kept->segment != segments.back() || !IsAt(**file, *kept)) return ReadAll(segments, kept);
+  mTail = kept;
+  return ReadOn(**file);
+}
+
+// Whether the record that the head names ends where the head says.
+bool ChangeJournal::IsAt(JournalFile& file, const JournalHead& head) const {
+  constexpr std::uint64_t kUsual = 4096;
+  for (const std::uint64_t most : {kUsual, std::uint64_t{kLongestJournalLine} + 2}) {
+    const std::uint64_t from = head.end - std::min(head.end, most);
+    const auto bytes = file.Read(from, static_cast<std::size_t>(head.end - from));
+    if (!bytes || bytes->size() != head.end - from || !bytes->ends_with('\n')) return false;
+    const std::string_view text = std::string_view(*bytes).substr(0, bytes->size() - 1);
+    const std::size_t before = text.rfind('\n');
+    if (before == std::string_view::npos && from > 0) continue;
+    const auto read = ParseRecord(before == std::string_view::npos ? text : text.substr(before + 1));
+    return read && read->hash == head.hash && read->record.number == head.number;
+  }
+  return false;
+}
+
+auto ChangeJournal::ReadAll(const std::vector<unsigned>& segments, const std::optional<JournalHead>& kept) -> Done {
+  mTail = JournalHead{.hash = std::string(kNoHash)};
+  mMisfit = kept;  // until its record is met
+  for (const unsigned segment : segments) {
+    mTail->segment = segment;
+    mTail->end = 0;
+    const fs::path path = SegmentFile(mPlaces.folder, segment);
+    const auto file = mDisk.Open(path, Access::Read);
+    if (!file) return Failed(path, file.error());
+    if (Done read = ReadOn(**file, kept); !read) return read;
+  }
+  return {};
+}
+
+auto ChangeJournal::ReadOn(JournalFile& file, const std::optional<JournalHead>& kept) -> Done {
+  const fs::path path = SegmentFile(mPlaces.folder, mTail->segment);
+  const auto size = file.Size();
+  if (!size) return Failed(path, size.error());
+  mTornBytes = 0;
+  if (*size <= mTail->end) return {};
+  JournalLines lines(file, mTail->end, *size);
+  while (lines.Next()) {
+    Take(lines.Line(), kept);
+    mTail->end = lines.End();
+  }
+  if (lines.Error()) return Failed(path, lines.Error());
+  mTornBytes = lines.TornBytes();
+  if (mTornBytes > 0) mTornHash = HashOfPart(file, lines.End(), *size);
+  return {};
+}
+
+// A line that is no record takes a number all the same: the next record must not have that of one that was altered.
+void ChangeJournal::Take(std::string_view line, const std::optional<JournalHead>& kept) {
+  const auto read = ParseRecord(line);
+  mTail->number = read ? std::max(read->record.number, mTail->number) : mTail->number + 1;
+  if (!read) return;
+  mTail->hash = read->hash;
+  if (!read->record.journal.empty()) mTail->journal = read->record.journal;
+  if (kept && read->record.number == kept->number && read->hash == kept->hash) mMisfit.reset();
+}
+
+bool ChangeJournal::NeedsSegment() const {
+  return mTail->segment == 0 || mTail->journal.empty() || mIsBroken || mTail->end >= kFullSegment;
+}
+
+std::expected<std::uint64_t, FileError> ChangeJournal::Write(JournalRecord record) {
+  const bool isNew = NeedsSegment();
+  Addition addition{*mTail, {}};
+  if (isNew) {
+    addition.tail.segment += 1;
+    addition.tail.end = 0;
+    const JournalRecord first = FirstOfSegment();
+    addition.tail.journal = first.journal;
+    Add(addition, first);
+  }
+  AddWhatWasFound(addition);
+  Add(addition, std::move(record));
+
+  const fs::path path = SegmentFile(mPlaces.folder, addition.tail.segment);
+  if (addition.tail.segment > kMostSegments) return Failed(path, std::make_error_code(std::errc::file_too_large));
+  const std::uint64_t from = isNew ? 0 : mTail->end;
+  {
+    const auto file = mDisk.Open(path, isNew ? Access::Create : Access::Write);
+    if (!file) return Failed(path, file.error());
+    std::error_code error = !isNew && mTornBytes > 0 ? (*file)->Truncate(from) : std::error_code();
+    if (!error) error = (*file)->Write(from, addition.lines);
+    if (!error) error = (*file)->Flush();
+    if (error) {
+      mIsBroken = true;
+      const std::error_code isCut = (*file)->Truncate(from);  // nobody is to take it for a record, if that can be had
+      if (isNew && !isCut) {
+        std::error_code ignored;
+        fs::remove(path, ignored);
+      }
+      return Failed(path, error);
+    }
+  }
+  if (isNew) mDisk.FlushFolder(mPlaces.folder);
+  mTail = addition.tail;
+  mTail->end = from + addition.lines.size();
+  mIsBroken = false;
+  mTornBytes = 0;
+  mMisfit.reset();
+  KeepHead();
+  return mTail->number;
+}
+
+void ChangeJournal::Add(Addition& addition, JournalRecord record) const {
+  record.number = ++addition.tail.number;
+  record.previous = addition.tail.hash;
+  record.time = JournalTime(mClock);
+  const std::string line = PrintRecord(record);
+  addition.tail.hash = line.substr(0, kNoHash.size());
+  addition.lines += line + "\n";
+}
+
+JournalRecord ChangeJournal::FirstOfSegment() const {
+  JournalRecord first;
+  const bool isFirst = mTail->journal.empty();
+  first.kind = isFirst ? RecordKind::Start : RecordKind::Segment;
+  first.journal = isFirst ? NewJournalName() : mTail->journal;
+  if (!isFirst)
+    first.detail = mIsBroken ? "a write to the file before this one failed" : "the file before this one is full";
+  return first;
+}
+
+void ChangeJournal::AddWhatWasFound(Addition& addition) const {
+  if (mTornBytes > 0) {
+    JournalRecord repair{.kind = RecordKind::Repair, .count = mTornBytes, .hash = mTornHash};
+    repair.detail = Counted(mTornBytes, "byte") + " without a line end, as a crash leaves them, " +
+                    (NeedsSegment() ? "left at the end of the file before this one" : "cut off here");
+    Add(addition, std::move(repair));
+  }
+  if (!mMisfit) return;
+  JournalRecord finding{.kind = RecordKind::Finding, .count = mMisfit->number, .hash = mMisfit->hash};
+  finding.detail = "The journal is not the one that was written here before: record " +
+                   std::to_string(mMisfit->number) + " of it is missing or another one.";
+  Add(addition, std::move(finding));
+}
+
+void ChangeJournal::KeepHead() {
+  const std::error_code error = WriteHead(mDisk, mHeadFile, *mTail);
+  mHeadTrouble = error ? "The head of the change journal cannot be kept in " + Utf8FromPath(mPlaces.stateFolder) +
+                             " (" + error.message() + "): an end that is cut off from the journal would not be found."
+                       : "";
+}
+
+}  // namespace kv

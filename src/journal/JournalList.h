@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "desktop/Pacer.h"
+#include "journal/JournalCheck.h"
+#include "journal/JournalRecord.h"
+
+namespace kv {
+
+// One operation as people read it: how it began, and how it ended; or a record that is no operation.
+struct JournalEntry {
+  JournalRecord record;
+  std::optional<JournalRecord> end;  // of an operation
+
+  [[nodiscard]] bool IsOperation() const { return record.kind == RecordKind::Begin; }
+  [[nodiscard]] std::string Day() const { return record.time.substr(0, 10); }        // "2026-11-22"
+  [[nodiscard]] std::string TimeOfDay() const { return record.time.substr(11, 8); }  // "08:41:12"
+  [[nodiscard]] std::string Controller() const;  // "K220-22-R1, serial number 305419896, project Mixer"
+  [[nodiscard]] std::string What() const;        // "write operands", or what the record tells
+  [[nodiscard]] std::string Result() const;      // "done", "failed: ...", "begun, and not ended"
+};
+
+// Which entries are wanted; an empty text is no condition.
+struct JournalFilter {
+  std::string operand{};  // "MI 5", "MI" for all of them, "MI 0..9" for each of these
+  std::string user{};     // a part of the name, in either case
+  std::string day{};      // "2026-11-22", or its beginning: "2026-11"
+
+  [[nodiscard]] bool Wants(const JournalEntry& entry) const;
+};
+
+struct JournalListing {
+  std::vector<JournalEntry> entries;  // in the order of their numbers
+  std::uint64_t left = 0;             // older entries that were too many
+  std::uint64_t unreadable = 0;       // lines that are no records: see the check
+};
+
+// The newest are kept where there are more than this.
+inline constexpr std::size_t kMostJournalEntries = 100'000;
+
+[[nodiscard]] JournalListing ListJournal(const JournalPlaces& places, JournalDisk& disk, Pacer& pacer,
+                                         const JournalFilter& filter);
+
+// "MI 3: 12 -> 15", a line for each operand whose value is known; without values "MI 0..59".
+[[nodiscard]] std::vector<std::string> OperandLines(const JournalEntry& entry);
+
+// A table with a line for each operand of each entry, and the head of the journal in its last line. UTF-8 with a
+// byte-order mark, CR LF.
+[[nodiscard]] std::string JournalCsv(const JournalListing& listing, const JournalCheck& check);
+
+}  // namespace kv

@@ -1,0 +1,235 @@
+#include "journal/JournalRecord.h"
+
+#include <algorithm>
+#include <array>
+
+#include "digest/Sha256.h"
+#include "journal/JsonText.h"
+
+namespace kv {
+namespace {
+
+constexpr std::size_t kHashDigits = kNoHash.size();
+
+struct KindName {
+  RecordKind kind;
+  std::string_view name;
+};
+constexpr std::array kKinds{
+    KindName{RecordKind::Start, "start"},           KindName{RecordKind::Segment, "segment"},
+    KindName{RecordKind::Begin, "begin"},           KindName{RecordKind::End, "end"},
+    KindName{RecordKind::Repair, "repair"},         KindName{RecordKind::Finding, "finding"},
+    KindName{RecordKind::Unrecorded, "unrecorded"},
+};
+
+std::string HashOf(std::string_view text) {
+  Sha256 digest;
+  digest.Add(text);
+  return digest.Hex();
+}
+
+// Writes the fields of one object.
+class Fields {
+ public:
+  explicit Fields(std::string& json) : mJson(json) { mJson += '{'; }
+  void Close() { mJson += '}'; }
+
+  void Text(std::string_view name, std::string_view text) {
+    if (text.empty()) return;
+    Name(name);
+    AppendJsonText(mJson, text);
+  }
+  void Number(std::string_view name, std::uint64_t number) {
+    Name(name);
+    mJson += std::to_string(number);
+  }
+  void Texts(std::string_view name, const std::vector<std::string>& texts) {
+    if (texts.empty()) return;
+    Name(name);
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+      mJson += i == 0 ? '[' : ',';
+      AppendJsonText(mJson, texts[i]);
+    }
+    mJson += ']';
+  }
+  void Name(std::string_view name) {
+    if (mJson.back() != '{') mJson += ',';
+    AppendJsonText(mJson, name);
+    mJson += ':';
+  }
+
+ private:
+  std::string& mJson;
+};
+
+void AppendController(std::string& json, Fields& fields, const ControllerName& controller) {
+  fields.Name("controller");
+  Fields inner(json);
+  inner.Text("model", controller.model);
+  if (controller.serialNumber) inner.Number("serial", *controller.serialNumber);
+  inner.Text("project", controller.project);
+  inner.Close();
+}
+
+// The values of the first `withValues` entries.
+void AppendOperands(std::string& json, Fields& fields, const std::vector<ChangedOperands>& operands,
+                    std::size_t withValues) {
+  if (operands.empty()) return;
+  fields.Name("values");
+  for (std::size_t i = 0; i < operands.size(); ++i) {
+    json += i == 0 ? '[' : ',';
+    Fields inner(json);
+    inner.Text("operands", operands[i].operands);
+    if (i < withValues) inner.Texts("before", operands[i].before);
+    if (i < withValues) inner.Texts("after", operands[i].after);
+    inner.Close();
+  }
+  json += ']';
+}
+
+std::string PrintJson(const JournalRecord& record, std::size_t withValues) {
+  std::string json;
+  Fields fields(json);
+  fields.Number("n", record.number);
+  fields.Text("prev", record.previous);
+  fields.Text("time", record.time);
+  fields.Text("kind", std::ranges::find(kKinds, record.kind, &KindName::kind)->name);
+  fields.Text("journal", record.journal);
+  if (record.kind == RecordKind::Begin) {
+    fields.Text("user", record.user);
+    AppendController(json, fields, record.controller);
+    fields.Text("link", record.link);
+    fields.Text("tool", record.tool);
+    fields.Text("what", record.what);
+    AppendOperands(json, fields, record.operands, withValues);
+    fields.Text("reason", record.reason);
+  }
+  if (record.of != 0) fields.Number("of", record.of);
+  fields.Text("result", record.result);
+  fields.Text("detail", record.detail);
+  if (record.count != 0) fields.Number("count", record.count);
+  fields.Text("hash", record.hash);
+  fields.Close();
+  return json;
+}
+
+std::vector<std::string> ReadTexts(JsonReader& reader) {
+  std::vector<std::string> texts;
+  reader.EachItem([&] { texts.push_back(reader.Text()); });
+  return texts;
+}
+
+ControllerName ReadController(JsonReader& reader) {
+  ControllerName controller;
+  reader.EachField([&](const std::string& name) {
+    if (name == "model") {
+      controller.model = reader.Text();
+    } else if (name == "serial") {
+      controller.serialNumber = static_cast<std::uint32_t>(reader.Number());
+    } else if (name == "project") {
+      controller.project = reader.Text();
+    } else {
+      reader.Skip();
+    }
+  });
+  return controller;
+}
+
+ChangedOperands ReadOperands(JsonReader& reader) {
+  ChangedOperands operands;
+  reader.EachField([&](const std::string& name) {
+    if (name == "operands") {
+      operands.operands = reader.Text();
+    } else if (name == "before") {
+      operands.before = ReadTexts(reader);
+    } else if (name == "after") {
+      operands.after = ReadTexts(reader);
+    } else {
+      reader.Skip();
+    }
+  });
+  return operands;
+}
+
+struct TextField {
+  std::string_view name;
+  std::string JournalRecord::* field;
+};
+constexpr std::array kTextFields{
+    TextField{"prev", &JournalRecord::previous},   TextField{"time", &JournalRecord::time},
+    TextField{"journal", &JournalRecord::journal}, TextField{"user", &JournalRecord::user},
+    TextField{"link", &JournalRecord::link},       TextField{"tool", &JournalRecord::tool},
+    TextField{"what", &JournalRecord::what},       TextField{"reason", &JournalRecord::reason},
+    TextField{"result", &JournalRecord::result},   TextField{"detail", &JournalRecord::detail},
+    TextField{"hash", &JournalRecord::hash},
+};
+struct NumberField {
+  std::string_view name;
+  std::uint64_t JournalRecord::* field;
+};
+constexpr std::array kNumberFields{
+    NumberField{"n", &JournalRecord::number},
+    NumberField{"of", &JournalRecord::of},
+    NumberField{"count", &JournalRecord::count},
+};
+
+void ReadField(JsonReader& reader, const std::string& name, JournalRecord& record, bool& hasKind) {
+  if (const auto* text = std::ranges::find(kTextFields, name, &TextField::name); text != kTextFields.end()) {
+    record.*text->field = reader.Text();
+  } else if (const auto* number = std::ranges::find(kNumberFields, name, &NumberField::name);
+             number != kNumberFields.end()) {
+    record.*number->field = reader.Number();
+  } else if (name == "kind") {
+    const auto* kind = std::ranges::find(kKinds, reader.Text(), &KindName::name);
+    hasKind = kind != kKinds.end();
+    if (hasKind) record.kind = kind->kind;
+  } else if (name == "controller") {
+    record.controller = ReadController(reader);
+  } else if (name == "values") {
+    reader.EachItem([&] { record.operands.push_back(ReadOperands(reader)); });
+  } else {
+    reader.Skip();
+  }
+}
+
+}  // namespace
+
+std::string_view ResultWord(ChangeResult result) {
+  switch (result) {
+    case ChangeResult::Done:
+      return "done";
+    case ChangeResult::Sent:
+      return "sent";
+    case ChangeResult::Refused:
+      return "refused";
+    case ChangeResult::Failed:
+      return "failed";
+    case ChangeResult::Stopped:
+      return "stopped";
+  }
+  return "failed";
+}
+
+std::string PrintRecord(const JournalRecord& record) {
+  const std::size_t longest = kLongestJournalLine - kHashDigits - 1;
+  std::string json = PrintJson(record, record.operands.size());
+  for (std::size_t withValues = record.operands.size(); json.size() > longest && withValues > 0;) {
+    withValues /= 2;
+    json = PrintJson(record, withValues);
+  }
+  return HashOf(json) + " " + json;
+}
+
+std::optional<ReadRecord> ParseRecord(std::string_view line) {
+  if (line.size() <= kHashDigits || line.size() > kLongestJournalLine || line[kHashDigits] != ' ') return std::nullopt;
+  const std::string_view json = line.substr(kHashDigits + 1);
+  ReadRecord read{.record = {}, .hash = std::string(line.substr(0, kHashDigits))};
+  if (HashOf(json) != read.hash) return std::nullopt;
+  JsonReader reader(json);
+  bool hasKind = false;
+  reader.EachField([&](const std::string& name) { ReadField(reader, name, read.record, hasKind); });
+  if (!reader.IsAtEnd() || !hasKind || read.record.number == 0) return std::nullopt;
+  return read;
+}
+
+}  // namespace kv

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "link/ChangeObserver.h"
+
+namespace kv {
+
+// The longest line of a journal, its line end not counted. A reader holds no more than this in memory.
+inline constexpr std::size_t kLongestJournalLine = std::size_t{1} << 20;
+
+// Before the first record.
+inline constexpr std::string_view kNoHash = "0000000000000000000000000000000000000000000000000000000000000000";
+
+enum class RecordKind : std::uint8_t {
+  Start,       // the first record of a journal
+  Segment,     // the first of a further file of it
+  Begin,       // an operation is about to change a controller
+  End,         // of the operation that record `of` began
+  Repair,      // bytes without an end were cut off
+  Finding,     // the journal was not what its head, kept elsewhere, says
+  Unrecorded,  // the user has let changes pass while the journal could not be written
+};
+
+// One record. Which fields a kind has, and the form of a line: docs/file-formats.md. Texts are UTF-8.
+struct JournalRecord {
+  std::uint64_t number = 0;  // from 1 on
+  std::string previous{};    // hash of the record before it
+  std::string time{};        // "2026-11-22T08:41:12.345+01:00"
+  RecordKind kind = RecordKind::Begin;
+  std::string journal{};  // Start, Segment: what tells this journal from others
+  // Begin
+  std::string user{};
+  ControllerName controller{};
+  std::string link{};
+  std::string tool{};
+  std::string what{};
+  std::vector<ChangedOperands> operands{};
+  std::string reason{};
+  // End
+  std::uint64_t of = 0;
+  std::string result{};  // a word: "done", "sent", "refused", "failed", "stopped"
+  // Everything but Begin
+  std::string detail{};
+  std::uint64_t count = 0;  // Repair: bytes; Unrecorded: changes; Finding: the number that the head names
+  std::string hash{};       // Repair: of these bytes; Finding: that the head names
+
+  bool operator==(const JournalRecord&) const = default;
+};
+
+[[nodiscard]] std::string_view ResultWord(ChangeResult result);
+
+// The line of a record, without its LF: its hash, a blank, its JSON. Values of operands are left out, from the last
+// on, where the line would be too long.
+[[nodiscard]] std::string PrintRecord(const JournalRecord& record);
+
+// A line that was read: nothing where it is no record, or its hash is not that of its text.
+struct ReadRecord {
+  JournalRecord record;
+  std::string hash;
+};
+[[nodiscard]] std::optional<ReadRecord> ParseRecord(std::string_view line);
+
+}  // namespace kv

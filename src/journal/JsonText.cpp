@@ -1,0 +1,103 @@
+#include "journal/JsonText.h"
+
+#include <algorithm>
+
+#include "base/Hex.h"
+#include "base/Utf8.h"
+
+namespace kv {
+namespace {
+
+constexpr int kDeepest = 8;
+
+bool IsControl(char32_t code) {
+  return code < 0x20 || (code >= 0x7F && code < 0xA0);
+}
+
+bool IsSurrogate(std::uint32_t code) {
+  return code >= 0xD800 && code <= 0xDFFF;
+}
+
+}  // namespace
+
+void AppendJsonText(std::string& json, std::string_view text) {
+  json += '"';
+  while (!text.empty()) {
+    const char32_t code = TakeCharacter(text).value_or(U'?');
+    if (code == U'"' || code == U'\\') {
+      json += '\\';
+      json += static_cast<char>(code);
+    } else if (IsControl(code)) {
+      json += "\\u";
+      AppendHex(json, static_cast<std::uint32_t>(code), 4);
+    } else {
+      AppendUtf8(json, code);
+    }
+  }
+  json += '"';
+}
+
+bool JsonReader::Takes(char wanted) {
+  if (!mIsGood || !mRest.starts_with(wanted)) return false;
+  mRest.remove_prefix(1);
+  return true;
+}
+
+std::string JsonReader::Text() {
+  std::string text;
+  Expect('"');
+  while (mIsGood && !Takes('"')) {
+    if (mRest.empty()) {
+      Fail();
+    } else if (Takes('\\')) {
+      TakeEscaped(text);
+    } else {
+      const std::optional<char32_t> code = TakeCharacter(mRest);
+      if (!code || *code < 0x20) Fail();
+      if (mIsGood) AppendUtf8(text, *code);
+    }
+  }
+  return text;
+}
+
+void JsonReader::TakeEscaped(std::string& text) {
+  constexpr std::size_t kDigits = 4;
+  for (const char plain : {'"', '\\'}) {
+    if (!Takes(plain)) continue;
+    text += plain;
+    return;
+  }
+  Expect('u');
+  const auto code = mIsGood && mRest.size() >= kDigits ? ParseHex(mRest.substr(0, kDigits)) : std::nullopt;
+  if (!code || IsSurrogate(*code)) return Fail();
+  mRest.remove_prefix(kDigits);
+  AppendUtf8(text, static_cast<char32_t>(*code));
+}
+
+std::uint64_t JsonReader::Number() {
+  constexpr std::uint64_t kMost = 1'000'000'000'000'000;  // what every reader of JSON holds exactly
+  const std::size_t digits = std::min(mRest.find_first_not_of("0123456789"), mRest.size());
+  std::uint64_t number = 0;
+  if (digits == 0 || (digits > 1 && mRest.front() == '0')) Fail();
+  for (std::size_t i = 0; mIsGood && i < digits; ++i) {
+    number = number * 10 + static_cast<std::uint64_t>(mRest[i] - '0');
+    if (number > kMost) Fail();
+  }
+  if (mIsGood) mRest.remove_prefix(digits);
+  return number;
+}
+
+void JsonReader::Skip(int depth) {
+  if (depth > kDeepest) return Fail();
+  if (mRest.starts_with('"')) {
+    (void)Text();
+  } else if (mRest.starts_with('{')) {
+    EachField([&](const std::string&) { Skip(depth + 1); });
+  } else if (mRest.starts_with('[')) {
+    EachItem([&] { Skip(depth + 1); });
+  } else {
+    (void)Number();
+  }
+}
+
+}  // namespace kv

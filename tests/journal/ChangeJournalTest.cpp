@@ -1,0 +1,123 @@
+#include "journal/ChangeJournal.h"
+
+#include "tests/journal/JournalFixture.h"
+
+namespace kv {
+namespace {
+
+struct ChangeJournalTest : testing::Test, test::JournalFixture {};
+
+TEST_F(ChangeJournalTest, ChainsRecordsAndKeepsTheHead) {
+  EXPECT_EQ(Begin(), 2U);  // behind the record that begins the journal
+  EXPECT_EQ(End(2), 3U);
+  Reopen();
+  EXPECT_EQ(Begin("with \" and \\ and \n and \xE2\x80\xA8"), 4U);
+  EXPECT_EQ(Findings(), "");
+  const auto head = ReadHead(disk, HeadFile(places));
+  ASSERT_TRUE(head);
+  EXPECT_EQ(head->number, 4U);
+  EXPECT_EQ(Check().head->hash, head->hash);
+  EXPECT_EQ(LinesOf(Bytes()).size(), 4U);
+}
+
+TEST_F(ChangeJournalTest, LetsTwoWritersTakeTurns) {
+  ChangeJournal other(places, disk, pacer, pacer);
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_NE(Begin(), 0U);
+    EXPECT_TRUE(other.Append({.kind = RecordKind::Begin, .user = "hans"}));
+  }
+  EXPECT_EQ(Findings(), "");
+  EXPECT_EQ(Check().records, 11U);
+
+  const auto lock = disk.Open(LockFile(places.folder), JournalDisk::Access::Replace);
+  ASSERT_TRUE((*lock)->TryLock().value_or(false));
+  const auto busy = journal->Append({.kind = RecordKind::Begin});
+  ASSERT_FALSE(busy) << "the lock was not waited for";
+  EXPECT_THAT(busy.error().Text(), testing::HasSubstr("busy"));
+}
+
+TEST_F(ChangeJournalTest, CutsBackWhatACrashLeftAndRecordsIt) {
+  for (const std::string& torn : {std::string("0"), std::string(300, '\0'), std::string("a\vb\fc\rd\xC2\x85")}) {
+    (void)Begin();
+    std::ofstream(File(), std::ios::binary | std::ios::app) << torn;
+    Reopen();
+    (void)Begin();
+    EXPECT_EQ(Findings(), "");
+    const auto lines = LinesOf(Bytes());
+    const auto repair = ParseRecord(lines[lines.size() - 2].substr(0, lines[lines.size() - 2].size() - 1));
+    ASSERT_TRUE(repair);
+    EXPECT_EQ(repair->record.kind, RecordKind::Repair);
+    EXPECT_EQ(repair->record.count, torn.size());
+  }
+}
+
+TEST_F(ChangeJournalTest, RecordsThatTheJournalIsAnotherOne) {
+  (void)Begin();
+  const std::string older = Bytes();
+  (void)Begin();
+  struct Case {
+    const char* name;
+    std::string content;  // none: the file is taken away
+  };
+  for (const Case& each : {Case{"an older copy", older}, Case{"gone", ""}}) {
+    for (const bool isRunning : {true, false}) {
+      (void)Begin();
+      if (each.content.empty()) {
+        std::filesystem::remove(File());
+      } else {
+        Put(each.content);
+      }
+      if (!isRunning) Reopen();
+      (void)Begin();
+      EXPECT_THAT(Findings(), testing::StartsWith("foundThen")) << each.name;
+      (void)Begin();
+      EXPECT_THAT(Findings(), testing::StartsWith("foundThen")) << each.name << ": green again";
+    }
+  }
+}
+
+// Every call of the disk fails once, at every place: the change is refused, or its record is there; and what follows
+// is recorded, in a journal that is in order.
+TEST_F(ChangeJournalTest, StaysInOrderWhateverCallFails) {
+  int failures = 0;
+  for (int failAt = 1;; ++failAt) {
+    std::filesystem::remove_all(places.folder);
+    std::filesystem::remove_all(places.stateFolder);
+    std::filesystem::create_directories(places.folder);
+    disk.failAt = 0;
+    Reopen();
+    (void)Begin("before");
+    std::ofstream(File(), std::ios::binary | std::ios::app) << "torn";
+    disk.failAt = failAt;
+    disk.calls = 0;
+    disk.failed.clear();
+    const std::uint64_t number = Begin("during");
+    const std::string failed = disk.failed;
+    disk.failAt = 0;
+    failures += number == 0 ? 1 : 0;
+    EXPECT_EQ(Bytes(1).contains("during"), number != 0) << failAt << failed;
+    EXPECT_NE(Begin("after"), 0U) << failAt << failed;
+    EXPECT_EQ(Findings(), "") << failAt << " " << failed;
+    Reopen();
+    EXPECT_NE(Begin("later"), 0U) << failAt << failed;
+    EXPECT_EQ(Findings(), "") << failAt << " " << failed;
+    const bool isFinal = failed == "flush" || failed == "write" || failed == "truncate";
+    EXPECT_EQ(std::filesystem::exists(File(2)), isFinal && number == 0) << "after a failed " << failed;
+    if (failed.empty()) break;
+  }
+  EXPECT_GE(failures, 5);
+}
+
+TEST_F(ChangeJournalTest, SaysWhatKeepsItFromWriting) {
+  std::filesystem::remove_all(places.folder);
+  std::ofstream(places.folder) << "a file in the place of the session's folder";
+  EXPECT_FALSE(journal->Prepare());
+  std::filesystem::remove(places.folder);
+  EXPECT_TRUE(journal->Prepare()) << "a session's folder is made anew";
+  std::ofstream(places.stateFolder) << "in the way";
+  EXPECT_NE(Begin(), 0U);
+  EXPECT_THAT(journal->HeadTrouble(), testing::HasSubstr("cannot be kept in"));
+}
+
+}  // namespace
+}  // namespace kv

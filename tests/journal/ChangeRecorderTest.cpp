@@ -1,0 +1,127 @@
+#include "journal/ChangeRecorder.h"
+
+#include "desktop/ScriptedPrompts.h"
+#include "journal/JournalList.h"
+#include "sessions/SessionIni.h"
+#include "tests/journal/JournalFixture.h"
+#include "tests/support/SessionFixture.h"
+
+namespace kv {
+namespace {
+
+struct ChangeRecorderTest : testing::Test, test::SessionFixture {
+  VirtualPacer pacer;
+  ScriptedPrompts asked{[](const std::string& what) { ADD_FAILURE() << what; }};
+  test::FaultyDisk disk;
+  std::vector<std::string> told;
+  std::filesystem::path state = SessionFolder(shared).parent_path() / "state";
+  ChangeRecorder recorder{{.shared = shared,
+                           .stateFolder = state,
+                           .disk = disk,
+                           .prompts = asked,
+                           .pacer = pacer,
+                           .clock = pacer,
+                           .tell = [this](const std::string& text) { told.push_back(text); },
+                           .cure = "or say otherwise"}};
+  const ChangeRequest request{"unit 1: write MI 0", {"K220-22-R1", 7, "Mixer"}, "COM3"};
+
+  [[nodiscard]] JournalPlaces Places() const { return {SessionFolder(shared), state}; }
+  // "2 anna write done", a line an entry.
+  [[nodiscard]] std::string Recorded() {
+    std::string text;
+    for (const JournalEntry& entry : ListJournal(Places(), SystemJournalDisk(), pacer, {}).entries) {
+      if (entry.record.kind == RecordKind::Start) continue;
+      text += entry.record.user + "|" + entry.What() + "|" + entry.record.reason + "|" + entry.Result() + "\n";
+    }
+    return text;
+  }
+  bool Send(ChangeResult result = ChangeResult::Done) {
+    if (!recorder.BeforeRequest(request)) return false;
+    recorder.AfterRequest({result, ""});
+    return true;
+  }
+};
+
+TEST_F(ChangeRecorderTest, RecordsAnOperationOnceHoweverManyRequestsItTakes) {
+  shared.UserName = "anna";
+  {
+    OperationScope restoring(&recorder, {"Cloner", "restore"});
+    EXPECT_EQ(Recorded(), "") << "nothing has been sent";
+    for (int i = 0; i < 700; ++i) EXPECT_TRUE(Send(ChangeResult::Sent));
+    {
+      const OperationScope inner(&recorder, {"Cloner", "erase"});
+    }
+    EXPECT_EQ(Recorded(), "anna|restore||begun, and not ended\n") << "before the first request";
+    restoring.End({ChangeResult::Failed, "the link broke"});
+  }
+  {
+    const OperationScope reading(&recorder, {"Operand view", "read"});
+  }
+  {
+    const OperationScope writing(&recorder, {"Operand view", "write"});
+    EXPECT_TRUE(Send(ChangeResult::Refused));
+    EXPECT_TRUE(Send());
+  }
+  EXPECT_TRUE(Send());
+  EXPECT_EQ(Recorded(), "anna|restore||failed: the link broke\nanna|write||refused\nanna|unit 1: write MI 0||done\n");
+  EXPECT_THAT(recorder.Head(), testing::StartsWith("7 "));
+}
+
+TEST_F(ChangeRecorderTest, RefusesWhatItCannotRecordUnlessTheUserSaysOtherwise) {
+  std::filesystem::remove_all(SessionFolder(shared));
+  std::ofstream(SessionFolder(shared)) << "in the way";
+  asked.Press(PromptAnswer::No);
+  {
+    const OperationScope writing(&recorder, {"Operand view", "write"});
+    const auto refused = recorder.BeforeRequest(request);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().code, LinkErrorCode::NotRecorded);
+    EXPECT_TRUE(refused.error().isNotExecuted);
+    EXPECT_THAT(refused.error().cure, testing::HasSubstr("or say otherwise"));
+    EXPECT_FALSE(Send());
+  }
+  EXPECT_FALSE(Send()) << "a request of its own asks nobody";
+  asked.Press(PromptAnswer::Yes);
+  {
+    const OperationScope writing(&recorder, {"Operand view", "write"});
+    EXPECT_TRUE(Send());
+  }
+  {
+    const OperationScope again(&recorder, {"Operand view", "write"});
+    EXPECT_TRUE(Send()) << "one question for the session";
+  }
+  std::filesystem::remove(SessionFolder(shared));
+  {
+    const OperationScope again(&recorder, {"Operand view", "write"});
+    EXPECT_TRUE(Send());
+  }
+  EXPECT_THAT(Recorded(), testing::HasSubstr("2 operations before this one changed controllers without a record"));
+}
+
+TEST_F(ChangeRecorderTest, AsksForAReasonWhereTheSessionWantsOne) {
+  Put("KvTeleExe.ini", "[KvTeleExe]\r\nAskReason=1\r\n");
+  for (const char* reason : {"", "  ", "new recipe"}) {
+    asked.Enter(reason);
+    const OperationScope writing(&recorder, {"Operand view", "write"});
+    EXPECT_EQ(Send(), std::string(reason) == "new recipe");
+  }
+  recorder.UseReason("by script");
+  const OperationScope writing(&recorder, {"kvtele", "write"});
+  EXPECT_TRUE(Send());
+  EXPECT_THAT(Recorded(), testing::HasSubstr("|new recipe|"));
+  EXPECT_THAT(Recorded(), testing::HasSubstr("|by script|"));
+}
+
+TEST_F(ChangeRecorderTest, TellsAnEndThatCouldNotBeRecorded) {
+  {
+    const OperationScope writing(&recorder, {"Operand view", "write"});
+    EXPECT_TRUE(Send());
+    disk.calls = 0;
+    disk.failAt = 1;
+  }
+  ASSERT_EQ(told.size(), 1U);
+  EXPECT_THAT(told.front(), testing::HasSubstr("begun and not ended"));
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,133 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "desktop/VirtualPacer.h"
+#include "journal/ChangeJournal.h"
+#include "journal/JournalCheck.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace kv::test {
+
+// A disk of which the n-th call fails, counted over all its files; nothing is done by that call.
+class FaultyDisk final : public JournalDisk {
+ public:
+  int failAt = 0;  // 0: none
+  int calls = 0;
+  std::string failed;  // which call it was
+
+  [[nodiscard]] bool Fails(const char* call) {
+    if (++calls != failAt) return false;
+    failed = call;
+    return true;
+  }
+
+  [[nodiscard]] std::expected<std::unique_ptr<JournalFile>, std::error_code> Open(const std::filesystem::path& path,
+                                                                                  Access access) override;
+  void FlushFolder(const std::filesystem::path& folder) override { SystemJournalDisk().FlushFolder(folder); }
+
+  static std::error_code Full() { return std::make_error_code(std::errc::no_space_on_device); }
+};
+
+class FaultyFile final : public JournalFile {
+ public:
+  FaultyFile(FaultyDisk& disk, std::unique_ptr<JournalFile> file) : mDisk(disk), mFile(std::move(file)) {}
+
+  [[nodiscard]] std::expected<std::uint64_t, std::error_code> Size() override {
+    if (mDisk.Fails("size")) return std::unexpected(FaultyDisk::Full());
+    return mFile->Size();
+  }
+  [[nodiscard]] std::expected<std::string, std::error_code> Read(std::uint64_t at, std::size_t most) override {
+    if (mDisk.Fails("read")) return std::unexpected(FaultyDisk::Full());
+    return mFile->Read(at, most);
+  }
+  // A full disk takes a part.
+  [[nodiscard]] std::error_code Write(std::uint64_t at, std::string_view bytes) override {
+    if (!mDisk.Fails("write")) return mFile->Write(at, bytes);
+    (void)mFile->Write(at, bytes.substr(0, bytes.size() / 2));
+    return FaultyDisk::Full();
+  }
+  [[nodiscard]] std::error_code Flush() override { return mDisk.Fails("flush") ? FaultyDisk::Full() : mFile->Flush(); }
+  [[nodiscard]] std::error_code Truncate(std::uint64_t size) override {
+    return mDisk.Fails("truncate") ? FaultyDisk::Full() : mFile->Truncate(size);
+  }
+  [[nodiscard]] std::expected<bool, std::error_code> TryLock() override {
+    if (mDisk.Fails("lock")) return std::unexpected(FaultyDisk::Full());
+    return mFile->TryLock();
+  }
+
+ private:
+  FaultyDisk& mDisk;
+  std::unique_ptr<JournalFile> mFile;
+};
+
+inline std::expected<std::unique_ptr<JournalFile>, std::error_code> FaultyDisk::Open(const std::filesystem::path& path,
+                                                                                     Access access) {
+  if (Fails("open")) return std::unexpected(Full());
+  auto file = SystemJournalDisk().Open(path, access);
+  if (!file) return file;
+  return std::make_unique<FaultyFile>(*this, std::move(*file));
+}
+
+// A journal in a folder of its own, with its head in another one.
+struct JournalFixture {
+  TemporaryFolder temporary;
+  VirtualPacer pacer;
+  JournalPlaces places{temporary.Path() / "session", temporary.Path() / "state"};
+  FaultyDisk disk;
+  std::unique_ptr<ChangeJournal> journal;
+
+  JournalFixture() {
+    std::filesystem::create_directories(places.folder);
+    Reopen();
+  }
+
+  void Reopen() { journal = std::make_unique<ChangeJournal>(places, disk, pacer, pacer); }
+  std::uint64_t Begin(const std::string& what = "write operands") {
+    JournalRecord record{.kind = RecordKind::Begin, .user = "anna", .what = what};
+    record.operands = {{"MI 0..1", {"1", ""}, {"2", "3"}}};
+    pacer.Sleep(std::chrono::seconds(1));
+    return journal->Append(record).value_or(0);
+  }
+  std::uint64_t End(std::uint64_t of) {
+    return journal->Append({.kind = RecordKind::End, .of = of, .result = "done"}).value_or(0);
+  }
+  [[nodiscard]] std::filesystem::path File(unsigned segment = 1) const { return SegmentFile(places.folder, segment); }
+  [[nodiscard]] std::string Bytes(unsigned segment = 1) const { return Content(File(segment)); }
+  void Put(std::string_view bytes, unsigned segment = 1) const {
+    std::ofstream(File(segment), std::ios::binary | std::ios::trunc) << bytes;
+  }
+  [[nodiscard]] static std::string Content(const std::filesystem::path& file) {
+    std::ostringstream content;
+    content << std::ifstream(file, std::ios::binary).rdbuf();
+    return content.str();
+  }
+  [[nodiscard]] static std::vector<std::string> LinesOf(const std::string& bytes) {
+    std::vector<std::string> lines;
+    for (std::size_t from = 0, end = 0; (end = bytes.find('\n', from)) != std::string::npos; from = end + 1) {
+      lines.push_back(bytes.substr(from, end + 1 - from));
+    }
+    return lines;
+  }
+  [[nodiscard]] JournalCheck Check(std::vector<JournalAnchor> anchors = {}) {
+    return CheckJournal(places, SystemJournalDisk(), pacer, std::move(anchors));
+  }
+  // "altered 3; missing 5"; empty when it is in order.
+  [[nodiscard]] std::string Findings(std::vector<JournalAnchor> anchors = {}) {
+    std::string text;
+    for (const auto& each : Check(std::move(anchors)).findings) {
+      text += (text.empty() ? "" : "; ") + std::string(FaultWord(each.fault)) + " " + std::to_string(each.number);
+    }
+    return text;
+  }
+};
+
+}  // namespace kv::test
