@@ -7,12 +7,8 @@
 namespace kv::test {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-constexpr const char* kMismatch =
-    "Telepanel: There is a mismatch between PLC Type defined in Telepanel and connected PLC.";
 
 TEST(AurexOs, EachVersionHasItsOwnQuestions) {
   struct Row {
@@ -40,59 +36,6 @@ TEST(AurexOs, EachVersionHasItsOwnQuestions) {
     EXPECT_FALSE(change.RefusesFonts(130));
     const AurexOsChange fromBoot{row.installed, row.next, true};
     EXPECT_TRUE(fromBoot.ChangesBootLoader() && fromBoot.LosesDataTypes() && !fromBoot.NeedsMemorySaved());
-  }
-}
-
-// A file of each kind and each O/S model.
-std::vector<std::filesystem::path> PutSamples(AurexOsFixture& fixture) {
-  std::vector<std::filesystem::path> files;
-  const auto put = [&](const std::string& name, const std::string& content) {
-    files.push_back(fixture.home.Path() / name);
-    AurexOsFixture::PutFile(files.back(), content);
-  };
-  const std::pair<const char*, const char*> os[] = {{"K220", "K220-22-R1"}, {"K222", "K220-32"}, {"K330", "K330"}};
-  for (const auto& [osModel, model] : os) {
-    put("Aurex" + std::string(osModel) + "v47503.kos", SampleOs(model, {"4.75", 3}));
-  }
-  for (const char* model : {"Q50", "Q51", "Q58", "PX1", "PR1"}) {
-    put(sim::OsFileName(ModelCalled(model), {"4.71", 2}), SampleOs(model, {"4.71", 2}));
-  }
-  put("hall.dai", SampleProject("K220-22-R1"));
-  put("hall.d50", SampleProject("Q50", 200));
-  put("AurexFontv1300.kos", SampleFonts("K220-22-R1", {"1.30", 0}));
-  return files;
-}
-
-TEST(AurexOs, EveryModelGetsItsOwnAndRefusesEveryOtherFile) {
-  for (const sim::Model& model : sim::AllModels()) {
-    const bool hasOs = model.UnderstandsBlocks() && !model.HasColour();
-    for (const bool boot : {false, true}) {
-      AurexOsFixture fixture(std::string(model.name), "", boot);
-      const auto files = PutSamples(fixture);
-      const std::string truth = fixture.controller->Truth();
-      int done = 0;
-      for (const auto& file : files) {
-        SCOPED_TRACE(std::string(model.name) + " gets " + file.filename().string() + (boot ? " in boot" : ""));
-        const auto fonts = fixture.home.Path() / "AurexFontv1300.kft";
-        AurexOsFixture::PutFile(fonts, SampleFonts(hasOs ? std::string(model.name) : "K330", {"1.30", 0}));
-        fixture.desk.choice = {file, fonts};
-        if (hasOs && file.filename() == "Aurex" + std::string(model.osModel) + "v47503.kos") {
-          EXPECT_TRUE(fixture.Download()) << fixture.outcome.reason;
-          EXPECT_EQ(fixture.review->after.os, "4.75 (B03)");
-          EXPECT_THAT(fixture.controller->Truth(),
-                      testing::AnyOf(HasSubstr("|4.75|03|R"), HasSubstr("O/S 4.75;|B03;|R")));
-          ++done;
-          continue;
-        }
-        EXPECT_FALSE(fixture.Download());
-        EXPECT_EQ(fixture.outcome.end, DownloadEnd::Refused);
-        EXPECT_EQ(fixture.outcome.left, ControllerLeft::Untouched);
-        EXPECT_THAT(fixture.desk.said, ElementsAre(hasOs ? HasSubstr("Telepanel: PLC Type: ") : HasSubstr(kMismatch)));
-        EXPECT_THAT(fixture.controller->told, IsEmpty());
-      }
-      EXPECT_EQ(done, hasOs ? 1 : 0);
-      EXPECT_EQ(fixture.controller->Truth() == truth, !hasOs);
-    }
   }
 }
 
@@ -179,17 +122,15 @@ TEST(AurexOs, EverythingIsAskedInItsOrderAndNothingIsSentBefore) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.installed) + " to " + row.next + " at " + std::to_string(row.noAt));
-    AurexOsFixture fixture("K220-22-R1", row.installed, row.isInBoot);
-    fixture.Put("K220", {row.next, 3}, {row.fonts, 0});
+    AurexOsFixture fixture(Plc("K220-22-R1", row.installed, row.isInBoot));
+    fixture.Put({row.next, 3}, {row.fonts, 0});
     const bool isForced = row.said.size() > 5;
     if (isForced) fixture.controller->Tell("WO00000201F500010100000000");
-    fixture.desk.answer = [&](const MessageBox& box) {
-      return fixture.desk.said.size() == row.noAt ? LeastCommitting(box.buttons) : Consent(box.buttons);
-    };
+    fixture.desk.declinedAt = row.noAt;
     if (row.noAt == 2) fixture.desk.bios = BiosAnswer::Abort;
-    const std::string before = fixture.controller->Tell("RM000000100000010000000000").text;
-    EXPECT_EQ(fixture.Download(), row.end == DownloadEnd::Done) << fixture.outcome.reason;
-    EXPECT_EQ(fixture.outcome.end, row.end);
+    const std::string before = fixture.Memory();
+    (void)fixture.Download();
+    EXPECT_EQ(fixture.outcome.end, row.end) << fixture.outcome.reason;
     EXPECT_EQ(fixture.desk.said, row.said);
     ExpectSettled(fixture.desk.boxes);
     if (row.end != DownloadEnd::Done) {
@@ -198,7 +139,7 @@ TEST(AurexOs, EverythingIsAskedInItsOrderAndNothingIsSentBefore) {
     }
     EXPECT_THAT(fixture.controller->Truth(), HasSubstr(std::string("|") + row.next + "|03|R"));
     if (isForced) {
-      EXPECT_EQ(fixture.controller->Tell("RM000000100000010000000000").text, before) << "the memory is back";
+      EXPECT_EQ(fixture.Memory(), before) << "it is back";
       EXPECT_TRUE(std::filesystem::is_empty(fixture.paths.Temporary()));
     }
   }

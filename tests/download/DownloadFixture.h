@@ -4,113 +4,165 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "KvCmDrv1/Driver.h"
+#include "KvCmDrv1/ports/SimulatedPort.h"
+#include "base/ProgramPaths.h"
 #include "desktop/VirtualPacer.h"
+#include "download/DownloadOrder.h"
+#include "download/DownloadOutcome.h"
 #include "download/DownloadWindow.h"
-#include "simulator/SimulatedController.h"
+#include "tests/download/LoggedController.h"
+#include "tests/download/Samples.h"
+#include "tests/support/SilentCloner.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
 
-// A simulated controller that writes into a log what may change it: text commands ("CCS"), and block messages ("66").
-class LoggedController final : public sim::Controller {
- public:
-  LoggedController(std::unique_ptr<sim::Controller> inner, std::vector<std::string>& log)
-      : mInner(std::move(inner)), mLog(log) {}
+// The user: takes the files that are preselected and says yes, but to sending again.
+struct Desk : DownloadWindow, KnowingPrompts, SilentCloner {
+  std::vector<std::string> log;   // all that is shown or sent: "(!) Title: text", "Status text", "Bar 12", "CCS"
+  std::vector<std::string> said;  // "Title: the first line of the text", and "(bios)"
+  std::vector<MessageBox> boxes;
+  std::string declined;        // questions that hold this are answered with No,
+  std::size_t declinedAt = 0;  // and so is the one with this place in `said`
+  int retries = 0;             // how often a message may be sent again
+  BiosAnswer bios = BiosAnswer::Continue;
+  std::optional<AurexOsChoice> choice;
+  std::function<void(const MessageBox&)> onBox;  // while it is open
+  std::function<void(std::int64_t current, std::int64_t count)> onProgress;
+  std::function<void()> onMemoryLine;  // of the memory that is written back
 
-  std::function<void(const sim::BlockRequest& request, sim::BlockReply& reply)> onBlock;  // may change the reply
-  std::function<void(std::string_view command)> onText;                                   // before it is executed
-
-  void Advance(Instant now) override { mInner->Advance(now); }
-  sim::TextReply ExecuteText(std::string_view text, sim::ConnectionAccess& connection) override {
-    if (onText) onText(text);
-    sim::TextReply reply = mInner->ExecuteText(text, connection);
-    if (!reply.changesNothing) mLog.emplace_back(text.substr(0, text.starts_with("L") ? 2 : 8));
-    return reply;
+  void Clear() {
+    log.clear();
+    said.clear();
+    boxes.clear();
   }
-  sim::BlockReply ExecuteBlock(const sim::BlockRequest& request, sim::ConnectionAccess& connection) override {
-    sim::BlockReply reply = mInner->ExecuteBlock(request, connection);
-    const bool mayChange = request.opCode == 2 || (request.opCode >= 65 && request.opCode <= 69);
-    if (mayChange) mLog.push_back(std::to_string(request.opCode));
-    if (onBlock) onBlock(request, reply);
-    return reply;
+  void SetStatus(std::string_view text) override { log.push_back("Status " + std::string(text)); }
+  void Note(std::string_view text) override { log.push_back("Note " + std::string(text)); }
+  void ResetProgress(std::int64_t maximum) override {
+    log.push_back("Bar " + std::to_string(maximum));
+    mStepsLeft = maximum;
   }
-  void Restart() override { mInner->Restart(); }
-  bool UnderstandsBlocks() const override { return mInner->UnderstandsBlocks(); }
-  std::uint8_t Unit() const override { return mInner->Unit(); }
-  void SetLying(bool lying) override { mInner->SetLying(lying); }
-  std::expected<void, std::string> SaveState() override { return mInner->SaveState(); }
-
-  // Told past every line and the log.
-  std::string Tell(const std::string& text) {
-    sim::ConnectionAccess own{true};
-    return mInner->ExecuteText(text, own).text;
+  void StepProgress() override { EXPECT_GE(--mStepsLeft, 0); }
+  void ProgressInfo(int, std::int64_t current, std::int64_t count) override {
+    if (onProgress) onProgress(current, count);
   }
-  // State letter and project, "ROld".
-  std::string StateAndProject() {
-    const std::string reply = Tell("IN000000000000");
-    std::string told = reply.substr(14, 1);
-    for (std::size_t i = 15; i + 1 < reply.size(); i += 2) {
-      told += static_cast<char>(std::stoi(reply.substr(i, 2), nullptr, 16));
-    }
-    return told;
+  void Event_AddWriteCommand(std::string_view) override {
+    if (onMemoryLine) onMemoryLine();
+  }
+  AurexOsChoice ChooseAurexOs(const AurexOsLists& lists) override {
+    if (choice) return *choice;
+    const auto path = [](const FileList& list) {
+      return list.preselected ? list.files[*list.preselected].path : std::filesystem::path();
+    };
+    return {path(lists.os), path(lists.fonts)};
+  }
+  std::optional<std::size_t> ChooseCompactOs(const FileList& list) override { return list.preselected; }
+  BiosAnswer WarnOfIncompatibleBios() override {
+    said.emplace_back("(bios)");
+    return bios;
+  }
+  PromptAnswer Show(const MessageBox& box) override {
+    said.push_back(box.title + ": " + box.text.substr(0, box.text.find("\r\n")));
+    boxes.push_back(box);
+    const char sign = " i!?x"[static_cast<std::size_t>(box.icon)];
+    log.push_back(std::string("(") + sign + ") " + box.title + ": " + box.text);
+    if (onBox) onBox(box);
+    if (box.text.ends_with("Retry?")) return retries-- > 0 ? PromptAnswer::Yes : PromptAnswer::No;
+    EXPECT_TRUE(box.canLose || box.buttons == PromptButtons::Ok) << box.text;
+    const bool isDeclined = (!declined.empty() && box.text.contains(declined)) || said.size() == declinedAt;
+    return isDeclined ? LeastCommitting(box.buttons) : Consent(box.buttons);
   }
 
  private:
-  std::unique_ptr<sim::Controller> mInner;
-  std::vector<std::string>& mLog;
+  std::int64_t mStepsLeft = 0;
 };
 
-// The driver on a simulated line to a controller that is logged, on virtual time.
+// A download into a logged controller, on virtual time and over a simulated line. What is new has a name of its own.
 struct DownloadFixture {
-  explicit DownloadFixture(const std::string& model, sim::SimulatorOptions options = {}) {
-    options.model = model;
-    auto logged = std::make_unique<LoggedController>(sim::Controller::Create(options).value(), log);
+  explicit DownloadFixture(const sim::SimulatorOptions& options) {
+    auto logged = std::make_unique<LoggedController>(sim::Controller::Create(options).value());
     controller = logged.get();
+    controller->onTold = [this](const std::string& told) { desk.log.push_back(CommandOf(told)); };
     simulated = sim::SimulatedController::CreateAround(std::move(logged), options).value();
   }
-  Channel& Link() { return *(mChannel = driver.GetChannel()); }
-  void UseFault(const std::string& rule) { EXPECT_TRUE(simulated->UseFaults({rule})); }
-  void EndFaults() { EXPECT_TRUE(simulated->UseFaults({})); }
+  virtual ~DownloadFixture() = default;
+  DownloadFixture(const DownloadFixture&) = delete;
+  DownloadFixture& operator=(const DownloadFixture&) = delete;
 
+  // The old project, or O/S, and what is to be sent.
+  virtual void Prepare() = 0;
+  // What is in the controller, in the words of the page: "new O/S, stopped".
+  [[nodiscard]] virtual std::string Found() const = 0;
+
+  std::shared_ptr<Channel> Link() {
+    driver.UseSettings(settings, false);
+    return driver.GetChannel();
+  }
+  void UseFaults(const std::vector<std::string>& rules) { EXPECT_TRUE(simulated->UseFaults(rules)); }
+  bool Download() {
+    desk.Clear();
+    controller->told.clear();
+    const auto link = Link();
+    if (!link) return false;
+    Run(*link);
+    return outcome.end == DownloadEnd::Done;
+  }
+  // As a user does it later, on a good line.
+  bool DownloadAgain() {
+    UseFaults({});
+    controller->onBlock = nullptr;
+    controller->onText = nullptr;
+    controller->onlyAnswered.clear();
+    if (opensAnew) driver.CloseDriver();
+    pacer.Sleep(std::chrono::minutes(15));
+    return Download();
+  }
+
+  TemporaryFolder home;
+  ProgramPaths paths{home.Path()};
   VirtualPacer pacer;
-  std::vector<std::string> log;
+  Desk desk;
   LoggedController* controller = nullptr;
   std::unique_ptr<sim::SimulatedController> simulated;
-  TemporaryFolder folder;
-  Driver driver{pacer, [this](const std::string&) { return simulated->NewLine(); }, nullptr};
+  LinkSettings settings;
+  Driver driver{pacer, [this](const std::string&) { return simulated->NewLine(); },
+                [this](const LinkSettings& link, Pacer&, ListeningSocket*) {
+                  auto port = std::make_unique<SimulatedPort>(simulated->NewLine(), "", pacer);
+                  EXPECT_TRUE(port->SetBaudRate(link.baudRate));
+                  return port;
+                }};
+  DownloadOrder order{.link = "COM3"};
+  bool opensAnew = true;  // the link, before the download is repeated
+  DownloadOutcome outcome;
+  std::optional<DownloadReview> review;
 
- private:
-  std::shared_ptr<Channel> mChannel;
-};
+ protected:
+  virtual void Run(Channel& link) = 0;
 
-// Writes into the log what the engine shows, but for single steps of the bar.
-class LoggedDownloadWindow : public DownloadWindow {
- public:
-  explicit LoggedDownloadWindow(std::vector<std::string>& log) : mLog(log) {}
-
-  std::int64_t steps = 0;  // of the bar, since it was reset
-
-  void SetStatus(std::string_view text) override { mLog.push_back("Status " + std::string(text)); }
-  void Note(std::string_view text) override { mLog.push_back("Note " + std::string(text)); }
-  void ResetProgress(std::int64_t maximum) override {
-    mLog.push_back("Bar " + std::to_string(maximum));
-    mMaximum = maximum;
-    steps = 0;
+  template <typename Engine>
+  void Keep(const Engine& engine) {
+    outcome = engine.Outcome();
+    review = engine.Review();
   }
-  void StepProgress() override { EXPECT_LE(++steps, mMaximum); }
-  void ProgressInfo(int, std::int64_t, std::int64_t) override {}
-  AurexOsChoice ChooseAurexOs(const AurexOsLists&) override { return {}; }
-  std::optional<std::size_t> ChooseCompactOs(const FileList&) override { return {}; }
-  BiosAnswer WarnOfIncompatibleBios() override { return BiosAnswer::Abort; }
-
- private:
-  std::vector<std::string>& mLog;
-  std::int64_t mMaximum = 0;
+  [[nodiscard]] std::string WithState(const std::string& what) const {
+    const char state = controller->State();
+    return what + (state == 'R' ? "" : state == 'S' ? ", stopped" : ", loading");
+  }
 };
+
+inline sim::SimulatorOptions Plc(const std::string& model, const std::string& os = "", bool boot = false) {
+  sim::SimulatorOptions options;
+  options.model = model;
+  options.osVersion = os;
+  options.boot = boot;
+  options.memorySeed = 1;
+  return options;
+}
 
 }  // namespace kv::test

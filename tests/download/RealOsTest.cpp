@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "AurexOsFixture.h"
-#include "download/clsBrioQ50OSDownloader.h"
+#include "CompactOsFixture.h"
 #include "tests/matrix/RealFixture.h"
 
 namespace kv::test {
@@ -12,8 +11,7 @@ namespace {
 
 TEST(RealOs, IsReplacedByTheSecondDownloadWhereTheFirstOneFailed) {
   matrix::RealFixture fixture(Transport::Serial);
-  const auto file = fixture.folder.Path() / "Q58v4712.OSI";
-  AurexOsFixture::PutFile(file, SampleOs("Q58", {"4.71", 2}));
+  const auto file = fixture.folder.Put("Q58v4712.OSI", SampleOs("Q58", {"4.71", 2}));
   ASSERT_TRUE(fixture.Serve({"--model", "Q58", "--restart-time", "0", "--fault", "refuse:code=0D,on=OS,nth=8"}));
   for (const bool fails : {true, false}) {
     Channel* link = fixture.Link();  // at the usual speed

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "simulator/ModelTable.h"
@@ -16,6 +18,13 @@ inline const sim::Model& ModelCalled(const std::string& name) {
 inline std::string Good(const sim::FileOrFault& made) {
   EXPECT_TRUE(made) << made.error();
   return made.value_or("");
+}
+
+// Puts a file there, and makes the folders that it needs.
+inline std::filesystem::path PutFile(const std::filesystem::path& file, std::string_view content) {
+  std::filesystem::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << content;
+  return file;
 }
 
 inline std::string SampleProject(const std::string& model, std::size_t size = 5000) {

@@ -20,16 +20,13 @@ struct DownloadVerbs : ::testing::Test {
     fixture.home.Put("cut.dai", SampleProject("K220-22-R1").substr(0, 2000));
     fixture.home.Put("q50.dai", SampleProject("AurexQ50"));
     fixture.home.Put("no.dai", std::string(200, 'x'));
-    const auto put = [this](const std::string& folder, const std::string& name, const std::string& content) {
-      std::filesystem::create_directories(fixture.home.Path() / folder);
-      fixture.home.Put(folder + "/" + name, content);
-    };
-    put("Os Aurex/K220", "AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
-    put("Os Aurex/K220", "AurexK220v37310.kos", SampleOs("K220-22-R1", {"3.73", 10}));
-    put("Os Aurex/K220", "AurexFontv1300.kft", SampleFonts("K220-22-R1", {"1.30", 0}));
-    put("Os Aurex/K330", "AurexK330v47503.kos", SampleOs("K330", {"4.75", 3}));
-    put("Os Aurex/K222", "AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
-    put("OS/OS51", "Q51v4712.OSI", SampleOs("Q51", {"4.71", 2}));
+    const auto aurex = fixture.home.Path() / "Os Aurex";
+    PutFile(aurex / "K220/AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
+    PutFile(aurex / "K220/AurexK220v37310.kos", SampleOs("K220-22-R1", {"3.73", 10}));
+    PutFile(aurex / "K220/AurexFontv1300.kft", SampleFonts("K220-22-R1", {"1.30", 0}));
+    PutFile(aurex / "K330/AurexK330v47503.kos", SampleOs("K330", {"4.75", 3}));
+    PutFile(aurex / "K222/AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
+    PutFile(fixture.home.Path() / "OS/OS51/Q51v4712.OSI", SampleOs("Q51", {"4.71", 2}));
   }
 };
 
@@ -52,62 +49,70 @@ TEST_F(DownloadVerbs, InfoTellsWhatEachKindOfFileIs) {
   }
 }
 
-TEST_F(DownloadVerbs, AProjectGoesInAndTheControllerThenNamesIt) {
-  for (const auto& [model, file] : {std::pair("K220-22-R1", "@hall.dai"), std::pair("Q50", "@hall.d50")}) {
-    const std::string download = std::string("download project ") + file;
-    const Result dry = fixture.On(model, download + " --dry-run");
-    EXPECT_EQ(dry.exit, 0) << dry.err;
+TEST_F(DownloadVerbs, WhatGoesInIsAskedAboutAndReportedAfterwards) {
+  struct Row {
+    const char* model;
+    const char* what;
+    const char* asked;
+    const char* begins;  // the first command, which a dry run does not send
+    const char* after;
+  };
+  const Row rows[] = {
+      {"K220-22-R1", "project @hall.dai", "Download it? [y/N] yes (--dry-run)", "/01CCS", "\"project\": \"Hall 7\""},
+      {"Q50", "project @hall.d50", "Download it? [y/N] yes (--dry-run)", "/01CCS", "\"project\": \"Hall 7\""},
+      {"K220-22-R1", "os", "Continue ? [y/N] yes (--dry-run)", "CCB", "4.75 (B03)"},
+      {"Q51", "os", "Continue ? [y/N] yes (--dry-run)", "CCB", "4.71 (B02)"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::string(row.model) + " " + row.what);
+    const std::string download = std::string("download ") + row.what;
+    const Result dry = fixture.On(row.model, download + " --dry-run");
+    EXPECT_EQ(dry.exit, 0);
     EXPECT_THAT(dry.out, HasSubstr("would go on now"));
-    EXPECT_THAT(dry.err, AllOf(HasSubstr("To send: "), HasSubstr("Download it? [y/N] yes (--dry-run)")));
-    EXPECT_THAT(dry.trace, Not(HasSubstr("/01CCS")));
-    const Result done = fixture.On(model, "--yes " + download);
+    EXPECT_THAT(dry.err, AllOf(HasSubstr("To send: "), HasSubstr(row.asked)));
+    EXPECT_THAT(dry.trace, Not(HasSubstr(row.begins)));
+    const Result done = fixture.On(row.model, "--yes --json " + download);
     EXPECT_EQ(done.exit, 0) << done.err;
-    EXPECT_THAT(done.out, HasSubstr("Project       (none)                      Hall 7\n"));
-    EXPECT_THAT(fixture.On(model, "identify").out, HasSubstr("Hall 7"));
-    EXPECT_THAT(fixture.On(model, "--json --yes " + download).out, HasSubstr("\"project\": \"Hall 7\""));
+    EXPECT_THAT(done.out, AllOf(HasSubstr("\"after\": {"), HasSubstr(row.after), HasSubstr("\"file\": ")));
   }
+  fixture.ReplaceController("K220-22-R1");
+  EXPECT_THAT(fixture.On("K220-22-R1", "--yes download project @hall.dai").out,
+              HasSubstr("Project       (none)                      Hall 7\n"));
+  EXPECT_THAT(fixture.On("K220-22-R1", "identify").out, HasSubstr("Hall 7"));
+  EXPECT_THAT(fixture.On("Q51", "download os --list").out, HasSubstr("  * O"));
 }
 
-TEST_F(DownloadVerbs, AnOsGoesInAndTheControllerThenReportsIt) {
-  for (const auto& [model, os] : {std::pair("K220-22-R1", "4.75 (B03)"), std::pair("Q51", "4.71 (B02)")}) {
-    EXPECT_THAT(fixture.On(model, "download os --list").out, HasSubstr("  * O"));
-    const Result dry = fixture.On(model, "download os --dry-run");
-    EXPECT_EQ(dry.exit, 0) << dry.err;
-    EXPECT_THAT(dry.err, HasSubstr("Continue ? [y/N] yes (--dry-run)"));
-    EXPECT_THAT(dry.trace, Not(HasSubstr("CCB")));
-    const Result done = fixture.On(model, "--yes --json download os");
-    EXPECT_EQ(done.exit, 0) << done.err;
-    EXPECT_THAT(done.out, AllOf(HasSubstr("\"after\": {"), HasSubstr(os), HasSubstr("\"file\": ")));
-  }
-}
-
-// Also by who consents to everything beforehand.
+// Neither into one that runs its boot loader, nor when everything is consented to beforehand.
 TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
-  std::vector<std::string> files;
+  std::vector<std::string> files = {"hall.dai", "hall.d50"};
   for (const char* name : {"K220-22-R1", "K220-32", "K330", "Q50", "Q51", "Q58", "PX1", "PR1"}) {
     const sim::OsVersion os{name[0] == 'K' ? "4.75" : "4.71", 2};
     files.push_back(sim::OsFileName(ModelCalled(name), os));
     fixture.home.Put(files.back(), SampleOs(name, os));
   }
   for (const sim::Model& model : sim::AllModels()) {
+    const std::string name(model.name);
     const bool isAurex = model.UnderstandsBlocks() && !model.HasColour();
-    fixture.home.Put("AurexFontv1300.kft", SampleFonts(isAurex ? std::string(model.name) : "K330", {"1.30", 0}));
-    int done = 0;
-    for (const std::string& file : files) {
-      SCOPED_TRACE(std::string(model.name) + " " + file);
-      const bool isOfAurex = file.ends_with(".kos");
-      const Result result = fixture.On("'" + std::string(model.name) + "'",
-                                       "--yes --password 1 download os --lose-project --lose-values --file @" + file +
-                                           (isOfAurex ? " --fonts @AurexFontv1300.kft" : ""));
-      if (result.exit == 0) {
-        ++done;
-        EXPECT_THAT(file, HasSubstr(isAurex ? "Aurex" + std::string(model.osModel) : std::string(model.osModel)));
-        continue;
+    fixture.home.Put("AurexFontv1300.kft", SampleFonts(isAurex ? name : "K330", {"1.30", 0}));
+    for (const bool boot : {false, true}) {
+      fixture.options.boot = boot;
+      int done = 0;
+      for (const std::string& file : files) {
+        SCOPED_TRACE(name + " " + file + (boot ? " in boot" : ""));
+        fixture.ReplaceController(name);
+        const Result result =
+            fixture.On("'" + name + "'", "--yes --password 1 download os --lose-project --lose-values --file @" + file +
+                                             (file.ends_with(".kos") ? " --fonts @AurexFontv1300.kft" : ""));
+        if (result.exit == 0) {
+          ++done;
+          EXPECT_THAT(file, HasSubstr(isAurex ? "Aurex" + std::string(model.osModel) : std::string(model.osModel)));
+          continue;
+        }
+        EXPECT_EQ(result.exit, 4) << result.err;
+        EXPECT_THAT(result.trace, Not(::testing::ContainsRegex("/01(CC[BSE]|FS05|OS[ECP])")));
       }
-      EXPECT_EQ(result.exit, 4) << result.err;
-      EXPECT_THAT(result.trace, Not(::testing::ContainsRegex("/01(CC[BSE]|FS05|OS[ECP])")));
+      EXPECT_EQ(done, model.HasColour() ? 0 : 1) << name;
     }
-    EXPECT_EQ(done, model.HasColour() ? 0 : 1) << model.name;
   }
 }
 

@@ -177,14 +177,14 @@ TEST(Failures, OfWhatTheControllerIsComeBeforeAnyOperandIsAskedFor) {
 }
 
 // 150 words: three requests.
-std::string LongWrite(const std::string& type = "DBI") {
-  std::string line = "write " + type + " 0";
+std::string LongWrite() {
+  std::string line = "--link sim:Q50 write DBI 0";
   for (int i = 0; i < 150; ++i) line += " 1";
   return line;
 }
 
 TEST(Failures, InTheMiddleSayHowFarItWas) {
-  const std::string longWrite = "--link sim:Q50 " + LongWrite();
+  const std::string longWrite = LongWrite();
   const char* const write = "--link sim:Q50 regions write @two.axt @two.csv --yes";
   const FailingCommand rows[] = {
       {"--link sim:Q50 read MI 0", 4, "busy", "busy", "busy:on=RO"},
@@ -196,6 +196,7 @@ TEST(Failures, InTheMiddleSayHowFarItWas) {
       {longWrite.c_str(), 4, "refused", "DBI 0..119 had been written before", "refuse:on=WO,code=06,nth=3"},
       {longWrite.c_str(), 7, "unsure", "DBI 60..119 may have been written; DBI 0..59 had been written before",
        "lost:on=WO,nth=2,dir=in,away=600000"},
+      {longWrite.c_str(), 130, "interrupted", "DBI 0..59 had been written before", "late:on=WO,nth=2,ms=900"},
       {write, 5, "differs", "MB 0 reads 0 instead of 1", "lie:on=WO,nth=2"},
       {write, 4, "refused", "2 of 3 values had been written before", "refuse:on=WO,code=06,nth=2"},
       {write, 4, "refused", "nothing was written", "refuse:on=WO,code=06"},
@@ -210,6 +211,8 @@ TEST(Failures, InTheMiddleSayHowFarItWas) {
     CommandFixture fixture;
     fixture.home.Put("two.axt", "Version 100\r\nQ50\r\n2\tMI\t0\t1\t\r\n1\tMB\t0\t0\t\r\n\r\n");
     fixture.home.Put("two.csv", "MI,0,5\nMI,1,6\nMB,0,1\n");
+    const auto stop = [&] { fixture.pacer.RequestStop(); };  // as Ctrl-C does
+    if (row.exit == 130) fixture.pacer.After(std::chrono::milliseconds(400), stop);
     fixture.ExpectFailure(row);
   }
 }

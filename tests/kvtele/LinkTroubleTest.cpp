@@ -92,15 +92,5 @@ TEST(DialIn, WhoWasDroppedIsToldThoughTheControllerCame) {
   EXPECT_EQ(result.err, "A caller was dropped: caller 1: it does not answer\n");
 }
 
-// Stopped while the second of three requests waits for a reply that is late.
-TEST(CtrlC, EndsACommandThatSaysHowFarItWas) {
-  std::string longWrite = "--link sim:Q58 write MI 0";
-  for (int i = 0; i < 150; ++i) longWrite += " 1";
-  CommandFixture fixture;
-  fixture.pacer.After(std::chrono::milliseconds(400), [&] { fixture.pacer.RequestStop(); });
-  fixture.ExpectFailure(
-      {longWrite.c_str(), 130, "interrupted", "MI 0..59 had been written before", "late:on=WO,nth=2,ms=900"});
-}
-
 }  // namespace
 }  // namespace kv::test

@@ -53,20 +53,6 @@ TEST(WriteAndRead, BringsBackWhatWasWritten) {
   }
 }
 
-TEST(Read, SplitsLongRangesAndLosesNothing) {
-  CommandFixture fixture;
-  std::string write = "write DBI 1";
-  std::string expected;
-  for (int i = 1; i <= 150; ++i) {
-    write += " " + std::to_string(i - 75);
-    expected += std::to_string(i) + "\t" + std::to_string(i - 75) + "\n";
-  }
-  EXPECT_EQ(fixture.On("Q50", write).exit, 0);
-  const Result result = fixture.On("Q50", "read DBI 1 150");
-  EXPECT_EQ(result.out, expected);
-  EXPECT_THAT(result.trace, HasSubstr("read DBI 121..150]"));
-}
-
 TEST(Write, ShowsItsProgressOnATerminalOnlyAndWipesIt) {
   CommandFixture fixture;
   EXPECT_EQ(fixture.On("K670", "write MF 0 1 2").err, "Written and read back: MF 0..1\n");
