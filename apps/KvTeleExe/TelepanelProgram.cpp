@@ -20,6 +20,7 @@ constexpr std::chrono::milliseconds kSocketInterval{200};
 TelepanelProgram::TelepanelProgram(const std::filesystem::path& home)
     : mPaths(home),
       mPrompts(WindowsFile(mPaths)),
+      mHelp(mPaths, mPrompts, WindowsFile(mPaths)),
       mControllers(mPaths.Session(kDefaultSession)),
       mDialogs({.pacer = mPacer,
                 .prompts = mPrompts,
@@ -54,6 +55,7 @@ HostParts TelepanelProgram::Parts() {
   };
   parts.prompts = &mPrompts;
   parts.shell = &mShell;
+  parts.help = &mHelp;
   return parts;
 }
 

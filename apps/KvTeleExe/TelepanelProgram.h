@@ -13,7 +13,10 @@
 #include "desktop/ui/QtPacer.h"
 #include "desktop/ui/QtPrompts.h"
 #include "desktop/ui/QtShell.h"
+#include "help/ui/HelpKey.h"
+#include "help/ui/HelpWindow.h"
 #include "host/HostParts.h"
+#include "host/clsHelpHandler.h"
 #include "link/PromptedPassword.h"
 
 namespace kv {
@@ -41,6 +44,9 @@ class TelepanelProgram {
   PromptedPassword mPassword{mPrompts, "do it again, and enter the controller's password when you are asked for it"};
   QtClipboard mClipboard;
   QtShell mShell;
+  HelpWindow mHelp;
+  clsHelpHandler mHelpHandler{mPaths, mHelp};
+  HelpKey mHelpKey{[this](std::int32_t number) { mHelpHandler.ShowHTMLHelpByMapNumber(number); }};
   SimulatedControllers mControllers;
   QtDriverDialogs mDialogs;
   Driver* mDriver = nullptr;  // while the program runs

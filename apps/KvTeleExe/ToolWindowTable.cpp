@@ -15,23 +15,23 @@ namespace {
 using Made = std::unique_ptr<QDialog>;
 
 constexpr std::array kTable{
-    ToolWindowRow{"ID_DataTypes", "",
+    ToolWindowRow{"ID_DataTypes",
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
                     const mdlDataTypesView::DataTypesViewParts parts{of.shared,    of.prompts,     of.pacer,
                                                                      of.clipboard, of.hexSelector, of.clock};
                     return std::make_unique<frmDataTypesView>(parts, of.pacer, parent);
                   }},
-    ToolWindowRow{"ID_Downloader", "Downloader.html",
+    ToolWindowRow{"ID_Downloader",
                   [](const WindowServices& of, const std::string& user, QWidget* parent) -> Made {
                     const DownloaderServices services{of.shared, of.prompts, of.pacer, of.clock};
                     return std::make_unique<frmDownloader>(services, user, parent);
                   }},
-    ToolWindowRow{"ID_DumpPLC", "",
+    ToolWindowRow{"ID_DumpPLC",
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
-                    const ClonerServices services{of.shared, of.prompts, of.pacer, of.clock, of.shell};
+                    const ClonerServices services{of.shared, of.prompts, of.pacer, of.clock};
                     return std::make_unique<frmDumpPLC>(services, parent);
                   }},
-    ToolWindowRow{"ID_Session", "Sessions.html",
+    ToolWindowRow{"ID_Session",
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
                     return std::make_unique<frmSession>(of.shared, of.prompts, parent);
                   }},
@@ -48,7 +48,7 @@ ToolWindows MakeToolWindows(const WindowServices& services) {
   for (const ToolWindowRow& row : kTable) {
     windows[std::string(row.id)] = [&row, services](const std::string& argument) {
       Made dialog = row.make(services, argument, QApplication::activeWindow());
-      return std::make_unique<DialogWindow>(std::move(dialog), row.topic, services);
+      return std::make_unique<DialogWindow>(std::move(dialog), services);
     };
   }
   return windows;

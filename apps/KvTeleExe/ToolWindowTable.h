@@ -29,12 +29,11 @@ struct WindowServices {
   std::filesystem::path windowsFile;  // where windows remember their places
 };
 
-// One tool window: the id of its tool in the menus, its page in the folder of the help, and how it is made.
+// One tool window: the id of its tool in the menus, and how it is made.
 struct ToolWindowRow {
   using Make = std::unique_ptr<QDialog> (*)(const WindowServices& of, const std::string& argument, QWidget* parent);
 
   std::string_view id;
-  std::string_view topic;  // F1 opens it; empty: the window has a help command of its own
   Make make;
 };
 

@@ -7,6 +7,7 @@
 #include "base/ProgramPaths.h"
 #include "desktop/Prompts.h"
 #include "desktop/Shell.h"
+#include "help/HelpViewer.h"
 #include "host/PanelDesigner.h"
 #include "host/ToolWindow.h"
 #include "link/CommDriver.h"
@@ -29,6 +30,7 @@ struct HostParts {
   std::function<std::unique_ptr<PanelDesigner>()> createPanelDesigner{};  // empty: this build has none
   Prompts* prompts = nullptr;
   Shell* shell = nullptr;
+  HelpViewer* help = nullptr;  // empty: this build has none of its own
 };
 
 }  // namespace kv

@@ -7,6 +7,7 @@
 
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
+#include "help/HelpTopics.h"
 #include "host/DesignFiles.h"
 #include "host/ModalBracket.h"
 #include "link/identification/GoOnline.h"
@@ -137,7 +138,11 @@ void clsCallerExe::Help(const std::string& argument) {
     return;
   }
   if (HelpSuppressed) return;
-  Open("", mParts.paths.Help() / "KvTeleExe.chm");
+  const auto opened = mParts.shell->Open("", Utf8FromPath(mParts.paths.Help() / kHelpFile), "");
+  if (opened) return;
+  // Nothing on this computer shows such files, or the file is missing: the help's own window knows what to do.
+  if (!mParts.help) return Warn(opened.error());
+  mParts.help->ShowTopic(HelpTopics().front().number);
 }
 
 void clsCallerExe::Session(const std::string& argument) {

@@ -53,14 +53,6 @@ struct WatchedPrompts : LoggedPrompts {
 
 constexpr Duration kRestart = std::chrono::milliseconds(300);  // of a controller, with some to spare
 
-struct NotedShell : Shell {
-  std::string opened;
-  std::expected<void, std::string> Open(std::string_view, std::string_view file, std::string_view) override {
-    opened = file;
-    return {};
-  }
-};
-
 class ClonerWindowTest : public ::testing::Test {
  protected:
   ClonerWindowTest() {
@@ -89,8 +81,7 @@ class ClonerWindowTest : public ::testing::Test {
   }
   void Open() {
     window = std::make_unique<frmDumpPLC>(
-        ClonerServices{.shared = fixture.shared, .prompts = prompts, .pacer = pacer, .clock = clock, .shell = shell},
-        nullptr);
+        ClonerServices{.shared = fixture.shared, .prompts = prompts, .pacer = pacer, .clock = clock}, nullptr);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
   }
@@ -151,7 +142,6 @@ class ClonerWindowTest : public ::testing::Test {
   WatchedPrompts prompts{fixture.log};
   QtPacer pacer;
   PacerWallClock clock;
-  NotedShell shell;
   std::uint32_t plugged = 0;  // controllers so far
   std::unique_ptr<sim::SimulatedController> controller;
   PromptedPassword password{prompts, "enter it"};
@@ -419,8 +409,6 @@ TEST_F(ClonerWindowTest, StaysIdleWhenADialogIsCancelledOrNobodyIsThere) {
   EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
   EXPECT_EQ(TemporaryFolder::Content(file), "kept");
   EXPECT_EQ(Look(), kIdleLook);
-  Trigger("ID_ClonerHelp");
-  EXPECT_THAT(shell.opened, ::testing::EndsWith("help/Cloner.html"));
 }
 
 TEST(DumpList, KeepsTheLastLinesOfABigFile) {

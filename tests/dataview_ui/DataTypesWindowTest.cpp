@@ -427,13 +427,5 @@ TEST_F(DataTypesWindowTest, ASelectedRegionIsBroughtIntoSightAndHasAMenu) {
   }
 }
 
-TEST_F(DataTypesWindowTest, TheHelpIsTheHosts) {
-  Open();
-  session.host.OnToolClicked = [&](const std::string& id, const std::string&) { session.log.push_back(id); };
-  session.log.clear();
-  Trigger("ID_Help");
-  EXPECT_THAT(session.log, ElementsAre("ID_Help"));
-}
-
 }  // namespace
 }  // namespace kv::test

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/PathText.h"
+#include "host/clsHelpHandler.h"
 #include "sessions/RecentCaches.h"
 #include "sessions/SessionIni.h"
 #include "tests/host/HostFixture.h"
@@ -99,6 +101,26 @@ TEST_F(ToolsTest, AModelOfAnotherFamilyDeletesTheGrids) {
     EXPECT_EQ(HasFile("vsfRegions_1.vsf"), row.kept) << row.from << " to " << row.to;
     EXPECT_EQ(LastModel(shared), row.to);
   }
+}
+
+struct FakeHelp final : HelpViewer {
+  std::vector<std::int32_t> shown;
+  void ShowTopic(std::int32_t mapNumber) override { shown.push_back(mapNumber); }
+};
+
+TEST_F(ToolsTest, HelpOpensInItsOwnWindowWhereTheShellHasNoViewer) {
+  FakeHelp viewer;
+  parts.help = &viewer;
+  shell.result = std::unexpected("no program on this computer is set up to open it");
+  EXPECT_THAT(CallsOf("ID_Help"), ElementsAre(testing::StartsWith("Shell"))) << "and no complaint";
+  EXPECT_THAT(viewer.shown, ElementsAre(100));
+
+  clsHelpHandler handler(shared.paths, viewer);
+  EXPECT_EQ(handler.CadinzaHelpFileName(), "KvTeleExe.chm");
+  EXPECT_EQ(PathFromUtf8(handler.TPHelpFilePath()), shared.paths.Home() / "help" / "");
+  EXPECT_EQ(handler.TPHelpFilePathAndName(), handler.TPHelpFilePath() + "KvTeleExe.chm");
+  handler.ShowHTMLHelpByMapNumber(400);
+  EXPECT_EQ(viewer.shown.back(), 400);
 }
 
 TEST_F(ToolsTest, HelpIsQuietUntilEscape) {

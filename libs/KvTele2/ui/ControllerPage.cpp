@@ -8,6 +8,7 @@
 #include <array>
 
 #include "desktop/ui/Commands.h"
+#include "desktop/ui/HelpLink.h"
 #include "desktop/ui/Icons.h"
 
 namespace kv {
@@ -82,6 +83,7 @@ void ControllerPage::BuildHeading() {
   mTrouble->setTextFormat(Qt::PlainText);
   mTrouble->setWordWrap(true);
   mTrouble->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  mHelp = new HelpLink(this);
 
   auto* heading = new QHBoxLayout;
   heading->addWidget(mPicture);
@@ -89,6 +91,7 @@ void ControllerPage::BuildHeading() {
   auto* page = static_cast<QVBoxLayout*>(layout());
   page->addLayout(heading);
   page->addWidget(mTrouble);
+  page->addWidget(mHelp);
 }
 
 void ControllerPage::BuildFacts() {
@@ -140,6 +143,7 @@ void ControllerPage::ShowConnection(const HostState& state) {
   mConnection->setText(QString::fromStdString(ConnectionHeading(state)));
   mTrouble->setText(QString::fromStdString(state.trouble).remove('\r'));
   mTrouble->setVisible(!state.trouble.empty());
+  mHelp->Follow(mTrouble->text());
 }
 
 void ControllerPage::ShowFacts(const HostState& state) {

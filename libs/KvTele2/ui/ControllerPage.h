@@ -11,6 +11,7 @@ class QLabel;
 namespace kv {
 
 class ElidedLabel;
+class HelpLink;
 
 // The page in the middle of the main window: whom the program is connected to, and how good the link is.
 class ControllerPage final : public QWidget {
@@ -29,6 +30,7 @@ class ControllerPage final : public QWidget {
   QLabel* mPicture = nullptr;
   QLabel* mConnection = nullptr;
   QLabel* mTrouble = nullptr;
+  HelpLink* mHelp = nullptr;
   QLabel* mPages = nullptr;
   QGroupBox* mController = nullptr;
   QGroupBox* mLink = nullptr;

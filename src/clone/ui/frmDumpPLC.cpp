@@ -23,7 +23,6 @@
 #include "clone/ui/DumpList.h"
 #include "clone/ui/frmDumpPLCOperation.h"
 #include "desktop/ui/Commands.h"
-#include "desktop/ui/HelpPage.h"
 #include "link/ControllerErrorText.h"
 
 // What the window does; how it looks is in frmDumpPLCLayout.cpp.
@@ -197,11 +196,6 @@ void frmDumpPLC::StopDump() {
   mEngine->StopDump();
   mServices.pacer.RequestStop();
   mProgressText->setText("Stopping");
-}
-
-void frmDumpPLC::ShowHelp() {
-  OpenHelpPage(mServices.shell, mServices.prompts, mServices.shared.paths.Help() / "Cloner.html",
-               std::string(kClonerCaption));
 }
 
 void frmDumpPLC::ShowNoLink(const std::string& what) {

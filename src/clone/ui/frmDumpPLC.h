@@ -36,7 +36,6 @@ struct ClonerServices {
   Prompts& prompts;
   QtPacer& pacer;
   const WallClock& clock;
-  Shell& shell;
 };
 
 // The cloner: makes a clone file of the connected controller, restores one into it, compares both, and shows how far it
@@ -110,7 +109,6 @@ class frmDumpPLC final : public QDialog, public DumpWindow {
                       bool isWithController);
 
   void StopDump();
-  void ShowHelp();
 
   void ShowNoLink(const std::string& what);
   void ShowOutcome(const std::string& what, const CloneOutcome& outcome, const std::filesystem::path& file);

@@ -18,6 +18,8 @@
 #include "clone/ui/DumpList.h"
 #include "clone/ui/frmDumpPLC.h"
 #include "desktop/ui/Commands.h"
+#include "desktop/ui/HelpLink.h"
+#include "desktop/ui/HelpRequest.h"
 #include "desktop/ui/Icons.h"
 
 namespace kv {
@@ -69,7 +71,7 @@ void frmDumpPLC::BuildTools() {
   connect(mCompare, &QAction::triggered, this, [this] { CompareClones(); });
   connect(mStop, &QAction::triggered, this, [this] { StopDump(); });
   connect(mExit, &QAction::triggered, this, [this] { close(); });
-  connect(mHelp, &QAction::triggered, this, [this] { ShowHelp(); });
+  connect(mHelp, &QAction::triggered, this, [this] { RequestHelp(*this); });
 }
 
 QAction* frmDumpPLC::AddTool(const char* id, const QIcon& icon, const QString& text, const QKeySequence& shortcut,
@@ -197,10 +199,13 @@ void frmDumpPLC::ArrangeControls() {
   parts->setStretchFactor(0, 1);
   parts->setStretchFactor(1, 0);
   parts->setSizes({kGridHeight, kInformationHeight});
+  auto* help = new HelpLink(this);
+  help->FollowLast(*mInformation);
   auto* page = new QVBoxLayout(this);
   page->addWidget(bar);
   page->addWidget(mWhose);
   page->addWidget(parts, 1);
+  page->addWidget(help);
   page->addWidget(mProgressBar);
   page->addWidget(mProgressText);
 }

@@ -8,6 +8,7 @@
 #include "dataview/DataTypesView.h"
 #include "dataview/ui/ScrolledText.h"
 #include "desktop/ui/Commands.h"
+#include "desktop/ui/HelpLink.h"
 #include "desktop/ui/Icons.h"
 
 namespace kv::mdlDataTypesView {
@@ -34,7 +35,8 @@ ViewBanner::ViewBanner(DataTypesView& view, QWidget* parent)
       mLoss(Text("lblLoss", "What was refused, or why the controller is out of reach", this)),
       mGoOn(new QPushButton(IconOf("online"), "&Go on line again", this)),
       mByItself(new QCheckBox(this)),
-      mFold(new QPushButton(this)) {
+      mFold(new QPushButton(this)),
+      mHelp(new HelpLink(this)) {
   setObjectName("bnrController");
   setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
   mGoOn->setObjectName("cmdWatchAgain");
@@ -55,6 +57,7 @@ ViewBanner::ViewBanner(DataTypesView& view, QWidget* parent)
   auto* ways = new QHBoxLayout;
   ways->addWidget(mGoOn);
   ways->addWidget(mByItself);
+  ways->addWidget(mHelp);
   ways->addStretch();
   ways->addWidget(mFold);
   texts->addLayout(ways);
@@ -82,7 +85,9 @@ void ViewBanner::Follow() {
 bool ViewBanner::ShowLoss() {
   const ViewStatus& status = mView.Status();
   const std::string lost = status.loss ? status.loss->Text() : std::string();
-  const bool isOther = mLoss->SetText(QString::fromStdString(status.refusal.empty() ? lost : status.refusal));
+  const QString text = QString::fromStdString(status.refusal.empty() ? lost : status.refusal);
+  const bool isOther = mLoss->SetText(text);
+  mHelp->Follow(text);
   const bool wasWatching = status.loss && status.loss->wasWatching;
   mGoOn->setVisible(mView.IsOtherController() ? mView.CanTakeOther() : wasWatching);
   mByItself->setVisible(wasWatching);

@@ -6,6 +6,10 @@
 class QCheckBox;
 class QPushButton;
 
+namespace kv {
+class HelpLink;
+}
+
 namespace kv::mdlDataTypesView {
 
 class DataTypesView;
@@ -39,6 +43,7 @@ class ViewBanner final : public QFrame {
   QPushButton* mGoOn;
   QCheckBox* mByItself;
   QPushButton* mFold;
+  HelpLink* mHelp;
   bool mIsFolded = false;
 };
 

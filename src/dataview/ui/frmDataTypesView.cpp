@@ -16,6 +16,7 @@
 #include "dataview/ui/ToolBands.h"
 #include "dataview/ui/ViewBanner.h"
 #include "dataview/ui/ViewStatusBar.h"
+#include "desktop/ui/HelpRequest.h"
 #include "desktop/ui/Icons.h"
 
 namespace kv {
@@ -31,7 +32,6 @@ constexpr std::chrono::seconds kAgeInterval{1};
 // A single answer that takes longer is shown as a wait, so that it can be cancelled.
 constexpr std::chrono::milliseconds kStallLimit{1000};
 constexpr int kColumnStep = 2;  // characters
-constexpr const char* kHelpTopic = "Data Types";
 
 QWidget* Pane(QWidget& band, QWidget& grid, QSplitter* parent) {
   auto* pane = new QWidget(parent);
@@ -278,7 +278,7 @@ bool frmDataTypesView::OnWindowTool(std::string_view id) {
   } else if (id == command::kWider || id == command::kNarrower) {
     mOperands->ChangeColumnWidth(id == command::kWider ? kColumnStep : -kColumnStep);
   } else if (id == command::kHelp) {
-    ShowHelp();
+    RequestHelp(*this);
   } else {
     return false;
   }
@@ -306,11 +306,6 @@ void frmDataTypesView::GoToPlace() {
   }
   mOperands->GoTo(*place);
   mOperands->setFocus();
-}
-
-void frmDataTypesView::ShowHelp() {
-  const RemoteHost* host = mParts.shared.Remote;
-  if (host && host->OnToolClicked) host->OnToolClicked(std::string(command::kHelp), kHelpTopic);
 }
 
 void frmDataTypesView::done(int result) {

@@ -64,7 +64,6 @@ class frmDataTypesView final : public QDialog, private mdlDataTypesView::GridLis
   void HideRows();
   void ShowRows();
   void GoToPlace();
-  void ShowHelp();
   void TellUnwritten();
 
   mdlDataTypesView::DataTypesViewParts mParts;

@@ -10,6 +10,8 @@
 #include <QVBoxLayout>
 #include <array>
 
+#include "desktop/ui/HelpLink.h"
+#include "desktop/ui/HelpRequest.h"
 #include "desktop/ui/RunDialog.h"
 #include "desktop/ui/WindowGeometry.h"
 
@@ -71,6 +73,15 @@ QString DefaultSuffix(const std::string& filter) {
   return pattern.contains('.') && !suffix.contains('*') ? suffix : QString();
 }
 
+// A button of a message box closes it; this one does not.
+void AddHelp(QMessageBox& box) {
+  QPushButton* help = box.addButton(QMessageBox::Help);
+  help->setObjectName("cmdHelp");
+  help->setToolTip("Opens the page of the help on this (F1)");
+  help->disconnect();
+  QObject::connect(help, &QPushButton::clicked, &box, [&box] { RequestHelp(box); });
+}
+
 std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::AcceptMode mode, LastFolders& folders) {
   const bool isNamed = !asked.folder.empty() && QFileInfo(QString::fromStdString(asked.folder)).isDir();
   const std::string folder = isNamed ? asked.folder : folders.Of(asked.purpose);
@@ -104,6 +115,7 @@ PromptAnswer QtPrompts::Show(const MessageBox& box) {
     if (button.answer == LeastCommitting(box.buttons)) shown.setEscapeButton(button.standard);
     if (button.answer == preset) shown.setDefaultButton(button.standard);
   }
+  if (TellsWhatToDo(shown.text())) AddHelp(shown);
   const int pressed = RunDialog(shown);
   for (const Button& button : kButtons) {
     if (button.standard == pressed) return button.answer;

@@ -20,6 +20,8 @@ int RunDialog(QDialog& dialog) {
   const ScopeGuard restore([&] {
     if (isBusy) QGuiApplication::restoreOverrideCursor();
   });
+  // Not more than the windows that it belongs to wait for it: the trace and the help answer meanwhile.
+  if (dialog.parentWidget()) dialog.setWindowModality(Qt::WindowModal);
   return dialog.exec();
 }
 

@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "desktop/ui/Commands.h"
+#include "desktop/ui/HelpLink.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/ScrollPage.h"
 #include "download/ui/SideTable.h"
@@ -175,6 +176,9 @@ void frmDownloader::BuildInformation(QVBoxLayout& page) {
   mInformation->setMaximumBlockCount(kMostLines);
   mInformation->setMinimumHeight(kInformationLines * fontMetrics().lineSpacing() + 2 * mInformation->frameWidth() + 8);
   page.addWidget(mInformation, 1);
+  auto* help = new HelpLink(this);
+  help->FollowLast(*mInformation);
+  page.addWidget(help);
 }
 
 void frmDownloader::BuildButtons(QVBoxLayout& page) {

@@ -1,0 +1,39 @@
+#include "desktop/ui/HelpLink.h"
+
+#include <QPlainTextEdit>
+#include <algorithm>
+
+#include "desktop/ui/HelpRequest.h"
+
+namespace kv {
+
+HelpLink::HelpLink(QWidget* parent) : QLabel("<a href=\"help\">Help on this</a>", parent) {
+  setObjectName("lnkHelp");
+  setAccessibleName("Help on this");
+  setToolTip("Opens the page of the help on this error");
+  setTextFormat(Qt::RichText);
+  setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+  connect(this, &QLabel::linkActivated, this, [this] { RequestHelp(*this, mError); });
+  hide();
+}
+
+void HelpLink::Follow(const QString& error) {
+  mError = error;
+  setVisible(TellsWhatToDo(error));
+}
+
+void HelpLink::FollowLast(const QPlainTextEdit& list) {
+  connect(&list, &QPlainTextEdit::textChanged, this, [this, &list] {
+    const QString text = list.toPlainText();
+    const qsizetype cure = text.lastIndexOf("What to do: ");
+    const qsizetype cause = cure < 0 ? -1 : text.lastIndexOf('\n', std::max<qsizetype>(0, cure - 2));
+    const qsizetype error = cause < 0 ? -1 : text.lastIndexOf('\n', std::max<qsizetype>(0, cause - 1));
+    Follow(text.mid(error + 1));
+  });
+}
+
+bool TellsWhatToDo(const QString& text) {
+  return text.contains("What to do: ");
+}
+
+}  // namespace kv

@@ -1,0 +1,22 @@
+#include "help/ui/HelpWindow.h"
+
+#include "help/HelpTopics.h"
+
+namespace kv {
+
+void HelpWindow::ShowTopic(std::int32_t mapNumber) {
+  if (!mWindow) {
+    auto book = HelpBook::Open(mPaths.Help() / kHelpFile, mPaths.Help() / kHelpPages);
+    if (!book) {
+      mPrompts.Show({.text = book.error(), .title = "Help", .icon = PromptIcon::Exclamation});
+      return;
+    }
+    mWindow = new frmHelp(std::move(*book), mWindowsFile);
+  }
+  mWindow->ShowTopic(mapNumber);
+  mWindow->show();
+  mWindow->raise();
+  mWindow->activateWindow();
+}
+
+}  // namespace kv

@@ -1,0 +1,198 @@
+#include <gmock/gmock.h>
+
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTextBrowser>
+#include <QTreeWidget>
+#include <filesystem>
+
+#include "desktop/ScriptedPrompts.h"
+#include "desktop/ui/HelpLink.h"
+#include "desktop/ui/HelpRequest.h"
+#include "desktop/ui/QtPrompts.h"
+#include "help/HelpTopics.h"
+#include "help/ui/HelpKey.h"
+#include "help/ui/HelpWindow.h"
+#include "tests/desktop_ui/QtFixture.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace kv::test {
+namespace {
+
+std::string Topic(std::int32_t number) {
+  const HelpTopic* topic = FindHelpTopic(number);
+  return topic ? std::string(topic->page) : "none";
+}
+
+std::int32_t NumberOf(std::string_view page) {
+  return FindHelpTopic(page)->number;
+}
+
+struct HelpWindowTest : testing::Test {
+  HelpWindowTest() { std::filesystem::create_directory_symlink(KV_HELP_FOLDER, home.Path() / "help"); }
+
+  frmHelp& Open(std::string_view page) {
+    help.ShowTopic(NumberOf(page));
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (auto* found = dynamic_cast<frmHelp*>(widget); found && found->isVisible()) return *found;
+    }
+    throw std::runtime_error("there is no help window");
+  }
+  static std::string Page(const frmHelp& window) {
+    return Find<QTextBrowser>(window, "brwPage").source().path().toStdString();
+  }
+
+  TemporaryFolder home;
+  ProgramPaths paths{home.Path()};
+  ScriptedPrompts prompts{[](const std::string& fault) { ADD_FAILURE() << fault; }};
+  HelpWindow help{paths, prompts, home.Path() / "Windows.ini"};
+};
+
+TEST_F(HelpWindowTest, OpensAtATopicWithItsPicturesAndGoesBack) {
+  frmHelp& window = Open("cloner");
+  auto& browser = Find<QTextBrowser>(window, "brwPage");
+  EXPECT_EQ(Page(window), "/cloner.html");
+  EXPECT_EQ(window.windowTitle().toStdString(), "The cloner - Telepanel help");
+  EXPECT_EQ(Find<QTreeWidget>(window, "tvwContents").currentItem()->text(0), "The cloner");
+  const QVariant picture =
+      browser.document()->resource(QTextDocument::ImageResource, QUrl("help:/images/cloner-create.png"));
+  EXPECT_FALSE(picture.value<QImage>().isNull());
+  EXPECT_EQ(&Open("sessions"), &window) << "one window for all pages";
+  Find<QAction>(window, "cmdBack").trigger();
+  EXPECT_EQ(Page(window), "/cloner.html");
+  Find<QAction>(window, "cmdForward").trigger();
+  EXPECT_EQ(Page(window), "/sessions.html");
+  Find<QAction>(window, "cmdHome").trigger();
+  EXPECT_EQ(Page(window), "/start.html");
+}
+
+TEST_F(HelpWindowTest, FollowsLinksOfTheHelpAndNoOthers) {
+  frmHelp& window = Open("start");
+  auto& browser = Find<QTextBrowser>(window, "brwPage");
+  emit browser.anchorClicked(browser.source().resolved(QUrl("operands.html")));
+  for (const char* outside : {"https://example.com/", "file:///etc/passwd", "mailto:a@b.example"}) {
+    browser.setSource(QUrl(outside));
+    EXPECT_THAT(Page(window), testing::EndsWith(".html")) << outside;
+    EXPECT_EQ(browser.source().scheme(), "help") << outside;
+  }
+}
+
+TEST_F(HelpWindowTest, FindsByContentsIndexAndSearch) {
+  frmHelp& window = Open("start");
+  window.activateWindow();
+  Find<QAction>(window, "cmdSearch").trigger();
+  auto& question = Find<QLineEdit>(window, "txtSearch");
+  auto& hits = Find<QListWidget>(window, "lstHits");
+  QTest::keyClicks(&question, "modme");
+  EXPECT_EQ(hits.item(0)->text(), "Modem");
+  EXPECT_THAT(Find<QLabel>(window, "lblFound").text().toStdString(),
+              testing::HasSubstr("looked for: mod..., modem..."));
+  QTest::keyClick(&question, Qt::Key_Return);
+  EXPECT_EQ(Page(window), "/modem.html");
+  question.setText("zzqx");
+  EXPECT_EQ(hits.count(), 0);
+  EXPECT_EQ(Find<QLabel>(window, "lblFound").text(), "No page has these words.");
+
+  auto& keyword = Find<QLineEdit>(window, "txtKeyword");
+  keyword.setText("coil");
+  EXPECT_TRUE(Find<QListWidget>(window, "lstIndex").currentItem()->text().startsWith("coil"));
+  QTest::keyClick(&keyword, Qt::Key_Return);
+  EXPECT_THAT(Page(window), testing::AnyOf("/operands.html", "/operand-types.html"));
+
+  Find<QTabWidget>(window, "tabHelp").setCurrentIndex(0);
+  auto& contents = Find<QTreeWidget>(window, "tvwContents");
+  contents.setCurrentItem(contents.topLevelItem(0));
+  QTest::keyClick(&contents, Qt::Key_Return);
+  EXPECT_EQ(Page(window), "/start.html");
+}
+
+TEST_F(HelpWindowTest, TellsWhereTheHelpShouldBe) {
+  std::filesystem::remove(home.Path() / "help");
+  prompts.Press(PromptAnswer::Ok);
+  help.ShowTopic(100);
+  ASSERT_EQ(prompts.Boxes().size(), 1U);
+  EXPECT_THAT(prompts.Boxes().front().text, testing::HasSubstr("What to do: "));
+}
+
+// A window with a control in it that has a name.
+struct NamedWindow {
+  NamedWindow(const char* name, const char* control, QWidget* owner = nullptr) : window(owner), inside(&window) {
+    window.setObjectName(name);
+    inside.setObjectName(control);
+  }
+  QDialog window;
+  QLineEdit inside;
+};
+
+TEST(HelpKeyTest, TheNearestTopicCounts) {
+  struct Row {
+    const char* window;
+    const char* control;
+    const char* page;
+  };
+  const Row rows[] = {
+      {"frmDumpPLC", "unknown", "cloner"},
+      {"frmDumpPLC", "cboVerify", "clone-verify"},
+      {"frmComParams", "cboModel", "link-settings"},
+      {"frmMain", "cboModel", "model"},
+      {"frmUnknown", "unknown", "start"},
+      {"FileDialog", "", "choosing-files"},
+  };
+  for (const Row& row : rows) {
+    const NamedWindow made(row.window, row.control);
+    EXPECT_EQ(Topic(HelpNumberOf(made.inside)), row.page) << row.window << "/" << row.control;
+  }
+  NamedWindow owner("frmDumpPLC", "");
+  const NamedWindow unknown("frmUnknown", "", &owner.window);
+  EXPECT_EQ(Topic(HelpNumberOf(unknown.inside)), "cloner") << "of the window that it belongs to";
+}
+
+TEST(HelpKeyTest, ABoxHasThePageOfItsErrorOrOfItsOwner) {
+  NamedWindow owner("frmDownloader", "");
+  NamedWindow main("frmMain", "");
+  const auto pageOf = [](QWidget* parent, const char* text) {
+    QMessageBox box(QMessageBox::Warning, "Telepanel", text, QMessageBox::Ok, parent);
+    box.setObjectName("MessageBox");
+    return Topic(HelpNumberOf(*box.button(QMessageBox::Ok)));
+  };
+  EXPECT_EQ(pageOf(&owner.window, "Download it all the same?"), "downloader");
+  EXPECT_EQ(pageOf(&owner.window, "no reply after 3 tries (1 s)"), "error-no-answer");
+  EXPECT_EQ(pageOf(&main.window, "Are you sure you want to log off?"), "questions");
+  EXPECT_EQ(pageOf(nullptr, "Are you sure you want to log off?"), "questions");
+}
+
+TEST(HelpKeyTest, KeyButtonAndLinkFindTheSamePage) {
+  std::vector<std::string> shown;
+  const HelpKey key([&](std::int32_t number) { shown.push_back(Topic(number)); });
+  NamedWindow window("frmDumpPLC", "cboVerify");
+  window.window.show();
+  QTest::keyClick(&window.inside, Qt::Key_F1);
+  RequestHelp(window.inside);
+  HelpLink link(&window.window);
+  EXPECT_TRUE(link.isHidden());
+  link.Follow("no reply after 3 tries.\nWhat to do: check cable and power.");
+  EXPECT_FALSE(link.isHidden());
+  emit link.linkActivated("help");
+  WhenOpen<QMessageBox>(window.window, [&](QMessageBox& box) {
+    Find<QPushButton>(box, "cmdHelp").click();
+    EXPECT_TRUE(box.isVisible()) << "help does not answer the question";
+    QTest::keyClick(&box, Qt::Key_F1);
+    Find<QPushButton>(box, "cmdOk").click();
+  });
+  QtPrompts().Show({.text = "The controller refused: it is busy.\r\nWhat to do: wait."});
+  EXPECT_THAT(shown,
+              testing::ElementsAre("clone-verify", "clone-verify", "error-no-answer", "error-busy", "error-busy"));
+
+  shown.clear();
+  NamedWindow main("frmMain", "");
+  main.window.show();
+  QTest::keyClick(&main.inside, Qt::Key_F1);
+  EXPECT_THAT(shown, testing::IsEmpty()) << "the main window's own command";
+}
+
+}  // namespace
+}  // namespace kv::test

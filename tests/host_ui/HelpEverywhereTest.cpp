@@ -1,0 +1,87 @@
+// The help key in every control of every window of the program: the page that opens names the window.
+
+#include <gmock/gmock.h>
+
+#include <QTextBrowser>
+#include <filesystem>
+
+#include "apps/KvTeleExe/ToolWindowTable.h"
+#include "help/HelpTopics.h"
+#include "help/ui/HelpKey.h"
+#include "tests/host_ui/WindowFixture.h"
+
+namespace kv::test {
+namespace {
+
+class HelpEverywhereTest : public WindowFixture {
+ protected:
+  HelpEverywhereTest() { std::filesystem::create_directory_symlink(KV_HELP_FOLDER, home.Path() / "help"); }
+};
+
+QWidget* TopLevel(const char* name) {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (widget->objectName() == name && widget->isVisible()) return widget;
+  }
+  return nullptr;
+}
+
+// The text of the page that the help shows now.
+std::string ShownPage() {
+  const QWidget* help = TopLevel("frmHelp");
+  return help ? Find<QTextBrowser>(*help, "brwPage").toPlainText().toStdString() : "no help is shown";
+}
+
+// As the window's command reads in the menu: "Operand View".
+std::string NameOf(const QAction& command) {
+  return command.text().remove('&').remove("...").toStdString();
+}
+
+void PressInEachControl(QWidget& window, const std::string& name) {
+  int pressed = 0;
+  for (QWidget* control : window.findChildren<QWidget*>()) {
+    if (control->focusPolicy() == Qt::NoFocus || !control->isVisible() || !control->isEnabled()) continue;
+    if (control->window() != &window) continue;
+    if (QWidget* help = TopLevel("frmHelp")) help->hide();
+    QTest::keyClick(control, Qt::Key_F1);
+    EXPECT_THAT(ShownPage(), testing::HasSubstr(name)) << control->objectName().toStdString();
+    ++pressed;
+  }
+  EXPECT_GT(pressed, 0) << name;
+}
+
+TEST_F(HelpEverywhereTest, TheKeyOpensAPageThatNamesTheWindow) {
+  std::vector<std::string> commands{"ID_ComParams", "ID_Modem"};
+  for (const ToolWindowRow& row : ToolWindowTable()) commands.emplace_back(row.id);
+  Run([&](QMainWindow& window) {
+    PressInEachControl(window, "main window");
+    Trigger(window, "HOST_Trace");
+    PressInEachControl(*TopLevel("frmTrace"), "Trace of the Link");
+    for (const std::string& id : commands) {
+      const std::string name = NameOf(Find<QAction>(window, id.c_str()));
+      WhenOpen<QDialog>(window, [&](QDialog& dialog) {
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog, kPatience));
+        PressInEachControl(dialog, name);
+        dialog.close();
+      });
+      Trigger(window, id.c_str());
+    }
+    if (QWidget* help = TopLevel("frmHelp")) PressInEachControl(*help, "help window");
+  });
+}
+
+TEST_F(HelpEverywhereTest, AnErrorLeadsToItsPage) {
+  PutTcp(9);  // nobody listens there
+  Run([&](QMainWindow& window) {
+    const Boxes boxes(window);
+    Trigger(window, "ID_OnLine");
+    auto& link = Find<QLabel>(window, "lnkHelp");
+    ASSERT_TRUE(WaitUntil([&] { return link.isVisible(); }));
+    emit link.linkActivated("help");
+    EXPECT_THAT(ShownPage(), testing::StartsWith("The port cannot be opened"));
+    Trigger(window, "ID_Help");
+    EXPECT_THAT(ShownPage(), testing::StartsWith("Telepanel: the main window")) << "no viewer without a desktop";
+  });
+}
+
+}  // namespace
+}  // namespace kv::test
