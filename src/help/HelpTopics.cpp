@@ -24,7 +24,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
     {203, 1, "serial-line",        "cboPort"},
     {204, 1, "modem",              "frmModem"},
     {205, 1, "dial-in",            ""},
-    {206, 1, "model",              "frmMain/cboModel"},
+    {206, 1, "model",              ""},
     {207, 1, "sessions",           "frmSession"},
     {208, 1, "pages-files",        ""},
     {209, 1, "trace",              "frmTrace"},

@@ -138,7 +138,7 @@ TEST(HelpKeyTest, TheNearestTopicCounts) {
       {"frmDumpPLC", "unknown", "cloner"},
       {"frmDumpPLC", "cboVerify", "clone-verify"},
       {"frmComParams", "cboModel", "link-settings"},
-      {"frmMain", "cboModel", "model"},
+      {"frmMain", "tblLog", "main-log"},
       {"frmUnknown", "unknown", "start"},
       {"FileDialog", "", "choosing-files"},
   };

@@ -2,6 +2,8 @@
 
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <QMimeDatabase>
 #include <QProcess>
 #include <QString>
 #include <QUrl>
@@ -12,6 +14,18 @@ namespace {
 
 QString FromText(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// The opener of the free desktops reports success also where nobody is set up for a kind of file. So it is asked before
+// who is; where that cannot be asked, it is believed.
+bool IsKnownToHaveNoViewer(const QFileInfo& file) {
+  const QString platform = QGuiApplication::platformName();
+  if (platform != "xcb" && !platform.startsWith("wayland")) return false;
+  constexpr int kPatience = 3000;  // milliseconds; it answers in some tens
+  QProcess asked;
+  asked.start("xdg-mime", {"query", "default", QMimeDatabase().mimeTypeForFile(file).name()});
+  return asked.waitForFinished(kPatience) && asked.exitStatus() == QProcess::NormalExit && asked.exitCode() == 0 &&
+         asked.readAllStandardOutput().trimmed().isEmpty();
 }
 
 }  // namespace
@@ -30,7 +44,8 @@ std::expected<void, std::string> QtShell::Open(std::string_view /*verb*/, std::s
     return std::unexpected(name + " cannot be started: the system refused it. Check the installation.");
   }
   const QUrl place = isAddress ? QUrl(FromText(file)) : QUrl::fromLocalFile(found.absoluteFilePath());
-  if (QDesktopServices::openUrl(place)) return {};
+  const bool hasNone = !isAddress && IsKnownToHaveNoViewer(found);
+  if (!hasNone && QDesktopServices::openUrl(place)) return {};
   return std::unexpected(name + " cannot be opened: no program on this computer is set up to open it.");
 }
 

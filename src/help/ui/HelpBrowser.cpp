@@ -9,6 +9,13 @@ namespace {
 constexpr const char* kScheme = "help";
 constexpr int kMargin = 40;  // beside a picture, for the page's edges and the scroll bar
 
+// The style of a page is for a web browser; here the window's own is better.
+QString WithoutStyle(QString page) {
+  const qsizetype begin = page.indexOf("<style>");
+  const qsizetype end = page.indexOf("</style>", begin);
+  return begin < 0 || end < 0 ? page : page.remove(begin, end - begin);
+}
+
 }  // namespace
 
 std::string HelpPageName(const QUrl& address) {
@@ -19,6 +26,7 @@ HelpBrowser::HelpBrowser(const HelpBook& book, QWidget* parent) : QTextBrowser(p
   setObjectName("brwPage");
   setAccessibleName("Page of the help");
   document()->setDocumentMargin(12);
+  document()->setDefaultStyleSheet("td, th { padding: 2px 10px 2px 0; } th { text-align: left; }");
 }
 
 void HelpBrowser::ShowPage(const std::string& page) {
@@ -30,7 +38,7 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name) {
   const auto content = mBook.Read(HelpPageName(name));
   if (type == QTextDocument::ImageResource) return content ? Picture(*content) : QVariant();
   if (type != QTextDocument::HtmlResource) return {};
-  return content ? QString::fromStdString(*content)
+  return content ? WithoutStyle(QString::fromStdString(*content))
                  : "<h1>This page is not in the help</h1><p>" +
                        QString::fromStdString(HelpPageName(name)).toHtmlEscaped() + "</p>";
 }
