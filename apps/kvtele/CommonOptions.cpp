@@ -86,6 +86,9 @@ void DeclareCommonOptions(CLI::App& app, CommonOptions& options) {
   app.add_flag("--json", options.json, "Print one JSON document, also for errors");
   app.add_option("--trace", options.trace, "Write every frame of the line to a file")->type_name("FILE");
   app.add_flag("--yes", options.yes, "Answer questions with yes");
+  app.add_option("--reason", options.reason, "Why: recorded with what the command changes")->type_name("TEXT");
+  app.add_flag("--unrecorded", options.unrecorded,
+               "Change the controller also where that cannot be recorded in the session's journal");
 }
 
 }  // namespace kv::cli

@@ -24,8 +24,10 @@ struct CommonOptions {
   std::optional<std::string> password;        // the controller's, 1 to 8 characters
   std::string model;                          // a selectable model; empty: what the controller says it is
   bool json = false;
-  std::string trace;  // file that every frame is written to; empty: none
-  bool yes = false;   // questions are answered with yes
+  std::string trace;        // file that every frame is written to; empty: none
+  bool yes = false;         // questions are answered with yes
+  bool unrecorded = false;  // changes may pass where they cannot be recorded
+  std::string reason;       // that is recorded with what the command changes
 
   // Below the folder that --home names, else below the program's own.
   [[nodiscard]] ProgramPaths Paths(const std::filesystem::path& programFolder) const;

@@ -34,15 +34,37 @@ ConnectedController::ConnectedController(Environment& environment, const CommonO
                                          std::unique_ptr<CommDriver> driver, LinkSettings settings)
     : mPrompts({}, environment.err, environment.input),
       mPassword(mPrompts, "give the controller's password with --password", common.password),
+      mErr(environment.err),
+      mShared(common.Paths(environment.home)),
       mDriver(std::move(driver)),
       mSettings(std::move(settings)) {
   mDriver->SetPasswordSource(&mPassword);
+  RecordChanges(environment, common);
+}
+
+void ConnectedController::RecordChanges(Environment& environment, const CommonOptions& common) {
+  if (environment.journalDisk == nullptr) return;
+  mShared.CurrentSession = common.session;
+  mRecorder = std::make_unique<ChangeRecorder>(
+      RecorderParts{.shared = mShared,
+                    .stateFolder = environment.stateFolder,
+                    .disk = *environment.journalDisk,
+                    .prompts = mPrompts,
+                    .pacer = environment.pacer,
+                    .clock = environment.clock,
+                    .tell = [&err = environment.err](const std::string& message) { err << message << "\n"; },
+                    .cure = "--unrecorded changes it without a record"});
+  if (common.unrecorded) mRecorder->LetPassUnrecorded();
+  mRecorder->UseReason(common.reason);
+  mDriver->SetChangeObserver(mRecorder.get());
 }
 
 ConnectedController::~ConnectedController() {
   mDriver->OnComMessage = nullptr;  // the message that the link was closed is not shown
   mChannel.reset();
   mDriver->CloseDriver();
+  if (mRecorder && mRecorder->HasRecorded())
+    mErr << "Recorded in the change journal. Head: " << mRecorder->Head() << "\n";
 }
 
 OrFailure<std::unique_ptr<ConnectedController>> ConnectedController::Open(Environment& environment,

@@ -9,6 +9,8 @@
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/Failure.h"
 #include "desktop/console/ConsolePrompts.h"
+#include "host/shared/SharedState.h"
+#include "journal/ChangeRecorder.h"
 #include "link/CommDriver.h"
 #include "link/PromptedPassword.h"
 
@@ -54,10 +56,14 @@ class ConnectedController {
                       LinkSettings settings);
 
   [[nodiscard]] OrFailure<void> Reach(Reaching reaching);
+  void RecordChanges(Environment& environment, const CommonOptions& common);
   void TellOtherSpeed(Environment& environment) const;
 
   ConsolePrompts mPrompts;
   PromptedPassword mPassword;
+  std::ostream& mErr;
+  SharedState mShared;
+  std::unique_ptr<ChangeRecorder> mRecorder;  // null: nothing is recorded
   std::unique_ptr<CommDriver> mDriver;
   LinkSettings mSettings;
   std::shared_ptr<Channel> mChannel;

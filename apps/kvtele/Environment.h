@@ -13,6 +13,7 @@
 #include "desktop/Pacer.h"
 #include "desktop/WallClock.h"
 #include "desktop/console/ConsoleInput.h"
+#include "journal/JournalDisk.h"
 #include "link/CommDriver.h"
 
 namespace kv::cli {
@@ -36,6 +37,8 @@ struct Environment {
   std::filesystem::path home;  // the program folder, when --home does not name another
   std::function<OrFailure<std::unique_ptr<CommDriver>>(const DriverOrder&)> makeDriver;
   std::function<std::vector<SerialPortInfo>()> listSerialPorts;
+  JournalDisk* journalDisk = nullptr;      // on which changes are recorded; null: they are not
+  std::filesystem::path stateFolder = {};  // of the user, for the heads of journals; empty: none are kept
 };
 
 }  // namespace kv::cli

@@ -134,6 +134,17 @@ OrFailure<std::vector<std::string>> ReadOperands(Environment& environment, Conne
   return texts;
 }
 
+std::vector<std::string> ValuesBefore(ConnectedController& controller, const Region& region) {
+  std::vector<std::string> texts;
+  if (controller.Link().Changes() == nullptr || !IsReadableFrom(controller.Model(), region.type)) return texts;
+  for (const Region& piece : SplitRegion(region)) {
+    auto read = ReadRegion(controller.Link(), controller.Model(), piece);
+    if (!read || read->size() != CountOf(piece)) return {};
+    texts.insert(texts.end(), std::make_move_iterator(read->begin()), std::make_move_iterator(read->end()));
+  }
+  return texts;
+}
+
 OrFailure<void> WriteOperands(Environment& environment, ConnectedController& controller, const Region& region,
                               std::span<const std::string> texts) {
   const std::string doing = "writing " + RegionText(region);

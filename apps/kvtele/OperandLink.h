@@ -32,6 +32,10 @@ using RegionsFor = std::function<OrFailure<std::vector<Region>>(const std::strin
 [[nodiscard]] OrFailure<std::vector<std::string>> ReadOperands(Environment& environment,
                                                                ConnectedController& controller, const Region& region);
 
+// The texts as the controller has them, for the journal of changes; none where nothing is recorded, or they cannot be
+// read.
+[[nodiscard]] std::vector<std::string> ValuesBefore(ConnectedController& controller, const Region& region);
+
 // Writes one text an operand. A failure says which operands were written before it and which may have been.
 [[nodiscard]] OrFailure<void> WriteOperands(Environment& environment, ConnectedController& controller,
                                             const Region& region, std::span<const std::string> texts);

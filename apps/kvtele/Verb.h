@@ -37,12 +37,13 @@ class Verb {
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbDownload();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbRun();   // in VerbRunStop.cpp
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbStop();  // in VerbRunStop.cpp
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbJournal();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbSessions();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbPorts();
 
 // All of them, in the order in which --help lists them.
-inline constexpr std::array kVerbMakers = {MakeVerbIdentify, MakeVerbOnline, MakeVerbRead,     MakeVerbWrite,
-                                           MakeVerbRegions,  MakeVerbWatch,  MakeVerbClone,    MakeVerbDownload,
-                                           MakeVerbRun,      MakeVerbStop,   MakeVerbSessions, MakeVerbPorts};
+inline constexpr std::array kVerbMakers = {
+    MakeVerbIdentify, MakeVerbOnline, MakeVerbRead, MakeVerbWrite,   MakeVerbRegions,  MakeVerbWatch, MakeVerbClone,
+    MakeVerbDownload, MakeVerbRun,    MakeVerbStop, MakeVerbJournal, MakeVerbSessions, MakeVerbPorts};
 
 }  // namespace kv::cli

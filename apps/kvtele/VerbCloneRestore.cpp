@@ -131,6 +131,7 @@ class Restoring {
     Channel& link = mController->Link();
     if (!link.EnsureAccess(mController->Unit())) return std::unexpected(mController->LastFailure());
     const std::string doing = "restoring " + Utf8FromPath(mFile);
+    OperationScope restoring(link.Changes(), RestoreOperation(mFile));
     if (const auto begun = BeginRestore(link, mCheck.controller, mCheck.staying); !begun) {
       return std::unexpected(CloneFailure(doing, begun.error()));
     }
@@ -142,6 +143,7 @@ class Restoring {
     engine.UseUnit(mController->Unit());  // of a damaged file, too, nothing goes to another one
     engine.ExpectDigest(mInfo.sha256);
     engine.RestoreGhost(*port, mFile, &link);
+    restoring.End(ChangeEndOf(engine.Outcome()));
     if (engine.Outcome().end == CloneEnd::Done) return CheckAfter(engine.Reach(), doing);
     CloneOutcome outcome = engine.Outcome();
     const std::string left = AskWhatIsLeft(engine.Reach(), link, mEnvironment.pacer);

@@ -173,10 +173,18 @@ VerbResult WriteValues(Environment& environment, const CommonOptions& common, Co
                        const ValuesToWrite& values) {
   const auto confirmed = ConfirmWrite(environment, common, controller, CountOf(values.runs));
   if (!confirmed) return std::unexpected(confirmed.error());
+  Operation operation{.tool = "kvtele regions", .what = "write " + Counted(values.runs.size(), "run") + " of operands"};
+  for (const ValueRun& run : values.runs) {
+    operation.operands.push_back({RegionText(run.region), ValuesBefore(controller, run.region), run.texts});
+  }
+  OperationScope writing(controller.Link().Changes(), operation);
   const auto written = WriteRuns(environment, controller, values.runs);
   if (!written) return std::unexpected(written.error());
   const auto compared = Compare(environment, controller, values.runs);
-  if (!compared) return std::unexpected(compared.error());
+  if (!compared) {
+    writing.End({ChangeResult::Failed, compared.error().happened});
+    return std::unexpected(compared.error());
+  }
   return WriteOutput(environment, values, *compared);
 }
 

@@ -74,6 +74,8 @@ std::string VerbRunStop::Question(const std::string& name, char state) const {
 // It may have been exchanged while the question was open.
 OrFailure<void> VerbRunStop::Switch(ConnectedController& plc, const Channel::ControllerInfo& asked) const {
   if (const auto met = MeetAgain(plc.Link(), asked); !met) return std::unexpected(CloneFailure(Doing(), met.error()));
+  const OperationScope switching(plc.Link().Changes(), {.tool = mRuns ? "kvtele run" : "kvtele stop",
+                                                        .what = mRuns ? "start the program" : "stop the program"});
   if (mRuns ? plc.Link().RunController(plc.Unit()) : plc.Link().StopController(plc.Unit())) return {};
   return std::unexpected(plc.LastFailure());
 }

@@ -63,9 +63,15 @@ VerbResult VerbWrite::Run(Environment& environment, const CommonOptions& common)
   if (const auto legal = CheckValues(region->type, controller.Model(), mValues); !legal) {
     return std::unexpected(legal.error());
   }
+  OperationScope writing(controller.Link().Changes(),
+                         {.tool = "kvtele write",
+                          .what = "write operands",
+                          .operands = {{RegionText(*region), ValuesBefore(controller, *region), mValues}}});
   const auto written = WriteOperands(environment, controller, *region, mValues);
   if (!written) return std::unexpected(written.error());
-  return Compare(environment, controller, *region);
+  VerbResult compared = Compare(environment, controller, *region);
+  if (!compared) writing.End({ChangeResult::Failed, compared.error().happened});
+  return compared;
 }
 
 // Everything that can be said without a controller.

@@ -121,6 +121,8 @@ int main(int argc, char** argv) {
       .home = ExecutableFolder(),
       .makeDriver = [&drivers](const cli::DriverOrder& order) { return drivers.Make(order); },
       .listSerialPorts = ListSerialPorts,
+      .journalDisk = &SystemJournalDisk(),
+      .stateFolder = UserStateFolder(),
   };
   return static_cast<int>(cli::RunKvTele(Utf8Arguments(argc, argv), environment));
 }

@@ -104,6 +104,7 @@ constexpr Field kFields[] = {
     {"Made on",       true,  [](std::string_view v, CloneManifest& m) { m.madeOn = v; return true; }},
     {"Made by",       true,  [](std::string_view v, CloneManifest& m) { m.madeBy = v; return true; }},
     {"Comment",       true,  [](std::string_view v, CloneManifest& m) { m.comment = v; return true; }},
+    {"Journal",       false, [](std::string_view v, CloneManifest& m) { m.journal = v; return true; }},
     {"Segment",       false, ReadSegment},
 };
 // clang-format on
@@ -131,6 +132,7 @@ std::string PrintManifest(const CloneManifest& manifest) {
   printer.Add("Made on", manifest.madeOn);
   printer.Add("Made by", manifest.madeBy);
   printer.Add("Comment", manifest.comment);
+  if (!manifest.journal.empty()) printer.Add("Journal", manifest.journal);
   for (const CloneManifest::Segment& each : manifest.segments) printer.AddSegment(each);
   printer.Add("End", std::to_string(manifest.segments.size()));
   return printer.mText;

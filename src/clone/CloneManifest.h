@@ -35,6 +35,7 @@ struct CloneManifest {
   std::string madeOn = {};   // date and time where the user sat
   std::string madeBy = {};   // UTF-8
   std::string comment = {};  // UTF-8
+  std::string journal = {};  // head of the session's journal of changes; empty: nothing was recorded
   std::vector<Segment> segments = {};
 
   bool operator==(const CloneManifest&) const = default;

@@ -1,6 +1,7 @@
 #include "clone/CloneOutcome.h"
 
 #include "base/Hex.h"
+#include "base/PathText.h"
 #include "link/ControllerErrorText.h"
 
 namespace kv {
@@ -17,6 +18,16 @@ CloneOutcome CloneOutcome::OfLink(const LinkError& error) {
 
 CloneOutcome CloneOutcome::OfStop() {
   return {CloneEnd::Stopped, CloneCause::Stop, "Stopped by the user.", {}};
+}
+
+Operation RestoreOperation(const std::filesystem::path& file) {
+  return {.tool = "Cloner", .what = "restore the clone " + Utf8FromPath(file)};
+}
+
+ChangeEnd ChangeEndOf(const CloneOutcome& outcome) {
+  if (outcome.end == CloneEnd::Done) return {};
+  const ChangeResult result = outcome.end == CloneEnd::Stopped ? ChangeResult::Stopped : ChangeResult::Failed;
+  return {result, outcome.reason.substr(0, outcome.reason.find('\n'))};
 }
 
 std::optional<LinkError> RefusalIn(std::string_view reply) {

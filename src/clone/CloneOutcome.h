@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/AtomicFile.h"
+#include "link/ChangeObserver.h"
 #include "link/LinkError.h"
 
 namespace kv {
@@ -43,6 +44,10 @@ struct CloneOutcome {
   [[nodiscard]] static CloneOutcome OfLink(const LinkError& error);
   [[nodiscard]] static CloneOutcome OfStop();
 };
+
+// What the journal of changes is told of a restore: what it is, and how it ended.
+[[nodiscard]] Operation RestoreOperation(const std::filesystem::path& file);
+[[nodiscard]] ChangeEnd ChangeEndOf(const CloneOutcome& outcome);
 
 // The refusal that a reply to a text command holds ("ERROR" and a code), as the channel would tell it; nothing when it
 // is none.

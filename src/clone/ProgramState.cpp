@@ -47,6 +47,7 @@ void OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer
             "The program of the controller (" + controller + ") was stopped for the clone. Start it again now?")) {
     return;  // that it is stopped stands in the reason
   }
+  const OperationScope starting(link.Changes(), {.tool = "Cloner", .what = "start the program again"});
   if (!link.RunController(link.UnitID())) {
     outcome.reason += "\nStarting it again failed:\n" + link.LastError().Text();
     return;

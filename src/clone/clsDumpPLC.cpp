@@ -96,11 +96,13 @@ clsDumpPLC::Step clsDumpPLC::Create(Channel& link, const std::filesystem::path& 
   mManifest = {.version = *version, .unit = link.UnitID()};
   if (auto fit = CheckLengths(*segments, boxes); !fit) return fit;
 
+  const OperationScope creating(link.Changes(), {.tool = "Cloner", .what = "stop and start the program for a clone"});
   if (auto stopped = StopProgram(link); !stopped) return stopped;
   if (auto written = WriteHead(*version, *segments, boxes); !written) return written;
   if (auto dumped = DumpSegments(link, *segments, boxes); !dumped) return dumped;
   if (auto written = WriteLine(BuildEndFrame(link.UnitID())); !written) return written;
   if (auto running = LeaveRunning(link); !running) return running;
+  if (const ChangeObserver* changes = link.Changes()) mManifest.journal = changes->Head();
   if (auto kept = mFile.Keep(); !kept) return FileFailure(kept.error());
   mManifest.length = mFile.Size();
   mManifest.sha256 = mFile.Digest();

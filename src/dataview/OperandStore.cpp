@@ -64,6 +64,13 @@ Instant OperandStore::ReadAt(OperandTypeCode type, std::int32_t address) const {
   return cell != nullptr ? cell->readAt : Instant::min();
 }
 
+const std::string& OperandStore::LastTold(OperandTypeCode type, std::int32_t address) const {
+  static const std::string kNothing;
+  const Cell* cell = Find(type, address);
+  if (cell == nullptr || cell->readAt == Instant::min()) return kNothing;  // kept from an earlier opening
+  return cell->origin == CellOrigin::Edited ? cell->readText : cell->text;
+}
+
 bool OperandStore::IsKept(OperandTypeCode type, std::int32_t address) const {
   return Origin(type, address) == CellOrigin::Read && ReadAt(type, address) == Instant::min();
 }

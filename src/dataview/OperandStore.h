@@ -52,6 +52,9 @@ class OperandStore {
   // When the controller last told the operand, or took it; Instant::min() when it never did.
   [[nodiscard]] Instant ReadAt(OperandTypeCode type, std::int32_t address) const;
 
+  // What the controller told of it last, whatever was entered since; empty when it told nothing.
+  [[nodiscard]] const std::string& LastTold(OperandTypeCode type, std::int32_t address) const;
+
   // Whether the cell still shows what an earlier opening of the view had read: nobody knows how old that is.
   [[nodiscard]] bool IsKept(OperandTypeCode type, std::int32_t address) const;
   // The same, or what was read before the controller was out of reach.

@@ -61,7 +61,24 @@ void RegionEngine::Write(std::span<const Region> regions) {
 std::optional<PassOutcome> RegionEngine::WriteAlone(std::span<const Region> regions) {
   const ChannelGuard channel(mContext);
   if (!channel || !IsSupported(*channel, regions)) return std::nullopt;
-  return WritePass(*channel, regions);
+  OperationScope writing((*channel).Changes(), WriteOperation(regions));
+  PassOutcome outcome = WritePass(*channel, regions);
+  if (outcome.isStopped) writing.End({ChangeResult::Stopped, RegionCountText(outcome.done) + " written before"});
+  return outcome;
+}
+
+// With the values that the controller told last.
+Operation RegionEngine::WriteOperation(std::span<const Region> regions) const {
+  Operation operation{.tool = "Operand view", .what = "write " + RegionCountText(regions.size())};
+  for (const Region& region : regions) {
+    if (!IsWritableType(region.type)) continue;
+    ChangedOperands changed{RegionText(region), {}, mContext.state.operands.Texts(region)};
+    for (std::int32_t address = region.from; address <= region.to; ++address) {
+      changed.before.push_back(mContext.state.operands.LastTold(region.type, address));
+    }
+    operation.operands.push_back(std::move(changed));
+  }
+  return operation;
 }
 
 bool RegionEngine::IsSupported(Channel& channel, std::span<const Region> regions) {

@@ -9,6 +9,7 @@
 #include "base/Time.h"
 #include "dataview/UndoHistory.h"
 #include "dataview/operands/Region.h"
+#include "link/ChangeObserver.h"
 #include "link/Channel.h"
 #include "link/LinkError.h"
 
@@ -69,6 +70,7 @@ class RegionEngine {
   // The message about read-only types is shown where the first one stands.
   [[nodiscard]] std::optional<PassOutcome> WriteAlone(std::span<const Region> regions);
   [[nodiscard]] PassOutcome WritePass(Channel& channel, std::span<const Region> regions);
+  [[nodiscard]] Operation WriteOperation(std::span<const Region> regions) const;
   void ReadRow(Channel& channel, std::size_t row, PassOutcome& outcome);
   void WriteOne(Channel& channel, const Region& region, PassOutcome& outcome);
   [[nodiscard]] Region EditedIn(const Region& region) const;

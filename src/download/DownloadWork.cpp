@@ -38,6 +38,18 @@ std::optional<LinkError> RefusalOf(int status) {
 
 }  // namespace
 
+void DownloadWork::EndOperation(const DownloadOutcome& outcome) {
+  if (!mOperation) return;
+  const std::string reason = outcome.reason.substr(0, outcome.reason.find('\n'));
+  if (outcome.end == DownloadEnd::Done) {
+    mOperation->End({ChangeResult::Done, reason});
+  } else if (outcome.left == ControllerLeft::Untouched) {
+    mOperation->End({ChangeResult::Refused, reason});
+  } else {
+    mOperation->End({outcome.end == DownloadEnd::Stopped ? ChangeResult::Stopped : ChangeResult::Failed, reason});
+  }
+}
+
 void DownloadWork::Tell(std::string_view text, PromptIcon icon, std::string_view title) {
   prompts.Show({.text = std::string(text), .title = TitleOr(title), .icon = icon});
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <expected>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -33,6 +34,11 @@ class DownloadWork {
   Pacer& pacer;
   const DownloadOrder& order;
   ControllerLeft left = ControllerLeft::Untouched;
+
+  // From here on the controller is changed: what comes is one operation in the journal of changes, until this object
+  // goes or EndOperation.
+  void BeginOperation(const std::string& what) { mOperation.emplace(link.Changes(), Operation{"Downloader", what}); }
+  void EndOperation(const DownloadOutcome& outcome);
 
   void Tell(std::string_view text, PromptIcon icon, std::string_view title = {});
   // Who is asked this.
@@ -115,6 +121,7 @@ class DownloadWork {
  private:
   [[nodiscard]] bool IsStopMeant();
 
+  std::optional<OperationScope> mOperation;
   bool mMayBeExecuted = false;  // the exchange under way, by a try that has failed
 };
 

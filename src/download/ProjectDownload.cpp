@@ -82,10 +82,10 @@ class ProjectDownload::Run {
 
   [[nodiscard]] Step All() {
     using Stage = Step (Run::*)();
-    constexpr Stage kStages[] = {&Run::Meet,       &Run::Preview,   &Run::CheckBackup,      &Run::AskToEndLoad,
-                                 &Run::AskToBegin, &Run::GetAccess, &Run::CheckFile,        &Run::EndDryRun,
-                                 &Run::Backup,     &Run::CheckFile, &Run::CheckNobodyLoads, &Run::Send,
-                                 &Run::Compare};
+    constexpr Stage kStages[] = {&Run::Meet,          &Run::Preview,   &Run::CheckBackup, &Run::AskToEndLoad,
+                                 &Run::AskToBegin,    &Run::GetAccess, &Run::CheckFile,   &Run::EndDryRun,
+                                 &Run::NameOperation, &Run::Backup,    &Run::CheckFile,   &Run::CheckNobodyLoads,
+                                 &Run::Send,          &Run::Compare};
     return mWork.DoAll(*this, kStages);
   }
 
@@ -201,6 +201,13 @@ class ProjectDownload::Run {
     return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
   }
 
+  Step NameOperation() {
+    const std::string old = mController.ProjectText();
+    mWork.BeginOperation("download the project " + Utf8FromPath(mFile.path) +
+                         (old.empty() ? "" : " in place of the project \"" + old + "\""));
+    return {};
+  }
+
   Step Backup() {
     BackupBefore* backup = mWork.order.backup;
     if (backup == nullptr) return {};
@@ -308,6 +315,7 @@ void ProjectDownload::Download(Channel& link, const ProjectFile& file, const Dow
   const Step done = run.All();
   mReview = run.Review();
   mOutcome = done ? DownloadOutcome{.left = work.left} : done.error();
+  work.EndOperation(mOutcome);
   if (done || run.HasCompared()) return;
   AskWhatIsLeft(link, mPacer, {run.OldProject(), file.NameInController().value_or("")}, mOutcome);
 }

@@ -1,5 +1,6 @@
 #include "download/clsAurexOSDownloader.h"
 
+#include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "clone/ProgramState.h"
 #include "clone/RestoreCheck.h"
@@ -25,6 +26,7 @@ bool clsAurexOSDownloader::DownloadOS(Channel& link, const DownloadOrder& order)
   mWork.emplace(link, mWindow, mContext.questions, mContext.pacer, order);
   const Step done = RunSteps();
   mOutcome = done ? DownloadOutcome{.left = mWork->left} : done.error();
+  mWork->EndOperation(mOutcome);
   if (!done) AskWhatIsLeft();
   const std::string saved = mMemory.IsEmpty() ? "" : Utf8FromPath(mMemory.File());
   if (!saved.empty() && !mOutcome.reason.contains(saved)) {
@@ -50,6 +52,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::RunSteps() {
                                       &C::WarnOfDataTypes,
                                       &C::CheckFonts,
                                       &C::EndDryRun,
+                                      &C::NameOperation,
                                       &C::TakeBackup,
                                       &C::SaveMemory,
                                       &C::CheckFilesAreTheSame,
@@ -235,6 +238,13 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::EndDryRun() {
     if (isCloned) ShowCreateQuestions(mContext.questions, ControllerName(), mFound.info.state);
   }
   return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::NameOperation() {
+  const std::string fonts = mChoice.fonts.empty() ? "" : " and the fonts " + Utf8FromPath(mChoice.fonts);
+  mWork->BeginOperation("download the O/S " + Utf8FromPath(mChoice.os) + fonts + " in place of " +
+                        AnsiToUtf8(mFound.version.osVersion));
+  return {};
 }
 
 std::string clsAurexOSDownloader::ControllerName() const {

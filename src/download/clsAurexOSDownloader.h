@@ -68,6 +68,7 @@ class clsAurexOSDownloader {
   [[nodiscard]] Step WarnOfDataTypes();
   [[nodiscard]] Step CheckFonts();
   [[nodiscard]] Step EndDryRun();
+  [[nodiscard]] Step NameOperation();
   // From here on its program may be stopped and started.
   [[nodiscard]] Step TakeBackup();
   [[nodiscard]] Step SaveMemory();

@@ -1,5 +1,6 @@
 #include "download/clsBrioQ50OSDownloader.h"
 
+#include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "clone/ProgramState.h"
@@ -34,6 +35,7 @@ bool clsBrioQ50OSDownloader::DownloadOS(Channel& link, const DownloadOrder& orde
   mWork.emplace(link, mWindow, mPrompts, mPacer, order);
   const Step done = RunSteps();
   mOutcome = done ? DownloadOutcome{.left = mWork->left} : done.error();
+  mWork->EndOperation(mOutcome);
   return done.has_value();
 }
 
@@ -50,6 +52,7 @@ std::optional<Bytes> clsBrioQ50OSDownloader::ReadPlcApp(Channel& link) {
 bool clsBrioQ50OSDownloader::prvWritePlcAppToFlash(Channel& link, const Bytes& application) {
   const DownloadOrder order;
   DownloadWork work(link, mWindow, mPrompts, mPacer, order);
+  work.BeginOperation("write the saved application back");
   const Step written = CompactApplication(work).Write(application);
   if (written) return true;
   mOutcome = written.error();
@@ -61,7 +64,7 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::RunSteps() {
   using C = clsBrioQ50OSDownloader;
   constexpr Step (C::* kSteps[])() = {&C::Identify,       &C::ChooseFile,      &C::CheckSuits,   &C::CheckBuilds,
                                       &C::CheckFile,      &C::ShowBothSides,   &C::CheckBackup,  &C::GetAccess,
-                                      &C::AskToEndLoad,   &C::Confirm,         &C::EndDryRun,
+                                      &C::AskToEndLoad,   &C::Confirm,         &C::EndDryRun,    &C::NameOperation,
                                       &C::CheckFile,  // it may have become another one while the questions were open
                                       &C::CheckStillSame, &C::EnterBootLoader, &C::AgreeOnSpeed,
                                       &C::CheckFile,  // the last moment at which the old O/S is still there
@@ -209,6 +212,12 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Confirm() {
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EndDryRun() {
   if (!mWork->order.isDryRun) return {};
   return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
+}
+
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::NameOperation() {
+  mWork->BeginOperation("download the O/S " + Utf8FromPath(mChosen) + " in place of " +
+                        AnsiToUtf8(mFound.version.osVersion));
+  return {};
 }
 
 // Questions can be open for long.

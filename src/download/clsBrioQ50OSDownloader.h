@@ -67,6 +67,7 @@ class clsBrioQ50OSDownloader {
   [[nodiscard]] Step AskToEndLoad();
   [[nodiscard]] Step Confirm();
   [[nodiscard]] Step EndDryRun();
+  [[nodiscard]] Step NameOperation();
   [[nodiscard]] Step CheckStillSame();
   [[nodiscard]] Step EnterBootLoader();
   [[nodiscard]] Step AgreeOnSpeed();

@@ -20,6 +20,8 @@ using Access = JournalDisk::Access;
 // Two writers wait for each other's flush; a disk that needs longer than this is no disk to record on.
 constexpr Duration kLongestLock = std::chrono::seconds(5);
 constexpr Duration kLockTurn = std::chrono::milliseconds(2);
+// No journal leaves out so many numbers: a record that does is none to go on from.
+constexpr std::uint64_t kFarAway = 1'000'000;
 // Room for the records of an operation. With less the disk counts as full.
 constexpr std::uintmax_t kLeastRoom = std::uintmax_t{256} << 10;
 
@@ -160,8 +162,9 @@ auto ChangeJournal::ReadOn(JournalFile& file, const std::optional<JournalHead>& 
 // A line that is no record takes a number all the same: the next record must not have that of one that was altered.
 void ChangeJournal::Take(std::string_view line, const std::optional<JournalHead>& kept) {
   const auto read = ParseRecord(line);
-  mTail->number = read ? std::max(read->record.number, mTail->number) : mTail->number + 1;
-  if (!read) return;
+  const bool isNear = read && read->record.number < mTail->number + kFarAway;
+  mTail->number = isNear ? std::max(read->record.number, mTail->number) : mTail->number + 1;
+  if (!isNear) return;
   mTail->hash = read->hash;
   if (!read->record.journal.empty()) mTail->journal = read->record.journal;
   if (kept && read->record.number == kept->number && read->hash == kept->hash) mMisfit.reset();
@@ -247,6 +250,7 @@ void ChangeJournal::AddWhatWasFound(Addition& addition) const {
 }
 
 void ChangeJournal::KeepHead() {
+  if (mHeadFile.empty()) return;
   const std::error_code error = WriteHead(mDisk, mHeadFile, *mTail);
   mHeadTrouble = error ? "The head of the change journal cannot be kept in " + Utf8FromPath(mPlaces.stateFolder) +
                              " (" + error.message() + "): an end that is cut off from the journal would not be found."

@@ -31,6 +31,13 @@ int Weight(ChangeResult result) {
 
 }  // namespace
 
+// Of several requests some may have been executed before one was refused.
+ChangeEnd ChangeRecorder::Current::End() const {
+  ChangeEnd end = worst.value_or(ChangeEnd{});
+  if (end.result == ChangeResult::Refused && executed > 0) end.result = ChangeResult::Failed;
+  return end;
+}
+
 // Another session has a journal of its own.
 ChangeJournal& ChangeRecorder::Journal() {
   const std::filesystem::path folder = SessionFolder(mParts.shared);
@@ -147,6 +154,7 @@ void ChangeRecorder::RecordUnrecorded() {
 void ChangeRecorder::AfterRequest(const ChangeEnd& end) {
   if (!mCurrent) return;
   if (!mCurrent->worst || Weight(end.result) > Weight(mCurrent->worst->result)) mCurrent->worst = end;
+  mCurrent->executed += end.result != ChangeResult::Refused ? 1 : 0;
   if (mDepth > 0) return;
   const Current ended = *std::exchange(mCurrent, std::nullopt);
   RecordEnd(ended, end);
@@ -155,7 +163,7 @@ void ChangeRecorder::AfterRequest(const ChangeEnd& end) {
 void ChangeRecorder::EndOperation(const std::optional<ChangeEnd>& end) {
   if (mDepth == 0 || --mDepth > 0 || !mCurrent) return;
   const Current ended = *std::exchange(mCurrent, std::nullopt);
-  RecordEnd(ended, end ? *end : ended.worst.value_or(ChangeEnd{}));
+  RecordEnd(ended, end ? *end : ended.End());
 }
 
 void ChangeRecorder::RecordEnd(const Current& current, const ChangeEnd& end) {

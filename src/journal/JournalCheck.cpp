@@ -223,7 +223,9 @@ std::vector<std::string> CheckLines(const JournalCheck& check) {
   std::vector<std::string> lines;
   for (const JournalCheck::Finding& finding : check.findings) lines.push_back(finding.text);
   if (check.moreFindings > 0) lines.push_back("And " + Counted(check.moreFindings, "finding") + " more.");
-  if (check.tornBytes > 0) {
+  const bool isCut =
+      std::ranges::find(check.findings, JournalFault::Cut, &JournalCheck::Finding::fault) != check.findings.end();
+  if (check.tornBytes > 0 && !isCut) {
     lines.push_back(Counted(check.tornBytes, "byte") +
                     " without a line end stand behind the last record: a crash left them. No record that was written "
                     "is lost by it, and the next one cuts them off.");

@@ -10,6 +10,7 @@ namespace kv {
 namespace {
 
 constexpr int kLinesPerTurn = 256;
+constexpr std::int64_t kMostAddress = 1'000'000;  // far behind the last of any model
 
 // "TIMER PRESET 0..9"
 struct OperandSpan {
@@ -28,7 +29,8 @@ OperandSpan SpanOf(std::string_view text) {
   const std::size_t dots = digits.find("..");
   const auto from = ParseInteger(digits.substr(0, dots));
   const auto to = dots == std::string_view::npos ? from : ParseInteger(digits.substr(dots + 2));
-  if (!from || !to) return {.type = upper, .isWholeType = true};
+  const bool isRange = from && to && *from <= kMostAddress && *to <= kMostAddress;
+  if (!isRange) return {.type = upper, .from = 0, .to = 0, .isWholeType = true};
   return {upper.substr(0, blank), *from, *to, false};
 }
 
@@ -123,6 +125,13 @@ class Entries {
 };
 
 }  // namespace
+
+std::string JournalEntry::Moment() const {
+  constexpr std::size_t kToSeconds = 19;
+  std::string moment = record.time.substr(0, kToSeconds);
+  std::ranges::replace(moment, 'T', ' ');
+  return moment;
+}
 
 std::string JournalEntry::Controller() const {
   const ControllerName& name = record.controller;

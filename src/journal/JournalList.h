@@ -19,8 +19,7 @@ struct JournalEntry {
   std::optional<JournalRecord> end;  // of an operation
 
   [[nodiscard]] bool IsOperation() const { return record.kind == RecordKind::Begin; }
-  [[nodiscard]] std::string Day() const { return record.time.substr(0, 10); }        // "2026-11-22"
-  [[nodiscard]] std::string TimeOfDay() const { return record.time.substr(11, 8); }  // "08:41:12"
+  [[nodiscard]] std::string Moment() const;      // "2026-11-22 08:41:12"
   [[nodiscard]] std::string Controller() const;  // "K220-22-R1, serial number 305419896, project Mixer"
   [[nodiscard]] std::string What() const;        // "write operands", or what the record tells
   [[nodiscard]] std::string Result() const;      // "done", "failed: ...", "begun, and not ended"

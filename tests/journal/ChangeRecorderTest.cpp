@@ -63,7 +63,7 @@ TEST_F(ChangeRecorderTest, RecordsAnOperationOnceHoweverManyRequestsItTakes) {
     EXPECT_TRUE(Send());
   }
   EXPECT_TRUE(Send());
-  EXPECT_EQ(Recorded(), "anna|restore||failed: the link broke\nanna|write||refused\nanna|unit 1: write MI 0||done\n");
+  EXPECT_EQ(Recorded(), "anna|restore||failed: the link broke\nanna|write||failed\nanna|unit 1: write MI 0||done\n");
   EXPECT_THAT(recorder.Head(), testing::StartsWith("7 "));
 }
 

@@ -70,6 +70,8 @@ Result CommandFixture::Run(const std::string& line) {
         return cli::SetUpDriver(std::move(real), order, nullptr);
       },
       .listSerialPorts = [this] { return serialPorts; },
+      .journalDisk = recordsChanges ? &SystemJournalDisk() : nullptr,
+      .stateFolder = home.Path() / "state",
   };
   std::filesystem::remove(trace);
   const auto exit = cli::RunKvTele(WordsOf(line), environment);

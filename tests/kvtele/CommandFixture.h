@@ -41,7 +41,8 @@ class CommandFixture {
   TypedInput input;
   VirtualPacer pacer;
   bool errIsTerminal = false;
-  bool outIsBroken = false;  // its reader has gone away, or the disk is full
+  bool recordsChanges = false;  // in the session's journal, with its head in the folder "state" of `home`
+  bool outIsBroken = false;     // its reader has gone away, or the disk is full
   std::vector<SerialPortInfo> serialPorts;
   PortMaker makePort = MakePort;
   std::unique_ptr<CommDriver> driver;  // of the next command; none: the real one

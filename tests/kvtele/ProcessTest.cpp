@@ -8,11 +8,13 @@ namespace kvtest {
 namespace {
 
 using testing::HasSubstr;
+using testing::MatchesRegex;
 
 // The program itself: its arguments, its two outputs, its exit code, its memory in the session's folder.
 TEST(KvTeleProcess, WritesAndReadsAndStopsOnCtrlC) {
   const kv::TemporaryFolder home;
   std::filesystem::create_directories(home.Path() / "Sessions" / "Default");
+  setenv("XDG_STATE_HOME", home.Path().c_str(), 1);
   const auto start = [&](std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"--home", home.Path().string(), "--link", "sim:Q50"});
     return std::make_unique<ProgramProcess>(KVTELE_PROGRAM, std::move(arguments));
@@ -20,7 +22,8 @@ TEST(KvTeleProcess, WritesAndReadsAndStopsOnCtrlC) {
   const auto write = start({"write", "MI", "7", "-5"});
   EXPECT_EQ(write->End(), 0);
   EXPECT_EQ(write->Output(), "");
-  EXPECT_EQ(write->Complaint(), "Written and read back: MI 7\n");
+  EXPECT_THAT(write->Complaint(),
+              MatchesRegex("Written and read back: MI 7\nRecorded in the change journal. Head: 3 .*\n"));
   const auto read = start({"read", "MI", "7"});
   EXPECT_EQ(read->End(), 0) << read->Complaint();
   EXPECT_EQ(read->Output(), "7\t-5\n");

@@ -38,6 +38,7 @@ struct frmDumpPLC::Restoring {
   ManifestReport manifest = {};
   RestoreCheck check = {};
   std::vector<CloneSegment> erase = {};
+  std::optional<OperationScope> operation = {};  // from the first command that changes the controller
 };
 
 void frmDumpPLC::RestoreInto(Channel& link, const std::filesystem::path& file) {
@@ -182,6 +183,7 @@ bool frmDumpPLC::GiveAccess(Restoring& restoring) {
 
 bool frmDumpPLC::Begin(Restoring& restoring) {
   if (restoring.link.GetSerialPort() == nullptr) return FailRestore(restoring.link.LastError().Text());
+  restoring.operation.emplace(restoring.link.Changes(), RestoreOperation(restoring.file));
   const auto begun = BeginRestore(restoring.link, restoring.check.controller, restoring.erase);
   if (begun) return true;
   const std::string text = "Restoring the clone file has failed.\n" + begun.error().reason;
@@ -196,6 +198,7 @@ void frmDumpPLC::Send(Restoring& restoring) {
   mEngine->ExpectDigest(restoring.info.sha256);
   mEngine->RestoreGhost(*restoring.link.GetSerialPort(), restoring.file, &restoring.link);
   CloneOutcome outcome = mEngine->Outcome();
+  restoring.operation->End(ChangeEndOf(outcome));
   mProgressText->setText("Asking the controller what it is doing now");
   if (outcome.end == CloneEnd::Done) {
     const auto checked = CheckAfterRestore(mEngine->Reach(), restoring.link, restoring.check.controller);

@@ -110,6 +110,8 @@ void frmDownloader::StartProgram() {
   }
   SetBusy("The controller's program is being started.");
   const auto link = mServices.shared.ComDriver->GetChannel();
+  const OperationScope starting(link ? link->Changes() : nullptr,
+                                {.tool = "Downloader", .what = "start the program again"});
   const bool isStarted = link && link->RunController(link->UnitID());
   SetBusy({});
   if (!isStarted) {

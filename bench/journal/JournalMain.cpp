@@ -1,0 +1,181 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <numeric>
+#include <string>
+#include <vector>
+
+#include "KvCmDrv1/Driver.h"
+#include "bench/exchange/KvsimChild.h"
+#include "bench/exchange/Measure.h"
+#include "clone/clsDumpPLC.h"
+#include "desktop/PacerWallClock.h"
+#include "desktop/console/ConsolePacer.h"
+#include "journal/ChangeRecorder.h"
+#include "journal/JournalCheck.h"
+#include "tests/support/SilentCloner.h"
+
+// A write of 60 operands and a restore, with the records of the change journal and without, in turn: the medians are
+// compared. And what the two records of an operation cost alone, beside the two flushes that they need.
+
+namespace bench {
+namespace {
+
+constexpr const char* kModel = "K220-22-R1";
+constexpr int kOperands = 60;
+constexpr double kMostOfWrite = 0.4;    // ms
+constexpr double kMostOfRestore = 1.0;  // percent
+
+struct Effort {
+  int writes;
+  int restores;
+};
+constexpr Effort kFull{400, 9};
+constexpr Effort kOnce{2, 1};
+
+double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+class Bench {
+ public:
+  explicit Bench(const std::filesystem::path& home) : mShared(kv::ProgramPaths(home)) {
+    std::filesystem::create_directories(home / "Sessions" / "Default");
+    const std::string& ready = mKvsim.ReadyLine();
+    kv::LinkSettings settings;
+    settings.transport = kv::Transport::Tcp;
+    settings.tcpPort = static_cast<std::uint16_t>(std::atoi(ready.substr(ready.rfind(':') + 1).c_str()));
+    mDriver.UseSettings(settings, false);
+    mLink = mDriver.GetChannel();
+  }
+  [[nodiscard]] bool IsReady() const { return mLink != nullptr; }
+  [[nodiscard]] kv::JournalPlaces Places() const {
+    return {mShared.paths.Session("Default"), mShared.paths.Home() / "state"};
+  }
+
+  // Milliseconds of each, without and with records.
+  struct Pair {
+    double without;
+    double with;
+  };
+  Pair Measure(int times, const std::function<void()>& change) {
+    std::vector<double> without;
+    std::vector<double> with;
+    for (int i = 0; i < times; ++i) {
+      for (const bool isRecorded : {false, true}) {
+        mDriver.SetChangeObserver(isRecorded ? &mRecorder : nullptr);
+        const double start = ClockSeconds();
+        change();
+        (isRecorded ? with : without).push_back((ClockSeconds() - start) * 1000);
+      }
+    }
+    return {Median(without), Median(with)};
+  }
+
+  void Write() {
+    std::vector<std::int16_t> values(kOperands);
+    std::iota(values.begin(), values.end(), static_cast<std::int16_t>(mWrites++ % 1000));
+    kv::Operation operation{.tool = "Operand view", .what = "write 1 region"};
+    if (mLink->Changes()) {
+      kv::ChangedOperands changed{"MI 0..59", {}, {}};
+      for (const std::int16_t value : values) {
+        changed.before.push_back(std::to_string(value - 1));
+        changed.after.push_back(std::to_string(value));
+      }
+      operation.operands.push_back(std::move(changed));
+    }
+    const kv::OperationScope writing(mLink->Changes(), operation);
+    mIsGood = mLink->WriteMI(0, values, 1) && mIsGood;
+  }
+  bool Create() {
+    kv::clsDumpPLC engine(mWindow, mPrompts, mPacer, mClock);
+    engine.CreateGhost(*mLink, mFile);
+    return engine.Outcome().end == kv::CloneEnd::Done;
+  }
+  void Restore() {
+    const kv::OperationScope restoring(mLink->Changes(), kv::RestoreOperation(mFile));
+    kv::clsDumpPLC engine(mWindow, mPrompts, mPacer, mClock);
+    engine.RestoreGhost(*mLink->GetSerialPort(), mFile, mLink.get());
+    mIsGood = engine.Outcome().end == kv::CloneEnd::Done && mIsGood;
+    mLines = engine.Reach().written;
+  }
+  [[nodiscard]] bool IsGood() {
+    const kv::JournalCheck check = kv::CheckJournal(Places(), kv::SystemJournalDisk(), mPacer);
+    if (!check.IsSound() || !check.openRecords.empty()) std::printf("%s\n", kv::VerdictText(check).c_str());
+    return mIsGood && check.IsSound() && check.openRecords.empty() && check.records > 0;
+  }
+  [[nodiscard]] std::int64_t Lines() const { return mLines; }
+
+ private:
+  KvsimChild mKvsim{{"--model", kModel, "--tcp", "0"}};
+  kv::ConsolePacer mPacer;
+  kv::PacerWallClock mClock;
+  kv::SharedState mShared;
+  kv::test::SilentCloner mWindow{};
+  kv::test::KnowingPrompts mPrompts{};
+  kv::ChangeRecorder mRecorder{{.shared = mShared,
+                                .stateFolder = mShared.paths.Home() / "state",
+                                .disk = kv::SystemJournalDisk(),
+                                .prompts = mPrompts,
+                                .pacer = mPacer,
+                                .clock = mClock,
+                                .tell = [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); },
+                                .cure = {}}};
+  kv::Driver mDriver{mPacer, {}, kv::MakePort};
+  std::shared_ptr<kv::Channel> mLink;
+  std::filesystem::path mFile = mShared.paths.Home() / "plc.kdf";
+  int mWrites = 0;
+  std::int64_t mLines = 0;
+  bool mIsGood = true;
+};
+
+// Two appends of a record's length with a flush each, in a file beside the journal.
+double FlushesAlone(const std::filesystem::path& folder, int times) {
+  const auto file = kv::SystemJournalDisk().Open(folder / "flushes", kv::JournalDisk::Access::Replace);
+  const std::string record(900, 'x');
+  std::vector<double> taken;
+  std::uint64_t at = 0;
+  for (int i = 0; file && i < times; ++i) {
+    const double start = ClockSeconds();
+    for (int k = 0; k < 2; ++k, at += record.size()) {
+      if ((*file)->Write(at, record) || (*file)->Flush()) return 0;
+    }
+    taken.push_back((ClockSeconds() - start) * 1000);
+  }
+  return taken.empty() ? 0 : Median(taken);
+}
+
+bool Run(const std::filesystem::path& home, const Effort& effort) {
+  Bench bench(home);
+  if (!bench.IsReady()) return false;
+  const Bench::Pair write = bench.Measure(effort.writes, [&] { bench.Write(); });
+  const double more = write.with - write.without;
+  std::printf("Write of %d operands: %.3f ms, recorded %.3f ms: %.3f ms more (wanted %.1f at most)%s\n", kOperands,
+              write.without, write.with, more, kMostOfWrite, more > kMostOfWrite ? " <" : "");
+  std::printf("Two flushes of 900 bytes alone: %.3f ms\n", FlushesAlone(home, effort.writes));
+  if (!bench.Create()) return false;
+  const Bench::Pair restore = bench.Measure(effort.restores, [&] { bench.Restore(); });
+  const double percent = (restore.with / restore.without - 1) * 100;
+  std::printf("Restore of %lld lines: %.1f ms, recorded %.1f ms: %.2f %% more (wanted %.0f at most)%s\n",
+              static_cast<long long>(bench.Lines()), restore.without, restore.with, percent, kMostOfRestore,
+              percent > kMostOfRestore ? " <" : "");
+  return bench.IsGood();
+}
+
+}  // namespace
+}  // namespace bench
+
+int main(int argc, char** argv) {
+  const bool isOnce = argc > 1 && std::strcmp(argv[1], "--once") == 0;
+  const bool hasHome = argc > 2 && std::strcmp(argv[1], "--home") == 0;
+  const std::filesystem::path base = hasHome ? argv[2] : std::filesystem::temp_directory_path();
+  const std::filesystem::path home = base / ("journal-bench-" + std::to_string(::getpid()));
+  const bool isGood = bench::Run(home, isOnce ? bench::kOnce : bench::kFull);
+  std::filesystem::remove_all(home);
+  return isGood ? 0 : 1;
+}
