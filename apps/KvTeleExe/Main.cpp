@@ -10,6 +10,7 @@
 
 #include "apps/KvTeleExe/TelepanelProgram.h"
 #include "base/PathText.h"
+#include "journal/JournalDisk.h"
 
 namespace {
 
@@ -44,7 +45,7 @@ int main(int argc, char** argv) {
       options.isSet(home) ? std::filesystem::absolute(kv::PathFromUtf8(options.value(home).toStdString()))
                           : kv::ExecutableFolder();
   try {
-    kv::TelepanelProgram(folder).Run();
+    kv::TelepanelProgram(folder, kv::UserStateFolder()).Run();
     return 0;
   } catch (const std::exception& failure) {  // the session has been left in order
     const QString text =

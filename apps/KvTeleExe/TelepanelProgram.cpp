@@ -17,7 +17,7 @@ constexpr std::chrono::milliseconds kSocketInterval{200};
 }  // namespace
 
 // One memory for each simulated model, with the session that every start begins in.
-TelepanelProgram::TelepanelProgram(const std::filesystem::path& home)
+TelepanelProgram::TelepanelProgram(const std::filesystem::path& home, std::filesystem::path stateFolder)
     : mPaths(home),
       mPrompts(WindowsFile(mPaths)),
       mHelp(mPaths, mPrompts, WindowsFile(mPaths)),
@@ -27,7 +27,8 @@ TelepanelProgram::TelepanelProgram(const std::filesystem::path& home)
                 .clipboard = mClipboard,
                 .choices = {SimulatedModels(), ListSerialPorts},
                 .windowsFile = WindowsFile(mPaths)}),
-      mCharacters(WindowsFile(mPaths)) {
+      mCharacters(WindowsFile(mPaths)),
+      mStateFolder(std::move(stateFolder)) {
   mSocketTimer.setInterval(kSocketInterval);
 }
 
@@ -37,6 +38,7 @@ void TelepanelProgram::Run() {
   mdlMain::Main(Parts());
   mSocketTimer.stop();  // the socket has gone
   mDriver = nullptr;
+  mRecorder.reset();
 }
 
 HostParts TelepanelProgram::Parts() {
@@ -51,7 +53,9 @@ HostParts TelepanelProgram::Parts() {
   parts.loadTapi = [this] { return LoadTapi(); };
   parts.createDriver = [this] { return MakeDriver(); };
   parts.createWindows = [this](SharedState& shared) {
-    return MakeToolWindows({shared, mPrompts, mPacer, mClock, mClipboard, mShell, mHexSelector, WindowsFile(mPaths)});
+    RecordChanges(shared);
+    return MakeToolWindows(
+        {shared, mPrompts, mPacer, mClock, mClipboard, mShell, mHexSelector, WindowsFile(mPaths), mStateFolder});
   };
   parts.prompts = &mPrompts;
   parts.shell = &mShell;
@@ -75,6 +79,22 @@ std::unique_ptr<CommDriver> TelepanelProgram::MakeDriver() {
   mDialogs.Serve(*driver);
   driver->SetPasswordSource(&mPassword);
   return driver;
+}
+
+void TelepanelProgram::RecordChanges(SharedState& shared) {
+  const auto tell = [&shared](const std::string& message) {
+    if (shared.Remote) shared.Remote->StatusMessage(message);
+  };
+  mRecorder = std::make_unique<ChangeRecorder>(
+      RecorderParts{.shared = shared,
+                    .stateFolder = mStateFolder,
+                    .disk = SystemJournalDisk(),
+                    .prompts = mPrompts,
+                    .pacer = mPacer,
+                    .clock = mClock,
+                    .tell = tell,
+                    .cure = "or do it again, and let it pass without a record when you are asked"});
+  mDriver->SetChangeObserver(mRecorder.get());
 }
 
 std::unique_ptr<InProcessLine> TelepanelProgram::SimulatedLine(const std::string& model) {

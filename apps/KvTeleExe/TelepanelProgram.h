@@ -17,6 +17,7 @@
 #include "help/ui/HelpWindow.h"
 #include "host/HostParts.h"
 #include "host/clsHelpHandler.h"
+#include "journal/ChangeRecorder.h"
 #include "link/PromptedPassword.h"
 
 namespace kv {
@@ -24,8 +25,8 @@ namespace kv {
 // The pieces of the program with windows, put together. Needs the QApplication.
 class TelepanelProgram {
  public:
-  // `home` is the program folder.
-  explicit TelepanelProgram(const std::filesystem::path& home);
+  // `home` is the program folder, `stateFolder` that of the user in which heads of journals are kept (empty: none are).
+  explicit TelepanelProgram(const std::filesystem::path& home, std::filesystem::path stateFolder = {});
   ~TelepanelProgram();
 
   // The program's whole life; returns when the user has left it.
@@ -36,6 +37,7 @@ class TelepanelProgram {
   [[nodiscard]] std::unique_ptr<InProcessLine> SimulatedLine(const std::string& model);
   [[nodiscard]] std::unique_ptr<CommDriver> MakeDriver();
   [[nodiscard]] std::unique_ptr<frmTAPI> LoadTapi();
+  void RecordChanges(SharedState& shared);
 
   ProgramPaths mPaths;
   QtPacer mPacer;
@@ -50,6 +52,8 @@ class TelepanelProgram {
   SimulatedControllers mControllers;
   QtDriverDialogs mDialogs;
   Driver* mDriver = nullptr;  // while the program runs
+  std::filesystem::path mStateFolder;
+  std::unique_ptr<ChangeRecorder> mRecorder;  // while the program runs
   CharacterSelector mCharacters;
   clsHexSelector mHexSelector{mCharacters};
   QTimer mSocketTimer;  // lets the Ethernet socket tell what has happened

@@ -7,6 +7,8 @@
 #include "clone/ui/frmDumpPLC.h"
 #include "dataview/ui/frmDataTypesView.h"
 #include "download/ui/frmDownloader.h"
+#include "journal/ui/frmJournal.h"
+#include "sessions/SessionIni.h"
 #include "sessions/ui/frmSession.h"
 
 namespace kv {
@@ -30,6 +32,12 @@ constexpr std::array kTable{
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
                     const ClonerServices services{of.shared, of.prompts, of.pacer, of.clock};
                     return std::make_unique<frmDumpPLC>(services, parent);
+                  }},
+    ToolWindowRow{"ID_Journal",
+                  [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
+                    const JournalServices services{
+                        {SessionFolder(of.shared), of.stateFolder}, SystemJournalDisk(), of.prompts, of.pacer};
+                    return std::make_unique<frmJournal>(services, parent);
                   }},
     ToolWindowRow{"ID_Session",
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {

@@ -27,6 +27,7 @@ struct WindowServices {
   Shell& shell;
   clsHexSelector& hexSelector;
   std::filesystem::path windowsFile;  // where windows remember their places
+  std::filesystem::path stateFolder;  // of the user, for the heads of journals; empty: none are kept
 };
 
 // One tool window: the id of its tool in the menus, and how it is made.

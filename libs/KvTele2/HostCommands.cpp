@@ -38,6 +38,7 @@ constexpr std::array kTools{
     HostCommand{"ID_DataTypes",            "&Operand View...",                 "Ctrl+D",       "Shows and writes the operands of the controller",                         "datatypes", "Operands"},
     HostCommand{"ID_Downloader",           "&Downloader...",                   "Ctrl+L",       "Loads projects and operating systems into the controller",                "download",  "Downloader"},
     HostCommand{"ID_DumpPLC",              "&Cloner...",                       "Ctrl+B",       "Creates a clone file of the whole controller, or restores one",           "clone",     "Cloner"},
+    HostCommand{"ID_Journal",              "Change &Journal...",               "Ctrl+J",       "Shows who changed what in which controller, and whether it is all there", "journal",   ""},
     HostCommand{"ID_PLC_DB",               "&Panel Design...",                 "",             "Opens the editor for panel designs",                                      "panel",     ""},
     kSeparator,
     HostCommand{"ID_PID_Srv",              "P&ID Server",                      "",             "Starts the PID Server",                                                   "pid",       ""},
