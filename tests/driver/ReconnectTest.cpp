@@ -18,18 +18,6 @@ sim::SimulatorOptions Like(std::optional<std::uint32_t> serialNumber, Duration r
   return options;
 }
 
-TEST(Reconnect, ReadIsRepeatedOnTheNewConnectionAndTheUserIsTold) {
-  for (const char* fault : {"lost:on=RO,nth=1", "lost:dir=in,on=RO,nth=1"}) {
-    Fixture fixture;
-    fixture.plant.UseFaults({fault});
-    EXPECT_TRUE(fixture.channel.ReadMI(3, 1, 1));
-    EXPECT_EQ(fixture.plant.connections, 2);
-    const std::vector<std::string> expected = {"Connected to COM3, 115200 8N1, unit 1", "Connection lost: it was cut",
-                                               "Connected again to the cable"};
-    EXPECT_EQ(fixture.messages, expected);
-  }
-}
-
 // What is no read is never sent again over a new connection: SY tells what became of it, but for block messages.
 TEST(Reconnect, WhatIsNoReadIsNotSentAgainAndItsFateIsReported) {
   using enum LinkErrorCode;

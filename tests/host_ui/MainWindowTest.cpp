@@ -67,57 +67,27 @@ TEST_F(MainWindowTest, AControllerOfEachKindGoesOnLine) {
 }
 
 TEST_F(MainWindowTest, AControllerThatCannotBeUsedIsRefusedInABox) {
-  const struct {
-    QStringList arguments;
-    const char* told;
-  } cases[] = {
-      {{"--model", "K220-22-R1", "--boot"}, "BOOTSTRAP mode"},
-      {{"--model", "K220-22-R1", "--os", "2.90"}, "(O/S) 2.91 and higher"},
-      {{"--model", "K670-67-T40", "--os", "1.0", "--build", "18"}, "(O/S) 1.0(19) and higher"},
-  };
-  for (const auto& each : cases) {
-    const Kvsim controller(each.arguments);
-    PutTcp(controller.Port());
-    Run([&](QMainWindow& window) {
-      const Boxes boxes(window);
-      Trigger(window, "ID_OnLine");
-      EXPECT_THAT(boxes.texts, ElementsAre(HasSubstr(each.told)));
-      EXPECT_EQ(Text(window, "lblOnline"), "Off line");
-      EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr(each.told));
-      EXPECT_THAT(Text(window, "lblMessage"), StartsWith("Refused: "));
-      EXPECT_NE(Text(window, "lblSerial"), "-") << "what was learnt is shown";
-      EXPECT_TRUE(Find<QAction>(window, "ID_OnLine").isEnabled());
-    });
-  }
-}
-
-TEST_F(MainWindowTest, ASilentControllerNeitherFreezesTheWindowNorHoldsItsUser) {
-  const Kvsim controller({"--model", "K220-22-R1", "--unit", "9"});
-  PutTcp(controller.Port(), "TimeOut=400\r\nTries=2\r\n");
+  PutTcp(ServedBy({"--model", "K670-67-T40", "--os", "1.0", "--build", "18"}));
   Run([&](QMainWindow& window) {
-    QtPacer clock;
-    EXPECT_LE(LongestGap(clock, [&] { Trigger(window, "ID_OnLine"); }), kLongestAllowedGap);
-    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("no reply after 2 tries"));
-    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("What to do: check"));
-    EXPECT_EQ(Text(window, "lblOnline"), "Off line");
-  });
-  PutTcp(controller.Port(), "TimeOut=60000\r\n");
-  Run([&](QMainWindow& window) {
-    CancelWhenBusy(window);
+    const Boxes boxes(window);
     Trigger(window, "ID_OnLine");
-    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("stopped on request"));
-    EXPECT_EQ(window.findChild<QPushButton*>("cmdCancelBusy"), nullptr);
+    constexpr const char* kTold = "(O/S) 1.0(19) and higher";
+    EXPECT_THAT(boxes.texts, ElementsAre(HasSubstr(kTold)));
+    EXPECT_EQ(Text(window, "lblOnline"), "Off line");
+    EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr(kTold));
+    EXPECT_THAT(Text(window, "lblMessage"), StartsWith("Refused: "));
+    EXPECT_NE(Text(window, "lblSerial"), "-") << "what was learnt is shown";
+    EXPECT_TRUE(Find<QAction>(window, "ID_OnLine").isEnabled());
   });
 }
 
 TEST_F(MainWindowTest, LookingForASilentControllerTakesNothingFromTheUser) {
-  const Kvsim controller({"--model", "K220-22-R1"});
-  PutTcp(controller.Port(), "TimeOut=20000\r\nTries=1\r\n");
+  PutTcp(ServedBy({"--model", "K220-22-R1"}), "TimeOut=20000\r\nTries=1\r\n");
   Run([&](QMainWindow& window) {
     Trigger(window, "ID_OnLine");
     auto& log = Find<QTableView>(window, "tblLog");
     log.setFocus();
-    controller.Freeze();
+    kvsim->Signal(SIGSTOP);  // it hears everything and says nothing any more
     When(
         window, [&] { return Text(window, "lblOnline") == "No answer"; },
         [&] {  // long before the time-out

@@ -4,41 +4,16 @@
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
-#include <csignal>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "tests/desktop_ui/QtFixture.h"
 #include "tests/host_ui/ProgramRun.h"
+#include "tests/support/ProgramProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
-
-// A simulated controller in a process of its own, behind TCP; ended in any case.
-class Kvsim {
- public:
-  explicit Kvsim(QStringList arguments, int port = 0) {
-    arguments << "--tcp" << QString::number(port);
-    mProcess.start(KVSIM_PROGRAM, arguments);
-    mProcess.waitForReadyRead(kPatience);
-    mPort = mProcess.readAllStandardOutput().trimmed().split(':').last().toInt();
-  }
-  ~Kvsim() { Kill(); }
-  Kvsim(const Kvsim&) = delete;
-  Kvsim& operator=(const Kvsim&) = delete;
-
-  [[nodiscard]] int Port() const { return mPort; }
-  // It hears everything and says nothing any more.
-  void Freeze() const { ::kill(static_cast<pid_t>(mProcess.processId()), SIGSTOP); }
-  void Kill() {
-    mProcess.kill();
-    mProcess.waitForFinished(kPatience);
-  }
-
- private:
-  QProcess mProcess;
-  int mPort = 0;
-};
 
 // A program folder, and the program run in it with a user.
 class WindowFixture : public testing::Test {
@@ -49,6 +24,12 @@ class WindowFixture : public testing::Test {
     return home.Put("Sessions/Default/" + file, content);
   }
   void PutLink(const std::string& settings) const { Put("KvCmDrv1.ini", "[KvCmDrv1]\r\n" + settings); }
+  // The port at which a simulated controller in a process of its own is found.
+  int ServedBy(std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--tcp", "0"});
+    kvsim = std::make_unique<kvtest::KvsimProcess>(std::move(arguments));
+    return kvsim->Port();
+  }
   void PutTcp(int port, const std::string& more = "") const {
     PutLink("Transport=tcp\r\nHost=127.0.0.1\r\nTcpPort=" + std::to_string(port) + "\r\n" + more);
   }
@@ -86,6 +67,7 @@ class WindowFixture : public testing::Test {
   };
 
   TemporaryFolder home;
+  std::unique_ptr<kvtest::KvsimProcess> kvsim;
 };
 
 }  // namespace kv::test

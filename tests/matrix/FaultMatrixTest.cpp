@@ -74,15 +74,7 @@ class Cell {
 
   Attempt RunUnder(const std::string& selectors) {
     EXPECT_TRUE(mFixture.simulated->UseFaults({Rule(mFault, selectors)}));
-    mFixture.controller->ForgetCounts();
-    const int calls = mFixture.CallsBefore() + mRequest.pieces;
-    const Instant start = mFixture.pacer.Now();
-    const Attempt attempt = mRequest.run(mFixture);
-    EXPECT_LE(mFixture.pacer.Now() - start, mFixture.Longest(calls, start, attempt.restarts));
-    EXPECT_TRUE(attempt.isRight || mFixture.controller->HasLied()) << "wrong or stale";
-    EXPECT_LE(mRequest.isOnce ? attempt.executions : 0, 1) << "done twice";
-    if (attempt.restarts) mFixture.pacer.Sleep(300ms);
-    return attempt;
+    return RunJudged(mFixture, mRequest);
   }
 
   // When the fault is over, the first exchange may fail and no other.
@@ -91,12 +83,8 @@ class Cell {
     mFixture.pacer.Sleep(mFault.lasts);
     if (mFault.isDeaf) mFixture.Reopen();
     for (int round = 1; round <= 3; ++round) {
-      mFixture.controller->ForgetCounts();
-      const Attempt attempt = mRequest.run(mFixture);
-      EXPECT_TRUE(attempt.isRight) << "wrong or stale in exchange " << round << " after it";
-      EXPECT_LE(mRequest.isOnce ? attempt.executions : 0, 1) << "done twice";
+      const Attempt attempt = RunJudged(mFixture, mRequest);
       EXPECT_TRUE(attempt.isDone || round == 1) << "exchange " << round << " after it: " << LastError();
-      if (attempt.restarts) mFixture.pacer.Sleep(300ms);
     }
   }
 
@@ -162,7 +150,7 @@ TEST_P(FaultMatrix, FaultAtEachFrameOfANewLink) {
 
 // The reply is lost, and then the power fails: SY knows nothing any more, at whatever number the counter stood.
 TEST(PowerFailure, BehindALostReplyDoesNothingTwice) {
-  for (const int requests : {1, 20, 33000, 50000, 65500, 65530}) {
+  for (const int requests : {1, 65530}) {
     for (const bool isFirst : {false, true}) {
       SCOPED_TRACE(std::to_string(requests) + (isFirst ? ", first write" : ""));
       Fixture fixture("Q50");

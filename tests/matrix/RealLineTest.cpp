@@ -88,14 +88,14 @@ TEST_P(RealLine, FaultsArePassedOrTold) {
     RealFixture fixture(GetParam());
     ASSERT_TRUE(fixture.Serve({"--model", "Q50", "--fault", rule}));
     int done = 0;
-    for (std::int16_t number = 1; number <= 10; ++number) {
+    for (std::int16_t number = 1; number <= 6; ++number) {
       Channel* link = fixture.Link();
       if (link == nullptr || !link->WriteMI(0, Words{number}, 1)) continue;
       const auto read = link->ReadMI(0, 1, 1);
       EXPECT_TRUE(!read || *read == Words{number});
       done += int{read.has_value()};
     }
-    EXPECT_GE(done, 5);
+    EXPECT_GE(done, 3);
   }
 }
 

@@ -1,5 +1,9 @@
 #include "Requests.h"
 
+#include <gtest/gtest.h>
+
+#include <chrono>
+
 #include "base/Hex.h"
 
 namespace kv::matrix {
@@ -210,6 +214,18 @@ constexpr Request kRequests[] = {
 
 std::span<const Request> AllRequests() {
   return kRequests;
+}
+
+Attempt RunJudged(Fixture& fixture, const Request& request) {
+  fixture.controller->ForgetCounts();
+  const int calls = fixture.CallsBefore() + request.pieces;
+  const Instant start = fixture.pacer.Now();
+  const Attempt attempt = request.run(fixture);
+  EXPECT_LE(fixture.pacer.Now() - start, fixture.Longest(calls, start, attempt.restarts)) << request.name;
+  EXPECT_TRUE(attempt.isRight || fixture.controller->HasLied()) << request.name << ": wrong or stale";
+  EXPECT_TRUE(!request.isOnce || attempt.executions <= 1) << request.name << ": done twice";
+  if (attempt.restarts) fixture.pacer.Sleep(std::chrono::milliseconds(300));
+  return attempt;
 }
 
 }  // namespace kv::matrix

@@ -29,6 +29,9 @@ struct Request {
 
 [[nodiscard]] std::span<const Request> AllRequests();
 
+// Runs it once and holds it against what must be so under any fault: in time, right, and not done twice.
+Attempt RunJudged(Fixture& fixture, const Request& request);
+
 // For the names of tests.
 inline void PrintTo(const Request& request, std::ostream* out) {
   *out << request.name;

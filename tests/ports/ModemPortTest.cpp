@@ -1,7 +1,6 @@
 #include "KvCmDrv1/ports/ModemPort.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "KvCmDrv1/ports/SimulatedPort.h"
 #include "Partners.h"
@@ -18,30 +17,6 @@ using std::chrono::seconds;
 using testing::HasSubstr;
 
 constexpr Duration kLimit = seconds(75);
-
-// A controller that sends back what it gets.
-class EchoLine final : public InProcessLine {
- public:
-  struct State {
-    bool isConnected = false;
-    std::string waiting;
-    std::string taken;
-  };
-  explicit EchoLine(State& state) : mState(state) {}
-
-  bool Connect(Instant) override { return mState.isConnected = true; }
-  void Disconnect(Instant) override { mState.isConnected = false; }
-  bool IsConnected() const override { return mState.isConnected; }
-  void Write(std::string_view bytes, Instant) override {
-    mState.waiting += bytes;
-    mState.taken += bytes;
-  }
-  std::string Read(Instant) override { return std::exchange(mState.waiting, {}); }
-  std::optional<Instant> NextEvent() const override { return std::nullopt; }
-
- private:
-  State& mState;
-};
 
 // Hands over what another line sends, at most `piece` bytes at once.
 class PieceLine final : public InProcessLine {
@@ -72,13 +47,13 @@ class ModemPortTest : public testing::Test {
     return std::make_unique<SimulatedPort>(std::move(line), "COM3", pacer);
   }
   ModemPort& Make(const sim::ModemOptions& options, std::size_t piece = 1000) {
-    auto modem = std::make_unique<sim::SimulatedModem>(std::make_unique<EchoLine>(controller), options);
+    auto modem = std::make_unique<sim::SimulatedModem>(std::make_unique<kvtest::PartnerLine>(controller), options);
     port = std::make_unique<ModemPort>(PortOn(std::make_unique<PieceLine>(std::move(modem), piece)), settings, pacer);
     return *port;
   }
 
   VirtualPacer pacer;
-  EchoLine::State controller;
+  kvtest::Partner controller{.echoes = true};
   ModemSettings settings{.init = "AT&F", .number = "0,12345"};
   std::unique_ptr<ModemPort> port;
 };
@@ -205,22 +180,18 @@ TEST_F(ModemPortTest, EndsACallThatTakesTooLong) {
   }
 }
 
-TEST_F(ModemPortTest, NamesTheCommandThatTheModemDoesNotKnow) {
-  settings.number = "nobody";  // no digit in it
-  const auto refused = Make({}).Open(kLimit);
-  ASSERT_FALSE(refused.has_value());
-  EXPECT_EQ(refused.error().happened, "the modem refused the command \"ATDTnobody\"");
-}
-
 TEST_F(ModemPortTest, WakesAModemWhoseProfileIsQuietOrAnswersWithNumbers) {
-  const std::tuple<sim::ModemAnswers, const char*, const char*> rows[] = {
-      {sim::ModemAnswers::None, "AT&F", ""},
-      {sim::ModemAnswers::Numbers, "", ""},
-      {sim::ModemAnswers::Words, "ATV0", "the modem answers \"ATV0\" with a number instead of a word"},
-      {sim::ModemAnswers::Words, "ATQ1", "the modem does not answer \"ATQ1\", although it has answered before"},
+  using enum sim::ModemAnswers;
+  const std::tuple<sim::ModemAnswers, const char*, const char*, const char*> rows[] = {
+      {None, "AT&F", "1", ""},
+      {Numbers, "", "1", ""},
+      {Words, "", "nobody", "the modem refused the command \"ATDTnobody\""},  // no digit in it
+      {Words, "ATV0", "1", "the modem answers \"ATV0\" with a number instead of a word"},
+      {Words, "ATQ1", "1", "the modem does not answer \"ATQ1\", although it has answered before"},
   };
-  for (const auto& [answers, init, happened] : rows) {
+  for (const auto& [answers, init, number, happened] : rows) {
     settings.init = init;
+    settings.number = number;
     const auto opened = Make({.answers = answers}).Open(kLimit);
     EXPECT_EQ(opened ? "" : opened.error().happened, happened) << init;
   }
@@ -245,10 +216,10 @@ TEST_F(ModemPortTest, IsLostWhenTheCarrierIs) {
   for (const std::size_t piece : {1U, 1000U}) {
     auto& modem = Make({}, piece);
     ASSERT_TRUE(modem.Open(kLimit).has_value());
-    controller.waiting = "data\r\nNO CARRIER\r\n,";  // the other end's own bytes
+    controller.given = "data\r\nNO CARRIER\r\n,";  // the other end's own bytes
     EXPECT_EQ(kvtest::ReadFrom(modem, 19).size(), 19U);
     EXPECT_TRUE(modem.IsOpen());
-    controller.waiting = "half a re";
+    controller.given = "half a re";
     controller.isConnected = false;
     EXPECT_THAT(kvtest::ReadFrom(modem, 1000), HasSubstr("half a re"));
     EXPECT_FALSE(modem.IsOpen());

@@ -10,11 +10,13 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "KvCmDrv1/ports/Port.h"
+#include "base/InProcessLine.h"
 
 // The other ends of the ports under test, on the bare calls of the system. No wait lasts longer than kLongest.
 namespace kvtest {
@@ -118,6 +120,31 @@ struct Pty {
     ::unlockpt(near.Get());
     name = ::ptsname(near.Get());
   }
+};
+
+// The partner of a port in this process.
+struct Partner {
+  bool echoes = false;  // sends back what it takes
+  bool isConnected = false;
+  std::string taken = {};
+  std::string given = {};
+};
+
+class PartnerLine final : public kv::InProcessLine {
+ public:
+  explicit PartnerLine(Partner& partner) : mPartner(partner) {}
+  bool Connect(kv::Instant) override { return mPartner.isConnected = true; }
+  void Disconnect(kv::Instant) override { mPartner.isConnected = false; }
+  bool IsConnected() const override { return mPartner.isConnected; }
+  void Write(std::string_view bytes, kv::Instant) override {
+    mPartner.taken += bytes;
+    if (mPartner.echoes) mPartner.given += bytes;
+  }
+  std::string Read(kv::Instant) override { return std::exchange(mPartner.given, {}); }
+  std::optional<kv::Instant> NextEvent() const override { return std::nullopt; }
+
+ private:
+  Partner& mPartner;
 };
 
 // What a port reads until there are `count` bytes, it is lost, or it has been silent for too long.

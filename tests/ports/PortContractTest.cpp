@@ -11,7 +11,6 @@
 #include "KvCmDrv1/ports/SimulatedPort.h"
 #include "KvCmDrv1/ports/TcpPort.h"
 #include "Partners.h"
-#include "base/InProcessLine.h"
 #include "desktop/VirtualPacer.h"
 #include "desktop/console/ConsolePacer.h"
 #include "simulator/SimulatedModem.h"
@@ -84,31 +83,10 @@ struct SerialLineOnPty final : RealLine {
   kvtest::Pty pty;
 };
 
-// The partner of a port in this process.
-struct Partner {
-  bool isConnected = false;
-  std::string taken;
-  std::string given;
-};
-
-class PartnerLine final : public InProcessLine {
- public:
-  explicit PartnerLine(Partner& partner) : mPartner(partner) {}
-  bool Connect(Instant) override { return mPartner.isConnected = true; }
-  void Disconnect(Instant) override { mPartner.isConnected = false; }
-  bool IsConnected() const override { return mPartner.isConnected; }
-  void Write(std::string_view bytes, Instant) override { mPartner.taken += bytes; }
-  std::string Read(Instant) override { return std::exchange(mPartner.given, {}); }
-  std::optional<Instant> NextEvent() const override { return std::nullopt; }
-
- private:
-  Partner& mPartner;
-};
-
 struct InProcess : Line {
   InProcess() {
     pacer = &virtualPacer;
-    port = std::make_unique<SimulatedPort>(std::make_shared<PartnerLine>(partner), "K330", *pacer);
+    port = std::make_unique<SimulatedPort>(std::make_shared<kvtest::PartnerLine>(partner), "K330", *pacer);
   }
   bool Open() override {
     const bool isOpen = port->Open(seconds(75)).has_value();
@@ -121,12 +99,13 @@ struct InProcess : Line {
   bool IsPartnerAlone() override { return !partner.isConnected; }
 
   VirtualPacer virtualPacer;
-  Partner partner;
+  kvtest::Partner partner;
 };
 
 struct ModemLine final : InProcess {
   ModemLine() {
-    auto modem = std::make_shared<sim::SimulatedModem>(std::make_unique<PartnerLine>(partner), sim::ModemOptions{});
+    auto modem =
+        std::make_shared<sim::SimulatedModem>(std::make_unique<kvtest::PartnerLine>(partner), sim::ModemOptions{});
     auto line = std::make_unique<SimulatedPort>(std::move(modem), "COM3", *pacer);
     port = std::make_unique<ModemPort>(std::move(line), ModemSettings{.init = "", .number = "123"}, *pacer);
   }

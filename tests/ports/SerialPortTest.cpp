@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <grp.h>
-#include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -123,16 +122,13 @@ TEST(SerialPortTest, SaysWhyItDoesNotOpen) {
 TEST(SerialPortTest, ChangesItsSpeedWhileItIsOpen) {
   const Pty pty;
   auto port = PortOn(pty.name);
-  EXPECT_FALSE(port.SetBaudRate(9600));  // closed
   ASSERT_TRUE(port.Open(kNoLimit).has_value());
-  EXPECT_EQ(port.ByteTime(), Duration(87));
   ASSERT_TRUE(port.SetBaudRate(9600));
   termios settings{};
   ASSERT_EQ(::tcgetattr(pty.near.Get(), &settings), 0);
   EXPECT_EQ(::cfgetospeed(&settings), static_cast<speed_t>(B9600));
   EXPECT_FALSE(port.SetBaudRate(12345));
   EXPECT_EQ(port.Description(), pty.name + ", 9600 8N1");
-  EXPECT_EQ(port.ByteTime(), Duration(1042));
 }
 
 TEST(SerialPortTest, DoesNotPassOverAFramingThatTheLineCannotDo) {

@@ -1,9 +1,6 @@
 #include "KvCmDrv1/ports/TcpPort.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <functional>
 
 #include "KvCmDrv1/ports/PortErrors.h"
 #include "Partners.h"
@@ -24,15 +21,6 @@ class TcpPortTest : public testing::Test {
   Descriptor Connect(TcpPort& opening) {
     EXPECT_TRUE(opening.Open(seconds(5)).has_value());
     return listener.Accept();
-  }
-
-  // Whether `isSo` comes true: what the other side did is seen a moment later.
-  bool Reaches(const std::function<bool()>& isSo) {
-    for (int i = 0; i < kvtest::kLongestMilliseconds; ++i) {
-      if (isSo()) return true;
-      pacer.Sleep(milliseconds(1));
-    }
-    return false;
   }
 
   ConsolePacer pacer;

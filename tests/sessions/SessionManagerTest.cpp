@@ -1,7 +1,6 @@
 #include "sessions/SessionManager.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "sessions/SessionIni.h"
 #include "tests/support/SessionFixture.h"
@@ -100,29 +99,15 @@ TEST_F(SessionsTest, AFailedCreateLeavesTheCurrentSessionMarkedAndNoHalfMadeFold
   EXPECT_THAT(sessions.ListFault(), HasSubstr("Sessions with the sessions cannot be read: "));
 }
 
-TEST_F(SessionsTest, DeletingSparesDefaultAndWhatIsInUse) {
+TEST_F(SessionsTest, DeletingSparesDefaultAndWhatIsInUseAndAsksWhereThereIsSomethingToLose) {
   ASSERT_TRUE(sessions.Create("one"));
   ASSERT_TRUE(sessions.Create("two"));
   EXPECT_FALSE(sessions.Delete("two"));  // in use: stays, without a message
   EXPECT_FALSE(sessions.Delete(".."));
   EXPECT_FALSE(sessions.Delete("gone"));
-  EXPECT_TRUE(sessions.Delete("one"));
-  EXPECT_THAT(Taken(), IsEmpty());
-  EXPECT_THAT(sessions.List(), ElementsAre("Default", "two"));
-  EXPECT_TRUE(fs::exists(Session("two") / "tmp.txt"));
-
-  prompts.Press(PromptAnswer::Ok);
-  EXPECT_FALSE(sessions.Delete("Default"));
-  EXPECT_THAT(Taken(), ElementsAre("Box (!) Remove Session: 'Default' Session cannot be deleted."));
-}
-
-TEST_F(SessionsTest, DeletingIsAskedAboutWhereThereIsSomethingToLose) {
-  for (const char* name : {"one", "two"}) ASSERT_TRUE(sessions.Create(name));
   using enum SessionManager::Deletion;
-  EXPECT_EQ(sessions.DeleteOnConsent("two"), Failed) << "in use";
-  EXPECT_EQ(sessions.DeleteOnConsent("gone"), Failed);
-  EXPECT_THAT(Taken(), IsEmpty()) << "nothing would go";
-
+  for (const char* name : {"two", "gone"}) EXPECT_EQ(sessions.DeleteOnConsent(name), Failed);
+  EXPECT_THAT(Taken(), IsEmpty());
   for (const auto& [answer, deletion] : {std::pair(PromptAnswer::No, Declined), {PromptAnswer::Yes, Done}}) {
     prompts.Press(answer);
     EXPECT_EQ(sessions.DeleteOnConsent("one"), deletion);
@@ -130,6 +115,12 @@ TEST_F(SessionsTest, DeletingIsAskedAboutWhereThereIsSomethingToLose) {
     EXPECT_THAT(Taken(), ElementsAre(HasSubstr("Delete the session 'one' (")));
     EXPECT_TRUE(prompts.Boxes().back().canLose) << "Enter keeps it";
   }
+  EXPECT_THAT(sessions.List(), ElementsAre("Default", "two"));
+  EXPECT_TRUE(fs::exists(Session("two") / "tmp.txt"));
+
+  prompts.Press(PromptAnswer::Ok);
+  EXPECT_FALSE(sessions.Delete("Default"));
+  EXPECT_THAT(Taken(), ElementsAre("Box (!) Remove Session: 'Default' Session cannot be deleted."));
 }
 
 }  // namespace

@@ -75,24 +75,5 @@ TEST(Faults, TheSameSeedGivesTheSameFaults) {
       << "rules do not disturb each other";
 }
 
-TEST(Faults, ABadRuleIsRefusedWithItsNameAndWhatWasExpected) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"nope:p=1", "\"nope\" is no kind of fault; expected one of noreply, late,"},
-      {"late", "ms= is missing; expected milliseconds from 1 to 3600000"},
-      {"late:ms=x", "ms=x: expected milliseconds"},
-      {"noreply:ms=3", "\"ms\" is no key of it; expected one of on, nth, every, p, max"},
-      {"noreply:p=1.5", "p=1.5: expected a probability from 0 to 1"},
-      {"noreply:on=RDX", "on=RDX: expected two letters of a command, or block"},
-      {"refuse:code=100", "code=100: expected two hexadecimal digits from 01 to 7F"},
-      {"garbage:rate=0.5", "rate=0.5: expected bytes a second"},
-  };
-  for (const auto& [rule, error] : cases) {
-    const auto faults = Faults::Create({"echo", rule}, 1);
-    ASSERT_FALSE(faults) << rule;
-    EXPECT_EQ(faults.error().find("Fault rule \"" + std::string(rule) + "\": "), 0U);
-    EXPECT_NE(faults.error().find(error), std::string::npos) << faults.error();
-  }
-}
-
 }  // namespace
 }  // namespace sim::test

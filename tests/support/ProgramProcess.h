@@ -56,6 +56,7 @@ class ProgramProcess {
     return line.empty() ? line : line.substr(0, line.size() - 1);
   }
 
+  void Signal(int signal) const { ::kill(mProcess, signal); }
   // Waits for the end, after `signal` if one is given; the exit code, or -1 when it ended otherwise.
   int End(int signal = 0) {
     if (signal != 0) ::kill(mProcess, signal);

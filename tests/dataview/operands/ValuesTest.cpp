@@ -17,18 +17,6 @@ using enum FormatCode;
 using Types = std::vector<OperandTypeCode>;
 using Texts = std::vector<std::string>;
 
-TEST(OperandCatalogue, OffersTheSizesAndFormatsOfTheType) {
-  const std::pair<const char*, Types> sizes[] = {
-      {"#0;1 BIT", {MB, SB, Input, Output, XB}},
-      {"#1;8 BIT|#2;16 BIT|#4;32 BIT", {MI, SI, XI, ML, SL, XL, DW, SDW, XDW}},
-  };
-  for (const auto& [list, types] : sizes) {
-    for (const OperandTypeCode type : types) EXPECT_EQ(SizeComboList(type), list) << TypeName(type);
-  }
-  EXPECT_EQ(FormatComboList(Bit8), "#1;ASCII|#2;BINARY|#4;HEX|#5;DECIMAL");
-  EXPECT_EQ(FormatComboList(Bit32), "#1;ASCII|#4;HEX|#5;DECIMAL|#3;UNSIGNED|#6;FLOAT");
-}
-
 TEST(RowDisplay, ShowsEverySizeAndFormat) {
   const std::tuple<OperandTypeCode, Texts, SizeCode, FormatCode, std::string> rows[] = {
       {MI, {"4660", "22136"}, Bit8, Hex, "12 34 56 78"},
