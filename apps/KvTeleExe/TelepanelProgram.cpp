@@ -27,8 +27,8 @@ TelepanelProgram::TelepanelProgram(const std::filesystem::path& home, std::files
                 .clipboard = mClipboard,
                 .choices = {SimulatedModels(), ListSerialPorts},
                 .windowsFile = WindowsFile(mPaths)}),
-      mCharacters(WindowsFile(mPaths)),
-      mStateFolder(std::move(stateFolder)) {
+      mStateFolder(std::move(stateFolder)),
+      mCharacters(WindowsFile(mPaths)) {
   mSocketTimer.setInterval(kSocketInterval);
 }
 
