@@ -2,33 +2,15 @@
 
 #include <chm_lib.h>
 
-#include <array>
-#include <system_error>
+#include <utility>
 
-#include "base/LittleEndian.h"
+#include "base/AtomicFile.h"
 #include "base/PathText.h"
 
 namespace kv {
 namespace {
 
-// The library trusts the lengths in a file's head; these are what every help file has, and what keeps it within bounds.
-constexpr std::size_t kHeadBytes = 0x60;
-constexpr std::uintmax_t kLargestFile = 256U << 20U;
-
-std::optional<std::string> WhyNoHelpFile(const std::filesystem::path& file) {
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(file, error);
-  if (error) return "it cannot be read (" + error.message() + ")";
-  if (size < kHeadBytes || size > kLargestFile) return "it is no help file: its size is wrong";
-  return std::nullopt;
-}
-
-int Collect(chmFile*, chmUnitInfo* unit, void* context) {
-  auto& names = *static_cast<std::vector<std::string>*>(context);
-  const std::string_view path(unit->path);
-  if (path.starts_with('/') && !path.ends_with('/')) names.emplace_back(path.substr(1));
-  return names.size() < ChmFile::kMostObjects ? CHM_ENUMERATOR_CONTINUE : CHM_ENUMERATOR_SUCCESS;
-}
+constexpr std::size_t kLargestFile = 256U << 20U;
 
 }  // namespace
 
@@ -37,27 +19,34 @@ void ChmFile::Closer::operator()(chmFile* file) const {
 }
 
 std::expected<ChmFile, std::string> ChmFile::Open(const std::filesystem::path& file) {
-  const std::string name = Utf8FromPath(file);
-  if (const auto why = WhyNoHelpFile(file))
-    return std::unexpected("The help file " + name + " cannot be used: " + *why);
+  const std::string name = "The help file " + Utf8FromPath(file) + " cannot be used: ";
+  const auto bytes = ReadWholeFile(file, kLargestFile);
+  if (!bytes) return std::unexpected(name + bytes.error().what);
+  auto directory = ReadChmDirectory(*bytes);
+  if (!directory) return std::unexpected(name + directory.error());
   chmFile* opened = chm_open(file.string().c_str());
-  if (!opened) return std::unexpected("The help file " + name + " cannot be used: it is damaged, or no help file");
-  return ChmFile(opened);
+  if (!opened) return std::unexpected(name + "it is damaged");
+  return ChmFile(opened, std::move(*directory));
 }
 
 std::vector<std::string> ChmFile::Names() const {
   std::vector<std::string> names;
-  chm_enumerate(mFile.get(), CHM_ENUMERATE_ALL, Collect, &names);
+  for (const auto& [path, object] : mDirectory) {
+    if (path.starts_with('/') && !path.ends_with('/')) names.push_back(path.substr(1));
+  }
   return names;
 }
 
 std::optional<std::string> ChmFile::Read(std::string_view name) const {
-  const std::string path = "/" + std::string(name);
+  const auto found = mDirectory.find("/" + std::string(name));
+  if (found == mDirectory.end() || name.empty() || name.ends_with('/')) return std::nullopt;
+  const ChmObject& object = found->second;
+  if (object.length > kLargestObject) return std::nullopt;
   chmUnitInfo unit{};
-  if (path.ends_with('/') || path.size() > CHM_MAX_PATHLEN) return std::nullopt;
-  if (chm_resolve_object(mFile.get(), path.c_str(), &unit) != CHM_RESOLVE_SUCCESS) return std::nullopt;
-  if (unit.length > kLargestObject) return std::nullopt;
-  std::string content(static_cast<std::size_t>(unit.length), '\0');
+  unit.start = object.start;
+  unit.length = object.length;
+  unit.space = static_cast<int>(object.section);
+  std::string content(object.length, '\0');
   const auto length = static_cast<LONGINT64>(content.size());
   auto* bytes = reinterpret_cast<unsigned char*>(content.data());
   if (length > 0 && chm_retrieve_object(mFile.get(), &unit, bytes, 0, length) != length) return std::nullopt;

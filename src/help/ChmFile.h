@@ -6,19 +6,21 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
+
+#include "help/ChmDirectory.h"
 
 struct chmFile;
 
 namespace kv {
 
-// A compiled help file (.chm), through the library that this folder wraps. Its bytes are not trusted: sizes are
-// bounded, and what does not fit is not there.
+// A compiled help file (.chm). Its directory is read here, and checked; the library that this folder wraps, which takes
+// it on trust, only unpacks what lies at a place of it.
 class ChmFile {
  public:
-  // An object of more bytes is not read, and no more objects than these are listed.
+  // An object of more bytes is not read.
   static constexpr std::size_t kLargestObject = 16U << 20U;
-  static constexpr std::size_t kMostObjects = 4096;
 
   // The error is a sentence for the user: which file, and what is wrong with it.
   [[nodiscard]] static std::expected<ChmFile, std::string> Open(const std::filesystem::path& file);
@@ -33,9 +35,10 @@ class ChmFile {
   struct Closer {
     void operator()(chmFile* file) const;
   };
-  explicit ChmFile(chmFile* file) : mFile(file) {}
+  ChmFile(chmFile* file, ChmDirectory directory) : mFile(file), mDirectory(std::move(directory)) {}
 
   std::unique_ptr<chmFile, Closer> mFile;
+  ChmDirectory mDirectory;
 };
 
 }  // namespace kv

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <tuple>
 #include <utility>
 
 #include "base/Texts.h"
@@ -157,8 +158,8 @@ HelpSearch::Answer HelpSearch::Find(std::string_view question) const {
     order.push_back(page);
     if (std::ranges::find(mPages[page].phrases, words) != mPages[page].phrases.end()) scores[page] += kReadsAlike;
   }
-  std::ranges::stable_sort(order, std::ranges::greater(),
-                           [&](std::size_t page) { return std::pair(found[page], scores[page]); });
+  const auto rank = [&](std::size_t page) { return std::tuple(found[page], scores[page], mPages.size() - page); };
+  std::ranges::sort(order, std::ranges::greater(), rank);
   for (const std::size_t page : order) {
     const bool hasAll = found[page] == words.size();
     if (answer.hits.size() >= (hasAll ? kMostHits : kFewHits)) break;

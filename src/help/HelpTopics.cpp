@@ -18,6 +18,8 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
     {104, 1, "questions",          "MessageBox InputBox"},
     {105, 1, "help-window",        "frmHelp"},
     {106, 1, "windows-and-keys",   ""},
+    {107, 1, "log-in",             ""},
+    {108, 1, "about",              ""},
     {200, 0, "reach-a-controller", ""},
     {201, 1, "go-on-line",         "pageController"},
     {202, 1, "link-settings",      "frmComParams"},

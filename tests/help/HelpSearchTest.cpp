@@ -85,6 +85,10 @@ constexpr Question kQuestions[] = {
     {"report a bug", "error-report"},
     {"keyboard shortcuts", "windows-and-keys"},
     {"print the manual", "help-window"},
+    {"audit trail", "journal"},
+    {"who changed the recipe", "journal"},
+    {"sign in", "log-in"},
+    {"which version do I have", "about"},
 };
 
 TEST(HelpSearchTest, FindsTheRightPageAmongTheFirstThree) {
