@@ -53,6 +53,7 @@ TEST_F(HelpEverywhereTest, TheKeyOpensAPageThatNamesTheWindow) {
   std::vector<std::string> commands{"ID_ComParams", "ID_Modem"};
   for (const ToolWindowRow& row : ToolWindowTable()) commands.emplace_back(row.id);
   Run([&](QMainWindow& window) {
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window, kPatience));
     PressInEachControl(window, "main window");
     Trigger(window, "HOST_Trace");
     PressInEachControl(*TopLevel("frmTrace"), "Trace of the Link");
