@@ -13,26 +13,27 @@ struct Column {
   std::size_t stride;
 };
 
-// The number of bytes is known when this is compiled: a value is then written at once.
-template <std::size_t kBytes>
-void Put(const Column& column, std::endian order) {
+// Number and order of the bytes are known when this is compiled: a value is then written at once.
+template <std::size_t kBytes, std::endian kOrder>
+void Put(const Column& column) {
   char* place = column.place;
   for (std::size_t i = 0; i < column.values.size(); i += column.width, place += column.stride) {
+    const std::uint32_t value = column.values[i];
     for (std::size_t byte = 0; byte < kBytes; ++byte) {
-      const std::size_t at = order == std::endian::little ? byte : kBytes - 1 - byte;
-      place[at] = static_cast<char>(column.values[i] >> 8 * byte & 0xFF);
+      place[kOrder == std::endian::little ? byte : kBytes - 1 - byte] = static_cast<char>(value >> 8 * byte & 0xFF);
     }
   }
 }
 
-void Put(const Column& column, std::size_t bytes, std::endian order) {
+template <std::endian kOrder>
+void Put(const Column& column, std::size_t bytes) {
   switch (bytes) {
     case 1:
-      return Put<1>(column, order);
+      return Put<1, kOrder>(column);
     case 2:
-      return Put<2>(column, order);
+      return Put<2, kOrder>(column);
     default:
-      return Put<4>(column, order);
+      return Put<4, kOrder>(column);
   }
 }
 
@@ -46,7 +47,8 @@ void AppendValues(std::string& bytes, const OperandTypeRow& type, std::span<cons
   char* place = bytes.data() + before;
   for (std::size_t field = 0; field < type.fields; ++field) {
     const std::size_t width = type.digits[field] / 2U;
-    Put({values.subspan(field), type.fields, place, stride}, width, order);
+    const Column column{values.subspan(field), type.fields, place, stride};
+    order == std::endian::little ? Put<std::endian::little>(column, width) : Put<std::endian::big>(column, width);
     place += width;
   }
 }

@@ -60,10 +60,10 @@ struct LinkSettings {
   ModemSettings modem;
 
   std::uint8_t unit = 1;
-  std::optional<std::uint32_t> serialNumber;   // of the controller that is meant; nothing: whoever answers first
-  Duration timeOut = std::chrono::seconds(1);  // longest time for a reply
-  int tries = 3;                               // how often a request is sent before it counts as unanswered
-  bool reconnects = true;                      // reopen a lost link by itself
+  std::optional<std::uint32_t> serialNumber;  // of the controller that is meant; nothing: whoever answers first
+  Duration timeOut = std::chrono::milliseconds(kUsualTimeOut);  // longest time for a reply
+  int tries = kUsualTries;  // how often a request is sent before it counts as unanswered
+  bool reconnects = true;   // reopen a lost link by itself
 
   bool operator==(const LinkSettings&) const = default;
 };

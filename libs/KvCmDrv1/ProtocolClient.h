@@ -18,13 +18,14 @@
 #include "base/ScopeGuard.h"
 #include "link/Channel.h"
 #include "link/ControllerErrorText.h"
+#include "link/LinkLimits.h"
 
 namespace kv {
 
 // How exchanges go about on this link.
 struct ExchangeSettings {
-  Duration timeOut = std::chrono::seconds(1);  // for one reply, without the time on the wire
-  int tries = 3;
+  Duration timeOut = std::chrono::milliseconds(kUsualTimeOut);  // for one reply, without the time on the wire
+  int tries = kUsualTries;
   bool reconnects = true;                     // a lost link is reopened within the request's deadline
   std::uint8_t unit = 1;                      // that the link is for
   std::optional<std::uint32_t> serialNumber;  // of that unit; nothing: whoever answers first

@@ -20,7 +20,7 @@ constexpr const char* kPagesFilter = "Telepanel Files (*.kta)|*.kta";
 // A project's name as a file's name: without the characters that some platform does not take.
 std::string FileNameOf(std::string project) {
   for (char& c : project) {
-    if (std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos) c = '-';
+    if (kForbiddenInNames.find(c) != std::string_view::npos) c = '-';
   }
   return project + ".kta";
 }

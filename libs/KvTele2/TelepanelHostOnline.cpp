@@ -17,10 +17,6 @@ bool ShowsAnswer(LinkErrorCode code) {
   return code == LinkErrorCode::None || IsRefusal(code);
 }
 
-bool ShowsLoss(LinkErrorCode code) {
-  return MeansLostLink(code) || code == LinkErrorCode::Unsure;
-}
-
 // The program goes on line with a controller that has come into another one's place, so there is no link to close
 // first.
 LinkError OtherTaken(LinkError error) {
@@ -134,7 +130,7 @@ void TelepanelHost::FollowTool() {
   mState.quality = LinkFactsOf(mChannel->Quality());
   mState.controller->state.clear();
   const LinkError& error = mChannel->LastError();
-  if (ShowsLoss(error.code)) {
+  if (MayMeanLostLink(error.code)) {
     mState.connection = ConnectionState::Lost;
     mState.trouble = error.Text();
   } else if (mState.connection == ConnectionState::Lost && ShowsAnswer(error.code)) {

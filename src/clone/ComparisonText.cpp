@@ -2,6 +2,7 @@
 
 #include "base/AnsiText.h"
 #include "base/Hex.h"
+#include "base/Texts.h"
 
 namespace kv {
 namespace {
@@ -14,18 +15,19 @@ void AddLone(const std::vector<CloneSegment>& segments, const char* where, std::
 
 std::string SegmentText(const CloneSegment& segment) {
   return AnsiToUtf8(segment.code) + "  " + ToHex(segment.start, kAddressDigits) + "  " +
-         std::to_string(segment.length) + " bytes";
+         Counted(segment.length, "byte");
 }
 
 std::vector<std::string> ComparisonLines(const CloneComparison& comparison) {
   std::vector<std::string> lines;
   for (const SegmentDifference& each : comparison.segments) {
     const AddressRanges& differing = each.differing;
-    const std::string verdict = differing.IsEmpty() ? "same" : std::to_string(differing.Bytes()) + " bytes differ";
+    const std::string verdict =
+        differing.IsEmpty() ? "same" : Counted(differing.Bytes(), "byte differs", "bytes differ");
     lines.push_back(SegmentText(each.segment) + ": " + verdict);
     for (const AddressRange& range : differing.Ranges()) lines.push_back("    " + AddressText(range));
     const std::uint64_t more = differing.RangeCount() - differing.Ranges().size();
-    if (more > 0) lines.push_back("    and " + std::to_string(more) + " more ranges");
+    if (more > 0) lines.push_back("    and " + Counted(more, "more range"));
   }
   AddLone(comparison.onlyInFirst, "only in the first file", lines);
   AddLone(comparison.onlyInSecond, "only in the second file", lines);
@@ -34,9 +36,9 @@ std::vector<std::string> ComparisonLines(const CloneComparison& comparison) {
 
 std::string VerdictText(const CloneComparison& comparison, bool isWithController) {
   if (comparison.IsSame()) return "the same.";
-  std::string text = std::to_string(comparison.DifferingBytes()) + " bytes differ";
+  std::string text = Counted(comparison.DifferingBytes(), "byte differs", "bytes differ");
   const std::size_t lone = comparison.onlyInFirst.size() + comparison.onlyInSecond.size();
-  if (lone > 0) text += ", " + std::to_string(lone) + " segments stand on one side only";
+  if (lone > 0) text += ", " + Counted(lone, "segment stands", "segments stand") + " on one side only";
   text += ".";
   if (!isWithController) return text;
   for (const KindVerdict& verdict : VerdictsByKind(comparison)) text += "\n" + verdict.Text();

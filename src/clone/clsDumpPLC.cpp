@@ -8,6 +8,7 @@
 #include "clone/CloneFrame.h"
 #include "clone/CloneLines.h"
 #include "clone/ProgramState.h"
+#include "link/BlockOperations.h"
 #include "link/LinkLimits.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
@@ -150,14 +151,13 @@ std::expected<clsDumpPLC::Segments, CloneOutcome> clsDumpPLC::ReadSegmentTable(C
 std::expected<bool, CloneOutcome> clsDumpPLC::IsRunning(Channel& link) {
   DownloadEngine* engine = link.GetDownloadEngine();
   if (engine == nullptr) return LinkFailure(link);
-  engine->SetMessage({.opCode = 0, .param1 = 7, .dataLength = 2, .param3 = 0, .param4 = 0});
+  engine->SetMessage({.opCode = BlockOperation::kRunState, .param1 = 7, .dataLength = 2, .param3 = 0, .param4 = 0});
   if (!engine->Send()) return LinkFailure(link);
   if (engine->ReplyStatus() >= kBlockRefused || engine->ReplyBytes().empty()) {
     return Failure(CloneCause::Link, "The controller did not tell whether its program runs (status " +
                                          std::to_string(engine->ReplyStatus()) + "). Try again.");
   }
-  const std::uint8_t state = engine->ReplyBytes().front();
-  return state == 'R' || state == 'I';
+  return IsRunningState(static_cast<char>(engine->ReplyBytes().front()));
 }
 
 clsDumpPLC::Step clsDumpPLC::StopProgram(Channel& link) {

@@ -112,7 +112,7 @@ void AllValues::SayRead(const PassOutcome& outcome, std::size_t total) {
 void AllValues::Take() {
   if (!mRead) return;
   const std::size_t changed = mEdits.TakeRead(*mRead, "showing all read values");
-  mContext.Say(std::to_string(changed) + " cells show what was read last.");
+  mContext.Say(Counted(changed, "cell shows", "cells show") + " what was read last.");
 }
 
 void AllValues::Write() {

@@ -188,7 +188,7 @@ AurexOsSender::Step AurexOsSender::AskForRetry(Reply reply) {
   }
   if (mWork.PromptsOf(DownloadQuestion::Retry).Show(box) != PromptAnswer::Yes) return failed;
   // A link that does not come back by itself is opened again; what comes of it shows with the next message.
-  if (MeansLostLink(code) || code == LinkErrorCode::Unsure) static_cast<void>(mWork.link.OpenLink(0, 0));
+  if (MayMeanLostLink(code)) static_cast<void>(mWork.link.OpenLink(0, 0));
   return {};
 }
 

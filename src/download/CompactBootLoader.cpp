@@ -8,6 +8,7 @@
 #include "base/ScopeGuard.h"
 #include "desktop/StopScope.h"
 #include "download/CompactOsFile.h"
+#include "download/OtherSpeeds.h"
 #include "link/ErrorMeaning.h"
 
 namespace kv {
@@ -24,8 +25,6 @@ constexpr Duration kTestPause = milliseconds(500);
 constexpr Duration kErasePause = milliseconds(1000);
 constexpr int kEraseTimeOut = 10000;  // milliseconds
 constexpr int kAgain = 3;             // for losses of the link within one block, and for a busy controller
-constexpr int kFastBaud = 57600;
-constexpr int kSlowBaud = 9600;
 
 constexpr bool IsPxOrPr(CompactKind kind) {
   return kind == CompactKind::PX1 || kind == CompactKind::PR1;
@@ -90,11 +89,11 @@ bool CompactBootLoader::HasEntered(const DownloadOutcome& failure) {
 CompactBootLoader::Step CompactBootLoader::AgreeOnSpeed() {
   // Their boot loaders keep the speed at which they are spoken to, so a link that stands needs no other one.
   if (IsPxOrPr(mKind) && mWork.link.SetComParams(mNow)) return {};
-  if (mKind == CompactKind::Q50) return TellSpeed("CB0A", kFastBaud);
+  if (mKind == CompactKind::Q50) return TellSpeed("CB0A", kFastBootBaud);
   ComParams agreeing = mNow;
   agreeing.mode = 1;
   if (!mWork.link.SetComParams(agreeing) || !mWork.link.OpenLink(mPort, mNow.baudRate)) return LinkFailure();
-  return IsPxOrPr(mKind) ? TellSpeed("CPSR0007", kSlowBaud) : TellSpeed("CPSR010A", kFastBaud);
+  return IsPxOrPr(mKind) ? TellSpeed("CPSR0007", kSlowBootBaud) : TellSpeed("CPSR010A", kFastBootBaud);
 }
 
 // Who changes the speed and is not heard any more may be at the new one already.

@@ -3,7 +3,8 @@
 namespace kv {
 namespace {
 
-constexpr int kSpeeds[] = {57600, 115200, 9600};  // of boot loaders, as delivered, and of boot loaders again
+constexpr int kAsDelivered = 115200;
+constexpr int kSpeeds[] = {kFastBootBaud, kAsDelivered, kSlowBootBaud};
 
 }  // namespace
 

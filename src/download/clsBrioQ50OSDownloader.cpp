@@ -155,12 +155,11 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ShowBothSides() {
 // The boot loaders of a Q50, Q51 and Q58 have a speed of their own.
 Duration clsBrioQ50OSDownloader::TimeOnBootLink() const {
   constexpr std::uint64_t kOfBlock = 2 * kCompactOsBlock + 16 + 22;  // its digits, the rest of the frame, the reply
-  constexpr int kBootBaud = 57600;
   const std::uint64_t blocks = mFile->image.size() / kCompactOsBlock;
   const Duration about = TimeOnLink(mWork->link, blocks * kOfBlock, blocks);
   const int baud = mWork->link.GetComParams().baudRate;
   const bool hasOwnSpeed = mController.kind == CompactKind::Q50 || mController.kind == CompactKind::Q51OrQ58;
-  return hasOwnSpeed && baud > 0 ? about * baud / kBootBaud : about;
+  return hasOwnSpeed && baud > 0 ? about * baud / kFastBootBaud : about;
 }
 
 DownloadSide clsBrioQ50OSDownloader::FileSide() const {

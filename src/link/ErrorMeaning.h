@@ -12,6 +12,12 @@ namespace kv {
   return code == CannotOpen || code == NoReply || code == Damaged || code == LinkLost || code == OtherController;
 }
 
+// The same of what is shown of the controller, where a request may or may not have been executed, too: its answer never
+// came.
+[[nodiscard]] constexpr bool MayMeanLostLink(LinkErrorCode code) {
+  return MeansLostLink(code) || code == LinkErrorCode::Unsure;
+}
+
 // The link may come back by itself, or the controller be free again: nothing is wrong with the request.
 [[nodiscard]] constexpr bool MayComeBack(LinkErrorCode code) {
   using enum LinkErrorCode;

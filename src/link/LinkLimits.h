@@ -19,6 +19,8 @@ struct NumberRange {
 inline constexpr NumberRange kUnitIds{0, 255};
 inline constexpr NumberRange kTimeOuts{50, 300'000};  // milliseconds
 inline constexpr NumberRange kTries{1, 10};
+inline constexpr std::int64_t kUsualTimeOut = 1000;  // milliseconds, for one reply, without the time on the wire
+inline constexpr int kUsualTries = 3;
 
 // What a controller keeps, in characters of Windows-1252.
 inline constexpr std::size_t kLongestPassword = 8;

@@ -24,8 +24,6 @@ constexpr auto kDeviceNames = std::to_array<std::string_view>({"CON", "PRN", "AU
 constexpr auto kNumberedDevices = std::to_array<std::string_view>({"COM", "LPT"});
 constexpr auto kSuperscripts = std::to_array<std::string_view>({"\xC2\xB9", "\xC2\xB2", "\xC2\xB3"});  // 1, 2, 3
 
-constexpr std::string_view kForbidden = "\\/:*?\"<>|";
-
 bool IsDeviceNumber(std::string_view text) {
   return (text.size() == 1 && text[0] >= '0' && text[0] <= '9') ||
          std::ranges::find(kSuperscripts, text) != kSuperscripts.end();
@@ -102,7 +100,7 @@ std::string SessionNameFault(const std::string& name) {
   if (name.empty()) return "A session needs a name.";
   if (name == "." || name == "..") return "\"" + name + "\" is not a name: it stands for a folder that exists already.";
   if (std::ranges::any_of(name, IsControl)) return "A session name cannot contain tabs or other control characters.";
-  if (const auto at = name.find_first_of(kForbidden); at != std::string::npos) {
+  if (const auto at = name.find_first_of(kForbiddenInNames); at != std::string::npos) {
     return std::string("A session name cannot contain the character  ") + name[at] +
            "  , which no folder's name can have on every computer.";
   }

@@ -9,7 +9,7 @@ namespace {
 constexpr int kDroppedShare = 20;  // one in so many at once, so that the view is not told of each single one
 
 QString FromText(const std::string& text) {
-  return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
+  return QString::fromStdString(AnsiToUtf8(text));
 }
 
 }  // namespace

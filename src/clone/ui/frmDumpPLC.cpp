@@ -14,6 +14,7 @@
 
 #include "base/AnsiText.h"
 #include "base/PathText.h"
+#include "base/Texts.h"
 #include "clone/CloneFileName.h"
 #include "clone/CloneInfo.h"
 #include "clone/ProgramState.h"
@@ -46,7 +47,7 @@ std::string FoundText(const CloneInfo& info) {
   std::string codes;
   for (const CloneInfoSegment& each : info.segments) codes += (codes.empty() ? "" : ", ") + each.segment.code;
   return "It was read back and is whole: " + AnsiToUtf8(codes) + " for unit " + std::to_string(info.unit.value_or(0)) +
-         ", " + std::to_string(info.frames) + " lines.";
+         ", " + Counted(info.frames, "line") + ".";
 }
 
 }  // namespace
