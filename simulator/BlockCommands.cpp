@@ -60,6 +60,7 @@ Answer TellStatus(Machine& machine, const BlockRequest& request) {
   status[3] = static_cast<char>(machine.flash.PercentDone());
   status[8] = static_cast<char>(inBoot ? machine.aurexOs.ChunkCount() : machine.project.TopicCount());
   status[9] = isValid && !programs ? 1 : 0;
+  status[10] = inBoot && !programs && machine.aurexOs.NewVersion() ? 1 : 0;
   status[28] = inBoot ? 3 : 0;
   return Done(std::move(status));
 }

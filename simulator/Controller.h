@@ -64,8 +64,8 @@ class Controller {
 
   [[nodiscard]] virtual bool UnderstandsBlocks() const = 0;
   [[nodiscard]] virtual std::uint8_t Unit() const = 0;
-  // A write that lies: requests that change operands or memory are answered as done but change nothing while this is
-  // on.
+  // While this is on, requests are answered as done but change nothing. The password is taken all the same: it changes
+  // the connection.
   virtual void SetLying(bool lying) = 0;
 
   // Writes the state file when there is one and something has changed. False with the reason on stderr's text.

@@ -26,6 +26,7 @@ class ControllerImpl final : public Controller {
   void Advance(kv::Instant now) override { mMachine->Advance(now); }
 
   TextReply ExecuteText(std::string_view text, ConnectionAccess& connection) override {
+    if (mIsLying) return Pretend(text, connection);
     TextReply reply = sim::ExecuteText(*mMachine, text, connection);
     mHasChanged = mHasChanged || !reply.changesNothing;
     return reply;
@@ -37,6 +38,10 @@ class ControllerImpl final : public Controller {
   }
 
   BlockReply ExecuteBlock(const BlockRequest& request, ConnectionAccess& connection) override {
+    if (mIsLying) {
+      Machine copy(*mMachine);
+      return sim::ExecuteBlock(copy, request, connection);
+    }
     mHasChanged = mHasChanged || MayChangeState(request.opCode);
     return sim::ExecuteBlock(*mMachine, request, connection);
   }
@@ -44,10 +49,7 @@ class ControllerImpl final : public Controller {
   bool UnderstandsBlocks() const override { return mMachine->model.UnderstandsBlocks(); }
   std::uint8_t Unit() const override { return mMachine->identity.unit; }
 
-  void SetLying(bool lying) override {
-    mMachine->operands.SetLying(lying);
-    mMachine->memory.SetLying(lying);
-  }
+  void SetLying(bool lying) override { mIsLying = lying; }
 
   std::expected<void, std::string> SaveState() override {
     if (mStateFile.empty() || !mHasChanged) return {};
@@ -58,8 +60,20 @@ class ControllerImpl final : public Controller {
   }
 
  private:
+  // What is done to a copy is answered as it would be, and is done to nothing.
+  TextReply Pretend(std::string_view text, ConnectionAccess& connection) const {
+    Machine copy(*mMachine);
+    const ConnectionAccess before = connection;
+    TextReply reply = sim::ExecuteText(copy, text, connection);
+    if (reply.resets) connection = before;
+    reply.newBaud.reset();
+    reply.resets = false;
+    return reply;
+  }
+
   std::unique_ptr<Machine> mMachine;
   std::filesystem::path mStateFile;
+  bool mIsLying = false;
   bool mHasChanged = true;  // a new controller has a serial number to keep
 };
 

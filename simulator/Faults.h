@@ -33,7 +33,7 @@ namespace sim {
 //              bytes=             instead of endless: so many random bytes, then the reply
 //   busy                          refused as busy and not executed
 //   refuse     code=              refused with this code (two hexadecimal digits) and not executed
-//   lie                           answered as done, but operands and memory stay as they are
+//   lie                           answered as done, but nothing is changed: memory, state, project, O/S, line speed
 //   reset                         the power fails and comes back instead: not executed, no reply, work of the flash cut
 //                                 short, counter and access of every connection gone
 //   lost       at=0 dir=out       the connection is cut when so many bytes of the reply have been sent

@@ -94,11 +94,11 @@ Result<std::string> Memory::Read(std::uint32_t address, std::size_t length) cons
 }
 
 void Memory::Write(std::size_t segment, std::uint32_t offset, std::string_view bytes) {
-  if (!mLying) std::ranges::copy(bytes, mContents[segment].begin() + offset);
+  std::ranges::copy(bytes, mContents[segment].begin() + offset);
 }
 
 void Memory::Erase(std::size_t segment) {
-  if (!mLying) std::ranges::fill(mContents[segment], kErased);
+  std::ranges::fill(mContents[segment], kErased);
 }
 
 }  // namespace sim

@@ -45,13 +45,9 @@ class Memory {
 
   [[nodiscard]] const kv::Bytes& Content(std::size_t segment) const { return mContents[segment]; }
 
-  // While on, writes and erasures are taken and forgotten.
-  void SetLying(bool lying) { mLying = lying; }
-
  private:
   std::span<const Segment> mSegments;
   std::vector<kv::Bytes> mContents;
-  bool mLying = false;
 };
 
 }  // namespace sim

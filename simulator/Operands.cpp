@@ -52,7 +52,7 @@ Result<void> Operands::Write(const OperandTypeRow& type, std::uint32_t start, st
   if (!std::ranges::all_of(values, [&](std::uint32_t value) { return CanHold(type, value); })) {
     return Refuse(Refusal::BadValue);
   }
-  if (!mLying) std::ranges::copy(values, mCells[static_cast<std::size_t>(type.areas[0])].begin() + start);
+  std::ranges::copy(values, mCells[static_cast<std::size_t>(type.areas[0])].begin() + start);
   return {};
 }
 

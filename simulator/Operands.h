@@ -20,8 +20,6 @@ class Operands {
 
   // An older O/S knows fewer operands. Cells beyond its limits keep what they hold.
   void SetOlderOs(bool olderOs) { mOlderOs = olderOs; }
-  // While on, writes are taken and forgotten.
-  void SetLying(bool lying) { mLying = lying; }
 
   // The values of `count` operands, field after field for timers and counters.
   [[nodiscard]] Result<std::vector<std::uint32_t>> Read(const OperandTypeRow& type, std::uint32_t start,
@@ -50,7 +48,6 @@ class Operands {
 
   const Model& mModel;
   bool mOlderOs = false;
-  bool mLying = false;
   std::array<std::vector<std::uint32_t>, kAreaCount> mCells;
 };
 

@@ -49,6 +49,39 @@ std::string TableOf(const DownloadSide& first, const DownloadSide& second, const
   return text;
 }
 
+// The options that the way out needs.
+std::string OptionsFor(ControllerLeft left) {
+  using enum ControllerLeft;
+  constexpr ControllerLeft kLoading[] = {ProjectBegun, ProjectErased, Programming, FlashFailed, ProjectWaits};
+  if (left == NewOsLoading) return "kvtele clone restore FILE.kdf wants --end-load while the controller is loading";
+  if (std::ranges::find(kLoading, left) == std::end(kLoading)) return {};
+  return "a download wants --end-load, too, while the controller is loading";
+}
+
+Failure FailureOf(std::string doing, const DownloadOutcome& outcome) {
+  const std::string text = OutcomeText(outcome);
+  if (outcome.end == DownloadEnd::Stopped) {
+    return {ExitCode::Interrupted, "interrupted", std::move(doing), text, {}, {}};
+  }
+  if (outcome.end == DownloadEnd::Declined) {
+    return {ExitCode::Failed, "notConfirmed", std::move(doing), text, {}, {}};
+  }
+  const auto row = std::ranges::find(kCauses, outcome.cause, &CauseRow::cause);
+  const bool isRefused = outcome.end == DownloadEnd::Refused;
+  // Who never came back, or came back as another one, is no difference between file and controller.
+  const bool isUnheard = outcome.cause == DownloadCause::Unproven && outcome.link.code != LinkErrorCode::None;
+  if (row != kCauses.end() && !isUnheard && outcome.link.code != LinkErrorCode::OtherController) {
+    return {isRefused ? ExitCode::Refused : row->exit, std::string(row->name), std::move(doing), text, {}, {}};
+  }
+  Failure failure = LinkFailure(outcome.link, true);
+  failure.doing = std::move(doing);
+  failure.happened = text;
+  failure.cause.clear();  // stands in the text
+  failure.cure.clear();
+  if (outcome.link.code == LinkErrorCode::None) failure.code = "badReply";
+  return failure;
+}
+
 }  // namespace
 
 std::string PreviewText(const DownloadPreview& preview) {
@@ -80,26 +113,10 @@ VerbOutput ReportOf(const DownloadPreview& preview, const std::optional<Download
   return output;
 }
 
-Failure DownloadFailure(std::string doing, const DownloadOutcome& outcome) {
-  const std::string text = OutcomeText(outcome);
-  if (outcome.end == DownloadEnd::Stopped) {
-    return {ExitCode::Interrupted, "interrupted", std::move(doing), text, {}, {}};
-  }
-  if (outcome.end == DownloadEnd::Declined) {
-    return {ExitCode::Failed, "notConfirmed", std::move(doing), text, {}, {}};
-  }
-  const auto row = std::ranges::find(kCauses, outcome.cause, &CauseRow::cause);
-  const bool isRefused = outcome.end == DownloadEnd::Refused;
-  const bool isOtherController = outcome.link.code == LinkErrorCode::OtherController;
-  if (row != kCauses.end() && !isOtherController) {
-    return {isRefused ? ExitCode::Refused : row->exit, std::string(row->name), std::move(doing), text, {}, {}};
-  }
-  Failure failure = LinkFailure(outcome.link, true);
-  failure.doing = std::move(doing);
-  failure.happened = text;
-  failure.cause.clear();  // stands in the text
-  failure.cure.clear();
-  if (outcome.link.code == LinkErrorCode::None) failure.code = "badReply";
+Failure DownloadFailure(std::string doing, const DownloadOutcome& outcome, const TerminalDownload& window) {
+  Failure failure = FailureOf(std::move(doing), outcome);
+  failure.cure = OptionsFor(outcome.left);
+  failure.untold = window.WithoutTold(failure.happened);
   return failure;
 }
 

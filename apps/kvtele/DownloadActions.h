@@ -70,8 +70,9 @@ struct OsFiles {
 // A dry run that would go on, or a download that went through: both sides, in both forms. `file` names what was sent.
 [[nodiscard]] VerbOutput ReportOf(const DownloadPreview& preview, const std::optional<DownloadReview>& review,
                                   bool isDryRun);
-// The failure of a download; `doing` says what for.
-[[nodiscard]] Failure DownloadFailure(std::string doing, const DownloadOutcome& outcome);
+// The failure of a download; `doing` says what for. What a box of `window` has told is not told again on the terminal.
+[[nodiscard]] Failure DownloadFailure(std::string doing, const DownloadOutcome& outcome,
+                                      const TerminalDownload& window);
 // What is shown before the first question.
 [[nodiscard]] std::string PreviewText(const DownloadPreview& preview);
 

@@ -4,6 +4,12 @@
 
 namespace kv::cli {
 
+DriverMaker::~DriverMaker() {
+  if (!mControllers) return;
+  if (const auto saved = mControllers->Save(); !saved)
+    mErr << "Warning: the simulated controller forgets what it holds. " << saved.error() << "\n";
+}
+
 OrFailure<std::unique_ptr<CommDriver>> DriverMaker::Make(const DriverOrder& order) {
   mControllers = std::make_unique<SimulatedControllers>(order.sessionFolder);
   auto driver =

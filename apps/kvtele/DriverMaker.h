@@ -14,6 +14,9 @@ namespace kv::cli {
 class DriverMaker {
  public:
   DriverMaker(Pacer& pacer, const WallClock& clock, std::ostream& err) : mPacer(pacer), mClock(clock), mErr(err) {}
+  ~DriverMaker();  // says what a simulated controller could not keep
+  DriverMaker(const DriverMaker&) = delete;
+  DriverMaker& operator=(const DriverMaker&) = delete;
 
   [[nodiscard]] OrFailure<std::unique_ptr<CommDriver>> Make(const DriverOrder& order);
 

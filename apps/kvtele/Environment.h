@@ -21,7 +21,7 @@ namespace kv::cli {
 // The driver that a command needs.
 struct DriverOrder {
   LinkSettings link;
-  std::filesystem::path sessionFolder;  // need not exist
+  std::filesystem::path sessionFolder;  // need not exist; made for a simulated controller, which keeps its memory there
   std::string traceFile;                // UTF-8; empty: no trace
 };
 

@@ -67,7 +67,8 @@ const LinkErrorRow& RowOf(LinkErrorCode code) {
 }  // namespace
 
 std::string Failure::Text() const {
-  const std::string text = LinkError{LinkErrorCode::BadArgument, 0, doing, happened, cause, cure}.Text();
+  const std::string text =
+      LinkError{LinkErrorCode::BadArgument, 0, doing, untold.value_or(happened), cause, cure}.Text();
   return HarmlessText(text, "\n\t") + "\n";  // what a controller said may be in it
 }
 

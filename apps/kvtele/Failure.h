@@ -1,6 +1,7 @@
 #pragma once
 
 #include <expected>
+#include <optional>
 #include <string>
 
 #include "clone/CloneOutcome.h"
@@ -31,6 +32,7 @@ struct Failure {
   std::string happened;
   std::string cause;
   std::string cure;
+  std::optional<std::string> untold{};  // what of `happened` a terminal has not shown before; nothing: all of it
 
   // The texts for a terminal, each part on a line of its own, ending with a line feed.
   [[nodiscard]] std::string Text() const;

@@ -29,6 +29,21 @@ ConsolePrompts TerminalDownload::Answered(bool yes, const char* flag) const {
   return {AnswersFor(mCommon, mIsDryRun, yes, flag), mEnvironment.err, mEnvironment.input};
 }
 
+PromptAnswer TerminalDownload::Show(const MessageBox& box) {
+  if (box.buttons == PromptButtons::Ok) std::erase(mTold.emplace_back(box.text), '\r');
+  return TerminalPrompts::Show(box);
+}
+
+std::string TerminalDownload::WithoutTold(std::string text) const {
+  for (const std::string& told : mTold) {
+    const std::size_t at = text.find(told);
+    if (at == std::string::npos) continue;
+    const std::size_t rest = text.find_first_not_of(".\n", at + told.size());
+    text.erase(at, rest == std::string::npos ? rest : rest - at);
+  }
+  return text;
+}
+
 Prompts& TerminalDownload::PromptsOf(DownloadQuestion question) {
   mLine.Wipe();
   switch (question) {

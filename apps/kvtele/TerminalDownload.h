@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
@@ -28,6 +29,10 @@ class TerminalDownload : public DownloadWindow, public TerminalPrompts {
  public:
   TerminalDownload(Environment& environment, const CommonOptions& common, const ConsentFlags& consents, bool isDryRun);
 
+  PromptAnswer Show(const MessageBox& box) override;
+  // What of this text no box has shown.
+  [[nodiscard]] std::string WithoutTold(std::string text) const;
+
   void SetStatus(std::string_view text) override;
   void Note(std::string_view text) override;
   void ResetProgress(std::int64_t) override {}
@@ -52,6 +57,7 @@ class TerminalDownload : public DownloadWindow, public TerminalPrompts {
   ConsentFlags mConsents;
   int mRetries = 0;  // so far
   std::optional<ConsolePrompts> mQuestion;
+  std::vector<std::string> mTold;  // by boxes that ask nothing
   std::string mStatus;
   DownloadProgress mProgress;
 };

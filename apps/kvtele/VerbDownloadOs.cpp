@@ -147,8 +147,8 @@ class OsDownload {
   [[nodiscard]] VerbResult Report(const Ending& ending) const {
     const DownloadEnd end = ending.outcome.end;
     if (end != DownloadEnd::Done && end != DownloadEnd::WouldGoOn) {
-      Failure failure = DownloadFailure("downloading the O/S", ending.outcome);
-      if (mIsAurex) failure.cure = CureOf(ending.outcome);
+      Failure failure = DownloadFailure("downloading the O/S", ending.outcome, mWindow);
+      if (const std::string cure = CureOf(ending.outcome); mIsAurex && !cure.empty()) failure.cure = cure;
       return std::unexpected(std::move(failure));
     }
     VerbOutput output = ReportOf(mPreview, ending.review, mFlags.isDryRun);

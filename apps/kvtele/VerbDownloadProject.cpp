@@ -51,7 +51,7 @@ VerbResult DownloadProject(Environment& environment, const CommonOptions& common
   (*backup)->TellWarnings(environment);
   const DownloadOutcome& outcome = engine.Outcome();
   if (outcome.end != DownloadEnd::Done && outcome.end != DownloadEnd::WouldGoOn) {
-    return std::unexpected(DownloadFailure("downloading " + Utf8FromPath(file), outcome));
+    return std::unexpected(DownloadFailure("downloading " + Utf8FromPath(file), outcome, window));
   }
   VerbOutput output = ReportOf(preview, engine.Review(), flags.isDryRun);
   output.document["file"] = Utf8FromPath(file);

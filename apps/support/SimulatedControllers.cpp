@@ -60,8 +60,9 @@ std::expected<void, std::string> SimulatedControllers::Save() {
 }
 
 std::string SimulatedControllers::StateFile(std::string_view model) const {
-  std::error_code ignored;
-  if (mFolder.empty() || !std::filesystem::is_directory(mFolder, ignored)) return {};
+  if (mFolder.empty()) return {};
+  std::error_code ignored;  // where it cannot be made, saving fails, and says so
+  std::filesystem::create_directories(mFolder, ignored);
   return Utf8FromPath(mFolder / PathFromUtf8(FileNameOf(model)));
 }
 

@@ -20,8 +20,8 @@ namespace kv {
 // so a link that is closed and opened again finds the controller as it was left.
 class SimulatedControllers {
  public:
-  // With a folder each controller keeps its memory in a file there ("Simulated K220-22-R1.state"), so that it is found
-  // again at the next start; with an empty path, or while the folder does not exist, nothing is kept.
+  // With a folder, which is made where it is missing, each controller keeps its memory in a file there ("Simulated
+  // K220-22-R1.state"), so that it is found again at the next start; with an empty path nothing is kept.
   explicit SimulatedControllers(std::filesystem::path folder);
   ~SimulatedControllers();
   SimulatedControllers(const SimulatedControllers&) = delete;

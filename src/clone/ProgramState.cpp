@@ -34,9 +34,15 @@ MessageBox StopQuestion() {
           .canLose = true};
 }
 
-void ShowCreateQuestions(Prompts& prompts, const std::string& controller, char state) {
+InputBox PasswordQuestion() {
+  return {.text = "Enter Password Up To 8 Chars", .title = std::string(kClonerCaption), .initial = "", .secret = true};
+}
+
+bool ShowCreateQuestions(Prompts& prompts, const std::string& controller, char state) {
   static_cast<void>(IsStartWanted(prompts, controller, state));
+  const bool hasPassword = !prompts.Ask(PasswordQuestion()).value_or("").empty();
   if (IsRunningState(state)) static_cast<void>(prompts.Show(StopQuestion()));
+  return hasPassword;
 }
 
 void OfferToRun(const clsDumpPLC& engine, Channel& link, Prompts& prompts, Pacer& pacer, const std::string& controller,

@@ -19,8 +19,12 @@ namespace kv {
 // Asked when a running program is to stop for the clone; with No it is cloned while it runs.
 [[nodiscard]] MessageBox StopQuestion();
 
-// Shows what a create would ask about a program in this state, for who only wants to know.
-void ShowCreateQuestions(Prompts& prompts, const std::string& controller, char state);
+// Asked before the segments are listed; an empty text is none.
+[[nodiscard]] InputBox PasswordQuestion();
+
+// Asks what a create would ask of a controller in this state, for who only wants to know. False when no password was
+// given: then it would fail.
+[[nodiscard]] bool ShowCreateQuestions(Prompts& prompts, const std::string& controller, char state);
 
 // After a create that failed with the program stopped: offers to start it, also after a stop by the user. `outcome`,
 // that of the create, then says what became of the program.

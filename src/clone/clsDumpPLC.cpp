@@ -121,8 +121,7 @@ std::expected<VersionInfo, CloneOutcome> clsDumpPLC::SupportsCloning(Channel& li
 }
 
 std::expected<clsDumpPLC::Segments, CloneOutcome> clsDumpPLC::ReadSegmentTable(Channel& link) {
-  const auto entered = mPrompts.Ask(
-      {.text = "Enter Password Up To 8 Chars", .title = std::string(kClonerCaption), .initial = "", .secret = true});
+  const auto entered = mPrompts.Ask(PasswordQuestion());
   if (!entered && IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
   std::string password = Utf8ToAnsi(entered.value_or(""));
   if (password.empty())

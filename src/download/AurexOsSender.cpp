@@ -32,7 +32,8 @@ AurexOsSender::Status StatusIn(const Bytes& reply) {
   return {.isIdle = reply[kActivity] == kIdle,
           .hasFlashError = reply[kFlashError] != 0,
           .hasTopic = reply[kIsWhole] != 0,
-          .percent = std::min<int>(reply[kPercent], 100)};
+          .percent = std::min<int>(reply[kPercent], 100),
+          .isProgrammed = reply.size() > kIsProgrammed && reply[kIsProgrammed] != 0};
 }
 
 // After these the same request on the same link cannot succeed, whatever the user does meanwhile.
@@ -124,7 +125,6 @@ AurexOsSender::Step AurexOsSender::Program() {
     if (!mayBeTold) continue;
     if (auto idle = WaitUntilIdle(TopicCheck::Off); !idle) return idle;
   }
-  mIsTold = true;
   // What it received is gone when its power has failed meanwhile, and its O/S with it.
   if (auto idle = WaitUntilIdle(TopicCheck::On); !idle) return idle;
   mWork.left = ControllerLeft::OsWaits;
@@ -198,7 +198,8 @@ AurexOsSender::Step AurexOsSender::WaitUntilIdle(TopicCheck check) {
   while (mWork.pacer.Now() - start <= kLongestWait) {
     mEngine.SetMessage(kStatusRequest);
     if (auto sent = SendWithRetry(); !sent) return sent;
-    const auto isIdle = CheckStatus(StatusIn(mEngine.ReplyBytes()), check);
+    mLast = StatusIn(mEngine.ReplyBytes());
+    const auto isIdle = CheckStatus(mLast, check);
     if (!isIdle) return std::unexpected(isIdle.error());
     if (*isIdle) {
       mEngine.SetMessage(before);

@@ -30,6 +30,7 @@ class AurexOsSender {
     bool hasFlashError = false;
     bool hasTopic = false;  // the last topic arrived whole, and nothing that arrived has been dropped since
     int percent = 0;        // of the programming
+    bool isProgrammed = false;
   };
   // Asks once, without a question to the user; nothing when there is no answer.
   [[nodiscard]] static std::optional<Status> AskStatus(Channel& link);
@@ -40,8 +41,8 @@ class AurexOsSender {
   [[nodiscard]] Step Send(const OsTransfer& transfer);
   // Programs what was sent, and waits until that is done.
   [[nodiscard]] Step Program();
-  // The controller has answered that it programs, or has programmed.
-  [[nodiscard]] bool IsTold() const { return mIsTold; }
+  // The controller has said that what it programs is done, and not only that it has been told to.
+  [[nodiscard]] bool IsProven() const { return mLast.isProgrammed; }
 
  private:
   enum class Reply : std::uint8_t { Taken, Interrupted, Unanswered, Busy, Refused };
@@ -64,7 +65,7 @@ class AurexOsSender {
   std::uint64_t mToSend = 0;
   std::string mDoing;           // what is under way, for reasons
   bool mIsProgramming = false;  // what is waited for
-  bool mIsTold = false;
+  Status mLast;
 };
 
 }  // namespace kv

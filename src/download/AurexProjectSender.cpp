@@ -48,11 +48,11 @@ AurexProjectSender::Step AurexProjectSender::CheckFits(const FoundController& co
                         ". Projects of controllers with a colour screen are not downloaded with this tool.");
   }
   if (model != mProject.model) {
-    const std::string text = OtherModelText(mProject.model, model);
+    std::string text = OtherModelText(mProject.model, model);
     mWork.Tell(text, PromptIcon::Exclamation, "Warning");
+    std::erase(text, '\r');
     const std::string advice = StateAdvice(controller);
-    return mWork.Refuse("The project is made for a " + mProject.model + ", and the controller is a " + model + "." +
-                        (advice.empty() ? "" : "\n" + advice));
+    return mWork.Refuse(text + (advice.empty() ? "" : "\n" + advice));
   }
   if (mWork.link.GetDownloadEngine() == nullptr) {
     if (mWork.link.LastError().code != LinkErrorCode::NotSupported) return mWork.FailOf(mWork.link.LastError());
@@ -150,7 +150,21 @@ AurexProjectSender::Step AurexProjectSender::SendTopics() {
     mWork.pacer.DoEvents();
     if (Step done = mWork.StopPoint(); !done) return done;
   }
-  return {};
+  return CheckAllArrived();
+}
+
+// The last moment at which the old project is still there.
+AurexProjectSender::Step AurexProjectSender::CheckAllArrived() {
+  const auto status = AskStatus();
+  if (!status) return std::unexpected(status.error());
+  const std::uint8_t count = (*status)[FlashStatus::kTopicCount];
+  const auto sent = static_cast<std::uint8_t>(mSent);
+  if (count == sent) return {};
+  const std::string text = "All was sent, but the controller has not kept it: it counts " + std::to_string(count) +
+                           " topics instead of " + std::to_string(sent) +
+                           " (up to 255 and from 0 again). It was not told to program them.";
+  mWork.Tell(text + "\n" + std::string(LeftBehindText(mWork.left)), PromptIcon::Exclamation);
+  return mWork.Fail(DownloadCause::Differs, text);
 }
 
 // A topic that arrives twice would be kept twice. When a stop or a lost connection has ended the exchange and the

@@ -23,6 +23,7 @@ class AurexProjectSender final : public ProjectSender {
   [[nodiscard]] Step StopProgram();
   [[nodiscard]] Step BeginProject();
   [[nodiscard]] Step SendTopics();
+  [[nodiscard]] Step CheckAllArrived();
   [[nodiscard]] Step SendTopic(const AurexProjectTopic& topic);
   [[nodiscard]] Step Program();
   [[nodiscard]] Step Reset();

@@ -24,7 +24,7 @@ std::expected<Bytes, DownloadOutcome> CompactApplication::Read() {
   Bytes application;
   while (application.size() < kMost) {
     if (auto stop = mWork.StopPoint(); !stop) return std::unexpected(std::move(stop.error()));
-    const auto block = ReadBlock(application.size());
+    const auto block = mWork.WhileBusy([&] { return ReadBlock(application.size()); });
     if (!block) return std::unexpected(block.error());
     application.insert(application.end(), block->begin(), block->end());
     if (block->size() < kBlock) return application;
@@ -55,7 +55,7 @@ DownloadWork::Step CompactApplication::Write(const Bytes& application) {
 DownloadWork::Step CompactApplication::Tell(const std::string& command) {
   if (auto stop = mWork.StopPoint(); !stop) return stop;
   return mWork.Do(ControllerLeft::ProjectErased, [&]() -> DownloadWork::Step {
-    const auto reply = mWork.Send(command);
+    const auto reply = mWork.WhileBusy([&] { return mWork.Send(command); });
     if (!reply) return std::unexpected(reply.error());
     return {};
   });

@@ -123,7 +123,9 @@ CompactBootLoader::Step CompactBootLoader::EraseFlash() {
   if (Step ready = Poll("FI", "20", "50", kTestPause); !ready) return ready;
   if (Step erasing = StartErase(); !erasing) return erasing;
   if (mKind == CompactKind::PR1) mWork.pacer.Sleep(kAfterErase);
-  return Poll("OSS", "00", "20", kErasePause);
+  Step erased = Poll("OSS", "00", "20", kErasePause);
+  if (!erased && erased.error().link.code == LinkErrorCode::None) mWork.left = BootLoaderUnsure;
+  return erased;
 }
 
 CompactBootLoader::Step CompactBootLoader::StartErase() {
@@ -217,8 +219,8 @@ void CompactBootLoader::FindOutWhatIsLeft(const std::string& oldOs, const std::s
 std::string CompactBootLoader::SpeedText() const {
   const int now = mWork.link.GetComParams().baudRate;
   if (now == mUsual.baudRate) return "";
-  return "The link stays at " + std::to_string(now) + " baud, at which the boot loader listens; once it has been " +
-         "switched off and on, the controller listens at its usual speed again.";
+  return "The link stays at " + std::to_string(now) + " baud, which the controller was told to use; once it has been " +
+         "switched off and on, it listens at its usual speed again.";
 }
 
 // A controller that has restarted by itself has its usual speed again.

@@ -46,9 +46,16 @@ std::optional<DownloadFileKind> KindOfDownloadFile(const std::filesystem::path& 
 }
 
 ReadResult ReadDownloadFile(const std::filesystem::path& file) {
-  const Kind* kind = FindKind(file);
-  if (kind != nullptr) return kind->read(file);
-  return FaultsOf(Utf8FromPath(file)).NotLegal("expected a file .dai, .d50, .kos, .kft or .OSI");
+  const Kind* named = FindKind(file);
+  ReadResult read = named != nullptr
+                        ? named->read(file)
+                        : FaultsOf(Utf8FromPath(file)).NotLegal("expected a file .dai, .d50, .kos, .kft or .OSI");
+  if (read || read.error().fault != DownloadFileFault::NotLegal) return read;
+  for (const Kind& other : kKinds) {
+    if (&other == named) continue;
+    if (auto found = other.read(file)) return found;
+  }
+  return read;
 }
 
 }  // namespace kv

@@ -21,7 +21,7 @@ enum class DownloadFileKind : std::uint8_t { AurexProject, CompactProject, Aurex
 
 using DownloadFile = std::variant<AurexProjectFile, CompactProjectFile, AurexOsFile, FontsFile, CompactOsFile>;
 
-// Any of the five kinds, by its extension. NotLegal when it has another.
+// Any of the five kinds: what the extension says, unless the content is that of another one. NotLegal when it is none.
 [[nodiscard]] std::expected<DownloadFile, DownloadFileError> ReadDownloadFile(const std::filesystem::path& file);
 
 }  // namespace kv

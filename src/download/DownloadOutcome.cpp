@@ -42,6 +42,10 @@ std::string_view LeftBehindText(ControllerLeft left) {
     case ControllerLeft::BootLoaderErased:
       return "The controller's boot loader runs, and there is no whole O/S in it. Download an O/S again: it cannot run "
              "before.";
+    case ControllerLeft::BootLoaderUnsure:
+      return "The controller's boot loader runs, and whether there is a whole O/S in it is not known. Switch the "
+             "controller "
+             "off and on, then identify it; if its boot loader runs again, download an O/S again.";
     case ControllerLeft::BootLoaderPerhaps:
       return "Whether the controller runs its boot loader now is not known. Identify it, then download an O/S again, "
              "or "

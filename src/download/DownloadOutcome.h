@@ -44,6 +44,7 @@ enum class ControllerLeft : std::uint8_t {
   BootLoader,         // its boot loader runs, the old O/S is still there
   BootLoaderAsFound,  // its boot loader runs, as it did before, and with the O/S that it had, if any
   BootLoaderErased,   // its boot loader runs, the O/S is gone or not whole
+  BootLoaderUnsure,   // its boot loader runs, and whether the O/S in it is whole is not known
   BootLoaderPerhaps,  // it was sent into its boot loader, and has not answered since
   OsProgramming,      // Aurex: it may be programming the new O/S into its flash
   OsWaits,            // the new O/S is programmed, and takes effect with a reset that it has not had

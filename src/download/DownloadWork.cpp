@@ -5,6 +5,7 @@
 
 #include "base/Hex.h"
 #include "clone/CloneOutcome.h"
+#include "clone/ProgramState.h"
 #include "desktop/StopScope.h"
 #include "download/ProjectDownload.h"
 #include "link/ControllerErrorText.h"
@@ -58,6 +59,12 @@ bool DownloadWork::Asks(DownloadQuestion question, const std::string& text, Prom
   return PromptsOf(question).Show(
              {.text = text, .title = TitleOr(title), .icon = icon, .buttons = PromptButtons::YesNo, .canLose = true}) ==
          PromptAnswer::Yes;
+}
+
+DownloadWork::Step DownloadWork::ShowCloneQuestions(const std::string& controller, char state) {
+  if (ShowCreateQuestions(prompts, controller, state)) return {};
+  return Fail(DownloadCause::Backup,
+              "No password was given for the clone. A controller without a password takes any text, but not none.");
 }
 
 std::unexpected<DownloadOutcome> DownloadWork::Fail(DownloadCause cause, std::string reason) const {

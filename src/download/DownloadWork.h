@@ -49,6 +49,9 @@ class DownloadWork {
   [[nodiscard]] bool Asks(DownloadQuestion question, const std::string& text, PromptIcon icon,
                           std::string_view title = {});
 
+  // Of a dry run: asks what the clone of this controller would ask before the download.
+  [[nodiscard]] Step ShowCloneQuestions(const std::string& controller, char state);
+
   [[nodiscard]] std::unexpected<DownloadOutcome> Fail(DownloadCause cause, std::string reason) const;
   [[nodiscard]] std::unexpected<DownloadOutcome> Refuse(std::string reason) const;
   // The user's No; a stop when there was one.

@@ -47,6 +47,7 @@ ControllerLeft Refined(ControllerLeft left, char state, const std::string& proje
     return IsRunningState(state) ? ControllerLeft::Untouched : ControllerLeft::Stopped;  // DE takes the name away
   }
   const bool isBeforeErase = left == ControllerLeft::Stopped || left == ControllerLeft::ProjectBegun;
+  if (isBeforeErase && state == 'S' && isOld) return ControllerLeft::Stopped;
   const bool mayBeLost = isBeforeErase || left == ControllerLeft::Programming;
   if (isBeforeErase && IsRunningState(state) && isOld) return ControllerLeft::Untouched;
   if (mayBeLost && state != 'L' && project.empty() && !isOld) return ControllerLeft::ProjectErased;
@@ -196,7 +197,7 @@ class ProjectDownload::Run {
   Step EndDryRun() {
     if (!mWork.order.isDryRun) return {};
     if (mWork.order.backup != nullptr) {
-      ShowCreateQuestions(mWork.prompts, mControllerText, mController.info.state);
+      if (Step asked = mWork.ShowCloneQuestions(mControllerText, mController.info.state); !asked) return asked;
     }
     return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
   }

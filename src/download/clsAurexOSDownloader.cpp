@@ -51,6 +51,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::RunSteps() {
                                       &C::WarnOfBootLoader,
                                       &C::WarnOfDataTypes,
                                       &C::CheckFonts,
+                                      &C::GetAccess,
                                       &C::EndDryRun,
                                       &C::NameOperation,
                                       &C::TakeBackup,
@@ -232,10 +233,17 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFonts() {
                                             : mFonts.error().Text());
 }
 
+// A password that is not known is found out in a dry run, too.
+clsAurexOSDownloader::Step clsAurexOSDownloader::GetAccess() {
+  if (mWork->link.EnsureAccess(mWork->link.UnitID())) return {};
+  return mWork->FailOf(mWork->link.LastError());
+}
+
 clsAurexOSDownloader::Step clsAurexOSDownloader::EndDryRun() {
   if (!mWork->order.isDryRun) return {};
   for (const bool isCloned : {mWork->order.backup != nullptr, mChange.NeedsMemorySaved()}) {
-    if (isCloned) ShowCreateQuestions(mContext.questions, ControllerName(), mFound.info.state);
+    if (!isCloned) continue;
+    if (Step asked = mWork->ShowCloneQuestions(ControllerName(), mFound.info.state); !asked) return asked;
   }
   return std::unexpected(DownloadOutcome{.end = DownloadEnd::WouldGoOn});
 }
@@ -265,9 +273,13 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::Decline() const {
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::FailLink(const std::string& what, const LinkError& error) const {
-  Step failed = mWork->FailOf(error);
-  failed.error().reason = what + "\n" + failed.error().reason;
-  return failed;
+  return Behind(what, mWork->FailOf(error).error());
+}
+
+clsAurexOSDownloader::Step clsAurexOSDownloader::Behind(const std::string& what, DownloadOutcome failure) const {
+  failure.reason = what + "\n" + failure.reason;
+  failure.left = mWork->left;
+  return std::unexpected(std::move(failure));
 }
 
 }  // namespace kv

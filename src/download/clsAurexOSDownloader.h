@@ -67,6 +67,7 @@ class clsAurexOSDownloader {
   [[nodiscard]] Step WarnOfBootLoader();
   [[nodiscard]] Step WarnOfDataTypes();
   [[nodiscard]] Step CheckFonts();
+  [[nodiscard]] Step GetAccess();
   [[nodiscard]] Step EndDryRun();
   [[nodiscard]] Step NameOperation();
   // From here on its program may be stopped and started.
@@ -90,12 +91,16 @@ class clsAurexOSDownloader {
   void AskWhatIsLeft();
   // A controller that was left as `left` and now runs.
   [[nodiscard]] ControllerLeft LeftWhen(ControllerLeft left, const FoundController& runs) const;
+  // Whether the O/S of the file, when the controller reports it, is the one that was sent.
+  [[nodiscard]] bool IsProven() const;
   void TellFoundBoot();
   [[nodiscard]] DownloadPreview Preview() const;
   [[nodiscard]] std::string ControllerName() const;
   [[nodiscard]] Step Refuse(DownloadCause cause, const std::string& reason) const;
   [[nodiscard]] Step Decline() const;
   [[nodiscard]] Step FailLink(const std::string& what, const LinkError& error) const;
+  // The same failure, with `what` before its reason.
+  [[nodiscard]] Step Behind(const std::string& what, DownloadOutcome failure) const;
   [[nodiscard]] LinkError SetForceBit();
 
   DownloadWindow& mWindow;
@@ -111,8 +116,8 @@ class clsAurexOSDownloader {
   std::optional<AurexOsFile> mOs;
   std::expected<FontsFile, DownloadFileError> mFonts;
   OsTransfer mTransfer;
-  bool mIsForced = false;         // system bit 501 was set
-  bool mIsToldToProgram = false;  // and has answered
+  bool mIsForced = false;            // system bit 501 was set
+  bool mIsProvenProgrammed = false;  // the boot loader has said so
   LinkError mForceFailure;
   FoundController mAfter;
 

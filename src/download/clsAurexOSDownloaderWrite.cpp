@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/PathText.h"
-#include "clone/CloneOutcome.h"
 #include "clone/ProgramState.h"
 #include "clone/RestoreCheck.h"
 #include "desktop/StopScope.h"
@@ -94,24 +93,19 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::EnterBootMode() {
     return {};
   }
   mWindow.SetStatus("Entering the boot loader ...");
-  const auto reply = mWork->link.SendCommand("CCB");
-  const LinkError error = mWork->link.LastError();
-  if (reply) {
-    if (const auto refusal = RefusalIn(reply->text)) {
-      return FailLink("The controller does not go into its boot loader.", *refusal);
-    }
-  }
+  const auto reply = mWork->WhileBusy([this] { return mWork->Send("CCB"); });
+  const LinkErrorCode code = reply ? LinkErrorCode::None : reply.error().link.code;
+  if (IsRefusal(code)) return Behind("The controller does not go into its boot loader.", reply.error());
   mWork->left = ControllerLeft::BootLoaderPerhaps;
-  if (error.code == LinkErrorCode::Stopped) {
-    Step stopped = FailLink("Going into the boot loader was stopped.", error);
-    if (!mWork->GoesOnAfter(stopped.error())) return stopped;
+  if (code == LinkErrorCode::Stopped && !mWork->GoesOnAfter(reply.error())) {
+    return Behind("Going into the boot loader was stopped.", reply.error());
   }
   static_cast<void>(mWork->link.CommPort());  // it is the same line for the boot loader
   // When only the answer was lost, who answers now shows it.
   const auto version = mWork->link.GetVersionInfo(mWork->link.UnitID());
   if (!version) return FailLink("The boot loader could not be identified.", mWork->link.LastError());
   if (version->model != kAurexBootText) {
-    if (!reply) return FailLink("The controller was told to go into its boot loader.", error);
+    if (!reply) return Behind("The controller was told to go into its boot loader.", reply.error());
     return mWork->Fail(DownloadCause::Reply, "The controller did not go into its boot loader.");
   }
   if (reply && !reply->text.starts_with("CC")) {
@@ -131,20 +125,22 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::WriteFiles() {
   }
   if (done) done = sender.Send(mTransfer);
   if (done) done = sender.Program();
-  mIsToldToProgram = sender.IsTold();
+  mIsProvenProgrammed = sender.IsProven();
   return done;
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::Reset() {
   mWindow.SetStatus("Restarting the controller ...");
   mWork->Tell("The controller is about to restart", PromptIcon::Information, "Reset PLC");
-  const bool isTold = mWork->link.ResetController(mWork->link.UnitID());
-  const LinkError error = mWork->link.LastError();
-  if (!isTold && IsRefusal(error.code)) return FailLink("The controller does not restart.", error);
+  const Step told = mWork->WhileBusy([this]() -> Step {
+    if (mWork->link.ResetController(mWork->link.UnitID())) return {};
+    return mWork->FailOf(mWork->link.LastError());
+  });
+  if (!told && IsRefusal(told.error().link.code)) return Behind("The controller does not restart.", told.error());
   mWork->left = ControllerLeft::OsPerhaps;
   // Its answer may have been lost: who answers now shows it.
   if (Step found = FindAgain(); !found) return found;
-  if (!isTold && IsBootLoader(mAfter)) return FailLink("The controller did not restart.", error);
+  if (!told && IsBootLoader(mAfter)) return Behind("The controller did not restart.", told.error());
   mReview = DownloadReview{SideOf(mFound), SideOf(mAfter)};
   return {};
 }
@@ -172,7 +168,11 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckNewOs() {
   if (!IsNumber(mAfter.version, mOs->number)) {
     return fail("it reports the O/S " + mAfter.OsText(), NumberText(mOs->number));
   }
-  mWork->left = ControllerLeft::NewOs;
+  if (!IsProven()) {
+    return mWork->Fail(DownloadCause::Unproven,
+                       "The controller reports the O/S of the file, but may have had that one before, and its boot "
+                       "loader has never said that it has programmed one.");
+  }
   // Who knew only the boot loader knows the hardware, which some models have in common.
   const std::string model = AurexOsModelText(mAfter.version.model, mAfter.version.hardwareCode);
   const bool isSameModel = mChange.isInBoot ? ExpectedAurexOsType(model) == ExpectedAurexOsType(mModel)
@@ -251,15 +251,20 @@ void clsAurexOSDownloader::AskWhatIsLeft() {
   mOutcome.reason += "\nAsked afterwards, the controller runs and reports the O/S " + found->OsText() + ".";
 }
 
-// An O/S that is reported under the number that the controller had before, too, is told by what was sent.
+// By a number that it had not before, or by its boot loader.
+bool clsAurexOSDownloader::IsProven() const {
+  return mIsProvenProgrammed || (!mChange.isInBoot && !IsNumber(mFound.version, mOs->number));
+}
+
 ControllerLeft clsAurexOSDownloader::LeftWhen(ControllerLeft left, const FoundController& runs) const {
   using enum ControllerLeft;
-  const bool isProgrammed = left == OsWaits || left == OsPerhaps;
+  const bool isTold = left == OsWaits || left == OsPerhaps;
   const bool isNew = IsNumber(runs.version, mOs->number);
-  if (isProgrammed && isNew) return NewOs;
-  if (mChange.isInBoot) return isProgrammed || left == OsProgramming ? SomeOs : OldOs;
+  if (isTold && isNew && IsProven()) return NewOs;
+  const bool mayBeNew = isTold || left == OsProgramming;
+  if (mChange.isInBoot) return mayBeNew ? SomeOs : OldOs;
   const bool isOld = OsNumberOf(runs.version) == OsNumberOf(mFound.version);
-  if (left == OsProgramming && isNew) return isOld ? SomeOs : NewOs;
+  if (mayBeNew && isNew) return isOld ? SomeOs : NewOs;
   return isOld ? OldOs : SomeOs;
 }
 
@@ -274,8 +279,10 @@ void clsAurexOSDownloader::TellFoundBoot() {
     mOutcome.left = OsProgramming;
   } else if (!status->hasTopic) {
     mOutcome.left = BootLoaderErased;
-  } else if (mIsToldToProgram) {
+  } else if (status->isProgrammed) {
     mOutcome.left = OsWaits;
+  } else {
+    mOutcome.left = mChange.isInBoot ? BootLoaderAsFound : BootLoader;
   }
 }
 

@@ -310,7 +310,7 @@ std::vector<std::string> clsBrioQ50OSDownloader::DifferencesOf(const FoundContro
 // When all has been sent and the controller was told to restart.
 ControllerLeft clsBrioQ50OSDownloader::LeftWhen(const FoundController& after) const {
   using enum ControllerLeft;
-  if (IsBootLoader(after)) return BootLoaderErased;
+  if (IsBootLoader(after)) return BootLoaderUnsure;  // it may not have restarted at all
   if (after.OsText() == *FileSide().os) return NewOs;
   return !mController.isInBoot && after.OsText() == mFound.OsText() ? OldOs : SomeOs;
 }

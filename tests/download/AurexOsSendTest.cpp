@@ -58,12 +58,17 @@ TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
     };
   };
   const Falsify doesNotRestart = [](AurexOsFixture& fixture) { fixture.controller->onlyAnswered = "CCE"; };
-  // Its own O/S once more; the power fails just before it is told to program that, and its refusal is lost.
-  const Falsify failsWithTheSame = [](AurexOsFixture& fixture) {
-    fixture.Put({"4.60", 19}, {"1.30", 0}, 200);
-    fixture.desk.choice = {fixture.folder / "AurexK220v46019.kos", fixture.folder / "AurexFontv1300.kft"};
-    fixture.UseFaults({"reset:on=block,nth=12", "lost:dir=in,on=block,nth=13,away=1000"});
+  // Its own O/S once more.
+  const auto sameUnder = [](const std::vector<std::string>& faults) -> Falsify {
+    return [=](AurexOsFixture& fixture) {
+      fixture.Put({"4.60", 19}, {"1.30", 0}, 200);
+      fixture.desk.choice = {fixture.folder / "AurexK220v46019.kos", fixture.folder / "AurexFontv1300.kft"};
+      fixture.UseFaults(faults);
+    };
   };
+  // The power fails just before it is told to program that, and its refusal is lost; or it only says that it does.
+  const Falsify failsWithTheSame = sameUnder({"reset:on=block,nth=12", "lost:dir=in,on=block,nth=13,away=1000"});
+  const Falsify liesOfTheSame = sameUnder({"lie:on=block,nth=12"});
   using enum ControllerLeft;
   struct Row {
     const char* what;
@@ -92,6 +97,7 @@ TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
       {"it reports another model", thenSays("ID", "IDK220-22-R2|10|4.75|03"), kReset, kUnproven, NewOs},
       {"it does not restart", doesNotRestart, kReset, kUnproven, OsWaits},
       {"the same number", failsWithTheSame, "Telepanel: PLC does not respond.", DownloadCause::Link, SomeOs},
+      {"it only says that it programs it", liesOfTheSame, kReset, kUnproven, SomeOs},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);

@@ -104,8 +104,8 @@ TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
   const Row rows[] = {
       {"FI", "FI50", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoader, 1, 0s},
       {"FI", "FI10", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoader, 31, 15500ms},
-      {"OSS", "OS20", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderErased, 1, 0s},
-      {"OSS", "OS11", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderErased, 31, 31s},
+      {"OSS", "OS20", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderUnsure, 1, 0s},
+      {"OSS", "OS11", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderUnsure, 31, 31s},
       {"OSP00080", "OSNO", "O/S Download Failed!", ControllerLeft::BootLoaderErased, 1, 0s},
   };
   for (const Row& row : rows) {
@@ -128,7 +128,7 @@ TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
     if (text.starts_with("OSP00040")) told.text = "OSOK";
   };
   EXPECT_FALSE(damaged.Download());
-  EXPECT_EQ(damaged.outcome.left, ControllerLeft::BootLoaderErased);
+  EXPECT_EQ(damaged.outcome.left, ControllerLeft::BootLoaderUnsure);
   EXPECT_THAT(damaged.desk.said.back(),
               HasSubstr("The O/S was sent, but the controller is not what it was to be then."));
 }

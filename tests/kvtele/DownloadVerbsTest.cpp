@@ -122,6 +122,7 @@ TEST_F(DownloadVerbs, AnOsThatLaysOutTheMemoryAnewWantsTwoConsentsMore) {
   const std::string download = "--yes --password 1 download os";
   EXPECT_THAT(fixture.On("K220-22-R1", download + " --dry-run").err,
               HasSubstr("about to STOP, Continue? [y/N] yes (--dry-run)"));
+  EXPECT_EQ(fixture.On("K220-22-R1", "--yes download os --dry-run").exit, 1) << "the clone wants a password";
   EXPECT_THAT(fixture.On("K220-22-R1", download).err, HasSubstr("--lose-project consents"));
   EXPECT_THAT(fixture.On("K220-22-R1", download + " --lose-project").err, HasSubstr("--lose-values consents"));
   const Result done = fixture.On("K220-22-R1", download + " --lose-project --lose-values");
@@ -168,8 +169,10 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
        "refuse:on=block,nth=4,code=0F"},
       {"--link sim:K220-22-R1 download os --yes", 7, "linkLost", "still be programming the new O/S",
        "lost:dir=in,on=block,nth=13,away=600000"},
-      {"--link sim:K220-22-R1 download project @hall.dai --yes", 1, "unproven", "what it runs now is not known",
-       "lost:on=CC,nth=2,at=30,away=600000"},
+      {"--link sim:K220-22-R1 download project @hall.dai --yes", 5, "differs", "counts 2 topics instead of 3",
+       "lie:on=block,nth=5"},
+      {"--link sim:K220-22-R1 download project @hall.dai --yes", 7, "unsure", "wants --end-load, too",
+       "lost:on=block,nth=5,away=60000"},
   };
   for (const FailingCommand& row : rows) {
     fixture.ReplaceController("Q50");
@@ -177,6 +180,32 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
     fixture.ReplaceController("K330");
     fixture.options.faults.clear();
     fixture.ExpectFailure(row);
+  }
+  // Each of the four downloads, its reset the n-th command that begins with "CC": it never comes back, or as another.
+  const std::pair<const char*, int> downloads[] = {
+      {"--link sim:K220-22-R1 --yes download project @hall.dai", 2},
+      {"--link sim:Q50 --yes download project @hall.d50", 2},
+      {"--link sim:K220-22-R1 --yes download os", 2},
+      {"--link sim:Q51 --yes download os", 4},
+  };
+  for (const auto& [line, reset] : downloads) {
+    const std::string model = std::string(line).substr(11, line[11] == 'K' ? 10 : 3);
+    for (const bool isExchanged : {false, true}) {
+      fixture.options.faults.clear();
+      fixture.options.serialNumber = 1;
+      fixture.ReplaceController(model);
+      fixture.pacer.OnTurn([&, told = std::make_shared<bool>(false)] {
+        const std::string trace = TemporaryFolder::Content(fixture.home.Path() / "trace.txt");
+        if (!isExchanged || *told || !trace.contains("/01CCE")) return;
+        *told = true;
+        fixture.options.serialNumber = 2;
+        fixture.ReplaceController(model);
+      });
+      const std::string fault =
+          "lost:on=CC,nth=" + std::to_string(reset) + ",away=" + (isExchanged ? "3000" : "600000");
+      fixture.ExpectFailure({line, 7, isExchanged ? "otherController" : "linkLost", "Likely cause", fault.c_str()});
+      fixture.pacer.OnTurn(nullptr);
+    }
   }
   CommandFixture locked;
   locked.options.password = "1";
