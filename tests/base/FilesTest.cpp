@@ -43,25 +43,6 @@ TEST(SaveAtomically, KeepsPermissionsAndLinks) {
 
 #endif
 
-TEST(SaveAtomically, FailuresNameTheFileAndChangeNothing) {
-  const TemporaryFolder folder;
-  const fs::path file = folder.Put("file", "kept");
-  const fs::path locked = folder.Put("locked", "kept");
-  fs::permissions(locked, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
-                  fs::perm_options::remove);
-  fs::create_directory(folder.Path() / "sub");
-  for (const fs::path& target : {folder.Path() / "missing" / "x", file / "x", folder.Path() / "sub", locked}) {
-    const auto saved = SaveAtomically(target, "new");
-    ASSERT_FALSE(saved) << target;
-    EXPECT_EQ(saved.error().file, Utf8FromPath(target));
-    EXPECT_NE(saved.error().what, "");
-  }
-  fs::permissions(locked, fs::perms::owner_write, fs::perm_options::add);
-  EXPECT_EQ(TemporaryFolder::Content(file), "kept");
-  EXPECT_EQ(TemporaryFolder::Content(locked), "kept");
-  EXPECT_EQ(folder.EntryCount(), 3);
-}
-
 TEST(ProgramPaths, NamesStayBelowTheirFolder) {
   const ProgramPaths paths(fs::path("home"));
   const fs::path session = fs::path("home") / "Sessions" / PathFromUtf8("M\u00FChle");

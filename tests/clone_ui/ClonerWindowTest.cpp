@@ -218,13 +218,6 @@ TEST_F(ClonerWindowTest, SavesFirstWhatARestoreIsAboutToOverwrite) {
   EXPECT_FALSE(VerifyClone(*other, file)->IsSame());
   prompts.Choose(Utf8FromPath(file));
   prompts.Press(PromptAnswer::Yes);
-  prompts.Choose(Utf8FromPath(file));  // what is to be restored would be lost
-  prompts.Press(PromptAnswer::Ok);
-  Trigger("ID_RestoreGhost");
-  EXPECT_THAT(Information(), HasSubstr("would overwrite the clone file"));
-
-  prompts.Choose(Utf8FromPath(file));
-  prompts.Press(PromptAnswer::Yes);
   prompts.Choose(Utf8FromPath(saved));
   prompts.Enter("1");
   prompts.Press(PromptAnswer::Yes);

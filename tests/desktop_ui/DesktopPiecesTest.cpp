@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <QDialog>
 #include <QDir>
 #include <QFileInfo>
-#include <QFrame>
 #include <QImage>
 #include <QPalette>
-#include <QPushButton>
 #include <QSplitter>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -15,7 +12,6 @@
 #include "base/ScopeGuard.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/QtShell.h"
-#include "desktop/ui/ScrollPage.h"
 #include "desktop/ui/WindowGeometry.h"
 #include "tests/desktop_ui/QtFixture.h"
 #include "tests/support/TemporaryFolder.h"
@@ -92,37 +88,6 @@ TEST(WindowGeometryTest, AWindowComesBackAsItWasLeftUnlessItsPlaceIsDamaged) {
     RememberPlace(window, file);
     EXPECT_TRUE(window.size() == QSize(400, 300) || window.size() == QSize(500, 333)) << at;
   }
-}
-
-// A dialog that does not fit keeps its buttons in sight, and takes no more room than it needs.
-TEST(ScrollPageTest, ADialogFollowsItsContentAsFarAsTheScreenGoes) {
-  const TemporaryFolder folder;
-  QDialog dialog;
-  dialog.setObjectName("frmTall");
-  auto* content = new QWidget;
-  auto* rows = new QVBoxLayout(content);
-  auto* row = new QFrame(content);
-  rows->addWidget(row);
-  auto* button = new QPushButton("OK");
-  auto* page = new QVBoxLayout(&dialog);
-  page->addWidget(new ScrollPage(content, &dialog));
-  page->addWidget(button);
-  row->setMinimumSize(300, 3000);
-  RememberPlace(dialog, folder.Path() / "Windows.ini");
-  dialog.show();
-  const int room = RoomFor(dialog).height();
-  const auto fits = [&] {
-    return dialog.height() <= room && button->mapTo(&dialog, QPoint(0, button->height())).y() <= dialog.height();
-  };
-  EXPECT_TRUE(fits()) << dialog.height();
-  row->setMinimumHeight(100);
-  EXPECT_TRUE(WaitUntil([&] { return dialog.height() < 300; })) << dialog.height();
-  row->setMinimumHeight(400);
-  dialog.resize(dialog.width() + 20, dialog.height());  // before the content has been heard of
-  EXPECT_TRUE(WaitUntil([&] { return dialog.height() > 400 && fits(); })) << dialog.height();
-  row->setMinimumHeight(3000);
-  EXPECT_TRUE(WaitUntil([&] { return dialog.height() == room; })) << dialog.height();
-  EXPECT_TRUE(fits());
 }
 
 TEST(QtShellTest, AMissingProgramIsNamedAndAPresentOneStartsInItsFolder) {

@@ -106,6 +106,11 @@ TEST(Access, AWrongPasswordIsSaidAndAskedAgainAtMostThreeTimesAndNeverAfterCance
   }
 }
 
+void ReadInVain(Guarded& fixture) {
+  EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1));
+  EXPECT_EQ(fixture.Error().happened, "another request is under way");
+}
+
 TEST(Access, WhatHappensWhileTheUserTypesIsNoticed) {
   const struct {
     const char* what;
@@ -117,7 +122,7 @@ TEST(Access, WhatHappensWhileTheUserTypesIsNoticed) {
       {"closed", [](Guarded& fixture) { fixture.channel.Close(); }, LinkErrorCode::Closed},
       {"busy", [](Guarded& fixture) { fixture.plant.UseFaults({"busy:on=AC,nth=1"}); }, LinkErrorCode::Busy},
       {"another machine", PutAnother, LinkErrorCode::OtherController},
-      {"second", [](Guarded& fixture) { EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1)); }, LinkErrorCode::None},
+      {"second", ReadInVain, LinkErrorCode::None},
   };
   for (const auto& each : cases) {
     SCOPED_TRACE(each.what);

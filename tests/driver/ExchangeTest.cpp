@@ -76,16 +76,6 @@ TEST(Exchange, StrayBytesAndPausesFailNothing) {
   }
 }
 
-// A link that pauses is waited for, instead of being asked three times for everything.
-TEST(Exchange, PausesOfALinkAreLearnt) {
-  Fixture fixture;
-  fixture.plant.shape = {.latency = 30ms, .pauseAt = 30, .pause = 300ms};
-  for (int i = 0; i < 5; ++i) ASSERT_TRUE(fixture.channel.ReadMI(0, 60, 1));
-  const auto before = fixture.channel.Quality().repeats;
-  for (int i = 0; i < 20; ++i) ASSERT_TRUE(fixture.channel.ReadMI(0, 60, 1));
-  EXPECT_EQ(fixture.channel.Quality().repeats, before);
-}
-
 // What is advised must follow from what was seen.
 TEST(Exchange, ADisturbedLineIsToldWhereDamageWasSeen) {
   const struct {
@@ -140,19 +130,6 @@ TEST(Exchange, StopAndAbortEndAWaitWithin200Milliseconds) {
       EXPECT_TRUE(fixture.channel.ReadMI(0, 1, 1)) << fixture.Error().Text();
     }
   }
-}
-
-TEST(Exchange, SecondRequestInTheMiddleOfOneIsRefused) {
-  Fixture fixture;
-  fixture.plant.UseFaults({"noreply:on=RO,nth=1"});
-  LinkError error;
-  fixture.pacer.After(20ms, [&] {
-    EXPECT_FALSE(fixture.channel.ReadMI(1, 1, 1));
-    error = fixture.Error();
-  });
-  EXPECT_TRUE(fixture.channel.ReadMI(9, 1, 1));
-  EXPECT_EQ(error.code, LinkErrorCode::Busy);
-  EXPECT_EQ(error.happened, "another request is under way");
 }
 
 }  // namespace

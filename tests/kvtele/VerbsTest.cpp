@@ -53,26 +53,6 @@ TEST(WriteAndRead, BringsBackWhatWasWritten) {
   }
 }
 
-TEST(Write, ShowsItsProgressOnATerminalOnlyAndWipesIt) {
-  CommandFixture fixture;
-  EXPECT_EQ(fixture.On("K670", "write MF 0 1 2").err, "Written and read back: MF 0..1\n");
-  fixture.errIsTerminal = true;
-  const std::string err = fixture.On("K670", "write MF 0 1 2").err;
-  EXPECT_THAT(err, StartsWith("\rwriting MF 0..1: 2 of 2\r                       \r"));
-  EXPECT_THAT(err, ::testing::EndsWith("\rWritten and read back: MF 0..1\n"));
-  EXPECT_EQ(fixture.On("K670", "write MF 0 1").err, "Written and read back: MF 0\n") << "a single step";
-}
-
-TEST(Write, OfWhatCannotBeReadBackSaysSo) {
-  CommandFixture fixture;
-  const Result written = fixture.On("Q50", "--model AurexQ50 write DBI 0 7 --json");
-  EXPECT_EQ(written.exit, 0);
-  EXPECT_THAT(written.err, HasSubstr("Written: DBI 0. It was not compared"));
-  EXPECT_THAT(written.out, HasSubstr("\"values\": null"));
-  fixture.ExpectFailure({"--link sim:Q50 --model AurexQ50 read DBI 0", 4, "notFit", "cannot be read from AurexQ50"});
-  EXPECT_EQ(fixture.On("Q50", "read DBI 0").out, "0\t7\n");
-}
-
 TEST(Ports, ListsSerialLines) {
   CommandFixture fixture;
   EXPECT_EQ(fixture.Run("ports").out, "");

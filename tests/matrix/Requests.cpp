@@ -82,7 +82,8 @@ std::uint32_t ApplicationStart(Fixture& fixture) {
   return ParseHex(std::string_view(table).substr(table.find("APF") + 3, 8)).value_or(0);
 }
 
-Attempt ReadMemory(Fixture& fixture, std::uint32_t length) {
+template <std::uint32_t length>
+Attempt ReadMemory(Fixture& fixture) {
   (void)fixture.Tell("CCS");
   const std::string line = ToHex(fixture.Fresh(), 4) + ToHex(fixture.Fresh(), 4);
   for (std::uint32_t offset = 0; offset < length; offset += 0x40) {
@@ -97,14 +98,6 @@ Attempt ReadMemory(Fixture& fixture, std::uint32_t length) {
   std::string digits;
   for (const std::uint8_t byte : *read) digits += ToHex(byte, 2);
   return {true, digits == held.substr(0, digits.size()) && read->size() == length};
-}
-
-Attempt ReadMemoryAsText(Fixture& fixture) {
-  return ReadMemory(fixture, 700);
-}
-
-Attempt ReadMemoryAsBlock(Fixture& fixture) {
-  return ReadMemory(fixture, 4096);
 }
 
 Attempt ReadList(Fixture& fixture) {
@@ -166,27 +159,16 @@ Attempt AskInformation(Fixture& fixture) {
   return {info.has_value(), !info || info->state == before || info->state == fixture.TellOwn("IN").at(8)};
 }
 
-Attempt Control(Fixture& fixture, std::string_view before, bool (Channel::*operation)(std::uint8_t), char state) {
-  (void)fixture.Tell(before);
+// From the other state.
+template <bool (Channel::*operation)(std::uint8_t), char state>
+Attempt Control(Fixture& fixture) {
+  (void)fixture.Tell(state == 'S' ? "CCR" : "CCS");
   Channel* link = fixture.Link();
   const bool isDone = link != nullptr && (link->*operation)(1);
   const int executions = fixture.controller->MostExecutions();
   const bool isInState = fixture.TellOwn("IN").at(8) == state || fixture.controller->HasRestarted();
-  return {isDone, !isDone || (executions == 1 && isInState), executions};
-}
-
-Attempt Stop(Fixture& fixture) {
-  return Control(fixture, "CCR", &Channel::StopController, 'S');
-}
-
-Attempt Run(Fixture& fixture) {
-  return Control(fixture, "CCS", &Channel::RunController, 'R');
-}
-
-Attempt Reset(Fixture& fixture) {
-  Attempt attempt = Control(fixture, "CCS", &Channel::ResetController, 'R');
-  attempt.restarts = true;
-  return attempt;
+  constexpr bool kRestarts = operation == &Channel::ResetController;
+  return {isDone, !isDone || (executions == 1 && isInState), executions, kRestarts};
 }
 
 // clang-format off
@@ -198,15 +180,15 @@ constexpr Request kRequests[] = {
     {"typed read",         "Q50",  "RO",     1,     false, true,  ReadWords},
     {"typed write",        "Q50",  "WO",     1,     true,  false, WriteWords},
     {"typed write, Aurex", "K670", "WO",     1,     true,  false, WriteWords},
-    {"memory as text",     "Q50",  "RM",     2,     false, true,  ReadMemoryAsText},
-    {"memory as block",    "K670", "block",  1,     false, true,  ReadMemoryAsBlock},
+    {"memory as text",     "Q50",  "RM",     2,     false, true,  ReadMemory<700>},
+    {"memory as block",    "K670", "block",  1,     false, true,  ReadMemory<4096>},
     {"operand list",       "K670", "block",  1,     false, true,  ReadList},
     {"block status",       "K670", "block",  2,     false, true,  ReadStatus},
     {"block write",        "K670", "block",  2,     true,  false, SendTopic},
     {"information",        "Q50",  "IN",     1,     false, true,  AskInformation},
-    {"stop",               "Q50",  "CC",     1,     true,  false, Stop},
-    {"run",                "K670", "CC",     1,     true,  false, Run},
-    {"reset",              "K670", "CC",     1,     true,  false, Reset},
+    {"stop",               "Q50",  "CC",     1,     true,  false, Control<&Channel::StopController, 'S'>},
+    {"run",                "K670", "CC",     1,     true,  false, Control<&Channel::RunController, 'R'>},
+    {"reset",              "K670", "CC",     1,     true,  false, Control<&Channel::ResetController, 'R'>},
 };
 // clang-format on
 

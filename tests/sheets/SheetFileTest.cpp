@@ -124,18 +124,5 @@ TEST(SheetFileTest, TakesTheValuesOfFormulasBooleansDatesAndErrorsAsOfficeProgra
   }
 }
 
-TEST(SheetFileTest, AnExportTakesNameAndHeadingsFromTheTemplate) {
-  const TemporaryFolder folder;
-  const auto pattern = folder.Path() / "Template";
-  const auto chosen = folder.Path() / "chosen.xls";
-  const SheetTable values{.rows = {{CellOf("0"), CellOf("17")}}};
-  const SheetTable heading{.name = "Mine", .rows = {{CellOf("Address"), CellOf("MB")}, {CellOf("an example")}}};
-  ASSERT_TRUE(WriteSheet(pattern, heading));
-  ASSERT_TRUE(ExportSheet(pattern, chosen, values));
-  const auto read = ReadSheet(chosen);
-  ASSERT_TRUE(read);
-  EXPECT_EQ(*read, (SheetTable{.name = "Mine", .rows = {heading.rows[0], values.rows[0]}}));
-}
-
 }  // namespace
 }  // namespace kv
