@@ -25,21 +25,25 @@ constexpr std::size_t kMostGuesses = 3;
 constexpr double kReadsAlike = 20;
 constexpr std::size_t kLongestWord = 40;
 constexpr std::size_t kMostWords = 24;
+// More words than these are a question, in which some tell nothing: what they weigh counts more than how many a page
+// has.
+constexpr std::size_t kMostKeywords = 2;
 
 // Words that stand in every question and tell nothing about it.
 constexpr auto kSmallWords = std::to_array<std::string_view>(
-    {"a",    "an",    "and",  "any",   "are",    "as",    "at",    "be",    "but",   "by",   "can",  "cannot",
-     "cant", "could", "did",  "do",    "does",   "doe",   "dont",  "for",   "from",  "get",  "got",  "ha",
-     "had",  "has",   "have", "how",   "i",      "if",    "in",    "into",  "is",    "it",   "its",  "me",
-     "my",   "no",    "not",  "of",    "on",     "onto",  "or",    "our",   "out",   "so",   "some", "that",
-     "the",  "their", "them", "there", "they",   "this",  "thi",   "to",    "up",    "us",   "use",  "want",
-     "was",  "wa",    "we",   "what",  "when",   "where", "which", "who",   "why",   "will", "with", "you",
-     "your", "then",  "than", "after", "before", "make",  "mean",  "means", "please"});
+    {"a",    "an",    "and",    "any",   "are",   "as",    "at",    "be",   "but",  "by",   "can",  "could",
+     "did",  "do",    "does",   "doe",   "dont",  "for",   "from",  "get",  "got",  "ha",   "had",  "has",
+     "have", "how",   "i",      "if",    "in",    "into",  "is",    "it",   "its",  "me",   "my",   "no",
+     "not",  "of",    "on",     "onto",  "or",    "our",   "out",   "so",   "some", "that", "the",  "their",
+     "them", "there", "they",   "this",  "thi",   "to",    "up",    "us",   "use",  "want", "was",  "wa",
+     "we",   "what",  "when",   "where", "which", "who",   "why",   "will", "with", "you",  "your", "then",
+     "than", "after", "before", "make",  "mean",  "means", "please"});
 
-// Endings, the longer first, with what stands for them. A word keeps at least three letters.
+// Endings, the longer first, with what stands for them, and how many letters a word keeps at least.
 struct Ending {
   std::string_view ending;
   std::string_view instead;
+  std::size_t least = 3;
 };
 constexpr auto kEndings = std::to_array<Ending>({{"nesses", ""},
                                                  {"ings", ""},
@@ -48,9 +52,9 @@ constexpr auto kEndings = std::to_array<Ending>({{"nesses", ""},
                                                  {"tion", "t"},
                                                  {"ies", "y"},
                                                  {"ing", ""},
-                                                 {"ers", ""},
+                                                 {"ers", "", 4},
                                                  {"ed", ""},
-                                                 {"er", ""},
+                                                 {"er", "", 4},
                                                  {"es", ""},
                                                  {"ly", ""},
                                                  {"s", ""},
@@ -63,8 +67,8 @@ bool IsWordCharacter(char c) {
 
 std::string Stem(std::string word) {
   if (word.ends_with("ss") || word.ends_with("us")) return word;
-  for (const auto& [ending, instead] : kEndings) {
-    if (!word.ends_with(ending) || word.size() < ending.size() + kShortestStem) continue;
+  for (const auto& [ending, instead, least] : kEndings) {
+    if (!word.ends_with(ending) || word.size() < ending.size() + least) continue;
     word.replace(word.size() - ending.size(), ending.size(), instead);
     break;
   }
@@ -105,7 +109,7 @@ std::vector<std::string> WordsOf(std::string_view text, bool withSmall) {
   };
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i] >= 'A' && text[i] <= 'Z' ? static_cast<char>(text[i] - 'A' + 'a') : text[i];
-    const bool isInside = (c == '/' || c == '\'') && word.size() == 1;  // "O/S" is one word
+    const bool isInside = (c == '/' && word.size() == 1) || c == '\'';  // "O/S" and "can't" are one word
     if (IsWordCharacter(c)) {
       word += c;
     } else if (!isInside) {
@@ -158,7 +162,11 @@ HelpSearch::Answer HelpSearch::Find(std::string_view question) const {
     order.push_back(page);
     if (std::ranges::find(mPages[page].phrases, words) != mPages[page].phrases.end()) scores[page] += kReadsAlike;
   }
-  const auto rank = [&](std::size_t page) { return std::tuple(found[page], scores[page], mPages.size() - page); };
+  const bool isQuestion = words.size() > kMostKeywords;
+  const auto rank = [&](std::size_t page) {
+    return std::tuple(isQuestion ? 0 : found[page], scores[page] * static_cast<double>(found[page]),
+                      mPages.size() - page);
+  };
   std::ranges::sort(order, std::ranges::greater(), rank);
   for (const std::size_t page : order) {
     const bool hasAll = found[page] == words.size();

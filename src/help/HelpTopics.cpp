@@ -16,7 +16,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
     {102, 1, "main-log",           "tblLog"},
     {103, 1, "choosing-files",     "FileDialog"},
     {104, 1, "questions",          "MessageBox InputBox"},
-    {105, 1, "help-window",        "frmHelp"},
+    {105, 1, "help-window",        "frmHelp PrintDialog"},
     {106, 1, "windows-and-keys",   ""},
     {107, 1, "log-in",             ""},
     {108, 1, "about",              ""},

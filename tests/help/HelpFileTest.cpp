@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <regex>
 #include <set>
 
 #include "help/ChmFile.h"
@@ -94,6 +95,18 @@ TEST(HelpFileTest, EmphasisesOnlyWhatStandsInAWindow) {
       EXPECT_TRUE(texts.contains(term)) << topic.page << ": " << term;
     }
   }
+}
+
+// Who adds a window adds its topic.
+TEST(HelpTopicsTest, EachWindowHasATopic) {
+  const std::string code = SourcesIn({"src", "libs"});
+  const std::regex name("setObjectName\\(\"(frm[A-Za-z0-9]+|[A-Za-z]+(?:Dialog|Box))\"\\)");
+  int windows = 0;
+  for (std::sregex_iterator at(code.begin(), code.end(), name), end; at != end; ++at, ++windows) {
+    const std::vector<std::string> names{(*at)[1]};
+    EXPECT_NE(HelpTopicAt(names), nullptr) << names.front();
+  }
+  EXPECT_GT(windows, 15);
 }
 
 TEST(HelpTopicsTest, EachPlaceIsTheNameOfAControl) {

@@ -110,6 +110,17 @@ TEST_F(HelpWindowTest, FindsByContentsIndexAndSearch) {
   EXPECT_EQ(Page(window), "/start.html");
 }
 
+TEST_F(HelpWindowTest, PrintsAfterADialogThatCanBeLeft) {
+  frmHelp& window = Open("start");
+  bool wasAsked = false;
+  WhenOpen<QDialog>(window, [&](QDialog& dialog) {
+    wasAsked = dialog.objectName() == "PrintDialog" && Topic(HelpNumberOf(dialog)) == "help-window";
+    dialog.reject();
+  });
+  Find<QAction>(window, "cmdPrint").trigger();
+  EXPECT_TRUE(wasAsked);
+}
+
 TEST_F(HelpWindowTest, TellsWhereTheHelpShouldBe) {
   std::filesystem::remove(home.Path() / "help");
   prompts.Press(PromptAnswer::Ok);

@@ -3,6 +3,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QPalette>
 #include <QStyleFactory>
 #include <QTableView>
@@ -71,6 +72,20 @@ void Trigger(QObject& window, const char* id) {
   window.findChild<QAction*>(id)->trigger();
 }
 
+// The search for a word that other tools have.
+void TakeHelp(Photographer& camera, QMainWindow& window) {
+  Trigger(window, "ID_Help");
+  for (QWidget* help : QApplication::topLevelWidgets()) {
+    if (help->objectName() != "frmHelp") continue;
+    Trigger(*help, "cmdSearch");
+    auto* question = help->findChild<QLineEdit*>("txtSearch");
+    question->setText("register");
+    QTest::keyClick(question, Qt::Key_Return);
+    camera.Take(*help, "help");
+    help->close();
+  }
+}
+
 void ChooseSerial(QWidget& dialog) {
   auto* transport = dialog.findChild<QComboBox*>("cboTransport");
   transport->setCurrentIndex(transport->findText("Serial", Qt::MatchStartsWith));
@@ -81,6 +96,7 @@ void TakePictures(Photographer& camera, QMainWindow& window) {
   Trigger(window, "ID_OnLine");
   QTest::qWait(2500);  // some exchanges, so that the figures of the link mean something
   camera.Take(window, "main-on-line");
+  TakeHelp(camera, window);
   camera.TakeDialog(window, "sessions");
   Trigger(window, "ID_Session");
   camera.TakeDialog(window, "link-simulated");
@@ -169,6 +185,7 @@ void MakeHome(const std::filesystem::path& home) {
   for (const char* session : {"Default", "Bakery", "Packing line"}) {
     std::filesystem::create_directories(home / "Sessions" / session);
   }
+  std::filesystem::create_directory_symlink(KV_HELP_FOLDER, home / "help");
 }
 
 }  // namespace

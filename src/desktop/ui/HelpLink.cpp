@@ -1,5 +1,6 @@
 #include "desktop/ui/HelpLink.h"
 
+#include <QPalette>
 #include <QPlainTextEdit>
 #include <algorithm>
 
@@ -14,6 +15,9 @@ HelpLink::HelpLink(QWidget* parent) : QLabel("<a href=\"help\">Help on this</a>"
   setTextFormat(Qt::RichText);
   setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
   connect(this, &QLabel::linkActivated, this, [this] { RequestHelp(*this, mError); });
+  QPalette colours = palette();
+  colours.setColor(QPalette::Link, ReadableLinkColour(colours));
+  setPalette(colours);
   hide();
 }
 
@@ -30,6 +34,13 @@ void HelpLink::FollowLast(const QPlainTextEdit& list) {
     const qsizetype error = cause < 0 ? -1 : text.lastIndexOf('\n', std::max<qsizetype>(0, cause - 1));
     Follow(text.mid(error + 1));
   });
+}
+
+QColor ReadableLinkColour(const QPalette& palette) {
+  constexpr int kDark = 128;  // lightness, of 255
+  const QColor link = palette.color(QPalette::Link);
+  const bool isDark = palette.color(QPalette::Base).lightness() < kDark;
+  return isDark && link.lightness() <= kDark ? QColor(0x6C, 0xB2, 0xFF) : link;
 }
 
 bool TellsWhatToDo(const QString& text) {

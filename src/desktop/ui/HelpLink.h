@@ -19,6 +19,9 @@ class HelpLink final : public QLabel {
   QString mError;
 };
 
+// The palette's colour for links, or a lighter one where that cannot be read: many dark palettes leave out this colour.
+[[nodiscard]] QColor ReadableLinkColour(const QPalette& palette);
+
 // Whether a text tells what to do, and so has a page.
 [[nodiscard]] bool TellsWhatToDo(const QString& text);
 

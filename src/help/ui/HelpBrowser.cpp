@@ -2,6 +2,8 @@
 
 #include <QImage>
 
+#include "desktop/ui/HelpLink.h"
+
 namespace kv {
 namespace {
 
@@ -26,7 +28,6 @@ HelpBrowser::HelpBrowser(const HelpBook& book, QWidget* parent) : QTextBrowser(p
   setObjectName("brwPage");
   setAccessibleName("Page of the help");
   document()->setDocumentMargin(12);
-  document()->setDefaultStyleSheet("td, th { padding: 2px 10px 2px 0; } th { text-align: left; }");
 }
 
 void HelpBrowser::ShowPage(const std::string& page) {
@@ -44,7 +45,11 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name) {
 }
 
 void HelpBrowser::doSetSource(const QUrl& name, QTextDocument::ResourceType type) {
-  if (name.scheme() == kScheme) QTextBrowser::doSetSource(name, type);  // an address outside of the help opens nothing
+  if (name.scheme() != kScheme) return;  // an address outside of the help opens nothing
+  document()->setDefaultStyleSheet(
+      "td, th { padding: 2px 10px 2px 0; } th { text-align: left; } table { margin: 8px 0; } a { color: " +
+      ReadableLinkColour(palette()).name() + "; }");
+  QTextBrowser::doSetSource(name, type);
 }
 
 // As wide as there is room for it; sharp on a screen with small pixels.

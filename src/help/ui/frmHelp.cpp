@@ -159,6 +159,7 @@ QWidget* frmHelp::BuildSearch() {
   mFound->setObjectName("lblFound");
   mFound->setTextFormat(Qt::PlainText);
   mFound->setWordWrap(true);
+  mFound->hide();
   mHits = new QListWidget;
   mHits->setObjectName("lstHits");
   mHits->setAccessibleName("Pages that were found");
@@ -200,7 +201,7 @@ void frmHelp::GoToKeyword(const QString& beginning) {
 
 void frmHelp::Search(const QString& question) {
   mHits->clear();
-  mFound->clear();
+  mFound->hide();
   if (question.trimmed().isEmpty()) return;
   const HelpSearch::Answer answer = mSearch.Find(question.toStdString());
   for (const HelpSearch::Hit& hit : answer.hits) AddItem(*mHits, hit.title, hit.page);
@@ -211,6 +212,7 @@ void frmHelp::Search(const QString& question) {
   if (answer.hits.empty()) remarks << "No page has these words.";
   if (!answer.hits.empty() && answer.complete == 0) remarks << "No page has all words; these have the most.";
   mFound->setText(remarks.join(" "));
+  mFound->setVisible(!remarks.isEmpty());
 }
 
 void frmHelp::Print() {
