@@ -178,7 +178,6 @@ const std::vector<Cut> kProjectCuts = {
 };
 const std::vector<Cut> kAurexOsCuts = {
     {"refuse:code=09,nth=", 30, 40},
-    {"refuse:code=0F,nth=", 30, 40},
     {"busy:nth=", 25, 40},
     {"lie:nth=", 8, 30},
     {"reset:nth=", 20, 40},
@@ -224,7 +223,6 @@ const std::vector<Download> kDownloads = {
 const std::vector<Download> kOthers = {
     {"AurexOsWithMemory", Sent::AurexOs, Plc(kAurex, "3.73"), kMemoryCuts, true, 900},
     {"Q51Replies", Sent::CompactOs, Plc("Q51"), kReplyCuts},
-    {"Q50Replies", Sent::CompactOs, Plc("Q50"), kReplyCuts},
 };
 
 std::string NameOf(const testing::TestParamInfo<Download>& row) {
