@@ -36,6 +36,7 @@ ConnectedController::ConnectedController(Environment& environment, const CommonO
       mPassword(mPrompts, "give the controller's password with --password", common.password),
       mErr(environment.err),
       mShared(common.Paths(environment.home)),
+      mJournalPrompts({.yesFlag = "--unrecorded"}, environment.err, environment.input),
       mDriver(std::move(driver)),
       mSettings(std::move(settings)) {
   mDriver->SetPasswordSource(&mPassword);
@@ -49,7 +50,7 @@ void ConnectedController::RecordChanges(Environment& environment, const CommonOp
       RecorderParts{.shared = mShared,
                     .stateFolder = environment.stateFolder,
                     .disk = *environment.journalDisk,
-                    .prompts = mPrompts,
+                    .prompts = mJournalPrompts,
                     .pacer = environment.pacer,
                     .clock = environment.clock,
                     .tell = [&err = environment.err](const std::string& message) { err << message << "\n"; },

@@ -63,6 +63,7 @@ class ConnectedController {
   PromptedPassword mPassword;
   std::ostream& mErr;
   SharedState mShared;
+  ConsolePrompts mJournalPrompts;
   std::unique_ptr<ChangeRecorder> mRecorder;  // null: nothing is recorded
   std::unique_ptr<CommDriver> mDriver;
   LinkSettings mSettings;

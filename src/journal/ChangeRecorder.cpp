@@ -31,6 +31,8 @@ int Weight(ChangeResult result) {
 
 }  // namespace
 
+ChangeRecorder::ChangeRecorder(RecorderParts parts) : mParts(std::move(parts)), mSystemUser(UserName()) {}
+
 // Of several requests some may have been executed before one was refused.
 ChangeEnd ChangeRecorder::Current::End() const {
   ChangeEnd end = worst.value_or(ChangeEnd{});
@@ -172,7 +174,9 @@ void ChangeRecorder::RecordEnd(const Current& current, const ChangeEnd& end) {
   record.result = ResultWord(end.result);
   record.detail = end.detail;
   record.count = current.requests;
-  if (const auto number = Journal().Append(std::move(record)); !number) {
+  auto number = Journal().Append(record);
+  if (!number) number = Journal().Append(std::move(record));  // in another file
+  if (!number) {
     mParts.tell(
         "The end of record " + std::to_string(current.number) +
         " could not be written to the change journal, which shows it as begun and not ended: " + number.error().Text());
@@ -203,7 +207,7 @@ LinkError ChangeRecorder::Refusal(const FileError& why) const {
 
 // Who is logged in; else the name with which the system knows the user.
 std::string ChangeRecorder::User() const {
-  return mParts.shared.UserName.empty() ? UserName() : mParts.shared.UserName;
+  return mParts.shared.UserName.empty() ? mSystemUser : mParts.shared.UserName;
 }
 
 }  // namespace kv

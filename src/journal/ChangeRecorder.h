@@ -37,7 +37,7 @@ struct RecorderParts {
 // session: he is asked when the next operation begins, and the changes that passed so are counted.
 class ChangeRecorder final : public ChangeObserver {
  public:
-  explicit ChangeRecorder(RecorderParts parts) : mParts(std::move(parts)) {}
+  explicit ChangeRecorder(RecorderParts parts);
 
   // Changes may pass where they cannot be recorded, without a question.
   void LetPassUnrecorded() { mMayPass = true; }
@@ -80,6 +80,7 @@ class ChangeRecorder final : public ChangeObserver {
   [[nodiscard]] std::string User() const;
 
   RecorderParts mParts;
+  std::string mSystemUser;
   std::unique_ptr<ChangeJournal> mJournal;
   std::optional<Current> mCurrent;
   int mDepth = 0;  // of operations

@@ -112,13 +112,19 @@ TEST_F(ChangeRecorderTest, AsksForAReasonWhereTheSessionWantsOne) {
   EXPECT_THAT(Recorded(), testing::HasSubstr("|by script|"));
 }
 
-TEST_F(ChangeRecorderTest, TellsAnEndThatCouldNotBeRecorded) {
-  {
+TEST_F(ChangeRecorderTest, RecordsTheEndInAnotherFileOrTellsThatItCouldNot) {
+  const auto write = [this](bool failsOn) {
     const OperationScope writing(&recorder, {"Operand view", "write"});
     EXPECT_TRUE(Send());
     disk.calls = 0;
-    disk.failAt = 1;
-  }
+    disk.failAt = 7;  // the write
+    disk.failsOn = failsOn;
+  };
+  write(false);
+  EXPECT_EQ(disk.failed, "write");
+  EXPECT_THAT(told, testing::IsEmpty());
+  EXPECT_THAT(Recorded(), testing::EndsWith("|write||done\n"));
+  write(true);
   ASSERT_EQ(told.size(), 1U);
   EXPECT_THAT(told.front(), testing::HasSubstr("begun and not ended"));
 }

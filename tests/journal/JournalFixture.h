@@ -20,12 +20,14 @@ namespace kv::test {
 // A disk of which the n-th call fails, counted over all its files; nothing is done by that call.
 class FaultyDisk final : public JournalDisk {
  public:
-  int failAt = 0;  // 0: none
+  int failAt = 0;        // 0: none
+  bool failsOn = false;  // the calls behind it fail, too
   int calls = 0;
   std::string failed;  // which call it was
 
   [[nodiscard]] bool Fails(const char* call) {
-    if (++calls != failAt) return false;
+    ++calls;
+    if (calls != failAt && !(failsOn && failAt != 0 && calls > failAt)) return false;
     failed = call;
     return true;
   }
