@@ -87,7 +87,7 @@ MessageBox DeleteQuestion(const std::string& name, const SessionFacts& facts) {
   std::string about = facts.model;
   if (!facts.link.empty()) about += (about.empty() ? "" : ", ") + facts.link;
   return {.text = "Delete the session '" + name + "'" + (about.empty() ? "" : " (" + about + ")") +
-                  "?\r\n\r\nIts settings, regions and values are lost.",
+                  "?\r\n\r\nIts settings, regions, values and the journal of its changes are lost.",
           .title = "Remove Session",
           .icon = PromptIcon::Exclamation,
           .buttons = PromptButtons::YesNo,

@@ -49,6 +49,9 @@ class OperandChannel : public FakeChannel {
   std::function<void()> during;                                         // each call
   bool isLying = false;                                                 // only says that it has written
   std::map<std::pair<std::int32_t, std::int32_t>, std::uint32_t> kept;  // by list code and address
+  ChangeObserver* changes = nullptr;
+
+  ChangeObserver* Changes() override { return changes; }
 
   std::optional<std::vector<OperandListValues>> ReadOperandList(std::span<const OperandListRequest> records,
                                                                 std::uint8_t unitId) override {

@@ -184,6 +184,34 @@ TEST(WriteRegions, ReadOnlyTypesAreToldOnceAndTheOthersWritten) {
   EXPECT_EQ(fixture.Run("ID_WriteRegions", {kOk}), WithRequests({kReadOnlyBox}));
 }
 
+// Notes the operation that is named.
+struct NotedOperation final : ChangeObserver {
+  Operation operation;
+  std::optional<ChangeEnd> end;
+
+  void BeginOperation(const Operation& begun) override { operation = begun; }
+  void EndOperation(const std::optional<ChangeEnd>& ended) override { end = ended; }
+  std::expected<void, LinkError> BeforeRequest(const ChangeRequest&) override { return {}; }
+  void AfterRequest(const ChangeEnd&) override {}
+  std::string Head() const override { return ""; }
+};
+
+TEST(WriteRegions, NameTheValuesThatTheControllerToldBefore) {
+  DataViewFixture fixture;
+  NotedOperation noted;
+  fixture.channel->changes = &noted;
+  fixture.Add(MI, 5, 6);
+  fixture.Run("ID_ReadRegions");
+  fixture.Add(ML, 0, 0);  // is not read
+  fixture.Add(SI, 0, 0);  // cannot be written
+  fixture.view.Edit(MI, 5, "7");
+  fixture.view.Edit(ML, 0, "70000");
+  fixture.Run("ID_WriteRegions", {kOk});
+  EXPECT_EQ(noted.operation.what, "write 3 regions");
+  EXPECT_THAT(noted.operation.operands, ElementsAre(ChangedOperands{"MI 5..6", {"5", "6"}, {"7", "6"}},
+                                                    ChangedOperands{"ML 0", {""}, {"70000"}}));
+}
+
 TEST(WriteRegions, SaysHowFarItCameAndKeepsTheMarksOfTheRest) {
   DataViewFixture fixture;
   fixture.Add(MI, 0, 179);

@@ -59,6 +59,12 @@ class CountingController final : public sim::Controller {
     for (const auto& [text, count] : mExecuted) most = std::max(most, count);
     return most;
   }
+  // Text commands that were executed and may have changed something.
+  [[nodiscard]] int Executions() const {
+    int all = 0;
+    for (const auto& [text, count] : mExecuted) all += count;
+    return all;
+  }
   [[nodiscard]] int MostBlockExecutions() const {
     int most = 0;
     for (const auto& [payload, count] : mBlocks) most = std::max(most, count);

@@ -63,7 +63,8 @@ QVariant JournalTable::data(const QModelIndex& index, int role) const {
 
 QVariant JournalTable::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || section < 0 || section >= kColumns) return {};
-  if (role == Qt::TextAlignmentRole) return int{Qt::AlignLeft | Qt::AlignVCenter};
+  const auto side = section == Number ? Qt::AlignRight : Qt::AlignLeft;
+  if (role == Qt::TextAlignmentRole) return static_cast<int>(side | Qt::AlignVCenter);
   return role == Qt::DisplayRole ? QVariant(kHeadings[static_cast<std::size_t>(section)]) : QVariant();
 }
 

@@ -89,11 +89,11 @@ void frmJournal::BuildVerdict() {
   mFindings->setMaximumHeight(kFindingLines * fontMetrics().lineSpacing() + 2 * mFindings->frameWidth() + 8);
 }
 
-QLineEdit* frmJournal::AddFilter(const char* objectName, const char* what, const char* placeholder) {
+QLineEdit* frmJournal::AddFilter(const char* objectName, const char* what, const char* keys, const char* placeholder) {
   auto* field = new QLineEdit(this);
   field->setObjectName(objectName);
   field->setAccessibleName(what);
-  field->setToolTip(what);
+  field->setToolTip(QString("%1 (%2)").arg(what, keys));
   field->setPlaceholderText(placeholder);
   field->setClearButtonEnabled(true);
   connect(field, &QLineEdit::textChanged, this, [this] { Filter(); });
@@ -101,9 +101,9 @@ QLineEdit* frmJournal::AddFilter(const char* objectName, const char* what, const
 }
 
 void frmJournal::BuildFilters() {
-  mOperand = AddFilter("txtOperand", "Only changes of this operand (Alt+O)", "MI 5, MI 0..9 or MI");
-  mUser = AddFilter("txtUser", "Only changes by this user (Alt+U)", "a part of the name");
-  mDay = AddFilter("txtDay", "Only changes of this day (Alt+D)", "2026-11-22, or 2026-11");
+  mOperand = AddFilter("txtOperand", "Only changes of this operand", "Alt+O", "MI 5, MI 0..9 or MI");
+  mUser = AddFilter("txtUser", "Only changes by this user", "Alt+U", "a part of the name");
+  mDay = AddFilter("txtDay", "Only changes of this day", "Alt+D", "2026-11-22, or 2026-11");
   mCount = new QLabel(this);
   mCount->setObjectName("lblCount");
   mCount->setAccessibleName("How many entries are shown");

@@ -37,7 +37,8 @@ class frmJournal final : public QDialog {
   void BuildList();
   void BuildButtons();
   void ArrangeControls();
-  [[nodiscard]] QLineEdit* AddFilter(const char* objectName, const char* what, const char* placeholder);
+  [[nodiscard]] QLineEdit* AddFilter(const char* objectName, const char* what, const char* keys,
+                                     const char* placeholder);
 
   void Read();
   void Filter();
