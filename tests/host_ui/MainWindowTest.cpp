@@ -172,7 +172,8 @@ TEST_F(MainWindowTest, EveryWindowReadsAsItIsWrittenDown) {
     for (const QWidget* other : QApplication::topLevelWidgets()) {
       if (other->objectName() == "frmTrace") add(*other);
     }
-    for (const char* command : {"ID_Session", "ID_Journal", "ID_ComParams", "ID_Modem", "ID_DumpPLC"}) addNext(window, command);
+    for (const char* command : {"ID_Session", "ID_Journal", "ID_ComParams", "ID_Modem", "ID_DumpPLC"})
+      addNext(window, command);
     WhenOpen<QDialog>(window, [&](QDialog& view) {
       EXPECT_TRUE(QTest::qWaitForWindowActive(&view, kPatience));
       add(view);

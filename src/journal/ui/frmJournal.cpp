@@ -25,7 +25,7 @@ namespace {
 
 constexpr const char* kCaption = "Change Journal";
 constexpr QSize kFirstSize(980, 620);
-constexpr int kWidths[] = {8, 20, 18, 46, 46};  // of the columns before the last, in characters
+constexpr int kWidths[] = {11, 27, 18, 40, 44};  // of the columns before the last, in characters
 constexpr int kFindingLines = 4;
 
 QString Joined(const std::vector<std::string>& lines) {
@@ -44,7 +44,7 @@ std::vector<std::string> DetailsOf(const JournalEntry& entry) {
   add("Operation: ", (record.tool.empty() ? "" : record.tool + ": ") + entry.What());
   add("Controller: ", entry.Controller());
   add("Link: ", record.link);
-  add("Begun: ", record.time);
+  add(entry.IsOperation() ? "Begun: " : "Recorded: ", record.time);
   add("Ended: ", entry.end ? entry.end->time : "");
   add("Result: ", entry.Result());
   add("Reason: ", record.reason);
@@ -60,6 +60,7 @@ QPlainTextEdit* NewText(QWidget* parent, const char* objectName, const char* wha
   text->setToolTip(what);
   text->setReadOnly(true);
   text->setTabChangesFocus(true);
+  text->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);  // lines are wrapped
   return text;
 }
 
