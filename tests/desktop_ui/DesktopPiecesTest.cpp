@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <QDialog>
 #include <QDir>
 #include <QFileInfo>
+#include <QFrame>
 #include <QImage>
 #include <QPalette>
+#include <QPushButton>
 #include <QSplitter>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -12,6 +15,7 @@
 #include "base/ScopeGuard.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/QtShell.h"
+#include "desktop/ui/ScrollPage.h"
 #include "desktop/ui/WindowGeometry.h"
 #include "tests/desktop_ui/QtFixture.h"
 #include "tests/support/TemporaryFolder.h"
@@ -87,6 +91,28 @@ TEST(WindowGeometryTest, AWindowComesBackAsItWasLeftUnlessItsPlaceIsDamaged) {
     Window window;
     RememberPlace(window, file);
     EXPECT_TRUE(window.size() == QSize(400, 300) || window.size() == QSize(500, 333)) << at;
+  }
+}
+
+// A dialog that does not fit keeps its buttons in sight, and takes no more room than it needs.
+TEST(ScrollPageTest, ADialogFollowsItsContentAsFarAsTheScreenGoes) {
+  QDialog dialog;
+  auto* content = new QWidget;
+  auto* row = new QFrame(content);
+  (new QVBoxLayout(content))->addWidget(row);
+  auto* button = new QPushButton("OK");
+  auto* page = new QVBoxLayout(&dialog);
+  page->addWidget(new ScrollPage(content, &dialog));
+  page->addWidget(button);
+  row->setMinimumSize(300, 100);
+  dialog.show();
+  const int room = RoomFor(dialog).height();
+  for (const int height : {100, 400, 3000, 100}) {
+    row->setMinimumHeight(height);
+    const int least = std::min(height, room);
+    EXPECT_TRUE(WaitUntil([&] { return dialog.height() >= least && dialog.height() < least + 200; })) << height;
+    EXPECT_LE(dialog.height(), room);
+    EXPECT_LE(button->mapTo(&dialog, QPoint(0, button->height())).y(), dialog.height());
   }
 }
 
