@@ -63,7 +63,7 @@ Failure FailureOf(std::string doing, const DownloadOutcome& outcome) {
   if (outcome.end == DownloadEnd::Stopped) {
     return {ExitCode::Interrupted, "interrupted", std::move(doing), text, {}, {}};
   }
-  if (outcome.end == DownloadEnd::Declined) {
+  if (outcome.end == DownloadEnd::Declined && outcome.link.code == LinkErrorCode::None) {
     return {ExitCode::Failed, "notConfirmed", std::move(doing), text, {}, {}};
   }
   const auto row = std::ranges::find(kCauses, outcome.cause, &CauseRow::cause);

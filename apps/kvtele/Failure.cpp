@@ -46,6 +46,7 @@ constexpr std::array kCauses = {
     CauseRow{CloneCause::OldOs,    "notFit",      ExitCode::Refused},
     CauseRow{CloneCause::Segments, "segments",    ExitCode::Refused},
     CauseRow{CloneCause::Password, "password",    ExitCode::Refused},
+    CauseRow{CloneCause::NoPassword, "password",  ExitCode::Refused},
     CauseRow{CloneCause::File,     "badFile",     ExitCode::BadFile},
     CauseRow{CloneCause::Unproven, "unproven",    ExitCode::Failed},
 };

@@ -55,6 +55,8 @@ Prompts& TerminalDownload::PromptsOf(DownloadQuestion question) {
       return mQuestion.emplace(Answered(mConsents.noReset, "--no-reset"));
     case DownloadQuestion::EndLoad:
       return mQuestion.emplace(Answered(mConsents.endLoad, "--end-load"));
+    case DownloadQuestion::SameOs:
+      return mQuestion.emplace(Answered(mConsents.sameOs, "--same-os"));
     case DownloadQuestion::LoseValues:
       return mQuestion.emplace(Answered(mConsents.loseValues, "--lose-values"));
     case DownloadQuestion::Retry:

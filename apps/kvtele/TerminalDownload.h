@@ -18,6 +18,7 @@ struct ConsentFlags {
   bool otherModel = false;   // --other-model
   bool noReset = false;      // --no-reset
   bool endLoad = false;      // --end-load
+  bool sameOs = false;       // --same-os
   bool loseProject = false;  // --lose-project
   bool loseValues = false;   // --lose-values
   int retries = 0;           // --retry: how often a message that is not answered is sent again

@@ -60,6 +60,7 @@ OrFailure<void> CreateFrom(Environment& environment, const CommonOptions& common
   const PacerWallClock clock;
   TerminalCloner window(environment, common, order.segments, order.mayStop);
   clsDumpPLC engine(window, window, environment.pacer, clock);
+  engine.NameController(*name);
   safe.Create(engine, window, controller.Link(), WatchedWork(environment).Work());
   if (safe.Outcome().end == CloneEnd::Done) {
     for (const std::string& warning : safe.Warnings()) environment.err << "Warning: " << warning << "\n";

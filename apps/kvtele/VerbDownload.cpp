@@ -75,6 +75,7 @@ void VerbDownload::Declare(CLI::App& app) {
                  "os: send a message that is not answered again, so often in all; each time the link is opened anew")
       ->type_name("N")
       ->check(CLI::Range(0, kMostRetries));
+  app.add_flag("--same-os", mFlags.consents.sameOs, "os: also one that is installed already");
   app.add_flag("--lose-project", mFlags.consents.loseProject, "os: also one that may erase the project");
   app.add_flag("--lose-values", mFlags.consents.loseValues, "os: also one to which the operands' values mean nothing");
 }
@@ -92,8 +93,8 @@ OrFailure<void> VerbDownload::CheckAction() const {
       {mFlags.isDryRun || !mBackup.empty() || consents.endLoad, "--dry-run, --backup and --end-load", "project os"},
       {mReplace || mStop || mNoStop, "--replace, --stop and --no-stop", "project os"},
       {consents.otherModel || consents.noReset, "--other-model and --no-reset", "project"},
-      {consents.loseProject || consents.loseValues || consents.retries > 0, "--lose-project, --lose-values and --retry",
-       "os"},
+      {consents.sameOs || consents.loseProject || consents.loseValues || consents.retries > 0,
+       "--same-os, --lose-project, --lose-values and --retry", "os"},
   };
   for (const Row& row : rows) {
     if (!row.isGiven || row.actions.contains(mAction)) continue;

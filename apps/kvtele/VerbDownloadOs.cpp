@@ -153,7 +153,7 @@ class OsDownload {
     }
     VerbOutput output = ReportOf(mPreview, ending.review, mFlags.isDryRun);
     if (mIsAurex && end == DownloadEnd::Done) {  // which no box has told
-      output.text = std::string(LeftBehindText(ending.outcome.left)) + "\n" + output.text;
+      output.text = ending.outcome.done + "\n" + std::string(LeftBehindText(ending.outcome.left)) + "\n" + output.text;
     }
     output.document["file"] = Utf8FromPath(OsFile());
     if (!mWindow.Choice().fonts.empty()) output.document["fonts"] = Utf8FromPath(mWindow.Choice().fonts);
@@ -192,9 +192,10 @@ void Show(const FileList& list, const char* what, VerbOutput& output) {
   for (std::size_t i = 0; i < list.files.size(); ++i) {
     const bool isNewest = list.preselected == i;
     const std::string path = Utf8FromPath(list.files[i].path);
-    output.text +=
-        (isNewest ? "  * " : "    ") + list.files[i].text + "    " + Utf8FromPath(list.files[i].path.filename()) + "\n";
-    shown.push_back({{"text", list.files[i].text}, {"file", path}, {"isPreselected", isNewest}});
+    const ListedFile& file = list.files[i];
+    output.text += (isNewest ? "  * " : "    ") + file.text + "    " + GetFileName(file.path) +
+                   (file.detail.empty() ? "" : "    " + file.detail) + "\n";
+    shown.push_back({{"text", file.text}, {"file", path}, {"isPreselected", isNewest}, {"detail", file.detail}});
   }
 }
 

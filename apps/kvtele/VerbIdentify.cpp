@@ -6,6 +6,7 @@
 #include "apps/kvtele/VerbOutput.h"
 #include "base/AnsiText.h"
 #include "link/OsVersion.h"
+#include "link/StateText.h"
 
 namespace kv::cli {
 

@@ -16,6 +16,7 @@
 #include "base/PathText.h"
 #include "base/ProgramPaths.h"
 #include "link/OsVersion.h"
+#include "link/StateText.h"
 #include "link/identification/GoOnline.h"
 #include "sessions/RecentCaches.h"
 #include "sessions/SessionIni.h"

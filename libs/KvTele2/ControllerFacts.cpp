@@ -4,6 +4,7 @@
 
 #include "base/AnsiText.h"
 #include "link/OsVersion.h"
+#include "link/StateText.h"
 
 namespace kv {
 namespace {
@@ -31,21 +32,6 @@ std::string ListOf(const ControllerFacts& facts) {
 }
 
 }  // namespace
-
-std::string StateText(char state) {
-  switch (state) {
-    case 'R':
-      return "running";
-    case 'S':
-      return "stopped";
-    case 'B':
-      return "boot loader";
-    case 'L':
-      return "loading";
-    default:
-      return "unknown";
-  }
-}
 
 ControllerFacts ControllerFactsOf(const VersionInfo& version, int unit) {
   ControllerFacts facts;

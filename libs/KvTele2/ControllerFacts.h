@@ -32,8 +32,6 @@ void AddInfo(ControllerFacts& facts, const Channel::ControllerInfo& info);
 [[nodiscard]] ControllerFacts ControllerFactsOf(const RefusedController& refused, int unit);
 // Why a controller was refused, with a line about what is known of it. `text` has CR LF or LF between its lines.
 [[nodiscard]] std::string RefusalText(const std::string& text, const ControllerFacts& facts);
-// "running" for 'R'; the word for each state that a controller reports.
-[[nodiscard]] std::string StateText(char state);
 
 // What the controller page shows about the link.
 struct LinkFacts {

@@ -18,14 +18,15 @@ enum class CloneEnd { Done, Stopped, Failed };
 // What kind of thing was in the way.
 enum class CloneCause {
   None,
-  Stop,      // the user
-  OldOs,     // the controller's O/S is too old to be cloned
-  Segments,  // its memory is named by a table that cannot be used, or of a shape that a clone file cannot hold
-  Password,  // none was given, it was too long, or the controller does not take it
-  File,      // the clone file cannot be read, written or understood
-  Link,      // an exchange with the controller failed; `link` says how
-  Reply,     // the controller did not answer a line of a restore with OK; `link` says Refused when it refused
-  Unproven,  // all lines of a restore were answered with OK, but that they were written is not known
+  Stop,        // the user
+  OldOs,       // the controller's O/S is too old to be cloned
+  Segments,    // its memory is named by a table that cannot be used, or of a shape that a clone file cannot hold
+  Password,    // it was empty or too long, or the controller does not take it
+  NoPassword,  // the user cancelled the box for it
+  File,        // the clone file cannot be read, written or understood
+  Link,        // an exchange with the controller failed; `link` says how
+  Reply,       // the controller did not answer a line of a restore with OK; `link` says Refused when it refused
+  Unproven,    // all lines of a restore were answered with OK, but that they were written is not known
 };
 
 // How an operation ended. `reason` is for the log, beside the boxes that the user sees: what happened, the likely cause

@@ -38,6 +38,20 @@ void DumpProgress::ProgressBarInit(std::int64_t maximum) {
   mValue = 0;
 }
 
+DumpProgress::Amount DumpProgress::InAll() const {
+  const bool isCreate = mIndex > 0 && mIndex <= mParts.size();
+  if (!isCreate) {
+    const auto most = static_cast<std::uint64_t>(std::max<std::int64_t>(1, mMaximum));
+    return {std::min(static_cast<std::uint64_t>(mValue), most), most};
+  }
+  const Part& part = mParts[mIndex - 1];
+  return {part.before + DoneOf(part), std::max<std::uint64_t>(1, mTotal)};
+}
+
+std::uint64_t DumpProgress::DoneOf(const Part& part) const {
+  return std::min(static_cast<std::uint64_t>(mValue) * kDumpBlock, part.length);
+}
+
 std::string DumpProgress::Text() const {
   if (mMaximum < 0) return "";
   if (mIndex > 0 && mIndex <= mParts.size()) return CreateText(mParts[mIndex - 1]);
@@ -47,7 +61,7 @@ std::string DumpProgress::Text() const {
 }
 
 std::string DumpProgress::CreateText(const Part& part) const {
-  const std::uint64_t done = std::min(static_cast<std::uint64_t>(mValue) * kDumpBlock, part.length);
+  const std::uint64_t done = DoneOf(part);
   const std::string place = part.code + " (" + std::to_string(part.number) + " of " + std::to_string(mIncluded) + ")";
   const std::string text = place + ": " + AmountText(done, part.length) + "; in all ";
   return WithTimeLeft(text + AmountText(part.before + done, mTotal), part.before + done, mTotal);

@@ -22,6 +22,13 @@ class DumpProgress {
   void ProgressBarInit(std::int64_t maximum);
   void ProgressBarValue(std::int64_t value) { mValue = value; }
 
+  // How far it is in all, in bytes of a create or lines of a restore; the total is at least 1.
+  struct Amount {
+    std::uint64_t done = 0;
+    std::uint64_t total = 1;
+  };
+  [[nodiscard]] Amount InAll() const;
+
   // "OP (1 of 6): 4 of 6 KiB; in all 4 of 102 KiB, about 12 s left" or "Line 30 of 500, about 10 s left"; empty before
   // the work has begun.
   [[nodiscard]] std::string Text() const;
@@ -34,6 +41,7 @@ class DumpProgress {
     int number = 0;  // among the included segments, from 1 on
   };
 
+  [[nodiscard]] std::uint64_t DoneOf(const Part& part) const;
   [[nodiscard]] std::string CreateText(const Part& part) const;
   [[nodiscard]] std::string WithTimeLeft(std::string text, std::uint64_t done, std::uint64_t total) const;
 

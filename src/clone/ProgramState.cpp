@@ -34,13 +34,17 @@ MessageBox StopQuestion() {
           .canLose = true};
 }
 
-InputBox PasswordQuestion() {
-  return {.text = "Enter Password Up To 8 Chars", .title = std::string(kClonerCaption), .initial = "", .secret = true};
+InputBox PasswordQuestion(const std::string& controller) {
+  return {.text = "Enter Password Up To 8 Chars",
+          .title = std::string(kClonerCaption),
+          .secret = true,
+          .hint = controller + (controller.empty() ? "" : "\r\n") + std::string(kAnyPassword) +
+                  "\r\nUpper and lower case differ."};
 }
 
 bool ShowCreateQuestions(Prompts& prompts, const std::string& controller, char state) {
   static_cast<void>(IsStartWanted(prompts, controller, state));
-  const bool hasPassword = !prompts.Ask(PasswordQuestion()).value_or("").empty();
+  const bool hasPassword = !prompts.Ask(PasswordQuestion(controller)).value_or("").empty();
   if (IsRunningState(state)) static_cast<void>(prompts.Show(StopQuestion()));
   return hasPassword;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "clone/clsDumpPLC.h"
 #include "desktop/Pacer.h"
@@ -19,8 +20,10 @@ namespace kv {
 // Asked when a running program is to stop for the clone; with No it is cloned while it runs.
 [[nodiscard]] MessageBox StopQuestion();
 
+// What helps who is asked for a password that there is not.
+inline constexpr std::string_view kAnyPassword = "A controller without a password takes any text, but not none.";
 // Asked before the segments are listed; an empty text is none.
-[[nodiscard]] InputBox PasswordQuestion();
+[[nodiscard]] InputBox PasswordQuestion(const std::string& controller);
 
 // Asks what a create would ask of a controller in this state, for who only wants to know. False when no password was
 // given: then it would fail.

@@ -11,6 +11,7 @@
 #include "clone/ProgramState.h"
 #include "clone/RestoreBegin.h"
 #include "desktop/UserName.h"
+#include "link/StateText.h"
 
 namespace kv {
 
@@ -98,7 +99,7 @@ SafeCreate::Step SafeCreate::CheckController(const clsDumpPLC& engine, Channel& 
   if (!now) return std::unexpected(now.error());
   if (!IsRunningState(now->state)) {
     mWarnings.push_back(std::string("The controller was told to run its program, but says now that its state is ") +
-                        now->state + ". Look at it before you rely on it.");
+                        StateText(now->state) + ". Look at it before you rely on it.");
   }
   if (engine.WasStartedMeanwhile()) {
     mWarnings.emplace_back(

@@ -121,12 +121,14 @@ std::expected<VersionInfo, CloneOutcome> clsDumpPLC::SupportsCloning(Channel& li
 }
 
 std::expected<clsDumpPLC::Segments, CloneOutcome> clsDumpPLC::ReadSegmentTable(Channel& link) {
-  const auto entered = mPrompts.Ask(PasswordQuestion());
+  const auto entered = mPrompts.Ask(PasswordQuestion(mControllerName));
   if (!entered && IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
-  std::string password = Utf8ToAnsi(entered.value_or(""));
-  if (password.empty())
-    return Failure(CloneCause::Password,
-                   "No password was given. A controller without a password takes any text, but not none.");
+  if (!entered) {
+    return Failure(CloneCause::NoPassword,
+                   "No password was given: its box was cancelled. Nothing was changed in the controller.");
+  }
+  std::string password = Utf8ToAnsi(*entered);
+  if (password.empty()) return Failure(CloneCause::Password, "No password was given. " + std::string(kAnyPassword));
   if (password.size() > kLongestPassword) {
     return Failure(CloneCause::Password,
                    "The password that was given has more than " + std::to_string(kLongestPassword) + " characters.");

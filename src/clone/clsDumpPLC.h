@@ -65,6 +65,9 @@ class clsDumpPLC {
   // is only asked for its last error, for the reason of a failure; it may be null.
   void RestoreGhost(SerialPortObject& port, const std::filesystem::path& file, const Channel* link = nullptr);
 
+  // Of a create: whose memory it is (ControllerText, RestoreCheck.h), for the box of the password.
+  void NameController(std::string text) { mControllerName = std::move(text); }
+
   // Of a create: a controller with too old an O/S is cloned all the same. For memory that is written back soon, into
   // the same controller; what that leaves out of account is the caller's business.
   void TakeAnyOs() { mTakesAnyOs = true; }
@@ -142,6 +145,7 @@ class clsDumpPLC {
   CloneOutcome mOutcome;
   CloneManifest mManifest;
   std::vector<CloneSegment> mNeverTaken;
+  std::string mControllerName;
   Sha256 mSegmentDigest;  // of the segment that is being read
   bool mIsStopped = false;
   bool mTakesAnyOs = false;

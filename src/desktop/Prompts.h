@@ -55,7 +55,8 @@ struct InputBox {
   std::string text = {};
   std::string title = "Telepanel";
   std::string initial = {};
-  bool secret = false;  // typed characters are not shown
+  bool secret = false;    // typed characters are not shown
+  std::string hint = {};  // below the text: whom it concerns, and what helps to answer
 
   bool operator==(const InputBox&) const = default;
 };

@@ -138,7 +138,7 @@ std::expected<AurexOsFile, DownloadFileError> ReadAurexOsFile(const std::filesys
   if (!bytes) return std::unexpected(bytes.error());
   auto os = ParseAurexOsFile(*bytes, Utf8FromPath(file));
   if (!os) return os;
-  const std::string name = Utf8FromPath(file.filename());
+  const std::string name = GetFileName(file);
   if (AurexOsTypeIn(name) == "Aurex" + os->model && AurexOsNumberIn(name) == os->number) return os;
   return FaultsOf(Utf8FromPath(file))
       .Damaged("its name",

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 namespace kv {
 
 // What the change from the installed O/S of an Aurex controller to a new one means for what the controller holds.
@@ -16,6 +19,8 @@ struct AurexOsChange {
   [[nodiscard]] bool LosesDataTypes() const;
   // The memory is laid out anew, and is saved before and restored afterwards.
   [[nodiscard]] bool NeedsMemorySaved() const;
+  // The same for people, a sentence each: what is lost, and what is saved and written back.
+  [[nodiscard]] std::vector<std::string> Losses() const;
   // Whether system fonts of this version are too old for the new O/S.
   [[nodiscard]] bool RefusesFonts(int fonts) const;
 };

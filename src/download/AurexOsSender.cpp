@@ -5,7 +5,6 @@
 
 #include "download/FlashStatus.h"
 #include "link/BlockOperations.h"
-#include "link/ControllerErrorText.h"
 #include "link/ErrorMeaning.h"
 
 namespace kv {
@@ -167,10 +166,7 @@ bool AurexOsSender::IsRefusedAsDouble() const {
 
 // Done: it is to be sent again.
 AurexOsSender::Step AurexOsSender::AskForRetry(Reply reply) {
-  const auto failed =
-      reply == Reply::Unanswered
-          ? LinkFailure()
-          : ReplyFailure("the controller answered with status " + std::to_string(mEngine.ReplyStatus()));
+  const auto failed = reply == Reply::Unanswered ? LinkFailure() : Refused();
   if (reply == Reply::Busy) {
     mWork.Tell(
         "The PLC is currently busy processing download tasks. Please wait a few minutes before re-attempting this "
@@ -182,6 +178,9 @@ AurexOsSender::Step AurexOsSender::AskForRetry(Reply reply) {
   if (IsFinal(code)) return failed;
   MessageBox box{
       .text = "PLC does not respond.\r\nRetry?", .icon = PromptIcon::Exclamation, .buttons = PromptButtons::YesNo};
+  if (reply == Reply::Refused && HasRestarted()) {
+    return ReplyFailure("the controller has restarted and runs its O/S again, so that what was sent is gone");
+  }
   if (reply == Reply::Refused) {
     box.text = "Failed to send data chunk.\r\nRetry?";
     box.icon = PromptIcon::None;
@@ -244,15 +243,19 @@ std::unexpected<DownloadOutcome> AurexOsSender::LinkFailure() const {
 }
 
 std::unexpected<DownloadOutcome> AurexOsSender::ReplyFailure(const std::string& reason) const {
-  auto failed = mWork.Fail(DownloadCause::Reply, "It failed while " + mDoing + ": " + reason + ".");
-  const int status = mEngine.ReplyStatus();
-  if (status == kBlockBusy) failed.error().link.code = LinkErrorCode::Busy;
-  if (status <= kBlockRefused) return failed;
-  LinkError& error = failed.error().link;
-  error.code = LinkErrorCode::Refused;
-  error.controllerCode = status - kBlockRefused;
-  failed.error().reason += "\nIt means: " + std::string(ControllerErrorText(error.controllerCode).meaning) + ".";
-  return failed;
+  return mWork.Fail(DownloadCause::Reply, "It failed while " + mDoing + ": " + reason + ".");
+}
+
+std::unexpected<DownloadOutcome> AurexOsSender::Refused() const {
+  auto refusal = RefusalOf(mEngine.ReplyStatus()).value_or(LinkError());
+  refusal.doing = mDoing;
+  return mWork.FailOf(refusal, DownloadCause::Reply);
+}
+
+// Its power has failed, or somebody has reset it: sending again cannot succeed.
+bool AurexOsSender::HasRestarted() const {
+  const auto info = mWork.link.GetControllerInfo(mWork.link.UnitID());
+  return info && info->state != 'B';
 }
 
 }  // namespace kv

@@ -58,6 +58,8 @@ class AurexOsSender {
   [[nodiscard]] std::expected<bool, DownloadOutcome> CheckStatus(const Status& status, TopicCheck check);
   [[nodiscard]] std::unexpected<DownloadOutcome> LinkFailure() const;
   [[nodiscard]] std::unexpected<DownloadOutcome> ReplyFailure(const std::string& reason) const;
+  [[nodiscard]] std::unexpected<DownloadOutcome> Refused() const;
+  [[nodiscard]] bool HasRestarted() const;
 
   DownloadEngine& mEngine;
   DownloadWork& mWork;

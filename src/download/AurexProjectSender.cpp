@@ -20,6 +20,7 @@ namespace {
 using namespace BlockOperation;
 
 constexpr int kStatusSteps = 120;
+constexpr const char* kWaiting = "Waiting until the controller is ready for a project";
 constexpr Duration kBetweenPolls = std::chrono::milliseconds(100);
 
 // How often the link may be lost in the middle of one topic: behind that it is no link to program a controller over.
@@ -225,7 +226,10 @@ AurexProjectSender::Step AurexProjectSender::WaitForIdle(bool isWhole) {
     if (!status) return std::unexpected(status.error());
     if (isWhole && (*status)[FlashStatus::kFlashError] != 0) return FlashFailed(*status);
     const bool isIdle = (*status)[FlashStatus::kActivity] == FlashStatus::kIdle;
-    if (isIdle && (!isWhole || (*status)[FlashStatus::kIsWhole] != 0)) return {};
+    const bool isOver = isIdle && (!isWhole || (*status)[FlashStatus::kIsWhole] != 0);
+    mWork.window.Waiting(isWhole ? "Programmed: " + std::to_string((*status)[FlashStatus::kPercent]) + " %" : kWaiting,
+                         isOver);
+    if (isOver) return {};
     if (isIdle) {
       if (Step loads = CheckStillLoads(); !loads) return loads;
     }

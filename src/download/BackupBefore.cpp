@@ -12,21 +12,56 @@
 namespace kv {
 namespace {
 
-DownloadOutcome OutcomeOf(const CloneOutcome& clone, ControllerLeft left) {
+constexpr const char* kNoBackup = "The backup before the download was not made, so nothing was downloaded.";
+constexpr int kMostPasswords = 3;  // as often as a person would try
+
+DownloadOutcome OutcomeOf(const CloneOutcome& clone, ControllerLeft left, const char* what = kNoBackup) {
+  const bool isCancelled = clone.cause == CloneCause::NoPassword;
   const bool isStop = clone.end == CloneEnd::Stopped;
-  return {.end = isStop ? DownloadEnd::Stopped : DownloadEnd::Failed,
-          .cause = isStop ? DownloadCause::User : DownloadCause::Backup,
-          .reason = "The backup before the download was not made, so nothing was downloaded.\n" + clone.reason,
+  return {.end = isCancelled ? DownloadEnd::Declined
+                 : isStop    ? DownloadEnd::Stopped
+                             : DownloadEnd::Failed,
+          .cause = isStop || isCancelled ? DownloadCause::User : DownloadCause::Backup,
+          .reason = std::string(what) + "\n" + clone.reason,
           .left = left,
           .link = clone.link};
 }
 
-}  // namespace
+bool WantsToEnterItAgain(Prompts& prompts, const std::string& controller, const std::string& reason) {
+  return prompts.Show({.text = "The controller (" + controller +
+                               ") was not cloned, and nothing was changed in it.\r\n" + reason +
+                               "\r\n\r\nEnter the password again?",
+                       .title = std::string(kClonerCaption),
+                       .icon = PromptIcon::Exclamation,
+                       .buttons = PromptButtons::YesNo}) == PromptAnswer::Yes;
+}
 
+// Whether a create that failed has left a program standing that ran before. The controller is asked; where it does not
+// answer, and the command that stops the program may have been executed, it counts as stopped.
 ControllerLeft LeftByClone(const clsDumpPLC& engine, const CloneOutcome& outcome, Channel& link) {
   if (!engine.HasStoppedProgram() && outcome.link.code != LinkErrorCode::Unsure) return ControllerLeft::Untouched;
   const auto info = link.GetControllerInfo(link.UnitID());
   return info && IsRunningState(info->state) ? ControllerLeft::Untouched : ControllerLeft::Stopped;
+}
+
+}  // namespace
+
+std::expected<CloneManifest, DownloadOutcome> CreateBefore(SafeCreate& safe, Channel& link, const CloneBefore& order) {
+  const BackupContext& context = order.context;
+  for (int entered = 1;; ++entered) {
+    clsDumpPLC engine(order.window, context.cloner, context.pacer, context.clock);
+    engine.NameController(order.controllerText);
+    if (order.prepare) order.prepare(engine);
+    safe.Create(engine, context.cloner, link, order.work);
+    if (safe.Outcome().end == CloneEnd::Done) return engine.Manifest();
+    CloneOutcome outcome = safe.Outcome();
+    if (outcome.cause == CloneCause::Password && entered < kMostPasswords && !context.pacer.StopRequested() &&
+        WantsToEnterItAgain(context.questions, order.controllerText, outcome.reason)) {
+      continue;
+    }
+    OfferToRun(engine, link, context.questions, context.pacer, order.controllerText, outcome);
+    return std::unexpected(OutcomeOf(outcome, LeftByClone(engine, outcome, link), order.what));
+  }
 }
 
 std::string WhyNoBackup(Channel& link, const FoundController& controller) {
@@ -60,12 +95,9 @@ BackupBefore::Step BackupBefore::Take(Channel& link, const FoundController& cont
 }
 
 BackupBefore::Step BackupBefore::Create(Channel& link, const std::string& controllerText) {
-  clsDumpPLC engine(mContext.window, mContext.cloner, mContext.pacer, mContext.clock);
-  mSafe.Create(engine, mContext.cloner, link, Work());
-  if (mSafe.Outcome().end == CloneEnd::Done) return {};
-  CloneOutcome outcome = mSafe.Outcome();
-  OfferToRun(engine, link, mContext.questions, mContext.pacer, controllerText, outcome);
-  return std::unexpected(OutcomeOf(outcome, LeftByClone(engine, outcome, link)));
+  const CloneBefore order{mContext.window, mContext, controllerText, kNoBackup, {}, Work()};
+  const auto made = CreateBefore(mSafe, link, order);
+  return made ? Step() : std::unexpected(made.error());
 }
 
 // What it holds of program and settings; a running program changes the values of its operands by itself.

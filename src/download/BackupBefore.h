@@ -2,6 +2,7 @@
 
 #include <expected>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,9 +31,19 @@ struct BackupContext {
 // Why no clone can be made of this controller, a sentence; empty when one can. Only asks what is known already.
 [[nodiscard]] std::string WhyNoBackup(Channel& link, const FoundController& controller);
 
-// Whether a create that failed has left a program standing that ran before. The controller is asked; where it does not
-// answer, and the command that stops the program may have been executed, it counts as stopped.
-[[nodiscard]] ControllerLeft LeftByClone(const clsDumpPLC& engine, const CloneOutcome& outcome, Channel& link);
+// Creates a clone before a download. Where the controller does not take the password, the user is asked for it again.
+// A failure begins with `what` and tells whether the program was left stopped; one whose box for the password was
+// cancelled is declined. `prepare` sets up each engine that is used.
+struct CloneBefore {
+  DumpWindow& window;
+  const BackupContext& context;
+  const std::string& controllerText;
+  const char* what;
+  std::function<void(clsDumpPLC& engine)> prepare = {};
+  CloneWork work = {};
+};
+[[nodiscard]] std::expected<CloneManifest, DownloadOutcome> CreateBefore(SafeCreate& safe, Channel& link,
+                                                                         const CloneBefore& order);
 
 // The clone that is made of a controller before a download changes it. Made at the moment in which the user has chosen
 // the name, and so consented to replace what stood there then.

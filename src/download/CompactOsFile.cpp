@@ -52,7 +52,7 @@ std::expected<CompactOsFile, DownloadFileError> ReadCompactOsFile(const std::fil
   auto os = ParseCompactOsFile(*bytes, Utf8FromPath(file));
   if (!os) return os;
   const CompactOsName held{os->head.model, os->head.number};
-  if (CompactOsNameIn(Utf8FromPath(file.filename())) == held) return os;
+  if (CompactOsNameIn(GetFileName(file)) == held) return os;
   return FaultsOf(Utf8FromPath(file))
       .Damaged("its name", "expected \"" + CompactOsFileName(held.model, held.number) + "\", as what is in it");
 }

@@ -150,7 +150,7 @@ CompactProjectSender::Step CompactProjectSender::CompareWithSent() {
                                  ToHex(mImage.At(*other), 2));
     }
     compared = std::min(compared + found->size(), mImage.Size());
-    mWork.window.AmountSent(compared, mImage.Size());
+    mWork.window.AmountCompared(compared, mImage.Size());
     mWork.pacer.DoEvents();
     place = mImage.NextFrom(*place + static_cast<std::uint32_t>(found->size()));
   }

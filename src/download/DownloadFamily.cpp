@@ -12,9 +12,13 @@ std::expected<DownloadFamily, LinkError> DownloadFamilyOf(Channel& link, std::st
   return std::unexpected(link.LastError());
 }
 
+bool IsQ50Model(std::string_view model) {
+  return ParseCompactIdentification(model).has_value();
+}
+
 DownloadFamily DownloadFamilyOfModel(std::string_view selected) {
   if (IsColourModel(selected)) return DownloadFamily::Colour;
-  const bool isCompact = IsBrioModel(selected) || ParseCompactIdentification(selected).has_value();
+  const bool isCompact = IsBrioModel(selected) || IsQ50Model(selected);
   return isCompact ? DownloadFamily::Compact : DownloadFamily::Aurex;
 }
 

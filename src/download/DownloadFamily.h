@@ -21,6 +21,10 @@ enum class DownloadFamily : std::uint8_t {
 // loader tells, too, that says no more than "BOOT".
 [[nodiscard]] std::expected<DownloadFamily, LinkError> DownloadFamilyOf(Channel& link, std::string_view reported);
 
+// The Q50, Q51, Q58, PX1 and PR1, by the first letters; a BRIO counts, too. Not AurexQ50: its downloads are those of an
+// Aurex controller.
+[[nodiscard]] bool IsQ50Model(std::string_view model);
+
 // Of the model that is selected, as long as no controller has answered.
 [[nodiscard]] DownloadFamily DownloadFamilyOfModel(std::string_view selected);
 

@@ -15,6 +15,7 @@ enum class DownloadQuestion : std::uint8_t {
   Begin,       // what the controller holds is replaced
   OtherModel,  // a compact project that is made for another model
   NoReset,     // a compact project that may have been cut
+  SameOs,      // an O/S that is installed already
   LoseValues,  // a new O/S to which the values of the operands mean nothing
   Retry,       // a message of an O/S was not answered, or refused: send it again
   EndLoad,     // a load is under way in the controller, or was cut

@@ -78,7 +78,8 @@ std::string_view LeftBehindText(ControllerLeft left) {
 }
 
 std::string OutcomeText(const DownloadOutcome& outcome) {
-  if (outcome.end == DownloadEnd::Done || outcome.end == DownloadEnd::WouldGoOn) return outcome.reason;
+  if (outcome.end == DownloadEnd::Done) return outcome.done;
+  if (outcome.end == DownloadEnd::WouldGoOn) return outcome.reason;
   return outcome.reason + (outcome.reason.empty() ? "" : "\n") + std::string(LeftBehindText(outcome.left));
 }
 

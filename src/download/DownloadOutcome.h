@@ -66,10 +66,11 @@ struct DownloadOutcome {
   DownloadCause cause = DownloadCause::None;
   std::string reason = {};  // what happened, the likely cause and what to do, UTF-8; empty when it is done
   ControllerLeft left = ControllerLeft::Untouched;
-  LinkError link = {};  // of the exchange that failed; code None for other causes
+  std::string done = {};  // when it is done, what of it `left` does not say, UTF-8; may be empty
+  LinkError link = {};    // of the exchange that failed; code None for other causes
 };
 
-// Reason, and behind it what the controller is left as; empty when it is done and proven.
+// Reason, and behind it what the controller is left as; when it is done, what has been done, if there is more to say.
 [[nodiscard]] std::string OutcomeText(const DownloadOutcome& outcome);
 
 }  // namespace kv

@@ -42,6 +42,12 @@ class DownloadWindow {
   // rate and remaining time are made of it (DownloadProgress.h).
   virtual void AmountSent(std::uint64_t /*done*/, std::uint64_t /*total*/) {}
 
+  // The same of what is read back and compared.
+  virtual void AmountCompared(std::uint64_t done, std::uint64_t total) { AmountSent(done, total); }
+  // The controller is waited for, and the bar only goes round: what for, UTF-8. Told with each question to it, and once
+  // more when that `isOver`.
+  virtual void Waiting(std::string_view /*text*/, bool /*isOver*/) {}
+
   // Lets the user choose from both lists.
   [[nodiscard]] virtual AurexOsChoice ChooseAurexOs(const AurexOsLists& lists) = 0;
   // The place in the list; nothing when the user cancels.

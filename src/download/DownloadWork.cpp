@@ -17,13 +17,14 @@ std::string TitleOr(std::string_view title) {
   return std::string(title.empty() ? kDownloaderCaption : title);
 }
 
-// What a status code other than "done" says; nothing for those.
+}  // namespace
+
 std::optional<LinkError> RefusalOf(int status) {
   if (status == kBlockDone || status == kBlockDoneProgramming || status == kBlockTakesEffectWithReset) return {};
   LinkError error;
   if (status != kBlockBusy && status <= kBlockRefused) {
     error.code = LinkErrorCode::Damaged;
-    error.happened = "the controller answered with status " + std::to_string(status) + ", which means nothing here";
+    error.happened = "the controller's answer means nothing here (status " + std::to_string(status) + ")";
     error.cure = "keep the trace for an error report";
     return error;
   }
@@ -36,8 +37,6 @@ std::optional<LinkError> RefusalOf(int status) {
   error.cure = meaning.cure;
   return error;
 }
-
-}  // namespace
 
 void DownloadWork::EndOperation(const DownloadOutcome& outcome) {
   if (!mOperation) return;
@@ -63,8 +62,7 @@ bool DownloadWork::Asks(DownloadQuestion question, const std::string& text, Prom
 
 DownloadWork::Step DownloadWork::ShowCloneQuestions(const std::string& controller, char state) {
   if (ShowCreateQuestions(prompts, controller, state)) return {};
-  return Fail(DownloadCause::Backup,
-              "No password was given for the clone. A controller without a password takes any text, but not none.");
+  return Fail(DownloadCause::Backup, "No password was given for the clone. " + std::string(kAnyPassword));
 }
 
 std::unexpected<DownloadOutcome> DownloadWork::Fail(DownloadCause cause, std::string reason) const {
@@ -97,6 +95,26 @@ std::unexpected<DownloadOutcome> DownloadWork::Stop() const {
   auto stopped = Fail(DownloadCause::User, "Stopped by the user.");
   stopped.error().end = DownloadEnd::Stopped;
   return stopped;
+}
+
+DownloadWork::Step DownloadWork::GetAccess() {
+  if (link.EnsureAccess(link.UnitID())) return {};
+  const LinkError& error = link.LastError();
+  auto failed = FailOf(error);
+  if (error.controllerCode != kNeedsPasswordCode && error.controllerCode != kWrongPasswordCode) return failed;
+  failed.error().end = DownloadEnd::Declined;
+  failed.error().cause = DownloadCause::User;
+  failed.error().reason = "The controller's password was not given.\n" + failed.error().reason;
+  return failed;
+}
+
+DownloadWork::Step DownloadWork::AskForSameOs(const std::string& controller, const std::string& installed,
+                                              const std::string& next, std::string_view title) {
+  if (installed != next) return {};
+  const std::string question =
+      "The O/S " + next + " is installed already in the controller (" + controller + "). Install it again?";
+  if (Asks(DownloadQuestion::SameOs, question, PromptIcon::Question, title)) return {};
+  return Decline(DownloadCause::User, "The O/S " + next + " is installed already, and was not to be installed again.");
 }
 
 DownloadWork::Step DownloadWork::StopPoint() {

@@ -18,7 +18,10 @@
 
 namespace kv {
 
-// What the steps of a project download have in common: where they work, how they fail, stops, and what the controller
+// What the status code of a block message says; nothing for those of a message that was taken.
+[[nodiscard]] std::optional<LinkError> RefusalOf(int status);
+
+// What the steps of a download have in common: where they work, how they fail, stops, and what the controller
 // is left as at each moment.
 class DownloadWork {
  public:
@@ -59,6 +62,13 @@ class DownloadWork {
   [[nodiscard]] std::unexpected<DownloadOutcome> FailOf(const LinkError& error,
                                                         DownloadCause cause = DownloadCause::Link) const;
   [[nodiscard]] std::unexpected<DownloadOutcome> Stop() const;
+
+  // Whether the controller takes a password, when it wants one, is found out before anything is done to it. Who does
+  // not know it has declined.
+  [[nodiscard]] Step GetAccess();
+  // The O/S of the file may be the one that is there: sent again only when that is wanted.
+  [[nodiscard]] Step AskForSameOs(const std::string& controller, const std::string& installed, const std::string& next,
+                                  std::string_view title = {});
 
   // Between two exchanges: whether the user has asked for a stop, and means it. What would be left half done is asked
   // about, and with No the download goes on.

@@ -16,6 +16,10 @@ constexpr std::size_t kLargestFile = std::size_t{1} << 20;  // twice the fonts m
 
 }  // namespace
 
+std::string FontsText(const FontsFile& fonts) {
+  return VersionText(fonts.number) + " (B" + std::to_string(fonts.number.build) + ")";
+}
+
 std::expected<FontsFile, DownloadFileError> ParseFontsFile(std::string_view bytes, const std::string& file) {
   const FaultsOf faults(file);
   if (bytes.size() < kHead) return faults.NotLegal("expected a header of 16 bytes");
@@ -47,7 +51,7 @@ std::expected<FontsFile, DownloadFileError> ReadFontsFile(const std::filesystem:
   const auto bytes = ReadDownloadBytes(file, kLargestFile);
   if (!bytes) return std::unexpected(bytes.error());
   auto fonts = ParseFontsFile(*bytes, Utf8FromPath(file));
-  if (!fonts || FontsNumberIn(Utf8FromPath(file.filename())) == fonts->number) return fonts;
+  if (!fonts || FontsNumberIn(GetFileName(file)) == fonts->number) return fonts;
   return FaultsOf(Utf8FromPath(file))
       .Damaged("its name", "expected one that ends like \"" + FontsName(fonts->number) + "\", as what is in it");
 }

@@ -21,6 +21,9 @@ struct FontsFile {
   FileStamp stamp;
 };
 
+// Version and build, as the file's name has them: "1.30 (B0)".
+[[nodiscard]] std::string FontsText(const FontsFile& fonts);
+
 // NotLegal: shorter than its header, or another one. Damaged: its length or CRC-32 is not what it says; ReadFontsFile
 // says so, too, when the version or build in the file's name are not those in its header. `file` stands in errors.
 [[nodiscard]] std::expected<FontsFile, DownloadFileError> ParseFontsFile(std::string_view bytes,

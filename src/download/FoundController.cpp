@@ -3,7 +3,10 @@
 #include <chrono>
 
 #include "clone/ProgramState.h"
+#include "clone/RestoreCheck.h"
+#include "download/CompactController.h"
 #include "download/FileFields.h"
+#include "download/OsFileName.h"
 #include "link/OsVersion.h"
 
 namespace kv {
@@ -70,6 +73,27 @@ std::expected<FoundController, LinkError> FindAfterReset(Channel& link, Pacer& p
     // A link that does not come back by itself is opened again; one that stands stays as it is.
     if (!info && !pacer.StopRequested()) static_cast<void>(link.OpenLink(0, 0));
   }
+}
+
+// Of the models that share a hardware code, only the O/S is known that they take.
+std::string ControllerModelOf(const FoundController& controller, DownloadFamily family) {
+  const VersionInfo& version = controller.version;
+  if (!IsBootLoader(controller) || family == DownloadFamily::Colour) return version.model;
+  if (family == DownloadFamily::Compact) {
+    const auto compact = ParseCompactIdentification(version.model + "|" + version.hardwareCode);
+    return version.model + (compact ? " (boot loader of a " + compact->OsModel() + ")" : " (boot loader)");
+  }
+  const std::string_view model = AurexModelOfHardware(version.hardwareCode);
+  const std::string_view type = ExpectedAurexOsType(model);
+  constexpr std::string_view kMany = "AurexK330";
+  return version.model + (type == kMany ? " (boot loader of a model with the O/S of the K330)"
+                                        : " (boot loader of a " + std::string(model) + ")");
+}
+
+std::string ControllerNameOf(const FoundController& controller, DownloadFamily family, const std::string& link) {
+  VersionInfo named = controller.version;
+  named.model = ControllerModelOf(controller, family);
+  return ControllerText(named, controller.info, link);
 }
 
 std::string StateAdvice(const FoundController& controller) {

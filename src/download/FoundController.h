@@ -5,6 +5,7 @@
 #include <string>
 
 #include "desktop/Pacer.h"
+#include "download/DownloadFamily.h"
 #include "link/Channel.h"
 #include "link/LinkError.h"
 
@@ -34,6 +35,13 @@ struct FoundController {
 // when the user asked the pacer for it, else with the error of the last try.
 [[nodiscard]] std::expected<FoundController, LinkError> FindAfterReset(Channel& link, Pacer& pacer,
                                                                        std::uint32_t serialNumber);
+
+// ControllerText (clone/RestoreCheck.h) of it, for questions and headings. Of a boot loader, which says little more
+// than "BOOT", also the model in which it runs, as far as that can be told.
+[[nodiscard]] std::string ControllerNameOf(const FoundController& controller, DownloadFamily family,
+                                           const std::string& link);
+// The same without serial number and link: "BOOT (boot loader of a K220-22)". Windows-1252, as a model is reported.
+[[nodiscard]] std::string ControllerModelOf(const FoundController& controller, DownloadFamily family);
 
 // What to do with a controller that is found in its boot loader or half loaded, a sentence or two, UTF-8; empty in
 // every other state.

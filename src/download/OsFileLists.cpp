@@ -71,7 +71,7 @@ FileList ListAurex(const fs::path& folder, const AurexListKind& kind) {
   FileList list{.folder = folder, .files = {}, .preselected = {}};
   for (const fs::path& file : FilesIn(folder)) {
     if (!HasExtension(file, kind.extension)) continue;
-    const std::string name = Utf8FromPath(file.filename());
+    const std::string name = GetFileName(file);
     const auto number = kind.numberIn(name);
     const std::string shown =
         number ? "V" + VersionText(*number) + " (B" + BuildText(number->build, kind.buildDigits) + ")" : name;
@@ -114,9 +114,7 @@ AurexOsLists ListAurexOsFiles(const ProgramPaths& paths, std::string_view model)
   const std::string_view type = ExpectedAurexOsType(model);
   const fs::path folder = paths.AurexOs() / type.substr(type.size() - 4);
   AurexOsLists lists{ListAurex(folder, kOsKind), ListAurex(folder, kFontsKind)};
-  const auto isOfType = [type](const ListedFile& file) {
-    return AurexOsTypeIn(Utf8FromPath(file.path.filename())) == type;
-  };
+  const auto isOfType = [type](const ListedFile& file) { return AurexOsTypeIn(GetFileName(file.path)) == type; };
   lists.os.preselected = Newest(lists.os.files, isOfType);
   lists.fonts.preselected = Newest(lists.fonts.files, [](const ListedFile&) { return true; });
   return lists;
@@ -125,12 +123,14 @@ AurexOsLists ListAurexOsFiles(const ProgramPaths& paths, std::string_view model)
 FileList ListCompactOsFiles(const ProgramPaths& paths, const CompactController& controller) {
   FileList list{.folder = paths.CompactOs() / FolderOf(controller.kind), .files = {}, .preselected = {}};
   for (const fs::path& file : FilesIn(list.folder)) {
-    const auto name = CompactOsNameIn(Utf8FromPath(file.filename()));
-    if (name && IsOffered(*name, controller)) list.files.push_back({file, CompactText(*name, file), name->number});
+    const auto name = CompactOsNameIn(GetFileName(file));
+    if (name && IsOffered(*name, controller)) {
+      list.files.push_back({file, CompactText(*name, file), name->number, CompactModelText(name->model)});
+    }
   }
   Sort(list.files);
   list.preselected = Newest(list.files, [&controller](const ListedFile& file) {
-    const auto name = CompactOsNameIn(Utf8FromPath(file.path.filename()));
+    const auto name = CompactOsNameIn(GetFileName(file.path));
     return name && name->model == controller.OsModel();
   });
   return list;

@@ -18,6 +18,7 @@ struct ListedFile {
   std::filesystem::path path;
   std::string text;                // what the list shows, UTF-8
   std::optional<OsNumber> number;  // in its name; nothing when it has none
+  std::string detail = {};         // what else is known of the model that it is for, UTF-8
 
   bool operator==(const ListedFile&) const = default;
 };

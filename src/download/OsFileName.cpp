@@ -4,6 +4,7 @@
 #include <array>
 
 #include "base/AnsiText.h"
+#include "base/PathText.h"
 #include "base/Texts.h"
 #include "download/FileFields.h"
 
@@ -16,7 +17,18 @@ constexpr std::size_t kVersionAt = 10;  // in both
 constexpr std::size_t kBuildAt = 13;
 
 constexpr std::string_view kCompactExtension = ".OSI";
-constexpr std::array<std::string_view, 5> kCompactModels = {"Q50", "Q51", "Q58", "PX1", "PR1"};
+
+struct CompactModel {
+  std::string_view model;
+  std::string_view familyCode;
+  std::string_view display;  // empty: not known
+};
+
+constexpr std::array kCompactModels = {
+    CompactModel{"Q50", "50", ""},          CompactModel{"Q51", "51", "One Line"},
+    CompactModel{"Q58", "58", "Two Lines"}, CompactModel{"PX1", "BR", "Two Lines"},
+    CompactModel{"PR1", "R1", ""},
+};
 
 // In one byte a character, so that no character is cut.
 std::string LastCharacters(std::string_view name, std::size_t count) {
@@ -42,6 +54,10 @@ std::string Padded(int number, std::size_t digits) {
 
 }  // namespace
 
+std::string GetFileName(const std::filesystem::path& file) {
+  return Utf8FromPath(file.filename());
+}
+
 std::string AurexOsTypeIn(std::string_view name) {
   return AnsiToUtf8(LastCharacters(name, kOsName).substr(0, 9));
 }
@@ -62,11 +78,18 @@ std::optional<CompactOsName> CompactOsNameIn(std::string_view name) {
   constexpr std::size_t kLength = 12;  // "Q50v4602.OSI"
   const std::string upper = UpperCased(name);
   if (upper.size() != kLength || upper[3] != 'V' || !upper.ends_with(kCompactExtension)) return std::nullopt;
-  const auto model = std::ranges::find(kCompactModels, std::string_view(upper).substr(0, 3));
+  const auto model = std::ranges::find(kCompactModels, std::string_view(upper).substr(0, 3), &CompactModel::model);
   const auto version = NumberIn(upper, 4, 3);
   const auto build = NumberIn(upper, 7, 1);
   if (model == kCompactModels.end() || !version || !build) return std::nullopt;
-  return CompactOsName{std::string(*model), {*version, *build}};
+  return CompactOsName{std::string(model->model), {*version, *build}};
+}
+
+std::string CompactModelText(std::string_view model) {
+  const auto row = std::ranges::find(kCompactModels, model, &CompactModel::model);
+  if (row == kCompactModels.end()) return "";
+  return "Family code " + std::string(row->familyCode) +
+         (row->display.empty() ? "" : ", display: " + std::string(row->display));
 }
 
 std::string AurexOsName(std::string_view osModel, const OsNumber& number) {

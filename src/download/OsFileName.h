@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -7,6 +8,9 @@
 #include "download/OsNumber.h"
 
 namespace kv {
+
+// A file's name without its folder, UTF-8.
+[[nodiscard]] std::string GetFileName(const std::filesystem::path& file);
 
 // What the names of O/S and fonts files say. Names are UTF-8, without their folder; characters are counted from the
 // end.
@@ -30,6 +34,10 @@ struct CompactOsName {
   bool operator==(const CompactOsName&) const = default;
 };
 [[nodiscard]] std::optional<CompactOsName> CompactOsNameIn(std::string_view name);
+
+// What is known of a compact controller by its O/S model: "Family code 51, display: One Line" for "Q51".
+// Empty for none of the five.
+[[nodiscard]] std::string CompactModelText(std::string_view model);
 
 // The names that files of this program's own making have.
 [[nodiscard]] std::string AurexOsName(std::string_view osModel, const OsNumber& number);

@@ -11,7 +11,10 @@
 #include "download/AurexProjectSender.h"
 #include "download/CompactProjectSender.h"
 #include "download/DownloadWork.h"
+#include "download/FileFields.h"
+#include "download/OsFileName.h"
 #include "link/ErrorMeaning.h"
+#include "link/StateText.h"
 
 namespace kv {
 namespace {
@@ -19,10 +22,6 @@ namespace {
 using Step = DownloadWork::Step;
 
 constexpr const char* kLineEnd = "\r\n";
-
-std::string FileNameOf(const ProjectFile& file) {
-  return Utf8FromPath(file.path.filename());
-}
 
 // An exchange that is unsure has an end: the controller answered afterwards, and was asked.
 bool IsLinkGone(LinkErrorCode code) {
@@ -60,7 +59,7 @@ void AskWhatIsLeft(Channel& link, Pacer& pacer, const ProjectNames& names, Downl
   const auto info = link.GetControllerInfo(link.UnitID());
   if (!info) return;
   const std::string project = FoundController{{}, *info}.ProjectText();
-  outcome.reason += std::string("\nAsked afterwards, the controller says that its state is ") + info->state +
+  outcome.reason += std::string("\nAsked afterwards, the controller says that its state is ") + StateText(info->state) +
                     " and its project \"" + project + "\".";
   outcome.left = Refined(outcome.left, info->state, project, names);
   if (outcome.left == ControllerLeft::ProjectErased && IsRunningState(info->state)) {
@@ -118,6 +117,11 @@ class ProjectDownload::Run {
     }
     mPreview.losses.emplace_back(
         "The controller's program stops; at the end the controller resets and runs the new one.");
+    // Of the compact family: any other is refused.
+    if (const std::string model = ShownText(mController.version.model); model != mFile.Model()) {
+      mPreview.warnings.push_back("The project is made for a " + mFile.Model() + ", and the controller is a " + model +
+                                  ".");
+    }
     if (const std::string advice = StateAdvice(mController); !advice.empty()) mPreview.warnings.push_back(advice);
     mNameWarning = NameWarning();
     if (!mNameWarning.empty()) mPreview.warnings.push_back(mNameWarning);
@@ -178,11 +182,7 @@ class ProjectDownload::Run {
                        : "What it holds now is lost: a controller of this kind cannot be cloned.";
   }
 
-  // A password that is not known is found out before a backup is made, and in a dry run.
-  Step GetAccess() {
-    if (mWork.link.EnsureAccess(mWork.link.UnitID())) return {};
-    return mWork.FailOf(mWork.link.LastError());
-  }
+  Step GetAccess() { return mWork.GetAccess(); }
 
   // The file may have been written anew since it was shown, while questions were open and while the backup was taken.
   Step CheckFile() {
@@ -213,7 +213,7 @@ class ProjectDownload::Run {
     BackupBefore* backup = mWork.order.backup;
     if (backup == nullptr) return {};
     mWork.window.SetStatus("Cloning the controller ...");
-    return backup->Take(mWork.link, mController, mControllerText, FileNameOf(mFile));
+    return backup->Take(mWork.link, mController, mControllerText, GetFileName(mFile.path));
   }
 
   // Questions can be open for long. That another controller answers now, the link finds by itself.
@@ -267,7 +267,7 @@ class ProjectDownload::Run {
         {.model = mReview->before.model, .os = mReview->before.os, .fonts = {}, .project = mFile.NameInController()},
         mReview->after);
     if (IsRunningState(after->info.state) != mSender->Restarts()) {
-      differences.push_back(std::string("Its state is ") + after->info.state +
+      differences.push_back("Its state is " + StateText(after->info.state) +
                             (mSender->Restarts() ? "; its program does not run." : "; it has restarted meanwhile."));
     }
     if (after->info.state == 'L') mWork.left = ControllerLeft::ProjectWaits;  // the reset has not come to it

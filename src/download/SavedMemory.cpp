@@ -68,19 +68,18 @@ SavedMemory::Step SavedMemory::Save(Channel& link, const FoundController& contro
   SafeCreate safe(*file);
   safe.SetComment("Before its O/S was replaced");
   WithoutOs window(mContext.window);
-  clsDumpPLC engine(window, mContext.cloner, mContext.pacer, mContext.clock);
-  engine.TakeAnyOs();
-  engine.EndUnlessStopped();
-  safe.Create(engine, mContext.cloner, link, {[this] { return mContext.pacer.StopRequested(); }, {}});
-  if (safe.Outcome().end == CloneEnd::Done) {
-    mFile = *file;
-    mDigest = engine.Manifest().sha256;
-    return {};
-  }
-  CloneOutcome outcome = safe.Outcome();
-  OfferToRun(engine, link, mContext.questions, mContext.pacer, controllerText, outcome);
-  return std::unexpected(
-      Failure(outcome, "Its memory could not be saved, so no O/S was sent.", LeftByClone(engine, outcome, link)));
+  const auto prepare = [](clsDumpPLC& engine) {
+    engine.TakeAnyOs();
+    engine.EndUnlessStopped();
+  };
+  const CloneBefore order{window,         mContext,
+                          controllerText, "Its memory could not be saved, so no O/S was sent.",
+                          prepare,        {[this] { return mContext.pacer.StopRequested(); }, {}}};
+  const auto made = CreateBefore(safe, link, order);
+  if (!made) return std::unexpected(made.error());
+  mFile = *file;
+  mDigest = made->sha256;
+  return {};
 }
 
 // "Memory of 4711 20261122 103000.kdf": of which controller it is must be seen by who finds it.

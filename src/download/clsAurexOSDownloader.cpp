@@ -16,16 +16,12 @@ namespace {
 
 constexpr std::string_view kTelepanel = "Telepanel";  // title of boxes that have none of their own
 
-std::string NameOf(const std::filesystem::path& file) {
-  return Utf8FromPath(file.filename());
-}
-
 }  // namespace
 
 bool clsAurexOSDownloader::DownloadOS(Channel& link, const DownloadOrder& order) {
   mWork.emplace(link, mWindow, mContext.questions, mContext.pacer, order);
   const Step done = RunSteps();
-  mOutcome = done ? DownloadOutcome{.left = mWork->left} : done.error();
+  mOutcome = done ? DownloadOutcome{.left = mWork->left, .done = DoneText()} : done.error();
   mWork->EndOperation(mOutcome);
   if (!done) AskWhatIsLeft();
   const std::string saved = mMemory.IsEmpty() ? "" : Utf8FromPath(mMemory.File());
@@ -37,6 +33,11 @@ bool clsAurexOSDownloader::DownloadOS(Channel& link, const DownloadOrder& order)
   return done.has_value();
 }
 
+std::string clsAurexOSDownloader::DoneText() const {
+  return "O/S " + NumberText(mOs->number) + " and system fonts " + FontsText(*mFonts) + " were sent and programmed." +
+         (mIsMemoryBack ? " The memory that was saved before has been written back, and the program runs on it." : "");
+}
+
 clsAurexOSDownloader::Step clsAurexOSDownloader::RunSteps() {
   using C = clsAurexOSDownloader;
   constexpr Step (C::* kSteps[])() = {&C::Identify,
@@ -45,6 +46,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::RunSteps() {
                                       &C::ReadFiles,
                                       &C::ShowPreview,
                                       &C::CheckBackup,
+                                      &C::AskForSameOs,
                                       &C::AskToEndLoad,
                                       &C::Confirm,
                                       &C::CheckFontsVersion,
@@ -116,7 +118,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::ChooseFiles() {
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::CheckType() {
-  const std::string type = AurexOsTypeIn(NameOf(mChoice.os));
+  const std::string type = AurexOsTypeIn(GetFileName(mChoice.os));
   if (type == ExpectedAurexOsType(mModel)) return {};
   const std::string text = "PLC Type: " + mModel + " does not match OS Type: " + type;
   mWork->Tell(text, PromptIcon::None, kTelepanel);
@@ -154,28 +156,28 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::ShowPreview() {
 DownloadPreview clsAurexOSDownloader::Preview() const {
   DownloadPreview preview{.controller = ControllerName(), .now = SideOf(mFound), .then = {}};
   preview.then.os = NumberText(mOs->number);
-  if (mFonts) preview.then.fonts = VersionText(mFonts->number) + " (B" + std::to_string(mFonts->number.build) + ")";
+  if (mFonts) preview.then.fonts = FontsText(*mFonts);
   if (!mFonts) preview.warnings.push_back(mFonts.error().Text() + ".");
   preview.bytes = StreamBytes(mTransfer);
   // Each chunk and each status goes with a head and a check of 32 bytes, both ways.
   const std::uint64_t exchanges = ChunkCount(mTransfer) + 2 * mTransfer.topics.size() + 4;
   preview.about = TimeOnLink(mWork->link, preview.bytes + 64 * exchanges, exchanges);
-  preview.losses.emplace_back("The program stops, and the controller restarts at the end.");
-  if (mChange.ChangesBootLoader()) preview.losses.emplace_back("The project in the controller may be erased.");
-  if (mChange.isInBoot) {
-    preview.losses.emplace_back("The values of the operands may be lost: nothing is known of what ran before.");
-  } else if (mChange.LosesDataTypes() && !mChange.NeedsMemorySaved()) {
-    preview.losses.emplace_back("The values of the operands are lost.");
-  }
-  if (mChange.NeedsMemorySaved()) {
-    preview.warnings.emplace_back(
-        "The memory of the controller is laid out anew. It is saved before and written back afterwards.");
+  preview.losses = mChange.Losses();
+  if (const BackupBefore* backup = mWork->order.backup) {
+    preview.warnings.push_back("What it holds now is cloned into " + Utf8FromPath(backup->File()) +
+                               " first. The download does not write that clone back.");
   }
   if (mChange.next < mChange.installed) {
     preview.warnings.emplace_back("The O/S in the file is older than the one in the controller.");
   }
   if (const std::string advice = StateAdvice(mFound); !advice.empty()) preview.warnings.push_back(advice);
   return preview;
+}
+
+// What a boot loader reports is not the O/S.
+clsAurexOSDownloader::Step clsAurexOSDownloader::AskForSameOs() {
+  if (mChange.isInBoot) return {};
+  return mWork->AskForSameOs(ControllerName(), mFound.OsText(), NumberText(mOs->number), kTelepanel);
 }
 
 // A question of its own: who wants the O/S need not know that somebody else is at it.
@@ -203,7 +205,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::Confirm() {
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFontsVersion() {
-  if (!mChange.RefusesFonts(FontsVersionIn(NameOf(mChoice.fonts)).value_or(0))) return {};
+  if (!mChange.RefusesFonts(FontsVersionIn(GetFileName(mChoice.fonts)).value_or(0))) return {};
   const std::string text = "This OS requires system fonts version 130 B(0) or later.";
   mWork->Tell(text, PromptIcon::None, kTelepanel);
   return Refuse(DownloadCause::NotFit, text);
@@ -228,17 +230,12 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::WarnOfDataTypes() {
 clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFonts() {
   if (mFonts && mFonts->model == mOs->model) return {};
   mWork->Tell("Illegal Fonts file", PromptIcon::None, "Error");
-  return Refuse(DownloadCause::File, mFonts ? NameOf(mChoice.fonts) + " holds system fonts for the O/S model " +
+  return Refuse(DownloadCause::File, mFonts ? GetFileName(mChoice.fonts) + " holds system fonts for the O/S model " +
                                                   mFonts->model + ", not for " + mOs->model + "."
                                             : mFonts.error().Text());
 }
 
 // A password that is not known is found out in a dry run, too.
-clsAurexOSDownloader::Step clsAurexOSDownloader::GetAccess() {
-  if (mWork->link.EnsureAccess(mWork->link.UnitID())) return {};
-  return mWork->FailOf(mWork->link.LastError());
-}
-
 clsAurexOSDownloader::Step clsAurexOSDownloader::EndDryRun() {
   if (!mWork->order.isDryRun) return {};
   for (const bool isCloned : {mWork->order.backup != nullptr, mChange.NeedsMemorySaved()}) {
@@ -256,7 +253,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::NameOperation() {
 }
 
 std::string clsAurexOSDownloader::ControllerName() const {
-  return ControllerText(mFound.version, mFound.info, mWork->order.link);
+  return ControllerNameOf(mFound, DownloadFamily::Aurex, mWork->order.link);
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::Refuse(DownloadCause cause, const std::string& reason) const {

@@ -61,13 +61,14 @@ class clsAurexOSDownloader {
   [[nodiscard]] Step ReadFiles();
   [[nodiscard]] Step ShowPreview();
   [[nodiscard]] Step CheckBackup();
+  [[nodiscard]] Step AskForSameOs();
   [[nodiscard]] Step AskToEndLoad();
   [[nodiscard]] Step Confirm();
   [[nodiscard]] Step CheckFontsVersion();
   [[nodiscard]] Step WarnOfBootLoader();
   [[nodiscard]] Step WarnOfDataTypes();
   [[nodiscard]] Step CheckFonts();
-  [[nodiscard]] Step GetAccess();
+  [[nodiscard]] Step GetAccess() { return mWork->GetAccess(); }
   [[nodiscard]] Step EndDryRun();
   [[nodiscard]] Step NameOperation();
   // From here on its program may be stopped and started.
@@ -95,6 +96,7 @@ class clsAurexOSDownloader {
   [[nodiscard]] bool IsProven() const;
   void TellFoundBoot();
   [[nodiscard]] DownloadPreview Preview() const;
+  [[nodiscard]] std::string DoneText() const;
   [[nodiscard]] std::string ControllerName() const;
   [[nodiscard]] Step Refuse(DownloadCause cause, const std::string& reason) const;
   [[nodiscard]] Step Decline() const;
@@ -116,6 +118,7 @@ class clsAurexOSDownloader {
   std::optional<AurexOsFile> mOs;
   std::expected<FontsFile, DownloadFileError> mFonts;
   OsTransfer mTransfer;
+  bool mIsMemoryBack = false;        // it was saved, and has been written back
   bool mIsForced = false;            // system bit 501 was set
   bool mIsProvenProgrammed = false;  // the boot loader has said so
   LinkError mForceFailure;

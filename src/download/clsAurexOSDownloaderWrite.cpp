@@ -12,6 +12,7 @@
 #include "link/ControllerErrorText.h"
 #include "link/ErrorMeaning.h"
 #include "link/OsVersion.h"
+#include "link/StateText.h"
 
 // From the first command that changes the controller on.
 namespace kv {
@@ -35,13 +36,18 @@ std::pair<std::string, std::string> OsNumberOf(const VersionInfo& version) {
 clsAurexOSDownloader::Step clsAurexOSDownloader::TakeBackup() {
   if (mWork->order.backup == nullptr) return {};
   mWindow.SetStatus("Cloning the controller ...");
-  return mWork->order.backup->Take(mWork->link, mFound, ControllerName(), Utf8FromPath(mChoice.os.filename()));
+  return mWork->order.backup->Take(mWork->link, mFound, ControllerName(), GetFileName(mChoice.os));
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::SaveMemory() {
   if (!mChange.NeedsMemorySaved()) return {};
   mWindow.SetStatus("Saving the controller's memory ...");
-  return mMemory.Save(mWork->link, mFound, ControllerName());
+  Step saved = mMemory.Save(mWork->link, mFound, ControllerName());
+  if (saved) {
+    mWindow.Note("What the controller's memory holds is saved in " + Utf8FromPath(mMemory.File()) +
+                 " until it has been written back.");
+  }
+  return saved;
 }
 
 // Clones take minutes, and questions as long as the user wants.
@@ -63,7 +69,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckControllerIsTheSame() {
   return mWork->Fail(DownloadCause::Link,
                      "Somebody else has done something to the controller since you were asked: it reports " +
                          ControllerText(now->version, now->info, mWork->order.link) + ", O/S " + now->OsText() +
-                         ", state " + now->info.state + ". Nothing was sent.");
+                         ", state " + StateText(now->info.state) + ". Nothing was sent.");
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::TellUncompressed() {
@@ -177,6 +183,8 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckNewOs() {
   const std::string model = AurexOsModelText(mAfter.version.model, mAfter.version.hardwareCode);
   const bool isSameModel = mChange.isInBoot ? ExpectedAurexOsType(model) == ExpectedAurexOsType(mModel)
                                             : mAfter.version.model == mFound.version.model;
+  // A controller does not report its fonts.
+  mReview->after.fonts = FontsText(*mFonts) + ", as sent";
   if (isSameModel) return {};
   return fail("it reports itself as a " + mAfter.version.model, mChange.isInBoot ? mModel : mFound.version.model);
 }
@@ -211,12 +219,18 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::RestoreMemory() {
   if (mMemory.IsEmpty()) return {};
   mWindow.SetStatus("Writing the controller's memory back ...");
   mWork->left = ControllerLeft::NewOsLoading;
+  const std::filesystem::path file = mMemory.File();
   while (true) {
     Step done = mMemory.Restore(mWork->link, mAfter);
     if (done) break;
     if (done.error().end != DownloadEnd::Stopped || !mWork->GoesOnAfter(done.error())) return done;
   }
   mWork->left = ControllerLeft::NewOs;
+  mIsMemoryBack = true;
+  std::error_code error;
+  mWindow.Note("The controller's memory has been written back; its file " +
+               std::string(std::filesystem::exists(file, error) || error ? "could not be deleted: " : "was deleted: ") +
+               Utf8FromPath(file));
   return {};
 }
 
@@ -230,7 +244,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::TellForceFailure() {
 // The O/S is in, but the machine stands still. Memory that has been written back runs: that was proven there.
 clsAurexOSDownloader::Step clsAurexOSDownloader::TellStoppedProgram() {
   if (mChange.NeedsMemorySaved() || IsRunningState(mAfter.info.state)) return {};
-  mWork->Tell(std::string("The new O/S runs, but the controller's program does not (state ") + mAfter.info.state +
+  mWork->Tell(std::string("The new O/S runs, but the controller's program does not (") + StateText(mAfter.info.state) +
                   "). Start it, or look for its project.",
               PromptIcon::Exclamation, "Telepanel");
   return {};

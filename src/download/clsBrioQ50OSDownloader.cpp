@@ -9,6 +9,7 @@
 #include "download/FileFields.h"
 #include "download/OsFileLists.h"
 #include "download/OtherSpeeds.h"
+#include "link/StateText.h"
 
 namespace kv {
 namespace {
@@ -63,8 +64,9 @@ bool clsBrioQ50OSDownloader::prvWritePlcAppToFlash(Channel& link, const Bytes& a
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::RunSteps() {
   using C = clsBrioQ50OSDownloader;
   constexpr Step (C::* kSteps[])() = {&C::Identify,       &C::ChooseFile,      &C::CheckSuits,   &C::CheckBuilds,
-                                      &C::CheckFile,      &C::ShowBothSides,   &C::CheckBackup,  &C::GetAccess,
-                                      &C::AskToEndLoad,   &C::Confirm,         &C::EndDryRun,    &C::NameOperation,
+                                      &C::CheckFile,      &C::ShowBothSides,   &C::CheckBackup,  &C::AskForSameOs,
+                                      &C::GetAccess,      &C::AskToEndLoad,    &C::Confirm,      &C::EndDryRun,
+                                      &C::NameOperation,
                                       &C::CheckFile,  // it may have become another one while the questions were open
                                       &C::CheckStillSame, &C::EnterBootLoader, &C::AgreeOnSpeed,
                                       &C::CheckFile,  // the last moment at which the old O/S is still there
@@ -104,7 +106,7 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ChooseFile() {
     if (!place || *place >= list.files.size()) return mWork->Decline(DownloadCause::User, "No O/S was chosen.");
     mChosen = list.files[*place].path;
   }
-  mName = CompactOsNameIn(Utf8FromPath(mChosen.filename()));
+  mName = CompactOsNameIn(GetFileName(mChosen));
   return {};
 }
 
@@ -146,7 +148,8 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ShowBothSides() {
                           .then = FileSide(),
                           .bytes = mFile->image.size(),
                           .about = TimeOnBootLink()};
-  preview.losses.emplace_back("The O/S that is in the controller. Until the new one is whole, it has none.");
+  preview.losses.emplace_back("The program stops, and the controller restarts at the end; its project stays.");
+  preview.losses.emplace_back("The O/S in the controller is erased, and until the new one is whole it has none.");
   if (const std::string advice = StateAdvice(mFound); !advice.empty()) preview.warnings.push_back(advice);
   mWork->order.onPreview(preview);
   return {};
@@ -169,7 +172,7 @@ DownloadSide clsBrioQ50OSDownloader::FileSide() const {
 }
 
 std::string clsBrioQ50OSDownloader::ControllerName() const {
-  return ControllerText(mFound.version, mFound.info, mWork->order.link);
+  return ControllerNameOf(mFound, DownloadFamily::Compact, mWork->order.link);
 }
 
 // There are no clones of controllers of this family.
@@ -180,10 +183,14 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::CheckBackup() {
   return refused;
 }
 
-// A password that is not known is found out in a dry run, too.
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::GetAccess() {
-  if (mWork->link.EnsureAccess(mWork->link.UnitID())) return {};
-  return mWork->FailOf(mWork->link.LastError());
+  return mWork->GetAccess();
+}
+
+// A boot loader tells of no O/S.
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::AskForSameOs() {
+  if (mController.isInBoot) return {};
+  return mWork->AskForSameOs(ControllerName(), mFound.OsText(), *FileSide().os, kTitle);
 }
 
 // A question of its own: who wants an O/S downloaded need not know that somebody else is at it.
@@ -317,7 +324,7 @@ ControllerLeft clsBrioQ50OSDownloader::LeftWhen(const FoundController& after) co
 
 void clsBrioQ50OSDownloader::TellStoppedProgram(const FoundController& after) {
   if (IsRunningState(after.info.state)) return;
-  Tell(std::string("The new O/S runs, but the controller's program does not (state ") + after.info.state +
+  Tell(std::string("The new O/S runs, but the controller's program does not (") + StateText(after.info.state) +
            "). Start it, or look for its project.",
        PromptIcon::Exclamation);
 }

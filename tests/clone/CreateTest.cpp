@@ -79,7 +79,7 @@ TEST(CreateGhost, EndsBeforeTheControllerIsTouchedWhenPasswordOrTableCannotBeUse
   };
   using enum CloneCause;
   const std::vector<Row> rows = {
-      {"", {}, Password, "No password"}, {std::nullopt, {}, Password, "No password"},
+      {"", {}, Password, "No password"}, {std::nullopt, {}, NoPassword, "was cancelled"},
       {"123456789", {}, Password, "more than 8"}, {"x", "GIERROR0797", Segments, "password is needed first (code 07)"},
       {"x", "GI0??", Password, "did not accept"}, {"x", "GI1??", Segments, "number of segments"},
       {"x", "GI10000??", Segments, "no segments"}, {"x", "GI1000G" + hw + "??", Segments, "number of segments"},

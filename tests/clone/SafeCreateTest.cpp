@@ -116,7 +116,7 @@ TEST(SafeCreate, TellsWhatBecameOfTheControllerWhileItWasRead) {
   const Row rows[] = {
       {[](SafeFixture&) {}, 'R', "", true},
       {[](SafeFixture&) {}, 'I', "", true},
-      {[](SafeFixture&) {}, 'S', "its state is S", true},
+      {[](SafeFixture&) {}, 'S', "its state is stopped", true},
       {[](SafeFixture& fixture) { fixture.channel.state = 'R'; }, 'R', "Somebody else started the program", true},
       {[](SafeFixture& fixture) { fixture.channel.info->serialNumber = 12; }, 'R', "serial number 12 instead of 11",
        false},

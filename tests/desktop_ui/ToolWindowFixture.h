@@ -32,6 +32,7 @@ class ToolWindowFixture : public ::testing::Test {
     int baud = 0;
     std::vector<std::string> faults = {};
     const char* password = "";
+    const char* os = "";
   };
   // Takes the place of the controller before; its memory differs.
   void PlugIn(const Plc& plc) {
@@ -42,6 +43,7 @@ class ToolWindowFixture : public ::testing::Test {
     options.baud = plc.baud;
     options.faults = plc.faults;
     options.password = plc.password;
+    options.osVersion = plc.os;
     options.memorySeed = ++plugged;
     controller = sim::SimulatedController::Create(options).value();
     UseLine();

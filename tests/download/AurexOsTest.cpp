@@ -34,6 +34,11 @@ TEST(AurexOs, EachVersionHasItsOwnQuestions) {
     EXPECT_EQ(change.NeedsMemorySaved(), row.savesMemory);
     EXPECT_EQ(change.RefusesFonts(129), row.next >= 374);
     EXPECT_FALSE(change.RefusesFonts(130));
+    std::string losses;
+    for (const std::string& sentence : change.Losses()) losses += sentence;
+    EXPECT_EQ(losses.contains("written back"), row.savesMemory);
+    EXPECT_EQ(losses.contains("project may be erased"), row.changesBootLoader && !row.savesMemory);
+    EXPECT_EQ(losses.contains("stay as they are"), !row.changesBootLoader && !row.losesDataTypes);
     const AurexOsChange fromBoot{row.installed, row.next, true};
     EXPECT_TRUE(fromBoot.ChangesBootLoader() && fromBoot.LosesDataTypes() && !fromBoot.NeedsMemorySaved());
   }
@@ -127,6 +132,11 @@ TEST(AurexOs, EverythingIsAskedInItsOrderAndNothingIsSentBefore) {
     if (isForced) {
       EXPECT_EQ(fixture.Memory(), before) << "it is back";
       EXPECT_TRUE(std::filesystem::is_empty(fixture.paths.Temporary()));
+      for (const char* note : {"Note .*saved in .*Memory of .*kdf", "Note .*was deleted: .*Memory of .*kdf"}) {
+        EXPECT_THAT(fixture.desk.log, testing::Contains(testing::ContainsRegex(note)));
+      }
+      EXPECT_THAT(fixture.outcome.done, HasSubstr("has been written back"));
+      EXPECT_EQ(fixture.review->after.fonts, "1.30 (B0), as sent");
     }
   }
 }

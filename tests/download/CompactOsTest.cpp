@@ -146,7 +146,7 @@ TEST(CompactOs, WhatTheControllerSaysAfterItsRestartIsHeldAgainstTheFile) {
       {"Q51-2-R34|51", "4.60|19", 'R', ControllerLeft::OldOs, "is not what it was to be then."},
       {"Q51-2-R34|51", "4.71|03", 'R', ControllerLeft::SomeOs, "is not what it was to be then."},
       {"Q58-2-R34|58", "4.71|02", 'R', ControllerLeft::NewOs, "is not what it was to be then."},
-      {"Q51-2-R34|51", "4.71|02", 'S', ControllerLeft::NewOs, "but the controller's program does not (state S)"}};
+      {"Q51-2-R34|51", "4.71|02", 'S', ControllerLeft::NewOs, "but the controller's program does not (stopped)"}};
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.model) + row.os + row.state);
     CompactOsFixture fixture(Plc("Q51"));

@@ -66,6 +66,8 @@ TEST_F(OsFileLists, OfACompactControllerHoldWhatItMayTake) {
   EXPECT_THAT(Texts(ListCompactOsFiles(paths, q51)),
               ElementsAre("O/S Q51 V4.60 (B02) (beta)", "* O/S Q51 V4.70 (B09)"));
   EXPECT_THAT(Texts(ListCompactOsFiles(paths, q58)), ElementsAre("* O/S Q58 V4.71 (B05)"));
+  EXPECT_EQ(ListCompactOsFiles(paths, q58).files.front().detail, "Family code 58, display: Two Lines");
+  EXPECT_EQ(CompactModelText("PX1"), "Family code BR, display: Two Lines");
   EXPECT_THAT(Texts(ListCompactOsFiles(paths, boot)),
               ElementsAre("O/S Q51 V4.60 (B02) (beta)", "* O/S Q51 V4.70 (B09)", "O/S Q58 V4.71 (B05)"));
   for (const auto& [kind, folder] :

@@ -191,7 +191,7 @@ TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
       {kAurex, [](ProjectFixture& f) { f.UseFaults({"lie:on=block,nth=5"}); }, "it counts 2 topics instead of 3",
        ControllerLeft::ProjectBegun, DownloadCause::Differs},
       {kAurex, flashError, "reports a flash error (3)", ControllerLeft::FlashFailed, DownloadCause::Reply},
-      {kCompact, stopped, "Its state is S"},
+      {kCompact, stopped, "Its state is stopped"},
       {kAurex, [](ProjectFixture& f) { f.UseFaults({"lost:on=CC,nth=2,at=30,away=300000"}); }, "not identified after"},
   };
   for (const Case& row : rows) {
@@ -293,7 +293,7 @@ TEST(ProjectDownload, WaitsWithoutALimitUntilItIsStopped) {
     const DownloadOutcome& outcome = fixture.outcome;
     EXPECT_EQ(outcome.end, DownloadEnd::Stopped);
     EXPECT_EQ(outcome.left, ControllerLeft::ProjectBegun);
-    EXPECT_THAT(outcome.reason, HasSubstr("says that its state is L and its project \"Old\""));
+    EXPECT_THAT(outcome.reason, HasSubstr("says that its state is loading and its project \"Old\""));
     EXPECT_EQ(std::ranges::count_if(fixture.desk.log, [](const auto& e) { return e.starts_with("Note For a minute"); }),
               1);
     EXPECT_NEAR(polls, (stopsAtOnce ? 9 : 10) * 600, 60);

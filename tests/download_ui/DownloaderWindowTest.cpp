@@ -7,6 +7,7 @@
 #include <QProgressBar>
 #include <QTableWidget>
 #include <QUrl>
+#include <deque>
 
 #include "clone/CloneInfo.h"
 #include "download/ui/frmDownloader.h"
@@ -30,8 +31,10 @@ using ::testing::Not;
 struct YesUser : Prompts {
   explicit YesUser(CallLog&) {}
   std::string no = "nothing asks this";
-  std::optional<std::string> file;  // that is chosen, to open or to save
+  std::optional<std::string> file;                   // that is chosen, to open or to save
+  std::deque<std::optional<std::string>> passwords;  // "1" when there is none left
   std::vector<MessageBox> boxes;
+  std::vector<InputBox> inputs;
   std::vector<FileDialog> dialogs;
   std::function<void(const std::string& asked)> onAsk = [](const std::string&) {};
 
@@ -40,7 +43,13 @@ struct YesUser : Prompts {
     onAsk(box.text);
     return box.text.contains(no) ? LeastCommitting(box.buttons) : Consent(box.buttons);
   }
-  std::optional<std::string> Ask(const InputBox&) override { return "1"; }
+  std::optional<std::string> Ask(const InputBox& box) override {
+    inputs.push_back(box);
+    if (passwords.empty()) return "1";
+    auto next = passwords.front();
+    passwords.pop_front();
+    return next;
+  }
   std::optional<std::string> OpenFile(const FileDialog& dialog) override {
     dialogs.push_back(dialog);
     return file;
@@ -129,6 +138,9 @@ TEST_F(DownloaderWindowTest, KnowsWhichDownloadsTheControllerTakesAndInWhatState
     EXPECT_EQ(OsFrame(), each.frame) << each.model;
     EXPECT_EQ(prompts.dialogs.back().filter, each.filter) << each.model;
     EXPECT_EQ(Text("lblAdvice").contains("boot loader"), each.isInBoot) << each.model << Text("lblAdvice");
+    const std::string model = each.model == std::string("K220-22-R1") ? "K220-22" : "PR1";
+    EXPECT_EQ(Text("lblController").contains("boot loader of a " + model), each.isInBoot && each.model[0] != 'A')
+        << Text("lblController");
     EXPECT_EQ(Shown(), "||");
   }
   EXPECT_THAT(Text("lblController"), HasSubstr("K450-45, serial number "));
@@ -199,6 +211,10 @@ TEST_F(DownloaderWindowTest, SelectsAFileAndShowsWhatItIs) {
     EXPECT_EQ(Text("lblController").starts_with(each.model), *each.user == 0) << "the real model is not shown";
   }
 
+  PlugIn({.model = "Q50"});
+  Open();
+  Select(compact);
+  EXPECT_THAT(Text("lblPreview"), HasSubstr("made for a Q51-2-R34, and the controller is a Q50"));
   PlugIn({.model = "K390"});
   Open();
   Select(aurex);
@@ -242,7 +258,9 @@ TEST_F(DownloaderWindowTest, SendsAProjectOfEachFamilyAndShowsTheControllerBefor
     EXPECT_EQ(Text("lblAdvice"), "");
     EXPECT_EQ(driver.GetChannel()->GetControllerInfo(1)->projectName, "Hall 7");
     EXPECT_EQ(!isCompact, fs::exists(backup)) << "the tick box takes a clone first";
+    EXPECT_EQ(Information().contains("Clone File Created Successfully."), !isCompact);
     for (const MessageBox& box : prompts.boxes) {
+      EXPECT_FALSE(box.text.starts_with("Clone File")) << "nobody's OK is waited for";
       EXPECT_TRUE(box.canLose || box.buttons != PromptButtons::YesNo || box.title != "Downloader") << box.text;
     }
   }
@@ -284,7 +302,11 @@ TEST_F(DownloaderWindowTest, SendsAnOsOfEachFamilyAndShowsTheControllerBeforeAnd
       window->close();
       Find<QPushButton>(chooser, each.takes).click();
     });
+    std::vector<int> bar;
+    QObject::connect(&Find<QProgressBar>(*window, "ProgressBar1"), &QProgressBar::valueChanged, window.get(),
+                     [&bar](int value) { bar.push_back(value); });
     Press("cmdDownloadOS");
+    EXPECT_TRUE(std::is_sorted(bar.begin(), bar.end() - 1)) << "it is that of the whole, up to its end";
     EXPECT_TRUE(window->isVisible()) << "closing is refused";
     EXPECT_THAT(looks, AllOf(Not(IsEmpty()), Each("hourglass Stop")));
     EXPECT_THAT(Row("O/S"), ::testing::EndsWith(" > 4.75 (B03) > 4.75 (B03)")) << Information();
@@ -316,7 +338,10 @@ TEST_F(DownloaderWindowTest, StopsWhenToldToAndSaysWhatTheControllerIsLeftAs) {
   EXPECT_EQ(Look(), kReadyLook);
   EXPECT_EQ(Text("lblStatus"), "");
 
-  EXPECT_TRUE(Find<QPushButton>(*window, "cmdStart").isVisible());
+  Press("cmdIdentify");
+  ASSERT_TRUE(driver.GetChannel()->SendCommand("CCR") && driver.GetChannel()->StopController(1));
+  Press("cmdIdentify");
+  EXPECT_TRUE(Find<QPushButton>(*window, "cmdStart").isVisible()) << "whoever has stopped it";
   Press("cmdStart");
   EXPECT_EQ(driver.GetChannel()->GetControllerInfo(1)->state, 'R') << Information();
   EXPECT_FALSE(Find<QPushButton>(*window, "cmdStart").isVisible());
@@ -326,6 +351,73 @@ TEST_F(DownloaderWindowTest, StopsWhenToldToAndSaysWhatTheControllerIsLeftAs) {
   EXPECT_THAT(Information(), HasSubstr("was not begun"));
   window->close();
   EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(DownloaderWindowTest, GoesOnWithItsStatusWhenTheStopIsTakenBack) {
+  PlugIn({.model = "K220-22-R1", .baud = 57600});
+  Open();
+  Select(fixture.home.Put("hall.dai", SampleProject("K220-22-R1", 20'000)));
+  const auto& amount = Find<QLabel>(*window, "lblAmount");
+  const auto isSending = [&] { return amount.text().startsWith("part ") && amount.text().contains("left"); };
+  prompts.no = "Stop it all the same?";
+  bool isAsked = false;
+  When(*window, isSending, [&] {
+    Press("cmdStop");
+    EXPECT_EQ(Text("lblStatus"), "Stopping");
+    When(
+        *window, [&] { return isAsked && isSending(); },
+        [&] { EXPECT_EQ(Text("lblStatus"), "Send project topics ..."); });
+  });
+  prompts.onAsk = [&](const std::string& asked) {
+    isAsked = isAsked || asked.contains(prompts.no);
+    if (!asked.contains("about to Reset")) return;
+    EXPECT_EQ(Text("lblStatus"), "Programing flash and memory ...");
+    EXPECT_EQ(Text("lblPresent") + " " + Text("lblAmount"), "100% Programmed: 100 %");
+  };
+  Press("cmdDownload");
+  EXPECT_THAT(prompts.Texts(), ::testing::Contains(HasSubstr(prompts.no)));
+  EXPECT_THAT(Information(), HasSubstr("has ended well"));
+}
+
+// A memory that is saved wants the password, and is named as long as it is there.
+TEST_F(DownloaderWindowTest, SavesTheMemoryWithASecondTryForThePassword) {
+  const std::string folder = "Os Aurex/K220/";
+  fs::create_directories(fixture.home.Path() / folder);
+  const sim::Model& model = ModelCalled("K220-22-R1");
+  fixture.home.Put(folder + sim::OsFileName(model, {"3.74", 3}), SampleOs("K220-22-R1", {"3.74", 3}, 3000));
+  fixture.home.Put(folder + sim::FontsFileName({"1.30", 0}), SampleFonts("K220-22-R1", {"1.30", 0}));
+  struct Case {
+    std::deque<std::optional<std::string>> passwords;  // the first one gives access
+    const char* no;                                    // is answered to this
+    std::vector<const char*> told;
+  };
+  const char* untouched = "Nothing was changed in the controller.";
+  const Case cases[] = {
+      {{"77", std::nullopt}, "?!", {"was not begun", "its box was cancelled", untouched}},
+      {{std::nullopt}, "?!", {"was not begun", "password was not given", untouched}},
+      {{"77", "78"}, "Enter the password again?", {"has failed", "did not accept the password", untouched}},
+      {{"77", "78", "77"}, "?!", {"has ended well", "Memory of ", "was deleted", "and system fonts 1.30"}},
+  };
+  for (const Case& each : cases) {
+    PlugIn({.model = "K220-22-R1", .password = "77", .os = "3.73"});
+    Open();
+    prompts.passwords = each.passwords;
+    prompts.no = each.no;
+    prompts.inputs.clear();
+    WhenOpen<frmIncompatibleBios>(*window, [](frmIncompatibleBios& warning) {
+      Find<QAbstractButton>(warning, "chkDelete").click();
+      Find<QAbstractButton>(warning, "cmdContinue").click();
+    });
+    WhenOpen<QDialog>(*window, [](QDialog& chooser) {
+      EXPECT_THAT(Find<QLabel>(chooser, "lblController").text().toStdString(), HasSubstr("K220-22-R1, serial number"));
+      Find<QPushButton>(chooser, "cmdClose").click();
+    });
+    Press("cmdDownloadOS");
+    for (const char* told : each.told) EXPECT_THAT(Information() + Row("System fonts"), HasSubstr(told));
+    EXPECT_TRUE(prompts.passwords.empty());
+    for (const InputBox& box : prompts.inputs) EXPECT_THAT(box.text + box.hint, HasSubstr("K220-22-R1, serial number"));
+  }
+  EXPECT_THAT(Row("System fonts"), ::testing::EndsWith(" > 1.30 (B0), as sent"));
 }
 
 TEST_F(DownloaderWindowTest, CanBeReadAndReachedByKeys) {

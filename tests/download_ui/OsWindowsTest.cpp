@@ -41,20 +41,20 @@ TEST(OsWindowsTest, GiveWhatWasChosenAndNothingToWhoeverClosesThem) {
   };
   const Case cases[] = {
       {"preselected", {os, fonts}, {"cmdClose"}, {os.files[1].path, fonts.files[0].path}},
-      {"no fonts", {os, ListOf({}, {})}, {"cmdClose"}, {os.files[1].path, {}}},
+      {"no fonts", {os, ListOf({}, {})}, {"cmdClose", "cmdCancel"}, {}},
       {"none fits", {ListOf({"a.kos"}, {}), fonts}, {"cmdClose", "cmdCancel"}, {}},
       {"cancelled", {os, fonts}, {"cmdCancel"}, {}},
       {"closed", {os, fonts}, {""}, {}},
   };
   for (const Case& each : cases) {
-    frmOsInfo window(each.lists, nullptr);
+    frmOsInfo window(each.lists, "K220", nullptr);
     PressIn(window, each.pressed);
     const AurexOsChoice chosen = window.ShowGUI();
     EXPECT_EQ(chosen.os, each.chosen.os) << each.what;
     EXPECT_EQ(chosen.fonts, each.chosen.fonts) << each.what;
   }
   for (const char* button : {"cmdOK", "cmdCancel", ""}) {
-    frmBrioQ50OsInfo window(os, nullptr);
+    frmBrioQ50OsInfo window(os, "Q51", nullptr);
     PressIn(window, {button});
     const auto place = window.ShowGUI();
     EXPECT_EQ(place.has_value(), button == std::string("cmdOK"));

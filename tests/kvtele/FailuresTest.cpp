@@ -39,6 +39,7 @@ TEST(Failures, HaveANameAndAnExitCodeEach) {
       {CloneCause::OldOs,    None,    "notFit",        4},
       {CloneCause::Segments, None,    "segments",      4},
       {CloneCause::Password, Refused, "password",      4},
+      {CloneCause::NoPassword, None,  "password",      4},
       {CloneCause::File,     None,    "badFile",       6},
       {CloneCause::Unproven, None,    "unproven",      1},
       {CloneCause::Link,     NoReply, "noReply",       7},

@@ -152,6 +152,7 @@ bool frmDumpPLC::CreateFrom(Channel& link, SafeCreate& safe, const std::string& 
     ShowEnd(CloneEnd::Stopped, kStoppedBefore);
     return false;
   }
+  mEngine->NameController(mController);
   safe.Create(*mEngine, mServices.prompts, link, Watched());
   CloneOutcome outcome = safe.Outcome();
   const bool isMade = outcome.end == CloneEnd::Done;

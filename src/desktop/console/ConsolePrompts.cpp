@@ -72,7 +72,7 @@ PromptAnswer ConsolePrompts::Show(const MessageBox& box) {
 }
 
 std::optional<std::string> ConsolePrompts::Ask(const InputBox& box) {
-  Print(box.title, box.text);
+  Print(box.title, box.text + (box.hint.empty() ? "" : "\n" + box.hint + "\n"));
   const bool offered = !box.secret && !box.initial.empty();
   mOut << (offered ? " [" + box.initial + "] " : " ") << std::flush;
   if (auto password = KnownPassword(box)) {

@@ -129,9 +129,14 @@ std::optional<std::string> QtPrompts::Ask(const InputBox& box) {
   dialog.setWindowTitle(QString::fromStdString(box.title));
   auto* label = new QLabel(FromText(box.text));
   label->setTextFormat(Qt::PlainText);
+  auto* hint = new QLabel(FromText(box.hint));
+  hint->setObjectName("lblHint");
+  hint->setTextFormat(Qt::PlainText);
+  hint->setVisible(!box.hint.empty());
   auto* input = new QLineEdit(QString::fromStdString(box.initial));
   input->setObjectName("txtInput");
   input->setAccessibleName(label->text());
+  input->setAccessibleDescription(hint->text());
   input->setEchoMode(box.secret ? QLineEdit::Password : QLineEdit::Normal);
   input->selectAll();
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
@@ -141,6 +146,7 @@ std::optional<std::string> QtPrompts::Ask(const InputBox& box) {
   QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
   auto* page = new QVBoxLayout(&dialog);
   page->addWidget(label);
+  page->addWidget(hint);
   page->addWidget(input);
   page->addWidget(buttons);
   if (RunDialog(dialog) != QDialog::Accepted) return std::nullopt;

@@ -1,7 +1,5 @@
 #include "download/ui/BackupView.h"
 
-#include <algorithm>
-
 namespace kv {
 
 void BackupView::Begin(bool isRestore) {
@@ -19,15 +17,23 @@ void BackupView::Event_SegmentIndex(int index) {
   if (mProgress) mProgress->SegmentIndex(index);
 }
 
-void BackupView::Event_ProgressBarInit(std::int64_t minimum, std::int64_t maximum) {
-  mMaximum = std::max<std::int64_t>(1, maximum);
-  if (mProgress) mProgress->ProgressBarInit(maximum);
-  mShow(minimum, mMaximum, mProgress && !mIsRestore ? mProgress->Text() : "");
+void BackupView::Event_ProgressBarInit(std::int64_t, std::int64_t maximum) {
+  mMaximum = maximum;
+  if (!mProgress) return;
+  mProgress->ProgressBarInit(maximum);
+  Show();
 }
 
 void BackupView::Event_ProgressBarValue(std::int64_t value) {
-  if (mProgress) mProgress->ProgressBarValue(value);
-  mShow(value, mMaximum, mProgress ? mProgress->Text() : "");
+  if (!mProgress) return;
+  mProgress->ProgressBarValue(value);
+  Show();
+}
+
+// The engine counts each segment for itself; the bar and the amount beside it are those of all.
+void BackupView::Show() {
+  const DumpProgress::Amount amount = mProgress->InAll();
+  mShow(amount.done, amount.total, mProgress->Text());
 }
 
 // Only a restore has lines.

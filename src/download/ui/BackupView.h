@@ -12,9 +12,9 @@ namespace kv {
 // Shows how far a clone is that is taken before a download, or written back after it, by the controls of the download.
 class BackupView final : public DumpWindow {
  public:
-  using Show = std::function<void(std::int64_t done, std::int64_t total, const std::string& text)>;
+  using OnProgress = std::function<void(std::uint64_t done, std::uint64_t total, const std::string& text)>;
 
-  BackupView(const Pacer& pacer, Show show) : mPacer(pacer), mShow(std::move(show)) {}
+  BackupView(const Pacer& pacer, OnProgress show) : mPacer(pacer), mShow(std::move(show)) {}
 
   void FillSegments(std::span<const CloneSegment> segments) override;
   void Event_SegmentIndex(int index) override;
@@ -27,9 +27,10 @@ class BackupView final : public DumpWindow {
 
  private:
   void Begin(bool isRestore);
+  void Show();
 
   const Pacer& mPacer;
-  Show mShow;
+  OnProgress mShow;
   std::optional<DumpProgress> mProgress;  // of one create or restore
   bool mIsRestore = false;
   std::int64_t mMaximum = 1;

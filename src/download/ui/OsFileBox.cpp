@@ -9,7 +9,30 @@ namespace {
 constexpr int kShown = 30;  // characters
 constexpr int kRows = 20;
 
+QLabel* MakeLabel(const char* name, const char* accessibleName, QWidget* parent) {
+  auto* label = new QLabel(parent);
+  label->setObjectName(name);
+  label->setAccessibleName(accessibleName);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  return label;
+}
+
 }  // namespace
+
+QLabel* MakeOsHeading(const QString& controller, QWidget* parent) {
+  QLabel* label = MakeLabel("lblController", "The controller that the O/S is for", parent);
+  label->setText("For " + controller);
+  QFont bold = label->font();
+  bold.setBold(true);
+  label->setFont(bold);
+  return label;
+}
+
+QLabel* MakeOsHint(QWidget* parent) {
+  return MakeLabel("lblHint", "What is missing or worth knowing", parent);
+}
 
 QComboBox* MakeOsFileBox(const char* name, const char* accessibleName, const FileList& list, QWidget* parent) {
   auto* box = new QComboBox(parent);
@@ -21,7 +44,10 @@ QComboBox* MakeOsFileBox(const char* name, const char* accessibleName, const Fil
   box->setPlaceholderText(list.IsEmpty() ? "none" : "choose one");
   for (const ListedFile& file : list.files) {
     box->addItem(QString::fromStdString(file.text));
-    box->setItemData(box->count() - 1, QString::fromStdString(Utf8FromPath(file.path)), Qt::ToolTipRole);
+    const QString path = QString::fromStdString(Utf8FromPath(file.path));
+    const QString detail = QString::fromStdString(file.detail);
+    box->setItemData(box->count() - 1, detail.isEmpty() ? path : path + "\n" + detail, Qt::ToolTipRole);
+    box->setItemData(box->count() - 1, detail, kDetailRole);
   }
   box->setCurrentIndex(list.preselected ? static_cast<int>(*list.preselected) : -1);
   const auto showPath = [box, folder = QString::fromStdString(Utf8FromPath(list.folder))] {

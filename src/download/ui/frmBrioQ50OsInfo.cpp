@@ -2,6 +2,7 @@
 
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -12,7 +13,7 @@
 
 namespace kv {
 
-frmBrioQ50OsInfo::frmBrioQ50OsInfo(const FileList& list, QWidget* parent) : QDialog(parent) {
+frmBrioQ50OsInfo::frmBrioQ50OsInfo(const FileList& list, const QString& controller, QWidget* parent) : QDialog(parent) {
   setObjectName("frmBrioQ50OsInfo");
   setWindowTitle("Operating System List");
   setWindowIcon(IconOf("download"));
@@ -25,7 +26,14 @@ frmBrioQ50OsInfo::frmBrioQ50OsInfo(const FileList& list, QWidget* parent) : QDia
   cancel->setObjectName("cmdCancel");
   cancel->setAutoDefault(false);
   Describe(*cancel, "Closes this window; nothing is downloaded", "Esc");
-  const auto allow = [this, ok, list] { Allow(*ok, WhyNoFile(*mOs, list, "O/S")); };
+  QLabel* hint = MakeOsHint(this);
+  const auto allow = [this, ok, hint, list] {
+    const QString why = WhyNoFile(*mOs, list, "O/S");
+    Allow(*ok, why);
+    const QString detail = mOs->currentData(kDetailRole).toString();
+    hint->setText(why.isEmpty() ? detail : why);
+    hint->setVisible(!hint->text().isEmpty());
+  };
   connect(mOs, &QComboBox::currentIndexChanged, this, allow);
   allow();
   connect(ok, &QPushButton::clicked, this, [this] {
@@ -42,7 +50,9 @@ frmBrioQ50OsInfo::frmBrioQ50OsInfo(const FileList& list, QWidget* parent) : QDia
   buttons->addWidget(ok);
   buttons->addWidget(cancel);
   auto* page = new QVBoxLayout(this);
+  page->addWidget(MakeOsHeading(controller, this));
   page->addLayout(form);
+  page->addWidget(hint);
   page->addStretch();
   page->addLayout(buttons);
 }

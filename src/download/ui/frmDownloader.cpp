@@ -6,12 +6,10 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QPlainTextEdit>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
 #include <QUrl>
 #include <algorithm>
-#include <limits>
 #include <string_view>
 
 #include "base/AnsiText.h"
@@ -22,6 +20,7 @@
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/WindowGeometry.h"
 #include "download/DownloadFile.h"
+#include "download/OsFileName.h"
 #include "download/OtherSpeeds.h"
 #include "download/ProjectLook.h"
 #include "download/ui/SideTable.h"
@@ -38,14 +37,10 @@ namespace fs = std::filesystem;
 
 constexpr const char* kColourModel = "Projects for controllers with a colour screen are not downloaded here.";
 constexpr const char* kAsking = "The controller is asked who it is.";
+constexpr const char* kStopped = "The controller's program is stopped. Start it here, or go on with a download.";
 constexpr const char* kIdle = "Nothing is running.";
 constexpr const char* kFolderKey = "ProjectPath";
 constexpr const char* kNoFile = "No project file has been selected.";
-constexpr int kHundred = 100;
-
-int Clamped(std::int64_t value) {
-  return static_cast<int>(std::clamp<std::int64_t>(value, 0, std::numeric_limits<int>::max()));
-}
 
 std::optional<fs::path> DroppedFile(const QDropEvent& event) {
   const QList<QUrl> urls = event.mimeData()->urls();
@@ -126,9 +121,11 @@ std::expected<void, LinkError> frmDownloader::Meet(Channel& link) {
 
 void frmDownloader::ShowFound() {
   VersionInfo version = mFound->version;
-  version.model = ModelLabel(version.model, mUser);
+  version.model = ModelLabel(ControllerModelOf(*mFound, Family()), mUser);
+  const bool isStopped = mFound->info.state == 'S';
   ShowController(ControllerText(version, mFound->info, mServices.shared.ComDriver->LinkDescription()),
-                 StateAdvice(*mFound));
+                 isStopped ? kStopped : StateAdvice(*mFound));
+  mStart->setVisible(isStopped);
 }
 
 void frmDownloader::ShowController(const std::string& text, const std::string& advice) {
@@ -173,7 +170,7 @@ void frmDownloader::SetBusy(const QString& why) {
   }
 }
 
-void frmDownloader::GetFile() {
+void frmDownloader::cmdGetFile_Click() {
   const std::string filter = IsCompact() ? "*.d50|*.d50" : "*.dai|*.dai";
   const std::string samples = Utf8FromPath(mServices.shared.paths.Home() / "Samples");
   const auto chosen = mServices.prompts.OpenFile({.title = "Select File",
@@ -232,14 +229,14 @@ void frmDownloader::LookAtBoth() {
 
 void frmDownloader::SelectOs(const fs::path& file) {
   mDroppedOs = file;
-  Say(Utf8FromPath(file.filename()) +
+  Say(GetFileName(file) +
       " is offered first by \"Download O/S\", when it lies in the folder that the list is made from: " +
       Utf8FromPath(IsCompact() ? mServices.shared.paths.CompactOs() : mServices.shared.paths.AurexOs()));
   mDownloadOs->setFocus();
 }
 
 void frmDownloader::ShowProject() {
-  mFileName->setText(mFile ? QString::fromStdString(Utf8FromPath(mFile->path.filename())) : "");
+  mFileName->setText(mFile ? QString::fromStdString(GetFileName(mFile->path)) : "");
   mFileName->setToolTip(mFile ? QString::fromStdString(Utf8FromPath(mFile->path)) : "");
   mProjectName->setText(mFile ? QString::fromStdString(mFile->Name()) : "");
   mModel->setText(mFile ? QString::fromStdString(ModelLabel(mFile->Model(), mUser)) : "");
@@ -270,39 +267,32 @@ void frmDownloader::dropEvent(QDropEvent* event) {
 }
 
 void frmDownloader::SetStatus(std::string_view text) {
-  mStatus->setText(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+  mStatusText = text;
+  ShowStatus();
 }
 
 void frmDownloader::ResetProgress(std::int64_t maximum) {
-  ShowBar(0, maximum);
+  mSteps = 0;
+  mMostSteps = std::max<std::int64_t>(1, maximum);
+  mPart.clear();
+  mAmount->clear();  // of what was before
+  ShowSteps();
 }
 
 void frmDownloader::StepProgress() {
-  ShowBar(std::min<std::int64_t>(mBar->value() + 1, mBar->maximum()), mBar->maximum());
+  mSteps = std::min(mSteps + 1, mMostSteps);
+  ShowSteps();
 }
 
-void frmDownloader::ProgressInfo(int, std::int64_t current, std::int64_t count) {
-  ShowBar(current, count);
-}
-
-void frmDownloader::AmountSent(std::uint64_t done, std::uint64_t total) {
-  if (!mProgress) return;
-  mProgress->AmountSent(done, total);
-  mAmount->setText(QString::fromStdString(mProgress->Text()));
-}
-
-void frmDownloader::ShowBar(std::int64_t value, std::int64_t maximum) {
-  const int most = std::max(1, Clamped(maximum));
-  mBar->setMaximum(most);
-  mBar->setValue(std::min(Clamped(value), most));
-  mPresent->setText(QString::number(static_cast<std::int64_t>(mBar->value()) * kHundred / most) + "%");
+void frmDownloader::ShowSteps() {
+  ShowBar(static_cast<std::uint64_t>(mSteps), static_cast<std::uint64_t>(mMostSteps));
 }
 
 AurexOsChoice frmDownloader::ChooseAurexOs(const AurexOsLists& lists) {
   AurexOsLists offered = lists;
   Preselect(offered.os, mDroppedOs);
   Preselect(offered.fonts, mDroppedOs);
-  frmOsInfo window(offered, this);
+  frmOsInfo window(offered, mController->text(), this);
   RememberPlace(window, WindowsFile(mServices.shared.paths));
   return window.ShowGUI();
 }
@@ -310,7 +300,7 @@ AurexOsChoice frmDownloader::ChooseAurexOs(const AurexOsLists& lists) {
 std::optional<std::size_t> frmDownloader::ChooseCompactOs(const FileList& list) {
   FileList offered = list;
   Preselect(offered, mDroppedOs);
-  frmBrioQ50OsInfo window(offered, this);
+  frmBrioQ50OsInfo window(offered, mController->text(), this);
   RememberPlace(window, WindowsFile(mServices.shared.paths));
   return window.ShowGUI();
 }

@@ -59,6 +59,8 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void StepProgress() override;
   void ProgressInfo(int phase, std::int64_t current, std::int64_t count) override;
   void AmountSent(std::uint64_t done, std::uint64_t total) override;
+  void AmountCompared(std::uint64_t done, std::uint64_t total) override;
+  void Waiting(std::string_view text, bool isOver) override;
   [[nodiscard]] AurexOsChoice ChooseAurexOs(const AurexOsLists& lists) override;
   [[nodiscard]] std::optional<std::size_t> ChooseCompactOs(const FileList& list) override;
   [[nodiscard]] BiosAnswer WarnOfIncompatibleBios() override;
@@ -98,25 +100,31 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   [[nodiscard]] DownloadFamily Family() const;
   [[nodiscard]] bool IsCompact() const { return Family() == DownloadFamily::Compact; }
 
-  void GetFile();
+  void cmdGetFile_Click();
   void SelectFile(const std::filesystem::path& file);
   void SelectProject(const std::filesystem::path& file);
   void SelectOs(const std::filesystem::path& file);
   void ShowProject();
   void LookAtBoth();
 
-  void DownloadProject();
-  void DownloadOs();
+  void cmdDownload_Click();
+  void cmdDownloadOS_Click();
   void Run(const char* what, const Engine& engine);
   [[nodiscard]] std::optional<std::string> AskForBackup();
   void ShowPreview(const DownloadPreview& preview);
   void ShowEnding(const char* what, const Ending& ending);
+  // What the O/S downloads tell while they run.
+  void mOSDownloader_ProggressInfo(int phase, std::int64_t current, std::int64_t count);
+  void mBrioQ50OSDownloader_ProgressInfo(std::int64_t current, std::int64_t count);
+  void ShowStatus();
   void StopDownload();
   void StartProgram();
 
   void SetBusy(const QString& why);  // empty: nothing runs
   [[nodiscard]] CloneWork Watched();
-  void ShowBar(std::int64_t value, std::int64_t maximum);
+  void ShowBar(std::uint64_t value, std::uint64_t maximum);
+  void ShowSteps();
+  void ShowAmount(const std::string& what, std::uint64_t done, std::uint64_t total);
   void Say(const std::string& text);
   // As the users of this edition see it.
   [[nodiscard]] DownloadSide Shown(DownloadSide side) const;
@@ -136,11 +144,15 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   bool mHasBeenShown = false;
   bool mClosesThen = false;                     // when the controller has been asked
   std::unique_ptr<DownloadProgress> mProgress;  // of the download that is under way
+  std::string mStatusText;                      // that the engine has told last
+  std::int64_t mSteps = 0;                      // of the part that is under way
+  std::int64_t mMostSteps = 1;
+  std::string mPart;  // of an O/S, which its bar shows as a whole: "chunk 3 of 40 of part 2"
 
   QLabel* mController = nullptr;
   QLabel* mAdviceSign = nullptr;
   QLabel* mAdvice = nullptr;
-  QPushButton* mStart = nullptr;  // seen beside advice about a program that a download has stopped
+  QPushButton* mStart = nullptr;  // seen beside advice about a program that does not run
   QPushButton* mGetFile = nullptr;
   QPushButton* mDownload = nullptr;
   QPushButton* mDownloadOs = nullptr;

@@ -89,8 +89,8 @@ void frmDownloader::BuildController(QVBoxLayout& page) {
   auto* advice = new QHBoxLayout;
   advice->addWidget(mAdviceSign, 0, Qt::AlignTop);
   advice->addWidget(mAdvice, 1);
-  mStart = AddButton("cmdStart", IconOf("run"), "Start &Program",
-                     "Starts the controller's program again, which was stopped for a download", "Alt+P");
+  mStart = AddButton("cmdStart", IconOf("run"), "Start &Program", "Starts the controller's program, which does not run",
+                     "Alt+P");
   advice->addWidget(mStart, 0, Qt::AlignTop);
   page.addWidget(mController);
   page.addLayout(advice);
@@ -195,9 +195,9 @@ void frmDownloader::BuildButtons(QVBoxLayout& page) {
 }
 
 void frmDownloader::Connect() {
-  connect(mGetFile, &QPushButton::clicked, this, [this] { GetFile(); });
-  connect(mDownload, &QPushButton::clicked, this, [this] { DownloadProject(); });
-  connect(mDownloadOs, &QPushButton::clicked, this, [this] { DownloadOs(); });
+  connect(mGetFile, &QPushButton::clicked, this, [this] { cmdGetFile_Click(); });
+  connect(mDownload, &QPushButton::clicked, this, [this] { cmdDownload_Click(); });
+  connect(mDownloadOs, &QPushButton::clicked, this, [this] { cmdDownloadOS_Click(); });
   connect(mIdentify, &QPushButton::clicked, this, [this] { Identify(); });
   connect(mStart, &QPushButton::clicked, this, [this] { StartProgram(); });
   connect(mStop, &QPushButton::clicked, this, [this] { StopDownload(); });

@@ -4,6 +4,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <algorithm>
 
 #include "base/AnsiText.h"
 #include "base/PathText.h"
@@ -14,6 +15,7 @@
 #include "download/clsAurexOSDownloader.h"
 #include "download/clsBrioQ50OSDownloader.h"
 #include "download/ui/BackupView.h"
+#include "download/ui/QuietCloner.h"
 #include "download/ui/SideTable.h"
 #include "download/ui/TimedPrompts.h"
 #include "download/ui/frmDownloader.h"
@@ -48,6 +50,10 @@ std::string Lines(const std::vector<std::string>& sentences) {
   return text;
 }
 
+std::string PlaceText(std::int64_t current, std::int64_t count) {
+  return std::to_string(current) + " of " + std::to_string(count);
+}
+
 }  // namespace
 
 // Everything that is given back when a download ends, however it ends.
@@ -60,7 +66,7 @@ class frmDownloader::Operation {
     window.mInformation->clear();
     window.mAmount->clear();
     window.mPresent->clear();
-    window.mBar->reset();
+    window.ResetProgress(1);
     window.SetBusy(kRuns);
   }
   ~Operation() {
@@ -91,16 +97,66 @@ void frmDownloader::Note(std::string_view text) {
   Say(std::string(text));
 }
 
+// What the bar stands for stands beside it. The parts of an O/S differ in length, so its bar shows all of it.
+void frmDownloader::ProgressInfo(int phase, std::int64_t current, std::int64_t count) {
+  if (IsCompact()) return mBrioQ50OSDownloader_ProgressInfo(current, count);
+  mOSDownloader_ProggressInfo(phase, current, count);
+}
+
+void frmDownloader::mOSDownloader_ProggressInfo(int phase, std::int64_t current, std::int64_t count) {
+  mPart = "chunk " + PlaceText(current, count) + " of part " + std::to_string(phase);
+}
+
+void frmDownloader::mBrioQ50OSDownloader_ProgressInfo(std::int64_t current, std::int64_t count) {
+  mPart = "block " + PlaceText(current, count);
+}
+
+void frmDownloader::ShowStatus() {
+  mStatus->setText(QString::fromStdString(mStatusText));
+}
+
+// The bar of a project counts its parts.
+void frmDownloader::AmountSent(std::uint64_t done, std::uint64_t total) {
+  if (mPart.empty()) return ShowAmount("part " + PlaceText(mSteps, mMostSteps), done, total);
+  ShowBar(done, total);
+  ShowAmount(mPart, done, total);
+}
+
+void frmDownloader::AmountCompared(std::uint64_t done, std::uint64_t total) {
+  ShowBar(done, total);
+  ShowAmount("compared", done, total);
+}
+
+void frmDownloader::ShowAmount(const std::string& what, std::uint64_t done, std::uint64_t total) {
+  if (!mProgress) return;
+  mProgress->AmountSent(done, total);
+  mAmount->setText(QString::fromStdString(what + ": " + mProgress->Text()));
+}
+
+void frmDownloader::Waiting(std::string_view text, bool isOver) {
+  mAmount->setText(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+  if (isOver) ShowBar(1, 1);
+}
+
+void frmDownloader::ShowBar(std::uint64_t value, std::uint64_t maximum) {
+  constexpr std::uint64_t kSteps = 10'000;  // whatever the size, which may be more than a bar counts
+  constexpr std::uint64_t kHundred = 100;
+  const double part = maximum == 0 ? 0.0 : static_cast<double>(std::min(value, maximum)) / static_cast<double>(maximum);
+  mBar->setMaximum(kSteps);
+  mBar->setValue(static_cast<int>(part * kSteps));
+  mPresent->setText(QString::number(static_cast<int>(part * kHundred)) + "%");
+}
+
 void frmDownloader::StopDownload() {
   if (!mIsBusy) return;
   mServices.pacer.RequestStop();
-  SetStatus("Stopping");
+  mStatus->setText("Stopping");  // until a question about it has been answered with No
 }
 
-// Its old project is still there. The window holds the line, so another program could not start it.
+// The window holds the line, so another program could not start it.
 void frmDownloader::StartProgram() {
-  const std::string question = "The program of the controller (" + mController->text().toStdString() +
-                               ") was stopped for a download. Start it again now?";
+  const std::string question =
+      "The program of the controller (" + mController->text().toStdString() + ") does not run. Start it now?";
   if (mServices.prompts.Show({.text = question,
                               .title = std::string(kDownloaderCaption),
                               .icon = PromptIcon::Exclamation,
@@ -118,11 +174,11 @@ void frmDownloader::StartProgram() {
     const LinkError& error = link ? link->LastError() : mServices.shared.ComDriver->LastError();
     return Say("Starting the program has failed.\n" + error.Text());
   }
-  Say("The controller's program has been started again.");
+  Say("The controller's program has been started.");
   Identify();
 }
 
-void frmDownloader::DownloadProject() {
+void frmDownloader::cmdDownload_Click() {
   if (!mFile || Family() == DownloadFamily::Colour) return;
   const ProjectFile file = *mFile;
   Run("Downloading the project", [&](Channel& link, const DownloadOrder& order, const BackupContext& context) {
@@ -133,7 +189,7 @@ void frmDownloader::DownloadProject() {
 }
 
 // Another controller may have been plugged in since the window asked, and each family has an engine of its own.
-void frmDownloader::DownloadOs() {
+void frmDownloader::cmdDownloadOS_Click() {
   if (mIsBusy || !AskWho()) return;
   if (!mFound) {
     return Say("Downloading the O/S was not begun, since the controller did not tell who it is.\n" +
@@ -161,14 +217,16 @@ void frmDownloader::Run(const char* what, const Engine& engine) {
   const bool isBackupWanted = mBackup->isChecked();
   const auto file = isBackupWanted ? AskForBackup() : std::nullopt;
   if (isBackupWanted && !file) return;
-  BackupView view(mServices.pacer, [this](std::int64_t done, std::int64_t total, const std::string& text) {
+  BackupView view(mServices.pacer, [this](std::uint64_t done, std::uint64_t total, const std::string& text) {
     ShowBar(done, total);
     mAmount->setText(QString::fromStdString(text));
   });
   TimedPrompts prompts(mServices.prompts, mServices.pacer, [this](Duration open) {
     if (mProgress) mProgress->Exclude(open);
+    ShowStatus();
   });
-  const BackupContext context{view, prompts, prompts, mServices.pacer, mServices.clock, Watched()};
+  QuietCloner cloner(prompts, [this](const std::string& text) { Say(text); });
+  const BackupContext context{view, cloner, prompts, mServices.pacer, mServices.clock, Watched()};
   std::optional<BackupBefore> backup;
   if (file) backup.emplace(PathFromUtf8(*file), context);
 
@@ -192,7 +250,7 @@ CloneWork frmDownloader::Watched() {
   return {.isStopped = {},
           .onProgress = [this, progress = std::make_shared<WorkProgress>(mServices.pacer)](
                             std::string_view stage, std::uint64_t done, std::uint64_t total) {
-            ShowBar(static_cast<std::int64_t>(done), static_cast<std::int64_t>(total));
+            ShowBar(done, total);
             mAmount->setText(QString::fromStdString(progress->Text(stage, done, total)));
             mServices.pacer.Turn();
           }};
@@ -218,8 +276,10 @@ void frmDownloader::ShowPreview(const DownloadPreview& preview) {
 void frmDownloader::ShowEnding(const char* what, const Ending& ending) {
   const DownloadOutcome& outcome = ending.outcome;
   const std::string left(LeftBehindText(outcome.left));
-  const std::string text =
-      what + std::string(EndText(outcome.end)) + (outcome.reason.empty() ? "" : "\n" + outcome.reason) + "\n" + left;
+  std::string text = what + std::string(EndText(outcome.end));
+  for (const std::string* more : {&outcome.reason, &outcome.done, &left}) {
+    if (!more->empty()) text += "\n" + *more;
+  }
   Say(text);
   mServices.shared.Remote->StatusMessage(text);
   const bool isDone = outcome.end == DownloadEnd::Done && outcome.left != ControllerLeft::ProjectWaits;

@@ -21,18 +21,14 @@ std::filesystem::path ChosenIn(const QComboBox& box, const FileList& list) {
 
 }  // namespace
 
-frmOsInfo::frmOsInfo(const AurexOsLists& lists, QWidget* parent) : QDialog(parent), mLists(lists) {
+frmOsInfo::frmOsInfo(const AurexOsLists& lists, const QString& controller, QWidget* parent)
+    : QDialog(parent), mLists(lists) {
   setObjectName("frmOsInfo");
   setWindowTitle("Operating System List");
   setWindowIcon(IconOf("download"));
   mOs = MakeOsFileBox("cboOSFiles", "O/S version", mLists.os, this);
   mFonts = MakeOsFileBox("cboFontsFiles", "System fonts", mLists.fonts, this);
-  mHint = new QLabel(this);
-  mHint->setObjectName("lblHint");
-  mHint->setAccessibleName("What is missing");
-  mHint->setTextFormat(Qt::PlainText);
-  mHint->setWordWrap(true);
-  mHint->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  mHint = MakeOsHint(this);
   mClose = new QPushButton(IconOf("download"), "&OK", this);
   mClose->setObjectName("cmdClose");
   mClose->setDefault(true);
@@ -56,6 +52,7 @@ frmOsInfo::frmOsInfo(const AurexOsLists& lists, QWidget* parent) : QDialog(paren
   buttons->addWidget(mClose);
   buttons->addWidget(cancel);
   auto* page = new QVBoxLayout(this);
+  page->addWidget(MakeOsHeading(controller, this));
   page->addLayout(form);
   page->addWidget(mHint, 1);
   page->addLayout(buttons);
@@ -67,15 +64,14 @@ AurexOsChoice frmOsInfo::ShowGUI() {
   return {.os = ChosenIn(*mOs, mLists.os), .fonts = ChosenIn(*mFonts, mLists.fonts)};
 }
 
-// An empty list does not hold the button back: what comes of it is the downloader's to say.
+// Without both files there is nothing to take: that none was there, the downloader says to who closes this window.
 void frmOsInfo::ShowHint() {
   const QString os = WhyNoFile(*mOs, mLists.os, "O/S");
   const QString fonts = WhyNoFile(*mFonts, mLists.fonts, "fonts");
   const QString both = os + (os.isEmpty() || fonts.isEmpty() ? "" : "\n") + fonts;
   mHint->setText(both);
   mHint->setVisible(!both.isEmpty());
-  const bool mustChoose = (!os.isEmpty() && !mLists.os.IsEmpty()) || (!fonts.isEmpty() && !mLists.fonts.IsEmpty());
-  Allow(*mClose, mustChoose ? both : QString());
+  Allow(*mClose, both);
 }
 
 }  // namespace kv

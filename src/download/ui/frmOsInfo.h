@@ -13,7 +13,8 @@ namespace kv {
 // Lets the user pick the O/S file and the system fonts file for an Aurex controller.
 class frmOsInfo final : public QDialog {
  public:
-  frmOsInfo(const AurexOsLists& lists, QWidget* parent);
+  // `controller`: whom the file is chosen for.
+  frmOsInfo(const AurexOsLists& lists, const QString& controller, QWidget* parent);
 
   // Both empty when the window was cancelled; one of them when its list has no file.
   [[nodiscard]] AurexOsChoice ShowGUI();
