@@ -14,6 +14,7 @@ void HelpWindow::ShowTopic(std::int32_t mapNumber) {
     mWindow = new frmHelp(std::move(*book), mWindowsFile);
   }
   mWindow->ShowTopic(mapNumber);
+  mWindow->setWindowState(mWindow->windowState() & ~Qt::WindowMinimized);
   mWindow->show();
   mWindow->raise();
   mWindow->activateWindow();
