@@ -62,14 +62,12 @@ void LinkDialog::AddButton(QPushButton* button) {
   mTabs.insert(mTabs.end() - 2, button);
 }
 
-// The order is a ring: what comes behind Cancel comes before the fields.
 void LinkDialog::BeginTabsWith(QWidget* control) {
-  QWidget* last = mFields->Last();
+  QWidget* last = mFields->PutBehind(control);
   for (QWidget* next : mTabs) {
     setTabOrder(last, next);
     last = next;
   }
-  setTabOrder(last, control);
 }
 
 void LinkDialog::Check() {

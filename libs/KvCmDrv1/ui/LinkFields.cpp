@@ -205,6 +205,14 @@ void LinkFields::InsertAbove(const char* label, QWidget* widget) {
   mForm->insertRow(0, label, widget);
 }
 
+QWidget* LinkFields::PutBehind(QWidget* control) const {
+  for (const Control& each : mControls) {
+    QWidget::setTabOrder(control, each.widget);
+    control = each.widget;
+  }
+  return control;
+}
+
 void LinkFields::Changed() const {
   if (onChange) onChange();
 }

@@ -28,8 +28,8 @@ class LinkFields final : public QWidget {
   // A row above the first field, in line with them.
   void InsertAbove(const char* label, QWidget* widget);
   void GiveFocusTo(LinkField field);
-  // The last field for the Tab key.
-  [[nodiscard]] QWidget* Last() const { return mControls.back().widget; }
+  // Puts all fields behind `control` for the Tab key; the last of them.
+  [[nodiscard]] QWidget* PutBehind(QWidget* control) const;
 
   // Marks these fields, and no others, as faulty.
   void MarkFaults(const std::vector<LinkFault>& faults);
