@@ -1,5 +1,8 @@
 #include "apps/kvtele/TerminalDownload.h"
 
+#include <sstream>
+#include <vector>
+
 #include "download/BiosWarning.h"
 
 namespace kv::cli {
@@ -12,6 +15,18 @@ ConsoleAnswers AnswersFor(const CommonOptions& common, bool isDryRun, bool yes, 
   answers.yesFlag = isDryRun ? "--dry-run" : flag;
   answers.password = common.password;
   return answers;
+}
+
+std::vector<std::string> LinesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream all(text);
+  for (std::string line; std::getline(all, line);) lines.push_back(line);
+  return lines;
+}
+
+// Without what ends it: CR, and a point, which boxes go without.
+std::string Bare(const std::string& line) {
+  return line.substr(0, line.find_last_not_of("\r.") + 1);
 }
 
 }  // namespace
@@ -30,18 +45,18 @@ ConsolePrompts TerminalDownload::Answered(bool yes, const char* flag) const {
 }
 
 PromptAnswer TerminalDownload::Show(const MessageBox& box) {
-  if (box.buttons == PromptButtons::Ok) std::erase(mTold.emplace_back(box.text), '\r');
+  if (box.buttons == PromptButtons::Ok) {
+    for (const std::string& line : LinesOf(box.text)) mTold.insert(Bare(line));
+  }
   return TerminalPrompts::Show(box);
 }
 
-std::string TerminalDownload::WithoutTold(std::string text) const {
-  for (const std::string& told : mTold) {
-    const std::size_t at = text.find(told);
-    if (at == std::string::npos) continue;
-    const std::size_t rest = text.find_first_not_of(".\n", at + told.size());
-    text.erase(at, rest == std::string::npos ? rest : rest - at);
+std::string TerminalDownload::WithoutTold(const std::string& text) const {
+  std::string untold;
+  for (const std::string& line : LinesOf(text)) {
+    if (!mTold.contains(Bare(line))) untold += (untold.empty() ? "" : "\n") + line;
   }
-  return text;
+  return untold;
 }
 
 Prompts& TerminalDownload::PromptsOf(DownloadQuestion question) {

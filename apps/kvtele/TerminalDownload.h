@@ -1,8 +1,8 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
-#include <vector>
 
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
@@ -31,8 +31,8 @@ class TerminalDownload : public DownloadWindow, public TerminalPrompts {
   TerminalDownload(Environment& environment, const CommonOptions& common, const ConsentFlags& consents, bool isDryRun);
 
   PromptAnswer Show(const MessageBox& box) override;
-  // What of this text no box has shown.
-  [[nodiscard]] std::string WithoutTold(std::string text) const;
+  // The lines of this text that no box has shown.
+  [[nodiscard]] std::string WithoutTold(const std::string& text) const;
 
   void SetStatus(std::string_view text) override;
   void Note(std::string_view text) override;
@@ -58,7 +58,7 @@ class TerminalDownload : public DownloadWindow, public TerminalPrompts {
   ConsentFlags mConsents;
   int mRetries = 0;  // so far
   std::optional<ConsolePrompts> mQuestion;
-  std::vector<std::string> mTold;  // by boxes that ask nothing
+  std::set<std::string> mTold;  // lines, by boxes that ask nothing
   std::string mStatus;
   DownloadProgress mProgress;
 };

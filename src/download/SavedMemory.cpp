@@ -5,7 +5,9 @@
 
 #include "base/DateText.h"
 #include "base/PathText.h"
+#include "clone/CloneCompare.h"
 #include "clone/CloneManifest.h"
+#include "clone/CloneVerify.h"
 #include "clone/ProgramState.h"
 #include "clone/RestoreReach.h"
 #include "clone/SafeCreate.h"
@@ -110,6 +112,7 @@ SavedMemory::Step SavedMemory::Restore(Channel& link, const FoundController& con
     done.error().reason += "\nIts memory is saved in " + Utf8FromPath(mFile) + ": restore it with the cloner.";
     return done;
   }
+  if (mStays) return {};
   std::error_code ignored;
   fs::remove(mFile, ignored);
   fs::remove(ManifestPath(mFile), ignored);
@@ -138,7 +141,28 @@ SavedMemory::Step SavedMemory::WriteBack(Channel& link, const FoundController& c
   if (engine.Outcome().end != CloneEnd::Done) return fail(engine.Outcome(), ControllerLeft::NewOsLoading);
   const auto checked = CheckAfterRestore(engine.Reach(), link, controller.info);
   if (!checked) return fail(checked.error(), ControllerLeft::NewOsLoading);
+  const auto isHeld = IsHeldBy(link);
+  if (!isHeld) return fail(isHeld.error(), ControllerLeft::NewOs);
+  mStays = !*isHeld;
   return {};
+}
+
+// Every line was answered with OK; what was done is another matter.
+std::expected<bool, CloneOutcome> SavedMemory::IsHeldBy(Channel& link) {
+  CloneWork work = mContext.work;
+  work.isStopped = [this] { return mContext.pacer.StopRequested(); };
+  const auto comparison = VerifyClone(link, mFile, work);
+  if (!comparison) return std::unexpected(comparison.error());
+  for (const KindVerdict& verdict : VerdictsByKind(*comparison)) {
+    if (verdict.bytes == 0) continue;
+    const std::string text = "All of its memory was written back, and then compared. " + verdict.Text();
+    if (!verdict.isValues) return std::unexpected(CloneOutcome::Failed(CloneCause::Unproven, text));
+    mContext.questions.Show({.text = text + "\r\nWhat it held before stays in " + Utf8FromPath(mFile) + ".",
+                             .title = "Telepanel",
+                             .icon = PromptIcon::Exclamation});
+    return false;
+  }
+  return true;
 }
 
 }  // namespace kv

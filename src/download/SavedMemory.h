@@ -16,7 +16,7 @@ namespace kv {
 // not in it: written back, it would take the new one's place.
 //
 // The file lies in the program's folder for temporary files, under a name that no other has. It stays there until it
-// has been written back: it may be the only place in which this memory is left.
+// has been written back and compared: it may be the only place in which this memory is left.
 class SavedMemory {
  public:
   SavedMemory(const BackupContext& context, const ProgramPaths& paths) : mContext(context), mPaths(paths) {}
@@ -28,7 +28,7 @@ class SavedMemory {
   // Some seconds after the reset that `controller` has come back from. A failure leaves it NewOs, or NewOsLoading.
   [[nodiscard]] std::expected<void, DownloadOutcome> Restore(Channel& link, const FoundController& controller);
 
-  // Nothing was saved, or all is back.
+  // Nothing was saved, or all is proven to be back.
   [[nodiscard]] bool IsEmpty() const { return mFile.empty(); }
   // Where it is; good only when there is something.
   [[nodiscard]] const std::filesystem::path& File() const { return mFile; }
@@ -38,11 +38,15 @@ class SavedMemory {
 
   [[nodiscard]] std::expected<std::filesystem::path, DownloadOutcome> NewFile(const FoundController& controller) const;
   [[nodiscard]] Step WriteBack(Channel& link, const FoundController& controller);
+  // Whether the controller holds it now. Values of operands that differ are told, and the file stays: a running program
+  // changes them by itself.
+  [[nodiscard]] std::expected<bool, CloneOutcome> IsHeldBy(Channel& link);
 
   BackupContext mContext;
   const ProgramPaths& mPaths;
   std::filesystem::path mFile;
   std::string mDigest;  // of the file
+  bool mStays = false;  // not all of it is proven to be back
 };
 
 }  // namespace kv

@@ -227,6 +227,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::RestoreMemory() {
   }
   mWork->left = ControllerLeft::NewOs;
   mIsMemoryBack = true;
+  if (!mMemory.IsEmpty()) return {};  // its file stays, which has been told
   std::error_code error;
   mWindow.Note("The controller's memory has been written back; its file " +
                std::string(std::filesystem::exists(file, error) || error ? "could not be deleted: " : "was deleted: ") +

@@ -139,6 +139,28 @@ TEST(AurexOsSending, TellsOfAProgramThatDoesNotRunAfterwards) {
   EXPECT_THAT(fixture.desk.said.back(), HasSubstr("the controller's program does not (stopped)"));
 }
 
+// Each line of the memory that was saved is answered; one of them is not written.
+TEST(AurexOsSending, ProvesTheMemoryThatItHasWrittenBack) {
+  int values = 0;
+  int settings = 0;
+  for (int line = 1; line < 381; line += 20) {
+    AurexOsFixture fixture(Plc("K220-22-R1", "3.73"));
+    fixture.Put();
+    const std::string memory = fixture.Memory();
+    fixture.UseFaults({"lie:on=WD,nth=" + std::to_string(line)});
+    const bool isDone = fixture.Download();
+    const bool isTold = std::ranges::any_of(fixture.desk.said, [](const auto& box) { return box.contains("differ"); });
+    const bool isFailure = fixture.outcome.cause == DownloadCause::Unproven;
+    EXPECT_EQ(isFailure, !isDone) << fixture.outcome.reason;
+    EXPECT_TRUE(isTold || isFailure || fixture.Memory() == memory) << line;
+    EXPECT_EQ(fixture.outcome.reason.contains("is saved in"), isTold || isFailure) << line;
+    values += isTold ? 1 : 0;
+    settings += isFailure ? 1 : 0;
+  }
+  EXPECT_GT(values, 2);
+  EXPECT_GT(settings, 2);
+}
+
 TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {
   struct Row {
     const char* what;
