@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <regex>
 #include <set>
 
+#include "base/Texts.h"
 #include "help/ChmFile.h"
 #include "help/HelpTopics.h"
 #include "help/HtmlText.h"
@@ -25,14 +27,18 @@ std::string FileOf(const HelpTopic& topic) {
   return std::string(topic.page) + ".html";
 }
 
-// All of the sources below these folders, as one text.
-std::string SourcesIn(std::initializer_list<const char*> folders) {
-  std::string all;
+void ForEachSource(std::initializer_list<const char*> folders,
+                   const std::function<void(const std::string& code)>& look) {
   for (const char* folder : folders) {
     for (const auto& entry : fs::recursive_directory_iterator(kTree / folder)) {
-      if (entry.path().extension() == ".cpp") all += TemporaryFolder::Content(entry);
+      if (entry.path().extension() == ".cpp") look(TemporaryFolder::Content(entry));
     }
   }
+}
+
+std::string SourcesIn(std::initializer_list<const char*> folders) {
+  std::string all;
+  ForEachSource(folders, [&](const std::string& code) { all += code; });
   return all;
 }
 
@@ -97,15 +103,24 @@ TEST(HelpFileTest, EmphasisesOnlyWhatStandsInAWindow) {
   }
 }
 
-// Who adds a window adds its topic.
-TEST(HelpTopicsTest, EachWindowHasATopic) {
-  const std::string code = SourcesIn({"src", "libs"});
-  const std::regex name("setObjectName\\(\"(frm[A-Za-z0-9]+|[A-Za-z]+(?:Dialog|Box))\"\\)");
+// Who adds a window adds its topic, and that tells of it by its title.
+TEST(HelpTopicsTest, EachWindowHasAPageThatNamesIt) {
+  const std::regex nameLine("setObjectName\\(\"(frm[A-Za-z0-9]+|[A-Za-z]+(?:Dialog|Box))\"\\)");
+  const std::regex titleLine("setWindowTitle\\(\"([^\"]+)\"\\)");
+  const HelpBook book = BuiltHelp();
   int windows = 0;
-  for (std::sregex_iterator at(code.begin(), code.end(), name), end; at != end; ++at, ++windows) {
-    const std::vector<std::string> names{(*at)[1]};
-    EXPECT_NE(HelpTopicAt(names), nullptr) << names.front();
-  }
+  ForEachSource({"src", "libs"}, [&](const std::string& code) {
+    std::smatch title;
+    const bool hasTitle = std::regex_search(code, title, titleLine);
+    for (std::sregex_iterator at(code.begin(), code.end(), nameLine), end; at != end; ++at, ++windows) {
+      const std::vector<std::string> names{(*at)[1]};
+      const HelpTopic* topic = HelpTopicAt(names);
+      ASSERT_NE(topic, nullptr) << names.front();
+      const std::string page = UpperCased(*book.Read(FileOf(*topic)));
+      const std::string wanted = hasTitle ? UpperCased(title[1].str()) : "";
+      EXPECT_THAT(page, testing::HasSubstr(wanted)) << names.front();
+    }
+  });
   EXPECT_GT(windows, 15);
 }
 
