@@ -5,6 +5,8 @@
 #include <QGroupBox>
 #include <QMimeData>
 #include <QProgressBar>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTableWidget>
 #include <QUrl>
 #include <deque>
@@ -425,6 +427,12 @@ TEST_F(DownloaderWindowTest, CanBeReadAndReachedByKeys) {
   Open();
   ExpectControlsCanBeRead(*window);
   EXPECT_EQ(window->focusWidget()->objectName(), "cmdGetFile") << "which was disabled while the controller was asked";
+  window->resize(window->minimumSizeHint());
+  QScrollBar& bar = *window->findChild<QScrollArea*>()->verticalScrollBar();
+  bar.setValue(bar.maximum());
+  EXPECT_GT(bar.value(), 0);
+  Press("cmdIdentify");
+  EXPECT_TRUE(WaitUntil([&] { return bar.value() == 0; })) << "what is said of the controller is seen";
 
   PlugIn({.faults = {"noreply"}});
   When(*window, [this] { return Look().contains("Stop"); }, [this] { window->close(); });

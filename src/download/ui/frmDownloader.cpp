@@ -7,6 +7,8 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
 #include <QUrl>
 #include <algorithm>
@@ -138,6 +140,8 @@ void frmDownloader::ShowAdvice(const std::string& text) {
   mAdvice->setVisible(!text.empty());
   mAdviceSign->setVisible(!text.empty());
   mStart->hide();
+  // Nothing there takes the keys, so nothing else would bring it back into sight on a small screen.
+  if (isVisible()) QTimer::singleShot(0, this, [this] { mPage->verticalScrollBar()->setValue(0); });
 }
 
 DownloadFamily frmDownloader::Family() const {

@@ -24,6 +24,7 @@ class QLabel;
 class QPlainTextEdit;
 class QProgressBar;
 class QPushButton;
+class QScrollArea;
 class QVBoxLayout;
 
 namespace kv {
@@ -149,6 +150,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   std::int64_t mMostSteps = 1;
   std::string mPart;  // of an O/S, which its bar shows as a whole: "chunk 3 of 40 of part 2"
 
+  QScrollArea* mPage = nullptr;  // all above the bar
   QLabel* mController = nullptr;
   QLabel* mAdviceSign = nullptr;
   QLabel* mAdvice = nullptr;

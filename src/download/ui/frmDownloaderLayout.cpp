@@ -57,6 +57,7 @@ frmDownloader::frmDownloader(DownloaderServices services, std::string user, QWid
   scroll->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);  // more room goes to the information
   auto* page = new QVBoxLayout(this);
   page->addWidget(scroll);
+  mPage = scroll;
   BuildProgress(*page);
   BuildInformation(*page);
   BuildButtons(*page);
