@@ -196,7 +196,9 @@ void CompactBootLoader::FindOutWhatIsLeft(const std::string& oldOs, const std::s
   // A boot loader and its O/S have different names. Who was found in the one and has lost its power is another one, to
   // the driver.
   const bool isOther = !found && mWork.link.LastError().code == LinkErrorCode::OtherController;
-  if (isOther) mWork.left = before == OsWaits || before == OsPerhaps ? OsPerhaps : BootLoaderPerhaps;
+  const bool isErased = before == BootLoaderErased || before == BootLoaderUnsure;  // or was told to be
+  if (isOther)
+    mWork.left = before == OsWaits || before == OsPerhaps ? OsPerhaps : isErased ? SomeOs : BootLoaderPerhaps;
   if (!found) return;
   // An O/S with the number of the old one is the new one only when all of it is known to have been programmed.
   const bool isProgrammed = before == OsWaits || before == OsPerhaps;
