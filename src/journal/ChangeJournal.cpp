@@ -6,6 +6,7 @@
 
 #include "base/Hex.h"
 #include "base/PathText.h"
+#include "base/ScopeGuard.h"
 #include "base/Texts.h"
 #include "journal/JournalTime.h"
 
@@ -55,6 +56,7 @@ auto ChangeJournal::Prepare() -> Done {
   if (!error && space.available < kLeastRoom) {
     return Failed(mPlaces.folder, std::make_error_code(std::errc::no_space_on_device));
   }
+  const ScopeGuard closed([this] { mLast.reset(); });
   return CatchUp();
 }
 
@@ -62,6 +64,7 @@ std::expected<std::uint64_t, FileError> ChangeJournal::Append(JournalRecord reco
   const auto lock = TakeLock();
   if (!lock) return std::unexpected(lock.error());
   if (const Done known = CatchUp(); !known) return std::unexpected(known.error());
+  const ScopeGuard closed([this] { mLast.reset(); });
   return Write(std::move(record));
 }
 
@@ -86,10 +89,12 @@ auto ChangeJournal::CatchUp() -> Done {
   const bool isSame =
       mTail && mTail->segment > 0 && !fs::exists(SegmentFile(mPlaces.folder, mTail->segment + 1), ignored);
   if (!isSame) return Reload();
-  const auto file = mDisk.Open(SegmentFile(mPlaces.folder, mTail->segment), Access::Read);
+  auto file = mDisk.Open(SegmentFile(mPlaces.folder, mTail->segment), Access::Write);
   const auto size = file ? (*file)->Size() : std::unexpected(file.error());
   if (!size || *size < mTail->end) return Reload();
-  return ReadOn(**file);
+  if (Done read = ReadOn(**file, *size); !read) return read;
+  mLast = std::move(*file);
+  return {};
 }
 
 auto ChangeJournal::Reload() -> Done {
@@ -109,7 +114,7 @@ auto ChangeJournal::Reload() -> Done {
   if (!file) return Failed(last, file.error());
   if (!kept || kept->segment != segments.back() || !IsAt(**file, *kept)) return ReadAll(segments, kept);
   mTail = kept;
-  return ReadOn(**file);
+  return ReadRest(**file);
 }
 
 // Whether the record that the head names ends where the head says.
@@ -137,25 +142,27 @@ auto ChangeJournal::ReadAll(const std::vector<unsigned>& segments, const std::op
     const fs::path path = SegmentFile(mPlaces.folder, segment);
     const auto file = mDisk.Open(path, Access::Read);
     if (!file) return Failed(path, file.error());
-    if (Done read = ReadOn(**file, kept); !read) return read;
+    if (Done read = ReadRest(**file, kept); !read) return read;
   }
   return {};
 }
 
-auto ChangeJournal::ReadOn(JournalFile& file, const std::optional<JournalHead>& kept) -> Done {
-  const fs::path path = SegmentFile(mPlaces.folder, mTail->segment);
+auto ChangeJournal::ReadRest(JournalFile& file, const std::optional<JournalHead>& kept) -> Done {
   const auto size = file.Size();
-  if (!size) return Failed(path, size.error());
+  return size ? ReadOn(file, *size, kept) : Failed(SegmentFile(mPlaces.folder, mTail->segment), size.error());
+}
+
+auto ChangeJournal::ReadOn(JournalFile& file, std::uint64_t size, const std::optional<JournalHead>& kept) -> Done {
   mTornBytes = 0;
-  if (*size <= mTail->end) return {};
-  JournalLines lines(file, mTail->end, *size);
+  if (size <= mTail->end) return {};
+  JournalLines lines(file, mTail->end, size);
   while (lines.Next()) {
     Take(lines.Line(), kept);
     mTail->end = lines.End();
   }
-  if (lines.Error()) return Failed(path, lines.Error());
+  if (lines.Error()) return Failed(SegmentFile(mPlaces.folder, mTail->segment), lines.Error());
   mTornBytes = lines.TornBytes();
-  if (mTornBytes > 0) mTornHash = HashOfPart(file, lines.End(), *size);
+  if (mTornBytes > 0) mTornHash = HashOfPart(file, lines.End(), size);
   return {};
 }
 
@@ -187,26 +194,8 @@ std::expected<std::uint64_t, FileError> ChangeJournal::Write(JournalRecord recor
   AddWhatWasFound(addition);
   Add(addition, std::move(record));
 
-  const fs::path path = SegmentFile(mPlaces.folder, addition.tail.segment);
-  if (addition.tail.segment > kMostSegments) return Failed(path, std::make_error_code(std::errc::file_too_large));
   const std::uint64_t from = isNew ? 0 : mTail->end;
-  {
-    const auto file = mDisk.Open(path, isNew ? Access::Create : Access::Write);
-    if (!file) return Failed(path, file.error());
-    std::error_code error = !isNew && mTornBytes > 0 ? (*file)->Truncate(from) : std::error_code();
-    if (!error) error = (*file)->Write(from, addition.lines);
-    if (!error) error = (*file)->Flush();
-    if (error) {
-      mIsBroken = true;
-      const std::error_code isCut = (*file)->Truncate(from);  // nobody is to take it for a record, if that can be had
-      if (isNew && !isCut) {
-        std::error_code ignored;
-        fs::remove(path, ignored);
-      }
-      return Failed(path, error);
-    }
-  }
-  if (isNew) mDisk.FlushFolder(mPlaces.folder);
+  if (const Done saved = Save(addition, isNew, from); !saved) return std::unexpected(saved.error());
   mTail = addition.tail;
   mTail->end = from + addition.lines.size();
   mIsBroken = false;
@@ -214,6 +203,30 @@ std::expected<std::uint64_t, FileError> ChangeJournal::Write(JournalRecord recor
   mMisfit.reset();
   KeepHead();
   return mTail->number;
+}
+
+auto ChangeJournal::Save(const Addition& addition, bool isNew, std::uint64_t from) -> Done {
+  const fs::path path = SegmentFile(mPlaces.folder, addition.tail.segment);
+  if (addition.tail.segment > kMostSegments) return Failed(path, std::make_error_code(std::errc::file_too_large));
+  std::unique_ptr<JournalFile> file = isNew ? nullptr : std::move(mLast);
+  if (!file) {
+    auto opened = mDisk.Open(path, isNew ? Access::Create : Access::Write);
+    if (!opened) return Failed(path, opened.error());
+    file = std::move(*opened);
+  }
+  std::error_code error = !isNew && mTornBytes > 0 ? file->Truncate(from) : std::error_code();
+  if (!error) error = file->Write(from, addition.lines);
+  if (!error) error = file->Flush();
+  if (!error) {
+    if (isNew) mDisk.FlushFolder(mPlaces.folder);
+    return {};
+  }
+  mIsBroken = true;
+  const std::error_code isCut = file->Truncate(from);  // nobody is to take it for a record, if that can be had
+  file.reset();
+  std::error_code ignored;
+  if (isNew && !isCut) fs::remove(path, ignored);
+  return Failed(path, error);
 }
 
 void ChangeJournal::Add(Addition& addition, JournalRecord record) const {

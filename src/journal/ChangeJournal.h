@@ -56,11 +56,13 @@ class ChangeJournal {
   [[nodiscard]] Done CatchUp();
   [[nodiscard]] Done Reload();
   [[nodiscard]] Done ReadAll(const std::vector<unsigned>& segments, const std::optional<JournalHead>& kept);
-  [[nodiscard]] Done ReadOn(JournalFile& file, const std::optional<JournalHead>& kept = {});
+  [[nodiscard]] Done ReadRest(JournalFile& file, const std::optional<JournalHead>& kept = {});
+  [[nodiscard]] Done ReadOn(JournalFile& file, std::uint64_t size, const std::optional<JournalHead>& kept = {});
   void Take(std::string_view line, const std::optional<JournalHead>& kept);
   [[nodiscard]] bool IsAt(JournalFile& file, const JournalHead& head) const;
 
   [[nodiscard]] std::expected<std::uint64_t, FileError> Write(JournalRecord record);
+  [[nodiscard]] Done Save(const Addition& addition, bool isNew, std::uint64_t from);
   void Add(Addition& addition, JournalRecord record) const;
   void AddWhatWasFound(Addition& addition) const;
   [[nodiscard]] bool NeedsSegment() const;
@@ -74,7 +76,8 @@ class ChangeJournal {
   Pacer& mPacer;
   const WallClock& mClock;
   std::filesystem::path mHeadFile;
-  std::optional<JournalHead> mTail;  // the end as it was last seen; number 0: there is no journal
+  std::optional<JournalHead> mTail;    // the end as it was last seen; number 0: there is no journal
+  std::unique_ptr<JournalFile> mLast;  // the last file, while a record is about to be written to it
   bool mIsBroken = false;
   std::uint64_t mTornBytes = 0;  // behind it
   std::string mTornHash;

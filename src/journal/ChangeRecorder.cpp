@@ -46,6 +46,7 @@ ChangeJournal& ChangeRecorder::Journal() {
   if (!mJournal || mJournal->Places().folder != folder) {
     mJournal = std::make_unique<ChangeJournal>(JournalPlaces{folder, mParts.stateFolder}, mParts.disk, mParts.pacer,
                                                mParts.clock);
+    mIsWriting = false;
   }
   return *mJournal;
 }
@@ -60,7 +61,9 @@ void ChangeRecorder::BeginOperation(const Operation& operation) {
 
 // A question belongs before the first request: a request that waits for a person has missed its time.
 void ChangeRecorder::CheckJournal(Current& current) {
-  const auto prepared = Journal().Prepare();
+  ChangeJournal& journal = Journal();
+  if (mIsWriting) return;
+  const auto prepared = journal.Prepare();
   if (prepared || mMayPass) return;
   const PromptAnswer answer = mParts.prompts.Show(
       {.text = "The change journal of the session cannot be written.\r\n\r\n" + prepared.error().Text() +
@@ -127,6 +130,7 @@ std::expected<void, LinkError> ChangeRecorder::Begin(Current& current, const Cha
   record.operands = current.operation.operands;
   record.reason = current.reason;
   const auto number = Journal().Append(std::move(record));
+  mIsWriting = number.has_value();
   current.isBegun = number || mMayPass;
   if (number) {
     current.number = *number;
@@ -176,6 +180,7 @@ void ChangeRecorder::RecordEnd(const Current& current, const ChangeEnd& end) {
   record.count = current.requests;
   auto number = Journal().Append(record);
   if (!number) number = Journal().Append(std::move(record));  // in another file
+  mIsWriting = number.has_value();
   if (!number) {
     mParts.tell(
         "The end of record " + std::to_string(current.number) +

@@ -83,7 +83,8 @@ class ChangeRecorder final : public ChangeObserver {
   std::string mSystemUser;
   std::unique_ptr<ChangeJournal> mJournal;
   std::optional<Current> mCurrent;
-  int mDepth = 0;  // of operations
+  int mDepth = 0;           // of operations
+  bool mIsWriting = false;  // the last record was written, so the next can probably be
   bool mMayPass = false;
   std::uint64_t mPassed = 0;
   bool mHasRecorded = false;

@@ -99,28 +99,43 @@ class Entries {
  public:
   explicit Entries(const JournalFilter& filter) : mFilter(filter) {}
 
-  void Take(const JournalRecord& record) {
+  // `bytes`: of its line.
+  void Take(JournalRecord record, std::size_t bytes) {
     if (record.kind == RecordKind::End) {
-      if (const auto begun = mEntries.find(record.of); begun != mEntries.end()) begun->second.end = record;
+      const auto begun = mEntries.find(record.of);
+      if (begun != mEntries.end()) begun->second.entry.end = std::move(record);
       return;
     }
-    JournalEntry entry{record, {}};
+    JournalEntry entry{std::move(record), {}};
     if (!mFilter.Wants(entry)) return;
-    mEntries.insert_or_assign(record.number, std::move(entry));
-    if (mEntries.size() <= kMostJournalEntries) return;
-    mEntries.erase(mEntries.begin());
-    ++mLeft;
+    const std::uint64_t number = entry.record.number;
+    Kept& kept = mEntries[number];
+    mBytes += bytes - kept.bytes;
+    kept = {std::move(entry), bytes};
+    while (mEntries.size() > kMostJournalEntries || mBytes > kMostJournalBytes) DropOldest();
   }
 
   [[nodiscard]] JournalListing Finish(std::uint64_t unreadable) && {
     JournalListing listing{.entries = {}, .left = mLeft, .unreadable = unreadable};
-    for (auto& [number, entry] : mEntries) listing.entries.push_back(std::move(entry));
+    for (auto& [number, kept] : mEntries) listing.entries.push_back(std::move(kept.entry));
     return listing;
   }
 
  private:
+  struct Kept {
+    JournalEntry entry;
+    std::size_t bytes = 0;
+  };
+
+  void DropOldest() {
+    mBytes -= mEntries.begin()->second.bytes;
+    mEntries.erase(mEntries.begin());
+    ++mLeft;
+  }
+
   const JournalFilter& mFilter;
-  std::map<std::uint64_t, JournalEntry> mEntries;
+  std::map<std::uint64_t, Kept> mEntries;
+  std::size_t mBytes = 0;
   std::uint64_t mLeft = 0;
 };
 
@@ -185,8 +200,8 @@ JournalListing ListJournal(const JournalPlaces& places, JournalDisk& disk, Pacer
     }
     JournalLines lines(**file, 0, segment.length);
     for (int i = 1; lines.Next(); ++i) {
-      if (const auto read = ParseRecord(lines.Line())) {
-        entries.Take(read->record);
+      if (auto read = ParseRecord(lines.Line())) {
+        entries.Take(std::move(read->record), lines.Line().size());
       } else {
         ++unreadable;
       }

@@ -40,8 +40,9 @@ struct JournalListing {
   std::uint64_t unreadable = 0;       // lines that are no records: see the check
 };
 
-// The newest are kept where there are more than this.
+// The newest are kept where there are more than this, or more bytes of records.
 inline constexpr std::size_t kMostJournalEntries = 100'000;
+inline constexpr std::size_t kMostJournalBytes = std::size_t{64} << 20;
 
 [[nodiscard]] JournalListing ListJournal(const JournalPlaces& places, JournalDisk& disk, Pacer& pacer,
                                          const JournalFilter& filter);

@@ -14,6 +14,10 @@ bool IsControl(char32_t code) {
   return code < 0x20 || (code >= 0x7F && code < 0xA0);
 }
 
+bool IsPlain(char c) {
+  return c >= 0x20 && c < 0x7F && c != '"' && c != '\\';
+}
+
 bool IsSurrogate(std::uint32_t code) {
   return code >= 0xD800 && code <= 0xDFFF;
 }
@@ -22,7 +26,12 @@ bool IsSurrogate(std::uint32_t code) {
 
 void AppendJsonText(std::string& json, std::string_view text) {
   json += '"';
-  while (!text.empty()) {
+  while (true) {
+    const auto* plain = std::ranges::find_if_not(text, IsPlain);
+    const auto count = static_cast<std::size_t>(plain - text.begin());
+    json.append(text.substr(0, count));
+    text.remove_prefix(count);
+    if (text.empty()) break;
     const char32_t code = TakeCharacter(text).value_or(U'?');
     if (code == U'"' || code == U'\\') {
       json += '\\';

@@ -72,8 +72,8 @@ TEST_F(DownloadVerbs, WhatGoesInIsAskedAboutAndReportedAfterwards) {
   const Row rows[] = {
       {"K220-22-R1", "project @hall.dai", "Download it? [y/N] yes (--dry-run)", "/01CCS", "\"project\": \"Hall 7\""},
       {"Q50", "project @hall.d50", "Download it? [y/N] yes (--dry-run)", "/01CCS", "\"project\": \"Hall 7\""},
-      {"K220-22-R1", "os", "Continue ? [y/N] yes (--dry-run)", "CCB", "4.75 (B03)"},
-      {"Q51", "os", "Continue ? [y/N] yes (--dry-run)", "CCB", "4.71 (B02)"},
+      {"K220-22-R1", "os", "Continue ? [y/N] yes (--dry-run)", "/01CCB", "4.75 (B03)"},
+      {"Q51", "os", "Continue ? [y/N] yes (--dry-run)", "/01CCB", "4.71 (B02)"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.model) + " " + row.what);

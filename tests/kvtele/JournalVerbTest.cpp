@@ -1,7 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "journal/JournalFiles.h"
+#include "tests/download/Samples.h"
 #include "tests/kvtele/CommandFixture.h"
 
 namespace kv::test {
@@ -27,12 +30,16 @@ TEST_F(JournalVerb, TellsWhoChangedWhatFromWhichValueToWhich) {
   EXPECT_EQ(On("--yes stop").exit, 0);
   EXPECT_EQ(On("--yes clone create @plc.kdf --password pw --no-stop").exit, 0);
   EXPECT_EQ(On("--yes clone restore @plc.kdf").exit, 0);
+  fixture.home.Put("hall.dai", SampleProject("K220-22-R1"));
+  EXPECT_EQ(On("--yes download project @hall.dai").exit, 0);
 
   const std::string list = fixture.Run("journal list").out;
   EXPECT_THAT(list, AllOf(HasSubstr("\tSimulated K220-22-R1\tkvtele write: write operands\tdone\n\treason: new recipe\n"
                                     "\tMI 0: 5 -> 7\n\tMI 1: 6 -> 8\n"),
                           HasSubstr("K220-22-R1, serial number "), HasSubstr("\tkvtele stop: stop the program\tdone\n"),
-                          HasSubstr("\tCloner: restore the clone " + fixture.PathOf("plc.kdf") + "\tdone\n")));
+                          HasSubstr("\tCloner: restore the clone " + fixture.PathOf("plc.kdf") + "\tdone\n"),
+                          HasSubstr("\tDownloader: download the project " + fixture.PathOf("hall.dai") + "\tdone\n")));
+  EXPECT_EQ(std::ranges::count(list, '\n'), 12) << "one record for all requests of an operation: " << list;
   EXPECT_THAT(fixture.Run("journal list --operand 'MI 1'").out, Not(HasSubstr("stop the program")));
   EXPECT_EQ(fixture.Run("journal list --user nobody").out, "");
   EXPECT_THAT(fixture.Run("--json journal list --operand 'MI 0'").out, HasSubstr("\"after\": [\n            \"7\","));
