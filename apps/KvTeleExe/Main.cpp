@@ -10,7 +10,9 @@
 
 #include "apps/KvTeleExe/TelepanelProgram.h"
 #include "base/PathText.h"
+#include "base/ProgramVersion.h"
 #include "journal/JournalDisk.h"
+#include "secret/CoreFiles.h"
 
 namespace {
 
@@ -25,8 +27,9 @@ bool OnlyPrints(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  kv::ForbidCoreFiles();
   QCoreApplication::setApplicationName("KvTeleExe");
-  QCoreApplication::setApplicationVersion(KV_VERSION);
+  QCoreApplication::setApplicationVersion(kv::ProgramVersion());
   const std::unique_ptr<QCoreApplication> application(OnlyPrints(argc, argv) ? new QCoreApplication(argc, argv)
                                                                              : new QApplication(argc, argv));
   QGuiApplication::setQuitOnLastWindowClosed(false);  // the program ends when its host does

@@ -20,6 +20,8 @@ constexpr std::chrono::milliseconds kSocketInterval{200};
 TelepanelProgram::TelepanelProgram(const std::filesystem::path& home, std::filesystem::path stateFolder)
     : mPaths(home),
       mPrompts(WindowsFile(mPaths)),
+      mPassword(mPrompts, "do it again, and enter the controller's password when you are asked for it",
+                {[this] { return mShared ? &mShared->UserPassword : nullptr; }, "The password of the log-in"}),
       mHelp(mPaths, mPrompts, WindowsFile(mPaths)),
       mControllers(mPaths.Session(kDefaultSession)),
       mDialogs({.pacer = mPacer,
@@ -39,6 +41,7 @@ void TelepanelProgram::Run() {
   mSocketTimer.stop();  // the socket has gone
   mDriver = nullptr;
   mRecorder.reset();
+  mShared = nullptr;
 }
 
 HostParts TelepanelProgram::Parts() {
@@ -53,6 +56,7 @@ HostParts TelepanelProgram::Parts() {
   parts.loadTapi = [this] { return LoadTapi(); };
   parts.createDriver = [this] { return MakeDriver(); };
   parts.createWindows = [this](SharedState& shared) {
+    mShared = &shared;
     RecordChanges(shared);
     return MakeToolWindows(
         {shared, mPrompts, mPacer, mClock, mClipboard, mShell, mHexSelector, WindowsFile(mPaths), mStateFolder});

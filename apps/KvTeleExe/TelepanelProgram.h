@@ -43,7 +43,8 @@ class TelepanelProgram {
   QtPacer mPacer;
   PacerWallClock mClock;
   QtPrompts mPrompts;
-  PromptedPassword mPassword{mPrompts, "do it again, and enter the controller's password when you are asked for it"};
+  SharedState* mShared = nullptr;  // while the program runs
+  PromptedPassword mPassword;
   QtClipboard mClipboard;
   QtShell mShell;
   HelpWindow mHelp;

@@ -3,10 +3,14 @@
 #include <QApplication>
 #include <array>
 
+#include "apps/KvTeleExe/AboutFacts.h"
 #include "apps/KvTeleExe/DialogWindow.h"
+#include "base/ProgramVersion.h"
 #include "clone/ui/frmDumpPLC.h"
 #include "dataview/ui/frmDataTypesView.h"
 #include "download/ui/frmDownloader.h"
+#include "host/ui/frmAbout.h"
+#include "host/ui/frmLogIn.h"
 #include "journal/ui/frmJournal.h"
 #include "sessions/SessionIni.h"
 #include "sessions/ui/frmSession.h"
@@ -17,6 +21,13 @@ namespace {
 using Made = std::unique_ptr<QDialog>;
 
 constexpr std::array kTable{
+    ToolWindowRow{"ID_About",
+                  [](const WindowServices& of, const std::string& edition, QWidget* parent) -> Made {
+                    clsAbout about(of.shell, edition);
+                    about.VersionSettings = ProgramVersion();
+                    const AboutServices services{of.shared, of.clock, of.clipboard, ThisProgram()};
+                    return std::make_unique<frmAbout>(about, services, parent);
+                  }},
     ToolWindowRow{"ID_DataTypes",
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
                     const mdlDataTypesView::DataTypesViewParts parts{of.shared,    of.prompts,     of.pacer,
@@ -38,6 +49,10 @@ constexpr std::array kTable{
                     const JournalServices services{
                         {SessionFolder(of.shared), of.stateFolder}, SystemJournalDisk(), of.prompts, of.pacer};
                     return std::make_unique<frmJournal>(services, parent);
+                  }},
+    ToolWindowRow{"ID_LogIn",
+                  [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
+                    return std::make_unique<frmLogIn>(of.shared, parent);
                   }},
     ToolWindowRow{"ID_Session",
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {

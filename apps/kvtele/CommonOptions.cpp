@@ -7,6 +7,7 @@
 #include "base/Numbers.h"
 #include "base/PathText.h"
 #include "models/ModelCatalogue.h"
+#include "secret/SecretFile.h"
 
 namespace kv::cli {
 
@@ -28,10 +29,18 @@ std::string CheckModel(const std::string& model) {
   return text;
 }
 
-std::string CheckPassword(const std::string& password) {
+std::string PasswordFault(std::string_view password) {
   const auto isPlain = [](char c) { return c >= 0x20 && c <= 0x7E; };
   if (!password.empty() && password.size() <= kLongestPassword && std::ranges::all_of(password, isPlain)) return {};
   return "a password has 1 to " + std::to_string(kLongestPassword) + " plain characters";
+}
+
+// The name goes into lines of texts and records.
+std::string CheckUser(const std::string& user) {
+  constexpr std::size_t kLongestUser = 255;
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
+  if (user.size() <= kLongestUser && std::ranges::none_of(user, isControl)) return {};
+  return "a user's name has at most " + std::to_string(kLongestUser) + " bytes, none of them a control character";
 }
 
 auto Within(NumberRange range) {
@@ -67,7 +76,44 @@ void DeclareLinkOptions(CLI::App& app, CommonOptions& options) {
       ->check(Within(kRetries));
 }
 
+void DeclareUserOptions(CLI::App& app, CommonOptions& options) {
+  app.add_option("--user", options.user,
+                 "Who works with it, for the records of what was changed. Default: the user of this computer")
+      ->type_name("NAME")
+      ->check(CheckUser);
+  CLI::Option* password =
+      app.add_option_function<std::string>(
+             "--password", [&options](const std::string& text) { options.password = Secret(text); },
+             "The controller's password. Others who use this computer can see it in the list of processes: for\n"
+             "tests. Otherwise use KVTELE_PASSWORD in the environment, --password-file, or wait to be asked")
+          ->type_name("PW")
+          ->check(PasswordFault);
+  app.add_option("--password-file", options.passwordFile,
+                 "File with the controller's password in its first line; refused unless only its owner can read it")
+      ->type_name("FILE")
+      ->excludes(password);
+}
+
 }  // namespace
+
+OrFailure<void> FindPassword(CommonOptions& options, const Secret& fromEnvironment) {
+  if (!options.password.IsEmpty()) return {};
+  if (!options.passwordFile.empty()) {
+    auto read = ReadSecretFile(PathFromUtf8(options.passwordFile));
+    if (!read) {
+      return std::unexpected(
+          Failure{ExitCode::BadFile, "badFile", "reading the password", read.error().happened, {}, read.error().cure});
+    }
+    options.password = *std::move(read);
+    options.passwordFrom = "--password-file";
+  } else {
+    options.password = fromEnvironment;
+    options.passwordFrom = "KVTELE_PASSWORD";
+  }
+  const std::string fault = options.password.IsEmpty() ? "" : PasswordFault(options.password.View());
+  if (fault.empty()) return {};
+  return std::unexpected(UsageFailure(options.passwordFrom + ": " + fault));
+}
 
 ProgramPaths CommonOptions::Paths(const std::filesystem::path& programFolder) const {
   return ProgramPaths(home.empty() ? programFolder : PathFromUtf8(home));
@@ -79,7 +125,7 @@ void DeclareCommonOptions(CLI::App& app, CommonOptions& options) {
       ->type_name("NAME")
       ->each([&options](const std::string&) { options.isSessionNamed = true; });
   DeclareLinkOptions(app, options);
-  app.add_option("--password", options.password, "The controller's password")->type_name("PW")->check(CheckPassword);
+  DeclareUserOptions(app, options);
   app.add_option("--model", options.model, "The model that the controller must be. Default: what it says itself")
       ->type_name("MODEL")
       ->check(CheckModel);

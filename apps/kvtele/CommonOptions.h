@@ -6,7 +6,9 @@
 #include <optional>
 #include <string>
 
+#include "apps/kvtele/Failure.h"
 #include "base/ProgramPaths.h"
+#include "secret/Secret.h"
 
 namespace kv::cli {
 
@@ -21,7 +23,10 @@ struct CommonOptions {
   std::optional<int> redials;                 // how often a watch dials a lost call again, 0 to 99
   std::optional<int> timeOut;                 // milliseconds a reply may take, 50 to 300000
   std::optional<int> retries;                 // how often a request is repeated, 0 to 9
-  std::optional<std::string> password;        // the controller's, 1 to 8 characters
+  Secret password;                            // the controller's, 1 to 8 characters; empty: none is known
+  std::string passwordFrom = "--password";    // where it comes from
+  std::string passwordFile;                   // empty: none
+  std::string user;                           // who works with it; empty: the user of this computer
   std::string model;                          // a selectable model; empty: what the controller says it is
   bool json = false;
   std::string trace;        // file that every frame is written to; empty: none
@@ -36,5 +41,8 @@ struct CommonOptions {
 // Tells the parser these options; `options` must outlive the parsing. Everything that can be judged without a
 // controller is checked by it.
 void DeclareCommonOptions(CLI::App& app, CommonOptions& options);
+
+// Where --password was not given: takes it from --password-file, else `fromEnvironment`, the value of KVTELE_PASSWORD.
+[[nodiscard]] OrFailure<void> FindPassword(CommonOptions& options, const Secret& fromEnvironment);
 
 }  // namespace kv::cli

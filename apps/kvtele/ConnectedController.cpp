@@ -33,12 +33,15 @@ Failure OtherModel(const std::string& asked, const VersionInfo& version, const s
 ConnectedController::ConnectedController(Environment& environment, const CommonOptions& common,
                                          std::unique_ptr<CommDriver> driver, LinkSettings settings)
     : mPrompts({}, environment.err, environment.input),
-      mPassword(mPrompts, "give the controller's password with --password", common.password),
+      mKnown(common.password),
+      mPassword(mPrompts, "give the controller's password with --password-file or KVTELE_PASSWORD",
+                {[this] { return &mKnown; }, "The password of " + common.passwordFrom}),
       mErr(environment.err),
       mShared(common.Paths(environment.home)),
       mJournalPrompts({.yesFlag = "--unrecorded"}, environment.err, environment.input),
       mDriver(std::move(driver)),
       mSettings(std::move(settings)) {
+  mShared.UserName = common.user;
   mDriver->SetPasswordSource(&mPassword);
   RecordChanges(environment, common);
 }

@@ -60,6 +60,7 @@ class ConnectedController {
   void TellOtherSpeed(Environment& environment) const;
 
   ConsolePrompts mPrompts;
+  Secret mKnown;  // beforehand
   PromptedPassword mPassword;
   std::ostream& mErr;
   SharedState mShared;

@@ -8,6 +8,7 @@ ConsolePrompts PromptsFor(Environment& environment, const CommonOptions& common)
   ConsoleAnswers answers;
   answers.yes = common.yes;
   answers.password = common.password;
+  answers.passwordFlag = common.passwordFrom;
   return {std::move(answers), environment.err, environment.input};
 }
 

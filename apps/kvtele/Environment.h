@@ -15,6 +15,7 @@
 #include "desktop/console/ConsoleInput.h"
 #include "journal/JournalDisk.h"
 #include "link/CommDriver.h"
+#include "secret/Secret.h"
 
 namespace kv::cli {
 
@@ -34,6 +35,7 @@ struct Environment {
   ConsoleInput& input;
   Pacer& pacer;
   const WallClock& clock;      // for the times in printed lines
+  Secret password = {};        // of KVTELE_PASSWORD
   std::filesystem::path home;  // the program folder, when --home does not name another
   std::function<OrFailure<std::unique_ptr<CommDriver>>(const DriverOrder&)> makeDriver;
   std::function<std::vector<SerialPortInfo>()> listSerialPorts;

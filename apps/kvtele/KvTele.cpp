@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "apps/kvtele/ProgramFacts.h"
 #include "apps/kvtele/Verb.h"
 #include "base/Hex.h"
+#include "base/ProgramVersion.h"
 
 namespace kv::cli {
 
@@ -46,7 +48,7 @@ struct Parsed {
 class CommandLine {
  public:
   CommandLine() {
-    mApp.set_version_flag("--version", "kvtele " KV_VERSION);
+    mApp.set_version_flag("--version", "kvtele " + std::string(ProgramVersion()));
     mApp.allow_windows_style_options(false);  // "/..." is a path
     mApp.require_subcommand(1);
     mApp.footer(kExitCodes);
@@ -60,7 +62,15 @@ class CommandLine {
     }
   }
 
-  [[nodiscard]] const CommonOptions& Common() const { return mCommon; }
+  [[nodiscard]] CommonOptions& Common() { return mCommon; }
+
+  [[nodiscard]] ProgramFacts Describe() const {
+    ProgramFacts facts{DescribeVerb(mApp, kProgramExamples), {}, kExitCodes};
+    for (const auto& verb : mVerbs) {
+      facts.verbs.push_back(DescribeVerb(*mApp.get_subcommand(verb->Name()), verb->Examples()));
+    }
+    return facts;
+  }
 
   [[nodiscard]] OrFailure<Parsed> Parse(const std::vector<std::string>& arguments) {
     try {
@@ -153,11 +163,18 @@ ExitCode Report(const VerbResult& result, bool json, Environment& environment) {
 
 }  // namespace
 
+ProgramFacts DescribeProgram() {
+  return CommandLine().Describe();
+}
+
 ExitCode RunKvTele(const std::vector<std::string>& arguments, Environment& environment) {
   CommandLine line;
   const auto parsed = line.Parse(arguments);
   if (!parsed) return Report(std::unexpected(parsed.error()), WantsJson(arguments), environment);
   if (!parsed->verb) return WriteOut(parsed->help, environment) ? ExitCode::Done : ExitCode::Failed;
+  if (const auto found = FindPassword(line.Common(), environment.password); !found) {
+    return Report(std::unexpected(found.error()), line.Common().json, environment);
+  }
   return Report(parsed->verb->Run(environment, line.Common()), line.Common().json, environment);
 }
 

@@ -11,6 +11,7 @@ ConsoleAnswers AnswersFor(const CommonOptions& common, std::optional<bool> maySt
   answers.yesFlag = "--stop";
   answers.noFlag = "--no-stop";
   answers.password = common.password;
+  answers.passwordFlag = common.passwordFrom;
   return answers;
 }
 

@@ -14,6 +14,7 @@ ConsoleAnswers AnswersFor(const CommonOptions& common, bool isDryRun, bool yes, 
   answers.yes = yes || isDryRun;
   answers.yesFlag = isDryRun ? "--dry-run" : flag;
   answers.password = common.password;
+  answers.passwordFlag = common.passwordFrom;
   return answers;
 }
 

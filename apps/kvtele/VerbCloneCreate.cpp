@@ -38,9 +38,10 @@ OrFailure<std::string> CheckProgram(Environment& environment, const CommonOption
 
 OrFailure<SafeCreate> CheckCreate(Environment& environment, const CommonOptions& common,
                                   const std::filesystem::path& file, const CreateOrder& order) {
-  if (!common.password && !environment.input.IsInteractive()) {
-    return std::unexpected(UsageFailure("the controller's password is missing",
-                                        "give it with --password; a controller without a password takes any"));
+  if (common.password.IsEmpty() && !environment.input.IsInteractive()) {
+    return std::unexpected(
+        UsageFailure("the controller's password is missing",
+                     "give it with --password-file or KVTELE_PASSWORD; a controller without a password takes any"));
   }
   SafeCreate safe(file);  // what stands there later nobody has consented to replace
   safe.SetComment(order.comment);

@@ -10,6 +10,8 @@
 #include <csignal>
 #endif
 
+#include <cstdlib>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -22,6 +24,7 @@
 #include "desktop/PacerWallClock.h"
 #include "desktop/console/ConsolePacer.h"
 #include "desktop/console/HarmlessText.h"
+#include "secret/CoreFiles.h"
 
 // What the platforms do differently at the edge of a console program.
 namespace {
@@ -75,6 +78,13 @@ bool ErrorIsTerminal() {
   return _isatty(_fileno(stderr)) != 0;
 }
 
+kv::Secret TakeVariable(const char* name) {
+  const char* value = std::getenv(name);
+  const kv::Secret secret{std::string_view(value == nullptr ? "" : value)};
+  (void)_putenv_s(name, "");  // takes it away
+  return secret;
+}
+
 #else
 
 ConsoleSetup::ConsoleSetup() {
@@ -95,12 +105,23 @@ bool ErrorIsTerminal() {
   return isatty(STDERR_FILENO) != 0;
 }
 
+// Out of the environment, where other programs of this user can read it and those that this one starts inherit it.
+kv::Secret TakeVariable(const char* name) {
+  char* value = std::getenv(name);
+  if (value == nullptr) return {};
+  kv::Secret secret{std::string_view(value)};
+  kv::WipeBytes(value, std::strlen(value));
+  unsetenv(name);
+  return secret;
+}
+
 #endif
 
 }  // namespace
 
 int main(int argc, char** argv) {
   using namespace kv;
+  ForbidCoreFiles();
   const ConsoleSetup setup;
   ConsolePacer pacer;
   const PacerWallClock clock;
@@ -118,6 +139,7 @@ int main(int argc, char** argv) {
       .input = input,
       .pacer = pacer,
       .clock = clock,
+      .password = TakeVariable("KVTELE_PASSWORD"),
       .home = ExecutableFolder(),
       .makeDriver = [&drivers](const cli::DriverOrder& order) { return drivers.Make(order); },
       .listSerialPorts = ListSerialPorts,

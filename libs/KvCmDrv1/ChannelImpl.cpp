@@ -115,8 +115,9 @@ void ChannelImpl::Retire() {
 std::optional<CommandReply> ChannelImpl::SendCommand(std::string_view command) {
   const std::uint8_t unit = mSettings.unit;
   const auto reply = mClient.SendText({unit, command, CommandFactsOf(command), std::nullopt});
+  const bool isSecret = command.starts_with("GI") || command.starts_with("AC");
+  if (isSecret) mClient.WipeRequest();
   if (!reply) {
-    const bool isSecret = command.starts_with("GI") || command.starts_with("AC");
     Fail(reply.error(), WithUnit("sending " + std::string(command.substr(0, isSecret ? 2 : 20)) + " to", unit));
     return std::nullopt;
   }
@@ -124,7 +125,7 @@ std::optional<CommandReply> ChannelImpl::SendCommand(std::string_view command) {
   CommandReply result{std::string(*reply), ReadRefusal(*reply, command).value_or(0)};
   if (command.size() == 2 + kLongestPassword && command.starts_with("GI") && reply->starts_with("GI1")) {
     const std::string_view password = command.substr(2);
-    mClient.Unit(unit).password = password.substr(0, password.find_last_not_of(' ') + 1);
+    mClient.Unit(unit).password = Secret(password.substr(0, password.find_last_not_of(' ') + 1));
   }
   result.text += ToHex(AsciiChecksum(result.text), 2);
   return result;
@@ -251,12 +252,14 @@ bool ChannelImpl::GiveAccess(std::string_view password, std::uint8_t unit) {
   const std::uint16_t tag = mClient.NextTag();
   const auto reply =
       Ask({unit, mWriter.GiveAccess(unit, tag, password), TaggedRead(kAccessReply), std::nullopt}, doing);
+  mWriter.WipeText();
+  mClient.WipeRequest();
   if (!reply) return false;
   if (!ReadsAccessGiven(*reply, tag)) {
     FailMalformed(doing());
     return false;
   }
-  mClient.Unit(unit).password = password;
+  mClient.Unit(unit).password = Secret(password);
   Succeed();
   return true;
 }

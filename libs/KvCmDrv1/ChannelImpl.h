@@ -41,6 +41,9 @@ class ChannelImpl final : public Channel {
   void UsePasswords(PasswordSource* source);
   // Who hears of what is no read; null: nobody.
   void ObserveChanges(ChangeObserver* observer);
+  // Forgets the passwords that were given, and closes a connection on which one has opened access. It comes back with
+  // the next request where the settings say so.
+  void ForgetPasswords() { mClient.ForgetPasswords(); }
   // Another operation of a tool begins: a user who did not give the password in the one before is asked again.
   void BeginOperation() { mClient.BeginOperation(); }
 

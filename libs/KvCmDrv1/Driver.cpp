@@ -116,6 +116,11 @@ void Driver::SetChangeObserver(ChangeObserver* observer) {
   if (mChannel) mChannel->ObserveChanges(observer);
 }
 
+void Driver::ForgetPasswords() {
+  if (mPasswords) mPasswords->Forget();
+  if (mChannel) mChannel->ForgetPasswords();
+}
+
 void Driver::CloseDriver() {
   if (mChannel) mChannel->Retire();
   mChannel.reset();

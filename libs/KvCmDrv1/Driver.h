@@ -45,6 +45,8 @@ class Driver final : public CommDriver {
   [[nodiscard]] const LinkError& LastError() const override { return mError; }
   void SetPasswordSource(PasswordSource* source) override;
   void SetChangeObserver(ChangeObserver* observer) override;
+  void ForgetPasswords() override;
+  [[nodiscard]] std::string RecentFrames() const override { return mTrace->Text(); }
   void CloseDriver() override;
   [[nodiscard]] std::string LinkDescription() const override;
   [[nodiscard]] std::optional<std::uint32_t> TiedSerialNumber() const override { return Settings().serialNumber; }

@@ -65,7 +65,7 @@ class ProtocolClient {
  public:
   using Say = std::function<void(const std::string& message)>;
   // The password of a unit; `wasWrong`: the one before was refused.
-  using AskForPassword = std::function<std::optional<std::string>(std::uint8_t unit, bool wasWrong)>;
+  using AskForPassword = std::function<std::optional<Secret>(std::uint8_t unit, bool wasWrong)>;
 
   ProtocolClient(Pacer& pacer, Line& line, const ExchangeSettings& settings, Say say);
 
@@ -115,6 +115,11 @@ class ProtocolClient {
   [[nodiscard]] Duration RestartRest(std::uint8_t unit) const;
   // Another controller is meant from now on.
   void ForgetUnits();
+  // Forgets every password, and ends the access that one has opened: that lasts as long as the connection, which is
+  // closed.
+  void ForgetPasswords();
+  // Overwrites the frame of the last request, which held a password. Its reply stays.
+  void WipeRequest() { Wipe(mRequestBuffers.frame); }
   // The other side has gone, as raw traffic found out.
   void NoteLoss();
   // The link is closed until it is opened from outside.

@@ -21,7 +21,7 @@ std::expected<int, LinkError> ProtocolClient::EnsureAccess(std::uint8_t unit) {
   if (auto done = EnsureHandshake(unit); !done) return std::unexpected(std::move(done.error()));
   const auto underWay = BeUnderWay();
   Exchange exchange = Begin(unit, 0);
-  const bool isKnown = !mUnits[unit].password.empty();
+  const bool isKnown = !mUnits[unit].password.IsEmpty();
   ExchangeOutcome outcome = GiveAccess(exchange);
   if (!isKnown && mAccessRefusal == kWrongPasswordCode) mAccessRefusal = 0;  // nobody has given a wrong one
   if (outcome == NotSupported) outcome = AskUntilGiven(exchange);
@@ -33,7 +33,7 @@ std::expected<int, LinkError> ProtocolClient::EnsureAccess(std::uint8_t unit) {
 
 // Done: the controller takes requests now. NotSupported: it does not.
 ExchangeOutcome ProtocolClient::GetAccess(Exchange& exchange) {
-  const ExchangeOutcome given = mUnits[exchange.unit].password.empty() ? NotSupported : GiveAccess(exchange);
+  const ExchangeOutcome given = mUnits[exchange.unit].password.IsEmpty() ? NotSupported : GiveAccess(exchange);
   return given == NotSupported ? AskUntilGiven(exchange) : given;
 }
 
@@ -60,24 +60,26 @@ ExchangeOutcome ProtocolClient::AskPassword(Exchange& exchange) {
   const bool wasWrong = mAccessRefusal == kWrongPasswordCode;
   if (!mAsk || mIsDeclined || (mAccessRefusal != 0 && !wasWrong)) return NotSupported;
   const Instant before = mPacer.Now();
-  std::optional<std::string> password = mAsk(exchange.unit, wasWrong);
+  std::optional<Secret> password = mAsk(exchange.unit, wasWrong);
   const Duration taken = mPacer.Now() - before;
   exchange.start += taken;
   exchange.deadline += taken;
   if (mLine.StopAsked()) return Stopped;
   if (mIsShut) return Closed;
   mIsDeclined = !password;
-  mUnits[exchange.unit].password = std::move(password).value_or("");
+  mUnits[exchange.unit].password = std::move(password).value_or(Secret());
   return mIsDeclined ? NotSupported : Done;
 }
 
 // Gives the password that is known; none is given as blanks. NotSupported: the controller does not take it.
 ExchangeOutcome ProtocolClient::GiveAccess(const Exchange& exchange) {
-  const std::string& password = mUnits[exchange.unit].password;
+  const std::string_view password = mUnits[exchange.unit].password.View();
   if (password.size() > kLongestPassword) return RefusePassword(exchange.unit, kWrongPasswordCode);
   const std::uint16_t tag = NextTag();
   const std::string_view text = mWriter.GiveAccess(exchange.unit, tag, password);
   const ExchangeOutcome outcome = Ask(exchange, text, TaggedRead(kAccessReply), mHandshakeBuffers);
+  mWriter.WipeText();
+  Wipe(mHandshakeBuffers.frame);
   if (outcome != Done) return outcome;
   if (!ReadsAccessGiven(mHandshakeBuffers.reply, tag)) {
     return RefusePassword(exchange.unit, ReadRefusal(mHandshakeBuffers.reply, "AC").value_or(kNeedsPasswordCode));
@@ -86,10 +88,22 @@ ExchangeOutcome ProtocolClient::GiveAccess(const Exchange& exchange) {
   return Done;
 }
 
+void ProtocolClient::ForgetPasswords() {
+  bool hadOne = false;
+  for (UnitState& unit : mUnits) {
+    hadOne = hadOne || !unit.password.IsEmpty();
+    unit.password.Clear();
+  }
+  mIsDeclined = false;  // the next user may know one
+  if (!hadOne || !mLine.IsOpen()) return;
+  mLoss = {"the access that a password had opened was ended", "another user works from now on", "open the link again"};
+  mLine.DropPartner();
+}
+
 // A controller that is only busy now will take the password the next time.
 ExchangeOutcome ProtocolClient::RefusePassword(std::uint8_t unit, int code) {
   mAccessRefusal = code;
-  if (code == kWrongPasswordCode) mUnits[unit].password.clear();
+  if (code == kWrongPasswordCode) mUnits[unit].password.Clear();
   return NotSupported;
 }
 

@@ -61,7 +61,7 @@ ExchangeOutcome ProtocolClient::RepeatHandshake(const Exchange& exchange) {
 ExchangeOutcome ProtocolClient::Introduce(const Exchange& exchange) {
   ExchangeOutcome outcome = Identify(exchange);
   if (outcome != Done) return outcome;
-  if (!mUnits[exchange.unit].password.empty()) {
+  if (!mUnits[exchange.unit].password.IsEmpty()) {
     // A password that is refused now will be asked for by the request that needs it.
     outcome = GiveAccess(exchange);
     if (outcome == Lost || outcome == Stopped) return outcome;

@@ -19,26 +19,26 @@ constexpr std::size_t kSealCheck = 8;
 constexpr std::size_t kEnd = 3;     // checksum and CR
 constexpr std::size_t kAround = 6;  // "/", unit id, checksum and CR
 
-enum class Secret { None, Access, Segments, Block };
+enum class Carrier { None, Access, Segments, Block };
 
-Secret SecretOf(std::string_view bytes) {
+Carrier CarrierOf(std::string_view bytes) {
   if (bytes.starts_with(kFrameStart)) {
     const std::string_view text = bytes.substr(std::min(kLetters, bytes.size()));
-    if (text.starts_with("AC")) return Secret::Access;
-    return text.starts_with("GI") ? Secret::Segments : Secret::None;
+    if (text.starts_with("AC")) return Carrier::Access;
+    return text.starts_with("GI") ? Carrier::Segments : Carrier::None;
   }
-  if (!bytes.starts_with(kBlockStart) || bytes.size() <= kBlockHead) return Secret::None;
+  if (!bytes.starts_with(kBlockStart) || bytes.size() <= kBlockHead) return Carrier::None;
   const std::uint32_t operation = LittleEndian(bytes.substr(8, 2));
-  return operation == 2 || operation == 66 ? Secret::Block : Secret::None;
+  return operation == 2 || operation == 66 ? Carrier::Block : Carrier::None;
 }
 
 // Whether a frame of this length is a reply. The requests have other lengths.
-bool IsReply(Secret secret, std::size_t frameSize) {
+bool IsReply(Carrier carrier, std::size_t frameSize) {
   constexpr std::size_t kRefusal = 2 + 5 + 2 + kSeal;  // letters, ERROR, code
   if (frameSize < kAround) return false;
   const std::size_t text = frameSize - kAround;
   if (text == kRefusal) return true;
-  if (secret == Secret::Access) return text == 2 + kTag + 2 + kSeal;
+  if (carrier == Carrier::Access) return text == 2 + kTag + 2 + kSeal;
   constexpr std::size_t kNoTable = 3 + kSeal;
   constexpr std::size_t kEmptyTable = 3 + 4 + kSeal;
   constexpr std::size_t kRow = 2 + 1 + 8 + 8;
@@ -46,11 +46,11 @@ bool IsReply(Secret secret, std::size_t frameSize) {
 }
 
 // From where to where the bytes depend on the password.
-std::pair<std::size_t, std::size_t> SecretPart(Secret secret, bool isReply, std::string_view bytes) {
-  if (secret == Secret::Block) return {kBlockHead, bytes.size()};
+std::pair<std::size_t, std::size_t> SecretPart(Carrier carrier, bool isReply, std::string_view bytes) {
+  if (carrier == Carrier::Block) return {kBlockHead, bytes.size()};
   const std::size_t end = bytes.size() - (bytes.ends_with(kFrameEnd) ? 1 : 0);
   if (isReply) return {bytes.size() - kEnd - kSealCheck, end};
-  return {kLetters + 2 + (secret == Secret::Access ? kTag : 0), end};
+  return {kLetters + 2 + (carrier == Carrier::Access ? kTag : 0), end};
 }
 
 bool IsWhole(std::string_view bytes) {
@@ -71,18 +71,19 @@ bool IsLike(std::string_view bytes, std::string_view secret) {
 }  // namespace
 
 std::optional<std::string_view> TraceSecrets::Harmless(Instant when, Passage passage, std::string_view bytes) {
-  const Secret secret = SecretOf(bytes);
+  const Carrier carrier = CarrierOf(bytes);
   const bool isSent = passage == Passage::Sent;
-  if (isSent && secret != Secret::None) {
+  if (isSent && carrier != Carrier::None) {
     mWithholdsUntil = when + kEchoesComeWithin;
-    mSecret = bytes;
+    mSecret = Secret(bytes);
   }
+  if (!mSecret.IsEmpty() && when >= mWithholdsUntil) mSecret.Clear();
   const bool mayBeEcho = !isSent && when < mWithholdsUntil;
   if (mayBeEcho && (passage == Passage::Garbage || !IsWhole(bytes))) return std::nullopt;
-  if (mayBeEcho && secret == Secret::None && IsLike(bytes, mSecret)) return std::nullopt;
-  if (secret == Secret::None) return bytes;
+  if (mayBeEcho && carrier == Carrier::None && IsLike(bytes, mSecret.View())) return std::nullopt;
+  if (carrier == Carrier::None) return bytes;
   mMasked = bytes;
-  const auto [from, to] = SecretPart(secret, !isSent && IsReply(secret, bytes.size()), bytes);
+  const auto [from, to] = SecretPart(carrier, !isSent && IsReply(carrier, bytes.size()), bytes);
   for (std::size_t at = from; at < to; ++at) mMasked[at] = '*';
   return mMasked;
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/Time.h"
+#include "secret/Secret.h"
 
 namespace kv {
 
@@ -26,7 +27,7 @@ class TraceSecrets {
 
  private:
   std::string mMasked;
-  std::string mSecret;  // the last request with a password
+  Secret mSecret;  // the last request with a password, while its echo may come
   Instant mWithholdsUntil = Instant::min();
 };
 

@@ -6,6 +6,7 @@
 
 #include "base/Time.h"
 #include "link/VersionInfo.h"
+#include "secret/Secret.h"
 
 namespace kv {
 
@@ -39,7 +40,7 @@ struct UnitState {
   bool isAsciiOnly = true;      // its model understands no block messages, or is not known
   bool modelMayChange = false;  // it was sent into its boot loader or out of it since it was identified
   std::string modelBefore;      // that it reported until then; when its power fails it may report that again
-  std::string password;         // with which access was given
+  Secret password;              // with which access was given
 };
 
 // Whether a controller that identifies itself as `model` understands ASCII frames only: the compact family, its boot

@@ -45,8 +45,8 @@ constexpr std::array kTools{
     HostCommand{"ID_DownloadDesigner",     "Download Desi&gner",               "",             "Starts the Download Designer for the selected model",                     "designer",  ""},
 };
 constexpr std::array kUser{
-    HostCommand{"ID_LogIn",                "Log &In...",                       "",             "Tells the tools who works with them",                                     "login",     ""},
-    HostCommand{kLogOff,                   "Log &Off",                         "",             "Forgets the user and the password",                                       "logoff",    ""},
+    HostCommand{"ID_LogIn",                "Log &In...",                       "Ctrl+U",       "Tells the tools who works with them",                                     "login",     "Log In"},
+    HostCommand{kLogOff,                   "Log &Off",                         "Ctrl+Shift+U", "Forgets the user and the password",                                       "logoff",    "Log Off"},
 };
 constexpr std::array kLog{
     HostCommand{kCopyLog,                  "&Copy",                            "Ctrl+Shift+C", "Copies the selected entries of the log, or all of them",                  "copy",      ""},
@@ -54,7 +54,7 @@ constexpr std::array kLog{
 };
 constexpr std::array kHelp{
     HostCommand{"ID_Help",                 "&Help",                            "F1",           "Opens the help",                                                          "help",      "Help"},
-    HostCommand{"ID_About",                "&About Telepanel...",              "",             "Version and addresses",                                                   "about",     ""},
+    HostCommand{"ID_About",                "&About Telepanel...",              "Ctrl+F1",      "Version, addresses, and a report for the support",                        "about",     "About"},
 };
 // clang-format on
 

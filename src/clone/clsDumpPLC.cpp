@@ -5,6 +5,7 @@
 
 #include "base/AnsiText.h"
 #include "base/DateText.h"
+#include "base/ScopeGuard.h"
 #include "clone/CloneFrame.h"
 #include "clone/CloneLines.h"
 #include "clone/ProgramState.h"
@@ -12,6 +13,7 @@
 #include "link/LinkLimits.h"
 #include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
+#include "secret/Secret.h"
 
 // Creating a clone. Restoring is in clsDumpPLCRestore.cpp.
 namespace kv {
@@ -121,20 +123,23 @@ std::expected<VersionInfo, CloneOutcome> clsDumpPLC::SupportsCloning(Channel& li
 }
 
 std::expected<clsDumpPLC::Segments, CloneOutcome> clsDumpPLC::ReadSegmentTable(Channel& link) {
-  const auto entered = mPrompts.Ask(PasswordQuestion(mControllerName));
+  auto entered = mPrompts.Ask(PasswordQuestion(mControllerName));
   if (!entered && IsStopRequested()) return std::unexpected(CloneOutcome::OfStop());
   if (!entered) {
     return Failure(CloneCause::NoPassword,
                    "No password was given: its box was cancelled. Nothing was changed in the controller.");
   }
   std::string password = Utf8ToAnsi(*entered);
+  Wipe(*entered);
+  const ScopeGuard wipe([&] { Wipe(password); });
   if (password.empty()) return Failure(CloneCause::Password, "No password was given. " + std::string(kAnyPassword));
   if (password.size() > kLongestPassword) {
     return Failure(CloneCause::Password,
                    "The password that was given has more than " + std::to_string(kLongestPassword) + " characters.");
   }
   password.resize(kLongestPassword, ' ');
-  const auto reply = link.SendCommand("GI" + password);
+  password.insert(0, "GI");
+  const auto reply = link.SendCommand(password);
   if (!reply) return LinkFailure(link);
   if (auto refusal = RefusalIn(reply->text)) {
     refusal->doing = "reading the segment table";

@@ -81,7 +81,7 @@ class Prompts {
   // Shows the box and returns the pressed button. Closing the box counts as LeastCommitting.
   virtual PromptAnswer Show(const MessageBox& box) = 0;
 
-  // The text entered with OK; nothing when the user cancelled.
+  // The text entered with OK; nothing when the user cancelled. Whoever asks for a secret wipes it when it is used.
   [[nodiscard]] virtual std::optional<std::string> Ask(const InputBox& box) = 0;
 
   // The chosen path (UTF-8); nothing when the user cancelled. A save dialog has asked about overwriting by itself.

@@ -9,7 +9,9 @@
 #include "base/ScopeGuard.h"
 #include "help/HelpTopics.h"
 #include "host/DesignFiles.h"
+#include "host/LogIn.h"
 #include "host/ModalBracket.h"
+#include "host/clsAbout.h"
 #include "link/identification/GoOnline.h"
 #include "models/ModelCatalogue.h"
 #include "sessions/RecentCaches.h"
@@ -133,7 +135,7 @@ void clsCallerExe::Escape(const std::string&) {
 }
 
 void clsCallerExe::Help(const std::string& argument) {
-  if (argument == "USER_RBK") {
+  if (argument == kDistributorEdition) {
     mRemote_OnToolClicked("ID_About", argument);
     return;
   }
@@ -180,10 +182,7 @@ void clsCallerExe::LogOff(const std::string&) {
                                             .title = "Log Off",
                                             .icon = PromptIcon::Question,
                                             .buttons = PromptButtons::YesNo});
-  if (answer != PromptAnswer::Yes) return;
-  mShared.UserName.clear();
-  mShared.UserPassword.clear();
-  mRemote->SetUserName("");
+  if (answer == PromptAnswer::Yes) kv::LogOff(mShared);
 }
 
 void clsCallerExe::PidServer(const std::string&) {

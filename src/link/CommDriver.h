@@ -45,6 +45,13 @@ class CommDriver {
   // Who hears of every request that is no read, of all channels from now on; null: nobody. Outlives the driver.
   virtual void SetChangeObserver(ChangeObserver*) {}
 
+  // Another user works from now on: the passwords of the one before are forgotten, and the access ends that they have
+  // opened. Not to be called in the middle of an operation.
+  virtual void ForgetPasswords() {}
+
+  // The last frames on the link, one a line, as the trace shows them: without anything that depends on a password.
+  [[nodiscard]] virtual std::string RecentFrames() const { return {}; }
+
   // A text like "COM3, 115200 8N1, unit 1", "192.168.1.20:20300, unit 1" or "Simulated K220-22-R1".
   [[nodiscard]] virtual std::string LinkDescription() const = 0;
 

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "secret/Secret.h"
+
 namespace kv {
 
 // The controller that wants its password, in words for a user.
@@ -20,9 +22,11 @@ class PasswordSource {
   virtual ~PasswordSource() = default;
 
   // At most 8 characters, Windows-1252. Nothing: none is known, and the user gave none.
-  [[nodiscard]] virtual std::optional<std::string> Password(const PasswordWanted& wanted) = 0;
+  [[nodiscard]] virtual std::optional<Secret> Password(const PasswordWanted& wanted) = 0;
   // How a user of this program gives the password, for the error of a request that went without.
   [[nodiscard]] virtual std::string Cure() const = 0;
+  // Another user works from now on: what is remembered of the passwords of the one before is forgotten.
+  virtual void Forget() {}
 };
 
 }  // namespace kv

@@ -53,7 +53,7 @@ TEST(ConsolePrompts, MessageBoxes) {
 
 // A password answers secrets only, and one that is refused is not given for ever.
 TEST(ConsolePrompts, TextsComeFromTheOptionsOrAreTyped) {
-  Console given({.password = "pw"});
+  Console given({.password = Secret("pw")});
   const InputBox secret{.text = "Password", .secret = true};
   for (const auto& answer : {std::optional<std::string>("pw"), {"pw"}, {"pw"}, {}}) {
     EXPECT_EQ(given.prompts.Ask(secret), answer);

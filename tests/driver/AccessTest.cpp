@@ -17,12 +17,12 @@ class Typist final : public PasswordSource {
  public:
   Typist(VirtualPacer& pacer, std::deque<std::string> passwords) : mPacer(pacer), mPasswords(std::move(passwords)) {}
 
-  std::optional<std::string> Password(const PasswordWanted& asked) override {
+  std::optional<Secret> Password(const PasswordWanted& asked) override {
     wanted.push_back(asked);
     mPacer.Sleep(60s);  // far longer than any request may take
     if (meanwhile) meanwhile();
     if (mPasswords.empty()) return std::nullopt;
-    std::string next = mPasswords.front();
+    Secret next = Secret::TakenFrom(mPasswords.front());
     mPasswords.pop_front();
     return next;
   }

@@ -134,13 +134,14 @@ TEST_F(ToolsTest, HelpIsQuietUntilEscape) {
 TEST_F(ToolsTest, LogOffAsksFirst) {
   for (const PromptAnswer answer : {PromptAnswer::No, PromptAnswer::Yes}) {
     CallLog expected{"Enabled off", "Box (?) Log Off: Are you sure you want to log off?", "Enabled on"};
-    if (answer == PromptAnswer::Yes) expected.insert(expected.end() - 1, "UserName");
+    if (answer == PromptAnswer::Yes) expected.insert(expected.end() - 1, {"Driver ForgetPasswords", "UserName"});
     prompts.Press(answer);
     EXPECT_EQ(CallsOf([&](clsCallerExe&) {
-                callerState->UserName = callerState->UserPassword = "anna";
+                callerState->UserName = "anna";
+                callerState->UserPassword = Secret("1234");
                 host.OnToolClicked("ID_LogOff", "");
-                const std::string left = callerState->UserName + callerState->UserPassword;
-                EXPECT_EQ(left, answer == PromptAnswer::Yes ? "" : "annaanna");
+                const std::string left = callerState->UserName + std::string(callerState->UserPassword.View());
+                EXPECT_EQ(left, answer == PromptAnswer::Yes ? "" : "anna1234");
               }),
               expected);
   }

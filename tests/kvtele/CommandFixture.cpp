@@ -61,6 +61,7 @@ Result CommandFixture::Run(const std::string& line) {
       .input = input,
       .pacer = pacer,
       .clock = pacer,
+      .password = password,
       .home = home.Path(),
       .makeDriver = [&](cli::DriverOrder order) -> cli::OrFailure<std::unique_ptr<CommDriver>> {
         if (driver) return std::move(driver);

@@ -28,6 +28,38 @@ TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
   EXPECT_EQ(fixture.On("Q50", "read MI 7").out, "7\t6\n");
 }
 
+TEST(Password, ComesFromTheEnvironmentOrAFileOfItsOwner) {
+  CommandFixture fixture;
+  fixture.options.password = "12~4";
+  std::filesystem::permissions(fixture.home.Put("right", "12~4\n"), std::filesystem::perms(0600));
+  std::filesystem::permissions(fixture.home.Put("wrong", "0000"), std::filesystem::perms(0600));
+  std::filesystem::permissions(fixture.home.Put("open", "12~4"), std::filesystem::perms(0640));
+  const struct {
+    const char* environment;
+    const char* arguments;
+    int exit;
+    const char* told;
+  } rows[] = {
+      {"12~4", "", 0, ""},
+      {"0000", "--password-file @right", 0, ""},
+      {"0000", "--password 12~4", 0, ""},
+      {"12~4", "--password-file @wrong", 4, "The password of --password-file is wrong here."},
+      {"0000", "", 4, "The password of KVTELE_PASSWORD is wrong here."},
+      {"123456789", "", 2, "KVTELE_PASSWORD: a password has 1 to 8 plain characters"},
+      {"", "--password-file @open", 6, "may be read or changed by others than its owner"},
+      {"", "--password-file @none", 6, "cannot be read"},
+      {"", "--password-file @right --password 12~4", 2, "excludes"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.arguments);
+    fixture.password = Secret(row.environment);
+    const Result result = fixture.On("Q50", std::string("write MI 7 5 --user anna ") + row.arguments);
+    EXPECT_EQ(result.exit, row.exit);
+    EXPECT_THAT(result.err, HasSubstr(row.told));
+    for (const char* secret : {"12~4", "0000", "123456789"}) EXPECT_EQ(result.err.find(secret), std::string::npos);
+  }
+}
+
 TEST(SerialNumber, OfTheControllerThatIsMeantIsTaken) {
   CommandFixture fixture;
   fixture.options.serialNumber = 4711;

@@ -1,10 +1,13 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
+#include "desktop/ScriptedPrompts.h"
 #include "link/LinkError.h"
 #include "link/OsVersion.h"
+#include "link/PromptedPassword.h"
 #include "link/ReconnectPauses.h"
 
 // clang-format off: the tables are laid out by hand
@@ -29,6 +32,37 @@ TEST(LinkError, ReadsAsOneSentenceALine) {
   bare.happened.clear();
   EXPECT_EQ(bare.Text(), "Opening COM3 failed.");
   EXPECT_EQ(LinkError{}.Text(), "");
+}
+
+// Nobody is asked for what is known, and no controller is given twice what it has refused.
+TEST(PromptedPassword, GivesTheKnownOneFirstAndAsksWhenItIsWrong) {
+  Secret known("g\xC3\xBC\x6Et");
+  ScriptedPrompts prompts([](const std::string& what) { ADD_FAILURE() << what; });
+  PromptedPassword source(prompts, "", {[&] { return &known; }, "The password of the log-in"});
+  const auto given = [&](const char* controller, bool wasWrong, const std::optional<std::string>& typed = "typed") {
+    const std::size_t asked = prompts.Inputs().size();
+    prompts.Enter(typed);
+    const auto password = source.Password({.controller = controller, .link = "COM3", .wasWrong = wasWrong});
+    if (prompts.Inputs().size() == asked) (void)prompts.Ask({});
+    return password ? std::string(password->View()) : "(none)";
+  };
+  const auto lastText = [&] { return prompts.Inputs().back().text.substr(0, 40); };
+  EXPECT_EQ(given("one", false), "g\xFCnt");
+  EXPECT_EQ(given("one", false), "g\xFCnt") << "over another connection";
+  EXPECT_EQ(given("other", false), "g\xFCnt");
+  EXPECT_EQ(given("other", true), "typed");
+  EXPECT_THAT(lastText(), testing::StartsWith("The password of the log-in is wrong here"));
+  EXPECT_EQ(given("other", true, std::nullopt), "(none)");
+  EXPECT_THAT(lastText(), testing::StartsWith("This password is wrong. "));
+  EXPECT_EQ(given("other", false), "typed");
+  EXPECT_THAT(lastText(), testing::StartsWith("The controller does this only with its"));
+  EXPECT_EQ(given("one", false), "g\xFCnt");
+  source.Forget();
+  EXPECT_EQ(given("other", false), "g\xFCnt");
+  for (const char* impossible : {"", "nine char", "\xD0\x9C"}) {
+    known = Secret(impossible);
+    EXPECT_EQ(given("one", false), "typed") << impossible;
+  }
 }
 
 TEST(ReconnectPauses, DoubleUpToTheLongest) {

@@ -33,6 +33,7 @@ class FakeDriver : public CommDriver {
   void SetChannel(std::shared_ptr<Channel> newChannel) override { channel = std::move(newChannel); }
   const LinkError& LastError() const override { return mError; }
   void SetPasswordSource(PasswordSource*) override {}
+  void ForgetPasswords() override { Note("ForgetPasswords"); }
   void CloseDriver() override { Note("CloseDriver"); }
   std::string LinkDescription() const override { return description; }
   std::optional<std::uint32_t> TiedSerialNumber() const override { return tied; }

@@ -66,6 +66,7 @@ class ProgramProcess {
     if (mOut.IsReady(0) && ::waitpid(mProcess, &status, 0) == mProcess) mProcess = -1;
     return WIFEXITED(status) && mProcess < 0 ? WEXITSTATUS(status) : -1;
   }
+  [[nodiscard]] pid_t Number() const { return mProcess; }
   // What it printed, after End().
   [[nodiscard]] const std::string& Output() const { return mOutput; }
   [[nodiscard]] const std::string& Complaint() const { return mComplaint; }

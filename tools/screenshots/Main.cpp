@@ -99,6 +99,10 @@ void TakePictures(Photographer& camera, QMainWindow& window) {
   TakeHelp(camera, window);
   camera.TakeDialog(window, "sessions");
   Trigger(window, "ID_Session");
+  camera.TakeDialog(window, "log-in");
+  Trigger(window, "ID_LogIn");
+  camera.TakeDialog(window, "about");
+  Trigger(window, "ID_About");
   camera.TakeDialog(window, "link-simulated");
   Trigger(window, "ID_ComParams");
   camera.TakeDialog(window, "link-serial", ChooseSerial);

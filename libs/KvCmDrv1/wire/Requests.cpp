@@ -3,6 +3,7 @@
 #include "base/Crc32.h"
 #include "base/Hex.h"
 #include "link/LinkLimits.h"
+#include "secret/Secret.h"
 
 namespace kv {
 
@@ -45,6 +46,10 @@ std::string_view RequestWriter::GiveAccess(std::uint8_t unit, std::uint16_t tag,
 std::string_view RequestWriter::Synchronise(std::uint8_t unit, std::uint16_t tag) {
   Begin("SY", tag);
   return Finish(unit);
+}
+
+void RequestWriter::WipeText() {
+  Wipe(mText);
 }
 
 void RequestWriter::Begin(std::string_view letters, std::uint16_t tag) {

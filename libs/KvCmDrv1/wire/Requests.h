@@ -27,6 +27,8 @@ class RequestWriter {
   [[nodiscard]] std::string_view GiveAccess(std::uint8_t unit, std::uint16_t tag, std::string_view password);
   // Asks which request other than a read was executed last.
   [[nodiscard]] std::string_view Synchronise(std::uint8_t unit, std::uint16_t tag);
+  // Overwrites the text that was built last: it holds a password.
+  void WipeText();
 
  private:
   void Begin(std::string_view letters, std::uint16_t tag);

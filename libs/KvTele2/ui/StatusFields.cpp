@@ -15,8 +15,16 @@ void StatusFields::Show(const HostState& state) {
   ShowText(QString::fromStdString(state.message));
   mLink->setText(QString::fromStdString(state.link));
   mSession->setText("Session " + QString::fromStdString(state.session));
-  mUser->setText(state.user.empty() ? "Nobody logged in" : QString::fromStdString(state.user));
+  ShowUser(QString::fromStdString(state.user));
   mConnection->setText(QString::fromStdString(ConnectionText(state)));
+}
+
+// A long name must not widen the window.
+void StatusFields::ShowUser(const QString& name) {
+  constexpr int kMostCharacters = 24;
+  mUser->setText(fontMetrics().elidedText(name, Qt::ElideRight, kMostCharacters * fontMetrics().averageCharWidth()));
+  mUser->setToolTip("Logged in: " + name);
+  mUser->setVisible(!name.isEmpty());
 }
 
 }  // namespace kv

@@ -5,8 +5,8 @@
 
 namespace kv {
 
-// The status bar: the last message, and on the right the link, the session, the user, and whether a controller is on
-// line.
+// The status bar: the last message, and on the right the link, the session, the user while somebody is logged in,
+// and whether a controller is on line.
 class StatusFields final : public MessageBar {
  public:
   explicit StatusFields(QWidget* parent);
@@ -14,6 +14,8 @@ class StatusFields final : public MessageBar {
   void Show(const HostState& state);
 
  private:
+  void ShowUser(const QString& name);
+
   QLabel* mLink;
   QLabel* mSession;
   QLabel* mUser;

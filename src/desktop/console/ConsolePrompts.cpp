@@ -76,11 +76,11 @@ std::optional<std::string> ConsolePrompts::Ask(const InputBox& box) {
   const bool offered = !box.secret && !box.initial.empty();
   mOut << (offered ? " [" + box.initial + "] " : " ") << std::flush;
   if (auto password = KnownPassword(box)) {
-    mOut << "(--password)\n" << std::flush;
+    mOut << "(" << mAnswers.passwordFlag << ")\n" << std::flush;
     return password;
   }
   auto typed =
-      Type(box.secret, box.secret ? "cancelled (nobody to ask; --password answers)" : "cancelled (nobody to ask)");
+      Type(box.secret, box.secret ? "cancelled (nobody to ask; --password-file answers)" : "cancelled (nobody to ask)");
   return typed && typed->empty() && offered ? box.initial : typed;
 }
 
@@ -100,8 +100,8 @@ std::optional<std::string> ConsolePrompts::SaveFile(const FileDialog& dialog) {
 }
 
 std::optional<std::string> ConsolePrompts::KnownPassword(const InputBox& box) {
-  const bool known = box.secret && mAnswers.password && ++mPasswordUses[box.text] <= kMaxPasswordUses;
-  return known ? mAnswers.password : std::nullopt;
+  const bool known = box.secret && !mAnswers.password.IsEmpty() && ++mPasswordUses[box.text] <= kMaxPasswordUses;
+  return known ? std::optional(std::string(mAnswers.password.View())) : std::nullopt;
 }
 
 // The typed line; where nobody can type, nothing, and `hint` is printed in its place.

@@ -9,6 +9,7 @@
 
 #include "desktop/Prompts.h"
 #include "desktop/console/ConsoleInput.h"
+#include "secret/Secret.h"
 
 namespace kv {
 
@@ -18,9 +19,10 @@ struct ConsoleAnswers {
   bool no = false;                // answers every question with its least committing button
   std::string yesFlag = "--yes";  // how the user says so beforehand, for the texts
   std::string noFlag = {};
-  std::optional<std::string> password = {};  // answers the boxes that ask for a secret
-  std::deque<std::string> openFiles = {};    // paths for the open dialogs, in the order in which they come
-  std::deque<std::string> saveFiles = {};    // the same for the save dialogs
+  Secret password = {};  // answers the boxes that ask for one; empty: none
+  std::string passwordFlag = "--password";
+  std::deque<std::string> openFiles = {};  // paths for the open dialogs, in the order in which they come
+  std::deque<std::string> saveFiles = {};  // the same for the save dialogs
 };
 
 // Prompts on the terminal: every box is printed, answered from the flags, else typed by the user; where nobody can be

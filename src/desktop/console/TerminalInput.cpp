@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <iostream>
 
 #include "base/ScopeGuard.h"
 #include "desktop/console/ConsoleInput.h"
+#include "secret/Secret.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -32,6 +34,14 @@ bool IsTerminal() {
   return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
 }
 
+// Reads past the stream, whose buffer would keep the line.
+bool ReadHidden(char* text, std::size_t size, std::size_t& count) {
+  DWORD read = 0;
+  const bool isRead = ReadFile(GetStdHandle(STD_INPUT_HANDLE), text, static_cast<DWORD>(size), &read, nullptr) != 0;
+  count = read;
+  return isRead && read > 0;
+}
+
 #else
 
 auto HideTyping() {
@@ -51,6 +61,13 @@ bool IsTerminal() {
   return isatty(STDIN_FILENO) != 0;
 }
 
+// Reads past the stream, whose buffer would keep the line.
+bool ReadHidden(char* text, std::size_t size, std::size_t& count) {
+  const ssize_t read = ::read(STDIN_FILENO, text, size);
+  count = static_cast<std::size_t>(std::max<ssize_t>(read, 0));
+  return read > 0;
+}
+
 #endif
 
 }  // namespace
@@ -59,13 +76,27 @@ bool TerminalInput::IsInteractive() const {
   return IsTerminal();
 }
 
+namespace {
+
+// A terminal hands out one line at a time, however much is asked for.
+std::optional<std::string> ReadSecret() {
+  constexpr std::size_t kMostBytes = 1024;
+  const auto showAgain = HideTyping();
+  std::string line(kMostBytes, '\0');
+  std::size_t count = 0;
+  const bool isRead = ReadHidden(line.data(), line.size(), count);
+  std::cerr << '\n';  // the line end was not shown either
+  line.resize(std::min({count, line.find_first_of("\r\n"), line.size()}));
+  return isRead ? std::optional(std::move(line)) : std::nullopt;
+}
+
+}  // namespace
+
 std::optional<std::string> TerminalInput::ReadLine(bool secret) {
-  auto showAgain = HideTyping();
-  if (!secret) showAgain.Run();
+  if (secret) return ReadSecret();
   std::string line;
   const bool read = static_cast<bool>(std::getline(std::cin, line));
   std::cin.clear();
-  if (secret) std::cerr << '\n';  // the line end was not shown either
   return read ? std::optional(line) : std::nullopt;
 }
 

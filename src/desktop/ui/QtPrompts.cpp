@@ -13,6 +13,7 @@
 #include "desktop/ui/HelpLink.h"
 #include "desktop/ui/HelpRequest.h"
 #include "desktop/ui/RunDialog.h"
+#include "desktop/ui/SecretField.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv {
@@ -137,7 +138,7 @@ std::optional<std::string> QtPrompts::Ask(const InputBox& box) {
   input->setObjectName("txtInput");
   input->setAccessibleName(label->text());
   input->setAccessibleDescription(hint->text());
-  input->setEchoMode(box.secret ? QLineEdit::Password : QLineEdit::Normal);
+  if (box.secret) MakeSecret(*input);
   input->selectAll();
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
   buttons->button(QDialogButtonBox::Ok)->setObjectName("cmdOk");
@@ -149,8 +150,12 @@ std::optional<std::string> QtPrompts::Ask(const InputBox& box) {
   page->addWidget(hint);
   page->addWidget(input);
   page->addWidget(buttons);
-  if (RunDialog(dialog) != QDialog::Accepted) return std::nullopt;
-  return input->text().toStdString();
+  const bool isEntered = RunDialog(dialog) == QDialog::Accepted;
+  if (box.secret) {
+    const Secret typed = TakeSecret(*input);
+    return isEntered ? std::optional(std::string(typed.View())) : std::nullopt;
+  }
+  return isEntered ? std::optional(input->text().toStdString()) : std::nullopt;
 }
 
 std::optional<std::string> QtPrompts::OpenFile(const FileDialog& dialog) {

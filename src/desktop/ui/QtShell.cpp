@@ -33,7 +33,7 @@ bool IsKnownToHaveNoViewer(const QFileInfo& file) {
 std::expected<void, std::string> QtShell::Open(std::string_view /*verb*/, std::string_view file,
                                                std::string_view parameters) {
   const std::string name(file);
-  const bool isAddress = name.find("://") != std::string::npos;
+  const bool isAddress = name.find("://") != std::string::npos || name.starts_with("mailto:");
   const QFileInfo found(FromText(file));
   if (!isAddress && !found.exists()) {
     return std::unexpected(name + " cannot be opened: it does not exist. Check the installation.");

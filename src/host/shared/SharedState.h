@@ -7,6 +7,7 @@
 #include "host/shared/RemoteHost.h"
 #include "host/shared/clsBitsHandler.h"
 #include "link/CommDriver.h"
+#include "secret/Secret.h"
 
 namespace kv {
 
@@ -17,8 +18,8 @@ struct SharedState {
 
   ProgramPaths paths;
   std::string CurrentSession = "Default";  // name of a folder under Sessions, UTF-8
-  std::string UserName;
-  std::string UserPassword;  // never stored on disk
+  std::string UserName;                    // who is logged in, UTF-8; empty: nobody
+  Secret UserPassword;                     // UTF-8; never stored on disk
   RemoteHost* Remote = nullptr;
   CommDriver* ComDriver = nullptr;
   std::unique_ptr<clsBitsHandler> BitsHandler;

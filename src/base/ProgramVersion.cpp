@@ -1,0 +1,9 @@
+#include "base/ProgramVersion.h"
+
+namespace kv {
+
+const char* ProgramVersion() {
+  return KV_VERSION;
+}
+
+}  // namespace kv

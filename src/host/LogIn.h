@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "host/shared/SharedState.h"
+
+namespace kv {
+
+// Who works with the tools. One user is logged in, or nobody; whoever comes begins without the passwords and the access
+// of the one before.
+
+// The name that was entered last in this session, for the next log-in; "" at first.
+[[nodiscard]] std::string LastUserName(const SharedState& shared);
+
+// Both texts are UTF-8 and taken as they are; an empty name is one, too. The name is kept for the next log-in, the
+// password nowhere but in memory. A name that the session's settings cannot hold is logged in all the same, and the
+// host's status line says so.
+void LogIn(SharedState& shared, const std::string& name, Secret password);
+
+// Forgets the user, his password, and the access that it has opened.
+void LogOff(SharedState& shared);
+
+}  // namespace kv
