@@ -8,6 +8,7 @@
 #include "dataview/sheets/SheetLibraries.h"
 #include "deflate/DeflateLibrary.h"
 #include "desktop/SystemName.h"
+#include "help/HelpLibrary.h"
 #include "secret/SecretLibrary.h"
 
 namespace kv {
@@ -29,7 +30,8 @@ std::string ScreenText() {
 ReportedProgram ThisProgram() {
   ReportedProgram program{.name = "KvTeleExe", .system = {}, .libraries = {}};
   program.system = {SystemName(), ScreenText(), "locale " + QLocale::system().name().toStdString()};
-  program.libraries = {{"Qt", qVersion(), "LGPL-3.0-only"}, PortLibrary(), SecretLibrary(), DeflateLibrary()};
+  program.libraries = {
+      {"Qt", qVersion(), "LGPL-3.0-only"}, PortLibrary(), SecretLibrary(), DeflateLibrary(), HelpLibrary()};
   for (LibraryNotice& library : SheetLibraries()) program.libraries.push_back(std::move(library));
   return program;
 }

@@ -40,10 +40,11 @@ class Verb {
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbJournal();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbSessions();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbPorts();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbReport();
 
 // All of them, in the order in which --help lists them.
 inline constexpr std::array kVerbMakers = {
     MakeVerbIdentify, MakeVerbOnline, MakeVerbRead, MakeVerbWrite,   MakeVerbRegions,  MakeVerbWatch, MakeVerbClone,
-    MakeVerbDownload, MakeVerbRun,    MakeVerbStop, MakeVerbJournal, MakeVerbSessions, MakeVerbPorts};
+    MakeVerbDownload, MakeVerbRun,    MakeVerbStop, MakeVerbJournal, MakeVerbSessions, MakeVerbPorts, MakeVerbReport};
 
 }  // namespace kv::cli

@@ -4,7 +4,7 @@ namespace kv {
 
 // The library has no way to tell its version.
 LibraryNotice HelpLibrary() {
-  return {"libchm", "0.40", "LGPL-2.1-or-later"};
+  return {"libchm", "(not told)", "LGPL-2.1-or-later"};
 }
 
 }  // namespace kv

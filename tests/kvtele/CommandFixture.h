@@ -43,7 +43,7 @@ class CommandFixture {
   bool errIsTerminal = false;
   bool recordsChanges = false;  // in the session's journal, with its head in the folder "state" of `home`
   bool outIsBroken = false;     // its reader has gone away, or the disk is full
-  Secret password;           // of the environment
+  Secret password;              // of the environment
   std::vector<SerialPortInfo> serialPorts;
   PortMaker makePort = MakePort;
   std::unique_ptr<CommDriver> driver;  // of the next command; none: the real one

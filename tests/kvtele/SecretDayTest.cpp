@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -74,7 +75,7 @@ class SecretDay : public testing::Test {
     for (ssize_t count = 0; (count = ::read(terminal, piece, sizeof(piece))) > 0;) {
       shown.append(piece, static_cast<std::size_t>(count));
       if (isTyped || !shown.contains(question)) continue;
-      while (ShowsLetters(terminal)) ::usleep(1000);  // what is typed before would be shown, and thrown away
+      while (ShowsLetters(terminal)) ::poll(nullptr, 0, 1);  // what is typed before would be shown, and thrown away
       isTyped = ::write(terminal, line.data(), line.size()) == static_cast<ssize_t>(line.size());
     }
     int status = 0;
@@ -119,6 +120,12 @@ TEST_F(SecretDay, LeavesNothingThatTellsThePassword) {
     const auto wrong = WithVariable("Zx7+kQ2H");
     EXPECT_EQ(Do({"write", "MI", "7", "8"}), 4);
     printed += DoTyping({"write", "MI", "7", "7"}, "KVTELE_PASSWORD is wrong here", std::string(kPassword) + "\n");
+  }
+  {
+    const auto known = WithVariable(kPassword);
+    EXPECT_EQ(Do({"report"}), 0) << printed;
+    EXPECT_THAT(printed, HasSubstr("Telepanel error report\nkvtele "));
+    EXPECT_THAT(printed, HasSubstr("[unit 1: identification]"));
   }
   EXPECT_FALSE(secret.AreIn(printed)) << printed;
   EXPECT_THAT(secret.FilesIn(home.Path(), "password.txt"), IsEmpty());
