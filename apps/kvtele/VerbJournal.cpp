@@ -104,7 +104,7 @@ Failure CannotSave(const FileError& error) {
 
 const char* VerbJournal::Examples() const {
   return "  kvtele journal list                              each change, with the values before and after\n"
-         "  kvtele journal list --operand \"MI 5\" --user anna  of one operand, by one user\n"
+         "  kvtele journal list --operand \"MI 5\" --by anna    of one operand, by one user\n"
          "  kvtele journal list --day 2026-11-22 --csv f.csv as a table for office programs\n"
          "  kvtele journal check                             is it as it was written?\n"
          "  kvtele journal check --expect HASH,COUNT         and does it hold the record with this head?\n";
@@ -114,7 +114,7 @@ void VerbJournal::Declare(CLI::App& app) {
   app.add_option("ACTION", mAction, "list or check")->required()->check(CLI::IsMember({"list", "check"}));
   app.add_option("--operand", mFilter.operand, "With list: changes of \"MI 5\", \"MI 0..9\" or MI")
       ->type_name("OPERAND");
-  app.add_option("--user,--by", mFilter.user, "With list: changes by this user, or a part of the name")
+  app.add_option("--by", mFilter.user, "With list: changes by this user, or a part of the name")
       ->type_name("NAME");
   app.add_option("--day", mFilter.day, "With list: changes of 2026-11-22, or of 2026-11")->type_name("DAY");
   app.add_option("--csv", mCsv, "With list: a file that gets a line for each operand")->type_name("FILE");
@@ -125,7 +125,7 @@ void VerbJournal::Declare(CLI::App& app) {
 OrFailure<void> VerbJournal::CheckArguments() const {
   const bool isList = mAction == "list";
   const bool filters = !mFilter.operand.empty() || !mFilter.user.empty() || !mFilter.day.empty() || !mCsv.empty();
-  if (!isList && filters) return std::unexpected(UsageFailure("--operand, --user, --day and --csv go with list"));
+  if (!isList && filters) return std::unexpected(UsageFailure("--operand, --by, --day and --csv go with list"));
   if (isList && !mExpected.empty()) return std::unexpected(UsageFailure("--expect goes with check"));
   if (!mExpected.empty() && !ParseAnchor(mExpected)) {
     return std::unexpected(UsageFailure("\"" + mExpected + "\" is no head of a journal",

@@ -41,7 +41,7 @@ TEST_F(JournalVerb, TellsWhoChangedWhatFromWhichValueToWhich) {
                           HasSubstr("\tDownloader: download the project " + fixture.PathOf("hall.dai") + "\tdone\n")));
   EXPECT_EQ(std::ranges::count(list, '\n'), 12) << "one record for all requests of an operation: " << list;
   EXPECT_THAT(fixture.Run("journal list --operand 'MI 1'").out, Not(HasSubstr("stop the program")));
-  EXPECT_EQ(fixture.Run("journal list --user nobody").out, "");
+  EXPECT_EQ(fixture.Run("journal list --by nobody").out, "");
   EXPECT_THAT(fixture.Run("--json journal list --operand 'MI 0'").out, HasSubstr("\"after\": [\n            \"7\","));
   EXPECT_EQ(fixture.Run("journal list --csv @j.csv").exit, 0);
   EXPECT_THAT(TemporaryFolder::Content(fixture.home.Path() / "j.csv"), HasSubstr(",MI 1,6,8,done,"));
