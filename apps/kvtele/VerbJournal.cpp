@@ -114,8 +114,7 @@ void VerbJournal::Declare(CLI::App& app) {
   app.add_option("ACTION", mAction, "list or check")->required()->check(CLI::IsMember({"list", "check"}));
   app.add_option("--operand", mFilter.operand, "With list: changes of \"MI 5\", \"MI 0..9\" or MI")
       ->type_name("OPERAND");
-  app.add_option("--by", mFilter.user, "With list: changes by this user, or a part of the name")
-      ->type_name("NAME");
+  app.add_option("--by", mFilter.user, "With list: changes by this user, or a part of the name")->type_name("NAME");
   app.add_option("--day", mFilter.day, "With list: changes of 2026-11-22, or of 2026-11")->type_name("DAY");
   app.add_option("--csv", mCsv, "With list: a file that gets a line for each operand")->type_name("FILE");
   app.add_option("--expect", mExpected, "With check: hash and number of a record, as kvtele prints them")
