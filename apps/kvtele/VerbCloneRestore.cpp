@@ -143,17 +143,18 @@ class Restoring {
     engine.UseUnit(mController->Unit());  // of a damaged file, too, nothing goes to another one
     engine.ExpectDigest(mInfo.sha256);
     engine.RestoreGhost(*port, mFile, &link);
-    restoring.End(ChangeEndOf(engine.Outcome()));
-    if (engine.Outcome().end == CloneEnd::Done) return CheckAfter(engine.Reach(), doing);
     CloneOutcome outcome = engine.Outcome();
+    if (outcome.end == CloneEnd::Done) return CheckAfter(engine.Reach(), doing, restoring);
+    restoring.End(ChangeEndOf(outcome));
     const std::string left = AskWhatIsLeft(engine.Reach(), link, mEnvironment.pacer);
     if (!left.empty()) outcome.reason += "\n" + left;
     return std::unexpected(CloneFailure(doing, outcome));
   }
 
-  Done CheckAfter(RestoreReach reach, const std::string& doing) {
+  Done CheckAfter(RestoreReach reach, const std::string& doing, OperationScope& restoring) {
     if (mOrder.verify) reach.unproven = 0;  // the comparison will tell
     const auto checked = CheckAfterRestore(reach, mController->Link(), mCheck.controller);
+    restoring.End(checked ? ChangeEnd{} : ChangeEndOf(checked.error()));
     if (!checked) return std::unexpected(CloneFailure(doing, checked.error()));
     return {};
   }

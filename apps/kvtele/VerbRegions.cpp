@@ -181,10 +181,8 @@ VerbResult WriteValues(Environment& environment, const CommonOptions& common, Co
   const auto written = WriteRuns(environment, controller, values.runs);
   if (!written) return std::unexpected(written.error());
   const auto compared = Compare(environment, controller, values.runs);
-  if (!compared) {
-    writing.End({ChangeResult::Failed, compared.error().happened});
-    return std::unexpected(compared.error());
-  }
+  writing.End(compared ? ChangeEnd{} : ChangeEnd{ChangeResult::Failed, compared.error().happened});
+  if (!compared) return std::unexpected(compared.error());
   return WriteOutput(environment, values, *compared);
 }
 

@@ -24,8 +24,8 @@ class VerbWrite : public Verb {
 
  private:
   [[nodiscard]] OrFailure<Region> CheckOrder(const Environment& environment, const CommonOptions& common) const;
-  [[nodiscard]] VerbResult Compare(Environment& environment, ConnectedController& controller,
-                                   const Region& region) const;
+  [[nodiscard]] VerbResult Compare(Environment& environment, ConnectedController& controller, const Region& region,
+                                   OperationScope& writing) const;
 
   std::string mType;
   std::string mFrom;
@@ -69,9 +69,7 @@ VerbResult VerbWrite::Run(Environment& environment, const CommonOptions& common)
                           .operands = {{RegionText(*region), ValuesBefore(controller, *region), mValues}}});
   const auto written = WriteOperands(environment, controller, *region, mValues);
   if (!written) return std::unexpected(written.error());
-  VerbResult compared = Compare(environment, controller, *region);
-  if (!compared) writing.End({ChangeResult::Failed, compared.error().happened});
-  return compared;
+  return Compare(environment, controller, *region, writing);
 }
 
 // Everything that can be said without a controller.
@@ -92,14 +90,18 @@ OrFailure<Region> VerbWrite::CheckOrder(const Environment& environment, const Co
   return region;
 }
 
-VerbResult VerbWrite::Compare(Environment& environment, ConnectedController& controller, const Region& region) const {
+// What is told stands in the journal before.
+VerbResult VerbWrite::Compare(Environment& environment, ConnectedController& controller, const Region& region,
+                              OperationScope& writing) const {
   if (!mdlDataTypesView::IsReadableFrom(controller.Model(), region.type)) {
+    writing.End({ChangeResult::Done, "not compared"});
     environment.err << "Written: " << RegionText(region)
                     << ". It was not compared: operands of this type cannot be read "
                     << "back on " << controller.Model() << ".\n";
     return MakeOutput(region, nullptr);
   }
   const auto readBack = ReadOperandsBack(environment, controller, region, mValues);
+  writing.End(readBack ? ChangeEnd{} : ChangeEnd{ChangeResult::Failed, readBack.error().happened});
   if (!readBack) return std::unexpected(readBack.error());
   environment.err << "Written and read back: " << RegionText(region) << "\n";
   return MakeOutput(region, *readBack);

@@ -6,6 +6,7 @@
 #include "clone/CloneFile.h"
 #include "clone/CloneFrame.h"
 #include "clone/clsDumpPLC.h"
+#include "link/ErrorMeaning.h"
 
 // Restoring a clone: nothing but sending the lines of the file and waiting for an OK to each.
 namespace kv {
@@ -166,7 +167,7 @@ clsDumpPLC::Step clsDumpPLC::RestoreLine(SerialPortObject& port, std::string_vie
   mWindow.Event_AddWriteCommand(line);
   Step done = SendCloneCommand(port, line);
   if (done) done = WaitCloneReply(port, line);
-  mReach.isUnsure = !done && done.error().link.code != LinkErrorCode::Refused;
+  mReach.isUnsure = !done && !MeansNotExecuted(done.error().link);
   if (!done) {
     const auto frame = ParseCloneFrame(line);
     mReach.isEnd = frame && frame->isEnd;
@@ -182,7 +183,9 @@ clsDumpPLC::Step clsDumpPLC::RestoreLine(SerialPortObject& port, std::string_vie
 clsDumpPLC::Step clsDumpPLC::SendCloneCommand(SerialPortObject& port, std::string_view line) {
   port.SetInBufferCount(0);
   if (port.Output(line)) return {};
-  return std::unexpected(PortFailure(CloneCause::Link, "it could not be sent, because the link is down."));
+  const bool isHeldBack = mLink != nullptr && mLink->LastError().code == LinkErrorCode::NotRecorded;
+  return std::unexpected(PortFailure(
+      CloneCause::Link, isHeldBack ? "it was not sent." : "it could not be sent, because the link is down."));
 }
 
 clsDumpPLC::Step clsDumpPLC::WaitCloneReply(SerialPortObject& port, std::string_view line) {

@@ -5,6 +5,7 @@
 #include "base/PathText.h"
 #include "base/Texts.h"
 #include "desktop/UserName.h"
+#include "journal/JournalHead.h"
 #include "sessions/SessionIni.h"
 
 namespace kv {
@@ -44,8 +45,9 @@ ChangeEnd ChangeRecorder::Current::End() const {
 ChangeJournal& ChangeRecorder::Journal() {
   const std::filesystem::path folder = SessionFolder(mParts.shared);
   if (!mJournal || mJournal->Places().folder != folder) {
-    mJournal = std::make_unique<ChangeJournal>(JournalPlaces{folder, mParts.stateFolder}, mParts.disk, mParts.pacer,
-                                               mParts.clock);
+    const JournalPlaces places{folder, mParts.stateFolder};
+    mJournal = std::make_unique<ChangeJournal>(places, mParts.disk, mParts.pacer, mParts.clock);
+    mPassed.emplace(HeadFile(places));
     mIsWriting = false;
   }
   return *mJournal;
@@ -140,7 +142,7 @@ std::expected<void, LinkError> ChangeRecorder::Begin(Current& current, const Cha
     return {};
   }
   if (mMayPass) {
-    ++mPassed;
+    LetPass(current);
     return {};
   }
   current.refusal = Refusal(number.error());
@@ -148,13 +150,19 @@ std::expected<void, LinkError> ChangeRecorder::Begin(Current& current, const Cha
 }
 
 void ChangeRecorder::RecordUnrecorded() {
-  if (mPassed == 0) return;
-  JournalRecord record{.kind = RecordKind::Unrecorded, .count = mPassed};
-  record.detail = Counted(mPassed, "operation") +
+  const std::uint64_t passed = mPassed->Count();
+  if (passed == 0) return;
+  JournalRecord record{.kind = RecordKind::Unrecorded, .count = passed};
+  record.detail = Counted(passed, "operation") +
                   " before this one changed controllers without a record: the journal "
                   "could not be written, and the user let " +
-                  (mPassed == 1 ? "it" : "them") + " pass.";
-  if (Journal().Append(std::move(record))) mPassed = 0;
+                  (passed == 1 ? "it" : "them") + " pass.";
+  if (Journal().Append(std::move(record))) mPassed->Clear();
+}
+
+void ChangeRecorder::LetPass(const Current& current) {
+  mPassed->Add();
+  mParts.tell("Not recorded in the change journal, which cannot be written: " + current.operation.what + ".");
 }
 
 void ChangeRecorder::AfterRequest(const ChangeEnd& end) {

@@ -11,6 +11,7 @@
 #include "desktop/WallClock.h"
 #include "host/shared/SharedState.h"
 #include "journal/ChangeJournal.h"
+#include "journal/PassedChanges.h"
 #include "link/ChangeObserver.h"
 
 namespace kv {
@@ -34,7 +35,8 @@ struct RecorderParts {
 //   no operation -> begun (a request of its own) -> ended with it
 //
 // Where the journal cannot be written the change is refused before it is sent, unless the user says otherwise for this
-// session: he is asked when the next operation begins, and the changes that passed so are counted.
+// session: he is asked when the next operation begins. What passes so is told at once, and counted until the journal
+// can tell it.
 class ChangeRecorder final : public ChangeObserver {
  public:
   explicit ChangeRecorder(RecorderParts parts);
@@ -75,6 +77,7 @@ class ChangeRecorder final : public ChangeObserver {
   [[nodiscard]] std::expected<void, LinkError> Begin(Current& current, const ChangeRequest& request);
   void RecordEnd(const Current& current, const ChangeEnd& end);
   void RecordUnrecorded();
+  void LetPass(const Current& current);
   void TellHeadTrouble();
   [[nodiscard]] LinkError Refusal(const FileError& why) const;
   [[nodiscard]] std::string User() const;
@@ -82,11 +85,11 @@ class ChangeRecorder final : public ChangeObserver {
   RecorderParts mParts;
   std::string mSystemUser;
   std::unique_ptr<ChangeJournal> mJournal;
+  std::optional<PassedChanges> mPassed;  // of the same session
   std::optional<Current> mCurrent;
   int mDepth = 0;           // of operations
   bool mIsWriting = false;  // the last record was written, so the next can probably be
   bool mMayPass = false;
-  std::uint64_t mPassed = 0;
   bool mHasRecorded = false;
   bool mHasToldHeadTrouble = false;
   std::string mReason;

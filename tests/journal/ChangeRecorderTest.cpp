@@ -15,14 +15,15 @@ struct ChangeRecorderTest : testing::Test, test::SessionFixture {
   test::FaultyDisk disk;
   std::vector<std::string> told;
   std::filesystem::path state = SessionFolder(shared).parent_path() / "state";
-  ChangeRecorder recorder{{.shared = shared,
-                           .stateFolder = state,
-                           .disk = disk,
-                           .prompts = asked,
-                           .pacer = pacer,
-                           .clock = pacer,
-                           .tell = [this](const std::string& text) { told.push_back(text); },
-                           .cure = "or say otherwise"}};
+  const RecorderParts parts{.shared = shared,
+                            .stateFolder = state,
+                            .disk = disk,
+                            .prompts = asked,
+                            .pacer = pacer,
+                            .clock = pacer,
+                            .tell = [this](const std::string& text) { told.push_back(text); },
+                            .cure = "or say otherwise"};
+  ChangeRecorder recorder{parts};
   const ChangeRequest request{"unit 1: write MI 0", {"K220-22-R1", 7, "Mixer"}, "COM3"};
 
   [[nodiscard]] JournalPlaces Places() const { return {SessionFolder(shared), state}; }
@@ -90,10 +91,12 @@ TEST_F(ChangeRecorderTest, RefusesWhatItCannotRecordUnlessTheUserSaysOtherwise) 
     const OperationScope again(&recorder, {"Operand view", "write"});
     EXPECT_TRUE(Send()) << "one question for the session";
   }
+  EXPECT_THAT(told, testing::Contains("Not recorded in the change journal, which cannot be written: write.").Times(2));
   std::filesystem::remove(SessionFolder(shared));
-  {
-    const OperationScope again(&recorder, {"Operand view", "write"});
-    EXPECT_TRUE(Send());
+  {  // by another run of the program
+    ChangeRecorder later(parts);
+    const OperationScope again(&later, {"Operand view", "write"});
+    EXPECT_TRUE(later.BeforeRequest(request));
   }
   EXPECT_THAT(Recorded(), testing::HasSubstr("2 operations before this one changed controllers without a record"));
 }

@@ -198,12 +198,13 @@ void frmDumpPLC::Send(Restoring& restoring) {
   mEngine->ExpectDigest(restoring.info.sha256);
   mEngine->RestoreGhost(*restoring.link.GetSerialPort(), restoring.file, &restoring.link);
   CloneOutcome outcome = mEngine->Outcome();
-  restoring.operation->End(ChangeEndOf(outcome));
   mProgressText->setText("Asking the controller what it is doing now");
   if (outcome.end == CloneEnd::Done) {
     const auto checked = CheckAfterRestore(mEngine->Reach(), restoring.link, restoring.check.controller);
     if (!checked) outcome = checked.error();
+    restoring.operation->End(ChangeEndOf(outcome));
   } else {
+    restoring.operation->End(ChangeEndOf(outcome));
     const std::string left = AskWhatIsLeft(mEngine->Reach(), restoring.link, mServices.pacer);
     if (!left.empty()) outcome.reason += "\n" + left;
   }
