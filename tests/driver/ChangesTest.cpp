@@ -26,7 +26,7 @@ struct Observer final : ChangeObserver, PasswordSource {
   }
   void AfterRequest(const ChangeEnd& end) override { ends.push_back(end.result); }
   std::string Head() const override { return ""; }
-  std::optional<std::string> Password(const PasswordWanted&) override { return "key"; }
+  std::optional<Secret> Password(const PasswordWanted&) override { return Secret("key"); }
   std::string Cure() const override { return ""; }
 
   Plant& plant;
