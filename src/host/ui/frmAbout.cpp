@@ -68,7 +68,7 @@ void frmAbout::BuildAddresses(QVBoxLayout& page) {
   add("lblSupport", "Support", clsAbout::kSupport, [this] { mAbout.WriteToSupport(); });
   add("lblExport", "Export", clsAbout::kExport, [this] { mAbout.WriteToExport(); });
   add("lblWebSite", "Web site", clsAbout::kWebSite, [this] { mAbout.OpenKorvantisWebSite(); });
-  add("lblAurex", "Colour panels", clsAbout::kProductPage, [this] { mAbout.OpenAurexWebSite(); });
+  add("lblAurex", "Panels", clsAbout::kProductPage, [this] { mAbout.OpenAurexWebSite(); });
   if (mAbout.Screen().showsDistributor) {
     auto* distributor = new QLabel("Distributed by RBK", this);
     distributor->setObjectName("lblDistributor");
