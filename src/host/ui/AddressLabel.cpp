@@ -4,6 +4,8 @@
 #include <QMouseEvent>
 #include <utility>
 
+#include "desktop/ui/HelpLink.h"
+
 namespace kv {
 
 AddressLabel::AddressLabel(const char* name, std::string_view address, const QString& what, std::function<void()> open,
@@ -16,6 +18,9 @@ AddressLabel::AddressLabel(const char* name, std::string_view address, const QSt
   setTextFormat(Qt::PlainText);
   setFocusPolicy(Qt::TabFocus);
   setCursor(Qt::PointingHandCursor);
+  QPalette colours = palette();
+  colours.setColor(QPalette::Link, ReadableLinkColour(colours));
+  setPalette(colours);
   setForegroundRole(QPalette::Link);
   setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
 }
