@@ -55,7 +55,7 @@ ChangeJournal& ChangeRecorder::Journal() {
 
 void ChangeRecorder::BeginOperation(const Operation& operation) {
   if (mDepth++ > 0) return;
-  mCurrent.emplace();
+  mCurrent = Current{};
   mCurrent->operation = operation;
   CheckJournal(*mCurrent);
   if (!mCurrent->refusal) AskReason(*mCurrent);
@@ -103,7 +103,7 @@ void ChangeRecorder::AskReason(Current& current) {
 std::expected<void, LinkError> ChangeRecorder::BeforeRequest(const ChangeRequest& request) {
   // A request that no tool has named is an operation of its own.
   if (!mCurrent) {
-    mCurrent.emplace();
+    mCurrent = Current{};
     mCurrent->operation.what = request.meaning;
     mCurrent->reason = mReason;
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <set>
+#include <utility>
 
 #include "base/Numbers.h"
 #include "base/Texts.h"
@@ -54,7 +55,8 @@ class Checker {
     if (mHead.number > 0) mCheck.head = mHead;
     for (std::size_t i = 0; i < mAnchors.size(); ++i) HoldAgainst(mAnchors[i], mMet[i]);
     mCheck.openRecords.assign(mOpen.begin(), mOpen.end());
-    std::ranges::stable_sort(mCheck.findings, {}, &JournalCheck::Finding::number);
+    std::ranges::sort(mCheck.findings, {},
+                      [](const auto& finding) { return std::pair(finding.number, finding.fault); });
     return std::move(mCheck);
   }
 
