@@ -6,8 +6,9 @@
 
 namespace kv {
 
-// A password while the program keeps it. Its memory is its own: never swapped out, left out of core files, and wiped
-// when the secret is cleared, replaced or gone. Empty until it is given one.
+// A password while the program keeps it. Its memory is its own: left out of core files, not swapped out where the
+// system lets a program lock memory, and wiped when the secret is cleared, replaced or gone. Empty until it is given
+// one.
 //
 // Whoever has to make a plain text of it, for a frame or a field, wipes that as soon as it is used.
 class Secret {

@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <fstream>
 
@@ -55,11 +57,17 @@ std::string FlagsOfMemory(const void* bytes) {
   return {};
 }
 
+// Some systems give a process no memory to lock, and the sanitizers' runtime takes no notice of the call.
+bool CanLockMemory() {
+  alignas(4096) static std::array<char, 4096> page{};
+  return ::mlock(page.data(), page.size()) == 0 && FlagsOfMemory(page.data()).contains(" lo");
+}
+
 TEST(Secret, HasMemoryOfItsOwn) {
   const Secret secret("1234");
   const std::string flags = FlagsOfMemory(secret.View().data());
   EXPECT_THAT(flags, HasSubstr(" dd"));
-  EXPECT_THAT(flags, HasSubstr(" lo"));
+  EXPECT_TRUE(flags.contains(" lo") || !CanLockMemory()) << flags;
 }
 
 TEST(SecretFile, IsReadWhenOnlyItsOwnerCan) {
