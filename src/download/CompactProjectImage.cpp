@@ -23,6 +23,8 @@ constexpr std::array kForms = {
     Form{"LN", 0, 0, kLongestProjectName, "expected a name of at most 20 bytes, as digits"},
 };
 constexpr std::string_view kName = "LN";
+// The boot loader, its speeds and the flash of the O/S: with these lines a project would take the O/S away.
+constexpr auto kOfOs = std::to_array<std::string_view>({"CCB", "CB0A", "CPSR", "OS"});
 
 const Form* FormOf(std::string_view line) {
   const auto form = std::ranges::find_if(kForms, [&](const Form& each) { return line.starts_with(each.command); });
@@ -46,6 +48,9 @@ std::expected<CompactPiece, std::string> Read(const Form& form, std::string_view
 }  // namespace
 
 std::expected<CompactPiece, std::string> ReadCompactPiece(std::string_view line) {
+  if (std::ranges::any_of(kOfOs, [&](std::string_view command) { return line.starts_with(command); })) {
+    return std::unexpected("this command is for the download of an O/S, and has no place in a project");
+  }
   const Form* form = FormOf(line);
   if (form == nullptr) return CompactPiece{};
   auto piece = Read(*form, line);
