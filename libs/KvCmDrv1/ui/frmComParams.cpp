@@ -13,6 +13,7 @@
 #include "desktop/ui/BusyState.h"
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
+#include "desktop/ui/TextLabel.h"
 #include "link/OsVersion.h"
 
 namespace kv {
@@ -84,12 +85,7 @@ void frmComParams::AddCommands() {
   AddButton(mTest);
   AddButton(trace);
   BeginTabsWith(mTransport);
-  mResult = new QLabel(this);
-  mResult->setObjectName("lblResult");
-  mResult->setAccessibleName("Result of the test");
-  mResult->setTextFormat(Qt::PlainText);
-  mResult->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  mResult->setWordWrap(true);
+  mResult = MakeTextLabel("lblResult", "Result of the test", this);
   Below().addWidget(mResult);
 }
 

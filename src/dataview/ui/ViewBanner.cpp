@@ -10,6 +10,7 @@
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/HelpLink.h"
 #include "desktop/ui/Icons.h"
+#include "desktop/ui/TextLabel.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -17,13 +18,7 @@ namespace {
 constexpr int kIconSize = 24;
 
 ScrolledText* Text(const char* name, const char* what, QWidget* parent) {
-  auto* label = new QLabel;
-  label->setObjectName(name);
-  label->setAccessibleName(what);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  return new ScrolledText(label, parent);
+  return new ScrolledText(MakeTextLabel(name, what, nullptr), parent);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "download/ui/OsFileBox.h"
 
 #include "base/PathText.h"
+#include "desktop/ui/TextLabel.h"
 
 namespace kv {
 
@@ -9,20 +10,10 @@ namespace {
 constexpr int kShown = 30;  // characters
 constexpr int kRows = 20;
 
-QLabel* MakeLabel(const char* name, const char* accessibleName, QWidget* parent) {
-  auto* label = new QLabel(parent);
-  label->setObjectName(name);
-  label->setAccessibleName(accessibleName);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  return label;
-}
-
 }  // namespace
 
 QLabel* MakeOsHeading(const QString& controller, QWidget* parent) {
-  QLabel* label = MakeLabel("lblController", "The controller that the O/S is for", parent);
+  QLabel* label = MakeTextLabel("lblController", "The controller that the O/S is for", parent);
   label->setText("For " + controller);
   QFont bold = label->font();
   bold.setBold(true);
@@ -31,7 +22,7 @@ QLabel* MakeOsHeading(const QString& controller, QWidget* parent) {
 }
 
 QLabel* MakeOsHint(QWidget* parent) {
-  return MakeLabel("lblHint", "What is missing or worth knowing", parent);
+  return MakeTextLabel("lblHint", "What is missing or worth knowing", parent);
 }
 
 QComboBox* MakeOsFileBox(const char* name, const char* accessibleName, const FileList& list, QWidget* parent) {

@@ -16,6 +16,7 @@
 #include "desktop/ui/HelpLink.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/ScrollPage.h"
+#include "desktop/ui/TextLabel.h"
 #include "download/ui/SideTable.h"
 #include "download/ui/frmDownloader.h"
 
@@ -25,16 +26,6 @@ namespace {
 constexpr QSize kFirstSize(760, 700);
 constexpr int kInformationLines = 5;
 constexpr int kMostLines = 1000;
-
-QLabel* MakeLabel(const char* name, const char* accessibleName, QWidget* parent) {
-  auto* label = new QLabel(parent);
-  label->setObjectName(name);
-  label->setAccessibleName(accessibleName);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  return label;
-}
 
 }  // namespace
 
@@ -79,12 +70,12 @@ QPushButton* frmDownloader::AddButton(const char* name, const QIcon& icon, const
 }
 
 void frmDownloader::BuildController(QVBoxLayout& page) {
-  mController = MakeLabel("lblController", "The controller that is downloaded into", this);
+  mController = MakeTextLabel("lblController", "The controller that is downloaded into", this);
   mController->setToolTip("The controller that is downloaded into");
   QFont bold = mController->font();
   bold.setBold(true);
   mController->setFont(bold);
-  mAdvice = MakeLabel("lblAdvice", "What to do about the controller's state", this);
+  mAdvice = MakeTextLabel("lblAdvice", "What to do about the controller's state", this);
   mAdviceSign = new QLabel(this);
   mAdviceSign->setPixmap(IconOf("warning").pixmap(style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this)));
   auto* advice = new QHBoxLayout;
@@ -104,9 +95,9 @@ void frmDownloader::BuildProject(QVBoxLayout& page) {
                        "Chooses the project file; it can be dropped on this window, too", "Ctrl+O");
   mDownload = AddButton("cmdDownload", IconOf("download"), "&Download",
                         "Sends the project into the controller; its program stops", "Alt+D");
-  mFileName = MakeLabel("lblFileName", "File name", frame);
-  mProjectName = MakeLabel("lblProjectName", "Project name", frame);
-  mModel = MakeLabel("lblPLCModel", "PLC model", frame);
+  mFileName = MakeTextLabel("lblFileName", "File name", frame);
+  mProjectName = MakeTextLabel("lblProjectName", "Project name", frame);
+  mModel = MakeTextLabel("lblPLCModel", "PLC model", frame);
   auto* facts = new QFormLayout;
   facts->addRow("File Name:", mFileName);
   facts->addRow("Project Name:", mProjectName);
@@ -123,7 +114,7 @@ void frmDownloader::BuildProject(QVBoxLayout& page) {
 
 void frmDownloader::BuildSides(QVBoxLayout& page) {
   mSides = new SideTable(this);
-  mPreview = MakeLabel("lblPreview", "Size, time, and what will be lost", this);
+  mPreview = MakeTextLabel("lblPreview", "Size, time, and what will be lost", this);
   mBackup = new QCheckBox("&Take a clone of the controller first, and go on only when it has been verified", this);
   mBackup->setObjectName("chkBackup");
   Describe(*mBackup,
@@ -145,8 +136,8 @@ void frmDownloader::BuildOs(QVBoxLayout& page) {
 }
 
 void frmDownloader::BuildProgress(QVBoxLayout& page) {
-  mStatus = MakeLabel("lblStatus", "Status", this);
-  mAmount = MakeLabel("lblAmount", "Amount, rate and remaining time", this);
+  mStatus = MakeTextLabel("lblStatus", "Status", this);
+  mAmount = MakeTextLabel("lblAmount", "Amount, rate and remaining time", this);
   mAmount->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   mBar = new QProgressBar(this);
   mBar->setObjectName("ProgressBar1");
