@@ -6,6 +6,7 @@
 #include <string>
 
 #include "simulator/OperandList.h"
+#include "simulator/PanelCommands.h"
 
 namespace sim {
 namespace {
@@ -108,7 +109,7 @@ Answer ReadMemory(Machine& machine, const BlockRequest& request) {
 }
 
 Answer ListResources(Machine& machine, const BlockRequest& request) {
-  return AnswerOf(machine.resources.Directory(request.param3));
+  return AnswerOf(machine.resources.Directory(request.param3, request.param1));
 }
 
 Answer ReadResource(Machine& machine, const BlockRequest& request) {
@@ -121,22 +122,27 @@ Answer SetSystemMode(Machine& machine, const BlockRequest& request) {
   return Done();
 }
 
+using Models = BlockOperation::Models;
+
 // clang-format off
 constexpr BlockOperation kOperations[] = {
-    // code access flash  colour boot   payload does
-    {0,    false, false, false, true,  false,  TellRunState},
-    {1,    false, false, false, true,  false,  Accept},
-    {2,    true,  true,  false, false, true,   ConfirmProject},
-    {7,    false, false, false, true,  false,  TellStatus},
-    {8,    false, false, false, true,  false,  Accept},
-    {65,   true,  true,  false, true,  true,   TakeTopic},
-    {66,   true,  true,  false, false, true,   BeginProject},
-    {69,   true,  true,  false, true,  false,  Program},
-    {256,  false, false, false, false, true,   ReadOperandRecords},
-    {257,  false, false, false, false, false,  ReadMemory},
-    {258,  false, false, true,  true,  false,  ListResources},
-    {259,  false, false, true,  true,  false,  ReadResource},
-    {260,  false, false, true,  true,  false,  SetSystemMode},
+    // code access flash  models               boot   payload does
+    {0,    false, false, Models::All,         true,  false,  TellRunState},
+    {1,    false, false, Models::All,         true,  false,  Accept},
+    {2,    true,  true,  Models::All,         false, true,   ConfirmProject},
+    {7,    false, false, Models::All,         true,  false,  TellStatus},
+    {8,    false, false, Models::All,         true,  false,  Accept},
+    {65,   true,  true,  Models::All,         true,  true,   TakeTopic},
+    {66,   true,  true,  Models::All,         false, true,   BeginProject},
+    {69,   true,  true,  Models::All,         true,  false,  Program},
+    {256,  false, false, Models::All,         false, true,   ReadOperandRecords},
+    {257,  false, false, Models::All,         false, false,  ReadMemory},
+    {258,  false, false, Models::WithColour,  true,  false,  ListResources},
+    {259,  false, false, Models::WithColour,  true,  false,  ReadResource},
+    {260,  false, false, Models::WithColour,  true,  false,  SetSystemMode},
+    {270,  false, false, Models::WithDisplay, false, false,  DescribePanel},
+    {271,  false, false, Models::WithDisplay, false, true,   TellPanelChanges},
+    {272,  true,  false, Models::WithDisplay, false, true,   TakePanelEvent},
 };
 // clang-format on
 
@@ -148,8 +154,7 @@ const BlockOperation* FindOperation(std::uint16_t opCode) {
 Answer Execute(Machine& machine, const BlockRequest& request, const ConnectionAccess& connection) {
   const BlockOperation* operation = FindOperation(request.opCode);
   if (operation == nullptr) return Refuse(Refusal::UnknownCommand);
-  const bool isMissing = operation->needsColour && !machine.model.HasColour();
-  if (isMissing || !machine.model.UnderstandsBlocks()) return Refuse(Refusal::NotOnThisModel);
+  if (!operation->IsAtHome(machine.model)) return Refuse(Refusal::NotOnThisModel);
   if (operation->needsAccess && !machine.MayAccess(connection)) return Refuse(Refusal::PasswordNeeded);
   if (IsInBootLoader(machine) && !operation->worksInBoot) return Refuse(Refusal::WrongState);
   if (operation->needsFlash && machine.flash.IsBusy()) return Refuse(Refusal::Busy);
@@ -158,6 +163,12 @@ Answer Execute(Machine& machine, const BlockRequest& request, const ConnectionAc
 }
 
 }  // namespace
+
+bool BlockOperation::IsAtHome(const Model& model) const {
+  if (!model.UnderstandsBlocks()) return false;
+  if (models == Models::WithColour) return model.HasColour();
+  return models == Models::All || model.display.kind != Display::Kind::None;
+}
 
 std::span<const BlockOperation> AllBlockOperations() {
   return kOperations;

@@ -12,13 +12,17 @@ using BlockAnswer = Result<BlockReply>;
 
 // What the controller knows of each block operation before it looks at the fields.
 struct BlockOperation {
+  enum class Models : std::uint8_t { All, WithDisplay, WithColour };
+
   std::uint16_t opCode;
   bool needsAccess;
-  bool needsFlash;   // refused as busy while the flash is at work
-  bool needsColour;  // only colour models have it
+  bool needsFlash;  // refused as busy while the flash is at work
+  Models models;
   bool worksInBoot;
   bool takesPayload;
   BlockAnswer (*execute)(Machine&, const BlockRequest&);
+
+  [[nodiscard]] bool IsAtHome(const Model& model) const;
 };
 
 [[nodiscard]] std::span<const BlockOperation> AllBlockOperations();

@@ -46,6 +46,9 @@ constexpr TextCommand kCommands[] = {
     {"OSE0",     Form::Whole,  Home::Compact,       false, false, true,  "B",      commands::EraseOs,             "OSOK"},
     {"OSC7F",    Form::Whole,  Home::Compact,       false, false, true,  "B",      commands::EraseOs,             "OSOK"},
     {"OSS",      Form::Whole,  Home::Compact,       true,  false, false, "B",      commands::TellOsErase,         "OS"},
+    {"PD",       Form::Own,    Home::CompactWithDisplay, true,  false, false, kUnderOs, commands::DescribePanel,    "PD"},
+    {"PC",       Form::Own,    Home::CompactWithDisplay, true,  false, false, kUnderOs, commands::TellPanelChanges, "PC"},
+    {"PE",       Form::Own,    Home::CompactWithDisplay, false, true,  false, kUnderOs, commands::TakePanelEvent,   "PE"},
     {"OSP0",     Form::Fields, Home::CompactButQ50, false, false, true,  "B",      commands::WriteOsBlock,        "OSOK"},
 };
 // clang-format on
@@ -55,6 +58,7 @@ constexpr TextCommand kCommands[] = {
 bool TextCommand::IsAtHome(const Model& model) const {
   if (home == Home::Everywhere) return true;
   if (model.family != Family::Compact) return false;
+  if (home == Home::CompactWithDisplay) return model.display.kind != Display::Kind::None;
   return home == Home::Compact || model.osModel != "Q50";
 }
 

@@ -11,7 +11,7 @@ namespace sim {
 
 // What the controller knows of each ASCII command before it reads its fields.
 struct TextCommand {
-  enum class Home : std::uint8_t { Everywhere, Compact, CompactButQ50 };
+  enum class Home : std::uint8_t { Everywhere, Compact, CompactButQ50, CompactWithDisplay };
   enum class Form : std::uint8_t {
     Whole,   // the name is the whole text
     Fields,  // fields follow

@@ -26,9 +26,10 @@ struct BlockReply {
   std::string payload;
 };
 
-// Whether the one at the other end of a connection may do what needs the password.
+// What the one at the other end of a connection may do.
 struct ConnectionAccess {
-  bool hasAccess = false;  // the password was given
+  bool hasAccess = false;   // the password was given
+  std::uint16_t lease = 0;  // to operate the panel, taken on this connection; 0: none
 };
 
 // What a text command did: the reply text without seal and frame, and what the line has to do after it was sent.
@@ -61,6 +62,9 @@ class Controller {
 
   // Executes one block message.
   [[nodiscard]] virtual BlockReply ExecuteBlock(const BlockRequest& request, ConnectionAccess& connection) = 0;
+
+  // The connection has ended: who operated the panel over it does so no longer.
+  virtual void EndConnection(const ConnectionAccess&) {}
 
   [[nodiscard]] virtual bool UnderstandsBlocks() const = 0;
   [[nodiscard]] virtual std::uint8_t Unit() const = 0;

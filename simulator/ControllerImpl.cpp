@@ -10,6 +10,7 @@
 #include "simulator/BlockCommands.h"
 #include "simulator/Controller.h"
 #include "simulator/Machine.h"
+#include "simulator/MachineOperands.h"
 #include "simulator/StateFile.h"
 #include "simulator/TextCommands.h"
 
@@ -29,6 +30,7 @@ class ControllerImpl final : public Controller {
     if (mIsLying) return Pretend(text, connection);
     TextReply reply = sim::ExecuteText(*mMachine, text, connection);
     mHasChanged = mHasChanged || !reply.changesNothing;
+    KeepLease(connection);
     return reply;
   }
 
@@ -43,7 +45,14 @@ class ControllerImpl final : public Controller {
       return sim::ExecuteBlock(copy, request, connection);
     }
     mHasChanged = mHasChanged || MayChangeState(request.opCode);
-    return sim::ExecuteBlock(*mMachine, request, connection);
+    BlockReply reply = sim::ExecuteBlock(*mMachine, request, connection);
+    KeepLease(connection);
+    return reply;
+  }
+
+  void EndConnection(const ConnectionAccess& connection) override {
+    MachineOperands operands(mMachine->operands);
+    mMachine->panel.EndLease(connection.lease, operands);
   }
 
   bool UnderstandsBlocks() const override { return mMachine->model.UnderstandsBlocks(); }
@@ -69,6 +78,10 @@ class ControllerImpl final : public Controller {
     reply.newBaud.reset();
     reply.resets = false;
     return reply;
+  }
+
+  void KeepLease(ConnectionAccess& connection) {
+    if (const auto lease = mMachine->panel.TakeNewLease()) connection.lease = *lease;
   }
 
   std::unique_ptr<Machine> mMachine;

@@ -151,6 +151,7 @@ void Line::Cut(const FaultPlan& plan, kv::Instant at) {
 }
 
 void Line::Drop() {
+  mHandler->TheController().EndConnection(mClient.connection);
   mConnected = false;
   mToController.Clear();
   mToClient.Clear();

@@ -1,8 +1,10 @@
 #include "simulator/Machine.h"
 
 #include <algorithm>
+#include <random>
 
 #include "base/Crc32.h"
+#include "simulator/MachineOperands.h"
 #include "simulator/OsChange.h"
 
 namespace sim {
@@ -15,6 +17,12 @@ std::uint32_t MemorySeed(const Model& model, std::uint8_t unit) {
   return kv::Crc32(std::string(model.name) + "|" + std::to_string(unit));
 }
 
+void SetFirstValues(Operands& operands, const Model& model) {
+  MovingValues::SetFirstValues(operands);
+  MachineOperands ofPlant(operands);
+  if (model.display.kind != Display::Kind::None) Plant::SetFirstValues(ofPlant);
+}
+
 }  // namespace
 
 Machine::Machine(const Model& itsModel, const Identity& itsIdentity, std::uint64_t seed,
@@ -25,8 +33,10 @@ Machine::Machine(const Model& itsModel, const Identity& itsIdentity, std::uint64
       memory(itsModel.memory, memorySeed.value_or(MemorySeed(itsModel, itsIdentity.unit))),
       aurexOs(itsModel),
       compactOs(itsModel),
+      resources(itsModel.display),
+      panel(itsModel.display, std::random_device{}()),
       mMovingValues(seed) {
-  MovingValues::SetFirstValues(operands);
+  SetFirstValues(operands, model);
   SetOs(itsIdentity.os);
 }
 
@@ -79,6 +89,8 @@ void Machine::PowerUp() {
   restore.End();
   compactProjectBegun = false;
   displayInSystemMode = false;
+  MachineOperands ofPlant(operands);
+  panel.Restart(ofPlant);
   mState = identity.hasOs ? RunState::Running : RunState::Boot;
 }
 
@@ -96,7 +108,7 @@ void Machine::TakeOver(const OsVersion& os) {
     }
     if (change.erasesOperands) {
       operands.Clear();
-      MovingValues::SetFirstValues(operands);
+      SetFirstValues(operands, model);
     }
     operands.SetCell(Area::SB, kForceBit, 0);
   }
@@ -130,6 +142,8 @@ void Machine::Advance(kv::Instant now) {
   mNow = std::max(mNow.value_or(now), now);
   flash.Advance(elapsed);
   mMovingValues.Advance(operands, elapsed, mState == RunState::Running);
+  MachineOperands ofPlant(operands);
+  panel.Advance(*mNow, ofPlant, mState == RunState::Running, displayInSystemMode);
 }
 
 }  // namespace sim

@@ -18,6 +18,7 @@
 #include "simulator/Refusal.h"
 #include "simulator/Resources.h"
 #include "simulator/Restore.h"
+#include "simulator/panel/Panel.h"
 
 namespace sim {
 
@@ -57,6 +58,7 @@ class Machine {
   CompactOs compactOs;
   Resources resources;
   FlashWork flash;
+  Panel panel;
   bool displayInSystemMode = false;
   bool compactProjectBegun = false;  // DE was given and nothing has ended the download since
 

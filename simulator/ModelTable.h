@@ -4,6 +4,8 @@
 #include <span>
 #include <string_view>
 
+#include "simulator/panel/Display.h"
+
 namespace sim {
 
 enum class Family : std::uint8_t {
@@ -41,6 +43,7 @@ struct Model {
   int osBuild;                 // 0 to 99
   std::string_view osModel;    // what an O/S image made for it carries: 4 characters Aurex, 3 compact
   std::uint8_t panel;          // kDisplay, kKeypad, kColour
+  Display display;
 
   [[nodiscard]] constexpr bool UnderstandsBlocks() const { return family == Family::Aurex; }
   [[nodiscard]] constexpr bool HasColour() const { return (panel & kColour) != 0; }

@@ -1,114 +1,104 @@
 #include "simulator/Resources.h"
 
 #include <algorithm>
-#include <array>
+#include <map>
+#include <utility>
+#include <vector>
 
+#include "base/Crc32.h"
 #include "simulator/LittleEndian.h"
+#include "simulator/panel/Fonts.h"
+#include "simulator/panel/Images.h"
 
 namespace sim {
 namespace {
 
 constexpr std::size_t kNameSize = 32;
+constexpr std::size_t kEntrySize = 2 + 4 + 4 + kNameSize;
+constexpr std::size_t kLargestDirectory = 8192;
 constexpr std::uint32_t kLargestPiece = 4096;
 
-using Colour = std::array<std::uint8_t, 3>;  // blue, green, red
+struct Resource {
+  std::uint16_t id = 0;
+  std::string data;
+};
 
-// A square of `size` dots (a multiple of 4, so that rows need no filling): a frame around a disc on a shaded ground.
-std::string Picture(int size, Colour disc) {
-  const auto dots = static_cast<std::uint32_t>(size);
-  std::string bmp = "BM";
-  AppendLittle(bmp, 54 + dots * dots * 3, 4);
-  AppendLittle(bmp, 0, 4);
-  AppendLittle(bmp, 54, 4);  // where the dots begin
-  AppendLittle(bmp, 40, 4);  // size of the head that follows
-  AppendLittle(bmp, dots, 4);
-  AppendLittle(bmp, dots, 4);
-  AppendLittle(bmp, 1, 2);   // planes
-  AppendLittle(bmp, 24, 2);  // bits a dot
-  AppendLittle(bmp, 0, 4);   // not compressed
-  AppendLittle(bmp, dots * dots * 3, 4);
-  AppendLittle(bmp, 2835, 4);  // 72 dots an inch
-  AppendLittle(bmp, 2835, 4);
-  AppendLittle(bmp, 0, 4);
-  AppendLittle(bmp, 0, 4);
-  for (int y = 0; y < size; ++y) {
-    for (int x = 0; x < size; ++x) {
-      const int dx = 2 * x - size + 1;
-      const int dy = 2 * y - size + 1;
-      const bool isFrame = x == 0 || y == 0 || x == size - 1 || y == size - 1;
-      const bool isDisc = 4 * (dx * dx + dy * dy) <= 3 * size * size;
-      const auto shade = static_cast<std::uint8_t>(160 + 80 * y / size);
-      const Colour colour = isFrame ? Colour{0, 0, 0} : isDisc ? disc : Colour{shade, shade, shade};
-      for (const std::uint8_t part : colour) bmp += static_cast<char>(part);
-    }
+// All resources of one kind, and the entries that tell of them.
+struct Collection {
+  std::vector<Resource> resources;
+  std::string entries;
+
+  void Add(std::uint16_t id, std::string_view name, std::string data) {
+    AppendLittle(entries, id, 2);
+    AppendLittle(entries, static_cast<std::uint32_t>(data.size()), 4);
+    AppendLittle(entries, kv::Crc32(data), 4);
+    entries += name;
+    entries.append(kNameSize - name.size(), '\0');
+    resources.push_back({id, std::move(data)});
   }
-  return bmp;
+  [[nodiscard]] const Resource* Find(std::uint16_t id) const {
+    const auto resource = std::ranges::find(resources, id, &Resource::id);
+    return resource == resources.end() ? nullptr : &*resource;
+  }
+};
+
+const Collection& Fonts() {
+  static const Collection fonts = [] {
+    Collection made;
+    for (const PanelFont& font : PanelFonts()) made.Add(font.id, font.name, std::string(font.data));
+    return made;
+  }();
+  return fonts;
 }
 
-// Digits as seven bars: top, upper right, lower right, bottom, lower left, upper left, middle in bits 0 to 6.
-constexpr std::array<std::uint8_t, 10> kBars = {0x3F, 0x06, 0x5B, 0x4F, 0x66, 0x6D, 0x7D, 0x07, 0x7F, 0x6F};
-
-std::string DigitRow(std::uint8_t bars, int y, int height) {
-  const int middle = height / 2;
-  const bool upper = y < middle;
-  const std::uint8_t across = y == 1 ? bars & 0x01 : y == middle ? bars & 0x40 : y == height - 2 ? bars & 0x08 : 0;
-  const std::uint8_t left = bars & (upper ? 0x20 : 0x10);
-  const std::uint8_t right = bars & (upper ? 0x02 : 0x04);
-  const bool isInside = y > 0 && y < height - 1;
-  const int dots = (across != 0 ? 0x7C : 0) | (left != 0 ? 0x40 : 0) | (right != 0 ? 0x04 : 0);
-  return {isInside ? static_cast<char>(dots) : '\0'};
+const Collection& ImagesFor(const Display& display) {
+  static std::map<std::pair<int, int>, Collection> collections;
+  Collection& images = collections[{display.width, display.height}];
+  if (images.resources.empty()) {
+    for (PanelImage& image : DrawImages(Layout(display))) images.Add(image.id, image.name, std::move(image.data));
+  }
+  return images;
 }
 
-std::string DigitFont(int height) {
-  std::string font = "KFNT";
-  AppendLittle(font, 8, 1);
-  AppendLittle(font, static_cast<std::uint32_t>(height), 1);
-  AppendLittle(font, '0', 1);
-  AppendLittle(font, static_cast<std::uint32_t>(kBars.size()), 1);
-  for (const std::uint8_t bars : kBars) {
-    for (int y = 0; y < height; ++y) font += DigitRow(bars, y, height);
-  }
-  return font;
+Result<const Collection*> CollectionOf(std::uint16_t kind, const Display& display) {
+  if (kind == static_cast<std::uint16_t>(ResourceKind::Fonts)) return &Fonts();
+  if (kind == static_cast<std::uint16_t>(ResourceKind::Images)) return &ImagesFor(display);
+  return Refuse(Refusal::Malformed);
 }
 
 }  // namespace
 
-Resources::Resources()
-    : mFonts{{1, "Digits 8x12", DigitFont(12)}, {2, "Digits 8x20", DigitFont(20)}},
-      mImages{{1, "Lamp off", Picture(16, {64, 64, 64})},
-              {2, "Lamp on", Picture(16, {64, 220, 64})},
-              {7, "Alarm", Picture(48, {40, 40, 230})}} {}  // the last one takes two pieces
-
-Result<std::string> Resources::Directory(std::uint16_t kind) const {
-  const auto resources = Of(kind);
-  if (!resources) return Refuse(resources.error());
+Result<std::string> Resources::Directory(std::uint16_t kind, std::uint32_t first) const {
+  const auto collection = CollectionOf(kind, mDisplay);
+  if (!collection) return Refuse(collection.error());
+  const std::size_t count = (*collection)->resources.size();
+  const std::size_t skipped = std::min<std::size_t>(first, count);
+  const std::size_t told = std::min(count - skipped, (kLargestDirectory - 2) / kEntrySize);
   std::string directory;
-  AppendLittle(directory, static_cast<std::uint32_t>((*resources)->size()), 2);
-  for (const Resource& resource : **resources) {
-    AppendLittle(directory, resource.id, 2);
-    AppendLittle(directory, static_cast<std::uint32_t>(resource.data.size()), 4);
-    directory += resource.name;
-    directory.append(kNameSize - resource.name.size(), '\0');
-  }
-  return directory;
+  AppendLittle(directory, static_cast<std::uint32_t>(count), 2);
+  return directory.append((*collection)->entries, skipped * kEntrySize, told * kEntrySize);
 }
 
 Result<std::string> Resources::Piece(std::uint16_t kind, std::uint16_t id, std::uint32_t offset,
                                      std::uint32_t length) const {
-  const auto resources = Of(kind);
-  if (!resources) return Refuse(resources.error());
+  const auto collection = CollectionOf(kind, mDisplay);
+  if (!collection) return Refuse(collection.error());
   if (length == 0 || length > kLargestPiece) return Refuse(Refusal::PastTheEnd);
-  const auto resource = std::ranges::find(**resources, id, &Resource::id);
-  if (resource == (*resources)->end()) return Refuse(Refusal::OutsideMemory);
+  const Resource* resource = (*collection)->Find(id);
+  if (resource == nullptr) return Refuse(Refusal::OutsideMemory);
   const std::string& data = resource->data;
   if (offset > data.size() || length > data.size() - offset) return Refuse(Refusal::OutsideMemory);
   return data.substr(offset, length);
 }
 
-Result<const std::vector<Resource>*> Resources::Of(std::uint16_t kind) const {
-  if (kind == static_cast<std::uint16_t>(ResourceKind::Fonts)) return &mFonts;
-  if (kind == static_cast<std::uint16_t>(ResourceKind::Images)) return &mImages;
-  return Refuse(Refusal::Malformed);
+std::uint32_t Resources::DirectoryCrc(ResourceKind kind) const {
+  const auto collection = CollectionOf(static_cast<std::uint16_t>(kind), mDisplay);
+  return collection ? kv::Crc32((*collection)->entries) : 0;
+}
+
+std::string_view Resources::Image(std::uint16_t id) const {
+  const Resource* image = ImagesFor(mDisplay).Find(id);
+  return image == nullptr ? std::string_view() : std::string_view(image->data);
 }
 
 }  // namespace sim

@@ -15,7 +15,7 @@ constexpr std::size_t kTailSize = 3;  // checksum and CR
 constexpr std::size_t kCounterDigits = 4;
 constexpr std::size_t kCheckDigits = 8;
 constexpr std::size_t kSealSize = kCounterDigits + kCheckDigits;
-constexpr std::array<std::string_view, 6> kOwnCommands = {"RO", "WO", "RM", "IN", "AC", "SY"};
+constexpr std::array<std::string_view, 9> kOwnCommands = {"RO", "WO", "RM", "IN", "AC", "SY", "PD", "PC", "PE"};
 
 std::uint8_t Sum(std::string_view characters) {
   std::uint8_t sum = 0;

@@ -55,6 +55,11 @@ Answer EndRestore(TextCall& call);
 Answer ReadApplication(TextCall& call);
 Answer WriteFlash(TextCall& call);
 
+// PanelCommands.cpp
+Answer DescribePanel(TextCall& call);
+Answer TellPanelChanges(TextCall& call);
+Answer TakePanelEvent(TextCall& call);
+
 // DownloadCommands.cpp
 Answer EraseProject(TextCall& call);
 Answer TellProjectMemory(TextCall& call);

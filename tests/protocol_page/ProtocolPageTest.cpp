@@ -33,12 +33,18 @@ RequestKind KindOf(const std::string& letter) {
   return letter == "R" ? RequestKind::Read : letter == "P" ? RequestKind::Idempotent : RequestKind::NonIdempotent;
 }
 
+std::string DisplayText(const sim::Display& display) {
+  if (display.kind == sim::Display::Kind::None) return "-";
+  return std::to_string(display.width) + " x " + std::to_string(display.height);
+}
+
 TEST(ProtocolPage, TextCommands) {
   using Home = TextCommand::Home;
   const std::map<std::string, Home> homes = {
       {"-", Home::Everywhere}, {"C", Home::Compact}, {"C'", Home::CompactButQ50}};
   const auto rows = RowsBelow({"Request", "Kind", "Needs", "States", "Models", "Reply"});
-  EXPECT_EQ(rows.size(), sim::AllTextCommands().size() + 1);  // SY is the line's
+  constexpr std::size_t kOfThePanel = 3;
+  EXPECT_EQ(rows.size() + kOfThePanel, sim::AllTextCommands().size() + 1);  // SY is the line's
   for (const Row& row : rows) {
     SCOPED_TRACE(row[0]);
     const std::string name = CodeIn(row[0]);
@@ -65,7 +71,8 @@ TEST(ProtocolPage, TextCommands) {
 TEST(ProtocolPage, BlockOperations) {
   const auto rows = RowsBelow({"OpCode", "Kind", "Needs", "Boot", "Colour", "Fields", "Payload"});
   const auto operations = sim::AllBlockOperations();
-  ASSERT_EQ(rows.size(), operations.size());
+  constexpr std::size_t kOfThePanel = 3;
+  ASSERT_EQ(rows.size() + kOfThePanel, operations.size());
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const Row& row = rows[i];
     SCOPED_TRACE(row[0]);
@@ -73,10 +80,29 @@ TEST(ProtocolPage, BlockOperations) {
     EXPECT_EQ(operations[i].needsAccess, row[2].contains('A'));
     EXPECT_EQ(operations[i].needsFlash, row[2].contains('F'));
     EXPECT_EQ(operations[i].worksInBoot, row[3] == "yes");
-    EXPECT_EQ(operations[i].needsColour, row[4] == "yes");
+    EXPECT_EQ(operations[i].models == sim::BlockOperation::Models::WithColour, row[4] == "yes");
     EXPECT_EQ(operations[i].takesPayload, !row[6].starts_with("none"));
     EXPECT_NE(BlockFactsOf(operations[i].opCode).name, "unknown operation");
     EXPECT_EQ(BlockFactsOf(operations[i].opCode).isRead, row[1] == "R");
+  }
+}
+
+// The same operations in both envelopes.
+TEST(ProtocolPage, ThePanel) {
+  const auto operations = sim::AllBlockOperations();
+  for (const Row& row : RowsBelow({"Request", "Operation", "Kind", "Needs", "States", "Models"})) {
+    SCOPED_TRACE(row[0]);
+    const TextCommand* command = sim::FindTextCommand(CodeIn(row[0]));
+    const auto operation = std::ranges::find(operations, std::stoi(row[1]), &sim::BlockOperation::opCode);
+    ASSERT_TRUE(command != nullptr && operation != operations.end());
+    EXPECT_EQ(command->isRead, row[2] == "R");
+    EXPECT_EQ(command->needsAccess, row[3].contains('A'));
+    EXPECT_EQ(operation->needsAccess, row[3].contains('A'));
+    EXPECT_FALSE(command->needsFlash || operation->needsFlash || operation->worksInBoot);
+    EXPECT_EQ(command->states, row[4]);
+    EXPECT_EQ(command->home, TextCommand::Home::CompactWithDisplay);
+    EXPECT_EQ(operation->models, sim::BlockOperation::Models::WithDisplay);
+    EXPECT_EQ(operation->takesPayload, row[6] != "none");
   }
 }
 
@@ -206,11 +232,14 @@ TEST(ProtocolPage, Models) {
                           std::string(kGroups.at(static_cast<std::size_t>(model.operands))),
                           model.versionStyle == sim::VersionStyle::Fields ? "fields" : "digits",
                           "`" + std::string(model.osModel) + "`",
-                          std::to_string(model.panel)};
+                          std::to_string(model.panel),
+                          DisplayText(model.display)};
     EXPECT_EQ(row, expected);
     EXPECT_EQ(UnderstandsAsciiOnly(model.reported), isCompact);
     EXPECT_EQ(UnderstandsAsciiOnly(model.bootText), isCompact);
     EXPECT_EQ(IsColourModel(model.name), model.HasColour());
+    EXPECT_EQ(model.display.kind == sim::Display::Kind::ColourDots, model.HasColour());
+    EXPECT_EQ(model.display.kind == sim::Display::Kind::None, (model.panel & sim::kDisplay) == 0);
     const auto count = mdlDataTypesView::OperandCount(mdlDataTypesView::OperandTypeCode::MB, model.name);
     EXPECT_EQ(count, sim::CellCount(sim::Area::MB, model.operands, false));
   }

@@ -29,20 +29,12 @@ TEST(ControllerCommands, RefuseByShapeAndByWhatCameBefore) {
   EXPECT_EQ(project.Text("ED"), "EDERROR09") << "a load, but no restore";
 }
 
-TEST(ControllerCommands, ResourcesAreReadPieceByPiece) {
-  Fixture fixture("K670");
-  const std::string directory = fixture.Block(258, 0, 0, 2).payload;
-  ASSERT_EQ(directory.size(), 2U + 3 * 38);
-  EXPECT_EQ(directory.substr(0, 2), std::string("\3\0", 2));
-  EXPECT_EQ(directory.substr(2 + 2 * 38, 2), std::string("\7\0", 2));
-  EXPECT_EQ(std::string(directory.substr(2 + 2 * 38 + 6).c_str()), "Alarm");
-  const BlockReply first = fixture.Block(259, 0, 4096, 2, 7);
-  const BlockReply rest = fixture.Block(259, 4096, 54 + 48 * 48 * 3 - 4096, 2, 7);
-  EXPECT_EQ(first.payload.substr(0, 6), std::string("BM\x36\x1B\0\0", 6));
-  EXPECT_EQ(first.payload.size() + rest.payload.size(), 54U + 48 * 48 * 3);
-  EXPECT_EQ(fixture.Block(259, 4096, 4096, 2, 7).status, 128 + 0x0B);
+TEST(ControllerCommands, ResourcesAreRefusedOutsideOfThem) {
+  Fixture fixture("TQ45");
+  EXPECT_EQ(fixture.Block(259, 0, 4097, 1, 1).status, 128 + 4);
   EXPECT_EQ(fixture.Block(259, 0, 0, 2, 9).status, 128 + 4);
-  EXPECT_EQ(fixture.Block(259, 0, 1, 2, 9).status, 128 + 0x0B);
+  EXPECT_EQ(fixture.Block(259, 0x10000000, 1, 1, 1).status, 128 + 0x0B);
+  EXPECT_EQ(fixture.Block(259, 0, 1, 1, 99).status, 128 + 0x0B);
   EXPECT_EQ(fixture.Block(258, 0, 0, 3).status, 128 + 2);
   EXPECT_EQ(fixture.Block(259, 0, 0, 3, 9).status, 128 + 2);
   EXPECT_EQ(Fixture("K330").Block(258, 0, 0, 1).status, 128 + 0x0E);

@@ -1,0 +1,177 @@
+// What becomes of a press, and that nothing is held longer than somebody holds it.
+
+#include <functional>
+
+#include "PanelClient.h"
+#include "simulator/SimulatedController.h"
+
+namespace sim::test {
+namespace {
+
+constexpr int kJog = 201;
+constexpr int kRuns = 200;
+
+PanelClient OnManualPage(const std::string& model = "K670") {
+  PanelClient client(model);
+  EXPECT_EQ(client.Operate(), 0);
+  EXPECT_EQ(client.Press("Manual"), 0);
+  return client;
+}
+
+TEST(PanelProtocol, EachVerdictInItsOrder) {
+  struct Case {
+    const char* what;
+    std::function<void(PanelClient&)> before;
+    int action;
+    const char* name;
+    int verdict;
+  };
+  const auto stranger = [](PanelClient& c) { c.lease ^= 1; };
+  const auto late = [](PanelClient& c) { c.stamp -= 2001; };
+  const auto local = [](PanelClient& c) { c.fixture.Write("0100DB0001", "01"); };
+  const auto system = [](PanelClient& c) { EXPECT_EQ(c.fixture.Block(260, 1).status, 10); };
+  const auto oldArea = [](PanelClient& c) { c.seen = c.number - 200; };
+  const auto running = [](PanelClient& c) {
+    EXPECT_EQ(c.Press("Overview"), 0);
+    EXPECT_EQ(c.Press("Start"), 0);
+    EXPECT_EQ(c.Press("Manual"), 0);
+  };
+  const Case cases[] = {
+      {"done", {}, 3, "Conveyor", 0},
+      {"nothing there", {}, 3, "", 1},
+      {"another page", [](PanelClient& c) { c.page = 1; }, 3, "Conveyor", 2},
+      {"another epoch", [](PanelClient& c) { ++c.epoch; }, 3, "Conveyor", 2},
+      {"seen before the page came", oldArea, 6, "Conveyor", 2},
+      {"late", late, 6, "Conveyor", 3},
+      {"from the future", [](PanelClient& c) { c.stamp += 1; }, 6, "Conveyor", 3},
+      {"without a lease", stranger, 3, "Conveyor", 4},
+      {"without a lease and late", [&](PanelClient& c) { stranger(c), late(c); }, 3, "Conveyor", 4},
+      {"somebody is there", local, 3, "Conveyor", 5},
+      {"somebody is there, old area", [&](PanelClient& c) { local(c), oldArea(c); }, 3, "Conveyor", 5},
+      {"somebody is there, up", local, 5, "Conveyor", 0},
+      {"nothing held", {}, 4, "Conveyor", 6},
+      {"tapped is not held", [](PanelClient& c) { (void)c.Press("Conveyor", 6); }, 4, "Conveyor", 6},
+      {"in SYSTEM mode", system, 3, "Conveyor", 7},
+      {"in SYSTEM mode, late", [&](PanelClient& c) { system(c), late(c); }, 3, "Conveyor", 3},
+      {"in SYSTEM mode, up", system, 5, "Conveyor", 0},
+      {"disabled", running, 3, "Conveyor", 7},
+      {"operate while another does", {}, 1, "", 4},
+  };
+  for (const Case& row : cases) {
+    SCOPED_TRACE(row.what);
+    PanelClient client = OnManualPage();
+    if (row.before) row.before(client);
+    const int wasHeld = client.Bit(kJog);
+    const std::string name = row.name;
+    EXPECT_EQ(name.empty() ? client.Send(row.action, row.action == 1 ? 0 : 255) : client.Press(name, row.action),
+              row.verdict);
+    EXPECT_TRUE(row.verdict == 0 || client.Bit(kJog) == wasHeld);
+  }
+}
+
+TEST(PanelProtocol, WhatIsHeldIsLetGoByItself) {
+  struct Case {
+    const char* what;
+    std::function<void(PanelClient&)> then;
+  };
+  const Case cases[] = {
+      {"half a second of silence", [](PanelClient& c) { c.fixture.Wait(501ms); }},
+      {"up", [](PanelClient& c) { EXPECT_EQ(c.Send(5), 0); }},
+      {"another press", [](PanelClient& c) { EXPECT_EQ(c.Press("Valve"), 0); }},
+      {"another page", [](PanelClient& c) { EXPECT_EQ(c.Press("Info"), 0); }},
+      {"the lease is given back", [](PanelClient& c) { EXPECT_EQ(c.Send(2), 0); }},
+      {"another one takes over", [](PanelClient& c) { EXPECT_EQ(c.Operate(1), 0); }},
+      {"SYSTEM mode", [](PanelClient& c) { (void)c.fixture.Block(260, 1), c.fixture.Wait(0ms); }},
+      {"the program stops", [](PanelClient& c) { (void)c.fixture.Text("CCS"), c.fixture.Wait(0ms); }},
+      {"somebody is at the panel", [](PanelClient& c) { c.fixture.Write("0100DB0001", "01"), c.fixture.Wait(0ms); }},
+      {"the connection ends", [](PanelClient& c) { c.fixture.It().EndConnection(c.fixture.connection); }},
+      {"the controller resets", [](PanelClient& c) { (void)c.fixture.Text("CCE"); }},
+  };
+  for (const Case& row : cases) {
+    SCOPED_TRACE(row.what);
+    PanelClient client = OnManualPage();
+    ASSERT_EQ(client.Press("Conveyor", 3), 0);
+    EXPECT_TRUE((client.flags & 64) != 0 && client.Bit(kJog) == 1);
+    for (int again = 0; again < 10; ++again) {
+      client.fixture.Wait(400ms);
+      EXPECT_EQ(client.Send(4), 0);
+    }
+    EXPECT_EQ(client.Bit(kJog), 1) << "held on for 4 s";
+    row.then(client);
+    EXPECT_EQ(client.Bit(kJog), 0);
+    client.fixture.It().EndConnection(client.fixture.connection);
+  }
+}
+
+// However late somebody looks, the conveyor has run half a second and no longer.
+TEST(PanelProtocol, AHoldEndsAtItsOwnMoment) {
+  for (const kv::Duration silence : {600ms, 90'000ms}) {
+    PanelClient client = OnManualPage();
+    const int before = client.Word(208);
+    EXPECT_EQ(client.Press("Conveyor", 3), 0);
+    client.fixture.Wait(silence);
+    EXPECT_EQ(client.Word(208) - before, 25 * 6);
+  }
+}
+
+TEST(PanelProtocol, ALeaseIsOneOperators) {
+  PanelClient client("Q51");
+  EXPECT_EQ(client.Press("Start"), 4) << "looks on";
+  EXPECT_EQ(client.Operate(), 0);
+  EXPECT_EQ(client.flags & 0x18, 8U);
+  EXPECT_EQ(client.screen.slots[1].second, "anna");
+  const auto first = client.lease;
+  EXPECT_EQ(client.Operate(), 4);
+  EXPECT_EQ(client.Operate(1), 0);
+  EXPECT_NE(client.lease, first);
+  client.lease = first;
+  client.Look();
+  EXPECT_EQ(client.flags & 0x18, 0x10U) << "somebody else has it";
+  client.fixture.Wait(3001ms);
+  client.Look();
+  EXPECT_EQ(client.flags & 0x18, 0U) << "nobody named it for 3 s";
+  EXPECT_EQ(client.screen.slots[1].second, "");
+}
+
+TEST(PanelProtocol, MalformedAndForbidden) {
+  Fixture compact("Q51");
+  Fixture colour("K670");
+  const std::string event = std::string("06FF") + std::string(36, '0') + "6400" + "00000000";
+  EXPECT_EQ(compact.Own("PD", "00"), "ERROR02");
+  EXPECT_EQ(compact.Own("PC", "000000000000630000"), "ERROR02");
+  EXPECT_EQ(compact.Own("PC", "00000000000063000000"), "ERROR04");
+  EXPECT_EQ(compact.Own("PC", "00000000000001020000"), "ERROR04") << "513 bytes in a frame";
+  EXPECT_EQ(compact.Own("PE", event).substr(26, 2), "04") << "without a lease";
+  EXPECT_EQ(compact.Own("PE", event + "41"), "ERROR02") << "a name";
+  EXPECT_EQ(compact.Own("PE", "07" + event.substr(2)), "ERROR02");
+  EXPECT_EQ(Fixture("PR1").Own("PD", ""), "ERROR0E");
+  EXPECT_EQ(Fixture("K330").Own("PD", ""), "ERROR0E");
+  EXPECT_EQ(compact.Block(270).status, 128 + 0x0E);
+  EXPECT_EQ(colour.Text("CCB"), "CCOK");
+  EXPECT_EQ(colour.Block(271).status, 128 + 0x09);
+  SimulatorOptions locked = Options("K670");
+  locked.password = "key";
+  Fixture guarded(locked);
+  EXPECT_EQ(guarded.Block(272).status, 128 + 0x07);
+  EXPECT_EQ(guarded.Block(270).status, 10);
+}
+
+// A restarted controller is another screen, whose operator and page are gone.
+TEST(PanelProtocol, AResetBeginsAnew) {
+  PanelClient client = OnManualPage();
+  EXPECT_EQ(client.Press("Overview"), 0);
+  EXPECT_EQ(client.Press("Start"), 0);
+  const auto epoch = client.epoch;
+  EXPECT_EQ(client.fixture.Text("CCE"), "CCOK");
+  client.Look(8192);
+  EXPECT_TRUE(client.epoch != epoch && client.epoch != 0);
+  EXPECT_TRUE((client.flags & 0x38) == 32 && client.page == 1);
+  EXPECT_EQ(client.Press("Stop"), 4);
+  EXPECT_EQ(client.Bit(kRuns), 1);
+  const int place = client.Word(208);
+  client.fixture.Wait(5s);
+  EXPECT_EQ(client.Word(208), place) << "it does not start by itself";
+}
+
+}  // namespace
+}  // namespace sim::test

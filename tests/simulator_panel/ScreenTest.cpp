@@ -1,0 +1,128 @@
+// What a host has after any changes in any pieces is what the screen holds.
+
+#include "simulator/panel/Screen.h"
+
+#include <gtest/gtest.h>
+
+#include "ReplayedScreen.h"
+#include "simulator/FaultRandom.h"
+#include "simulator/panel/Drawing.h"
+#include "tests/driver/GoldenFrames.h"
+
+namespace sim::test {
+namespace {
+
+struct Host {
+  std::uint16_t epoch = 0;
+  std::uint32_t number = 0;
+  ReplayedScreen screen;
+
+  // Asks once, with so much room; whether there is more.
+  bool Ask(const Screen& of, std::size_t room) {
+    const auto changes = of.Since(epoch, number, room);
+    EXPECT_LE(changes.records.size(), room);
+    EXPECT_TRUE(changes.hasMore || changes.number == of.Number());
+    screen.Take(changes.records, changes.beginsAnew);
+    epoch = of.Epoch();
+    number = changes.number;
+    return changes.hasMore;
+  }
+  void ExpectSame(const Screen& other) {
+    for (std::uint32_t slot = 0; slot < Screen::kSlots; ++slot) {
+      const auto held = screen.slots.find(slot);
+      const auto& there = other.At(slot);
+      const auto kind = held == screen.slots.end() ? 0 : held->second.first;
+      ASSERT_EQ(kind, static_cast<std::uint32_t>(there.kind)) << slot;
+      ASSERT_TRUE(kind == 0 || held->second.second == there.body) << slot;
+    }
+  }
+};
+
+TEST(Screen, AHostHasWhatItHoldsAfterAnyChangesInAnyPieces) {
+  FaultRandom random(7);
+  Screen screen(1);
+  Host host;
+  for (int round = 0; round < 20'000; ++round) {
+    const auto slot = random.Below(4) == 0 ? 1 + random.Below(3) : 16 + random.Below(60);
+    const auto page = static_cast<std::uint16_t>(random.Below(9));
+    if (random.Below(3000) == 0) screen = Screen(static_cast<std::uint16_t>(2 + round));
+    if (random.Below(80) == 0) screen.ShowPage(page, page, std::string(random.Below(41), 'p'));
+    if (random.Below(9) == 0) screen.Empty(slot);
+    screen.Put(slot, RecordKind::Text, std::string(random.Below(74), random.Byte()));
+    if (random.Below(3) == 0) (void)host.Ask(screen, 84 + random.Below(600));
+    if (random.Below(50) != 0) continue;
+    while (host.Ask(screen, 84)) continue;
+    ASSERT_NO_FATAL_FAILURE(host.ExpectSame(screen)) << round;
+  }
+}
+
+// The bytes of each kind of record, as they were worked out from the page.
+TEST(Screen, RecordsAreTheGoldenOnes) {
+  Screen text(0x1234);
+  text.Put(1, RecordKind::Operator, OperatorBody("x"));
+  text.Put(1, RecordKind::Operator, OperatorBody(""));
+  text.ShowPage(2, 0, "Recipe");
+  text.Put(2, RecordKind::Cursor, CursorBody(11, 1, CursorForm::Block));
+  const Lamp lamps[] = {Lamp::On, Lamp::Off, Lamp::Blinking, Lamp::Off};
+  text.Put(3, RecordKind::Lamps, LampsBody(lamps));
+  text.Put(16, RecordKind::Row, RowBody("Caf\xE9 3  ", std::string("\1\1\3\0\0\0\0\4", 8)));
+  text.Put(32, RecordKind::TouchArea, TouchAreaBody({}, Role::Once, kOn, "Start"));
+  Screen colour(0xFFFF);
+  colour.Put(1, RecordKind::Operator, OperatorBody("anna"));
+  colour.ShowPage(1, Rgb(24, 36, 48), "Overview");
+  colour.Put(64, RecordKind::Rectangle, RectangleBody({10, 20, 300, 4}, Rgb(255, 0, 0)));
+  colour.Put(65, RecordKind::Frame, FrameBody({0, 0, 800, 480}, 3, Rgb(0, 255, 0), Rgb(0, 0, 255)));
+  colour.Put(66, RecordKind::Line, LineBody(799, 0, 0, 479, 0xFFFF));
+  const TextLook look{.font = 3, .colour = 0xFFFF, .hasBackground = true, .align = Align::Right};
+  colour.Put(67, RecordKind::Text,
+             TextBody(5, 6, 200, look,
+                      "50 \xB0"
+                      "C"));
+  colour.Put(68, RecordKind::Image, ImageBody(40, 50, 22));
+  colour.Put(69, RecordKind::Bar, BarBody({7, 8, 9, 100}, Direction::Upwards, 8250, Rgb(232, 128, 40), 0));
+  colour.Put(70, RecordKind::TouchArea, TouchAreaBody({10, 20, 300, 64}, Role::Held, kOn | kPressed, "Pump"));
+  int compared = 0;
+  for (const auto& [file, screen] : {std::pair("ascii.txt", &text), std::pair("block.txt", &colour)}) {
+    for (const GoldenFrame& golden : ReadGoldenFrames(file)) {
+      if (golden.name != "panel-changes" || golden.isRequest) continue;
+      const bool isText = screen == &text;
+      const std::string data = FromHex(isText ? golden.Field("text").substr(6) : golden.Field("payload"));
+      EXPECT_EQ(data.substr(16), screen->Since(0, 0, 8000).records) << file;
+      ++compared;
+    }
+  }
+  EXPECT_EQ(compared, 2);
+}
+
+// The drawing rules that are easily off by one, on a screen of 12 x 8: one letter a dot.
+TEST(Screen, IsDrawnByTheRules) {
+  constexpr Colour kA = Rgb(255, 0, 0);
+  constexpr Colour kB = Rgb(0, 0, 255);
+  const auto pictureOf = [](RecordKind kind, const std::string& body) {
+    Screen screen(1);
+    screen.ShowPage(1, 0, "");
+    screen.Put(64, kind, body);
+    const Picture picture = DrawScreen(screen, 12, 8, [](std::uint16_t) { return std::string_view(); });
+    std::string dots;
+    for (int y = 0; y < 8; ++y) {
+      for (int x = 0; x < 12; ++x) {
+        const Dot dot = picture.At(x, y);
+        dots += dot == 0 ? '.' : dot == 0xFF0000 ? 'a' : dot == 0x0000FF ? 'b' : '?';
+      }
+      dots += '\n';
+    }
+    return dots;
+  };
+  const std::string none = "............\n";
+  EXPECT_EQ(pictureOf(RecordKind::Frame, FrameBody({1, 1, 6, 5}, 2, kA, kB)),
+            none + ".aaaaab.....\n.aaaabb.....\n.aa..bb.....\n.abbbbb.....\n.bbbbbb.....\n" + none + none);
+  EXPECT_EQ(pictureOf(RecordKind::Line, LineBody(10, 1, 1, 4, kA)),
+            none + ".........aa.\n......aaa...\n...aaa......\n.aa.........\n" + none + none + none);
+  EXPECT_EQ(pictureOf(RecordKind::Bar, BarBody({2, 1, 3, 6}, Direction::Upwards, 4999, kA, kB)),
+            none + "..bbb.......\n..bbb.......\n..bbb.......\n..bbb.......\n..aaa.......\n..aaa.......\n" + none);
+  EXPECT_EQ(pictureOf(RecordKind::Bar, BarBody({9, 6, 8, 9}, Direction::ToTheRight, 5000, kA, kB)),
+            none + none + none + none + none + none + ".........aaa\n.........aaa\n");
+}
+
+}  // namespace
+}  // namespace sim::test
