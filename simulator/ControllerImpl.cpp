@@ -13,6 +13,7 @@
 #include "simulator/MachineOperands.h"
 #include "simulator/StateFile.h"
 #include "simulator/TextCommands.h"
+#include "simulator/panel/Drawing.h"
 
 namespace sim {
 namespace {
@@ -55,13 +56,24 @@ class ControllerImpl final : public Controller {
     mMachine->panel.EndLease(connection.lease, operands);
   }
 
+  const Screen* PanelScreen() const override {
+    return mMachine->panel.HasDisplay() ? &mMachine->panel.TheScreen() : nullptr;
+  }
+  Picture PanelPicture() const override {
+    if (!mMachine->model.HasColour()) return {};
+    const Display& display = mMachine->model.display;
+    return DrawScreen(mMachine->panel.TheScreen(), display.width, display.height,
+                      [this](std::uint16_t id) { return mMachine->resources.Image(id); });
+  }
+
   bool UnderstandsBlocks() const override { return mMachine->model.UnderstandsBlocks(); }
   std::uint8_t Unit() const override { return mMachine->identity.unit; }
 
   void SetLying(bool lying) override { mIsLying = lying; }
 
   std::expected<void, std::string> SaveState() override {
-    if (mStateFile.empty() || !mHasChanged) return {};
+    const bool mayDiffer = mHasChanged || mMachine->panel.IsPlantAwake();
+    if (mStateFile.empty() || !mayDiffer) return {};
     const auto saved = kv::SaveAtomically(mStateFile, WriteState(*mMachine));
     if (!saved) return std::unexpected("The state was not saved: " + saved.error().Text());
     mHasChanged = false;

@@ -185,11 +185,11 @@ std::string ModelListText() {
   };
   line("Model", "Family", "O/S", "Screen");
   for (const auto& model : sim::AllModels()) {
-    const bool hasDisplay = (model.panel & sim::kDisplay) != 0;
+    const std::string size = std::to_string(model.display.width) + " x " + std::to_string(model.display.height);
     line(model.name, model.family == sim::Family::Aurex ? "Aurex" : "compact", model.osVersion,
-         model.HasColour() ? "colour"
-         : hasDisplay      ? "text"
-                           : "none");
+         model.HasColour()                                ? "colour, " + size
+         : model.display.kind == sim::Display::Kind::None ? "none"
+                                                          : "text, " + size);
   }
   return text.str();
 }

@@ -52,6 +52,7 @@ class Panel {
   void EndLease(std::uint16_t lease, PlantOperands& operands);
 
   [[nodiscard]] const Screen& TheScreen() const { return mScreen; }
+  [[nodiscard]] bool IsPlantAwake() const { return mPlant.IsAwake(); }
 
  private:
   // What can be pressed on the page that is shown.

@@ -1,5 +1,7 @@
 // The demonstration plant and its pages, on every size of display.
 
+#include <set>
+
 #include "PanelClient.h"
 #include "base/Crc32.h"
 #include "simulator/ModelTable.h"
@@ -46,6 +48,15 @@ void ExpectEverythingFits(const PanelClient& client, const Display& display) {
   }
 }
 
+// How many different dots a picture has: one with smooth images and texts has many.
+std::size_t DifferentDots(const Picture& picture) {
+  std::set<Dot> dots;
+  for (int y = 0; y < picture.Height(); y += 5) {
+    for (int x = 0; x < picture.Width(); x += 5) dots.insert(picture.At(x, y));
+  }
+  return dots.size();
+}
+
 TEST(PanelPages, EverythingFitsOnEveryColourDisplay) {
   for (const char* model : {"TQ45", "K530", "K670", "K800"}) {
     PanelClient client = Crowded(model);
@@ -56,6 +67,7 @@ TEST(PanelPages, EverythingFitsOnEveryColourDisplay) {
       client.Look();
       EXPECT_LE(client.bytes - before, 800U + 16);  // and the answer to the last look, which has nothing new
       ExpectEverythingFits(client, FindModel(model)->display);
+      EXPECT_GT(DifferentDots(client.fixture.It().PanelPicture()), 20U);
       if (tab != "Recipe") continue;
       const std::size_t onRecipe = client.bytes;
       EXPECT_EQ(client.Press("Batch"), 0);
