@@ -1,12 +1,14 @@
 #include "apps/kvtele/OperandLink.h"
 
 #include <iterator>
+#include <utility>
 
 #include "apps/kvtele/LinkChoice.h"
 #include "apps/kvtele/TerminalProgress.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/OsSupport.h"
 #include "dataview/operands/ReadBack.h"
+#include "dataview/operands/RecordedValues.h"
 #include "dataview/operands/RegionTransfer.h"
 #include "link/ErrorMeaning.h"
 #include "link/LinkTexts.h"
@@ -73,6 +75,18 @@ OrFailure<void> CheckFitsController(ConnectedController& controller, std::span<c
   return {};
 }
 
+// None where nothing is recorded, or they cannot be read.
+std::vector<std::string> ValuesBefore(ConnectedController& controller, const Region& region) {
+  std::vector<std::string> texts;
+  if (controller.Link().Changes() == nullptr || !IsReadableFrom(controller.Model(), region.type)) return texts;
+  for (const Region& piece : SplitRegion(region)) {
+    auto read = ReadRegion(controller.Link(), controller.Model(), piece, FloatDigits::Exact);
+    if (!read || read->size() != CountOf(piece)) return {};
+    texts.insert(texts.end(), std::make_move_iterator(read->begin()), std::make_move_iterator(read->end()));
+  }
+  return texts;
+}
+
 Failure DiffersFailure(const Region& region, std::span<const ValueDifference> differences) {
   return {ExitCode::Differs,
           "differs",
@@ -134,15 +148,9 @@ OrFailure<std::vector<std::string>> ReadOperands(Environment& environment, Conne
   return texts;
 }
 
-std::vector<std::string> ValuesBefore(ConnectedController& controller, const Region& region) {
-  std::vector<std::string> texts;
-  if (controller.Link().Changes() == nullptr || !IsReadableFrom(controller.Model(), region.type)) return texts;
-  for (const Region& piece : SplitRegion(region)) {
-    auto read = ReadRegion(controller.Link(), controller.Model(), piece);
-    if (!read || read->size() != CountOf(piece)) return {};
-    texts.insert(texts.end(), std::make_move_iterator(read->begin()), std::make_move_iterator(read->end()));
-  }
-  return texts;
+ChangedOperands ChangeOf(ConnectedController& controller, const Region& region, std::vector<std::string> texts) {
+  return {RegionText(region), RecordedValues(region.type, controller.Model(), ValuesBefore(controller, region)),
+          RecordedValues(region.type, controller.Model(), std::move(texts))};
 }
 
 OrFailure<void> WriteOperands(Environment& environment, ConnectedController& controller, const Region& region,

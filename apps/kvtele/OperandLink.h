@@ -10,6 +10,7 @@
 #include "apps/kvtele/ConnectedController.h"
 #include "apps/kvtele/Environment.h"
 #include "apps/kvtele/OperandArguments.h"
+#include "link/ChangeObserver.h"
 
 // Operands of a connected controller, as many as one likes: a request carries up to MaxOperandsPerRequest.
 namespace kv::cli {
@@ -32,9 +33,10 @@ using RegionsFor = std::function<OrFailure<std::vector<Region>>(const std::strin
 [[nodiscard]] OrFailure<std::vector<std::string>> ReadOperands(Environment& environment,
                                                                ConnectedController& controller, const Region& region);
 
-// The texts as the controller has them, for the journal of changes; none where nothing is recorded, or they cannot be
-// read.
-[[nodiscard]] std::vector<std::string> ValuesBefore(ConnectedController& controller, const Region& region);
+// A write of the texts for the journal of changes, with the values as the controller has them; without those where
+// nothing is recorded, or they cannot be read.
+[[nodiscard]] ChangedOperands ChangeOf(ConnectedController& controller, const Region& region,
+                                       std::vector<std::string> texts);
 
 // Writes one text an operand. A failure says which operands were written before it and which may have been.
 [[nodiscard]] OrFailure<void> WriteOperands(Environment& environment, ConnectedController& controller,

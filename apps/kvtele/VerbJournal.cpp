@@ -6,6 +6,9 @@
 #include "apps/kvtele/Verb.h"
 #include "base/AtomicFile.h"
 #include "base/PathText.h"
+#include "base/Texts.h"
+#include "desktop/UserName.h"
+#include "journal/Acknowledgement.h"
 #include "journal/JournalList.h"
 #include "sessions/SessionManager.h"
 
@@ -28,6 +31,8 @@ class VerbJournal : public Verb {
   [[nodiscard]] OrFailure<void> CheckArguments() const;
   [[nodiscard]] VerbResult List(Environment& environment, const JournalPlaces& places) const;
   [[nodiscard]] VerbResult Check(Environment& environment, const JournalPlaces& places) const;
+  [[nodiscard]] VerbResult Acknowledge(Environment& environment, const CommonOptions& common,
+                                       const JournalPlaces& places) const;
 
   std::string mAction;
   JournalFilter mFilter;
@@ -102,16 +107,33 @@ Failure CannotSave(const FileError& error) {
   return {ExitCode::BadFile, "badFile", "exporting the journal of changes", error.Text(), {}, {}};
 }
 
+// A script must not take a list that lacks something for a whole one.
+ExitCode ExitOf(const JournalListing& listing) {
+  return listing.unreadable > 0 ? ExitCode::Differs : ExitCode::Done;
+}
+
+nlohmann::ordered_json FindingsJson(const std::vector<JournalCheck::Finding>& findings) {
+  auto all = nlohmann::ordered_json::array();
+  for (const JournalCheck::Finding& each : findings) {
+    all.push_back({{"fault", FaultWord(each.fault)}, {"record", each.number}, {"text", each.text}});
+  }
+  return all;
+}
+
 const char* VerbJournal::Examples() const {
   return "  kvtele journal list                              each change, with the values before and after\n"
          "  kvtele journal list --operand \"MI 5\" --by anna    of one operand, by one user\n"
          "  kvtele journal list --day 2026-11-22 --csv f.csv as a table for office programs\n"
          "  kvtele journal check                             is it as it was written?\n"
-         "  kvtele journal check --expect HASH,COUNT         and does it hold the record with this head?\n";
+         "  kvtele journal check --expect HASH,COUNT         and does it hold the record with this head?\n"
+         "  kvtele --reason \"session made anew\" journal acknowledge\n"
+         "                                                   what the check finds was looked at, and why it is so\n";
 }
 
 void VerbJournal::Declare(CLI::App& app) {
-  app.add_option("ACTION", mAction, "list or check")->required()->check(CLI::IsMember({"list", "check"}));
+  app.add_option("ACTION", mAction, "list, check or acknowledge")
+      ->required()
+      ->check(CLI::IsMember({"list", "check", "acknowledge"}));
   app.add_option("--operand", mFilter.operand, "With list: changes of \"MI 5\", \"MI 0..9\" or MI")
       ->type_name("OPERAND");
   app.add_option("--by", mFilter.user, "With list: changes by this user, or a part of the name")->type_name("NAME");
@@ -125,7 +147,8 @@ OrFailure<void> VerbJournal::CheckArguments() const {
   const bool isList = mAction == "list";
   const bool filters = !mFilter.operand.empty() || !mFilter.user.empty() || !mFilter.day.empty() || !mCsv.empty();
   if (!isList && filters) return std::unexpected(UsageFailure("--operand, --by, --day and --csv go with list"));
-  if (isList && !mExpected.empty()) return std::unexpected(UsageFailure("--expect goes with check"));
+  if (mAction != "check" && !mExpected.empty()) return std::unexpected(UsageFailure("--expect goes with check"));
+  if (const std::string fault = mFilter.Fault(); !fault.empty()) return std::unexpected(UsageFailure(fault));
   if (!mExpected.empty() && !ParseAnchor(mExpected)) {
     return std::unexpected(UsageFailure("\"" + mExpected + "\" is no head of a journal",
                                         "give its hash, 64 digits, and the number of the record: HASH,COUNT"));
@@ -137,6 +160,7 @@ VerbResult VerbJournal::Run(Environment& environment, const CommonOptions& commo
   if (const auto checked = CheckArguments(); !checked) return std::unexpected(checked.error());
   const auto places = PlacesOf(environment, common);
   if (!places) return std::unexpected(places.error());
+  if (mAction == "acknowledge") return Acknowledge(environment, common, *places);
   return mAction == "list" ? List(environment, *places) : Check(environment, *places);
 }
 
@@ -144,16 +168,17 @@ VerbResult VerbJournal::List(Environment& environment, const JournalPlaces& plac
   const JournalListing listing = ListJournal(places, DiskOf(environment), environment.pacer, mFilter);
   if (listing.left > 0) environment.err << listing.left << " older entries are left out.\n";
   if (listing.unreadable > 0) {
-    environment.err << listing.unreadable << " lines are no records. See kvtele journal check.\n";
+    environment.err << Counted(listing.unreadable, "line is", "lines are") << " no records, the first behind record "
+                    << listing.readBefore << ": what they told is not in this list. See kvtele journal check.\n";
   }
   if (!mCsv.empty()) {
     const JournalCheck check = CheckJournal(places, DiskOf(environment), environment.pacer);
     const auto saved = SaveAtomically(PathFromUtf8(mCsv), JournalCsv(listing, check));
     if (!saved) return std::unexpected(CannotSave(saved.error()));
     environment.err << VerdictText(check) << "\n";
-    return VerbOutput{"", {{"exported", mCsv}, {"entries", listing.entries.size()}}};
+    return VerbOutput{"", {{"exported", mCsv}, {"entries", listing.entries.size()}}, ExitOf(listing)};
   }
-  VerbOutput output{"", {{"entries", nlohmann::ordered_json::array()}}};
+  VerbOutput output{"", {{"entries", nlohmann::ordered_json::array()}}, ExitOf(listing)};
   for (const JournalEntry& entry : listing.entries) {
     output.text += EntryText(entry);
     output.document["entries"].push_back(EntryJson(entry));
@@ -169,23 +194,42 @@ VerbResult VerbJournal::Check(Environment& environment, const JournalPlaces& pla
   output.text = VerdictText(check) + "\n";
   for (const std::string& line : CheckLines(check)) output.text += line + "\n";
   if (check.head) output.text += "Head: " + HeadText(check.head->number, check.head->hash) + "\n";
-  auto findings = nlohmann::ordered_json::array();
-  for (const JournalCheck::Finding& each : check.findings) {
-    findings.push_back({{"fault", FaultWord(each.fault)}, {"record", each.number}, {"text", each.text}});
-  }
   output.document = {{"sound", check.IsSound()},
                      {"anchored", check.IsAnchored()},
                      {"records", check.records},
                      {"head", check.head ? check.head->hash : ""},
                      {"number", check.head ? check.head->number : 0},
-                     {"findings", findings},
+                     {"findings", FindingsJson(check.findings)},
                      {"moreFindings", check.moreFindings},
+                     {"acknowledged", FindingsJson(check.acknowledged)},
+                     {"behindHead", check.behindHead},
+                     {"headDamaged", check.isHeadDamaged},
                      {"tornBytes", check.tornBytes},
                      {"begunAndNotEnded", check.openRecords},
                      {"clockSetBack", check.clockBack}};
   // Nothing is wrong, but a missing end would not have been found: a script must not take that for a proof.
   output.exit = !check.IsSound() ? ExitCode::Differs : check.IsAnchored() ? ExitCode::Done : ExitCode::Failed;
   return output;
+}
+
+VerbResult VerbJournal::Acknowledge(Environment& environment, const CommonOptions& common,
+                                    const JournalPlaces& places) const {
+  if (common.reason.empty()) {
+    return std::unexpected(
+        UsageFailure("acknowledge needs a reason", "give --reason TEXT, and see kvtele journal check"));
+  }
+  const Acknowledgement by{common.user.empty() ? UserName() : common.user, common.reason};
+  const auto number = AcknowledgeFindings(places, DiskOf(environment), environment.pacer, environment.clock, by);
+  if (!number) {
+    return std::unexpected(Failure{ExitCode::Failed,
+                                   "notAcknowledged",
+                                   "acknowledging what the check of the journal finds",
+                                   number.error(),
+                                   {},
+                                   "see kvtele journal check"});
+  }
+  environment.err << "Recorded in record " << *number << " of the change journal.\n";
+  return Check(environment, places);
 }
 
 }  // namespace

@@ -175,7 +175,7 @@ VerbResult WriteValues(Environment& environment, const CommonOptions& common, Co
   if (!confirmed) return std::unexpected(confirmed.error());
   Operation operation{.tool = "kvtele regions", .what = "write " + Counted(values.runs.size(), "run") + " of operands"};
   for (const ValueRun& run : values.runs) {
-    operation.operands.push_back({RegionText(run.region), ValuesBefore(controller, run.region), run.texts});
+    operation.operands.push_back(ChangeOf(controller, run.region, run.texts));
   }
   OperationScope writing(controller.Link().Changes(), operation);
   const auto written = WriteRuns(environment, controller, values.runs);

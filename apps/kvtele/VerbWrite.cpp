@@ -63,10 +63,9 @@ VerbResult VerbWrite::Run(Environment& environment, const CommonOptions& common)
   if (const auto legal = CheckValues(region->type, controller.Model(), mValues); !legal) {
     return std::unexpected(legal.error());
   }
-  OperationScope writing(controller.Link().Changes(),
-                         {.tool = "kvtele write",
-                          .what = "write operands",
-                          .operands = {{RegionText(*region), ValuesBefore(controller, *region), mValues}}});
+  OperationScope writing(
+      controller.Link().Changes(),
+      {.tool = "kvtele write", .what = "write operands", .operands = {ChangeOf(controller, *region, mValues)}});
   const auto written = WriteOperands(environment, controller, *region, mValues);
   if (!written) return std::unexpected(written.error());
   return Compare(environment, controller, *region, writing);

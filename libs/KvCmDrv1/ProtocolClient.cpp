@@ -141,7 +141,9 @@ void ProtocolClient::EndChange(const Exchange& exchange, ExchangeOutcome outcome
     return mLine.Gate().End({error.isNotExecuted ? ChangeResult::Refused : unanswered, error.happened});
   }
   if (const std::optional<int> code = exchange.Refusal()) {
-    return mLine.Gate().End({ChangeResult::Refused, std::string(ControllerErrorText(*code).meaning)});
+    const bool wantsOther = *code == kNeedsPasswordCode && mAccessRefusal != 0;  // than the one that it was given
+    const int why = wantsOther ? mAccessRefusal : *code;
+    return mLine.Gate().End({ChangeResult::Refused, std::string(ControllerErrorText(why).meaning)});
   }
   const bool isBusy = !exchange.IsText() && exchange.status == kBlockBusy;
   mLine.Gate().End({isBusy ? ChangeResult::Refused : ChangeResult::Done, isBusy ? "the controller is busy" : ""});

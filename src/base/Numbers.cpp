@@ -58,4 +58,11 @@ std::string FloatText(float value) {
   return std::string(text.data(), std::to_chars(text.data(), end, shown, std::chars_format::general, kFloatDigits).ptr);
 }
 
+std::string ExactFloatText(float value) {
+  const std::string shown = FloatText(value);
+  if (!std::isfinite(value) || ParseFloat(shown) == value) return shown;
+  std::array<char, kFloatTextLimit> text;
+  return std::string(text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr);
+}
+
 }  // namespace kv

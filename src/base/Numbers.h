@@ -20,5 +20,7 @@ namespace kv {
 // rounded to 7. In the general form without trailing zeros: "0.1", "1234567", and with an exponent from 1e+07 upward
 // and below 0.0001: "1.234568e+07", "1e-05". Not a number is "nan", the infinities are "inf" and "-inf".
 [[nodiscard]] std::string FloatText(float value);
+// The same, with as many digits as it takes to read back as the value.
+[[nodiscard]] std::string ExactFloatText(float value);
 
 }  // namespace kv

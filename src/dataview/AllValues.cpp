@@ -23,17 +23,16 @@ void AppendPieces(std::vector<Region>& regions, const Region& region) {
   regions.insert(regions.end(), pieces.begin(), pieces.end());
 }
 
-// Operands that would be written and of which `is` holds.
-template <typename Is>
-std::int64_t CountIn(const std::vector<Region>& regions, Is is) {
-  std::int64_t found = 0;
+// Operands that would be written, and were entered by the user.
+std::int64_t CountEdited(const OperandStore& operands, const std::vector<Region>& regions) {
+  std::int64_t edited = 0;
   for (const Region& region : regions) {
     if (!IsWritableType(region.type)) continue;
     for (std::int32_t address = region.from; address <= region.to; ++address) {
-      found += is(region.type, address) ? 1 : 0;
+      edited += operands.Origin(region.type, address) == CellOrigin::Edited ? 1 : 0;
     }
   }
-  return found;
+  return edited;
 }
 
 // Shows on the user's context how far the work on another one is.
@@ -129,21 +128,12 @@ bool AllValues::IsWanted(const std::vector<Region>& regions) {
   if (count == 0) return true;  // it is told that nothing can be written
   MessageBox question = WriteQuestion(static_cast<std::size_t>(count), mContext.CurrentLink());
   question.title = mContext.Caption();
-  const std::int64_t edited = CountIn(regions, [&](OperandTypeCode type, std::int32_t address) {
-    return mContext.state.operands.Origin(type, address) == CellOrigin::Edited;
-  });
+  const std::int64_t edited = CountEdited(mContext.state.operands, regions);
   if (edited < count) {
     question.text += "\n\n" + Counted(static_cast<std::uint64_t>(edited), "of them was", "of them were") +
                      " changed here; " + std::to_string(count - edited) + " stand as they were read or written last.";
   }
-  const std::int64_t old = CountIn(regions, [&](OperandTypeCode type, std::int32_t address) {
-    return mContext.state.operands.IsOld(type, address);
-  });
-  if (old > 0) {
-    question.text += "\n\n" + std::to_string(old) +
-                     " of them are pale: they were read in an earlier session, or before the controller was out of "
-                     "reach, and may not be what it holds now.";
-  }
+  question.text += OldValuesText(CountOldValues(mContext.state.operands, regions));
   if (mContext.parts.prompts.Show(question) == PromptAnswer::Yes) return true;
   mContext.Say("Nothing was written.");
   return false;

@@ -5,7 +5,9 @@
 #include <chrono>
 #include <utility>
 
+#include "dataview/WriteQuestion.h"
 #include "dataview/files/GridFile.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -176,7 +178,23 @@ void DataTypesView::Refuse(std::string why) {
 
 void DataTypesView::WriteRegions() {
   const std::vector<Region> regions = mContext.state.regions.Regions();
-  if (mEngine.IsInRange(regions)) mEngine.Write(regions);
+  if (mEngine.IsInRange(regions) && IsWanted(regions)) mEngine.Write(regions);
+}
+
+// A write sends all values of its regions, so the old ones beside the one that was just entered go with it.
+bool DataTypesView::IsWanted(const std::vector<Region>& regions) {
+  const std::int64_t old = CountOldValues(mContext.state.operands, regions);
+  if (old == 0) return true;
+  std::size_t count = 0;
+  for (const Region& region : regions) {
+    count += IsWritableType(region.type) ? static_cast<std::size_t>(region.Count()) : 0;
+  }
+  MessageBox question = WriteQuestion(count, mContext.CurrentLink());
+  question.title = mContext.Caption();
+  question.text += OldValuesText(old);
+  if (mContext.parts.prompts.Show(question) == PromptAnswer::Yes) return true;
+  mContext.Say("Nothing was written.");
+  return false;
 }
 
 void DataTypesView::RemoveRegion() {

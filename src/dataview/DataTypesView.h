@@ -109,6 +109,7 @@ class DataTypesView {
   void ToggleOnline();
   void ReadRegions() { mEngine.Read(); }
   void WriteRegions();
+  [[nodiscard]] bool IsWanted(const std::vector<Region>& regions);
   void ReadAll() { mAll.Read(); }
   void WriteAll() { mAll.Write(); }
   void TakeAllValues() { mAll.Take(); }

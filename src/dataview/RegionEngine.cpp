@@ -10,6 +10,7 @@
 #include "dataview/ViewContext.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "dataview/operands/OsSupport.h"
+#include "dataview/operands/RecordedValues.h"
 #include "dataview/operands/RegionTransfer.h"
 #include "dataview/operands/ValueEntry.h"
 #include "dataview/operands/ValueRange.h"
@@ -50,6 +51,7 @@ bool RegionEngine::IsInRange(std::span<const Region> regions) {
 
 void RegionEngine::Write(std::span<const Region> regions) {
   const StopScope writing(mContext.parts.pacer);
+  mIsEnded = false;
   mContext.SetMode(ViewMode::Busy);
   const ScopeGuard idle([&] { mContext.SetMode(ViewMode::Idle); });
   const std::optional<PassOutcome> written = WriteAlone(regions);
@@ -72,11 +74,13 @@ Operation RegionEngine::WriteOperation(std::span<const Region> regions) const {
   Operation operation{.tool = "Operand view", .what = "write " + RegionCountText(regions.size())};
   for (const Region& region : regions) {
     if (!IsWritableType(region.type)) continue;
-    ChangedOperands changed{RegionText(region), {}, mContext.state.operands.Texts(region)};
+    std::vector<std::string> before;
     for (std::int32_t address = region.from; address <= region.to; ++address) {
-      changed.before.push_back(mContext.state.operands.LastTold(region.type, address));
+      before.push_back(mContext.state.operands.LastTold(region.type, address));
     }
-    operation.operands.push_back(std::move(changed));
+    const std::string& model = mContext.Model();
+    operation.operands.push_back({RegionText(region), RecordedAsShown(region.type, model, std::move(before)),
+                                  RecordedValues(region.type, model, mContext.state.operands.Texts(region))});
   }
   return operation;
 }

@@ -23,8 +23,6 @@ constexpr Duration kLongestLock = std::chrono::seconds(5);
 constexpr Duration kLockTurn = std::chrono::milliseconds(2);
 // No journal leaves out so many numbers: a record that does is none to go on from.
 constexpr std::uint64_t kFarAway = 1'000'000;
-// Room for the records of an operation. With less the disk counts as full.
-constexpr std::uintmax_t kLeastRoom = std::uintmax_t{256} << 10;
 
 std::string NewJournalName() {
   constexpr int kWords = 4;
@@ -53,7 +51,7 @@ auto ChangeJournal::Prepare() -> Done {
   const auto lock = TakeLock();
   if (!lock) return std::unexpected(lock.error());
   const fs::space_info space = fs::space(mPlaces.folder, error);
-  if (!error && space.available < kLeastRoom) {
+  if (!error && space.available < (kLeastJournalRoom << 10)) {
     return Failed(mPlaces.folder, std::make_error_code(std::errc::no_space_on_device));
   }
   const ScopeGuard closed([this] { mLast.reset(); });
@@ -66,6 +64,16 @@ std::expected<std::uint64_t, FileError> ChangeJournal::Append(JournalRecord reco
   if (const Done known = CatchUp(); !known) return std::unexpected(known.error());
   const ScopeGuard closed([this] { mLast.reset(); });
   return Write(std::move(record));
+}
+
+auto ChangeJournal::Settle() -> Done {
+  const auto lock = TakeLock();
+  if (!lock) return std::unexpected(lock.error());
+  if (const Done known = CatchUp(); !known) return known;
+  const ScopeGuard closed([this] { mLast.reset(); });
+  if (mTornBytes == 0 && !mMisfit) return {};
+  const auto written = Write(std::nullopt);
+  return written ? Done() : std::unexpected(written.error());
 }
 
 auto ChangeJournal::TakeLock() -> Lock {
@@ -181,7 +189,7 @@ bool ChangeJournal::NeedsSegment() const {
   return mTail->segment == 0 || mTail->journal.empty() || mIsBroken || mTail->end >= kFullSegment;
 }
 
-std::expected<std::uint64_t, FileError> ChangeJournal::Write(JournalRecord record) {
+std::expected<std::uint64_t, FileError> ChangeJournal::Write(std::optional<JournalRecord> record) {
   const bool isNew = NeedsSegment();
   Addition addition{*mTail, {}};
   if (isNew) {
@@ -192,7 +200,7 @@ std::expected<std::uint64_t, FileError> ChangeJournal::Write(JournalRecord recor
     Add(addition, first);
   }
   AddWhatWasFound(addition);
-  Add(addition, std::move(record));
+  if (record) Add(addition, *std::move(record));
 
   const std::uint64_t from = isNew ? 0 : mTail->end;
   if (const Done saved = Save(addition, isNew, from); !saved) return std::unexpected(saved.error());
@@ -263,7 +271,13 @@ void ChangeJournal::AddWhatWasFound(Addition& addition) const {
 }
 
 void ChangeJournal::KeepHead() {
-  if (mHeadFile.empty()) return;
+  if (mHeadFile.empty()) {
+    mHeadTrouble =
+        "The head of the change journal is kept nowhere, because this user has no folder for it: an end that is cut "
+        "off "
+        "from the journal would not be found.";
+    return;
+  }
   const std::error_code error = WriteHead(mDisk, mHeadFile, *mTail);
   mHeadTrouble = error ? "The head of the change journal cannot be kept in " + Utf8FromPath(mPlaces.stateFolder) +
                              " (" + error.message() + "): an end that is cut off from the journal would not be found."

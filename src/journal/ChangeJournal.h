@@ -18,6 +18,9 @@
 
 namespace kv {
 
+// Room for the records of an operation, in KiB. With less the disk counts as full.
+inline constexpr std::uintmax_t kLeastJournalRoom = 256;
+
 // Writes the journal of one session. Several programs may write to it at once: each record is written under a lock,
 // behind whatever others have written meanwhile.
 //
@@ -36,6 +39,8 @@ class ChangeJournal {
   [[nodiscard]] std::expected<void, FileError> Prepare();
   // Number, time and hash of the record before are filled in. When there is a number, the record is safe on the disk.
   [[nodiscard]] std::expected<std::uint64_t, FileError> Append(JournalRecord record);
+  // Records what would be recorded before the next record: a torn end, and that the journal is not what its head says.
+  [[nodiscard]] std::expected<void, FileError> Settle();
 
   // Of the last record that was written or found here; nothing before the first.
   [[nodiscard]] std::optional<JournalHead> Head() const;
@@ -61,7 +66,7 @@ class ChangeJournal {
   void Take(std::string_view line, const std::optional<JournalHead>& kept);
   [[nodiscard]] bool IsAt(JournalFile& file, const JournalHead& head) const;
 
-  [[nodiscard]] std::expected<std::uint64_t, FileError> Write(JournalRecord record);
+  [[nodiscard]] std::expected<std::uint64_t, FileError> Write(std::optional<JournalRecord> record);
   [[nodiscard]] Done Save(const Addition& addition, bool isNew, std::uint64_t from);
   void Add(Addition& addition, JournalRecord record) const;
   void AddWhatWasFound(Addition& addition) const;

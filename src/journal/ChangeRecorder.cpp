@@ -41,6 +41,14 @@ ChangeEnd ChangeRecorder::Current::End() const {
   return end;
 }
 
+// Of an operation that did not get through: which part of it the controller has.
+std::string ChangeRecorder::Current::HowFar() const {
+  if (requests < 2) return "";
+  const std::string all = Counted(requests, "request");
+  if (done == 0) return "the last of " + all + ": " + last;
+  return std::to_string(done) + " of " + all + " done, the last of these: " + lastDone + "; the last sent: " + last;
+}
+
 // Another session has a journal of its own.
 ChangeJournal& ChangeRecorder::Journal() {
   const std::filesystem::path folder = SessionFolder(mParts.shared);
@@ -116,6 +124,7 @@ std::expected<void, LinkError> ChangeRecorder::BeforeRequest(const ChangeRequest
   }
   if (begun) {
     ++current.requests;
+    current.last = request.meaning;
   } else if (mDepth == 0) {
     mCurrent.reset();
   }
@@ -169,6 +178,10 @@ void ChangeRecorder::AfterRequest(const ChangeEnd& end) {
   if (!mCurrent) return;
   if (!mCurrent->worst || Weight(end.result) > Weight(mCurrent->worst->result)) mCurrent->worst = end;
   mCurrent->executed += end.result != ChangeResult::Refused ? 1 : 0;
+  if (end.result == ChangeResult::Done) {
+    ++mCurrent->done;
+    mCurrent->lastDone = mCurrent->last;
+  }
   if (mDepth > 0) return;
   const Current ended = *std::exchange(mCurrent, std::nullopt);
   RecordEnd(ended, end);
@@ -185,6 +198,8 @@ void ChangeRecorder::RecordEnd(const Current& current, const ChangeEnd& end) {
   JournalRecord record{.kind = RecordKind::End, .of = current.number};
   record.result = ResultWord(end.result);
   record.detail = end.detail;
+  const std::string howFar = end.result == ChangeResult::Done ? "" : current.HowFar();
+  if (!howFar.empty()) record.detail += (end.detail.empty() ? "" : "; ") + howFar;
   record.count = current.requests;
   auto number = Journal().Append(record);
   if (!number) number = Journal().Append(std::move(record));  // in another file
@@ -214,7 +229,10 @@ LinkError ChangeRecorder::Refusal(const FileError& why) const {
           .doing = {},
           .happened = "the change could not be recorded, so it was not sent: " + why.Text(),
           .cause = "the disk is full, or the session's folder is write-protected or out of reach",
-          .cure = "make room, or give the rights to write in the session's folder; " + mParts.cure,
+          .cure = "make at least " + std::to_string(kLeastJournalRoom) +
+                  " KiB free on the disk, or give this user the rights to write in the session's folder and to the "
+                  "files Changes.* in it; " +
+                  mParts.cure,
           .isNotExecuted = true};
 }
 

@@ -64,10 +64,14 @@ class ChangeRecorder final : public ChangeObserver {
     bool isBegun = false;              // its record is written, or lets it pass without one
     std::uint64_t number = 0;          // of that record; 0: there is none
     std::uint64_t requests = 0;
-    std::uint64_t executed = 0;      // of them, as far as is known
+    std::string last;                // of them: its meaning
+    std::uint64_t executed = 0;      // of them, or may have been
+    std::uint64_t done = 0;          // of those, as is known
+    std::string lastDone;            // of those: its meaning
     std::optional<ChangeEnd> worst;  // of its requests
 
     [[nodiscard]] ChangeEnd End() const;
+    [[nodiscard]] std::string HowFar() const;
   };
 
   [[nodiscard]] ChangeJournal& Journal();

@@ -2,19 +2,19 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
 #include <utility>
 
 #include "base/Numbers.h"
 #include "base/Texts.h"
+#include "digest/Sha256.h"
 #include "journal/JournalTime.h"
+#include "journal/RecordRules.h"
 
 namespace kv {
 namespace {
 
 constexpr std::size_t kMostFindings = 100;
-constexpr std::size_t kMostGaps = 1000;     // that are looked for further on
-constexpr std::size_t kMostOpen = 100'000;  // operations without an end
+constexpr std::size_t kMostGaps = 1000;  // that are looked for further on
 constexpr int kLinesPerTurn = 256;
 
 std::string Record(std::uint64_t number) {
@@ -31,7 +31,7 @@ class Checker {
   void Line(std::string_view line) {
     const auto read = ParseRecord(line);
     ++mCheck.records;
-    if (!read) return Unreadable(line);
+    if (!read) return Unreadable(read.error());
     const std::uint64_t number = read->record.number;
     if (number < mExpected) return Late(*read);
     if (number > mExpected) {
@@ -44,8 +44,12 @@ class Checker {
     Take(*read);
   }
 
-  // Bytes without a line end behind the last line of a file. More may follow in the next file.
-  void Torn(std::uint64_t bytes) { mCheck.tornBytes = bytes; }
+  void BeginFile() { mRules.BeginFile(); }
+  // Bytes without a line end behind the last line of the file. More may follow in the next file.
+  void EndFile(std::uint64_t tornBytes, std::string tornHash) {
+    mCheck.tornBytes = tornBytes;
+    mRules.EndFile(tornBytes, std::move(tornHash));
+  }
   void Unread(const std::string& why) {
     Add(JournalFault::Unreadable, mExpected, "The journal cannot be read: " + why);
   }
@@ -53,10 +57,11 @@ class Checker {
   [[nodiscard]] JournalCheck Finish() && {
     for (const auto& [from, to] : mGaps) AddMissing(from, to);
     if (mHead.number > 0) mCheck.head = mHead;
+    SortFindings();
+    for (const JournalRecord& each : mAcknowledgements) Acknowledge(each);
     for (std::size_t i = 0; i < mAnchors.size(); ++i) HoldAgainst(mAnchors[i], mMet[i]);
-    mCheck.openRecords.assign(mOpen.begin(), mOpen.end());
-    std::ranges::sort(mCheck.findings, {},
-                      [](const auto& finding) { return std::pair(finding.number, finding.fault); });
+    SortFindings();
+    mCheck.openRecords = mRules.OpenRecords();
     return std::move(mCheck);
   }
 
@@ -79,10 +84,9 @@ class Checker {
   }
 
   // It takes the place of the record that was to come.
-  void Unreadable(std::string_view line) {
-    Add(JournalFault::Altered, mExpected,
-        Record(mExpected) + (line.empty() ? " was altered: its line is empty or longer than a record can be."
-                                          : " was altered: its text does not have the hash that stands before it."));
+  void Unreadable(std::string_view why) {
+    Add(JournalFault::Altered, mExpected, Record(mExpected) + " was altered: " + std::string(why) + ".");
+    mRules.TakeUnreadable();
     ++mExpected;
     mIsChained = false;
   }
@@ -93,6 +97,7 @@ class Checker {
     } else {
       AddMissing(mExpected, number - 1);
     }
+    mRules.NoteGap();
     mIsChained = false;
   }
 
@@ -110,7 +115,7 @@ class Checker {
     if (number > from) mGaps.emplace_back(from, number - 1);
     if (number < to) mGaps.emplace_back(number + 1, to);
     Meet(read);
-    NoteOperation(read.record);
+    mRules.TakeLate(read.record);
   }
 
   void Take(const ReadRecord& read) {
@@ -123,9 +128,32 @@ class Checker {
     if (read.record.kind == RecordKind::Finding) {
       Add(JournalFault::FoundThen, read.record.number, Record(read.record.number) + " says: " + read.record.detail);
     }
+    if (const std::string_view fault = mRules.Take(read.record); !fault.empty()) {
+      Add(JournalFault::Impossible, read.record.number,
+          Record(read.record.number) + " is none that these programs write: " + std::string(fault) + ".");
+    }
+    if (read.record.kind == RecordKind::Acknowledged && mAcknowledgements.size() < kMostFindings) {
+      mAcknowledgements.push_back(read.record);
+    }
     NoteTime(read.record);
-    NoteOperation(read.record);
     Meet(read);
+  }
+
+  void SortFindings() {
+    std::ranges::sort(mCheck.findings, {},
+                      [](const auto& finding) { return std::pair(finding.number, finding.fault); });
+  }
+
+  // Where what is found before the record is what was found when it was written.
+  void Acknowledge(const JournalRecord& record) {
+    const auto behind =
+        std::ranges::find_if(mCheck.findings, [&](const auto& finding) { return finding.number >= record.number; });
+    std::vector<JournalCheck::Finding> found = mCheck.acknowledged;
+    found.insert(found.end(), mCheck.findings.begin(), behind);
+    if (mCheck.moreFindings > 0 || found.size() != record.count || DigestOf(found) != record.hash) return;
+    mCheck.acknowledged = std::move(found);
+    mCheck.findings.erase(mCheck.findings.begin(), behind);
+    mCheck.acknowledgements.push_back(record);
   }
 
   void NoteTime(const JournalRecord& record) {
@@ -136,11 +164,6 @@ class Checker {
     if (time) mTime = time;
   }
 
-  void NoteOperation(const JournalRecord& record) {
-    if (record.kind == RecordKind::Begin && mOpen.size() < kMostOpen) mOpen.insert(record.number);
-    if (record.kind == RecordKind::End) mOpen.erase(record.of);
-  }
-
   void Meet(const ReadRecord& read) {
     for (std::size_t i = 0; i < mAnchors.size(); ++i) {
       if (mAnchors[i].number != read.record.number) continue;
@@ -149,14 +172,20 @@ class Checker {
   }
 
   void HoldAgainst(const JournalAnchor& anchor, Met met) {
-    if (met == Met::Same) return;
+    if (met == Met::Same) {
+      if (anchor.isKept) mCheck.behindHead = mHead.number - std::min(anchor.number, mHead.number);
+      return;
+    }
     const std::string named = "record " + std::to_string(anchor.number) + ", which " + anchor.source + " names";
     if (met == Met::Other) {
       return Add(JournalFault::Replaced, anchor.number,
                  "The journal was replaced: " + named +
                      ", is another one here. An older copy was gone on with, or records were written anew.");
     }
-    if (anchor.number < mExpected) return;  // told as altered or missing
+    if (anchor.number < mExpected) {  // told as altered or missing, unless that was acknowledged
+      if (mCheck.acknowledged.empty()) return;
+      return Add(JournalFault::Missing, anchor.number, "There is no " + named + ": it was taken out or altered.");
+    }
     if (mCheck.records == 0) {
       return Add(JournalFault::Gone, anchor.number, "The journal is gone: there is no " + named + ".");
     }
@@ -175,7 +204,8 @@ class Checker {
   std::string mHash{kNoHash};
   JournalHead mHead;
   Gaps mGaps;
-  std::set<std::uint64_t> mOpen;
+  RecordRules mRules;
+  std::vector<JournalRecord> mAcknowledgements;
   std::optional<std::chrono::sys_time<std::chrono::milliseconds>> mTime;
 };
 
@@ -184,11 +214,17 @@ struct FaultName {
   std::string_view word;
 };
 constexpr std::array kFaults{
-    FaultName{JournalFault::Altered, "altered"},   FaultName{JournalFault::Missing, "missing"},
-    FaultName{JournalFault::Doubled, "doubled"},   FaultName{JournalFault::Exchanged, "exchanged"},
-    FaultName{JournalFault::Cut, "cut"},           FaultName{JournalFault::OlderCopy, "olderCopy"},
-    FaultName{JournalFault::Replaced, "replaced"}, FaultName{JournalFault::FoundThen, "foundThen"},
-    FaultName{JournalFault::Gone, "gone"},         FaultName{JournalFault::Unreadable, "unreadable"},
+    FaultName{JournalFault::Altered, "altered"},
+    FaultName{JournalFault::Missing, "missing"},
+    FaultName{JournalFault::Doubled, "doubled"},
+    FaultName{JournalFault::Exchanged, "exchanged"},
+    FaultName{JournalFault::Cut, "cut"},
+    FaultName{JournalFault::OlderCopy, "olderCopy"},
+    FaultName{JournalFault::Replaced, "replaced"},
+    FaultName{JournalFault::FoundThen, "foundThen"},
+    FaultName{JournalFault::Gone, "gone"},
+    FaultName{JournalFault::Unreadable, "unreadable"},
+    FaultName{JournalFault::Impossible, "impossible"},
 };
 
 std::string Listed(const std::vector<std::uint64_t>& numbers) {
@@ -200,7 +236,28 @@ std::string Listed(const std::vector<std::uint64_t>& numbers) {
   return numbers.size() > kShown ? text + " ..." : text;
 }
 
+constexpr std::string_view kAcknowledgeCure =
+    "What to do: keep a copy of the session's folder, and find out who or what did it. Where it was meant, Acknowledge "
+    "in "
+    "the window of the journal, or kvtele --reason TEXT journal acknowledge, records that.";
+
+void AddAcknowledged(const JournalCheck& check, std::vector<std::string>& lines) {
+  for (const JournalRecord& each : check.acknowledgements) {
+    lines.push_back("Acknowledged in record " + std::to_string(each.number) + " by " + each.user + ": " + each.reason);
+  }
+  for (const JournalCheck::Finding& finding : check.acknowledged) lines.push_back("Acknowledged: " + finding.text);
+}
+
 }  // namespace
+
+std::string DigestOf(const std::vector<JournalCheck::Finding>& findings) {
+  std::vector<std::pair<std::uint64_t, std::string_view>> all;
+  for (const JournalCheck::Finding& each : findings) all.emplace_back(each.number, FaultWord(each.fault));
+  std::ranges::sort(all);
+  Sha256 digest;
+  for (const auto& [number, word] : all) digest.Add(std::string(word) + " " + std::to_string(number) + "\n");
+  return digest.Hex();
+}
 
 std::string_view FaultWord(JournalFault fault) {
   return std::ranges::find(kFaults, fault, &FaultName::fault)->word;
@@ -216,7 +273,11 @@ std::string VerdictText(const JournalCheck& check) {
     return "There is no journal here: nothing was changed in this session, or it was taken away. Nothing outside the "
            "session's folder tells which.";
   }
-  const std::string whole = "The journal is in order: " + Counted(check.records, "record") + ", each as it was written";
+  const std::string whole =
+      "The journal is in order: " + Counted(check.records, "record") + ", each as it was written" +
+      (check.acknowledged.empty() ? ""
+                                  : ", apart from " + Counted(check.acknowledged.size(), "finding") + " that " +
+                                        (check.acknowledged.size() == 1 ? "was" : "were") + " acknowledged");
   if (check.IsAnchored()) return whole + ", up to the head that was kept.";
   return whole + ". Whether an end was cut off cannot be told: no head is kept outside the session's folder.";
 }
@@ -225,12 +286,26 @@ std::vector<std::string> CheckLines(const JournalCheck& check) {
   std::vector<std::string> lines;
   for (const JournalCheck::Finding& finding : check.findings) lines.push_back(finding.text);
   if (check.moreFindings > 0) lines.push_back("And " + Counted(check.moreFindings, "finding") + " more.");
+  if (!check.findings.empty()) lines.emplace_back(kAcknowledgeCure);
+  AddAcknowledged(check, lines);
+  if (check.behindHead > 0) {
+    lines.push_back(Counted(check.behindHead, "record stands", "records stand") +
+                    " behind the head that is kept for this user. A crash leaves one or two there, a power failure "
+                    "more, and so does another user of this folder. Else they were not written by this program.");
+  }
+  if (check.isHeadDamaged) {
+    lines.emplace_back(
+        "One of the two places for the head is damaged, and the other one was used: an end that was cut off behind it "
+        "is not found.");
+  }
   const bool isCut =
       std::ranges::find(check.findings, JournalFault::Cut, &JournalCheck::Finding::fault) != check.findings.end();
   if (check.tornBytes > 0 && !isCut) {
     lines.push_back(Counted(check.tornBytes, "byte") +
-                    " without a line end stand behind the last record: a crash left them. No record that was written "
-                    "is lost by it, and the next one cuts them off.");
+                    " without a line end stand behind the last record, as a crash leaves them. " +
+                    (check.IsAnchored() ? "No record up to the head is lost by it; the next one cuts them off."
+                                        : "Whether they were a record cannot be told, because no head is kept. The "
+                                          "next record cuts them off."));
   }
   if (!check.openRecords.empty()) {
     lines.push_back("Begun and not ended: " + Listed(check.openRecords) +
@@ -243,6 +318,7 @@ std::vector<std::string> CheckLines(const JournalCheck& check) {
 }
 
 std::optional<JournalAnchor> ParseAnchor(std::string_view text) {
+  if (text.ends_with('\r')) text.remove_suffix(1);  // a line of a manifest
   const auto isHash = [](std::string_view hash) {
     return hash.size() == kNoHash.size() && hash.find_first_not_of("0123456789abcdef") == std::string_view::npos;
   };
@@ -274,7 +350,7 @@ JournalCheck CheckJournal(const JournalPlaces& places, JournalDisk& disk, Pacer&
                           std::vector<JournalAnchor> anchors) {
   // The head before the journal: what is written between the two only makes the journal longer.
   if (const auto kept = ReadHead(disk, HeadFile(places))) {
-    anchors.push_back({kept->number, kept->hash, "the head kept for this user"});
+    anchors.push_back({kept->number, kept->hash, "the head kept for this user", true});
   }
   const JournalSnapshot snapshot = TakeSnapshot(places, disk, pacer);
   Checker checker(std::move(anchors));
@@ -284,15 +360,18 @@ JournalCheck CheckJournal(const JournalPlaces& places, JournalDisk& disk, Pacer&
       checker.Unread(file.error().message());
       continue;
     }
+    checker.BeginFile();
     JournalLines lines(**file, 0, segment.length);
     for (int i = 1; lines.Next(); ++i) {
       checker.Line(lines.Line());
       if (i % kLinesPerTurn == 0) pacer.Turn();
     }
-    checker.Torn(lines.TornBytes());
+    checker.EndFile(lines.TornBytes(), HashOfPart(**file, lines.End(), segment.length));
     if (lines.Error()) checker.Unread(lines.Error().message());
   }
-  return std::move(checker).Finish();
+  JournalCheck check = std::move(checker).Finish();
+  check.isHeadDamaged = IsHeadDamaged(disk, HeadFile(places));
+  return check;
 }
 
 }  // namespace kv

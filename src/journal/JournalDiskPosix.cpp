@@ -89,6 +89,17 @@ int FlagsOf(JournalDisk::Access access) {
   return O_RDONLY;
 }
 
+// Whoever may write in a session's folder may write its journal, whatever the umask of who began it: rights to read and
+// write go from the folder to a file of one's own.
+void TakeRightsOf(const fs::path& folder, int descriptor, const struct stat& facts) {
+  constexpr mode_t kOfOthers = S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+  struct stat of{};
+  const bool isShared = stat(folder.c_str(), &of) == 0 && (of.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+  if (!isShared || (of.st_mode & S_ISVTX) != 0 || facts.st_uid != geteuid()) return;
+  const mode_t wanted = (facts.st_mode & 07777) | (of.st_mode & kOfOthers);
+  if (wanted != (facts.st_mode & 07777)) (void)fchmod(descriptor, wanted);
+}
+
 class PosixJournalDisk final : public JournalDisk {
  public:
   [[nodiscard]] std::expected<std::unique_ptr<JournalFile>, std::error_code> Open(const fs::path& file,
@@ -99,6 +110,7 @@ class PosixJournalDisk final : public JournalDisk {
     struct stat facts{};
     if (fstat(descriptor, &facts) != 0) return std::unexpected(LastError());
     if (!S_ISREG(facts.st_mode)) return std::unexpected(std::make_error_code(std::errc::operation_not_supported));
+    if (access == Access::Create || access == Access::Replace) TakeRightsOf(file.parent_path(), descriptor, facts);
     return opened;
   }
 

@@ -1,5 +1,6 @@
 #include "journal/JournalHead.h"
 
+#include <algorithm>
 #include <array>
 
 #include "base/Crc32.h"
@@ -99,6 +100,17 @@ std::optional<JournalHead> ReadHead(JournalDisk& disk, const fs::path& file) {
   if (!opened) return std::nullopt;
   const auto slot = NewestSlot(**opened);
   return slot ? std::optional(slot->head) : std::nullopt;
+}
+
+bool IsHeadDamaged(JournalDisk& disk, const fs::path& file) {
+  const auto opened = file.empty() ? std::unexpected(std::error_code()) : disk.Open(file, JournalDisk::Access::Read);
+  const auto bytes = opened ? (*opened)->Read(0, kSlot * kSlots) : std::unexpected(opened.error());
+  if (!bytes) return false;
+  for (std::string_view rest = *bytes; !rest.empty(); rest.remove_prefix(std::min(kSlot, rest.size()))) {
+    const std::string_view slot = rest.substr(0, kSlot);
+    if (slot.find_first_not_of('\0') != std::string_view::npos && !ParseSlot(slot)) return true;
+  }
+  return false;
 }
 
 std::error_code WriteHead(JournalDisk& disk, const fs::path& file, const JournalHead& head) {

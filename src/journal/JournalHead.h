@@ -31,6 +31,8 @@ struct JournalHead {
 [[nodiscard]] std::filesystem::path HeadFile(const JournalPlaces& places);
 // Nothing when none is kept.
 [[nodiscard]] std::optional<JournalHead> ReadHead(JournalDisk& disk, const std::filesystem::path& file);
+// Whether one of its two places is neither empty nor whole, so that ReadHead gives the head before the last.
+[[nodiscard]] bool IsHeadDamaged(JournalDisk& disk, const std::filesystem::path& file);
 // In place and without a flush: a power failure may leave the head before, which is a record of the journal, too.
 [[nodiscard]] std::error_code WriteHead(JournalDisk& disk, const std::filesystem::path& file, const JournalHead& head);
 

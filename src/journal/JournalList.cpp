@@ -5,6 +5,7 @@
 
 #include "base/Numbers.h"
 #include "base/Texts.h"
+#include "dataview/operands/OperandCatalogue.h"
 
 namespace kv {
 namespace {
@@ -34,9 +35,45 @@ OperandSpan SpanOf(std::string_view text) {
   return {upper.substr(0, blank), *from, *to, false};
 }
 
-bool Touches(const OperandSpan& wanted, const OperandSpan& changed) {
+// Whether the i-th operand was written with the value that it had.
+bool IsUnchanged(const ChangedOperands& operands, std::size_t i) {
+  return i < operands.before.size() && i < operands.after.size() && !operands.before[i].empty() &&
+         operands.before[i] == operands.after[i];
+}
+
+bool Touches(const OperandSpan& wanted, const ChangedOperands& operands) {
+  const OperandSpan changed = SpanOf(operands.operands);
   if (wanted.type != changed.type) return false;
-  return wanted.isWholeType || changed.isWholeType || (wanted.from <= changed.to && changed.from <= wanted.to);
+  if (changed.isWholeType) return true;
+  const std::int64_t from = wanted.isWholeType ? changed.from : std::max(wanted.from, changed.from);
+  const std::int64_t to = wanted.isWholeType ? changed.to : std::min(wanted.to, changed.to);
+  for (std::int64_t address = from; address <= to; ++address) {
+    if (!IsUnchanged(operands, static_cast<std::size_t>(address - changed.from))) return true;
+  }
+  return false;
+}
+
+std::string FaultOfOperand(const std::string& operand) {
+  if (operand.empty()) return "";
+  const OperandSpan span = SpanOf(operand);
+  if (mdlDataTypesView::TypeFromName(span.type) && span.from <= span.to) return "";
+  return "\"" + operand + "\" is no operand: enter MI 5, MI 0..9 or MI.";
+}
+
+// Whoever types a day has the beginning of one first.
+bool IsDayOrItsBeginning(std::string_view day) {
+  constexpr std::string_view kForm = "dddd-dd-dd";
+  if (day.size() > kForm.size()) return false;
+  for (std::size_t i = 0; i < day.size(); ++i) {
+    const bool isDigit = day[i] >= '0' && day[i] <= '9';
+    if (kForm[i] == 'd' ? !isDigit : day[i] != kForm[i]) return false;
+  }
+  return true;
+}
+
+std::string FaultOfDay(const std::string& day) {
+  if (IsDayOrItsBeginning(day)) return "";
+  return "\"" + day + "\" is no day: enter 2026-11-22, or 2026-11.";
 }
 
 // Texts that an office program would take for a formula are marked as texts.
@@ -63,18 +100,35 @@ struct OperandChange {
   std::string before;
   std::string after;
   bool hasValues = false;
+  bool isUnchanged = false;
 };
 
 std::vector<OperandChange> ChangesOf(const ChangedOperands& operands) {
   const OperandSpan span = SpanOf(operands.operands);
-  if (operands.after.empty() || span.isWholeType) return {{operands.operands, "", "", false}};
+  if (operands.after.empty() || span.isWholeType) return {{operands.operands, "", "", false, false}};
   const std::string type = operands.operands.substr(0, span.type.size());
   std::vector<OperandChange> changes;
   for (std::size_t i = 0; i < operands.after.size(); ++i) {
     changes.push_back({type + " " + std::to_string(span.from + static_cast<std::int64_t>(i)),
-                       i < operands.before.size() ? operands.before[i] : "", operands.after[i], true});
+                       i < operands.before.size() ? operands.before[i] : "", operands.after[i], true,
+                       IsUnchanged(operands, i)});
   }
   return changes;
+}
+
+// "MI 4..9, MI 12": those that are unchanged.
+std::string UnchangedText(const ChangedOperands& operands) {
+  const OperandSpan span = SpanOf(operands.operands);
+  const std::string type = operands.operands.substr(0, span.type.size());
+  std::string text;
+  for (std::size_t i = 0; i < operands.after.size(); ++i) {
+    if (!IsUnchanged(operands, i)) continue;
+    const std::size_t first = i;
+    while (IsUnchanged(operands, i + 1)) ++i;
+    const auto at = [&span](std::size_t index) { return std::to_string(span.from + static_cast<std::int64_t>(index)); };
+    text += (text.empty() ? "" : ", ") + type + " " + at(first) + (i > first ? ".." + at(i) : "");
+  }
+  return text;
 }
 
 std::string SerialText(const ControllerName& controller) {
@@ -97,17 +151,18 @@ void AddCsvLines(std::string& csv, const JournalEntry& entry) {
 // The entries of a journal while it is read; those that are wanted, the newest.
 class Entries {
  public:
-  explicit Entries(const JournalFilter& filter) : mFilter(filter) {}
+  explicit Entries(const JournalFilter& filter) : mFilter(filter), mIsUnderstood(filter.Fault().empty()) {}
 
   // `bytes`: of its line.
   void Take(JournalRecord record, std::size_t bytes) {
     if (record.kind == RecordKind::End) {
       const auto begun = mEntries.find(record.of);
-      if (begun != mEntries.end()) begun->second.entry.end = std::move(record);
+      // The first one: a second is none that the programs write.
+      if (begun != mEntries.end() && !begun->second.entry.end) begun->second.entry.end = std::move(record);
       return;
     }
     JournalEntry entry{std::move(record), {}};
-    if (!mFilter.Wants(entry)) return;
+    if (!mIsUnderstood || !mFilter.Wants(entry)) return;
     const std::uint64_t number = entry.record.number;
     Kept& kept = mEntries[number];
     mBytes += bytes - kept.bytes;
@@ -115,8 +170,8 @@ class Entries {
     while (mEntries.size() > kMostJournalEntries || mBytes > kMostJournalBytes) DropOldest();
   }
 
-  [[nodiscard]] JournalListing Finish(std::uint64_t unreadable) && {
-    JournalListing listing{.entries = {}, .left = mLeft, .unreadable = unreadable};
+  [[nodiscard]] JournalListing Finish(JournalListing listing) && {
+    listing.left = mLeft;
     for (auto& [number, kept] : mEntries) listing.entries.push_back(std::move(kept.entry));
     return listing;
   }
@@ -134,6 +189,7 @@ class Entries {
   }
 
   const JournalFilter& mFilter;
+  bool mIsUnderstood;
   std::map<std::uint64_t, Kept> mEntries;
   std::size_t mBytes = 0;
   std::uint64_t mLeft = 0;
@@ -169,6 +225,8 @@ std::string JournalEntry::What() const {
     case RecordKind::Finding:
     case RecordKind::Unrecorded:
       break;
+    case RecordKind::Acknowledged:
+      return Counted(record.count, "finding") + " of the check acknowledged";
   }
   return record.detail;
 }
@@ -184,41 +242,52 @@ bool JournalFilter::Wants(const JournalEntry& entry) const {
   if (!day.empty() && !record.time.starts_with(day)) return false;
   if (!user.empty() && !UpperCased(record.user).contains(UpperCased(user))) return false;
   if (operand.empty()) return true;
-  return std::ranges::any_of(record.operands, [wanted = SpanOf(operand)](const ChangedOperands& each) {
-    return Touches(wanted, SpanOf(each.operands));
-  });
+  return std::ranges::any_of(record.operands,
+                             [wanted = SpanOf(operand)](const ChangedOperands& each) { return Touches(wanted, each); });
+}
+
+std::string JournalFilter::Fault() const {
+  const std::string fault = FaultOfOperand(operand);
+  return fault.empty() ? FaultOfDay(day) : fault;
 }
 
 JournalListing ListJournal(const JournalPlaces& places, JournalDisk& disk, Pacer& pacer, const JournalFilter& filter) {
   Entries entries(filter);
-  std::uint64_t unreadable = 0;
+  JournalListing unread;  // what is known of the lines that are no records
+  std::uint64_t last = 0;
   for (const JournalSnapshot::Segment& segment : TakeSnapshot(places, disk, pacer).segments) {
     const auto file = disk.Open(SegmentFile(places.folder, segment.number), JournalDisk::Access::Read);
     if (!file) {
-      ++unreadable;
+      if (unread.unreadable++ == 0) unread.readBefore = last;
       continue;
     }
     JournalLines lines(**file, 0, segment.length);
     for (int i = 1; lines.Next(); ++i) {
       if (auto read = ParseRecord(lines.Line())) {
+        last = read->record.number;
         entries.Take(std::move(read->record), lines.Line().size());
-      } else {
-        ++unreadable;
+      } else if (unread.unreadable++ == 0) {
+        unread.readBefore = last;
       }
       if (i % kLinesPerTurn == 0) pacer.Turn();
     }
   }
-  return std::move(entries).Finish(unreadable);
+  return std::move(entries).Finish(std::move(unread));
 }
 
 std::vector<std::string> OperandLines(const JournalEntry& entry) {
   std::vector<std::string> lines;
+  std::string unchanged;
   for (const ChangedOperands& each : entry.record.operands) {
     for (const OperandChange& change : ChangesOf(each)) {
+      if (change.isUnchanged) continue;
       const std::string before = change.before.empty() ? "not known" : change.before;
       lines.push_back(change.hasValues ? change.operand + ": " + before + " -> " + change.after : change.operand);
     }
+    const std::string same = UnchangedText(each);
+    if (!same.empty()) unchanged += (unchanged.empty() ? "unchanged: " : ", ") + same;
   }
+  if (!unchanged.empty()) lines.push_back(unchanged);
   return lines;
 }
 

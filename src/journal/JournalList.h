@@ -27,10 +27,13 @@ struct JournalEntry {
 
 // Which entries are wanted; an empty text is no condition.
 struct JournalFilter {
-  std::string operand{};  // "MI 5", "MI" for all of them, "MI 0..9" for each of these
+  std::string operand{};  // "MI 5", "MI" for all of them, "MI 0..9" for each of these; unchanged ones do not count
   std::string user{};     // a part of the name, in either case
   std::string day{};      // "2026-11-22", or its beginning: "2026-11"
 
+  // Why it is not understood, with an example; empty when it is. One that is not understood finds nothing.
+  [[nodiscard]] std::string Fault() const;
+  // Of one that is understood.
   [[nodiscard]] bool Wants(const JournalEntry& entry) const;
 };
 
@@ -38,6 +41,7 @@ struct JournalListing {
   std::vector<JournalEntry> entries;  // in the order of their numbers
   std::uint64_t left = 0;             // older entries that were too many
   std::uint64_t unreadable = 0;       // lines that are no records: see the check
+  std::uint64_t readBefore = 0;       // number of the record before the first of them
 };
 
 // The newest are kept where there are more than this, or more bytes of records.
@@ -47,7 +51,8 @@ inline constexpr std::size_t kMostJournalBytes = std::size_t{64} << 20;
 [[nodiscard]] JournalListing ListJournal(const JournalPlaces& places, JournalDisk& disk, Pacer& pacer,
                                          const JournalFilter& filter);
 
-// "MI 3: 12 -> 15", a line for each operand whose value is known; without values "MI 0..59".
+// "MI 3: 12 -> 15", a line for each operand whose value is known; without values "MI 0..59". What was written with the
+// value that it had stands in one line behind them: "unchanged: MI 4..9".
 [[nodiscard]] std::vector<std::string> OperandLines(const JournalEntry& entry);
 
 // A table with a line for each operand of each entry, and the head of the journal in its last line. UTF-8 with a

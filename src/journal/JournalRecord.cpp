@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Texts.h"
+#include "base/Utf8.h"
 #include "digest/Sha256.h"
 #include "journal/JsonText.h"
 
@@ -19,13 +21,22 @@ constexpr std::array kKinds{
     KindName{RecordKind::Start, "start"},           KindName{RecordKind::Segment, "segment"},
     KindName{RecordKind::Begin, "begin"},           KindName{RecordKind::End, "end"},
     KindName{RecordKind::Repair, "repair"},         KindName{RecordKind::Finding, "finding"},
-    KindName{RecordKind::Unrecorded, "unrecorded"},
+    KindName{RecordKind::Unrecorded, "unrecorded"}, KindName{RecordKind::Acknowledged, "acknowledged"},
 };
 
 std::string HashOf(std::string_view text) {
   Sha256 digest;
   digest.Add(text);
   return digest.Hex();
+}
+
+// A reader who has the whole text can tell that it is the one.
+std::string Shortened(std::string_view text) {
+  constexpr std::size_t kShown = 1000;
+  std::string_view rest = text;
+  while (text.size() - rest.size() < kShown) (void)TakeCharacter(rest);
+  return std::string(text.substr(0, text.size() - rest.size())) + "... (" + std::to_string(text.size()) +
+         " bytes, SHA-256 " + HashOf(text) + ")";
 }
 
 // Writes the fields of one object.
@@ -37,7 +48,7 @@ class Fields {
   void Text(std::string_view name, std::string_view text) {
     if (text.empty()) return;
     Name(name);
-    AppendJsonText(mJson, text);
+    Append(text);
   }
   void Number(std::string_view name, std::uint64_t number) {
     Name(name);
@@ -48,7 +59,7 @@ class Fields {
     Name(name);
     for (std::size_t i = 0; i < texts.size(); ++i) {
       mJson += i == 0 ? '[' : ',';
-      AppendJsonText(mJson, texts[i]);
+      Append(texts[i]);
     }
     mJson += ']';
   }
@@ -59,6 +70,11 @@ class Fields {
   }
 
  private:
+  void Append(std::string_view text) {
+    if (text.size() > kLongestJournalText) return AppendJsonText(mJson, Shortened(text));
+    AppendJsonText(mJson, text);
+  }
+
   std::string& mJson;
 };
 
@@ -71,23 +87,31 @@ void AppendController(std::string& json, Fields& fields, const ControllerName& c
   inner.Close();
 }
 
-// The values of the first `withValues` entries.
-void AppendOperands(std::string& json, Fields& fields, const std::vector<ChangedOperands>& operands,
-                    std::size_t withValues) {
+// How many entries of a record's operands a line has room for.
+struct Room {
+  std::size_t entries;
+  std::size_t withValues;  // the first of them
+};
+
+void AppendOperands(std::string& json, Fields& fields, const std::vector<ChangedOperands>& operands, Room room) {
   if (operands.empty()) return;
   fields.Name("values");
-  for (std::size_t i = 0; i < operands.size(); ++i) {
-    json += i == 0 ? '[' : ',';
+  json += '[';
+  const auto append = [&json](const ChangedOperands& each, bool withValues) {
+    if (json.back() != '[') json += ',';
     Fields inner(json);
-    inner.Text("operands", operands[i].operands);
-    if (i < withValues) inner.Texts("before", operands[i].before);
-    if (i < withValues) inner.Texts("after", operands[i].after);
+    inner.Text("operands", each.operands);
+    if (withValues) inner.Texts("before", each.before);
+    if (withValues) inner.Texts("after", each.after);
     inner.Close();
-  }
+  };
+  for (std::size_t i = 0; i < room.entries; ++i) append(operands[i], i < room.withValues);
+  const std::size_t left = operands.size() - room.entries;
+  if (left > 0) append({"and " + Counted(left, "run") + " of operands more", {}, {}}, false);
   json += ']';
 }
 
-std::string PrintJson(const JournalRecord& record, std::size_t withValues) {
+std::string PrintJson(const JournalRecord& record, Room room) {
   std::string json;
   Fields fields(json);
   fields.Number("n", record.number);
@@ -95,15 +119,15 @@ std::string PrintJson(const JournalRecord& record, std::size_t withValues) {
   fields.Text("time", record.time);
   fields.Text("kind", std::ranges::find(kKinds, record.kind, &KindName::kind)->name);
   fields.Text("journal", record.journal);
+  fields.Text("user", record.user);
   if (record.kind == RecordKind::Begin) {
-    fields.Text("user", record.user);
     AppendController(json, fields, record.controller);
     fields.Text("link", record.link);
     fields.Text("tool", record.tool);
     fields.Text("what", record.what);
-    AppendOperands(json, fields, record.operands, withValues);
-    fields.Text("reason", record.reason);
+    AppendOperands(json, fields, record.operands, room);
   }
+  fields.Text("reason", record.reason);
   if (record.of != 0) fields.Number("of", record.of);
   fields.Text("result", record.result);
   fields.Text("detail", record.detail);
@@ -210,25 +234,44 @@ std::string_view ResultWord(ChangeResult result) {
   return "failed";
 }
 
+bool IsResultWord(std::string_view word) {
+  constexpr std::array kResults{ChangeResult::Done, ChangeResult::Sent, ChangeResult::Refused, ChangeResult::Failed,
+                                ChangeResult::Stopped};
+  return std::ranges::any_of(kResults, [word](ChangeResult result) { return ResultWord(result) == word; });
+}
+
+bool IsJournalHash(std::string_view text) {
+  return text.size() == kHashDigits && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
 std::string PrintRecord(const JournalRecord& record) {
   const std::size_t longest = kLongestJournalLine - kHashDigits - 1;
-  std::string json = PrintJson(record, record.operands.size());
-  for (std::size_t withValues = record.operands.size(); json.size() > longest && withValues > 0;) {
-    withValues /= 2;
-    json = PrintJson(record, withValues);
+  Room room{record.operands.size(), record.operands.size()};
+  std::string json = PrintJson(record, room);
+  while (json.size() > longest && room.entries > 0) {
+    std::size_t& less = room.withValues > 0 ? room.withValues : room.entries;
+    less /= 2;
+    json = PrintJson(record, room);
   }
   return HashOf(json) + " " + json;
 }
 
-std::optional<ReadRecord> ParseRecord(std::string_view line) {
-  if (line.size() <= kHashDigits || line.size() > kLongestJournalLine || line[kHashDigits] != ' ') return std::nullopt;
-  const std::string_view json = line.substr(kHashDigits + 1);
+std::expected<ReadRecord, std::string_view> ParseRecord(std::string_view line) {
+  if (line.empty() || line.size() > kLongestJournalLine) {
+    return std::unexpected("its line is empty or longer than a record can be");
+  }
   ReadRecord read{.record = {}, .hash = std::string(line.substr(0, kHashDigits))};
-  if (HashOf(json) != read.hash) return std::nullopt;
+  if (!IsJournalHash(read.hash) || !line.substr(kHashDigits).starts_with(' ')) {
+    return std::unexpected("it does not begin with a hash and a blank");
+  }
+  const std::string_view json = line.substr(kHashDigits + 1);
+  if (HashOf(json) != read.hash) return std::unexpected("its text does not have the hash that stands before it");
   JsonReader reader(json);
   bool hasKind = false;
   reader.EachField([&](const std::string& name) { ReadField(reader, name, read.record, hasKind); });
-  if (!reader.IsAtEnd() || !hasKind || read.record.number == 0) return std::nullopt;
+  if (!reader.IsAtEnd()) return std::unexpected("its text is not of the form that a record has");
+  if (!hasKind || read.record.number == 0)
+    return std::unexpected("it has no number, or is of no kind that records have");
   return read;
 }
 

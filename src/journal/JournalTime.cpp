@@ -31,7 +31,8 @@ std::optional<sys_time<milliseconds>> ParseJournalTime(std::string_view text) {
   };
   const year_month_day date{year{number(0, 4)}, month{static_cast<unsigned>(number(5, 2))},
                             day{static_cast<unsigned>(number(8, 2))}};
-  if (!date.ok()) return std::nullopt;
+  const bool isTimeOfDay = number(11, 2) < 24 && number(14, 2) < 60 && number(17, 2) < 60;
+  if (!date.ok() || !isTimeOfDay || number(27, 2) >= 60) return std::nullopt;
   const auto offset = hours{number(24, 2)} + minutes{number(27, 2)};
   const auto local = sys_days{date} + hours{number(11, 2)} + minutes{number(14, 2)} + seconds{number(17, 2)} +
                      milliseconds{number(20, 3)};

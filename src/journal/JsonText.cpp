@@ -55,18 +55,24 @@ bool JsonReader::Takes(char wanted) {
 std::string JsonReader::Text() {
   std::string text;
   Expect('"');
-  while (mIsGood && !Takes('"')) {
-    if (mRest.empty()) {
-      Fail();
-    } else if (Takes('\\')) {
-      TakeEscaped(text);
-    } else {
-      const std::optional<char32_t> code = TakeCharacter(mRest);
-      if (!code || *code < 0x20) Fail();
-      if (mIsGood) AppendUtf8(text, *code);
-    }
+  while (mIsGood) {
+    const auto* plain = std::ranges::find_if_not(mRest, IsPlain);
+    const auto count = static_cast<std::size_t>(plain - mRest.begin());
+    text.append(mRest.substr(0, count));
+    mRest.remove_prefix(count);
+    if (Takes('"')) break;
+    TakeSpecial(text);
   }
   return text;
+}
+
+// What is no plain character: escaped, or of more than one byte.
+void JsonReader::TakeSpecial(std::string& text) {
+  if (mRest.empty()) return Fail();
+  if (Takes('\\')) return TakeEscaped(text);
+  const std::optional<char32_t> code = TakeCharacter(mRest);
+  if (!code || IsControl(*code)) return Fail();
+  AppendUtf8(text, *code);
 }
 
 void JsonReader::TakeEscaped(std::string& text) {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kv {
 
@@ -15,6 +18,8 @@ void AppendJsonText(std::string& json, std::string_view text);
 // out nothing that counts.
 class JsonReader {
  public:
+  static constexpr std::size_t kMostFields = 64;  // of one object
+
   explicit JsonReader(std::string_view json) : mRest(json) {}
 
   [[nodiscard]] bool IsGood() const { return mIsGood; }
@@ -25,13 +30,17 @@ class JsonReader {
   // Passes over a value of any kind.
   void Skip(int depth = 0);
 
-  // Calls `field` with the name of each field of an object; it takes the value.
+  // Calls `field` with the name of each field of an object; it takes the value. No two have one name.
   template <typename Field>
   void EachField(const Field& field) {
+    std::vector<std::string> names;
     Each('{', '}', [&] {
       const std::string name = Text();
       Expect(':');
-      if (mIsGood) field(name);
+      if (names.size() == kMostFields || std::ranges::find(names, name) != names.end()) Fail();
+      if (!mIsGood) return;
+      names.push_back(name);
+      field(name);
     });
   }
   // Calls `item` for each value of an array; it takes the value.
@@ -52,6 +61,7 @@ class JsonReader {
   }
   bool Takes(char wanted);
   void Expect(char wanted) { mIsGood = Takes(wanted) && mIsGood; }
+  void TakeSpecial(std::string& text);
   void TakeEscaped(std::string& text);
   void Fail() { mIsGood = false; }
 

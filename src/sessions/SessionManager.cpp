@@ -83,15 +83,27 @@ std::string Failure(const std::string& what, const std::error_code& error) {
   return what + ": " + error.message() + ".";
 }
 
-MessageBox DeleteQuestion(const std::string& name, const SessionFacts& facts) {
+bool HasJournal(const fs::path& folder) {
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    if (Utf8FromPath(entry->path().filename()).starts_with(kChangesFilePrefix)) return true;
+  }
+  return false;
+}
+
+MessageBox DeleteQuestion(const std::string& name, const SessionFacts& facts, bool hasJournal) {
   std::string about = facts.model;
   if (!facts.link.empty()) about += (about.empty() ? "" : ", ") + facts.link;
-  return {.text = "Delete the session '" + name + "'" + (about.empty() ? "" : " (" + about + ")") +
-                  "?\r\n\r\nIts settings, regions, values and the journal of its changes are lost.",
-          .title = "Remove Session",
-          .icon = PromptIcon::Exclamation,
-          .buttons = PromptButtons::YesNo,
-          .canLose = true};
+  return {
+      .text = "Delete the session '" + name + "'" + (about.empty() ? "" : " (" + about + ")") +
+              "?\r\n\r\nIts settings, regions and values are lost" +
+              (hasJournal ? ", and the journal of who changed what in its controllers. The journal of a session that "
+                            "is made anew with this name will begin with saying so."
+                          : "."),
+      .title = "Remove Session",
+      .icon = PromptIcon::Exclamation,
+      .buttons = PromptButtons::YesNo,
+      .canLose = true};
 }
 
 }  // namespace
@@ -233,7 +245,9 @@ bool SessionManager::Delete(const std::string& name) {
 
 SessionManager::Deletion SessionManager::DeleteOnConsent(const std::string& name) {
   const bool wouldGo = name != kDefaultSession && IsListed(name) && !FindHold(mShared.paths.Session(name));
-  if (wouldGo && mPrompts.Show(DeleteQuestion(name, Describe(name))) != PromptAnswer::Yes) return Deletion::Declined;
+  if (wouldGo &&
+      mPrompts.Show(DeleteQuestion(name, Describe(name), HasJournal(mShared.paths.Session(name)))) != PromptAnswer::Yes)
+    return Deletion::Declined;
   return Delete(name) ? Deletion::Done : Deletion::Failed;
 }
 

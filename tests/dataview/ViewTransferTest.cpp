@@ -212,6 +212,22 @@ TEST(WriteRegions, NameTheValuesThatTheControllerToldBefore) {
                                                     ChangedOperands{"ML 0", {""}, {"70000"}}));
 }
 
+TEST(WriteRegions, AskBeforeTheyWriteWhatAnEarlierSessionHadRead) {
+  DataViewFixture fixture;
+  fixture.Add(MI, 0, 2);
+  fixture.Run("ID_ReadRegions");
+  EXPECT_TRUE(fixture.view.Close());
+  fixture.view.Open();
+  fixture.view.Edit(MI, 1, "9");
+  const auto question = testing::StartsWith(
+      "Box (?) Data Types - Default: Write 3 values to COM3, 115200 8N1, unit 1?\n\n2 of them are pale: ");
+  EXPECT_THAT(fixture.Run("ID_WriteRegions", {PromptAnswer::No}), ElementsAre(question));
+  EXPECT_TRUE(fixture.prompts.Boxes().back().canLose) << "Enter does not write";
+  EXPECT_THAT(fixture.Run("ID_WriteRegions", {PromptAnswer::Yes}), Contains("WriteMI 0 3 @1"));
+  EXPECT_THAT(fixture.Run("ID_WriteRegions"), testing::Not(Contains(question)))
+      << "they are as the controller has them";
+}
+
 TEST(WriteRegions, SaysHowFarItCameAndKeepsTheMarksOfTheRest) {
   DataViewFixture fixture;
   fixture.Add(MI, 0, 179);

@@ -18,6 +18,32 @@ TEST_F(ChangeJournalTest, ChainsRecordsAndKeepsTheHead) {
   EXPECT_EQ(head->number, 4U);
   EXPECT_EQ(Check().head->hash, head->hash);
   EXPECT_EQ(LinesOf(Bytes()).size(), 4U);
+  EXPECT_FALSE(Check().isHeadDamaged);
+  std::fstream(HeadFile(places)).seekp(20).put('x');
+  EXPECT_TRUE(Check().isHeadDamaged);
+}
+
+TEST_F(ChangeJournalTest, ShortensWhatALineHasNoRoomFor) {
+  JournalRecord record{
+      .kind = RecordKind::Begin, .what = std::string(5000, 'w'), .reason = std::string(3'000'000, 'r')};
+  record.operands.assign(100'000, {"MI 0..1", {"1", "2"}, {"3", "4"}});
+  (void)journal->Append(record);
+  EXPECT_EQ(Findings(), "");
+  const std::string line = LinesOf(Bytes()).back();
+  const auto read = ParseRecord(line.substr(0, line.size() - 1));
+  ASSERT_TRUE(read);
+  EXPECT_THAT(read->record.reason, testing::MatchesRegex("r{1000}\\.\\.\\. .3000000 bytes, SHA-256 [0-9a-f]{64}."));
+  EXPECT_THAT(read->record.operands.back().operands, testing::MatchesRegex("and [0-9]+ runs of operands more"));
+}
+
+TEST_F(ChangeJournalTest, LetsEverybodyWriteWhoMayWriteInTheFolder) {
+  namespace fs = std::filesystem;
+  for (const fs::perms shared : {fs::perms::group_write, fs::perms::others_write}) {
+    fs::remove(File());
+    fs::permissions(places.folder, fs::perms::owner_all | fs::perms::others_read | shared);
+    (void)Begin();
+    EXPECT_EQ(fs::status(File()).permissions() & shared, shared) << "whatever the umask";
+  }
 }
 
 TEST_F(ChangeJournalTest, LetsTwoWritersTakeTurns) {
@@ -117,6 +143,10 @@ TEST_F(ChangeJournalTest, SaysWhatKeepsItFromWriting) {
   std::ofstream(places.stateFolder) << "in the way";
   EXPECT_NE(Begin(), 0U);
   EXPECT_THAT(journal->HeadTrouble(), testing::HasSubstr("cannot be kept in"));
+  places.stateFolder.clear();
+  Reopen();
+  EXPECT_NE(Begin(), 0U);
+  EXPECT_THAT(journal->HeadTrouble(), testing::HasSubstr("is kept nowhere"));
 }
 
 }  // namespace

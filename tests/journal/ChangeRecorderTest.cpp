@@ -64,7 +64,10 @@ TEST_F(ChangeRecorderTest, RecordsAnOperationOnceHoweverManyRequestsItTakes) {
     EXPECT_TRUE(Send());
   }
   EXPECT_TRUE(Send());
-  EXPECT_EQ(Recorded(), "anna|restore||failed: the link broke\nanna|write||failed\nanna|unit 1: write MI 0||done\n");
+  EXPECT_EQ(Recorded(),
+            "anna|restore||failed: the link broke; the last of 700 requests: unit 1: write MI 0\n"
+            "anna|write||failed: 1 of 2 requests done, the last of these: unit 1: write MI 0; the last sent: "
+            "unit 1: write MI 0\nanna|unit 1: write MI 0||done\n");
   EXPECT_THAT(recorder.Head(), testing::StartsWith("7 "));
 }
 
@@ -78,6 +81,7 @@ TEST_F(ChangeRecorderTest, RefusesWhatItCannotRecordUnlessTheUserSaysOtherwise) 
     ASSERT_FALSE(refused);
     EXPECT_EQ(refused.error().code, LinkErrorCode::NotRecorded);
     EXPECT_TRUE(refused.error().isNotExecuted);
+    EXPECT_THAT(refused.error().cure, testing::HasSubstr("256 KiB"));
     EXPECT_THAT(refused.error().cure, testing::HasSubstr("or say otherwise"));
     EXPECT_FALSE(Send());
   }

@@ -2,6 +2,9 @@
 
 #include <functional>
 
+#include "base/Texts.h"
+#include "digest/Sha256.h"
+#include "journal/Acknowledgement.h"
 #include "tests/journal/JournalFixture.h"
 
 namespace kv {
@@ -28,7 +31,102 @@ struct JournalCheckTest : testing::Test, test::JournalFixture {
     read->record.what = to;
     return PrintRecord(read->record) + "\n";
   }
+  static std::string Digest(std::string_view bytes) {
+    Sha256 digest;
+    digest.Add(bytes);
+    return digest.Hex();
+  }
+  // The lines of records that follow record 7, as somebody writes them who knows the form.
+  [[nodiscard]] std::string Forged(std::vector<JournalRecord> records) const {
+    std::string lines;
+    std::string hash = LinesOf(whole).back().substr(0, 64);
+    for (std::uint64_t number = 8; JournalRecord & record : records) {
+      record.number = number++;
+      record.previous = hash;
+      if (record.time.empty()) record.time = "2026-11-22T10:00:00.000+01:00";
+      lines += PrintRecord(record) + "\n";
+      hash = lines.substr(lines.rfind('\n', lines.size() - 2) + 1, 64);
+    }
+    return lines;
+  }
 };
+
+// Behind the head nobody vouches for a record.
+TEST_F(JournalCheckTest, FindsWhatTheProgramsNeverWrite) {
+  using enum RecordKind;
+  const std::string name = ParseRecord(LinesOf(whole).front().substr(0, whole.find('\n')))->record.journal;
+  const JournalRecord begin{.kind = Begin, .user = "hans"};
+  const JournalRecord segment{.kind = Segment, .journal = name};
+  const auto end = [](std::uint64_t of, const char* result = "failed") {
+    return JournalRecord{.kind = End, .of = of, .result = result};
+  };
+  const auto repair = [](std::string_view bytes) {
+    return JournalRecord{.kind = Repair, .count = bytes.size(), .hash = Digest(bytes)};
+  };
+  struct Case {
+    const char* what;
+    std::vector<JournalRecord> records;
+    std::string findings;
+    unsigned file = 1;
+    std::string torn{};  // at the end of the file before
+  };
+  const Case cases[] = {
+      {"an operation more", {begin, end(8)}, ""},
+      {"a second end", {end(2)}, "impossible 8"},
+      {"an end before its operation", {end(9), begin}, "impossible 8"},
+      {"the end of what is none", {end(1)}, "impossible 8"},
+      {"a result of its own", {begin, end(8, "perhaps")}, "impossible 9"},
+      {"a second start", {{.kind = Start, .journal = name}}, "impossible 8"},
+      {"a false time", {{.time = "2026-11-22T10:61:00.000+01:00", .kind = Begin}}, "impossible 8"},
+      {"a repair of nothing", {{.kind = Repair}}, "impossible 8"},
+      {"a file in the middle of one", {segment}, "impossible 8"},
+      {"a further file", {segment, begin}, "", 2},
+      {"one without its beginning", {begin}, "impossible 8", 2},
+      {"one of another journal", {{.kind = Segment, .journal = std::string(32, 'A')}}, "impossible 8", 2},
+      {"bytes that were left there", {segment, repair("torn"), begin}, "", 2, "torn"},
+      {"bytes that nobody tells of", {segment, begin}, "impossible 9", 2, "torn"},
+      {"bytes that were others", {segment, repair("tear")}, "impossible 9", 2, "torn"},
+      {"bytes that are not there", {segment, repair("torn")}, "impossible 9", 2},
+  };
+  for (const Case& each : cases) {
+    std::filesystem::remove(File(2));
+    const std::string lines = Forged(each.records);
+    Put(whole + (each.file == 1 ? lines : each.torn));
+    if (each.file == 2) Put(lines, 2);
+    EXPECT_EQ(Findings(), each.findings) << each.what;
+    EXPECT_EQ(Check().behindHead, each.records.size()) << each.what;
+  }
+  std::filesystem::remove(File(2));
+  const std::string rest = R"("prev":")" + LinesOf(whole).back().substr(0, 64) +
+                           R"(","time":"2026-11-22T10:00:00.000+01:00","kind":"begin")";
+  const std::string fields[] = {R"("n":8,"n":9,)" + rest, R"("n":8,)" + rest + ",\"what\":\"\x7F\"",
+                                R"("n":8,)" + rest + R"(,"kind":"wonder")",
+                                R"("n":8,)" + rest + R"(,"x":{"a":1,"a":1})"};
+  for (const std::string& each : fields) {
+    const std::string json = "{" + each + "}";
+    Put(whole + Digest(json) + " " + json + "\n");
+    EXPECT_EQ(Findings(), "altered 8") << each;
+  }
+}
+
+TEST_F(JournalCheckTest, TellsApartWhatWasAcknowledgedForAsLongAsItIsTheSame) {
+  const auto acknowledge = [this](const char* reason) {
+    return AcknowledgeFindings(places, disk, pacer, pacer, {"anna", reason}).value_or(0);
+  };
+  EXPECT_EQ(acknowledge("nothing is wrong"), 0U);
+  std::filesystem::remove(File());
+  EXPECT_EQ(Findings(), "gone 7");
+  EXPECT_EQ(acknowledge(""), 0U);
+  EXPECT_EQ(acknowledge("session made anew"), 3U);  // behind what begins the journal, and what was found
+  (void)Begin();
+  EXPECT_EQ(Findings(), "");
+  EXPECT_THAT(CheckLines(Check()), testing::Contains("Acknowledged in record 3 by anna: session made anew"));
+  EXPECT_THAT(VerdictText(Check()), testing::HasSubstr("apart from 1 finding that was acknowledged"));
+  Lines lines = LinesOf(Bytes());
+  lines.erase(lines.begin());
+  Put(Joined(lines));
+  EXPECT_EQ(Findings(), "missing 1; foundThen 2");
+}
 
 TEST_F(JournalCheckTest, NamesWhatWasDoneToTheFile) {
   struct Case {
@@ -59,6 +157,8 @@ TEST_F(JournalCheckTest, NamesWhatWasDoneToTheFile) {
        },
        "olderCopy 7", ""},
       {"another line end", [](Lines& l) { l[3].insert(l[3].size() - 1, "\r"); }, "altered 4", "altered 4"},
+      {"capital digits", [](Lines& l) { l[3].replace(0, 64, UpperCased(l[3].substr(0, 64))); }, "altered 4",
+       "altered 4"},
       {"an empty line", [](Lines& l) { l.insert(l.begin() + 3, "\n"); }, "altered 4; doubled 4",
        "altered 4; doubled 4"},
   };

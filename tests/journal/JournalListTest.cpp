@@ -8,7 +8,9 @@ namespace {
 struct JournalListTest : testing::Test, test::JournalFixture {
   JournalListTest() {
     pacer.SetLocalTime(std::chrono::local_days{std::chrono::year{2026} / 11 / 22} + std::chrono::hours(8));
-    Add("anna", {{"MI 0..1", {"1", ""}, {"2", "-3"}}, {"TIMER PRESET 7", {"00:00:01.00"}, {"00:00:02.00"}}});
+    Add("anna", {{"MI 0..1", {"1", ""}, {"2", "-3"}},
+                 {"MI 5..9", {"1", "1", "2", "2", "2"}, {"1", "1", "3", "2", "2"}},
+                 {"TIMER PRESET 7", {"00:00:01.00"}, {"00:00:02.00"}}});
     pacer.SetLocalTime(std::chrono::local_days{std::chrono::year{2026} / 11 / 23});
     Add("Hans", {});
     (void)Begin("begun and no more");
@@ -33,7 +35,10 @@ TEST_F(JournalListTest, Filters) {
       {{.operand = "mi 1..9"}, {2, 6}},
       {{.operand = "MI"}, {2, 6}},
       {{.operand = "MI 2"}, {}},
-      {{.operand = "M"}, {}},
+      {{.operand = "MI 6"}, {}},  // written with the value that it had
+      {{.operand = "MI 6..7"}, {2}},
+      {{.operand = "recipe"}, {}},
+      {{.day = "22.11.2026"}, {}},
       {{.operand = "timer-preset 7"}, {2}},
       {{.user = "ANN"}, {2, 6}},
       {{.operand = "MI", .user = "hans"}, {}},
@@ -45,12 +50,16 @@ TEST_F(JournalListTest, Filters) {
     for (const JournalEntry& entry : List(each.filter).entries) numbers.push_back(entry.record.number);
     EXPECT_EQ(numbers, each.numbers) << each.filter.operand << "|" << each.filter.user << "|" << each.filter.day;
   }
+  EXPECT_EQ(JournalFilter{.operand = "recipe"}.Fault(), "\"recipe\" is no operand: enter MI 5, MI 0..9 or MI.");
+  EXPECT_EQ(JournalFilter{.day = "22.11.2026"}.Fault(), "\"22.11.2026\" is no day: enter 2026-11-22, or 2026-11.");
+  EXPECT_EQ((JournalFilter{.operand = "timer-preset 7", .day = "2026-1"}.Fault()), "");
 }
 
 TEST_F(JournalListTest, TellsFromWhichValueToWhich) {
   const auto entries = List({}).entries;
-  EXPECT_THAT(OperandLines(entries[1]), testing::ElementsAre("MI 0: 1 -> 2", "MI 1: not known -> -3",
-                                                             "TIMER PRESET 7: 00:00:01.00 -> 00:00:02.00"));
+  EXPECT_THAT(OperandLines(entries[1]),
+              testing::ElementsAre("MI 0: 1 -> 2", "MI 1: not known -> -3", "MI 7: 2 -> 3",
+                                   "TIMER PRESET 7: 00:00:01.00 -> 00:00:02.00", "unchanged: MI 5..6, MI 8..9"));
   EXPECT_EQ(entries[1].Result(), "done");
   EXPECT_EQ(entries[3].Result(), "begun, and not ended");
   EXPECT_EQ(entries[1].Controller(), "K220-22-R1, serial number 305419896, project =Mixer");

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 #include "sessions/SessionIni.h"
 #include "tests/support/SessionFixture.h"
 
@@ -108,11 +110,12 @@ TEST_F(SessionsTest, DeletingSparesDefaultAndWhatIsInUseAndAsksWhereThereIsSomet
   using enum SessionManager::Deletion;
   for (const char* name : {"two", "gone"}) EXPECT_EQ(sessions.DeleteOnConsent(name), Failed);
   EXPECT_THAT(Taken(), IsEmpty());
+  std::ofstream(Session("one") / "Changes.0001.journal") << "records";
   for (const auto& [answer, deletion] : {std::pair(PromptAnswer::No, Declined), {PromptAnswer::Yes, Done}}) {
     prompts.Press(answer);
     EXPECT_EQ(sessions.DeleteOnConsent("one"), deletion);
     EXPECT_EQ(fs::exists(Session("one")), deletion == Declined);
-    EXPECT_THAT(Taken(), ElementsAre(HasSubstr("Delete the session 'one' (")));
+    EXPECT_THAT(Taken(), ElementsAre(testing::AllOf(HasSubstr("Delete the session 'one' ("), HasSubstr("who changed what"))));
     EXPECT_TRUE(prompts.Boxes().back().canLose) << "Enter keeps it";
   }
   EXPECT_THAT(sessions.List(), ElementsAre("Default", "two"));

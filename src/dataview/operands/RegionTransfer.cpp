@@ -93,6 +93,7 @@ struct Request {
   const TypeFacts& facts;
   std::string_view model;
   std::uint8_t unit;
+  FloatDigits digits = FloatDigits::Shown;
 
   [[nodiscard]] std::int16_t Start() const { return static_cast<std::int16_t>(region.from); }
   [[nodiscard]] std::size_t Count() const { return static_cast<std::size_t>(region.Count()); }
@@ -100,7 +101,7 @@ struct Request {
 
 // ---- reading ----
 
-std::string RawText(RawKind kind, std::uint32_t bits) {
+std::string RawText(RawKind kind, std::uint32_t bits, FloatDigits digits = FloatDigits::Shown) {
   switch (kind) {
     case RawKind::Bit:
       return (bits & 1U) != 0 ? "1" : "0";
@@ -110,8 +111,10 @@ std::string RawText(RawKind kind, std::uint32_t bits) {
       return std::to_string(static_cast<std::int32_t>(bits));
     case RawKind::Unsigned:
       return std::to_string(bits);
-    case RawKind::Float:
-      return FloatText(mdlFloatHandling::FloatFromController(bits));
+    case RawKind::Float: {
+      const float value = mdlFloatHandling::FloatFromController(bits);
+      return digits == FloatDigits::Exact ? ExactFloatText(value) : FloatText(value);
+    }
     case RawKind::Time:
       return TimerText(static_cast<std::int32_t>(bits));
   }
@@ -127,7 +130,7 @@ ReadResult ListTexts(const Request& request, const OperandListValues& values) {
   Texts texts;
   texts.reserve(request.Count());
   for (auto i = static_cast<std::size_t>(request.facts.part); i < values.size(); i += stride) {
-    texts.push_back(RawText(request.facts.raw, values[i]));
+    texts.push_back(RawText(request.facts.raw, values[i], request.digits));
   }
   return texts;
 }
@@ -241,10 +244,10 @@ bool IsReadableFrom(std::string_view model, OperandTypeCode type) {
   return facts->driverTypeCode != 0;
 }
 
-ReadResult ReadRegion(Channel& channel, std::string_view model, const Region& region) {
+ReadResult ReadRegion(Channel& channel, std::string_view model, const Region& region, FloatDigits digits) {
   if (!IsRequest(region)) return std::unexpected(NoSuchRegion("reading", region));
   const TypeFacts& facts = *TypeFactsOf(region.type);
-  const Request request{channel, region, facts, model, channel.UnitID()};
+  const Request request{channel, region, facts, model, channel.UnitID(), digits};
   if (IsCompactDriverModel(model)) return std::visit(ReadCompactWith{request}, facts.compactRead);
   return ReadByList(request);
 }

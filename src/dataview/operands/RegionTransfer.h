@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <expected>
 #include <span>
 #include <string>
@@ -35,10 +36,14 @@ inline constexpr std::string_view kReadOnlyRegionsMessage =
 // What to do about a region that ends past the operands that the model has.
 [[nodiscard]] std::string PastEndCure(const Region& region, std::string_view model);
 
+// How many digits the texts of floats have.
+enum class FloatDigits : std::uint8_t { Shown, Exact };
+
 // The region's raw value texts in address order. None, and nothing sent, for a type that such a controller does not
 // have. A type without a list read, where one is needed, is an error and sends nothing.
 [[nodiscard]] std::expected<std::vector<std::string>, LinkError> ReadRegion(Channel& channel, std::string_view model,
-                                                                            const Region& region);
+                                                                            const Region& region,
+                                                                            FloatDigits digits = FloatDigits::Shown);
 
 // Writes the raw value texts, one an operand of the region. All are converted first: one that cannot be is an
 // error that names it, and nothing is sent. For a read-only type it does nothing.
