@@ -8,6 +8,7 @@
 #include "base/ProgramVersion.h"
 #include "clone/ui/frmDumpPLC.h"
 #include "dataview/ui/frmDataTypesView.h"
+#include "desktop/UserName.h"
 #include "download/ui/frmDownloader.h"
 #include "host/ui/frmAbout.h"
 #include "host/ui/frmLogIn.h"
@@ -46,8 +47,12 @@ constexpr std::array kTable{
                   }},
     ToolWindowRow{"ID_Journal",
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
-                    const JournalServices services{
-                        {SessionFolder(of.shared), of.stateFolder}, SystemJournalDisk(), of.prompts, of.pacer};
+                    const JournalServices services{{SessionFolder(of.shared), of.stateFolder},
+                                                   SystemJournalDisk(),
+                                                   of.prompts,
+                                                   of.pacer,
+                                                   of.clock,
+                                                   of.shared.UserName.empty() ? UserName() : of.shared.UserName};
                     return std::make_unique<frmJournal>(services, parent);
                   }},
     ToolWindowRow{"ID_LogIn",

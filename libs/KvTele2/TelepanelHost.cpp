@@ -168,7 +168,9 @@ void TelepanelHost::SetComDescription(const std::string& text) {
 }
 
 void TelepanelHost::SetUserName(const std::string& name) {
-  mState.user = name;
+  const std::string before = std::exchange(mState.user, name);
+  if (!before.empty() && before != name) Note(before + " is logged off");
+  if (!name.empty()) Note(name + " is logged in");
   Show();
 }
 

@@ -345,7 +345,11 @@ TEST_F(TelepanelHostTest, UnknownModelsAndMissingToolsSayWhatToDo) {
   EXPECT_EQ(host.WhyDisabled("ID_DataTypes"), "This build does not have this tool.");
 }
 
-TEST_F(TelepanelHostTest, TheLogIsBounded) {
+TEST_F(TelepanelHostTest, TheLogTellsWhoComesAndGoesAndIsBounded) {
+  for (const char* user : {"anna", "hans", ""}) host.SetUserName(user);
+  std::string told;
+  for (const auto& entry : host.Log().Entries()) told += entry.text + "|";
+  EXPECT_THAT(told, HasSubstr("anna is logged in|anna is logged off|hans is logged in|hans is logged off|"));
   for (int i = 0; i < 1100; ++i) host.StatusMessage("message " + std::to_string(i));
   EXPECT_EQ(host.Log().Entries().size(), Journal::kMostEntries);
   EXPECT_EQ(EntryText({"14:05:09", "one\r\ntwo"}), "14:05:09  one\n          two");

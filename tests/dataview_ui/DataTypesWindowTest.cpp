@@ -265,6 +265,8 @@ TEST_F(DataTypesWindowTest, WhatWasReadIsRepaintedAndSaysHowOldItIs) {
   EXPECT_EQ(tip(Cell(MB, 1)), "MB 1: not read");
   EXPECT_EQ(tip(Cell(DW, 256)), "DW ends at address 255");
   EXPECT_EQ(tip(Cell(DBI, 0)), "This model has no DBI");
+  Operands().model()->setData(Cell(MB, 0), "1");
+  EXPECT_THAT(tip(RegionIndex(0, RegionColumn::Values)), HasSubstr("Values edited")) << "nobody has read it";
 }
 
 TEST_F(DataTypesWindowTest, EachStateOfACellIsSeen) {

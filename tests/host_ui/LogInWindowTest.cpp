@@ -67,7 +67,9 @@ TEST_F(LogInWindowTest, WhoIsLoggedInStandsInTheStatusBarAndIsOfferedTheNextTime
       EXPECT_LT(window.minimumSizeHint().width(), width + 300) << "a long name does not widen the window";
     }
     WhenOpen<QDialog>(window, [](QDialog& dialog) {
-      EXPECT_EQ(Find<QLineEdit>(dialog, "txtUserName").text(), "J\u00fcrgen");
+      EXPECT_EQ(Find<QLineEdit>(dialog, "txtUserName").selectedText(), "J\u00fcrgen");
+      EXPECT_EQ(Find<QLabel>(dialog, "lblNow").text(), "Logged in now: 'x'");
+      EXPECT_EQ(dialog.focusWidget()->objectName(), "txtUserName") << "the next one may be another";
       EXPECT_EQ(Find<QLineEdit>(dialog, "txtPassword").text(), "");
       EXPECT_EQ(Find<QLineEdit>(dialog, "txtPassword").echoMode(), QLineEdit::Password);
       dialog.reject();
@@ -76,6 +78,8 @@ TEST_F(LogInWindowTest, WhoIsLoggedInStandsInTheStatusBarAndIsOfferedTheNextTime
     LogOff(window);
     EXPECT_EQ(Shown(window), "");
     EXPECT_FALSE(Find<QAction>(window, "ID_LogOff").isEnabled());
+    EXPECT_THAT(Find<QAction>(window, "ID_LogOff").statusTip().toStdString(),
+                testing::AllOf(testing::StartsWith("Forgets the user"), HasSubstr("Nobody is logged in.")));
     LogIn(window, "", "");
     EXPECT_EQ(Shown(window), "") << "nobody, without a password";
   });
@@ -134,12 +138,13 @@ TEST_F(LogInWindowTest, ThePasswordIsTriedBeforeAnybodyIsAskedAndIsToldNowhere) 
       {nullptr, {}, {"The controller does this only with its password"}},  // the access has gone, too
   };
   const SecretForms secret(kPassword);
+  int value = 0;
   Run([&](QMainWindow& window) {
     Trigger(window, "ID_OnLine");
     for (const auto& row : rows) {
       row.logIn ? LogIn(window, "Anna", row.logIn) : LogOff(window);
       Answers answers(row.typed);
-      write(window, row.logIn ? row.logIn == kPassword ? "1" : "2" : "3");
+      write(window, std::to_string(++value).c_str());  // each another one: what is not edited is asked about
       EXPECT_EQ(answers.questions, row.questions) << (row.logIn ? row.logIn : "logged off");
       EXPECT_EQ(Text(window, "lblOnline"), "On line");
     }

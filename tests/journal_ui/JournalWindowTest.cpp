@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractItemModelTester>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -25,7 +26,8 @@ struct JournalWindowTest : ::testing::Test, JournalFixture {
   std::unique_ptr<frmJournal> window;
 
   void Open() {
-    window = std::make_unique<frmJournal>(JournalServices{places, SystemJournalDisk(), prompts, pacer}, nullptr);
+    window = std::make_unique<frmJournal>(JournalServices{places, SystemJournalDisk(), prompts, pacer, pacer, "anna"},
+                                          nullptr);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kPatience));
   }
@@ -55,6 +57,8 @@ TEST_F(JournalWindowTest, ShowsWhoChangedWhatTheNewestFirst) {
   EXPECT_EQ(Text("lblCount"), "0 entries of 3");
   EXPECT_FALSE(Find<QPushButton>(*window, "cmdExport").isEnabled());
   EXPECT_EQ(Lines("txtDetails"), "");
+  Enter("txtOperand", "recipe");
+  EXPECT_THAT(Text("lblCount"), HasSubstr("Nothing is shown: \"recipe\" is no operand"));
   Enter("txtOperand", "mi 1");
   Enter("txtUser", "ANNA");
   Enter("txtDay", "2024-01");
@@ -76,6 +80,11 @@ TEST_F(JournalWindowTest, TellsAtTheTopWhatWasDoneToTheJournal) {
   Find<QPushButton>(*window, "cmdRefresh").click();
   EXPECT_EQ(Text("lblVerdict"), "The journal is not in order: 1 finding in 1 record.");
   EXPECT_THAT(Lines("txtFindings"), HasSubstr("The journal ends with record 1, before record 3"));
+  prompts.Enter("put back from the backup");
+  Find<QPushButton>(*window, "cmdAcknowledge").click();
+  EXPECT_THAT(Lines("txtFindings"), HasSubstr("Acknowledged in record 3 by anna: put back from the backup"));
+  EXPECT_FALSE(Find<QPushButton>(*window, "cmdAcknowledge").isEnabled());
+  EXPECT_LE(List().horizontalHeader()->length(), List().viewport()->width()) << "all columns are in sight";
 }
 
 }  // namespace

@@ -77,7 +77,8 @@ void RegionValuesDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
     painter->drawText(place, Qt::AlignRight | Qt::AlignVCenter, age);
     place.setRight(place.right() - QFontMetrics(option.font).horizontalAdvance(age) - 2 * kMargin);
   }
-  const QFont font = FixedFont(option.font);
+  QFont font = FixedFont(option.font);
+  font.setItalic(mModel.HasEdited(index.row()));  // as in the grid above
   painter->setFont(font);
   painter->setPen(!isSelected && mModel.HasOld(index.row()) ? colours.faint : text);
   const QString values = QString::fromStdString(mModel.RowAt(index.row()).values);

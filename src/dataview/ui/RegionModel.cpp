@@ -68,6 +68,7 @@ void RegionModel::Copy(int first, int last) {
 
 QString RegionModel::AgeOf(int row) const {
   if (RowAt(row).values.empty()) return {};
+  if (HasEdited(row)) return "edited";
   if (RowAt(row).isFromFile) return "from the file";
   if (mView.Status().mode == ViewMode::Online) return {};
   const std::string age = mView.AgeText(static_cast<std::size_t>(row));
@@ -90,6 +91,12 @@ bool RegionModel::HasKept(int row) const {
 
 bool RegionModel::HasOld(int row) const {
   return HasCell(row, std::mem_fn(&OperandStore::IsOld));
+}
+
+bool RegionModel::HasEdited(int row) const {
+  return HasCell(row, [](const OperandStore& operands, OperandTypeCode type, std::int32_t address) {
+    return operands.Origin(type, address) == CellOrigin::Edited;
+  });
 }
 
 int RegionModel::rowCount(const QModelIndex& parent) const {

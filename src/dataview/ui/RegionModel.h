@@ -20,14 +20,16 @@ class RegionModel final : public QAbstractTableModel {
   void Follow(const GridChanges& changes);
 
   [[nodiscard]] const RegionRow& RowAt(int row) const { return mRows[static_cast<std::size_t>(row)]; }
-  // How old the row's values are: "12 s ago", "from before", "from the file"; empty when the mode tells it, and where
-  // there are none.
+  // How old the row's values are: "12 s ago", "edited", "from before", "from the file"; empty when the mode tells it,
+  // and where there are none.
   [[nodiscard]] QString AgeOf(int row) const;
 
   // Whether some of its values are those that the session kept.
   [[nodiscard]] bool HasKept(int row) const;
   // The same, or were read before the controller was out of reach.
   [[nodiscard]] bool HasOld(int row) const;
+  // Whether some of its values were entered, and not written since.
+  [[nodiscard]] bool HasEdited(int row) const;
   // How fresh the last change of its values is: DataTypesView::RegionMark.
   [[nodiscard]] double MarkOf(int row) const { return mView.RegionMark(static_cast<std::size_t>(row)); }
 

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "base/Texts.h"
 #include "dataview/operands/PlaceText.h"
 #include "dataview/ui/OperandGrid.h"
 #include "dataview/ui/RegionGrid.h"
@@ -52,6 +53,7 @@ frmDataTypesView::frmDataTypesView(const DataTypesViewParts& parts, QtPacer& pac
                  Qt::WindowCloseButtonHint);
   setWindowIcon(IconOf("datatypes"));
   mView.Open();
+  mHadUnwritten = mView.Operands().EditedCount() > 0;
   setWindowTitle(QString::fromStdString(mView.Caption()));
   BuildGrids();
   BuildTools();
@@ -319,9 +321,14 @@ void frmDataTypesView::done(int result) {
 
 void frmDataTypesView::TellUnwritten() {
   const std::size_t edited = mView.Operands().EditedCount();
-  if (edited == 0 || !mParts.shared.Remote) return;
-  mParts.shared.Remote->StatusMessage("The operand view keeps " + std::to_string(edited) +
-                                      " edited value(s) in the session; the controller does not have them.");
+  if (!mParts.shared.Remote) return;
+  if (edited > 0) {
+    mParts.shared.Remote->StatusMessage("The operand view keeps " + Counted(edited, "edited value") +
+                                        " in the session; the controller does not have " +
+                                        (edited == 1 ? "it." : "them."));
+  } else if (mHadUnwritten) {
+    mParts.shared.Remote->StatusMessage("The operand view keeps no edited values any more.");
+  }
 }
 
 // Escape gives back what is typed and cancels a wait; the view has too much in it to be closed by it.

@@ -68,6 +68,7 @@ class frmDataTypesView final : public QDialog, private mdlDataTypesView::GridLis
 
   mdlDataTypesView::DataTypesViewParts mParts;
   QtPacer& mPacer;
+  bool mHadUnwritten = false;  // edited values, when it was opened
   mdlDataTypesView::DataTypesView mView;
   mdlDataTypesView::OperandGrid* mOperands = nullptr;
   mdlDataTypesView::RegionGrid* mRegions = nullptr;

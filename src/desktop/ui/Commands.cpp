@@ -29,7 +29,7 @@ void SetAllowed(Command& command, const QString& whyNot) {
   const QString tip = command.property(kTip).toString();
   command.setEnabled(whyNot.isEmpty());
   command.setToolTip(whyNot.isEmpty() ? tip : tip + "\n" + whyNot);
-  command.setStatusTip(whyNot.isEmpty() ? tip : whyNot);
+  command.setStatusTip(whyNot.isEmpty() ? tip : tip + ". " + whyNot);  // alone it would read as a message
 }
 
 }  // namespace

@@ -3,10 +3,12 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTreeView>
 #include <QVBoxLayout>
 #include <array>
 
@@ -83,6 +85,15 @@ void AddHelp(QMessageBox& box) {
   QObject::connect(help, &QPushButton::clicked, &box, [&box] { RequestHelp(box); });
 }
 
+// Sizes and times of files in full; the names take what is left.
+void ShowWholeColumns(const QFileDialog& dialog) {
+  const auto* list = dialog.findChild<QTreeView*>("treeView");
+  if (list == nullptr) return;  // the platform's own dialog
+  list->header()->setStretchLastSection(false);
+  list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
 std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::AcceptMode mode, LastFolders& folders) {
   const bool isNamed = !asked.folder.empty() && QFileInfo(QString::fromStdString(asked.folder)).isDir();
   const std::string folder = isNamed ? asked.folder : folders.Of(asked.purpose);
@@ -93,6 +104,7 @@ std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::Acce
   dialog.setNameFilters(NameFilters(asked.filter));
   if (mode == QFileDialog::AcceptSave) dialog.setDefaultSuffix(DefaultSuffix(asked.filter));
   dialog.resize(dialog.sizeHint().boundedTo(RoomFor(dialog)));
+  ShowWholeColumns(dialog);
   if (!asked.initial.empty()) dialog.selectFile(QString::fromStdString(asked.initial));
   if (RunDialog(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   const QString chosen = dialog.selectedFiles().first();

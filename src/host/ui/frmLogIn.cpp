@@ -43,18 +43,26 @@ void frmLogIn::BuildFields() {
   mPassword->setMaxLength(kLongestName);
   mPassword->setToolTip("Tried first when a controller wants its password; never written to disk (Alt+P)");
   MakeSecret(*mPassword);
-  (mUserName->text().isEmpty() ? mUserName : mPassword)->setFocus();
+  mUserName->selectAll();  // whoever comes may be another one
+  mUserName->setFocus();
 }
 
 void frmLogIn::ArrangeControls() {
+  auto* now = new QLabel(
+      mShared.UserName.empty() ? "Nobody is logged in." : "Logged in now: " + QString::fromStdString(mShared.UserName),
+      this);
+  now->setObjectName("lblNow");
+  now->setTextFormat(Qt::PlainText);
+  now->setWordWrap(true);
   auto* fields = new QFormLayout;
   fields->addRow("&User name:", mUserName);
   fields->addRow("&Password:", mPassword);
   mUserName->setAccessibleName("User name");
   mPassword->setAccessibleName("Password");
   auto* hint = new QLabel(
-      "The password is tried first when a controller wants one. It is kept in memory until you log off, and nowhere "
-      "else.",
+      "The password is tried first when a controller wants one; the cloner asks for it itself. It is kept in memory "
+      "until "
+      "you log off, and nowhere else.",
       this);
   hint->setWordWrap(true);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
@@ -70,6 +78,7 @@ void frmLogIn::ArrangeControls() {
   });
   connect(&cancel, &QPushButton::clicked, this, &QDialog::reject);
   auto* page = new QVBoxLayout(this);
+  page->addWidget(now);
   page->addLayout(fields);
   page->addWidget(hint);
   page->addStretch();

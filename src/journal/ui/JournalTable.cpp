@@ -11,6 +11,14 @@ namespace {
 constexpr std::array<const char*, JournalTable::kColumns> kHeadings{"Number",     "Time",      "User",
                                                                     "Controller", "Operation", "Result"};
 
+// "K220-22-R1, 1292798829, Mixer": the details below name what is what.
+std::string ShortController(const ControllerName& name) {
+  std::string text = name.model;
+  if (name.serialNumber) text += (text.empty() ? "" : ", ") + std::to_string(*name.serialNumber);
+  if (!name.project.empty()) text += (text.empty() ? "" : ", ") + name.project;
+  return text;
+}
+
 std::string TextOf(const JournalEntry& entry, int column) {
   const JournalRecord& record = entry.record;
   switch (column) {
@@ -21,7 +29,7 @@ std::string TextOf(const JournalEntry& entry, int column) {
     case JournalTable::User:
       return record.user;
     case JournalTable::Controller:
-      return entry.Controller();
+      return ShortController(record.controller);
     case JournalTable::What:
       return (record.tool.empty() ? "" : record.tool + ": ") + entry.What();
     case JournalTable::Result:

@@ -12,20 +12,23 @@
 #include <QTableView>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <numeric>
 
 #include "base/AtomicFile.h"
 #include "base/PathText.h"
 #include "base/Texts.h"
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
+#include "desktop/ui/WindowGeometry.h"
+#include "journal/Acknowledgement.h"
 #include "journal/ui/JournalTable.h"
 
 namespace kv {
 namespace {
 
 constexpr const char* kCaption = "Change Journal";
-constexpr QSize kFirstSize(980, 620);
-constexpr int kWidths[] = {11, 27, 18, 40, 44};  // of the columns before the last, in characters
+constexpr QSize kFirstSize(140, 36);                // in characters and lines
+constexpr int kShares[] = {9, 20, 12, 34, 40, 25};  // of the columns in the width of the list
 constexpr int kFindingLines = 4;
 
 QString Joined(const std::vector<std::string>& lines) {
@@ -70,7 +73,8 @@ frmJournal::frmJournal(JournalServices services, QWidget* parent) : QDialog(pare
   setObjectName("frmJournal");
   setWindowTitle(kCaption);
   setWindowIcon(IconOf("journal"));
-  resize(kFirstSize);
+  const QSize letter(fontMetrics().averageCharWidth(), fontMetrics().lineSpacing());
+  resize(QSize(kFirstSize.width() * letter.width(), kFirstSize.height() * letter.height()).boundedTo(RoomFor(*this)));
   BuildVerdict();
   BuildFilters();
   BuildList();
@@ -108,6 +112,8 @@ void frmJournal::BuildFilters() {
   mCount = new QLabel(this);
   mCount->setObjectName("lblCount");
   mCount->setAccessibleName("How many entries are shown");
+  mCount->setTextFormat(Qt::PlainText);
+  mCount->setWordWrap(true);
 }
 
 void frmJournal::BuildList() {
@@ -121,19 +127,36 @@ void frmJournal::BuildList() {
   mList->setSelectionBehavior(QAbstractItemView::SelectRows);
   mList->setTabKeyNavigation(false);
   mList->setWordWrap(false);
+  mList->setTextElideMode(Qt::ElideMiddle);  // the end of a path tells more than its middle
   mList->verticalHeader()->hide();
   mList->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   mList->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
   mList->horizontalHeader()->setStretchLastSection(true);
   mList->horizontalHeader()->setHighlightSections(false);
-  for (int column = 0; column + 1 < JournalTable::kColumns; ++column) {
-    mList->setColumnWidth(column, kWidths[column] * fontMetrics().averageCharWidth());
-  }
+  FitColumns(width());
   mDetails = NewText(this, "txtDetails", "The selected change: from which values to which");
   connect(mList->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { ShowSelected(); });
 }
 
+// All columns are in sight, whatever the size of letters and window; the user may set them otherwise.
+void frmJournal::FitColumns(int width) {
+  for (int column = 0; column + 1 < JournalTable::kColumns; ++column) {
+    mList->setColumnWidth(column, width * kShares[column] / std::accumulate(std::begin(kShares), std::end(kShares), 0));
+  }
+}
+
+void frmJournal::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  const int room = mList->viewport()->width();
+  if (mList->horizontalHeader()->length() > room) FitColumns(room);
+}
+
 void frmJournal::BuildButtons() {
+  mAcknowledge = new QPushButton(IconOf("warning"), "&Acknowledge...", this);
+  mAcknowledge->setObjectName("cmdAcknowledge");
+  mAcknowledge->setAutoDefault(false);
+  Describe(*mAcknowledge, "Records that what the check has found was looked at, and why it is so", "Alt+A");
+  connect(mAcknowledge, &QPushButton::clicked, this, [this] { Acknowledge(); });
   mExport = new QPushButton(IconOf("export"), "&Export...", this);
   mExport->setObjectName("cmdExport");
   mExport->setAutoDefault(false);
@@ -164,7 +187,6 @@ void frmJournal::ArrangeControls() {
   addFilter("&Operand:", mOperand);
   addFilter("&User:", mUser);
   addFilter("&Day:", mDay);
-  filters->addWidget(mCount);
 
   auto* parts = new QSplitter(Qt::Vertical, this);
   parts->setObjectName("splParts");
@@ -177,6 +199,7 @@ void frmJournal::ArrangeControls() {
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(mRefresh);
   buttons->addWidget(mExport);
+  buttons->addWidget(mAcknowledge);
   buttons->addStretch();
   buttons->addWidget(mClose);
 
@@ -184,6 +207,7 @@ void frmJournal::ArrangeControls() {
   page->addWidget(mVerdict);
   page->addWidget(mFindings);
   page->addLayout(filters);
+  page->addWidget(mCount);
   page->addWidget(parts, 1);
   page->addLayout(buttons);
   mList->setFocus();
@@ -203,6 +227,7 @@ void frmJournal::ShowVerdict() {
   mVerdict->setText(QString::fromStdString(VerdictText(mCheck)));
   mFindings->setPlainText(Joined(CheckLines(mCheck)));
   mFindings->setVisible(!mFindings->toPlainText().isEmpty());
+  Allow(*mAcknowledge, mCheck.findings.empty() ? "The check has found nothing." : "");
 }
 
 JournalFilter frmJournal::Wanted() const {
@@ -211,15 +236,20 @@ JournalFilter frmJournal::Wanted() const {
 }
 
 void frmJournal::Filter() {
-  mShown = {.entries = {}, .left = mAll.left, .unreadable = mAll.unreadable};
-  std::ranges::copy_if(mAll.entries, std::back_inserter(mShown.entries),
-                       [filter = Wanted()](const JournalEntry& entry) { return filter.Wants(entry); });
+  const JournalFilter filter = Wanted();
+  mShown = {.entries = {}, .left = mAll.left, .unreadable = mAll.unreadable, .readBefore = mAll.readBefore};
+  const std::string fault = filter.Fault();
+  if (fault.empty()) {
+    std::ranges::copy_if(mAll.entries, std::back_inserter(mShown.entries),
+                         [&filter](const JournalEntry& entry) { return filter.Wants(entry); });
+  }
   mRows->Show(mShown.entries);
   const std::size_t shown = mShown.entries.size();
   std::string count = Counted(shown, "entry", "entries");
   if (shown < mAll.entries.size()) count += " of " + std::to_string(mAll.entries.size());
   if (mAll.left > 0) count += "; " + std::to_string(mAll.left) + " older ones are left out";
-  mCount->setText(QString::fromStdString(count));
+  if (mAll.unreadable > 0) count += "; " + Counted(mAll.unreadable, "line is no record", "lines are no records");
+  mCount->setText(QString::fromStdString(fault.empty() ? count : "Nothing is shown: " + fault));
   Allow(*mExport, shown > 0 ? "" : "No entry is shown.");
   if (shown > 0) mList->selectRow(0);
   ShowSelected();
@@ -229,6 +259,20 @@ void frmJournal::ShowSelected() {
   const auto rows = mList->selectionModel()->selectedRows();
   const JournalEntry* entry = rows.isEmpty() ? nullptr : mRows->EntryAt(rows.front().row());
   mDetails->setPlainText(entry ? Joined(DetailsOf(*entry)) : "");
+}
+
+void frmJournal::Acknowledge() {
+  const auto reason = mServices.prompts.Ask(
+      {.text =
+           "Why is it so, and who has looked at it? This is recorded in the journal. What is found now is told apart "
+           "from then on; what is done to these records later is not.",
+       .title = kCaption});
+  const Acknowledgement by{mServices.user, std::string(TrimBlanks(reason.value_or("")))};
+  if (by.reason.empty()) return;
+  const auto number = AcknowledgeFindings(mServices.places, mServices.disk, mServices.pacer, mServices.clock, by);
+  Read();
+  if (number) return;
+  mServices.prompts.Show({.text = number.error(), .title = kCaption, .icon = PromptIcon::Exclamation});
 }
 
 void frmJournal::Export() {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "desktop/Prompts.h"
+#include "desktop/WallClock.h"
 #include "journal/JournalCheck.h"
 #include "journal/JournalList.h"
 
@@ -23,13 +24,19 @@ struct JournalServices {
   JournalDisk& disk;
   Prompts& prompts;
   Pacer& pacer;
+  const WallClock& clock;
+  std::string user;  // who acknowledges
 };
 
 // The journal of changes of the current session: at the top what the check has found, below it who changed what, by
-// operand, user and day, and at the bottom the values of the selected entry. It changes nothing.
+// operand, user and day, and at the bottom the values of the selected entry. It changes nothing, but can record that
+// what the check has found was looked at.
 class frmJournal final : public QDialog {
  public:
   frmJournal(JournalServices services, QWidget* parent);
+
+ protected:
+  void showEvent(QShowEvent* event) override;
 
  private:
   void BuildVerdict();
@@ -44,6 +51,8 @@ class frmJournal final : public QDialog {
   void Filter();
   void ShowVerdict();
   void ShowSelected();
+  void FitColumns(int width);
+  void Acknowledge();
   void Export();
   [[nodiscard]] JournalFilter Wanted() const;
 
@@ -60,6 +69,7 @@ class frmJournal final : public QDialog {
   JournalTable* mRows = nullptr;
   QTableView* mList = nullptr;
   QPlainTextEdit* mDetails = nullptr;
+  QPushButton* mAcknowledge = nullptr;
   QPushButton* mExport = nullptr;
   QPushButton* mRefresh = nullptr;
   QPushButton* mClose = nullptr;
