@@ -3,20 +3,24 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <tuple>
 #include <utility>
 
 #include "base/Texts.h"
+#include "help/HelpSynonyms.h"
 #include "help/HtmlText.h"
 
 namespace kv {
 namespace {
 
-constexpr double kInTitle = 2;
-constexpr double kInSynonyms = 2;
+constexpr double kInTitle = 4;
+constexpr double kInSynonyms = 4;
 constexpr double kInText = 1;
 // Of a longer word that only begins like the one that is looked for, against the word itself.
 constexpr double kPrefixPart = 0.4;
+// Of what others say for the word.
+constexpr double kSynonymPart = 0.6;
 constexpr std::size_t kShortestPrefix = 2;
 // Words of fewer letters are not guessed at.
 constexpr std::size_t kShortestGuess = 4;
@@ -121,6 +125,7 @@ std::vector<std::string> WordsOf(std::string_view text, bool withSmall) {
 }
 
 HelpSearch::HelpSearch(const HelpBook& book) {
+  AddSynonyms();
   for (const HelpBook::Entry& entry : book.Contents()) {
     const HtmlPage page = ReadHtmlPage(book.Read(entry.page).value_or(""));
     const std::size_t index = mPages.size();
@@ -131,6 +136,16 @@ HelpSearch::HelpSearch(const HelpBook& book) {
     Add(entry.title, kInTitle, index);
     Add(page.keywords, kInSynonyms, index);
     Add(page.text, kInText, index);
+  }
+}
+
+void HelpSearch::AddSynonyms() {
+  for (const std::string_view group : SynonymGroups()) {
+    const std::vector<std::string> words = WordsOf(group, true);
+    for (const std::string& word : words) {
+      std::ranges::copy_if(words, std::back_inserter(mSynonyms[word]),
+                           [&word](const std::string& other) { return other != word; });
+    }
   }
 }
 
@@ -164,8 +179,7 @@ HelpSearch::Answer HelpSearch::Find(std::string_view question) const {
   }
   const bool isQuestion = words.size() > kMostKeywords;
   const auto rank = [&](std::size_t page) {
-    return std::tuple(isQuestion ? 0 : found[page], scores[page] * static_cast<double>(found[page]),
-                      mPages.size() - page);
+    return std::tuple(isQuestion ? 0 : found[page], scores[page], mPages.size() - page);
   };
   std::ranges::sort(order, std::ranges::greater(), rank);
   for (const std::size_t page : order) {
@@ -197,9 +211,15 @@ HelpSearch::Match HelpSearch::Look(const std::string& stem) const {
       AddMatches(word->first, kPrefixPart, match.weights);
     }
   }
+  if (const auto others = mSynonyms.find(stem); others != mSynonyms.end()) {
+    for (const std::string& other : others->second) AddMatches(other, kSynonymPart, match.weights);
+  }
   if (match.weights.empty()) {
     match.taken = NearlySpelt(stem);
-    for (const std::string& word : match.taken) AddMatches(word, 1, match.weights);
+    // A shorter word leaves out letters that somebody has typed.
+    for (const std::string& word : match.taken) {
+      AddMatches(word, word.size() < stem.size() ? kPrefixPart : 1, match.weights);
+    }
   }
   return match;
 }

@@ -12,8 +12,9 @@ namespace kv {
 
 // Finds pages by the words of their users: a page has all words of the question, as they are, in another form, or as
 // the beginning of a longer one. Title and synonyms count more than the text, and the word itself more than its
-// beginning; a title or synonym that reads like the question counts most. A word that stands nowhere is taken for those
-// that it is nearly spelt like. Where few pages have all words, those with the most follow.
+// beginning; a title or synonym that reads like the question counts most. What others say for a word counts, too. A
+// word that stands nowhere is taken for those that it is nearly spelt like. Where few pages have all words, those with
+// the most follow.
 class HelpSearch {
  public:
   explicit HelpSearch(const HelpBook& book);
@@ -45,12 +46,14 @@ class HelpSearch {
   };
 
   void Add(std::string_view text, double weight, std::size_t page);
+  void AddSynonyms();
   void AddMatches(const std::string& stem, double part, Weights& weights) const;
   [[nodiscard]] Match Look(const std::string& stem) const;
   [[nodiscard]] std::vector<std::string> NearlySpelt(const std::string& stem) const;
 
   std::vector<Page> mPages;
   std::map<std::string, Weights> mWords;
+  std::map<std::string, std::vector<std::string>> mSynonyms;
 };
 
 // The words of a text in small letters and in the form in which they are compared: "downloads" and "downloading" as

@@ -6,6 +6,8 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QTextBrowser>
 #include <QTreeWidget>
 #include <filesystem>
@@ -84,8 +86,12 @@ TEST_F(HelpWindowTest, FollowsLinksOfTheHelpAndNoOthers) {
 TEST_F(HelpWindowTest, FindsByContentsIndexAndSearch) {
   frmHelp& window = Open("start");
   window.activateWindow();
-  Find<QAction>(window, "cmdSearch").trigger();
   auto& question = Find<QLineEdit>(window, "txtSearch");
+  QTabBar& tabs = *Find<QTabWidget>(window, "tabHelp").tabBar();
+  QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(2).center());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return question.hasFocus(); })) << "whoever clicks the tab types next";
+  Find<QTabWidget>(window, "tabHelp").setCurrentIndex(0);
+  Find<QAction>(window, "cmdSearch").trigger();
   auto& hits = Find<QListWidget>(window, "lstHits");
   QTest::keyClicks(&question, "modme");
   EXPECT_EQ(hits.item(0)->text(), "Modem");

@@ -9,6 +9,7 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QTabWidget>
+#include <QTimer>
 #include <QToolBar>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
@@ -64,6 +65,11 @@ frmHelp::frmHelp(HelpBook book, const std::filesystem::path& windowsFile) : mBoo
   mTabs->addTab(BuildContents(), "&Contents");
   mTabs->addTab(BuildIndex(), "&Index");
   mTabs->addTab(BuildSearch(), "&Search");
+  // Whoever clicks a tab types next.
+  connect(mTabs, &QTabWidget::tabBarClicked, this, [this](int index) {
+    auto* field = index < 0 ? nullptr : mTabs->widget(index)->findChild<QLineEdit*>();
+    if (field) QTimer::singleShot(0, field, [field] { field->setFocus(); });  // behind the click's own focus
+  });
   split->setStretchFactor(1, 1);
   split->setSizes({300, 700});
   auto* page = new QVBoxLayout(this);
