@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# tools/screenshots.sh: makes the pictures in docs/images from the real windows, without a screen: light, dark, and at 200 %.
+# tools/screenshots.sh: makes the pictures in docs/images from the real windows, without a screen: light, dark, and at 200 %. Then it tells
+# which of them are others than before, and leaves those in build/pictures, with what has changed in red.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -7,10 +8,15 @@ tools/build dev screenshots
 mkdir -p docs/images
 # A screen on which every window has its full size; the toolkit's own is 800 pixels wide.
 screen=$(mktemp)
-trap 'rm -f "$screen"' EXIT
+before=$(mktemp -d)
+trap 'rm -rf "$screen" "$before"' EXIT
+cp docs/images/*.png "$before" 2>/dev/null || true
 echo '{"screens": [{"name": "wide", "x": 0, "y": 0, "width": 3840, "height": 2400}]}' >"$screen"
 export QT_QPA_PLATFORM=offscreen:configfile=$screen QT_LOGGING_RULES="qt.qpa.*=false"
 program=build/dev/tools/screenshots
 "$program" docs/images ""
 "$program" docs/images "-dark" dark
 QT_SCALE_FACTOR=2 "$program" docs/images "-200"
+rm -rf build/pictures
+mkdir -p build/pictures
+"$program" compare "$before" docs/images build/pictures

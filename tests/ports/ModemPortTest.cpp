@@ -198,7 +198,7 @@ TEST_F(ModemPortTest, WakesAModemWhoseProfileIsQuietOrAnswersWithNumbers) {
 }
 
 TEST_F(ModemPortTest, TellsItsDialogueWithoutThePinOfAMobileCard) {
-  settings.init = "AT+CPIN=1234;+CREG?";
+  settings.init = "AT+CPIN=1234;+cpwd=\"SC\",\"1234\";+CREG?";
   auto& modem = Make({});
   std::string said;
   std::string heard;
@@ -207,9 +207,11 @@ TEST_F(ModemPortTest, TellsItsDialogueWithoutThePinOfAMobileCard) {
   };
   ASSERT_TRUE(modem.Open(kLimit).has_value());
   modem.Close();
-  EXPECT_EQ(said, "ATZ\r|AT+CPIN=****;+CREG?\r|ATE0\r|ATDT0,12345\r|+++|ATH\r|");
-  EXPECT_EQ(heard, "ATZ|OK|AT+CPIN=****;+CREG?|OK|ATE0|OK|CONNECT 9600|+++|OK|OK|");  // the pluses reach the far end,
-                                                                                      // which sends all back
+  EXPECT_EQ(said, "ATZ\r|AT+CPIN=****;+cpwd=***********;+CREG?\r|ATE0\r|ATDT0,12345\r|+++|ATH\r|");
+  EXPECT_EQ(
+      heard,
+      "ATZ|OK|AT+CPIN=****;+cpwd=***********;+CREG?|OK|ATE0|OK|CONNECT 9600|+++|OK|OK|");  // the pluses reach the far
+                                                                                           // end, which sends all back
 }
 
 TEST_F(ModemPortTest, IsLostWhenTheCarrierIs) {

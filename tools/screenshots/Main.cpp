@@ -1,5 +1,6 @@
 // Makes the pictures of the documentation from the real windows: screenshots FOLDER SUFFIX [dark]. Every picture is
-// named after its window, with SUFFIX behind it.
+// named after its window, with SUFFIX behind it. And compares two folders of them: screenshots compare BEFORE NOW
+// MARKS.
 
 #include <QAction>
 #include <QComboBox>
@@ -12,12 +13,14 @@
 #include <initializer_list>
 #include <iostream>
 #include <optional>
+#include <string_view>
 
 #include "apps/kvsim/SampleSet.h"
 #include "tests/host_ui/ProgramRun.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tools/screenshots/ClonerPictures.h"
 #include "tools/screenshots/DownloaderPictures.h"
+#include "tools/screenshots/PictureComparison.h"
 
 namespace kv::test {
 namespace {
@@ -197,8 +200,12 @@ void MakeHome(const std::filesystem::path& home) {
 
 int main(int argc, char** argv) {
   if (argc < 3) {
-    std::cerr << "usage: screenshots FOLDER SUFFIX [dark]\n";
+    std::cerr << "usage: screenshots FOLDER SUFFIX [dark]\n       screenshots compare BEFORE NOW MARKS\n";
     return 2;
+  }
+  if (argc == 5 && std::string_view(argv[1]) == "compare") {
+    std::cout << kv::test::ComparePictures(argv[2], argv[3], argv[4]) << " pictures differ\n";
+    return 0;
   }
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);

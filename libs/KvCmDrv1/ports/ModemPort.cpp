@@ -22,17 +22,19 @@ bool IsNumber(std::string_view line) {
   return line.size() <= 2 && line.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// A command as it may be shown: the init text of a mobile modem may hold the card's PIN ("AT+CPIN=1234").
+// A command as it may be shown: the init text of a mobile modem may hold the card's PIN, to enter it ("AT+CPIN=1234"),
+// to change it (CPWD) or to switch its question off (CLCK), and the password of a network (CGAUTH).
 std::string WithoutPin(std::string_view text) {
-  constexpr std::string_view kPin = "PIN=";
   std::string shown(text);
-  const auto isSame = [](char left, char right) { return (left & ~0x20) == (right & ~0x20); };
-  auto from = shown.begin();
-  while ((from = std::search(from, shown.end(), kPin.begin(), kPin.end(), isSame)) != shown.end()) {
-    from += kPin.size();
-    const auto end = std::find_if(from, shown.end(), [](char c) { return c == ';' || c == '\r'; });
-    std::fill(from, end, '*');
-    from = end;
+  const auto isSame = [](char left, char right) { return left == right || (left & ~0x20) == right; };
+  for (const std::string_view word : {"PIN=", "CPWD=", "CLCK=", "AUTH="}) {
+    auto from = shown.begin();
+    while ((from = std::search(from, shown.end(), word.begin(), word.end(), isSame)) != shown.end()) {
+      from += static_cast<std::ptrdiff_t>(word.size());
+      const auto end = std::find_if(from, shown.end(), [](char c) { return c == ';' || c == '\r'; });
+      std::fill(from, end, '*');
+      from = end;
+    }
   }
   return shown;
 }
