@@ -115,7 +115,8 @@ TEST_F(SessionsTest, DeletingSparesDefaultAndWhatIsInUseAndAsksWhereThereIsSomet
     prompts.Press(answer);
     EXPECT_EQ(sessions.DeleteOnConsent("one"), deletion);
     EXPECT_EQ(fs::exists(Session("one")), deletion == Declined);
-    EXPECT_THAT(Taken(), ElementsAre(testing::AllOf(HasSubstr("Delete the session 'one' ("), HasSubstr("who changed what"))));
+    EXPECT_THAT(Taken(),
+                ElementsAre(testing::AllOf(HasSubstr("Delete the session 'one' ("), HasSubstr("who changed what"))));
     EXPECT_TRUE(prompts.Boxes().back().canLose) << "Enter keeps it";
   }
   EXPECT_THAT(sessions.List(), ElementsAre("Default", "two"));
