@@ -7,8 +7,10 @@
 #include "KvCmDrv1/wire/BlockCodec.h"
 #include "KvCmDrv1/wire/BlockFacts.h"
 #include "KvCmDrv1/wire/CommandFacts.h"
+#include "KvCmDrv1/wire/PanelCodec.h"
 #include "base/Hex.h"
 #include "base/LittleEndian.h"
+#include "link/BlockOperations.h"
 
 namespace kv {
 namespace {
@@ -32,7 +34,9 @@ bool IsBlock(std::string_view bytes) {
 bool MayChange(std::string_view bytes) {
   if (IsOneFrame(bytes)) return ChangesSomething(TextOf(bytes));
   if (!IsBlock(bytes)) return true;
-  return !BlockFactsOf(LittleEndianAt<std::uint16_t>(bytes, kBlockOpCode)).isRead;
+  const auto opCode = LittleEndianAt<std::uint16_t>(bytes, kBlockOpCode);
+  if (opCode == BlockOperation::kPanelEvent) return PanelEventChangesSomething(bytes.substr(kBlockHead));
+  return !BlockFactsOf(opCode).isRead;
 }
 
 std::uint8_t UnitOfRequest(std::string_view bytes) {

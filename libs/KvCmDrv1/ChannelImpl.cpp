@@ -54,7 +54,8 @@ ChannelImpl::ChannelImpl(Pacer& pacer, std::shared_ptr<Trace> trace, const LinkS
       mClient(pacer, mLine, {}, [this](const std::string& message) { Tell(message); }),
       mRawPort(pacer, mLine,
                [this](ExchangeOutcome outcome, const RawTraffic& traffic) { OnRawOutcome(outcome, traffic); }),
-      mBlockEngine(*this) {
+      mBlockEngine(*this),
+      mPanel(*this) {
   ConfigureClient();
 }
 

@@ -5,9 +5,11 @@
 
 #include "KvCmDrv1/BlockEngine.h"
 #include "KvCmDrv1/LinkSettings.h"
+#include "KvCmDrv1/PanelLinkImpl.h"
 #include "KvCmDrv1/PieceSize.h"
 #include "KvCmDrv1/ProtocolClient.h"
 #include "KvCmDrv1/RawPort.h"
+#include "KvCmDrv1/wire/PanelCodec.h"
 #include "link/Channel.h"
 #include "link/ControllerErrorText.h"
 #include "link/PasswordSource.h"
@@ -15,7 +17,8 @@
 namespace kv {
 
 // The channel over our wire. The text commands and the control of the link stand in ChannelImpl.cpp, typed reads in
-// ChannelImplReads.cpp, typed writes in ChannelImplWrites.cpp, memory and block messages in ChannelImplMemory.cpp.
+// ChannelImplReads.cpp, typed writes in ChannelImplWrites.cpp, memory and block messages in ChannelImplMemory.cpp, what
+// the panel needs in ChannelImplPanel.cpp.
 //
 //   Closed -> Open (Open, OpenLink) -> Closed (Close, settings that need another port)
 //   Open -> Lost -> Open            within a request or with the next one, when the settings say so
@@ -100,6 +103,7 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] std::optional<Bytes> ReadMemoryBlock(std::uint32_t address, std::uint32_t length,
                                                      std::uint8_t unit) override;
   [[nodiscard]] DownloadEngine* GetDownloadEngine() override;
+  [[nodiscard]] PanelLink* Panel() override { return &mPanel; }
   [[nodiscard]] SerialPortObject* GetSerialPort() override;
   [[nodiscard]] ChangeObserver* Changes() override { return mLine.Gate().Observer(); }
   [[nodiscard]] const LinkError& LastError() const override { return mError; }
@@ -109,7 +113,27 @@ class ChannelImpl final : public Channel {
   // LastError().
   [[nodiscard]] std::optional<BlockReply> AskBlock(const BlockFields& fields, std::string_view payload);
 
+  // For the panel: a request in the envelope of the controller's family, and its reply's data. Without letters it is
+  // for block messages alone.
+  struct PanelRequest {
+    std::string_view letters;
+    BlockFields fields;
+    std::string data;
+    std::size_t longestReply;  // bytes of data
+    std::string_view doing;    // "reading the screen of"
+    std::uint8_t unit;
+    bool isEvent = false;
+    std::optional<unsigned> onlyOn{};
+  };
+  [[nodiscard]] std::optional<PanelTextReply> AskPanel(const PanelRequest& request);
+  // The data of a reply did not keep to what they have to be.
+  void FailPanelReply(std::string_view doing, std::uint8_t unit);
+  [[nodiscard]] std::optional<PanelLinkCost> PanelCost(std::uint8_t unit);
+  [[nodiscard]] unsigned ConnectionNumber() const { return mLine.ConnectionNumber(); }
+
  private:
+  [[nodiscard]] std::optional<PanelTextReply> AskPanelInText(const PanelRequest& request);
+  [[nodiscard]] std::optional<PanelTextReply> AskPanelInBlock(const PanelRequest& request);
   // What is being done, in words, made only when an error needs it: "reading MI 0..59 from unit 1".
   template <typename Doing>
   [[nodiscard]] std::optional<std::string_view> Ask(const TextRequest& request, const Doing& doing);
@@ -159,6 +183,7 @@ class ChannelImpl final : public Channel {
   ProtocolClient mClient;
   RawPort mRawPort;
   BlockEngine mBlockEngine;
+  PanelLinkImpl mPanel;
   RequestWriter mWriter;
   std::vector<std::uint32_t> mNumbers;  // of the write under way
   PieceSize mTextPiece{512};

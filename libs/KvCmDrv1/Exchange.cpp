@@ -16,10 +16,10 @@ void Exchange::CarryText(std::string_view requestText, const CommandFacts& facts
 }
 
 void Exchange::CarryBlock(const BlockRequest& request, Buffers& buffers) {
-  const bool isRead = BlockFactsOf(request.fields.opCode).isRead;
-  facts = {.kind = isRead ? RequestKind::Read : RequestKind::NonIdempotent,
+  const BlockFacts& known = BlockFactsOf(request.fields.opCode);
+  facts = {.kind = known.isRead ? RequestKind::Read : RequestKind::NonIdempotent,
            .isSettled = false,
-           .isSlow = !isRead,
+           .isSlow = known.isSlow,
            .resets = false,
            .longestReply = kBlockHead + request.replyPayload + kBlockCheck};
   mBlock = {.unit = unit, .status = 0, .sequence = 0, .fields = request.fields, .payload = request.payload};

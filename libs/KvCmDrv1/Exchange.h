@@ -17,7 +17,8 @@ struct TextRequest {
   std::uint8_t unit = 1;
   std::string_view text;  // complete, with tag and check where the command has them
   CommandFacts facts;
-  std::optional<Instant> notAfter;  // an earlier deadline than the request's own
+  std::optional<Instant> notAfter;   // an earlier deadline than the request's own
+  std::optional<unsigned> onlyOn{};  // number of the only connection that it may go out on
 };
 
 struct BlockRequest {
@@ -26,6 +27,7 @@ struct BlockRequest {
   std::string_view payload;
   std::size_t replyPayload = 0;  // bytes expected
   std::optional<Instant> notAfter;
+  std::optional<unsigned> onlyOn{};
 };
 
 // One request under way, text or block message: what goes out, until when it may take, what it has used up, and which
@@ -75,7 +77,8 @@ class Exchange final : public ReplyMatcher {
   const std::uint8_t unit;
   const Role role;
   CommandFacts facts;
-  std::string_view text;  // of a text request
+  std::string_view text;             // of a text request
+  std::optional<unsigned> onlyOn{};  // over another connection it has lost its meaning
   // How long it may take.
   Instant start;
   Instant deadline;

@@ -7,6 +7,10 @@
 #include "KvCmDrv1/wire/BlockFacts.h"
 #include "KvCmDrv1/wire/FieldReader.h"
 #include "KvCmDrv1/wire/OperandTypes.h"
+#include "KvCmDrv1/wire/PanelCodec.h"
+#include "base/Crc32.h"
+#include "base/Hex.h"
+#include "link/BlockOperations.h"
 #include "link/ControllerErrorText.h"
 #include "link/LinkTexts.h"
 
@@ -51,6 +55,8 @@ constexpr auto kCommands = std::to_array<Meaning>({
     {"IN", "information"},
     {"AC", "access"},
     {"SY", "find step"},
+    {"PD", "panel description"},
+    {"PC", "panel changes"},
 });
 
 // "read MI 0..59" of the text of RO or WO; empty when it is cut.
@@ -65,6 +71,18 @@ std::string OperandMeaning(std::string_view text) {
   const OperandType* type = FindOperandType(code);
   const std::string name = type != nullptr ? std::string(type->name) : "type " + std::to_string(code);
   return (isRead ? "read " : "write ") + RangeText(name, start, std::int64_t{start} + count - 1);
+}
+
+// "press key 3 of the panel" of the frame of a whole event. It is one when its check holds; a reply has none.
+std::string PanelMeaning(std::string_view frame) {
+  constexpr std::size_t kHead = 1 + 2 + 2 + 4;  // start, unit, letters, tag
+  constexpr std::size_t kCheck = 8;
+  constexpr std::size_t kTail = 2 + 1;  // checksum, end
+  if (frame.size() < kHead + kCheck + kTail) return "panel event";
+  const std::size_t end = frame.size() - kTail - kCheck;
+  if (ParseUpperHex(frame.substr(end, kCheck)) != Crc32(frame.substr(1, end - 1))) return "panel event";
+  const std::optional<Bytes> data = HexStringToBytes(frame.substr(kHead, end - kHead));
+  return data ? PanelEventMeaning({reinterpret_cast<const char*>(data->data()), data->size()}) : "panel event";
 }
 
 std::string TextMeaning(std::string_view text) {
@@ -84,7 +102,8 @@ std::string FrameText(std::string_view bytes) {
   FieldReader reader(bytes.substr(1));
   const std::uint32_t unit = reader.Hex(2);
   if (!reader.Good()) return {};
-  return "unit " + std::to_string(unit) + ": " + TextMeaning(reader.Rest());
+  const bool isPanel = reader.Rest().starts_with("PE") && !reader.Rest().starts_with("PEERROR");
+  return "unit " + std::to_string(unit) + ": " + (isPanel ? PanelMeaning(bytes) : TextMeaning(reader.Rest()));
 }
 
 std::string BlockText(std::string_view bytes) {
@@ -93,7 +112,9 @@ std::string BlockText(std::string_view bytes) {
     return std::to_string(LittleEndian(bytes.substr(at, count)));
   };
   std::string text = "unit " + number(4, 1) + ": block " + number(6, 2) + ", ";
-  text += BlockFactsOf(static_cast<std::uint16_t>(LittleEndian(bytes.substr(8, 2)))).name;
+  const auto opCode = static_cast<std::uint16_t>(LittleEndian(bytes.substr(8, 2)));
+  const bool isEvent = opCode == BlockOperation::kPanelEvent && bytes[3] == 1;
+  text += isEvent ? PanelEventMeaning(bytes.substr(kBlockHead)) : std::string(BlockFactsOf(opCode).name);
   if (bytes[3] == 2) text += ", status " + number(5, 1);
   return text + ", " + number(22, 4) + " bytes";
 }

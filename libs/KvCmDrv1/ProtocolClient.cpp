@@ -59,6 +59,7 @@ std::expected<std::string_view, LinkError> ProtocolClient::SendText(const TextRe
   Exchange exchange = Begin(request.unit, mRequestBuffers.frame.size() + facts.longestReply, request.notAfter);
   // The caller's own text may be built anew by a request that is refused meanwhile.
   exchange.CarryText(TextOf(mRequestBuffers.frame), facts, mUnits[request.unit], mRequestBuffers);
+  exchange.onlyOn = request.onlyOn;
   if (facts.resets) exchange.deadline += kRestartTime - RestartRest(request.unit);
   const Patience before = PatienceWith(request.unit);
   const ExchangeOutcome outcome = RunWithAccess(exchange);
@@ -78,6 +79,7 @@ std::expected<BlockReply, LinkError> ProtocolClient::SendBlock(const BlockReques
   const std::size_t bytes = 2 * (kBlockHead + kBlockCheck) + request.payload.size() + request.replyPayload;
   Exchange exchange = Begin(request.unit, bytes, request.notAfter);
   exchange.CarryBlock(request, mRequestBuffers);
+  exchange.onlyOn = request.onlyOn;
   const ExchangeOutcome outcome = RunWithAccess(exchange);
   if (auto concluded = Conclude(exchange, outcome); !concluded) return std::unexpected(std::move(concluded.error()));
   return BlockReply{exchange.status, exchange.Reply()};
@@ -178,6 +180,7 @@ ExchangeOutcome ProtocolClient::RunOnConnection(Exchange& exchange) {
     if (ready != Done) return exchange.IsInDoubt() && LeavesUnsure(ready) ? Unsure : ready;
     if (!exchange.IsText() && mUnits[exchange.unit].isAsciiOnly) return NotSupported;
     if (exchange.IsInDoubt()) return WhatBecameOf(exchange);
+    if (exchange.onlyOn && *exchange.onlyOn != mLine.ConnectionNumber()) return NotExecuted;
     // A link that has gone quietly is noticed before a request that could not be sent again.
     if (!exchange.IsRead() && mLine.DropInput() == Lost) return Lost;
     const ExchangeOutcome outcome = TryUntilAnswered(exchange);

@@ -18,5 +18,8 @@ inline constexpr std::uint16_t kMemory = 257;
 inline constexpr std::uint16_t kResourceDirectory = 258;
 inline constexpr std::uint16_t kResourcePiece = 259;
 inline constexpr std::uint16_t kDisplayMode = 260;
+inline constexpr std::uint16_t kPanelDescription = 270;
+inline constexpr std::uint16_t kPanelChanges = 271;
+inline constexpr std::uint16_t kPanelEvent = 272;
 
 }  // namespace kv::BlockOperation

@@ -16,6 +16,7 @@
 #include "link/FixedPoint.h"
 #include "link/LinkError.h"
 #include "link/OperandList.h"
+#include "link/PanelLink.h"
 #include "link/SerialPortObject.h"
 #include "link/VersionInfo.h"
 
@@ -138,6 +139,8 @@ class Channel {
 
   // Binary block messages. Null on a controller that understands ASCII frames only.
   [[nodiscard]] virtual DownloadEngine* GetDownloadEngine() = 0;
+  // The controller's panel; null on a channel that never has one. Whether there is a display, its description tells.
+  [[nodiscard]] virtual PanelLink* Panel() { return nullptr; }
   // The port under the link, for raw traffic; null while the link is closed.
   [[nodiscard]] virtual SerialPortObject* GetSerialPort() = 0;
 

@@ -9,6 +9,7 @@ inline constexpr int kPastEndCode = 0x04;
 inline constexpr int kNeedsPasswordCode = 0x07;
 inline constexpr int kWrongPasswordCode = 0x08;
 inline constexpr int kBusyCode = 0x0A;
+inline constexpr int kNotOnThisModelCode = 0x0E;
 
 // What the code behind ERROR means, and what helps. Both read on behind "the controller refused: " and "What to do: ".
 struct ControllerErrorMeaning {

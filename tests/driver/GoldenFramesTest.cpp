@@ -25,6 +25,9 @@ std::string RebuildTaggedText(const std::string& text, std::uint8_t unit) {
   if (text.starts_with("SY")) return std::string(writer.Synchronise(unit, tag));
   if (text.starts_with("IN")) return std::string(writer.Information(unit, tag));
   if (text.starts_with("AC")) return std::string(writer.GiveAccess(unit, tag, FromHex(text.substr(6, 16))));
+  if (text.starts_with("P")) {
+    return std::string(writer.Panel(text.substr(0, 2), unit, tag, FromHex(text.substr(6, text.size() - 14))));
+  }
   if (text.starts_with("RM")) return std::string(writer.ReadMemory(unit, tag, number(6, 8), number(14, 4)));
   const OperandType* type = FindOperandType(static_cast<std::int32_t>(number(6, 2)));
   if (type == nullptr) return text;  // a request that the driver never sends
@@ -37,7 +40,7 @@ std::string RebuildTaggedText(const std::string& text, std::uint8_t unit) {
 }
 
 bool HasTag(const std::string& text) {
-  for (const char* letters : {"RO", "WO", "RM", "IN", "AC", "SY"}) {
+  for (const char* letters : {"RO", "WO", "RM", "IN", "AC", "SY", "PD", "PC", "PE"}) {
     if (text.starts_with(letters) && text.size() >= 14) return true;
   }
   return false;

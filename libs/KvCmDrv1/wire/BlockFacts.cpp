@@ -27,6 +27,9 @@ constexpr auto kRows = std::to_array<BlockFacts>({
     {kResourceDirectory,  true,  kMaxReplyPayload,  "resource directory"},
     {kResourcePiece,      true,  kMaxReplyPayload,  "resource piece"},
     {kDisplayMode,        false, 0,                 "display mode"},
+    {kPanelDescription,   true,  kMaxReplyPayload,  "panel description"},
+    {kPanelChanges,       true,  kMaxReplyPayload,  "panel changes"},
+    {kPanelEvent,         false, kMaxReplyPayload,  "panel event",              false},
 });
 // clang-format on
 

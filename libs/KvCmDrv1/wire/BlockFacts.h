@@ -14,6 +14,7 @@ struct BlockFacts {
   bool isRead = false;           // changes nothing, and is answered at once
   std::size_t longestReply = 0;  // bytes of payload
   std::string_view name{};       // as the trace and errors say it
+  bool isSlow = !isRead;         // may work for as long as the time-out allows before it answers
 };
 
 // An operation that the protocol does not have is taken for one that changes something and is answered without payload.

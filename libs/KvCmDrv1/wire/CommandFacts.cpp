@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "KvCmDrv1/wire/PanelCodec.h"
+#include "base/Hex.h"
 #include "link/AsciiFrame.h"
 
 namespace kv {
@@ -51,13 +53,18 @@ constexpr auto kRows = std::to_array<Row>({
 // clang-format on
 
 // Reads with a tag, and settled commands that are counted as requests of their own but change nothing.
-constexpr auto kHarmless = std::to_array<std::string_view>({"RO", "RM", "IN", "AC", "SY", "PV", "DI"});
+constexpr auto kHarmless = std::to_array<std::string_view>({"RO", "RM", "IN", "AC", "SY", "PV", "DI", "PD", "PC"});
 
 }  // namespace
 
 bool ChangesSomething(std::string_view text) {
   if (std::ranges::any_of(kHarmless, [text](std::string_view prefix) { return text.starts_with(prefix); }))
     return false;
+  constexpr std::size_t kEventData = 6;  // letters and tag are before it
+  if (text.starts_with("PE") && text.size() > kEventData + 1) {
+    const std::optional<std::uint8_t> action = HexPairToByte(text.substr(kEventData, 2));
+    return !action || PanelEventChangesSomething(std::string(1, static_cast<char>(*action)));
+  }
   return CommandFactsOf(text).kind != Read;
 }
 

@@ -48,6 +48,13 @@ std::string_view RequestWriter::Synchronise(std::uint8_t unit, std::uint16_t tag
   return Finish(unit);
 }
 
+std::string_view RequestWriter::Panel(std::string_view letters, std::uint8_t unit, std::uint16_t tag,
+                                      std::string_view data) {
+  Begin(letters, tag);
+  for (const char byte : data) AppendHex(mText, static_cast<unsigned char>(byte), 2);
+  return Finish(unit);
+}
+
 void RequestWriter::WipeText() {
   Wipe(mText);
 }

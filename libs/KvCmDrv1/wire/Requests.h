@@ -25,6 +25,9 @@ class RequestWriter {
   [[nodiscard]] std::string_view Information(std::uint8_t unit, std::uint16_t tag);
   // At most 8 bytes of password.
   [[nodiscard]] std::string_view GiveAccess(std::uint8_t unit, std::uint16_t tag, std::string_view password);
+  // A panel's command, whose data travel as digits: PD, PC or PE.
+  [[nodiscard]] std::string_view Panel(std::string_view letters, std::uint8_t unit, std::uint16_t tag,
+                                       std::string_view data);
   // Asks which request other than a read was executed last.
   [[nodiscard]] std::string_view Synchronise(std::uint8_t unit, std::uint16_t tag);
   // Overwrites the text that was built last: it holds a password.

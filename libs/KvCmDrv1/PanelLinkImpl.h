@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "link/PanelLink.h"
+
+namespace kv {
+
+class ChannelImpl;
+
+// The panel over the channel's exchanges: text commands for controllers of the compact family, block messages for all
+// others.
+class PanelLinkImpl final : public PanelLink {
+ public:
+  explicit PanelLinkImpl(ChannelImpl& channel) : mChannel(channel) {}
+
+  [[nodiscard]] std::optional<PanelDescription> Describe(std::uint8_t unit) override;
+  [[nodiscard]] std::optional<PanelChanges> Changes(const PanelChangesRequest& request, std::uint8_t unit) override;
+  [[nodiscard]] std::optional<PanelChanges> Send(const PanelEvent& event, std::uint8_t unit) override;
+  [[nodiscard]] std::optional<PanelDirectory> Directory(PanelResourceKind kind, std::uint8_t unit) override;
+  [[nodiscard]] std::optional<Bytes> ReadPiece(PanelResourceKind kind, std::uint16_t id, std::uint32_t offset,
+                                               std::uint32_t length, std::uint8_t unit) override;
+  [[nodiscard]] std::optional<PanelLinkCost> Cost(std::uint8_t unit) override;
+  [[nodiscard]] unsigned Connection() const override;
+  [[nodiscard]] const LinkError& LastError() const override;
+
+ private:
+  template <typename Value>
+  [[nodiscard]] std::optional<Value> Checked(std::optional<Value> value, std::string_view doing, std::uint8_t unit);
+
+  ChannelImpl& mChannel;
+};
+
+}  // namespace kv
