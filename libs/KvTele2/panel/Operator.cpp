@@ -1,0 +1,286 @@
+#include "KvTele2/panel/Operator.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "KvTele2/panel/ScreenText.h"
+#include "base/AnsiText.h"
+#include "link/ErrorMeaning.h"
+
+namespace kv::panel {
+namespace {
+
+using Result = PressReport::Result;
+
+std::uint16_t PageNumber(const ScreenModel& model) {
+  const PageItem* page = model.Page();
+  return page != nullptr ? page->number : std::uint16_t{0};
+}
+
+// "button \"Start\" on page 2".
+std::string WordsOf(const TouchItem& touch, const PanelPlace& place, const ScreenModel& model) {
+  std::string words;
+  for (const PanelKey& key : model.Panel().keys) {
+    if (place.key == key.id) words = "key " + AnsiToUtf8(key.name) + ", ";
+  }
+  return words + TouchText(touch) + " on page " + std::to_string(PageNumber(model));
+}
+
+}  // namespace
+
+void Operator::AskToOperate(std::string name, bool takesOver) {
+  if (mMode != PanelMode::View) return;
+  mMode = PanelMode::Asking;
+  mName = name.substr(0, kLongestOperator);
+  mTakesOver = takesOver;
+  mWhyViewing.clear();
+}
+
+void Operator::Leave() {
+  mLeaving = mLease;
+  mWhyViewing.clear();
+  DropPresses(PressRefusal::OnlyViewing);
+  View();
+}
+
+void Operator::View() {
+  mMode = PanelMode::View;
+  mLease = 0;
+  mHeld.reset();
+}
+
+void Operator::LoseLease(const std::string& why) {
+  mLeaving = 0;
+  if (mMode == PanelMode::View) return;
+  mWhyViewing = why;
+  DropPresses(PressRefusal::OnlyViewing);
+  View();
+}
+
+PressRefusal Operator::Press(const PanelPlace& place, const ScreenNow& screen) {
+  Pressed pressed;
+  const PressRefusal refusal = Judge(place, screen, pressed);
+  if (refusal == PressRefusal::None) {
+    mWaiting.push_back(std::move(pressed));
+  } else {
+    Report({.result = Result::NotDone,
+            .place = place,
+            .what = {},
+            .text = std::string(RefusalText(refusal)),
+            .refusal = refusal});
+  }
+  return refusal;
+}
+
+PressRefusal Operator::Judge(const PanelPlace& place, const ScreenNow& screen, Pressed& pressed) const {
+  using enum PressRefusal;
+  if (mMode != PanelMode::Operate) return OnlyViewing;
+  if (screen.age > kOldScreen) return OldScreen;
+  const std::optional<std::uint16_t> slot = SlotAt(place, screen.model);
+  if (!slot) return NothingThere;
+  const auto& touch = *screen.model.Get<TouchItem>(*slot);
+  if (touch.isDisabled) return Disabled;
+  const auto known = mKnown.find(*slot);
+  const Instant since = known != mKnown.end() ? std::max(mPageSince, known->second.since) : mPageSince;
+  if (screen.now - since < kSettles) return JustChanged;
+  if (mWaiting.size() >= kMostWaiting) return TooMany;
+  pressed = {.place = place,
+             .slot = *slot,
+             .seen = touch,
+             .epoch = screen.model.Revision().epoch,
+             .page = PageNumber(screen.model),
+             .made = screen.now};
+  return None;
+}
+
+void Operator::DropPresses(PressRefusal why) {
+  for (const Pressed& pressed : std::exchange(mWaiting, {})) {
+    Report({.result = Result::NotDone,
+            .place = pressed.place,
+            .what = TouchText(pressed.seen),
+            .text = std::string(RefusalText(why)),
+            .refusal = why});
+  }
+}
+
+std::optional<std::uint16_t> Operator::SlotAt(const PanelPlace& place, const ScreenModel& model) const {
+  return place.key ? model.MeaningOf(*place.key) : model.AreaAt(place.x, place.y);
+}
+
+bool Operator::IsStillThere(const Pressed& pressed, const ScreenModel& model) const {
+  const auto* touch = model.Get<TouchItem>(pressed.slot);
+  return touch != nullptr && touch->IsSameTarget(pressed.seen) && PageNumber(model) == pressed.page &&
+         model.Revision().epoch == pressed.epoch && SlotAt(pressed.place, model) == pressed.slot;
+}
+
+// A finger that moves within what it presses goes on pressing it.
+bool Operator::IsOn(const Pressed& pressed, const std::optional<PanelPlace>& now, const ScreenModel& model) const {
+  return now && now->key == pressed.place.key && (now->key || SlotAt(*now, model) == pressed.slot);
+}
+
+// Letting go goes first, then new presses, then holding on.
+std::optional<Operator::Due> Operator::Next(const std::optional<PanelPlace>& pressedNow, const ScreenNow& screen) {
+  if (mLeaving != 0) {
+    Due due{.event = MakeEvent(PanelAction::Leave, screen), .place = {}, .what = {}};
+    due.event.lease = std::exchange(mLeaving, std::uint16_t{0});
+    return due;
+  }
+  if (mMode == PanelMode::Asking) {
+    if (screen.model.Page() == nullptr || screen.age > kOldScreen) return std::nullopt;
+    Due due{.event = MakeEvent(PanelAction::Operate, screen), .place = {}, .what = {}};
+    due.event.operatorName = mName;
+    due.event.takesOver = mTakesOver;
+    return due;
+  }
+  if (mMode != PanelMode::Operate) return std::nullopt;
+  if (mHeld) {
+    const bool isHeldYet = screen.now - mHeld->renewed < kLetsGo && screen.age <= kOldScreen;
+    const bool isThere = screen.model.Get<TouchItem>(mHeld->slot) != nullptr && PageNumber(screen.model) == mHeld->page;
+    if (!isHeldYet || !isThere || !IsOn(*mHeld, pressedNow, screen.model))
+      return MakeDue(PanelAction::Up, *mHeld, screen);
+  }
+  if (auto press = NextPress(pressedNow, screen)) return press;
+  const bool isDue = mHeld && screen.now - mHeld->renewed >= kRenewal;
+  return isDue ? std::optional(MakeDue(PanelAction::Hold, *mHeld, screen)) : std::nullopt;
+}
+
+// The last press may be pressed still; the ones before have been let go, or nothing could have been pressed after them.
+std::optional<Operator::Due> Operator::NextPress(const std::optional<PanelPlace>& pressedNow, const ScreenNow& screen) {
+  if (mWaiting.empty()) return std::nullopt;
+  const Pressed& first = mWaiting.front();
+  if (screen.age > kOldScreen) {
+    DropPresses(PressRefusal::OldScreen);
+  } else if (screen.now - first.made > kLongestWait) {
+    DropPresses(PressRefusal::TooSlow);
+  } else if (!IsStillThere(first, screen.model)) {
+    DropPresses(PressRefusal::Changed);
+  }
+  if (mWaiting.empty()) return std::nullopt;
+  mSent = std::move(mWaiting.front());
+  mWaiting.pop_front();
+  mSent->isDown = mWaiting.empty() && IsOn(*mSent, pressedNow, screen.model);
+  return MakeDue(mSent->isDown ? PanelAction::Down : PanelAction::Tap, *mSent, screen);
+}
+
+Operator::Due Operator::MakeDue(PanelAction action, const Pressed& pressed, const ScreenNow& screen) const {
+  Due due{.event = MakeEvent(action, screen),
+          .place = pressed.place,
+          .what = WordsOf(pressed.seen, pressed.place, screen.model)};
+  due.event.page = pressed.page;
+  due.event.key = pressed.place.key;
+  if (!pressed.place.key) {
+    due.event.x = static_cast<std::uint16_t>(std::max(pressed.place.x, 0));
+    due.event.y = static_cast<std::uint16_t>(std::max(pressed.place.y, 0));
+  }
+  return due;
+}
+
+// What is there now is what the user saw, or nothing is pressed: the number named is that of the newest screen.
+PanelEvent Operator::MakeEvent(PanelAction action, const ScreenNow& screen) const {
+  PanelEvent event;
+  event.action = action;
+  event.seen = screen.model.Revision();
+  event.page = PageNumber(screen.model);
+  event.stamp = screen.stamp;
+  event.lease = mLease;
+  event.since = screen.model.Revision().number;
+  event.connection = screen.connection;
+  return event;
+}
+
+std::optional<Instant> Operator::NextDue(Instant now) const {
+  if (mLeaving != 0 || mMode == PanelMode::Asking || !mWaiting.empty()) return now;
+  return mHeld ? std::optional(mHeld->renewed + kRenewal) : std::nullopt;
+}
+
+void Operator::NoteAnswer(const Due& due, const PanelChanges& changes, Instant began) {
+  const PanelAction action = due.event.action;
+  const bool isDone = changes.verdict == PanelVerdict::Done;
+  if (action == PanelAction::Leave) return;
+  if (action == PanelAction::Operate && mMode == PanelMode::Asking) {
+    mLease = isDone ? changes.lease : std::uint16_t{0};
+    mMode = mLease != 0 ? PanelMode::Operate : PanelMode::View;
+    mWhyViewing = VerdictText(changes.verdict, action);
+  } else if (action == PanelAction::Operate) {
+    mLeaving = isDone ? changes.lease : std::uint16_t{0};  // it was called off meanwhile
+    return;
+  }
+  if (action == PanelAction::Up) mHeld.reset();
+  if (action == PanelAction::Hold && isDone && mHeld) mHeld->renewed = began;
+  if (action == PanelAction::Hold && !isDone) mHeld.reset();
+  if (action == PanelAction::Down && isDone && mMode == PanelMode::Operate && changes.isHeld) {
+    mHeld = std::exchange(mSent, std::nullopt);
+    mHeld->renewed = began;
+  }
+  const bool isPress = action == PanelAction::Down || action == PanelAction::Tap;
+  if (isPress) mSent.reset();
+  if (isDone && !isPress && action != PanelAction::Operate) return;
+  Report({.result = isDone ? Result::Done : Result::NotDone,
+          .action = action,
+          .place = due.place,
+          .what = due.what,
+          .text = std::string(VerdictText(changes.verdict, action)),
+          .verdict = changes.verdict});
+  if (!isDone) DropPresses(PressRefusal::Changed);
+}
+
+void Operator::NoteFailure(const Due& due, const LinkError& error) {
+  const PanelAction action = due.event.action;
+  mSent.reset();
+  if (action == PanelAction::Down || action == PanelAction::Hold || action == PanelAction::Up) mHeld.reset();
+  if (action == PanelAction::Operate && mMode == PanelMode::Asking) {
+    mWhyViewing = error.happened;
+    View();
+  }
+  if (action == PanelAction::Leave) return;
+  const bool isHolding = action == PanelAction::Hold || action == PanelAction::Up;
+  const bool isCertain = isHolding || MeansNotExecuted(error);
+  Report({.result = isCertain ? Result::NotDone : Result::Unsure,
+          .action = action,
+          .place = due.place,
+          .what = due.what,
+          .text = (isHolding ? "The controller lets go of what was held by itself.\n" : "") + error.Text(),
+          .link = error.code});
+  DropPresses(PressRefusal::TooSlow);
+}
+
+void Operator::NoteChanges(const PanelChanges& changes, const ScreenModel& model) {
+  if (mMode != PanelMode::Operate) return;
+  if (!changes.isLeaseGood && changes.lease == 0) {
+    const std::string other = AnsiToUtf8(model.OperatorName());
+    LoseLease(changes.isLeaseElsewhere ? (other.empty() ? "Somebody else" : other) + " operates the panel now."
+                                       : "The controller has ended that this program operates the panel.");
+    return;
+  }
+  if (!mHeld || changes.isHeld) return;
+  const Pressed held = *std::exchange(mHeld, std::nullopt);
+  if (held.seen.role != TouchRole::HeldButton) return;
+  Report({.result = Result::Done,
+          .action = PanelAction::Up,
+          .place = held.place,
+          .what = TouchText(held.seen),
+          .text = "The controller has let go by itself: of what was held, nothing is pressed any more."});
+}
+
+void Operator::NoteScreen(const ScreenDelta& delta, const ScreenModel& model, Instant now) {
+  if (delta.isAll) {
+    mPageSince = now;
+    mKnown.clear();
+  }
+  for (const std::uint16_t slot : delta.slots) {
+    const auto* touch = model.Get<TouchItem>(slot);
+    if (touch == nullptr) {
+      mKnown.erase(slot);
+      continue;
+    }
+    const auto known = mKnown.find(slot);
+    if (known != mKnown.end() && known->second.touch.IsSameTarget(*touch)) continue;
+    mKnown.insert_or_assign(slot, Known{*touch, now});
+  }
+}
+
+std::vector<PressReport> Operator::TakeReports() {
+  return std::exchange(mReports, {});
+}
+
+}  // namespace kv::panel

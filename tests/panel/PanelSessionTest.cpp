@@ -1,0 +1,333 @@
+#include <gmock/gmock.h>
+
+#include "KvTele2/panel/PanelSession.h"
+#include "desktop/VirtualPacer.h"
+#include "tests/panel/Records.h"
+
+namespace kv::panel {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace test;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+// The other end of the link, as far as a session can see it. Requests and events are noted as letters: "c" changes, and
+// the first letters of actions ("Op", "Le", "Do", "Ho", "Up", "Ta").
+class FakePanel final : public PanelLink, public ChangeObserver {
+ public:
+  explicit FakePanel(VirtualPacer& pacer) : mPacer(pacer) {}
+
+  std::optional<PanelDescription> Describe(std::uint8_t) override { return Answer(std::optional(panel)); }
+  std::optional<PanelChanges> Changes(const PanelChangesRequest& request, std::uint8_t) override {
+    sent.emplace_back("c");
+    return Answer(std::optional(News(request.have, request.lease)));
+  }
+  std::optional<PanelChanges> Send(const PanelEvent& event, std::uint8_t) override {
+    constexpr const char* kNames[] = {"", "Op", "Le", "Do", "Ho", "Up", "Ta"};
+    sent.emplace_back(kNames[static_cast<int>(event.action)]);
+    events.push_back(event);
+    if (onSend) onSend();
+    if (verdict == PanelVerdict::Done && !isDown) {
+      if (event.action == PanelAction::Operate) lease = 77;
+      if (event.action == PanelAction::Leave) lease = 0;
+      isHeld = event.action == PanelAction::Down || event.action == PanelAction::Hold;
+    }
+    PanelChanges changes = News({event.seen.epoch, event.since}, event.lease);
+    changes.verdict = verdict;
+    changes.lease = event.action == PanelAction::Leave ? std::uint16_t{0} : lease;
+    return Answer(std::optional(std::move(changes)));
+  }
+  std::optional<PanelDirectory> Directory(PanelResourceKind, std::uint8_t) override { return {}; }
+  std::optional<Bytes> ReadPiece(PanelResourceKind, std::uint16_t, std::uint32_t, std::uint32_t,
+                                 std::uint8_t) override {
+    return {};
+  }
+  std::optional<PanelLinkCost> Cost(std::uint8_t) override { return PanelLinkCost{0us, 0us, 8192}; }
+  unsigned Connection() const override { return connection; }
+  const LinkError& LastError() const override { return error; }
+
+  void BeginOperation(const Operation& operation) override { recorded.push_back(operation.what); }
+  void EndOperation(const std::optional<ChangeEnd>&) override {}
+  std::expected<void, LinkError> BeforeRequest(const ChangeRequest&) override { return {}; }
+  void AfterRequest(const ChangeEnd&) override {}
+  std::string Head() const override { return ""; }
+
+  // The screen gets these records next.
+  void Show(std::vector<PanelRecord> records) {
+    for (PanelRecord& record : records) mLog.push_back(std::move(record));
+  }
+
+  PanelDescription panel = ColourPanel(100, 50);
+  std::uint16_t epoch = 9;
+  PanelVerdict verdict = PanelVerdict::Done;
+  std::uint16_t lease = 0;
+  bool isHeld = false;
+  bool isDown = false;  // the link
+  bool isLeaseElsewhere = false;
+  unsigned connection = 1;
+  std::function<void()> onSend;
+  LinkError error;
+  std::vector<std::string> sent;
+  std::vector<PanelEvent> events;
+  std::vector<std::string> recorded;
+
+ private:
+  template <typename Value>
+  std::optional<Value> Answer(std::optional<Value> value) {
+    mPacer.Sleep(2ms);
+    error = {};
+    if (!isDown) return value;
+    error = {.code = LinkErrorCode::Unsure, .happened = "no reply"};
+    return std::nullopt;
+  }
+  PanelChanges News(const PanelRevision& have, std::uint16_t named) const {
+    const std::size_t from = have.epoch == epoch ? have.number : 0;
+    PanelChanges changes =
+        Told({mLog.begin() + static_cast<std::ptrdiff_t>(from), mLog.end()}, static_cast<std::uint32_t>(from), epoch);
+    changes.isLeaseGood = named != 0 && named == lease;
+    changes.isLeaseElsewhere = isLeaseElsewhere;
+    changes.lease = changes.isLeaseGood ? lease : std::uint16_t{0};
+    changes.isHeld = isHeld;
+    return changes;
+  }
+
+  VirtualPacer& mPacer;
+  std::vector<PanelRecord> mLog;
+};
+
+const PanelPlace kStart{.key = std::nullopt, .x = 5, .y = 5};
+
+class PanelSessionTest : public ::testing::Test {
+ protected:
+  PanelSessionTest() {
+    panel.Show({Page(1), Touch(64, {0, 0, 10, 10}, "Start"), Touch(65, {20, 0, 10, 10}, "Jog", 2)});
+    Run(1s);
+  }
+
+  // As a window does: a step whenever one is due, with what is pressed.
+  void Run(Duration span, const std::optional<PanelPlace>& pressed = std::nullopt) {
+    const Instant end = pacer.Now() + span;
+    while (pacer.Now() < end) {
+      if (session.Step(pressed)) continue;
+      pacer.Sleep(std::clamp<Duration>(session.NextStep().value_or(5ms), 1ms, 5ms));
+    }
+  }
+  void Operate() {
+    session.AskToOperate("Anna", false);
+    Run(300ms);
+    ASSERT_EQ(session.State().mode, PanelMode::Operate);
+    (void)session.TakeReports();
+    panel.sent.clear();
+    panel.events.clear();
+  }
+  // Without the questions for changes.
+  std::vector<std::string> Sent() {
+    std::vector<std::string> sent = std::exchange(panel.sent, {});
+    std::erase(sent, "c");
+    return sent;
+  }
+
+  VirtualPacer pacer;
+  FakePanel panel{pacer};
+  ScreenResources resources;
+  PanelSession session{{.pacer = pacer, .link = panel, .resources = resources, .changes = &panel}};
+};
+
+TEST_F(PanelSessionTest, InViewNoInputLeavesHoweverItIsCalled) {
+  EXPECT_EQ(session.State().sight, PanelSight::Live);
+  const auto nothing = [&] {
+    EXPECT_EQ(session.Press(kStart), PressRefusal::OnlyViewing);
+    Run(1s, kStart);
+    EXPECT_THAT(Sent(), IsEmpty());
+  };
+  nothing();
+  Operate();
+  session.Leave();
+  Run(100ms, kStart);
+  EXPECT_THAT(Sent(), ElementsAre("Le"));
+  nothing();
+  panel.verdict = PanelVerdict::NoLease;
+  session.AskToOperate("Anna", false);
+  Run(100ms);
+  EXPECT_THAT(Sent(), ElementsAre("Op"));
+  EXPECT_EQ(session.State().whyViewing, "Somebody else operates the panel.");
+  nothing();
+}
+
+TEST_F(PanelSessionTest, AButtonIsPressedHeldAndLetGo) {
+  Operate();
+  EXPECT_EQ(session.Press(kStart), PressRefusal::None);
+  Run(700ms, kStart);
+  EXPECT_EQ(session.State().held, kStart);
+  Run(100ms);
+  EXPECT_THAT(Sent(), ElementsAre("Do", "Ho", "Ho", "Ho", "Up"));
+  EXPECT_FALSE(session.State().held);
+  const PanelEvent& down = panel.events.front();
+  EXPECT_EQ(down.seen, (PanelRevision{9, 3}));
+  EXPECT_EQ(down.lease, 77);
+  EXPECT_EQ(down.page, 1);
+  EXPECT_THAT(panel.recorded, ElementsAre("operate the panel", "press and hold button \"Start\" on page 1"));
+  const auto reports = session.TakeReports();
+  ASSERT_EQ(reports.size(), 1U);
+  EXPECT_EQ(reports[0].result, PressReport::Result::Done);
+
+  EXPECT_EQ(session.Press(kStart), PressRefusal::None);
+  Run(100ms);  // let go before it was sent
+  EXPECT_THAT(Sent(), ElementsAre("Ta"));
+}
+
+// What is pressed now is all that renews, so each of these ends in letting go, and none of them in a press.
+TEST_F(PanelSessionTest, WhateverEndsAHoldLetsGo) {
+  const PanelPlace jog{.key = std::nullopt, .x = 25, .y = 5};
+  const struct {
+    const char* name;
+    std::function<void()> end;
+    std::optional<PanelPlace> pressed;
+    std::vector<std::string> sent;
+  } cases[] = {
+      {"released", [] {}, std::nullopt, {"Up"}},
+      {"slid off", [] {}, PanelPlace{.key = std::nullopt, .x = 31, .y = 5}, {"Up"}},
+      {"window hung", [&] { pacer.Sleep(600ms); }, jog, {"Up"}},
+      {"left", [&] { session.Leave(); }, jog, {"Le"}},
+      {"hidden", [&] { session.Show(false); }, std::nullopt, {"Up"}},
+      {"paused", [&] { session.Pause(); }, jog, {"Up"}},
+      {"button gone", [&] { panel.Show({{65, 0, ""}}); }, jog, {"Up"}},
+      {"let go by the controller", [&] { panel.isHeld = false; }, jog, {}},
+      {"lease lost",
+       [&] {
+         panel.lease = 0;
+         panel.isLeaseElsewhere = true;
+       },
+       jog,
+       {}},
+      {"reconnected", [&] { ++panel.connection; }, jog, {}},
+  };
+  for (const auto& [name, end, pressed, sent] : cases) {
+    SCOPED_TRACE(name);
+    panel.Show({Touch(65, {20, 0, 10, 10}, "Jog", 2)});
+    panel.isLeaseElsewhere = false;
+    session.Show(true);
+    session.Resume();
+    Run(500ms);
+    session.Leave();
+    Run(100ms);
+    Operate();
+    ASSERT_EQ(session.Press(jog), PressRefusal::None);
+    Run(50ms, jog);
+    ASSERT_EQ(session.State().held, jog);
+    (void)Sent();
+    end();
+    Run(1s, pressed);
+    std::vector<std::string> after = Sent();
+    std::erase(after, "Ho");
+    EXPECT_EQ(after, sent);
+    EXPECT_FALSE(session.State().held);
+    panel.isHeld = false;
+  }
+}
+
+TEST_F(PanelSessionTest, NothingIsPressedThatWasNotSeen) {
+  Operate();
+  const auto refused = [&](const PanelPlace& place) { return session.Press(place); };
+  EXPECT_EQ(refused({.key = std::nullopt, .x = 15, .y = 5}), PressRefusal::NothingThere);
+  EXPECT_EQ(refused({.key = 3}), PressRefusal::NothingThere);
+  panel.Show({Touch(64, {0, 0, 10, 10}, "Start", 1, 2)});
+  Run(600ms);
+  EXPECT_EQ(refused(kStart), PressRefusal::Disabled);
+  panel.Show({Touch(64, {0, 0, 10, 10}, "Stop")});
+  while (session.Model()->Get<TouchItem>(64)->isDisabled) Run(1ms);
+  EXPECT_EQ(refused(kStart), PressRefusal::JustChanged);
+  Run(300ms);
+  (void)session.TakeReports();
+
+  // It changes while the press waits for the link: the link is busy with another one when it is made.
+  panel.onSend = [&] {
+    panel.onSend = nullptr;
+    EXPECT_EQ(session.Press({.key = std::nullopt, .x = 25, .y = 5}), PressRefusal::None);
+    EXPECT_FALSE(session.Step(std::nullopt)) << "one step at a time";
+    panel.Show({Touch(65, {20, 0, 10, 10}, "Open", 2)});
+  };
+  EXPECT_EQ(session.Press(kStart), PressRefusal::None);
+  Run(500ms);
+  EXPECT_THAT(Sent(), ElementsAre("Ta"));
+  const auto reports = session.TakeReports();
+  ASSERT_EQ(reports.size(), 2U);
+  EXPECT_EQ(reports[1].refusal, PressRefusal::Changed);
+
+  // That it looks pressed makes no other thing of it.
+  panel.Show({Touch(64, {0, 0, 10, 10}, "Stop", 1, 4)});
+  Run(33ms);
+  EXPECT_EQ(session.Press(kStart), PressRefusal::None);
+  session.Show(false);
+  pacer.Sleep(1100ms);
+  Run(10ms);
+  EXPECT_EQ(refused(kStart), PressRefusal::OldScreen);
+  EXPECT_THAT(Sent(), IsEmpty());
+}
+
+TEST_F(PanelSessionTest, APressWhoseAnswerIsLostIsToldAsUnsureAndNotRepeated) {
+  Operate();
+  panel.isDown = true;
+  ASSERT_EQ(session.Press(kStart), PressRefusal::None);
+  Run(2s, kStart);
+  EXPECT_THAT(Sent(), ElementsAre("Do"));
+  auto reports = session.TakeReports();
+  ASSERT_EQ(reports.size(), 1U);
+  EXPECT_EQ(reports[0].result, PressReport::Result::Unsure);
+  PanelState state = session.State();
+  EXPECT_EQ(state.mode, PanelMode::View);
+  EXPECT_EQ(state.sight, PanelSight::Old);
+  EXPECT_THAT(state.whyViewing, HasSubstr("link was lost"));
+  panel.isDown = false;
+  Run(1s, kStart);
+  EXPECT_EQ(session.State().sight, PanelSight::Live);
+  EXPECT_THAT(Sent(), IsEmpty());
+
+  for (const auto verdict : {PanelVerdict::NotWhatWasSeen, PanelVerdict::OperatedAtPanel, PanelVerdict::Late}) {
+    panel.verdict = PanelVerdict::Done;
+    if (session.State().mode == PanelMode::View) Operate();
+    panel.verdict = verdict;
+    ASSERT_EQ(session.Press(kStart), PressRefusal::None);
+    Run(300ms, kStart);
+    reports = session.TakeReports();
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0].verdict, verdict);
+    EXPECT_THAT(reports[0].text, HasSubstr("The controller has pressed nothing"));
+    EXPECT_FALSE(session.State().held);
+  }
+}
+
+TEST_F(PanelSessionTest, AScreenThatCannotBeStaysOldUntilItIsToldAnew) {
+  const Picture before = *session.Dots();
+  panel.Show({{64, 99, "what is this"}, Rectangle(70, {0, 0, 50, 50}, 0xFFFF)});
+  Run(3s);
+  EXPECT_EQ(session.State().sight, PanelSight::Old);
+  EXPECT_THAT(session.State().reason, HasSubstr("slot 64"));
+  EXPECT_EQ(*session.Dots(), before) << "nothing of it is shown";
+  panel.epoch = 10;
+  panel.panel.pages = 5;
+  panel.Show({});
+  Run(1s);
+  EXPECT_EQ(session.State().sight, PanelSight::Old) << "it is told from the start, and still cannot be";
+}
+
+TEST_F(PanelSessionTest, ARestartIsFollowedAndNothingIsAskedForWhileHidden) {
+  panel.epoch = 10;
+  panel.panel.pages = 5;
+  Run(1s);
+  EXPECT_EQ(session.Panel()->pages, 5);
+  EXPECT_EQ(session.State().page, 1);
+  EXPECT_FALSE(session.TakeChanged().empty());
+  session.Show(false);
+  panel.sent.clear();
+  Run(5s);
+  EXPECT_THAT(panel.sent, IsEmpty());
+  EXPECT_FALSE(session.NextStep());
+  session.Show(true);
+  EXPECT_EQ(session.NextStep(), 0us);
+}
+
+}  // namespace
+}  // namespace kv::panel
