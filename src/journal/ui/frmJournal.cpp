@@ -27,8 +27,9 @@ namespace kv {
 namespace {
 
 constexpr const char* kCaption = "Change Journal";
-constexpr QSize kFirstSize(140, 36);                // in characters and lines
-constexpr int kShares[] = {9, 20, 12, 34, 40, 25};  // of the columns in the width of the list
+constexpr QSize kFirstSize(160, 40);                                 // in characters and lines
+constexpr const char* kWhole[] = {"Number", "2026-11-22 08:41:12"};  // what the first columns show, never cut
+constexpr int kShares[] = {12, 32, 40, 26};                          // of the others in the width that is left
 constexpr int kFindingLines = 4;
 
 QString Joined(const std::vector<std::string>& lines) {
@@ -140,9 +141,15 @@ void frmJournal::BuildList() {
 
 // All columns are in sight, whatever the size of letters and window; the user may set them otherwise.
 void frmJournal::FitColumns(int width) {
-  for (int column = 0; column + 1 < JournalTable::kColumns; ++column) {
-    mList->setColumnWidth(column, width * kShares[column] / std::accumulate(std::begin(kShares), std::end(kShares), 0));
+  constexpr int kMargin = 12;
+  int column = 0;
+  for (const char* text : kWhole) {
+    const int whole = fontMetrics().horizontalAdvance(text) + kMargin;
+    mList->setColumnWidth(column++, whole);
+    width -= whole;
   }
+  const int all = std::accumulate(std::begin(kShares), std::end(kShares), 0);
+  for (const int share : kShares) mList->setColumnWidth(column++, std::max(0, width * share / all));
 }
 
 void frmJournal::showEvent(QShowEvent* event) {
@@ -194,7 +201,7 @@ void frmJournal::ArrangeControls() {
   parts->addWidget(mList);
   parts->addWidget(mDetails);
   parts->setStretchFactor(0, 3);
-  parts->setStretchFactor(1, 1);
+  parts->setStretchFactor(1, 2);
 
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(mRefresh);
