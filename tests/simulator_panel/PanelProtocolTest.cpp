@@ -125,6 +125,9 @@ TEST(PanelProtocol, ALeaseIsOneOperators) {
   EXPECT_EQ(client.Operate(), 4);
   EXPECT_EQ(client.Operate(1), 0);
   EXPECT_NE(client.lease, first);
+  client.fixture.Wait(2999ms);
+  client.Look();
+  EXPECT_EQ(client.flags & 0x18, 8U) << "named in time";
   client.lease = first;
   client.Look();
   EXPECT_EQ(client.flags & 0x18, 0x10U) << "somebody else has it";
