@@ -18,6 +18,7 @@ namespace kv::cli {
 struct CreateOrder {
   SegmentBoxes segments;
   bool replace = false;         // a file that stands there may be replaced
+  bool isDryRun = false;        // nothing is replaced: the question about that is only shown
   std::optional<bool> mayStop;  // whether a running program may be stopped; else the user is asked
   std::string comment;          // for the manifest
 };

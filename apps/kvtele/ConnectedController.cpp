@@ -5,6 +5,7 @@
 #include "base/AnsiText.h"
 #include "download/OtherSpeeds.h"
 #include "models/ModelCatalogue.h"
+#include "sessions/SessionIni.h"
 
 namespace kv::cli {
 
@@ -42,13 +43,14 @@ ConnectedController::ConnectedController(Environment& environment, const CommonO
       mDriver(std::move(driver)),
       mSettings(std::move(settings)) {
   mShared.UserName = common.user;
+  mShared.CurrentSession = common.session;
+  if (common.link.empty()) mSelectedModel = LastModel(mShared);
   mDriver->SetPasswordSource(&mPassword);
   RecordChanges(environment, common);
 }
 
 void ConnectedController::RecordChanges(Environment& environment, const CommonOptions& common) {
   if (environment.journalDisk == nullptr) return;
-  mShared.CurrentSession = common.session;
   mRecorder = std::make_unique<ChangeRecorder>(
       RecorderParts{.shared = mShared,
                     .stateFolder = environment.stateFolder,

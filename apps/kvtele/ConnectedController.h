@@ -35,6 +35,8 @@ class ConnectedController {
   [[nodiscard]] const VersionInfo& Version() const { return mVersion; }
   // The model that the catalogue is asked about.
   [[nodiscard]] const std::string& Model() const { return mModel; }
+  // The model that is selected in the session whose link this is; empty when the link was named by itself.
+  [[nodiscard]] const std::string& SelectedModel() const { return mSelectedModel; }
   [[nodiscard]] std::string Description() const { return mDriver->LinkDescription(); }
   // Asks for its state, serial number and project.
   [[nodiscard]] OrFailure<Channel::ControllerInfo> AskInfo();
@@ -71,6 +73,7 @@ class ConnectedController {
   std::shared_ptr<Channel> mChannel;
   VersionInfo mVersion;
   std::string mModel;
+  std::string mSelectedModel;
 };
 
 }  // namespace kv::cli

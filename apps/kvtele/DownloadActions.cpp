@@ -58,20 +58,22 @@ std::string OptionsFor(ControllerLeft left) {
   return "a download wants --end-load, too, while the controller is loading";
 }
 
-Failure FailureOf(std::string doing, const DownloadOutcome& outcome) {
+// One rule for all: a file that cannot be used is BadFile, and what a dry run would not get past is Refused.
+Failure FailureOf(std::string doing, const DownloadOutcome& outcome, bool isDryRun) {
   const std::string text = OutcomeText(outcome);
   if (outcome.end == DownloadEnd::Stopped) {
     return {ExitCode::Interrupted, "interrupted", std::move(doing), text, {}, {}};
   }
   if (outcome.end == DownloadEnd::Declined && outcome.link.code == LinkErrorCode::None) {
-    return {ExitCode::Failed, "notConfirmed", std::move(doing), text, {}, {}};
+    return {isDryRun ? ExitCode::Refused : ExitCode::Failed, "notConfirmed", std::move(doing), text, {}, {}};
   }
   const auto row = std::ranges::find(kCauses, outcome.cause, &CauseRow::cause);
   const bool isRefused = outcome.end == DownloadEnd::Refused;
   // Who never came back, or came back as another one, is no difference between file and controller.
   const bool isUnheard = outcome.cause == DownloadCause::Unproven && outcome.link.code != LinkErrorCode::None;
   if (row != kCauses.end() && !isUnheard && outcome.link.code != LinkErrorCode::OtherController) {
-    return {isRefused ? ExitCode::Refused : row->exit, std::string(row->name), std::move(doing), text, {}, {}};
+    const ExitCode exit = isRefused && row->exit != ExitCode::BadFile ? ExitCode::Refused : row->exit;
+    return {exit, std::string(row->name), std::move(doing), text, {}, {}};
   }
   Failure failure = LinkFailure(outcome.link, true);
   failure.doing = std::move(doing);
@@ -101,6 +103,7 @@ VerbOutput ReportOf(const DownloadPreview& preview, const std::optional<Download
                      {"inFile", JsonOf(preview.then)},
                      {"bytes", preview.bytes},
                      {"seconds", std::chrono::duration<double>(preview.about).count()},
+                     {"clones", preview.clones},
                      {"losses", preview.losses},
                      {"warnings", preview.warnings}};
   if (isDryRun) {
@@ -114,7 +117,7 @@ VerbOutput ReportOf(const DownloadPreview& preview, const std::optional<Download
 }
 
 Failure DownloadFailure(std::string doing, const DownloadOutcome& outcome, const TerminalDownload& window) {
-  Failure failure = FailureOf(std::move(doing), outcome);
+  Failure failure = FailureOf(std::move(doing), outcome, window.IsDryRun());
   failure.cure = OptionsFor(outcome.left);
   failure.untold = window.WithoutTold(failure.happened);
   return failure;
@@ -134,7 +137,9 @@ OrFailure<std::unique_ptr<TerminalBackup>> TerminalBackup::Prepare(Environment& 
   std::unique_ptr<TerminalBackup> backup(new TerminalBackup(environment, common, flags));
   if (!flags.backup) return backup;
   // The backup keeps what stood there when it was made: before the question whether that may be replaced.
-  const auto checked = CheckCreate(environment, common, *flags.backup, flags.backupOrder);
+  CreateOrder order = flags.backupOrder;
+  order.isDryRun = flags.isDryRun;
+  const auto checked = CheckCreate(environment, common, *flags.backup, order);
   if (!checked) return std::unexpected(checked.error());
   return backup;
 }

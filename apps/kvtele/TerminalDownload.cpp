@@ -73,6 +73,8 @@ Prompts& TerminalDownload::PromptsOf(DownloadQuestion question) {
       return mQuestion.emplace(Answered(mConsents.endLoad, "--end-load"));
     case DownloadQuestion::SameOs:
       return mQuestion.emplace(Answered(mConsents.sameOs, "--same-os"));
+    case DownloadQuestion::OlderOs:
+      return mQuestion.emplace(Answered(mConsents.olderOs, "--older-os"));
     case DownloadQuestion::LoseValues:
       return mQuestion.emplace(Answered(mConsents.loseValues, "--lose-values"));
     case DownloadQuestion::Retry:

@@ -19,6 +19,7 @@ struct ConsentFlags {
   bool noReset = false;      // --no-reset
   bool endLoad = false;      // --end-load
   bool sameOs = false;       // --same-os
+  bool olderOs = false;      // --older-os
   bool loseProject = false;  // --lose-project
   bool loseValues = false;   // --lose-values
   int retries = 0;           // --retry: how often a message that is not answered is sent again
@@ -31,6 +32,7 @@ class TerminalDownload : public DownloadWindow, public TerminalPrompts {
   TerminalDownload(Environment& environment, const CommonOptions& common, const ConsentFlags& consents, bool isDryRun);
 
   PromptAnswer Show(const MessageBox& box) override;
+  [[nodiscard]] bool IsDryRun() const { return mIsDryRun; }
   // The lines of this text that no box has shown.
   [[nodiscard]] std::string WithoutTold(const std::string& text) const;
 
@@ -40,6 +42,7 @@ class TerminalDownload : public DownloadWindow, public TerminalPrompts {
   void StepProgress() override {}
   void ProgressInfo(int, std::int64_t, std::int64_t) override {}
   void AmountSent(std::uint64_t done, std::uint64_t total) override;
+  void Programmed(int percent) override { mLine.Show(mStatus + " " + std::to_string(percent) + " %"); }
   [[nodiscard]] AurexOsChoice ChooseAurexOs(const AurexOsLists&) override { return {}; }
   [[nodiscard]] std::optional<std::size_t> ChooseCompactOs(const FileList&) override { return std::nullopt; }
   [[nodiscard]] BiosAnswer WarnOfIncompatibleBios() override;

@@ -47,8 +47,9 @@ OrFailure<SafeCreate> CheckCreate(Environment& environment, const CommonOptions&
   safe.SetComment(order.comment);
   std::error_code ignored;
   if (!std::filesystem::exists(file, ignored)) return safe;
-  const auto confirmed = Confirm(environment, {order.replace, "--replace"}, Utf8FromPath(file) + " exists. Replace it?",
-                                 "creating " + Utf8FromPath(file));
+  const ConsentFlag consent = order.isDryRun ? ConsentFlag{true, "--dry-run"} : ConsentFlag{order.replace, "--replace"};
+  const auto confirmed =
+      Confirm(environment, consent, Utf8FromPath(file) + " exists. Replace it?", "creating " + Utf8FromPath(file));
   if (!confirmed) return std::unexpected(confirmed.error());
   return safe;
 }

@@ -76,6 +76,7 @@ void VerbDownload::Declare(CLI::App& app) {
       ->type_name("N")
       ->check(CLI::Range(0, kMostRetries));
   app.add_flag("--same-os", mFlags.consents.sameOs, "os: also one that is installed already");
+  app.add_flag("--older-os", mFlags.consents.olderOs, "os: also one that is older than the installed one");
   app.add_flag("--lose-project", mFlags.consents.loseProject, "os: also one that may erase the project");
   app.add_flag("--lose-values", mFlags.consents.loseValues, "os: also one to which the operands' values mean nothing");
 }
@@ -93,8 +94,8 @@ OrFailure<void> VerbDownload::CheckAction() const {
       {mFlags.isDryRun || !mBackup.empty() || consents.endLoad, "--dry-run, --backup and --end-load", "project os"},
       {mReplace || mStop || mNoStop, "--replace, --stop and --no-stop", "project os"},
       {consents.otherModel || consents.noReset, "--other-model and --no-reset", "project"},
-      {consents.sameOs || consents.loseProject || consents.loseValues || consents.retries > 0,
-       "--same-os, --lose-project, --lose-values and --retry", "os"},
+      {consents.sameOs || consents.olderOs || consents.loseProject || consents.loseValues || consents.retries > 0,
+       "--same-os, --older-os, --lose-project, --lose-values and --retry", "os"},
   };
   for (const Row& row : rows) {
     if (!row.isGiven || row.actions.contains(mAction)) continue;
@@ -112,7 +113,7 @@ OrFailure<DownloadFlags> VerbDownload::CheckBackup(Environment& environment) con
   if (mBackup.empty() && (mReplace || (hasStopFlag && mAction != "os"))) {
     return std::unexpected(UsageFailure("--replace, --stop and --no-stop are about the --backup"));
   }
-  if (!mBackup.empty() && !hasStopFlag && !environment.input.IsInteractive()) {
+  if (!mBackup.empty() && !hasStopFlag && !mFlags.isDryRun && !environment.input.IsInteractive()) {
     return std::unexpected(UsageFailure("whether a running program may be stopped for the backup is not said",
                                         "give --stop (it runs again afterwards) or --no-stop with --backup"));
   }

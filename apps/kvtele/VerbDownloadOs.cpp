@@ -124,6 +124,7 @@ class OsDownload {
 
   [[nodiscard]] const DownloadOrder& Order() {
     mOrder.link = mController->Description();
+    mOrder.selectedModel = mController->SelectedModel();
     mOrder.usualBaudRate = mController->Driver().UsualBaudRate();
     mOrder.isDryRun = mFlags.isDryRun;
     mOrder.backup = mBackup->Backup();

@@ -31,7 +31,7 @@ VerbResult DownloadProject(Environment& environment, const CommonOptions& common
   if (!project) return std::unexpected(project.error());
   const auto backup = TerminalBackup::Prepare(environment, common, flags);
   if (!backup) return std::unexpected(backup.error());
-  const auto controller = ConnectedController::Open(environment, common);
+  const auto controller = ConnectedController::Open(environment, common, ConnectedController::Reaching::AtAnySpeed);
   if (!controller) return std::unexpected(controller.error());
 
   TerminalDownload window(environment, common, flags.consents, flags.isDryRun);
@@ -39,6 +39,7 @@ VerbResult DownloadProject(Environment& environment, const CommonOptions& common
   DownloadPreview preview;
   DownloadOrder order;
   order.link = (*controller)->Description();
+  order.selectedModel = (*controller)->SelectedModel();
   order.isDryRun = flags.isDryRun;
   order.backup = (*backup)->Backup();
   order.promptsOf = [&](DownloadQuestion question) -> Prompts& { return window.PromptsOf(question); };

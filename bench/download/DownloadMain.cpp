@@ -38,6 +38,7 @@ constexpr double kMebibyte = 1024.0 * 1024.0;
 constexpr int kBaud = 115200;
 constexpr double kBitsAByte = 10;  // 8, start and stop
 constexpr double kWantedOfLine = 0.97;
+constexpr long kMostMemory = 512;  // KiB that a download may take while it goes on, whatever its length
 constexpr std::size_t kLargestCompactProject = 20'000;  // bytes of the place that it has in the controller
 
 struct Effort {
@@ -225,10 +226,11 @@ bool RunTcp(const Case& which, const Effort& effort) {
   const BarePartner bare(Way::Tcp, spent.sent / spent.exchanges, spent.received / spent.exchanges);
   const auto cost = bare.Exchange(static_cast<int>(spent.exchanges));
   if (!cost) return false;
-  std::printf("%s, TCP: %.3f s in %llu exchanges, bare exchange %.3f s: %.1f %%; %ld KiB more memory at the end\n",
+  const long more = window.last.kibibytes - window.first.kibibytes;
+  std::printf("%s, TCP: %.3f s in %llu exchanges, bare exchange %.3f s: %.1f %%; %ld KiB more memory at the end%s\n",
               which.name, spent.seconds, static_cast<unsigned long long>(spent.exchanges), cost->seconds,
-              cost->seconds / spent.seconds * 100, window.last.kibibytes - window.first.kibibytes);
-  return true;
+              cost->seconds / spent.seconds * 100, more, more > kMostMemory ? " <" : "");
+  return more <= kMostMemory;
 }
 
 bool RunCompression(const Effort& effort) {

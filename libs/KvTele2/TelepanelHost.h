@@ -102,6 +102,7 @@ class TelepanelHost final : public RemoteHost {
   void SetControllerInfoByte(int) override {}
   [[nodiscard]] bool ProjectMatches() override;
   void ConnectionRefused(const std::string& text, const RefusedController& controller) override;
+  void ControllerTold(const VersionInfo& version, const Channel::ControllerInfo& info) override;
   void SetPanelData(const std::string&) override {}
   void GoOnline() override;
   void RunPanelSession(const std::string& caption) override;

@@ -70,6 +70,13 @@ void TelepanelHost::ConnectionRefused(const std::string& text, const RefusedCont
   StatusMessage(mState.trouble);
 }
 
+void TelepanelHost::ControllerTold(const VersionInfo& version, const Channel::ControllerInfo& info) {
+  if (!mChannel || !mState.controller) return;
+  mState.controller = ControllerFactsOf(version, mUnit);
+  AddInfo(*mState.controller, info);
+  Show();
+}
+
 void TelepanelHost::GoOnline() {
   mState.connection = ConnectionState::Online;
   Show();

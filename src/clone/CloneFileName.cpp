@@ -12,7 +12,9 @@ std::string CloneFileName(std::string_view model, std::string_view serialNumber,
   for (char& each : name) {
     if (!std::isalnum(static_cast<unsigned char>(each))) each = '-';
   }
-  return name + (name.empty() ? "" : "-") + DateText(now) + ".kdf";
+  std::string time = TimeOfDayText(now);
+  std::erase(time, ':');
+  return name + (name.empty() ? "" : "-") + DateText(now) + "-" + time + ".kdf";
 }
 
 }  // namespace kv

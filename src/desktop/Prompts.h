@@ -26,7 +26,8 @@ enum class PromptAnswer { Ok, Cancel, Yes, No };
   return buttons == PromptButtons::YesNo ? PromptAnswer::Yes : PromptAnswer::Ok;
 }
 
-// The button that commits to the least: Ok when there is no other, Cancel or No. Closing a box counts as this one.
+// The button that commits to the least: Ok when there is no other, Cancel or No. Closing a box counts as this one, but
+// see MessageBox::canLose.
 [[nodiscard]] constexpr PromptAnswer LeastCommitting(PromptButtons buttons) {
   switch (buttons) {
     case PromptButtons::OkCancel:
@@ -45,7 +46,9 @@ struct MessageBox {
   std::string title = "Telepanel";
   PromptIcon icon = PromptIcon::None;
   PromptButtons buttons = PromptButtons::Ok;
-  bool canLose = false;  // what is lost by consent cannot be brought back: Enter presses the other button
+  // What is lost by consent cannot be brought back: Enter presses the other button. Where there is OK alone, closing
+  // the box otherwise answers Cancel.
+  bool canLose = false;
 
   bool operator==(const MessageBox&) const = default;
 };

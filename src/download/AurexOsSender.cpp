@@ -213,7 +213,7 @@ AurexOsSender::Step AurexOsSender::WaitUntilIdle(TopicCheck check) {
 // Whether the controller is idle.
 std::expected<bool, DownloadOutcome> AurexOsSender::CheckStatus(const Status& status, TopicCheck check) {
   if (!status.isIdle) {
-    if (mIsProgramming) mWork.window.SetStatus("Programming the O/S: " + std::to_string(status.percent) + " %");
+    if (mIsProgramming) mWork.window.Programmed(status.percent);
     return false;
   }
   if (status.hasFlashError) {

@@ -1,7 +1,6 @@
 #include "download/AurexProjectSender.h"
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <optional>
 
@@ -11,7 +10,6 @@
 #include "download/LongWait.h"
 #include "download/OsNumber.h"
 #include "link/BlockOperations.h"
-#include "link/OsVersion.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv {
@@ -30,12 +28,9 @@ constexpr int kMostLosses = 3;
 constexpr int kBuilds = 100;
 
 std::optional<std::int64_t> InstalledOs(const VersionInfo& version) {
-  const auto number = ParsePlainOsVersion(OsVersionText(version));
-  const std::string text = OsBuildText(version);
-  int build = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), build);
-  if (!number || error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return std::int64_t{*number} * kBuilds + build;
+  const auto number = OsNumberOf(version);
+  if (!number) return std::nullopt;
+  return std::int64_t{number->version} * kBuilds + number->build;
 }
 
 }  // namespace
@@ -122,7 +117,7 @@ AurexProjectSender::Step AurexProjectSender::StopProgram() {
     });
   });
   if (!done) return done;
-  mWork.Tell("The controller is about to enter Stop mode.", PromptIcon::Exclamation);
+  if (done = mWork.TellOfStopMode(); !done) return done;
   if (done = mWork.StopPoint(); !done) return done;
   if (auto announced = mWork.WhileBusy([this] { return mWork.Send("PV000A"); }); !announced)
     return std::unexpected(announced.error());

@@ -175,7 +175,9 @@ bool CompactProjectSender::Restarts() const {
 }
 
 CompactProjectSender::Step CompactProjectSender::SendLine(const std::string& line) {
-  if (line == "CCS") mWork.Tell("The controller is about to enter Stop mode.", PromptIcon::Exclamation);
+  if (line == "CCS") {
+    if (Step told = mWork.TellOfStopMode(); !told) return told;
+  }
   if (line == "CCE") mWork.Tell("The controller is about to Reset.", PromptIcon::Exclamation);
   const auto send = [&]() -> Step {
     auto reply = mWork.WhileBusy([&] { return mWork.Send(line); });

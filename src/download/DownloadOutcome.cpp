@@ -10,11 +10,12 @@ std::string_view LeftBehindText(ControllerLeft left) {
       return "Nothing was changed in the controller.";
     case ControllerLeft::Stopped:
       return "The controller's program was told to stop, and its project is the one that it had. Start it "
-             "with \"kvtele run\", or download again.";
+             "(\"Start Program\" in the Downloader, or \"kvtele run\"), or download again.";
     case ControllerLeft::ProjectBegun:
-      return "The controller's program is stopped for a download that has not come to its end, and its old project is "
-             "still there. Download again; or switch it off and on, or start it with \"kvtele run\", to go back to the "
-             "old project.";
+      return "The controller's program is stopped for a download that has not come to its end, and what it held before "
+             "is still there. Download again; or switch it off and on, or start it (\"Start Program\" in the "
+             "Downloader, "
+             "or \"kvtele run\"), to go back to that.";
     case ControllerLeft::ProjectErased:
       return "The controller's old project is erased, and the new one is not whole; once it has restarted, it runs on "
              "that. Download a project again.";

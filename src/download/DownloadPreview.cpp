@@ -5,6 +5,7 @@
 
 #include "base/AnsiText.h"
 #include "base/Texts.h"
+#include "clone/DumpWindow.h"
 #include "desktop/RemainingTime.h"
 #include "download/FileFields.h"
 #include "link/LinkLimits.h"
@@ -31,6 +32,10 @@ std::string Shown(const Text& text) {
   return text->empty() ? "(none)" : *text;
 }
 
+std::string TimeText(Duration about) {
+  return SpanText(std::max(std::chrono::ceil<std::chrono::seconds>(about), std::chrono::seconds(1)));
+}
+
 }  // namespace
 
 std::string KeptName(const std::string& name) {
@@ -38,8 +43,9 @@ std::string KeptName(const std::string& name) {
 }
 
 DownloadSide SideOf(const FoundController& controller) {
+  const bool isInBoot = IsBootLoader(controller);  // which tells of no O/S
   return {.model = ShownText(controller.version.model),
-          .os = controller.OsText(),
+          .os = isInBoot ? std::nullopt : std::optional(controller.OsText()),
           .fonts = {},
           .project = controller.ProjectText()};
 }
@@ -53,6 +59,14 @@ Duration TimeOnLink(const Channel& link, std::uint64_t bytes, std::uint64_t exch
   return turns + Duration(static_cast<Duration::rep>(microseconds));
 }
 
+std::string CloneTimeText(const Channel& link, int passes) {
+  if (passes == 0) return "";
+  constexpr std::uint64_t kBlocks = 100 * 1024 / kDumpBlock;
+  constexpr std::uint64_t kAroundBlock = 60;  // head, address, tag and check, of request and reply
+  return "the controller's memory goes over it " + std::to_string(passes) + " times for the clones, each time about " +
+         TimeText(TimeOnLink(link, kBlocks * (2 * kDumpBlock + kAroundBlock), kBlocks)) + " for 100 KiB of it";
+}
+
 std::vector<SideRow> RowsOf(const DownloadSide& first, const DownloadSide& second) {
   std::vector<SideRow> rows;
   for (const Fact& fact : kFacts) {
@@ -63,9 +77,9 @@ std::vector<SideRow> RowsOf(const DownloadSide& first, const DownloadSide& secon
 }
 
 std::string AmountText(const DownloadPreview& preview) {
-  return Counted(preview.bytes, "byte") + ", about " +
-         SpanText(std::max(std::chrono::ceil<std::chrono::seconds>(preview.about), std::chrono::seconds(1))) +
-         " on this link, and the time that the controller takes to erase and to program";
+  return Counted(preview.bytes, "byte") + ", about " + TimeText(preview.about) +
+         " on this link, and the time that the controller takes to erase and to program" +
+         (preview.clones.empty() ? "" : "; besides, " + preview.clones);
 }
 
 std::vector<std::string> DifferencesFrom(const DownloadSide& file, const DownloadSide& after) {

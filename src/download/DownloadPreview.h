@@ -31,6 +31,7 @@ struct DownloadPreview {
   DownloadSide then;                       // as the file says
   std::uint64_t bytes = 0;                 // of the file's content, as they are sent
   Duration about{};                        // on this link: TimeOnLink
+  std::string clones = {};                 // how long those take that come on top: CloneTimeText; empty: none
   std::vector<std::string> losses = {};    // what will be lost, a sentence each
   std::vector<std::string> warnings = {};  // what else is worth knowing, a sentence each
 };
@@ -38,6 +39,14 @@ struct DownloadPreview {
 // How long so much traffic takes on this link, beside what the controller needs for its own work: `bytes` in both
 // directions, in `exchanges` requests.
 [[nodiscard]] Duration TimeOnLink(const Channel& link, std::uint64_t bytes, std::uint64_t exchanges);
+
+// How often a clone before a download takes the controller's memory over the link: read and compared, or read, written
+// back and compared.
+inline constexpr int kPassesOfBackup = 2;
+inline constexpr int kPassesOfSave = 3;
+// "its memory goes over it 3 times for the clones, each time about 4 min for 100 KiB of it": how much it has, the
+// controller tells only with its password. Empty without passes.
+[[nodiscard]] std::string CloneTimeText(const Channel& link, int passes);
 
 // Both sides in rows of a table. Rows of which neither side tells anything are left out; "-" is a text that is not
 // known, and "(none)" an empty one.

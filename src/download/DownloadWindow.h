@@ -48,6 +48,9 @@ class DownloadWindow {
   // more when that `isOver`.
   virtual void Waiting(std::string_view /*text*/, bool /*isOver*/) {}
 
+  // All has been sent, and the controller programs it.
+  virtual void Programmed(int /*percent*/) {}
+
   // Lets the user choose from both lists.
   [[nodiscard]] virtual AurexOsChoice ChooseAurexOs(const AurexOsLists& lists) = 0;
   // The place in the list; nothing when the user cancels.

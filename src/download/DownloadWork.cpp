@@ -8,10 +8,13 @@
 #include "clone/ProgramState.h"
 #include "desktop/StopScope.h"
 #include "download/ProjectDownload.h"
+#include "download/ReadDownload.h"
 #include "link/ControllerErrorText.h"
 
 namespace kv {
 namespace {
+
+constexpr std::size_t kLongestFile = 64U << 20U;  // whatever is larger can be read, and is refused as what it is
 
 std::string TitleOr(std::string_view title) {
   return std::string(title.empty() ? kDownloaderCaption : title);
@@ -54,6 +57,17 @@ void DownloadWork::Tell(std::string_view text, PromptIcon icon, std::string_view
   prompts.Show({.text = std::string(text), .title = TitleOr(title), .icon = icon});
 }
 
+DownloadWork::Step DownloadWork::TellOfStopMode() {
+  const MessageBox box{.text = "The controller is about to enter Stop mode.",
+                       .title = TitleOr({}),
+                       .icon = PromptIcon::Exclamation,
+                       .canLose = true};
+  if (prompts.Show(box) == PromptAnswer::Ok) return {};
+  auto stopped = Stop();
+  stopped.error().reason = "The box about the Stop mode was closed without OK.";
+  return stopped;
+}
+
 bool DownloadWork::Asks(DownloadQuestion question, const std::string& text, PromptIcon icon, std::string_view title) {
   return PromptsOf(question).Show(
              {.text = text, .title = TitleOr(title), .icon = icon, .buttons = PromptButtons::YesNo, .canLose = true}) ==
@@ -62,7 +76,9 @@ bool DownloadWork::Asks(DownloadQuestion question, const std::string& text, Prom
 
 DownloadWork::Step DownloadWork::ShowCloneQuestions(const std::string& controller, char state) {
   if (ShowCreateQuestions(prompts, controller, state)) return {};
-  return Fail(DownloadCause::Backup, "No password was given for the clone. " + std::string(kAnyPassword));
+  auto refused = Refuse("No password was given for the clone. " + std::string(kAnyPassword));
+  refused.error().cause = DownloadCause::Backup;
+  return refused;
 }
 
 std::unexpected<DownloadOutcome> DownloadWork::Fail(DownloadCause cause, std::string reason) const {
@@ -108,13 +124,44 @@ DownloadWork::Step DownloadWork::GetAccess() {
   return failed;
 }
 
-DownloadWork::Step DownloadWork::AskForSameOs(const std::string& controller, const std::string& installed,
-                                              const std::string& next, std::string_view title) {
-  if (installed != next) return {};
-  const std::string question =
-      "The O/S " + next + " is installed already in the controller (" + controller + "). Install it again?";
-  if (Asks(DownloadQuestion::SameOs, question, PromptIcon::Question, title)) return {};
-  return Decline(DownloadCause::User, "The O/S " + next + " is installed already, and was not to be installed again.");
+// Nothing is compared with what cannot be read, or is the boot loader's own.
+DownloadWork::Step DownloadWork::AskForNoNewerOs(const FoundController& found, const std::string& controller,
+                                                 const OsNumber& next, std::string_view title) {
+  const auto installed = found.Os();
+  if (!installed || next > *installed) return {};
+  const std::string os = "The O/S " + NumberText(next);
+  const bool isSame = next == *installed;
+  const std::string what = isSame ? " is installed already in the controller (" + controller + ")"
+                                  : " is older than the one in the controller (" + controller + "), " + found.OsText();
+  const std::string question = os + what + (isSame ? ". Install it again?" : ". Install the older one?");
+  if (Asks(isSame ? DownloadQuestion::SameOs : DownloadQuestion::OlderOs, question, PromptIcon::Question, title)) {
+    return {};
+  }
+  return Decline(DownloadCause::User, os + (isSame ? " is installed already, and was not to be installed again."
+                                                   : what + ", and was not to be installed."));
+}
+
+DownloadWork::Step DownloadWork::CheckIsThere(const std::filesystem::path& file, std::string_view title) {
+  const auto bytes = ReadDownloadBytes(file, kLongestFile);
+  if (bytes || bytes.error().fault != DownloadFileFault::Unreadable) return {};
+  Tell(bytes.error().Text(), PromptIcon::Exclamation, title);
+  auto refused = Refuse(bytes.error().Text());
+  refused.error().cause = DownloadCause::File;
+  return refused;
+}
+
+std::vector<std::string> DownloadWork::WarningsOf(const FoundController& found,
+                                                  const std::optional<OsNumber>& next) const {
+  std::vector<std::string> warnings;
+  const auto installed = found.Os();
+  if (next && installed && *next < *installed) {
+    warnings.emplace_back("The O/S in the file is older than the one in the controller.");
+  }
+  if (std::string other = OtherModelWarning(found, order.selectedModel); !other.empty()) {
+    warnings.push_back(std::move(other));
+  }
+  if (std::string advice = StateAdvice(found); !advice.empty()) warnings.push_back(std::move(advice));
+  return warnings;
 }
 
 DownloadWork::Step DownloadWork::StopPoint() {

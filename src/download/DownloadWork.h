@@ -3,16 +3,19 @@
 #include <chrono>
 #include <cstddef>
 #include <expected>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "desktop/Pacer.h"
 #include "desktop/Prompts.h"
 #include "download/DownloadOrder.h"
 #include "download/DownloadOutcome.h"
 #include "download/DownloadWindow.h"
+#include "download/FoundController.h"
 #include "link/Channel.h"
 #include "link/ErrorMeaning.h"
 
@@ -44,6 +47,8 @@ class DownloadWork {
   void EndOperation(const DownloadOutcome& outcome);
 
   void Tell(std::string_view text, PromptIcon icon, std::string_view title = {});
+  // The settled box before a program is stopped. It has OK alone; who closes it otherwise stops the download there.
+  [[nodiscard]] Step TellOfStopMode();
   // Who is asked this.
   [[nodiscard]] Prompts& PromptsOf(DownloadQuestion question) const {
     return order.promptsOf ? order.promptsOf(question) : prompts;
@@ -66,9 +71,14 @@ class DownloadWork {
   // Whether the controller takes a password, when it wants one, is found out before anything is done to it. Who does
   // not know it has declined.
   [[nodiscard]] Step GetAccess();
-  // The O/S of the file may be the one that is there: sent again only when that is wanted.
-  [[nodiscard]] Step AskForSameOs(const std::string& controller, const std::string& installed, const std::string& next,
-                                  std::string_view title = {});
+  // The O/S of the file may be the one that is there, or older: sent only when that is wanted.
+  [[nodiscard]] Step AskForNoNewerOs(const FoundController& found, const std::string& controller, const OsNumber& next,
+                                     std::string_view title = {});
+  // A file that was chosen and cannot be read is told as that, whatever its name says.
+  [[nodiscard]] Step CheckIsThere(const std::filesystem::path& file, std::string_view title = {});
+  // What is worth knowing of the controller before a download, a sentence each; `next` is the O/S of the file.
+  [[nodiscard]] std::vector<std::string> WarningsOf(const FoundController& found,
+                                                    const std::optional<OsNumber>& next = {}) const;
 
   // Between two exchanges: whether the user has asked for a stop, and means it. What would be left half done is asked
   // about, and with No the download goes on.

@@ -2,12 +2,14 @@
 
 #include <chrono>
 
+#include "base/AnsiText.h"
 #include "clone/ProgramState.h"
 #include "clone/RestoreCheck.h"
 #include "download/CompactController.h"
 #include "download/FileFields.h"
 #include "download/OsFileName.h"
 #include "link/OsVersion.h"
+#include "models/ModelFit.h"
 
 namespace kv {
 namespace {
@@ -42,6 +44,17 @@ LinkError AnotherController(std::uint32_t found, std::uint32_t expected) {
 
 std::string FoundController::OsText() const {
   return OsVersionText(version) + " (B" + OsBuildText(version) + ")";
+}
+
+std::optional<OsNumber> OsNumberOf(const VersionInfo& version) {
+  const auto number = ParsePlainOsVersion(OsVersionText(version));
+  const auto build = ParsePlainOsVersion(OsBuildText(version));
+  if (!number || !build) return std::nullopt;
+  return OsNumber{*number, *build};
+}
+
+std::optional<OsNumber> FoundController::Os() const {
+  return info.state == 'B' ? std::nullopt : OsNumberOf(version);
 }
 
 std::string FoundController::ProjectText() const {
@@ -96,11 +109,19 @@ std::string ControllerNameOf(const FoundController& controller, DownloadFamily f
   return ControllerText(named, controller.info, link);
 }
 
+std::string OtherModelWarning(const FoundController& controller, const std::string& selected) {
+  const std::string found = selected.empty() ? "" : OtherModelOf(AnsiToUtf8(controller.version.model), selected);
+  if (found.empty()) return "";
+  return "The controller is of the model " + found + ", but the selected model is " + selected +
+         ": make sure that it is the one that you mean.";
+}
+
 std::string StateAdvice(const FoundController& controller) {
   switch (controller.info.state) {
     case 'B':
-      return "The controller's boot loader runs, so it has no running program and takes no project. Download an O/S, "
-             "or switch it off and on to go back to the O/S that it has.";
+      return "The controller's boot loader runs, so it has no running program and takes no project. Download an O/S; "
+             "if "
+             "there is still one in it, that starts when the controller is switched off and on.";
     case 'L':
       return "The controller is loading, its program stopped: a restore or a download was cut, or somebody else's is "
              "under way. Download a project or restore a clone, to the end.";

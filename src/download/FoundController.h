@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <expected>
+#include <optional>
 #include <string>
 
 #include "desktop/Pacer.h"
 #include "download/DownloadFamily.h"
+#include "download/OsNumber.h"
 #include "link/Channel.h"
 #include "link/LinkError.h"
 
@@ -18,9 +20,14 @@ struct FoundController {
 
   // "4.60 (B19)", UTF-8, whichever way the controller reports it.
   [[nodiscard]] std::string OsText() const;
+  // The same as a number; nothing when it is none, or what is reported is that of the boot loader.
+  [[nodiscard]] std::optional<OsNumber> Os() const;
   // Name of the project that it holds, UTF-8; empty when there is none.
   [[nodiscard]] std::string ProjectText() const;
 };
+
+// Version and build as they are reported, whatever reports them.
+[[nodiscard]] std::optional<OsNumber> OsNumberOf(const VersionInfo& version);
 
 // By its state: the boot loaders' own names differ, and some are models' names.
 [[nodiscard]] inline bool IsBootLoader(const FoundController& controller) {
@@ -42,6 +49,10 @@ struct FoundController {
                                            const std::string& link);
 // The same without serial number and link: "BOOT (boot loader of a K220-22)". Windows-1252, as a model is reported.
 [[nodiscard]] std::string ControllerModelOf(const FoundController& controller, DownloadFamily family);
+
+// That it is of another model than the selected one, a sentence, UTF-8; empty when it is not, or none is known to be
+// selected.
+[[nodiscard]] std::string OtherModelWarning(const FoundController& controller, const std::string& selected);
 
 // What to do with a controller that is found in its boot loader or half loaded, a sentence or two, UTF-8; empty in
 // every other state.

@@ -109,7 +109,8 @@ class ProjectDownload::Run {
                 .now = SideOf(mController),
                 .then = {.model = mFile.Model(), .os = mSender->NeededOs(), .fonts = {}, .project = mFile.Name()},
                 .bytes = traffic.content,
-                .about = TimeOnLink(mWork.link, traffic.bytes, traffic.exchanges)};
+                .about = TimeOnLink(mWork.link, traffic.bytes, traffic.exchanges),
+                .clones = CloneTimeText(mWork.link, mWork.order.backup ? kPassesOfBackup : 0)};
     const std::string old = mController.ProjectText();
     if (!old.empty()) {
       mPreview.losses.push_back("The project \"" + old + "\" in the controller is replaced by \"" + mFile.Name() +
@@ -122,7 +123,7 @@ class ProjectDownload::Run {
       mPreview.warnings.push_back("The project is made for a " + mFile.Model() + ", and the controller is a " + model +
                                   ".");
     }
-    if (const std::string advice = StateAdvice(mController); !advice.empty()) mPreview.warnings.push_back(advice);
+    for (std::string& warning : mWork.WarningsOf(mController)) mPreview.warnings.push_back(std::move(warning));
     mNameWarning = NameWarning();
     if (!mNameWarning.empty()) mPreview.warnings.push_back(mNameWarning);
     if (mWork.order.onPreview) mWork.order.onPreview(mPreview);
@@ -263,6 +264,7 @@ class ProjectDownload::Run {
     while (!after && mWork.GoesOnAfter(after.error())) after = mWork.WhileBusy(find);
     if (!after) return NotIdentified(after.error().link);
     mReview = DownloadReview{SideOf(mController), SideOf(*after)};
+    if (mWork.order.onReview) mWork.order.onReview(*mReview);
     std::vector<std::string> differences = DifferencesFrom(
         {.model = mReview->before.model, .os = mReview->before.os, .fonts = {}, .project = mFile.NameInController()},
         mReview->after);

@@ -30,13 +30,13 @@ struct NoWindow final : DownloadWindow {
 
 }  // namespace
 
-ProjectLook LookAtProject(Channel& link, const ProjectFile& file, const std::string& linkText, Pacer& pacer) {
+ProjectLook LookAtProject(Channel& link, const ProjectFile& file, DownloadOrder order, Pacer& pacer) {
   ProjectLook look;
   Answers yes(true);
   Answers no(false);
   NoWindow window;
   ProjectDownload download(window, yes, pacer);
-  DownloadOrder order{.link = linkText, .isDryRun = true};
+  order.isDryRun = true;
   order.asksBeforeStop = false;
   // Behind this consent the controller may want its password.
   order.promptsOf = [&](DownloadQuestion question) -> Prompts& {

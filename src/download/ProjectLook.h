@@ -16,7 +16,7 @@ struct ProjectLook {
 };
 
 // A dry run that asks nobody and shows nothing. Only reads; stopped through the pacer.
-[[nodiscard]] ProjectLook LookAtProject(Channel& link, const ProjectFile& file, const std::string& linkText,
-                                        Pacer& pacer);
+// `order` names the link and the selected model; the rest of it is left alone.
+[[nodiscard]] ProjectLook LookAtProject(Channel& link, const ProjectFile& file, DownloadOrder order, Pacer& pacer);
 
 }  // namespace kv

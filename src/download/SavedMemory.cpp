@@ -42,13 +42,22 @@ class WithoutOs final : public DumpWindow {
   DumpWindow& mWindow;
 };
 
+DownloadCause CauseOf(const CloneOutcome& outcome) {
+  if (outcome.end == CloneEnd::Stopped) return DownloadCause::User;
+  if (outcome.cause == CloneCause::Link || outcome.cause == CloneCause::Reply) return DownloadCause::Link;
+  return outcome.cause == CloneCause::Unproven ? DownloadCause::Unproven : DownloadCause::Backup;
+}
+
+// Of what comes behind the new O/S.
 DownloadOutcome Failure(const CloneOutcome& outcome, const std::string& what, ControllerLeft left) {
   const bool isStop = outcome.end == CloneEnd::Stopped;
-  return {.end = isStop ? DownloadEnd::Stopped : DownloadEnd::Failed,
-          .cause = isStop ? DownloadCause::User : DownloadCause::Backup,
-          .reason = what + "\n" + outcome.reason,
-          .left = left,
-          .link = outcome.link};
+  DownloadOutcome failure{.end = isStop ? DownloadEnd::Stopped : DownloadEnd::Failed,
+                          .cause = CauseOf(outcome),
+                          .reason = what + "\n" + outcome.reason,
+                          .left = left,
+                          .link = outcome.link};
+  if (isStop) failure.link.code = LinkErrorCode::Stopped;
+  return failure;
 }
 
 std::string DigitsOf(std::string text) {
@@ -106,12 +115,12 @@ std::expected<fs::path, DownloadOutcome> SavedMemory::NewFile(const FoundControl
 }
 
 SavedMemory::Step SavedMemory::Restore(Channel& link, const FoundController& controller) {
-  mContext.pacer.Sleep(kAfterReset);
-  Step done = WriteBack(link, controller);
-  if (!done) {
-    done.error().reason += "\nIts memory is saved in " + Utf8FromPath(mFile) + ": restore it with the cloner.";
-    return done;
+  if (!mIsWritten) {
+    mContext.pacer.Sleep(kAfterReset);
+    if (Step written = WriteBack(link, controller); !written) return written;
+    mIsWritten = true;
   }
+  if (Step compared = Compare(link); !compared) return compared;
   if (mStays) return {};
   std::error_code ignored;
   fs::remove(mFile, ignored);
@@ -120,13 +129,15 @@ SavedMemory::Step SavedMemory::Restore(Channel& link, const FoundController& con
   return {};
 }
 
+std::string SavedMemory::RestoreIt() const {
+  return "\nIts memory is saved in " + Utf8FromPath(mFile) + ": restore it with the cloner.";
+}
+
 SavedMemory::Step SavedMemory::WriteBack(Channel& link, const FoundController& controller) {
-  constexpr const char* kWhat = "The new O/S is in the controller, but its memory could not be written back.";
-  const auto fail = [&](const CloneOutcome& outcome, ControllerLeft left) {
-    DownloadOutcome failure = Failure(outcome, kWhat, left);
-    if (outcome.end == CloneEnd::Stopped) failure.link.code = LinkErrorCode::Stopped;
-    if (outcome.cause == CloneCause::Link || outcome.cause == CloneCause::Reply) failure.cause = DownloadCause::Link;
-    if (outcome.cause == CloneCause::Unproven) failure.cause = DownloadCause::Unproven;
+  const auto fail = [this](const CloneOutcome& outcome, ControllerLeft left) {
+    DownloadOutcome failure =
+        Failure(outcome, "The new O/S is in the controller, but its memory could not be written back.", left);
+    failure.reason += RestoreIt();
     return std::unexpected(std::move(failure));
   };
   const auto begun = link.SendCommand("CCM");
@@ -141,10 +152,27 @@ SavedMemory::Step SavedMemory::WriteBack(Channel& link, const FoundController& c
   if (engine.Outcome().end != CloneEnd::Done) return fail(engine.Outcome(), ControllerLeft::NewOsLoading);
   const auto checked = CheckAfterRestore(engine.Reach(), link, controller.info);
   if (!checked) return fail(checked.error(), ControllerLeft::NewOsLoading);
-  const auto isHeld = IsHeldBy(link);
-  if (!isHeld) return fail(isHeld.error(), ControllerLeft::NewOs);
-  mStays = !*isHeld;
   return {};
+}
+
+// What is all back and only not compared needs no restore, which would stop the machine once more.
+SavedMemory::Step SavedMemory::Compare(Channel& link) {
+  const auto isHeld = IsHeldBy(link);
+  if (isHeld) {
+    mStays = !*isHeld;
+    return {};
+  }
+  const bool differs = isHeld.error().cause == CloneCause::Unproven;
+  DownloadOutcome failure =
+      Failure(isHeld.error(),
+              differs ? "The new O/S is in the controller, but its memory is not what it was."
+                      : "The new O/S is in the controller, and its memory has been written back; whether all of it is "
+                        "there was not found out.",
+              ControllerLeft::NewOs);
+  failure.reason +=
+      differs ? RestoreIt()
+              : "\nWhat it held before stays in " + Utf8FromPath(mFile) + ": compare that with the controller.";
+  return std::unexpected(std::move(failure));
 }
 
 // Every line was answered with OK; what was done is another matter.

@@ -25,7 +25,8 @@ class SavedMemory {
   // or Stopped.
   [[nodiscard]] std::expected<void, DownloadOutcome> Save(Channel& link, const FoundController& controller,
                                                           const std::string& controllerText);
-  // Some seconds after the reset that `controller` has come back from. A failure leaves it NewOs, or NewOsLoading.
+  // Some seconds after the reset that `controller` has come back from. A failure leaves it NewOs, or NewOsLoading. Once
+  // more after one: what has been written back is only compared then.
   [[nodiscard]] std::expected<void, DownloadOutcome> Restore(Channel& link, const FoundController& controller);
 
   // Nothing was saved, or all is proven to be back.
@@ -38,6 +39,8 @@ class SavedMemory {
 
   [[nodiscard]] std::expected<std::filesystem::path, DownloadOutcome> NewFile(const FoundController& controller) const;
   [[nodiscard]] Step WriteBack(Channel& link, const FoundController& controller);
+  [[nodiscard]] Step Compare(Channel& link);
+  [[nodiscard]] std::string RestoreIt() const;
   // Whether the controller holds it now. Values of operands that differ are told, and the file stays: a running program
   // changes them by itself.
   [[nodiscard]] std::expected<bool, CloneOutcome> IsHeldBy(Channel& link);
@@ -46,6 +49,7 @@ class SavedMemory {
   const ProgramPaths& mPaths;
   std::filesystem::path mFile;
   std::string mDigest;  // of the file
+  bool mIsWritten = false;
   bool mStays = false;  // not all of it is proven to be back
 };
 

@@ -46,7 +46,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::RunSteps() {
                                       &C::ReadFiles,
                                       &C::ShowPreview,
                                       &C::CheckBackup,
-                                      &C::AskForSameOs,
+                                      &C::AskForNoNewerOs,
                                       &C::AskToEndLoad,
                                       &C::Confirm,
                                       &C::CheckFontsVersion,
@@ -97,7 +97,10 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFamily() {
 clsAurexOSDownloader::Step clsAurexOSDownloader::ChooseFiles() {
   const AurexOsLists lists = ListAurexOsFiles(mPaths, mModel);
   mChoice = mWindow.ChooseAurexOs(lists);
-  if (!mChoice.os.empty() && !mChoice.fonts.empty()) return {};
+  if (!mChoice.os.empty() && !mChoice.fonts.empty()) {
+    const Step there = mWork->CheckIsThere(mChoice.os, kTelepanel);
+    return there ? mWork->CheckIsThere(mChoice.fonts, kTelepanel) : there;
+  }
   struct Part {
     const FileList& list;
     const std::filesystem::path& chosen;
@@ -111,7 +114,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::ChooseFiles() {
       return Refuse(DownloadCause::File, std::string("There is no ") + part.what + " in " + folder);
     }
     if (part.list.preselected) continue;
-    return Refuse(DownloadCause::File,
+    return Refuse(DownloadCause::NotFit,
                   std::string("No ") + part.what + " was chosen, and none fits this controller in " + folder);
   }
   return Decline();
@@ -157,27 +160,24 @@ DownloadPreview clsAurexOSDownloader::Preview() const {
   DownloadPreview preview{.controller = ControllerName(), .now = SideOf(mFound), .then = {}};
   preview.then.os = NumberText(mOs->number);
   if (mFonts) preview.then.fonts = FontsText(*mFonts);
-  if (!mFonts) preview.warnings.push_back(mFonts.error().Text() + ".");
+  if (std::string why = WhyNoFonts(); !why.empty()) preview.warnings.push_back(std::move(why));
   preview.bytes = StreamBytes(mTransfer);
   // Each chunk and each status goes with a head and a check of 32 bytes, both ways.
   const std::uint64_t exchanges = ChunkCount(mTransfer) + 2 * mTransfer.topics.size() + 4;
   preview.about = TimeOnLink(mWork->link, preview.bytes + 64 * exchanges, exchanges);
+  const int passes = (mChange.NeedsMemorySaved() ? kPassesOfSave : 0) + (mWork->order.backup ? kPassesOfBackup : 0);
+  preview.clones = CloneTimeText(mWork->link, passes);
   preview.losses = mChange.Losses();
   if (const BackupBefore* backup = mWork->order.backup) {
     preview.warnings.push_back("What it holds now is cloned into " + Utf8FromPath(backup->File()) +
                                " first. The download does not write that clone back.");
   }
-  if (mChange.next < mChange.installed) {
-    preview.warnings.emplace_back("The O/S in the file is older than the one in the controller.");
-  }
-  if (const std::string advice = StateAdvice(mFound); !advice.empty()) preview.warnings.push_back(advice);
+  for (std::string& warning : mWork->WarningsOf(mFound, mOs->number)) preview.warnings.push_back(std::move(warning));
   return preview;
 }
 
-// What a boot loader reports is not the O/S.
-clsAurexOSDownloader::Step clsAurexOSDownloader::AskForSameOs() {
-  if (mChange.isInBoot) return {};
-  return mWork->AskForSameOs(ControllerName(), mFound.OsText(), NumberText(mOs->number), kTelepanel);
+clsAurexOSDownloader::Step clsAurexOSDownloader::AskForNoNewerOs() {
+  return mWork->AskForNoNewerOs(mFound, ControllerName(), mOs->number, kTelepanel);
 }
 
 // A question of its own: who wants the O/S need not know that somebody else is at it.
@@ -228,11 +228,17 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::WarnOfDataTypes() {
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::CheckFonts() {
-  if (mFonts && mFonts->model == mOs->model) return {};
+  const std::string why = WhyNoFonts();
+  if (why.empty()) return {};
   mWork->Tell("Illegal Fonts file", PromptIcon::None, "Error");
-  return Refuse(DownloadCause::File, mFonts ? GetFileName(mChoice.fonts) + " holds system fonts for the O/S model " +
-                                                  mFonts->model + ", not for " + mOs->model + "."
-                                            : mFonts.error().Text());
+  return Refuse(mFonts ? DownloadCause::NotFit : DownloadCause::File, why);
+}
+
+std::string clsAurexOSDownloader::WhyNoFonts() const {
+  if (!mFonts) return mFonts.error().Text() + ".";
+  if (mFonts->model == mOs->model) return "";
+  return GetFileName(mChoice.fonts) + " holds system fonts for the O/S model " + mFonts->model + ", not for " +
+         mOs->model + ".";
 }
 
 // A password that is not known is found out in a dry run, too.

@@ -61,7 +61,7 @@ class clsAurexOSDownloader {
   [[nodiscard]] Step ReadFiles();
   [[nodiscard]] Step ShowPreview();
   [[nodiscard]] Step CheckBackup();
-  [[nodiscard]] Step AskForSameOs();
+  [[nodiscard]] Step AskForNoNewerOs();
   [[nodiscard]] Step AskToEndLoad();
   [[nodiscard]] Step Confirm();
   [[nodiscard]] Step CheckFontsVersion();
@@ -96,6 +96,8 @@ class clsAurexOSDownloader {
   [[nodiscard]] bool IsProven() const;
   void TellFoundBoot();
   [[nodiscard]] DownloadPreview Preview() const;
+  // Why the fonts cannot go with the O/S, a sentence; empty when they can.
+  [[nodiscard]] std::string WhyNoFonts() const;
   [[nodiscard]] std::string DoneText() const;
   [[nodiscard]] std::string ControllerName() const;
   [[nodiscard]] Step Refuse(DownloadCause cause, const std::string& reason) const;

@@ -11,7 +11,6 @@
 #include "download/clsAurexOSDownloader.h"
 #include "link/ControllerErrorText.h"
 #include "link/ErrorMeaning.h"
-#include "link/OsVersion.h"
 #include "link/StateText.h"
 
 // From the first command that changes the controller on.
@@ -21,15 +20,6 @@ namespace {
 constexpr std::int16_t kForceBit = 501;
 constexpr Duration kAfterReset = std::chrono::milliseconds(4000);
 constexpr int kNoSuchTypeCode = 0x03;
-
-bool IsNumber(const VersionInfo& version, const OsNumber& number) {
-  return ParsePlainOsVersion(OsVersionText(version)) == number.version &&
-         ParsePlainOsVersion(OsBuildText(version)) == number.build;
-}
-
-std::pair<std::string, std::string> OsNumberOf(const VersionInfo& version) {
-  return {OsVersionText(version), OsBuildText(version)};
-}
 
 }  // namespace
 
@@ -171,7 +161,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckNewOs() {
   };
   if (IsBootLoader(mAfter)) return fail("its boot loader runs", NumberText(mOs->number));
   mWork->left = LeftWhen(mWork->left, mAfter);
-  if (!IsNumber(mAfter.version, mOs->number)) {
+  if (OsNumberOf(mAfter.version) != mOs->number) {
     return fail("it reports the O/S " + mAfter.OsText(), NumberText(mOs->number));
   }
   if (!IsProven()) {
@@ -185,6 +175,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::CheckNewOs() {
                                             : mAfter.version.model == mFound.version.model;
   // A controller does not report its fonts.
   mReview->after.fonts = FontsText(*mFonts) + ", as sent";
+  if (mWork->order.onReview) mWork->order.onReview(*mReview);
   if (isSameModel) return {};
   return fail("it reports itself as a " + mAfter.version.model, mChange.isInBoot ? mModel : mFound.version.model);
 }
@@ -223,6 +214,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::RestoreMemory() {
   while (true) {
     Step done = mMemory.Restore(mWork->link, mAfter);
     if (done) break;
+    mWork->left = done.error().left;
     if (done.error().end != DownloadEnd::Stopped || !mWork->GoesOnAfter(done.error())) return done;
   }
   mWork->left = ControllerLeft::NewOs;
@@ -268,17 +260,17 @@ void clsAurexOSDownloader::AskWhatIsLeft() {
 
 // By a number that it had not before, or by its boot loader.
 bool clsAurexOSDownloader::IsProven() const {
-  return mIsProvenProgrammed || (!mChange.isInBoot && !IsNumber(mFound.version, mOs->number));
+  return mIsProvenProgrammed || (!mChange.isInBoot && OsNumberOf(mFound.version) != mOs->number);
 }
 
 ControllerLeft clsAurexOSDownloader::LeftWhen(ControllerLeft left, const FoundController& runs) const {
   using enum ControllerLeft;
   const bool isTold = left == OsWaits || left == OsPerhaps;
-  const bool isNew = IsNumber(runs.version, mOs->number);
+  const bool isNew = OsNumberOf(runs.version) == mOs->number;
   if (isTold && isNew && IsProven()) return NewOs;
   const bool mayBeNew = isTold || left == OsProgramming;
   if (mChange.isInBoot) return mayBeNew ? SomeOs : OldOs;
-  const bool isOld = OsNumberOf(runs.version) == OsNumberOf(mFound.version);
+  const bool isOld = runs.OsText() == mFound.OsText();
   if (mayBeNew && isNew) return isOld ? SomeOs : NewOs;
   return isOld ? OldOs : SomeOs;
 }

@@ -64,7 +64,7 @@ bool clsBrioQ50OSDownloader::prvWritePlcAppToFlash(Channel& link, const Bytes& a
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::RunSteps() {
   using C = clsBrioQ50OSDownloader;
   constexpr Step (C::* kSteps[])() = {&C::Identify,       &C::ChooseFile,      &C::CheckSuits,   &C::CheckBuilds,
-                                      &C::CheckFile,      &C::ShowBothSides,   &C::CheckBackup,  &C::AskForSameOs,
+                                      &C::CheckFile,      &C::ShowBothSides,   &C::CheckBackup,  &C::AskForNoNewerOs,
                                       &C::GetAccess,      &C::AskToEndLoad,    &C::Confirm,      &C::EndDryRun,
                                       &C::NameOperation,
                                       &C::CheckFile,  // it may have become another one while the questions were open
@@ -98,6 +98,7 @@ clsBrioQ50OSDownloader::Identification clsBrioQ50OSDownloader::AskIdentification
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ChooseFile() {
   if (mGiven) {
     mChosen = *mGiven;
+    if (Step there = mWork->CheckIsThere(mChosen, kTitle); !there) return there;
   } else {
     const FileList list = ListCompactOsFiles(mPaths, mController);
     const std::string missing = "O/S file(s) missing in " + Utf8FromPath(list.folder);
@@ -150,7 +151,7 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ShowBothSides() {
                           .about = TimeOnBootLink()};
   preview.losses.emplace_back("The program stops, and the controller restarts at the end; its project stays.");
   preview.losses.emplace_back("The O/S in the controller is erased, and until the new one is whole it has none.");
-  if (const std::string advice = StateAdvice(mFound); !advice.empty()) preview.warnings.push_back(advice);
+  preview.warnings = mWork->WarningsOf(mFound, mFile->head.number);
   mWork->order.onPreview(preview);
   return {};
 }
@@ -187,10 +188,8 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::GetAccess() {
   return mWork->GetAccess();
 }
 
-// A boot loader tells of no O/S.
-clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::AskForSameOs() {
-  if (mController.isInBoot) return {};
-  return mWork->AskForSameOs(ControllerName(), mFound.OsText(), *FileSide().os, kTitle);
+clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::AskForNoNewerOs() {
+  return mWork->AskForNoNewerOs(mFound, ControllerName(), mFile->head.number, kTitle);
 }
 
 // A question of its own: who wants an O/S downloaded need not know that somebody else is at it.
@@ -286,6 +285,7 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::IdentifyAgain() {
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::HoldAgainstFile(const FoundController& after) {
   mReview = DownloadReview{SideOf(mFound), SideOf(after)};
+  if (mWork->order.onReview) mWork->order.onReview(*mReview);
   const std::vector<std::string> differences = DifferencesOf(after);
   mWork->left = LeftWhen(after);
   if (differences.empty()) {

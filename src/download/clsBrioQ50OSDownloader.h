@@ -63,7 +63,7 @@ class clsBrioQ50OSDownloader {
   [[nodiscard]] Step CheckFile();
   [[nodiscard]] Step ShowBothSides();
   [[nodiscard]] Step CheckBackup();
-  [[nodiscard]] Step AskForSameOs();
+  [[nodiscard]] Step AskForNoNewerOs();
   [[nodiscard]] Step GetAccess();
   [[nodiscard]] Step AskToEndLoad();
   [[nodiscard]] Step Confirm();

@@ -136,6 +136,10 @@ TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
 TEST_F(TelepanelHostTest, AToolThatHasReplacedTheOsIsFollowed) {
   host.Click(command::kOnLine);
   channel->version->osVersion = "4.75";
+  host.OnToolClicked = [&](const std::string&, const std::string&) {
+    host.ControllerTold({"K220-22-R1", "10", "4.74", "1"}, {.projectName = "Mill"});
+    EXPECT_EQ(view.shown.controller->os + view.shown.controller->project, "4.74Mill") << "before it is closed";
+  };
   host.Click("ID_Downloader");
   Pass(std::chrono::seconds(1));
   EXPECT_EQ(view.shown.controller->os, "4.75");

@@ -33,6 +33,8 @@ TEST_F(QtPromptsTest, EveryButtonGivesItsAnswerEnterConsentsWhereNothingIsLostAn
     PromptAnswer answer;
   } cases[] = {
       {Buttons::Ok, false, nullptr, Qt::Key_Escape, Ok},
+      {Buttons::Ok, true, nullptr, Qt::Key_Escape, Cancel},
+      {Buttons::Ok, true, nullptr, Qt::Key_Return, Ok},
       {Buttons::OkCancel, false, "cmdOk", {}, Ok},
       {Buttons::OkCancel, false, nullptr, Qt::Key_Return, Ok},
       {Buttons::OkCancel, true, nullptr, Qt::Key_Return, Cancel},

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "AurexOsFixture.h"
+#include "link/BlockOperations.h"
+#include "tests/support/FullDisk.h"
 
 namespace kv::test {
 namespace {
@@ -168,6 +170,7 @@ TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {
     const char* file;
     std::optional<std::string> content;  // none: it is not there
     std::vector<std::string> said;       // how the boxes begin
+    DownloadCause cause = DownloadCause::File;
   };
   const char* const os = "AurexK220v47503.kos";
   const char* const fonts = "AurexFontv1300.kft";
@@ -177,7 +180,7 @@ TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {
   const Row rows[] = {
       {"fonts of 15 bytes", false, fonts, good.substr(0, 15), illegal},
       {"fonts that are cut", false, fonts, good.substr(0, 100), illegal},
-      {"fonts of another model", false, fonts, SampleFonts("K330", {"1.30", 0}), illegal},
+      {"fonts of another model", false, fonts, SampleFonts("K330", {"1.30", 0}), illegal, DownloadCause::NotFit},
       {"an O/S that is cut", false, os, otherOs.substr(0, 1000), {"Telepanel: "}},
       {"no O/S", false, os, {}, {}},
       {"no fonts", false, fonts, {}, {}},
@@ -196,10 +199,15 @@ TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {
     fixture.desk.onBox = [&](const MessageBox&) {
       if (row.isAsked) change();
     };
+    std::string shown;
+    fixture.order.onPreview = [&](const DownloadPreview& preview) {
+      for (const std::string& warning : preview.warnings) shown += warning;
+    };
     EXPECT_FALSE(fixture.Download());
-    EXPECT_EQ(fixture.outcome.cause, DownloadCause::File);
+    EXPECT_EQ(fixture.outcome.cause, row.cause);
     EXPECT_EQ(fixture.outcome.left, ControllerLeft::Untouched);
     EXPECT_NE(fixture.outcome.reason, "");
+    EXPECT_EQ(row.said == illegal, shown.contains("AurexFont")) << "it is seen before: " << shown;
     EXPECT_THAT(fixture.controller->told, IsEmpty());
     ASSERT_EQ(fixture.desk.said.size(), row.said.size());
     for (std::size_t i = 0; i < row.said.size(); ++i) EXPECT_TRUE(fixture.desk.said[i].starts_with(row.said[i]));
@@ -207,7 +215,7 @@ TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {
 }
 
 TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
-  enum class At { SecondChunk, Reset, MemoryLine };
+  enum class At { SecondChunk, Reset, MemoryLine, Compared };
   struct Row {
     At at;  // where the stop comes
     bool isDryRun;
@@ -225,19 +233,29 @@ TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
       {At::Reset, false, true, false, DownloadEnd::Done, ControllerLeft::NewOs},
       {At::Reset, false, true, true, DownloadEnd::Stopped, ControllerLeft::NewOs},
       {At::MemoryLine, false, true, true, DownloadEnd::Stopped, ControllerLeft::NewOsLoading},
+      {At::Compared, false, true, false, DownloadEnd::Done, ControllerLeft::NewOs},
+      {At::Compared, false, true, true, DownloadEnd::Stopped, ControllerLeft::NewOs},
   };
   for (const Row& row : rows) {
-    AurexOsFixture fixture(Plc("K220-22-R1", row.at == At::MemoryLine ? "3.73" : "4.60"));
+    const bool hasMemory = row.at == At::MemoryLine || row.at == At::Compared;
+    AurexOsFixture fixture(Plc("K220-22-R1", hasMemory ? "3.73" : "4.60"));
     fixture.Put();
     int lines = 0;
+    int compared = 0;
+    bool isBack = false;
     fixture.desk.onMemoryLine = [&] {
-      if (++lines == 100) fixture.pacer.RequestStop();
+      if (++lines == 100 && row.at == At::MemoryLine) fixture.pacer.RequestStop();
     };
     fixture.desk.onProgress = [&](std::int64_t current, std::int64_t) {
       if (row.at == At::SecondChunk && current == 2) fixture.pacer.RequestStop();
     };
     fixture.controller->onText = [&](std::string_view text, const sim::TextReply&) {
       if (row.at == At::Reset && text == "CCE") fixture.pacer.RequestStop();
+      isBack = isBack || text.starts_with("ED");
+    };
+    fixture.controller->onBlock = [&](const sim::BlockRequest& request, const sim::BlockReply&) {
+      const bool reads = row.at == At::Compared && isBack && request.opCode == BlockOperation::kMemory;
+      if (reads && ++compared == 5) fixture.pacer.RequestStop();
     };
     fixture.desk.declined = row.isMeant ? "" : kStopQuestion;
     fixture.order.isDryRun = row.isDryRun;
@@ -250,12 +268,39 @@ TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
     const auto isStop = [](const MessageBox& box) { return box.text.contains(kStopQuestion); };
     EXPECT_EQ(std::ranges::any_of(fixture.desk.boxes, isStop), row.asks && !row.isDryRun);
     EXPECT_EQ(fixture.controller->told.empty(), row.isDryRun);
-    EXPECT_EQ(fixture.outcome.reason.contains("Memory of "), row.left == ControllerLeft::NewOsLoading);
+    EXPECT_EQ(fixture.outcome.reason.contains("Memory of "), hasMemory && row.isMeant);
+    EXPECT_EQ(fixture.outcome.reason.contains("has been written back"), row.at == At::Compared && row.isMeant);
+    EXPECT_EQ(std::ranges::count(fixture.controller->told, "CCM"), !hasMemory                                 ? 0
+                                                                   : row.at == At::MemoryLine && !row.isMeant ? 2
+                                                                                                              : 1)
+        << "what has been written back is only compared again";
     ASSERT_TRUE(preview);
     EXPECT_EQ(preview->then.os, "4.75 (B03)");
     EXPECT_EQ(preview->then.fonts, "1.30 (B0)");
   }
 }
+
+#ifndef _WIN32
+TEST(AurexOsSending, ClonesBeforeItGoOnADiskWithRoom) {
+  for (const bool isFull : {false, true}) {
+    AurexOsFixture fixture(Plc("K220-22-R1", isFull ? "3.73" : "4.60"));
+    fixture.Put();
+    const std::filesystem::path file = fixture.home.Path() / "before.kdf";
+    BackupBefore backup(file, {fixture.desk, fixture.desk, fixture.desk, fixture.pacer, fixture.pacer});
+    if (!isFull) fixture.order.backup = &backup;
+    std::string clones;
+    fixture.order.onPreview = [&](const DownloadPreview& preview) { clones = AmountText(preview); };
+    std::optional<FullDisk> full;
+    if (isFull) full.emplace();
+    EXPECT_EQ(fixture.Download(), !isFull) << fixture.outcome.reason;
+    EXPECT_THAT(clones, HasSubstr(isFull ? "goes over it 3 times" : "goes over it 2 times"));
+    EXPECT_EQ(fixture.outcome.cause, isFull ? DownloadCause::Backup : DownloadCause::None);
+    EXPECT_EQ(fixture.outcome.left, isFull ? ControllerLeft::Untouched : ControllerLeft::NewOs);
+    EXPECT_EQ(std::filesystem::exists(file), !isFull);
+    EXPECT_EQ(std::ranges::count(fixture.controller->told, "CCB"), isFull ? 0 : 1);
+  }
+}
+#endif
 
 }  // namespace
 }  // namespace kv::test

@@ -111,6 +111,8 @@ TEST(AurexOs, EverythingIsAskedInItsOrderAndNothingIsSentBefore) {
       {"2.00", false, "2.01", "1.29", 0, Done, "stop bios reset "},
       {"2.01", false, "2.50", "1.29", 0, Done, "stop reset "},
       {"4.60", true, "4.75", "1.30", 0, Done, "stop bios types reset "},
+      {"4.75", false, "4.60", "1.30", 1, Declined, "(The O/S 4.60) "},
+      {"4.75", false, "4.60", "1.30", 0, Done, "(The O/S 4.60) stop reset "},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.installed) + " to " + row.next + " at " + std::to_string(row.noAt));
@@ -121,6 +123,11 @@ TEST(AurexOs, EverythingIsAskedInItsOrderAndNothingIsSentBefore) {
     fixture.desk.declinedAt = row.noAt;
     if (row.noAt == 2) fixture.desk.bios = BiosAnswer::Abort;
     const std::string before = fixture.Memory();
+    int waits = 0;  // of 4 seconds, in which nothing is sent
+    fixture.controller->onText = [&, last = fixture.pacer.Now()](std::string_view, auto&) mutable {
+      const Duration gap = fixture.pacer.Now() - std::exchange(last, fixture.pacer.Now());
+      waits += gap >= std::chrono::seconds(4) && gap < std::chrono::milliseconds(4500) ? 1 : 0;
+    };
     (void)fixture.Download();
     EXPECT_EQ(fixture.outcome.end, row.end) << fixture.outcome.reason;
     EXPECT_EQ(Said(fixture.desk), row.said);
@@ -130,6 +137,7 @@ TEST(AurexOs, EverythingIsAskedInItsOrderAndNothingIsSentBefore) {
     }
     EXPECT_THAT(fixture.controller->Truth(), HasSubstr(std::string("|") + row.next + "|03|R"));
     if (isForced) {
+      EXPECT_EQ(waits, 2) << "before the bit and before the memory";
       EXPECT_EQ(fixture.Memory(), before) << "it is back";
       EXPECT_TRUE(std::filesystem::is_empty(fixture.paths.Temporary()));
       for (const char* note : {"Note .*saved in .*Memory of .*kdf", "Note .*was deleted: .*Memory of .*kdf"}) {

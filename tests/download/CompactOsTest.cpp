@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "CompactOsFixture.h"
+#include "tests/support/FakeChannel.h"
 
 namespace kv::test {
 namespace {
@@ -17,29 +18,35 @@ TEST(CompactOs, EveryModelGetsItsOwnOnEveryKindOfLine) {
   struct Row {
     const char* model;
     const char* told;
-    Duration waits;
+    bool waits = false;  // while the boot loader or the O/S comes up, and behind the erase
   };
   const Row rows[] = {
-      {"Q50", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE", 1s},
-      {"Q50Net", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE", 1s},
-      {"Q51", "CCS CCS CCB CPSR010A FS05 OSE0 OSP0 CCE", 1s},
-      {"Q58", "CCS CCS CCB CPSR010A FS05 OSE0 OSP0 CCE", 1s},
-      {"PX1", "CCS CCS CCB FS05 OSC7F OSP0 CCE", 1s},
-      {"PR1", "CCS CCS CCB FS05 OSC7F OSP0 CCE", 1s + 2 * 4000ms + 5000ms},
-      {"BRIO", "CCS CCS CCB FS05 OSC7F OSP0 CCE", 1s},
+      {"Q50", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE"},
+      {"Q50Net", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE"},
+      {"Q51", "CCS CCS CCB CPSR010A FS05 OSE0 OSP0 CCE"},
+      {"Q58", "CCS CCS CCB CPSR010A FS05 OSE0 OSP0 CCE"},
+      {"PX1", "CCS CCS CCB FS05 OSC7F OSP0 CCE"},
+      {"PR1", "CCS CCS CCB FS05 OSC7F OSP0 CCE", true},
+      {"BRIO", "CCS CCS CCB FS05 OSC7F OSP0 CCE"},
   };
+  const std::pair<const char*, Duration> waits[] = {{"CCB", 4s}, {"OSC7F", 5s}, {"CCE", 4s}};
   for (const Row& row : rows) {
     for (const bool isSerial : {true, false}) {
       for (const bool boot : {false, true}) {
         SCOPED_TRACE(std::string(row.model) + (isSerial ? " serial" : "") + (boot ? " in boot" : ""));
         CompactOsFixture fixture(Plc(row.model, "", boot), isSerial);
-        const Instant start = fixture.pacer.Now();
+        const auto gaps = fixture.Gaps();
         EXPECT_TRUE(fixture.Download()) << OutcomeText(fixture.outcome);
+        for (const auto& [command, wait] : waits) {
+          if (!gaps->contains(command)) continue;
+          EXPECT_EQ((*gaps)[command] >= wait, row.waits) << command;
+          EXPECT_LT((*gaps)[command], wait + 500ms) << command;
+        }
+        EXPECT_GE((*gaps)["CCS"], boot ? 0ms : 500ms);
         const std::string enter = "CCS CCS CCB ";
         EXPECT_EQ(fixture.Told(), boot ? row.told + enter.size() : row.told);
         EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
         EXPECT_EQ(fixture.desk.said.size(), boot ? 1U : 2U);
-        EXPECT_GE(fixture.pacer.Now() - start, boot ? 0s : row.waits);
         EXPECT_EQ(fixture.Link()->GetComParams().baudRate, isSerial ? kUsualBaud : 0) << "as it was before";
       }
     }
@@ -61,9 +68,19 @@ TEST(CompactOs, WhatDoesNotFitIsRefusedAndNothingIsSent) {
     }
   }
   CompactOsFixture none(Plc("PR1"));
-  std::filesystem::remove_all(none.home.Path() / "OS" / "OSPR");
-  EXPECT_FALSE(none.Download());
-  EXPECT_THAT(none.desk.said, ElementsAre(testing::StartsWith("O/S Downloader: O/S file(s) missing in ")));
+  for (const bool isEmpty : {true, false}) {
+    std::filesystem::remove_all(none.home.Path() / "OS" / "OSPR");
+    if (isEmpty) std::filesystem::create_directories(none.home.Path() / "OS" / "OSPR");
+    EXPECT_FALSE(none.Download());
+    EXPECT_THAT(none.desk.said, ElementsAre(testing::StartsWith("O/S Downloader: O/S file(s) missing in ")));
+  }
+  CompactOsFixture older(Plc("Q51", "4.90"));
+  older.desk.declined = "is older than the one in the controller";
+  EXPECT_FALSE(older.Download());
+  EXPECT_EQ(older.Told() + (older.desk.said.size() == 1 ? "" : "asked more"), "");
+  older.file = "gone.OSI";
+  EXPECT_FALSE(older.Download());
+  EXPECT_THAT(older.desk.said, ElementsAre(testing::StartsWith("O/S Downloader: gone.OSI"))) << "not: it does not fit";
   CompactOsFixture other(Plc("K330"));
   EXPECT_FALSE(other.Download());
   EXPECT_EQ(other.outcome.end, DownloadEnd::Refused);
@@ -200,6 +217,27 @@ TEST(CompactOs, AnOsOfTheSameNumberIsNoNewOne) {
   fixture.UseFaults({"reset:on=OS,nth=1"});
   EXPECT_FALSE(fixture.Download());
   EXPECT_EQ(fixture.outcome.left, ControllerLeft::OldOs);
+}
+
+// A link whose parameters cannot be set is opened anew, at the speed that the boot loader is told.
+TEST(CompactOs, ALinkThatCannotBeSetIsOpenedAgain) {
+  Desk desk;
+  VirtualPacer pacer;
+  const DownloadOrder order;
+  FakeChannel link;
+  link.succeeds = true;
+  link.reply = CommandReply{"CPOK00"};
+  link.onCall = [&link](const std::string& call) {
+    return !call.starts_with("SetComParams") || std::ranges::count(link.calls, call) > 0;
+  };
+  DownloadWork work(link, desk, desk, pacer, order);
+  EXPECT_TRUE(CompactBootLoader(work, CompactKind::PX1, 0).AgreeOnSpeed());
+  EXPECT_THAT(link.calls, ElementsAre("SetComParams fake", "SetComParams fake", "OpenLink 0 115200",
+                                      "SendCommand CPSR0007", "SetComParams fake", "OpenLink 0 9600"));
+  EXPECT_EQ(link.params.mode + link.params.baudRate, 9600);
+  link.calls.clear();
+  EXPECT_TRUE(CompactBootLoader(work, CompactKind::PR1, 0).Enter());
+  EXPECT_EQ(link.calls.back(), "OpenLink 0 9600");
 }
 
 TEST(CompactOs, AnApplicationGoesFromOneControllerIntoAnother) {

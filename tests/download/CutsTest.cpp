@@ -209,6 +209,8 @@ const std::vector<Cut> kReplyCuts = {
     {"cut:after=9,nth=", 0, 0},
 };
 
+const std::vector<Cut> kLostAnswers = {{"lost:at=0,away=60000,nth=", 20, 42}};
+
 const std::vector<Download> kDownloads = {
     {"AurexProject", Sent::Project, Plc(kAurex), kProjectCuts},
     {"CompactProject", Sent::Project, Plc(kCompact), kProjectCuts},
@@ -219,10 +221,14 @@ const std::vector<Download> kDownloads = {
     {"Q51SerialInBoot", Sent::CompactOs, Plc("Q51", "", true), kCompactOsCuts},
     {"Q50Serial", Sent::CompactOs, Plc("Q50"), kCompactOsCuts},
     {"PR1Serial", Sent::CompactOs, Plc("PR1"), kCompactOsCuts},
+    {"PX1Serial", Sent::CompactOs, Plc("PX1"), kCompactOsCuts},
 };
 const std::vector<Download> kOthers = {
     {"AurexOsWithMemory", Sent::AurexOs, Plc(kAurex, "3.73"), kMemoryCuts, true, 900},
     {"Q51Replies", Sent::CompactOs, Plc("Q51"), kReplyCuts},
+    {"BRIOReplies", Sent::CompactOs, Plc("BRIO"), kReplyCuts},
+    {"AurexProjectReplies", Sent::Project, Plc(kAurex), kLostAnswers},
+    {"CompactProjectReplies", Sent::Project, Plc(kCompact), kLostAnswers},
 };
 
 std::string NameOf(const testing::TestParamInfo<Download>& row) {

@@ -76,6 +76,7 @@ struct Desk : DownloadWindow, KnowingPrompts, SilentCloner {
     if (box.text.ends_with("Retry?")) return retries-- > 0 ? PromptAnswer::Yes : PromptAnswer::No;
     EXPECT_TRUE(box.canLose || box.buttons == PromptButtons::Ok) << box.text;
     const bool isDeclined = (!declined.empty() && box.text.contains(declined)) || said.size() == declinedAt;
+    if (isDeclined && box.buttons == PromptButtons::Ok) return PromptAnswer::Cancel;  // it was closed
     return isDeclined ? LeastCommitting(box.buttons) : Consent(box.buttons);
   }
 

@@ -101,6 +101,7 @@ TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
       {"takes the O/S away", kCompact, ofOs, "", "", Failed, kFile, "Line 12 of the project file: this command is for"},
       {"loading", kAurex, "", "CCM", "End that load?", Declined, User, "was not to be ended"},
       {"loading", kCompact, "", "CCM", "End that load?", Declined, User, "was not to be ended"},
+      {"box closed", kCompact, "", "", "about to enter Stop", Stopped, User, "was closed without OK"},
       {"changed", kAurex, "", "", "", Failed, kFile, "has been changed since", change},
       {"vanished", kAurex, "", "", "", Failed, kFile, "Hall 7.dai", vanish},
       {"somebody else", kAurex, "", "", "", Failed, Link, "Somebody else has begun to load", load},

@@ -108,6 +108,9 @@ class DownloaderWindowTest : public ToolWindowFixture<frmDownloader, YesUser> {
     }
     return "no row";
   }
+  [[nodiscard]] std::string FirstHead() const {
+    return Find<QTableWidget>(*window, "tblSides").horizontalHeaderItem(0)->text().toStdString();
+  }
   // Pointer and commands while the user is asked something.
   [[nodiscard]] std::string Look() const {
     return Pointer() +
@@ -175,6 +178,7 @@ TEST_F(DownloaderWindowTest, KnowsWhichDownloadsTheControllerTakesAndInWhatState
     fixture.host.model = "K220-22-R1";
     Press("cmdDownloadOS");
     EXPECT_THAT(prompts.boxes.back().text, HasSubstr(box));
+    EXPECT_THAT(Text("lblAdvice"), HasSubstr("but the selected model is K220-22-R1"));
   }
 }
 
@@ -215,6 +219,8 @@ TEST_F(DownloaderWindowTest, SelectsAFileAndShowsWhatItIs) {
 
   PlugIn({.model = "Q50"});
   Open();
+  Select(aurex);
+  EXPECT_THAT(Information(), HasSubstr("hall.dai is a project for a K390, which is of another family"));
   Select(compact);
   EXPECT_THAT(Text("lblPreview"), HasSubstr("made for a Q51-2-R34, and the controller is a Q50"));
   PlugIn({.model = "K390"});
@@ -239,9 +245,11 @@ TEST_F(DownloaderWindowTest, SendsAProjectOfEachFamilyAndShowsTheControllerBefor
     const fs::path backup = fixture.home.Path() / "before.kdf";
     fs::remove(backup);
     std::vector<std::string> looks;
-    prompts.onAsk = [&](const std::string&) {
+    std::string rowAtSuccess;
+    prompts.onAsk = [&](const std::string& asked) {
       looks.push_back(Look());
       window->close();
+      if (asked.contains("successful")) rowAtSuccess = Row("Project");
     };
     prompts.boxes.clear();
     Select(fixture.home.Put(isCompact ? "hall.d50" : "hall.dai", SampleProject(model)));
@@ -255,6 +263,11 @@ TEST_F(DownloaderWindowTest, SendsAProjectOfEachFamilyAndShowsTheControllerBefor
     EXPECT_THAT(looks, AllOf(Not(IsEmpty()), Each("hourglass Stop")));
     EXPECT_EQ(Look(), kReadyLook);
     EXPECT_EQ(Row("Project").substr(Row("Project").find(" > ")), " > Hall 7 > Hall 7") << model;
+    EXPECT_EQ(FirstHead(), "Controller before");
+    EXPECT_EQ(rowAtSuccess, Row("Project")) << "before the box is answered";
+    if (!isCompact) {
+      EXPECT_THAT(prompts.dialogs.back().initial, ::testing::ContainsRegex("-....-..-..-......\\.kdf"));
+    }
     EXPECT_THAT(Information(), HasSubstr("has ended well"));
     EXPECT_THAT(Text("lblPreview"), HasSubstr("on this link"));
     EXPECT_EQ(Text("lblAdvice"), "");
@@ -308,7 +321,9 @@ TEST_F(DownloaderWindowTest, SendsAnOsOfEachFamilyAndShowsTheControllerBeforeAnd
     QObject::connect(&Find<QProgressBar>(*window, "ProgressBar1"), &QProgressBar::valueChanged, window.get(),
                      [&bar](int value) { bar.push_back(value); });
     Press("cmdDownloadOS");
-    EXPECT_TRUE(std::is_sorted(bar.begin(), bar.end() - 1)) << "it is that of the whole, up to its end";
+    EXPECT_EQ(*(std::is_sorted_until(bar.begin(), bar.end()) - 1), 10'000) << "it is that of the whole, up to its end";
+    window->Programmed(89);
+    EXPECT_EQ(Text("lblPresent"), "89%") << "and then that of the programming";
     EXPECT_TRUE(window->isVisible()) << "closing is refused";
     EXPECT_THAT(looks, AllOf(Not(IsEmpty()), Each("hourglass Stop")));
     EXPECT_THAT(Row("O/S"), ::testing::EndsWith(" > 4.75 (B03) > 4.75 (B03)")) << Information();
@@ -340,6 +355,10 @@ TEST_F(DownloaderWindowTest, StopsWhenToldToAndSaysWhatTheControllerIsLeftAs) {
   EXPECT_EQ(Look(), kReadyLook);
   EXPECT_EQ(Text("lblStatus"), "");
 
+  prompts.no = "Start it now?";
+  Press("cmdStart");
+  EXPECT_THAT(prompts.boxes.back().text, HasSubstr("what was sent of it is given up"));
+  prompts.no = "nothing asks this";
   Press("cmdIdentify");
   ASSERT_TRUE(driver.GetChannel()->SendCommand("CCR") && driver.GetChannel()->StopController(1));
   Press("cmdIdentify");
@@ -388,6 +407,7 @@ TEST_F(DownloaderWindowTest, SavesTheMemoryWithASecondTryForThePassword) {
   const sim::Model& model = ModelCalled("K220-22-R1");
   fixture.home.Put(folder + sim::OsFileName(model, {"3.74", 3}), SampleOs("K220-22-R1", {"3.74", 3}, 3000));
   fixture.home.Put(folder + sim::FontsFileName({"1.30", 0}), SampleFonts("K220-22-R1", {"1.30", 0}));
+  const fs::path project = fixture.home.Put("hall.dai", SampleProject("K220-22-R1"));
   struct Case {
     std::deque<std::optional<std::string>> passwords;  // the first one gives access
     const char* no;                                    // is answered to this
@@ -403,9 +423,12 @@ TEST_F(DownloaderWindowTest, SavesTheMemoryWithASecondTryForThePassword) {
   for (const Case& each : cases) {
     PlugIn({.model = "K220-22-R1", .password = "77", .os = "3.73"});
     Open();
+    Select(project);
     prompts.passwords = each.passwords;
     prompts.no = each.no;
     prompts.inputs.clear();
+    prompts.boxes.clear();
+    prompts.onAsk = [&](const std::string&) { EXPECT_EQ(Shown(), "||") << "no project is sent"; };
     WhenOpen<frmIncompatibleBios>(*window, [](frmIncompatibleBios& warning) {
       Find<QAbstractButton>(warning, "chkDelete").click();
       Find<QAbstractButton>(warning, "cmdContinue").click();
@@ -416,6 +439,13 @@ TEST_F(DownloaderWindowTest, SavesTheMemoryWithASecondTryForThePassword) {
     });
     Press("cmdDownloadOS");
     for (const char* told : each.told) EXPECT_THAT(Information() + Row("System fonts"), HasSubstr(told));
+    EXPECT_EQ(Shown(), "hall.dai|Hall 7|K220-22-R1|ready");
+    const bool isDone = Information().contains("has ended well");
+    EXPECT_EQ(FirstHead() + Row("Project").substr(Row("Project").find(" > ")),
+              isDone ? "Controller before > - > (none)" : "Controller now > Hall 7 > ");
+    for (const MessageBox& box : prompts.boxes) {
+      EXPECT_TRUE(!box.text.contains("about to STOP, Continue?") || box.text.starts_with("For the clone")) << box.text;
+    }
     EXPECT_TRUE(prompts.passwords.empty());
     for (const InputBox& box : prompts.inputs) EXPECT_THAT(box.text + box.hint, HasSubstr("K220-22-R1, serial number"));
   }

@@ -11,6 +11,7 @@
 #include <QRegularExpression>
 #include <QTableView>
 #include <QTableWidget>
+#include <QToolBar>
 #include <fstream>
 #include <sstream>
 
@@ -59,6 +60,10 @@ TEST_F(MainWindowTest, AControllerOfEachKindGoesOnLine) {
       EXPECT_EQ(Text(window, "lblErrors"), "0");
       EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), each.becomes);
       EXPECT_FALSE(Find<QComboBox>(window, "cboModel").isEnabled());
+      const std::string exchanges = Text(window, "lblExchanges");
+      Trigger(window, "HOST_Trace");
+      QApplication::processEvents();
+      EXPECT_NE(Text(window, "lblExchanges"), exchanges) << "it is asked at once, behind each command";
       Trigger(window, "HOST_OffLine");
       EXPECT_EQ(Text(window, "lblOnline"), "Off line");
       EXPECT_EQ(Text(window, "lblModel"), "-");
@@ -209,6 +214,11 @@ TEST_F(MainWindowTest, EveryToolWindowOpensFromTheMenu) {
   Run([&](QMainWindow& window) {
     ExpectCommandsCanBeRead(window);
     ExpectControlsCanBeRead(window);
+    for (const int width : {1600, 600}) {
+      window.resize(width, window.height());
+      const auto style = width > 1000 ? Qt::ToolButtonTextUnderIcon : Qt::ToolButtonIconOnly;
+      EXPECT_TRUE(WaitUntil([&] { return Find<QToolBar>(window, "toolBar").toolButtonStyle() == style; })) << width;
+    }
     for (const ToolWindowRow& row : ToolWindowTable()) {
       bool isOpen = false;
       WhenOpen<QDialog>(window, [&](QDialog& dialog) {

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "KvCmDrv1/ports/SimulatedPort.h"
 #include "tests/download/Samples.h"
 #include "tests/kvtele/CommandFixture.h"
 
@@ -26,6 +27,9 @@ struct DownloadVerbs : ::testing::Test {
     PutFile(aurex / "K330/AurexK330v47503.kos", SampleOs("K330", {"4.75", 3}));
     PutFile(aurex / "K222/AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
     PutFile(fixture.home.Path() / "OS/OS51/Q51v4712.OSI", SampleOs("Q51", {"4.71", 2}));
+    fixture.home.Put("AurexFontv1300.kft", SampleFonts("K220-22-R1", {"1.30", 0}));
+    fixture.home.Put("AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
+    PutFile(fixture.home.Path() / "cut/AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}).substr(0, 300));
   }
 };
 
@@ -96,6 +100,10 @@ TEST_F(DownloadVerbs, WhatGoesInIsAskedAboutAndReportedAfterwards) {
 
 // Neither into one that runs its boot loader, nor when everything is consented to beforehand.
 TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
+  // Commands and block messages that change something, in either family.
+  constexpr const char* kChanging =
+      "/01(CC[BSEMR]|FS05|OS[ECP]|FW|CB0A|CPSR|W[DO]|DE|L[ND]|PV)|: block .*(project|program|download data|transfer)";
+  const auto isCompactFile = [](const std::string& file) { return file.ends_with(".d50"); };
   std::vector<std::string> files = {"hall.dai", "hall.d50"};
   for (const char* name : {"K220-22-R1", "K220-32", "K330", "Q50", "Q51", "Q58", "PX1", "PR1"}) {
     const sim::OsVersion os{name[0] == 'K' ? "4.75" : "4.71", 2};
@@ -112,9 +120,17 @@ TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
       int done = 0;
       for (const std::string& file : files) {
         SCOPED_TRACE(name + " " + file + (boot ? " in boot" : ""));
-        const Result result =
-            fixture.On("'" + name + "'", "--yes --password 1 download os --lose-project --lose-values --file @" + file +
-                                             (file.ends_with(".kos") ? " --fonts @AurexFontv1300.kft" : ""));
+        const bool isProject = file.starts_with("hall");
+        const bool hasFonts = isAurex || file.ends_with(".kos");
+        const std::string given = " --file @" + file + (hasFonts ? " --fonts @AurexFontv1300.kft" : "");
+        const std::string yes = "--yes --password 1 download ";
+        if (isProject) {
+          const Result sent = fixture.On("'" + name + "'", yes + "project @" + file);
+          const bool fits = !boot && model.reported == (isCompactFile(file) ? "Q50-2-R34" : "K220-22-R1");
+          EXPECT_EQ(sent.exit == 0, fits) << sent.err;
+          EXPECT_EQ(::testing::Value(sent.trace, ::testing::ContainsRegex(kChanging)), fits) << sent.trace;
+        }
+        const Result result = fixture.On("'" + name + "'", yes + "os --lose-project --lose-values" + given);
         if (result.exit == 0) {
           ++done;
           fixture.ReplaceController(name);
@@ -122,7 +138,7 @@ TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
           continue;
         }
         EXPECT_EQ(result.exit, 4) << result.err;
-        EXPECT_THAT(result.trace, Not(::testing::ContainsRegex("/01(CC[BSE]|FS05|OS[ECP])")));
+        EXPECT_THAT(result.trace, Not(::testing::ContainsRegex(kChanging)));
       }
       EXPECT_EQ(done, model.HasColour() ? 0 : 1) << name;
     }
@@ -135,17 +151,42 @@ TEST_F(DownloadVerbs, AnOsThatLaysOutTheMemoryAnewWantsTwoConsentsMore) {
   const std::string download = "--yes --password 1 download os";
   EXPECT_THAT(fixture.On("K220-22-R1", download + " --dry-run").err,
               HasSubstr("about to STOP, Continue? [y/N] yes (--dry-run)"));
-  EXPECT_EQ(fixture.On("K220-22-R1", "--yes download os --dry-run").exit, 1) << "the clone wants a password";
+  EXPECT_EQ(fixture.On("K220-22-R1", "--yes download os --dry-run").exit, 4) << "the clone wants a password";
   EXPECT_THAT(fixture.On("K220-22-R1", download).err, HasSubstr("--lose-project consents"));
   EXPECT_THAT(fixture.On("K220-22-R1", download + " --lose-project").err, HasSubstr("--lose-values consents"));
   const Result done = fixture.On("K220-22-R1", download + " --lose-project --lose-values");
   EXPECT_EQ(done.exit, 0) << done.err;
   EXPECT_THAT(done.err, HasSubstr("Clone Restore Successfully."));
+
+  fixture.options.osVersion = "4.90";  // newer than all that there is
+  EXPECT_THAT(fixture.On("Q51", "--yes download os").err, HasSubstr("--older-os consents"));
+  EXPECT_EQ(fixture.On("Q51", "--yes download os --older-os").exit, 0);
+  fixture.home.Put("Sessions/Default/KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=K330\r\n");
+  fixture.home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nModel=Q51\r\n");
+  EXPECT_THAT(fixture.Run("download os --dry-run").err,
+              HasSubstr("is of the model Q51, but the selected model is K330"));
+}
+
+TEST_F(DownloadVerbs, ABootLoaderIsFoundAtItsSpeed) {
+  sim::SimulatorOptions options;
+  options.model = "Q51";
+  options.boot = true;
+  options.baud = 57600;
+  const auto controller = sim::SimulatedController::Create(options).value();
+  fixture.makePort = [&](const LinkSettings& link, Pacer&, ListeningSocket*) {
+    auto port = std::make_unique<SimulatedPort>(controller->NewLine(), "", fixture.pacer);
+    EXPECT_TRUE(port->SetBaudRate(link.baudRate));
+    return port;
+  };
+  const Result refused = fixture.Run("--link serial:COM3,19200 download project @hall.d50 --dry-run");
+  EXPECT_EQ(refused.exit, 4);
+  EXPECT_THAT(refused.err, AllOf(HasSubstr("found at 57600 baud"), HasSubstr("if there is still one in it")));
 }
 
 TEST_F(DownloadVerbs, ABackupIsTakenFirst) {
   const std::string download = "--yes --password 1 download project @q50.dai --backup @before.kdf ";
   EXPECT_EQ(fixture.On("AurexQ50", download).exit, 2) << "nobody can be asked whether the program may be stopped";
+  EXPECT_EQ(fixture.On("AurexQ50", download + "--dry-run").exit, 0) << "which only shows the question";
   const Result done = fixture.On("AurexQ50", download + "--stop");
   EXPECT_EQ(done.exit, 0) << done.err;
   EXPECT_EQ(fixture.Run("clone info @before.kdf").exit, 0);
@@ -165,7 +206,7 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
       {"--link sim:Q50 download project @hall.d50 --yes --password 1 --backup @b.kdf --stop", 4, "backup", "cannot be"},
       {"--link sim:Q50 download project @hall.d50 --yes", 5, "differs", "at address 000040 of the project memory",
        "lie:on=LD,nth=2"},
-      {"--link sim:K220-22-R1 download project @hall.dai --yes", 7, "unsure", "its old project is still there",
+      {"--link sim:K220-22-R1 download project @hall.dai --yes", 7, "unsure", "what it held before is still there",
        "lost:on=block,nth=3,away=60000"},
       {"--link sim:Q50 download project @hall.d50 --yes", 4, "refused", "old project is erased",
        "refuse:on=LD,code=0D"},
@@ -173,10 +214,15 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
       {"download os --list --dry-run", 2, "usage", "--list only shows"},
       {"download project @hall.dai --lose-values", 2, "usage", "mean nothing with project"},
       {"--link sim:K670-T40 download os", 4, "notFit", "There is a mismatch between PLC Type"},
-      {"--link sim:K330 download os", 4, "badFile", "--fonts FILE.kft"},
+      {"--link sim:K330 download os", 6, "badFile", "--fonts FILE.kft"},
       {"--link sim:K330 download os --file @q50.OSI", 4, "notFit", "name a .kos file"},
-      {"--link sim:K220-32 download os --file @q50.dai", 4, "badFile", "There is no file of system fonts"},
-      {"--link sim:K220-32 download os", 4, "badFile", "No O/S file was chosen, and none fits"},
+      {"--link sim:K220-32 download os --file @q50.dai", 6, "badFile", "There is no file of system fonts"},
+      {"--link sim:K220-32 download os", 4, "notFit", "No O/S file was chosen, and none fits"},
+      {"--link sim:K220-22-R1 download os --dry-run --file @cut/AurexK220v47503.kos", 6, "badFile", "was cut"},
+      {"--link sim:K220-22-R1 download os --dry-run --file @gone.kos", 6, "badFile", "gone.kos"},
+      {"--link sim:K220-22-R1 download os --file @AurexFontv1300.kft", 4, "notFit", "does not match OS Type"},
+      {"--link sim:K220-22-R1 download os --yes --file @AurexK220v47503.kos --fonts @AurexK220v47503.kos", 6, "badFile",
+       "AurexK220v47503.kos"},
       {"--link sim:K220-22-R1 download os --file @q50.dai", 4, "notFit", "does not match OS Type"},
       {"--link sim:K220-22-R1 download os --yes", 4, "refused", "wants --lose-project and --lose-values",
        "refuse:on=block,nth=4,code=0F"},

@@ -12,6 +12,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include "download/ui/frmBrioQ50OsInfo.h"
 #include "tests/host_ui/ProgramRun.h"
 
 namespace kv::test {
@@ -86,6 +87,13 @@ void Use(QDialog& downloader, const std::filesystem::path& folder, const Take& t
 }  // namespace
 
 void TakeDownloaderPictures(QMainWindow& main, const std::filesystem::path& folder, const Take& take) {
+  const FileList list = ListCompactOsFiles(ProgramPaths(folder), {CompactKind::Q51OrQ58, false, false, 460});
+  frmBrioQ50OsInfo chooser(list, "Q51-2-R34, serial number 4711, COM3, 115200 8N1, unit 1", &main);
+  QTimer::singleShot(0, &chooser, [&] {
+    take(chooser, "downloader-os-compact");
+    chooser.reject();
+  });
+  static_cast<void>(chooser.ShowGUI());
   WithNextDialog(main, [&](QDialog& downloader) { Use(downloader, folder, take); });
   main.findChild<QAction*>("ID_Downloader")->trigger();
 }

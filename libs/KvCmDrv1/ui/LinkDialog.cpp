@@ -27,9 +27,11 @@ LinkDialog::LinkDialog(const LinkSettings& current, const std::string& caller, c
   auto* standard = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   mOk = standard->button(QDialogButtonBox::Ok);
   mOk->setObjectName("cmdOk");
+  mOk->setText("&OK");  // a letter that no button takes would be typed into the field with the focus
   Describe(*mOk, "Keeps these settings in the session", "Enter");
   QPushButton* cancel = standard->button(QDialogButtonBox::Cancel);
   cancel->setObjectName("cmdCancel");
+  cancel->setText("&Cancel");
   Describe(*cancel, "Closes this window and changes nothing", "Esc");
   mTabs = {mOk, cancel};
   connect(standard, &QDialogButtonBox::accepted, this, &QDialog::accept);

@@ -102,6 +102,12 @@ void CommandBar::BuildToolBar() {
   }
 }
 
+// A command behind the arrow of a bar that is too long is not found; its picture alone is, and has its tooltip.
+void CommandBar::FitInto(int width) {
+  if (mWidthWithTexts == 0) mWidthWithTexts = mToolBar->sizeHint().width();
+  mToolBar->setToolButtonStyle(width < mWidthWithTexts ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextUnderIcon);
+}
+
 void CommandBar::BuildModelBox() {
   mModelBox = new QComboBox(mToolBar);
   mModelBox->setObjectName("cboModel");

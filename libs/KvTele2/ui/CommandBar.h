@@ -26,6 +26,8 @@ class CommandBar {
   CommandBar(QMainWindow& window, OnCommand onCommand);
 
   void Show(const HostState& state, const WhyDisabled& whyDisabled);
+  // The tool bar shows its texts where the window is wide enough for them.
+  void FitInto(int width);
   [[nodiscard]] QAction* Action(std::string_view id) const { return mActions.at(id); }
 
  private:
@@ -46,6 +48,7 @@ class CommandBar {
   QMenu* mRecentMenu = nullptr;
   std::vector<std::string> mRecent;
   QToolBar* mToolBar = nullptr;
+  int mWidthWithTexts = 0;  // of the tool bar
   QComboBox* mModelBox = nullptr;
 };
 

@@ -83,6 +83,8 @@ void frmMain::BuildTimers() {
 void frmMain::Command(std::string_view id, const std::string& argument) {
   if (id == command::kCopyLog) QApplication::clipboard()->setText(mLog->CopyText());
   mHost->Click(id, argument);
+  // What a tool has done to the controller is seen at once, and not only with the next beat.
+  if (mHeartbeat.isActive()) QTimer::singleShot(0, this, [this] { Tick(); });
 }
 
 void frmMain::Show(const HostState& state, const Journal& journal) {
@@ -146,6 +148,11 @@ void frmMain::Tick() {
 void frmMain::closeEvent(QCloseEvent* event) {
   event->ignore();
   Command(command::kExit, "");
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  mCommands.FitInto(width());
 }
 
 void frmMain::changeEvent(QEvent* event) {

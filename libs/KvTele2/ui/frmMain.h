@@ -39,6 +39,7 @@ class frmMain final : public QMainWindow, public HostView {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;
 
  private:

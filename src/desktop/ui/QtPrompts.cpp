@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -76,6 +77,25 @@ QString DefaultSuffix(const std::string& filter) {
   return pattern.contains('.') && !suffix.contains('*') ? suffix : QString();
 }
 
+// The toolkit takes Esc and the closing of a box with OK alone for that OK. Where it can lose something it is no
+// consent.
+class ClosingDeclines final : public QObject {
+ public:
+  explicit ClosingDeclines(QMessageBox& box) : QObject(&box), mBox(box) { box.installEventFilter(this); }
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    const bool isEscape =
+        event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel);
+    if (!isEscape && event->type() != QEvent::Close) return false;
+    mBox.done(QMessageBox::Cancel);
+    return true;
+  }
+
+ private:
+  QMessageBox& mBox;
+};
+
 // A button of a message box closes it; this one does not.
 void AddHelp(QMessageBox& box) {
   QPushButton* help = box.addButton(QMessageBox::Help);
@@ -128,6 +148,7 @@ PromptAnswer QtPrompts::Show(const MessageBox& box) {
     if (button.answer == LeastCommitting(box.buttons)) shown.setEscapeButton(button.standard);
     if (button.answer == preset) shown.setDefaultButton(button.standard);
   }
+  if (box.canLose && box.buttons == PromptButtons::Ok) new ClosingDeclines(shown);
   if (TellsWhatToDo(shown.text())) AddHelp(shown);
   const int pressed = RunDialog(shown);
   for (const Button& button : kButtons) {

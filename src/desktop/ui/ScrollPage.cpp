@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QScrollBar>
+#include <QWindow>
 #include <algorithm>
 
 #include "desktop/ui/WindowGeometry.h"
@@ -34,14 +35,22 @@ QSize ScrollPage::minimumSizeHint() const {
 }
 
 bool ScrollPage::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == widget() && event->type() == QEvent::LayoutRequest) FollowContent();
+  if (watched == widget() && event->type() == QEvent::LayoutRequest && !IsBeingPlaced()) FollowContent();
+  if (watched == window()->windowHandle() && event->type() == QEvent::Expose && !IsBeingPlaced()) FollowContent();
   return QScrollArea::eventFilter(watched, event);
 }
 
-// Before the window is seen: one that is resized right after it has been mapped loses the place that was chosen for it.
 void ScrollPage::showEvent(QShowEvent* event) {
   QScrollArea::showEvent(event);
   FollowContent();
+  if (window()->windowHandle()) window()->windowHandle()->installEventFilter(this);
+}
+
+// The desktop is choosing its place and does not show it yet. Whoever resizes it now takes it to where it was for a
+// moment: the upper left corner, with its title above the screen.
+bool ScrollPage::IsBeingPlaced() const {
+  const QWindow* shown = window()->windowHandle();
+  return shown && window()->isVisible() && !shown->isExposed();
 }
 
 int ScrollPage::AskedHeight() const {

@@ -21,6 +21,7 @@ class ScrollPage final : public QScrollArea {
  private:
   [[nodiscard]] int AskedHeight() const;
   void FollowContent();
+  [[nodiscard]] bool IsBeingPlaced() const;
 };
 
 }  // namespace kv

@@ -6,6 +6,7 @@ namespace kv {
 namespace {
 
 // A restore shows the first lines of its file: date, controller, and code, start and length of each segment.
+constexpr const char* kWhatFor = "For the clone before the download:\r\n";
 constexpr std::string_view kHeadOfFile = "Korvantis Clone File:";
 
 std::string InWords(std::string text) {
@@ -26,7 +27,11 @@ std::string InWords(std::string text) {
 }  // namespace
 
 PromptAnswer QuietCloner::Show(const MessageBox& box) {
-  if (box.buttons != PromptButtons::Ok) return mPrompts.Show(box);
+  if (box.buttons != PromptButtons::Ok) {
+    MessageBox named = box;
+    named.text.insert(0, kWhatFor);
+    return mPrompts.Show(named);
+  }
   mOnTold(box.title + ": " + InWords(box.text));
   return PromptAnswer::Ok;
 }

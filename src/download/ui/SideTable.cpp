@@ -9,8 +9,8 @@ namespace kv {
 namespace {
 
 enum Column { Controller, File, Afterwards, kColumns };
-constexpr int kRows = 4;    // as many as sides have texts
-constexpr int kWidth = 24;  // of a column, in characters
+constexpr int kFewestRows = 3;  // of each controller are known
+constexpr int kWidth = 24;      // of a column, in characters
 
 }  // namespace
 
@@ -18,7 +18,7 @@ SideTable::SideTable(QWidget* parent) : QTableWidget(0, kColumns, parent) {
   setObjectName("tblSides");
   setAccessibleName("The controller, the file, and the controller afterwards");
   setToolTip("What the controller holds now, what the file makes of it, and what it reports afterwards");
-  setHorizontalHeaderLabels({"Controller now", "File", "Controller afterwards"});
+  ShowHeads(false);
   setEditTriggers(NoEditTriggers);
   setSelectionMode(SingleSelection);
   setTabKeyNavigation(false);
@@ -34,7 +34,12 @@ SideTable::SideTable(QWidget* parent) : QTableWidget(0, kColumns, parent) {
   }
 }
 
+void SideTable::ShowHeads(bool isDone) {
+  setHorizontalHeaderLabels({isDone ? "Controller before" : "Controller now", "File", "Controller afterwards"});
+}
+
 void SideTable::ShowSides(const DownloadSide& now, const DownloadSide& then, const std::optional<DownloadSide>& after) {
+  ShowHeads(after.has_value());
   const std::vector<SideRow> rows = RowsOf(now, then);
   const std::vector<SideRow> afterwards = after ? RowsOf(now, *after) : std::vector<SideRow>();
   setRowCount(static_cast<int>(rows.size()));
@@ -47,6 +52,7 @@ void SideTable::ShowSides(const DownloadSide& now, const DownloadSide& then, con
     Put(row, Afterwards, found == afterwards.end() ? "" : found->second);
     ++row;
   }
+  updateGeometry();
 }
 
 void SideTable::Put(int row, int column, const std::string& text) {
@@ -56,7 +62,7 @@ void SideTable::Put(int row, int column, const std::string& text) {
 }
 
 QSize SideTable::sizeHint() const {
-  const int rows = kRows * verticalHeader()->defaultSectionSize();
+  const int rows = std::max(kFewestRows, rowCount()) * verticalHeader()->defaultSectionSize();
   return {QTableWidget::sizeHint().width(), horizontalHeader()->sizeHint().height() + rows + 2 * frameWidth()};
 }
 

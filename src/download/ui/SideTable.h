@@ -19,6 +19,7 @@ class SideTable final : public QTableWidget {
   [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
  private:
+  void ShowHeads(bool isDone);
   void Put(int row, int column, const std::string& text);
 };
 

@@ -57,6 +57,12 @@ bool IsProject(const fs::path& file) {
   return kind == DownloadFileKind::AurexProject || kind == DownloadFileKind::CompactProject;
 }
 
+// What is wrong with such a file as one of the controller's own family is of no use.
+std::string OtherFamilyText(const fs::path& file, const ProjectFile& project) {
+  return GetFileName(file) + " is a project for a " + project.Model() +
+         ", which is of another family than the controller that is connected.";
+}
+
 void Preselect(FileList& list, const fs::path& dropped) {
   const auto found = std::ranges::find_if(
       list.files, [&](const ListedFile& file) { return !dropped.empty() && IsSameFile(file.path, dropped); });
@@ -115,8 +121,10 @@ std::expected<void, LinkError> frmDownloader::Meet(Channel& link) {
   const auto family = DownloadFamilyOf(link, found->version.model);
   if (!family) return std::unexpected(family.error());
   mFound = *std::move(found);
+  mLeft = ControllerLeft::Untouched;
   mFamily = *family;
   mWhyNoBackup = WhyNoBackup(link, *mFound);
+  mServices.shared.Remote->ControllerTold(mFound->version, mFound->info);
   ShowFound();
   return {};
 }
@@ -125,9 +133,20 @@ void frmDownloader::ShowFound() {
   VersionInfo version = mFound->version;
   version.model = ModelLabel(ControllerModelOf(*mFound, Family()), mUser);
   const bool isStopped = mFound->info.state == 'S';
+  const std::string advice = isStopped ? kStopped : StateAdvice(*mFound);
+  const std::string other = OtherModelWarning(*mFound, SelectedModel());
   ShowController(ControllerText(version, mFound->info, mServices.shared.ComDriver->LinkDescription()),
-                 isStopped ? kStopped : StateAdvice(*mFound));
+                 advice + (advice.empty() || other.empty() ? "" : "\n") + other);
   mStart->setVisible(isStopped);
+}
+
+// Nothing in an edition in which the models' names are not shown.
+std::string frmDownloader::SelectedModel() const {
+  return mUser == kUserLomba ? "" : mServices.shared.Remote->Model();
+}
+
+DownloadOrder frmDownloader::Order() const {
+  return {.link = mServices.shared.ComDriver->LinkDescription(), .selectedModel = SelectedModel()};
 }
 
 void frmDownloader::ShowController(const std::string& text, const std::string& advice) {
@@ -199,7 +218,8 @@ void frmDownloader::SelectFile(const fs::path& file) {
 void frmDownloader::SelectProject(const fs::path& file) {
   auto read = ReadProject(file, IsCompact());
   if (!read) {
-    Say(read.error().Text());
+    const auto ofOther = ReadProject(file, !IsCompact());
+    Say(ofOther ? OtherFamilyText(file, *ofOther) : read.error().Text());
     const bool isRead = read.error().fault != DownloadFileFault::Unreadable;
     mServices.prompts.Show({.text = isRead ? NotLegalText(IsCompact()) : read.error().Text(),
                             .title = "Warning",
@@ -220,14 +240,15 @@ void frmDownloader::LookAtBoth() {
   {
     const BusyState busy(mServices.pacer, *this, "Holding the file against the controller");
     const StopScope stop(mServices.pacer);
-    const std::string where = mServices.shared.ComDriver->LinkDescription();
+    const DownloadOrder order = Order();
     if (const auto link = mServices.shared.ComDriver->GetChannel()) {
-      look = LookAtProject(*link, *mFile, where, mServices.pacer);
+      look = LookAtProject(*link, *mFile, order, mServices.pacer);
     }
   }
   SetBusy({});
   if (mClosesThen) return QDialog::reject();
-  if (look.preview) ShowPreview(*look.preview);
+  mLook = look.preview;
+  if (mLook) ShowPreview(*mLook);
   if (look.outcome.end == DownloadEnd::Refused) Say("As it is, it would be refused: " + look.outcome.reason);
 }
 
@@ -239,16 +260,21 @@ void frmDownloader::SelectOs(const fs::path& file) {
   mDownloadOs->setFocus();
 }
 
+void frmDownloader::ShowNames(const ProjectFile* file) {
+  mFileName->setText(file ? QString::fromStdString(GetFileName(file->path)) : "");
+  mFileName->setToolTip(file ? QString::fromStdString(Utf8FromPath(file->path)) : "");
+  mProjectName->setText(file ? QString::fromStdString(file->Name()) : "");
+  mModel->setText(file ? QString::fromStdString(ModelLabel(file->Model(), mUser)) : "");
+}
+
 void frmDownloader::ShowProject() {
-  mFileName->setText(mFile ? QString::fromStdString(GetFileName(mFile->path)) : "");
-  mFileName->setToolTip(mFile ? QString::fromStdString(Utf8FromPath(mFile->path)) : "");
-  mProjectName->setText(mFile ? QString::fromStdString(mFile->Name()) : "");
-  mModel->setText(mFile ? QString::fromStdString(ModelLabel(mFile->Model(), mUser)) : "");
+  ShowNames(mFile ? &*mFile : nullptr);
   mNow = mFound ? Shown(SideOf(*mFound)) : DownloadSide();
   mThen = mFile ? Shown({.model = mFile->Model(), .os = {}, .fonts = {}, .project = mFile->Name()}) : DownloadSide();
   mSides->ShowSides(mNow, mThen);
   mPreview->clear();
   mPreview->hide();
+  mLook.reset();
 }
 
 DownloadSide frmDownloader::Shown(DownloadSide side) const {

@@ -62,6 +62,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void AmountSent(std::uint64_t done, std::uint64_t total) override;
   void AmountCompared(std::uint64_t done, std::uint64_t total) override;
   void Waiting(std::string_view text, bool isOver) override;
+  void Programmed(int percent) override;
   [[nodiscard]] AurexOsChoice ChooseAurexOs(const AurexOsLists& lists) override;
   [[nodiscard]] std::optional<std::size_t> ChooseCompactOs(const FileList& list) override;
   [[nodiscard]] BiosAnswer WarnOfIncompatibleBios() override;
@@ -97,6 +98,8 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void ShowController(const std::string& text, const std::string& advice);
   void ShowFound();
   void ShowAdvice(const std::string& text);
+  [[nodiscard]] std::string SelectedModel() const;
+  [[nodiscard]] DownloadOrder Order() const;
   void ShowFamily();
   [[nodiscard]] DownloadFamily Family() const;
   [[nodiscard]] bool IsCompact() const { return Family() == DownloadFamily::Compact; }
@@ -105,6 +108,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void SelectFile(const std::filesystem::path& file);
   void SelectProject(const std::filesystem::path& file);
   void SelectOs(const std::filesystem::path& file);
+  void ShowNames(const ProjectFile* file);
   void ShowProject();
   void LookAtBoth();
 
@@ -113,7 +117,9 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   void Run(const char* what, const Engine& engine);
   [[nodiscard]] std::optional<std::string> AskForBackup();
   void ShowPreview(const DownloadPreview& preview);
+  void ShowReview(const DownloadReview& review);
   void ShowEnding(const char* what, const Ending& ending);
+  void ShowProjectAgain(const Ending& ending);
   // What the O/S downloads tell while they run.
   void mOSDownloader_ProggressInfo(int phase, std::int64_t current, std::int64_t count);
   void mBrioQ50OSDownloader_ProgressInfo(std::int64_t current, std::int64_t count);
@@ -136,9 +142,11 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   std::optional<DownloadFamily> mFamily;  // of the one that was found
   std::string mWhyNoBackup;
   std::optional<ProjectFile> mFile;
-  std::filesystem::path mDroppedOs;  // offered first by the next list that has it
-  DownloadSide mNow;                 // of the last preview
+  std::optional<DownloadPreview> mLook;  // at the controller and this file
+  std::filesystem::path mDroppedOs;      // offered first by the next list that has it
+  DownloadSide mNow;                     // of the last preview
   DownloadSide mThen;
+  ControllerLeft mLeft = ControllerLeft::Untouched;  // by the last download, until the controller is asked again
   bool mIsBusy = false;
   QString mWhyBusy;
   QPointer<QWidget> mFocusBefore;

@@ -24,7 +24,7 @@ namespace kv {
 namespace {
 
 constexpr QSize kFirstSize(760, 700);
-constexpr int kInformationLines = 5;
+constexpr int kInformationLines = 3;
 constexpr int kMostLines = 1000;
 
 }  // namespace
@@ -167,6 +167,7 @@ void frmDownloader::BuildInformation(QVBoxLayout& page) {
   mInformation->setTabChangesFocus(true);
   mInformation->setMaximumBlockCount(kMostLines);
   mInformation->setMinimumHeight(kInformationLines * fontMetrics().lineSpacing() + 2 * mInformation->frameWidth() + 8);
+  mInformation->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);  // what is above it goes first
   page.addWidget(mInformation, 1);
   auto* help = new HelpLink(this);
   help->FollowLast(*mInformation);

@@ -8,6 +8,7 @@
 
 #include "base/AnsiText.h"
 #include "base/PathText.h"
+#include "base/ScopeGuard.h"
 #include "clone/CloneFileName.h"
 #include "clone/WorkProgress.h"
 #include "desktop/StopScope.h"
@@ -24,6 +25,8 @@
 namespace kv {
 namespace {
 
+constexpr const char* kGivesUp =
+    "A download has not come to its end: what was sent of it is given up, and what the controller held before runs. ";
 constexpr const char* kRuns = "A download is running; Stop ends it.";
 
 const char* EndText(DownloadEnd end) {
@@ -138,6 +141,13 @@ void frmDownloader::Waiting(std::string_view text, bool isOver) {
   if (isOver) ShowBar(1, 1);
 }
 
+// Who saw the bar full would take the power away too soon.
+void frmDownloader::Programmed(int percent) {
+  constexpr std::uint64_t kHundred = 100;
+  ShowBar(static_cast<std::uint64_t>(percent), kHundred);
+  mAmount->setText(QString("Programmed: %1 %").arg(percent));
+}
+
 void frmDownloader::ShowBar(std::uint64_t value, std::uint64_t maximum) {
   constexpr std::uint64_t kSteps = 10'000;  // whatever the size, which may be more than a bar counts
   constexpr std::uint64_t kHundred = 100;
@@ -155,8 +165,9 @@ void frmDownloader::StopDownload() {
 
 // The window holds the line, so another program could not start it.
 void frmDownloader::StartProgram() {
-  const std::string question =
-      "The program of the controller (" + mController->text().toStdString() + ") does not run. Start it now?";
+  const bool isHalf = mLeft == ControllerLeft::ProjectBegun;
+  const std::string question = "The program of the controller (" + mController->text().toStdString() +
+                               ") does not run. " + (isHalf ? kGivesUp : "") + "Start it now?";
   if (mServices.prompts.Show({.text = question,
                               .title = std::string(kDownloaderCaption),
                               .icon = PromptIcon::Exclamation,
@@ -201,6 +212,8 @@ void frmDownloader::cmdDownloadOS_Click() {
         {.text = std::string(kColourOsRefusal), .title = "Telepanel", .icon = PromptIcon::Exclamation});
     return;
   }
+  ShowNames(nullptr);  // no project is sent
+  const ScopeGuard shown([this] { ShowNames(mFile ? &*mFile : nullptr); });
   Run("Downloading the O/S", [&](Channel& link, const DownloadOrder& order, const BackupContext& context) {
     if (family == DownloadFamily::Compact) {
       clsBrioQ50OSDownloader download(*this, context.questions, mServices.pacer, mServices.shared.paths);
@@ -233,12 +246,14 @@ void frmDownloader::Run(const char* what, const Engine& engine) {
   const Operation operation(*this);
   const auto link = mServices.shared.ComDriver->GetChannel();
   if (!link) return Say(std::string(what) + " has failed.\n" + mServices.shared.ComDriver->LastError().Text());
-  const DownloadOrder order{.link = mServices.shared.ComDriver->LinkDescription(),
-                            .usualBaudRate = mServices.shared.ComDriver->UsualBaudRate(),
-                            .backup = backup ? &*backup : nullptr,
-                            .onPreview = [this](const DownloadPreview& preview) { ShowPreview(preview); }};
+  DownloadOrder order = Order();
+  order.usualBaudRate = mServices.shared.ComDriver->UsualBaudRate();
+  order.backup = backup ? &*backup : nullptr;
+  order.onPreview = [this](const DownloadPreview& preview) { ShowPreview(preview); };
+  order.onReview = [this](const DownloadReview& review) { ShowReview(review); };
   const Ending ending = engine(*link, order, context);
   ShowEnding(what, ending);
+  ShowProjectAgain(ending);
   // A boot loader has become a controller. One that does not tell that now has told it the engine a moment ago.
   if (ending.outcome.end == DownloadEnd::Done) static_cast<void>(Meet(*link));
   if (!backup) return;
@@ -288,8 +303,19 @@ void frmDownloader::ShowEnding(const char* what, const Ending& ending) {
     ShowAdvice(isDone ? "" : left);
     mStart->setVisible(outcome.left == ControllerLeft::Stopped || outcome.left == ControllerLeft::ProjectBegun);
   }
-  if (!ending.review) return;
-  mSides->ShowSides(Shown(ending.review->before), mThen, Shown(ending.review->after));
+  mLeft = outcome.left;
+  if (ending.review) ShowReview(*ending.review);
+}
+
+void frmDownloader::ShowReview(const DownloadReview& review) {
+  mSides->ShowSides(Shown(review.before), mThen, Shown(review.after));
+}
+
+// What was shown of an O/S that was not begun would stand below a project that can be downloaded.
+void frmDownloader::ShowProjectAgain(const Ending& ending) {
+  if (ending.outcome.left != ControllerLeft::Untouched) return mLook.reset();
+  if (mLook) return ShowPreview(*mLook);
+  if (mFile) ShowProject();
 }
 
 }  // namespace kv

@@ -85,6 +85,8 @@ class RemoteHost {
   [[nodiscard]] virtual bool ProjectMatches() = 0;
   // The controller that has just been identified is refused, and why. The user is told by whoever refuses it.
   virtual void ConnectionRefused(const std::string& text, const RefusedController& controller) = 0;
+  // A tool has been told this by the controller that is on line, which it may have changed.
+  virtual void ControllerTold(const VersionInfo& /*version*/, const Channel::ControllerInfo& /*info*/) {}
   // The file from which a colour panel draws its data.
   virtual void SetPanelData(const std::string& path) = 0;
   virtual void GoOnline() = 0;
