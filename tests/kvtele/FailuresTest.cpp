@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "tests/kvtele/CommandFixture.h"
 
 namespace kv::test {
@@ -34,21 +36,6 @@ TEST(Failures, HaveANameAndAnExitCodeEach) {
       {OtherController, "otherController",   4,   7},
       {Unsure,          "unsure",            7,   7},
   };
-  const std::tuple<CloneCause, LinkErrorCode, const char*, int> clones[] = {
-      {CloneCause::Stop,     None,    "interrupted", 130},
-      {CloneCause::OldOs,    None,    "notFit",        4},
-      {CloneCause::Segments, None,    "segments",      4},
-      {CloneCause::Password, Refused, "password",      4},
-      {CloneCause::NoPassword, None,  "password",      4},
-      {CloneCause::File,     None,    "badFile",       6},
-      {CloneCause::Unproven, None,    "unproven",      1},
-      {CloneCause::Link,     NoReply, "noReply",       7},
-      {CloneCause::Link,     Refused, "refused",       4},
-      {CloneCause::Link,     None,    "failed",        7},
-      {CloneCause::Reply,    None,    "badReply",      7},
-      {CloneCause::Reply,    Refused, "badReply",      4},
-      {CloneCause::None,     None,    "failed",        1},
-  };
   // clang-format on
   const auto text = [](const cli::Failure& failure) {
     return failure.code + " " + std::to_string(static_cast<int>(failure.exit));
@@ -57,11 +44,6 @@ TEST(Failures, HaveANameAndAnExitCodeEach) {
     const LinkError error{.code = row.code, .doing = "", .happened = "", .cause = "", .cure = ""};
     EXPECT_EQ(text(cli::LinkFailure(error, false)), row.name + (" " + std::to_string(row.neverConnected)));
     EXPECT_EQ(text(cli::LinkFailure(error, true)), row.name + (" " + std::to_string(row.wasConnected)));
-  }
-  for (const auto& [cause, code, name, exit] : clones) {
-    CloneOutcome outcome = CloneOutcome::Failed(cause, "why");
-    outcome.link.code = code;
-    EXPECT_EQ(text(cli::CloneFailure("cloning", outcome)), name + (" " + std::to_string(exit)));
   }
 }
 
@@ -132,12 +114,27 @@ TEST(Failures, ThatNeedNoControllerSendNothing) {
       {"clone info @no.kdf", 6, "badFile", "no.kdf"},
       {"clone info @x.kdf @x.kdf", 2, "usage", "econd file can be given with diff only"},
       {"clone diff @no.kdf @mi.axt", 6, "badFile", "no.kdf"},
-      {"clone verify @x.kdf --force", 2, "usage", "with restore only"},
-      {"clone verify @x.kdf --no-stop", 2, "usage", "with create and restore only"},
   };
   CommandFixture fixture;
   fixture.home.Put("mi.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t9\t\r\n\r\n");
   for (const FailingCommand& row : rows) EXPECT_EQ(fixture.ExpectFailure(row).trace, "") << row.line;
+  // Each flag by itself where it means nothing.
+  const std::tuple<const char*, const char*, const char*> strays[] = {
+      {"clone info @x.kdf", "--segments OP|--replace|--stop|--no-stop|--comment x", " can be given with "},
+      {"clone info @x.kdf", "--force|--verify|--end-load|--erase-empty|--backup @b.kdf", " can be given with "},
+      {"clone diff @x.kdf", "--unit-from-controller|--no-stop|--comment x", " can be given with "},
+      {"download info @x.dai", "--file @a.kos|--fonts @a.kft|--list|--dry-run|--backup @b.kdf", " mean nothing with "},
+      {"download info @x.dai", "--end-load|--replace|--stop|--no-stop|--other-model|--no-reset", " mean nothing with "},
+      {"download project @x.dai", "--same-os|--lose-project|--lose-values|--retry 1|--list", " mean nothing with "},
+      {"download os", "@x.dai|--other-model|--no-reset", " mean nothing with "},
+  };
+  for (const auto& [command, flags, message] : strays) {
+    std::istringstream each(flags);
+    for (std::string flag; std::getline(each, flag, '|');) {
+      const std::string line = std::string(command) + " " + flag;
+      fixture.ExpectFailure({line.c_str(), 2, "usage", message});
+    }
+  }
   EXPECT_EQ(
       fixture.On("Q50", "write MI 0 x --json").out,
       "{\n  \"error\": {\n    \"code\": \"outOfRange\",\n    \"exit\": 2,\n    \"doing\": \"writing MI\",\n"

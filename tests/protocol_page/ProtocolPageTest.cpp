@@ -173,22 +173,6 @@ TEST(ProtocolPage, OperandTypes) {
   }
 }
 
-// What a region may hold goes over the line in one request, whichever of the type's codes carries it.
-TEST(ProtocolPage, OneRequestCarriesARegion) {
-  using namespace mdlDataTypesView;
-  for (int number = 1; number <= kOperandTypeCount; ++number) {
-    const auto type = static_cast<OperandTypeCode>(number);
-    int ways = 0;
-    for (std::int32_t code = 1; code < 0x60; ++code) {
-      const OperandType* wire = FindOperandType(code);
-      if (wire == nullptr || (wire->name != TypeName(type) && code != DriverTypeCode(type))) continue;
-      EXPECT_GE(wire->maxPerRequest, MaxOperandsPerRequest(type)) << TypeName(type) << " as " << code;
-      ++ways;
-    }
-    EXPECT_GE(ways, 1) << TypeName(type);
-  }
-}
-
 TEST(ProtocolPage, OperandCounts) {
   using namespace mdlDataTypesView;
   constexpr std::array<std::string_view, 3> kModels = {"K330", "K670-67-C30 / K390-29-C30", "Q50"};

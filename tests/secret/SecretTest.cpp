@@ -21,9 +21,10 @@ using ::testing::HasSubstr;
 
 TEST(Secret, IsWipedWhereItWasTaken) {
   for (const std::string text : {"1234", "a password that is too long to stand in the text itself"}) {
-    std::string plain = text;
+    std::string plain = text + "and more";
+    plain.resize(text.size());  // what was there before is wiped with it
     const char* const bytes = plain.data();
-    const std::size_t size = plain.size();
+    const std::size_t size = text.size() + 8;
     const Secret taken = Secret::TakenFrom(plain);
     EXPECT_EQ(taken.View(), text);
     EXPECT_EQ(plain, "");

@@ -125,6 +125,11 @@ TEST_F(SessionsTest, DeletingSparesDefaultAndWhatIsInUseAndAsksWhereThereIsSomet
   prompts.Press(PromptAnswer::Ok);
   EXPECT_FALSE(sessions.Delete("Default"));
   EXPECT_THAT(Taken(), ElementsAre("Box (!) Remove Session: 'Default' Session cannot be deleted."));
+
+  prompts.Press(PromptAnswer::Ok);
+  EXPECT_FALSE(sessions.Activate("one"));
+  EXPECT_THAT(Taken(), ElementsAre("Box (!) Activate Session: The session \"one\" is not there any more."));
+  EXPECT_EQ(shared.CurrentSession, "two");
 }
 
 }  // namespace
