@@ -23,6 +23,14 @@ class ListeningPortTest : public testing::Test {
     }
     return socket.GetState() == state;
   }
+  // The first one that dials in.
+  kvtest::Descriptor Connect() {
+    EXPECT_TRUE(socket.Listen(number));
+    auto controller = kvtest::DialLoopback(number);
+    EXPECT_FALSE(port.HasNewerCall()) << "newer than none";
+    EXPECT_TRUE(port.Open(seconds(5)).has_value());
+    return controller;
+  }
 
   ConsolePacer pacer;
   ListeningSocketImpl socket;
@@ -31,17 +39,16 @@ class ListeningPortTest : public testing::Test {
 };
 
 TEST_F(ListeningPortTest, TakesOneControllerThatDialsIn) {
-  ASSERT_TRUE(socket.Listen(number));
-  const auto controller = kvtest::DialLoopback(number);
-  ASSERT_TRUE(port.Open(seconds(5)).has_value());
+  const auto controller = Connect();
   EXPECT_THAT(port.Description(), HasSubstr("127.0.0.1:"));
   EXPECT_FALSE(port.HasNewerCall());
 
   const auto waiting = kvtest::DialLoopback(number);
   ASSERT_TRUE(port.HasNewerCall());
   port.Close();
-  EXPECT_EQ(controller.Take(1), "");
-  EXPECT_EQ(waiting.Take(1), "");
+  EXPECT_FALSE(port.HasNewerCall());
+  EXPECT_TRUE(controller.HasEnded());
+  EXPECT_TRUE(waiting.HasEnded());
   EXPECT_LT(kvtest::DialLoopback(number).Get(), 0) << "nobody is meant to dial in any more";
 
   EXPECT_FALSE(port.Open(milliseconds(30)).has_value());
@@ -75,11 +82,11 @@ TEST_F(ListeningPortTest, LetsTheProgramAnswerTheEvents) {
 }
 
 TEST_F(ListeningPortTest, IsLostWhenAnotherConnectionTakesItsPlace) {
-  ASSERT_TRUE(socket.Listen(number));
-  const auto first = kvtest::DialLoopback(number);
-  ASSERT_TRUE(port.Open(seconds(5)).has_value());
-  ASSERT_TRUE(socket.Listen());
+  const auto first = Connect();
   const auto second = kvtest::DialLoopback(number);
+  ASSERT_TRUE(socket.Listen());
+  EXPECT_TRUE(first.HasEnded()) << "left, as it is not listened to any more";
+  EXPECT_FALSE(second.IsReady(0)) << "who waits keeps his place";
   ASSERT_TRUE(Reaches(State::Requested));
   ASSERT_TRUE(socket.Accept(socket.RequestId()));
   std::string bytes;
@@ -96,10 +103,8 @@ TEST_F(ListeningPortTest, TakesTheNewestCallerWhenAPartnerIsDropped) {
         EXPECT_TRUE(socket.Accept(requestId));
       };
     }
-    ASSERT_TRUE(socket.Listen(number));
     std::vector<kvtest::Descriptor> strangers;
-    strangers.push_back(kvtest::DialLoopback(number));
-    ASSERT_TRUE(port.Open(seconds(5)).has_value());
+    strangers.push_back(Connect());
     // Far more than may wait; the system refuses none of them, and none of them is answered.
     for (int i = 0; i < 300; ++i) {
       strangers.push_back(kvtest::DialLoopback(number));
@@ -110,8 +115,8 @@ TEST_F(ListeningPortTest, TakesTheNewestCallerWhenAPartnerIsDropped) {
     ASSERT_TRUE(port.HasNewerCall());
     EXPECT_TRUE(port.IsOpen());
     port.DropPartner();
-    EXPECT_EQ(strangers.front().Take(1), "");
-    EXPECT_EQ(strangers[150].Take(1), "") << "bounded: the oldest have left";
+    EXPECT_TRUE(strangers.front().HasEnded());
+    EXPECT_TRUE(strangers[150].HasEnded()) << "bounded: the oldest have left";
     ASSERT_TRUE(port.Open(seconds(5)).has_value());
     controller.Give("here");
     EXPECT_EQ(kvtest::ReadFrom(port, 4), "here");
@@ -126,9 +131,7 @@ TEST_F(ListeningPortTest, TakesTheNewestCallerWhenAPartnerIsDropped) {
 }
 
 TEST_F(ListeningPortTest, ClosedTwiceItTakesThePortFromNobody) {
-  ASSERT_TRUE(socket.Listen(number));
-  const auto first = kvtest::DialLoopback(number);
-  ASSERT_TRUE(port.Open(seconds(5)).has_value());
+  const auto first = Connect();
   port.Close();
   EXPECT_EQ(socket.GetState(), State::Closed);
   ListeningPort next(socket, number, pacer);
@@ -139,7 +142,7 @@ TEST_F(ListeningPortTest, ClosedTwiceItTakesThePortFromNobody) {
   ASSERT_TRUE(next.Open(seconds(5)).has_value());
   EXPECT_FALSE(port.IsOpen());
   for (int i = 0; i < 2; ++i) socket.Stop();
-  EXPECT_EQ(controller.Take(1), "");
+  EXPECT_TRUE(controller.HasEnded());
   EXPECT_FALSE(socket.Listen(0));
 }
 
@@ -155,19 +158,16 @@ TEST_F(ListeningPortTest, RefusesARequestThatHasGone) {
 }
 
 TEST_F(ListeningPortTest, SaysWhyNobodyIsThere) {
-  const auto nobody = port.Open(milliseconds(30));
-  ASSERT_FALSE(nobody.has_value());
-  EXPECT_THAT(nobody.error().happened, HasSubstr("no controller has dialled in"));
+  EXPECT_THAT(kvtest::WhyNot(port, milliseconds(30)).happened, HasSubstr("no controller has dialled in"));
 
   pacer.RequestStop();
-  EXPECT_THAT(port.Open(std::chrono::hours(1)).error().happened, HasSubstr("was stopped"));
+  EXPECT_THAT(kvtest::WhyNot(port, std::chrono::hours(1)).happened, HasSubstr("was stopped"));
   pacer.ClearStop();
 
   const kvtest::Listener other;
   EXPECT_FALSE(socket.Listen(other.Port()));
-  const auto inUse = ListeningPort(socket, other.Port(), pacer).Open(seconds(5));
-  ASSERT_FALSE(inUse.has_value());
-  EXPECT_THAT(inUse.error().happened, HasSubstr("cannot be listened on"));
+  ListeningPort inUse(socket, other.Port(), pacer);
+  EXPECT_THAT(kvtest::WhyNot(inUse).happened, HasSubstr("cannot be listened on"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <stdlib.h>
@@ -52,6 +53,11 @@ class Descriptor {
       bytes.append(chunk, static_cast<std::size_t>(received));
     }
     return bytes;
+  }
+  // Whether the other side has closed it, and not only been silent.
+  [[nodiscard]] bool HasEnded() const {
+    char byte = 0;
+    return IsReady() && ::read(mHandle, &byte, 1) <= 0;
   }
   bool Give(std::string_view bytes) const {
     return ::write(mHandle, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
@@ -157,6 +163,13 @@ inline std::string ReadFrom(kv::Port& port, std::size_t count) {
     silence = result == kv::Port::Result::Nothing ? silence + 1 : 0;
   }
   return bytes;
+}
+
+// Why a port does not open.
+inline kv::PortError WhyNot(kv::Port& port, kv::Duration limit = std::chrono::seconds(5)) {
+  const auto opened = port.Open(limit);
+  EXPECT_FALSE(opened.has_value()) << port.Description();
+  return opened ? kv::PortError() : opened.error();
 }
 
 inline bool WriteAll(kv::Port& port, std::string_view bytes) {

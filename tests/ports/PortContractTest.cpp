@@ -1,6 +1,7 @@
 // What a channel may rely on, whatever kind of port it has got: one run of each promise for each kind.
 
 #include <gtest/gtest.h>
+#include <netinet/tcp.h>
 
 #include <memory>
 #include <utility>
@@ -30,6 +31,7 @@ class Line {
   virtual void Give(std::string_view bytes) = 0;
   virtual void HangUp() = 0;
   [[nodiscard]] virtual bool IsPartnerAlone() = 0;
+  [[nodiscard]] virtual int PartnerHandle() const { return -1; }
 
   std::unique_ptr<Port> port;
   Pacer* pacer = nullptr;
@@ -41,7 +43,8 @@ class RealLine : public Line {
   std::string Take(std::size_t count) override { return partner.Take(count); }
   void Give(std::string_view bytes) override { partner.Give(bytes); }
   void HangUp() override { partner.Close(); }
-  bool IsPartnerAlone() override { return partner.Take(1).empty(); }
+  bool IsPartnerAlone() override { return partner.HasEnded(); }
+  int PartnerHandle() const override { return partner.Get(); }
 
  protected:
   kvtest::Descriptor partner;
@@ -170,6 +173,35 @@ TEST_P(PortContract, SilenceTakesItsSlice) {
   EXPECT_TRUE(port.IsOpen());
 }
 
+TEST_P(PortContract, KeepsTheRestWhenTheLineTakesNoMore) {
+  ASSERT_TRUE(line->Open());
+  if (dynamic_cast<InProcess*>(line.get())) return;  // takes everything
+  const std::string bytes(16'000'000, 'k');
+  std::string_view rest = bytes;
+  auto result = Port::Result::Done;
+  while (result == Port::Result::Done && !rest.empty()) result = port.Write(rest, milliseconds(1));
+  ASSERT_EQ(result, Port::Result::Nothing);
+  const std::size_t sent = bytes.size() - rest.size();
+  EXPECT_EQ(line->Take(sent).size(), sent);
+  EXPECT_EQ(port.Write(rest, milliseconds(1)), Port::Result::Done);
+}
+
+TEST_P(PortContract, AFrameLeavesWithTheCallThatWritesIt) {
+  ASSERT_TRUE(line->Open());
+  int sockets = 0;
+  for (int handle = 0; handle < 1000; ++handle) {
+    int isOn = 0;
+    socklen_t size = sizeof isOn;
+    if (handle == line->PartnerHandle() || ::getsockopt(handle, IPPROTO_TCP, TCP_NODELAY, &isOn, &size) != 0) continue;
+    sockaddr_in peer{};
+    size = sizeof peer;
+    if (::getpeername(handle, reinterpret_cast<sockaddr*>(&peer), &size) != 0) continue;  // it listens
+    EXPECT_NE(isOn, 0) << "a second frame would wait for the answer to the first";
+    ++sockets;
+  }
+  EXPECT_EQ(sockets, GetParam().hasSpeed ? 0 : 1);
+}
+
 // The number of a handle that was given back may belong to somebody else by now.
 TEST_P(PortContract, ClosedTwiceItTakesNothingFromTheNextAndOpensAgain) {
   ASSERT_TRUE(line->Open());
@@ -206,8 +238,10 @@ TEST_P(PortContract, OnlyAnOpenLineWithASpeedTakesAnother) {
   const bool isInProcess = std::string_view(GetParam().name) == "simulated";  // set before it is opened
   EXPECT_EQ(port.SetBaudRate(9600), isInProcess);
   ASSERT_TRUE(line->Open());
-  EXPECT_EQ(port.SetBaudRate(9600), GetParam().hasSpeed);
-  EXPECT_EQ(port.ByteTime(), GetParam().hasSpeed ? Duration(1042) : Duration{});
+  for (const auto& [baudRate, byteTime] : {std::pair{9600, 1042}, {200, 50000}}) {
+    EXPECT_EQ(port.SetBaudRate(baudRate), GetParam().hasSpeed);
+    EXPECT_EQ(port.ByteTime(), GetParam().hasSpeed ? Duration(byteTime) : Duration{});
+  }
   EXPECT_FALSE(port.SetBaudRate(0));
 }
 

@@ -40,29 +40,15 @@ TEST_F(TcpPortTest, TellsAResetFromAClose) {
   EXPECT_THAT(port.LossReason().happened, HasSubstr("broke the connection off"));
 }
 
-TEST_F(TcpPortTest, KeepsTheRestWhenTheLineTakesNoMore) {
-  const auto partner = Connect(port);
-  const std::string bytes(16'000'000, 'k');
-  std::string_view rest = bytes;
-  auto result = Port::Result::Done;
-  while (result == Port::Result::Done && !rest.empty()) result = port.Write(rest, milliseconds(1));
-  ASSERT_EQ(result, Port::Result::Nothing);
-  const std::size_t sent = bytes.size() - rest.size();
-  EXPECT_EQ(partner.Take(sent).size(), sent);
-  EXPECT_EQ(port.Write(rest, milliseconds(1)), Port::Result::Done);
-}
-
 TEST_F(TcpPortTest, SaysWhyItDoesNotConnect) {
   listener.Close();
-  const auto refused = port.Open(seconds(5));
-  ASSERT_FALSE(refused.has_value());
-  EXPECT_EQ(refused.error().happened, port.Description() + " refused the connection");
-  EXPECT_THAT(refused.error().cause, HasSubstr("nothing listens on that TCP port"));
+  const PortError refused = kvtest::WhyNot(port);
+  EXPECT_EQ(refused.happened, port.Description() + " refused the connection");
+  EXPECT_THAT(refused.cause, HasSubstr("nothing listens on that TCP port"));
 
   // The name is refused by the system itself, without asking anybody.
-  const auto unknown = TcpPort("no..such..host", 20300, pacer).Open(seconds(5));
-  ASSERT_FALSE(unknown.has_value());
-  EXPECT_EQ(unknown.error().happened, "the host of no..such..host:20300 is not known");
+  TcpPort unknown("no..such..host", 20300, pacer);
+  EXPECT_EQ(kvtest::WhyNot(unknown).happened, "the host of no..such..host:20300 is not known");
 }
 
 TEST_F(TcpPortTest, GivesUpAtTheLimitAndWhenItIsStopped) {
@@ -78,15 +64,11 @@ TEST_F(TcpPortTest, GivesUpAtTheLimitAndWhenItIsStopped) {
   WorkingPacer painting;
   painting.onTurn = [&turns](Instant) { ++turns; };
   TcpPort silent("127.0.0.1", full.Port(), painting);
-  const auto late = silent.Open(milliseconds(50));
-  ASSERT_FALSE(late.has_value());
-  EXPECT_THAT(late.error().happened, HasSubstr("did not answer in time"));
+  EXPECT_THAT(kvtest::WhyNot(silent, milliseconds(50)).happened, HasSubstr("did not answer in time"));
   EXPECT_GT(turns, 0) << "the window is painted meanwhile";
 
   painting.RequestStop();
-  const auto stopped = silent.Open(std::chrono::hours(1));
-  ASSERT_FALSE(stopped.has_value());
-  EXPECT_THAT(stopped.error().happened, HasSubstr("was stopped"));
+  EXPECT_THAT(kvtest::WhyNot(silent, std::chrono::hours(1)).happened, HasSubstr("was stopped"));
 }
 
 }  // namespace
