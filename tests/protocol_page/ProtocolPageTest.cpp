@@ -103,6 +103,9 @@ TEST(ProtocolPage, ThePanel) {
     EXPECT_EQ(command->home, TextCommand::Home::CompactWithDisplay);
     EXPECT_EQ(operation->models, sim::BlockOperation::Models::WithDisplay);
     EXPECT_EQ(operation->takesPayload, row[6] != "none");
+    EXPECT_EQ(ChangesSomething(command->name), row[2] != "R");
+    EXPECT_NE(BlockFactsOf(operation->opCode).name, "unknown operation");
+    EXPECT_EQ(BlockFactsOf(operation->opCode).isRead, row[2] == "R");
   }
 }
 
