@@ -21,7 +21,8 @@ namespace kv {
 [[nodiscard]] MessageBox StopQuestion();
 
 // What helps who is asked for a password that there is not.
-inline constexpr std::string_view kAnyPassword = "A controller without a password takes any text, but not none.";
+inline constexpr std::string_view kAnyPassword =
+    "A controller that has no password takes any text; an empty one is not taken.";
 // Asked before the segments are listed; an empty text is none.
 [[nodiscard]] InputBox PasswordQuestion(const std::string& controller);
 
