@@ -126,6 +126,8 @@ AurexOsSender::Step AurexOsSender::Program() {
   }
   // What it received is gone when its power has failed meanwhile, and its O/S with it.
   if (auto idle = WaitUntilIdle(TopicCheck::On); !idle) return idle;
+  constexpr int kAll = 100;
+  mWork.window.Programmed(kAll);
   mWork.left = ControllerLeft::OsWaits;
   return {};
 }

@@ -1,14 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QFileInfo>
 #include <QFrame>
 #include <QImage>
+#include <QLabel>
 #include <QPalette>
 #include <QPushButton>
 #include <QSplitter>
 #include <QTableWidget>
+#include <QTextEdit>
 #include <QVBoxLayout>
 
 #include "base/ProfileStrings.h"
@@ -113,6 +116,27 @@ TEST(ScrollPageTest, ADialogFollowsItsContentAsFarAsTheScreenGoes) {
     EXPECT_TRUE(WaitUntil([&] { return dialog.height() >= least && dialog.height() < least + 200; })) << height;
     EXPECT_LE(dialog.height(), room);
     EXPECT_LE(button->mapTo(&dialog, QPoint(0, button->height())).y(), dialog.height());
+  }
+}
+
+// What is beside it takes the rest, and the window stays as large as the user has made it, each time that it opens.
+TEST(ScrollPageTest, ADialogKeepsTheSizeThatItWasGiven) {
+  QDialog dialog;
+  auto* text = new QLabel(QString("a long text ").repeated(20));
+  text->setWordWrap(true);
+  auto* content = new QWidget;
+  (new QVBoxLayout(content))->addWidget(text);
+  auto* scrolled = new ScrollPage(content, &dialog);
+  scrolled->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+  auto* page = new QVBoxLayout(&dialog);
+  page->addWidget(scrolled);
+  page->addWidget(new QTextEdit, 1);
+  dialog.resize(600, 500);
+  for (int i = 0; i < 3; ++i) {
+    dialog.show();
+    QApplication::processEvents();
+    EXPECT_EQ(dialog.height(), 500);
+    dialog.hide();
   }
 }
 

@@ -1,6 +1,7 @@
 #include "desktop/ui/ScrollPage.h"
 
 #include <QEvent>
+#include <QLayout>
 #include <QScrollBar>
 #include <QWindow>
 #include <algorithm>
@@ -24,9 +25,7 @@ ScrollPage::ScrollPage(QWidget* content, QWidget* parent) : QScrollArea(parent) 
 }
 
 QSize ScrollPage::sizeHint() const {
-  const QSize content = widget()->sizeHint();
-  const int forWidth = widget()->heightForWidth(content.width());
-  return {content.width(), std::max(content.height(), forWidth)};
+  return {widget()->sizeHint().width(), AskedHeight()};
 }
 
 QSize ScrollPage::minimumSizeHint() const {
@@ -55,12 +54,16 @@ bool ScrollPage::IsBeingPlaced() const {
 
 int ScrollPage::AskedHeight() const {
   // Before the window has its size, the viewport is narrower than any content. Scroll bars go when it fits.
-  const int width = std::max(maximumViewportSize().width(), widget()->minimumSizeHint().width());
+  const int viewport = maximumViewportSize().width();
+  const int least = widget()->minimumSizeHint().width();
+  const int width = viewport < least ? widget()->sizeHint().width() : viewport;
   return std::max(widget()->sizeHint().height(), widget()->heightForWidth(width));
 }
 
 void ScrollPage::FollowContent() {
   updateGeometry();
+  // Beside what takes all room that is left, the page has no more than it asks for.
+  if (window()->layout()) window()->layout()->activate();
   const int change = AskedHeight() - maximumViewportSize().height();
   if (!isVisible() || change == 0 || window()->windowType() != Qt::Dialog || window()->isMaximized()) return;
   const int height = std::min(window()->height() + change, RoomFor(*window()).height());
