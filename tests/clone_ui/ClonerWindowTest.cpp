@@ -175,8 +175,8 @@ TEST_F(ClonerWindowTest, OverwritesNothingWithoutAYesToAQuestionThatNamesIt) {
   PlugIn({});
   auto other = driver.GetChannel();
   Restore(0, {PromptAnswer::No});
-  for (const char* named : {"clone.kdf", "Controller: AurexQ50, serial number ", "Simulated", "Its program stops",
-                            "about to be overwritten"}) {
+  for (const char* named : {"clone.kdf", "Controller: AurexQ50, serial number ", "Made from: AurexQ50", "Simulated",
+                            "Its program stops", "about to be overwritten"}) {
     EXPECT_THAT(prompts.Boxes().back().text, HasSubstr(named));
   }
   EXPECT_FALSE(VerifyClone(*other, file)->IsSame());

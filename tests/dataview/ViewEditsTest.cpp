@@ -283,8 +283,11 @@ TEST(ViewFiles, TheSeparatorIsAskedForBeforeTheFile) {
 // ---- all values ----
 
 TEST(ReadAll, AsksForWhatTheControllerHasAndLeavesTheGridsAlone) {
-  for (const auto& [os, requests] : {std::pair("4.00", 35), std::pair("2.00", 18)}) {
-    DataViewFixture fixture;
+  for (const auto& [model, os, requests] : {std::tuple("K220-22-R1", "3.00", 35),
+                                            {"K220-22-R1", "2.99", 18},
+                                            {"K450-45", "a;b;c;O/S 1.1;", 69},
+                                            {"K450-45", "a;b;c;O/S 1.0;", 35}}) {
+    DataViewFixture fixture(model);
     fixture.channel->version->osVersion = os;
     fixture.view.Edit(MI, 3, "8");
     const CallLog log = fixture.Run("ID_ReadAll");

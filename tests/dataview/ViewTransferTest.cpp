@@ -85,6 +85,11 @@ TEST(ReadRegions, FailingAtAnyCallLeavesWhatWasShown) {
     fixture.channel->failAt = 3;
     fixture.Run("ID_ReadAll");
     EXPECT_THAT(fixture.view.Status().message, HasSubstr("no reply")) << "not even the version was told";
+    fixture.channel->failAt = -1;
+    fixture.view.SelectRegions({1, 2});
+    fixture.Run("ID_RemoveRegion");
+    fixture.Run("ID_WriteRegions");
+    EXPECT_FALSE(fixture.view.Status().loss) << "one region that is written is enough";
   }
 }
 
@@ -372,6 +377,16 @@ TEST(OnLine, GoesOnByItselfWithTheSameControllerOnly) {
   EXPECT_THAT(fixture.Taken(), testing::Contains("Driver CloseDriver")) << "the link would refuse it for good";
   EXPECT_FALSE(fixture.view.IsOtherController());
   EXPECT_THAT(said, HasSubstr("another controller than before: its serial number is 1002, not 1001"));
+
+  fixture.channel->info.reset();
+  for (const LinkErrorCode code : {LinkErrorCode::Refused, LinkErrorCode::NotSupported, LinkErrorCode::NoReply}) {
+    said.clear();
+    fixture.channel->error.code = code;
+    fixture.Run("ID_OnLine");
+    EXPECT_EQ(said.empty(), code == LinkErrorCode::NoReply) << "one that does not tell its number can be watched";
+    fixture.view.WatchAgain(true);
+    EXPECT_THAT(fixture.Taken(), testing::Not(Contains("ReadOperandList @1: 0,3,0,2,0"))) << "but not found again";
+  }
 }
 
 }  // namespace

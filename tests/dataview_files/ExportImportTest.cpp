@@ -66,20 +66,6 @@ TEST(ExportImport, BringsAllValuesBackWithAnySeparator) {
   }
 }
 
-TEST(ExportImport, TakesWhatTheFileSaysOfItsOperandsAndNoOthers) {
-  const std::tuple<const char*, const char*, const char*> cases[] = {
-      {"Operand Type,0,1,2\r\nMB,1\r\nMI,1,,\r\nMF\r\n", "1:0=1 2:0=1 2:2= ", "Left out: 1 line without values."},
-      {"Operand Type,Address,Value\nMI,31,0\nmi,2,7\nTIMER PRESET,3,00:00:02.00\n", "2:31=0 13:3=00:00:02.00 ", ""},
-  };
-  Fixture fixture;
-  for (const auto& [bytes, cells, note] : cases) {
-    const auto imported = ImportCsv(fixture.folder.Put("values.csv", bytes), fixture.store, ',');
-    ASSERT_TRUE(imported) << imported.error().reason;
-    EXPECT_EQ(TextsOf(imported->cells), cells);
-    EXPECT_EQ(imported->note, note);
-  }
-}
-
 // Office programs keep times as parts of a day; read as text, "1" is an hour and "0.5" five minutes.
 TEST(ExportImport, TakesNoNumberForATime) {
   Fixture fixture;

@@ -9,6 +9,7 @@
 #include <QToolButton>
 
 #include "dataview/ui/GridColours.h"
+#include "dataview/ui/ViewStatusBar.h"
 #include "tests/dataview_ui/ViewFixture.h"
 #include "tests/desktop_ui/UsableWindow.h"
 
@@ -265,20 +266,30 @@ TEST_F(DataTypesWindowTest, WhatWasReadIsRepaintedAndSaysHowOldItIs) {
   EXPECT_EQ(tip(Cell(MB, 1)), "MB 1: not read");
   EXPECT_EQ(tip(Cell(DW, 256)), "DW ends at address 255");
   EXPECT_EQ(tip(Cell(DBI, 0)), "This model has no DBI");
+  cells.clear();
+  Trigger("VIEW_HideRows");
+  EXPECT_EQ(cells.back().at(0).toModelIndex(), Cell(MB, 0)) << "all rows are shown anew";
   Operands().model()->setData(Cell(MB, 0), "1");
   EXPECT_THAT(tip(RegionIndex(0, RegionColumn::Values)), HasSubstr("Values edited")) << "nobody has read it";
 }
 
 TEST_F(DataTypesWindowTest, EachStateOfACellIsSeen) {
   Open();
+  const auto drawn = [this](OperandTypeCode type, int address) {
+    return Operands().viewport()->grab(Operands().visualRect(Cell(type, address))).toImage();
+  };
+  AddRegion(MI, 8, 8);
+  QTest::keyClick(&Type(Cell(MI, 8), "12"), Qt::Key_Return);
+  ASSERT_TRUE(IsEditorGone());
+  const QImage slanted = drawn(MI, 8);
+  Trigger("ID_WriteRegions");
+  const QRect digits = slanted.rect().adjusted(0, 0, -10, 0);
+  EXPECT_NE(drawn(MI, 8).copy(digits), slanted.copy(digits)) << "what is edited is slanted";
   QTest::keyClick(&Type(Cell(MI, 2), "12"), Qt::Key_Return);
   ASSERT_TRUE(IsEditorGone());
   AddRegion(MI, 4, 6);
   Select(MB, 0, MB, 0);
   const GridColours colours = ColoursFor(Operands().palette());
-  const auto drawn = [this](OperandTypeCode type, int address) {
-    return Operands().viewport()->grab(Operands().visualRect(Cell(type, address))).toImage();
-  };
   const auto at = [](const QImage& image, double x, double y) {
     return image.pixelColor(static_cast<int>(x * (image.width() - 1)), static_cast<int>(y * (image.height() - 1)));
   };
@@ -291,6 +302,7 @@ TEST_F(DataTypesWindowTest, EachStateOfACellIsSeen) {
     const QImage cell = drawn(MI, address);
     EXPECT_EQ(at(cell, 0.5, 0.0), colours.region) << "the frame of a region";
     EXPECT_EQ(at(cell, 0.5, 1.0), colours.region);
+    EXPECT_EQ(cell.pixelColor(cell.width() / 2, 1), colours.writable) << "thin, as it is not selected";
     EXPECT_EQ(at(cell, 0.0, 0.5), address == 4 ? colours.region : colours.writable);
     EXPECT_EQ(at(cell, 1.0, 0.5), address == 6 ? colours.region : colours.writable);
   }
@@ -302,6 +314,36 @@ TEST_F(DataTypesWindowTest, EachStateOfACellIsSeen) {
   }
   EXPECT_GT(left, text.width() / 2) << "two digits stand at the right";
   EXPECT_LT(left, text.width()) << "and are drawn";
+}
+
+TEST_F(DataTypesWindowTest, TheStatusBarShowsHowFarItIsAndHowFast) {
+  const std::tuple<ViewMode, std::uint64_t, double, std::size_t, const char*> rows[] = {
+      {ViewMode::Idle, 0, 0, 0, "Not watching||"},
+      {ViewMode::Busy, 2, 0, 3, "Busy||3 edited"},
+      {ViewMode::Online, 0, 7, 0, "Watching|First pass: 1 of 3 regions|"},
+      {ViewMode::Online, 1, 0, 1, "Watching|Counting|1 edited"},
+      {ViewMode::Online, 1, 7.26, 0, "Watching|7.3 passes/s|"},
+      {ViewMode::Online, 9, 72.6, 0, "Watching|73 passes/s|"},
+      {ViewMode::Online, 9, 1e6, 0, "Watching|over 1000 passes/s|"},
+  };
+  ViewStatusBar bar(nullptr);
+  for (const auto& [mode, passes, aSecond, edited, shown] : rows) {
+    ViewStatus status;
+    status.mode = mode;
+    status.passes = passes;
+    status.passesPerSecond = aSecond;
+    status.edited = edited;
+    status.done = 1;
+    status.total = 3;
+    bar.Show(status, "");
+    std::string texts;
+    for (const char* name : {"lblMode", "lblPasses", "lblEdited"}) {
+      const auto& field = Find<QLabel>(bar, name);
+      EXPECT_EQ(field.isHidden(), field.text().isEmpty()) << name;
+      texts += (texts.empty() ? "" : "|") + field.text().toStdString();
+    }
+    EXPECT_EQ(texts, shown);
+  }
 }
 
 TEST_F(DataTypesWindowTest, ColumnsBecomeWiderAndNarrowerWithinBoundsAndStaySo) {
@@ -341,6 +383,18 @@ TEST_F(DataTypesWindowTest, ASilentControllerNeitherFreezesTheWindowNorHoldsItsU
     EXPECT_TRUE(window->isVisible());
     EXPECT_FALSE(Tool("ID_OnLine").isChecked());
   }
+
+  Link({}, std::chrono::seconds(30));
+  std::string told;
+  const auto busy = [this] { return window->findChild<QLabel*>("lblBusy"); };
+  Online({{[&] { return !Value(MI, 0).empty(); }, [&] { isMuted = true; }},
+          {[&] { return busy() && busy()->isVisible(); },
+           [&] {
+             told = busy()->text().toStdString();
+             isMuted = false;
+           }},
+          {[&] { return !busy(); }, [] {}}});
+  EXPECT_EQ(told, "Waiting for an answer of the controller");
 }
 
 TEST_F(DataTypesWindowTest, TheCursorGoesToANamedOperand) {
@@ -353,7 +407,8 @@ TEST_F(DataTypesWindowTest, TheCursorGoesToANamedOperand) {
     const char* told;
   } cases[] = {
       {"mi 1000", MI, 1000, ""},
-      {"12", MI, 12, ""},
+      {"mb 7", MB, 7, ""},
+      {"12", MB, 12, ""},
       {"timer preset", TimerPreset, 0, ""},
       {"MI 9999", TimerPreset, 0, "MI has the addresses 0 to 4095."},
       {"DBI 1", TimerPreset, 0, "has no DBI"},

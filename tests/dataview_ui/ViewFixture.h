@@ -28,6 +28,25 @@ struct CancelledSelector final : HexSelectorWindow {
   std::optional<std::string> Edit(const std::string&) override { return std::nullopt; }
 };
 
+// A line on which nothing comes back while it is muted.
+class MutedLine final : public InProcessLine {
+ public:
+  MutedLine(std::unique_ptr<InProcessLine> line, const bool& isMuted) : mLine(std::move(line)), mIsMuted(isMuted) {}
+  bool Connect(Instant now) override { return mLine->Connect(now); }
+  void Disconnect(Instant now) override { mLine->Disconnect(now); }
+  bool IsConnected() const override { return mLine->IsConnected(); }
+  void Write(std::string_view bytes, Instant now) override { mLine->Write(bytes, now); }
+  std::string Read(Instant now) override {
+    std::string bytes = mLine->Read(now);
+    return mIsMuted ? std::string() : bytes;
+  }
+  std::optional<Instant> NextEvent() const override { return mLine->NextEvent(); }
+
+ private:
+  std::unique_ptr<InProcessLine> mLine;
+  const bool& mIsMuted;
+};
+
 // The operand view in a session of its own, on a simulated controller with a large memory.
 class ViewFixture : public ::testing::Test {
  protected:
@@ -141,7 +160,12 @@ class ViewFixture : public ::testing::Test {
   PacerWallClock clock;
   MemoryClipboard clipboard;
   SimulatedControllers controllers{std::filesystem::path()};
-  Driver driver{pacer, [this](const std::string& model) { return std::move(*controllers.NewLine(model)); }, MakePort};
+  bool isMuted = false;
+  Driver driver{pacer,
+                [this](const std::string& model) {
+                  return std::make_unique<MutedLine>(std::move(*controllers.NewLine(model)), isMuted);
+                },
+                MakePort};
   CancelledSelector selector;
   clsHexSelector hexSelector{selector};
   std::unique_ptr<frmDataTypesView> window;

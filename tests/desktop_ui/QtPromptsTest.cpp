@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -73,10 +74,12 @@ TEST_F(QtPromptsTest, AnInputBoxGivesWhatWasTypedAndHidesASecret) {
     auto& input = Find<QLineEdit>(box, "txtInput");
     ExpectControlsCanBeRead(box);
     EXPECT_EQ(input.echoMode(), QLineEdit::Password);
+    EXPECT_EQ(box.windowTitle() + "|" + input.accessibleName() + "|" + Find<QLabel>(box, "lblHint").text(),
+              "Stop|Password|Case counts");
     QTest::keyClicks(&input, "1234");
     QTest::keyClick(&input, Qt::Key_Return);
   });
-  EXPECT_EQ(prompts.Ask({.text = "Password", .secret = true}), "1234");
+  EXPECT_EQ(prompts.Ask({.text = "Password", .title = "Stop", .secret = true, .hint = "Case counts"}), "1234");
   for (const bool isTaken : {false, true}) {
     WhenOpen<QDialog>(user, [&](QDialog& box) { Find<QPushButton>(box, isTaken ? "cmdOk" : "cmdCancel").click(); });
     EXPECT_EQ(prompts.Ask({.text = "Name", .initial = "before"}).value_or("left"), isTaken ? "before" : "left");

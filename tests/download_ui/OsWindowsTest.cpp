@@ -20,6 +20,9 @@ FileList ListOf(std::initializer_list<const char*> names, std::optional<std::siz
 void PressIn(QDialog& dialog, const std::vector<const char*>& buttons) {
   QTimer::singleShot(0, &dialog, [&dialog, buttons] {
     ExpectControlsCanBeRead(dialog);
+    for (const auto* button : dialog.findChildren<QPushButton*>()) {
+      EXPECT_TRUE(button->isDefault() || !button->toolTip().contains("(Enter)")) << button->objectName().toStdString();
+    }
     for (const char* name : buttons) {
       if (*name == 0) {
         dialog.close();

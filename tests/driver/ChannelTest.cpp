@@ -53,15 +53,6 @@ TEST(Channel, WhatNoControllerCanDoIsNotSent) {
   EXPECT_EQ(fixture.trace->Text(), before);
 }
 
-TEST(Channel, CommandRepliesEndWithTheChecksumOfTheirText) {
-  Fixture fixture;
-  EXPECT_EQ(fixture.channel.SendCommand("CCS")->text, "CCOK20");  // 0x43 + 0x43 + 0x4F + 0x4B = 0x120
-  const auto refused = fixture.channel.SendCommand("XY");
-  ASSERT_TRUE(refused) << "a refusal is a reply";
-  EXPECT_TRUE(refused->IsError());
-  EXPECT_EQ(refused->status, 1);
-}
-
 TEST(Channel, OperandListGoesTheWayThatTheControllerUnderstands) {
   const std::vector<OperandListRequest> records = {{0, 3, 5, 2, 0}};
   for (const bool isCompact : {false, true}) {
@@ -103,6 +94,8 @@ TEST(Channel, SpeedChangeKeepsTheConnectionAndPortChangeDoesNot) {
   EXPECT_EQ(fixture.plant.connections, 1);
   EXPECT_TRUE(fixture.channel.OpenLink(5, 0));
   EXPECT_EQ(fixture.channel.GetComParams().link, "serial:COM5,57600,8N1");
+  EXPECT_TRUE(fixture.channel.SetComParams({"serial:COM5,9600,8N1", 0, 0}));
+  EXPECT_EQ(fixture.channel.GetComParams().baudRate, 9600) << "that of the text, where none is given";
   EXPECT_TRUE(fixture.channel.SetComParams(before));
   EXPECT_EQ(fixture.channel.GetComParams(), before);
   EXPECT_EQ(fixture.plant.connections, 3);

@@ -40,35 +40,21 @@ TEST(LinkText, ParsesAndPrintsEveryKind) {
 }
 
 TEST(LinkText, SaysWhatItExpected) {
-  for (const char* text : {"",
-                           "sim:",
-                           "COM3",
-                           "tcp:",
-                           "tcp::20300",
-                           "tcp:host:0",
-                           "tcp:host:65536",
-                           "tcp:::1:5",
-                           "tcp:[::1",
-                           "tcp:[::1]x",
-                           "serial:COM3,100",
-                           "serial:COM3,9600,9N1",
-                           "serial:COM3,9600,8N1,x",
-                           "modem:COM3",
-                           "modem:COM3,",
-                           "modem:COM3,0,12345",
-                           "modem:COM3,0,9600",
-                           "modem:COM3,0123,45678",
-                           "modem:COM3,\"0,1",
-                           "modem:COM3,0123,9600,45",
-                           "modem:COM3,0123,9600,AT,E0",
-                           "modem:COM3,0123,9600,AT\r",
-                           "serial:\"a\"b",
-                           "serial:\"\"",
-                           "listen:",
-                           "listen:x"}) {
-    const auto parsed = ParseLink(text);
-    ASSERT_FALSE(parsed) << text;
-    EXPECT_NE(parsed.error().find("expected"), std::string::npos) << parsed.error();
+  const std::pair<std::string, std::vector<const char*>> rows[] = {
+      {"", {"", "COM3"}},
+      {"sim:", {""}},
+      {"tcp:", {"", ":20300", "host:0", "host:65536", "::1:5", "[::1", "[::1]x"}},
+      {"serial:", {"", ",9600", "COM3,100", "COM3,9600,9N1", "COM3,9600,8N1,x", "\"a\"b", "\"\""}},
+      {"modem:", {"COM3", "COM3,", ",0123", "COM3,0,12345", "COM3,0,9600", "COM3,0123,45678", "COM3,\"0,1"}},
+      {"modem:COM3,0123,9600,", {"45", "AT,E0", "AT\r"}},
+      {"listen:", {"", "x"}},
+  };
+  for (const auto& [kind, rests] : rows) {
+    for (const char* rest : rests) {
+      const auto parsed = ParseLink(kind + rest);
+      ASSERT_FALSE(parsed) << kind << rest;
+      EXPECT_NE(parsed.error().find("expected"), std::string::npos) << parsed.error();
+    }
   }
 }
 

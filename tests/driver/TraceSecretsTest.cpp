@@ -62,6 +62,11 @@ void PlayAll(const Asked& asked, const Add& add) {
   using enum Trace::Direction;
   const std::string& request = asked.request;
   add(Sent, request);
+  for (const std::string& reply : asked.replies) {
+    add(Received, reply);
+    add(Dropped, reply);
+    add(Dropped, reply.substr(5));
+  }
   for (const Trace::Direction arrived : {Received, Dropped}) add(arrived, request);
   add(Dropped, Lower(request));
   for (std::size_t at = 1; at < request.size(); ++at) {           // split, and cut at both ends
@@ -82,11 +87,6 @@ void PlayAll(const Asked& asked, const Add& add) {
     ++damaged[3];
     --damaged[4];
     add(Received, damaged);
-  }
-  for (const std::string& reply : asked.replies) {
-    add(Received, reply);
-    add(Dropped, reply);
-    add(Dropped, reply.substr(5));
   }
 }
 
@@ -110,6 +110,7 @@ TEST(TraceSecrets, NothingInTheTraceDependsOnThePassword) {
   const std::vector<Asked> one = AllWith("1234");
   const std::vector<Asked> other = AllWith("Zz/9@ab");
   for (std::size_t i = 0; i < one.size(); ++i) EXPECT_EQ(TextAfter(one[i]), TextAfter(other[i]));
+  EXPECT_NE(TextAfter(one[0]).find("<-- /01AC1234OK"), std::string::npos) << "and a good reply is kept";
 }
 
 TEST(TraceSecrets, AnEchoingLineTellsNoPassword) {

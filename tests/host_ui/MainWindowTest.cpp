@@ -262,6 +262,7 @@ TEST_F(MainWindowTest, TheLogHasItsMenu) {
     Trigger(window, "ID_OnLine");
     auto& log = Find<QTableView>(window, "tblLog");
     ASSERT_GT(log.model()->rowCount(), 0);
+    const QAbstractItemModelTester tester(log.model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
     When(
         window, [] { return QApplication::activePopupWidget() != nullptr; },
         [&] {

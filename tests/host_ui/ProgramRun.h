@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QApplication>
-#include <QDialog>
 #include <QMainWindow>
 #include <QTimer>
 #include <filesystem>
@@ -10,18 +9,6 @@
 #include "apps/KvTeleExe/TelepanelProgram.h"
 
 namespace kv::test {
-
-// Does something to the dialog that opens next while `context` lives.
-inline void WithNextDialog(QObject& context, const std::function<void(QDialog& dialog)>& use) {
-  auto* timer = new QTimer(&context);
-  QObject::connect(timer, &QTimer::timeout, &context, [=] {
-    auto* dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
-    if (!dialog) return;
-    timer->stop();
-    use(*dialog);
-  });
-  timer->start(10);
-}
 
 inline QMainWindow* ShownMainWindow() {
   for (QWidget* widget : QApplication::topLevelWidgets()) {

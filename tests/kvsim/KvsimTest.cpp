@@ -188,6 +188,12 @@ TEST_F(KvsimTest, SaysWhatIsWrongWithWhatItWasTold) {
     EXPECT_EQ(kvsim.End(), exitCode) << testing::PrintToString(arguments);
     EXPECT_THAT(kvsim.Complaint(), HasSubstr(complaint));
   }
+  KvsimProcess models({"--list-models"});
+  EXPECT_EQ(models.End(), 0);
+  for (const char* line :
+       {"\nK220-22-R1 +Aurex +4.60 +text\n", "\nK450-45 +Aurex +1.10 +colour\n", "\nPR1 +compact +4.60 +none\n"}) {
+    EXPECT_THAT(models.Output(), testing::ContainsRegex(line));
+  }
   KvsimProcess help({"--help"});
   EXPECT_EQ(help.End(), 0);
   EXPECT_THAT(help.Output(), StartsWith("Examples:"));

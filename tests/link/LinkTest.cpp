@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "desktop/ScriptedPrompts.h"
-#include "link/LinkError.h"
 #include "link/OsVersion.h"
 #include "link/PromptedPassword.h"
 #include "link/ReconnectPauses.h"
@@ -13,26 +12,6 @@
 // clang-format off: the tables are laid out by hand
 namespace kv {
 namespace {
-
-TEST(LinkError, ReadsAsOneSentenceALine) {
-  const LinkError whole{.code = LinkErrorCode::NoReply,
-                        .doing = "reading MI 0..59",
-                        .happened = "no reply after 3 tries",
-                        .cause = "the controller is switched off",
-                        .cure = "check cable and power."};
-  EXPECT_EQ(whole.Text(),
-            "Reading MI 0..59 failed: no reply after 3 tries.\n"
-            "Likely cause: the controller is switched off.\n"
-            "What to do: check cable and power.");
-  LinkError bare;
-  bare.code = LinkErrorCode::Stopped;
-  bare.happened = "stopped by the user";
-  EXPECT_EQ(bare.Text(), "Stopped by the user.");
-  bare.doing = "opening COM3";
-  bare.happened.clear();
-  EXPECT_EQ(bare.Text(), "Opening COM3 failed.");
-  EXPECT_EQ(LinkError{}.Text(), "");
-}
 
 // Nobody is asked for what is known, and no controller is given twice what it has refused.
 TEST(PromptedPassword, GivesTheKnownOneFirstAndAsksWhenItIsWrong) {

@@ -54,15 +54,6 @@ TEST(CsvTest, ReadsWhatOtherProgramsWrite) {
 
 using Values = std::vector<OperandValue>;
 
-TEST(CsvTest, TheGridIsALineForEachType) {
-  const TypeTexts rows[] = {{MB, {"0", "1", ""}}, {TimerPreset, {"00:00:01.00"}}, {MF, {"nan", "1.5"}}};
-  EXPECT_EQ(PrintGridCsv(rows, ';'),
-            "Operand Type;0;1;2\r\n"
-            "MB;0;1;\r\n"
-            "TIMER PRESET;00:00:01.00\r\n"
-            "MF;nan;1.5\r\n");
-}
-
 TEST(CsvTest, LinesBelongToTheTypeTheyNameOrToTheirRow) {
   const auto read = ParseOperandCsv(
       "Operand Type,0,1\n"

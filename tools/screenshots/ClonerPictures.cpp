@@ -12,7 +12,7 @@
 
 #include "base/Bytes.h"
 #include "clone/CloneFrame.h"
-#include "tests/host_ui/ProgramRun.h"
+#include "tools/screenshots/NextDialog.h"
 
 namespace kv::test {
 namespace {

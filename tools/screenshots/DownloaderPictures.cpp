@@ -13,7 +13,7 @@
 #include <QTimer>
 
 #include "download/ui/frmBrioQ50OsInfo.h"
-#include "tests/host_ui/ProgramRun.h"
+#include "tools/screenshots/NextDialog.h"
 
 namespace kv::test {
 namespace {

@@ -20,6 +20,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tools/screenshots/ClonerPictures.h"
 #include "tools/screenshots/DownloaderPictures.h"
+#include "tools/screenshots/NextDialog.h"
 #include "tools/screenshots/PictureComparison.h"
 
 namespace kv::test {

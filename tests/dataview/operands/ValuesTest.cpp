@@ -53,6 +53,15 @@ TEST(RowDisplay, ShowsEverySizeAndFormat) {
   for (const auto& [type, values, size, format, text] : rows) {
     EXPECT_EQ(DisplayRow(type, values, size, format), text) << TypeName(type) << SizeName(size) << FormatName(format);
   }
+  for (const OperandTypeCode bits : {MB, XB, SB, Input, Output}) {
+    EXPECT_EQ(DisplayRow(bits, Texts{"1", "0"}, Bit8, Hex), "01 00") << TypeName(bits);
+  }
+  for (const OperandTypeCode texts :
+       {TimerPreset, TimerCurrent, TimerValue, CounterPreset, CounterCurrent, CounterValue}) {
+    EXPECT_EQ(DisplayRow(texts, Texts{"1", "0"}, Bit8, Hex), "1 0") << TypeName(texts);
+  }
+  EXPECT_EQ(SizeComboList(MI), "#1;8 BIT|#2;16 BIT|#4;32 BIT");
+  EXPECT_EQ(FormatComboList(Bit1), "#2;BINARY");
 }
 
 TEST(TimerText, ShowsAndReadsTimes) {
