@@ -40,7 +40,7 @@ class DataTypesView {
   // asked to stop.
   bool Close();
 
-  [[nodiscard]] std::string Caption() const { return mContext.Caption(); }  // "Data Types - Default"
+  [[nodiscard]] std::string Caption() const { return mContext.Caption(); }  // "Operand View - Default"
   [[nodiscard]] const OperandStore& Operands() const { return mContext.state.operands; }
   [[nodiscard]] const RegionTable& Regions() const { return mContext.state.regions; }
   [[nodiscard]] const GridSettings& Settings() const { return mContext.state.settings; }

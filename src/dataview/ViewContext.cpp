@@ -10,7 +10,7 @@ namespace kv::mdlDataTypesView {
 namespace {
 
 constexpr Duration kProgressPause = std::chrono::milliseconds(100);
-constexpr std::string_view kTitle = "Data Types";
+constexpr std::string_view kTitle = "Operand View";
 
 // A message is noticed within two seconds, and read at some 16 characters a second.
 constexpr Duration kNoticing = std::chrono::seconds(2);

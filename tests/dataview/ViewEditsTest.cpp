@@ -11,7 +11,7 @@ namespace {
 constexpr auto kYes = PromptAnswer::Yes;
 constexpr auto kNo = PromptAnswer::No;
 constexpr const char* kDeletesQuestion =
-    "Box (?) Data Types - Default: Performing this operation will delete all of the current values. Do you want to "
+    "Box (?) Operand View - Default: Performing this operation will delete all of the current values. Do you want to "
     "continue?";
 
 TEST(Edit, RefusesWhatCannotBeWrittenAndSaysWhatCan) {
@@ -326,7 +326,7 @@ TEST(WriteAll, WritesEveryTextThatMayBeWritten) {
   EXPECT_THAT(fixture.Run("ID_WriteAll", {kOk}), testing::Not(Contains(HasSubstr("Write"))));
   for (const std::int32_t address : {0, 1, 3}) fixture.view.Edit(MI, address, "8");
   for (std::int32_t address = 10; address < 41; ++address) fixture.view.Edit(ML, address, "-8");
-  constexpr const char* kQuestion = "Box (?) Data Types - Default: Write 34 values to COM3, 115200 8N1, unit 1?";
+  constexpr const char* kQuestion = "Box (?) Operand View - Default: Write 34 values to COM3, 115200 8N1, unit 1?";
   EXPECT_THAT(fixture.Run("ID_WriteAll", {PromptAnswer::No}), ElementsAre(kQuestion));
   EXPECT_TRUE(fixture.prompts.Boxes().back().canLose) << "Enter does not write";
   const CallLog log = fixture.Run("ID_WriteAll", {PromptAnswer::Yes, kOk});

@@ -25,12 +25,13 @@ CallLog WithReadBack(CallLog requests, const CallLog& reads) {
 }
 
 constexpr const char* kOutOfRangeBox =
-    "Box (!) Data Types - Default: The values you have entered are out of the legal range for this data type.";
+    "Box (!) Operand View - Default: The values you have entered are out of the legal range for this data type.";
 constexpr const char* kNotSupportedBox =
-    "Box (!) Data Types - Default: Some of the defined regions are not supported by the O/S currently installed in the "
+    "Box (!) Operand View - Default: Some of the defined regions are not supported by the O/S currently installed in "
+    "the "
     "controller.";
 constexpr const char* kReadOnlyBox =
-    "Box (!) Data Types - Default: Values cannot be written to some of the defined regions. \r\n"
+    "Box (!) Operand View - Default: Values cannot be written to some of the defined regions. \r\n"
     "This is because the defined regions include data types that cannot be written to in the controller. \r\n"
     "All legal values will be written to permitted regions.";
 

@@ -214,7 +214,7 @@ TEST_F(DataTypesWindowTest, ClosingEndsTheOnLineModeAndOpeningFindsEverything) {
   EXPECT_TRUE(Operands().isRowHidden(RowOfType(XB) - 1));
   EXPECT_EQ(Value(MI, 7), "123");
   EXPECT_EQ(Label("lblEdited"), "1 edited");
-  EXPECT_EQ(window->windowTitle(), "Data Types - Default");
+  EXPECT_EQ(window->windowTitle(), "Operand View - Default");
   EXPECT_EQ(Label("lblAge"), "Values from before");  // and not as if they had just been read
   Trigger("ID_ReadRegions");
   AddRegion(MI, 7, 7);

@@ -96,7 +96,7 @@ class OperandSheetParser {
 }  // namespace
 
 SheetTable OperandSheetTemplate() {
-  SheetTable sheet{.name = "Data Types"};
+  SheetTable sheet{.name = "Operand View"};
   auto& headings = sheet.rows.emplace_back();
   headings.push_back(CellOf(kAddressHeading));
   for (std::int32_t code = 1; code <= kOperandTypeCount; ++code) {
