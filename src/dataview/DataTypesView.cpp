@@ -1,13 +1,13 @@
 #include "dataview/DataTypesView.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <utility>
 
 #include "dataview/WriteQuestion.h"
 #include "dataview/files/GridFile.h"
 #include "dataview/operands/OperandCatalogue.h"
+#include "desktop/RemainingTime.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
@@ -15,12 +15,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Duration kMarkFades = 2s;
-
-struct AgeUnit {
-  Duration length;
-  std::string_view name;
-};
-constexpr std::array kAgeUnits = {AgeUnit{24h, " d"}, AgeUnit{1h, " h"}, AgeUnit{1min, " min"}, AgeUnit{1s, " s"}};
 
 }  // namespace
 
@@ -229,10 +223,7 @@ std::string DataTypesView::HostDifference() const {
 std::string DataTypesView::AgeText(std::size_t row) const {
   const auto rows = Regions().Rows();
   if (row >= rows.size() || !rows[row].readAt) return {};
-  const Duration age = mContext.Now() - *rows[row].readAt;
-  const auto unit = std::ranges::find_if(kAgeUnits, [age](const AgeUnit& u) { return age >= u.length; });
-  if (unit == kAgeUnits.end()) return "0 s";
-  return std::to_string(age / unit->length) + std::string(unit->name);
+  return kv::AgeText(mContext.Now() - *rows[row].readAt);
 }
 
 double DataTypesView::ChangeMark(OperandTypeCode type, std::int32_t address) const {

@@ -12,6 +12,9 @@ namespace kv {
 // "12 s", "3 min 20 s", "1 h 5 min".
 [[nodiscard]] std::string SpanText(std::chrono::seconds span);
 
+// The same as roughly as an age is told: "12 s", "3 min", "5 h", "2 d".
+[[nodiscard]] std::string AgeText(Duration age);
+
 // How long work will still take, judged by the pace that it has had since it was begun.
 class RemainingTime {
  public:

@@ -10,17 +10,20 @@
 #include <QPalette>
 #include <QPushButton>
 #include <QSplitter>
+#include <QStyle>
 #include <QTableWidget>
 #include <QTextEdit>
 #include <QVBoxLayout>
 
 #include "base/ProfileStrings.h"
 #include "base/ScopeGuard.h"
+#include "desktop/ui/CardLayout.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/QtShell.h"
 #include "desktop/ui/ScrollPage.h"
+#include "desktop/ui/Theme.h"
 #include "desktop/ui/WindowGeometry.h"
-#include "tests/desktop_ui/QtFixture.h"
+#include "tests/desktop_ui/UsableWindow.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv {
@@ -49,6 +52,48 @@ TEST(IconsTest, EveryDrawingIsSeenInTheColourOfThePalette) {
       EXPECT_EQ(image == Drawn("no such icon"), name == "app") << name;
     }
   }
+}
+
+TEST(CardLayoutTest, CardsFillTheRowsThatThereIsRoomFor) {
+  for (const auto& [width, columns] : {std::pair(90, 1), std::pair(330, 3), std::pair(1000, 5)}) {
+    QWidget page;
+    auto* cards = new CardLayout(&page, 100);
+    cards->setContentsMargins({});
+    cards->setSpacing(10);
+    for (int i = 0; i < 5; ++i) {
+      auto* card = new QFrame;
+      card->setMinimumHeight(20 + 10 * i);
+      cards->addWidget(card);
+    }
+    page.resize(width, cards->heightForWidth(width));
+    page.show();
+    QWidget* last = cards->itemAt(4)->widget();
+    EXPECT_EQ(std::ranges::count_if(page.findChildren<QFrame*>(), [](QFrame* card) { return card->y() == 0; }),
+              columns);
+    EXPECT_EQ(last->geometry().bottom(), page.rect().bottom()) << width;
+    EXPECT_LE(last->width(), 200);
+    ExpectNothingIsCovered(page);
+    cards->Clear();
+    EXPECT_EQ(cards->count(), 0);
+  }
+}
+
+TEST(ThemeTest, AChoiceIsKeptAndTakenBack) {
+  const TemporaryFolder folder;
+  const auto file = folder.Path() / "Windows.ini";
+  const auto shade = [] { return QApplication::palette().color(QPalette::Window).lightness(); };
+  const QPalette before = QApplication::palette();
+  const QString style = QApplication::style()->objectName();
+  ThemeChoice(file).Choose(Theme::Dark);
+  EXPECT_LT(shade(), 100);
+  ThemeChoice again(file);
+  EXPECT_EQ(again.Chosen(), Theme::Dark);
+  again.Choose(Theme::Light);
+  EXPECT_GT(shade(), 200);
+  again.Choose(Theme::System);
+  EXPECT_EQ(QApplication::palette(), before);
+  EXPECT_EQ(QApplication::style()->objectName(), style);
+  EXPECT_EQ(ThemeChoice(file).Chosen(), Theme::System);
 }
 
 struct Window : QWidget {

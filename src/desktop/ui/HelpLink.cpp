@@ -1,5 +1,7 @@
 #include "desktop/ui/HelpLink.h"
 
+#include <QEvent>
+#include <QGuiApplication>
 #include <QPalette>
 #include <QPlainTextEdit>
 #include <algorithm>
@@ -15,10 +17,21 @@ HelpLink::HelpLink(QWidget* parent) : QLabel("<a href=\"help\">Help on this</a>"
   setTextFormat(Qt::RichText);
   setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
   connect(this, &QLabel::linkActivated, this, [this] { RequestHelp(*this, mError); });
-  QPalette colours = palette();
-  colours.setColor(QPalette::Link, ReadableLinkColour(colours));
-  setPalette(colours);
+  TakeColour();
   hide();
+}
+
+void HelpLink::changeEvent(QEvent* event) {
+  QLabel::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) TakeColour();
+}
+
+void HelpLink::TakeColour() {
+  const QColor colour = ReadableLinkColour(QGuiApplication::palette());
+  if (palette().color(QPalette::Link) == colour) return;
+  QPalette colours = palette();
+  colours.setColor(QPalette::Link, colour);
+  setPalette(colours);
 }
 
 void HelpLink::Follow(const QString& error) {

@@ -15,7 +15,12 @@ class HelpLink final : public QLabel {
   // The last error that stands in a list of what happened.
   void FollowLast(const QPlainTextEdit& list);
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
+  void TakeColour();
+
   QString mError;
 };
 
