@@ -41,6 +41,7 @@ void TelepanelProgram::Run() {
   mSocketTimer.stop();  // the socket has gone
   mDriver = nullptr;
   mRecorder.reset();
+  mTiles.reset();
   mShared = nullptr;
 }
 
@@ -58,12 +59,15 @@ HostParts TelepanelProgram::Parts() {
   parts.createWindows = [this](SharedState& shared) {
     mShared = &shared;
     RecordChanges(shared);
+    mTiles.emplace(shared);
+    shared.Remote->SetRegionTiles(&*mTiles);
     return MakeToolWindows(
         {shared, mPrompts, mPacer, mClock, mClipboard, mShell, mHexSelector, WindowsFile(mPaths), mStateFolder});
   };
   parts.prompts = &mPrompts;
   parts.shell = &mShell;
   parts.help = &mHelp;
+  parts.clock = &mClock;
   return parts;
 }
 

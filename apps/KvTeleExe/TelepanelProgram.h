@@ -2,12 +2,14 @@
 
 #include <QTimer>
 #include <memory>
+#include <optional>
 
 #include "KvCmDrv1/Driver.h"
 #include "KvCmDrv1/ui/QtDriverDialogs.h"
 #include "apps/KvTeleExe/CharacterSelector.h"
 #include "apps/support/SimulatedControllers.h"
 #include "base/ProgramPaths.h"
+#include "dataview/SessionTiles.h"
 #include "desktop/PacerWallClock.h"
 #include "desktop/ui/QtClipboard.h"
 #include "desktop/ui/QtPacer.h"
@@ -54,7 +56,8 @@ class TelepanelProgram {
   QtDriverDialogs mDialogs;
   Driver* mDriver = nullptr;  // while the program runs
   std::filesystem::path mStateFolder;
-  std::unique_ptr<ChangeRecorder> mRecorder;  // while the program runs
+  std::unique_ptr<ChangeRecorder> mRecorder;             // while the program runs
+  std::optional<mdlDataTypesView::SessionTiles> mTiles;  // while the program runs
   CharacterSelector mCharacters;
   clsHexSelector mHexSelector{mCharacters};
   QTimer mSocketTimer;  // lets the Ethernet socket tell what has happened

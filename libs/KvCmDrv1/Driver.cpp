@@ -130,6 +130,11 @@ std::string Driver::LinkDescription() const {
   return DescribeLink(mChannel ? mChannel->Settings() : mSettings);
 }
 
+std::string Driver::SimulatedModelOf(const SessionLink& session) const {
+  const LinkSettings settings = LoadSettings(PathFromUtf8(session.folder), DefaultsFor(session)).settings;
+  return settings.transport == Transport::Simulated ? settings.model : std::string();
+}
+
 std::string Driver::DescribeSession(const SessionLink& session) const {
   return DescribeLink(LoadSettings(PathFromUtf8(session.folder), DefaultsFor(session)).settings);
 }

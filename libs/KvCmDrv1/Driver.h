@@ -52,6 +52,7 @@ class Driver final : public CommDriver {
   [[nodiscard]] std::optional<std::uint32_t> TiedSerialNumber() const override { return Settings().serialNumber; }
   [[nodiscard]] int UsualBaudRate() const override { return HasRate(mSettings) ? mSettings.baudRate : 0; }
   [[nodiscard]] std::string DescribeSession(const SessionLink& session) const override;
+  [[nodiscard]] std::string SimulatedModelOf(const SessionLink& session) const override;
   void ComParamsCaller(const std::string& caller) override { mCaller = caller; }
   void ShowComParams() override;
   void ShowModemSettings() override;

@@ -27,6 +27,8 @@ constexpr std::array kFile{
 constexpr std::array kController{
     HostCommand{kOnLine,                   "&On Line",                         "F5",           "Connects to the controller and identifies it",                            "online",    "On Line"},
     HostCommand{kOffLine,                  "O&ff Line",                        "Shift+F5",     "Lets go of the controller",                                               "offline",   "Off Line"},
+    HostCommand{kTakeModel,                "Ta&ke Over the Model",             "",             "Selects the model of the controller that answered, goes on line anew",     "take",      ""},
+    HostCommand{kSimulate,                 "Try a &Simulated K670",            "",             "Goes on line with a simulated controller, in a session of its own",       "simulate",  ""},
     kSeparator,
     HostCommand{kModel,                    "&Model",                           "",             "Selects the model of the controller",                                     "model",     ""},
     kSeparator,
@@ -34,8 +36,11 @@ constexpr std::array kController{
     HostCommand{"ID_Modem",                "Mo&dem Settings...",               "",             "Number and dialling of the modem",                                        "modem",     ""},
     HostCommand{kTrace,                    "&Trace of the Link...",            "Ctrl+T",       "Shows everything that passes on the link, with its time",                 "trace",     ""},
 };
+constexpr std::array kView{
+    HostCommand{kTheme,                    "&Theme",                           "",             "Light or dark colours, or those of the system",                           "theme",     ""},
+};
 constexpr std::array kTools{
-    HostCommand{"ID_DataTypes",            "&Operand View...",                 "Ctrl+D",       "Shows and writes the operands of the controller",                         "datatypes", "Operands"},
+    HostCommand{kOperandView,              "&Operand View...",                 "Ctrl+D",       "Shows and writes the operands of the controller",                         "datatypes", "Operand View"},
     HostCommand{"ID_Downloader",           "&Downloader...",                   "Ctrl+L",       "Loads projects and operating systems into the controller",                "download",  "Downloader"},
     HostCommand{"ID_DumpPLC",              "&Cloner...",                       "Ctrl+B",       "Creates a clone file of the whole controller, or restores one",           "clone",     "Cloner"},
     HostCommand{"ID_Journal",              "Change &Journal...",               "Ctrl+J",       "Shows who changed what in which controller, and whether it is all there", "journal",   ""},
@@ -58,9 +63,10 @@ constexpr std::array kHelp{
 };
 // clang-format on
 
-constexpr std::array<HostMenu, 6> kMenus{{
+constexpr std::array<HostMenu, 7> kMenus{{
     {"&File", kFile},
     {"&Controller", kController},
+    {"&View", kView},
     {"&Tools", kTools},
     {"&User", kUser},
     {"&Log", kLog},

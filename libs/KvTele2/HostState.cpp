@@ -3,10 +3,24 @@
 #include <algorithm>
 
 #include "base/PathText.h"
+#include "base/Texts.h"
 #include "models/ModelCatalogue.h"
 #include "models/ModelFit.h"
 
 namespace kv {
+namespace {
+
+// "K670" of "K670-67-C30 / K390-29-C30": enough to know a machine by.
+std::string ShortModel(const std::string& model) {
+  return model.empty() ? "no model" : model.substr(0, model.find_first_of("- /"));
+}
+
+std::string StateWord(const HostState& state) {
+  const bool isKnown = state.connection == ConnectionState::Online && !state.isSilent && state.controller;
+  return isKnown && !state.controller->state.empty() ? Capitalised(state.controller->state) : ConnectionText(state);
+}
+
+}  // namespace
 
 std::string ConnectionText(const HostState& state) {
   switch (state.connection) {
@@ -22,32 +36,58 @@ std::string ConnectionText(const HostState& state) {
   return {};
 }
 
-std::string ConnectionHeading(const HostState& state) {
-  const bool isSearching = (state.connection == ConnectionState::Lost && !state.isWithTool) || state.isSilent;
-  return ConnectionText(state) + (isSearching ? ", looking for the controller: " : ": ") + state.link;
+std::string HeadingText(const HostState& state) {
+  const std::string name = state.caption.empty() ? state.session : state.caption;
+  const bool isHeld = state.connection == ConnectionState::Online || state.connection == ConnectionState::Lost;
+  const std::string& model = isHeld && state.controller ? state.controller->model : state.model;
+  return name + " - " + ShortModel(model) + " - " + StateWord(state);
+}
+
+std::string WindowTitle(const HostState& state) {
+  return HeadingText(state) + " - Telepanel";
+}
+
+std::string RetryText(const HostState& state) {
+  if (state.isSilent) return "Looking for the controller";
+  if (state.connection != ConnectionState::Lost || !state.secondsToTry) return {};
+  if (*state.secondsToTry <= 0) return "Looking for the controller";
+  return "Next try in " + std::to_string(*state.secondsToTry) + " s";
+}
+
+std::string OtherModel(const HostState& state) {
+  return state.controller ? OtherModelOf(state.controller->model, state.model) : std::string();
 }
 
 std::string MisfitText(const HostState& state) {
-  if (!state.controller) return {};
-  const std::string found = OtherModelOf(state.controller->model, state.model);
+  const std::string found = OtherModel(state);
   if (found.empty()) return {};
   const std::string selected = ModelOfIdentification(state.model);
   return "The controller is of the model " + found + ", but the selected model is " +
          (selected.empty() ? "none" : selected) +
-         ".\nLikely cause: another controller is connected, or another model was selected.\nWhat to do: go off line, "
-         "select " +
-         found + " in the list of models, and go on line again.";
+         ".\nLikely cause: another controller is connected, or another model was selected.\nWhat to do: take its model "
+         "over, if this is the right controller; otherwise go off line, and connect the right one.";
 }
 
-std::string WindowTitle(const HostState& state) {
-  const std::string first = state.caption.empty() ? state.session : state.caption;
-  return first + " - " + (state.model.empty() ? "no model" : state.model) + " - Telepanel";
+std::string Capitalised(std::string text) {
+  if (!text.empty()) text.front() = UpperCased(text.substr(0, 1)).front();
+  return text;
 }
 
 std::string PagesText(const HostState& state) {
   if (!state.pages) return "None";
   const auto& [path, content] = *state.pages;
   return Utf8FromPath(PathFromUtf8(path).filename()) + ": project " + content.project + ", model " + content.model;
+}
+
+std::string TilesNote(const HostState& state) {
+  if (!OtherModel(state).empty()) return "The values are not read, because the controller is of another model.";
+  if (state.tiles.empty()) return "The session has no regions. Those that the operand view selects are shown here.";
+  return "The values of the session's regions";
+}
+
+MiddlePage MiddlePageOf(const HostState& state) {
+  const bool isHeld = state.connection == ConnectionState::Online || state.connection == ConnectionState::Lost;
+  return isHeld ? MiddlePage::Values : MiddlePage::Start;
 }
 
 bool IsOfferedModel(std::string_view model) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "link/ReconnectPauses.h"
 
 namespace kv {
@@ -10,6 +12,8 @@ class LinkWatch {
  public:
   [[nodiscard]] bool IsDue(Instant now) const { return now >= mNext; }
   void AskNow() { mNext = {}; }
+  // Until then; none when it is due.
+  [[nodiscard]] Duration PauseFrom(Instant now) const { return std::max(mNext - now, Duration::zero()); }
 
   void Answered(Instant now) { AskAfter(1, now); }
   void Silent(Instant now) { AskAfter(mFailures + 1, now); }

@@ -41,6 +41,8 @@ void TelepanelHost::Click(std::string_view id, const std::string& argument) {
   if (isBusy || !isPossible) return Show();  // a control may show what was not done
   if (id == command::kOnLine) {
     Connect(argument);
+  } else if (id == command::kModel) {
+    if (MayChangeModel(argument)) ClickTool(std::string(id), argument);
   } else if (id == command::kComParams) {
     ClickTool(std::string(id), "Session " + mState.session);  // whose settings they are
   } else if (id.starts_with(kOwnCommands)) {
@@ -59,6 +61,10 @@ std::string TelepanelHost::WhyDisabled(std::string_view id) const {
   if (id == command::kOnLine && isOnline) return "The controller is on line already.";
   if (id == command::kOffLine && isOffline) return "No controller is on line.";
   if (id == command::kModel && !isOffline) return "The model is the one of the controller that is on line.";
+  if (id == command::kTakeModel && OtherModel(mState).empty()) return "No controller of another model has answered.";
+  const bool isOfSessions = id == command::kStartSession || id == command::kNewSession || id == command::kSimulate;
+  if (isOfSessions && !isOffline) return "A controller is on line: go off line first.";
+  if (isOfSessions && !mSessions) return "This program has no sessions.";
   if (id == command::kLogOff && mState.user.empty()) return "Nobody is logged in.";
   if (id == command::kRecentPages && mState.recentPages.empty()) return "No Telepanel file has been opened before.";
   if (id == command::kClosePages && !mState.pages) return "No Telepanel file is open.";
@@ -77,9 +83,11 @@ void TelepanelHost::ClickTool(const std::string& id, const std::string& argument
   const ScopeGuard done([this] {
     mIsInTool = mState.isWithTool = false;
     mIsVersionOld = true;  // it may have replaced the O/S
+    mAreTilesOld = true;
   });
   if (OnToolClicked) OnToolClicked(id, argument);
   mWatch.AskNow();  // what the tool did to the controller or to the link is seen at once
+  ListSessions();
 }
 
 void TelepanelHost::ClickOwn(std::string_view id, const std::string& argument) {
@@ -87,6 +95,10 @@ void TelepanelHost::ClickOwn(std::string_view id, const std::string& argument) {
   if (id == command::kRecentPages) OpenPagesFile(argument);
   if (id == command::kSavePages) SavePages();
   if (id == command::kClosePages) ClosePages();
+  if (id == command::kStartSession) StartSession(argument);
+  if (id == command::kNewSession) NewSession();
+  if (id == command::kSimulate) Simulate();
+  if (id == command::kTakeModel) TakeModel();
   if (id == command::kClearLog) mJournal.Clear();
   if (id == command::kTrace && OnTraceWanted) OnTraceWanted();
 }
@@ -120,6 +132,7 @@ void TelepanelHost::SetEnabled(bool enabled) {
 }
 
 void TelepanelHost::Run() {
+  ListSessions();
   Show();
   mView.Run();
 }

@@ -81,6 +81,8 @@ class TelepanelHost final : public RemoteHost {
   // Another link takes the controller off line.
   void SetComDescription(const std::string& text) override;
   void SetUserName(const std::string& name) override;
+  void SetSessionChoice(SessionChoice* choice) override { mSessions = choice; }
+  void SetRegionTiles(RegionTiles* tiles) override { mTiles = tiles; }
   [[nodiscard]] std::string InstallFolder() const override { return mServices.installFolder; }
   void SetHourglass(bool busy) override;
   [[nodiscard]] std::vector<std::string> ToolIds() const override;
@@ -122,12 +124,28 @@ class TelepanelHost final : public RemoteHost {
   void SavePages();
   void ClosePages();
 
+  // Other sessions, another model (TelepanelHostSessions.cpp).
+  void ListSessions();
+  void StartSession(const std::string& name);
+  void NewSession();
+  void Simulate();
+  void TakeModel();
+  [[nodiscard]] bool MayChangeModel(const std::string& model);
+
+  // The values of the regions (TelepanelHostTiles.cpp).
+  void LoadTiles();
+  void ReadTiles();
+  [[nodiscard]] std::optional<std::size_t> DueTile() const;
+  [[nodiscard]] bool ReadTile(std::size_t index);
+  void ShowTiles();
+
   void Connect(const std::string& argument);
   void GoOffline(const std::string& why, const std::string& trouble);
   void GoOnlineWithOther(const std::string& told);
   void LetGo();
   void AskController(HostView::Wait wait, const std::string& what);
   [[nodiscard]] bool Ask();
+  void CountDown();
   void EndSilence();
   void TakeInfo(const Channel::ControllerInfo& info);
   void TakeFailure(const LinkError& error);
@@ -141,6 +159,11 @@ class TelepanelHost final : public RemoteHost {
   std::string mSessionFolder;
   HostSettings mSettings{{}};
   std::map<std::string, std::string, std::less<>> mMissing;  // reason by tool id
+
+  SessionChoice* mSessions = nullptr;
+  RegionTiles* mTiles = nullptr;
+  std::vector<Instant> mTilesDueAt;  // one for each tile
+  bool mAreTilesOld = true;          // the session may have other regions by now
 
   std::shared_ptr<Channel> mChannel;
   std::uint8_t mUnit = 0;

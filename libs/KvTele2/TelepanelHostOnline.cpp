@@ -42,6 +42,7 @@ void TelepanelHost::Connect(const std::string& argument) {
   mState.connection = ConnectionState::Offline;
   mState.trouble = why;
   mState.message = why;  // LetGo has said that the link is closed, which is not what the user wants to know
+  ListSessions();
 }
 
 void TelepanelHost::BeginConnect() {
@@ -79,6 +80,8 @@ void TelepanelHost::ControllerTold(const VersionInfo& version, const Channel::Co
 
 void TelepanelHost::GoOnline() {
   mState.connection = ConnectionState::Online;
+  mAreTilesOld = true;
+  LoadTiles();
   Show();
 }
 
@@ -97,6 +100,7 @@ void TelepanelHost::GoOffline(const std::string& why, const std::string& trouble
   mState.trouble = trouble;
   if (mState.connection == ConnectionState::Offline) return;
   mState.connection = ConnectionState::Offline;
+  ListSessions();
   StatusMessage(why);
 }
 
@@ -114,6 +118,8 @@ void TelepanelHost::LetGo() {
   mChannel.reset();
   mState.controller.reset();
   mState.quality.reset();
+  mState.secondsToTry.reset();
+  mState.tiles.clear();
   if (OnLinkReleased) OnLinkReleased();
 }
 
@@ -124,6 +130,9 @@ void TelepanelHost::Tick() {
   if (!mState.isEnabled) return;
   if (mWatch.IsDue(mServices.pacer.Now())) AskController(HostView::Wait::Quiet, "Asking the controller");
   if (const auto other = std::exchange(mOtherAnswered, std::nullopt)) GoOnlineWithOther(*other);
+  ReadTiles();
+  CountDown();
+  ShowTiles();
   Show();
   if (const auto next = std::exchange(mNext, std::nullopt)) Click(next->id, next->argument);
 }
@@ -134,6 +143,8 @@ void TelepanelHost::FollowTool() {
   const bool isHeld = mState.connection == ConnectionState::Online || mState.connection == ConnectionState::Lost;
   if (!isHeld || !mIsInTool || mIsAsking || !mChannel || !mState.controller) return;
   mState.isWithTool = true;
+  mState.secondsToTry.reset();
+  ShowTiles();
   mState.quality = LinkFactsOf(mChannel->Quality());
   mState.controller->state.clear();
   const LinkError& error = mChannel->LastError();
@@ -162,6 +173,10 @@ void TelepanelHost::EndSilence() {
 void TelepanelHost::AskController(HostView::Wait wait, const std::string& what) {
   mIsAsking = true;
   const ScopeGuard asked([this] { mIsAsking = false; });
+  if (mState.connection == ConnectionState::Lost) {
+    mState.secondsToTry = 0;
+    Show();
+  }
   BeginWait(wait, what + ": " + mState.link);
   const std::shared_ptr<Channel> channel = mChannel;
   const bool hasAnswered = Ask();
@@ -169,6 +184,13 @@ void TelepanelHost::AskController(HostView::Wait wait, const std::string& what) 
   if (!hasAnswered) TakeFailure(channel->LastError());
   EndWait();
   if (mChannel) mState.quality = LinkFactsOf(mChannel->Quality());
+}
+
+void TelepanelHost::CountDown() {
+  mState.secondsToTry.reset();
+  if (mState.connection != ConnectionState::Lost) return;
+  const auto pause = std::chrono::ceil<std::chrono::seconds>(mWatch.PauseFrom(mServices.pacer.Now()));
+  mState.secondsToTry = static_cast<int>(pause.count());
 }
 
 bool TelepanelHost::Ask() {

@@ -7,6 +7,7 @@
 #include "base/ProgramPaths.h"
 #include "desktop/Prompts.h"
 #include "desktop/Shell.h"
+#include "desktop/WallClock.h"
 #include "help/HelpViewer.h"
 #include "host/PanelDesigner.h"
 #include "host/ToolWindow.h"
@@ -30,7 +31,8 @@ struct HostParts {
   std::function<std::unique_ptr<PanelDesigner>()> createPanelDesigner{};  // empty: this build has none
   Prompts* prompts = nullptr;
   Shell* shell = nullptr;
-  HelpViewer* help = nullptr;  // empty: this build has none of its own
+  HelpViewer* help = nullptr;        // empty: this build has none of its own
+  const WallClock* clock = nullptr;  // empty: when a session was last used is not kept
 };
 
 }  // namespace kv

@@ -12,6 +12,7 @@
 #include "host/LogIn.h"
 #include "host/ModalBracket.h"
 #include "host/clsAbout.h"
+#include "host/shared/GridFileNames.h"
 #include "link/identification/GoOnline.h"
 #include "models/ModelCatalogue.h"
 #include "sessions/RecentCaches.h"
@@ -21,9 +22,6 @@ namespace kv {
 namespace {
 
 namespace fs = std::filesystem;
-
-// The operand view's grids, which mean nothing for a model of another family.
-constexpr std::array<const char*, 2> kGridFiles{"vsfOperands_1.vsf", "vsfRegions_1.vsf"};
 
 constexpr const char* kSession = "ID_Session";
 constexpr const char* kCloner = "ID_DumpPLC";
@@ -112,6 +110,7 @@ void clsCallerExe::ShowModem(const std::string&) {
 
 void clsCallerExe::OnLine(const std::string&) {
   GoOnline(mShared, *mParts.prompts);
+  if (mParts.clock && mRemote->IsOnline()) NoteSessionUsed(mShared, mParts.clock->LocalTime());
 }
 
 void clsCallerExe::Exit(const std::string&) {
@@ -150,17 +149,7 @@ void clsCallerExe::Help(const std::string& argument) {
 void clsCallerExe::Session(const std::string& argument) {
   const std::string before = mShared.CurrentSession;
   ShowWindow(kSession, argument);
-  if (mShared.CurrentSession != before) FollowSession();
-  UpdateLinkDescription();
-  mRemote->SetSessionPath(Utf8FromPath(SessionFolder(mShared)));
-  mRemote->Refresh();
-}
-
-void clsCallerExe::FollowSession() {
-  mRemote->SetSessionName(mShared.CurrentSession);
-  mRemote->SetModel(LastModel(mShared));  // the one before belongs to the session before
-  mRemote->SetRecentCaches(ReadRecentCaches(mShared));
-  ConfigureDriverForSession(mShared, mWinsock);
+  TellSession(before);
 }
 
 void clsCallerExe::PanelDesign(const std::string&) {

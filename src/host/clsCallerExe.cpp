@@ -45,6 +45,7 @@ void clsCallerExe::ConnectHost() {
   mRemote->OnTraceWanted = [this] {
     if (mVsCon) mVsCon->ShowTrace();
   };
+  mRemote->SetSessionChoice(this);
   mShared.Remote = mRemote.get();
 }
 
@@ -101,6 +102,8 @@ void clsCallerExe::RunHost() {
     host->OnToolClicked = nullptr;
     host->OnLinkReleased = nullptr;
     host->OnTraceWanted = nullptr;
+    host->SetSessionChoice(nullptr);
+    host->SetRegionTiles(nullptr);
   });
   host->Run();
 }

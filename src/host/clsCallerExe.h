@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "host/HostParts.h"
 #include "host/ToolWindow.h"
@@ -17,10 +18,10 @@ struct ToolRow;
 // command that the host hands back, and takes everything down again.
 //
 //   made -> StartUp: running inside the host's Run() -> shut down
-class clsCallerExe {
+class clsCallerExe final : private SessionChoice {
  public:
   explicit clsCallerExe(HostParts parts);
-  ~clsCallerExe();
+  ~clsCallerExe() override;
 
   // The whole life of the program; returns when the host has ended.
   void StartUp();
@@ -65,8 +66,15 @@ class clsCallerExe {
   [[nodiscard]] std::filesystem::path InstalledProgram(const char* name) const;
   void Warn(const std::string& text);
   void TellHost(const std::string& text);
+  void TellSession(const std::string& before);
   void FollowSession();
   void UpdateLinkDescriptionIfNot(const std::string& shown);
+
+  [[nodiscard]] std::vector<SessionCard> Sessions() const override;
+  [[nodiscard]] std::string SessionsFault() const override;
+  bool ActivateSession(const std::string& name) override;
+  bool CreateSession(const std::string& name) override;
+  bool ActivateSimulated(const std::string& name, const std::string& model) override;
 
   // The tools of the dispatch table, in its order.
   void ShowComParams(const std::string& argument);

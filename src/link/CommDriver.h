@@ -64,6 +64,9 @@ class CommDriver {
   // The description of another session's link, as its settings stand; nothing is opened.
   [[nodiscard]] virtual std::string DescribeSession(const SessionLink& session) const = 0;
 
+  // The model of the simulated controller that such a link leads to; empty when it leads to any other controller.
+  [[nodiscard]] virtual std::string SimulatedModelOf(const SessionLink&) const { return {}; }
+
   // Marks who opens the settings dialog, then the dialogs themselves, modal. Without windows they do nothing.
   virtual void ComParamsCaller(const std::string& caller) = 0;
   virtual void ShowComParams() = 0;

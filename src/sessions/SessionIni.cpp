@@ -4,6 +4,9 @@
 #include <system_error>
 
 #include "base/AnsiText.h"
+#include "base/Crc32.h"
+#include "base/DateText.h"
+#include "base/Hex.h"
 #include "base/KeepSetting.h"
 #include "base/PathText.h"
 #include "base/ProfileStrings.h"
@@ -18,6 +21,7 @@ constexpr std::string_view kProgram = "KvTeleExe";
 constexpr std::string_view kHost = "KvTele2";
 constexpr std::string_view kLastModelKey = "LastModel";
 constexpr std::string_view kFirstModel = "K220-22-R1";
+constexpr std::string_view kLastUsedKey = "LastUsed";
 
 std::filesystem::path IniFile(const SharedState& shared, std::string_view owner) {
   return SessionFile(shared, std::string(owner) + ".ini");
@@ -31,6 +35,12 @@ std::string TrimmedAtNul(std::string text) {
 std::string ReadIni(const SharedState& shared, std::string_view owner, std::string_view key,
                     std::string_view fallback) {
   return AnsiToUtf8(TrimmedAtNul(ReadProfileString(IniFile(shared, owner), owner, key, Utf8ToAnsi(fallback))));
+}
+
+// Behind the time stands whose it is: a session is copied with its settings, and the copy has not been used.
+std::string MarkOfName(const SharedState& shared) {
+  constexpr std::size_t kDigits = 8;
+  return " " + ToHex(Crc32(shared.CurrentSession), kDigits);
 }
 
 }  // namespace
@@ -75,6 +85,18 @@ std::expected<void, std::string> SetLastModel(const SharedState& shared, std::st
   auto kept = WriteSessionIni(shared, kLastModelKey, model);
   if (!kept) return std::unexpected("The model was not kept for the next start. " + kept.error());
   return kept;
+}
+
+void NoteSessionUsed(const SharedState& shared, std::chrono::local_seconds time) {
+  const std::string text = DateText(time) + " " + TimeOfDayText(time);
+  // A time that cannot be kept is no reason to disturb anybody.
+  (void)WriteSessionIni(shared, kLastUsedKey, text + MarkOfName(shared));
+}
+
+std::string LastUsed(const SharedState& shared) {
+  const std::string kept = ReadSessionIni(shared, kLastUsedKey, "");
+  const std::string mark = MarkOfName(shared);
+  return kept.ends_with(mark) ? kept.substr(0, kept.size() - mark.size()) : "";
 }
 
 void MarkSessionInUse(const SharedState& shared, bool inUse) {

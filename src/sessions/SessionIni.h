@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <expected>
 #include <filesystem>
 #include <string>
@@ -43,6 +44,11 @@ inline constexpr std::string_view kAskReasonKey = "AskReason";
 // The model that the session was last used with; a new session starts with "K220-22-R1".
 [[nodiscard]] std::string LastModel(const SharedState& shared);
 [[nodiscard]] std::expected<void, std::string> SetLastModel(const SharedState& shared, std::string_view model);
+
+// Keeps when the current session went on line, in local time, as far as its settings can be written; and tells it
+// ("2026-11-21 14:03:21"). Empty: never, and in a copy of a session that did.
+void NoteSessionUsed(const SharedState& shared, std::chrono::local_seconds time);
+[[nodiscard]] std::string LastUsed(const SharedState& shared);
 
 // Marks the current session as in use, or no longer so: its "tmp.txt" becomes read-only or normal. "Default" is never
 // marked; a session without that file is left alone.

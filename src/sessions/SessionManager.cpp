@@ -53,9 +53,9 @@ std::string CaseFolded(const std::string& name) {
   return folded;
 }
 
-bool IsReadOnly(const fs::directory_entry& entry) {
+bool IsReadOnly(const fs::path& file) {
   std::error_code error;
-  const auto status = entry.symlink_status(error);
+  const auto status = fs::symlink_status(file, error);
   return !error && fs::is_regular_file(status) && (status.permissions() & fs::perms::owner_write) == fs::perms::none;
 }
 
@@ -64,7 +64,7 @@ bool IsReadOnly(const fs::directory_entry& entry) {
 std::optional<fs::path> FindHold(const fs::path& folder) {
   std::error_code error;
   for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    if (IsReadOnly(*entry)) return entry->path();
+    if (IsReadOnly(entry->path())) return entry->path();
   }
   return error ? std::optional(folder) : std::nullopt;
 }
@@ -151,11 +151,17 @@ std::string SessionManager::ListFault() const {
 }
 
 SessionFacts SessionManager::Describe(const std::string& name) const {
+  const SharedState session = StateOf(name);
+  SessionFacts facts{.model = LastModel(session), .link = "", .lastUsed = LastUsed(session)};
+  facts.isMarked = IsReadOnly(SessionFile(session, kSessionMarkFile));
+  if (mShared.ComDriver) facts.link = mShared.ComDriver->DescribeSession(LinkOfSession(session, facts.model, nullptr));
+  return facts;
+}
+
+SharedState SessionManager::StateOf(const std::string& name) const {
   SharedState session(mShared.paths);
   session.CurrentSession = name;
-  const std::string model = LastModel(session);
-  if (mShared.ComDriver == nullptr) return {model, ""};
-  return {model, mShared.ComDriver->DescribeSession(LinkOfSession(session, model, nullptr))};
+  return session;
 }
 
 bool SessionManager::IsListed(const std::string& name) const {
@@ -196,6 +202,45 @@ std::expected<void, std::string> SessionManager::CopyCurrent(const std::string& 
   fs::permissions(mark, fs::perms::owner_write, fs::perm_options::add, error);  // the copy of a marked one is read-only
   if (!std::ofstream(mark, std::ios::trunc)) {
     return std::unexpected("The file " + Utf8FromPath(mark) + " could not be written.");
+  }
+  removeHalfMade.Dismiss();
+  return {};
+}
+
+std::expected<std::string, std::string> SessionManager::SimulatedSession(const std::string& name,
+                                                                         const std::string& model) const {
+  constexpr int kMost = 99;
+  std::string taken;
+  for (int number = 1; number <= kMost; ++number) {
+    const std::string each = number == 1 ? name : name + " " + std::to_string(number);
+    if (IsListed(each) && IsSimulated(each, model)) return each;
+    taken = WhyTaken(each);
+    if (!taken.empty()) continue;
+    if (const auto made = MakeEmpty(each, model); !made) return std::unexpected(made.error());
+    return each;
+  }
+  return std::unexpected(taken);
+}
+
+bool SessionManager::IsSimulated(const std::string& name, const std::string& model) const {
+  const SharedState session = StateOf(name);
+  const std::string selected = LastModel(session);
+  const SessionLink link = LinkOfSession(session, selected, nullptr);
+  return mShared.ComDriver && selected == model && mShared.ComDriver->SimulatedModelOf(link) == model;
+}
+
+std::expected<void, std::string> SessionManager::MakeEmpty(const std::string& name, const std::string& model) const {
+  const fs::path folder = mShared.paths.Session(name);
+  std::error_code error;
+  fs::create_directory(folder, error);
+  if (error) return std::unexpected(Failure("The folder " + Utf8FromPath(folder) + " could not be made", error));
+  ScopeGuard removeHalfMade([&] {
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
+  });
+  if (const auto kept = SetLastModel(StateOf(name), model); !kept) return kept;
+  if (!std::ofstream(folder / kSessionMarkFile)) {
+    return std::unexpected("The file " + Utf8FromPath(folder / kSessionMarkFile) + " could not be written.");
   }
   removeHalfMade.Dismiss();
   return {};

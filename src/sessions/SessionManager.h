@@ -11,8 +11,10 @@ namespace kv {
 
 // What the list of sessions shows beside a name.
 struct SessionFacts {
-  std::string model;
-  std::string link;  // "COM3, 115200 8N1, unit 1"; empty without a driver to ask
+  std::string model{};
+  std::string link{};      // "COM3, 115200 8N1, unit 1"; empty without a driver to ask
+  std::string lastUsed{};  // when it last went on line: "2026-11-21 14:03:21"; empty: never
+  bool isMarked = false;   // as in use
 };
 
 // Why a session cannot be deleted; empty when nothing is known against it.
@@ -44,6 +46,12 @@ class SessionManager {
   // The copy alone: the current session stays current. The error is a sentence for the user.
   [[nodiscard]] std::expected<void, std::string> CopyCurrent(const std::string& name) const;
 
+  // The name of a session that a simulated controller of the model answers: `name`, or that with a number where a
+  // session of this name has another link or model. It is made where there is none, without a link of its own, so that
+  // it follows its model. The error is a sentence for the user.
+  [[nodiscard]] std::expected<std::string, std::string> SimulatedSession(const std::string& name,
+                                                                         const std::string& model) const;
+
   // Makes an existing session current. False, told under "Activate Session", when it is not listed.
   bool Activate(const std::string& name);
 
@@ -65,8 +73,11 @@ class SessionManager {
   [[nodiscard]] static std::string ActivateCaption(const std::string& selected);  // "Activate 'Default ' And Exit"
 
  private:
+  [[nodiscard]] SharedState StateOf(const std::string& name) const;
   [[nodiscard]] bool IsListed(const std::string& name) const;
   [[nodiscard]] std::string WhyTaken(const std::string& name) const;
+  [[nodiscard]] bool IsSimulated(const std::string& name, const std::string& model) const;
+  [[nodiscard]] std::expected<void, std::string> MakeEmpty(const std::string& name, const std::string& model) const;
   void MakeCurrent(const std::string& name);
 
   SharedState& mShared;

@@ -1,13 +1,4 @@
-#include "KvTele2/TelepanelHost.h"
-
-#include <gmock/gmock.h>
-
-#include "KvTele2/HostCommands.h"
-#include "base/PathText.h"
-#include "desktop/VirtualPacer.h"
-#include "tests/support/FakeChannel.h"
-#include "tests/support/LoggedPrompts.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/KvTele2/HostFixture.h"
 
 namespace kv {
 namespace {
@@ -15,82 +6,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
-
-// A window that only remembers what it was last told to show, and which waits it saw.
-class ShownView : public HostView {
- public:
-  void Show(const HostState& state, const Journal& journal) override {
-    shown = state;
-    entries = journal.Entries().size();
-  }
-  void Run() override { hasRun = true; }
-  void Quit() override { hasQuit = true; }
-  void BeginWait(Wait wait, const std::string& what) override {
-    waits.push_back(what);
-    isWaiting = true;
-    if (onWait) onWait(wait);
-  }
-  void EndWait() override { isWaiting = false; }
-
-  HostState shown;
-  std::size_t entries = 0;
-  std::vector<std::string> waits;
-  bool isWaiting = false;
-  bool hasRun = false;
-  bool hasQuit = false;
-  std::function<void(Wait)> onWait;
-};
-
-class TelepanelHostTest : public testing::Test {
- protected:
-  TelepanelHostTest() {
-    host.SetSessionName("Default");
-    host.SetSessionPath(Utf8FromPath(folder.Path()));
-    host.SetModel("K220-22-R1");
-    host.SetComDescription("COM3, 115200 8N1, unit 1");
-    channel->version = VersionInfo{"K220-22-R1", "10", "4.60", "19"};
-    channel->info = Channel::ControllerInfo{.serialNumber = 0xABC, .state = 'R', .projectName = "Bakery"};
-    host.OnLinkReleased = [this] { ++releases; };
-    host.OnToolClicked = [this](const std::string& id, const std::string& argument) {
-      clicked.push_back(argument.empty() ? id : id + " " + argument);
-      if (id == "ID_OnLine") onLine();
-    };
-  }
-
-  // What the tool "ID_OnLine" does to the host when nothing is amiss.
-  void Connect() {
-    host.BeginConnect();
-    host.EndConnect();
-    host.SetConnectedUnit(1);
-    host.AttachChannel(channel);
-    if (!host.ProjectMatches())
-      return host.ConnectionRefused("The file does not match.", {*channel->version, channel->info});
-    host.GoOnline();
-    host.RunPanelSession("0");
-  }
-  void LoseController() { channel->info.reset(); }
-  void Pass(Duration span) {
-    for (const Instant end = pacer.Now() + span; pacer.Now() < end;) {
-      pacer.Sleep(std::chrono::seconds(1));
-      host.Tick();
-    }
-  }
-  [[nodiscard]] std::ptrdiff_t Questions() const { return std::ranges::count(channel->calls, "GetControllerInfo @1"); }
-  std::string PutPages(const std::string& name, const PagesFile& pages) {
-    return Utf8FromPath(folder.Put(name, PrintPagesFile(pages)));
-  }
-
-  TemporaryFolder folder;
-  test::CallLog log;
-  test::LoggedPrompts prompts{log};
-  VirtualPacer pacer;
-  ShownView view;
-  TelepanelHost host{view, {pacer, pacer, prompts, "C:\\Program Files"}};
-  std::shared_ptr<test::FakeChannel> channel = std::make_shared<test::FakeChannel>();
-  std::vector<std::string> clicked;
-  int releases = 0;  // of the link
-  std::function<void()> onLine = [this] { Connect(); };
-};
 
 TEST_F(TelepanelHostTest, AControllerOfAnotherModelThanTheSelectedIsToldWithACure) {
   const struct {
@@ -119,7 +34,8 @@ TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
   view.onWait = [this](HostView::Wait wait) {
     if (wait != HostView::Wait::Quiet) return;
     host.NoteSilence();
-    EXPECT_EQ(ConnectionHeading(view.shown), "No answer, looking for the controller: COM3, 115200 8N1, unit 1");
+    EXPECT_EQ(HeadingText(view.shown) + ", " + RetryText(view.shown),
+              "Default - K220 - No answer, Looking for the controller");
     EXPECT_EQ(view.shown.message, "No answer, looking for the controller");
     host.Click("ID_DumpPLC");
     host.Click(command::kOnLine);  // cannot be used, and so does not replace it
@@ -236,14 +152,14 @@ TEST_F(TelepanelHostTest, WhatAToolsExchangesShowIsTold) {
   const struct {
     LinkErrorCode code;
     const char* heading;
-  } exchanges[] = {{None, "On line: "},
-                   {Stopped, "On line: "},
-                   {NoReply, "Connection lost: "},
-                   {BadArgument, "Connection lost: "},  // nothing was sent
-                   {Refused, "On line: "},
-                   {OtherController, "Connection lost: "},
-                   {None, "On line: "},
-                   {LinkLost, "Connection lost: "}};
+  } exchanges[] = {{None, "On line"},
+                   {Stopped, "On line"},
+                   {NoReply, "Connection lost"},
+                   {BadArgument, "Connection lost"},  // nothing was sent
+                   {Refused, "On line"},
+                   {OtherController, "Connection lost"},
+                   {None, "On line"},
+                   {LinkLost, "Connection lost"}};
   host.Click(command::kOnLine);
   host.OnToolClicked = [&](const std::string&, const std::string&) {
     for (const auto& each : exchanges) {
@@ -253,13 +169,15 @@ TEST_F(TelepanelHostTest, WhatAToolsExchangesShowIsTold) {
       (void)channel->ReadMB(0, 1, 1);
       Pass(std::chrono::seconds(1));
       const bool isLost = std::string(each.heading).starts_with("C");
-      EXPECT_EQ(ConnectionHeading(view.shown), each.heading + view.shown.link) << static_cast<int>(each.code);
+      EXPECT_EQ(HeadingText(view.shown), std::string("Default - K220 - ") + each.heading)
+          << static_cast<int>(each.code);
+      EXPECT_EQ(RetryText(view.shown), "") << "nobody looks for it";
       EXPECT_EQ(view.shown.trouble.empty(), !isLost) << view.shown.trouble;
       EXPECT_EQ(view.shown.controller->state, "") << "nobody has asked";
     }
   };
   host.Click("ID_DataTypes");
-  EXPECT_THAT(ConnectionHeading(view.shown), HasSubstr("looking for the controller"));
+  EXPECT_EQ(ConnectionText(view.shown), "Connection lost");
   Pass(std::chrono::seconds(1));
   EXPECT_EQ(view.shown.connection, ConnectionState::Online);
   EXPECT_EQ(view.shown.controller->state, "running");

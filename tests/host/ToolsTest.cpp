@@ -80,6 +80,9 @@ TEST_F(ToolsTest, AnActivatedSessionBeginsWithItsOwnModel) {
   onShow = [this] { callerState->CurrentSession = "Plant2"; };
   const CallLog calls = CallsOf("ID_Session");
   EXPECT_THAT(calls, testing::IsSupersetOf({"SessionName Plant2", "Model Q50"}));
+  const CallLog chosen = CallsOf([&](clsCallerExe&) { EXPECT_TRUE(host.sessions->ActivateSession("Plant2")); });
+  EXPECT_THAT(chosen, testing::IsSupersetOf({"SessionName Plant2", "Model Q50", "SessionPath HOME/Sessions/Plant2"}));
+  EXPECT_EQ(host.sessions, nullptr) << "a host that lives on has nothing to ask";
   EXPECT_EQ(host.model, "Q50");
   shared.CurrentSession = "Plant2";
   EXPECT_EQ(LastModel(shared), "Q50");

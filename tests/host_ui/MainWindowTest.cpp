@@ -56,7 +56,7 @@ TEST_F(MainWindowTest, AControllerOfEachKindGoesOnLine) {
       EXPECT_EQ(Text(window, "lblModel"), each.reports);
       EXPECT_EQ(Text(window, "lblOs"), each.os);
       EXPECT_EQ(Text(window, "lblBuild"), "19");
-      EXPECT_EQ(Text(window, "lblState"), "running");
+      EXPECT_EQ(Text(window, "lblState"), "Running");
       EXPECT_EQ(Text(window, "lblErrors"), "0");
       EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), each.becomes);
       EXPECT_FALSE(Find<QComboBox>(window, "cboModel").isEnabled());
@@ -69,6 +69,23 @@ TEST_F(MainWindowTest, AControllerOfEachKindGoesOnLine) {
       EXPECT_EQ(Text(window, "lblModel"), "-");
     });
   }
+}
+
+TEST_F(MainWindowTest, OneButtonOfTheStartPageNeedsNothing) {
+  PutTcp(9);  // nobody listens there
+  const std::string link = TemporaryFolder::Content(home.Path() / "Sessions/Default/KvCmDrv1.ini");
+  Run([&](QMainWindow& window) {
+    Find<QPushButton>(window, "cmdSimulate").click();
+    EXPECT_EQ(Text(window, "lblConnection"), "Simulated K670 - K670 - Running") << Text(window, "lblMessage");
+    EXPECT_EQ(Text(window, "lblAddress"), "Simulated K670-67-C30 / K390-29-C30");
+    Trigger(window, "HOST_OffLine");
+    const auto isOnCard = [](const QLabel* label) { return label->text().startsWith("Last on line 20"); };
+    EXPECT_EQ(std::ranges::count_if(window.findChildren<QLabel*>(), isOnCard), 1);
+    Find<QPushButton>(window, "cmdStart Default").click();
+    EXPECT_TRUE(WaitUntil([&] { return Text(window, "lblSession") == "Session Default"; }));
+    EXPECT_TRUE(WaitUntil([&] { return Text(window, "lblTrouble").contains("127.0.0.1"); }));
+  });
+  EXPECT_EQ(TemporaryFolder::Content(home.Path() / "Sessions/Default/KvCmDrv1.ini"), link);
 }
 
 TEST_F(MainWindowTest, AControllerThatCannotBeUsedIsRefusedInABox) {
@@ -96,7 +113,8 @@ TEST_F(MainWindowTest, LookingForASilentControllerTakesNothingFromTheUser) {
     When(
         window, [&] { return Text(window, "lblOnline") == "No answer"; },
         [&] {  // long before the time-out
-          EXPECT_THAT(Text(window, "lblConnection"), StartsWith("No answer, looking for the controller: "));
+          EXPECT_EQ(Text(window, "lblConnection"), "Default - K220 - No answer");
+          EXPECT_EQ(Text(window, "lblRetry"), "Looking for the controller");
           EXPECT_EQ(window.findChild<QWidget*>("busyOverlay"), nullptr);
           EXPECT_EQ(window.focusWidget(), &log);
           Trigger(window, "HOST_OffLine");

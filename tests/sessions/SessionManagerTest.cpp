@@ -132,5 +132,29 @@ TEST_F(SessionsTest, DeletingSparesDefaultAndWhatIsInUseAndAsksWhereThereIsSomet
   EXPECT_EQ(shared.CurrentSession, "two");
 }
 
+TEST_F(SessionsTest, ACopyHasNotBeenUsedWhenItsOriginalHas) {
+  using namespace std::chrono;
+  EXPECT_EQ(sessions.Describe("Default").lastUsed, "");
+  NoteSessionUsed(shared, local_seconds(sys_days(2026y / 11 / 21).time_since_epoch() + 14h + 3min + 21s));
+  EXPECT_EQ(sessions.Describe("Default").lastUsed, "2026-11-21 14:03:21");
+  ASSERT_TRUE(sessions.Create("Plant 2"));
+  EXPECT_EQ(sessions.Describe("Plant 2").lastUsed, "");
+  EXPECT_TRUE(sessions.Describe("Plant 2").isMarked);
+  EXPECT_FALSE(sessions.Describe("Default").isMarked);
+}
+
+TEST_F(SessionsTest, TheSimulatedSessionLeavesThoseThatUsersMadeAlone) {
+  const auto make = [&] { return sessions.SimulatedSession("Simulated K670", "K670-67-C30 / K390-29-C30"); };
+  EXPECT_EQ(make(), "Simulated K670");
+  EXPECT_EQ(sessions.Describe("Simulated K670").model, "K670-67-C30 / K390-29-C30");
+  EXPECT_EQ(make(), "Simulated K670") << "it is found again";
+  driver.realLinks = {"Simulated K670"};  // somebody has given it the link to a machine
+  EXPECT_EQ(make(), "Simulated K670 2");
+  home.Put("Sessions/Simulated K670 2/KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=K230\r\n");
+  EXPECT_EQ(make(), "Simulated K670 3");
+  EXPECT_THAT(sessions.List(), testing::SizeIs(4));
+  EXPECT_EQ(shared.CurrentSession, "Default");
+}
+
 }  // namespace
 }  // namespace kv

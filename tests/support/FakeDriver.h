@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "link/CommDriver.h"
 #include "tests/support/FakeHost.h"
@@ -37,6 +39,11 @@ class FakeDriver : public CommDriver {
   void CloseDriver() override { Note("CloseDriver"); }
   std::string LinkDescription() const override { return description; }
   std::optional<std::uint32_t> TiedSerialNumber() const override { return tied; }
+  std::vector<std::string> realLinks;  // sessions whose controller is no simulated one
+  std::string SimulatedModelOf(const SessionLink& link) const override {
+    const bool isReal = std::ranges::any_of(realLinks, [&](const auto& name) { return link.folder.ends_with(name); });
+    return isReal ? "" : link.model;
+  }
   std::string DescribeSession(const SessionLink& link) const override { return "Link of " + link.model; }
   void ComParamsCaller(const std::string& caller) override { Note("ComParamsCaller " + caller); }
   void ShowComParams() override { Note("ShowComParams"); }

@@ -29,6 +29,7 @@ class FakeHost : public RemoteHost {
   bool projectMatches = true;
   std::string refusal;        // of the last controller that was refused
   RefusedController refused;  // and what was known of it
+  SessionChoice* sessions = nullptr;
 
   bool Enabled() const override { return enabled; }
   void SetEnabled(bool on) override {
@@ -53,6 +54,7 @@ class FakeHost : public RemoteHost {
   }
   void SetComDescription(const std::string& text) override { Note("ComDescription", text); }
   void SetUserName(const std::string& name) override { Note("UserName", name); }
+  void SetSessionChoice(SessionChoice* choice) override { sessions = choice; }
   std::string InstallFolder() const override { return installFolder; }
   void SetHourglass(bool busy) override { Note("Hourglass", Switch(busy)); }
   std::vector<std::string> ToolIds() const override { return toolIds; }

@@ -5,7 +5,6 @@
 #include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QPalette>
 #include <QStyleFactory>
 #include <QTableView>
 #include <QTest>
@@ -16,6 +15,7 @@
 #include <string_view>
 
 #include "apps/kvsim/SampleSet.h"
+#include "desktop/ui/Theme.h"
 #include "tests/host_ui/ProgramRun.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tools/screenshots/ClonerPictures.h"
@@ -25,27 +25,6 @@
 
 namespace kv::test {
 namespace {
-
-QPalette DarkPalette() {
-  const QColor window(0x2b, 0x2d, 0x30);
-  const QColor base(0x1e, 0x1f, 0x22);
-  const QColor text(0xdf, 0xe1, 0xe5);
-  QPalette palette(window, window);
-  palette.setColor(QPalette::WindowText, text);
-  palette.setColor(QPalette::Base, base);
-  palette.setColor(QPalette::AlternateBase, window);
-  palette.setColor(QPalette::Text, text);
-  palette.setColor(QPalette::ButtonText, text);
-  palette.setColor(QPalette::ToolTipBase, base);
-  palette.setColor(QPalette::ToolTipText, text);
-  palette.setColor(QPalette::PlaceholderText, text.darker(150));
-  palette.setColor(QPalette::Highlight, QColor(0x2e, 0x6f, 0xb5));
-  palette.setColor(QPalette::HighlightedText, Qt::white);
-  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-    palette.setColor(QPalette::Disabled, role, QColor(0x7a, 0x7d, 0x82));
-  }
-  return palette;
-}
 
 class Photographer {
  public:
@@ -98,8 +77,6 @@ void ChooseSerial(QWidget& dialog) {
 void TakePictures(Photographer& camera, QMainWindow& window) {
   camera.Take(window, "main-off-line");
   Trigger(window, "ID_OnLine");
-  QTest::qWait(2500);  // some exchanges, so that the figures of the link mean something
-  camera.Take(window, "main-on-line");
   TakeHelp(camera, window);
   camera.TakeDialog(window, "sessions");
   Trigger(window, "ID_Session");
@@ -182,6 +159,9 @@ void OpenOperands(Photographer& camera, QMainWindow& window) {
   Trigger(window, "ID_OnLine");
   WithNextDialog(window, [&](QDialog& view) { TakeOperands(camera, view); });
   Trigger(window, "ID_DataTypes");
+  QTest::qWait(
+      3500);  // some exchanges, so that the figures of the link mean something, and the tiles have their values
+  camera.Take(window, "main-on-line");
 }
 
 void ConnectInVain(Photographer& camera, QMainWindow& window) {
@@ -211,7 +191,7 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setStyle(QStyleFactory::create("Fusion"));
-  if (argc > 3) QApplication::setPalette(kv::test::DarkPalette());
+  if (argc > 3) QApplication::setPalette(kv::PaletteOf(kv::Theme::Dark));
   const kv::TemporaryFolder home;
   kv::test::MakeHome(home.Path());
   kv::test::Photographer camera(argv[1], argv[2]);

@@ -10,6 +10,7 @@
 
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
+#include "desktop/ui/Theme.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv {
@@ -58,6 +59,11 @@ QAction* CommandBar::MakeAction(QMenu& menu, const HostCommand& command) {
     FillModels(*models);
     return models->menuAction();
   }
+  if (command.id == command::kTheme) {
+    QMenu* themes = menu.addMenu(Text(command.text));
+    FillThemes(*themes);
+    return themes->menuAction();
+  }
   if (command.id == command::kRecentPages) {
     mRecentMenu = menu.addMenu(Text(command.text));
     return mRecentMenu->menuAction();
@@ -86,6 +92,21 @@ void CommandBar::AddModels(QMenu& menu, bool isAurex) {
     mModels[model] = action;
   }
   menu.addActions(group->actions());
+}
+
+void CommandBar::FillThemes(QMenu& menu) {
+  for (const Theme theme : kThemes) {
+    QAction* action = menu.addAction("&" + NameOf(theme));
+    action->setData(NameOf(theme));
+    action->setCheckable(true);
+    QObject::connect(action, &QAction::triggered, &mWindow,
+                     [this, theme] { mOnCommand(command::kTheme, NameOf(theme).toStdString()); });
+    mThemes.push_back(action);
+  }
+}
+
+void CommandBar::ShowTheme(const QString& name) {
+  for (QAction* theme : mThemes) theme->setChecked(theme->data().toString() == name);
 }
 
 void CommandBar::BuildToolBar() {

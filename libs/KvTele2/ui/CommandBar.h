@@ -28,6 +28,7 @@ class CommandBar {
   void Show(const HostState& state, const WhyDisabled& whyDisabled);
   // The tool bar shows its texts where the window is wide enough for them.
   void FitInto(int width);
+  void ShowTheme(const QString& name);
   [[nodiscard]] QAction* Action(std::string_view id) const { return mActions.at(id); }
 
  private:
@@ -36,6 +37,7 @@ class CommandBar {
   [[nodiscard]] QAction* MakeAction(QMenu& menu, const HostCommand& command);
   void FillModels(QMenu& menu);
   void AddModels(QMenu& menu, bool isAurex);
+  void FillThemes(QMenu& menu);
   void BuildToolBar();
   void BuildModelBox();
   void ShowModel(const std::string& model, const std::string& whyNot);
@@ -45,6 +47,7 @@ class CommandBar {
   OnCommand mOnCommand;
   std::map<std::string_view, QAction*> mActions;  // by id
   std::map<std::string_view, QAction*> mModels;   // by model
+  std::vector<QAction*> mThemes;
   QMenu* mRecentMenu = nullptr;
   std::vector<std::string> mRecent;
   QToolBar* mToolBar = nullptr;

@@ -3,16 +3,22 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QHBoxLayout>
 #include <QMenu>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QVBoxLayout>
 #include <utility>
 
 #include "KvTele2/TelepanelHost.h"
-#include "KvTele2/ui/ControllerPage.h"
 #include "KvTele2/ui/LogView.h"
+#include "KvTele2/ui/MachineHeading.h"
+#include "KvTele2/ui/SidePanel.h"
+#include "KvTele2/ui/StartPage.h"
 #include "KvTele2/ui/StatusFields.h"
+#include "KvTele2/ui/ValuesPage.h"
 #include "desktop/ui/ContextMenu.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/ScrollPage.h"
@@ -24,13 +30,17 @@ namespace {
 constexpr std::chrono::seconds kHeartbeat{1};
 // A quiet question that takes longer keeps nobody waiting: input is delivered while it goes on.
 constexpr std::chrono::milliseconds kInputDelay{300};
+constexpr QSize kFirstSize(1120, 720);
+constexpr int kFewestLetters = 24;  // beside each other in a page; what is wider scrolls
 // Longer than any answer takes but on the slowest lines.
 constexpr std::chrono::seconds kSilence{1};
 
 }  // namespace
 
 frmMain::frmMain(QtPacer& pacer, const std::filesystem::path& windowsFile)
-    : mPacer(pacer), mCommands(*this, [this](std::string_view id, const std::string& text) { Command(id, text); }) {
+    : mPacer(pacer),
+      mTheme(windowsFile),
+      mCommands(*this, [this](std::string_view id, const std::string& text) { Command(id, text); }) {
   setObjectName("frmMain");
   setWindowIcon(IconOf("app"));
   BuildMiddle();
@@ -39,7 +49,8 @@ frmMain::frmMain(QtPacer& pacer, const std::filesystem::path& windowsFile)
   setStatusBar(mStatus);
   auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
   connect(escape, &QShortcut::activated, this, [this] { Command(command::kEscape, ""); });
-  resize(960, 640);
+  mCommands.ShowTheme(NameOf(mTheme.Chosen()));
+  resize(kFirstSize);
   RememberPlace(*this, windowsFile);
 }
 
@@ -48,18 +59,45 @@ frmMain::~frmMain() {
 }
 
 void frmMain::BuildMiddle() {
-  auto* middle = new QSplitter(Qt::Vertical, this);
+  auto* centre = new QWidget(this);
+  auto* middle = new QSplitter(Qt::Vertical, centre);
   middle->setObjectName("splMain");
   middle->setChildrenCollapsible(false);
-  mPages = new QStackedWidget(middle);
-  mPages->setObjectName("stkPages");
-  mPage = new ControllerPage(mPages);
-  mPages->addWidget(new ScrollPage(mPage, mPages));
+  middle->addWidget(BuildPages(middle));
   mLog = new LogView(middle);
   OnContextMenu(*mLog, [this](const QModelIndex&, const QPoint& at) { ShowLogMenu(at); });
   middle->setStretchFactor(0, 3);
   middle->setStretchFactor(1, 1);
-  setCentralWidget(middle);
+
+  mSide = new SidePanel(centre);
+  auto* side = new ScrollPage(mSide, centre);
+  side->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  side->setFixedWidth(mSide->width() + side->verticalScrollBar()->sizeHint().width());
+  auto* columns = new QHBoxLayout(centre);
+  columns->setContentsMargins({});
+  columns->setSpacing(0);
+  columns->addWidget(middle, 1);
+  columns->addWidget(side);
+  setCentralWidget(centre);
+}
+
+QWidget* frmMain::BuildPages(QWidget* parent) {
+  const auto click = [this](std::string_view id) { Command(id, ""); };
+  auto* upper = new QWidget(parent);
+  mHeading = new MachineHeading(click, upper);
+  mPages = new QStackedWidget(upper);
+  mPages->setObjectName("stkPages");
+  mPages->setMinimumWidth(kFewestLetters * fontMetrics().averageCharWidth());
+  mStart = new StartPage([this](std::string_view id, const std::string& text) { Command(id, text); }, mPages);
+  mValues = new ValuesPage(click, mPages);
+  mPages->addWidget(new ScrollPage(mStart, mPages));
+  mPages->addWidget(new ScrollPage(mValues, mPages));
+  auto* rows = new QVBoxLayout(upper);
+  rows->setContentsMargins({});
+  rows->setSpacing(0);
+  rows->addWidget(mHeading);
+  rows->addWidget(mPages, 1);
+  return upper;
 }
 
 void frmMain::ShowLogMenu(const QPoint& at) {
@@ -82,6 +120,7 @@ void frmMain::BuildTimers() {
 
 void frmMain::Command(std::string_view id, const std::string& argument) {
   if (id == command::kCopyLog) QApplication::clipboard()->setText(mLog->CopyText());
+  if (id == command::kTheme) mTheme.Choose(ThemeNamed(QString::fromStdString(argument)));
   mHost->Click(id, argument);
   // What a tool has done to the controller is seen at once, and not only with the next beat.
   if (mHeartbeat.isActive()) QTimer::singleShot(0, this, [this] { Tick(); });
@@ -90,7 +129,12 @@ void frmMain::Command(std::string_view id, const std::string& argument) {
 void frmMain::Show(const HostState& state, const Journal& journal) {
   setWindowTitle(QString::fromStdString(WindowTitle(state)));
   mCommands.Show(state, [this](std::string_view id) { return mHost->WhyDisabled(id); });
-  mPage->Show(state);
+  mCommands.ShowTheme(NameOf(mTheme.Chosen()));
+  mHeading->Show(state);
+  mPages->setCurrentIndex(static_cast<int>(MiddlePageOf(state)));
+  mStart->Show(state);
+  mValues->Show(state);
+  mSide->Show(state);
   mLog->Follow(journal);
   mStatus->Show(state);
   ShowPointer(state.isPointerBusy);
@@ -153,11 +197,6 @@ void frmMain::closeEvent(QCloseEvent* event) {
 void frmMain::resizeEvent(QResizeEvent* event) {
   QMainWindow::resizeEvent(event);
   mCommands.FitInto(width());
-}
-
-void frmMain::changeEvent(QEvent* event) {
-  QMainWindow::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange && mHost) mPage->Show(mHost->State());
 }
 
 }  // namespace kv

@@ -10,18 +10,22 @@
 #include "KvTele2/ui/CommandBar.h"
 #include "desktop/ui/BusyState.h"
 #include "desktop/ui/QtPacer.h"
+#include "desktop/ui/Theme.h"
 
 class QStackedWidget;
 
 namespace kv {
 
-class ControllerPage;
 class LogView;
+class MachineHeading;
+class SidePanel;
+class StartPage;
 class StatusFields;
 class TelepanelHost;
+class ValuesPage;
 
-// The main window: shows the host's state and hands on what the user does. The middle is a stack of pages with the
-// controller page in it, so that the controller's screen has its place there.
+// The main window: shows the host's state and hands on what the user does. Which machine it is stands above, what is
+// known of it at the side; the middle is a stack of pages (MiddlePage), and below is the log.
 class frmMain final : public QMainWindow, public HostView {
  public:
   // `pacer` outlives the window; `windowsFile` keeps its place.
@@ -40,10 +44,10 @@ class frmMain final : public QMainWindow, public HostView {
  protected:
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
-  void changeEvent(QEvent* event) override;
 
  private:
   void BuildMiddle();
+  [[nodiscard]] QWidget* BuildPages(QWidget* parent);
   void BuildTimers();
   void ShowLogMenu(const QPoint& at);  // on the screen
   void Command(std::string_view id, const std::string& argument);
@@ -53,9 +57,13 @@ class frmMain final : public QMainWindow, public HostView {
 
   QtPacer& mPacer;
   TelepanelHost* mHost = nullptr;
+  ThemeChoice mTheme;
   CommandBar mCommands;
-  QStackedWidget* mPages = nullptr;
-  ControllerPage* mPage = nullptr;
+  MachineHeading* mHeading = nullptr;
+  QStackedWidget* mPages = nullptr;  // in the order of MiddlePage
+  StartPage* mStart = nullptr;
+  ValuesPage* mValues = nullptr;
+  SidePanel* mSide = nullptr;
   LogView* mLog = nullptr;
   StatusFields* mStatus = nullptr;
   QTimer mHeartbeat;  // of the host, while a controller is held

@@ -6,13 +6,12 @@
 
 #include "base/PathText.h"
 #include "dataview/files/GridText.h"
+#include "host/shared/GridFileNames.h"
 
 namespace kv::mdlDataTypesView {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::size_t kLargestGridFile = std::size_t{16} << 20;  // bytes: a large model full of long texts has less
 
 std::expected<void, FileError> SaveGrids(const GridFilePair& files, const GridState& state, std::string_view session) {
   if (const auto saved = SaveAtomically(files.regions, PrintRegionsGrid(state, session)); !saved) return saved;
@@ -96,7 +95,7 @@ std::optional<std::string> Recover(const fs::path& temporary, const ProgramPaths
 }  // namespace
 
 GridFilePair SessionGridFiles(const ProgramPaths& paths, std::string_view session) {
-  return {paths.SessionFile(session, "vsfRegions_1.vsf"), paths.SessionFile(session, "vsfOperands_1.vsf")};
+  return {paths.SessionFile(session, kRegionsGridFile), paths.SessionFile(session, kOperandsGridFile)};
 }
 
 GridFilePair TemporaryGridFiles(const ProgramPaths& paths) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <expected>
 #include <filesystem>
 #include <string>
@@ -12,6 +13,9 @@
 
 // Both grids as files: between two openings of the view, and around a read-all or write-all.
 namespace kv::mdlDataTypesView {
+
+inline constexpr std::size_t kLargestGridFile = std::size_t{16}
+                                                << 20;  // bytes: a large model full of long texts has less
 
 // The two files of one saved state. Each is whole or known as damaged by itself.
 struct GridFilePair {

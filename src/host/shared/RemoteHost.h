@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "host/shared/RegionTiles.h"
+#include "host/shared/SessionChoice.h"
 #include "link/Channel.h"
 
 namespace kv {
@@ -51,6 +53,10 @@ class RemoteHost {
   virtual void SetModel(const std::string& model) = 0;
   virtual void SetComDescription(const std::string& text) = 0;
   virtual void SetUserName(const std::string& name) = 0;
+  // For a host that offers the sessions by itself, and for one that shows the values of their regions. Null takes back
+  // what was given before, which otherwise outlives the host.
+  virtual void SetSessionChoice(SessionChoice*) {}
+  virtual void SetRegionTiles(RegionTiles*) {}
   // The folder in which sibling programs are installed.
   [[nodiscard]] virtual std::string InstallFolder() const = 0;
   // While true the pointer is the hourglass.
