@@ -89,7 +89,7 @@ TEST(ReadRegions, FailingAtAnyCallLeavesWhatWasShown) {
     fixture.channel->failAt = -1;
     fixture.view.SelectRegions({1, 2});
     fixture.Run("ID_RemoveRegion");
-    fixture.Run("ID_WriteRegions");
+    fixture.Run("ID_WriteRegions", {PromptAnswer::Yes});
     EXPECT_FALSE(fixture.view.Status().loss) << "one region that is written is enough";
   }
 }
