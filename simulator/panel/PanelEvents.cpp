@@ -43,7 +43,8 @@ bool Panel::IsAnother(const PanelEvent& event) const {
   if (isOtherScreen || event.page != mScreen.Page() || mScreen.At(0).number > event.number) return true;
   if (event.key == PanelEvent::kAtPoint) return mScreen.HasAreaChangedAt(event.x, event.y, event.number);
   const std::size_t slot = kFirstKeySlot + event.key;
-  return mDisplay.kind == Display::Kind::TextCells && slot < Screen::kSlots && mScreen.At(slot).number > event.number;
+  return mDisplay.kind == Display::Kind::TextCells && slot < Screen::kSlots &&
+         mScreen.At(slot).targetNumber > event.number;
 }
 
 // The one on top, where several lie at a point; null when nothing does.

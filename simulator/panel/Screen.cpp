@@ -17,6 +17,15 @@ void AppendRecord(std::string& records, std::uint16_t number, const Screen::Slot
 
 constexpr std::size_t kRecordHead = 4;
 
+// That something looks pressed makes no other thing of it.
+bool IsSameTarget(std::string before, std::string after) {
+  constexpr std::size_t kState = 9;
+  if (before.size() <= kState || before.size() != after.size()) return false;
+  before[kState] = static_cast<char>(before[kState] & ~kPressed);
+  after[kState] = static_cast<char>(after[kState] & ~kPressed);
+  return before == after;
+}
+
 }  // namespace
 
 void Screen::ShowPage(std::uint16_t page, Colour background, std::string_view name) {
@@ -31,7 +40,10 @@ void Screen::Put(std::size_t slot, RecordKind kind, std::string body) {
   if (place.kind == kind && place.body == body) return;
   mOrder.erase(place.number);
   ++mNumber;
-  if (place.kind == RecordKind::TouchArea) {
+  const bool wasArea = place.kind == RecordKind::TouchArea;
+  const bool isSame = wasArea && kind == place.kind && IsSameTarget(place.body, body);
+  if (!isSame) place.targetNumber = mNumber;
+  if (wasArea && !isSame) {
     place.formerArea = BoxOfTouchArea(place.body);
     place.formerNumber = mNumber;
   }
@@ -65,7 +77,7 @@ Screen::Changes Screen::Since(std::uint16_t epoch, std::uint32_t number, std::si
 bool Screen::HasAreaChangedAt(int x, int y, std::uint32_t number) const {
   return std::any_of(mSlots.begin() + kFirstOfPage, mSlots.end(), [&](const Slot& slot) {
     if (slot.formerNumber > number && slot.formerArea.Contains(x, y)) return true;
-    return slot.kind == RecordKind::TouchArea && slot.number > number && BoxOfTouchArea(slot.body).Contains(x, y);
+    return slot.kind == RecordKind::TouchArea && slot.targetNumber > number && BoxOfTouchArea(slot.body).Contains(x, y);
   });
 }
 

@@ -22,6 +22,7 @@ class Screen {
     RecordKind kind = RecordKind::Nothing;
     std::uint32_t number = 0;  // of its last change; 0: none on this page
     std::string body;
+    std::uint32_t targetNumber = 0;  // of its last change to something else that can be pressed
     Box formerArea;                  // where a touch area was that went from here
     std::uint32_t formerNumber = 0;  // the change with which it went; 0: none
   };

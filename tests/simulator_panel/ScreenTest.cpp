@@ -124,5 +124,19 @@ TEST(Screen, IsDrawnByTheRules) {
             none + none + none + none + none + none + ".........aaa\n.........aaa\n");
 }
 
+// Else who types quickly would be refused: each key makes the screen newer twice.
+TEST(Screen, ThatSomethingLooksPressedMakesNoOtherThingOfIt) {
+  Screen screen(1);
+  const auto put = [&screen](std::uint8_t state) {
+    const std::uint32_t before = screen.Number();
+    screen.Put(64, RecordKind::TouchArea, TouchAreaBody({0, 0, 9, 9}, Role::Entry, state, "5"));
+    return screen.HasAreaChangedAt(4, 4, before);
+  };
+  EXPECT_TRUE(put(0));
+  EXPECT_FALSE(put(kPressed));
+  EXPECT_TRUE(put(kOn | kPressed));
+  EXPECT_FALSE(put(kOn));
+}
+
 }  // namespace
 }  // namespace sim::test
