@@ -62,7 +62,7 @@ void Panel::Do(const PanelEvent& event, PlantOperands& operands) {
     case Action::Operate:
       EndLease(operands);
       mNewLease = ChanceWord();
-      mOperator.Take(*mNewLease, event.name.empty() ? "?" : event.name, mNow);
+      mOperator.Take(*mNewLease, event.name, mNow);
       break;
     case Action::Leave:
       EndLease(operands);

@@ -1,5 +1,7 @@
 #include "simulator/panel/PanelWire.h"
 
+#include <algorithm>
+
 #include "simulator/LittleEndian.h"
 
 namespace sim {
@@ -30,11 +32,22 @@ class Taker {
   std::string_view mBytes;
 };
 
+// A character of Windows-1252 that can be seen, or a blank. Five bytes of that code page are no character.
+bool IsCharacter(char character) {
+  constexpr std::string_view kOpen = "\x81\x8D\x8F\x90\x9D";
+  return static_cast<unsigned char>(character) >= ' ' && character != '\x7F' && !kOpen.contains(character);
+}
+
+// Every host shows it to its user, who has to be told of somebody.
+bool IsName(std::string_view name) {
+  return !name.empty() && name.size() <= kLongestName && std::ranges::all_of(name, IsCharacter);
+}
+
 bool IsPossible(const PanelEvent& event) {
   const auto action = static_cast<int>(event.action);
-  if (action < 1 || action > 6 || event.name.size() > kLongestName) return false;
+  if (action < 1 || action > 6) return false;
   const bool isOperate = event.action == PanelEvent::Action::Operate;
-  return isOperate ? event.key <= 1 : event.name.empty();
+  return isOperate ? event.key <= 1 && event.lease == 0 && IsName(event.name) : event.name.empty();
 }
 
 }  // namespace

@@ -11,10 +11,11 @@ namespace {
 constexpr int kJog = 201;
 constexpr int kRuns = 200;
 
-PanelClient OnManualPage(const std::string& model = "K670") {
+// A text display has the key on every page, a colour display the button on one.
+PanelClient AtConveyor(const std::string& model = "K670") {
   PanelClient client(model);
   EXPECT_EQ(client.Operate(), 0);
-  EXPECT_EQ(client.Press("Manual"), 0);
+  EXPECT_TRUE(model == "Q51" || client.Press("Manual") == 0);
   return client;
 }
 
@@ -25,12 +26,17 @@ TEST(PanelProtocol, EachVerdictInItsOrder) {
     int action;
     const char* name;
     int verdict;
+    const char* model = "K670";
   };
   const auto stranger = [](PanelClient& c) { c.lease ^= 1; };
   const auto late = [](PanelClient& c) { c.stamp -= 2001; };
   const auto local = [](PanelClient& c) { c.fixture.Write("0100DB0001", "01"); };
   const auto system = [](PanelClient& c) { EXPECT_EQ(c.fixture.Block(260, 1).status, 10); };
   const auto oldArea = [](PanelClient& c) { c.seen = c.number - 200; };
+  const auto seenBefore = [](PanelClient& c, const char* pressed) {
+    c.seen = c.number;
+    EXPECT_EQ(c.Press(pressed, 3), 0);
+  };
   const auto running = [](PanelClient& c) {
     EXPECT_EQ(c.Press("Overview"), 0);
     EXPECT_EQ(c.Press("Start"), 0);
@@ -41,7 +47,13 @@ TEST(PanelProtocol, EachVerdictInItsOrder) {
       {"nothing there", {}, 3, "", 1},
       {"another page", [](PanelClient& c) { c.page = 1; }, 3, "Conveyor", 2},
       {"another epoch", [](PanelClient& c) { ++c.epoch; }, 3, "Conveyor", 2},
+      {"a number that is still to come", [](PanelClient& c) { c.seen = c.number + 1; }, 3, "Conveyor", 2},
       {"seen before the page came", oldArea, 6, "Conveyor", 2},
+      {"an earlier showing of the page, nothing there", oldArea, 6, "", 2},
+      {"pressed since", [&](PanelClient& c) { seenBefore(c, "Conveyor"); }, 3, "Conveyor", 0},
+      {"a key pressed since", [&](PanelClient& c) { seenBefore(c, "Conveyor"); }, 3, "Conveyor", 0, "Q51"},
+      {"a key switched since", [&](PanelClient& c) { seenBefore(c, "Start"); }, 3, "Start", 2, "Q51"},
+      {"disabled since", [](PanelClient& c) { c.seen = c.number, (void)c.fixture.Text("CCS"); }, 3, "Conveyor", 2},
       {"late", late, 6, "Conveyor", 3},
       {"from the future", [](PanelClient& c) { c.stamp += 1; }, 6, "Conveyor", 3},
       {"without a lease", stranger, 3, "Conveyor", 4},
@@ -59,11 +71,13 @@ TEST(PanelProtocol, EachVerdictInItsOrder) {
   };
   for (const Case& row : cases) {
     SCOPED_TRACE(row.what);
-    PanelClient client = OnManualPage();
+    PanelClient client = AtConveyor(row.model);
     if (row.before) row.before(client);
     const int wasHeld = client.Bit(kJog);
     const std::string name = row.name;
-    EXPECT_EQ(name.empty() ? client.Send(row.action, row.action == 1 ? 0 : 255) : client.Press(name, row.action),
+    EXPECT_EQ(row.action == 1 ? client.Operate()
+              : name.empty()  ? client.Send(row.action)
+                              : client.Press(name, row.action),
               row.verdict);
     EXPECT_TRUE(row.verdict == 0 || client.Bit(kJog) == wasHeld);
   }
@@ -89,7 +103,7 @@ TEST(PanelProtocol, WhatIsHeldIsLetGoByItself) {
   };
   for (const Case& row : cases) {
     SCOPED_TRACE(row.what);
-    PanelClient client = OnManualPage();
+    PanelClient client = AtConveyor();
     ASSERT_EQ(client.Press("Conveyor", 3), 0);
     EXPECT_TRUE((client.flags & 64) != 0 && client.Bit(kJog) == 1);
     for (int again = 0; again < 10; ++again) {
@@ -107,7 +121,7 @@ TEST(PanelProtocol, WhatIsHeldIsLetGoByItself) {
 TEST(PanelProtocol, AHoldEndsAtItsOwnMoment) {
   for (const auto& [action, silence, steps] :
        {std::tuple(3, 600ms, 25), std::tuple(3, 90'000ms, 25), std::tuple(6, 600ms, 5), std::tuple(6, 40ms, 2)}) {
-    PanelClient client = OnManualPage();
+    PanelClient client = AtConveyor();
     const int before = client.Word(208);
     EXPECT_EQ(client.Press("Conveyor", action), 0);
     client.fixture.Wait(silence);
@@ -140,14 +154,35 @@ TEST(PanelProtocol, ALeaseIsOneOperators) {
 TEST(PanelProtocol, MalformedAndForbidden) {
   Fixture compact("Q51");
   Fixture colour("K670");
-  const std::string event = std::string("06FF") + std::string(36, '0') + "6400" + "00000000";
-  EXPECT_EQ(compact.Own("PD", "00"), "ERROR02");
-  EXPECT_EQ(compact.Own("PC", "000000000000630000"), "ERROR02");
-  EXPECT_EQ(compact.Own("PC", "00000000000063000000"), "ERROR04");
-  EXPECT_EQ(compact.Own("PC", "00000000000001020000"), "ERROR04") << "513 bytes in a frame";
-  EXPECT_EQ(compact.Own("PE", event).substr(26, 2), "04") << "without a lease";
-  EXPECT_EQ(compact.Own("PE", event + "41"), "ERROR02") << "a name";
-  EXPECT_EQ(compact.Own("PE", "07" + event.substr(2)), "ERROR02");
+  const auto event = [](const std::string& action, const std::string& lease = "0000", const std::string& name = "") {
+    return action + std::string(24, '0') + lease + "00000000640000000000" + name;
+  };
+  struct Case {
+    const char* what;
+    const char* letters;
+    std::string data;
+    const char* told;  // the refusal, or the verdict
+  };
+  const Case cases[] = {
+      {"a byte too many", "PD", "00", "ERROR02"},
+      {"a byte missing", "PC", "000000000000630000", "ERROR02"},
+      {"99 bytes in a frame", "PC", "00000000000063000000", "ERROR04"},
+      {"513 bytes in a frame", "PC", "00000000000001020000", "ERROR04"},
+      {"without a lease", "PE", event("06FF"), "04"},
+      {"a name with a press", "PE", event("06FF", "0000", "41"), "ERROR02"},
+      {"no such action", "PE", event("07FF"), "ERROR02"},
+      {"a lease with operate", "PE", event("0100", "0100", "41"), "ERROR02"},
+      {"nobody", "PE", event("0100"), "ERROR02"},
+      {"a control character", "PE", event("0100", "0000", "411F"), "ERROR02"},
+      {"delete", "PE", event("0100", "0000", "7F41"), "ERROR02"},
+      {"no character", "PE", event("0100", "0000", "418D"), "ERROR02"},
+      {"a name too long", "PE", event("0100", "0000", std::string(42, '4')), "ERROR02"},
+      {"the longest name, but late", "PE", event("0100", "0000", "208E9E" + std::string(34, 'F')), "03"},
+  };
+  for (const Case& row : cases) {
+    const std::string reply = compact.Own(row.letters, row.data);
+    EXPECT_EQ(reply.starts_with("ERROR") ? reply : reply.substr(26, 2), row.told) << row.what;
+  }
   EXPECT_EQ(Fixture("PR1").Own("PD", ""), "ERROR0E");
   EXPECT_EQ(Fixture("K330").Own("PD", ""), "ERROR0E");
   EXPECT_EQ(compact.Block(270).status, 128 + 0x0E);
@@ -162,7 +197,7 @@ TEST(PanelProtocol, MalformedAndForbidden) {
 
 // A restarted controller is another screen, whose operator and page are gone.
 TEST(PanelProtocol, AResetBeginsAnew) {
-  PanelClient client = OnManualPage();
+  PanelClient client = AtConveyor();
   EXPECT_EQ(client.Press("Overview"), 0);
   EXPECT_EQ(client.Press("Start"), 0);
   const auto epoch = client.epoch;
