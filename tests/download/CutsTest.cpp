@@ -149,18 +149,13 @@ TEST_P(Trips, AStopIsMeantOrTheDownloadGoesThrough) {
 
 // Whatever the weather: what was to be in the controller, or a plain failure that says what is.
 TEST_P(Trips, InAnyWeatherItIsRightOrAPlainFailure) {
-  const std::vector<std::string> weather = {
-      "damage:rate=0.0005",    "noreply:p=0.02",      "late:ms=700,p=0.02",      "double:p=0.02",
-      "cut:after=11,p=0.01",   "dribble:ms=2,p=0.02", "garbage:bytes=60,p=0.01", "echo:p=0.01",
-      "wrongunit:p=0.01",      "busy:p=0.002",        "reset:p=0.003",           "lost:at=9,away=900,p=0.01",
-      "lost:away=9000,p=0.004"};
   const int seeds = WeatherSeeds(30);
   int done = 0;
   for (int seed = 1; seed <= seeds && !HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     const auto fixture = Make(GetParam(), static_cast<std::uint64_t>(seed));
     fixture->Prepare();
-    fixture->UseFaults(weather);
+    fixture->UseFaults(kRoughWeather);
     fixture->desk.retries = 5;
     const bool isDone = fixture->Download();
     done += isDone ? 1 : 0;

@@ -12,6 +12,7 @@
 #include "Requests.h"
 #include "base/Numbers.h"
 #include "tests/support/HeldMemory.h"
+#include "tests/support/WeatherSeeds.h"
 
 namespace kv::matrix {
 namespace {
@@ -33,33 +34,7 @@ struct Weather {
 };
 
 const Weather kWeathers[] = {
-    {"rough",
-     40,
-     {"noreply:p=0.01",
-      "late:ms=30,p=0.01",
-      "late:ms=400,p=0.005",
-      "late:ms=3500,p=0.0005",
-      "double:p=0.01",
-      "dribble:ms=1,p=0.003",
-      "dribble:ms=40,p=0.0002",
-      "cut:after=11,p=0.01",
-      "damage:p=0.01",
-      "damage:chars=4,p=0.005",
-      "damage:rate=0.0005",
-      "damage:dir=in,p=0.01",
-      "damage:dir=in,rate=0.002",
-      "wrongunit:p=0.005",
-      "echo:p=0.01",
-      "garbage:bytes=200,p=0.005",
-      "garbage:p=0.0001",
-      "busy:p=0.002",
-      "refuse:code=04,p=0.001",
-      "lie:p=0.001",
-      "reset:p=0.001",
-      "lost:p=0.001",
-      "lost:at=9,p=0.001",
-      "lost:dir=in,p=0.001",
-      "lost:at=3,away=900,p=0.001"}},
+    {"rough", 40, test::kRoughWeather},
     {"storm",
      20,
      {"noreply:p=0.1", "late:ms=150,p=0.1", "double:p=0.1", "cut:after=15,p=0.1", "damage:chars=2,p=0.1",
