@@ -115,9 +115,10 @@ class PanelSessionTest : public ::testing::Test {
     }
   }
   void Operate() {
-    session.AskToOperate("Anna", false);
+    session.AskToOperate("An\tna \xC2\x81", false);
     Run(300ms);
     ASSERT_EQ(session.State().mode, PanelMode::Operate);
+    EXPECT_EQ(panel.events.back().operatorName, "An?na ?") << "nothing that a controller refuses in a name";
     (void)session.TakeReports();
     panel.sent.clear();
     panel.events.clear();

@@ -26,12 +26,21 @@ std::string WordsOf(const TouchItem& touch, const PanelPlace& place, const Scree
   return words + TouchText(touch) + " on page " + std::to_string(PageNumber(model));
 }
 
+// A controller takes no name that others could not read: "?" is what it gets for each byte that is no character, and
+// for nobody.
+std::string ReadableName(std::string name) {
+  constexpr std::string_view kNoCharacters = "\x7F\x81\x8D\x8F\x90\x9D";
+  std::ranges::replace_if(
+      name, [&](char c) { return static_cast<unsigned char>(c) < ' ' || kNoCharacters.contains(c); }, '?');
+  return name.empty() ? "?" : name.substr(0, kLongestOperator);
+}
+
 }  // namespace
 
 void Operator::AskToOperate(std::string name, bool takesOver) {
   if (mMode != PanelMode::View) return;
   mMode = PanelMode::Asking;
-  mName = name.substr(0, kLongestOperator);
+  mName = ReadableName(std::move(name));
   mTakesOver = takesOver;
   mWhyViewing.clear();
 }

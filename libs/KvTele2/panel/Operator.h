@@ -74,7 +74,7 @@ class Operator {
   static constexpr Duration kLongestWait = std::chrono::seconds(1);     // of a press for the link
   static constexpr std::size_t kMostWaiting = 8;
 
-  // What the user does. A name has at most kLongestOperator characters of Windows-1252.
+  // What the user does. A name is Windows-1252; of a longer one than kLongestOperator goes the beginning.
   void AskToOperate(std::string name, bool takesOver);
   // View at once; the lease is given back with the next event.
   void Leave();
