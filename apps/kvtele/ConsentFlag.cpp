@@ -1,7 +1,5 @@
 #include "apps/kvtele/ConsentFlag.h"
 
-#include "clone/clsDumpPLC.h"
-
 namespace kv::cli {
 
 ConsolePrompts PromptsFor(Environment& environment, const CommonOptions& common) {
@@ -20,10 +18,10 @@ ConsolePrompts PromptsFor(Environment& environment, const ConsentFlag& consent) 
 }
 
 OrFailure<void> Confirm(Environment& environment, const ConsentFlag& consent, const std::string& question,
-                        const std::string& doing) {
+                        const std::string& doing, std::string_view title) {
   const auto answer = PromptsFor(environment, consent)
                           .Show({.text = question,
-                                 .title = std::string(kClonerCaption),
+                                 .title = std::string(title),
                                  .icon = PromptIcon::Exclamation,
                                  .buttons = PromptButtons::YesNo,
                                  .canLose = true});

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "apps/kvtele/CommonOptions.h"
 #include "apps/kvtele/Environment.h"
+#include "clone/clsDumpPLC.h"
 #include "desktop/console/ConsolePrompts.h"
 
 namespace kv::cli {
@@ -21,7 +23,7 @@ struct ConsentFlag {
 
 // Asks a question whose consent cannot be taken back, and says why it does not go on. `doing` names what is refused.
 [[nodiscard]] OrFailure<void> Confirm(Environment& environment, const ConsentFlag& consent, const std::string& question,
-                                      const std::string& doing);
+                                      const std::string& doing, std::string_view title = kClonerCaption);
 
 [[nodiscard]] Failure NotConfirmedFailure(std::string doing, const std::string& flags);
 

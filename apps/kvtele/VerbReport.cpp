@@ -2,6 +2,7 @@
 
 #include "KvCmDrv1/ports/PortLibrary.h"
 #include "apps/kvtele/LinkChoice.h"
+#include "apps/kvtele/PngFile.h"
 #include "apps/kvtele/Verb.h"
 #include "dataview/sheets/SheetLibraries.h"
 #include "deflate/DeflateLibrary.h"
@@ -33,7 +34,8 @@ ReportedProgram ThisProgram() {
                        {"JSON for Modern C++", json, "MIT"},
                        PortLibrary(),
                        SecretLibrary(),
-                       DeflateLibrary()};
+                       DeflateLibrary(),
+                       PngLibrary()};
   for (LibraryNotice& library : SheetLibraries()) program.libraries.push_back(std::move(library));
   return program;
 }
