@@ -78,19 +78,9 @@ TEST(Press, AsksNamesAndPressesOnce) {
   }
 }
 
-// Another controller may be put on the line while the question is open; a password is asked for as by other commands.
-TEST(Press, IsForTheControllerThatWasNamedAndNeedsItsPassword) {
+TEST(Press, NeedsThePasswordOfItsController) {
   CommandFixture fixture;
-  fixture.input.lines = {{"y", "y"}};
-  bool isFirst = true;
-  fixture.input.onRead = [&] {
-    if (std::exchange(isFirst, false)) fixture.ReplaceController("K670");
-  };
-  const Result other = fixture.On("K670", "press Recipe");
-  EXPECT_NE(other.exit, 0);
-  fixture.input.onRead = [] {};
   fixture.options.password = "abc";
-  fixture.ReplaceController("K670");
   EXPECT_EQ(fixture.On("K670", "--yes press Start").exit, 4) << "the password is needed";
   EXPECT_EQ(fixture.On("K670", "--yes --password abc press Start").exit, 0);
   EXPECT_THAT(fixture.On("K670", "screen").out, HasSubstr("RUNNING"));

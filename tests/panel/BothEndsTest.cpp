@@ -142,6 +142,36 @@ TEST(BothEnds, AButtonThatIsPressedStartsTheMachineAndAHeldOneMovesItAsLongAsItI
   }
 }
 
+// On a line of 115200 baud, whose time is counted here byte by byte.
+TEST(BothEnds, ATouchAndAPageChangeOnAUsualSerialLineAreQuick) {
+  Watcher host("K670");
+  host.Run(1s);
+  ASSERT_TRUE(host.Operate());
+  const auto touch = [&](const std::string& name, const auto& isSeen) {
+    const auto place = host.Find(name);
+    EXPECT_TRUE(place) << name;
+    const Instant start = host.fixture.pacer.Now();
+    EXPECT_EQ(host.session.Press(place.value_or(PanelPlace{})), PressRefusal::None);
+    while (!isSeen() && host.fixture.pacer.Now() < start + 2s) host.Run(1ms, place);
+    return host.fixture.pacer.Now() - start;
+  };
+  const auto bytes = [&] {
+    const LinkQuality quality = host.fixture.channel.Quality();
+    return quality.bytesSent + quality.bytesReceived;
+  };
+  const auto touched = touch("Start", [&] { return PlainText(*host.session.Model(), {}).contains("RUNNING"); });
+  EXPECT_LE(touched, 30ms);
+  host.Run(500ms);
+  const std::uint64_t before = bytes();
+  const auto changed = touch("Alarms", [&] { return host.session.State().page == 4 && host.session.State().isWhole; });
+  EXPECT_LE(changed, 100ms);
+  EXPECT_LE(bytes() - before, 800U);
+  host.Run(500ms);
+  (void)touch("Overview", [&] { return host.session.State().page == 1; });
+  host.Run(400ms);  // what has just come is not pressed
+  EXPECT_LE(touch("Stop", [&] { return !host.session.TakeReports().empty(); }), 80ms);
+}
+
 // Lost, late, doubled, damaged and cut replies: what was pressed was pressed once, or is told as not done or unsure.
 // The key turns pages, so each press that was executed shows; and in the end the screen is the controller's own.
 TEST(BothEnds, UnderFaultsAPressHappensOnceOrIsToldAsNotDone) {
