@@ -56,11 +56,12 @@ class ClonerWindowTest : public ToolWindowFixture<frmDumpPLC, WatchedPrompts> {
   void OnlySmallSegments() const {
     for (const char* box : {"chkOP", "chkDT", "chkAP", "chkOS"}) Find<QCheckBox>(*window, box).setChecked(false);
   }
-  void Create() {
+  void Create(std::initializer_list<PromptAnswer> afterwards = {}) {
     prompts.Choose(Utf8FromPath(file));
     prompts.Enter("1");
     prompts.Press(PromptAnswer::Yes);
     prompts.Press(PromptAnswer::Ok);
+    for (const PromptAnswer answer : afterwards) prompts.Press(answer);
     Trigger("ID_CreateGhost");
   }
   // Answers the questions before a restore, the last of which is whether it is wanted, and closes the boxes behind.
@@ -131,29 +132,13 @@ TEST_F(ClonerWindowTest, CreatesAFileAndShowsTheSegments) {
   EXPECT_EQ(info->segments.size(), 6U);
 }
 
-TEST_F(ClonerWindowTest, RestoresAFileAndTellsBeforehandWhatSpeaksAgainstIt) {
+// A line for an address that no segment has stands in front: nothing is written any more.
+TEST_F(ClonerWindowTest, TellsBeforehandWhatSpeaksAgainstAFile) {
   Open();
   OnlySmallSegments();
   Create();
-  PlugIn({});
-  auto other = driver.GetChannel();
-  ASSERT_FALSE(VerifyClone(*other, file)->IsSame());
   std::vector<std::string> found;
-  prompts.onAsk = [&](const std::string&) { found.push_back(Look() + "\n" + Information()); };
-  Restore();
-  EXPECT_THAT(found.at(1), HasSubstr("Restore Clone File (hourglass): StopDump\n"));
-  EXPECT_THAT(found.at(1), HasSubstr("byte for byte, as it was made"));
-  EXPECT_THAT(prompts.Boxes(), Contains(::testing::Field(&MessageBox::text, "Clone Restore Successfully.")));
-  EXPECT_EQ(Look(), kIdleLook);
-  EXPECT_EQ(Heading(), "Write Command");
-  const auto info = InspectClone(file);
-  EXPECT_EQ(Rows().rowCount(), static_cast<int>(info->frames));
-  EXPECT_EQ(Row(Rows().rowCount() - 1), "/01EDEA");
-  pacer.Sleep(kRestart);
-  EXPECT_TRUE(VerifyClone(*other, file)->IsSame());
-  other.reset();
-
-  // A line for an address that no segment has, in front: nothing is written any more.
+  prompts.onAsk = [&](const std::string&) { found.push_back(Information()); };
   std::string content = TemporaryFolder::Content(file);
   content.insert(content.find("/01WD"), BuildWriteFrame(1, MemoryKind::Flash, 0, Bytes{1, 2}) + "\r\n");
   fixture.home.Put("clone.kdf", content);
@@ -184,8 +169,18 @@ TEST_F(ClonerWindowTest, OverwritesNothingWithoutAYesToAQuestionThatNamesIt) {
   Restore(0, {PromptAnswer::No});
   EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("somebody else's is under way"));
   EXPECT_THAT(Information(), HasSubstr("was not restored"));
+  std::vector<std::string> found;
+  prompts.onAsk = [&](const std::string&) { found.push_back(Look() + "\n" + Information()); };
   Restore(2, {PromptAnswer::Yes, PromptAnswer::Yes});
+  EXPECT_THAT(found, Contains(::testing::AllOf(HasSubstr("Restore Clone File (hourglass): StopDump\n"),
+                                               HasSubstr("byte for byte, as it was made"))));
   EXPECT_THAT(prompts.Boxes(), Contains(::testing::Field(&MessageBox::text, "Clone Restore Successfully.")));
+  EXPECT_EQ(Look(), kIdleLook);
+  EXPECT_EQ(Heading(), "Write Command");
+  EXPECT_EQ(Rows().rowCount(), static_cast<int>(InspectClone(file)->frames));
+  EXPECT_EQ(Row(Rows().rowCount() - 1), "/01EDEA");
+  pacer.Sleep(kRestart);
+  EXPECT_TRUE(VerifyClone(*other, file)->IsSame());
   other.reset();
   driver.CloseDriver();  // off line
   EXPECT_THAT(Text("lblController"), HasSubstr("Memory of AurexQ50, serial number "));
@@ -286,12 +281,7 @@ TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
     EXPECT_EQ(Information(), "An operation is running; Stop ends it.");
     QTest::keyClick(window.get(), Qt::Key_Escape, Qt::ShiftModifier);
   });
-  prompts.Choose(Utf8FromPath(file));
-  prompts.Enter("1");
-  prompts.Press(PromptAnswer::Yes);
-  prompts.Press(PromptAnswer::Ok);
-  prompts.Press(PromptAnswer::Yes);
-  Trigger("ID_CreateGhost");
+  Create({PromptAnswer::Yes});
   EXPECT_EQ(prompts.Boxes().end()[-2].text, "Operation Failed.");
   EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("was stopped for the clone. Start it again now?"));
   EXPECT_EQ(driver.GetChannel()->GetControllerInfo(1)->state, 'R');
