@@ -129,37 +129,22 @@ TEST(ScreenResources, WhatIsNoFontAndNoImageIsRefusedAndCountsAsMissing) {
   };
   const std::string font = SmallFont();
   const std::string image = SmallBitmap();
-  const std::string badFonts[] = {"",
-                                  with(font, 0, 'X'),
-                                  with(font, 4, 1),
-                                  with(font, 5, 5),
-                                  with(font, 5, 65),
-                                  with(font, 6, 7),
-                                  with(font, 8, 0),
-                                  with(font, 9, 1),
-                                  with(font, 10, 65),
-                                  with(font, 10, 9),
-                                  font.substr(0, font.size() - 1),
-                                  font + "x"};
+  const std::pair<std::size_t, int> inFont[] = {
+      {0, 'X'}, {4, 1}, {5, 5}, {5, 65}, {6, 7}, {8, 0}, {9, 1}, {10, 65}, {10, 9},
+  };
+  std::vector<std::string> badFonts = {"", font.substr(0, font.size() - 1), font + "x"};
+  for (const auto& [at, byte] : inFont) badFonts.push_back(with(font, at, byte));
   for (const std::string& bad : badFonts) {
     ScreenResources resources;
     ASSERT_TRUE(resources.Add(PanelResourceKind::Font, 1, font));
     EXPECT_FALSE(resources.Add(PanelResourceKind::Font, 1, bad)) << bad.size();
     EXPECT_EQ(resources.FontOf(1), nullptr);
   }
-  const std::string badImages[] = {"",
-                                   with(image, 0, 'X'),
-                                   with(image, 10, 53),
-                                   with(image, 13, 1),
-                                   with(image, 14, 39),
-                                   with(image, 18, 0),
-                                   with(image, 21, 0x80),
-                                   with(image, 22, 0),
-                                   with(image, 25, 0x80),
-                                   with(image, 24, 1),
-                                   with(image, 28, 8),
-                                   with(image, 30, 1),
-                                   image.substr(0, image.size() - 1)};
+  const std::pair<std::size_t, int> inImage[] = {
+      {0, 'X'}, {10, 53}, {13, 1}, {14, 39}, {18, 0}, {21, 0x80}, {22, 0}, {25, 0x80}, {24, 1}, {28, 8}, {30, 1},
+  };
+  std::vector<std::string> badImages = {"", image.substr(0, image.size() - 1)};
+  for (const auto& [at, byte] : inImage) badImages.push_back(with(image, at, byte));
   for (const std::string& bad : badImages) EXPECT_FALSE(ParseScreenImage(bad)) << bad.size();
 }
 
