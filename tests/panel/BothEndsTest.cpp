@@ -42,8 +42,9 @@ struct RandomItem {
   std::string body;
 };
 
+// For a long run: --gtest_shuffle --gtest_repeat=N, which takes another seed each time.
 TEST(BothEnds, DrawTheSameDotsAndTheHostOnlyThoseThatHaveChanged) {
-  std::mt19937 random(20);
+  std::mt19937 random(static_cast<unsigned>(::testing::UnitTest::GetInstance()->random_seed()));
   ScreenResources resources;
   for (const sim::PanelFont& font : sim::PanelFonts()) {
     ASSERT_TRUE(resources.Add(PanelResourceKind::Font, font.id, font.data));
