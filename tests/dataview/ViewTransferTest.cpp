@@ -226,7 +226,7 @@ TEST(WriteRegions, AskBeforeTheyWriteWhatAnEarlierSessionHadRead) {
   fixture.view.Open();
   fixture.view.Edit(MI, 1, "9");
   const auto question = testing::StartsWith(
-      "Box (?) Data Types - Default: Write 3 values to COM3, 115200 8N1, unit 1?\n\n2 of them are pale: ");
+      "Box (?) Operand View - Default: Write 3 values to COM3, 115200 8N1, unit 1?\n\n2 of them are pale: ");
   EXPECT_THAT(fixture.Run("ID_WriteRegions", {PromptAnswer::No}), ElementsAre(question));
   EXPECT_TRUE(fixture.prompts.Boxes().back().canLose) << "Enter does not write";
   EXPECT_THAT(fixture.Run("ID_WriteRegions", {PromptAnswer::Yes}), Contains("WriteMI 0 3 @1"));
