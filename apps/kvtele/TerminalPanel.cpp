@@ -5,6 +5,7 @@
 
 #include "base/AnsiText.h"
 #include "base/Crc32.h"
+#include "link/ErrorMeaning.h"
 #include "link/LinkLimits.h"
 
 namespace kv::cli {
@@ -59,6 +60,13 @@ OrFailure<void> TerminalPanel::Follow(Duration span) {
     if (const auto went = Go(end); !went) return std::unexpected(went.error());
   }
   return {};
+}
+
+bool TerminalPanel::MayGoOn() const {
+  const LinkErrorCode code = mLink.LastError().code;
+  const bool isGone = code == LinkErrorCode::LinkLost || code == LinkErrorCode::CannotOpen;
+  if (isGone && mController.HowItReconnects() != ConnectedController::Reconnecting::ByItself) return false;
+  return code == LinkErrorCode::None || MayComeBack(code);
 }
 
 Failure TerminalPanel::WhyNot() const {

@@ -27,6 +27,8 @@ class TerminalPanel {
   // Takes fonts and images that the screen needs from the controller itself. Those that are of no use are told.
   [[nodiscard]] OrFailure<void> FetchMissing();
 
+  // After a request that failed: whether the next ones may bring the screen back, without anybody's help.
+  [[nodiscard]] bool MayGoOn() const;
   // The link's last error as a failure; where it has none, what the session says.
   [[nodiscard]] Failure WhyNot() const;
 

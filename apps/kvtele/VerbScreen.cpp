@@ -161,6 +161,7 @@ OrFailure<void> VerbScreen::Watch(Environment& environment, TerminalPanel& panel
   for (int shown = 0; environment.pacer.Now() < end;) {
     if (const auto went = panel.Go(end); !went) return std::unexpected(went.error());
     const panel::PanelState state = panel.Session().State();
+    if (!state.reason.empty() && !panel.MayGoOn()) return std::unexpected(panel.WhyNot());
     if (state.reason != told)
       environment.err << (state.reason.empty() ? "The screen is up to date." : state.reason) << "\n";
     told = state.reason;
