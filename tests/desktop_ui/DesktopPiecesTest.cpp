@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QPalette>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QStyle>
 #include <QTableWidget>
@@ -150,7 +151,11 @@ TEST(ScrollPageTest, ADialogFollowsItsContentAsFarAsTheScreenGoes) {
   (new QVBoxLayout(content))->addWidget(row);
   auto* button = new QPushButton("OK");
   auto* page = new QVBoxLayout(&dialog);
-  page->addWidget(new ScrollPage(content, &dialog));
+  auto* scrolled = new ScrollPage(content, &dialog);
+  auto* empty = new QLabel(content);
+  empty->setWordWrap(true);
+  content->layout()->addWidget(empty);
+  page->addWidget(scrolled);
   page->addWidget(button);
   row->setMinimumSize(300, 100);
   dialog.show();
@@ -160,6 +165,7 @@ TEST(ScrollPageTest, ADialogFollowsItsContentAsFarAsTheScreenGoes) {
     const int least = std::min(height, room);
     EXPECT_TRUE(WaitUntil([&] { return dialog.height() >= least && dialog.height() < least + 200; })) << height;
     EXPECT_LE(dialog.height(), room);
+    EXPECT_EQ(scrolled->verticalScrollBar()->isVisible(), height > room) << "for nothing";
     EXPECT_LE(button->mapTo(&dialog, QPoint(0, button->height())).y(), dialog.height());
   }
 }

@@ -57,7 +57,9 @@ int ScrollPage::AskedHeight() const {
   const int viewport = maximumViewportSize().width();
   const int least = widget()->minimumSizeHint().width();
   const int width = viewport < least ? widget()->sizeHint().width() : viewport;
-  return std::max(widget()->sizeHint().height(), widget()->heightForWidth(width));
+  // The least can be more than what is asked for: an empty label wants a line, and asks for none.
+  return std::max(
+      {widget()->sizeHint().height(), widget()->minimumSizeHint().height(), widget()->heightForWidth(width)});
 }
 
 void ScrollPage::FollowContent() {

@@ -23,6 +23,7 @@ SideTable::SideTable(QWidget* parent) : QTableWidget(0, kColumns, parent) {
   setSelectionMode(SingleSelection);
   setTabKeyNavigation(false);
   setWordWrap(false);
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setStretchLastSection(true);
   horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);

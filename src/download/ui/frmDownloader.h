@@ -18,6 +18,7 @@
 #include "download/ProjectDownload.h"
 #include "host/shared/SharedState.h"
 
+class QBoxLayout;
 class QCheckBox;
 class QGroupBox;
 class QLabel;
@@ -82,9 +83,9 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   using Engine = std::function<Ending(Channel& link, const DownloadOrder& order, const BackupContext& context)>;
 
   void BuildController(QVBoxLayout& page);
-  void BuildProject(QVBoxLayout& page);
+  void BuildProject(QBoxLayout& page);
   void BuildSides(QVBoxLayout& page);
-  void BuildOs(QVBoxLayout& page);
+  void BuildOs(QBoxLayout& page);
   void BuildProgress(QVBoxLayout& page);
   void BuildInformation(QVBoxLayout& page);
   void BuildButtons(QVBoxLayout& page);

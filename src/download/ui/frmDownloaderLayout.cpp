@@ -24,7 +24,7 @@ namespace kv {
 namespace {
 
 constexpr QSize kFirstSize(760, 700);
-constexpr int kInformationLines = 3;
+constexpr int kInformationLines = 2;
 constexpr int kMostLines = 1000;
 
 }  // namespace
@@ -41,9 +41,11 @@ frmDownloader::frmDownloader(DownloaderServices services, std::string user, QWid
   auto* lines = new QVBoxLayout(content);
   lines->setContentsMargins({});
   BuildController(*lines);
-  BuildProject(*lines);
+  auto* frames = new QHBoxLayout;  // beside each other, so that both are seen on a small screen
+  lines->addLayout(frames);
+  BuildProject(*frames);
   BuildSides(*lines);
-  BuildOs(*lines);
+  BuildOs(*frames);
   auto* scroll = new ScrollPage(content, this);
   scroll->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);  // more room goes to the information
   auto* page = new QVBoxLayout(this);
@@ -88,7 +90,7 @@ void frmDownloader::BuildController(QVBoxLayout& page) {
   page.addLayout(advice);
 }
 
-void frmDownloader::BuildProject(QVBoxLayout& page) {
+void frmDownloader::BuildProject(QBoxLayout& page) {
   auto* frame = new QGroupBox("Project", this);
   frame->setObjectName("fraProject");
   mGetFile = AddButton("cmdGetFile", IconOf("open"), "Select &File",
@@ -109,7 +111,7 @@ void frmDownloader::BuildProject(QVBoxLayout& page) {
   auto* row = new QHBoxLayout(frame);
   row->addLayout(facts, 1);
   row->addLayout(buttons);
-  page.addWidget(frame);
+  page.addWidget(frame, 1);
 }
 
 void frmDownloader::BuildSides(QVBoxLayout& page) {
@@ -124,14 +126,14 @@ void frmDownloader::BuildSides(QVBoxLayout& page) {
   page.addWidget(mBackup);
 }
 
-void frmDownloader::BuildOs(QVBoxLayout& page) {
+void frmDownloader::BuildOs(QBoxLayout& page) {
   mOsFrame = new QGroupBox("OS Downloader", this);
   mOsFrame->setObjectName("fraOSDownloader");
   mDownloadOs = AddButton("cmdDownloadOS", IconOf("download"), "Download &O/S",
                           "Replaces the operating system of the controller; you choose the file next", "Alt+O");
-  auto* row = new QHBoxLayout(mOsFrame);
-  row->addWidget(mDownloadOs);
-  row->addStretch();
+  auto* column = new QVBoxLayout(mOsFrame);
+  column->addWidget(mDownloadOs);
+  column->addStretch();
   page.addWidget(mOsFrame);
 }
 
