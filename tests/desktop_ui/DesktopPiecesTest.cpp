@@ -165,7 +165,8 @@ TEST(ScrollPageTest, ADialogFollowsItsContentAsFarAsTheScreenGoes) {
     const int least = std::min(height, room);
     EXPECT_TRUE(WaitUntil([&] { return dialog.height() >= least && dialog.height() < least + 200; })) << height;
     EXPECT_LE(dialog.height(), room);
-    EXPECT_EQ(scrolled->verticalScrollBar()->isVisible(), height > room) << "for nothing";
+    const bool isNeeded = height > room;
+    EXPECT_TRUE(WaitUntil([&] { return scrolled->verticalScrollBar()->isVisible() == isNeeded; })) << "for nothing";
     EXPECT_LE(button->mapTo(&dialog, QPoint(0, button->height())).y(), dialog.height());
   }
 }
