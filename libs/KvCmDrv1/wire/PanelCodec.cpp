@@ -16,8 +16,6 @@ constexpr std::uint8_t kNoKey = 255;
 constexpr std::uint8_t kNoLamp = 255;
 constexpr std::uint8_t kMostKeys = 40;
 constexpr std::size_t kLongestKeyName = 12;
-constexpr std::size_t kDescriptionHead = 16;
-constexpr std::size_t kRecordHead = 4;
 constexpr std::size_t kDirectoryName = 32;
 constexpr std::size_t kDirectoryEntry = 2 + 4 + 4 + kDirectoryName;
 

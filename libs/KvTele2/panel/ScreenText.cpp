@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <tuple>
+#include <utility>
 
 #include "KvTele2/panel/CellFont.h"
 #include "KvTele2/panel/ItemDrawing.h"
@@ -46,7 +47,9 @@ void AddItems(const ScreenModel& model, const ScreenResources& resources, std::v
       texts.push_back({.text = ReadableText(touch->name), .place = touch->area, .touch = *touch});
     }
   }
-  std::ranges::stable_sort(texts, {}, [](const ScreenText& text) { return std::tuple(text.place.y, text.place.x); });
+  std::ranges::sort(texts, {}, [](const ScreenText& text) {
+    return std::tuple(text.place.y, text.place.x, text.place.width, text.touch.has_value());
+  });
 }
 
 // Whether a reader takes the two for one line: their middles are less apart than half the smaller height.
@@ -60,13 +63,15 @@ std::string LinesOf(std::vector<ScreenText> texts) {
   std::string lines;
   while (!texts.empty()) {
     const PixelRect first = texts.front().place;
-    const auto rest = std::stable_partition(texts.begin(), texts.end(),
-                                            [&](const ScreenText& text) { return AreBeside(first, text.place); });
-    std::stable_sort(texts.begin(), rest,
-                     [](const ScreenText& one, const ScreenText& other) { return one.place.x < other.place.x; });
-    for (auto text = texts.begin(); text != rest; ++text) lines += (text == texts.begin() ? "" : "  ") + text->text;
+    std::vector<ScreenText> line;
+    std::erase_if(texts, [&](ScreenText& text) {
+      const bool isBeside = AreBeside(first, text.place);
+      if (isBeside) line.push_back(std::move(text));
+      return isBeside;
+    });
+    std::ranges::sort(line, {}, [](const ScreenText& text) { return std::tuple(text.place.x, text.place.y); });
+    for (const ScreenText& text : line) lines += (&text == line.data() ? "" : "  ") + text.text;
     lines += '\n';
-    texts.erase(texts.begin(), rest);
   }
   return lines;
 }
