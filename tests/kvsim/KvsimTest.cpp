@@ -190,8 +190,8 @@ TEST_F(KvsimTest, SaysWhatIsWrongWithWhatItWasTold) {
   }
   KvsimProcess models({"--list-models"});
   EXPECT_EQ(models.End(), 0);
-  for (const char* line :
-       {"\nK220-22-R1 +Aurex +4.60 +text\n", "\nK450-45 +Aurex +1.10 +colour\n", "\nPR1 +compact +4.60 +none\n"}) {
+  for (const char* line : {"\nK220-22-R1 +Aurex +4.60 +text, 16 x 2\n", "\nK450-45 +Aurex +1.10 +colour, 480 x 272\n",
+                           "\nPR1 +compact +4.60 +none\n"}) {
     EXPECT_THAT(models.Output(), testing::ContainsRegex(line));
   }
   KvsimProcess help({"--help"});
