@@ -1,14 +1,15 @@
-// clang-format off
 #include <windows.h>
-#include <werapi.h>
-// clang-format on
 
 #include "secret/CoreFiles.h"
+
+// As the platform documents them in werapi.h, which not every compiler can read.
+extern "C" HRESULT WINAPI WerSetFlags(DWORD flags);
+constexpr DWORD kNoHeap = 1;  // WER_FAULT_REPORTING_FLAG_NOHEAP
 
 namespace kv {
 
 void ForbidCoreFiles() {
-  WerSetFlags(WER_FAULT_REPORTING_FLAG_NOHEAP);
+  WerSetFlags(kNoHeap);
   SetErrorMode(SetErrorMode(0) | SEM_NOGPFAULTERRORBOX);
 }
 
