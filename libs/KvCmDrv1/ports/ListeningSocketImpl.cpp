@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "KvCmDrv1/ports/PortErrors.h"
+#include "KvCmDrv1/ports/ReleasedSocket.h"
 
 namespace kv {
 
@@ -130,11 +131,11 @@ void ListeningSocketImpl::TakeCallers() {
     mListener->acceptor.accept(socket, partner, code);
     if (code) return;  // nobody there, or gone again
     socket.set_option(tcp::no_delay(true), code);
-    const auto handle = socket.release(code);
+    auto connected = ReleaseSocket(socket, code);
     if (code) continue;
     if (mCallers.size() == kMostCallers) mCallers.erase(mCallers.begin());
     mCallers.push_back(
-        {ConnectedSocket(handle), EndpointText(partner.address().to_string(), partner.port()), ++mCallerNumber});
+        {std::move(connected), EndpointText(partner.address().to_string(), partner.port()), ++mCallerNumber});
   }
 }
 

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "KvCmDrv1/ports/ReleasedSocket.h"
+
 namespace kv {
 namespace {
 
@@ -92,9 +94,9 @@ std::expected<ConnectedSocket, std::error_code> ConnectTo(const tcp::endpoint& e
   if (const auto cut = RunInSlices(context, isDone, deadline, pacer)) return std::unexpected(cut);
   if (!code) socket.set_option(tcp::no_delay(true), code);  // a frame leaves with the call that writes it
   if (code) return std::unexpected(code);
-  const auto handle = socket.release(code);
+  auto connected = ReleaseSocket(socket, code);
   if (code) return std::unexpected(code);
-  return ConnectedSocket(handle);
+  return connected;
 }
 
 // One that answered, even with no, knows more than one that was silent.
