@@ -9,7 +9,9 @@ mkdir -p docs/images
 # A screen on which every window has its full size; the toolkit's own is 800 pixels wide.
 screen=$(mktemp)
 before=$(mktemp -d)
-trap 'rm -rf "$screen" "$before"' EXIT
+state=$(mktemp -d)
+trap 'rm -rf "$screen" "$before" "$state"' EXIT
+export XDG_STATE_HOME=$state  # the journals of the pictures keep their heads as everywhere
 cp docs/images/*.png "$before" 2>/dev/null || true
 echo '{"screens": [{"name": "wide", "x": 0, "y": 0, "width": 3840, "height": 2400}]}' >"$screen"
 export QT_QPA_PLATFORM=offscreen:configfile=$screen QT_LOGGING_RULES="qt.qpa.*=false"
