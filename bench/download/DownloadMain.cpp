@@ -234,7 +234,9 @@ bool RunTcp(const Case& which, const Effort& effort) {
 }
 
 bool RunCompression(const Effort& effort) {
-  const sim::SampleOs sample{{"4.71", 2}, "", effort.os};
+  sim::SampleOs sample;
+  sample.os = {"4.71", 2};
+  sample.size = effort.os;
   const std::string content = sim::MakeOs(*sim::FindModel("K330"), sample).value();
   const kv::Bytes bytes(content.begin(), content.end());
   const double start = ClockSeconds();
