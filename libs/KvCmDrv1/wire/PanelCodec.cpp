@@ -6,6 +6,7 @@
 
 #include "KvCmDrv1/wire/FieldReader.h"
 #include "KvCmDrv1/wire/Requests.h"
+#include "base/FieldsOfBytes.h"
 #include "base/Hex.h"
 #include "base/LittleEndian.h"
 
@@ -19,33 +20,7 @@ constexpr std::size_t kLongestKeyName = 12;
 constexpr std::size_t kDirectoryName = 32;
 constexpr std::size_t kDirectoryEntry = 2 + 4 + 4 + kDirectoryName;
 
-// Takes numbers and texts from the front of data. The first one that is missing fails the reader for good, so data are
-// read in one go and judged once, at the end.
-class DataReader {
- public:
-  explicit DataReader(std::string_view data) : mRest(data) {}
-
-  std::string_view Take(std::size_t count) {
-    mGood = mGood && mRest.size() >= count;
-    if (!mGood) return {};
-    const std::string_view taken = mRest.substr(0, count);
-    mRest.remove_prefix(count);
-    return taken;
-  }
-  std::uint8_t Byte() { return static_cast<std::uint8_t>(LittleEndian(Take(1))); }
-  std::uint16_t Word() { return static_cast<std::uint16_t>(LittleEndian(Take(2))); }
-  std::uint32_t Long() { return LittleEndian(Take(4)); }
-
-  void Require(bool holds) { mGood = mGood && holds; }
-  [[nodiscard]] bool Good() const { return mGood; }
-  [[nodiscard]] bool HasMore() const { return mGood && !mRest.empty(); }
-
- private:
-  std::string_view mRest;
-  bool mGood = true;
-};
-
-PanelKey TakeKey(DataReader& reader) {
+PanelKey TakeKey(FieldsOfBytes& reader) {
   PanelKey key;
   key.id = reader.Byte();
   const std::uint8_t lamp = reader.Byte();
@@ -70,7 +45,7 @@ bool IsSizePossible(const PanelDescription& panel) {
   return panel.width >= 1 && panel.width <= mostWide && panel.height >= 1 && panel.height <= mostHigh;
 }
 
-PanelRecord TakeRecord(DataReader& reader) {
+PanelRecord TakeRecord(FieldsOfBytes& reader) {
   PanelRecord record;
   record.slot = reader.Word();
   record.kind = reader.Byte();
@@ -80,7 +55,7 @@ PanelRecord TakeRecord(DataReader& reader) {
   return record;
 }
 
-void TakeFlags(DataReader& reader, PanelChanges& changes) {
+void TakeFlags(FieldsOfBytes& reader, PanelChanges& changes) {
   const unsigned flags = reader.Byte();
   const auto bit = [flags](unsigned number) { return (flags >> number & 1U) != 0; };
   changes.hasMore = bit(0);
@@ -124,7 +99,7 @@ std::string EncodeEvent(const PanelEvent& event) {
 }
 
 std::optional<PanelDescription> ReadPanelDescription(std::string_view data) {
-  DataReader reader(data);
+  FieldsOfBytes reader(data);
   PanelDescription panel;
   const std::uint8_t kind = reader.Byte();
   reader.Require(kind == 1 || kind == 2);
@@ -142,7 +117,7 @@ std::optional<PanelDescription> ReadPanelDescription(std::string_view data) {
 }
 
 std::optional<PanelChanges> ReadPanelChanges(std::string_view data) {
-  DataReader reader(data);
+  FieldsOfBytes reader(data);
   PanelChanges changes;
   changes.upTo.epoch = reader.Word();
   changes.upTo.number = reader.Long();
@@ -166,7 +141,7 @@ std::optional<PanelChanges> ReadPanelChanges(std::string_view data) {
 }
 
 std::optional<PanelDirectoryPart> ReadPanelDirectory(std::string_view data) {
-  DataReader reader(data);
+  FieldsOfBytes reader(data);
   PanelDirectoryPart part;
   part.countOfAll = reader.Word();
   reader.Require((data.size() - std::min<std::size_t>(data.size(), 2)) % kDirectoryEntry == 0);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "base/LittleEndian.h"
+#include "base/FieldsOfBytes.h"
 
 namespace kv::panel {
 namespace {
@@ -31,20 +31,11 @@ enum Kind : std::uint8_t {
   kBar = 21,
 };
 
-// Takes fields from the front of a body; judged once, at its end.
-class BodyReader {
+// The fields of a record's body.
+class BodyReader : public FieldsOfBytes {
  public:
-  explicit BodyReader(std::string_view body) : mRest(body) {}
+  using FieldsOfBytes::FieldsOfBytes;
 
-  std::string_view Take(std::size_t count) {
-    mGood = mGood && mRest.size() >= count;
-    if (!mGood) return {};
-    const std::string_view taken = mRest.substr(0, count);
-    mRest.remove_prefix(count);
-    return taken;
-  }
-  std::uint8_t Byte() { return static_cast<std::uint8_t>(LittleEndian(Take(1))); }
-  std::uint16_t Word() { return static_cast<std::uint16_t>(LittleEndian(Take(2))); }
   int Coordinate() {
     const std::uint16_t value = Word();
     Require(value <= kMostCoordinate);
@@ -59,15 +50,10 @@ class BodyReader {
     return area;
   }
   std::string Rest(std::size_t most) {
-    Require(mRest.size() <= most);
-    return std::string(Take(std::min(mRest.size(), most)));
+    Require(Left() <= most);
+    return std::string(Take(std::min(Left(), most)));
   }
-  void Require(bool holds) { mGood = mGood && holds; }
-  [[nodiscard]] bool IsWhole() const { return mGood && mRest.empty(); }
-
- private:
-  std::string_view mRest;
-  bool mGood = true;
+  [[nodiscard]] bool IsWhole() const { return Good() && Left() == 0; }
 };
 
 PageItem TakePage(BodyReader& body, bool isText) {
