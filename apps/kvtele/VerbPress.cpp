@@ -7,7 +7,6 @@
 #include "apps/kvtele/ConsentFlag.h"
 #include "apps/kvtele/TerminalPanel.h"
 #include "apps/kvtele/Verb.h"
-#include "base/AnsiText.h"
 #include "base/Numbers.h"
 #include "base/Texts.h"
 #include "clone/RestoreBegin.h"
@@ -94,11 +93,11 @@ OrFailure<PanelPlace> VerbPress::PlaceOf(const panel::ScreenModel& model) const 
   }
   std::vector<PanelPlace> found;
   for (const PanelKey& key : model.Panel().keys) {
-    if (UpperCased(AnsiToUtf8(key.name)) == UpperCased(mWhat)) found.push_back({.key = key.id});
+    if (UpperCased(panel::ReadableText(key.name)) == UpperCased(mWhat)) found.push_back({.key = key.id});
   }
   for (std::uint16_t slot = panel::kFirstItemSlot; isColour && slot <= model.LastUsedSlot(); ++slot) {
     const auto* touch = model.Get<panel::TouchItem>(slot);
-    if (touch == nullptr || UpperCased(AnsiToUtf8(touch->name)) != UpperCased(mWhat)) continue;
+    if (touch == nullptr || UpperCased(panel::ReadableText(touch->name)) != UpperCased(mWhat)) continue;
     const panel::PixelRect& area = touch->area;
     found.push_back({.key = std::nullopt, .x = area.x + area.width / 2, .y = area.y + area.height / 2});
   }

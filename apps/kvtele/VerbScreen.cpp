@@ -8,7 +8,6 @@
 #include "apps/kvtele/PngFile.h"
 #include "apps/kvtele/TerminalPanel.h"
 #include "apps/kvtele/Verb.h"
-#include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "base/Texts.h"
 #include "desktop/console/HarmlessText.h"
@@ -85,7 +84,7 @@ std::string PressableText(const panel::ScreenModel& model, const panel::ScreenRe
 }
 
 nlohmann::ordered_json TouchJson(const panel::ScreenText& text) {
-  nlohmann::ordered_json json{{"name", AnsiToUtf8(text.touch->name)},
+  nlohmann::ordered_json json{{"name", panel::ReadableText(text.touch->name)},
                               {"kind", panel::RoleName(text.touch->role)},
                               {"on", text.touch->isOn},
                               {"disabled", text.touch->isDisabled},

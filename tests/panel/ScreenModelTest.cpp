@@ -115,6 +115,8 @@ TEST(ScreenText, IsReadAsAPersonReadsIt) {
                                 Text(72, 0, 10, 50, 1, "left"), Touch(73, {0, 80, 9, 9}, "Stop", 3, 1)})));
   EXPECT_EQ(PlainText(colour, none), "left  right\nbelow\n");
   EXPECT_EQ(TouchText(*TextsOf(colour, none).back().touch), "switch \"Stop\", on");
+  EXPECT_EQ(ReadableText("\x1B[2J\x7F Anna\xE9 \n"), " [2J  Anna\xC3\xA9")
+      << "nothing that a terminal takes for a command";
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "KvTele2/panel/ScreenText.h"
-#include "base/AnsiText.h"
 #include "link/ErrorMeaning.h"
 
 namespace kv::panel {
@@ -21,7 +20,7 @@ std::uint16_t PageNumber(const ScreenModel& model) {
 std::string WordsOf(const TouchItem& touch, const PanelPlace& place, const ScreenModel& model) {
   std::string words;
   for (const PanelKey& key : model.Panel().keys) {
-    if (place.key == key.id) words = "key " + AnsiToUtf8(key.name) + ", ";
+    if (place.key == key.id) words = "key " + ReadableText(key.name) + ", ";
   }
   return words + TouchText(touch) + " on page " + std::to_string(PageNumber(model));
 }
@@ -256,7 +255,7 @@ void Operator::NoteFailure(const Due& due, const LinkError& error) {
 void Operator::NoteChanges(const PanelChanges& changes, const ScreenModel& model) {
   if (mMode != PanelMode::Operate) return;
   if (!changes.isLeaseGood && changes.lease == 0) {
-    const std::string other = AnsiToUtf8(model.OperatorName());
+    const std::string other = ReadableText(model.OperatorName());
     LoseLease(changes.isLeaseElsewhere ? (other.empty() ? "Somebody else" : other) + " operates the panel now."
                                        : "The controller has ended that this program operates the panel.");
     return;

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "KvTele2/panel/ScreenText.h"
 #include "base/AnsiText.h"
 #include "base/ScopeGuard.h"
 #include "link/ControllerErrorText.h"
@@ -242,11 +243,11 @@ PanelState PanelSession::State() const {
   }
   if (mIsPaused && state.sight != PanelSight::NoPanel) state.sight = PanelSight::Paused;
   if (!mScreen) return state;
-  state.operatorName = AnsiToUtf8(mScreen->model.OperatorName());
+  state.operatorName = ReadableText(mScreen->model.OperatorName());
   state.isWhole = mScreen->model.IsWhole();
   if (const PageItem* page = mScreen->model.Page()) {
     state.page = page->number;
-    state.pageName = AnsiToUtf8(page->name);
+    state.pageName = ReadableText(page->name);
   }
   return state;
 }

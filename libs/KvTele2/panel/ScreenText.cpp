@@ -13,14 +13,6 @@ namespace kv::panel {
 namespace {
 
 // A character that no terminal and no screen reader can take is a blank.
-std::string ReadableText(std::string_view ansi) {
-  std::string text(ansi);
-  std::ranges::replace_if(
-      text, [](char character) { return static_cast<unsigned char>(character) < ' ' || character == 0x7F; }, ' ');
-  text.erase(text.find_last_not_of(' ') + 1);
-  return AnsiToUtf8(text);
-}
-
 void AddRows(const ScreenModel& model, std::vector<ScreenText>& texts) {
   for (int row = 0; row < model.Panel().height; ++row) {
     const auto* item = model.Get<RowItem>(static_cast<std::uint16_t>(kFirstRowSlot + row));
@@ -31,7 +23,7 @@ void AddRows(const ScreenModel& model, std::vector<ScreenText>& texts) {
   }
   for (const PanelKey& key : model.Panel().keys) {
     const auto* meaning = model.Get<TouchItem>(static_cast<std::uint16_t>(kFirstKeySlot + key.id));
-    ScreenText text{.text = AnsiToUtf8(key.name), .place = {}, .touch = std::nullopt, .key = key.id};
+    ScreenText text{.text = ReadableText(key.name), .place = {}, .touch = std::nullopt, .key = key.id};
     if (meaning != nullptr) text.touch = *meaning;
     texts.push_back(std::move(text));
   }
@@ -77,6 +69,14 @@ std::string LinesOf(std::vector<ScreenText> texts) {
 }
 
 }  // namespace
+
+std::string ReadableText(std::string_view ansi) {
+  std::string text(ansi);
+  std::ranges::replace_if(
+      text, [](char character) { return static_cast<unsigned char>(character) < ' ' || character == 0x7F; }, ' ');
+  text.erase(text.find_last_not_of(' ') + 1);
+  return AnsiToUtf8(text);
+}
 
 std::vector<ScreenText> TextsOf(const ScreenModel& model, const ScreenResources& resources) {
   std::vector<ScreenText> texts;

@@ -23,6 +23,9 @@ struct ScreenText {
 // empty.
 [[nodiscard]] std::vector<ScreenText> TextsOf(const ScreenModel& model, const ScreenResources& resources);
 
+// A text or a name that the controller tells, for people: UTF-8, what is no character as blanks, none at its end.
+[[nodiscard]] std::string ReadableText(std::string_view ansi);
+
 // The screen as lines of UTF-8, each with a line feed: of a text display its rows as they are; of a colour display its
 // texts, those beside each other in one line.
 [[nodiscard]] std::string PlainText(const ScreenModel& model, const ScreenResources& resources);
