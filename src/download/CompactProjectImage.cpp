@@ -23,12 +23,21 @@ constexpr std::array kForms = {
     Form{"LN", 0, 0, kLongestProjectName, "expected a name of at most 20 bytes, as digits"},
 };
 constexpr std::string_view kName = "LN";
-// The boot loader, its speeds and the flash of the O/S: with these lines a project would take the O/S away.
-constexpr auto kOfOs = std::to_array<std::string_view>({"CCB", "CB0A", "CPSR", "OS"});
+// What a project consists of beside the lines with a form: stop, erase, wait, reset; the announcement of a download;
+// and what only asks. Whatever else a controller understands would change something that nobody has agreed to (the O/S,
+// the memory past the project, operands, the line's speed), and what it does not understand would be refused behind the
+// erasing of the old project.
+constexpr auto kWhole = std::to_array<std::string_view>({"CCS", "CCE", "DE", "DI", "PV000A", "ID", "FI"});
+constexpr auto kAsking = std::to_array<std::string_view>({"DRS", "RX"});
 
 const Form* FormOf(std::string_view line) {
   const auto form = std::ranges::find_if(kForms, [&](const Form& each) { return line.starts_with(each.command); });
   return form == kForms.end() ? nullptr : &*form;
+}
+
+bool IsOfProject(std::string_view line) {
+  return std::ranges::find(kWhole, line) != kWhole.end() ||
+         std::ranges::any_of(kAsking, [&](std::string_view command) { return line.starts_with(command); });
 }
 
 std::expected<CompactPiece, std::string> Read(const Form& form, std::string_view line) {
@@ -48,10 +57,10 @@ std::expected<CompactPiece, std::string> Read(const Form& form, std::string_view
 }  // namespace
 
 std::expected<CompactPiece, std::string> ReadCompactPiece(std::string_view line) {
-  if (std::ranges::any_of(kOfOs, [&](std::string_view command) { return line.starts_with(command); })) {
-    return std::unexpected("this command is for the download of an O/S, and has no place in a project");
-  }
   const Form* form = FormOf(line);
+  if (form == nullptr && !IsOfProject(line)) {
+    return std::unexpected("this command has no place in a project, and is not sent");
+  }
   if (form == nullptr) return CompactPiece{};
   auto piece = Read(*form, line);
   if (piece && form->command == kName) return CompactPiece{};

@@ -66,7 +66,8 @@ TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
   };
   const std::string cut = WithoutLastLine(SampleProject(kCompact));
   const std::string badLine = WithLine(WithoutLastLine(SampleProject(kCompact, 200)), "LD000000");
-  const std::string ofOs = WithLine(WithoutLastLine(SampleProject(kCompact, 200)), "CCB");
+  const auto with = [](const char* line) { return WithLine(WithoutLastLine(SampleProject(kCompact, 200)), line); };
+  constexpr auto kNotSent = "Line 12 of the project file: this command has no place";
   const std::string large = SampleProject(kCompact, 60000);
   const auto change = [](ProjectFixture& fixture) { fixture.Put(SampleProject(kAurex, 6000)); };
   const auto vanish = [](ProjectFixture& fixture) { std::filesystem::remove(fixture.path); };
@@ -98,7 +99,10 @@ TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
       {"cut", kCompact, cut, "", "does not end with", Declined, kFile, "may have been cut"},
       {"too large", kCompact, large, "", "", Refused, NotFit, "goes up to byte 60000 of the project memory"},
       {"bad line", kCompact, badLine, "", "", Failed, kFile, "Line 12 of the project file: expected an"},
-      {"takes the O/S away", kCompact, ofOs, "", "", Failed, kFile, "Line 12 of the project file: this command is for"},
+      {"takes the O/S away", kCompact, with("CCB"), "", "", Failed, kFile, kNotSent},
+      {"writes other memory", kCompact, with("WDF0030000004EEEEEEEE"), "", "", Failed, kFile, kNotSent},
+      {"runs half a project", kCompact, with("CCR"), "", "", Failed, kFile, kNotSent},
+      {"is not known", kCompact, with("CCSX"), "", "", Failed, kFile, kNotSent},
       {"loading", kAurex, "", "CCM", "End that load?", Declined, User, "was not to be ended"},
       {"loading", kCompact, "", "CCM", "End that load?", Declined, User, "was not to be ended"},
       {"box closed", kCompact, "", "", "about to enter Stop", Stopped, User, "was closed without OK"},
