@@ -1,6 +1,7 @@
 #include "journal/JournalList.h"
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 
 #include "base/Numbers.h"
@@ -68,7 +69,13 @@ bool IsDayOrItsBeginning(std::string_view day) {
     const bool isDigit = day[i] >= '0' && day[i] <= '9';
     if (kForm[i] == 'd' ? !isDigit : day[i] != kForm[i]) return false;
   }
-  return true;
+  const auto number = [&](std::size_t at, std::size_t count) {  // 1 where it is not all there yet
+    return day.size() < at + count ? 1 : static_cast<int>(ParseInteger(day.substr(at, count)).value_or(0));
+  };
+  const std::chrono::year_month_day date(std::chrono::year(number(0, 4)),
+                                         std::chrono::month(static_cast<unsigned>(number(5, 2))),
+                                         std::chrono::day(static_cast<unsigned>(number(8, 2))));
+  return date.ok();
 }
 
 std::string FaultOfDay(const std::string& day) {

@@ -52,6 +52,7 @@ TEST_F(JournalListTest, Filters) {
   }
   EXPECT_EQ(JournalFilter{.operand = "recipe"}.Fault(), "\"recipe\" is no operand: enter MI 5, MI 0..9 or MI.");
   EXPECT_EQ(JournalFilter{.day = "22.11.2026"}.Fault(), "\"22.11.2026\" is no day: enter 2026-11-22, or 2026-11.");
+  for (const char* never : {"2026-13", "2026-02-30", "2026-11-00"}) EXPECT_NE(JournalFilter{.day = never}.Fault(), "");
   EXPECT_EQ((JournalFilter{.operand = "timer-preset 7", .day = "2026-1"}.Fault()), "");
 }
 
