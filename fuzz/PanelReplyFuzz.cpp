@@ -7,6 +7,7 @@
 #include "KvCmDrv1/wire/PanelCodec.h"
 #include "KvTele2/panel/Drawing.h"
 #include "KvTele2/panel/ScreenText.h"
+#include "base/LittleEndian.h"
 #include "fuzz/Require.h"
 
 // A panel's description and its replies, one behind the other, each with its length in front: whatever comes, the
@@ -15,7 +16,7 @@ namespace {
 
 std::string_view TakePart(std::string_view& rest) {
   if (rest.size() < 2) return {};
-  const std::size_t length = static_cast<unsigned char>(rest[0]) | static_cast<unsigned char>(rest[1]) << 8U;
+  const std::size_t length = kv::LittleEndian(rest.substr(0, 2));
   const std::string_view part = rest.substr(2, length);
   rest.remove_prefix(std::min(rest.size(), 2 + length));
   return part;
