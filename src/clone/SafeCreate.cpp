@@ -51,7 +51,7 @@ SafeCreate::SafeCreate(const fs::path& file) : mFile(file) {
   } else {
     mLinkError = behind.error();
   }
-  mBefore = StampOf(mFile);
+  mBefore = FileStampOf(mFile);
 }
 
 void SafeCreate::Create(clsDumpPLC& engine, Prompts& prompts, Channel& link, const CloneWork& work) {
@@ -70,12 +70,6 @@ void SafeCreate::Create(clsDumpPLC& engine, Prompts& prompts, Channel& link, con
 std::string SafeCreate::WhyImpossible() const {
   if (mLinkError) return "the link of this name leads nowhere (" + mLinkError.message() + ")";
   return WhyNotReplaceable(mFile);
-}
-
-std::optional<SafeCreate::Stamp> SafeCreate::StampOf(const fs::path& file) const {
-  std::error_code error;
-  if (!fs::exists(fs::symlink_status(file, error))) return std::nullopt;
-  return Stamp{fs::last_write_time(file, error), fs::file_size(file, error)};
 }
 
 SafeCreate::Step SafeCreate::TakeName(const clsDumpPLC& engine, Channel& link, const CloneWork& work) {
@@ -151,7 +145,7 @@ SafeCreate::Step SafeCreate::CheckIsWhole(const CloneManifest& manifest, const C
 
 // Replaces what the user consented to replace, and nothing else.
 std::error_code SafeCreate::MoveToName() {
-  const auto now = StampOf(mFile);
+  const auto now = FileStampOf(mFile);
   if (!now) return MoveToFreeName(mFile, mTemporary);
   if (now != mBefore) return std::make_error_code(std::errc::file_exists);
   return ReplaceFileWith(mFile, mTemporary);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/FileStamp.h"
 #include "clone/CloneInfo.h"
 #include "clone/clsDumpPLC.h"
 
@@ -41,15 +42,7 @@ class SafeCreate {
  private:
   using Step = std::expected<void, CloneOutcome>;
 
-  // Enough of a file to see that it is another one now.
-  struct Stamp {
-    std::filesystem::file_time_type written;
-    std::uintmax_t size = 0;
-    bool operator==(const Stamp&) const = default;
-  };
-
   [[nodiscard]] std::string WhyImpossible() const;
-  [[nodiscard]] std::optional<Stamp> StampOf(const std::filesystem::path& file) const;
   [[nodiscard]] Step TakeName(const clsDumpPLC& engine, Channel& link, const CloneWork& work);
   [[nodiscard]] Step CheckController(const clsDumpPLC& engine, Channel& link);
   [[nodiscard]] Step CheckIsWhole(const CloneManifest& manifest, const CloneWork& work);
@@ -61,7 +54,7 @@ class SafeCreate {
 
   std::filesystem::path mFile;  // behind links
   std::error_code mLinkError;   // of following them
-  std::optional<Stamp> mBefore;
+  std::optional<FileStamp> mBefore;
   std::filesystem::path mTemporary;
   CloneOutcome mOutcome;
   std::optional<std::filesystem::path> mMade;

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+namespace kv {
+
+// Enough of a file to see later that it is another one, or has been written since.
+struct FileStamp {
+  std::filesystem::file_time_type written{};
+  std::uintmax_t size = 0;
+
+  bool operator==(const FileStamp&) const = default;
+};
+
+// Nothing when there is no file of that name. A link is one, wherever it leads.
+[[nodiscard]] std::optional<FileStamp> FileStampOf(const std::filesystem::path& file);
+
+}  // namespace kv
