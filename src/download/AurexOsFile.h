@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "base/Bytes.h"
+#include "download/ContentStamp.h"
 #include "download/DownloadFileError.h"
-#include "download/FileStamp.h"
 #include "download/OsNumber.h"
 
 namespace kv {
@@ -36,7 +36,7 @@ struct AurexOsFile {
   std::string remark;                // for people, UTF-8; may be empty
   std::vector<AurexOsTopic> topics;  // at least one; their places do not overlap
   std::uint64_t dataBytes = 0;       // of all topics
-  FileStamp stamp;
+  ContentStamp stamp;
 };
 
 // NotLegal: no O/S file. Damaged: its length or CRC-32 is not what it says, or its topics do not fit the controller.

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "base/Bytes.h"
+#include "download/ContentStamp.h"
 #include "download/DownloadFileError.h"
-#include "download/FileStamp.h"
 
 namespace kv {
 
@@ -37,7 +37,7 @@ struct AurexProjectFile {
   std::optional<std::string> nameInController;
   std::vector<AurexProjectTopic> topics;  // in the order of sending; may be empty
   std::uint64_t dataBytes = 0;            // of all topics
-  FileStamp stamp;
+  ContentStamp stamp;
 };
 
 // NotLegal: shorter than 150 bytes, or without its signature. Damaged: a record that runs past the end, a topic that no

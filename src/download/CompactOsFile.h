@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "base/Bytes.h"
+#include "download/ContentStamp.h"
 #include "download/DownloadFileError.h"
-#include "download/FileStamp.h"
 #include "download/OsNumber.h"
 
 namespace kv {
@@ -27,7 +27,7 @@ struct CompactOsHead {
 struct CompactOsFile {
   CompactOsHead head;
   Bytes image;  // whole blocks of kCompactOsBlock
-  FileStamp stamp;
+  ContentStamp stamp;
 };
 
 // NotLegal: no O/S image. Damaged: its length or CRC-32 is not what it says; ReadCompactOsFile says so, too, when model

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "download/ContentStamp.h"
 #include "download/DownloadFileError.h"
-#include "download/FileStamp.h"
 
 namespace kv {
 
@@ -23,7 +23,7 @@ struct CompactProjectFile {
   // The last command is "CCE". Nothing in a file of this kind tells where it ends: one that lacks it may have been cut.
   bool endsWithReset = false;
   std::size_t lineCount = 0;  // of the whole file: the commands and the head
-  FileStamp stamp;
+  ContentStamp stamp;
 };
 
 // NotLegal: another signature, or nowhere a line "DE" with "DI" in the next. Damaged: a line that no frame can carry.

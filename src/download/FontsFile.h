@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "base/Bytes.h"
+#include "download/ContentStamp.h"
 #include "download/DownloadFileError.h"
-#include "download/FileStamp.h"
 #include "download/OsNumber.h"
 
 namespace kv {
@@ -18,7 +18,7 @@ struct FontsFile {
   std::string model;  // O/S model of the controllers that take them: "K220", "K222" or "K330"
   OsNumber number;    // build 0 to 9
   Bytes data;         // at least one byte
-  FileStamp stamp;
+  ContentStamp stamp;
 };
 
 // Version and build, as the file's name has them: "1.30 (B0)".

@@ -335,8 +335,8 @@ const std::string& ProjectFile::Model() const {
   return std::visit([](const auto& each) -> const std::string& { return each.model; }, project);
 }
 
-const FileStamp& ProjectFile::Stamp() const {
-  return std::visit([](const auto& each) -> const FileStamp& { return each.stamp; }, project);
+const ContentStamp& ProjectFile::Stamp() const {
+  return std::visit([](const auto& each) -> const ContentStamp& { return each.stamp; }, project);
 }
 
 std::expected<ProjectFile, DownloadFileError> ReadProject(const std::filesystem::path& file, bool isCompact) {

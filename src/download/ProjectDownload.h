@@ -32,7 +32,7 @@ struct ProjectFile {
   // That the controller will report: nothing when the file does not tell, empty for none.
   [[nodiscard]] std::optional<std::string> NameInController() const;
   [[nodiscard]] const std::string& Model() const;  // that it is made for
-  [[nodiscard]] const FileStamp& Stamp() const;
+  [[nodiscard]] const ContentStamp& Stamp() const;
 };
 
 // `isCompact`: what the file must be, whatever its extension says.

@@ -7,13 +7,13 @@ namespace kv {
 
 // What tells a file from another one of its name: a file is read again before it is sent, and must still be the one
 // that was shown to the user.
-struct FileStamp {
+struct ContentStamp {
   std::uint64_t size = 0;
   std::uint32_t crc = 0;  // CRC-32 of all of its bytes
 
-  bool operator==(const FileStamp&) const = default;
+  bool operator==(const ContentStamp&) const = default;
 };
 
-[[nodiscard]] FileStamp StampOf(std::string_view bytes);
+[[nodiscard]] ContentStamp StampOf(std::string_view bytes);
 
 }  // namespace kv

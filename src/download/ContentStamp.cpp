@@ -1,10 +1,10 @@
-#include "download/FileStamp.h"
+#include "download/ContentStamp.h"
 
 #include "base/Crc32.h"
 
 namespace kv {
 
-FileStamp StampOf(std::string_view bytes) {
+ContentStamp StampOf(std::string_view bytes) {
   return {bytes.size(), Crc32(bytes)};
 }
 
