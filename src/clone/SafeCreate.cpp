@@ -51,7 +51,7 @@ SafeCreate::SafeCreate(const fs::path& file) : mFile(file) {
   } else {
     mLinkError = behind.error();
   }
-  mBefore = FileStampOf(mFile);
+  mBefore = FileStateOf(mFile);
 }
 
 void SafeCreate::Create(clsDumpPLC& engine, Prompts& prompts, Channel& link, const CloneWork& work) {
@@ -145,7 +145,7 @@ SafeCreate::Step SafeCreate::CheckIsWhole(const CloneManifest& manifest, const C
 
 // Replaces what the user consented to replace, and nothing else.
 std::error_code SafeCreate::MoveToName() {
-  const auto now = FileStampOf(mFile);
+  const auto now = FileStateOf(mFile);
   if (!now) return MoveToFreeName(mFile, mTemporary);
   if (now != mBefore) return std::make_error_code(std::errc::file_exists);
   return ReplaceFileWith(mFile, mTemporary);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "base/FileStamp.h"
+#include "base/FileState.h"
 #include "clone/CloneInfo.h"
 #include "clone/clsDumpPLC.h"
 
@@ -54,7 +54,7 @@ class SafeCreate {
 
   std::filesystem::path mFile;  // behind links
   std::error_code mLinkError;   // of following them
-  std::optional<FileStamp> mBefore;
+  std::optional<FileState> mBefore;
   std::filesystem::path mTemporary;
   CloneOutcome mOutcome;
   std::optional<std::filesystem::path> mMade;

@@ -10,7 +10,7 @@
 
 #include "KvTele2/cache/CacheFile.h"
 #include "KvTele2/cache/CacheOutcome.h"
-#include "base/FileStamp.h"
+#include "base/FileState.h"
 #include "desktop/Pacer.h"
 #include "desktop/RemainingTime.h"
 #include "desktop/WallClock.h"

@@ -1,4 +1,4 @@
-#include "base/FileStamp.h"
+#include "base/FileState.h"
 
 #include <system_error>
 
@@ -6,10 +6,10 @@ namespace kv {
 
 namespace fs = std::filesystem;
 
-std::optional<FileStamp> FileStampOf(const fs::path& file) {
+std::optional<FileState> FileStateOf(const fs::path& file) {
   std::error_code error;
   if (!fs::exists(fs::symlink_status(file, error))) return std::nullopt;
-  return FileStamp{fs::last_write_time(file, error), fs::file_size(file, error)};
+  return FileState{fs::last_write_time(file, error), fs::file_size(file, error)};
 }
 
 }  // namespace kv
