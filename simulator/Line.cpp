@@ -39,7 +39,7 @@ void Line::Write(std::string_view bytes, kv::Instant now) {
   if (!mConnected) return;
   Run(now);  // what came before may change the speed
   const int baud = mHandler->Baud();
-  mToController.Send(HeardAt(bytes, mClientBaud, baud), now, PaceAt(baud));
+  mToController.Send(HeardAt(std::string(bytes), mClientBaud, baud), now, PaceAt(baud));
   Run(now);
 }
 
@@ -118,7 +118,7 @@ void Line::Answer(const FrameReader::Message& message, const FaultPlan& plan, kv
 
 void Line::Send(std::string reply, std::string_view request, const FaultPlan& plan, kv::Instant now) {
   Faults& faults = mHandler->FaultRules();
-  if (plan.isEchoed) SendToClient(request, now, {});
+  if (plan.isEchoed) SendToClient(std::string(request), now, {});
   if (plan.garbage) {
     const Pace noisePace{1'000'000, plan.garbage->bytesASecond};
     if (plan.garbage->bytes == 0) return mToClient.Jam(faults.RandomSeed(), now, noisePace);
@@ -130,13 +130,13 @@ void Line::Send(std::string reply, std::string_view request, const FaultPlan& pl
   if (plan.loss) reply.resize(std::min(reply.size(), plan.loss->at));
   const kv::Instant start = now + plan.delay;
   if (plan.isDoubled) SendToClient(reply, start, plan.gap);
-  SendToClient(reply, start, plan.gap);
+  SendToClient(std::move(reply), start, plan.gap);
   if (plan.loss) Cut(plan, std::max(start, mToClient.End()));
 }
 
-void Line::SendToClient(std::string_view bytes, kv::Instant from, kv::Duration gap) {
+void Line::SendToClient(std::string bytes, kv::Instant from, kv::Duration gap) {
   const Pace pace = Slower(PaceAt(mClientBaud), Pace::WithGap(gap));
-  mToClient.Send(HeardAt(bytes, mHandler->Baud(), mClientBaud), from, pace);
+  mToClient.Send(HeardAt(std::move(bytes), mHandler->Baud(), mClientBaud), from, pace);
 }
 
 Pace Line::PaceAt(int baud) const {

@@ -39,7 +39,7 @@ class Line : public kv::InProcessLine {
   void Answer(const FrameReader::Message& message, const FaultPlan& plan, kv::Instant now);
   // Sends a reply with the faults of the plan.
   void Send(std::string reply, std::string_view request, const FaultPlan& plan, kv::Instant now);
-  void SendToClient(std::string_view bytes, kv::Instant from, kv::Duration gap);
+  void SendToClient(std::string bytes, kv::Instant from, kv::Duration gap);
   // How fast bytes arrive at an end that is set to `baud`.
   [[nodiscard]] Pace PaceAt(int baud) const;
   void Cut(const FaultPlan& plan, kv::Instant at);

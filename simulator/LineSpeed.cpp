@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace sim {
 namespace {
@@ -64,8 +65,8 @@ class Receiver {
 
 }  // namespace
 
-std::string HeardAt(std::string_view bytes, int sentBaud, int heardBaud) {
-  if (sentBaud <= 0 || heardBaud <= 0 || sentBaud == heardBaud) return std::string(bytes);
+std::string HeardAt(std::string bytes, int sentBaud, int heardBaud) {
+  if (sentBaud <= 0 || heardBaud <= 0 || sentBaud == heardBaud) return bytes;
   return Receiver(bytes, sentBaud, heardBaud).Hear();
 }
 

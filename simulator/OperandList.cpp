@@ -1,5 +1,6 @@
 #include "simulator/OperandList.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -13,10 +14,11 @@ namespace {
 constexpr std::size_t kMostRecords = 16;
 
 void AppendBits(std::string& packed, const std::vector<std::uint32_t>& bits) {
-  const std::size_t before = packed.size();
-  packed.resize(before + (bits.size() + 7) / 8);
-  for (std::size_t i = 0; i < bits.size(); ++i) {
-    if (bits[i] != 0) packed[before + i / 8] = static_cast<char>(packed[before + i / 8] | 1 << i % 8);
+  for (std::size_t begin = 0; begin < bits.size(); begin += 8) {
+    const std::size_t count = std::min<std::size_t>(bits.size() - begin, 8);
+    unsigned byte = 0;
+    for (std::size_t i = 0; i < count; ++i) byte |= (bits[begin + i] != 0 ? 1U : 0U) << i;
+    packed += static_cast<char>(byte);
   }
 }
 

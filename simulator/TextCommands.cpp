@@ -44,7 +44,8 @@ TextReply ExecuteText(Machine& machine, std::string_view text, ConnectionAccess&
     return reply;
   }
   const auto tag = command->form == TextCommand::Form::Own ? text.substr(kNameSize, kTagSize) : std::string_view();
-  reply.text = std::string(command->reply) + std::string(tag) + *answer;
+  reply.text.reserve(command->reply.size() + tag.size() + answer->size());
+  reply.text.append(command->reply).append(tag).append(*answer);
   if (reply.resets) connection.hasAccess = false;
   return reply;
 }

@@ -1,6 +1,8 @@
 #include "simulator/ValueBytes.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace sim {
 namespace {
@@ -14,14 +16,24 @@ struct Column {
 };
 
 // Number and order of the bytes are known when this is compiled: a value is then written at once.
-template <std::size_t kBytes, std::endian kOrder>
+template <typename Number, std::endian kOrder>
+void PutOne(char* place, std::uint32_t value) {
+  auto number = static_cast<Number>(value);
+  if constexpr (kOrder != std::endian::native) number = std::byteswap(number);
+  std::memcpy(place, &number, sizeof number);
+}
+
+template <typename Number, std::endian kOrder>
 void Put(const Column& column) {
+  constexpr std::size_t kBytes = sizeof(Number);
+  const std::size_t count = column.values.size();
   char* place = column.place;
-  for (std::size_t i = 0; i < column.values.size(); i += column.width, place += column.stride) {
-    const std::uint32_t value = column.values[i];
-    for (std::size_t byte = 0; byte < kBytes; ++byte) {
-      place[kOrder == std::endian::little ? byte : kBytes - 1 - byte] = static_cast<char>(value >> 8 * byte & 0xFF);
-    }
+  if (column.width == 1 && column.stride == kBytes) {  // nothing lies between: the compiler does many values at once
+    for (std::size_t i = 0; i < count; ++i) PutOne<Number, kOrder>(place + i * kBytes, column.values[i]);
+    return;
+  }
+  for (std::size_t i = 0; i < count; i += column.width, place += column.stride) {
+    PutOne<Number, kOrder>(place, column.values[i]);
   }
 }
 
@@ -29,11 +41,11 @@ template <std::endian kOrder>
 void Put(const Column& column, std::size_t bytes) {
   switch (bytes) {
     case 1:
-      return Put<1, kOrder>(column);
+      return Put<std::uint8_t, kOrder>(column);
     case 2:
-      return Put<2, kOrder>(column);
+      return Put<std::uint16_t, kOrder>(column);
     default:
-      return Put<4, kOrder>(column);
+      return Put<std::uint32_t, kOrder>(column);
   }
 }
 

@@ -122,7 +122,10 @@ std::optional<std::vector<OperandListValues>> ChannelImpl::ReadBlockList(std::sp
                                                                          std::optional<Instant> notAfter) {
   std::string names = "reading";
   const auto doing = [&] {
-    for (const OperandRange& range : ranges) names += (names.size() > 7 ? ", " : " ") + RangeText(range);
+    for (std::string_view before = " "; const OperandRange& range : ranges) {
+      names.append(before).append(RangeText(range));
+      before = ", ";
+    }
     return names + " from unit " + std::to_string(unit);
   };
   const std::string payload = ListPayload(ranges);

@@ -1,5 +1,6 @@
 #include "base/Hex.h"
 
+#include <array>
 #include <charconv>
 #include <system_error>
 
@@ -17,6 +18,17 @@ bool IsUpperDigit(char c) {
 std::uint8_t ValueOfUpper(char digit) {
   return static_cast<std::uint8_t>(digit <= '9' ? digit - '0' : digit - 'A' + 10);
 }
+
+// The few digits of a number are looked up instead: no loop is long enough to be done at once.
+constexpr std::uint8_t kNoDigit = 16;
+constexpr std::array<std::uint8_t, 256> kUpperValues = [] {
+  std::array<std::uint8_t, 256> values;
+  values.fill(kNoDigit);
+  for (std::size_t i = 0; i < kDigits.size(); ++i) {
+    values[static_cast<unsigned char>(kDigits[i])] = static_cast<std::uint8_t>(i);
+  }
+  return values;
+}();
 
 }  // namespace
 
@@ -54,12 +66,13 @@ std::optional<std::uint32_t> ParseHex(std::string_view text) {
 
 std::optional<std::uint32_t> ParseUpperHex(std::string_view digits) {
   if (digits.empty() || digits.size() > kMostDigits) return std::nullopt;
-  std::uint32_t value = 0;
+  std::uint32_t value = 0, all = 0;
   for (const char digit : digits) {
-    if (!IsUpperDigit(digit)) return std::nullopt;
-    value = value << 4 | ValueOfUpper(digit);
+    const std::uint8_t place = kUpperValues[static_cast<unsigned char>(digit)];
+    all |= place;
+    value = value << 4 | place;
   }
-  return value;
+  return all < kNoDigit ? std::optional(value) : std::nullopt;
 }
 
 bool AreUpperHexDigits(std::string_view text) {

@@ -110,7 +110,13 @@ Region OperandStore::SetRead(const Region& region, std::span<const std::string> 
                                         std::int64_t{region.to} + 1, std::int64_t{CountOf(region.type)}});
   Cell* const cells = Touch(region.type, 0);
   for (std::int32_t address = std::max(region.from, 0); cells != nullptr && address < behind; ++address) {
-    if (!TakeRead(cells[address], texts[static_cast<std::size_t>(address - region.from)], now)) continue;
+    Cell& cell = cells[address];
+    const std::string& text = texts[static_cast<std::size_t>(address - region.from)];
+    if (cell.origin == CellOrigin::Read && cell.text == text) {  // on line nearly all
+      cell.readAt = now;
+      continue;
+    }
+    TakeRead(cell, text, now);
     if (changed.from > changed.to) changed.from = address;
     changed.to = address;
   }
@@ -178,19 +184,15 @@ void OperandStore::Empty(Cell& cell) {
   cell = Cell();
 }
 
-// Whether the text or the origin changed.
-bool OperandStore::TakeRead(Cell& cell, const std::string& text, Instant now) {
-  const bool wasEdited = cell.origin == CellOrigin::Edited;
-  const std::string& before = wasEdited ? cell.readText : cell.text;
-  const bool isOther = text != before;
+// Another text or another origin than it has.
+void OperandStore::TakeRead(Cell& cell, const std::string& text, Instant now) {
+  const std::string& before = cell.origin == CellOrigin::Edited ? cell.readText : cell.text;
   // The first read of an operand is no change of its value.
-  if (isOther && cell.readAt != Instant::min()) cell.changedAt = now;
+  if (text != before && cell.readAt != Instant::min()) cell.changedAt = now;
   cell.readAt = now;
-  if (!isOther && cell.origin == CellOrigin::Read) return false;
   cell.text = text;
   cell.readText.clear();
   Mark(cell, CellOrigin::Read);
-  return true;
 }
 
 bool OperandStore::GoBackToRead(Cell& cell, const CellText& from, const std::string& text) {

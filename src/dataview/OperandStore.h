@@ -97,7 +97,7 @@ class OperandStore {
   void Mark(Cell& cell, CellOrigin origin);
   void EditCell(Cell& cell, std::string_view text);
   void Empty(Cell& cell);
-  bool TakeRead(Cell& cell, const std::string& text, Instant now);
+  void TakeRead(Cell& cell, const std::string& text, Instant now);
   bool GoBackToRead(Cell& cell, const CellText& from, const std::string& text);
   bool GoBackToNone(Cell& cell, const CellText& from);
 

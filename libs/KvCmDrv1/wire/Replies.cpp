@@ -73,14 +73,20 @@ std::size_t PayloadBytes(const OperandRange& range) {
 
 // False when the bits that fill the last byte are not 0.
 bool TakeBits(PayloadReader& reader, std::size_t count, OperandListValues& values) {
+  constexpr std::size_t kBitsOfByte = 8;
   values.resize(count);
-  std::uint32_t byte = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    if (i % 8 == 0) byte = reader.Number<1>();
-    values[i] = byte & 1U;
+  std::span<std::uint32_t> rest(values);
+  for (; rest.size() >= kBitsOfByte; rest = rest.subspan(kBitsOfByte)) {
+    const std::uint32_t byte = reader.Number<1>();
+    for (std::size_t i = 0; i < kBitsOfByte; ++i) rest[i] = byte >> i & 1U;
+  }
+  if (rest.empty()) return true;
+  std::uint32_t byte = reader.Number<1>();
+  for (std::uint32_t& value : rest) {
+    value = byte & 1U;
     byte >>= 1;
   }
-  return count % 8 == 0 || byte == 0;
+  return byte == 0;
 }
 
 // The same where each bit takes a byte; false when one of them is neither 0 nor 1.

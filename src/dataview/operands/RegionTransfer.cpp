@@ -1,6 +1,8 @@
 #include "dataview/operands/RegionTransfer.h"
 
 #include <array>
+#include <charconv>
+#include <concepts>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -101,24 +103,31 @@ struct Request {
 
 // ---- reading ----
 
-std::string RawText(RawKind kind, std::uint32_t bits, FloatDigits digits = FloatDigits::Shown) {
+// Made in its place: on line tens of thousands come a second.
+void AddWhole(Texts& texts, std::integral auto number) {
+  std::array<char, 12> digits;  // of each number of 32 bits, with its sign
+  texts.emplace_back(digits.data(), std::to_chars(digits.begin(), digits.end(), number).ptr);
+}
+
+void AddRaw(Texts& texts, RawKind kind, std::uint32_t bits, FloatDigits digits) {
   switch (kind) {
     case RawKind::Bit:
-      return (bits & 1U) != 0 ? "1" : "0";
+      return AddWhole(texts, bits & 1U);
     case RawKind::Signed16:
-      return std::to_string(static_cast<std::int16_t>(bits & 0xFFFF));
+      return AddWhole(texts, static_cast<std::int16_t>(bits & 0xFFFF));
     case RawKind::Signed32:
-      return std::to_string(static_cast<std::int32_t>(bits));
+      return AddWhole(texts, static_cast<std::int32_t>(bits));
     case RawKind::Unsigned:
-      return std::to_string(bits);
+      return AddWhole(texts, bits);
     case RawKind::Float: {
       const float value = mdlFloatHandling::FloatFromController(bits);
-      return digits == FloatDigits::Exact ? ExactFloatText(value) : FloatText(value);
+      texts.push_back(digits == FloatDigits::Exact ? ExactFloatText(value) : FloatText(value));
+      return;
     }
     case RawKind::Time:
-      return TimerText(static_cast<std::int32_t>(bits));
+      texts.push_back(TimerText(static_cast<std::int32_t>(bits)));
+      return;
   }
-  return {};
 }
 
 // The texts of `count` operands, from values of which each operand has `stride` and shows the one at `part`.
@@ -130,7 +139,7 @@ ReadResult ListTexts(const Request& request, const OperandListValues& values) {
   Texts texts;
   texts.reserve(request.Count());
   for (auto i = static_cast<std::size_t>(request.facts.part); i < values.size(); i += stride) {
-    texts.push_back(RawText(request.facts.raw, values[i], request.digits));
+    AddRaw(texts, request.facts.raw, values[i], request.digits);
   }
   return texts;
 }
@@ -152,25 +161,25 @@ struct ReadCompactWith {
 
   ReadResult operator()(std::monostate) const { return Texts(); }
   ReadResult operator()(BitRead read) const {
-    return Collect(read, [](std::uint8_t bit) { return RawText(RawKind::Bit, bit); });
+    return Collect(read, [](std::uint8_t bit) { return bit & 1; });
   }
   ReadResult operator()(WordRead read) const {
-    return Collect(read, [](std::int16_t word) { return std::to_string(word); });
+    return Collect(read, [](std::int16_t word) { return word; });
   }
   ReadResult operator()(TimerRead read) const {
-    return Collect(read, [](std::uint16_t word) { return std::to_string(CompactTimerMilliseconds(word)); });
+    return Collect(read, [](std::uint16_t word) { return CompactTimerMilliseconds(word); });
   }
 
  private:
-  template <typename Read, typename TextOf>
-  ReadResult Collect(Read read, TextOf textOf) const {
+  template <typename Read, typename NumberOf>
+  ReadResult Collect(Read read, NumberOf numberOf) const {
     const auto count = static_cast<std::int16_t>(request.Count());
     const auto values = (request.channel.*read)(request.Start(), count, request.unit);
     if (!values) return std::unexpected(ChannelError(request.channel, request.region, request.model));
     if (values->size() != request.Count()) return std::unexpected(WrongReply(request.region));
     Texts texts;
     texts.reserve(values->size());
-    for (const auto value : *values) texts.push_back(textOf(value));
+    for (const auto value : *values) AddWhole(texts, numberOf(value));
     return texts;
   }
 };
