@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
 
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/wire/PanelCodec.h"
@@ -35,26 +36,28 @@ std::string_view DoingOf(PanelAction action) {
   return "pressing on the panel of";
 }
 
-constexpr std::string_view kReadingScreen = "reading the screen of";
-
-}  // namespace
-
-template <typename Value>
-std::optional<Value> PanelLinkImpl::Checked(std::optional<Value> value, std::string_view doing, std::uint8_t unit) {
-  if (!value) mChannel.FailPanelReply(doing, unit);
+// Makes the request, and of its reply what `read` finds in it; nothing there means that it is not what it has to be.
+template <typename Read>
+auto Ask(ChannelImpl& channel, const ChannelImpl::PanelRequest& request, const Read& read)
+    -> std::invoke_result_t<Read, const PanelTextReply&> {
+  const auto reply = channel.AskPanel(request);
+  if (!reply) return std::nullopt;
+  auto value = read(*reply);
+  if (!value) channel.FailPanelReply(request.doing, request.unit);
   return value;
 }
 
+}  // namespace
+
 std::optional<PanelDescription> PanelLinkImpl::Describe(std::uint8_t unit) {
-  constexpr std::string_view kDoing = "asking for the panel of";
-  const auto reply = mChannel.AskPanel({.letters = "PD",
-                                        .fields = {.opCode = kPanelDescription},
-                                        .data = {},
-                                        .longestReply = kLongestDescription,
-                                        .doing = kDoing,
-                                        .unit = unit});
-  if (!reply) return std::nullopt;
-  return Checked(ReadPanelDescription(reply->data), kDoing, unit);
+  return Ask(mChannel,
+             {.letters = "PD",
+              .fields = {.opCode = kPanelDescription},
+              .data = {},
+              .longestReply = kLongestDescription,
+              .doing = "asking for the panel of",
+              .unit = unit},
+             [](const PanelTextReply& reply) { return ReadPanelDescription(reply.data); });
 }
 
 std::optional<PanelChanges> PanelLinkImpl::Changes(const PanelChangesRequest& request, std::uint8_t unit) {
@@ -62,16 +65,18 @@ std::optional<PanelChanges> PanelLinkImpl::Changes(const PanelChangesRequest& re
   if (!cost) return std::nullopt;
   PanelChangesRequest fitting = request;
   fitting.most = std::clamp(request.most, kLeastPanelPiece, cost->mostPiece);
-  const auto reply = mChannel.AskPanel({.letters = "PC",
-                                        .fields = {.opCode = kPanelChanges},
-                                        .data = EncodeChangesRequest(fitting),
-                                        .longestReply = fitting.most,
-                                        .doing = kReadingScreen,
-                                        .unit = unit});
-  if (!reply) return std::nullopt;
-  auto changes = ReadPanelChanges(reply->data);
-  if (changes && changes->verdict != PanelVerdict::Done) changes.reset();
-  return Checked(std::move(changes), kReadingScreen, unit);
+  return Ask(mChannel,
+             {.letters = "PC",
+              .fields = {.opCode = kPanelChanges},
+              .data = EncodeChangesRequest(fitting),
+              .longestReply = fitting.most,
+              .doing = "reading the screen of",
+              .unit = unit},
+             [](const PanelTextReply& reply) {
+               auto changes = ReadPanelChanges(reply.data);
+               if (changes && changes->verdict != PanelVerdict::Done) changes.reset();
+               return changes;
+             });
 }
 
 std::optional<PanelChanges> PanelLinkImpl::Send(const PanelEvent& event, std::uint8_t unit) {
@@ -79,22 +84,24 @@ std::optional<PanelChanges> PanelLinkImpl::Send(const PanelEvent& event, std::ui
   if (!cost) return std::nullopt;
   PanelEvent fitting = event;
   fitting.most = std::clamp(event.most, kLeastPanelPiece, cost->mostPiece);
-  const auto reply = mChannel.AskPanel({.letters = "PE",
-                                        .fields = {.opCode = kPanelEvent},
-                                        .data = EncodeEvent(fitting),
-                                        .longestReply = fitting.most,
-                                        .doing = DoingOf(event.action),
-                                        .unit = unit,
-                                        .isEvent = true,
-                                        .onlyOn = event.connection});
-  if (!reply) return std::nullopt;
-  auto changes = ReadPanelChanges(reply->data);
-  if (changes && reply->isCut) {
-    changes->isCut = true;
-    changes->hasMore = true;
-    changes->upTo = {event.seen.epoch, event.since};
-  }
-  return Checked(std::move(changes), DoingOf(event.action), unit);
+  return Ask(mChannel,
+             {.letters = "PE",
+              .fields = {.opCode = kPanelEvent},
+              .data = EncodeEvent(fitting),
+              .longestReply = fitting.most,
+              .doing = DoingOf(event.action),
+              .unit = unit,
+              .isEvent = true,
+              .onlyOn = event.connection},
+             [&event](const PanelTextReply& reply) {
+               auto changes = ReadPanelChanges(reply.data);
+               if (changes && reply.isCut) {
+                 changes->isCut = true;
+                 changes->hasMore = true;
+                 changes->upTo = {event.seen.epoch, event.since};
+               }
+               return changes;
+             });
 }
 
 // In as many requests as it takes: a directory is longer than a reply, and its count says when it is whole.
@@ -102,28 +109,30 @@ std::optional<PanelDirectory> PanelLinkImpl::Directory(PanelResourceKind kind, s
   const std::string doing = "reading the directory of " + std::string(NounOf(kind)) + " of";
   PanelDirectory directory;
   std::string bytes;
-  while (true) {
-    const auto first = static_cast<std::uint32_t>(directory.entries.size());
-    const auto reply = mChannel.AskPanel({.letters = {},
-                                          .fields = {.opCode = kResourceDirectory,
-                                                     .param1 = first,
-                                                     .dataLength = 0,
-                                                     .param3 = static_cast<std::uint16_t>(kind),
-                                                     .param4 = 0},
-                                          .data = {},
-                                          .longestReply = kMostBlockPiece,
-                                          .doing = doing,
-                                          .unit = unit});
-    if (!reply) return std::nullopt;
-    std::optional<PanelDirectoryPart> part = ReadPanelDirectory(reply->data);
-    const bool isStuck = part && part->entries.empty() && first < part->countOfAll;
-    if (!part || isStuck || first + part->entries.size() > part->countOfAll) {
-      mChannel.FailPanelReply(doing, unit);
-      return std::nullopt;
-    }
-    std::ranges::move(part->entries, std::back_inserter(directory.entries));
-    bytes += part->bytes;
-    if (directory.entries.size() == part->countOfAll) break;
+  for (bool isWhole = false; !isWhole;) {
+    const std::size_t first = directory.entries.size();
+    const auto add = [&](const PanelTextReply& reply) -> std::optional<bool> {
+      std::optional<PanelDirectoryPart> part = ReadPanelDirectory(reply.data);
+      const bool isStuck = part && part->entries.empty() && first < part->countOfAll;
+      if (!part || isStuck || first + part->entries.size() > part->countOfAll) return std::nullopt;
+      std::ranges::move(part->entries, std::back_inserter(directory.entries));
+      bytes += part->bytes;
+      return directory.entries.size() == part->countOfAll;
+    };
+    const auto added = Ask(mChannel,
+                           {.letters = {},
+                            .fields = {.opCode = kResourceDirectory,
+                                       .param1 = static_cast<std::uint32_t>(first),
+                                       .dataLength = 0,
+                                       .param3 = static_cast<std::uint16_t>(kind),
+                                       .param4 = 0},
+                            .data = {},
+                            .longestReply = kMostBlockPiece,
+                            .doing = doing,
+                            .unit = unit},
+                           add);
+    if (!added) return std::nullopt;
+    isWhole = *added;
   }
   directory.check = Crc32(bytes);
   return directory;
@@ -132,22 +141,21 @@ std::optional<PanelDirectory> PanelLinkImpl::Directory(PanelResourceKind kind, s
 std::optional<Bytes> PanelLinkImpl::ReadPiece(PanelResourceKind kind, std::uint16_t id, std::uint32_t offset,
                                               std::uint32_t length, std::uint8_t unit) {
   const std::string doing = "reading one of the " + std::string(NounOf(kind)) + " of";
-  const auto reply = mChannel.AskPanel({.letters = {},
-                                        .fields = {.opCode = kResourcePiece,
-                                                   .param1 = offset,
-                                                   .dataLength = length,
-                                                   .param3 = static_cast<std::uint16_t>(kind),
-                                                   .param4 = id},
-                                        .data = {},
-                                        .longestReply = length,
-                                        .doing = doing,
-                                        .unit = unit});
-  if (!reply) return std::nullopt;
-  if (reply->data.size() != length || length < 1 || length > kMostMemoryPerRead) {
-    mChannel.FailPanelReply(doing, unit);
-    return std::nullopt;
-  }
-  return Bytes(reply->data.begin(), reply->data.end());
+  return Ask(mChannel,
+             {.letters = {},
+              .fields = {.opCode = kResourcePiece,
+                         .param1 = offset,
+                         .dataLength = length,
+                         .param3 = static_cast<std::uint16_t>(kind),
+                         .param4 = id},
+              .data = {},
+              .longestReply = length,
+              .doing = doing,
+              .unit = unit},
+             [length](const PanelTextReply& reply) -> std::optional<Bytes> {
+               if (reply.data.size() != length || length < 1 || length > kMostMemoryPerRead) return std::nullopt;
+               return Bytes(reply.data.begin(), reply.data.end());
+             });
 }
 
 std::optional<PanelLinkCost> PanelLinkImpl::Cost(std::uint8_t unit) {

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <string>
-#include <string_view>
-
 #include "link/PanelLink.h"
 
 namespace kv {
@@ -26,9 +23,6 @@ class PanelLinkImpl final : public PanelLink {
   [[nodiscard]] const LinkError& LastError() const override;
 
  private:
-  template <typename Value>
-  [[nodiscard]] std::optional<Value> Checked(std::optional<Value> value, std::string_view doing, std::uint8_t unit);
-
   ChannelImpl& mChannel;
 };
 
