@@ -1,89 +1,15 @@
-// The host's screen is the simulated controller's own, dot for dot, whatever happens on the way.
+// What is pressed on a host's screen happens in the simulated controller, whatever happens on the way.
 
 #include <gmock/gmock.h>
 
-#include <random>
-
-#include "KvCmDrv1/wire/PanelCodec.h"
 #include "KvTele2/panel/PanelSession.h"
 #include "KvTele2/panel/ScreenText.h"
-#include "simulator/panel/Drawing.h"
-#include "simulator/panel/Fonts.h"
 #include "tests/driver/Fixture.h"
-#include "tests/panel/Records.h"
 
 namespace kv::panel {
 namespace {
 
 using namespace std::chrono_literals;
-using namespace test;
-
-// A random item of a colour display: kind and body.
-struct RandomItem {
-  explicit RandomItem(std::mt19937& random) {
-    const auto number = [&](int below) { return static_cast<int>(random() % static_cast<unsigned>(below)); };
-    const std::string place = Words({number(90), number(70), number(60), number(40)});
-    constexpr int kKinds[] = {0, 6, 16, 17, 18, 19, 20, 21};
-    kind = kKinds[number(8)];
-    if (kind == 6) body = place + Byte(1 + number(5)) + Byte(number(8)) + "name";
-    if (kind == 16) body = place + Words({number(65536)});
-    if (kind == 17) body = place + Byte(number(9)) + Words({number(65536), number(65536)});
-    if (kind == 18) body = place + Words({number(65536)});
-    if (kind == 20) body = Words({number(90), number(70), 1});
-    if (kind == 21) {
-      body = place + Byte(number(2)) + Words({number(10001), number(65536), number(65536)});
-    }
-    if (kind != 19) return;
-    body = Words({number(90), number(70), number(90), 1 + number(4), number(65536), number(65536)}) +
-           Byte(number(3) | number(2) << 2);
-    for (int i = number(12); i-- > 0;) body += static_cast<char>(number(256));
-  }
-  int kind;
-  std::string body;
-};
-
-// For a long run: --gtest_shuffle --gtest_repeat=N, which takes another seed each time.
-TEST(BothEnds, DrawTheSameDotsAndTheHostOnlyThoseThatHaveChanged) {
-  std::mt19937 random(static_cast<unsigned>(::testing::UnitTest::GetInstance()->random_seed()));
-  ScreenResources resources;
-  for (const sim::PanelFont& font : sim::PanelFonts()) {
-    ASSERT_TRUE(resources.Add(PanelResourceKind::Font, font.id, font.data));
-  }
-  const std::string image = SmallBitmap();
-  ASSERT_TRUE(resources.Add(PanelResourceKind::Image, 1, image));
-  sim::Screen screen(9);
-  ScreenModel model(ColourPanel(128, 96));
-  Drawing drawing(model, resources);
-  for (int round = 0; round < 250; ++round) {
-    if (round % 60 == 0) screen.ShowPage(1, static_cast<std::uint16_t>(random()), "page");
-    for (auto i = random() % (round % 50 == 0 ? 100 : 6); i-- > 0;) {
-      const RandomItem item(random);
-      screen.Put(64 + random() % 150, static_cast<sim::RecordKind>(item.kind), item.body);
-    }
-    const Picture before = drawing.Dots();
-    std::vector<PixelRect> areas;
-    do {
-      const auto told = screen.Since(model.Revision().epoch, model.Revision().number, 84 + random() % 1000);
-      std::string data = Words({9}) + std::string(14, '\0') + told.records;
-      PutLittleEndian(data.data() + 2, told.number, 4);
-      data[12] = static_cast<char>((told.hasMore ? 1 : 0) | (told.beginsAnew ? 0x20 : 0));
-      const auto delta = model.Take(ReadPanelChanges(data).value());
-      ASSERT_TRUE(delta) << delta.error();
-      drawing.Note(*delta);
-      std::ranges::copy(drawing.Draw(), std::back_inserter(areas));
-    } while (!model.IsWhole());
-    const sim::Picture wanted =
-        sim::DrawScreen(screen, 128, 96, [&](std::uint16_t id) { return id == 1 ? std::string_view(image) : ""; });
-    for (int y = 0; y < 96; ++y) {
-      for (int x = 0; x < 128; ++x) {
-        const Dot dot = drawing.Dots().At(x, y);
-        ASSERT_EQ(dot, kOpaque | wanted.At(x, y)) << "round " << round << " at " << x << "," << y;
-        const auto holds = [&](const PixelRect& area) { return area.Holds(x, y); };
-        ASSERT_TRUE(dot == before.At(x, y) || std::ranges::any_of(areas, holds)) << "not told: " << x << "," << y;
-      }
-    }
-  }
-}
 
 // Everything that a host can know of a screen, as text.
 std::string AllOf(const PanelSession& session, const ScreenResources& resources) {
