@@ -1,7 +1,8 @@
 #include <iostream>
 #include <memory>
-#include <string_view>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "apps/kvsim/Make.h"
 #include "apps/kvsim/Options.h"
@@ -9,6 +10,7 @@
 #include "apps/kvsim/Server.h"
 #include "apps/kvsim/TcpEndpoints.h"
 #include "desktop/console/ConsolePacer.h"
+#include "desktop/console/ConsoleProgram.h"
 #include "simulator/ModelTable.h"
 #include "simulator/SimulatedController.h"
 #include "simulator/SimulatedModem.h"
@@ -72,8 +74,13 @@ int Serve(const Options& options) {
 }  // namespace kvsim
 
 int main(int argc, char** argv) {
-  if (argc > 1 && std::string_view(argv[1]) == "make") return kvsim::Make(argc - 1, argv + 1);
-  const auto options = kvsim::ReadOptions(argc, argv);
+  const kv::ConsoleSetup console;
+  const std::vector<std::string> texts = kv::Utf8Arguments(argc, argv);
+  std::vector<const char*> arguments{"kvsim"};
+  for (const auto& text : texts) arguments.push_back(text.c_str());
+  const int count = static_cast<int>(arguments.size());
+  if (count > 1 && texts.front() == "make") return kvsim::Make(count - 1, arguments.data() + 1);
+  const auto options = kvsim::ReadOptions(count, arguments.data());
   if (!options) return options.error();
   if (!options->listsModels) return kvsim::Serve(*options);
   std::cout << kvsim::ModelListText();

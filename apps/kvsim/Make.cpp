@@ -108,6 +108,7 @@ CLI::App* AddVerb(CLI::App& app, const char* name, const char* text, Wanted& wan
 
 int Make(int argc, const char* const* argv) {
   CLI::App app(kExamples, "kvsim make");
+  app.allow_windows_style_options(false);  // a slash begins a path, on every system
   app.require_subcommand(1);
   Wanted project{.version = "4.60", .build = 19, .size = 12'000};
   Wanted os{.version = "4.75", .build = 3, .size = 24'000};

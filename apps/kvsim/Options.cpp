@@ -138,6 +138,7 @@ std::expected<Options, int> ReadOptions(int argc, const char* const* argv) {
   options.controller.seed = std::random_device{}();
   Raw raw;
   CLI::App app("", "kvsim");
+  app.allow_windows_style_options(false);  // a slash begins a path, on every system
   app.formatter(std::make_shared<ExamplesFirst>());
   DescribeController(app, options.controller, raw);
   DescribeWaysIn(app, options, raw);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/kvsim/SocketStream.h"
+#include "base/FilePlatform.h"
 
 namespace kvsim {
 namespace {
@@ -128,7 +129,7 @@ std::expected<std::unique_ptr<Endpoint>, std::string> ListenOn(const std::string
     auto endpoint = std::make_unique<ListeningEndpoint>();
     code = endpoint->Open({bound, port});
     if (code == asio::error::address_in_use) return std::unexpected(PortInUse(place));
-    if (code) return std::unexpected("cannot listen on " + place + ": " + code.message());
+    if (code) return std::unexpected("cannot listen on " + place + ": " + kv::SystemMessage(code));
     return endpoint;
   } catch (const std::exception& error) {
     return std::unexpected("cannot listen on " + place + ": " + error.what());
@@ -144,7 +145,7 @@ std::expected<std::unique_ptr<Endpoint>, std::string> DialTo(const std::string& 
     for (const auto& entry : tcp::resolver(context).resolve(host, std::to_string(port), code)) {
       endpoints.push_back(entry.endpoint());
     }
-    if (endpoints.empty()) return std::unexpected("the host of " + place + " is not known: " + code.message());
+    if (endpoints.empty()) return std::unexpected("the host of " + place + " is not known: " + kv::SystemMessage(code));
     return std::make_unique<DiallingEndpoint>(place, std::move(endpoints));
   } catch (const std::exception& error) {
     return std::unexpected("cannot dial " + place + ": " + error.what());

@@ -60,7 +60,7 @@ Failure CannotCopy(const fs::path& what, const std::error_code& error) {
   return {ExitCode::Failed,
           "failed",
           "copying the settings of the session",
-          Utf8FromPath(what) + ": " + error.message(),
+          Utf8FromPath(what) + ": " + SystemMessage(error),
           "there is no permission, or the disk is full",
           "make room and give this user the right to it; TMPDIR (on Windows TEMP) names the folder for the copy"};
 }

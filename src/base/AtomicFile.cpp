@@ -20,8 +20,10 @@ std::unexpected<FileError> Failed(const fs::path& file, std::string what) {
 }
 
 std::unexpected<FileError> CannotSave(const fs::path& file, const std::error_code& error) {
-  return Failed(file,
-                "it cannot be saved (" + error.message() + "); check that its folder exists and may be written to");
+  const char* const cure = MayBeHeldByAnother(error)
+                               ? "); close it in other programs, and check that its folder may be written to"
+                               : "); check that its folder exists and may be written to";
+  return Failed(file, "it cannot be saved (" + SystemMessage(error) + cure);
 }
 
 // Writes a file of a free name in the folder of `file`, and returns its path.
@@ -64,7 +66,7 @@ std::expected<std::string, FileError> ReadWholeFile(const fs::path& file, std::s
   std::error_code error;
   const fs::file_status status = fs::status(file, error);
   if (status.type() == fs::file_type::not_found) return Failed(file, "it does not exist");
-  if (!fs::exists(status)) return Failed(file, "it cannot be read: " + error.message());
+  if (!fs::exists(status)) return Failed(file, "it cannot be read: " + SystemMessage(error));
   if (!fs::is_regular_file(status))
     return Failed(file, "it cannot be read, because it is no plain file");  // could block
 

@@ -2,6 +2,7 @@
 
 #include <expected>
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -22,6 +23,16 @@ namespace kv {
 // Renames `from` to the name `to`, which nobody has as yet, and flushes their folder. Fails with errc::file_exists, and
 // leaves both files alone, when there is something of that name.
 [[nodiscard]] std::error_code MoveToFreeName(const std::filesystem::path& to, const std::filesystem::path& from);
+
+// What the system says of an error, in UTF-8 and without a line end.
+[[nodiscard]] std::string SystemMessage(const std::error_code& code);
+
+// Whether the error may be that another program has the file open; never where that keeps nobody from replacing it.
+[[nodiscard]] bool MayBeHeldByAnother(const std::error_code& code);
+
+// The name of a file or of a folder that is there, for libraries that take names as plain characters. Empty when the
+// platform has none: on Windows they lack what is not in the code page, and short names can be switched off.
+[[nodiscard]] std::string NarrowName(const std::filesystem::path& file);
 
 // A number that no other running process has.
 [[nodiscard]] unsigned long ProcessNumber();

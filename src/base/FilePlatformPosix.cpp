@@ -76,6 +76,18 @@ std::error_code MoveToFreeName(const fs::path& to, const fs::path& from) {
   return ReplaceFileWith(to, from);
 }
 
+std::string SystemMessage(const std::error_code& code) {
+  return code.message();
+}
+
+bool MayBeHeldByAnother(const std::error_code&) {
+  return false;
+}
+
+std::string NarrowName(const fs::path& file) {
+  return file.native();
+}
+
 unsigned long ProcessNumber() {
   return static_cast<unsigned long>(getpid());
 }

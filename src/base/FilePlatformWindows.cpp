@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/FilePlatform.h"
+#include "base/PathText.h"
 #include "base/ScopeGuard.h"
 
 namespace kv {
@@ -51,6 +52,39 @@ std::error_code ReplaceFileWith(const fs::path& to, const fs::path& from) {
 
 std::error_code MoveToFreeName(const fs::path& to, const fs::path& from) {
   return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0 ? std::error_code{} : LastError();
+}
+
+// The library would give it in the code page of the user's language.
+std::string SystemMessage(const std::error_code& code) {
+  constexpr DWORD kLongest = 1024;
+  const bool isSystems = std::string_view(code.category().name()).ends_with("system");
+  std::wstring text(isSystems ? kLongest : 0, L'\0');
+  const DWORD size = isSystems ? FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                                static_cast<DWORD>(code.value()), 0, text.data(), kLongest, nullptr)
+                               : 0;
+  text.resize(size);
+  text.resize(text.find_last_not_of(L"\r\n. ") + 1);
+  return text.empty() ? code.message() : Utf8FromPath(text);
+}
+
+bool MayBeHeldByAnother(const std::error_code& code) {
+  constexpr int kCodes[] = {ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION, ERROR_ACCESS_DENIED, ERROR_USER_MAPPED_FILE};
+  return code.category() == std::system_category() && std::ranges::count(kCodes, code.value()) > 0;
+}
+
+std::string NarrowName(const fs::path& file) {
+  std::wstring name = file.wstring();
+  for (const bool isShort : {false, true}) {
+    if (isShort) name.resize(GetShortPathNameW(file.c_str(), name.data(), static_cast<DWORD>(name.size() + 1)));
+    BOOL isLost = FALSE;
+    std::string narrow(name.size() * 4, '\0');
+    narrow.resize(static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, name.data(),
+                                                               static_cast<int>(name.size()), narrow.data(),
+                                                               static_cast<int>(narrow.size()), nullptr, &isLost)));
+    if (!narrow.empty() && isLost == FALSE) return narrow;
+    name.resize(MAX_PATH);
+  }
+  return {};
 }
 
 unsigned long ProcessNumber() {

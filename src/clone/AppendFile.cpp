@@ -4,6 +4,7 @@
 #include <string>
 #include <system_error>
 
+#include "base/FilePlatform.h"
 #include "base/PathText.h"
 
 #ifdef _WIN32
@@ -72,7 +73,7 @@ std::expected<void, FileError> AppendFile::Create(const fs::path& file) {
       return Failed("it cannot be written, because it is no plain file; choose another name");
     }
     if (!fs::remove(file, error)) {
-      return Failed("the file of this name cannot be deleted (" + error.message() +
+      return Failed("the file of this name cannot be deleted (" + SystemMessage(error) +
                     "); check the rights to its folder and that no other program has it open");
     }
   }

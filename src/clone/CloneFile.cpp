@@ -4,6 +4,7 @@
 #include <array>
 #include <system_error>
 
+#include "base/FilePlatform.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
 #include "base/Texts.h"
@@ -113,7 +114,8 @@ std::expected<std::ifstream, FileError> OpenCloneFile(const fs::path& file) {
   std::error_code error;
   const fs::file_status status = fs::status(file, error);
   if (status.type() == fs::file_type::not_found) return fail("it does not exist");
-  if (!fs::exists(status)) return fail("it cannot be read (" + error.message() + "); check the rights to its folder");
+  if (!fs::exists(status))
+    return fail("it cannot be read (" + SystemMessage(error) + "); check the rights to its folder");
   if (!fs::is_regular_file(status)) return fail("it cannot be read, because it is no plain file");  // could block
   std::ifstream stream(file, std::ios::binary);
   if (!stream) return fail("it cannot be opened; check the rights to it");

@@ -68,7 +68,7 @@ void SafeCreate::Create(clsDumpPLC& engine, Prompts& prompts, Channel& link, con
 }
 
 std::string SafeCreate::WhyImpossible() const {
-  if (mLinkError) return "the link of this name leads nowhere (" + mLinkError.message() + ")";
+  if (mLinkError) return "the link of this name leads nowhere (" + SystemMessage(mLinkError) + ")";
   return WhyNotReplaceable(mFile);
 }
 
@@ -156,7 +156,7 @@ CloneOutcome SafeCreate::KeptElsewhere(const std::error_code& error) {
   mMade = mTemporary;
   const std::string why = error == std::errc::file_exists
                               ? "somebody else has put another file there meanwhile, which was left as it is"
-                              : "the new clone cannot be given this name (" + error.message() + ")";
+                              : "the new clone cannot be given this name (" + SystemMessage(error) + ")";
   return FileFailure(mFile, why + ".\nThe new clone is whole. It is in " + Utf8FromPath(mTemporary) +
                                 "\nWhat to do: give it another name, which ends with .kdf");
 }

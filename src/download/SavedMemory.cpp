@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "base/DateText.h"
+#include "base/FilePlatform.h"
 #include "base/PathText.h"
 #include "clone/CloneCompare.h"
 #include "clone/CloneManifest.h"
@@ -99,10 +100,10 @@ std::expected<fs::path, DownloadOutcome> SavedMemory::NewFile(const FoundControl
   std::error_code error;
   fs::create_directories(folder, error);
   if (error) {
-    return std::unexpected(DownloadOutcome{
-        .end = DownloadEnd::Failed,
-        .cause = DownloadCause::Backup,
-        .reason = "The folder " + Utf8FromPath(folder) + " for its memory cannot be made: " + error.message() + "."});
+    return std::unexpected(DownloadOutcome{.end = DownloadEnd::Failed,
+                                           .cause = DownloadCause::Backup,
+                                           .reason = "The folder " + Utf8FromPath(folder) +
+                                                     " for its memory cannot be made: " + SystemMessage(error) + "."});
   }
   const std::chrono::local_seconds now = mContext.clock.LocalTime();
   const std::string stem = "Memory of " + std::to_string(controller.info.serialNumber) + " " + DigitsOf(DateText(now)) +

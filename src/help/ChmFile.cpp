@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/AtomicFile.h"
+#include "base/FilePlatform.h"
 #include "base/PathText.h"
 
 namespace kv {
@@ -24,7 +25,7 @@ std::expected<ChmFile, std::string> ChmFile::Open(const std::filesystem::path& f
   if (!bytes) return std::unexpected(name + bytes.error().what);
   auto directory = ReadChmDirectory(*bytes);
   if (!directory) return std::unexpected(name + directory.error());
-  chmFile* opened = chm_open(file.string().c_str());
+  chmFile* opened = chm_open(NarrowName(file).c_str());
   if (!opened) return std::unexpected(name + "it is damaged");
   return ChmFile(opened, std::move(*directory));
 }

@@ -4,6 +4,7 @@
 #include <random>
 #include <utility>
 
+#include "base/FilePlatform.h"
 #include "base/Hex.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
@@ -42,7 +43,7 @@ std::optional<JournalHead> ChangeJournal::Head() const {
 }
 
 std::unexpected<FileError> ChangeJournal::Failed(const fs::path& file, const std::error_code& why) const {
-  return std::unexpected(FileError{Utf8FromPath(file), "", "it cannot be written (" + why.message() + ")"});
+  return std::unexpected(FileError{Utf8FromPath(file), "", "it cannot be written (" + SystemMessage(why) + ")"});
 }
 
 auto ChangeJournal::Prepare() -> Done {
@@ -279,9 +280,10 @@ void ChangeJournal::KeepHead() {
     return;
   }
   const std::error_code error = WriteHead(mDisk, mHeadFile, *mTail);
-  mHeadTrouble = error ? "The head of the change journal cannot be kept in " + Utf8FromPath(mPlaces.stateFolder) +
-                             " (" + error.message() + "): an end that is cut off from the journal would not be found."
-                       : "";
+  mHeadTrouble = error
+                     ? "The head of the change journal cannot be kept in " + Utf8FromPath(mPlaces.stateFolder) + " (" +
+                           SystemMessage(error) + "): an end that is cut off from the journal would not be found."
+                     : "";
 }
 
 }  // namespace kv

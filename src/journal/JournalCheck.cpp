@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "base/FilePlatform.h"
 #include "base/Numbers.h"
 #include "base/Texts.h"
 #include "digest/Sha256.h"
@@ -357,7 +358,7 @@ JournalCheck CheckJournal(const JournalPlaces& places, JournalDisk& disk, Pacer&
   for (const JournalSnapshot::Segment& segment : snapshot.segments) {
     const auto file = disk.Open(SegmentFile(places.folder, segment.number), JournalDisk::Access::Read);
     if (!file) {
-      checker.Unread(file.error().message());
+      checker.Unread(SystemMessage(file.error()));
       continue;
     }
     checker.BeginFile();

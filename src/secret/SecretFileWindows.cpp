@@ -47,7 +47,11 @@ bool IsOpenToOthers(HANDLE file) {
 std::expected<std::string, SecretFileFault> ReadOwnersFile(const std::filesystem::path& path, std::size_t most) {
   const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ | READ_CONTROL, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                   FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return std::unexpected(SecretFileFault{"cannot be read", {}});
+  const DWORD kind = GetFileAttributesW(path.c_str());
+  if (file == INVALID_HANDLE_VALUE) {
+    const bool isFolder = kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return std::unexpected(SecretFileFault{isFolder ? "is no plain file" : "cannot be read", {}});
+  }
   const ScopeGuard close([file] { CloseHandle(file); });
   if (GetFileType(file) != FILE_TYPE_DISK) return std::unexpected(SecretFileFault{"is no plain file", {}});
   if (IsOpenToOthers(file)) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <system_error>
 
+#include "base/FilePlatform.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "base/Texts.h"
@@ -80,7 +81,7 @@ void CopyFiles(const fs::path& source, const fs::path& target, std::error_code& 
 }
 
 std::string Failure(const std::string& what, const std::error_code& error) {
-  return what + ": " + error.message() + ".";
+  return what + ": " + SystemMessage(error) + ".";
 }
 
 bool HasJournal(const fs::path& folder) {
@@ -145,7 +146,7 @@ std::string SessionManager::ListFault() const {
   std::error_code error;
   const fs::directory_iterator entries(folder, error);
   if (!error) return "";
-  return "The folder " + Utf8FromPath(folder) + " with the sessions cannot be read: " + error.message() +
+  return "The folder " + Utf8FromPath(folder) + " with the sessions cannot be read: " + SystemMessage(error) +
          ".\nLikely cause: it was moved, deleted or protected, or this is not the program folder.\nWhat to do: put the "
          "folder back, or start with the program folder that it is in.";
 }

@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#ifdef _WIN32
+#include <windows.h>
+#endif
 
 #include "base/AtomicFile.h"
 #include "base/PathText.h"
@@ -23,7 +26,20 @@ TEST(SaveAtomically, ReplacesContentAndLeavesNothingElse) {
   EXPECT_EQ(folder.EntryCount(), 2);
 }
 
-#ifndef _WIN32
+#ifdef _WIN32
+TEST(SaveAtomically, LeavesAFileThatAnotherProgramHasOpen) {
+  const TemporaryFolder folder;
+  const fs::path file = folder.Put("a.bin", "old");
+  const HANDLE open = CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  const auto saved = SaveAtomically(file, "new");
+  CloseHandle(open);
+  ASSERT_FALSE(saved);
+  EXPECT_TRUE(saved.error().what.contains("; close it in other programs, and ")) << saved.error().what;
+  EXPECT_EQ(TemporaryFolder::Content(file), "old");
+  EXPECT_EQ(folder.EntryCount(), 1);
+  EXPECT_TRUE(SaveAtomically(file, "new"));
+}
+#else
 TEST(SaveAtomically, KeepsPermissionsAndLinks) {
   const TemporaryFolder folder;
   const fs::path file = folder.Put("real.txt", "old");

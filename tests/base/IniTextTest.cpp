@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/PathText.h"
 #include "base/ProfileStrings.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -85,6 +86,18 @@ TEST(ProfileStrings, ReadAndWriteAFile) {
   EXPECT_EQ(TemporaryFolder::Content(full), "x\n[s]\n; note\nb=2\n\n[t]\nk=3\n[s]\nk=4\n");
   EXPECT_TRUE(WriteProfileString(full, "s", std::nullopt, std::nullopt));
   EXPECT_EQ(TemporaryFolder::Content(full), "x\n[t]\nk=3\n[s]\nk=4\n");
+}
+
+TEST(ProfileStrings, WorkInAFolderOfAnyNameAndDepth) {
+  const TemporaryFolder folder;
+  for (const auto& name : {PathFromUtf8("M\u00FChle \u03A9"), std::filesystem::path(std::string(150, 'x'))}) {
+    const auto place = folder.Path() / name / name;
+    std::error_code error;
+    if (!std::filesystem::create_directories(place, error)) GTEST_SKIP() << "the system has no names so long";
+    EXPECT_TRUE(WriteProfileString(place / "a.ini", "M\xFChle", "k", "\x80\x81\xFC"));
+    EXPECT_EQ(ReadProfileString(place / "a.ini", "M\xFChle", "K", ""), "\x80\x81\xFC");
+    EXPECT_EQ(TemporaryFolder::Content(place / "a.ini"), "[M\xFChle]\r\nk=\x80\x81\xFC\r\n");
+  }
 }
 
 TEST(ProfileStrings, ValuesAreCutToTheBuffer) {

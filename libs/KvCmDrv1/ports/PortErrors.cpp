@@ -4,6 +4,7 @@
 #include <asio/error.hpp>
 
 #include "KvCmDrv1/ports/PortList.h"
+#include "base/FilePlatform.h"
 
 namespace kv {
 namespace {
@@ -92,7 +93,7 @@ PortError ConnectError(const std::string& endpoint, std::error_code code) {
   for (const auto& text : ConnectTexts()) {
     if (text.code == code) return {Fill(text.happened, endpoint), text.cause, text.cure};
   }
-  return {"connecting to " + endpoint + " failed", code.message(), kCheckSettings};
+  return {"connecting to " + endpoint + " failed", SystemMessage(code), kCheckSettings};
 }
 
 PortError ConnectionLossError(const std::string& endpoint, std::error_code code) {
@@ -104,7 +105,7 @@ PortError ConnectionLossError(const std::string& endpoint, std::error_code code)
   if (code == std::errc::connection_reset || code == std::errc::broken_pipe) {
     return {endpoint + " broke the connection off", "the controller restarted or lost power, or its network did", cure};
   }
-  return {"the connection to " + endpoint + " broke", code.message(), cure};
+  return {"the connection to " + endpoint + " broke", SystemMessage(code), cure};
 }
 
 PortError SerialOpenError(const std::string& port, SerialFault fault, std::error_code code, const std::string& owner) {
@@ -122,13 +123,14 @@ PortError SerialOpenError(const std::string& port, SerialFault fault, std::error
     error.cause = owner + " has the port open";
     error.cure = "close it, then try again";
   } else if (fault == SerialFault::Other) {
-    error.cause = code.message();
+    error.cause = SystemMessage(code);
   }
   return error;
 }
 
 PortError SerialLossError(const std::string& port, std::error_code code) {
-  return {port + " is gone", code ? "the adapter was unplugged (" + code.message() + ")" : "the adapter was unplugged",
+  return {port + " is gone",
+          code ? "the adapter was unplugged (" + SystemMessage(code) + ")" : "the adapter was unplugged",
           "plug it in again, then connect again"};
 }
 

@@ -11,6 +11,8 @@
 #include <setupapi.h>
 #include <devguid.h>
 // clang-format on
+
+#include "base/PathText.h"
 #endif
 
 namespace kv {
@@ -34,25 +36,25 @@ bool ComesBefore(const SerialPortInfo& left, const SerialPortInfo& right) {
 #ifdef _WIN32
 
 std::string TextProperty(HDEVINFO devices, SP_DEVINFO_DATA& device, DWORD property) {
-  char text[256] = {};
-  SetupDiGetDeviceRegistryPropertyA(devices, &device, property, nullptr, reinterpret_cast<BYTE*>(text), sizeof text - 1,
-                                    nullptr);
-  return text;
+  wchar_t text[256] = {};
+  SetupDiGetDeviceRegistryPropertyW(devices, &device, property, nullptr, reinterpret_cast<BYTE*>(text),
+                                    sizeof text - sizeof text[0], nullptr);
+  return Utf8FromPath(text);
 }
 
 std::string PortName(HDEVINFO devices, SP_DEVINFO_DATA& device) {
   const HKEY key = SetupDiOpenDevRegKey(devices, &device, DICS_FLAG_GLOBAL, 0, DIREG_DEV, KEY_READ);
   if (key == INVALID_HANDLE_VALUE) return {};
-  char name[64] = {};
-  DWORD size = sizeof name - 1;
-  RegQueryValueExA(key, "PortName", nullptr, nullptr, reinterpret_cast<BYTE*>(name), &size);
+  wchar_t name[64] = {};
+  DWORD size = sizeof name - sizeof name[0];
+  RegQueryValueExW(key, L"PortName", nullptr, nullptr, reinterpret_cast<BYTE*>(name), &size);
   RegCloseKey(key);
-  return name;
+  return Utf8FromPath(name);
 }
 
 std::vector<SerialPortInfo> FindPorts() {
   std::vector<SerialPortInfo> ports;
-  const HDEVINFO devices = SetupDiGetClassDevsA(&GUID_DEVCLASS_PORTS, nullptr, nullptr, DIGCF_PRESENT);
+  const HDEVINFO devices = SetupDiGetClassDevsW(&GUID_DEVCLASS_PORTS, nullptr, nullptr, DIGCF_PRESENT);
   if (devices == INVALID_HANDLE_VALUE) return ports;
   SP_DEVINFO_DATA device{};
   device.cbSize = sizeof device;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
+#include "base/FilePlatform.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "base/Texts.h"
@@ -72,7 +73,7 @@ bool IsXlsx(const fs::path& file) {
 
 // The library writes to a file of its own; from there the content goes its way as that of the other kind does.
 std::expected<std::string, SheetError> XlsxFile(const fs::path& file, const SheetTable& table) {
-  const fs::path temporary = file.parent_path() / (".sheet-" + Utf8FromPath(file.filename()) + ".tmp");
+  const fs::path temporary = file.parent_path() / (".sheet-" + std::to_string(ProcessNumber()) + ".tmp");
   const ScopeGuard remove([&] {
     std::error_code ignored;
     fs::remove(temporary, ignored);

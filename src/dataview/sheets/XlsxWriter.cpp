@@ -2,6 +2,7 @@
 
 #include <xlsxwriter.h>
 
+#include "base/FilePlatform.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "dataview/sheets/DecimalPoint.h"
@@ -73,7 +74,9 @@ lxw_error FillBook(lxw_workbook* book, const SheetTable& table) {
 
 std::expected<void, std::string> WriteXlsxFile(const std::filesystem::path& file, const SheetTable& table) {
   const DecimalPoint decimalPoint;
-  lxw_workbook* book = workbook_new(Utf8FromPath(file).c_str());
+  const std::string folder = NarrowName(file.has_parent_path() ? file.parent_path() : ".");
+  if (folder.empty()) return std::unexpected("the folder's name has characters that this kind of file does not allow");
+  lxw_workbook* book = workbook_new((folder + "/" + Utf8FromPath(file.filename())).c_str());
   if (book == nullptr) return std::unexpected("there is no memory for it");
   ScopeGuard release([book] { lxw_workbook_free(book); });
   lxw_error error = FillBook(book, table);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <system_error>
 
+#include "base/FilePlatform.h"
 #include "base/PathText.h"
 #include "desktop/console/ConsoleShell.h"
 
@@ -20,7 +21,7 @@ std::expected<void, std::string> ConsoleShell::Open(std::string_view verb, std::
                     arguments.empty() ? nullptr : arguments.c_str(), nullptr, SW_SHOWNORMAL));
   constexpr std::intptr_t kLargestError = 32;
   if (result > kLargestError) return {};
-  const std::string why = std::system_category().message(static_cast<int>(GetLastError()));
+  const std::string why = SystemMessage({static_cast<int>(GetLastError()), std::system_category()});
   return std::unexpected(std::string(file) + " cannot be opened: " + why);
 }
 

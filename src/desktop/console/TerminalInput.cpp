@@ -7,6 +7,8 @@
 
 #ifdef _WIN32
 #include <windows.h>
+
+#include <array>
 #else
 #include <termios.h>
 #include <unistd.h>
@@ -34,12 +36,27 @@ bool IsTerminal() {
   return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
 }
 
-// Reads past the stream, whose buffer would keep the line.
-bool ReadHidden(char* text, std::size_t size, std::size_t& count) {
-  DWORD read = 0;
-  const bool isRead = ReadFile(GetStdHandle(STD_INPUT_HANDLE), text, static_cast<DWORD>(size), &read, nullptr) != 0;
-  count = read;
-  return isRead && read > 0;
+// A line of the console, with its end, in UTF-8. Read past the stream, whose buffer would keep it, and which would give
+// it in the console's code page. Nothing after Ctrl-C and after Ctrl-Z, which ends the input.
+std::optional<std::string> ReadTypedLine() {
+  constexpr wchar_t kEndOfInput = 0x1A;
+  const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+  DWORD count = 0;
+  if (!IsTerminal()) {
+    std::string line(1024, '\0');
+    const BOOL isRead = ReadFile(input, line.data(), static_cast<DWORD>(line.size()), &count, nullptr);
+    line.resize(isRead ? count : 0);
+    return count > 0 ? std::optional(std::move(line)) : std::nullopt;
+  }
+  std::array<wchar_t, 1024> typed{};
+  const BOOL isRead = ReadConsoleW(input, typed.data(), typed.size(), &count, nullptr);
+  if (!isRead || count == 0 || typed.front() == kEndOfInput) return std::nullopt;
+  std::string line(typed.size() * 4, '\0');
+  line.resize(
+      static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, typed.data(), static_cast<int>(count), line.data(),
+                                                   static_cast<int>(line.size()), nullptr, nullptr)));
+  WipeBytes(typed.data(), sizeof typed);
+  return line;
 }
 
 #else
@@ -61,11 +78,13 @@ bool IsTerminal() {
   return isatty(STDIN_FILENO) != 0;
 }
 
-// Reads past the stream, whose buffer would keep the line.
-bool ReadHidden(char* text, std::size_t size, std::size_t& count) {
-  const ssize_t read = ::read(STDIN_FILENO, text, size);
-  count = static_cast<std::size_t>(std::max<ssize_t>(read, 0));
-  return read > 0;
+// A line of the terminal, with its end: it hands out one at a time, however much is asked for. Read past the stream,
+// whose buffer would keep it.
+std::optional<std::string> ReadTypedLine() {
+  std::string line(1024, '\0');
+  const ssize_t count = ::read(STDIN_FILENO, line.data(), line.size());
+  line.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  return count > 0 ? std::optional(std::move(line)) : std::nullopt;
 }
 
 #endif
@@ -78,22 +97,25 @@ bool TerminalInput::IsInteractive() const {
 
 namespace {
 
-// A terminal hands out one line at a time, however much is asked for.
+std::optional<std::string> WithoutEnd(std::optional<std::string> line) {
+  if (line) line->resize(std::min(line->find_first_of("\r\n"), line->size()));
+  return line;
+}
+
 std::optional<std::string> ReadSecret() {
-  constexpr std::size_t kMostBytes = 1024;
   const auto showAgain = HideTyping();
-  std::string line(kMostBytes, '\0');
-  std::size_t count = 0;
-  const bool isRead = ReadHidden(line.data(), line.size(), count);
+  auto line = ReadTypedLine();
   std::cerr << '\n';  // the line end was not shown either
-  line.resize(std::min({count, line.find_first_of("\r\n"), line.size()}));
-  return isRead ? std::optional(std::move(line)) : std::nullopt;
+  return WithoutEnd(std::move(line));
 }
 
 }  // namespace
 
 std::optional<std::string> TerminalInput::ReadLine(bool secret) {
   if (secret) return ReadSecret();
+#ifdef _WIN32
+  if (IsTerminal()) return WithoutEnd(ReadTypedLine());
+#endif
   std::string line;
   const bool read = static_cast<bool>(std::getline(std::cin, line));
   std::cin.clear();

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "base/AnsiText.h"
+#include "base/FilePlatform.h"
 #include "base/Hex.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
@@ -197,7 +198,7 @@ class OnlineSequence {
       return mHost.SetPanelData(Utf8FromPath(copy));
     }
     mHost.StatusMessage("The panel data could not be prepared: " + Utf8FromPath(source) + " could not be copied (" +
-                        error.message() + ").");
+                        SystemMessage(error) + ").");
   }
 
   void Refuse(const std::string& text) {
