@@ -275,7 +275,7 @@ TEST(ViewFiles, TheSeparatorIsAskedForBeforeTheFile) {
   EXPECT_EQ(fixture.prompts.OpenDialogs().back(),
             FileDialog({.title = "Import from CSV", .filter = "*.csv|*.csv", .purpose = "Values"}));
   const auto& saves = fixture.prompts.SaveDialogs();
-  EXPECT_THAT(saves[0].initial, testing::MatchesRegex("Default-K220-22-R1-[0-9]+-[0-9][0-9]-[0-9][0-9]\\.csv"));
+  EXPECT_THAT(saves[0].initial, testing::MatchesRegex("Default-K220-22-R1-\\w+-\\w\\w-\\w\\w\\.csv"));
   EXPECT_THAT(saves[1].initial, testing::EndsWith(".xls"));
   EXPECT_EQ(saves[2], FileDialog({.title = "Save Regions", .filter = "*.axt|*.axt", .purpose = "Regions"}));
 }

@@ -12,6 +12,7 @@
 namespace kv::test {
 namespace {
 
+#ifndef _WIN32
 TEST(RealOs, IsReplacedByTheSecondDownloadWhereTheFirstOneFailed) {
   matrix::RealFixture fixture(Transport::Serial);
   const auto file = fixture.folder.Put("Q58v4712.OSI", SampleOs("Q58", {"4.71", 2}));
@@ -28,9 +29,10 @@ TEST(RealOs, IsReplacedByTheSecondDownloadWhereTheFirstOneFailed) {
   }
   EXPECT_EQ(fixture.Link()->GetVersionInfo(1)->osVersion, "4.71");
 }
+#endif
 
 TEST(RealOs, GoesIntoAnAurexControllerBehindAProject) {
-  for (const Transport transport : {Transport::Tcp, Transport::Serial}) {
+  for (const Transport transport : matrix::kRealLines) {
     matrix::RealFixture fixture(transport);
     const std::filesystem::path folder = fixture.folder.Path() / "Os Aurex" / "K220";
     PutFile(folder / "AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));

@@ -32,8 +32,10 @@ TEST_F(ChangeJournalTest, ShortensWhatALineHasNoRoomFor) {
   const std::string line = LinesOf(Bytes()).back();
   const auto read = ParseRecord(line.substr(0, line.size() - 1));
   ASSERT_TRUE(read);
-  EXPECT_THAT(read->record.reason, testing::MatchesRegex("r{1000}\\.\\.\\. .3000000 bytes, SHA-256 [0-9a-f]{64}."));
-  EXPECT_THAT(read->record.operands.back().operands, testing::MatchesRegex("and [0-9]+ runs of operands more"));
+  EXPECT_THAT(read->record.reason,
+              testing::AllOf(testing::StartsWith(std::string(1000, 'r') + "... "), testing::SizeIs(1000 + 29 + 64),
+                             testing::HasSubstr("3000000 bytes, SHA-256 ")));
+  EXPECT_THAT(read->record.operands.back().operands, testing::MatchesRegex("and \\w+ runs of operands more"));
 }
 
 TEST_F(ChangeJournalTest, LetsEverybodyWriteWhoMayWriteInTheFolder) {

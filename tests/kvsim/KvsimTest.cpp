@@ -1,11 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "KvsimClient.h"
+#include "base/PathText.h"
 #include "download/DownloadFile.h"
 #include "download/OsFileLists.h"
-#include "link/AsciiFrame.h"
-#include "tests/support/ProgramProcess.h"
-#include "tests/support/TemporaryFolder.h"
 
 namespace kvtest {
 namespace {
@@ -13,27 +12,6 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-// The reply's frame, or what came of it.
-std::string Exchange(const Descriptor& client, const std::string& text) {
-  client.Give(kv::BuildFrame(1, text));
-  std::string reply;
-  while (!reply.ends_with('\r')) {
-    const auto byte = client.Take(1);
-    if (byte.empty()) break;
-    reply += byte;
-  }
-  return reply;
-}
-
-Descriptor OpenTerminal(const fs::path& link) {
-  Descriptor terminal(::open(link.c_str(), O_RDWR | O_NOCTTY));
-  termios settings{};
-  ::tcgetattr(terminal.Get(), &settings);
-  ::cfmakeraw(&settings);
-  ::tcsetattr(terminal.Get(), TCSANOW, &settings);
-  return terminal;
-}
 
 struct KvsimTest : testing::Test {
   kv::TemporaryFolder home;
@@ -63,16 +41,17 @@ TEST_F(KvsimTest, ServesSeveralClientsInTurnAndAtOnce) {
 
 // What a fresh installation has, and files for a model and a version of their own, are what the programs take.
 TEST_F(KvsimTest, MakesFilesThatCanBeDownloaded) {
-  const auto make = [this](const std::string& rest) {
-    return std::system(("cd " + folder.string() + " && " KVSIM_PROGRAM " make " + rest + " >/dev/null 2>&1").c_str());
+  const auto make = [this](const char* kind, const std::string& place, std::vector<std::string> arguments = {}) {
+    arguments.insert(arguments.begin(), {"make", kind, (folder / place).string()});
+    return KvsimProcess(std::move(arguments)).End();
   };
-  EXPECT_EQ(make("set ."), 0);
-  EXPECT_EQ(make("project Pump.d50 --model Q50 --name 'Pump 2'"), 0);
-  EXPECT_EQ(make("os . --model K220-32 --version 3.00 --build 7 --remark x"), 0);
-  EXPECT_EQ(make("fonts . --model K330 --version 1.31 --build 2"), 0);
-  EXPECT_NE(make("fonts . --model Q50"), 0);
-  EXPECT_NE(make("os . --model K330 --version 4.6"), 0);
-  EXPECT_NE(make("os missing/folder/ --model K330"), 0);
+  EXPECT_EQ(make("set", "."), 0);
+  EXPECT_EQ(make("project", "Pump.d50", {"--model", "Q50", "--name", "Pump 2"}), 0);
+  EXPECT_EQ(make("os", ".", {"--model", "K220-32", "--version", "3.00", "--build", "7", "--remark", "x"}), 0);
+  EXPECT_EQ(make("fonts", ".", {"--model", "K330", "--version", "1.31", "--build", "2"}), 0);
+  EXPECT_EQ(make("fonts", ".", {"--model", "Q50"}), 2);
+  EXPECT_EQ(make("os", ".", {"--model", "K330", "--version", "4.6"}), 2);
+  EXPECT_EQ(make("os", "missing/folder/", {"--model", "K330"}), 1);
   int files = 0;
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
     if (!entry.is_regular_file()) continue;
@@ -85,50 +64,6 @@ TEST_F(KvsimTest, MakesFilesThatCanBeDownloaded) {
   const kv::ProgramPaths paths(folder);
   EXPECT_EQ(kv::ListAurexOsFiles(paths, "K220-22").os.files.size(), 3u);
   EXPECT_EQ(kv::ListCompactOsFiles(paths, {.kind = kv::CompactKind::PR1}).files.size(), 2u);
-}
-
-TEST_F(KvsimTest, KeepsATerminalForClientsThatComeAndGo) {
-  const auto link = folder / "plc";
-  KvsimProcess kvsim({"--pty", link.string()});
-  EXPECT_THAT(kvsim.ReadyLine(), StartsWith("serving " + link.string() + " (/dev/pts/"));
-  for (int round = 0; round < 3; ++round) {
-    EXPECT_THAT(Exchange(OpenTerminal(link), "ID"), StartsWith("/01IDK220-22-R1|")) << round;
-  }
-  EXPECT_EQ(kvsim.End(SIGINT), 0);
-  EXPECT_FALSE(fs::is_symlink(link));
-}
-
-// The system carries every byte over a pseudo terminal, whatever speed its end is set to: kvsim is deaf by itself.
-TEST_F(KvsimTest, HearsATerminalAtTheSpeedThatItWasToldOnly) {
-  const auto link = folder / "plc";
-  KvsimProcess kvsim({"--pty", link.string(), "--model", "Q51", "--baud", "115200", "--restart-time", "0"});
-  kvsim.ReadyLine();
-  const auto terminal = OpenTerminal(link);
-  constexpr int kSilence = 200;  // milliseconds
-  const auto isHeard = [&terminal](speed_t speed, const std::string& text) {
-    termios settings{};
-    ::tcgetattr(terminal.Get(), &settings);
-    ::cfsetspeed(&settings, speed);
-    ::tcsetattr(terminal.Get(), TCSANOW, &settings);
-    terminal.Give(kv::BuildFrame(1, text));
-    std::string reply;
-    while (!reply.ends_with('\r') && terminal.IsReady(kSilence)) reply += terminal.Take(1);
-    return reply.starts_with("/01") && reply.ends_with('\r');
-  };
-  EXPECT_FALSE(isHeard(B9600, "ID"));
-  EXPECT_TRUE(isHeard(B115200, "CPSR010A"));
-  EXPECT_FALSE(isHeard(B115200, "ID"));
-  EXPECT_TRUE(isHeard(B57600, "CCE"));
-  EXPECT_FALSE(isHeard(B57600, "ID"));
-  EXPECT_TRUE(isHeard(B115200, "ID"));
-}
-
-TEST_F(KvsimTest, PullsTheTerminalFromAClientWhoseLineIsCut) {
-  const auto link = folder / "plc";
-  KvsimProcess kvsim({"--pty", link.string(), "--fault", "lost:nth=1,at=3"});
-  kvsim.ReadyLine();
-  EXPECT_EQ(Exchange(OpenTerminal(link), "ID").find('\r'), std::string::npos);
-  EXPECT_THAT(Exchange(OpenTerminal(link), "ID"), StartsWith("/01IDK220-22-R1|"));
 }
 
 TEST_F(KvsimTest, DialsOutAgainAfterTheConnectionHasEnded) {
@@ -149,7 +84,8 @@ TEST_F(KvsimTest, AnswersAsAModem) {
 }
 
 TEST_F(KvsimTest, KeepsTheControllersMemoryInAFile) {
-  const std::vector<std::string> arguments{"--tcp", "0", "--state", (folder / "plc.state").string()};
+  const std::vector<std::string> arguments{"--tcp", "0", "--state",
+                                           kv::Utf8FromPath(folder / kv::PathFromUtf8("M\u00FChle \u03A9.state"))};
   for (const char* const state : {"R", "S"}) {  // running at first, stopped by the run before
     KvsimProcess kvsim(arguments);
     const auto client = DialLoopback(kvsim.Port());
@@ -180,7 +116,11 @@ TEST_F(KvsimTest, SaysWhatIsWrongWithWhatItWasTold) {
       {{"--tcp", "0", "--baud", "7"}, 2, "300 to 921600"},
       {{"--tcp", otherPort}, 1, "127.0.0.1:" + otherPort},
       {{"--tcp", "0", "--bind", "banana"}, 1, "\"banana\" is not an address"},
+#ifdef _WIN32
+      {{"--pty", "plc"}, 1, "no pseudo terminals: use --tcp"},
+#else
       {{"--pty", notALink}, 1, "not a link to a pseudo terminal"},
+#endif
       {{"--tcp", "0", "--state", notALink}, 1, "file"},
   };
   for (const auto& [arguments, exitCode, complaint] : cases) {

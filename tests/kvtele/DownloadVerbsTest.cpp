@@ -98,11 +98,18 @@ TEST_F(DownloadVerbs, WhatGoesInIsAskedAboutAndReportedAfterwards) {
   EXPECT_THAT(fixture.On("Q51", "download os --list").out, HasSubstr("  * O"));
 }
 
+// Whether commands or block messages went out that change something, in either family.
+bool HasChanges(const std::string& trace) {
+  constexpr const char* kCommands[] = {"CCB", "CCS",  "CCE",  "CCM", "CCR", "FS05", "OSE", "OSC", "OSP",
+                                       "FW",  "CB0A", "CPSR", "WD",  "WO",  "DE",   "LN",  "LD",  "PV"};
+  constexpr const char* kMessages[] = {"project", "program", "download data", "transfer"};
+  const auto block = trace.substr(std::min(trace.find(": block "), trace.size()));
+  return std::ranges::any_of(kCommands, [&](const std::string& each) { return trace.contains("/01" + each); }) ||
+         std::ranges::any_of(kMessages, [&](const char* each) { return block.contains(each); });
+}
+
 // Neither into one that runs its boot loader, nor when everything is consented to beforehand.
 TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
-  // Commands and block messages that change something, in either family.
-  constexpr const char* kChanging =
-      "/01(CC[BSEMR]|FS05|OS[ECP]|FW|CB0A|CPSR|W[DO]|DE|L[ND]|PV)|: block .*(project|program|download data|transfer)";
   const auto isCompactFile = [](const std::string& file) { return file.ends_with(".d50"); };
   std::vector<std::string> files = {"hall.dai", "hall.d50"};
   for (const char* name : {"K220-22-R1", "K220-32", "K330", "Q50", "Q51", "Q58", "PX1", "PR1"}) {
@@ -128,7 +135,7 @@ TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
           const Result sent = fixture.On("'" + name + "'", yes + "project @" + file);
           const bool fits = !boot && model.reported == (isCompactFile(file) ? "Q50-2-R34" : "K220-22-R1");
           EXPECT_EQ(sent.exit == 0, fits) << sent.err;
-          EXPECT_EQ(::testing::Value(sent.trace, ::testing::ContainsRegex(kChanging)), fits) << sent.trace;
+          EXPECT_EQ(HasChanges(sent.trace), fits) << sent.trace;
         }
         const Result result = fixture.On("'" + name + "'", yes + "os --lose-project --lose-values" + given);
         if (result.exit == 0) {
@@ -138,7 +145,7 @@ TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
           continue;
         }
         EXPECT_EQ(result.exit, 4) << result.err;
-        EXPECT_THAT(result.trace, Not(::testing::ContainsRegex(kChanging)));
+        EXPECT_FALSE(HasChanges(result.trace)) << result.trace;
       }
       EXPECT_EQ(done, model.HasColour() ? 0 : 1) << name;
     }

@@ -1,13 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 
-#include <cstdlib>
 #include <random>
-#include <set>
 
 #include "desktop/VirtualPacer.h"
+#include "desktop/console/ConsolePacer.h"
 #include "journal/JournalList.h"
+#include "tests/support/Environment.h"
 #include "tests/support/ProgramProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -27,11 +26,7 @@ struct JournalKill : testing::Test {
 
   JournalKill() {
     std::filesystem::create_directories(home.Path() / "Sessions" / "Default");
-    setenv("XDG_STATE_HOME", home.Path().c_str(), 1);
-  }
-  static unsigned Setting(const char* name, unsigned usual) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? usual : static_cast<unsigned>(std::atoi(value));
+    SetVariable(kUserState, home.Path().string());
   }
   std::unique_ptr<ProgramProcess> Start(Arguments arguments) const {
     arguments.insert(arguments.begin(), {"--home", home.Path().string(), "--link", link, "--yes"});
@@ -44,11 +39,11 @@ struct JournalKill : testing::Test {
   }
   void KillAfter(int milliseconds, Arguments arguments) const {
     const auto program = Start(std::move(arguments));
-    ::poll(nullptr, 0, milliseconds);
+    kv::ConsolePacer().Sleep(std::chrono::milliseconds(milliseconds));
     program->End(SIGKILL);
   }
   [[nodiscard]] kv::JournalPlaces Places() const {
-    return {home.Path() / "Sessions" / "Default", home.Path() / "telepanel" / "journals"};
+    return {home.Path() / "Sessions" / "Default", kv::UserStateFolder()};
   }
   // How the last operation that writes `value` ended; nothing without a record of it.
   [[nodiscard]] std::optional<std::string> RecordOf(const std::string& value) {
@@ -62,12 +57,12 @@ struct JournalKill : testing::Test {
 
 TEST_F(JournalKill, LeavesARecordOfEveryChangeThatWasMade) {
   Output({"clone", "create", clone, "--password", "pw", "--no-stop"});
-  const unsigned seed = Setting("KV_SEED", 1);
+  const unsigned seed = NumberFromEnvironment("KV_SEED", 1);
   std::minstd_rand random(seed);
   constexpr int kLongest = 120;  // ms, which most runs take less than
   int executed = 0;
   int cut = 0;
-  for (unsigned i = 1; i <= Setting("KV_KILLS", 12); ++i) {
+  for (unsigned i = 1; i <= NumberFromEnvironment("KV_KILLS", 12); ++i) {
     SCOPED_TRACE("kill " + std::to_string(i) + ", seed " + std::to_string(seed));
     const int moment = static_cast<int>(random() % kLongest);
     if (i % 4 == 0) {

@@ -8,6 +8,7 @@
 #include "tests/kvtele/CommandFixture.h"
 #include "tests/support/FakeChannel.h"
 #include "tests/support/FakeDriver.h"
+#include "tests/support/FileRights.h"
 
 namespace kv::test {
 namespace {
@@ -31,9 +32,9 @@ TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
 TEST(Password, ComesFromTheEnvironmentOrAFileOfItsOwner) {
   CommandFixture fixture;
   fixture.options.password = "12~4";
-  std::filesystem::permissions(fixture.home.Put("right", "12~4\n"), std::filesystem::perms(0600));
-  std::filesystem::permissions(fixture.home.Put("wrong", "0000"), std::filesystem::perms(0600));
-  std::filesystem::permissions(fixture.home.Put("open", "12~4"), std::filesystem::perms(0640));
+  GiveRights(fixture.home.Put("right", "12~4\n"), Rights::Owners);
+  GiveRights(fixture.home.Put("wrong", "0000"), Rights::Owners);
+  GiveRights(fixture.home.Put("open", "12~4"), Rights::GroupReads);
   const struct {
     const char* environment;
     const char* arguments;

@@ -13,6 +13,13 @@
 
 namespace kv::matrix {
 
+// The lines that a system has.
+#ifdef _WIN32
+inline const std::vector<Transport> kRealLines = {Transport::Tcp};
+#else
+inline const std::vector<Transport> kRealLines = {Transport::Tcp, Transport::Serial};
+#endif
+
 // The driver with its real ports, and kvsim as a program of its own at the other end of a TCP connection or a pseudo
 // terminal. The place stays the same when another kvsim takes it over.
 class RealFixture {

@@ -99,7 +99,7 @@ TEST_P(RealLine, FaultsArePassedOrTold) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Lines, RealLine, testing::Values(Transport::Tcp, Transport::Serial),
+INSTANTIATE_TEST_SUITE_P(Lines, RealLine, testing::ValuesIn(kRealLines),
                          [](const auto& line) { return line.param == Transport::Tcp ? "tcp" : "pty"; });
 
 }  // namespace

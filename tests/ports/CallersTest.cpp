@@ -30,9 +30,8 @@ class Caller {
 
   void Work(Instant now) {
     if (!hasPower) return;
-    char bytes[4096];
-    const auto count = ::recv(mSocket.Get(), bytes, sizeof bytes, MSG_DONTWAIT);
-    if (count > 0) mLine->Write({bytes, static_cast<std::size_t>(count)}, now);
+    const std::string bytes = mSocket.TakeNow();
+    if (!bytes.empty()) mLine->Write(bytes, now);
     const std::string reply = mLine->Read(now);
     if (!reply.empty()) mSocket.Give(reply);
   }

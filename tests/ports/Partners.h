@@ -1,14 +1,20 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#ifdef _WIN32
+#include <winsock2.h>
+#include <ws2tcpip.h>
+#else
 #include <arpa/inet.h>
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <stdlib.h>
 #include <sys/socket.h>
 #include <termios.h>
 #include <unistd.h>
+#endif
 
 #include <cstdint>
 #include <optional>
@@ -24,9 +30,72 @@ namespace kvtest {
 
 constexpr int kLongestMilliseconds = 5000;
 
+// The calls that the platforms spell differently. On Windows a descriptor is always a socket.
+namespace bare {
+#ifdef _WIN32
+using Handle = std::intptr_t;
+inline SOCKET Of(Handle handle) {
+  return static_cast<SOCKET>(handle);
+}
+inline void Close(Handle handle) {
+  closesocket(Of(handle));
+}
+inline bool IsReady(Handle handle, int milliseconds) {
+  WSAPOLLFD entry{};
+  entry.fd = Of(handle);
+  entry.events = POLLRDNORM;
+  return WSAPoll(&entry, 1, milliseconds) > 0;
+}
+inline std::ptrdiff_t Read(Handle handle, char* bytes, std::size_t size) {
+  return recv(Of(handle), bytes, static_cast<int>(size), 0);
+}
+inline std::ptrdiff_t Write(Handle handle, std::string_view bytes) {
+  return send(Of(handle), bytes.data(), static_cast<int>(bytes.size()), 0);
+}
+// Not handed on to programs that the test starts.
+inline Handle OpenSocket() {
+  static const int kStarted = [] {
+    WSADATA facts{};
+    return WSAStartup(MAKEWORD(2, 2), &facts);
+  }();
+  constexpr DWORD kNotInherited = 0x80;
+  return kStarted != 0 ? -1
+                       : static_cast<Handle>(WSASocketW(AF_INET, SOCK_STREAM, IPPROTO_TCP, nullptr, 0, kNotInherited));
+}
+inline void StopWaiting(Handle handle) {
+  u_long isOn = 1;
+  ioctlsocket(Of(handle), FIONBIO, &isOn);
+}
+#else
+using Handle = int;
+inline int Of(Handle handle) {
+  return handle;
+}
+inline void Close(Handle handle) {
+  ::close(handle);
+}
+inline bool IsReady(Handle handle, int milliseconds) {
+  pollfd entry{handle, POLLIN, 0};
+  return ::poll(&entry, 1, milliseconds) > 0;
+}
+inline std::ptrdiff_t Read(Handle handle, char* bytes, std::size_t size) {
+  return ::read(handle, bytes, size);
+}
+inline std::ptrdiff_t Write(Handle handle, std::string_view bytes) {
+  return ::write(handle, bytes.data(), bytes.size());
+}
+inline Handle OpenSocket() {
+  return ::socket(AF_INET, SOCK_STREAM, 0);
+}
+inline void StopWaiting(Handle handle) {
+  ::fcntl(handle, F_SETFL, O_NONBLOCK);
+}
+#endif
+}  // namespace bare
+
 class Descriptor {
  public:
-  explicit Descriptor(int handle = -1) : mHandle(handle) {}
+  explicit Descriptor(bare::Handle handle = -1) : mHandle(handle) {}
   ~Descriptor() { Close(); }
   Descriptor(Descriptor&& other) noexcept : mHandle(std::exchange(other.mHandle, -1)) {}
   Descriptor& operator=(Descriptor&& other) noexcept {
@@ -34,37 +103,38 @@ class Descriptor {
     return *this;
   }
 
-  [[nodiscard]] int Get() const { return mHandle; }
+  [[nodiscard]] bare::Handle Get() const { return mHandle; }
   void Close() {
-    if (mHandle >= 0) ::close(std::exchange(mHandle, -1));
+    if (mHandle >= 0) bare::Close(std::exchange(mHandle, -1));
   }
 
   [[nodiscard]] bool IsReady(int milliseconds = kLongestMilliseconds) const {
-    pollfd entry{mHandle, POLLIN, 0};
-    return ::poll(&entry, 1, milliseconds) > 0;
+    return bare::IsReady(mHandle, milliseconds);
   }
   // At least `count` bytes, or what came until the end or the longest wait.
   [[nodiscard]] std::string Take(std::size_t count) const {
     std::string bytes;
     char chunk[4096];
     while (bytes.size() < count && IsReady()) {
-      const auto received = ::read(mHandle, chunk, sizeof chunk);
+      const auto received = bare::Read(mHandle, chunk, sizeof chunk);
       if (received <= 0) break;
       bytes.append(chunk, static_cast<std::size_t>(received));
     }
     return bytes;
   }
+  // What is there already.
+  [[nodiscard]] std::string TakeNow() const { return IsReady(0) ? Take(1) : std::string(); }
   // Whether the other side has closed it, and not only been silent.
   [[nodiscard]] bool HasEnded() const {
     char byte = 0;
-    return IsReady() && ::read(mHandle, &byte, 1) <= 0;
+    return IsReady() && bare::Read(mHandle, &byte, 1) <= 0;
   }
   bool Give(std::string_view bytes) const {
-    return ::write(mHandle, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+    return bare::Write(mHandle, bytes) == static_cast<std::ptrdiff_t>(bytes.size());
   }
 
  private:
-  int mHandle;
+  bare::Handle mHandle;
 };
 
 inline sockaddr_in Loopback(std::uint16_t port) {
@@ -78,17 +148,18 @@ inline sockaddr_in Loopback(std::uint16_t port) {
 // A listening socket on a free port of this machine.
 class Listener {
  public:
-  explicit Listener(int backlog = 5) : mSocket(::socket(AF_INET, SOCK_STREAM, 0)) {
+  explicit Listener(int backlog = 5) : mSocket(bare::OpenSocket()) {
     auto address = Loopback(0);
     socklen_t size = sizeof address;
-    ::bind(mSocket.Get(), reinterpret_cast<sockaddr*>(&address), size);
-    ::listen(mSocket.Get(), backlog);
-    ::getsockname(mSocket.Get(), reinterpret_cast<sockaddr*>(&address), &size);
+    ::bind(bare::Of(mSocket.Get()), reinterpret_cast<sockaddr*>(&address), size);
+    ::listen(bare::Of(mSocket.Get()), backlog);
+    ::getsockname(bare::Of(mSocket.Get()), reinterpret_cast<sockaddr*>(&address), &size);
     mPort = ntohs(address.sin_port);
   }
   [[nodiscard]] std::uint16_t Port() const { return mPort; }
   [[nodiscard]] Descriptor Accept() const {
-    return Descriptor(mSocket.IsReady() ? ::accept(mSocket.Get(), nullptr, nullptr) : -1);
+    if (!mSocket.IsReady()) return Descriptor();
+    return Descriptor(static_cast<bare::Handle>(::accept(bare::Of(mSocket.Get()), nullptr, nullptr)));
   }
   void Close() { mSocket.Close(); }
 
@@ -103,19 +174,29 @@ inline std::uint16_t FreePort() {
 
 // A connection to a local port; not open (Get() below 0) when it was refused.
 inline Descriptor DialLoopback(std::uint16_t port) {
-  Descriptor socket(::socket(AF_INET, SOCK_STREAM, 0));
+  Descriptor socket(bare::OpenSocket());
   const auto address = Loopback(port);
-  const bool isGood = ::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  return isGood ? std::move(socket) : Descriptor();
+  const auto* place = reinterpret_cast<const sockaddr*>(&address);
+  return ::connect(bare::Of(socket.Get()), place, sizeof address) == 0 ? std::move(socket) : Descriptor();
+}
+
+// One that is dialled, whether anybody answers or not.
+inline Descriptor BeginDialling(std::uint16_t port) {
+  Descriptor socket(bare::OpenSocket());
+  bare::StopWaiting(socket.Get());
+  const auto address = Loopback(port);
+  ::connect(bare::Of(socket.Get()), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  return socket;
 }
 
 // Closes a connection the hard way: the other side sees a reset.
 inline void Reset(Descriptor& socket) {
   const linger hard{1, 0};
-  ::setsockopt(socket.Get(), SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+  ::setsockopt(bare::Of(socket.Get()), SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&hard), sizeof hard);
   socket.Close();
 }
 
+#ifndef _WIN32
 // The near end of a pseudo terminal; the far end is the serial port under test.
 struct Pty {
   Descriptor near{::posix_openpt(O_RDWR | O_NOCTTY)};
@@ -127,6 +208,7 @@ struct Pty {
     name = ::ptsname(near.Get());
   }
 };
+#endif
 
 // The partner of a port in this process.
 struct Partner {

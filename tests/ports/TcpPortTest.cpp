@@ -54,12 +54,7 @@ TEST_F(TcpPortTest, SaysWhyItDoesNotConnect) {
 TEST_F(TcpPortTest, GivesUpAtTheLimitAndWhenItIsStopped) {
   Listener full(0);  // takes one connection into its queue and is silent to the others
   std::vector<Descriptor> queue;
-  for (int i = 0; i < 2; ++i) {
-    Descriptor waiting(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
-    const auto address = kvtest::Loopback(full.Port());
-    ::connect(waiting.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    queue.push_back(std::move(waiting));
-  }
+  for (int i = 0; i < 2; ++i) queue.push_back(kvtest::BeginDialling(full.Port()));
   int turns = 0;
   WorkingPacer painting;
   painting.onTurn = [&turns](Instant) { ++turns; };

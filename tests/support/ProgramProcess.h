@@ -1,10 +1,14 @@
 #pragma once
 
+#ifdef _WIN32
+#include "tests/support/ProgramProcessWindows.h"
+#else
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <string>
 #include <utility>
@@ -13,6 +17,8 @@
 #include "tests/ports/Partners.h"
 
 namespace kvtest {
+
+#ifndef _WIN32
 
 // A program that runs as a process of its own. It is ended in any case.
 class ProgramProcess {
@@ -78,6 +84,7 @@ class ProgramProcess {
   std::string mOutput;
   std::string mComplaint;
 };
+#endif
 
 #ifdef KVSIM_PROGRAM
 class KvsimProcess : public ProgramProcess {
