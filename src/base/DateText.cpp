@@ -16,4 +16,10 @@ std::string TimeOfDayText(std::chrono::local_seconds time) {
          PaddedInteger(clock.seconds().count(), 2);
 }
 
+std::string UtcOffsetText(std::chrono::minutes offset) {
+  const auto distance = std::chrono::abs(offset).count();
+  return (offset < std::chrono::minutes{0} ? "-" : "+") + PaddedInteger(distance / 60, 2) + ":" +
+         PaddedInteger(distance % 60, 2);
+}
+
 }  // namespace kv

@@ -16,13 +16,11 @@
 #include "download/DownloadOutcome.h"
 #include "download/DownloadWindow.h"
 #include "download/FoundController.h"
+#include "link/BlockRefusal.h"
 #include "link/Channel.h"
 #include "link/ErrorMeaning.h"
 
 namespace kv {
-
-// What the status code of a block message says; nothing for those of a message that was taken.
-[[nodiscard]] std::optional<LinkError> RefusalOf(int status);
 
 // What the steps of a download have in common: where they work, how they fail, stops, and what the controller
 // is left as at each moment.

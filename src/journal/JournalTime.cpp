@@ -10,10 +10,8 @@ using namespace std::chrono;
 std::string JournalTime(const WallClock& clock) {
   const auto moment = floor<milliseconds>(clock.LocalMoment());
   const auto second = floor<seconds>(moment);
-  const minutes offset = clock.UtcOffset();
-  const auto distance = abs(offset).count();
   return DateText(second) + "T" + TimeOfDayText(second) + "." + PaddedInteger((moment - second).count(), 3) +
-         (offset < minutes{0} ? "-" : "+") + PaddedInteger(distance / 60, 2) + ":" + PaddedInteger(distance % 60, 2);
+         UtcOffsetText(clock.UtcOffset());
 }
 
 std::optional<sys_time<milliseconds>> ParseJournalTime(std::string_view text) {
