@@ -124,6 +124,7 @@ class ChannelImpl final : public Channel {
     std::uint8_t unit;
     bool isEvent = false;
     std::optional<unsigned> onlyOn{};
+    std::optional<Instant> notAfter{};
   };
   [[nodiscard]] std::optional<PanelTextReply> AskPanel(const PanelRequest& request);
   // The data of a reply did not keep to what they have to be.
@@ -131,7 +132,18 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] std::optional<PanelLinkCost> PanelCost(std::uint8_t unit);
   [[nodiscard]] unsigned ConnectionNumber() const { return mLine.ConnectionNumber(); }
 
+  // What is fetched in pieces, smaller ones while the line is bad.
+  [[nodiscard]] std::uint32_t BlockPiece() const { return mBlockPiece.Size(); }
+  [[nodiscard]] Instant EndOfPieces(std::uint32_t length, std::uint8_t unit) const {
+    return mPacer.Now() + mClient.RestartRest(unit) + Longest(1, std::size_t{length} + 100);
+  }
+  // After a piece of so many bytes has come, or not. False: there is no use in asking for a smaller one.
+  [[nodiscard]] bool NoteBlockPiece(bool hasCome, std::uint32_t count, Instant notAfter) {
+    return NotePiece(mBlockPiece, hasCome, count, notAfter);
+  }
+
  private:
+  [[nodiscard]] bool NotePiece(PieceSize& piece, bool hasCome, std::uint32_t count, Instant notAfter) const;
   [[nodiscard]] std::optional<PanelTextReply> AskPanelInText(const PanelRequest& request);
   [[nodiscard]] std::optional<PanelTextReply> AskPanelInBlock(const PanelRequest& request);
   // What is being done, in words, made only when an error needs it: "reading MI 0..59 from unit 1".

@@ -38,21 +38,23 @@ std::optional<Bytes> ChannelImpl::ReadMemoryBlock(std::uint32_t address, std::ui
   Bytes bytes(length);
   for (std::uint32_t done = 0; done < length;) {
     const std::uint32_t count = std::min(piece.Size(), length - done);
-    if (ReadPiece(isAsciiOnly, address + done, std::span(bytes).subspan(done, count), unit, notAfter)) {
-      if (mClient.LastWasSmooth()) {
-        piece.Good();
-      } else {
-        piece.Damaged();
-      }
-      done += count;
-    } else {
-      const bool isWorthSmaller = mError.code == LinkErrorCode::Damaged && count > PieceSize::kSmallest;
-      if (!isWorthSmaller || mPacer.Now() >= notAfter) return std::nullopt;
-      piece.Damaged();
-    }
+    const bool hasCome = ReadPiece(isAsciiOnly, address + done, std::span(bytes).subspan(done, count), unit, notAfter);
+    if (!NotePiece(piece, hasCome, count, notAfter)) return std::nullopt;
+    if (hasCome) done += count;
   }
   Succeed();
   return bytes;
+}
+
+bool ChannelImpl::NotePiece(PieceSize& piece, bool hasCome, std::uint32_t count, Instant notAfter) const {
+  const bool isWorthSmaller = mError.code == LinkErrorCode::Damaged && count > PieceSize::kSmallest;
+  if (!hasCome && (!isWorthSmaller || mPacer.Now() >= notAfter)) return false;
+  if (hasCome && mClient.LastWasSmooth()) {
+    piece.Good();
+  } else {
+    piece.Damaged();
+  }
+  return true;
 }
 
 bool ChannelImpl::ReadPiece(bool isAsciiOnly, std::uint32_t address, std::span<std::uint8_t> bytes, std::uint8_t unit,

@@ -52,7 +52,7 @@ std::optional<PanelTextReply> ChannelImpl::AskPanelInBlock(const PanelRequest& r
                                         .fields = request.fields,
                                         .payload = request.data,
                                         .replyPayload = request.longestReply,
-                                        .notAfter = std::nullopt,
+                                        .notAfter = request.notAfter,
                                         .onlyOn = request.onlyOn});
   if (!reply) {
     Fail(reply.error(), doing());

@@ -140,21 +140,35 @@ std::optional<PanelDirectory> PanelLinkImpl::Directory(PanelResourceKind kind, s
 
 std::optional<Bytes> PanelLinkImpl::ReadPiece(PanelResourceKind kind, std::uint16_t id, std::uint32_t offset,
                                               std::uint32_t length, std::uint8_t unit) {
-  const std::string doing = "reading one of the " + std::string(NounOf(kind)) + " of";
+  const Instant notAfter = mChannel.EndOfPieces(length, unit);
+  Bytes bytes;
+  do {
+    const auto done = static_cast<std::uint32_t>(bytes.size());
+    const std::uint32_t count = std::min(mChannel.BlockPiece(), length - done);
+    const auto piece = AskPiece({kind, id, offset + done, count}, unit, notAfter);
+    if (!mChannel.NoteBlockPiece(piece.has_value(), count, notAfter)) return std::nullopt;
+    if (piece) bytes.insert(bytes.end(), piece->begin(), piece->end());
+  } while (bytes.size() < length);
+  return bytes;
+}
+
+std::optional<std::string> PanelLinkImpl::AskPiece(const Piece& piece, std::uint8_t unit, Instant notAfter) {
+  const std::string doing = "reading one of the " + std::string(NounOf(piece.kind)) + " of";
   return Ask(mChannel,
              {.letters = {},
               .fields = {.opCode = kResourcePiece,
-                         .param1 = offset,
-                         .dataLength = length,
-                         .param3 = static_cast<std::uint16_t>(kind),
-                         .param4 = id},
+                         .param1 = piece.offset,
+                         .dataLength = piece.length,
+                         .param3 = static_cast<std::uint16_t>(piece.kind),
+                         .param4 = piece.id},
               .data = {},
-              .longestReply = length,
+              .longestReply = piece.length,
               .doing = doing,
-              .unit = unit},
-             [length](const PanelTextReply& reply) -> std::optional<Bytes> {
+              .unit = unit,
+              .notAfter = notAfter},
+             [length = piece.length](const PanelTextReply& reply) -> std::optional<std::string> {
                if (reply.data.size() != length || length < 1 || length > kMostMemoryPerRead) return std::nullopt;
-               return Bytes(reply.data.begin(), reply.data.end());
+               return reply.data;
              });
 }
 

@@ -23,6 +23,14 @@ class PanelLinkImpl final : public PanelLink {
   [[nodiscard]] const LinkError& LastError() const override;
 
  private:
+  struct Piece {
+    PanelResourceKind kind;
+    std::uint16_t id;
+    std::uint32_t offset;
+    std::uint32_t length;
+  };
+  [[nodiscard]] std::optional<std::string> AskPiece(const Piece& piece, std::uint8_t unit, Instant notAfter);
+
   ChannelImpl& mChannel;
 };
 
