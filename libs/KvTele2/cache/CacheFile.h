@@ -37,6 +37,10 @@ struct CacheOwner {
   }
 };
 
+// Whether a font or image of which `had` is known has the bytes that `wanted` names: a CRC-32 alone can be that of
+// other bytes.
+[[nodiscard]] bool HasBytesOf(const PanelResource& had, const PanelResource& wanted);
+
 // A font or image as the controller's directory names it, with its bytes: as many as that says, with that CRC-32.
 struct CachedResource {
   PanelResource entry{};

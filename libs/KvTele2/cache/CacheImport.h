@@ -1,16 +1,20 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <expected>
-#include <filesystem>
-#include <optional>
+#include <map>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "KvTele2/cache/CacheFile.h"
+#include "KvTele2/cache/CacheImportOrder.h"
 #include "KvTele2/cache/CacheOutcome.h"
-#include "base/FileState.h"
+#include "KvTele2/cache/ImportTarget.h"
+#include "KvTele2/cache/ResourceReader.h"
 #include "desktop/Pacer.h"
 #include "desktop/RemainingTime.h"
 #include "desktop/WallClock.h"
@@ -33,15 +37,6 @@ enum class CacheStepState {
   Failed,  // stopped, too
 };
 
-struct CacheImportOrder {
-  std::filesystem::path file{};         // that is made or renewed
-  std::filesystem::path workingFile{};  // "tmpfile.ktc" of the session
-  std::filesystem::path emptyCache{};   // that the working file begins as: "TP_Temp_1" of the program
-  bool fonts = true;
-  bool images = true;
-  bool readsAll = false;  // also what the file holds already
-};
-
 // What one step has to do.
 struct CacheStepPlan {
   std::size_t count = 0;  // in the controller
@@ -59,6 +54,8 @@ struct CacheImportPlan {
   // as its default before Run. Empty: nothing would be lost.
   std::string question{};
   bool isUpdate = false;  // the file is a cache of this controller
+
+  [[nodiscard]] std::uint64_t BytesToRead() const { return fonts.bytesToRead + images.bytesToRead; }
 };
 
 // How far a step is. Bytes are those that are read in this step.
@@ -93,15 +90,15 @@ class CacheImportWindow {
 //   made -> Prepare -> prepared -> Run -> over       Prepare may be called again after it has failed
 //
 // Prepare sends nothing but reads and writes no file. Run shows SYSTEM mode on the controller's display for as long as
-// it reads; however it ends, the display is out of it again, or a warning says why it may not be. The chosen file is
-// replaced in one step at the very end, when all of it is known to be one controller's; until then, and after every
-// failure and a stop, it is as it was. Only the working file is written before.
+// it reads (not at all where the plan has nothing to read); however it ends, the display is out of it again, or a
+// warning says why it may not be. The chosen file is replaced in one step at the very end, when all of it is known to
+// be one controller's; until then, and after every failure and a stop, it is as it was. Only the working file is
+// written before.
 //
 // Made at the moment in which the user has chosen the name, and so consented to renew what stood there then.
 class CacheImport {
  public:
   CacheImport(CacheImportOrder order, Pacer& pacer, const WallClock& clock, CacheImportWindow& window);
-  ~CacheImport();
   CacheImport(const CacheImport&) = delete;
   CacheImport& operator=(const CacheImport&) = delete;
 
@@ -117,16 +114,49 @@ class CacheImport {
   [[nodiscard]] const CacheContent& Content() const { return mContent; }
   // What is worth knowing beside how it ended, a sentence each.
   [[nodiscard]] const std::vector<std::string>& Warnings() const { return mWarnings; }
+  // The file's name for people, without its folder.
+  [[nodiscard]] std::string Name() const { return mTarget.Name(); }
 
  private:
   using Step = std::expected<void, CacheOutcome>;
+  using Key = std::pair<PanelResourceKind, std::uint16_t>;
+
+  [[nodiscard]] std::expected<CacheImportPlan, CacheOutcome> MakePlan(Channel* link);
+  [[nodiscard]] std::expected<CacheStepPlan, CacheOutcome> PlanStep(ResourceReader& reader, CacheStep step) const;
+  void Keep(ImportTarget::Before before);
+  [[nodiscard]] const CachedResource* Known(CacheStep step, const PanelResource& entry) const;
+  [[nodiscard]] CacheOutcome WithText(CacheOutcome outcome) const;
+
+  [[nodiscard]] Step Import(Channel& link);
+  [[nodiscard]] Step ReadInSystemMode(Channel& link);
+  [[nodiscard]] Step ReadAll(ResourceReader& reader);
+  // False: what was read is not what the directory names.
+  [[nodiscard]] std::expected<bool, CacheOutcome> ReadStep(ResourceReader& reader, CacheStep step);
+  [[nodiscard]] std::expected<bool, CacheOutcome> ReadPart(ResourceReader& reader, CacheStep step);
+  [[nodiscard]] std::expected<bool, CacheOutcome> ReadOne(ResourceReader& reader, CacheProgress& progress,
+                                                          const PanelResource& entry);
+  [[nodiscard]] std::expected<bool, CacheOutcome> IsStillSo(ResourceReader& reader);
+  void NoteResults();
+  [[nodiscard]] std::string Moment() const;
 
   CacheImportOrder mOrder;
   Pacer& mPacer;
   const WallClock& mClock;
   CacheImportWindow& mWindow;
-  std::vector<CacheResult> mResults;
+  ImportTarget mTarget;
+
+  CacheOwner mController;
+  std::map<Key, CachedResource> mKnown;  // that need not be read: of the file before, or read already
   CacheContent mContent;
+  std::map<CacheStep, std::uint32_t> mChecks;  // of the directories that the content was read by
+  std::set<Key> mRead;
+  std::string mMisfit;  // what was not as its directory said, last
+
+  RemainingTime mRemaining;
+  std::uint64_t mDone = 0;  // bytes of both steps
+  std::uint64_t mTotal = 0;
+
+  std::vector<CacheResult> mResults;
   std::vector<std::string> mWarnings;
 };
 

@@ -1,0 +1,174 @@
+#include "KvTele2/cache/ImportTarget.h"
+
+#include <utility>
+
+#include "base/AnsiText.h"
+#include "base/FilePlatform.h"
+#include "base/FileToReplace.h"
+#include "base/PathText.h"
+
+namespace kv::cache {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Step = std::expected<void, CacheOutcome>;
+
+std::unexpected<CacheOutcome> FileFailure(const fs::path& file, std::string what) {
+  return std::unexpected(CacheOutcome::OfFile({.file = Utf8FromPath(file), .place = {}, .what = std::move(what)}));
+}
+
+std::string ControllerText(const CacheOwner& owner) {
+  return AnsiToUtf8(owner.version.model) + ", serial number " + std::to_string(owner.serialNumber);
+}
+
+// Also one that is write-protected.
+void Remove(const fs::path& file) {
+  std::error_code ignored;
+  fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, ignored);
+  fs::remove(file, ignored);
+}
+
+// "plant.ktc.1234.part": beside the file, for a rename works only there.
+fs::path NameBeside(const fs::path& file) {
+  fs::path name = file;
+  name += "." + std::to_string(ProcessNumber()) + ".part";
+  return name;
+}
+
+std::string CannotBeWritten(const std::error_code& error) {
+  return "it cannot be written (" + error.message() +
+         "); check that its folder exists, may be written to and has "
+         "room, or choose another place";
+}
+
+}  // namespace
+
+ImportTarget::ImportTarget(const CacheImportOrder& order) : mOrder(order), mFile(order.file) {
+  if (auto behind = BehindLinks(order.file)) {
+    mFile = *std::move(behind);
+  } else {
+    mLinkError = behind.error();
+  }
+  mBefore = FileStateOf(mFile);
+}
+
+std::string ImportTarget::Name() const {
+  return Utf8FromPath(mOrder.file.filename());
+}
+
+std::expected<ImportTarget::Before, CacheOutcome> ImportTarget::Look(const CacheOwner& controller) const {
+  if (mLinkError) return FileFailure(mOrder.file, "the link of this name leads nowhere (" + mLinkError.message() + ")");
+  if (std::string why = WhyNotReplaceable(mFile); !why.empty()) return FileFailure(mFile, std::move(why));
+  Before before;
+  auto content = ReadCacheFile(mFile);
+  if (!content) {
+    const CacheFault fault = content.error().fault;
+    if (fault == CacheFault::Missing) return before;
+    if (fault == CacheFault::Unreadable) return std::unexpected(CacheOutcome::OfFile(content.error().file));
+    before.question = QuestionOf(content.error(), controller);
+    if (content.error().CanBeRepaired()) before.salvage = SalvageCacheFile(mFile);
+  } else if (content->owner && content->owner->IsController(controller)) {
+    before.ours = *std::move(content);
+  } else if (content->owner) {
+    before.question = Utf8FromPath(mFile) + " holds the fonts and images of another controller (" +
+                      ControllerText(*content->owner) + ", saved " + AnsiToUtf8(content->savedAt) +
+                      "). Replace them with those of this one (" + ControllerText(controller) + ")?";
+  }
+  return before;
+}
+
+std::string ImportTarget::QuestionOf(const CacheError& error, const CacheOwner& controller) const {
+  const std::string name = Utf8FromPath(mFile);
+  if (error.CanBeRepaired()) {
+    std::string question = name + " is damaged. Repair it with the fonts and images of this controller (" +
+                           ControllerText(controller) +
+                           ")? What of it is whole, and still as in the controller, is kept; all else is read again.";
+    if (!mOrder.fonts) question += " Its fonts are lost, for they are not imported now.";
+    if (!mOrder.images) question += " Its images are lost, for they are not imported now.";
+    return question;
+  }
+  const std::string what = error.fault == CacheFault::Newer
+                               ? " was made by a newer version of this program, which this one cannot read."
+                               : " is no colour cache file.";
+  return name + what + " Replace it with the fonts and images of this controller (" + ControllerText(controller) +
+         ")? What is in it is lost.";
+}
+
+Step ImportTarget::Begin() const {
+  if (auto made = MakeWorkingFile(); !made) return made;
+  return TryFolder();
+}
+
+// Its attributes are those of any new file, whatever the installed one has.
+Step ImportTarget::MakeWorkingFile() const {
+  if (mOrder.workingFile.empty()) return {};
+  const auto empty = CacheBytes({});
+  if (!empty) return FileFailure(mOrder.workingFile, "it cannot be made: " + empty.error());
+  std::string bytes = *empty;
+  std::error_code error;
+  if (fs::exists(mOrder.emptyCache, error)) {
+    auto shipped = ReadWholeFile(mOrder.emptyCache, kMostCacheBytes);
+    if (!shipped) return std::unexpected(CacheOutcome::OfFile(shipped.error()));
+    if (ParseCache(*shipped, {}).value_or(CacheContent{.savedAt = "?"}) != CacheContent{}) {
+      return FileFailure(mOrder.emptyCache,
+                         "it is not the empty cache file that is installed with the program; "
+                         "install the program again");
+    }
+    bytes = *std::move(shipped);
+  }
+  Remove(mOrder.workingFile);
+  error = WriteNewFile(mOrder.workingFile, {}, bytes);
+  return error ? Step(FileFailure(mOrder.workingFile, CannotBeWritten(error))) : Step();
+}
+
+// Better known now than when minutes have been spent on reading.
+Step ImportTarget::TryFolder() const {
+  const fs::path beside = NameBeside(mFile);
+  Remove(beside);
+  const std::error_code error = WriteNewFile(beside, {}, "-");
+  if (error) return FileFailure(mFile, CannotBeWritten(error));
+  Remove(beside);
+  return {};
+}
+
+Step ImportTarget::Take(const CacheContent& content) const {
+  const auto bytes = CacheBytes(content);
+  if (!bytes) return FileFailure(mFile, "it cannot be made: " + bytes.error());
+  if (!mOrder.workingFile.empty()) {
+    if (const auto saved = SaveAtomically(mOrder.workingFile, *bytes); !saved) {
+      return std::unexpected(CacheOutcome::OfFile(saved.error()));
+    }
+    const auto again = ReadCacheFile(mOrder.workingFile);
+    if (!again || *again != content) {
+      return FileFailure(mOrder.workingFile, "it was read back and is damaged; check the disk and import again");
+    }
+  }
+  return Replace(*bytes);
+}
+
+// Replaces what the user consented to replace, and nothing else.
+Step ImportTarget::Replace(const std::string& bytes) const {
+  const auto now = FileStateOf(mFile);
+  const auto meanwhile = [&] {
+    return FileFailure(mFile,
+                       "somebody else has put another file there meanwhile, which was left as it is; import "
+                       "again, or choose another name");
+  };
+  if (now != mBefore) return meanwhile();
+  if (now) {
+    const auto saved = SaveAtomically(mFile, bytes);
+    return saved ? Step() : Step(std::unexpected(CacheOutcome::OfFile(saved.error())));
+  }
+  const fs::path beside = NameBeside(mFile);
+  Remove(beside);
+  std::error_code error = WriteNewFile(beside, {}, bytes);
+  if (!error) error = MoveToFreeName(mFile, beside);
+  if (!error) return {};
+  Remove(beside);
+  if (error == std::errc::file_exists) return meanwhile();
+  return FileFailure(mFile, CannotBeWritten(error));
+}
+
+}  // namespace kv::cache
