@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "KvTele2/cache/CacheScreen.h"
 #include "base/AnsiText.h"
 #include "base/Crc32.h"
 #include "link/ErrorMeaning.h"
@@ -14,8 +15,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr Duration kSlice = 50ms;                // Ctrl-C is noticed between two slices
-constexpr std::uint32_t kMostBytes = 8'388'608;  // of one font or image
+constexpr Duration kSlice = 50ms;  // Ctrl-C is noticed between two slices
 
 constexpr const char* kReading = "reading the screen";
 
@@ -80,6 +80,17 @@ Failure TerminalPanel::WhyNot() const {
   return {ExitCode::Failed, "badReply", kReading, state.reason, {}, "keep the trace for an error report"};
 }
 
+OrFailure<bool> TerminalPanel::TakeFromCache() {
+  if (!mCache || mTakenFor == Model().Panel()) return true;
+  const auto fit = cache::TakeFromCache(mCache->content, mController.Version().model, Model().Panel(), mLink,
+                                        mController.Unit(), mResources);
+  if (!fit) return std::unexpected(LinkFailure(fit.error(), true));
+  mTakenFor = Model().Panel();
+  mSession.Redraw();
+  if (const std::string text = FitText(*fit, mCache->name); !text.empty()) mEnvironment.err << text << "\n";
+  return !fit->isOtherModel;
+}
+
 OrFailure<void> TerminalPanel::FetchMissing() {
   for (const PanelResourceKind kind : {PanelResourceKind::Font, PanelResourceKind::Image}) {
     if (const auto fetched = Fetch(kind); !fetched) return std::unexpected(fetched.error());
@@ -105,8 +116,8 @@ OrFailure<void> TerminalPanel::Fetch(PanelResourceKind kind) {
 
 OrFailure<void> TerminalPanel::Fetch(const panel::Drawing::Missing& missing, const PanelResource& entry) {
   const std::string name = mResources.NameOf(missing.kind, missing.id);
-  if (entry.length > kMostBytes) {
-    mEnvironment.err << name << " is left out: it is larger than 8 MB.\n";
+  if (entry.length > cache::kMostResourceBytes) {
+    mEnvironment.err << name << " is left out: it is larger than 16 MB.\n";
     return {};
   }
   std::string bytes;

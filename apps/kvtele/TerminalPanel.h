@@ -1,8 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "KvTele2/panel/PanelSession.h"
+#include "apps/kvtele/CacheActions.h"
 #include "apps/kvtele/ConnectedController.h"
 
 namespace kv::cli {
@@ -24,6 +27,11 @@ class TerminalPanel {
   [[nodiscard]] OrFailure<void> Follow(Duration span);
   // One request or one wait, at most until `until`; true: there was a request.
   [[nodiscard]] OrFailure<bool> Go(Instant until);
+  // From now on takes fonts and images from this cache, as far as they are still the controller's own.
+  void UseCache(ChosenCache cache) { mCache = std::move(cache); }
+  // Takes them, also anew where the controller has got others since; says which are missing. False: the cache is of
+  // another model.
+  [[nodiscard]] OrFailure<bool> TakeFromCache();
   // Takes fonts and images that the screen needs from the controller itself. Those that are of no use are told.
   [[nodiscard]] OrFailure<void> FetchMissing();
 
@@ -41,6 +49,8 @@ class TerminalPanel {
   PanelLink& mLink;
   panel::ScreenResources mResources;
   panel::PanelSession mSession;
+  std::optional<ChosenCache> mCache;
+  std::optional<PanelDescription> mTakenFor;  // the panel that the cache was compared with
 };
 
 }  // namespace kv::cli

@@ -39,15 +39,16 @@ class Verb {
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbStop();  // in VerbRunStop.cpp
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbScreen();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbPress();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbCache();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbJournal();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbSessions();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbPorts();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbReport();
 
 // All of them, in the order in which --help lists them.
-inline constexpr std::array kVerbMakers = {MakeVerbIdentify, MakeVerbOnline,   MakeVerbRead,   MakeVerbWrite,
-                                           MakeVerbRegions,  MakeVerbWatch,    MakeVerbClone,  MakeVerbDownload,
-                                           MakeVerbRun,      MakeVerbStop,     MakeVerbScreen, MakeVerbPress,
-                                           MakeVerbJournal,  MakeVerbSessions, MakeVerbPorts,  MakeVerbReport};
+inline constexpr std::array kVerbMakers = {
+    MakeVerbIdentify, MakeVerbOnline,   MakeVerbRead,     MakeVerbWrite, MakeVerbRegions, MakeVerbWatch,
+    MakeVerbClone,    MakeVerbDownload, MakeVerbRun,      MakeVerbStop,  MakeVerbScreen,  MakeVerbPress,
+    MakeVerbCache,    MakeVerbJournal,  MakeVerbSessions, MakeVerbPorts, MakeVerbReport};
 
 }  // namespace kv::cli

@@ -33,6 +33,7 @@ class VerbScreen : public Verb {
   [[nodiscard]] OrFailure<void> FetchOrTell(Environment& environment, TerminalPanel& panel) const;
 
   std::string mPng;
+  std::string mCache;
   bool mText = false;
   bool mFetch = false;
   bool mWatch = false;
@@ -48,12 +49,17 @@ const char* VerbScreen::Examples() const {
          "  kvtele --link sim:K220-22-R1 screen --text            its text alone\n"
          "  kvtele --link sim:K670 screen --png now.png --fetch\n"
          "                                                        a picture, with the controller's fonts and images\n"
+         "  kvtele --link sim:K670 screen --png now.png --cache plant.ktc\n"
+         "                                                        the same from a cache: quick on a slow line\n"
          "  kvtele --link tcp:192.168.1.20 screen --watch         each screen as it comes, until Ctrl-C\n";
 }
 
 void VerbScreen::Declare(CLI::App& app) {
   app.add_option("--png", mPng, "Draw the screen into this file, in place of printing it")->type_name("FILE");
   app.add_flag("--text", mText, "Print the texts alone, also beside a picture");
+  app.add_option("--cache", mCache,
+                 "Take fonts and images from this cache file. Default: the session's most recent one")
+      ->type_name("FILE.ktc");
   app.add_flag("--fetch", mFetch, "Read fonts and images that the picture needs from the controller");
   auto* watch = app.add_flag("--watch", mWatch, "Do it anew each time that the screen changes");
   app.add_option("--count", mCount, "End after so many screens")
@@ -122,8 +128,14 @@ nlohmann::ordered_json ScreenJson(TerminalPanel& panel) {
   return json;
 }
 
-// Without a cache of fonts and images they come from the controller, or are drawn as framed places.
+// What the cache does not have comes from the controller, or is drawn as framed places.
 OrFailure<void> VerbScreen::FetchOrTell(Environment& environment, TerminalPanel& panel) const {
+  const auto taken = panel.TakeFromCache();
+  if (!taken) return std::unexpected(taken.error());
+  if (!*taken && !mCache.empty()) {
+    return std::unexpected(NotFitFailure("drawing with " + mCache, "the cache is of another model", {},
+                                         "import the fonts and images of this controller: kvtele cache import"));
+  }
   if (mPng.empty()) return {};
   if (mFetch) return panel.FetchMissing();
   const std::size_t missing = panel.Session().MissingResources().size();
@@ -188,10 +200,14 @@ OrFailure<void> VerbScreen::Watch(Environment& environment, TerminalPanel& panel
 }
 
 VerbResult VerbScreen::Run(Environment& environment, const CommonOptions& common) {
+  auto cache = ChooseCache(environment, common, mCache);
+  if (!cache) return std::unexpected(cache.error());
   const auto connected = ConnectedController::Open(environment, common);
   if (!connected) return std::unexpected(connected.error());
   TerminalPanel panel(environment, **connected, "kvtele screen");
   if (const auto updated = panel.Update(); !updated) return std::unexpected(updated.error());
+  const bool isDrawn = !mPng.empty() && panel.Model().Panel().kind == PanelKind::Colour;
+  if (*cache && (isDrawn || !mCache.empty())) panel.UseCache(**std::move(cache));
   if (!mWatch) return Show(environment, panel);
   if (const auto ended = Watch(environment, panel, common.json); !ended) return std::unexpected(ended.error());
   return VerbOutput{};  // everything has been printed

@@ -29,6 +29,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
     {206, 1, "model",              ""},
     {207, 1, "sessions",           "frmSession pageStart"},
     {208, 1, "pages-files",        ""},
+    {211, 1, "caches",             ""},
     {210, 1, "journal",            "frmJournal"},
     {209, 1, "trace",              "frmTrace"},
     {300, 0, "operands",           "frmDataTypesView"},
@@ -79,6 +80,8 @@ struct ErrorPhrase {
 constexpr auto kErrorPhrases = std::to_array<ErrorPhrase>({
     {"could not be recorded", 210},
     {"change journal", 210},
+    {"colour cache file", 211},
+    {"fonts and images", 211},
     {"password", 706},
     {"another controller answered", 708},
     {"another controller is connected", 708},
