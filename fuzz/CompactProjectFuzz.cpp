@@ -5,6 +5,7 @@
 #include <string>
 
 #include "download/CompactProjectFile.h"
+#include "download/CompactProjectImage.h"
 #include "download/DecodeFile.h"
 #include "fuzz/Require.h"
 #include "link/AsciiFrame.h"
@@ -18,9 +19,17 @@ void Check(const std::string& bytes) {
     return;
   }
   Require(project->lineCount == project->commands.size() + kv::kCompactProjectHeadLines, "every line is a command");
+  kv::CompactProjectOrder order;
+  bool isErased = false;
   for (const std::string& command : project->commands) {
     Require(!command.empty() && command.size() <= kv::kMaxFrameText, "a command has the length of a frame's text");
     Require(std::ranges::all_of(command, [](char c) { return c >= 0x20 && c <= 0x7E; }), "a frame can carry it");
+    const auto piece = kv::ReadCompactPiece(command);
+    const bool isPlaced = piece && order.Take(command).empty();
+    isErased = isErased || (isPlaced && command == "DE");
+    Require(!isPlaced || isErased || piece->bytes.empty(), "nothing is written before the old project is erased");
+    Require(!piece || piece->bytes.empty() || piece->end == piece->address + piece->bytes.size(),
+            "the end is behind it");
   }
 }
 

@@ -15,15 +15,28 @@ namespace kv {
 struct CompactPiece {
   std::uint32_t address = 0;
   Bytes bytes = {};
-
-  [[nodiscard]] std::uint64_t End() const { return bytes.empty() ? 0 : std::uint64_t{address} + bytes.size(); }
+  std::uint64_t end = 0;  // behind the last byte that the memory must have for this line; 0: none
 };
 
-// Malformed is a line that a controller would refuse: address and bytes as digits (LD, FW), or a name of at most 20
-// bytes (LN).
+// Malformed is a line that a controller would refuse by itself, whatever came before: what is no command of a project,
+// and fields that are not whole or name what there is nowhere.
 [[nodiscard]] std::expected<CompactPiece, std::string> ReadCompactPiece(std::string_view line);
 // The name that a line gives the project: nothing when it leaves it as it is, and empty behind DE.
 [[nodiscard]] std::optional<std::string> ReadCompactName(std::string_view line);
+
+// The lines of a project in their order: each must stand where a controller takes it. What it would refuse behind the
+// erasing of the old project would leave it with none, and what it would take elsewhere writes what nobody is told of.
+//
+//   before the erasing (DE) -> loading -> restarted (CCE)
+class CompactProjectOrder {
+ public:
+  // Why this line cannot come now, a clause; empty when it can.
+  [[nodiscard]] std::string Take(std::string_view line);
+
+ private:
+  enum class Place : std::uint8_t { BeforeErase, Loading, Restarted };
+  Place mPlace = Place::BeforeErase;
+};
 
 // What the project memory must hold when lines have been sent, place by place.
 class CompactProjectImage {

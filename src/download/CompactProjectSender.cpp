@@ -17,9 +17,13 @@ namespace {
 constexpr Duration kBetweenPolls = std::chrono::milliseconds(1000);
 constexpr const char* kSending = "Sending download file ...";
 
+bool IsLoading(ControllerLeft left) {
+  return left == ControllerLeft::ProjectErased || left == ControllerLeft::ProjectWaits;
+}
+
 // What a line leaves the controller as, beside what it was before.
 ControllerLeft LeftBy(std::string_view line, ControllerLeft before) {
-  if (line == "CCE") return ControllerLeft::ProjectPerhaps;
+  if (line == "CCE" && IsLoading(before)) return ControllerLeft::ProjectPerhaps;
   if (line == "DE") return ControllerLeft::ProjectErased;
   return before == ControllerLeft::Untouched ? ControllerLeft::Stopped : before;
 }
@@ -64,18 +68,20 @@ CompactProjectSender::Step CompactProjectSender::CheckModel(const FoundControlle
                        "The project is made for a " + mProject.model + ", and the controller is a " + model + ".");
 }
 
-// The controller hands out its project memory to everybody (RX), and nothing past its end.
+// Whatever can be known of a line is known before the first one is sent: behind DE it would be too late. The controller
+// hands out its project memory to everybody (RX), and nothing past its end.
 CompactProjectSender::Step CompactProjectSender::CheckLines() {
   constexpr std::size_t kAddressOfReply = 8;
   std::uint64_t end = 0;
+  CompactProjectOrder order;
   for (std::size_t i = 0; i < mProject.commands.size(); ++i) {
     const auto piece = ReadCompactPiece(mProject.commands[i]);
-    if (!piece) {
+    const std::string fault = piece ? order.Take(mProject.commands[i]) : piece.error();
+    if (!fault.empty()) {
       return mWork.Fail(DownloadCause::File, "Line " + std::to_string(i + kCompactProjectHeadLines + 1) +
-                                                 " of the project file: " + piece.error() +
-                                                 ". Nothing was sent of it.");
+                                                 " of the project file: " + fault + ". Nothing was sent of it.");
     }
-    end = std::max(end, piece->End());
+    end = std::max(end, piece->end);
   }
   if (end == 0) return {};
   const auto reply = mWork.Send("RX" + ToHex(static_cast<std::uint32_t>(end - 1), kAddressOfReply));
@@ -120,7 +126,8 @@ CompactProjectSender::Step CompactProjectSender::Send() {
     if (line == "CCE") {
       if (Step same = CompareWithSent(); !same) return same;
     }
-    if (&line == &mProject.commands.back() && line == "CCE") mWork.left = ControllerLeft::ProjectWaits;
+    // Nothing of the project comes behind it: that is refused before.
+    if (line == "CCE" && IsLoading(mWork.left)) mWork.left = ControllerLeft::ProjectWaits;
     if (Step sent = SendLine(line); !sent) return sent;
     mImage.Take(line);
     bytes += line.size();

@@ -54,7 +54,14 @@ bool DownloadWork::Asks(DownloadQuestion question, const std::string& text, Prom
          PromptAnswer::Yes;
 }
 
+void DownloadWork::AnnounceClone() {
+  window.SetStatus("Cloning the controller ...");
+  window.Note(
+      "Before the download a clone is made of what the controller holds. The next questions are about the clone.");
+}
+
 DownloadWork::Step DownloadWork::ShowCloneQuestions(const std::string& controller, char state) {
+  AnnounceClone();
   if (ShowCreateQuestions(prompts, controller, state)) return {};
   auto refused = Refuse("No password was given for the clone. " + std::string(kAnyPassword));
   refused.error().cause = DownloadCause::Backup;

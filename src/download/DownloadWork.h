@@ -55,6 +55,8 @@ class DownloadWork {
   [[nodiscard]] bool Asks(DownloadQuestion question, const std::string& text, PromptIcon icon,
                           std::string_view title = {});
 
+  // Before the questions of a clone, whose texts do not say what it is for.
+  void AnnounceClone();
   // Of a dry run: asks what the clone of this controller would ask before the download.
   [[nodiscard]] Step ShowCloneQuestions(const std::string& controller, char state);
 

@@ -38,7 +38,8 @@ struct ProjectNames {
 // which ends a load.
 ControllerLeft Refined(ControllerLeft left, char state, const std::string& project, const ProjectNames& names) {
   const bool isOld = project == names.inController;
-  if (left == ControllerLeft::Programming && IsRunningState(state) && project == names.inFile) {
+  const bool mayBeNew = left == ControllerLeft::Programming || left == ControllerLeft::ProjectPerhaps;
+  if (mayBeNew && IsRunningState(state) && project == names.inFile) {
     return isOld || project.empty() ? ControllerLeft::ProjectPerhaps : ControllerLeft::NewProject;
   }
   if (left == ControllerLeft::Programming && IsRunningState(state) && isOld) return ControllerLeft::Untouched;
@@ -213,7 +214,7 @@ class ProjectDownload::Run {
   Step Backup() {
     BackupBefore* backup = mWork.order.backup;
     if (backup == nullptr) return {};
-    mWork.window.SetStatus("Cloning the controller ...");
+    mWork.AnnounceClone();
     return backup->Take(mWork.link, mController, mControllerText, GetFileName(mFile.path));
   }
 
@@ -268,11 +269,15 @@ class ProjectDownload::Run {
     std::vector<std::string> differences = DifferencesFrom(
         {.model = mReview->before.model, .os = mReview->before.os, .fonts = {}, .project = mFile.NameInController()},
         mReview->after);
+    const bool isNamedNew = differences.empty() && mReview->after.project != mReview->before.project;
     if (IsRunningState(after->info.state) != mSender->Restarts()) {
       differences.push_back("Its state is " + StateText(after->info.state) +
                             (mSender->Restarts() ? "; its program does not run." : "; it has restarted meanwhile."));
     }
     if (after->info.state == 'L') mWork.left = ControllerLeft::ProjectWaits;  // the reset has not come to it
+    if (!mSender->Restarts() && IsRunningState(after->info.state)) {          // by itself
+      mWork.left = isNamedNew ? ControllerLeft::NewProject : ControllerLeft::ProjectPerhaps;
+    }
     if (!differences.empty()) return Differs(differences);
     mWork.left = mSender->Restarts() ? ControllerLeft::NewProject : ControllerLeft::ProjectWaits;
     mWork.Tell(mSender->SuccessText(), PromptIcon::Information);

@@ -25,12 +25,13 @@ constexpr int kNoSuchTypeCode = 0x03;
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::TakeBackup() {
   if (mWork->order.backup == nullptr) return {};
-  mWindow.SetStatus("Cloning the controller ...");
+  mWork->AnnounceClone();
   return mWork->order.backup->Take(mWork->link, mFound, ControllerName(), GetFileName(mChoice.os));
 }
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::SaveMemory() {
   if (!mChange.NeedsMemorySaved()) return {};
+  mWork->AnnounceClone();
   mWindow.SetStatus("Saving the controller's memory ...");
   Step saved = mMemory.Save(mWork->link, mFound, ControllerName());
   if (saved) {

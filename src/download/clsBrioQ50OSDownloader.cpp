@@ -205,13 +205,21 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::AskToEndLoad() {
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::Confirm() {
-  if (mController.isInBoot) return {};
-  const bool isWanted = mWork->Asks(
-      DownloadQuestion::Begin,
-      "Note that the download O/S process will cause:\r\n - Your current application to STOP running.\r\n - The PLC to "
-      "RESET at the end of the download process.\r\n\r\nContinue ?",
-      PromptIcon::Exclamation, kTitle);
-  return isWanted ? Step() : mWork->Decline(DownloadCause::User, "The download was not confirmed.");
+  const std::string question =
+      mController.isInBoot
+          ? QuestionInBoot()
+          : "Note that the download O/S process will cause:\r\n - Your current application to STOP running.\r\n - The "
+            "PLC to RESET at the end of the download process.\r\n\r\nContinue ?";
+  if (mWork->Asks(DownloadQuestion::Begin, question, PromptIcon::Exclamation, kTitle)) return {};
+  return mWork->Decline(DownloadCause::User, "The download was not confirmed.");
+}
+
+// Its program stands still already, but its flash may hold a whole O/S, and a newer one.
+std::string clsBrioQ50OSDownloader::QuestionInBoot() const {
+  return "The O/S in the controller is about to be replaced.\r\n\r\nController: " + ControllerName() +
+         "\r\nFile: " + Utf8FromPath(mChosen) + ", O/S " + *FileSide().os +
+         "\r\n\r\nIts boot loader runs. Whatever O/S its flash still holds is erased, a newer one, too; at the end the "
+         "controller restarts.\r\n\r\nDownload it?";
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EndDryRun() {

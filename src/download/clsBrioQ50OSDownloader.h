@@ -87,6 +87,7 @@ class clsBrioQ50OSDownloader {
   [[nodiscard]] Duration TimeOnBootLink() const;
   [[nodiscard]] DownloadSide FileSide() const;
   [[nodiscard]] std::string ControllerName() const;
+  [[nodiscard]] std::string QuestionInBoot() const;
 
   void Tell(const std::string& text, PromptIcon icon);
   // Both show the box and fail; the second one because of the boot loader's step.

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <optional>
+
 #include "CompactOsFixture.h"
 #include "tests/support/FakeChannel.h"
 
@@ -14,6 +16,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 const std::string kAsked = "O/S Downloader: Note that the download O/S process will cause:";
+const std::string kAskedInBoot = "O/S Downloader: The O/S in the controller is about to be replaced.";
+
 TEST(CompactOs, EveryModelGetsItsOwnOnEveryKindOfLine) {
   struct Row {
     const char* model;
@@ -46,7 +50,7 @@ TEST(CompactOs, EveryModelGetsItsOwnOnEveryKindOfLine) {
         const std::string enter = "CCS CCS CCB ";
         EXPECT_EQ(fixture.Told(), boot ? row.told + enter.size() : row.told);
         EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
-        EXPECT_EQ(fixture.desk.said.size(), boot ? 1U : 2U);
+        EXPECT_THAT(fixture.desk.said, ElementsAre(boot ? kAskedInBoot : kAsked, kOsSucceeded));
         EXPECT_EQ(fixture.Link()->GetComParams().baudRate, isSerial ? kUsualBaud : 0) << "as it was before";
       }
     }
@@ -81,6 +85,13 @@ TEST(CompactOs, WhatDoesNotFitIsRefusedAndNothingIsSent) {
   older.file = "gone.OSI";
   EXPECT_FALSE(older.Download());
   EXPECT_THAT(older.desk.said, ElementsAre(testing::StartsWith("O/S Downloader: gone.OSI"))) << "not: it does not fit";
+  CompactOsFixture inBoot(Plc("Q51", "", true));
+  inBoot.desk.declined = "Whatever O/S its flash still holds is erased";
+  EXPECT_FALSE(inBoot.Download());
+  EXPECT_EQ(inBoot.outcome.end, DownloadEnd::Declined);
+  EXPECT_EQ(inBoot.Told(), "");
+  EXPECT_THAT(inBoot.desk.boxes.back().text,
+              testing::AllOf(HasSubstr("BQ51 (boot loader of a Q51), serial number "), HasSubstr("Q51v4712.OSI")));
   CompactOsFixture other(Plc("K330"));
   EXPECT_FALSE(other.Download());
   EXPECT_EQ(other.outcome.end, DownloadEnd::Refused);
@@ -97,14 +108,34 @@ TEST(CompactOs, AFileThatChangesMeanwhileIsNotSentAndADryRunSendsNothing) {
 
   fixture.order.isDryRun = false;
   const std::string other = SampleOs("Q51", {"4.71", 2}, 999);
-  for (const std::string& content : {other, other.substr(0, 500), std::string()}) {
+  for (const auto& content :
+       {std::optional(other), std::optional(other.substr(0, 500)), std::optional<std::string>()}) {
     const auto file = fixture.Put("OS51", "Q51", {"4.71", 2});
     fixture.desk.onBox = [&](const MessageBox& box) {
-      if (box.buttons == PromptButtons::YesNo) PutFile(file, content);
+      if (box.buttons != PromptButtons::YesNo) return;
+      std::filesystem::remove(file);
+      if (content) PutFile(file, *content);
     };
     EXPECT_FALSE(fixture.Download());
     EXPECT_THAT(fixture.desk.said, ElementsAre(kAsked, "O/S Downloader: Invalid O/S File!"));
     EXPECT_EQ(fixture.Told(), "");
+  }
+
+  fixture.desk.onBox = nullptr;
+  for (const std::string when : {"CCB", "FS05", "OSP0"}) {  // and one that vanishes when this has been sent
+    SCOPED_TRACE(when);
+    const auto file = fixture.Put("OS51", "Q51", {"4.71", 2});
+    fixture.controller->onText = [&](std::string_view text, sim::TextReply&) {
+      if (text.starts_with(when)) std::filesystem::remove(file);
+    };
+    const bool isBeforeErase = when == "CCB";
+    EXPECT_EQ(fixture.Download(), !isBeforeErase) << OutcomeText(fixture.outcome);
+    EXPECT_EQ(fixture.outcome.left, isBeforeErase ? ControllerLeft::BootLoader : ControllerLeft::NewOs);
+    if (!isBeforeErase) continue;
+    EXPECT_EQ(fixture.Told(), "CCS CCS CCB CPSR010A") << "the old O/S is still there";
+    EXPECT_THAT(fixture.outcome.reason, HasSubstr("Q51v4712.OSI"));
+    fixture.controller->Restart();
+    fixture.driver.CloseDriver();
   }
 }
 
@@ -238,6 +269,52 @@ TEST(CompactOs, ALinkThatCannotBeSetIsOpenedAgain) {
   link.calls.clear();
   EXPECT_TRUE(CompactBootLoader(work, CompactKind::PR1, 0).Enter());
   EXPECT_EQ(link.calls.back(), "OpenLink 0 9600");
+}
+
+// A boot loader at once, whose flash is not ready so often.
+struct BootChannel final : FakeChannel {
+  int tests = 0;
+  int erases = 0;
+
+  std::optional<CommandReply> SendCommand(std::string_view command) override {
+    if (command == "FI") return CommandReply{tests-- > 0 ? "FI1000" : "FI2000"};
+    if (command == "OSS") return CommandReply{erases-- > 0 ? "OS1000" : "OS0000"};
+    return CommandReply{"XXOK00"};
+  }
+};
+
+// On a link that takes no time: to the microsecond.
+TEST(CompactOs, WaitsExactlyAsLongAsEachKindWants) {
+  struct Row {
+    CompactKind kind;
+    Duration enter;
+    Duration erase;
+    Duration reset;
+    int polls = 0;  // of the test and of the erase, that are answered with something else
+  };
+  const Row rows[] = {{CompactKind::Q50, 1s, 0s, 0s},
+                      {CompactKind::Q51OrQ58, 1s, 0s, 0s},
+                      {CompactKind::PX1, 1s, 0s, 0s},
+                      {CompactKind::PR1, 1s + 4s, 5s, 4s},
+                      {CompactKind::PR1, 1s + 4s, 5s + 2 * 500ms + 2 * 1s, 4s, 2}};
+  for (const Row& row : rows) {
+    Desk desk;
+    VirtualPacer pacer;
+    const DownloadOrder order;
+    BootChannel link;
+    link.succeeds = true;
+    link.tests = link.erases = row.polls;
+    DownloadWork work(link, desk, desk, pacer, order);
+    CompactBootLoader boot(work, row.kind, 0);
+    const auto takes = [&](const auto& step) {
+      const Instant start = pacer.Now();
+      EXPECT_TRUE(step());
+      return std::chrono::duration_cast<std::chrono::microseconds>(pacer.Now() - start).count();
+    };
+    EXPECT_EQ(takes([&] { return boot.Enter(); }), Duration(row.enter).count());
+    EXPECT_EQ(takes([&] { return boot.EraseFlash(); }), Duration(row.erase).count());
+    EXPECT_EQ(takes([&] { return boot.Reset(); }), Duration(row.reset).count());
+  }
 }
 
 TEST(CompactOs, AnApplicationGoesFromOneControllerIntoAnother) {

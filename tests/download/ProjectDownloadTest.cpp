@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <random>
+
 #include "clone/CloneInfo.h"
 #include "tests/download/ProjectFixture.h"
 #include "tests/support/FakeChannel.h"
@@ -24,6 +27,16 @@ std::string WithLine(const std::string& content, std::string line) {
   std::ranges::reverse(line);
   for (char& c : line) c = static_cast<char>(c + std::ranges::count(content, '\n') % 3);
   return content + line + "\r\n";
+}
+
+// A compact project of these commands.
+std::string Commands(const std::vector<std::string>& lines) {
+  std::string content = SampleProject(kCompact);
+  std::size_t head = 0;
+  for (int line = 0; line < 3; ++line) head = content.find('\n', head) + 1;
+  content.resize(head);
+  for (const std::string& line : lines) content = WithLine(content, line);
+  return content;
 }
 
 TEST(ProjectDownload, TellsAndSendsInTheSettledOrder) {
@@ -68,6 +81,10 @@ TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
   const std::string badLine = WithLine(WithoutLastLine(SampleProject(kCompact, 200)), "LD000000");
   const auto with = [](const char* line) { return WithLine(WithoutLastLine(SampleProject(kCompact, 200)), line); };
   constexpr auto kNotSent = "Line 12 of the project file: this command has no place";
+  constexpr auto kBefore = "Line 5 of the project file: it stands before the command that erases";
+  constexpr auto kBehind = "Line 7 of the project file: it stands behind the restart (CCE)";
+  const std::string early = Commands({"CCS", "FW00000000AA", "DE", "DI", "CCE"});
+  const auto late = [](const char* line) { return Commands({"DE", "DI", "CCE", line}); };
   const std::string large = SampleProject(kCompact, 60000);
   const auto change = [](ProjectFixture& fixture) { fixture.Put(SampleProject(kAurex, 6000)); };
   const auto vanish = [](ProjectFixture& fixture) { std::filesystem::remove(fixture.path); };
@@ -103,6 +120,12 @@ TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
       {"writes other memory", kCompact, with("WDF0030000004EEEEEEEE"), "", "", Failed, kFile, kNotSent},
       {"runs half a project", kCompact, with("CCR"), "", "", Failed, kFile, kNotSent},
       {"is not known", kCompact, with("CCSX"), "", "", Failed, kFile, kNotSent},
+      {"writes too early", kCompact, early, "", "", Failed, kFile, kBefore},
+      {"writes too late", kCompact, late("LN41"), "", "", Failed, kFile, kBehind},
+      {"a second project", kCompact, late("DE"), "", "", Failed, kFile, kBehind},
+      {"stops again", kCompact, late("CCS"), "", "", Failed, kFile, kBehind},
+      {"reads past the end", kCompact, with("RX00FFFFFF"), "", "", Refused, NotFit, "goes up to byte 16777216"},
+      {"no bytes, but a place", kCompact, with("FW00000010"), "", "", Failed, kFile, "Line 12 of the project file"},
       {"loading", kAurex, "", "CCM", "End that load?", Declined, User, "was not to be ended"},
       {"loading", kCompact, "", "CCM", "End that load?", Declined, User, "was not to be ended"},
       {"box closed", kCompact, "", "", "about to enter Stop", Stopped, User, "was closed without OK"},
@@ -132,6 +155,59 @@ TEST(ProjectDownload, RefusesBeforeAnythingIsChanged) {
     EXPECT_THAT(told, HasSubstr(row.told));
     EXPECT_THAT(fixture.controller->told, IsEmpty());
   }
+}
+
+// Whatever the lines are, and their order: what the controller would refuse behind DE, and what can be known of it, is
+// refused before. On a good line such a download is begun only when it gets through.
+TEST(ProjectDownload, ErasesNoProjectForAFileWithALineThatIsRefused) {
+  constexpr std::array kLines = {"CCS",
+                                 "DI",
+                                 "LN4142",
+                                 "LN",
+                                 "LN"
+                                 "4142434445464748494A4B4C4D4E4F505152535455",
+                                 "LD000000",
+                                 "LD000000AA",
+                                 "LD00002055",
+                                 "LD00FFF0BB",
+                                 "LD0FFFF0BB",
+                                 "FW00000000",
+                                 "FW00000040",
+                                 "FW00000040CC",
+                                 "FWF0000000CC",
+                                 "RX00000000",
+                                 "RXFFFFFFF0",
+                                 "RX0",
+                                 "DRS000020",
+                                 "DRS00FF02",
+                                 "DRS000000",
+                                 "ID",
+                                 "FI",
+                                 "PV000A",
+                                 "CCE",
+                                 "CCR",
+                                 "DE"};
+  std::minstd_rand random(1);
+  int erased = 0;
+  for (int file = 0; file < 600 && !testing::Test::HasFailure(); ++file) {
+    std::vector<std::string> lines(random() % 3);
+    const auto any = [&] { return std::string(kLines[random() % kLines.size()]); };
+    std::ranges::generate(lines, any);
+    for (const char* pair : {"DE", "DI"}) lines.emplace_back(pair);
+    for (auto more = random() % 4; more > 0; --more) lines.push_back(any());
+    if (random() % 4 > 0) lines.emplace_back("CCE");
+    std::string all;
+    for (const std::string& line : lines) all += line + " ";
+    SCOPED_TRACE(all);
+    ProjectFixture fixture(kCompact);
+    fixture.Put(Commands(lines));
+    (void)fixture.Download();
+    const bool isErased = std::ranges::count(fixture.controller->told, "DE") > 0;
+    EXPECT_EQ(isErased, fixture.outcome.end == DownloadEnd::Done) << OutcomeText(fixture.outcome);
+    EXPECT_TRUE(isErased || fixture.controller->told.empty());
+    erased += isErased ? 1 : 0;
+  }
+  EXPECT_GT(erased, 60);
 }
 
 TEST(ProjectDownload, NoPairOfControllerAndFileHarms) {
@@ -190,7 +266,19 @@ TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
       if (isSent) fixture.controller->Tell("CCS");
     });
   };
+  const std::string whole = WithoutLastLine(SampleProject(kCompact));
+  const auto restartsItself = [whole, whileCompared](ProjectFixture& fixture) {
+    fixture.Put(whole);
+    whileCompared("CCE")(fixture);
+  };
+  const auto refusesBehindReset = [whole](ProjectFixture& fixture) {
+    fixture.Put(WithLine(WithLine(whole, "CCE"), "FI"));
+    fixture.UseFaults({"refuse:on=FI,code=0D"});
+  };
   const Case rows[] = {
+      {kCompact, restartsItself, "it has restarted meanwhile", ControllerLeft::NewProject},
+      {kCompact, refusesBehindReset, "says that its state is running and its project \"Hall 7\"",
+       ControllerLeft::NewProject, DownloadCause::Reply},
       {kCompact, whileCompared("LN4E6F"), "the controller says \"No\", and the file \"Hall 7\""},
       {kCompact, [](ProjectFixture& f) { f.UseFaults({"lie:on=LD,nth=2"}); },
        "at address 000040 of the project memory the controller holds FF instead of ", ControllerLeft::ProjectErased,

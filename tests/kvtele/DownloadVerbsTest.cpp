@@ -157,7 +157,8 @@ TEST_F(DownloadVerbs, AnOsThatLaysOutTheMemoryAnewWantsTwoConsentsMore) {
   fixture.options.osVersion = "3.73";
   const std::string download = "--yes --password 1 download os";
   EXPECT_THAT(fixture.On("K220-22-R1", download + " --dry-run").err,
-              HasSubstr("about to STOP, Continue? [y/N] yes (--dry-run)"));
+              AllOf(HasSubstr("The next questions are about the clone."),
+                    HasSubstr("about to STOP, Continue? [y/N] yes (--dry-run)")));
   EXPECT_EQ(fixture.On("K220-22-R1", "--yes download os --dry-run").exit, 4) << "the clone wants a password";
   EXPECT_THAT(fixture.On("K220-22-R1", download).err, HasSubstr("--lose-project consents"));
   EXPECT_THAT(fixture.On("K220-22-R1", download + " --lose-project").err, HasSubstr("--lose-values consents"));

@@ -16,6 +16,20 @@ inline const std::vector<std::string> kRoughWeather = {
     "lost:away=9000,p=0.004",
 };
 
+// What each request gets over by itself: no loss of the power, no connection that stays away, and never three requests
+// in a row whose reply is of no use.
+inline const std::vector<std::string> kFairWeather = {
+    "echo:every=9",
+    "noreply:every=10",
+    "damage:chars=2,every=12",
+    "cut:after=11,every=15",
+    "garbage:bytes=60,every=18",
+    "wrongunit:every=20",
+    "late:ms=40,every=17",
+    "double:every=7",
+    "dribble:ms=2,every=5",
+};
+
 // How many seeds a test of random faults goes through: `usually`, or what KV_WEATHER_SEEDS says, which is 1000 before a
 // release.
 inline int WeatherSeeds(int usually) {

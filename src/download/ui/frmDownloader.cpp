@@ -296,7 +296,12 @@ void frmDownloader::dropEvent(QDropEvent* event) {
   });
 }
 
+// One engine has an event for its status; the texts of the others go the same way.
 void frmDownloader::SetStatus(std::string_view text) {
+  mBrioQ50OSDownloader_SetStatus(text);
+}
+
+void frmDownloader::mBrioQ50OSDownloader_SetStatus(std::string_view text) {
   mStatusText = text;
   ShowStatus();
 }

@@ -124,6 +124,7 @@ class frmDownloader final : public QDialog, public DownloadWindow {
   // What the O/S downloads tell while they run.
   void mOSDownloader_ProggressInfo(int phase, std::int64_t current, std::int64_t count);
   void mBrioQ50OSDownloader_ProgressInfo(std::int64_t current, std::int64_t count);
+  void mBrioQ50OSDownloader_SetStatus(std::string_view text);
   void ShowStatus();
   void StopDownload();
   void StartProgram();
