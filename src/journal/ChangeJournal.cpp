@@ -47,10 +47,9 @@ std::unexpected<FileError> ChangeJournal::Failed(const fs::path& file, const std
 }
 
 auto ChangeJournal::Prepare() -> Done {
-  std::error_code error;
-  fs::create_directories(mPlaces.folder, error);
   const auto lock = TakeLock();
   if (!lock) return std::unexpected(lock.error());
+  std::error_code error;
   const fs::space_info space = fs::space(mPlaces.folder, error);
   if (!error && space.available < (kLeastJournalRoom << 10)) {
     return Failed(mPlaces.folder, std::make_error_code(std::errc::no_space_on_device));
@@ -80,6 +79,11 @@ auto ChangeJournal::Settle() -> Done {
 auto ChangeJournal::TakeLock() -> Lock {
   const fs::path file = LockFile(mPlaces.folder);
   auto lock = mDisk.Open(file, Access::Replace);
+  if (!lock && lock.error() == std::errc::no_such_file_or_directory) {  // the session's folder has gone meanwhile
+    std::error_code ignored;
+    fs::create_directories(mPlaces.folder, ignored);
+    lock = mDisk.Open(file, Access::Replace);
+  }
   if (!lock) return Failed(file, lock.error());
   const Instant end = mPacer.Now() + kLongestLock;
   while (true) {

@@ -105,6 +105,20 @@ TEST_F(ChangeRecorderTest, RefusesWhatItCannotRecordUnlessTheUserSaysOtherwise) 
   EXPECT_THAT(Recorded(), testing::HasSubstr("2 operations before this one changed controllers without a record"));
 }
 
+// Also without an operation around it, and however often the way to the journal is blocked and free again.
+TEST_F(ChangeRecorderTest, RecordsTheNextRequestAsSoonAsTheJournalCanBeWritten) {
+  for (int time = 1; time <= 2; ++time) {
+    std::filesystem::remove_all(SessionFolder(shared));
+    std::ofstream(SessionFolder(shared)) << "in the way";
+    EXPECT_FALSE(Send());
+    EXPECT_FALSE(Send()) << "and it stays in the way";
+    std::filesystem::remove(SessionFolder(shared));
+    EXPECT_TRUE(Send()) << "the folder is made anew, time " << time;
+    EXPECT_TRUE(Send());
+    EXPECT_THAT(Recorded(), testing::EndsWith("unit 1: write MI 0||done\n"));
+  }
+}
+
 TEST_F(ChangeRecorderTest, AsksForAReasonWhereTheSessionWantsOne) {
   Put("KvTeleExe.ini", "[KvTeleExe]\r\nAskReason=1\r\n");
   for (const char* reason : {"", "  ", "new recipe"}) {
