@@ -6,6 +6,7 @@
 #include "KvCmDrv1/LinkSettings.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
+#include "host/LogIn.h"
 #include "models/ModelCatalogue.h"
 #include "secret/SecretFile.h"
 
@@ -33,14 +34,6 @@ std::string PasswordFault(std::string_view password) {
   const auto isPlain = [](char c) { return c >= 0x20 && c <= 0x7E; };
   if (!password.empty() && password.size() <= kLongestPassword && std::ranges::all_of(password, isPlain)) return {};
   return "a password has 1 to " + std::to_string(kLongestPassword) + " plain characters";
-}
-
-// The name goes into lines of texts and records.
-std::string CheckUser(const std::string& user) {
-  constexpr std::size_t kLongestUser = 255;
-  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
-  if (user.size() <= kLongestUser && std::ranges::none_of(user, isControl)) return {};
-  return "a user's name has at most " + std::to_string(kLongestUser) + " bytes, none of them a control character";
 }
 
 auto Within(NumberRange range) {
@@ -80,7 +73,7 @@ void DeclareUserOptions(CLI::App& app, CommonOptions& options) {
   app.add_option("--user", options.user,
                  "Who works with it, for the records of what was changed. Default: the user of this computer")
       ->type_name("NAME")
-      ->check(CheckUser);
+      ->check([](const std::string& name) { return UserNameFault(name); });
   CLI::Option* password =
       app.add_option_function<std::string>(
              "--password", [&options](const std::string& text) { options.password = Secret(text); },

@@ -77,12 +77,13 @@ OrFailure<SegmentBoxes> ParseSegments(const std::string& codes) {
 }
 
 const char* VerbClone::Examples() const {
-  return "  kvtele --link sim:K220-22-R1 --password 1 clone create plc.kdf --stop   a simulated one takes any "
-         "password\n"
+  return "  kvtele --link sim:K220-22-R1 clone create plc.kdf --stop         asks for a password; a simulated one "
+         "takes "
+         "any\n"
          "  kvtele clone info plc.kdf                                        what it holds, and what is known of it\n"
          "  kvtele --link sim:K220-22-R1 clone verify plc.kdf                compare it with the controller\n"
          "  kvtele --link sim:K220-22-R1 --yes clone restore plc.kdf --verify\n"
-         "  kvtele --link tcp:192.168.1.20 --password 1234 clone create plc.kdf --segments AP,OS\n"
+         "  kvtele --link tcp:192.168.1.20 --password-file pw.txt clone create plc.kdf --segments AP,OS\n"
          "  kvtele clone diff monday.kdf friday.kdf                          address ranges that differ\n";
 }
 

@@ -43,7 +43,7 @@ const char* VerbDownload::Examples() const {
   return "  kvtele download info Samples/Conveyor.dai                               what the file is\n"
          "  kvtele --link sim:K220-22-R1 download project Samples/Conveyor.dai --dry-run\n"
          "  kvtele --link sim:K220-22-R1 --yes download project Samples/Conveyor.dai\n"
-         "  kvtele --link tcp:192.168.1.20 --password 1234 download project hall7.dai --backup before.kdf --stop\n"
+         "  kvtele --link tcp:192.168.1.20 --password-file pw.txt download project hall7.dai --backup b.kdf --stop\n"
          "  kvtele --link sim:K220-22-R1 download os --list                           what there is for this "
          "controller\n"
          "  kvtele --link sim:K220-22-R1 --yes download os                            the newest that fits it\n"

@@ -40,9 +40,9 @@ VerbOutput MakeOutput(const std::string& name, char state) {
 
 const char* VerbRunStop::Examples() const {
   return mRuns ? "  kvtele --link sim:K220-22-R1 --yes run\n"
-                 "  kvtele --link tcp:192.168.1.20 --password 1234 run           asks before\n"
+                 "  kvtele --link tcp:192.168.1.20 --password-file pw.txt run    asks before\n"
                : "  kvtele --link sim:K220-22-R1 --yes stop\n"
-                 "  kvtele --link tcp:192.168.1.20 --password 1234 stop          asks before\n";
+                 "  kvtele --link tcp:192.168.1.20 --password-file pw.txt stop   asks before\n";
 }
 
 VerbResult VerbRunStop::Run(Environment& environment, const CommonOptions& common) {

@@ -45,7 +45,7 @@ const char* VerbWrite::Examples() const {
   return "  kvtele --link sim:K220-22-R1 write MI 0 4660 22136        MI 0 and MI 1\n"
          "  kvtele --link sim:K220-22-R1 write MF 3 -1.5e3            a float\n"
          "  kvtele --link sim:K220-22-R1 write timer-preset 0 0:01:30 a minute and a half\n"
-         "  kvtele --link tcp:192.168.1.20 --password 1234 write MB 7 1\n";
+         "  kvtele --link tcp:192.168.1.20 --password-file pw.txt write MB 7 1\n";
 }
 
 void VerbWrite::Declare(CLI::App& app) {

@@ -1,8 +1,10 @@
 #include "host/LogIn.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
+#include "base/Utf8.h"
 #include "sessions/SessionIni.h"
 
 namespace kv {
@@ -23,6 +25,13 @@ void ChangeUser(SharedState& shared, const std::string& name, Secret password) {
 }
 
 }  // namespace
+
+std::string UserNameFault(std::string_view name) {
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
+  if (Utf16FromUtf8(name).size() <= kLongestUserName && std::ranges::none_of(name, isControl)) return {};
+  return "a user's name has at most " + std::to_string(kLongestUserName) +
+         " characters, none of them a control character";
+}
 
 std::string LastUserName(const SharedState& shared) {
   return ReadSessionIni(shared, kLastUserName, "");

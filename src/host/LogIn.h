@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "host/shared/SharedState.h"
 
@@ -8,6 +10,13 @@ namespace kv {
 
 // Who works with the tools. One user is logged in, or nobody; whoever comes begins without the passwords and the access
 // of the one before.
+
+// A user's name has so many characters at most, as fields of windows count them (those beyond U+FFFF are two), however
+// many bytes they take.
+inline constexpr std::size_t kLongestUserName = 255;
+
+// Why a name, UTF-8, cannot be logged in, a clause; empty when it can. It goes into lines of texts and records.
+[[nodiscard]] std::string UserNameFault(std::string_view name);
 
 // The name that was entered last in this session, for the next log-in; "" at first.
 [[nodiscard]] std::string LastUserName(const SharedState& shared);

@@ -49,6 +49,32 @@ TEST(Numbers, FloatsAreTakenWholeAndFinite) {
   }
 }
 
+// The value is rounded, not its shortest text, which has been rounded before.
+TEST(Numbers, FloatsAreShownWithSevenDigitsRoundedOnce) {
+  struct Row {
+    float value;
+    const char* shown;
+    const char* exact;
+  };
+  const Row rows[] = {
+      {285.04965209F, "285.0497", "285.04965"},
+      {0.1F, "0.1", "0.1"},
+      {-1.5e3F, "-1500", "-1500"},
+      {1234567.0F, "1234567", "1234567"},
+      {1e7F, "1e+07", "1e+07"},
+      {16777217.0F, "1.677722e+07", "16777216"},
+      {0.00001F, "1e-05", "1e-05"},
+      {0.3F, "0.3", "0.3"},
+      {1.0F / 3.0F, "0.3333333", "0.33333334"},
+      {2.0000005F, "2", "2.0000005"},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(FloatText(row.value), row.shown);
+    EXPECT_EQ(ExactFloatText(row.value), row.exact);
+    EXPECT_EQ(ParseFloat(ExactFloatText(row.value)), row.value) << "it reads back";
+  }
+}
+
 TEST(Hex, TurnDigitPairsIntoBytesAndRefuseAnythingElse) {
   EXPECT_EQ(HexStringToBytes("0A1"), Bytes({10}));
   EXPECT_EQ(HexStringToBytes("00ff7FZ"), Bytes({0, 255, 127}));  // the odd last character is not looked at

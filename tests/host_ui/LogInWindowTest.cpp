@@ -40,7 +40,7 @@ class LogInWindowTest : public WindowFixture {
 };
 
 TEST_F(LogInWindowTest, WhoIsLoggedInStandsInTheStatusBarAndIsOfferedTheNextTime) {
-  const QString longest(255, 'x');
+  const QString longest(255, QChar(0xFC));  // of two bytes each
   const struct {
     QString name;
     const char* button;

@@ -63,6 +63,7 @@ TEST(Failures, ThatNeedNoControllerSendNothing) {
       {"identify --model K", 2, "usage", "there is no model \"K\"; the models are K220-22-R1, "},
       {"identify --password 123456789", 2, "usage", "1 to 8 plain characters"},
       {"identify --password \xC3\xBC", 2, "usage", "1 to 8 plain characters"},
+      {"identify --user 'a\tb'", 2, "usage", "none of them a control character"},
       {"identify --link sim:K", 2, "usage", "There is no simulated controller \"K\""},
       {"identify --link carrier-pigeon", 2, "usage", "sim:MODEL, tcp:HOST:PORT"},
       {"identify --session Nowhere --link sim:Q50", 2, "usage", "there is no session \"Nowhere\""},
@@ -118,6 +119,10 @@ TEST(Failures, ThatNeedNoControllerSendNothing) {
   CommandFixture fixture;
   fixture.home.Put("mi.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t9\t\r\n\r\n");
   for (const FailingCommand& row : rows) EXPECT_EQ(fixture.ExpectFailure(row).trace, "") << row.line;
+  std::string name;  // characters are counted, not bytes
+  for (int i = 0; i < 255; ++i) name += "\xC3\xBC";
+  EXPECT_EQ(fixture.On("Q50", "identify --user " + name).exit, 0);
+  EXPECT_EQ(fixture.On("Q50", "identify --user " + name + "x").exit, 2);
   // Each flag by itself where it means nothing.
   const std::tuple<const char*, const char*, const char*> strays[] = {
       {"clone info @x.kdf", "--segments OP|--replace|--stop|--no-stop|--comment x", " can be given with "},

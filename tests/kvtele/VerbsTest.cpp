@@ -77,9 +77,11 @@ TEST(Json, IsOneDocumentAndSaysTheSame) {
 
 TEST(Help, BeginsWithExamplesAndGoesToStandardOutput) {
   CommandFixture fixture;
-  for (const char* verb :
-       {"identify", "online", "read", "write", "regions", "watch", "clone", "run", "stop", "sessions", "ports"}) {
+  for (const char* verb : {"identify", "online", "read", "write", "regions", "watch", "clone", "download", "run",
+                           "stop", "sessions", "ports"}) {
     const Result result = fixture.Run(verb + std::string(" --help"));
+    const std::string examples = result.out.substr(0, result.out.find("\n\n"));
+    EXPECT_THAT(examples, Not(HasSubstr("--password "))) << "others see it in the list of processes";
     EXPECT_EQ(result.exit, 0);
     EXPECT_THAT(result.out, StartsWith("Examples:\n  kvtele "));
     EXPECT_THAT(result.out, HasSubstr(std::string("Usage: kvtele ") + verb));

@@ -15,7 +15,6 @@
 namespace kv {
 namespace {
 
-constexpr int kLongestName = 255;
 constexpr int kNameWidth = 32;  // in characters
 
 }  // namespace
@@ -35,12 +34,12 @@ frmLogIn::~frmLogIn() {
 void frmLogIn::BuildFields() {
   mUserName = new QLineEdit(QString::fromStdString(LastUserName(mShared)), this);
   mUserName->setObjectName("txtUserName");
-  mUserName->setMaxLength(kLongestName);
+  mUserName->setMaxLength(static_cast<int>(kLongestUserName));
   mUserName->setMinimumWidth(kNameWidth * fontMetrics().averageCharWidth());
   mUserName->setToolTip("Stands in the status bar, and in the records of what was changed (Alt+U)");
   mPassword = new QLineEdit(this);
   mPassword->setObjectName("txtPassword");
-  mPassword->setMaxLength(kLongestName);
+  mPassword->setMaxLength(static_cast<int>(kLongestUserName));  // what no controller can have is not sent to one
   mPassword->setToolTip("Tried first when a controller wants its password; never written to disk (Alt+P)");
   MakeSecret(*mPassword);
   mUserName->selectAll();  // whoever comes may be another one
