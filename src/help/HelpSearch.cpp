@@ -1,240 +1,278 @@
 #include "help/HelpSearch.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <iterator>
-#include <tuple>
+#include <numeric>
 #include <utility>
 
 #include "base/Texts.h"
 #include "help/HelpSynonyms.h"
+#include "help/HelpTopics.h"
+#include "help/HelpWords.h"
 #include "help/HtmlText.h"
 
 namespace kv {
 namespace {
 
-constexpr double kInTitle = 4;
-constexpr double kInSynonyms = 4;
-constexpr double kInText = 1;
-// Of a longer word that only begins like the one that is looked for, against the word itself.
-constexpr double kPrefixPart = 0.4;
-// Of what others say for the word.
-constexpr double kSynonymPart = 0.6;
-constexpr std::size_t kShortestPrefix = 2;
-// Words of fewer letters are not guessed at.
-constexpr std::size_t kShortestGuess = 4;
-constexpr std::size_t kMostGuesses = 3;
-// More than what words add up to.
-constexpr double kReadsAlike = 20;
-constexpr std::size_t kLongestWord = 40;
-constexpr std::size_t kMostWords = 24;
-// More words than these are a question, in which some tell nothing: what they weigh counts more than how many a page
-// has.
-constexpr std::size_t kMostKeywords = 2;
-
-// Words that stand in every question and tell nothing about it.
-constexpr auto kSmallWords = std::to_array<std::string_view>(
-    {"a",    "an",    "and",    "any",   "are",   "as",    "at",    "be",   "but",  "by",   "can",  "could",
-     "did",  "do",    "does",   "doe",   "dont",  "for",   "from",  "get",  "got",  "ha",   "had",  "has",
-     "have", "how",   "i",      "if",    "in",    "into",  "is",    "it",   "its",  "me",   "my",   "no",
-     "not",  "of",    "on",     "onto",  "or",    "our",   "out",   "so",   "some", "that", "the",  "their",
-     "them", "there", "they",   "this",  "thi",   "to",    "up",    "us",   "use",  "want", "was",  "wa",
-     "we",   "what",  "when",   "where", "which", "who",   "why",   "will", "with", "you",  "your", "then",
-     "than", "after", "before", "make",  "mean",  "means", "please"});
-
-// Endings, the longer first, with what stands for them, and how many letters a word keeps at least.
-struct Ending {
-  std::string_view ending;
-  std::string_view instead;
-  std::size_t least = 3;
+// What a word in a part of a page weighs, and how many words such a part usually has: the more it has, the less each
+// of them says.
+struct Field {
+  double weight;
+  double usual;
 };
-constexpr auto kEndings = std::to_array<Ending>({{"nesses", ""},
-                                                 {"ings", ""},
-                                                 {"ness", ""},
-                                                 {"tions", "t"},
-                                                 {"tion", "t"},
-                                                 {"ies", "y"},
-                                                 {"ing", ""},
-                                                 {"ers", "", 4},
-                                                 {"ed", ""},
-                                                 {"er", "", 4},
-                                                 {"es", ""},
-                                                 {"ly", ""},
-                                                 {"s", ""},
-                                                 {"e", ""}});
-constexpr std::size_t kShortestStem = 3;
+// These figures and those below are the best of some hundred that were tried on questions of strangers (tests/help);
+// most may be half or twice as large and find the same.
+constexpr Field kInTitle{6, 3};
+constexpr Field kInKeywords{3, 40};
+constexpr Field kInQuestions{4.5, 250};
+constexpr Field kInText{1.5, 180};
+constexpr double kByLength = 0.15;
+// The weight of a page at which half of what a word can add is reached.
+constexpr double kHalf = 2.5;
 
-bool IsWordCharacter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || static_cast<unsigned char>(c) >= 0x80;
-}
+// What others stand for, against the word itself.
+constexpr double kConceptPart = 0.6;
+constexpr double kAkinPart = 0.4;
+constexpr double kPrefixPart = 0.5;
+constexpr double kCutPart = 0.8;
+constexpr double kGuessPart = 0.4;
+// A pair of neighbours is there in addition to its words.
+constexpr double kPairPart = 0.3;
 
-std::string Stem(std::string word) {
-  if (word.ends_with("ss") || word.ends_with("us")) return word;
-  for (const auto& [ending, instead, least] : kEndings) {
-    if (!word.ends_with(ending) || word.size() < ending.size() + least) continue;
-    word.replace(word.size() - ending.size(), ending.size(), instead);
-    break;
-  }
-  const std::size_t size = word.size();
-  const bool isDoubled = size > kShortestStem && word[size - 1] == word[size - 2];
-  if (isDoubled && std::string_view("lsz").find(word.back()) == std::string_view::npos) word.pop_back();
-  return word;
-}
+// What a page gains for a phrase of its own that is the question, against what the words add up to.
+constexpr double kNearest = 3;
+// A phrase counts as somewhat longer than it is: a single word in common is no question in common.
+constexpr double kPhraseRest = 2;
 
-// How many letters have to be inserted, left out, replaced or exchanged with the next one; more than `most` is most
-// + 1.
-std::size_t Distance(std::string_view a, std::string_view b, std::size_t most) {
-  if (a.size() > b.size() + most || b.size() > a.size() + most) return most + 1;
-  std::vector<std::size_t> before;
-  std::vector<std::size_t> last(b.size() + 1);
-  for (std::size_t j = 0; j <= b.size(); ++j) last[j] = j;
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::vector<std::size_t> row(b.size() + 1, i);
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      row[j] = std::min({row[j - 1] + 1, last[j] + 1, last[j - 1] + (a[i - 1] == b[j - 1] ? 0U : 1U)});
-      const bool isExchanged = i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
-      if (isExchanged) row[j] = std::min(row[j], before[j - 2] + 1);
-    }
-    before = std::exchange(last, std::move(row));
-  }
-  return last.back();
-}
+// Pages with less than this part of what the best one has are not shown.
+constexpr double kLeastScore = 0.25;
+
+constexpr std::size_t kShortestPrefix = 2;
+constexpr std::size_t kShortestGuess = 4;  // words of fewer letters are not guessed at
+constexpr std::size_t kShortestPiece = 3;
+constexpr std::size_t kMostGuesses = 5;
+constexpr std::size_t kMostWords = 24;
+// No word that is typed begins so.
+constexpr char kConceptMark = '#';
 
 }  // namespace
 
-std::vector<std::string> WordsOf(std::string_view text, bool withSmall) {
-  std::vector<std::string> words;
-  std::string word;
-  const auto end = [&] {
-    const bool isSmall = std::ranges::find(kSmallWords, std::string_view(word)) != kSmallWords.end();
-    if (!word.empty() && word.size() <= kLongestWord && (withSmall || !isSmall)) words.push_back(Stem(word));
-    word.clear();
-  };
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i] >= 'A' && text[i] <= 'Z' ? static_cast<char>(text[i] - 'A' + 'a') : text[i];
-    const bool isInside = (c == '/' && word.size() == 1) || c == '\'';  // "O/S" and "can't" are one word
-    if (IsWordCharacter(c)) {
-      word += c;
-    } else if (!isInside) {
-      end();
-    }
-  }
-  end();
-  return words;
-}
-
 HelpSearch::HelpSearch(const HelpBook& book) {
-  AddSynonyms();
-  for (const HelpBook::Entry& entry : book.Contents()) {
-    const HtmlPage page = ReadHtmlPage(book.Read(entry.page).value_or(""));
-    const std::size_t index = mPages.size();
-    mPages.push_back({{entry.page, entry.title, 0}, {WordsOf(entry.title, false)}});
-    for (std::string_view left = page.keywords; !left.empty();) {
-      mPages.back().phrases.push_back(WordsOf(TakeField(left, ','), false));
-    }
-    Add(entry.title, kInTitle, index);
-    Add(page.keywords, kInSynonyms, index);
-    Add(page.text, kInText, index);
-  }
+  AddConcepts();
+  for (const HelpBook::Entry& entry : book.Contents()) AddPage(book, entry);
+  WeighTerms();
 }
 
-void HelpSearch::AddSynonyms() {
+void HelpSearch::AddConcepts() {
+  std::size_t number = 0;
   for (const std::string_view group : SynonymGroups()) {
-    const std::vector<std::string> words = WordsOf(group, true);
-    for (const std::string& word : words) {
-      std::ranges::copy_if(words, std::back_inserter(mSynonyms[word]),
-                           [&word](const std::string& other) { return other != word; });
+    const std::string row = kConceptMark + std::to_string(++number);
+    mTerms[row];  // there, also when no page has one of its words
+    for (const std::string& word : WordsOf(group, true)) {
+      mTerms[word].concepts.push_back(row);
+      mTerms[word].isWord = true;
     }
   }
 }
 
-// The first time counts most: a long page is no better one.
-void HelpSearch::Add(std::string_view text, double weight, std::size_t page) {
-  std::map<std::string, int> counts;
-  for (const std::string& word : WordsOf(text, true)) ++counts[word];
-  for (const auto& [word, count] : counts) mWords[word][page] += weight * (1 + std::log(count) / 2);
+void HelpSearch::AddPage(const HelpBook& book, const HelpBook::Entry& entry) {
+  const HtmlPage page = ReadHtmlPage(book.Read(entry.page).value_or(""));
+  const std::size_t index = mPages.size();
+  mPages.push_back({entry.page, entry.title, 0});
+  // An error is looked for by what its message says, too.
+  std::string questions = page.questions;
+  if (const HelpTopic* topic = FindHelpTopic(std::string_view(entry.page).substr(0, entry.page.find('.')))) {
+    for (const std::string_view phrase : ErrorPhrasesOf(*topic)) questions += "; " + std::string(phrase);
+  }
+  AddField(entry.title, kInTitle.weight, kInTitle.usual, index);
+  AddField(page.keywords, kInKeywords.weight, kInKeywords.usual, index);
+  AddField(questions, kInQuestions.weight, kInQuestions.usual, index);
+  AddField(page.text, kInText.weight, kInText.usual, index);
+  AddPhrases(entry.title, ';', index);
+  AddPhrases(page.keywords, ',', index);
+  AddPhrases(questions, ';', index);
+}
+
+std::vector<std::string> HelpSearch::WithConcepts(std::vector<std::string> terms) const {
+  const std::vector<std::string> words = terms;
+  for (const std::string& word : words) {
+    if (const auto term = mTerms.find(word); term != mTerms.end())
+      std::ranges::copy(term->second.concepts, std::back_inserter(terms));
+  }
+  return terms;
+}
+
+// The more words a part of a page has, the less each of them says.
+void HelpSearch::AddField(std::string_view text, double weight, double usual, std::size_t page) {
+  const auto length = static_cast<double>(WordsOf(text, false).size());
+  const double each = weight / (1 - kByLength + kByLength * length / usual);
+  for (const std::string& term : WithConcepts(TermsOf(text, true))) mTerms[term].pages[page] += each;
+  for (const std::string& word : WordsOf(text, true)) mTerms[word].isWord = true;
+}
+
+void HelpSearch::AddPhrases(std::string_view list, char separator, std::size_t page) {
+  while (!list.empty()) {
+    const std::string_view phrase = TakeField(list, separator);
+    for (const std::string& term : WithConcepts(TermsOf(phrase, false))) mTerms[term].phrases[mPhrases.size()] = 1;
+    mPhrases.push_back({page, 0});
+  }
+}
+
+void HelpSearch::WeighTerms() {
+  const auto all = static_cast<double>(mPages.size());
+  for (auto& [word, term] : mTerms) {
+    double sum = 0;
+    double squares = 0;
+    for (const auto& [page, weight] : term.pages) {
+      sum += weight;
+      squares += weight * weight;
+    }
+    const double pages = sum > 0 ? sum * sum / squares : 0;
+    term.rarity = std::log(1 + (all - pages + 0.5) / (pages + 0.5));
+  }
+  // "CPU" stands on one page, and tells as little as "controller".
+  for (auto& [word, term] : mTerms) {
+    if (term.concepts.empty()) continue;
+    double least = term.rarity;
+    for (const std::string& each : term.concepts) least = std::min(least, mTerms.at(each).rarity);
+    term.rarity = std::midpoint(term.rarity, least);
+  }
+  for (const auto& [word, term] : mTerms) {
+    if (word.starts_with(kConceptMark)) continue;
+    for (const auto& [phrase, count] : term.phrases) mPhrases[phrase].weight += term.rarity;
+  }
 }
 
 HelpSearch::Answer HelpSearch::Find(std::string_view question) const {
+  Answer answer;
   std::vector<std::string> words = WordsOf(question, false);
   if (words.empty()) words = WordsOf(question, true);
   if (words.size() > kMostWords) words.resize(kMostWords);
-  Answer answer;
+  std::vector<Meanings> asked;
+  for (const std::string& word : words) asked.push_back(Look(word, answer.taken));
   std::vector<double> scores(mPages.size());
   std::vector<std::size_t> found(mPages.size());
-  for (const std::string& word : words) {
-    const Match match = Look(word);
-    answer.taken.insert(answer.taken.end(), match.taken.begin(), match.taken.end());
-    for (const auto& [page, weight] : match.weights) {
+  for (const Meanings& meanings : asked) {
+    for (const auto& [page, weight] : Weigh(meanings, &Term::pages)) {
       scores[page] += weight;
       ++found[page];
     }
   }
-  std::vector<std::size_t> order;
-  for (std::size_t page = 0; page < mPages.size(); ++page) {
-    if (found[page] == 0) continue;
-    order.push_back(page);
-    if (std::ranges::find(mPages[page].phrases, words) != mPages[page].phrases.end()) scores[page] += kReadsAlike;
+  for (const std::string& pair : PairsOf(question)) {
+    Meanings meanings;
+    AddMeaning(pair, kPairPart, meanings);
+    if (meanings.empty()) continue;
+    for (const auto& [page, weight] : Weigh(meanings, &Term::pages)) scores[page] += weight;
+    asked.push_back(std::move(meanings));
   }
-  const bool isQuestion = words.size() > kMostKeywords;
-  const auto rank = [&](std::size_t page) {
-    return std::tuple(isQuestion ? 0 : found[page], scores[page], mPages.size() - page);
-  };
-  std::ranges::sort(order, std::ranges::greater(), rank);
+  AddNearest(asked, scores);
+  std::vector<std::size_t> order(mPages.size());
+  std::iota(order.begin(), order.end(), 0U);
+  std::ranges::sort(order, {}, [&](std::size_t page) { return std::pair(-scores[page], page); });
   for (const std::size_t page : order) {
-    const bool hasAll = found[page] == words.size();
-    if (answer.hits.size() >= (hasAll ? kMostHits : kFewHits)) break;
-    answer.complete += hasAll ? 1U : 0U;
-    answer.hits.push_back(mPages[page].hit);
+    if (answer.hits.size() == kMostHits || scores[page] <= kLeastScore * scores[order.front()]) break;
+    answer.hits.push_back(mPages[page]);
     answer.hits.back().score = scores[page];
+    answer.complete += found[page] == words.size() ? 1U : 0U;
   }
   return answer;
 }
 
-void HelpSearch::AddMatches(const std::string& stem, double part, Weights& weights) const {
-  const auto found = mWords.find(stem);
-  if (found == mWords.end()) return;
-  // What stands on few pages tells more than what stands on all.
-  const double rarity = std::log(1 + static_cast<double>(mPages.size()) / static_cast<double>(found->second.size()));
-  for (const auto& [page, weight] : found->second) {
-    double& best = weights[page];
-    best = std::max(best, part * weight * rarity);
+// What the meanings weigh on each page: the best of them counts.
+HelpSearch::Weights HelpSearch::Weigh(const Meanings& meanings, Weights Term::* where) const {
+  Weights weights;
+  for (const Meaning& meaning : meanings) {
+    const Term& term = mTerms.at(meaning.term);
+    for (const auto& [place, weight] : term.*where) {
+      double& best = weights[place];
+      best = std::max(best, meaning.part * term.rarity * weight * (1 + kHalf) / (weight + kHalf));
+    }
+  }
+  return weights;
+}
+
+double HelpSearch::MostOf(const Meanings& meanings) const {
+  double most = 0;
+  for (const auto& [term, part] : meanings) most = std::max(most, part * mTerms.at(term).rarity);
+  return most;
+}
+
+void HelpSearch::AddNearest(const std::vector<Meanings>& asked, std::vector<double>& scores) const {
+  double all = 0;
+  Weights common;
+  for (const Meanings& meanings : asked) {
+    all += MostOf(meanings);
+    for (const auto& [phrase, weight] : Weigh(meanings, &Term::phrases)) common[phrase] += weight;
+  }
+  std::vector<std::pair<double, double>> nearest(mPages.size());  // the best two
+  for (const auto& [phrase, weight] : common) {
+    auto& [first, second] = nearest[mPhrases[phrase].page];
+    double near = weight / std::sqrt((all + kPhraseRest) * (mPhrases[phrase].weight + kPhraseRest));
+    if (near > first) std::swap(near, first);
+    second = std::max(second, near);
+  }
+  for (std::size_t page = 0; page < mPages.size(); ++page) {
+    scores[page] += kNearest * all * (nearest[page].first + nearest[page].second / 2);
   }
 }
 
-HelpSearch::Match HelpSearch::Look(const std::string& stem) const {
-  Match match;
-  AddMatches(stem, 1, match.weights);
-  if (stem.size() >= kShortestPrefix) {
-    for (auto word = mWords.upper_bound(stem); word != mWords.end() && word->first.starts_with(stem); ++word) {
-      AddMatches(word->first, kPrefixPart, match.weights);
+void HelpSearch::AddMeaning(const std::string& word, double part, Meanings& meanings) const {
+  const auto term = mTerms.find(word);
+  if (term == mTerms.end()) return;
+  if (!term->second.pages.empty()) meanings.push_back({word, part});
+  for (const std::string& each : term->second.concepts) {
+    if (!mTerms.at(each).pages.empty()) meanings.push_back({each, kConceptPart * part});
+  }
+}
+
+HelpSearch::Meanings HelpSearch::Look(const std::string& word, std::vector<std::string>& taken) const {
+  Meanings meanings;
+  AddMeaning(word, 1, meanings);
+  const bool isKnown = !meanings.empty();
+  const std::string beginning = word.substr(0, std::min(word.size(), kLettersOfAkin));
+  for (auto at = mTerms.lower_bound(beginning); at != mTerms.end() && at->first.starts_with(beginning); ++at) {
+    if (at->first == word || !at->second.isWord) continue;
+    if (AreAkin(word, at->first)) {
+      AddMeaning(at->first, kAkinPart, meanings);
+    } else if (word.size() >= kShortestPrefix && at->first.starts_with(word)) {
+      AddMeaning(at->first, isKnown ? kPrefixPart / 2 : kPrefixPart, meanings);
     }
   }
-  if (const auto others = mSynonyms.find(stem); others != mSynonyms.end()) {
-    for (const std::string& other : others->second) AddMatches(other, kSynonymPart, match.weights);
+  if (!meanings.empty()) return meanings;
+  AddPieces(word, meanings);
+  if (!meanings.empty()) return meanings;
+  for (const std::string& each : NearlySpelt(word)) {
+    AddMeaning(each, kGuessPart, meanings);
+    taken.push_back(each);
   }
-  if (match.weights.empty()) {
-    match.taken = NearlySpelt(stem);
-    // A shorter word leaves out letters that somebody has typed.
-    for (const std::string& word : match.taken) {
-      AddMatches(word, word.size() < stem.size() ? kPrefixPart : 1, match.weights);
-    }
+  return meanings;
+}
+
+// "clonefile" is "clone" and "file", and "com12" is "com".
+void HelpSearch::AddPieces(const std::string& word, Meanings& meanings) const {
+  const std::size_t letters = word.find_last_not_of("0123456789") + 1;
+  if (letters >= kShortestPrefix && letters < word.size()) return AddMeaning(word.substr(0, letters), 1, meanings);
+  for (std::size_t at = kShortestPiece; at + kShortestPiece <= word.size(); ++at) {
+    const std::vector<std::string> pieces = WordsOf(word.substr(0, at) + " " + word.substr(at), true);
+    if (!std::ranges::all_of(pieces, [&](const std::string& each) { return mTerms.contains(each); })) continue;
+    for (const std::string& each : pieces) AddMeaning(each, kCutPart, meanings);
+    return;
   }
-  return match;
 }
 
 // The words with the fewest letters that differ.
-std::vector<std::string> HelpSearch::NearlySpelt(const std::string& stem) const {
-  if (stem.size() < kShortestGuess) return {};
-  std::size_t least = stem.size() < 2 * kShortestGuess ? 1 : 2;
+std::vector<std::string> HelpSearch::NearlySpelt(const std::string& word) const {
+  if (word.size() < kShortestGuess) return {};
+  std::size_t least = word.size() < 2 * kShortestGuess ? 1 : 2;
   std::vector<std::string> nearest;
-  for (const auto& [word, pages] : mWords) {
-    const std::size_t distance = Distance(stem, word, least);
+  for (const auto& [each, term] : mTerms) {
+    if (!term.isWord) continue;
+    const std::size_t distance = Distance(word, each, least);
     if (distance > least) continue;
     if (distance < least) nearest.clear();
     least = distance;
-    if (nearest.size() < kMostGuesses) nearest.push_back(word);
+    if (nearest.size() < kMostGuesses) nearest.push_back(each);
   }
   return nearest;
 }

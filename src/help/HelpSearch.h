@@ -10,11 +10,11 @@
 
 namespace kv {
 
-// Finds pages by the words of their users: a page has all words of the question, as they are, in another form, or as
-// the beginning of a longer one. Title and synonyms count more than the text, and the word itself more than its
-// beginning; a title or synonym that reads like the question counts most. What others say for a word counts, too. A
-// word that stands nowhere is taken for those that it is nearly spelt like. Where few pages have all words, those with
-// the most follow.
+// Finds pages by the words of their users. Two things count: how much the words of the question weigh on a page (more
+// in its title and among its own words than in its text, more where few pages have them, hardly more for the tenth
+// time), and how near the question is to something that people ask and the page is known to answer. A word stands for
+// itself, and with less weight for what begins with it, what is of its family, what others say for it, and, where it
+// stands nowhere, for what is nearly spelt like it.
 class HelpSearch {
  public:
   explicit HelpSearch(const HelpBook& book);
@@ -26,38 +26,52 @@ class HelpSearch {
   };
   struct Answer {
     std::vector<Hit> hits;           // the best first
-    std::size_t complete = 0;        // so many of them, the first, have all words
+    std::size_t complete = 0;        // so many of them have all words
     std::vector<std::string> taken;  // what was taken instead of words that stand nowhere: "modem" for "modme"
   };
   [[nodiscard]] Answer Find(std::string_view question) const;
 
  private:
   static constexpr std::size_t kMostHits = 30;
-  static constexpr std::size_t kFewHits = 5;
 
-  using Weights = std::map<std::size_t, double>;  // by page
-  struct Match {
-    Weights weights;
-    std::vector<std::string> taken;
+  using Weights = std::map<std::size_t, double>;  // by page, or by phrase
+  // What a word of a question stands for: a term of the pages, and for which part of it.
+  struct Meaning {
+    std::string term;
+    double part = 1;
   };
-  struct Page {
-    Hit hit;
-    std::vector<std::vector<std::string>> phrases;  // its title and synonyms, in words
+  using Meanings = std::vector<Meaning>;
+  // A title, a keyword or a question of a page, with what its words weigh.
+  struct Phrase {
+    std::size_t page = 0;
+    double weight = 0;
+  };
+  struct Term {
+    Weights pages;
+    Weights phrases;
+    std::vector<std::string> concepts;  // what it is one word of several for
+    bool isWord = false;                // and no pair of neighbours
+    double rarity = 0;                  // what stands on few pages tells more than what stands on all
   };
 
-  void Add(std::string_view text, double weight, std::size_t page);
-  void AddSynonyms();
-  void AddMatches(const std::string& stem, double part, Weights& weights) const;
-  [[nodiscard]] Match Look(const std::string& stem) const;
-  [[nodiscard]] std::vector<std::string> NearlySpelt(const std::string& stem) const;
+  void AddConcepts();
+  void AddPage(const HelpBook& book, const HelpBook::Entry& entry);
+  void AddField(std::string_view text, double weight, double usual, std::size_t page);
+  void AddPhrases(std::string_view list, char separator, std::size_t page);
+  [[nodiscard]] std::vector<std::string> WithConcepts(std::vector<std::string> terms) const;
+  void WeighTerms();
 
-  std::vector<Page> mPages;
-  std::map<std::string, Weights> mWords;
-  std::map<std::string, std::vector<std::string>> mSynonyms;
+  [[nodiscard]] Meanings Look(const std::string& word, std::vector<std::string>& taken) const;
+  void AddMeaning(const std::string& term, double part, Meanings& meanings) const;
+  void AddPieces(const std::string& word, Meanings& meanings) const;
+  [[nodiscard]] std::vector<std::string> NearlySpelt(const std::string& word) const;
+  [[nodiscard]] Weights Weigh(const Meanings& meanings, Weights Term::* where) const;
+  [[nodiscard]] double MostOf(const Meanings& meanings) const;
+  void AddNearest(const std::vector<Meanings>& asked, std::vector<double>& scores) const;
+
+  std::vector<Hit> mPages;
+  std::vector<Phrase> mPhrases;
+  std::map<std::string, Term> mTerms;
 };
-
-// The words of a text in small letters and in the form in which they are compared: "downloads" and "downloading" as
-// "download". `withSmall`: also "the", "how" and the like.
-[[nodiscard]] std::vector<std::string> WordsOf(std::string_view text, bool withSmall);
 
 }  // namespace kv

@@ -164,4 +164,12 @@ const HelpTopic* HelpTopicOfError(std::string_view message) {
   return nullptr;
 }
 
+std::vector<std::string_view> ErrorPhrasesOf(const HelpTopic& topic) {
+  std::vector<std::string_view> phrases;
+  for (const ErrorPhrase& row : kErrorPhrases) {
+    if (row.number == topic.number) phrases.push_back(row.phrase);
+  }
+  return phrases;
+}
+
 }  // namespace kv

@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kv {
 
@@ -29,6 +30,9 @@ struct HelpTopic {
 
 // The topic of an error message: of the first family one of whose phrases stands in it; null when it is of none.
 [[nodiscard]] const HelpTopic* HelpTopicOfError(std::string_view message);
+
+// What the error messages of a topic say: the phrases by which they are known.
+[[nodiscard]] std::vector<std::string_view> ErrorPhrasesOf(const HelpTopic& topic);
 
 // In the folder of the help: the compiled file, and the same pages as they are.
 inline constexpr const char* kHelpFile = "KvTeleExe.chm";

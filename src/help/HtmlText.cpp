@@ -69,6 +69,7 @@ HtmlPage ReadHtmlPage(std::string_view html) {
     if (tag->name == "/TITLE") page.title = before;
     if (tag->name == "/STRONG") page.terms.push_back(before);
     if (tag->name == "META" && tag->Value("name") == "keywords") page.keywords = tag->Value("content");
+    if (tag->name == "META" && tag->Value("name") == "questions") page.questions = tag->Value("content");
     if (tag->name == "A") page.links.push_back(tag->Value("href"));
     if (tag->name == "IMG") page.links.push_back(tag->Value("src"));
     if (isBody) page.text += before + (IsInline(tag->name) ? "" : " ");

@@ -32,6 +32,7 @@ class HtmlTags {
 struct HtmlPage {
   std::string title;               // the text of <title>
   std::string keywords;            // of <meta name="keywords">
+  std::string questions;           // of <meta name="questions">, with semicolons between
   std::string text;                // what a reader sees, without the title
   std::vector<std::string> links;  // of <a href> and <img src>
   std::vector<std::string> terms;  // what is emphasised strongly
