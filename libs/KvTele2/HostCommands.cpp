@@ -36,6 +36,18 @@ constexpr std::array kController{
     HostCommand{"ID_Modem",                "Mo&dem Settings...",               "",             "Number and dialling of the modem",                                        "modem",     ""},
     HostCommand{kTrace,                    "&Trace of the Link...",            "Ctrl+T",       "Shows everything that passes on the link, with its time",                 "trace",     ""},
 };
+constexpr std::array kPanel{
+    HostCommand{kOperate,                  "&Operate...",                      "F9",           "Lets you press what is on the controller's screen, after a question",     "hand",      "Operate"},
+    HostCommand{kViewOnly,                 "&View Only",                       "Shift+F9",     "Ends operating: nothing that is pressed leaves the program any more",     "eye",       ""},
+    kSeparator,
+    HostCommand{kScale,                    "&Scale",                           "",             "How large the dots of the screen are shown",                              "scale",     ""},
+    HostCommand{kFullScreen,               "&Full Screen",                     "F11",          "Shows the panel alone on the whole screen; Esc leads back",               "fullscreen", ""},
+    kSeparator,
+    HostCommand{kCopyPicture,              "&Copy Picture",                    "Ctrl+Shift+P", "Puts the picture of the screen onto the clipboard",                       "copy",      ""},
+    HostCommand{kSavePicture,              "Save &Picture...",                 "Ctrl+Shift+S", "Saves the picture of the screen as a PNG file",                           "save",      ""},
+    HostCommand{kCopyTexts,                "Copy &Texts",                      "Ctrl+Shift+T", "Puts the texts on the screen onto the clipboard, or those selected",      "copy",      ""},
+    HostCommand{kFindText,                 "F&ind Text...",                    "Ctrl+F",       "Looks for a text on the screen",                                          "search",    ""},
+};
 constexpr std::array kView{
     HostCommand{kTheme,                    "&Theme",                           "",             "Light or dark colours, or those of the system",                           "theme",     ""},
 };
@@ -63,9 +75,10 @@ constexpr std::array kHelp{
 };
 // clang-format on
 
-constexpr std::array<HostMenu, 7> kMenus{{
+constexpr std::array<HostMenu, 8> kMenus{{
     {"&File", kFile},
     {"&Controller", kController},
+    {"&Panel", kPanel},
     {"&View", kView},
     {"&Tools", kTools},
     {"&User", kUser},

@@ -41,6 +41,15 @@ inline constexpr std::string_view kSimulate = "HOST_Simulate";
 // Of the start page, in no menu: On Line with the session named, and a new one.
 inline constexpr std::string_view kStartSession = "HOST_StartSession";
 inline constexpr std::string_view kNewSession = "HOST_NewSession";
+// Of the panel. The scale has an argument (PanelScale), one entry each.
+inline constexpr std::string_view kOperate = "HOST_Operate";
+inline constexpr std::string_view kViewOnly = "HOST_ViewOnly";
+inline constexpr std::string_view kScale = "HOST_Scale";
+inline constexpr std::string_view kFullScreen = "HOST_FullScreen";
+inline constexpr std::string_view kCopyPicture = "HOST_CopyPicture";
+inline constexpr std::string_view kSavePicture = "HOST_SavePicture";
+inline constexpr std::string_view kCopyTexts = "HOST_CopyTexts";
+inline constexpr std::string_view kFindText = "HOST_FindText";
 inline constexpr std::string_view kTrace = "HOST_Trace";
 inline constexpr std::string_view kSavePages = "HOST_SavePages";
 inline constexpr std::string_view kClosePages = "HOST_ClosePages";

@@ -87,7 +87,8 @@ std::string TilesNote(const HostState& state) {
 
 MiddlePage MiddlePageOf(const HostState& state) {
   const bool isHeld = state.connection == ConnectionState::Online || state.connection == ConnectionState::Lost;
-  return isHeld ? MiddlePage::Values : MiddlePage::Start;
+  if (!isHeld) return MiddlePage::Start;
+  return state.hasPanel ? MiddlePage::Panel : MiddlePage::Values;
 }
 
 bool IsOfferedModel(std::string_view model) {

@@ -56,6 +56,8 @@ struct HostState {
   std::optional<int> secondsToTry;            // until a lost controller is looked for again; 0: now
 
   std::vector<ShownTile> tiles;  // on line or lost
+  bool hasPanel = false;         // on line or lost, with a controller that has told what its screen is
+  std::string panelNote;         // what became of the last press, where there is something to say
 
   std::vector<SessionCard> sessions;  // to choose from while no controller is on line
   std::string sessionsFault;          // why there are none
@@ -85,7 +87,7 @@ struct HostState {
 // What is said above the tiles: what they are, or why there are none.
 [[nodiscard]] std::string TilesNote(const HostState& state);
 // Which page stands in the middle.
-enum class MiddlePage { Start, Values };
+enum class MiddlePage { Start, Values, Panel };
 [[nodiscard]] MiddlePage MiddlePageOf(const HostState& state);
 // Whether the catalogue offers this model for selection, and whether it is offered among those of the Aurex family.
 [[nodiscard]] bool IsOfferedModel(std::string_view model);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <expected>
 #include <string>
 
 #include "KvTele2/HostState.h"
@@ -11,8 +12,9 @@ namespace kv {
 class HostView {
  public:
   enum class Wait {
-    Asked,  // the user waits for it: shown, and other input is refused
-    Quiet,  // goes on behind the user's back: takes nothing from him; the host is told when it lasts (NoteSilence)
+    Asked,   // the user waits for it: shown, and other input is refused
+    Quiet,   // goes on behind the user's back: takes nothing from him; the host is told when it lasts (NoteSilence)
+    Screen,  // the same of the panel: its user presses at any time, so that input is delivered from the first moment
   };
 
   virtual ~HostView() = default;
@@ -26,6 +28,8 @@ class HostView {
   // request. Waits are not nested.
   virtual void BeginWait(Wait wait, const std::string& what) = 0;
   virtual void EndWait() = 0;
+  // Saves the panel's screen as it is shown, dot for dot, as a PNG file. The error is a sentence for the user.
+  [[nodiscard]] virtual std::expected<void, std::string> SavePicture(const std::string& path) = 0;
 };
 
 }  // namespace kv

@@ -32,9 +32,10 @@ TelepanelHost::TelepanelHost(HostView& view, HostServices services) : mView(view
 void TelepanelHost::Click(std::string_view id, const std::string& argument) {
   const bool isPossible = mState.isEnabled && WhyDisabled(id).empty();
   const bool isBusy = mIsInTool || mIsAsking;
-  if (isBusy && isPossible && mWait == HostView::Wait::Quiet) {
+  if (isBusy && isPossible && IsBehindBack()) {
     mNext = Order{std::string(id), argument};
-    mServices.pacer.RequestStop();
+    // An exchange of the panel is over soon. Whether one that was stopped has pressed something would not be known.
+    if (mWait == HostView::Wait::Quiet || mState.isSilent) mServices.pacer.RequestStop();
   } else if (isBusy && mWait && id == command::kExit) {
     mServices.pacer.RequestStop();  // whoever closes the window during a wait ends the wait
   }
@@ -72,18 +73,21 @@ std::string TelepanelHost::WhyDisabled(std::string_view id) const {
   if (id == command::kSavePages && !(mState.controller && IsProjectName(mState.controller->project))) {
     return "The controller that is on line has no project.";
   }
+  if (std::string why = WhyPanelDisabled(id); !why.empty()) return why;
   const bool isOfLog = id == command::kCopyLog || id == command::kClearLog;
   if (isOfLog && mJournal.Entries().empty()) return "The log is empty.";
   return {};
 }
 
 void TelepanelHost::ClickTool(const std::string& id, const std::string& argument) {
+  PausePanel();
   mIsInTool = true;
   mLastMessage.clear();
   const ScopeGuard done([this] {
     mIsInTool = mState.isWithTool = false;
     mIsVersionOld = true;  // it may have replaced the O/S
     mAreTilesOld = true;
+    if (mPanel) mPanel->Resume();
   });
   if (OnToolClicked) OnToolClicked(id, argument);
   mWatch.AskNow();  // what the tool did to the controller or to the link is seen at once
@@ -100,6 +104,7 @@ void TelepanelHost::ClickOwn(std::string_view id, const std::string& argument) {
   if (id == command::kSimulate) Simulate();
   if (id == command::kTakeModel) TakeModel();
   if (id == command::kClearLog) mJournal.Clear();
+  ClickPanel(id);
   if (id == command::kTrace && OnTraceWanted) OnTraceWanted();
 }
 

@@ -13,6 +13,8 @@
 #include "KvTele2/HostView.h"
 #include "KvTele2/Journal.h"
 #include "KvTele2/LinkWatch.h"
+#include "KvTele2/panel/PanelSession.h"
+#include "KvTele2/panel/ResourceFetch.h"
 #include "desktop/Pacer.h"
 #include "desktop/Prompts.h"
 #include "desktop/StopScope.h"
@@ -61,7 +63,18 @@ class TelepanelHost final : public RemoteHost {
   // To be called instead while another window or a box holds up the main window: what a tool's exchanges have shown of
   // the controller is told; nothing is asked.
   void FollowTool();
-  // To be called by the view when a quiet wait has lasted for about a second.
+
+  // The panel of the controller that is on line; null: it has none, has not told yet, or none is on line. It ends with
+  // the link. Its steps are made here, because the link has other users.
+  [[nodiscard]] panel::PanelSession* Panel() { return mState.hasPanel ? mPanel.get() : nullptr; }
+  [[nodiscard]] const panel::ScreenResources& PanelResources() const { return mResources; }
+  // At most one exchange. To be called when NextPanelStep says so, and after each input; `pressedNow` is what is
+  // pressed at this moment.
+  void StepPanel(const std::optional<panel::PanelPlace>& pressedNow);
+  // Nothing: not before the state has changed.
+  [[nodiscard]] std::optional<Duration> NextPanelStep();
+
+  // To be called by the view when a wait behind the user's back has lasted for about a second.
   void NoteSilence();
 
   [[nodiscard]] bool Enabled() const override { return mState.isEnabled; }
@@ -139,6 +152,23 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] bool ReadTile(std::size_t index);
   void ShowTiles();
 
+  // The panel (TelepanelHostPanel.cpp).
+  void OpenPanel();
+  void DescribePanel();
+  void ClickPanel(std::string_view id);
+  void OperatePanel();
+  [[nodiscard]] bool OpenAccess();
+  void SavePicture();
+  void TellPanel();
+  [[nodiscard]] bool MayStepPanel() const;
+  void MakePanelStep(const std::optional<panel::PanelPlace>& pressedNow);
+  void PausePanel();
+  void FetchWhenFast();
+  [[nodiscard]] bool HasToFetch();
+  [[nodiscard]] bool FetchPiece();
+  void LosePanelLink(const LinkError& error);
+  [[nodiscard]] std::string WhyPanelDisabled(std::string_view id) const;
+
   void Connect(const std::string& argument);
   void GoOffline(const std::string& why, const std::string& trouble);
   void GoOnlineWithOther(const std::string& told);
@@ -151,6 +181,8 @@ class TelepanelHost final : public RemoteHost {
   void TakeFailure(const LinkError& error);
   void BeginWait(HostView::Wait wait, const std::string& what);
   void EndWait();
+  // The wait that is under way takes nothing from the user.
+  [[nodiscard]] bool IsBehindBack() const { return mWait && mWait != HostView::Wait::Asked; }
 
   HostView& mView;
   HostServices mServices;
@@ -164,6 +196,11 @@ class TelepanelHost final : public RemoteHost {
   RegionTiles* mTiles = nullptr;
   std::vector<Instant> mTilesDueAt;  // one for each tile
   bool mAreTilesOld = true;          // the session may have other regions by now
+
+  panel::ScreenResources mResources;            // of the controller that is on line
+  std::shared_ptr<panel::PanelSession> mPanel;  // while a controller is on line or lost
+  std::optional<panel::ResourceFetch> mFetch;   // on a fast link
+  panel::PanelMode mPanelMode{};                // that was told last
 
   std::shared_ptr<Channel> mChannel;
   std::uint8_t mUnit = 0;

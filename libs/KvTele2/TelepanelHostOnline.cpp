@@ -82,6 +82,7 @@ void TelepanelHost::GoOnline() {
   mState.connection = ConnectionState::Online;
   mAreTilesOld = true;
   LoadTiles();
+  OpenPanel();
   Show();
 }
 
@@ -93,6 +94,7 @@ void TelepanelHost::RunPanelSession(const std::string& caption) {
   StatusMessage("On line with " + mState.controller->model + ", " + mState.link);
   mState.trouble = MisfitText(mState);
   if (!mState.trouble.empty()) StatusMessage(mState.trouble);
+  DescribePanel();
 }
 
 void TelepanelHost::GoOffline(const std::string& why, const std::string& trouble) {
@@ -115,6 +117,10 @@ void TelepanelHost::GoOnlineWithOther(const std::string& told) {
 }
 
 void TelepanelHost::LetGo() {
+  mFetch.reset();
+  mPanel.reset();
+  mState.hasPanel = false;
+  mState.panelNote.clear();
   mChannel.reset();
   mState.controller.reset();
   mState.quality.reset();
@@ -130,7 +136,7 @@ void TelepanelHost::Tick() {
   if (!mState.isEnabled) return;
   if (mWatch.IsDue(mServices.pacer.Now())) AskController(HostView::Wait::Quiet, "Asking the controller");
   if (const auto other = std::exchange(mOtherAnswered, std::nullopt)) GoOnlineWithOther(*other);
-  ReadTiles();
+  if (!mState.hasPanel) ReadTiles();
   CountDown();
   ShowTiles();
   Show();
@@ -159,7 +165,8 @@ void TelepanelHost::FollowTool() {
 }
 
 void TelepanelHost::NoteSilence() {
-  if (mWait != HostView::Wait::Quiet || !IsOnline() || mState.isSilent) return;
+  if (mNext) mServices.pacer.RequestStop();
+  if (!IsBehindBack() || !IsOnline() || mState.isSilent) return;
   mState.isSilent = true;
   mMessageBefore = std::exchange(mState.message, kSilenceText);
   Show();
@@ -236,6 +243,7 @@ void TelepanelHost::TakeFailure(const LinkError& error) {
   }
   mWatch.Silent(now);
   mState.trouble = trouble;
+  if (mPanel) mPanel->LoseLink(trouble);
   if (mState.connection == ConnectionState::Lost) return;
   mState.connection = ConnectionState::Lost;
   StatusMessage(trouble);

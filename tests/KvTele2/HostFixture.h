@@ -27,6 +27,7 @@ class ShownView : public HostView {
     if (onWait) onWait(wait);
   }
   void EndWait() override { isWaiting = false; }
+  std::expected<void, std::string> SavePicture(const std::string&) override { return {}; }
 
   HostState shown;
   std::size_t entries = 0;

@@ -241,6 +241,11 @@ TEST_F(PanelSessionTest, NothingIsPressedThatWasNotSeen) {
   while (session.Model()->Get<TouchItem>(64)->isDisabled) Run(1ms);
   EXPECT_EQ(refused(kStart), PressRefusal::JustChanged);
   Run(300ms);
+  panel.Show({Touch(70, {50, 0, 10, 10}, "New")});
+  while (!session.Model()->Get<TouchItem>(70)) Run(1ms);
+  EXPECT_EQ(session.Press({.key = std::nullopt, .x = 55, .y = 5}), PressRefusal::None) << "nothing else can be meant";
+  Run(300ms);
+  EXPECT_THAT(Sent(), ElementsAre("Ta"));
   (void)session.TakeReports();
 
   // It changes while the press waits for the link: the link is busy with another one when it is made.
@@ -266,6 +271,29 @@ TEST_F(PanelSessionTest, NothingIsPressedThatWasNotSeen) {
   Run(10ms);
   EXPECT_EQ(refused(kStart), PressRefusal::OldScreen);
   EXPECT_THAT(Sent(), IsEmpty());
+}
+
+// On another page the same word may start another machine.
+TEST_F(PanelSessionTest, DuringAPageChangeWhatCanOnlyBeMeantIsPressedAtOnce) {
+  Operate();
+  panel.Show({Touch(66, {40, 0, 10, 10}, "Recipes", 5), Touch(67, {60, 0, 10, 10}, "Menu")});
+  Run(500ms);
+  panel.Show({Page(2), Touch(64, {0, 0, 10, 10}, "Start"), Touch(66, {40, 0, 10, 10}, "Recipes", 5),
+              Touch(70, {80, 0, 10, 10}, "Oven"), Touch(71, {55, 0, 20, 20}, "Keypad")});
+  while (session.State().page != 2) Run(1ms);
+  const struct {
+    int x;
+    PressRefusal refusal;
+  } cases[] = {{5, PressRefusal::JustChanged},    // "Start" of the page before lay there
+               {45, PressRefusal::None},          // a link, which moves nothing
+               {85, PressRefusal::None},          // nothing lay there
+               {65, PressRefusal::JustChanged}};  // lies over where "Menu" was
+  for (const auto& each : cases) {
+    EXPECT_EQ(session.Press({.key = std::nullopt, .x = each.x, .y = 5}), each.refusal) << each.x;
+  }
+  Run(250ms);
+  EXPECT_THAT(Sent(), ElementsAre("Ta", "Ta"));
+  EXPECT_EQ(session.Press(kStart), PressRefusal::None);
 }
 
 TEST_F(PanelSessionTest, APressWhoseAnswerIsLostIsToldAsUnsureAndNotRepeated) {

@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QStyleFactory>
 #include <QTableView>
 #include <QTest>
@@ -164,6 +165,18 @@ void OpenOperands(Photographer& camera, QMainWindow& window) {
   camera.Take(window, "main-on-line");
 }
 
+// The simulated K670 of the start page, looked at and operated.
+void TakePanel(Photographer& camera, QMainWindow& window) {
+  window.findChild<QPushButton*>("cmdSimulate")->click();
+  QTest::qWait(4000);  // its fonts and images come
+  camera.Take(window, "panel");
+  WithNextDialog(window, [](QDialog& question) { question.findChild<QPushButton*>("cmdYes")->click(); });
+  Trigger(window, "HOST_Operate");
+  QTest::qWait(1000);
+  camera.Take(window, "panel-operate");
+  Trigger(window, "HOST_OffLine");
+}
+
 void ConnectInVain(Photographer& camera, QMainWindow& window) {
   Trigger(window, "ID_OnLine");
   camera.Take(window, "main-no-answer");
@@ -209,5 +222,6 @@ int main(int argc, char** argv) {
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::OpenOperands(camera, window); });
   home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nTcpPort=9\r\n");  // nobody listens there
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::ConnectInVain(camera, window); });
+  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::TakePanel(camera, window); });
   return 0;
 }

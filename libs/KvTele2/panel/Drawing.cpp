@@ -39,7 +39,7 @@ Drawing::Drawing(const ScreenModel& model, const ScreenResources& resources)
 
 void Drawing::Note(const ScreenDelta& delta) {
   if (delta.isAll) return NoteAll();
-  for (const std::uint16_t slot : delta.slots) NoteSlot(slot);
+  for (const std::uint16_t slot : delta.changed) NoteSlot(slot);
 }
 
 void Drawing::NoteAll() {

@@ -88,9 +88,6 @@ PressRefusal Operator::Judge(const PanelPlace& place, const ScreenNow& screen, P
   if (!slot) return NothingThere;
   const auto& touch = *screen.model.Get<TouchItem>(*slot);
   if (touch.isDisabled) return Disabled;
-  const auto known = mKnown.find(*slot);
-  const Instant since = known != mKnown.end() ? std::max(mPageSince, known->second.since) : mPageSince;
-  if (screen.now - since < kSettles) return JustChanged;
   if (mWaiting.size() >= kMostWaiting) return TooMany;
   pressed = {.place = place,
              .slot = *slot,
@@ -98,7 +95,35 @@ PressRefusal Operator::Judge(const PanelPlace& place, const ScreenNow& screen, P
              .epoch = screen.model.Revision().epoch,
              .page = PageNumber(screen.model),
              .made = screen.now};
-  return None;
+  return MayAnotherBeMeant(pressed) ? JustChanged : None;
+}
+
+// The uppermost; null: nothing.
+const Operator::Known* Operator::LayAt(const PanelPlace& place, Instant at) const {
+  const Known* top = nullptr;
+  for (const Known& known : mKnown) {
+    const bool isThere =
+        place.key ? known.slot == kFirstKeySlot + *place.key : known.touch.area.Holds(place.x, place.y);
+    if (isThere && at >= known.since && at < known.until && (top == nullptr || known.slot > top->slot)) top = &known;
+  }
+  return top;
+}
+
+// Whoever presses has seen the screen of some moment since kSettles ago. What lay there at each of them is the same as
+// now, or nothing. On another page the same words may stand for another machine; a link moves none.
+bool Operator::MayAnotherBeMeant(const Pressed& pressed) const {
+  std::vector<Instant> moments{pressed.made - kSettles};
+  for (const Known& known : mKnown) {
+    for (const Instant change : {known.since, known.until}) {
+      if (change > moments.front() && change <= pressed.made) moments.push_back(change);
+    }
+  }
+  return std::ranges::any_of(moments, [&](Instant at) {
+    const Known* lay = LayAt(pressed.place, at);
+    if (lay == nullptr) return false;
+    const bool isSameMachine = lay->page == pressed.page || pressed.seen.role == TouchRole::PageLink;
+    return !isSameMachine || !lay->touch.IsSameTarget(pressed.seen);
+  });
 }
 
 void Operator::DropPresses(PressRefusal why) {
@@ -271,19 +296,22 @@ void Operator::NoteChanges(const PanelChanges& changes, const ScreenModel& model
 }
 
 void Operator::NoteScreen(const ScreenDelta& delta, const ScreenModel& model, Instant now) {
-  if (delta.isAll) {
-    mPageSince = now;
-    mKnown.clear();
-  }
-  for (const std::uint16_t slot : delta.slots) {
-    const auto* touch = model.Get<TouchItem>(slot);
-    if (touch == nullptr) {
-      mKnown.erase(slot);
-      continue;
+  std::erase_if(mKnown, [now](const Known& known) { return known.until < now - kSettles; });
+  const auto end = [this, now](std::optional<std::uint16_t> slot) {
+    for (Known& known : mKnown) {
+      if (!slot || known.slot == slot) known.until = std::min(known.until, now);
     }
-    const auto known = mKnown.find(slot);
-    if (known != mKnown.end() && known->second.touch.IsSameTarget(*touch)) continue;
-    mKnown.insert_or_assign(slot, Known{*touch, now});
+  };
+  if (delta.isAll) end(std::nullopt);
+  for (const std::uint16_t slot : delta.changed) {
+    const auto* touch = model.Get<TouchItem>(slot);
+    const bool isAsBefore =
+        touch != nullptr && std::ranges::any_of(mKnown, [&](const Known& known) {
+          return known.slot == slot && known.until == Instant::max() && known.touch.IsSameTarget(*touch);
+        });
+    if (isAsBefore) continue;
+    end(slot);
+    if (touch != nullptr) mKnown.push_back({.slot = slot, .page = PageNumber(model), .touch = *touch, .since = now});
   }
 }
 

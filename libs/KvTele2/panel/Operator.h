@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <deque>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -64,13 +63,14 @@ struct ScreenNow {
 //
 // Held is only what the caller of Next says is pressed at that very moment: who does not call lets go. A hold is
 // renewed every 200 ms; the controller lets go 500 ms after the last renewal. Nothing is pressed or held on to on a
-// screen older than a second; letting go is always sent.
+// screen older than a second; letting go is always sent. Nor is anything pressed where another thing lay a moment ago,
+// which may have been meant: one that is new in an empty place can be pressed at once, and so can one that was there.
 class Operator {
  public:
   static constexpr Duration kOldScreen = std::chrono::seconds(1);
   static constexpr Duration kRenewal = std::chrono::milliseconds(200);
   static constexpr Duration kLetsGo = std::chrono::milliseconds(500);   // the controller, by itself
-  static constexpr Duration kSettles = std::chrono::milliseconds(200);  // before that nobody can have meant it
+  static constexpr Duration kSettles = std::chrono::milliseconds(200);  // until then what lay there before may be meant
   static constexpr Duration kLongestWait = std::chrono::seconds(1);     // of a press for the link
   static constexpr std::size_t kMostWaiting = 8;
 
@@ -122,8 +122,19 @@ class Operator {
     bool isDown = false;  // a down has gone out for it
   };
 
+  // What can be pressed, and what could be a moment ago.
+  struct Known {
+    std::uint16_t slot;
+    std::uint16_t page;
+    TouchItem touch;
+    Instant since;
+    Instant until = Instant::max();
+  };
+
   [[nodiscard]] std::optional<std::uint16_t> SlotAt(const PanelPlace& place, const ScreenModel& model) const;
   [[nodiscard]] PressRefusal Judge(const PanelPlace& place, const ScreenNow& screen, Pressed& pressed) const;
+  [[nodiscard]] const Known* LayAt(const PanelPlace& place, Instant at) const;
+  [[nodiscard]] bool MayAnotherBeMeant(const Pressed& pressed) const;
   [[nodiscard]] bool IsStillThere(const Pressed& pressed, const ScreenModel& model) const;
   [[nodiscard]] bool IsOn(const Pressed& pressed, const std::optional<PanelPlace>& now, const ScreenModel& model) const;
   [[nodiscard]] std::optional<Due> NextPress(const std::optional<PanelPlace>& pressedNow, const ScreenNow& screen);
@@ -142,13 +153,7 @@ class Operator {
   std::optional<Pressed> mSent;  // the press whose answer is awaited
   std::optional<Pressed> mHeld;
   std::vector<PressReport> mReports;
-  // Since when the page, and what can be pressed on it, are what they are.
-  Instant mPageSince{};
-  struct Known {
-    TouchItem touch;
-    Instant since;
-  };
-  std::map<std::uint16_t, Known> mKnown;
+  std::vector<Known> mKnown;
 };
 
 }  // namespace kv::panel

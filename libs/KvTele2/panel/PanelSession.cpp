@@ -215,6 +215,15 @@ void PanelSession::Resume() {
   if (mRhythm) mRhythm->NoteLook(mPacer.Now());
 }
 
+void PanelSession::AskNow() {
+  if (mRhythm) mRhythm->NoteLook(mPacer.Now());
+}
+
+void PanelSession::LoseLink(const std::string& why) {
+  mState.reason = why;
+  mOperator.LoseLease("The link was lost. Operating ended with it.");
+}
+
 PressRefusal PanelSession::Press(const PanelPlace& place) {
   if (!mScreen) return PressRefusal::OnlyViewing;
   return mOperator.Press(place, Now());

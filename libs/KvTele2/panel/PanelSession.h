@@ -87,6 +87,11 @@ class PanelSession {
   void Pause();
   void Resume();
 
+  // The next step asks for changes, whatever the rhythm says.
+  void AskNow();
+  // Another request has found that the link is lost; `why` is what the state tells.
+  void LoseLink(const std::string& why);
+
   // Input. None: it will be sent; any other is told as a report as well.
   PressRefusal Press(const PanelPlace& place);
   void DropPresses();

@@ -15,7 +15,7 @@ std::string_view RefusalText(PressRefusal refusal) {
     case PressRefusal::Disabled:
       return "Nothing was pressed: it is disabled.";
     case PressRefusal::JustChanged:
-      return "Nothing was pressed: it had changed only a moment before. Look again, and press once more.";
+      return "Nothing was pressed: something else lay there only a moment before. Look again, and press once more.";
     case PressRefusal::Changed:
       return "Nothing was pressed: what lies there has changed meanwhile. Look again.";
     case PressRefusal::TooSlow:

@@ -14,7 +14,7 @@ enum class PressRefusal {
   OldScreen,     // what is shown is older than a second
   NothingThere,  // nothing can be pressed at that place
   Disabled,      // it is there, and disabled
-  JustChanged,   // it has come there a moment ago: nobody can have meant it
+  JustChanged,   // something else lay there a moment ago, and may have been meant
   Changed,       // it was there when it was pressed, and is not any more
   TooSlow,       // the link has not come to it within a second
   TooMany,       // more presses are waiting than are kept

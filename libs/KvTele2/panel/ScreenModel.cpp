@@ -22,7 +22,7 @@ std::expected<ScreenDelta, std::string> ScreenModel::Take(const PanelChanges& ch
     items.push_back(*std::move(item));
   }
 
-  ScreenDelta delta{.isAll = changes.beginsAnew, .slots = {}};
+  ScreenDelta delta{.isAll = changes.beginsAnew, .changed = {}};
   if (changes.beginsAnew) Empty(0);
   for (std::size_t i = 0; i < items.size(); ++i) {
     const std::uint16_t slot = changes.records[i].slot;
@@ -31,7 +31,7 @@ std::expected<ScreenDelta, std::string> ScreenModel::Take(const PanelChanges& ch
       delta.isAll = true;
     }
     Put(slot, std::move(items[i]));
-    delta.slots.push_back(slot);
+    delta.changed.push_back(slot);
   }
   mRevision = changes.upTo;
   mIsWhole = !changes.hasMore;

@@ -13,8 +13,8 @@ namespace kv::panel {
 
 // What was changed by one reply.
 struct ScreenDelta {
-  bool isAll = false;                // another page, or everything anew: `slots` need not name what is gone
-  std::vector<std::uint16_t> slots;  // with a new state
+  bool isAll = false;                  // another page, or everything anew: `changed` need not name what is gone
+  std::vector<std::uint16_t> changed;  // slots with a new state
 };
 
 // A controller's screen as far as it has been told: slots with items, and which revision that is.

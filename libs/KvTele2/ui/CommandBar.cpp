@@ -8,6 +8,7 @@
 #include <QMenuBar>
 #include <QToolBar>
 
+#include "KvTele2/ui/PanelScale.h"
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/Theme.h"
@@ -64,6 +65,11 @@ QAction* CommandBar::MakeAction(QMenu& menu, const HostCommand& command) {
     FillThemes(*themes);
     return themes->menuAction();
   }
+  if (command.id == command::kScale) {
+    QMenu* scales = menu.addMenu(Text(command.text));
+    FillScales(*scales);
+    return scales->menuAction();
+  }
   if (command.id == command::kRecentPages) {
     mRecentMenu = menu.addMenu(Text(command.text));
     return mRecentMenu->menuAction();
@@ -103,6 +109,31 @@ void CommandBar::FillThemes(QMenu& menu) {
                      [this, theme] { mOnCommand(command::kTheme, NameOf(theme).toStdString()); });
     mThemes.push_back(action);
   }
+}
+
+// Ctrl+0 fits, the others have their multiple.
+void CommandBar::FillScales(QMenu& menu) {
+  menu.setToolTipsVisible(true);
+  for (int multiple = 0; multiple <= PanelScale::kLargest; ++multiple) {
+    const QString name = (multiple == 0 ? PanelScale() : PanelScale(multiple)).Name();
+    QAction* action = menu.addAction("&" + name);
+    action->setData(name);
+    action->setCheckable(true);
+    action->setShortcut(QKeySequence("Ctrl+" + QString::number(multiple), QKeySequence::PortableText));
+    Describe(*action, multiple == 0 ? "As large as there is room" : "Each dot of the controller in whole dots");
+    QObject::connect(action, &QAction::triggered, &mWindow,
+                     [this, name] { mOnCommand(command::kScale, name.toStdString()); });
+    mScales.push_back(action);
+    mWindow.addAction(action);  // its keys go on working when the menus are hidden
+  }
+}
+
+void CommandBar::ShowScale(const QString& name) {
+  for (QAction* scale : mScales) scale->setChecked(scale->data().toString() == name);
+}
+
+QWidget* CommandBar::ToolBar() const {
+  return mToolBar;
 }
 
 void CommandBar::ShowTheme(const QString& name) {

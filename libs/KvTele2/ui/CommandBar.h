@@ -29,6 +29,8 @@ class CommandBar {
   // The tool bar shows its texts where the window is wide enough for them.
   void FitInto(int width);
   void ShowTheme(const QString& name);
+  void ShowScale(const QString& name);
+  [[nodiscard]] QWidget* ToolBar() const;
   [[nodiscard]] QAction* Action(std::string_view id) const { return mActions.at(id); }
 
  private:
@@ -38,6 +40,7 @@ class CommandBar {
   void FillModels(QMenu& menu);
   void AddModels(QMenu& menu, bool isAurex);
   void FillThemes(QMenu& menu);
+  void FillScales(QMenu& menu);
   void BuildToolBar();
   void BuildModelBox();
   void ShowModel(const std::string& model, const std::string& whyNot);
@@ -48,6 +51,7 @@ class CommandBar {
   std::map<std::string_view, QAction*> mActions;  // by id
   std::map<std::string_view, QAction*> mModels;   // by model
   std::vector<QAction*> mThemes;
+  std::vector<QAction*> mScales;
   QMenu* mRecentMenu = nullptr;
   std::vector<std::string> mRecent;
   QToolBar* mToolBar = nullptr;

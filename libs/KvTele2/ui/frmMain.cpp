@@ -5,20 +5,26 @@
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QMenu>
+#include <QMenuBar>
+#include <QSaveFile>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+#include <array>
 #include <utility>
 
 #include "KvTele2/TelepanelHost.h"
 #include "KvTele2/ui/LogView.h"
 #include "KvTele2/ui/MachineHeading.h"
+#include "KvTele2/ui/PanelPage.h"
+#include "KvTele2/ui/PanelView.h"
 #include "KvTele2/ui/SidePanel.h"
 #include "KvTele2/ui/StartPage.h"
 #include "KvTele2/ui/StatusFields.h"
 #include "KvTele2/ui/ValuesPage.h"
+#include "base/ProfileStrings.h"
 #include "desktop/ui/ContextMenu.h"
 #include "desktop/ui/Icons.h"
 #include "desktop/ui/ScrollPage.h"
@@ -34,11 +40,18 @@ constexpr QSize kFirstSize(1120, 720);
 constexpr int kFewestLetters = 24;  // beside each other in a page; what is wider scrolls
 // Longer than any answer takes but on the slowest lines.
 constexpr std::chrono::seconds kSilence{1};
+// The scale of the panel, in the file of the windows' places: it belongs to the screen.
+constexpr const char* kPanelSection = "Panel";
+constexpr const char* kScaleKey = "Scale";
+constexpr auto kBannerCommands =
+    std::to_array<std::string_view>({command::kOperate, command::kViewOnly, command::kScale, command::kFullScreen,
+                                     command::kCopyPicture, command::kFindText});
 
 }  // namespace
 
 frmMain::frmMain(QtPacer& pacer, const std::filesystem::path& windowsFile)
     : mPacer(pacer),
+      mWindowsFile(windowsFile),
       mTheme(windowsFile),
       mCommands(*this, [this](std::string_view id, const std::string& text) { Command(id, text); }) {
   setObjectName("frmMain");
@@ -48,10 +61,17 @@ frmMain::frmMain(QtPacer& pacer, const std::filesystem::path& windowsFile)
   mStatus = new StatusFields(this);
   setStatusBar(mStatus);
   auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
-  connect(escape, &QShortcut::activated, this, [this] { Command(command::kEscape, ""); });
+  connect(escape, &QShortcut::activated, this,
+          [this] { mAround.empty() ? Command(command::kEscape, "") : ToggleFullScreen(); });
+  ShowScale(PanelScale::Named(QString::fromStdString(ReadProfileString(mWindowsFile, kPanelSection, kScaleKey, ""))));
   mCommands.ShowTheme(NameOf(mTheme.Chosen()));
   resize(kFirstSize);
   RememberPlace(*this, windowsFile);
+}
+
+void frmMain::SetHost(TelepanelHost& host) {
+  mHost = &host;
+  mPanel->SetHost(host);
 }
 
 frmMain::~frmMain() {
@@ -70,7 +90,8 @@ void frmMain::BuildMiddle() {
   middle->setStretchFactor(1, 1);
 
   mSide = new SidePanel(centre);
-  auto* side = new ScrollPage(mSide, centre);
+  mSideColumn = new ScrollPage(mSide, centre);
+  auto* side = static_cast<ScrollPage*>(mSideColumn);
   side->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   side->setFixedWidth(mSide->width() + side->verticalScrollBar()->sizeHint().width());
   auto* columns = new QHBoxLayout(centre);
@@ -92,6 +113,11 @@ QWidget* frmMain::BuildPages(QWidget* parent) {
   mValues = new ValuesPage(click, mPages);
   mPages->addWidget(new ScrollPage(mStart, mPages));
   mPages->addWidget(new ScrollPage(mValues, mPages));
+  std::vector<QAction*> commands;
+  for (const std::string_view id : kBannerCommands) commands.push_back(mCommands.Action(id));
+  mPanel = new PanelPage(click, commands, mPages);
+  mPages->addWidget(mPanel);
+  addActions({commands.begin(), commands.end()});  // their keys go on working when the menus are hidden
   auto* rows = new QVBoxLayout(upper);
   rows->setContentsMargins({});
   rows->setSpacing(0);
@@ -121,6 +147,7 @@ void frmMain::BuildTimers() {
 void frmMain::Command(std::string_view id, const std::string& argument) {
   if (id == command::kCopyLog) QApplication::clipboard()->setText(mLog->CopyText());
   if (id == command::kTheme) mTheme.Choose(ThemeNamed(QString::fromStdString(argument)));
+  ShowPanelCommand(id, QString::fromStdString(argument));
   mHost->Click(id, argument);
   // What a tool has done to the controller is seen at once, and not only with the next beat.
   if (mHeartbeat.isActive()) QTimer::singleShot(0, this, [this] { Tick(); });
@@ -131,9 +158,11 @@ void frmMain::Show(const HostState& state, const Journal& journal) {
   mCommands.Show(state, [this](std::string_view id) { return mHost->WhyDisabled(id); });
   mCommands.ShowTheme(NameOf(mTheme.Chosen()));
   mHeading->Show(state);
+  if (!mAround.empty() && MiddlePageOf(state) != MiddlePage::Panel) ToggleFullScreen();
   mPages->setCurrentIndex(static_cast<int>(MiddlePageOf(state)));
   mStart->Show(state);
   mValues->Show(state);
+  mPanel->Show(state);
   mSide->Show(state);
   mLog->Follow(journal);
   mStatus->Show(state);
@@ -141,6 +170,50 @@ void frmMain::Show(const HostState& state, const Journal& journal) {
   const bool isHeld = state.connection == ConnectionState::Online || state.connection == ConnectionState::Lost;
   if (isHeld && !mHeartbeat.isActive()) mHeartbeat.start();
   if (!isHeld) mHeartbeat.stop();
+}
+
+// What of the panel's commands is the window's own.
+void frmMain::ShowPanelCommand(std::string_view id, const QString& argument) {
+  if (id == command::kScale) {
+    ShowScale(PanelScale::Named(argument));
+    // A choice that cannot be kept holds until the program ends.
+    (void)WriteProfileString(mWindowsFile, kPanelSection, kScaleKey, argument.toStdString());
+  }
+  if (id == command::kFullScreen) ToggleFullScreen();
+  if (id == command::kFindText) mPanel->OpenFind();
+  if (id == command::kCopyPicture) QApplication::clipboard()->setImage(mPanel->View().Picture());
+  if (id == command::kCopyTexts) QApplication::clipboard()->setText(mPanel->View().TextToCopy());
+}
+
+void frmMain::ShowScale(PanelScale scale) {
+  mPanel->SetScale(scale);
+  mCommands.ShowScale(scale.Name());
+}
+
+void frmMain::ToggleFullScreen() {
+  if (!mAround.empty()) {
+    for (QWidget* widget : std::exchange(mAround, {})) widget->show();
+    setWindowState(windowState() & ~Qt::WindowFullScreen);
+  } else {
+    for (QWidget* widget : {static_cast<QWidget*>(menuBar()), static_cast<QWidget*>(statusBar()), mSideColumn,
+                            static_cast<QWidget*>(mHeading), static_cast<QWidget*>(mLog), mCommands.ToolBar()}) {
+      if (!widget->isVisible()) continue;
+      widget->hide();
+      mAround.push_back(widget);
+    }
+    setWindowState(windowState() | Qt::WindowFullScreen);
+  }
+  mPanel->SetFullScreen(!mAround.empty());
+}
+
+std::expected<void, std::string> frmMain::SavePicture(const std::string& path) {
+  const QImage picture = mPanel->View().Picture();
+  QSaveFile file(QString::fromStdString(path));
+  const bool isSaved =
+      !picture.isNull() && file.open(QIODevice::WriteOnly) && picture.save(&file, "PNG") && file.commit();
+  if (isSaved) return {};
+  return std::unexpected(picture.isNull() ? "There is no screen any more."
+                                          : path + ": " + file.errorString().toStdString() + ".");
 }
 
 void frmMain::ShowPointer(bool busy) {
@@ -159,6 +232,7 @@ void frmMain::Run() {
 }
 
 void frmMain::Quit() {
+  if (!mAround.empty()) ToggleFullScreen();  // its place is kept for the next time
   mHeartbeat.stop();
   hide();
   mLoop.quit();
@@ -168,8 +242,10 @@ void frmMain::BeginWait(Wait wait, const std::string& what) {
   if (wait == Wait::Asked) {
     mBusy.emplace(mPacer, *this, QString::fromStdString(what));
   } else {
-    mInputDelay.start();
     mSilence.start();
+    // Whoever sees the panel may press at any moment.
+    const bool isPanelSeen = wait == Wait::Screen || mPages->currentWidget() == mPanel;
+    isPanelSeen ? LetInputThrough() : mInputDelay.start();
   }
 }
 

@@ -5,9 +5,11 @@
 #include <QTimer>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 #include "KvTele2/HostView.h"
 #include "KvTele2/ui/CommandBar.h"
+#include "KvTele2/ui/PanelScale.h"
 #include "desktop/ui/BusyState.h"
 #include "desktop/ui/QtPacer.h"
 #include "desktop/ui/Theme.h"
@@ -18,6 +20,7 @@ namespace kv {
 
 class LogView;
 class MachineHeading;
+class PanelPage;
 class SidePanel;
 class StartPage;
 class StatusFields;
@@ -33,13 +36,14 @@ class frmMain final : public QMainWindow, public HostView {
   ~frmMain() override;
 
   // To be called once, before anything is shown. The host outlives the window.
-  void SetHost(TelepanelHost& host) { mHost = &host; }
+  void SetHost(TelepanelHost& host);
 
   void Show(const HostState& state, const Journal& journal) override;
   void Run() override;
   void Quit() override;
   void BeginWait(Wait wait, const std::string& what) override;
   void EndWait() override;
+  [[nodiscard]] std::expected<void, std::string> SavePicture(const std::string& path) override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -52,10 +56,14 @@ class frmMain final : public QMainWindow, public HostView {
   void ShowLogMenu(const QPoint& at);  // on the screen
   void Command(std::string_view id, const std::string& argument);
   void LetInputThrough();
+  void ShowPanelCommand(std::string_view id, const QString& argument);
+  void ShowScale(PanelScale scale);
+  void ToggleFullScreen();
   void ShowPointer(bool busy);
   void Tick();
 
   QtPacer& mPacer;
+  std::filesystem::path mWindowsFile;
   TelepanelHost* mHost = nullptr;
   ThemeChoice mTheme;
   CommandBar mCommands;
@@ -63,7 +71,10 @@ class frmMain final : public QMainWindow, public HostView {
   QStackedWidget* mPages = nullptr;  // in the order of MiddlePage
   StartPage* mStart = nullptr;
   ValuesPage* mValues = nullptr;
+  PanelPage* mPanel = nullptr;
   SidePanel* mSide = nullptr;
+  QWidget* mSideColumn = nullptr;
+  std::vector<QWidget*> mAround;  // what full screen leaves out and is seen now
   LogView* mLog = nullptr;
   StatusFields* mStatus = nullptr;
   QTimer mHeartbeat;  // of the host, while a controller is held

@@ -20,6 +20,9 @@ class HelpRequest final : public QEvent {
   QString mMessage;
 };
 
+// A widget whose property of this name is true takes the help key for itself at the moment.
+inline constexpr const char* kTakesHelpKey = "kvTakesHelpKey";
+
 void RequestHelp(QWidget& on, const QString& message = {});
 
 }  // namespace kv

@@ -75,7 +75,7 @@ bool HelpKey::eventFilter(QObject* receiver, QEvent* event) {
     mShow(error ? error->number : HelpNumberOf(widget));
     return true;
   }
-  if (!IsHelpKey(*event)) return false;
+  if (!IsHelpKey(*event) || widget.property(kTakesHelpKey).toBool()) return false;
   const std::int32_t number = HelpNumberOf(widget);
   if (number == HelpTopics().front().number) return false;
   event->accept();  // an accepted override comes again as a key, and is no shortcut of the window

@@ -1,0 +1,122 @@
+#include "KvTele2/ui/PanelBanner.h"
+
+#include <QAction>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QPainter>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "KvTele2/PanelText.h"
+#include "desktop/ui/ElidedLabel.h"
+#include "desktop/ui/Icons.h"
+
+namespace kv {
+
+// The mode in one word with its sign: an eye on the window's colour, or a hand on amber.
+class PanelBanner::ModeTag final : public QFrame {
+ public:
+  explicit ModeTag(QWidget* parent) : QFrame(parent) {
+    mSign = new QLabel(this);
+    mWord = new QLabel(this);
+    mWord->setObjectName("lblPanelMode");
+    mWord->setAccessibleDescription("Whether the panel is viewed or operated");
+    QFont bold = mWord->font();
+    bold.setBold(true);
+    bold.setPointSizeF(kLarge * bold.pointSizeF());
+    mWord->setFont(bold);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(8, 2, 8, 2);
+    row->addWidget(mSign);
+    row->addWidget(mWord);
+    Show(panel::PanelMode::View);
+  }
+
+  void Show(panel::PanelMode mode) {
+    const QString word = QString::fromStdString(PanelModeText(mode));
+    const bool isChange = word != mWord->text();
+    mWord->setText(word);
+    mMode = mode;
+    if (isChange) TakeColours();
+  }
+
+ protected:
+  void changeEvent(QEvent* event) override {
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange) TakeColours();
+  }
+
+ private:
+  static constexpr double kLarge = 1.2;
+  static constexpr int kSignSize = 22;
+
+  void TakeColours() {
+    const bool isOperate = mMode == panel::PanelMode::Operate;
+    setAutoFillBackground(isOperate);
+    QPalette colours;
+    if (isOperate) {
+      colours.setColor(QPalette::Window, OperateColour());
+      colours.setColor(QPalette::WindowText, Qt::black);
+    }
+    setPalette(colours);
+    mSign->setPixmap(Sign(isOperate ? "hand" : "eye", colours.color(QPalette::WindowText)));
+  }
+
+  // Drawings have the colour of a button's text; this one has that of the word.
+  [[nodiscard]] QPixmap Sign(const char* name, const QColor& colour) const {
+    QPixmap sign = IconOf(name).pixmap(QSize(kSignSize, kSignSize), devicePixelRatioF());
+    QPainter painter(&sign);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(sign.rect(), colour);
+    return sign;
+  }
+
+  QLabel* mSign;
+  QLabel* mWord;
+  panel::PanelMode mMode = panel::PanelMode::View;
+};
+
+QColor PanelBanner::OperateColour() {
+  return {0xff, 0xb0, 0x20};
+}
+
+PanelBanner::PanelBanner(const std::vector<QAction*>& commands, QWidget* parent) : QFrame(parent) {
+  setObjectName("bnrPanel");
+  mTag = new ModeTag(this);
+  mPage = new ElidedLabel(this);
+  mPage->setObjectName("lblPanelPage");
+  auto* head = new QHBoxLayout;
+  head->addWidget(mTag);
+  head->addWidget(mPage, 1);
+  for (QAction* command : commands) {
+    auto* button = new QToolButton(this);
+    button->setObjectName("cmd" + command->objectName());
+    button->setDefaultAction(command);
+    button->setAutoRaise(true);
+    if (!command->menu() && command->priority() == QAction::HighPriority)
+      button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    if (command->menu()) button->setPopupMode(QToolButton::InstantPopup);
+    head->addWidget(button);
+  }
+  auto* rows = new QVBoxLayout(this);
+  rows->setContentsMargins(6, 4, 6, 4);
+  rows->addLayout(head);
+  mNote = new ElidedLabel(this);
+  mNote->setObjectName("lblPanelNote");
+  mNote->setAccessibleDescription("Why the screen is old, who operates it, and what became of the last press");
+  rows->addWidget(mNote);
+}
+
+void PanelBanner::Show(const panel::PanelState& state, const QString& note) {
+  mTag->Show(state.mode);
+  mPage->SetFullText(QString::fromStdString(PanelPageText(state)));
+  QStringList notes;
+  for (const std::string& text : {PanelOldText(state), PanelOperatorText(state)}) notes += QString::fromStdString(text);
+  notes += note;
+  notes.removeAll({});
+  mNote->SetFullText(notes.join(' ').remove('\r'));
+}
+
+}  // namespace kv
