@@ -149,7 +149,9 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ShowBothSides() {
                           .then = FileSide(),
                           .bytes = mFile->image.size(),
                           .about = TimeOnBootLink()};
-  preview.losses.emplace_back("The program stops, and the controller restarts at the end; its project stays.");
+  preview.losses.emplace_back(mController.isInBoot
+                                  ? "The controller restarts at the end; its project stays."
+                                  : "The program stops, and the controller restarts at the end; its project stays.");
   preview.losses.emplace_back("The O/S in the controller is erased, and until the new one is whole it has none.");
   preview.warnings = mWork->WarningsOf(mFound, mFile->head.number);
   mWork->order.onPreview(preview);

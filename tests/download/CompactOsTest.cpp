@@ -87,6 +87,9 @@ TEST(CompactOs, WhatDoesNotFitIsRefusedAndNothingIsSent) {
   EXPECT_THAT(older.desk.said, ElementsAre(testing::StartsWith("O/S Downloader: gone.OSI"))) << "not: it does not fit";
   CompactOsFixture inBoot(Plc("Q51", "", true));
   inBoot.desk.declined = "Whatever O/S its flash still holds is erased";
+  inBoot.order.onPreview = [](const DownloadPreview& preview) {
+    EXPECT_THAT(preview.losses.front(), testing::Not(HasSubstr("program stops"))) << "it does not run";
+  };
   EXPECT_FALSE(inBoot.Download());
   EXPECT_EQ(inBoot.outcome.end, DownloadEnd::Declined);
   EXPECT_EQ(inBoot.Told(), "");
