@@ -22,7 +22,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
     {108, 1, "about",              "frmAbout"},
     {200, 0, "reach-a-controller", ""},
     {201, 1, "go-on-line",         "pageController sidController pageValues"},
-    {211, 1, "panel",              "pagePanel"},
+    {212, 1, "panel",              "pagePanel"},
     {202, 1, "link-settings",      "frmComParams"},
     {203, 1, "serial-line",        "cboPort"},
     {204, 1, "modem",              "frmModem"},

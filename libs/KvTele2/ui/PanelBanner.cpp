@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QMenu>
 #include <QPainter>
@@ -61,12 +62,12 @@ class PanelBanner::ModeTag final : public QFrame {
       colours.setColor(QPalette::WindowText, Qt::black);
     }
     setPalette(colours);
-    mSign->setPixmap(Sign(isOperate ? "hand" : "eye", colours.color(QPalette::WindowText)));
+    mSign->setPixmap(Sign(isOperate ? IconOf("hand") : IconOf("eye"), colours.color(QPalette::WindowText)));
   }
 
   // Drawings have the colour of a button's text; this one has that of the word.
-  [[nodiscard]] QPixmap Sign(const char* name, const QColor& colour) const {
-    QPixmap sign = IconOf(name).pixmap(QSize(kSignSize, kSignSize), devicePixelRatioF());
+  [[nodiscard]] QPixmap Sign(const QIcon& icon, const QColor& colour) const {
+    QPixmap sign = icon.pixmap(QSize(kSignSize, kSignSize), devicePixelRatioF());
     QPainter painter(&sign);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.fillRect(sign.rect(), colour);
