@@ -155,6 +155,7 @@ VerbResult ImportCache(Environment& environment, const CommonOptions& common, co
   if (const auto asked = AskBefore(environment, common, *plan, order, doing); !asked) {
     return std::unexpected(asked.error());
   }
+  if (environment.pacer.StopRequested()) return std::unexpected(InterruptedFailure(doing));
   const CacheOutcome outcome = engine.Run((*controller)->Link());
   TellWhatToDoubt(environment, engine);
   if (outcome.end != CacheEnd::Done) return std::unexpected(ImportFailure(outcome, doing));

@@ -14,6 +14,7 @@ std::unexpected<CacheOutcome> Refused(CacheCause cause, std::string_view text, s
 }
 
 std::unexpected<CacheOutcome> NotConnected(const LinkError& error) {
+  if (error.code == LinkErrorCode::Stopped) return std::unexpected(CacheOutcome::OfStop());
   auto refused = Refused(CacheCause::NoConnection, kNoConnectionText, error.Text());
   refused.error().link = error;
   return refused;

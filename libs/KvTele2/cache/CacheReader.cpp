@@ -18,6 +18,7 @@ using Row = SqliteStatement::Row;
 
 constexpr std::string_view kMagic{"SQLite format 3\0", 16};
 constexpr std::size_t kHead = 100;
+constexpr std::size_t kPageCount = 28;  // place in the head
 
 constexpr const char* kRepair = ". An import into it keeps what is whole, and reads the rest from its controller again";
 
@@ -43,13 +44,21 @@ std::uint32_t BigEndian(std::string_view head, std::size_t at, std::size_t count
   return value;
 }
 
+void PutBigEndian(std::string& head, std::size_t at, std::uint32_t value) {
+  for (std::size_t i = 4; i-- > 0; value >>= 8) head[at + i] = static_cast<char>(value & 0xFFU);
+}
+
+// 0: there is no such size.
+std::size_t PageSize(std::string_view head) {
+  const std::uint32_t told = BigEndian(head, 16, 2);
+  const std::size_t page = told == 1 ? 65536 : told;
+  return page >= 512 && (page & (page - 1)) == 0 ? page : 0;
+}
+
 // How many bytes a whole file with this head has; nothing when no file can have such a head.
 std::optional<std::uint64_t> WholeSize(std::string_view head) {
-  const std::uint32_t told = BigEndian(head, 16, 2);
-  const std::uint64_t page = told == 1 ? 65536 : told;
-  const bool isPageSize = page >= 512 && (page & (page - 1)) == 0;
-  const std::uint64_t size = page * BigEndian(head, 28, 4);
-  if (!isPageSize || size == 0 || size > kMostCacheBytes) return std::nullopt;
+  const std::uint64_t size = std::uint64_t{PageSize(head)} * BigEndian(head, kPageCount, 4);
+  if (size == 0 || size > kMostCacheBytes) return std::nullopt;
   return size;
 }
 
@@ -307,9 +316,10 @@ CacheSalvage SalvageCache(std::string_view bytes) {
   const auto good = CheckHead(bytes);
   if (good) return Reader(bytes).Salvage();
   const bool isCut = good.error().fault == CacheFault::Cut && bytes.size() >= kHead;
-  if (!isCut) return {};
-  std::string whole(bytes);
-  whole.resize(*WholeSize(bytes), '\0');  // what is missing reads as damage
+  const std::size_t page = isCut ? PageSize(bytes) : 0;
+  if (page == 0 || bytes.size() < page) return {};
+  std::string whole(bytes.substr(0, bytes.size() / page * page));  // ends with its last whole page
+  PutBigEndian(whole, kPageCount, static_cast<std::uint32_t>(bytes.size() / page));
   return Reader(whole).Salvage();
 }
 
