@@ -19,9 +19,11 @@ inline QMainWindow* ShownMainWindow() {
 }
 
 // Runs the whole program in this process, in the program folder `home`: `user` is what the user does once the main
-// window is shown. Then the program is left. False: it ended before anybody could use it.
-inline bool RunProgram(const std::filesystem::path& home, const std::function<void(QMainWindow& window)>& user) {
-  TelepanelProgram program(home);
+// window is shown. Then the program is left. False: it ended before anybody could use it. `state` is where the journals
+// keep their heads; empty: nowhere.
+inline bool RunProgram(const std::filesystem::path& home, const std::function<void(QMainWindow& window)>& user,
+                       const std::filesystem::path& state = {}) {
+  TelepanelProgram program(home, state);
   QTimer begin;
   bool hasShown = false;
   QObject::connect(&begin, &QTimer::timeout, [&] {

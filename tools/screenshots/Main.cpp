@@ -17,6 +17,7 @@
 
 #include "apps/kvsim/SampleSet.h"
 #include "desktop/ui/Theme.h"
+#include "editors/ui/frmHexSelector.h"
 #include "tests/host_ui/ProgramRun.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tools/screenshots/ClonerPictures.h"
@@ -156,6 +157,39 @@ void TakeOperands(Photographer& camera, QDialog& view) {
   view.close();
 }
 
+// Whose name stands in the journal.
+void LogIn(QMainWindow& window) {
+  WithNextDialog(window, [](QDialog& dialog) {
+    dialog.findChild<QLineEdit*>("txtUserName")->setText("anna");
+    dialog.findChild<QPushButton*>("cmdOk")->click();
+  });
+  Trigger(window, "ID_LogIn");
+}
+
+void TakeTrace(Photographer& camera, QMainWindow& window) {
+  Trigger(window, "HOST_Trace");
+  for (QWidget* trace : QApplication::topLevelWidgets()) {
+    if (trace->objectName() != "frmTrace") continue;
+    QTest::qWait(500);  // until it has asked for what passes
+    camera.Take(*trace, "trace");
+    trace->close();
+  }
+}
+
+// What the downloads, clones and writes of all pictures have left; the newest is selected.
+void TakeJournal(Photographer& camera, QMainWindow& window) {
+  camera.TakeDialog(window, "journal",
+                    [](QWidget& journal) { journal.findChild<QTableView*>("tblChanges")->selectRow(0); });
+  Trigger(window, "ID_Journal");
+}
+
+void TakeCharacters(Photographer& camera, QMainWindow& window) {
+  const TemporaryFolder places;
+  frmHexSelector selector(places.Path() / "Windows.ini", &window);
+  camera.TakeDialog(window, "characters");
+  static_cast<void>(selector.Edit("2C"));
+}
+
 void OpenOperands(Photographer& camera, QMainWindow& window) {
   Trigger(window, "ID_OnLine");
   WithNextDialog(window, [&](QDialog& view) { TakeOperands(camera, view); });
@@ -163,6 +197,9 @@ void OpenOperands(Photographer& camera, QMainWindow& window) {
   QTest::qWait(
       3500);  // some exchanges, so that the figures of the link mean something, and the tiles have their values
   camera.Take(window, "main-on-line");
+  TakeTrace(camera, window);
+  TakeJournal(camera, window);
+  TakeCharacters(camera, window);
 }
 
 // The simulated K670 of the start page, looked at and operated.
@@ -209,17 +246,25 @@ int main(int argc, char** argv) {
   kv::test::MakeHome(home.Path());
   kv::test::Photographer camera(argv[1], argv[2]);
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::TakePictures(camera, window); });
-  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) {
+  const std::filesystem::path state = home.Path() / "state";
+  const auto loggedIn = [&](const std::function<void(QMainWindow & window)>& user) {
+    const auto work = [&](QMainWindow& window) {
+      kv::test::LogIn(window);
+      user(window);
+    };
+    kv::test::RunProgram(home.Path(), work, state);
+  };
+  loggedIn([&](QMainWindow& window) {
     kv::test::TakeClonerPictures(window, home.Path(),
                                  [&](QWidget& cloner, const char* name) { camera.Take(cloner, name); });
   });
   if (const auto made = kvsim::WriteSampleSet(home.Path()); !made) std::cerr << made.error() << "\n";
-  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) {
+  loggedIn([&](QMainWindow& window) {
     kv::test::TakeDownloaderPictures(window, home.Path(),
                                      [&](QWidget& shown, const char* name) { camera.Take(shown, name); });
   });
   home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nModel=K670-67-C30\r\n");
-  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::OpenOperands(camera, window); });
+  loggedIn([&](QMainWindow& window) { kv::test::OpenOperands(camera, window); });
   home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nTcpPort=9\r\n");  // nobody listens there
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::ConnectInVain(camera, window); });
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::TakePanel(camera, window); });
