@@ -74,10 +74,13 @@ TEST(SaveKill, LeavesEachFileOldOrNew) {
   const TemporaryFolder home;
   fs::create_directories(home.Path() / "Sessions" / "Default");
   std::string states[2][std::size(kFiles)];
+  ConsolePacer pacer;
+  const Instant start = pacer.Now();
   for (const bool isSecond : {false, true}) {
     SaveEverything(home.Path(), isSecond);
     for (std::size_t i = 0; i < std::size(kFiles); ++i) states[isSecond][i] = Content(home.Path(), kFiles[i]);
   }
+  const auto longest = static_cast<unsigned>((pacer.Now() - start).count());  // of both states, on this system
   kvtest::SetVariable(kHome, home.Path().string());
   std::minstd_rand random(kvtest::NumberFromEnvironment("KV_SEED", 1));
   int news[std::size(kFiles)] = {};
@@ -86,7 +89,7 @@ TEST(SaveKill, LeavesEachFileOldOrNew) {
                                    {"--gtest_also_run_disabled_tests", "--gtest_filter=SaveKill.DISABLED_*"});
     std::string line = "-";
     while (!line.empty() && !line.contains("saving")) line = program.ReadLine();
-    ConsolePacer().Sleep(std::chrono::microseconds(random() % 40'000));
+    pacer.Sleep(std::chrono::microseconds(random() % (2 * longest)));
     program.End(SIGKILL);
     for (std::size_t i = 0; i < std::size(kFiles); ++i) {
       const std::string content = Content(home.Path(), kFiles[i]);

@@ -99,7 +99,8 @@ TEST_F(OsFileLists, OfAFullFolderAreRightAndQuick) {
       Put(row.folder, name, "");
     }
     fs::create_directory(folder / row.directory);
-    fs::create_symlink(folder / "gone", folder / row.dangling);
+    std::error_code ignored;  // some systems have no links for everybody
+    fs::create_symlink(folder / "gone", folder / row.dangling, ignored);
     const ConsolePacer pacer;
     const Instant start = pacer.Now();
     const std::vector<std::string> texts = Texts(row.list());
