@@ -18,8 +18,8 @@ enum class Rights { Owners, GroupReads, GroupWrites, OthersRead };
 #ifdef _WIN32
 inline void GiveRights(const std::filesystem::path& file, Rights rights) {
   const wchar_t* list = rights == Rights::Owners        ? L"D:P(A;;FA;;;OW)"
-                        : rights == Rights::GroupReads  ? L"D:P(A;;FA;;;OW)(A;;FR;;;BU)"
-                        : rights == Rights::GroupWrites ? L"D:P(A;;FA;;;OW)(A;;FW;;;BU)"
+                        : rights == Rights::GroupReads  ? L"D:P(A;;FA;;;OW)(A;;FR;;;WD)"
+                        : rights == Rights::GroupWrites ? L"D:P(A;;FA;;;OW)(A;;FW;;;WD)"
                                                         : L"D:P(A;;FA;;;OW)(A;;FR;;;WD)";
   PSECURITY_DESCRIPTOR facts = nullptr;
   ConvertStringSecurityDescriptorToSecurityDescriptorW(list, SDDL_REVISION_1, &facts, nullptr);

@@ -26,13 +26,18 @@ struct SessionFixture {
     return home.Put("Sessions/Default/" + fileInDefault, content);
   }
 
-  // What was logged since the last call, with the program folder's path as "HOME".
+  // What was logged since the last call, with the program folder's path as "HOME" and slashes behind it.
   CallLog Taken() {
     CallLog taken;
     taken.swap(log);
     const std::string path = Utf8FromPath(home.Path());
     for (std::string& call : taken) {
-      if (const auto at = call.find(path); at != std::string::npos) call.replace(at, path.size(), "HOME");
+      const auto at = call.find(path);
+      if (at == std::string::npos) continue;
+      call.replace(at, path.size(), "HOME");
+#ifdef _WIN32
+      std::ranges::replace(call, '\\', '/');
+#endif
     }
     return taken;
   }
