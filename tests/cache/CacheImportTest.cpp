@@ -117,6 +117,11 @@ TEST(CacheImport, ReadsEverythingOnceAndThenWhatHasChanged) {
   EXPECT_EQ(bench.controller->Count(259) + bench.controller->Count(260), 0) << "nothing is read, nothing is hidden";
   EXPECT_TRUE(bench.IsControllersOwn());
 
+  bench.channel->GetDownloadEngine()->SetMessage({.opCode = 260, .param1 = 1});
+  ASSERT_TRUE(bench.channel->GetDownloadEngine()->Send());
+  EXPECT_EQ(bench.Import().end, CacheEnd::Done);
+  EXPECT_FALSE(bench.controller->isSystemMode) << "left by an import that was killed";
+
   bench.controller->parts[2][1].bytes = "gauge";
   bench.controller->parts[2][2].name = "renamed";
   bench.controller->parts[1].pop_back();

@@ -52,17 +52,18 @@ CacheImport::Step CacheImport::Import(Channel& link) {
 CacheImport::Step CacheImport::ReadInSystemMode(Channel& link) {
   ResourceReader reader(link, mController);
   if (auto met = reader.Meet(); !met) return met;
-  if (mTotal == 0) return ReadAll(reader);
   OperationScope importing(link.Changes(),
                            {.tool = "Cache import", .what = "show SYSTEM mode while fonts and images are read"});
   SystemMode mode(link, mPacer);
   Step read;
-  if (const auto entered = mode.Enter(); !entered) {
+  if (mTotal == 0) {
+    read = ReadAll(reader);
+  } else if (const auto entered = mode.Enter(); !entered) {
     read = std::unexpected(CacheOutcome::OfLink(entered.error()));
   } else {
     read = ReadAll(reader);
   }
-  const std::string warning = mode.Leave();
+  const std::string warning = mTotal == 0 ? mode.LeaveIfShown() : mode.Leave();
   if (!warning.empty()) mWarnings.push_back(warning);
   importing.End(ChangeEndOf(read, warning));
   return read;

@@ -42,4 +42,10 @@ std::string SystemMode::Leave() {
          left.error().happened + "). Its program runs on. Import again, or switch the controller off and on.";
 }
 
+std::string SystemMode::LeaveIfShown() {
+  const auto screen = mLink.Panel()->Changes({.have = {}, .most = kLeastPanelPiece, .lease = 0}, mLink.UnitID());
+  mMayBeOn = screen && screen->isSystemMode;
+  return Leave();
+}
+
 }  // namespace kv::cache

@@ -8,7 +8,8 @@
 
 namespace kv::cache {
 
-// The controller's display in SYSTEM mode, for as long as it is needed. Once Enter was called, Leave must be.
+// The display of a controller with a panel in SYSTEM mode, for as long as it is needed. Once Enter was called, Leave
+// must be.
 class SystemMode {
  public:
   SystemMode(Channel& link, Pacer& pacer) : mLink(link), mPacer(pacer) {}
@@ -16,6 +17,8 @@ class SystemMode {
   [[nodiscard]] std::expected<void, LinkError> Enter();
   // Also after a stop. A sentence for the user when the display may be in SYSTEM mode still; empty otherwise.
   [[nodiscard]] std::string Leave();
+  // The same for a display that an import before this one, cut by force, has left in it; else asks only.
+  [[nodiscard]] std::string LeaveIfShown();
 
  private:
   [[nodiscard]] std::expected<void, LinkError> Tell(bool isOn);
