@@ -10,6 +10,7 @@
 
 #include "apps/KvTeleExe/TelepanelProgram.h"
 #include "base/PathText.h"
+#include "base/ProgramFolders.h"
 #include "base/ProgramVersion.h"
 #include "journal/JournalDisk.h"
 #include "secret/CoreFiles.h"
@@ -22,6 +23,21 @@ bool OnlyPrints(int argc, char** argv) {
   return std::any_of(argv + 1, argv + argc, [&](std::string_view argument) {
     return std::ranges::find(kPrinted, argument) != kPrinted.end();
   });
+}
+
+// Empty: none is named.
+std::filesystem::path NamedHome(const QString& text) {
+  return text.isEmpty() ? std::filesystem::path() : std::filesystem::absolute(kv::PathFromUtf8(text.toStdString()));
+}
+
+void Tell(const QString& text) {
+  QMessageBox::critical(nullptr, "Telepanel", text);
+}
+
+QString FaultText(const kv::FoldersFault& fault) {
+  return QString("Telepanel cannot start: %1.\nLikely cause: %2.\nWhat to do: %3.")
+      .arg(QString::fromStdString(fault.happened), QString::fromStdString(fault.cause),
+           QString::fromStdString(fault.cure));
 }
 
 }  // namespace
@@ -38,24 +54,23 @@ int main(int argc, char** argv) {
   options.setApplicationDescription("Shows and serves Korvantis controllers.");
   options.addHelpOption();
   options.addVersionOption();
-  const QCommandLineOption home("home", "The program folder, with the sessions; otherwise that of the executable.",
-                                "DIR");
+  const QCommandLineOption home("home", "The folder with the sessions; otherwise where \"kvtele paths\" says.", "DIR");
   options.addOption(home);
   options.process(*application);
   if (OnlyPrints(argc, argv)) options.showHelp();  // such a word in the place of a folder's name
 
-  const std::filesystem::path folder =
-      options.isSet(home) ? std::filesystem::absolute(kv::PathFromUtf8(options.value(home).toStdString()))
-                          : kv::ExecutableFolder();
+  const auto folders = kv::FindProgramFolders(kv::PlacesOfProgram(), NamedHome(options.value(home)));
+  if (!folders) {
+    Tell(FaultText(folders.error()));
+    return 1;
+  }
   try {
-    kv::TelepanelProgram(folder, kv::UserStateFolder()).Run();
+    kv::TelepanelProgram(folders->paths, kv::UserStateFolder()).Run();
     return 0;
   } catch (const std::exception& failure) {  // the session has been left in order
-    const QString text =
-        "Telepanel has to end: %1.\nLikely cause: the memory is used up, or an error of the program.\nWhat to do: "
-        "start it "
-        "again; when it happens again, report this text with what was done before.";
-    QMessageBox::critical(nullptr, "Telepanel", text.arg(failure.what()));
+    Tell(QString("Telepanel has to end: %1.\nLikely cause: the memory is used up, or an error of the program.\nWhat "
+                 "to do: start it again; when it happens again, report this text with what was done before.")
+             .arg(failure.what()));
     return 1;
   }
 }

@@ -17,8 +17,8 @@ constexpr std::chrono::milliseconds kSocketInterval{200};
 }  // namespace
 
 // One memory for each simulated model, with the session that every start begins in.
-TelepanelProgram::TelepanelProgram(const std::filesystem::path& home, std::filesystem::path stateFolder)
-    : mPaths(home),
+TelepanelProgram::TelepanelProgram(ProgramPaths paths, std::filesystem::path stateFolder)
+    : mPaths(std::move(paths)),
       mPrompts(WindowsFile(mPaths)),
       mPassword(mPrompts, "do it again, and enter the controller's password when you are asked for it",
                 {[this] { return mShared ? &mShared->UserPassword : nullptr; }, "The password of the log-in"}),
@@ -51,7 +51,7 @@ HostParts TelepanelProgram::Parts() {
     return MakeTelepanelHost({.pacer = mPacer,
                               .clock = mClock,
                               .prompts = mPrompts,
-                              .installFolder = Utf8FromPath(mPaths.Home()),
+                              .installFolder = Utf8FromPath(mPaths.Shipped()),
                               .windowsFile = WindowsFile(mPaths)});
   };
   parts.loadTapi = [this] { return LoadTapi(); };

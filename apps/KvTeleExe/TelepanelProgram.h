@@ -27,8 +27,8 @@ namespace kv {
 // The pieces of the program with windows, put together. Needs the QApplication.
 class TelepanelProgram {
  public:
-  // `home` is the program folder, `stateFolder` that of the user in which heads of journals are kept (empty: none are).
-  explicit TelepanelProgram(const std::filesystem::path& home, std::filesystem::path stateFolder = {});
+  // `stateFolder` is that of the user in which heads of journals are kept (empty: none are).
+  explicit TelepanelProgram(ProgramPaths paths, std::filesystem::path stateFolder = {});
   ~TelepanelProgram();
 
   // The program's whole life; returns when the user has left it.

@@ -108,12 +108,20 @@ OrFailure<void> FindPassword(CommonOptions& options, const Secret& fromEnvironme
   return std::unexpected(UsageFailure(options.passwordFrom + ": " + fault));
 }
 
-ProgramPaths CommonOptions::Paths(const std::filesystem::path& programFolder) const {
-  return ProgramPaths(home.empty() ? programFolder : PathFromUtf8(home));
+OrFailure<HomeReason> FindFolders(CommonOptions& options, const ProgramPlaces& places) {
+  const auto found = FindProgramFolders(places, PathFromUtf8(options.home));
+  if (!found) {
+    const FoldersFault& fault = found.error();
+    return std::unexpected(Failure{ExitCode::Failed, "failed", "looking for the program's folders", fault.happened,
+                                   fault.cause, fault.cure});
+  }
+  options.paths = found->paths;
+  return found->reason;
 }
 
 void DeclareCommonOptions(CLI::App& app, CommonOptions& options) {
-  app.add_option("--home", options.home, "Folder that holds Sessions. Default: the program's own")->type_name("DIR");
+  app.add_option("--home", options.home, "Folder that holds Sessions. Default: where \"kvtele paths\" says")
+      ->type_name("DIR");
   app.add_option("--session", options.session, "Session whose link settings are used. Default: Default")
       ->type_name("NAME")
       ->each([&options](const std::string&) { options.isSessionNamed = true; });

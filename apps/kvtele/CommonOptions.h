@@ -7,14 +7,15 @@
 #include <string>
 
 #include "apps/kvtele/Failure.h"
-#include "base/ProgramPaths.h"
+#include "base/ProgramFolders.h"
 #include "secret/Secret.h"
 
 namespace kv::cli {
 
 // What every command takes. Paths and names are UTF-8; what is not given stays empty.
 struct CommonOptions {
-  std::string home;  // the folder that holds Sessions; empty: that of the program
+  std::string home;    // the folder that holds Sessions, as --home names it; empty: the program finds one
+  ProgramPaths paths;  // with what was found
   std::string session = "Default";
   bool isSessionNamed = false;                // --session was given
   std::string link;                           // text of a link; empty: the session's own
@@ -33,14 +34,14 @@ struct CommonOptions {
   bool yes = false;         // questions are answered with yes
   bool unrecorded = false;  // changes may pass where they cannot be recorded
   std::string reason;       // that is recorded with what the command changes
-
-  // Below the folder that --home names, else below the program's own.
-  [[nodiscard]] ProgramPaths Paths(const std::filesystem::path& programFolder) const;
 };
 
 // Tells the parser these options; `options` must outlive the parsing. Everything that can be judged without a
 // controller is checked by it.
 void DeclareCommonOptions(CLI::App& app, CommonOptions& options);
+
+// Finds the folders of sessions and all else, below --home if that was given, and tells why they are there.
+[[nodiscard]] OrFailure<HomeReason> FindFolders(CommonOptions& options, const ProgramPlaces& places);
 
 // Where --password was not given: takes it from --password-file, else `fromEnvironment`, the value of KVTELE_PASSWORD.
 [[nodiscard]] OrFailure<void> FindPassword(CommonOptions& options, const Secret& fromEnvironment);

@@ -38,7 +38,7 @@ ConnectedController::ConnectedController(Environment& environment, const CommonO
       mPassword(mPrompts, "give the controller's password with --password-file or KVTELE_PASSWORD",
                 {[this] { return &mKnown; }, "The password of " + common.passwordFrom}),
       mErr(environment.err),
-      mShared(common.Paths(environment.home)),
+      mShared(common.paths),
       mJournalPrompts({.yesFlag = "--unrecorded"}, environment.err, environment.input),
       mDriver(std::move(driver)),
       mSettings(std::move(settings)) {
@@ -76,7 +76,7 @@ ConnectedController::~ConnectedController() {
 OrFailure<std::unique_ptr<ConnectedController>> ConnectedController::Open(Environment& environment,
                                                                           const CommonOptions& common,
                                                                           Reaching reaching) {
-  const auto choice = ChooseLink(environment, common);
+  const auto choice = ChooseLink(common);
   if (!choice) return std::unexpected(choice.error());
   auto driver = MakeDriver(environment, common, *choice);
   if (!driver) return std::unexpected(driver.error());

@@ -10,6 +10,7 @@
 #include "KvCmDrv1/LinkSettings.h"
 #include "KvCmDrv1/ports/PortList.h"
 #include "apps/kvtele/Failure.h"
+#include "base/ProgramFolders.h"
 #include "desktop/Pacer.h"
 #include "desktop/WallClock.h"
 #include "desktop/console/ConsoleInput.h"
@@ -34,9 +35,9 @@ struct Environment {
   bool errIsTerminal = false;  // progress is shown
   ConsoleInput& input;
   Pacer& pacer;
-  const WallClock& clock;      // for the times in printed lines
-  Secret password = {};        // of KVTELE_PASSWORD
-  std::filesystem::path home;  // the program folder, when --home does not name another
+  const WallClock& clock;  // for the times in printed lines
+  Secret password = {};    // of KVTELE_PASSWORD
+  ProgramPlaces places;    // when --home names none
   std::function<OrFailure<std::unique_ptr<CommDriver>>(const DriverOrder&)> makeDriver;
   std::function<std::vector<SerialPortInfo>()> listSerialPorts;
   JournalDisk* journalDisk = nullptr;      // on which changes are recorded; null: they are not

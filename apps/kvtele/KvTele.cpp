@@ -175,6 +175,11 @@ ExitCode RunKvTele(const std::vector<std::string>& arguments, Environment& envir
   if (const auto found = FindPassword(line.Common(), environment.password); !found) {
     return Report(std::unexpected(found.error()), line.Common().json, environment);
   }
+  if (parsed->verb->NeedsFolders()) {
+    if (const auto found = FindFolders(line.Common(), environment.places); !found) {
+      return Report(std::unexpected(found.error()), line.Common().json, environment);
+    }
+  }
   return Report(parsed->verb->Run(environment, line.Common()), line.Common().json, environment);
 }
 

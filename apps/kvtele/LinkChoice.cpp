@@ -25,11 +25,11 @@ Failure NoSession(const std::string& name, const std::filesystem::path& folder) 
 }
 
 // The session's folder; it must be there when its settings are needed, or when the user named it.
-Chosen FindSession(const Environment& environment, const CommonOptions& common) {
+Chosen FindSession(const CommonOptions& common) {
   if (const std::string fault = SessionNameFault(common.session); !fault.empty())
     return std::unexpected(UsageFailure(fault));
   LinkChoice choice;
-  choice.sessionFolder = common.Paths(environment.home).Session(common.session);
+  choice.sessionFolder = common.paths.Session(common.session);
   const bool isNeeded = common.link.empty() || common.isSessionNamed;
   std::error_code ignored;
   if (isNeeded && !std::filesystem::is_directory(choice.sessionFolder, ignored)) {
@@ -39,8 +39,8 @@ Chosen FindSession(const Environment& environment, const CommonOptions& common) 
 }
 
 // As in the window: a session without link settings has a simulated controller of its model.
-LinkSettings DefaultsOf(const Environment& environment, const CommonOptions& common) {
-  SharedState shared(common.Paths(environment.home));
+LinkSettings DefaultsOf(const CommonOptions& common) {
+  SharedState shared(common.paths);
   shared.CurrentSession = common.session;
   const std::string model = ModelOfIdentification(LastModel(shared));
   LinkSettings defaults;
@@ -75,9 +75,9 @@ bool IsSimulatedModelMissing(const LinkSettings& settings) {
 
 }  // namespace
 
-Chosen ChooseLink(const Environment& environment, const CommonOptions& common) {
-  Chosen choice = FindSession(environment, common);
-  if (choice) choice = WithLink(std::move(*choice), common.link, DefaultsOf(environment, common));
+Chosen ChooseLink(const CommonOptions& common) {
+  Chosen choice = FindSession(common);
+  if (choice) choice = WithLink(std::move(*choice), common.link, DefaultsOf(common));
   if (!choice) return choice;
   ApplyOptions(choice->settings, common);
   if (!IsSimulatedModelMissing(choice->settings)) return choice;
@@ -85,9 +85,9 @@ Chosen ChooseLink(const Environment& environment, const CommonOptions& common) {
                                       "use one of " + SimulatedModelNames()));
 }
 
-std::string ModelKnownBeforehand(const Environment& environment, const CommonOptions& common) {
+std::string ModelKnownBeforehand(const CommonOptions& common) {
   if (!common.model.empty()) return common.model;
-  const auto choice = ChooseLink(environment, common);
+  const auto choice = ChooseLink(common);
   if (!choice || choice->settings.transport != Transport::Simulated) return {};
   return ModelOfIdentification(ReportedModelOfSimulated(choice->settings.model));
 }

@@ -6,7 +6,6 @@
 
 #include "KvCmDrv1/LinkSettings.h"
 #include "apps/kvtele/CommonOptions.h"
-#include "apps/kvtele/Environment.h"
 #include "apps/kvtele/Failure.h"
 
 namespace kv::cli {
@@ -19,10 +18,10 @@ struct LinkChoice {
   std::vector<std::string> complaints;  // values in the session's settings that could not be used
 };
 
-[[nodiscard]] OrFailure<LinkChoice> ChooseLink(const Environment& environment, const CommonOptions& common);
+[[nodiscard]] OrFailure<LinkChoice> ChooseLink(const CommonOptions& common);
 
 // The model that the options name without any controller: --model, or that of a simulated link; empty when the
 // controller must be asked.
-[[nodiscard]] std::string ModelKnownBeforehand(const Environment& environment, const CommonOptions& common);
+[[nodiscard]] std::string ModelKnownBeforehand(const CommonOptions& common);
 
 }  // namespace kv::cli

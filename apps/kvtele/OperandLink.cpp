@@ -111,7 +111,7 @@ OrFailure<std::unique_ptr<ConnectedController>> ConnectFor(Environment& environm
 
 OrFailure<std::unique_ptr<ConnectedController>> ConnectFor(Environment& environment, const CommonOptions& common,
                                                            const RegionsFor& regionsFor) {
-  if (const std::string model = ModelKnownBeforehand(environment, common); !model.empty()) {
+  if (const std::string model = ModelKnownBeforehand(common); !model.empty()) {
     const auto regions = regionsFor(model);
     if (!regions) return std::unexpected(regions.error());
     if (const auto fits = CheckAllFitModel(*regions, model); !fits) return std::unexpected(fits.error());

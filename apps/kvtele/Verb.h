@@ -22,6 +22,9 @@ class Verb {
   // What --help of the command begins with: lines with an example each.
   [[nodiscard]] virtual const char* Examples() const = 0;
 
+  // False: it can do its work without the program's folders, too.
+  [[nodiscard]] virtual bool NeedsFolders() const { return true; }
+
   virtual void Declare(CLI::App& app) = 0;
   [[nodiscard]] virtual VerbResult Run(Environment& environment, const CommonOptions& common) = 0;
 };
@@ -43,12 +46,13 @@ class Verb {
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbJournal();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbSessions();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbPorts();
+[[nodiscard]] std::unique_ptr<Verb> MakeVerbPaths();
 [[nodiscard]] std::unique_ptr<Verb> MakeVerbReport();
 
 // All of them, in the order in which --help lists them.
 inline constexpr std::array kVerbMakers = {
     MakeVerbIdentify, MakeVerbOnline,   MakeVerbRead,     MakeVerbWrite, MakeVerbRegions, MakeVerbWatch,
     MakeVerbClone,    MakeVerbDownload, MakeVerbRun,      MakeVerbStop,  MakeVerbScreen,  MakeVerbPress,
-    MakeVerbCache,    MakeVerbJournal,  MakeVerbSessions, MakeVerbPorts, MakeVerbReport};
+    MakeVerbCache,    MakeVerbJournal,  MakeVerbSessions, MakeVerbPorts, MakeVerbPaths,   MakeVerbReport};
 
 }  // namespace kv::cli

@@ -45,9 +45,9 @@ class TerminalImport final : public CacheImportWindow {
 };
 
 // Whose session this is about: a link that is named by itself is nobody's.
-std::optional<SharedState> SessionOf(const Environment& environment, const CommonOptions& common) {
+std::optional<SharedState> SessionOf(const CommonOptions& common) {
   if (!common.link.empty() && !common.isSessionNamed) return std::nullopt;
-  SharedState shared(common.Paths(environment.home));
+  SharedState shared(common.paths);
   shared.CurrentSession = common.session;
   std::error_code ignored;
   if (!fs::is_directory(shared.paths.Session(common.session), ignored)) return std::nullopt;
@@ -137,10 +137,10 @@ void TellWhatToDoubt(Environment& environment, const CacheImport& import) {
 VerbResult ImportCache(Environment& environment, const CommonOptions& common, const fs::path& file,
                        const CacheOrder& order) {
   const std::string doing = "importing into " + Utf8FromPath(file);
-  const auto session = SessionOf(environment, common);
+  const auto session = SessionOf(common);
   CacheImportOrder import{.file = file,
                           .workingFile = {},
-                          .emptyCache = common.Paths(environment.home).Temporary() / "TP_Temp_1",
+                          .emptyCache = common.paths.EmptyCache(),
                           .fonts = order.only != "images",
                           .images = order.only != "fonts",
                           .readsAll = order.readsAll};
@@ -176,7 +176,7 @@ OrFailure<std::optional<ChosenCache>> ChooseCache(Environment& environment, cons
     if (!content) return std::unexpected(CacheFailure(content.error(), "reading the cache file"));
     return ChosenCache{*std::move(content), named};
   }
-  const auto session = SessionOf(environment, common);
+  const auto session = SessionOf(common);
   const auto recent = session ? ReadRecentCaches(*session) : std::vector<std::string>();
   if (recent.empty()) return std::nullopt;
   const std::string name = CachePath(recent.front());

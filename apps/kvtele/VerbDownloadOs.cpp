@@ -109,14 +109,14 @@ class OsDownload {
     TerminalCloner cloner(mEnvironment, mCommon, {}, mayStop);
     const PacerWallClock clock;
     const WatchedWork work(mEnvironment);
-    const ProgramPaths paths = mCommon.Paths(mEnvironment.home);
-    clsAurexOSDownloader engine(mWindow, {cloner, cloner, mWindow, mEnvironment.pacer, clock, work.Work()}, paths);
+    clsAurexOSDownloader engine(mWindow, {cloner, cloner, mWindow, mEnvironment.pacer, clock, work.Work()},
+                                mCommon.paths);
     static_cast<void>(engine.DownloadOS(mController->Link(), Order()));
     return {engine.Outcome(), engine.Review()};
   }
 
   [[nodiscard]] Ending SendCompact() {
-    clsBrioQ50OSDownloader engine(mWindow, mWindow, mEnvironment.pacer, mCommon.Paths(mEnvironment.home));
+    clsBrioQ50OSDownloader engine(mWindow, mWindow, mEnvironment.pacer, mCommon.paths);
     if (mFiles.os) engine.UseFile(*mFiles.os);
     static_cast<void>(engine.DownloadOS(mController->Link(), Order()));
     return {engine.Outcome(), engine.Review()};
@@ -213,7 +213,7 @@ VerbResult ListOs(Environment& environment, const CommonOptions& common) {
   const auto family = FamilyOf(**controller);
   if (!family) return std::unexpected(family.error());
   const VersionInfo& version = (*controller)->Version();
-  const ProgramPaths paths = common.Paths(environment.home);
+  const ProgramPaths& paths = common.paths;
   VerbOutput output;
   if (*family == DownloadFamily::Aurex) {
     const AurexOsLists lists = ListAurexOsFiles(paths, AurexOsModelText(version.model, version.hardwareCode));

@@ -48,7 +48,7 @@ OrFailure<JournalPlaces> PlacesOf(const Environment& environment, const CommonOp
   if (const std::string fault = SessionNameFault(common.session); !fault.empty()) {
     return std::unexpected(UsageFailure(fault));
   }
-  const std::filesystem::path folder = common.Paths(environment.home).Session(common.session);
+  const std::filesystem::path folder = common.paths.Session(common.session);
   std::error_code ignored;
   if (std::filesystem::is_directory(folder, ignored)) return JournalPlaces{folder, environment.stateFolder};
   return std::unexpected(UsageFailure("there is no session \"" + common.session + "\"", "see kvtele sessions list"));

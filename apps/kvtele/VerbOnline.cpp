@@ -217,7 +217,7 @@ VerbResult VerbOnline::Run(Environment& environment, const CommonOptions& common
   if (!pages) return std::unexpected(pages.error());
   const auto connected = ConnectedController::Open(environment, common);
   if (!connected) return std::unexpected(connected.error());
-  const ProgramPaths paths = common.Paths(environment.home);
+  const ProgramPaths& paths = common.paths;
   const auto copy = SessionCopy::Make(paths, common.session);
   if (!copy) return std::unexpected(copy.error());
 
@@ -225,7 +225,7 @@ VerbResult VerbOnline::Run(Environment& environment, const CommonOptions& common
   shared.CurrentSession = common.session;
   shared.ComDriver = &(*connected)->Driver();
   const std::string model = common.model.empty() ? LastModel(shared) : common.model;
-  ConsoleHost host(environment.err, model, Utf8FromPath(paths.Home()), *pages);
+  ConsoleHost host(environment.err, model, Utf8FromPath(paths.Shipped()), *pages);
   shared.Remote = &host;
   NotedPrompts prompts;
   GoOnline(shared, prompts);

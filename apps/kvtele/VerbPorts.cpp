@@ -10,6 +10,7 @@ class VerbPorts : public Verb {
   [[nodiscard]] const char* Name() const override { return "ports"; }
   [[nodiscard]] const char* Summary() const override { return "List the serial lines of this machine"; }
   [[nodiscard]] const char* Examples() const override;
+  [[nodiscard]] bool NeedsFolders() const override { return false; }
   void Declare(CLI::App&) override {}
   [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 };

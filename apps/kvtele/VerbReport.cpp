@@ -53,13 +53,13 @@ const char* VerbReport::Examples() const {
 }
 
 VerbResult VerbReport::Run(Environment& environment, const CommonOptions& common) {
-  const auto choice = ChooseLink(environment, common);
+  const auto choice = ChooseLink(common);
   if (!choice) return std::unexpected(choice.error());
   const auto driver = environment.makeDriver({choice->settings, choice->sessionFolder, common.trace});
   if (!driver) return std::unexpected(driver.error());
   (*driver)->SetDriverActive(true);
   TryToIdentify(environment, **driver);
-  SharedState shared(common.Paths(environment.home));
+  SharedState shared(common.paths);
   shared.CurrentSession = common.session;
   shared.ComDriver = driver->get();
   const std::string report = ErrorReport(shared, environment.clock, ThisProgram());

@@ -104,7 +104,7 @@ VerbResult VerbSessions::Run(Environment& environment, const CommonOptions& comm
         UsageFailure(mAction == "list" ? "list takes no name" : mAction + " needs the session's name",
                      "see kvtele sessions --help"));
   }
-  SharedState shared(common.Paths(environment.home));
+  SharedState shared(common.paths);
   shared.CurrentSession = common.session;
   ConsolePrompts asked = PromptsFor(environment, common);
   NotedPrompts prompts(&asked);

@@ -23,7 +23,7 @@ class VerbWrite : public Verb {
   [[nodiscard]] VerbResult Run(Environment& environment, const CommonOptions& common) override;
 
  private:
-  [[nodiscard]] OrFailure<Region> CheckOrder(const Environment& environment, const CommonOptions& common) const;
+  [[nodiscard]] OrFailure<Region> CheckOrder(const CommonOptions& common) const;
   [[nodiscard]] VerbResult Compare(Environment& environment, ConnectedController& controller, const Region& region,
                                    OperationScope& writing) const;
 
@@ -55,7 +55,7 @@ void VerbWrite::Declare(CLI::App& app) {
 }
 
 VerbResult VerbWrite::Run(Environment& environment, const CommonOptions& common) {
-  const auto region = CheckOrder(environment, common);
+  const auto region = CheckOrder(common);
   if (!region) return std::unexpected(region.error());
   const auto connected = ConnectFor(environment, common, *region);
   if (!connected) return std::unexpected(connected.error());
@@ -72,7 +72,7 @@ VerbResult VerbWrite::Run(Environment& environment, const CommonOptions& common)
 }
 
 // Everything that can be said without a controller.
-OrFailure<Region> VerbWrite::CheckOrder(const Environment& environment, const CommonOptions& common) const {
+OrFailure<Region> VerbWrite::CheckOrder(const CommonOptions& common) const {
   const auto type = ParseType(mType);
   if (!type) return std::unexpected(type.error());
   auto region = ParseRegion(*type, mFrom, mFrom);
@@ -83,7 +83,7 @@ OrFailure<Region> VerbWrite::CheckOrder(const Environment& environment, const Co
     return std::unexpected(NotFitFailure("writing " + RegionText(*region), "operands of this type can only be read", {},
                                          "choose a type that can be written"));
   }
-  if (const auto legal = CheckValues(*type, ModelKnownBeforehand(environment, common), mValues); !legal) {
+  if (const auto legal = CheckValues(*type, ModelKnownBeforehand(common), mValues); !legal) {
     return std::unexpected(legal.error());
   }
   return region;

@@ -4,7 +4,7 @@
 #include "KvCmDrv1/ports/PortList.h"
 #include "apps/kvtele/DriverMaker.h"
 #include "apps/kvtele/KvTele.h"
-#include "base/ProgramPaths.h"
+#include "base/ProgramFolders.h"
 #include "desktop/PacerWallClock.h"
 #include "desktop/console/ConsolePacer.h"
 #include "desktop/console/ConsoleProgram.h"
@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
       .pacer = pacer,
       .clock = clock,
       .password = TakeVariable("KVTELE_PASSWORD"),
-      .home = ExecutableFolder(),
+      .places = PlacesOfProgram(),
       .makeDriver = [&drivers](const cli::DriverOrder& order) { return drivers.Make(order); },
       .listSerialPorts = ListSerialPorts,
       .journalDisk = &SystemJournalDisk(),

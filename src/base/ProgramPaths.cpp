@@ -24,6 +24,12 @@ std::filesystem::path ProgramPaths::SessionFile(std::string_view name, std::stri
   return Below(Session(name), file);
 }
 
+std::filesystem::path ProgramPaths::OwnOrShipped(const char* name) const {
+  std::error_code ignored;
+  const std::filesystem::path own = mHome / name;
+  return std::filesystem::is_directory(own, ignored) ? own : mShipped / name;
+}
+
 std::filesystem::path ExecutableFolder() {
   std::error_code error;
   const std::filesystem::path file = ExecutableFile();

@@ -10,8 +10,6 @@
 
 namespace kv {
 
-// The session that every start begins in. It always exists, is never marked as in use and cannot be deleted.
-inline constexpr std::string_view kDefaultSession = "Default";
 // The empty file of every other session that carries the mark.
 inline constexpr std::string_view kSessionMarkFile = "tmp.txt";
 

@@ -5,7 +5,7 @@
 
 #include "base/AtomicFile.h"
 #include "base/PathText.h"
-#include "base/ProgramPaths.h"
+#include "base/ProgramFolders.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv {
@@ -66,6 +66,56 @@ TEST(ProgramPaths, NamesStayBelowTheirFolder) {
   EXPECT_EQ(paths.SessionFile("M\u00FChle", "KvTeleExe.ini"), session / "KvTeleExe.ini");
   EXPECT_EQ(paths.Session("/etc"), fs::path("home") / "Sessions" / "etc");
   EXPECT_EQ(Utf8FromPath(paths.Session("M\u00FChle").filename()), "M\u00FChle");
+}
+
+// What is shipped below "program"; what is there afterwards tells where the program works.
+struct FoldersCase {
+  bool isForAll;
+  const char* named;
+  const char* user;
+  const char* home;  // nothing: refused
+  const char* help;
+  const char* because;
+};
+
+TEST(ProgramFolders, AreTheUsersOwnWhereTheProgramsAreNot) {
+  const FoldersCase cases[] = {
+      {false, "", "user/data", "program", "program", "the program folder, which this user can write to"},
+      {true, "", "user/data", "user/data", "program", "this user's own: the program is installed for all"},
+      {true, "named", "user/data", "named", "program", "named by --home"},
+      {true, "other", "", "other", "other", "named by --home"},  // an installation of its own
+      {true, "", "", nullptr, "", ""},
+      {true, "", "file/data", nullptr, "", ""},
+  };
+  for (const FoldersCase& each : cases) {
+    const TemporaryFolder folder;
+    const auto below = [&](const std::string& name) { return name.empty() ? fs::path() : folder.Path() / name; };
+    for (const char* name : {"program/help", "program/Sessions/Default", "other/help"})
+      fs::create_directories(below(name));
+    const fs::path shipped = folder.Put("program/Sessions/Default/KvCmDrv1.ini", "Transport=sim");
+    fs::permissions(shipped, fs::perms::owner_read);
+    folder.Put("file", "in the way");
+    if (each.isForAll) folder.Put(std::string("program/") + kInstalledForAll, "");
+
+    const auto found = FindProgramFolders({below("program"), below(each.user)}, below(each.named));
+    ASSERT_EQ(found.has_value(), each.home != nullptr) << each.user;
+    if (!found) {
+      EXPECT_TRUE(found.error().happened.contains(Utf8FromPath(below("program")))) << found.error().happened;
+      EXPECT_TRUE(found.error().cure.contains("--home"));
+      continue;
+    }
+    EXPECT_EQ(found->paths.Home(), below(each.home));
+    EXPECT_EQ(found->paths.Help(), below(each.help) / "help");
+    EXPECT_STREQ(HomeReasonText(found->reason), each.because);
+    const bool isSeeded = std::string_view(each.home) == "user/data";
+    EXPECT_EQ(fs::exists(below("user/data")), isSeeded);
+    if (!isSeeded) continue;
+    const fs::path settings = found->paths.SessionFile(kDefaultSession, "KvCmDrv1.ini");
+    ASSERT_TRUE(SaveAtomically(settings, "Transport=tcp")) << "what is shipped may be write-protected";
+    ASSERT_TRUE(FindProgramFolders({below("program"), below(each.user)}, {}));
+    EXPECT_EQ(TemporaryFolder::Content(settings), "Transport=tcp") << "the second start leaves it as it is";
+    EXPECT_EQ(std::distance(fs::directory_iterator(found->paths.Home()), {}), 1);
+  }
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ inline QMainWindow* ShownMainWindow() {
 // keep their heads; empty: nowhere.
 inline bool RunProgram(const std::filesystem::path& home, const std::function<void(QMainWindow& window)>& user,
                        const std::filesystem::path& state = {}) {
-  TelepanelProgram program(home, state);
+  TelepanelProgram program(ProgramPaths(home), state);
   QTimer begin;
   bool hasShown = false;
   QObject::connect(&begin, &QTimer::timeout, [&] {

@@ -62,7 +62,7 @@ Result CommandFixture::Run(const std::string& line) {
       .pacer = pacer,
       .clock = pacer,
       .password = password,
-      .home = home.Path(),
+      .places = places.value_or(ProgramPlaces{home.Path(), {}}),
       .makeDriver = [&](cli::DriverOrder order) -> cli::OrFailure<std::unique_ptr<CommDriver>> {
         if (driver) return std::move(driver);
         if (order.traceFile.empty()) order.traceFile = Utf8FromPath(trace);

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,8 +47,9 @@ class CommandFixture {
   Secret password;              // of the environment
   std::vector<SerialPortInfo> serialPorts;
   PortMaker makePort = MakePort;
-  std::unique_ptr<CommDriver> driver;  // of the next command; none: the real one
-  TemporaryFolder home;                // with an empty session "Default"
+  std::unique_ptr<CommDriver> driver;   // of the next command; none: the real one
+  TemporaryFolder home;                 // with an empty session "Default"
+  std::optional<ProgramPlaces> places;  // of the next command; none: `home` alone
 
   // `kvtele LINE`. Words are separated by blanks, '' keeps them together, and "@NAME" is the file of that name in
   // `home`.

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "KvTele2/PagesFile.h"
+#include "base/PathText.h"
 #include "tests/kvtele/CommandFixture.h"
 
 namespace kv::test {
@@ -64,6 +65,17 @@ TEST(Ports, ListsSerialLines) {
   const Result broken = fixture.Run("ports");
   EXPECT_EQ(broken.exit, 1);
   EXPECT_THAT(broken.err, HasSubstr("could not be written"));
+}
+
+TEST(Paths, AreToldAndRefusedWhereNothingCanBeWritten) {
+  CommandFixture fixture;
+  EXPECT_THAT(fixture.Run("paths").out, HasSubstr("home             " + Utf8FromPath(fixture.home.Path()) + "\n"));
+  EXPECT_THAT(fixture.Run("--home @x --json paths").out, HasSubstr("\"because\": \"named by --home\""));
+  fixture.places = ProgramPlaces{fixture.home.Path() / "nowhere", {}};
+  for (const char* line : {"paths", "sessions list", "--link sim:Q50 identify"}) {
+    fixture.ExpectFailure({line, 1, "failed", "there is no folder for the sessions"});
+  }
+  EXPECT_EQ(fixture.Run("ports").exit, 0);
 }
 
 TEST(Json, IsOneDocumentAndSaysTheSame) {
