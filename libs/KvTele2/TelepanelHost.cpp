@@ -158,7 +158,6 @@ void TelepanelHost::SetSessionPath(const std::string& folder) {
   if (folder == mSessionFolder) return;
   GoOffline("Off line: another session is active", "");
   mSessionFolder = folder;
-  mPanelData.clear();
   mSettings = HostSettings(PathFromUtf8(folder));
   if (mState.pages) {
     StatusMessage("Closed " + mState.pages->path + ": a Telepanel file is open in its session only");

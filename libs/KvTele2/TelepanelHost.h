@@ -118,8 +118,7 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] bool ProjectMatches() override;
   void ConnectionRefused(const std::string& text, const RefusedController& controller) override;
   void ControllerTold(const VersionInfo& version, const Channel::ControllerInfo& info) override;
-  // A colour cache file; its fonts and images are used at once where a panel is shown.
-  void SetPanelData(const std::string& path) override;
+  void SetPanelData(const std::string&) override {}
   void GoOnline() override;
   void RunPanelSession(const std::string& caption) override;
 
@@ -164,8 +163,6 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] bool MayStepPanel() const;
   void MakePanelStep(const std::optional<panel::PanelPlace>& pressedNow);
   void PausePanel();
-  void LoadResources();
-  void TakeFromCache();
   void FetchWhenFast();
   [[nodiscard]] bool HasToFetch();
   [[nodiscard]] bool FetchPiece();
@@ -200,7 +197,6 @@ class TelepanelHost final : public RemoteHost {
   std::vector<Instant> mTilesDueAt;  // one for each tile
   bool mAreTilesOld = true;          // the session may have other regions by now
 
-  std::string mPanelData;                       // the colour cache that screens are drawn with; empty: none
   panel::ScreenResources mResources;            // of the controller that is on line
   std::shared_ptr<panel::PanelSession> mPanel;  // while a controller is on line or lost
   std::optional<panel::ResourceFetch> mFetch;   // on a fast link

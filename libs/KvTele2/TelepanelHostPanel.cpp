@@ -6,7 +6,6 @@
 
 #include "KvTele2/HostCommands.h"
 #include "KvTele2/TelepanelHost.h"
-#include "KvTele2/cache/CacheScreen.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "desktop/RemainingTime.h"
@@ -109,36 +108,6 @@ void TelepanelHost::MakePanelStep(const std::optional<panel::PanelPlace>& presse
   if (wasSilent) Show();
 }
 
-void TelepanelHost::SetPanelData(const std::string& path) {
-  mPanelData = path;
-  if (mState.hasPanel) LoadResources();
-}
-
-// What the cache has as the controller has it, and the rest from the controller where that is quick.
-void TelepanelHost::LoadResources() {
-  const ScopeGuard restore([this, before = std::exchange(mIsAsking, true)] { mIsAsking = before; });
-  mFetch.reset();
-  if (!mPanelData.empty() && mPanel->Panel()->kind == PanelKind::Colour) TakeFromCache();
-  if (mState.hasPanel) FetchWhenFast();
-}
-
-// What is wrong with a file is told by who opens it. What a cache lacks stands below the screen.
-void TelepanelHost::TakeFromCache() {
-  const auto content = cache::ReadCacheFile(PathFromUtf8(mPanelData));
-  if (!content || !mState.controller) return;
-  const std::shared_ptr<Channel> channel = mChannel;
-  const std::shared_ptr<panel::PanelSession> panel = mPanel;
-  BeginWait(HostView::Wait::Screen, "Asking for fonts and images: " + mState.link);
-  const auto fit =
-      cache::TakeFromCache(*content, mState.controller->model, *panel->Panel(), *channel->Panel(), mUnit, mResources);
-  EndWait();
-  if (panel != mPanel) return;
-  panel->Redraw();
-  if (!fit && MayMeanLostLink(fit.error().code)) return LosePanelLink(fit.error());
-  const std::string name = Utf8FromPath(PathFromUtf8(mPanelData).filename());
-  if (const std::string text = fit ? cache::FitText(*fit, name) : fit.error().Text(); !text.empty()) Note(text);
-}
-
 // A line with a speed is for the screen: there the cache has to have them.
 void TelepanelHost::FetchWhenFast() {
   PanelLink& link = *mChannel->Panel();
@@ -202,7 +171,7 @@ void TelepanelHost::TellPanel() {
     }
   }
   if (hadPanel || !mState.hasPanel) return;
-  LoadResources();
+  FetchWhenFast();
   Show();
 }
 
