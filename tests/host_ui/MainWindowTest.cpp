@@ -179,6 +179,7 @@ TEST_F(MainWindowTest, AnotherSessionIsActivatedInItsWindow) {
 // Every word, state and order that a user meets when a window opens: tests/host_ui/looks.txt. Who has changed a window
 // renews the file with KV_RENEW_LOOKS=1 in the environment, and reads its difference.
 TEST_F(MainWindowTest, EveryWindowReadsAsItIsWrittenDown) {
+  std::filesystem::create_directory_symlink(KV_HELP_FOLDER, home.Path() / "help");
   std::string looks;
   const auto add = [&](const QWidget& window) { looks += WindowLook(window).Text(); };
   const auto addNext = [&](QWidget& window, const char* command) {
@@ -191,9 +192,13 @@ TEST_F(MainWindowTest, EveryWindowReadsAsItIsWrittenDown) {
   };
   Run([&](QMainWindow& window) {
     add(window);
-    Trigger(window, "HOST_Trace");
-    for (const QWidget* other : QApplication::topLevelWidgets()) {
-      if (other->objectName() == "frmTrace") add(*other);
+    for (const auto& [command, name] : {std::pair("HOST_Trace", "frmTrace"), {"ID_Help", "frmHelp"}}) {
+      Trigger(window, command);
+      for (QWidget* other : QApplication::topLevelWidgets()) {
+        if (other->objectName() != name) continue;
+        EXPECT_TRUE(QTest::qWaitForWindowActive(other, kPatience));
+        add(*other);
+      }
     }
     for (const char* command :
          {"ID_LogIn", "ID_About", "ID_Session", "ID_Journal", "ID_ComParams", "ID_Modem", "ID_DumpPLC"})

@@ -9,6 +9,7 @@
 #include <QMetaProperty>
 #include <QScrollArea>
 #include <QSplitter>
+#include <QTabWidget>
 #include <QTableView>
 #include <QToolBar>
 #include <set>
@@ -59,6 +60,7 @@ class WindowLook {
         {"wordWrap", {"false"}},
         {"textFormat", {"AutoText"}},
         {"textInteractionFlags", {"LinksAccessibleByMouse"}},
+        {"margin", {"0"}},
         {"alignment", {"", "AlignLeading|AlignVCenter", "AlignLeft|AlignLeading"}},
         {"frameShape", {"NoFrame", "StyledPanel"}},
         {"toolButtonStyle", {"ToolButtonIconOnly"}},
@@ -108,6 +110,7 @@ class WindowLook {
     if (const auto* area = dynamic_cast<const QScrollArea*>(&widget)) return AddWidget(*area->widget(), depth + 1);
     if (const auto* splitter = dynamic_cast<const QSplitter*>(&widget)) return AddShares(*splitter, depth + 1);
     if (const auto* bar = dynamic_cast<const QToolBar*>(&widget)) return AddActions(*bar, depth + 1);
+    if (const auto* tabs = dynamic_cast<const QTabWidget*>(&widget)) return AddTabs(*tabs, depth + 1);
     if (const auto* list = dynamic_cast<const QComboBox*>(&widget)) return AddItems(*list, depth + 1);
     if (widget.inherits("QLineEdit")) return;
     const auto* label = dynamic_cast<const QLabel*>(&widget);
@@ -128,6 +131,8 @@ class WindowLook {
       const auto role = static_cast<QFormLayout::ItemRole>(i % 3);
       QLayoutItem* item = form ? form->itemAt(i / 3, role) : layout.itemAt(i);
       if (!item) continue;
+      const std::string place = PlaceIn(layout, i, *item);
+      if (!place.empty()) Add(depth + 1, place);
       if (const QWidget* widget = item->widget()) {
         placed.insert(widget);
         AddWidget(*widget, depth + 1);
@@ -136,6 +141,27 @@ class WindowLook {
       } else {
         Add(depth + 1, "room");
       }
+    }
+  }
+
+  // What follows has this cell, and that share of what room is left.
+  static std::string PlaceIn(const QLayout& layout, int index, const QLayoutItem& item) {
+    QStringList place;
+    if (const auto* grid = dynamic_cast<const QGridLayout*>(&layout)) {
+      int cell[4];
+      grid->getItemPosition(index, &cell[0], &cell[1], &cell[2], &cell[3]);
+      place << QString("row %1 column %2 rows %3 columns %4").arg(cell[0]).arg(cell[1]).arg(cell[2]).arg(cell[3]);
+    }
+    const auto* box = dynamic_cast<const QBoxLayout*>(&layout);
+    if (box && box->stretch(index) != 0) place << QString("share %1").arg(box->stretch(index));
+    if (item.alignment() != 0) place << QString("alignment %1").arg(static_cast<int>(item.alignment()));
+    return place.join(' ').toStdString();
+  }
+
+  void AddTabs(const QTabWidget& tabs, int depth) {
+    for (int i = 0; i < tabs.count(); ++i) {
+      Add(depth, "tab " + tabs.tabText(i).toStdString());
+      AddWidget(*tabs.widget(i), depth + 1);
     }
   }
 
@@ -156,7 +182,8 @@ class WindowLook {
   void AddActions(const QWidget& bar, int depth) {
     for (const QAction* action : bar.actions()) {
       const bool isNamed = !action->objectName().isEmpty();
-      Add(depth, action->isSeparator() ? "|" : isNamed ? NameOf(*action) : action->text().toStdString());
+      const std::string shown = bar.inherits("QToolBar") ? " " + action->iconText().toStdString() : "";
+      Add(depth, action->isSeparator() ? "|" : isNamed ? NameOf(*action) + shown : action->text().toStdString());
     }
   }
 
@@ -168,6 +195,9 @@ class WindowLook {
       const int alignment = own.isValid() ? own.toInt() : view.horizontalHeader()->defaultAlignment().toInt();
       Add(depth, "column " + heading(Qt::DisplayRole).toString().toStdString() +
                      ((alignment & Qt::AlignLeft) != 0 ? " left" : "") +
+                     ((view.model()->index(0, column).data(Qt::TextAlignmentRole).toInt() & Qt::AlignRight) != 0
+                          ? " with cells at the right"
+                          : "") +
                      (view.isColumnHidden(column) ? " hidden" : ""));
     }
   }
