@@ -80,7 +80,6 @@ void TelepanelHost::ControllerTold(const VersionInfo& version, const Channel::Co
 
 void TelepanelHost::GoOnline() {
   mState.connection = ConnectionState::Online;
-  mAreTilesOld = true;
   LoadTiles();
   OpenPanel();
   Show();

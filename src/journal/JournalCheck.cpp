@@ -99,7 +99,6 @@ class Checker {
       AddMissing(mExpected, number - 1);
     }
     mRules.NoteGap();
-    mIsChained = false;
   }
 
   void Late(const ReadRecord& read) {

@@ -169,9 +169,4 @@ std::int32_t MaxOperandsPerRequest(OperandTypeCode type) {
   return facts != nullptr ? kRequestHexChars / facts->hexChars : 0;
 }
 
-std::int32_t DriverTypeCode(OperandTypeCode type) {
-  const TypeFacts* facts = TypeFactsOf(type);
-  return facts != nullptr ? facts->driverTypeCode : 0;
-}
-
 }  // namespace kv::mdlDataTypesView

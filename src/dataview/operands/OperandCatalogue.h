@@ -61,9 +61,6 @@ namespace kv::mdlDataTypesView {
 // or 30. 0 for no type. The protocol carries at least as many (maxPerRequest in KvCmDrv1/wire/OperandTypes.h).
 [[nodiscard]] std::int32_t MaxOperandsPerRequest(OperandTypeCode type);
 
-// The type code of the driver's list read; 0 for DBI, which it does not know. Timers share one code, counters another.
-[[nodiscard]] std::int32_t DriverTypeCode(OperandTypeCode type);
-
 // Backgrounds of the rows of types that may be written and of the others, blue in the high byte, red in the low one.
 inline constexpr std::uint32_t kWritableColour = 15854029;
 inline constexpr std::uint32_t kReadOnlyColour = 10804728;
