@@ -174,7 +174,7 @@ class Entries {
     Kept& kept = mEntries[number];
     mBytes += bytes - kept.bytes;
     kept = {std::move(entry), bytes};
-    while (mEntries.size() > kMostJournalEntries || mBytes > kMostJournalBytes) DropOldest();
+    while (mEntries.size() > mFilter.most || mBytes > kMostJournalBytes) DropOldest();
   }
 
   [[nodiscard]] JournalListing Finish(JournalListing listing) && {

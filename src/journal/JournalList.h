@@ -25,11 +25,16 @@ struct JournalEntry {
   [[nodiscard]] std::string Result() const;      // "done", "failed: ...", "begun, and not ended"
 };
 
+// The newest are kept where there are more than this, or more bytes of records.
+inline constexpr std::size_t kMostJournalEntries = 100'000;
+inline constexpr std::size_t kMostJournalBytes = std::size_t{64} << 20;
+
 // Which entries are wanted; an empty text is no condition.
 struct JournalFilter {
   std::string operand{};  // "MI 5", "MI" for all of them, "MI 0..9" for each of these; unchanged ones do not count
   std::string user{};     // a part of the name, in either case
   std::string day{};      // "2026-11-22", or its beginning: "2026-11"
+  std::size_t most = kMostJournalEntries;
 
   // Why it is not understood, with an example; empty when it is. One that is not understood finds nothing.
   [[nodiscard]] std::string Fault() const;
@@ -43,10 +48,6 @@ struct JournalListing {
   std::uint64_t unreadable = 0;       // lines that are no records: see the check
   std::uint64_t readBefore = 0;       // number of the record before the first of them
 };
-
-// The newest are kept where there are more than this, or more bytes of records.
-inline constexpr std::size_t kMostJournalEntries = 100'000;
-inline constexpr std::size_t kMostJournalBytes = std::size_t{64} << 20;
 
 [[nodiscard]] JournalListing ListJournal(const JournalPlaces& places, JournalDisk& disk, Pacer& pacer,
                                          const JournalFilter& filter);

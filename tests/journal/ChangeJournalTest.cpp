@@ -1,5 +1,6 @@
 #include "journal/ChangeJournal.h"
 
+#include "journal/JournalTime.h"
 #include "tests/journal/JournalFixture.h"
 
 namespace kv {
@@ -21,6 +22,13 @@ TEST_F(ChangeJournalTest, ChainsRecordsAndKeepsTheHead) {
   EXPECT_FALSE(Check().isHeadDamaged);
   std::fstream(HeadFile(places)).seekp(20).put('x');
   EXPECT_TRUE(Check().isHeadDamaged);
+}
+
+TEST_F(ChangeJournalTest, TellsTheTimeWithItsZone) {
+  for (const auto& [minutes, zone] : {std::pair(0, "+00:00"), {60, "+01:00"}, {-1, "-00:01"}, {-570, "-09:30"}}) {
+    pacer.SetUtcOffset(std::chrono::minutes(minutes));
+    EXPECT_THAT(JournalTime(pacer), testing::EndsWith(zone));
+  }
 }
 
 TEST_F(ChangeJournalTest, ShortensWhatALineHasNoRoomFor) {

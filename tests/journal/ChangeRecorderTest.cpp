@@ -71,6 +71,23 @@ TEST_F(ChangeRecorderTest, RecordsAnOperationOnceHoweverManyRequestsItTakes) {
   EXPECT_THAT(recorder.Head(), testing::StartsWith("7 "));
 }
 
+TEST_F(ChangeRecorderTest, AnOperationHasTheResultOfItsWorstRequest) {
+  using enum ChangeResult;
+  const std::pair<ChangeResult, const char*> rising[] = {
+      {Done, "done"}, {Sent, "sent"}, {Stopped, "stopped"}, {Refused, "failed"}, {Failed, "failed"}};
+  for (std::size_t i = 1; i < std::size(rising); ++i) {
+    for (const bool isWorstLast : {true, false}) {
+      {
+        const OperationScope writing(&recorder, {"Operand view", "write"});
+        EXPECT_TRUE(Send(rising[isWorstLast ? i - 1 : i].first));
+        EXPECT_TRUE(Send(rising[isWorstLast ? i : i - 1].first));
+      }
+      const std::string recorded = Recorded();
+      EXPECT_THAT(recorded.substr(recorded.rfind('|')), testing::StartsWith("|" + std::string(rising[i].second)));
+    }
+  }
+}
+
 TEST_F(ChangeRecorderTest, RefusesWhatItCannotRecordUnlessTheUserSaysOtherwise) {
   std::filesystem::remove_all(SessionFolder(shared));
   std::ofstream(SessionFolder(shared)) << "in the way";
@@ -83,7 +100,9 @@ TEST_F(ChangeRecorderTest, RefusesWhatItCannotRecordUnlessTheUserSaysOtherwise) 
     EXPECT_TRUE(refused.error().isNotExecuted);
     EXPECT_THAT(refused.error().cure, testing::HasSubstr("256 KiB"));
     EXPECT_THAT(refused.error().cure, testing::HasSubstr("or say otherwise"));
-    EXPECT_FALSE(Send());
+    std::filesystem::remove(SessionFolder(shared));
+    EXPECT_FALSE(Send()) << "the rest of what was refused, though it could be recorded now";
+    std::ofstream(SessionFolder(shared)) << "in the way";
   }
   EXPECT_FALSE(Send()) << "a request of its own asks nobody";
   asked.Press(PromptAnswer::Yes);

@@ -44,12 +44,15 @@ TEST_F(JournalListTest, Filters) {
       {{.operand = "MI", .user = "hans"}, {}},
       {{.day = "2026-11-23"}, {4, 6}},
       {{.day = "2026-11"}, {1, 2, 4, 6}},
+      {{.most = 4}, {1, 2, 4, 6}},
+      {{.most = 3}, {2, 4, 6}},
   };
   for (const Case& each : cases) {
     std::vector<std::uint64_t> numbers;
     for (const JournalEntry& entry : List(each.filter).entries) numbers.push_back(entry.record.number);
     EXPECT_EQ(numbers, each.numbers) << each.filter.operand << "|" << each.filter.user << "|" << each.filter.day;
   }
+  EXPECT_EQ(List({.most = 1}).left, 3U);
   EXPECT_EQ(JournalFilter{.operand = "recipe"}.Fault(), "\"recipe\" is no operand: enter MI 5, MI 0..9 or MI.");
   EXPECT_EQ(JournalFilter{.day = "22.11.2026"}.Fault(), "\"22.11.2026\" is no day: enter 2026-11-22, or 2026-11.");
   for (const char* never : {"2026-13", "2026-02-30", "2026-11-00"}) EXPECT_NE(JournalFilter{.day = never}.Fault(), "");
