@@ -59,6 +59,13 @@ TEST(SignTest, EveryStateIsToldByItsShapeAndItsWords) {
       5u);
 }
 
+TEST(LinkFactsTest, ARoundTripHasTwoDecimals) {
+  const std::pair<Duration, const char*> rows[] = {
+      {0us, ""}, {4us, "0.00 ms"}, {94us, "0.09 ms"}, {95us, "0.10 ms"}, {1234us, "1.23 ms"}, {1995us, "2.00 ms"},
+  };
+  for (const auto& [span, text] : rows) EXPECT_EQ(LinkFactsOf({.roundTrip = span}).roundTrip, text);
+}
+
 TEST_F(TelepanelHostTest, ALostControllerIsCountedDownToTheNextTry) {
   host.Click(command::kOnLine);
   LoseController();

@@ -28,12 +28,11 @@ TEST_F(TelepanelHostTest, AControllerOfAnotherModelThanTheSelectedIsToldWithACur
 }
 
 TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
-  host.Click(command::kOnLine);
-  LoseController();
   channel->error.code = LinkErrorCode::Stopped;
   view.onWait = [this](HostView::Wait wait) {
-    if (wait != HostView::Wait::Quiet) return;
     host.NoteSilence();
+    EXPECT_EQ(view.shown.isSilent, wait == HostView::Wait::Quiet) << "a wait that was asked for is told by itself";
+    if (wait != HostView::Wait::Quiet) return;
     EXPECT_EQ(HeadingText(view.shown) + ", " + RetryText(view.shown),
               "Default - K220 - No answer, Looking for the controller");
     EXPECT_EQ(view.shown.message, "No answer, looking for the controller");
@@ -42,6 +41,8 @@ TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
     EXPECT_TRUE(pacer.StopRequested());
     EXPECT_THAT(clicked, ElementsAre("ID_OnLine")) << "not in the middle of the question";
   };
+  host.Click(command::kOnLine);
+  LoseController();
   Pass(std::chrono::seconds(1));
   EXPECT_THAT(clicked, ElementsAre("ID_OnLine", "ID_DumpPLC"));
   EXPECT_FALSE(pacer.StopRequested());
@@ -187,7 +188,8 @@ TEST_F(TelepanelHostTest, NobodyIsAskedWhileAToolWorksWithTheController) {
   host.Click(command::kOnLine);
   channel->calls.clear();
   host.OnToolClicked = [this](const std::string&, const std::string&) {
-    host.Click("ID_DumpPLC");  // a click that comes through while a tool is at work
+    for (const std::string_view id : {std::string_view("ID_DumpPLC"), command::kExit}) host.Click(id);
+    EXPECT_FALSE(pacer.StopRequested()) << "a click that comes through while a tool is at work does nothing";
     Pass(std::chrono::seconds(10));
     host.SetEnabled(false);
   };
@@ -218,6 +220,7 @@ TEST_F(TelepanelHostTest, TheTenPagesFilesThatWereOpenedLastAreKeptWithTheSessio
   for (int i = 0; i < 11; ++i) files.push_back(PutPages(std::to_string(i) + ".kta", {"Bakery", "Q50"}));
   for (const std::string& file : files) host.OpenPagesFile(file);
   host.OpenPagesFile(files[5]);
+  ASSERT_TRUE(host.Settings().Write("RecentPages10", "of a program that keeps more"));
   const auto kept = host.Settings().ReadRecentPages();
   EXPECT_EQ(kept.size(), 10u);
   EXPECT_EQ(kept.front() + kept.back(), files[5] + files[1]);
@@ -251,6 +254,11 @@ TEST_F(TelepanelHostTest, APagesFileIsMadeForTheControllerOnLineAndThenAsked) {
   EXPECT_THAT(view.shown.trouble, HasSubstr("model K220-22-R1, hardware code 10, O/S 4.60, build 19, unit id 1, serial "
                                             "number 2748, state running, project Other."));
   EXPECT_EQ(view.shown.controller->serialNumber, "2748") << "what was learnt stays in sight";
+  const auto without = std::exchange(
+      onLine, [this] { host.ConnectionRefused("The O/S is too old.", {*channel->version, channel->info}); });
+  host.Click(command::kOnLine);
+  EXPECT_THAT(view.shown.trouble, Not(HasSubstr("for the project"))) << "which nobody has compared this time";
+  onLine = without;
   host.Click(command::kClosePages);
   host.Click(command::kOnLine);
   EXPECT_EQ(view.shown.connection, ConnectionState::Online);

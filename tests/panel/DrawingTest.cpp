@@ -40,6 +40,7 @@ PanelRecord Item(int kind, std::string body) {
 TEST(Drawing, EveryItemIsDrawnAsThePageSays) {
   ScreenResources resources;
   ASSERT_TRUE(resources.Add(PanelResourceKind::Font, 1, SmallFont()));
+  ASSERT_TRUE(resources.Add(PanelResourceKind::Font, 4, SmallFont(1)));
   ASSERT_TRUE(resources.Add(PanelResourceKind::Image, 2, SmallBitmap()));
   ASSERT_TRUE(resources.Add(PanelResourceKind::Image, 3, SmallBitmap(-2)));
   const struct {
@@ -54,6 +55,7 @@ TEST(Drawing, EveryItemIsDrawnAsThePageSays) {
                {Text(64, 0, 1, 12, 1, "AB"), "/WWWWWWWW/WWWWW..W/WWWWW..W/WWWWW..W/WWWWW..W/WWWWWWWW"},
                {Text(64, 0, 0, 7, 1, "B", 4 | 2), "BBBWWWW/BBBWBBW/BBBWBBW/BBBWBBW/BBBWBBW/BBBWWWW"},
                {Text(64, 2, 0, 6, 1, "AB", 1), "..WWWWWW/..WWWWW/..WWWWW/..WWWWW/..WWWWW/..WWWWWW"},
+               {Text(64, 4, 0, 6, 4, "AB", 2), "........WW/........WW/........WW/........WW/........WW/........WW"},
                {Text(64, 0, 0, 12, 1, "x"), "/.W/.W/.W/.W"},
                {Item(20, Words({1, 1, 2})), "/.R/.GB"},
                {Item(20, Words({1, 1, 3})), "/.R/.GB"},

@@ -177,6 +177,12 @@ TEST_F(PanelSessionTest, AButtonIsPressedHeldAndLetGo) {
   EXPECT_EQ(session.Press(kStart), PressRefusal::None);
   Run(100ms);  // let go before it was sent
   EXPECT_THAT(Sent(), ElementsAre("Ta"));
+
+  Run(10s);
+  panel.sent.clear();
+  EXPECT_EQ(session.Press(kStart), PressRefusal::None);
+  Run(300ms);
+  EXPECT_GE(std::ranges::count(panel.sent, "c"), 5) << "what comes of it is seen at once, also on a screen at rest";
 }
 
 // What is pressed now is all that renews, so each of these ends in letting go, and none of them in a press.

@@ -106,6 +106,7 @@ TEST(ScreenText, IsReadAsAPersonReadsIt) {
   EXPECT_EQ(PlainText(text, none), "T = 20 °C\n\n");
   const std::vector<ScreenText> texts = TextsOf(text, none);
   ASSERT_EQ(texts.size(), 3U) << "a row and two keys";
+  EXPECT_EQ(texts[0].place, (PixelRect{0, 0, 128, 16}));
   EXPECT_EQ(texts[1].text, "F1");
   EXPECT_EQ(TouchText(*texts[1].touch), "button to hold \"Start\", disabled");
   EXPECT_FALSE(texts[2].touch) << "Esc means nothing here";
