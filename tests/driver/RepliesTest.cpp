@@ -41,6 +41,10 @@ TEST(Replies, NothingIsTakenFromAReplyThatDoesNotFit) {
     }
     EXPECT_FALSE(takes(reply + "0")) << reply;
   }
+  EXPECT_TRUE(ReadIdentification("IDK330|33|4.60|19"));
+  for (const char* bad : {"IDK330|33|4.60", "IDK330|33|4.60|19|", "IXK330|33|4.60|19", "ID", ""}) {
+    EXPECT_FALSE(ReadIdentification(bad)) << bad;
+  }
   ASSERT_TRUE(ReadMemoryBytes(cases[2].first, 15, 0x300000, memory));
   EXPECT_EQ(memory, (Bytes{0x00, 0x01, 0x02, 0x03, 0x04, 0xFF, 0xFE, 0x2F}));
 }

@@ -122,6 +122,7 @@ TEST_F(LinkDialogsTest, APortThatIsGoneStaysAndIsFoundAgain) {
   LinkSettings settings;
   settings.transport = Transport::Serial;
   settings.serialPort = "/dev/ttyUSB7";
+  ports[1].stablePath = "/dev/serial/by-id/usb-0";
   driver.UseSettings(settings, true);
   InSettings([this](QDialog& dialog) {
     auto& combo = Find<QComboBox>(dialog, "cboPort");
@@ -132,6 +133,7 @@ TEST_F(LinkDialogsTest, APortThatIsGoneStaysAndIsFoundAgain) {
     };
     EXPECT_THAT(items(), ElementsAre("/dev/ttyS0 - 16550A", "/dev/ttyUSB0 - USB-Serial Controller (Prolific)",
                                      "/dev/ttyUSB7 - not present"));
+    EXPECT_EQ(combo.itemData(1, Qt::ToolTipRole).toString(), "/dev/serial/by-id/usb-0");
     EXPECT_EQ(combo.currentText(), "/dev/ttyUSB7");
     EXPECT_EQ(Find<QLabel>(dialog, "lblPortInfo").text(), "not present");
     combo.setEditText(folder.Path().c_str());

@@ -48,34 +48,5 @@ TEST_F(TestConnectionTest, SaysWhyNobodyAnswers) {
   });
 }
 
-// Whoever has tested wants to change a field, or to test again.
-TEST_F(TestConnectionTest, KeysReachEachFieldAlsoAfterATestThatHasTakenItsTime) {
-  LinkSettings settings;
-  settings.transport = Transport::Tcp;
-  settings.host = "127.0.0.1";
-  driver.UseSettings(settings, false);
-  makePort = [this](const LinkSettings&, Pacer&, ListeningSocket*) -> std::unique_ptr<Port> {
-    pacer.Sleep(std::chrono::milliseconds(600));
-    return nullptr;
-  };
-  InSettings([](QDialog& dialog) {
-    const auto keys = [&dialog] {
-      std::string names;
-      for (int i = 0; i < 12; ++i) {
-        names += dialog.focusWidget()->objectName().toStdString() + " ";
-        QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
-      }
-      return names;
-    };
-    const std::string before = keys();
-    EXPECT_THAT(before, ::testing::StartsWith("cboTransport txtHost txtTcpPort "));
-    EXPECT_THAT(before, ::testing::EndsWith("chkReconnect cmdTest cmdTrace cmdOk cmdCancel "));
-    QTest::keyClick(&dialog, Qt::Key_T, Qt::AltModifier);
-    EXPECT_TRUE(WaitUntil([&] { return !Result(dialog).isEmpty(); }));
-    EXPECT_EQ(keys(), before);
-    dialog.reject();
-  });
-}
-
 }  // namespace
 }  // namespace kv

@@ -17,6 +17,7 @@ TEST(TraceModelTest, FollowsTheTraceOverItsWholeLengthAndPastIt) {
   const auto trace = std::make_shared<Trace>();
   TraceModel model(trace);
   const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+  EXPECT_FALSE(model.headerData(TraceModel::ColumnCount, Qt::Horizontal, Qt::DisplayRole).isValid());
   int number = 0;
   for (const int added : {0, 1, 2, 996, 1, 1, 700, 1000, 2500}) {
     for (int i = 0; i < added; ++i) {

@@ -155,6 +155,12 @@ TEST_F(ListeningPortTest, RefusesARequestThatHasGone) {
   controller.Close();
   EXPECT_TRUE(Reaches(State::Listening));
   EXPECT_FALSE(socket.Accept(requestId));
+  controller = kvtest::DialLoopback(number);
+  ASSERT_TRUE(Reaches(State::Requested));
+  const auto behind = kvtest::DialLoopback(number);
+  socket.Close();
+  EXPECT_TRUE(socket.Accept(socket.RequestId()));
+  EXPECT_FALSE(behind.IsReady(20)) << "whoever calls meanwhile waits";
 }
 
 TEST_F(ListeningPortTest, SaysWhyNobodyIsThere) {

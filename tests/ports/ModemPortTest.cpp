@@ -63,7 +63,9 @@ TEST_F(ModemPortTest, DialsAndHangsUp) {
     auto& modem = Make({}, piece);
     ASSERT_TRUE(modem.Open(kLimit).has_value());
     EXPECT_EQ(modem.Description(), "Simulated COM3, modem 0,12345");
+    const Instant start = pacer.Now();
     modem.Close();
+    EXPECT_LT(pacer.Now() - start, seconds(3)) << "a second of silence before the escape and one behind it";
     EXPECT_FALSE(controller.isConnected);
     EXPECT_THAT(controller.taken, testing::EndsWith("+++"));  // hung up by command, not by pulling the line
     const Instant closed = pacer.Now();
@@ -75,8 +77,11 @@ TEST_F(ModemPortTest, DialsAndHangsUp) {
 // A port on which a modem says what the test wants to each command, or which takes no byte at all.
 struct ScriptedPort final : Port {
   explicit ScriptedPort(Pacer& turns) : pacer(turns) {}
-  std::expected<void, PortError> Open(Duration) override { return {}; }
-  void Close() override {}
+  std::expected<void, PortError> Open(Duration) override {
+    *isTaken = true;
+    return {};
+  }
+  void Close() override { *isTaken = false; }
   bool IsOpen() const override { return true; }
   Result Write(std::string_view& bytes, Duration slice) override {
     if (answers.empty()) return Wait(slice);
@@ -100,6 +105,7 @@ struct ScriptedPort final : Port {
   std::string Description() const override { return "COM3"; }
 
   Pacer& pacer;
+  std::shared_ptr<bool> isTaken = std::make_shared<bool>();
   std::vector<std::string> answers;  // to ATZ, the init text, ATE0 and the dialling
   std::string waiting;
   PortError loss;
@@ -124,13 +130,17 @@ TEST_F(ModemPortTest, TakesTheWordsOfTheModemOutOfWhateverElseItSays) {
     line->answers = answers;
     const Instant start = pacer.Now();
     const auto turns = pacer.TurnCount();
-    const auto opened = ModemPort(std::move(line), settings, pacer).Open(kLimit);
+    const auto isTaken = line->isTaken;
+    ModemPort modem(std::move(line), settings, pacer);
+    const auto opened = modem.Open(kLimit);
     EXPECT_EQ(opened ? "" : opened.error().happened, happened);
+    EXPECT_EQ(*isTaken, opened.has_value()) << "others may use the modem again";
+    const bool isSilent = std::string_view(happened).starts_with("the modem does not answer");
+    EXPECT_EQ(pacer.Now() - start, isSilent ? seconds(answers.empty() ? 6 : 3) : seconds(0)) << "three a command";
     if (!answers.empty()) continue;
     for (const char* cause : {"quiet mode (Q1)", "numeric answers (V0)", "holds an earlier call"}) {
       EXPECT_THAT(opened.error().cause, HasSubstr(cause));
     }
-    EXPECT_EQ(pacer.Now() - start, 2 * seconds(3)) << "two commands, three seconds each";
     EXPECT_GT(pacer.TurnCount() - turns, 100) << "the window is painted meanwhile";
   }
 }

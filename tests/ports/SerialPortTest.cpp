@@ -10,6 +10,7 @@
 #include <csignal>
 
 #include "KvCmDrv1/ports/PortErrors.h"
+#include "KvCmDrv1/ports/PortHolder.h"
 #include "Partners.h"
 #include "desktop/console/ConsolePacer.h"
 
@@ -77,7 +78,8 @@ std::string CureForNobody(const std::string& name) {
   if (child == 0) {
     if (::setgroups(0, nullptr) != 0 || ::setgid(kNobody) != 0 || ::setuid(kNobody) != 0) ::_exit(1);
     const auto opened = PortOn(name).Open(kNoLimit);
-    const std::string cure = opened ? "it opened" : opened.error().cure;
+    const bool isSure = FindPortHolder(name, 0).isCertain;  // of processes that it may not look into
+    const std::string cure = opened ? "it opened" : isSure ? "it is sure that nobody has it" : opened.error().cure;
     ::_exit(::write(said[1], cure.data(), cure.size()) > 0 ? 0 : 1);
   }
   ::waitpid(child, nullptr, 0);
