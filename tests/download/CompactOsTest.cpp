@@ -51,6 +51,12 @@ TEST(CompactOs, EveryModelGetsItsOwnOnEveryKindOfLine) {
         EXPECT_EQ(fixture.Told(), boot ? row.told + enter.size() : row.told);
         EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
         EXPECT_THAT(fixture.desk.said, ElementsAre(boot ? kAskedInBoot : kAsked, kOsSucceeded));
+        std::string status;
+        for (const std::string& shown : fixture.desk.log) {
+          if (shown.starts_with("Status ")) status += shown.substr(7);
+        }
+        EXPECT_EQ(status, (boot ? "" : "Entering the boot loader...") +
+                              std::string("Erasing the flash...Downloading O/S...Restarting the controller..."));
         EXPECT_EQ(fixture.Link()->GetComParams().baudRate, isSerial ? kUsualBaud : 0) << "as it was before";
       }
     }
@@ -158,6 +164,7 @@ TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
       {"OSS", "OS20", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderUnsure, 1, 0s},
       {"OSS", "OS11", "Error during FLASH erase! Operation failed.", ControllerLeft::BootLoaderUnsure, 31, 31s},
       {"OSP00080", "OSNO", "O/S Download Failed!", ControllerLeft::BootLoaderErased, 1, 0s},
+      {"OSP00080", "OSERROR0A", "O/S Download Failed!", ControllerLeft::BootLoaderErased, 20, 15s},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.command) + " " + row.reply);
@@ -182,6 +189,20 @@ TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
   EXPECT_EQ(damaged.outcome.left, ControllerLeft::BootLoaderUnsure);
   EXPECT_THAT(damaged.desk.said.back(),
               HasSubstr("The O/S was sent, but the controller is not what it was to be then."));
+}
+
+// Whoever sends an erase again that may have been executed takes "busy" for a yes, and nothing else.
+TEST(CompactOs, AnEraseThatIsToldAgainHasFailedUnlessItIsUnderWay) {
+  for (const bool isBusy : {true, false}) {
+    CompactOsFixture fixture(Plc("Q51"));
+    fixture.desk.declined = "Stop it all the same?";
+    fixture.controller->onText = [&, erases = 0](std::string_view text, sim::TextReply& told) mutable {
+      if (!text.starts_with("OSE") || ++erases > 2) return;
+      if (erases == 1) return fixture.pacer.RequestStop();
+      told.text = isBusy ? "OSERROR0A" : "OSERROR0F";
+    };
+    EXPECT_EQ(fixture.Download(), isBusy) << OutcomeText(fixture.outcome);
+  }
 }
 
 // What another box than the one of success is told about, and what is left then.

@@ -2,14 +2,10 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <filesystem>
-#include <functional>
 
 #include "Samples.h"
-#include "desktop/console/ConsolePacer.h"
 #include "download/CompactOsFile.h"
-#include "download/FontsFile.h"
 #include "download/OsFileName.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -78,38 +74,15 @@ TEST_F(OsFileLists, OfACompactControllerHoldWhatItMayTake) {
   }
 }
 
-// What is no file is none, what cannot be read is listed by its name, and many are no wait.
-TEST_F(OsFileLists, OfAFullFolderAreRightAndQuick) {
-  struct Row {
-    const char *folder, *name, *directory, *dangling, *first, *last;
-    std::function<FileList()> list;
-  };
-  const Row rows[] = {
-      {"Os Aurex/K330", "AurexK330v4{}.kos", "AurexK330v50000.kos", "AurexK330v50001.kos", "OS - V4.00 (B00)",
-       "* OS - V4.09 (B99)", [this] { return ListAurexOsFiles(paths, "K330").os; }},
-      {"Os Aurex/K330", "AFont{}v1200.kft", "AurexFontv1300.kft", "AurexFontv1310.kft", "FONTS - V1.20 (B0)",
-       "* FONTS - V1.20 (B0)", [this] { return ListAurexOsFiles(paths, "K330").fonts; }},
-      {"OS/OSPR", "PR1v{}.OSI", "PR1v9999.OSI", "PR1v9998.OSI", "O/S PR1 V0.00 (B00)", "* O/S PR1 V0.99 (B09)",
-       [this] { return ListCompactOsFiles(paths, {.kind = CompactKind::PR1}); }}};
-  for (const Row& row : rows) {
-    const fs::path folder = home.Path() / row.folder;
-    for (int i = 0; i < 1000; ++i) {
-      std::string name = row.name;
-      name.replace(name.find("{}"), 2, std::to_string(10000 + i).substr(1));
-      Put(row.folder, name, "");
-    }
-    fs::create_directory(folder / row.directory);
-    std::error_code ignored;  // some systems have no links for everybody
-    fs::create_symlink(folder / "gone", folder / row.dangling, ignored);
-    const ConsolePacer pacer;
-    const Instant start = pacer.Now();
-    const std::vector<std::string> texts = Texts(row.list());
-    EXPECT_LT(pacer.Now() - start, std::chrono::seconds(2));
-    ASSERT_EQ(texts.size(), 1000U);
-    EXPECT_EQ(texts.front(), row.first);
-    EXPECT_EQ(texts.back(), row.last);
+TEST_F(OsFileLists, HoldFilesAlone) {
+  for (const auto& [folder, name] : {std::pair("Os Aurex/K330", "AurexK330v50000.kos"),
+                                     {"Os Aurex/K330", "AurexFontv1300.kft"},
+                                     {"OS/OSPR", "PR1v9999.OSI"}}) {
+    fs::create_directories(home.Path() / folder / name);
   }
-  EXPECT_FALSE(ReadFontsFile(home.Path() / "Os Aurex/K330/AFont0000v1200.kft")) << "of 0 bytes";
+  const auto aurex = ListAurexOsFiles(paths, "K330");
+  EXPECT_TRUE(aurex.os.IsEmpty() && aurex.fonts.IsEmpty());
+  EXPECT_TRUE(ListCompactOsFiles(paths, {.kind = CompactKind::PR1}).IsEmpty());
 }
 
 // The models that are simulated are tried with whole downloads.

@@ -365,6 +365,7 @@ TEST(ProjectDownload, TheControllerAfterItsResetIsTheOneThatRunsAgain) {
     EXPECT_EQ(found ? LinkErrorCode::None : found.error().code, row.error);
     EXPECT_EQ(pacer.Now().time_since_epoch(), std::chrono::seconds(row.took)) << row.state << row.runsAfter;
     EXPECT_EQ(found && found->info.state == 'R', row.runsAfter > 0);
+    EXPECT_EQ(std::ranges::count(link.calls, "OpenLink 0 0") > 0, row.state == '-') << "where nobody answers";
   }
 }
 

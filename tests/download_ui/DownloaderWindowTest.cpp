@@ -374,32 +374,6 @@ TEST_F(DownloaderWindowTest, StopsWhenToldToAndSaysWhatTheControllerIsLeftAs) {
   EXPECT_FALSE(window->isVisible());
 }
 
-TEST_F(DownloaderWindowTest, GoesOnWithItsStatusWhenTheStopIsTakenBack) {
-  PlugIn({.model = "K220-22-R1", .baud = 57600});
-  Open();
-  Select(fixture.home.Put("hall.dai", SampleProject("K220-22-R1", 20'000)));
-  const auto& amount = Find<QLabel>(*window, "lblAmount");
-  const auto isSending = [&] { return amount.text().startsWith("part ") && amount.text().contains("left"); };
-  prompts.no = "Stop it all the same?";
-  bool isAsked = false;
-  When(*window, isSending, [&] {
-    Press("cmdStop");
-    EXPECT_EQ(Text("lblStatus"), "Stopping");
-    When(
-        *window, [&] { return isAsked && isSending(); },
-        [&] { EXPECT_EQ(Text("lblStatus"), "Send project topics ..."); });
-  });
-  prompts.onAsk = [&](const std::string& asked) {
-    isAsked = isAsked || asked.contains(prompts.no);
-    if (!asked.contains("about to Reset")) return;
-    EXPECT_EQ(Text("lblStatus"), "Programing flash and memory ...");
-    EXPECT_EQ(Text("lblPresent") + " " + Text("lblAmount"), "100% Programmed: 100 %");
-  };
-  Press("cmdDownload");
-  EXPECT_THAT(prompts.Texts(), ::testing::Contains(HasSubstr(prompts.no)));
-  EXPECT_THAT(Information(), HasSubstr("has ended well"));
-}
-
 // A memory that is saved wants the password, and is named as long as it is there.
 TEST_F(DownloaderWindowTest, SavesTheMemoryWithASecondTryForThePassword) {
   const std::string folder = "Os Aurex/K220/";
@@ -439,6 +413,7 @@ TEST_F(DownloaderWindowTest, SavesTheMemoryWithASecondTryForThePassword) {
     });
     Press("cmdDownloadOS");
     for (const char* told : each.told) EXPECT_THAT(Information() + Row("System fonts"), HasSubstr(told));
+    EXPECT_EQ(Find<QLabel>(*window, "lnkHelp").isVisible(), Information().contains("What to do: "));
     EXPECT_EQ(Shown(), "hall.dai|Hall 7|K220-22-R1|ready");
     const bool isDone = Information().contains("has ended well");
     EXPECT_EQ(FirstHead() + Row("Project").substr(Row("Project").find(" > ")),

@@ -49,6 +49,7 @@ TEST_F(KvsimTest, MakesFilesThatCanBeDownloaded) {
   EXPECT_EQ(make("project", "Pump.d50", {"--model", "Q50", "--name", "Pump 2"}), 0);
   EXPECT_EQ(make("os", ".", {"--model", "K220-32", "--version", "3.00", "--build", "7", "--remark", "x"}), 0);
   EXPECT_EQ(make("fonts", ".", {"--model", "K330", "--version", "1.31", "--build", "2"}), 0);
+  EXPECT_EQ(KvsimProcess({"make"}).End(), 2);
   EXPECT_EQ(make("fonts", ".", {"--model", "Q50"}), 2);
   EXPECT_EQ(make("os", ".", {"--model", "K330", "--version", "4.6"}), 2);
   EXPECT_EQ(make("os", "missing/folder/", {"--model", "K330"}), 1);
@@ -67,10 +68,12 @@ TEST_F(KvsimTest, MakesFilesThatCanBeDownloaded) {
 }
 
 TEST_F(KvsimTest, DialsOutAgainAfterTheConnectionHasEnded) {
-  const Listener driver;
-  KvsimProcess kvsim({"--dial", "127.0.0.1:" + std::to_string(driver.Port())});
-  for (int round = 0; round < 2; ++round) {
-    EXPECT_THAT(Exchange(driver.Accept(), "ID"), StartsWith("/01IDK220-22-R1|")) << round;
+  for (const char* host : {"127.0.0.1", "[127.0.0.1]"}) {
+    const Listener driver;
+    KvsimProcess kvsim({"--dial", host + (":" + std::to_string(driver.Port()))});
+    for (int round = 0; round < 2; ++round) {
+      EXPECT_THAT(Exchange(driver.Accept(), "ID"), StartsWith("/01IDK220-22-R1|")) << host << round;
+    }
   }
 }
 

@@ -86,6 +86,11 @@ TEST_F(BashTest, OffersVerbsOptionsAndTheirValues) {
   EXPECT_THAT(Offered("kvtele --"), Not(Contains("--segments")));
 }
 
+TEST(CommandLineTexts, HoldNothingThatAManualPageTakesForAnOrder) {
+  const cli::ProgramFacts facts{.program = {}, .verbs = {}, .exitCodes = ".a\n'b c\\d-e.f"};
+  EXPECT_THAT(cli::ManPage(facts, "1"), testing::HasSubstr("\n\\&.a\n\\&'b c\\ed\\-e.f\n"));
+}
+
 TEST(CommandLineTexts, AreReadWithoutComplaintByTheProgramsThatReadThem) {
   const TemporaryFolder folder;
   const cli::ProgramFacts facts = cli::DescribeProgram();

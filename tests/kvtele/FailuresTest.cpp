@@ -151,7 +151,7 @@ TEST(Failures, OfALinkThatDoesNotOpenAreThoseOfEveryCommand) {
   CommandFixture fixture;
   fixture.home.Put("mi.axt", "Version 100\r\nAurex\r\n2\tMI\t0\t9\t\r\n\r\n");
   fixture.home.Put("v.csv", "MI,0,1\n");
-  for (const char* command : {"identify", "online", "read MI 0", "write MI 0 1", "regions read @mi.axt",
+  for (const char* command : {"identify", "online", "read MI 3000", "write MI 0 1", "regions read @mi.axt",
                               "regions write @mi.axt @v.csv", "watch @mi.axt", "clone create @x.kdf --password 1",
                               "clone verify @x.kdf", "clone diff @x.kdf", "run", "stop"}) {
     const std::string line = std::string("--link tcp:127.0.0.1:1 ") + command;

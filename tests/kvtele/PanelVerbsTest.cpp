@@ -47,6 +47,12 @@ TEST(Screen, FollowsWhatChangesAndOperatesNothing) {
   EXPECT_THAT(watched.out, HasSubstr("RUNNING"));
   EXPECT_THAT(watched.trace, Not(HasSubstr("panel: ")));
   EXPECT_THAT(watched.trace, Not(HasSubstr("panel event")));
+  for (const char* bound : {"--count ", "--for "}) {
+    for (const int least : {0, 1}) {
+      const std::string line = "screen --watch " + (bound + std::to_string(least));
+      EXPECT_EQ(fixture.On("K670", line).exit, least == 0 ? 2 : 0) << line;
+    }
+  }
   fixture.pacer.After(std::chrono::seconds(2), [&] { fixture.pacer.RequestStop(); });
   EXPECT_EQ(fixture.On("K670", "screen --watch --for 60").exit, 130);
 }

@@ -115,15 +115,16 @@ TEST_F(Regions, ThatThisModelCannotBeAskedForAreNamedAndStopNoOthers) {
 }
 
 TEST_F(Regions, AreWatchedUntilEnoughHasChanged) {
-  Axt("2\tMI\t99\t100\t\r\n1\tMB\t0\t0\t\r\n", "Q50");  // MI 100 moves by itself
+  Axt("2\tMI\t99\t101\t\r\n1\tMB\t0\t0\t\r\n", "Q50");  // MI 100 and 101 move by themselves
   const Result counted = Watch("--count 2");
   EXPECT_EQ(counted.exit, 0) << counted.err;
   EXPECT_EQ(counted.err, "");
   EXPECT_THAT(counted.out, MatchesRegex("2024-01-01 00:00:\\w\\w\tMI\t100\t\\w+\t\\w+\n"
-                                        "2024-01-01 00:00:\\w\\w\tMI\t100\t\\w+\t\\w+\n"));
+                                        "2024-01-01 00:00:\\w\\w\tMI\t10\\w\t\\w+\t\\w+\n"));
+  const std::string one = Watch("--count 1 --json --every 2000").out;
   EXPECT_THAT(
-      Watch("--count 1 --json").out,
-      MatchesRegex("\\{\"time\":\".+\",\"type\":\"MI\",\"address\":100,\"old\":\"\\w+\",\"new\":\"\\w+\"\\}\n"));
+      one, MatchesRegex("\\{\"time\":\".+\",\"type\":\"MI\",\"address\":100,\"old\":\"\\w+\",\"new\":\"\\w+\"\\}\n"));
+  EXPECT_EQ(std::ranges::count(one, '\n'), 1);
 
   const Instant start = fixture.pacer.Now();
   EXPECT_EQ(Watch("--for 10 --every 1000").exit, 0);
