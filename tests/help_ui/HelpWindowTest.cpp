@@ -99,6 +99,10 @@ TEST_F(HelpWindowTest, FindsByContentsIndexAndSearch) {
               testing::HasSubstr("looked for: mod..., modem..."));
   QTest::keyClick(&question, Qt::Key_Return);
   EXPECT_EQ(Page(window), "/modem.html");
+  question.setText("headless");
+  ASSERT_EQ(hits.count(), 1);
+  QTest::keyClick(&question, Qt::Key_Return);
+  EXPECT_EQ(Page(window), "/command-line.html");
   question.setText("zzqx");
   EXPECT_EQ(hits.count(), 0);
   EXPECT_EQ(Find<QLabel>(window, "lblFound").text(), "No page has these words.");
