@@ -86,18 +86,6 @@ void ReplaceOs(Fixture& fixture, std::uint32_t version) {
   fixture.Wait(1s);
 }
 
-TEST(Downloads, AnOsThatWasNotProgrammedLeavesTheOldOne) {
-  Fixture fixture("K330");
-  ReplaceOs(fixture, 461);
-  EXPECT_EQ(fixture.Block(65, 0, 16, 0, 0, OsHeader("K330", 299, 0, "ab")).status, 10) << "drops the programmed one";
-  EXPECT_EQ(fixture.Block(65, 0x100000, 10, 1, 1, Stored("aX")).status, 10);
-  EXPECT_EQ(fixture.Block(69).status, kRefused + 0xF) << "other data than the header has announced";
-  EXPECT_EQ(fixture.Text("CCE"), "CCOK");
-  EXPECT_EQ(fixture.Text("ID"), "IDK330|33|4.60|19");
-  EXPECT_EQ(fixture.Text("CCB"), "CCOK");
-  EXPECT_EQ(fixture.Block(65, 0x100000, 10, 1, 1, Stored("ab")).status, kRefused + 0xF) << "no header any more";
-}
-
 // What a user is warned of before he replaces an O/S really happens, at each version from which on it does.
 TEST(Downloads, AnOsOfAnotherKindCostsWhatItCannotKeep) {
   struct Case {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "LineFixture.h"
+#include "simulator/LineSpeed.h"
 
 namespace sim::test {
 namespace {
@@ -23,6 +24,17 @@ TEST(Line, BytesTakeTheirTimeOnASerialLine) {
   fixture.now = start + 12ms;
   EXPECT_EQ(fixture.Hear(*fixture.line).size(), 18U);
   EXPECT_EQ(fixture.now, start + 8334us + 21875us);
+}
+
+// One start bit, and an idle line behind the last stop bit.
+TEST(Line, AnotherSpeedMakesOtherBytes) {
+  const std::tuple<std::string, int, int, std::string> rows[] = {
+      {"AB", 9600, 9600, "AB"},
+      {"AB", 0, 9600, "AB"},
+      {"\xFE", 9600, 3200, "\xFF"},
+      {"\xFF", 9600, 4800, "\xFF"},
+  };
+  for (const auto& [sent, at, with, heard] : rows) EXPECT_EQ(HeardAt(sent, at, with), heard) << at << " " << with;
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 
 #include "ReplayedScreen.h"
 #include "simulator/FaultRandom.h"
-#include "simulator/panel/Drawing.h"
 #include "tests/driver/GoldenFrames.h"
 
 namespace sim::test {
@@ -92,36 +91,6 @@ TEST(Screen, RecordsAreTheGoldenOnes) {
     }
   }
   EXPECT_EQ(compared, 2);
-}
-
-// The drawing rules that are easily off by one, on a screen of 12 x 8: one letter a dot.
-TEST(Screen, IsDrawnByTheRules) {
-  constexpr Colour kA = Rgb(255, 0, 0);
-  constexpr Colour kB = Rgb(0, 0, 255);
-  const auto pictureOf = [](RecordKind kind, const std::string& body) {
-    Screen screen(1);
-    screen.ShowPage(1, 0, "");
-    screen.Put(64, kind, body);
-    const Picture picture = DrawScreen(screen, 12, 8, [](std::uint16_t) { return std::string_view(); });
-    std::string dots;
-    for (int y = 0; y < 8; ++y) {
-      for (int x = 0; x < 12; ++x) {
-        const Dot dot = picture.At(x, y);
-        dots += dot == 0 ? '.' : dot == 0xFF0000 ? 'a' : dot == 0x0000FF ? 'b' : '?';
-      }
-      dots += '\n';
-    }
-    return dots;
-  };
-  const std::string none = "............\n";
-  EXPECT_EQ(pictureOf(RecordKind::Frame, FrameBody({1, 1, 6, 5}, 2, kA, kB)),
-            none + ".aaaaab.....\n.aaaabb.....\n.aa..bb.....\n.abbbbb.....\n.bbbbbb.....\n" + none + none);
-  EXPECT_EQ(pictureOf(RecordKind::Line, LineBody(10, 1, 1, 4, kA)),
-            none + ".........aa.\n......aaa...\n...aaa......\n.aa.........\n" + none + none + none);
-  EXPECT_EQ(pictureOf(RecordKind::Bar, BarBody({2, 1, 3, 6}, Direction::Upwards, 4999, kA, kB)),
-            none + "..bbb.......\n..bbb.......\n..bbb.......\n..bbb.......\n..aaa.......\n..aaa.......\n" + none);
-  EXPECT_EQ(pictureOf(RecordKind::Bar, BarBody({9, 6, 8, 9}, Direction::ToTheRight, 5000, kA, kB)),
-            none + none + none + none + none + none + ".........aaa\n.........aaa\n");
 }
 
 // Else who types quickly would be refused: each key makes the screen newer twice.
