@@ -326,6 +326,21 @@ TEST(OnLine, MarksValuesThatChangeAndFadesTheMarks) {
   EXPECT_THAT(marks, ElementsAre(0.0, 0.0, 1.0, 0.5, 0.0)) << "the first read is no change";
 }
 
+TEST(OnLine, TellsWhatItCannotRead) {
+  DataViewFixture fixture("AurexQ50");
+  fixture.Add(MI, 0, 1);
+  fixture.Add(DBI, 0, 9);
+  std::string said;
+  fixture.pacer.OnDoEvents([&] {
+    said = fixture.view.Status().message;
+    fixture.view.Run("ID_OnLine");
+  });
+  fixture.Run("ID_OnLine");
+  EXPECT_EQ(said, "Watching. 1 region cannot be read from a controller of the model AurexQ50.");
+  EXPECT_FALSE(fixture.view.SetFormat(2, FormatCode::Decimal)) << "there are two regions";
+  EXPECT_FALSE(fixture.view.SetFormat(0, FormatCode::None)) << "no format";
+}
+
 TEST(OnLine, GoesOnByItselfWithTheSameControllerOnly) {
   DataViewFixture fixture;
   fixture.Add(MI, 0, 1);
@@ -349,6 +364,12 @@ TEST(OnLine, GoesOnByItselfWithTheSameControllerOnly) {
     fixture.view.WatchAgain(true);
     EXPECT_EQ(fixture.Taken(), silent);
   }
+  fixture.channel->failAt = 2;
+  fixture.channel->during = [&] { fixture.pacer.RequestStop(); };
+  fixture.view.WatchAgain(true);
+  EXPECT_FALSE(fixture.view.WatchesAgain()) << "a try that the user has stopped is the last one";
+  fixture.channel->during = nullptr;
+  fixture.view.SetWatchesAgain(true);
   fixture.channel->failAt = -1;
   fixture.channel->info->serialNumber = 1002;
   fixture.view.WatchAgain(true);

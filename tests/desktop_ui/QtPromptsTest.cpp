@@ -90,6 +90,7 @@ TEST_F(QtPromptsTest, FileDialogsShowTheFilterAndAddItsExtension) {
   const QTemporaryDir folder;
   WhenOpen<QFileDialog>(user, [](QFileDialog& dialog) {
     EXPECT_EQ(dialog.windowTitle(), "Open");
+    EXPECT_EQ(dialog.objectName(), "FileDialog") << "by which the help finds its page";
     EXPECT_EQ(Find<QLineEdit>(dialog, "fileNameEdit").text(), "");
     EXPECT_LE(dialog.frameSize().height(), dialog.screen()->availableSize().height());
     EXPECT_EQ(dialog.nameFilters(), (QStringList{"Telepanel Files (*.kta)", "Sheets (*.xls *.xlsx)"}));
