@@ -190,13 +190,14 @@ void frmMain::ShowScale(PanelScale scale) {
   mCommands.ShowScale(scale.Name());
 }
 
+// Which machine it is, and how it is, stands above its screen there, too.
 void frmMain::ToggleFullScreen() {
   if (!mAround.empty()) {
     for (QWidget* widget : std::exchange(mAround, {})) widget->show();
     setWindowState(windowState() & ~Qt::WindowFullScreen);
   } else {
     for (QWidget* widget : {static_cast<QWidget*>(menuBar()), static_cast<QWidget*>(statusBar()), mSideColumn,
-                            static_cast<QWidget*>(mHeading), static_cast<QWidget*>(mLog), mCommands.ToolBar()}) {
+                            static_cast<QWidget*>(mLog), mCommands.ToolBar()}) {
       if (!widget->isVisible()) continue;
       widget->hide();
       mAround.push_back(widget);
