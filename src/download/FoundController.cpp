@@ -57,6 +57,10 @@ std::optional<OsNumber> FoundController::Os() const {
   return info.state == 'B' ? std::nullopt : OsNumberOf(version);
 }
 
+std::string FoundController::ReplacedText() const {
+  return Os() ? " in place of " + OsVersionText(version) : "";
+}
+
 std::string FoundController::ProjectText() const {
   return ShownText(info.projectName);
 }

@@ -22,6 +22,8 @@ struct FoundController {
   [[nodiscard]] std::string OsText() const;
   // The same as a number; nothing when it is none, or what is reported is that of the boot loader.
   [[nodiscard]] std::optional<OsNumber> Os() const;
+  // " in place of 4.60", for records; empty in the boot loader, which tells of no O/S.
+  [[nodiscard]] std::string ReplacedText() const;
   // Name of the project that it holds, UTF-8; empty when there is none.
   [[nodiscard]] std::string ProjectText() const;
 };

@@ -1,6 +1,5 @@
 #include "download/clsAurexOSDownloader.h"
 
-#include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "clone/ProgramState.h"
 #include "clone/RestoreCheck.h"
@@ -253,8 +252,7 @@ clsAurexOSDownloader::Step clsAurexOSDownloader::EndDryRun() {
 
 clsAurexOSDownloader::Step clsAurexOSDownloader::NameOperation() {
   const std::string fonts = mChoice.fonts.empty() ? "" : " and the fonts " + Utf8FromPath(mChoice.fonts);
-  mWork->BeginOperation("download the O/S " + Utf8FromPath(mChoice.os) + fonts + " in place of " +
-                        AnsiToUtf8(mFound.version.osVersion));
+  mWork->BeginOperation("download the O/S " + Utf8FromPath(mChoice.os) + fonts + mFound.ReplacedText());
   return {};
 }
 

@@ -1,6 +1,5 @@
 #include "download/clsBrioQ50OSDownloader.h"
 
-#include "base/AnsiText.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "clone/ProgramState.h"
@@ -230,8 +229,7 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::EndDryRun() {
 }
 
 clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::NameOperation() {
-  mWork->BeginOperation("download the O/S " + Utf8FromPath(mChosen) + " in place of " +
-                        AnsiToUtf8(mFound.version.osVersion));
+  mWork->BeginOperation("download the O/S " + Utf8FromPath(mChosen) + mFound.ReplacedText());
   return {};
 }
 

@@ -101,6 +101,10 @@ TEST(CompactOs, WhatDoesNotFitIsRefusedAndNothingIsSent) {
   EXPECT_EQ(inBoot.Told(), "");
   EXPECT_THAT(inBoot.desk.boxes.back().text,
               testing::AllOf(HasSubstr("BQ51 (boot loader of a Q51), serial number "), HasSubstr("Q51v4712.OSI")));
+  FoundController found{{"Q51", "51", "4.60", "19"}, {.serialNumber = 7, .state = 'R', .projectName = ""}};
+  EXPECT_EQ(found.ReplacedText(), " in place of 4.60");
+  found.info.state = 'B';
+  EXPECT_EQ(found.ReplacedText(), "") << "a boot loader tells of no O/S";
   CompactOsFixture other(Plc("K330"));
   EXPECT_FALSE(other.Download());
   EXPECT_EQ(other.outcome.end, DownloadEnd::Refused);
