@@ -6,6 +6,7 @@
 #include "apps/KvTeleExe/AboutFacts.h"
 #include "apps/KvTeleExe/DialogWindow.h"
 #include "base/ProgramVersion.h"
+#include "cache/ui/frmRestoreCache.h"
 #include "clone/ui/frmDumpPLC.h"
 #include "dataview/ui/frmDataTypesView.h"
 #include "desktop/UserName.h"
@@ -44,6 +45,13 @@ constexpr std::array kTable{
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
                     const ClonerServices services{of.shared, of.prompts, of.pacer, of.clock};
                     return std::make_unique<frmDumpPLC>(services, parent);
+                  }},
+    ToolWindowRow{"ID_ImportCacheFromPLC",
+                  [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {
+                    const CacheServices services{of.shared, of.prompts, of.pacer, of.clock};
+                    auto wizard = std::make_unique<frmRestoreCache>(services, parent);
+                    wizard->SetRemoteClass(*of.shared.Remote);
+                    return wizard;
                   }},
     ToolWindowRow{"ID_Journal",
                   [](const WindowServices& of, const std::string&, QWidget* parent) -> Made {

@@ -27,13 +27,15 @@ namespace command {
 // Places of the menus that the window fills itself.
 inline constexpr std::string_view kModel = "ID_OPLC_Model";           // one entry a model
 inline constexpr std::string_view kRecentPages = "HOST_RecentPages";  // one entry a file
-inline constexpr std::string_view kTheme = "HOST_Theme";              // one entry a theme
+inline constexpr std::string_view kRecentCaches = "HOST_RecentCaches";
+inline constexpr std::string_view kTheme = "HOST_Theme";  // one entry a theme
 
 inline constexpr std::string_view kOnLine = "ID_OnLine";
 inline constexpr std::string_view kComParams = "ID_ComParams";
 inline constexpr std::string_view kExit = "ID_Exit";
 inline constexpr std::string_view kEscape = "Escape";  // in no menu: the Escape key
 inline constexpr std::string_view kOperandView = "ID_DataTypes";
+inline constexpr std::string_view kOpenCache = "ID_ImportFontsAndImages";
 inline constexpr std::string_view kLogOff = "ID_LogOff";
 inline constexpr std::string_view kOffLine = "HOST_OffLine";
 inline constexpr std::string_view kTakeModel = "HOST_TakeModel";

@@ -63,7 +63,8 @@ struct HostState {
   std::string sessionsFault;          // why there are none
   std::optional<OpenPages> pages;
   std::vector<std::string> recentPages;  // newest first
-  bool isEnabled = true;                 // takes user input
+  std::vector<std::string> recentCaches;
+  bool isEnabled = true;  // takes user input
   bool isPointerBusy = false;
 };
 

@@ -44,6 +44,8 @@ void TelepanelHost::Click(std::string_view id, const std::string& argument) {
     Connect(argument);
   } else if (id == command::kModel) {
     if (MayChangeModel(argument)) ClickTool(std::string(id), argument);
+  } else if (id == command::kRecentCaches) {
+    ClickTool(std::string(command::kOpenCache), argument);
   } else if (id == command::kComParams) {
     ClickTool(std::string(id), "Session " + mState.session);  // whose settings they are
   } else if (id.starts_with(kOwnCommands)) {
@@ -68,6 +70,8 @@ std::string TelepanelHost::WhyDisabled(std::string_view id) const {
   if (isOfSessions && !mSessions) return "This program has no sessions.";
   if (id == command::kLogOff && mState.user.empty()) return "Nobody is logged in.";
   if (id == command::kRecentPages && mState.recentPages.empty()) return "No Telepanel file has been opened before.";
+  if (id == command::kRecentCaches && mState.recentCaches.empty())
+    return "No cache file has been opened or made before.";
   if (id == command::kClosePages && !mState.pages) return "No Telepanel file is open.";
   if (id == command::kSavePages && !isOnline) return "The file is made for a controller's project: go on line first.";
   if (id == command::kSavePages && !(mState.controller && IsProjectName(mState.controller->project))) {

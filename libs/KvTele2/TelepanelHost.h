@@ -102,9 +102,9 @@ class TelepanelHost final : public RemoteHost {
   void SetToolMissing(const std::string& toolId, const std::string& reason) override;
 
   bool OpenPagesFile(const std::string& path) override;
-  void SetRecentCaches(const std::vector<std::string>&) override {}  // this host reads no caches
-  [[nodiscard]] bool ReadsColourCaches() const override { return false; }
-  [[nodiscard]] bool OpenColourCache(const std::string&) override { return false; }
+  void SetRecentCaches(const std::vector<std::string>& entries) override;
+  [[nodiscard]] bool ReadsColourCaches() const override { return true; }
+  [[nodiscard]] bool OpenColourCache(const std::string& path) override;
 
   [[nodiscard]] bool IsOnline() const override { return mState.connection == ConnectionState::Online; }
   [[nodiscard]] bool HoldsLink() const override { return mChannel != nullptr; }

@@ -197,10 +197,14 @@ void clsCallerExe::PagesFile(const std::string&) {
   mRemote->OpenPagesFile(*chosen);
 }
 
-void clsCallerExe::ImportFontsAndImages(const std::string&) {
+// `file` is one that the user has chosen from the recent ones; empty: he is asked for one.
+void clsCallerExe::ImportFontsAndImages(const std::string& file) {
   ModalBracket bracket(*mRemote);
-  const auto chosen = mParts.prompts->OpenFile(
-      {.title = "Open Cache File", .filter = "Telepanel For Color Cache Files (*.ktc)|*.ktc", .purpose = "Caches"});
+  const auto chosen = !file.empty()
+                          ? std::optional(file)
+                          : mParts.prompts->OpenFile({.title = "Open Cache File",
+                                                      .filter = "Telepanel For Color Cache Files (*.ktc)|*.ktc",
+                                                      .purpose = "Caches"});
   if (!chosen) return;
   if (const auto added = AddRecentCache(mShared, *chosen)) {
     mRemote->SetRecentCaches(*added);

@@ -90,7 +90,7 @@ class clsCallerExe final : private SessionChoice {
   void PidServer(const std::string& argument);
   void DownloadDesigner(const std::string& argument);
   void PagesFile(const std::string& argument);
-  void ImportFontsAndImages(const std::string& argument);
+  void ImportFontsAndImages(const std::string& file);
   void DumpPlc(const std::string& argument);
 
   HostParts mParts;

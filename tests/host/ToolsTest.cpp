@@ -183,6 +183,9 @@ TEST_F(ToolsTest, AChosenCacheIsRecentAndAFailureToOpenItIsTold) {
                           "OpenColourCache /c/plant.ktc",
                           "Box ( ) Error: Error Opening Cache File. Please Check for Disk Space", "Enabled on"));
   EXPECT_THAT(ReadRecentCaches(shared), ElementsAre("/c/plant.ktc"));
+  host.opensCaches = true;
+  EXPECT_THAT(CallsOf("ID_ImportFontsAndImages", "/c/old.ktc"),
+              ElementsAre("Enabled off", "RecentCaches 2", "OpenColourCache /c/old.ktc", "Enabled on"));
 }
 
 // A designer that hands back the blocks that it got, each with a mark behind it.

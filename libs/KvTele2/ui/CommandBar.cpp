@@ -70,9 +70,10 @@ QAction* CommandBar::MakeAction(QMenu& menu, const HostCommand& command) {
     FillScales(*scales);
     return scales->menuAction();
   }
-  if (command.id == command::kRecentPages) {
-    mRecentMenu = menu.addMenu(Text(command.text));
-    return mRecentMenu->menuAction();
+  if (command.id == command::kRecentPages || command.id == command::kRecentCaches) {
+    QMenu* files = menu.addMenu(Text(command.text));
+    mRecent[command.id].menu = files;
+    return files->menuAction();
   }
   QAction* action = menu.addAction(Text(command.text));
   if (!command.shortcut.empty()) action->setShortcut(QKeySequence(Text(command.shortcut), QKeySequence::PortableText));
@@ -175,7 +176,8 @@ void CommandBar::BuildModelBox() {
 void CommandBar::Show(const HostState& state, const WhyDisabled& whyDisabled) {
   for (const auto& [id, action] : mActions) Allow(*action, QString::fromStdString(whyDisabled(id)));
   ShowModel(state.model, whyDisabled(command::kModel));
-  ShowRecent(state.recentPages);
+  ShowRecent(command::kRecentPages, state.recentPages);
+  ShowRecent(command::kRecentCaches, state.recentCaches);
 }
 
 void CommandBar::ShowModel(const std::string& model, const std::string& whyNot) {
@@ -188,13 +190,14 @@ void CommandBar::ShowModel(const std::string& model, const std::string& whyNot) 
   mModelBox->setToolTip(whyNot.empty() ? "Selects the model of the controller" : QString::fromStdString(whyNot));
 }
 
-void CommandBar::ShowRecent(const std::vector<std::string>& files) {
-  if (files == mRecent) return;
-  mRecent = files;
-  mRecentMenu->clear();
+void CommandBar::ShowRecent(std::string_view id, const std::vector<std::string>& files) {
+  Recent& recent = mRecent.at(id);
+  if (files == recent.files) return;
+  recent.files = files;
+  recent.menu->clear();
   for (const std::string& file : files) {
-    QAction* action = mRecentMenu->addAction(MenuText(file));
-    QObject::connect(action, &QAction::triggered, &mWindow, [this, file] { mOnCommand(command::kRecentPages, file); });
+    QAction* action = recent.menu->addAction(MenuText(file));
+    QObject::connect(action, &QAction::triggered, &mWindow, [this, id, file] { mOnCommand(id, file); });
   }
 }
 

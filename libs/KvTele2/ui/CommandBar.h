@@ -44,7 +44,7 @@ class CommandBar {
   void BuildToolBar();
   void BuildModelBox();
   void ShowModel(const std::string& model, const std::string& whyNot);
-  void ShowRecent(const std::vector<std::string>& files);
+  void ShowRecent(std::string_view id, const std::vector<std::string>& files);
 
   QMainWindow& mWindow;
   OnCommand mOnCommand;
@@ -52,8 +52,11 @@ class CommandBar {
   std::map<std::string_view, QAction*> mModels;   // by model
   std::vector<QAction*> mThemes;
   std::vector<QAction*> mScales;
-  QMenu* mRecentMenu = nullptr;
-  std::vector<std::string> mRecent;
+  struct Recent {
+    QMenu* menu = nullptr;
+    std::vector<std::string> files;
+  };
+  std::map<std::string_view, Recent> mRecent;  // by id
   QToolBar* mToolBar = nullptr;
   int mWidthWithTexts = 0;  // of the tool bar
   QComboBox* mModelBox = nullptr;

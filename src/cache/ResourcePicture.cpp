@@ -1,0 +1,44 @@
+#include "cache/ResourcePicture.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "KvTele2/panel/ScreenFont.h"
+#include "KvTele2/panel/ScreenText.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view kSample = "AaBbGg 0123456789 +\xB0\xB5\xC4\xD6\xDC\xE9";  // Windows-1252
+constexpr int kWidest = 320;
+
+panel::Picture SampleOf(const panel::ScreenFont& font, panel::Dot ink) {
+  panel::Picture picture(std::clamp(font.WidthOf(kSample), 1, kWidest), font.Height(), panel::kTransparent);
+  panel::Pen pen(picture, picture.Bounds());
+  int x = 0;
+  for (const char character : kSample) {
+    if (const auto glyph = font.GlyphOf(character)) pen.Bits(x, 0, glyph->width, glyph->rows, ink);
+    x += font.WidthOf(character);
+  }
+  return picture;
+}
+
+}  // namespace
+
+std::string NameOfResource(PanelResourceKind kind, const PanelResource& entry) {
+  const std::string name = panel::ReadableText(entry.name);
+  if (!name.empty()) return name;
+  return (kind == PanelResourceKind::Font ? "Font " : "Image ") + std::to_string(entry.id);
+}
+
+std::optional<panel::Picture> PictureOfResource(PanelResourceKind kind, const cache::CachedResource& resource,
+                                                panel::Dot ink) {
+  if (kind == PanelResourceKind::Image) {
+    auto image = panel::ParseScreenImage(resource.bytes);
+    return image ? std::optional(*std::move(image)) : std::nullopt;
+  }
+  const auto font = panel::ScreenFont::Parse(resource.bytes);
+  return font ? std::optional(SampleOf(*font, ink)) : std::nullopt;
+}
+
+}  // namespace kv

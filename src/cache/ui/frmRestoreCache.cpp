@@ -1,0 +1,272 @@
+#include "cache/ui/frmRestoreCache.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <algorithm>
+#include <limits>
+
+#include "KvTele2/cache/CacheOutcome.h"
+#include "base/PathText.h"
+#include "base/Texts.h"
+#include "cache/ui/ResultTable.h"
+#include "desktop/StopScope.h"
+#include "desktop/ui/Commands.h"
+#include "desktop/ui/HelpLink.h"
+#include "desktop/ui/HelpRequest.h"
+#include "desktop/ui/Icons.h"
+
+// What the import wizard does; how it looks is in frmRestoreCacheLayout.cpp.
+namespace kv {
+namespace {
+
+constexpr const char* kPurpose = "Caches";  // for which a folder is remembered
+constexpr const char* kTitle = "Import Cache";
+constexpr const char* kBusy = "An import is running; Cancel ends it.";
+constexpr const char* kNothingChanged = "Nothing was read, and the file is as it was.";
+const QColor kRed(255, 0, 0);
+
+// The window's image list: what a key shows, and says to whoever does not see it.
+struct Mark {
+  const char* key;
+  const char* icon;
+  const char* text;
+};
+constexpr Mark kMarks[] = {{"PROG", "refresh", "Running"}, {"OK", "test", "Done"}, {"FAIL", "warning", "Failed"}};
+
+QString Text(const std::string& text) {
+  return QString::fromStdString(text).replace("\r\n", "\n");
+}
+
+std::size_t RowOf(cache::CacheStep step) {
+  return step == cache::CacheStep::Font ? 1 : 2;
+}
+
+std::string Lines(const std::vector<std::string>& sentences) {
+  std::string text;
+  for (const std::string& sentence : sentences) text += (text.empty() ? "" : "\n") + sentence;
+  return text;
+}
+
+// What is in a file: "4 fonts and 18 images", and how many of them were read anew.
+std::string ContentText(const std::vector<cache::CacheResult>& results) {
+  const auto isFont = [](const cache::CacheResult& one) { return one.step == cache::CacheStep::Font; };
+  const auto fonts = static_cast<std::uint64_t>(std::ranges::count_if(results, isFont));
+  const auto read = std::ranges::count_if(results, &cache::CacheResult::wasRead);
+  return Counted(fonts, "font") + " and " + Counted(results.size() - fonts, "image") + ", " + std::to_string(read) +
+         " of them read anew";
+}
+
+}  // namespace
+
+// Everything that is given back when an import ends, however it ends.
+class frmRestoreCache::Operation {
+ public:
+  explicit Operation(frmRestoreCache& window) : mWindow(window), mStop(window.mServices.pacer) {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    mGateBefore = window.mServices.pacer.ExchangeGate({.isOpen = true});  // all but Cancel is disabled
+    window.mIsBusy = true;
+    window.EnableCommands();
+    window.mCancel->setFocus();  // what had the focus has just been disabled
+  }
+  ~Operation() {
+    mWindow.mBar->reset();
+    mWindow.mProgress->clear();
+    mWindow.mAmount->clear();
+    mWindow.mServices.pacer.ExchangeGate(std::move(mGateBefore));
+    QApplication::restoreOverrideCursor();
+    mWindow.mIsBusy = false;
+    mWindow.EnableCommands();
+    mWindow.mNext->setFocus();
+  }
+  Operation(const Operation&) = delete;
+  Operation& operator=(const Operation&) = delete;
+
+ private:
+  frmRestoreCache& mWindow;
+  StopScope mStop;
+  InputGate mGateBefore;
+};
+
+void frmRestoreCache::reject() {
+  if (!mIsBusy) return QDialog::reject();
+  mServices.pacer.RequestStop();
+  mProgress->setText("Cancelling");
+}
+
+void frmRestoreCache::done(int result) {
+  CloseHelpFile();
+  QDialog::done(result);
+}
+
+void frmRestoreCache::OpenHelp() {
+  mHasOpenedHelp = true;
+  RequestHelp(*this);
+}
+
+void frmRestoreCache::CloseHelpFile() {
+  if (!std::exchange(mHasOpenedHelp, false)) return;
+  for (QWidget* each : QApplication::topLevelWidgets()) {
+    if (each->objectName() == "frmHelp") each->close();
+  }
+}
+
+void frmRestoreCache::ShowPage(Page page) {
+  mPage = page;
+  mPages->setCurrentIndex(static_cast<int>(page));
+  constexpr const char* kCaptions[] = {"Next", "Try Again", "Finish"};
+  constexpr const char* kTips[] = {"Reads the fonts and images of the controller into the file",
+                                   "Begins the import anew", "Closes this window"};
+  mNext->setText(kCaptions[static_cast<std::size_t>(page)]);
+  mNext->setShortcut(QKeySequence(Qt::ALT | Qt::Key_N));  // a new text has taken it away
+  Describe(*mNext, kTips[static_cast<std::size_t>(page)], "Alt+N");
+  if (page == Page::Choose) mHeader->setText("Choose the cache file, and what is read into it");
+  EnableCommands();
+}
+
+void frmRestoreCache::EnableCommands() {
+  const bool isAnyWanted = mBoxes[1]->isChecked() || mBoxes[2]->isChecked();
+  const QString whyNot = mIsBusy ? kBusy : "";
+  const char* lacking = !mChosen ? "No file was chosen." : !isAnyWanted ? "Neither fonts nor images are wanted." : "";
+  Allow(*mHelp, whyNot);
+  Allow(*mBack, mIsBusy ? kBusy : mPage == Page::Choose ? "This is the first step." : mIsMade ? "It is done." : "");
+  Allow(*mNext, mIsBusy ? kBusy : mPage == Page::Finished ? "" : lacking);
+  const QString whyNotChoose = mIsBusy ? kBusy : mPage == Page::Choose ? "" : "The file was chosen in the first step.";
+  Allow(*mBrowse, whyNotChoose);
+  Allow(*mReadsAll, whyNotChoose);
+  for (std::size_t i = 1; i < kRows; ++i) Allow(*mBoxes[i], whyNotChoose);
+}
+
+void frmRestoreCache::ShowMark(cache::CacheStep step, const char* key) {
+  QLabel& label = *mMarks[RowOf(step)];
+  const auto mark = std::ranges::find(kMarks, std::string_view(key), [](const Mark& one) { return one.key; });
+  const bool isShown = mark != std::end(kMarks);
+  label.setPixmap(isShown ? IconOf(mark->icon).pixmap(label.size(), devicePixelRatioF()) : QPixmap());
+  label.setProperty("key", key);
+  label.setToolTip(isShown ? mark->text : "");
+  label.setAccessibleName(label.toolTip());
+}
+
+void frmRestoreCache::ShowState(Tone tone, const std::string& state, const std::string& reason) {
+  QPalette colours = mReason->palette();
+  if (tone == Tone::Failure) colours.setColor(QPalette::WindowText, kRed);
+  mState->setPalette(colours);
+  mState->setText(Text(state));
+  mReason->setText(Text(reason));
+  mReason->setVisible(!reason.empty());
+  mHelpLink->Follow(tone == Tone::Failure ? mState->text() + "\n" + mReason->text() : QString());
+}
+
+void frmRestoreCache::Browse() {
+  const std::string model = mRemote->Model();
+  const auto chosen = mServices.prompts.SaveFile(
+      {.title = "Create Cache File", .filter = kCacheFilter, .purpose = kPurpose, .initial = CacheNameOf(model)});
+  if (!chosen) return;
+  mChosen.emplace(PathFromUtf8(*chosen));
+  mSteps[0]->setText(QString::fromStdString(mChosen->Label()));
+  mSteps[0]->setToolTip(QString::fromStdString(mChosen->Hint()));
+  ShowState(Tone::Plain, "", "");
+  EnableCommands();
+  mNext->setFocus();
+}
+
+void frmRestoreCache::Next() {
+  if (mPage == Page::Finished) return accept();
+  Create();
+}
+
+void frmRestoreCache::Back() {
+  for (const cache::CacheStep step : {cache::CacheStep::Font, cache::CacheStep::Image}) ShowMark(step, "");
+  ShowState(Tone::Plain, "", "");
+  ShowPage(Page::Choose);
+  mBrowse->setFocus();
+}
+
+void frmRestoreCache::Create() {
+  if (mChosen->HasChanged()) {
+    Back();
+    mChosen.reset();
+    mSteps[0]->setText(kNoCacheChosen);
+    EnableCommands();
+    return ShowState(Tone::Failure, "The file has changed since it was chosen.", "Choose it anew, or another one.");
+  }
+  ShowState(Tone::Plain, "", "");
+  ShowPage(Page::Create);
+  mHeader->setText(Text(cache::WaitText(mChosen->Name())));
+  const Operation operation(*this);
+  CreateFrom(mServices.shared.ComDriver->GetChannel().get());
+}
+
+void frmRestoreCache::CreateFrom(Channel* link) {
+  cache::CacheImportOrder order = ImportOrder(mServices.shared, mChosen->File());
+  order.fonts = mBoxes[1]->isChecked();
+  order.images = mBoxes[2]->isChecked();
+  order.readsAll = mReadsAll->isChecked();
+  mImport = std::make_unique<cache::CacheImport>(order, mServices.pacer, mServices.clock, *this);
+  mProgress->setText("Asking the controller who it is");
+  auto plan = mImport->Prepare(link);
+  if (!plan) {
+    if (!link) plan.error().reason = mServices.shared.ComDriver->LastError().Text();
+    return ShowFailure(plan.error());
+  }
+  if (!IsWanted(*plan)) return ShowFailure({.end = cache::CacheEnd::Stopped, .text = kNothingChanged});
+  if (const std::string kept = KeptText(*plan); !kept.empty()) ShowState(Tone::Plain, "", kept);
+  const cache::CacheOutcome outcome = mImport->Run(*link);
+  if (outcome.end == cache::CacheEnd::Done) return ShowSuccess(outcome);
+  ShowFailure(outcome);
+  if (outcome.end == cache::CacheEnd::Failed) Finish();
+}
+
+bool frmRestoreCache::IsWanted(const cache::CacheImportPlan& plan) {
+  return plan.question.empty() || mServices.prompts.Show({.text = plan.question,
+                                                          .title = kTitle,
+                                                          .icon = PromptIcon::Exclamation,
+                                                          .buttons = PromptButtons::YesNo,
+                                                          .canLose = true}) == PromptAnswer::Yes;
+}
+
+void frmRestoreCache::Event_Step(cache::CacheStep step, cache::CacheStepState state) {
+  const bool isRunning = state == cache::CacheStepState::Running;
+  ShowMark(step, isRunning ? "PROG" : state == cache::CacheStepState::Done ? "OK" : "FAIL");
+  if (!isRunning) return;
+  mBar->reset();
+  mAmount->clear();
+  mProgress->setText(Text(std::string(cache::ProgressText(step))));
+}
+
+void frmRestoreCache::Event_Progress(const cache::CacheProgress& progress) {
+  constexpr std::uint64_t kMost = std::numeric_limits<int>::max();
+  mBar->setMaximum(static_cast<int>(std::clamp<std::uint64_t>(progress.total, 1, kMost)));
+  mBar->setValue(static_cast<int>(std::min(progress.done, kMost)));
+  mAmount->setText(Text(AmountText(progress)));
+  mServices.pacer.DoEvents();
+}
+
+// What was refused before anything was read, and what was cancelled, can be tried again at once.
+void frmRestoreCache::ShowFailure(const cache::CacheOutcome& outcome) {
+  mRemote->StatusMessage(outcome.text);
+  mHeader->setText(Text(mChosen->Name() + " was not made"));
+  const std::string warnings = Lines(mImport->Warnings());
+  const Tone tone = outcome.end == cache::CacheEnd::Stopped ? Tone::Plain : Tone::Failure;
+  ShowState(tone, outcome.text, outcome.reason + (outcome.reason.empty() || warnings.empty() ? "" : "\n") + warnings);
+}
+
+void frmRestoreCache::ShowSuccess(const cache::CacheOutcome& outcome) {
+  mIsMade = true;
+  mRemote->StatusMessage(outcome.text);
+  RememberCache(mServices.shared, *mRemote, mChosen->File());
+  mHeader->setText(Text(mChosen->Name() + ": " + ContentText(mImport->Results())));
+  ShowState(Tone::Plain, outcome.text, Lines(mImport->Warnings()));
+  Finish();
+}
+
+void frmRestoreCache::Finish() {
+  mResults->Fill(mImport->Results(), mImport->Content());
+  mResults->setVisible(mIsMade);
+  ShowPage(Page::Finished);
+}
+
+}  // namespace kv

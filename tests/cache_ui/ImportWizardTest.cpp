@@ -1,0 +1,181 @@
+#include <gmock/gmock.h>
+
+#include <QCheckBox>
+#include <QProgressBar>
+#include <QTableWidget>
+
+#include "KvTele2/cache/CacheFile.h"
+#include "cache/ui/frmRestoreCache.h"
+#include "sessions/RecentCaches.h"
+#include "tests/desktop_ui/ToolWindowFixture.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+class ImportWizardTest : public ToolWindowFixture<frmRestoreCache, LoggedPrompts> {
+ protected:
+  ImportWizardTest() {
+    const auto folder = fixture.shared.paths.Temporary();
+    std::filesystem::create_directories(folder);
+    const auto shipped = std::filesystem::path(KV_TEST_DATA).parent_path() / "runtime" / "TP_Temp" / "TP_Temp_1";
+    std::filesystem::copy_file(shipped, folder / "TP_Temp_1");
+    std::filesystem::permissions(folder / "TP_Temp_1", std::filesystem::perms::owner_read);
+    PlugIn({.model = "K670"});
+  }
+  void Open() {
+    auto wizard = std::make_unique<frmRestoreCache>(
+        CacheServices{.shared = fixture.shared, .prompts = prompts, .pacer = pacer, .clock = clock}, nullptr);
+    wizard->SetRemoteClass(fixture.host);
+    Show(std::move(wizard));
+  }
+  void Choose(const std::filesystem::path& chosen) {
+    prompts.Choose(Utf8FromPath(chosen));
+    Click("cmdBrowse");
+  }
+  void Click(const char* button) const { Find<QPushButton>(*window, button).click(); }
+  [[nodiscard]] std::string Caption(const char* button) const {
+    return Find<QPushButton>(*window, button).text().toStdString();
+  }
+  [[nodiscard]] std::string Marks() const {
+    const auto key = [this](const char* name) { return Find<QLabel>(*window, name).property("key").toString(); };
+    return (key("imgStepRes1") + "/" + key("imgStepRes2")).toStdString();
+  }
+  [[nodiscard]] std::string Buttons() const {
+    return Enabled<QPushButton>({"cmdBrowse", "cmdHelp", "cmdBack", "cmdNext", "cmdCancel"});
+  }
+  [[nodiscard]] bool IsRed() const {
+    return Find<QLabel>(*window, "lblState").palette().color(QPalette::WindowText) == QColor(255, 0, 0);
+  }
+  // Does it once pieces come in.
+  void WhenAtWork(std::function<void()> action) const {
+    const auto& bar = Find<QProgressBar>(*window, "prbStatus");
+    When(*window, [&bar] { return bar.value() > 0; }, std::move(action));
+  }
+  [[nodiscard]] QTableWidget& Results() const { return Find<QTableWidget>(*window, "vsfResults"); }
+  // How many rows say in the last column that they came from there.
+  [[nodiscard]] int CameFrom(const char* from) const {
+    int count = 0;
+    for (int row = 0; row < Results().rowCount(); ++row) count += Results().item(row, 3)->text() == from ? 1 : 0;
+    return count;
+  }
+
+  std::filesystem::path file = fixture.home.Path() / "plant.ktc";
+};
+
+TEST_F(ImportWizardTest, MakesACacheAndShowsWhatCameIn) {
+  Open();
+  EXPECT_THAT(Text("lblWarning"),
+              AllOf(StartsWith("Warning: During file creation the PLC display enters 'SYSTEM mode'."),
+                    HasSubstr("The PLC continues running")));
+  EXPECT_EQ(Text("lblStep0"), "No File Was Selected");
+  EXPECT_EQ(Buttons(), " Browse Help Cancel");
+  ExpectControlsCanBeRead(*window);
+  Choose(file);
+  EXPECT_EQ(prompts.SaveDialogs().front().filter, "Telepanel For Color Cache Files (*.ktc)|*.ktc");
+  EXPECT_EQ(Find<QLabel>(*window, "lblStep0").toolTip().toStdString(), "Selected File: " + Utf8FromPath(file));
+  std::string atWork;
+  WhenAtWork([&] {
+    atWork = Text("lblHeader") + "; " + Text("lblProgress") + "; " + Marks() + "; " + Pointer() + ";" + Buttons();
+  });
+  Click("cmdNext");
+  EXPECT_EQ(atWork, "Please wait while plant.ktc is being created; Importing Fonts; PROG/; hourglass; Cancel");
+  EXPECT_EQ(Text("lblState"), "plant.ktc was successfully created from the PLC");
+  EXPECT_FALSE(IsRed());
+  EXPECT_EQ(Marks(), "OK/OK");
+  EXPECT_EQ(Caption("cmdNext"), "Finish");
+  EXPECT_THAT(ReadRecentCaches(fixture.shared), ElementsAre(Utf8FromPath(file)));
+  const auto made = cache::ReadCacheFile(file);
+  ASSERT_TRUE(made) << made.error().Text();
+  ASSERT_EQ(Results().rowCount(), static_cast<int>(made->fonts->size() + made->images->size()));
+  EXPECT_EQ(CameFrom("the controller"), Results().rowCount());
+  for (int row = 0; row < Results().rowCount(); ++row) {
+    EXPECT_FALSE(Results().item(row, 0)->data(Qt::DecorationRole).value<QPixmap>().isNull()) << row;
+    EXPECT_NE(Results().item(row, 1)->text(), "");
+  }
+  Click("cmdNext");
+  EXPECT_FALSE(window->isVisible());
+
+  Open();  // once more: nothing has changed
+  Choose(file);
+  Click("cmdNext");
+  EXPECT_EQ(CameFrom("the file as it was"), Results().rowCount());
+}
+
+TEST_F(ImportWizardTest, RefusesInRedAndCanBeTriedAgain) {
+  const struct {
+    Plc plc;
+    const char* text;
+  } cases[] = {
+      {{.model = "K220"}, "The connected Hardware is not a Aurex Color model\nThis operation can not be completed!"},
+      {{.model = "K670", .os = "1.00"},
+       "The O/S currently installed in this controller is too old.\n"
+       "Minimum required Operating Systems (O/S) version is 1.1"},
+      {{.model = ""}, "Could Not Connect To PLC.\nPlease Check Cables and Try Again!"}};
+  for (const auto& [plc, text] : cases) {
+    *plc.model == 0 ? PlugOut() : PlugIn(plc);
+    Open();
+    Choose(file);
+    Click("cmdNext");
+    EXPECT_EQ(Text("lblState"), text);
+    EXPECT_TRUE(IsRed());
+    EXPECT_EQ(Pointer(), "arrow");
+    EXPECT_EQ(Caption("cmdNext"), "Try Again");
+    EXPECT_FALSE(std::filesystem::exists(file));
+  }
+  PlugIn({.model = "K670"});
+  Click("cmdNext");
+  EXPECT_EQ(Caption("cmdNext"), "Finish") << Text("lblState") << Text("lblReason");
+}
+
+// What stood at the chosen place is named before, and stays unless all has come.
+TEST_F(ImportWizardTest, ACancelledOrFailedImportLeavesTheFileAndTheDisplayAsTheyWere) {
+  const auto import = [&](const Plc& plc, bool isCancelled) {
+    fixture.home.Put("plant.ktc", "no cache at all");
+    PlugIn(plc);
+    Open();
+    Choose(file);
+    prompts.Press(PromptAnswer::Yes);
+    if (isCancelled) WhenAtWork([&] { QTest::keyClick(window.get(), Qt::Key_Escape); });
+    Click("cmdNext");
+    EXPECT_THAT(prompts.Boxes().back().text, HasSubstr("plant.ktc"));
+    EXPECT_TRUE(prompts.Boxes().back().canLose);
+    EXPECT_TRUE(TemporaryFolder::Content(file) == "no cache at all");
+    const auto screen = driver.GetChannel()->Panel()->Changes({.most = 8192}, 1);
+    EXPECT_TRUE(screen && !screen->isSystemMode);
+    EXPECT_TRUE(window->isVisible());
+  };
+  import({.model = "K670", .baud = 115200}, true);
+  EXPECT_FALSE(IsRed());
+  EXPECT_EQ(Caption("cmdNext"), "Try Again");
+  import({.model = "K670", .faults = {"refuse:code=05,on=block,nth=10"}}, false);
+  EXPECT_EQ(Text("lblState"), "Errors occurred during the creation of the plant.ktc file");
+  EXPECT_TRUE(IsRed());
+  EXPECT_NE(Text("lblReason"), "");
+  EXPECT_THAT(Marks(), HasSubstr("FAIL"));
+  EXPECT_EQ(Caption("cmdNext"), "Finish");
+  Click("cmdBack");
+  EXPECT_EQ(Marks(), "/");
+  prompts.Press(PromptAnswer::No);
+  Click("cmdNext");
+  EXPECT_TRUE(TemporaryFolder::Content(file) == "no cache at all");
+  Click("cmdBack");
+  fixture.home.Put("plant.ktc", "somebody else has written it meanwhile");
+  Click("cmdNext");
+  EXPECT_EQ(Text("lblStep0"), "No File Was Selected") << "nobody consented to the loss of this one";
+}
+
+TEST(ChosenCache, IsShownWithTheMiddleOfALongPathLeftOut) {
+  const std::string forty = "/plants/" + std::string(28, 'x') + ".ktc";
+  EXPECT_EQ(ChosenCache(PathFromUtf8(forty)).Label(), "File: " + forty);
+  EXPECT_EQ(ChosenCache(PathFromUtf8("/0123456789012345678\xC3\xA4 left out abcdefghijklm.ktc")).Label(),
+            "File: /0123456789012345678...abcdefghijklm.ktc");
+  EXPECT_EQ(CacheNameOf("K670-67-C30 / K390-29-C30"), "K670-67-C30 - K390-29-C30.ktc");
+}
+
+}  // namespace
+}  // namespace kv::test
