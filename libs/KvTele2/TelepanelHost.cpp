@@ -167,6 +167,7 @@ void TelepanelHost::SetSessionPath(const std::string& folder) {
     StatusMessage("Closed " + mState.pages->path + ": a Telepanel file is open in its session only");
     mState.pages.reset();
   }
+  mCache.reset();
   mState.caption.clear();
   mState.recentPages = mSettings.ReadRecentPages();
   Show();

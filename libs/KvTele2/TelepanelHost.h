@@ -13,6 +13,7 @@
 #include "KvTele2/HostView.h"
 #include "KvTele2/Journal.h"
 #include "KvTele2/LinkWatch.h"
+#include "KvTele2/cache/CacheFile.h"
 #include "KvTele2/panel/PanelSession.h"
 #include "KvTele2/panel/ResourceFetch.h"
 #include "desktop/Pacer.h"
@@ -104,6 +105,7 @@ class TelepanelHost final : public RemoteHost {
   bool OpenPagesFile(const std::string& path) override;
   void SetRecentCaches(const std::vector<std::string>& entries) override;
   [[nodiscard]] bool ReadsColourCaches() const override { return true; }
+  // The panel is drawn with it from now on, as far as it is the controller's.
   [[nodiscard]] bool OpenColourCache(const std::string& path) override;
 
   [[nodiscard]] bool IsOnline() const override { return mState.connection == ConnectionState::Online; }
@@ -118,7 +120,7 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] bool ProjectMatches() override;
   void ConnectionRefused(const std::string& text, const RefusedController& controller) override;
   void ControllerTold(const VersionInfo& version, const Channel::ControllerInfo& info) override;
-  void SetPanelData(const std::string&) override {}
+  void SetPanelData(const std::string& path) override;
   void GoOnline() override;
   void RunPanelSession(const std::string& caption) override;
 
@@ -169,6 +171,10 @@ class TelepanelHost final : public RemoteHost {
   void LosePanelLink(const LinkError& error);
   [[nodiscard]] std::string WhyPanelDisabled(std::string_view id) const;
 
+  // The cache that the panel is drawn with (TelepanelHostCaches.cpp).
+  void UseCache(cache::CacheContent content, const std::string& path);
+  void FitCache();
+
   void Connect(const std::string& argument);
   void GoOffline(const std::string& why, const std::string& trouble);
   void GoOnlineWithOther(const std::string& told);
@@ -199,6 +205,8 @@ class TelepanelHost final : public RemoteHost {
 
   panel::ScreenResources mResources;            // of the controller that is on line
   std::shared_ptr<panel::PanelSession> mPanel;  // while a controller is on line or lost
+  std::optional<cache::CacheContent> mCache;    // of the session, that the panel is drawn with
+  std::string mCacheName;                       // of its file
   std::optional<panel::ResourceFetch> mFetch;   // on a fast link
   panel::PanelMode mPanelMode{};                // that was told last
 

@@ -1,9 +1,12 @@
-// The host's colour caches.
+// The host's colour caches: which one the panel is drawn with, and how it fits the controller.
+
+#include <utility>
 
 #include "KvTele2/TelepanelHost.h"
-#include "KvTele2/cache/CacheFile.h"
+#include "KvTele2/cache/CacheScreen.h"
 #include "base/AnsiText.h"
 #include "base/PathText.h"
+#include "base/ScopeGuard.h"
 #include "base/Texts.h"
 
 namespace kv {
@@ -46,7 +49,40 @@ bool TelepanelHost::OpenColourCache(const std::string& path) {
     return false;
   }
   StatusMessage("Opened " + path + ": " + ContentText(*content));
+  UseCache(*content, path);
   return true;
+}
+
+// Called while a colour controller goes on line, before its panel is asked for.
+void TelepanelHost::SetPanelData(const std::string& path) {
+  auto content = cache::ReadCacheFile(PathFromUtf8(path));
+  if (!content) return StatusMessage("The screen is drawn without a cache. " + content.error().Text());
+  UseCache(*std::move(content), mState.recentCaches.empty() ? path : mState.recentCaches.front());
+}
+
+void TelepanelHost::UseCache(cache::CacheContent content, const std::string& path) {
+  mCache = std::move(content);
+  mCacheName = Utf8FromPath(PathFromUtf8(path).filename());
+  if (mState.hasPanel) FitCache();
+}
+
+// Takes of the cache what is the controller's as it is now, and tells what is not.
+void TelepanelHost::FitCache() {
+  const bool isWanted = mCache && mCache->owner && IsOnline() && mState.controller;
+  if (!isWanted || mPanel->Panel()->kind != PanelKind::Colour) return;
+  const bool wasAsking = std::exchange(mIsAsking, true);
+  const ScopeGuard asked([this, wasAsking] { mIsAsking = wasAsking; });
+  const std::shared_ptr<Channel> channel = mChannel;
+  const std::shared_ptr<panel::PanelSession> panel = mPanel;
+  const PanelDescription described = *panel->Panel();
+  BeginWait(HostView::Wait::Screen, "Comparing the cache: " + mState.link);
+  const auto fit = cache::TakeFromCache(*mCache, Utf8ToAnsi(mState.controller->model), described, *channel->Panel(),
+                                        mUnit, mResources);
+  EndWait();
+  if (panel != mPanel) return;  // the link was let go meanwhile
+  panel->Redraw();
+  const std::string text = fit ? cache::FitText(*fit, mCacheName) : "The cache is not used. " + fit.error().Text();
+  if (!text.empty()) StatusMessage(text);
 }
 
 }  // namespace kv

@@ -172,6 +172,7 @@ void TelepanelHost::TellPanel() {
   }
   if (hadPanel || !mState.hasPanel) return;
   FetchWhenFast();
+  FitCache();
   Show();
 }
 

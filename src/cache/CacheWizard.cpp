@@ -74,12 +74,13 @@ std::string AmountText(const cache::CacheProgress& progress) {
   return text + (progress.left.empty() ? "" : ", ") + progress.left;
 }
 
-void RememberCache(SharedState& shared, RemoteHost& host, const std::filesystem::path& file) {
+void UseCache(SharedState& shared, RemoteHost& host, const std::filesystem::path& file) {
   if (const auto added = AddRecentCache(shared, Utf8FromPath(file))) {
     host.SetRecentCaches(*added);
   } else {
     host.StatusMessage(added.error());
   }
+  (void)host.OpenColourCache(Utf8FromPath(file));  // why not, it tells by itself
 }
 
 }  // namespace kv

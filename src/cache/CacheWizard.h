@@ -46,8 +46,8 @@ inline constexpr const char* kCacheFilter = "Telepanel For Color Cache Files (*.
 // How far a step is: "Logo, 12 of 60 KiB, about 3 s left".
 [[nodiscard]] std::string AmountText(const cache::CacheProgress& progress);
 
-// Puts the file first into the session's list of recent ones, of which the host is told. A list that cannot be kept is
-// told, too.
-void RememberCache(SharedState& shared, RemoteHost& host, const std::filesystem::path& file);
+// Puts the file first into the session's list of recent ones, and hands both to the host, which draws the panel with it
+// from now on. A list that cannot be kept is told.
+void UseCache(SharedState& shared, RemoteHost& host, const std::filesystem::path& file);
 
 }  // namespace kv

@@ -257,7 +257,7 @@ void frmRestoreCache::ShowFailure(const cache::CacheOutcome& outcome) {
 void frmRestoreCache::ShowSuccess(const cache::CacheOutcome& outcome) {
   mIsMade = true;
   mRemote->StatusMessage(outcome.text);
-  RememberCache(mServices.shared, *mRemote, mChosen->File());
+  UseCache(mServices.shared, *mRemote, mChosen->File());
   mHeader->setText(Text(mChosen->Name() + ": " + ContentText(mImport->Results())));
   ShowState(Tone::Plain, outcome.text, Lines(mImport->Warnings()));
   Finish();
