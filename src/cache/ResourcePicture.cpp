@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::string_view kSample = "AaBbGg 0123456789 +\xB0\xB5\xC4\xD6\xDC\xE9";  // Windows-1252
 constexpr int kWidest = 320;
+constexpr panel::Dot kGround = 0xFF6B7680;  // on which light and dark images are seen
 
 panel::Picture SampleOf(const panel::ScreenFont& font, panel::Dot ink) {
   panel::Picture picture(std::clamp(font.WidthOf(kSample), 1, kWidest), font.Height(), panel::kTransparent);
@@ -34,8 +35,11 @@ std::string NameOfResource(PanelResourceKind kind, const PanelResource& entry) {
 std::optional<panel::Picture> PictureOfResource(PanelResourceKind kind, const cache::CachedResource& resource,
                                                 panel::Dot ink) {
   if (kind == PanelResourceKind::Image) {
-    auto image = panel::ParseScreenImage(resource.bytes);
-    return image ? std::optional(*std::move(image)) : std::nullopt;
+    const auto image = panel::ParseScreenImage(resource.bytes);
+    if (!image) return std::nullopt;
+    panel::Picture shown(image->Width(), image->Height(), kGround);
+    panel::Pen(shown, shown.Bounds()).Stamp(0, 0, *image);
+    return shown;
   }
   const auto font = panel::ScreenFont::Parse(resource.bytes);
   return font ? std::optional(SampleOf(*font, ink)) : std::nullopt;
