@@ -88,10 +88,10 @@ QWidget* PanelPage::BuildMissing() {
   mMissing = new ElidedLabel(mMissingBox);
   mMissing->setObjectName("lblMissing");
   mMissing->setAccessibleDescription("Fonts and images that are missing");
-  auto* import = new QPushButton(IconOf("images"), "&Import Fonts and Images...", mMissingBox);
+  auto* import = new QPushButton(IconOf("cache"), "&Import from Controller...", mMissingBox);
   import->setObjectName("cmdImportFonts");
-  Describe(*import, "Opens a colour cache file with the fonts and images of a controller");
-  connect(import, &QPushButton::clicked, this, [this] { mOnCommand("ID_ImportFontsAndImages"); });
+  Describe(*import, "Reads the fonts and images of the controller into a cache file, once");
+  connect(import, &QPushButton::clicked, this, [this] { mOnCommand("ID_ImportCacheFromPLC"); });
   auto* row = new QHBoxLayout(mMissingBox);
   row->setContentsMargins({});
   row->addWidget(mMissing, 1);
