@@ -32,7 +32,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
     {208, 1, "pages-files",        ""},
     {211, 1, "caches",             ""},
     {210, 1, "journal",            "frmJournal"},
-    {211, 1, "import-cache",       "frmRestoreCache"},
+    {213, 1, "import-cache",       "frmRestoreCache"},
     {209, 1, "trace",              "frmTrace"},
     {300, 0, "operands",           "frmDataTypesView"},
     {301, 1, "operand-types",      "vsfOperands"},

@@ -32,10 +32,12 @@ const QColor kRed(255, 0, 0);
 // The window's image list: what a key shows, and says to whoever does not see it.
 struct Mark {
   const char* key;
-  const char* icon;
+  QIcon (*icon)();
   const char* text;
 };
-constexpr Mark kMarks[] = {{"PROG", "refresh", "Running"}, {"OK", "test", "Done"}, {"FAIL", "warning", "Failed"}};
+constexpr Mark kMarks[] = {{"PROG", [] { return IconOf("refresh"); }, "Running"},
+                           {"OK", [] { return IconOf("test"); }, "Done"},
+                           {"FAIL", [] { return IconOf("warning"); }, "Failed"}};
 
 QString Text(const std::string& text) {
   return QString::fromStdString(text).replace("\r\n", "\n");
@@ -144,7 +146,7 @@ void frmRestoreCache::ShowMark(cache::CacheStep step, const char* key) {
   QLabel& label = *mMarks[RowOf(step)];
   const auto mark = std::ranges::find(kMarks, std::string_view(key), [](const Mark& one) { return one.key; });
   const bool isShown = mark != std::end(kMarks);
-  label.setPixmap(isShown ? IconOf(mark->icon).pixmap(label.size(), devicePixelRatioF()) : QPixmap());
+  label.setPixmap(isShown ? mark->icon().pixmap(label.size(), devicePixelRatioF()) : QPixmap());
   label.setProperty("key", key);
   label.setToolTip(isShown ? mark->text : "");
   label.setAccessibleName(label.toolTip());

@@ -70,7 +70,7 @@ class frmRestoreCache final : public QDialog, public cache::CacheImportWindow {
   [[nodiscard]] QWidget* BuildCreatePage();
   void BuildEnd(QBoxLayout& page);
   void BuildButtons(QBoxLayout& page);
-  [[nodiscard]] QPushButton* AddButton(QBoxLayout& row, const char* name, const char* icon, const QString& text);
+  [[nodiscard]] QPushButton* AddButton(QBoxLayout& row, const char* name, const QIcon& icon, const QString& text);
 
   void ShowPage(Page page);
   void EnableCommands();

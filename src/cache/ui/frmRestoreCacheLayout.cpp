@@ -141,13 +141,13 @@ void frmRestoreCache::BuildEnd(QBoxLayout& page) {
 void frmRestoreCache::BuildButtons(QBoxLayout& page) {
   auto* row = new QHBoxLayout();
   page.addLayout(row);
-  mHelp = AddButton(*row, "cmdHelp", "help", "&Help");
+  mHelp = AddButton(*row, "cmdHelp", IconOf("help"), "&Help");
   mHelp->setShortcut(QKeySequence("F1"));
   row->addStretch();
-  mBack = AddButton(*row, "cmdBack", "back", "Bac&k");
-  mNext = AddButton(*row, "cmdNext", "forward", "");
+  mBack = AddButton(*row, "cmdBack", IconOf("back"), "Bac&k");
+  mNext = AddButton(*row, "cmdNext", IconOf("forward"), "");
   mNext->setDefault(true);
-  mCancel = AddButton(*row, "cmdCancel", "stop", "&Cancel");
+  mCancel = AddButton(*row, "cmdCancel", IconOf("stop"), "&Cancel");
   Describe(*mHelp, "Opens the help on this wizard", "F1");
   Describe(*mBack, "Chooses another file", "Alt+K");
   Describe(*mCancel, "Ends the import, or closes this window; the chosen file stays as it was", "Esc");
@@ -157,8 +157,8 @@ void frmRestoreCache::BuildButtons(QBoxLayout& page) {
   connect(mCancel, &QPushButton::clicked, this, [this] { reject(); });
 }
 
-QPushButton* frmRestoreCache::AddButton(QBoxLayout& row, const char* name, const char* icon, const QString& text) {
-  auto* button = new QPushButton(IconOf(icon), text, this);
+QPushButton* frmRestoreCache::AddButton(QBoxLayout& row, const char* name, const QIcon& icon, const QString& text) {
+  auto* button = new QPushButton(icon, text, this);
   button->setObjectName(name);
   row.addWidget(button);
   return button;
