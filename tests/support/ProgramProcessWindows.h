@@ -97,7 +97,7 @@ class PrintedText {
 class ProgramProcess {
  public:
   ProgramProcess(const std::string& program, const std::vector<std::string>& arguments) {
-    if (GetConsoleCP() == 0) AllocConsole();  // without one there is no Ctrl-Break
+    HaveConsole();
     std::wstring line = Quoted(Wide(program));
     for (const auto& argument : arguments) line += L" " + Quoted(Wide(argument));
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
@@ -151,6 +151,17 @@ class ProgramProcess {
 
  private:
   static constexpr DWORD kKilled = 0xDEAD;
+
+  // Without one there is no Ctrl-Break.
+  static void HaveConsole() {
+    const HANDLE console = CreateFileW(L"CONOUT$", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (console != INVALID_HANDLE_VALUE) {
+      CloseHandle(console);
+    } else {
+      FreeConsole();
+      AllocConsole();
+    }
+  }
 
   // As the platform takes the line apart: a backslash counts only before a quotation mark.
   static std::wstring Quoted(const std::wstring& word) {
