@@ -80,6 +80,7 @@ void TelepanelHost::FitCache() {
                                         mUnit, mResources);
   EndWait();
   if (panel != mPanel) return;  // the link was let go meanwhile
+  if (mFetch) FetchWhenFast();  // what had come without a cache is gone
   panel->Redraw();
   const std::string text = fit ? cache::FitText(*fit, mCacheName) : "The cache is not used. " + fit.error().Text();
   if (!text.empty()) StatusMessage(text);

@@ -51,7 +51,7 @@ std::string ChosenCache::Hint() const {
 cache::CacheImportOrder ImportOrder(const SharedState& shared, const std::filesystem::path& file) {
   return {.file = file,
           .workingFile = SessionFile(shared, "tmpfile.ktc"),
-          .emptyCache = shared.paths.Temporary() / "TP_Temp_1"};
+          .emptyCache = shared.paths.EmptyCache()};
 }
 
 std::string CacheNameOf(std::string model) {
