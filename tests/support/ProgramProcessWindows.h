@@ -97,7 +97,6 @@ class PrintedText {
 class ProgramProcess {
  public:
   ProgramProcess(const std::string& program, const std::vector<std::string>& arguments) {
-    HaveConsole();
     std::wstring line = Quoted(Wide(program));
     for (const auto& argument : arguments) line += L" " + Quoted(Wide(argument));
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
@@ -109,7 +108,7 @@ class ProgramProcess {
     start.hStdOutput = mOut.Writer();
     start.hStdError = mError.Writer();
     PROCESS_INFORMATION facts{};
-    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &start,
+    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &start,
                        &facts)) {
       mProcess = facts.hProcess;
       CloseHandle(facts.hThread);
@@ -127,21 +126,27 @@ class ProgramProcess {
 
   std::string ReadLine() { return mOut.TakeLine(); }
 
-  // Ctrl-C cannot be sent to one program alone; Ctrl-Break can, and says the same.
+  // Everybody in a console hears Ctrl-C, so each program has one of its own, into which this process goes to press it.
   void Signal(int signal) const {
     if (mProcess == nullptr) return;
     if (signal == SIGKILL) {
       TerminateProcess(mProcess, kKilled);
-    } else {
-      GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, GetProcessId(mProcess));
+      return;
     }
+    FreeConsole();
+    AttachConsole(GetProcessId(mProcess));
+    SetConsoleCtrlHandler(nullptr, TRUE);  // this process is to go on
+    GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
+    WaitForSingleObject(mProcess, kLongest);
+    FreeConsole();
+    AttachConsole(ATTACH_PARENT_PROCESS);
+    SetConsoleCtrlHandler(nullptr, FALSE);
   }
   int End(int signal = 0) {
     if (signal != 0) Signal(signal);
     mOutput = mOut.TakeAll();
     mComplaint = mError.TakeAll();
     DWORD code = kKilled;
-    constexpr DWORD kLongest = 5000;
     if (mOut.HasEnded() && WaitForSingleObject(mProcess, kLongest) == WAIT_OBJECT_0)
       GetExitCodeProcess(mProcess, &code);
     return code == kKilled ? -1 : static_cast<int>(code);
@@ -151,17 +156,7 @@ class ProgramProcess {
 
  private:
   static constexpr DWORD kKilled = 0xDEAD;
-
-  // Without one there is no Ctrl-Break.
-  static void HaveConsole() {
-    const HANDLE console = CreateFileW(L"CONOUT$", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (console != INVALID_HANDLE_VALUE) {
-      CloseHandle(console);
-    } else {
-      FreeConsole();
-      AllocConsole();
-    }
-  }
+  static constexpr DWORD kLongest = 5000;  // milliseconds until it has ended
 
   // As the platform takes the line apart: a backslash counts only before a quotation mark.
   static std::wstring Quoted(const std::wstring& word) {
