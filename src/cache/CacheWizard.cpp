@@ -49,9 +49,7 @@ std::string ChosenCache::Hint() const {
 }
 
 cache::CacheImportOrder ImportOrder(const SharedState& shared, const std::filesystem::path& file) {
-  return {.file = file,
-          .workingFile = SessionFile(shared, "tmpfile.ktc"),
-          .emptyCache = shared.paths.EmptyCache()};
+  return {.file = file, .workingFile = SessionFile(shared, "tmpfile.ktc"), .emptyCache = shared.paths.EmptyCache()};
 }
 
 std::string CacheNameOf(std::string model) {
