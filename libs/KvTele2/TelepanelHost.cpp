@@ -85,6 +85,7 @@ std::string TelepanelHost::WhyDisabled(std::string_view id) const {
 
 void TelepanelHost::ClickTool(const std::string& id, const std::string& argument) {
   PausePanel();
+  if (mChannel) mChannel->SetCommandOwner(id);  // not every tool names itself
   mIsInTool = true;
   mLastMessage.clear();
   const ScopeGuard done([this] {

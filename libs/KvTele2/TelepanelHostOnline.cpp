@@ -252,6 +252,7 @@ void TelepanelHost::BeginWait(HostView::Wait wait, const std::string& what) {
   EndWait();
   mStop.emplace(mServices.pacer);
   mWait = wait;
+  if (mChannel) mChannel->SetCommandOwner("frmMain");
   mView.BeginWait(wait, what);
 }
 
