@@ -1,8 +1,8 @@
 #include "simulator/OperandList.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "simulator/LittleEndian.h"
@@ -13,13 +13,16 @@ namespace {
 
 constexpr std::size_t kMostRecords = 16;
 
-void AppendBits(std::string& packed, const std::vector<std::uint32_t>& bits) {
-  for (std::size_t begin = 0; begin < bits.size(); begin += 8) {
-    const std::size_t count = std::min<std::size_t>(bits.size() - begin, 8);
+// Lowest bit first, the last byte filled up with 0.
+void AppendBits(std::string& packed, std::span<const std::uint32_t> bits) {
+  constexpr std::size_t kBits = 8;
+  const auto byteOf = [](auto some) {
     unsigned byte = 0;
-    for (std::size_t i = 0; i < count; ++i) byte |= (bits[begin + i] != 0 ? 1U : 0U) << i;
-    packed += static_cast<char>(byte);
-  }
+    for (std::size_t i = 0; i < some.size(); ++i) byte |= (some[i] != 0 ? 1U : 0U) << i;
+    return static_cast<char>(byte);
+  };
+  for (; bits.size() >= kBits; bits = bits.subspan(kBits)) packed += byteOf(bits.first<kBits>());  // all eight at once
+  if (!bits.empty()) packed += byteOf(bits);
 }
 
 Result<void> AppendRecord(std::string& reply, const Operands& operands, std::string_view record) {
