@@ -30,17 +30,19 @@ constexpr std::int64_t kUsualExchanges = test::kIsSanitized ? 10'000 : 40'000;
 struct Weather {
   const char* name;
   int share;  // of the exchanges, in hundredths
+  int least;  // of a hundred that get through; on a rough line it is a matter of where the line is jammed
   std::vector<std::string> faults;
 };
 
 const Weather kWeathers[] = {
-    {"rough", 40, test::kRoughWeather},
+    {"rough", 40, 33, test::kRoughWeather},
     {"storm",
      20,
+     50,
      {"noreply:p=0.1", "late:ms=150,p=0.1", "double:p=0.1", "cut:after=15,p=0.1", "damage:chars=2,p=0.1",
       "damage:dir=in,p=0.1", "wrongunit:p=0.1", "echo:p=0.1", "garbage:bytes=60,p=0.1", "busy:p=0.02", "reset:p=0.02",
       "lost:at=9,p=0.02", "lost:dir=in,p=0.02", "lost:away=300,p=0.02"}},
-    {"fair", 40, {"noreply:p=0.005", "late:ms=100,p=0.005", "double:p=0.005", "damage:p=0.005", "reset:p=0.00002"}},
+    {"fair", 40, 95, {"noreply:p=0.005", "late:ms=100,p=0.005", "double:p=0.005", "damage:p=0.005", "reset:p=0.00002"}},
 };
 
 // What became of the exchanges of one controller on one line.
@@ -94,7 +96,7 @@ TEST(LongRun, NothingWrongNothingTwiceNothingLate) {
         ASSERT_TRUE(run.Exchange()) << i << "\n" << run.TraceEnd();
       }
       EXPECT_LT(test::MemoryHeld() - held, 1 << 20) << "memory grows";
-      EXPECT_GE(3 * run.done, count) << "done in rough weather: 47 to 91 of 100, by where the line is jammed";
+      EXPECT_GE(100 * run.done, weather.least * count);
     }
   }
 }
