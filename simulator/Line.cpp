@@ -39,7 +39,13 @@ void Line::Write(std::string_view bytes, kv::Instant now) {
   if (!mConnected) return;
   Run(now);  // what came before may change the speed
   const int baud = mHandler->Baud();
-  mToController.Send(HeardAt(std::string(bytes), mClientBaud, baud), now, PaceAt(baud));
+  const Pace pace = PaceAt(baud);
+  if (mClientBaud == 0 && pace.IsAtOnce() && !mToController.NextArrival()) {  // nothing waits on the way
+    mReader.Feed(bytes, now);
+    HandleMessages(now);
+    return;
+  }
+  mToController.Send(HeardAt(std::string(bytes), mClientBaud, baud), now, pace);
   Run(now);
 }
 

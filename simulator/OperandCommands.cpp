@@ -40,7 +40,8 @@ Result<OperandSpan> TakeSpan(HexReader& fields, bool hasValues) {
 Answer ReadOperands(TextCall& call) {
   const auto span = TakeSpan(call.fields, false);
   if (!span) return Refuse(span.error());
-  const auto values = call.machine.operands.Read(*span->type, span->start, span->count);
+  std::vector<std::uint32_t> gathered;
+  const auto values = call.machine.operands.Read(*span->type, span->start, span->count, gathered);
   if (!values) return Refuse(values.error());
   std::string bytes;
   AppendValues(bytes, *span->type, *values, std::endian::big);

@@ -13,16 +13,19 @@ namespace {
 
 constexpr std::size_t kMostRecords = 16;
 
-// Lowest bit first, the last byte filled up with 0.
+// Lowest bit first, the last byte filled up with 0. Bits are 0 or 1.
 void AppendBits(std::string& packed, std::span<const std::uint32_t> bits) {
   constexpr std::size_t kBits = 8;
   const auto byteOf = [](auto some) {
     unsigned byte = 0;
-    for (std::size_t i = 0; i < some.size(); ++i) byte |= (some[i] != 0 ? 1U : 0U) << i;
+    for (std::size_t i = 0; i < some.size(); ++i) byte |= some[i] << i;
     return static_cast<char>(byte);
   };
-  for (; bits.size() >= kBits; bits = bits.subspan(kBits)) packed += byteOf(bits.first<kBits>());  // all eight at once
-  if (!bits.empty()) packed += byteOf(bits);
+  const std::size_t before = packed.size();
+  packed.resize(before + (bits.size() + kBits - 1) / kBits);
+  char* place = packed.data() + before;
+  for (; bits.size() >= kBits; bits = bits.subspan(kBits)) *place++ = byteOf(bits.first<kBits>());  // all eight at once
+  if (!bits.empty()) *place = byteOf(bits);
 }
 
 Result<void> AppendRecord(std::string& reply, const Operands& operands, std::string_view record) {
@@ -30,7 +33,8 @@ Result<void> AppendRecord(std::string& reply, const Operands& operands, std::str
   const std::uint32_t code = LittleAt(record, 4);
   const OperandTypeRow* type = code > kLastListedType ? nullptr : FindOperandType(code);
   if (type == nullptr) return Refuse(Refusal::UnknownOperandType);
-  const auto values = operands.Read(*type, LittleAt(record, 8), LittleAt(record, 12));
+  std::vector<std::uint32_t> gathered;
+  const auto values = operands.Read(*type, LittleAt(record, 8), LittleAt(record, 12), gathered);
   if (!values) return Refuse(values.error());
   const bool isBit = type->fields == 1 && type->digits[0] == 2;
   if (isBit) {

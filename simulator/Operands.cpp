@@ -23,21 +23,18 @@ Operands::Operands(const Model& model) : mModel(model) {
   }
 }
 
-Result<std::vector<std::uint32_t>> Operands::Read(const OperandTypeRow& type, std::uint32_t start,
-                                                  std::uint32_t count) const {
+Result<std::span<const std::uint32_t>> Operands::Read(const OperandTypeRow& type, std::uint32_t start,
+                                                      std::uint32_t count, std::vector<std::uint32_t>& gathered) const {
   if (const auto place = CheckPlace(type, start, count); !place) return Refuse(place.error());
   const std::size_t fields = type.fields;
-  std::vector<std::uint32_t> values(count * fields);
+  if (fields == 1 && !type.asTimerWord) return Cells(type.areas[0]).subspan(start, count);
+  gathered.resize(count * fields);
   for (std::size_t field = 0; field < fields; ++field) {
     const auto cells = Cells(type.areas[field]).subspan(start, count);
-    if (fields == 1) {
-      std::ranges::copy(cells, values.begin());
-    } else {
-      for (std::size_t i = 0; i < count; ++i) values[i * fields + field] = cells[i];
-    }
+    for (std::size_t i = 0; i < count; ++i) gathered[i * fields + field] = cells[i];
   }
-  if (type.asTimerWord) std::ranges::transform(values, values.begin(), NearestTimerWord);
-  return values;
+  if (type.asTimerWord) std::ranges::transform(gathered, gathered.begin(), NearestTimerWord);
+  return gathered;
 }
 
 Result<void> Operands::CheckWrite(const OperandTypeRow& type, std::uint32_t start, std::uint32_t count) const {

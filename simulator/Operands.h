@@ -21,9 +21,11 @@ class Operands {
   // An older O/S knows fewer operands. Cells beyond its limits keep what they hold.
   void SetOlderOs(bool olderOs) { mOlderOs = olderOs; }
 
-  // The values of `count` operands, field after field for timers and counters.
-  [[nodiscard]] Result<std::vector<std::uint32_t>> Read(const OperandTypeRow& type, std::uint32_t start,
-                                                        std::uint32_t count) const;
+  // The values of `count` operands, field after field for timers and counters. They are the cells themselves, good
+  // until the next change, or where an operand is more than one cell as it stands, what has been put into `gathered`.
+  [[nodiscard]] Result<std::span<const std::uint32_t>> Read(const OperandTypeRow& type, std::uint32_t start,
+                                                            std::uint32_t count,
+                                                            std::vector<std::uint32_t>& gathered) const;
 
   // Whether `count` operands may be written there; a request is checked with this before its values are looked at.
   [[nodiscard]] Result<void> CheckWrite(const OperandTypeRow& type, std::uint32_t start, std::uint32_t count) const;
