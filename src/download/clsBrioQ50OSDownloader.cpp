@@ -100,8 +100,11 @@ clsBrioQ50OSDownloader::Step clsBrioQ50OSDownloader::ChooseFile() {
     if (Step there = mWork->CheckIsThere(mChosen, kTitle); !there) return there;
   } else {
     const FileList list = ListCompactOsFiles(mPaths, mController);
-    const std::string missing = "O/S file(s) missing in " + Utf8FromPath(list.folder);
-    if (list.IsEmpty()) return Refuse(DownloadCause::File, missing, PromptIcon::Information, missing + ".");
+    const std::string missing = "O/S file(s) missing in ";
+    if (list.IsEmpty()) {
+      return Refuse(DownloadCause::File, missing + Utf8FromPath(list.folder / ""), PromptIcon::Information,
+                    missing + Utf8FromPath(list.folder) + ".");
+    }
     const auto place = mWindow.ChooseCompactOs(list);
     if (!place || *place >= list.files.size()) return mWork->Decline(DownloadCause::User, "No O/S was chosen.");
     mChosen = list.files[*place].path;

@@ -3,8 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <string>
 
 #include "CompactOsFixture.h"
+#include "base/PathText.h"
 #include "tests/support/FakeChannel.h"
 
 namespace kv::test {
@@ -82,7 +84,8 @@ TEST(CompactOs, WhatDoesNotFitIsRefusedAndNothingIsSent) {
     std::filesystem::remove_all(none.home.Path() / "OS" / "OSPR");
     if (isEmpty) std::filesystem::create_directories(none.home.Path() / "OS" / "OSPR");
     EXPECT_FALSE(none.Download());
-    EXPECT_THAT(none.desk.said, ElementsAre(testing::StartsWith("O/S Downloader: O/S file(s) missing in ")));
+    const std::string folder = Utf8FromPath(none.home.Path() / "OS" / "OSPR" / "");
+    EXPECT_THAT(none.desk.said, ElementsAre("O/S Downloader: O/S file(s) missing in " + folder));
   }
   CompactOsFixture older(Plc("Q51", "4.90"));
   older.desk.declined = "is older than the one in the controller";
