@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <ranges>
+
 #include "KvTele2/panel/PanelSession.h"
 #include "desktop/VirtualPacer.h"
 #include "tests/panel/Records.h"
@@ -67,6 +69,7 @@ class FakePanel final : public PanelLink, public ChangeObserver {
   bool isDown = false;  // the link
   bool isLeaseElsewhere = false;
   unsigned connection = 1;
+  std::size_t most = 1000;  // records in a reply
   std::function<void()> onSend;
   LinkError error;
   std::vector<std::string> sent;
@@ -84,8 +87,9 @@ class FakePanel final : public PanelLink, public ChangeObserver {
   }
   PanelChanges News(const PanelRevision& have, std::uint16_t named) const {
     const std::size_t from = have.epoch == epoch ? have.number : 0;
-    PanelChanges changes =
-        Told({mLog.begin() + static_cast<std::ptrdiff_t>(from), mLog.end()}, static_cast<std::uint32_t>(from), epoch);
+    const auto records = mLog | std::views::drop(from) | std::views::take(most);
+    PanelChanges changes = Told({records.begin(), records.end()}, static_cast<std::uint32_t>(from), epoch);
+    changes.hasMore = changes.upTo.number < mLog.size();
     changes.isLeaseGood = named != 0 && named == lease;
     changes.isLeaseElsewhere = isLeaseElsewhere;
     changes.lease = changes.isLeaseGood ? lease : std::uint16_t{0};
@@ -300,6 +304,66 @@ TEST_F(PanelSessionTest, DuringAPageChangeWhatCanOnlyBeMeantIsPressedAtOnce) {
   Run(250ms);
   EXPECT_THAT(Sent(), ElementsAre("Ta", "Ta"));
   EXPECT_EQ(session.Press(kStart), PressRefusal::None);
+}
+
+// Of a page that comes in pieces: what was drawn when it was pressed, or lay there before and is the same.
+TEST_F(PanelSessionTest, WhatIsStillOnItsWayIsPressedWhenItIsWhatWasSeen) {
+  using enum PressRefusal;
+  Operate();
+  const PanelRecord menu = Touch(66, {80, 0, 10, 10}, "Menu", 5);
+  const PanelRecord drawn = Rectangle(70, {50, 0, 10, 10}, 0xFFFF);
+  const PanelRecord oven = Touch(71, {50, 0, 10, 10}, "Oven");
+  const PanelRecord elsewhere = Rectangle(80, {0, 20, 5, 5}, 0xFFFF);
+  const struct {
+    const char* name;
+    std::vector<PanelRecord> before, after;  // the press
+    int x;
+    bool isKept;
+    std::string first;  // that is sent
+    PressRefusal refusal;
+  } cases[] = {{"seen", {drawn}, {elsewhere, oven}, 55, false, "Ta", None},
+               {"seen, and held", {drawn}, {elsewhere, oven}, 55, true, "Do", None},
+               {"drawn later", {}, {drawn, oven}, 55, false, "", Changed},
+               {"nothing", {drawn}, {elsewhere}, 55, false, "", NothingThere},
+               {"disabled", {drawn}, {Touch(71, {50, 0, 10, 10}, "Oven", 1, 2)}, 55, false, "", Disabled},
+               {"another page", {drawn}, {Page(99), oven}, 55, false, "", Changed},
+               {"a link of both pages", {}, {Rectangle(65, {80, 0, 10, 10}, 0xFFFF), menu}, 85, false, "Ta", None},
+               {"another machine", {}, {Touch(64, {0, 0, 10, 10}, "Start")}, 5, false, "", JustChanged},
+               {"never whole", {drawn}, std::vector(900, elsewhere), 55, false, "", TooSlow}};
+  int page = 1;
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.name);
+    panel.most = 1000;
+    panel.Show({Page(++page), Touch(64, {0, 0, 10, 10}, "Start"), menu});
+    Run(3s);
+    (void)Sent();
+    panel.most = 1;
+    panel.Show({Page(++page)});
+    panel.Show(each.before);
+    panel.Show(each.after);
+    while (session.State().page != page) Run(1ms);
+    for (std::size_t i = 0; i < each.before.size(); ++i) Run(1ms);
+    const PanelPlace place{.key = std::nullopt, .x = each.x, .y = 5};
+    EXPECT_EQ(session.Press(place), None);
+    Run(1200ms, each.isKept ? std::optional(place) : std::nullopt);
+    const auto sent = Sent();
+    EXPECT_EQ(sent.empty() ? "" : sent.front(), each.first);
+    const auto reports = session.TakeReports();
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0].refusal, each.refusal);
+  }  // Tabs: two pressed one behind the other, the second while the first turns the page.
+  panel.most = 1000;
+  panel.Show({Page(++page), menu, Touch(67, {60, 0, 10, 10}, "Recipes", 5)});
+  Run(3s);
+  panel.onSend = [&] {
+    panel.onSend = nullptr;
+    EXPECT_EQ(session.Press({.key = std::nullopt, .x = 85, .y = 5}), None);
+    panel.Show({Page(++page), Touch(75, {80, 0, 10, 10}, "Menu", 5)});
+  };
+  EXPECT_EQ(session.Press({.key = std::nullopt, .x = 65, .y = 5}), None);
+  Run(300ms);
+  EXPECT_THAT(Sent(), ElementsAre("Ta", "Ta"));
+  EXPECT_EQ(panel.events.back().page, page);
 }
 
 TEST_F(PanelSessionTest, APressWhoseAnswerIsLostIsToldAsUnsureAndNotRepeated) {

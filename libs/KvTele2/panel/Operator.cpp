@@ -1,6 +1,7 @@
 #include "KvTele2/panel/Operator.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "KvTele2/panel/ScreenText.h"
@@ -84,18 +85,35 @@ PressRefusal Operator::Judge(const PanelPlace& place, const ScreenNow& screen, P
   using enum PressRefusal;
   if (mMode != PanelMode::Operate) return OnlyViewing;
   if (screen.age > kOldScreen) return OldScreen;
-  const std::optional<std::uint16_t> slot = SlotAt(place, screen.model);
-  if (!slot) return NothingThere;
-  const auto& touch = *screen.model.Get<TouchItem>(*slot);
-  if (touch.isDisabled) return Disabled;
-  if (mWaiting.size() >= kMostWaiting) return TooMany;
   pressed = {.place = place,
-             .slot = *slot,
-             .seen = touch,
              .epoch = screen.model.Revision().epoch,
              .page = PageNumber(screen.model),
-             .made = screen.now};
-  return MayAnotherBeMeant(pressed) ? JustChanged : None;
+             .made = screen.now,
+             .isOpen = true};
+  const PressRefusal refusal = Identify(pressed, screen.model);
+  return refusal == None && mWaiting.size() >= kMostWaiting ? TooMany : refusal;
+}
+
+// What lies there, when that is known. Of what was still on its way when it was pressed the user has seen what was
+// drawn then: where something has been drawn since, it is another thing than he saw.
+PressRefusal Operator::Identify(Pressed& pressed, const ScreenModel& model) const {
+  using enum PressRefusal;
+  const std::optional<std::uint16_t> slot = SlotAt(pressed.place, model);
+  if (!slot) return model.IsWhole() ? NothingThere : None;
+  const auto& touch = *model.Get<TouchItem>(*slot);
+  if (touch.isDisabled) return Disabled;
+  const std::vector<const Known*> lay = LayThere(pressed);
+  const auto isSame = [&](const Known* known) {
+    const bool isSameMachine = known->page == pressed.page || touch.role == TouchRole::PageLink;
+    return isSameMachine && known->touch.IsSameTarget(touch);
+  };
+  if (!std::ranges::all_of(lay, isSame)) return JustChanged;
+  const auto isOver = [&](const PixelRect& drawn) { return pressed.place.key || !drawn.Inside(touch.area).IsEmpty(); };
+  if (lay.empty() && std::ranges::any_of(pressed.drawnSince, isOver)) return Changed;
+  pressed.slot = *slot;
+  pressed.seen = touch;
+  pressed.isOpen = false;
+  return None;
 }
 
 // The uppermost; null: nothing.
@@ -111,26 +129,25 @@ const Operator::Known* Operator::LayAt(const PanelPlace& place, Instant at) cons
 
 // Whoever presses has seen the screen of some moment since kSettles ago. What lay there at each of them is the same as
 // now, or nothing. On another page the same words may stand for another machine; a link moves none.
-bool Operator::MayAnotherBeMeant(const Pressed& pressed) const {
+std::vector<const Operator::Known*> Operator::LayThere(const Pressed& pressed) const {
   std::vector<Instant> moments{pressed.made - kSettles};
   for (const Known& known : mKnown) {
     for (const Instant change : {known.since, known.until}) {
       if (change > moments.front() && change <= pressed.made) moments.push_back(change);
     }
   }
-  return std::ranges::any_of(moments, [&](Instant at) {
-    const Known* lay = LayAt(pressed.place, at);
-    if (lay == nullptr) return false;
-    const bool isSameMachine = lay->page == pressed.page || pressed.seen.role == TouchRole::PageLink;
-    return !isSameMachine || !lay->touch.IsSameTarget(pressed.seen);
-  });
+  std::vector<const Known*> lay;
+  for (const Instant at : moments) {
+    if (const Known* known = LayAt(pressed.place, at)) lay.push_back(known);
+  }
+  return lay;
 }
 
 void Operator::DropPresses(PressRefusal why) {
   for (const Pressed& pressed : std::exchange(mWaiting, {})) {
     Report({.result = Result::NotDone,
             .place = pressed.place,
-            .what = TouchText(pressed.seen),
+            .what = pressed.isOpen ? std::string() : TouchText(pressed.seen),
             .text = std::string(RefusalText(why)),
             .refusal = why});
   }
@@ -142,8 +159,7 @@ std::optional<std::uint16_t> Operator::SlotAt(const PanelPlace& place, const Scr
 
 bool Operator::IsStillThere(const Pressed& pressed, const ScreenModel& model) const {
   const auto* touch = model.Get<TouchItem>(pressed.slot);
-  return touch != nullptr && touch->IsSameTarget(pressed.seen) && PageNumber(model) == pressed.page &&
-         model.Revision().epoch == pressed.epoch && SlotAt(pressed.place, model) == pressed.slot;
+  return touch != nullptr && touch->IsSameTarget(pressed.seen) && SlotAt(pressed.place, model) == pressed.slot;
 }
 
 // A finger that moves within what it presses goes on pressing it.
@@ -180,19 +196,29 @@ std::optional<Operator::Due> Operator::Next(const std::optional<PanelPlace>& pre
 // The last press may be pressed still; the ones before have been let go, or nothing could have been pressed after them.
 std::optional<Operator::Due> Operator::NextPress(const std::optional<PanelPlace>& pressedNow, const ScreenNow& screen) {
   if (mWaiting.empty()) return std::nullopt;
-  const Pressed& first = mWaiting.front();
-  if (screen.age > kOldScreen) {
-    DropPresses(PressRefusal::OldScreen);
-  } else if (screen.now - first.made > kLongestWait) {
-    DropPresses(PressRefusal::TooSlow);
-  } else if (!IsStillThere(first, screen.model)) {
-    DropPresses(PressRefusal::Changed);
+  if (const PressRefusal refusal = WhyNotSent(mWaiting.front(), screen); refusal != PressRefusal::None) {
+    DropPresses(refusal);
+    return std::nullopt;
   }
-  if (mWaiting.empty()) return std::nullopt;
+  if (mWaiting.front().isOpen) return std::nullopt;
   mSent = std::move(mWaiting.front());
   mWaiting.pop_front();
   mSent->isDown = mWaiting.empty() && IsOn(*mSent, pressedNow, screen.model);
   return MakeDue(mSent->isDown ? PanelAction::Down : PanelAction::Tap, *mSent, screen);
+}
+
+PressRefusal Operator::WhyNotSent(Pressed& pressed, const ScreenNow& screen) const {
+  using enum PressRefusal;
+  if (screen.age > kOldScreen) return OldScreen;
+  if (screen.now - pressed.made > kLongestWait) return TooSlow;
+  if (screen.model.Revision().epoch != pressed.epoch) return Changed;
+  if (const std::uint16_t page = PageNumber(screen.model); page != pressed.page) {
+    if (pressed.isOpen || pressed.seen.role != TouchRole::PageLink) return Changed;
+    pressed.page = page;  // a link of both pages, perhaps, which moves nothing
+    pressed.isOpen = true;
+  }
+  if (pressed.isOpen) return Identify(pressed, screen.model);
+  return IsStillThere(pressed, screen.model) ? None : Changed;
 }
 
 Operator::Due Operator::MakeDue(PanelAction action, const Pressed& pressed, const ScreenNow& screen) const {
@@ -222,8 +248,12 @@ PanelEvent Operator::MakeEvent(PanelAction action, const ScreenNow& screen) cons
 }
 
 std::optional<Instant> Operator::NextDue(Instant now) const {
-  if (mLeaving != 0 || mMode == PanelMode::Asking || !mWaiting.empty()) return now;
-  return mHeld ? std::optional(mHeld->renewed + kRenewal) : std::nullopt;
+  const bool isPressDue = !mWaiting.empty() && !mWaiting.front().isOpen;
+  if (mLeaving != 0 || mMode == PanelMode::Asking || isPressDue) return now;
+  std::optional<Instant> due = mHeld ? std::optional(mHeld->renewed + kRenewal) : std::nullopt;
+  if (mWaiting.empty()) return due;
+  const Instant givenUp = mWaiting.front().made + kLongestWait;  // the rest of the screen comes before, or never
+  return due ? std::min(*due, givenUp) : givenUp;
 }
 
 void Operator::NoteAnswer(const Due& due, const PanelChanges& changes, Instant began) {
@@ -281,7 +311,7 @@ void Operator::NoteChanges(const PanelChanges& changes, const ScreenModel& model
   if (mMode != PanelMode::Operate) return;
   if (!changes.isLeaseGood && changes.lease == 0) {
     const std::string other = ReadableText(model.OperatorName());
-    LoseLease(changes.isLeaseElsewhere ? (other.empty() ? "Somebody else" : other) + " operates the panel now."
+    LoseLease(changes.isLeaseElsewhere ? (other.empty() ? "Somebody else" : other) + " has taken the panel over."
                                        : "The controller has ended that this program operates the panel.");
     return;
   }
@@ -295,8 +325,10 @@ void Operator::NoteChanges(const PanelChanges& changes, const ScreenModel& model
           .text = "The controller has let go by itself: of what was held, nothing is pressed any more."});
 }
 
-void Operator::NoteScreen(const ScreenDelta& delta, const ScreenModel& model, Instant now) {
-  std::erase_if(mKnown, [now](const Known& known) { return known.until < now - kSettles; });
+void Operator::NoteScreen(const ScreenDelta& delta, const std::vector<PixelRect>& drawn, const ScreenModel& model,
+                          Instant now) {
+  std::erase_if(mKnown, [now](const Known& known) { return known.until < now - kSettles - kLongestWait; });
+  for (Pressed& pressed : mWaiting) std::ranges::copy(drawn, std::back_inserter(pressed.drawnSince));
   const auto end = [this, now](std::optional<std::uint16_t> slot) {
     for (Known& known : mKnown) {
       if (!slot || known.slot == slot) known.until = std::min(known.until, now);

@@ -60,6 +60,7 @@ struct ScreenNow {
 //   View -> Asking (AskToOperate) -> Operate (a lease came) -> View (Leave, LoseLease, a lease that is not good)
 //                                 -> View (refused)
 //   In Operate: a press waits -> is sent as down while it is still pressed, else as a tap -> held -> up.
+//               A press where nothing lies while some of the screen is still on its way waits for that, too.
 //
 // Held is only what the caller of Next says is pressed at that very moment: who does not call lets go. A hold is
 // renewed every 200 ms; the controller lets go 500 ms after the last renewal. Nothing is pressed or held on to on a
@@ -98,7 +99,8 @@ class Operator {
   void NoteFailure(const Due& due, const LinkError& error);
   // Of every reply, also those to events: who has the lease, what is held.
   void NoteChanges(const PanelChanges& changes, const ScreenModel& model);
-  void NoteScreen(const ScreenDelta& delta, const ScreenModel& model, Instant now);
+  // `drawn`: what of the picture was drawn anew with it.
+  void NoteScreen(const ScreenDelta& delta, const std::vector<PixelRect>& drawn, const ScreenModel& model, Instant now);
   // View, without anything being sent; `why` is a sentence for the user.
   void LoseLease(const std::string& why);
 
@@ -114,12 +116,14 @@ class Operator {
   struct Pressed {
     PanelPlace place;
     std::uint16_t slot = 0;
-    TouchItem seen;
+    TouchItem seen{};
     std::uint16_t epoch = 0;
     std::uint16_t page = 0;
     Instant made{};       // pressed by the user
     Instant renewed{};    // sent, or held on to
     bool isDown = false;  // a down has gone out for it
+    bool isOpen = false;  // what lies there is on its way: slot and seen are not known yet
+    std::vector<PixelRect> drawnSince{};
   };
 
   // What can be pressed, and what could be a moment ago.
@@ -134,7 +138,9 @@ class Operator {
   [[nodiscard]] std::optional<std::uint16_t> SlotAt(const PanelPlace& place, const ScreenModel& model) const;
   [[nodiscard]] PressRefusal Judge(const PanelPlace& place, const ScreenNow& screen, Pressed& pressed) const;
   [[nodiscard]] const Known* LayAt(const PanelPlace& place, Instant at) const;
-  [[nodiscard]] bool MayAnotherBeMeant(const Pressed& pressed) const;
+  [[nodiscard]] std::vector<const Known*> LayThere(const Pressed& pressed) const;
+  [[nodiscard]] PressRefusal Identify(Pressed& pressed, const ScreenModel& model) const;
+  [[nodiscard]] PressRefusal WhyNotSent(Pressed& pressed, const ScreenNow& screen) const;
   [[nodiscard]] bool IsStillThere(const Pressed& pressed, const ScreenModel& model) const;
   [[nodiscard]] bool IsOn(const Pressed& pressed, const std::optional<PanelPlace>& now, const ScreenModel& model) const;
   [[nodiscard]] std::optional<Due> NextPress(const std::optional<PanelPlace>& pressedNow, const ScreenNow& screen);

@@ -107,7 +107,7 @@ void PanelSession::Describe() {
   mOperator.LoseLease("The panel is another one now.");
   mScreen = std::make_unique<Screen>(*panel, mResources);
   mAsOf.reset();
-  AddChanged();
+  (void)DrawChanged();
 }
 
 void PanelSession::Ask() {
@@ -131,8 +131,7 @@ void PanelSession::TakeIn(const PanelChanges& changes, Instant began, const Oper
     mRhythm->NoteAnswer(began, now, 0, true);
   } else if (delta) {
     mScreen->drawing.Note(*delta);
-    mOperator.NoteScreen(*delta, mScreen->model, now);
-    AddChanged();
+    mOperator.NoteScreen(*delta, DrawChanged(), mScreen->model, now);
     mAsOf = began;
     mStamp = changes.stamp;
     mState.reason.clear();
@@ -167,10 +166,13 @@ void PanelSession::NoteConnection() {
   }
 }
 
-void PanelSession::AddChanged() {
-  std::ranges::copy(mScreen->drawing.Draw(), std::back_inserter(mChangedAreas));
+// What that was.
+std::vector<PixelRect> PanelSession::DrawChanged() {
+  std::vector<PixelRect> drawn = mScreen->drawing.Draw();
+  std::ranges::copy(drawn, std::back_inserter(mChangedAreas));
   constexpr std::size_t kMostAreas = 256;  // of somebody who does not take them
   if (mChangedAreas.size() > kMostAreas) mChangedAreas.assign(1, mScreen->drawing.Dots().Bounds());
+  return drawn;
 }
 
 ScreenNow PanelSession::Now() const {
@@ -284,7 +286,7 @@ std::vector<Drawing::Missing> PanelSession::MissingResources() const {
 void PanelSession::ShowBlinking(bool isSeen) {
   if (!mScreen) return;
   mScreen->drawing.ShowBlinking(isSeen);
-  AddChanged();
+  (void)DrawChanged();
 }
 
 bool PanelSession::HasBlinking() const {
@@ -294,7 +296,7 @@ bool PanelSession::HasBlinking() const {
 void PanelSession::Redraw() {
   if (!mScreen) return;
   mScreen->drawing.NoteAll();
-  AddChanged();
+  (void)DrawChanged();
 }
 
 }  // namespace kv::panel

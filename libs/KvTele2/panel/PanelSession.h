@@ -129,7 +129,7 @@ class PanelSession {
   void TakeIn(const PanelChanges& changes, Instant began, const Operator::Due* due);
   void FailLink(bool isEvent);
   void NoteConnection();
-  void AddChanged();
+  std::vector<PixelRect> DrawChanged();
   [[nodiscard]] ScreenNow Now() const;
   [[nodiscard]] Duration Age() const;
 
