@@ -48,7 +48,7 @@ class ChannelImpl final : public Channel {
   // the next request where the settings say so.
   void ForgetPasswords() { mClient.ForgetPasswords(); }
   // Another operation of a tool begins: a user who did not give the password in the one before is asked again.
-  void BeginOperation() { mClient.BeginOperation(); }
+  void BeginOperation() override { mClient.BeginOperation(); }
 
   [[nodiscard]] std::optional<CommandReply> SendCommand(std::string_view command) override;
   void SetCommandOwner(std::string_view owner) override { mTrace->SetOwner(owner); }
@@ -127,6 +127,9 @@ class ChannelImpl final : public Channel {
     std::optional<Instant> notAfter{};
   };
   [[nodiscard]] std::optional<PanelTextReply> AskPanel(const PanelRequest& request);
+  // How much the trace has; and all since then was a question that is asked again and again, and went well.
+  [[nodiscard]] std::uint64_t Traced() const { return mTrace->Total(); }
+  void SetPollAside(std::uint64_t traced) { mTrace->SetPollAside(traced); }
   // The data of a reply did not keep to what they have to be.
   void FailPanelReply(std::string_view doing, std::uint8_t unit);
   [[nodiscard]] std::optional<PanelLinkCost> PanelCost(std::uint8_t unit);

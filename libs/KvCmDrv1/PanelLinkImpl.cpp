@@ -65,18 +65,21 @@ std::optional<PanelChanges> PanelLinkImpl::Changes(const PanelChangesRequest& re
   if (!cost) return std::nullopt;
   PanelChangesRequest fitting = request;
   fitting.most = std::clamp(request.most, kLeastPanelPiece, cost->mostPiece);
-  return Ask(mChannel,
-             {.letters = "PC",
-              .fields = {.opCode = kPanelChanges},
-              .data = EncodeChangesRequest(fitting),
-              .longestReply = fitting.most,
-              .doing = "reading the screen of",
-              .unit = unit},
-             [](const PanelTextReply& reply) {
-               auto changes = ReadPanelChanges(reply.data);
-               if (changes && changes->verdict != PanelVerdict::Done) changes.reset();
-               return changes;
-             });
+  const std::uint64_t traced = mChannel.Traced();
+  auto told = Ask(mChannel,
+                  {.letters = "PC",
+                   .fields = {.opCode = kPanelChanges},
+                   .data = EncodeChangesRequest(fitting),
+                   .longestReply = fitting.most,
+                   .doing = "reading the screen of",
+                   .unit = unit},
+                  [](const PanelTextReply& reply) {
+                    auto changes = ReadPanelChanges(reply.data);
+                    if (changes && changes->verdict != PanelVerdict::Done) changes.reset();
+                    return changes;
+                  });
+  if (told) mChannel.SetPollAside(traced);
+  return told;
 }
 
 std::optional<PanelChanges> PanelLinkImpl::Send(const PanelEvent& event, std::uint8_t unit) {

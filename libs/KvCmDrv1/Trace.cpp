@@ -57,7 +57,14 @@ TraceSecrets::Passage PassageOf(Trace::Direction direction) {
 
 }  // namespace
 
-Trace::Trace() : mEntries(kEntries), mOwners(1) {}
+const Trace::Entry* Trace::Ring::Find(std::uint64_t number) const {
+  std::uint64_t first = Begin();
+  for (std::uint64_t last = mEnd; first < last;) {
+    const std::uint64_t middle = first + (last - first) / 2;
+    At(middle).number < number ? first = middle + 1 : last = middle;
+  }
+  return first < mEnd && At(first).number == number ? &At(first) : nullptr;
+}
 
 void Trace::SetClock(const WallClock& clock, const Pacer& pacer) {
   mClock = &clock;
@@ -72,7 +79,8 @@ std::string Trace::TimeText(Instant when) const {
 
 void Trace::Add(Instant when, Direction direction, std::string_view bytes) {
   const auto harmless = direction == Direction::Note ? bytes : mSecrets.Harmless(when, PassageOf(direction), bytes);
-  Entry& entry = mEntries[mTotal++ % kEntries];
+  Entry& entry = mEntries.Add();
+  entry.number = mTotal++;
   entry.when = when;
   entry.direction = direction;
   entry.length = static_cast<std::uint32_t>(bytes.size());
@@ -81,6 +89,13 @@ void Trace::Add(Instant when, Direction direction, std::string_view bytes) {
   const std::string_view kept = harmless.value_or(std::string_view());
   std::copy_n(kept.begin(), std::min(kept.size(), kKeptBytes), entry.bytes.begin());
   if (mFile.is_open()) mFile << RowOf(entry, kept).Line() << '\n' << std::flush;
+}
+
+void Trace::SetPollAside(std::uint64_t from) {
+  constexpr std::uint64_t kGood = Ring::kSpare;  // the question and its answer
+  if (mTotal - from != kGood) return;
+  for (std::uint64_t at = mEntries.End() - kGood; at < mEntries.End(); ++at) mPolls.Add() = mEntries.At(at);
+  mEntries.TakeBack(kGood);
 }
 
 void Trace::SetOwner(std::string_view owner) {
@@ -105,14 +120,25 @@ bool Trace::WriteTo(const std::string& path) {
   return true;
 }
 
-Trace::Row Trace::RowAt(std::uint64_t index) const {
-  const Entry& entry = mEntries[index % kEntries];
-  return RowOf(entry, std::string_view(entry.bytes.data(), std::min<std::size_t>(entry.length, kKeptBytes)));
+std::vector<std::uint64_t> Trace::Numbers() const {
+  std::vector<std::uint64_t> numbers;
+  for (const Ring* ring : {&mEntries, &mPolls}) {
+    for (std::uint64_t at = ring->Begin(); at < ring->End(); ++at) numbers.push_back(ring->At(at).number);
+  }
+  std::ranges::sort(numbers);
+  return numbers;
+}
+
+Trace::Row Trace::RowAt(std::uint64_t number) const {
+  const Entry* entry = mEntries.Find(number);
+  if (entry == nullptr) entry = mPolls.Find(number);
+  if (entry == nullptr) return {};
+  return RowOf(*entry, std::string_view(entry->bytes.data(), std::min<std::size_t>(entry->length, kKeptBytes)));
 }
 
 std::string Trace::Text() const {
   std::string text;
-  for (std::uint64_t index = FirstKept(); index < mTotal; ++index) text += RowAt(index).Line() + "\n";
+  for (const std::uint64_t number : Numbers()) text += RowAt(number).Line() + "\n";
   return text;
 }
 

@@ -80,6 +80,8 @@ class Channel {
   [[nodiscard]] virtual std::optional<VersionInfo> GetVersionInfo(std::uint8_t unit) = 0;
   // Opens access with the controller's password, at most 8 characters.
   [[nodiscard]] virtual bool GiveAccess(std::string_view password, std::uint8_t unit) = 0;
+  // The user begins something new. Who did not give the password before is asked for it again.
+  virtual void BeginOperation() = 0;
   // Makes sure that requests which need the password are taken, asking the driver's source of passwords if need be.
   // Every other call does so by itself when it is refused; raw traffic cannot.
   [[nodiscard]] virtual bool EnsureAccess(std::uint8_t unit) = 0;

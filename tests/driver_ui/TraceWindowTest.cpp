@@ -2,6 +2,8 @@
 
 #include <QAbstractItemModelTester>
 #include <QTableView>
+#include <map>
+#include <sstream>
 
 #include "KvCmDrv1/ui/TraceModel.h"
 #include "KvCmDrv1/ui/frmTrace.h"
@@ -32,6 +34,37 @@ TEST(TraceModelTest, FollowsTheTraceOverItsWholeLengthAndPastIt) {
       EXPECT_EQ(model.index(row, TraceModel::Text).data().toInt(), expected);
     }
   }
+}
+
+// A screen is asked for all day; what else has passed is worth more to who reads an error report.
+TEST(TraceModelTest, QuestionsThatGoWellPushOutOnlyTheirLikes) {
+  const auto trace = std::make_shared<Trace>();
+  TraceModel model(trace);
+  const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+  const auto add = [&](std::initializer_list<const char*> texts) {
+    for (const char* text : texts) trace->Add(Instant{}, Trace::Direction::Note, text);
+  };
+  for (int i = 0; i < 998; ++i) add({"write"});
+  const auto poll = [&](std::initializer_list<const char*> texts) {
+    const std::uint64_t from = trace->Total();
+    add(texts);
+    if (from % 20 == 0) model.Update();  // the window looks at any moment
+    trace->SetPollAside(from);
+  };
+  poll({"question", "no answer", "question", "answer"});
+  for (int i = 0; i < 400; ++i) poll({"question", "answer"});
+  add({"write"});
+  model.Update();
+  std::map<std::string, int> shown, reported;
+  for (int row = 0; row < model.rowCount(); ++row) {
+    ++shown[model.index(row, TraceModel::Text).data().toString().toStdString()];
+  }
+  std::istringstream report(trace->Text());
+  for (std::string line; std::getline(report, line);) ++reported[line.substr(line.find("--- ") + 4)];
+  const std::map<std::string, int> kept{{"write", 996}, {"question", 102}, {"no answer", 1}, {"answer", 101}};
+  EXPECT_EQ(reported, kept);
+  EXPECT_GE(shown["write"], 994) << "no more than was under way when it looked";
+  EXPECT_EQ(shown["question"], 102);
 }
 
 class TraceWindowTest : public ::testing::Test, protected DialogFixture {

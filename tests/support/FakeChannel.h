@@ -36,6 +36,7 @@ class FakeChannel : public Channel {
   std::optional<CommandReply> SendCommand(std::string_view command) override {
     return Answer("SendCommand " + std::string(command), reply);
   }
+  void BeginOperation() override {}
   void SetCommandOwner(std::string_view owner) override { Note("SetCommandOwner " + std::string(owner)); }
   void SetRecordFile(const std::string& path, int purpose) override {
     Note("SetRecordFile " + path + " " + std::to_string(purpose));

@@ -24,26 +24,32 @@ QString DirectionText(Trace::Direction direction) {
 }  // namespace
 
 void TraceModel::Update() {
-  const std::uint64_t total = mTrace->Total();
-  if (total == mEnd) return;
-  DropOld(mTrace->FirstKept());
+  if (mTrace->Total() == mEnd) return;
+  const std::vector<std::uint64_t> kept = mTrace->Numbers();
+  DropAllBut(kept);
+  const auto fresh = std::ranges::lower_bound(kept, mEnd);
+  mEnd = mTrace->Total();
+  if (fresh == kept.end()) return;
   const int rows = rowCount();
-  beginInsertRows({}, rows, rows + static_cast<int>(total - mEnd) - 1);
-  for (; mEnd < total; ++mEnd) mRows.push_back(mTrace->RowAt(mEnd));
+  beginInsertRows({}, rows, rows + static_cast<int>(kept.end() - fresh) - 1);
+  std::for_each(fresh, kept.end(), [this](std::uint64_t number) { mRows.push_back({number, mTrace->RowAt(number)}); });
   endInsertRows();
 }
 
-void TraceModel::DropOld(std::uint64_t firstKept) {
-  const std::uint64_t first = mEnd - mRows.size();
-  if (firstKept > first) {
-    const auto dropped = std::min<std::uint64_t>(firstKept - first, mRows.size());
-    if (dropped > 0) {
-      beginRemoveRows({}, 0, static_cast<int>(dropped) - 1);
-      mRows.erase(mRows.begin(), mRows.begin() + static_cast<std::ptrdiff_t>(dropped));
-      endRemoveRows();
-    }
+// From the end on, in runs as long as there are.
+void TraceModel::DropAllBut(const std::vector<std::uint64_t>& kept) {
+  const auto isKept = [&](int row) {
+    return std::ranges::binary_search(kept, mRows[static_cast<std::size_t>(row)].number);
+  };
+  for (int last = rowCount() - 1; last >= 0; --last) {
+    if (isKept(last)) continue;
+    int first = last;
+    while (first > 0 && !isKept(first - 1)) --first;
+    beginRemoveRows({}, first, last);
+    mRows.erase(mRows.begin() + first, mRows.begin() + last + 1);
+    endRemoveRows();
+    last = first;
   }
-  mEnd = std::max(mEnd, firstKept);
 }
 
 int TraceModel::rowCount(const QModelIndex& parent) const {
@@ -59,7 +65,7 @@ QVariant TraceModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::TextAlignmentRole && index.column() == Time) return QVariant(Qt::AlignRight | Qt::AlignVCenter);
   if (role == Qt::FontRole && (index.column() == Time || index.column() == Text)) return FixedFont({});
   if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
-  const Trace::Row& row = mRows[static_cast<std::size_t>(index.row())];
+  const Trace::Row& row = RowAt(index.row());
   switch (index.column()) {
     case Time:
       return QString::fromStdString(row.time).section('T',

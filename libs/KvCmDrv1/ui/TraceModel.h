@@ -3,13 +3,14 @@
 #include <QAbstractTableModel>
 #include <deque>
 #include <memory>
+#include <vector>
 
 #include "KvCmDrv1/Trace.h"
 
 namespace kv {
 
-// The kept entries of a trace as a table. Update takes over what has come since; only that is announced, so selection
-// and scroll position stay.
+// The kept entries of a trace as a table. Update takes over what has come since and drops what is not kept any more;
+// only that is announced, so selection and scroll position stay.
 class TraceModel final : public QAbstractTableModel {
  public:
   enum Column { Time, Direction, Owner, Text, Meaning, ColumnCount };
@@ -17,7 +18,7 @@ class TraceModel final : public QAbstractTableModel {
   explicit TraceModel(std::shared_ptr<const Trace> trace) : mTrace(std::move(trace)) {}
 
   void Update();
-  [[nodiscard]] std::string Line(int row) const { return mRows[static_cast<std::size_t>(row)].Line(); }
+  [[nodiscard]] std::string Line(int row) const { return RowAt(row).Line(); }
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
@@ -25,11 +26,16 @@ class TraceModel final : public QAbstractTableModel {
   [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
  private:
-  void DropOld(std::uint64_t firstKept);
+  struct Numbered {
+    std::uint64_t number;
+    Trace::Row row;
+  };
+  [[nodiscard]] const Trace::Row& RowAt(int row) const { return mRows[static_cast<std::size_t>(row)].row; }
+  void DropAllBut(const std::vector<std::uint64_t>& kept);
 
   std::shared_ptr<const Trace> mTrace;
-  std::deque<Trace::Row> mRows;
-  std::uint64_t mEnd = 0;  // the number of the entry behind the last row
+  std::deque<Numbered> mRows;
+  std::uint64_t mEnd = 0;  // the number of the entry behind the last that was taken over
 };
 
 }  // namespace kv
