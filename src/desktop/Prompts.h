@@ -68,9 +68,10 @@ struct InputBox {
 struct FileDialog {
   std::string title = {};
   std::string filter = {};
-  std::string purpose = {};  // one short word, "Clones": the dialog opens in the folder that was used last for it
-  std::string folder = {};   // UTF-8 path in which it opens instead; one that is not there counts as none
-  std::string initial = {};  // file name that stands in the dialog at first
+  std::string purpose = {};   // one short word, "Clones": the dialog opens in the folder that was used last for it
+  std::string folder = {};    // UTF-8 path in which it opens instead; one that is not there counts as none
+  std::string initial = {};   // file name that stands in the dialog at first
+  bool asksToReplace = true;  // of a save dialog; false: whoever opens it knows more of the file, and asks by itself
 
   bool operator==(const FileDialog&) const = default;
 };
@@ -87,7 +88,8 @@ class Prompts {
   // The text entered with OK; nothing when the user cancelled. Whoever asks for a secret wipes it when it is used.
   [[nodiscard]] virtual std::optional<std::string> Ask(const InputBox& box) = 0;
 
-  // The chosen path (UTF-8); nothing when the user cancelled. A save dialog has asked about overwriting by itself.
+  // The chosen path (UTF-8); nothing when the user cancelled. A save dialog has asked about overwriting
+  // by itself, unless it was told not to.
   [[nodiscard]] virtual std::optional<std::string> OpenFile(const FileDialog& dialog) = 0;
   [[nodiscard]] virtual std::optional<std::string> SaveFile(const FileDialog& dialog) = 0;
 };

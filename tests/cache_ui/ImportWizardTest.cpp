@@ -104,6 +104,8 @@ TEST_F(ImportWizardTest, MakesACacheAndShowsWhatCameIn) {
   Choose(file);
   Click("cmdNext");
   EXPECT_EQ(CameFrom("the file as it was"), Results().rowCount());
+  EXPECT_FALSE(prompts.SaveDialogs().back().asksToReplace) << "it is brought up to date";
+  EXPECT_TRUE(prompts.Boxes().empty());
 }
 
 TEST_F(ImportWizardTest, RefusesInRedAndCanBeTriedAgain) {
@@ -155,7 +157,11 @@ TEST_F(ImportWizardTest, ACancelledOrFailedImportLeavesTheFileAndTheDisplayAsThe
   import({.model = "K670", .faults = {"refuse:code=05,on=block,nth=10"}}, false);
   EXPECT_EQ(Text("lblState"), "Errors occurred during the creation of the plant.ktc file");
   EXPECT_TRUE(IsRed());
-  EXPECT_NE(Text("lblReason"), "");
+  EXPECT_THAT(Text("lblReason"), HasSubstr("What to do: "));
+  EXPECT_THAT(Text("lblKept"), AllOf(StartsWith(Utf8FromPath(file) + " is as it was before the import"),
+                                     HasSubstr("Back leads to the first step")));
+  EXPECT_TRUE(Find<QLabel>(*window, "lblKept").isVisible());
+  EXPECT_FALSE(Results().isVisible());
   EXPECT_THAT(Marks(), HasSubstr("FAIL"));
   EXPECT_EQ(Caption("cmdNext"), "Finish");
   Click("cmdBack");

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTemporaryDir>
+#include <fstream>
 
 #include "tests/desktop_ui/UsableWindow.h"
 
@@ -105,8 +106,25 @@ TEST_F(QtPromptsTest, FileDialogsShowTheFilterAndAddItsExtension) {
     EXPECT_EQ(Find<QLineEdit>(dialog, "fileNameEdit").text(), "pump");
     static_cast<QDialog&>(dialog).accept();
   });
-  EXPECT_EQ(prompts.SaveFile({.filter = "Clone files|*.kdf", .folder = folder.path().toStdString(), .initial = "pump"}),
-            path + ".kdf");
+  const FileDialog clone{.filter = "Clone files|*.kdf", .folder = folder.path().toStdString(), .initial = "pump"};
+  EXPECT_EQ(prompts.SaveFile(clone), path + ".kdf");
+
+  std::ofstream(path + ".kdf") << "there already";
+  for (const bool asks : {true, false}) {
+    FileDialog again = clone;
+    again.asksToReplace = asks;
+    bool isAsked = false;
+    WhenOpen<QFileDialog>(user, [&](QFileDialog& dialog) {
+      WhenOpen<QMessageBox>(dialog, [&](QMessageBox& box) {
+        isAsked = true;
+        box.reject();
+        static_cast<QDialog&>(dialog).reject();
+      });
+      static_cast<QDialog&>(dialog).accept();
+    });
+    EXPECT_EQ(prompts.SaveFile(again).has_value(), !asks);
+    EXPECT_EQ(isAsked, asks);
+  }
 }
 
 // A day's work goes back and forth between a few folders: each kind of file has its own, over the end of the program

@@ -35,7 +35,9 @@ CacheOutcome CacheImport::Run(Channel& link) {
   const Step imported = Import(link);
   if (!imported) {
     mContent = {};
-    return WithText(imported.error());
+    CacheOutcome outcome = WithText(imported.error());
+    outcome.kept = mTarget.WhatIsKept();
+    return outcome;
   }
   NoteResults();
   return WithText({});

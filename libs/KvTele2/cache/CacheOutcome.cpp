@@ -3,7 +3,12 @@
 namespace kv::cache {
 
 CacheOutcome CacheOutcome::Failed(CacheCause cause, std::string text, std::string reason) {
-  return {.end = CacheEnd::Failed, .cause = cause, .text = std::move(text), .reason = std::move(reason), .link = {}};
+  return {.end = CacheEnd::Failed,
+          .cause = cause,
+          .text = std::move(text),
+          .reason = std::move(reason),
+          .kept = {},
+          .link = {}};
 }
 
 CacheOutcome CacheOutcome::OfLink(const LinkError& error) {
@@ -15,7 +20,7 @@ CacheOutcome CacheOutcome::OfLink(const LinkError& error) {
 }
 
 CacheOutcome CacheOutcome::OfStop() {
-  return {.end = CacheEnd::Stopped, .cause = CacheCause::Stop, .text = {}, .reason = {}, .link = {}};
+  return {.end = CacheEnd::Stopped, .cause = CacheCause::Stop, .text = {}, .reason = {}, .kept = {}, .link = {}};
 }
 
 CacheOutcome CacheOutcome::OfFile(const FileError& error) {
@@ -35,7 +40,7 @@ std::string ErrorsText(const std::string& name) {
 }
 
 std::string StoppedText(const std::string& name) {
-  return "The creation of the " + name + " file was stopped.\r\nWhat stood there is as it was.";
+  return "The creation of the " + name + " file was stopped.";
 }
 
 }  // namespace kv::cache

@@ -44,6 +44,7 @@ struct CacheOutcome {
   CacheCause cause = CacheCause::None;
   std::string text{};    // the short one, for every end
   std::string reason{};  // what happened, the likely cause and what to do, a sentence a line; empty: `text` says it all
+  std::string kept{};    // of one that had begun and is not done: what stands at the chosen place now, a sentence
   LinkError link{};      // of the exchange that failed; code None for other causes
 
   [[nodiscard]] static CacheOutcome Failed(CacheCause cause, std::string text, std::string reason);

@@ -68,6 +68,10 @@ std::string FitText(const CacheFit& fit, const std::string& file) {
          file + ", for they " + why + ": " + names + ".";
 }
 
+bool IsOfOtherModel(const CacheContent& content, const std::string& model) {
+  return content.owner && content.owner->version.model != model;
+}
+
 bool IsCurrent(const CacheContent& content, PanelResourceKind kind, const PanelDescription& panel) {
   const std::uint32_t check = kind == PanelResourceKind::Font ? panel.fontsCheck : panel.imagesCheck;
   return content.Part(kind) && DirectoryCheck(*content.Part(kind)) == check;
@@ -77,7 +81,7 @@ CacheFit TakeFromCache(const CacheContent& content, const std::string& model, co
                        panel::ScreenResources& resources) {
   resources.Clear();
   CacheFit fit;
-  fit.isOtherModel = content.owner && content.owner->version.model != model;
+  fit.isOtherModel = IsOfOtherModel(content, model);
   if (fit.isOtherModel) return fit;
   for (const PanelResourceKind kind : kCacheKinds) {
     const auto& part = content.Part(kind);
@@ -94,7 +98,7 @@ std::expected<CacheFit, LinkError> TakeFromCache(const CacheContent& content, co
                                                  const PanelDescription& panel, PanelLink& link, std::uint8_t unit,
                                                  panel::ScreenResources& resources) {
   ControllerDirectories directories;
-  const bool isOtherModel = content.owner && content.owner->version.model != model;
+  const bool isOtherModel = IsOfOtherModel(content, model);
   for (const PanelResourceKind kind : kCacheKinds) {
     const bool isAsked = panel.kind == PanelKind::Colour && !isOtherModel && !IsCurrent(content, kind, panel);
     if (!isAsked) continue;

@@ -48,6 +48,9 @@ struct ControllerDirectories {
   std::optional<PanelDirectory> images{};
 };
 
+// Nothing of it is drawn for that model then. One without an owner is nobody's, and fits.
+[[nodiscard]] bool IsOfOtherModel(const CacheContent& content, const std::string& model);
+
 // Whether the cache has this part exactly as the controller has it: then its directory need not be asked for.
 [[nodiscard]] bool IsCurrent(const CacheContent& content, PanelResourceKind kind, const PanelDescription& panel);
 

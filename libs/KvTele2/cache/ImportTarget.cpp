@@ -58,6 +58,13 @@ std::string ImportTarget::Name() const {
   return Utf8FromPath(mOrder.file.filename());
 }
 
+std::string ImportTarget::WhatIsKept() const {
+  const auto now = FileStateOf(mFile);
+  if (now != mBefore) return {};
+  return Utf8FromPath(mOrder.file) + (now ? " is as it was before the import" : " was not made") +
+         "; what had been read is not kept.";
+}
+
 std::expected<ImportTarget::Before, CacheOutcome> ImportTarget::Look(const CacheOwner& controller) const {
   if (mLinkError) return FileFailure(mOrder.file, "the link of this name leads nowhere (" + mLinkError.message() + ")");
   if (std::string why = WhyNotReplaceable(mFile); !why.empty()) return FileFailure(mFile, std::move(why));

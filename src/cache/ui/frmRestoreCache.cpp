@@ -27,6 +27,8 @@ constexpr const char* kPurpose = "Caches";  // for which a folder is remembered
 constexpr const char* kTitle = "Import Cache";
 constexpr const char* kBusy = "An import is running; Cancel ends it.";
 constexpr const char* kNothingChanged = "Nothing was read, and the file is as it was.";
+constexpr const char* kAfterFailure =
+    "Back leads to the first step, where you can import again or choose another file. Finish closes this window.";
 const QColor kRed(255, 0, 0);
 
 // The window's image list: what a key shows, and says to whoever does not see it.
@@ -118,7 +120,8 @@ void frmRestoreCache::CloseHelpFile() {
 
 void frmRestoreCache::ShowPage(Page page) {
   mPage = page;
-  mPages->setCurrentIndex(static_cast<int>(page));
+  QWidget* const shown[] = {mChoosing, mCreating, mIsMade ? static_cast<QWidget*>(mResults) : mKept};
+  mPages->setCurrentWidget(shown[static_cast<std::size_t>(page)]);
   constexpr const char* kCaptions[] = {"Next", "Try Again", "Finish"};
   constexpr const char* kTips[] = {"Reads the fonts and images of the controller into the file",
                                    "Begins the import anew", "Closes this window"};
@@ -157,6 +160,7 @@ void frmRestoreCache::ShowState(Tone tone, const std::string& state, const std::
   if (tone == Tone::Failure) colours.setColor(QPalette::WindowText, kRed);
   mState->setPalette(colours);
   mState->setText(Text(state));
+  mState->setVisible(!state.empty());
   mReason->setText(Text(reason));
   mReason->setVisible(!reason.empty());
   mHelpLink->Follow(tone == Tone::Failure ? mState->text() + "\n" + mReason->text() : QString());
@@ -164,8 +168,12 @@ void frmRestoreCache::ShowState(Tone tone, const std::string& state, const std::
 
 void frmRestoreCache::Browse() {
   const std::string model = mRemote->Model();
-  const auto chosen = mServices.prompts.SaveFile(
-      {.title = "Create Cache File", .filter = kCacheFilter, .purpose = kPurpose, .initial = CacheNameOf(model)});
+  // What is known of a file that stands there is asked before it is replaced, and that of this controller is not.
+  const auto chosen = mServices.prompts.SaveFile({.title = "Create Cache File",
+                                                  .filter = kCacheFilter,
+                                                  .purpose = kPurpose,
+                                                  .initial = CacheNameOf(model),
+                                                  .asksToReplace = false});
   if (!chosen) return;
   mChosen.emplace(PathFromUtf8(*chosen));
   mSteps[0]->setText(QString::fromStdString(mChosen->Label()));
@@ -181,10 +189,14 @@ void frmRestoreCache::Next() {
 }
 
 void frmRestoreCache::Back() {
-  for (const cache::CacheStep step : {cache::CacheStep::Font, cache::CacheStep::Image}) ShowMark(step, "");
-  ShowState(Tone::Plain, "", "");
+  BeginAnew();
   ShowPage(Page::Choose);
   mBrowse->setFocus();
+}
+
+void frmRestoreCache::BeginAnew() {
+  for (const cache::CacheStep step : {cache::CacheStep::Font, cache::CacheStep::Image}) ShowMark(step, "");
+  ShowState(Tone::Plain, "", "");
 }
 
 void frmRestoreCache::Create() {
@@ -195,7 +207,7 @@ void frmRestoreCache::Create() {
     EnableCommands();
     return ShowState(Tone::Failure, "The file has changed since it was chosen.", "Choose it anew, or another one.");
   }
-  ShowState(Tone::Plain, "", "");
+  BeginAnew();
   ShowPage(Page::Create);
   mHeader->setText(Text(cache::WaitText(mChosen->Name())));
   const Operation operation(*this);
@@ -219,7 +231,9 @@ void frmRestoreCache::CreateFrom(Channel* link) {
   const cache::CacheOutcome outcome = mImport->Run(*link);
   if (outcome.end == cache::CacheEnd::Done) return ShowSuccess(outcome);
   ShowFailure(outcome);
-  if (outcome.end == cache::CacheEnd::Failed) Finish();
+  if (outcome.end != cache::CacheEnd::Failed) return;
+  mKept->setText(Text(outcome.kept + (outcome.kept.empty() ? "" : "\n\n") + kAfterFailure));
+  ShowPage(Page::Finished);
 }
 
 bool frmRestoreCache::IsWanted(const cache::CacheImportPlan& plan) {
@@ -233,10 +247,9 @@ bool frmRestoreCache::IsWanted(const cache::CacheImportPlan& plan) {
 void frmRestoreCache::Event_Step(cache::CacheStep step, cache::CacheStepState state) {
   const bool isRunning = state == cache::CacheStepState::Running;
   ShowMark(step, isRunning ? "PROG" : state == cache::CacheStepState::Done ? "OK" : "FAIL");
-  if (!isRunning) return;
   mBar->reset();
   mAmount->clear();
-  mProgress->setText(Text(std::string(cache::ProgressText(step))));
+  mProgress->setText(isRunning ? Text(std::string(cache::ProgressText(step))) : "Ending SYSTEM mode");
 }
 
 void frmRestoreCache::Event_Progress(const cache::CacheProgress& progress) {
@@ -250,10 +263,12 @@ void frmRestoreCache::Event_Progress(const cache::CacheProgress& progress) {
 // What was refused before anything was read, and what was cancelled, can be tried again at once.
 void frmRestoreCache::ShowFailure(const cache::CacheOutcome& outcome) {
   mRemote->StatusMessage(outcome.text);
-  mHeader->setText(Text(mChosen->Name() + " was not made"));
+  mHeader->setText(Text("Nothing was imported into " + mChosen->Name()));
   const std::string warnings = Lines(mImport->Warnings());
-  const Tone tone = outcome.end == cache::CacheEnd::Stopped ? Tone::Plain : Tone::Failure;
-  ShowState(tone, outcome.text, outcome.reason + (outcome.reason.empty() || warnings.empty() ? "" : "\n") + warnings);
+  const bool isStop = outcome.end == cache::CacheEnd::Stopped;
+  const std::string& first = isStop ? outcome.kept : outcome.reason;
+  ShowState(isStop ? Tone::Plain : Tone::Failure, outcome.text,
+            first + (first.empty() || warnings.empty() ? "" : "\n") + warnings);
 }
 
 void frmRestoreCache::ShowSuccess(const cache::CacheOutcome& outcome) {
@@ -262,12 +277,7 @@ void frmRestoreCache::ShowSuccess(const cache::CacheOutcome& outcome) {
   UseCache(mServices.shared, *mRemote, mChosen->File());
   mHeader->setText(Text(mChosen->Name() + ": " + ContentText(mImport->Results())));
   ShowState(Tone::Plain, outcome.text, Lines(mImport->Warnings()));
-  Finish();
-}
-
-void frmRestoreCache::Finish() {
   mResults->Fill(mImport->Results(), mImport->Content());
-  mResults->setVisible(mIsMade);
   ShowPage(Page::Finished);
 }
 

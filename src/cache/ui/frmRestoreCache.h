@@ -77,6 +77,7 @@ class frmRestoreCache final : public QDialog, public cache::CacheImportWindow {
   void ShowMark(cache::CacheStep step, const char* key);
   void ShowState(Tone tone, const std::string& state, const std::string& reason);
 
+  void BeginAnew();
   void Browse();
   void Next();
   void Back();
@@ -85,7 +86,6 @@ class frmRestoreCache final : public QDialog, public cache::CacheImportWindow {
   [[nodiscard]] bool IsWanted(const cache::CacheImportPlan& plan);
   void ShowFailure(const cache::CacheOutcome& outcome);
   void ShowSuccess(const cache::CacheOutcome& outcome);
-  void Finish();
   void OpenHelp();
 
   CacheServices mServices;
@@ -103,10 +103,13 @@ class frmRestoreCache final : public QDialog, public cache::CacheImportWindow {
   std::array<QCheckBox*, kRows> mBoxes{};  // none for the file
   QCheckBox* mReadsAll = nullptr;
   QStackedWidget* mPages = nullptr;
+  QWidget* mChoosing = nullptr;
+  QWidget* mCreating = nullptr;
   QProgressBar* mBar = nullptr;
   QLabel* mProgress = nullptr;
   QLabel* mAmount = nullptr;
-  ResultTable* mResults = nullptr;
+  ResultTable* mResults = nullptr;  // of the last page: what came in,
+  QLabel* mKept = nullptr;          // or, when it failed, what is left and what can be done
   QLabel* mState = nullptr;
   QLabel* mReason = nullptr;
   HelpLink* mHelpLink = nullptr;

@@ -46,9 +46,9 @@ frmRestoreCache::frmRestoreCache(CacheServices services, QWidget* parent) : QDia
   mHeader = BoldLabel("lblHeader", "Step of the import", this);
   page->addWidget(mHeader);
   BuildSteps(*page);
+  BuildEnd(*page);
   BuildPages();
   page->addWidget(mPages, 1);
-  BuildEnd(*page);
   BuildButtons(*page);
   ShowPage(Page::Choose);
   mBrowse->setFocus();
@@ -89,10 +89,14 @@ void frmRestoreCache::BuildSteps(QBoxLayout& page) {
 void frmRestoreCache::BuildPages() {
   mPages = new QStackedWidget(this);
   mPages->setObjectName("stkPages");
+  mChoosing = BuildChoosePage();
+  mCreating = BuildCreatePage();
   mResults = new ResultTable(mPages);
-  mPages->addWidget(BuildChoosePage());
-  mPages->addWidget(BuildCreatePage());
-  mPages->addWidget(mResults);
+  mKept = MakeTextLabel("lblKept", "What is kept, and what to do", mPages);
+  mKept->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+  for (QWidget* each : {mChoosing, mCreating, static_cast<QWidget*>(mResults), static_cast<QWidget*>(mKept)}) {
+    mPages->addWidget(each);
+  }
 }
 
 QWidget* frmRestoreCache::BuildChoosePage() {
@@ -133,6 +137,8 @@ void frmRestoreCache::BuildEnd(QBoxLayout& page) {
   mState = BoldLabel("lblState", "How the import went", this);
   mReason = MakeTextLabel("lblReason", "What happened, why, and what to do", this);
   mHelpLink = new HelpLink(this);
+  mState->hide();
+  mReason->hide();
   page.addWidget(mState);
   page.addWidget(mReason);
   page.addWidget(mHelpLink);

@@ -121,6 +121,7 @@ std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::Acce
   dialog.setObjectName("FileDialog");
   dialog.setAcceptMode(mode);
   dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+  dialog.setOption(QFileDialog::DontConfirmOverwrite, !asked.asksToReplace);
   dialog.setNameFilters(NameFilters(asked.filter));
   if (mode == QFileDialog::AcceptSave) dialog.setDefaultSuffix(DefaultSuffix(asked.filter));
   dialog.resize(dialog.sizeHint().boundedTo(RoomFor(dialog)));
