@@ -29,7 +29,7 @@ std::string PanelOperatorText(const panel::PanelState& state) {
   std::string text;
   if (state.isSystemMode) text = "The display is in SYSTEM mode and cannot be operated.";
   const auto add = [&text](const std::string& sentence) { text += (text.empty() ? "" : " ") + sentence; };
-  if (state.isOperatedAtPanel) add("Somebody operates at the panel itself, and goes first.");
+  if (state.isOperatedAtPanel) add("Somebody operates at the panel itself.");
   if (!state.isOperatedByOther) return text;
   add((state.operatorName.empty() ? "Somebody else" : state.operatorName) + " operates the panel from afar.");
   return text;

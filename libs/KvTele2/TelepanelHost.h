@@ -169,6 +169,7 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] bool HasToFetch();
   [[nodiscard]] bool FetchPiece();
   void LosePanelLink(const LinkError& error);
+  void StayViewing(const std::string& why);
   [[nodiscard]] std::string WhyPanelDisabled(std::string_view id) const;
 
   // The cache that the panel is drawn with (TelepanelHostCaches.cpp).

@@ -43,12 +43,23 @@ bool TelepanelHost::OpenColourCache(const std::string& path) {
     StatusMessage(content.error().Text());
     return false;
   }
+  const bool hasController = IsOnline() && mState.controller && content->owner;
+  if (hasController && cache::IsOfOtherModel(*content, Utf8ToAnsi(mState.controller->model))) {
+    Warn(path + " is the cache of a " + AnsiToUtf8(content->owner->version.model) + ", and a " +
+         mState.controller->model + " is on line: nothing of it could be drawn. The cache that was in use stays." +
+         "\r\nWhat to do: import a cache from this controller, or go off line to open this one.");
+    return true;  // there is nothing more to tell
+  }
   const auto kept = cache::SaveCacheFile(PathFromUtf8(mSessionFolder) / kWorkingCopy, *content);
   if (!kept) {
     StatusMessage("The cache " + path + " was not opened. " + kept.error().Text());
     return false;
   }
-  StatusMessage("Opened " + path + ": " + ContentText(*content));
+  std::string said = "Opened " + path + ": " + ContentText(*content);
+  if (hasController && std::to_string(content->owner->serialNumber) != mState.controller->serialNumber) {
+    said += ". On line is serial number " + mState.controller->serialNumber + ": only what both have is drawn from it.";
+  }
+  StatusMessage(said);
   UseCache(*content, path);
   return true;
 }

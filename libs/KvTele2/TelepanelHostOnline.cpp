@@ -248,6 +248,17 @@ void TelepanelHost::TakeFailure(const LinkError& error) {
   StatusMessage(trouble);
 }
 
+// The host's own question finds out what has become of the controller, with the next beat.
+void TelepanelHost::LosePanelLink(const LinkError& error) {
+  const bool isOther = error.code == LinkErrorCode::OtherController;
+  const std::string trouble = (isOther ? OtherTaken(error) : error).Text();
+  mPanel->LoseLink(trouble);
+  mState.connection = ConnectionState::Lost;
+  mState.trouble = trouble;
+  mWatch.AskNow();
+  StatusMessage(trouble);
+}
+
 void TelepanelHost::BeginWait(HostView::Wait wait, const std::string& what) {
   EndWait();
   mStop.emplace(mServices.pacer);

@@ -138,15 +138,6 @@ void TelepanelHost::PausePanel() {
   EndWait();
 }
 
-// The host's own question finds out what has become of the controller, with the next beat.
-void TelepanelHost::LosePanelLink(const LinkError& error) {
-  mPanel->LoseLink(error.Text());
-  mState.connection = ConnectionState::Lost;
-  mState.trouble = error.Text();
-  mWatch.AskNow();
-  StatusMessage(error.Text());
-}
-
 void TelepanelHost::TellPanel() {
   if (!mPanel) return;
   const panel::PanelState state = mPanel->State();
@@ -196,20 +187,26 @@ void TelepanelHost::OperatePanel() {
                                                       .buttons = PromptButtons::YesNo,
                                                       .canLose = true});
   if (answer != PromptAnswer::Yes) return;
-  if (!isAsAsked()) return StatusMessage("The panel is only viewed: the link was lost while the question was open.");
+  if (!isAsAsked()) return StayViewing("The panel is only viewed: the link was lost while the question was open.");
   if (!OpenAccess()) return;
   // Who operates now: the questions may have stood open for long.
   mPanel->AskNow();
   if (isAsAsked()) MakePanelStep(std::nullopt);
-  if (!isAsAsked()) return StatusMessage("The panel is only viewed: the link was lost while it was asked for access.");
+  if (!isAsAsked()) return StayViewing("The panel is only viewed: the link was lost while it was asked for access.");
   const panel::PanelState now = mPanel->State();
   if (now.isOperatedByOther && (!asked.isOperatedByOther || now.operatorName != asked.operatorName)) {
-    return StatusMessage("The panel is only viewed: " + NameOf(now) + " operates it since the question was asked.");
+    return StayViewing("The panel is only viewed: " + NameOf(now) + " operates it since the question was asked.");
   }
   std::string user = mState.user.empty() ? UserName() : mState.user;
   if (user.empty()) user = "Telepanel";
   mPanel->AskToOperate(user, asked.isOperatedByOther);
   TellPanel();
+}
+
+// Told where the screen is, too: whoever has said yes looks there.
+void TelepanelHost::StayViewing(const std::string& why) {
+  mState.panelNote = why;
+  StatusMessage(why);
 }
 
 // Before the lease: a question for a password may stand open for longer than one lives.
@@ -218,6 +215,7 @@ bool TelepanelHost::OpenAccess() {
   const ScopeGuard asked([this] { mIsAsking = false; });
   const std::shared_ptr<Channel> channel = mChannel;
   BeginWait(HostView::Wait::Asked, "Asking for access: " + mState.link);
+  channel->BeginOperation();  // who did not give the password the last time may want to now
   const bool isOpen = channel->EnsureAccess(mUnit);
   EndWait();
   if (isOpen) return true;
@@ -225,7 +223,7 @@ bool TelepanelHost::OpenAccess() {
   if (MayMeanLostLink(error.code)) {
     LosePanelLink(error);
   } else {
-    StatusMessage("The panel is only viewed. " + error.Text());
+    StayViewing("The panel is only viewed. " + error.Text());
   }
   return false;
 }

@@ -8,8 +8,8 @@ using panel::PanelMode;
 using testing::AllOf;
 using testing::HasSubstr;
 
-// A panel that notes what it is asked: "d" its description, "c" changes, "a" access, and the numbers of actions but
-// Leave.
+// A panel that notes what it is asked: "d" its description, "c" changes, "b" the begin of something new, "a" access,
+// and the numbers of actions but Leave.
 struct FakePanelLink final : PanelLink {
   std::optional<PanelDescription> Describe(std::uint8_t) override {
     asked += 'd';
@@ -54,6 +54,7 @@ struct FakePanelLink final : PanelLink {
 
 struct PanelChannel final : test::FakeChannel {
   PanelLink* Panel() override { return &panel; }
+  void BeginOperation() override { panel.asked += 'b'; }
   bool EnsureAccess(std::uint8_t) override {
     panel.asked += 'a';
     onAccess();
@@ -93,11 +94,11 @@ TEST_F(HostPanelTest, ConsentToOperateHoldsForThatConnectionAndPersonOnly) {
     std::function<void()> meanwhile;  // while the password is asked for
     std::string sent;
   } cases[] = {
-      {"consent", "", [] {}, "a1"},
-      {"another connection", "", [this] { ++with->panel.connection; }, "a"},
-      {"taken over from Anna", "Anna", [] {}, "a1"},
-      {"Bert has come since", "Anna", [this] { with->panel.other = "Bert"; }, "a"},
-      {"somebody has come since", "", [this] { with->panel.other = "Bert"; }, "a"},
+      {"consent", "", [] {}, "ba1"},
+      {"another connection", "", [this] { ++with->panel.connection; }, "ba"},
+      {"taken over from Anna", "Anna", [] {}, "ba1"},
+      {"Bert has come since", "Anna", [this] { with->panel.other = "Bert"; }, "ba"},
+      {"somebody has come since", "", [this] { with->panel.other = "Bert"; }, "ba"},
   };
   for (const auto& each : cases) {
     with->panel.other = each.other;
@@ -111,7 +112,7 @@ TEST_F(HostPanelTest, ConsentToOperateHoldsForThatConnectionAndPersonOnly) {
     EXPECT_THAT(prompts.Boxes().back().text, AllOf(HasSubstr("K220-22-R1"), HasSubstr("serial number 2748"),
                                                    HasSubstr("COM3"), HasSubstr(each.other)));
     EXPECT_EQ(TakeAsked(), each.sent) << each.what;
-    EXPECT_EQ(Mode() == PanelMode::Operate, each.sent == "a1") << each.what;
+    EXPECT_EQ(Mode() == PanelMode::Operate, each.sent == "ba1") << each.what;
     EXPECT_TRUE(Mode() != PanelMode::Operate || with->panel.takesOver == !each.other.empty()) << each.what;
     host.Click(command::kViewOnly);
     EXPECT_EQ(Mode(), PanelMode::View);
@@ -149,6 +150,24 @@ TEST_F(HostPanelTest, ToolsHaveTheLinkAloneAndALossEndsOperating) {
   Step();
   EXPECT_EQ(PanelOldText(host.Panel()->State()), "");
   EXPECT_EQ(Mode(), PanelMode::View);
+}
+
+TEST_F(HostPanelTest, ACacheOfAnotherModelIsRefusedAndTheOneInUseStays) {
+  const auto put = [this](const char* name, const char* model, std::uint32_t serial) {
+    const auto file = folder.Path() / name;
+    cache::CacheContent content{.owner = cache::CacheOwner{.version = {.model = model}, .serialNumber = serial}};
+    content.fonts.emplace();
+    EXPECT_TRUE(cache::SaveCacheFile(file, content));
+    return Utf8FromPath(file);
+  };
+  EXPECT_TRUE(host.OpenColourCache(put("own.ktc", "K220-22-R1", 2748)));
+  const std::string working = TemporaryFolder::Content(folder.Path() / "APP_TEMP.ktc");
+  prompts.Press(PromptAnswer::Ok);
+  EXPECT_TRUE(host.OpenColourCache(put("other.ktc", "K450-45", 2748)));
+  EXPECT_THAT(prompts.Boxes().back().text, AllOf(HasSubstr("K450-45"), HasSubstr("K220-22-R1"), HasSubstr("stays")));
+  EXPECT_TRUE(TemporaryFolder::Content(folder.Path() / "APP_TEMP.ktc") == working);
+  EXPECT_TRUE(host.OpenColourCache(put("sister.ktc", "K220-22-R1", 99)));
+  EXPECT_THAT(host.State().message, HasSubstr("On line is serial number 2748"));
 }
 
 }  // namespace

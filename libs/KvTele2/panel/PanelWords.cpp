@@ -46,7 +46,7 @@ std::string_view VerdictText(PanelVerdict verdict, PanelAction action) {
                        : "The controller has pressed nothing: this program does not operate the panel any more.";
     case PanelVerdict::OperatedAtPanel:
       return isOperate ? "Somebody operates at the panel itself, and goes first."
-                       : "The controller has pressed nothing: somebody operates at the panel itself, and goes first.";
+                       : "The controller has pressed nothing: who stands at the panel itself goes first.";
     case PanelVerdict::NothingHeld:
       return "The controller has let go already.";
     case PanelVerdict::NotNow:
