@@ -22,7 +22,7 @@ std::unexpected<FileError> Failed(const fs::path& file, std::string what) {
 std::unexpected<FileError> CannotSave(const fs::path& file, const std::error_code& error) {
   const char* const cure = MayBeHeldByAnother(error)
                                ? "); close it in other programs, and check that its folder may be written to"
-                               : "); check that its folder exists and may be written to";
+                               : "); check that its folder exists, may be written to and has room";
   return Failed(file, "it cannot be saved (" + SystemMessage(error) + cure);
 }
 
