@@ -260,7 +260,7 @@ void VerbRegions::SayLeftOut(Environment& environment, const CommonOptions& comm
   if (!values.leftOut.empty()) environment.err << values.leftOut << "\n";
   if (values.missing == 0) return;
   environment.err << Counted(values.missing, "operand") << " without a value in " << mValuesFile
-                  << " stay as they are.\n";
+                  << (values.missing == 1 ? " stays as it is.\n" : " stay as they are.\n");
 }
 
 }  // namespace

@@ -7,7 +7,6 @@ namespace kv::test {
 namespace {
 
 using ::testing::AllOf;
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -38,52 +37,11 @@ struct CloneVerbs : ::testing::Test {
   }
 };
 
-TEST_F(CloneVerbs, CreateInfoVerifyRestore) {
-  const Result created = Create("--segments OP,AP --comment 'before the pump'");
-  EXPECT_EQ(created.exit, 0) << created.err;
-  EXPECT_EQ(created.out, "");
-  EXPECT_THAT(created.err, HasSubstr("about to STOP, Continue? [y/N] yes (--stop)\n"));
-  EXPECT_THAT(created.err, HasSubstr("Korvantis PLC Cloner: Clone File Created Successfully.\n"));
-  EXPECT_THAT(created.err, HasSubstr("which clone files never take"));
-  const Result info = fixture.Run("clone info @plc.kdf");
-  EXPECT_EQ(info.exit, 0);
-  EXPECT_THAT(info.out, HasSubstr("model          AurexQ50"));
-  EXPECT_THAT(info.out, HasSubstr("segment        HW  00200000  210 bytes, "));
-  EXPECT_THAT(info.out, AllOf(HasSubstr("  OP  "), Not(HasSubstr("  DT  "))));
-  EXPECT_THAT(info.out, HasSubstr("damage         none\nmanifest       By its manifest the file is, byte for byte"));
-  EXPECT_THAT(info.out, HasSubstr("\ncomment        before the pump\n"));
-  EXPECT_THAT(Clone("info", "--json").out, HasSubstr("\"fit\": \"fits\""));
-
-  const Result same = Clone("verify");
-  EXPECT_EQ(same.exit, 0) << same.err;
-  EXPECT_THAT(same.out, HasSubstr("AP  00300000  20026 bytes: same\n"));
-  EXPECT_THAT(same.out, EndsWith("Program and settings (HW, FT, MM, AP): same.\nValues of operands (OP): same.\n"));
-  const Result one = Clone("verify", "--segments AP");
-  EXPECT_EQ(one.exit, 0);
-  EXPECT_THAT(one.out, EndsWith("Program and settings (AP): same.\n"));
-  const Result restored = Clone("restore", "--yes --verify");
-  EXPECT_EQ(restored.exit, 0) << restored.err;
-  EXPECT_EQ(restored.out, same.out);
-  EXPECT_THAT(restored.err, HasSubstr("Clone Restore Successfully."));
-  EXPECT_THAT(Clone("restore", "--yes").err,
-              HasSubstr("is not read back by itself. Compare with: kvtele clone verify "));
-}
-
-TEST_F(CloneVerbs, DifferencesAreTheAnswerWithACodeOfTheirOwn) {
+TEST_F(CloneVerbs, ARestoreThatDidNotHoldIsFoundByVerify) {
   ASSERT_EQ(Create().exit, 0);
-  std::filesystem::copy_file(file, fixture.PathOf("second.kdf"));
-  EXPECT_EQ(fixture.Run("clone diff @plc.kdf @second.kdf").exit, 0);
-  EXPECT_EQ(Clone("diff").exit, 0);
-
-  ASSERT_EQ(Create("--replace --segments HW").exit, 0);
-  const Result fewer = fixture.Run("clone diff @second.kdf @plc.kdf");
-  EXPECT_EQ(fewer.exit, 5);
-  EXPECT_THAT(fewer.out, HasSubstr("OP  00100000  1554 bytes: only in the first file\n"));
-
   CommandFixture liar;
   liar.options.faults = {"lie:on=WD,nth=2"};
   liar.options.seed = 2;
-  file = fixture.PathOf("second.kdf");
   const Result told = On(liar, "clone restore @plc.kdf --yes --verify");
   EXPECT_EQ(told.exit, 5);
   EXPECT_THAT(told.out, HasSubstr("bytes differ\n    00100"));
@@ -139,51 +97,6 @@ TEST_F(CloneVerbs, LeaveTheFileAsItWasWhenTheyFail) {
     row.line = line.c_str();
     troubled.ExpectFailure(row);
     EXPECT_EQ(TemporaryFolder::Content(troubled.PathOf("plc.kdf")), before);
-  }
-}
-
-TEST_F(CloneVerbs, CtrlCEndsACreateAndTheTerminalShowsHowLongItTakes) {
-  fixture.options.baud = 9600;
-  fixture.errIsTerminal = true;
-  fixture.pacer.After(std::chrono::seconds(20), [&] { fixture.pacer.RequestStop(); });
-  const Result result = Create();
-  EXPECT_EQ(result.exit, 130);
-  EXPECT_FALSE(std::filesystem::exists(file));
-  EXPECT_THAT(result.err, HasSubstr("DT (2 of 7): 1 of 3 KiB; in all 3 of 37 KiB, about "));
-  EXPECT_THAT(result.err, HasSubstr("Operation Failed."));
-
-  fixture.pacer.ClearStop();
-  fixture.input.lines.emplace();
-  fixture.input.onRead = [&] { fixture.pacer.RequestStop(); };
-  EXPECT_EQ(Clone("create", "--stop").exit, 130) << "at the password";
-}
-
-TEST_F(CloneVerbs, EachConsentCoversOneThing) {
-  ASSERT_EQ(Create().exit, 0);
-  EXPECT_EQ(Clone("create", "--password 1 --replace --no-stop").exit, 0);
-  EXPECT_THAT(Clone("info").out, HasSubstr("while the program ran"));
-
-  fixture.ExpectFailure({"--link sim:AurexQ50 stop", 1, "notConfirmed", "is about to be stopped. Continue?"});
-  const Result stopped = fixture.On(kModel, "stop --yes --json");
-  EXPECT_THAT(stopped.err, HasSubstr(" is stopped.\n"));
-  EXPECT_THAT(stopped.out, HasSubstr("\"state\": \"S\""));
-  const Result again = fixture.On(kModel, "stop");
-  EXPECT_EQ(again.exit, 0);
-  EXPECT_THAT(again.err, HasSubstr("is stopped already"));
-  const Result starts = Create("--replace");  // a create ends with starting the program
-  EXPECT_EQ(starts.exit, 1);
-  EXPECT_THAT(starts.err, HasSubstr("does not run. Creating a clone ends with starting its program. Continue?"));
-  EXPECT_EQ(Create("--replace --yes").exit, 0);
-  EXPECT_THAT(fixture.On(kModel, "run").err, HasSubstr("runs already"));
-
-  for (const bool isRunOffered : {false, true}) {
-    CommandFixture troubled;
-    troubled.options.faults = {"refuse:on=block,code=0B,nth=5"};
-    const Result failed = On(
-        troubled, std::string("clone create @plc.kdf --password 1 --replace --stop") + (isRunOffered ? " --yes" : ""));
-    EXPECT_EQ(failed.exit, 4) << failed.err;
-    EXPECT_THAT(failed.err, HasSubstr(isRunOffered ? "has been started again" : "was not started again"));
-    EXPECT_EQ(troubled.On(kModel, "run --yes").err.contains("runs already"), isRunOffered);
   }
 }
 

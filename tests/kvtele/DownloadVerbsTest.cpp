@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "KvCmDrv1/ports/SimulatedPort.h"
-#include "download/DownloadOutcome.h"
 #include "tests/download/Samples.h"
 #include "tests/kvtele/CommandFixture.h"
 
@@ -15,92 +14,8 @@ using ::testing::Not;
 struct DownloadVerbs : ::testing::Test {
   CommandFixture fixture;
 
-  DownloadVerbs() {
-    fixture.home.Put("hall.dai", SampleProject("K220-22-R1"));
-    fixture.home.Put("hall.d50", SampleProject("Q50", 200));
-    fixture.home.Put("cut.dai", SampleProject("K220-22-R1").substr(0, 2000));
-    fixture.home.Put("q50.dai", SampleProject("AurexQ50"));
-    fixture.home.Put("no.dai", std::string(200, 'x'));
-    const auto aurex = fixture.home.Path() / "Os Aurex";
-    PutFile(aurex / "K220/AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
-    PutFile(aurex / "K220/AurexK220v37310.kos", SampleOs("K220-22-R1", {"3.73", 10}));
-    PutFile(aurex / "K220/AurexFontv1300.kft", SampleFonts("K220-22-R1", {"1.30", 0}));
-    PutFile(aurex / "K330/AurexK330v47503.kos", SampleOs("K330", {"4.75", 3}));
-    PutFile(aurex / "K222/AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
-    PutFile(fixture.home.Path() / "OS/OS51/Q51v4712.OSI", SampleOs("Q51", {"4.71", 2}));
-    fixture.home.Put("AurexFontv1300.kft", SampleFonts("K220-22-R1", {"1.30", 0}));
-    fixture.home.Put("AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
-    PutFile(fixture.home.Path() / "cut/AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}).substr(0, 300));
-  }
+  DownloadVerbs() { PutDownloadFiles(fixture.home.Path()); }
 };
-
-TEST_F(DownloadVerbs, InfoTellsWhatEachKindOfFileIs) {
-  fixture.home.Put("AurexK222v46019.kos", SampleOs("K220-32", {"4.60", 19}));
-  fixture.home.Put("AurexFontv1312.kft", SampleFonts("K330", {"1.31", 2}));
-  fixture.home.Put("Q51v4712.OSI", SampleOs("Q51", {"4.71", 2}));
-  const std::pair<const char*, const char*> rows[] = {
-      {"@hall.dai",
-       "kind              project, Aurex family\nmodel             K220-22-R1\nproject           Hall 7\n"
-       "neededOsVersion   460\nneededOsBuild     19\ntopics            3\nbytes             5020\n"},
-      {"@hall.d50",
-       "kind              project, compact family\nmodel             Q50-2-R34\nproject           Hall 7\n"
-       "commands          9\nendsWithReset     true\n"},
-      {"@AurexK222v46019.kos",
-       "kind              O/S, Aurex family\nmodel             K222\nversion           4.60\nbuild             19\n"
-       "remark            beta\nbytes             200\n"
-       "topic             1  00080000  120 bytes, compressed on its way\n"
-       "topic             2  00080078  60 bytes, compressed on its way\n"
-       "topic             3  000800B4  20 bytes\n"},
-      {"@AurexFontv1312.kft",
-       "kind              system fonts, Aurex family\nmodel             K330\nversion           1.31\n"
-       "build             2\nbytes             200\n"},
-      {"@Q51v4712.OSI",
-       "kind              O/S, compact family\nmodel             Q51\nversion           4.71\nbuild             2\n"
-       "remark            beta\nbytes             256\n"},
-  };
-  for (const auto& [file, told] : rows) {
-    const Result result = fixture.Run(std::string("download info ") + file);
-    EXPECT_EQ(result.exit, 0) << result.err;
-    EXPECT_THAT(result.out, ::testing::EndsWith(told));
-    EXPECT_THAT(fixture.Run(std::string("--json download info ") + file).out, HasSubstr("\"model\": "));
-  }
-}
-
-TEST_F(DownloadVerbs, WhatGoesInIsAskedAboutAndReportedAfterwards) {
-  struct Row {
-    const char* model;
-    const char* what;
-    const char* asked;
-    const char* begins;  // the first command, which a dry run does not send
-    const char* after;
-  };
-  const Row rows[] = {
-      {"K220-22-R1", "project @hall.dai", "Download it? [y/N] yes (--dry-run)", "/01CCS", "\"project\": \"Hall 7\""},
-      {"Q50", "project @hall.d50", "Download it? [y/N] yes (--dry-run)", "/01CCS", "\"project\": \"Hall 7\""},
-      {"K220-22-R1", "os", "Continue ? [y/N] yes (--dry-run)", "/01CCB", "4.75 (B03)"},
-      {"Q51", "os", "Continue ? [y/N] yes (--dry-run)", "/01CCB", "4.71 (B02)"},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(std::string(row.model) + " " + row.what);
-    const std::string download = std::string("download ") + row.what;
-    const Result dry = fixture.On(row.model, download + " --dry-run");
-    EXPECT_EQ(dry.exit, 0);
-    EXPECT_THAT(dry.out, ::testing::StartsWith("The download would go on now."));
-    EXPECT_THAT(dry.err, AllOf(HasSubstr("To send: "), HasSubstr(row.asked)));
-    EXPECT_THAT(dry.trace, Not(HasSubstr(row.begins)));
-    const Result done = fixture.On(row.model, "--yes --json " + download);
-    EXPECT_EQ(done.exit, 0) << done.err;
-    EXPECT_THAT(done.out, AllOf(HasSubstr("\"after\": {"), HasSubstr(row.after), HasSubstr("\"file\": ")));
-  }
-  fixture.ReplaceController("K220-22-R1");
-  EXPECT_THAT(fixture.On("K220-22-R1", "--yes download project @hall.dai").out,
-              HasSubstr("Project       (none)                      Hall 7\n"));
-  EXPECT_THAT(fixture.On("K220-22-R1", "identify").out, HasSubstr("Hall 7"));
-  EXPECT_THAT(fixture.On("Q51", "download os --list").out, HasSubstr("  * O"));
-  // The family whose last box does not tell what is in the controller now is told it here.
-  EXPECT_THAT(fixture.On("K220-22-R1", "--yes download os").out, HasSubstr(LeftBehindText(ControllerLeft::NewOs)));
-  EXPECT_THAT(fixture.On("Q51", "--yes --json download os").out, Not(HasSubstr(LeftBehindText(ControllerLeft::NewOs))));
-}
 
 // Whether commands or block messages went out that change something, in either family.
 bool HasChanges(const std::string& trace) {
@@ -148,29 +63,6 @@ TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
   }
 }
 
-// Each consent is given for itself; what is saved before is written back.
-TEST_F(DownloadVerbs, AnOsThatLaysOutTheMemoryAnewWantsTwoConsentsMore) {
-  fixture.options.osVersion = "3.73";
-  const std::string download = "--yes --password 1 download os";
-  EXPECT_THAT(fixture.On("K220-22-R1", download + " --dry-run").err,
-              AllOf(HasSubstr("The next questions are about the clone."),
-                    HasSubstr("about to STOP, Continue? [y/N] yes (--dry-run)")));
-  EXPECT_EQ(fixture.On("K220-22-R1", "--yes download os --dry-run").exit, 4) << "the clone wants a password";
-  EXPECT_THAT(fixture.On("K220-22-R1", download).err, HasSubstr("--lose-project consents"));
-  EXPECT_THAT(fixture.On("K220-22-R1", download + " --lose-project").err, HasSubstr("--lose-values consents"));
-  const Result done = fixture.On("K220-22-R1", download + " --lose-project --lose-values");
-  EXPECT_EQ(done.exit, 0) << done.err;
-  EXPECT_THAT(done.err, HasSubstr("Clone Restore Successfully."));
-
-  fixture.options.osVersion = "4.90";  // newer than all that there is
-  EXPECT_THAT(fixture.On("Q51", "--yes download os").err, HasSubstr("--older-os consents"));
-  EXPECT_EQ(fixture.On("Q51", "--yes download os --older-os").exit, 0);
-  fixture.home.Put("Sessions/Default/KvTeleExe.ini", "[KvTeleExe]\r\nLastModel=K330\r\n");
-  fixture.home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nModel=Q51\r\n");
-  EXPECT_THAT(fixture.Run("download os --dry-run").err,
-              HasSubstr("is of the model Q51, but the selected model is K330"));
-}
-
 TEST_F(DownloadVerbs, ABootLoaderIsFoundAtItsSpeed) {
   sim::SimulatorOptions options;
   options.model = "Q51";
@@ -188,47 +80,14 @@ TEST_F(DownloadVerbs, ABootLoaderIsFoundAtItsSpeed) {
   EXPECT_THAT(refused.err, AllOf(HasSubstr("found at 57600 baud"), HasSubstr("if there is still one in it")));
 }
 
-TEST_F(DownloadVerbs, ABackupIsTakenFirst) {
-  const std::string download = "--yes --password 1 download project @q50.dai --backup @before.kdf ";
-  EXPECT_EQ(fixture.On("AurexQ50", download).exit, 2) << "nobody can be asked whether the program may be stopped";
-  EXPECT_EQ(fixture.On("AurexQ50", download + "--dry-run").exit, 0) << "which only shows the question";
-  const Result done = fixture.On("AurexQ50", download + "--stop");
-  EXPECT_EQ(done.exit, 0) << done.err;
-  EXPECT_EQ(fixture.Run("clone info @before.kdf").exit, 0);
-  EXPECT_EQ(fixture.On("AurexQ50", download + "--stop").exit, 1) << "it would be replaced";
-}
-
 TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
   const FailingCommand rows[] = {
-      {"--link sim:Q50 download project @hall.txt", 2, "usage", "is no project"},
-      {"--link sim:Q50 download info @hall.d50 --dry-run", 2, "usage", "--dry-run"},
-      {"download info @missing.dai", 6, "badFile", "missing.dai"},
-      {"--link sim:K220-22-R1 download project @cut.dai", 6, "badFile", "the file was cut"},
-      {"--link sim:K220-22-R1 download project @no.dai", 6, "badFile", "It is not a legal Cadenza file."},
-      {"--link sim:Q50 download project @hall.dai --dry-run", 4, "notFit", "Nothing was changed in the controller."},
-      {"--link sim:K330 download project @hall.d50 --yes", 4, "notFit", "does not know its commands"},
-      {"--link sim:Q51 download project @hall.d50 --yes", 1, "notConfirmed", "nobody to ask; --other-model consents"},
-      {"--link sim:Q50 download project @hall.d50 --yes --password 1 --backup @b.kdf --stop", 4, "backup", "cannot be"},
       {"--link sim:Q50 download project @hall.d50 --yes", 5, "differs", "at address 000040 of the project memory",
        "lie:on=LD,nth=2"},
       {"--link sim:K220-22-R1 download project @hall.dai --yes", 7, "unsure", "what it held before is still there",
        "lost:on=block,nth=3,away=60000"},
       {"--link sim:Q50 download project @hall.d50 --yes", 4, "refused", "old project is erased",
        "refuse:on=LD,code=0D"},
-      {"download os --fonts @hall.dai", 2, "usage", "--fonts belong to a --file"},
-      {"download os --list --dry-run", 2, "usage", "--list only shows"},
-      {"download project @hall.dai --lose-values", 2, "usage", "mean nothing with project"},
-      {"--link sim:K670-T40 download os", 4, "notFit", "There is a mismatch between PLC Type"},
-      {"--link sim:K330 download os", 6, "badFile", "--fonts FILE.kft"},
-      {"--link sim:K330 download os --file @q50.OSI", 4, "notFit", "name a .kos file"},
-      {"--link sim:K220-32 download os --file @q50.dai", 6, "badFile", "There is no file of system fonts"},
-      {"--link sim:K220-32 download os", 4, "notFit", "No O/S file was chosen, and none fits"},
-      {"--link sim:K220-22-R1 download os --dry-run --file @cut/AurexK220v47503.kos", 6, "badFile", "was cut"},
-      {"--link sim:K220-22-R1 download os --dry-run --file @gone.kos", 6, "badFile", "gone.kos"},
-      {"--link sim:K220-22-R1 download os --file @AurexFontv1300.kft", 4, "notFit", "does not match OS Type"},
-      {"--link sim:K220-22-R1 download os --yes --file @AurexK220v47503.kos --fonts @AurexK220v47503.kos", 6, "badFile",
-       "AurexK220v47503.kos"},
-      {"--link sim:K220-22-R1 download os --file @q50.dai", 4, "notFit", "does not match OS Type"},
       {"--link sim:K220-22-R1 download os --yes", 4, "refused", "wants --lose-project and --lose-values",
        "refuse:on=block,nth=4,code=0F"},
       {"--link sim:K220-22-R1 download os --yes", 7, "linkLost", "still be programming the new O/S",
@@ -241,7 +100,6 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
   for (const FailingCommand& row : rows) {
     fixture.ReplaceController("Q50");
     fixture.ReplaceController("K220-22-R1");
-    fixture.ReplaceController("K330");
     fixture.options.faults.clear();
     fixture.ExpectFailure(row);
   }
@@ -271,12 +129,6 @@ TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
       fixture.pacer.OnTurn(nullptr);
     }
   }
-  CommandFixture locked;
-  locked.options.password = "1";
-  locked.home.Put("hall.dai", SampleProject("K220-22-R1"));
-  const Result refused = locked.ExpectFailure(
-      {"--link sim:K220-22-R1 download project @hall.dai --dry-run", 4, "passwordNeeded", "password"});
-  EXPECT_THAT(refused.trace, Not(HasSubstr("/01CCS")));
 }
 
 }  // namespace

@@ -14,20 +14,7 @@ namespace kv::test {
 namespace {
 
 using ::testing::HasSubstr;
-
-TEST(Password, IsGivenOrAskedForWhereSomebodySits) {
-  CommandFixture fixture;
-  fixture.options.password = "12~4";
-  const char* const write = "--link sim:Q50 write MI 7 5";
-  fixture.ExpectFailure({write, 4, "passwordNeeded", "give the controller's password with --password"});
-  fixture.ExpectFailure({"--link sim:Q50 write MI 7 5 --password 0000", 4, "wrongPassword", "the password is wrong"});
-  EXPECT_EQ(fixture.On("Q50", "read MI 7").out, "7\t0\n");
-  EXPECT_EQ(fixture.On("Q50", "write MI 7 5 --password 12~4").exit, 0);
-
-  fixture.input.lines = std::deque<std::string>{"0000", "12~4"};
-  EXPECT_EQ(fixture.On("Q50", "write MI 7 6").exit, 0);
-  EXPECT_EQ(fixture.On("Q50", "read MI 7").out, "7\t6\n");
-}
+using ::testing::Not;
 
 TEST(Password, ComesFromTheEnvironmentOrAFileOfItsOwner) {
   CommandFixture fixture;
@@ -61,14 +48,19 @@ TEST(Password, ComesFromTheEnvironmentOrAFileOfItsOwner) {
   }
 }
 
-TEST(SerialNumber, OfTheControllerThatIsMeantIsTaken) {
+TEST(Watch, LeavesAloneAnotherControllerThatAnswersInstead) {
   CommandFixture fixture;
-  fixture.options.serialNumber = 4711;
-  EXPECT_EQ(fixture.On("Q50", "--serial-number 4711 read MI 0").exit, 0);
-  const Result other = fixture.ExpectFailure({"--link sim:Q50 --serial-number 4712 read MI 0", 4, "otherController",
-                                              "another controller answered: Q50-2-R34, serial number 4711"});
-  EXPECT_THAT(other.err, HasSubstr("or change the serial number that the link is set to"));
-  EXPECT_EQ(other.trace.find("/01RO"), std::string::npos) << "nothing is read";
+  fixture.home.Put("r.axt", "Version 100\r\nQ50\r\n2\tMI\t100\t101\t\r\n\r\n");
+  fixture.options.faults = {"lost:on=RO,nth=3,away=2000"};
+  fixture.pacer.After(std::chrono::milliseconds(2500), [&] {
+    fixture.options.serialNumber = 4711;
+    fixture.ReplaceController("Q50");
+  });
+  const Result result = fixture.On("Q50", "watch @r.axt --for 60 --every 1000");
+  EXPECT_EQ(result.exit, 7) << result.err;
+  EXPECT_THAT(result.err, HasSubstr("another controller answered: Q50-2-R34, serial number 4711 instead of Q50"));
+  EXPECT_THAT(result.err, HasSubstr("What to do: connect the right controller"));
+  EXPECT_THAT(result.err, Not(HasSubstr("The controller answers again")));
 }
 
 TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {

@@ -1,9 +1,6 @@
 // The demonstration plant and its pages, on every size of display.
 
-#include <set>
-
 #include "PanelClient.h"
-#include "base/Crc32.h"
 #include "simulator/ModelTable.h"
 #include "simulator/panel/Fonts.h"
 
@@ -48,15 +45,6 @@ void ExpectEverythingFits(const PanelClient& client, const Display& display) {
   }
 }
 
-// How many different dots a picture has: one with smooth images and texts has many.
-std::size_t DifferentDots(const Picture& picture) {
-  std::set<Dot> dots;
-  for (int y = 0; y < picture.Height(); y += 5) {
-    for (int x = 0; x < picture.Width(); x += 5) dots.insert(picture.At(x, y));
-  }
-  return dots.size();
-}
-
 TEST(PanelPages, EverythingFitsOnEveryColourDisplay) {
   for (const char* model : {"TQ45", "K530", "K670", "K800"}) {
     PanelClient client = Crowded(model);
@@ -67,7 +55,6 @@ TEST(PanelPages, EverythingFitsOnEveryColourDisplay) {
       client.Look();
       EXPECT_LE(client.bytes - before, 800U + 16);  // and the answer to the last look, which has nothing new
       ExpectEverythingFits(client, FindModel(model)->display);
-      EXPECT_GT(DifferentDots(client.fixture.It().PanelPicture()), 20U);
       if (tab != "Recipe") continue;
       const std::size_t onRecipe = client.bytes;
       EXPECT_EQ(client.Press("Batch"), 0);
@@ -75,24 +62,6 @@ TEST(PanelPages, EverythingFitsOnEveryColourDisplay) {
       EXPECT_LE(client.bytes - onRecipe, 800U + 16);
       ExpectEverythingFits(client, FindModel(model)->display);
       EXPECT_EQ(client.Press("Esc"), 0);
-    }
-  }
-}
-
-TEST(PanelPages, EveryTextPageIsReachedAndFilled) {
-  for (const char* model : {"Q50", "Q51", "K230", "K220-22-R1"}) {
-    PanelClient client = Crowded(model);
-    for (const std::string page : {"Recipe", "Manual", "Alarms", "Levels", "Info", "Overview"}) {
-      SCOPED_TRACE(std::string(model) + ", " + page);
-      EXPECT_EQ(client.Send(6, 19), 0) << "Right";
-      EXPECT_EQ(client.screen.slots[0].second.substr(4), page);
-      const Display display = FindModel(model)->display;
-      for (int row = 0; row < display.height; ++row) {
-        const std::string& body = client.screen.slots[16 + static_cast<std::uint32_t>(row)].second;
-        EXPECT_EQ(body.size(), static_cast<std::size_t>(display.width + display.width / 2));
-        const bool isLevel = page == "Levels" && row < 2;
-        EXPECT_TRUE(!isLevel || body.starts_with(row == 0 ? "Tank" : "Bowl")) << body;
-      }
     }
   }
 }
@@ -136,52 +105,6 @@ TEST(PanelPages, ThePlantDoesNotDependOnWhoLooks) {
     values[turn] = client.fixture.Read("0300C80028") + client.fixture.Read("0100C80014");
   }
   EXPECT_EQ(values[0], values[1]);
-}
-
-TEST(PanelPages, AValueIsTyped) {
-  for (const char* model : {"K670", "Q50"}) {
-    SCOPED_TRACE(model);
-    const bool isText = std::string(model) == "Q50";
-    PanelClient client(model);
-    EXPECT_EQ(client.Operate(), 0);
-    EXPECT_EQ(client.Press("Recipe"), 0);
-    EXPECT_EQ(client.Press(isText ? "Change" : "Volume"), 0);
-    for (const char* key : {"9", "9", "9", "9", "OK"}) EXPECT_EQ(client.Press(key), 0) << key;
-    EXPECT_EQ(client.Word(200), 500) << "out of range";
-    for (const char* key : {"7", "1", isText ? "Delete" : "Del", "5", "0", "OK"})
-      EXPECT_EQ(client.Press(key), 0) << key;
-    EXPECT_EQ(client.Word(200), 750);
-    EXPECT_TRUE(client.Shows("750 ml"));
-  }
-}
-
-TEST(PanelPages, FontsAndImagesAreWhatTheDirectorySays) {
-  Fixture fixture("TQ45");
-  const std::string description = fixture.Block(270).payload;
-  for (const std::uint16_t kind : {std::uint16_t{1}, std::uint16_t{2}}) {
-    const std::string directory = fixture.Block(258, 0, 0, kind).payload;
-    const std::uint32_t count = NumberAt(directory, 0, 2);
-    ASSERT_EQ(directory.size(), 2 + 42 * count);
-    EXPECT_EQ(fixture.Block(258, count - 1, 0, kind).payload,
-              directory.substr(0, 2) + directory.substr(directory.size() - 42));
-    EXPECT_EQ(fixture.Block(258, count, 0, kind).payload.size(), 2U);
-    EXPECT_EQ(NumberAt(description, kind == 1 ? 8 : 12, 4), kv::Crc32(std::string_view(directory).substr(2)));
-    for (std::uint32_t entry = 0; entry < count; ++entry) {
-      const std::size_t at = 2 + 42 * entry;
-      const std::uint32_t length = NumberAt(directory, at + 2, 4);
-      std::string data;
-      while (data.size() < length) {
-        const auto size = std::min<std::size_t>(4096, length - data.size());
-        data += fixture
-                    .Block(259, static_cast<std::uint32_t>(data.size()), static_cast<std::uint32_t>(size), kind,
-                           static_cast<std::uint16_t>(NumberAt(directory, at, 2)))
-                    .payload;
-      }
-      EXPECT_EQ(kv::Crc32(data), NumberAt(directory, at + 6, 4));
-      EXPECT_EQ(data.substr(0, 2), kind == 1 ? "KF" : "BM");
-      EXPECT_TRUE(kind == 1 || NumberAt(data, 2, 4) == length);
-    }
-  }
 }
 
 }  // namespace

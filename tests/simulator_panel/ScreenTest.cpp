@@ -1,59 +1,13 @@
-// What a host has after any changes in any pieces is what the screen holds.
+// The records of a screen, and what makes another thing of them.
 
 #include "simulator/panel/Screen.h"
 
 #include <gtest/gtest.h>
 
-#include "ReplayedScreen.h"
-#include "simulator/FaultRandom.h"
 #include "tests/driver/GoldenFrames.h"
 
 namespace sim::test {
 namespace {
-
-struct Host {
-  std::uint16_t epoch = 0;
-  std::uint32_t number = 0;
-  ReplayedScreen screen;
-
-  // Asks once, with so much room; whether there is more.
-  bool Ask(const Screen& of, std::size_t room) {
-    const auto changes = of.Since(epoch, number, room);
-    EXPECT_LE(changes.records.size(), room);
-    EXPECT_TRUE(changes.hasMore || changes.number == of.Number());
-    screen.Take(changes.records, changes.beginsAnew);
-    epoch = of.Epoch();
-    number = changes.number;
-    return changes.hasMore;
-  }
-  void ExpectSame(const Screen& other) {
-    for (std::uint32_t slot = 0; slot < Screen::kSlots; ++slot) {
-      const auto held = screen.slots.find(slot);
-      const auto& there = other.At(slot);
-      const auto kind = held == screen.slots.end() ? 0 : held->second.first;
-      ASSERT_EQ(kind, static_cast<std::uint32_t>(there.kind)) << slot;
-      ASSERT_TRUE(kind == 0 || held->second.second == there.body) << slot;
-    }
-  }
-};
-
-TEST(Screen, AHostHasWhatItHoldsAfterAnyChangesInAnyPieces) {
-  FaultRandom random(7);
-  Screen screen(1);
-  Host host;
-  for (int round = 0; round < 20'000; ++round) {
-    const auto slot = random.Below(4) == 0 ? 1 + random.Below(3) : 16 + random.Below(60);
-    const auto page = static_cast<std::uint16_t>(random.Below(9));
-    if (random.Below(3000) == 0) screen = Screen(static_cast<std::uint16_t>(2 + round));
-    if (random.Below(80) == 0) screen.ShowPage(page, page, std::string(random.Below(41), 'p'));
-    if (random.Below(9) == 0) screen.Empty(slot);
-    screen.Put(slot, RecordKind::Text, std::string(random.Below(74), random.Byte()));
-    if (random.Below(3) == 0) (void)host.Ask(screen, 84 + random.Below(600));
-    if (random.Below(50) != 0) continue;
-    while (host.Ask(screen, 84)) continue;
-    ASSERT_NO_FATAL_FAILURE(host.ExpectSame(screen)) << round;
-  }
-}
 
 // The bytes of each kind of record, as they were worked out from the page.
 TEST(Screen, RecordsAreTheGoldenOnes) {

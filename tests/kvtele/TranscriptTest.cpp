@@ -1,0 +1,228 @@
+// What kvtele prints and returns, to the letter: each file in tests/kvtele/transcripts is a session at a terminal. Who
+// has changed a text renews the files with KV_RENEW_TRANSCRIPTS=1 in the environment, and reads their difference.
+//
+// "## ..." begins a session with new controllers, "% WORD TEXT" prepares something, "$ ..." is a command line. What
+// follows is what came of it: "! ..." stood on standard error, "= N" is the exit code where it is not 0. The words of
+// the parser's library are left out, which change with its version.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <regex>
+#include <sstream>
+
+#include "KvTele2/PagesFile.h"
+#include "base/PathText.h"
+#include "base/ProgramVersion.h"
+#include "tests/download/Samples.h"
+#include "tests/kvtele/CommandFixture.h"
+#include "tests/support/ProgramProcess.h"
+
+namespace kv::test {
+namespace {
+
+std::string Replaced(std::string text, const std::string& what, const std::string& with) {
+  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())
+    text.replace(at, what.size(), with);
+  return text;
+}
+
+// A file's content as a transcript writes it.
+std::string Unescaped(std::string text) {
+  for (const auto& [written, meant] : {std::pair("\\r", "\r"), {"\\n", "\n"}, {"\\t", "\t"}, {"\\0", "\xFF"}})
+    text = Replaced(text, written, meant);
+  return text;
+}
+
+class Session {
+ public:
+  void Prepare(const std::string& word, const std::string& text);
+  [[nodiscard]] std::string Run(const std::string& line);
+
+ private:
+  using Preparation = std::function<void(Session&, const std::string& text)>;
+  static const std::map<std::string, Preparation>& Preparations();
+  static std::pair<std::string, std::string> Halves(const std::string& text) {
+    const std::size_t end = std::min(text.find(' '), text.size());
+    return {text.substr(0, end), text.substr(std::min(end + 1, text.size()))};
+  }
+  [[nodiscard]] std::filesystem::path File(const std::string& name) const { return mFixture.home.Path() / name; }
+  [[nodiscard]] std::string Lines(const std::string& text, const char* mark) const;
+
+  CommandFixture mFixture;
+};
+
+const std::map<std::string, Session::Preparation>& Session::Preparations() {
+  static const std::map<std::string, Preparation> all = {
+      {"fault", [](Session& s, const std::string& text) { s.mFixture.options.faults = {text}; }},
+      {"boot", [](Session& s, const std::string&) { s.mFixture.options.boot = true; }},
+      {"os", [](Session& s, const std::string& text) { s.mFixture.options.osVersion = text; }},
+      {"needs", [](Session& s, const std::string& text) { s.mFixture.options.password = text; }},
+      {"unit", [](Session& s, const std::string& text) { s.mFixture.options.unit = std::uint8_t(std::stoi(text)); }},
+      {"memory", [](Session& s, const std::string& text) { s.mFixture.options.memorySeed = std::stoul(text); }},
+      {"baud", [](Session& s, const std::string& text) { s.mFixture.options.baud = std::stoi(text); }},
+      {"replace", [](Session& s, const std::string& text) { s.mFixture.ReplaceController(text); }},
+      {"variable", [](Session& s, const std::string& text) { s.mFixture.password = Secret(text); }},
+      {"records", [](Session& s, const std::string&) { s.mFixture.recordsChanges = true; }},
+      {"terminal", [](Session& s, const std::string&) { s.mFixture.errIsTerminal = true; }},
+      {"broken", [](Session& s, const std::string&) { s.mFixture.outIsBroken = true; }},
+      {"whole", [](Session& s, const std::string&) { s.mFixture.outIsBroken = false; }},
+      {"nobody", [](Session& s, const std::string&) { s.mFixture.input.lines.reset(); }},
+      {"types", [](Session& s, const std::string& text) { s.mFixture.input.lines.emplace(1, text); }},
+      {"types-also", [](Session& s, const std::string& text) { s.mFixture.input.lines->push_back(text); }},
+      {"goes-on", [](Session& s, const std::string&) { s.mFixture.pacer.ClearStop(); }},
+      {"stops-at-question",
+       [](Session& s, const std::string&) {
+         s.mFixture.input.lines.emplace();
+         s.mFixture.input.onRead = [&s] { s.mFixture.pacer.RequestStop(); };
+       }},
+      {"stops-after",
+       [](Session& s, const std::string& text) {
+         s.mFixture.pacer.After(std::chrono::milliseconds(std::stoi(text)), [&s] { s.mFixture.pacer.RequestStop(); });
+       }},
+      {"port",
+       [](Session& s, const std::string& text) {
+         const auto [path, plugged] = Halves(text);
+         s.mFixture.serialPorts.push_back({path, path, plugged, ""});
+       }},
+      {"file",
+       [](Session& s, const std::string& text) {
+         const auto [name, content] = Halves(text);
+         PutFile(s.File(name), Unescaped(content));
+       }},
+      {"copy",
+       [](Session& s, const std::string& text) {
+         const auto [from, to] = Halves(text);
+         std::filesystem::copy_file(s.File(from), s.File(to), std::filesystem::copy_options::overwrite_existing);
+       }},
+      {"remove", [](Session& s, const std::string& text) { std::filesystem::remove_all(s.File(text)); }},
+      {"folder", [](Session& s, const std::string& text) { std::filesystem::create_directories(s.File(text)); }},
+      {"damage",  // one byte of a file
+       [](Session& s, const std::string& text) {
+         const auto [name, place] = Halves(text);
+         std::string content = TemporaryFolder::Content(s.File(name));
+         content.at(std::stoul(place)) ^= 1;
+         PutFile(s.File(name), content);
+       }},
+      {"pages",  // a Telepanel file of a project and a model
+       [](Session& s, const std::string& text) {
+         const auto [project, model] = Halves(text);
+         s.mFixture.home.Put("mill.kta", PrintPagesFile({project, model}));
+       }},
+      {"locked",  // as the mark of a window that works in this session
+       [](Session& s, const std::string& text) {
+         std::filesystem::permissions(s.File(text), std::filesystem::perms::owner_read);
+       }},
+      {"downloads", [](Session& s, const std::string&) { PutDownloadFiles(s.mFixture.home.Path()); }},
+  };
+  return all;
+}
+
+void Session::Prepare(const std::string& word, const std::string& text) {
+  const auto found = Preparations().find(word);
+  ASSERT_NE(found, Preparations().end()) << "nothing is called " << word;
+  found->second(*this, text);
+}
+
+// As they are on every machine.
+std::string Session::Lines(const std::string& text, const char* mark) const {
+  std::istringstream rest(Replaced(Replaced(text, mFixture.home.Path().string(), "HOME"), "\r", "\\r"));
+  std::string lines;
+  for (std::string line; std::getline(rest, line);) lines += mark + line + "\n";
+  for (const auto& [what, instead] : {std::pair("[0-9a-f]{64}", "HASH"),
+                                      {"20(?!24)[0-9]{2}-[0-9]{2}-[0-9]{2}[ \t][0-9]{2}:[0-9]{2}:[0-9]{2}", "NOW"},
+                                      {"[0-9]{8} [0-9]{6}[.]kdf", "NOW.kdf"},
+                                      {"[.][0-9]+[.]part", ".N.part"},
+                                      {"(made by +|\"madeBy\": \")[^\n@]+@[^\n\"]+", "$1SOMEBODY"}}) {
+    lines = std::regex_replace(lines, std::regex(what), instead);
+  }
+  return lines;
+}
+
+std::string Session::Run(const std::string& line) {
+  if (line.starts_with("cat ")) return Lines(TemporaryFolder::Content(File(line.substr(4))), "");
+  const Result result = mFixture.Run(line);
+  const bool isTheParsers = result.err.contains("see kvtele --help, or kvtele VERB --help");
+  std::string shown = Lines(result.out.contains("\"cure\": \"see kvtele --help, or") ? "" : result.out, "");
+  shown += isTheParsers ? "! (in the parser's words)\n" : Lines(result.err, "! ");
+  if (result.exit == 0) return shown;
+  const bool isSilent = !result.trace.contains("-->");
+  return shown + "= " + std::to_string(result.exit) + (isSilent ? ", nothing was sent\n" : "\n");
+}
+
+// The same session again, with what comes of it now.
+std::string RunAgain(const std::string& transcript) {
+  std::istringstream lines(transcript);
+  std::string again;
+  std::unique_ptr<Session> session;
+  for (std::string line; std::getline(lines, line);) {
+    const bool isMark = line.starts_with("## ") || line.starts_with("% ") || line.starts_with("$ ");
+    if (!isMark) continue;
+    if (line.starts_with("## ")) {
+      again += (again.empty() ? "" : "\n") + line + "\n";
+      session = std::make_unique<Session>();
+      continue;
+    }
+    again += line + "\n";
+    const std::size_t end = std::min(line.find(' ', 2), line.size());
+    if (line.starts_with("%")) session->Prepare(line.substr(2, end - 2), line.substr(std::min(end + 1, line.size())));
+    if (line.starts_with("$")) again += session->Run(line.substr(2));
+  }
+  return again;
+}
+
+// Names the first line that differs, and the command before it.
+void ExpectSame(const std::string& text, const std::string& written) {
+  std::istringstream now(text);
+  std::istringstream before(written);
+  std::string command;
+  std::string line;
+  for (std::string expected; std::getline(before, expected);) {
+    if (!std::getline(now, line)) line = "the end";
+    if (line.starts_with("$ ")) command = line;
+    ASSERT_EQ(line, expected) << command;
+  }
+  EXPECT_FALSE(std::getline(now, line)) << line;
+}
+
+class Transcript : public testing::TestWithParam<const char*> {};
+
+TEST_P(Transcript, IsTheSameAgain) {
+  const std::filesystem::path file =
+      std::filesystem::path(KV_TEST_DATA) / "kvtele" / "transcripts" / (std::string(GetParam()) + ".txt");
+  const std::string written = TemporaryFolder::Content(file);
+  ASSERT_NE(written, "");
+  const std::string again = RunAgain(written);
+  if (std::getenv("KV_RENEW_TRANSCRIPTS")) std::ofstream(file, std::ios::binary) << again;
+  ExpectSame(again, written);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kvtele, Transcript,
+                         testing::Values("cache", "clone", "download", "journal", "link", "operands", "panel",
+                                         "regions", "sessions"),
+                         [](const auto& made) { return std::string(made.param); });
+
+// The completions of the shells and the manual page name every verb, option and value: as they were looked at.
+TEST(CommandLineTexts, AreTheSameAgain) {
+  const TemporaryFolder folder;
+  const auto write = [](std::vector<std::string> arguments) {
+    return kvtest::ProgramProcess(KVTELE_TEXTS, std::move(arguments)).End();
+  };
+  EXPECT_EQ(write({}), 2);
+  EXPECT_EQ(write({Utf8FromPath(folder.Path() / "nowhere")}), 1);
+  ASSERT_EQ(write({Utf8FromPath(folder.Path())}), 0);
+  for (const char* name : {"kvtele.bash", "_kvtele", "kvtele.fish", "kvtele.1"}) {
+    const auto file = std::filesystem::path(KV_TEST_DATA) / "kvtele" / "texts" / name;
+    const std::string text =
+        Replaced(TemporaryFolder::Content(folder.Path() / name), std::string(ProgramVersion()), "VERSION");
+    if (std::getenv("KV_RENEW_TRANSCRIPTS")) std::ofstream(file, std::ios::binary) << text;
+    ExpectSame(text, TemporaryFolder::Content(file));
+  }
+}
+
+}  // namespace
+}  // namespace kv::test
