@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iterator>
 #include <numeric>
+#include <set>
 #include <utility>
 
 #include "base/Texts.h"
@@ -29,10 +30,10 @@ constexpr Field kInQuestions{4.5, 250};
 constexpr Field kInText{1.5, 180};
 constexpr double kByLength = 0.15;
 // The weight of a page at which half of what a word can add is reached.
-constexpr double kHalf = 2.5;
+constexpr double kHalf = 4;
 
 // What others stand for, against the word itself.
-constexpr double kConceptPart = 0.6;
+constexpr double kConceptPart = 0.7;
 constexpr double kAkinPart = 0.4;
 constexpr double kPrefixPart = 0.5;
 constexpr double kCutPart = 0.8;
@@ -44,6 +45,11 @@ constexpr double kPairPart = 0.3;
 constexpr double kNearest = 3;
 // A phrase counts as somewhat longer than it is: a single word in common is no question in common.
 constexpr double kPhraseRest = 2;
+
+// What the odds of the words count, against what the words add up to, and of how many phrases of all kinds each page is
+// taken to have been asked besides its own: what stands in one or two says little.
+constexpr double kOdds = 0.4;
+constexpr double kCalm = 60;
 
 // Pages with less than this part of what the best one has are not shown.
 constexpr double kLeastScore = 0.25;
@@ -62,6 +68,7 @@ HelpSearch::HelpSearch(const HelpBook& book) {
   AddConcepts();
   for (const HelpBook::Entry& entry : book.Contents()) AddPage(book, entry);
   WeighTerms();
+  WeighAsked();
 }
 
 void HelpSearch::AddConcepts() {
@@ -80,6 +87,7 @@ void HelpSearch::AddPage(const HelpBook& book, const HelpBook::Entry& entry) {
   const HtmlPage page = ReadHtmlPage(book.Read(entry.page).value_or(""));
   const std::size_t index = mPages.size();
   mPages.push_back({entry.page, entry.title, 0});
+  mNotAsked.push_back(0);
   // An error is looked for by what its message says, too.
   std::string questions = page.questions;
   if (const HelpTopic* topic = FindHelpTopic(std::string_view(entry.page).substr(0, entry.page.find('.')))) {
@@ -114,7 +122,16 @@ void HelpSearch::AddField(std::string_view text, double weight, double usual, st
 void HelpSearch::AddPhrases(std::string_view list, char separator, std::size_t page) {
   while (!list.empty()) {
     const std::string_view phrase = TakeField(list, separator);
-    for (const std::string& term : WithConcepts(TermsOf(phrase, false))) mTerms[term].phrases[mPhrases.size()] = 1;
+    const std::vector<std::string> all = WithConcepts(TermsOf(phrase, false));
+    const std::set<std::string> terms(all.begin(), all.end());
+    double squares = 0;
+    for (const std::string& term : terms) squares += PartOf(term) * PartOf(term);
+    for (const std::string& term : terms) {
+      const double share = PartOf(term) / std::sqrt(squares);
+      mTerms[term].phrases[mPhrases.size()] = 1;
+      mTerms[term].asked[page] += share;
+      mNotAsked[page] += share;
+    }
     mPhrases.push_back({page, 0});
   }
 }
@@ -144,19 +161,40 @@ void HelpSearch::WeighTerms() {
   }
 }
 
+// What a term tells beside the word itself.
+double HelpSearch::PartOf(const std::string& term) const {
+  if (term.starts_with(kConceptMark)) return kConceptPart;
+  const auto known = mTerms.find(term);
+  return known != mTerms.end() && known->second.isWord ? 1 : kPairPart;
+}
+
+// From counts to logarithms of odds: how much more often a page is asked with a term than pages are on average.
+void HelpSearch::WeighAsked() {
+  const double all = std::accumulate(mNotAsked.begin(), mNotAsked.end(), 0.0);
+  for (auto& [word, term] : mTerms) {
+    double inAll = 0;
+    for (const auto& [page, count] : term.asked) inAll += count;
+    for (auto& [page, count] : term.asked) count = std::log1p(count * all / (inAll * kCalm));
+  }
+  for (double& phrases : mNotAsked) phrases = -std::log1p(phrases / kCalm);
+}
+
 HelpSearch::Answer HelpSearch::Find(std::string_view question) const {
   Answer answer;
   std::vector<std::string> words = WordsOf(question, false);
   if (words.empty()) words = WordsOf(question, true);
   if (words.size() > kMostWords) words.resize(kMostWords);
+  std::set<std::string> mainLeft = MainWordsOf(question);  // those that have not been looked for yet
+  const std::size_t mainWords = mainLeft.size();
   std::vector<Meanings> asked;
-  for (const std::string& word : words) asked.push_back(Look(word, answer.taken));
   std::vector<double> scores(mPages.size());
   std::vector<std::size_t> found(mPages.size());
-  for (const Meanings& meanings : asked) {
-    for (const auto& [page, weight] : Weigh(meanings, &Term::pages)) {
+  for (const std::string& word : words) {
+    asked.push_back(Look(word, answer.taken));
+    const std::size_t isMain = mainLeft.erase(word);
+    for (const auto& [page, weight] : Weigh(asked.back(), &Term::pages)) {
       scores[page] += weight;
-      ++found[page];
+      found[page] += isMain;
     }
   }
   for (const std::string& pair : PairsOf(question)) {
@@ -167,6 +205,7 @@ HelpSearch::Answer HelpSearch::Find(std::string_view question) const {
     asked.push_back(std::move(meanings));
   }
   AddNearest(asked, scores);
+  AddOdds(asked, scores);
   std::vector<std::size_t> order(mPages.size());
   std::iota(order.begin(), order.end(), 0U);
   std::ranges::sort(order, {}, [&](std::size_t page) { return std::pair(-scores[page], page); });
@@ -174,7 +213,7 @@ HelpSearch::Answer HelpSearch::Find(std::string_view question) const {
     if (answer.hits.size() == kMostHits || scores[page] <= kLeastScore * scores[order.front()]) break;
     answer.hits.push_back(mPages[page]);
     answer.hits.back().score = scores[page];
-    answer.complete += found[page] == words.size() ? 1U : 0U;
+    answer.complete += found[page] == mainWords ? 1U : 0U;
   }
   return answer;
 }
@@ -215,6 +254,28 @@ void HelpSearch::AddNearest(const std::vector<Meanings>& asked, std::vector<doub
   for (std::size_t page = 0; page < mPages.size(); ++page) {
     scores[page] += kNearest * all * (nearest[page].first + nearest[page].second / 2);
   }
+}
+
+void HelpSearch::AddOdds(const std::vector<Meanings>& asked, std::vector<double>& scores) const {
+  std::map<std::string_view, double> parts;
+  double all = 0;
+  for (const Meanings& meanings : asked) {
+    all += MostOf(meanings);
+    for (const auto& [term, part] : meanings) parts[term] = std::max(parts[term], part);
+  }
+  double squares = 0;
+  double sum = 0;
+  std::vector<double> odds(mPages.size());
+  for (const auto& [name, part] : parts) {
+    const Term& term = mTerms.find(name)->second;
+    if (term.asked.empty()) continue;
+    squares += part * part;
+    sum += part;
+    for (const auto& [page, weight] : term.asked) odds[page] += part * weight;
+  }
+  if (squares == 0) return;
+  const double scale = kOdds * all / std::sqrt(squares);
+  for (std::size_t page = 0; page < mPages.size(); ++page) scores[page] += scale * (odds[page] + sum * mNotAsked[page]);
 }
 
 void HelpSearch::AddMeaning(const std::string& word, double part, Meanings& meanings) const {

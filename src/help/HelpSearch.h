@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -10,9 +11,10 @@
 
 namespace kv {
 
-// Finds pages by the words of their users. Two things count: how much the words of the question weigh on a page (more
+// Finds pages by the words of their users. Three things count: how much the words of the question weigh on a page (more
 // in its title and among its own words than in its text, more where few pages have them, hardly more for the tenth
-// time), and how near the question is to something that people ask and the page is known to answer. A word stands for
+// time); how near the question is to something that people ask and the page is known to answer; and how much more often
+// its words are asked of the page than of others, where what is never asked of it counts against it. A word stands for
 // itself, and with less weight for what begins with it, what is of its family, what others say for it, and, where it
 // stands nowhere, for what is nearly spelt like it.
 class HelpSearch {
@@ -49,6 +51,7 @@ class HelpSearch {
   struct Term {
     Weights pages;
     Weights phrases;
+    Weights asked;                      // how many of a page's phrases are this term; then what it says for the page
     std::vector<std::string> concepts;  // what it is one word of several for
     bool isWord = false;                // and no pair of neighbours
     double rarity = 0;                  // what stands on few pages tells more than what stands on all
@@ -60,6 +63,7 @@ class HelpSearch {
   void AddPhrases(std::string_view list, char separator, std::size_t page);
   [[nodiscard]] std::vector<std::string> WithConcepts(std::vector<std::string> terms) const;
   void WeighTerms();
+  void WeighAsked();
 
   [[nodiscard]] Meanings Look(const std::string& word, std::vector<std::string>& taken) const;
   void AddMeaning(const std::string& term, double part, Meanings& meanings) const;
@@ -68,10 +72,13 @@ class HelpSearch {
   [[nodiscard]] Weights Weigh(const Meanings& meanings, Weights Term::* where) const;
   [[nodiscard]] double MostOf(const Meanings& meanings) const;
   void AddNearest(const std::vector<Meanings>& asked, std::vector<double>& scores) const;
+  void AddOdds(const std::vector<Meanings>& asked, std::vector<double>& scores) const;
+  [[nodiscard]] double PartOf(const std::string& term) const;
 
   std::vector<Hit> mPages;
   std::vector<Phrase> mPhrases;
-  std::map<std::string, Term> mTerms;
+  std::vector<double> mNotAsked;  // by page: its phrases, and then what a term says that is in none of them
+  std::map<std::string, Term, std::less<>> mTerms;
 };
 
 }  // namespace kv

@@ -15,30 +15,32 @@ constexpr std::size_t kPercentOfAkin = 75;
 
 // Words that stand in every question and tell nothing about it. In order, to be looked up.
 constexpr auto kSmallWords = std::to_array<std::string_view>(
-    {"a",         "able",     "about",  "actually", "again",      "all",      "already",  "also",     "although",
-     "always",    "am",       "an",     "and",      "any",        "anybody",  "anyone",   "anything", "anyway",
-     "are",       "as",       "at",     "be",       "because",    "been",     "being",    "best",     "between",
-     "both",      "but",      "by",     "came",     "can",        "care",     "come",     "comes",    "coming",
-     "could",     "did",      "do",     "does",     "doing",      "done",     "during",   "each",     "either",
-     "else",      "even",     "ever",   "every",    "everything", "exactly",  "find",     "for",      "from",
-     "gave",      "get",      "gets",   "getting",  "give",       "gives",    "go",       "goes",     "going",
-     "gone",      "good",     "got",    "had",      "happen",     "happened", "happens",  "has",      "have",
-     "having",    "he",       "hello",  "her",      "here",       "hi",       "his",      "how",      "however",
-     "i",         "id",       "idea",   "if",       "ill",        "im",       "into",     "is",       "it",
-     "its",       "ive",      "just",   "know",     "let",        "like",     "looks",    "lot",      "made",
-     "make",      "makes",    "making", "many",     "may",        "maybe",    "me",       "mean",     "means",
-     "might",     "mine",     "more",   "most",     "much",       "must",     "my",       "need",     "needs",
-     "never",     "now",      "of",     "onto",     "or",         "ought",    "our",      "please",   "possible",
-     "proper",    "properly", "quite",  "rather",   "really",     "said",     "say",      "says",     "see",
-     "seem",      "seems",    "shall",  "she",      "should",     "since",    "so",       "some",     "somehow",
-     "something", "still",    "stuff",  "such",     "suddenly",   "suppose",  "supposed", "sure",     "tell",
-     "tells",     "than",     "thanks", "that",     "thats",      "the",      "their",    "them",     "then",
-     "there",     "these",    "they",   "thing",    "things",     "think",    "this",     "those",    "through",
-     "thus",      "told",     "too",    "trying",   "under",      "until",    "us",       "use",      "used",
-     "uses",      "using",    "very",   "want",     "wanted",     "wants",    "was",      "way",      "we",
-     "well",      "went",     "were",   "what",     "whatever",   "whats",    "when",     "where",    "wheres",
-     "whether",   "which",    "while",  "whole",    "whom",       "whose",    "why",      "will",     "with",
-     "within",    "without",  "wonder", "would",    "yet",        "you",      "your"});
+    {"a",        "able",   "about",   "actually", "all",     "also",  "although", "always",  "am",       "an",
+     "and",      "any",    "anybody", "anyone",   "anyway",  "are",   "as",       "at",      "be",       "because",
+     "been",     "being",  "best",    "but",      "by",      "came",  "can",      "care",    "come",     "comes",
+     "coming",   "could",  "did",     "do",       "does",    "doing", "done",     "each",    "either",   "else",
+     "even",     "ever",   "every",   "find",     "for",     "from",  "gave",     "get",     "gets",     "getting",
+     "give",     "gives",  "go",      "goes",     "going",   "gone",  "good",     "got",     "had",      "has",
+     "have",     "having", "he",      "hello",    "her",     "here",  "hi",       "his",     "how",      "however",
+     "i",        "id",     "idea",    "if",       "ill",     "im",    "into",     "is",      "it",       "its",
+     "ive",      "just",   "know",    "let",      "like",    "looks", "lot",      "made",    "make",     "makes",
+     "making",   "may",    "maybe",   "me",       "mean",    "means", "might",    "mine",    "must",     "my",
+     "need",     "needs",  "now",     "of",       "onto",    "or",    "ought",    "our",     "please",   "proper",
+     "properly", "quite",  "rather",  "really",   "said",    "say",   "says",     "seem",    "seems",    "shall",
+     "she",      "should", "so",      "some",     "somehow", "stuff", "such",     "suppose", "supposed", "sure",
+     "tell",     "tells",  "than",    "thanks",   "that",    "thats", "the",      "their",   "them",     "then",
+     "there",    "these",  "they",    "thing",    "things",  "think", "this",     "those",   "through",  "thus",
+     "told",     "too",    "trying",  "under",    "us",      "use",   "used",     "uses",    "using",    "very",
+     "want",     "wanted", "wants",   "was",      "way",     "we",    "well",     "went",    "were",     "whatever",
+     "whether",  "whole",  "whom",    "whose",    "will",    "with",  "within",   "wonder",  "would",    "yet",
+     "you",      "your"});
+// Words that tell little, but something: what is asked with "where" is another thing than what is asked with "when". No
+// page has to have them.
+constexpr auto kAskingWords = std::to_array<std::string_view>(
+    {"again",    "already",  "anything", "between",   "both",  "during",   "everything", "exactly",
+     "happen",   "happened", "happens",  "many",      "more",  "most",     "much",       "never",
+     "possible", "see",      "since",    "something", "still", "suddenly", "until",      "what",
+     "whats",    "when",     "where",    "wheres",    "which", "while",    "why",        "without"});
 // What denies, all in one word: what does not answer is the same as what will not, and cannot.
 constexpr auto kDenying = std::to_array<std::string_view>(
     {"aint", "arent", "cannot", "cant",    "couldnt",  "didnt",  "doesnt", "dont",   "hasnt", "havent", "isnt",
@@ -76,7 +78,7 @@ bool IsWordCharacter(char c) {
 }
 
 static_assert(std::ranges::is_sorted(kSmallWords) && std::ranges::is_sorted(kDenying) &&
-              std::ranges::is_sorted(kParticles));
+              std::ranges::is_sorted(kParticles) && std::ranges::is_sorted(kAskingWords));
 
 bool IsOneOf(std::span<const std::string_view> words, std::string_view word) {
   return std::ranges::binary_search(words, word);
@@ -124,6 +126,15 @@ std::vector<std::string> WordsOf(std::string_view text, bool withSmall) {
   std::vector<std::string> words;
   for (std::string& word : RawWords(text)) {
     if (withSmall || !(IsOneOf(kSmallWords, word) || IsOneOf(kParticles, word))) words.push_back(Stem(std::move(word)));
+  }
+  return words;
+}
+
+std::set<std::string> MainWordsOf(std::string_view text) {
+  std::set<std::string> words;
+  for (const std::string& word : RawWords(text)) {
+    const bool isSmall = IsOneOf(kSmallWords, word) || IsOneOf(kParticles, word) || IsOneOf(kAskingWords, word);
+    if (!isSmall) words.insert(Stem(word));
   }
   return words;
 }

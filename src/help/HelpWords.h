@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,9 @@ namespace kv {
 // The words of a text in small letters and in the form in which they are compared: "downloads" and "downloading" as
 // "download". `withSmall`: also "the", "how" and the like.
 [[nodiscard]] std::vector<std::string> WordsOf(std::string_view text, bool withSmall);
+
+// Those of a question that a page has to have, if it is to have all: without "where", "still" and the like, too.
+[[nodiscard]] std::set<std::string> MainWordsOf(std::string_view text);
 
 // Each pair of neighbours as one word: "log in" and "login" are the same to one who looks for them, and a pair in
 // common says more than its words apart.
