@@ -19,6 +19,8 @@ program=build/dev/tools/screenshots
 "$program" docs/images ""
 "$program" docs/images "-dark" dark
 QT_SCALE_FACTOR=2 "$program" docs/images "-200"
+# Of which release they are: the tests of the help hold it against the programs' own.
+sed -nE '/^## [0-9]/{s/^## ([0-9.]+) .*/\1/p;q}' CHANGELOG.md >docs/images/release.txt
 rm -rf build/pictures
 mkdir -p build/pictures
 "$program" compare "$before" docs/images build/pictures

@@ -10,6 +10,7 @@
 #include <set>
 
 #include "base/LittleEndian.h"
+#include "base/ProgramVersion.h"
 #include "base/Texts.h"
 #include "help/ChmDirectory.h"
 #include "help/ChmFile.h"
@@ -139,9 +140,15 @@ TEST(HelpFileTest, NothingLeadsNowhereAndNothingIsLeftOver) {
   // Of each window one look is enough: the others of the folder are the same in dark colours and at another scale.
   for (const auto& entry : fs::directory_iterator(kTree / "docs/images")) {
     const std::string name = entry.path().filename();
+    if (entry.path().extension() != ".png") continue;
     const bool isVariant = name.contains("-dark.") || name.contains("-200.");
     EXPECT_TRUE(isVariant || pictures.contains(name)) << name << " is on no page of the help";
   }
+}
+
+TEST(HelpFileTest, ItsPicturesAreOfThisRelease) {
+  EXPECT_EQ(TemporaryFolder::Content(kTree / "docs/images/release.txt"), ProgramVersion() + std::string("\n"))
+      << "take them anew: tools/screenshots.sh";
 }
 
 // A page that is older than its window tells of a command that is not there any more.
@@ -155,6 +162,15 @@ TEST(HelpFileTest, EmphasisesOnlyWhatStandsInAWindow) {
       EXPECT_TRUE(texts.contains(term)) << topic.page << ": " << term;
     }
   }
+}
+
+TEST(HelpFileTest, NamesTheKeysOfEachCommand) {
+  const std::string commands = TemporaryFolder::Content(kTree / "libs/KvTele2/HostCommands.cpp");
+  const std::regex keyLine("HostCommand\\{[^,]+, *\"[^\"]*\", *\"([^\"]+)\"");
+  const std::string text = ReadHtmlPage(*BuiltHelp().Read("windows-and-keys.html")).text;
+  std::sregex_iterator at(commands.begin(), commands.end(), keyLine);
+  EXPECT_GT(std::distance(at, {}), 20);
+  for (; at != std::sregex_iterator(); ++at) EXPECT_THAT(text, testing::HasSubstr((*at)[1].str()));
 }
 
 // Who adds a window adds its topic, and that tells of it by its title.

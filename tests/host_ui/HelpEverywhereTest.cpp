@@ -6,6 +6,11 @@
 #include <filesystem>
 
 #include "apps/KvTeleExe/ToolWindowTable.h"
+#include "desktop/ui/QtPrompts.h"
+#include "download/ui/frmBrioQ50OsInfo.h"
+#include "download/ui/frmIncompatibleBios.h"
+#include "download/ui/frmOsInfo.h"
+#include "editors/ui/frmHexSelector.h"
 #include "help/HelpTopics.h"
 #include "help/ui/HelpKey.h"
 #include "tests/host_ui/WindowFixture.h"
@@ -67,6 +72,37 @@ TEST_F(HelpEverywhereTest, TheKeyOpensAPageThatNamesTheWindow) {
       Trigger(window, id.c_str());
     }
     if (QWidget* help = TopLevel("frmHelp")) PressInEachControl(*help, "help window");
+  });
+}
+
+// Those that open from within another window, and the boxes that any of them shows.
+TEST_F(HelpEverywhereTest, SoItDoesInWindowsOfWindowsAndInBoxes) {
+  QtPrompts prompts;
+  Run([&](QMainWindow& window) {
+    struct Row {
+      const char* words;
+      std::function<void()> open;
+    };
+    const Row rows[] = {
+        {"Operating System List", [&] { frmOsInfo({}, "", &window).exec(); }},
+        {"Operating System List", [&] { frmBrioQ50OsInfo({}, "", &window).exec(); }},
+        {"another boot loader", [&] { frmIncompatibleBios(&window).exec(); }},
+        {"Choose CSV Separator", [&] { frmHexSelector(home.Path() / "Windows.ini", &window).exec(); }},
+        {"Questions and messages", [&] { prompts.Show({.text = "Continue?"}); }},
+        {"Questions and messages", [&] { (void)prompts.Ask({.text = "Name:"}); }},
+        {"Passwords", [&] { (void)prompts.Ask({.text = "Password:", .secret = true}); }},
+        {"Choosing files", [&] { (void)prompts.OpenFile({.filter = "Clones|*.kdf"}); }},
+    };
+    for (const Row& row : rows) {
+      if (QWidget* help = TopLevel("frmHelp")) help->hide();
+      window.activateWindow();
+      ASSERT_TRUE(QTest::qWaitForWindowActive(&window, kPatience));
+      WhenOpen<QDialog>(window, [&](QDialog& dialog) {
+        PressInEachControl(dialog, row.words);
+        dialog.close();
+      });
+      row.open();
+    }
   });
 }
 
