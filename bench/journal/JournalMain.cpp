@@ -28,7 +28,8 @@ namespace {
 
 constexpr const char* kModel = "K220-22-R1";
 constexpr int kOperands = 60;
-constexpr double kMostOfWrite = 1.2;    // times two bare flushes: 0.4 ms where one takes 0.17
+constexpr double kMostMore = 0.4;       // milliseconds: what two flushes of 0.17 ms and the records themselves take
+constexpr double kMostOfWrite = 1.2;    // times two bare flushes, on a disk whose flushes alone take longer
 constexpr double kMostOfRestore = 1.0;  // percent
 
 struct Effort {
@@ -164,24 +165,39 @@ class Bench {
   bool mIsGood = true;
 };
 
+// Whether the records of a write cost what is wanted; a slow disk is held to its own flushes.
+bool Tell(const Bench::Figures& write) {
+  const double more = write.with - write.without;
+  const double flushes = write.withBare - write.without;
+  const double share = flushes > 0 ? more / flushes : 0;
+  const bool isSlowDisk = flushes > kMostMore;
+  const bool isGood = isSlowDisk ? share <= kMostOfWrite : more <= kMostMore;
+  std::printf("Write of %d operands: %.3f ms, recorded %.3f ms: %.3f ms more, two bare flushes alone %.3f ms\n",
+              kOperands, write.without, write.with, more, flushes);
+  if (isSlowDisk) {
+    std::printf(
+        "  the disk's flushes alone take more than the %.1f ms that are wanted at most: %.2f times them (wanted "
+        "%.1f at most)%s\n",
+        kMostMore, share, kMostOfWrite, isGood ? "" : " <");
+  } else {
+    std::printf("  wanted %.1f ms at most%s; %.2f times the flushes\n", kMostMore, isGood ? "" : " <", share);
+  }
+  return isGood;
+}
+
 bool Run(const std::filesystem::path& home, const Effort& effort) {
   Bench bench(home);
   if (!bench.IsReady()) return false;
   const Bench::Figures write = bench.Measure(effort.writes, [&] { bench.Write(); });
-  const double more = write.with - write.without;
-  const double flushes = write.withBare - write.without;
-  const double share = flushes > 0 ? more / flushes : 0;
-  std::printf(
-      "Write of %d operands: %.3f ms, recorded %.3f ms: %.3f ms more, %.2f times two bare flushes of %.3f ms "
-      "together (wanted %.1f at most)%s\n",
-      kOperands, write.without, write.with, more, share, flushes, kMostOfWrite, share > kMostOfWrite ? " <" : "");
+  const bool isWriteGood = Tell(write);
   if (!bench.Create()) return false;
   const Bench::Figures restore = bench.Measure(effort.restores, [&] { bench.Restore(); });
   const double percent = (restore.with / restore.without - 1) * 100;
   std::printf("Restore of %lld lines: %.1f ms, recorded %.1f ms: %.2f %% more (wanted %.0f at most)%s\n",
               static_cast<long long>(bench.Lines()), restore.without, restore.with, percent, kMostOfRestore,
               percent > kMostOfRestore ? " <" : "");
-  return bench.IsGood();
+  const bool isQuick = isWriteGood && percent <= kMostOfRestore;
+  return bench.IsGood() && (isQuick || effort.writes < kFull.writes);
 }
 
 }  // namespace
