@@ -108,18 +108,23 @@ void TelepanelHost::MakePanelStep(const std::optional<panel::PanelPlace>& presse
   if (wasSilent) Show();
 }
 
-// A line with a speed is for the screen: there the cache has to have them.
+// A line with a speed is for the screen: there the cache has to have them, and on a slow one not even their names come.
 void TelepanelHost::FetchWhenFast() {
   PanelLink& link = *mChannel->Panel();
   const auto cost = link.Cost(mUnit);
-  if (cost && cost->perByte == Duration{}) mFetch.emplace(mServices.pacer, link, mResources, mUnit);
+  constexpr Duration kSlow = std::chrono::microseconds(100);  // a byte: a directory takes longer than an input may wait
+  if (!cost || cost->perByte > kSlow) return;
+  using Wanted = panel::ResourceFetch::Wanted;
+  mFetch.emplace(mServices.pacer, link, mResources, mUnit, cost->perByte == Duration{} ? Wanted::All : Wanted::Names);
 }
 
-// Nothing, while somebody holds a key: its renewal comes first.
+// Nothing, while somebody holds a key: its renewal comes first. Names come in one long request, for which no input may
+// wait.
 bool TelepanelHost::HasToFetch() {
   if (!mFetch || !mPanel || !mState.hasPanel) return false;
   const panel::PanelState state = mPanel->State();
-  return !state.held && state.sight == PanelSight::Live && mFetch->Has(mPanel->MissingResources());
+  const bool mayTakeLong = state.mode == PanelMode::View || mFetch->What() == panel::ResourceFetch::Wanted::All;
+  return mayTakeLong && !state.held && state.sight == PanelSight::Live && mFetch->Has(mPanel->MissingResources());
 }
 
 bool TelepanelHost::FetchPiece() {

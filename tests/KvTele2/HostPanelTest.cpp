@@ -128,13 +128,15 @@ TEST_F(HostPanelTest, ToolsHaveTheLinkAloneAndALossEndsOperating) {
   const auto atWork = host.OnToolClicked;
   host.OnToolClicked = [&](const std::string&, const std::string&) {
     (void)TakeAsked();
-    Step(60);
+    Step(100);
     EXPECT_EQ(with->panel.asked, "");
+    EXPECT_EQ(Mode(), PanelMode::View) << "the controller has ended the lease";
     EXPECT_THAT(PanelOldText(host.Panel()->State()), HasSubstr("Paused"));
   };
   host.Click("ID_DataTypes");
   host.OnToolClicked = atWork;
   Step();
+  EXPECT_THAT(host.State().panelNote, HasSubstr("left for more than three seconds"));
   EXPECT_EQ(PanelOldText(host.Panel()->State()), "");
 
   with->panel.error = {.code = LinkErrorCode::NoReply, .happened = "no reply"};

@@ -52,22 +52,24 @@ struct FontPanel final : PanelLink {
 // What came of a run: whether the font is there, and from where it was read.
 struct Fetched {
   bool isHere;
+  std::string name;
   std::vector<std::uint32_t> offsets, lengths;
 };
+using Wanted = ResourceFetch::Wanted;
 
-Fetched Fetch(const std::function<void(FontPanel& panel)>& prepare) {
+Fetched Fetch(const std::function<void(FontPanel& panel)>& prepare, Wanted wanted = Wanted::All) {
   VirtualPacer pacer;
   FontPanel panel(pacer);
   prepare(panel);
   ScreenResources resources;
-  ResourceFetch fetch(pacer, panel, resources, 1);
+  ResourceFetch fetch(pacer, panel, resources, 1, wanted);
   const auto missing = [&] {
     return resources.FontOf(7) ? std::vector<Drawing::Missing>{}
                                : std::vector<Drawing::Missing>{{PanelResourceKind::Font, 7}};
   };
   for (int step = 0; step < 100 && fetch.Has(missing()); ++step) (void)fetch.Step();
   EXPECT_FALSE(fetch.Has(missing())) << "it is asked for without end";
-  return {resources.FontOf(7) != nullptr, panel.offsets, panel.lengths};
+  return {resources.FontOf(7) != nullptr, resources.NameOf(PanelResourceKind::Font, 7), panel.offsets, panel.lengths};
 }
 
 TEST(ResourceFetch, ReadsWhatIsMissingOnceAndWholeFromOneController) {
@@ -96,6 +98,9 @@ TEST(ResourceFetch, ReadsWhatIsMissingOnceAndWholeFromOneController) {
     EXPECT_EQ(fetched.isHere, each.isHere) << each.name;
     EXPECT_EQ(fetched.offsets, each.offsets) << each.name;
   }
+  const Fetched named = Fetch([](FontPanel&) {}, Wanted::Names);
+  EXPECT_EQ(named.name, "Big");
+  EXPECT_TRUE(named.offsets.empty() && !named.isHere) << "the line is for the screen";
   EXPECT_THAT(Fetch([](FontPanel& panel) { panel.takes = 200ms; }).lengths, Each(Le(512U)))
       << "an input waits behind one";
 }

@@ -185,6 +185,14 @@ std::optional<Operator::Due> Operator::Next(const std::optional<PanelPlace>& pre
   if (mHeld) {
     const bool isHeldYet = screen.now - mHeld->renewed < kLetsGo && screen.age <= kOldScreen;
     const bool isThere = screen.model.Get<TouchItem>(mHeld->slot) != nullptr && PageNumber(screen.model) == mHeld->page;
+    if (!isHeldYet && IsOn(*mHeld, pressedNow, screen.model)) {
+      Report({.result = Result::Done,
+              .action = PanelAction::Up,
+              .place = mHeld->place,
+              .what = TouchText(mHeld->seen),
+              .text = "The controller has let go of what was held: nothing was heard of it for half a second. Press "
+                      "anew."});
+    }
     if (!isHeldYet || !isThere || !IsOn(*mHeld, pressedNow, screen.model))
       return MakeDue(PanelAction::Up, *mHeld, screen);
   }
@@ -311,8 +319,10 @@ void Operator::NoteChanges(const PanelChanges& changes, const ScreenModel& model
   if (mMode != PanelMode::Operate) return;
   if (!changes.isLeaseGood && changes.lease == 0) {
     const std::string other = ReadableText(model.OperatorName());
-    LoseLease(changes.isLeaseElsewhere ? (other.empty() ? "Somebody else" : other) + " has taken the panel over."
-                                       : "The controller has ended that this program operates the panel.");
+    LoseLease(changes.isLeaseElsewhere
+                  ? (other.empty() ? "Somebody else" : other) + " has taken the panel over."
+                  : "Operating has ended: the controller had not heard of it for three seconds, or "
+                    "was restarted. Switch to Operate once more.");
     return;
   }
   if (!mHeld || changes.isHeld) return;

@@ -72,6 +72,7 @@ class Operator {
   static constexpr Duration kRenewal = std::chrono::milliseconds(200);
   static constexpr Duration kLetsGo = std::chrono::milliseconds(500);   // the controller, by itself
   static constexpr Duration kSettles = std::chrono::milliseconds(200);  // until then what lay there before may be meant
+  static constexpr Duration kLeaseEnds = std::chrono::seconds(3);       // in the controller, when nobody names it
   static constexpr Duration kLongestWait = std::chrono::seconds(1);     // of a press for the link
   static constexpr std::size_t kMostWaiting = 8;
 

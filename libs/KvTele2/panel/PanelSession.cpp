@@ -55,7 +55,7 @@ PanelSession::PanelSession(const PanelParts& parts)
 PanelSession::~PanelSession() = default;
 
 bool PanelSession::Step(const std::optional<PanelPlace>& pressedNow) {
-  if (mIsStepping || mIsPaused) return false;
+  if (mIsStepping || mPausedAt) return false;
   mIsStepping = true;
   const ScopeGuard done([this] { mIsStepping = false; });
   return Exchange(pressedNow);
@@ -179,13 +179,18 @@ ScreenNow PanelSession::Now() const {
   return {.model = mScreen->model, .now = mPacer.Now(), .age = Age(), .stamp = mStamp, .connection = mConnection};
 }
 
+// The controller has ended the lease by now.
+bool PanelSession::IsPausedForLong() const {
+  return mPausedAt && mPacer.Now() - *mPausedAt > Operator::kLeaseEnds;
+}
+
 // Of what was never told it is as old as can be.
 Duration PanelSession::Age() const {
   return mAsOf ? mPacer.Now() - *mAsOf : Duration::max();
 }
 
 std::optional<Duration> PanelSession::NextStep() const {
-  if (mIsPaused) return std::nullopt;
+  if (mPausedAt) return std::nullopt;
   const Instant now = mPacer.Now();
   std::optional<Instant> due = mScreen ? mOperator.NextDue(now) : std::nullopt;
   // A wish to operate waits for a screen that is not old.
@@ -205,14 +210,19 @@ void PanelSession::Show(bool isShown) {
 }
 
 void PanelSession::Pause() {
-  if (mIsPaused) return;
+  if (mPausedAt) return;
   DropPresses();
   if (mOperator.IsHolding()) Step(std::nullopt);  // lets go
-  mIsPaused = true;
+  mPausedAt = mPacer.Now();
 }
 
 void PanelSession::Resume() {
-  if (!std::exchange(mIsPaused, false)) return;
+  if (!mPausedAt) return;
+  if (IsPausedForLong()) {
+    mOperator.LoseLease(
+        "Operating has ended: the panel was left for more than three seconds. Switch to Operate once more.");
+  }
+  mPausedAt.reset();
   mState.sight = PanelSight::Starting;  // a tool may have made another controller of it
   if (mRhythm) mRhythm->NoteLook(mPacer.Now());
 }
@@ -245,14 +255,14 @@ void PanelSession::Leave() {
 
 PanelState PanelSession::State() const {
   PanelState state = mState;
-  state.mode = mOperator.Mode();
+  state.mode = IsPausedForLong() ? PanelMode::View : mOperator.Mode();
   state.whyViewing = mOperator.WhyViewing();
   state.held = mOperator.Held();
   if (mAsOf) {
     state.age = Age();
     state.sight = state.age > Operator::kOldScreen ? PanelSight::Old : PanelSight::Live;
   }
-  if (mIsPaused && state.sight != PanelSight::NoPanel) state.sight = PanelSight::Paused;
+  if (mPausedAt && state.sight != PanelSight::NoPanel) state.sight = PanelSight::Paused;
   if (!mScreen) return state;
   state.operatorName = ReadableText(mScreen->model.OperatorName());
   state.isWhole = mScreen->model.IsWhole();

@@ -131,6 +131,7 @@ class PanelSession {
   void NoteConnection();
   std::vector<PixelRect> DrawChanged();
   [[nodiscard]] ScreenNow Now() const;
+  [[nodiscard]] bool IsPausedForLong() const;
   [[nodiscard]] Duration Age() const;
 
   Pacer& mPacer;
@@ -152,7 +153,7 @@ class PanelSession {
   bool mAsksAnew = false;  // the last reply was not understood
   bool mMustDescribe = true;
   bool mIsShown = true;
-  bool mIsPaused = false;
+  std::optional<Instant> mPausedAt;
   bool mIsStepping = false;
 };
 

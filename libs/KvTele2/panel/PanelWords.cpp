@@ -1,6 +1,30 @@
 #include "KvTele2/panel/PanelWords.h"
 
 namespace kv::panel {
+namespace {
+
+// Why what was held is held no longer.
+std::string_view LetGoText(PanelVerdict verdict) {
+  switch (verdict) {
+    case PanelVerdict::Done:
+      return "";
+    case PanelVerdict::OperatedAtPanel:
+      return "The controller has let go of what was held: who stands at the panel itself goes first.";
+    case PanelVerdict::NotNow:
+      return "The controller has let go of what was held: its display is in SYSTEM mode.";
+    case PanelVerdict::NoLease:
+      return "The controller has let go of what was held: this program does not operate the panel any more.";
+    case PanelVerdict::Late:
+      return "The controller has let go of what was held: the link took longer than two seconds.";
+    case PanelVerdict::NothingThere:
+    case PanelVerdict::NotWhatWasSeen:
+    case PanelVerdict::NothingHeld:
+      break;
+  }
+  return "The controller has let go of what was held.";
+}
+
+}  // namespace
 
 std::string_view RefusalText(PressRefusal refusal) {
   switch (refusal) {
@@ -30,6 +54,7 @@ std::string_view RefusalText(PressRefusal refusal) {
 
 std::string_view VerdictText(PanelVerdict verdict, PanelAction action) {
   const bool isOperate = action == PanelAction::Operate;
+  if (action == PanelAction::Hold) return LetGoText(verdict);
   switch (verdict) {
     case PanelVerdict::Done:
       return "";
@@ -48,7 +73,7 @@ std::string_view VerdictText(PanelVerdict verdict, PanelAction action) {
       return isOperate ? "Somebody operates at the panel itself, and goes first."
                        : "The controller has pressed nothing: who stands at the panel itself goes first.";
     case PanelVerdict::NothingHeld:
-      return "The controller has let go already.";
+      return "";  // asked of a hold alone
     case PanelVerdict::NotNow:
       return isOperate ? "The display is in SYSTEM mode and cannot be operated."
                        : "The controller has pressed nothing: its display is in SYSTEM mode, or it is disabled.";

@@ -15,11 +15,15 @@ constexpr std::uint32_t kMostBytes = 8'388'608;  // of one font or image
 
 }  // namespace
 
-ResourceFetch::ResourceFetch(Pacer& pacer, PanelLink& link, ScreenResources& resources, std::uint8_t unit)
-    : mPacer(pacer), mLink(link), mResources(resources), mUnit(unit), mPiece(kFirstPiece) {}
+ResourceFetch::ResourceFetch(Pacer& pacer, PanelLink& link, ScreenResources& resources, std::uint8_t unit,
+                             Wanted wanted)
+    : mPacer(pacer), mLink(link), mResources(resources), mUnit(unit), mWanted(wanted), mPiece(kFirstPiece) {}
 
 bool ResourceFetch::Has(const std::vector<Drawing::Missing>& missing) {
-  const auto isWanted = [this](const Drawing::Missing& one) { return !mDone.contains({one.kind, one.id}); };
+  const auto isWanted = [this](const Drawing::Missing& one) {
+    const bool isNamed = mWanted == Wanted::Names && mDirectories.contains(one.kind);
+    return !isNamed && !mDone.contains({one.kind, one.id});
+  };
   const auto next = std::ranges::find_if(missing, isWanted);
   const std::optional<Key> key = next == missing.end() ? std::nullopt : std::optional(Key(next->kind, next->id));
   // What has been begun is read to its end, also when the page has changed.

@@ -25,9 +25,15 @@ class ResourceFetch {
  public:
   static constexpr Duration kLongestPiece = std::chrono::milliseconds(50);  // an input waits behind one
 
+  enum class Wanted {
+    All,
+    Names,  // the line is for the screen: what is missing is drawn with its name
+  };
   // All outlive it.
-  ResourceFetch(Pacer& pacer, PanelLink& link, ScreenResources& resources, std::uint8_t unit);
+  ResourceFetch(Pacer& pacer, PanelLink& link, ScreenResources& resources, std::uint8_t unit,
+                Wanted wanted = Wanted::All);
 
+  [[nodiscard]] Wanted What() const { return mWanted; }
   // What is missing now. True: there is something to read.
   [[nodiscard]] bool Has(const std::vector<Drawing::Missing>& missing);
   // The next piece of it, or the directory. True: a resource has come, or a name. The error of the link leaves what was
@@ -46,6 +52,7 @@ class ResourceFetch {
   PanelLink& mLink;
   ScreenResources& mResources;
   std::uint8_t mUnit;
+  Wanted mWanted;
   std::uint32_t mPiece;
   std::map<PanelResourceKind, std::vector<PanelResource>> mDirectories;
   std::set<Key> mDone;       // came, or will not
