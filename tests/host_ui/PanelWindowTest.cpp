@@ -2,9 +2,11 @@
 
 #include <QAccessible>
 #include <QClipboard>
+#include <QFileDialog>
 #include <QImage>
 #include <QLineEdit>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTableView>
 #include <QToolButton>
 
@@ -224,6 +226,13 @@ TEST_F(PanelWindowTest, ALostLinkLeavesTheLastScreenPaleWithItsAgeAndTakesNoInpu
     });
     Trigger(window, "ID_Journal");
     EXPECT_TRUE(WaitUntil([&] { return Text(window, "lblPanelNote").contains(" old.") == false; }));
+    WhenOpen<QMessageBox>(window, [&](QMessageBox& box) {
+      kvsim->Signal(SIGSTOP);
+      EXPECT_TRUE(WaitUntil([&] { return Text(window, "lblPanelNote").contains("s old"); })) << "under a question, too";
+      kvsim->Signal(SIGCONT);
+      Find<QPushButton>(box, "cmdNo").click();
+    });
+    Trigger(window, "HOST_Operate");
   });
 }
 
@@ -251,6 +260,17 @@ TEST_F(PanelWindowTest, TheKeysOfATextDisplayAreOnTheKeyboardAndBesideIt) {
       QTest::qWait(200);
     }
     EXPECT_TRUE(isPressed()) << "the repetition of a key lets nothing go";
+    // As a desktop tells it whose two halves came apart: let go and pressed in the same moment, and no word of
+    // repeating.
+    for (quint64 moment = 1000; moment < 1400; moment += 100) {
+      for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+        QKeyEvent half(type, Qt::Key_F4, {});
+        half.setTimestamp(moment);
+        QApplication::sendEvent(&View(window), &half);
+        EXPECT_TRUE(View(window).PressedNow()) << moment;
+        QTest::qWait(10);
+      }
+    }
     QTest::keyRelease(&View(window), Qt::Key_F4);
     EXPECT_TRUE(WaitUntil([&] { return !isPressed(); }));
   });
@@ -263,6 +283,18 @@ TEST_F(PanelWindowTest, TheScreenIsScaledCopiedSavedAndSearched) {
     PanelView& view = View(window);
     Trigger(window, "HOST_CopyPicture");
     EXPECT_EQ(QApplication::clipboard()->image().size(), QSize(800, 480));
+    for (const auto& [name, isSaved] : {std::pair("screen.png", true), {"no folder/screen.png", false}}) {
+      const QString path = QString::fromStdString((home.Path() / name).string());
+      WhenOpen<QFileDialog>(window, [&](QFileDialog& dialog) {
+        Find<QLineEdit>(dialog, "fileNameEdit").setText(path);
+        static_cast<QDialog&>(dialog).accept();
+      });
+      const Boxes boxes(window);
+      Trigger(window, "HOST_SavePicture");
+      EXPECT_EQ(QImage(path).convertToFormat(QImage::Format_RGB32), isSaved ? view.Picture() : QImage());
+      EXPECT_EQ(boxes.texts.empty(), isSaved);
+    }
+    Return(window);
     Trigger(window, "HOST_CopyTexts");
     EXPECT_TRUE(QApplication::clipboard()->text().contains('\n'));
     const std::string word = std::ranges::find_if(view.Texts(), [](const auto& text) { return !text.touch; })->text;
@@ -278,6 +310,8 @@ TEST_F(PanelWindowTest, TheScreenIsScaledCopiedSavedAndSearched) {
     QTest::keyClick(&window, Qt::Key_Escape);
     EXPECT_TRUE(WaitUntil([&] { return Find<QTableView>(window, "tblLog").isVisible(); }));
     EXPECT_FALSE(window.isFullScreen());
+    const QScrollBar& bar = *Find<QTableView>(window, "tblLog").verticalScrollBar();
+    EXPECT_TRUE(WaitUntil([&] { return bar.value() == bar.maximum(); })) << "of " << bar.maximum();
   });
 }
 

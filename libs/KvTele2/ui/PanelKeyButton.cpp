@@ -53,6 +53,7 @@ void PanelKeyButton::Down() {
 }
 
 void PanelKeyButton::Up() {
+  mHeldKey.Forget();
   if (!isDown()) return;
   setDown(false);
   if (onUp) onUp();
@@ -72,12 +73,12 @@ void PanelKeyButton::mouseReleaseEvent(QMouseEvent*) {
 
 void PanelKeyButton::keyPressEvent(QKeyEvent* event) {
   if (event->key() != Qt::Key_Space) return QPushButton::keyPressEvent(event);
-  if (!event->isAutoRepeat()) Down();
+  if (mHeldKey.Begins(*event)) Down();
 }
 
 void PanelKeyButton::keyReleaseEvent(QKeyEvent* event) {
   if (event->key() != Qt::Key_Space) return QPushButton::keyReleaseEvent(event);
-  if (!event->isAutoRepeat()) Up();
+  mHeldKey.Release(*event);
 }
 
 void PanelKeyButton::focusOutEvent(QFocusEvent* event) {
@@ -96,7 +97,8 @@ void PanelKeyButton::changeEvent(QEvent* event) {
 }
 
 bool PanelKeyButton::event(QEvent* event) {
-  if (event->type() == QEvent::UngrabMouse) Up();
+  const auto type = event->type();
+  if (type == QEvent::UngrabMouse || type == QEvent::WindowDeactivate || type == QEvent::WindowBlocked) Up();
   return QPushButton::event(event);
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "KvTele2/panel/ScreenItems.h"
+#include "KvTele2/ui/HeldKey.h"
 
 namespace kv {
 
@@ -36,6 +37,7 @@ class PanelKeyButton final : public QPushButton {
   void Down();
   void Up();
 
+  HeldKey mHeldKey{[this] { Up(); }};
   QString mName;
   QString mMeaning;
   std::optional<panel::Lamp> mLamp;

@@ -18,9 +18,9 @@ using panel::PanelMode;
 using panel::PanelSight;
 using panel::PixelRect;
 
-constexpr int kPaleness = 150;  // of 255, that the window's colour lies over an old screen
-constexpr int kSelection = 90;  // the same of the selection's
-constexpr QSize kSmallest(240, 120);
+constexpr int kPaleness = 150;      // of 255, that the window's colour lies over an old screen
+constexpr int kSelection = 90;      // the same of the selection's
+constexpr QSize kSmallest(96, 48);  // what is larger is shown smaller
 
 QRect RectOf(const PixelRect& rect) {
   return {rect.x, rect.y, rect.width, rect.height};
@@ -151,10 +151,9 @@ std::optional<QPoint> PanelView::DotAt(QPointF at) const {
   return QRect(QPoint(), DotCount()).contains(dot) ? std::optional(dot) : std::nullopt;
 }
 
-std::optional<std::uint16_t> PanelView::AreaAt(QPointF at) const {
-  const auto dot = DotAt(at);
+std::optional<std::uint16_t> PanelView::AreaAt(QPoint dot) const {
   const auto* session = mSource();
-  return dot && session && session->Model() ? session->Model()->AreaAt(dot->x(), dot->y()) : std::nullopt;
+  return session && session->Model() ? session->Model()->AreaAt(dot.x(), dot.y()) : std::nullopt;
 }
 
 // Drawing.
@@ -243,16 +242,13 @@ std::optional<panel::PanelPlace> PanelView::PressedNow() const {
 
 void PanelView::LetGo() {
   mTouched.reset();
-  mKeyDown = 0;
+  mHeldKey.Forget();
   mPress.End();
 }
 
 void PanelView::BeginTouch(QPointF at) {
-  const auto dot = DotAt(at);
-  if (!dot) return;
-  mTouched = AreaAt(at);
-  mPress.Begin(PlaceAt(*dot));
-  if (!mTouched) mPress.End();
+  mTouched = DotAt(at);
+  if (mTouched) mPress.Begin(PlaceAt(*mTouched));
 }
 
 void PanelView::mousePressEvent(QMouseEvent* event) {
@@ -264,7 +260,7 @@ void PanelView::mousePressEvent(QMouseEvent* event) {
 void PanelView::mouseMoveEvent(QMouseEvent* event) {
   const auto dot = DotAt(event->position());
   if (mTouched) {
-    if (!dot || AreaAt(event->position()) != mTouched) return LetGo();
+    if (!dot || AreaAt(*dot) != AreaAt(*mTouched)) return LetGo();
     mPress.MoveTo(PlaceAt(*dot));
   } else if (mSelectFrom && dot) {
     Select(QRect(*mSelectFrom, *dot).normalized());
@@ -278,7 +274,7 @@ void PanelView::mouseReleaseEvent(QMouseEvent* event) {
   const bool isClick = mSelectFrom && mSelected.isEmpty() && (event->modifiers() & Qt::ShiftModifier) == 0;
   mSelectFrom.reset();
   if (mTouched) return LetGo();
-  if (isClick && dot && HasTouch() && !IsOperated() && AreaAt(event->position())) mPress.Tap(PlaceAt(*dot));
+  if (isClick && dot && HasTouch() && !IsOperated() && AreaAt(*dot)) mPress.Tap(PlaceAt(*dot));
 }
 
 std::optional<std::uint8_t> PanelView::KeyOf(const QKeyEvent& event) const {
@@ -304,9 +300,8 @@ void PanelView::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Copy) && onCopy) return onCopy();
   if (event->matches(QKeySequence::SelectAll)) return Select(QRect(QPoint(), DotCount()));
   if (const auto key = KeyOf(*event)) {
-    if (event->isAutoRepeat()) return;
+    if (!mHeldKey.Begins(*event)) return;
     mTouched.reset();
-    mKeyDown = event->key();
     return mPress.Begin({.key = *key});
   }
   if (HasTouch() && !event->isAutoRepeat()) {
@@ -318,7 +313,7 @@ void PanelView::keyPressEvent(QKeyEvent* event) {
 }
 
 void PanelView::keyReleaseEvent(QKeyEvent* event) {
-  if (!event->isAutoRepeat() && event->key() == mKeyDown) return LetGo();
+  mHeldKey.Release(*event);
   QWidget::keyReleaseEvent(event);
 }
 
@@ -337,10 +332,9 @@ void PanelView::MoveArea(int step) {
 }
 
 void PanelView::PressArea(const QKeyEvent& event) {
-  if (!mArea) return;
+  if (!mArea || !mHeldKey.Begins(event)) return;
   const panel::PanelPlace place{
       .key = std::nullopt, .x = mArea->x + mArea->width / 2, .y = mArea->y + mArea->height / 2};
-  mKeyDown = event.key();
   mPress.Begin(place);
 }
 

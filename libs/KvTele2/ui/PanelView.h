@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "KvTele2/panel/ScreenText.h"
+#include "KvTele2/ui/HeldKey.h"
 #include "KvTele2/ui/PanelPress.h"
 #include "KvTele2/ui/PanelScale.h"
 
@@ -68,7 +69,7 @@ class PanelView final : public QWidget {
   [[nodiscard]] double Factor() const;
   [[nodiscard]] QRectF Place() const;
   [[nodiscard]] std::optional<QPoint> DotAt(QPointF at) const;
-  [[nodiscard]] std::optional<std::uint16_t> AreaAt(QPointF at) const;
+  [[nodiscard]] std::optional<std::uint16_t> AreaAt(QPoint dot) const;
   [[nodiscard]] std::optional<std::uint8_t> KeyOf(const QKeyEvent& event) const;
   [[nodiscard]] bool IsOperated() const;
   [[nodiscard]] bool HasTouch() const;
@@ -92,10 +93,10 @@ class PanelView final : public QWidget {
   std::optional<panel::PixelRect> mFound;
   std::optional<panel::PixelRect> mArea;  // that the keyboard would press, on a display that is touched
 
-  std::optional<std::uint16_t> mTouched;  // the slot that the pointer pressed
-  int mKeyDown = 0;                       // the keyboard's key that is pressed
-  std::optional<QPoint> mSelectFrom;      // a dot, while the mouse selects
-  QRect mSelected;                        // dots
+  std::optional<QPoint> mTouched;  // the dot that the pointer pressed; what lies there may still be on its way
+  HeldKey mHeldKey{[this] { LetGo(); }};
+  std::optional<QPoint> mSelectFrom;  // a dot, while the mouse selects
+  QRect mSelected;                    // dots
 };
 
 }  // namespace kv
