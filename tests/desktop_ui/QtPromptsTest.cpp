@@ -87,6 +87,18 @@ TEST_F(QtPromptsTest, AnInputBoxGivesWhatWasTypedAndHidesASecret) {
   }
 }
 
+TEST_F(QtPromptsTest, ABoxIsNeverHigherThanTheScreen) {
+  std::string text;
+  for (int line = 0; line < 200; ++line) text += "What is about to be done, and to which machine\r\n";
+  WhenOpen<QMessageBox>(user, [](QMessageBox& box) {
+    EXPECT_LE(box.frameSize().height(), box.screen()->availableSize().height());
+    const auto& no = Find<QPushButton>(box, "cmdNo");
+    EXPECT_TRUE(box.rect().contains(QRect(no.mapTo(&box, QPoint()), no.size())));
+    box.reject();
+  });
+  EXPECT_EQ(prompts.Show({.text = text, .buttons = PromptButtons::YesNo}), PromptAnswer::No);
+}
+
 TEST_F(QtPromptsTest, FileDialogsShowTheFilterAndAddItsExtension) {
   const QTemporaryDir folder;
   WhenOpen<QFileDialog>(user, [](QFileDialog& dialog) {

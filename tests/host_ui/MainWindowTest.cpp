@@ -9,6 +9,7 @@
 #include <QFileDialog>
 #include <QMenu>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QTableView>
 #include <QTableWidget>
 #include <QToolBar>
@@ -200,8 +201,8 @@ TEST_F(MainWindowTest, EveryWindowReadsAsItIsWrittenDown) {
         add(*other);
       }
     }
-    for (const char* command :
-         {"ID_LogIn", "ID_About", "ID_Session", "ID_Journal", "ID_ComParams", "ID_Modem", "ID_DumpPLC"})
+    for (const char* command : {"ID_LogIn", "ID_About", "ID_Session", "ID_Journal", "ID_ComParams", "ID_Modem",
+                                "ID_DumpPLC", "ID_ImportCacheFromPLC"})
       addNext(window, command);
     WhenOpen<QDialog>(window, [&](QDialog& view) {
       EXPECT_TRUE(QTest::qWaitForWindowActive(&view, kPatience));
@@ -278,6 +279,19 @@ TEST_F(MainWindowTest, TheTraceStandsBesideTheToolsWithTheTimeOfDay) {
     });
     Trigger(window, "ID_Session");
   });
+}
+
+TEST_F(MainWindowTest, FitsTheScreenWhereLettersAreThreeTimesAsLarge) {
+  const QFont usual = QApplication::font();
+  QFont large = usual;
+  large.setPointSizeF(3 * usual.pointSizeF());
+  QApplication::setFont(large);
+  Run([](QMainWindow& window) {
+    const QSize screen = window.screen()->availableSize();
+    EXPECT_EQ(window.size().boundedTo(screen), window.size()) << window.width() << " x " << window.height();
+    EXPECT_TRUE(Find<QLabel>(window, "lblConnection").isVisible());
+  });
+  QApplication::setFont(usual);
 }
 
 TEST_F(MainWindowTest, TheLogHasItsMenu) {

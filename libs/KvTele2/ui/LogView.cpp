@@ -28,14 +28,17 @@ LogView::LogView(QWidget* parent) : QTableView(parent) {
 }
 
 void LogView::Follow(const Journal& journal) {
-  updateGeometries();  // row heights that were set last count for the bar only from now on
-  const QScrollBar* bar = verticalScrollBar();
-  const bool isAtEnd = bar->value() == bar->maximum();  // a user who reads further up is left there
+  updateGeometries();              // row heights that were set last count for the bar only from now on
+  const bool isAtEnd = IsAtEnd();  // a user who reads further up is left there
   const int before = mModel.rowCount();
   if (!mModel.Follow(journal)) return;
   for (int row = std::min(before, mModel.rowCount() - 1); row < mModel.rowCount(); ++row) FitRow(row);
   updateGeometries();
   if (isAtEnd) scrollToBottom();
+}
+
+bool LogView::IsAtEnd() const {
+  return verticalScrollBar()->value() == verticalScrollBar()->maximum();
 }
 
 void LogView::FitRow(int row) {
@@ -53,9 +56,13 @@ QString LogView::CopyText() const {
 }
 
 void LogView::resizeEvent(QResizeEvent* event) {
+  const bool wasAtEnd = IsAtEnd();
   QTableView::resizeEvent(event);
-  if (event->oldSize().width() == event->size().width()) return;
-  for (int row = 0; row < mModel.rowCount(); ++row) FitRow(row);
+  if (event->oldSize().width() != event->size().width()) {
+    for (int row = 0; row < mModel.rowCount(); ++row) FitRow(row);
+    updateGeometries();
+  }
+  if (wasAtEnd) scrollToBottom();
 }
 
 }  // namespace kv

@@ -19,6 +19,7 @@ class LogView final : public QTableView {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  [[nodiscard]] bool IsAtEnd() const;
   void FitRow(int row);
 
   LogModel mModel;

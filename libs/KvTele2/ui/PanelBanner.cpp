@@ -44,9 +44,10 @@ class PanelBanner::ModeTag final : public QFrame {
   }
 
  protected:
-  void changeEvent(QEvent* event) override {
-    QFrame::changeEvent(event);
+  bool event(QEvent* event) override {
+    const bool isTaken = QFrame::event(event);
     if (event->type() == QEvent::ApplicationPaletteChange) TakeColours();
+    return isTaken;
   }
 
  private:
@@ -100,6 +101,7 @@ PanelBanner::PanelBanner(const std::vector<QAction*>& commands, QWidget* parent)
       button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     if (command->menu()) button->setPopupMode(QToolButton::InstantPopup);
     head->addWidget(button);
+    mButtons.push_back(button);
   }
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(6, 4, 6, 4);
@@ -108,6 +110,18 @@ PanelBanner::PanelBanner(const std::vector<QAction*>& commands, QWidget* parent)
   mNote->setObjectName("lblPanelNote");
   mNote->setAccessibleDescription("Why the screen is old, who operates it, and what became of the last press");
   rows->addWidget(mNote);
+}
+
+// The mode's word never gives way: whoever does not see it does not know whether he operates. The menus have all
+// commands.
+void PanelBanner::resizeEvent(QResizeEvent* event) {
+  QFrame::resizeEvent(event);
+  constexpr int kPageLetters = 10;
+  int left = width() - mTag->sizeHint().width() - kPageLetters * fontMetrics().averageCharWidth();
+  for (QWidget* button : mButtons) {
+    left -= button->sizeHint().width() + layout()->spacing();
+    button->setVisible(left > 0);
+  }
 }
 
 void PanelBanner::Show(const panel::PanelState& state, const QString& note) {

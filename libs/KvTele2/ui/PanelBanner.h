@@ -24,11 +24,15 @@ class PanelBanner final : public QFrame {
   // The colours of Operate, for its frame around the screen too.
   [[nodiscard]] static QColor OperateColour();
 
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+
  private:
   class ModeTag;
 
   ModeTag* mTag = nullptr;
   ElidedLabel* mPage = nullptr;
+  std::vector<QWidget*> mButtons;  // of the commands, as many as there is room for
   ElidedLabel* mNote = nullptr;
 };
 

@@ -149,8 +149,10 @@ void PanelPage::ShowFrame(bool isOperated) {
   QPalette colours;
   if (isOperated) colours.setColor(QPalette::Window, PanelBanner::OperateColour());
   mFrame->setPalette(colours);
-  mScroll->setPalette(QApplication::palette());  // not that of the frame
-  if (isOperated) mView->setFocus();             // its keys are the controller's now
+  QPalette inside = QApplication::palette();  // not that of the frame: a colour that nobody has set would be
+  inside.setColor(QPalette::Window, inside.color(QPalette::Window));
+  mScroll->setPalette(inside);
+  if (isOperated) mView->setFocus();  // its keys are the controller's now
 }
 
 // How it is shown.

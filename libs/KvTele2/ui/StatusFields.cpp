@@ -19,6 +19,10 @@ void StatusFields::Show(const HostState& state) {
   mConnection->setText(QString::fromStdString(ConnectionText(state)));
 }
 
+void StatusFields::ShowPlace(bool isShown) {
+  for (QLabel* field : {mLink, mSession}) field->setVisible(isShown);
+}
+
 // A long name must not widen the window.
 void StatusFields::ShowUser(const QString& name) {
   constexpr int kMostCharacters = 24;

@@ -12,6 +12,8 @@ class StatusFields final : public MessageBar {
   explicit StatusFields(QWidget* parent);
 
   void Show(const HostState& state);
+  // Link and session stand in the heading, too: where there is no room they are left out here.
+  void ShowPlace(bool isShown);
 
  private:
   void ShowUser(const QString& name);

@@ -12,6 +12,7 @@
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <array>
 #include <utility>
 
@@ -38,6 +39,9 @@ constexpr std::chrono::seconds kHeartbeat{1};
 constexpr std::chrono::milliseconds kInputDelay{300};
 constexpr QSize kFirstSize(1120, 720);
 constexpr int kFewestLetters = 24;  // beside each other in a page; what is wider scrolls
+// A screen that is not as many lines of text high has no room for these.
+constexpr int kLinesWithLog = 28;
+constexpr int kLinesWithTools = 22;
 // Longer than any answer takes but on the slowest lines.
 constexpr std::chrono::seconds kSilence{1};
 // The scale of the panel, in the file of the windows' places: it belongs to the screen.
@@ -65,6 +69,7 @@ frmMain::frmMain(QtPacer& pacer, const std::filesystem::path& windowsFile)
           [this] { mAround.empty() ? Command(command::kEscape, "") : ToggleFullScreen(); });
   ShowScale(PanelScale::Named(QString::fromStdString(ReadProfileString(mWindowsFile, kPanelSection, kScaleKey, ""))));
   mCommands.ShowTheme(NameOf(mTheme.Chosen()));
+  FitScreen();
   resize(kFirstSize);
   RememberPlace(*this, windowsFile);
 }
@@ -126,6 +131,24 @@ QWidget* frmMain::BuildPages(QWidget* parent) {
   return upper;
 }
 
+// On a small screen, or with large letters, what stands around the middle gives way: the menus have all commands, the
+// heading names machine and state, and the foot has the last line of the log.
+void frmMain::FitScreen() {
+  if (!mAround.empty()) return;
+  const QSize room = RoomFor(*this);
+  const int lines = room.height() / fontMetrics().lineSpacing();
+  const bool isWide = room.width() >= mSideColumn->maximumWidth() + 2 * mPages->minimumWidth();
+  mSideColumn->setVisible(isWide);
+  mStatus->ShowPlace(isWide);
+  mLog->setVisible(lines >= kLinesWithLog);
+  mCommands.ToolBar()->setVisible(lines >= kLinesWithTools);
+}
+
+void frmMain::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  connect(windowHandle(), &QWindow::screenChanged, this, &frmMain::FitScreen, Qt::UniqueConnection);
+}
+
 void frmMain::ShowLogMenu(const QPoint& at) {
   QMenu menu(this);
   menu.setToolTipsVisible(true);
@@ -181,8 +204,14 @@ void frmMain::ShowPanelCommand(std::string_view id, const QString& argument) {
   }
   if (id == command::kFullScreen) ToggleFullScreen();
   if (id == command::kFindText) mPanel->OpenFind();
-  if (id == command::kCopyPicture) QApplication::clipboard()->setImage(mPanel->View().Picture());
-  if (id == command::kCopyTexts) QApplication::clipboard()->setText(mPanel->View().TextToCopy());
+  if (id == command::kCopyPicture) {
+    QApplication::clipboard()->setImage(mPanel->View().Picture());
+    mHost->StatusMessage("The picture of the screen is on the clipboard.");
+  }
+  if (id == command::kCopyTexts) {
+    QApplication::clipboard()->setText(mPanel->View().TextToCopy());
+    mHost->StatusMessage("The texts of the screen are on the clipboard.");
+  }
 }
 
 void frmMain::ShowScale(PanelScale scale) {
@@ -214,7 +243,8 @@ std::expected<void, std::string> frmMain::SavePicture(const std::string& path) {
       !picture.isNull() && file.open(QIODevice::WriteOnly) && picture.save(&file, "PNG") && file.commit();
   if (isSaved) return {};
   return std::unexpected(picture.isNull() ? "There is no screen any more."
-                                          : path + ": " + file.errorString().toStdString() + ".");
+                                          : path + ": " + file.errorString().toStdString() +
+                                                ".\r\nWhat to do: choose another folder.");
 }
 
 void frmMain::ShowPointer(bool busy) {
@@ -263,7 +293,9 @@ void frmMain::LetInputThrough() {
 
 void frmMain::Tick() {
   // A tool's window may hold this one up, or a box of the host's, under which nothing is asked.
-  QApplication::activeModalWidget() ? mHost->FollowTool() : mHost->Tick();
+  if (!QApplication::activeModalWidget()) return mHost->Tick();
+  mHost->FollowTool();
+  mPanel->Show(mHost->State());  // grows old all the same
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {

@@ -48,11 +48,13 @@ class frmMain final : public QMainWindow, public HostView {
  protected:
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
   void BuildMiddle();
   [[nodiscard]] QWidget* BuildPages(QWidget* parent);
   void BuildTimers();
+  void FitScreen();
   void ShowLogMenu(const QPoint& at);  // on the screen
   void Command(std::string_view id, const std::string& argument);
   void LetInputThrough();

@@ -9,8 +9,10 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTreeView>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <array>
 
 #include "desktop/ui/HelpLink.h"
@@ -105,6 +107,25 @@ void AddHelp(QMessageBox& box) {
   QObject::connect(help, &QPushButton::clicked, &box, [&box] { RequestHelp(box); });
 }
 
+// A text that is higher than the screen, as large letters make it, scrolls: the buttons are always in sight.
+void FitScreen(QMessageBox& box) {
+  auto* text = box.findChild<QLabel*>("qt_msgbox_label");
+  if (!text) return;                                                                       // the platform's own box
+  const QSize aroundText(8 * box.fontMetrics().height(), 5 * box.fontMetrics().height());  // the sign and the buttons
+  const QSize room = RoomFor(box) - aroundText;
+  const QSize lines = text->sizeHint();
+  text->setWordWrap(true);
+  const int height = lines.width() <= room.width() ? lines.height() : text->heightForWidth(room.width());
+  text->setWordWrap(false);  // the box decides that by itself
+  if (height <= room.height()) return;
+  auto* page = new QScrollArea(&box);
+  page->setFrameShape(QFrame::NoFrame);
+  page->setWidgetResizable(true);
+  page->setMinimumSize(std::min(lines.width() + aroundText.height(), room.width()), room.height());
+  delete box.layout()->replaceWidget(text, page);
+  page->setWidget(text);
+}
+
 // Sizes and times of files in full; the names take what is left.
 void ShowWholeColumns(const QFileDialog& dialog) {
   const auto* list = dialog.findChild<QTreeView*>("treeView");
@@ -151,6 +172,7 @@ PromptAnswer QtPrompts::Show(const MessageBox& box) {
   }
   if (box.canLose && box.buttons == PromptButtons::Ok) new ClosingDeclines(shown);
   if (TellsWhatToDo(shown.text())) AddHelp(shown);
+  FitScreen(shown);
   const int pressed = RunDialog(shown);
   for (const Button& button : kButtons) {
     if (button.standard == pressed) return button.answer;
