@@ -57,6 +57,11 @@ frmRestoreCache::frmRestoreCache(CacheServices services, QWidget* parent) : QDia
 void frmRestoreCache::BuildSteps(QBoxLayout& page) {
   auto* rows = new QGridLayout();
   page.addLayout(rows);
+  mBrowse = new QPushButton(IconOf("open"), "&Browse...", this);
+  mBrowse->setObjectName("cmdBrowse");
+  mBrowse->setAutoDefault(false);
+  Describe(*mBrowse, "Chooses the cache file that is made, or one that is brought up to date", "Alt+B");
+  connect(mBrowse, &QPushButton::clicked, this, [this] { Browse(); });
   for (std::size_t i = 0; i < kRows; ++i) {
     const int row = static_cast<int>(i);
     mMarks[i] = new QLabel(this);
@@ -77,11 +82,6 @@ void frmRestoreCache::BuildSteps(QBoxLayout& page) {
     mSteps[i]->setBuddy(mBoxes[i]);
     rows->addWidget(mBoxes[i], row, 1);
   }
-  mBrowse = new QPushButton(IconOf("open"), "&Browse...", this);
-  mBrowse->setObjectName("cmdBrowse");
-  mBrowse->setAutoDefault(false);
-  Describe(*mBrowse, "Chooses the cache file that is made, or one that is brought up to date", "Alt+B");
-  connect(mBrowse, &QPushButton::clicked, this, [this] { Browse(); });
   rows->addWidget(mBrowse, 0, 3);
   rows->setColumnStretch(2, 1);
 }
