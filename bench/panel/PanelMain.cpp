@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "KvCmDrv1/Driver.h"
@@ -18,6 +19,7 @@
 #include "bench/exchange/BarePartner.h"
 #include "bench/exchange/KvsimChild.h"
 #include "bench/exchange/Measure.h"
+#include "bench/panel/Figures.h"
 #include "desktop/console/ConsolePacer.h"
 #include "link/LinkLimits.h"
 
@@ -161,24 +163,10 @@ class Host {
   std::optional<kv::panel::PanelSession> mSession;
 };
 
-struct Figure {
-  double median;
-  double worst;
-};
-
 Figure FigureOf(const std::vector<Host::Took>& all, double Host::Took::* part) {
   std::vector<double> values;
   for (const Host::Took& one : all) values.push_back(one.*part);
-  std::ranges::sort(values);
-  return {values[values.size() / 2], values.back()};
-}
-
-// Prints a figure and whether it is good enough.
-bool Tell(const char* way, const char* what, const Figure& figure, double scale, double wanted) {
-  const bool isGood = figure.median <= wanted;
-  std::printf("%-12s %-34s %8.2f worst %8.2f wanted %8.2f%s\n", way, what, figure.median * scale, figure.worst * scale,
-              wanted * scale, isGood ? "" : "  <");
-  return isGood;
+  return FigureOf(std::move(values));
 }
 
 // Nothing when it did not work; else whether all figures are as wanted.
