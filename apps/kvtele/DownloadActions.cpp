@@ -13,17 +13,10 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // Link and Reply are named by the error of the link.
-struct CauseRow {
-  DownloadCause cause;
-  std::string_view name;
-  ExitCode exit;
-};
-constexpr std::array kCauses = {
-    CauseRow{DownloadCause::NotFit, "notFit", ExitCode::Refused},
-    CauseRow{DownloadCause::File, "badFile", ExitCode::BadFile},
-    CauseRow{DownloadCause::Backup, "backup", ExitCode::Failed},
-    CauseRow{DownloadCause::Differs, "differs", ExitCode::Differs},
-    CauseRow{DownloadCause::Unproven, "unproven", ExitCode::Failed},
+constexpr CauseRow<DownloadCause> kCauses[] = {
+    {DownloadCause::NotFit, "notFit", ExitCode::Refused},    {DownloadCause::File, "badFile", ExitCode::BadFile},
+    {DownloadCause::Backup, "backup", ExitCode::Failed},     {DownloadCause::Differs, "differs", ExitCode::Differs},
+    {DownloadCause::Unproven, "unproven", ExitCode::Failed},
 };
 
 Json JsonOf(const DownloadSide& side) {
@@ -67,11 +60,11 @@ Failure FailureOf(std::string doing, const DownloadOutcome& outcome, bool isDryR
   if (outcome.end == DownloadEnd::Declined && outcome.link.code == LinkErrorCode::None) {
     return {isDryRun ? ExitCode::Refused : ExitCode::Failed, "notConfirmed", std::move(doing), text, {}, {}};
   }
-  const auto row = std::ranges::find(kCauses, outcome.cause, &CauseRow::cause);
+  const auto* row = RowOf<DownloadCause>(kCauses, outcome.cause);
   const bool isRefused = outcome.end == DownloadEnd::Refused;
   // Who never came back, or came back as another one, is no difference between file and controller.
   const bool isUnheard = outcome.cause == DownloadCause::Unproven && outcome.link.code != LinkErrorCode::None;
-  if (row != kCauses.end() && !isUnheard && outcome.link.code != LinkErrorCode::OtherController) {
+  if (row != nullptr && !isUnheard && outcome.link.code != LinkErrorCode::OtherController) {
     const ExitCode exit = isRefused && row->exit != ExitCode::BadFile ? ExitCode::Refused : row->exit;
     return {exit, std::string(row->name), std::move(doing), text, {}, {}};
   }

@@ -36,19 +36,14 @@ constexpr std::array kLinkErrors = {
 };
 
 // Reply and Link are named by the error of the link.
-struct CauseRow {
-  CloneCause cause;
-  std::string_view name;
-  ExitCode exit;
-};
-constexpr std::array kCauses = {
-    CauseRow{CloneCause::Stop,     "interrupted", ExitCode::Interrupted},
-    CauseRow{CloneCause::OldOs,    "notFit",      ExitCode::Refused},
-    CauseRow{CloneCause::Segments, "segments",    ExitCode::Refused},
-    CauseRow{CloneCause::Password, "password",    ExitCode::Refused},
-    CauseRow{CloneCause::NoPassword, "password",  ExitCode::Refused},
-    CauseRow{CloneCause::File,     "badFile",     ExitCode::BadFile},
-    CauseRow{CloneCause::Unproven, "unproven",    ExitCode::Failed},
+constexpr CauseRow<CloneCause> kCauses[] = {
+    {CloneCause::Stop,     "interrupted", ExitCode::Interrupted},
+    {CloneCause::OldOs,    "notFit",      ExitCode::Refused},
+    {CloneCause::Segments, "segments",    ExitCode::Refused},
+    {CloneCause::Password, "password",    ExitCode::Refused},
+    {CloneCause::NoPassword, "password",  ExitCode::Refused},
+    {CloneCause::File,     "badFile",     ExitCode::BadFile},
+    {CloneCause::Unproven, "unproven",    ExitCode::Failed},
 };
 // clang-format on
 
@@ -97,10 +92,8 @@ Failure LinkFailure(const LinkError& error, bool wasConnected) {
 }
 
 Failure CloneFailure(std::string doing, const CloneOutcome& outcome) {
-  for (const CauseRow& row : kCauses) {
-    if (row.cause == outcome.cause) {
-      return {row.exit, std::string(row.name), std::move(doing), outcome.reason, {}, {}};
-    }
+  if (const auto* row = RowOf<CloneCause>(kCauses, outcome.cause)) {
+    return {row->exit, std::string(row->name), std::move(doing), outcome.reason, {}, {}};
   }
   const Failure link = LinkFailure(outcome.link, true);
   const bool isUseless = outcome.cause != CloneCause::None && outcome.link.code == LinkErrorCode::None;

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <expected>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "clone/CloneOutcome.h"
 #include "link/LinkError.h"
@@ -41,6 +44,20 @@ struct Failure {
 // What every function of this program returns that can fail: the value, or why there is none.
 template <typename Value>
 using OrFailure = std::expected<Value, Failure>;
+
+// A kind of thing that was in the way, as an engine names it: its word for scripts, and what the program ends with.
+template <typename Cause>
+struct CauseRow {
+  Cause cause;
+  std::string_view name;
+  ExitCode exit;
+};
+// The row of that cause; null: its failure is named by the error of the link.
+template <typename Cause>
+[[nodiscard]] const CauseRow<Cause>* RowOf(std::span<const CauseRow<Cause>> rows, Cause cause) {
+  const auto row = std::ranges::find(rows, cause, &CauseRow<Cause>::cause);
+  return row == rows.end() ? nullptr : &*row;
+}
 
 // A command line that cannot be understood.
 [[nodiscard]] Failure UsageFailure(std::string happened, std::string cure = {});

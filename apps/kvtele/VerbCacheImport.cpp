@@ -55,28 +55,23 @@ std::optional<SharedState> SessionOf(const CommonOptions& common) {
 }
 
 Failure ImportFailure(const CacheOutcome& outcome, const std::string& doing) {
-  struct Row {
-    CacheCause cause;
-    const char* name;
-    ExitCode exit;
-  };
   // clang-format off
-  constexpr std::array kRows = {
-      Row{CacheCause::NotColour,       "notFit",          ExitCode::Refused},
-      Row{CacheCause::OldOs,           "notFit",          ExitCode::Refused},
-      Row{CacheCause::TooMuch,         "notFit",          ExitCode::Refused},
-      Row{CacheCause::NothingWanted,   "usage",           ExitCode::Usage},
-      Row{CacheCause::File,            "badFile",         ExitCode::BadFile},
-      Row{CacheCause::OtherController, "otherController", ExitCode::LinkLost},
-      Row{CacheCause::Changed,         "changed",         ExitCode::Failed},
+  constexpr CauseRow<CacheCause> kRows[] = {
+      {CacheCause::NotColour,       "notFit",          ExitCode::Refused},
+      {CacheCause::OldOs,           "notFit",          ExitCode::Refused},
+      {CacheCause::TooMuch,         "notFit",          ExitCode::Refused},
+      {CacheCause::NothingWanted,   "usage",           ExitCode::Usage},
+      {CacheCause::File,            "badFile",         ExitCode::BadFile},
+      {CacheCause::OtherController, "otherController", ExitCode::LinkLost},
+      {CacheCause::Changed,         "changed",         ExitCode::Failed},
   };
   // clang-format on
   if (outcome.end == CacheEnd::Stopped) return InterruptedFailure(doing);
   std::string happened = outcome.text;
   std::erase(happened, '\r');
-  if (!outcome.reason.empty()) happened += "\n" + outcome.reason;
-  for (const Row& row : kRows) {
-    if (row.cause == outcome.cause) return {row.exit, row.name, doing, happened, {}, {}};
+  for (const std::string& more : {outcome.reason, outcome.kept}) happened += (more.empty() ? "" : "\n") + more;
+  if (const auto* row = RowOf<CacheCause>(kRows, outcome.cause)) {
+    return {row->exit, std::string(row->name), doing, happened, {}, {}};
   }
   const Failure link = LinkFailure(outcome.link, true);
   return {link.exit, link.code, doing, happened, {}, {}};

@@ -11,6 +11,7 @@
 #include "base/Texts.h"
 #include "clone/RestoreBegin.h"
 #include "clone/RestoreCheck.h"
+#include "desktop/UserName.h"
 #include "link/LinkLimits.h"
 
 namespace kv::cli {
@@ -147,7 +148,8 @@ OrFailure<void> VerbPress::Operate(Environment& environment, TerminalPanel& pane
     return std::unexpected(NotFitFailure(kDoing, who + " operates the panel", "only one can do so at a time",
                                          "wait until it is free, or take it over with --take-over"));
   }
-  panel.Session().AskToOperate(user.empty() ? "kvtele" : user, mTakeOver);
+  const std::string name = user.empty() ? UserName() : user;
+  panel.Session().AskToOperate(name.empty() ? "kvtele" : name, mTakeOver);
   const auto report = Await(panel);
   if (!report) return std::unexpected(report.error());
   if (report->result != PressReport::Result::Done) return std::unexpected(FailureOf(*report, panel));
