@@ -62,6 +62,10 @@ function(kv_program target)
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE kv_options ${ARG_ON})
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+  if(UNIX)  # an archive with the programs brings libraries, which also load each other from there
+    set_target_properties(${target} PROPERTIES BUILD_RPATH "$ORIGIN/lib")
+    target_link_options(${target} PRIVATE -Wl,--disable-new-dtags)
+  endif()
 endfunction()
 
 # kv_test(<target> SOURCES ... [ON ...]): one GoogleTest program, one ctest entry.
