@@ -107,6 +107,13 @@ void MachineHeading::Show(const HostState& state) {
   FitTrouble();
 }
 
+void MachineHeading::ShowName(bool isShown) {
+  for (QWidget* part :
+       {static_cast<QWidget*>(mMark), static_cast<QWidget*>(mHeading), static_cast<QWidget*>(mAddress)}) {
+    part->setVisible(isShown);
+  }
+}
+
 void MachineHeading::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   FitTrouble();

@@ -26,6 +26,8 @@ class MachineHeading final : public QWidget {
   MachineHeading(OnCommand onCommand, QWidget* parent);
 
   void Show(const HostState& state);
+  // Machine, state and address; on a low screen they have no room, and stand in the window's title.
+  void ShowName(bool isShown);
 
  protected:
   void resizeEvent(QResizeEvent* event) override;

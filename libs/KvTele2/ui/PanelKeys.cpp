@@ -69,7 +69,7 @@ void PanelKeys::Follow(const panel::PanelSession* session) {
   const auto* model = session ? session->Model() : nullptr;
   const std::vector<PanelKey> keys = model ? model->Panel().keys : std::vector<PanelKey>{};
   if (keys != mKeys) Build(keys);
-  setVisible(!mKeys.empty());
+  FitInto(mRoom);
   const bool isOperated = session && session->State().mode == panel::PanelMode::Operate;
   for (std::size_t i = 0; i < mKeys.size(); ++i) {
     const auto slot = model->MeaningOf(mKeys[i].id);
@@ -80,6 +80,12 @@ void PanelKeys::Follow(const panel::PanelSession* session) {
     if (!isOperated) tip += ", once the panel is operated";
     if (tip != mButtons[i]->accessibleDescription()) Describe(*mButtons[i], tip, KeyboardText(mKeys[i]));
   }
+}
+
+void PanelKeys::FitInto(int room) {
+  constexpr int kScreenLetters = 24;
+  mRoom = room;
+  setVisible(!mKeys.empty() && room >= sizeHint().width() + kScreenLetters * fontMetrics().averageCharWidth());
 }
 
 void PanelKeys::ShowBlinking(bool isSeen) {

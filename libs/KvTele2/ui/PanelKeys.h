@@ -17,6 +17,9 @@ class PanelKeys final : public QWidget {
 
   // Hidden for a display without keys, and without a panel (null).
   void Follow(const panel::PanelSession* session);
+  // They leave at least so much of this width to the screen that it can be read, or are not seen: the keyboard has
+  // them, too.
+  void FitInto(int room);
   void ShowBlinking(bool isSeen);
 
   // The press that goes on at this moment on one of them.
@@ -26,6 +29,7 @@ class PanelKeys final : public QWidget {
   void Build(const std::vector<PanelKey>& keys);
 
   PanelPress& mPress;
+  int mRoom = 0;
   std::vector<PanelKey> mKeys;
   std::vector<PanelKeyButton*> mButtons;  // one for each
 };

@@ -50,6 +50,7 @@ void PanelPage::Build(const std::vector<QAction*>& commands) {
   mScroll->setFrameShape(QFrame::NoFrame);
   mScroll->setFocusPolicy(Qt::NoFocus);
   mScroll->setWidgetResizable(true);
+  mScroll->setMinimumSize(PanelView::kSmallest);
   mView = new PanelView([this] { return mHost ? mHost->Panel() : nullptr; }, [this] { StepNow(); }, mScroll);
   mView->onCopy = [this] { mOnCommand(command::kCopyTexts); };
   mScroll->setWidget(mView);
@@ -169,6 +170,11 @@ void PanelPage::SetFullScreen(bool isFull) {
 void PanelPage::OpenFind() {
   mFind->Follow(mView->Texts());
   mFind->Open();
+}
+
+void PanelPage::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  mKeys->FitInto(width());
 }
 
 void PanelPage::showEvent(QShowEvent* event) {

@@ -43,6 +43,7 @@ class PanelPage final : public QWidget {
   [[nodiscard]] PanelView& View() { return *mView; }
 
  protected:
+  void resizeEvent(QResizeEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
 

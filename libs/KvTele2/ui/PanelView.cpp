@@ -18,9 +18,8 @@ using panel::PanelMode;
 using panel::PanelSight;
 using panel::PixelRect;
 
-constexpr int kPaleness = 150;      // of 255, that the window's colour lies over an old screen
-constexpr int kSelection = 90;      // the same of the selection's
-constexpr QSize kSmallest(96, 48);  // what is larger is shown smaller
+constexpr int kPaleness = 150;  // of 255, that the window's colour lies over an old screen
+constexpr int kSelection = 90;  // the same of the selection's
 
 QRect RectOf(const PixelRect& rect) {
   return {rect.x, rect.y, rect.width, rect.height};

@@ -20,6 +20,7 @@ namespace kv {
 // the window is hidden or another program comes to the front. The repetition of a key that is kept down is no press.
 class PanelView final : public QWidget {
  public:
+  static constexpr QSize kSmallest{96, 48};  // what is larger is shown smaller
   // Null while there is no panel. Asked each time, because it ends with the link.
   using Source = std::function<panel::PanelSession*()>;
 

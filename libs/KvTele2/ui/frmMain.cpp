@@ -41,7 +41,7 @@ constexpr QSize kFirstSize(1120, 720);
 constexpr int kFewestLetters = 24;  // beside each other in a page; what is wider scrolls
 // A screen that is not as many lines of text high has no room for these.
 constexpr int kLinesWithLog = 28;
-constexpr int kLinesWithTools = 22;
+constexpr int kLinesWithTools = 26;
 // Longer than any answer takes but on the slowest lines.
 constexpr std::chrono::seconds kSilence{1};
 // The scale of the panel, in the file of the windows' places: it belongs to the screen.
@@ -132,7 +132,7 @@ QWidget* frmMain::BuildPages(QWidget* parent) {
 }
 
 // On a small screen, or with large letters, what stands around the middle gives way: the menus have all commands, the
-// heading names machine and state, and the foot has the last line of the log.
+// title names machine and state, and the foot has the last line of the log.
 void frmMain::FitScreen() {
   if (!mAround.empty()) return;
   const QSize room = RoomFor(*this);
@@ -142,11 +142,15 @@ void frmMain::FitScreen() {
   mStatus->ShowPlace(isWide);
   mLog->setVisible(lines >= kLinesWithLog);
   mCommands.ToolBar()->setVisible(lines >= kLinesWithTools);
+  mHeading->ShowName(lines >= kLinesWithTools);
+  // Before it was shown it may have had to be higher than the screen.
+  if (isVisible() && !isMaximized()) resize(size().boundedTo(room));
 }
 
 void frmMain::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
   connect(windowHandle(), &QWindow::screenChanged, this, &frmMain::FitScreen, Qt::UniqueConnection);
+  QTimer::singleShot(0, this, [this] { FitScreen(); });
 }
 
 void frmMain::ShowLogMenu(const QPoint& at) {
@@ -224,7 +228,9 @@ void frmMain::ToggleFullScreen() {
   if (!mAround.empty()) {
     for (QWidget* widget : std::exchange(mAround, {})) widget->show();
     setWindowState(windowState() & ~Qt::WindowFullScreen);
+    FitScreen();
   } else {
+    mHeading->ShowName(true);
     for (QWidget* widget : {static_cast<QWidget*>(menuBar()), static_cast<QWidget*>(statusBar()), mSideColumn,
                             static_cast<QWidget*>(mLog), mCommands.ToolBar()}) {
       if (!widget->isVisible()) continue;
