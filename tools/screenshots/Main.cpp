@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStyleFactory>
@@ -202,8 +203,24 @@ void OpenOperands(Photographer& camera, QMainWindow& window) {
   TakeCharacters(camera, window);
 }
 
+// The last page of an import, with what came in.
+void TakeCacheImport(Photographer& camera, QMainWindow& window, const std::filesystem::path& home) {
+  WithNextDialog(window, [&](QDialog& wizard) {
+    WithNextDialog(wizard, [&](QDialog& chooser) {
+      chooser.findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString((home / "Bakery.ktc").string()));
+      QMetaObject::invokeMethod(&chooser, "accept");
+    });
+    wizard.findChild<QPushButton*>("cmdBrowse")->click();
+    wizard.findChild<QPushButton*>("cmdNext")->click();
+    wizard.findChild<QLabel*>("lblStep0")->setText("File: Bakery.ktc");  // its folder is another one each time
+    camera.Take(wizard, "cache-import");
+    wizard.close();
+  });
+  Trigger(window, "ID_ImportCacheFromPLC");
+}
+
 // The simulated K670 of the start page, looked at and operated.
-void TakePanel(Photographer& camera, QMainWindow& window) {
+void TakePanel(Photographer& camera, QMainWindow& window, const std::filesystem::path& home) {
   window.findChild<QPushButton*>("cmdSimulate")->click();
   QTest::qWait(4000);  // its fonts and images come
   camera.Take(window, "panel");
@@ -211,6 +228,7 @@ void TakePanel(Photographer& camera, QMainWindow& window) {
   Trigger(window, "HOST_Operate");
   QTest::qWait(1000);
   camera.Take(window, "panel-operate");
+  TakeCacheImport(camera, window, home);
   Trigger(window, "HOST_OffLine");
 }
 
@@ -267,6 +285,6 @@ int main(int argc, char** argv) {
   loggedIn([&](QMainWindow& window) { kv::test::OpenOperands(camera, window); });
   home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nTcpPort=9\r\n");  // nobody listens there
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::ConnectInVain(camera, window); });
-  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::TakePanel(camera, window); });
+  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::TakePanel(camera, window, home.Path()); });
   return 0;
 }
