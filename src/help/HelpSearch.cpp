@@ -37,7 +37,7 @@ constexpr double kConceptPart = 0.7;
 constexpr double kAkinPart = 0.4;
 constexpr double kPrefixPart = 0.5;
 constexpr double kCutPart = 0.8;
-constexpr double kGuessPart = 0.4;
+constexpr double kGuessPart = 0.8;
 // A pair of neighbours is there in addition to its words.
 constexpr double kPairPart = 0.3;
 
@@ -50,12 +50,14 @@ constexpr double kPhraseRest = 2;
 // taken to have been asked besides its own: what stands in one or two says little.
 constexpr double kOdds = 0.4;
 constexpr double kCalm = 60;
+// A word stands for so much at most, whatever begins with it.
+constexpr double kMostMeant = 5;
 
 // Pages with less than this part of what the best one has are not shown.
 constexpr double kLeastScore = 0.25;
 
 constexpr std::size_t kShortestPrefix = 2;
-constexpr std::size_t kShortestGuess = 4;  // words of fewer letters are not guessed at
+constexpr std::size_t kShortestGuess = 3;  // words of fewer letters are not guessed at
 constexpr std::size_t kShortestPiece = 3;
 constexpr std::size_t kMostGuesses = 5;
 constexpr std::size_t kMostWords = 24;
@@ -190,8 +192,8 @@ HelpSearch::Answer HelpSearch::Find(std::string_view question) const {
   std::vector<double> scores(mPages.size());
   std::vector<std::size_t> found(mPages.size());
   for (const std::string& word : words) {
-    asked.push_back(Look(word, answer.taken));
     const std::size_t isMain = mainLeft.erase(word);
+    asked.push_back(isMain > 0 || words.size() == 1 ? Look(word, answer.taken) : LookAsItIs(word));
     for (const auto& [page, weight] : Weigh(asked.back(), &Term::pages)) {
       scores[page] += weight;
       found[page] += isMain;
@@ -261,7 +263,10 @@ void HelpSearch::AddOdds(const std::vector<Meanings>& asked, std::vector<double>
   double all = 0;
   for (const Meanings& meanings : asked) {
     all += MostOf(meanings);
-    for (const auto& [term, part] : meanings) parts[term] = std::max(parts[term], part);
+    double sum = 0;
+    for (const auto& [term, part] : meanings) sum += part;
+    const double scale = std::min(1.0, kMostMeant / sum);
+    for (const auto& [term, part] : meanings) parts[term] = std::max(parts[term], scale * part);
   }
   double squares = 0;
   double sum = 0;
@@ -275,7 +280,10 @@ void HelpSearch::AddOdds(const std::vector<Meanings>& asked, std::vector<double>
   }
   if (squares == 0) return;
   const double scale = kOdds * all / std::sqrt(squares);
-  for (std::size_t page = 0; page < mPages.size(); ++page) scores[page] += scale * (odds[page] + sum * mNotAsked[page]);
+  for (std::size_t page = 0; page < mPages.size(); ++page) {
+    const double more = scale * (odds[page] + sum * mNotAsked[page]);
+    scores[page] = std::max(scores[page] + more, scores[page] / 2);
+  }
 }
 
 void HelpSearch::AddMeaning(const std::string& word, double part, Meanings& meanings) const {
@@ -285,6 +293,13 @@ void HelpSearch::AddMeaning(const std::string& word, double part, Meanings& mean
   for (const std::string& each : term->second.concepts) {
     if (!mTerms.at(each).pages.empty()) meanings.push_back({each, kConceptPart * part});
   }
+}
+
+// "do" is the beginning of "download", but not in a question.
+HelpSearch::Meanings HelpSearch::LookAsItIs(const std::string& word) const {
+  Meanings meanings;
+  AddMeaning(word, 1, meanings);
+  return meanings;
 }
 
 HelpSearch::Meanings HelpSearch::Look(const std::string& word, std::vector<std::string>& taken) const {

@@ -66,6 +66,7 @@ class HelpSearch {
   void WeighAsked();
 
   [[nodiscard]] Meanings Look(const std::string& word, std::vector<std::string>& taken) const;
+  [[nodiscard]] Meanings LookAsItIs(const std::string& word) const;
   void AddMeaning(const std::string& term, double part, Meanings& meanings) const;
   void AddPieces(const std::string& word, Meanings& meanings) const;
   [[nodiscard]] std::vector<std::string> NearlySpelt(const std::string& word) const;

@@ -16,10 +16,12 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "firmware os o/s runtime kernel operatingsystem systemsoftware bios",
     "bootloader bootstrap boot recoverymode bootmode",
     "program project application ladder logic code software routine app sketch plcprogram userprogram",
-    "fonts font typeface glyph lettering",
+    "fonts font typeface glyph lettering characterset charactersets charactergenerator",
+    "images image picture icon icons symbol symbols graphic graphics bitmap bitmaps logo drawing photo",
     "memory ram eeprom storage contents",
     "flash eprom chip nand",
-    "display screen panel hmi touchpanel lcd terminal",
+    "display screen panel hmi touchpanel touchscreen lcd displayunit operatorterminal faceplate visualisation "
+    "visualization scada",
     "battery buffer buffered",
     "fitter electrician technician maintenance service serviceman mechanic engineer",
     "spare replacement substitute swap swapped exchange exchanged replace changeover",
@@ -207,7 +209,8 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "begin beginner beginning first newbie start started starting newcomer introduction intro quickstart overview "
     "basics new novice onboarding helloworld tour walkthrough gettingstarted gettingstart initial initially",
     "example sample trial tryout template starter",
-    "script batch automate automatic automatically scheduled schedule nightly cron unattended job pipeline ci task "
+    "script batch automate automatic automatically itself byitself alone ownaccord overnight weekly daily hourly "
+    "periodically scheduled schedule nightly cron unattended job pipeline ci task "
     "powershell bash python robot pipeline orchestrate integrate integration api program programmatic service daemon "
     "agent jenkins ansible c# java net",
     "commandline console shell terminal cli kvtele prompt cmd headless powershell cmdline withoutwindow nogui gui "

@@ -15,32 +15,31 @@ constexpr std::size_t kPercentOfAkin = 75;
 
 // Words that stand in every question and tell nothing about it. In order, to be looked up.
 constexpr auto kSmallWords = std::to_array<std::string_view>(
-    {"a",        "able",   "about",   "actually", "all",     "also",  "although", "always",  "am",       "an",
-     "and",      "any",    "anybody", "anyone",   "anyway",  "are",   "as",       "at",      "be",       "because",
-     "been",     "being",  "best",    "but",      "by",      "came",  "can",      "care",    "come",     "comes",
-     "coming",   "could",  "did",     "do",       "does",    "doing", "done",     "each",    "either",   "else",
-     "even",     "ever",   "every",   "find",     "for",     "from",  "gave",     "get",     "gets",     "getting",
-     "give",     "gives",  "go",      "goes",     "going",   "gone",  "good",     "got",     "had",      "has",
-     "have",     "having", "he",      "hello",    "her",     "here",  "hi",       "his",     "how",      "however",
-     "i",        "id",     "idea",    "if",       "ill",     "im",    "into",     "is",      "it",       "its",
-     "ive",      "just",   "know",    "let",      "like",    "looks", "lot",      "made",    "make",     "makes",
-     "making",   "may",    "maybe",   "me",       "mean",    "means", "might",    "mine",    "must",     "my",
-     "need",     "needs",  "now",     "of",       "onto",    "or",    "ought",    "our",     "please",   "proper",
-     "properly", "quite",  "rather",  "really",   "said",    "say",   "says",     "seem",    "seems",    "shall",
-     "she",      "should", "so",      "some",     "somehow", "stuff", "such",     "suppose", "supposed", "sure",
-     "tell",     "tells",  "than",    "thanks",   "that",    "thats", "the",      "their",   "them",     "then",
-     "there",    "these",  "they",    "thing",    "things",  "think", "this",     "those",   "through",  "thus",
-     "told",     "too",    "trying",  "under",    "us",      "use",   "used",     "uses",    "using",    "very",
-     "want",     "wanted", "wants",   "was",      "way",     "we",    "well",     "went",    "were",     "whatever",
-     "whether",  "whole",  "whom",    "whose",    "will",    "with",  "within",   "wonder",  "would",    "yet",
-     "you",      "your"});
+    {"a",        "able",    "about",  "actually", "also",    "although", "always",   "am",      "an",     "and",
+     "any",      "anybody", "anyone", "anyway",   "as",      "at",       "because",  "being",   "best",   "but",
+     "by",       "can",     "care",   "could",    "either",  "else",     "even",     "ever",    "for",    "from",
+     "having",   "he",      "hello",  "her",      "here",    "hi",       "his",      "however", "i",      "id",
+     "if",       "ill",     "im",     "into",     "it",      "its",      "ive",      "just",    "let",    "like",
+     "lot",      "may",     "maybe",  "me",       "might",   "mine",     "must",     "my",      "now",    "of",
+     "onto",     "or",      "ought",  "our",      "please",  "proper",   "properly", "quite",   "rather", "really",
+     "seem",     "seems",   "shall",  "she",      "should",  "so",       "some",     "somehow", "such",   "suppose",
+     "supposed", "sure",    "than",   "thanks",   "that",    "thats",    "the",      "their",   "them",   "then",
+     "there",    "these",   "they",   "think",    "this",    "those",    "through",  "thus",    "too",    "trying",
+     "under",    "us",      "use",    "used",     "uses",    "using",    "very",     "want",    "wanted", "wants",
+     "way",      "we",      "went",   "whatever", "whether", "whole",    "will",     "with",    "within", "wonder",
+     "would",    "yet",     "you",    "your"});
 // Words that tell little, but something: what is asked with "where" is another thing than what is asked with "when". No
 // page has to have them.
 constexpr auto kAskingWords = std::to_array<std::string_view>(
-    {"again",    "already",  "anything", "between",   "both",  "during",   "everything", "exactly",
-     "happen",   "happened", "happens",  "many",      "more",  "most",     "much",       "never",
-     "possible", "see",      "since",    "something", "still", "suddenly", "until",      "what",
-     "whats",    "when",     "where",    "wheres",    "which", "while",    "why",        "without"});
+    {"again",    "all",        "already", "anything", "are",   "be",    "been",      "between", "both",     "came",
+     "come",     "comes",      "coming",  "did",      "do",    "does",  "doing",     "done",    "during",   "each",
+     "every",    "everything", "exactly", "find",     "gave",  "get",   "gets",      "getting", "give",     "gives",
+     "go",       "goes",       "going",   "gone",     "good",  "got",   "had",       "happen",  "happened", "happens",
+     "has",      "have",       "how",     "idea",     "is",    "know",  "looks",     "made",    "make",     "makes",
+     "making",   "many",       "mean",    "means",    "more",  "most",  "much",      "need",    "needs",    "never",
+     "possible", "said",       "say",     "says",     "see",   "since", "something", "still",   "stuff",    "suddenly",
+     "tell",     "tells",      "thing",   "things",   "told",  "until", "was",       "well",    "were",     "what",
+     "whats",    "when",       "where",   "wheres",   "which", "while", "whom",      "whose",   "why",      "without"});
 // What denies, all in one word: what does not answer is the same as what will not, and cannot.
 constexpr auto kDenying = std::to_array<std::string_view>(
     {"aint", "arent", "cannot", "cant",    "couldnt",  "didnt",  "doesnt", "dont",   "hasnt", "havent", "isnt",
