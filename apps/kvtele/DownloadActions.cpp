@@ -45,7 +45,8 @@ std::string TableOf(const DownloadSide& first, const DownloadSide& second, const
 // The options that the way out needs.
 std::string OptionsFor(ControllerLeft left) {
   using enum ControllerLeft;
-  constexpr ControllerLeft kLoading[] = {ProjectBegun, ProjectErased, Programming, FlashFailed, ProjectWaits};
+  constexpr ControllerLeft kLoading[] = {ProjectBegun, ProjectErased, ProjectUnproven,
+                                         Programming,  FlashFailed,   ProjectWaits};
   if (left == NewOsLoading) return "kvtele clone restore FILE.kdf wants --end-load while the controller is loading";
   if (std::ranges::find(kLoading, left) == std::end(kLoading)) return {};
   return "a download wants --end-load, too, while the controller is loading";

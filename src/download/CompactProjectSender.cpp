@@ -18,7 +18,8 @@ constexpr Duration kBetweenPolls = std::chrono::milliseconds(1000);
 constexpr const char* kSending = "Sending download file ...";
 
 bool IsLoading(ControllerLeft left) {
-  return left == ControllerLeft::ProjectErased || left == ControllerLeft::ProjectWaits;
+  using enum ControllerLeft;
+  return left == ProjectErased || left == ProjectUnproven || left == ProjectWaits;
 }
 
 // What a line leaves the controller as, beside what it was before.
@@ -143,6 +144,7 @@ CompactProjectSender::Step CompactProjectSender::Send() {
 // A controller that answers "OK" has not always done it, and after the reset only the name would be told.
 CompactProjectSender::Step CompactProjectSender::CompareWithSent() {
   if (mImage.Size() == 0) return {};
+  if (mWork.left == ControllerLeft::ProjectErased) mWork.left = ControllerLeft::ProjectUnproven;
   mWork.window.SetStatus("Comparing with what was sent ...");
   CompactApplication memory(mWork);
   std::uint64_t compared = 0;
@@ -169,6 +171,7 @@ CompactProjectSender::Step CompactProjectSender::CompareWithSent() {
 CompactProjectSender::Step CompactProjectSender::Differs(std::uint32_t place, const std::string& how) {
   const std::string text = "All was sent, but at address " + ToHex(place, 6) + " of the project memory " + how +
                            ".\nWhat to do: download again; when it is so again, do not use the controller.";
+  if (mWork.left == ControllerLeft::ProjectUnproven) mWork.left = ControllerLeft::ProjectErased;
   mWork.Tell(text + "\n" + std::string(LeftBehindText(mWork.left)), PromptIcon::Exclamation);
   return mWork.Fail(DownloadCause::Differs, text);
 }

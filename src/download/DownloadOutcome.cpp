@@ -19,6 +19,10 @@ std::string_view LeftBehindText(ControllerLeft left) {
     case ControllerLeft::ProjectErased:
       return "The controller's old project is erased, and the new one is not whole; once it has restarted, it runs on "
              "that. Download a project again.";
+    case ControllerLeft::ProjectUnproven:
+      return "All of the new project was sent in place of the old one and not all of it was read back: whether the "
+             "controller holds it as it was sent is not known; once it has restarted, it runs on that. Download the "
+             "project again.";
     case ControllerLeft::Programming:
       return "The controller may still be programming its flash: if it loses its power now, it has no project any "
              "more. Wait a minute, then download again.";

@@ -37,6 +37,7 @@ enum class ControllerLeft : std::uint8_t {
   Stopped,            // its program was told to stop, the project is the one it had
   ProjectBegun,       // Aurex: a project download is under way; the old project is there until 69 has been sent
   ProjectErased,      // compact: the old project is gone, the new one is not whole
+  ProjectUnproven,    // compact: the old project is gone, the new one was sent whole and not all of it read back
   Programming,        // Aurex: it may be programming the new project into its flash
   FlashFailed,        // Aurex: its flash has failed while it programmed the new project
   ProjectWaits,       // all is in it, and takes effect with a reset that it has not had

@@ -63,7 +63,9 @@ void AskWhatIsLeft(Channel& link, Pacer& pacer, const ProjectNames& names, Downl
   outcome.reason += std::string("\nAsked afterwards, the controller says that its state is ") + StateText(info->state) +
                     " and its project \"" + project + "\".";
   outcome.left = Refined(outcome.left, info->state, project, names);
-  if (outcome.left == ControllerLeft::ProjectErased && IsRunningState(info->state)) {
+  const bool isInDoubt =
+      outcome.left == ControllerLeft::ProjectErased || outcome.left == ControllerLeft::ProjectUnproven;
+  if (isInDoubt && IsRunningState(info->state)) {
     outcome.reason += " It has restarted and runs on what is there: stop it if that can do harm.";
   }
 }

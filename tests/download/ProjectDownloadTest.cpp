@@ -283,6 +283,8 @@ TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
       {kCompact, [](ProjectFixture& f) { f.UseFaults({"lie:on=LD,nth=2"}); },
        "at address 000040 of the project memory the controller holds FF instead of ", ControllerLeft::ProjectErased,
        DownloadCause::Differs},
+      {kCompact, [](ProjectFixture& f) { f.UseFaults({"refuse:on=RX,nth=3,code=0D"}); }, "Sending RX",
+       ControllerLeft::ProjectUnproven, DownloadCause::Reply},
       {kAurex, [](ProjectFixture& f) { f.UseFaults({"lie:on=block,nth=5"}); }, "it counts 2 topics instead of 3",
        ControllerLeft::ProjectBegun, DownloadCause::Differs},
       {kAurex, flashError, "reports a flash error (3)", ControllerLeft::FlashFailed, DownloadCause::Reply},
