@@ -108,32 +108,6 @@ TEST_F(ImportWizardTest, MakesACacheAndShowsWhatCameIn) {
   EXPECT_TRUE(prompts.Boxes().empty());
 }
 
-TEST_F(ImportWizardTest, RefusesInRedAndCanBeTriedAgain) {
-  const struct {
-    Plc plc;
-    const char* text;
-  } cases[] = {
-      {{.model = "K220"}, "The connected Hardware is not a Aurex Color model\nThis operation can not be completed!"},
-      {{.model = "K670", .os = "1.00"},
-       "The O/S currently installed in this controller is too old.\n"
-       "Minimum required Operating Systems (O/S) version is 1.1"},
-      {{.model = ""}, "Could Not Connect To PLC.\nPlease Check Cables and Try Again!"}};
-  for (const auto& [plc, text] : cases) {
-    *plc.model == 0 ? PlugOut() : PlugIn(plc);
-    Open();
-    Choose(file);
-    Click("cmdNext");
-    EXPECT_EQ(Text("lblState"), text);
-    EXPECT_TRUE(IsRed());
-    EXPECT_EQ(Pointer(), "arrow");
-    EXPECT_EQ(Caption("cmdNext"), "Try Again");
-    EXPECT_FALSE(std::filesystem::exists(file));
-  }
-  PlugIn({.model = "K670"});
-  Click("cmdNext");
-  EXPECT_EQ(Caption("cmdNext"), "Finish") << Text("lblState") << Text("lblReason");
-}
-
 // What stood at the chosen place is named before, and stays unless all has come.
 TEST_F(ImportWizardTest, ACancelledOrFailedImportLeavesTheFileAndTheDisplayAsTheyWere) {
   const auto import = [&](const Plc& plc, bool isCancelled) {

@@ -2,15 +2,11 @@
 
 #include <QAbstractItemModelTester>
 #include <QCheckBox>
-#include <QComboBox>
-#include <QHeaderView>
 #include <QProgressBar>
 #include <QTableView>
-#include <sstream>
 
 #include "clone/CloneFrame.h"
 #include "clone/CloneInfo.h"
-#include "clone/CloneManifest.h"
 #include "clone/CloneVerify.h"
 #include "clone/ui/DumpList.h"
 #include "clone/ui/frmDumpPLC.h"
@@ -195,76 +191,6 @@ TEST_F(ClonerWindowTest, RestoresNothingWithoutThePassword) {
   EXPECT_THAT(Information(), HasSubstr("was not restored"));
   Restore(1, {PromptAnswer::Yes}, {"secret", std::nullopt});
   EXPECT_THAT(Information(), HasSubstr("the password is wrong"));
-}
-
-TEST_F(ClonerWindowTest, SavesFirstWhatARestoreIsAboutToOverwrite) {
-  Open();
-  OnlySmallSegments();
-  Create();
-  PlugIn({});
-  const std::filesystem::path saved = fixture.home.Path() / "saved.kdf";
-  auto other = driver.GetChannel();
-  Find<QCheckBox>(*window, "chkSaveFirst").setChecked(true);
-  prompts.Choose(Utf8FromPath(file));
-  prompts.Press(PromptAnswer::Yes);
-  prompts.Choose(std::nullopt);  // no place for it: no restore
-  Trigger("ID_RestoreGhost");
-  EXPECT_THAT(Information(), HasSubstr("was not restored"));
-  EXPECT_FALSE(VerifyClone(*other, file)->IsSame());
-  prompts.Choose(Utf8FromPath(file));
-  prompts.Press(PromptAnswer::Yes);
-  prompts.Choose(Utf8FromPath(saved));
-  prompts.Enter("1");
-  prompts.Press(PromptAnswer::Yes);
-  for (int boxes = 0; boxes < 3; ++boxes) prompts.Press(PromptAnswer::Ok);
-  Trigger("ID_RestoreGhost");
-  EXPECT_EQ(InspectClone(saved)->segments.size(), 7U);  // all, whatever the boxes say
-  pacer.Sleep(kRestart);
-  EXPECT_TRUE(VerifyClone(*other, file)->IsSame());
-  EXPECT_FALSE(VerifyClone(*other, saved)->IsSame());
-}
-
-TEST_F(ClonerWindowTest, ComparesFilesAndTheControllerAndLogsWhatItFound) {
-  Open();
-  OnlySmallSegments();
-  Create();
-  prompts.onAsk = [&](const std::string&) { EXPECT_EQ(Commands(), " StopDump") << "one operation at a time"; };
-  const auto verify = [&] {
-    fixture.log.clear();
-    prompts.Choose(Utf8FromPath(file));
-    Trigger("ID_VerifyClone");
-    return Text("lblProgress");
-  };
-  EXPECT_EQ(verify(), "The same.");
-  EXPECT_THAT(Information(), HasSubstr("byte for byte, as it was made"));
-  EXPECT_THAT(fixture.log, Contains(HasSubstr("the same.")));
-  EXPECT_EQ(Heading(), "Comparison");
-  EXPECT_THAT(Row(0), HasSubstr(": same"));
-  PlugIn({});
-  auto& kinds = Find<QComboBox>(*window, "cboVerify");
-  kinds.setCurrentIndex(2);
-  EXPECT_EQ(verify(), "Failed.");
-  EXPECT_THAT(Information(), HasSubstr("the file has no segment of that kind"));
-  kinds.setCurrentIndex(1);
-  EXPECT_EQ(verify(), "Different.");
-  EXPECT_THAT(Information(), HasSubstr("Comparing only HW, FT, MM of the controller"));
-  kinds.setCurrentIndex(0);
-  EXPECT_EQ(verify(), "Different.");
-  EXPECT_THAT(Information(), HasSubstr("bytes differ"));
-  EXPECT_THAT(Row(1), ::testing::StartsWith("    "));
-  EXPECT_EQ(Look(), kIdleLook);
-
-  const std::filesystem::path second = fixture.home.Path() / "second.kdf";
-  std::filesystem::copy_file(file, second);
-  prompts.Choose(Utf8FromPath(file));
-  prompts.Choose(Utf8FromPath(second));
-  Trigger("ID_CompareClones");
-  EXPECT_EQ(Text("lblProgress"), "The same.");
-  fixture.home.Put("second.kdf", "no clone");
-  prompts.Choose(Utf8FromPath(file));
-  prompts.Choose(Utf8FromPath(second));
-  Trigger("ID_CompareClones");
-  EXPECT_THAT(fixture.log, Contains(HasSubstr("has failed.")));
 }
 
 TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {

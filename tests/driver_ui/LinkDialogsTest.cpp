@@ -99,25 +99,6 @@ TEST_F(LinkDialogsTest, EachKindOfLinkShowsItsFieldsAndKeepsThemInTheSession) {
   EXPECT_FALSE(Saved().reconnects);
 }
 
-TEST_F(LinkDialogsTest, ABadValueIsSaidWhileItIsTypedAndCannotBeKept) {
-  InSettings([](QDialog& dialog) {
-    const QRect cancel = Find<QPushButton>(dialog, "cmdCancel").geometry();
-    EXPECT_FALSE(Find<QPushButton>(dialog, "cmdOk").geometry().intersects(cancel)) << "each button has its place";
-    Enter(dialog, "cboTransport", "Ethernet, to");
-    Enter(dialog, "txtTcpPort", "65536");
-    EXPECT_EQ(Find<QLabel>(dialog, "lblFault").text(), "TCP port: a number from 1 to 65535");
-    EXPECT_EQ(Find<QLineEdit>(dialog, "txtTcpPort").accessibleDescription(), "TCP port: a number from 1 to 65535");
-    EXPECT_FALSE(Find<QPushButton>(dialog, "cmdOk").isEnabled());
-    EXPECT_TRUE(Find<QPushButton>(dialog, "cmdTest").toolTip().endsWith("\nTCP port: a number from 1 to 65535"));
-    QTest::keyClick(&Find<QLineEdit>(dialog, "txtTcpPort"), Qt::Key_Return);
-    EXPECT_TRUE(dialog.isVisible());
-    QTest::keyClick(&Find<QLineEdit>(dialog, "txtTcpPort"), Qt::Key_Backspace);
-    EXPECT_FALSE(Find<QLabel>(dialog, "lblFault").isVisible());
-    QTest::keyClick(&Find<QLineEdit>(dialog, "txtTcpPort"), Qt::Key_Return);
-  });
-  EXPECT_EQ(driver.LinkDescription(), "127.0.0.1:6553, unit 1");
-}
-
 TEST_F(LinkDialogsTest, APortThatIsGoneStaysAndIsFoundAgain) {
   LinkSettings settings;
   settings.transport = Transport::Serial;

@@ -161,33 +161,5 @@ TEST_F(LogInWindowTest, ThePasswordIsTriedBeforeAnybodyIsAskedAndIsToldNowhere) 
   EXPECT_THAT(secret.FilesIn(home.Path()), testing::IsEmpty());
 }
 
-TEST_F(LogInWindowTest, OpensByKeyAndByToolBarAndIsDoneByKeys) {
-  Run([&](QMainWindow& window) {
-    const auto type = [](QDialog& dialog) {
-      ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog, kPatience));
-      auto& name = Find<QLineEdit>(dialog, "txtUserName");
-      name.setFocus();
-      name.selectAll();
-      QTest::keyClicks(&name, "Anna");
-      QTest::keyClick(&name, Qt::Key_Tab);
-      QTest::keyClicks(dialog.focusWidget(), "1234");
-      QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
-    };
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window, kPatience));
-    WhenOpen<QDialog>(window, type);
-    QTest::keyClick(window.windowHandle(), Qt::Key_U, Qt::ControlModifier);
-    EXPECT_EQ(Shown(window), "Logged in: Anna");
-    WhenOpen<QMessageBox>(window, [](QMessageBox& box) {
-      EXPECT_EQ(box.text(), "Are you sure you want to log off?");
-      QTest::keyClick(&box, Qt::Key_Escape);
-    });
-    QTest::keyClick(window.windowHandle(), Qt::Key_U, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(Shown(window), "Logged in: Anna");
-    for (const char* id : {"ID_LogIn", "ID_LogOff", "ID_About"}) {
-      EXPECT_NE(Find<QToolBar>(window, "toolBar").widgetForAction(&Find<QAction>(window, id)), nullptr) << id;
-    }
-  });
-}
-
 }  // namespace
 }  // namespace kv::test

@@ -6,7 +6,9 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMetaProperty>
+#include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QSplitter>
 #include <QTabWidget>
@@ -19,13 +21,15 @@
 namespace kv::test {
 
 // A window in words: what stands in it in which order, how it reads, what it allows, where the keys go. No places and
-// sizes, which follow fonts and screens.
+// sizes, which follow fonts and screens; nothing of the toolkit's own, whose names begin with a q.
 class WindowLook {
  public:
   explicit WindowLook(const QWidget& window) {
     AddWidget(window, 0);
     for (const QAction* action : window.findChildren<QAction*>()) {
-      if (!action->objectName().isEmpty()) Add(1, "command" + Facts(*action));
+      const bool isOurs = !action->objectName().isEmpty() && !action->objectName().startsWith("qt_") &&
+                          !action->objectName().startsWith("_q_");
+      if (isOurs) Add(1, "command" + Facts(*action));
     }
     for (const QMenu* menu : window.findChildren<QMenu*>()) {
       if (!menu->actions().isEmpty()) Add(1, "menu " + menu->title().toStdString()), AddActions(*menu, 2);
@@ -72,6 +76,20 @@ class WindowLook {
         {"editTriggers", {"DoubleClicked|EditKeyPressed|AnyKeyPressed"}},
         {"tabKeyNavigation", {"true"}},
         {"childrenCollapsible", {"true"}},
+        {"echoMode", {"Normal"}},
+        {"maxLength", {"32767"}},
+        {"maximum"},
+        {"value"},
+        {"modal", {"false"}},
+        {"acceptDrops", {"false", "true"}},
+        {"alternatingRowColors", {"false"}},
+        {"showGrid", {"true"}},
+        {"sortingEnabled", {"false"}},
+        {"textElideMode", {"ElideRight"}},
+        {"lineWrapMode", {"WidgetWidth"}},
+        {"tabChangesFocus", {"false"}},
+        {"horizontalScrollBarPolicy", {"ScrollBarAsNeeded"}},
+        {"verticalScrollBarPolicy", {"ScrollBarAsNeeded"}},
     };
     return properties;
   }
@@ -100,13 +118,32 @@ class WindowLook {
       const std::string value = Value(object, object.metaObject()->property(at));
       if (std::ranges::find(usual, value) == usual.end()) facts += std::string(" ") + name + "=" + value;
     }
+    if (const auto* label = dynamic_cast<const QLabel*>(&object); label && label->buddy()) {
+      facts += " for " + NameOf(*label->buddy());
+    }
+    const auto* widget = dynamic_cast<const QWidget*>(&object);
+    if (widget && widget->font().bold()) facts += " bold";
+    if (widget && widget->palette().color(QPalette::WindowText) == QColor(Qt::red)) facts += " red";
+    if (const auto* action = dynamic_cast<const QAction*>(&object); action && !action->isVisible()) facts += " hidden";
+    if (const auto* text = dynamic_cast<const QPlainTextEdit*>(&object)) {
+      facts += " says " + text->toPlainText().replace('\n', " / ").toStdString();
+    }
+    if (const auto* box = dynamic_cast<const QMessageBox*>(&object); box && box->escapeButton()) {
+      facts += " Escape is " + NameOf(*box->escapeButton());
+    }
     return facts;
   }
 
   void AddWidget(const QWidget& widget, int depth) {
     const QString kind = QString(widget.metaObject()->className()).section("::", -1);
     Add(depth, kind.toStdString() + Facts(widget) + (widget.isHidden() ? " hidden" : ""));
-    if (const auto* view = dynamic_cast<const QTableView*>(&widget)) return AddColumns(*view, depth + 1);
+    if (const auto* box = dynamic_cast<const QMessageBox*>(&widget)) {
+      for (const QAbstractButton* button : box->buttons()) AddWidget(*button, depth + 1);
+      return;
+    }
+    if (const auto* view = dynamic_cast<const QTableView*>(&widget)) AddColumns(*view, depth + 1);
+    if (const auto* view = dynamic_cast<const QTableView*>(&widget)) AddRows(*view, depth + 1);
+    if (widget.inherits("QAbstractItemView")) return;
     if (const auto* area = dynamic_cast<const QScrollArea*>(&widget)) return AddWidget(*area->widget(), depth + 1);
     if (const auto* splitter = dynamic_cast<const QSplitter*>(&widget)) return AddShares(*splitter, depth + 1);
     if (const auto* bar = dynamic_cast<const QToolBar*>(&widget)) return AddActions(*bar, depth + 1);
@@ -200,6 +237,28 @@ class WindowLook {
                           : "") +
                      (view.isColumnHidden(column) ? " hidden" : ""));
     }
+    const QHeaderView& rows = *view.verticalHeader();
+    const std::string last = view.horizontalHeader()->stretchLastSection() ? ", the last takes the rest" : "";
+    Add(depth, (rows.isHidden() ? "without row heads" : "with row heads") + last);
+  }
+
+  // The first cells, and whether they are selected.
+  void AddRows(const QTableView& view, int depth) {
+    constexpr int kMost = 12;
+    const QAbstractItemModel* model = view.model();
+    for (int row = 0; model && row < std::min(model->rowCount(), kMost); ++row) {
+      QStringList cells;
+      for (int column = 0; column < std::min(model->columnCount(), kMost); ++column) {
+        const QModelIndex index = model->index(row, column);
+        const bool isSelected = view.selectionModel()->isSelected(index);
+        cells << (isSelected ? "*" : "") + index.data().toString();
+      }
+      const QString text = cells.join('|');
+      if (QString(text).remove('|').isEmpty()) continue;
+      Add(depth, "row " + std::to_string(row) + " " + text.toStdString());
+    }
+    const QModelIndex current = view.currentIndex();
+    if (current.isValid()) Add(depth, "at " + std::to_string(current.row()) + "," + std::to_string(current.column()));
   }
 
   void AddKeys(const QWidget& window) {

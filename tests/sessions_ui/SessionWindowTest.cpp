@@ -73,28 +73,6 @@ TEST_F(SessionWindowTest, OpensOnTheCurrentSessionAndFollowsTheSelection) {
   EXPECT_TRUE(Close().toolTip().endsWith("\nNo session is selected.")) << Close().toolTip().toStdString();
 }
 
-TEST_F(SessionWindowTest, CreatesByButtonAndByEnter) {
-  Open();
-  Folder().setText("Mill");
-  Save().click();
-  EXPECT_THAT(Captions(), ElementsAre("Active Session: Mill", "Save 'Mill' As...", "Activate 'Mill ' And Exit"));
-  EXPECT_EQ(Folder().text(), "");
-
-  Folder().setFocus();
-  QTest::keyClicks(&Folder(), "R&D");
-  QTest::keyClick(&Folder(), Qt::Key_Return);
-  EXPECT_THAT(Rows(), ElementsAre("Default", "Mill", "R&D"));
-  EXPECT_THAT(Captions(), ElementsAre("Active Session: R&D", "Save 'R&D' As...", "Activate 'R&D ' And Exit"));
-  EXPECT_TRUE(window->isVisible());
-
-  fixture.prompts.Press(PromptAnswer::Ok);
-  Folder().setText("a/b");
-  Save().click();
-  EXPECT_EQ(fixture.prompts.Boxes().back().title, "Create Session");
-  EXPECT_EQ(Folder().text(), "a/b");
-  EXPECT_EQ(fixture.shared.CurrentSession, "R&D");
-}
-
 TEST_F(SessionWindowTest, EnterAndADoubleClickActivateARow) {
   MakeSession("Mill");
   for (const bool byKey : {true, false}) {

@@ -1,0 +1,75 @@
+// Sessions at the windows as they were looked at: tests/host_ui/steps. Who has changed a window renews the files with
+// KV_RENEW_LOOKS=1 in the environment, and reads their difference.
+//
+// "## MODEL" begins a session with the program on a simulated controller, "% NAME TEXT" puts a file into its folder,
+// "> ..." is a step, and what follows is what it has changed.
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "tests/download/Samples.h"
+#include "tests/host_ui/WindowFixture.h"
+#include "tests/host_ui/WindowSteps.h"
+
+namespace kv::test {
+namespace {
+
+struct WindowStepsTest : WindowFixture, testing::WithParamInterface<const char*> {};
+
+// One session: its heading, its files, its steps.
+struct Session {
+  std::vector<std::string> head;
+  std::vector<std::string> steps;
+};
+
+std::vector<Session> SessionsOf(const std::string& written) {
+  std::vector<Session> sessions;
+  std::istringstream lines(written);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("## ")) sessions.emplace_back();
+    if (line.starts_with("## ") || line.starts_with("% ")) sessions.back().head.push_back(line);
+    if (line.starts_with("> ")) sessions.back().steps.push_back(line);
+  }
+  return sessions;
+}
+
+TEST_P(WindowStepsTest, EachStepChangesWhatItDid) {
+  const auto file = std::filesystem::path(KV_TEST_DATA) / "host_ui" / "steps" / (std::string(GetParam()) + ".txt");
+  const std::string written = TemporaryFolder::Content(file);
+  ASSERT_NE(written, "");
+  std::string again;
+  PutDownloadFiles(home.Path());
+  std::filesystem::create_directory_symlink(KV_TEST_DATA "/../runtime/Templates", home.Path() / "Templates");
+  for (const Session& session : SessionsOf(written)) {
+    PutLink("Transport=sim\r\nModel=" + session.head.front().substr(3) + "\r\n");
+    for (const std::string& line : session.head) {
+      again += (again.empty() || line.starts_with("% ") ? "" : "\n") + line + "\n";
+      const std::size_t end = std::min(line.find(' ', 2), line.size());
+      const QString content = QString::fromStdString(line.substr(std::min(end + 1, line.size())));
+      if (line.starts_with("% "))
+        PutFile(home.Path() / line.substr(2, end - 2),
+                QString(content).replace("\\r", "\r").replace("\\n", "\n").replace("\\t", "\t").toStdString());
+    }
+    Run([&](QMainWindow&) { again += WindowSteps(home, session.steps).Do(); });
+  }
+  if (qEnvironmentVariableIsSet("KV_RENEW_LOOKS") && !HasFailure()) std::ofstream(file, std::ios::binary) << again;
+  std::istringstream now(again);
+  std::istringstream before(written);
+  std::string step;
+  std::string line;
+  for (std::string expected; std::getline(before, expected);) {
+    if (!std::getline(now, line)) line = "the end";
+    if (line.starts_with("> ")) step = line;
+    ASSERT_EQ(line, expected) << step;
+  }
+  EXPECT_FALSE(std::getline(now, line)) << line;
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, WindowStepsTest,
+                         testing::Values("cloner", "downloader", "importing", "link", "main", "operands", "panel"),
+                         [](const auto& made) { return std::string(made.param); });
+
+}  // namespace
+}  // namespace kv::test
