@@ -185,12 +185,7 @@ class WindowSteps {
         {"pasted",
          [](auto& on, const Argument&) { on.Add("clipboard: " + QApplication::clipboard()->text().toStdString()); }},
         {"put", [](auto& on, const Argument& of) { on.mHome.Put(of.name, of.text); }},
-        {"show",
-         [](auto& on, const Argument& of) {
-           std::string content = TemporaryFolder::Content(on.File(of.name));
-           std::erase(content, '\r');
-           on.Add(content);
-         }},
+        {"show", [](auto& on, const Argument& of) { on.Add(TemporaryFolder::Content(on.File(of.name))); }},
     };
     return verbs;
   }
@@ -238,7 +233,10 @@ class WindowSteps {
     return all;
   }
 
-  void Add(const std::string& line) { mText += "  " + line + "\n"; }
+  void Add(std::string line) {
+    std::erase(line, '\r');
+    mText += "  " + line + "\n";
+  }
 
   // What has changed in the windows since the step before.
   void Note() {
