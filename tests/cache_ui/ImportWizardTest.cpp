@@ -67,47 +67,6 @@ class ImportWizardTest : public ToolWindowFixture<frmRestoreCache, LoggedPrompts
   std::filesystem::path file = fixture.home.Path() / "plant.ktc";
 };
 
-TEST_F(ImportWizardTest, MakesACacheAndShowsWhatCameIn) {
-  Open();
-  EXPECT_THAT(Text("lblWarning"),
-              AllOf(StartsWith("Warning: During file creation the PLC display enters 'SYSTEM mode'."),
-                    HasSubstr("The PLC continues running")));
-  EXPECT_EQ(Text("lblStep0"), "No File Was Selected");
-  EXPECT_EQ(Buttons(), " Browse Help Cancel");
-  ExpectControlsCanBeRead(*window);
-  Choose(file);
-  EXPECT_EQ(prompts.SaveDialogs().front().filter, "Telepanel For Color Cache Files (*.ktc)|*.ktc");
-  EXPECT_EQ(Find<QLabel>(*window, "lblStep0").toolTip().toStdString(), "Selected File: " + Utf8FromPath(file));
-  std::string atWork;
-  WhenAtWork([&] {
-    atWork = Text("lblHeader") + "; " + Text("lblProgress") + "; " + Marks() + "; " + Pointer() + ";" + Buttons();
-  });
-  Click("cmdNext");
-  EXPECT_EQ(atWork, "Please wait while plant.ktc is being created; Importing Fonts; PROG/; hourglass; Cancel");
-  EXPECT_EQ(Text("lblState"), "plant.ktc was successfully created from the PLC");
-  EXPECT_FALSE(IsRed());
-  EXPECT_EQ(Marks(), "OK/OK");
-  EXPECT_EQ(Caption("cmdNext"), "Finish");
-  EXPECT_THAT(ReadRecentCaches(fixture.shared), ElementsAre(Utf8FromPath(file)));
-  const auto made = cache::ReadCacheFile(file);
-  ASSERT_TRUE(made) << made.error().Text();
-  ASSERT_EQ(Results().rowCount(), static_cast<int>(made->fonts->size() + made->images->size()));
-  EXPECT_EQ(CameFrom("the controller"), Results().rowCount());
-  for (int row = 0; row < Results().rowCount(); ++row) {
-    EXPECT_FALSE(Results().item(row, 0)->data(Qt::DecorationRole).value<QPixmap>().isNull()) << row;
-    EXPECT_NE(Results().item(row, 1)->text(), "");
-  }
-  Click("cmdNext");
-  EXPECT_FALSE(window->isVisible());
-
-  Open();  // once more: nothing has changed
-  Choose(file);
-  Click("cmdNext");
-  EXPECT_EQ(CameFrom("the file as it was"), Results().rowCount());
-  EXPECT_FALSE(prompts.SaveDialogs().back().asksToReplace) << "it is brought up to date";
-  EXPECT_TRUE(prompts.Boxes().empty());
-}
-
 // What stood at the chosen place is named before, and stays unless all has come.
 TEST_F(ImportWizardTest, ACancelledOrFailedImportLeavesTheFileAndTheDisplayAsTheyWere) {
   const auto import = [&](const Plc& plc, bool isCancelled) {

@@ -216,6 +216,14 @@ TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
   EXPECT_EQ(TemporaryFolder::Content(file), "the good clone of last week");
   EXPECT_EQ(Look(), kIdleLook);
 
+  PlugIn({.baud = 115200});
+  OnlySmallSegments();
+  Create();
+  When(*window, [&] { return Commands() == " StopDump"; }, [&] { Trigger("ID_StopDump"); });
+  prompts.Choose(Utf8FromPath(file));
+  Trigger("ID_VerifyClone");
+  EXPECT_EQ(Text("lblProgress"), "Stopped.");
+
   PlugIn({});
   OnlySmallSegments();
   Create();
@@ -226,30 +234,6 @@ TEST_F(ClonerWindowTest, IsStoppedByItsToolAndClosesOnlyThen) {
   EXPECT_LT(Rows().rowCount(), static_cast<int>(InspectClone(file)->frames));
   Trigger("ID_Exit");
   EXPECT_FALSE(window->isVisible());
-}
-
-TEST_F(ClonerWindowTest, StaysIdleWhenADialogIsCancelledOrNobodyIsThere) {
-  fixture.home.Put("clone.kdf", "kept");
-  Open();
-  prompts.Choose(std::nullopt);
-  Trigger("ID_CreateGhost");
-  prompts.Choose(std::nullopt);
-  Trigger("ID_RestoreGhost");
-  EXPECT_EQ(Look(), kIdleLook);
-  EXPECT_EQ(Heading(), "Segment Name");
-
-  PlugOut();
-  prompts.Choose(Utf8FromPath(file));
-  Trigger("ID_RestoreGhost");
-  EXPECT_EQ(prompts.Boxes().size(), 0U);
-  EXPECT_THAT(Information(), HasSubstr("was not restored"));
-  EXPECT_EQ(Look(), kIdleLook);
-  prompts.Choose(Utf8FromPath(file));
-  prompts.Press(PromptAnswer::Ok);
-  Trigger("ID_CreateGhost");
-  EXPECT_EQ(prompts.Boxes().back().text, "Operation Failed.");
-  EXPECT_EQ(TemporaryFolder::Content(file), "kept");
-  EXPECT_EQ(Look(), kIdleLook);
 }
 
 TEST(DumpList, KeepsTheLastLinesOfABigFile) {

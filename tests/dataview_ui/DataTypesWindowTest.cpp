@@ -143,25 +143,6 @@ TEST_F(DataTypesWindowTest, AnEditIsCheckedAsItIsTyped) {
   EXPECT_THAT(Label("lblMessage"), HasSubstr("SI 5 cannot be changed"));
 }
 
-TEST_F(DataTypesWindowTest, WritesWhatWasTypedAndReadsItBack) {
-  Open();
-  AddRegion(MI, 10, 12);
-  Trigger("ID_ReadRegions");
-  EXPECT_EQ(Value(MI, 10), "0");
-  Type(Cell(MI, 11), "77");
-  Trigger("ID_WriteRegions");  // with the editor open
-  EXPECT_EQ(Label("lblMessage"), kWritten);
-  EXPECT_EQ(Label("lblEdited"), "");
-  ASSERT_TRUE(IsEditorGone());
-  QLineEdit& refused = Type(Cell(MI, 11), "77777");
-  Trigger("ID_ReadRegions");
-  EXPECT_EQ(Label("lblMessage"), kWritten);
-  QTest::keyClick(&refused, Qt::Key_Escape);
-  Trigger("ID_ReadRegions");
-  EXPECT_EQ(Value(MI, 11), "77");
-  EXPECT_THAT(RegionCell(0, RegionColumn::Values), HasSubstr("77"));
-}
-
 TEST_F(DataTypesWindowTest, OnLineValuesMoveUnderAnOpenEditor) {
   Open();
   AddRegion(MI, 100, 101);
@@ -220,31 +201,6 @@ TEST_F(DataTypesWindowTest, ClosingEndsTheOnLineModeAndOpeningFindsEverything) {
   Trigger("ID_ReadRegions");
   AddRegion(MI, 7, 7);
   EXPECT_THAT(Label("lblAge"), testing::StartsWith("Read "));
-}
-
-TEST_F(DataTypesWindowTest, KeysCopyPasteAndClearTheSelectedCells) {
-  Open();
-  Select(MI, 0, MI, 0);
-  session.prompts.Press(PromptAnswer::Ok);
-  Trigger("ID_Paste");  // nothing, as with a picture
-  EXPECT_EQ(session.prompts.Boxes().back().text, "Clipboard contents must be either numerals or characters.");
-  clipboard.SetText("1\t2\r\n3\r\n");
-  session.prompts.Press(PromptAnswer::Ok);
-  Trigger("ID_Paste");
-  EXPECT_EQ(session.prompts.Boxes().back().text, "The Clipboard contents are in unknown format.");
-  EXPECT_EQ(Label("lblEdited"), "");
-  clipboard.SetText("1\t2\r\n");
-  Select(MI, 3, MI, 3);
-  QTest::keyClick(&Operands(), Qt::Key_V, Qt::ControlModifier);
-  EXPECT_EQ(Value(MI, 3) + Value(MI, 4), "12");
-  clipboard.SetText("");
-  Select(MI, 3, MI, 5);
-  QTest::keyClick(&Operands(), Qt::Key_C, Qt::ControlModifier);
-  EXPECT_EQ(clipboard.GetText(), "1\t2\t\r\n");
-  QTest::keyClick(&Operands(), Qt::Key_Delete);
-  EXPECT_EQ(Value(MI, 3) + Value(MI, 4), "");
-  QTest::keyClick(window.get(), Qt::Key_Escape);
-  EXPECT_TRUE(window->isVisible()) << "there is too much in it";
 }
 
 TEST_F(DataTypesWindowTest, WhatWasReadIsRepaintedAndSaysHowOldItIs) {

@@ -31,27 +31,5 @@ TEST(RealOs, IsReplacedByTheSecondDownloadWhereTheFirstOneFailed) {
 }
 #endif
 
-TEST(RealOs, GoesIntoAnAurexControllerBehindAProject) {
-  for (const Transport transport : matrix::kRealLines) {
-    matrix::RealFixture fixture(transport);
-    const std::filesystem::path folder = fixture.folder.Path() / "Os Aurex" / "K220";
-    PutFile(folder / "AurexK220v47503.kos", SampleOs("K220-22-R1", {"4.75", 3}));
-    PutFile(folder / "AurexFontv1300.kft", SampleFonts("K220-22-R1", {"1.30", 0}));
-    const auto file = fixture.folder.Put("hall.dai", SampleProject("K220-22-R1"));
-    ASSERT_TRUE(fixture.Serve({"--model", "K220-22-R1", "--restart-time", "0"}));
-    Channel* link = fixture.Link();
-    ASSERT_NE(link, nullptr);
-    Desk desk;
-    ProjectDownload project(desk, desk, fixture.pacer);
-    project.Download(*link, *ReadProject(file, false), {});
-    EXPECT_EQ(project.Outcome().left, ControllerLeft::NewProject) << OutcomeText(project.Outcome());
-    const PacerWallClock clock;
-    const ProgramPaths paths(fixture.folder.Path());
-    clsAurexOSDownloader engine(desk, {desk, desk, desk, fixture.pacer, clock}, paths);
-    EXPECT_TRUE(engine.DownloadOS(*link, {})) << OutcomeText(engine.Outcome());
-    EXPECT_EQ(engine.Review()->after.os.value_or("") + engine.Review()->after.project.value_or(""), "4.75 (B03)Hall 7");
-  }
-}
-
 }  // namespace
 }  // namespace kv::test

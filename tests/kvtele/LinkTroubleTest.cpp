@@ -90,7 +90,7 @@ TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {
     const Result result = fixture.Run(std::string("--model Q50 watch @plant.axt --for 600 --every 1000") + more);
     EXPECT_EQ(result.exit, exit) << result.err;
     EXPECT_THAT(result.err, HasSubstr(message));
-    EXPECT_THAT(result.trace, HasSubstr("ATDT0,123"));
+    EXPECT_THAT(result.trace, HasSubstr("--> ATDT0,123"));
   }
 }
 

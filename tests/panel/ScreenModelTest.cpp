@@ -10,21 +10,6 @@ namespace {
 using namespace test;
 using ::testing::ElementsAre;
 
-TEST(ScreenModel, APageEmptiesWhatWasOnTheOneBefore) {
-  ScreenModel model(ColourPanel(100, 50));
-  ASSERT_TRUE(model.Take(Told({Page(1, 0x1234, "Main"), {1, 2, "Anna"}, Touch(64, {0, 0, 10, 10}, "Start")})));
-  EXPECT_EQ(model.OperatorName(), "Anna");
-  EXPECT_EQ(model.AreaAt(5, 5), 64);
-  const auto delta = model.Take(Told({Page(2), Rectangle(70, {0, 0, 5, 5}, 1)}, 3));
-  ASSERT_TRUE(delta);
-  EXPECT_TRUE(delta->isAll);
-  EXPECT_EQ(model.OperatorName(), "Anna") << "slots below 16 stay";
-  EXPECT_FALSE(model.AreaAt(5, 5));
-  EXPECT_EQ(model.Page()->number, 2);
-  ASSERT_TRUE(model.Take(Told({{70, 0, ""}}, 5)));
-  EXPECT_TRUE(std::holds_alternative<std::monostate>(model.Slot(70)));
-}
-
 TEST(ScreenModel, OfAreasThatOverlapTheUppermostIsTouched) {
   ScreenModel model(ColourPanel(100, 50));
   ASSERT_TRUE(model.Take(Told({Page(1), Touch(64, {0, 0, 20, 20}, "below"), Touch(65, {10, 10, 20, 20}, "above")})));
@@ -76,22 +61,6 @@ TEST(ScreenModel, WhatDoesNotKeepToThePageIsRefusedWhole) {
   };
   for (const PanelRecord& bad : colour) refuses(ColourPanel(100, 50), bad, Rectangle(100, {0, 0, 1, 1}, 0));
   for (const PanelRecord& bad : text) refuses(TextPanel(16, 2), bad, Row(1, "good", 16));
-}
-
-TEST(ScreenModel, ARevisionThatCannotBeIsRefused) {
-  ScreenModel model(ColourPanel(100, 50));
-  ASSERT_TRUE(model.Take(Told({Page(1)}, 4)));
-  PanelChanges changes = Told({Page(1)}, 5);
-  changes.upTo.number = 4;
-  EXPECT_FALSE(model.Take(changes)) << "older, or more records than numbers";
-  EXPECT_FALSE(model.Take(Told({Page(1)}, 5, 10))) << "another epoch that does not begin anew";
-  changes = Told({}, 5);
-  changes.hasMore = true;
-  EXPECT_FALSE(model.Take(changes)) << "more, and nothing of it";
-  changes.isCut = true;
-  EXPECT_TRUE(model.Take(changes));
-  EXPECT_EQ(model.Revision().number, 5U) << "nothing was taken in";
-  EXPECT_TRUE(model.Take(Told({Page(1)}, 0, 10))) << "it may begin anew at any time";
 }
 
 TEST(ScreenText, IsReadAsAPersonReadsIt) {

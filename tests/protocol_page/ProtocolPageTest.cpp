@@ -216,23 +216,5 @@ TEST(ProtocolPage, RefusalsAndTheirTexts) {
   for (const Row& row : rows) EXPECT_EQ(row[1], ControllerErrorText(std::stoi(row[0], nullptr, 16)).meaning) << row[0];
 }
 
-TEST(ProtocolPage, TimeOutsAndTries) {
-  sim::FrameReader reader(true);
-  reader.Feed("\xB4", Instant{});
-  EXPECT_FALSE(reader.Next(Instant{}));
-  const auto inMilliseconds = [](Duration time) { return std::to_string(time / std::chrono::milliseconds(1)) + " ms"; };
-  const std::vector<std::string> expected = {inMilliseconds(LinkSettings().timeOut),
-                                             std::to_string(kTimeOuts.lowest) + " ms",
-                                             std::to_string(kTimeOuts.highest) + " ms",
-                                             std::to_string(LinkSettings().tries),
-                                             std::to_string(kTries.highest),
-                                             inMilliseconds(RoundTrip::kFloor),
-                                             inMilliseconds(kRestartTime),
-                                             inMilliseconds(*reader.Deadline() - Instant{})};
-  std::vector<std::string> values;
-  for (const Row& row : RowsBelow({"What", "Value"})) values.push_back(row[1]);
-  EXPECT_EQ(values, expected);
-}
-
 }  // namespace
 }  // namespace kv::test

@@ -57,22 +57,6 @@ class SessionWindowTest : public ::testing::Test {
   std::unique_ptr<frmSession> window;
 };
 
-TEST_F(SessionWindowTest, OpensOnTheCurrentSessionAndFollowsTheSelection) {
-  MakeSession("Pumps & Valves");
-  fixture.home.Put("Sessions/notes.txt", "");
-  Open();
-  EXPECT_EQ(List().horizontalHeaderItem(0)->text(), "Session");
-  EXPECT_THAT(Rows(), ElementsAre("Default", "Pumps & Valves"));
-  EXPECT_THAT(Captions(),
-              ElementsAre("Active Session: Default", "Save 'Default' As...", "Activate 'Default ' And Exit"));
-  Select("Pumps & Valves");
-  EXPECT_EQ(Captions().back(), "Activate 'Pumps & Valves ' And Exit");
-  List().clearSelection();
-  EXPECT_FALSE(Save().isEnabled());
-  EXPECT_FALSE(Close().isEnabled());
-  EXPECT_TRUE(Close().toolTip().endsWith("\nNo session is selected.")) << Close().toolTip().toStdString();
-}
-
 TEST_F(SessionWindowTest, EnterAndADoubleClickActivateARow) {
   MakeSession("Mill");
   for (const bool byKey : {true, false}) {
