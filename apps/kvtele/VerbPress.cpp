@@ -39,7 +39,7 @@ class VerbPress : public Verb {
     std::string words;
   };
   [[nodiscard]] OrFailure<Target> Find(TerminalPanel& panel) const;
-  [[nodiscard]] OrFailure<PanelPlace> PlaceOf(const panel::ScreenModel& model) const;
+  [[nodiscard]] OrFailure<PanelPlace> PlaceOf(TerminalPanel& panel) const;
   [[nodiscard]] OrFailure<void> Operate(Environment& environment, TerminalPanel& panel, const std::string& user) const;
   [[nodiscard]] OrFailure<void> Press(TerminalPanel& panel, const Target& target) const;
   [[nodiscard]] OrFailure<PressReport> Await(TerminalPanel& panel) const;
@@ -85,7 +85,8 @@ std::optional<PanelPlace> ParsePoint(std::string_view text) {
   return PanelPlace{.key = std::nullopt, .x = static_cast<int>(*x), .y = static_cast<int>(*y)};
 }
 
-OrFailure<PanelPlace> VerbPress::PlaceOf(const panel::ScreenModel& model) const {
+OrFailure<PanelPlace> VerbPress::PlaceOf(TerminalPanel& panel) const {
+  const panel::ScreenModel& model = panel.Model();
   const bool isColour = model.Panel().kind == PanelKind::Colour;
   if (const auto point = ParsePoint(mWhat)) {
     if (isColour) return *point;
@@ -103,14 +104,14 @@ OrFailure<PanelPlace> VerbPress::PlaceOf(const panel::ScreenModel& model) const 
     found.push_back({.key = std::nullopt, .x = area.x + area.width / 2, .y = area.y + area.height / 2});
   }
   if (found.size() == 1) return found.front();
-  return std::unexpected(NotFitFailure(
-      kDoing, found.empty() ? "there is no \"" + mWhat + "\"" : "there are several things called \"" + mWhat + "\"", "",
-      isColour ? "name its place as X,Y; see kvtele screen" : "see kvtele screen for the keys"));
+  if (found.empty()) return std::unexpected(NotThere("there is no \"" + mWhat + "\"", panel));
+  return std::unexpected(NotFitFailure(kDoing, "there are several things called \"" + mWhat + "\"", "",
+                                       "name the place of one as X,Y; see kvtele screen"));
 }
 
 OrFailure<VerbPress::Target> VerbPress::Find(TerminalPanel& panel) const {
   const panel::ScreenModel& model = panel.Model();
-  const auto place = PlaceOf(model);
+  const auto place = PlaceOf(panel);
   if (!place) return std::unexpected(place.error());
   const auto slot = place->key ? model.MeaningOf(*place->key) : model.AreaAt(place->x, place->y);
   if (!slot) return std::unexpected(NotThere("there is nothing to press at \"" + mWhat + "\"", panel));
@@ -160,11 +161,15 @@ OrFailure<void> VerbPress::Operate(Environment& environment, TerminalPanel& pane
 OrFailure<void> VerbPress::Press(TerminalPanel& panel, const Target& target) const {
   panel.Session().Press(target.place);
   const auto report = Await(panel);
+  OrFailure<void> pressed;  // known now: the next exchange has an error of its own
+  if (!report) {
+    pressed = std::unexpected(report.error());
+  } else if (report->result != PressReport::Result::Done) {
+    pressed = std::unexpected(FailureOf(*report, panel));
+  }
   panel.Session().Leave();
   (void)panel.Go(Instant::max());  // gives the lease back; where that fails it ends by itself
-  if (!report) return std::unexpected(report.error());
-  if (report->result != PressReport::Result::Done) return std::unexpected(FailureOf(*report, panel));
-  return {};
+  return pressed;
 }
 
 VerbResult VerbPress::Run(Environment& environment, const CommonOptions& common) {

@@ -67,8 +67,12 @@ bool TelepanelHost::OpenColourCache(const std::string& path) {
 // Called while a colour controller goes on line, before its panel is asked for.
 void TelepanelHost::SetPanelData(const std::string& path) {
   auto content = cache::ReadCacheFile(PathFromUtf8(path));
-  if (!content) return StatusMessage("The screen is drawn without a cache. " + content.error().Text());
-  UseCache(*std::move(content), mState.recentCaches.empty() ? path : mState.recentCaches.front());
+  const std::string name = mState.recentCaches.empty() ? path : mState.recentCaches.front();  // it was made from
+  if (!content) {
+    content.error().file.file = name;
+    return StatusMessage("The screen is drawn without a cache. " + content.error().Text());
+  }
+  UseCache(*std::move(content), name);
 }
 
 void TelepanelHost::UseCache(cache::CacheContent content, const std::string& path) {

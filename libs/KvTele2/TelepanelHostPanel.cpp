@@ -228,7 +228,7 @@ bool TelepanelHost::OpenAccess() {
   if (MayMeanLostLink(error.code)) {
     LosePanelLink(error);
   } else {
-    StayViewing("The panel is only viewed. " + error.Text());
+    StayViewing("The panel is only viewed: " + error.Text());
   }
   return false;
 }

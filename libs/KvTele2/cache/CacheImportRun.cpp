@@ -37,6 +37,7 @@ CacheOutcome CacheImport::Run(Channel& link) {
     mContent = {};
     CacheOutcome outcome = WithText(imported.error());
     outcome.kept = mTarget.WhatIsKept();
+    if (!outcome.kept.empty()) outcome.kept += mRead.empty() ? "." : "; what had been read is not kept.";
     return outcome;
   }
   NoteResults();

@@ -23,11 +23,12 @@ std::string ControllerText(const CacheOwner& owner) {
   return AnsiToUtf8(owner.version.model) + ", serial number " + std::to_string(owner.serialNumber);
 }
 
-// Also one that is write-protected.
-void Remove(const fs::path& file) {
-  std::error_code ignored;
-  fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, ignored);
-  fs::remove(file, ignored);
+// Also one that is write-protected. The error is why it is there still.
+std::error_code Remove(const fs::path& file) {
+  std::error_code error;
+  fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, error);
+  fs::remove(file, error);
+  return error;
 }
 
 // "plant.ktc.1234.part": beside the file, for a rename works only there.
@@ -61,8 +62,7 @@ std::string ImportTarget::Name() const {
 std::string ImportTarget::WhatIsKept() const {
   const auto now = FileStateOf(mFile);
   if (now != mBefore) return {};
-  return Utf8FromPath(mOrder.file) + (now ? " is as it was before the import" : " was not made") +
-         "; what had been read is not kept.";
+  return Utf8FromPath(mOrder.file) + (now ? " is as it was before the import" : " was not made");
 }
 
 std::expected<ImportTarget::Before, CacheOutcome> ImportTarget::Look(const CacheOwner& controller) const {
@@ -125,18 +125,20 @@ Step ImportTarget::MakeWorkingFile() const {
     }
     bytes = *std::move(shipped);
   }
-  Remove(mOrder.workingFile);
-  error = WriteNewFile(mOrder.workingFile, {}, bytes);
-  return error ? Step(FileFailure(mOrder.workingFile, CannotBeWritten(error))) : Step();
+  error = Remove(mOrder.workingFile);
+  if (!error) error = WriteNewFile(mOrder.workingFile, {}, bytes);
+  if (!error) return {};
+  return FileFailure(mOrder.workingFile, "the working file of the session cannot be written (" + error.message() +
+                                             "); check that the session's folder may be written to and has room");
 }
 
 // Better known now than when minutes have been spent on reading.
 Step ImportTarget::TryFolder() const {
   const fs::path beside = NameBeside(mFile);
-  Remove(beside);
+  (void)Remove(beside);
   const std::error_code error = WriteNewFile(beside, {}, "-");
   if (error) return FileFailure(mFile, CannotBeWritten(error));
-  Remove(beside);
+  (void)Remove(beside);
   return {};
 }
 
@@ -169,11 +171,11 @@ Step ImportTarget::Replace(const std::string& bytes) const {
     return saved ? Step() : Step(std::unexpected(CacheOutcome::OfFile(saved.error())));
   }
   const fs::path beside = NameBeside(mFile);
-  Remove(beside);
+  (void)Remove(beside);
   std::error_code error = WriteNewFile(beside, {}, bytes);
   if (!error) error = MoveToFreeName(mFile, beside);
   if (!error) return {};
-  Remove(beside);
+  (void)Remove(beside);
   if (error == std::errc::file_exists) return meanwhile();
   return FileFailure(mFile, CannotBeWritten(error));
 }

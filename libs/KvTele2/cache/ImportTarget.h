@@ -32,7 +32,8 @@ class ImportTarget {
   // Writes the working file, reads it back, and gives its content to the file in one step.
   [[nodiscard]] std::expected<void, CacheOutcome> Take(const CacheContent& content) const;
 
-  // What stands where the file was to be, after a failure; empty: what somebody else has put there meanwhile.
+  // What stands where the file was to be, after a failure, without a full stop; empty: what somebody else has put there
+  // meanwhile.
   [[nodiscard]] std::string WhatIsKept() const;
 
   // The file's name for people, without its folder.

@@ -262,7 +262,7 @@ void frmRestoreCache::Event_Progress(const cache::CacheProgress& progress) {
 
 // What was refused before anything was read, and what was cancelled, can be tried again at once.
 void frmRestoreCache::ShowFailure(const cache::CacheOutcome& outcome) {
-  mRemote->StatusMessage(outcome.text);
+  mRemote->StatusMessage(outcome.text + (outcome.reason.empty() ? "" : "\n" + outcome.reason));
   mHeader->setText(Text("Nothing was imported into " + mChosen->Name()));
   const std::string warnings = Lines(mImport->Warnings());
   const bool isStop = outcome.end == cache::CacheEnd::Stopped;
