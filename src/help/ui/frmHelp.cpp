@@ -51,7 +51,7 @@ void OnChosen(List& list, frmHelp& window) {
 
 }  // namespace
 
-frmHelp::frmHelp(HelpBook book, const std::filesystem::path& windowsFile) : mBook(std::move(book)), mSearch(mBook) {
+frmHelp::frmHelp(HelpBook book, const std::filesystem::path& windowsFile) : mBook(std::move(book)) {
   setObjectName("frmHelp");
   setWindowTitle("Telepanel help");
   setWindowIcon(IconOf("help"));
@@ -209,7 +209,8 @@ void frmHelp::Search(const QString& question) {
   mHits->clear();
   mFound->hide();
   if (question.trimmed().isEmpty()) return;
-  const HelpSearch::Answer answer = mSearch.Find(question.toStdString());
+  if (!mSearch) mSearch.emplace(mBook);
+  const HelpSearch::Answer answer = mSearch->Find(question.toStdString());
   for (const HelpSearch::Hit& hit : answer.hits) AddItem(*mHits, hit.title, hit.page);
   QStringList remarks;
   QStringList taken;

@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "help/HelpBook.h"
@@ -40,7 +41,7 @@ class frmHelp final : public QWidget {
   void Print();
 
   HelpBook mBook;
-  HelpSearch mSearch;
+  std::optional<HelpSearch> mSearch;  // made for the first question: most who open the help ask none
   HelpBrowser* mBrowser = nullptr;
   QTabWidget* mTabs = nullptr;
   QTreeWidget* mContents = nullptr;
