@@ -91,10 +91,14 @@ class User {
   }
   void Leave() { Trigger("HOST_ViewOnly"); }
 
+  // On a slow line its tabs are the last of a page to come.
   void Press(const char* tab) {
     const auto& texts = mView.Texts();
-    const auto found = std::ranges::find_if(texts, [&](const auto& one) { return one.touch && one.text == tab; });
-    if (found == texts.end()) return;
+    const auto find = [&] {
+      return std::ranges::find_if(texts, [&](const auto& one) { return one.touch && one.text == tab; });
+    };
+    if (!WaitFor([&] { return find() != texts.end(); })) return;
+    const auto found = find();
     QTest::mouseClick(&mView, Qt::LeftButton, {}, mView.PlaceOf(found->place).center());
   }
   // What passes until that page is shown; nothing: it never was.
