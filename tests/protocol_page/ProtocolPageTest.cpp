@@ -14,10 +14,12 @@
 #include "KvCmDrv1/wire/OperandTypes.h"
 #include "base/Hex.h"
 #include "dataview/operands/OperandCatalogue.h"
+#include "download/AurexPlaces.h"
 #include "link/ControllerErrorText.h"
 #include "models/ModelCatalogue.h"
 #include "simulator/BlockCommands.h"
 #include "simulator/CommandTable.h"
+#include "simulator/FlashMap.h"
 #include "simulator/FrameReader.h"
 #include "simulator/OperandTypes.h"
 #include "tests/support/MarkdownTables.h"
@@ -104,6 +106,26 @@ TEST(ProtocolPage, ThePanel) {
     EXPECT_EQ(ChangesSomething(command->name), row[2] != "R");
     EXPECT_NE(BlockFactsOf(operation->opCode).name, "unknown operation");
     EXPECT_EQ(BlockFactsOf(operation->opCode).isRead, row[2] == "R");
+  }
+}
+
+TEST(ProtocolPage, PlacesOfAnAurexOs) {
+  const auto rows = RowsBelow({"O/S model", "O/S, first and last address", "Fonts, first and last address"});
+  EXPECT_EQ(rows.size(), 4u);
+  const auto addresses = [](std::uint32_t first, std::uint32_t end) {
+    return ToHex(first, 8) + " " + ToHex(end - 1, 8);
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row[0]);
+    const sim::FlashMap* map = sim::FindFlashMap(CodeIn(row[0]));
+    ASSERT_TRUE(map);
+    EXPECT_EQ(row[1], addresses(map->os.first, map->os.end));
+    EXPECT_EQ(row[2], addresses(map->fonts.first, map->fonts.end));
+    if (map->osModel == "CLR ") continue;  // no file for colour models
+    const AurexPlaces* places = PlacesOf(map->osModel);
+    ASSERT_TRUE(places);
+    EXPECT_EQ(row[1], addresses(places->osStart, places->osEnd));
+    EXPECT_EQ(row[2], addresses(places->fontsStart, places->fontsEnd));
   }
 }
 
@@ -214,6 +236,44 @@ TEST(ProtocolPage, RefusalsAndTheirTexts) {
   const auto rows = RowsBelow({"Code", "Meaning", "Told when"});
   EXPECT_EQ(rows.size(), 15U);
   for (const Row& row : rows) EXPECT_EQ(row[1], ControllerErrorText(std::stoi(row[0], nullptr, 16)).meaning) << row[0];
+}
+
+TEST(ProtocolPage, TimeOutsAndTries) {
+  sim::FrameReader reader(true);
+  reader.Feed("\xB4", Instant{});
+  EXPECT_FALSE(reader.Next(Instant{}));
+  const auto inMilliseconds = [](Duration time) { return std::to_string(time / std::chrono::milliseconds(1)) + " ms"; };
+  const std::vector<std::string> expected = {inMilliseconds(LinkSettings().timeOut),
+                                             std::to_string(kTimeOuts.lowest) + " ms",
+                                             std::to_string(kTimeOuts.highest) + " ms",
+                                             std::to_string(LinkSettings().tries),
+                                             std::to_string(kTries.highest),
+                                             inMilliseconds(RoundTrip::kFloor),
+                                             inMilliseconds(kRestartTime),
+                                             inMilliseconds(*reader.Deadline() - Instant{})};
+  std::vector<std::string> values;
+  for (const Row& row : RowsBelow({"What", "Value"})) values.push_back(row[1]);
+  EXPECT_EQ(values, expected);
+}
+
+TEST(ProtocolPage, StepsOfAProject) {
+  constexpr std::array<std::uint16_t, 4> kOperations = {66, 2, 65, 69};
+  constexpr std::array<std::uint16_t, 3> kWayThere = {66, 2, 69};
+  const auto rows = RowsBelow({"Step", "66", "2", "65", "69"});
+  for (std::size_t step = 0; step < rows.size(); ++step) {
+    for (std::size_t column = 0; column < kOperations.size(); ++column) {
+      sim::Machine machine(*sim::FindModel("K330"), {}, 1, {});
+      machine.Advance(Instant{});
+      const auto status = [&](std::uint16_t operation) {
+        const bool hasBlock = operation == 66 || operation == 2;
+        return sim::ExecuteBlock(machine, {operation, 0, 0, 0, 0, hasBlock ? "PASSWORD" : ""}, {}).status;
+      };
+      for (std::size_t k = 0; k < std::min<std::size_t>(step, 3); ++k) (void)status(kWayThere[k]);
+      if (step == 4) machine.Advance(Instant{} + std::chrono::seconds(10));
+      EXPECT_EQ(std::to_string(status(kOperations[column])), rows[step][1 + column])
+          << rows[step][0] << ", operation " << kOperations[column];
+    }
+  }
 }
 
 }  // namespace
