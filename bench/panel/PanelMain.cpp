@@ -163,7 +163,7 @@ class Host {
   std::optional<kv::panel::PanelSession> mSession;
 };
 
-Figure FigureOf(const std::vector<Host::Took>& all, double Host::Took::* part) {
+Figure FigureOfPart(const std::vector<Host::Took>& all, double Host::Took::* part) {
   std::vector<double> values;
   for (const Host::Took& one : all) values.push_back(one.*part);
   return FigureOf(std::move(values));
@@ -197,9 +197,9 @@ std::optional<bool> RunWay(const Bars& bars, const Effort& effort, kv::panel::Sc
   const double core = (CpuSecondsOf(0) - cpu) / seconds;
   const double line = (host.Bytes() - bytes) / seconds / kBytesASecond;
   const bool isGood[] = {
-      Tell(bars.name, "touch to changed picture, ms", FigureOf(touches, &Host::Took::seconds), 1e3, bars.touch),
-      Tell(bars.name, "page change, ms", FigureOf(pages, &Host::Took::seconds), 1e3, kMostPageSeconds),
-      Tell(bars.name, "page change, bytes", FigureOf(pages, &Host::Took::bytes), 1, kMostPageBytes),
+      Tell(bars.name, "touch to changed picture, ms", FigureOfPart(touches, &Host::Took::seconds), 1e3, bars.touch),
+      Tell(bars.name, "page change, ms", FigureOfPart(pages, &Host::Took::seconds), 1e3, kMostPageSeconds),
+      Tell(bars.name, "page change, bytes", FigureOfPart(pages, &Host::Took::bytes), 1, kMostPageBytes),
       Tell(bars.name, "standing still, % of a core", {core, core}, 100, kMostIdleShare),
       Tell(bars.name, "standing still, % of 115200 baud", {line, line}, 100, kMostIdleShare)};
   return std::ranges::count(isGood, false) == 0;
