@@ -27,12 +27,12 @@ void Put(std::string& bytes, std::size_t at, std::uint32_t value, std::size_t co
   PutLittleEndian(bytes.data() + at, value, count);
 }
 
-std::uint32_t Field(std::string_view bytes, std::size_t at, std::size_t count) {
-  return LittleEndian(bytes.substr(at, count));
+std::uint32_t DoubleWord(std::string_view bytes, std::size_t at) {
+  return LittleEndianAt<std::uint32_t>(bytes, at);
 }
 
 std::uint16_t Word(std::string_view bytes, std::size_t at) {
-  return static_cast<std::uint16_t>(Field(bytes, at, 2));
+  return LittleEndianAt<std::uint16_t>(bytes, at);
 }
 
 std::uint8_t Byte(std::string_view bytes, std::size_t at) {
@@ -68,20 +68,20 @@ std::optional<std::size_t> ReplyPayloadLength(std::string_view head) {
   if (head.size() < kBlockHead || head[0] != kBlockStart || head[1] != kBlockSecond) return std::nullopt;
   if (Byte(head, kAtVersion) != kVersion || Byte(head, kAtKind) != kReply) return std::nullopt;
   if (Word(head, kAtHeadCheck) != (Crc32(head.substr(0, kAtHeadCheck)) & 0xFFFFU)) return std::nullopt;
-  const std::uint32_t length = Field(head, kAtPayloadLength, 4);
+  const std::uint32_t length = DoubleWord(head, kAtPayloadLength);
   if (length > kMaxReplyPayload) return std::nullopt;
   return length;
 }
 
 std::optional<BlockMessage> DecodeBlockReply(std::string_view bytes) {
   const std::size_t checked = bytes.size() - kBlockCheck;
-  if (Field(bytes, checked, kBlockCheck) != Crc32(bytes.substr(0, checked))) return std::nullopt;
+  if (DoubleWord(bytes, checked) != Crc32(bytes.substr(0, checked))) return std::nullopt;
   return BlockMessage{.unit = Byte(bytes, kAtUnit),
                       .status = Byte(bytes, kAtStatus),
                       .sequence = Word(bytes, kAtSequence),
                       .fields = {.opCode = Word(bytes, kAtOpCode),
-                                 .param1 = Field(bytes, kAtParam1, 4),
-                                 .dataLength = Field(bytes, kAtDataLength, 4),
+                                 .param1 = DoubleWord(bytes, kAtParam1),
+                                 .dataLength = DoubleWord(bytes, kAtDataLength),
                                  .param3 = Word(bytes, kAtParam3),
                                  .param4 = Word(bytes, kAtParam4)},
                       .payload = bytes.substr(kBlockHead, checked - kBlockHead)};

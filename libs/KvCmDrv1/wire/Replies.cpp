@@ -71,14 +71,29 @@ std::size_t PayloadBytes(const OperandRange& range) {
   return 0;
 }
 
+constexpr std::size_t kBitsOfHalf = 4;
+using HalfByte = std::array<std::uint32_t, kBitsOfHalf>;
+
+// The bits of half a byte, lowest first, so that four values are put at once.
+constexpr std::array<HalfByte, 1U << kBitsOfHalf> MakeHalves() {
+  std::array<HalfByte, 1U << kBitsOfHalf> halves{};
+  for (std::uint32_t half = 0; half < halves.size(); ++half) {
+    for (std::size_t bit = 0; bit < kBitsOfHalf; ++bit) halves[half][bit] = half >> bit & 1U;
+  }
+  return halves;
+}
+
+constexpr std::array<HalfByte, 1U << kBitsOfHalf> kHalves = MakeHalves();
+
 // False when the bits that fill the last byte are not 0.
 bool TakeBits(PayloadReader& reader, std::size_t count, OperandListValues& values) {
-  constexpr std::size_t kBitsOfByte = 8;
+  constexpr std::size_t kBitsOfByte = 2 * kBitsOfHalf;
   values.resize(count);
   std::span<std::uint32_t> rest(values);
   for (; rest.size() >= kBitsOfByte; rest = rest.subspan(kBitsOfByte)) {
     const std::uint32_t byte = reader.Number<1>();
-    for (std::size_t i = 0; i < kBitsOfByte; ++i) rest[i] = byte >> i & 1U;
+    std::ranges::copy(kHalves[byte % kHalves.size()], rest.begin());
+    std::ranges::copy(kHalves[byte / kHalves.size()], rest.begin() + kBitsOfHalf);
   }
   if (rest.empty()) return true;
   std::uint32_t byte = reader.Number<1>();
