@@ -285,6 +285,7 @@ int main(int argc, char** argv) {
   loggedIn([&](QMainWindow& window) { kv::test::OpenOperands(camera, window); });
   home.Put("Sessions/Default/KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nTcpPort=9\r\n");  // nobody listens there
   kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::ConnectInVain(camera, window); });
-  kv::test::RunProgram(home.Path(), [&](QMainWindow& window) { kv::test::TakePanel(camera, window, home.Path()); });
+  kv::test::RunProgram(
+      home.Path(), [&](QMainWindow& window) { kv::test::TakePanel(camera, window, home.Path()); }, state);
   return 0;
 }
