@@ -237,6 +237,50 @@ TEST_F(DownloaderWindowTest, SelectsAFileAndShowsWhatItIs) {
   EXPECT_THAT(Information(), HasSubstr("would be refused"));
 }
 
+TEST_F(DownloaderWindowTest, SendsAProjectOfEachFamilyAndShowsTheControllerBeforeAndAfter) {
+  for (const char* model : {"K220-22-R1", "Q50"}) {
+    PlugIn({.model = model});
+    Open();
+    const bool isCompact = model == std::string("Q50");
+    const fs::path backup = fixture.home.Path() / "before.kdf";
+    fs::remove(backup);
+    std::vector<std::string> looks;
+    std::string rowAtSuccess;
+    prompts.onAsk = [&](const std::string& asked) {
+      looks.push_back(Look());
+      window->close();
+      if (asked.contains("successful")) rowAtSuccess = Row("Project");
+    };
+    prompts.boxes.clear();
+    Select(fixture.home.Put(isCompact ? "hall.d50" : "hall.dai", SampleProject(model)));
+    EXPECT_EQ(Look(), kReadyLook);
+    auto& first = Find<QCheckBox>(*window, "chkBackup");
+    first.click();
+    EXPECT_EQ(first.isChecked(), !isCompact) << first.toolTip().toStdString();  // clones are for the other family
+    prompts.file = Utf8FromPath(backup);
+    Press("cmdDownload");
+    EXPECT_TRUE(window->isVisible()) << "closing is refused";
+    EXPECT_THAT(looks, AllOf(Not(IsEmpty()), Each("hourglass Stop")));
+    EXPECT_EQ(Look(), kReadyLook);
+    EXPECT_EQ(Row("Project").substr(Row("Project").find(" > ")), " > Hall 7 > Hall 7") << model;
+    EXPECT_EQ(FirstHead(), "Controller before");
+    EXPECT_EQ(rowAtSuccess, Row("Project")) << "before the box is answered";
+    if (!isCompact) {
+      EXPECT_THAT(prompts.dialogs.back().initial, ::testing::ContainsRegex("-....-..-..-......\\.kdf"));
+    }
+    EXPECT_THAT(Information(), HasSubstr("has ended well"));
+    EXPECT_THAT(Text("lblPreview"), HasSubstr("on this link"));
+    EXPECT_EQ(Text("lblAdvice"), "");
+    EXPECT_EQ(driver.GetChannel()->GetControllerInfo(1)->projectName, "Hall 7");
+    EXPECT_EQ(!isCompact, fs::exists(backup)) << "the tick box takes a clone first";
+    EXPECT_EQ(Information().contains("Clone File Created Successfully."), !isCompact);
+    for (const MessageBox& box : prompts.boxes) {
+      EXPECT_FALSE(box.text.starts_with("Clone File")) << "nobody's OK is waited for";
+      EXPECT_TRUE(box.canLose || box.buttons != PromptButtons::YesNo || box.title != "Downloader") << box.text;
+    }
+  }
+}
+
 // The files are chosen in a window of their own; the one that was dropped before is offered first.
 TEST_F(DownloaderWindowTest, SendsAnOsOfEachFamilyAndShowsTheControllerBeforeAndAfter) {
   struct Case {
