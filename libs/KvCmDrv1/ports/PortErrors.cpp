@@ -89,6 +89,11 @@ std::string EndpointText(const std::string& host, std::uint16_t port) {
   return (isV6 ? "[" + host + "]" : host) + ":" + std::to_string(port);
 }
 
+PortError NoHostError() {
+  return {"no host is set", "the session's settings leave it empty",
+          "enter the controller's name or address in the communication settings"};
+}
+
 PortError ConnectError(const std::string& endpoint, std::error_code code) {
   for (const auto& text : ConnectTexts()) {
     if (text.code == code) return {Fill(text.happened, endpoint), text.cause, text.cure};

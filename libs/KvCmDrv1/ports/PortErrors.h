@@ -11,6 +11,9 @@ namespace kv {
 // "192.168.1.20:20300", with brackets around an IPv6 address.
 [[nodiscard]] std::string EndpointText(const std::string& host, std::uint16_t port);
 
+// Nobody has said which controller is meant.
+[[nodiscard]] PortError NoHostError();
+
 // Why `endpoint` could not be connected to. A time-out is asio's timed_out, a stop request operation_aborted.
 [[nodiscard]] PortError ConnectError(const std::string& endpoint, std::error_code code);
 

@@ -13,6 +13,7 @@ TcpPort::TcpPort(std::string host, std::uint16_t port, Pacer& pacer)
 std::expected<void, PortError> TcpPort::Open(Duration limit) {
   Close();
   mLoss = {};
+  if (mHost.empty()) return std::unexpected(NoHostError());  // the system would take this computer for it
   auto socket = ConnectTcp(mHost, mPort, limit, mPacer);
   if (!socket) return std::unexpected(ConnectError(Description(), socket.error()));
   mSocket = std::move(*socket);
