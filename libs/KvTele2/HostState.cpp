@@ -4,6 +4,7 @@
 
 #include "base/PathText.h"
 #include "base/Texts.h"
+#include "link/StateText.h"
 #include "models/ModelCatalogue.h"
 #include "models/ModelFit.h"
 
@@ -80,6 +81,10 @@ std::string PagesText(const HostState& state) {
 }
 
 std::string TilesNote(const HostState& state) {
+  if (state.controller && state.controller->state == StateText('B')) {
+    return "The controller's boot loader runs: until it has an O/S, it has neither a screen nor values.\nWhat to do: "
+           "switch it off and on; if it stays so, it needs an O/S, and the Downloader tells which there are for it.";
+  }
   if (!OtherModel(state).empty()) return "The values are not read, because the controller is of another model.";
   if (state.tiles.empty()) return "The session has no regions. Those that the operand view selects are shown here.";
   return "The values of the session's regions";

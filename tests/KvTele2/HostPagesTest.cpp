@@ -50,6 +50,7 @@ TEST(SignTest, EveryStateIsToldByItsShapeAndItsWords) {
     EXPECT_EQ(HeadingText(state), each.heading);
     EXPECT_EQ(MachineSign(state).word, each.machine) << each.heading;
     EXPECT_EQ(LinkSign(state).word, each.link) << each.heading;
+    EXPECT_EQ(TilesNote(state).contains("the Downloader"), MachineSign(state).word == "Boot loader");
     for (const Sign& sign : {MachineSign(state), LinkSign(state)}) colours[sign.shape].insert(sign.colour);
     shapes.try_emplace(each.machine, MachineSign(state).shape);
   }
