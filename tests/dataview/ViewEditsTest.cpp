@@ -162,6 +162,20 @@ TEST(Undo, TakesRegionsAndTheirSettingsBack) {
   EXPECT_EQ(fixture.view.RedoText(), "") << "another change has taken its place";
 }
 
+TEST(Undo, ForgetsTheOldestFirst) {
+  UndoHistory history(2000);
+  for (int i = 0; i < 100; ++i) {
+    history.Add({.title = std::to_string(i), .cells = {{.type = MI, .address = 0, .before = {}, .after = {"1"}}}});
+  }
+  EXPECT_EQ(history.UndoText(), "Undo 99");
+  int kept = 0;
+  while (history.TakeBack() != nullptr) ++kept;
+  EXPECT_GT(kept, 1);
+  EXPECT_LT(kept, 20);
+  history.Add({.title = "large", .cells = std::vector<CellChange>(1000)});
+  EXPECT_EQ(history.UndoText(), "Undo large");
+}
+
 // ---- files and the clipboard: that each command does what it says, and leaves the grids alone when it is refused ----
 
 TEST(ViewFiles, RegionsGoIntoAFileAndComeBack) {
