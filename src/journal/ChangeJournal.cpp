@@ -36,7 +36,12 @@ std::string NewJournalName() {
 }  // namespace
 
 ChangeJournal::ChangeJournal(const JournalPlaces& places, JournalDisk& disk, Pacer& pacer, const WallClock& clock)
-    : mPlaces(places), mDisk(disk), mPacer(pacer), mClock(clock), mHeadFile(HeadFile(places)) {}
+    : mPlaces(places),
+      mDisk(disk),
+      mPacer(pacer),
+      mClock(clock),
+      mLockFile(LockFile(places.folder)),
+      mHeadFile(HeadFile(places)) {}
 
 std::optional<JournalHead> ChangeJournal::Head() const {
   return mTail && mTail->number > 0 ? mTail : std::nullopt;
@@ -77,20 +82,19 @@ auto ChangeJournal::Settle() -> Done {
 }
 
 auto ChangeJournal::TakeLock() -> Lock {
-  const fs::path file = LockFile(mPlaces.folder);
-  auto lock = mDisk.Open(file, Access::Replace);
+  auto lock = mDisk.Open(mLockFile, Access::Replace);
   if (!lock && lock.error() == std::errc::no_such_file_or_directory) {  // the session's folder has gone meanwhile
     std::error_code ignored;
     fs::create_directories(mPlaces.folder, ignored);
-    lock = mDisk.Open(file, Access::Replace);
+    lock = mDisk.Open(mLockFile, Access::Replace);
   }
-  if (!lock) return Failed(file, lock.error());
+  if (!lock) return Failed(mLockFile, lock.error());
   const Instant end = mPacer.Now() + kLongestLock;
   while (true) {
     const auto taken = (*lock)->TryLock();
-    if (!taken) return Failed(file, taken.error());
+    if (!taken) return Failed(mLockFile, taken.error());
     if (*taken) return std::move(*lock);
-    if (mPacer.Now() >= end) return Failed(file, std::make_error_code(std::errc::device_or_resource_busy));
+    if (mPacer.Now() >= end) return Failed(mLockFile, std::make_error_code(std::errc::device_or_resource_busy));
     mPacer.Sleep(kLockTurn);
   }
 }

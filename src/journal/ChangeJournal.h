@@ -80,6 +80,7 @@ class ChangeJournal {
   JournalDisk& mDisk;
   Pacer& mPacer;
   const WallClock& mClock;
+  std::filesystem::path mLockFile;
   std::filesystem::path mHeadFile;
   std::optional<JournalHead> mTail;    // the end as it was last seen; number 0: there is no journal
   std::unique_ptr<JournalFile> mLast;  // the last file, while a record is about to be written to it

@@ -138,7 +138,7 @@ std::expected<void, LinkError> ChangeRecorder::Begin(Current& current, const Cha
   record.link = request.link;
   record.tool = current.operation.tool;
   record.what = current.operation.what;
-  record.operands = current.operation.operands;
+  record.operands = std::move(current.operation.operands);  // nobody needs them behind the record
   record.reason = current.reason;
   const auto number = Journal().Append(std::move(record));
   mIsWriting = number.has_value();

@@ -75,22 +75,25 @@ class PosixJournalFile final : public JournalFile {
   int mDescriptor;
 };
 
-int FlagsOf(JournalDisk::Access access) {
-  switch (access) {
-    case JournalDisk::Access::Read:
-      return O_RDONLY;
-    case JournalDisk::Access::Write:
-      return O_RDWR;
-    case JournalDisk::Access::Create:
-      return O_RDWR | O_CREAT | O_EXCL;
-    case JournalDisk::Access::Replace:
-      return O_RDWR | O_CREAT;
-  }
-  return O_RDONLY;
+int OpenPlain(const fs::path& file, int flags) {
+  return open(file.c_str(), flags | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
+}
+
+struct Opened {
+  int descriptor;
+  bool isMade;  // it was not there before
+};
+
+Opened OpenFor(const fs::path& file, JournalDisk::Access access) {
+  using Access = JournalDisk::Access;
+  if (access == Access::Create) return {OpenPlain(file, O_RDWR | O_CREAT | O_EXCL), true};
+  const int there = OpenPlain(file, access == Access::Read ? O_RDONLY : O_RDWR);
+  if (there >= 0 || access != Access::Replace || errno != ENOENT) return {there, false};
+  return {OpenPlain(file, O_RDWR | O_CREAT), true};
 }
 
 // Whoever may write in a session's folder may write its journal, whatever the umask of who began it: rights to read and
-// write go from the folder to a file of one's own.
+// write go from the folder to a file of one's own, when it is made.
 void TakeRightsOf(const fs::path& folder, int descriptor, const struct stat& facts) {
   constexpr mode_t kOfOthers = S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
   struct stat of{};
@@ -104,13 +107,13 @@ class PosixJournalDisk final : public JournalDisk {
  public:
   [[nodiscard]] std::expected<std::unique_ptr<JournalFile>, std::error_code> Open(const fs::path& file,
                                                                                   Access access) override {
-    const int descriptor = open(file.c_str(), FlagsOf(access) | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
+    const auto [descriptor, isMade] = OpenFor(file, access);
     if (descriptor < 0) return std::unexpected(LastError());
     auto opened = std::make_unique<PosixJournalFile>(descriptor);
     struct stat facts{};
     if (fstat(descriptor, &facts) != 0) return std::unexpected(LastError());
     if (!S_ISREG(facts.st_mode)) return std::unexpected(std::make_error_code(std::errc::operation_not_supported));
-    if (access == Access::Create || access == Access::Replace) TakeRightsOf(file.parent_path(), descriptor, facts);
+    if (isMade) TakeRightsOf(file.parent_path(), descriptor, facts);
     return opened;
   }
 
