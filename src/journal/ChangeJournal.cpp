@@ -60,7 +60,10 @@ auto ChangeJournal::Prepare() -> Done {
     return Failed(mPlaces.folder, std::make_error_code(std::errc::no_space_on_device));
   }
   const ScopeGuard closed([this] { mLast.reset(); });
-  return CatchUp();
+  if (const Done known = CatchUp(); !known || mLast || NeedsSegment()) return known;
+  const fs::path last = SegmentFile(mPlaces.folder, mTail->segment);  // read, but it may be protected
+  const auto file = mDisk.Open(last, Access::Write);
+  return file ? Done() : Failed(last, file.error());
 }
 
 std::expected<std::uint64_t, FileError> ChangeJournal::Append(JournalRecord record) {

@@ -157,6 +157,8 @@ TEST_F(ChangeJournalTest, SaysWhatKeepsItFromWriting) {
   Reopen();
   EXPECT_NE(Begin(), 0U);
   EXPECT_THAT(journal->HeadTrouble(), testing::HasSubstr("is kept nowhere"));
+  disk.writeProtected = File();
+  EXPECT_FALSE(journal->Prepare()) << "so that the question comes, and not a refusal later";
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ class FaultyDisk final : public JournalDisk {
   bool failsOn = false;  // the calls behind it fail, too
   int calls = 0;
   std::string failed;  // which call it was
+  std::filesystem::path writeProtected;
 
   [[nodiscard]] bool Fails(const char* call) {
     ++calls;
@@ -74,6 +75,9 @@ class FaultyFile final : public JournalFile {
 inline std::expected<std::unique_ptr<JournalFile>, std::error_code> FaultyDisk::Open(const std::filesystem::path& path,
                                                                                      Access access) {
   if (Fails("open")) return std::unexpected(Full());
+  if (path == writeProtected && access != Access::Read) {
+    return std::unexpected(std::make_error_code(std::errc::permission_denied));
+  }
   auto file = SystemJournalDisk().Open(path, access);
   if (!file) return file;
   return std::make_unique<FaultyFile>(*this, std::move(*file));
