@@ -1,6 +1,8 @@
-// The icon of the programs, from its drawing.
+// Pictures of drawings.
 //
-//   program_icons FOLDER FILE.svg     FOLDER/SIZE.png in the sizes of program icons, and FOLDER/FILE.ico
+//   icon_pictures FOLDER SIZE,SIZE,... FILE.svg...    FOLDER/FILE-SIZE.png of each, in black
+//   icon_pictures FOLDER --program FILE.svg           FOLDER/SIZE.png in the sizes of program icons, and
+//   FOLDER/FILE.ico
 
 #include <QBuffer>
 #include <QDir>
@@ -18,7 +20,7 @@ namespace {
 bool Save(const QString& file, const QByteArray& content) {
   QFile out(file);
   if (out.open(QIODevice::WriteOnly) && out.write(content) == content.size() && out.flush()) return true;
-  QTextStream(stderr) << "program_icons: " << file << " cannot be written: " << out.errorString() << "\n";
+  QTextStream(stderr) << "icon_pictures: " << file << " cannot be written: " << out.errorString() << "\n";
   return false;
 }
 
@@ -26,7 +28,7 @@ bool Save(const QString& file, const QByteArray& content) {
 QByteArray Picture(const QString& drawing, int size) {
   QSvgRenderer renderer(drawing);
   if (!renderer.isValid()) {
-    QTextStream(stderr) << "program_icons: " << drawing << " is no drawing\n";
+    QTextStream(stderr) << "icon_pictures: " << drawing << " is no drawing\n";
     return {};
   }
   QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
@@ -84,15 +86,29 @@ bool MakeProgramIcons(const QString& folder, const QString& drawing) {
               IconFile(drawing, {16, 24, 32, 48, 64, 256}));
 }
 
+bool MakePictures(const QString& folder, const QString& sizes, const QStringList& drawings) {
+  for (const QString& drawing : drawings) {
+    for (const QString& size : sizes.split(',')) {
+      const QString name = QString("%1/%2-%3.png").arg(folder, QFileInfo(drawing).completeBaseName(), size);
+      if (!SavePicture(drawing, size.toInt(), name)) return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const QGuiApplication application(argc, argv);
   const QStringList arguments = QGuiApplication::arguments().mid(1);
-  if (arguments.size() != 2) {
-    QTextStream(stderr) << "usage: program_icons FOLDER FILE.svg\n";
+  if (arguments.size() < 3) {
+    QTextStream(stderr) << "usage: icon_pictures FOLDER SIZE,SIZE,... FILE.svg...\n"
+                           "       icon_pictures FOLDER --program FILE.svg\n";
     return 2;
   }
-  return QDir().mkpath(arguments[0]) && MakeProgramIcons(arguments[0], arguments[1]) ? 0 : 1;
+  if (!QDir().mkpath(arguments[0])) return 1;
+  const bool isDone = arguments[1] == "--program" ? MakeProgramIcons(arguments[0], arguments[2])
+                                                  : MakePictures(arguments[0], arguments[1], arguments.mid(2));
+  return isDone ? 0 : 1;
 }

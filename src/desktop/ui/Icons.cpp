@@ -1,25 +1,16 @@
 #include "desktop/ui/Icons.h"
 
-#include <QFile>
 #include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
 #include <QPixmap>
 #include <QPixmapCache>
-#include <QSvgRenderer>
+
+#include "desktop/ui/IconDrawing.h"
 
 namespace kv {
 namespace {
-
-QString FileOf(const QString& name) {
-  return ":/kv/icons/" + name + ".svg";
-}
-
-QByteArray Drawing(const QString& name) {
-  QFile file(FileOf(name));
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QColor ColourFor(QIcon::Mode mode) {
   const QPalette palette = QGuiApplication::palette();
@@ -32,9 +23,7 @@ class DrawingEngine final : public QIconEngine {
   explicit DrawingEngine(QString name) : mName(std::move(name)) {}
 
   void paint(QPainter* painter, const QRect& place, QIcon::Mode mode, QIcon::State) override {
-    QByteArray drawing = Drawing(mName);
-    drawing.replace("currentColor", ColourFor(mode).name().toLatin1());
-    QSvgRenderer(drawing).render(painter, place);
+    PaintIcon(*painter, place, mName, ColourFor(mode));
   }
 
   QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
@@ -61,7 +50,7 @@ class DrawingEngine final : public QIconEngine {
 
 QIcon IconOf(std::string_view name) {
   const QString asked = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
-  return QIcon(new DrawingEngine(QFile::exists(FileOf(asked)) ? asked : "app"));
+  return QIcon(new DrawingEngine(HasIcon(asked) ? asked : "app"));
 }
 
 }  // namespace kv
