@@ -114,8 +114,10 @@ bool Deliver(const std::string& report, const fs::path& file) {
 
 int main(int argc, char** argv) {
   const kv::ConsoleSetup setup;
-  testing::InitGoogleTest();  // it reads variables, not our arguments
-  const std::vector<std::string> arguments = kv::Utf8Arguments(argc, argv);
+  testing::InitGoogleTest(&argc, argv);
+  std::vector<std::string> arguments = kv::Utf8Arguments(argc, argv);
+  // A test of how a program ends starts this one anew on Windows, with arguments of the tests' library.
+  std::erase_if(arguments, [](const std::string& argument) { return argument.starts_with("--gtest_"); });
   const bool isNamed = arguments.size() == 2 && arguments[0] == "--report";
   if (!arguments.empty() && !isNamed) {
     std::cout << kUsage;
