@@ -1,0 +1,53 @@
+# Sourced by the scripts of this folder, with `top` set: their folders, steps with a log and a time, sources of the system's packages.
+# shellcheck shell=bash disable=SC2154,SC2034  # top is the caller's
+work=$top/build/windows
+prefix=$work/prefix
+mkdir -p "$work/sources" "$work/logs" "$prefix/lib/pkgconfig" "$prefix/include"
+
+# Of everything that is packaged: a guarded stack, marked targets of jumps, no folder of this machine, no time, Windows 10 and newer. The preset `windows` says the same.
+safe_flags() { printf '%s\n' -fstack-protector-strong -fcf-protection=full "-ffile-prefix-map=$work=."; }
+link_flags=--no-insert-timestamp,--major-subsystem-version,10,--minor-subsystem-version,0
+
+say() { printf '%s\n' "$*" >&2; }
+
+# step NAME COMMAND...: runs the command with its output in a log, and notes how long it took.
+step() {
+  local name=$1 begin=$SECONDS
+  shift
+  say "$name ..."
+  if ! "$@" </dev/null >"$work/logs/$name.log" 2>&1; then
+    tail -30 "$work/logs/$name.log" >&2
+    say "$name failed; the whole output is in $work/logs/$name.log"
+    return 1
+  fi
+  printf '%5d s  %s\n' "$((SECONDS - begin))" "$name" | tee -a "$work/times.txt" >&2
+}
+
+# The system's own list of packages names where their sources are, too; nothing of the system is changed.
+source_lists() {
+  local state=$work/apt
+  mkdir -p "$state/parts" "$state/lists/partial" "$state/cache/archives/partial"
+  local file
+  for file in /etc/apt/sources.list.d/*.sources; do
+    [ -e "$file" ] && grep -q 'debian' "$file" && sed 's/^Types:.*/Types: deb-src/' "$file" >"$state/parts/$(basename "$file")"
+  done
+  [ -s /etc/apt/sources.list ] && sed -n 's/^deb /deb-src /p' /etc/apt/sources.list >"$state/parts/all.list"
+  sources_by_apt update -q
+}
+
+sources_by_apt() {
+  local state=$work/apt
+  apt-get -o Dir::Etc::sourcelist=/dev/null -o "Dir::Etc::sourceparts=$state/parts" -o "Dir::State::lists=$state/lists" -o "Dir::Cache=$state/cache" "$@"
+}
+
+# fetch PACKAGE: its source, unpacked and patched, as build/windows/sources/PACKAGE. An update of which the mirror has no source gives way to the
+# version that the release came with.
+fetch() {
+  local package=$1 folder release
+  folder=$(mktemp -d "$work/sources/.$package.XXXX")
+  release=$(sed -n "s/^VERSION_CODENAME=//p" /etc/os-release)
+  (cd "$folder" && { sources_by_apt source -q "$package" || sources_by_apt source -q "$package/$release"; }) || return 1
+  rm -rf "${work:?}/sources/$package"
+  mv "$(find "$folder" -mindepth 1 -maxdepth 1 -type d)" "$work/sources/$package" || return 1
+  rm -rf "$folder"
+}
