@@ -48,9 +48,19 @@ LinkSettings DefaultsOf(const CommonOptions& common) {
   return defaults;
 }
 
+Failure UnreadableSettings(const std::string& why) {
+  return {ExitCode::BadFile,
+          "badFile",
+          "reading the communication settings of the session",
+          why,
+          "another program has the file open, or it is not this user's to read",
+          "close the other program and try again, or name the link with --link"};
+}
+
 Chosen WithLink(LinkChoice choice, const std::string& text, const LinkSettings& defaults) {
   if (text.empty()) {
     LoadedSettings loaded = LoadSettings(choice.sessionFolder, defaults);
+    if (!loaded.unreadable.empty()) return std::unexpected(UnreadableSettings(loaded.unreadable));
     choice.settings = std::move(loaded.settings);
     choice.complaints = std::move(loaded.complaints);
     return choice;

@@ -68,15 +68,23 @@ void Driver::ConfigureForSession(const SessionLink& session) {
   if (session.socket != mSocket || folder != mFolder) CloseDriver();
   mSocket = session.socket;
   mFolder = folder;
-  const LoadedSettings loaded = LoadSettings(mFolder, DefaultsFor(session));
+  mDefaults = DefaultsFor(session);
+  TakeSessionSettings();
+  if (!mUnreadable.empty()) Tell("The communication settings of the session cannot be read. " + mUnreadable);
+}
+
+void Driver::TakeSessionSettings() {
+  const LoadedSettings loaded = LoadSettings(mFolder, mDefaults);
   for (const std::string& complaint : loaded.complaints) Tell(complaint);
   (void)UseSettings(loaded.settings, false);
+  mUnreadable = loaded.unreadable;
 }
 
 bool Driver::UseSettings(const LinkSettings& settings, bool keep) {
   const bool isSame = settings == mSettings && (!mChannel || settings == mChannel->Settings());
   if (!isSame) CloseDriver();
   mSettings = settings;
+  mUnreadable.clear();
   if (!keep) return true;
   const auto saved = SaveSettings(mFolder, settings);
   if (!saved) Tell("The communication settings are used, but were not kept. " + saved.error());
@@ -87,6 +95,12 @@ std::shared_ptr<Channel> Driver::GetChannel() {
   if (mForeign) return mForeign;
   if (!mIsActive) {
     FailInactive();
+    return nullptr;
+  }
+  if (!mUnreadable.empty()) TakeSessionSettings();  // it may have been let go
+  if (!mUnreadable.empty()) {
+    FailUnreadable();
+    Tell(mError.Text());
     return nullptr;
   }
   if (!mChannel) {
@@ -131,12 +145,14 @@ std::string Driver::LinkDescription() const {
 }
 
 std::string Driver::SimulatedModelOf(const SessionLink& session) const {
-  const LinkSettings settings = LoadSettings(PathFromUtf8(session.folder), DefaultsFor(session)).settings;
-  return settings.transport == Transport::Simulated ? settings.model : std::string();
+  const LoadedSettings loaded = LoadSettings(PathFromUtf8(session.folder), DefaultsFor(session));
+  const bool isSimulated = loaded.unreadable.empty() && loaded.settings.transport == Transport::Simulated;
+  return isSimulated ? loaded.settings.model : std::string();
 }
 
 std::string Driver::DescribeSession(const SessionLink& session) const {
-  return DescribeLink(LoadSettings(PathFromUtf8(session.folder), DefaultsFor(session)).settings);
+  const LoadedSettings loaded = LoadSettings(PathFromUtf8(session.folder), DefaultsFor(session));
+  return loaded.unreadable.empty() ? DescribeLink(loaded.settings) : "Link settings that cannot be read";
 }
 
 void Driver::ShowTrace() {
@@ -181,6 +197,15 @@ std::shared_ptr<InProcessLine> Driver::SimulatedLine(const std::string& model) {
 
 void Driver::Tell(const std::string& message) {
   if (OnComMessage) OnComMessage(message);
+}
+
+void Driver::FailUnreadable() {
+  mError = {};
+  mError.code = LinkErrorCode::CannotOpen;
+  mError.doing = "opening the link";
+  mError.happened = "the communication settings of the session cannot be read: " + mUnreadable;
+  mError.cause = "another program has the file open, or it is not this user's to read";
+  mError.cure = "close the other program and try again, or set the link anew in the communication settings";
 }
 
 void Driver::FailInactive() {

@@ -78,6 +78,8 @@ class Driver final : public CommDriver {
   [[nodiscard]] bool MayEdit();
   void Tell(const std::string& message);
   void FailInactive();
+  void TakeSessionSettings();
+  void FailUnreadable();
 
   Pacer& mPacer;
   SimulatedLineFactory mSimulatedLines;
@@ -85,6 +87,8 @@ class Driver final : public CommDriver {
   std::shared_ptr<Trace> mTrace;  // shared with channels that are still held
   LinkSettings mSettings;
   std::filesystem::path mFolder;
+  LinkSettings mDefaults;   // of the session
+  std::string mUnreadable;  // why the session's settings could not be read; the link stays closed until they can
   ListeningSocket* mSocket = nullptr;
   std::map<std::string, std::shared_ptr<InProcessLine>> mLines;  // simulated controllers live as long as the driver
   std::shared_ptr<ChannelImpl> mChannel;

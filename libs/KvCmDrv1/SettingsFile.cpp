@@ -8,8 +8,10 @@
 
 #include "KvCmDrv1/LinkText.h"
 #include "base/AnsiText.h"
+#include "base/AtomicFile.h"
 #include "base/KeepSetting.h"
 #include "base/Numbers.h"
+#include "base/ProfileFile.h"
 #include "base/ProfileStrings.h"
 
 namespace kv {
@@ -118,6 +120,15 @@ void ReadFraming(const Reader& reader, SerialFraming& framing) {
   }
 }
 
+// Whoever takes the defaults for the settings of a file that another program holds reaches another controller than he
+// means. Empty: it can be read, or is not there.
+std::string WhyUnreadable(const std::filesystem::path& file) {
+  std::error_code error;
+  if (!std::filesystem::exists(file, error) && !error) return {};
+  const auto content = ReadWholeFile(file, kLargestProfile);
+  return content ? std::string() : content.error().Text();
+}
+
 std::string Milliseconds(Duration span) {
   return std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(span).count());
 }
@@ -125,7 +136,8 @@ std::string Milliseconds(Duration span) {
 }  // namespace
 
 LoadedSettings LoadSettings(const std::filesystem::path& folder, const LinkSettings& defaults) {
-  LoadedSettings loaded{defaults, {}};
+  LoadedSettings loaded{.settings = defaults, .complaints = {}, .unreadable = WhyUnreadable(folder / kFile)};
+  if (!loaded.unreadable.empty()) return loaded;
   LinkSettings& settings = loaded.settings;
   const Reader reader(folder / kFile, loaded.complaints);
   ReadTransport(reader, settings.transport);

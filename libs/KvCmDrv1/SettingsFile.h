@@ -14,6 +14,7 @@ namespace kv {
 struct LoadedSettings {
   LinkSettings settings;
   std::vector<std::string> complaints;  // values that could not be used: which, what was expected, what is used instead
+  std::string unreadable{};             // why the file, which is there, could not be read; `settings` are the defaults
 };
 
 // What the file does not have is as in `defaults`.

@@ -127,6 +127,22 @@ TEST(Driver, OpensWithTheSessionsSettingsAndKeepsTheLinkWhileTheyDescribeIt) {
   EXPECT_FALSE(channel->OpenLink(0, 0));
 }
 
+// The simulated controller of a new session would answer in the place of the plant's.
+TEST(Driver, OpensNoLinkWhileTheSessionsSettingsCannotBeRead) {
+  const TemporaryFolder folder;
+  const auto file = folder.Path() / "KvCmDrv1.ini";
+  std::filesystem::create_directory(file);
+  DriverFixture fixture;
+  const SessionLink session{.folder = folder.Path().string()};
+  fixture.driver.ConfigureForSession(session);
+  EXPECT_FALSE(fixture.driver.GetChannel());
+  EXPECT_NE(fixture.driver.LastError().happened.find("KvCmDrv1.ini"), std::string::npos);
+  EXPECT_EQ(fixture.driver.DescribeSession(session), "Link settings that cannot be read");
+  std::filesystem::remove(file);
+  folder.Put("KvCmDrv1.ini", "[KvCmDrv1]\r\nTransport=tcp\r\nHost=192.168.1.20\r\n");
+  EXPECT_TRUE(fixture.driver.GetChannel()) << "it can be read again";
+}
+
 TEST(Driver, ASessionWithoutSettingsGetsASimulatedControllerOfItsModel) {
   DriverFixture fixture;
   const std::pair<SessionLink, std::string> cases[] = {
