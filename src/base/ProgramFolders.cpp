@@ -36,7 +36,10 @@ std::error_code MakeSessions(const ProgramPaths& paths) {
     fs::remove_all(half, ignored);
   });
   std::error_code error;
-  fs::create_directories(half, error);
+  const fs::path drive = paths.Home().root_path();
+  if (!drive.empty() && !IsFolder(drive))
+    error = make_error_code(std::errc::no_such_device);  // the library misnames it
+  if (!error) fs::create_directories(half, error);
   const fs::path shipped = paths.Shipped() / "Sessions" / kDefaultSession;
   if (!error && IsFolder(shipped)) error = CopyAndUnlock(shipped, half / kDefaultSession);
   if (!error) fs::create_directories(half / kDefaultSession, error);
