@@ -16,6 +16,9 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "firmware os o/s runtime kernel operatingsystem systemsoftware bios",
     "bootloader bootstrap boot recoverymode bootmode",
     "program project application ladder logic code software routine app sketch plcprogram userprogram",
+    "codepage charset charactercode encoding encoded unicode utf utf8 ansi cyrillic latin accent accents accented "
+    "umlaut umlauts diacritic "
+    "national foreign letters mojibake",
     "fonts font typeface glyph lettering characterset charactersets charactergenerator",
     "images image picture icon icons symbol symbols graphic graphics bitmap bitmaps logo drawing photo",
     "memory ram eeprom storage contents",
@@ -24,7 +27,7 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "visualization scada",
     "battery buffer buffered",
     "fitter electrician technician maintenance service serviceman mechanic engineer",
-    "spare replacement substitute swap swapped exchange exchanged replace changeover",
+    "spare replacement substitute retrofit swap swapped exchange exchanged replace changeover",
     "broken dead defect burnt burned fried faulty die died kaput damaged destroyed smoke blown toast bust killed "
     "lightning ruined fail fails failed failure defunct finished wrecked crashed kaputt pop popped cracked flooded "
     "water explode exploded overheated",
@@ -36,13 +39,13 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "switchoff turnoff poweroff shutdown unplug unplugged unpower",
     "restart reboot reset powercycle coldstart warmstart restarting",
     "run start resume running execute runmode startup",
-    "stop halt stopped pause stopmode standstill idle suspended",
+    "stop halt estop emergency stopped pause stopmode standstill idle suspended",
     "state status mode condition led lamp indicator",
     "noise interference emc disturbance shield shielding grounding earth electrical inverter motor vfd spikes "
     "disturbances crosstalk frequency drive drives",
 
     // Values.
-    "operand tag variable register symbol datapoint address location datablock db channel signal point io",
+    "operand tag variable register mnemonic symbol datapoint address location datablock db channel signal point io",
     "value number figure content amount quantity reading data temperature degree celsius pressure bar weight kilo kg "
     "litre level flow rpm percent speed dosage torque humidity",
     "setpoint parameter recipe preset setvalue target adjustment setting constant formula temperature pressure weight "
@@ -50,22 +53,26 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "bit flag coil marker boolean bool digital discrete",
     "integer int word dint uint int16 int32 short long double",
     "float real decimal floatingpoint fraction comma",
-    "input sensor di ai switch proximity photocell probe thermocouple encoder limitswitch contact signal",
-    "output actuator valve relay do dq motor lamp heater cylinder fan drive horn contactor",
+    "input sensor potentiometer transmitter meter di ai switch proximity photocell probe thermocouple encoder "
+    "limitswitch contact signal",
+    "output actuator solenoid servo valve relay do dq motor lamp heater cylinder fan drive horn contactor",
     "timer clock delay stopwatch",
     "counter count counting totalizer totaliser tally",
     "hex hexadecimal base radix binary octal notation representation endian endianness byteorder swapbytes",
     "text string ascii character letter plaintext",
     "format form formatted appearance shown showing displayed presentation view viewed see visible",
-    "range limit minimum maximum min max bounds smallest largest biggest highest lowest high low bigger smaller over "
+    "range limit minimum threshold maximum min max bounds smallest largest biggest highest lowest high low bigger "
+    "smaller over "
     "under exceed exceeds",
     "region watchlist group list favourite selection block collection watchtable variabletable set bookmark monitored "
     "points",
-    "watch monitor live realtime observe follow trend animate refresh update poll cyclic continuous continuously "
+    "watch monitor live historian datalogger logger realtime observe follow trend animate refresh update poll cyclic "
+    "continuous continuously "
     "cyclically permanently scan moving moves changing itself byitself constantly permanently steadily ongoing "
     "updating",
     "read fetch query retrieve readout upload get obtain acquire collect look view show display inspect print",
-    "write put send set force poke transfer command override download push assign output enter assign adjust apply "
+    "write put send set force forcing poke transfer command override download push assign output enter assign adjust "
+    "apply "
     "commit key",
     "change modify alter edit adjust overwrite overwrote tweak manipulate fiddle touched set correct changed tune "
     "retune tuned fiddled messed tampered edited",
@@ -88,9 +95,9 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "compare diff identical same equal differ difference match deviation delta mismatch different",
     "checksum hash digest crc signature fingerprint sha fcs lrc bcc parity",
     "file document",
-    "folder directory path location drive disk usb stick place storage c drive saved stored wheres",
+    "folder directory directories path location drive disk usb stick place storage c drive saved stored wheres",
     "extension ending suffix filetype",
-    "open load browse choose pick select",
+    "open load browse choose pick select picker chooser",
     "delete remove erase wipe clear drop purge discard format deleted nuke zero blank empty emptied scrap dispose "
     "strip",
     "lose lost gone vanish disappear missing wiped erased loss disappeared vanished vanishes wipes deleted destroys "
@@ -118,29 +125,32 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "time long duration minutes hours takes slow wait howlong lasts last finished finish ready eta",
 
     // Reaching a controller.
-    "connect reach link connection communicate talk attach establish join contact access comm comms communication "
+    "connect reach link connectivity connection communicate talk attach establish join contact access comm comms "
+    "communication "
     "attach attached hook hooked plug plugged pair",
     "disconnect hangup close release detach offline logoff",
     "online attached live connected going onlinemode",
     "settings setup configuration configure options parameters preferences config",
-    "cable wire line cord lead wiring plug socket connector pin crossover nullmodem patch rj45 rj11 dsub ninepin 9pin",
+    "cable wire jumper transceiver line cord lead wiring plug socket connector pin crossover nullmodem patch rj45 rj11 "
+    "dsub ninepin 9pin",
     "serial com rs232 rs485 rs422 usb uart tty comport converter adapter adaptor dongle",
     "port interface comport socket",
     "baud speed baudrate bitrate bps rate kbit kbaud fast slow",
     "parity stopbit databits framing 8n1 7e1",
-    "network ethernet tcp ip lan wifi wlan subnet vlan switch socket dhcp gateway router ping vpn",
-    "address ip host hostname dns",
+    "network ethernet tcp ip lan hotspot udp wifi wlan subnet vlan switch socket dhcp gateway router ping vpn",
+    "address ip host hostname dns url",
     "node slave station unitid unitnumber busaddress nodenumber id stationnumber",
     "timeout wait delay patience timelimit latency waiting",
     "retry retries tries attempt attempts repeat resend repetition",
     "phone telephone dial modem gsm call mobile cellular lte sim dialup landline ring sms analog analogue isdn line "
     "teleservice",
     "dialin callhome listen incoming calledback reverse inbound router nat behind vpn rings phoneshome",
-    "firewall blocked block antivirus allow defender security proxy port rule",
+    "firewall blocked whitelist block antivirus allow defender security proxy port rule",
     "answer respond reply response silent mute react timeout echo acknowledge quiet silence reacts reaction nothing "
     "nobody acknowledgement notreact notanswer notrespond notresponse notreply alive ping reachable unreachable "
     "contact",
-    "lose lost drop dropped break broke interrupt disconnect disconnects reconnect unstable flaky intermittent glitch "
+    "lose lost drop dropped break broke interrupt disconnect disconnects reconnect unstable flaky intermittent "
+    "intermittently sporadic sporadically glitch "
     "goesaway closes closed peer kicked gone away",
     "trace sniffer protocol frame packet telegram traffic capture bus analyser wireshark bytes raw message sniff "
     "record",
@@ -148,7 +158,8 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "blocked grabbed conflict",
     "simultaneous parallel somebodyelse someoneelse anotherperson colleague two both together sametime concurrent "
     "station programmingstation secondpc secondlaptop",
-    "simulate simulator simulation demo practise practice virtual emulate emulator pretend train training dummy fake "
+    "simulate simulator simulation demo demonstrate demonstration trainer practise practice virtual emulate emulator "
+    "pretend train training dummy fake "
     "imitate sandbox dryrun rehearse rehearsal offlinetest playground learn staging lab vm mock mockup sandboxed",
     "wrong other another mismatch different incorrect unexpected notthe confused mixed neighbour neighbor foreign "
     "stranger mixup rearranged moved",
@@ -165,7 +176,8 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "forget forgot forgotten unknown lost nobodyknows",
     "permission right access allow authorise admin administrator privilege denied sudo group policy uac rights role "
     "roles acl elevated root authority authorised authorized authorisation clearance entitled",
-    "lock protect protection secure security locked unlock unlocked",
+    "lock protect protection secure security locked unlock unlocked encrypt encrypted encryption lockout vulnerability "
+    "exploit",
     "journal audit history trail logbook accountability traceability records compliance gmp fda iso inspector auditor "
     "evidence proof accountable attributable nonrepudiation changecontrol gxp validation logbooks revision revisions "
     "revisionhistory documented authority responsible culprit whodid whochanged logged recorded paper papertrail sign "
@@ -181,7 +193,8 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "question prompt ask confirm confirmation dialog popup box messagebox yesno areyousure",
     "accident accidental accidentally unintended unintentionally mistake inadvertently careless fast quick oops "
     "wrongbutton misclick unwanted slip slipped",
-    "message error alarm warning fault failure problem trouble notice issue popup complains errorcode notification "
+    "message error alarm warning fault incident failure problem trouble notice issue popup complains errorcode "
+    "notification "
     "alert errormessage",
     "refuse reject deny decline refused forbid forbidden notallowed notaccepted illegal disallow notpermitted "
     "prohibited accept takeit letme notpossible wontaccept wonttake nottake notaccept notlet notallow notpermit",
@@ -209,11 +222,13 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "begin beginner beginning first newbie start started starting newcomer introduction intro quickstart overview "
     "basics new novice onboarding helloworld tour walkthrough gettingstarted gettingstart initial initially",
     "example sample trial tryout template starter",
-    "script batch automate automatic automatically itself byitself alone ownaccord overnight weekly daily hourly "
+    "script batch automate programmatically orchestrator automatic automatically itself byitself alone ownaccord "
+    "overnight weekly daily hourly "
     "periodically scheduled schedule nightly cron unattended job pipeline ci task "
     "powershell bash python robot pipeline orchestrate integrate integration api program programmatic service daemon "
     "agent jenkins ansible c# java net",
-    "commandline console shell terminal cli kvtele prompt cmd headless powershell cmdline withoutwindow nogui gui "
+    "commandline console shell terminal invoke invocation cli kvtele prompt cmd headless powershell cmdline "
+    "withoutwindow nogui gui "
     "graphical interface headless ssh",
     "exitcode returncode errorlevel returnvalue exit return",
     "json machinereadable parse parsing structured",
@@ -229,10 +244,10 @@ constexpr auto kGroups = std::to_array<std::string_view>({
     "practise rehearse try test experiment",
     "allowed permitted possible may can forbidden",
     "list overview summary table catalogue directory enumerate which",
-    "step procedure instruction sequence guide howto",
+    "step procedure instruction sequence guide howto workflow",
     "danger risk hazard safe safety harm harmful harmless dangerous consequence effect",
     "missing absent notthere unavailable notfound notlisted nowhere",
-    "slow sluggish lag laggy fast speed performance",
+    "slow sluggish lag bandwidth throughput laggy fast speed performance",
     "afterwards later following next since",
 
     // Forms of one word.
