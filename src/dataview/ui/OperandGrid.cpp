@@ -1,5 +1,6 @@
 #include "dataview/ui/OperandGrid.h"
 
+#include <QFontMetrics>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <algorithm>
@@ -57,12 +58,16 @@ void OperandGrid::FollowLooks() {
   const int character = fontMetrics().horizontalAdvance('0');
   mDelegate.Follow(palette(), font());
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 5 / 4);
+  QFont current = font();
+  current.setBold(true);  // as the head of the current row is written
+  const QFontMetrics metrics(current);
   int widest = 0;
   for (int row = 0; row < kOperandTypeCount; ++row) {
     const std::string_view name = TypeName(OperandModel::TypeAt(row));
-    widest = std::max(widest, static_cast<int>(name.size()));
+    const QString text = QString::fromLatin1(name.data(), static_cast<qsizetype>(name.size()));
+    widest = std::max(widest, metrics.horizontalAdvance(text));
   }
-  verticalHeader()->setFixedWidth((widest + 2) * character);
+  verticalHeader()->setFixedWidth(widest + 2 * character);
 }
 
 void OperandGrid::Follow(const GridChanges& changes) {
