@@ -7,6 +7,7 @@
 #include "apps/kvtele/ConsentFlag.h"
 #include "apps/kvtele/TerminalPanel.h"
 #include "apps/kvtele/Verb.h"
+#include "base/AnsiText.h"
 #include "base/Numbers.h"
 #include "base/Texts.h"
 #include "clone/RestoreBegin.h"
@@ -75,12 +76,26 @@ Failure NotThere(const std::string& happened, TerminalPanel& panel) {
                        all.empty() ? "see kvtele screen" : "what can be pressed: " + all);
 }
 
+Failure OutsideScreen(const std::string& point, const PanelDescription& panel) {
+  return NotFitFailure(
+      kDoing, "the place " + point + " is outside the screen", "",
+      "name a place from 0,0 to " + std::to_string(panel.width - 1) + "," + std::to_string(panel.height - 1));
+}
+
+// As the one who operates is named to others: the program tells the user who he is beside his own window.
+std::string NameAtPanel(const std::string& user) {
+  constexpr std::string_view kProgram = " (kvtele)";
+  const std::string name = Utf8ToAnsi(user.empty() ? UserName() : user);
+  if (name.empty()) return "kvtele";
+  return AnsiToUtf8(name.substr(0, kLongestOperator - kProgram.size())) + std::string(kProgram);
+}
+
 // "120,400".
 std::optional<PanelPlace> ParsePoint(std::string_view text) {
   std::string_view rest = text;
   const auto x = ParseInteger(TakeField(rest, ','));
   const auto y = ParseInteger(rest);
-  constexpr NumberRange kDots{0, 4095};
+  constexpr NumberRange kDots{0, 65535};
   if (!x || !y || !kDots.Holds(*x) || !kDots.Holds(*y)) return std::nullopt;
   return PanelPlace{.key = std::nullopt, .x = static_cast<int>(*x), .y = static_cast<int>(*y)};
 }
@@ -89,7 +104,8 @@ OrFailure<PanelPlace> VerbPress::PlaceOf(TerminalPanel& panel) const {
   const panel::ScreenModel& model = panel.Model();
   const bool isColour = model.Panel().kind == PanelKind::Colour;
   if (const auto point = ParsePoint(mWhat)) {
-    if (isColour) return *point;
+    if (isColour && model.Panel().width > point->x && model.Panel().height > point->y) return *point;
+    if (isColour) return std::unexpected(OutsideScreen(mWhat, model.Panel()));
     return std::unexpected(
         NotFitFailure(kDoing, "a text display has keys, and no places to touch", "", "name a key; see kvtele screen"));
   }
@@ -149,8 +165,7 @@ OrFailure<void> VerbPress::Operate(Environment& environment, TerminalPanel& pane
     return std::unexpected(NotFitFailure(kDoing, who + " operates the panel", "only one can do so at a time",
                                          "wait until it is free, or take it over with --take-over"));
   }
-  const std::string name = user.empty() ? UserName() : user;
-  panel.Session().AskToOperate(name.empty() ? "kvtele" : name, mTakeOver);
+  panel.Session().AskToOperate(NameAtPanel(user), mTakeOver);
   const auto report = Await(panel);
   if (!report) return std::unexpected(report.error());
   if (report->result != PressReport::Result::Done) return std::unexpected(FailureOf(*report, panel));

@@ -346,8 +346,7 @@ void ChannelImpl::FailRefused(int controllerCode, const std::string& doing) {
   LinkError error;
   error.code = controllerCode == kBusyCode ? LinkErrorCode::Busy : LinkErrorCode::Refused;
   error.controllerCode = controllerCode;
-  error.happened = "the controller refused: " + std::string(meaning.meaning) + " (code " +
-                   ToHex(static_cast<std::uint32_t>(controllerCode), 2) + ")";
+  error.happened = RefusedText(meaning, controllerCode);
   const bool isPassword = controllerCode == kNeedsPasswordCode || controllerCode == kWrongPasswordCode;
   error.cure = isPassword && mPasswords ? mPasswords->Cure() : meaning.cure;
   Fail(std::move(error), doing);

@@ -149,6 +149,7 @@ class ChannelImpl final : public Channel {
   [[nodiscard]] bool NotePiece(PieceSize& piece, bool hasCome, std::uint32_t count, Instant notAfter) const;
   [[nodiscard]] std::optional<PanelTextReply> AskPanelInText(const PanelRequest& request);
   [[nodiscard]] std::optional<PanelTextReply> AskPanelInBlock(const PanelRequest& request);
+  void TellEventRefusal();
   // What is being done, in words, made only when an error needs it: "reading MI 0..59 from unit 1".
   template <typename Doing>
   [[nodiscard]] std::optional<std::string_view> Ask(const TextRequest& request, const Doing& doing);

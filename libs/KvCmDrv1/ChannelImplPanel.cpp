@@ -1,5 +1,6 @@
 #include "KvCmDrv1/ChannelImpl.h"
 #include "KvCmDrv1/wire/PanelCodec.h"
+#include "link/ControllerErrorText.h"
 
 // The panel's requests in the envelope that the controller's family understands.
 
@@ -18,7 +19,18 @@ std::optional<PanelTextReply> ChannelImpl::AskPanel(const PanelRequest& request)
     Fail(done.error(), doing());
     return std::nullopt;
   }
-  return mClient.Unit(request.unit).isAsciiOnly ? AskPanelInText(request) : AskPanelInBlock(request);
+  auto reply = mClient.Unit(request.unit).isAsciiOnly ? AskPanelInText(request) : AskPanelInBlock(request);
+  if (!reply && request.isEvent) TellEventRefusal();
+  return reply;
+}
+
+// The words of most refusals are about operands and files.
+void ChannelImpl::TellEventRefusal() {
+  if (mError.code != LinkErrorCode::Refused) return;
+  const ControllerErrorMeaning meaning = PanelErrorText(mError.controllerCode);
+  if (meaning.meaning == ControllerErrorText(mError.controllerCode).meaning) return;
+  mError.happened = RefusedText(meaning, mError.controllerCode);
+  mError.cure = meaning.cure;
 }
 
 std::optional<PanelTextReply> ChannelImpl::AskPanelInText(const PanelRequest& request) {

@@ -10,6 +10,7 @@
 #include "KvCmDrv1/wire/BlockCodec.h"
 #include "KvCmDrv1/wire/CommandFacts.h"
 #include "KvCmDrv1/wire/Seal.h"
+#include "link/BlockOperations.h"
 
 namespace kv {
 
@@ -60,6 +61,9 @@ class Exchange final : public ReplyMatcher {
   bool Accepts(const Received& received) override;
 
   [[nodiscard]] bool IsText() const { return !text.empty(); }
+  [[nodiscard]] bool IsPanelEvent() const {
+    return IsText() ? text.starts_with("PE") : mBlock.fields.opCode == BlockOperation::kPanelEvent;
+  }
   [[nodiscard]] bool IsRead() const { return facts.kind == RequestKind::Read; }
   // It has gone out and may have changed something, and no answer is here.
   [[nodiscard]] bool IsInDoubt() const { return wentOut && !IsRead(); }

@@ -145,7 +145,8 @@ void ProtocolClient::EndChange(const Exchange& exchange, ExchangeOutcome outcome
   if (const std::optional<int> code = exchange.Refusal()) {
     const bool wantsOther = *code == kNeedsPasswordCode && mAccessRefusal != 0;  // than the one that it was given
     const int why = wantsOther ? mAccessRefusal : *code;
-    return mLine.Gate().End({ChangeResult::Refused, std::string(ControllerErrorText(why).meaning)});
+    const auto meaning = exchange.IsPanelEvent() ? PanelErrorText(why) : ControllerErrorText(why);
+    return mLine.Gate().End({ChangeResult::Refused, std::string(meaning.meaning)});
   }
   const bool isBusy = !exchange.IsText() && exchange.status == kBlockBusy;
   mLine.Gate().End({isBusy ? ChangeResult::Refused : ChangeResult::Done, isBusy ? "the controller is busy" : ""});

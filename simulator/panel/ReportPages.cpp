@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "base/Hex.h"
 #include "simulator/panel/ColourPages.h"
 #include "simulator/panel/Images.h"
 #include "simulator/panel/Theme.h"
@@ -46,7 +45,7 @@ void Info(PageBuilder& page, const PanelView& view) {
       "Bottle line 1",
       "Model " + facts.model,
       "O/S " + facts.os,
-      "Serial number " + kv::ToHex(facts.serial, 8),
+      "Serial number " + std::to_string(facts.serial),
       facts.project.empty() ? "No project" : "Project " + facts.project,
       "Filled " + std::to_string(view.operands.Word(plant::kFilled)) + ", rejected " +
           std::to_string(view.operands.Word(plant::kRejected)),

@@ -39,8 +39,7 @@ std::optional<LinkError> RefusalIn(std::string_view reply) {
   LinkError error;
   error.code = LinkErrorCode::Refused;
   error.controllerCode = code;
-  error.happened = "the controller refused: " + std::string(meaning.meaning) + " (code " +
-                   ToHex(static_cast<std::uint32_t>(code), 2) + ")";
+  error.happened = RefusedText(meaning, code);
   error.cure = meaning.cure;
   return error;
 }

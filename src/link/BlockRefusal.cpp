@@ -1,6 +1,5 @@
 #include "link/BlockRefusal.h"
 
-#include "base/Hex.h"
 #include "link/ControllerErrorText.h"
 #include "link/DownloadEngine.h"
 
@@ -19,8 +18,7 @@ std::optional<LinkError> RefusalOf(int status) {
   const ControllerErrorMeaning meaning = ControllerErrorText(code);
   error.code = status == kBlockBusy ? LinkErrorCode::Busy : LinkErrorCode::Refused;
   error.controllerCode = code;
-  error.happened = "the controller refused: " + std::string(meaning.meaning) + " (code " +
-                   ToHex(static_cast<std::uint32_t>(code), 2) + ")";
+  error.happened = RefusedText(meaning, code);
   error.cure = meaning.cure;
   return error;
 }

@@ -1,7 +1,11 @@
 #include "link/ControllerErrorText.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
+
+#include "base/Hex.h"
 
 namespace kv {
 namespace {
@@ -37,11 +41,25 @@ constexpr ControllerErrorMeaning kUnknown = {
     "it gave a code that this program does not know",
     "a newer version of this program may know it; keep the trace for an error report"};
 
+constexpr ControllerErrorMeaning kNotOfPanel = {
+    "it did not take the input at its panel",
+    "look at the screen, and press once more; if it happens again, keep the trace for an error report"};
+
 }  // namespace
 
 ControllerErrorMeaning ControllerErrorText(int code) {
   if (code < 1 || code > static_cast<int>(kMeanings.size())) return kUnknown;
   return kMeanings[static_cast<std::size_t>(code - 1)];
+}
+
+ControllerErrorMeaning PanelErrorText(int code) {
+  constexpr auto kOfOthers = std::to_array({0x03, kPastEndCode, 0x05, 0x06, 0x0B, 0x0C, 0x0D, 0x0F});
+  return std::ranges::find(kOfOthers, code) != kOfOthers.end() ? kNotOfPanel : ControllerErrorText(code);
+}
+
+std::string RefusedText(const ControllerErrorMeaning& meaning, int code) {
+  return "the controller refused: " + std::string(meaning.meaning) + " (code " +
+         ToHex(static_cast<std::uint32_t>(code), 2) + ")";
 }
 
 }  // namespace kv

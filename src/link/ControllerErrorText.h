@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace kv {
@@ -20,5 +21,11 @@ struct ControllerErrorMeaning {
 // The refusal codes of docs/controller-protocol.md, 1 to 15; any other code gives a meaning that says that it is
 // unknown.
 [[nodiscard]] ControllerErrorMeaning ControllerErrorText(int code);
+
+// The same in answer to an input at the panel: codes that speak of operands, memory or files mean nothing there.
+[[nodiscard]] ControllerErrorMeaning PanelErrorText(int code);
+
+// "the controller refused: it is busy (code 0A)".
+[[nodiscard]] std::string RefusedText(const ControllerErrorMeaning& meaning, int code);
 
 }  // namespace kv
