@@ -17,8 +17,9 @@ std::string ShortModel(const std::string& model) {
 }
 
 std::string StateWord(const HostState& state) {
-  const bool isKnown = state.connection == ConnectionState::Online && !state.isSilent && state.controller;
-  return isKnown && !state.controller->state.empty() ? Capitalised(state.controller->state) : ConnectionText(state);
+  const std::string told = ToldState(state);
+  const bool isKnown = state.connection == ConnectionState::Online && !state.isSilent && !told.empty();
+  return isKnown ? told : ConnectionText(state);
 }
 
 }  // namespace
@@ -35,6 +36,11 @@ std::string ConnectionText(const HostState& state) {
       return "Connection lost";
   }
   return {};
+}
+
+std::string ToldState(const HostState& state) {
+  const std::string told = state.controller ? Capitalised(state.controller->state) : std::string();
+  return told.empty() || state.stateAge.empty() ? told : told + " " + state.stateAge + " ago";
 }
 
 std::string HeadingText(const HostState& state) {

@@ -52,8 +52,9 @@ struct HostState {
   // Why the controller could not be reached, was refused or lost, or does not fit: what happened, cause and cure.
   std::string trouble;
   std::optional<ControllerFacts> controller;  // on line or lost, or the one that was refused
-  std::optional<LinkFacts> quality;           // on line or lost
-  std::optional<int> secondsToTry;            // until a lost controller is looked for again; 0: now
+  std::string stateAge;  // "12 s": since the controller told its state, while it is not asked; empty: it is of now
+  std::optional<LinkFacts> quality;  // on line or lost
+  std::optional<int> secondsToTry;   // until a lost controller is looked for again; 0: now
 
   std::vector<ShownTile> tiles;  // on line or lost
   bool hasPanel = false;         // on line or lost, with a controller that has told what its screen is
@@ -70,6 +71,8 @@ struct HostState {
 
 // "On line", "Connection lost".
 [[nodiscard]] std::string ConnectionText(const HostState& state);
+// "Running", or "Running 12 s ago" where it is not of now; empty: not known.
+[[nodiscard]] std::string ToldState(const HostState& state);
 // Which machine, and how it is: "Line 3 filler - K670 - Running". The last is the connection where that tells more, or
 // the state is not known.
 [[nodiscard]] std::string HeadingText(const HostState& state);

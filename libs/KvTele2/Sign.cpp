@@ -32,6 +32,7 @@ Sign MachineSign(const HostState& state) {
   const std::string& told = state.controller->state;
   if (told.empty()) return IsHeld(state) ? Sign{.word = "Not known"} : Sign{};
   if (state.connection == ConnectionState::Lost) return {.word = "Was " + told};
+  if (!state.stateAge.empty()) return {.word = ToldState(state)};
   const auto row = std::ranges::find_if(kStates, [&](const StateRow& each) { return StateText(each.state) == told; });
   if (row == kStates.end()) return {.word = Capitalised(told)};
   return {row->shape, row->colour, Capitalised(told)};

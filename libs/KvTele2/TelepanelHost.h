@@ -77,6 +77,8 @@ class TelepanelHost final : public RemoteHost {
 
   // To be called by the view when a wait behind the user's back has lasted for about a second.
   void NoteSilence();
+  // The same while a question to the user stands open, for which that wait waits.
+  void NoteQuestion();
 
   [[nodiscard]] bool Enabled() const override { return mState.isEnabled; }
   void SetEnabled(bool enabled) override;
@@ -129,6 +131,12 @@ class TelepanelHost final : public RemoteHost {
   void Note(const std::string& text);
   void Warn(const std::string& text);
 
+  // To operate: who has given it, and on which connection.
+  struct OperateConsent {
+    unsigned connection;
+    std::string user;
+    bool operator==(const OperateConsent&) const = default;
+  };
   struct Order {
     std::string id;
     std::string argument;
@@ -159,6 +167,9 @@ class TelepanelHost final : public RemoteHost {
   void DescribePanel();
   void ClickPanel(std::string_view id);
   void OperatePanel();
+  [[nodiscard]] bool AskConsent(const panel::PanelState& panel);
+  [[nodiscard]] OperateConsent Consent() const;  // as it would be given now
+  [[nodiscard]] std::string WithTime(const std::string& why) const;
   [[nodiscard]] bool OpenAccess();
   void SavePicture();
   void TellPanel();
@@ -183,7 +194,9 @@ class TelepanelHost final : public RemoteHost {
   void AskController(HostView::Wait wait, const std::string& what);
   [[nodiscard]] bool Ask();
   void CountDown();
+  void TellMeanwhile(const char* text);
   void EndSilence();
+  void NoteInfo(const Channel::ControllerInfo& info);
   void TakeInfo(const Channel::ControllerInfo& info);
   void TakeFailure(const LinkError& error);
   void BeginWait(HostView::Wait wait, const std::string& what);
@@ -210,6 +223,7 @@ class TelepanelHost final : public RemoteHost {
   std::string mCacheName;                       // of its file
   std::optional<panel::ResourceFetch> mFetch;   // on a fast link
   panel::PanelMode mPanelMode{};                // that was told last
+  std::optional<OperateConsent> mConsent;       // while nobody else has operated
 
   std::shared_ptr<Channel> mChannel;
   std::uint8_t mUnit = 0;
@@ -218,6 +232,7 @@ class TelepanelHost final : public RemoteHost {
   std::optional<std::string> mOtherAnswered;  // another controller, in words, in the place of the one on line
   std::optional<Order> mNext;                 // came during a quiet question
   LinkWatch mWatch;
+  Instant mStateAsOf{};        // what the controller told last
   std::string mMessageBefore;  // the silence
   std::string mLastMessage;    // of the tool that is at work
   bool mIsInTool = false;

@@ -5,12 +5,18 @@
 #include "KvTele2/TelepanelHost.h"
 #include "base/AnsiText.h"
 #include "base/ScopeGuard.h"
+#include "desktop/RemainingTime.h"
 #include "link/ErrorMeaning.h"
 
 namespace kv {
 namespace {
 
 constexpr const char* kSilenceText = "No answer, looking for the controller";
+constexpr const char* kQuestionText = "A question waits for your answer; until then the controller is asked nothing";
+
+bool IsOfMeanwhile(const std::string& message) {
+  return message == kSilenceText || message == kQuestionText;
+}
 
 // What the last exchange of a tool shows of the controller. Errors of the tool's own doing show nothing.
 bool ShowsAnswer(LinkErrorCode code) {
@@ -74,7 +80,7 @@ void TelepanelHost::ConnectionRefused(const std::string& text, const RefusedCont
 void TelepanelHost::ControllerTold(const VersionInfo& version, const Channel::ControllerInfo& info) {
   if (!mChannel || !mState.controller) return;
   mState.controller = ControllerFactsOf(version, mUnit);
-  AddInfo(*mState.controller, info);
+  NoteInfo(info);
   Show();
 }
 
@@ -122,6 +128,8 @@ void TelepanelHost::LetGo() {
   mState.panelNote.clear();
   mChannel.reset();
   mState.controller.reset();
+  mState.stateAge.clear();
+  mConsent.reset();
   mState.quality.reset();
   mState.secondsToTry.reset();
   mState.tiles.clear();
@@ -143,7 +151,7 @@ void TelepanelHost::Tick() {
 }
 
 // A tool works with the controller, so nothing is asked; what its exchanges have shown is told all the same, and what
-// only a question would tell is not known meanwhile. The tool itself keeps the log.
+// only a question would tell grows old. The tool itself keeps the log.
 void TelepanelHost::FollowTool() {
   const bool isHeld = mState.connection == ConnectionState::Online || mState.connection == ConnectionState::Lost;
   if (!isHeld || !mIsInTool || mIsAsking || !mChannel || !mState.controller) return;
@@ -151,7 +159,7 @@ void TelepanelHost::FollowTool() {
   mState.secondsToTry.reset();
   ShowTiles();
   mState.quality = LinkFactsOf(mChannel->Quality());
-  mState.controller->state.clear();
+  mState.stateAge = AgeText(mServices.pacer.Now() - mStateAsOf);
   const LinkError& error = mChannel->LastError();
   if (MayMeanLostLink(error.code)) {
     mState.connection = ConnectionState::Lost;
@@ -167,13 +175,22 @@ void TelepanelHost::NoteSilence() {
   if (mNext) mServices.pacer.RequestStop();
   if (!IsBehindBack() || !IsOnline() || mState.isSilent) return;
   mState.isSilent = true;
-  mMessageBefore = std::exchange(mState.message, kSilenceText);
+  TellMeanwhile(kSilenceText);
+}
+
+void TelepanelHost::NoteQuestion() {
+  if (IsBehindBack() && IsOnline()) TellMeanwhile(kQuestionText);
+}
+
+void TelepanelHost::TellMeanwhile(const char* text) {
+  if (!IsOfMeanwhile(mState.message)) mMessageBefore = mState.message;
+  mState.message = text;
   Show();
 }
 
 void TelepanelHost::EndSilence() {
   mState.isSilent = false;
-  if (mState.message == kSilenceText) mState.message = mMessageBefore;  // unless something has been told meanwhile
+  if (IsOfMeanwhile(mState.message)) mState.message = mMessageBefore;  // unless something has been told meanwhile
 }
 
 void TelepanelHost::AskController(HostView::Wait wait, const std::string& what) {
@@ -213,8 +230,15 @@ bool TelepanelHost::Ask() {
   return info.has_value();
 }
 
-void TelepanelHost::TakeInfo(const Channel::ControllerInfo& info) {
+// What the controller has just told.
+void TelepanelHost::NoteInfo(const Channel::ControllerInfo& info) {
   AddInfo(*mState.controller, info);
+  mStateAsOf = mServices.pacer.Now();
+  mState.stateAge.clear();
+}
+
+void TelepanelHost::TakeInfo(const Channel::ControllerInfo& info) {
+  NoteInfo(info);
   mWatch.Answered(mServices.pacer.Now());
   if (mState.connection == ConnectionState::Lost) {
     mState.connection = ConnectionState::Online;

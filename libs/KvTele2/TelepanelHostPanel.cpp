@@ -6,6 +6,7 @@
 
 #include "KvTele2/HostCommands.h"
 #include "KvTele2/TelepanelHost.h"
+#include "base/DateText.h"
 #include "base/PathText.h"
 #include "base/ScopeGuard.h"
 #include "desktop/RemainingTime.h"
@@ -150,6 +151,7 @@ void TelepanelHost::TellPanel() {
     mPanel.reset();
     return;
   }
+  if (state.isOperatedByOther) mConsent.reset();
   const bool hadPanel = std::exchange(mState.hasPanel, mPanel->Panel() != nullptr);
   for (const panel::PressReport& report : mPanel->TakeReports()) {
     const bool isOperate = report.action == PanelAction::Operate;
@@ -159,10 +161,11 @@ void TelepanelHost::TellPanel() {
     if (isWorthNoting && !report.text.empty()) StatusMessage(report.text);
   }
   if (const PanelMode before = std::exchange(mPanelMode, state.mode); before != state.mode) {
+    if (state.mode == PanelMode::Operate) mConsent = Consent();
     if (state.mode == PanelMode::Operate) mState.panelNote.clear();
     if (state.mode == PanelMode::Operate) return StatusMessage(kDoneText);
     if (state.mode == PanelMode::View) {
-      mState.panelNote = state.whyViewing;
+      mState.panelNote = WithTime(state.whyViewing);
       return StatusMessage("The panel is only viewed now." + (state.whyViewing.empty() ? "" : " " + state.whyViewing));
     }
   }
@@ -170,6 +173,11 @@ void TelepanelHost::TellPanel() {
   FetchWhenFast();
   FitCache();
   Show();
+}
+
+// It stands there until something else is to be said.
+std::string TelepanelHost::WithTime(const std::string& why) const {
+  return why.empty() ? why : TimeOfDayText(mServices.clock.LocalTime()) + " " + why;
 }
 
 void TelepanelHost::ClickPanel(std::string_view id) {
@@ -180,18 +188,28 @@ void TelepanelHost::ClickPanel(std::string_view id) {
   TellPanel();
 }
 
-// The consent is for this connection, and for taking it from who was named. While questions are open all of this may
-// change.
-void TelepanelHost::OperatePanel() {
-  const panel::PanelState asked = mPanel->State();
-  const unsigned connection = mChannel->Panel()->Connection();
-  const auto isAsAsked = [&] { return IsOnline() && mState.hasPanel && mChannel->Panel()->Connection() == connection; };
-  const PromptAnswer answer = mServices.prompts.Show({.text = OperateQuestion(mState, asked),
+// One consent is for this user, this machine and this connection, until somebody else has operated: whoever goes back
+// to View for a moment knows what he does, but what another one has left is not what he has seen.
+bool TelepanelHost::AskConsent(const panel::PanelState& panel) {
+  if (mConsent == Consent() && !panel.isOperatedByOther) return true;
+  const PromptAnswer answer = mServices.prompts.Show({.text = OperateQuestion(mState, panel),
                                                       .title = "Telepanel",
                                                       .icon = PromptIcon::Exclamation,
                                                       .buttons = PromptButtons::YesNo,
                                                       .canLose = true});
-  if (answer != PromptAnswer::Yes) return;
+  return answer == PromptAnswer::Yes;
+}
+
+TelepanelHost::OperateConsent TelepanelHost::Consent() const {
+  return {mChannel->Panel()->Connection(), mState.user};
+}
+
+// The consent is for taking it from who was named, too. While questions are open all of this may change.
+void TelepanelHost::OperatePanel() {
+  const panel::PanelState asked = mPanel->State();
+  const unsigned connection = mChannel->Panel()->Connection();
+  const auto isAsAsked = [&] { return IsOnline() && mState.hasPanel && mChannel->Panel()->Connection() == connection; };
+  if (!AskConsent(asked)) return;
   if (!isAsAsked()) return StayViewing("The panel is only viewed: the link was lost while the question was open.");
   if (!OpenAccess()) return;
   // Who operates now: the questions may have stood open for long.
@@ -210,7 +228,7 @@ void TelepanelHost::OperatePanel() {
 
 // Told where the screen is, too: whoever has said yes looks there.
 void TelepanelHost::StayViewing(const std::string& why) {
-  mState.panelNote = why;
+  mState.panelNote = WithTime(why);
   StatusMessage(why);
 }
 

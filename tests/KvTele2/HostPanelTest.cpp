@@ -85,7 +85,7 @@ class HostPanelTest : public TelepanelHostTest {
   std::shared_ptr<PanelChannel> with = std::make_shared<PanelChannel>();
 };
 
-TEST_F(HostPanelTest, ConsentToOperateHoldsForThatConnectionAndPersonOnly) {
+TEST_F(HostPanelTest, ConsentToOperateHoldsForThatConnectionUserAndPersonOnly) {
   EXPECT_EQ(MiddlePageOf(host.State()), MiddlePage::Panel);
   EXPECT_EQ(TakeAsked().substr(0, 2), "dc");
   const struct {
@@ -93,9 +93,13 @@ TEST_F(HostPanelTest, ConsentToOperateHoldsForThatConnectionAndPersonOnly) {
     std::string other;
     std::function<void()> meanwhile;  // while the password is asked for
     std::string sent;
+    bool isAsked = true;
   } cases[] = {
       {"consent", "", [] {}, "ba1"},
-      {"another connection", "", [this] { ++with->panel.connection; }, "ba"},
+      {"back from View", "", [] {}, "ba1", false},
+      {"another connection", "", [this] { ++with->panel.connection; }, "ba", false},
+      {"after that", "", [] {}, "ba1"},
+      {"another user", "", [] {}, "ba1"},
       {"taken over from Anna", "Anna", [] {}, "ba1"},
       {"Bert has come since", "Anna", [this] { with->panel.other = "Bert"; }, "ba"},
       {"somebody has come since", "", [this] { with->panel.other = "Bert"; }, "ba"},
@@ -105,9 +109,12 @@ TEST_F(HostPanelTest, ConsentToOperateHoldsForThatConnectionAndPersonOnly) {
     Step(40);
     (void)TakeAsked();
     with->onAccess = each.meanwhile;
-    prompts.Press(PromptAnswer::Yes);
+    const std::size_t before = prompts.Boxes().size();
+    if (each.what == std::string_view("another user")) host.SetUserName("Carla");
+    if (each.isAsked) prompts.Press(PromptAnswer::Yes);
     host.Click(command::kOperate);
     Step();
+    EXPECT_EQ(prompts.Boxes().size() - before, each.isAsked ? 1U : 0U) << each.what;
     EXPECT_TRUE(prompts.Boxes().back().canLose);
     EXPECT_THAT(prompts.Boxes().back().text, AllOf(HasSubstr("K220-22-R1"), HasSubstr("serial number 2748"),
                                                    HasSubstr("COM3"), HasSubstr(each.other)));

@@ -1,3 +1,4 @@
+#include "KvTele2/Sign.h"
 #include "tests/KvTele2/HostFixture.h"
 
 namespace kv {
@@ -30,6 +31,9 @@ TEST_F(TelepanelHostTest, AControllerOfAnotherModelThanTheSelectedIsToldWithACur
 TEST_F(TelepanelHostTest, AQuietQuestionGivesWayToTheUser) {
   channel->error.code = LinkErrorCode::Stopped;
   view.onWait = [this](HostView::Wait wait) {
+    host.NoteQuestion();
+    EXPECT_EQ(view.shown.message.contains("waits for your answer"), wait == HostView::Wait::Quiet);
+    EXPECT_EQ(RetryText(view.shown), "") << "nobody looks for it";
     host.NoteSilence();
     EXPECT_EQ(view.shown.isSilent, wait == HostView::Wait::Quiet) << "a wait that was asked for is told by itself";
     if (wait != HostView::Wait::Quiet) return;
@@ -153,14 +157,10 @@ TEST_F(TelepanelHostTest, WhatAToolsExchangesShowIsTold) {
   const struct {
     LinkErrorCode code;
     const char* heading;
-  } exchanges[] = {{None, "On line"},
-                   {Stopped, "On line"},
-                   {NoReply, "Connection lost"},
-                   {BadArgument, "Connection lost"},  // nothing was sent
-                   {Refused, "On line"},
-                   {OtherController, "Connection lost"},
-                   {None, "On line"},
-                   {LinkLost, "Connection lost"}};
+  } exchanges[] = {{None, "Running 1 s ago"},    {Stopped, "Running 2 s ago"},
+                   {NoReply, "Connection lost"}, {BadArgument, "Connection lost"},  // nothing was sent
+                   {Refused, "Running 5 s ago"}, {OtherController, "Connection lost"},
+                   {None, "Running 7 s ago"},    {LinkLost, "Connection lost"}};
   host.Click(command::kOnLine);
   host.OnToolClicked = [&](const std::string&, const std::string&) {
     for (const auto& each : exchanges) {
@@ -174,14 +174,14 @@ TEST_F(TelepanelHostTest, WhatAToolsExchangesShowIsTold) {
           << static_cast<int>(each.code);
       EXPECT_EQ(RetryText(view.shown), "") << "nobody looks for it";
       EXPECT_EQ(view.shown.trouble.empty(), !isLost) << view.shown.trouble;
-      EXPECT_EQ(view.shown.controller->state, "") << "nobody has asked";
+      EXPECT_EQ(MachineSign(view.shown).word, isLost ? "Was running" : each.heading) << "nobody has asked";
     }
   };
   host.Click("ID_DataTypes");
   EXPECT_EQ(ConnectionText(view.shown), "Connection lost");
   Pass(std::chrono::seconds(1));
   EXPECT_EQ(view.shown.connection, ConnectionState::Online);
-  EXPECT_EQ(view.shown.controller->state, "running");
+  EXPECT_EQ(ToldState(view.shown), "Running");
 }
 
 TEST_F(TelepanelHostTest, NobodyIsAskedWhileAToolWorksWithTheController) {

@@ -5,13 +5,16 @@
 #include <QFileDialog>
 #include <QImage>
 #include <QLineEdit>
+#include <QPointingDevice>
 #include <QScreen>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QTableView>
 #include <QToolButton>
 
 #include "KvTele2/ui/PanelKeyMap.h"
 #include "KvTele2/ui/PanelView.h"
+#include "desktop/ui/Theme.h"
 #include "tests/desktop_ui/UsableWindow.h"
 #include "tests/host_ui/WindowFixture.h"
 
@@ -147,9 +150,16 @@ TEST_F(PanelWindowTest, InOperateAPressMovesTheMachineAndIsRecorded) {
       access->child(i)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     }
     EXPECT_TRUE(WaitUntil([&] { return !Touch(window, "Start")->touch->isOn; })) << "as a screen reader presses";
+    const auto& field = *Find<QFrame>(window, "fraPanel").findChild<QScrollArea*>();
+    for (const Theme theme : {Theme::Dark, Theme::Light}) {
+      QApplication::setPalette(PaletteOf(theme));
+      QCoreApplication::processEvents();
+      EXPECT_EQ(field.palette().color(QPalette::Window), PaletteOf(theme).color(QPalette::Window));
+    }
     Trigger(window, "HOST_ViewOnly");
     EXPECT_TRUE(WaitUntil([&] { return Mode(window) == "View"; }));
   });
+  QApplication::setPalette(QPalette());
   std::string records;
   for (const auto& file : std::filesystem::recursive_directory_iterator(home.Path() / "Sessions/Default")) {
     if (file.is_regular_file()) records += TemporaryFolder::Content(file.path());
@@ -204,6 +214,41 @@ TEST_F(PanelWindowTest, WhatIsHeldIsLetGoWhateverHappensToTheWindow) {
   });
 }
 
+TEST_F(PanelWindowTest, AFingerPressesHoldsAndSlidesOffAsTheMouseDoesAndNothingTwice) {
+  QPointingDevice* screen = QTest::createTouchDevice();
+  RunOnLine(kColour, [&](QMainWindow& window) {
+    Trigger(window, "HOST_Trace");
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+      if (each->objectName() == "frmTrace")
+        each->move(window.geometry().bottomRight());  // a finger meets what is above
+    }
+    Operate(window);
+    PanelView& view = View(window);
+    const QPoint manual = PointOf(window, "Manual");
+    QTest::touchEvent(&view, screen).press(0, manual, &view);
+    QTest::touchEvent(&view, screen).release(0, manual, &view);
+    ASSERT_TRUE(WaitUntil([&] { return Touch(window, "Conveyor") != nullptr; }));
+    QTest::qWait(300);
+    const auto isHeld = [&] { return Touch(window, "Conveyor")->touch->isPressed; };
+    const QPoint at = PointOf(window, "Conveyor");
+    for (const QPoint& end : {at, at - QPoint(0, 120)}) {
+      QTest::touchEvent(&view, screen).press(0, at, &view);
+      EXPECT_TRUE(WaitUntil(isHeld)) << Text(window, "lblPanelNote");
+      QTest::qWait(700);
+      EXPECT_TRUE(isHeld()) << "held on to";
+      if (end != at) QTest::touchEvent(&view, screen).move(0, end, &view);
+      if (end == at) QTest::touchEvent(&view, screen).release(0, at, &view);
+      EXPECT_TRUE(WaitUntil([&] { return !isHeld(); }));
+      if (end != at) QTest::touchEvent(&view, screen).move(0, at, &view);
+      QTest::qWait(100);
+      EXPECT_FALSE(isHeld()) << "never again by itself";
+      if (end != at) QTest::touchEvent(&view, screen).release(0, at, &view);
+    }
+    const auto sent = Meanings();
+    EXPECT_EQ(std::ranges::count_if(sent, [](const auto& each) { return each.contains("press "); }), 3);
+  });
+}
+
 TEST_F(PanelWindowTest, ALostLinkLeavesTheLastScreenPaleWithItsAgeAndTakesNoInput) {
   RunOnLine(kColour, [&](QMainWindow& window) {
     Operate(window);
@@ -232,6 +277,23 @@ TEST_F(PanelWindowTest, ALostLinkLeavesTheLastScreenPaleWithItsAgeAndTakesNoInpu
       Find<QPushButton>(box, "cmdNo").click();
     });
     Trigger(window, "HOST_Operate");
+  });
+}
+
+TEST_F(PanelWindowTest, AQuestionInTheMiddleOfAnExchangeIsNoSilenceAndARefusalHasItsCure) {
+  std::filesystem::create_directories(home.Path() / "Sessions/Default/Changes.lock");  // nothing can be recorded
+  RunOnLine(kColour, [&](QMainWindow& window) {
+    WhenOpen<QMessageBox>(window, [&](QMessageBox& box) {
+      WhenOpen<QMessageBox>(window, [&](QMessageBox& unrecorded) {
+        EXPECT_TRUE(WaitUntil([&] { return Text(window, "lblMessage").starts_with("A question waits"); }));
+        EXPECT_TRUE(window.windowTitle().contains("Running")) << window.windowTitle().toStdString();
+        Find<QPushButton>(unrecorded, "cmdNo").click();
+      });
+      Find<QPushButton>(box, "cmdYes").click();
+    });
+    Trigger(window, "HOST_Operate");
+    EXPECT_TRUE(WaitUntil([&] { return Text(window, "lblPanelNote").contains("Asking to operate the panel"); }));
+    EXPECT_THAT(Text(window, "lblPanelCure"), AllOf(HasSubstr("Likely cause: "), HasSubstr("What to do: ")));
   });
 }
 
@@ -303,12 +365,15 @@ TEST_F(PanelWindowTest, TheScreenIsScaledCopiedSavedAndSearched) {
     EXPECT_THAT(Text(window, "lblFound"), testing::StartsWith("1 of "));
     QTest::keyClick(&find, Qt::Key_Escape);
     EXPECT_FALSE(find.isVisible());
+    const QSize before = window.size() - QSize(40, 60);
+    window.resize(before);
     Trigger(window, "HOST_FullScreen");
     EXPECT_TRUE(WaitUntil([&] { return !Find<QTableView>(window, "tblLog").isVisible(); }));
     EXPECT_TRUE(window.isFullScreen());
     QTest::keyClick(&window, Qt::Key_Escape);
     EXPECT_TRUE(WaitUntil([&] { return Find<QTableView>(window, "tblLog").isVisible(); }));
     EXPECT_FALSE(window.isFullScreen());
+    EXPECT_EQ(window.size(), before);
     const QScrollBar& bar = *Find<QTableView>(window, "tblLog").verticalScrollBar();
     EXPECT_TRUE(WaitUntil([&] { return bar.value() == bar.maximum(); })) << "of " << bar.maximum();
   });

@@ -300,7 +300,7 @@ void Operator::NoteFailure(const Due& due, const LinkError& error) {
   mSent.reset();
   if (action == PanelAction::Down || action == PanelAction::Hold || action == PanelAction::Up) mHeld.reset();
   if (action == PanelAction::Operate && mMode == PanelMode::Asking) {
-    mWhyViewing = error.happened;
+    mWhyViewing = error.Text();
     View();
   }
   if (action == PanelAction::Leave) return;

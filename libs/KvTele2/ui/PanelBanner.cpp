@@ -13,6 +13,7 @@
 #include "KvTele2/PanelText.h"
 #include "desktop/ui/ElidedLabel.h"
 #include "desktop/ui/Icons.h"
+#include "desktop/ui/TextLabel.h"
 
 namespace kv {
 
@@ -110,6 +111,9 @@ PanelBanner::PanelBanner(const std::vector<QAction*>& commands, QWidget* parent)
   mNote->setObjectName("lblPanelNote");
   mNote->setAccessibleDescription("Why the screen is old, who operates it, and what became of the last press");
   rows->addWidget(mNote);
+  mCure = MakeTextLabel("lblPanelCure", "Likely cause, and what to do", this);
+  mCure->hide();
+  rows->addWidget(mCure);
 }
 
 // The mode's word never gives way: whoever does not see it does not know whether he operates. The menus have all
@@ -131,7 +135,12 @@ void PanelBanner::Show(const panel::PanelState& state, const QString& note) {
   for (const std::string& text : {PanelOldText(state), PanelOperatorText(state)}) notes += QString::fromStdString(text);
   notes += note;
   notes.removeAll({});
-  mNote->SetFullText(notes.join(' ').remove('\r'));
+  const QString all = notes.join(' ').remove('\r');
+  mNote->SetFullText(all);
+  // Cause and cure of what failed. Who operates has the screen stay where it is.
+  const QString cure = state.mode == panel::PanelMode::View ? all.section('\n', 1) : QString();
+  mCure->setText(cure);
+  mCure->setVisible(!cure.isEmpty());
 }
 
 }  // namespace kv

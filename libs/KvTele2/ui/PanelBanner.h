@@ -6,6 +6,7 @@
 #include "KvTele2/panel/PanelSession.h"
 
 class QAction;
+class QLabel;
 
 namespace kv {
 
@@ -13,7 +14,8 @@ class ElidedLabel;
 
 // Above the screen: whether it is viewed or operated, by colour, sign and word, which page it is, and the panel's
 // commands. Below that why the screen is old, who else is there and what became of the last press, in one line that is
-// always as high: what comes and goes would move the screen, and with it what lies under the pointer.
+// always as high: what comes and goes would move the screen, and with it what lies under the pointer. Where nothing is
+// operated the rest of what has failed, its cause and cure, stands below that.
 class PanelBanner final : public QFrame {
  public:
   PanelBanner(const std::vector<QAction*>& commands, QWidget* parent);
@@ -34,6 +36,7 @@ class PanelBanner final : public QFrame {
   ElidedLabel* mPage = nullptr;
   std::vector<QWidget*> mButtons;  // of the commands, as many as there is room for
   ElidedLabel* mNote = nullptr;
+  QLabel* mCure = nullptr;
 };
 
 }  // namespace kv

@@ -1,6 +1,8 @@
 #include "KvTele2/ui/PanelKeys.h"
 
+#include <QApplication>
 #include <QGridLayout>
+#include <QStatusTipEvent>
 #include <algorithm>
 #include <array>
 
@@ -34,6 +36,13 @@ std::optional<panel::Lamp> LampOf(const PanelKey& key, const panel::ScreenModel&
   if (!key.lamp) return std::nullopt;
   const auto* lamps = model.Get<panel::LampsItem>(panel::kLampsSlot);
   return lamps && *key.lamp < lamps->lamps.size() ? lamps->lamps[*key.lamp] : panel::Lamp::Off;
+}
+
+// The foot of the window shows it anew only when the pointer comes.
+void ShowTip(QAbstractButton& button, const QString& tip, const QString& keys) {
+  Describe(button, tip, keys);
+  QStatusTipEvent told(button.statusTip());
+  if (button.underMouse()) QApplication::sendEvent(&button, &told);
 }
 
 }  // namespace
@@ -77,8 +86,8 @@ void PanelKeys::Follow(const panel::PanelSession* session) {
     const QString meaning = touch ? QString::fromStdString(panel::TouchText(*touch)) : QString();
     mButtons[i]->Show(meaning, LampOf(mKeys[i], *model));
     QString tip = meaning.isEmpty() ? "Does nothing on this page" : "Presses " + meaning;
-    if (!isOperated) tip += ", once the panel is operated";
-    if (tip != mButtons[i]->accessibleDescription()) Describe(*mButtons[i], tip, KeyboardText(mKeys[i]));
+    if (!isOperated && !meaning.isEmpty()) tip += ", once the panel is operated";
+    if (tip != mButtons[i]->accessibleDescription()) ShowTip(*mButtons[i], tip, KeyboardText(mKeys[i]));
   }
 }
 

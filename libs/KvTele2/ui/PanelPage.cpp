@@ -147,13 +147,22 @@ void PanelPage::Follow() {
 void PanelPage::ShowFrame(bool isOperated) {
   if (mFrame->autoFillBackground() == isOperated) return;
   mFrame->setAutoFillBackground(isOperated);
+  TakeColours();
+  if (isOperated) mView->setFocus();  // its keys are the controller's now
+}
+
+void PanelPage::TakeColours() {
   QPalette colours;
-  if (isOperated) colours.setColor(QPalette::Window, PanelBanner::OperateColour());
+  if (mFrame->autoFillBackground()) colours.setColor(QPalette::Window, PanelBanner::OperateColour());
   mFrame->setPalette(colours);
   QPalette inside = QApplication::palette();  // not that of the frame: a colour that nobody has set would be
   inside.setColor(QPalette::Window, inside.color(QPalette::Window));
   mScroll->setPalette(inside);
-  if (isOperated) mView->setFocus();  // its keys are the controller's now
+}
+
+void PanelPage::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange && mScroll) TakeColours();  // another theme
 }
 
 // How it is shown.

@@ -43,6 +43,7 @@ class PanelPage final : public QWidget {
   [[nodiscard]] PanelView& View() { return *mView; }
 
  protected:
+  void changeEvent(QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
@@ -55,6 +56,7 @@ class PanelPage final : public QWidget {
   void Follow();
   void Schedule();
   void ShowFrame(bool isOperated);
+  void TakeColours();
 
   OnCommand mOnCommand;
   TelepanelHost* mHost = nullptr;

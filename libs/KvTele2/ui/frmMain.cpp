@@ -168,7 +168,7 @@ void frmMain::BuildTimers() {
   connect(&mInputDelay, &QTimer::timeout, this, [this] { LetInputThrough(); });
   mSilence.setSingleShot(true);
   mSilence.setInterval(kSilence);
-  connect(&mSilence, &QTimer::timeout, this, [this] { mHost->NoteSilence(); });
+  connect(&mSilence, &QTimer::timeout, this, [this] { NoteSilence(); });
 }
 
 void frmMain::Command(std::string_view id, const std::string& argument) {
@@ -227,7 +227,9 @@ void frmMain::ShowScale(PanelScale scale) {
 void frmMain::ToggleFullScreen() {
   if (!mAround.empty()) {
     for (QWidget* widget : std::exchange(mAround, {})) widget->show();
+    const QRect before = normalGeometry();
     setWindowState(windowState() & ~Qt::WindowFullScreen);
+    if (!isMaximized()) setGeometry(before);  // the desktop's word comes later than the next question for it
     FitScreen();
   } else {
     mHeading->ShowName(true);
@@ -291,6 +293,14 @@ void frmMain::EndWait() {
   mSilence.stop();
   mBusy.reset();
   if (mGateBefore) mPacer.ExchangeGate(*std::exchange(mGateBefore, std::nullopt));
+}
+
+// An exchange may ask the user something, such as whether to go on without a record: it waits for him, and nobody for
+// the controller.
+void frmMain::NoteSilence() {
+  if (!QApplication::activeModalWidget()) return mHost->NoteSilence();
+  mHost->NoteQuestion();
+  mSilence.start();
 }
 
 void frmMain::LetInputThrough() {

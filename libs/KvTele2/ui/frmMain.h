@@ -58,6 +58,7 @@ class frmMain final : public QMainWindow, public HostView {
   void ShowLogMenu(const QPoint& at);  // on the screen
   void Command(std::string_view id, const std::string& argument);
   void LetInputThrough();
+  void NoteSilence();
   void ShowPanelCommand(std::string_view id, const QString& argument);
   void ShowScale(PanelScale scale);
   void ToggleFullScreen();
