@@ -1,13 +1,12 @@
 #include "apps/KvTeleExe/CharacterSelector.h"
 
-#include <QApplication>
-
+#include "desktop/ui/RunDialog.h"
 #include "editors/ui/frmHexSelector.h"
 
 namespace kv {
 
 std::optional<std::string> CharacterSelector::Edit(const std::string& hexCode) {
-  return frmHexSelector(mWindowsFile, QApplication::activeWindow()).Edit(hexCode);
+  return frmHexSelector(mWindowsFile, DialogOwner()).Edit(hexCode);
 }
 
 }  // namespace kv

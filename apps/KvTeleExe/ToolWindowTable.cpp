@@ -1,6 +1,5 @@
 #include "apps/KvTeleExe/ToolWindowTable.h"
 
-#include <QApplication>
 #include <array>
 
 #include "apps/KvTeleExe/AboutFacts.h"
@@ -10,6 +9,7 @@
 #include "clone/ui/frmDumpPLC.h"
 #include "dataview/ui/frmDataTypesView.h"
 #include "desktop/UserName.h"
+#include "desktop/ui/RunDialog.h"
 #include "download/ui/frmDownloader.h"
 #include "host/ui/frmAbout.h"
 #include "host/ui/frmLogIn.h"
@@ -83,7 +83,7 @@ ToolWindows MakeToolWindows(const WindowServices& services) {
   ToolWindows windows;
   for (const ToolWindowRow& row : kTable) {
     windows[std::string(row.id)] = [&row, services](const std::string& argument) {
-      Made dialog = row.make(services, argument, QApplication::activeWindow());
+      Made dialog = row.make(services, argument, DialogOwner());
       return std::make_unique<DialogWindow>(std::move(dialog), services);
     };
   }

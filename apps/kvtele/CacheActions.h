@@ -29,10 +29,12 @@ struct ChosenCache {
   cache::CacheContent content;
   std::string name;
 };
-// The named one, or else the most recent one of the session whose link this is. Nothing: there is none, or the
-// session's own cannot be read, which is said.
-[[nodiscard]] OrFailure<std::optional<ChosenCache>> ChooseCache(Environment& environment, const CommonOptions& common,
-                                                                const std::string& named);
+// The file that its user has named; nothing: he has named none.
+[[nodiscard]] OrFailure<std::optional<ChosenCache>> NamedCache(const std::string& named);
+// The most recent one of the session whose link this is that fits a controller with this model's text. Nothing: there
+// is none, or it cannot be read, which is said.
+[[nodiscard]] std::optional<ChosenCache> RecentCache(Environment& environment, const CommonOptions& common,
+                                                     const std::string& model);
 
 [[nodiscard]] Failure CacheFailure(const cache::CacheError& error, std::string doing);
 

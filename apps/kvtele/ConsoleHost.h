@@ -1,11 +1,13 @@
 #pragma once
 
+#include <expected>
 #include <optional>
 #include <ostream>
 #include <string>
 
 #include "KvTele2/ControllerFacts.h"
 #include "KvTele2/PagesFile.h"
+#include "KvTele2/cache/CacheScreen.h"
 #include "base/AnsiText.h"
 #include "host/shared/RemoteHost.h"
 
@@ -22,7 +24,7 @@ class ConsoleHost final : public RemoteHost {
   // What the controller's panel would be shown with; nothing where the sequence did not say.
   struct Panel {
     std::optional<int> information;  // 0 to 255
-    std::string data;                // path of the file; empty: none
+    std::string data;                // path of the file that its data is copied from; empty: none
     std::string caption;
   };
   [[nodiscard]] const Panel& PanelSettings() const { return mPanel; }
@@ -49,7 +51,11 @@ class ConsoleHost final : public RemoteHost {
   bool OpenPagesFile(const std::string&) override { return false; }
   void SetRecentCaches(const std::vector<std::string>&) override {}
   [[nodiscard]] bool ReadsColourCaches() const override { return false; }
-  [[nodiscard]] bool OpenColourCache(const std::string&) override { return false; }
+  [[nodiscard]] std::expected<bool, std::string> OpenColourCache(const std::string&) override { return false; }
+  [[nodiscard]] std::string ChooseColourCache(const std::vector<std::string>& paths,
+                                              const std::string& model) override {
+    return paths[cache::ChooseCache(paths, model).index];
+  }
 
   [[nodiscard]] bool IsOnline() const override { return mIsOnline; }
   [[nodiscard]] bool HoldsLink() const override { return mChannel != nullptr; }
@@ -73,7 +79,7 @@ class ConsoleHost final : public RemoteHost {
   void ConnectionRefused(const std::string& text, const RefusedController& controller) override {
     mRefusal = RefusalText(text, ControllerFactsOf(controller, mUnit)) + mOtherProject;
   }
-  void SetPanelData(const std::string& path) override { mPanel.data = path; }
+  void SetPanelData(const std::string&, const std::string& source) override { mPanel.data = source; }
   void GoOnline() override { mIsOnline = true; }
   void RunPanelSession(const std::string& caption) override { mPanel.caption = caption; }
 

@@ -1,8 +1,10 @@
 #include <array>
 #include <system_error>
+#include <vector>
 
 #include "KvTele2/cache/CacheDiff.h"
 #include "KvTele2/cache/CacheImport.h"
+#include "KvTele2/cache/CacheScreen.h"
 #include "apps/kvtele/CacheActions.h"
 #include "apps/kvtele/ConsentFlag.h"
 #include "apps/kvtele/TerminalProgress.h"
@@ -90,8 +92,7 @@ OrFailure<void> AskBefore(Environment& environment, const CommonOptions& common,
   }
   if (plan.BytesToRead() == 0) return {};
   return Confirm(environment, ConsentFlag{common.yes, "--yes"},
-                 std::string(kSystemModeWarning) + "\r\n\r\nRead " +
-                     std::to_string((plan.BytesToRead() + 1023) / 1024) + " KiB of fonts and images from " +
+                 std::string(kSystemModeWarning) + "\r\n\r\nRead " + ReadingText(plan, plan.BytesToRead()) + ", from " +
                      ControllerText(plan.controller) + "?",
                  doing, kTitle);
 }
@@ -154,7 +155,7 @@ VerbResult ImportCache(Environment& environment, const CommonOptions& common, co
   const CacheOutcome outcome = engine.Run((*controller)->Link());
   TellWhatToDoubt(environment, engine);
   if (outcome.end != CacheEnd::Done) return std::unexpected(ImportFailure(outcome, doing));
-  environment.err << outcome.text << ".\n";
+  environment.err << (plan->isNew ? outcome.text : engine.Name() + " was brought up to date from the PLC") << ".\n";
   if (session) {
     std::error_code ignored;
     if (const auto added = AddRecentCache(*session, Utf8FromPath(fs::absolute(file, ignored))); !added) {
@@ -164,20 +165,25 @@ VerbResult ImportCache(Environment& environment, const CommonOptions& common, co
   return MakeOutput(engine, file);
 }
 
-OrFailure<std::optional<ChosenCache>> ChooseCache(Environment& environment, const CommonOptions& common,
-                                                  const std::string& named) {
-  if (!named.empty()) {
-    auto content = ReadCacheFile(PathFromUtf8(named));
-    if (!content) return std::unexpected(CacheFailure(content.error(), "reading the cache file"));
-    return ChosenCache{*std::move(content), named};
-  }
+OrFailure<std::optional<ChosenCache>> NamedCache(const std::string& named) {
+  if (named.empty()) return std::nullopt;
+  auto content = ReadCacheFile(PathFromUtf8(named));
+  if (!content) return std::unexpected(CacheFailure(content.error(), "reading the cache file"));
+  return ChosenCache{*std::move(content), named};
+}
+
+std::optional<ChosenCache> RecentCache(Environment& environment, const CommonOptions& common,
+                                       const std::string& model) {
   const auto session = SessionOf(common);
-  const auto recent = session ? ReadRecentCaches(*session) : std::vector<std::string>();
+  std::vector<std::string> recent = session ? ReadRecentCaches(*session) : std::vector<std::string>();
   if (recent.empty()) return std::nullopt;
-  const std::string name = CachePath(recent.front());
-  auto content = ReadCacheFile(PathFromUtf8(name));
-  if (content) return ChosenCache{*std::move(content), name};
-  environment.err << "The session's cache is not used. " << content.error().Text() << ".\n";
+  for (std::string& entry : recent) entry = CachePath(entry);
+  CacheChoice choice = cache::ChooseCache(recent, model);
+  if (choice.content) {
+    for (const std::string& why : choice.passedOver) environment.err << (choice.fits ? why + "\n" : "");
+    return ChosenCache{*std::move(choice.content), recent[choice.index]};
+  }
+  environment.err << "The session's cache is not used. " << choice.content.error().Text() << ".\n";
   return std::nullopt;
 }
 

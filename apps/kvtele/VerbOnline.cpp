@@ -18,7 +18,6 @@
 #include "link/OsVersion.h"
 #include "link/StateText.h"
 #include "link/identification/GoOnline.h"
-#include "sessions/RecentCaches.h"
 #include "sessions/SessionIni.h"
 
 namespace kv::cli {
@@ -133,16 +132,7 @@ struct Found {
   bool isProjectCompared;
 };
 
-// The file that a colour panel's data would be taken from: the copy that was made of it is gone when it is read.
-std::string PanelSource(const SharedState& shared, const ConsoleHost& host) {
-  const std::string& copy = host.PanelSettings().data;
-  if (copy.ends_with("DOS_TEMP")) return Utf8FromPath(PathFromUtf8(host.InstallFolder()) / "TP_Temp" / "TP_Temp_1");
-  const auto recent = ReadRecentCaches(shared);
-  return copy.empty() || recent.empty() ? "" : CachePath(recent.front());
-}
-
-VerbOutput MakeOutput(ConnectedController& controller, const Found& found, const ConsoleHost& host,
-                      const std::string& panelData) {
+VerbOutput MakeOutput(ConnectedController& controller, const Found& found, const ConsoleHost& host) {
   const ConsoleHost::Panel& panel = host.PanelSettings();
   VerbOutput output;
   output.document = {{"model", host.Model()},
@@ -156,7 +146,7 @@ VerbOutput MakeOutput(ConnectedController& controller, const Found& found, const
                      {"state", StateText(found.info.state)},
                      {"project", AnsiToUtf8(found.info.projectName)},
                      {"projectCompared", found.isProjectCompared},
-                     {"panelData", panelData},
+                     {"panelData", panel.data},
                      {"panelInformation", nullptr},
                      {"caption", panel.caption}};
   if (panel.information) output.document["panelInformation"] = *panel.information;
@@ -234,7 +224,7 @@ VerbResult VerbOnline::Run(Environment& environment, const CommonOptions& common
   const auto info = (*connected)->AskInfo();
   if (!info) return std::unexpected(info.error());
   SayWhatToDoubt(environment, **connected, host, pages->has_value());
-  return MakeOutput(**connected, {(*connected)->Version(), *info, pages->has_value()}, host, PanelSource(shared, host));
+  return MakeOutput(**connected, {(*connected)->Version(), *info, pages->has_value()}, host);
 }
 
 }  // namespace

@@ -200,14 +200,15 @@ OrFailure<void> VerbScreen::Watch(Environment& environment, TerminalPanel& panel
 }
 
 VerbResult VerbScreen::Run(Environment& environment, const CommonOptions& common) {
-  auto cache = ChooseCache(environment, common, mCache);
+  auto cache = NamedCache(mCache);
   if (!cache) return std::unexpected(cache.error());
   const auto connected = ConnectedController::Open(environment, common);
   if (!connected) return std::unexpected(connected.error());
   TerminalPanel panel(environment, **connected, "kvtele screen");
   if (const auto updated = panel.Update(); !updated) return std::unexpected(updated.error());
   const bool isDrawn = !mPng.empty() && panel.Model().Panel().kind == PanelKind::Colour;
-  if (*cache && (isDrawn || !mCache.empty())) panel.UseCache(**std::move(cache));
+  if (isDrawn && !*cache) *cache = RecentCache(environment, common, (*connected)->Version().model);
+  if (*cache) panel.UseCache(**std::move(cache));
   if (!mWatch) return Show(environment, panel);
   if (const auto ended = Watch(environment, panel, common.json); !ended) return std::unexpected(ended.error());
   return VerbOutput{};  // everything has been printed

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <expected>
 #include <map>
 #include <memory>
 #include <optional>
@@ -108,7 +109,8 @@ class TelepanelHost final : public RemoteHost {
   void SetRecentCaches(const std::vector<std::string>& entries) override;
   [[nodiscard]] bool ReadsColourCaches() const override { return true; }
   // The panel is drawn with it from now on, as far as it is the controller's.
-  [[nodiscard]] bool OpenColourCache(const std::string& path) override;
+  [[nodiscard]] std::expected<bool, std::string> OpenColourCache(const std::string& path) override;
+  [[nodiscard]] std::string ChooseColourCache(const std::vector<std::string>& paths, const std::string& model) override;
 
   [[nodiscard]] bool IsOnline() const override { return mState.connection == ConnectionState::Online; }
   [[nodiscard]] bool HoldsLink() const override { return mChannel != nullptr; }
@@ -122,7 +124,7 @@ class TelepanelHost final : public RemoteHost {
   [[nodiscard]] bool ProjectMatches() override;
   void ConnectionRefused(const std::string& text, const RefusedController& controller) override;
   void ControllerTold(const VersionInfo& version, const Channel::ControllerInfo& info) override;
-  void SetPanelData(const std::string& path) override;
+  void SetPanelData(const std::string& path, const std::string& source) override;
   void GoOnline() override;
   void RunPanelSession(const std::string& caption) override;
 
@@ -186,6 +188,7 @@ class TelepanelHost final : public RemoteHost {
   // The cache that the panel is drawn with (TelepanelHostCaches.cpp).
   void UseCache(cache::CacheContent content, const std::string& path);
   void FitCache();
+  [[nodiscard]] std::unexpected<std::string> CacheNotOpened(const std::string& path, const std::string& why);
 
   void Connect(const std::string& argument);
   void GoOffline(const std::string& why, const std::string& trouble);

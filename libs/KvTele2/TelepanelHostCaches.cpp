@@ -24,6 +24,23 @@ std::string ContentText(const cache::CacheContent& content) {
          std::to_string(content.owner->serialNumber);
 }
 
+std::string CureOf(const cache::CacheError& error) {
+  switch (error.fault) {
+    case cache::CacheFault::Cut:
+    case cache::CacheFault::Damaged:
+      return "import from its controller into this file, or choose another one.";
+    case cache::CacheFault::Newer:
+      return "open it with that version, or import from the controller into another file.";
+    case cache::CacheFault::Unreadable:
+      return "see that you may read it and that its disk is there.";
+    case cache::CacheFault::Missing:
+    case cache::CacheFault::TooLarge:
+    case cache::CacheFault::NoCache:
+      break;
+  }
+  return "choose another file, or import from the controller into a new one.";
+}
+
 // Each entry's first field is its path.
 std::string PathOf(const std::string& entry) {
   return entry.substr(0, entry.find('*'));
@@ -37,23 +54,21 @@ void TelepanelHost::SetRecentCaches(const std::vector<std::string>& entries) {
   Show();
 }
 
-bool TelepanelHost::OpenColourCache(const std::string& path) {
+std::expected<bool, std::string> TelepanelHost::OpenColourCache(const std::string& path) {
   const auto content = cache::ReadCacheFile(PathFromUtf8(path));
-  if (!content) {
-    StatusMessage(content.error().Text());
-    return false;
-  }
+  if (!content) return CacheNotOpened(path, content.error().Text() + ".\r\nWhat to do: " + CureOf(content.error()));
   const bool hasController = IsOnline() && mState.controller && content->owner;
   if (hasController && cache::IsOfOtherModel(*content, Utf8ToAnsi(mState.controller->model))) {
     Warn(path + " is the cache of a " + AnsiToUtf8(content->owner->version.model) + ", and a " +
          mState.controller->model + " is on line: nothing of it could be drawn. The cache that was in use stays." +
          "\r\nWhat to do: import a cache from this controller, or go off line to open this one.");
-    return true;  // there is nothing more to tell
+    return false;
   }
   const auto kept = cache::SaveCacheFile(PathFromUtf8(mSessionFolder) / kWorkingCopy, *content);
   if (!kept) {
-    StatusMessage("The cache " + path + " was not opened. " + kept.error().Text());
-    return false;
+    return CacheNotOpened(
+        path, "The file is whole, but the session's working copy of it cannot be written. " + kept.error().Text() +
+                  ".\r\nWhat to do: make room in the session's folder, and see that it may be written to.");
   }
   std::string said = "Opened " + path + ": " + ContentText(*content);
   if (hasController && std::to_string(content->owner->serialNumber) != mState.controller->serialNumber) {
@@ -64,15 +79,27 @@ bool TelepanelHost::OpenColourCache(const std::string& path) {
   return true;
 }
 
+std::unexpected<std::string> TelepanelHost::CacheNotOpened(const std::string& path, const std::string& why) {
+  StatusMessage("The cache " + path + " was not opened. " + why);
+  return std::unexpected(why);
+}
+
+std::string TelepanelHost::ChooseColourCache(const std::vector<std::string>& paths, const std::string& model) {
+  const cache::CacheChoice choice = cache::ChooseCache(paths, model);
+  for (const std::string& why : choice.passedOver) {
+    if (choice.fits) StatusMessage(why);
+  }
+  return paths[choice.index];
+}
+
 // Called while a colour controller goes on line, before its panel is asked for.
-void TelepanelHost::SetPanelData(const std::string& path) {
+void TelepanelHost::SetPanelData(const std::string& path, const std::string& source) {
   auto content = cache::ReadCacheFile(PathFromUtf8(path));
-  const std::string name = mState.recentCaches.empty() ? path : mState.recentCaches.front();  // it was made from
   if (!content) {
-    content.error().file.file = name;
+    content.error().file.file = source;
     return StatusMessage("The screen is drawn without a cache. " + content.error().Text());
   }
-  UseCache(*std::move(content), name);
+  UseCache(*std::move(content), source);
 }
 
 void TelepanelHost::UseCache(cache::CacheContent content, const std::string& path) {

@@ -65,6 +65,15 @@ std::string KeptText(const cache::CacheImportPlan& plan) {
          " are in the file already, and are not read again.";
 }
 
+std::string PreviewText(const cache::CacheImportPlan& plan, const cache::CacheImportOrder& wishes) {
+  std::uint64_t bytes = 0;
+  for (const auto& [step, wanted] : {std::pair(&plan.fonts, wishes.fonts), std::pair(&plan.images, wishes.images)}) {
+    if (wanted) bytes += step->bytesToRead + (wishes.readsAll ? step->bytesKept : 0);
+  }
+  if (bytes == 0) return "Nothing has to be read: the file has all of it already. The display stays as it is.";
+  return "To be read, while the display shows SYSTEM mode: " + cache::ReadingText(plan, bytes) + ".";
+}
+
 std::string AmountText(const cache::CacheProgress& progress) {
   const auto kibibytes = [](std::uint64_t bytes) { return std::to_string((bytes + kKibibyte - 1) / kKibibyte); };
   std::string text = progress.resource + (progress.resource.empty() ? "" : ", ") + kibibytes(progress.done) + " of " +

@@ -43,6 +43,10 @@ inline constexpr const char* kCacheFilter = "Telepanel For Color Cache Files (*.
 // are not read again."; empty when everything is read.
 [[nodiscard]] std::string KeptText(const cache::CacheImportPlan& plan);
 
+// What an import with these wishes would read, and for how long: ReadingText of a plan for fonts and images that reads
+// only what has changed.
+[[nodiscard]] std::string PreviewText(const cache::CacheImportPlan& plan, const cache::CacheImportOrder& wishes);
+
 // How far a step is: "Logo, 12 of 60 KiB, about 3 s left".
 [[nodiscard]] std::string AmountText(const cache::CacheProgress& progress);
 

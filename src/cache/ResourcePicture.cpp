@@ -13,11 +13,14 @@ constexpr std::string_view kSample = "AaBbGg 0123456789 +\xB0\xB5\xC4\xD6\xDC\xE
 constexpr int kWidest = 320;
 constexpr panel::Dot kGround = 0xFF6B7680;  // on which light and dark images are seen
 
+// As many characters as fit, none of them cut.
 panel::Picture SampleOf(const panel::ScreenFont& font, panel::Dot ink) {
-  panel::Picture picture(std::clamp(font.WidthOf(kSample), 1, kWidest), font.Height(), panel::kTransparent);
+  std::string_view sample = kSample;
+  while (sample.size() > 1 && font.WidthOf(sample) > kWidest) sample.remove_suffix(1);
+  panel::Picture picture(std::clamp(font.WidthOf(sample), 1, kWidest), font.Height(), panel::kTransparent);
   panel::Pen pen(picture, picture.Bounds());
   int x = 0;
-  for (const char character : kSample) {
+  for (const char character : sample) {
     if (const auto glyph = font.GlyphOf(character)) pen.Bits(x, 0, glyph->width, glyph->rows, ink);
     x += font.WidthOf(character);
   }

@@ -1,14 +1,13 @@
 #include "download/DownloadPreview.h"
 
 #include <array>
-#include <chrono>
 
 #include "base/AnsiText.h"
 #include "base/Texts.h"
 #include "clone/DumpWindow.h"
-#include "desktop/RemainingTime.h"
 #include "download/FileFields.h"
 #include "link/LinkLimits.h"
+#include "link/TimeOnLink.h"
 
 namespace kv {
 namespace {
@@ -32,10 +31,6 @@ std::string Shown(const Text& text) {
   return text->empty() ? "(none)" : *text;
 }
 
-std::string TimeText(Duration about) {
-  return SpanText(std::max(std::chrono::ceil<std::chrono::seconds>(about), std::chrono::seconds(1)));
-}
-
 }  // namespace
 
 std::string KeptName(const std::string& name) {
@@ -50,21 +45,12 @@ DownloadSide SideOf(const FoundController& controller) {
           .project = controller.ProjectText()};
 }
 
-Duration TimeOnLink(const Channel& link, std::uint64_t bytes, std::uint64_t exchanges) {
-  constexpr std::uint64_t kBitsOfByte = 10;  // with start and stop bit
-  const auto rate = static_cast<std::uint64_t>(std::max(link.GetComParams().baudRate, 0));
-  const Duration turns = link.Quality().roundTrip * static_cast<std::int64_t>(exchanges);
-  if (rate == 0) return turns;
-  const std::uint64_t microseconds = bytes * kBitsOfByte * std::micro::den / rate;
-  return turns + Duration(static_cast<Duration::rep>(microseconds));
-}
-
 std::string CloneTimeText(const Channel& link, int passes) {
   if (passes == 0) return "";
   constexpr std::uint64_t kBlocks = 100 * 1024 / kDumpBlock;
   constexpr std::uint64_t kAroundBlock = 60;  // head, address, tag and check, of request and reply
   return "the controller's memory goes over it " + std::to_string(passes) + " times for the clones, each time about " +
-         TimeText(TimeOnLink(link, kBlocks * (2 * kDumpBlock + kAroundBlock), kBlocks)) + " for 100 KiB of it";
+         TimeOnLinkText(TimeOnLink(link, kBlocks * (2 * kDumpBlock + kAroundBlock), kBlocks)) + " for 100 KiB of it";
 }
 
 std::vector<SideRow> RowsOf(const DownloadSide& first, const DownloadSide& second) {
@@ -77,7 +63,7 @@ std::vector<SideRow> RowsOf(const DownloadSide& first, const DownloadSide& secon
 }
 
 std::string AmountText(const DownloadPreview& preview) {
-  return Counted(preview.bytes, "byte") + ", about " + TimeText(preview.about) +
+  return Counted(preview.bytes, "byte") + ", about " + TimeOnLinkText(preview.about) +
          " on this link, and the time that the controller takes to erase and to program" +
          (preview.clones.empty() ? "" : "; besides, " + preview.clones);
 }

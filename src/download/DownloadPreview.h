@@ -36,10 +36,6 @@ struct DownloadPreview {
   std::vector<std::string> warnings = {};  // what else is worth knowing, a sentence each
 };
 
-// How long so much traffic takes on this link, beside what the controller needs for its own work: `bytes` in both
-// directions, in `exchanges` requests.
-[[nodiscard]] Duration TimeOnLink(const Channel& link, std::uint64_t bytes, std::uint64_t exchanges);
-
 // How often a clone before a download takes the controller's memory over the link: read and compared, or read, written
 // back and compared.
 inline constexpr int kPassesOfBackup = 2;

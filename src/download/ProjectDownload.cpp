@@ -15,6 +15,7 @@
 #include "download/OsFileName.h"
 #include "link/ErrorMeaning.h"
 #include "link/StateText.h"
+#include "link/TimeOnLink.h"
 
 namespace kv {
 namespace {

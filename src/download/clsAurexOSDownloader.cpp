@@ -8,6 +8,7 @@
 #include "download/OsFileLists.h"
 #include "download/OsFileName.h"
 #include "link/OsVersion.h"
+#include "link/TimeOnLink.h"
 
 // Everything up to the first command that changes the controller. What comes then is in clsAurexOSDownloaderWrite.cpp.
 namespace kv {

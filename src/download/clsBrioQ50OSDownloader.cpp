@@ -9,6 +9,7 @@
 #include "download/OsFileLists.h"
 #include "download/OtherSpeeds.h"
 #include "link/StateText.h"
+#include "link/TimeOnLink.h"
 
 namespace kv {
 namespace {

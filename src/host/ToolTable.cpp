@@ -206,13 +206,17 @@ void clsCallerExe::ImportFontsAndImages(const std::string& file) {
                                                       .filter = "Telepanel For Color Cache Files (*.ktc)|*.ktc",
                                                       .purpose = "Caches"});
   if (!chosen) return;
+  const auto isUsed = mRemote->OpenColourCache(*chosen);
+  if (!isUsed) {
+    const std::string text = "Error Opening Cache File. Please Check for Disk Space\r\n\r\n" + isUsed.error();
+    mParts.prompts->Show({.text = text, .title = "Error"});
+  }
+  if (!isUsed || !*isUsed) return;  // the next time on line begins with the list's first
   if (const auto added = AddRecentCache(mShared, *chosen)) {
     mRemote->SetRecentCaches(*added);
   } else {
     TellHost(added.error());
   }
-  if (mRemote->OpenColourCache(*chosen)) return;
-  mParts.prompts->Show({.text = "Error Opening Cache File. Please Check for Disk Space", .title = "Error"});
 }
 
 void clsCallerExe::DumpPlc(const std::string& argument) {

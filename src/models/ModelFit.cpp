@@ -8,7 +8,8 @@ namespace kv {
 
 std::string OtherModelOf(std::string_view reported, std::string_view selected) {
   std::string found = ModelOfIdentification(reported);
-  const bool isSame = found == ModelOfIdentification(selected) || (IsCompactModel(found) && IsCompactModel(selected));
+  const bool isSame =
+      found == ModelOfIdentification(selected) || (IsCompactDriverModel(found) && IsCompactDriverModel(selected));
   if (isSame || std::ranges::find(SelectableModels(), found) == SelectableModels().end()) return {};
   return found;
 }

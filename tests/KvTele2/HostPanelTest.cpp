@@ -169,14 +169,22 @@ TEST_F(HostPanelTest, ACacheOfAnotherModelIsRefusedAndTheOneInUseStays) {
     EXPECT_TRUE(cache::SaveCacheFile(file, content));
     return Utf8FromPath(file);
   };
-  EXPECT_TRUE(host.OpenColourCache(put("own.ktc", "K220-22-R1", 2748)));
+  const std::string own = put("own.ktc", "K220-22-R1", 2748);
+  EXPECT_TRUE(host.OpenColourCache(own).value());
   const std::string working = TemporaryFolder::Content(folder.Path() / "APP_TEMP.ktc");
   prompts.Press(PromptAnswer::Ok);
-  EXPECT_TRUE(host.OpenColourCache(put("other.ktc", "K450-45", 2748)));
+  const std::string other = put("other.ktc", "K450-45", 2748);
+  EXPECT_FALSE(host.OpenColourCache(other).value());
   EXPECT_THAT(prompts.Boxes().back().text, AllOf(HasSubstr("K450-45"), HasSubstr("K220-22-R1"), HasSubstr("stays")));
   EXPECT_TRUE(TemporaryFolder::Content(folder.Path() / "APP_TEMP.ktc") == working);
-  EXPECT_TRUE(host.OpenColourCache(put("sister.ktc", "K220-22-R1", 99)));
+  EXPECT_TRUE(host.OpenColourCache(put("sister.ktc", "K220-22-R1", 99)).value());
   EXPECT_THAT(host.State().message, HasSubstr("On line is serial number 2748"));
+  const std::string whole = TemporaryFolder::Content(folder.Path() / "own.ktc");
+  const std::string cut = Utf8FromPath(folder.Put("cut.ktc", whole.substr(0, whole.size() - 4096)));
+  EXPECT_THAT(host.OpenColourCache(cut).error(), AllOf(HasSubstr("cut.ktc"), HasSubstr("What to do: import")));
+  EXPECT_EQ(host.ChooseColourCache({cut, other, own}, "K220-22-R1"), own);
+  EXPECT_THAT(host.State().message, AllOf(HasSubstr("cut.ktc"), HasSubstr("next cache file"))) << "passed over";
+  EXPECT_EQ(host.ChooseColourCache({other, cut}, "K220-22-R1"), other) << "none fits, which is told when it is used";
 }
 
 }  // namespace

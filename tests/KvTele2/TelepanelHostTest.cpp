@@ -16,6 +16,8 @@ TEST_F(TelepanelHostTest, AControllerOfAnotherModelThanTheSelectedIsToldWithACur
   } cases[] = {{"K220-22-R1", "Q50-2-R34", "of the model Q50, but the selected model is K220-22-R1"},
                {"Q50", "K330", "of the model K330, but the selected model is Q50"},
                {"Q50Net", "Q50-2-R34", ""},
+               {"AurexQ50", "Q50-2-R34", "of the model Q50, but the selected model is AurexQ50"},
+               {"Q50", "AurexQ50", "of the model AurexQ50, but the selected model is Q50"},
                {"PX1-R8", "PX1-R8", ""},
                {"K450-45", "K450-45-BOOT", ""}};
   for (const auto& each : cases) {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "KvTele2/cache/CacheImport.h"
+#include "base/FilePlatform.h"
 #include "tests/cache/ChangingController.h"
 #include "tests/driver/Fixture.h"
 #include "tests/support/FullDisk.h"
@@ -55,12 +56,13 @@ struct Bench : CacheImportWindow {
 
   CacheOutcome Import() {
     steps.clear();
+    question.clear();
     controller->requests.clear();
     import = std::make_unique<CacheImport>(order, pacer, pacer, *this);
     auto plan = import->Prepare(channel.get());
     if (!plan) return plan.error();
     question = plan->question;
-    read = plan->BytesToRead();
+    amount = ReadingText(*plan, plan->BytesToRead());
     if (beforeRun) beforeRun();
     return import->Run(*channel);
   }
@@ -91,7 +93,7 @@ struct Bench : CacheImportWindow {
   std::function<void()> beforeRun;
   std::vector<std::string> steps;
   std::string question;
-  std::uint64_t read = 0;
+  std::string amount;
   int pieces = 0;
   int stopAt = 0;
 };
@@ -102,6 +104,7 @@ TEST(CacheImport, ReadsEverythingOnceAndThenWhatHasChanged) {
   ASSERT_EQ(first.end, CacheEnd::Done) << first.reason;
   EXPECT_EQ(first.text, "plant.ktc was successfully created from the PLC");
   EXPECT_EQ(bench.question, "");
+  EXPECT_EQ(bench.amount, "14 KiB of fonts and images, about 2 s on this link");
   EXPECT_THAT(bench.steps, ElementsAre("fonts runs", "fonts done", "images runs", "images done"));
   EXPECT_EQ(bench.import->Results().size(), 5U);
   EXPECT_EQ(bench.import->Results().front().fault.empty(), false) << "\"sans\" is no font, and kept all the same";
@@ -295,11 +298,21 @@ TEST(CacheImport, AsksBeforeSomethingIsLost) {
   newer[63] = 9;
   EXPECT_THAT(ask(newer).question, HasSubstr("made by a newer version"));
   content.owner->serialNumber = 4711;
+  const std::string model = std::exchange(content.owner->version.model, "K450-45");
+  EXPECT_EQ(ask(CacheBytes(content).value()).images.kept, 0U) << "nothing of another model is kept";
+  content.owner->version.model = model;
+  bench.controller->parts[2][1].bytes = "gauge";
   const CacheImportPlan other = ask(CacheBytes(content).value());
   EXPECT_THAT(other.question, testing::AllOf(HasSubstr("serial number 4711"), HasSubstr("serial number 77")));
-  EXPECT_EQ(other.fonts.kept, 0U) << "nothing of another controller is kept";
+  EXPECT_EQ(other.images.bytesToRead, 5U) << "of a machine that is built alike only what differs is read";
+  const fs::path beside = bench.folder.Path() / ("plant.ktc." + std::to_string(ProcessNumber()) + ".part");
+  fs::create_directories(beside / "in the way");
+  EXPECT_THAT(bench.Import().reason, HasSubstr("cannot be written"));
+  EXPECT_EQ(bench.question, "") << "which is known before anybody is asked";
+  fs::remove_all(beside);
   EXPECT_EQ(bench.Import().end, CacheEnd::Done);
   EXPECT_TRUE(bench.IsControllersOwn());
+  EXPECT_EQ(ReadCacheFile(bench.order.file)->owner->serialNumber, 77U);
 }
 
 TEST(CacheImport, SaysWhereAFileCannotBeWritten) {

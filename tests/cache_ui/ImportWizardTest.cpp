@@ -108,6 +108,23 @@ TEST_F(ImportWizardTest, ACancelledOrFailedImportLeavesTheFileAndTheDisplayAsThe
   EXPECT_EQ(Text("lblStep0"), "No File Was Selected") << "nobody consented to the loss of this one";
 }
 
+TEST_F(ImportWizardTest, SaysBeforeHowLongItTakesAndHasNothingToCancelWhenTheFileIsMade) {
+  PlugIn({.model = "K670", .baud = 115200});
+  Open();
+  Choose(file);
+  EXPECT_THAT(Text("lblPreview"), HasSubstr("263 KiB of fonts and images, about "));
+  auto& images = Find<QLabel>(*window, "lblStep2");
+  QTest::mouseClick(&images, Qt::LeftButton, {}, images.rect().center());
+  EXPECT_FALSE(Find<QCheckBox>(*window, "CheckStep2").isChecked()) << "its label switches it";
+  EXPECT_THAT(Text("lblPreview"), HasSubstr(": 39 KiB of fonts and images, about "));
+  WhenAtWork([&] { EXPECT_EQ(Caption("cmdNext"), "Next"); });
+  Click("cmdNext");
+  EXPECT_EQ(Caption("cmdNext"), "Finish");
+  EXPECT_FALSE(Find<QPushButton>(*window, "cmdCancel").isVisible());
+  const auto largest = Results().item(3, 0)->data(Qt::DecorationRole).value<QPixmap>();
+  EXPECT_LT(largest.width(), Results().iconSize().width()) << "ends with a whole character";
+}
+
 TEST(ChosenCache, IsShownWithTheMiddleOfALongPathLeftOut) {
   const std::string forty = "/plants/" + std::string(28, 'x') + ".ktc";
   EXPECT_EQ(ChosenCache(PathFromUtf8(forty)).Label(), "File: " + forty);

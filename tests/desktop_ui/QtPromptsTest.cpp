@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 #include <fstream>
 
+#include "desktop/ui/RunDialog.h"
 #include "tests/desktop_ui/UsableWindow.h"
 
 namespace kv {
@@ -97,6 +98,20 @@ TEST_F(QtPromptsTest, ABoxIsNeverHigherThanTheScreen) {
     box.reject();
   });
   EXPECT_EQ(prompts.Show({.text = text, .buttons = PromptButtons::YesNo}), PromptAnswer::No);
+}
+
+// Who closes the help does not close the question with it.
+TEST_F(QtPromptsTest, ABoxBelongsToTheWindowThatIsWorkedInAndNotToOneBesideIt) {
+  QWidget work;
+  QWidget help;
+  help.setProperty(kStandsBeside, true);
+  for (QWidget* window : {&work, &help}) {
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window, kPatience));
+  }
+  EXPECT_EQ(DialogOwner(), &work);
+  const OwnCommand command(help);
+  EXPECT_EQ(DialogOwner(), &help) << "what it asks itself";
 }
 
 TEST_F(QtPromptsTest, FileDialogsShowTheFilterAndAddItsExtension) {

@@ -172,20 +172,24 @@ TEST_F(ToolsTest, ThePagesFolderIsRemembered) {
                           "OpenPagesFile /\xD0\x9C/plant.kta"));
 }
 
-TEST_F(ToolsTest, AChosenCacheIsRecentAndAFailureToOpenItIsTold) {
+TEST_F(ToolsTest, ACacheIsRecentOnceItIsUsedAndAFailureToOpenItIsToldWithItsCause) {
   prompts.Choose(std::nullopt);
   EXPECT_THAT(CallsOf("ID_ImportFontsAndImages"), ElementsAre("Enabled off", testing::_, "Enabled on"));
   prompts.Choose("/c/plant.ktc");
   prompts.Press(PromptAnswer::Ok);
-  host.opensCaches = false;
-  EXPECT_THAT(CallsOf("ID_ImportFontsAndImages"),
-              ElementsAre("Enabled off", "OpenFile Telepanel For Color Cache Files (*.ktc)|*.ktc", "RecentCaches 1",
-                          "OpenColourCache /c/plant.ktc",
-                          "Box ( ) Error: Error Opening Cache File. Please Check for Disk Space", "Enabled on"));
-  EXPECT_THAT(ReadRecentCaches(shared), ElementsAre("/c/plant.ktc"));
+  host.opensCaches = std::unexpected("Its end is missing.");
+  EXPECT_THAT(
+      CallsOf("ID_ImportFontsAndImages"),
+      ElementsAre("Enabled off", "OpenFile Telepanel For Color Cache Files (*.ktc)|*.ktc",
+                  "OpenColourCache /c/plant.ktc",
+                  "Box ( ) Error: Error Opening Cache File. Please Check for Disk Space\r\n\r\nIts end is missing.",
+                  "Enabled on"));
+  host.opensCaches = false;  // of another model
+  CallsOf("ID_ImportFontsAndImages", "/c/other.ktc");
+  EXPECT_THAT(ReadRecentCaches(shared), testing::IsEmpty()) << "the next time on line begins with the first";
   host.opensCaches = true;
   EXPECT_THAT(CallsOf("ID_ImportFontsAndImages", "/c/old.ktc"),
-              ElementsAre("Enabled off", "RecentCaches 2", "OpenColourCache /c/old.ktc", "Enabled on"));
+              ElementsAre("Enabled off", "OpenColourCache /c/old.ktc", "RecentCaches 1", "Enabled on"));
 }
 
 // A designer that hands back the blocks that it got, each with a mark behind it.

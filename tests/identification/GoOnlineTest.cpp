@@ -135,6 +135,10 @@ TEST_F(GoOnlineTest, AColourPanelDrawsFromACopyOfTheMostRecentCache) {
   EXPECT_THAT(CallsFor(Colour(kT40, "1.10", "B20;")),
               testing::Contains("PanelData HOME/Sessions/Default/APP_TEMP.ktc"));
   EXPECT_EQ(TemporaryFolder::Content(Session("Default") / "APP_TEMP.ktc"), "fonts");
+  host.fittingCache = Utf8FromPath(home.Put("fits.ktc", "of this model"));
+  CallsFor(Colour(kT40, "1.10", "B20;"));
+  EXPECT_EQ(TemporaryFolder::Content(Session("Default") / "APP_TEMP.ktc"), "of this model");
+  host.fittingCache.clear();
   std::filesystem::remove(home.Path() / "plant.ktc");
   EXPECT_THAT(CallsFor(Colour(kT40, "1.10", "B20;")),
               testing::Contains(testing::HasSubstr("panel data could not be prepared: HOME/plant.ktc")));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <expected>
 #include <functional>
 #include <memory>
 #include <string>
@@ -23,7 +24,8 @@ class FakeHost : public RemoteHost {
   std::string installFolder;
   std::vector<std::string> toolIds;
   bool readsColourCaches = true;
-  bool opensCaches = true;
+  std::expected<bool, std::string> opensCaches = true;
+  std::string fittingCache;  // of those it is asked for; empty: the first
   bool online = false;
   bool holdsLink = false;
   bool projectMatches = true;
@@ -65,7 +67,13 @@ class FakeHost : public RemoteHost {
     Note("RecentCaches", std::to_string(entries.size()));
   }
   bool ReadsColourCaches() const override { return readsColourCaches; }
-  bool OpenColourCache(const std::string& path) override { return Note("OpenColourCache", path) && opensCaches; }
+  std::expected<bool, std::string> OpenColourCache(const std::string& path) override {
+    Note("OpenColourCache", path);
+    return opensCaches;
+  }
+  std::string ChooseColourCache(const std::vector<std::string>& paths, const std::string&) override {
+    return fittingCache.empty() ? paths.front() : fittingCache;
+  }
 
   bool IsOnline() const override { return online; }
   bool HoldsLink() const override { return holdsLink; }
@@ -81,7 +89,7 @@ class FakeHost : public RemoteHost {
     refusal = text;
     refused = controller;
   }
-  void SetPanelData(const std::string& path) override { Note("PanelData", path); }
+  void SetPanelData(const std::string& path, const std::string&) override { Note("PanelData", path); }
   void GoOnline() override {
     online = true;
     Note("GoOnline");

@@ -1,10 +1,9 @@
 #include "KvCmDrv1/ui/QtDriverDialogs.h"
 
-#include <QApplication>
-
 #include "KvCmDrv1/ui/frmComParams.h"
 #include "KvCmDrv1/ui/frmModem.h"
 #include "KvCmDrv1/ui/frmTrace.h"
+#include "desktop/ui/RunDialog.h"
 #include "desktop/ui/WindowGeometry.h"
 
 namespace kv {
@@ -24,12 +23,12 @@ std::optional<LinkSettings> QtDriverDialogs::EditLink(const LinkSettings& curren
                       {.pacer = mParts.pacer,
                        .test = [this](const LinkSettings& settings) { return mDriver->TryLink(settings); },
                        .showTrace = [this] { ShowTrace(); }},
-                      QApplication::activeWindow());
+                      DialogOwner());
   return Run(dialog);
 }
 
 std::optional<LinkSettings> QtDriverDialogs::EditModem(const LinkSettings& current, const std::string& caller) {
-  frmModem dialog(current, caller, mParts.choices, QApplication::activeWindow());
+  frmModem dialog(current, caller, mParts.choices, DialogOwner());
   return Run(dialog);
 }
 

@@ -11,6 +11,7 @@
 
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
+#include "desktop/ui/RunDialog.h"
 
 namespace kv {
 namespace {
@@ -26,6 +27,7 @@ constexpr const char* kWidest[TraceModel::ColumnCount] = {"00:00:00.000000", "Re
 frmTrace::frmTrace(std::shared_ptr<Trace> trace, Prompts& prompts, Clipboard& clipboard)
     : mTrace(std::move(trace)), mPrompts(prompts), mClipboard(clipboard), mModel(mTrace) {
   setObjectName("frmTrace");
+  setProperty(kStandsBeside, true);
   setWindowTitle("Trace of the link");
   setWindowIcon(IconOf("trace"));
   resize(kFirstSize);
@@ -112,6 +114,7 @@ void frmTrace::Copy() {
 }
 
 void frmTrace::WriteToFile(bool on) {
+  const OwnCommand command(*this);
   std::string path;
   if (on) {
     path = mPrompts

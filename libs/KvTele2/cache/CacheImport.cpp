@@ -2,12 +2,15 @@
 
 #include "base/AnsiText.h"
 #include "link/OsVersion.h"
+#include "link/TimeOnLink.h"
 #include "models/ModelCatalogue.h"
 
 namespace kv::cache {
 namespace {
 
 constexpr std::int64_t kLeastOs = 1001;  // 1.1
+constexpr std::uint64_t kKibibyte = 1024;
+constexpr std::uint64_t kAroundPiece = 60;  // bytes of request and reply around what is read
 
 std::unexpected<CacheOutcome> Refused(CacheCause cause, std::string_view text, std::string reason = {}) {
   return std::unexpected(CacheOutcome::Failed(cause, std::string(text), std::move(reason)));
@@ -39,6 +42,13 @@ std::expected<CacheOwner, CacheOutcome> FindController(Channel* link) {
 }
 
 }  // namespace
+
+std::string ReadingText(const CacheImportPlan& plan, std::uint64_t bytes) {
+  const std::uint64_t pieces = (bytes + plan.piece - 1) / plan.piece;
+  const Duration about = plan.perPiece * static_cast<Duration::rep>(pieces);
+  return std::to_string((bytes + kKibibyte - 1) / kKibibyte) + " KiB of fonts and images, about " +
+         TimeOnLinkText(about) + " on this link";
+}
 
 std::string_view ProgressText(CacheStep step) {
   return step == CacheStep::Font ? "Importing Fonts" : "Importing Images";
@@ -80,11 +90,8 @@ std::expected<CacheImportPlan, CacheOutcome> CacheImport::MakePlan(Channel* link
 
   auto before = mTarget.Look(mController);
   if (!before) return std::unexpected(std::move(before.error()));
-  CacheImportPlan plan{.controller = mController,
-                       .fonts = {},
-                       .images = {},
-                       .question = before->question,
-                       .isUpdate = before->ours.has_value()};
+  CacheImportPlan plan{
+      .controller = mController, .fonts = {}, .images = {}, .question = before->question, .isNew = !before->isThere};
   Keep(*std::move(before));
 
   ResourceReader reader(*link, mController);
@@ -97,6 +104,8 @@ std::expected<CacheImportPlan, CacheOutcome> CacheImport::MakePlan(Channel* link
     if (!steps) return std::unexpected(steps.error());
     (step == CacheStep::Font ? plan.fonts : plan.images) = *steps;
   }
+  plan.piece = reader.Piece();
+  plan.perPiece = TimeOnLink(*link, plan.piece + kAroundPiece, 1);
   mTotal = plan.BytesToRead();
   if (mTotal + plan.fonts.bytesKept + plan.images.bytesKept > kMostCacheBytes) {
     return Refused(CacheCause::TooMuch, {}, "The controller has more fonts and images than a cache file can hold.");

@@ -53,10 +53,14 @@ struct CacheImportPlan {
   // About what stands at the chosen place and would be lost, or is damaged and would be repaired: to be asked with No
   // as its default before Run. Empty: nothing would be lost.
   std::string question{};
-  bool isUpdate = false;  // the file is a cache of this controller
+  bool isNew = false;       // nothing stands at the chosen place
+  std::uint32_t piece = 1;  // bytes that one request reads,
+  Duration perPiece{};      // and how long that takes on this link
 
   [[nodiscard]] std::uint64_t BytesToRead() const { return fonts.bytesToRead + images.bytesToRead; }
 };
+// "263 KiB of fonts and images, about 4 min 54 s on this link"; the display shows SYSTEM mode for as long.
+[[nodiscard]] std::string ReadingText(const CacheImportPlan& plan, std::uint64_t bytes);
 
 // How far a step is. Bytes are those that are read in this step.
 struct CacheProgress {

@@ -5,6 +5,7 @@
 
 #include "KvTele2/cache/CacheFormat.h"
 #include "base/AnsiText.h"
+#include "base/PathText.h"
 #include "base/Texts.h"
 
 namespace kv::cache {
@@ -70,6 +71,20 @@ std::string FitText(const CacheFit& fit, const std::string& file) {
 
 bool IsOfOtherModel(const CacheContent& content, const std::string& model) {
   return content.owner && content.owner->version.model != model;
+}
+
+CacheChoice ChooseCache(const std::vector<std::string>& files, const std::string& model) {
+  CacheChoice choice;
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    auto content = ReadCacheFile(PathFromUtf8(files[i]));
+    choice.fits = content && !IsOfOtherModel(*content, model);
+    if (!content) choice.passedOver.push_back(content.error().Text() + ". The next cache file of the list is used.");
+    if (i == 0 || choice.fits) choice.content = std::move(content);
+    if (!choice.fits) continue;
+    choice.index = i;
+    break;
+  }
+  return choice;
 }
 
 bool IsCurrent(const CacheContent& content, PanelResourceKind kind, const PanelDescription& panel) {

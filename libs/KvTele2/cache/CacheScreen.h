@@ -51,6 +51,15 @@ struct ControllerDirectories {
 // Nothing of it is drawn for that model then. One without an owner is nobody's, and fits.
 [[nodiscard]] bool IsOfOtherModel(const CacheContent& content, const std::string& model);
 
+// Which cache of several, the best first and at least one, the screen of a controller is drawn with.
+struct CacheChoice {
+  std::size_t index = 0;  // the first that is whole and of its model; where none is, the first of all
+  bool fits = false;
+  std::expected<CacheContent, CacheError> content{};  // of that file
+  std::vector<std::string> passedOver{};              // why those before it cannot be read, a sentence each
+};
+[[nodiscard]] CacheChoice ChooseCache(const std::vector<std::string>& files, const std::string& model);
+
 // Whether the cache has this part exactly as the controller has it: then its directory need not be asked for.
 [[nodiscard]] bool IsCurrent(const CacheContent& content, PanelResourceKind kind, const PanelDescription& panel);
 

@@ -68,7 +68,14 @@ std::string ImportTarget::WhatIsKept() const {
 std::expected<ImportTarget::Before, CacheOutcome> ImportTarget::Look(const CacheOwner& controller) const {
   if (mLinkError) return FileFailure(mOrder.file, "the link of this name leads nowhere (" + mLinkError.message() + ")");
   if (std::string why = WhyNotReplaceable(mFile); !why.empty()) return FileFailure(mFile, std::move(why));
-  Before before;
+  auto before = LookInside(controller);
+  if (!before || before->question.empty()) return before;
+  if (auto able = TryFolder(); !able) return std::unexpected(std::move(able.error()));
+  return before;
+}
+
+std::expected<ImportTarget::Before, CacheOutcome> ImportTarget::LookInside(const CacheOwner& controller) const {
+  Before before{.isThere = mBefore.has_value()};
   auto content = ReadCacheFile(mFile);
   if (!content) {
     const CacheFault fault = content.error().fault;
@@ -79,22 +86,34 @@ std::expected<ImportTarget::Before, CacheOutcome> ImportTarget::Look(const Cache
   } else if (content->owner && content->owner->IsController(controller)) {
     before.ours = *std::move(content);
   } else if (content->owner) {
-    before.question = Utf8FromPath(mFile) + " holds the fonts and images of another controller (" +
-                      ControllerText(*content->owner) + ", saved " + AnsiToUtf8(content->savedAt) +
-                      "). Replace them with those of this one (" + ControllerText(controller) + ")?";
+    before.question = QuestionOf(*content, controller);
+    if (content->owner->version.model != controller.version.model) return before;
+    before.salvage = {.fonts = std::move(content->fonts).value_or(CachePart()),
+                      .images = std::move(content->images).value_or(CachePart())};
   }
   return before;
+}
+
+std::string ImportTarget::QuestionOf(const CacheContent& content, const CacheOwner& controller) const {
+  const bool isOfModel = content.owner->version.model == controller.version.model;
+  return Utf8FromPath(mFile) + " holds the fonts and images of another controller (" + ControllerText(*content.owner) +
+         ", saved " + AnsiToUtf8(content.savedAt) + "). Replace them with those of this one (" +
+         ControllerText(controller) + ")?" +
+         (isOfModel ? " What both have alike is kept, and not read again." + LossOf() : std::string());
+}
+
+std::string ImportTarget::LossOf() const {
+  std::string text;
+  if (!mOrder.fonts) text += " Its fonts are lost, for they are not imported now.";
+  if (!mOrder.images) text += " Its images are lost, for they are not imported now.";
+  return text;
 }
 
 std::string ImportTarget::QuestionOf(const CacheError& error, const CacheOwner& controller) const {
   const std::string name = Utf8FromPath(mFile);
   if (error.CanBeRepaired()) {
-    std::string question = name + " is damaged. Repair it with the fonts and images of this controller (" +
-                           ControllerText(controller) +
-                           ")? What of it is whole, and still as in the controller, is kept; all else is read again.";
-    if (!mOrder.fonts) question += " Its fonts are lost, for they are not imported now.";
-    if (!mOrder.images) question += " Its images are lost, for they are not imported now.";
-    return question;
+    return name + " is damaged. Repair it with the fonts and images of this controller (" + ControllerText(controller) +
+           ")? What of it is whole, and still as in the controller, is kept; all else is read again." + LossOf();
   }
   const std::string what = error.fault == CacheFault::Newer
                                ? " was made by a newer version of this program, which this one cannot read."

@@ -22,9 +22,11 @@ class ImportTarget {
   // What stands there now.
   struct Before {
     std::optional<CacheContent> ours{};  // a whole cache of this controller
-    CacheSalvage salvage{};              // what is whole in a damaged one
+    CacheSalvage salvage{};              // what is whole in a damaged one, or in that of another one of its model
     std::string question{};              // to be asked before it is replaced or repaired; empty: nothing would be lost
+    bool isThere = false;                // anything at all
   };
+  // A question is asked only where the answer Yes can be followed.
   [[nodiscard]] std::expected<Before, CacheOutcome> Look(const CacheOwner& controller) const;
 
   // The working file becomes the empty cache, and it is known that the file can be written where it shall stand.
@@ -44,6 +46,9 @@ class ImportTarget {
   [[nodiscard]] std::expected<void, CacheOutcome> TryFolder() const;
   [[nodiscard]] std::expected<void, CacheOutcome> Replace(const std::string& bytes) const;
   [[nodiscard]] std::string QuestionOf(const CacheError& error, const CacheOwner& controller) const;
+  [[nodiscard]] std::string QuestionOf(const CacheContent& content, const CacheOwner& controller) const;
+  [[nodiscard]] std::string LossOf() const;
+  [[nodiscard]] std::expected<Before, CacheOutcome> LookInside(const CacheOwner& controller) const;
 
   CacheImportOrder mOrder;
   std::filesystem::path mFile;  // behind links

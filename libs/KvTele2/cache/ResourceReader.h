@@ -19,6 +19,8 @@ class ResourceReader {
   // The channel has a panel, and outlives it.
   ResourceReader(Channel& link, CacheOwner controller);
 
+  // Bytes that one request reads at most.
+  [[nodiscard]] std::uint32_t Piece() const { return mPiece; }
   // That it is the same controller, with the same O/S and project.
   [[nodiscard]] std::expected<void, CacheOutcome> Meet();
   // Refused when no cache can hold it: an id twice, or more than a file may have.

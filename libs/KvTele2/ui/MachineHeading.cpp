@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QStyle>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -107,7 +108,13 @@ void MachineHeading::Show(const HostState& state) {
   FitTrouble();
 }
 
+// Without its name it is on a screen of few lines: what is wrong scrolls there, and where nothing is, no room is taken.
 void MachineHeading::ShowName(bool isShown) {
+  constexpr int kFewestLines = 2;
+  mTroubleBox->setMinimumHeight(isShown ? 0 : kFewestLines * fontMetrics().lineSpacing());
+  const int margin = isShown ? style()->pixelMetric(QStyle::PM_LayoutTopMargin) : 0;
+  const QMargins margins = layout()->contentsMargins();
+  layout()->setContentsMargins(margins.left(), margin, margins.right(), margin);
   for (QWidget* part :
        {static_cast<QWidget*>(mMark), static_cast<QWidget*>(mHeading), static_cast<QWidget*>(mAddress)}) {
     part->setVisible(isShown);

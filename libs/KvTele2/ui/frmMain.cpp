@@ -144,7 +144,7 @@ void frmMain::FitScreen() {
   mCommands.ToolBar()->setVisible(lines >= kLinesWithTools);
   mHeading->ShowName(lines >= kLinesWithTools);
   // Before it was shown it may have had to be higher than the screen.
-  if (isVisible() && !isMaximized()) resize(size().boundedTo(room));
+  if (isVisible()) FitToScreen(*this);
 }
 
 void frmMain::showEvent(QShowEvent* event) {

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -122,17 +123,26 @@ void frmRestoreCache::ShowPage(Page page) {
   mPage = page;
   QWidget* const shown[] = {mChoosing, mCreating, mIsMade ? static_cast<QWidget*>(mResults) : mKept};
   mPages->setCurrentWidget(shown[static_cast<std::size_t>(page)]);
-  constexpr const char* kCaptions[] = {"Next", "Try Again", "Finish"};
-  constexpr const char* kTips[] = {"Reads the fonts and images of the controller into the file",
-                                   "Begins the import anew", "Closes this window"};
-  mNext->setText(kCaptions[static_cast<std::size_t>(page)]);
-  mNext->setShortcut(QKeySequence(Qt::ALT | Qt::Key_N));  // a new text has taken it away
-  Describe(*mNext, kTips[static_cast<std::size_t>(page)], "Alt+N");
+  // Of a file that is made, Finish says all that is left to do.
+  mCancel->setVisible(!mIsMade);
   if (page == Page::Choose) mHeader->setText("Choose the cache file, and what is read into it");
   EnableCommands();
 }
 
+// A page that waits for its import has nothing to try again yet.
+void frmRestoreCache::NameCommands() {
+  constexpr const char* kCaptions[] = {"Next", "Try Again", "Finish"};
+  constexpr const char* kTips[] = {"Reads the fonts and images of the controller into the file",
+                                   "Begins the import anew", "Closes this window"};
+  const auto next = static_cast<std::size_t>(mIsBusy ? Page::Choose : mPage);
+  mNext->setText(kCaptions[next]);
+  mNext->setShortcut(QKeySequence(Qt::ALT | Qt::Key_N));  // a new text has taken it away
+  Describe(*mNext, kTips[next], "Alt+N");
+  Describe(*mCancel, mIsBusy ? "Ends the import; the chosen file stays as it was" : "Closes this window", "Esc");
+}
+
 void frmRestoreCache::EnableCommands() {
+  NameCommands();
   const bool isAnyWanted = mBoxes[1]->isChecked() || mBoxes[2]->isChecked();
   const QString whyNot = mIsBusy ? kBusy : "";
   const char* lacking = !mChosen ? "No file was chosen." : !isAnyWanted ? "Neither fonts nor images are wanted." : "";
@@ -179,8 +189,45 @@ void frmRestoreCache::Browse() {
   mSteps[0]->setText(QString::fromStdString(mChosen->Label()));
   mSteps[0]->setToolTip(QString::fromStdString(mChosen->Hint()));
   ShowState(Tone::Plain, "", "");
-  EnableCommands();
-  mNext->setFocus();
+  AskAmount();
+}
+
+// Nobody should have to find out at the machine for how many minutes its display is away. Nothing is shown of a failure
+// that Next may still get over.
+void frmRestoreCache::AskAmount() {
+  const Operation operation(*this);
+  mPreview.reset();
+  mPreviewText->setText("Asking the controller how much there is to read");
+  ShowAmount();
+  const std::shared_ptr<Channel> link = mServices.shared.ComDriver->GetChannel();
+  cache::CacheImport import(ImportOrder(mServices.shared, mChosen->File()), mServices.pacer, mServices.clock, *this);
+  if (auto plan = import.Prepare(link.get())) {
+    mPreview = *std::move(plan);
+  } else {
+    mPreviewText->setText("How much is to be read, and for how long, is not known yet.");
+  }
+  ShowAmount();
+}
+
+void frmRestoreCache::ShowAmount() {
+  if (mPreview) mPreviewText->setText(Text(PreviewText(*mPreview, Wishes())));
+  mPreviewText->setVisible(mChosen && (mBoxes[1]->isChecked() || mBoxes[2]->isChecked()));
+}
+
+cache::CacheImportOrder frmRestoreCache::Wishes() const {
+  cache::CacheImportOrder order = ImportOrder(mServices.shared, mChosen->File());
+  order.fonts = mBoxes[1]->isChecked();
+  order.images = mBoxes[2]->isChecked();
+  order.readsAll = mReadsAll->isChecked();
+  return order;
+}
+
+bool frmRestoreCache::eventFilter(QObject* watched, QEvent* event) {
+  for (std::size_t i = 1; i < kRows; ++i) {
+    if (watched != mSteps[i] || event->type() != QEvent::MouseButtonRelease) continue;
+    if (mSteps[i]->rect().contains(static_cast<QMouseEvent*>(event)->position().toPoint())) mBoxes[i]->click();
+  }
+  return QDialog::eventFilter(watched, event);
 }
 
 void frmRestoreCache::Next() {
@@ -203,6 +250,8 @@ void frmRestoreCache::Create() {
   if (mChosen->HasChanged()) {
     Back();
     mChosen.reset();
+    mPreview.reset();
+    ShowAmount();
     mSteps[0]->setText(kNoCacheChosen);
     EnableCommands();
     return ShowState(Tone::Failure, "The file has changed since it was chosen.", "Choose it anew, or another one.");
@@ -215,11 +264,7 @@ void frmRestoreCache::Create() {
 }
 
 void frmRestoreCache::CreateFrom(Channel* link) {
-  cache::CacheImportOrder order = ImportOrder(mServices.shared, mChosen->File());
-  order.fonts = mBoxes[1]->isChecked();
-  order.images = mBoxes[2]->isChecked();
-  order.readsAll = mReadsAll->isChecked();
-  mImport = std::make_unique<cache::CacheImport>(order, mServices.pacer, mServices.clock, *this);
+  mImport = std::make_unique<cache::CacheImport>(Wishes(), mServices.pacer, mServices.clock, *this);
   mProgress->setText("Asking the controller who it is");
   auto plan = mImport->Prepare(link);
   if (!plan) {

@@ -57,6 +57,8 @@ class frmRestoreCache final : public QDialog, public cache::CacheImportWindow {
 
  protected:
   void done(int result) override;
+  // A click on the label of a box is one on the box.
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   class Operation;
@@ -73,16 +75,20 @@ class frmRestoreCache final : public QDialog, public cache::CacheImportWindow {
   [[nodiscard]] QPushButton* AddButton(QBoxLayout& row, const char* name, const QIcon& icon, const QString& text);
 
   void ShowPage(Page page);
+  void NameCommands();
   void EnableCommands();
   void ShowMark(cache::CacheStep step, const char* key);
   void ShowState(Tone tone, const std::string& state, const std::string& reason);
 
   void BeginAnew();
   void Browse();
+  void AskAmount();
+  void ShowAmount();
   void Next();
   void Back();
   void Create();
   void CreateFrom(Channel* link);
+  [[nodiscard]] cache::CacheImportOrder Wishes() const;
   [[nodiscard]] bool IsWanted(const cache::CacheImportPlan& plan);
   void ShowFailure(const cache::CacheOutcome& outcome);
   void ShowSuccess(const cache::CacheOutcome& outcome);
@@ -91,6 +97,7 @@ class frmRestoreCache final : public QDialog, public cache::CacheImportWindow {
   CacheServices mServices;
   RemoteHost* mRemote = nullptr;
   std::optional<ChosenCache> mChosen;
+  std::optional<cache::CacheImportPlan> mPreview;  // of everything that has changed; nothing: it is not known
   std::unique_ptr<cache::CacheImport> mImport;
   Page mPage = Page::Choose;
   bool mIsBusy = false;
@@ -102,6 +109,7 @@ class frmRestoreCache final : public QDialog, public cache::CacheImportWindow {
   std::array<QLabel*, kRows> mSteps{};
   std::array<QCheckBox*, kRows> mBoxes{};  // none for the file
   QCheckBox* mReadsAll = nullptr;
+  QLabel* mPreviewText = nullptr;
   QStackedWidget* mPages = nullptr;
   QWidget* mChoosing = nullptr;
   QWidget* mCreating = nullptr;

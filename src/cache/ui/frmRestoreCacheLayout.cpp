@@ -78,8 +78,12 @@ void frmRestoreCache::BuildSteps(QBoxLayout& page) {
     mBoxes[i]->setAccessibleName(kStepTexts[i]);
     mBoxes[i]->setChecked(true);
     Describe(*mBoxes[i], kBoxTips[i]);
-    connect(mBoxes[i], &QCheckBox::toggled, this, [this] { EnableCommands(); });
+    connect(mBoxes[i], &QCheckBox::toggled, this, [this] {
+      EnableCommands();
+      ShowAmount();
+    });
     mSteps[i]->setBuddy(mBoxes[i]);
+    mSteps[i]->installEventFilter(this);
     rows->addWidget(mBoxes[i], row, 1);
   }
   rows->addWidget(mBrowse, 0, 3);
@@ -111,7 +115,11 @@ QWidget* frmRestoreCache::BuildChoosePage() {
   mReadsAll->setObjectName("chkReadAll");
   Describe(*mReadsAll,
            "Of a file that is a cache of this controller, only what has changed is read, unless this is checked");
+  connect(mReadsAll, &QCheckBox::toggled, this, [this] { ShowAmount(); });
   rows->addWidget(mReadsAll);
+  mPreviewText = MakeTextLabel("lblPreview", "How much is read, and for how long", page);
+  mPreviewText->hide();
+  rows->addWidget(mPreviewText);
   rows->addStretch();
   return page;
 }
@@ -156,7 +164,6 @@ void frmRestoreCache::BuildButtons(QBoxLayout& page) {
   mCancel = AddButton(*row, "cmdCancel", IconOf("stop"), "&Cancel");
   Describe(*mHelp, "Opens the help on this wizard", "F1");
   Describe(*mBack, "Chooses another file", "Alt+K");
-  Describe(*mCancel, "Ends the import, or closes this window; the chosen file stays as it was", "Esc");
   connect(mHelp, &QPushButton::clicked, this, [this] { OpenHelp(); });
   connect(mBack, &QPushButton::clicked, this, [this] { Back(); });
   connect(mNext, &QPushButton::clicked, this, [this] { Next(); });

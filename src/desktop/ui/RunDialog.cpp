@@ -2,15 +2,43 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <algorithm>
+#include <utility>
 
 #include "base/ScopeGuard.h"
 #include "desktop/ui/BusyState.h"
 
 namespace kv {
 
+namespace {
+
+QPointer<QWidget> commanding;  // OwnCommand's
+
+bool StandsBeside(const QWidget& window) {
+  return window.property(kStandsBeside).toBool();
+}
+
+bool IsWorkedIn(const QWidget* window) {
+  const bool isWindow = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
+  return isWindow && window->isVisible() && !StandsBeside(*window);
+}
+
+}  // namespace
+
+OwnCommand::OwnCommand(QWidget& window) : mBefore(std::exchange(commanding, &window)) {}
+
+OwnCommand::~OwnCommand() {
+  commanding = mBefore;
+}
+
 QWidget* DialogOwner() {
-  QWidget* modal = QApplication::activeModalWidget();
-  return modal ? modal : QApplication::activeWindow();
+  if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+  if (commanding) return commanding;
+  QWidget* active = QApplication::activeWindow();
+  if (!active || !StandsBeside(*active)) return active;
+  const QWidgetList windows = QApplication::topLevelWidgets();
+  const auto found = std::ranges::find_if(windows, IsWorkedIn);
+  return found == windows.end() ? active : *found;
 }
 
 int RunDialog(QDialog& dialog) {

@@ -22,16 +22,6 @@ constexpr std::size_t kLongestState = 8192;           // of a table header of a 
 
 constexpr QSize kFrame(8, 40);  // around a window, with its title
 
-// A first size that was chosen for a large screen would put the lower edge, with its buttons, out of sight on a small
-// one. A window that has chosen none takes the size of its contents.
-void FitToScreen(QWidget& window) {
-  if (window.isMaximized()) return;
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);  // of rows that were hidden just now
-  const QSize wanted = window.testAttribute(Qt::WA_Resized) ? window.size() : window.sizeHint();
-  const QSize fitting = wanted.boundedTo(RoomFor(window));
-  if (window.testAttribute(Qt::WA_Resized) || fitting != wanted) window.resize(fitting);
-}
-
 // "@16x100" for lines of 16 pixels on a screen at 100 %.
 std::string ScaleOf(const QWidget& window) {
   const int percent = static_cast<int>(window.devicePixelRatioF() * 100);
@@ -103,6 +93,14 @@ class PlaceKeeper final : public QObject {
 
 QSize RoomFor(const QWidget& window) {
   return window.screen()->availableSize() - kFrame;
+}
+
+void FitToScreen(QWidget& window) {
+  if (window.isMaximized()) return;
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);  // of rows that were hidden just now
+  const QSize wanted = window.testAttribute(Qt::WA_Resized) ? window.size() : window.sizeHint();
+  const QSize fitting = wanted.boundedTo(RoomFor(window));
+  if (window.testAttribute(Qt::WA_Resized) || fitting != wanted) window.resize(fitting);
 }
 
 std::filesystem::path WindowsFile(const ProgramPaths& paths) {

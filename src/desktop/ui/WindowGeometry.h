@@ -16,6 +16,10 @@ namespace kv {
 // The room that the screen of `window` has for it inside its frame.
 [[nodiscard]] QSize RoomFor(const QWidget& window);
 
+// Makes a window smaller that is larger than the screen: a first size that was chosen for a large one would put the lower
+// edge, with its buttons, out of sight on a small one. A window that has chosen none takes the size of its contents.
+void FitToScreen(QWidget& window);
+
 // Gives `window` the size and position that it had last, and the splitters and table headers inside theirs, then keeps
 // them each time the window is hidden or closed. They are known by their object names. Places that are damaged or
 // missing leave everything as it is, but that a window larger than the screen is made to fit; one outside of the

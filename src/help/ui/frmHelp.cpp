@@ -18,6 +18,7 @@
 
 #include "desktop/ui/Commands.h"
 #include "desktop/ui/Icons.h"
+#include "desktop/ui/RunDialog.h"
 #include "desktop/ui/WindowGeometry.h"
 #include "help/ui/HelpBrowser.h"
 
@@ -53,6 +54,7 @@ void OnChosen(List& list, frmHelp& window) {
 
 frmHelp::frmHelp(HelpBook book, const std::filesystem::path& windowsFile) : mBook(std::move(book)) {
   setObjectName("frmHelp");
+  setProperty(kStandsBeside, true);
   setWindowTitle("Telepanel help");
   setWindowIcon(IconOf("help"));
   auto* split = new QSplitter(Qt::Horizontal, this);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <expected>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -71,9 +72,16 @@ class RemoteHost {
   virtual bool OpenPagesFile(const std::string& path) = 0;
   // The recent colour cache files, newest first.
   virtual void SetRecentCaches(const std::vector<std::string>& entries) = 0;
-  // Whether this host reads colour cache files at all, and the opening of one.
+  // Whether this host reads colour cache files at all.
   [[nodiscard]] virtual bool ReadsColourCaches() const = 0;
-  [[nodiscard]] virtual bool OpenColourCache(const std::string& path) = 0;
+  // True: the panel is drawn with this file from now on. False: it is not, and the user has been told why. The error:
+  // why it cannot be opened, and what to do, sentences for the user.
+  [[nodiscard]] virtual std::expected<bool, std::string> OpenColourCache(const std::string& path) = 0;
+  // Which of these cache files, the best first and at least one, is taken for a controller that reports itself as
+  // `model`: the first one that is whole and of that model. Where none is, the first one, and what is wrong with it is
+  // told when it is used.
+  [[nodiscard]] virtual std::string ChooseColourCache(const std::vector<std::string>& paths,
+                                                      const std::string& model) = 0;
 
   // Going on line.
   [[nodiscard]] virtual bool IsOnline() const = 0;
@@ -93,8 +101,8 @@ class RemoteHost {
   virtual void ConnectionRefused(const std::string& text, const RefusedController& controller) = 0;
   // A tool has been told this by the controller that is on line, which it may have changed.
   virtual void ControllerTold(const VersionInfo& /*version*/, const Channel::ControllerInfo& /*info*/) {}
-  // The file from which a colour panel draws its data.
-  virtual void SetPanelData(const std::string& path) = 0;
+  // The file from which a colour panel draws its data, a copy of `source`.
+  virtual void SetPanelData(const std::string& path, const std::string& source) = 0;
   virtual void GoOnline() = 0;
   // Runs the panel session of a controller that is on line; `caption` is the host's own setting, "0" when it has none.
   virtual void RunPanelSession(const std::string& caption) = 0;

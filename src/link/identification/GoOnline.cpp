@@ -4,6 +4,7 @@
 #include <array>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 #include "base/AnsiText.h"
 #include "base/FilePlatform.h"
@@ -174,17 +175,19 @@ class OnlineSequence {
   }
 
   // A colour panel draws from a file: an empty one when the controller was found in its boot loader, else a working
-  // copy of the most recent cache.
+  // copy of the most recent cache that fits it.
   void PreparePanelData() {
     if (!IsColourModel(mVersion.model)) return;
-    const std::string recent = ReadSessionIni(mShared, "RecentCache0", "");
+    std::vector<std::string> recent = ReadRecentCaches(mShared);
+    for (std::string& entry : recent) entry = CachePath(entry);
     if (mBootSubstitute) {
       const auto target = SessionFile(mShared, "DOS_TEMP");
       std::error_code ignored;
       std::filesystem::remove(target, ignored);
       HandOverCopy(PathFromUtf8(mHost.InstallFolder()) / "TP_Temp" / "TP_Temp_1", target);
     } else if (!recent.empty()) {
-      HandOverCopy(PathFromUtf8(CachePath(recent)), SessionFile(mShared, "APP_TEMP.ktc"));
+      HandOverCopy(PathFromUtf8(mHost.ChooseColourCache(recent, mReported.model)),
+                   SessionFile(mShared, "APP_TEMP.ktc"));
     }
   }
 
@@ -195,7 +198,7 @@ class OnlineSequence {
       // The host writes into it, and the file that was copied may be read-only.
       std::filesystem::permissions(copy, std::filesystem::perms::owner_write, std::filesystem::perm_options::add,
                                    error);
-      return mHost.SetPanelData(Utf8FromPath(copy));
+      return mHost.SetPanelData(Utf8FromPath(copy), Utf8FromPath(source));
     }
     mHost.StatusMessage("The panel data could not be prepared: " + Utf8FromPath(source) + " could not be copied (" +
                         SystemMessage(error) + ").");
