@@ -16,7 +16,7 @@ namespace kv {
 // The room that the screen of `window` has for it inside its frame.
 [[nodiscard]] QSize RoomFor(const QWidget& window);
 
-// Makes a window smaller that is larger than the screen: a first size that was chosen for a large one would put the lower
+// Makes a window smaller that is larger than the screen: a first size chosen for a large one would put the lower
 // edge, with its buttons, out of sight on a small one. A window that has chosen none takes the size of its contents.
 void FitToScreen(QWidget& window);
 
