@@ -139,7 +139,7 @@ TEST(HelpFileTest, NothingLeadsNowhereAndNothingIsLeftOver) {
   }
   // Of each window one look is enough: the others of the folder are the same in dark colours and at another scale.
   for (const auto& entry : fs::directory_iterator(kTree / "docs/images")) {
-    const std::string name = entry.path().filename();
+    const std::string name = entry.path().filename().string();
     if (entry.path().extension() != ".png") continue;
     const bool isVariant = name.contains("-dark.") || name.contains("-200.");
     EXPECT_TRUE(isVariant || pictures.contains(name)) << name << " is on no page of the help";
