@@ -28,6 +28,10 @@ constexpr std::string_view kUsage =
     "Runs the tests of the engines on simulated controllers, and writes a report that can be sent.\n"
     "No session is touched, and it connects to nothing but itself. Ends with 0 when all tests passed.\n";
 
+std::string CountedTests(int count) {
+  return kv::Counted(static_cast<std::uint64_t>(count), "test");
+}
+
 // Gathers the report while the tests run.
 class Report : public testing::EmptyTestEventListener {
  public:
@@ -43,8 +47,8 @@ class Report : public testing::EmptyTestEventListener {
   void OnTestSuiteEnd(const testing::TestSuite& suite) override {
     const int failed = suite.failed_test_count();
     std::ostringstream line;
-    line << (failed == 0 ? "ok      " : "FAILED  ") << suite.name() << ": "
-         << kv::Counted(suite.test_to_run_count(), "test") << ", " << suite.elapsed_time() << " ms\n";
+    line << (failed == 0 ? "ok      " : "FAILED  ") << suite.name() << ": " << CountedTests(suite.test_to_run_count())
+         << ", " << suite.elapsed_time() << " ms\n";
     mSuites += line.str();
     std::cout << line.str() << std::flush;
   }
@@ -56,7 +60,7 @@ class Report : public testing::EmptyTestEventListener {
     text << "Telepanel self-test report\nkvselftest " << kv::ProgramVersion() << ", " << kv::DateText(now) << " "
          << kv::TimeOfDayText(now) << "\n"
          << kv::SystemName() << "\n\n"
-         << kv::Counted(all.test_to_run_count(), "test") << ", " << all.failed_test_count() << " failed, "
+         << CountedTests(all.test_to_run_count()) << ", " << all.failed_test_count() << " failed, "
          << all.skipped_test_count() << " skipped, " << all.elapsed_time() << " ms\n\n"
          << mSuites << mFailures;
     return text.str();
