@@ -11,6 +11,7 @@
 #include <QScrollBar>
 #include <QTableView>
 #include <QToolButton>
+#include <memory>
 
 #include "KvTele2/ui/PanelKeyMap.h"
 #include "KvTele2/ui/PanelView.h"
@@ -215,7 +216,7 @@ TEST_F(PanelWindowTest, WhatIsHeldIsLetGoWhateverHappensToTheWindow) {
 }
 
 TEST_F(PanelWindowTest, AFingerPressesHoldsAndSlidesOffAsTheMouseDoesAndNothingTwice) {
-  QPointingDevice* screen = QTest::createTouchDevice();
+  const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
   RunOnLine(kColour, [&](QMainWindow& window) {
     Trigger(window, "HOST_Trace");
     for (QWidget* each : QApplication::topLevelWidgets()) {
@@ -225,24 +226,24 @@ TEST_F(PanelWindowTest, AFingerPressesHoldsAndSlidesOffAsTheMouseDoesAndNothingT
     Operate(window);
     PanelView& view = View(window);
     const QPoint manual = PointOf(window, "Manual");
-    QTest::touchEvent(&view, screen).press(0, manual, &view);
-    QTest::touchEvent(&view, screen).release(0, manual, &view);
+    QTest::touchEvent(&view, screen.get()).press(0, manual, &view);
+    QTest::touchEvent(&view, screen.get()).release(0, manual, &view);
     ASSERT_TRUE(WaitUntil([&] { return Touch(window, "Conveyor") != nullptr; }));
     QTest::qWait(300);
     const auto isHeld = [&] { return Touch(window, "Conveyor")->touch->isPressed; };
     const QPoint at = PointOf(window, "Conveyor");
     for (const QPoint& end : {at, at - QPoint(0, 120)}) {
-      QTest::touchEvent(&view, screen).press(0, at, &view);
+      QTest::touchEvent(&view, screen.get()).press(0, at, &view);
       EXPECT_TRUE(WaitUntil(isHeld)) << Text(window, "lblPanelNote");
       QTest::qWait(700);
       EXPECT_TRUE(isHeld()) << "held on to";
-      if (end != at) QTest::touchEvent(&view, screen).move(0, end, &view);
-      if (end == at) QTest::touchEvent(&view, screen).release(0, at, &view);
+      if (end != at) QTest::touchEvent(&view, screen.get()).move(0, end, &view);
+      if (end == at) QTest::touchEvent(&view, screen.get()).release(0, at, &view);
       EXPECT_TRUE(WaitUntil([&] { return !isHeld(); }));
-      if (end != at) QTest::touchEvent(&view, screen).move(0, at, &view);
+      if (end != at) QTest::touchEvent(&view, screen.get()).move(0, at, &view);
       QTest::qWait(100);
       EXPECT_FALSE(isHeld()) << "never again by itself";
-      if (end != at) QTest::touchEvent(&view, screen).release(0, at, &view);
+      if (end != at) QTest::touchEvent(&view, screen.get()).release(0, at, &view);
     }
     const auto sent = Meanings();
     EXPECT_EQ(std::ranges::count_if(sent, [](const auto& each) { return each.contains("press "); }), 3);
