@@ -202,6 +202,7 @@ class TelepanelHost final : public RemoteHost {
   void NoteInfo(const Channel::ControllerInfo& info);
   void TakeInfo(const Channel::ControllerInfo& info);
   void TakeFailure(const LinkError& error);
+  void NoteLoss(const std::string& trouble);
   void BeginWait(HostView::Wait wait, const std::string& what);
   void EndWait();
   // The wait that is under way takes nothing from the user.

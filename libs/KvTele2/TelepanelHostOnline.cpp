@@ -162,8 +162,7 @@ void TelepanelHost::FollowTool() {
   mState.stateAge = AgeText(mServices.pacer.Now() - mStateAsOf);
   const LinkError& error = mChannel->LastError();
   if (MayMeanLostLink(error.code)) {
-    mState.connection = ConnectionState::Lost;
-    mState.trouble = error.Text();
+    NoteLoss(error.Text());
   } else if (mState.connection == ConnectionState::Lost && ShowsAnswer(error.code)) {
     mState.connection = ConnectionState::Online;
     mState.trouble = MisfitText(mState);
@@ -265,11 +264,17 @@ void TelepanelHost::TakeFailure(const LinkError& error) {
     return GoOffline("Off line: " + trouble, trouble);
   }
   mWatch.Silent(now);
-  mState.trouble = trouble;
   if (mPanel) mPanel->LoseLink(trouble);
-  if (mState.connection == ConnectionState::Lost) return;
+  const bool wasLost = mState.connection == ConnectionState::Lost;
+  NoteLoss(trouble);
+  if (!wasLost) StatusMessage(trouble);
+}
+
+// Nobody sees what the machine does meanwhile, so whoever operated it is asked anew.
+void TelepanelHost::NoteLoss(const std::string& trouble) {
   mState.connection = ConnectionState::Lost;
-  StatusMessage(trouble);
+  mState.trouble = trouble;
+  mConsent.reset();
 }
 
 // The host's own question finds out what has become of the controller, with the next beat.
@@ -277,8 +282,7 @@ void TelepanelHost::LosePanelLink(const LinkError& error) {
   const bool isOther = error.code == LinkErrorCode::OtherController;
   const std::string trouble = (isOther ? OtherTaken(error) : error).Text();
   mPanel->LoseLink(trouble);
-  mState.connection = ConnectionState::Lost;
-  mState.trouble = trouble;
+  NoteLoss(trouble);
   mWatch.AskNow();
   StatusMessage(trouble);
 }

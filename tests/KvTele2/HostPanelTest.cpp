@@ -159,6 +159,10 @@ TEST_F(HostPanelTest, ToolsHaveTheLinkAloneAndALossEndsOperating) {
   Step();
   EXPECT_EQ(PanelOldText(host.Panel()->State()), "");
   EXPECT_EQ(Mode(), PanelMode::View);
+  const std::size_t before = prompts.Boxes().size();
+  prompts.Press(PromptAnswer::No);
+  host.Click(command::kOperate);
+  EXPECT_EQ(prompts.Boxes().size(), before + 1) << "nobody has seen what the machine did meanwhile";
 }
 
 TEST_F(HostPanelTest, ACacheOfAnotherModelIsRefusedAndTheOneInUseStays) {
