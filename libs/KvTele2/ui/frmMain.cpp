@@ -282,6 +282,7 @@ void frmMain::BeginWait(Wait wait, const std::string& what) {
     mBusy.emplace(mPacer, *this, QString::fromStdString(what));
   } else {
     mSilence.start();
+    mModalBefore = QApplication::activeModalWidget();
     // Whoever sees the panel may press at any moment.
     const bool isPanelSeen = wait == Wait::Screen || mPages->currentWidget() == mPanel;
     isPanelSeen ? LetInputThrough() : mInputDelay.start();
@@ -296,9 +297,10 @@ void frmMain::EndWait() {
 }
 
 // An exchange may ask the user something, such as whether to go on without a record: it waits for him, and nobody for
-// the controller.
+// the controller. A question that was open before it began is none of its own.
 void frmMain::NoteSilence() {
-  if (!QApplication::activeModalWidget()) return mHost->NoteSilence();
+  const QWidget* modal = QApplication::activeModalWidget();
+  if (!modal || modal == mModalBefore) return mHost->NoteSilence();
   mHost->NoteQuestion();
   mSilence.start();
 }

@@ -83,6 +83,7 @@ class frmMain final : public QMainWindow, public HostView {
   QTimer mHeartbeat;  // of the host, while a controller is held
   QTimer mInputDelay;
   QTimer mSilence;
+  const QWidget* mModalBefore = nullptr;  // the wait; only ever compared
   std::optional<BusyState> mBusy;
   std::optional<InputGate> mGateBefore;  // while input is let through
   bool mIsPointerBusy = false;
