@@ -54,7 +54,9 @@ class ConsoleHost final : public RemoteHost {
   [[nodiscard]] std::expected<bool, std::string> OpenColourCache(const std::string&) override { return false; }
   [[nodiscard]] std::string ChooseColourCache(const std::vector<std::string>& paths,
                                               const std::string& model) override {
-    return paths[cache::ChooseCache(paths, model).index];
+    const cache::CacheChoice choice = cache::ChooseCache(paths, model);
+    for (const std::string& why : choice.passedOver) StatusMessage(why);
+    return paths[choice.index];
   }
 
   [[nodiscard]] bool IsOnline() const override { return mIsOnline; }

@@ -180,7 +180,7 @@ std::optional<ChosenCache> RecentCache(Environment& environment, const CommonOpt
   for (std::string& entry : recent) entry = CachePath(entry);
   CacheChoice choice = cache::ChooseCache(recent, model);
   if (choice.content) {
-    for (const std::string& why : choice.passedOver) environment.err << (choice.fits ? why + "\n" : "");
+    for (const std::string& why : choice.passedOver) environment.err << why << "\n";
     return ChosenCache{*std::move(choice.content), recent[choice.index]};
   }
   environment.err << "The session's cache is not used. " << choice.content.error().Text() << ".\n";

@@ -86,9 +86,7 @@ std::unexpected<std::string> TelepanelHost::CacheNotOpened(const std::string& pa
 
 std::string TelepanelHost::ChooseColourCache(const std::vector<std::string>& paths, const std::string& model) {
   const cache::CacheChoice choice = cache::ChooseCache(paths, model);
-  for (const std::string& why : choice.passedOver) {
-    if (choice.fits) StatusMessage(why);
-  }
+  for (const std::string& why : choice.passedOver) StatusMessage(why);
   return paths[choice.index];
 }
 

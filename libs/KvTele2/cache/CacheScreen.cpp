@@ -82,8 +82,9 @@ CacheChoice ChooseCache(const std::vector<std::string>& files, const std::string
     if (i == 0 || choice.fits) choice.content = std::move(content);
     if (!choice.fits) continue;
     choice.index = i;
-    break;
+    return choice;
   }
+  choice.passedOver.clear();  // for nothing: what is wrong with the first is told by who uses it
   return choice;
 }
 

@@ -56,7 +56,7 @@ struct CacheChoice {
   std::size_t index = 0;  // the first that is whole and of its model; where none is, the first of all
   bool fits = false;
   std::expected<CacheContent, CacheError> content{};  // of that file
-  std::vector<std::string> passedOver{};              // why those before it cannot be read, a sentence each
+  std::vector<std::string> passedOver{};  // for one that fits: why those before it cannot be read, a sentence each
 };
 [[nodiscard]] CacheChoice ChooseCache(const std::vector<std::string>& files, const std::string& model);
 
