@@ -53,7 +53,7 @@ Failure UnreadableSettings(const std::string& why) {
           "badFile",
           "reading the communication settings of the session",
           why,
-          "another program has the file open, or it is not this user's to read",
+          kUnreadableCause,
           "close the other program and try again, or name the link with --link"};
 }
 

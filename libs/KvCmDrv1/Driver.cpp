@@ -204,7 +204,7 @@ void Driver::FailUnreadable() {
   mError.code = LinkErrorCode::CannotOpen;
   mError.doing = "opening the link";
   mError.happened = "the communication settings of the session cannot be read: " + mUnreadable;
-  mError.cause = "another program has the file open, or it is not this user's to read";
+  mError.cause = kUnreadableCause;
   mError.cure = "close the other program and try again, or set the link anew in the communication settings";
 }
 

@@ -17,6 +17,9 @@ struct LoadedSettings {
   std::string unreadable{};             // why the file, which is there, could not be read; `settings` are the defaults
 };
 
+// Why, most likely.
+inline constexpr const char* kUnreadableCause = "another program has the file open, or it is not this user's to read";
+
 // What the file does not have is as in `defaults`.
 [[nodiscard]] LoadedSettings LoadSettings(const std::filesystem::path& folder, const LinkSettings& defaults);
 

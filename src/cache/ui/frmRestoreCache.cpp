@@ -225,7 +225,9 @@ cache::CacheImportOrder frmRestoreCache::Wishes() const {
 bool frmRestoreCache::eventFilter(QObject* watched, QEvent* event) {
   for (std::size_t i = 1; i < kRows; ++i) {
     if (watched != mSteps[i] || event->type() != QEvent::MouseButtonRelease) continue;
-    if (mSteps[i]->rect().contains(static_cast<QMouseEvent*>(event)->position().toPoint())) mBoxes[i]->click();
+    const auto& mouse = *static_cast<QMouseEvent*>(event);
+    const bool isClick = mouse.button() == Qt::LeftButton && mSteps[i]->rect().contains(mouse.position().toPoint());
+    if (isClick) mBoxes[i]->click();
   }
   return QDialog::eventFilter(watched, event);
 }
