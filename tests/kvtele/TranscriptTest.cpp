@@ -3,7 +3,8 @@
 //
 // "## ..." begins a session with new controllers, "% WORD TEXT" prepares something, "$ ..." is a command line. What
 // follows is what came of it: "! ..." stood on standard error, "= N" is the exit code where it is not 0. The words of
-// the parser's library are left out, which change with its version.
+// the parser's library are left out, which change with its version. "$ cat NAME" shows a file, "$ trace WORD" what
+// passed on the line during the command before, from the first line with that word on.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -53,7 +54,10 @@ class Session {
   [[nodiscard]] std::filesystem::path File(const std::string& name) const { return mFixture.home.Path() / name; }
   [[nodiscard]] std::string Lines(const std::string& text, const char* mark) const;
 
+  [[nodiscard]] std::string Traffic(const std::string& from) const;
+
   CommandFixture mFixture;
+  std::string mTrace;
 };
 
 const std::map<std::string, Session::Preparation>& Session::Preparations() {
@@ -143,9 +147,33 @@ std::string Session::Lines(const std::string& text, const char* mark) const {
   return lines;
 }
 
+// Tags, power-up numbers, sequence numbers and the checks over them differ from run to run, and so does what is made of
+// damaged bytes. A time is that since the line before.
+std::string Session::Traffic(const std::string& from) const {
+  std::string masked = mTrace;
+  for (const auto& [what, instead] : {std::pair("(-->|<--|---) kvtele ", "$1 "),
+                                      {"(/..(RO|WO|RM|IN|AC|SY|PD|PC|PE))[0-9A-F]{4}", "$1#"},
+                                      {"(<-- /..SY#[0-9A-F]{4})[0-9A-F]{12}(WO[0-9A-F]{4})?", "$1#"},
+                                      {"[0-9A-F]{10}<0D>", "#"},
+                                      {"<B4>K.*(\\[unit [0-9]+: block) [0-9]+", "$1"},
+                                      {"(<xx).*(\n.* <xx.*)*", "$1"}})
+    masked = std::regex_replace(masked, std::regex(what), instead);
+  std::istringstream rest(masked.substr(masked.rfind('\n', masked.find(from)) + 1));
+  std::string lines;
+  double before = 0;
+  for (auto [time, line] = std::pair(0.0, std::string()); rest >> time && std::getline(rest >> std::ws, line);) {
+    if (!lines.empty() && time > before) lines += std::to_string(time - before) + " ";
+    lines += line + "\n";
+    before = time;
+  }
+  return lines;
+}
+
 std::string Session::Run(const std::string& line) {
   if (line.starts_with("cat ")) return Lines(TemporaryFolder::Content(File(line.substr(4))), "");
+  if (line.starts_with("trace")) return Traffic(line.substr(std::min<std::size_t>(6, line.size())));
   const Result result = mFixture.Run(line);
+  mTrace = result.trace;
   const bool isTheParsers = result.err.contains("see kvtele --help, or kvtele VERB --help");
   std::string shown = Lines(result.out.contains("\"cure\": \"see kvtele --help, or") ? "" : result.out, "");
   shown += isTheParsers ? "! (in the parser's words)\n" : Lines(result.err, "! ");
@@ -203,7 +231,7 @@ TEST_P(Transcript, IsTheSameAgain) {
 
 INSTANTIATE_TEST_SUITE_P(Kvtele, Transcript,
                          testing::Values("cache", "clone", "download", "journal", "link", "operands", "panel",
-                                         "regions", "sessions"),
+                                         "regions", "sessions", "traffic"),
                          [](const auto& made) { return std::string(made.param); });
 
 // The completions of the shells and the manual page name every verb, option and value: as they were looked at.
