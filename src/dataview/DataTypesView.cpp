@@ -4,8 +4,9 @@
 #include <chrono>
 #include <utility>
 
+#include "base/PathText.h"
 #include "dataview/WriteQuestion.h"
-#include "dataview/files/GridFile.h"
+#include "dataview/files/GridText.h"
 #include "dataview/operands/OperandCatalogue.h"
 #include "desktop/RemainingTime.h"
 
@@ -26,6 +27,8 @@ void DataTypesView::Open() {
   const bool isRecovered = RecoverInterruptedGrids(shared.paths, shared.CurrentSession);
   LoadedGrids loaded = LoadGrids(SessionGridFiles(shared.paths, shared.CurrentSession), model);
   mContext.state = std::move(loaded.state);
+  mFiles = StatesOf(SessionGridFiles(shared.paths, shared.CurrentSession));
+  mOpenedWith = GridsText();
   mContext.status.link = mContext.CurrentLink();
   mContext.history.Clear();
   mAll.Forget();
@@ -58,13 +61,31 @@ bool DataTypesView::Close() {
   return true;
 }
 
+std::string DataTypesView::GridsText() const {
+  const std::string& session = mContext.parts.shared.CurrentSession;
+  return PrintRegionsGrid(mContext.state, session) + PrintOperandsGrid(mContext.state, session);
+}
+
+// A second copy of the program may have the same session open: neither loses what the other one has saved.
 bool DataTypesView::SaveState() {
   const SharedState& shared = mContext.parts.shared;
-  const auto saved = SaveSessionGrids(shared.paths, mContext.state, shared.CurrentSession);
-  if (saved) return true;
-  mContext.SayError("The grids could not be saved. " + saved.error().Text() + ".");
-  return mContext.AskYesNo(
-      mContext.status.message + "\r\n\r\nClose the view all the same, and lose what was changed in it?", true);
+  const GridFilePair files = SessionGridFiles(shared.paths, shared.CurrentSession);
+  const bool areOthers = AreSavedSince(files, mFiles);
+  if (areOthers && GridsText() == mOpenedWith) return true;
+  auto saved = areOthers ? KeepOldGrids(files) : std::expected<void, FileError>();
+  if (saved) saved = SaveSessionGrids(shared.paths, mContext.state, shared.CurrentSession);
+  if (!saved) {
+    mContext.SayError("The grids could not be saved. " + saved.error().Text() + ".");
+    return mContext.AskYesNo(
+        mContext.status.message + "\r\n\r\nClose the view all the same, and lose what was changed in it?", true);
+  }
+  if (areOthers) {
+    mContext.ShowBox(
+        "Another program has saved the grids of this session since the view was opened. The session now has "
+        "those of this view; the others are kept beside them, with .old behind their names:\r\n" +
+        Utf8FromPath(files.regions) + ".old\r\n" + Utf8FromPath(files.operands) + ".old");
+  }
+  return true;
 }
 
 void DataTypesView::Select(const GridSelection& operands) {

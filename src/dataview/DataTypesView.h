@@ -16,6 +16,7 @@
 #include "dataview/OnlineMode.h"
 #include "dataview/RegionEngine.h"
 #include "dataview/ViewContext.h"
+#include "dataview/files/GridFile.h"
 
 namespace kv::mdlDataTypesView {
 
@@ -135,6 +136,8 @@ class DataTypesView {
   [[nodiscard]] double MarkOf(Instant changedAt) const;
   void SayLoaded(bool isRecovered, const std::vector<std::string>& notes);
   [[nodiscard]] bool SaveState();
+  // Both grids as they would be saved now.
+  [[nodiscard]] std::string GridsText() const;
   // Tells the listener what has changed, and hands the result on.
   bool Tell(bool result);
 
@@ -147,6 +150,8 @@ class DataTypesView {
   GridSelection mSelection;
   std::vector<std::size_t> mSelectedRegions;
   bool mIsOpen = false;
+  GridFileStates mFiles;    // when the view was opened
+  std::string mOpenedWith;  // the grids at that time
 };
 
 }  // namespace kv::mdlDataTypesView

@@ -373,5 +373,27 @@ TEST(Close, KeepsBothGridsOrAsks) {
   EXPECT_EQ(watching.view.Status().mode, ViewMode::Idle);
 }
 
+TEST(Close, LosesNothingThatASecondCopyOfTheProgramHasSaved) {
+  DataViewFixture first;
+  DataTypesView second({first.shared, first.prompts, first.pacer, first.clipboard, first.selector, first.pacer}, first);
+  second.Open();
+  first.Add(MI, 0, 9);
+  EXPECT_TRUE(first.view.Close());
+  EXPECT_TRUE(second.Close()) << "nothing was changed in it";
+  second.Open();
+  first.view.Open();
+  ASSERT_EQ(first.view.Regions().Rows().size(), 1U);
+  first.Add(MI, 20, 29);
+  EXPECT_TRUE(first.view.Close());
+  second.Edit(MI, 3, "9");
+  first.prompts.Press(kOk);
+  EXPECT_TRUE(second.Close());
+  EXPECT_THAT(first.Taken(), Contains(HasSubstr("Another program has saved the grids of this session")));
+  EXPECT_THAT(TemporaryFolder::Content(first.Session("Default") / "vsfRegions_1.vsf.old"),
+              HasSubstr("region 2 20 29 "));
+  first.view.Open();
+  EXPECT_EQ(first.view.Regions().Rows().size(), 1U);
+}
+
 }  // namespace
 }  // namespace kv::test

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/FilePlatform.h"
 #include "base/PathText.h"
 #include "dataview/files/GridText.h"
 #include "host/shared/GridFileNames.h"
@@ -56,17 +57,22 @@ std::optional<Grid> LoadHalf(const fs::path& file, std::string_view model, std::
   return std::nullopt;
 }
 
+std::error_code CopyToOld(const fs::path& file) {
+  fs::path old = file;
+  old += ".old";
+  std::error_code error;
+  fs::copy_file(file, old, fs::copy_options::overwrite_existing, error);
+  return error;
+}
+
 // Copies a file of which something is left out: the next save writes over it.
 void KeepWhole(const fs::path& file, std::size_t leftOut, std::string_view what, const GridOwner& owner,
                LoadedGrids& loaded) {
   if (leftOut == 0) return;
   const std::string& model = loaded.state.operands.Model();
-  fs::path whole = file;
-  whole += ".old";
-  std::error_code error;
-  fs::copy_file(file, whole, fs::copy_options::overwrite_existing, error);
-  const std::string kept = error ? " They could not be kept aside and will be written over."
-                                 : " The file with them is kept as " + Utf8FromPath(whole.filename()) + ".";
+  const std::string kept = CopyToOld(file)
+                               ? " They could not be kept aside and will be written over."
+                               : " The file with them is kept as " + Utf8FromPath(file.filename()) + ".old.";
   loaded.notes.push_back(std::to_string(leftOut) + " saved " + std::string(what) + " of " + owner.model +
                          " left out: " + model + " does not have them." + kept);
 }
@@ -132,6 +138,28 @@ LoadedGrids LoadGrids(const GridFilePair& files, std::string_view model) {
   }
   loaded.isWhole = operands && regions && loaded.notes.empty();
   return loaded;
+}
+
+GridFileStates StatesOf(const GridFilePair& files) {
+  return {FileStateOf(files.regions), FileStateOf(files.operands)};
+}
+
+bool AreSavedSince(const GridFilePair& files, const GridFileStates& before) {
+  const GridFileStates now = StatesOf(files);
+  return (now[0] && now[0] != before[0]) || (now[1] && now[1] != before[1]);
+}
+
+std::expected<void, FileError> KeepOldGrids(const GridFilePair& files) {
+  for (const fs::path& file : {files.regions, files.operands}) {
+    const std::error_code error = IsThere(file) ? CopyToOld(file) : std::error_code();
+    if (!error) continue;
+    return std::unexpected(FileError{.file = Utf8FromPath(file),
+                                     .place = {},
+                                     .what = "another program has saved it since the view was opened, and that cannot "
+                                             "be kept aside (" +
+                                             SystemMessage(error) + ")"});
+  }
+  return {};
 }
 
 void RemoveGrids(const GridFilePair& files) {

@@ -1,13 +1,16 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <expected>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/AtomicFile.h"
+#include "base/FileState.h"
 #include "base/ProgramPaths.h"
 #include "dataview/GridState.h"
 
@@ -44,6 +47,13 @@ struct LoadedGrids {
 // A damaged file is kept aside under its name with ".bad" behind it, a copy of one of which something does not fit with
 // ".old".
 [[nodiscard]] LoadedGrids LoadGrids(const GridFilePair& files, std::string_view model);
+
+// Both files as they are now, and whether another program has saved one of them since.
+using GridFileStates = std::array<std::optional<FileState>, 2>;
+[[nodiscard]] GridFileStates StatesOf(const GridFilePair& files);
+[[nodiscard]] bool AreSavedSince(const GridFilePair& files, const GridFileStates& before);
+// Copies both, as far as they are there, to their names with ".old" behind them.
+[[nodiscard]] std::expected<void, FileError> KeepOldGrids(const GridFilePair& files);
 
 // Deletes them, as far as they are there.
 void RemoveGrids(const GridFilePair& files);
