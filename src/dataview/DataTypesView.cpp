@@ -61,9 +61,12 @@ bool DataTypesView::Close() {
   return true;
 }
 
-std::string DataTypesView::GridsText() const {
+std::string DataTypesView::GridsText() {
   const std::string& session = mContext.parts.shared.CurrentSession;
-  return PrintRegionsGrid(mContext.state, session) + PrintOperandsGrid(mContext.state, session);
+  GridSettings settings = std::exchange(mContext.state.settings, {});
+  std::string text = PrintRegionsGrid(mContext.state, session) + PrintOperandsGrid(mContext.state, session);
+  mContext.state.settings = std::move(settings);
+  return text;
 }
 
 // A second copy of the program may have the same session open: neither loses what the other one has saved.

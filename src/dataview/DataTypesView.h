@@ -136,8 +136,8 @@ class DataTypesView {
   [[nodiscard]] double MarkOf(Instant changedAt) const;
   void SayLoaded(bool isRecovered, const std::vector<std::string>& notes);
   [[nodiscard]] bool SaveState();
-  // Both grids as they would be saved now.
-  [[nodiscard]] std::string GridsText() const;
+  // Both grids as they would be saved now, without cursor and widths.
+  [[nodiscard]] std::string GridsText();
   // Tells the listener what has changed, and hands the result on.
   bool Tell(bool result);
 

@@ -379,6 +379,7 @@ TEST(Close, LosesNothingThatASecondCopyOfTheProgramHasSaved) {
   second.Open();
   first.Add(MI, 0, 9);
   EXPECT_TRUE(first.view.Close());
+  second.SetLayout({60, 120}, 91);
   EXPECT_TRUE(second.Close()) << "nothing was changed in it";
   second.Open();
   first.view.Open();
