@@ -124,7 +124,7 @@ TEST_F(CallersTest, TheLimitEndsTheWaitAndTellsWhoWasThere) {
   settings.serialNumber = 4711;
   driver.UseSettings(settings, false);
   ASSERT_TRUE(socket.Listen(settings.tcpPort));
-  When("instead of serial number 4711", [this] { pacer.ahead = 1h; });
+  When("instead of serial number 4711", [this] { pacer.now += 1h; });
   Dial("pump");
   EXPECT_FALSE(driver.GetChannel());
   EXPECT_EQ(driver.LastError().code, LinkErrorCode::CannotOpen);
