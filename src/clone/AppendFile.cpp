@@ -7,10 +7,11 @@
 #include "base/FilePlatform.h"
 #include "base/PathText.h"
 
+#include <fcntl.h>
 #ifdef _WIN32
 #include <io.h>
+#include <sys/stat.h>
 #else
-#include <fcntl.h>
 #include <unistd.h>
 #endif
 
@@ -20,10 +21,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// "x": never into a file that somebody else has made meanwhile.
+// Never into a file that somebody else has made meanwhile, and not handed on to a program that is started.
 std::FILE* OpenNew(const fs::path& file) {
-#ifdef _WIN32
-  return _wfopen(file.c_str(), L"wbx");
+#ifdef _WIN32  // whose "x" not every version of the library knows
+  constexpr int kNew = _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT;
+  const int descriptor = _wopen(file.c_str(), kNew, _S_IREAD | _S_IWRITE);
+  return descriptor < 0 ? nullptr : _wfdopen(descriptor, L"wb");
 #else
   return std::fopen(file.c_str(), "wbxe");
 #endif
