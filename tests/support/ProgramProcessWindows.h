@@ -94,6 +94,18 @@ class PrintedText {
   bool mHasEnded = false;
 };
 
+// The system ends what is in it as soon as this process has ended, however that happens.
+inline HANDLE JobOfThisProcess() {
+  static const HANDLE kJob = [] {
+    const HANDLE job = CreateJobObjectW(nullptr, nullptr);
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+    return job;
+  }();
+  return kJob;
+}
+
 class ProgramProcess {
  public:
   ProgramProcess(const std::string& program, const std::vector<std::string>& arguments) {
@@ -111,6 +123,7 @@ class ProgramProcess {
     if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &start,
                        &facts)) {
       mProcess = facts.hProcess;
+      AssignProcessToJobObject(JobOfThisProcess(), mProcess);
       CloseHandle(facts.hThread);
     }
     CloseHandle(nothing);
