@@ -33,6 +33,24 @@ std::string NewJournalName() {
   return name;
 }
 
+// Where the record begins that ends where the head says; nothing when another one does.
+std::optional<std::uint64_t> PlaceOf(JournalFile& file, const JournalHead& head) {
+  constexpr std::uint64_t kUsual = 4096;
+  for (const std::uint64_t most : {kUsual, std::uint64_t{kLongestJournalLine} + 2}) {
+    const std::uint64_t from = head.end - std::min(head.end, most);
+    const auto bytes = file.Read(from, static_cast<std::size_t>(head.end - from));
+    if (!bytes || bytes->size() != head.end - from || !bytes->ends_with('\n')) return std::nullopt;
+    const std::string_view text = std::string_view(*bytes).substr(0, bytes->size() - 1);
+    const std::size_t before = text.rfind('\n');
+    if (before == std::string_view::npos && from > 0) continue;
+    const std::size_t start = before == std::string_view::npos ? 0 : before + 1;
+    const auto read = ParseRecord(text.substr(start));
+    const bool isIt = read && read->hash == head.hash && read->record.number == head.number;
+    return isIt ? std::optional(from + start) : std::nullopt;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 ChangeJournal::ChangeJournal(const JournalPlaces& places, JournalDisk& disk, Pacer& pacer, const WallClock& clock)
@@ -102,8 +120,8 @@ auto ChangeJournal::TakeLock() -> Lock {
   }
 }
 
-// What others have written since, or all of it. A file that has become shorter, or is followed by another one, is
-// looked at anew.
+// What others have written since, or all of it. A file that has become shorter, is followed by another one or no longer
+// has the last record at its place is looked at anew.
 auto ChangeJournal::CatchUp() -> Done {
   std::error_code ignored;
   const bool isSame =
@@ -111,10 +129,17 @@ auto ChangeJournal::CatchUp() -> Done {
   if (!isSame) return Reload();
   auto file = mDisk.Open(SegmentFile(mPlaces.folder, mTail->segment), Access::Write);
   const auto size = file ? (*file)->Size() : std::unexpected(file.error());
-  if (!size || *size < mTail->end) return Reload();
+  if (!size || *size < mTail->end || !HasLastRecord(**file)) return Reload();
   if (Done read = ReadOn(**file, *size); !read) return read;
   mLast = std::move(*file);
   return {};
+}
+
+// A file in which the record is missing was put in the place of the journal, and may be the longer one.
+bool ChangeJournal::HasLastRecord(JournalFile& file) const {
+  if (!mLastAt) return true;
+  const auto hash = file.Read(*mLastAt, mTail->hash.size());
+  return hash && *hash == mTail->hash;
 }
 
 auto ChangeJournal::Reload() -> Done {
@@ -124,6 +149,7 @@ auto ChangeJournal::Reload() -> Done {
   const std::vector<unsigned> segments = SegmentsIn(mPlaces.folder);
   mTornBytes = 0;
   mMisfit.reset();
+  mLastAt.reset();
   if (segments.empty()) {
     mTail = JournalHead{.hash = std::string(kNoHash)};
     mMisfit = kept;
@@ -132,25 +158,10 @@ auto ChangeJournal::Reload() -> Done {
   const fs::path last = SegmentFile(mPlaces.folder, segments.back());
   const auto file = mDisk.Open(last, Access::Read);
   if (!file) return Failed(last, file.error());
-  if (!kept || kept->segment != segments.back() || !IsAt(**file, *kept)) return ReadAll(segments, kept);
+  if (kept && kept->segment == segments.back()) mLastAt = PlaceOf(**file, *kept);
+  if (!mLastAt) return ReadAll(segments, kept);
   mTail = kept;
   return ReadRest(**file);
-}
-
-// Whether the record that the head names ends where the head says.
-bool ChangeJournal::IsAt(JournalFile& file, const JournalHead& head) const {
-  constexpr std::uint64_t kUsual = 4096;
-  for (const std::uint64_t most : {kUsual, std::uint64_t{kLongestJournalLine} + 2}) {
-    const std::uint64_t from = head.end - std::min(head.end, most);
-    const auto bytes = file.Read(from, static_cast<std::size_t>(head.end - from));
-    if (!bytes || bytes->size() != head.end - from || !bytes->ends_with('\n')) return false;
-    const std::string_view text = std::string_view(*bytes).substr(0, bytes->size() - 1);
-    const std::size_t before = text.rfind('\n');
-    if (before == std::string_view::npos && from > 0) continue;
-    const auto read = ParseRecord(before == std::string_view::npos ? text : text.substr(before + 1));
-    return read && read->hash == head.hash && read->record.number == head.number;
-  }
-  return false;
 }
 
 auto ChangeJournal::ReadAll(const std::vector<unsigned>& segments, const std::optional<JournalHead>& kept) -> Done {
@@ -159,6 +170,7 @@ auto ChangeJournal::ReadAll(const std::vector<unsigned>& segments, const std::op
   for (const unsigned segment : segments) {
     mTail->segment = segment;
     mTail->end = 0;
+    mLastAt.reset();
     const fs::path path = SegmentFile(mPlaces.folder, segment);
     const auto file = mDisk.Open(path, Access::Read);
     if (!file) return Failed(path, file.error());
@@ -186,13 +198,15 @@ auto ChangeJournal::ReadOn(JournalFile& file, std::uint64_t size, const std::opt
   return {};
 }
 
-// A line that is no record takes a number all the same: the next record must not have that of one that was altered.
+// The line behind the end. One that is no record takes a number all the same: the next record must not have that of one
+// that was altered.
 void ChangeJournal::Take(std::string_view line, const std::optional<JournalHead>& kept) {
   const auto read = ParseRecord(line);
   const bool isNear = read && read->record.number < mTail->number + kFarAway;
   mTail->number = isNear ? std::max(read->record.number, mTail->number) : mTail->number + 1;
   if (!isNear) return;
   mTail->hash = read->hash;
+  mLastAt = mTail->end;
   if (!read->record.journal.empty()) mTail->journal = read->record.journal;
   if (kept && read->record.number == kept->number && read->hash == kept->hash) mMisfit.reset();
 }
@@ -218,6 +232,7 @@ std::expected<std::uint64_t, FileError> ChangeJournal::Write(std::optional<Journ
   if (const Done saved = Save(addition, isNew, from); !saved) return std::unexpected(saved.error());
   mTail = addition.tail;
   mTail->end = from + addition.lines.size();
+  mLastAt = from + addition.lastAt;
   mIsBroken = false;
   mTornBytes = 0;
   mMisfit.reset();
@@ -254,8 +269,10 @@ void ChangeJournal::Add(Addition& addition, JournalRecord record) const {
   record.previous = addition.tail.hash;
   record.time = JournalTime(mClock);
   const std::string line = PrintRecord(record);
+  addition.lastAt = addition.lines.size();
   addition.tail.hash = line.substr(0, kNoHash.size());
-  addition.lines += line + "\n";
+  addition.lines += line;
+  addition.lines += '\n';
 }
 
 JournalRecord ChangeJournal::FirstOfSegment() const {

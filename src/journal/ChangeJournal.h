@@ -55,6 +55,7 @@ class ChangeJournal {
   struct Addition {
     JournalHead tail;
     std::string lines;
+    std::size_t lastAt = 0;  // of these, where the last one begins
   };
 
   [[nodiscard]] Lock TakeLock();
@@ -64,7 +65,7 @@ class ChangeJournal {
   [[nodiscard]] Done ReadRest(JournalFile& file, const std::optional<JournalHead>& kept = {});
   [[nodiscard]] Done ReadOn(JournalFile& file, std::uint64_t size, const std::optional<JournalHead>& kept = {});
   void Take(std::string_view line, const std::optional<JournalHead>& kept);
-  [[nodiscard]] bool IsAt(JournalFile& file, const JournalHead& head) const;
+  [[nodiscard]] bool HasLastRecord(JournalFile& file) const;
 
   [[nodiscard]] std::expected<std::uint64_t, FileError> Write(std::optional<JournalRecord> record);
   [[nodiscard]] Done Save(const Addition& addition, bool isNew, std::uint64_t from);
@@ -82,8 +83,9 @@ class ChangeJournal {
   const WallClock& mClock;
   std::filesystem::path mLockFile;
   std::filesystem::path mHeadFile;
-  std::optional<JournalHead> mTail;    // the end as it was last seen; number 0: there is no journal
-  std::unique_ptr<JournalFile> mLast;  // the last file, while a record is about to be written to it
+  std::optional<JournalHead> mTail;      // the end as it was last seen; number 0: there is no journal
+  std::optional<std::uint64_t> mLastAt;  // where the record that mTail names begins, if that is in the last file
+  std::unique_ptr<JournalFile> mLast;    // the last file, while a record is about to be written to it
   bool mIsBroken = false;
   std::uint64_t mTornBytes = 0;  // behind it
   std::string mTornHash;

@@ -12,6 +12,7 @@ namespace kv {
 namespace {
 
 constexpr std::size_t kHashDigits = kNoHash.size();
+constexpr std::size_t kUsualLine = 2048;  // of 60 operands, and some more
 
 struct KindName {
   RecordKind kind;
@@ -111,8 +112,7 @@ void AppendOperands(std::string& json, Fields& fields, const std::vector<Changed
   json += ']';
 }
 
-std::string PrintJson(const JournalRecord& record, Room room) {
-  std::string json;
+void AppendJson(std::string& json, const JournalRecord& record, Room room) {
   Fields fields(json);
   fields.Number("n", record.number);
   fields.Text("prev", record.previous);
@@ -134,7 +134,6 @@ std::string PrintJson(const JournalRecord& record, Room room) {
   if (record.count != 0) fields.Number("count", record.count);
   fields.Text("hash", record.hash);
   fields.Close();
-  return json;
 }
 
 std::vector<std::string> ReadTexts(JsonReader& reader) {
@@ -245,15 +244,17 @@ bool IsJournalHash(std::string_view text) {
 }
 
 std::string PrintRecord(const JournalRecord& record) {
-  const std::size_t longest = kLongestJournalLine - kHashDigits - 1;
   Room room{record.operands.size(), record.operands.size()};
-  std::string json = PrintJson(record, room);
-  while (json.size() > longest && room.entries > 0) {
+  std::string line;
+  line.reserve(kUsualLine);
+  while (true) {
+    line.assign(kHashDigits + 1, ' ');  // the hash is known when the text is
+    AppendJson(line, record, room);
+    if (line.size() <= kLongestJournalLine || room.entries == 0) break;
     std::size_t& less = room.withValues > 0 ? room.withValues : room.entries;
     less /= 2;
-    json = PrintJson(record, room);
   }
-  return HashOf(json) + " " + json;
+  return line.replace(0, kHashDigits, HashOf(std::string_view(line).substr(kHashDigits + 1)));
 }
 
 std::expected<ReadRecord, std::string_view> ParseRecord(std::string_view line) {

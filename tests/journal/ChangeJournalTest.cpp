@@ -91,11 +91,13 @@ TEST_F(ChangeJournalTest, RecordsThatTheJournalIsAnotherOne) {
   (void)Begin();
   const std::string older = Bytes();
   (void)Begin();
+  test::JournalFixture other;
+  while (other.Bytes().size() < 8 * older.size()) (void)other.Begin();
   struct Case {
     const char* name;
     std::string content;  // none: the file is taken away
   };
-  for (const Case& each : {Case{"an older copy", older}, Case{"gone", ""}}) {
+  for (const Case& each : {Case{"a longer one", other.Bytes()}, Case{"an older copy", older}, Case{"gone", ""}}) {
     for (const bool isRunning : {true, false}) {
       (void)Begin();
       if (each.content.empty()) {

@@ -157,7 +157,7 @@ TEST_F(ChangeRecorderTest, RecordsTheEndInAnotherFileOrTellsThatItCouldNot) {
     const OperationScope writing(&recorder, {"Operand view", "write"});
     EXPECT_TRUE(Send());
     disk.calls = 0;
-    disk.failAt = 5;  // the write
+    disk.failAt = 6;  // the write
     disk.failsOn = failsOn;
   };
   write(false);
