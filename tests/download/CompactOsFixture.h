@@ -1,8 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <map>
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -45,16 +43,6 @@ struct CompactOsFixture final : DownloadFixture {
       if (word == text || !all.ends_with(" " + word)) all += " " + word;
     }
     return all.substr(std::min<std::size_t>(1, all.size()));
-  }
-  // Filled while a download runs: how long after each command nothing came.
-  std::shared_ptr<std::map<std::string, Duration>> Gaps() {
-    auto gaps = std::make_shared<std::map<std::string, Duration>>();
-    controller->onText = [this, gaps, last = std::string(), at = Instant()](std::string_view text, auto&) mutable {
-      if (!last.empty()) (*gaps)[last] = pacer.Now() - at;
-      last = CommandOf(std::string(text));
-      at = pacer.Now();
-    };
-    return gaps;
   }
   void AnswerTo(const std::string& command, const std::string& reply) {
     controller->onText = [=, this](std::string_view text, sim::TextReply& told) {

@@ -20,11 +20,11 @@ using testing::IsEmpty;
 const std::string kAsked = "O/S Downloader: Note that the download O/S process will cause:";
 const std::string kAskedInBoot = "O/S Downloader: The O/S in the controller is about to be replaced.";
 
+// How long each waits for what tells in its record by the time that all took.
 TEST(CompactOs, EveryModelGetsItsOwnOnEveryKindOfLine) {
   struct Row {
     const char* model;
     const char* told;
-    bool waits = false;  // while the boot loader or the O/S comes up, and behind the erase
   };
   const Row rows[] = {
       {"Q50", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE"},
@@ -32,23 +32,15 @@ TEST(CompactOs, EveryModelGetsItsOwnOnEveryKindOfLine) {
       {"Q51", "CCS CCS CCB CPSR010A FS05 OSE0 OSP0 CCE"},
       {"Q58", "CCS CCS CCB CPSR010A FS05 OSE0 OSP0 CCE"},
       {"PX1", "CCS CCS CCB FS05 OSC7F OSP0 CCE"},
-      {"PR1", "CCS CCS CCB FS05 OSC7F OSP0 CCE", true},
+      {"PR1", "CCS CCS CCB FS05 OSC7F OSP0 CCE"},
       {"BRIO", "CCS CCS CCB FS05 OSC7F OSP0 CCE"},
   };
-  const std::pair<const char*, Duration> waits[] = {{"CCB", 4s}, {"OSC7F", 5s}, {"CCE", 4s}};
   for (const Row& row : rows) {
     for (const bool isSerial : {true, false}) {
       for (const bool boot : {false, true}) {
         SCOPED_TRACE(std::string(row.model) + (isSerial ? " serial" : "") + (boot ? " in boot" : ""));
         CompactOsFixture fixture(Plc(row.model, "", boot), isSerial);
-        const auto gaps = fixture.Gaps();
         EXPECT_TRUE(fixture.Download()) << OutcomeText(fixture.outcome);
-        for (const auto& [command, wait] : waits) {
-          if (!gaps->contains(command)) continue;
-          EXPECT_EQ((*gaps)[command] >= wait, row.waits) << command;
-          EXPECT_LT((*gaps)[command], wait + 500ms) << command;
-        }
-        EXPECT_GE((*gaps)["CCS"], boot ? 0ms : 500ms);
         const std::string enter = "CCS CCS CCB ";
         EXPECT_EQ(fixture.Told(), boot ? row.told + enter.size() : row.told);
         EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
@@ -300,52 +292,6 @@ TEST(CompactOs, ALinkThatCannotBeSetIsOpenedAgain) {
   link.calls.clear();
   EXPECT_TRUE(CompactBootLoader(work, CompactKind::PR1, 0).Enter());
   EXPECT_EQ(link.calls.back(), "OpenLink 0 9600");
-}
-
-// A boot loader at once, whose flash is not ready so often.
-struct BootChannel final : FakeChannel {
-  int tests = 0;
-  int erases = 0;
-
-  std::optional<CommandReply> SendCommand(std::string_view command) override {
-    if (command == "FI") return CommandReply{tests-- > 0 ? "FI1000" : "FI2000"};
-    if (command == "OSS") return CommandReply{erases-- > 0 ? "OS1000" : "OS0000"};
-    return CommandReply{"XXOK00"};
-  }
-};
-
-// On a link that takes no time: to the microsecond.
-TEST(CompactOs, WaitsExactlyAsLongAsEachKindWants) {
-  struct Row {
-    CompactKind kind;
-    Duration enter;
-    Duration erase;
-    Duration reset;
-    int polls = 0;  // of the test and of the erase, that are answered with something else
-  };
-  const Row rows[] = {{CompactKind::Q50, 1s, 0s, 0s},
-                      {CompactKind::Q51OrQ58, 1s, 0s, 0s},
-                      {CompactKind::PX1, 1s, 0s, 0s},
-                      {CompactKind::PR1, 1s + 4s, 5s, 4s},
-                      {CompactKind::PR1, 1s + 4s, 5s + 2 * 500ms + 2 * 1s, 4s, 2}};
-  for (const Row& row : rows) {
-    Desk desk;
-    VirtualPacer pacer;
-    const DownloadOrder order;
-    BootChannel link;
-    link.succeeds = true;
-    link.tests = link.erases = row.polls;
-    DownloadWork work(link, desk, desk, pacer, order);
-    CompactBootLoader boot(work, row.kind, 0);
-    const auto takes = [&](const auto& step) {
-      const Instant start = pacer.Now();
-      EXPECT_TRUE(step());
-      return std::chrono::duration_cast<std::chrono::microseconds>(pacer.Now() - start).count();
-    };
-    EXPECT_EQ(takes([&] { return boot.Enter(); }), Duration(row.enter).count());
-    EXPECT_EQ(takes([&] { return boot.EraseFlash(); }), Duration(row.erase).count());
-    EXPECT_EQ(takes([&] { return boot.Reset(); }), Duration(row.reset).count());
-  }
 }
 
 TEST(CompactOs, AnApplicationGoesFromOneControllerIntoAnother) {

@@ -20,6 +20,7 @@
 #include "simulator/SimulatedModem.h"
 #include "tests/download/LoggedController.h"
 #include "tests/download/Samples.h"
+#include "tests/support/Recorded.h"
 #include "tests/support/SilentCloner.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -113,7 +114,9 @@ struct DownloadFixture {
     controller->told.clear();
     const auto link = Link();
     if (!link) return false;
+    const Instant start = pacer.Now();
     Run(*link);
+    ExpectAsRecorded([&] { return All(pacer.Now() - start); });
     return outcome.end == DownloadEnd::Done;
   }
   // As a user does it later, on a good line.
@@ -156,6 +159,18 @@ struct DownloadFixture {
   void Keep(const Engine& engine) {
     outcome = engine.Outcome();
     review = engine.Review();
+  }
+  // What was shown and sent, equal things in a row as one, and how it ended.
+  [[nodiscard]] std::string All(Duration took) const {
+    std::string all;
+    for (std::size_t i = 0, next = 0; i < desk.log.size(); i = next) {
+      while (next < desk.log.size() && desk.log[next] == desk.log[i]) ++next;
+      all += desk.log[i] + (next == i + 1 ? "" : " x " + std::to_string(next - i)) + "\n";
+    }
+    all += OutcomeText(outcome) + "\nin " + std::to_string(took.count()) + " microseconds\n";
+    for (std::size_t at = 0; (at = all.find(home.Path().string())) != std::string::npos;)
+      all.replace(at, home.Path().string().size(), "HOME");
+    return all;
   }
   [[nodiscard]] std::string WithState(const std::string& what) const {
     const char state = controller->State();

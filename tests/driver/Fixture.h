@@ -13,6 +13,7 @@
 #include "KvCmDrv1/ports/SimulatedPort.h"
 #include "link/DownloadEngine.h"
 #include "tests/matrix/MatrixFixture.h"
+#include "tests/support/Recorded.h"
 
 namespace kv {
 
@@ -165,6 +166,18 @@ struct Fixture {
             [this](const std::string& message) { messages.push_back(message); }) {
     EXPECT_TRUE(channel.Open());
     EXPECT_TRUE(channel.ReadMI(0, 1, 1));  // the handshake is done, and the time of the link is known
+  }
+  ~Fixture() {
+    test::ExpectAsRecorded([this] { return All(); });
+  }
+  // What passed, what was told, and the counts.
+  [[nodiscard]] std::string All() const {
+    std::string all = test::TrafficText(trace->Text());
+    for (const std::string& message : messages) all += message + "\n";
+    const LinkQuality q = channel.Quality();
+    for (const std::uint64_t count : {q.exchanges, q.repeats, q.errors, q.bytesSent, q.bytesReceived})
+      all += std::to_string(count) + " ";
+    return all + "\n" + Error().Text() + "\n";
   }
   [[nodiscard]] const LinkError& Error() const { return channel.LastError(); }
 };

@@ -22,6 +22,7 @@
 #include "tests/download/Samples.h"
 #include "tests/kvtele/CommandFixture.h"
 #include "tests/support/ProgramProcess.h"
+#include "tests/support/Recorded.h"
 
 namespace kv::test {
 namespace {
@@ -53,8 +54,6 @@ class Session {
   }
   [[nodiscard]] std::filesystem::path File(const std::string& name) const { return mFixture.home.Path() / name; }
   [[nodiscard]] std::string Lines(const std::string& text, const char* mark) const;
-
-  [[nodiscard]] std::string Traffic(const std::string& from) const;
 
   CommandFixture mFixture;
   std::string mTrace;
@@ -147,31 +146,9 @@ std::string Session::Lines(const std::string& text, const char* mark) const {
   return lines;
 }
 
-// Tags, power-up numbers, sequence numbers and the checks over them differ from run to run, and so does what is made of
-// damaged bytes. A time is that since the line before.
-std::string Session::Traffic(const std::string& from) const {
-  std::string masked = mTrace;
-  for (const auto& [what, instead] : {std::pair("(-->|<--|---) kvtele ", "$1 "),
-                                      {"(/..(RO|WO|RM|IN|AC|SY|PD|PC|PE))[0-9A-F]{4}", "$1#"},
-                                      {"(<-- /..SY#[0-9A-F]{4})[0-9A-F]{12}(WO[0-9A-F]{4})?", "$1#"},
-                                      {"[0-9A-F]{10}<0D>", "#"},
-                                      {"<B4>K.*(\\[unit [0-9]+: block) [0-9]+", "$1"},
-                                      {"(<xx).*(\n.* <xx.*)*", "$1"}})
-    masked = std::regex_replace(masked, std::regex(what), instead);
-  std::istringstream rest(masked.substr(masked.rfind('\n', masked.find(from)) + 1));
-  std::string lines;
-  double before = 0;
-  for (auto [time, line] = std::pair(0.0, std::string()); rest >> time && std::getline(rest >> std::ws, line);) {
-    if (!lines.empty() && time > before) lines += std::to_string(time - before) + " ";
-    lines += line + "\n";
-    before = time;
-  }
-  return lines;
-}
-
 std::string Session::Run(const std::string& line) {
   if (line.starts_with("cat ")) return Lines(TemporaryFolder::Content(File(line.substr(4))), "");
-  if (line.starts_with("trace")) return Traffic(line.substr(std::min<std::size_t>(6, line.size())));
+  if (line.starts_with("trace")) return TrafficText(mTrace, line.substr(std::min<std::size_t>(6, line.size())));
   const Result result = mFixture.Run(line);
   mTrace = result.trace;
   const bool isTheParsers = result.err.contains("see kvtele --help, or kvtele VERB --help");
@@ -203,20 +180,6 @@ std::string RunAgain(const std::string& transcript) {
   return again;
 }
 
-// Names the first line that differs, and the command before it.
-void ExpectSame(const std::string& text, const std::string& written) {
-  std::istringstream now(text);
-  std::istringstream before(written);
-  std::string command;
-  std::string line;
-  for (std::string expected; std::getline(before, expected);) {
-    if (!std::getline(now, line)) line = "the end";
-    if (line.starts_with("$ ")) command = line;
-    ASSERT_EQ(line, expected) << command;
-  }
-  EXPECT_FALSE(std::getline(now, line)) << line;
-}
-
 class Transcript : public testing::TestWithParam<const char*> {};
 
 TEST_P(Transcript, IsTheSameAgain) {
@@ -226,7 +189,7 @@ TEST_P(Transcript, IsTheSameAgain) {
   ASSERT_NE(written, "");
   const std::string again = RunAgain(written);
   if (std::getenv("KV_RENEW_TRANSCRIPTS")) std::ofstream(file, std::ios::binary) << again;
-  ExpectSame(again, written);
+  ExpectSameLines(again, written, "$ ");
 }
 
 INSTANTIATE_TEST_SUITE_P(Kvtele, Transcript,
@@ -248,7 +211,7 @@ TEST(CommandLineTexts, AreTheSameAgain) {
     const std::string text =
         Replaced(TemporaryFolder::Content(folder.Path() / name), std::string(ProgramVersion()), "VERSION");
     if (std::getenv("KV_RENEW_TRANSCRIPTS")) std::ofstream(file, std::ios::binary) << text;
-    ExpectSame(text, TemporaryFolder::Content(file));
+    ExpectSameLines(text, TemporaryFolder::Content(file), "");
   }
 }
 

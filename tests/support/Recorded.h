@@ -1,0 +1,79 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <utility>
+
+#include "tests/support/TemporaryFolder.h"
+
+namespace kv::test {
+
+// Names the first line that differs, and the one before it that begins with `mark`.
+inline void ExpectSameLines(const std::string& text, const std::string& written, const std::string& mark) {
+  std::istringstream now(text);
+  std::istringstream before(written);
+  std::string marked;
+  std::string line;
+  for (std::string expected; std::getline(before, expected);) {
+    if (!std::getline(now, line)) line = "the end";
+    if (line.starts_with(mark)) marked = line;
+    ASSERT_EQ(line, expected) << marked;
+  }
+  EXPECT_FALSE(std::getline(now, line)) << line;
+}
+
+// Holds what a test makes the program do against what it did when that was looked at: the parts follow each other in
+// tests/recorded/SUITE.TEST.txt. A test without such a file is not recorded. Who has changed what is done renews the
+// files with KV_RENEW_LOOKS=1 in the environment, and reads their difference. On Windows the system's words are others.
+template <typename Part>
+void ExpectAsRecorded([[maybe_unused]] Part part) {
+#ifndef _WIN32
+  static std::string running;
+  static std::size_t at = 0;  // behind what has been met of its record
+  const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+  const std::string name = std::string(test.test_suite_name()) + "." + test.name();
+  const auto file = std::filesystem::path(KV_TEST_DATA) / "recorded" / (name + ".txt");
+  if (!std::filesystem::exists(file)) return;
+  if (std::exchange(running, name) != name) at = 0;
+  const std::string text = "##\n" + part();
+  if (std::getenv("KV_RENEW_LOOKS")) {
+    std::ofstream(file, std::ios::binary | (at == 0 ? std::ios::trunc : std::ios::app)) << text;
+  } else {
+    const std::string written = TemporaryFolder::Content(file);
+    const std::size_t end = std::min(written.find("\n##\n", at) + 1, written.size());
+    ExpectSameLines(text, end == 0 ? written.substr(at) : written.substr(at, end - at), "-->");
+  }
+  at += text.size();
+#endif
+}
+
+// What passed on a line, from the first line with the word `from` on; each time is that since the line before. Tags,
+// power-up numbers, sequence numbers and the checks over them differ from run to run, and so does what is made of
+// damaged bytes.
+inline std::string TrafficText(std::string trace, const std::string& from = {}) {
+  for (const auto& [what, instead] : {std::pair("(-->|<--|---) kvtele ", "$1 "),
+                                      {"(/..(RO|WO|RM|IN|AC|SY|PD|PC|PE))[0-9A-F]{4}", "$1#"},
+                                      {"(<-- /..SY#[0-9A-F]{4})[0-9A-F]{12}(WO[0-9A-F]{4})?", "$1#"},
+                                      {"[0-9A-F]{10}<0D>", "#"},
+                                      {"<B4>K.*(\\[unit [0-9]+: block) [0-9]+", "$1"},
+                                      {"(<xx).*(\\n.* <xx.*)*", "$1"}})
+    trace = std::regex_replace(trace, std::regex(what), instead);
+  std::istringstream rest(trace.substr(trace.rfind('\n', trace.find(from)) + 1));
+  std::string lines;
+  double before = 0;
+  for (auto [time, line] = std::pair(0.0, std::string()); rest >> time && std::getline(rest >> std::ws, line);) {
+    if (!lines.empty() && time > before) lines += std::to_string(time - before) + " ";
+    lines += line + "\n";
+    before = time;
+  }
+  return lines;
+}
+
+}  // namespace kv::test
