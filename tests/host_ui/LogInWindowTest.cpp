@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <QAction>
 #include <QClipboard>
 #include <QLineEdit>
 #include <QTableView>
@@ -68,18 +67,11 @@ TEST_F(LogInWindowTest, WhoIsLoggedInStandsInTheStatusBarAndIsOfferedTheNextTime
     }
     WhenOpen<QDialog>(window, [](QDialog& dialog) {
       EXPECT_EQ(Find<QLineEdit>(dialog, "txtUserName").selectedText(), "J\u00fcrgen");
-      EXPECT_EQ(Find<QLabel>(dialog, "lblNow").text(), "Logged in now: 'x'");
-      EXPECT_EQ(dialog.focusWidget()->objectName(), "txtUserName") << "the next one may be another";
-      EXPECT_EQ(Find<QLineEdit>(dialog, "txtPassword").text(), "");
-      EXPECT_EQ(Find<QLineEdit>(dialog, "txtPassword").echoMode(), QLineEdit::Password);
       dialog.reject();
     });
     Trigger(window, "ID_LogIn");
     LogOff(window);
     EXPECT_EQ(Shown(window), "");
-    EXPECT_FALSE(Find<QAction>(window, "ID_LogOff").isEnabled());
-    EXPECT_THAT(Find<QAction>(window, "ID_LogOff").statusTip().toStdString(),
-                testing::AllOf(testing::StartsWith("Forgets the user"), HasSubstr("Nobody is logged in.")));
     LogIn(window, "", "");
     EXPECT_EQ(Shown(window), "") << "nobody, without a password";
   });
