@@ -37,7 +37,7 @@ QImage Drawn(std::string_view icon) {
 }
 
 TEST(IconsTest, EveryDrawingIsSeenInTheColourOfThePalette) {
-  const QStringList drawings = QDir(":/kv/icons").entryList();
+  const QStringList drawings = QDir(KV_TEST_DATA "/../src/desktop/ui/icons").entryList(QDir::Files);
   ASSERT_TRUE(drawings.contains("app.svg"));
   const ScopeGuard restore([before = QApplication::palette()] { QApplication::setPalette(before); });
   for (const QColor colour : {QColor(Qt::black), QColor(Qt::white)}) {
@@ -87,6 +87,7 @@ TEST(ThemeTest, AChoiceIsKeptAndTakenBack) {
   const QString style = QApplication::style()->objectName();
   ThemeChoice(file).Choose(Theme::Dark);
   EXPECT_LT(shade(), 100);
+  QApplication::setStyle(style);  // as the next start finds it
   ThemeChoice again(file);
   EXPECT_EQ(again.Chosen(), Theme::Dark);
   again.Choose(Theme::Light);

@@ -35,7 +35,8 @@ inline void ExpectNothingIsCovered(const QWidget& page) {
     for (const QWidget* other : parts) {
       const bool isBoth = part < other && part->isVisible() && other->isVisible() && !other->isWindow();
       EXPECT_FALSE(isBoth && !part->isWindow() && part->geometry().intersects(other->geometry()))
-          << part->objectName().toStdString() << " and " << other->objectName().toStdString();
+          << part->metaObject()->className() << " " << part->objectName().toStdString() << " and "
+          << other->objectName().toStdString();
     }
   }
 }

@@ -117,7 +117,7 @@ TEST_F(LinkDialogsTest, APortThatIsGoneStaysAndIsFoundAgain) {
     EXPECT_EQ(combo.itemData(1, Qt::ToolTipRole).toString(), "/dev/serial/by-id/usb-0");
     EXPECT_EQ(combo.currentText(), "/dev/ttyUSB7");
     EXPECT_EQ(Find<QLabel>(dialog, "lblPortInfo").text(), "not present");
-    combo.setEditText(folder.Path().c_str());
+    combo.setEditText(QString::fromStdString(folder.Path().string()));
     EXPECT_EQ(Find<QLabel>(dialog, "lblPortInfo").text(), "there, but not in the list of ports");
     combo.setEditText("/dev/ttyUSB7");
     Find<QComboBox>(dialog, "cboBaudRate").setFocus();

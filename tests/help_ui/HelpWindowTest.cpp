@@ -35,7 +35,7 @@ std::int32_t NumberOf(std::string_view page) {
 }
 
 struct HelpWindowTest : testing::Test {
-  HelpWindowTest() { std::filesystem::create_directory_symlink(KV_HELP_FOLDER, home.Path() / "help"); }
+  HelpWindowTest() { home.PutCopy("help", KV_HELP_FOLDER); }
 
   frmHelp& Open(std::string_view page) {
     help.ShowTopic(NumberOf(page));
@@ -132,7 +132,7 @@ TEST_F(HelpWindowTest, PrintsAfterADialogThatCanBeLeft) {
 }
 
 TEST_F(HelpWindowTest, TellsWhereTheHelpShouldBe) {
-  std::filesystem::remove(home.Path() / "help");
+  std::filesystem::remove_all(home.Path() / "help");
   prompts.Press(PromptAnswer::Ok);
   help.ShowTopic(100);
   ASSERT_EQ(prompts.Boxes().size(), 1U);

@@ -180,7 +180,7 @@ TEST_F(MainWindowTest, AnotherSessionIsActivatedInItsWindow) {
 // Every word, state and order that a user meets when a window opens: tests/host_ui/looks.txt. Who has changed a window
 // renews the file with KV_RENEW_LOOKS=1 in the environment, and reads its difference.
 TEST_F(MainWindowTest, EveryWindowReadsAsItIsWrittenDown) {
-  std::filesystem::create_directory_symlink(KV_HELP_FOLDER, home.Path() / "help");
+  home.PutCopy("help/pages", KV_HELP_FOLDER "/pages");
   std::string looks;
   const auto add = [&](const QWidget& window) { looks += WindowLook(window).Text(); };
   const auto addNext = [&](QWidget& window, const char* command) {
@@ -221,7 +221,7 @@ TEST_F(MainWindowTest, EveryWindowReadsAsItIsWrittenDown) {
     Trigger(window, "ID_Downloader");
   });
   looks = QString::fromStdString(looks)
-              .replace(home.Path().c_str(), "HOME")
+              .replace(QString::fromStdString(home.Path().string()), "HOME")
               .replace(QRegularExpression("serial number [0-9]+"), "serial number N")
               .replace(QRegularExpression("Version [0-9.]+"), "Version N")
               .toStdString();
@@ -271,8 +271,8 @@ TEST_F(MainWindowTest, TheTraceStandsBesideTheToolsWithTheTimeOfDay) {
     ASSERT_NE(trace, nullptr);
     auto& frames = Find<QTableView>(*trace, "flgTrace");
     ASSERT_TRUE(WaitUntil([&] { return frames.model()->rowCount() > 2; }));
-    EXPECT_THAT(frames.model()->index(0, 0).data().toString().toStdString(),
-                testing::MatchesRegex("[0-9][0-9]:[0-9][0-9]:[0-9][0-9]\\.[0-9]{6}"));
+    const QString time = frames.model()->index(0, 0).data().toString();
+    EXPECT_TRUE(QRegularExpression("^([0-9]{2}:){2}[0-9]{2}[.][0-9]{6}$").match(time).hasMatch()) << time.toStdString();
     WhenOpen<QDialog>(window, [&](QDialog& dialog) {
       EXPECT_EQ(dialog.windowModality(), Qt::WindowModal) << "the trace answers beside it";
       dialog.reject();

@@ -192,7 +192,9 @@ class WindowSteps {
 
   // What depends on the moment or on the machine is no part of a look.
   [[nodiscard]] Lines LinesOf(const QWidget& window) const {
-    QString look = QString::fromStdString(WindowLook(window).Text()).replace(mHome.Path().c_str(), "HOME").remove('\r');
+    QString look = QString::fromStdString(WindowLook(window).Text())
+                       .replace(QString::fromStdString(mHome.Path().string()), "HOME")
+                       .remove('\r');
     for (const auto& [text, instead] : {std::pair("[0-9]{4}-[0-9]{2}-[0-9]{2}", "DATE"),
                                         {"[0-9]{2}:[0-9]{2}:[0-9]{2}([.][0-9]+)?", "TIME"},
                                         {"serial number [0-9]+", "serial number N"},

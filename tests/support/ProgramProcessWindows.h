@@ -19,6 +19,8 @@
 
 #ifndef SIGKILL
 inline constexpr int SIGKILL = 9;
+inline constexpr int SIGCONT = 18;
+inline constexpr int SIGSTOP = 19;
 #endif
 
 // tests/support/ProgramProcess.h for Windows.
@@ -146,6 +148,8 @@ class ProgramProcess {
       TerminateProcess(mProcess, kKilled);
       return;
     }
+    if (signal == SIGSTOP) return Call("NtSuspendProcess");
+    if (signal == SIGCONT) return Call("NtResumeProcess");
     FreeConsole();
     AttachConsole(GetProcessId(mProcess));
     SetConsoleCtrlHandler(nullptr, TRUE);  // this process is to go on
@@ -170,6 +174,12 @@ class ProgramProcess {
  private:
   static constexpr DWORD kKilled = 0xDEAD;
   static constexpr DWORD kLongest = 5000;  // milliseconds until it has ended
+
+  // What holds a whole process up, and lets it go on, is told in no header.
+  void Call(const char* function) const {
+    const auto address = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), function);
+    reinterpret_cast<LONG(NTAPI*)(HANDLE)>(reinterpret_cast<void*>(address))(mProcess);
+  }
 
   // As the platform takes the line apart: a backslash counts only before a quotation mark.
   static std::wstring Quoted(const std::wstring& word) {

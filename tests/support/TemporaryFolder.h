@@ -32,6 +32,11 @@ class TemporaryFolder {
     std::ofstream(mPath / name, std::ios::binary) << content;
     return mPath / name;
   }
+  // A link would need an administrator on Windows.
+  void PutCopy(std::string_view name, const std::filesystem::path& folder) const {
+    std::filesystem::create_directories(mPath / name);
+    std::filesystem::copy(folder, mPath / name, std::filesystem::copy_options::recursive);
+  }
   [[nodiscard]] static std::string Content(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};

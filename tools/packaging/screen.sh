@@ -12,9 +12,9 @@ wait_for() {
   done
 }
 
-start_screen() {
+start_screen() { # as large as screen_size says
   rm -f "$out/display"
-  Xvfb -displayfd 3 -ac -screen 0 1280x900x24 3>"$out/display" >/dev/null 2>&1 &
+  Xvfb -displayfd 3 -ac -screen 0 "${screen_size:-1280x900}x24" 3>"$out/display" >/dev/null 2>&1 &
   screen=$!
   wait_for 20 test -s "$out/display"
   DISPLAY=:$(cat "$out/display")

@@ -51,3 +51,34 @@ fetch() {
   mv "$(find "$folder" -mindepth 1 -maxdepth 1 -type d)" "$work/sources/$package" || return 1
   rm -rf "$folder"
 }
+
+# Qt for Windows is built without its reader of drawings, which no source package has. Pictures that are as before stay, so that nothing is linked anew.
+pictures() {
+  local sizes new=$work/icons.new
+  sizes=$(sed -nE 's/^set\(sizes ([0-9 ]+)\).*/\1/p' "$top/src/desktop/ui/CMakeLists.txt")
+  rm -rf "$new"
+  "$top/build/release/tools/icon_pictures" "$new" "${sizes// /,}" "$top"/src/desktop/ui/icons/*.svg &&
+    "$top/build/release/tools/icon_pictures" "$new" --program "$top/packaging/telepanel-tools.svg" || return 1
+  diff -rq "$new" "$work/icons" || { rm -rf "$work/icons" && mv "$new" "$work/icons"; }
+}
+
+# For the help: a library of its own, which whoever has the programs may replace, as its licence asks for. It hands out its interface and nothing else.
+# The linker makes its address of the name that it is given, so that is one without a folder.
+libchm() {
+  local -a flags
+  local sources=$work/sources/chmlib/src
+  mapfile -t flags < <(safe_flags)
+  mkdir -p "$work/shared" && cd "$work/shared" &&
+    { echo EXPORTS && printf 'chm_%s\n' open close set_param resolve_object retrieve_object enumerate enumerate_dir; } >libchm.def &&
+    x86_64-w64-mingw32-gcc-posix -O2 "${flags[@]}" -DWIN32 -shared -static -o libchm.dll "$sources/chm_lib.c" "$sources/lzx.c" libchm.def \
+      "-Wl,--out-implib,libchm.dll.a,$link_flags"
+}
+
+# What the windows stand on.
+window_parts() {
+  "$top/tools/build" release icon_pictures
+  "$top/tools/windows/build" --libraries
+  "$top/tools/windows/build-qt"
+  [ -e "$work/shared/libchm.dll.a" ] || (step libchm libchm)
+  step pictures pictures
+}
