@@ -49,6 +49,7 @@ class WindowLook {
         {"windowTitle"},
         {"title"},
         {"text"},
+        {"source"},
         {"currentText"},
         {"shortcut"},
         {"toolTip"},
@@ -142,8 +143,7 @@ class WindowLook {
       return;
     }
     if (const auto* view = dynamic_cast<const QTableView*>(&widget)) AddColumns(*view, depth + 1);
-    if (const auto* view = dynamic_cast<const QTableView*>(&widget)) AddRows(*view, depth + 1);
-    if (widget.inherits("QAbstractItemView")) return;
+    if (const auto* view = dynamic_cast<const QAbstractItemView*>(&widget)) return AddRows(*view, depth + 1);
     if (const auto* area = dynamic_cast<const QScrollArea*>(&widget)) return AddWidget(*area->widget(), depth + 1);
     if (const auto* splitter = dynamic_cast<const QSplitter*>(&widget)) return AddShares(*splitter, depth + 1);
     if (const auto* bar = dynamic_cast<const QToolBar*>(&widget)) return AddActions(*bar, depth + 1);
@@ -220,7 +220,7 @@ class WindowLook {
     for (const QAction* action : bar.actions()) {
       const bool isNamed = !action->objectName().isEmpty();
       const std::string shown = bar.inherits("QToolBar") ? " " + action->iconText().toStdString() : "";
-      Add(depth, action->isSeparator() ? "|" : isNamed ? NameOf(*action) + shown : action->text().toStdString());
+      Add(depth, action->isSeparator() ? "|" : isNamed ? NameOf(*action) + shown : "item" + Facts(*action));
     }
   }
 
@@ -242,23 +242,31 @@ class WindowLook {
     Add(depth, (rows.isHidden() ? "without row heads" : "with row heads") + last);
   }
 
-  // The first cells, and whether they are selected.
-  void AddRows(const QTableView& view, int depth) {
+  // The first cells, whether they are selected, what lies below a row, and what is told of the one that is current.
+  void AddRows(const QAbstractItemView& view, int depth, const QModelIndex& parent = {}) {
     constexpr int kMost = 12;
     const QAbstractItemModel* model = view.model();
-    for (int row = 0; model && row < std::min(model->rowCount(), kMost); ++row) {
+    for (int row = 0; model && row < std::min(model->rowCount(parent), kMost); ++row) {
       QStringList cells;
-      for (int column = 0; column < std::min(model->columnCount(), kMost); ++column) {
-        const QModelIndex index = model->index(row, column);
+      for (int column = 0; column < std::min(model->columnCount(parent), kMost); ++column) {
+        const QModelIndex index = model->index(row, column, parent);
         const bool isSelected = view.selectionModel()->isSelected(index);
         cells << (isSelected ? "*" : "") + index.data().toString();
       }
       const QString text = cells.join('|');
-      if (QString(text).remove('|').isEmpty()) continue;
-      Add(depth, "row " + std::to_string(row) + " " + text.toStdString());
+      if (!QString(text).remove('|').isEmpty()) Add(depth, "row " + std::to_string(row) + " " + text.toStdString());
+      AddRows(view, depth + 1, model->index(row, 0, parent));
     }
     const QModelIndex current = view.currentIndex();
-    if (current.isValid()) Add(depth, "at " + std::to_string(current.row()) + "," + std::to_string(current.column()));
+    if (parent.isValid() || !current.isValid()) return;
+    Add(depth, "at " + std::to_string(current.row()) + "," + std::to_string(current.column()));
+    for (const int role : {Qt::AccessibleTextRole, Qt::ToolTipRole}) {
+      const QString told = current.data(role).toString().replace('\n', " / ");
+      if (!told.isEmpty()) Add(depth + 1, told.toStdString());
+    }
+    for (const QWidget* editor : view.viewport()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+      if (editor->isVisible()) AddWidget(*editor, depth + 1);
+    }
   }
 
   void AddKeys(const QWidget& window) {

@@ -165,6 +165,23 @@ class WindowSteps {
            on.template In<QLineEdit>("fileNameEdit").setText(QString::fromStdString(on.File(of.name).string()));
            static_cast<QDialog*>(QApplication::activeModalWidget())->accept();
          }},
+        {"item",  // of a menu
+         [](auto& on, const Argument& of) {
+           for (QAction* item : on.template In<QAction>(of.name).menu()->actions()) {
+             if (item->text() == of.Words()) return on.Do(*item);
+           }
+           throw std::runtime_error("there is no such item");
+         }},
+        {"colours",  // that fill more than a hundredth of a control each
+         [](auto& on, const Argument& of) {
+           const QImage image = on.template In<QWidget>(of.name).grab().toImage();
+           std::map<QRgb, int> dots;
+           for (int at = 0; at < image.width() * image.height(); ++at)
+             ++dots[image.pixel(at % image.width(), at / image.width())];
+           for (const auto& [colour, count] : dots) {
+             if (100 * count > image.width() * image.height()) on.Add(QColor(colour).name().toStdString());
+           }
+         }},
         {"escape", [](auto&, const Argument&) { QTest::keyClick(Front(), Qt::Key_Escape); }},
         {"close", [](auto&, const Argument&) { Front()->close(); }},
         {"wait",  // for a text in a label or a heading
@@ -219,7 +236,7 @@ class WindowSteps {
     for (const QWidget* window : QApplication::topLevelWidgets()) {
       const bool isTimed = window->objectName() == "frmMain" || window->objectName() == "frmDataTypesView";
       const bool isBehind = Front() && Front() != window;
-      const bool isOurs = window->inherits("QDialog") || window->inherits("QMainWindow");
+      const bool isOurs = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
       const bool isMeant = isOurs && !window->inherits("QFileDialog") && !(isTimed && isBehind);
       if (isMeant && window->isVisible()) windows.push_back(window);
     }

@@ -42,6 +42,7 @@ TEST_P(WindowStepsTest, EachStepChangesWhatItDid) {
   std::string again;
   PutDownloadFiles(home.Path());
   home.PutCopy("Templates", KV_TEST_DATA "/../runtime/Templates");
+  home.PutCopy("help/pages", KV_HELP_FOLDER "/pages");
   for (const Session& session : SessionsOf(written)) {
     PutLink("Transport=sim\r\nModel=" + session.head.front().substr(3) + "\r\n");
     for (const std::string& line : session.head) {
@@ -68,7 +69,8 @@ TEST_P(WindowStepsTest, EachStepChangesWhatItDid) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Windows, WindowStepsTest,
-                         testing::Values("cloner", "downloader", "importing", "link", "main", "operands", "panel"),
+                         testing::Values("cloner", "downloader", "help", "importing", "link", "main", "operands",
+                                         "panel"),
                          [](const auto& made) { return std::string(made.param); });
 
 }  // namespace
