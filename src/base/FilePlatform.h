@@ -24,6 +24,9 @@ namespace kv {
 // leaves both files alone, when there is something of that name.
 [[nodiscard]] std::error_code MoveToFreeName(const std::filesystem::path& to, const std::filesystem::path& from);
 
+// Copies `from` to the name `to`, over what has it.
+[[nodiscard]] std::error_code CopyOver(const std::filesystem::path& from, const std::filesystem::path& to);
+
 // What the system says of an error, in UTF-8 and without a line end.
 [[nodiscard]] std::string SystemMessage(const std::error_code& code);
 

@@ -76,6 +76,12 @@ std::error_code MoveToFreeName(const fs::path& to, const fs::path& from) {
   return ReplaceFileWith(to, from);
 }
 
+std::error_code CopyOver(const fs::path& from, const fs::path& to) {
+  std::error_code error;
+  fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
+  return error;
+}
+
 std::string SystemMessage(const std::error_code& code) {
   return code.message();
 }

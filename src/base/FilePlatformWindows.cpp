@@ -54,6 +54,11 @@ std::error_code MoveToFreeName(const fs::path& to, const fs::path& from) {
   return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0 ? std::error_code{} : LastError();
 }
 
+// The library's own call takes any two files of one drive for the same file, and refuses.
+std::error_code CopyOver(const fs::path& from, const fs::path& to) {
+  return CopyFileW(from.c_str(), to.c_str(), FALSE) != 0 ? std::error_code{} : LastError();
+}
+
 // The library would give it in the code page of the user's language.
 std::string SystemMessage(const std::error_code& code) {
   constexpr DWORD kLongest = 1024;

@@ -60,9 +60,7 @@ std::optional<Grid> LoadHalf(const fs::path& file, std::string_view model, std::
 std::error_code CopyToOld(const fs::path& file) {
   fs::path old = file;
   old += ".old";
-  std::error_code error;
-  fs::copy_file(file, old, fs::copy_options::overwrite_existing, error);
-  return error;
+  return CopyOver(file, old);
 }
 
 // Copies a file of which something is left out: the next save writes over it.

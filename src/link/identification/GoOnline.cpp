@@ -192,8 +192,7 @@ class OnlineSequence {
   }
 
   void HandOverCopy(const std::filesystem::path& source, const std::filesystem::path& copy) {
-    std::error_code error;
-    std::filesystem::copy_file(source, copy, std::filesystem::copy_options::overwrite_existing, error);
+    std::error_code error = CopyOver(source, copy);
     if (!error) {
       // The host writes into it, and the file that was copied may be read-only.
       std::filesystem::permissions(copy, std::filesystem::perms::owner_write, std::filesystem::perm_options::add,
