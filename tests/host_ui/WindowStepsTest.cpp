@@ -12,6 +12,7 @@
 #include "tests/download/Samples.h"
 #include "tests/host_ui/WindowFixture.h"
 #include "tests/host_ui/WindowSteps.h"
+#include "tests/support/Recorded.h"
 
 namespace kv::test {
 namespace {
@@ -56,16 +57,7 @@ TEST_P(WindowStepsTest, EachStepChangesWhatItDid) {
     Run([&](QMainWindow&) { again += WindowSteps(home, session.steps).Do(); });
   }
   if (qEnvironmentVariableIsSet("KV_RENEW_LOOKS") && !HasFailure()) std::ofstream(file, std::ios::binary) << again;
-  std::istringstream now(again);
-  std::istringstream before(written);
-  std::string step;
-  std::string line;
-  for (std::string expected; std::getline(before, expected);) {
-    if (!std::getline(now, line)) line = "the end";
-    if (line.starts_with("> ")) step = line;
-    ASSERT_EQ(line, expected) << step;
-  }
-  EXPECT_FALSE(std::getline(now, line)) << line;
+  test::ExpectSameLines(again, written, "> ");
 }
 
 INSTANTIATE_TEST_SUITE_P(Windows, WindowStepsTest,
