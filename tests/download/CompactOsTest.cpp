@@ -294,6 +294,30 @@ TEST(CompactOs, ALinkThatCannotBeSetIsOpenedAgain) {
   EXPECT_EQ(link.calls.back(), "OpenLink 0 9600");
 }
 
+// A boot loader at once, whose test and erase are answered with something else twice.
+struct BootChannel final : FakeChannel {
+  int tests = 2;
+  int erases = 2;
+
+  std::optional<CommandReply> SendCommand(std::string_view command) override {
+    if (command == "FI") return CommandReply{tests-- > 0 ? "FI1000" : "FI2000"};
+    if (command == "OSS") return CommandReply{erases-- > 0 ? "OS1000" : "OS0000"};
+    return CommandReply{"XXOK00"};
+  }
+};
+
+TEST(CompactOs, AsksAgainAfterExactPausesWhileTheFlashIsNotReady) {
+  Desk desk;
+  VirtualPacer pacer;
+  const DownloadOrder order;
+  BootChannel link;
+  link.succeeds = true;
+  DownloadWork work(link, desk, desk, pacer, order);
+  CompactBootLoader boot(work, CompactKind::PR1, 0);
+  EXPECT_TRUE(boot.EraseFlash());
+  EXPECT_EQ(pacer.Now() - Instant(), 5s + 2 * 500ms + 2 * 1s);
+}
+
 TEST(CompactOs, AnApplicationGoesFromOneControllerIntoAnother) {
   CompactOsFixture from(Plc("Q51"), false);
   CompactOsFixture to(Plc("Q51"), false);
