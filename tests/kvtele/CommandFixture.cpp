@@ -1,8 +1,5 @@
 #include "tests/kvtele/CommandFixture.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <sstream>
 #include <utility>
 
@@ -35,18 +32,6 @@ std::vector<std::string> CommandFixture::WordsOf(const std::string& line) const 
     if (word.starts_with('@')) word = PathOf(word.substr(1));
   }
   return words;
-}
-
-Result CommandFixture::ExpectFailure(const FailingCommand& command) {
-  SCOPED_TRACE(std::string(command.line) + " " + command.fault);
-  if (*command.fault) options.faults = {command.fault};
-  Result result = Run(std::string("--json ") + command.line);
-  EXPECT_EQ(result.exit, command.exit);
-  EXPECT_THAT(result.out, ::testing::StartsWith("{\n  \"error\": {\n    \"code\": \"" + std::string(command.name) +
-                                                "\",\n    \"exit\": " + std::to_string(command.exit) + ",\n"));
-  EXPECT_THAT(result.err, ::testing::HasSubstr(command.message));
-  EXPECT_THAT(result.err, ::testing::Not(::testing::HasSubstr("\"error\"")));
-  return result;
 }
 
 Result CommandFixture::Run(const std::string& line) {

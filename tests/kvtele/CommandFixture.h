@@ -23,15 +23,6 @@ struct Result {
   std::string trace;  // what passed on the line
 };
 
-// A command that fails, and what is told of it.
-struct FailingCommand {
-  const char* line;     // as for CommandFixture::Run
-  int exit;             // the exit code, and the name of the failure in JSON: for scripts
-  const char* name;     //
-  const char* message;  // the part of the text that helps a person
-  const char* fault = "";
-};
-
 // Runs commands in this process, on a virtual clock and on simulated controllers. A controller lives as long as the
 // fixture, so one command finds what another has written.
 class CommandFixture {
@@ -56,8 +47,6 @@ class CommandFixture {
   Result Run(const std::string& line);
   // `kvtele --link sim:MODEL LINE`
   Result On(const std::string& model, const std::string& line) { return Run("--link sim:" + model + " " + line); }
-  // Runs the command with --json and expects that it says all of that, and nothing else on its standard output.
-  Result ExpectFailure(const FailingCommand& command);
   [[nodiscard]] std::string PathOf(const std::string& name) const;
   // A new controller, with the options as they are then, takes the place of `model` for the next connection.
   void ReplaceController(const std::string& model) { mReplaced.push_back(std::move(mControllers[model])); }

@@ -9,7 +9,6 @@ namespace {
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 struct DownloadVerbs : ::testing::Test {
   CommandFixture fixture;
@@ -78,57 +77,6 @@ TEST_F(DownloadVerbs, ABootLoaderIsFoundAtItsSpeed) {
   EXPECT_EQ(fixture.Run("--link serial:COM3,19200 read MI 0").exit, 3) << "whoever does not download is not surprised";
   EXPECT_EQ(refused.exit, 4);
   EXPECT_THAT(refused.err, AllOf(HasSubstr("found at 57600 baud"), HasSubstr("if there is still one in it")));
-}
-
-TEST_F(DownloadVerbs, FailWithACodeForScriptsAndSayWhatIsLeft) {
-  const FailingCommand rows[] = {
-      {"--link sim:Q50 download project @hall.d50 --yes", 5, "differs", "at address 000040 of the project memory",
-       "lie:on=LD,nth=2"},
-      {"--link sim:K220-22-R1 download project @hall.dai --yes", 7, "unsure", "what it held before is still there",
-       "lost:on=block,nth=3,away=60000"},
-      {"--link sim:Q50 download project @hall.d50 --yes", 4, "refused", "old project is erased",
-       "refuse:on=LD,code=0D"},
-      {"--link sim:K220-22-R1 download os --yes", 4, "refused", "wants --lose-project and --lose-values",
-       "refuse:on=block,nth=4,code=0F"},
-      {"--link sim:K220-22-R1 download os --yes", 7, "linkLost", "still be programming the new O/S",
-       "lost:dir=in,on=block,nth=13,away=600000"},
-      {"--link sim:K220-22-R1 download project @hall.dai --yes", 5, "differs", "counts 2 topics instead of 3",
-       "lie:on=block,nth=5"},
-      {"--link sim:K220-22-R1 download project @hall.dai --yes", 7, "unsure", "wants --end-load, too",
-       "lost:on=block,nth=5,away=60000"},
-  };
-  for (const FailingCommand& row : rows) {
-    fixture.ReplaceController("Q50");
-    fixture.ReplaceController("K220-22-R1");
-    fixture.options.faults.clear();
-    fixture.ExpectFailure(row);
-  }
-  // Each of the four downloads, its reset the n-th command that begins with "CC": it never comes back, or as another.
-  const std::pair<const char*, int> downloads[] = {
-      {"--link sim:K220-22-R1 --yes download project @hall.dai", 2},
-      {"--link sim:Q50 --yes download project @hall.d50", 2},
-      {"--link sim:K220-22-R1 --yes download os", 2},
-      {"--link sim:Q51 --yes download os", 4},
-  };
-  for (const auto& [line, reset] : downloads) {
-    const std::string model = std::string(line).substr(11, line[11] == 'K' ? 10 : 3);
-    for (const bool isExchanged : {false, true}) {
-      fixture.options.faults.clear();
-      fixture.options.serialNumber = 1;
-      fixture.ReplaceController(model);
-      fixture.pacer.OnTurn([&, told = std::make_shared<bool>(false)] {
-        const std::string trace = TemporaryFolder::Content(fixture.home.Path() / "trace.txt");
-        if (!isExchanged || *told || !trace.contains("/01CCE")) return;
-        *told = true;
-        fixture.options.serialNumber = 2;
-        fixture.ReplaceController(model);
-      });
-      const std::string fault =
-          "lost:on=CC,nth=" + std::to_string(reset) + ",away=" + (isExchanged ? "3000" : "600000");
-      fixture.ExpectFailure({line, 7, isExchanged ? "otherController" : "linkLost", "Likely cause", fault.c_str()});
-      fixture.pacer.OnTurn(nullptr);
-    }
-  }
 }
 
 }  // namespace

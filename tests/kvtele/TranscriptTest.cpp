@@ -3,8 +3,8 @@
 //
 // "## ..." begins a session with new controllers, "% WORD TEXT" prepares something, "$ ..." is a command line. What
 // follows is what came of it: "! ..." stood on standard error, "= N" is the exit code where it is not 0. The words of
-// the parser's library are left out, which change with its version. "$ cat NAME" shows a file, "$ trace WORD" what
-// passed on the line during the command before, from the first line with that word on.
+// the parser's library are left out, which change with its version. "$ cat NAME" shows a file, "$ ls NAME" what is in a
+// folder, "$ trace WORD" what passed on the line during the command before, from the first line with that word on.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <regex>
+#include <set>
 #include <sstream>
 
 #include "KvTele2/PagesFile.h"
@@ -38,6 +39,14 @@ std::string Unescaped(std::string text) {
   for (const auto& [written, meant] : {std::pair("\\r", "\r"), {"\\n", "\n"}, {"\\t", "\t"}, {"\\0", "\xFF"}})
     text = Replaced(text, written, meant);
   return text;
+}
+
+std::string NamesIn(const std::filesystem::path& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) names.insert(entry.path().filename().string());
+  std::string lines;
+  for (const std::string& name : names) lines += name + "\n";
+  return lines;
 }
 
 class Session {
@@ -68,6 +77,17 @@ const std::map<std::string, Session::Preparation>& Session::Preparations() {
       {"unit", [](Session& s, const std::string& text) { s.mFixture.options.unit = std::uint8_t(std::stoi(text)); }},
       {"memory", [](Session& s, const std::string& text) { s.mFixture.options.memorySeed = std::stoul(text); }},
       {"baud", [](Session& s, const std::string& text) { s.mFixture.options.baud = std::stoi(text); }},
+      {"nowhere",  // is a place for files
+       [](Session& s, const std::string&) { s.mFixture.places = ProgramPlaces{s.File("nowhere"), {}}; }},
+      {"exchanged-behind-reset",  // a controller, by one with another serial number
+       [](Session& s, const std::string& model) {
+         s.mFixture.pacer.OnTurn([&s, model, isDone = false]() mutable {
+           if (isDone || !TemporaryFolder::Content(s.File("trace.txt")).contains("/01CCE")) return;
+           isDone = true;
+           s.mFixture.options.serialNumber = s.mFixture.options.serialNumber.value_or(0) + 1;
+           s.mFixture.ReplaceController(model);
+         });
+       }},
       {"replace", [](Session& s, const std::string& text) { s.mFixture.ReplaceController(text); }},
       {"variable", [](Session& s, const std::string& text) { s.mFixture.password = Secret(text); }},
       {"records", [](Session& s, const std::string&) { s.mFixture.recordsChanges = true; }},
@@ -95,7 +115,7 @@ const std::map<std::string, Session::Preparation>& Session::Preparations() {
       {"file",
        [](Session& s, const std::string& text) {
          const auto [name, content] = Halves(text);
-         PutFile(s.File(name), Unescaped(content));
+         PutFile(s.File(name), Unescaped(Replaced(content, "HOME", s.mFixture.home.Path().string())));
        }},
       {"copy",
        [](Session& s, const std::string& text) {
@@ -148,6 +168,7 @@ std::string Session::Lines(const std::string& text, const char* mark) const {
 
 std::string Session::Run(const std::string& line) {
   if (line.starts_with("cat ")) return Lines(TemporaryFolder::Content(File(line.substr(4))), "");
+  if (line.starts_with("ls ")) return NamesIn(File(line.substr(3)));
   if (line.starts_with("trace")) return TrafficText(mTrace, line.substr(std::min<std::size_t>(6, line.size())));
   const Result result = mFixture.Run(line);
   mTrace = result.trace;

@@ -1,7 +1,10 @@
+// What the transcripts do not hold: what is equal, and what is the same on every system.
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "base/PathText.h"
+#include <filesystem>
+
 #include "tests/kvtele/CommandFixture.h"
 
 namespace kv::test {
@@ -10,17 +13,6 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
-
-TEST(Paths, AreToldAndRefusedWhereNothingCanBeWritten) {
-  CommandFixture fixture;
-  EXPECT_THAT(fixture.Run("paths").out, HasSubstr("home             " + Utf8FromPath(fixture.home.Path()) + "\n"));
-  EXPECT_THAT(fixture.Run("--home @x --json paths").out, HasSubstr("\"because\": \"named by --home\""));
-  fixture.places = ProgramPlaces{fixture.home.Path() / "nowhere", {}};
-  for (const char* line : {"paths", "sessions list", "--link sim:Q50 identify"}) {
-    fixture.ExpectFailure({line, 1, "failed", "there is no folder for the sessions"});
-  }
-  EXPECT_EQ(fixture.Run("ports").exit, 0);
-}
 
 TEST(Help, BeginsWithExamplesAndGoesToStandardOutput) {
   CommandFixture fixture;
@@ -37,39 +29,50 @@ TEST(Help, BeginsWithExamplesAndGoesToStandardOutput) {
   EXPECT_THAT(fixture.Run("--version").out, ::testing::MatchesRegex("kvtele \\w+\\.\\w+\\.\\w+\n"));
 }
 
-TEST(Online, TellsWithWhatItIsOnLineAndLeavesTheSessionAlone) {
+TEST(CacheVerb, DrawsTheSamePictureWithoutAskingForMore) {
   CommandFixture fixture;
-  fixture.home.Put("plant.ktc", "fonts");
-  const std::string settings =
-      "[KvTeleExe]\r\nLastModel=K230\r\nRecentCache0=" + fixture.PathOf("plant.ktc") + "*Plant\r\n";
-  const auto ini = fixture.home.Put("Sessions/Default/KvTeleExe.ini", settings);
-  const Result result = fixture.On("K670-T40", "online");
-  EXPECT_EQ(result.exit, 0);
-  EXPECT_EQ(result.err, "No project was compared: name a Telepanel file with --project.\n");
-  EXPECT_THAT(result.out,
-              HasSubstr("\nreported as    K670-67-T40 / K390-29-T40\nhardware code  67\nO/S            1.10\n"
-                        "build          19\n"));
-  EXPECT_THAT(result.out, HasSubstr("plant.ktc"));
-
-  // The model decides how the controller is asked.
-  const Result misfit = fixture.On("Q50", "online --json");
-  EXPECT_THAT(misfit.out, HasSubstr("\"panelInformation\": null"));
-  EXPECT_THAT(misfit.err, StartsWith("The controller is a Q50-2-R34, but it was served as the session's model, K230"));
-  EXPECT_THAT(fixture.On("Q50", "--model Q50 online --json").out, HasSubstr("\"panelInformation\": 3"));
-  EXPECT_THAT(fixture.Run("online").out, HasSubstr("Simulated K230")) << "a session without a link has its model's";
-
-  EXPECT_EQ(TemporaryFolder::Content(ini), settings);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(ini.parent_path()), {}), 1) << "nothing was added";
+  ASSERT_EQ(fixture.On("K670", "--session Default --yes cache import @a.ktc").exit, 0);
+  EXPECT_TRUE(std::filesystem::exists(fixture.home.Path() / "Sessions/Default/tmpfile.ktc"));
+  ASSERT_EQ(fixture.On("K670", "screen --png @full.png --fetch").exit, 0);
+  const Result drawn = fixture.On("K670", "screen --png @cached.png --cache @a.ktc");
+  EXPECT_THAT(drawn.trace, Not(HasSubstr("directory"))) << "the description alone tells that the cache is current";
+  const auto picture = [&](const char* name) { return TemporaryFolder::Content(fixture.home.Path() / name); };
+  EXPECT_EQ(picture("cached.png"), picture("full.png"));
 }
 
-TEST(Screen, FollowsWhatChangesAndOperatesNothing) {
+TEST(CloneVerbs, ASparePartWithAnotherUnitAndDataInAnErasedSegmentCanBeRestored) {
   CommandFixture fixture;
-  ASSERT_EQ(fixture.On("K670", "--yes press Start").exit, 0);
-  const Result watched = fixture.On("K670", "screen --watch --text --count 3");
-  EXPECT_EQ(watched.exit, 0) << watched.err;
-  EXPECT_THAT(watched.out, HasSubstr("RUNNING"));
-  EXPECT_THAT(watched.trace, Not(HasSubstr("panel: ")));
-  EXPECT_THAT(watched.trace, Not(HasSubstr("panel event")));
+  const auto on = [&](const std::string& line) { return fixture.On("AurexQ50", "--password 1 " + line); };
+  ASSERT_EQ(on("clone create @plc.kdf --stop").exit, 0);
+  const std::string file = fixture.PathOf("plc.kdf");
+  std::string content = TemporaryFolder::Content(file);
+  for (std::size_t at = 0; (at = content.find("/01WDF0030")) != std::string::npos;) {
+    content.erase(at, content.find('\n', at) + 1 - at);  // as if AP had been erased
+  }
+  fixture.home.Put("plc.kdf", content);
+  const Result misfit = on("clone restore @plc.kdf --yes");
+  EXPECT_EQ(misfit.exit, 4);
+  EXPECT_THAT(misfit.err, HasSubstr("not as recorded: AP."));
+  std::filesystem::remove(file + ".manifest");
+
+  fixture.options.unit = 7;
+  fixture.options.memorySeed = 2;
+  fixture.ReplaceController("AurexQ50");
+  const std::string restore = "--unit 7 clone restore @plc.kdf --yes --verify ";
+  for (const char* forced : {"", "--force"}) {  // unit 1 may be a machine on the same line
+    const Result refused = on(restore + forced);
+    EXPECT_EQ(refused.exit, 4);
+    EXPECT_THAT(refused.err, HasSubstr("--unit-from-controller"));
+    EXPECT_THAT(refused.trace, Not(HasSubstr("WD")));
+  }
+  const Result differs = on(restore + "--unit-from-controller --backup @b.kdf --stop");
+  EXPECT_EQ(differs.exit, 5) << differs.err;
+  EXPECT_THAT(differs.err, HasSubstr("What the controller holds in AP stays"));
+  EXPECT_THAT(differs.err, HasSubstr("--erase-empty erases it"));
+  EXPECT_EQ(on(restore + "--unit-from-controller --erase-empty").exit, 0);
+  EXPECT_EQ(TemporaryFolder::Content(file), content);
+
+  EXPECT_EQ(on("--unit 7 clone restore @b.kdf --yes --verify").exit, 0);
 }
 
 }  // namespace
