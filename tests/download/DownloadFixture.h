@@ -28,7 +28,7 @@ namespace kv::test {
 
 // The user: takes the files that are preselected and says yes, but to sending again.
 struct Desk : DownloadWindow, KnowingPrompts, SilentCloner {
-  std::vector<std::string> log;   // all that is shown or sent: "(!) Title: text", "Status text", "Bar 12", "CCS"
+  std::vector<std::string> log;   // all that is shown or sent: "(!) Title: text [OK]", "Status text", "Bar 12", "CCS"
   std::vector<std::string> said;  // "Title: the first line of the text", and "(bios)"
   std::vector<MessageBox> boxes;
   std::string declined;        // questions that hold this are answered with No,
@@ -68,13 +68,16 @@ struct Desk : DownloadWindow, KnowingPrompts, SilentCloner {
   std::optional<std::size_t> ChooseCompactOs(const FileList& list) override { return list.preselected; }
   BiosAnswer WarnOfIncompatibleBios() override {
     said.emplace_back("(bios)");
+    log.emplace_back("(bios)");
     return bios;
   }
   PromptAnswer Show(const MessageBox& box) override {
     said.push_back(box.title + ": " + box.text.substr(0, box.text.find("\r\n")));
     boxes.push_back(box);
     const char sign = " i!?x"[static_cast<std::size_t>(box.icon)];
-    log.push_back(std::string("(") + sign + ") " + box.title + ": " + box.text);
+    const char* const buttons[] = {" [OK]", " [OK, Cancel]", " [Yes, No]"};
+    log.push_back(std::string("(") + sign + ") " + box.title + ": " + box.text +
+                  buttons[static_cast<std::size_t>(box.buttons)] + (box.canLose ? ", can lose" : ""));
     if (onBox) onBox(box);
     if (box.text.ends_with("Retry?")) return retries-- > 0 ? PromptAnswer::Yes : PromptAnswer::No;
     EXPECT_TRUE(box.canLose || box.buttons == PromptButtons::Ok) << box.text;
