@@ -31,6 +31,7 @@ class QtEnvironment final : public ::testing::Environment {
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);  // the choice of a file, which no test could drive
 #else
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("FONTCONFIG_FILE", KV_TEST_DATA "/support/fonts/fonts.conf");  // none of the machine's fonts
 #endif
     mApplication = std::make_unique<QApplication>(mCount, mArguments);
   }

@@ -14,14 +14,14 @@
 #include <QTableWidget>
 #include <QToolBar>
 #include <fstream>
-#include <sstream>
 
 #include "KvTele2/PagesFile.h"
 #include "apps/KvTeleExe/ToolWindowTable.h"
 #include "base/ScopeGuard.h"
 #include "tests/desktop_ui/UsableWindow.h"
 #include "tests/host_ui/WindowFixture.h"
-#include "tests/host_ui/WindowLook.h"
+#include "tests/host_ui/WindowPlaces.h"
+#include "tests/support/Recorded.h"
 
 namespace kv::test {
 namespace {
@@ -182,7 +182,11 @@ TEST_F(MainWindowTest, AnotherSessionIsActivatedInItsWindow) {
 TEST_F(MainWindowTest, EveryWindowReadsAsItIsWrittenDown) {
   home.PutCopy("help/pages", KV_HELP_FOLDER "/pages");
   std::string looks;
-  const auto add = [&](const QWidget& window) { looks += WindowLook(window).Text(); };
+  const auto add = [&](const QWidget& window) {
+    std::string places;
+    EXPECT_TRUE(WaitUntil([&] { return std::exchange(places, PlacesText(window)) == places; }));
+    looks += WindowLook(window).Text() + places;
+  };
   const auto addNext = [&](QWidget& window, const char* command) {
     WhenOpen<QDialog>(window, [&](QDialog& dialog) {
       EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog, kPatience));
@@ -227,11 +231,7 @@ TEST_F(MainWindowTest, EveryWindowReadsAsItIsWrittenDown) {
               .toStdString();
   const std::filesystem::path file = KV_TEST_DATA "/host_ui/looks.txt";
   if (qEnvironmentVariableIsSet("KV_RENEW_LOOKS")) std::ofstream(file) << looks;
-  std::istringstream is(looks);
-  std::istringstream written(TemporaryFolder::Content(file));
-  std::string line;
-  for (std::string expected; std::getline(written, expected) && std::getline(is, line);) ASSERT_EQ(line, expected);
-  EXPECT_FALSE(std::getline(is, line) || std::getline(written, line)) << line;
+  ExpectSameLines(ToldHere(looks), ToldHere(TemporaryFolder::Content(file)), "Q");
 }
 
 TEST_F(MainWindowTest, EveryToolWindowOpensFromTheMenu) {

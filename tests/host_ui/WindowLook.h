@@ -1,19 +1,33 @@
 #pragma once
 
 #include <QAction>
+#include <QActionGroup>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
+#include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMainWindow>
 #include <QMenu>
 #include <QMessageBox>
 #include <QMetaProperty>
 #include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QScrollArea>
 #include <QSplitter>
+#include <QStackedWidget>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTextBrowser>
 #include <QToolBar>
+#include <QToolButton>
+#include <QTreeView>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -40,59 +54,33 @@ class WindowLook {
   [[nodiscard]] const std::string& Text() const { return mText; }
 
  private:
-  struct Property {
-    const char* name;
-    std::vector<std::string> usual = {""};  // not worth a word
-  };
-  static const std::vector<Property>& Properties() {
-    static const std::vector<Property> properties = {
-        {"windowTitle"},
-        {"title"},
-        {"text"},
-        {"source"},
-        {"currentText"},
-        {"shortcut"},
-        {"toolTip"},
-        {"accessibleName"},
-        {"placeholderText"},
-        {"enabled", {"true"}},
-        {"default", {"false"}},
-        {"autoDefault", {"false"}},
-        {"checkable", {"false"}},
-        {"checked", {"false"}},
-        {"readOnly", {"false"}},
-        {"insertPolicy", {"InsertAtBottom"}},
-        {"wordWrap", {"false"}},
-        {"textFormat", {"AutoText"}},
-        {"textInteractionFlags", {"LinksAccessibleByMouse"}},
-        {"margin", {"0"}},
-        {"alignment", {"", "AlignLeading|AlignVCenter", "AlignLeft|AlignLeading"}},
-        {"frameShape", {"NoFrame", "StyledPanel"}},
-        {"toolButtonStyle", {"ToolButtonIconOnly"}},
-        {"iconSize", {"16", "-1"}},
-        {"widgetResizable", {"false"}},
-        {"autoFillBackground", {"false"}},
-        {"selectionBehavior", {"SelectItems"}},
-        {"selectionMode", {"ExtendedSelection"}},
-        {"editTriggers", {"DoubleClicked|EditKeyPressed|AnyKeyPressed"}},
-        {"tabKeyNavigation", {"true"}},
-        {"childrenCollapsible", {"true"}},
-        {"echoMode", {"Normal"}},
-        {"maxLength", {"32767"}},
-        {"maximum"},
-        {"value"},
-        {"modal", {"false"}},
-        {"acceptDrops", {"false", "true"}},
-        {"alternatingRowColors", {"false"}},
-        {"showGrid", {"true"}},
-        {"sortingEnabled", {"false"}},
-        {"textElideMode", {"ElideRight"}},
-        {"lineWrapMode", {"WidgetWidth"}},
-        {"tabChangesFocus", {"false"}},
-        {"horizontalScrollBarPolicy", {"ScrollBarAsNeeded"}},
-        {"verticalScrollBarPolicy", {"ScrollBarAsNeeded"}},
-    };
-    return properties;
+  template <typename... Kind>
+  static std::map<std::string, const QObject*> NewOnes() {
+    return {{Kind::staticMetaObject.className(), new Kind}...};
+  }
+  // One of the toolkit's kind that nobody has changed. They stay until the program ends, as widgets may.
+  static const QObject& NewOne(const QObject& like) {
+    static const auto kinds =
+        NewOnes<QObject, QAction, QWidget, QFrame, QLabel, QLineEdit, QPushButton, QToolButton, QCheckBox, QRadioButton,
+                QComboBox, QTableView, QTreeView, QListView, QPlainTextEdit, QTextBrowser, QProgressBar, QSplitter,
+                QScrollArea, QTabWidget, QStackedWidget, QToolBar, QDialog, QMainWindow, QMenu, QGroupBox>();
+    const QMetaObject* kind = like.metaObject();
+    while (!kinds.contains(kind->className())) kind = kind->superClass();
+    return *kinds.at(kind->className());
+  }
+  // What is told otherwise, what is a place, and what the toolkit alone decides.
+  static bool IsUntold(const char* property) {
+    static const QStringList untold =
+        QString(
+            "acceptableInput backButtonAvailable baseSize blockCount childrenRect childrenRegion count "
+            "currentData currentIndex cursor cursorPosition cursorWidth displayText document down focus font "
+            "forwardButtonAvailable frameGeometry frameRect frameSize frameWidth geometry hasSelectedText height "
+            "html iconText isActiveWindow layoutDirection locale markdown maximized maximumHeight maximumSize "
+            "maximumWidth minimized minimumHeight minimumSize minimumSizeHint minimumWidth modified "
+            "mouseTracking normalGeometry objectName palette picture pixmap plainText pos rect redoAvailable "
+            "searchPaths size sizeHint sizeIncrement undoAvailable visible width windowIcon windowIconText x y ")
+            .split(' ');
+    return untold.contains(property);
   }
 
   void Add(int depth, const std::string& line) {
@@ -108,24 +96,58 @@ class WindowLook {
     const QVariant value = property.read(&object);
     if (property.isEnumType()) return property.enumerator().valueToKeys(value.toInt()).toStdString();
     if (value.typeId() == QMetaType::QSize) return std::to_string(value.toSize().height());
+    if (value.typeId() == QMetaType::QIcon) return value.value<QIcon>().name().toStdString();
+    if (value.typeId() == QMetaType::QSizePolicy) {
+      const auto policy = value.value<QSizePolicy>();
+      const int numbers[] = {policy.horizontalPolicy(), policy.verticalPolicy(), policy.horizontalStretch(),
+                             policy.verticalStretch()};
+      return QString("%1,%2,%3,%4").arg(numbers[0]).arg(numbers[1]).arg(numbers[2]).arg(numbers[3]).toStdString();
+    }
     return value.toString().replace('\n', " / ").toStdString();
   }
 
-  static std::string Facts(const QObject& object) {
-    std::string facts = " " + object.objectName().toStdString();
-    for (const auto& [name, usual] : Properties()) {
-      const int at = object.metaObject()->indexOfProperty(name);
-      if (at < 0) continue;
-      const std::string value = Value(object, object.metaObject()->property(at));
-      if (std::ranges::find(usual, value) == usual.end()) facts += std::string(" ") + name + "=" + value;
+  // All that somebody has set, that of the object's own class before that of those below it.
+  static std::string Properties(const QObject& object) {
+    std::string facts;
+    const QObject& usual = NewOne(object);
+    const std::string tip = object.property("toolTip").toString().replace('\n', " / ").toStdString();
+    for (const QMetaObject* kind = object.metaObject(); kind; kind = kind->superClass()) {
+      for (int at = kind->propertyOffset(); at < kind->propertyCount(); ++at) {
+        const QMetaProperty property = kind->property(at);
+        if (IsUntold(property.name())) continue;
+        const std::string value = Value(object, property);
+        const bool isKnown = at < usual.metaObject()->propertyCount();
+        if (value == (isKnown ? Value(usual, property) : "")) continue;
+        const bool isTip = std::string_view(property.name()) != "toolTip" && value == tip;
+        facts += std::string(" ") + property.name() + "=" + (isTip ? "tip" : value);
+      }
     }
+    for (const QByteArray& name : object.dynamicPropertyNames()) {
+      if (!name.startsWith("_q_") && name != "kvTip")
+        facts += " " + (name + "=" + object.property(name).toByteArray()).toStdString();
+    }
+    return facts;
+  }
+
+  static std::string Facts(const QObject& object) {
+    std::string facts = " " + object.objectName().toStdString() + Properties(object);
     if (const auto* label = dynamic_cast<const QLabel*>(&object); label && label->buddy()) {
       facts += " for " + NameOf(*label->buddy());
     }
     const auto* widget = dynamic_cast<const QWidget*>(&object);
+    if (widget && widget->isWindow()) facts += " icon " + widget->windowIcon().name().toStdString();
     if (widget && widget->font().bold()) facts += " bold";
     if (widget && widget->palette().color(QPalette::WindowText) == QColor(Qt::red)) facts += " red";
-    if (const auto* action = dynamic_cast<const QAction*>(&object); action && !action->isVisible()) facts += " hidden";
+    if (widget && !widget->inherits("QToolBar") && !widget->inherits("QMenu")) {
+      for (const QAction* action : widget->actions()) {
+        facts += " /" + (action->objectName().isEmpty() ? action->text() : action->objectName()).toStdString();
+      }
+    }
+    const auto* action = dynamic_cast<const QAction*>(&object);
+    if (action && !action->isVisible()) facts += " hidden";
+    const auto keys = action ? action->shortcuts() : QList<QKeySequence>();
+    if (keys.size() > 1) facts += " or " + keys.back().toString().toStdString();
+    if (action && action->actionGroup()) facts += " one of " + std::to_string(action->actionGroup()->actions().size());
     if (const auto* text = dynamic_cast<const QPlainTextEdit*>(&object)) {
       facts += " says " + text->toPlainText().replace('\n', " / ").toStdString();
     }
@@ -230,16 +252,21 @@ class WindowLook {
       const auto heading = [&](int role) { return view.model()->headerData(column, Qt::Horizontal, role); };
       const QVariant own = heading(Qt::TextAlignmentRole);
       const int alignment = own.isValid() ? own.toInt() : view.horizontalHeader()->defaultAlignment().toInt();
+      const QHeaderView& head = *view.horizontalHeader();
+      const int resized = static_cast<int>(head.sectionResizeMode(column));
+      const std::string told = heading(Qt::ToolTipRole).toString().toStdString();
       Add(depth, "column " + heading(Qt::DisplayRole).toString().toStdString() +
                      ((alignment & Qt::AlignLeft) != 0 ? " left" : "") +
-                     ((view.model()->index(0, column).data(Qt::TextAlignmentRole).toInt() & Qt::AlignRight) != 0
-                          ? " with cells at the right"
-                          : "") +
-                     (view.isColumnHidden(column) ? " hidden" : ""));
+                     (resized == 0 ? "" : " resized " + std::to_string(resized)) +
+                     (view.isColumnHidden(column) ? " hidden" : "") + (told.empty() ? "" : " tip " + told));
     }
+    Add(depth, "heads" + Properties(*view.horizontalHeader()) + (view.horizontalHeader()->isHidden() ? " hidden" : ""));
     const QHeaderView& rows = *view.verticalHeader();
-    const std::string last = view.horizontalHeader()->stretchLastSection() ? ", the last takes the rest" : "";
-    Add(depth, (rows.isHidden() ? "without row heads" : "with row heads") + last);
+    if (rows.isHidden()) return Add(depth, "without row heads");
+    std::string heads = "row heads";
+    for (int row = 0; row < view.model()->rowCount(); ++row)
+      heads += " " + view.model()->headerData(row, Qt::Vertical).toString().toStdString();
+    Add(depth, heads + Properties(rows));
   }
 
   // The first cells, whether they are selected, what lies below a row, and what is told of the one that is current.
@@ -255,6 +282,7 @@ class WindowLook {
       }
       const QString text = cells.join('|');
       if (!QString(text).remove('|').isEmpty()) Add(depth, "row " + std::to_string(row) + " " + text.toStdString());
+      for (int column = 0; column < cells.size(); ++column) AddCell(model->index(row, column, parent), depth + 1);
       AddRows(view, depth + 1, model->index(row, 0, parent));
     }
     const QModelIndex current = view.currentIndex();
@@ -267,6 +295,26 @@ class WindowLook {
     for (const QWidget* editor : view.viewport()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
       if (editor->isVisible()) AddWidget(*editor, depth + 1);
     }
+  }
+
+  // What a cell tells beside its text, and what can be done with it.
+  void AddCell(const QModelIndex& cell, int depth) {
+    const auto told = [&](int role) { return cell.data(role).toString().replace('\n', " / ").toStdString(); };
+    std::string facts;
+    for (const auto& [role, name] : {std::pair(Qt::ToolTipRole, " tip "),
+                                     {Qt::AccessibleTextRole, " read "},
+                                     {Qt::AccessibleDescriptionRole, " described "},
+                                     {Qt::CheckStateRole, " checked "}}) {
+      if (!told(role).empty()) facts += name + told(role);
+    }
+    const int alignment = cell.data(Qt::TextAlignmentRole).toInt();
+    if (alignment != 0) facts += " alignment " + std::to_string(alignment);
+    const auto icon = cell.data(Qt::DecorationRole).value<QIcon>();
+    if (!icon.isNull()) facts += " icon " + icon.name().toStdString();
+    constexpr int kUsual = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+    const int flags = cell.flags() & ~(Qt::ItemNeverHasChildren | Qt::ItemIsDragEnabled);
+    if (flags != kUsual) facts += " flags " + std::to_string(flags);
+    if (!facts.empty()) Add(depth, "cell " + std::to_string(cell.column()) + facts);
   }
 
   void AddKeys(const QWidget& window) {

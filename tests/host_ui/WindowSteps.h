@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDialog>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -19,6 +20,7 @@
 
 #include "tests/desktop_ui/QtFixture.h"
 #include "tests/host_ui/WindowLook.h"
+#include "tests/host_ui/WindowPlaces.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
@@ -78,8 +80,11 @@ class WindowSteps {
   // back.
   void Settle() {
     constexpr int kQuiet = 120;  // milliseconds
-    const auto isLent = [this] { return !Front() && In<QLabel>("lblLinkState").text() == "Used by a tool"; };
-    for (Lines before; before != AllLines() || isLent(); QTest::qWait(kQuiet)) before = AllLines();
+    const auto says = [this](const char* label, const char* text) { return In<QLabel>(label).text().startsWith(text); };
+    const auto isUnderWay = [&] {
+      return !Front() && (says("lblLinkState", "Used by a tool") || says("lblPanelMode", "Asking"));
+    };
+    for (Lines before; before != AllLines() || isUnderWay(); QTest::qWait(kQuiet)) before = AllLines();
   }
 
   // Closes what is open still.
@@ -100,12 +105,13 @@ class WindowSteps {
 
   template <typename Control>
   Control& In(const std::string& name) const {
-    if (const QWidget* front = Front()) {
-      if (auto* control = front->findChild<Control*>(name.c_str())) return *control;
-    }
-    for (const QWidget* window : QApplication::topLevelWidgets()) {
-      auto* control = window->isVisible() ? window->findChild<Control*>(name.c_str()) : nullptr;
-      if (control) return *control;
+    QWidgetList windows = QApplication::topLevelWidgets();
+    if (QWidget* front = Front()) windows.prepend(front);
+    for (QWidget* window : windows) {
+      if (!window->isVisible()) continue;
+      auto* itself = dynamic_cast<Control*>(window);
+      if (itself && window->objectName() == name.c_str()) return *itself;
+      if (auto* control = window->findChild<Control*>(name.c_str())) return *control;
     }
     throw std::runtime_error("there is no " + name);
   }
@@ -172,18 +178,31 @@ class WindowSteps {
            }
            throw std::runtime_error("there is no such item");
          }},
-        {"colours",  // that fill more than a hundredth of a control each
+        {"places",  // of all that stands in a window or in a part of it
+         [](auto& on, const Argument& of) { on.AddAll(PlacesText(on.template In<QWidget>(of.name))); }},
+        {"drawn",  // each stroke of a control
+         [](auto& on, const Argument& of) { on.AddAll(DrawnText(on.template In<QWidget>(of.name))); }},
+        {"resize",
          [](auto& on, const Argument& of) {
-           const QImage image = on.template In<QWidget>(of.name).grab().toImage();
-           std::map<QRgb, int> dots;
-           for (int at = 0; at < image.width() * image.height(); ++at)
-             ++dots[image.pixel(at % image.width(), at / image.width())];
-           for (const auto& [colour, count] : dots) {
-             if (100 * count > image.width() * image.height()) on.Add(QColor(colour).name().toStdString());
-           }
+           on.template In<QWidget>(of.name).window()->resize(of.Words().section(' ', 0, 0).toInt(),
+                                                             of.Words().section(' ', 1).toInt());
+         }},
+        {"menu",  // of a control, as the key for it opens it
+         [](auto& on, const Argument& of) {
+           QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+           QApplication::sendEvent(&on.template In<QWidget>(of.name), &key);
+         }},
+        {"mouse",  // presses and releases at a place of a control, or clicks twice
+         [](auto& on, const Argument& of) {
+           QWidget* target = &on.template In<QWidget>(of.name);
+           if (auto* area = dynamic_cast<QAbstractScrollArea*>(target)) target = area->viewport();
+           const QStringList at = of.Words().split(' ');
+           const QPoint place(at.value(0).toInt(), at.value(1).toInt());
+           QTest::mouseClick(target, Qt::LeftButton, {}, place);
+           if (at.value(2) == "twice") QTest::mouseDClick(target, Qt::LeftButton, {}, place);
          }},
         {"escape", [](auto&, const Argument&) { QTest::keyClick(Front(), Qt::Key_Escape); }},
-        {"close", [](auto&, const Argument&) { Front()->close(); }},
+        {"close", [](auto& on, const Argument& of) { on.template In<QWidget>(of.name).window()->close(); }},
         {"wait",  // for a text in a label or a heading
          [](auto& on, const Argument& of) {
            const QWidget& widget = on.template In<QWidget>(of.name);
@@ -255,6 +274,11 @@ class WindowSteps {
   void Add(std::string line) {
     std::erase(line, '\r');
     mText += "  " + line + "\n";
+  }
+
+  void AddAll(const std::string& lines) {
+    std::istringstream is(lines);
+    for (std::string line; std::getline(is, line);) Add(line);
   }
 
   // What has changed in the windows since the step before.

@@ -57,12 +57,12 @@ TEST_P(WindowStepsTest, EachStepChangesWhatItDid) {
     Run([&](QMainWindow&) { again += WindowSteps(home, session.steps).Do(); });
   }
   if (qEnvironmentVariableIsSet("KV_RENEW_LOOKS") && !HasFailure()) std::ofstream(file, std::ios::binary) << again;
-  test::ExpectSameLines(again, written, "> ");
+  test::ExpectSameLines(ToldHere(again), ToldHere(written), "> ");
 }
 
 INSTANTIATE_TEST_SUITE_P(Windows, WindowStepsTest,
                          testing::Values("cloner", "downloader", "help", "importing", "link", "main", "operands",
-                                         "panel"),
+                                         "panel", "places"),
                          [](const auto& made) { return std::string(made.param); });
 
 }  // namespace

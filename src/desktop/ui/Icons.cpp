@@ -40,6 +40,7 @@ class DrawingEngine final : public QIconEngine {
     return pixmap;
   }
 
+  QString iconName() override { return mName; }
   [[nodiscard]] QIconEngine* clone() const override { return new DrawingEngine(mName); }
 
  private:
