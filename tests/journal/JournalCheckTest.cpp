@@ -97,6 +97,15 @@ TEST_F(JournalCheckTest, FindsWhatTheProgramsNeverWrite) {
     EXPECT_EQ(Check().behindHead, each.records.size()) << each.what;
   }
   std::filesystem::remove(File(2));
+  const std::string time = "2026-11-22T10:00:00.000+01:00";
+  for (std::size_t at = 0; at < time.size(); ++at) {
+    for (const char no : {'/', 'x'}) {  // one comes just before the digits
+      JournalRecord record{.time = time, .kind = Begin};
+      record.time[at] = no;
+      Put(whole + Forged({record}));
+      EXPECT_EQ(Findings(), "impossible 8") << record.time;
+    }
+  }
   const std::string rest = R"("prev":")" + LinesOf(whole).back().substr(0, 64) +
                            R"(","time":"2026-11-22T10:00:00.000+01:00","kind":"begin")";
   const std::string fields[] = {R"("n":8,"n":9,)" + rest, R"("n":8,)" + rest + ",\"what\":\"\x7F\"",

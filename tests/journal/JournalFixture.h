@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "desktop/VirtualPacer.h"
 #include "journal/ChangeJournal.h"
 #include "journal/JournalCheck.h"
+#include "tests/support/Recorded.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
@@ -126,10 +128,22 @@ struct JournalFixture {
   [[nodiscard]] JournalCheck Check(std::vector<JournalAnchor> anchors = {}) {
     return CheckJournal(places, SystemJournalDisk(), pacer, std::move(anchors));
   }
+  // They differ from journal to journal, and so do their folders.
+  [[nodiscard]] std::string WithoutHashes(const std::string& text) const {
+    const std::regex varying("[0-9a-f]{32,}|\r|" + temporary.Path().string());
+    return std::regex_replace(text, varying, "#");
+  }
+  [[nodiscard]] std::string Told(const JournalCheck& check) const {
+    std::string told = VerdictText(check) + "\n";
+    for (const std::string& line : CheckLines(check)) told += line + "\n";
+    return WithoutHashes(told);
+  }
   // "altered 3; missing 5"; empty when it is in order.
   [[nodiscard]] std::string Findings(std::vector<JournalAnchor> anchors = {}) {
+    const JournalCheck check = Check(std::move(anchors));
+    ExpectAsRecorded([&] { return Told(check); });
     std::string text;
-    for (const auto& each : Check(std::move(anchors)).findings) {
+    for (const auto& each : check.findings) {
       text += (text.empty() ? "" : "; ") + std::string(FaultWord(each.fault)) + " " + std::to_string(each.number);
     }
     return text;

@@ -21,7 +21,11 @@ struct JournalListTest : testing::Test, test::JournalFixture {
     record.operands = std::move(operands);
     (void)End(journal->Append(record).value_or(0));
   }
-  [[nodiscard]] JournalListing List(const JournalFilter& filter) { return ListJournal(places, disk, pacer, filter); }
+  [[nodiscard]] JournalListing List(const JournalFilter& filter) {
+    const JournalListing listing = ListJournal(places, disk, pacer, filter);
+    test::ExpectAsRecorded([&] { return WithoutHashes(JournalCsv(listing, Check())); });
+    return listing;
+  }
 };
 
 TEST_F(JournalListTest, Filters) {
