@@ -19,7 +19,7 @@ struct KvsimTest : testing::Test {
 };
 
 TEST_F(KvsimTest, ServesSeveralClientsInTurnAndAtOnce) {
-  KvsimProcess kvsim({"--tcp", "0", "--model", "Q50"});
+  KvsimProcess kvsim({"--tcp", "0", "--model", "Q50"}, Console::Own);
   const auto port = kvsim.Port();
   ASSERT_NE(port, 0);
   auto first = DialLoopback(port);
@@ -90,7 +90,7 @@ TEST_F(KvsimTest, KeepsTheControllersMemoryInAFile) {
   const std::vector<std::string> arguments{"--tcp", "0", "--state",
                                            kv::Utf8FromPath(folder / kv::PathFromUtf8("M\u00FChle \u03A9.state"))};
   for (const char* const state : {"R", "S"}) {  // running at first, stopped by the run before
-    KvsimProcess kvsim(arguments);
+    KvsimProcess kvsim(arguments, Console::Own);
     const auto client = DialLoopback(kvsim.Port());
     const std::string letter = std::string("/01DR") + (*state == 'R' ? "52" : "53");
     EXPECT_THAT(Exchange(client, "DRS000001"), StartsWith(letter));

@@ -20,7 +20,7 @@ TEST(KvTeleProcess, WritesAndReadsAndStopsOnCtrlC) {
   SetVariable(kUserState, kv::Utf8FromPath(home));
   const auto start = [&](std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"--home", kv::Utf8FromPath(home), "--link", "sim:Q50"});
-    return std::make_unique<ProgramProcess>(KVTELE_PROGRAM, std::move(arguments));
+    return std::make_unique<ProgramProcess>(KVTELE_PROGRAM, std::move(arguments), Console::Own);
   };
   const auto write = start({"write", "MI", "7", "-5"});
   EXPECT_EQ(write->End(), 0);

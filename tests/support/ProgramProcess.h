@@ -20,10 +20,13 @@ namespace kvtest {
 
 #ifndef _WIN32
 
+// What a program is to have that hears SIGINT, on Windows.
+enum class Console { None, Own };
+
 // A program that runs as a process of its own. It is ended in any case.
 class ProgramProcess {
  public:
-  ProgramProcess(const std::string& program, std::vector<std::string> arguments) {
+  ProgramProcess(const std::string& program, std::vector<std::string> arguments, Console /*console*/ = Console::None) {
     arguments.insert(arguments.begin(), program);
     std::vector<char*> pointers;
     for (auto& argument : arguments) pointers.push_back(argument.data());
@@ -89,7 +92,8 @@ class ProgramProcess {
 #ifdef KVSIM_PROGRAM
 class KvsimProcess : public ProgramProcess {
  public:
-  explicit KvsimProcess(std::vector<std::string> arguments) : ProgramProcess(KVSIM_PROGRAM, std::move(arguments)) {}
+  explicit KvsimProcess(std::vector<std::string> arguments, Console console = Console::None)
+      : ProgramProcess(KVSIM_PROGRAM, std::move(arguments), console) {}
 
   // The line that tells that clients can come.
   std::string ReadyLine() { return ReadLine(); }

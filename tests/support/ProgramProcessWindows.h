@@ -97,20 +97,21 @@ class PrintedText {
 };
 
 // The system ends what is in it as soon as this process has ended, however that happens.
-inline HANDLE JobOfThisProcess() {
-  static const HANDLE kJob = [] {
-    const HANDLE job = CreateJobObjectW(nullptr, nullptr);
-    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
-    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
-    SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
-    return job;
-  }();
-  return kJob;
+inline HANDLE NewJob() {
+  const HANDLE job = CreateJobObjectW(nullptr, nullptr);
+  JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+  limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+  SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+  return job;
 }
+
+// Wine runs a program of its own for each console, which stays, with the ends of our pipes, when it is killed at its start.
+enum class Console { None, Own };
 
 class ProgramProcess {
  public:
-  ProgramProcess(const std::string& program, const std::vector<std::string>& arguments) {
+  ProgramProcess(const std::string& program, const std::vector<std::string>& arguments,
+                 Console console = Console::None) {
     std::wstring line = Quoted(Wide(program));
     for (const auto& argument : arguments) line += L" " + Quoted(Wide(argument));
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
@@ -122,10 +123,12 @@ class ProgramProcess {
     start.hStdOutput = mOut.Writer();
     start.hStdError = mError.Writer();
     PROCESS_INFORMATION facts{};
-    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &start,
-                       &facts)) {
+    // Held until it is in the job, so that all that it starts is in it, too.
+    const DWORD flags = (console == Console::Own ? CREATE_NO_WINDOW : DETACHED_PROCESS) | CREATE_SUSPENDED;
+    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr, &start, &facts)) {
       mProcess = facts.hProcess;
-      AssignProcessToJobObject(JobOfThisProcess(), mProcess);
+      AssignProcessToJobObject(mJob, mProcess);
+      ResumeThread(facts.hThread);
       CloseHandle(facts.hThread);
     }
     CloseHandle(nothing);
@@ -135,17 +138,19 @@ class ProgramProcess {
   ~ProgramProcess() {
     Signal(SIGKILL);
     if (mProcess != nullptr) CloseHandle(mProcess);
+    CloseHandle(mJob);
   }
   ProgramProcess(const ProgramProcess&) = delete;
   ProgramProcess& operator=(const ProgramProcess&) = delete;
 
   std::string ReadLine() { return mOut.TakeLine(); }
 
-  // Everybody in a console hears Ctrl-C, so each program has one of its own, into which this process goes to press it.
+  // Everybody in a console hears Ctrl-C: a program that is to hear it has one of its own, into which this process goes
+  // to press it.
   void Signal(int signal) const {
     if (mProcess == nullptr) return;
     if (signal == SIGKILL) {
-      TerminateProcess(mProcess, kKilled);
+      TerminateJobObject(mJob, kKilled);
       return;
     }
     if (signal == SIGSTOP) return Call("NtSuspendProcess");
@@ -193,6 +198,7 @@ class ProgramProcess {
     return quoted.append(slashes, L'\\') + L"\"";
   }
 
+  HANDLE mJob = NewJob();
   HANDLE mProcess = nullptr;
   PrintedText mOut;
   PrintedText mError;
