@@ -112,7 +112,8 @@ function(kv_test target)
     target_compile_options(${target} PRIVATE -O0)
   endif()
   if(MINGW)  # g++ 12's headers and its static library both bring std::type_info::operator== in C++23 without optimisation; the preset windows-quick says it for the programs
-    target_link_options(${target} PRIVATE -Wl,--allow-multiple-definition)
+    # Regular expressions take stack by the letter: as much as the tests have elsewhere.
+    target_link_options(${target} PRIVATE -Wl,--allow-multiple-definition -Wl,--stack,8388608)
   endif()
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
   add_test(NAME ${target} COMMAND ${target})

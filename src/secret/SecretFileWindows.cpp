@@ -3,6 +3,7 @@
 #include <aclapi.h>
 // clang-format on
 
+#include "base/FilePlatform.h"
 #include "base/ScopeGuard.h"
 #include "secret/SecretFile.h"
 
@@ -42,15 +43,21 @@ bool IsOpenToOthers(HANDLE file) {
   return false;
 }
 
+std::unexpected<SecretFileFault> Unreadable(DWORD error) {
+  const std::error_code code(static_cast<int>(error), std::system_category());
+  return std::unexpected(SecretFileFault{"cannot be read: " + SystemMessage(code), {}});
+}
+
 }  // namespace
 
 std::expected<std::string, SecretFileFault> ReadOwnersFile(const std::filesystem::path& path, std::size_t most) {
   const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ | READ_CONTROL, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                   FILE_ATTRIBUTE_NORMAL, nullptr);
-  const DWORD kind = GetFileAttributesW(path.c_str());
   if (file == INVALID_HANDLE_VALUE) {
-    const bool isFolder = kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    return std::unexpected(SecretFileFault{isFolder ? "is no plain file" : "cannot be read", {}});
+    const DWORD error = GetLastError();
+    const DWORD kind = GetFileAttributesW(path.c_str());
+    if (kind == INVALID_FILE_ATTRIBUTES || (kind & FILE_ATTRIBUTE_DIRECTORY) == 0) return Unreadable(error);
+    return std::unexpected(SecretFileFault{"is no plain file", {}});
   }
   const ScopeGuard close([file] { CloseHandle(file); });
   if (GetFileType(file) != FILE_TYPE_DISK) return std::unexpected(SecretFileFault{"is no plain file", {}});
@@ -63,7 +70,7 @@ std::expected<std::string, SecretFileFault> ReadOwnersFile(const std::filesystem
   std::string content(most + 1, '\0');
   DWORD count = 0;
   if (!ReadFile(file, content.data(), static_cast<DWORD>(content.size()), &count, nullptr)) {
-    return std::unexpected(SecretFileFault{"cannot be read", {}});
+    return Unreadable(GetLastError());
   }
   content.resize(count);
   return content;

@@ -1,6 +1,8 @@
 #include "dataview/sheets/SheetFile.h"
 
-#include <freexl.h>
+#ifndef _WIN32
+#include <freexl.h>  // stands on a library that Windows lacks
+#endif
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -81,8 +83,9 @@ TEST(SheetFileTest, BothKindsOfFilesKeepATable) {
   EXPECT_EQ(folder.EntryCount(), 4);  // no temporary file stays
 }
 
+#ifndef _WIN32
 // Office programs are not there when tests run; this library reads .xls with code of its own.
-TEST(SheetFileTest, AnotherReaderFindsTheSameInAnXlsFile) {
+TEST(FreexlTest, FindsTheSameInAnXlsFile) {
   const TemporaryFolder folder;
   const auto file = folder.Path() / "a.xls";
   const SheetTable table = Large();
@@ -106,6 +109,7 @@ TEST(SheetFileTest, AnotherReaderFindsTheSameInAnXlsFile) {
   }
   EXPECT_EQ(different, 0U);
 }
+#endif
 
 TEST(SheetFileTest, TakesTheValuesOfFormulasBooleansDatesAndErrorsAsOfficeProgramsSaveThem) {
   for (const char* name : {"office.xls", "office.xlsx"}) {
