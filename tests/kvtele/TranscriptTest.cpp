@@ -115,7 +115,7 @@ const std::map<std::string, Session::Preparation>& Session::Preparations() {
       {"file",
        [](Session& s, const std::string& text) {
          const auto [name, content] = Halves(text);
-         PutFile(s.File(name), Unescaped(Replaced(content, "HOME", s.mFixture.home.Path().string())));
+         PutFile(s.File(name), Replaced(Unescaped(content), "HOME", s.mFixture.home.Path().string()));
        }},
       {"copy",
        [](Session& s, const std::string& text) {
