@@ -105,7 +105,8 @@ inline HANDLE NewJob() {
   return job;
 }
 
-// Wine runs a program of its own for each console, which stays, with the ends of our pipes, when it is killed at its start.
+// Wine runs a program of its own for each console, which stays, with the ends of our pipes, when it is killed at its
+// start.
 enum class Console { None, Own };
 
 class ProgramProcess {
