@@ -9,7 +9,6 @@ namespace {
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 struct JournalVerb : ::testing::Test {
   CommandFixture fixture;
@@ -31,21 +30,6 @@ TEST_F(JournalVerb, ChecksAndSaysSoByItsExitCode) {
   const Result cut = fixture.Run("--json journal check");
   EXPECT_EQ(cut.exit, 5);
   EXPECT_THAT(cut.out, AllOf(HasSubstr("\"sound\": false"), HasSubstr("\"fault\": \"cut\"")));
-}
-
-TEST_F(JournalVerb, SendsNothingThatCannotBeRecorded) {
-  EXPECT_EQ(On("write MI 0 5").exit, 0);
-  std::filesystem::remove(LockFile(fixture.home.Path() / "Sessions/Default"));
-  std::filesystem::create_directory(LockFile(fixture.home.Path() / "Sessions/Default"));  // in the way
-  const Result refused = On("--json write MI 0 6");
-  EXPECT_EQ(refused.exit, 1);
-  EXPECT_THAT(refused.out, HasSubstr("\"code\": \"notRecorded\""));
-  EXPECT_THAT(refused.err, HasSubstr("--unrecorded changes it without a record"));
-  EXPECT_THAT(refused.trace, Not(HasSubstr("write MI 0")));
-  EXPECT_THAT(On("--yes write MI 0 6").err, HasSubstr("(nobody to ask; --unrecorded consents)"));
-  EXPECT_EQ(On("read MI 0").out, "0\t5\n");
-  EXPECT_EQ(On("--unrecorded write MI 0 6").exit, 0);
-  EXPECT_EQ(On("read MI 0").out, "0\t6\n");
 }
 
 }  // namespace

@@ -14,7 +14,6 @@ namespace kv::test {
 namespace {
 
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 TEST(Password, ComesFromTheEnvironmentOrAFileOfItsOwner) {
   CommandFixture fixture;
@@ -41,21 +40,6 @@ TEST(Password, ComesFromTheEnvironmentOrAFileOfItsOwner) {
     EXPECT_THAT(result.err, HasSubstr(row.told));
     for (const char* secret : {"12~4", "0000", "123456789"}) EXPECT_EQ(result.err.find(secret), std::string::npos);
   }
-}
-
-TEST(Watch, LeavesAloneAnotherControllerThatAnswersInstead) {
-  CommandFixture fixture;
-  fixture.home.Put("r.axt", "Version 100\r\nQ50\r\n2\tMI\t100\t101\t\r\n\r\n");
-  fixture.options.faults = {"lost:on=RO,nth=3,away=2000"};
-  fixture.pacer.After(std::chrono::milliseconds(2500), [&] {
-    fixture.options.serialNumber = 4711;
-    fixture.ReplaceController("Q50");
-  });
-  const Result result = fixture.On("Q50", "watch @r.axt --for 60 --every 1000");
-  EXPECT_EQ(result.exit, 7) << result.err;
-  EXPECT_THAT(result.err, HasSubstr("another controller answered: Q50-2-R34, serial number 4711 instead of Q50"));
-  EXPECT_THAT(result.err, HasSubstr("What to do: connect the right controller"));
-  EXPECT_THAT(result.err, Not(HasSubstr("The controller answers again")));
 }
 
 TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {

@@ -28,12 +28,6 @@
 namespace kv::test {
 namespace {
 
-std::string Replaced(std::string text, const std::string& what, const std::string& with) {
-  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())
-    text.replace(at, what.size(), with);
-  return text;
-}
-
 // A file's content as a transcript writes it.
 std::string Unescaped(std::string text) {
   for (const auto& [written, meant] : {std::pair("\\r", "\r"), {"\\n", "\n"}, {"\\t", "\t"}, {"\\0", "\xFF"}})
@@ -61,6 +55,10 @@ class Session {
     const std::size_t end = std::min(text.find(' '), text.size());
     return {text.substr(0, end), text.substr(std::min(end + 1, text.size()))};
   }
+  void Exchange(const std::string& model) {
+    mFixture.options.serialNumber = mFixture.options.serialNumber.value_or(0) + 1;
+    mFixture.ReplaceController(model);
+  }
   [[nodiscard]] std::filesystem::path File(const std::string& name) const { return mFixture.home.Path() / name; }
   [[nodiscard]] std::string Lines(const std::string& text, const char* mark) const;
 
@@ -84,9 +82,13 @@ const std::map<std::string, Session::Preparation>& Session::Preparations() {
          s.mFixture.pacer.OnTurn([&s, model, isDone = false]() mutable {
            if (isDone || !TemporaryFolder::Content(s.File("trace.txt")).contains("/01CCE")) return;
            isDone = true;
-           s.mFixture.options.serialNumber = s.mFixture.options.serialNumber.value_or(0) + 1;
-           s.mFixture.ReplaceController(model);
+           s.Exchange(model);
          });
+       }},
+      {"exchanged-after",  // so many milliseconds, too
+       [](Session& s, const std::string& text) {
+         const auto [time, model] = Halves(text);
+         s.mFixture.pacer.After(std::chrono::milliseconds(std::stoi(time)), [&s, model] { s.Exchange(model); });
        }},
       {"replace", [](Session& s, const std::string& text) { s.mFixture.ReplaceController(text); }},
       {"variable", [](Session& s, const std::string& text) { s.mFixture.password = Secret(text); }},
