@@ -14,6 +14,7 @@
 #include "desktop/VirtualPacer.h"
 #include "editors/clsHexSelector.h"
 #include "tests/support/FakeChannel.h"
+#include "tests/support/Recorded.h"
 #include "tests/support/SessionFixture.h"
 
 namespace kv::test {
@@ -86,16 +87,31 @@ class OperandChannel : public FakeChannel {
   }
 };
 
-// The view on fakes: whatever it asks, sends and tells is in one log.
+// The view on fakes: whatever it asks, sends and tells is in one log, and with what it shows in the record of the test.
 struct DataViewFixture : SessionFixture, GridListener, HexSelectorWindow {
   explicit DataViewFixture(const std::string& model = "K220-22-R1") {
     host.model = model;
     driver.channel = channel;
     view.Open();
   }
+  ~DataViewFixture() override {
+    ExpectAsRecorded([this] { return Replaced(shown, home.Path().string(), "HOME"); });
+  }
 
-  void GridsChanged(const GridChanges& changes) override { changed.push_back(changes); }
-  void StatusChanged() override {}
+  void GridsChanged(const GridChanges& of) override {
+    changed.push_back(of);
+    const auto& [top, left, bottom, right] = of.operands;
+    for (const std::int32_t each : {top, left, bottom, right, of.firstRegion, of.lastRegion})
+      shown += std::to_string(each) + " ";
+    shown += std::string(of.onlyValues ? "values " : "") + (of.regionRowsReplaced ? "rows " : "") +
+             (of.operandsReplaced ? "operands" : "") + "\n";
+  }
+  void StatusChanged() override {
+    const ViewStatus& now = view.Status();
+    shown += "mode " + std::to_string(static_cast<int>(now.mode)) + (now.isError ? ", error" : "") +
+             (now.loss ? ", lost" : "") + ", " + std::to_string(now.edited) + " edited: " + now.message +
+             (now.refusal.empty() ? "" : ", refused: " + now.refusal) + "\n";
+  }
   std::optional<std::string> Edit(const std::string& hexCode) override { return separator(hexCode); }
 
   // Adds what the grid's cells of one type and these addresses make.
@@ -109,13 +125,17 @@ struct DataViewFixture : SessionFixture, GridListener, HexSelectorWindow {
     Taken();
     changed.clear();
     view.Run(tool);
-    return Taken();
+    CallLog calls = Taken();
+    shown += "--> " + std::string(tool) + "\n";
+    for (const std::string& call : calls) shown += call + "\n";
+    return calls;
   }
 
   std::function<std::optional<std::string>(const std::string&)> separator = [](const std::string& offered) {
     return offered;
   };
   std::vector<GridChanges> changed;
+  std::string shown;
   std::shared_ptr<OperandChannel> channel = std::make_shared<OperandChannel>(log);
   VirtualPacer pacer;
   MemoryClipboard clipboard;

@@ -171,9 +171,7 @@ struct DownloadFixture {
       all += desk.log[i] + (next == i + 1 ? "" : " x " + std::to_string(next - i)) + "\n";
     }
     all += OutcomeText(outcome) + "\nin " + std::to_string(took.count()) + " microseconds\n";
-    for (std::size_t at = 0; (at = all.find(home.Path().string())) != std::string::npos;)
-      all.replace(at, home.Path().string().size(), "HOME");
-    return all;
+    return Replaced(std::move(all), home.Path().string(), "HOME");
   }
   [[nodiscard]] std::string WithState(const std::string& what) const {
     const char state = controller->State();

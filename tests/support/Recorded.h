@@ -15,6 +15,12 @@
 
 namespace kv::test {
 
+inline std::string Replaced(std::string text, const std::string& what, const std::string& with) {
+  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())
+    text.replace(at, what.size(), with);
+  return text;
+}
+
 // Names the first line that differs, and the one before it that begins with `mark`.
 inline void ExpectSameLines(const std::string& text, const std::string& written, const std::string& mark) {
   std::istringstream now(text);
