@@ -163,6 +163,7 @@ std::string General(std::string line) {
       {std::regex("(made by +|\"madeBy\": \")[^\n@]+@[^\n\"]+"), "$1SOMEBODY"},
       {std::regex("this computer has .*[.]"), "this computer has PORTS."},
       {std::regex("Path not found|File not found"), "No such file or directory"},  // the words of another system
+      {std::regex("Changes[.]lock: it cannot be written [(][^)]*"), "Changes.lock: it cannot be written (WHY"},
   };
   for (const auto& [what, instead] : kParts) line = std::regex_replace(line, what, instead);
   return line;
