@@ -4,7 +4,8 @@
 // "## ..." begins a session with new controllers, "% WORD TEXT" prepares something, "$ ..." is a command line. What
 // follows is what came of it: "! ..." stood on standard error, "= N" is the exit code where it is not 0. The words of
 // the parser's library are left out, which change with its version. "$ cat NAME" shows a file, "$ ls NAME" what is in a
-// folder, "$ trace WORD" what passed on the line during the command before, from the first line with that word on.
+// folder, HEAD in a command is the head that was told behind three records, "$ trace WORD" what passed on the line
+// during the command before, from the first line with that word on.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -64,6 +65,7 @@ class Session {
 
   CommandFixture mFixture;
   std::string mTrace;
+  std::string mHead;  // of the journal's first three records
 };
 
 const std::map<std::string, Session::Preparation>& Session::Preparations() {
@@ -133,6 +135,18 @@ const std::map<std::string, Session::Preparation>& Session::Preparations() {
          content.at(std::stoul(place)) ^= 1;
          PutFile(s.File(name), content);
        }},
+      {"cut",  // the end of a file
+       [](Session& s, const std::string& text) {
+         std::filesystem::resize_file(s.File(text), std::filesystem::file_size(s.File(text)) - 10);
+       }},
+      {"drop",  // the lines of a file that begin so
+       [](Session& s, const std::string& text) {
+         const auto [name, begin] = Halves(text);
+         std::string content = TemporaryFolder::Content(s.File(name));
+         for (std::size_t at = 0; (at = content.find(begin)) != std::string::npos;)
+           content.erase(at, content.find('\n', at) + 1 - at);
+         PutFile(s.File(name), content);
+       }},
       {"pages",  // a Telepanel file of a project and a model
        [](Session& s, const std::string& text) {
          const auto [project, model] = Halves(text);
@@ -184,8 +198,10 @@ std::string Session::Run(const std::string& line) {
   if (line.starts_with("cat ")) return Lines(TemporaryFolder::Content(File(line.substr(4))), "");
   if (line.starts_with("ls ")) return NamesIn(File(line.substr(3)));
   if (line.starts_with("trace")) return TrafficText(mTrace, line.substr(std::min<std::size_t>(6, line.size())));
-  const Result result = mFixture.Run(line);
+  const Result result = mFixture.Run(Replaced(line, "HEAD", mHead));
   mTrace = result.trace;
+  if (const std::size_t at = result.err.find("Head: 3 "); at != std::string::npos)
+    mHead = result.err.substr(at + 8, 64);
   const bool isTheParsers = result.err.contains("see kvtele --help, or kvtele VERB --help");
   std::string shown = Lines(result.out.contains("\"cure\": \"see kvtele --help, or") ? "" : result.out, "");
   shown += isTheParsers ? "! (in the parser's words)\n" : Lines(result.err, "! ");
