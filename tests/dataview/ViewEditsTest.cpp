@@ -317,6 +317,7 @@ TEST(ReadAll, AProgramThatIsKilledInTheMiddleLosesNothing) {
   EXPECT_THAT(fixture.view.Regions().Regions(), ElementsAre(Region{0, 9, MI}));
   EXPECT_EQ(fixture.view.Operands().Shown(MI, 3), (CellText{"8", CellOrigin::Edited}));
   EXPECT_THAT(fixture.view.Status().message, HasSubstr("ended during a read or write of all values"));
+  EXPECT_TRUE(std::filesystem::is_empty(fixture.home.Path() / "Tmp")) << "it would be found again";
 }
 
 TEST(WriteAll, WritesEveryTextThatMayBeWritten) {

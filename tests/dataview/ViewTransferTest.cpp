@@ -221,8 +221,10 @@ TEST(WriteRegions, AreReadBackAndWhatDiffersIsNamed) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     DataViewFixture fixture(c.type == DBI ? "AurexQ50" : "K220-22-R1");
-    fixture.Add(c.type, 0, 1);
-    for (const int address : {0, 1}) fixture.view.Edit(c.type, address, c.type == TimerCurrent ? "0:0:7.0" : "7");
+    const int last = c.isLying ? 4 : 1;
+    fixture.Add(c.type, 0, last);
+    for (int address = 0; address <= last; ++address)
+      fixture.view.Edit(c.type, address, c.type == TimerCurrent ? "0:0:7.0" : "7");
     fixture.channel->isLying = c.isLying;
     fixture.channel->value = [](std::int32_t address) { return static_cast<std::uint32_t>(address); };
     fixture.channel->failAt = c.failAt;

@@ -51,6 +51,9 @@ TEST(Channel, WhatNoControllerCanDoIsNotSent) {
     EXPECT_EQ(fixture.Error().code, LinkErrorCode::BadArgument);
   }
   EXPECT_EQ(fixture.trace->Text(), before);
+  (void)c.ReadMemoryBlock(0xFFFFFFFE, 2, 1);
+  EXPECT_NE(fixture.Error().code, LinkErrorCode::BadArgument) << "its last byte is the last that there is";
+  EXPECT_TRUE(c.GetVersionInfo(1) && fixture.Error().code == LinkErrorCode::None) << "what went well has no error";
 }
 
 TEST(Channel, OperandListGoesTheWayThatTheControllerUnderstands) {

@@ -151,6 +151,14 @@ TEST_F(PanelWindowTest, InOperateAPressMovesTheMachineAndIsRecorded) {
       access->child(i)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     }
     EXPECT_TRUE(WaitUntil([&] { return !Touch(window, "Start")->touch->isOn; })) << "as a screen reader presses";
+    Return(window);
+    QTest::qWait(300);  // the button has just changed
+    for (const auto& text : View(window).Texts()) {
+      if (text.touch) QTest::keyClick(&View(window), Qt::Key_Right);
+      if (text.touch && text.text == "Start") break;
+    }
+    QTest::keyClick(&View(window), Qt::Key_Space);
+    EXPECT_TRUE(WaitUntil([&] { return Touch(window, "Start")->touch->isOn; })) << "without a mouse";
     const auto& field = *Find<QFrame>(window, "fraPanel").findChild<QScrollArea*>();
     for (const Theme theme : {Theme::Dark, Theme::Light}) {
       QApplication::setPalette(PaletteOf(theme));

@@ -168,7 +168,7 @@ class WindowLook {
     if (const auto* view = dynamic_cast<const QAbstractItemView*>(&widget)) return AddRows(*view, depth + 1);
     if (const auto* area = dynamic_cast<const QScrollArea*>(&widget)) return AddWidget(*area->widget(), depth + 1);
     if (const auto* splitter = dynamic_cast<const QSplitter*>(&widget)) return AddShares(*splitter, depth + 1);
-    if (const auto* bar = dynamic_cast<const QToolBar*>(&widget)) return AddActions(*bar, depth + 1);
+    if (widget.inherits("QToolBar") || widget.inherits("QMenu")) return AddActions(widget, depth + 1);
     if (const auto* tabs = dynamic_cast<const QTabWidget*>(&widget)) return AddTabs(*tabs, depth + 1);
     if (const auto* list = dynamic_cast<const QComboBox*>(&widget)) return AddItems(*list, depth + 1);
     if (widget.inherits("QLineEdit")) return;

@@ -143,7 +143,13 @@ inline std::string PlacesText(const QWidget& window) {
     }
     if (const auto* bar = dynamic_cast<const QScrollBar*>(&widget)) text += pair(bar->value(), bar->maximum());
     if (const auto* head = dynamic_cast<const QHeaderView*>(&widget)) {
-      for (int i = 0; i < std::min(head->count(), 20); ++i) text += " " + std::to_string(head->sectionSize(i));
+      for (int i = 0; i < std::min(head->count(), 20); ++i) {
+        text += " " + std::to_string(head->sectionSize(i));
+        for (const int role : {Qt::ForegroundRole, Qt::BackgroundRole}) {
+          const QVariant colour = head->model()->headerData(i, head->orientation(), role);
+          if (colour.isValid()) text += colour.value<QBrush>().color().name().toStdString();
+        }
+      }
     }
     text += "\n";
   };

@@ -34,7 +34,10 @@ class WindowSteps {
   // Does them all, and returns them with what came of each.
   std::string Do() {
     Go();
-    if (QTest::qWaitFor([this] { return mIsAtEnd; }, 3 * kPatience)) return mText;
+    for (std::size_t at = 0; mAt != at || at == 0;) {
+      at = mAt;
+      if (QTest::qWaitFor([this] { return mIsAtEnd; }, 3 * kPatience)) return mText;
+    }
     ADD_FAILURE() << "stuck behind\n" << mText;
     mSteps.resize(mAt);
     Leave();
@@ -126,7 +129,8 @@ class WindowSteps {
         {"click", [](auto& on, const Argument& of) { on.Do(on.template In<QAbstractButton>(of.name)); }},
         {"type",
          [](auto& on, const Argument& of) {
-           auto& field = on.template In<QLineEdit>(of.name);
+           auto* list = dynamic_cast<QComboBox*>(&on.template In<QWidget>(of.name));
+           auto& field = list ? *list->lineEdit() : on.template In<QLineEdit>(of.name);
            field.setFocus();
            field.selectAll();
            of.text.empty() ? QTest::keyClick(&field, Qt::Key_Delete) : QTest::keyClicks(&field, of.Words());
@@ -255,7 +259,8 @@ class WindowSteps {
     for (const QWidget* window : QApplication::topLevelWidgets()) {
       const bool isTimed = window->objectName() == "frmMain" || window->objectName() == "frmDataTypesView";
       const bool isBehind = Front() && Front() != window;
-      const bool isOurs = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
+      const bool isOurs =
+          window->windowType() == Qt::Window || window->windowType() == Qt::Dialog || window->inherits("QMenu");
       const bool isMeant = isOurs && !window->inherits("QFileDialog") && !(isTimed && isBehind);
       if (isMeant && window->isVisible()) windows.push_back(window);
     }

@@ -62,7 +62,7 @@ TEST_P(WindowStepsTest, EachStepChangesWhatItDid) {
 
 INSTANTIATE_TEST_SUITE_P(Windows, WindowStepsTest,
                          testing::Values("cloner", "downloader", "help", "importing", "link", "main", "operands",
-                                         "panel", "places"),
+                                         "menus", "panel", "places"),
                          [](const auto& made) { return std::string(made.param); });
 
 }  // namespace

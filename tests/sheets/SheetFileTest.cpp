@@ -126,6 +126,11 @@ TEST(SheetFileTest, TakesTheValuesOfFormulasBooleansDatesAndErrorsAsOfficeProgra
         "-2147483648",  "4294967295", "0.1", "1e-05",    "1234567.25"};
     EXPECT_EQ(values, expected) << name;
   }
+  std::string untrue = TemporaryFolder::Content(std::filesystem::path(KV_TEST_DATA) / "sheets/data/office.xls");
+  untrue.at(untrue.find(std::string("\1\0\1\0\0\0\xFF\xFF", 8)) + 2) = 0;
+  const TemporaryFolder folder;
+  const auto read = ReadSheet(folder.Put("untrue.xls", untrue));
+  EXPECT_EQ(std::ranges::count(read.value().rows[5], "0", &SheetCell::text), 1);
 }
 
 }  // namespace

@@ -47,7 +47,6 @@ frmIncompatibleBios::frmIncompatibleBios(QWidget* parent) : QDialog(parent) {
   mContinue->setObjectName("cmdContinue");
   mContinue->setAutoDefault(false);  // Enter is never a consent here
   Describe(*mContinue, "Goes on although the project in the controller may be lost");
-  Allow(*mContinue, kNotTicked);
   connect(mDelete, &QCheckBox::clicked, this,
           [this](bool isTicked) { Allow(*mContinue, isTicked ? QString() : QString(kNotTicked)); });
   connect(mAbort, &QPushButton::clicked, this, &QDialog::reject);
