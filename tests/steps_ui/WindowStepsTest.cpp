@@ -11,7 +11,7 @@
 
 #include "tests/download/Samples.h"
 #include "tests/host_ui/WindowFixture.h"
-#include "tests/host_ui/WindowSteps.h"
+#include "tests/steps_ui/WindowSteps.h"
 #include "tests/support/Recorded.h"
 
 namespace kv::test {
