@@ -11,6 +11,7 @@
 #include "desktop/VirtualPacer.h"
 #include "tests/support/FakeChannel.h"
 #include "tests/support/LoggedPrompts.h"
+#include "tests/support/Recorded.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv {
@@ -122,15 +123,11 @@ class TelepanelHostTest : public testing::Test {
   // changed it renews the files with KV_RENEW_LOOKS=1 in the environment, and reads their difference.
   void TearDown() override {
     const auto& test = *testing::UnitTest::GetInstance()->current_test_info();
-    const auto file = std::filesystem::path(KV_TEST_DATA) / "KvTele2" / "shown" / (std::string(test.name()) + ".txt");
-    std::string story = view.story.substr(0, 15'000);
+    const std::string name = std::string("KvTele2/shown/") + test.name() + ".txt";
+    std::string story = test::WithoutHome(view.story.substr(0, 15'000), folder.Path());
     std::erase(story, '\r');
-    std::ranges::replace(story, '\\', '/');
-    std::string home = Utf8FromPath(folder.Path());
-    std::ranges::replace(home, '\\', '/');
-    for (std::size_t at = 0; (at = story.find(home, at)) != std::string::npos;) story.replace(at, home.size(), "HOME");
-    if (std::getenv("KV_RENEW_LOOKS")) std::ofstream(file, std::ios::binary) << story;
-    EXPECT_EQ(TemporaryFolder::Content(file), story);
+    if (test::AreRecordsRenewed()) test::RenewRecord(name, story);
+    EXPECT_EQ(test::RecordOf(name), story);
   }
 
   // What the tool "ID_OnLine" does to the host when nothing is amiss.

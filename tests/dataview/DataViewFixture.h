@@ -95,7 +95,7 @@ struct DataViewFixture : SessionFixture, GridListener, HexSelectorWindow {
     view.Open();
   }
   ~DataViewFixture() override {
-    ExpectAsRecorded([this] { return Replaced(shown, home.Path().string(), "HOME"); });
+    ExpectAsRecorded([this] { return WithoutHome(shown, home.Path()); });
   }
 
   void GridsChanged(const GridChanges& of) override {

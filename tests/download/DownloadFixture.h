@@ -171,7 +171,7 @@ struct DownloadFixture {
       all += desk.log[i] + (next == i + 1 ? "" : " x " + std::to_string(next - i)) + "\n";
     }
     all += OutcomeText(outcome) + "\nin " + std::to_string(took.count()) + " microseconds\n";
-    return Replaced(std::move(all), home.Path().string(), "HOME");
+    return WithoutHome(std::move(all), home.Path());
   }
   [[nodiscard]] std::string WithState(const std::string& what) const {
     const char state = controller->State();

@@ -183,12 +183,9 @@ std::string General(std::string line) {
   return line;
 }
 
-// As they are on every machine; what JSON holds has two backslashes for one.
+// As they are on every machine.
 std::string Session::Lines(const std::string& text, const char* mark) const {
-  constexpr bool kHasBackslashes = std::filesystem::path::preferred_separator == '\\';
-  std::string general = kHasBackslashes ? Replaced(text, text.starts_with('{') ? "\\\\" : "\\", "/") : text;
-  general = Replaced(std::move(general), mFixture.home.Path().generic_string(), "HOME");
-  std::istringstream rest(Replaced(std::move(general), "\r", "\\r"));
+  std::istringstream rest(Replaced(WithoutHome(text, mFixture.home.Path()), "\r", "\\r"));
   std::string lines;
   for (std::string line; std::getline(rest, line);) lines += mark + General(std::move(line)) + "\n";
   return lines;

@@ -11,7 +11,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Records.h"
 
 namespace kv::test {
 
@@ -37,27 +37,32 @@ inline void ExpectSameLines(const std::string& text, const std::string& written,
 
 // Holds what a test makes the program do against what it did when that was looked at: the parts follow each other in
 // tests/recorded/SUITE.TEST.txt. A test without such a file is not recorded. Who has changed what is done renews the
-// files with KV_RENEW_LOOKS=1 in the environment, and reads their difference. On Windows the system's words are others.
+// files with KV_RENEW_LOOKS=1 in the environment, and reads their difference.
 template <typename Part>
-void ExpectAsRecorded([[maybe_unused]] Part part) {
-#ifndef _WIN32
+void ExpectAsRecorded(Part part) {
   static std::string running;
   static std::size_t at = 0;  // behind what has been met of its record
   const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-  const std::string name = std::string(test.test_suite_name()) + "." + test.name();
-  const auto file = std::filesystem::path(KV_TEST_DATA) / "recorded" / (name + ".txt");
-  if (!std::filesystem::exists(file)) return;
+  const std::string name = std::string("recorded/") + test.test_suite_name() + "." + test.name() + ".txt";
+  const std::optional<std::string> written = RecordOf(name);
+  if (!written) return;
   if (std::exchange(running, name) != name) at = 0;
   const std::string text = "##\n" + part();
-  if (std::getenv("KV_RENEW_LOOKS")) {
-    std::ofstream(file, std::ios::binary | (at == 0 ? std::ios::trunc : std::ios::app)) << text;
+  if (AreRecordsRenewed()) {
+    RenewRecord(name, text, at != 0);
   } else {
-    const std::string written = TemporaryFolder::Content(file);
-    const std::size_t end = std::min(written.find("\n##\n", at) + 1, written.size());
-    ExpectSameLines(text, end == 0 ? written.substr(at) : written.substr(at, end - at), "-->");
+    const std::size_t end = std::min(written->find("\n##\n", at) + 1, written->size());
+    ExpectSameLines(text, end == 0 ? written->substr(at) : written->substr(at, end - at), "-->");
   }
   at += text.size();
-#endif
+}
+
+// A text as it is in every folder and on every system: HOME for the folder, slashes in paths. What JSON holds has two
+// backslashes for one.
+inline std::string WithoutHome(std::string text, const std::filesystem::path& home) {
+  if (std::filesystem::path::preferred_separator == '\\')
+    text = Replaced(std::move(text), text.starts_with('{') ? "\\\\" : "\\", "/");
+  return Replaced(std::move(text), home.generic_string(), "HOME");
 }
 
 // What passed on a line, from the first line with the word `from` on; each time is that since the line before. Tags,
