@@ -10,16 +10,14 @@
 #include <vector>
 
 #include "KvCmDrv1/Driver.h"
-#include "KvCmDrv1/ports/ModemPort.h"
-#include "KvCmDrv1/ports/SimulatedPort.h"
 #include "base/ProgramPaths.h"
 #include "desktop/VirtualPacer.h"
 #include "download/DownloadOrder.h"
 #include "download/DownloadOutcome.h"
 #include "download/DownloadWindow.h"
-#include "simulator/SimulatedModem.h"
 #include "tests/download/LoggedController.h"
 #include "tests/download/Samples.h"
+#include "tests/support/PortTo.h"
 #include "tests/support/Recorded.h"
 #include "tests/support/SilentCloner.h"
 #include "tests/support/TemporaryFolder.h"
@@ -140,16 +138,9 @@ struct DownloadFixture {
   LoggedController* controller = nullptr;
   std::unique_ptr<sim::SimulatedController> simulated;
   LinkSettings settings;
-  Driver driver{pacer, [this](const std::string&) { return simulated->NewLine(); },
-                [this](const LinkSettings& link, Pacer&, ListeningSocket*) -> std::unique_ptr<Port> {
-                  const bool isModem = link.transport == Transport::Modem;
-                  std::unique_ptr<InProcessLine> line = simulated->NewLine();
-                  if (isModem) line = std::make_unique<sim::SimulatedModem>(std::move(line), sim::ModemOptions());
-                  auto port = std::make_unique<SimulatedPort>(std::move(line), "", pacer);
-                  EXPECT_TRUE(port->SetBaudRate(link.baudRate));
-                  if (!isModem) return port;
-                  return std::make_unique<ModemPort>(std::move(port), link.modem, pacer);
-                }};
+  Driver driver{
+      pacer, [this](const std::string&) { return simulated->NewLine(); },
+      [this](const LinkSettings& link, Pacer&, ListeningSocket*) { return PortTo(simulated->NewLine(), link, pacer); }};
   DownloadOrder order{.link = "COM3"};
   bool opensAnew = true;  // the link, before the download is repeated
   DownloadOutcome outcome;

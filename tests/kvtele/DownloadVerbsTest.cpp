@@ -1,13 +1,11 @@
 #include <gmock/gmock.h>
 
-#include "KvCmDrv1/ports/SimulatedPort.h"
 #include "tests/download/Samples.h"
 #include "tests/kvtele/CommandFixture.h"
 
 namespace kv::test {
 namespace {
 
-using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 struct DownloadVerbs : ::testing::Test {
@@ -60,23 +58,6 @@ TEST_F(DownloadVerbs, AnOsGoesIntoNoControllerButItsOwn) {
       EXPECT_EQ(done, model.HasColour() ? 0 : 1) << name;
     }
   }
-}
-
-TEST_F(DownloadVerbs, ABootLoaderIsFoundAtItsSpeed) {
-  sim::SimulatorOptions options;
-  options.model = "Q51";
-  options.boot = true;
-  options.baud = 57600;
-  const auto controller = sim::SimulatedController::Create(options).value();
-  fixture.makePort = [&](const LinkSettings& link, Pacer&, ListeningSocket*) {
-    auto port = std::make_unique<SimulatedPort>(controller->NewLine(), "", fixture.pacer);
-    EXPECT_TRUE(port->SetBaudRate(link.baudRate));
-    return port;
-  };
-  const Result refused = fixture.Run("--link serial:COM3,19200 download project @hall.d50 --dry-run");
-  EXPECT_EQ(fixture.Run("--link serial:COM3,19200 read MI 0").exit, 3) << "whoever does not download is not surprised";
-  EXPECT_EQ(refused.exit, 4);
-  EXPECT_THAT(refused.err, AllOf(HasSubstr("found at 57600 baud"), HasSubstr("if there is still one in it")));
 }
 
 }  // namespace

@@ -1,10 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "KvCmDrv1/SettingsFile.h"
-#include "KvCmDrv1/ports/ModemPort.h"
-#include "KvCmDrv1/ports/SimulatedPort.h"
-#include "simulator/SimulatedModem.h"
 #include "tests/kvtele/CommandFixture.h"
 #include "tests/support/FakeChannel.h"
 #include "tests/support/FakeDriver.h"
@@ -39,37 +35,6 @@ TEST(Password, ComesFromTheEnvironmentOrAFileOfItsOwner) {
     EXPECT_EQ(result.exit, row.exit);
     EXPECT_THAT(result.err, HasSubstr(row.told));
     for (const char* secret : {"12~4", "0000", "123456789"}) EXPECT_EQ(result.err.find(secret), std::string::npos);
-  }
-}
-
-TEST(Watch, DialsALostCallAgainAsOftenAsItMay) {
-  const std::tuple<const char*, const char*, int, const char*> rows[] = {
-      {"lost:on=RO,nth=3", "", 0, "Dialling again in 10 s (1 of 3).\nConnected to "},
-      {"lost:on=RO,nth=3,away=900000", "", 7, "0,123 does not answer; no more calls after 3 in a row"},
-      {"lost:on=RO,every=3", " --redials 5", 7, "broke; no more calls after 5 in a row"},
-      {"lost:on=RO,nth=3", " --redials 0", 7, "--redials lets the watch dial again by itself"},
-  };
-  for (const auto& [fault, more, exit, message] : rows) {
-    SCOPED_TRACE(message);
-    CommandFixture fixture;
-    sim::SimulatorOptions options;
-    options.model = "Q50";
-    options.faults = {fault};
-    const auto controller = sim::SimulatedController::Create(options).value();
-    fixture.makePort = [&](const LinkSettings& settings, Pacer& pacer, ListeningSocket*) {
-      auto modem = std::make_shared<sim::SimulatedModem>(controller->NewLine(), sim::ModemOptions{});
-      return std::make_unique<ModemPort>(std::make_unique<SimulatedPort>(modem, "COM3", pacer), settings.modem, pacer);
-    };
-    fixture.home.Put("plant.axt", "Version 100\r\nQ50\r\n2\tMI\t0\t1\t\t\t\t\t\r\n\r\n");
-    LinkSettings link;
-    link.transport = Transport::Modem;
-    link.serialPort = "COM3";
-    link.modem.number = "0,123";
-    EXPECT_TRUE(SaveSettings(fixture.home.Path() / "Sessions" / "Default", link));
-    const Result result = fixture.Run(std::string("--model Q50 watch @plant.axt --for 600 --every 1000") + more);
-    EXPECT_EQ(result.exit, exit) << result.err;
-    EXPECT_THAT(result.err, HasSubstr(message));
-    EXPECT_THAT(result.trace, HasSubstr("--> ATDT0,123"));
   }
 }
 

@@ -23,6 +23,7 @@
 #include "base/ProgramVersion.h"
 #include "tests/download/Samples.h"
 #include "tests/kvtele/CommandFixture.h"
+#include "tests/support/PortTo.h"
 #include "tests/support/ProgramProcess.h"
 #include "tests/support/Recorded.h"
 
@@ -110,6 +111,15 @@ const std::map<std::string, Session::Preparation>& Session::Preparations() {
       {"stops-after",
        [](Session& s, const std::string& text) {
          s.mFixture.pacer.After(std::chrono::milliseconds(std::stoi(text)), [&s] { s.mFixture.pacer.RequestStop(); });
+       }},
+      {"cable",  // from any port or modem to a controller of its own
+       [](Session& s, const std::string& model) {
+         sim::SimulatorOptions options = s.mFixture.options;
+         options.model = model;
+         const std::shared_ptr<sim::SimulatedController> controller = sim::SimulatedController::Create(options).value();
+         s.mFixture.makePort = [controller](const LinkSettings& link, Pacer& pacer, ListeningSocket*) {
+           return PortTo(controller->NewLine(), link, pacer);
+         };
        }},
       {"port",
        [](Session& s, const std::string& text) {
