@@ -58,12 +58,12 @@ class WindowLook {
   static std::map<std::string, const QObject*> NewOnes() {
     return {{Kind::staticMetaObject.className(), new Kind}...};
   }
-  // One of the toolkit's kind that nobody has changed. They stay until the program ends, as widgets may.
+  // One of the toolkit's kind that nobody has changed. They are never taken down, for the toolkit ends before them.
   static const QObject& NewOne(const QObject& like) {
-    static const auto kinds =
+    static const auto& kinds = *new auto(
         NewOnes<QObject, QAction, QWidget, QFrame, QLabel, QLineEdit, QPushButton, QToolButton, QCheckBox, QRadioButton,
                 QComboBox, QTableView, QTreeView, QListView, QPlainTextEdit, QTextBrowser, QProgressBar, QSplitter,
-                QScrollArea, QTabWidget, QStackedWidget, QToolBar, QDialog, QMainWindow, QMenu, QGroupBox>();
+                QScrollArea, QTabWidget, QStackedWidget, QToolBar, QDialog, QMainWindow, QMenu, QGroupBox>());
     const QMetaObject* kind = like.metaObject();
     while (!kinds.contains(kind->className())) kind = kind->superClass();
     return *kinds.at(kind->className());
