@@ -16,6 +16,7 @@
 #include <string>
 
 #include "desktop/Pacer.h"
+#include "tests/support/TemporaryFolder.h"
 
 // What tests of windows share. Windows are real, without a screen (for Windows with one, and the platform's own drawing
 // and focus); a test drives them by the names of their controls and waits for conditions.
@@ -31,7 +32,8 @@ class QtEnvironment final : public ::testing::Environment {
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);  // the choice of a file, which no test could drive
 #else
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("FONTCONFIG_FILE", KV_TEST_DATA "/support/fonts/fonts.conf");  // none of the machine's fonts
+    const auto fonts = mFonts.Put("fonts.conf", "<fontconfig><dir>" KV_TEST_DATA "/support/fonts</dir></fontconfig>");
+    qputenv("FONTCONFIG_FILE", fonts.c_str());  // none of the machine's fonts
 #endif
     mApplication = std::make_unique<QApplication>(mCount, mArguments);
   }
@@ -42,6 +44,7 @@ class QtEnvironment final : public ::testing::Environment {
   char mName[5] = "test";
   char* mArguments[2] = {mName, nullptr};
   std::unique_ptr<QApplication> mApplication;
+  TemporaryFolder mFonts;
 };
 
 inline const ::testing::Environment* const kQtEnvironment = ::testing::AddGlobalTestEnvironment(new QtEnvironment);
