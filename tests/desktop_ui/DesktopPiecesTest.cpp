@@ -85,17 +85,20 @@ TEST(ThemeTest, AChoiceIsKeptAndTakenBack) {
   const auto shade = [] { return QApplication::palette().color(QPalette::Window).lightness(); };
   const QPalette before = QApplication::palette();
   const QString style = QApplication::style()->objectName();
-  ThemeChoice(file).Choose(Theme::Dark);
-  EXPECT_LT(shade(), 100);
-  QApplication::setStyle(style);  // as the next start finds it
-  ThemeChoice again(file);
-  EXPECT_EQ(again.Chosen(), Theme::Dark);
-  again.Choose(Theme::Light);
-  EXPECT_GT(shade(), 200);
-  again.Choose(Theme::System);
-  EXPECT_EQ(QApplication::palette(), before);
-  EXPECT_EQ(QApplication::style()->objectName(), style);
-  EXPECT_EQ(ThemeChoice(file).Chosen(), Theme::System);
+  for (const bool isNextStart : {false, true}) {
+    ThemeChoice choice(file);
+    if (!isNextStart) choice.Choose(Theme::Dark);
+    EXPECT_EQ(choice.Chosen(), Theme::Dark);
+    EXPECT_LT(shade(), 100);
+    const std::string kept = TemporaryFolder::Content(file);
+    choice.Choose(Theme::Light);
+    EXPECT_GT(shade(), 200);
+    choice.Choose(Theme::System);
+    EXPECT_EQ(QApplication::palette(), before);
+    EXPECT_EQ(QApplication::style()->objectName(), style);
+    EXPECT_EQ(ThemeChoice(file).Chosen(), Theme::System);
+    folder.Put("Windows.ini", kept);
+  }
 }
 
 struct Window : QWidget {

@@ -23,6 +23,18 @@ const Colours kLight{QColor(0xf3, 0xf4, 0xf6), Qt::white,
 const Colours kDark{QColor(0x2b, 0x2d, 0x30), QColor(0x1e, 0x1f, 0x22), QColor(0xdf, 0xe1, 0xe5),
                     QColor(0x7a, 0x7d, 0x82), QColor(0x2e, 0x6f, 0xb5), QColor(0x6c, 0xb2, 0xff)};
 
+// The same colours, none of them left to the system.
+QPalette AllChosen(QPalette palette) {
+  for (int group = 0; group < QPalette::NColorGroups; ++group) {
+    for (int role = 0; role < QPalette::NColorRoles; ++role) {
+      const auto of = static_cast<QPalette::ColorGroup>(group);
+      const auto at = static_cast<QPalette::ColorRole>(role);
+      palette.setBrush(of, at, palette.brush(of, at));
+    }
+  }
+  return palette;
+}
+
 }  // namespace
 
 QString NameOf(Theme theme) {
@@ -65,7 +77,9 @@ QPalette PaletteOf(Theme theme) {
 }
 
 ThemeChoice::ThemeChoice(std::filesystem::path file)
-    : mFile(std::move(file)), mSystemStyle(QApplication::style()->objectName()) {
+    : mFile(std::move(file)),
+      mSystemStyle(QApplication::style()->objectName()),
+      mSystemPalette(AllChosen(QApplication::palette())) {
   Use(ThemeNamed(QString::fromStdString(ReadProfileString(mFile, kSection, kKey, ""))));
 }
 
@@ -82,7 +96,10 @@ void ThemeChoice::Use(Theme theme) {
   if (QApplication::style()->objectName().compare(style, Qt::CaseInsensitive) != 0) {
     QApplication::setStyle(QStyleFactory::create(style));
   }
-  QApplication::setPalette(theme == Theme::System ? QPalette() : PaletteOf(theme));
+  QApplication::setPalette(theme == Theme::System ? mSystemPalette : PaletteOf(theme));
+  // Back to following the system. What the system names no colour for stays as it is, so that had to be put back
+  // before.
+  if (theme == Theme::System) QApplication::setPalette(QPalette());
 }
 
 }  // namespace kv

@@ -31,6 +31,7 @@ class ThemeChoice {
 
   std::filesystem::path mFile;
   QString mSystemStyle;
+  QPalette mSystemPalette;
   Theme mChosen = Theme::System;
 };
 
