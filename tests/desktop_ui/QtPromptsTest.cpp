@@ -127,7 +127,7 @@ TEST_F(QtPromptsTest, FileDialogsShowTheFilterAndAddItsExtension) {
   EXPECT_EQ(prompts.OpenFile({.title = "Open", .filter = "Telepanel Files (*.kta)|*.kta|Sheets|*.xls;*.xlsx"}),
             std::nullopt);
 
-  const std::string path = folder.filePath("pump").toStdString();
+  const std::string path = QDir::toNativeSeparators(folder.filePath("pump")).toStdString();
   WhenOpen<QFileDialog>(user, [&](QFileDialog& dialog) {
     EXPECT_EQ(dialog.directory(), QDir(folder.path()));
     EXPECT_EQ(Find<QLineEdit>(dialog, "fileNameEdit").text(), "pump");

@@ -1,6 +1,7 @@
 #include "desktop/ui/QtPrompts.h"
 
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
@@ -152,7 +153,7 @@ std::optional<std::string> ChooseFile(const FileDialog& asked, QFileDialog::Acce
   const QString chosen = dialog.selectedFiles().first();
   // A path may have been typed into a dialog that shows another folder.
   folders.Remember(asked.purpose, QFileInfo(chosen).path().toStdString());
-  return chosen.toStdString();
+  return QDir::toNativeSeparators(chosen).toStdString();  // as the user writes it, and every text that names it
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ constexpr const char* kNoFile = "No project file has been selected.";
 std::optional<fs::path> DroppedFile(const QDropEvent& event) {
   const QList<QUrl> urls = event.mimeData()->urls();
   if (urls.size() != 1 || !urls.front().isLocalFile()) return std::nullopt;
-  const fs::path file = PathFromUtf8(urls.front().toLocalFile().toStdString());
+  const fs::path file = PathFromUtf8(urls.front().toLocalFile().toStdString()).make_preferred();
   if (!KindOfDownloadFile(file)) return std::nullopt;
   return file;
 }
