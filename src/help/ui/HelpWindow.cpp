@@ -11,7 +11,7 @@ void HelpWindow::ShowTopic(std::int32_t mapNumber) {
       mPrompts.Show({.text = book.error(), .title = "Help", .icon = PromptIcon::Exclamation});
       return;
     }
-    mWindow = new frmHelp(std::move(*book), mWindowsFile);
+    mWindow = new frmHelp(std::move(*book), mPrompts, mWindowsFile);
   }
   mWindow->ShowTopic(mapNumber);
   mWindow->setWindowState(mWindow->windowState() & ~Qt::WindowMinimized);

@@ -52,7 +52,8 @@ void OnChosen(List& list, frmHelp& window) {
 
 }  // namespace
 
-frmHelp::frmHelp(HelpBook book, const std::filesystem::path& windowsFile) : mBook(std::move(book)) {
+frmHelp::frmHelp(HelpBook book, Prompts& prompts, const std::filesystem::path& windowsFile)
+    : mBook(std::move(book)), mPrompts(prompts) {
   setObjectName("frmHelp");
   setProperty(kStandsBeside, true);
   setWindowTitle("Telepanel help");
@@ -225,7 +226,17 @@ void frmHelp::Search(const QString& question) {
 }
 
 void frmHelp::Print() {
+  const OwnCommand command(*this);
   QPrinter printer;
+#ifdef _WIN32  // whose dialog does not open without a printer; others make a file then
+  if (printer.outputFormat() != QPrinter::NativeFormat) {
+    mPrompts.Show({.text = "There is no printer on this computer.\nWhat to do: add one in the settings of the system; "
+                           "one that makes PDF files will do.",
+                   .title = "Help",
+                   .icon = PromptIcon::Exclamation});
+    return;
+  }
+#endif
   QPrintDialog dialog(&printer, this);
   dialog.setObjectName("PrintDialog");
   if (dialog.exec() == QDialog::Accepted) mBrowser->print(&printer);

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "desktop/Prompts.h"
 #include "help/HelpBook.h"
 #include "help/HelpSearch.h"
 
@@ -23,8 +24,8 @@ class HelpBrowser;
 // The help: contents, index and search on the left, the page on the right. It stands beside all other windows.
 class frmHelp final : public QWidget {
  public:
-  // `windowsFile` keeps its place.
-  frmHelp(HelpBook book, const std::filesystem::path& windowsFile);
+  // `windowsFile` keeps its place; `prompts` outlives it.
+  frmHelp(HelpBook book, Prompts& prompts, const std::filesystem::path& windowsFile);
 
   // The page with this map number, or the first page.
   void ShowTopic(std::int32_t mapNumber);
@@ -41,6 +42,7 @@ class frmHelp final : public QWidget {
   void Print();
 
   HelpBook mBook;
+  Prompts& mPrompts;
   std::optional<HelpSearch> mSearch;  // made for the first question: most who open the help ask none
   HelpBrowser* mBrowser = nullptr;
   QTabWidget* mTabs = nullptr;
