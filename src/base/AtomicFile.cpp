@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <fstream>
 #include <system_error>
 
 #include "base/FilePlatform.h"
@@ -24,6 +23,14 @@ std::unexpected<FileError> CannotSave(const fs::path& file, const std::error_cod
                                ? "); close it in other programs, and check that its folder may be written to"
                                : "); check that its folder exists, may be written to and has room";
   return Failed(file, "it cannot be saved (" + SystemMessage(error) + cure);
+}
+
+std::unexpected<FileError> CannotOpen(const fs::path& file) {
+  const std::error_code error = ErrorOfOpening(file);
+  if (!error) return Failed(file, "it could not be opened at first; try again");
+  const char* const cure =
+      IsHeldByAnother(error) ? "); another program has it open: close it there" : "); check the rights to it";
+  return Failed(file, "it cannot be opened (" + SystemMessage(error) + cure);
 }
 
 // Writes a file of a free name in the folder of `file`, and returns its path.
@@ -62,16 +69,24 @@ std::expected<void, FileError> SaveAtomically(const fs::path& file, std::string_
   return {};
 }
 
-std::expected<std::string, FileError> ReadWholeFile(const fs::path& file, std::size_t limit) {
+std::expected<std::ifstream, FileError> OpenForReading(const fs::path& file) {
   std::error_code error;
   const fs::file_status status = fs::status(file, error);
   if (status.type() == fs::file_type::not_found) return Failed(file, "it does not exist");
-  if (!fs::exists(status)) return Failed(file, "it cannot be read: " + SystemMessage(error));
+  if (!fs::exists(status))
+    return Failed(file, "it cannot be read (" + SystemMessage(error) + "); check the rights to its folder");
   if (!fs::is_regular_file(status))
     return Failed(file, "it cannot be read, because it is no plain file");  // could block
 
   std::ifstream stream(file, std::ios::binary);
-  if (!stream) return Failed(file, "it cannot be opened; check the rights to it");
+  if (!stream) return CannotOpen(file);
+  return stream;
+}
+
+std::expected<std::string, FileError> ReadWholeFile(const fs::path& file, std::size_t limit) {
+  auto opened = OpenForReading(file);
+  if (!opened) return std::unexpected(std::move(opened.error()));
+  std::ifstream& stream = *opened;
   constexpr std::size_t kPiece = std::size_t{64} * 1024;
   std::string content;
   while (stream && content.size() <= limit) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <expected>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -24,7 +25,10 @@ struct FileError {
 [[nodiscard]] std::expected<void, FileError> SaveAtomically(const std::filesystem::path& file,
                                                             std::string_view content);
 
-// The whole file; refused when it is larger than `limit` bytes, missing, or no plain file.
+// The file from its beginning; refused when it is missing or no plain file, or cannot be opened, with the reason.
+[[nodiscard]] std::expected<std::ifstream, FileError> OpenForReading(const std::filesystem::path& file);
+
+// The whole file; refused as above, and when it is larger than `limit` bytes.
 [[nodiscard]] std::expected<std::string, FileError> ReadWholeFile(const std::filesystem::path& file, std::size_t limit);
 
 }  // namespace kv

@@ -30,7 +30,12 @@ namespace kv {
 // What the system says of an error, in UTF-8 and without a line end.
 [[nodiscard]] std::string SystemMessage(const std::error_code& code);
 
-// Whether the error may be that another program has the file open; never where that keeps nobody from replacing it.
+// Why the file cannot be opened for reading, found out by another attempt; no error when that succeeds.
+[[nodiscard]] std::error_code ErrorOfOpening(const std::filesystem::path& file);
+
+// Whether the error says that another program has the file open, or may come of that; never where that keeps nobody
+// from reading and replacing it.
+[[nodiscard]] bool IsHeldByAnother(const std::error_code& code);
 [[nodiscard]] bool MayBeHeldByAnother(const std::error_code& code);
 
 // The name of a file or of a folder that is there, for libraries that take names as plain characters. Empty when the

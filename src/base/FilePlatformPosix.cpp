@@ -86,6 +86,17 @@ std::string SystemMessage(const std::error_code& code) {
   return code.message();
 }
 
+std::error_code ErrorOfOpening(const fs::path& file) {
+  const int descriptor = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) return LastError();
+  close(descriptor);
+  return {};
+}
+
+bool IsHeldByAnother(const std::error_code&) {
+  return false;
+}
+
 bool MayBeHeldByAnother(const std::error_code&) {
   return false;
 }

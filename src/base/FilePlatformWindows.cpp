@@ -72,9 +72,22 @@ std::string SystemMessage(const std::error_code& code) {
   return text.empty() ? code.message() : Utf8FromPath(text);
 }
 
-bool MayBeHeldByAnother(const std::error_code& code) {
-  constexpr int kCodes[] = {ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION, ERROR_ACCESS_DENIED, ERROR_USER_MAPPED_FILE};
+// Shared as the library's streams share it.
+std::error_code ErrorOfOpening(const fs::path& file) {
+  const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return LastError();
+  CloseHandle(handle);
+  return {};
+}
+
+bool IsHeldByAnother(const std::error_code& code) {
+  constexpr int kCodes[] = {ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION, ERROR_USER_MAPPED_FILE};
   return code.category() == std::system_category() && std::ranges::count(kCodes, code.value()) > 0;
+}
+
+bool MayBeHeldByAnother(const std::error_code& code) {
+  return IsHeldByAnother(code) || code == std::error_code(ERROR_ACCESS_DENIED, std::system_category());
 }
 
 std::string NarrowName(const fs::path& file) {

@@ -2,16 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <system_error>
 
-#include "base/FilePlatform.h"
 #include "base/Numbers.h"
 #include "base/PathText.h"
 #include "base/Texts.h"
 
 namespace kv {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -105,21 +101,6 @@ bool CloneLineReader::Fill() {
   mBuffer.resize(static_cast<std::size_t>(mStream.gcount()));
   if (mDigest != nullptr) mDigest->Add(mBuffer);
   return !mBuffer.empty();
-}
-
-std::expected<std::ifstream, FileError> OpenCloneFile(const fs::path& file) {
-  const auto fail = [&file](const std::string& what) {
-    return std::unexpected(FileError{Utf8FromPath(file), "", what});
-  };
-  std::error_code error;
-  const fs::file_status status = fs::status(file, error);
-  if (status.type() == fs::file_type::not_found) return fail("it does not exist");
-  if (!fs::exists(status))
-    return fail("it cannot be read (" + SystemMessage(error) + "); check the rights to its folder");
-  if (!fs::is_regular_file(status)) return fail("it cannot be read, because it is no plain file");  // could block
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) return fail("it cannot be opened; check the rights to it");
-  return stream;
 }
 
 std::expected<CloneHead, LineError> ReadCloneHead(CloneLineReader& lines) {

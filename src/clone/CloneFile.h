@@ -70,9 +70,6 @@ class CloneLineReader {
   std::uint64_t mPosition = 0;
 };
 
-// Opens a clone file for reading; refused when it is missing or no plain file.
-[[nodiscard]] std::expected<std::ifstream, FileError> OpenCloneFile(const std::filesystem::path& file);
-
 // Reads the four head lines; the damage is the first line that is not as it must be.
 [[nodiscard]] std::expected<CloneHead, LineError> ReadCloneHead(CloneLineReader& lines);
 

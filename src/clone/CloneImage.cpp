@@ -13,7 +13,7 @@ std::expected<CloneImage, CloneOutcome> CloneImage::Open(const std::filesystem::
   if (!info->IsSound()) {
     return std::unexpected(CloneOutcome::OfFile(info->damages.front().In(name)));
   }
-  auto stream = OpenCloneFile(file);
+  auto stream = OpenForReading(file);
   if (!stream) return std::unexpected(CloneOutcome::OfFile(stream.error()));
   return CloneImage(name, *std::move(stream), *std::move(info));
 }

@@ -172,7 +172,7 @@ void AddressRanges::Add(std::uint32_t address, std::uint32_t length) {
 }
 
 std::expected<CloneInfo, CloneOutcome> InspectClone(const std::filesystem::path& file, const CloneWork& work) {
-  auto stream = OpenCloneFile(file);
+  auto stream = OpenForReading(file);
   if (!stream) return std::unexpected(CloneOutcome::OfFile(stream.error()));
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(file, error);

@@ -112,7 +112,7 @@ clsDumpPLC::Step clsDumpPLC::Restore(SerialPortObject& port, const std::filesyst
   mReach.lines = *commands;
   mWindow.Event_ProgressBarInit(0, mReach.lines);
 
-  auto stream = OpenCloneFile(file);
+  auto stream = OpenForReading(file);
   if (!stream) return std::unexpected(CloneOutcome::OfFile(stream.error()));
   Sha256 read;
   CloneLineReader lines(*stream, Utf8FromPath(file), &read);
@@ -147,7 +147,7 @@ clsDumpPLC::Step clsDumpPLC::CheckAllWasSent(const CloneLineReader& lines, bool 
 }
 
 std::expected<std::int64_t, CloneOutcome> clsDumpPLC::ShowHead(const std::filesystem::path& file) {
-  auto stream = OpenCloneFile(file);
+  auto stream = OpenForReading(file);
   if (!stream) return std::unexpected(CloneOutcome::OfFile(stream.error()));
   Sha256 digest;
   CloneLineReader lines(*stream, Utf8FromPath(file), &digest);

@@ -1,7 +1,6 @@
 #include "download/CompactOsFile.h"
 
 #include <algorithm>
-#include <fstream>
 
 #include "download/FileFields.h"
 #include "download/OsFileName.h"
@@ -58,16 +57,11 @@ std::expected<CompactOsFile, DownloadFileError> ReadCompactOsFile(const std::fil
 }
 
 std::expected<CompactOsHead, DownloadFileError> ReadCompactOsHead(const std::filesystem::path& file) {
+  auto stream = OpenForReading(file);
+  if (!stream) return std::unexpected(DownloadFileError{DownloadFileFault::Unreadable, stream.error()});
   std::string bytes(kHead, '\0');
-  const auto fail = [&file](const char* what) {
-    return std::unexpected(DownloadFileError{DownloadFileFault::Unreadable, {Utf8FromPath(file), "", what}});
-  };
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) return fail("it is missing or no plain file");  // could block
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) return fail("it cannot be opened; check the rights to it");
-  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  bytes.resize(static_cast<std::size_t>(stream.gcount()));
+  stream->read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<std::size_t>(stream->gcount()));
   return ParseHead(bytes, FaultsOf(Utf8FromPath(file)));
 }
 

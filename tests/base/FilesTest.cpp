@@ -30,8 +30,9 @@ TEST(SaveAtomically, ReplacesContentAndLeavesNothingElse) {
 TEST(SaveAtomically, LeavesAFileThatAnotherProgramHasOpen) {
   const TemporaryFolder folder;
   const fs::path file = folder.Put("a.bin", "old");
-  const HANDLE open = CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  const HANDLE open = CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
   const auto saved = SaveAtomically(file, "new");
+  EXPECT_TRUE(ReadWholeFile(file, 10).error().what.ends_with("; another program has it open: close it there"));
   CloseHandle(open);
   ASSERT_FALSE(saved);
   EXPECT_TRUE(saved.error().what.contains("; close it in other programs, and ")) << saved.error().what;
