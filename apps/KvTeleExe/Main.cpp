@@ -59,7 +59,12 @@ int main(int argc, char** argv) {
   options.process(*application);
   if (OnlyPrints(argc, argv)) options.showHelp();  // such a word in the place of a folder's name
 
-  const auto folders = kv::FindProgramFolders(kv::PlacesOfProgram(), NamedHome(options.value(home)));
+  const std::filesystem::path named = NamedHome(options.value(home));
+  if (const auto fault = kv::HomeFault(named)) {
+    Tell(FaultText(*fault));
+    return 1;
+  }
+  const auto folders = kv::FindProgramFolders(kv::PlacesOfProgram(), named);
   if (!folders) {
     Tell(FaultText(folders.error()));
     return 1;

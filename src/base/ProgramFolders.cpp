@@ -78,6 +78,15 @@ const char* HomeReasonText(HomeReason reason) {
   return "this user's own: the program folder cannot be written to";
 }
 
+std::optional<FoldersFault> HomeFault(const fs::path& named) {
+  std::error_code error;
+  if (named.empty() || fs::is_directory(named, error)) return std::nullopt;
+  return FoldersFault{.happened = "--home names " + Utf8FromPath(named) +
+                                  ", which cannot be used: " + (error ? SystemMessage(error) : "it is no folder"),
+                      .cause = "the name is mistyped or not UTF-8, or its drive is not connected",
+                      .cure = "name the folder that holds the folder Sessions, or leave out --home"};
+}
+
 ProgramPlaces PlacesOfProgram() {
   return {.program = ExecutableFolder(), .user = UserDataFolder()};
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <expected>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "base/ProgramPaths.h"
@@ -36,6 +37,9 @@ struct FoldersFault {
   std::string cause;
   std::string cure;
 };
+
+// What is wrong with the home that the user has named; nothing where he has named none.
+[[nodiscard]] std::optional<FoldersFault> HomeFault(const std::filesystem::path& named);
 
 // A program folder with a file of this name is for all users: nobody's sessions lie in it, not even those of an
 // administrator, who could write to it.

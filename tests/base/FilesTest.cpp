@@ -100,6 +100,7 @@ TEST(ProgramFolders, AreTheUsersOwnWhereTheProgramsAreNot) {
 
     const auto found = FindProgramFolders({below("program"), below(each.user)}, below(each.named));
     ASSERT_EQ(found.has_value(), each.home != nullptr) << each.user;
+    EXPECT_EQ(HomeFault(below(each.named)).has_value(), std::string_view(each.named) == "named") << "is not there";
     if (!found) {
       EXPECT_TRUE(found.error().happened.contains(Utf8FromPath(below("program")))) << found.error().happened;
       EXPECT_TRUE(found.error().cure.contains("--home"));
