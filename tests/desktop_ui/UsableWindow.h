@@ -43,6 +43,7 @@ inline void ExpectNothingIsCovered(const QWidget& page) {
 
 // Each control that Tab reaches has a name or reads its text, and a button then says what it does.
 inline void ExpectControlsCanBeRead(const QObject& window) {
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);  // a window is shown before its parts are placed
   for (const QWidget* widget : window.findChildren<QWidget*>()) {
     ExpectNothingIsCovered(*widget);
     if ((widget->focusPolicy() & Qt::TabFocus) == 0 || !widget->isVisible()) continue;

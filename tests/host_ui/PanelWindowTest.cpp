@@ -309,7 +309,7 @@ TEST_F(PanelWindowTest, AQuestionInTheMiddleOfAnExchangeIsNoSilenceAndARefusalHa
 TEST_F(PanelWindowTest, TheKeysOfATextDisplayAreOnTheKeyboardAndBesideIt) {
   RunOnLine(kText, [&](QMainWindow& window) {
     auto& start = Find<QPushButton>(window, "cmdKey F1");
-    EXPECT_THAT(start.toolTip().toStdString(), AllOf(HasSubstr("Start"), HasSubstr("(F1)")));
+    EXPECT_TRUE(WaitUntil([&] { return start.toolTip().contains("Start") && start.toolTip().contains("(F1)"); }));
     Operate(window);
     QTest::mouseClick(&start, Qt::LeftButton);
     EXPECT_TRUE(WaitUntil([&] { return start.accessibleName().contains("lamp on"); }))

@@ -114,7 +114,8 @@ class WindowLook {
     for (const QMetaObject* kind = object.metaObject(); kind; kind = kind->superClass()) {
       for (int at = kind->propertyOffset(); at < kind->propertyCount(); ++at) {
         const QMetaProperty property = kind->property(at);
-        if (IsUntold(property.name())) continue;
+        const bool wantsRoom = object.objectName() == "toolBar" && !qstrcmp(property.name(), "toolButtonStyle");
+        if (wantsRoom || IsUntold(property.name())) continue;
         const std::string value = Value(object, property);
         const bool isKnown = at < usual.metaObject()->propertyCount();
         if (value == (isKnown ? Value(usual, property) : "")) continue;
@@ -287,11 +288,9 @@ class WindowLook {
     }
     const QModelIndex current = view.currentIndex();
     if (parent.isValid() || !current.isValid()) return;
-    Add(depth, "at " + std::to_string(current.row()) + "," + std::to_string(current.column()));
-    for (const int role : {Qt::AccessibleTextRole, Qt::ToolTipRole}) {
-      const QString told = current.data(role).toString().replace('\n', " / ");
-      if (!told.isEmpty()) Add(depth + 1, told.toStdString());
-    }
+    QString told = QString("at %1,%2").arg(current.row()).arg(current.column());
+    for (const int role : {Qt::AccessibleTextRole, Qt::ToolTipRole}) told += "|" + current.data(role).toString();
+    Add(depth, told.replace('\n', " / ").toStdString());
     for (const QWidget* editor : view.viewport()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
       if (editor->isVisible()) AddWidget(*editor, depth + 1);
     }

@@ -235,6 +235,8 @@ class WindowSteps {
     QString look = QString::fromStdString(WindowLook(window).Text())
                        .replace(QString::fromStdString(mHome.Path().string()), "HOME")
                        .remove('\r');
+    const QRegularExpression separator(R"((HOME.*)\\)");  // of the other system
+    while (look.contains(separator)) look.replace(separator, "\\1/");
     for (const auto& [text, instead] : {std::pair("[0-9]{4}-[0-9]{2}-[0-9]{2}", "DATE"),
                                         {"[0-9]{2}:[0-9]{2}:[0-9]{2}([.][0-9]+)?", "TIME"},
                                         {"serial number [0-9]+", "serial number N"},
@@ -242,6 +244,7 @@ class WindowSteps {
                                         {"Version [0-9.]+", "Version N"},
                                         {"(lblSerial|lblExchanges|lblRoundTrip|lblRepeats) text=\\S+", "\\1 text=N"},
                                         {"[0-9a-f]{64}", "HASH"},
+                                        {"lblStep0 text=File: \\S+", "lblStep0 text=File"},
                                         {"lblError text=.*? toolTip", "lblError toolTip"},
                                         {"[|][0-9]+[.][0-9.]+[|]", "|N|"},
                                         {"[.][0-9]+[.]part", ".N.part"},

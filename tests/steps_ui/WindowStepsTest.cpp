@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <regex>
+#include <set>
 #include <sstream>
 
 #include "tests/download/Samples.h"
@@ -36,6 +38,37 @@ std::vector<Session> SessionsOf(const std::string& written) {
   return sessions;
 }
 
+#ifdef _WIN32
+// Each step with what it has changed in any order. Colours of letters and frames are the system's, and so is what has
+// the keys behind a box or an editor: with them a cell becomes current.
+std::string OnEverySystem(const std::string& steps) {
+  std::string all;
+  std::multiset<std::string> changes;
+  std::istringstream lines(ToldHere(steps) + "> ");
+  for (std::string line; std::getline(lines, line);) {
+    line = std::regex_replace(line, std::regex("no control has the keys,"), "the keys go to");
+    if (std::regex_search(line, std::regex("^  (#|[-+] (at \\d|@))"))) continue;
+    const bool isChange = line.starts_with("  - ") || line.starts_with("  + ");
+    if (line.starts_with("> ")) {
+      for (const std::string& change : std::exchange(changes, {})) all += change + "\n";
+    }
+    if (!isChange) {
+      all += line + "\n";
+      continue;
+    }
+    std::string opposite = line;
+    opposite[2] = line[2] == '-' ? '+' : '-';
+    const auto moved = changes.find(opposite);
+    moved == changes.end() ? void(changes.insert(line)) : void(changes.erase(moved));
+  }
+  return all;
+}
+#else
+const std::string& OnEverySystem(const std::string& steps) {
+  return steps;
+}
+#endif
+
 TEST_P(WindowStepsTest, EachStepChangesWhatItDid) {
   const auto file = std::filesystem::path(KV_TEST_DATA) / "host_ui" / "steps" / (std::string(GetParam()) + ".txt");
   const std::string written = TemporaryFolder::Content(file);
@@ -57,7 +90,7 @@ TEST_P(WindowStepsTest, EachStepChangesWhatItDid) {
     Run([&](QMainWindow&) { again += WindowSteps(home, session.steps).Do(); });
   }
   if (qEnvironmentVariableIsSet("KV_RENEW_LOOKS") && !HasFailure()) std::ofstream(file, std::ios::binary) << again;
-  test::ExpectSameLines(ToldHere(again), ToldHere(written), "> ");
+  test::ExpectSameLines(OnEverySystem(again), OnEverySystem(written), "> ");
 }
 
 INSTANTIATE_TEST_SUITE_P(Windows, WindowStepsTest,
