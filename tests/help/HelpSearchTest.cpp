@@ -14,6 +14,7 @@
 #include "help/HtmlText.h"
 #include "tests/help/BuiltHelp.h"
 #include "tests/support/Recorded.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
 namespace {
