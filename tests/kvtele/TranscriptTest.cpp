@@ -23,6 +23,7 @@
 #include "base/ProgramVersion.h"
 #include "tests/download/Samples.h"
 #include "tests/kvtele/CommandFixture.h"
+#include "tests/support/FileRights.h"
 #include "tests/support/PortTo.h"
 #include "tests/support/ProgramProcess.h"
 #include "tests/support/Recorded.h"
@@ -162,6 +163,10 @@ const std::map<std::string, Session::Preparation>& Session::Preparations() {
          const auto [project, model] = Halves(text);
          s.mFixture.home.Put("mill.kta", PrintPagesFile({project, model}));
        }},
+      {"owners",  // nobody else may read a file
+       [](Session& s, const std::string& text) { GiveRights(s.File(text), Rights::Owners); }},
+      {"open",  // to others
+       [](Session& s, const std::string& text) { GiveRights(s.File(text), Rights::GroupReads); }},
       {"locked",  // as the mark of a window that works in this session
        [](Session& s, const std::string& text) {
          std::filesystem::permissions(s.File(text), std::filesystem::perms::owner_read);
@@ -187,6 +192,7 @@ std::string General(std::string line) {
       {std::regex("(made by +|\"madeBy\": \")[^\n@]+@[^\n\"]+"), "$1SOMEBODY"},
       {std::regex("this computer has .*[.]"), "this computer has PORTS."},
       {std::regex("Path not found|File not found"), "No such file or directory"},  // the words of another system
+      {std::regex("(chmod 600 the file|take everybody .* settings), and"), "SHUT IT, and"},
       {std::regex("Changes[.]lock: it cannot be written [(][^)]*"), "Changes.lock: it cannot be written (WHY"},
   };
   for (const auto& [what, instead] : kParts) line = std::regex_replace(line, what, instead);
