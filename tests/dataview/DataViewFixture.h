@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "dataview/DataTypesView.h"
+#include "dataview/operands/OperandCatalogue.h"
 #include "desktop/MemoryClipboard.h"
 #include "desktop/VirtualPacer.h"
 #include "editors/clsHexSelector.h"
@@ -87,7 +88,8 @@ class OperandChannel : public FakeChannel {
   }
 };
 
-// The view on fakes: whatever it asks, sends and tells is in one log, and with what it shows in the record of the test.
+// The view on fakes: whatever it asks, sends and tells is in one log, and with what it shows and what then stands in
+// its grids in the record of the test.
 struct DataViewFixture : SessionFixture, GridListener, HexSelectorWindow {
   explicit DataViewFixture(const std::string& model = "K220-22-R1") {
     host.model = model;
@@ -95,6 +97,7 @@ struct DataViewFixture : SessionFixture, GridListener, HexSelectorWindow {
     view.Open();
   }
   ~DataViewFixture() override {
+    ShowGrids();
     ExpectAsRecorded([this] { return WithoutHome(shown, home.Path()); });
   }
 
@@ -128,7 +131,37 @@ struct DataViewFixture : SessionFixture, GridListener, HexSelectorWindow {
     CallLog calls = Taken();
     shown += "--> " + std::string(tool) + "\n";
     for (const std::string& call : calls) shown += call + "\n";
+    ShowGrids();
     return calls;
+  }
+  // The regions with their values and age, and the operands: "12" was read, "=12" is to be written.
+  [[nodiscard]] std::string Grids() const {
+    std::string text;
+    const auto rows = view.Regions().Rows();
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      const auto& [region, description, size, format, values, readAt, isFromFile] = rows[i];
+      text += "  [" + std::string(TypeName(region.type)) + " " + std::to_string(region.from) + ".." +
+              std::to_string(region.to) + "] " + description + " (" + std::string(SizeName(size)) + ", " +
+              std::string(FormatName(format)) + ")" + values + (isFromFile ? " (of a file) " : " ") + view.AgeText(i) +
+              "\n";
+    }
+    const OperandStore& cells = view.Operands();
+    for (std::int32_t row = 1; row <= kOperandTypeCount; ++row) {
+      const OperandTypeCode type = TypeOfRow(row);
+      for (std::int32_t at = 0, last = -2; at < cells.CountOf(type); ++at) {
+        if (cells.Origin(type, at) == CellOrigin::None) continue;
+        if (std::exchange(last, at) != at - 1)
+          text += "\n  " + std::string(TypeName(type)) + " " + std::to_string(at) + ":";
+        text += (cells.Origin(type, at) == CellOrigin::Edited ? " =" : " ") + cells.Text(type, at);
+      }
+    }
+    return text + "\n";
+  }
+  // As far as they are others than they were.
+  void ShowGrids() {
+    std::string now = Grids();
+    if (now != mGrids) shown += now;
+    mGrids = std::move(now);
   }
 
   std::function<std::optional<std::string>(const std::string&)> separator = [](const std::string& offered) {
@@ -141,6 +174,9 @@ struct DataViewFixture : SessionFixture, GridListener, HexSelectorWindow {
   MemoryClipboard clipboard;
   clsHexSelector selector{*this};
   DataTypesView view{{shared, prompts, pacer, clipboard, selector, pacer}, *this};
+
+ private:
+  std::string mGrids = "\n";
 };
 
 }  // namespace kv::test

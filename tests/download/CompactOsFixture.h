@@ -35,15 +35,6 @@ struct CompactOsFixture final : DownloadFixture {
     if (controller->State() == 'B') return "boot loader";
     return WithState(controller->Truth().contains("|4.71|02|") ? "new O/S" : "old O/S");
   }
-  // What the controller was told, the blocks of the image as one.
-  [[nodiscard]] std::string Told() const {
-    std::string all;
-    for (const std::string& text : controller->told) {
-      const std::string word = CommandOf(text);
-      if (word == text || !all.ends_with(" " + word)) all += " " + word;
-    }
-    return all.substr(std::min<std::size_t>(1, all.size()));
-  }
   void AnswerTo(const std::string& command, const std::string& reply) {
     controller->onText = [=, this](std::string_view text, sim::TextReply& told) {
       if (text.starts_with(command)) told.text = reply;

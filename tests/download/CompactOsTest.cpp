@@ -14,32 +14,15 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
-// What each shows, and how long it waits for what, stands in its record.
+// What each shows and is told, how long it waits for what, and how it ends, stands in its record: here and below.
 TEST(CompactOs, EveryModelGetsItsOwnOnEveryKindOfLine) {
-  struct Row {
-    const char* model;
-    const char* told;
-  };
-  const Row rows[] = {
-      {"Q50", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE"},
-      {"Q50Net", "CCS CCS CCB CB0A FS05 OSE0 FW FW00000000 CCE"},
-      {"Q51", "CCS CCS CCB CPSR010A FS05 OSE0 OSP0 CCE"},
-      {"Q58", "CCS CCS CCB CPSR010A FS05 OSE0 OSP0 CCE"},
-      {"PX1", "CCS CCS CCB FS05 OSC7F OSP0 CCE"},
-      {"PR1", "CCS CCS CCB FS05 OSC7F OSP0 CCE"},
-      {"BRIO", "CCS CCS CCB FS05 OSC7F OSP0 CCE"},
-  };
-  for (const Row& row : rows) {
+  for (const char* model : {"Q50", "Q50Net", "Q51", "Q58", "PX1", "PR1", "BRIO"}) {
     for (const bool isSerial : {true, false}) {
       for (const bool boot : {false, true}) {
-        SCOPED_TRACE(std::string(row.model) + (isSerial ? " serial" : "") + (boot ? " in boot" : ""));
-        CompactOsFixture fixture(Plc(row.model, "", boot), isSerial);
+        SCOPED_TRACE(std::string(model) + (isSerial ? " serial" : "") + (boot ? " in boot" : ""));
+        CompactOsFixture fixture(Plc(model, "", boot), isSerial);
         EXPECT_TRUE(fixture.Download()) << OutcomeText(fixture.outcome);
-        const std::string enter = "CCS CCS CCB ";
-        EXPECT_EQ(fixture.Told(), boot ? row.told + enter.size() : row.told);
-        EXPECT_THAT(fixture.controller->Truth(), HasSubstr("|4.71|02|R"));
         EXPECT_EQ(fixture.Link()->GetComParams().baudRate, isSerial ? kUsualBaud : 0) << "as it was before";
       }
     }
@@ -54,7 +37,6 @@ TEST(CompactOs, WhatDoesNotFitIsRefusedAndNothingIsSent) {
     CompactOsFixture fixture(Plc("Q50", installed));
     fixture.file = fixture.Put("", "Q50", {chosen, 2});
     EXPECT_EQ(fixture.Download(), isTaken);
-    EXPECT_EQ(fixture.Told().empty(), !isTaken);
   }
   CompactOsFixture none(Plc("PR1"));
   for (const bool isEmpty : {true, false}) {
@@ -65,7 +47,6 @@ TEST(CompactOs, WhatDoesNotFitIsRefusedAndNothingIsSent) {
   CompactOsFixture older(Plc("Q51", "4.90"));
   older.desk.declined = "is older than the one in the controller";
   EXPECT_FALSE(older.Download());
-  EXPECT_EQ(older.Told() + (older.desk.said.size() == 1 ? "" : "asked more"), "");
   older.file = "gone.OSI";
   EXPECT_FALSE(older.Download());
   EXPECT_THAT(older.desk.said, ElementsAre(testing::StartsWith("O/S Downloader: gone.OSI"))) << "not: it does not fit";
@@ -75,25 +56,18 @@ TEST(CompactOs, WhatDoesNotFitIsRefusedAndNothingIsSent) {
     EXPECT_THAT(preview.losses.front(), testing::Not(HasSubstr("program stops"))) << "it does not run";
   };
   EXPECT_FALSE(inBoot.Download());
-  EXPECT_EQ(inBoot.outcome.end, DownloadEnd::Declined);
-  EXPECT_EQ(inBoot.Told(), "");
   FoundController found{{"Q51", "51", "4.60", "19"}, {.serialNumber = 7, .state = 'R', .projectName = ""}};
   EXPECT_EQ(found.ReplacedText(), " in place of 4.60");
   found.info.state = 'B';
   EXPECT_EQ(found.ReplacedText(), "") << "a boot loader tells of no O/S";
   CompactOsFixture other(Plc("K330"));
   EXPECT_FALSE(other.Download());
-  EXPECT_EQ(other.outcome.end, DownloadEnd::Refused);
-  EXPECT_THAT(other.controller->told, IsEmpty());
 }
 
 TEST(CompactOs, AFileThatChangesMeanwhileIsNotSentAndADryRunSendsNothing) {
   CompactOsFixture fixture(Plc("Q51"));
   fixture.order.isDryRun = true;
   EXPECT_FALSE(fixture.Download());
-  EXPECT_EQ(fixture.outcome.end, DownloadEnd::WouldGoOn);
-  EXPECT_EQ(fixture.Told(), "");
-
   fixture.order.isDryRun = false;
   const std::string other = SampleOs("Q51", {"4.71", 2}, 999);
   for (const auto& content :
@@ -105,7 +79,6 @@ TEST(CompactOs, AFileThatChangesMeanwhileIsNotSentAndADryRunSendsNothing) {
       if (content) PutFile(file, *content);
     };
     EXPECT_FALSE(fixture.Download());
-    EXPECT_EQ(fixture.Told(), "");
   }
 
   fixture.desk.onBox = nullptr;
@@ -117,10 +90,7 @@ TEST(CompactOs, AFileThatChangesMeanwhileIsNotSentAndADryRunSendsNothing) {
     };
     const bool isBeforeErase = when == "CCB";
     EXPECT_EQ(fixture.Download(), !isBeforeErase) << OutcomeText(fixture.outcome);
-    EXPECT_EQ(fixture.outcome.left, isBeforeErase ? ControllerLeft::BootLoader : ControllerLeft::NewOs);
     if (!isBeforeErase) continue;
-    EXPECT_EQ(fixture.Told(), "CCS CCS CCB CPSR010A") << "the old O/S is still there";
-    EXPECT_THAT(fixture.outcome.reason, HasSubstr("Q51v4712.OSI"));
     fixture.controller->Restart();
     fixture.driver.CloseDriver();
   }
@@ -131,22 +101,22 @@ TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
   struct Row {
     const char* command;
     const char* reply;
-    ControllerLeft left;
   };
+  // clang-format off: one row a line
   const Row rows[] = {
-      {"FI", "FI50", ControllerLeft::BootLoader},
-      {"FI", "FI10", ControllerLeft::BootLoader},
-      {"OSS", "OS20", ControllerLeft::BootLoaderUnsure},
-      {"OSS", "OS11", ControllerLeft::BootLoaderUnsure},
-      {"OSP00080", "OSNO", ControllerLeft::BootLoaderErased},
-      {"OSP00080", "OSERROR0A", ControllerLeft::BootLoaderErased},
+      {"FI", "FI50"},
+      {"FI", "FI10"},
+      {"OSS", "OS20"},
+      {"OSS", "OS11"},
+      {"OSP00080", "OSNO"},
+      {"OSP00080", "OSERROR0A"},
   };
+  // clang-format on
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.command) + " " + row.reply);
     CompactOsFixture fixture(Plc("Q51"));
     fixture.AnswerTo(row.command, row.reply);
     EXPECT_FALSE(fixture.Download());
-    EXPECT_EQ(fixture.outcome.left, row.left);
     EXPECT_TRUE(fixture.DownloadAgain()) << OutcomeText(fixture.outcome);
   }
 
@@ -156,9 +126,6 @@ TEST(CompactOs, OnlyAControllerThatReportsTheNewOsIsASuccess) {
     if (text.starts_with("OSP00040")) told.text = "OSOK";
   };
   EXPECT_FALSE(damaged.Download());
-  EXPECT_EQ(damaged.outcome.left, ControllerLeft::BootLoaderUnsure);
-  EXPECT_THAT(damaged.desk.said.back(),
-              HasSubstr("The O/S was sent, but the controller is not what it was to be then."));
 }
 
 // Whoever sends an erase again that may have been executed takes "busy" for a yes, and nothing else.
@@ -181,12 +148,11 @@ TEST(CompactOs, WhatTheControllerSaysAfterItsRestartIsHeldAgainstTheFile) {
     const char* model;
     const char* os;
     char state;
-    ControllerLeft left;
   };
-  const Row rows[] = {{"Q51-2-R34|51", "4.60|19", 'R', ControllerLeft::OldOs},
-                      {"Q51-2-R34|51", "4.71|03", 'R', ControllerLeft::SomeOs},
-                      {"Q58-2-R34|58", "4.71|02", 'R', ControllerLeft::NewOs},
-                      {"Q51-2-R34|51", "4.71|02", 'S', ControllerLeft::NewOs}};
+  const Row rows[] = {{"Q51-2-R34|51", "4.60|19", 'R'},
+                      {"Q51-2-R34|51", "4.71|03", 'R'},
+                      {"Q58-2-R34|58", "4.71|02", 'R'},
+                      {"Q51-2-R34|51", "4.71|02", 'S'}};
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.model) + row.os + row.state);
     CompactOsFixture fixture(Plc("Q51"));
@@ -196,8 +162,6 @@ TEST(CompactOs, WhatTheControllerSaysAfterItsRestartIsHeldAgainstTheFile) {
       if (isReset && text.starts_with("IN")) told.text[14] = row.state;
     };
     EXPECT_EQ(fixture.Download(), row.state == 'S');
-    EXPECT_EQ(fixture.outcome.left, row.left);
-    EXPECT_THAT(fixture.outcome.reason, testing::Not(HasSubstr("\r")));
   }
 }
 
@@ -238,7 +202,6 @@ TEST(CompactOs, AnOsOfTheSameNumberIsNoNewOne) {
   CompactOsFixture fixture(options);
   fixture.UseFaults({"reset:on=OS,nth=1"});
   EXPECT_FALSE(fixture.Download());
-  EXPECT_EQ(fixture.outcome.left, ControllerLeft::OldOs);
 }
 
 // A link whose parameters cannot be set is opened anew, at the speed that the boot loader is told.

@@ -154,14 +154,20 @@ struct DownloadFixture {
     outcome = engine.Outcome();
     review = engine.Review();
   }
-  // What was shown and sent, equal things in a row as one, and how it ended.
+  // What was shown and sent, equal things in a row as one, how it ended (end, cause and what is left as their
+  // numbers), and what is then in the controller.
   [[nodiscard]] std::string All(Duration took) const {
     std::string all;
     for (std::size_t i = 0, next = 0; i < desk.log.size(); i = next) {
       while (next < desk.log.size() && desk.log[next] == desk.log[i]) ++next;
       all += desk.log[i] + (next == i + 1 ? "" : " x " + std::to_string(next - i)) + "\n";
     }
-    all += OutcomeText(outcome) + "\nin " + std::to_string(took.count()) + " microseconds\n";
+    all += OutcomeText(outcome) + "\n";
+    for (const int each : {int(outcome.end), int(outcome.cause), int(outcome.left)}) all += std::to_string(each) + " ";
+    all += Found();
+    const DownloadSide after = review ? review->after : DownloadSide();
+    for (const auto& each : {after.os, after.fonts, after.project}) all += ", " + each.value_or("-");
+    all += "\nin " + std::to_string(took.count()) + " microseconds\n";
     return WithoutHome(std::move(all), home.Path());
   }
   [[nodiscard]] std::string WithState(const std::string& what) const {
