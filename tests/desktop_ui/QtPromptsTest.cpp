@@ -68,6 +68,7 @@ TEST_F(QtPromptsTest, EveryButtonGivesItsAnswerEnterConsentsWhereNothingIsLostAn
                             .buttons = each.buttons,
                             .canLose = each.canLose}),
               each.answer);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
   }
 }
 

@@ -127,6 +127,15 @@ TEST(Driver, OpensWithTheSessionsSettingsAndKeepsTheLinkWhileTheyDescribeIt) {
   EXPECT_FALSE(channel->OpenLink(0, 0));
 }
 
+TEST(Driver, GivesTheLinkBackThatATrialTook) {
+  DriverFixture fixture;
+  (void)fixture.driver.UseSettings(*ParseLink("tcp:plc"), false);
+  const auto channel = fixture.driver.GetChannel();
+  ASSERT_TRUE(channel && channel->GetVersionInfo(1));
+  EXPECT_TRUE(fixture.driver.TryLink(*ParseLink("serial:COM3")));
+  EXPECT_TRUE(channel->GetVersionInfo(1)) << channel->LastError().Text();
+}
+
 // The simulated controller of a new session would answer in the place of the plant's.
 TEST(Driver, OpensNoLinkWhileTheSessionsSettingsCannotBeRead) {
   const TemporaryFolder folder;

@@ -123,6 +123,10 @@ TEST_F(LinkDialogsTest, APortThatIsGoneStaysAndIsFoundAgain) {
     Find<QComboBox>(dialog, "cboBaudRate").setFocus();
     QTest::keyClick(&dialog, Qt::Key_P, Qt::AltModifier);
     EXPECT_TRUE(combo.hasFocus() || combo.lineEdit()->hasFocus());
+    combo.lineEdit()->selectAll();
+    QTest::keyClicks(combo.lineEdit(), "/dev/ttyUSB");
+    EXPECT_EQ(combo.currentText(), "/dev/ttyUSB") << "no other port takes the place of what is typed";
+    combo.setEditText("/dev/ttyUSB7");
     ports.push_back({"ttyUSB7", "/dev/ttyUSB7", "Plugged in again", ""});
     QTest::keyClick(&dialog, Qt::Key_F5);
     EXPECT_TRUE(WaitUntil([&] { return Find<QLabel>(dialog, "lblPortInfo").text() == "Plugged in again"; }));

@@ -343,6 +343,14 @@ TEST_F(PanelWindowTest, TheKeysOfATextDisplayAreOnTheKeyboardAndBesideIt) {
     }
     QTest::keyRelease(&View(window), Qt::Key_F4);
     EXPECT_TRUE(WaitUntil([&] { return !isPressed(); }));
+    auto& conveyor = Find<QPushButton>(window, "cmdKey F4");
+    QTest::keyPress(&conveyor, Qt::Key_Space);
+    EXPECT_TRUE(WaitUntil(isPressed));
+    QEvent isActive(QEvent::ActivationChange);
+    QApplication::sendEvent(&conveyor, &isActive);
+    EXPECT_TRUE(conveyor.isDown()) << "the window in front lets nothing go";
+    QTest::keyRelease(&conveyor, Qt::Key_Space);
+    EXPECT_TRUE(WaitUntil([&] { return !isPressed(); }));
   });
 }
 

@@ -11,6 +11,7 @@ struct ChangeJournalTest : testing::Test, test::JournalFixture {};
 TEST_F(ChangeJournalTest, ChainsRecordsAndKeepsTheHead) {
   EXPECT_EQ(Begin(), 2U);  // behind the record that begins the journal
   EXPECT_EQ(End(2), 3U);
+  EXPECT_EQ(disk.folderFlushes, 1) << "or a power failure takes the new file away";
   Reopen();
   EXPECT_EQ(Begin("with \" and \\ and \n and \xE2\x80\xA8"), 4U);
   EXPECT_EQ(Findings(), "");

@@ -73,6 +73,8 @@ TEST_F(JournalCheckTest, FindsWhatTheProgramsNeverWrite) {
   const Case cases[] = {
       {"an operation more", {begin, end(8)}, ""},
       {"a second end", {end(2)}, "impossible 8"},
+      {"its last end told anew", {segment, end(6, "done")}, "", 2},
+      {"another end than its last", {segment, end(6)}, "impossible 9", 2},
       {"an end before its operation", {end(9), begin}, "impossible 8"},
       {"the end of what is none", {end(1)}, "impossible 8"},
       {"a result of its own", {begin, end(8, "perhaps")}, "impossible 9"},
@@ -135,6 +137,13 @@ TEST_F(JournalCheckTest, TellsApartWhatWasAcknowledgedForAsLongAsItIsTheSame) {
   lines.erase(lines.begin());
   Put(Joined(lines));
   EXPECT_EQ(Findings(), "missing 1; foundThen 2");
+  std::filesystem::remove(HeadFile(places));
+  lines = LinesOf(whole);
+  lines.erase(lines.begin() + 2);
+  Put(Joined(lines));
+  EXPECT_NE(acknowledge("a bad disk"), 0U);
+  Put(Bytes() + "found first, and told last\n");
+  EXPECT_EQ(Findings(), "altered 9");
 }
 
 TEST_F(JournalCheckTest, NamesWhatWasDoneToTheFile) {

@@ -27,6 +27,7 @@ class FaultyDisk final : public JournalDisk {
   int calls = 0;
   std::string failed;  // which call it was
   std::filesystem::path writeProtected;
+  int folderFlushes = 0;
 
   [[nodiscard]] bool Fails(const char* call) {
     ++calls;
@@ -37,7 +38,10 @@ class FaultyDisk final : public JournalDisk {
 
   [[nodiscard]] std::expected<std::unique_ptr<JournalFile>, std::error_code> Open(const std::filesystem::path& path,
                                                                                   Access access) override;
-  void FlushFolder(const std::filesystem::path& folder) override { SystemJournalDisk().FlushFolder(folder); }
+  void FlushFolder(const std::filesystem::path& folder) override {
+    ++folderFlushes;
+    SystemJournalDisk().FlushFolder(folder);
+  }
 
   static std::error_code Full() { return std::make_error_code(std::errc::no_space_on_device); }
 };

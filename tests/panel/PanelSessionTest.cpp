@@ -410,6 +410,8 @@ TEST_F(PanelSessionTest, AScreenThatCannotBeStaysOldUntilItIsToldAnew) {
   panel.Show({});
   Run(1s);
   EXPECT_EQ(session.State().sight, PanelSight::Old) << "it is told from the start, and still cannot be";
+  session.LoseLink("The cable is out.");
+  EXPECT_EQ(session.State().reason, "The cable is out.");
 }
 
 TEST_F(PanelSessionTest, ARestartIsFollowedAndNothingIsAskedForWhileHidden) {

@@ -85,9 +85,10 @@ struct ScriptedPort final : Port {
   bool IsOpen() const override { return true; }
   Result Write(std::string_view& bytes, Duration slice) override {
     if (answers.empty()) return Wait(slice);
+    bytes.remove_prefix(1);  // its buffer has no room for more
+    if (!bytes.empty()) return Result::Done;
     waiting += answers.front();
     answers.erase(answers.begin());
-    bytes = {};
     return Result::Done;
   }
   Result Read(std::string& buffer, Duration slice) override {
