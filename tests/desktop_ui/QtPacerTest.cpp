@@ -88,10 +88,10 @@ TEST_F(QtPacerTest, InputDuringAWaitIsKeptAndThenDelivered) {
   pacer.Turn();
   pacer.Sleep(20ms);
   EXPECT_EQ(watcher.moves, 0);
-  for (int turn = 0; turn < 500 && watcher.moves == 0; ++turn) {  // a system may hand it on in a later one
-    pacer.DoEvents();
-    pacer.Sleep(2ms);
-  }
+  pacer.DoEvents();
+#ifdef _WIN32  // which may hand it on in a later turn
+  for (int turn = 0; turn < 500 && watcher.moves == 0; ++turn) pacer.Sleep(2ms);
+#endif
   EXPECT_EQ(watcher.moves, 1);
 }
 

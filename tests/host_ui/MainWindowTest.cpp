@@ -4,6 +4,7 @@
 #include <QAbstractItemView>
 #include <QAbstractSlider>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QMenu>
@@ -309,6 +310,26 @@ TEST(ProgramTest, HelpAndVersionNeedNoDisplay) {
     EXPECT_EQ(program.exitCode(), 0) << asked;
     EXPECT_NE(program.readAllStandardOutput(), "") << asked;
   }
+}
+
+TEST_F(MainWindowTest, TheLogHasItsMenu) {
+  Run([&](QMainWindow& window) {
+    Trigger(window, "ID_OnLine");
+    auto& log = Find<QTableView>(window, "tblLog");
+    ASSERT_GT(log.model()->rowCount(), 0);
+    const QAbstractItemModelTester tester(log.model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+    When(
+        window, [] { return QApplication::activePopupWidget() != nullptr; },
+        [&] {
+          QWidget* menu = QApplication::activePopupWidget();
+          EXPECT_EQ(menu->actions(),
+                    (QList<QAction*>{&Find<QAction>(window, "HOST_CopyLog"), &Find<QAction>(window, "HOST_ClearLog")}));
+          QTest::keyClick(menu, Qt::Key_L);
+        });
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QApplication::sendEvent(&log, &key);
+    EXPECT_EQ(log.model()->rowCount(), 0);
+  });
 }
 
 TEST_F(MainWindowTest, AMissingDefaultSessionIsToldAndTheProgramGoesOn) {
