@@ -275,13 +275,14 @@ void ChangeJournal::Add(Addition& addition, JournalRecord record) const {
   addition.lines += '\n';
 }
 
+// A journal whose beginning was taken out goes on: a second start in it would be none that these programs write.
 JournalRecord ChangeJournal::FirstOfSegment() const {
-  JournalRecord first;
-  const bool isFirst = mTail->journal.empty();
-  first.kind = isFirst ? RecordKind::Start : RecordKind::Segment;
-  first.journal = isFirst ? NewJournalName() : mTail->journal;
-  if (!isFirst)
-    first.detail = mIsBroken ? "a write to the file before this one failed" : "the file before this one is full";
+  const bool isNamed = !mTail->journal.empty();
+  JournalRecord first{.journal = isNamed ? mTail->journal : NewJournalName()};
+  first.kind = mTail->number == 0 ? RecordKind::Start : RecordKind::Segment;
+  if (first.kind == RecordKind::Start) return first;
+  if (!isNamed) first.detail = "the files before this one do not say which journal it is";
+  else first.detail = mIsBroken ? "a write to the file before this one failed" : "the file before this one is full";
   return first;
 }
 

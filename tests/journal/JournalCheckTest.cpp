@@ -144,6 +144,15 @@ TEST_F(JournalCheckTest, TellsApartWhatWasAcknowledgedForAsLongAsItIsTheSame) {
   EXPECT_NE(acknowledge("a bad disk"), 0U);
   Put(Bytes() + "found first, and told last\n");
   EXPECT_EQ(Findings(), "altered 9");
+  for (const char* gone : {"", "no record\n"}) {  // the beginning, or what it says
+    std::filesystem::remove(HeadFile(places));
+    lines = LinesOf(whole);
+    lines.front() = gone;
+    Put(Joined(lines));
+    std::filesystem::remove(File(2));
+    EXPECT_EQ(acknowledge("a bad disk"), 9U);  // behind the beginning of a further file
+    EXPECT_EQ(Findings(), "");
+  }
 }
 
 TEST_F(JournalCheckTest, NamesWhatWasDoneToTheFile) {
