@@ -281,8 +281,10 @@ JournalRecord ChangeJournal::FirstOfSegment() const {
   JournalRecord first{.journal = isNamed ? mTail->journal : NewJournalName()};
   first.kind = mTail->number == 0 ? RecordKind::Start : RecordKind::Segment;
   if (first.kind == RecordKind::Start) return first;
-  if (!isNamed) first.detail = "the files before this one do not say which journal it is";
-  else first.detail = mIsBroken ? "a write to the file before this one failed" : "the file before this one is full";
+  if (!isNamed)
+    first.detail = "the files before this one do not say which journal it is";
+  else
+    first.detail = mIsBroken ? "a write to the file before this one failed" : "the file before this one is full";
   return first;
 }
 
