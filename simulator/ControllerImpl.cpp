@@ -164,7 +164,7 @@ std::expected<std::unique_ptr<Controller>, std::string> Controller::Create(const
     return std::unexpected("There is no simulated model " + Quoted(options.model) + ". There are: " + ModelNames() +
                            ".");
   if (auto why = WhyUnusable(options, *model)) return std::unexpected(std::move(*why));
-  auto machine = std::make_unique<Machine>(*model, FirstIdentity(options, *model), options.seed, options.memorySeed);
+  auto machine = std::make_unique<Machine>(*model, FirstIdentity(options, *model), options);
   auto stateFile = kv::PathFromUtf8(options.stateFile);
   if (auto loaded = LoadState(stateFile, *machine); !loaded) return std::unexpected(std::move(loaded.error()));
   ApplyOptions(options, *machine);

@@ -25,17 +25,16 @@ void SetFirstValues(Operands& operands, const Model& model) {
 
 }  // namespace
 
-Machine::Machine(const Model& itsModel, const Identity& itsIdentity, std::uint64_t seed,
-                 std::optional<std::uint32_t> memorySeed)
+Machine::Machine(const Model& itsModel, const Identity& itsIdentity, const SimulatorOptions& options)
     : model(itsModel),
       identity(itsIdentity),
       operands(itsModel),
-      memory(itsModel.memory, memorySeed.value_or(MemorySeed(itsModel, itsIdentity.unit))),
+      memory(itsModel.memory, options.memorySeed.value_or(MemorySeed(itsModel, itsIdentity.unit))),
       aurexOs(itsModel),
       compactOs(itsModel),
       resources(itsModel.display),
-      panel(itsModel.display, std::random_device{}()),
-      mMovingValues(seed) {
+      panel(itsModel.display, options.powerUp ? *options.powerUp : std::random_device{}()),
+      mMovingValues(options.seed) {
   SetFirstValues(operands, model);
   SetOs(itsIdentity.os);
 }

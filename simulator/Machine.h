@@ -44,8 +44,7 @@ struct Identity {
 class Machine {
  public:
   // A controller at its first power-up. Without a seed of its own the memory depends on model and unit.
-  Machine(const Model& itsModel, const Identity& itsIdentity, std::uint64_t seed,
-          std::optional<std::uint32_t> memorySeed);
+  Machine(const Model& itsModel, const Identity& itsIdentity, const SimulatorOptions& options);
 
   const Model& model;
   Identity identity;

@@ -27,7 +27,8 @@ struct SimulatorOptions {
   std::vector<std::string> faults;                            // fault rules (simulator/Faults.h)
   std::uint64_t seed = 1;                                     // of the faults and of the moving values
   std::optional<std::uint32_t> memorySeed;  // of what its memory holds at first; nothing: by model and unit alone
-  std::optional<std::uint16_t> powerUp;     // what SY tells first as the number of the power-up; nothing: one of chance
+  // What SY tells first as the number of the power-up, and where the numbers of the panel come from; nothing: chance.
+  std::optional<std::uint16_t> powerUp;
 };
 
 }  // namespace sim

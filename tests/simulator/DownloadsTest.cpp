@@ -13,17 +13,8 @@ using namespace std::chrono_literals;
 
 constexpr int kRefused = 128;
 
-std::string ProjectName(Fixture& fixture) {
-  return fixture.Own("IN", "").substr(9);
-}
 char StatusByte(Fixture& fixture, std::size_t index) {
   return fixture.Block(7, 0, 106).payload.at(index);
-}
-
-void SendProject(Fixture& fixture, const std::string& name) {
-  EXPECT_EQ(fixture.Block(66, 0, 0, 0, 0, "PASSWORD").status, 10);
-  EXPECT_EQ(fixture.Block(2, 0, 0, 0, 0, "PASSWORD").status, 10);
-  EXPECT_EQ(fixture.Block(65, 0, static_cast<std::uint32_t>(name.size()), 1, 0, name).status, 10);
 }
 
 TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
@@ -75,46 +66,6 @@ TEST(Downloads, AnAurexOsReplacesTheReportedVersion) {
     EXPECT_EQ(fixture.Text("CCE"), "CCOK");
     EXPECT_TRUE(fixture.Text("ID").ends_with(reported)) << fixture.Text("ID");
     EXPECT_EQ(fixture.State(), 'R');
-  }
-}
-
-void ReplaceOs(Fixture& fixture, std::uint32_t version) {
-  EXPECT_EQ(fixture.Text("CCB"), "CCOK");
-  EXPECT_EQ(fixture.Block(65, 0, 16, 0, 0, OsHeader("K330", version, 0, "ab")).status, 10);
-  EXPECT_EQ(fixture.Block(65, 0x100000, 10, 1, 1, Stored("ab")).status, 10);
-  EXPECT_EQ(fixture.Block(69).status, 11);
-  fixture.Wait(1s);
-}
-
-// What a user is warned of before he replaces an O/S really happens, at each version from which on it does.
-TEST(Downloads, AnOsOfAnotherKindCostsWhatItCannotKeep) {
-  struct Case {
-    std::string before;
-    std::uint32_t after;
-    bool keepsProject, keepsMemory, keepsValues;
-  };
-  const Case cases[] = {
-      {"4.60", 475, true, true, true},   {"3.73", 373, true, true, true},    {"3.73", 374, true, false, true},
-      {"3.74", 373, true, false, false}, {"2.99", 374, true, false, false},  {"3.00", 299, true, false, false},
-      {"2.00", 201, false, true, true},  {"2.01", 250, true, true, true},    {"1.10", 111, false, true, true},
-      {"2.50", 251, false, true, true},  {"2.90", 400, false, false, false}, {"2.91", 300, true, true, true}};
-  for (const Case& change : cases) {
-    SCOPED_TRACE(change.before + " to " + std::to_string(change.after));
-    Fixture fixture(Options("K330", change.before));
-    SendProject(fixture, "Hall");
-    EXPECT_EQ(fixture.Block(69).status, 11);
-    fixture.Wait(1s);
-    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
-    fixture.Write("0300050001", "0007");
-    fixture.Write("0201F50001", "01");
-    const auto memory = [&fixture] { return fixture.Own("RM", "001000000020"); };
-    const std::string before = memory();
-    ReplaceOs(fixture, change.after);
-    EXPECT_EQ(fixture.Text("CCE"), "CCOK");
-    EXPECT_EQ(ProjectName(fixture), change.keepsProject ? "48616C6C" : "");
-    EXPECT_EQ(memory() == before, change.keepsMemory);
-    EXPECT_EQ(fixture.Read("0300050001"), change.keepsValues ? "0007" : "0000");
-    EXPECT_EQ(fixture.Read("0201F50001"), "00") << "no force outlives an O/S";
   }
 }
 

@@ -1,5 +1,7 @@
 // The demonstration plant and its pages, on every size of display.
 
+#include <sstream>
+
 #include "PanelClient.h"
 #include "simulator/ModelTable.h"
 #include "simulator/panel/Fonts.h"
@@ -91,6 +93,39 @@ TEST(PanelPages, StandsStillUntilStartAndMovesTheOperandsThen) {
     EXPECT_EQ(client.Operate(), 0) << "the lease has ended meanwhile";
     EXPECT_EQ(client.Press("Start"), 0);
     EXPECT_EQ(client.Word(205), 0) << "a new batch";
+  }
+}
+
+// What each press and each second change on the screen and in the machine is in the record. "~3" waits so many seconds,
+// "_Pump" holds on to it.
+TEST(PanelPages, EveryControlOfEveryPage) {
+  const std::string colour =
+      "Manual;_Conveyor;+;_Pump;+;_Valve;+;-;Recipe;Refill;Refill;Speed;1;2;0;OK;Volume;4;9;Del;9;OK;9;9;9;9;9;9;OK;"
+      "Esc;"
+      "Batch;4;0;OK;New batch;Trend;Overview;Start;~3;Manual;Overview;Stop;Start;~25;Alarms;Acknowledge;Recipe;New "
+      "batch;"
+      "Batch;9;0;OK;Overview;Start;~60;Trend;Alarms;Acknowledge;Info;Overview";
+  const std::string text =
+      "Start;~3;Stop;_Conveyor;+;-;Recipe;Change;1;2;Delete;9;9;9;9;9;OK;5;0;OK;Next value;Change;1;2;0;OK;Next value;"
+      "Value before;Next value;4;Cancel;4;0;OK;Manual;_Pump;+;-;_Valve;+;-;Alarms;Levels;Info;Overview;Start;~28;"
+      "Acknowledge;Recipe;9;0;OK;Overview;Start;~35;Info;Levels;Alarms;Acknowledge;Manual";
+  for (const char* model : {"K670", "Q51", "K220", "K230"}) {
+    PanelClient client(model);
+    EXPECT_EQ(client.Operate(), 0);
+    std::istringstream steps(FindModel(model)->display.kind == Display::Kind::TextCells ? text : colour);
+    for (std::string step; std::getline(steps, step, ';');) {
+      if (step == "+" || step == "-") {
+        EXPECT_EQ(client.Send(step == "+" ? 4 : 5), 0);
+      } else if (step[0] != '~') {
+        client.Press(step.substr(step[0] == '_' ? 1 : 0), step[0] == '_' ? 3 : 6);
+      }
+      for (int second = step[0] == '~' ? std::stoi(step.substr(1)) : 0; second >= 0; --second) {
+        client.fixture.Wait(second == 0 ? 100ms : 1s);
+        client.Look();
+      }
+      for (const char* place : {"0300C8001C", "0100C80014", "0A00000008", "0900000008"})
+        (void)client.fixture.Read(place);
+    }
   }
 }
 

@@ -151,50 +151,6 @@ TEST(PanelProtocol, ALeaseIsOneOperators) {
   EXPECT_EQ(client.screen.slots[1].second, "");
 }
 
-TEST(PanelProtocol, MalformedAndForbidden) {
-  Fixture compact("Q51");
-  Fixture colour("K670");
-  const auto event = [](const std::string& action, const std::string& lease = "0000", const std::string& name = "") {
-    return action + std::string(24, '0') + lease + "00000000640000000000" + name;
-  };
-  struct Case {
-    const char* what;
-    const char* letters;
-    std::string data;
-    const char* told;  // the refusal, or the verdict
-  };
-  const Case cases[] = {
-      {"a byte too many", "PD", "00", "ERROR02"},
-      {"a byte missing", "PC", "000000000000630000", "ERROR02"},
-      {"99 bytes in a frame", "PC", "00000000000063000000", "ERROR04"},
-      {"513 bytes in a frame", "PC", "00000000000001020000", "ERROR04"},
-      {"without a lease", "PE", event("06FF"), "04"},
-      {"a name with a press", "PE", event("06FF", "0000", "41"), "ERROR02"},
-      {"no such action", "PE", event("07FF"), "ERROR02"},
-      {"a lease with operate", "PE", event("0100", "0100", "41"), "ERROR02"},
-      {"nobody", "PE", event("0100"), "ERROR02"},
-      {"a control character", "PE", event("0100", "0000", "411F"), "ERROR02"},
-      {"delete", "PE", event("0100", "0000", "7F41"), "ERROR02"},
-      {"no character", "PE", event("0100", "0000", "418D"), "ERROR02"},
-      {"a name too long", "PE", event("0100", "0000", std::string(42, '4')), "ERROR02"},
-      {"the longest name, but late", "PE", event("0100", "0000", "208E9E" + std::string(34, 'F')), "03"},
-  };
-  for (const Case& row : cases) {
-    const std::string reply = compact.Own(row.letters, row.data);
-    EXPECT_EQ(reply.starts_with("ERROR") ? reply : reply.substr(26, 2), row.told) << row.what;
-  }
-  EXPECT_EQ(Fixture("PR1").Own("PD", ""), "ERROR0E");
-  EXPECT_EQ(Fixture("K330").Own("PD", ""), "ERROR0E");
-  EXPECT_EQ(compact.Block(270).status, 128 + 0x0E);
-  EXPECT_EQ(colour.Text("CCB"), "CCOK");
-  EXPECT_EQ(colour.Block(271).status, 128 + 0x09);
-  SimulatorOptions locked = Options("K670");
-  locked.password = "key";
-  Fixture guarded(locked);
-  EXPECT_EQ(guarded.Block(272).status, 128 + 0x07);
-  EXPECT_EQ(guarded.Block(270).status, 10);
-}
-
 // A restarted controller is another screen, whose operator and page are gone.
 TEST(PanelProtocol, AResetBeginsAnew) {
   PanelClient client = AtConveyor();

@@ -11,9 +11,20 @@
 #include <string>
 #include <utility>
 
+#include "base/Crc32.h"
+#include "base/Hex.h"
 #include "tests/support/Records.h"
 
 namespace kv::test {
+
+// Bytes as a record has them: "<0D>" for one that is no character, and the check of very many.
+inline std::string Shown(std::string_view bytes) {
+  if (bytes.size() > 250) return std::to_string(bytes.size()) + " bytes, check " + ToHex(Crc32(bytes), 8);
+  std::string text;
+  for (const char c : bytes)
+    text += c >= 0x20 && c <= 0x7E ? std::string(1, c) : "<" + ToHex(static_cast<unsigned char>(c), 2) + ">";
+  return text;
+}
 
 inline std::string Replaced(std::string text, const std::string& what, const std::string& with) {
   for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())
@@ -35,15 +46,46 @@ inline void ExpectSameLines(const std::string& text, const std::string& written,
   EXPECT_FALSE(std::getline(now, line)) << line;
 }
 
+// What of `bytes` may be otherwise: a row for each of them, with a mark for each value that is taken in its place, and
+// a row for each other length.
+template <typename Takes>
+std::string WhatIsTaken(const std::string& bytes, Takes takes) {
+  constexpr int kValues[] = {0,  1,  2,  3,  4,  5,  6,  7,  8,  9,   15,  16, 31,
+                             32, 39, 40, 41, 48, 64, 65, 80, 81, 127, 128, 255};
+  std::string rows;
+  for (std::size_t at = 0; at < bytes.size(); ++at) {
+    rows += std::to_string(at) + ": ";
+    std::string other = bytes;
+    for (const int value : kValues) {
+      other[at] = static_cast<char>(value);
+      rows += takes(std::as_const(other)) ? std::to_string(value) + " " : "- ";
+    }
+    rows += "\n";
+  }
+  rows += "long: ";
+  for (std::size_t size = 0; size < bytes.size() + 100; ++size) {
+    std::string other = bytes;
+    other.resize(size, ' ');
+    if (takes(std::as_const(other))) rows += std::to_string(size) + " ";
+  }
+  return rows + "\n";
+}
+
+// The record of the test that runs, and how much of it has been met.
+inline std::pair<std::string, std::size_t>& PlaceInRecord() {
+  static std::pair<std::string, std::size_t> place;
+  return place;
+}
+
 // Holds what a test makes the program do against what it did when that was looked at: the parts follow each other in
 // tests/recorded/SUITE.TEST.txt. A test without such a file is not recorded. Who has changed what is done renews the
 // files with KV_RENEW_LOOKS=1 in the environment, and reads their difference.
 template <typename Part>
 void ExpectAsRecorded(Part part) {
-  static std::string running;
-  static std::size_t at = 0;  // behind what has been met of its record
+  auto& [running, at] = PlaceInRecord();
   const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-  const std::string name = std::string("recorded/") + test.test_suite_name() + "." + test.name() + ".txt";
+  const std::string name =
+      "recorded/" + Replaced(std::string(test.test_suite_name()) + "." + test.name() + ".txt", "/", ".");
   const std::optional<std::string> written = RecordOf(name);
   if (!written) return;
   if (std::exchange(running, name) != name) at = 0;
