@@ -46,7 +46,9 @@ class WindowLook {
       if (isOurs) Add(1, "command" + Facts(*action));
     }
     for (const QMenu* menu : window.findChildren<QMenu*>()) {
-      if (!menu->actions().isEmpty()) Add(1, "menu " + menu->title().toStdString()), AddActions(*menu, 2);
+      const bool isForWantOfRoom = menu->parent()->objectName().startsWith("qt_");  // what a bar cannot show
+      if (!menu->actions().isEmpty() && !isForWantOfRoom)
+        Add(1, "menu " + menu->title().toStdString()), AddActions(*menu, 2);
     }
     AddKeys(window);
   }

@@ -109,13 +109,13 @@ inline std::string DrawnText(QWidget& control) {
   return record.Text();
 }
 
-// Without what follows the system's own style and focus, on Windows: the lines that tell places and strokes, sizes of
-// columns, and whether a dialog holds up one window or all, which hangs on one that is active.
+// Without what follows the system's own style, on Windows: the lines that tell places and strokes, and sizes of
+// columns.
 inline std::string ToldHere(const std::string& record) {
 #ifdef _WIN32
   return QString::fromStdString(record)
       .remove(QRegularExpression(R"((^|(?<=\n)) *@[^\n]*\n)"))
-      .remove(QRegularExpression(" (minimumSectionSize|defaultSectionSize|windowModality)=\\w+"))
+      .remove(QRegularExpression(" (minimumSectionSize|defaultSectionSize)=\\w+"))
       .toStdString();
 #else
   return record;

@@ -34,8 +34,8 @@ OwnCommand::~OwnCommand() {
 QWidget* DialogOwner() {
   if (QWidget* modal = QApplication::activeModalWidget()) return modal;
   if (commanding) return commanding;
-  QWidget* active = QApplication::activeWindow();
-  if (!active || !StandsBeside(*active)) return active;
+  QWidget* active = QApplication::activeWindow();  // none while the user works in another program
+  if (active && !StandsBeside(*active)) return active;
   const QWidgetList windows = QApplication::topLevelWidgets();
   const auto found = std::ranges::find_if(windows, IsWorkedIn);
   return found == windows.end() ? active : *found;
