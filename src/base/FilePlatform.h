@@ -33,6 +33,10 @@ namespace kv {
 // Why the file cannot be opened for reading, found out by another attempt; no error when that succeeds.
 [[nodiscard]] std::error_code ErrorOfOpening(const std::filesystem::path& file);
 
+// Why the file cannot be replaced by another one, found out by an attempt to open it for that; no error when that
+// succeeds, or where only the folder decides.
+[[nodiscard]] std::error_code ErrorOfReplacing(const std::filesystem::path& file);
+
 // Whether the error says that another program has the file open, or may come of that; never where that keeps nobody
 // from reading and replacing it.
 [[nodiscard]] bool IsHeldByAnother(const std::error_code& code);

@@ -93,6 +93,10 @@ std::error_code ErrorOfOpening(const fs::path& file) {
   return {};
 }
 
+std::error_code ErrorOfReplacing(const fs::path&) {
+  return {};
+}
+
 bool IsHeldByAnother(const std::error_code&) {
   return false;
 }

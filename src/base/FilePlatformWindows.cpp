@@ -28,6 +28,14 @@ std::error_code WriteAll(HANDLE handle, std::string_view content) {
   return FlushFileBuffers(handle) != 0 ? std::error_code{} : LastError();
 }
 
+std::error_code ErrorOfAccess(const fs::path& file, DWORD access, DWORD share) {
+  const HANDLE handle =
+      CreateFileW(file.c_str(), access, share, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return LastError();
+  CloseHandle(handle);
+  return {};
+}
+
 }  // namespace
 
 // A new file inherits the access list of its folder, as the model did; hidden and the like are taken over.
@@ -74,11 +82,11 @@ std::string SystemMessage(const std::error_code& code) {
 
 // Shared as the library's streams share it.
 std::error_code ErrorOfOpening(const fs::path& file) {
-  const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (handle == INVALID_HANDLE_VALUE) return LastError();
-  CloseHandle(handle);
-  return {};
+  return ErrorOfAccess(file, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
+}
+
+std::error_code ErrorOfReplacing(const fs::path& file) {
+  return ErrorOfAccess(file, DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
 }
 
 bool IsHeldByAnother(const std::error_code& code) {

@@ -1,6 +1,7 @@
 #include "base/KeepSetting.h"
 
 #include "base/AnsiText.h"
+#include "base/FilePlatform.h"
 #include "base/IniText.h"
 #include "base/PathText.h"
 #include "base/ProfileStrings.h"
@@ -38,9 +39,11 @@ std::expected<void, std::string> KeepSetting(const std::filesystem::path& file, 
 }
 
 std::string NotWritableText(const std::filesystem::path& file) {
-  return Utf8FromPath(file) +
-         " could not be written.\nLikely cause: the file or its folder is write-protected or has gone, or the disk is "
-         "full.\nWhat to do: make it writable for this user, or work in another session.";
+  const char* const why = IsHeldByAnother(ErrorOfReplacing(file))
+                              ? "another program has the file open.\nWhat to do: close it there, and do it again."
+                              : "the file or its folder is write-protected or has gone, or the disk is full.\nWhat to "
+                                "do: make it writable for this user, or work in another session.";
+  return Utf8FromPath(file) + " could not be written.\nLikely cause: " + why;
 }
 
 }  // namespace kv

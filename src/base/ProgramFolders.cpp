@@ -102,7 +102,7 @@ std::expected<ProgramFolders, FoldersFault> FindProgramFolders(const ProgramPlac
   ProgramFolders found{ProgramPaths(places.user, places.program),
                        isForAll ? HomeReason::InstalledForAll : HomeReason::NotWritable};
   if (const std::error_code error = MakeSessions(found.paths)) {
-    return std::unexpected(NowhereToWrite(places, error.message()));
+    return std::unexpected(NowhereToWrite(places, SystemMessage(error)));
   }
   if (!IsWritableFolder(places.user)) return std::unexpected(NowhereToWrite(places, "it is write-protected"));
   return found;

@@ -367,7 +367,7 @@ JournalCheck CheckJournal(const JournalPlaces& places, JournalDisk& disk, Pacer&
       if (i % kLinesPerTurn == 0) pacer.Turn();
     }
     checker.EndFile(lines.TornBytes(), HashOfPart(**file, lines.End(), segment.length));
-    if (lines.Error()) checker.Unread(lines.Error().message());
+    if (lines.Error()) checker.Unread(SystemMessage(lines.Error()));
   }
   JournalCheck check = std::move(checker).Finish();
   check.isHeadDamaged = IsHeadDamaged(disk, HeadFile(places));

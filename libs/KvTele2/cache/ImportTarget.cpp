@@ -39,7 +39,7 @@ fs::path NameBeside(const fs::path& file) {
 }
 
 std::string CannotBeWritten(const std::error_code& error) {
-  return "it cannot be written (" + error.message() +
+  return "it cannot be written (" + SystemMessage(error) +
          "); check that its folder exists, may be written to and has "
          "room, or choose another place";
 }
@@ -66,7 +66,8 @@ std::string ImportTarget::WhatIsKept() const {
 }
 
 std::expected<ImportTarget::Before, CacheOutcome> ImportTarget::Look(const CacheOwner& controller) const {
-  if (mLinkError) return FileFailure(mOrder.file, "the link of this name leads nowhere (" + mLinkError.message() + ")");
+  if (mLinkError)
+    return FileFailure(mOrder.file, "the link of this name leads nowhere (" + SystemMessage(mLinkError) + ")");
   if (std::string why = WhyNotReplaceable(mFile); !why.empty()) return FileFailure(mFile, std::move(why));
   auto before = LookInside(controller);
   if (!before || before->question.empty()) return before;
@@ -147,7 +148,7 @@ Step ImportTarget::MakeWorkingFile() const {
   error = Remove(mOrder.workingFile);
   if (!error) error = WriteNewFile(mOrder.workingFile, {}, bytes);
   if (!error) return {};
-  return FileFailure(mOrder.workingFile, "the working file of the session cannot be written (" + error.message() +
+  return FileFailure(mOrder.workingFile, "the working file of the session cannot be written (" + SystemMessage(error) +
                                              "); check that the session's folder may be written to and has room");
 }
 
