@@ -114,7 +114,15 @@ TEST(Channel, RawTrafficPassesAndExchangesAreSynchronisedAfterwards) {
   EXPECT_EQ(port->Input(), "") << "nothing yet, and no wait";
   for (int i = 0; i < 2; ++i) EXPECT_TRUE(port->WaitForInput(1s)) << "what waits is there at once";
   fixture.pacer.Sleep(10ms);
-  EXPECT_TRUE(port->Input().starts_with("/01CCOK"));
+  const std::string reply = port->Input();
+  EXPECT_TRUE(reply.starts_with("/01CCOK"));
+  const std::string request = "/01CCS3A\r";
+  EXPECT_TRUE(port->IsReplyTo(request, reply));
+  for (const std::string& other : {std::string(), request, reply.substr(0, reply.size() - 1) + "x", reply + reply,
+                                   "x" + reply, reply.substr(1), std::string("/01\r"), std::string("\r")}) {
+    EXPECT_FALSE(port->IsReplyTo(request, other)) << other;
+  }
+  EXPECT_FALSE(port->IsReplyTo("/01CCR39\r", reply));
   EXPECT_TRUE(port->Output("/01CCS3A\r"));
   fixture.pacer.Sleep(10ms);
   port->SetInBufferCount(0);

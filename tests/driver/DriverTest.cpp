@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <numeric>
 
 #include "Fixture.h"
 #include "KvCmDrv1/LinkText.h"
@@ -15,47 +16,37 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(LinkText, ParsesAndPrintsEveryKind) {
-  const std::tuple<const char*, const char*, const char*> rows[] = {
-      {"sim:K670 / K390", "sim:K670 / K390", "Simulated K670 / K390"},
-      {"tcp:192.168.1.20:20301", "tcp:192.168.1.20:20301", "192.168.1.20:20301, unit 1"},
-      {"tcp:plc", "tcp:plc:20300", "plc:20300, unit 1"},
-      {"tcp:[::1]:5", "tcp:[::1]:5", "[::1]:5, unit 1"},
-      {"tcp:[::1]", "tcp:[::1]:20300", "[::1]:20300, unit 1"},
-      {"serial:COM3", "serial:COM3,115200,8N1", "COM3, 115200 8N1, unit 1"},
-      {"serial:/dev/ttyS3,9600,7E2", "serial:/dev/ttyS3,9600,7E2", "/dev/ttyS3, 9600 7E2, unit 1"},
-      {"modem:COM4,0123456,19200", "modem:COM4,\"0123456\",19200,\"\"", "COM4, 19200 8N1, modem 0123456, unit 1"},
-      {"modem:COM4,0123,9600,AT&F", "modem:COM4,\"0123\",9600,\"AT&F\"", "COM4, 9600 8N1, modem 0123, unit 1"},
-      {"listen:20302", "listen:20302", "port 20302 (listening), unit 1"},
-      {"serial:\"a,\"\"b\",300", "serial:\"a,\"\"b\",300,8N1", "a,\"b, 300 8N1, unit 1"},
-      {"modem:COM4,\"0,1\",9600,\"AT,E 0\"", "modem:COM4,\"0,1\",9600,\"AT,E 0\"", "COM4, 9600 8N1, modem 0,1, unit 1"},
-  };
-  for (const auto& [text, printed, described] : rows) {
-    const auto parsed = ParseLink(text);
-    ASSERT_TRUE(parsed) << parsed.error();
-    EXPECT_EQ(PrintLink(*parsed), printed);
-    EXPECT_EQ(DescribeLink(*parsed), described);
-    EXPECT_EQ(ParseLink(printed), parsed);
-  }
-}
-
-TEST(LinkText, SaysWhatItExpected) {
+// How it is printed and described again, or what was expected instead, stands in the record.
+TEST(LinkText, IsParsedPrintedAndDescribed) {
   const std::pair<std::string, std::vector<const char*>> rows[] = {
-      {"", {"", "COM3"}},
-      {"sim:", {""}},
-      {"tcp:", {"", ":20300", "host:0", "host:65536", "::1:5", "[::1", "[::1]x"}},
-      {"serial:", {"", ",9600", "COM3,100", "COM3,9600,9N1", "COM3,9600,8N1,x", "\"a\"b", "\"\""}},
-      {"modem:", {"COM3", "COM3,", ",0123", "COM3,0,12345", "COM3,0,9600", "COM3,0123,45678", "COM3,\"0,1"}},
-      {"modem:COM3,0123,9600,", {"45", "AT,E0", "AT\r"}},
-      {"listen:", {"", "x"}},
+      {"", {"", "COM3", "TCP:plc"}},
+      {"sim:", {"", "K670 / K390"}},
+      {"tcp:", {"192.168.1.20:20301", "plc", "plc:1", "plc:65535", "[::1]:5", "[::1]", "[::1]:0"}},
+      {"tcp:", {"", ":20300", "host:0", "host:65536", "host:", "::1:5", "[::1", "[::1]x", "[]", "[]:5"}},
+      {"serial:",
+       {"COM3", "/dev/ttyS3,9600,7E2", "\"a,\"\"b\",300", "a\"b", "COM3,300", "COM3,921600,8O1", "\"\"\"a\""}},
+      {"serial:",
+       {"", ",9600", "COM3,299", "COM3,921601", "COM3,", "COM3,9600,", "COM3,9600,8N1,x", "\"a\"b", "\"\"", "\"a"}},
+      {"serial:COM3,9600,", {"8N1", "6N1", "9N1", "7N0", "7N3", "7X1", "8E2", "8n1", "8N", "8N11"}},
+      {"modem:",
+       {"COM4,0123456,19200", "COM4,0123,9600,AT&F", "COM4,\"0,1\",9600,\"AT,E 0\"", "COM4,01", "COM4,\"01\",9600"}},
+      {"modem:",
+       {"COM3", "COM3,", ",0123", "COM3,0,12345", "COM3,0,9600", "COM3,01,9600", "COM3,012,9600", "COM3,0123,45678"}},
+      {"modem:", {"COM3,\"0,1", "COM3,0123,230400", "COM3,0123,230401", "COM3,0123,100", "a,0123,9600,AT,b"}},
+      {"modem:COM3,0123,9600,", {"", "45", "AT,E0", "AT\r", "at&f", "aT", "\"\"", "\"X0\"", "AT \x1F", "AT\xE4"}},
+      {"listen:", {"", "x", "0", "1", "65535", "65536", "20302"}},
   };
+  std::string told;
   for (const auto& [kind, rests] : rows) {
     for (const char* rest : rests) {
       const auto parsed = ParseLink(kind + rest);
-      ASSERT_FALSE(parsed) << kind << rest;
-      EXPECT_NE(parsed.error().find("expected"), std::string::npos) << parsed.error();
+      EXPECT_TRUE(!parsed || ParseLink(PrintLink(*parsed)) == parsed) << kind << rest;
+      told += test::Shown(kind + rest) + ": ";
+      told += parsed ? test::Shown(PrintLink(*parsed)) + "; " + test::Shown(DescribeLink(*parsed)) : parsed.error();
+      told += "\n";
     }
   }
+  test::ExpectAsRecorded([&told] { return test::Replaced(told, "\r", "<0D>"); });
 }
 
 TEST(SettingsFile, BadValueIsNamedAndReplaced) {
@@ -69,8 +60,15 @@ TEST(SettingsFile, BadValueIsNamedAndReplaced) {
   LinkSettings expected;
   expected.serialPort = "COM7";
   EXPECT_EQ(loaded.settings, expected);
-  ASSERT_EQ(loaded.complaints.size(), 12U);
-  EXPECT_EQ(loaded.complaints[0], "KvCmDrv1.ini, Transport: expected sim, tcp, serial, modem or listen; using sim");
+  const auto add = [](const std::string& all, const std::string& each) { return all + each + "\n"; };
+  test::ExpectAsRecorded(
+      [&] { return std::accumulate(loaded.complaints.begin(), loaded.complaints.end(), std::string(), add); });
+  for (const Transport transport :
+       {Transport::Simulated, Transport::Tcp, Transport::Serial, Transport::Modem, Transport::Listen}) {
+    EXPECT_TRUE(SaveSettings(folder.Path(), UnusualSettings(transport)));
+    EXPECT_EQ(LoadSettings(folder.Path(), {}).settings, UnusualSettings(transport));
+    test::ExpectAsRecorded([&] { return TemporaryFolder::Content(folder.Path() / "KvCmDrv1.ini"); });
+  }
   EXPECT_EQ(LoadSettings(folder.Path() / "none", expected).settings, expected);
 }
 
@@ -100,6 +98,13 @@ struct DriverFixture {
   DriverFixture() {
     driver.OnComMessage = [this](const std::string& message) { messages.push_back(message); };
   }
+  ~DriverFixture() {
+    test::ExpectAsRecorded([this] {
+      std::string all = test::TrafficText(driver.GetTrace().Text());
+      for (const std::string& message : messages) all += message + "\n";
+      return all + driver.LastError().Text() + "\n";
+    });
+  }
 };
 
 TEST(Driver, OpensWithTheSessionsSettingsAndKeepsTheLinkWhileTheyDescribeIt) {
@@ -128,12 +133,19 @@ TEST(Driver, OpensWithTheSessionsSettingsAndKeepsTheLinkWhileTheyDescribeIt) {
 }
 
 TEST(Driver, GivesTheLinkBackThatATrialTook) {
-  DriverFixture fixture;
-  (void)fixture.driver.UseSettings(*ParseLink("tcp:plc"), false);
-  const auto channel = fixture.driver.GetChannel();
-  ASSERT_TRUE(channel && channel->GetVersionInfo(1));
-  EXPECT_TRUE(fixture.driver.TryLink(*ParseLink("serial:COM3")));
-  EXPECT_TRUE(channel->GetVersionInfo(1)) << channel->LastError().Text();
+  for (const std::string link : {"tcp:plc", "serial:COM3", "modem:COM3,\"0123\"", "listen:20300"}) {
+    DriverFixture fixture;
+    (void)fixture.driver.UseSettings(*ParseLink(link), false);
+    const auto channel = fixture.driver.GetChannel();
+    ASSERT_TRUE(channel && channel->GetVersionInfo(1));
+    EXPECT_TRUE(fixture.driver.TryLink(*ParseLink(link)));
+    EXPECT_EQ(fixture.plant.connections, 1) << "the link that is open is tried";
+    EXPECT_TRUE(fixture.driver.TryLink(*ParseLink("serial:COM4")));
+    const bool comesBack = link.starts_with("tcp") || link.starts_with("serial");
+    EXPECT_EQ(fixture.plant.connections, comesBack ? 3 : 2) << link;
+    fixture.plant.isSilent = true;
+    EXPECT_FALSE(fixture.driver.TryLink(*ParseLink("serial:COM4")));
+  }
 }
 
 // The simulated controller of a new session would answer in the place of the plant's.

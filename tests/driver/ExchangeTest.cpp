@@ -27,6 +27,28 @@ TEST(Exchange, RefusalIsNeverRepeatedAndALostReplyAtOnce) {
   EXPECT_EQ(fixture.channel.Quality().repeats, 1U);
 }
 
+TEST(Exchange, OfABlockMessageAStatusAbove128IsARefusal) {
+  Exchange exchange(1, Instant{}, Instant{});
+  for (const auto& [status, code] : {std::pair(5, 0), {127, 0}, {128, 0}, {129, 1}, {255, 127}}) {
+    exchange.status = status;
+    EXPECT_EQ(exchange.Refusal().value_or(0), code);
+    EXPECT_EQ(exchange.Refusal().has_value(), code != 0);
+  }
+}
+
+TEST(Exchange, ABlockMessageThatNeverEndedSwallowsNoOther) {
+  for (const char* fault : {"cut:after=2,on=block", "cut:after=10,on=block", "cut:after=40,on=block"}) {
+    Fixture fixture;
+    fixture.plant.UseFaults({fault});
+    EXPECT_FALSE(fixture.channel.ReadMemoryBlock(0x00200000, 100, 1));
+    fixture.plant.UseFaults({});
+    const Instant start = fixture.pacer.Now();
+    EXPECT_TRUE(fixture.channel.ReadMI(0, 60, 1));
+    EXPECT_TRUE(fixture.channel.ReadMemoryBlock(0x00200000, 100, 1));
+    EXPECT_LE(fixture.pacer.Now() - start, 100ms);
+  }
+}
+
 using Requests = std::vector<std::pair<const char*, std::function<bool(Channel&)>>>;
 
 // One of each kind that the exchange goes about in another way, on a link that was never used before.

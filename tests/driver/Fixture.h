@@ -61,7 +61,7 @@ struct Plant {
     options.model = model;
     options.password = password;
     options.baud = 115200;
-    ++cables;
+    options.powerUp = static_cast<std::uint16_t>(++cables);
     auto counting = std::make_unique<matrix::CountingController>(sim::Controller::Create(options).value());
     controller = counting.get();
     simulated = sim::SimulatedController::CreateAround(std::move(counting), options).value();

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "KvCmDrv1/ChangeGate.h"
+#include "KvCmDrv1/FrameMeaning.h"
 #include "KvCmDrv1/wire/MessageReceiver.h"
 #include "KvCmDrv1/wire/Replies.h"
 #include "KvCmDrv1/wire/Requests.h"
 #include "KvCmDrv1/wire/Seal.h"
+#include "tests/support/Recorded.h"
 
 namespace kv {
 namespace {
@@ -112,6 +115,23 @@ TEST(GoldenFrames, BlockMessagesAreBuiltAndTakenByteForByte) {
     EXPECT_EQ(received->block.payload, payload);
   }
   EXPECT_GT(replies, 10U);
+}
+
+// In the words of the trace, and whether a record has to be made of it before it is sent.
+TEST(GoldenFrames, AreReadForPeople) {
+  std::string told;
+  for (const char* file : {"ascii.txt", "block.txt"}) {
+    for (const GoldenFrame& golden : ReadGoldenFrames(file)) {
+      told += golden.name + ": " + FrameMeaning(golden.bytes) + (MayChange(golden.bytes) ? ", a change\n" : "\n");
+      std::string before;
+      for (std::size_t cut = 1; cut < std::min<std::size_t>(golden.bytes.size(), 40); ++cut) {
+        const std::string part = golden.bytes.substr(0, cut);
+        const std::string now = FrameMeaning(part) + (MayChange(part) ? "!" : "");
+        if (now != std::exchange(before, now)) told += std::to_string(cut) + " bytes: " + now + "\n";
+      }
+    }
+  }
+  test::ExpectAsRecorded([&told] { return told; });
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <chrono>
 
 #include "Requests.h"
+#include "tests/support/Recorded.h"
 
 namespace kv::matrix {
 namespace {
@@ -40,11 +41,6 @@ constexpr Fault kFaults[] = {
     {"cut:after=0",             Once::Passes},
     {"cut:after=7",             Once::Passes},
     {"cut:after=20",            Once::Passes},
-    {"damage",                  Once::Passes},
-    {"damage:chars=3",          Once::Passes},
-    {"damage:rate=0.02",        Once::Passes},
-    {"damage:dir=in",           Once::Passes},
-    {"damage:chars=3,dir=in",   Once::Passes},
     {"wrongunit",               Once::Passes},
     {"echo",                    Once::Passes},
     {"garbage:bytes=60",        Once::Passes},
@@ -59,6 +55,11 @@ constexpr Fault kFaults[] = {
     {"lost:dir=in",             Once::Reads},
     {"lost:away=700",           Once::Reads,   1s},
     {"lost:at=9,away=60000",    Once::Fails,   61s},
+    {"damage",                  Once::Passes},
+    {"damage:chars=3",          Once::Passes},
+    {"damage:rate=0.02",        Once::Passes},
+    {"damage:dir=in",           Once::Passes},
+    {"damage:chars=3,dir=in",   Once::Passes},
 };
 // clang-format on
 
@@ -74,7 +75,22 @@ class Cell {
 
   Attempt RunUnder(const std::string& selectors) {
     EXPECT_TRUE(mFixture.simulated->UseFaults({Rule(mFault, selectors)}));
-    return RunJudged(mFixture, mRequest);
+    const Instant start = mFixture.pacer.Now();
+    const Attempt attempt = RunJudged(mFixture, mRequest);
+    mTook = mFixture.pacer.Now() - start;
+    return attempt;
+  }
+  // What it came to, after which time, with the counts of the link. What damage makes of a tag is never the same.
+  void Note(const Attempt& attempt) {
+    if (std::string(mFault.rule).starts_with("damage")) return;
+    const std::string error = attempt.isDone ? "done" : LastError();
+    const LinkQuality counts = mFixture.Link() != nullptr ? mFixture.Link()->Quality() : LinkQuality();
+    test::ExpectAsRecorded([&] {
+      std::string line = std::string("--> ") + mFault.rule + "\n" + error + "\n" + std::to_string(mTook.count());
+      for (const auto count : {counts.exchanges, counts.repeats, counts.errors, counts.bytesSent, counts.bytesReceived})
+        line += " " + std::to_string(count);
+      return line + "\n";
+    });
   }
 
   // When the fault is over, the first exchange may fail and no other.
@@ -97,6 +113,7 @@ class Cell {
   Fixture& mFixture;
   const Request& mRequest;
   const Fault& mFault;
+  Duration mTook{};
 };
 
 class FaultMatrix : public testing::TestWithParam<Request> {};
@@ -112,6 +129,7 @@ TEST_P(FaultMatrix, OneFault) {
     const bool mustPass = fault.once == Once::Passes || (fault.once == Once::Reads && request.isRead);
     EXPECT_TRUE(attempt.isDone || !mustPass) << cell.LastError();
     EXPECT_FALSE(attempt.isDone && fault.once == Once::Fails);
+    cell.Note(attempt);
     cell.Recover();
   }
 }

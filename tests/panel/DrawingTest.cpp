@@ -4,6 +4,7 @@
 
 #include "KvTele2/panel/Drawing.h"
 #include "tests/panel/Records.h"
+#include "tests/support/Recorded.h"
 
 namespace kv::panel {
 namespace {
@@ -72,6 +73,44 @@ TEST(Drawing, EveryItemIsDrawnAsThePageSays) {
   }
 }
 
+// What each looks like stands in the record of the test, also where the picture ends.
+TEST(Drawing, OfEverySizeAndStyle) {
+  ScreenResources resources;
+  ASSERT_TRUE(resources.Add(PanelResourceKind::Font, 1, SmallFont()));
+  std::string told;
+  const auto show = [&](const PanelRecord& record) {
+    ScreenModel model(ColourPanel(12, 8));
+    const bool isTaken = model.Take(Told({Page(1), record})).has_value();
+    Drawing drawing(model, resources);
+    (void)drawing.Draw();
+    told += std::to_string(record.kind) + " " + Shown(record.body) + ": " +
+            (isTaken ? Art(drawing.Dots()) : "refused") + "\n";
+  };
+  for (const int place : {0, 1, 2, 3, 4, 5, 6, 7, 8}) {
+    const int x1 = place % 3 * 6;
+    const int y1 = place / 3 * 4;
+    for (const int x2 : {0, 5, 13}) {
+      for (const int y2 : {0, 3, 9}) show(Item(18, Words({x1, y1, x2, y2, kRed})));
+    }
+  }
+  for (const auto& [width, height] :
+       {std::pair(0, 0), {0, 3}, {1, 1}, {2, 1}, {1, 9}, {2, 2}, {3, 5}, {5, 4}, {20, 20}}) {
+    const std::string area = Words({1, 1, width, height});
+    show(Rectangle(64, {1, 1, width, height}, kGreen));
+    for (const int thickness : {0, 1, 2, 9}) show(Item(17, area + Byte(thickness) + Words({kWhite, kBlue})));
+    for (const int share : {0, 1, 3333, 3334, 9999, 10000}) {
+      for (const int direction : {0, 1}) show(Item(21, area + Byte(direction) + Words({share, kRed, kBlue})));
+    }
+  }
+  for (int style = 0; style < 8; ++style) {
+    for (const int width : {0, 1, 4, 8, 9, 11, 12}) {
+      for (const int font : {1, 2}) show(Text(64, 1, 1, width, font, "ABx", style));
+    }
+  }
+  for (const int id : {2, 3}) show(Item(20, Words({3, 2, id})));
+  ExpectAsRecorded([&told] { return told; });
+}
+
 TEST(Drawing, ColoursAreSpreadOverAllShades) {
   EXPECT_EQ(DotOfColour(0), 0xFF000000U);
   EXPECT_EQ(DotOfColour(0xFFFF), 0xFFFFFFFFU);
@@ -125,29 +164,15 @@ TEST(Drawing, ATextDisplayShowsItsCellsCursorAndBlinking) {
 }
 
 TEST(ScreenResources, WhatIsNoFontAndNoImageIsRefusedAndCountsAsMissing) {
-  const auto with = [](std::string bytes, std::size_t at, int byte) {
-    bytes[at] = static_cast<char>(byte);
-    return bytes;
+  ScreenResources resources;
+  const auto isFont = [&resources](const std::string& bytes) {
+    const bool isTaken = resources.Add(PanelResourceKind::Font, 1, bytes).has_value();
+    EXPECT_EQ(resources.FontOf(1) != nullptr, isTaken);
+    return isTaken;
   };
-  const std::string font = SmallFont();
-  const std::string image = SmallBitmap();
-  const std::pair<std::size_t, int> inFont[] = {
-      {0, 'X'}, {4, 1}, {5, 5}, {5, 65}, {6, 7}, {8, 0}, {9, 1}, {10, 65}, {10, 9},
-  };
-  std::vector<std::string> badFonts = {"", font.substr(0, font.size() - 1), font + "x"};
-  for (const auto& [at, byte] : inFont) badFonts.push_back(with(font, at, byte));
-  for (const std::string& bad : badFonts) {
-    ScreenResources resources;
-    ASSERT_TRUE(resources.Add(PanelResourceKind::Font, 1, font));
-    EXPECT_FALSE(resources.Add(PanelResourceKind::Font, 1, bad)) << bad.size();
-    EXPECT_EQ(resources.FontOf(1), nullptr);
-  }
-  const std::pair<std::size_t, int> inImage[] = {
-      {0, 'X'}, {10, 53}, {13, 1}, {14, 39}, {18, 0}, {21, 0x80}, {22, 0}, {25, 0x80}, {24, 1}, {28, 8}, {30, 1},
-  };
-  std::vector<std::string> badImages = {"", image.substr(0, image.size() - 1)};
-  for (const auto& [at, byte] : inImage) badImages.push_back(with(image, at, byte));
-  for (const std::string& bad : badImages) EXPECT_FALSE(ParseScreenImage(bad)) << bad.size();
+  ExpectAsRecorded([&] { return WhatIsTaken(SmallFont(), isFont); });
+  const auto isImage = [](const std::string& bytes) { return ParseScreenImage(bytes).has_value(); };
+  ExpectAsRecorded([&] { return WhatIsTaken(SmallBitmap(), isImage); });
 }
 
 }  // namespace

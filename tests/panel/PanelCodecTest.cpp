@@ -8,6 +8,7 @@
 #include "KvCmDrv1/wire/Requests.h"
 #include "link/BlockOperations.h"
 #include "tests/panel/Records.h"
+#include "tests/support/Recorded.h"
 
 namespace kv {
 namespace {
@@ -67,22 +68,10 @@ TEST(PanelCodec, RepliesAreReadAndWhatDoesNotKeepToThePageIsRefused) {
   ASSERT_EQ(changes->records.size(), 1U);
   EXPECT_EQ(changes->records[0].body, "abc");
 
-  // Every reply cut at every length, and some bytes that cannot be: at the place, that byte.
-  for (std::size_t cut = 0; cut < kDescription.size(); ++cut) {
-    EXPECT_FALSE(ReadPanelDescription(kDescription.substr(0, cut))) << cut;
-  }
-  for (std::size_t cut = 0; cut < (kHead + kRecord).size(); ++cut) {
-    EXPECT_EQ(ReadPanelChanges((kHead + kRecord).substr(0, cut)).has_value(), cut == kHead.size()) << cut;
-  }
-  const auto with = [](std::string bytes, std::size_t at, int byte) {
-    bytes[at] = static_cast<char>(byte);
-    return bytes;
-  };
-  const std::pair<std::size_t, int> badDescription[] = {{0, 0},  {0, 3},   {1, 3},   {2, 41},
-                                                        {4, 17}, {16, 40}, {18, 13}, {21, 3}};
-  for (const auto& [at, byte] : badDescription) EXPECT_FALSE(ReadPanelDescription(with(kDescription, at, byte))) << at;
-  const std::pair<std::size_t, int> badChanges[] = {{0, 0}, {12, 0x80}, {13, 8}, {17, 4}, {19, 81}, {19, 2}};
-  for (const auto& [at, byte] : badChanges) EXPECT_FALSE(ReadPanelChanges(with(kHead + kRecord, at, byte))) << at;
+  const auto isDescription = [](const std::string& bytes) { return ReadPanelDescription(bytes).has_value(); };
+  test::ExpectAsRecorded([&] { return test::WhatIsTaken(kDescription, isDescription); });
+  const auto isChanges = [](const std::string& bytes) { return ReadPanelChanges(bytes).has_value(); };
+  test::ExpectAsRecorded([&] { return test::WhatIsTaken(kHead + kRecord, isChanges); });
   EXPECT_FALSE(ReadPanelChanges(kHead + kRecord + kRecord)) << "a slot twice";
 
   const std::string entry = Words({7, 100, 0, 0x5678, 0x1234}) + "Arial 16" + std::string(24, '\0');
@@ -90,8 +79,8 @@ TEST(PanelCodec, RepliesAreReadAndWhatDoesNotKeepToThePageIsRefused) {
   ASSERT_TRUE(part);
   EXPECT_EQ(part->countOfAll, 2);
   EXPECT_EQ(part->entries.at(0), (PanelResource{7, 100, 0x12345678, "Arial 16"}));
-  EXPECT_FALSE(ReadPanelDirectory(Words({0}) + entry));
-  EXPECT_FALSE(ReadPanelDirectory(Words({2}) + entry.substr(1)));
+  const auto isDirectory = [](const std::string& bytes) { return ReadPanelDirectory(bytes).has_value(); };
+  test::ExpectAsRecorded([&] { return test::WhatIsTaken(Words({2}) + entry, isDirectory); });
 }
 
 TEST(PanelCodec, OfAReplyThatWasAskedForAgainOnlyTheHeadIsTaken) {

@@ -5,6 +5,7 @@
 #include "KvTele2/panel/PanelSession.h"
 #include "desktop/VirtualPacer.h"
 #include "tests/panel/Records.h"
+#include "tests/support/Recorded.h"
 
 namespace kv::panel {
 namespace {
@@ -24,12 +25,16 @@ class FakePanel final : public PanelLink, public ChangeObserver {
   std::optional<PanelDescription> Describe(std::uint8_t) override { return Answer(std::optional(panel)); }
   std::optional<PanelChanges> Changes(const PanelChangesRequest& request, std::uint8_t) override {
     sent.emplace_back("c");
+    Note("c", request.have, {request.most, request.lease});
     return Answer(std::optional(News(request.have, request.lease)));
   }
   std::optional<PanelChanges> Send(const PanelEvent& event, std::uint8_t) override {
     constexpr const char* kNames[] = {"", "Op", "Le", "Do", "Ho", "Up", "Ta"};
     sent.emplace_back(kNames[static_cast<int>(event.action)]);
     events.push_back(event);
+    Note(sent.back() + event.operatorName, event.seen,
+         {event.key.value_or(255), event.x, event.y, event.takesOver, event.page, event.stamp, event.lease, event.since,
+          event.most, event.connection});
     if (onSend) onSend();
     if (verdict == PanelVerdict::Done && !isDown) {
       if (event.action == PanelAction::Operate) lease = 77;
@@ -50,7 +55,10 @@ class FakePanel final : public PanelLink, public ChangeObserver {
   unsigned Connection() const override { return connection; }
   const LinkError& LastError() const override { return error; }
 
-  void BeginOperation(const Operation& operation) override { recorded.push_back(operation.what); }
+  void BeginOperation(const Operation& operation) override {
+    recorded.push_back(operation.what);
+    log += operation.tool + ": " + operation.what + "\n";
+  }
   void EndOperation(const std::optional<ChangeEnd>&) override {}
   std::expected<void, LinkError> BeforeRequest(const ChangeRequest&) override { return {}; }
   void AfterRequest(const ChangeEnd&) override {}
@@ -75,8 +83,15 @@ class FakePanel final : public PanelLink, public ChangeObserver {
   std::vector<std::string> sent;
   std::vector<PanelEvent> events;
   std::vector<std::string> recorded;
+  std::string log;  // of all requests, with their times in milliseconds
 
  private:
+  void Note(const std::string& what, const PanelRevision& revision, const std::vector<std::uint32_t>& numbers) {
+    log += std::to_string(mPacer.Now().time_since_epoch() / 1ms) + " " + what + " of " +
+           std::to_string(revision.epoch) + "." + std::to_string(revision.number) + ":";
+    for (const std::uint32_t number : numbers) log += " " + std::to_string(number);
+    log += "\n";
+  }
   template <typename Value>
   std::optional<Value> Answer(std::optional<Value> value) {
     mPacer.Sleep(2ms);
@@ -108,6 +123,12 @@ class PanelSessionTest : public ::testing::Test {
   PanelSessionTest() {
     panel.Show({Page(1), Touch(64, {0, 0, 10, 10}, "Start"), Touch(65, {20, 0, 10, 10}, "Jog", 2)});
     Run(1s);
+  }
+  ~PanelSessionTest() override {
+    const PanelState state = session.State();
+    panel.log += state.reason + "|" + state.whyViewing + "|" + state.operatorName + "|" + state.pageName + "\n";
+    for (const PressReport& report : session.TakeReports()) panel.log += report.text + "\n";
+    ExpectAsRecorded([this] { return panel.log; });
   }
 
   // As a window does: a step whenever one is due, with what is pressed.

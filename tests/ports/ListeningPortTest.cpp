@@ -75,7 +75,7 @@ TEST_F(ListeningPortTest, LetsTheProgramAnswerTheEvents) {
     ASSERT_TRUE(port.Open(seconds(5)).has_value());
     controller.Close();
     EXPECT_EQ(kvtest::ReadFrom(port, 1), "");
-    EXPECT_THAT(port.LossReason().happened, HasSubstr("closed the connection"));
+    test::ExpectAsRecorded([this] { return kvtest::Words(port.LossReason()); });
     EXPECT_TRUE(Reaches(State::Listening));
   }
   EXPECT_EQ(events, (std::vector<std::string>{"established", "terminated", "established", "terminated"}));
@@ -144,6 +144,45 @@ TEST_F(ListeningPortTest, ClosedTwiceItTakesThePortFromNobody) {
   for (int i = 0; i < 2; ++i) socket.Stop();
   EXPECT_TRUE(controller.HasEnded());
   EXPECT_FALSE(socket.Listen(0));
+}
+
+// What it tells of itself after each step stands in the record.
+TEST_F(ListeningPortTest, KnowsWhereItStands) {
+  std::string told;
+  const auto tell = [&](const char* step, bool isDone = true) {
+    told += std::string(step) + (isDone ? ": " : " fails: ") + std::to_string(static_cast<int>(socket.GetState()));
+    const int facts[] = {socket.RequestId(),      static_cast<int>(socket.ConnectionNumber()),
+                         socket.HasNewerCaller(), port.IsOpen(),
+                         port.HasNewerCall(),     socket.LocalPort() == number};
+    for (const int fact : facts) told += " " + std::to_string(fact);
+    told += " " + kvtest::Words({port.Description(), port.LossReason().happened, ""});
+  };
+  tell("new");
+  tell("listen to none", socket.Listen(0));
+  tell("listen", socket.Listen(number));
+  std::vector<kvtest::Descriptor> callers;
+  const auto dial = [&] { callers.push_back(kvtest::DialLoopback(number)); };
+  dial(), socket.Poll(), tell("somebody calls");
+  dial(), socket.Poll(), tell("another one");
+  tell("accept the other", socket.Accept(socket.RequestId() + 1));
+  tell("accept", socket.Accept(socket.RequestId()));
+  tell("accept again", socket.Accept(socket.RequestId()));
+  tell("open", port.Open(seconds(5)).has_value());
+  dial(), socket.Poll(), tell("a third one");
+  port.DropPartner(), tell("drop");
+  socket.Poll(), tell("look");
+  tell("open", port.Open(seconds(5)).has_value());
+  callers.back().Close(), tell("it hangs up", Reaches(State::Listening));
+  tell("read", !kvtest::ReadFrom(port, 1).empty());
+  tell("open", port.Open(seconds(5)).has_value());
+  tell("listen again", socket.Listen());
+  socket.Poll(), tell("look");
+  dial(), tell("open", port.Open(seconds(5)).has_value());
+  port.Close(), tell("close");
+  socket.Close(), tell("close the socket");
+  tell("listen again", socket.Listen());
+  socket.Stop(), tell("stop");
+  test::ExpectAsRecorded([&told] { return told; });
 }
 
 TEST_F(ListeningPortTest, RefusesARequestThatHasGone) {

@@ -43,18 +43,32 @@ class PieceLine final : public InProcessLine {
 
 class ModemPortTest : public testing::Test {
  protected:
+  ~ModemPortTest() override {
+    port.reset();
+    test::ExpectAsRecorded([this] { return dialogue; });
+  }
+  // Keeps what it says and hears, and when.
+  ModemPort& Heard(std::unique_ptr<ModemPort> made) {
+    port = std::move(made);
+    port->OnDialogue = [this](Port::Side side, std::string_view bytes) {
+      const auto now = std::to_string(pacer.Now().time_since_epoch() / milliseconds(1));
+      dialogue += now + (side == Port::Side::Said ? " --> " : " <-- ") + test::Shown(bytes) + "\n";
+    };
+    return *port;
+  }
   std::unique_ptr<Port> PortOn(std::shared_ptr<InProcessLine> line) {
     return std::make_unique<SimulatedPort>(std::move(line), "COM3", pacer);
   }
   ModemPort& Make(const sim::ModemOptions& options, std::size_t piece = 1000) {
     auto modem = std::make_unique<sim::SimulatedModem>(std::make_unique<kvtest::PartnerLine>(controller), options);
-    port = std::make_unique<ModemPort>(PortOn(std::make_unique<PieceLine>(std::move(modem), piece)), settings, pacer);
-    return *port;
+    return Heard(
+        std::make_unique<ModemPort>(PortOn(std::make_unique<PieceLine>(std::move(modem), piece)), settings, pacer));
   }
 
   VirtualPacer pacer;
   kvtest::Partner controller{.echoes = true};
   ModemSettings settings{.init = "AT&F", .number = "0,12345"};
+  std::string dialogue;
   std::unique_ptr<ModemPort> port;
 };
 
@@ -123,17 +137,21 @@ TEST_F(ModemPortTest, TakesTheWordsOfTheModemOutOfWhateverElseItSays) {
       {{"OK\r\nERROR\r\n", "OK\r\n", "OK\r\n", "CONNECT\r\n"}, ""},  // what was said before is no answer
       {{"OK\r\n", "OK\r\n", "OK\r\n", "RRING\r\nNO CARRIER\r\n"}, "the call to 0,12345 found no modem"},
       {{"OK\r\n", "OK\r\n", ""}, "the modem does not answer \"ATE0\", although it has answered before"},
+      {{"OK\r\n", ""}, "the modem does not answer \"AT&F\", although it has answered before"},
+      {{"OK\r\n", "ERROR\r\n"}, "the modem refused the command \"AT&F\""},
+      {{"123\r\nOK\n", "12 \r\rOK\r", "OK\n\n", "NO DIAL TONE\r"}, "the modem hears no dial tone"},
       {{"OK\r\n", "OK\r\n", "0\r\n"}, "the modem answers \"ATE0\" with a number instead of a word"},
       {{}, "the modem does not answer \"ATZ\""},
   };
   for (const auto& [answers, happened] : rows) {
+    port.reset();
     auto line = std::make_unique<ScriptedPort>(pacer);
     line->answers = answers;
     const Instant start = pacer.Now();
     const auto turns = pacer.TurnCount();
     const auto isTaken = line->isTaken;
-    ModemPort modem(std::move(line), settings, pacer);
-    const auto opened = modem.Open(kLimit);
+    const auto opened = Heard(std::make_unique<ModemPort>(std::move(line), settings, pacer)).Open(kLimit);
+    if (!opened) dialogue += kvtest::Words(opened.error());
     EXPECT_EQ(opened ? "" : opened.error().happened, happened);
     EXPECT_EQ(*isTaken, opened.has_value()) << "others may use the modem again";
     const bool isSilent = std::string_view(happened).starts_with("the modem does not answer");
@@ -208,20 +226,20 @@ TEST_F(ModemPortTest, WakesAModemWhoseProfileIsQuietOrAnswersWithNumbers) {
 }
 
 TEST_F(ModemPortTest, TellsItsDialogueWithoutThePinOfAMobileCard) {
-  settings.init = "AT+CPIN=1234;+cpwd=\"SC\",\"1234\";+CREG?";
-  auto& modem = Make({});
-  std::string said;
-  std::string heard;
-  modem.OnDialogue = [&](Port::Side side, std::string_view bytes) {
-    (side == Port::Side::Said ? said : heard) += std::string(bytes) + "|";
-  };
-  ASSERT_TRUE(modem.Open(kLimit).has_value());
-  modem.Close();
-  EXPECT_EQ(said, "ATZ\r|AT+CPIN=****;+cpwd=***********;+CREG?\r|ATE0\r|ATDT0,12345\r|+++|ATH\r|");
-  EXPECT_EQ(
-      heard,
-      "ATZ|OK|AT+CPIN=****;+cpwd=***********;+CREG?|OK|ATE0|OK|CONNECT 9600|+++|OK|OK|");  // the pluses reach the far
-                                                                                           // end, which sends all back
+  settings.init = "AT+CPIN=1234;+cpwd=\"SC\",\"1234\";+CLCK=\"SC\",1,\"1234\";+CGAUTH=1,2,\"key\";+CREG?";
+  for (const bool isPulse : {false, true}) {
+    settings.isPulse = isPulse;
+    auto& modem = Make({});
+    ASSERT_TRUE(modem.Open(kLimit).has_value());
+    modem.Close();
+  }
+  EXPECT_EQ(dialogue.find("1234;"), std::string::npos);
+  EXPECT_NE(dialogue.find("AT+CPIN=****;+cpwd=***********;"), std::string::npos) << dialogue;
+  settings.init = "AT+CPIN=1234;+UNKNOWN";
+  auto line = std::make_unique<ScriptedPort>(pacer);
+  line->answers = {"OK\r\n", "ERROR\r\n"};
+  EXPECT_THAT(kvtest::WhyNot(Heard(std::make_unique<ModemPort>(std::move(line), settings, pacer))).happened,
+              HasSubstr("AT+CPIN=****;"));
 }
 
 TEST_F(ModemPortTest, IsLostWhenTheCarrierIs) {
@@ -235,6 +253,7 @@ TEST_F(ModemPortTest, IsLostWhenTheCarrierIs) {
     controller.isConnected = false;
     EXPECT_THAT(kvtest::ReadFrom(modem, 1000), HasSubstr("half a re"));
     EXPECT_FALSE(modem.IsOpen());
+    dialogue += kvtest::Words(modem.LossReason());
     EXPECT_EQ(modem.LossReason().happened, "the telephone connection to 0,12345 broke");
   }
 }

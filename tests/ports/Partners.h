@@ -18,12 +18,14 @@
 
 #include <cstdint>
 #include <optional>
+#include <regex>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "KvCmDrv1/ports/Port.h"
 #include "base/InProcessLine.h"
+#include "tests/support/Recorded.h"
 
 // The other ends of the ports under test, on the bare calls of the system. No wait lasts longer than kLongest.
 namespace kvtest {
@@ -247,11 +249,20 @@ inline std::string ReadFrom(kv::Port& port, std::size_t count) {
   return bytes;
 }
 
+// The words of an error, whatever numbers the system gave to the ports of the test.
+inline std::string Words(const kv::PortError& error) {
+  const std::string words = error.happened + "\n" + error.cause + "\n" + error.cure + "\n";
+  return std::regex_replace(words, std::regex("[0-9]{4,}|pts/[0-9]+|[a-z_]+ [(]process [0-9]+|(another port: ).*"),
+                            "$1N");
+}
+
 // Why a port does not open.
 inline kv::PortError WhyNot(kv::Port& port, kv::Duration limit = std::chrono::seconds(5)) {
   const auto opened = port.Open(limit);
   EXPECT_FALSE(opened.has_value()) << port.Description();
-  return opened ? kv::PortError() : opened.error();
+  kv::PortError error = opened ? kv::PortError() : opened.error();
+  kv::test::ExpectAsRecorded([&error] { return Words(error); });
+  return error;
 }
 
 inline bool WriteAll(kv::Port& port, std::string_view bytes) {

@@ -113,7 +113,7 @@ inline std::string WithoutHome(std::string text, const std::filesystem::path& ho
 inline std::string TrafficText(std::string trace, const std::string& from = {}) {
   for (const auto& [what, instead] : {std::pair("(-->|<--|---) kvtele ", "$1 "),
                                       {"(/..(RO|WO|RM|IN|AC|SY|PD|PC|PE))[0-9A-F]{4}", "$1#"},
-                                      {"(<-- /..SY#[0-9A-F]{4})[0-9A-F]{12}(WO[0-9A-F]{4})?", "$1#"},
+                                      {"(<-- /..SY#[0-9A-F]{4})[0-9A-F]{12}((WO|PE)[0-9A-F]{4})?", "$1#"},
                                       {"[0-9A-F]{10}<0D>", "#"},
                                       {"<B4>K.*(\\[unit [0-9]+: block) [0-9]+", "$1"},
                                       {"(<xx).*(\\n.* <xx.*)*", "$1"}})
