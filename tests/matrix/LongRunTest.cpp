@@ -12,6 +12,7 @@
 #include "Requests.h"
 #include "base/Numbers.h"
 #include "tests/support/HeldMemory.h"
+#include "tests/support/Recorded.h"
 #include "tests/support/WeatherSeeds.h"
 
 namespace kv::matrix {
@@ -98,6 +99,34 @@ TEST(LongRun, NothingWrongNothingTwiceNothingLate) {
       EXPECT_LT(test::MemoryHeld() - held, 1 << 20) << "memory grows";
       EXPECT_GE(100 * run.done, weather.least * count);
     }
+  }
+}
+
+// What each exchange came to, and after which time, stands in the record: with one seed it is the same again.
+TEST(LongRun, IsTheSameAgain) {
+  const Weather weather{
+      "",
+      0,
+      0,
+      {"noreply:p=0.1", "late:ms=150,p=0.1", "late:ms=1200,p=0.03", "double:p=0.1", "cut:after=4,p=0.05",
+       "wrongunit:p=0.05", "echo:p=0.05", "busy:p=0.03", "refuse:code=09,p=0.02", "reset:p=0.01", "lost:at=2,p=0.03",
+       "lost:dir=in,p=0.03", "lost:away=700,p=0.02"}};
+  for (const char* model : {"K220-22-R1", "Q50"}) {
+    Voyage run(model, weather, 7);
+    std::string told;
+    for (int i = 0; i < 300; ++i) {
+      const Instant start = run.fixture.pacer.Now();
+      const std::int64_t before = run.done;
+      ASSERT_TRUE(run.Exchange()) << i << "\n" << run.TraceEnd();
+      told += std::to_string((run.fixture.pacer.Now() - start).count()) + " ";
+      Channel* link = run.fixture.Link();
+      told += run.done > before ? "done"
+              : link != nullptr ? link->LastError().Text()
+                                : run.fixture.driver.LastError().Text();
+      if (link != nullptr) told += ", " + std::to_string(link->Quality().repeats) + " repeats";
+      told += "\n";
+    }
+    test::ExpectAsRecorded([&told] { return told; });
   }
 }
 

@@ -68,34 +68,6 @@ TEST(PanelPages, EverythingFitsOnEveryColourDisplay) {
   }
 }
 
-TEST(PanelPages, StandsStillUntilStartAndMovesTheOperandsThen) {
-  for (const char* model : {"K670", "Q50"}) {
-    SCOPED_TRACE(model);
-    PanelClient client(model);
-    client.fixture.Write("0100C80001", "01");
-    client.fixture.Write("0300CB0002", "03200258");
-    client.fixture.Wait(1h);
-    EXPECT_TRUE(client.Word(203) == 800 && client.Word(204) == 600 && client.Word(205) == 0);
-    client.Look();
-    EXPECT_EQ(client.Operate(), 0);
-    EXPECT_EQ(client.Press("Start"), 0);
-    client.fixture.Wait(60s);
-    EXPECT_NEAR(client.Word(205), 29, 1) << "30 bottles a minute and some run-up";
-    EXPECT_EQ(client.Word(207), 30);
-    EXPECT_LT(client.Word(203), 800);
-    client.Look();
-    EXPECT_TRUE(client.Shows("RUNNING"));
-    client.fixture.Write("0300CD0001", "00F9");  // one bottle is left of the batch
-    client.fixture.Wait(10s);
-    client.Look();
-    EXPECT_TRUE(client.Shows("STOPPED") && client.Shows("250"));
-    EXPECT_EQ(client.Bit(207) + client.Bit(211), 2) << "the batch is finished, and nobody has seen it";
-    EXPECT_EQ(client.Operate(), 0) << "the lease has ended meanwhile";
-    EXPECT_EQ(client.Press("Start"), 0);
-    EXPECT_EQ(client.Word(205), 0) << "a new batch";
-  }
-}
-
 // What each press and each second change on the screen and in the machine is in the record. "~3" waits so many seconds,
 // "_Pump" holds on to it.
 TEST(PanelPages, EveryControlOfEveryPage) {
