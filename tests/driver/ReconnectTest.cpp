@@ -141,6 +141,7 @@ TEST(Reconnect, AnotherControllerOnTheSameConnectionIsNeverTakenForTheOneBefore)
             << fixture.Error().happened;
         EXPECT_NE(fixture.Error().happened.find(std::to_string(before->serialNumber)), std::string::npos);
         EXPECT_EQ(fixture.plant.controller->MostExecutions(), 0) << "nothing but questions has reached it";
+        EXPECT_FALSE(fixture.channel.IsOpen());
         EXPECT_FALSE(fixture.channel.Open()) << "until the link is closed";
         EXPECT_EQ(fixture.messages.back(), "Connection closed: another controller answered");
       }

@@ -163,6 +163,29 @@ TEST(Drawing, ATextDisplayShowsItsCellsCursorAndBlinking) {
   EXPECT_EQ(inkIn(1, 1), 0) << "the cursor has left";
 }
 
+TEST(Drawing, OfCellsWithEveryCursor) {
+  const ScreenResources none;
+  std::string told;
+  for (int attribute = 0; attribute < 8; ++attribute) {
+    for (int place = 0; place < 18; ++place) {
+      ScreenModel model(TextPanel(4, 2));
+      const PanelRecord cursor{2, 4, Byte(place % 3) + Byte(place / 3 % 2) + Byte(place / 6)};
+      ASSERT_TRUE(model.Take(Told({Page(1), Row(0, "A\xE9 ", 4, attribute * 0x11), Row(1, "|_", 4), cursor})));
+      Drawing drawing(model, none);
+      for (const bool isSeen : {true, false}) {
+        drawing.ShowBlinking(isSeen);
+        (void)drawing.Draw();
+        std::string dots;
+        for (int y = 0; y < 32; ++y) {
+          for (const Dot dot : drawing.Dots().Row(y)) dots += ToHex(dot, 8);
+        }
+        told += ToHex(Crc32(dots), 8) + (isSeen ? " " : "\n");
+      }
+    }
+  }
+  ExpectAsRecorded([&told] { return told; });
+}
+
 TEST(ScreenResources, WhatIsNoFontAndNoImageIsRefusedAndCountsAsMissing) {
   ScreenResources resources;
   const auto isFont = [&resources](const std::string& bytes) {
@@ -172,6 +195,14 @@ TEST(ScreenResources, WhatIsNoFontAndNoImageIsRefusedAndCountsAsMissing) {
   };
   ExpectAsRecorded([&] { return WhatIsTaken(SmallFont(), isFont); });
   const auto isImage = [](const std::string& bytes) { return ParseScreenImage(bytes).has_value(); };
+  for (const int side : {1279, 1280, 1281, 2047, 2048, 2049, 4095, 4096, 4097}) {
+    for (const auto& [width, height] : {std::pair(side, 1), {1, side}, {1, -side}, {side, 1024}}) {
+      std::string image = SmallBitmap().replace(18, 8, Words({width, 0}) + Words({height, height < 0 ? -1 : 0}));
+      image.resize(54 + std::size_t((width * 3 + 3) / 4 * 4) * std::size_t(std::abs(height)));
+      ExpectAsRecorded(
+          [&] { return std::to_string(width) + " x " + std::to_string(height) + (isImage(image) ? "\n" : ": no\n"); });
+    }
+  }
   ExpectAsRecorded([&] { return WhatIsTaken(SmallBitmap(), isImage); });
 }
 

@@ -47,7 +47,7 @@ TEST(PanelCodec, RequestsAreTheBytesOfThePage) {
 const std::string kDescription =
     Byte(1) + Byte(2) + Words({16, 2, 4, 0, 0, 0, 0}) + "\x03\x00\x02"s + "F1\x07\xFF\x0C"s + "Twelve marks";
 const std::string kHead = Words({9, 2, 0, 0x1234, 0, 5}) + Byte(0x09) + Byte(6) + Words({77});
-const std::string kRecord = Words({16}) + Byte(3) + Byte(3) + "abc";
+const std::string kRecord = Words({768}) + Byte(3) + Byte(3) + "abc";
 
 TEST(PanelCodec, RepliesAreReadAndWhatDoesNotKeepToThePageIsRefused) {
   const auto panel = ReadPanelDescription(kDescription);

@@ -75,7 +75,8 @@ class FakePanel final : public PanelLink, public ChangeObserver {
   PanelVerdict verdict = PanelVerdict::Done;
   std::uint16_t lease = 0;
   bool isHeld = false;
-  bool isDown = false;  // the link
+  bool isDown = false;    // the link
+  bool isSpared = false;  // what it did not carry
   bool isLeaseElsewhere = false;
   unsigned connection = 1;
   std::size_t most = 1000;  // records in a reply
@@ -98,7 +99,7 @@ class FakePanel final : public PanelLink, public ChangeObserver {
     mPacer.Sleep(2ms);
     error = {};
     if (!isDown) return value;
-    error = {.code = LinkErrorCode::Unsure, .happened = "no reply"};
+    error = {.code = LinkErrorCode::Unsure, .happened = "no reply", .isNotExecuted = isSpared};
     return std::nullopt;
   }
   PanelChanges News(const PanelRevision& have, std::uint16_t named) const {
@@ -473,7 +474,7 @@ TEST_F(PanelSessionTest, WildHandsAreFollowedAlwaysAlike) {
     if (what == 13) panel.Show({{static_cast<std::uint16_t>(slot), 0, ""}});
     if (what == 14 || session.State().mode == PanelMode::View) session.AskToOperate("Anna", below(2) == 0);
     if (what == 15) below(3) == 0 ? session.Leave() : session.DropPresses();
-    if (what == 16) panel.isDown = below(3) == 0;
+    if (what == 16) panel.isDown = below(3) == 0, panel.isSpared = below(2) == 0;
     if (what == 17) panel.verdict = static_cast<PanelVerdict>(below(3) == 0 ? below(8) : 0);
     if (what == 18) panel.isHeld = false;
     if (what == 19) session.Show(below(4) > 0);
@@ -482,10 +483,14 @@ TEST_F(PanelSessionTest, WildHandsAreFollowedAlwaysAlike) {
     if (what == 22 && below(3) == 0) ++panel.connection;
     if (what == 23 && below(3) == 0) ++panel.epoch;
     if (what == 24) panel.isLeaseElsewhere = below(3) == 0;
-    if (what == 25) session.AskNow();
-    if (what == 26) pacer.Sleep(below(700) * 1ms);
+    if (what == 25) session.AskNow(), pacer.Sleep(below(700) * 1ms);
     Run((below(4) == 0 ? 10 : 1) * below(60) * 1ms, pressed);
-    for (const PressReport& report : session.TakeReports()) panel.log += report.what + ": " + report.text + "\n";
+    for (const PressReport& report : session.TakeReports()) {
+      panel.log += report.what + ": " + report.text;
+      for (const int part : {int(report.result), int(report.action), int(report.verdict)})
+        panel.log += " " + std::to_string(part);
+      panel.log += "\n";
+    }
     const PanelState state = session.State();
     if (i % 10 == 0) panel.log += std::to_string(state.age / 1ms) + " " + state.reason + "|" + state.whyViewing + "\n";
   }

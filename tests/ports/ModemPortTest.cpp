@@ -76,6 +76,7 @@ TEST_F(ModemPortTest, DialsAndHangsUp) {
   for (const std::size_t piece : {1U, 1000U}) {  // the modem's answers arrive letter by letter, or whole
     auto& modem = Make({}, piece);
     ASSERT_TRUE(modem.Open(kLimit).has_value());
+    ASSERT_TRUE(modem.Open(kLimit).has_value()) << "also where it is open";
     EXPECT_EQ(modem.Description(), "Simulated COM3, modem 0,12345");
     const Instant start = pacer.Now();
     modem.Close();

@@ -95,7 +95,7 @@ TEST(PanelPages, EveryControlOfEveryPage) {
         client.fixture.Wait(second == 0 ? 100ms : 1s);
         client.Look();
       }
-      for (const char* place : {"0300C8001C", "0100C80014", "0A00000008", "0900000008"})
+      for (const char* place : {"0300C8001C", "0100C80014", "0A00000009", "0900000008"})
         (void)client.fixture.Read(place);
     }
   }
