@@ -174,6 +174,8 @@ TEST(Driver, ASessionWithoutSettingsGetsASimulatedControllerOfItsModel) {
     fixture.driver.ConfigureForSession(session);
     EXPECT_EQ(fixture.driver.LinkDescription(), link);
   }
+  fixture.driver.SetDriverActive(false);
+  EXPECT_FALSE(fixture.driver.GetChannel());
 }
 
 // A dialog that chooses another speed.
@@ -183,7 +185,10 @@ struct ScriptedDialogs final : DriverDialogs {
     ++shown;
     return UnusualSettings(Transport::Serial);
   }
-  std::optional<LinkSettings> EditModem(const LinkSettings&, const std::string&) override { return std::nullopt; }
+  std::optional<LinkSettings> EditModem(const LinkSettings&, const std::string&) override {
+    shown += 10;
+    return std::nullopt;
+  }
   void ShowTrace() override {}
 };
 
@@ -191,6 +196,7 @@ TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
   const TemporaryFolder folder;
   DriverFixture fixture;
   ScriptedDialogs dialogs;
+  fixture.driver.ShowComParams();  // to nobody
   fixture.driver.SetDialogs(&dialogs);
   fixture.driver.ConfigureForSession({.folder = folder.Path().string()});
   fixture.driver.UseSettings(SerialSettings(), true);
@@ -198,9 +204,12 @@ TEST(Driver, DialogChangesAreKeptAndABusyLinkIsLeftAlone) {
   ASSERT_TRUE(channel);
   channel->SetLinkBusy(true);
   fixture.driver.ShowComParams();
+  fixture.driver.ShowModemSettings();
   EXPECT_EQ(dialogs.shown, 0);
   channel->SetLinkBusy(false);
   fixture.driver.ShowComParams();
+  fixture.driver.ShowModemSettings();
+  EXPECT_EQ(dialogs.shown, 11);
   EXPECT_EQ(LoadSettings(folder.Path(), {}).settings, UnusualSettings(Transport::Serial));
   fixture.driver.ConfigureForSession({.folder = (folder.Path() / "gone").string()});
   fixture.driver.UseSettings(SerialSettings(), true);

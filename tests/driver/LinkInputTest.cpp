@@ -12,6 +12,8 @@ TEST(LinkInput, TheLongestTextsAreTaken) {
   input.host = std::string(200, 'a');
   input.modemInit = "AT" + std::string(198, 'X');
   EXPECT_TRUE(CheckInput(input, {}).faults.empty());
+  const LinkSettings unusual = UnusualSettings(Transport::Modem);
+  EXPECT_EQ(CheckInput(InputOf(unusual), {}).settings, unusual) << "all of them";
 }
 
 TEST(LinkInput, ABadFieldIsNamedWithItsRangeWhereItIsUsedAndKeepsItsSetting) {

@@ -132,6 +132,9 @@ TEST(TraceSecrets, AnEchoingLineTellsNoPassword) {
     const std::string text = fixture.trace->Text();
     EXPECT_NE(text.find("<xx"), std::string::npos) << "it does echo";
     for (const char* part : {"QxZv", "WkJy", "51785A76", "576B4A79"}) EXPECT_EQ(text.find(part), std::string::npos);
+    fixture.plant.isSilent = true;
+    EXPECT_FALSE(fixture.channel.SendCommand(std::string("GI") + password));
+    EXPECT_TRUE(fixture.Error().doing.starts_with("sending GI to")) << fixture.Error().Text();
   }
 }
 

@@ -83,8 +83,13 @@ TEST(Drawing, OfEverySizeAndStyle) {
     const bool isTaken = model.Take(Told({Page(1), record})).has_value();
     Drawing drawing(model, resources);
     (void)drawing.Draw();
-    told += std::to_string(record.kind) + " " + Shown(record.body) + ": " +
-            (isTaken ? Art(drawing.Dots()) : "refused") + "\n";
+    told += std::to_string(record.kind) + " " + Shown(record.body) + ": " + (isTaken ? Art(drawing.Dots()) : "refused");
+    const auto gone = model.Take(Told({{record.slot, 0, ""}}, 2));  // what is drawn anew then
+    if (gone) drawing.Note(*gone);
+    for (const PixelRect& area : drawing.Draw()) {
+      for (const int number : {area.x, area.y, area.width, area.height}) told += " " + std::to_string(number);
+    }
+    told += "\n";
   };
   for (const int place : {0, 1, 2, 3, 4, 5, 6, 7, 8}) {
     const int x1 = place % 3 * 6;
