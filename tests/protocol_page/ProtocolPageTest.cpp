@@ -136,7 +136,7 @@ TEST(ProtocolPage, EveryReasonIsToldInOneOrder) {
     SCOPED_TRACE(command.name);
     const std::string malformed = std::string(command.name) + (command.form == TextCommand::Form::Whole ? "" : "?");
     const auto answer = [&](std::string_view model, char state, bool isBusy, sim::ConnectionAccess connection) {
-      sim::Machine machine(*sim::FindModel(model), {}, 1, {});
+      sim::Machine machine(*sim::FindModel(model), {}, {});
       machine.password = "key";
       machine.SetState(static_cast<RunState>(state));
       if (isBusy) machine.flash.Start(sim::FlashWork::Kind::Test, std::chrono::seconds(1));
@@ -262,7 +262,7 @@ TEST(ProtocolPage, StepsOfAProject) {
   const auto rows = RowsBelow({"Step", "66", "2", "65", "69"});
   for (std::size_t step = 0; step < rows.size(); ++step) {
     for (std::size_t column = 0; column < kOperations.size(); ++column) {
-      sim::Machine machine(*sim::FindModel("K330"), {}, 1, {});
+      sim::Machine machine(*sim::FindModel("K330"), {}, {});
       machine.Advance(Instant{});
       const auto status = [&](std::uint16_t operation) {
         const bool hasBlock = operation == 66 || operation == 2;
