@@ -63,6 +63,35 @@ TEST(RulePageTest, EachNameStandsInAFileOfItsRow) {
   }
 }
 
+// What a test is held against, and finds missing; one whose test has gone, or has another name now, holds nothing.
+TEST(RecordsTest, EachIsReadByATest) {
+  struct Kind {
+    fs::path records;
+    const char* readers;
+    const char* before;  // its name, or that of its test, in what reads it
+    const char* behind;
+  };
+  for (const auto& [records, readers, before, behind] : {Kind{"recorded", "tests", "(", ")"},
+                                                         {"KvTele2/shown", "tests/KvTele2", ", ", ")"},
+                                                         {"simulator/sessions", "tests/simulator", "\"", "\""},
+                                                         {"host_ui/steps", "tests/steps_ui", "\"", "\""},
+                                                         {"kvtele/transcripts", "tests/kvtele", "\"", "\""},
+                                                         {"kvtele/texts", "tests/kvtele", "\"", "\""}}) {
+    std::string all;
+    ForEachFile({readers}, [&](const std::string& name, const std::string& content) {
+      if (name.ends_with(".cpp")) all += content;
+    });
+    for (const auto& entry : fs::directory_iterator(kTree / "tests" / records)) {
+      std::string name = entry.path().filename().string();
+      if (name.ends_with(".txt")) name.resize(name.size() - 4);
+      // "Each.SUITE.TEST.parameter" or "SUITE.TEST"
+      if (before[0] == '(')
+        name = std::regex_replace(name, std::regex("^(?:\\w+\\.(?=\\w+\\.\\w+\\.))?(\\w+)\\.(\\w+).*"), "$1, $2");
+      EXPECT_TRUE(all.contains(before + name + behind)) << entry << " is read by no test";
+    }
+  }
+}
+
 // Names in the tables of commands are walked by the tests of their windows.
 TEST(IconNamesTest, EveryNameInTheCodeIsADrawing) {
   const std::regex use("IconOf\\(([^)]*)\\)");

@@ -4,6 +4,7 @@
 
 #include "clone/CloneFrame.h"
 #include "clone/CloneInfo.h"
+#include "tests/support/Damage.h"
 
 // clang-format off: the tables are laid out by hand
 namespace kv {
@@ -70,19 +71,19 @@ TEST(CloneInfo, NamesTheLineOfEachDamage) {
   EXPECT_EQ(Inspect(kHead + kMm1 + "/\r\n" + kMm3 + kEnd).damageCount, 1U);  // one broken line is one damage
 }
 
-TEST(CloneInfo, FindsEveryCutAndAnySingleWrongCharacterOfTheFrames) {
-  const std::string frames = kHw1 + kHw3 + kMm1 + kMm2 + kMm3 + kEnd;
-  const std::string whole = kHead + frames;
-  ASSERT_TRUE(Inspect(whole).IsSound());
-  for (std::size_t length = 0; length + 2 < whole.size(); ++length) {  // the last line may lack CR LF
-    EXPECT_FALSE(Inspect(whole.substr(0, length)).IsSound()) << length;
-  }
-  for (std::size_t at = kHead.size(); at + 2 < whole.size(); ++at) {
-    const bool isLineEnd = whole[at] == '\r' && whole[at - 1] == '\r';  // CR CR LF or CR LF: no difference
-    std::string damaged = whole;
-    damaged[at] = damaged[at] == '0' ? '1' : '0';
-    EXPECT_TRUE(isLineEnd || !Inspect(damaged).IsSound()) << at;
-  }
+TEST(CloneInfo, TellsWhatEachDamageIs) {
+  const std::string whole = kTitle + kVersion + "HW,4096,260\tOP,8192,6\t\r\n\r\n" + kHw3 + Write(MemoryKind::Ram, 0x2000, 6) + kEnd;
+  test::ExpectAsRecorded([&] {
+    return test::ToldOfDamage(whole, [](const std::string& bytes) {
+      const CloneInfo info = Inspect(bytes);
+      std::string all = std::to_string(info.frames) + (info.hasEnd ? " frames to the end" : " frames");
+      for (const LineError& each : info.damages) all += "|" + each.Text();
+      for (const CloneInfoSegment& each : info.segments)
+        all += "|" + each.segment.code + " " + std::to_string(each.covered.Bytes()) + " from " + std::to_string(each.position);
+      for (const std::string& each : FindingsBeforeRestore(info, {.model = "K220-22-R1"})) all += "|" + each;
+      return all;
+    });
+  });
   const std::string frame = "/FFWDF89ABCDEF040201040361\r";
   EXPECT_EQ(ParseCloneFrame(frame)->data, (Bytes{1, 2, 3, 4}));
   for (const char* bad : {"/01EDEA", "/01edEA\r", "/01EDEA\r\r", "/0iED19\r", "/01WDR003000000AABCD4C\r"}) {

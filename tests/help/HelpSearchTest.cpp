@@ -87,7 +87,7 @@ TEST(HelpSearchTest, AnswersEachQuestionAsItDid) {
   const HelpBook book = HelpBook::Open("", KV_TEST_DATA "/help/book").value();
   const HelpSearch search(book);
   std::ostringstream now;
-  now << std::fixed << std::setprecision(2);
+  now << std::fixed << std::setprecision(4);
   const auto list = [&](const char* what, const auto& texts) {
     now << "  " << what;
     for (const std::string& text : texts) now << " " << text;

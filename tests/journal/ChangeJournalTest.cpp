@@ -8,43 +8,11 @@ namespace {
 
 struct ChangeJournalTest : testing::Test, test::JournalFixture {};
 
-TEST_F(ChangeJournalTest, ChainsRecordsAndKeepsTheHead) {
-  EXPECT_EQ(Begin(), 2U);  // behind the record that begins the journal
-  EXPECT_EQ(End(2), 3U);
-  EXPECT_EQ(disk.folderFlushes, 1) << "or a power failure takes the new file away";
-  Reopen();
-  EXPECT_EQ(Begin("with \" and \\ and \n and \xE2\x80\xA8"), 4U);
-  EXPECT_EQ(Findings(), "");
-  const auto head = ReadHead(disk, HeadFile(places));
-  ASSERT_TRUE(head);
-  EXPECT_EQ(head->number, 4U);
-  EXPECT_EQ(Check().head->hash, head->hash);
-  EXPECT_EQ(LinesOf(Bytes()).size(), 4U);
-  EXPECT_FALSE(Check().isHeadDamaged);
-  std::fstream(HeadFile(places)).seekp(20).put('x');
-  EXPECT_TRUE(Check().isHeadDamaged);
-}
-
 TEST_F(ChangeJournalTest, TellsTheTimeWithItsZone) {
   for (const auto& [minutes, zone] : {std::pair(0, "+00:00"), {60, "+01:00"}, {-1, "-00:01"}, {-570, "-09:30"}}) {
     pacer.SetUtcOffset(std::chrono::minutes(minutes));
     EXPECT_THAT(JournalTime(pacer), testing::EndsWith(zone));
   }
-}
-
-TEST_F(ChangeJournalTest, ShortensWhatALineHasNoRoomFor) {
-  JournalRecord record{
-      .kind = RecordKind::Begin, .what = std::string(5000, 'w'), .reason = std::string(3'000'000, 'r')};
-  record.operands.assign(100'000, {"MI 0..1", {"1", "2"}, {"3", "4"}});
-  (void)journal->Append(record);
-  EXPECT_EQ(Findings(), "");
-  const std::string line = LinesOf(Bytes()).back();
-  const auto read = ParseRecord(line.substr(0, line.size() - 1));
-  ASSERT_TRUE(read);
-  EXPECT_THAT(read->record.reason,
-              testing::AllOf(testing::StartsWith(std::string(1000, 'r') + "... "), testing::SizeIs(1000 + 29 + 64),
-                             testing::HasSubstr("3000000 bytes, SHA-256 ")));
-  EXPECT_THAT(read->record.operands.back().operands, testing::MatchesRegex("and \\w+ runs of operands more"));
 }
 
 TEST_F(ChangeJournalTest, LetsEverybodyWriteWhoMayWriteInTheFolder) {
@@ -65,27 +33,6 @@ TEST_F(ChangeJournalTest, LetsTwoWritersTakeTurns) {
   }
   EXPECT_EQ(Findings(), "");
   EXPECT_EQ(Check().records, 11U);
-
-  const auto lock = disk.Open(LockFile(places.folder), JournalDisk::Access::Replace);
-  ASSERT_TRUE((*lock)->TryLock().value_or(false));
-  const auto busy = journal->Append({.kind = RecordKind::Begin});
-  ASSERT_FALSE(busy) << "the lock was not waited for";
-  EXPECT_THAT(busy.error().Text(), testing::HasSubstr("busy"));
-}
-
-TEST_F(ChangeJournalTest, CutsBackWhatACrashLeftAndRecordsIt) {
-  for (const std::string& torn : {std::string("0"), std::string(300, '\0'), std::string("a\vb\fc\rd\xC2\x85")}) {
-    (void)Begin();
-    std::ofstream(File(), std::ios::binary | std::ios::app) << torn;
-    Reopen();
-    (void)Begin();
-    EXPECT_EQ(Findings(), "");
-    const auto lines = LinesOf(Bytes());
-    const auto repair = ParseRecord(lines[lines.size() - 2].substr(0, lines[lines.size() - 2].size() - 1));
-    ASSERT_TRUE(repair);
-    EXPECT_EQ(repair->record.kind, RecordKind::Repair);
-    EXPECT_EQ(repair->record.count, torn.size());
-  }
 }
 
 TEST_F(ChangeJournalTest, RecordsThatTheJournalIsAnotherOne) {

@@ -26,6 +26,18 @@ struct ChangeRecorderTest : testing::Test, test::SessionFixture {
   ChangeRecorder recorder{parts};
   const ChangeRequest request{"unit 1: write MI 0", {"K220-22-R1", 7, "Mixer"}, "COM3"};
 
+  ChangeRecorderTest() { shared.UserName = "anna"; }
+  // What the user was asked and told, and what is in the journal at the end.
+  ~ChangeRecorderTest() override {
+    std::string all = Recorded() + recorder.Head() + "\n";
+    for (const MessageBox& box : asked.Boxes()) all += box.title + ": " + box.text + "\n";
+    for (const InputBox& box : asked.Inputs()) all += box.title + ": " + box.text + "\n";
+    for (const std::string& text : told) all += text + "\n";
+    test::ExpectAsRecorded([&] {
+      return std::regex_replace(test::WithoutHome(all, home.Path()), std::regex("[0-9a-f]{64}|\r|\\([^)]*\\)"), "#");
+    });
+  }
+
   [[nodiscard]] JournalPlaces Places() const { return {SessionFolder(shared), state}; }
   // "2 anna write done", a line an entry.
   [[nodiscard]] std::string Recorded() {
@@ -44,7 +56,6 @@ struct ChangeRecorderTest : testing::Test, test::SessionFixture {
 };
 
 TEST_F(ChangeRecorderTest, RecordsAnOperationOnceHoweverManyRequestsItTakes) {
-  shared.UserName = "anna";
   {
     OperationScope restoring(&recorder, {"Cloner", "restore"});
     EXPECT_EQ(Recorded(), "") << "nothing has been sent";
@@ -64,11 +75,6 @@ TEST_F(ChangeRecorderTest, RecordsAnOperationOnceHoweverManyRequestsItTakes) {
     EXPECT_TRUE(Send());
   }
   EXPECT_TRUE(Send());
-  EXPECT_EQ(Recorded(),
-            "anna|restore||failed: the link broke; the last of 700 requests: unit 1: write MI 0\n"
-            "anna|write||failed: 1 of 2 requests done, the last of these: unit 1: write MI 0; the last sent: "
-            "unit 1: write MI 0\nanna|unit 1: write MI 0||done\n");
-  EXPECT_THAT(recorder.Head(), testing::StartsWith("7 "));
 }
 
 TEST_F(ChangeRecorderTest, AnOperationHasTheResultOfItsWorstRequest) {

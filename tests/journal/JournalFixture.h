@@ -26,10 +26,12 @@ class FaultyDisk final : public JournalDisk {
   bool failsOn = false;  // the calls behind it fail, too
   int calls = 0;
   std::string failed;  // which call it was
+  std::string log;     // all of them: "read 0 65536; "
   std::filesystem::path writeProtected;
-  int folderFlushes = 0;
+  bool isReal = true;  // what is flushed reaches the disk
 
-  [[nodiscard]] bool Fails(const char* call) {
+  [[nodiscard]] bool Fails(const std::string& call, std::uint64_t at = 0, std::uint64_t size = 0) {
+    log += call + (at + size > 0 ? " " + std::to_string(at) + " " + std::to_string(size) : "") + "; ";
     ++calls;
     if (calls != failAt && !(failsOn && failAt != 0 && calls > failAt)) return false;
     failed = call;
@@ -39,7 +41,7 @@ class FaultyDisk final : public JournalDisk {
   [[nodiscard]] std::expected<std::unique_ptr<JournalFile>, std::error_code> Open(const std::filesystem::path& path,
                                                                                   Access access) override;
   void FlushFolder(const std::filesystem::path& folder) override {
-    ++folderFlushes;
+    log += "flush the folder; ";
     SystemJournalDisk().FlushFolder(folder);
   }
 
@@ -55,18 +57,21 @@ class FaultyFile final : public JournalFile {
     return mFile->Size();
   }
   [[nodiscard]] std::expected<std::string, std::error_code> Read(std::uint64_t at, std::size_t most) override {
-    if (mDisk.Fails("read")) return std::unexpected(FaultyDisk::Full());
+    if (mDisk.Fails("read", at, most)) return std::unexpected(FaultyDisk::Full());
     return mFile->Read(at, most);
   }
   // A full disk takes a part.
   [[nodiscard]] std::error_code Write(std::uint64_t at, std::string_view bytes) override {
-    if (!mDisk.Fails("write")) return mFile->Write(at, bytes);
+    if (!mDisk.Fails("write", at, bytes.size())) return mFile->Write(at, bytes);
     (void)mFile->Write(at, bytes.substr(0, bytes.size() / 2));
     return FaultyDisk::Full();
   }
-  [[nodiscard]] std::error_code Flush() override { return mDisk.Fails("flush") ? FaultyDisk::Full() : mFile->Flush(); }
+  [[nodiscard]] std::error_code Flush() override {
+    if (mDisk.Fails("flush")) return FaultyDisk::Full();
+    return mDisk.isReal ? mFile->Flush() : std::error_code();
+  }
   [[nodiscard]] std::error_code Truncate(std::uint64_t size) override {
-    return mDisk.Fails("truncate") ? FaultyDisk::Full() : mFile->Truncate(size);
+    return mDisk.Fails("truncate", size) ? FaultyDisk::Full() : mFile->Truncate(size);
   }
   [[nodiscard]] std::expected<bool, std::error_code> TryLock() override {
     if (mDisk.Fails("lock")) return std::unexpected(FaultyDisk::Full());
@@ -80,6 +85,7 @@ class FaultyFile final : public JournalFile {
 
 inline std::expected<std::unique_ptr<JournalFile>, std::error_code> FaultyDisk::Open(const std::filesystem::path& path,
                                                                                      Access access) {
+  log += path.extension().string() + " " + std::to_string(static_cast<int>(access)) + " ";
   if (Fails("open")) return std::unexpected(Full());
   if (path == writeProtected && access != Access::Read) {
     return std::unexpected(std::make_error_code(std::errc::permission_denied));
@@ -134,7 +140,7 @@ struct JournalFixture {
   }
   // They differ from journal to journal, and so do their folders.
   [[nodiscard]] std::string WithoutHashes(const std::string& text) const {
-    return std::regex_replace(WithoutHome(text, temporary.Path()), std::regex("[0-9a-f]{32,}|\r|HOME"), "#");
+    return std::regex_replace(WithoutHome(text, temporary.Path()), std::regex("[0-9A-Fa-f]{32,}|\r|HOME"), "#");
   }
   [[nodiscard]] std::string Told(const JournalCheck& check) const {
     std::string told = VerdictText(check) + "\n";

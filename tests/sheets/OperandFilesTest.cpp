@@ -3,6 +3,8 @@
 
 #include "dataview/files/OperandCsv.h"
 #include "dataview/files/OperandSheet.h"
+#include "dataview/operands/OperandCatalogue.h"
+#include "tests/support/Damage.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv::mdlDataTypesView {
@@ -102,6 +104,24 @@ TEST(CsvTest, WhatCouldLandAtAnotherOperandIsRefused) {
     ASSERT_FALSE(read) << bytes;
     EXPECT_EQ(read.error().line, line) << bytes;
     EXPECT_THAT(read.error().what, HasSubstr(why));
+  }
+}
+
+TEST(CsvTest, TellsWhatEachDamageIs) {
+  for (const std::string_view good :
+       {"\xEF\xBB\xBFOperand Type,0,\"1\"\r\nmb, 1 ,0\r\n,7\n\"TIMER PRESET\",\"a\"\"b\x7F\",1:30\nMF,1e3,nan",
+        "Operand Type,Address,Value\nMI,0,-5\nML,10,6\r\n"}) {
+    test::ExpectAsRecorded([&] {
+      return test::ToldOfDamage(std::string(good), [](const std::string& bytes) {
+        const auto read = ParseOperandCsv(bytes, ',', CsvForm::Values);
+        if (!read) return read.error().Text();
+        std::string all = read->LeftOutText();
+        for (const OperandValue& each : read->values)
+          all += "|" + std::string(mdlDataTypesView::TypeName(each.type)) + " " + std::to_string(each.address) + "=" +
+                 each.text + " in " + std::to_string(each.line);
+        return all;
+      });
+    });
   }
 }
 

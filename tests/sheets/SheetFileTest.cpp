@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "base/ScopeGuard.h"
+#include "tests/support/Damage.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv {
@@ -81,6 +82,12 @@ TEST(SheetFileTest, BothKindsOfFilesKeepATable) {
     EXPECT_TRUE(read->rows == table.rows) << name;
   }
   EXPECT_EQ(folder.EntryCount(), 4);  // no temporary file stays
+  test::ExpectAsRecorded([&] {
+    const std::string bytes = TemporaryFolder::Content(folder.Path() / "a.xls");
+    std::string shown;
+    for (std::size_t at = 0; at < bytes.size(); at += 64) shown += test::Shown(bytes.substr(at, 64)) + "\n";
+    return shown;
+  });
 }
 
 #ifndef _WIN32

@@ -5,6 +5,7 @@
 
 #include "dataview/sheets/SheetFile.h"
 #include "tests/sheets/StoredZip.h"
+#include "tests/support/Damage.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kv {
@@ -34,6 +35,25 @@ TEST(SheetRefusalsTest, XlsxCellsInAllTheirSpellings) {
                                    "x");
   ASSERT_TRUE(read) << read.error().Text();
   EXPECT_THAT(Texts(*read), ::testing::ElementsAre("one", "in", "", "1000", "1", "aA_y0041__x00"));
+}
+
+TEST(SheetRefusalsTest, TellWhatEachDamageIs) {
+  const std::string rows =
+      "<row r=\"2\"><c t=\"s\"><v>1</v></c><c r=\"D2\" t=\"b\"><v>1</v></c></row><row><c><v>-1.5</v></c></row>";
+  const std::string office = TemporaryFolder::Content(KV_TEST_DATA "/sheets/data/office.xls");
+  const auto told = [](const std::string& bytes) {
+    const auto read = ReadSheetBytes(bytes, "x");
+    if (!read) return read.error().place.contains(".xml, offset") ? "no XML" : read.error().Text();
+    std::string all = read->name;
+    for (const auto& row : read->rows) {
+      for (const SheetCell& cell : row) all += "|" + std::to_string(static_cast<int>(cell.kind)) + cell.text;
+      all += "/";
+    }
+    return all;
+  };
+  test::ExpectAsRecorded([&] { return test::ToldOfDamage(office, told); });
+  test::ExpectAsRecorded(
+      [&] { return test::ToldOfDamage(rows, [&](const std::string& xml) { return told(Workbook(xml)); }); });
 }
 
 TEST(SheetRefusalsTest, NameWhatIsWrongInAnXlsxFile) {

@@ -71,32 +71,55 @@ std::string WhatIsTaken(const std::string& bytes, Takes takes) {
   return rows + "\n";
 }
 
-// The record of the test that runs, and how much of it has been met.
-inline std::pair<std::string, std::size_t>& PlaceInRecord() {
-  static std::pair<std::string, std::size_t> place;
-  return place;
-}
+// What the test that runs was seen to do, in tests/recorded/SUITE.TEST.txt, and how much of it it has done again. One
+// that has no such file fails, and so does one that does not get to its end. Where chance decides, or where the test
+// says all there is, the file is a line "not recorded: WHY".
+class Record : public testing::EmptyTestEventListener {
+ public:
+  Record() { testing::UnitTest::GetInstance()->listeners().Append(this); }
+
+  void OnTestStart(const testing::TestInfo& test) override {
+    const std::string name = std::string(test.test_suite_name()) + "." + test.name();
+    mName = "recorded/" + Replaced(name, "/", ".") + ".txt";
+    mWritten = RecordOf(mName);
+    mAt = 0;
+    if (mWritten || test.value_param() == nullptr) return;
+    const std::size_t suite = name.find('/') + 1;  // one word for all of its parameters
+    mWritten = RecordOf("recorded/" + name.substr(suite, name.rfind('/') - suite) + ".txt");
+    if (!IsLeftOut()) mWritten.reset();
+  }
+  void OnTestEnd(const testing::TestInfo& test) override {
+    const bool isOver = !mWritten || IsLeftOut() || AreRecordsRenewed() || !test.result()->Passed();
+    EXPECT_TRUE(isOver || mAt == mWritten->size()) << "the test does less than tests/" << mName << " tells";
+  }
+  [[nodiscard]] bool IsLeftOut() const { return mWritten && mWritten->starts_with("not recorded: "); }
+
+  void Expect(const std::string& text) {
+    if (AreRecordsRenewed()) {
+      RenewRecord(mName, text, std::exchange(mAt, 1) != 0);
+    } else if (!mWritten) {
+      ADD_FAILURE() << "there is no file tests/" << mName;
+    } else {
+      const std::size_t next = mWritten->find("\n##\n", mAt);
+      const std::size_t end = next == std::string::npos ? mWritten->size() : next + 1;
+      ExpectSameLines(text, mWritten->substr(mAt, end - mAt), "-->");
+      mAt = end;
+    }
+  }
+
+ private:
+  std::string mName;
+  std::optional<std::string> mWritten;
+  std::size_t mAt = 0;  // behind what has been met of it
+};
+inline Record& gRecord = *new Record;  // it belongs to GoogleTest
 
 // Holds what a test makes the program do against what it did when that was looked at: the parts follow each other in
-// tests/recorded/SUITE.TEST.txt. A test without such a file is not recorded. Who has changed what is done renews the
-// files with KV_RENEW_LOOKS=1 in the environment, and reads their difference.
+// its record. Who has changed what is done renews the files with KV_RENEW_LOOKS=1 in the environment, and reads their
+// difference.
 template <typename Part>
 void ExpectAsRecorded(Part part) {
-  auto& [running, at] = PlaceInRecord();
-  const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-  const std::string name =
-      "recorded/" + Replaced(std::string(test.test_suite_name()) + "." + test.name() + ".txt", "/", ".");
-  const std::optional<std::string> written = RecordOf(name);
-  if (!written) return;
-  if (std::exchange(running, name) != name) at = 0;
-  const std::string text = "##\n" + part();
-  if (AreRecordsRenewed()) {
-    RenewRecord(name, text, at != 0);
-  } else {
-    const std::size_t end = std::min(written->find("\n##\n", at) + 1, written->size());
-    ExpectSameLines(text, end == 0 ? written->substr(at) : written->substr(at, end - at), "-->");
-  }
-  at += text.size();
+  if (!gRecord.IsLeftOut()) gRecord.Expect("##\n" + part());
 }
 
 // A text as it is in every folder and on every system: HOME for the folder, slashes in paths. What JSON holds has two
