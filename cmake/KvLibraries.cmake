@@ -34,29 +34,44 @@ if(KV_FUZZ)
   target_compile_options(kv_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# kv_precompile(<name> HEADERS ... [ON ...]): headers that are compiled once, for kv_precompiled()
+# Matchers compile in half the time without optimisation; the libraries that are tested keep what the preset says. The linker for Windows takes time by
+# the square of an object's functions, and without any optimisation each of a template is one.
+if(MINGW)
+  set(kv_test_options -Og)
+elseif(NOT MSVC)
+  set(kv_test_options -O0)
+endif()
+
+# kv_precompile(<name> HEADERS ... [ON ...]): headers that are compiled once, for kv_precompiled(): <name>_headers, and for tests <name>_test_headers
 function(kv_precompile name)
   cmake_parse_arguments(ARG "" "" "HEADERS;ON" ${ARGN})
-  file(WRITE ${PROJECT_BINARY_DIR}/${name}.cpp "")
-  add_library(${name} OBJECT ${PROJECT_BINARY_DIR}/${name}.cpp)
-  target_link_libraries(${name} PRIVATE kv_options ${ARG_ON})
-  target_precompile_headers(${name} PRIVATE ${ARG_HEADERS})
+  find_package(GTest REQUIRED)
+  foreach(headers ${name}_headers ${name}_test_headers)
+    file(WRITE ${PROJECT_BINARY_DIR}/${headers}.cpp "")
+    add_library(${headers} OBJECT ${PROJECT_BINARY_DIR}/${headers}.cpp)
+    target_link_libraries(${headers} PRIVATE kv_options ${ARG_ON})
+    target_precompile_headers(${headers} PRIVATE ${ARG_HEADERS})
+  endforeach()
+  target_link_libraries(${name}_test_headers PRIVATE GTest::gmock)
+  target_compile_options(${name}_test_headers PRIVATE ${kv_test_options})
+  target_precompile_headers(${name}_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 endfunction()
 
 if(KV_PRECOMPILE)
-  find_package(GTest REQUIRED)
   set(headers <algorithm> <chrono> <expected> <filesystem> <functional> <map> <memory> <optional> <span> <string> <string_view> <vector>)
-  kv_precompile(kv_common_headers HEADERS ${headers})
-  kv_precompile(kv_test_headers HEADERS ${headers} <gmock/gmock.h> <gtest/gtest.h> ON GTest::gmock)
+  kv_precompile(kv_common HEADERS ${headers})
+  if(UNIX)  # programs and libraries share them, and cmake gives programs another option
+    target_compile_options(kv_options INTERFACE -fPIC)
+  endif()
 endif()
 
-# kv_precompiled(<target> <name> <on>): the target, which stands on these libraries, includes what kv_precompile() has compiled, where that is wanted.
-# The toolkit's libraries define macros of their own, so what stands on them takes headers that were compiled with these.
-function(kv_precompiled target name on)
+# kv_precompiled(<target> <kind> <on>): the target, which stands on these libraries, includes what kv_precompile() has compiled, where that is wanted;
+# <kind> is headers or test_headers. The toolkit's libraries define macros of their own, so what stands on them takes headers that were compiled with these.
+function(kv_precompiled target kind on)
   if(KV_PRECOMPILE AND on MATCHES "_ui(;|$)|Qt6::")
-    target_precompile_headers(${target} REUSE_FROM kv_window_headers)
+    target_precompile_headers(${target} REUSE_FROM kv_window_${kind})
   elseif(KV_PRECOMPILE)
-    target_precompile_headers(${target} REUSE_FROM ${name})
+    target_precompile_headers(${target} REUSE_FROM kv_common_${kind})
   endif()
 endfunction()
 
@@ -65,7 +80,7 @@ function(kv_library target)
   cmake_parse_arguments(ARG "" "" "SOURCES;ON" ${ARGN})
   add_library(${target} STATIC ${ARG_SOURCES})
   target_link_libraries(${target} PUBLIC kv_options ${ARG_ON})
-  kv_precompiled(${target} kv_common_headers "${ARG_ON}")
+  kv_precompiled(${target} headers "${ARG_ON}")
   set_property(GLOBAL APPEND PROPERTY KV_LIBRARIES ${target})
 endfunction()
 
@@ -88,7 +103,7 @@ function(kv_program target)
   cmake_parse_arguments(ARG "" "DESCRIPTION" "SOURCES;ON" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE kv_options ${ARG_ON})
-  kv_precompiled(${target} kv_common_headers "${ARG_ON}")
+  kv_precompiled(${target} headers "${ARG_ON}")
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
   if(WIN32 AND ARG_DESCRIPTION)
     kv_windows_resources(${target} "${ARG_DESCRIPTION}")
@@ -105,13 +120,9 @@ function(kv_test target)
   find_package(GTest REQUIRED)
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE kv_options ${ARG_ON} kv_test_records GTest::gmock GTest::gtest_main)
-  kv_precompiled(${target} kv_test_headers "${ARG_ON}")
+  kv_precompiled(${target} test_headers "${ARG_ON}")
   target_compile_definitions(${target} PRIVATE KV_TEST_DATA="${PROJECT_SOURCE_DIR}/tests")
-  if(NOT MSVC)
-    # Matchers compile in half the time; the libraries that are tested keep what the preset says.
-    # The linker for Windows takes time by the square of an object's functions, and without any optimisation each of a template is one.
-    target_compile_options(${target} PRIVATE $<IF:$<BOOL:${MINGW}>,-Og,-O0>)
-  endif()
+  target_compile_options(${target} PRIVATE ${kv_test_options})
   if(MINGW)  # g++ 12's headers and its static library both bring std::type_info::operator== in C++23 without optimisation; the preset windows-quick says it for the programs
     # Regular expressions take stack by the letter: as much as the tests have elsewhere.
     target_link_options(${target} PRIVATE -Wl,--allow-multiple-definition -Wl,--stack,8388608)
