@@ -191,7 +191,6 @@ std::string General(std::string line) {
       {std::regex("[.][0-9]+[.]part"), ".N.part"},
       {std::regex("(made by +|\"madeBy\": \")[^\n@]+@[^\n\"]+"), "$1SOMEBODY"},
       {std::regex("this computer has .*[.]"), "this computer has PORTS."},
-      {std::regex("Path not found|File not found"), "No such file or directory"},  // the words of another system
       {std::regex("(chmod 600 the file|take everybody .* settings), and"), "SHUT IT, and"},
       {std::regex("Changes[.]lock: it cannot be written [(][^)]*"), "Changes.lock: it cannot be written (WHY"},
   };

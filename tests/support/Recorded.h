@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "base/Crc32.h"
+#include "base/FilePlatform.h"
 #include "base/Hex.h"
 #include "tests/support/Records.h"
 
@@ -122,11 +123,14 @@ void ExpectAsRecorded(Part part) {
   if (!gRecord.IsLeftOut()) gRecord.Expect("##\n" + part());
 }
 
-// A text as it is in every folder and on every system: HOME for the folder, slashes in paths. What JSON holds has two
-// backslashes for one.
+// A text as it is in every folder and on every system: HOME for the folder, slashes in paths, one system's words for a
+// file that is not there. What JSON holds has two backslashes for one.
 inline std::string WithoutHome(std::string text, const std::filesystem::path& home) {
-  if (std::filesystem::path::preferred_separator == '\\')
+  if (std::filesystem::path::preferred_separator == '\\') {
+    for (const int gone : {2, 3})  // no such file, no such folder
+      text = Replaced(std::move(text), SystemMessage({gone, std::system_category()}), "No such file or directory");
     text = Replaced(std::move(text), text.starts_with('{') ? "\\\\" : "\\", "/");
+  }
   return Replaced(std::move(text), home.generic_string(), "HOME");
 }
 
