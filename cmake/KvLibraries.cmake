@@ -66,9 +66,9 @@ if(KV_PRECOMPILE)
 endif()
 
 # kv_precompiled(<target> <kind> <on>): the target, which stands on these libraries, includes what kv_precompile() has compiled, where that is wanted;
-# <kind> is headers or test_headers. The toolkit's libraries define macros of their own, so what stands on them takes headers that were compiled with these.
+# <kind> is headers or test_headers. The windows' toolkit defines macros of its own, so what stands on them takes headers that were compiled with these.
 function(kv_precompiled target kind on)
-  if(KV_PRECOMPILE AND on MATCHES "_ui(;|$)|Qt6::")
+  if(KV_PRECOMPILE AND on MATCHES "_ui(;|$)|Qt6::Widgets")
     target_precompile_headers(${target} REUSE_FROM kv_window_${kind})
   elseif(KV_PRECOMPILE)
     target_precompile_headers(${target} REUSE_FROM kv_common_${kind})

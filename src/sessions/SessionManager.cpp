@@ -81,7 +81,7 @@ void CopyFiles(const fs::path& source, const fs::path& target, std::error_code& 
 }
 
 std::string Failure(const std::string& what, const std::error_code& error) {
-  return what + ": " + SystemMessage(error) + ".";
+  return what + ": " + SystemMessage(error) + "; check that this user may write there, and that the disk has room.";
 }
 
 bool HasJournal(const fs::path& folder) {
