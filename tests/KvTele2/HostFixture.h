@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <set>
 
 #include "KvTele2/HostCommands.h"
 #include "KvTele2/TelepanelHost.h"
@@ -126,6 +127,8 @@ class TelepanelHostTest : public testing::Test {
     const std::string name = std::string("KvTele2/shown/") + test.name() + ".txt";
     std::string story = test::WithoutHome(view.story.substr(0, 15'000), folder.Path());
     std::erase(story, '\r');
+    for (const std::string& call : std::set(channel->calls.begin(), channel->calls.end()))
+      story += call + ": " + std::to_string(std::ranges::count(channel->calls, call)) + " times\n";
     if (test::AreRecordsRenewed()) test::RenewRecord(name, story);
     EXPECT_EQ(test::RecordOf(name), story);
   }

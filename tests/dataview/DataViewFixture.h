@@ -94,6 +94,7 @@ struct DataViewFixture : SessionFixture, GridListener, HexSelectorWindow {
   explicit DataViewFixture(const std::string& model = "K220-22-R1") {
     host.model = model;
     driver.channel = channel;
+    pacer.OnTurn([this] { shown += "turn\n"; });
     view.Open();
   }
   ~DataViewFixture() override {

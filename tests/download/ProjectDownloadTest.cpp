@@ -216,38 +216,47 @@ TEST(ProjectDownload, IsNoSuccessWhenTheControllerSaysOtherwise) {
       if (request.opCode == 7 && std::ranges::count(fixture.desk.log, "69") > 0) reply.payload[1] = 3;
     };
   };
-  const auto stopped = [](ProjectFixture& fixture) {
-    fixture.pacer.OnTurn([&fixture] {
-      const bool isSent = !fixture.desk.log.empty() && fixture.desk.log.back() == "CCE";
-      if (isSent) fixture.controller->Tell("CCS");
-    });
+  const auto behindReset = [](const char* does) {
+    return [=](ProjectFixture& fixture) {
+      fixture.pacer.OnTurn([&fixture, does] {
+        const bool isSent = !fixture.desk.log.empty() && fixture.desk.log.back() == "CCE";
+        if (isSent) fixture.controller->Tell(does);
+      });
+    };
   };
   const auto fault = [](const char* rule) { return [=](ProjectFixture& fixture) { fixture.UseFaults({rule}); }; };
   const std::string whole = WithoutLastLine(SampleProject(kCompact));
-  const auto restartsItself = [whole, whileCompared](ProjectFixture& fixture) {
-    fixture.Put(whole);
-    whileCompared("CCE")(fixture);
+  const auto withoutReset = [whole, whileCompared](const char* does) {
+    return [=](ProjectFixture& fixture) {
+      fixture.Put(whole);
+      whileCompared(does)(fixture);
+    };
   };
   const auto refusesBehindReset = [whole](ProjectFixture& fixture) {
     fixture.Put(WithLine(WithLine(whole, "CCE"), "FI"));
     fixture.UseFaults({"refuse:on=FI,code=0D"});
   };
-  const Case rows[] = {
-      {kCompact, restartsItself},
+  std::vector<Case> rows = {
       {kCompact, refusesBehindReset},
-      {kCompact, whileCompared("LN4E6F")},
       {kCompact, fault("lie:on=LD,nth=2")},
       {kCompact, fault("refuse:on=RX,nth=3,code=0D")},
       {kAurex, fault("lie:on=block,nth=5")},
       {kAurex, flashError},
-      {kCompact, stopped},
       {kAurex, fault("lost:on=CC,nth=2,at=30,away=300000")},
   };
+  for (const char* does : {"CCS", "CCE", "CCM", "CCB", "LN4E6F"}) {
+    for (const char* model : {kAurex, kCompact}) rows.push_back({model, behindReset(does)});
+    rows.push_back({kCompact, whileCompared(does)});
+    rows.push_back({kCompact, withoutReset(does)});
+  }
   for (const Case& row : rows) {
-    ProjectFixture fixture(row.model);
-    row.spoil(fixture);
-    (void)fixture.Download();
-    EXPECT_THAT(fixture.desk.log, Not(Contains(HasSubstr("successful"))));
+    for (const int before : {0, 1, 2}) {  // no project, another one, and one of the same name
+      ProjectFixture fixture(row.model);
+      if (before == 1) fixture.Prepare();
+      if (before == 2) (void)fixture.Download();
+      row.spoil(fixture);
+      (void)fixture.Download();
+    }
   }
 }
 

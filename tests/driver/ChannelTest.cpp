@@ -58,12 +58,14 @@ TEST(Channel, WhatNoControllerCanDoIsNotSent) {
 
 TEST(Channel, OperandListGoesTheWayThatTheControllerUnderstands) {
   const std::vector<OperandListRequest> records = {{0, 3, 5, 2, 0}};
+  const std::vector<OperandListRequest> withText = {{0, 3, 5, 2, 0}, {0, 0x51, 0, 1, 0}};  // one that no block holds
   for (const bool isCompact : {false, true}) {
     Fixture fixture(isCompact ? "Q50" : "K450");
     ASSERT_TRUE(fixture.channel.WriteMI(5, std::vector<std::int16_t>{5, 6}, 1));
     const auto lists = fixture.channel.ReadOperandList(records, 1);
     ASSERT_TRUE(lists) << fixture.Error().Text();
     EXPECT_EQ(*lists, (std::vector<OperandListValues>{{5, 6}}));
+    EXPECT_TRUE(fixture.channel.ReadOperandList(withText, 1)) << fixture.Error().Text();
     EXPECT_EQ(fixture.channel.GetDownloadEngine() == nullptr, isCompact);
     EXPECT_EQ(fixture.Error().code, isCompact ? LinkErrorCode::NotSupported : LinkErrorCode::None);
     EXPECT_EQ(fixture.Error().happened, isCompact ? "this controller understands text commands only" : "");

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "base/ScopeGuard.h"
+#include "dataview/sheets/CompoundFile.h"
 #include "tests/support/Damage.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -88,6 +89,14 @@ TEST(SheetFileTest, BothKindsOfFilesKeepATable) {
     for (std::size_t at = 0; at < bytes.size(); at += 64) shown += test::Shown(bytes.substr(at, 64)) + "\n";
     return shown;
   });
+}
+
+// At each size where one more sector is needed, of the stream, of the table of sectors, or of the table of that.
+TEST(CompoundFileTest, IsTheSameAtEachEdge) {
+  for (const std::size_t sectors : {0, 8, 126, 253, 13842, 29970}) {
+    for (const std::size_t size : {sectors * 512, sectors * 512 + 1})
+      test::ExpectAsRecorded([&] { return test::Shown(CompoundFile("Workbook", std::string(size, 'x'))) + "\n"; });
+  }
 }
 
 #ifndef _WIN32
