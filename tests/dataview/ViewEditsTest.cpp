@@ -214,11 +214,15 @@ TEST(ViewFiles, TheSeparatorIsAskedForBeforeTheFile) {
     fixture.prompts.Choose(std::nullopt);
     fixture.Run(tool);
   }
+  fixture.prompts.Choose(std::nullopt);
+  fixture.host.model = "K220/22: R1";
+  fixture.Run("ID_Export");
   EXPECT_EQ(fixture.prompts.OpenDialogs().back(),
             FileDialog({.title = "Import from CSV", .filter = "*.csv|*.csv", .purpose = "Values"}));
   const auto& saves = fixture.prompts.SaveDialogs();
   EXPECT_THAT(saves[0].initial, testing::MatchesRegex("Default-K220-22-R1-\\w+-\\w\\w-\\w\\w\\.csv"));
   EXPECT_THAT(saves[1].initial, testing::EndsWith(".xls"));
+  EXPECT_THAT(saves[3].initial, testing::MatchesRegex("Default-K220-22-R1-\\w+-\\w\\w-\\w\\w\\.xls"));
   EXPECT_EQ(saves[2], FileDialog({.title = "Save Regions", .filter = "*.axt|*.axt", .purpose = "Regions"}));
 }
 

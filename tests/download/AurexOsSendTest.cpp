@@ -25,6 +25,9 @@ TEST(AurexOsSending, CountsChunksTo255AndFromOneAgain) {
   EXPECT_EQ(*(last - 1), "65 1.254");
   EXPECT_EQ(*(last + 1), "65 1.1");
   EXPECT_THAT(told, testing::AllOf(Contains("65 2.1"), Contains("65 16.1"), testing::Not(Contains("65 1.256"))));
+  AurexOsFixture full;
+  full.Put({"4.75", 3}, {"1.30", 0}, 4920);  // its third part fills a chunk
+  EXPECT_TRUE(full.Download()) << full.outcome.reason;
 }
 
 // What is said of it, how long it is waited for, and what is left, stands in the record: here and below.
@@ -186,16 +189,11 @@ TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
   };
   // clang-format off: one row a line
   const Row rows[] = {
-      {At::SecondChunk, true, true, false},
-      {At::SecondChunk, false, true, false},
-      {At::SecondChunk, false, true, true},
-      {At::SecondChunk, false, false, false},
-      {At::MemoryLine, false, true, false},
-      {At::Reset, false, true, false},
-      {At::Reset, false, true, true},
-      {At::MemoryLine, false, true, true},
-      {At::Compared, false, true, false},
-      {At::Compared, false, true, true},
+      {At::SecondChunk, true, true, false}, {At::SecondChunk, false, true, false},
+      {At::SecondChunk, false, true, true}, {At::SecondChunk, false, false, false},
+      {At::MemoryLine, false, true, false}, {At::Reset, false, true, false},
+      {At::Reset, false, true, true},       {At::MemoryLine, false, true, true},
+      {At::Compared, false, true, false},   {At::Compared, false, true, true},
   };
   // clang-format on
   for (const Row& row : rows) {

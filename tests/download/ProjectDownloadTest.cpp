@@ -12,10 +12,7 @@
 namespace kv::test {
 namespace {
 
-using testing::Contains;
-using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 
 // A compact project with another last line, or one more behind that.
 std::string WithoutLastLine(const std::string& content) {
