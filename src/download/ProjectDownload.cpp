@@ -121,7 +121,8 @@ class ProjectDownload::Run {
                                 "\".");
     }
     mPreview.losses.emplace_back(
-        "The controller's program stops; at the end the controller resets and runs the new one.");
+        mSender->Restarts() ? "The controller's program stops; at the end the controller resets and runs the new one."
+                            : "The controller's program stops; the new one runs once the controller is restarted.");
     // Of the compact family: any other is refused.
     if (const std::string model = ShownText(mController.version.model); model != mFile.Model()) {
       mPreview.warnings.push_back("The project is made for a " + mFile.Model() + ", and the controller is a " + model +

@@ -189,11 +189,16 @@ TEST(AurexOsSending, StopsOnlyWhenTheUserKnowsWhatIsLeft) {
   };
   // clang-format off: one row a line
   const Row rows[] = {
-      {At::SecondChunk, true, true, false}, {At::SecondChunk, false, true, false},
-      {At::SecondChunk, false, true, true}, {At::SecondChunk, false, false, false},
-      {At::MemoryLine, false, true, false}, {At::Reset, false, true, false},
-      {At::Reset, false, true, true},       {At::MemoryLine, false, true, true},
-      {At::Compared, false, true, false},   {At::Compared, false, true, true},
+      {At::SecondChunk, true, true, false},
+      {At::SecondChunk, false, true, false},
+      {At::SecondChunk, false, true, true},
+      {At::SecondChunk, false, false, false},
+      {At::MemoryLine, false, true, false},
+      {At::Reset, false, true, false},
+      {At::Reset, false, true, true},
+      {At::MemoryLine, false, true, true},
+      {At::Compared, false, true, false},
+      {At::Compared, false, true, true},
   };
   // clang-format on
   for (const Row& row : rows) {
