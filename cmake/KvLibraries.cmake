@@ -20,9 +20,15 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # g++ 12 at -O3 sees overlapping copies in "text" + std::string, where there are none (its bug 105651).
   target_compile_options(kv_options INTERFACE -Wno-restrict)
 endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # It first tidies its own memory at 400 MB instead of 128: a test compiles a seventh sooner, and takes up to 180 MB more.
+  target_compile_options(kv_options INTERFACE "SHELL:--param ggc-min-heapsize=400000")
+endif()
 if(KV_SANITIZE)
-  target_compile_options(kv_options INTERFACE -fsanitize=${KV_SANITIZE} -fno-sanitize-recover=all
-                                              -fno-omit-frame-pointer)
+  # In the tests' own files the checks for undefined behaviour take two fifths of the time that these compile, and what they check is the tests.
+  string(REPLACE ",undefined" "" kv_test_sanitizers "${KV_SANITIZE}")
+  target_compile_options(kv_options INTERFACE -fsanitize=$<IF:$<BOOL:$<TARGET_PROPERTY:KV_IS_TEST>>,${kv_test_sanitizers},${KV_SANITIZE}>
+                                              -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kv_options INTERFACE -fsanitize=${KV_SANITIZE})
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # The sanitizers' checks hide from g++ what is initialised: it warns of std::regex. Its manual says not to combine them.
@@ -48,18 +54,20 @@ function(kv_precompile name)
   find_package(GTest REQUIRED)
   foreach(headers ${name}_headers ${name}_test_headers)
     file(WRITE ${PROJECT_BINARY_DIR}/${headers}.cpp "")
-    add_library(${headers} OBJECT ${PROJECT_BINARY_DIR}/${headers}.cpp)
+    add_library(${headers} OBJECT EXCLUDE_FROM_ALL ${PROJECT_BINARY_DIR}/${headers}.cpp)
     target_link_libraries(${headers} PRIVATE kv_options ${ARG_ON})
     target_precompile_headers(${headers} PRIVATE ${ARG_HEADERS})
   endforeach()
   target_link_libraries(${name}_test_headers PRIVATE GTest::gmock)
   target_compile_options(${name}_test_headers PRIVATE ${kv_test_options})
+  set_target_properties(${name}_test_headers PROPERTIES KV_IS_TEST ON)
   target_precompile_headers(${name}_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 endfunction()
 
 if(KV_PRECOMPILE)
   set(headers <algorithm> <chrono> <expected> <filesystem> <functional> <map> <memory> <optional> <span> <string> <string_view> <vector>)
   kv_precompile(kv_common HEADERS ${headers})
+  kv_precompile(kv_command HEADERS ${headers} <CLI/App.hpp> <CLI/Option.hpp> <CLI/Validators.hpp> <nlohmann/json.hpp>)
   if(UNIX)  # programs and libraries share them, and cmake gives programs another option
     target_compile_options(kv_options INTERFACE -fPIC)
   endif()
@@ -70,6 +78,8 @@ endif()
 function(kv_precompiled target kind on)
   if(KV_PRECOMPILE AND on MATCHES "_ui(;|$)|Qt6::Widgets")
     target_precompile_headers(${target} REUSE_FROM kv_window_${kind})
+  elseif(KV_PRECOMPILE AND on MATCHES "CLI11::CLI11|kvtele_core")
+    target_precompile_headers(${target} REUSE_FROM kv_command_${kind})
   elseif(KV_PRECOMPILE)
     target_precompile_headers(${target} REUSE_FROM kv_common_${kind})
   endif()
@@ -123,6 +133,7 @@ function(kv_test target)
   kv_precompiled(${target} test_headers "${ARG_ON}")
   target_compile_definitions(${target} PRIVATE KV_TEST_DATA="${PROJECT_SOURCE_DIR}/tests")
   target_compile_options(${target} PRIVATE ${kv_test_options})
+  set_target_properties(${target} PROPERTIES KV_IS_TEST ON)
   if(MINGW)  # g++ 12's headers and its static library both bring std::type_info::operator== in C++23 without optimisation; the preset windows-quick says it for the programs
     # Regular expressions take stack by the letter: as much as the tests have elsewhere.
     target_link_options(${target} PRIVATE -Wl,--allow-multiple-definition -Wl,--stack,8388608)

@@ -9,8 +9,6 @@
 
 #include "base/Time.h"
 #include "simulator/SimulatorOptions.h"
-#include "simulator/panel/Picture.h"
-#include "simulator/panel/Screen.h"
 
 namespace sim {
 
@@ -70,10 +68,6 @@ class Controller {
 
   [[nodiscard]] virtual bool UnderstandsBlocks() const = 0;
   [[nodiscard]] virtual std::uint8_t Unit() const = 0;
-  // What its panel shows, as it was last told to a host; null without a display.
-  [[nodiscard]] virtual const Screen* PanelScreen() const { return nullptr; }
-  // The same of a colour display, drawn; empty on all others.
-  [[nodiscard]] virtual Picture PanelPicture() const { return {}; }
 
   // While this is on, requests are answered as done but change nothing. The password is taken all the same: it changes
   // the connection.

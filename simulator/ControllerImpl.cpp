@@ -13,7 +13,6 @@
 #include "simulator/MachineOperands.h"
 #include "simulator/StateFile.h"
 #include "simulator/TextCommands.h"
-#include "simulator/panel/Drawing.h"
 
 namespace sim {
 namespace {
@@ -54,16 +53,6 @@ class ControllerImpl final : public Controller {
   void EndConnection(const ConnectionAccess& connection) override {
     MachineOperands operands(mMachine->operands);
     mMachine->panel.EndLease(connection.lease, operands);
-  }
-
-  const Screen* PanelScreen() const override {
-    return mMachine->panel.HasDisplay() ? &mMachine->panel.TheScreen() : nullptr;
-  }
-  Picture PanelPicture() const override {
-    if (!mMachine->model.HasColour()) return {};
-    const Display& display = mMachine->model.display;
-    return DrawScreen(mMachine->panel.TheScreen(), display.width, display.height,
-                      [this](std::uint16_t id) { return mMachine->resources.Image(id); });
   }
 
   bool UnderstandsBlocks() const override { return mMachine->model.UnderstandsBlocks(); }

@@ -42,14 +42,6 @@ std::expected<void, std::string> SimulatedController::SaveState() {
   return mHandler->TheController().SaveState();
 }
 
-const Screen* SimulatedController::PanelScreen() const {
-  return mHandler->TheController().PanelScreen();
-}
-
-Picture SimulatedController::PanelPicture() const {
-  return mHandler->TheController().PanelPicture();
-}
-
 std::uint64_t SimulatedController::Seed() const {
   return mHandler->Seed();
 }

@@ -40,11 +40,6 @@ class SimulatedController {
   // Writes the state file when there is one and something has changed; the reason when that failed.
   [[nodiscard]] std::expected<void, std::string> SaveState();
 
-  // What its panel shows, as it was last told to a host, for comparison with what that shows: null and empty where the
-  // model has no such display.
-  [[nodiscard]] const Screen* PanelScreen() const;
-  [[nodiscard]] Picture PanelPicture() const;
-
   // The seed of the faults and of the moving values: the same seed and the same requests give the same run again.
   [[nodiscard]] std::uint64_t Seed() const;
 

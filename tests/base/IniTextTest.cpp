@@ -84,6 +84,8 @@ TEST(ProfileStrings, ReadAndWriteAFile) {
   EXPECT_TRUE(WriteProfileString(full, "S", "K", std::nullopt));
   EXPECT_TRUE(WriteProfileString(full, "s", "none", std::nullopt));
   EXPECT_EQ(TemporaryFolder::Content(full), "x\n[s]\n; note\nb=2\n\n[t]\nk=3\n[s]\nk=4\n");
+  for (const auto& [buffer, value] : {std::pair(1, ""), {2, "1"}, {3, "1 "}, {4, "1 2"}, {5, "1 2"}})
+    EXPECT_EQ(ReadProfileString(folder.Put("cut.ini", "[s]\nk=1 2\n"), "s", "k", "", buffer), value) << buffer;
   EXPECT_TRUE(WriteProfileString(full, "s", std::nullopt, std::nullopt));
   EXPECT_EQ(TemporaryFolder::Content(full), "x\n[t]\nk=3\n[s]\nk=4\n");
 }

@@ -146,6 +146,8 @@ TEST(WriteRegions, NameTheValuesThatTheControllerToldBefore) {
 
 TEST(WriteRegions, AskBeforeTheyWriteWhatAnEarlierSessionHadRead) {
   DataViewFixture fixture;
+  NotedOperation noted;
+  fixture.channel->changes = &noted;
   fixture.Add(MI, 0, 2);
   fixture.Run("ID_ReadRegions");
   EXPECT_TRUE(fixture.view.Close());
@@ -154,6 +156,8 @@ TEST(WriteRegions, AskBeforeTheyWriteWhatAnEarlierSessionHadRead) {
   fixture.Run("ID_WriteRegions", {PromptAnswer::No});
   EXPECT_TRUE(fixture.prompts.Boxes().back().canLose) << "Enter does not write";
   fixture.Run("ID_WriteRegions", {PromptAnswer::Yes});
+  EXPECT_THAT(noted.operation.operands, ElementsAre(ChangedOperands{"MI 0..2", {"", "", ""}, {"0", "9", "2"}}))
+      << "what stood there before is not known";
   fixture.Run("ID_WriteRegions");  // they are as the controller has them
 }
 

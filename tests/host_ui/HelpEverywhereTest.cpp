@@ -110,7 +110,7 @@ TEST_F(HelpEverywhereTest, SoItDoesInWindowsOfWindowsAndInBoxes) {
 TEST_F(HelpEverywhereTest, AnErrorLeadsToItsPage) {
   PutTcp(9);  // nobody listens there
   Run([&](QMainWindow& window) {
-    const Boxes boxes(window);
+    const Boxes boxes;
     Trigger(window, "ID_OnLine");
     auto& link = Find<QLabel>(window, "lnkHelp");
     ASSERT_TRUE(WaitUntil([&] { return link.isVisible(); }));

@@ -92,7 +92,7 @@ TEST_F(MainWindowTest, OneButtonOfTheStartPageNeedsNothing) {
 TEST_F(MainWindowTest, AControllerThatCannotBeUsedIsRefusedInABox) {
   PutTcp(ServedBy({"--model", "K670-67-T40", "--os", "1.0", "--build", "18"}));
   Run([&](QMainWindow& window) {
-    const Boxes boxes(window);
+    const Boxes boxes;
     Trigger(window, "ID_OnLine");
     constexpr const char* kTold = "(O/S) 1.0(19) and higher";
     EXPECT_THAT(boxes.texts, ElementsAre(HasSubstr(kTold)));
@@ -135,7 +135,7 @@ TEST_F(MainWindowTest, BadSettingsAreToldAndLeftAlone) {
     EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), "K220-22-R1");
     Trigger(window, "ID_OnLine");
     EXPECT_THAT(Text(window, "lblTrouble"), HasSubstr("COM77"));
-    const Boxes boxes(window);
+    const Boxes boxes;
     Find<QAction>(window, "HOST_RecentPages").menu()->actions().front()->trigger();
     EXPECT_THAT(boxes.texts, ElementsAre(HasSubstr("gone.kta")));
   });
@@ -334,8 +334,7 @@ TEST_F(MainWindowTest, TheLogHasItsMenu) {
 
 TEST_F(MainWindowTest, AMissingDefaultSessionIsToldAndTheProgramGoesOn) {
   std::filesystem::remove(home.Path() / "Sessions" / "Default");
-  QObject context;
-  const Boxes boxes(context);
+  const Boxes boxes;
   Run([&](QMainWindow& window) { EXPECT_EQ(Text(window, "lblSession"), "Session Default"); });
   EXPECT_THAT(boxes.texts, Contains("Default Session not found"));
 }

@@ -367,7 +367,7 @@ TEST_F(PanelWindowTest, TheScreenIsScaledCopiedSavedAndSearched) {
         Find<QLineEdit>(dialog, "fileNameEdit").setText(path);
         static_cast<QDialog&>(dialog).accept();
       });
-      const Boxes boxes(window);
+      const Boxes boxes;
       Trigger(window, "HOST_SavePicture");
       EXPECT_EQ(QImage(path).convertToFormat(QImage::Format_RGB32), isSaved ? view.Picture() : QImage());
       EXPECT_EQ(boxes.texts.empty(), isSaved);
@@ -380,6 +380,12 @@ TEST_F(PanelWindowTest, TheScreenIsScaledCopiedSavedAndSearched) {
     auto& find = Find<QLineEdit>(window, "txtFind");
     find.setText(QString::fromStdString(word).toUpper());
     EXPECT_THAT(Text(window, "lblFound"), testing::StartsWith("1 of "));
+    find.setText("Conveyor");
+    EXPECT_EQ(Text(window, "lblFound"), "Not on this page");
+    Operate(window);
+    QTest::mouseClick(&view, Qt::LeftButton, {}, PointOf(window, "Manual"));
+    EXPECT_TRUE(WaitUntil([&] { return Text(window, "lblFound").starts_with("1 of "); })) << "on the next page";
+    find.setFocus();
     QTest::keyClick(&find, Qt::Key_Escape);
     EXPECT_FALSE(find.isVisible());
     const QSize before = window.size() - QSize(40, 60);

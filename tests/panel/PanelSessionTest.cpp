@@ -434,10 +434,12 @@ TEST_F(PanelSessionTest, AScreenThatCannotBeStaysOldUntilItIsToldAnew) {
 }
 
 TEST_F(PanelSessionTest, ARestartIsFollowedAndNothingIsAskedForWhileHidden) {
+  Operate();
   panel.epoch = 10;
   panel.panel.pages = 5;
   Run(1s);
   EXPECT_EQ(session.Panel()->pages, 5);
+  EXPECT_EQ(session.State().whyViewing, "The panel is another one now.") << "consent was for the other";
   EXPECT_EQ(session.State().page, 1);
   EXPECT_FALSE(session.TakeChanged().empty());
   session.Show(false);

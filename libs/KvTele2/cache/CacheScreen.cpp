@@ -125,12 +125,4 @@ std::expected<CacheFit, LinkError> TakeFromCache(const CacheContent& content, co
   return TakeFromCache(content, model, directories, resources);
 }
 
-void ShowAll(const CacheContent& content, panel::ScreenResources& resources) {
-  resources.Clear();
-  CacheFit ignored;
-  for (const PanelResourceKind kind : kCacheKinds) {
-    if (content.Part(kind)) TakePart(kind, *content.Part(kind), resources, ignored);
-  }
-}
-
 }  // namespace kv::cache

@@ -74,7 +74,4 @@ struct CacheChoice {
                                                                const PanelDescription& panel, PanelLink& link,
                                                                std::uint8_t unit, panel::ScreenResources& resources);
 
-// The pictures of a cache alone, without a controller, for who looks into a file: nothing is known of its age.
-void ShowAll(const CacheContent& content, panel::ScreenResources& resources);
-
 }  // namespace kv::cache

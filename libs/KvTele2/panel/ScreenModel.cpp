@@ -60,12 +60,6 @@ void ScreenModel::Empty(std::uint16_t from) {
   mLastUsed = from == 0 ? 0 : static_cast<std::uint16_t>(from - 1);
 }
 
-void ScreenModel::Forget() {
-  Empty(0);
-  mRevision = {};
-  mIsWhole = false;
-}
-
 std::string ScreenModel::OperatorName() const {
   const auto* item = Get<OperatorItem>(kOperatorSlot);
   return item != nullptr ? item->name : std::string();

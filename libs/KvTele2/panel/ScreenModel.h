@@ -20,7 +20,6 @@ struct ScreenDelta {
 // A controller's screen as far as it has been told: slots with items, and which revision that is.
 //
 //   empty -> filling (a reply with more to come) -> whole -> filling | whole ...
-//   any -> empty (Forget; the next reply must begin anew or be of the number 0 onwards)
 class ScreenModel {
  public:
   explicit ScreenModel(PanelDescription panel);
@@ -28,7 +27,6 @@ class ScreenModel {
   // Takes in what a reply has told. All of it or, where it does not keep to what a screen can be, nothing: the error
   // is what is wrong with it.
   [[nodiscard]] std::expected<ScreenDelta, std::string> Take(const PanelChanges& changes);
-  void Forget();
 
   [[nodiscard]] const PanelDescription& Panel() const { return mPanel; }
   [[nodiscard]] const PanelRevision& Revision() const { return mRevision; }
