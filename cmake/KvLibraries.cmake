@@ -27,7 +27,8 @@ endif()
 if(KV_SANITIZE)
   # In the tests' own files the checks for undefined behaviour take two fifths of the time that these compile, and what they check is the tests.
   string(REPLACE ",undefined" "" kv_test_sanitizers "${KV_SANITIZE}")
-  target_compile_options(kv_options INTERFACE -fsanitize=$<IF:$<BOOL:$<TARGET_PROPERTY:KV_IS_TEST>>,${kv_test_sanitizers},${KV_SANITIZE}>
+  set(kv_is_test $<BOOL:$<TARGET_PROPERTY:KV_IS_TEST>>)
+  target_compile_options(kv_options INTERFACE $<${kv_is_test}:-fsanitize=${kv_test_sanitizers}> $<$<NOT:${kv_is_test}>:-fsanitize=${KV_SANITIZE}>
                                               -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kv_options INTERFACE -fsanitize=${KV_SANITIZE})
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

@@ -47,6 +47,10 @@ class FakePanel final : public PanelLink, public ChangeObserver {
     changes.lease = event.action == PanelAction::Leave ? std::uint16_t{0} : lease;
     return Answer(std::optional(std::move(changes)));
   }
+  void GiveLeaseElsewhere() {
+    lease = 0;
+    isLeaseElsewhere = true;
+  }
   std::optional<PanelDirectory> Directory(PanelResourceKind, std::uint8_t) override { return {}; }
   std::optional<Bytes> ReadPiece(PanelResourceKind, std::uint16_t, std::uint32_t, std::uint32_t,
                                  std::uint8_t) override {
@@ -225,13 +229,7 @@ TEST_F(PanelSessionTest, WhateverEndsAHoldLetsGo) {
       {"paused", [&] { session.Pause(); }, jog, {"Up"}},
       {"button gone", [&] { panel.Show({{65, 0, ""}}); }, jog, {"Up"}},
       {"let go by the controller", [&] { panel.isHeld = false; }, jog, {}},
-      {"lease lost",
-       [&] {
-         panel.lease = 0;
-         panel.isLeaseElsewhere = true;
-       },
-       jog,
-       {}},
+      {"lease lost", [&] { panel.GiveLeaseElsewhere(); }, jog, {}},
       {"reconnected", [&] { ++panel.connection; }, jog, {}},
   };
   for (const auto& [name, end, pressed, sent] : cases) {
