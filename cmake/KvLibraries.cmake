@@ -31,6 +31,10 @@ if(KV_SANITIZE)
   target_compile_options(kv_options INTERFACE $<${kv_is_test}:-fsanitize=${kv_test_sanitizers}> $<$<NOT:${kv_is_test}>:-fsanitize=${KV_SANITIZE}>
                                               -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kv_options INTERFACE -fsanitize=${KV_SANITIZE})
+  find_program(MOLD mold)  # these programs are large, and the usual linker takes five times as long
+  if(MOLD)
+    target_link_options(kv_options INTERFACE -fuse-ld=mold)
+  endif()
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # The sanitizers' checks hide from g++ what is initialised: it warns of std::regex. Its manual says not to combine them.
     target_compile_options(kv_options INTERFACE -Wno-maybe-uninitialized)
