@@ -5,7 +5,8 @@ prefix=$work/prefix
 mkdir -p "$work/sources" "$work/logs" "$prefix/lib/pkgconfig" "$prefix/include"
 
 # Of everything that is packaged: a guarded stack, marked targets of jumps, no folder of this machine, no time, Windows 10 and newer. The preset `windows` says the same.
-safe_flags() { printf '%s\n' -fstack-protector-strong -fcf-protection=full "-ffile-prefix-map=$work=."; }
+no_folders=-ffile-prefix-map=$work=.
+safe_flags() { printf '%s\n' -fstack-protector-strong -fcf-protection=full "$no_folders"; }
 link_flags=--no-insert-timestamp,--major-subsystem-version,10,--minor-subsystem-version,0
 
 say() { printf '%s\n' "$*" >&2; }
