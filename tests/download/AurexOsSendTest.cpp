@@ -136,6 +136,15 @@ TEST(AurexOsSending, ProvesTheMemoryThatItHasWrittenBack) {
   EXPECT_GT(settings, 2);
 }
 
+TEST(AurexOsSending, IsNoSuccessWhenOneLineOfTheMemoryWasAnsweredByAnother) {
+  AurexOsFixture fixture(Plc("K220-22-R1", "3.73"));
+  fixture.Put();
+  fixture.UseFaults({"wrongunit:on=WD,nth=200"});
+  EXPECT_FALSE(fixture.Download());
+  EXPECT_EQ(fixture.outcome.cause, DownloadCause::Unproven);
+  EXPECT_THAT(fixture.outcome.reason, HasSubstr("Whether this was written is not known."));
+}
+
 TEST(AurexOsSending, SendsNothingOfFilesThatAreNotTheOnesThatWereShown) {
   struct Row {
     const char* what;

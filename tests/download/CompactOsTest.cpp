@@ -179,6 +179,12 @@ TEST(CompactOs, ABusyControllerIsToldAgainUntilItHasTakenIt) {
   EXPECT_EQ(tries, 4);
 }
 
+TEST(CompactOs, ABlockWhoseReplyIsLostGoesAgain) {
+  CompactOsFixture fixture(Plc("Q51"));
+  fixture.UseFaults({"lost:on=OS,nth=3,max=1"});
+  EXPECT_TRUE(fixture.Download()) << OutcomeText(fixture.outcome);
+}
+
 // A boot loader is found at a speed of its own, which is not the one that the user has set.
 TEST(CompactOs, GoesBackToTheSpeedThatTheUserHasSet) {
   for (const bool isFoundBefore : {false, true}) {

@@ -151,6 +151,10 @@ TEST_F(MainWindowTest, BadSettingsAreToldAndLeftAlone) {
     EXPECT_EQ(Find<QComboBox>(window, "cboModel").placeholderText(), "K9000");
     Find<QComboBox>(window, "cboModel").textActivated("K330");
     EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), "K330");
+    for (QAction* each : window.findChildren<QAction*>()) {
+      if (each->text() == "Q50") each->trigger();  // in the menu
+    }
+    EXPECT_EQ(Find<QComboBox>(window, "cboModel").currentText(), "Q50");
   });
 }
 
