@@ -65,6 +65,7 @@ TEST(SerialPortTest, TellsWhoHasItOpenAndThatOneThatWasKilledHasLeftItLocked) {
   EXPECT_THAT(refused.cause, HasSubstr("(process " + std::to_string(child) + ") has the port open"));
   ::kill(child, SIGKILL);
   ::waitpid(child, nullptr, 0);
+  if (!FindPortHolder(pty.name, 0).isCertain) GTEST_SKIP() << "only the administrator sees what all programs have open";
   refused = kvtest::WhyNot(port);
   EXPECT_THAT(refused.cause, HasSubstr("killed"));
   EXPECT_THAT(refused.cure, HasSubstr("pseudo terminal"));
